@@ -1,0 +1,58 @@
+#include "LaunchKit/AppBundle.h"
+
+#include "Platform/FileSystem.h"
+#include "Platform/Process.h"
+#include "Platform/PropertyList.h"
+#include "Platform/Utf8.h"
+#include "Platform/Workspace.h"
+
+namespace quorvel {
+namespace {
+
+// A signature's entitlements are a few kilobytes; what goes on for longer is no such list.
+constexpr std::size_t maximumEntitlements = std::size_t{4} << 20U;
+
+// The key alone counts, whatever its value: the sandbox is what the bundle was built for.
+bool isSandboxed(const std::string& entitlements) {
+    return isUtf8(entitlements) &&
+           entitlements.find("com.apple.security.app-sandbox") != std::string::npos;
+}
+
+} // namespace
+
+EntitlementReader codeSigningTool(std::filesystem::path tool) {
+    return [tool = std::move(tool)](const std::filesystem::path& bundle) -> std::string {
+        Process::Options options;
+        options.executable = tool;
+        options.arguments = {"-d", "--entitlements", ":-", "--xml", bundle.string()};
+        try {
+            return Process::capture(std::move(options), maximumEntitlements);
+        } catch (const PlatformError&) {
+            return {};
+        }
+    };
+}
+
+std::optional<AppBundle> AppBundle::read(const std::filesystem::path& appURL,
+                                         const EntitlementReader& entitlements) {
+    const auto info = PropertyList::readDictionary(appURL / "Contents" / "Info.plist");
+    if (!info) {
+        return std::nullopt;
+    }
+    AppBundle bundle;
+    bundle.url = appURL;
+    const std::string fallback = bundleFallbackName(appURL);
+    bundle.bundleId = PropertyList::stringFor(*info, "CFBundleIdentifier").value_or(fallback);
+    bundle.executableName = PropertyList::stringFor(*info, "CFBundleExecutable").value_or(fallback);
+    const auto prohibits = info->find("LSMultipleInstancesProhibited");
+    bundle.prohibitsMultipleInstances =
+        prohibits != info->end() && prohibits->second.boolean().value_or(false);
+    bundle.sandboxed = isSandboxed(entitlements(appURL));
+    return bundle;
+}
+
+std::filesystem::path AppBundle::executableURL() const {
+    return joinAsText(url / "Contents" / "MacOS", executableName);
+}
+
+} // namespace quorvel

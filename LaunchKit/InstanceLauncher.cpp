@@ -1,0 +1,134 @@
+#include "LaunchKit/InstanceLauncher.h"
+
+#include "Platform/FileSystem.h"
+#include "Platform/UserPaths.h"
+
+namespace quorvel {
+namespace {
+
+// Launching looks at neither of the facts that take a tool to find out, and must not wait for it.
+std::string noEntitlements(const std::filesystem::path& /*bundle*/) { return {}; }
+
+bool hasText(const std::optional<std::string>& text) { return text && !text->empty(); }
+
+// A handle that is absent leaves the child's output where ours goes.
+void sendOutputTo(const std::optional<FileHandle>& log, Process::Options& options) {
+    if (log) {
+        options.standardOutput = Process::ToFile{log->descriptor()};
+        options.standardError = Process::ToFile{log->descriptor()};
+    }
+}
+
+void overwrite(Environment& environment, const std::map<std::string, std::string>& entries) {
+    for (const auto& [key, value] : entries) {
+        environment.insert_or_assign(key, value);
+    }
+}
+
+Process launchFile(const InstanceConfig& config) {
+    if (!hasText(config.openPath)) {
+        throw InstanceLauncher::LaunchError::unsupported("file shortcut has no target path");
+    }
+    Process::Options options;
+    options.executable = "/usr/bin/open";
+    options.arguments = {UserPaths::expandTilde(*config.openPath)};
+    return Process::run(options);
+}
+
+Process launchCommand(const InstanceConfig& config) {
+    if (!hasText(config.commandPath)) {
+        throw InstanceLauncher::LaunchError::unsupported("command shortcut has no executable");
+    }
+    const std::string home = config.resolvedHome();
+    try {
+        createDirectories(home);
+    } catch (const PlatformError&) {
+        // A command needs its folder only for the log.
+    }
+    Process::Options options;
+    options.executable = UserPaths::expandTilde(*config.commandPath);
+    options.arguments = config.resolvedCommandArgs();
+    if (hasText(config.workingDirectory)) {
+        options.directory = UserPaths::expandTilde(*config.workingDirectory);
+    }
+    options.environment = currentEnvironment();
+    overwrite(*options.environment, config.resolvedEnvironment());
+    const std::optional<FileHandle> log = InstanceLauncher::instanceLogHandle(home);
+    sendOutputTo(log, options);
+    return Process::run(options);
+}
+
+} // namespace
+
+InstanceLauncher::LaunchError
+InstanceLauncher::LaunchError::badBundle(const std::filesystem::path& url) {
+    return {Case::badBundle, "Not a readable .app bundle: ", url.string()};
+}
+
+InstanceLauncher::LaunchError
+InstanceLauncher::LaunchError::unsupported(const std::string& message) {
+    return {Case::unsupported, "App not clonable: ", message};
+}
+
+Process InstanceLauncher::launch(const InstanceConfig& config,
+                                 const std::vector<std::string>& documents) const {
+    switch (config.kind) {
+    case ShortcutKind::app: {
+        const std::string home = config.resolvedHome();
+        if (config.shareUserFolders) {
+            ensureSharedUserFolders(home);
+        }
+        std::vector<std::string> arguments = config.resolvedArgs();
+        arguments.insert(arguments.end(), documents.begin(), documents.end());
+        return launch(config.targetAppURL(), home, config.strategy, arguments,
+                      config.resolvedEnvironment());
+    }
+    case ShortcutKind::web:
+        throw LaunchError::unsupported("web shortcuts run in the runner's web host");
+    case ShortcutKind::file:
+        return launchFile(config);
+    case ShortcutKind::command:
+        break;
+    }
+    return launchCommand(config);
+}
+
+Process InstanceLauncher::launch(const std::filesystem::path& appURL, const std::string& home,
+                                 Strategy strategy, const std::vector<std::string>& extraArgs,
+                                 const std::map<std::string, std::string>& environment) const {
+    const std::optional<AppBundle> app = AppBundle::read(appURL, noEntitlements);
+    if (!app) {
+        throw LaunchError::badBundle(appURL);
+    }
+    return launch(*app, home, strategy, extraArgs, environment);
+}
+
+Process InstanceLauncher::launch(const AppBundle& app, const std::string& home, Strategy strategy,
+                                 const std::vector<std::string>& extraArgs,
+                                 const std::map<std::string, std::string>& environment) const {
+    createDirectories(home);
+    Process::Options options;
+    options.executable = app.executableURL();
+    options.arguments = extraArgs;
+    const std::optional<FileHandle> log = instanceLogHandle(home);
+    sendOutputTo(log, options);
+    options.environment = currentEnvironment();
+    if (strategy == Strategy::unsupported) {
+        throw LaunchError::unsupported(app.bundleId);
+    }
+    (*options.environment)["HOME"] = home;
+    (*options.environment)["CFFIXED_USER_HOME"] = home;
+    ensureKeychainAccess(home);
+    overwrite(*options.environment, environment);
+    return Process::run(options);
+}
+
+void InstanceLauncher::ensureKeychainAccess(const std::string& home) {
+    linkIfSafe(home + "/Library/Keychains", UserPaths::expandTilde("~/Library/Keychains"));
+}
+
+std::optional<FileHandle> InstanceLauncher::instanceLogHandle(const std::string& home) {
+    return openForAppending(joinAsText(home, instanceLogName));
+}
+
+} // namespace quorvel

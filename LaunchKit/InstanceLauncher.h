@@ -1,0 +1,91 @@
+#pragma once
+
+#include "LaunchKit/AppBundle.h"
+#include "LaunchKit/InstanceConfig.h"
+#include "Platform/FileHandle.h"
+#include "Platform/Process.h"
+
+#include <array>
+#include <filesystem>
+#include <map>
+#include <optional>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace quorvel {
+
+/// Starts the target of a clone with its isolation applied, and keeps its data folder in order.
+/// Stateless; any thread.
+class InstanceLauncher {
+public:
+    class LaunchError : public std::runtime_error {
+    public:
+        enum class Case { badBundle, unsupported };
+
+        [[nodiscard]] static LaunchError badBundle(const std::filesystem::path& url);
+        [[nodiscard]] static LaunchError unsupported(const std::string& message);
+
+        [[nodiscard]] Case kind() const noexcept { return case_; }
+        /// The bundle's path, or the message.
+        [[nodiscard]] const std::string& payload() const noexcept { return payload_; }
+        [[nodiscard]] std::string description() const { return what(); }
+
+    private:
+        LaunchError(Case kind, const std::string& prefix, std::string payload)
+            : std::runtime_error(prefix + payload), case_(kind), payload_(std::move(payload)) {}
+
+        Case case_;
+        std::string payload_;
+    };
+
+    /// Launches what the configuration describes. `documents` follow the configured arguments of an
+    /// `app` clone, as they are; the other kinds take none.
+    /// Throws `LaunchError`, or `PlatformError` when the process can't be started.
+    [[nodiscard]] Process launch(const InstanceConfig& config,
+                                 const std::vector<std::string>& documents = {}) const;
+
+    /// Launches an application under `home` (already expanded), which is created where needed.
+    /// `environment` wins over what the launcher sets.
+    [[nodiscard]] Process launch(const AppBundle& app, const std::string& home, Strategy strategy,
+                                 const std::vector<std::string>& extraArgs,
+                                 const std::map<std::string, std::string>& environment) const;
+
+    /// The same for a bundle that is still to be read.
+    [[nodiscard]] Process launch(const std::filesystem::path& appURL, const std::string& home,
+                                 Strategy strategy, const std::vector<std::string>& extraArgs,
+                                 const std::map<std::string, std::string>& environment) const;
+
+    /// Links the user's keychains into `home`. Never fails.
+    static void ensureKeychainAccess(const std::string& home);
+
+    /// The clone's log in `home`, opened for appending; nothing when that can't be done.
+    [[nodiscard]] static std::optional<FileHandle> instanceLogHandle(const std::string& home);
+
+    // Shared user folders: how a clone uses the user's own instead of private ones.
+
+    static constexpr std::array<std::string_view, 3> sharedUserFolders{"Downloads", "Documents",
+                                                                      "Desktop"};
+
+    /// Makes `link` a symbolic link to `target` where nothing is lost by it: `target` exists, and
+    /// at `link` is nothing, an empty folder or a plain file. Never fails.
+    static void linkIfSafe(const std::string& link, const std::string& target);
+
+    /// Links the user's own folders into `home`.
+    static void ensureSharedUserFolders(const std::string& home);
+
+    /// Whether one of the three in `home` is there and is no link.
+    [[nodiscard]] static bool needsSharedFolderMigration(const std::string& home);
+
+    /// Moves what the three folders in `home` hold into the user's own, under new names where a
+    /// name is taken, and links them. Gives the number of entries moved for each folder that was
+    /// there. Never fails; what can't be moved stays.
+    static std::map<std::string, int> migrateSharedUserFolders(const std::string& home);
+    static std::map<std::string, int> migrateSharedUserFolders(const std::string& home,
+                                                               const std::string& realHome);
+};
+
+inline constexpr std::string_view instanceLogName = "quorvel-instance.log";
+
+} // namespace quorvel

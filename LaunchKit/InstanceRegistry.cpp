@@ -1,0 +1,108 @@
+#include "LaunchKit/InstanceRegistry.h"
+
+#include "Platform/FileSystem.h"
+#include "Platform/Text.h"
+#include "Platform/UserPaths.h"
+
+#include <algorithm>
+#include <numeric>
+
+namespace quorvel {
+namespace fs = std::filesystem;
+namespace {
+
+bool isAppName(const std::string& name) { return fs::path(name).extension() == ".app"; }
+
+// Names are turned into keys once: comparing them anew in every step of a sort would cost more than
+// reading the files.
+void sortByName(std::vector<InstanceRecord>& records) {
+    std::vector<std::string> keys;
+    keys.reserve(records.size());
+    for (const InstanceRecord& record : records) {
+        keys.push_back(Text::collationKey(record.config.displayName));
+    }
+    std::vector<std::size_t> order(records.size());
+    std::iota(order.begin(), order.end(), std::size_t{0});
+    std::stable_sort(order.begin(), order.end(),
+                     [&](std::size_t a, std::size_t b) { return keys[a] < keys[b]; });
+    std::vector<InstanceRecord> sorted;
+    sorted.reserve(records.size());
+    for (const std::size_t index : order) {
+        sorted.push_back(std::move(records[index]));
+    }
+    records = std::move(sorted);
+}
+
+void removeData(const InstanceConfig& config) {
+    const std::string home = config.resolvedHome();
+    if (home.empty() || home == UserPaths::home() || !itemExists(home)) {
+        return;
+    }
+    try {
+        removeItem(home);
+    } catch (const PlatformError&) {
+        // The clone itself is gone, which is what was asked for; its data may be in use.
+    }
+}
+
+} // namespace
+
+std::optional<fs::path> InstanceRecord::iconURL() const {
+    fs::path icon = bundleURL / "Contents" / "Resources" / "AppIcon.icns";
+    return itemExists(icon) ? std::optional(std::move(icon)) : std::nullopt;
+}
+
+fs::path instanceConfigFile(const fs::path& bundleURL) {
+    return bundleURL / "Contents" / "Resources" / "instance.json";
+}
+
+std::vector<fs::path> InstanceRegistry::defaultSearchDirs() {
+    return {UserPaths::expandTilde("~/Applications")};
+}
+
+std::vector<InstanceRecord> InstanceRegistry::list() const {
+    std::vector<InstanceRecord> records;
+    for (const fs::path& folder : searchDirs) {
+        const auto names = directoryEntries(folder);
+        for (const std::string& name : names.value_or(std::vector<std::string>{})) {
+            if (!isAppName(name)) {
+                continue;
+            }
+            if (auto found = record(folder / name)) {
+                records.push_back(std::move(*found));
+            }
+        }
+    }
+    sortByName(records);
+    return records;
+}
+
+std::optional<InstanceRecord> InstanceRegistry::record(const fs::path& bundleURL) const {
+    auto config = InstanceConfig::read(instanceConfigFile(bundleURL));
+    if (!config) {
+        return std::nullopt;
+    }
+    return InstanceRecord{bundleURL, std::move(*config)};
+}
+
+void InstanceRegistry::remove(const InstanceRecord& record, bool includingData) const {
+    if (itemOrLinkExists(withoutTrailingSlashes(record.bundleURL))) {
+        removeItem(record.bundleURL);
+    }
+    if (includingData) {
+        removeData(record.config);
+    }
+}
+
+void InstanceRegistry::update(const InstanceRecord& record,
+                              const std::function<void(InstanceConfig&)>& change) const {
+    InstanceConfig config = record.config;
+    change(config);
+    try {
+        writeFile(instanceConfigFile(record.bundleURL), config.json());
+    } catch (const std::runtime_error&) {
+        // The next listing shows what the file holds.
+    }
+}
+
+} // namespace quorvel

@@ -1,0 +1,64 @@
+#pragma once
+
+#include "LaunchKit/InstanceConfig.h"
+
+#include <filesystem>
+#include <functional>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace quorvel {
+
+/// A clone on disk: its wrapper bundle and the configuration inside. Identity is the bundle alone.
+struct InstanceRecord {
+    std::filesystem::path bundleURL{};
+    InstanceConfig config{};
+
+    [[nodiscard]] std::string id() const { return bundleURL.string(); }
+    /// The wrapper's icon, when it has one.
+    [[nodiscard]] std::optional<std::filesystem::path> iconURL() const;
+
+    bool operator==(const InstanceRecord& other) const { return bundleURL == other.bundleURL; }
+};
+
+/// Where a wrapper keeps its configuration.
+[[nodiscard]] std::filesystem::path instanceConfigFile(const std::filesystem::path& bundleURL);
+
+/// Finds, changes and deletes the clones below a few folders. Holds no other state; any thread.
+class InstanceRegistry {
+public:
+    /// "~/Applications".
+    [[nodiscard]] static std::vector<std::filesystem::path> defaultSearchDirs();
+
+    explicit InstanceRegistry(std::vector<std::filesystem::path> dirs = defaultSearchDirs())
+        : searchDirs(std::move(dirs)) {}
+
+    std::vector<std::filesystem::path> searchDirs;
+
+    /// The clones, sorted by name as the user's locale does, upper and lower case alike; equal names
+    /// stay in the order in which they were found. What can't be read is left out.
+    [[nodiscard]] std::vector<InstanceRecord> list() const;
+
+    /// The clone at `bundleURL`, wherever that is.
+    [[nodiscard]] std::optional<InstanceRecord>
+    record(const std::filesystem::path& bundleURL) const;
+
+    /// Removes the wrapper and, when asked, the data folder; a user's home is never removed.
+    /// Throws `PlatformError` when the wrapper can't be removed, with the data untouched. A data
+    /// folder that can't be removed is no error.
+    void remove(const InstanceRecord& record, bool includingData) const;
+
+    /// Rewrites the wrapper's configuration after `change`. Failures are silent: list again to see.
+    void update(const InstanceRecord& record,
+                const std::function<void(InstanceConfig&)>& change) const;
+};
+
+} // namespace quorvel
+
+template<>
+struct std::hash<quorvel::InstanceRecord> {
+    std::size_t operator()(const quorvel::InstanceRecord& record) const noexcept {
+        return std::filesystem::hash_value(record.bundleURL);
+    }
+};

@@ -1,0 +1,87 @@
+#include "LaunchKit/WrapperFactory.h"
+
+#include "LaunchKit/RunnerLocator.h"
+#include "LaunchKit/WrapperGenerator.h"
+#include "Platform/Text.h"
+#include "Platform/UserPaths.h"
+
+namespace quorvel {
+namespace fs = std::filesystem;
+namespace {
+
+// Whether the target is sandboxed changes nothing here, so its signature is not looked at.
+fs::path readableTarget(const WrapperFactory::Request& request) {
+    const auto unchecked = [](const fs::path&) { return std::string{}; };
+    if (!request.targetApp || !AppBundle::read(*request.targetApp, unchecked)) {
+        throw WrapperFactory::FactoryError::badTarget(request.targetApp.value_or("/"));
+    }
+    return *request.targetApp;
+}
+
+InstanceConfig configuration(const WrapperFactory::Request& request, const std::string& name) {
+    InstanceConfig config;
+    config.displayName = name;
+    config.bundleId = request.bundleId.value_or(WrapperFactory::defaultBundleId(name));
+    config.kind = request.kind;
+    config.instanceHome = request.instanceHome.value_or(WrapperFactory::defaultInstanceHome(name));
+    config.strategy = request.strategy;
+    config.extraArgs = request.extraArgs.value_or(std::vector<std::string>{});
+    if (request.kind == ShortcutKind::app) {
+        const fs::path target = readableTarget(request);
+        config.targetAppPath = target.string();
+        if (!request.extraArgs) {
+            config.extraArgs = WrapperFactory::autoDataDirArgs(target, std::nullopt);
+        }
+    }
+    config.environment = request.environment;
+    config.infoPlistOverrides = request.infoPlistOverrides;
+    config.registerAsBrowser = request.registerAsBrowser;
+    config.openWithPassthrough = request.openWithPassthrough;
+    config.iconLabel = request.iconLabel;
+    config.menuBarIcon = request.menuBarIcon;
+    config.menuBarIconTemplate = request.menuBarIconTemplate;
+    config.shareUserFolders = request.shareUserFolders;
+    config.url = request.url;
+    config.openPath = request.openPath;
+    config.commandPath = request.commandPath;
+    config.commandArgs = request.commandArgs;
+    config.workingDirectory = request.workingDirectory;
+    return config;
+}
+
+} // namespace
+
+WrapperFactory::FactoryError WrapperFactory::FactoryError::badTarget(const fs::path& target) {
+    return {Case::badTarget, "Not a readable .app: " + target.string()};
+}
+
+WrapperFactory::FactoryError WrapperFactory::FactoryError::runnerNotFound() {
+    return {Case::runnerNotFound, "Could not locate the quorvel-runner binary to embed."};
+}
+
+WrapperFactory::FactoryError WrapperFactory::FactoryError::emptyName() {
+    return {Case::emptyName, "The clone needs a non-empty name."};
+}
+
+fs::path WrapperFactory::defaultOutputDir() { return UserPaths::expandTilde("~/Applications"); }
+
+std::string WrapperFactory::defaultInstanceHome(std::string_view name) {
+    return "~/QuorvelInstances/" + std::string(name);
+}
+
+fs::path WrapperFactory::create(const Request& request) const {
+    const std::string name = Text::trimmingWhitespaceAndNewlines(request.displayName);
+    if (name.empty()) {
+        throw FactoryError::emptyName();
+    }
+    const std::optional<fs::path> runner =
+        runnerBinary ? runnerBinary : RunnerLocator::locate(ApplicationFolders::ofThisProgram());
+    if (!runner) {
+        throw FactoryError::runnerNotFound();
+    }
+    const WrapperGenerator::Options options{configuration(request, name), *runner,
+                                            request.customIcon, request.hideWrapperIcon};
+    return WrapperGenerator().generate(request.outputDir.value_or(defaultOutputDir()), options);
+}
+
+} // namespace quorvel

@@ -1,0 +1,31 @@
+#pragma once
+
+#include <string_view>
+#include <utility>
+
+namespace quorvel {
+
+/// Owns one file descriptor and closes it.
+class FileHandle {
+public:
+    explicit FileHandle(int descriptor) noexcept : descriptor_(descriptor) {}
+    FileHandle(FileHandle&& other) noexcept : descriptor_(std::exchange(other.descriptor_, -1)) {}
+    FileHandle& operator=(FileHandle&& other) noexcept {
+        std::swap(descriptor_, other.descriptor_);
+        return *this;
+    }
+    FileHandle(const FileHandle&) = delete;
+    FileHandle& operator=(const FileHandle&) = delete;
+    ~FileHandle();
+
+    /// -1 when nothing is open.
+    [[nodiscard]] int descriptor() const noexcept { return descriptor_; }
+
+    /// Writes everything, going on after an interruption. False when that fails (`errno` says why).
+    bool write(std::string_view bytes) const noexcept;
+
+private:
+    int descriptor_;
+};
+
+} // namespace quorvel

@@ -1,0 +1,11 @@
+#pragma once
+
+#include <filesystem>
+
+namespace quorvel {
+
+/// Asks the desktop's file manager over D-Bus to show the item. Throws `PlatformError` when none
+/// answers.
+void showInFileManager(const std::filesystem::path& item);
+
+} // namespace quorvel

@@ -1,0 +1,63 @@
+#include "Platform/FileSystem.h"
+
+#include <cerrno>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <array>
+#include <cstdio>
+
+namespace quorvel {
+namespace fs = std::filesystem;
+namespace {
+
+// Nothing may be replaced, not even what another program puts there at this moment.
+int renameExclusively(const fs::path& source, const fs::path& destination) {
+#ifdef __APPLE__
+    return ::renamex_np(source.c_str(), destination.c_str(), RENAME_EXCL);
+#else
+    return ::renameat2(AT_FDCWD, source.c_str(), AT_FDCWD, destination.c_str(), RENAME_NOREPLACE);
+#endif
+}
+
+void copyTree(const fs::path& source, const fs::path& destination, std::error_code& code) {
+    fs::copy(source, destination, fs::copy_options::recursive | fs::copy_options::copy_symlinks,
+             code);
+    if (!code) {
+        fs::last_write_time(destination, fs::last_write_time(source, code), code);
+        code.clear();
+    }
+}
+
+} // namespace
+
+void copyFile(const fs::path& source, const fs::path& destination) {
+    std::error_code code;
+    if (!fs::copy_file(source, destination, fs::copy_options::none, code)) {
+        throw PlatformError(code ? code : std::make_error_code(std::errc::file_exists), source,
+                            "copied");
+    }
+}
+
+void moveItem(const fs::path& source, const fs::path& destination) {
+    if (renameExclusively(source, destination) == 0) {
+        return;
+    }
+    if (errno != EXDEV) {
+        throw PlatformError::fromErrno(source, "moved");
+    }
+    std::error_code code;
+    if (itemOrLinkExists(destination)) {
+        throw PlatformError(std::make_error_code(std::errc::file_exists), source, "moved");
+    }
+    copyTree(source, destination, code);
+    std::error_code ignored;
+    if (code) {
+        fs::remove_all(destination, ignored);
+        throw PlatformError(code, source, "moved");
+    }
+    fs::remove_all(source, ignored);
+}
+
+} // namespace quorvel

@@ -1,0 +1,32 @@
+#pragma once
+
+#include <filesystem>
+#include <stdexcept>
+#include <string>
+#include <system_error>
+
+namespace quorvel {
+
+/// A failed file-system or process operation, described for a person:
+/// “Work.app” couldn’t be removed: permission denied.
+class PlatformError : public std::runtime_error {
+public:
+    /// `action` completes the sentence “NAME” couldn’t be ACTION (a past participle, such as
+    /// "removed"). `path` is the item that the operation was about.
+    PlatformError(std::error_code code, std::filesystem::path path, const std::string& action);
+
+    [[nodiscard]] const std::error_code& code() const noexcept { return code_; }
+    [[nodiscard]] const std::filesystem::path& path() const noexcept { return path_; }
+    /// The sentence, the same text as `what()`.
+    [[nodiscard]] std::string description() const { return what(); }
+
+    /// The error for the calling thread's current `errno`.
+    [[nodiscard]] static PlatformError fromErrno(const std::filesystem::path& path,
+                                                 const std::string& action);
+
+private:
+    std::error_code code_;
+    std::filesystem::path path_;
+};
+
+} // namespace quorvel

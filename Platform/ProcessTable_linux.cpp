@@ -1,0 +1,189 @@
+#include "Platform/ProcessTable_linux.h"
+
+#include "Platform/FileHandle.h"
+#include "Platform/FileSystem.h"
+#include "Platform/PropertyList.h"
+
+#include <algorithm>
+#include <cctype>
+#include <charconv>
+#include <dirent.h>
+#include <fcntl.h>
+#include <memory>
+#include <optional>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace quorvel {
+namespace fs = std::filesystem;
+namespace {
+
+constexpr std::string_view executablesFolder = ".app/Contents/MacOS/";
+
+// "/A/B.app" for "/A/B.app/Contents/MacOS/x", nothing for any other path.
+std::string bundleHolding(const std::string& executable) {
+    const std::size_t at = executable.rfind(executablesFolder);
+    const std::size_t name = at + executablesFolder.size();
+    if (at == std::string::npos || name == executable.size() ||
+        executable.find('/', name) != std::string::npos) {
+        return {};
+    }
+    return executable.substr(0, at + 4);
+}
+
+std::string readLinkAt(int folder, const char* name) {
+    std::string target(512, '\0');
+    while (true) {
+        const ssize_t length = ::readlinkat(folder, name, target.data(), target.size());
+        if (length < 0) {
+            return {};
+        }
+        if (static_cast<std::size_t>(length) < target.size()) {
+            target.resize(static_cast<std::size_t>(length));
+            return target;
+        }
+        target.resize(target.size() * 2);
+    }
+}
+
+std::string readAt(int folder, const char* name) {
+    const FileHandle file(::openat(folder, name, O_RDONLY | O_NONBLOCK | O_CLOEXEC));
+    std::string bytes(4096, '\0');
+    const ssize_t length =
+        file.descriptor() < 0 ? -1 : ::read(file.descriptor(), bytes.data(), bytes.size());
+    bytes.resize(length < 0 ? 0 : static_cast<std::size_t>(length));
+    return bytes;
+}
+
+// An interpreter's command line names the script first, behind the options that the script's own
+// first line may carry.
+std::optional<std::string> scriptArgument(const std::string& commandLine) {
+    std::size_t at = commandLine.find('\0');
+    while (at != std::string::npos && at + 1 < commandLine.size()) {
+        const std::size_t end = commandLine.find('\0', at + 1);
+        std::string argument = commandLine.substr(at + 1, end - at - 1);
+        if (!argument.starts_with('-')) {
+            return argument;
+        }
+        at = end;
+    }
+    return std::nullopt;
+}
+
+std::string nextWord(std::string_view& line) {
+    const auto isSpace = [](char c) { return c == ' ' || c == '\t'; };
+    line.remove_prefix(std::min(line.size(),
+                                static_cast<std::size_t>(std::distance(
+                                    line.begin(), std::find_if_not(line.begin(), line.end(),
+                                                                   isSpace)))));
+    const auto end = std::find_if(line.begin(), line.end(), isSpace);
+    std::string word(line.begin(), end);
+    line.remove_prefix(word.size());
+    return word;
+}
+
+// Whether the script's first line names the program that runs it. A program that merely has the
+// script's path as an argument, an editor say, is not running it.
+bool isInterpreterOf(const fs::path& script, const std::string& executable) {
+    const FileHandle file(::open(script.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC | O_NOCTTY));
+    struct stat status {};
+    char head[256];
+    if (file.descriptor() < 0 || ::fstat(file.descriptor(), &status) != 0 ||
+        !S_ISREG(status.st_mode)) {
+        return false;
+    }
+    const ssize_t length = ::read(file.descriptor(), head, sizeof head);
+    std::string_view line(head, length < 0 ? 0 : static_cast<std::size_t>(length));
+    if (!line.starts_with("#!")) {
+        return false;
+    }
+    line = line.substr(2, line.find('\n') - 2);
+    std::string interpreter = nextWord(line);
+    if (fs::path(interpreter).filename() == "env") {
+        do {
+            interpreter = nextWord(line);
+        } while (interpreter.starts_with('-') || interpreter.find('=') != std::string::npos);
+    }
+    std::error_code ignored;
+    if (interpreter.find('/') != std::string::npos) {
+        return fs::canonical(interpreter, ignored).native() == executable;
+    }
+    // A version may stand behind the name: python3 is run by python3.11.
+    return !interpreter.empty() &&
+           fs::path(executable).filename().native().starts_with(interpreter);
+}
+
+std::optional<pid_t> processNumber(const char* name) {
+    pid_t number = 0;
+    const char* end = name + std::char_traits<char>::length(name);
+    const auto result = std::from_chars(name, end, number);
+    return result.ec == std::errc{} && result.ptr == end ? std::optional(number) : std::nullopt;
+}
+
+} // namespace
+
+std::string ProcessTable::bundleOf(int processFolder, const std::string& executable) const {
+    std::string bundle = bundleHolding(executable);
+    if (!bundle.empty()) {
+        return bundle;
+    }
+    const std::string commandLine = readAt(processFolder, "cmdline");
+    if (commandLine.find("/MacOS/") == std::string::npos &&
+        commandLine.find("./") == std::string::npos) {
+        return {};
+    }
+    const std::optional<std::string> script = scriptArgument(commandLine);
+    if (!script) {
+        return {};
+    }
+    std::error_code code;
+    const fs::path path =
+        fs::canonical(fs::path(readLinkAt(processFolder, "cwd")) / *script, code);
+    bundle = code ? std::string{} : bundleHolding(path.native());
+    return !bundle.empty() && isInterpreterOf(path, executable) ? bundle : std::string{};
+}
+
+const std::string* ProcessTable::identifierOf(const std::string& bundle) {
+    const std::string file = bundle + "/Contents/Info.plist";
+    struct stat status {};
+    if (::stat(file.c_str(), &status) != 0) {
+        return nullptr;
+    }
+    KnownBundle& known = known_[bundle];
+    if (known.inode != status.st_ino || known.size != status.st_size ||
+        known.modified.tv_sec != status.st_mtim.tv_sec ||
+        known.modified.tv_nsec != status.st_mtim.tv_nsec) {
+        const auto dictionary = PropertyList::readDictionary(file);
+        known = {dictionary ? PropertyList::stringFor(*dictionary, "CFBundleIdentifier")
+                                  .value_or(bundleFallbackName(bundle))
+                            : std::string{},
+                 status.st_ino, status.st_size, status.st_mtim};
+    }
+    return known.bundleId.empty() ? nullptr : &known.bundleId;
+}
+
+std::vector<RunningApplication> ProcessTable::applications() {
+    const std::lock_guard guard(mutex_);
+    std::vector<RunningApplication> found;
+    const std::unique_ptr<DIR, int (*)(DIR*)> table(::opendir("/proc"), &::closedir);
+    while (const dirent* entry = table ? ::readdir(table.get()) : nullptr) {
+        const std::optional<pid_t> pid = processNumber(entry->d_name);
+        if (!pid) {
+            continue;
+        }
+        const FileHandle folder(::openat(::dirfd(table.get()), entry->d_name,
+                                         O_PATH | O_DIRECTORY | O_CLOEXEC));
+        const std::string executable = readLinkAt(folder.descriptor(), "exe");
+        if (executable.empty()) {
+            continue;
+        }
+        const std::string bundle = bundleOf(folder.descriptor(), executable);
+        const std::string* bundleId = bundle.empty() ? nullptr : identifierOf(bundle);
+        if (bundleId != nullptr) {
+            found.push_back({*bundleId, bundle, *pid});
+        }
+    }
+    return found;
+}
+
+} // namespace quorvel

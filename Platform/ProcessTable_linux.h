@@ -1,0 +1,37 @@
+#pragma once
+
+#include "Platform/Workspace.h"
+
+#include <ctime>
+#include <map>
+#include <mutex>
+#include <set>
+#include <string>
+#include <vector>
+
+namespace quorvel {
+
+/// Finds the processes that run from application bundles in one pass over /proc. A process counts
+/// when its executable, or for an interpreted script the script, lies directly in
+/// NAME.app/Contents/MacOS. What vanishes or may not be read is skipped.
+class ProcessTable {
+public:
+    [[nodiscard]] std::vector<RunningApplication> applications();
+
+private:
+    // A bundle's identifier is read once and again only when its property list changed.
+    struct KnownBundle {
+        std::string bundleId{};
+        ino_t inode = 0;
+        off_t size = 0;
+        timespec modified{};
+    };
+
+    [[nodiscard]] const std::string* identifierOf(const std::string& bundle);
+    [[nodiscard]] std::string bundleOf(int processFolder, const std::string& executable) const;
+
+    std::mutex mutex_;
+    std::map<std::string, KnownBundle> known_;
+};
+
+} // namespace quorvel

@@ -1,0 +1,206 @@
+#include "Platform/PropertyList.h"
+
+#include "Platform/FileSystem.h"
+#include "Platform/PropertyListLimits.h"
+#include "Platform/Utf8.h"
+
+#include <plist/plist.h>
+
+#include <cstdlib>
+#include <memory>
+#include <stdexcept>
+
+namespace quorvel {
+namespace {
+
+struct NodeDeleter {
+    void operator()(void* node) const { plist_free(node); }
+};
+using Node = std::unique_ptr<void, NodeDeleter>;
+
+struct CDeleter {
+    void operator()(void* memory) const { std::free(memory); }
+};
+template<typename T>
+using CMemory = std::unique_ptr<T, CDeleter>;
+
+std::string text(const char* bytes, std::size_t length) {
+    const std::string_view view(bytes, length);
+    return isUtf8(view) ? std::string(view) : utf8FromLatin1(view);
+}
+
+PropertyListValue converted(plist_t node);
+
+PropertyListArray convertedArray(plist_t node) {
+    PropertyListArray result;
+    plist_array_iter raw = nullptr;
+    plist_array_new_iter(node, &raw);
+    const CMemory<void> iterator(raw);
+    plist_t item = nullptr;
+    for (plist_array_next_item(node, raw, &item); item != nullptr;
+         plist_array_next_item(node, raw, &item)) {
+        result.push_back(converted(item));
+    }
+    return result;
+}
+
+PropertyListDictionary convertedDictionary(plist_t node) {
+    PropertyListDictionary result;
+    plist_dict_iter raw = nullptr;
+    plist_dict_new_iter(node, &raw);
+    const CMemory<void> iterator(raw);
+    while (true) {
+        char* rawKey = nullptr;
+        plist_t item = nullptr;
+        plist_dict_next_item(node, raw, &rawKey, &item);
+        const CMemory<char> key(rawKey);
+        if (item == nullptr || key == nullptr) {
+            return result;
+        }
+        result.insert_or_assign(text(key.get(), std::char_traits<char>::length(key.get())),
+                                converted(item));
+    }
+}
+
+PropertyListValue converted(plist_t node) {
+    switch (plist_get_node_type(node)) {
+    case PLIST_BOOLEAN: {
+        std::uint8_t value = 0;
+        plist_get_bool_val(node, &value);
+        return value != 0;
+    }
+    case PLIST_UINT: {
+        std::uint64_t value = 0;
+        plist_get_uint_val(node, &value);
+        return static_cast<std::int64_t>(value);
+    }
+    case PLIST_REAL: {
+        double value = 0;
+        plist_get_real_val(node, &value);
+        return value;
+    }
+    case PLIST_STRING: {
+        std::uint64_t length = 0;
+        const char* bytes = plist_get_string_ptr(node, &length);
+        return bytes == nullptr ? std::string{} : text(bytes, length);
+    }
+    case PLIST_ARRAY:
+        return convertedArray(node);
+    case PLIST_DICT:
+        return convertedDictionary(node);
+    default:
+        return {};
+    }
+}
+
+// XML 1.0 has no way to write most control characters, not even escaped.
+const char* xmlText(const std::string& value) {
+    for (const char byte : value) {
+        const auto code = static_cast<unsigned char>(byte);
+        if (code < 0x20 && code != '\t' && code != '\n' && code != '\r') {
+            throw std::invalid_argument("a property list can't hold control characters");
+        }
+    }
+    if (!isUtf8(value)) {
+        throw std::invalid_argument("a property list can't hold text that is not UTF-8");
+    }
+    return value.c_str();
+}
+
+struct NodeMaker {
+    Node operator()(std::monostate) const {
+        throw std::invalid_argument("a property list can't hold an empty value");
+    }
+    Node operator()(bool value) const { return Node(plist_new_bool(value ? 1 : 0)); }
+    Node operator()(std::int64_t value) const {
+#ifdef QUORVEL_PLIST_HAS_SIGNED_INTEGERS
+        return Node(plist_new_int(value));
+#else
+        // Before it knew signed integers, the library wrote this one's bits as a signed number.
+        return Node(plist_new_uint(static_cast<std::uint64_t>(value)));
+#endif
+    }
+    Node operator()(double value) const { return Node(plist_new_real(value)); }
+    Node operator()(const std::string& value) const {
+        return Node(plist_new_string(xmlText(value)));
+    }
+    Node operator()(const PropertyListArray& value) const {
+        Node node(plist_new_array());
+        for (const PropertyListValue& item : value) {
+            plist_array_append_item(node.get(), std::visit(*this, item.storage).release());
+        }
+        return node;
+    }
+    Node operator()(const PropertyListDictionary& value) const {
+        Node node(plist_new_dict());
+        for (const auto& [key, item] : value) {
+            plist_dict_set_item(node.get(), xmlText(key), std::visit(*this, item.storage).release());
+        }
+        return node;
+    }
+};
+
+} // namespace
+
+PropertyListValue::PropertyListValue(PropertyListArray value) : storage(std::move(value)) {}
+PropertyListValue::PropertyListValue(PropertyListDictionary value) : storage(std::move(value)) {}
+
+std::optional<bool> PropertyListValue::boolean() const {
+    if (const auto* flag = std::get_if<bool>(&storage)) {
+        return *flag;
+    }
+    double number = -1;
+    if (const auto* integer = std::get_if<std::int64_t>(&storage)) {
+        number = static_cast<double>(*integer);
+    } else if (const auto* real = std::get_if<double>(&storage)) {
+        number = *real;
+    }
+    return number == 0 || number == 1 ? std::optional(number == 1) : std::nullopt;
+}
+
+namespace PropertyList {
+
+std::optional<PropertyListDictionary> parseDictionary(std::string_view bytes) {
+    if (bytes.empty() || bytes.size() > maximumFileSize || !PropertyListLimits::within(bytes)) {
+        return std::nullopt;
+    }
+    plist_t raw = nullptr;
+    const auto length = static_cast<std::uint32_t>(bytes.size());
+    if (bytes.starts_with("bplist")) {
+        plist_from_bin(bytes.data(), length, &raw);
+    } else {
+        plist_from_xml(bytes.data(), length, &raw);
+    }
+    const Node root(raw);
+    if (!root || plist_get_node_type(root.get()) != PLIST_DICT) {
+        return std::nullopt;
+    }
+    return convertedDictionary(root.get());
+}
+
+std::optional<PropertyListDictionary> readDictionary(const std::filesystem::path& file) {
+    const std::optional<std::string> bytes = readFile(file, maximumFileSize);
+    return bytes ? parseDictionary(*bytes) : std::nullopt;
+}
+
+std::optional<std::string> stringFor(const PropertyListDictionary& dictionary,
+                                     const std::string& key) {
+    const auto found = dictionary.find(key);
+    const std::string* value = found == dictionary.end() ? nullptr : found->second.string();
+    return value == nullptr ? std::nullopt : std::optional(*value);
+}
+
+std::string xml(const PropertyListDictionary& dictionary) {
+    const Node root = NodeMaker{}(dictionary);
+    char* raw = nullptr;
+    std::uint32_t length = 0;
+    plist_to_xml(root.get(), &raw, &length);
+    const CMemory<char> document(raw);
+    if (!document) {
+        throw std::invalid_argument("the property list couldn't be written as XML");
+    }
+    return {document.get(), length};
+}
+
+} // namespace PropertyList
+} // namespace quorvel

@@ -1,0 +1,65 @@
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <map>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <variant>
+#include <vector>
+
+namespace quorvel {
+
+/// One value of a property list. Dates, data and identifiers, which nothing here looks at, are read
+/// as `std::monostate`, which can't be written.
+struct PropertyListValue;
+using PropertyListArray = std::vector<PropertyListValue>;
+using PropertyListDictionary = std::map<std::string, PropertyListValue>;
+
+struct PropertyListValue {
+    using Storage = std::variant<std::monostate, bool, std::int64_t, double, std::string,
+                                 PropertyListArray, PropertyListDictionary>;
+    Storage storage{};
+
+    PropertyListValue() = default;
+    PropertyListValue(bool value) : storage(value) {}
+    PropertyListValue(std::int64_t value) : storage(value) {}
+    PropertyListValue(double value) : storage(value) {}
+    PropertyListValue(std::string value) : storage(std::move(value)) {}
+    PropertyListValue(const char* value) : storage(std::string(value)) {}
+    PropertyListValue(PropertyListArray value);
+    PropertyListValue(PropertyListDictionary value);
+
+    bool operator==(const PropertyListValue&) const = default;
+
+    /// The text when this is a string, else null. Valid as long as this value.
+    [[nodiscard]] const std::string* string() const { return std::get_if<std::string>(&storage); }
+    /// True or false for a boolean and for a number that is exactly 1 or 0; else nothing.
+    [[nodiscard]] std::optional<bool> boolean() const;
+};
+
+namespace PropertyList {
+
+/// The largest file that is read.
+inline constexpr std::size_t maximumFileSize = std::size_t{8} << 20U;
+
+/// Reads an XML or binary property list whose root is a dictionary. Nothing when the file can't be
+/// read, is over `maximumFileSize`, is malformed, nests deeper than 256 levels or would unfold to
+/// more than a million values. A string whose bytes are not UTF-8 is taken as ISO 8859-1.
+[[nodiscard]] std::optional<PropertyListDictionary>
+readDictionary(const std::filesystem::path& file);
+
+/// The same from bytes.
+[[nodiscard]] std::optional<PropertyListDictionary> parseDictionary(std::string_view bytes);
+
+/// The text of the string under `key`; nothing when the key is missing or holds no string.
+[[nodiscard]] std::optional<std::string> stringFor(const PropertyListDictionary& dictionary,
+                                                   const std::string& key);
+
+/// The XML document, version 1.0. Throws `std::invalid_argument` when a text holds characters that
+/// XML can't carry (control characters, bytes that are no UTF-8).
+[[nodiscard]] std::string xml(const PropertyListDictionary& dictionary);
+
+} // namespace PropertyList
+} // namespace quorvel

@@ -1,0 +1,128 @@
+#include "Platform/Text.h"
+
+#include <unicode/coll.h>
+#include <unicode/regex.h>
+#include <unicode/uchar.h>
+#include <unicode/unistr.h>
+
+#include <memory>
+#include <stdexcept>
+#include <vector>
+
+namespace quorvel::Text {
+namespace {
+
+icu::UnicodeString decoded(std::string_view text) {
+    return icu::UnicodeString::fromUTF8(
+        icu::StringPiece(text.data(), static_cast<int32_t>(text.size())));
+}
+
+std::string encoded(const icu::UnicodeString& text) {
+    std::string result;
+    text.toUTF8String(result);
+    return result;
+}
+
+// One collator a thread: making one loads locale data, and a collator is not to be shared unguarded.
+const icu::Collator& collator() {
+    thread_local const std::unique_ptr<icu::Collator> instance = [] {
+        UErrorCode status = U_ZERO_ERROR;
+        std::unique_ptr<icu::Collator> made(icu::Collator::createInstance(status));
+        if (U_FAILURE(status)) {
+            throw std::runtime_error(u_errorName(status));
+        }
+        made->setStrength(icu::Collator::SECONDARY);
+        return made;
+    }();
+    return *instance;
+}
+
+template<typename Belongs>
+std::string trimming(std::string_view text, const Belongs& belongs) {
+    const icu::UnicodeString all = decoded(text);
+    int32_t start = 0;
+    int32_t end = all.length();
+    while (start < end && belongs(all.char32At(start))) {
+        start = all.moveIndex32(start, 1);
+    }
+    while (end > start && belongs(all.char32At(all.moveIndex32(end, -1)))) {
+        end = all.moveIndex32(end, -1);
+    }
+    // The bytes in between are given back as they came, well-formed or not.
+    const std::size_t head = encoded(all.tempSubStringBetween(0, start)).size();
+    const std::size_t tail = encoded(all.tempSubStringBetween(end)).size();
+    return std::string(text.substr(head, text.size() - head - tail));
+}
+
+bool isBlank(UChar32 scalar) {
+    return scalar == '\t' || u_charType(scalar) == U_SPACE_SEPARATOR;
+}
+
+bool isBlankOrNewline(UChar32 scalar) {
+    return isBlank(scalar) || (scalar >= 0x0A && scalar <= 0x0D) || scalar == 0x85 ||
+           scalar == 0x2028 || scalar == 0x2029;
+}
+
+} // namespace
+
+std::string collationKey(std::string_view text) {
+    const icu::UnicodeString string = decoded(text);
+    std::vector<uint8_t> key(static_cast<std::size_t>(string.length()) * 4 + 16);
+    const int32_t needed =
+        collator().getSortKey(string, key.data(), static_cast<int32_t>(key.size()));
+    if (static_cast<std::size_t>(needed) > key.size()) {
+        key.resize(static_cast<std::size_t>(needed));
+        collator().getSortKey(string, key.data(), needed);
+    }
+    return {key.begin(), key.begin() + needed};
+}
+
+bool containsIgnoringCase(std::string_view text, std::string_view part) {
+    icu::UnicodeString haystack = decoded(text);
+    icu::UnicodeString needle = decoded(part);
+    if (needle.isEmpty()) {
+        return false;
+    }
+    return haystack.foldCase().indexOf(needle.foldCase()) >= 0;
+}
+
+std::string upperCased(std::string_view text) {
+    return encoded(decoded(text).toUpper(icu::Locale::getRoot()));
+}
+
+std::string lowerCased(std::string_view text) {
+    return encoded(decoded(text).toLower(icu::Locale::getRoot()));
+}
+
+std::string replacingNonAlphanumerics(std::string_view text, char replacement) {
+    const icu::UnicodeString all = decoded(text);
+    icu::UnicodeString result;
+    for (int32_t index = 0; index < all.length(); index = all.moveIndex32(index, 1)) {
+        const UChar32 scalar = all.char32At(index);
+        const bool kept = (U_GET_GC_MASK(scalar) & (U_GC_L_MASK | U_GC_M_MASK | U_GC_N_MASK)) != 0;
+        result.append(kept ? scalar : static_cast<UChar32>(replacement));
+    }
+    return encoded(result);
+}
+
+std::string trimmingWhitespace(std::string_view text) { return trimming(text, isBlank); }
+
+std::string trimmingWhitespaceAndNewlines(std::string_view text) {
+    return trimming(text, isBlankOrNewline);
+}
+
+std::optional<std::string> firstCapture(std::string_view pattern, std::string_view text) {
+    UErrorCode status = U_ZERO_ERROR;
+    const icu::UnicodeString subject = decoded(text);
+    icu::RegexMatcher matcher(decoded(pattern), 0, status);
+    if (U_FAILURE(status)) {
+        throw std::invalid_argument(u_errorName(status));
+    }
+    matcher.reset(subject);
+    if (matcher.find() == 0 || matcher.start(1, status) < 0) {
+        return std::nullopt;
+    }
+    return encoded(matcher.group(1, status));
+}
+
+} // namespace quorvel::Text

@@ -1,0 +1,37 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+
+/// Unicode text services. All text is UTF-8; bytes that are none count as U+FFFD.
+/// Every operation may be called from any thread.
+namespace quorvel::Text {
+
+/// A key whose byte order is the user's locale's order of names, upper and lower case alike. Equal
+/// keys mean names that compare as equal.
+[[nodiscard]] std::string collationKey(std::string_view text);
+
+/// Whether `text` contains `part`, upper and lower case alike. An empty part is never contained.
+[[nodiscard]] bool containsIgnoringCase(std::string_view text, std::string_view part);
+
+/// Full Unicode mappings in the user's locale-independent form ("ß" becomes "SS").
+[[nodiscard]] std::string upperCased(std::string_view text);
+[[nodiscard]] std::string lowerCased(std::string_view text);
+
+/// `text` with every scalar that is no letter, mark or digit replaced by `replacement`.
+[[nodiscard]] std::string replacingNonAlphanumerics(std::string_view text, char replacement);
+
+/// Without the white space at both ends: spaces and tabs of every script, no line breaks.
+[[nodiscard]] std::string trimmingWhitespace(std::string_view text);
+
+/// Without the white space and line breaks at both ends.
+[[nodiscard]] std::string trimmingWhitespaceAndNewlines(std::string_view text);
+
+/// The first capture group of `pattern`'s first match in `text`; nothing without a match, or when
+/// the group took no part in it. `pattern` must be a valid ICU regular expression.
+[[nodiscard]] std::optional<std::string> firstCapture(std::string_view pattern,
+                                                      std::string_view text);
+
+} // namespace quorvel::Text

@@ -1,0 +1,94 @@
+#include "Platform/UserPaths.h"
+
+#include <cstdlib>
+#include <optional>
+#include <pwd.h>
+#include <unistd.h>
+
+namespace quorvel::UserPaths {
+namespace {
+
+std::string trimmed(std::string path) {
+    while (path.size() > 1 && path.back() == '/') {
+        path.pop_back();
+    }
+    return path;
+}
+
+std::optional<std::string> fromEnvironment(const char* name) {
+    const char* value = std::getenv(name);
+    if (value == nullptr || value[0] != '/') {
+        return std::nullopt;
+    }
+    return trimmed(value);
+}
+
+// The buffer has to hold the entry's texts; the system tells when it is too small.
+template<typename Lookup>
+std::optional<std::string> homeFromDatabase(const Lookup& lookup) {
+    std::string buffer(1024, '\0');
+    passwd entry{};
+    passwd* found = nullptr;
+    while (lookup(&entry, buffer.data(), buffer.size(), &found) == ERANGE &&
+           buffer.size() < std::size_t{1} << 20U) {
+        buffer.resize(buffer.size() * 2);
+    }
+    if (found == nullptr || found->pw_dir == nullptr || found->pw_dir[0] != '/') {
+        return std::nullopt;
+    }
+    return trimmed(found->pw_dir);
+}
+
+std::optional<std::string> currentUsersHome() {
+    return homeFromDatabase([](passwd* entry, char* buffer, std::size_t size, passwd** found) {
+        return getpwuid_r(getuid(), entry, buffer, size, found);
+    });
+}
+
+std::optional<std::string> homeOf(const std::string& user) {
+    return homeFromDatabase([&](passwd* entry, char* buffer, std::size_t size, passwd** found) {
+        return getpwnam_r(user.c_str(), entry, buffer, size, found);
+    });
+}
+
+} // namespace
+
+std::string home() {
+    if (auto fixed = fromEnvironment("CFFIXED_USER_HOME")) {
+        return *fixed;
+    }
+    if (auto listed = currentUsersHome()) {
+        return *listed;
+    }
+    return fromEnvironment("HOME").value_or("/");
+}
+
+std::string expandTilde(std::string_view path) {
+    if (path.empty() || path.front() != '~') {
+        return std::string(path);
+    }
+    const std::size_t slash = path.find('/');
+    const std::string_view user = path.substr(1, slash == path.npos ? path.npos : slash - 1);
+    const std::optional<std::string> base = user.empty() ? home() : homeOf(std::string(user));
+    if (!base) {
+        return std::string(path);
+    }
+    const std::string_view rest = slash == path.npos ? std::string_view{} : path.substr(slash);
+    return (*base == "/" && !rest.empty() ? std::string{} : *base) + std::string(rest);
+}
+
+std::filesystem::path temporaryFolder() {
+    return fromEnvironment("TMPDIR").value_or("/tmp");
+}
+
+std::vector<std::string> allHomes() {
+    std::vector<std::string> homes{home()};
+    for (const auto& other : {currentUsersHome(), fromEnvironment("HOME")}) {
+        if (other && other != homes.front()) {
+            homes.push_back(*other);
+        }
+    }
+    return homes;
+}
+
+} // namespace quorvel::UserPaths

@@ -1,0 +1,26 @@
+#pragma once
+
+#include <filesystem>
+#include <string>
+#include <string_view>
+#include <vector>
+
+/// Where the user's own folders are.
+namespace quorvel::UserPaths {
+
+/// The user's home: `CFFIXED_USER_HOME` when set and absolute, else the user database's entry, else
+/// `HOME`, else "/". Without a slash at the end. Asked anew at each call.
+[[nodiscard]] std::string home();
+
+/// A leading "~" or "~/" becomes `home()`, "~name" and "~name/" that user's home; any other path,
+/// and one that names an unknown user, comes back unchanged.
+[[nodiscard]] std::string expandTilde(std::string_view path);
+
+/// `TMPDIR` when set, else "/tmp". Without a slash at the end.
+[[nodiscard]] std::filesystem::path temporaryFolder();
+
+/// Every home that may be the user's: the one in force, the user database's and `HOME`'s. None of
+/// them may ever be deleted.
+[[nodiscard]] std::vector<std::string> allHomes();
+
+} // namespace quorvel::UserPaths

@@ -1,0 +1,83 @@
+#include "Platform/FileManager_linux.h"
+#include "Platform/FileSystem.h"
+#include "Platform/Process.h"
+#include "Platform/ProcessTable_linux.h"
+#include "Platform/PropertyList.h"
+#include "Platform/Workspace.h"
+
+#include <cstdio>
+#include <sys/utsname.h>
+
+#include <algorithm>
+
+namespace quorvel {
+namespace {
+
+std::filesystem::path executableOf(const std::filesystem::path& bundle) {
+    const auto dictionary = PropertyList::readDictionary(bundle / "Contents" / "Info.plist");
+    if (!dictionary) {
+        throw PlatformError(std::make_error_code(std::errc::no_such_file_or_directory), bundle,
+                            "opened");
+    }
+    return joinAsText(bundle / "Contents" / "MacOS",
+                      PropertyList::stringFor(*dictionary, "CFBundleExecutable")
+                          .value_or(bundleFallbackName(bundle)));
+}
+
+class LinuxWorkspace final : public Workspace {
+public:
+    // Starting a process takes no time worth a thread of its own; only its end is waited for in the
+    // background, by `Process`.
+    void openApplication(const std::filesystem::path& bundle, bool /*activates*/,
+                         Completion completion) override {
+        std::optional<PlatformError> error;
+        try {
+            if (!isRunning(bundle)) {
+                Process::Options options;
+                options.executable = executableOf(bundle);
+                options.directory = "/"; // as a desktop does; ours may be gone tomorrow
+                options.standardOutput = Process::Discard{};
+                options.standardError = Process::Discard{};
+                options.detached = true;
+                const Process started = Process::run(options);
+            }
+        } catch (const PlatformError& failure) {
+            error = failure;
+        }
+        completion(std::move(error));
+    }
+
+    void reveal(const std::filesystem::path& item) override { showInFileManager(item); }
+
+    RunningApplications runningApplications() override {
+        return RunningApplications(processes_.applications());
+    }
+
+    OperatingSystemVersion operatingSystemVersion() const override {
+        utsname names{};
+        OperatingSystemVersion version;
+        if (::uname(&names) == 0) {
+            // NOLINTNEXTLINE(cert-err34-c): a kernel without numbers in its release gives zeros.
+            (void)std::sscanf(names.release, "%d.%d", &version.major, &version.minor);
+        }
+        return version;
+    }
+
+private:
+    bool isRunning(const std::filesystem::path& bundle) {
+        std::error_code code;
+        const std::filesystem::path resolved = std::filesystem::canonical(bundle, code);
+        const auto running = processes_.applications();
+        return !code && std::any_of(running.begin(), running.end(), [&](const auto& application) {
+            return application.bundleURL == resolved;
+        });
+    }
+
+    ProcessTable processes_;
+};
+
+} // namespace
+
+std::unique_ptr<Workspace> makeSystemWorkspace() { return std::make_unique<LinuxWorkspace>(); }
+
+} // namespace quorvel

@@ -1,0 +1,23 @@
+#pragma once
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+namespace quorvel {
+
+/// Exit statuses of the runner's own, beside its target's. The values are sysexits.h's.
+enum RunnerStatus {
+    runnerUnavailable = 69, ///< what the clone needs is not installed
+    runnerCannotStart = 71, ///< the target did not start
+    runnerBadConfig = 78,   ///< no readable configuration
+};
+
+/// Runs the clone whose wrapper holds `executable` (WRAPPER/Contents/MacOS/runner) until its target
+/// ends, passing SIGTERM, SIGINT and SIGHUP on to it. `arguments` are documents or addresses to
+/// open. Gives the target's exit status, 128 + N for signal N, or a `RunnerStatus` with one line on
+/// standard error and in the clone's log. Blocks those signals in the calling thread.
+[[nodiscard]] int runClone(const std::filesystem::path& executable,
+                           const std::vector<std::string>& arguments);
+
+} // namespace quorvel

@@ -1,0 +1,54 @@
+# What every target of this tree shares: the language, the warnings, the sanitizers.
+
+set(CMAKE_CXX_STANDARD 20)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+set(CMAKE_RUNTIME_OUTPUT_DIRECTORY "${PROJECT_BINARY_DIR}/bin")
+
+# macOS is "macos" in file names, every other system is "linux".
+if(APPLE)
+  set(QUORVEL_SYSTEM macos)
+else()
+  set(QUORVEL_SYSTEM linux)
+endif()
+
+find_program(QUORVEL_CCACHE ccache)
+if(QUORVEL_CCACHE AND NOT CMAKE_CXX_COMPILER_LAUNCHER)
+  set(CMAKE_CXX_COMPILER_LAUNCHER "${QUORVEL_CCACHE}")
+endif()
+
+add_library(quorvel_options INTERFACE)
+target_include_directories(quorvel_options INTERFACE "${PROJECT_SOURCE_DIR}")
+target_compile_options(quorvel_options INTERFACE
+  -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -Woverloaded-virtual
+  -ffunction-sections -fdata-sections
+  $<$<BOOL:${QUORVEL_WARNINGS_AS_ERRORS}>:-Werror>)
+target_compile_definitions(quorvel_options INTERFACE
+  QT_NO_CAST_FROM_ASCII QT_NO_CAST_TO_ASCII QT_NO_CAST_FROM_BYTEARRAY QT_NO_CONTEXTLESS_CONNECT
+  QT_NO_URL_CAST_FROM_STRING QT_NO_NARROWING_CONVERSIONS_IN_CONNECT QT_NO_KEYWORDS)
+if(QUORVEL_SANITIZE)
+  target_compile_options(quorvel_options INTERFACE
+    -fsanitize=${QUORVEL_SANITIZE} -fno-omit-frame-pointer
+    $<$<STREQUAL:${QUORVEL_SANITIZE},address$<COMMA>undefined>:-fno-sanitize-recover=undefined>)
+  target_link_options(quorvel_options INTERFACE -fsanitize=${QUORVEL_SANITIZE})
+endif()
+
+# Only the libraries that a program really uses become its dependencies: the runner stays small.
+if(APPLE)
+  target_link_options(quorvel_options INTERFACE LINKER:-dead_strip LINKER:-dead_strip_dylibs)
+else()
+  target_link_options(quorvel_options INTERFACE LINKER:--as-needed LINKER:--gc-sections)
+endif()
+
+# quorvel_library(NAME SOURCES... ): one storey of the house.
+function(quorvel_library name)
+  add_library(${name} STATIC ${ARGN})
+  target_link_libraries(${name} PUBLIC quorvel_options)
+endfunction()
+
+# quorvel_executable(NAME SOURCES...)
+function(quorvel_executable name)
+  add_executable(${name} ${ARGN})
+  target_link_libraries(${name} PRIVATE quorvel_options)
+endfunction()
