@@ -11,8 +11,7 @@ namespace quorvel {
 using EntitlementReader = std::function<std::string(const std::filesystem::path& bundle)>;
 
 /// Runs the tool (the system's own by default) and waits for it.
-[[nodiscard]] EntitlementReader
-codeSigningTool(std::filesystem::path tool = "/usr/bin/codesign");
+[[nodiscard]] EntitlementReader codeSigningTool(std::filesystem::path tool = "/usr/bin/codesign");
 
 /// Facts about an application bundle, read once. Empty where the bundle is not readable.
 struct AppBundle {

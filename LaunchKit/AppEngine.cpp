@@ -21,8 +21,12 @@ constexpr RawStrings<AppEngine, 5> engines{{
 }};
 
 constexpr std::array<std::string_view, 7> chromiumBrowsers{
-    "com.google.chrome",      "com.brave.browser",     "com.microsoft.edgemac",
-    "com.vivaldi.vivaldi",    "com.operasoftware.opera", "org.chromium.chromium",
+    "com.google.chrome",
+    "com.brave.browser",
+    "com.microsoft.edgemac",
+    "com.vivaldi.vivaldi",
+    "com.operasoftware.opera",
+    "org.chromium.chromium",
     "ru.yandex.desktop.yandex-browser",
 };
 
@@ -85,7 +89,9 @@ std::string identifierOf(const fs::path& app) {
 
 } // namespace
 
-std::string_view rawString(AppEngine engine) { return rawStringIn(engines, engine); }
+std::string_view rawString(AppEngine engine) {
+    return rawStringIn(engines, engine);
+}
 
 std::optional<AppEngine> appEngineFromRawString(std::string_view text) {
     return caseIn(engines, text);

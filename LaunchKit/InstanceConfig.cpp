@@ -75,7 +75,9 @@ std::vector<std::string> expandingAll(const std::vector<std::string>& texts,
 
 } // namespace
 
-std::string_view rawString(ShortcutKind kind) { return rawStringIn(kinds, kind); }
+std::string_view rawString(ShortcutKind kind) {
+    return rawStringIn(kinds, kind);
+}
 
 std::optional<ShortcutKind> shortcutKindFromRawString(std::string_view text) {
     return caseIn(kinds, text);
@@ -104,8 +106,7 @@ std::optional<InstanceConfig> InstanceConfig::read(const std::filesystem::path& 
 std::string InstanceConfig::json() const {
     nlohmann::json object = nlohmann::json::object();
     for (const InstanceConfigField& field : instanceConfigFields) {
-        std::visit([&](auto member) { addMember(object, field.key, this->*member); },
-                   field.member);
+        std::visit([&](auto member) { addMember(object, field.key, this->*member); }, field.member);
     }
     try {
         constexpr int indent = 2;
@@ -115,7 +116,9 @@ std::string InstanceConfig::json() const {
     }
 }
 
-std::string InstanceConfig::resolvedHome() const { return UserPaths::expandTilde(instanceHome); }
+std::string InstanceConfig::resolvedHome() const {
+    return UserPaths::expandTilde(instanceHome);
+}
 
 std::vector<std::string> InstanceConfig::resolvedArgs() const {
     return expandingAll(extraArgs, resolvedHome());

@@ -7,15 +7,14 @@
 
 namespace quorvel {
 
-/// One row for each key of `instance.json`: where its value lives. Reading and writing both walk it.
+/// One row for each key of `instance.json`: where its value lives. Reading and writing both walk
+/// it.
 struct InstanceConfigField {
-    using Member =
-        std::variant<std::string InstanceConfig::*, bool InstanceConfig::*,
-                     ShortcutKind InstanceConfig::*, Strategy InstanceConfig::*,
-                     std::vector<std::string> InstanceConfig::*,
-                     std::map<std::string, std::string> InstanceConfig::*,
-                     std::optional<std::string> InstanceConfig::*,
-                     std::optional<IconLabel> InstanceConfig::*>;
+    using Member = std::variant<
+        std::string InstanceConfig::*, bool InstanceConfig::*, ShortcutKind InstanceConfig::*,
+        Strategy InstanceConfig::*, std::vector<std::string> InstanceConfig::*,
+        std::map<std::string, std::string> InstanceConfig::*,
+        std::optional<std::string> InstanceConfig::*, std::optional<IconLabel> InstanceConfig::*>;
 
     std::string_view key;
     Member member;

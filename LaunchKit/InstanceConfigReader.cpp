@@ -38,12 +38,13 @@ public:
         if (skipped()) {
             return true;
         }
-        auto* member =
-            place_ == Place::object ? std::get_if<bool InstanceConfig::*>(&field().member) : nullptr;
+        auto* member = place_ == Place::object
+                           ? std::get_if<bool InstanceConfig::*>(&field().member)
+                           : nullptr;
         if (member == nullptr) {
             return mistyped();
         }
-        config_.**member = value;
+        config_.** member = value;
         return done();
     }
 
@@ -205,10 +206,10 @@ private:
 
     bool stringMember(std::string& value) {
         if (const auto* text = std::get_if<std::string InstanceConfig::*>(&field().member)) {
-            config_.**text = std::move(value);
+            config_.** text = std::move(value);
         } else if (const auto* optional =
                        std::get_if<std::optional<std::string> InstanceConfig::*>(&field().member)) {
-            config_.**optional = std::move(value);
+            config_.** optional = std::move(value);
         } else if (std::holds_alternative<ShortcutKind InstanceConfig::*>(field().member)) {
             config_.kind = known(shortcutKindFromRawString(value), value);
         } else if (std::holds_alternative<Strategy InstanceConfig::*>(field().member)) {
@@ -249,10 +250,9 @@ private:
     }
 
     [[noreturn]] bool mistyped() const {
-        throw ConfigError(place_ == Place::outside
-                              ? "The configuration is not a JSON object."
-                              : "The value of “" + std::string(field().key) +
-                                    "” is of the wrong type.");
+        throw ConfigError(place_ == Place::outside ? "The configuration is not a JSON object."
+                                                   : "The value of “" + std::string(field().key) +
+                                                         "” is of the wrong type.");
     }
 
     [[noreturn]] static bool repeated() { throw ConfigError("A key stands twice."); }

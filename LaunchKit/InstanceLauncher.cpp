@@ -7,9 +7,13 @@ namespace quorvel {
 namespace {
 
 // Launching looks at neither of the facts that take a tool to find out, and must not wait for it.
-std::string noEntitlements(const std::filesystem::path& /*bundle*/) { return {}; }
+std::string noEntitlements(const std::filesystem::path& /*bundle*/) {
+    return {};
+}
 
-bool hasText(const std::optional<std::string>& text) { return text && !text->empty(); }
+bool hasText(const std::optional<std::string>& text) {
+    return text && !text->empty();
+}
 
 // A handle that is absent leaves the child's output where ours goes.
 void sendOutputTo(const std::optional<FileHandle>& log, Process::Options& options) {

@@ -34,7 +34,9 @@ public:
 
     private:
         LaunchError(Case kind, const std::string& prefix, std::string payload)
-            : std::runtime_error(prefix + payload), case_(kind), payload_(std::move(payload)) {}
+            : std::runtime_error(prefix + payload),
+              case_(kind),
+              payload_(std::move(payload)) {}
 
         Case case_;
         std::string payload_;
@@ -66,7 +68,7 @@ public:
     // Shared user folders: how a clone uses the user's own instead of private ones.
 
     static constexpr std::array<std::string_view, 3> sharedUserFolders{"Downloads", "Documents",
-                                                                      "Desktop"};
+                                                                       "Desktop"};
 
     /// Makes `link` a symbolic link to `target` where nothing is lost by it: `target` exists, and
     /// at `link` is nothing, an empty folder or a plain file. Never fails.

@@ -11,7 +11,9 @@ namespace quorvel {
 namespace fs = std::filesystem;
 namespace {
 
-bool isAppName(const std::string& name) { return fs::path(name).extension() == ".app"; }
+bool isAppName(const std::string& name) {
+    return fs::path(name).extension() == ".app";
+}
 
 // Names are turned into keys once: comparing them anew in every step of a sort would cost more than
 // reading the files.

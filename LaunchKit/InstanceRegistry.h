@@ -36,8 +36,8 @@ public:
 
     std::vector<std::filesystem::path> searchDirs;
 
-    /// The clones, sorted by name as the user's locale does, upper and lower case alike; equal names
-    /// stay in the order in which they were found. What can't be read is left out.
+    /// The clones, sorted by name as the user's locale does, upper and lower case alike; equal
+    /// names stay in the order in which they were found. What can't be read is left out.
     [[nodiscard]] std::vector<InstanceRecord> list() const;
 
     /// The clone at `bundleURL`, wherever that is.

@@ -101,8 +101,8 @@ std::map<std::string, int> InstanceLauncher::migrateSharedUserFolders(const std:
     return migrateSharedUserFolders(home, UserPaths::home());
 }
 
-std::map<std::string, int>
-InstanceLauncher::migrateSharedUserFolders(const std::string& home, const std::string& realHome) {
+std::map<std::string, int> InstanceLauncher::migrateSharedUserFolders(const std::string& home,
+                                                                      const std::string& realHome) {
     std::map<std::string, int> moved;
     for (const std::string_view name : sharedUserFolders) {
         const std::string source = joinAsText(home, name);

@@ -14,7 +14,9 @@ constexpr RawStrings<Strategy, 4> strategies{{
 
 } // namespace
 
-std::string_view rawString(Strategy strategy) { return rawStringIn(strategies, strategy); }
+std::string_view rawString(Strategy strategy) {
+    return rawStringIn(strategies, strategy);
+}
 
 std::optional<Strategy> strategyFromRawString(std::string_view text) {
     return caseIn(strategies, text);

@@ -21,7 +21,9 @@ void WebBadgeState::setAPIBadge(std::int64_t count) {
     apiBadge = std::max<std::int64_t>(count, 0);
 }
 
-void WebBadgeState::setTitle(std::string_view title) { titleBadge = unreadCount(title); }
+void WebBadgeState::setTitle(std::string_view title) {
+    titleBadge = unreadCount(title);
+}
 
 std::optional<std::string> WebBadgeState::label() const {
     const std::int64_t count = apiBadge.value_or(titleBadge);

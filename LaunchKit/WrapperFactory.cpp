@@ -63,7 +63,9 @@ WrapperFactory::FactoryError WrapperFactory::FactoryError::emptyName() {
     return {Case::emptyName, "The clone needs a non-empty name."};
 }
 
-fs::path WrapperFactory::defaultOutputDir() { return UserPaths::expandTilde("~/Applications"); }
+fs::path WrapperFactory::defaultOutputDir() {
+    return UserPaths::expandTilde("~/Applications");
+}
 
 std::string WrapperFactory::defaultInstanceHome(std::string_view name) {
     return "~/QuorvelInstances/" + std::string(name);

@@ -35,7 +35,9 @@ public:
 
     private:
         GenError(Case kind, const std::string& prefix, std::filesystem::path url)
-            : std::runtime_error(prefix + url.string()), case_(kind), url_(std::move(url)) {}
+            : std::runtime_error(prefix + url.string()),
+              case_(kind),
+              url_(std::move(url)) {}
 
         Case case_;
         std::filesystem::path url_;
@@ -48,8 +50,8 @@ public:
                                                  const Options& options) const;
 
     /// The wrapper's property list. `iconFile` is the icon's name when one was installed.
-    [[nodiscard]] static PropertyListDictionary infoPlist(const Options& options,
-                                                          const std::optional<std::string>& iconFile);
+    [[nodiscard]] static PropertyListDictionary
+    infoPlist(const Options& options, const std::optional<std::string>& iconFile);
 
     /// What a free text means in a property list: a boolean, a whole number, else the text itself.
     [[nodiscard]] static PropertyListValue coercePlistValue(std::string_view text);

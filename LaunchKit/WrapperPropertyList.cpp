@@ -57,16 +57,11 @@ PropertyListDictionary WrapperGenerator::infoPlist(const Options& options,
                                                    const std::optional<std::string>& iconFile) {
     const InstanceConfig& config = options.config;
     PropertyListDictionary info{
-        {"CFBundleName", config.displayName},
-        {"CFBundleDisplayName", config.displayName},
-        {"CFBundleIdentifier", config.bundleId},
-        {"CFBundleExecutable", "runner"},
-        {"CFBundlePackageType", "APPL"},
-        {"CFBundleInfoDictionaryVersion", "6.0"},
-        {"CFBundleShortVersionString", "1.0"},
-        {"CFBundleVersion", "1"},
-        {"LSMinimumSystemVersion", "13.0"},
-        {"NSHighResolutionCapable", true},
+        {"CFBundleName", config.displayName},    {"CFBundleDisplayName", config.displayName},
+        {"CFBundleIdentifier", config.bundleId}, {"CFBundleExecutable", "runner"},
+        {"CFBundlePackageType", "APPL"},         {"CFBundleInfoDictionaryVersion", "6.0"},
+        {"CFBundleShortVersionString", "1.0"},   {"CFBundleVersion", "1"},
+        {"LSMinimumSystemVersion", "13.0"},      {"NSHighResolutionCapable", true},
     };
     if (iconFile) {
         info["CFBundleIconFile"] = *iconFile;

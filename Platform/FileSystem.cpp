@@ -11,7 +11,9 @@ namespace quorvel {
 namespace fs = std::filesystem;
 namespace {
 
-bool hasNul(const fs::path& path) { return path.native().find('\0') != std::string::npos; }
+bool hasNul(const fs::path& path) {
+    return path.native().find('\0') != std::string::npos;
+}
 
 // Without O_NONBLOCK, opening a FIFO would wait for its other end.
 FileHandle openRegularFile(const fs::path& path, int flags, mode_t mode = 0) {

@@ -32,7 +32,9 @@ std::string sentence(const std::error_code& code, const std::filesystem::path& p
 
 PlatformError::PlatformError(std::error_code code, std::filesystem::path path,
                              const std::string& action)
-    : std::runtime_error(sentence(code, path, action)), code_(code), path_(std::move(path)) {}
+    : std::runtime_error(sentence(code, path, action)),
+      code_(code),
+      path_(std::move(path)) {}
 
 PlatformError PlatformError::fromErrno(const std::filesystem::path& path,
                                        const std::string& action) {

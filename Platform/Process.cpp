@@ -93,7 +93,9 @@ public:
 #endif
     }
 
-    [[nodiscard]] const posix_spawn_file_actions_t* get() const { return &actions_; }
+    [[nodiscard]] const posix_spawn_file_actions_t* get() const {
+        return &actions_;
+    }
 
 private:
     posix_spawn_file_actions_t actions_{};
@@ -121,11 +123,15 @@ public:
 #endif
         posix_spawnattr_setflags(&attributes_, static_cast<short>(flags));
     }
-    ~SpawnAttributes() { posix_spawnattr_destroy(&attributes_); }
+    ~SpawnAttributes() {
+        posix_spawnattr_destroy(&attributes_);
+    }
     SpawnAttributes(const SpawnAttributes&) = delete;
     SpawnAttributes& operator=(const SpawnAttributes&) = delete;
 
-    [[nodiscard]] const posix_spawnattr_t* get() const { return &attributes_; }
+    [[nodiscard]] const posix_spawnattr_t* get() const {
+        return &attributes_;
+    }
 
 private:
     posix_spawnattr_t attributes_{};
@@ -189,10 +195,9 @@ Process Process::run(const Options& options) {
 
     const SpawnAttributes attributes(options.detached);
     pid_t pid = 0;
-    const int code =
-        ::posix_spawn(&pid, executable.c_str(), actions.get(), attributes.get(),
-                      arguments.pointers(),
-                      options.environment ? environment.pointers() : environmentBlock());
+    const int code = ::posix_spawn(
+        &pid, executable.c_str(), actions.get(), attributes.get(), arguments.pointers(),
+        options.environment ? environment.pointers() : environmentBlock());
     if (code != 0) {
         throw PlatformError(std::error_code(code, std::generic_category()), options.executable,
                             "started");
@@ -232,7 +237,8 @@ std::string Process::capture(Options options, std::size_t limit) {
 }
 
 Process::Process(Process&& other) noexcept
-    : pid_(std::exchange(other.pid_, 0)), status_(other.status_) {}
+    : pid_(std::exchange(other.pid_, 0)),
+      status_(other.status_) {}
 
 Process& Process::operator=(Process&& other) noexcept {
     std::swap(pid_, other.pid_);
@@ -263,7 +269,9 @@ bool Process::isRunning() {
     return false;
 }
 
-void Process::terminate() { sendSignal(SIGTERM); }
+void Process::terminate() {
+    sendSignal(SIGTERM);
+}
 
 void Process::sendSignal(int signal) {
     // Only while its entry is not reaped is the number surely still its own.

@@ -72,10 +72,9 @@ std::optional<std::string> scriptArgument(const std::string& commandLine) {
 
 std::string nextWord(std::string_view& line) {
     const auto isSpace = [](char c) { return c == ' ' || c == '\t'; };
-    line.remove_prefix(std::min(line.size(),
-                                static_cast<std::size_t>(std::distance(
-                                    line.begin(), std::find_if_not(line.begin(), line.end(),
-                                                                   isSpace)))));
+    line.remove_prefix(std::min(
+        line.size(), static_cast<std::size_t>(std::distance(
+                         line.begin(), std::find_if_not(line.begin(), line.end(), isSpace)))));
     const auto end = std::find_if(line.begin(), line.end(), isSpace);
     std::string word(line.begin(), end);
     line.remove_prefix(word.size());
@@ -137,8 +136,7 @@ std::string ProcessTable::bundleOf(int processFolder, const std::string& executa
         return {};
     }
     std::error_code code;
-    const fs::path path =
-        fs::canonical(fs::path(readLinkAt(processFolder, "cwd")) / *script, code);
+    const fs::path path = fs::canonical(fs::path(readLinkAt(processFolder, "cwd")) / *script, code);
     bundle = code ? std::string{} : bundleHolding(path.native());
     return !bundle.empty() && isInterpreterOf(path, executable) ? bundle : std::string{};
 }
@@ -171,8 +169,8 @@ std::vector<RunningApplication> ProcessTable::applications() {
         if (!pid) {
             continue;
         }
-        const FileHandle folder(::openat(::dirfd(table.get()), entry->d_name,
-                                         O_PATH | O_DIRECTORY | O_CLOEXEC));
+        const FileHandle folder(
+            ::openat(::dirfd(table.get()), entry->d_name, O_PATH | O_DIRECTORY | O_CLOEXEC));
         const std::string executable = readLinkAt(folder.descriptor(), "exe");
         if (executable.empty()) {
             continue;

@@ -120,7 +120,9 @@ struct NodeMaker {
         return Node(plist_new_uint(static_cast<std::uint64_t>(value)));
 #endif
     }
-    Node operator()(double value) const { return Node(plist_new_real(value)); }
+    Node operator()(double value) const {
+        return Node(plist_new_real(value));
+    }
     Node operator()(const std::string& value) const {
         return Node(plist_new_string(xmlText(value)));
     }
@@ -134,7 +136,8 @@ struct NodeMaker {
     Node operator()(const PropertyListDictionary& value) const {
         Node node(plist_new_dict());
         for (const auto& [key, item] : value) {
-            plist_dict_set_item(node.get(), xmlText(key), std::visit(*this, item.storage).release());
+            plist_dict_set_item(node.get(), xmlText(key),
+                                std::visit(*this, item.storage).release());
         }
         return node;
     }

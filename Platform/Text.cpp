@@ -23,7 +23,8 @@ std::string encoded(const icu::UnicodeString& text) {
     return result;
 }
 
-// One collator a thread: making one loads locale data, and a collator is not to be shared unguarded.
+// One collator a thread: making one loads locale data, and a collator is not to be shared
+// unguarded.
 const icu::Collator& collator() {
     thread_local const std::unique_ptr<icu::Collator> instance = [] {
         UErrorCode status = U_ZERO_ERROR;
@@ -105,7 +106,9 @@ std::string replacingNonAlphanumerics(std::string_view text, char replacement) {
     return encoded(result);
 }
 
-std::string trimmingWhitespace(std::string_view text) { return trimming(text, isBlank); }
+std::string trimmingWhitespace(std::string_view text) {
+    return trimming(text, isBlank);
+}
 
 std::string trimmingWhitespaceAndNewlines(std::string_view text) {
     return trimming(text, isBlankOrNewline);

@@ -78,6 +78,8 @@ private:
 
 } // namespace
 
-std::unique_ptr<Workspace> makeSystemWorkspace() { return std::make_unique<LinuxWorkspace>(); }
+std::unique_ptr<Workspace> makeSystemWorkspace() {
+    return std::make_unique<LinuxWorkspace>();
+}
 
 } // namespace quorvel

@@ -1,0 +1,40 @@
+#pragma once
+
+#include "LaunchKit/InstanceConfig.h"
+#include "Platform/PropertyList.h"
+
+#include <filesystem>
+#include <string>
+#include <string_view>
+
+namespace quorvel::testing {
+
+/// The helper program, see tests/helpers.
+[[nodiscard]] std::filesystem::path helperProgram();
+
+/// The freshly built runner.
+[[nodiscard]] std::filesystem::path runnerProgram();
+
+/// Makes an application bundle at `bundle` with this property list (and, when it names none, an
+/// identifier and an executable made from the folder's name), whose executable is `executable`
+/// copied in. Gives `bundle`.
+std::filesystem::path makeAppBundle(const std::filesystem::path& bundle,
+                                    PropertyListDictionary info = {},
+                                    const std::filesystem::path& executable = helperProgram());
+
+/// The same with a shell script of this text (behind "#!/bin/sh") as its executable.
+std::filesystem::path makeScriptedAppBundle(const std::filesystem::path& bundle,
+                                            std::string_view script,
+                                            PropertyListDictionary info = {});
+
+/// Makes a bundle that holds nothing but this configuration.
+std::filesystem::path makeWrapper(const std::filesystem::path& bundle,
+                                  const InstanceConfig& config);
+
+/// A configuration with the three required fields.
+[[nodiscard]] InstanceConfig minimalConfig(std::string name = "Work");
+
+/// Makes the file executable.
+void makeExecutable(const std::filesystem::path& file);
+
+} // namespace quorvel::testing

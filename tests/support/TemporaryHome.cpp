@@ -1,0 +1,81 @@
+#include "tests/support/TemporaryHome.h"
+
+#include <cstdlib>
+#include <fstream>
+#include <iterator>
+#include <stdexcept>
+
+namespace quorvel::testing {
+namespace fs = std::filesystem;
+
+TemporaryFolder::TemporaryFolder() {
+    std::string pattern = (fs::temp_directory_path() / "quorvel-test-XXXXXX").string();
+    if (::mkdtemp(pattern.data()) == nullptr) {
+        throw std::runtime_error("no temporary folder at " + pattern);
+    }
+    path_ = fs::canonical(pattern);
+}
+
+TemporaryFolder::~TemporaryFolder() {
+    std::error_code ignored;
+    // Tests take permissions away; they are given back first.
+    for (auto item = fs::recursive_directory_iterator(
+             path_, fs::directory_options::skip_permission_denied, ignored);
+         !ignored && item != fs::recursive_directory_iterator(); item.increment(ignored)) {
+        if (item->is_directory(ignored) && !item->is_symlink(ignored)) {
+            fs::permissions(item->path(), fs::perms::owner_all, fs::perm_options::add, ignored);
+        }
+    }
+    fs::remove_all(path_, ignored);
+}
+
+ScopedEnvironment::ScopedEnvironment(std::string name, const std::string& value)
+    : name_(std::move(name)) {
+    if (const char* old = std::getenv(name_.c_str())) {
+        old_ = old;
+    }
+    ::setenv(name_.c_str(), value.c_str(), 1);
+}
+
+ScopedEnvironment::~ScopedEnvironment() {
+    if (old_) {
+        ::setenv(name_.c_str(), old_->c_str(), 1);
+    } else {
+        ::unsetenv(name_.c_str());
+    }
+}
+
+TemporaryHome::TemporaryHome()
+    : path_(folder_ / "home"),
+      fixed_("CFFIXED_USER_HOME", path_.string()) {
+    fs::create_directory(path_);
+}
+
+void write(const fs::path& file, std::string_view bytes) {
+    fs::create_directories(file.parent_path());
+    std::ofstream stream(file, std::ios::binary | std::ios::trunc);
+    stream.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+    if (!stream.flush()) {
+        throw std::runtime_error("could not write " + file.string());
+    }
+}
+
+std::string read(const fs::path& file) {
+    std::ifstream stream(file, std::ios::binary);
+    return {std::istreambuf_iterator<char>(stream), {}};
+}
+
+std::map<std::string, std::string> treeOf(const fs::path& folder) {
+    std::map<std::string, std::string> tree;
+    for (const auto& item : fs::recursive_directory_iterator(folder)) {
+        const std::string name = item.path().lexically_relative(folder).string();
+        if (item.is_symlink()) {
+            tree[name] = "-> " + fs::read_symlink(item.path()).string();
+        } else {
+            tree[name] = item.is_directory() ? "<folder>" : read(item.path());
+        }
+    }
+    return tree;
+}
+
+} // namespace quorvel::testing

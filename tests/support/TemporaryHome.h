@@ -1,0 +1,67 @@
+#pragma once
+
+#include <filesystem>
+#include <map>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace quorvel::testing {
+
+/// A folder of its own below the temporary folder, removed with everything in it at the end.
+class TemporaryFolder {
+public:
+    TemporaryFolder();
+    TemporaryFolder(const TemporaryFolder&) = delete;
+    TemporaryFolder& operator=(const TemporaryFolder&) = delete;
+    ~TemporaryFolder();
+
+    [[nodiscard]] const std::filesystem::path& path() const { return path_; }
+    [[nodiscard]] std::filesystem::path operator/(std::string_view name) const {
+        return path_ / name;
+    }
+
+private:
+    std::filesystem::path path_;
+};
+
+/// Sets a variable of this process's environment, and puts the old value back at the end.
+class ScopedEnvironment {
+public:
+    ScopedEnvironment(std::string name, const std::string& value);
+    ScopedEnvironment(const ScopedEnvironment&) = delete;
+    ScopedEnvironment& operator=(const ScopedEnvironment&) = delete;
+    ~ScopedEnvironment();
+
+private:
+    std::string name_;
+    std::optional<std::string> old_;
+};
+
+/// A throw-away home that every home lookup of this process finds, until the end.
+class TemporaryHome {
+public:
+    TemporaryHome();
+
+    [[nodiscard]] const std::filesystem::path& path() const { return path_; }
+    [[nodiscard]] std::filesystem::path operator/(std::string_view name) const {
+        return path_ / name;
+    }
+
+private:
+    TemporaryFolder folder_;
+    std::filesystem::path path_;
+    ScopedEnvironment fixed_;
+};
+
+/// Writes a file, with the folders above it.
+void write(const std::filesystem::path& file, std::string_view bytes);
+
+/// The bytes of a file; empty when it can't be read.
+[[nodiscard]] std::string read(const std::filesystem::path& file);
+
+/// Every item below a folder, as relative path and content ("<folder>", "-> target" for a link):
+/// two equal maps mean that nothing changed.
+[[nodiscard]] std::map<std::string, std::string> treeOf(const std::filesystem::path& folder);
+
+} // namespace quorvel::testing

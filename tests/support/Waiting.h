@@ -1,0 +1,12 @@
+#pragma once
+
+#include <chrono>
+#include <functional>
+
+namespace quorvel::testing {
+
+/// Waits until `predicate` holds; false when it still does not at the deadline.
+[[nodiscard]] bool waitFor(const std::function<bool()>& predicate,
+                           std::chrono::milliseconds deadline = std::chrono::seconds(20));
+
+} // namespace quorvel::testing
