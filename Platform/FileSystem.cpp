@@ -133,7 +133,10 @@ std::optional<std::string> readFile(const fs::path& path, std::size_t limit) {
 
 void writeFile(const fs::path& path, std::string_view bytes) {
     const FileHandle file = openRegularFile(path, O_WRONLY | O_CREAT, 0666);
-    if (file.descriptor() < 0 || ::ftruncate(file.descriptor(), 0) != 0 || !file.write(bytes)) {
+    struct stat status {};
+    if (file.descriptor() < 0 || ::fstat(file.descriptor(), &status) != 0 ||
+        // Only an old file is cut: ext4 takes the cutting of a new one as a reason to write at once.
+        (status.st_size > 0 && ::ftruncate(file.descriptor(), 0) != 0) || !file.write(bytes)) {
         throw PlatformError::fromErrno(path, "written");
     }
 }
