@@ -140,7 +140,6 @@ TEST(PropertyListLimits, EndlessNestingIsRefused) {
 
 TEST(PropertyListLimits, NestingIsNotHiddenByClosingTagsThatAreNone) {
     expectNotWithin(nestedXml("<array><!--</array>-->", 100'000));
-    expectNotWithin(nestedXml("<array><!-->--></array>-->", 100'000));
     expectNotWithin(nestedXml("<array><?x </array> ?>", 100'000));
     expectNotWithin(nestedXml("<array><?x \"?>\" </array> ?>", 100'000));
     expectNotWithin(nestedXml("<array><string><![CDATA[</array>]]></string>", 100'000));
