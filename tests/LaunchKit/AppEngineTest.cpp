@@ -1,0 +1,143 @@
+#include "LaunchKit/WrapperFactory.h"
+
+#include "tests/support/AppBundles.h"
+#include "tests/support/TemporaryHome.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+namespace quorvel {
+namespace {
+
+using namespace testing;
+using Engine = WrapperFactory::AppEngine;
+namespace fs = std::filesystem;
+
+class AppEngines : public ::testing::Test {
+protected:
+    // A bundle with this identifier that holds these items.
+    [[nodiscard]] fs::path app(const std::string& bundleId,
+                               const std::vector<std::string>& items = {}) {
+        const fs::path bundle = folder_ / (std::to_string(++count_) + ".app");
+        write(bundle / "Contents/Info.plist",
+              PropertyList::xml({{"CFBundleIdentifier", bundleId}}));
+        for (const std::string& item : items) {
+            fs::create_directories(bundle / item);
+        }
+        return bundle;
+    }
+
+    [[nodiscard]] Engine engineOf(const std::string& bundleId,
+                                  const std::vector<std::string>& items = {}) {
+        return WrapperFactory::detectEngine(app(bundleId, items), std::nullopt);
+    }
+
+    static constexpr auto electron = "Contents/Frameworks/Electron Framework.framework";
+
+    TemporaryFolder folder_;
+    int count_ = 0;
+};
+
+TEST_F(AppEngines, FilesTellAnEngine) {
+    EXPECT_EQ(engineOf("com.x", {electron}), Engine::electron);
+    EXPECT_EQ(engineOf("com.x", {"Contents/Eclipse/eclipse.ini"}), Engine::eclipse);
+    EXPECT_EQ(engineOf("com.x", {"Contents/MacOS/eclipse"}), Engine::eclipse);
+    EXPECT_EQ(engineOf("com.x", {"Contents/Resources/application.ini"}), Engine::firefox);
+}
+
+TEST_F(AppEngines, IdentifiersTellAnEngineInAnyCase) {
+    EXPECT_EQ(engineOf("org.mozilla.firefox"), Engine::firefox);
+    EXPECT_EQ(engineOf("ORG.Mozilla.nightly"), Engine::firefox);
+    EXPECT_EQ(engineOf("net.TorBrowser.alpha"), Engine::firefox);
+    EXPECT_EQ(engineOf("io.gitlab.LibreWolf"), Engine::firefox);
+    EXPECT_EQ(engineOf("net.waterfox.x"), Engine::firefox);
+    for (const char* id :
+         {"com.google.Chrome", "com.google.chrome.canary", "com.brave.Browser",
+          "com.microsoft.edgemac", "com.vivaldi.Vivaldi", "com.operasoftware.Opera",
+          "org.chromium.Chromium", "ru.yandex.desktop.yandex-browser"}) {
+        EXPECT_EQ(engineOf(id), Engine::chromium) << id;
+    }
+}
+
+TEST_F(AppEngines, PrefixesAreNoMorePrefixesInTheMiddle) {
+    EXPECT_EQ(engineOf("x.org.mozilla"), Engine::other);
+    EXPECT_EQ(engineOf("x.com.google.chrome"), Engine::other);
+}
+
+TEST_F(AppEngines, AChromiumFrameworkTellsItsEngineCaseForCase) {
+    const std::string folder = "Contents/Frameworks/";
+    EXPECT_EQ(engineOf("com.x", {folder + "Google Chrome Framework.framework"}), Engine::chromium);
+    EXPECT_EQ(engineOf("com.x", {folder + "Chromium Embedded Framework.framework"}),
+              Engine::chromium);
+    EXPECT_EQ(engineOf("com.x", {folder + "google chrome framework.framework"}), Engine::other);
+    EXPECT_EQ(engineOf("com.x", {folder + "Chrome.framework"}), Engine::other);
+    EXPECT_EQ(engineOf("com.x", {folder + "Other Framework.framework"}), Engine::other);
+}
+
+TEST_F(AppEngines, ElectronWinsOverEverything) {
+    EXPECT_EQ(engineOf("com.x", {electron, "Contents/Eclipse/eclipse.ini"}), Engine::electron);
+    EXPECT_EQ(engineOf("org.mozilla.firefox", {electron}), Engine::electron);
+    EXPECT_EQ(engineOf("com.google.chrome", {electron}), Engine::electron);
+}
+
+TEST_F(AppEngines, EclipseWinsOverIdentifiersAndFirefoxOverChromium) {
+    EXPECT_EQ(engineOf("org.mozilla.x", {"Contents/MacOS/eclipse"}), Engine::eclipse);
+    EXPECT_EQ(engineOf("com.google.chrome", {"Contents/Resources/application.ini"}),
+              Engine::firefox);
+}
+
+TEST_F(AppEngines, ABundleWithoutMarkersIsOfAnother) {
+    EXPECT_EQ(engineOf("com.x"), Engine::other);
+    EXPECT_EQ(engineOf("com.x", {"Contents/Frameworks"}), Engine::other);
+    EXPECT_EQ(WrapperFactory::detectEngine("/no/such.app", std::nullopt), Engine::other);
+}
+
+TEST_F(AppEngines, AnUnreadableBundleIsStillKnownByItsFiles) {
+    const fs::path bundle = folder_ / "bare.app";
+    fs::create_directories(bundle / electron);
+    EXPECT_EQ(WrapperFactory::detectEngine(bundle, std::nullopt), Engine::electron);
+}
+
+TEST_F(AppEngines, AGivenIdentifierGoesBeforeTheBundlesOwn) {
+    EXPECT_EQ(WrapperFactory::detectEngine(app("com.x"), "com.google.Chrome"), Engine::chromium);
+    EXPECT_EQ(WrapperFactory::detectEngine(app("com.google.Chrome"), ""), Engine::other);
+}
+
+TEST_F(AppEngines, OnlyElectronIsElectron) {
+    EXPECT_TRUE(WrapperFactory::isElectron(app("com.x", {electron})));
+    EXPECT_FALSE(WrapperFactory::isElectron(app("com.google.Chrome")));
+}
+
+TEST_F(AppEngines, EveryEngineHasItsArguments) {
+    using ::testing::ElementsAre;
+    const auto arguments = [&](const fs::path& bundle) {
+        return WrapperFactory::autoDataDirArgs(bundle, std::nullopt);
+    };
+    EXPECT_THAT(arguments(app("com.x", {electron})),
+                ElementsAre("--user-data-dir={{instanceHome}}/QuorvelData"));
+    EXPECT_THAT(arguments(app("com.google.Chrome")),
+                ElementsAre("--user-data-dir={{instanceHome}}/QuorvelData"));
+    EXPECT_THAT(arguments(app("org.mozilla.firefox")),
+                ElementsAre("-profile", "{{instanceHome}}/FirefoxProfile", "-no-remote"));
+    EXPECT_THAT(arguments(app("com.x", {"Contents/MacOS/eclipse"})),
+                ElementsAre("-data", "{{instanceHome}}/workspace"));
+    EXPECT_THAT(arguments(app("com.x")), ElementsAre());
+}
+
+TEST_F(AppEngines, AnIdentifierFragmentKeepsLettersAndDigitsOnly) {
+    EXPECT_EQ(WrapperFactory::idFragment("Work 2"), "work-2");
+    EXPECT_EQ(WrapperFactory::idFragment("A.B"), "a-b");
+    EXPECT_EQ(WrapperFactory::idFragment("My  App!"), "my--app-");
+    EXPECT_EQ(WrapperFactory::idFragment("Café"), "café");
+    EXPECT_EQ(WrapperFactory::idFragment("ÉCOLE 語"), "école-語");
+    EXPECT_EQ(WrapperFactory::idFragment("😀"), "-");
+    EXPECT_EQ(WrapperFactory::idFragment(""), "");
+}
+
+TEST_F(AppEngines, ADefaultIdentifierIsThePrefixAndTheFragment) {
+    EXPECT_EQ(WrapperFactory::defaultBundleId("Work 2"), "app.quorvel.instance.work-2");
+    EXPECT_EQ(WrapperFactory::defaultBundleId(""), "app.quorvel.instance.");
+}
+
+} // namespace
+} // namespace quorvel

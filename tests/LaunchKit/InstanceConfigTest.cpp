@@ -1,0 +1,194 @@
+#include "LaunchKit/InstanceConfig.h"
+
+#include "tests/support/AppBundles.h"
+#include "tests/support/TemporaryHome.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+namespace quorvel {
+namespace {
+
+using namespace testing;
+using ::testing::ElementsAre;
+
+const std::string minimal = R"({"displayName":"N","bundleId":"b","instanceHome":"~/I"})";
+
+InstanceConfig fullConfig() {
+    InstanceConfig config = minimalConfig("Work \"1\" é");
+    config.kind = ShortcutKind::command;
+    config.targetAppPath = "/A/B.app";
+    config.strategy = Strategy::wrapperIdentity;
+    config.extraArgs = {"--a", ""};
+    config.environment = {{"B", "2"}, {"A", "1"}};
+    config.infoPlistOverrides = {{"K", "yes"}};
+    config.registerAsBrowser = true;
+    config.openWithPassthrough = true;
+    config.iconLabel = IconLabel{"W", "#FF0000", IconLabel::Position::top};
+    config.menuBarIcon = true;
+    config.menuBarIconTemplate = true;
+    config.shareUserFolders = false;
+    config.url = "https://example.com/";
+    config.openPath = "~/Notes";
+    config.commandPath = "/bin/ls";
+    config.commandArgs = {"-l"};
+    config.workingDirectory = "/";
+    return config;
+}
+
+TEST(InstanceConfig, AMinimalFileHasEveryDefault) {
+    const InstanceConfig config = InstanceConfig::fromJson(minimal);
+    EXPECT_EQ(config.displayName, "N");
+    EXPECT_EQ(config.bundleId, "b");
+    EXPECT_EQ(config.instanceHome, "~/I");
+    EXPECT_EQ(config.kind, ShortcutKind::app);
+    EXPECT_EQ(config.targetAppPath, "");
+    EXPECT_EQ(config.strategy, Strategy::homeOverride);
+    EXPECT_TRUE(config.extraArgs.empty());
+    EXPECT_TRUE(config.environment.empty());
+    EXPECT_TRUE(config.infoPlistOverrides.empty());
+    EXPECT_FALSE(config.registerAsBrowser);
+    EXPECT_FALSE(config.openWithPassthrough);
+    EXPECT_FALSE(config.menuBarIcon);
+    EXPECT_FALSE(config.menuBarIconTemplate);
+    EXPECT_TRUE(config.shareUserFolders);
+    EXPECT_TRUE(config.commandArgs.empty());
+    EXPECT_EQ(config.iconLabel, std::nullopt);
+    EXPECT_EQ(config.url, std::nullopt);
+    EXPECT_EQ(config.openPath, std::nullopt);
+    EXPECT_EQ(config.commandPath, std::nullopt);
+    EXPECT_EQ(config.workingDirectory, std::nullopt);
+}
+
+TEST(InstanceConfig, AMinimalFileIsWrittenWithItsFifteenKeysSorted) {
+    EXPECT_EQ(InstanceConfig::fromJson(minimal).json(), R"({
+  "bundleId": "b",
+  "commandArgs": [],
+  "displayName": "N",
+  "environment": {},
+  "extraArgs": [],
+  "infoPlistOverrides": {},
+  "instanceHome": "~\/I",
+  "kind": "app",
+  "menuBarIcon": false,
+  "menuBarIconTemplate": false,
+  "openWithPassthrough": false,
+  "registerAsBrowser": false,
+  "shareUserFolders": true,
+  "strategy": "home-override",
+  "targetAppPath": ""
+})");
+}
+
+TEST(InstanceConfig, AFullFileIsWrittenWithAllKeysSorted) {
+    EXPECT_EQ(fullConfig().json(), R"({
+  "bundleId": "app.quorvel.instance.test",
+  "commandArgs": [
+    "-l"
+  ],
+  "commandPath": "\/bin\/ls",
+  "displayName": "Work \"1\" é",
+  "environment": {
+    "A": "1",
+    "B": "2"
+  },
+  "extraArgs": [
+    "--a",
+    ""
+  ],
+  "iconLabel": {
+    "colorHex": "#FF0000",
+    "position": "top",
+    "text": "W"
+  },
+  "infoPlistOverrides": {
+    "K": "yes"
+  },
+  "instanceHome": "~\/QuorvelInstances\/Work \"1\" é",
+  "kind": "command",
+  "menuBarIcon": true,
+  "menuBarIconTemplate": true,
+  "openPath": "~\/Notes",
+  "openWithPassthrough": true,
+  "registerAsBrowser": true,
+  "shareUserFolders": false,
+  "strategy": "wrapper-identity",
+  "targetAppPath": "\/A\/B.app",
+  "url": "https:\/\/example.com\/",
+  "workingDirectory": "\/"
+})");
+}
+
+TEST(InstanceConfig, WhatIsWrittenIsReadBackTheSame) {
+    const InstanceConfig config = InstanceConfig::fromJson(fullConfig().json());
+    EXPECT_EQ(config.json(), fullConfig().json());
+    EXPECT_EQ(config.displayName, "Work \"1\" é");
+    EXPECT_EQ(config.url, "https://example.com/");
+    EXPECT_EQ(config.iconLabel, fullConfig().iconLabel);
+    EXPECT_EQ(config.environment, fullConfig().environment);
+}
+
+TEST(InstanceConfig, TextOfAnyKindSurvivesWritingAndReading) {
+    InstanceConfig config = minimalConfig();
+    config.displayName = "line\nbreak \t \x01 \\ / \" ' <b> 😀";
+    config.displayName.push_back('\0');
+    config.environment = {{"/key/", "//"}, {"", "\\/"}};
+    const InstanceConfig again = InstanceConfig::fromJson(config.json());
+    EXPECT_EQ(again.displayName, config.displayName);
+    EXPECT_EQ(again.environment, config.environment);
+}
+
+TEST(InstanceConfig, TextThatIsNotUtf8CantBeWritten) {
+    InstanceConfig config = minimalConfig();
+    config.extraArgs = {"\xFF"};
+    EXPECT_THROW((void)config.json(), ConfigError);
+    config.extraArgs.clear();
+    config.environment = {{"\xE9", ""}};
+    EXPECT_THROW((void)config.json(), ConfigError);
+}
+
+TEST(InstanceConfig, TheHomesTildeIsTheUsersHome) {
+    const ScopedEnvironment fixed("CFFIXED_USER_HOME", "/Users/u");
+    InstanceConfig config = minimalConfig();
+    config.instanceHome = "~/I";
+    EXPECT_EQ(config.resolvedHome(), "/Users/u/I");
+    config.instanceHome = "/abs/~";
+    EXPECT_EQ(config.resolvedHome(), "/abs/~");
+}
+
+TEST(InstanceConfig, EveryPlaceholderBecomesTheResolvedHome) {
+    const ScopedEnvironment fixed("CFFIXED_USER_HOME", "/Users/u");
+    InstanceConfig config = minimalConfig();
+    config.instanceHome = "~/I";
+    config.extraArgs = {"--data={{instanceHome}}/d",
+                        "{{instanceHome}}{{instanceHome}}",
+                        "~/file",
+                        "",
+                        "{{instancehome}}",
+                        "{{{instanceHome}}}",
+                        "{{instanceHome"};
+    config.commandArgs = {"{{instanceHome}}"};
+    config.environment = {{"{{instanceHome}}", "{{instanceHome}}/cache"}, {"T", "~"}};
+    EXPECT_THAT(config.resolvedArgs(),
+                ElementsAre("--data=/Users/u/I/d", "/Users/u/I/Users/u/I", "~/file", "",
+                            "{{instancehome}}", "{/Users/u/I}", "{{instanceHome"));
+    EXPECT_THAT(config.resolvedCommandArgs(), ElementsAre("/Users/u/I"));
+    EXPECT_EQ(
+        config.resolvedEnvironment(),
+        (std::map<std::string, std::string>{{"T", "~"}, {"{{instanceHome}}", "/Users/u/I/cache"}}));
+}
+
+TEST(InstanceConfig, AHomeThatHoldsThePlaceholderIsPutInOnce) {
+    EXPECT_EQ(expandingInstanceHome("{{instanceHome}}!", "/{{instanceHome}}"),
+              "/{{instanceHome}}!");
+    EXPECT_EQ(expandingInstanceHome("", "/h"), "");
+}
+
+TEST(InstanceConfig, TheTargetsPathIsNotExpanded) {
+    InstanceConfig config = minimalConfig();
+    config.targetAppPath = "~/A.app";
+    EXPECT_EQ(config.targetAppURL(), "~/A.app");
+}
+
+} // namespace
+} // namespace quorvel

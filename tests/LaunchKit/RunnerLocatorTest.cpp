@@ -1,0 +1,104 @@
+#include "LaunchKit/RunnerLocator.h"
+
+#include "Platform/MainExecutable.h"
+#include "tests/support/AppBundles.h"
+#include "tests/support/TemporaryHome.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+namespace quorvel {
+namespace {
+
+using namespace testing;
+using ::testing::ElementsAre;
+namespace fs = std::filesystem;
+
+class Runners : public ::testing::Test {
+protected:
+    Runners() { fs::current_path(folder_.path()); }
+    ~Runners() override { fs::current_path(before_); }
+
+    [[nodiscard]] fs::path at(std::string_view name) const { return folder_ / name; }
+
+    fs::path runner(const std::string& folder, bool executable = true) const {
+        const fs::path file = at(folder) / "quorvel-runner";
+        write(file, "");
+        if (executable) {
+            makeExecutable(file);
+        }
+        return file;
+    }
+
+    [[nodiscard]] std::optional<fs::path> found() const {
+        return RunnerLocator::locate({at("Contents/Resources"), at("Contents/MacOS")});
+    }
+
+    fs::path before_ = fs::current_path();
+    TemporaryFolder folder_;
+};
+
+TEST_F(Runners, AreLookedForInTheApplicationAndThenInTheBuilds) {
+    EXPECT_THAT(RunnerLocator::candidates({"/R", "/M"}),
+                ElementsAre("/R/quorvel-runner", "/M/quorvel-runner",
+                            at(".build/debug/quorvel-runner"),
+                            at(".build/release/quorvel-runner")));
+}
+
+TEST_F(Runners, AFolderThatIsNotKnownAddsNoPlace) {
+    EXPECT_THAT(RunnerLocator::candidates({}), ElementsAre(at(".build/debug/quorvel-runner"),
+                                                           at(".build/release/quorvel-runner")));
+    EXPECT_EQ(RunnerLocator::candidates({std::nullopt, "/M"}).front(), "/M/quorvel-runner");
+}
+
+TEST_F(Runners, TheOneInTheResourcesIsTheFirstChoice) {
+    runner(".build/debug");
+    runner("Contents/MacOS");
+    const fs::path best = runner("Contents/Resources");
+    EXPECT_EQ(found(), best);
+}
+
+TEST_F(Runners, OneThatMayNotBeExecutedIsPassedOver) {
+    runner("Contents/Resources", false);
+    EXPECT_EQ(found(), std::nullopt);
+    const fs::path next = runner("Contents/MacOS");
+    EXPECT_EQ(found(), next);
+}
+
+TEST_F(Runners, ADebugBuildGoesBeforeARelease) {
+    const fs::path release = runner(".build/release");
+    EXPECT_EQ(found(), release);
+    const fs::path debug = runner(".build/debug");
+    EXPECT_EQ(found(), debug);
+}
+
+TEST_F(Runners, AFolderOfThatNameIsNone) {
+    fs::create_directories(at("Contents/Resources/quorvel-runner"));
+    EXPECT_EQ(found(), std::nullopt);
+}
+
+TEST_F(Runners, ALinkToOneWillDo) {
+    const fs::path real = runner("elsewhere");
+    fs::create_directories(at("Contents/Resources"));
+    fs::create_symlink(real, at("Contents/Resources/quorvel-runner"));
+    EXPECT_EQ(found(), at("Contents/Resources/quorvel-runner"));
+    fs::remove(real);
+    EXPECT_EQ(found(), std::nullopt) << "a dangling link will not";
+}
+
+TEST_F(Runners, ACurrentFolderThatIsGoneAddsNoPlace) {
+    fs::create_directory(at("gone"));
+    fs::current_path(at("gone"));
+    fs::remove(at("gone"));
+    EXPECT_THAT(RunnerLocator::candidates({"/R", {}}), ElementsAre("/R/quorvel-runner"));
+}
+
+TEST_F(Runners, ThisProgramsOwnFolderIsSearched) {
+    const auto folders = ApplicationFolders::ofThisProgram();
+    ASSERT_TRUE(folders.executables && folders.resources);
+    EXPECT_EQ(*folders.executables, mainExecutable().parent_path());
+    EXPECT_EQ(*folders.resources, mainExecutable().parent_path().parent_path() / "libexec/quorvel");
+}
+
+} // namespace
+} // namespace quorvel
