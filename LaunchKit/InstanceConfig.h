@@ -61,7 +61,7 @@ struct InstanceConfig {
     [[nodiscard]] static InstanceConfig fromJson(std::string json);
 
     /// Reads a file; nothing when it can't be read or decoded, is too large or no regular file.
-    [[nodiscard]] static std::optional<InstanceConfig> read(const std::filesystem::path& file);
+    [[nodiscard]] static std::optional<InstanceConfig> read(const std::string& file);
 
     /// Pretty-printed, keys sorted, "/" escaped, absent optional fields left out.
     /// Throws `ConfigError` when a text is not UTF-8.

@@ -310,7 +310,7 @@ InstanceConfig InstanceConfig::fromJson(std::string json) {
     return record.take();
 }
 
-std::optional<InstanceConfig> InstanceConfig::read(const std::filesystem::path& file) {
+std::optional<InstanceConfig> InstanceConfig::read(const std::string& file) {
     std::optional<std::string> bytes = readFile(file, maximumFileSize);
     if (!bytes) {
         return std::nullopt;

@@ -12,6 +12,8 @@ namespace quorvel {
 namespace fs = std::filesystem;
 namespace {
 
+constexpr const char* configInBundle = "/Contents/Resources/instance.json";
+
 bool isAppName(const std::string& name) {
     return fs::path(name).extension() == ".app";
 }
@@ -60,7 +62,7 @@ std::optional<fs::path> InstanceRecord::iconURL() const {
 }
 
 fs::path instanceConfigFile(const fs::path& bundleURL) {
-    return joinAsText(bundleURL, "Contents/Resources/instance.json");
+    return bundleURL.native() + configInBundle;
 }
 
 std::vector<fs::path> InstanceRegistry::defaultSearchDirs() {
@@ -86,7 +88,7 @@ std::vector<InstanceRecord> InstanceRegistry::list() const {
 }
 
 std::optional<InstanceRecord> InstanceRegistry::record(const fs::path& bundleURL) const {
-    auto config = InstanceConfig::read(instanceConfigFile(bundleURL));
+    auto config = InstanceConfig::read(bundleURL.native() + configInBundle);
     if (!config) {
         return std::nullopt;
     }

@@ -11,20 +11,30 @@ namespace quorvel {
 namespace fs = std::filesystem;
 namespace {
 
+struct RegularFile {
+    FileHandle handle;
+    std::size_t size = 0;
+
+    [[nodiscard]] bool isOpen() const { return handle.descriptor() >= 0; }
+    [[nodiscard]] int descriptor() const { return handle.descriptor(); }
+};
+
 // Without O_NONBLOCK, opening a FIFO would wait for its other end.
-FileHandle openRegularFile(const fs::path& path, int flags, mode_t mode = 0) {
-    if (hasNul(path)) {
+RegularFile openRegularFile(const std::string& path, int flags, mode_t mode = 0) {
+    if (path.find('\0') != std::string::npos) {
         errno = EINVAL;
-        return FileHandle(-1);
+        return {FileHandle(-1)};
     }
     FileHandle file(::open(path.c_str(), flags | O_NONBLOCK | O_CLOEXEC | O_NOCTTY, mode));
     struct stat status {};
-    if (file.descriptor() >= 0 && ::fstat(file.descriptor(), &status) == 0 &&
-        !S_ISREG(status.st_mode)) {
-        errno = S_ISDIR(status.st_mode) ? EISDIR : EINVAL;
-        return FileHandle(-1);
+    if (file.descriptor() < 0 || ::fstat(file.descriptor(), &status) != 0) {
+        return {FileHandle(-1)};
     }
-    return file;
+    if (!S_ISREG(status.st_mode)) {
+        errno = S_ISDIR(status.st_mode) ? EISDIR : EINVAL;
+        return {FileHandle(-1)};
+    }
+    return {std::move(file), static_cast<std::size_t>(status.st_size)};
 }
 
 } // namespace
@@ -94,16 +104,14 @@ std::optional<std::vector<std::string>> directoryEntries(const fs::path& folder)
     return names;
 }
 
-std::optional<std::string> readFile(const fs::path& path, std::size_t limit) {
-    const FileHandle file = openRegularFile(path, O_RDONLY);
-    struct stat status {};
-    if (file.descriptor() < 0 || ::fstat(file.descriptor(), &status) != 0 ||
-        static_cast<std::size_t>(status.st_size) > limit) {
+std::optional<std::string> readFile(const std::string& path, std::size_t limit) {
+    const RegularFile file = openRegularFile(path, O_RDONLY);
+    if (!file.isOpen() || file.size > limit) {
         return std::nullopt;
     }
     // One byte more than the file says: a file that grows meanwhile is noticed, and a whole one
     // needs a single read.
-    std::string bytes(static_cast<std::size_t>(status.st_size) + 1, '\0');
+    std::string bytes(file.size + 1, '\0');
     std::size_t length = 0;
     while (true) {
         const ssize_t count =
@@ -117,7 +125,7 @@ std::optional<std::string> readFile(const fs::path& path, std::size_t limit) {
         length += static_cast<std::size_t>(count);
         if (length < bytes.size()) {
             // Files of /proc and the like have no size, so only an end that was seen is an end.
-            if (count == 0 || length == static_cast<std::size_t>(status.st_size)) {
+            if (count == 0 || length == file.size) {
                 break;
             }
             continue;
@@ -135,11 +143,11 @@ std::optional<std::string> readFile(const fs::path& path, std::size_t limit) {
 }
 
 void writeFile(const fs::path& path, std::string_view bytes) {
-    const FileHandle file = openRegularFile(path, O_WRONLY | O_CREAT, 0666);
-    struct stat status {};
-    if (file.descriptor() < 0 || ::fstat(file.descriptor(), &status) != 0 ||
-        // Only an old file is cut: ext4 takes the cutting of a new one as a reason to write at once.
-        (status.st_size > 0 && ::ftruncate(file.descriptor(), 0) != 0) || !file.write(bytes)) {
+    const RegularFile file = openRegularFile(path, O_WRONLY | O_CREAT, 0666);
+    if (!file.isOpen() ||
+        // Only an old file is cut: ext4 takes the cutting of a new one as a reason to write at
+        // once.
+        (file.size > 0 && ::ftruncate(file.descriptor(), 0) != 0) || !file.handle.write(bytes)) {
         throw PlatformError::fromErrno(path, "written");
     }
 }
@@ -161,11 +169,8 @@ void createDirectories(const fs::path& folder) {
 }
 
 std::optional<FileHandle> openForAppending(const fs::path& path) {
-    FileHandle file = openRegularFile(path, O_WRONLY | O_APPEND | O_CREAT, 0666);
-    if (file.descriptor() < 0) {
-        return std::nullopt;
-    }
-    return file;
+    RegularFile file = openRegularFile(path, O_WRONLY | O_APPEND | O_CREAT, 0666);
+    return file.isOpen() ? std::optional(std::move(file.handle)) : std::nullopt;
 }
 
 } // namespace quorvel

@@ -47,9 +47,9 @@ namespace quorvel {
 directoryEntries(const std::filesystem::path& folder);
 
 /// The bytes of a regular file of at most `limit` bytes; nothing when it can't be read, is larger,
-/// or is no regular file. Never blocks on a FIFO or a device.
-[[nodiscard]] std::optional<std::string> readFile(const std::filesystem::path& path,
-                                                  std::size_t limit);
+/// or is no regular file. Never blocks on a FIFO or a device. Takes the path as text, since
+/// taking thousands of paths apart would cost more than reading the files.
+[[nodiscard]] std::optional<std::string> readFile(const std::string& path, std::size_t limit);
 
 /// Writes a regular file in place (no temporary file), creating it where needed.
 /// Throws `PlatformError`.

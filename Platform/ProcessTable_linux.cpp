@@ -31,28 +31,19 @@ std::string bundleHolding(const std::string& executable) {
     return executable.substr(0, at + 4);
 }
 
-std::string readLinkAt(int folder, const char* name) {
-    std::string target(512, '\0');
-    while (true) {
-        const ssize_t length = ::readlinkat(folder, name, target.data(), target.size());
-        if (length < 0) {
-            return {};
-        }
-        if (static_cast<std::size_t>(length) < target.size()) {
-            target.resize(static_cast<std::size_t>(length));
-            return target;
-        }
-        target.resize(target.size() * 2);
-    }
+std::string readLink(const std::string& link) {
+    char target[4096];
+    const ssize_t length = ::readlink(link.c_str(), target, sizeof target);
+    return {target, length < 0 ? 0 : static_cast<std::size_t>(length)};
 }
 
-std::string readAt(int folder, const char* name) {
-    const FileHandle file(::openat(folder, name, O_RDONLY | O_NONBLOCK | O_CLOEXEC));
-    std::string bytes(4096, '\0');
+// What fits into one page; a script's path stands in the first few arguments.
+std::string readStart(const std::string& path) {
+    const FileHandle file(::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC | O_NOCTTY));
+    char bytes[4096];
     const ssize_t length =
-        file.descriptor() < 0 ? -1 : ::read(file.descriptor(), bytes.data(), bytes.size());
-    bytes.resize(length < 0 ? 0 : static_cast<std::size_t>(length));
-    return bytes;
+        file.descriptor() < 0 ? -1 : ::read(file.descriptor(), bytes, sizeof bytes);
+    return {bytes, length < 0 ? 0 : static_cast<std::size_t>(length)};
 }
 
 // An interpreter's command line names the script first, behind the options that the script's own
@@ -85,15 +76,12 @@ std::string nextWord(std::string_view& line) {
 // script's path as an argument, an editor say, is not running it.
 bool isInterpreterOf(const fs::path& script, const std::string& executable,
                      const std::string& calledAs) {
-    const FileHandle file(::open(script.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC | O_NOCTTY));
-    struct stat status {};
-    char head[256];
-    if (file.descriptor() < 0 || ::fstat(file.descriptor(), &status) != 0 ||
-        !S_ISREG(status.st_mode)) {
+    std::error_code ignored;
+    if (!fs::is_regular_file(script, ignored)) {
         return false;
     }
-    const ssize_t length = ::read(file.descriptor(), head, sizeof head);
-    std::string_view line(head, length < 0 ? 0 : static_cast<std::size_t>(length));
+    const std::string head = readStart(script);
+    std::string_view line = head;
     if (!line.starts_with("#!")) {
         return false;
     }
@@ -104,7 +92,6 @@ bool isInterpreterOf(const fs::path& script, const std::string& executable,
             interpreter = nextWord(line);
         } while (interpreter.starts_with('-') || interpreter.find('=') != std::string::npos);
     }
-    std::error_code ignored;
     if (interpreter.find('/') != std::string::npos) {
         return fs::canonical(interpreter, ignored).native() == executable;
     }
@@ -121,29 +108,23 @@ std::optional<pid_t> processNumber(const char* name) {
     return result.ec == std::errc{} && result.ptr == end ? std::optional(number) : std::nullopt;
 }
 
-} // namespace
-
-std::string ProcessTable::bundleOf(int processFolder, const std::string& executable) const {
-    std::string bundle = bundleHolding(executable);
-    if (!bundle.empty()) {
-        return bundle;
-    }
-    const std::string commandLine = readAt(processFolder, "cmdline");
-    if (commandLine.find("/MacOS/") == std::string::npos &&
-        commandLine.find("./") == std::string::npos) {
-        return {};
-    }
+// `process` is the process's folder below /proc.
+std::string bundleOfScript(const std::string& process, const std::string& executable) {
+    const std::string commandLine = readStart(process + "/cmdline");
     const std::optional<std::string> script = scriptArgument(commandLine);
-    if (!script) {
+    // Looked up in the path or not, a script reaches its interpreter with a slash in its name.
+    if (!script || script->find('/') == std::string::npos) {
         return {};
     }
+    const fs::path folder = script->front() == '/' ? "/" : readLink(process + "/cwd");
     std::error_code code;
-    const fs::path path = fs::canonical(fs::path(readLinkAt(processFolder, "cwd")) / *script, code);
-    bundle = code ? std::string{} : bundleHolding(path.native());
-    return !bundle.empty() && isInterpreterOf(path, executable, commandLine.c_str())
-               ? bundle
-               : std::string{};
+    const fs::path path = fs::canonical(folder / *script, code);
+    std::string bundle = code ? std::string{} : bundleHolding(path.native());
+    const bool runs = !bundle.empty() && isInterpreterOf(path, executable, commandLine.c_str());
+    return runs ? bundle : std::string{};
 }
+
+} // namespace
 
 const std::string* ProcessTable::identifierOf(const std::string& bundle) {
     const std::string file = bundle + "/Contents/Info.plist";
@@ -173,13 +154,15 @@ std::vector<RunningApplication> ProcessTable::applications() {
         if (!pid) {
             continue;
         }
-        const FileHandle folder(
-            ::openat(::dirfd(table.get()), entry->d_name, O_PATH | O_DIRECTORY | O_CLOEXEC));
-        const std::string executable = readLinkAt(folder.descriptor(), "exe");
+        const std::string process = std::string("/proc/") + entry->d_name;
+        const std::string executable = readLink(process + "/exe");
         if (executable.empty()) {
             continue;
         }
-        const std::string bundle = bundleOf(folder.descriptor(), executable);
+        std::string bundle = bundleHolding(executable);
+        if (bundle.empty()) {
+            bundle = bundleOfScript(process, executable);
+        }
         const std::string* bundleId = bundle.empty() ? nullptr : identifierOf(bundle);
         if (bundleId != nullptr) {
             found.push_back({*bundleId, bundle, *pid});

@@ -28,7 +28,6 @@ private:
     };
 
     [[nodiscard]] const std::string* identifierOf(const std::string& bundle);
-    [[nodiscard]] std::string bundleOf(int processFolder, const std::string& executable) const;
 
     std::mutex mutex_;
     std::map<std::string, KnownBundle> known_;
