@@ -63,7 +63,7 @@ int moveEntries(const std::string& source, const std::string& destination) {
 
 void InstanceLauncher::linkIfSafe(const std::string& link, const std::string& target) {
     // A home that is the user's own would otherwise lose an empty folder to a link to itself.
-    if (!itemExists(target) || isSameItem(link, target)) {
+    if (hasNul(link) || !itemExists(target) || isSameItem(link, target)) {
         return;
     }
     attempt([&] { createDirectories(fs::path(link).parent_path()); });

@@ -1,0 +1,221 @@
+#include "LaunchKit/WrapperFactory.h"
+
+#include "LaunchKit/InstanceRegistry.h"
+#include "LaunchKit/WrapperGenerator.h"
+#include "tests/support/AppBundles.h"
+#include "tests/support/TemporaryHome.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+namespace quorvel {
+namespace {
+
+using namespace testing;
+using ::testing::ElementsAre;
+using FactoryError = WrapperFactory::FactoryError;
+namespace fs = std::filesystem;
+
+class Factory : public ::testing::Test {
+protected:
+    Factory() { write(folder_ / "runner", "runner"); }
+
+    [[nodiscard]] fs::path at(std::string_view name) const { return folder_ / name; }
+
+    [[nodiscard]] WrapperFactory::Request webRequest(const std::string& name) const {
+        WrapperFactory::Request request;
+        request.kind = ShortcutKind::web;
+        request.displayName = name;
+        request.outputDir = at("out");
+        return request;
+    }
+
+    [[nodiscard]] WrapperFactory::Request appRequest(const fs::path& target) const {
+        WrapperFactory::Request request = webRequest("Work");
+        request.kind = ShortcutKind::app;
+        request.targetApp = target;
+        return request;
+    }
+
+    [[nodiscard]] fs::path electronApp() const {
+        const fs::path app = makeAppBundle(at("Chat.app"));
+        fs::create_directories(app / "Contents/Frameworks/Electron Framework.framework");
+        return app;
+    }
+
+    [[nodiscard]] fs::path create(const WrapperFactory::Request& request) const {
+        return WrapperFactory(at("runner")).create(request);
+    }
+
+    [[nodiscard]] InstanceConfig created(const WrapperFactory::Request& request) const {
+        return InstanceRegistry().record(create(request)).value().config;
+    }
+
+    [[nodiscard]] std::string errorOf(const WrapperFactory::Request& request,
+                                      const std::optional<fs::path>& runner) const {
+        try {
+            (void)WrapperFactory(runner).create(request);
+        } catch (const FactoryError& error) {
+            EXPECT_STREQ(error.what(), error.description().c_str());
+            EXPECT_FALSE(fs::exists(at("out"))) << "nothing may be written";
+            return error.description();
+        }
+        return "no error";
+    }
+
+    TemporaryFolder folder_;
+    TemporaryHome home_;
+};
+
+TEST_F(Factory, SpaceAroundTheNameIsRemovedEverywhere) {
+    WrapperFactory::Request request = webRequest(" \t Work \n");
+    EXPECT_EQ(create(request), at("out/Work.app"));
+    const InstanceConfig config = created(request);
+    EXPECT_EQ(config.displayName, "Work");
+    EXPECT_EQ(config.instanceHome, "~/QuorvelInstances/Work");
+    EXPECT_EQ(config.bundleId, "app.quorvel.instance.work");
+}
+
+TEST_F(Factory, PunctuationSurvivesInTheHomeAndNotInTheIdentifier) {
+    const InstanceConfig config = created(webRequest("My App (2)"));
+    EXPECT_EQ(config.instanceHome, "~/QuorvelInstances/My App (2)");
+    EXPECT_EQ(config.bundleId, "app.quorvel.instance.my-app--2-");
+}
+
+TEST_F(Factory, WritesIntoTheUsersApplicationsUnlessTold) {
+    WrapperFactory::Request request = webRequest("Work");
+    request.outputDir.reset();
+    EXPECT_EQ(WrapperFactory::defaultOutputDir(), home_ / "Applications");
+    EXPECT_EQ(create(request), home_ / "Applications/Work.app");
+    EXPECT_EQ(InstanceRegistry().list().size(), 1U);
+}
+
+TEST_F(Factory, EngineArgumentsAreTheDefault) {
+    WrapperFactory::Request request = appRequest(electronApp());
+    EXPECT_THAT(created(request).extraArgs,
+                ElementsAre("--user-data-dir={{instanceHome}}/QuorvelData"));
+    request.extraArgs = std::vector<std::string>{};
+    EXPECT_THAT(created(request).extraArgs, ElementsAre());
+    request.extraArgs = {"--own"};
+    EXPECT_THAT(created(request).extraArgs, ElementsAre("--own"));
+}
+
+TEST_F(Factory, AnAppCloneRemembersItsTarget) {
+    const fs::path target = makeAppBundle(at("Thing.app"));
+    const InstanceConfig config = created(appRequest(target));
+    EXPECT_EQ(config.targetAppPath, target.string());
+    EXPECT_THAT(config.extraArgs, ElementsAre());
+}
+
+TEST_F(Factory, AWebCloneNeedsNoTarget) {
+    WrapperFactory::Request request = webRequest("Site");
+    request.targetApp = electronApp();
+    const InstanceConfig config = created(request);
+    EXPECT_EQ(config.kind, ShortcutKind::web);
+    EXPECT_EQ(config.targetAppPath, "");
+    EXPECT_THAT(config.extraArgs, ElementsAre());
+    EXPECT_EQ(config.url, std::nullopt);
+}
+
+TEST_F(Factory, EverythingElseIsTakenOverUnchanged) {
+    WrapperFactory::Request request = webRequest("All");
+    request.kind = ShortcutKind::command;
+    request.url = "u";
+    request.openPath = "o";
+    request.commandPath = "c";
+    request.commandArgs = {"a", ""};
+    request.workingDirectory = "w";
+    request.instanceHome = "/h";
+    request.bundleId = "given.Id";
+    request.strategy = Strategy::containerRedirect;
+    request.environment = {{"E", "1"}};
+    request.infoPlistOverrides = {{"P", "2"}};
+    request.registerAsBrowser = true;
+    request.openWithPassthrough = true;
+    request.iconLabel = IconLabel{"L", "ff0000", IconLabel::Position::center};
+    request.menuBarIcon = true;
+    request.menuBarIconTemplate = true;
+    request.shareUserFolders = false;
+    request.extraArgs = {"x"};
+    InstanceConfig expected;
+    expected.displayName = "All";
+    expected.kind = ShortcutKind::command;
+    expected.url = "u";
+    expected.openPath = "o";
+    expected.commandPath = "c";
+    expected.commandArgs = {"a", ""};
+    expected.workingDirectory = "w";
+    expected.instanceHome = "/h";
+    expected.bundleId = "given.Id";
+    expected.strategy = Strategy::containerRedirect;
+    expected.environment = {{"E", "1"}};
+    expected.infoPlistOverrides = {{"P", "2"}};
+    expected.registerAsBrowser = true;
+    expected.openWithPassthrough = true;
+    expected.iconLabel = request.iconLabel;
+    expected.menuBarIcon = true;
+    expected.menuBarIconTemplate = true;
+    expected.shareUserFolders = false;
+    expected.extraArgs = {"x"};
+    EXPECT_EQ(created(request).json(), expected.json());
+}
+
+TEST_F(Factory, IconAndHidingReachTheWrapper) {
+    WrapperFactory::Request request = webRequest("Work");
+    write(at("icon"), "icon bytes");
+    request.customIcon = at("icon");
+    request.hideWrapperIcon = true;
+    const fs::path wrapper = create(request);
+    EXPECT_EQ(read(wrapper / "Contents/Resources/AppIcon.icns"), "icon bytes");
+    EXPECT_EQ(PropertyList::readDictionary(wrapper / "Contents/Info.plist")->at("LSUIElement"),
+              true);
+}
+
+TEST_F(Factory, AGivenIdentifierIsKeptEvenWhereItCollides) {
+    WrapperFactory::Request first = webRequest("One");
+    WrapperFactory::Request second = webRequest("Two");
+    first.bundleId = second.bundleId = "same";
+    EXPECT_EQ(created(first).bundleId, "same");
+    EXPECT_EQ(created(second).bundleId, "same");
+}
+
+TEST_F(Factory, ANameOfSpaceAloneIsRefused) {
+    EXPECT_EQ(errorOf(webRequest(""), at("runner")), "The clone needs a non-empty name.");
+    EXPECT_EQ(errorOf(webRequest(" \t\r\n"), at("runner")), "The clone needs a non-empty name.");
+}
+
+TEST_F(Factory, WithoutARunnerThereIsNoClone) {
+    const fs::path before = fs::current_path();
+    fs::current_path(folder_.path());
+    const fs::path beside = fs::read_symlink("/proc/self/exe").parent_path() / "quorvel-runner";
+    if (fs::exists(beside)) {
+        EXPECT_EQ(WrapperFactory().create(webRequest("Work")), at("out/Work.app"))
+            << "the one beside this program is found";
+        EXPECT_EQ(read(at("out/Work.app/Contents/MacOS/runner")), read(beside));
+    }
+    fs::current_path(before);
+    EXPECT_EQ(FactoryError::runnerNotFound().description(),
+              "Could not locate the quorvel-runner binary to embed.");
+}
+
+TEST_F(Factory, AnUnreadableTargetIsRefused) {
+    EXPECT_EQ(errorOf(appRequest("/no/such.app"), at("runner")),
+              "Not a readable .app: /no/such.app");
+    WrapperFactory::Request request = appRequest("");
+    request.targetApp.reset();
+    EXPECT_EQ(errorOf(request, at("runner")), "Not a readable .app: /");
+}
+
+TEST_F(Factory, TheFirstFaultIsReported) {
+    WrapperFactory::Request request = appRequest("/no/such.app");
+    request.displayName = " ";
+    EXPECT_EQ(errorOf(request, at("runner")), "The clone needs a non-empty name.");
+}
+
+TEST_F(Factory, ARunnerThatVanishedIsTheGeneratorsError) {
+    EXPECT_THROW((void)WrapperFactory(at("none")).create(webRequest("Work")),
+                 WrapperGenerator::GenError);
+}
+
+} // namespace
+} // namespace quorvel

@@ -1,0 +1,250 @@
+#include "LaunchKit/WrapperGenerator.h"
+
+#include "Platform/PlatformError.h"
+#include "tests/support/AppBundles.h"
+#include "tests/support/TemporaryHome.h"
+
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+namespace quorvel {
+namespace {
+
+using namespace testing;
+using namespace std::string_literals;
+using GenError = WrapperGenerator::GenError;
+namespace fs = std::filesystem;
+
+class Generator : public ::testing::Test {
+protected:
+    Generator() {
+        write(folder_ / "runner-file", "runner\0bytes"s);
+        fs::permissions(folder_ / "runner-file", fs::perms{0640});
+    }
+
+    [[nodiscard]] fs::path at(std::string_view name) const { return folder_ / name; }
+
+    [[nodiscard]] WrapperGenerator::Options webOptions(const std::string& name = "Work") const {
+        WrapperGenerator::Options options;
+        options.config = minimalConfig(name);
+        options.config.kind = ShortcutKind::web;
+        options.runnerBinary = at("runner-file");
+        return options;
+    }
+
+    // A clone of an app whose property list names this icon.
+    [[nodiscard]] WrapperGenerator::Options appOptions(const PropertyListValue& iconFile) const {
+        WrapperGenerator::Options options = webOptions();
+        options.config.kind = ShortcutKind::app;
+        options.config.targetAppPath =
+            makeAppBundle(at("Thing.app"), {{"CFBundleIconFile", iconFile}});
+        return options;
+    }
+
+    [[nodiscard]] fs::path generate(const WrapperGenerator::Options& options) const {
+        return WrapperGenerator().generate(at("out"), options);
+    }
+
+    [[nodiscard]] std::string iconOf(const WrapperGenerator::Options& options) const {
+        const fs::path wrapper = generate(options);
+        const auto info = PropertyList::readDictionary(wrapper / "Contents/Info.plist");
+        const fs::path icon = wrapper / "Contents/Resources/AppIcon.icns";
+        EXPECT_EQ(info->contains("CFBundleIconFile"), fs::exists(icon));
+        return fs::exists(icon) ? read(icon) : "none";
+    }
+
+    void targetIcon(const std::string& name, const std::string& bytes) const {
+        write(at("Thing.app/Contents/Resources") / name, bytes);
+    }
+
+    TemporaryFolder folder_;
+    TemporaryHome home_;
+};
+
+TEST_F(Generator, WritesExactlyTheBundlesFiles) {
+    const WrapperGenerator::Options options = webOptions();
+    const fs::path wrapper = generate(options);
+    EXPECT_EQ(wrapper, at("out/Work.app"));
+    const std::map<std::string, std::string> expected{
+        {"Contents", "<folder>"},
+        {"Contents/MacOS", "<folder>"},
+        {"Contents/MacOS/runner", "runner\0bytes"s},
+        {"Contents/Resources", "<folder>"},
+        {"Contents/Resources/instance.json", options.config.json()},
+        {"Contents/Info.plist",
+         PropertyList::xml(WrapperGenerator::infoPlist(options, std::nullopt))},
+        {"Contents/PkgInfo", "APPL????"},
+    };
+    EXPECT_EQ(treeOf(wrapper), expected);
+}
+
+TEST_F(Generator, TheRunnerIsExecutableWhateverTheSourceWas) {
+    EXPECT_EQ(fs::status(generate(webOptions()) / "Contents/MacOS/runner").permissions(),
+              fs::perms{0755});
+}
+
+TEST_F(Generator, AWrapperOfTheSameNameIsReplacedWhole) {
+    write(generate(webOptions()) / "Contents/Resources/left over", "x");
+    WrapperGenerator::Options second = webOptions();
+    second.config.url = "https://second";
+    const fs::path wrapper = generate(second);
+    EXPECT_FALSE(fs::exists(wrapper / "Contents/Resources/left over"));
+    EXPECT_EQ(read(wrapper / "Contents/Resources/instance.json"), second.config.json());
+    EXPECT_EQ(std::distance(fs::directory_iterator(at("out")), fs::directory_iterator()), 1);
+}
+
+TEST_F(Generator, AFileOrALinkOfTheSameNameIsReplacedAndNotFollowed) {
+    write(at("out/Work.app"), "a file");
+    (void)generate(webOptions());
+    EXPECT_TRUE(fs::is_directory(at("out/Work.app")));
+    fs::remove_all(at("out/Work.app"));
+    write(at("kept/file"), "x");
+    for (const char* target : {"../kept", "dangling"}) {
+        fs::create_directory_symlink(target, at("out/Work.app"));
+        (void)generate(webOptions());
+        EXPECT_FALSE(fs::is_symlink(at("out/Work.app")));
+        fs::remove_all(at("out/Work.app"));
+    }
+    EXPECT_EQ(read(at("kept/file")), "x");
+}
+
+TEST_F(Generator, AHomeInTheWrappersPlaceIsNotRemoved) {
+    const ScopedEnvironment fixed("CFFIXED_USER_HOME", at("out/Work.app"));
+    write(at("out/Work.app/precious"), "x");
+    EXPECT_THROW((void)generate(webOptions()), PlatformError);
+    EXPECT_EQ(read(at("out/Work.app/precious")), "x");
+}
+
+TEST_F(Generator, WithoutARunnerNothingIsWritten) {
+    WrapperGenerator::Options options = webOptions();
+    options.runnerBinary = at("none");
+    try {
+        (void)generate(options);
+        FAIL() << "it was written";
+    } catch (const GenError& error) {
+        EXPECT_EQ(error.kind(), GenError::Case::runnerMissing);
+        EXPECT_EQ(error.url(), at("none"));
+        EXPECT_EQ(error.description(), "Runner binary not found: " + at("none").string());
+    }
+    EXPECT_FALSE(fs::exists(at("out")));
+}
+
+TEST_F(Generator, WithoutAReadableTargetNothingIsWrittenNorRemoved) {
+    write(at("out/Work.app/old"), "x");
+    WrapperGenerator::Options options = webOptions();
+    options.config.kind = ShortcutKind::app;
+    options.config.targetAppPath = "/no/such.app";
+    try {
+        (void)generate(options);
+        FAIL() << "it was written";
+    } catch (const GenError& error) {
+        EXPECT_EQ(error.kind(), GenError::Case::badTarget);
+        EXPECT_EQ(error.description(), "Not a readable target .app: /no/such.app");
+    }
+    EXPECT_EQ(read(at("out/Work.app/old")), "x");
+}
+
+TEST_F(Generator, OtherKindsNeedNoTargetAndHaveNoIcon) {
+    for (const ShortcutKind kind : {ShortcutKind::web, ShortcutKind::file, ShortcutKind::command}) {
+        WrapperGenerator::Options options = webOptions();
+        options.config.kind = kind;
+        EXPECT_EQ(iconOf(options), "none");
+    }
+}
+
+TEST_F(Generator, TheTargetsIconIsFoundWithAndWithoutItsExtension) {
+    WrapperGenerator::Options options = appOptions("AppIcon");
+    targetIcon("AppIcon.icns", "icon bytes");
+    EXPECT_EQ(iconOf(options), "icon bytes");
+    EXPECT_EQ(iconOf(appOptions("AppIcon.icns")), "icon bytes");
+    targetIcon("Other.ICNS.icns", "upper");
+    EXPECT_EQ(iconOf(appOptions("Other.ICNS")), "upper");
+}
+
+TEST_F(Generator, ATargetWithoutAnIconGivesNone) {
+    EXPECT_EQ(iconOf(appOptions("Missing")), "none");
+    EXPECT_EQ(iconOf(appOptions(std::int64_t{1})), "none");
+}
+
+TEST_F(Generator, ACustomIconGoesBeforeTheTargetsWhateverItsFormat) {
+    WrapperGenerator::Options options = appOptions("AppIcon");
+    targetIcon("AppIcon.icns", "target's");
+    write(at("custom.png"), "no icon \0 at all"s);
+    options.customIcon = at("custom.png");
+    EXPECT_EQ(iconOf(options), "no icon \0 at all"s);
+}
+
+TEST_F(Generator, ACustomIconThatIsGoneIsReplacedByTheTargets) {
+    WrapperGenerator::Options options = appOptions("AppIcon");
+    targetIcon("AppIcon.icns", "target's");
+    options.customIcon = at("gone");
+    EXPECT_EQ(iconOf(options), "target's");
+}
+
+TEST_F(Generator, ALabelOfSpacesCopiesTheIconUnchanged) {
+    WrapperGenerator::Options options = appOptions("AppIcon");
+    targetIcon("AppIcon.icns", "icon bytes");
+    options.config.iconLabel = IconLabel{" \t ", "ff0000", IconLabel::Position::top};
+    EXPECT_EQ(iconOf(options), "icon bytes");
+}
+
+TEST_F(Generator, ALabelOnAnIconThatIsNoneCopiesItUnchanged) {
+    WrapperGenerator::Options options = appOptions("AppIcon");
+    targetIcon("AppIcon.icns", "not an icon");
+    options.config.iconLabel = IconLabel{"W", "ff0000", IconLabel::Position::top};
+    EXPECT_EQ(iconOf(options), "not an icon");
+}
+
+TEST_F(Generator, AnIconThatCantBeCopiedIsAnErrorAndHoldsUpNobody) {
+    WrapperGenerator::Options options = webOptions();
+    ::mkfifo(at("fifo").c_str(), 0600);
+    for (const fs::path& icon : {at("fifo"), folder_.path()}) {
+        options.customIcon = icon;
+        EXPECT_THROW((void)generate(options), PlatformError) << icon;
+        EXPECT_TRUE(fs::exists(at("out/Work.app/Contents/Resources/instance.json")));
+        EXPECT_FALSE(fs::exists(at("out/Work.app/Contents/Info.plist")));
+    }
+    options.customIcon.reset();
+    EXPECT_EQ(iconOf(options), "none") << "the next attempt replaces what was left";
+}
+
+TEST_F(Generator, AFolderThatCantBeMadeIsAnError) {
+    write(at("out"), "a file");
+    EXPECT_THROW((void)generate(webOptions()), PlatformError);
+    fs::remove(at("out"));
+    EXPECT_THROW((void)generate(webOptions(std::string(300, 'n'))), PlatformError);
+}
+
+TEST_F(Generator, ARunnerThatIsAFolderIsAnError) {
+    WrapperGenerator::Options options = webOptions();
+    options.runnerBinary = folder_.path();
+    EXPECT_THROW((void)generate(options), PlatformError);
+}
+
+TEST_F(Generator, TextThatCantBeWrittenIsAnErrorThatTheNextCallCleansUp) {
+    WrapperGenerator::Options options = webOptions();
+    options.config.extraArgs = {"\xFF"};
+    EXPECT_THROW((void)generate(options), ConfigError);
+    options = webOptions();
+    options.config.infoPlistOverrides = {{"K", "\x01"}};
+    EXPECT_THROW((void)generate(options), std::invalid_argument);
+    EXPECT_NO_THROW((void)generate(webOptions()));
+}
+
+TEST_F(Generator, NamesArePassedThroughAsTheyStand) {
+    EXPECT_EQ(generate(webOptions("a/b")), at("out/a/b.app"));
+    EXPECT_TRUE(fs::exists(at("out/a/b.app/Contents/PkgInfo")));
+    EXPECT_TRUE(fs::exists(generate(webOptions("/etc")) / "Contents/PkgInfo"));
+    EXPECT_TRUE(fs::exists(at("out/etc.app")));
+    for (const char* name : {"line\nbreak", "<b>\"'&", "..", " ", "é語😀"}) {
+        EXPECT_TRUE(fs::exists(generate(webOptions(name)) / "Contents/Info.plist")) << name;
+    }
+}
+
+TEST_F(Generator, ANameWithANulIsRefused) {
+    EXPECT_THROW((void)generate(webOptions("a\0b"s)), PlatformError);
+    EXPECT_FALSE(fs::exists(at("out/a")));
+}
+
+} // namespace
+} // namespace quorvel

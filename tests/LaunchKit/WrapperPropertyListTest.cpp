@@ -1,0 +1,144 @@
+#include "LaunchKit/WrapperGenerator.h"
+
+#include "tests/support/AppBundles.h"
+#include "tests/support/TemporaryHome.h"
+
+#include <gtest/gtest.h>
+
+namespace quorvel {
+namespace {
+
+using namespace testing;
+
+PropertyListValue coerced(std::string_view text) {
+    return WrapperGenerator::coercePlistValue(text);
+}
+
+WrapperGenerator::Options plainOptions() {
+    WrapperGenerator::Options options;
+    options.config = minimalConfig("Work");
+    return options;
+}
+
+PropertyListDictionary infoPlist(const WrapperGenerator::Options& options) {
+    return WrapperGenerator::infoPlist(options, std::nullopt);
+}
+
+TEST(WrapperPropertyList, APlainCloneHasExactlyTheTenFixedKeys) {
+    EXPECT_EQ(infoPlist(plainOptions()), (PropertyListDictionary{
+                                             {"CFBundleName", "Work"},
+                                             {"CFBundleDisplayName", "Work"},
+                                             {"CFBundleIdentifier", "app.quorvel.instance.test"},
+                                             {"CFBundleExecutable", "runner"},
+                                             {"CFBundlePackageType", "APPL"},
+                                             {"CFBundleInfoDictionaryVersion", "6.0"},
+                                             {"CFBundleShortVersionString", "1.0"},
+                                             {"CFBundleVersion", "1"},
+                                             {"LSMinimumSystemVersion", "13.0"},
+                                             {"NSHighResolutionCapable", true},
+                                         }));
+}
+
+TEST(WrapperPropertyList, AnInstalledIconIsNamed) {
+    EXPECT_EQ(WrapperGenerator::infoPlist(plainOptions(), "AppIcon").at("CFBundleIconFile"),
+              "AppIcon");
+}
+
+TEST(WrapperPropertyList, AHiddenWrapperIsAnAgent) {
+    WrapperGenerator::Options options = plainOptions();
+    options.hideWrapperIcon = true;
+    EXPECT_EQ(infoPlist(options).at("LSUIElement"), true);
+}
+
+TEST(WrapperPropertyList, ABrowserDeclaresTheWebsSchemesUnderItsIdentifier) {
+    WrapperGenerator::Options options = plainOptions();
+    options.config.registerAsBrowser = true;
+    const PropertyListArray expected{PropertyListDictionary{
+        {"CFBundleURLName", "app.quorvel.instance.test"},
+        {"CFBundleURLSchemes", PropertyListArray{"http", "https"}},
+    }};
+    EXPECT_EQ(infoPlist(options).at("CFBundleURLTypes"), expected);
+}
+
+TEST(WrapperPropertyList, PassthroughOffersToViewAnyDocument) {
+    WrapperGenerator::Options options = plainOptions();
+    options.config.openWithPassthrough = true;
+    const PropertyListArray expected{PropertyListDictionary{
+        {"CFBundleTypeName", "All Files"},
+        {"LSItemContentTypes", PropertyListArray{"public.data", "public.content"}},
+        {"CFBundleTypeRole", "Viewer"},
+        {"LSHandlerRank", "Alternate"},
+    }};
+    EXPECT_EQ(infoPlist(options).at("CFBundleDocumentTypes"), expected);
+}
+
+TEST(WrapperPropertyList, OverridesReplaceEverything) {
+    WrapperGenerator::Options options = plainOptions();
+    options.hideWrapperIcon = true;
+    options.config.infoPlistOverrides = {
+        {"LSUIElement", "no"},
+        {"NSHighResolutionCapable", "NO"},
+        {"CFBundleVersion", "42"},
+        {"LSMinimumSystemVersion", "12.0"},
+        {"CFBundleIdentifier", "other"},
+        {"CFBundleExecutable", "x"},
+        {"", "an empty key"},
+        {"New", "yes"},
+    };
+    const PropertyListDictionary info = infoPlist(options);
+    EXPECT_EQ(info.at("LSUIElement"), false);
+    EXPECT_EQ(info.at("NSHighResolutionCapable"), false);
+    EXPECT_EQ(info.at("CFBundleVersion"), std::int64_t{42});
+    EXPECT_EQ(info.at("LSMinimumSystemVersion"), "12.0");
+    EXPECT_EQ(info.at("CFBundleIdentifier"), "other");
+    EXPECT_EQ(info.at("CFBundleExecutable"), "x");
+    EXPECT_EQ(info.at(""), "an empty key");
+    EXPECT_EQ(info.at("New"), true);
+}
+
+TEST(WrapperPropertyList, AnOverriddenIdentifierLeavesTheConfigurationAlone) {
+    const TemporaryFolder folder;
+    const TemporaryHome home;
+    write(folder / "runner", "");
+    WrapperGenerator::Options options = plainOptions();
+    options.config.kind = ShortcutKind::web;
+    options.runnerBinary = folder / "runner";
+    options.config.infoPlistOverrides = {{"CFBundleIdentifier", "other"}};
+    const auto wrapper = WrapperGenerator().generate(folder.path(), options);
+    EXPECT_EQ(
+        PropertyList::readDictionary(wrapper / "Contents/Info.plist")->at("CFBundleIdentifier"),
+        "other");
+    EXPECT_EQ(InstanceConfig::read(wrapper / "Contents/Resources/instance.json")->bundleId,
+              "app.quorvel.instance.test");
+}
+
+TEST(WrapperPropertyList, WordsForTrueAndFalseAreBooleans) {
+    for (const char* text : {"true", "YES", " Yes\t", "True"}) {
+        EXPECT_EQ(coerced(text), true) << text;
+    }
+    for (const char* text : {"false", "NO", " no ", "False"}) {
+        EXPECT_EQ(coerced(text), false) << text;
+    }
+}
+
+TEST(WrapperPropertyList, WholeNumbersAreIntegers) {
+    EXPECT_EQ(coerced("42"), std::int64_t{42});
+    EXPECT_EQ(coerced(" 7 "), std::int64_t{7});
+    EXPECT_EQ(coerced("-7"), std::int64_t{-7});
+    EXPECT_EQ(coerced("+7"), std::int64_t{7});
+    EXPECT_EQ(coerced("007"), std::int64_t{7});
+    EXPECT_EQ(coerced("9223372036854775807"), std::numeric_limits<std::int64_t>::max());
+    EXPECT_EQ(coerced("-9223372036854775808"), std::numeric_limits<std::int64_t>::min());
+}
+
+TEST(WrapperPropertyList, EverythingElseStaysTheTextItIs) {
+    for (const char* text :
+         {"",     " ",      " \t", " seven ", "1.5",   "0x10", "1e3",   "9223372036854775808",
+          "-",    "+",      "+-5", "--5",     "- 5",   "1 2",  "1_000", "٣",
+          "12.0", "truely", "y",   "\n7",     "yes\n", "[1]"}) {
+        EXPECT_EQ(coerced(text), text) << text;
+    }
+}
+
+} // namespace
+} // namespace quorvel

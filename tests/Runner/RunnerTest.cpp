@@ -1,0 +1,266 @@
+// The real runner inside real wrappers.
+#include "LaunchKit/WrapperGenerator.h"
+#include "Platform/FileSystem.h"
+#include "Platform/Process.h"
+#include "tests/support/AppBundles.h"
+#include "tests/support/TemporaryHome.h"
+#include "tests/support/Waiting.h"
+
+#include <csignal>
+#include <fcntl.h>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+namespace quorvel {
+namespace {
+
+using namespace testing;
+using namespace std::string_literals;
+using ::testing::HasSubstr;
+namespace fs = std::filesystem;
+
+class Runner : public ::testing::Test {
+protected:
+    [[nodiscard]] fs::path at(std::string_view name) const { return folder_ / name; }
+    [[nodiscard]] fs::path cloneHome() const { return home_ / "I"; }
+    [[nodiscard]] fs::path errors() const { return at("errors"); }
+    [[nodiscard]] std::string log() const { return read(cloneHome() / "quorvel-instance.log"); }
+
+    [[nodiscard]] InstanceConfig appConfig(std::vector<std::string> steps) const {
+        InstanceConfig config = minimalConfig();
+        config.instanceHome = "~/I";
+        config.targetAppPath = at("Thing.app");
+        config.extraArgs = std::move(steps);
+        if (!fs::exists(at("Thing.app"))) {
+            makeAppBundle(at("Thing.app"));
+        }
+        return config;
+    }
+
+    [[nodiscard]] InstanceConfig webConfig() const {
+        InstanceConfig config = minimalConfig();
+        config.kind = ShortcutKind::web;
+        config.instanceHome = "~/I";
+        return config;
+    }
+
+    [[nodiscard]] fs::path wrapper(const InstanceConfig& config) const {
+        WrapperGenerator::Options options;
+        options.config = config;
+        options.runnerBinary = runnerProgram();
+        return WrapperGenerator().generate(home_ / "Applications", options);
+    }
+
+    [[nodiscard]] Process start(const fs::path& bundle,
+                                const std::vector<std::string>& documents = {}) const {
+        const FileHandle file(
+            ::open(errors().c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600));
+        Process::Options options;
+        options.executable = bundle / "Contents/MacOS/runner";
+        options.arguments = documents;
+        options.standardOutput = Process::ToFile{file.descriptor()};
+        options.standardError = Process::ToFile{file.descriptor()};
+        return Process::run(options);
+    }
+
+    int run(const InstanceConfig& config, const std::vector<std::string>& documents = {}) const {
+        return start(wrapper(config), documents).waitUntilExit();
+    }
+
+    TemporaryFolder folder_;
+    TemporaryHome home_;
+};
+
+TEST_F(Runner, EndsWithTheStatusOfItsTarget) {
+    EXPECT_EQ(run(appConfig({"exit", "0"})), 0);
+    EXPECT_EQ(run(appConfig({"exit", "7"})), 7);
+    EXPECT_EQ(run(appConfig({"exit", "255"})), 255);
+}
+
+TEST_F(Runner, ASignalThatEndsTheTargetIsAddedTo128) {
+    EXPECT_EQ(run(appConfig({"signal", "9"})), 128 + 9);
+    EXPECT_EQ(run(appConfig({"signal", "15"})), 128 + 15);
+}
+
+TEST_F(Runner, StaysAliveAsLongAsItsTarget) {
+    Process runner = start(wrapper(appConfig({"write", at("started"), "x", "wait"})));
+    ASSERT_TRUE(waitFor([&] { return fs::exists(at("started")); }));
+    EXPECT_TRUE(runner.isRunning());
+    runner.terminate();
+    EXPECT_EQ(runner.waitUntilExit(), 128 + SIGTERM);
+}
+
+class RunnerSignals : public Runner, public ::testing::WithParamInterface<int> {};
+
+TEST_P(RunnerSignals, ArePassedOnToTheTarget) {
+    Process runner =
+        start(wrapper(appConfig({"trap", "~/caught", "write", at("ready"), "x", "wait"})));
+    ASSERT_TRUE(waitFor([&] { return fs::exists(at("ready")); }));
+    runner.sendSignal(GetParam());
+    EXPECT_EQ(runner.waitUntilExit(), 0) << "the target handled it and ended well";
+    EXPECT_EQ(read(cloneHome() / "caught"), std::to_string(GetParam()));
+}
+
+INSTANTIATE_TEST_SUITE_P(Every, RunnerSignals, ::testing::Values(SIGTERM, SIGINT, SIGHUP));
+
+TEST_F(Runner, SeveralSignalsInARowReachATargetThatGoesOn) {
+    InstanceConfig config = minimalConfig();
+    config.kind = ShortcutKind::command;
+    config.instanceHome = "~/I";
+    config.commandPath = "/bin/sh";
+    config.commandArgs = {"-c", "n=0; trap 'n=$((n+1)); echo $n > " + at("count").string() +
+                                    "' HUP; echo x > " + at("ready").string() +
+                                    "; while [ $n -lt 2 ]; do sleep 0.05; done; exit 3"};
+    Process runner = start(wrapper(config));
+    ASSERT_TRUE(waitFor([&] { return fs::exists(at("ready")); }));
+    runner.sendSignal(SIGHUP);
+    ASSERT_TRUE(waitFor([&] { return read(at("count")) == "1\n"; }));
+    EXPECT_TRUE(runner.isRunning());
+    runner.sendSignal(SIGHUP);
+    EXPECT_EQ(runner.waitUntilExit(), 3);
+}
+
+TEST_F(Runner, TellsTheStatusEvenWhereItsStarterIgnoresChildren) {
+    const fs::path bundle = wrapper(appConfig({"exit", "7"}));
+    Process::Options options;
+    options.executable = "/bin/sh";
+    options.arguments = {"-c", "trap '' CHLD HUP; \"$0\"; exit $?",
+                         bundle / "Contents/MacOS/runner"};
+    EXPECT_EQ(Process::run(options).waitUntilExit(), 7);
+}
+
+TEST_F(Runner, GivesTheTargetItsHomeAndItsLog) {
+    EXPECT_EQ(run(appConfig({"environment", "complain", "complained"})), 0);
+    EXPECT_THAT(log(), HasSubstr("\nHOME=" + cloneHome().string() + "\n"));
+    EXPECT_THAT(log(), HasSubstr("CFFIXED_USER_HOME=" + cloneHome().string() + "\n"));
+    EXPECT_THAT(log(), HasSubstr("complained\n"));
+    EXPECT_EQ(read(errors()), "");
+}
+
+TEST_F(Runner, TheTargetGetsNoDescriptorOfTheRunner) {
+    EXPECT_EQ(run(appConfig({"descriptors"})), 0);
+    EXPECT_EQ(log(), "0\n1\n2\n");
+}
+
+TEST_F(Runner, DocumentsStayBehindUnlessTheCloneTakesThem) {
+    EXPECT_EQ(run(appConfig({"arguments", "own"}), {"/doc"}), 0);
+    EXPECT_EQ(log(), "1\nown\n");
+}
+
+TEST_F(Runner, DocumentsFollowTheConfiguredArgumentsAsTheyAre) {
+    InstanceConfig config = appConfig({"arguments", "{{instanceHome}}"});
+    config.openWithPassthrough = true;
+    EXPECT_EQ(run(config, {"/a b", "{{instanceHome}}", "~", "--flag"}), 0);
+    EXPECT_EQ(log(), "5\n" + cloneHome().string() + "\n/a b\n{{instanceHome}}\n~\n--flag\n");
+}
+
+TEST_F(Runner, AddressesReachACloneThatIsABrowser) {
+    InstanceConfig config = appConfig({"arguments"});
+    config.registerAsBrowser = true;
+    EXPECT_EQ(run(config, {"https://example.com/?a=b&c"}), 0);
+    EXPECT_EQ(log(), "1\nhttps://example.com/?a=b&c\n");
+}
+
+TEST_F(Runner, RunsACommand) {
+    InstanceConfig config = minimalConfig();
+    config.kind = ShortcutKind::command;
+    config.instanceHome = "~/I";
+    config.openWithPassthrough = true;
+    config.commandPath = helperProgram();
+    config.commandArgs = {"arguments", "{{instanceHome}}"};
+    EXPECT_EQ(run(config, {"/doc"}), 0);
+    EXPECT_EQ(log(), "1\n" + cloneHome().string() + "\n") << "a command takes no documents";
+}
+
+TEST_F(Runner, AWebCloneSaysThatItsHostIsMissingHereAndInTheLog) {
+    EXPECT_EQ(run(webConfig()), 69);
+    const std::string line = "quorvel-runner: the web host for “Work” is not installed\n";
+    EXPECT_EQ(read(errors()), line);
+    EXPECT_EQ(log(), line);
+    EXPECT_EQ(run(webConfig()), 69);
+    EXPECT_EQ(log(), line + line) << "the log is continued";
+}
+
+TEST_F(Runner, AWebCloneWithoutARoomForItsLogSaysItHere) {
+    write(home_ / "I", "a file");
+    EXPECT_EQ(run(webConfig()), 69);
+    EXPECT_THAT(read(errors()), HasSubstr("is not installed"));
+}
+
+TEST_F(Runner, AMessageIsOneLineWhateverTheName) {
+    const fs::path bundle = wrapper(webConfig());
+    InstanceConfig config = webConfig();
+    config.displayName = "two\nlines\x1B[31m\r\x7F";
+    write(bundle / "Contents/Resources/instance.json", config.json());
+    EXPECT_EQ(start(bundle).waitUntilExit(), 69);
+    EXPECT_EQ(read(errors()),
+              "quorvel-runner: the web host for “two lines [31m  ” is not installed\n");
+    EXPECT_EQ(log(), read(errors()));
+}
+
+TEST_F(Runner, WithoutAReadableConfigurationItSaysSoAndEnds) {
+    const fs::path bundle = wrapper(webConfig());
+    const fs::path file = bundle / "Contents/Resources/instance.json";
+    const auto expectRefused = [&](const char* what) {
+        EXPECT_EQ(start(bundle).waitUntilExit(), 78) << what;
+        EXPECT_EQ(read(errors()),
+                  "quorvel-runner: no readable configuration at " + file.string() + "\n")
+            << what;
+        fs::remove_all(file);
+    };
+    write(file, "{}");
+    expectRefused("an empty object");
+    expectRefused("no file");
+    ::mkfifo(file.c_str(), 0600);
+    expectRefused("a FIFO");
+    fs::create_directory(file);
+    expectRefused("a folder");
+    fs::create_symlink(file, file);
+    expectRefused("a link to itself");
+    write(file, std::string(100'000, '['));
+    expectRefused("endless nesting");
+    write(file, webConfig().json());
+    fs::resize_file(file, std::uintmax_t{100} << 20U);
+    expectRefused("100 MiB");
+}
+
+TEST_F(Runner, ATargetThatCantStartIsToldHereAndInTheLog) {
+    const InstanceConfig config = appConfig({});
+    const fs::path bundle = wrapper(config);
+    fs::remove(at("Thing.app/Contents/MacOS/Thing"));
+    EXPECT_EQ(start(bundle).waitUntilExit(), 71);
+    EXPECT_EQ(read(errors()),
+              "quorvel-runner: “Thing” couldn’t be started: no such file or directory\n");
+    EXPECT_EQ(log(), read(errors()));
+}
+
+TEST_F(Runner, ATargetThatIsGoneIsToldHereAndInTheLog) {
+    const fs::path bundle = wrapper(appConfig({}));
+    fs::remove_all(at("Thing.app"));
+    EXPECT_EQ(start(bundle).waitUntilExit(), 71);
+    EXPECT_EQ(read(errors()),
+              "quorvel-runner: Not a readable .app bundle: " + at("Thing.app").string() + "\n");
+    EXPECT_EQ(log(), read(errors()));
+}
+
+TEST_F(Runner, AnUnsupportedAppIsRefused) {
+    InstanceConfig config = appConfig({});
+    config.strategy = Strategy::unsupported;
+    EXPECT_EQ(run(config), 71);
+    EXPECT_EQ(read(errors()), "quorvel-runner: App not clonable: com.example.Thing\n");
+}
+
+TEST_F(Runner, FindsItsOwnWrapperThroughLinksAndFromAnywhere) {
+    const fs::path bundle = wrapper(appConfig({"print", "found"}));
+    fs::rename(bundle, at("Moved elsewhere.app"));
+    fs::create_symlink(at("Moved elsewhere.app/Contents/MacOS/runner"), at("shortcut"));
+    Process::Options options;
+    options.executable = at("shortcut");
+    options.directory = "/";
+    EXPECT_EQ(Process::run(options).waitUntilExit(), 0);
+    EXPECT_EQ(log(), "found\n");
+}
+
+} // namespace
+} // namespace quorvel
