@@ -15,8 +15,10 @@
 namespace quorvel {
 namespace {
 
-// Of zlib's levels, the one behind which files shrink little while time grows fast.
+// Of zlib's ten levels, the one behind which files shrink little while time grows fast, on the
+// scale from 0 to 100 that Qt divides again.
 constexpr int compressionLevel = 5;
+constexpr int compression = (compressionLevel * 100 + 8) / 9;
 
 constexpr std::array<std::pair<int, std::string_view>, 7> chunkTypes{{
     {1024, "ic10"},
@@ -67,7 +69,7 @@ std::string pngBytes(const QImage& image) {
     QBuffer buffer(&bytes);
     buffer.open(QIODevice::WriteOnly);
     QImageWriter writer(&buffer, "png");
-    writer.setCompression(compressionLevel);
+    writer.setCompression(compression);
     if (!writer.write(image)) {
         return {};
     }
