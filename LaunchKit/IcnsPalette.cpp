@@ -35,7 +35,7 @@ constexpr std::array<std::uint32_t, 256> systemColours() {
 const std::array<std::uint32_t, 16>& icnsColours16() {
     static constexpr std::array<std::uint32_t, 16> colours{
         0xFFFFFFFF, 0xFFFCF305, 0xFFFF6402, 0xFFDD0806, 0xFFF20884, 0xFF4600A5,
-        0xFF0000D4, 0xFF02ABEA, 0xFF1FB714, 0xFF006412, 0xFF562C05, 0xFF90713A,
+        0xFF0000D4, 0xFF02ABEA, 0xFF1FB714, 0xFF006411, 0xFF562C05, 0xFF90713A,
         0xFFC0C0C0, 0xFF808080, 0xFF404040, 0xFF000000};
     return colours;
 }

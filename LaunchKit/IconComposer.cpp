@@ -7,8 +7,6 @@
 #include "LaunchKit/LabelText.h"
 #include "Platform/FileSystem.h"
 
-#include <QPainter>
-
 #include <algorithm>
 #include <array>
 #include <future>
@@ -20,10 +18,6 @@ namespace {
 constexpr std::array sides{1024, 512, 256, 128, 64, 32, 16};
 using Chunks = std::array<std::string, sides.size()>;
 
-QImage scaled(const QImage& source, int side) {
-    return source.scaled(side, side, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
-}
-
 struct Drawing {
     QImage source;
     LabelText text;
@@ -33,7 +27,9 @@ struct Drawing {
 
 // The encoded image of that side; empty when it can't be made.
 std::string badgedChunk(const Drawing& drawing, int side) {
-    QImage icon = scaled(drawing.source, side).convertToFormat(QImage::Format_ARGB32_Premultiplied);
+    // Qt takes the mean of each area, of premultiplied values.
+    QImage icon = drawing.source.scaled(side, side, Qt::IgnoreAspectRatio, Qt::SmoothTransformation)
+                      .convertToFormat(QImage::Format_ARGB32_Premultiplied);
     if (icon.isNull()) {
         return {};
     }

@@ -3,6 +3,8 @@
 #include "Platform/Text.h"
 
 #include <QFont>
+#include <QFontDatabase>
+#include <QFontInfo>
 #include <QGlyphRun>
 #include <QRawFont>
 #include <QString>
@@ -21,13 +23,42 @@ namespace {
 // Large enough that positions, kept in 64ths of a pixel, are exact on the largest icon.
 constexpr int layoutFontSize = 256;
 
-QFont labelFont() {
-    QFont font(QStringLiteral("Helvetica"));
+QFont fontOf(const QString& family) {
+    QFont font(family);
     font.setStyleHint(QFont::SansSerif);
     font.setWeight(QFont::Bold);
     font.setPixelSize(layoutFontSize);
     font.setHintingPreference(QFont::PreferNoHinting);
     return font;
+}
+
+// Whether a font asked for is an upright bold one that knows how its letters fit together.
+bool isKernedBold(const QFont& font) {
+    const QRawFont raw = QRawFont::fromFont(font);
+    if (raw.style() != QFont::StyleNormal || raw.weight() < QFont::DemiBold) {
+        return false;
+    }
+    return !raw.fontTable("GPOS").isEmpty() || !raw.fontTable("kern").isEmpty();
+}
+
+// Some systems have the same face from several foundries, of which older ones lack kerning.
+QString labelFamily() {
+    const QString named = QStringLiteral("Helvetica");
+    if (isKernedBold(fontOf(named))) {
+        return named;
+    }
+    const QString found = QFontInfo(fontOf(named)).family().section(QStringLiteral(" ["), 0, 0);
+    for (const QString& family : QFontDatabase::families()) {
+        if (family.startsWith(found + QStringLiteral(" [")) && isKernedBold(fontOf(family))) {
+            return family;
+        }
+    }
+    return named;
+}
+
+QFont labelFont() {
+    static const QString family = labelFamily();
+    return fontOf(family);
 }
 
 QString singleLine(std::string_view text) {
@@ -81,7 +112,7 @@ LabelText labelText(std::string_view text) {
     option.setUseDesignMetrics(true);
     layout.setTextOption(option);
     layout.beginLayout();
-    layout.createLine();
+    const QTextLine line = layout.createLine();
     layout.endLayout();
     LabelText result;
     result.fontSize = layoutFontSize;
@@ -89,6 +120,7 @@ LabelText labelText(std::string_view text) {
     for (const QGlyphRun& run : layout.glyphRuns()) {
         addOutlines(run, result.outlines);
     }
+    result.outlines.translate(0, -line.ascent());
     result.box = result.outlines.boundingRect();
     return result;
 }
