@@ -1,6 +1,7 @@
 #include "CommandLine/CommandLine.h"
 
 #include "CommandLine/CloneCommands.h"
+#include "CommandLine/IconCommand.h"
 #include "CommandLine/TerminalText.h"
 
 #include <CLI/CLI.hpp>
@@ -18,6 +19,7 @@ struct Words {
     std::vector<std::string> searchDirs{};
     CreateOptions create{};
     DeleteOptions remove{};
+    IconOptions icon{};
     bool json = false;
 };
 
@@ -94,6 +96,17 @@ void addCreateOptions(CLI::App& create, CreateOptions& o) {
     create.add_flag("--launch", o.launch, "Open the clone at once");
 }
 
+void addIconOptions(CLI::App& icon, IconOptions& o) {
+    icon.add_option("SOURCE", o.source, "An icon, or any image")->required()->type_name("");
+    icon.add_flag("--list", o.list, "Show the images in the icon instead");
+    icon.add_option("--label", o.label, "The text to draw")->type_name("TEXT");
+    icon.add_option("--color", o.color, "Its colour (default: #FFFFFF)")->type_name("HEX");
+    icon.add_option("--position", o.position, "Where it sits: bottom, center or top")
+        ->type_name("P")
+        ->check(CLI::IsMember({"bottom", "center", "top"}).description(""));
+    icon.add_option("--output", o.output, "The icon to write")->type_name("FILE");
+}
+
 void addCommands(CLI::App& program, Words& words, Command& chosen, const Surroundings& with) {
     addCommand(program, "inspect", "Show the facts about an application", words, chosen,
                [&] { inspectCommand(with, words.operand, words.json); })
@@ -125,6 +138,9 @@ void addCommands(CLI::App& program, Words& words, Command& chosen, const Surroun
                                words, chosen,
                                [&] { migrateCommand(with, words.operand, words.json); }),
                     words);
+    addIconOptions(addCommand(program, "icon", "Draw a text onto an icon", words, chosen,
+                              [&] { iconCommand(with, words.icon, words.json); }),
+                   words.icon);
 }
 
 // The usage of the command that was typed, or of the whole when none was.

@@ -1,7 +1,9 @@
 #include "LaunchKit/WrapperGenerator.h"
 
+#include "LaunchKit/IconComposer.h"
 #include "LaunchKit/InstanceRegistry.h"
 #include "Platform/FileSystem.h"
+#include "Platform/Text.h"
 
 namespace quorvel {
 namespace fs = std::filesystem;
@@ -28,8 +30,26 @@ std::optional<fs::path> iconSource(const WrapperGenerator::Options& options,
     return itemExists(icon) ? std::optional(std::move(icon)) : std::nullopt;
 }
 
-void installIcon(const fs::path& source, const fs::path& resources) {
-    copyFile(source, resources / "AppIcon.icns");
+// False when there is nothing to draw, or when that fails.
+bool installBadgedIcon(const fs::path& source, const std::optional<IconLabel>& label,
+                       const fs::path& destination) {
+    if (!label || Text::trimmingWhitespace(label->text).empty()) {
+        return false;
+    }
+    try {
+        IconComposer::compose(source, *label, destination);
+        return true;
+    } catch (const IconComposer::ComposeError&) {
+        return false;
+    }
+}
+
+void installIcon(const fs::path& source, const std::optional<IconLabel>& label,
+                 const fs::path& resources) {
+    const fs::path destination = resources / "AppIcon.icns";
+    if (!installBadgedIcon(source, label, destination)) {
+        copyFile(source, destination);
+    }
 }
 
 void installRunner(const fs::path& runner, const fs::path& destination) {
@@ -84,7 +104,7 @@ fs::path WrapperGenerator::generate(const fs::path& directory, const Options& op
     installRunner(options.runnerBinary, contents / "MacOS" / "runner");
     writeFile(instanceConfigFile(wrapper), json);
     if (icon) {
-        installIcon(*icon, resources);
+        installIcon(*icon, options.config.iconLabel, resources);
     }
     writeFile(contents / "Info.plist", info);
     writeFile(contents / "PkgInfo", "APPL????");

@@ -20,7 +20,7 @@ _quorvelctl() {
       mapfile -t COMPREPLY < <(compgen -W \
         "home-override container-redirect wrapper-identity unsupported" -- "$current")
       return ;;
-    --label-position)
+    --label-position | --position)
       mapfile -t COMPREPLY < <(compgen -W "bottom center top" -- "$current"); return ;;
     --workdir | --home | --output | --search-dir)
       mapfile -t COMPREPLY < <(compgen -d -- "$current"); return ;;
@@ -29,7 +29,7 @@ _quorvelctl() {
   esac
   case $command in
     "") mapfile -t COMPREPLY < <(compgen -W \
-      "inspect list show create open delete migrate --help --version" -- "$current"); return ;;
+      "inspect list show create open delete migrate icon --help --version" -- "$current"); return ;;
     inspect) options="--help --json" ;;
     list) options="--help --json --search-dir" ;;
     show) options="--help --json" ;;
@@ -37,11 +37,12 @@ _quorvelctl() {
     open) options="--help --json" ;;
     delete) options="--help --json --including-data --yes" ;;
     migrate) options="--help --json" ;;
+    icon) options="--help --json --list --label --color --position --output" ;;
   esac
   if [[ $current == -* ]]; then
     mapfile -t COMPREPLY < <(compgen -W "$options" -- "$current")
-  elif [ "$command" = inspect ]; then
-    mapfile -t COMPREPLY < <(compgen -d -- "$current")
+  elif [ "$command" = inspect ] || [ "$command" = icon ]; then
+    mapfile -t COMPREPLY < <(compgen -f -- "$current")
   elif [ "$command" != list ] && [ "$command" != create ]; then
     local IFS=$'\n'
     mapfile -t COMPREPLY < <(compgen -W "$(_quorvelctl_clones)" -- "$current")

@@ -42,7 +42,8 @@ TEST(CommandLine, AnUnknownOptionIsWrongUsageOfItsCommand) {
 
 TEST(CommandLine, EveryCommandHasHelp) {
     CommandLineHarness harness;
-    for (const char* command : {"inspect", "list", "show", "create", "open", "delete", "migrate"}) {
+    for (const char* command :
+         {"inspect", "list", "show", "create", "open", "delete", "migrate", "icon"}) {
         const CommandResult result = harness.run({command, "--help"});
         EXPECT_EQ(result.status, 0) << command;
         EXPECT_EQ(result.errors, "") << command;

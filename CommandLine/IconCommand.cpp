@@ -1,0 +1,76 @@
+#include "CommandLine/IconCommand.h"
+
+#include "CommandLine/CloneLookup.h"
+#include "CommandLine/CloneTexts.h"
+#include "CommandLine/TerminalText.h"
+#include "LaunchKit/IconComposer.h"
+#include "Platform/UserPaths.h"
+
+#include <nlohmann/json.hpp>
+
+#include <filesystem>
+#include <ostream>
+
+namespace quorvel {
+namespace {
+
+std::filesystem::path fileAt(const std::string& text) {
+    return UserPaths::expandTilde(absolutePath(text).string());
+}
+
+nlohmann::json jsonForm(const std::vector<IcnsEntry>& entries) {
+    nlohmann::json list = nlohmann::json::array();
+    for (const IcnsEntry& entry : entries) {
+        list.push_back({{"type", entry.type},
+                        {"encoding", rawString(entry.encoding)},
+                        {"width", entry.width},
+                        {"height", entry.height}});
+    }
+    return list;
+}
+
+void listIcon(const Surroundings& with, const std::filesystem::path& source, bool json) {
+    const auto file = IcnsFile::read(source);
+    if (!file) {
+        throw CommandError("Not an icon container (.icns): " + source.string());
+    }
+    with.output << (json ? document(jsonForm(file->entries())) : listing(file->entries()));
+}
+
+void composeIcon(const Surroundings& with, const IconOptions& options, bool json) {
+    const auto position = iconLabelPositionFromRawString(options.position);
+    if (!position || options.output.empty()) {
+        throw UsageError(position ? "An icon needs --output FILE or --list."
+                                  : "--position is bottom, center or top.");
+    }
+    const std::filesystem::path output = fileAt(options.output);
+    IconComposer::compose(fileAt(options.source), {options.label, options.color, *position},
+                          output);
+    const std::string path = output.string();
+    with.output << (json ? document({{"icon", path}})
+                         : (with.outputIsTerminal ? terminalText(path) : path) + "\n");
+}
+
+} // namespace
+
+std::string listing(const std::vector<IcnsEntry>& entries) {
+    constexpr std::size_t encodingWidth = 10;
+    std::string text;
+    for (const IcnsEntry& entry : entries) {
+        std::string encoding(rawString(entry.encoding));
+        encoding.resize(encodingWidth, ' ');
+        text += entry.type + "  " + encoding + std::to_string(entry.width) + " x " +
+                std::to_string(entry.height) + "\n";
+    }
+    return text;
+}
+
+void iconCommand(const Surroundings& with, const IconOptions& options, bool json) {
+    if (options.list) {
+        listIcon(with, fileAt(options.source), json);
+    } else {
+        composeIcon(with, options, json);
+    }
+}
+
+} // namespace quorvel

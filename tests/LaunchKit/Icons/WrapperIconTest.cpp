@@ -1,0 +1,129 @@
+#include "LaunchKit/IcnsFile.h"
+#include "LaunchKit/WrapperGenerator.h"
+#include "Platform/PlatformError.h"
+#include "tests/support/AppBundles.h"
+#include "tests/support/IcnsBuilder.h"
+#include "tests/support/IconArtwork.h"
+#include "tests/support/TemporaryHome.h"
+
+#include <gtest/gtest.h>
+
+#include <csignal>
+#include <filesystem>
+#include <sys/resource.h>
+
+namespace quorvel::testing {
+namespace {
+
+namespace fs = std::filesystem;
+
+class WrapperIcon : public ::testing::Test {
+protected:
+    WrapperIcon() {
+        write(folder_ / "runner", "#!/bin/sh\n");
+        options_.runnerBinary = folder_ / "runner";
+        options_.config = minimalConfig();
+        options_.config.kind = ShortcutKind::web;
+        write(folder_ / "custom.icns", plain_);
+    }
+
+    void cloneAnAppWithIcon() {
+        const fs::path app =
+            makeAppBundle(folder_ / "Target.app", {{"CFBundleIconFile", std::string("Target")}});
+        write(app / "Contents/Resources/Target.icns", plain_);
+        options_.config.kind = ShortcutKind::app;
+        options_.config.targetAppPath = app.string();
+    }
+
+    void label(std::string text) {
+        options_.config.iconLabel = IconLabel{std::move(text), "#FFFFFF", IconLabel::Position::top};
+    }
+
+    fs::path generatedIcon() {
+        const fs::path wrapper = WrapperGenerator().generate(folder_ / "out", options_);
+        return wrapper / "Contents/Resources/AppIcon.icns";
+    }
+
+    TemporaryFolder folder_;
+    std::string plain_ = icnsOf({icnsEntry("ic07", pngOf(chatIcon(128)))});
+    WrapperGenerator::Options options_;
+};
+
+TEST_F(WrapperIcon, isTheTargetsOwnWithoutALabel) {
+    cloneAnAppWithIcon();
+    EXPECT_EQ(read(generatedIcon()), plain_);
+}
+
+TEST_F(WrapperIcon, isBadgedWithALabel) {
+    cloneAnAppWithIcon();
+    label("Work");
+    const auto icon = IcnsFile::read(generatedIcon());
+    ASSERT_TRUE(icon);
+    EXPECT_EQ(icon->entries().size(), 7U);
+}
+
+TEST_F(WrapperIcon, isTheCustomOneBadgedWithALabel) {
+    cloneAnAppWithIcon();
+    label("Work");
+    const std::string badgedTarget = read(generatedIcon());
+    write(folder_ / "custom.icns", icnsOf({icnsEntry("ic07", pngOf(planetIcon(128)))}));
+    options_.customIcon = folder_ / "custom.icns";
+    const std::string badgedCustom = read(generatedIcon());
+    ASSERT_TRUE(IcnsFile::parse(badgedCustom));
+    EXPECT_EQ(IcnsFile::parse(badgedCustom)->entries().size(), 7U);
+    EXPECT_NE(badgedCustom, badgedTarget);
+}
+
+TEST_F(WrapperIcon, isAPlainCopyForALabelOfSpacesAndTabs) {
+    options_.customIcon = folder_ / "custom.icns";
+    for (const char* text : {"", " ", "\t \t", "\u00A0"}) {
+        label(text);
+        EXPECT_EQ(read(generatedIcon()), plain_);
+    }
+}
+
+TEST_F(WrapperIcon, isRedrawnForALabelOfLineBreaks) {
+    options_.customIcon = folder_ / "custom.icns";
+    label("\n");
+    EXPECT_EQ(IcnsFile::read(generatedIcon())->entries().size(), 7U);
+}
+
+TEST_F(WrapperIcon, isAPlainCopyWhenDrawingFails) {
+    write(folder_ / "custom.icns", "no image at all");
+    options_.customIcon = folder_ / "custom.icns";
+    label("Work");
+    EXPECT_EQ(read(generatedIcon()), "no image at all");
+}
+
+TEST_F(WrapperIcon, isMissingWithoutASourceEvenWithALabel) {
+    label("Work");
+    const fs::path icon = generatedIcon();
+    EXPECT_FALSE(fs::exists(icon));
+    EXPECT_EQ(read(icon.parent_path().parent_path() / "Info.plist").find("CFBundleIconFile"),
+              std::string::npos);
+}
+
+TEST_F(WrapperIcon, failsOnWhatAFailedDrawingLeftBehind) {
+    options_.customIcon = folder_ / "custom.icns";
+    label("Work");
+    // Files of more than 16 KiB can't be written here, so that the drawn icon stays a part.
+    ::signal(SIGXFSZ, SIG_IGN);
+    rlimit old{};
+    ::getrlimit(RLIMIT_FSIZE, &old);
+    const rlimit small{16384, old.rlim_max};
+    ::setrlimit(RLIMIT_FSIZE, &small);
+    std::optional<fs::path> failed;
+    try {
+        (void)generatedIcon();
+    } catch (const PlatformError& error) {
+        failed = error.path();
+    }
+    ::setrlimit(RLIMIT_FSIZE, &old);
+    ASSERT_TRUE(failed);
+    const fs::path contents = folder_ / "out/Work.app/Contents";
+    EXPECT_TRUE(fs::exists(contents / "Resources/AppIcon.icns"));
+    EXPECT_FALSE(fs::exists(contents / "Info.plist")) << "the rest is not written";
+}
+
+} // namespace
+} // namespace quorvel::testing

@@ -1,0 +1,17 @@
+#pragma once
+
+#include <QImage>
+
+#include <array>
+
+/// Application icons of our own, drawn at any size: what real icons look like.
+namespace quorvel::testing {
+
+[[nodiscard]] QImage chatIcon(int side);   ///< a saturated rounded square with a white bubble
+[[nodiscard]] QImage paperIcon(int side);  ///< almost white, with fine lines
+[[nodiscard]] QImage planetIcon(int side); ///< a dark disc with a ring, much of it transparent
+
+using IconArtist = QImage (*)(int side);
+inline constexpr std::array<IconArtist, 3> iconArtists{chatIcon, paperIcon, planetIcon};
+
+} // namespace quorvel::testing
