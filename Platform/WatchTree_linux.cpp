@@ -292,6 +292,9 @@ void WatchTree::reportFound(const std::string& path) {
     if (!history) {
         return;
     }
+    // A rename that was not told shows only as a change of some kind.
+    const bool hasNewContent =
+        !history->isDir && (history->modified || (history->changed && !history->created));
     const std::uint32_t flags = (history->created ? FSEventFlag::itemCreated : 0) |
                                 (hasNewContent ? FSEventFlag::itemModified : 0);
     if (flags != 0) {
