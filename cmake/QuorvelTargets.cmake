@@ -31,8 +31,10 @@ target_compile_definitions(quorvel_options INTERFACE
   QT_NO_URL_CAST_FROM_STRING QT_NO_NARROWING_CONVERSIONS_IN_CONNECT QT_NO_KEYWORDS)
 if(QUORVEL_SANITIZE)
   target_compile_options(quorvel_options INTERFACE
-    -fsanitize=${QUORVEL_SANITIZE} -fno-omit-frame-pointer
-    $<$<STREQUAL:${QUORVEL_SANITIZE},address$<COMMA>undefined>:-fno-sanitize-recover=undefined>)
+    -fsanitize=${QUORVEL_SANITIZE} -fno-omit-frame-pointer)
+  if(QUORVEL_SANITIZE MATCHES "undefined")
+    target_compile_options(quorvel_options INTERFACE -fno-sanitize-recover=undefined)
+  endif()
   target_link_options(quorvel_options INTERFACE -fsanitize=${QUORVEL_SANITIZE})
 endif()
 
