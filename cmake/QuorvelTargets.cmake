@@ -38,6 +38,12 @@ if(QUORVEL_SANITIZE)
   target_link_options(quorvel_options INTERFACE -fsanitize=${QUORVEL_SANITIZE})
 endif()
 
+if(QUORVEL_FUZZERS)
+  # The fuzzer follows every branch of our code, libraries included.
+  target_compile_options(quorvel_options INTERFACE -fsanitize=fuzzer-no-link)
+  target_link_options(quorvel_options INTERFACE -fsanitize=fuzzer-no-link)
+endif()
+
 # Only the libraries that a program really uses become its dependencies: the runner stays small.
 if(APPLE)
   target_link_options(quorvel_options INTERFACE LINKER:-dead_strip LINKER:-dead_strip_dylibs)
