@@ -3,7 +3,6 @@
 #include "LaunchKit/InstanceConfigFields.h"
 #include "LaunchKit/JsonText.h"
 #include "LaunchKit/RawStrings.h"
-#include "Platform/FileSystem.h"
 #include "Platform/UserPaths.h"
 
 #include <nlohmann/json.hpp>
@@ -77,18 +76,6 @@ std::string_view rawString(IconLabel::Position position) {
 
 std::optional<IconLabel::Position> iconLabelPositionFromRawString(std::string_view text) {
     return caseIn(positions, text);
-}
-
-std::optional<InstanceConfig> InstanceConfig::read(const std::filesystem::path& file) {
-    const std::optional<std::string> bytes = readFile(file, maximumFileSize);
-    if (!bytes) {
-        return std::nullopt;
-    }
-    try {
-        return fromJson(*bytes);
-    } catch (const ConfigError&) {
-        return std::nullopt;
-    }
 }
 
 std::string InstanceConfig::json() const {

@@ -58,7 +58,7 @@ struct InstanceConfig {
 
     /// Reads the JSON form, all or nothing. Throws `ConfigError` for malformed JSON, a missing
     /// required key, a value of the wrong type, an unknown enumeration string or a repeated key.
-    [[nodiscard]] static InstanceConfig fromJson(std::string_view json);
+    [[nodiscard]] static InstanceConfig fromJson(std::string json);
 
     /// Reads a file; nothing when it can't be read or decoded, is too large or no regular file.
     [[nodiscard]] static std::optional<InstanceConfig> read(const std::filesystem::path& file);

@@ -1,18 +1,24 @@
 #include "LaunchKit/InstanceConfigFields.h"
+#include "Platform/FileSystem.h"
+#include "Platform/Utf8.h"
 
-#include <nlohmann/json.hpp>
+#include <rapidjson/error/en.h>
+#include <rapidjson/reader.h>
 
+#include <algorithm>
 #include <bitset>
+#include <utility>
 
 namespace quorvel {
 namespace {
 
-using Json = nlohmann::json;
-
 // Fills a record straight from the parser's events. No tree is built: listing thousands of clones
 // spends its time here, and a file with endless nesting costs no memory for what nobody reads.
-class ConfigReader final : public nlohmann::json_sax<Json> {
+// A false answer ends the parsing; the reason is in `problem`.
+class ConfigReader {
 public:
+    explicit ConfigReader(bool checksTexts) : checksTexts_(checksTexts) {}
+
     [[nodiscard]] InstanceConfig take() {
         for (std::size_t index = 0; index < instanceConfigFields.size(); ++index) {
             if (instanceConfigFields[index].required && !seen_[index]) {
@@ -23,18 +29,17 @@ public:
         return std::move(config_);
     }
 
-    bool null() override {
+    [[nodiscard]] const std::string& problem() const { return problem_; }
+
+    bool Null() {
         if (skipped()) {
             return true;
         }
         // As good as not written, where the key may be left out; never inside a list or a map.
-        if (place_ == Place::object && !field().required) {
-            return done();
-        }
-        return mistyped();
+        return (place_ == Place::object && !field().required) || mistyped();
     }
 
-    bool boolean(bool value) override {
+    bool Bool(bool value) {
         if (skipped()) {
             return true;
         }
@@ -45,17 +50,24 @@ public:
             return mistyped();
         }
         config_.** member = value;
-        return done();
+        return true;
     }
 
-    bool number_integer(std::int64_t /*value*/) override { return skipped() || mistyped(); }
-    bool number_unsigned(std::uint64_t /*value*/) override { return skipped() || mistyped(); }
-    bool number_float(double /*value*/, const std::string& /*text*/) override {
+    // No value of a record is a number.
+    bool Int(int /*value*/) { return skipped() || mistyped(); }
+    bool Uint(unsigned /*value*/) { return skipped() || mistyped(); }
+    bool Int64(std::int64_t /*value*/) { return skipped() || mistyped(); }
+    bool Uint64(std::uint64_t /*value*/) { return skipped() || mistyped(); }
+    bool Double(double /*value*/) { return skipped() || mistyped(); }
+    bool RawNumber(const char* /*text*/, rapidjson::SizeType /*length*/, bool /*copy*/) {
         return skipped() || mistyped();
     }
-    bool binary(Json::binary_t& /*value*/) override { return mistyped(); }
 
-    bool string(std::string& value) override {
+    bool String(const char* text, rapidjson::SizeType length, bool /*copy*/) {
+        const std::string_view value(text, length);
+        if (!isText(value)) {
+            return fails("A text holds half a character.");
+        }
         if (skipped()) {
             return true;
         }
@@ -63,10 +75,10 @@ public:
         case Place::object:
             return stringMember(value);
         case Place::list:
-            list_->push_back(std::move(value));
+            list_->emplace_back(value);
             return true;
         case Place::map:
-            return map_->emplace(std::move(mapKey_), std::move(value)).second || repeated();
+            return map_->emplace(mapKey_, value).second || repeated();
         case Place::label:
             return labelMember(value);
         default:
@@ -74,7 +86,28 @@ public:
         }
     }
 
-    bool start_object(std::size_t /*size*/) override {
+    bool Key(const char* text, rapidjson::SizeType length, bool /*copy*/) {
+        const std::string_view name(text, length);
+        if (!isText(name)) {
+            return fails("A key holds half a character.");
+        }
+        if (skipping_ > 0) {
+            return true;
+        }
+        switch (place_) {
+        case Place::map:
+            mapKey_ = name;
+            return true;
+        case Place::label:
+            labelKey_ = std::find(labelKeys.begin(), labelKeys.end(), name) - labelKeys.begin();
+            skipNext_ = labelKey_ == labelKeys.end() - labelKeys.begin();
+            return true;
+        default:
+            return objectKey(name);
+        }
+    }
+
+    bool StartObject() {
         if (place_ == Place::outside) {
             place_ = Place::object;
             return true;
@@ -91,8 +124,6 @@ public:
             }
             if (std::holds_alternative<std::optional<IconLabel> InstanceConfig::*>(
                     field().member)) {
-                label_ = {};
-                labelSeen_.reset();
                 place_ = Place::label;
                 return true;
             }
@@ -100,43 +131,21 @@ public:
         return mistyped();
     }
 
-    bool key(std::string& name) override {
-        if (skipping_ > 0) {
-            return true;
-        }
-        switch (place_) {
-        case Place::map:
-            mapKey_ = std::move(name);
-            return true;
-        case Place::label:
-            labelKey_ = std::move(name);
-            skipNext_ = labelKey_ != "text" && labelKey_ != "colorHex" && labelKey_ != "position";
-            return true;
-        default:
-            return objectKey(name);
-        }
-    }
-
-    bool end_object() override {
+    bool EndObject(rapidjson::SizeType /*members*/) {
         if (ascend()) {
             return true;
         }
-        switch (place_) {
-        case Place::label:
-            if (!labelSeen_.all()) {
-                throw ConfigError("The icon label is not complete.");
-            }
-            config_.iconLabel = std::move(label_);
-            return done();
-        case Place::map:
-            return done();
-        default:
-            place_ = Place::outside;
-            return true;
+        if (place_ == Place::label && !labelSeen_.all()) {
+            return fails("The icon label is not complete.");
         }
+        if (place_ == Place::label) {
+            config_.iconLabel = std::move(label_);
+        }
+        place_ = Place::object;
+        return true;
     }
 
-    bool start_array(std::size_t /*size*/) override {
+    bool StartArray() {
         if (descend()) {
             return true;
         }
@@ -151,44 +160,45 @@ public:
         return true;
     }
 
-    bool end_array() override { return ascend() || done(); }
-
-    bool parse_error(std::size_t /*position*/, const std::string& /*token*/,
-                     const Json::exception& error) override {
-        throw ConfigError(std::string("The configuration is not valid JSON: ") + error.what());
+    bool EndArray(rapidjson::SizeType /*elements*/) {
+        if (!ascend()) {
+            place_ = Place::object;
+        }
+        return true;
     }
 
 private:
     enum class Place { outside, object, list, map, label };
 
+    static constexpr std::array<std::string_view, 3> labelKeys{"text", "colorHex", "position"};
+
     [[nodiscard]] const InstanceConfigField& field() const { return instanceConfigFields[field_]; }
 
-    // The value of an unknown key is passed over whole, however deep it goes.
-    bool skipped() {
-        if (skipping_ > 0) {
-            return true;
-        }
-        return std::exchange(skipNext_, false);
+    // The file itself is UTF-8; only an escape can still spell half of a surrogate pair.
+    [[nodiscard]] bool isText(std::string_view value) const {
+        return !checksTexts_ || isUtf8(value);
     }
 
+    // The value of an unknown key is passed over whole, however deep it goes.
+    bool skipped() { return skipping_ > 0 || std::exchange(skipNext_, false); }
+
     bool descend() {
-        if (skipping_ > 0 || skipNext_) {
-            skipNext_ = false;
-            ++skipping_;
-            return true;
+        if (!skipped()) {
+            return false;
         }
-        return false;
+        ++skipping_;
+        return true;
     }
 
     bool ascend() {
-        if (skipping_ > 0) {
-            --skipping_;
-            return true;
+        if (skipping_ == 0) {
+            return false;
         }
-        return false;
+        --skipping_;
+        return true;
     }
 
-    bool objectKey(const std::string& name) {
+    bool objectKey(std::string_view name) {
         const auto row =
             std::find_if(instanceConfigFields.begin(), instanceConfigFields.end(),
                          [&](const InstanceConfigField& known) { return known.key == name; });
@@ -204,59 +214,65 @@ private:
         return true;
     }
 
-    bool stringMember(std::string& value) {
+    bool stringMember(std::string_view value) {
         if (const auto* text = std::get_if<std::string InstanceConfig::*>(&field().member)) {
-            config_.** text = std::move(value);
-        } else if (const auto* optional =
-                       std::get_if<std::optional<std::string> InstanceConfig::*>(&field().member)) {
-            config_.** optional = std::move(value);
-        } else if (std::holds_alternative<ShortcutKind InstanceConfig::*>(field().member)) {
-            config_.kind = known(shortcutKindFromRawString(value), value);
-        } else if (std::holds_alternative<Strategy InstanceConfig::*>(field().member)) {
-            config_.strategy = known(strategyFromRawString(value), value);
-        } else {
-            return mistyped();
+            config_.** text = value;
+            return true;
         }
-        return true;
+        if (const auto* optional =
+                std::get_if<std::optional<std::string> InstanceConfig::*>(&field().member)) {
+            config_.** optional = value;
+            return true;
+        }
+        if (std::holds_alternative<ShortcutKind InstanceConfig::*>(field().member)) {
+            return assign(config_.kind, shortcutKindFromRawString(value));
+        }
+        if (std::holds_alternative<Strategy InstanceConfig::*>(field().member)) {
+            return assign(config_.strategy, strategyFromRawString(value));
+        }
+        return mistyped();
     }
 
-    bool labelMember(std::string& value) {
-        const std::size_t index = labelKey_ == "text" ? 0 : labelKey_ == "colorHex" ? 1 : 2;
+    bool labelMember(std::string_view value) {
+        const auto index = static_cast<std::size_t>(labelKey_);
         if (labelSeen_[index]) {
             return repeated();
         }
         labelSeen_[index] = true;
-        if (index == 0) {
-            label_.text = std::move(value);
-        } else if (index == 1) {
-            label_.colorHex = std::move(value);
+        if (labelKeys[index] == "text") {
+            label_.text = value;
+        } else if (labelKeys[index] == "colorHex") {
+            label_.colorHex = value;
         } else {
-            label_.position = known(iconLabelPositionFromRawString(value), value);
+            return assign(label_.position, iconLabelPositionFromRawString(value));
         }
         return true;
     }
 
     template<typename Case>
-    static Case known(std::optional<Case> found, const std::string& text) {
-        if (!found) {
-            throw ConfigError("“" + text + "” is no known value.");
+    bool assign(Case& member, const std::optional<Case>& value) {
+        if (!value) {
+            return fails("The value of “" + std::string(field().key) + "” is not known.");
         }
-        return *found;
-    }
-
-    bool done() {
-        place_ = Place::object;
+        member = *value;
         return true;
     }
 
-    [[noreturn]] bool mistyped() const {
-        throw ConfigError(place_ == Place::outside ? "The configuration is not a JSON object."
-                                                   : "The value of “" + std::string(field().key) +
-                                                         "” is of the wrong type.");
+    bool mistyped() {
+        return fails(place_ == Place::outside
+                         ? "The configuration is not a JSON object."
+                         : "The value of “" + std::string(field().key) + "” is of the wrong type.");
     }
 
-    [[noreturn]] static bool repeated() { throw ConfigError("A key stands twice."); }
+    bool repeated() { return fails("A key stands twice."); }
 
+    bool fails(std::string problem) {
+        problem_ = std::move(problem);
+        return false;
+    }
+
+    bool checksTexts_;
+    std::string problem_;
     InstanceConfig config_;
     Place place_ = Place::outside;
     std::size_t field_ = 0;
@@ -267,16 +283,43 @@ private:
     std::map<std::string, std::string>* map_ = nullptr;
     std::string mapKey_;
     IconLabel label_;
-    std::bitset<3> labelSeen_;
-    std::string labelKey_;
+    std::bitset<labelKeys.size()> labelSeen_;
+    std::ptrdiff_t labelKey_ = 0;
 };
 
 } // namespace
 
-InstanceConfig InstanceConfig::fromJson(std::string_view json) {
-    ConfigReader reader;
-    Json::sax_parse(json.begin(), json.end(), &reader);
-    return reader.take();
+InstanceConfig InstanceConfig::fromJson(std::string json) {
+    if (!isUtf8(json)) {
+        throw ConfigError("The configuration is not UTF-8 text.");
+    }
+    ConfigReader record(json.find("\\u") != json.npos);
+    rapidjson::InsituStringStream stream(json.data());
+    rapidjson::Reader reader;
+    // Iterative, since a file may nest deeper than a stack reaches.
+    constexpr unsigned flags = rapidjson::kParseInsituFlag | rapidjson::kParseIterativeFlag;
+    const rapidjson::ParseResult result = reader.Parse<flags>(stream, record);
+    if (!record.problem().empty()) {
+        throw ConfigError(record.problem());
+    }
+    // To the parser a NUL is the end of the text; here it is a byte like any other.
+    if (result.IsError() || stream.Tell() != json.size()) {
+        throw ConfigError(std::string("The configuration is not valid JSON: ") +
+                          rapidjson::GetParseError_En(result.Code()));
+    }
+    return record.take();
+}
+
+std::optional<InstanceConfig> InstanceConfig::read(const std::filesystem::path& file) {
+    std::optional<std::string> bytes = readFile(file, maximumFileSize);
+    if (!bytes) {
+        return std::nullopt;
+    }
+    try {
+        return fromJson(std::move(*bytes));
+    } catch (const ConfigError&) {
+        return std::nullopt;
+    }
 }
 
 } // namespace quorvel

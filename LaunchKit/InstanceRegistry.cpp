@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <numeric>
+#include <utility>
 
 namespace quorvel {
 namespace fs = std::filesystem;
@@ -27,12 +28,16 @@ void sortByName(std::vector<InstanceRecord>& records) {
     std::iota(order.begin(), order.end(), std::size_t{0});
     std::stable_sort(order.begin(), order.end(),
                      [&](std::size_t a, std::size_t b) { return keys[a] < keys[b]; });
-    std::vector<InstanceRecord> sorted;
-    sorted.reserve(records.size());
-    for (const std::size_t index : order) {
-        sorted.push_back(std::move(records[index]));
+    // Put in place one cycle after the other; a second list of records would double the memory.
+    for (std::size_t start = 0; start < order.size(); ++start) {
+        std::size_t place = start;
+        while (order[place] != start) {
+            const std::size_t next = std::exchange(order[place], place);
+            std::swap(records[place], records[next]);
+            place = next;
+        }
+        order[place] = place;
     }
-    records = std::move(sorted);
 }
 
 void removeData(const InstanceConfig& config) {
@@ -55,7 +60,7 @@ std::optional<fs::path> InstanceRecord::iconURL() const {
 }
 
 fs::path instanceConfigFile(const fs::path& bundleURL) {
-    return bundleURL / "Contents" / "Resources" / "instance.json";
+    return joinAsText(bundleURL, "Contents/Resources/instance.json");
 }
 
 std::vector<fs::path> InstanceRegistry::defaultSearchDirs() {
@@ -65,12 +70,13 @@ std::vector<fs::path> InstanceRegistry::defaultSearchDirs() {
 std::vector<InstanceRecord> InstanceRegistry::list() const {
     std::vector<InstanceRecord> records;
     for (const fs::path& folder : searchDirs) {
-        const auto names = directoryEntries(folder);
-        for (const std::string& name : names.value_or(std::vector<std::string>{})) {
+        const auto names = directoryEntries(folder).value_or(std::vector<std::string>{});
+        records.reserve(records.size() + names.size());
+        for (const std::string& name : names) {
             if (!isAppName(name)) {
                 continue;
             }
-            if (auto found = record(folder / name)) {
+            if (auto found = record(joinAsText(folder, name))) {
                 records.push_back(std::move(*found));
             }
         }

@@ -2,20 +2,31 @@
 
 #include "Platform/PlatformError.h"
 
+#include <QtCore/QByteArray>
 #include <QtCore/QStringList>
-#include <QtCore/QUrl>
 #include <QtDBus/QDBusConnection>
 #include <QtDBus/QDBusMessage>
 
 namespace quorvel {
+
+namespace {
+
+// Made from the bytes themselves: a name need not be text.
+QString fileAddress(const std::filesystem::path& item) {
+    std::error_code code;
+    const std::filesystem::path whole = std::filesystem::absolute(item, code);
+    const QByteArray path = QByteArray::fromStdString((code ? item : whole).native());
+    return QStringLiteral("file://") + QString::fromLatin1(path.toPercentEncoding("/"));
+}
+
+} // namespace
 
 void showInFileManager(const std::filesystem::path& item) {
     QDBusMessage call = QDBusMessage::createMethodCall(
         QStringLiteral("org.freedesktop.FileManager1"),
         QStringLiteral("/org/freedesktop/FileManager1"),
         QStringLiteral("org.freedesktop.FileManager1"), QStringLiteral("ShowItems"));
-    const QUrl url = QUrl::fromLocalFile(QString::fromStdString(item.string()));
-    call << QStringList{url.toString(QUrl::FullyEncoded)} << QString();
+    call << QStringList{fileAddress(item)} << QString();
     constexpr int timeoutMilliseconds = 5000;
     const QDBusMessage reply =
         QDBusConnection::sessionBus().call(call, QDBus::Block, timeoutMilliseconds);

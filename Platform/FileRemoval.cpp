@@ -25,7 +25,7 @@ bool holdsUserHome(const fs::path& path) {
 }
 
 void removeItem(const fs::path& path) {
-    if (path.native().find('\0') != std::string::npos) {
+    if (hasNul(path)) {
         throw PlatformError(std::make_error_code(std::errc::invalid_argument), path, "removed");
     }
     if (holdsUserHome(path)) {

@@ -11,10 +11,6 @@ namespace quorvel {
 namespace fs = std::filesystem;
 namespace {
 
-bool hasNul(const fs::path& path) {
-    return path.native().find('\0') != std::string::npos;
-}
-
 // Without O_NONBLOCK, opening a FIFO would wait for its other end.
 FileHandle openRegularFile(const fs::path& path, int flags, mode_t mode = 0) {
     if (hasNul(path)) {
@@ -32,6 +28,10 @@ FileHandle openRegularFile(const fs::path& path, int flags, mode_t mode = 0) {
 }
 
 } // namespace
+
+bool hasNul(const fs::path& path) noexcept {
+    return path.native().find('\0') != std::string::npos;
+}
 
 fs::path joinAsText(const fs::path& base, std::string_view name) {
     std::string text = base.native();
@@ -123,9 +123,12 @@ std::optional<std::string> readFile(const fs::path& path, std::size_t limit) {
             continue;
         }
         if (length > limit) {
-            return std::nullopt;
+            break;
         }
         bytes.resize(bytes.size() * 2 + 4096);
+    }
+    if (length > limit) {
+        return std::nullopt;
     }
     bytes.resize(length);
     return bytes;
@@ -133,7 +136,10 @@ std::optional<std::string> readFile(const fs::path& path, std::size_t limit) {
 
 void writeFile(const fs::path& path, std::string_view bytes) {
     const FileHandle file = openRegularFile(path, O_WRONLY | O_CREAT, 0666);
-    if (file.descriptor() < 0 || ::ftruncate(file.descriptor(), 0) != 0 || !file.write(bytes)) {
+    struct stat status {};
+    if (file.descriptor() < 0 || ::fstat(file.descriptor(), &status) != 0 ||
+        // Only an old file is cut: ext4 takes the cutting of a new one as a reason to write at once.
+        (status.st_size > 0 && ::ftruncate(file.descriptor(), 0) != 0) || !file.write(bytes)) {
         throw PlatformError::fromErrno(path, "written");
     }
 }

@@ -22,6 +22,9 @@ namespace quorvel {
 /// `path` without the slashes at its end ("/" itself stays).
 [[nodiscard]] std::filesystem::path withoutTrailingSlashes(const std::filesystem::path& path);
 
+/// Whether the path holds a NUL byte, so that the system would see only what stands before it.
+[[nodiscard]] bool hasNul(const std::filesystem::path& path) noexcept;
+
 /// Whether anything is there, following links (a dangling link counts as nothing).
 [[nodiscard]] bool itemExists(const std::filesystem::path& path) noexcept;
 

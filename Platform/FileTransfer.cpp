@@ -30,9 +30,16 @@ void copyTree(const fs::path& source, const fs::path& destination, std::error_co
     }
 }
 
+void refuseNul(const fs::path& source, const fs::path& destination, const std::string& action) {
+    if (hasNul(source) || hasNul(destination)) {
+        throw PlatformError(std::make_error_code(std::errc::invalid_argument), source, action);
+    }
+}
+
 } // namespace
 
 void copyFile(const fs::path& source, const fs::path& destination) {
+    refuseNul(source, destination, "copied");
     std::error_code code;
     if (!fs::copy_file(source, destination, fs::copy_options::none, code)) {
         throw PlatformError(code ? code : std::make_error_code(std::errc::file_exists), source,
@@ -41,6 +48,7 @@ void copyFile(const fs::path& source, const fs::path& destination) {
 }
 
 void moveItem(const fs::path& source, const fs::path& destination) {
+    refuseNul(source, destination, "moved");
     if (renameExclusively(source, destination) == 0) {
         return;
     }

@@ -172,7 +172,9 @@ Process Process::run(const Options& options) {
     for (const auto& [key, value] : options.environment.value_or(Environment{})) {
         environment.add(key + "=" + value);
     }
-    if (arguments.hasNul() || environment.hasNul()) {
+    const bool folderHasNul =
+        options.directory && options.directory->native().find('\0') != std::string::npos;
+    if (arguments.hasNul() || environment.hasNul() || folderHasNul) {
         throw PlatformError(std::make_error_code(std::errc::invalid_argument), options.executable,
                             "started");
     }
@@ -189,7 +191,11 @@ Process Process::run(const Options& options) {
     std::filesystem::path executable = options.executable;
     if (options.directory) {
         // A relative program path means the same file wherever the child is to run.
-        executable = std::filesystem::absolute(executable);
+        std::error_code code;
+        executable = std::filesystem::absolute(executable, code);
+        if (code) {
+            throw PlatformError(code, options.executable, "started");
+        }
         actions.changeDirectory(*options.directory);
     }
 

@@ -83,7 +83,8 @@ std::string nextWord(std::string_view& line) {
 
 // Whether the script's first line names the program that runs it. A program that merely has the
 // script's path as an argument, an editor say, is not running it.
-bool isInterpreterOf(const fs::path& script, const std::string& executable) {
+bool isInterpreterOf(const fs::path& script, const std::string& executable,
+                     const std::string& calledAs) {
     const FileHandle file(::open(script.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC | O_NOCTTY));
     struct stat status {};
     char head[256];
@@ -107,9 +108,10 @@ bool isInterpreterOf(const fs::path& script, const std::string& executable) {
     if (interpreter.find('/') != std::string::npos) {
         return fs::canonical(interpreter, ignored).native() == executable;
     }
-    // A version may stand behind the name: python3 is run by python3.11.
+    // The name may be that of a link, as sh is for dash, or lack a version: python3 is python3.11.
     return !interpreter.empty() &&
-           fs::path(executable).filename().native().starts_with(interpreter);
+           (calledAs == interpreter ||
+            fs::path(executable).filename().native().starts_with(interpreter));
 }
 
 std::optional<pid_t> processNumber(const char* name) {
@@ -138,7 +140,9 @@ std::string ProcessTable::bundleOf(int processFolder, const std::string& executa
     std::error_code code;
     const fs::path path = fs::canonical(fs::path(readLinkAt(processFolder, "cwd")) / *script, code);
     bundle = code ? std::string{} : bundleHolding(path.native());
-    return !bundle.empty() && isInterpreterOf(path, executable) ? bundle : std::string{};
+    return !bundle.empty() && isInterpreterOf(path, executable, commandLine.c_str())
+               ? bundle
+               : std::string{};
 }
 
 const std::string* ProcessTable::identifierOf(const std::string& bundle) {

@@ -1,5 +1,6 @@
 #include "Platform/PropertyListLimits.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <optional>
 #include <vector>
@@ -7,33 +8,75 @@
 namespace quorvel::PropertyListLimits {
 namespace {
 
-bool isOpeningContainer(std::string_view tag) {
-    return tag.starts_with("<dict") || tag.starts_with("<array");
-}
+// Follows the tags of the XML form as the parser does, where they decide how deep it goes. Where
+// the two might disagree on a tag's end, and something be hidden there, the answer is no.
+class XmlTags {
+public:
+    explicit XmlTags(std::string_view bytes) : bytes_(bytes) {}
 
-bool isClosingContainer(std::string_view tag) {
-    return tag.starts_with("</dict") || tag.starts_with("</array");
-}
-
-// Tags inside comments count as well, which can only make the answer stricter.
-bool xmlWithin(std::string_view bytes) {
-    std::size_t depth = 0;
-    std::size_t values = 0;
-    for (std::size_t at = bytes.find('<'); at != bytes.npos; at = bytes.find('<', at + 1)) {
-        const std::string_view tag = bytes.substr(at, 8);
-        const std::size_t end = bytes.find('>', at);
-        const bool selfClosing = end != bytes.npos && end > at && bytes[end - 1] == '/';
-        if (isOpeningContainer(tag) && !selfClosing) {
-            ++depth;
-        } else if (isClosingContainer(tag) && depth > 0) {
-            --depth;
+    [[nodiscard]] bool within() {
+        for (at_ = bytes_.find('<'); at_ != bytes_.npos; at_ = bytes_.find('<', at_)) {
+            if (!passTag() || depth_ > maximumDepth || ++values_ > 2 * maximumValues) {
+                return false;
+            }
         }
-        if (depth > maximumDepth || ++values > 2 * maximumValues) {
+        return true;
+    }
+
+private:
+    bool passTag() {
+        const std::string_view rest = bytes_.substr(at_);
+        if (rest.starts_with("<!--")) {
+            return passBehind("-->");
+        }
+        if (rest.starts_with("<![CDATA[")) {
+            return passBehind("]]>");
+        }
+        const std::size_t end = bytes_.find_first_of("<>", at_ + 1);
+        if (end == bytes_.npos || bytes_[end] == '<') {
             return false;
         }
+        const std::string_view tag = bytes_.substr(at_, end - at_);
+        at_ = end + 1;
+        if (mayHoldQuotedEnd(tag)) {
+            return false;
+        }
+        if (tag.starts_with("<!")) {
+            return depth_ == 0 && tag.find('[') == tag.npos;
+        }
+        if (tag.starts_with("<?")) {
+            return depth_ == 0 && tag.ends_with('?');
+        }
+        if (isContainer(tag.substr(1))) {
+            depth_ += tag.ends_with('/') ? 0U : 1U;
+        } else if (tag.starts_with("</") && isContainer(tag.substr(2)) && depth_ > 0) {
+            --depth_;
+        }
+        return true;
     }
-    return true;
-}
+
+    bool passBehind(std::string_view end) {
+        const std::size_t found = bytes_.find(end, at_ + 4);
+        at_ = found == bytes_.npos ? bytes_.size() : found + end.size();
+        return true;
+    }
+
+    static bool isContainer(std::string_view name) {
+        return name.starts_with("dict") || name.starts_with("array");
+    }
+
+    // Whether a quotation may still be open at the end of the tag.
+    static bool mayHoldQuotedEnd(std::string_view tag) {
+        const auto doubles = std::count(tag.begin(), tag.end(), '"');
+        const auto singles = std::count(tag.begin(), tag.end(), '\'');
+        return (doubles != 0 && singles != 0) || doubles % 2 != 0 || singles % 2 != 0;
+    }
+
+    std::string_view bytes_;
+    std::size_t at_ = 0;
+    std::size_t depth_ = 0;
+    std::size_t values_ = 0;
+};
 
 std::uint64_t bigEndian(std::string_view bytes) {
     std::uint64_t value = 0;
@@ -51,7 +94,7 @@ public:
 
     [[nodiscard]] bool within() {
         if (!readTrailer()) {
-            return true;
+            return false;
         }
         unfolded_.assign(count_, 0);
         std::vector<Visit> stack;
@@ -64,7 +107,7 @@ public:
             if (visit.next < visit.references) {
                 const std::optional<std::uint64_t> child = reference(visit, visit.next++);
                 if (!child) {
-                    return true;
+                    return false;
                 }
                 if (unfolded_[*child] != 0) {
                     if (!add(visit, unfolded_[*child])) {
@@ -115,34 +158,42 @@ private:
                count_ * offsetSize_ <= bytes_.size() - table_;
     }
 
-    // Containers are 0xA0 (array), 0xC0 (set) and 0xD0 (dictionary); 0xF in the low half announces
-    // an integer object with the count.
+    // Containers are 0xA0 (array), 0xC0 (set) and 0xD0 (dictionary).
     bool enter(std::uint64_t object, std::vector<Visit>& stack, std::vector<bool>& open) {
         Visit visit;
         visit.object = object;
-        std::size_t at = bigEndian(bytes_.substr(table_ + object * offsetSize_, offsetSize_));
-        if (at < bytes_.size()) {
-            const auto marker = static_cast<unsigned char>(bytes_[at++]);
-            const unsigned kind = marker & 0xF0U;
-            if (kind == 0xA0U || kind == 0xC0U || kind == 0xD0U) {
-                std::uint64_t length = marker & 0x0FU;
-                if (length == 0x0FU && at < bytes_.size()) {
-                    const std::size_t width = std::size_t{1}
-                                              << (static_cast<unsigned char>(bytes_[at++]) & 0x3U);
-                    length = at + width <= bytes_.size() ? bigEndian(bytes_.substr(at, width)) : 0;
-                    at += width;
-                }
-                visit.firstReference = at;
-                // Longer than the file can hold: malformed, and the parser says so.
-                visit.references = length <= bytes_.size() ? length : 0;
-                if (kind == 0xD0U) {
-                    visit.references *= 2;
-                }
+        const std::size_t at = bigEndian(bytes_.substr(table_ + object * offsetSize_, offsetSize_));
+        const unsigned kind = at < bytes_.size() ? byteAt(at) & 0xF0U : 0;
+        if (kind == 0xA0U || kind == 0xC0U || kind == 0xD0U) {
+            if (!readContainer(at, visit)) {
+                return false;
+            }
+            if (kind == 0xD0U) {
+                visit.references *= 2;
             }
         }
         stack.push_back(visit);
         open[object] = true;
         return stack.size() <= maximumDepth;
+    }
+
+    // 0xF in the low half of the marker announces an integer object with the count.
+    [[nodiscard]] bool readContainer(std::size_t marker, Visit& visit) const {
+        visit.references = byteAt(marker) & 0x0FU;
+        visit.firstReference = marker + 1;
+        if (visit.references == 0x0FU) {
+            const std::size_t width = std::size_t{1} << (byteAt(marker + 1) & 0x0FU);
+            if (width > 8 || marker + 2 + width > bytes_.size()) {
+                return false;
+            }
+            visit.references = bigEndian(bytes_.substr(marker + 2, width));
+            visit.firstReference = marker + 2 + width;
+        }
+        return visit.references <= bytes_.size();
+    }
+
+    [[nodiscard]] unsigned byteAt(std::size_t at) const {
+        return at < bytes_.size() ? static_cast<unsigned char>(bytes_[at]) : 0U;
     }
 
     [[nodiscard]] std::optional<std::uint64_t> reference(const Visit& visit,
@@ -167,7 +218,7 @@ private:
 } // namespace
 
 bool within(std::string_view bytes) {
-    return bytes.starts_with("bplist") ? BinaryGraph(bytes).within() : xmlWithin(bytes);
+    return bytes.starts_with("bplist") ? BinaryGraph(bytes).within() : XmlTags(bytes).within();
 }
 
 } // namespace quorvel::PropertyListLimits

@@ -10,8 +10,8 @@ namespace quorvel::PropertyListLimits {
 inline constexpr std::size_t maximumDepth = 256;
 inline constexpr std::size_t maximumValues = 1'000'000;
 
-/// Whether the bytes (of either form) stay within both limits. Bytes that are no property list at
-/// all may count as within: the parser refuses them.
+/// Whether the bytes (of either form) surely stay within both limits. XML that is no property list
+/// may count as within, since the parser refuses it; a malformed binary one never does.
 [[nodiscard]] bool within(std::string_view bytes);
 
 } // namespace quorvel::PropertyListLimits

@@ -28,7 +28,11 @@ std::string encoded(const icu::UnicodeString& text) {
 const icu::Collator& collator() {
     thread_local const std::unique_ptr<icu::Collator> instance = [] {
         UErrorCode status = U_ZERO_ERROR;
-        std::unique_ptr<icu::Collator> made(icu::Collator::createInstance(status));
+        // The "C" locale has no order of names, only one of bytes: Unicode's own order stands in.
+        const icu::Locale& users = icu::Locale::getDefault();
+        const bool hasOrder = std::string_view(users.getVariant()) != "POSIX";
+        std::unique_ptr<icu::Collator> made(
+            icu::Collator::createInstance(hasOrder ? users : icu::Locale::getRoot(), status));
         if (U_FAILURE(status)) {
             throw std::runtime_error(u_errorName(status));
         }

@@ -9,8 +9,8 @@
 /// Every operation may be called from any thread.
 namespace quorvel::Text {
 
-/// A key whose byte order is the user's locale's order of names, upper and lower case alike. Equal
-/// keys mean names that compare as equal.
+/// A key whose byte order is the user's locale's order of names (Unicode's own where the locale is
+/// "C"), upper and lower case alike. Equal keys mean names that compare as equal.
 [[nodiscard]] std::string collationKey(std::string_view text);
 
 /// Whether `text` contains `part`, upper and lower case alike. An empty part is never contained.

@@ -39,10 +39,13 @@ std::optional<std::string> homeFromDatabase(const Lookup& lookup) {
     return trimmed(found->pw_dir);
 }
 
-std::optional<std::string> currentUsersHome() {
-    return homeFromDatabase([](passwd* entry, char* buffer, std::size_t size, passwd** found) {
-        return getpwuid_r(getuid(), entry, buffer, size, found);
-    });
+// Asked once: the answer stays the same, and may come from a server far away.
+const std::optional<std::string>& currentUsersHome() {
+    static const std::optional<std::string> listed =
+        homeFromDatabase([](passwd* entry, char* buffer, std::size_t size, passwd** found) {
+            return getpwuid_r(getuid(), entry, buffer, size, found);
+        });
+    return listed;
 }
 
 std::optional<std::string> homeOf(const std::string& user) {
@@ -57,7 +60,7 @@ std::string home() {
     if (auto fixed = fromEnvironment("CFFIXED_USER_HOME")) {
         return *fixed;
     }
-    if (auto listed = currentUsersHome()) {
+    if (const auto& listed = currentUsersHome()) {
         return *listed;
     }
     return fromEnvironment("HOME").value_or("/");

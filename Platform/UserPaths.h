@@ -9,7 +9,8 @@
 namespace quorvel::UserPaths {
 
 /// The user's home: `CFFIXED_USER_HOME` when set and absolute, else the user database's entry, else
-/// `HOME`, else "/". Without a slash at the end. Asked anew at each call.
+/// `HOME`, else "/". Without a slash at the end. The
+/// environment is asked anew at each call.
 [[nodiscard]] std::string home();
 
 /// A leading "~" or "~/" becomes `home()`, "~name" and "~name/" that user's home; any other path,

@@ -9,11 +9,11 @@ say() { printf '\n==> %s\n' "$*"; }
 fail() { printf '%s\n' "$*" >&2; exit 1; }
 
 # What is needed to build, and what the tests need on top of that.
-debian_build=(g++ cmake ninja-build pkg-config nlohmann-json3-dev libplist-dev libicu-dev
+debian_build=(g++ cmake ninja-build pkg-config nlohmann-json3-dev rapidjson-dev libplist-dev libicu-dev
   libcli11-dev qt6-base-dev procps)
 debian_test=(libgtest-dev libgmock-dev libbenchmark-dev chromium xdg-utils libplist-utils
   dbus dbus-daemon binutils file shared-mime-info)
-homebrew_build=(cmake ninja pkg-config nlohmann-json libplist icu4c cli11 qt)
+homebrew_build=(cmake ninja pkg-config nlohmann-json rapidjson libplist icu4c cli11 qt)
 homebrew_test=(googletest google-benchmark)
 
 as_root() {

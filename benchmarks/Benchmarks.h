@@ -1,0 +1,15 @@
+#pragma once
+
+#include "benchmarks/Comparison.h"
+
+#include <filesystem>
+
+/// Each takes an empty folder to work in, and gives its rows of the table.
+namespace quorvel::benchmarks {
+
+[[nodiscard]] std::vector<Row> registryRows(const std::filesystem::path& folder);
+[[nodiscard]] std::vector<Row> generatorRows(const std::filesystem::path& folder);
+[[nodiscard]] std::vector<Row> runnerRows(const std::filesystem::path& folder);
+[[nodiscard]] std::vector<Row> runningApplicationsRows(const std::filesystem::path& folder);
+
+} // namespace quorvel::benchmarks

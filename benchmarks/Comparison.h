@@ -1,0 +1,36 @@
+#pragma once
+
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace quorvel::benchmarks {
+
+/// One line of the table.
+struct Row {
+    std::string what;
+    double figure = 0;  ///< in `unit`
+    double floor = 0;   ///< in `unit`
+    std::string unit;   ///< "ms", "MiB", ...
+    std::string result; ///< the figure against the floor, such as "1.32 x"
+    std::string goal;   ///< such as "<= 2 x"
+    bool met = false;
+};
+
+/// Runs both in turn, `rounds` times each after one round to warm up, and compares their median
+/// times. The goal is `figure <= goal * floor`.
+[[nodiscard]] Row compareTimes(const std::string& what, const std::function<void()>& figure,
+                               const std::function<void()>& floor, double goal, int rounds);
+
+/// Seconds that one call takes.
+[[nodiscard]] double secondsOf(const std::function<void()>& call);
+
+/// The value below which `share` (0 to 1) of the values lie.
+[[nodiscard]] double percentile(std::vector<double> values, double share);
+
+/// "1.32 x" and the like, with two decimals.
+[[nodiscard]] std::string decimals(double value, const std::string& unit);
+
+void print(const std::vector<Row>& rows);
+
+} // namespace quorvel::benchmarks
