@@ -25,7 +25,7 @@ using namespace quorvel::benchmarks;
 constexpr int folderCount = 2000;
 constexpr int filesInEach = 25;
 constexpr int depth = 6;
-constexpr int rounds = 5;
+constexpr int rounds = 3;
 
 void makeFile(const std::string& path) {
     const int file = ::open(path.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0600);
