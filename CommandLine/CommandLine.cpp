@@ -2,6 +2,7 @@
 
 #include "CommandLine/CloneCommands.h"
 #include "CommandLine/IconCommand.h"
+#include "CommandLine/ProbeCommands.h"
 #include "CommandLine/TerminalText.h"
 
 #include <CLI/CLI.hpp>
@@ -20,6 +21,8 @@ struct Words {
     CreateOptions create{};
     DeleteOptions remove{};
     IconOptions icon{};
+    ProbeOptions probe{};
+    std::optional<std::string> bundleId{};
     bool json = false;
 };
 
@@ -107,12 +110,42 @@ void addIconOptions(CLI::App& icon, IconOptions& o) {
     icon.add_option("--output", o.output, "The icon to write")->type_name("FILE");
 }
 
-void addCommands(CLI::App& program, Words& words, Command& chosen, const Surroundings& with) {
-    addCommand(program, "inspect", "Show the facts about an application", words, chosen,
-               [&] { inspectCommand(with, words.operand, words.json); })
-        .add_option("APP", words.operand, "The application bundle")
-        ->required()
+void addAppOperand(CLI::App& command, Words& words) {
+    command.add_option("APP", words.operand, "The application bundle")->required()->type_name("");
+}
+
+void addProbeOptions(CLI::App& probe, ProbeOptions& o) {
+    probe.add_option("--settle-a", o.settleA, "Seconds to watch the first copy (default: 7)")
+        ->type_name("S")
+        ->check(CLI::Range(0.0, 3600.0).description(""));
+    probe.add_option("--settle-b", o.settleB, "Seconds to wait for the second (default: 2)")
+        ->type_name("S")
+        ->check(CLI::Range(0.0, 3600.0).description(""));
+    probe.add_option("--real-library", o.realLibrary, "The folder to watch (default: ~/Library)")
+        ->type_name("DIR");
+}
+
+// The commands about applications that are no clones.
+void addAppCommands(CLI::App& program, Words& words, Command& chosen, const Surroundings& with) {
+    addAppOperand(addCommand(program, "inspect", "Show the facts about an application", words,
+                             chosen, [&] { inspectCommand(with, words.operand, words.json); }),
+                  words);
+    addRepeatable(addCommand(program, "apps", "List the installed applications", words, chosen,
+                             [&] { appsCommand(with, words.searchDirs, words.json); }),
+                  "--search-dir", words.searchDirs,
+                  "A folder to look in instead of the usual ones (repeatable)", "DIR");
+    CLI::App& probe = addCommand(
+        program, "probe", "Try an application out, and recommend how to isolate it", words, chosen,
+        [&] { probeCommand(with, words.operand, words.probe, words.json); });
+    addAppOperand(probe, words);
+    addProbeOptions(probe, words.probe);
+    addCommand(program, "running", "List the running applications", words, chosen,
+               [&] { runningCommand(with, words.bundleId, words.json); })
+        .add_option("BUNDLE-ID", words.bundleId, "Only those with this identifier")
         ->type_name("");
+}
+
+void addCloneCommands(CLI::App& program, Words& words, Command& chosen, const Surroundings& with) {
     addRepeatable(addCommand(program, "list", "List the clones", words, chosen,
                              [&] { listCommand(with, words.searchDirs, words.json); }),
                   "--search-dir", words.searchDirs,
@@ -177,7 +210,8 @@ int runCommandLine(const std::vector<std::string>& arguments, const Surroundings
     program.require_subcommand(1);
     Words words;
     Command chosen;
-    addCommands(program, words, chosen, with);
+    addAppCommands(program, words, chosen, with);
+    addCloneCommands(program, words, chosen, with);
     try {
         std::vector<std::string> reversed = withEmptyValues(arguments);
         std::reverse(reversed.begin(), reversed.end());

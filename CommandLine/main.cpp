@@ -1,6 +1,5 @@
 #include "CommandLine/CommandLine.h"
 
-#include <clocale>
 #include <iostream>
 #include <unistd.h>
 

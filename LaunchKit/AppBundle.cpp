@@ -22,6 +22,10 @@ bool isSandboxed(const std::string& entitlements) {
 
 EntitlementReader codeSigningTool(std::filesystem::path tool) {
     return [tool = std::move(tool)](const std::filesystem::path& bundle) -> std::string {
+        // Trying to start what is not there costs more than reading the bundle.
+        if (!isExecutableFile(tool)) {
+            return {};
+        }
         Process::Options options;
         options.executable = tool;
         options.arguments = {"-d", "--entitlements", ":-", "--xml", bundle.string()};

@@ -1,6 +1,7 @@
 #include "LaunchKit/InstanceConfig.h"
 
 #include "LaunchKit/InstanceConfigFields.h"
+#include "LaunchKit/JsonText.h"
 #include "LaunchKit/RawStrings.h"
 #include "Platform/UserPaths.h"
 
@@ -47,19 +48,6 @@ void addMember(nlohmann::json& object, std::string_view key, const std::optional
     if (value) {
         addMember(object, key, *value);
     }
-}
-
-// Slashes stand only inside strings, where JSON allows them to be escaped.
-std::string escapingSlashes(const std::string& json) {
-    std::string result;
-    result.reserve(json.size() + json.size() / 16);
-    for (const char character : json) {
-        if (character == '/') {
-            result.push_back('\\');
-        }
-        result.push_back(character);
-    }
-    return result;
 }
 
 std::vector<std::string> expandingAll(const std::vector<std::string>& texts,

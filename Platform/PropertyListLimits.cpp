@@ -97,6 +97,7 @@ public:
             return false;
         }
         unfolded_.assign(count_, 0);
+        soundKeys_.assign(count_, false);
         std::vector<Visit> stack;
         std::vector<bool> open(count_, false);
         if (!enter(root_, stack, open)) {
@@ -105,8 +106,9 @@ public:
         while (!stack.empty()) {
             Visit& visit = stack.back();
             if (visit.next < visit.references) {
-                const std::optional<std::uint64_t> child = reference(visit, visit.next++);
-                if (!child) {
+                const std::uint64_t index = visit.next++;
+                const std::optional<std::uint64_t> child = reference(visit, index);
+                if (!child || (index < visit.keys && !isSoundKey(*child))) {
                     return false;
                 }
                 if (unfolded_[*child] != 0) {
@@ -134,6 +136,7 @@ private:
         std::uint64_t object = 0;
         std::size_t firstReference = 0;
         std::uint64_t references = 0;
+        std::uint64_t keys = 0; ///< so many of the references, the first ones
         std::uint64_t next = 0;
         std::uint64_t unfolded = 1;
     };
@@ -162,13 +165,14 @@ private:
     bool enter(std::uint64_t object, std::vector<Visit>& stack, std::vector<bool>& open) {
         Visit visit;
         visit.object = object;
-        const std::size_t at = bigEndian(bytes_.substr(table_ + object * offsetSize_, offsetSize_));
+        const std::size_t at = offsetOf(object);
         const unsigned kind = at < bytes_.size() ? byteAt(at) & 0xF0U : 0;
         if (kind == 0xA0U || kind == 0xC0U || kind == 0xD0U) {
             if (!readContainer(at, visit)) {
                 return false;
             }
             if (kind == 0xD0U) {
+                visit.keys = visit.references;
                 visit.references *= 2;
             }
         }
@@ -192,6 +196,34 @@ private:
         return visit.references <= bytes_.size();
     }
 
+    [[nodiscard]] std::size_t offsetOf(std::uint64_t object) const {
+        return bigEndian(bytes_.substr(table_ + object * offsetSize_, offsetSize_));
+    }
+
+    // The parser ends the whole program over a key that holds a NUL. Keys may be shared: each is
+    // looked at once.
+    [[nodiscard]] bool isSoundKey(std::uint64_t object) {
+        if (soundKeys_[object]) {
+            return true;
+        }
+        const std::size_t at = offsetOf(object);
+        const unsigned kind = byteAt(at) & 0xF0U;
+        // Texts are 0x50 (ASCII), 0x60 (UTF-16) and 0x70 (UTF-8).
+        const std::size_t unit = kind == 0x60U ? 2 : 1;
+        Visit text;
+        if (kind < 0x50U || kind > 0x70U || !readContainer(at, text) ||
+            text.firstReference + text.references * unit > bytes_.size()) {
+            return false;
+        }
+        for (std::size_t index = 0; index < text.references; ++index) {
+            if (bigEndian(bytes_.substr(text.firstReference + index * unit, unit)) == 0) {
+                return false;
+            }
+        }
+        soundKeys_[object] = true;
+        return true;
+    }
+
     [[nodiscard]] unsigned byteAt(std::size_t at) const {
         return at < bytes_.size() ? static_cast<unsigned char>(bytes_[at]) : 0U;
     }
@@ -213,6 +245,7 @@ private:
     std::uint64_t root_ = 0;
     std::uint64_t table_ = 0;
     std::vector<std::uint64_t> unfolded_;
+    std::vector<bool> soundKeys_;
 };
 
 } // namespace

@@ -13,7 +13,7 @@ debian_build=(g++ cmake ninja-build pkg-config nlohmann-json3-dev rapidjson-dev 
   libcli11-dev qt6-base-dev libopenjp2-7-dev fontconfig fonts-urw-base35 procps)
 debian_test=(libgtest-dev libgmock-dev libbenchmark-dev chromium xdg-utils libplist-utils
   dbus dbus-daemon binutils file
-  shared-mime-info icnsutils imagemagick)
+  shared-mime-info icnsutils imagemagick inotify-tools)
 homebrew_build=(cmake ninja pkg-config nlohmann-json rapidjson libplist icu4c cli11 qt openjpeg)
 homebrew_test=(googletest google-benchmark)
 

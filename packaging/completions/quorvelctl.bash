@@ -22,15 +22,18 @@ _quorvelctl() {
       return ;;
     --label-position | --position)
       mapfile -t COMPREPLY < <(compgen -W "bottom center top" -- "$current"); return ;;
-    --workdir | --home | --output | --search-dir)
+    --workdir | --home | --output | --search-dir | --real-library)
       mapfile -t COMPREPLY < <(compgen -d -- "$current"); return ;;
     --target | --open | --command | --icon | --runner)
       mapfile -t COMPREPLY < <(compgen -f -- "$current"); return ;;
   esac
   case $command in
     "") mapfile -t COMPREPLY < <(compgen -W \
-      "inspect list show create open delete migrate icon --help --version" -- "$current"); return ;;
+      "inspect apps probe running list show create open delete migrate icon --help --version" -- "$current"); return ;;
     inspect) options="--help --json" ;;
+    apps) options="--help --json --search-dir" ;;
+    probe) options="--help --json --settle-a --settle-b --real-library" ;;
+    running) options="--help --json" ;;
     list) options="--help --json --search-dir" ;;
     show) options="--help --json" ;;
     create) options="--help --json --kind --name --target --url --open --command --arg --workdir --home --output --bundle-id --strategy --icon --hide-icon --extra-arg --no-extra-args --env --plist --browser --open-with --label --label-color --label-position --menu-bar-icon --menu-bar-template --isolate-folders --runner --launch" ;;
@@ -41,9 +44,9 @@ _quorvelctl() {
   esac
   if [[ $current == -* ]]; then
     mapfile -t COMPREPLY < <(compgen -W "$options" -- "$current")
-  elif [ "$command" = inspect ] || [ "$command" = icon ]; then
+  elif [[ $command == @(inspect|probe|icon) ]]; then
     mapfile -t COMPREPLY < <(compgen -f -- "$current")
-  elif [ "$command" != list ] && [ "$command" != create ]; then
+  elif [[ $command == @(show|open|delete|migrate) ]]; then
     local IFS=$'\n'
     mapfile -t COMPREPLY < <(compgen -W "$(_quorvelctl_clones)" -- "$current")
   fi

@@ -42,8 +42,8 @@ TEST(CommandLine, AnUnknownOptionIsWrongUsageOfItsCommand) {
 
 TEST(CommandLine, EveryCommandHasHelp) {
     CommandLineHarness harness;
-    for (const char* command :
-         {"inspect", "list", "show", "create", "open", "delete", "migrate", "icon"}) {
+    for (const char* command : {"inspect", "list", "show", "create", "open", "delete", "migrate",
+                                "icon", "apps", "probe", "running"}) {
         const CommandResult result = harness.run({command, "--help"});
         EXPECT_EQ(result.status, 0) << command;
         EXPECT_EQ(result.errors, "") << command;

@@ -200,6 +200,40 @@ TEST(PropertyListLimits, ADictionaryThatHoldsItselfIsRefused) {
     expectRefused(list.finish(0));
 }
 
+// The parser ends the program over such a key.
+TEST(PropertyListLimits, AKeyThatHoldsANulIsRefused) {
+    BinaryList list;
+    list.add(BinaryList::dictionary(1, 2));
+    list.add(BinaryList::text(std::string("k\0y", 3)));
+    list.add(BinaryList::text("value"));
+    expectNotWithin(list.finish(0));
+    expectRefused(list.finish(0));
+}
+
+TEST(PropertyListLimits, AWideKeyThatHoldsANulIsRefused) {
+    BinaryList list;
+    list.add(BinaryList::dictionary(1, 1));
+    list.add(std::string("\x62\0k\0\0", 5));
+    expectNotWithin(list.finish(0));
+    expectRefused(list.finish(0));
+}
+
+TEST(PropertyListLimits, AKeyThatIsNoTextIsRefused) {
+    BinaryList list;
+    list.add(BinaryList::dictionary(1, 1));
+    list.add(BinaryList::array({}));
+    expectNotWithin(list.finish(0));
+    expectRefused(list.finish(0));
+}
+
+TEST(PropertyListLimits, AValueMayHoldANul) {
+    BinaryList list;
+    list.add(BinaryList::dictionary(1, 2));
+    list.add(BinaryList::text("k"));
+    list.add(BinaryList::text(std::string("a\0b", 3)));
+    EXPECT_TRUE(PropertyList::parseDictionary(list.finish(0)));
+}
+
 TEST(PropertyListLimits, AChainOfAHundredThousandArraysIsRefused) {
     BinaryList list;
     list.add(BinaryList::dictionary(1, 2));

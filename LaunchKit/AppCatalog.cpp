@@ -1,0 +1,139 @@
+#include "LaunchKit/AppCatalog.h"
+
+#include "LaunchKit/InstanceRegistry.h"
+#include "Platform/FileSystem.h"
+#include "Platform/PropertyList.h"
+#include "Platform/Text.h"
+#include "Platform/UserPaths.h"
+#include "Platform/Workspace.h"
+
+#include <algorithm>
+#include <atomic>
+#include <set>
+#include <system_error>
+#include <thread>
+
+namespace quorvel {
+namespace fs = std::filesystem;
+namespace {
+
+std::vector<fs::path> bundlesIn(const std::vector<fs::path>& dirs) {
+    std::vector<fs::path> bundles;
+    for (const fs::path& folder : dirs) {
+        for (const std::string& name :
+             directoryEntries(folder).value_or(std::vector<std::string>{})) {
+            if (fs::path(name).extension() == ".app") {
+                bundles.push_back(folder / name);
+            }
+        }
+    }
+    return bundles;
+}
+
+// Most of the time is spent waiting for the code-signing tool, so that more threads than cores
+// help.
+std::size_t workerCount(std::size_t items) {
+    const std::size_t cores = std::max(1U, std::thread::hardware_concurrency());
+    return std::min(items, std::clamp<std::size_t>(cores * 2, 4, 16));
+}
+
+// Calls `work` for every number below `count`, from several threads. With none to be had, this one
+// does it all.
+void forEachIndex(std::size_t count, const std::function<void(std::size_t)>& work) {
+    std::atomic<std::size_t> next{0};
+    const auto takeTurns = [&] {
+        for (std::size_t index = next++; index < count; index = next++) {
+            work(index);
+        }
+    };
+    std::vector<std::thread> workers;
+    try {
+        while (workers.size() + 1 < workerCount(count)) {
+            workers.emplace_back(takeTurns);
+        }
+    } catch (const std::system_error&) {
+        // The threads that could be made are enough.
+    }
+    takeTurns();
+    for (std::thread& worker : workers) {
+        worker.join();
+    }
+}
+
+std::optional<InstalledApp> readApp(const fs::path& bundle, const EntitlementReader& entitlements) {
+    if (itemExists(instanceConfigFile(bundle))) {
+        return std::nullopt;
+    }
+    auto read = AppBundle::read(bundle, entitlements);
+    if (!read) {
+        return std::nullopt;
+    }
+    return InstalledApp{bundle, bundleFallbackName(bundle), std::move(read->bundleId)};
+}
+
+struct NamedApp {
+    std::string key;
+    InstalledApp app;
+};
+
+// The first of each identifier, with the key by which it is sorted.
+std::vector<NamedApp> withoutDuplicates(std::vector<std::optional<InstalledApp>> found) {
+    std::vector<NamedApp> apps;
+    std::set<std::string> seen;
+    for (std::optional<InstalledApp>& app : found) {
+        if (app && seen.insert(app->bundleId).second) {
+            std::string key = Text::collationKey(app->name);
+            apps.push_back({std::move(key), std::move(*app)});
+        }
+    }
+    return apps;
+}
+
+} // namespace
+
+std::optional<fs::path> InstalledApp::iconURL() const {
+    const auto info = PropertyList::readDictionary(url / "Contents" / "Info.plist");
+    auto file = info ? PropertyList::stringFor(*info, "CFBundleIconFile") : std::nullopt;
+    if (!file) {
+        return std::nullopt;
+    }
+    if (!file->ends_with(".icns")) {
+        *file += ".icns";
+    }
+    fs::path icon = joinAsText(url / "Contents" / "Resources", *file);
+    return itemExists(icon) ? std::optional(std::move(icon)) : std::nullopt;
+}
+
+std::vector<fs::path> AppCatalog::defaultSearchDirs() {
+    return {"/Applications", "/Applications/Utilities", UserPaths::expandTilde("~/Applications"),
+            "/System/Applications"};
+}
+
+std::vector<InstalledApp> AppCatalog::scan(const std::vector<fs::path>& dirs,
+                                           const EntitlementReader& entitlements) {
+    const std::vector<fs::path> bundles = bundlesIn(dirs);
+    std::vector<std::optional<InstalledApp>> found(bundles.size());
+    forEachIndex(bundles.size(),
+                 [&](std::size_t index) { found[index] = readApp(bundles[index], entitlements); });
+    std::vector<NamedApp> apps = withoutDuplicates(std::move(found));
+    std::stable_sort(apps.begin(), apps.end(),
+                     [](const NamedApp& a, const NamedApp& b) { return a.key < b.key; });
+    std::vector<InstalledApp> result;
+    result.reserve(apps.size());
+    for (NamedApp& entry : apps) {
+        result.push_back(std::move(entry.app));
+    }
+    return result;
+}
+
+} // namespace quorvel
+
+std::size_t
+std::hash<quorvel::InstalledApp>::operator()(const quorvel::InstalledApp& app) const noexcept {
+    const auto combine = [](std::size_t seed, std::size_t value) {
+        return seed ^ (value + 0x9e3779b9U + (seed << 6U) + (seed >> 2U));
+    };
+    const std::hash<std::string> text;
+    return combine(combine(std::filesystem::hash_value(app.url), text(app.name)),
+                   text(app.bundleId));
+}

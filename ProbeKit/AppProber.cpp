@@ -1,0 +1,214 @@
+#include "ProbeKit/AppProber.h"
+
+#include "LaunchKit/WrapperFactory.h"
+#include "Platform/FileSystem.h"
+#include "Platform/RandomUuid.h"
+#include "Platform/Text.h"
+#include "Platform/UserPaths.h"
+#include "ProbeKit/FSEventProbe.h"
+#include "ProbeKit/Farewell.h"
+
+#include <algorithm>
+#include <thread>
+
+namespace quorvel {
+namespace {
+
+using Seconds = AppProber::Seconds;
+
+// Short enough that giving up feels immediate.
+constexpr Seconds slice{0.05};
+
+std::vector<std::string> electronArgs(const AppBundle& bundle, const std::string& home) {
+    if (!WrapperFactory::isElectron(bundle.url)) {
+        return {};
+    }
+    return {"--user-data-dir=" + home + "/QuorvelData"};
+}
+
+// The last piece of an identifier is what apps call their folders; "com.example.Notes" gives Notes.
+std::string_view lastComponent(std::string_view bundleId) {
+    const std::size_t end = bundleId.find_last_not_of('.');
+    if (end == bundleId.npos) {
+        return bundleId;
+    }
+    const std::string_view trimmed = bundleId.substr(0, end + 1);
+    const std::size_t dot = trimmed.rfind('.');
+    return dot == trimmed.npos ? trimmed : trimmed.substr(dot + 1);
+}
+
+// Waits through a probe, telling how much is over and noticing a request to give up.
+class Waiter {
+public:
+    Waiter(const AppProber::Control& control, const std::function<void(Seconds)>& sleep,
+           Seconds whole)
+        : control_(control),
+          sleep_(sleep),
+          whole_(whole) {}
+
+    void wait(Seconds time) {
+        throwIfCancelled();
+        for (Seconds left = time; left.count() > 0; left -= slice) {
+            const Seconds step = std::min(left, slice);
+            sleep_(step);
+            over_ += step;
+            if (control_.progress) {
+                control_.progress(std::min(1.0, over_ / whole_));
+            }
+            throwIfCancelled();
+        }
+    }
+
+private:
+    void throwIfCancelled() const {
+        if (control_.cancelled != nullptr && control_.cancelled->load()) {
+            throw ProbeCancelled();
+        }
+    }
+
+    const AppProber::Control& control_;
+    const std::function<void(Seconds)>& sleep_;
+    Seconds whole_;
+    Seconds over_{0};
+};
+
+// Asks the processes to end, in the order of their launch, and lets go of them.
+void dismiss(std::vector<Process>& processes, const std::function<void(Process)>& release) {
+    for (Process& process : processes) {
+        process.terminate();
+    }
+    for (Process& process : processes) {
+        if (release) {
+            release(std::move(process));
+        } else {
+            endInBackground(std::move(process), AppProber::grace);
+        }
+    }
+    processes.clear();
+}
+
+} // namespace
+
+std::optional<AppProber> AppProber::forApp(const std::filesystem::path& appURL) {
+    return forApp(appURL, Surroundings{});
+}
+
+std::optional<AppProber> AppProber::forApp(const std::filesystem::path& appURL,
+                                           Surroundings surroundings) {
+    auto bundle = AppBundle::read(appURL, surroundings.entitlements);
+    if (!bundle) {
+        return std::nullopt;
+    }
+    return AppProber(std::move(*bundle), std::move(surroundings));
+}
+
+AppProber::AppProber(AppBundle bundle, Surroundings surroundings)
+    : bundle_(std::move(bundle)),
+      realLibrary_(withoutTrailingSlashes(surroundings.realLibrary
+                                              ? *surroundings.realLibrary
+                                              : UserPaths::expandTilde("~/Library"))
+                       .string()),
+      temporary_(surroundings.temporary.value_or(UserPaths::temporaryFolder())),
+      workspace_(surroundings.workspace ? std::move(surroundings.workspace)
+                                        : makeSystemWorkspace()),
+      sleep_(surroundings.sleep ? std::move(surroundings.sleep)
+                                : [](Seconds time) { std::this_thread::sleep_for(time); }) {}
+
+ProbeResult AppProber::run() {
+    return run(Control{});
+}
+
+ProbeResult AppProber::run(const Control& control) {
+    const std::string homeA = makeTempHome();
+    const std::string homeB = makeTempHome();
+    FSEventProbe recorder({homeA, realLibrary_});
+    recorder.start();
+
+    Waiter waiter(control, sleep_, settleA + settleB);
+    std::vector<Process> launched;
+    ProbeResult result;
+    launched.push_back(launch(homeA));
+    try {
+        waiter.wait(settleA);
+        launched.push_back(launch(homeB));
+        waiter.wait(settleB);
+    } catch (const ProbeCancelled&) {
+        dismiss(launched, control.release);
+        throw;
+    }
+    result.singleton = classifySingleton(launched.back());
+    dismiss(launched, control.release);
+    result.buckets = classify(recorder.stopAndDrain(), homeA);
+    result.complete = recorder.isComplete();
+    result.recommendedStrategy = resolveStrategy(result);
+    return result;
+}
+
+Process AppProber::launch(const std::string& home) const {
+    return launcher_.launch(bundle_, home, Strategy::homeOverride, electronArgs(bundle_, home), {});
+}
+
+std::string AppProber::makeTempHome() const {
+    const std::filesystem::path home = joinAsText(temporary_, "quorvel-probe-" + randomUuid());
+    createDirectories(home);
+    return home.string();
+}
+
+LeakBuckets AppProber::classify(const std::vector<WriteEvent>& events,
+                                const std::string& fakeHome) const {
+    LeakBuckets buckets;
+    for (const WriteEvent& event : events) {
+        buckets[bucketOf(event.path, fakeHome)].push_back(event.path);
+    }
+    return buckets;
+}
+
+LeakBucket AppProber::bucketOf(const std::string& path, const std::string& fakeHome) const {
+    const auto below = [&](std::string_view folder) {
+        return path.starts_with(realLibrary_) &&
+               std::string_view(path).substr(realLibrary_.size()).starts_with(folder);
+    };
+    if (path.starts_with(fakeHome)) {
+        return LeakBucket::captured;
+    }
+    if (below("/Containers/" + bundle_.bundleId)) {
+        return LeakBucket::containerLeak;
+    }
+    if (below("/Preferences") && pathMentions(path)) {
+        return LeakBucket::prefsLeak;
+    }
+    if (below("/Application Support") && pathMentions(path)) {
+        return LeakBucket::dataLeak;
+    }
+    return LeakBucket::irrelevant;
+}
+
+bool AppProber::pathMentions(std::string_view path) const {
+    return Text::containsIgnoringCase(path, lastComponent(bundle_.bundleId)) ||
+           Text::containsIgnoringCase(path, bundle_.bundleId);
+}
+
+SingletonTier AppProber::classifySingleton(Process& procB) const {
+    if (bundle_.prohibitsMultipleInstances) {
+        return SingletonTier::lsProhibited;
+    }
+    const std::size_t running =
+        workspace_->runningApplications().withBundleIdentifier(bundle_.bundleId).size();
+    if (procB.isRunning()) {
+        return running < 2 ? SingletonTier::lockFile : SingletonTier::none;
+    }
+    return running < 1 ? SingletonTier::unknown : SingletonTier::machPort;
+}
+
+Strategy AppProber::resolveStrategy(const ProbeResult& result) {
+    if (result.count(LeakBucket::containerLeak) > 0) {
+        return Strategy::wrapperIdentity;
+    }
+    if (result.count(LeakBucket::dataLeak) > 0) {
+        return Strategy::containerRedirect;
+    }
+    return result.singleton == SingletonTier::machPort ? Strategy::unsupported
+                                                       : Strategy::homeOverride;
+}
+
+} // namespace quorvel

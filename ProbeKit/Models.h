@@ -1,0 +1,62 @@
+#pragma once
+
+#include "LaunchKit/AppProfile.h"
+#include "LaunchKit/Strategy.h"
+
+#include <array>
+#include <cstddef>
+#include <map>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace quorvel {
+
+/// One recorded change of a file or folder. Several of the three changes may be true at once.
+struct WriteEvent {
+    std::string path{};
+    bool isDir = false;
+    bool created = false;
+    bool modified = false;
+    bool renamed = false;
+
+    bool operator==(const WriteEvent&) const = default;
+};
+
+/// Where a recorded write fell.
+enum class LeakBucket {
+    captured,      ///< inside the fake home: isolation worked
+    dataLeak,      ///< the real Application Support, under a name that mentions the app
+    prefsLeak,     ///< the real Preferences, under a name that mentions the app
+    containerLeak, ///< the app's sandbox container in the real Library
+    irrelevant,    ///< anything else
+};
+
+inline constexpr std::array<LeakBucket, 5> allLeakBuckets{
+    LeakBucket::captured, LeakBucket::dataLeak, LeakBucket::prefsLeak, LeakBucket::containerLeak,
+    LeakBucket::irrelevant};
+
+/// The case's name.
+[[nodiscard]] std::string_view rawString(LeakBucket bucket);
+
+/// Nothing for any other text.
+[[nodiscard]] std::optional<LeakBucket> leakBucketFromRawString(std::string_view text);
+
+using LeakBuckets = std::map<LeakBucket, std::vector<std::string>>;
+
+/// What a trial of an app showed.
+struct ProbeResult {
+    LeakBuckets buckets{}; ///< every recorded path, in the order of events; no key without a path
+    SingletonTier singleton = SingletonTier::unknown;
+    Strategy recommendedStrategy = Strategy::unsupported;
+    /// False when writes may have been missed. Has no part in the recommendation.
+    bool complete = true;
+
+    [[nodiscard]] std::size_t count(LeakBucket bucket) const;
+    [[nodiscard]] bool prefsLeak() const { return count(LeakBucket::prefsLeak) > 0; }
+
+    bool operator==(const ProbeResult&) const = default;
+};
+
+} // namespace quorvel

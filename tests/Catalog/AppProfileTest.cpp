@@ -1,0 +1,162 @@
+#include "LaunchKit/AppProfile.h"
+
+#include <gmock/gmock.h>
+#include <regex>
+
+namespace quorvel {
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::HasSubstr;
+
+AppProfile ordinaryProfile() {
+    AppProfile profile;
+    profile.bundleId = "com.example.Notes";
+    profile.displayName = "Notes";
+    profile.sandboxed = true;
+    profile.strategy = Strategy::containerRedirect;
+    profile.singleton = SingletonTier::lockFile;
+    profile.prefsLeak = true;
+    profile.extraArgs = {"--user-data-dir={{instanceHome}}/QuorvelData"};
+    profile.verifiedOn = {"macOS 14.5"};
+    profile.confidence = Confidence::verified;
+    return profile;
+}
+
+Confidence reconciled(Confidence confidence, const std::string& signature) {
+    AppProfile profile = ordinaryProfile();
+    profile.confidence = confidence;
+    AppProfile result = profile.reconciled(signature);
+    const Confidence found = result.confidence;
+    result.confidence = confidence;
+    EXPECT_EQ(result, profile) << "nothing else may change";
+    return found;
+}
+
+TEST(Reconciliation, KeepsTrustOnASystemWhereItWasConfirmed) {
+    EXPECT_EQ(reconciled(Confidence::verified, "macOS 14.5"), Confidence::verified);
+    EXPECT_EQ(reconciled(Confidence::community, "macOS 14.5"), Confidence::community);
+}
+
+TEST(Reconciliation, LowersTrustOnAnyOtherSystem) {
+    EXPECT_EQ(reconciled(Confidence::verified, "macOS 15.0"), Confidence::autoDetected);
+    EXPECT_EQ(reconciled(Confidence::community, "macOS 15.0"), Confidence::autoDetected);
+    EXPECT_EQ(reconciled(Confidence::verified, "MACOS 14.5"), Confidence::autoDetected);
+    EXPECT_EQ(reconciled(Confidence::verified, "macOS 14.50"), Confidence::autoDetected);
+}
+
+TEST(Reconciliation, LeavesWhatWasNotTrustedAlone) {
+    for (const char* signature : {"macOS 14.5", "macOS 15.0"}) {
+        EXPECT_EQ(reconciled(Confidence::broken, signature), Confidence::broken);
+        EXPECT_EQ(reconciled(Confidence::autoDetected, signature), Confidence::autoDetected);
+    }
+}
+
+TEST(ProfileJson, HasItsKeysInAlphabeticalOrder) {
+    EXPECT_EQ(ordinaryProfile().encodedJSON(), R"({
+  "bundleId": "com.example.Notes",
+  "confidence": "verified",
+  "displayName": "Notes",
+  "extraArgs": [
+    "--user-data-dir={{instanceHome}}\/QuorvelData"
+  ],
+  "prefsLeak": true,
+  "sandboxed": true,
+  "singleton": "lockFile",
+  "strategy": "container-redirect",
+  "verifiedOn": [
+    "macOS 14.5"
+  ]
+})");
+}
+
+TEST(ProfileJson, ReadsWhatItWrote) {
+    EXPECT_EQ(AppProfile::fromJson(ordinaryProfile().encodedJSON()), ordinaryProfile());
+    AppProfile odd;
+    odd.displayName = "“Ä/\"\\\n\x01 <b>";
+    odd.verifiedOn = {"", ""};
+    EXPECT_EQ(AppProfile::fromJson(odd.encodedJSON()), odd);
+}
+
+TEST(ProfileJson, CannotHoldTextThatIsNoUtf8) {
+    AppProfile profile = ordinaryProfile();
+    profile.displayName = "\xff";
+    EXPECT_THROW((void)profile.encodedJSON(), ProfileError);
+}
+
+// The JSON of an ordinary profile with one line of it changed.
+std::string with(const std::string& key, const std::string& line) {
+    const std::regex old("  \"" + key + R"(": (\[[^\]]*\]|[^,\n]*),?)");
+    return std::regex_replace(ordinaryProfile().encodedJSON(), old, line);
+}
+
+TEST(ProfileJson, NeedsEveryKey) {
+    for (const char* key : {"bundleId", "confidence", "displayName", "extraArgs", "prefsLeak",
+                            "sandboxed", "singleton", "strategy"}) {
+        try {
+            (void)AppProfile::fromJson(with(key, ""));
+            ADD_FAILURE() << key << " may be missing";
+        } catch (const ProfileError& error) {
+            EXPECT_EQ(error.description(), "The key “" + std::string(key) + "” is missing.");
+        }
+    }
+    EXPECT_THROW((void)AppProfile::fromJson(with("verifiedOn", "\"x\": 1")), ProfileError);
+}
+
+TEST(ProfileJson, RefusesUnknownRawValues) {
+    for (const char* key : {"confidence", "singleton", "strategy"}) {
+        for (const char* value : {"\"other\"", "\"\"", "\"Verified\"", "1", "null", "[]"}) {
+            const std::string line = "\"" + std::string(key) + "\": " + value + ",";
+            EXPECT_THROW((void)AppProfile::fromJson(with(key, line)), ProfileError) << line;
+        }
+    }
+}
+
+TEST(ProfileJson, RefusesValuesOfTheWrongType) {
+    for (const char* line :
+         {R"("bundleId": 1,)", R"("bundleId": null,)", R"("displayName": ["a"],)",
+          R"("sandboxed": 1,)", R"("sandboxed": "true",)", R"("prefsLeak": null,)",
+          R"("extraArgs": "a",)", R"("extraArgs": [1],)", R"("extraArgs": {"a": "b"},)"}) {
+        const std::string key = std::string(line).substr(1, std::string(line).find('"', 1) - 1);
+        EXPECT_THROW((void)AppProfile::fromJson(with(key, line)), ProfileError) << line;
+    }
+}
+
+TEST(ProfileJson, PassesOverKeysItDoesNotKnow) {
+    EXPECT_EQ(AppProfile::fromJson(
+                  with("bundleId", R"("bundleId": "com.example.Notes", "new": {"a": [null]},)")),
+              ordinaryProfile());
+}
+
+TEST(ProfileJson, RefusesWhatIsNoObject) {
+    const std::string deep(200'000, '[');
+    for (const std::string& text :
+         {std::string(), std::string("null"), std::string("[]"), std::string("{"),
+          std::string("\xff\xfe"), ordinaryProfile().encodedJSON().substr(0, 90),
+          ordinaryProfile().encodedJSON() + "}", deep, deep + std::string(200'000, ']')}) {
+        EXPECT_THROW((void)AppProfile::fromJson(text), ProfileError) << text.substr(0, 90);
+    }
+}
+
+TEST(RawValues, AreTheNamesOfTheCases) {
+    for (const char* name : {"none", "lockFile", "machPort", "lsProhibited", "unknown"}) {
+        const auto tier = singletonTierFromRawString(name);
+        ASSERT_TRUE(tier) << name;
+        EXPECT_EQ(rawString(*tier), name);
+    }
+    for (const char* name : {"verified", "community", "autoDetected", "broken"}) {
+        const auto confidence = confidenceFromRawString(name);
+        ASSERT_TRUE(confidence) << name;
+        EXPECT_EQ(rawString(*confidence), name);
+    }
+    EXPECT_EQ(singletonTierFromRawString("None"), std::nullopt);
+    EXPECT_EQ(confidenceFromRawString(""), std::nullopt);
+}
+
+TEST(SystemSignature, IsTheMajorAndTheMinorVersion) {
+    EXPECT_EQ(operatingSystemSignature({14, 5}), "macOS 14.5");
+    EXPECT_EQ(operatingSystemSignature({15, 0}), "macOS 15.0");
+}
+
+} // namespace
+} // namespace quorvel

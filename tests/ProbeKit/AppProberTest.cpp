@@ -1,0 +1,205 @@
+#include "tests/ProbeKit/Trial.h"
+
+#include <gmock/gmock.h>
+#include <regex>
+
+namespace quorvel {
+namespace {
+
+using namespace testing;
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+using ::testing::MatchesRegex;
+namespace fs = std::filesystem;
+
+WriteEvent writeTo(const std::string& path) {
+    return {path, false, true, false, false};
+}
+
+// A prober whose real Library is at /L; nothing is launched with it.
+AppProber proberFor(Trial& trial) {
+    AppProber::Surroundings with = trial.surroundings();
+    with.realLibrary = "/L";
+    return std::move(*AppProber::forApp(trial.app, std::move(with)));
+}
+
+LeakBucket bucketOf(const std::string& path, const std::string& bundleId = "com.example.Notes") {
+    Trial trial(bundleId);
+    const LeakBuckets buckets = proberFor(trial).classify({writeTo(path)}, "/tmp/home");
+    EXPECT_EQ(buckets.size(), 1U);
+    EXPECT_THAT(buckets.begin()->second, ElementsAre(path));
+    return buckets.begin()->first;
+}
+
+TEST(Classification, AWriteInsideTheFakeHomeIsCaptured) {
+    EXPECT_EQ(bucketOf("/tmp/home/Library/Preferences/x"), LeakBucket::captured);
+    EXPECT_EQ(bucketOf("/tmp/home"), LeakBucket::captured);
+}
+
+TEST(Classification, TheContainerOfTheAppIsAContainerLeak) {
+    EXPECT_EQ(bucketOf("/L/Containers/com.example.Notes/Data/x"), LeakBucket::containerLeak);
+    EXPECT_EQ(bucketOf("/L/Containers/com.example.Notes"), LeakBucket::containerLeak);
+    EXPECT_EQ(bucketOf("/L/Containers/com.other/Data/x"), LeakBucket::irrelevant);
+}
+
+TEST(Classification, APreferenceThatMentionsTheAppIsAPrefsLeak) {
+    EXPECT_EQ(bucketOf("/L/Preferences/com.example.notes.plist"), LeakBucket::prefsLeak);
+    EXPECT_EQ(bucketOf("/L/Preferences/com.other.app.plist"), LeakBucket::irrelevant);
+}
+
+TEST(Classification, ApplicationSupportThatMentionsTheAppIsADataLeak) {
+    EXPECT_EQ(bucketOf("/L/Application Support/notes/x.db"), LeakBucket::dataLeak);
+    EXPECT_EQ(bucketOf("/L/Application Support/Other/x.db"), LeakBucket::irrelevant);
+}
+
+TEST(Classification, PrefixesArePlainText) {
+    EXPECT_EQ(bucketOf("/L/PreferencesX/notes"), LeakBucket::prefsLeak);
+    EXPECT_EQ(bucketOf("/L/Application SupportX/notes"), LeakBucket::dataLeak);
+    EXPECT_EQ(bucketOf("/L/Containers/com.example.Notes2/x"), LeakBucket::containerLeak);
+    EXPECT_EQ(bucketOf("/tmp/home2/x"), LeakBucket::captured);
+}
+
+TEST(Classification, AnythingElseIsIrrelevant) {
+    EXPECT_EQ(bucketOf("/L/Caches/com.example.Notes/x"), LeakBucket::irrelevant);
+    EXPECT_EQ(bucketOf("/elsewhere/notes"), LeakBucket::irrelevant);
+}
+
+TEST(Classification, TheLastPieceOfTheIdentifierNamesTheApp) {
+    EXPECT_EQ(bucketOf("/L/Preferences/NOTES", "com.example.Notes."), LeakBucket::prefsLeak);
+    EXPECT_EQ(bucketOf("/L/Preferences/ÄPFEL", "com.example.Äpfel"), LeakBucket::prefsLeak);
+    EXPECT_EQ(bucketOf("/L/Preferences/x", "Notes"), LeakBucket::irrelevant);
+    EXPECT_EQ(bucketOf("/L/Preferences/a...b", "..."), LeakBucket::prefsLeak);
+    EXPECT_EQ(bucketOf("/L/Preferences/x", ""), LeakBucket::irrelevant);
+}
+
+TEST(Classification, KeepsTheOrderAndEveryRepetition) {
+    Trial trial;
+    const AppProber prober = proberFor(trial);
+    const LeakBuckets buckets =
+        prober.classify({writeTo("/h/b"), writeTo("/x"), writeTo("/h/a"), writeTo("/h/b")}, "/h");
+    EXPECT_THAT(buckets.at(LeakBucket::captured), ElementsAre("/h/b", "/h/a", "/h/b"));
+    EXPECT_THAT(buckets.at(LeakBucket::irrelevant), ElementsAre("/x"));
+    EXPECT_THAT(prober.classify({}, "/h"), IsEmpty());
+}
+
+TEST(Classification, AResultWithoutAPathInABucketCountsNone) {
+    EXPECT_EQ(ProbeResult{}.count(LeakBucket::dataLeak), 0U);
+    EXPECT_FALSE(ProbeResult{}.prefsLeak());
+    ProbeResult result;
+    result.buckets[LeakBucket::prefsLeak] = {"/a", "/a"};
+    EXPECT_EQ(result.count(LeakBucket::prefsLeak), 2U);
+    EXPECT_TRUE(result.prefsLeak());
+}
+
+TEST(LeakBuckets, HaveTheirNames) {
+    for (const LeakBucket bucket : allLeakBuckets) {
+        EXPECT_EQ(leakBucketFromRawString(rawString(bucket)), bucket);
+    }
+    EXPECT_EQ(rawString(LeakBucket::containerLeak), "containerLeak");
+    EXPECT_EQ(leakBucketFromRawString("other"), std::nullopt);
+}
+
+Strategy recommended(std::vector<LeakBucket> leaks, SingletonTier singleton) {
+    ProbeResult result;
+    for (const LeakBucket leak : leaks) {
+        result.buckets[leak] = {"/path"};
+    }
+    result.singleton = singleton;
+    return AppProber::resolveStrategy(result);
+}
+
+TEST(Recommendation, TheFirstRuleThatAppliesWins) {
+    using enum LeakBucket;
+    EXPECT_EQ(recommended({containerLeak, dataLeak}, SingletonTier::machPort),
+              Strategy::wrapperIdentity);
+    EXPECT_EQ(recommended({dataLeak, prefsLeak}, SingletonTier::machPort),
+              Strategy::containerRedirect);
+    EXPECT_EQ(recommended({captured, prefsLeak}, SingletonTier::machPort), Strategy::unsupported);
+    EXPECT_EQ(recommended({captured, prefsLeak}, SingletonTier::none), Strategy::homeOverride);
+    EXPECT_EQ(recommended({}, SingletonTier::lsProhibited), Strategy::homeOverride);
+    EXPECT_EQ(recommended({irrelevant}, SingletonTier::unknown), Strategy::homeOverride);
+}
+
+// The tier for a second process that runs or not, and so many running applications.
+SingletonTier tier(bool runs, int running, PropertyListDictionary info = {}) {
+    Trial trial;
+    info.emplace("CFBundleIdentifier", "com.example.Notes");
+    makeAppBundle(trial.app, info);
+    const auto workspace = std::make_shared<StubWorkspace>();
+    workspace->running.assign(static_cast<std::size_t>(running), {"com.example.Notes", "/n", 1});
+    workspace->running.push_back({"com.example.Other", "/o", 2});
+    trial.workspace = workspace;
+    Process::Options options;
+    options.executable = helperProgram();
+    options.arguments = {runs ? "wait" : "exit", "0"};
+    Process process = Process::run(options);
+    if (!runs) {
+        process.waitUntilExit();
+    }
+    const SingletonTier found = trial.prober().classifySingleton(process);
+    process.terminate();
+    process.waitUntilExit();
+    return found;
+}
+
+TEST(SingletonTest, ASecondThatRunsBesideTheFirstMeansNone) {
+    EXPECT_EQ(tier(true, 2), SingletonTier::none);
+    EXPECT_EQ(tier(true, 3), SingletonTier::none);
+}
+
+TEST(SingletonTest, ASecondThatLivesButNeverCameUpMeansALock) {
+    EXPECT_EQ(tier(true, 1), SingletonTier::lockFile);
+    EXPECT_EQ(tier(true, 0), SingletonTier::lockFile);
+}
+
+TEST(SingletonTest, ASecondThatQuitWhileOneRunsMeansAHandOver) {
+    EXPECT_EQ(tier(false, 1), SingletonTier::machPort);
+}
+
+TEST(SingletonTest, ASecondThatQuitWithNoneRunningTellsNothing) {
+    EXPECT_EQ(tier(false, 0), SingletonTier::unknown);
+}
+
+TEST(SingletonTest, AProhibitionInTheBundleDecidesWhateverHappened) {
+    EXPECT_EQ(tier(true, 2, {{"LSMultipleInstancesProhibited", true}}),
+              SingletonTier::lsProhibited);
+    EXPECT_EQ(tier(false, 0, {{"LSMultipleInstancesProhibited", true}}),
+              SingletonTier::lsProhibited);
+}
+
+TEST(Prober, HasItsDefaults) {
+    const TemporaryHome home;
+    const Trial trial;
+    const auto prober = AppProber::forApp(trial.app);
+    ASSERT_TRUE(prober);
+    EXPECT_EQ(prober->realLibrary(), (home / "Library").string());
+    EXPECT_EQ(prober->settleA.count(), 7.0);
+    EXPECT_EQ(prober->settleB.count(), 2.0);
+    EXPECT_EQ(prober->bundle().bundleId, "com.example.Notes");
+}
+
+TEST(Prober, CannotBeMadeForWhatIsNoBundle) {
+    const TemporaryFolder folder;
+    EXPECT_FALSE(AppProber::forApp(folder / "None.app"));
+}
+
+TEST(Prober, MakesANewHomeEachTime) {
+    Trial trial;
+    const AppProber prober = trial.prober();
+    const std::string home = prober.makeTempHome();
+    EXPECT_TRUE(fs::is_directory(home));
+    EXPECT_EQ(fs::path(home).parent_path(), trial.temporary);
+    const std::regex name("quorvel-probe-[0-9A-F]{8}-[0-9A-F]{4}-4[0-9A-F]{3}-[89AB][0-9A-F]{3}-"
+                          "[0-9A-F]{12}");
+    EXPECT_TRUE(std::regex_match(fs::path(home).filename().string(), name)) << home;
+    EXPECT_NE(prober.makeTempHome(), home);
+}
+
+TEST(Prober, MakesTheTemporaryFolderWhenItIsMissing) {
+    Trial trial;
+    fs::remove(trial.temporary);
+    EXPECT_TRUE(fs::is_directory(trial.prober().makeTempHome()));
+}
+
+} // namespace
+} // namespace quorvel

@@ -1,0 +1,108 @@
+#pragma once
+
+#include "ProbeKit/AppProber.h"
+#include "ProbeKit/Farewell.h"
+#include "tests/support/AppBundles.h"
+#include "tests/support/TemporaryHome.h"
+#include "tests/support/Waiting.h"
+
+#include <algorithm>
+#include <fstream>
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace quorvel::testing {
+
+/// Reports the running applications that it was given.
+class StubWorkspace : public Workspace {
+public:
+    std::vector<RunningApplication> running{};
+
+    void openApplication(const std::filesystem::path& /*bundle*/, bool /*activates*/,
+                         Completion completion) override {
+        completion(std::nullopt);
+    }
+    void reveal(const std::filesystem::path& /*item*/) override {}
+    RunningApplications runningApplications() override { return RunningApplications(running); }
+    OperatingSystemVersion operatingSystemVersion() const override { return {14, 5}; }
+};
+
+/// An application with a plan of its own (see tests/helpers), everything that a prober needs around
+/// it, and the clean-up behind it. Each wait of the probe lasts until the application told that it
+/// is so far.
+class Trial {
+public:
+    explicit Trial(const std::string& bundleId = "com.example.Notes") {
+        makeAppBundle(app, {{"CFBundleIdentifier", bundleId}}, QUORVEL_PROBE_TARGET);
+        std::filesystem::create_directories(library);
+        std::filesystem::create_directories(temporary);
+    }
+
+    /// What the application does, see tests/helpers.
+    void plan(const std::string& steps) const { write(app / "Contents/Resources/plan", steps); }
+
+    ~Trial() { endAll(); }
+    Trial(const Trial&) = delete;
+    Trial& operator=(const Trial&) = delete;
+
+    [[nodiscard]] std::string tellStep() const { return "tell " + told.string(); }
+
+    [[nodiscard]] AppProber::Surroundings surroundings() {
+        AppProber::Surroundings with;
+        with.workspace = workspace;
+        with.realLibrary = library.string();
+        with.temporary = temporary;
+        with.sleep = [this](AppProber::Seconds time) { onSleep(time); };
+        with.entitlements = [](const std::filesystem::path& /*bundle*/) { return std::string{}; };
+        return with;
+    }
+
+    [[nodiscard]] AppProber prober() {
+        auto prober = AppProber::forApp(app, surroundings());
+        prober->settleA = AppProber::Seconds(0.01);
+        prober->settleB = AppProber::Seconds(0.01);
+        return std::move(*prober);
+    }
+
+    [[nodiscard]] AppProber::Control control() {
+        AppProber::Control with;
+        with.release = [this](Process process) { released.push_back(std::move(process)); };
+        return with;
+    }
+
+    ProbeResult run() { return prober().run(control()); }
+
+    /// Waits until the application told as often as it was to.
+    [[nodiscard]] bool hasTold(int times) const {
+        return waitFor([&] {
+            const std::string text = read(told);
+            return std::count(text.begin(), text.end(), '\n') >= times;
+        });
+    }
+
+    void endAll() { waitForEnd(std::exchange(released, {}), std::chrono::seconds(5)); }
+
+    /// The throw-away homes.
+    [[nodiscard]] std::vector<std::filesystem::path> homes() const {
+        std::vector<std::filesystem::path> found;
+        for (const auto& item : std::filesystem::directory_iterator(temporary)) {
+            found.push_back(item.path());
+        }
+        return found;
+    }
+
+    TemporaryFolder folder{};
+    std::filesystem::path app = folder / "Notes.app";
+    std::filesystem::path library = folder / "Library";
+    std::filesystem::path temporary = folder / "tmp";
+    std::filesystem::path told = folder / "told";
+    std::shared_ptr<Workspace> workspace = makeSystemWorkspace();
+    std::vector<Process> released{};
+    int sleeps = 0;
+    std::function<void(AppProber::Seconds)> onSleep = [this](AppProber::Seconds /*time*/) {
+        (void)hasTold(++sleeps);
+    };
+};
+
+} // namespace quorvel::testing

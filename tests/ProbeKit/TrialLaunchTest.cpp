@@ -1,0 +1,368 @@
+#include "ProbeKit/ProfileGenerator.h"
+#include "tests/ProbeKit/Trial.h"
+
+#include <cerrno>
+#include <csignal>
+#include <gmock/gmock.h>
+#include <sys/wait.h>
+
+namespace quorvel {
+namespace {
+
+using namespace testing;
+using ::testing::Contains;
+using ::testing::Each;
+using ::testing::ElementsAre;
+using ::testing::EndsWith;
+using ::testing::HasSubstr;
+using ::testing::IsEmpty;
+using ::testing::Not;
+using ::testing::SizeIs;
+using ::testing::StartsWith;
+namespace fs = std::filesystem;
+
+bool hasNoChildren() {
+    int status = 0;
+    return ::waitpid(-1, &status, WNOHANG) == -1 && errno == ECHILD;
+}
+
+bool isGone(pid_t pid) {
+    return ::kill(pid, 0) != 0 && errno == ESRCH;
+}
+
+std::vector<std::string> bucketPaths(const ProbeResult& result, LeakBucket bucket) {
+    const auto paths = result.buckets.find(bucket);
+    return paths == result.buckets.end() ? std::vector<std::string>{} : paths->second;
+}
+
+TEST(TrialOf, AnAppThatKeepsToItsHomeIsCaptured) {
+    Trial trial;
+    trial.plan("write ~/Library/Application Support/Notes/x.db\nwrite ~/.config/notes\n" +
+               trial.tellStep() + "\nwait\n");
+    const ProbeResult result = trial.run();
+    EXPECT_EQ(result.buckets.size(), 1U);
+    EXPECT_THAT(bucketPaths(result, LeakBucket::captured),
+                Contains(EndsWith("/Library/Application Support/Notes/x.db")));
+    EXPECT_EQ(result.singleton, SingletonTier::none);
+    EXPECT_EQ(result.recommendedStrategy, Strategy::homeOverride);
+    EXPECT_TRUE(result.complete);
+    trial.endAll();
+    EXPECT_TRUE(hasNoChildren());
+    EXPECT_THAT(trial.homes(), SizeIs(2));
+}
+
+TEST(TrialOf, AnAppThatWritesIntoTheRealLibraryLeaks) {
+    Trial trial;
+    const std::string library = trial.library.string();
+    trial.plan("write " + library + "/Application Support/notes/x.db\nwrite " + library +
+               "/Preferences/com.example.notes.plist\nwrite " + library +
+               "/Preferences/com.other.plist\n" + trial.tellStep() + "\nwait\n");
+    const ProbeResult result = trial.run();
+    EXPECT_THAT(bucketPaths(result, LeakBucket::dataLeak),
+                Contains(library + "/Application Support/notes/x.db"));
+    EXPECT_THAT(bucketPaths(result, LeakBucket::prefsLeak),
+                Contains(library + "/Preferences/com.example.notes.plist"));
+    EXPECT_THAT(bucketPaths(result, LeakBucket::irrelevant),
+                Contains(library + "/Preferences/com.other.plist"));
+    EXPECT_EQ(result.recommendedStrategy, Strategy::containerRedirect);
+    EXPECT_TRUE(result.prefsLeak());
+}
+
+TEST(TrialOf, AnAppThatWritesIntoItsContainerNeedsAnIdentity) {
+    Trial trial;
+    trial.plan("write " + trial.library.string() + "/Application Support/Notes/x\nwrite " +
+               trial.library.string() + "/Containers/com.example.Notes/Data/x\n" +
+               trial.tellStep() + "\nwait\n");
+    EXPECT_EQ(trial.run().recommendedStrategy, Strategy::wrapperIdentity);
+}
+
+TEST(TrialOf, AnAppThatHandsOverIsNotClonable) {
+    Trial trial;
+    trial.plan(trial.tellStep() + "\nhand-over " + (trial.folder / "lock").string() + "\nwait\n");
+    trial.onSleep = [&](AppProber::Seconds /*time*/) {
+        ASSERT_TRUE(trial.hasTold(++trial.sleeps));
+        // The first holds the lock before the second comes, and the second quits.
+        ASSERT_TRUE(waitFor([&] {
+            return trial.sleeps == 1 ? fs::exists(trial.folder / "lock")
+                                     : trial.workspace->runningApplications()
+                                               .withBundleIdentifier("com.example.Notes")
+                                               .size() == 1;
+        }));
+    };
+    const ProbeResult result = trial.run();
+    EXPECT_EQ(result.singleton, SingletonTier::machPort);
+    EXPECT_EQ(result.recommendedStrategy, Strategy::unsupported);
+}
+
+TEST(TrialOf, AnAppThatWaitsForALockNeverComesUp) {
+    Trial trial;
+    trial.plan(trial.tellStep() + "\nlock " + (trial.folder / "lock").string() + "\nwait\n");
+    trial.onSleep = [&](AppProber::Seconds /*time*/) {
+        ASSERT_TRUE(trial.hasTold(++trial.sleeps));
+        ASSERT_TRUE(waitFor([&] {
+            return fs::exists(trial.folder / "lock") &&
+                   trial.workspace->runningApplications()
+                           .withBundleIdentifier("com.example.Notes")
+                           .size() == 1;
+        }));
+    };
+    const ProbeResult result = trial.run();
+    EXPECT_EQ(result.singleton, SingletonTier::lockFile);
+    EXPECT_EQ(result.recommendedStrategy, Strategy::homeOverride);
+}
+
+TEST(TrialOf, AnAppWhoseParentLeavesItsChildBehindCountsAsHandingOver) {
+    Trial trial;
+    const fs::path children = trial.folder / "children";
+    trial.plan("fork " + children.string() + "\nwrite ~/from-child\n" + trial.tellStep() +
+               "\nwait\n");
+    const ProbeResult result = trial.run();
+    EXPECT_EQ(result.singleton, SingletonTier::machPort);
+    EXPECT_THAT(bucketPaths(result, LeakBucket::captured), Contains(EndsWith("/from-child")));
+    std::ifstream numbers(children);
+    for (pid_t child = 0; numbers >> child;) {
+        ::kill(child, SIGKILL);
+    }
+}
+
+TEST(TrialOf, AnAppThatWritesTwentyThousandFilesIsRecordedToTheLast) {
+    Trial trial;
+    trial.plan("many ~/data 20000\n" + trial.tellStep() + "\nwait\n");
+    const ProbeResult result = trial.run();
+    EXPECT_TRUE(result.complete);
+    const auto captured = bucketPaths(result, LeakBucket::captured);
+    const std::set<std::string> paths(captured.begin(), captured.end());
+    std::size_t files = 0;
+    for (const fs::path& home : trial.homes()) {
+        for (int number = 0; number < 20000; ++number) {
+            files +=
+                paths.count(home / "data" / std::to_string(number / 100) / std::to_string(number));
+        }
+    }
+    EXPECT_EQ(files, 20000U);
+}
+
+TEST(TrialOf, AnAppThatEndsAtOnceTellsNothingOfASecond) {
+    Trial trial;
+    trial.plan(trial.tellStep() + "\nexit 3\n");
+    trial.onSleep = [&](AppProber::Seconds /*time*/) {
+        ASSERT_TRUE(trial.hasTold(++trial.sleeps));
+        ASSERT_TRUE(waitFor(
+            [&] { return !trial.workspace->runningApplications().contains("com.example.Notes"); }));
+    };
+    const ProbeResult result = trial.run();
+    EXPECT_EQ(result.singleton, SingletonTier::unknown);
+    EXPECT_EQ(result.recommendedStrategy, Strategy::homeOverride);
+}
+
+TEST(TrialOf, AnAppThatCrashesTellsNothingOfASecond) {
+    Trial trial;
+    trial.plan(trial.tellStep() + "\ncrash\n");
+    trial.onSleep = [&](AppProber::Seconds /*time*/) {
+        ASSERT_TRUE(trial.hasTold(++trial.sleeps));
+        ASSERT_TRUE(waitFor(
+            [&] { return !trial.workspace->runningApplications().contains("com.example.Notes"); }));
+    };
+    EXPECT_EQ(trial.run().singleton, SingletonTier::unknown);
+    trial.endAll();
+    EXPECT_TRUE(hasNoChildren());
+}
+
+TEST(TrialOf, AnAppThatIgnoresTerminationIsEndedByForce) {
+    Trial trial;
+    trial.plan("ignore-termination\n" + trial.tellStep() + "\nwait\n");
+    EXPECT_EQ(trial.run().singleton, SingletonTier::none);
+    ASSERT_THAT(trial.released, SizeIs(2));
+    const pid_t first = trial.released[0].identifier();
+    const pid_t second = trial.released[1].identifier();
+    endInBackground(std::move(trial.released[0]), std::chrono::milliseconds(50));
+    endInBackground(std::move(trial.released[1]), std::chrono::milliseconds(50));
+    trial.released.clear();
+    EXPECT_TRUE(waitFor([&] { return isGone(first) && isGone(second); }));
+}
+
+TEST(TrialOf, AnAppThatFloodsItsOutputFloodsOnlyItsLog) {
+    Trial trial;
+    trial.plan("flood 8000000\n" + trial.tellStep() + "\nwait\n");
+    const ProbeResult result = trial.run();
+    EXPECT_THAT(bucketPaths(result, LeakBucket::captured),
+                Contains(EndsWith("/quorvel-instance.log")));
+    EXPECT_EQ(result.recommendedStrategy, Strategy::homeOverride);
+}
+
+TEST(TrialOf, AnAppThatDeletesItsHomeGivesAResult) {
+    Trial trial;
+    trial.plan("write ~/file\ndelete-home\n" + trial.tellStep() + "\nwait\n");
+    const ProbeResult result = trial.run();
+    EXPECT_THAT(bucketPaths(result, LeakBucket::captured), Contains(EndsWith("/file")));
+    EXPECT_THAT(trial.homes(), IsEmpty());
+}
+
+TEST(TrialOf, AnAppWithoutAnExecutableCannotBeLaunched) {
+    Trial trial;
+    fs::remove(trial.app / "Contents/MacOS/Notes");
+    try {
+        (void)trial.run();
+        FAIL() << "it was launched";
+    } catch (const PlatformError& error) {
+        EXPECT_THAT(error.description(), HasSubstr("Notes"));
+        EXPECT_THAT(error.description(), HasSubstr("couldn’t be started"));
+    }
+    EXPECT_THAT(trial.homes(), SizeIs(2));
+    EXPECT_TRUE(hasNoChildren());
+}
+
+TEST(TrialOf, AnAppThatVanishesBeforeItsSecondLaunchRunsOn) {
+    Trial trial;
+    trial.plan("fork " + (trial.folder / "c").string() + "\n");
+    makeScriptedAppBundle(trial.app,
+                          "echo $$ > '" + (trial.folder / "first").string() + "'; exec sleep 600");
+    trial.onSleep = [&](AppProber::Seconds /*time*/) {
+        ASSERT_TRUE(waitFor([&] { return !read(trial.folder / "first").empty(); }));
+        fs::remove(trial.app / "Contents/MacOS/Notes");
+    };
+    EXPECT_THROW((void)trial.run(), PlatformError);
+    EXPECT_THAT(trial.released, IsEmpty());
+    const pid_t first = std::stoi(read(trial.folder / "first"));
+    EXPECT_EQ(::kill(first, 0), 0);
+    ::kill(first, SIGKILL);
+    EXPECT_TRUE(waitFor([&] { return isGone(first); }));
+}
+
+TEST(TrialOf, AnAppBelowAHomeThatCannotBeMadeIsNotLaunched) {
+    Trial trial;
+    fs::remove(trial.temporary);
+    write(trial.temporary, "a file stands in the way");
+    EXPECT_THROW((void)trial.run(), PlatformError);
+    EXPECT_TRUE(hasNoChildren());
+}
+
+TEST(TrialOf, AnElectronAppGetsItsDataFolderInTheHome) {
+    Trial trial;
+    fs::create_directories(trial.app / "Contents/Frameworks/Electron Framework.framework");
+    const std::string arguments = (trial.folder / "arguments").string();
+    makeScriptedAppBundle(trial.app, "echo \"$#:$1:$HOME\" >> '" + arguments + "'");
+    trial.onSleep = [&](AppProber::Seconds /*time*/) {
+        ++trial.sleeps;
+        ASSERT_TRUE(waitFor([&] {
+            const std::string text = read(arguments);
+            return std::count(text.begin(), text.end(), '\n') == trial.sleeps;
+        }));
+    };
+    (void)trial.run();
+    std::ifstream lines(arguments);
+    for (std::string line; std::getline(lines, line);) {
+        const std::string home = line.substr(line.rfind(':') + 1);
+        EXPECT_THAT(trial.homes(), Contains(fs::path(home)));
+        EXPECT_EQ(line, "1:--user-data-dir=" + home + "/QuorvelData:" + home);
+    }
+}
+
+TEST(TrialOf, AnAppRunsUnderTwoHomesOfWhichOnlyTheFirstIsWatched) {
+    Trial trial;
+    trial.plan("write ~/file\n" + trial.tellStep() + "\nwait\n");
+    const ProbeResult result = trial.run();
+    const auto captured = bucketPaths(result, LeakBucket::captured);
+    ASSERT_FALSE(captured.empty());
+    const std::string first = captured.front().substr(0, trial.temporary.string().size() + 51);
+    EXPECT_THAT(captured, Each(StartsWith(first)));
+    for (const fs::path& home : trial.homes()) {
+        EXPECT_TRUE(fs::exists(home / "file"));
+    }
+}
+
+TEST(TrialOf, AnAppThatIsGivenUpEndsBothProcesses) {
+    Trial trial;
+    trial.plan(trial.tellStep() + "\nwait\n");
+    std::atomic<bool> cancelled{false};
+    trial.onSleep = [&](AppProber::Seconds /*time*/) {
+        ASSERT_TRUE(trial.hasTold(++trial.sleeps));
+        cancelled = trial.sleeps == 2;
+    };
+    AppProber::Control control = trial.control();
+    control.cancelled = &cancelled;
+    EXPECT_THROW((void)trial.prober().run(control), ProbeCancelled);
+    ASSERT_THAT(trial.released, SizeIs(2));
+    for (Process& process : trial.released) {
+        EXPECT_EQ(process.waitUntilExit(), 128 + SIGTERM);
+    }
+}
+
+TEST(TrialOf, AnAppThatIsGivenUpEarlyIsNotLaunchedAgain) {
+    Trial trial;
+    trial.plan(trial.tellStep() + "\nwait\n");
+    std::atomic<bool> cancelled{false};
+    trial.onSleep = [&](AppProber::Seconds /*time*/) {
+        ASSERT_TRUE(trial.hasTold(1));
+        cancelled = true;
+    };
+    AppProber::Control control = trial.control();
+    control.cancelled = &cancelled;
+    EXPECT_THROW((void)trial.prober().run(control), ProbeCancelled);
+    EXPECT_THAT(trial.released, SizeIs(1));
+}
+
+TEST(TrialOf, AnAppTellsHowFarItIs) {
+    Trial trial;
+    trial.plan("wait\n");
+    AppProber prober = trial.prober();
+    AppProber::Seconds slept{0};
+    trial.onSleep = [&](AppProber::Seconds time) { slept += time; };
+    std::vector<double> fractions;
+    AppProber::Control control = trial.control();
+    control.progress = [&](double fraction) { fractions.push_back(fraction); };
+    prober.settleA = AppProber::Seconds(0.7);
+    prober.settleB = AppProber::Seconds(0.2);
+    (void)prober.run(control);
+    EXPECT_NEAR(slept.count(), 0.9, 1e-9);
+    EXPECT_TRUE(std::is_sorted(fractions.begin(), fractions.end()));
+    EXPECT_GE(fractions.size(), 18U);
+    EXPECT_DOUBLE_EQ(fractions.back(), 1.0);
+}
+
+TEST(TrialOf, AnAppInTheUsersRealTimeTakesNineSeconds) {
+    Trial trial;
+    trial.plan("write ~/file\n" + trial.tellStep() + "\nwait\n");
+    AppProber::Surroundings with = trial.surroundings();
+    with.sleep = {};
+    auto prober = AppProber::forApp(trial.app, with);
+    ASSERT_TRUE(prober);
+    const auto start = std::chrono::steady_clock::now();
+    const ProbeResult result = prober->run(trial.control());
+    EXPECT_GE(std::chrono::steady_clock::now() - start, std::chrono::seconds(9));
+    EXPECT_EQ(result.singleton, SingletonTier::none);
+    EXPECT_THAT(bucketPaths(result, LeakBucket::captured), Contains(EndsWith("/file")));
+}
+
+TEST(GeneratedProfile, HoldsWhatTheTrialShowed) {
+    AppBundle bundle;
+    bundle.url = "/A/Notes.app";
+    bundle.bundleId = "com.example.Notes";
+    bundle.sandboxed = true;
+    ProbeResult result;
+    result.buckets[LeakBucket::prefsLeak] = {"/p"};
+    result.singleton = SingletonTier::machPort;
+    result.recommendedStrategy = Strategy::unsupported;
+    const AppProfile profile = ProfileGenerator::makeProfile(bundle, result, "macOS 14.5");
+    EXPECT_EQ(profile.bundleId, "com.example.Notes");
+    EXPECT_EQ(profile.displayName, "Notes");
+    EXPECT_TRUE(profile.sandboxed);
+    EXPECT_EQ(profile.strategy, Strategy::unsupported);
+    EXPECT_EQ(profile.singleton, SingletonTier::machPort);
+    EXPECT_TRUE(profile.prefsLeak);
+    EXPECT_THAT(profile.extraArgs, IsEmpty());
+    EXPECT_THAT(profile.verifiedOn, ElementsAre("macOS 14.5"));
+    EXPECT_EQ(profile.confidence, Confidence::autoDetected);
+}
+
+TEST(GeneratedProfile, OfAnElectronAppHasItsDataArgument) {
+    const TemporaryFolder folder;
+    AppBundle bundle;
+    bundle.url = folder / "Notes.app";
+    fs::create_directories(bundle.url / "Contents/Frameworks/Electron Framework.framework");
+    EXPECT_THAT(ProfileGenerator::makeProfile(bundle, {}, "macOS 14.5").extraArgs,
+                ElementsAre("--user-data-dir={{instanceHome}}/QuorvelData"));
+}
+
+} // namespace
+} // namespace quorvel
