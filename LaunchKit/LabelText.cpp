@@ -111,9 +111,11 @@ std::optional<std::uint32_t> hexadecimal(std::string_view text) {
 } // namespace
 
 LabelText labelText(std::string_view text) {
-    QTextLayout layout(singleLine(text), labelFont());
+    const QString words = singleLine(text);
+    QTextLayout layout(words, labelFont());
     QTextOption option(Qt::AlignLeft | Qt::AlignAbsolute);
     option.setWrapMode(QTextOption::NoWrap);
+    option.setTextDirection(words.isRightToLeft() ? Qt::RightToLeft : Qt::LeftToRight);
     option.setUseDesignMetrics(true);
     layout.setTextOption(option);
     layout.beginLayout();
