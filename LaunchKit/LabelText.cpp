@@ -8,6 +8,7 @@
 #include <QGlyphRun>
 #include <QRawFont>
 #include <QString>
+#include <QStringList>
 #include <QTextLayout>
 #include <QTextOption>
 
@@ -32,24 +33,28 @@ QFont fontOf(const QString& family) {
     return font;
 }
 
-// Whether a font asked for is an upright bold one that knows how its letters fit together.
-bool isKernedBold(const QFont& font) {
+bool hasKerning(const QFont& font) {
     const QRawFont raw = QRawFont::fromFont(font);
-    if (raw.style() != QFont::StyleNormal || raw.weight() < QFont::DemiBold) {
-        return false;
-    }
     return !raw.fontTable("GPOS").isEmpty() || !raw.fontTable("kern").isEmpty();
+}
+
+bool hasUprightBold(const QString& family) {
+    const QStringList styles = QFontDatabase::styles(family);
+    return std::any_of(styles.begin(), styles.end(), [&](const QString& style) {
+        return QFontDatabase::bold(family, style) && !QFontDatabase::italic(family, style);
+    });
 }
 
 // Some systems have the same face from several foundries, of which older ones lack kerning.
 QString labelFamily() {
     const QString named = QStringLiteral("Helvetica");
-    if (isKernedBold(fontOf(named))) {
+    if (hasKerning(fontOf(named))) {
         return named;
     }
     const QString found = QFontInfo(fontOf(named)).family().section(QStringLiteral(" ["), 0, 0);
     for (const QString& family : QFontDatabase::families()) {
-        if (family.startsWith(found + QStringLiteral(" [")) && isKernedBold(fontOf(family))) {
+        if (family.startsWith(found + QStringLiteral(" [")) && hasUprightBold(family) &&
+            hasKerning(fontOf(family))) {
             return family;
         }
     }
@@ -106,9 +111,11 @@ std::optional<std::uint32_t> hexadecimal(std::string_view text) {
 } // namespace
 
 LabelText labelText(std::string_view text) {
-    QTextLayout layout(singleLine(text), labelFont());
+    const QString words = singleLine(text);
+    QTextLayout layout(words, labelFont());
     QTextOption option(Qt::AlignLeft | Qt::AlignAbsolute);
     option.setWrapMode(QTextOption::NoWrap);
+    option.setTextDirection(words.isRightToLeft() ? Qt::RightToLeft : Qt::LeftToRight);
     option.setUseDesignMetrics(true);
     layout.setTextOption(option);
     layout.beginLayout();
