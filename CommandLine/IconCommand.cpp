@@ -39,9 +39,11 @@ void listIcon(const Surroundings& with, const std::filesystem::path& source, boo
 
 void composeIcon(const Surroundings& with, const IconOptions& options, bool json) {
     const auto position = iconLabelPositionFromRawString(options.position);
-    if (!position || options.output.empty()) {
-        throw UsageError(position ? "An icon needs --output FILE or --list."
-                                  : "--position is bottom, center or top.");
+    if (!position) {
+        throw UsageError("--position is bottom, center or top.");
+    }
+    if (options.label.empty() || options.output.empty()) {
+        throw UsageError("An icon needs --label TEXT and --output FILE, or --list.");
     }
     const std::filesystem::path output = fileAt(options.output);
     IconComposer::compose(fileAt(options.source), {options.label, options.color, *position},
