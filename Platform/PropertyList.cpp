@@ -136,8 +136,8 @@ struct NodeMaker {
     Node operator()(const PropertyListDictionary& value) const {
         Node node(plist_new_dict());
         for (const auto& [key, item] : value) {
-            plist_dict_set_item(node.get(), xmlText(key),
-                                std::visit(*this, item.storage).release());
+            const char* name = xmlText(key); // may throw, so before anything is let go of
+            plist_dict_set_item(node.get(), name, std::visit(*this, item.storage).release());
         }
         return node;
     }
