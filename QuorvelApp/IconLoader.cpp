@@ -1,0 +1,99 @@
+#include "QuorvelApp/IconLoader.h"
+
+#include "QuorvelApp/QtText.h"
+#include "QuorvelApp/Symbols.h"
+
+#include <QApplication>
+#include <QFileInfo>
+#include <QFileIconProvider>
+#include <QMimeDatabase>
+#include <QPainter>
+
+namespace quorvel {
+namespace {
+
+using namespace Qt::StringLiterals;
+
+// Enough for every app of a large catalog at twice the pixels.
+constexpr int cacheKilobytes = 96 * 1024;
+
+QString keyFor(const std::filesystem::path& path, int pixels, const QString& variant) {
+    return qtText(path) + u'\n' + QString::number(pixels) + variant;
+}
+
+// What stands for an app without an icon of its own: a rounded tile with our symbol.
+QPixmap drawStandIn(const QString& symbol, int size, double ratio, const Colors& colors) {
+    QPixmap pixmap(QSize(size, size) * ratio);
+    pixmap.setDevicePixelRatio(ratio);
+    pixmap.fill(Qt::transparent);
+    QPainter painter(&pixmap);
+    painter.setRenderHint(QPainter::Antialiasing);
+    const double inset = size * 0.03;
+    painter.setPen(QPen(colors.controlBorder, 1));
+    painter.setBrush(colors.callout);
+    painter.drawRoundedRect(QRectF(0, 0, size, size).adjusted(inset, inset, -inset, -inset),
+                            size * 0.22, size * 0.22);
+    const int inner = qRound(size * 0.56);
+    symbolIcon(symbol, Ink::secondary)
+        .paint(&painter, QRect((size - inner) / 2, (size - inner) / 2, inner, inner));
+    return pixmap;
+}
+
+} // namespace
+
+IconLoader::IconLoader(std::shared_ptr<BackgroundTasks> tasks, QObject* parent)
+    : QObject(parent),
+      tasks_(std::move(tasks)),
+      known_(cacheKilobytes) {}
+
+QPixmap IconLoader::icon(const std::filesystem::path& path, int size, double ratio) {
+    const int pixels = qCeil(size * ratio);
+    const QString key = keyFor(path, pixels, {});
+    if (const QPixmap* known = known_.object(key); known != nullptr && !known->isNull()) {
+        return *known;
+    }
+    if (!known_.contains(key) && !underWay_.contains(key)) {
+        load(path, key, pixels, ratio);
+    }
+    return standIn(path, size, ratio);
+}
+
+void IconLoader::clear() {
+    known_.clear();
+    underWay_.clear();
+    ++generation_;
+}
+
+void IconLoader::load(const std::filesystem::path& path, const QString& key, int pixels,
+                      double ratio) {
+    underWay_.insert(key);
+    tasks_->detached(
+        TaskPriority::utility, this, [path, pixels] { return loadIconImage(path, pixels); },
+        [this, path, key, ratio, generation = generation_](QImage image) {
+            if (generation != generation_) {
+                return;
+            }
+            underWay_.remove(key);
+            image.setDevicePixelRatio(ratio);
+            // A null pixmap is kept as well: the file has no icon, and is not asked again.
+            known_.insert(key, new QPixmap(QPixmap::fromImage(image)),
+                          static_cast<qsizetype>(1 + image.sizeInBytes() / 1024));
+            Q_EMIT loaded(path);
+        });
+}
+
+QPixmap IconLoader::standIn(const std::filesystem::path& path, int size, double ratio) {
+    const Colors& colors = colorsFor(QApplication::palette());
+    const QString key = (path.extension() == ".app" ? u"app"_s : u"doc"_s) +
+                        QString::number(size) + u'@' + QString::number(ratio) +
+                        (colors.dark ? u"d"_s : u"l"_s);
+    if (const QPixmap* known = known_.object(key)) {
+        return *known;
+    }
+    const QPixmap drawn =
+        drawStandIn(path.extension() == ".app" ? u"app"_s : u"doc"_s, size, ratio, colors);
+    known_.insert(key, new QPixmap(drawn), 16);
+    return drawn;
+}
+
+} // namespace quorvel
