@@ -1,7 +1,9 @@
 #include "LaunchKit/WrapperGenerator.h"
 
+#include "LaunchKit/IconComposer.h"
 #include "LaunchKit/InstanceRegistry.h"
 #include "Platform/FileSystem.h"
+#include "Platform/Text.h"
 
 namespace quorvel {
 namespace fs = std::filesystem;
@@ -28,16 +30,26 @@ std::optional<fs::path> iconSource(const WrapperGenerator::Options& options,
     return itemExists(icon) ? std::optional(std::move(icon)) : std::nullopt;
 }
 
-// The name for the property list; nothing when there is no icon to install.
-std::optional<std::string> installIcon(const WrapperGenerator::Options& options,
-                                       const std::optional<AppBundle>& target,
-                                       const fs::path& resources) {
-    const std::optional<fs::path> source = iconSource(options, target);
-    if (!source) {
-        return std::nullopt;
+// False when there is nothing to draw, or when that fails.
+bool installBadgedIcon(const fs::path& source, const std::optional<IconLabel>& label,
+                       const fs::path& destination) {
+    if (!label || Text::trimmingWhitespace(label->text).empty()) {
+        return false;
     }
-    copyFile(*source, resources / "AppIcon.icns");
-    return "AppIcon";
+    try {
+        IconComposer::compose(source, *label, destination);
+        return true;
+    } catch (const IconComposer::ComposeError&) {
+        return false;
+    }
+}
+
+void installIcon(const fs::path& source, const std::optional<IconLabel>& label,
+                 const fs::path& resources) {
+    const fs::path destination = resources / "AppIcon.icns";
+    if (!installBadgedIcon(source, label, destination)) {
+        copyFile(source, destination);
+    }
 }
 
 void installRunner(const fs::path& runner, const fs::path& destination) {
@@ -76,6 +88,11 @@ fs::path WrapperGenerator::generate(const fs::path& directory, const Options& op
             throw GenError::badTarget(options.config.targetAppURL());
         }
     }
+    // Texts that can't be written are found before an older wrapper is touched.
+    const std::optional<fs::path> icon = iconSource(options, target);
+    const std::string json = options.config.json();
+    const std::string info = PropertyList::xml(
+        infoPlist(options, icon ? std::optional<std::string>("AppIcon") : std::nullopt));
     fs::path wrapper = wrapperURL(directory, options.config.displayName);
     if (itemOrLinkExists(wrapper)) {
         removeItem(wrapper);
@@ -85,9 +102,11 @@ fs::path WrapperGenerator::generate(const fs::path& directory, const Options& op
     createDirectories(contents / "MacOS");
     createDirectories(resources);
     installRunner(options.runnerBinary, contents / "MacOS" / "runner");
-    writeFile(instanceConfigFile(wrapper), options.config.json());
-    const std::optional<std::string> icon = installIcon(options, target, resources);
-    writeFile(contents / "Info.plist", PropertyList::xml(infoPlist(options, icon)));
+    writeFile(instanceConfigFile(wrapper), json);
+    if (icon) {
+        installIcon(*icon, options.config.iconLabel, resources);
+    }
+    writeFile(contents / "Info.plist", info);
     writeFile(contents / "PkgInfo", "APPL????");
     return wrapper;
 }

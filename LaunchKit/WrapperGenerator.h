@@ -43,9 +43,10 @@ public:
         std::filesystem::path url_;
     };
 
-    /// Writes `directory`/NAME.app, replacing what is there, and gives its path. Throws `GenError`
-    /// with nothing written; `PlatformError`, `ConfigError` or `std::invalid_argument` (a text that
-    /// a property list can't hold), which may leave a part of the wrapper behind.
+    /// Writes `directory`/NAME.app, replacing what is there, and gives its path. Throws, with
+    /// nothing touched, `GenError`, `ConfigError` (a text that is not UTF-8) or
+    /// `std::invalid_argument` (a text that a property list can't hold); and `PlatformError`, which
+    /// may leave a part of the wrapper behind.
     [[nodiscard]] std::filesystem::path generate(const std::filesystem::path& directory,
                                                  const Options& options) const;
 

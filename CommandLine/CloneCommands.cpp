@@ -1,0 +1,172 @@
+#include "CommandLine/CloneCommands.h"
+
+#include "CommandLine/CloneLookup.h"
+#include "CommandLine/CloneTexts.h"
+#include "CommandLine/TerminalText.h"
+#include "LaunchKit/InstanceLauncher.h"
+#include "LaunchKit/WrapperGenerator.h"
+#include "Platform/FileSystem.h"
+#include "Platform/UserPaths.h"
+
+#include <future>
+#include <istream>
+#include <ostream>
+
+namespace quorvel {
+namespace fs = std::filesystem;
+namespace {
+
+// A script gets the path as it is; a terminal must not be steered by what a name holds.
+std::string shownPath(const Surroundings& with, const fs::path& path) {
+    return with.outputIsTerminal ? terminalText(path.string()) : path.string();
+}
+
+void openWrapper(const Surroundings& with, const InstanceRecord& record) {
+    const std::string home = record.config.resolvedHome();
+    if (record.config.kind == ShortcutKind::app) {
+        InstanceLauncher::ensureKeychainAccess(home);
+        if (record.config.shareUserFolders) {
+            InstanceLauncher::ensureSharedUserFolders(home);
+        }
+    }
+    std::promise<std::optional<PlatformError>> opened;
+    with.workspace.openApplication(record.bundleURL, true, [&](std::optional<PlatformError> error) {
+        opened.set_value(std::move(error));
+    });
+    if (const auto error = opened.get_future().get()) {
+        throw *error;
+    }
+}
+
+// Replacing a clone of the same name is what making it again means; an application is none.
+void refuseToReplaceAnApplication(const WrapperFactory::Request& request, const std::string& name) {
+    const fs::path wrapper =
+        wrapperURL(request.outputDir.value_or(WrapperFactory::defaultOutputDir()), name);
+    if (itemExists(wrapper / "Contents" / "Info.plist") &&
+        !itemExists(instanceConfigFile(wrapper))) {
+        throw CommandError(wrapper.string() + " is an application, not a clone; choose another "
+                                              "name or folder.");
+    }
+}
+
+bool confirmed(const Surroundings& with, const InstanceRecord& record, bool includingData) {
+    with.errors << "Delete “" << terminalText(record.config.displayName) << "”";
+    if (includingData) {
+        with.errors << " and everything in " << terminalText(record.config.resolvedHome());
+    }
+    with.errors << "? [y/N] " << std::flush;
+    std::string answer;
+    std::getline(with.input, answer);
+    return answer == "y" || answer == "Y" || answer == "yes";
+}
+
+} // namespace
+
+void inspectCommand(const Surroundings& with, const std::string& app, bool json) {
+    const fs::path url = UserPaths::expandTilde(absolutePath(app).string());
+    const std::optional<AppBundle> bundle = AppBundle::read(url);
+    if (!bundle) {
+        throw WrapperFactory::FactoryError::badTarget(url);
+    }
+    with.output << (json ? document(jsonForm(*bundle)) : description(*bundle));
+}
+
+void listCommand(const Surroundings& with, const std::vector<std::string>& searchDirs, bool json) {
+    InstanceRegistry registry = with.registry;
+    if (!searchDirs.empty()) {
+        registry.searchDirs.clear();
+        for (const std::string& folder : searchDirs) {
+            registry.searchDirs.emplace_back(UserPaths::expandTilde(absolutePath(folder).string()));
+        }
+    }
+    const std::vector<InstanceRecord> records = registry.list();
+    const RunningApplications running = with.workspace.runningApplications();
+    if (!json) {
+        with.output << listing(records, running);
+        return;
+    }
+    nlohmann::json array = nlohmann::json::array();
+    for (const InstanceRecord& record : records) {
+        array.push_back(jsonForm(record, running));
+    }
+    with.output << document(array);
+}
+
+void showCommand(const Surroundings& with, const std::string& clone, bool json) {
+    const InstanceRecord record = findClone(with.registry, clone);
+    const RunningApplications running = with.workspace.runningApplications();
+    with.output << (json ? document(jsonForm(record, running))
+                         : description(record, running.contains(record.config.bundleId)));
+}
+
+void createCommand(const Surroundings& with, const CreateOptions& options, bool json) {
+    const WrapperFactory::Request request = requestFrom(options);
+    const WrapperFactory factory(
+        options.runner.empty() ? std::nullopt : std::optional(absolutePath(options.runner)));
+    refuseToReplaceAnApplication(request, request.displayName);
+    const fs::path wrapper = factory.create(request);
+    const std::optional<InstanceRecord> record = with.registry.record(wrapper);
+    if (!record) {
+        throw CommandError("The clone at " + wrapper.string() + " can’t be read back.");
+    }
+    if (options.launch) {
+        openWrapper(with, *record);
+    }
+    with.output << (json ? document(jsonForm(*record, with.workspace.runningApplications()))
+                         : shownPath(with, wrapper) + "\n");
+}
+
+void openCommand(const Surroundings& with, const std::string& clone, bool json) {
+    const InstanceRecord record = findClone(with.registry, clone);
+    openWrapper(with, record);
+    if (json) {
+        with.output << document({{"bundleURL", record.bundleURL.string()}});
+    }
+}
+
+void deleteCommand(const Surroundings& with, const std::string& clone, const DeleteOptions& options,
+                   bool json) {
+    const InstanceRecord record = findClone(with.registry, clone);
+    if (!options.yes && !with.inputIsTerminal) {
+        throw UsageError("Deleting needs --yes where nobody can be asked");
+    }
+    if (!options.yes && !confirmed(with, record, options.includingData)) {
+        throw CommandError("Nothing was deleted.");
+    }
+    const std::string home = record.config.resolvedHome();
+    const bool hadData = !home.empty() && itemExists(home);
+    with.registry.remove(record, options.includingData);
+    const bool deletedData = options.includingData && hadData && !itemExists(home);
+    if (json) {
+        with.output << document(
+            {{"bundleURL", record.bundleURL.string()}, {"deletedData", deletedData}});
+    } else if (options.includingData && hadData && !deletedData) {
+        with.errors << "The data folder was kept: " << terminalText(home) << "\n";
+    }
+}
+
+void migrateCommand(const Surroundings& with, const std::string& clone, bool json) {
+    const InstanceRecord record = findClone(with.registry, clone);
+    const std::map<std::string, int> moved =
+        InstanceLauncher::migrateSharedUserFolders(record.config.resolvedHome());
+    if (!record.config.shareUserFolders) {
+        with.registry.update(record,
+                             [](InstanceConfig& config) { config.shareUserFolders = true; });
+    }
+    if (json) {
+        nlohmann::json counts = nlohmann::json::object();
+        for (const auto& [name, count] : moved) {
+            counts[name] = count;
+        }
+        with.output << document({{"moved", counts}});
+        return;
+    }
+    for (const std::string_view name : InstanceLauncher::sharedUserFolders) {
+        const auto found = moved.find(std::string(name));
+        if (found != moved.end() && found->second > 0) {
+            with.output << "Moved " << found->second << " from " << name << "\n";
+        }
+    }
+}
+
+} // namespace quorvel

@@ -1,0 +1,18 @@
+#pragma once
+
+#include "LaunchKit/InstanceRegistry.h"
+
+#include <filesystem>
+#include <string>
+
+namespace quorvel {
+
+/// The clone that a person means: a path to a wrapper, or a display name among the listed clones.
+/// Throws `CommandError` when there is none, or when several bear the name, with their paths.
+[[nodiscard]] InstanceRecord findClone(const InstanceRegistry& registry, const std::string& words);
+
+/// `path` as it stands when it begins with "~", else made absolute, without "." and "..", and
+/// without a slash at its end.
+[[nodiscard]] std::filesystem::path absolutePath(const std::string& path);
+
+} // namespace quorvel

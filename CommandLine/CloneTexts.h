@@ -1,0 +1,31 @@
+#pragma once
+
+#include "LaunchKit/AppBundle.h"
+#include "LaunchKit/InstanceRegistry.h"
+#include "Platform/Workspace.h"
+
+#include <nlohmann/json.hpp>
+
+#include <string>
+#include <vector>
+
+/// The forms in which commands print what they found: JSON for scripts, text for people.
+namespace quorvel {
+
+[[nodiscard]] nlohmann::json jsonForm(const InstanceRecord& record,
+                                      const RunningApplications& running);
+[[nodiscard]] nlohmann::json jsonForm(const AppBundle& bundle);
+
+/// The document as it goes to standard output. Bytes that are no UTF-8 become U+FFFD, since JSON
+/// has no other way to show them.
+[[nodiscard]] std::string document(const nlohmann::json& value);
+
+/// A table with one line a clone.
+[[nodiscard]] std::string listing(const std::vector<InstanceRecord>& records,
+                                  const RunningApplications& running);
+
+/// Everything about one clone, one fact a line.
+[[nodiscard]] std::string description(const InstanceRecord& record, bool running);
+[[nodiscard]] std::string description(const AppBundle& bundle);
+
+} // namespace quorvel

@@ -1,0 +1,187 @@
+#include "CommandLine/CommandLine.h"
+
+#include "CommandLine/CloneCommands.h"
+#include "CommandLine/TerminalText.h"
+
+#include <CLI/CLI.hpp>
+
+#include <algorithm>
+#include <functional>
+#include <ostream>
+
+namespace quorvel {
+namespace {
+
+// Everything that the words of one command line may set.
+struct Words {
+    std::string operand{};
+    std::vector<std::string> searchDirs{};
+    CreateOptions create{};
+    DeleteOptions remove{};
+    bool json = false;
+};
+
+using Command = std::function<void()>;
+
+// A repeatable option that takes exactly one value each time, whatever that value looks like.
+void addRepeatable(CLI::App& command, const std::string& name, std::vector<std::string>& values,
+                   const std::string& help, const std::string& placeholder) {
+    command
+        .add_option_function<std::string>(
+            name, [&values](const std::string& value) { values.push_back(value); }, help)
+        ->trigger_on_parse()
+        ->multi_option_policy(CLI::MultiOptionPolicy::TakeLast)
+        ->type_name(placeholder);
+}
+
+CLI::App& addCommand(CLI::App& program, const std::string& name, const std::string& help,
+                     Words& words, Command& chosen, Command run) {
+    CLI::App* command = program.add_subcommand(name, help);
+    command->add_flag("--json", words.json, "Print JSON");
+    command->callback([&chosen, run = std::move(run)] { chosen = run; });
+    return *command;
+}
+
+void addCloneOperand(CLI::App& command, Words& words) {
+    command
+        .add_option("CLONE", words.operand, "A path to a wrapper, or the name of a listed clone")
+        ->required()
+        ->type_name("");
+}
+
+void addCreateOptions(CLI::App& create, CreateOptions& o) {
+    const auto text = [&](const char* name, std::string& value, const char* help,
+                          const char* placeholder) {
+        return create.add_option(name, value, help)->type_name(placeholder);
+    };
+    text("--kind", o.kind, "What the clone opens: app, web, file or command", "KIND")
+        ->check(CLI::IsMember({"app", "web", "file", "command"}).description(""));
+    text("--name", o.name, "The clone's name", "NAME");
+    text("--target", o.target, "The application to clone", "APP");
+    text("--url", o.url, "The address that a web clone opens", "URL");
+    text("--open", o.open, "The file or folder that a file clone opens", "PATH");
+    text("--command", o.command, "The program that a command clone runs", "PATH");
+    addRepeatable(create, "--arg", o.commandArgs, "An argument of the command (repeatable)", "A");
+    text("--workdir", o.workingDirectory, "The command's working directory", "DIR");
+    text("--home", o.home, "The data folder (default: ~/QuorvelInstances/NAME)", "DIR");
+    text("--output", o.output, "Where the clone is put (default: ~/Applications)", "DIR");
+    text("--bundle-id", o.bundleId, "The clone's bundle identifier", "ID");
+    text("--strategy", o.strategy,
+         "How its data is kept apart: home-override, container-redirect, wrapper-identity or "
+         "unsupported",
+         "STRATEGY")
+        ->check(CLI::IsMember(
+                    {"home-override", "container-redirect", "wrapper-identity", "unsupported"})
+                    .description(""));
+    text("--icon", o.icon, "An icon file to use instead of the target's", "FILE");
+    create.add_flag("--hide-icon", o.hideIcon, "Show no Dock icon");
+    addRepeatable(create, "--extra-arg", o.extraArgs,
+                  "An argument for the target (repeatable; default: what its engine needs)", "A");
+    create.add_flag("--no-extra-args", o.noExtraArgs, "No arguments for the target at all");
+    addRepeatable(create, "--env", o.environment, "An environment variable (repeatable)", "K=V");
+    addRepeatable(create, "--plist", o.plist, "An entry of the property list (repeatable)", "K=V");
+    create.add_flag("--browser", o.browser, "Register as a web browser");
+    create.add_flag("--open-with", o.openWith, "Open any document with the clone");
+    text("--label", o.label, "A short text on the icon", "TEXT");
+    text("--label-color", o.labelColor, "Its colour (default: #FFFFFF)", "HEX");
+    text("--label-position", o.labelPosition, "Where it sits: bottom, center or top", "P")
+        ->check(CLI::IsMember({"bottom", "center", "top"}).description(""));
+    create.add_flag("--menu-bar-icon", o.menuBarIcon, "Show an icon in the menu bar");
+    create.add_flag("--menu-bar-template", o.menuBarTemplate, "Draw that icon in one colour");
+    create.add_flag("--isolate-folders", o.isolateFolders,
+                    "Own Downloads, Documents and Desktop instead of the user's");
+    text("--runner", o.runner, "The runner to put into the clone", "FILE");
+    create.add_flag("--launch", o.launch, "Open the clone at once");
+}
+
+void addCommands(CLI::App& program, Words& words, Command& chosen, const Surroundings& with) {
+    addCommand(program, "inspect", "Show the facts about an application", words, chosen,
+               [&] { inspectCommand(with, words.operand, words.json); })
+        .add_option("APP", words.operand, "The application bundle")
+        ->required()
+        ->type_name("");
+    addRepeatable(addCommand(program, "list", "List the clones", words, chosen,
+                             [&] { listCommand(with, words.searchDirs, words.json); }),
+                  "--search-dir", words.searchDirs,
+                  "A folder to look in instead of ~/Applications (repeatable)", "DIR");
+    addCloneOperand(addCommand(program, "show", "Show one clone", words, chosen,
+                               [&] { showCommand(with, words.operand, words.json); }),
+                    words);
+    addCreateOptions(addCommand(program, "create", "Make a clone and print its path", words, chosen,
+                                [&] { createCommand(with, words.create, words.json); }),
+                     words.create);
+    addCloneOperand(addCommand(program, "open", "Open a clone", words, chosen,
+                               [&] { openCommand(with, words.operand, words.json); }),
+                    words);
+    CLI::App& remove = addCommand(program, "delete", "Delete a clone", words, chosen, [&] {
+        deleteCommand(with, words.operand, words.remove, words.json);
+    });
+    addCloneOperand(remove, words);
+    remove.add_flag("--including-data", words.remove.includingData, "Delete its data folder too");
+    remove.add_flag("--yes", words.remove.yes, "Don't ask");
+    addCloneOperand(addCommand(program, "migrate",
+                               "Move a clone's own Downloads, Documents and Desktop files into "
+                               "the user's folders, and share these from now on",
+                               words, chosen,
+                               [&] { migrateCommand(with, words.operand, words.json); }),
+                    words);
+}
+
+// The usage of the command that was typed, or of the whole when none was.
+std::string usage(const CLI::App& program) {
+    const auto chosen = program.get_subcommands();
+    return chosen.empty() ? program.help() : chosen.front()->help(program.get_name());
+}
+
+int showUsage(const CLI::App& program, const Surroundings& with, const std::string& message) {
+    with.errors << terminalText(message) << "\n\n" << usage(program);
+    return 2;
+}
+
+// The parser takes "--option=" for an option whose value follows; here the value is the empty text.
+std::vector<std::string> withEmptyValues(const std::vector<std::string>& arguments) {
+    std::vector<std::string> result;
+    for (const std::string& argument : arguments) {
+        if (argument.size() > 3 && argument.starts_with("--") &&
+            argument.find('=') == argument.size() - 1) {
+            result.push_back(argument.substr(0, argument.size() - 1));
+            result.emplace_back();
+        } else {
+            result.push_back(argument);
+        }
+    }
+    return result;
+}
+
+} // namespace
+
+int runCommandLine(const std::vector<std::string>& arguments, const Surroundings& with) {
+    CLI::App program("Makes isolated copies of applications, and shortcuts.", "quorvelctl");
+    program.set_version_flag("--version", "quorvelctl " QUORVEL_VERSION);
+    program.require_subcommand(1);
+    Words words;
+    Command chosen;
+    addCommands(program, words, chosen, with);
+    try {
+        std::vector<std::string> reversed = withEmptyValues(arguments);
+        std::reverse(reversed.begin(), reversed.end());
+        program.parse(std::move(reversed));
+        chosen();
+        return 0;
+    } catch (const CLI::CallForHelp&) {
+        with.output << usage(program);
+        return 0;
+    } catch (const CLI::CallForVersion&) {
+        with.output << program.version() << "\n";
+        return 0;
+    } catch (const CLI::ParseError& error) {
+        return showUsage(program, with, error.what());
+    } catch (const UsageError& error) {
+        return showUsage(program, with, error.what());
+    } catch (const std::exception& error) {
+        with.errors << terminalText(error.what()) << "\n";
+        return 1;
+    }
+}
+
+} // namespace quorvel

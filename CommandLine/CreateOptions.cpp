@@ -1,0 +1,130 @@
+#include "CommandLine/CreateOptions.h"
+
+#include "CommandLine/CloneLookup.h"
+#include "CommandLine/Surroundings.h"
+#include "Platform/Text.h"
+#include "Platform/UserPaths.h"
+#include "Platform/Utf8.h"
+
+#include <algorithm>
+
+namespace quorvel {
+namespace fs = std::filesystem;
+namespace {
+
+std::optional<std::string> given(const std::string& text) {
+    return text.empty() ? std::nullopt : std::optional(text);
+}
+
+// A path that is kept in the configuration, where "~" stands for the home of whoever opens it.
+std::optional<std::string> givenPath(const std::string& text) {
+    return text.empty() ? std::nullopt : std::optional(absolutePath(text).string());
+}
+
+std::optional<fs::path> givenFile(const std::string& text) {
+    return text.empty()
+               ? std::nullopt
+               : std::optional(fs::path(UserPaths::expandTilde(absolutePath(text).string())));
+}
+
+std::map<std::string, std::string> pairs(const std::vector<std::string>& texts,
+                                         const char* option) {
+    std::map<std::string, std::string> result;
+    for (const std::string& text : texts) {
+        const std::size_t equals = text.find('=');
+        if (equals == std::string::npos || equals == 0) {
+            throw UsageError(std::string(option) + " takes KEY=VALUE, not " + text);
+        }
+        result.insert_or_assign(text.substr(0, equals), text.substr(equals + 1));
+    }
+    return result;
+}
+
+template<typename Case>
+Case known(const std::optional<Case>& value, const char* option, const std::string& text) {
+    if (!value) {
+        throw UsageError(std::string(option) + " does not know " + text);
+    }
+    return *value;
+}
+
+bool holdsControlCharacters(const std::string& text) {
+    return std::any_of(text.begin(), text.end(), [](char c) {
+        return (static_cast<unsigned char>(c) < 0x20 && c != '\n' && c != '\t') || c == 0x7F;
+    });
+}
+
+// The factory takes any name; here one that would leave the folder of clones is stopped.
+std::string checkedName(const std::string& name) {
+    const std::string trimmed = Text::trimmingWhitespaceAndNewlines(name);
+    if (!isUtf8(trimmed)) {
+        throw CommandError("The name “" + trimmed + "” is not UTF-8 text.");
+    }
+    if (trimmed.find('/') != std::string::npos || trimmed == "." || trimmed == "..") {
+        throw CommandError("The name “" + trimmed +
+                           "” can’t be used: it must not hold “/” and not be “.” or “..”.");
+    }
+    if (holdsControlCharacters(trimmed)) {
+        throw CommandError("The name “" + trimmed + "” holds control characters.");
+    }
+    return name;
+}
+
+void requireTarget(ShortcutKind kind, const CreateOptions& options) {
+    const auto require = [&](ShortcutKind needing, const std::string& value, const char* option) {
+        if (kind == needing && value.empty()) {
+            throw UsageError("--kind " + std::string(rawString(kind)) + " needs " + option);
+        }
+    };
+    require(ShortcutKind::web, options.url, "--url");
+    require(ShortcutKind::file, options.open, "--open");
+    require(ShortcutKind::command, options.command, "--command");
+}
+
+std::optional<IconLabel> label(const CreateOptions& options) {
+    if (options.label.empty()) {
+        return std::nullopt;
+    }
+    return IconLabel{options.label, options.labelColor,
+                     known(iconLabelPositionFromRawString(options.labelPosition),
+                           "--label-position", options.labelPosition)};
+}
+
+} // namespace
+
+WrapperFactory::Request requestFrom(const CreateOptions& options) {
+    WrapperFactory::Request request;
+    request.kind = known(shortcutKindFromRawString(options.kind), "--kind", options.kind);
+    requireTarget(request.kind, options);
+    request.targetApp = givenFile(options.target);
+    request.displayName = checkedName(options.name);
+    request.url = given(options.url);
+    request.openPath = givenPath(options.open);
+    request.commandPath = givenPath(options.command);
+    request.commandArgs = options.commandArgs;
+    request.workingDirectory = givenPath(options.workingDirectory);
+    request.instanceHome = givenPath(options.home);
+    request.outputDir = givenFile(options.output);
+    request.bundleId = given(options.bundleId);
+    request.strategy =
+        known(strategyFromRawString(options.strategy), "--strategy", options.strategy);
+    request.customIcon = givenFile(options.icon);
+    request.hideWrapperIcon = options.hideIcon;
+    if (options.noExtraArgs && !options.extraArgs.empty()) {
+        throw UsageError("--no-extra-args and --extra-arg exclude each other");
+    }
+    if (options.noExtraArgs || !options.extraArgs.empty()) {
+        request.extraArgs = options.extraArgs;
+    }
+    request.environment = pairs(options.environment, "--env");
+    request.infoPlistOverrides = pairs(options.plist, "--plist");
+    request.registerAsBrowser = options.browser;
+    request.openWithPassthrough = options.openWith;
+    request.iconLabel = label(options);
+    request.menuBarIcon = options.menuBarIcon;
+    request.menuBarIconTemplate = options.menuBarTemplate;
+    request.shareUserFolders = !options.isolateFolders;
+    return request;
+}
+
+} // namespace quorvel

@@ -1,0 +1,19 @@
+#include "CommandLine/CommandLine.h"
+
+#include <clocale>
+#include <iostream>
+#include <unistd.h>
+
+int main(int argc, char** argv) {
+    const std::unique_ptr<quorvel::Workspace> workspace = quorvel::makeSystemWorkspace();
+    const quorvel::Surroundings with{std::cin,
+                                     std::cout,
+                                     std::cerr,
+                                     ::isatty(STDIN_FILENO) != 0,
+                                     ::isatty(STDOUT_FILENO) != 0,
+                                     *workspace,
+                                     quorvel::InstanceRegistry()};
+    const int status = quorvel::runCommandLine({argv + (argc > 0 ? 1 : 0), argv + argc}, with);
+    // A full disk or a closed pipe shows only when the last bytes go out.
+    return std::cout.flush() ? status : 1;
+}

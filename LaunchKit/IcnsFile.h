@@ -1,0 +1,67 @@
+#pragma once
+
+#include <cstddef>
+#include <filesystem>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+class QImage;
+
+namespace quorvel {
+
+/// How the pixels of an entry are stored.
+enum class IcnsEncoding { png, jpeg2000, argb, rle24, raw32, indexed8, indexed4, bitmap };
+
+/// "png", "jpeg2000", "argb", "rle24", "raw32", "8bit", "4bit" or "1bit".
+[[nodiscard]] std::string_view rawString(IcnsEncoding encoding);
+
+/// One image of an icon file.
+struct IcnsEntry {
+    std::string type{}; ///< four characters
+    IcnsEncoding encoding = IcnsEncoding::png;
+    int width = 0; ///< pixels
+    int height = 0;
+
+    bool operator==(const IcnsEntry&) const = default;
+};
+
+/// Reads icon container files (".icns"). Only what is asked for is decoded. Hostile files cost
+/// bounded time and memory and never throw; what is whole in a damaged one is found.
+/// A value that shares its bytes with its copies; reading it is safe from several threads at once.
+class IcnsFile {
+public:
+    /// The largest file that is read.
+    static constexpr std::size_t maximumFileSize = std::size_t{64} << 20U;
+
+    /// Nothing when the file can't be read, is larger, is no regular file or no icon container.
+    [[nodiscard]] static std::optional<IcnsFile> read(const std::filesystem::path& file);
+    [[nodiscard]] static std::optional<IcnsFile> parse(std::string bytes);
+
+    /// The images that look whole from outside and whose own size is that of their type: the
+    /// icon's own, then those of nested families (its selected or dark form); in each, full colour
+    /// in the order of the file, then 8, 4 and 1 bit. Masks and what is no image are left out.
+    [[nodiscard]] const std::vector<IcnsEntry>& entries() const;
+
+    /// One image as 8-bit ARGB with straight alpha (`QImage::Format_ARGB32`, sRGB); null when it
+    /// turns out to be broken. Throws `std::out_of_range` for an index that is none.
+    [[nodiscard]] QImage decode(std::size_t index) const;
+
+    /// The widest image that can be decoded, the first of equally wide ones; null without any.
+    [[nodiscard]] QImage widest() const;
+
+    /// The image to show at `side` pixels: the smallest that is at least so wide, else the widest;
+    /// one that can't be decoded is passed over. Null without any.
+    [[nodiscard]] QImage nearest(int side) const;
+
+private:
+    class Contents;
+    explicit IcnsFile(std::shared_ptr<const Contents> contents);
+    [[nodiscard]] QImage firstDecodable(const std::vector<std::size_t>& order) const;
+
+    std::shared_ptr<const Contents> contents_;
+};
+
+} // namespace quorvel

@@ -1,0 +1,12 @@
+#pragma once
+
+#include <array>
+#include <cstdint>
+
+/// The fixed colours of the 4- and 8-bit icons, as 0xFFRRGGBB.
+namespace quorvel {
+
+[[nodiscard]] const std::array<std::uint32_t, 16>& icnsColours16();
+[[nodiscard]] const std::array<std::uint32_t, 256>& icnsColours256();
+
+} // namespace quorvel

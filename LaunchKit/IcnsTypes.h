@@ -1,0 +1,52 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+/// The image types of the icon container: which size and which form each one stands for.
+namespace quorvel {
+
+/// A chunk's four-character type, as the number that the file holds.
+using IcnsCode = std::uint32_t;
+
+[[nodiscard]] constexpr IcnsCode icnsCode(std::string_view name) {
+    IcnsCode code = 0;
+    for (const char character : name.substr(0, 4)) {
+        code = (code << 8U) | static_cast<unsigned char>(character);
+    }
+    return code;
+}
+
+[[nodiscard]] std::string icnsName(IcnsCode code);
+
+/// The form of a type's payload.
+enum class IcnsForm {
+    file,      ///< a PNG or JPEG 2000 file, or planes behind "ARGB"
+    fileOrRgb, ///< such a file, or 24-bit colour without alpha
+    rgb,       ///< 24-bit colour as three packed planes, or 32-bit pixels; alpha is in `alphaMask`
+    indexed8,  ///< one byte a pixel into the system's 256 colours
+    indexed4,  ///< four bits a pixel into the system's 16 colours
+    bitmap,    ///< one bit a pixel, set bits black; a 1-bit mask may follow
+};
+
+/// One image type.
+struct IcnsType {
+    IcnsCode code = 0;
+    IcnsForm form = IcnsForm::file;
+    int width = 0;
+    int height = 0;
+    IcnsCode alphaMask = 0; ///< the type of the 8-bit mask that belongs to it; 0 for none
+    IcnsCode bitMask = 0;   ///< the bitmap type whose 1-bit mask it uses; 0 for none
+};
+
+/// Nothing for a type that is no image of its own.
+[[nodiscard]] const IcnsType* icnsType(IcnsCode code);
+
+/// Whether a type's payload is a family of its own: the selected, hovered or dark form of the icon.
+[[nodiscard]] bool isNestedFamily(IcnsCode code);
+
+/// Whether a type is an 8-bit mask.
+[[nodiscard]] bool isAlphaMask(IcnsCode code);
+
+} // namespace quorvel

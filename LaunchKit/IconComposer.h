@@ -1,0 +1,44 @@
+#pragma once
+
+#include "LaunchKit/IconLabel.h"
+
+#include <filesystem>
+#include <stdexcept>
+#include <string>
+
+/// Puts a label onto an icon.
+namespace quorvel::IconComposer {
+
+class ComposeError : public std::runtime_error {
+public:
+    enum class Case { noSourceImage, destinationFailed };
+
+    [[nodiscard]] static ComposeError noSourceImage(const std::filesystem::path& source);
+    [[nodiscard]] static ComposeError destinationFailed();
+
+    [[nodiscard]] Case kind() const noexcept { return case_; }
+    /// The source of `noSourceImage`, else empty.
+    [[nodiscard]] const std::filesystem::path& url() const noexcept { return url_; }
+    [[nodiscard]] std::string description() const { return what(); }
+
+private:
+    ComposeError(Case kind, const std::string& text, std::filesystem::path url = {})
+        : std::runtime_error(text),
+          case_(kind),
+          url_(std::move(url)) {}
+
+    Case case_;
+    std::filesystem::path url_;
+};
+
+/// Reads the widest image of `source` (an icon container or any format of pixels that Qt reads),
+/// draws `label` onto it at 1024, 512, 256, 128, 64, 32 and 16 pixels, and writes these as an icon
+/// container to `destination`, replacing a file that is there. A label without visible text leaves
+/// the picture as it is; a size that can't be drawn is left out.
+/// Throws `ComposeError` and nothing else: `noSourceImage` before anything is written, or
+/// `destinationFailed`, behind which a part of the file may stay. Any thread, several at once;
+/// text needs the font engine, see `ensureFontEngine`.
+void compose(const std::filesystem::path& source, const IconLabel& label,
+             const std::filesystem::path& destination);
+
+} // namespace quorvel::IconComposer

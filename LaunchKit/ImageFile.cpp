@@ -1,0 +1,103 @@
+#include "LaunchKit/ImageFile.h"
+
+#include "LaunchKit/IcnsContainer.h"
+#include "LaunchKit/Jpeg2000Image.h"
+
+#include <QBuffer>
+#include <QByteArray>
+#include <QColorSpace>
+#include <QImageReader>
+
+#include <algorithm>
+#include <array>
+
+namespace quorvel {
+namespace {
+
+constexpr std::string_view pngMark("\x89PNG\r\n\x1A\n", 8);
+constexpr int maximumImages = 64;
+
+// The bytes as Qt takes them, not copied: they must outlive the result.
+QByteArray borrowed(std::string_view bytes) {
+    return QByteArray::fromRawData(bytes.data(), static_cast<qsizetype>(bytes.size()));
+}
+
+bool isAcceptable(QSize size) {
+    return size.isValid() && !size.isEmpty() && size.width() <= maximumImageSide &&
+           size.height() <= maximumImageSide;
+}
+
+// The format's name when it is one of pixels, else empty.
+QByteArray pixelFormat(QBuffer& buffer) {
+    static constexpr std::array formats{"png", "jpeg", "gif", "bmp", "ico", "tiff", "webp"};
+    const QByteArray format = QImageReader::imageFormat(&buffer);
+    const bool known = std::any_of(formats.begin(), formats.end(),
+                                   [&](const char* name) { return format == name; });
+    return known ? format : QByteArray();
+}
+
+} // namespace
+
+bool isPng(std::string_view bytes) noexcept {
+    return bytes.starts_with(pngMark);
+}
+
+QSize pngSize(std::string_view bytes) {
+    constexpr std::size_t widthOffset = 16;
+    if (!isPng(bytes) || bytes.size() < widthOffset + 8 || bytes.substr(12, 4) != "IHDR") {
+        return {};
+    }
+    const std::uint32_t width = bigEndian32(bytes.substr(widthOffset));
+    const std::uint32_t height = bigEndian32(bytes.substr(widthOffset + 4));
+    const auto side = static_cast<std::uint32_t>(maximumImageSide);
+    const bool acceptable = width >= 1 && width <= side && height >= 1 && height <= side;
+    return acceptable ? QSize(static_cast<int>(width), static_cast<int>(height)) : QSize();
+}
+
+QImage pngImage(std::string_view bytes, QSize size) {
+    if (!size.isValid() || pngSize(bytes) != size) {
+        return {};
+    }
+    QByteArray data = borrowed(bytes);
+    QBuffer buffer(&data);
+    buffer.open(QIODevice::ReadOnly);
+    QImage image = QImageReader(&buffer, "png").read();
+    return image.size() == size ? standardPixels(std::move(image)) : QImage();
+}
+
+QImage widestImage(std::string_view bytes) {
+    if (isJpeg2000(bytes)) {
+        return jpeg2000Image(bytes, jpeg2000Size(bytes));
+    }
+    QByteArray data = borrowed(bytes);
+    QBuffer buffer(&data);
+    buffer.open(QIODevice::ReadOnly);
+    QImageReader reader(&buffer, pixelFormat(buffer));
+    reader.setAutoDetectImageFormat(false);
+    if (reader.format().isEmpty()) {
+        return {};
+    }
+    QImage widest;
+    for (int index = 0; index < std::clamp(reader.imageCount(), 1, maximumImages); ++index) {
+        if ((index > 0 && !reader.jumpToImage(index)) || !isAcceptable(reader.size())) {
+            continue;
+        }
+        if (QImage image = reader.read(); image.width() > widest.width()) {
+            widest = std::move(image);
+        }
+    }
+    return standardPixels(std::move(widest));
+}
+
+QImage standardPixels(QImage image) {
+    const QColorSpace own = image.colorSpace();
+    const QColorSpace standard(QColorSpace::SRgb);
+    if (own.isValid() && own != standard) {
+        image.convertToColorSpace(standard);
+    }
+    image.convertTo(QImage::Format_ARGB32);
+    image.setColorSpace({});
+    return image;
+}
+
+} // namespace quorvel

@@ -1,0 +1,21 @@
+#pragma once
+
+#include <QImage>
+#include <QSize>
+
+#include <string_view>
+
+/// JPEG 2000 images, as whole files or bare codestreams.
+namespace quorvel {
+
+[[nodiscard]] bool isJpeg2000(std::string_view bytes) noexcept;
+
+/// The size that the codestream declares; invalid when there is none, or when it has more than four
+/// components, which no icon has, or more tiles than an icon could need.
+[[nodiscard]] QSize jpeg2000Size(std::string_view bytes);
+
+/// The image with straight alpha; null when it can't be decoded whole or is not of this size.
+/// Grey and colour, each with and without alpha, of up to 16 bits, are read.
+[[nodiscard]] QImage jpeg2000Image(std::string_view bytes, QSize size);
+
+} // namespace quorvel
