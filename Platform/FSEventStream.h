@@ -13,7 +13,7 @@ namespace quorvel {
 /// each other within the latency come as one event.
 namespace FSEventFlag {
 /// Events were lost, or a folder below could not be watched: what is known of the path's tree may
-/// lack something. Stands alone, not with a change.
+/// lack something.
 inline constexpr std::uint32_t mustScanSubDirs = 0x00000001;
 inline constexpr std::uint32_t itemCreated = 0x00000100;
 inline constexpr std::uint32_t itemRemoved = 0x00000200;
@@ -40,7 +40,7 @@ public:
     using Handler = std::function<void(const FSEventBatch&)>;
 
     struct Options {
-        std::vector<std::string> paths{};
+        std::vector<std::string> paths{}; ///< absolute, of folders
         /// The first event of a quiet period comes at once; what follows is gathered so long.
         std::chrono::milliseconds latency{100};
         /// The name of the serial queue (a thread, which may have only the name's beginning).

@@ -13,7 +13,9 @@ namespace {
 using namespace Qt::StringLiterals;
 
 QString inkName(Ink ink) {
-    return ink == Ink::secondary ? u"secondary"_s : ink == Ink::tertiary ? u"tertiary"_s : QString();
+    return ink == Ink::secondary  ? u"secondary"_s
+           : ink == Ink::tertiary ? u"tertiary"_s
+                                  : QString();
 }
 
 QString lookName(ButtonLook look) {
@@ -62,8 +64,8 @@ QLabel* makeWrappingLabel(const QString& text, TextStyle textStyle, Ink ink) {
 QPushButton* makeButton(const QString& text, ButtonLook look, const QString& symbol) {
     auto* button = new QPushButton(text);
     button->setProperty("look", lookName(look));
-    button->setFont(fontFor(look == ButtonLook::small ? TextStyle::captionMedium
-                                                      : TextStyle::medium));
+    button->setFont(
+        fontFor(look == ButtonLook::small ? TextStyle::captionMedium : TextStyle::medium));
     button->setAutoDefault(false);
     if (!symbol.isEmpty()) {
         button->setIcon(symbolIcon(symbol, inkOn(look)));
@@ -121,6 +123,37 @@ void ElidedLabel::elide() {
     setToolTip(shown == full_ ? QString() : full_.toHtmlEscaped());
 }
 
+QString breakable(std::string_view text) {
+    QString result;
+    for (const QChar character : qtText(text)) {
+        result += character;
+        if (u"/._-"_s.contains(character)) {
+            result += QChar(0x200B); // a space without width
+        }
+    }
+    return result;
+}
+
+WrappingCheckBox::WrappingCheckBox(const QString& label)
+    : box_(new QCheckBox),
+      label_(makeWrappingLabel(label, TextStyle::callout)) {
+    box_->setAccessibleName(label);
+    label_->installEventFilter(this);
+    auto* row = new QHBoxLayout(this);
+    row->setContentsMargins(0, 0, 0, 0);
+    row->setSpacing(7);
+    row->addWidget(box_, 0, Qt::AlignTop);
+    row->addWidget(label_, 1);
+}
+
+bool WrappingCheckBox::eventFilter(QObject* watched, QEvent* event) {
+    if (event->type() == QEvent::MouseButtonRelease) {
+        box_->click();
+        return true;
+    }
+    return QWidget::eventFilter(watched, event);
+}
+
 InfoRow::InfoRow(const DetailRow& row)
     : label_(makeLabel(qtText(row.label), TextStyle::body, Ink::secondary)),
       value_(makeWrappingLabel({}, TextStyle::body)) {
@@ -169,6 +202,11 @@ void AppIcon::paintEvent(QPaintEvent*) {
     }
     QPainter painter(this);
     painter.drawPixmap(rect(), loader_.icon(path_, width(), devicePixelRatioF()));
+}
+
+// No look at the disk: this is asked at each painting. A file that is missing shows a stand-in.
+std::filesystem::path iconPathOf(const InstanceRecord& clone) {
+    return clone.bundleURL / "Contents" / "Resources" / "AppIcon.icns";
 }
 
 StatusDot::StatusDot(QWidget* parent) : QWidget(parent) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "LaunchKit/InstanceRegistry.h"
 #include "QuorvelApp/DisplayTexts.h"
 #include "QuorvelApp/IconLoader.h"
 #include "QuorvelApp/Symbols.h"
@@ -57,6 +58,26 @@ private:
     Qt::TextElideMode mode_;
 };
 
+/// `text` with places at which a long word may be broken.
+[[nodiscard]] QString breakable(std::string_view text);
+
+/// A check box whose label wraps.
+class WrappingCheckBox : public QWidget {
+    Q_OBJECT
+
+public:
+    explicit WrappingCheckBox(const QString& label);
+
+    [[nodiscard]] QCheckBox* box() const { return box_; }
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+private:
+    QCheckBox* box_;
+    QLabel* label_;
+};
+
 /// A label and its value, which can be selected and copied.
 class InfoRow : public QWidget {
     Q_OBJECT
@@ -92,6 +113,9 @@ private:
     IconLoader& loader_;
     std::filesystem::path path_{};
 };
+
+/// The file that a clone's icon is drawn from, which may be missing.
+[[nodiscard]] std::filesystem::path iconPathOf(const InstanceRecord& clone);
 
 /// Green while the clone runs.
 class StatusDot : public QWidget {

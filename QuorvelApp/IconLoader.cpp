@@ -4,10 +4,9 @@
 #include "QuorvelApp/Symbols.h"
 
 #include <QApplication>
-#include <QFileInfo>
-#include <QFileIconProvider>
 #include <QMimeDatabase>
 #include <QPainter>
+#include <QtMath>
 
 namespace quorvel {
 namespace {
@@ -19,6 +18,21 @@ constexpr int cacheKilobytes = 96 * 1024;
 
 QString keyFor(const std::filesystem::path& path, int pixels, const QString& variant) {
     return qtText(path) + u'\n' + QString::number(pixels) + variant;
+}
+
+QString symbolFor(const std::filesystem::path& path) {
+    const bool app = path.extension() == ".app" || path.extension() == ".icns";
+    return app ? u"app"_s : u"doc"_s;
+}
+
+// The desktop's icon for a file's type, by its name alone; null where it has none.
+QPixmap typeIcon(const std::filesystem::path& path, int size, double ratio) {
+    if (path.extension() == ".app" || path.extension() == ".icns") {
+        return {};
+    }
+    const QMimeType type =
+        QMimeDatabase().mimeTypeForFile(qtText(path.filename()), QMimeDatabase::MatchExtension);
+    return QIcon::fromTheme(type.iconName()).pixmap(QSize(size, size), ratio);
 }
 
 // What stands for an app without an icon of its own: a rounded tile with our symbol.
@@ -84,14 +98,15 @@ void IconLoader::load(const std::filesystem::path& path, const QString& key, int
 
 QPixmap IconLoader::standIn(const std::filesystem::path& path, int size, double ratio) {
     const Colors& colors = colorsFor(QApplication::palette());
-    const QString key = (path.extension() == ".app" ? u"app"_s : u"doc"_s) +
-                        QString::number(size) + u'@' + QString::number(ratio) +
-                        (colors.dark ? u"d"_s : u"l"_s);
+    const QString variant = u'@' + QString::number(ratio) + (colors.dark ? u"d"_s : u"l"_s);
+    const QString key = keyFor("*" + path.extension().string(), size, variant);
     if (const QPixmap* known = known_.object(key)) {
         return *known;
     }
-    const QPixmap drawn =
-        drawStandIn(path.extension() == ".app" ? u"app"_s : u"doc"_s, size, ratio, colors);
+    QPixmap drawn = typeIcon(path, size, ratio);
+    if (drawn.isNull()) {
+        drawn = drawStandIn(symbolFor(path), size, ratio, colors);
+    }
     known_.insert(key, new QPixmap(drawn), 16);
     return drawn;
 }

@@ -10,8 +10,8 @@ namespace quorvel {
 /// The colours of one appearance, light or dark.
 struct Colors {
     bool dark = false;
-    QColor sidebar{};   ///< also the toolbar and the menu bar
-    QColor content{};   ///< behind details and sheets
+    QColor sidebar{}; ///< also the toolbar and the menu bar
+    QColor content{}; ///< behind details and sheets
     QColor text{};
     QColor secondary{}; ///< text that explains
     QColor tertiary{};  ///< large symbols, placeholders

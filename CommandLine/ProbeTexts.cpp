@@ -1,0 +1,186 @@
+#include "CommandLine/ProbeTexts.h"
+
+#include "CommandLine/TerminalText.h"
+#include "Platform/Utf8.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace quorvel {
+namespace {
+
+constexpr std::size_t examples = 3;
+constexpr int barWidth = 40;
+
+std::string inWords(Strategy strategy) {
+    switch (strategy) {
+    case Strategy::homeOverride:
+        return "a home folder of its own keeps the clone's data apart";
+    case Strategy::containerRedirect:
+        return "it writes data outside its home folder, which has to be redirected";
+    case Strategy::wrapperIdentity:
+        return "it writes into its sandbox container, which only an identity of its own keeps "
+               "apart";
+    case Strategy::unsupported:
+        break;
+    }
+    return "it can't be isolated";
+}
+
+std::string inWords(SingletonTier tier) {
+    switch (tier) {
+    case SingletonTier::none:
+        return "runs side by side with the first";
+    case SingletonTier::lockFile:
+        return "stays alive but never comes up: a lock holds it back";
+    case SingletonTier::machPort:
+        return "hands over to the first and quits";
+    case SingletonTier::lsProhibited:
+        return "is forbidden by the app itself";
+    case SingletonTier::unknown:
+        break;
+    }
+    return "is unclear: no copy was running at the end of the trial";
+}
+
+std::string inWords(LeakBucket bucket) {
+    switch (bucket) {
+    case LeakBucket::captured:
+        return "inside the trial's home folder";
+    case LeakBucket::dataLeak:
+        return "into your Application Support";
+    case LeakBucket::prefsLeak:
+        return "into your Preferences";
+    case LeakBucket::containerLeak:
+        return "into its sandbox container";
+    case LeakBucket::irrelevant:
+        break;
+    }
+    return "elsewhere, by other programs or of no matter";
+}
+
+bool isLeak(LeakBucket bucket) {
+    return bucket == LeakBucket::dataLeak || bucket == LeakBucket::prefsLeak ||
+           bucket == LeakBucket::containerLeak;
+}
+
+// A file that was written often stands in the list as often; one example of it is enough.
+std::vector<std::string> firstOf(const std::vector<std::string>& paths) {
+    std::vector<std::string> chosen;
+    for (const std::string& path : paths) {
+        if (chosen.size() < examples &&
+            std::find(chosen.begin(), chosen.end(), path) == chosen.end()) {
+            chosen.push_back(path);
+        }
+    }
+    return chosen;
+}
+
+std::string line(const std::string& name, const std::string& value) {
+    constexpr std::size_t width = 18;
+    return name + std::string(width - std::min(width, name.size()), ' ') + value + "\n";
+}
+
+// A folder's name may be no UTF-8, which JSON has no way to show.
+std::string printable(const std::string& text) {
+    return isUtf8(text) ? text : utf8FromLatin1(text);
+}
+
+AppProfile printable(AppProfile profile) {
+    profile.bundleId = printable(profile.bundleId);
+    profile.displayName = printable(profile.displayName);
+    return profile;
+}
+
+std::string writes(const ProbeResult& result) {
+    std::string text = "Writes\n";
+    for (const LeakBucket bucket : allLeakBuckets) {
+        const std::size_t count = result.count(bucket);
+        std::string number = std::to_string(count);
+        number.insert(0, 7 - std::min<std::size_t>(7, number.size()), ' ');
+        text += number + " " + inWords(bucket) + "\n";
+        if (count > 0 && isLeak(bucket)) {
+            for (const std::string& path : firstOf(result.buckets.at(bucket))) {
+                text += "          " + terminalText(path) + "\n";
+            }
+        }
+    }
+    return text;
+}
+
+} // namespace
+
+nlohmann::json jsonForm(const InstalledApp& app) {
+    nlohmann::json object{
+        {"url", app.url.string()}, {"name", app.name}, {"bundleId", app.bundleId}};
+    if (const auto icon = app.iconURL()) {
+        object["iconURL"] = icon->string();
+    }
+    return object;
+}
+
+nlohmann::json jsonForm(const RunningApplication& application) {
+    return {{"bundleId", application.bundleId},
+            {"bundleURL", application.bundleURL.string()},
+            {"pid", application.pid}};
+}
+
+nlohmann::json jsonForm(const AppProfile& profile, const ProbeResult& result) {
+    nlohmann::json buckets = nlohmann::json::object();
+    for (const auto& [bucket, paths] : result.buckets) {
+        buckets[std::string(rawString(bucket))] = paths;
+    }
+    return {{"profile", nlohmann::json::parse(printable(profile).encodedJSON())},
+            {"buckets", std::move(buckets)},
+            {"complete", result.complete}};
+}
+
+std::string listing(const std::vector<InstalledApp>& apps) {
+    std::string text;
+    for (const InstalledApp& app : apps) {
+        text += terminalText(app.name) + "  " + terminalText(app.bundleId) + "  " +
+                terminalText(app.url.string()) + "\n";
+    }
+    return text;
+}
+
+std::string listing(const std::vector<RunningApplication>& applications) {
+    std::string text;
+    for (const RunningApplication& application : applications) {
+        text += std::to_string(application.pid) + "  " + terminalText(application.bundleId) + "  " +
+                terminalText(application.bundleURL.string()) + "\n";
+    }
+    return text;
+}
+
+std::string description(const AppProfile& profile, const ProbeResult& result) {
+    std::string text;
+    text += line("App", terminalText(profile.displayName + " (" + profile.bundleId + ")"));
+    text += line("Recommendation",
+                 std::string(rawString(profile.strategy)) + ": " + inWords(profile.strategy));
+    text += line("A second copy", inWords(profile.singleton));
+    text += line("Sandboxed", profile.sandboxed ? "yes" : "no");
+    for (const std::string& argument : profile.extraArgs) {
+        text += line("Argument", terminalText(argument));
+    }
+    text += writes(result);
+    text += result.complete
+                ? "The record is complete.\n"
+                : "The record may be incomplete: the system could not report every write.\n";
+    return text;
+}
+
+std::string progressBar(double fraction) {
+    const int full = static_cast<int>(std::lround(std::clamp(fraction, 0.0, 1.0) * barWidth));
+    std::string bar = "\r[";
+    for (int column = 0; column < barWidth; ++column) {
+        bar += column < full ? '#' : ' ';
+    }
+    return bar + "]";
+}
+
+std::string noProgressBar() {
+    return "\r" + std::string(barWidth + 2, ' ') + "\r";
+}
+
+} // namespace quorvel

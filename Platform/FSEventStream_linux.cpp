@@ -1,0 +1,150 @@
+#include "Platform/FSEventStream.h"
+
+#include "Platform/EventCoalescer.h"
+#include "Platform/FileSystem.h"
+#include "Platform/RootSentinels_linux.h"
+#include "Platform/WatchTree_linux.h"
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <poll.h>
+#include <pthread.h>
+#include <sys/eventfd.h>
+#include <system_error>
+#include <thread>
+
+namespace quorvel {
+namespace {
+
+using Clock = EventCoalescer::Clock;
+
+constexpr std::size_t longestThreadName = 15;
+
+std::vector<std::string> withoutSlashesAtEnd(std::vector<std::string> paths) {
+    for (std::string& path : paths) {
+        path = withoutTrailingSlashes(path).string();
+    }
+    return paths;
+}
+
+class InotifyStream final : public FSEventStream {
+public:
+    InotifyStream(Options options, Handler handler)
+        : label_(options.queueLabel.substr(0, longestThreadName)),
+          handler_(std::move(handler)),
+          wake_(::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)),
+          coalescer_(options.latency),
+          sentinels_(withoutSlashesAtEnd(options.paths)),
+          tree_(withoutSlashesAtEnd(std::move(options.paths)),
+                [this](std::string path, std::uint32_t flags) {
+                    coalescer_.add(std::move(path), flags);
+                }) {}
+
+    ~InotifyStream() override { stop(); }
+
+    [[nodiscard]] bool works() const {
+        return wake_.descriptor() >= 0 && sentinels_.works() && tree_.works();
+    }
+
+    void startThread() { thread_ = std::thread(&InotifyStream::run, this); }
+
+    void stop() override {
+        if (thread_.joinable()) {
+            ::eventfd_write(wake_.descriptor(), 1);
+            thread_.join();
+        }
+    }
+
+private:
+    void run() {
+        ::pthread_setname_np(::pthread_self(), label_.c_str());
+        while (!waitForWork()) {
+            settleRoots();
+            tree_.readQueue();
+            tree_.tidy(false);
+            deliverWhenDue();
+        }
+        drain();
+    }
+
+    // True when the stream is to stop.
+    bool waitForWork() {
+        std::array<pollfd, 3> files{{{wake_.descriptor(), POLLIN, 0},
+                                     {sentinels_.descriptor(), POLLIN, 0},
+                                     {tree_.descriptor(), POLLIN, 0}}};
+        ::poll(files.data(), files.size(), timeout());
+        return files[0].revents != 0;
+    }
+
+    [[nodiscard]] int timeout() const {
+        std::optional<Clock::time_point> next = coalescer_.due();
+        if (const auto tidy = tree_.tidyDue()) {
+            next = std::min(next.value_or(*tidy), *tidy);
+        }
+        if (!next) {
+            return -1;
+        }
+        const auto left = std::chrono::ceil<std::chrono::milliseconds>(*next - Clock::now());
+        return static_cast<int>(std::clamp<std::int64_t>(left.count(), 0, 60'000));
+    }
+
+    void settleRoots() {
+        for (const std::size_t root : sentinels_.takeChanged()) {
+            tree_.settle(root, true);
+        }
+    }
+
+    // A change is queued before its system call returns: what is queued by now is all that happened
+    // before the stop. What comes later is not waited for.
+    void drain() {
+        settleRoots();
+        for (std::size_t left = inotifyQueueSize(tree_.descriptor()); left > 0;) {
+            const std::size_t count = tree_.readQueue();
+            left -= std::min(left, count);
+            if (count == 0) {
+                break;
+            }
+        }
+        tree_.tidy(true);
+        deliver();
+    }
+
+    void deliverWhenDue() {
+        const auto due = coalescer_.due();
+        if (due && *due <= Clock::now()) {
+            deliver();
+        }
+    }
+
+    void deliver() {
+        if (coalescer_.due()) {
+            handler_(coalescer_.take(Clock::now()));
+        }
+    }
+
+    std::string label_;
+    Handler handler_;
+    FileHandle wake_;
+    EventCoalescer coalescer_;
+    RootSentinels sentinels_;
+    WatchTree tree_;
+    std::thread thread_{};
+};
+
+} // namespace
+
+std::unique_ptr<FSEventStream> FSEventStream::start(Options options, Handler handler) {
+    auto stream = std::make_unique<InotifyStream>(std::move(options), std::move(handler));
+    if (!stream->works()) {
+        return nullptr;
+    }
+    try {
+        stream->startThread();
+    } catch (const std::system_error&) {
+        return nullptr;
+    }
+    return stream;
+}
+
+} // namespace quorvel

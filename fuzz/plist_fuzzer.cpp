@@ -1,0 +1,27 @@
+// Feeds a bundle's property list through everything that reads one.
+#include "Platform/PropertyList.h"
+
+#include <cstdint>
+#include <cstdlib>
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    using namespace quorvel;
+    const std::string_view bytes(reinterpret_cast<const char*>(data), size);
+    const auto dictionary = PropertyList::parseDictionary(bytes);
+    if (!dictionary) {
+        return 0;
+    }
+    for (const auto& [key, value] : *dictionary) {
+        (void)value.boolean();
+        (void)PropertyList::stringFor(*dictionary, key);
+    }
+    try {
+        const auto again = PropertyList::parseDictionary(PropertyList::xml(*dictionary));
+        if (!again || *again != *dictionary) {
+            std::abort();
+        }
+    } catch (const std::invalid_argument&) {
+        // Dates, data and control characters can't be written.
+    }
+    return 0;
+}

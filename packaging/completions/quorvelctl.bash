@@ -1,0 +1,51 @@
+# Completion of quorvelctl for bash.
+
+_quorvelctl_clones() {
+  local wrapper
+  for wrapper in ~/Applications/*.app; do
+    [ -f "$wrapper/Contents/Resources/instance.json" ] && printf '%s\n' "$wrapper"
+  done
+}
+
+_quorvelctl() {
+  local current=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD - 1]} command= options=
+  local word
+  COMPREPLY=()
+  for word in "${COMP_WORDS[@]:1:COMP_CWORD-1}"; do
+    case $word in -*) ;; *) command=$word; break ;; esac
+  done
+  case $previous in
+    --kind) mapfile -t COMPREPLY < <(compgen -W "app web file command" -- "$current"); return ;;
+    --strategy)
+      mapfile -t COMPREPLY < <(compgen -W \
+        "home-override container-redirect wrapper-identity unsupported" -- "$current")
+      return ;;
+    --label-position)
+      mapfile -t COMPREPLY < <(compgen -W "bottom center top" -- "$current"); return ;;
+    --workdir | --home | --output | --search-dir)
+      mapfile -t COMPREPLY < <(compgen -d -- "$current"); return ;;
+    --target | --open | --command | --icon | --runner)
+      mapfile -t COMPREPLY < <(compgen -f -- "$current"); return ;;
+  esac
+  case $command in
+    "") mapfile -t COMPREPLY < <(compgen -W \
+      "inspect list show create open delete migrate --help --version" -- "$current"); return ;;
+    inspect) options="--help --json" ;;
+    list) options="--help --json --search-dir" ;;
+    show) options="--help --json" ;;
+    create) options="--help --json --kind --name --target --url --open --command --arg --workdir --home --output --bundle-id --strategy --icon --hide-icon --extra-arg --no-extra-args --env --plist --browser --open-with --label --label-color --label-position --menu-bar-icon --menu-bar-template --isolate-folders --runner --launch" ;;
+    open) options="--help --json" ;;
+    delete) options="--help --json --including-data --yes" ;;
+    migrate) options="--help --json" ;;
+  esac
+  if [[ $current == -* ]]; then
+    mapfile -t COMPREPLY < <(compgen -W "$options" -- "$current")
+  elif [ "$command" = inspect ]; then
+    mapfile -t COMPREPLY < <(compgen -d -- "$current")
+  elif [ "$command" != list ] && [ "$command" != create ]; then
+    local IFS=$'\n'
+    mapfile -t COMPREPLY < <(compgen -W "$(_quorvelctl_clones)" -- "$current")
+  fi
+}
+
+complete -o filenames -F _quorvelctl quorvelctl

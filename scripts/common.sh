@@ -1,0 +1,69 @@
+# Shared by the scripts: where things are, what they need, how it gets installed.
+# shellcheck shell=bash
+
+set -euo pipefail
+root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
+cd "$root"
+
+say() { printf '\n==> %s\n' "$*"; }
+fail() { printf '%s\n' "$*" >&2; exit 1; }
+
+# What is needed to build, and what the tests need on top of that.
+debian_build=(g++ cmake ninja-build pkg-config nlohmann-json3-dev libplist-dev libicu-dev
+  libcli11-dev qt6-base-dev procps)
+debian_test=(libgtest-dev libgmock-dev libbenchmark-dev chromium xdg-utils libplist-utils
+  dbus dbus-daemon binutils file shared-mime-info)
+homebrew_build=(cmake ninja pkg-config nlohmann-json libplist icu4c cli11 qt)
+homebrew_test=(googletest google-benchmark)
+
+as_root() {
+  if [ "$(id -u)" -eq 0 ]; then "$@"; else sudo "$@"; fi
+}
+
+install_debian() {
+  local missing=() package
+  for package in "$@"; do
+    [ "$(dpkg-query -W -f='${db:Status-Status}' "$package" 2>/dev/null)" = installed ] ||
+      missing+=("$package")
+  done
+  [ ${#missing[@]} -gt 0 ] || return 0
+  say "Installing ${missing[*]}"
+  as_root apt-get update -q
+  as_root env DEBIAN_FRONTEND=noninteractive apt-get install -y -q --no-install-recommends \
+    "${missing[@]}"
+}
+
+install_homebrew() {
+  local missing=() package
+  command -v brew >/dev/null || fail "Homebrew is needed to install $*: see https://brew.sh"
+  for package in "$@"; do
+    brew list --versions "$package" >/dev/null 2>&1 || missing+=("$package")
+  done
+  [ ${#missing[@]} -gt 0 ] || return 0
+  say "Installing ${missing[*]}"
+  brew install "${missing[@]}"
+}
+
+# install_packages build|test
+install_packages() {
+  if [ "$(uname)" = Darwin ]; then
+    install_homebrew "${homebrew_build[@]}"
+    [ "$1" = build ] || install_homebrew "${homebrew_test[@]}"
+  elif command -v apt-get >/dev/null; then
+    install_debian "${debian_build[@]}"
+    [ "$1" = build ] || install_debian "${debian_test[@]}"
+  else
+    echo "No apt-get and no Homebrew here: install the packages that README.md names yourself."
+  fi
+}
+
+# build_preset PRESET [CMAKE OPTIONS...]
+build_preset() {
+  local preset=$1
+  shift
+  say "Building ($preset)"
+  cmake --preset "$preset" "$@" >"/tmp/quorvel-configure.$$" 2>&1 ||
+    { cat "/tmp/quorvel-configure.$$" >&2; rm -f "/tmp/quorvel-configure.$$"; exit 1; }
+  rm -f "/tmp/quorvel-configure.$$"
+  cmake --build --preset "$preset"
+}

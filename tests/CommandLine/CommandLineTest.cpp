@@ -1,0 +1,298 @@
+#include "tests/CommandLine/CommandLineHarness.h"
+#include "tests/support/AppBundles.h"
+
+#include <gmock/gmock.h>
+
+namespace quorvel {
+namespace {
+
+using namespace testing;
+using ::testing::HasSubstr;
+using ::testing::StartsWith;
+
+// One clone called `name` in the default folder.
+std::filesystem::path addClone(const CommandLineHarness& harness, const std::string& name,
+                               const std::string& bundleId = "app.quorvel.instance.test") {
+    InstanceConfig config = minimalConfig(name);
+    config.bundleId = bundleId;
+    config.kind = ShortcutKind::command;
+    config.commandPath = "/bin/true";
+    return makeWrapper(harness.home / "Applications" / (name + ".app"), config);
+}
+
+std::size_t lines(const std::string& text) {
+    return static_cast<std::size_t>(std::count(text.begin(), text.end(), '\n'));
+}
+
+TEST(CommandLine, WithoutACommandTheUsageIsShownAndTheStatusIsTwo) {
+    CommandLineHarness harness;
+    const CommandResult result = harness.run({});
+    EXPECT_EQ(result.status, 2);
+    EXPECT_EQ(result.output, "");
+    EXPECT_THAT(result.errors, HasSubstr("Usage: quorvelctl"));
+}
+
+TEST(CommandLine, AnUnknownOptionIsWrongUsageOfItsCommand) {
+    CommandLineHarness harness;
+    const CommandResult result = harness.run({"list", "--wrong"});
+    EXPECT_EQ(result.status, 2);
+    EXPECT_THAT(result.errors, HasSubstr("--wrong"));
+    EXPECT_THAT(result.errors, HasSubstr("Usage: quorvelctl list"));
+}
+
+TEST(CommandLine, EveryCommandHasHelp) {
+    CommandLineHarness harness;
+    for (const char* command : {"inspect", "list", "show", "create", "open", "delete", "migrate"}) {
+        const CommandResult result = harness.run({command, "--help"});
+        EXPECT_EQ(result.status, 0) << command;
+        EXPECT_EQ(result.errors, "") << command;
+        EXPECT_THAT(result.output, HasSubstr(std::string("Usage: quorvelctl ") + command));
+    }
+}
+
+TEST(CommandLine, InspectTellsTheFactsAboutAnApplication) {
+    CommandLineHarness harness;
+    const auto app = makeAppBundle(
+        harness.home / "Browser.app",
+        {{"CFBundleIdentifier", "org.chromium.Chromium"}, {"LSMultipleInstancesProhibited", true}});
+    const nlohmann::json json = harness.run({"inspect", app.string(), "--json"}).json();
+    EXPECT_EQ(json["url"], app.string());
+    EXPECT_EQ(json["bundleId"], "org.chromium.Chromium");
+    EXPECT_EQ(json["executableName"], "Browser");
+    EXPECT_EQ(json["executableURL"], (app / "Contents/MacOS/Browser").string());
+    EXPECT_EQ(json["sandboxed"], false);
+    EXPECT_EQ(json["prohibitsMultipleInstances"], true);
+    EXPECT_EQ(json["engine"], "chromium");
+    EXPECT_EQ(json["defaultArguments"],
+              nlohmann::json::array({"--user-data-dir={{instanceHome}}/QuorvelData"}));
+    EXPECT_EQ(json.size(), 8U);
+}
+
+TEST(CommandLine, InspectRefusesWhatIsNoApplication) {
+    CommandLineHarness harness;
+    const CommandResult result = harness.run({"inspect", "/no/such.app", "--json"});
+    EXPECT_EQ(result.status, 1);
+    EXPECT_EQ(result.output, "");
+    EXPECT_EQ(result.errors, "Not a readable .app: /no/such.app\n");
+}
+
+TEST(CommandLine, ListPrintsTheClonesInOrder) {
+    CommandLineHarness harness;
+    addClone(harness, "beta");
+    const auto alpha = addClone(harness, "Alpha", "com.example.alpha");
+    harness.workspace.running = {{"com.example.alpha", alpha, 1}};
+    const nlohmann::json json = harness.run({"list", "--json"}).json();
+    ASSERT_EQ(json.size(), 2U);
+    EXPECT_EQ(json[0]["bundleURL"], alpha.string());
+    EXPECT_EQ(json[0]["running"], true);
+    EXPECT_EQ(json[0]["config"]["displayName"], "Alpha");
+    EXPECT_FALSE(json[0].contains("iconURL"));
+    EXPECT_EQ(json[1]["running"], false);
+}
+
+TEST(CommandLine, ListLooksOnceForWhatRunsHoweverManyClonesThereAre) {
+    CommandLineHarness harness;
+    for (int number = 0; number < 50; ++number) {
+        addClone(harness, "Clone " + std::to_string(number));
+    }
+    EXPECT_EQ(harness.run({"list", "--json"}).json().size(), 50U);
+    EXPECT_EQ(harness.workspace.snapshots, 1);
+}
+
+TEST(CommandLine, ListLooksInTheFoldersThatItIsGiven) {
+    CommandLineHarness harness;
+    addClone(harness, "At home");
+    makeWrapper(harness.home / "a/One.app", minimalConfig("One"));
+    makeWrapper(harness.home / "b/Two.app", minimalConfig("Two"));
+    const auto json = harness
+                          .run({"list", "--json", "--search-dir", (harness.home / "a").string(),
+                                "--search-dir", (harness.home / "b").string() + "/"})
+                          .json();
+    ASSERT_EQ(json.size(), 2U);
+    EXPECT_EQ(json[1]["bundleURL"], (harness.home / "b/Two.app").string());
+}
+
+TEST(CommandLine, ListOfNothingIsAnEmptyArray) {
+    CommandLineHarness harness;
+    EXPECT_EQ(harness.run({"list", "--json"}).json(), nlohmann::json::array());
+    EXPECT_EQ(harness.run({"list"}).output, "");
+}
+
+TEST(CommandLine, AnIconIsNamedWhereThereIsOne) {
+    CommandLineHarness harness;
+    const auto wrapper = addClone(harness, "Work");
+    write(wrapper / "Contents/Resources/AppIcon.icns", "icns");
+    const auto json = harness.run({"show", "Work", "--json"}).json();
+    EXPECT_EQ(json["iconURL"], (wrapper / "Contents/Resources/AppIcon.icns").string());
+}
+
+TEST(CommandLine, ShowFindsACloneByNameAndByPath) {
+    CommandLineHarness harness;
+    const auto wrapper = addClone(harness, "Work");
+    for (const std::string& words : {std::string("Work"), wrapper.string(), wrapper.string() + "/",
+                                     std::string("~/Applications/Work.app")}) {
+        EXPECT_EQ(harness.run({"show", words, "--json"}).json()["bundleURL"], wrapper.string());
+    }
+}
+
+TEST(CommandLine, ShowPrintsTheConfigurationAsItStandsInTheFile) {
+    CommandLineHarness harness;
+    const auto wrapper = addClone(harness, "Work");
+    EXPECT_EQ(harness.run({"show", "Work", "--json"}).json()["config"],
+              nlohmann::json::parse(read(wrapper / "Contents/Resources/instance.json")));
+}
+
+TEST(CommandLine, AnAmbiguousNameIsAnErrorThatListsThePaths) {
+    CommandLineHarness harness;
+    const auto first = makeWrapper(harness.home / "Applications/1.app", minimalConfig("Same"));
+    const auto second = makeWrapper(harness.home / "Applications/2.app", minimalConfig("Same"));
+    const CommandResult result = harness.run({"delete", "Same", "--yes"});
+    EXPECT_EQ(result.status, 1);
+    EXPECT_THAT(result.errors, HasSubstr(first.string()));
+    EXPECT_THAT(result.errors, HasSubstr(second.string()));
+    EXPECT_EQ(lines(result.errors), 1U);
+    EXPECT_TRUE(std::filesystem::exists(first));
+}
+
+TEST(CommandLine, AnUnknownCloneIsAnErrorOfOneLine) {
+    CommandLineHarness harness;
+    const CommandResult result = harness.run({"show", "no\nsuch\x1b[31m"});
+    EXPECT_EQ(result.status, 1);
+    EXPECT_EQ(result.errors, "There is no clone named “no\\nsuch\\u{1b}[31m”.\n");
+}
+
+TEST(CommandLine, AnApplicationThatIsNoCloneIsRefused) {
+    CommandLineHarness harness;
+    const auto app = makeAppBundle(harness.home / "Applications/Mail.app");
+    const CommandResult result = harness.run({"delete", app.string(), "--yes"});
+    EXPECT_EQ(result.status, 1);
+    EXPECT_EQ(result.errors, "Not a clone: " + app.string() + "\n");
+    EXPECT_TRUE(std::filesystem::exists(app));
+}
+
+TEST(CommandLine, NamesNeverReachATerminalRaw) {
+    CommandLineHarness harness;
+    InstanceConfig config = minimalConfig("evil\x1b]0;owned\x07\nname");
+    makeWrapper(harness.home / "Applications/Evil.app", config);
+    for (const std::vector<std::string>& arguments :
+         {std::vector<std::string>{"list"}, {"show", "~/Applications/Evil.app"}}) {
+        const std::string output = harness.run(arguments).output;
+        EXPECT_EQ(output.find('\x1b'), std::string::npos);
+        EXPECT_THAT(output, HasSubstr("evil\\u{1b}]0;owned\\u{7}\\nname"));
+    }
+}
+
+TEST(CommandLine, OpenPreparesTheHomeOfAnAppCloneAndOpensItsWrapper) {
+    CommandLineHarness harness;
+    std::filesystem::create_directories(harness.home / "Library/Keychains");
+    std::filesystem::create_directories(harness.home / "Documents");
+    const auto wrapper = makeWrapper(harness.home / "Applications/Work.app", minimalConfig("Work"));
+    const CommandResult result = harness.run({"open", "Work", "--json"});
+    EXPECT_EQ(result.json(), nlohmann::json({{"bundleURL", wrapper.string()}}));
+    EXPECT_EQ(harness.workspace.opened, std::vector{wrapper});
+    EXPECT_TRUE(harness.workspace.activated);
+    const auto data = harness.home / "QuorvelInstances/Work";
+    EXPECT_EQ(std::filesystem::read_symlink(data / "Library/Keychains"),
+              harness.home / "Library/Keychains");
+    EXPECT_EQ(std::filesystem::read_symlink(data / "Documents"), harness.home / "Documents");
+    EXPECT_FALSE(std::filesystem::exists(data / "Desktop"));
+}
+
+TEST(CommandLine, OpenLeavesTheHomeOfOtherKindsAlone) {
+    CommandLineHarness harness;
+    std::filesystem::create_directories(harness.home / "Documents");
+    addClone(harness, "Script");
+    EXPECT_EQ(harness.run({"open", "Script"}).status, 0);
+    EXPECT_FALSE(std::filesystem::exists(harness.home / "QuorvelInstances"));
+}
+
+TEST(CommandLine, OpenTellsWhyACloneCantBeOpened) {
+    CommandLineHarness harness;
+    addClone(harness, "Work");
+    harness.workspace.openError =
+        PlatformError(std::make_error_code(std::errc::permission_denied), "/x/Work.app", "opened");
+    const CommandResult result = harness.run({"open", "Work", "--json"});
+    EXPECT_EQ(result.status, 1);
+    EXPECT_EQ(result.output, "");
+    EXPECT_EQ(result.errors, "“Work.app” couldn’t be opened: permission denied\n");
+}
+
+TEST(CommandLine, DeleteNeedsYesWhereNobodyCanBeAsked) {
+    CommandLineHarness harness;
+    const auto wrapper = addClone(harness, "Work");
+    const CommandResult result = harness.run({"delete", "Work"});
+    EXPECT_EQ(result.status, 2);
+    EXPECT_TRUE(std::filesystem::exists(wrapper));
+    EXPECT_EQ(harness.run({"delete", "Work", "--yes", "--json"}).json(),
+              nlohmann::json({{"bundleURL", wrapper.string()}, {"deletedData", false}}));
+    EXPECT_FALSE(std::filesystem::exists(wrapper));
+}
+
+TEST(CommandLine, DeleteAsksOnATerminalAndTakesNoForAnAnswer) {
+    CommandLineHarness harness;
+    const auto wrapper = addClone(harness, "Work");
+    harness.inputIsTerminal = true;
+    for (const char* answer : {"n\n", "\n", "", "maybe\n"}) {
+        harness.typed = answer;
+        const CommandResult result = harness.run({"delete", "Work"});
+        EXPECT_EQ(result.status, 1);
+        EXPECT_THAT(result.errors, StartsWith("Delete “Work”? [y/N] "));
+        EXPECT_TRUE(std::filesystem::exists(wrapper));
+    }
+    harness.typed = "y\n";
+    EXPECT_EQ(harness.run({"delete", "Work"}).status, 0);
+    EXPECT_FALSE(std::filesystem::exists(wrapper));
+}
+
+TEST(CommandLine, DeleteTakesTheDataOnlyWhenAsked) {
+    CommandLineHarness harness;
+    addClone(harness, "Work");
+    const auto data = harness.home / "QuorvelInstances/Work";
+    write(data / "file", "x");
+    EXPECT_EQ(harness.run({"delete", "Work", "--yes", "--json"}).json()["deletedData"], false);
+    EXPECT_TRUE(std::filesystem::exists(data));
+    addClone(harness, "Work");
+    const auto json = harness.run({"delete", "Work", "--yes", "--including-data", "--json"}).json();
+    EXPECT_EQ(json["deletedData"], true);
+    EXPECT_FALSE(std::filesystem::exists(data));
+}
+
+TEST(CommandLine, DeleteNeverTakesTheUsersHome) {
+    CommandLineHarness harness;
+    InstanceConfig config = minimalConfig("Work");
+    config.instanceHome = "~/Documents/..";
+    makeWrapper(harness.home / "Applications/Work.app", config);
+    std::filesystem::create_directories(harness.home / "Documents");
+    const CommandResult result =
+        harness.run({"delete", "Work", "--yes", "--including-data", "--json"});
+    EXPECT_EQ(result.json()["deletedData"], false);
+    EXPECT_TRUE(std::filesystem::exists(harness.home / "Documents"));
+}
+
+TEST(CommandLine, MigrateMovesTheFilesAndThenShares) {
+    CommandLineHarness harness;
+    InstanceConfig config = minimalConfig("Work");
+    config.shareUserFolders = false;
+    const auto wrapper = makeWrapper(harness.home / "Applications/Work.app", config);
+    const auto data = harness.home / "QuorvelInstances/Work";
+    write(data / "Downloads/a", "1");
+    write(data / "Downloads/b", "2");
+    std::filesystem::create_directories(data / "Desktop");
+    const CommandResult result = harness.run({"migrate", "Work", "--json"});
+    EXPECT_EQ(result.json(), nlohmann::json({{"moved", {{"Downloads", 2}, {"Desktop", 0}}}}));
+    EXPECT_EQ(read(harness.home / "Downloads/b"), "2");
+    EXPECT_TRUE(InstanceRegistry().record(wrapper)->config.shareUserFolders);
+}
+
+TEST(CommandLine, MigrateWithNothingToMoveStillTurnsSharingOn) {
+    CommandLineHarness harness;
+    InstanceConfig config = minimalConfig("Work");
+    config.shareUserFolders = false;
+    const auto wrapper = makeWrapper(harness.home / "Applications/Work.app", config);
+    EXPECT_EQ(harness.run({"migrate", "Work", "--json"}).json(),
+              nlohmann::json({{"moved", nlohmann::json::object()}}));
+    EXPECT_TRUE(InstanceRegistry().record(wrapper)->config.shareUserFolders);
+}
+
+} // namespace
+} // namespace quorvel

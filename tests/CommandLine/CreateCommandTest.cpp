@@ -1,0 +1,233 @@
+#include "tests/CommandLine/CommandLineHarness.h"
+#include "tests/support/AppBundles.h"
+
+#include <gmock/gmock.h>
+
+namespace quorvel {
+namespace {
+
+using namespace testing;
+using ::testing::HasSubstr;
+namespace fs = std::filesystem;
+
+class CreateCommand : public ::testing::Test {
+protected:
+    CommandResult create(std::vector<std::string> arguments) {
+        arguments.insert(arguments.begin(),
+                         {"create", "--json", "--runner", runnerProgram().string()});
+        return harness.run(arguments);
+    }
+    nlohmann::json configOf(const std::vector<std::string>& arguments) {
+        const CommandResult result = create(arguments);
+        EXPECT_EQ(result.status, 0) << result.errors;
+        return result.json().at("config");
+    }
+    // The words of a command clone, which needs nothing else on disk.
+    static std::vector<std::string> commandWords(std::vector<std::string> more = {}) {
+        more.insert(more.begin(),
+                    {"--kind", "command", "--name", "Work", "--command", "/bin/true"});
+        return more;
+    }
+
+    CommandLineHarness harness;
+};
+
+TEST_F(CreateCommand, MakesAnAppCloneAndPrintsItsPath) {
+    const auto app = makeAppBundle(harness.home / "Chat.app");
+    const CommandResult result = harness.run({"create", "--runner", runnerProgram().string(),
+                                              "--target", app.string(), "--name", " Chat (Work) "});
+    const fs::path wrapper = harness.home / "Applications/Chat (Work).app";
+    EXPECT_EQ(result.errors, "");
+    EXPECT_EQ(result.output, wrapper.string() + "\n");
+    EXPECT_TRUE(fs::exists(wrapper / "Contents/MacOS/runner"));
+    EXPECT_EQ(harness.run({"show", "Chat (Work)", "--json"}).json()["config"]["targetAppPath"],
+              app.string());
+}
+
+TEST_F(CreateCommand, TakesTheEnginesArgumentsUnlessToldOtherwise) {
+    const auto app = makeAppBundle(harness.home / "Browser.app",
+                                   {{"CFBundleIdentifier", "org.chromium.Chromium"}});
+    const std::vector<std::string> words{"--target", app.string(), "--name", "B"};
+    const auto with = [&](std::vector<std::string> more) {
+        more.insert(more.begin(), words.begin(), words.end());
+        return configOf(more)["extraArgs"];
+    };
+    EXPECT_EQ(with({}), nlohmann::json({"--user-data-dir={{instanceHome}}/QuorvelData"}));
+    EXPECT_EQ(with({"--no-extra-args"}), nlohmann::json::array());
+    EXPECT_EQ(with({"--extra-arg=--flag", "--extra-arg", "two words"}),
+              nlohmann::json({"--flag", "two words"}));
+    EXPECT_EQ(create({"--target", app.string(), "--name", "B", "--no-extra-args", "--extra-arg=x"})
+                  .status,
+              2);
+}
+
+TEST_F(CreateCommand, CarriesEveryOptionIntoTheConfiguration) {
+    const auto json = configOf(commandWords({"--arg=-c",
+                                             "--arg",
+                                             "exit 1",
+                                             "--workdir",
+                                             "/tmp/",
+                                             "--home",
+                                             "~/Data",
+                                             "--bundle-id",
+                                             "com.example.mine",
+                                             "--strategy",
+                                             "wrapper-identity",
+                                             "--env",
+                                             "A=b=c",
+                                             "--env=EMPTY=",
+                                             "--plist",
+                                             "LSUIElement=yes",
+                                             "--browser",
+                                             "--open-with",
+                                             "--label",
+                                             "WORK",
+                                             "--label-color",
+                                             "#ff8800",
+                                             "--label-position",
+                                             "top",
+                                             "--menu-bar-icon",
+                                             "--menu-bar-template",
+                                             "--isolate-folders"}));
+    EXPECT_EQ(json["commandPath"], "/bin/true");
+    EXPECT_EQ(json["commandArgs"], nlohmann::json({"-c", "exit 1"}));
+    EXPECT_EQ(json["workingDirectory"], "/tmp");
+    EXPECT_EQ(json["instanceHome"], "~/Data");
+    EXPECT_EQ(json["bundleId"], "com.example.mine");
+    EXPECT_EQ(json["strategy"], "wrapper-identity");
+    EXPECT_EQ(json["environment"], nlohmann::json({{"A", "b=c"}, {"EMPTY", ""}}));
+    EXPECT_EQ(json["infoPlistOverrides"], nlohmann::json({{"LSUIElement", "yes"}}));
+    EXPECT_EQ(json["iconLabel"],
+              nlohmann::json({{"text", "WORK"}, {"colorHex", "#ff8800"}, {"position", "top"}}));
+    for (const char* flag :
+         {"registerAsBrowser", "openWithPassthrough", "menuBarIcon", "menuBarIconTemplate"}) {
+        EXPECT_EQ(json[flag], true) << flag;
+    }
+    EXPECT_EQ(json["shareUserFolders"], false);
+}
+
+TEST_F(CreateCommand, ValuesOfAnyLookComeThroughWhole) {
+    const auto json = configOf(commandWords({"--arg=", "--arg=--flag", "--arg", "{}", "--arg",
+                                             "[a,b]", "--arg=a=b", "--arg", "line\nbreak"}));
+    EXPECT_EQ(json["commandArgs"],
+              nlohmann::json({"", "--flag", "{}", "[a,b]", "a=b", "line\nbreak"}));
+}
+
+TEST_F(CreateCommand, MakesTheOtherKinds) {
+    const auto web = configOf({"--kind", "web", "--name", "Mail", "--url", "https://mail.test/"});
+    EXPECT_EQ(web["url"], "https://mail.test/");
+    EXPECT_EQ(web["targetAppPath"], "");
+    const auto file = configOf({"--kind", "file", "--name", "Tax", "--open", "~/Tax 2026/"});
+    EXPECT_EQ(file["openPath"], "~/Tax 2026/");
+}
+
+TEST_F(CreateCommand, RelativePathsAreMadeAbsolute) {
+    const auto json = configOf({"--kind", "file", "--name", "Here", "--open", "notes/../x.txt"});
+    EXPECT_EQ(json["openPath"], (fs::current_path() / "x.txt").string());
+}
+
+TEST_F(CreateCommand, PutsTheCloneWhereItIsTold) {
+    const CommandResult result =
+        create(commandWords({"--output", (harness.home / "Elsewhere").string()}));
+    EXPECT_EQ(result.json()["bundleURL"], (harness.home / "Elsewhere/Work.app").string());
+}
+
+TEST_F(CreateCommand, HidesTheDockIconAndTakesAnIconFile) {
+    write(harness.home / "icon.icns", "icon bytes");
+    const auto json =
+        create(commandWords({"--hide-icon", "--icon", (harness.home / "icon.icns").string()}))
+            .json();
+    const fs::path wrapper = json["bundleURL"].get<std::string>();
+    EXPECT_EQ(read(json["iconURL"].get<std::string>()), "icon bytes");
+    const auto info = PropertyList::readDictionary(wrapper / "Contents/Info.plist");
+    EXPECT_EQ(info->at("LSUIElement"), PropertyListValue(true));
+}
+
+TEST_F(CreateCommand, RefusesNamesThatWouldLeaveTheFolder) {
+    for (const char* name : {"a/b", "/", ".", "..", " .. ", "../x"}) {
+        const CommandResult result =
+            create({"--kind", "command", "--command", "/bin/true", "--name", name});
+        EXPECT_EQ(result.status, 1) << name;
+        EXPECT_THAT(result.errors, HasSubstr("can’t be used")) << name;
+    }
+    EXPECT_FALSE(fs::exists(harness.home / "Applications"));
+}
+
+TEST_F(CreateCommand, RefusesNamesThatAreNoTextOrHoldControlCharacters) {
+    for (const char* name : {"\xff\xfe", "bell\x07"}) {
+        const CommandResult result =
+            create({"--kind", "command", "--command", "/bin/true", "--name", name});
+        EXPECT_EQ(result.status, 1);
+        EXPECT_EQ(std::count(result.errors.begin(), result.errors.end(), '\n'), 1);
+    }
+    EXPECT_FALSE(fs::exists(harness.home / "Applications"));
+}
+
+TEST_F(CreateCommand, TakesNamesWithQuotesMarkupAndLineBreaks) {
+    for (const char* name : {"it's \"quoted\"", "<img src=x><b>hi", "two\nlines", "工作 😀"}) {
+        const auto json = configOf({"--kind", "command", "--command", "/bin/true", "--name", name});
+        EXPECT_EQ(json["displayName"], name);
+        EXPECT_EQ(harness.run({"show", name, "--json"}).json()["config"], json);
+    }
+}
+
+TEST_F(CreateCommand, SaysWhatIsMissing) {
+    EXPECT_EQ(create({"--target", "/x.app", "--name", " \t"}).errors,
+              "The clone needs a non-empty name.\n");
+    EXPECT_EQ(create({"--name", "Work"}).errors, "Not a readable .app: /\n");
+    EXPECT_EQ(create({"--name", "Work", "--target", "/no/such.app"}).errors,
+              "Not a readable .app: /no/such.app\n");
+    EXPECT_EQ(harness
+                  .run({"create", "--kind", "command", "--command", "/x", "--name", "W", "--runner",
+                        "/no/runner"})
+                  .errors,
+              "Runner binary not found: /no/runner\n");
+}
+
+TEST_F(CreateCommand, WrongWordsAreWrongUsage) {
+    for (const std::vector<std::string>& words : {std::vector<std::string>{"--kind", "movie"},
+                                                  {"--kind", "web", "--name", "x"},
+                                                  {"--kind", "file", "--name", "x"},
+                                                  {"--kind", "command", "--name", "x"},
+                                                  {"--strategy", "home_override"},
+                                                  {"--label-position", "left"}}) {
+        EXPECT_EQ(create(words).status, 2) << words.back();
+    }
+    EXPECT_EQ(create(commandWords({"--env", "NOVALUE"})).status, 2);
+    EXPECT_EQ(create(commandWords({"--plist", "=x"})).status, 2);
+}
+
+TEST_F(CreateCommand, MakingACloneAgainReplacesIt) {
+    configOf(commandWords({"--arg", "1"}));
+    EXPECT_EQ(configOf(commandWords({"--arg", "2"}))["commandArgs"], nlohmann::json({"2"}));
+    EXPECT_EQ(harness.run({"list", "--json"}).json().size(), 1U);
+}
+
+TEST_F(CreateCommand, NeverReplacesAnApplicationThatIsNoClone) {
+    const auto app = makeAppBundle(harness.home / "Applications/Work.app");
+    const auto before = treeOf(app);
+    const CommandResult result = create(commandWords());
+    EXPECT_EQ(result.status, 1);
+    EXPECT_THAT(result.errors, HasSubstr("not a clone"));
+    EXPECT_EQ(treeOf(app), before);
+}
+
+TEST_F(CreateCommand, ATextThatCantBeWrittenLeavesTheOldCloneAlone) {
+    configOf(commandWords());
+    const auto before = treeOf(harness.home / "Applications");
+    EXPECT_EQ(create(commandWords({"--plist", "Key=\x01"})).status, 1);
+    EXPECT_EQ(create(commandWords({"--arg", "\xff"})).status, 1);
+    EXPECT_EQ(treeOf(harness.home / "Applications"), before);
+}
+
+TEST_F(CreateCommand, LaunchesTheCloneWhenAsked) {
+    const auto json = create(commandWords({"--launch"})).json();
+    EXPECT_EQ(harness.workspace.opened,
+              std::vector<fs::path>{json["bundleURL"].get<std::string>()});
+    harness.workspace.opened.clear();
+    create(commandWords());
+    EXPECT_TRUE(harness.workspace.opened.empty());
+}
+
+} // namespace
+} // namespace quorvel

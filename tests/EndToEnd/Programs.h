@@ -1,0 +1,45 @@
+#pragma once
+
+#include "Platform/Process.h"
+#include "tests/support/TemporaryHome.h"
+
+#include <nlohmann/json.hpp>
+
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace quorvel::testing {
+
+/// The real `quorvelctl` in a throw-away home, which is all that its processes know of a home.
+class QuorvelctlInAHome {
+public:
+    QuorvelctlInAHome();
+    /// Ends every clone that still runs.
+    ~QuorvelctlInAHome();
+    QuorvelctlInAHome(const QuorvelctlInAHome&) = delete;
+    QuorvelctlInAHome& operator=(const QuorvelctlInAHome&) = delete;
+
+    /// Runs it and gives what it printed. Throws when the exit status is not 0.
+    std::string run(const std::vector<std::string>& arguments);
+    nlohmann::json json(std::vector<std::string> arguments);
+
+    /// Whether `list` shows the clone of that name as running.
+    bool isListedAsRunning(const std::string& name);
+
+    /// The clone's data folder and log.
+    [[nodiscard]] std::filesystem::path data(const std::string& name) const;
+    [[nodiscard]] std::string log(const std::string& name) const;
+
+    TemporaryHome home{};
+    Environment environment{};
+};
+
+/// The processes whose command line satisfies `matches` (arguments separated by NUL).
+[[nodiscard]] std::vector<pid_t>
+processesWhose(const std::function<bool(const std::string&)>& matches);
+
+/// The process number of the runner inside that wrapper, when it runs.
+[[nodiscard]] std::optional<pid_t> runnerOf(const std::filesystem::path& wrapper);
+
+} // namespace quorvel::testing
