@@ -126,8 +126,8 @@ void CloneDetailView::setRows(const std::vector<DetailRow>& rows) {
 
 void CloneDetailView::confirmDelete() {
     const QString name = qtText(clone_.config.displayName);
-    const auto removing = [this, clone = clone_](bool data) {
-        return [this, clone, data] { model_.remove(clone, data); };
+    const auto removing = [this, clone = clone_](bool withData) {
+        return [this, clone, withData] { model_.remove(clone, withData); };
     };
     auto* question = new MessageSheet(
         u"trash"_s, Ink::danger, tr("Delete “%1”?").arg(name),

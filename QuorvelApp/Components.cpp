@@ -40,7 +40,7 @@ Ink inkOn(ButtonLook look) {
                                              : Ink::text;
 }
 
-void style(QLabel* label, TextStyle textStyle, Ink ink) {
+void applyStyle(QLabel* label, TextStyle textStyle, Ink ink) {
     label->setTextFormat(Qt::PlainText);
     label->setFont(fontFor(textStyle));
     label->setProperty("ink", inkName(ink));
@@ -50,7 +50,7 @@ void style(QLabel* label, TextStyle textStyle, Ink ink) {
 
 QLabel* makeLabel(const QString& text, TextStyle textStyle, Ink ink) {
     auto* label = new QLabel;
-    style(label, textStyle, ink);
+    applyStyle(label, textStyle, ink);
     label->setText(text);
     return label;
 }
@@ -90,7 +90,7 @@ QFrame* makeDivider(Qt::Orientation orientation) {
 }
 
 ElidedLabel::ElidedLabel(TextStyle textStyle, Ink ink, Qt::TextElideMode mode) : mode_(mode) {
-    style(this, textStyle, ink);
+    applyStyle(this, textStyle, ink);
     setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
 }
 

@@ -28,7 +28,7 @@ ContentView::ContentView(AppModel& model, IconLoader& icons, FilePanels panels)
     new ModelAlert(model_, ModelAlert::Text::error, this);
     new ModelAlert(model_, ModelAlert::Text::status, this);
     connect(&model_, &AppModel::clonesChanged, this, &ContentView::showSelection);
-    connect(&model_, &AppModel::clonesChanged, &icons_, &IconLoader::clear);
+    connect(&model_, &AppModel::clonesChanged, &icons_, &IconLoader::refresh);
     connect(&model_, &AppModel::startNewCloneRequestedChanged, this, &ContentView::takeRequest);
     connect(sidebar_, &Sidebar::selectionChanged, this, &ContentView::showSelection);
     connect(sidebar_, &Sidebar::newCloneRequested, this, &ContentView::showNewClone);

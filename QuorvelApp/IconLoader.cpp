@@ -63,19 +63,15 @@ IconLoader::IconLoader(std::shared_ptr<BackgroundTasks> tasks, QObject* parent)
 QPixmap IconLoader::icon(const std::filesystem::path& path, int size, double ratio) {
     const int pixels = qCeil(size * ratio);
     const QString key = keyFor(path, pixels, {});
-    if (const QPixmap* known = known_.object(key); known != nullptr && !known->isNull()) {
-        return *known;
-    }
-    if (!known_.contains(key) && !underWay_.contains(key)) {
+    if (!fresh_.contains(key) && !underWay_.contains(key)) {
         load(path, key, pixels, ratio);
     }
-    return standIn(path, size, ratio);
+    const QPixmap* known = known_.object(key);
+    return known != nullptr && !known->isNull() ? *known : standIn(path, size, ratio);
 }
 
-void IconLoader::clear() {
-    known_.clear();
-    underWay_.clear();
-    ++generation_;
+void IconLoader::refresh() {
+    fresh_.clear();
 }
 
 void IconLoader::load(const std::filesystem::path& path, const QString& key, int pixels,
@@ -83,13 +79,10 @@ void IconLoader::load(const std::filesystem::path& path, const QString& key, int
     underWay_.insert(key);
     tasks_->detached(
         TaskPriority::utility, this, [path, pixels] { return loadIconImage(path, pixels); },
-        [this, path, key, ratio, generation = generation_](QImage image) {
-            if (generation != generation_) {
-                return;
-            }
+        [this, path, key, ratio](QImage image) {
             underWay_.remove(key);
+            fresh_.insert(key);
             image.setDevicePixelRatio(ratio);
-            // A null pixmap is kept as well: the file has no icon, and is not asked again.
             known_.insert(key, new QPixmap(QPixmap::fromImage(image)),
                           static_cast<qsizetype>(1 + image.sizeInBytes() / 1024));
             Q_EMIT loaded(path);

@@ -30,8 +30,8 @@ public:
     /// the file was read, and for good where it has no icon.
     [[nodiscard]] QPixmap icon(const std::filesystem::path& path, int size, double ratio);
 
-    /// Forgets what was read, so that changed files show anew.
-    void clear();
+    /// Reads files anew when they are shown next; what was read before shows until then.
+    void refresh();
 
 Q_SIGNALS:
     void loaded(const std::filesystem::path& path);
@@ -42,8 +42,8 @@ private:
 
     std::shared_ptr<BackgroundTasks> tasks_;
     QCache<QString, QPixmap> known_; ///< costs are kilobytes
+    QSet<QString> fresh_{};
     QSet<QString> underWay_{};
-    int generation_ = 0;
 };
 
 } // namespace quorvel

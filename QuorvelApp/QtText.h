@@ -13,6 +13,9 @@ namespace quorvel {
     return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
 }
 
+[[nodiscard]] inline QString qtText(const std::string& text) {
+    return qtText(std::string_view(text));
+}
 /// A path for the screen.
 [[nodiscard]] inline QString qtText(const std::filesystem::path& path) {
     return qtText(std::string_view(path.native()));
