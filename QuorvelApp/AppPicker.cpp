@@ -39,7 +39,6 @@ AppGrid::AppGrid(AppTile* tiles) : tiles_(tiles) {
     setMouseTracking(true);
     setVerticalScrollMode(QAbstractItemView::ScrollPerPixel);
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-    setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOn);
     // Half of the spacing is in the cells.
     setViewportMargins(AppTile::spacing / 2, AppTile::spacing / 2, 0, 0);
 }

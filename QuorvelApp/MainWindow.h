@@ -13,7 +13,7 @@ class MainWindow : public QMainWindow {
 
 public:
     static constexpr QSize smallest{760, 480};
-    static constexpr QSize initial{960, 640};
+    static constexpr QSize initial{980, 690};
 
     /// All must outlive the window.
     MainWindow(AppModel& model, UpdaterController& updater, IconLoader& icons,

@@ -16,7 +16,7 @@ class NewCloneView : public QDialog {
     Q_OBJECT
 
 public:
-    static constexpr QSize idealSize{860, 580};
+    static constexpr QSize idealSize{880, 590};
 
     /// Both must outlive the sheet.
     NewCloneView(AppModel& model, IconLoader& icons, FilePanels panels);

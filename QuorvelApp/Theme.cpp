@@ -60,8 +60,8 @@ const Colors& darkColors() {
 }
 
 bool isDark(const QPalette& palette) {
-    return palette.color(QPalette::WindowText).lightnessF() >
-           palette.color(QPalette::Window).lightnessF();
+    // The ground of a styled widget may be transparent; its text tells.
+    return palette.color(QPalette::Active, QPalette::WindowText).lightnessF() > 0.5F;
 }
 
 const Colors& colorsFor(const QPalette& palette) {

@@ -55,7 +55,7 @@ protected:
 
     NewCloneView& openSheet() {
         window->content().showNewClone();
-        auto* sheet = window->findChild<NewCloneView*>();
+        auto* sheet = window->findChildren<NewCloneView*>().constLast();
         EXPECT_TRUE(eventually([&] { return !stubs.model().catalogLoading(); }));
         return *sheet;
     }
@@ -150,7 +150,7 @@ TEST_F(WindowTest, ADeletionCanBeCancelledByButtonAndByEscape) {
     button(u"Delete"_s)->click();
     button(u"Cancel"_s)->click();
     button(u"Delete"_s)->click();
-    QTest::keyClick(window->findChild<MessageSheet*>(), Qt::Key_Escape);
+    QTest::keyClick(window->findChildren<MessageSheet*>().constLast(), Qt::Key_Escape);
     EXPECT_FALSE(shown(u"Delete “Work”?"_s));
     EXPECT_TRUE(fs::exists(work.bundleURL));
 }
@@ -610,6 +610,7 @@ TEST_F(WindowTest, TheFocusStaysInTheSheet) {
     addClone("Work");
     open();
     window->activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(window.get()));
     NewCloneView& sheet = openSheet();
     choose(u"Notes"_s);
     for (int step = 0; step < 40; ++step) {

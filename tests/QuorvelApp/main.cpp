@@ -1,3 +1,5 @@
+#include "QuorvelApp/Appearance.h"
+
 #include <QApplication>
 #include <QStandardPaths>
 
@@ -8,6 +10,7 @@ int main(int argc, char** argv) {
     qputenv("QT_QPA_PLATFORM", "offscreen");
     QStandardPaths::setTestModeEnabled(true);
     const QApplication application(argc, argv);
+    quorvel::Appearance::apply(quorvel::ColorScheme::light);
     ::testing::InitGoogleMock(&argc, argv);
     return RUN_ALL_TESTS();
 }
