@@ -75,10 +75,12 @@ public:
 
     /// Waits until the application told as often as it was to.
     [[nodiscard]] bool hasTold(int times) const {
-        return waitFor([&] {
-            const std::string text = read(told);
-            return std::count(text.begin(), text.end(), '\n') >= times;
-        });
+        return waitFor(
+            [&] {
+                const std::string text = read(told);
+                return std::count(text.begin(), text.end(), '\n') >= times;
+            },
+            std::chrono::minutes(2));
     }
 
     void endAll() { waitForEnd(std::exchange(released, {}), std::chrono::seconds(5)); }

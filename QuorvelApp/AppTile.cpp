@@ -1,0 +1,119 @@
+#include "QuorvelApp/AppTile.h"
+
+#include "QuorvelApp/Symbols.h"
+#include "QuorvelApp/Theme.h"
+#include "QuorvelApp/TileText.h"
+
+#include <QAbstractItemView>
+#include <QHelpEvent>
+#include <QPainter>
+#include <QToolTip>
+
+namespace quorvel {
+namespace {
+
+constexpr int padding = 10;
+constexpr int gap = 6;
+constexpr int nameHeight = 28;
+constexpr int lockSize = 9;
+constexpr int lockPadding = 3;
+constexpr double ring = 1.5;
+constexpr int badgeSize = lockSize + 2 * lockPadding;
+
+QRect tileRect(const QStyleOptionViewItem& option) {
+    const int half = AppTile::spacing / 2;
+    return option.rect.adjusted(half, half, -half, -half);
+}
+
+QRect nameRect(const QStyleOptionViewItem& option) {
+    const QRect tile = tileRect(option);
+    const int sides = padding / 2; // long words need the room more than air
+    return {tile.left() + sides, tile.top() + padding + AppTile::iconSize + gap,
+            tile.width() - 2 * sides, nameHeight};
+}
+
+void paintGround(QPainter* painter, const QStyleOptionViewItem& option, const Colors& colors) {
+    const QRectF tile = QRectF(tileRect(option)).adjusted(0.75, 0.75, -0.75, -0.75);
+    QColor fill = colors.accent;
+    if (option.state.testFlag(QStyle::State_Selected)) {
+        fill.setAlphaF(0.18F);
+        painter->setPen(QPen(colors.accent, 1.5));
+    } else if (option.state.testFlag(QStyle::State_MouseOver)) {
+        fill = colors.text;
+        fill.setAlphaF(0.05F);
+        painter->setPen(Qt::NoPen);
+    } else {
+        return;
+    }
+    painter->setBrush(fill);
+    painter->drawRoundedRect(tile, 10, 10);
+}
+
+void paintLock(QPainter* painter, const QRect& badge, const Colors& colors) {
+    painter->setPen(Qt::NoPen);
+    painter->setBrush(colors.content);
+    painter->drawEllipse(QRectF(badge).adjusted(-ring, -ring, ring, ring));
+    painter->setBrush(colors.orange);
+    painter->drawEllipse(badge);
+    symbolIcon(QStringLiteral("lock.fill"), Ink::onAccent)
+        .paint(painter, badge.adjusted(lockPadding, lockPadding, -lockPadding, -lockPadding));
+}
+
+} // namespace
+
+AppTile::AppTile(IconLoader& icons, QObject* parent) : QStyledItemDelegate(parent), icons_(icons) {}
+
+QString AppTile::sandboxHelp() {
+    return tr("Sandboxed — you'll get a separate Dock icon, but macOS won't let Quorvel isolate "
+              "its data");
+}
+
+QRect AppTile::iconRect(const QStyleOptionViewItem& option) {
+    const QRect tile = tileRect(option);
+    return {tile.left() + (tile.width() - iconSize) / 2, tile.top() + padding, iconSize, iconSize};
+}
+
+QRect AppTile::badgeRect(const QStyleOptionViewItem& option) {
+    const QRect icon = iconRect(option);
+    constexpr int outward = 3;
+    const QRect trailing(icon.right() + 1 - badgeSize + outward,
+                         icon.bottom() + 1 - badgeSize + outward, badgeSize, badgeSize);
+    return QStyle::visualRect(option.direction, option.rect, trailing);
+}
+
+void AppTile::paint(QPainter* painter, const QStyleOptionViewItem& option,
+                    const QModelIndex& index) const {
+    const Colors& colors = colorsFor(option.palette);
+    const InstalledApp& app = qobject_cast<const AppGridModel*>(index.model())->app(index.row());
+    painter->save();
+    painter->setRenderHint(QPainter::Antialiasing);
+    paintGround(painter, option, colors);
+    painter->drawPixmap(iconRect(option),
+                        icons_.icon(app.url, iconSize, painter->device()->devicePixelRatioF()));
+    if (index.data(AppGridModel::SandboxedRole).toBool()) {
+        paintLock(painter, badgeRect(option), colors);
+    }
+    painter->setPen(colors.text);
+    TileText::paint(painter, nameRect(option), index.data().toString());
+    painter->restore();
+    Q_EMIT appeared(app);
+}
+
+QSize AppTile::sizeHint(const QStyleOptionViewItem&, const QModelIndex&) const {
+    return {width_ + spacing, height + spacing};
+}
+
+bool AppTile::helpEvent(QHelpEvent* event, QAbstractItemView* view,
+                        const QStyleOptionViewItem& option, const QModelIndex& index) {
+    QString text;
+    if (index.data(AppGridModel::SandboxedRole).toBool() &&
+        badgeRect(option).adjusted(-4, -4, 4, 4).contains(event->pos())) {
+        text = sandboxHelp();
+    } else if (TileText::isElided(index.data().toString(), nameRect(option).width())) {
+        text = index.data().toString().toHtmlEscaped();
+    }
+    QToolTip::showText(event->globalPos(), text, view);
+    return true;
+}
+
+} // namespace quorvel

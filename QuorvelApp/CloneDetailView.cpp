@@ -1,0 +1,163 @@
+#include "QuorvelApp/CloneDetailView.h"
+
+#include "LaunchKit/InstanceLauncher.h"
+#include "QuorvelApp/MessageSheet.h"
+#include "QuorvelApp/MigrationCallout.h"
+#include "QuorvelApp/QtText.h"
+#include "QuorvelApp/Sheet.h"
+
+#include <QHBoxLayout>
+#include <QScrollArea>
+#include <QVBoxLayout>
+
+namespace quorvel {
+
+using namespace Qt::StringLiterals;
+
+CloneDetailView::CloneDetailView(AppModel& model, IconLoader& icons, QWidget* sheets)
+    : model_(model),
+      sheets_(sheets),
+      callout_(new MigrationCallout) {
+    setObjectName(u"detail"_s);
+    setAttribute(Qt::WA_StyledBackground);
+    auto* page = new QWidget;
+    auto* column = new QVBoxLayout(page);
+    column->setContentsMargins(28, 26, 28, 26);
+    column->setSpacing(18);
+    column->addWidget(makeHeader(icons));
+    column->addWidget(makeActions());
+    column->addWidget(callout_);
+    column->addSpacing(2);
+    column->addWidget(makeLabel(tr("Details"), TextStyle::headline));
+    details_ = new QVBoxLayout;
+    details_->setSpacing(0);
+    column->addLayout(details_);
+    column->addStretch();
+
+    auto* scroll = new QScrollArea;
+    scroll->setWidget(page);
+    scroll->setWidgetResizable(true);
+    scroll->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    scroll->setFocusPolicy(Qt::NoFocus);
+    auto* layout = new QVBoxLayout(this);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->addWidget(scroll);
+    connect(callout_, &MigrationCallout::migrationRequested, this,
+            &CloneDetailView::confirmMigration);
+    connect(&model_, &AppModel::runningBundleIdsChanged, this, &CloneDetailView::refreshRunning);
+}
+
+QWidget* CloneDetailView::makeHeader(IconLoader& icons) {
+    auto* header = new QWidget;
+    icon_ = new AppIcon(icons, 64);
+    name_ = new ElidedLabel(TextStyle::largeTitle, Ink::text);
+    name_->setTextInteractionFlags(Qt::TextSelectableByMouse);
+    dot_ = new StatusDot;
+    status_ = makeLabel({}, TextStyle::callout, Ink::secondary);
+    auto* state = new QHBoxLayout;
+    state->setSpacing(7);
+    state->addWidget(dot_);
+    state->addWidget(status_);
+    state->addStretch();
+    auto* texts = new QVBoxLayout;
+    texts->setSpacing(3);
+    texts->addStretch();
+    texts->addWidget(name_);
+    texts->addLayout(state);
+    texts->addStretch();
+    auto* row = new QHBoxLayout(header);
+    row->setContentsMargins(0, 0, 0, 0);
+    row->setSpacing(16);
+    row->addWidget(icon_);
+    row->addLayout(texts, 1);
+    return header;
+}
+
+QWidget* CloneDetailView::makeActions() {
+    auto* actions = new QWidget;
+    launch_ = makeButton(tr("&Launch"), ButtonLook::prominent, u"play.fill"_s);
+    auto* reveal = makeButton(tr("Re&veal in Finder"), ButtonLook::standard, u"folder"_s);
+    auto* remove = makeButton(tr("&Delete"), ButtonLook::standard, u"trash"_s);
+    connect(launch_, &QPushButton::clicked, this, [this] { model_.launch(clone_); });
+    connect(reveal, &QPushButton::clicked, this, [this] { model_.reveal(clone_); });
+    connect(remove, &QPushButton::clicked, this, &CloneDetailView::confirmDelete);
+    auto* row = new QHBoxLayout(actions);
+    row->setContentsMargins(0, 0, 0, 0);
+    row->setSpacing(8);
+    row->addWidget(launch_);
+    row->addWidget(reveal);
+    row->addStretch();
+    row->addWidget(remove);
+    return actions;
+}
+
+void CloneDetailView::setClone(const InstanceRecord& clone) {
+    clone_ = clone;
+    icon_->setPath(iconPathOf(clone));
+    name_->setFullText(qtText(clone.config.displayName));
+    callout_->setVisible(InstanceLauncher::needsSharedFolderMigration(clone.config.resolvedHome()));
+    setRows(detailRows(clone.config, clone.bundleURL));
+    refreshRunning();
+}
+
+void CloneDetailView::refreshRunning() {
+    const bool running = model_.isRunning(clone_);
+    dot_->setRunning(running);
+    status_->setText(running ? tr("Running") : tr("Not running"));
+    launch_->setText(running ? tr("&Focus") : tr("&Launch"));
+}
+
+void CloneDetailView::setRows(const std::vector<DetailRow>& rows) {
+    if (rows == rows_) {
+        return;
+    }
+    rows_ = rows;
+    while (QLayoutItem* item = details_->takeAt(0)) {
+        delete item->widget();
+        delete item;
+    }
+    for (std::size_t index = 0; index < rows.size(); ++index) {
+        if (index > 0) {
+            details_->addWidget(makeDivider(Qt::Horizontal));
+        }
+        details_->addWidget(new InfoRow(rows[index]));
+    }
+}
+
+void CloneDetailView::confirmDelete() {
+    const QString name = qtText(clone_.config.displayName);
+    const auto removing = [this, clone = clone_](bool withData) {
+        return [this, clone, withData] { model_.remove(clone, withData); };
+    };
+    auto* question = new MessageSheet(
+        u"trash"_s, Ink::danger, tr("Delete “%1”?").arg(name),
+        tr("“Delete Clone Only” removes the app but keeps its data at %1. “…and Its Data” also "
+           "erases that folder — accounts and settings for this clone are gone for good.")
+            .arg(qtText(clone_.config.instanceHome)),
+        {{.label = tr("Delete Clone Only"),
+          .look = ButtonLook::destructive,
+          .chosen = removing(false)},
+         {.label = tr("Delete Clone and Its Data"),
+          .look = ButtonLook::destructive,
+          .chosen = removing(true)},
+         {.label = tr("Cancel"), .onEscape = true, .isDefault = true}});
+    new Sheet(question, sheets_, Sheet::Place::middle);
+}
+
+void CloneDetailView::confirmMigration() {
+    const QString name = qtText(clone_.config.displayName);
+    auto* question = new MessageSheet(
+        u"arrow.down.doc"_s, Ink::accent, tr("Move “%1” files to your shared folders?").arg(name),
+        tr("Files in this clone's Downloads, Documents and Desktop move into your Mac's real "
+           "folders — nothing is overwritten (a name clash gets a number). Future saves go there "
+           "too, while the clone's accounts and settings stay isolated. Quit the clone first if "
+           "it's running."),
+        {{.label = tr("Move Files & Share"),
+          .look = ButtonLook::prominent,
+          .chosen = [this, clone = clone_] { model_.migrateSharedFolders(clone); },
+          .isDefault = true},
+         {.label = tr("Cancel"), .onEscape = true}});
+    new Sheet(question, sheets_, Sheet::Place::middle);
+}
+
+} // namespace quorvel

@@ -1,0 +1,50 @@
+#pragma once
+
+#include "QuorvelApp/AppModel.h"
+#include "QuorvelApp/Components.h"
+
+#include <QWidget>
+
+#include <string>
+#include <vector>
+
+class QVBoxLayout;
+
+namespace quorvel {
+
+class MigrationCallout;
+
+/// One clone: what it is, what it runs, and what can be done with it. Follows the model; what did
+/// not change stays as it is.
+class CloneDetailView : public QWidget {
+    Q_OBJECT
+
+public:
+    /// Both must outlive the widget. `sheets` is the widget over which dialogs show.
+    CloneDetailView(AppModel& model, IconLoader& icons, QWidget* sheets);
+
+    void setClone(const InstanceRecord& clone);
+    /// Shows anew whether the clone runs.
+    void refreshRunning();
+
+private:
+    [[nodiscard]] QWidget* makeHeader(IconLoader& icons);
+    [[nodiscard]] QWidget* makeActions();
+    void setRows(const std::vector<DetailRow>& rows);
+    void confirmDelete();
+    void confirmMigration();
+
+    AppModel& model_;
+    QWidget* sheets_;
+    InstanceRecord clone_{};
+    std::vector<DetailRow> rows_{};
+    AppIcon* icon_ = nullptr;
+    ElidedLabel* name_ = nullptr;
+    StatusDot* dot_ = nullptr;
+    QLabel* status_ = nullptr;
+    QPushButton* launch_ = nullptr;
+    MigrationCallout* callout_ = nullptr;
+    QVBoxLayout* details_ = nullptr;
+};
+
+} // namespace quorvel

@@ -1,0 +1,113 @@
+#include "QuorvelApp/ContentView.h"
+
+#include "QuorvelApp/CloneDetailView.h"
+#include "QuorvelApp/Components.h"
+#include "QuorvelApp/ModelAlert.h"
+#include "QuorvelApp/NewCloneView.h"
+#include "QuorvelApp/Sheet.h"
+#include "QuorvelApp/Sidebar.h"
+
+#include <QHBoxLayout>
+#include <QSplitter>
+#include <QStackedLayout>
+#include <QVBoxLayout>
+
+namespace quorvel {
+
+using namespace Qt::StringLiterals;
+
+ContentView::ContentView(AppModel& model, IconLoader& icons, FilePanels panels)
+    : model_(model),
+      icons_(icons),
+      panels_(std::move(panels)) {
+    auto* column = new QVBoxLayout(this);
+    column->setContentsMargins(0, 0, 0, 0);
+    column->setSpacing(0);
+    column->addWidget(makeToolbar());
+    column->addWidget(makeColumns(icons), 1);
+    new ModelAlert(model_, ModelAlert::Text::error, this);
+    new ModelAlert(model_, ModelAlert::Text::status, this);
+    connect(&model_, &AppModel::clonesChanged, this, &ContentView::showSelection);
+    connect(&model_, &AppModel::clonesChanged, &icons_, &IconLoader::refresh);
+    connect(&model_, &AppModel::startNewCloneRequestedChanged, this, &ContentView::takeRequest);
+    connect(sidebar_, &Sidebar::selectionChanged, this, &ContentView::showSelection);
+    connect(sidebar_, &Sidebar::newCloneRequested, this, &ContentView::showNewClone);
+    showSelection();
+}
+
+QWidget* ContentView::makeToolbar() {
+    auto* bar = new QWidget;
+    bar->setObjectName(u"toolbar"_s);
+    bar->setAttribute(Qt::WA_StyledBackground);
+    auto* add = makeButton({}, ButtonLook::tool, u"plus"_s);
+    add->setAccessibleName(tr("New Clone"));
+    add->setToolTip(tr("Create an isolated copy of an app"));
+    connect(add, &QPushButton::clicked, this, &ContentView::showNewClone);
+    auto* row = new QHBoxLayout(bar);
+    row->setContentsMargins(14, 7, 12, 7);
+    row->addWidget(makeLabel(u"Quorvel"_s, TextStyle::headline));
+    row->addStretch();
+    row->addWidget(add);
+    return bar;
+}
+
+QWidget* ContentView::makeColumns(IconLoader& icons) {
+    auto* columns = new QSplitter(Qt::Horizontal);
+    columns->setHandleWidth(1);
+    columns->setChildrenCollapsible(false);
+    sidebar_ = new Sidebar(model_, icons);
+    detail_ = new CloneDetailView(model_, icons, this);
+    auto* detailColumn = new QWidget;
+    detailColumn->setObjectName(u"detailColumn"_s);
+    detailColumn->setAttribute(Qt::WA_StyledBackground);
+    detailStates_ = new QStackedLayout(detailColumn);
+    detailStates_->addWidget(makePlaceholder());
+    detailStates_->addWidget(detail_);
+    columns->addWidget(sidebar_);
+    columns->addWidget(detailColumn);
+    columns->setStretchFactor(1, 1);
+    columns->setSizes({Sidebar::idealColumnWidth, 680});
+    return columns;
+}
+
+QWidget* ContentView::makePlaceholder() {
+    auto* page = new QWidget;
+    auto* column = new QVBoxLayout(page);
+    column->setSpacing(14);
+    column->addStretch();
+    column->addWidget(new SymbolView(u"sidebar.left"_s, Ink::tertiary, 40), 0, Qt::AlignHCenter);
+    placeholderText_ = makeLabel({}, TextStyle::body, Ink::secondary);
+    column->addWidget(placeholderText_, 0, Qt::AlignHCenter);
+    column->addStretch();
+    return page;
+}
+
+void ContentView::showSelection() {
+    const auto& selection = sidebar_->selection();
+    const InstanceRecord* clone = selection ? model_.clone(*selection) : nullptr;
+    if (clone != nullptr) {
+        detail_->setClone(*clone);
+    } else {
+        placeholderText_->setText(model_.clones().empty()
+                                      ? tr("Create your first clone to get started.")
+                                      : tr("Select a clone to manage it."));
+    }
+    detailStates_->setCurrentIndex(clone != nullptr ? 1 : 0);
+}
+
+void ContentView::showNewClone() {
+    if (newClone_.isNull()) {
+        newClone_ = new Sheet(new NewCloneView(model_, icons_, panels_), this, Sheet::Place::top,
+                              NewCloneView::idealSize);
+        connect(newClone_->dialog(), &QDialog::finished, this, [this] { newClone_.clear(); });
+    }
+}
+
+void ContentView::takeRequest() {
+    if (model_.startNewCloneRequested()) {
+        showNewClone();
+        model_.setStartNewCloneRequested(false);
+    }
+}
+
+} // namespace quorvel

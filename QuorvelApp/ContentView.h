@@ -1,0 +1,50 @@
+#pragma once
+
+#include "QuorvelApp/AppModel.h"
+#include "QuorvelApp/FilePanels.h"
+#include "QuorvelApp/IconLoader.h"
+
+#include <QPointer>
+#include <QWidget>
+
+class QStackedLayout;
+class QLabel;
+
+namespace quorvel {
+
+class CloneDetailView;
+class ModelAlert;
+class Sheet;
+class Sidebar;
+
+/// The main window's content: the clones at one side, the selected one at the other, the sheet for
+/// new ones and the model's alerts above.
+class ContentView : public QWidget {
+    Q_OBJECT
+
+public:
+    /// Both must outlive the widget.
+    ContentView(AppModel& model, IconLoader& icons, FilePanels panels = FilePanels::ofTheSystem());
+
+    void showNewClone();
+    [[nodiscard]] bool showingNewClone() const { return !newClone_.isNull(); }
+    [[nodiscard]] Sidebar& sidebar() const { return *sidebar_; }
+
+private:
+    [[nodiscard]] QWidget* makeToolbar();
+    [[nodiscard]] QWidget* makeColumns(IconLoader& icons);
+    [[nodiscard]] QWidget* makePlaceholder();
+    void showSelection();
+    void takeRequest();
+
+    AppModel& model_;
+    IconLoader& icons_;
+    FilePanels panels_;
+    Sidebar* sidebar_ = nullptr;
+    QStackedLayout* detailStates_ = nullptr;
+    QLabel* placeholderText_ = nullptr;
+    CloneDetailView* detail_ = nullptr;
+    QPointer<Sheet> newClone_{};
+};
+
+} // namespace quorvel

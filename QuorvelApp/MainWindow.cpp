@@ -1,0 +1,58 @@
+#include "QuorvelApp/MainWindow.h"
+
+#include <QCloseEvent>
+#include <QMenuBar>
+#include <QSettings>
+
+#include <utility>
+
+namespace quorvel {
+namespace {
+
+using namespace Qt::StringLiterals;
+
+const auto geometryKey = u"window/geometry"_s;
+
+} // namespace
+
+MainWindow::MainWindow(AppModel& model, UpdaterController& updater, IconLoader& icons,
+                       FilePanels panels)
+    : model_(model),
+      content_(new ContentView(model, icons, std::move(panels))) {
+    setWindowTitle(u"Quorvel"_s);
+    setMinimumSize(smallest);
+    resize(initial);
+    setCentralWidget(content_);
+    addCommands(updater);
+    restoreGeometry(QSettings().value(geometryKey).toByteArray());
+}
+
+void MainWindow::addCommands(UpdaterController& updater) {
+    QAction* check = menuBar()->addMenu(tr("&Quorvel"))->addAction(tr("&Check for Updates…"));
+    check->setMenuRole(QAction::ApplicationSpecificRole);
+    check->setEnabled(updater.canCheckForUpdates());
+    connect(&updater, &UpdaterController::canCheckForUpdatesChanged, check, &QAction::setEnabled);
+    connect(check, &QAction::triggered, &updater, &UpdaterController::checkForUpdates);
+
+    QAction* add = menuBar()->addMenu(tr("&File"))->addAction(tr("&New Clone…"));
+    add->setShortcut(QKeySequence::New);
+    connect(add, &QAction::triggered, this, [this] { model_.setStartNewCloneRequested(true); });
+
+    QAction* refresh = menuBar()->addMenu(tr("&View"))->addAction(tr("&Refresh"));
+    refresh->setShortcut(Qt::CTRL | Qt::Key_R);
+    connect(refresh, &QAction::triggered, &model_, &AppModel::reload);
+}
+
+void MainWindow::showEvent(QShowEvent* event) {
+    QMainWindow::showEvent(event);
+    if (!std::exchange(listed_, true)) {
+        model_.reload();
+    }
+}
+
+void MainWindow::closeEvent(QCloseEvent* event) {
+    QSettings().setValue(geometryKey, saveGeometry());
+    QMainWindow::closeEvent(event);
+}
+
+} // namespace quorvel

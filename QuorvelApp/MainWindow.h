@@ -1,0 +1,36 @@
+#pragma once
+
+#include "QuorvelApp/ContentView.h"
+#include "QuorvelApp/Updater.h"
+
+#include <QMainWindow>
+
+namespace quorvel {
+
+/// The window and its menu commands. Lists the clones when it first shows, and remembers its size.
+class MainWindow : public QMainWindow {
+    Q_OBJECT
+
+public:
+    static constexpr QSize smallest{760, 480};
+    static constexpr QSize initial{980, 690};
+
+    /// All must outlive the window.
+    MainWindow(AppModel& model, UpdaterController& updater, IconLoader& icons,
+               FilePanels panels = FilePanels::ofTheSystem());
+
+    [[nodiscard]] ContentView& content() const { return *content_; }
+
+protected:
+    void showEvent(QShowEvent* event) override;
+    void closeEvent(QCloseEvent* event) override;
+
+private:
+    void addCommands(UpdaterController& updater);
+
+    AppModel& model_;
+    ContentView* content_;
+    bool listed_ = false;
+};
+
+} // namespace quorvel

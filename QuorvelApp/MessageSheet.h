@@ -1,0 +1,45 @@
+#pragma once
+
+#include "QuorvelApp/Components.h"
+
+#include <QDialog>
+#include <QString>
+
+#include <functional>
+#include <vector>
+
+class QBoxLayout;
+
+namespace quorvel {
+
+/// A question or a message: a title, a text and a few buttons. Ends after any of them. Escape
+/// presses the button marked for it.
+class MessageSheet : public QDialog {
+    Q_OBJECT
+
+public:
+    struct Choice {
+        QString label{}; ///< shown as it is, without mnemonics
+        ButtonLook look = ButtonLook::standard;
+        std::function<void()> chosen{}; ///< may be empty
+        bool onEscape = false;
+        bool isDefault = false; ///< Return presses it
+    };
+
+    MessageSheet(const QString& symbol, Ink ink, const QString& title, const QString& text,
+                 const std::vector<Choice>& choices);
+
+    [[nodiscard]] QString title() const;
+    [[nodiscard]] QString text() const;
+
+    void reject() override;
+
+private:
+    void add(const Choice& choice, QBoxLayout* row);
+
+    QLabel* title_;
+    QLabel* text_;
+    QPushButton* escape_ = nullptr;
+};
+
+} // namespace quorvel

@@ -1,0 +1,18 @@
+#pragma once
+
+#include <QFrame>
+
+namespace quorvel {
+
+/// Offers to move what a clone saved in its own folders into the user's.
+class MigrationCallout : public QFrame {
+    Q_OBJECT
+
+public:
+    explicit MigrationCallout(QWidget* parent = nullptr);
+
+Q_SIGNALS:
+    void migrationRequested();
+};
+
+} // namespace quorvel

@@ -1,0 +1,35 @@
+#pragma once
+
+#include "QuorvelApp/AppModel.h"
+
+#include <QObject>
+#include <QPointer>
+#include <QWidget>
+
+namespace quorvel {
+
+class Sheet;
+
+/// Shows one of the model's two messages for as long as it is there, and clears it once it was
+/// dismissed.
+class ModelAlert : public QObject {
+    Q_OBJECT
+
+public:
+    enum class Text { error, status };
+
+    /// Shows over `window`, which owns the alert. `model` must outlive it.
+    ModelAlert(AppModel& model, Text text, QWidget* window);
+
+private:
+    void refresh();
+    void present(const QString& message);
+    void dismissed();
+
+    AppModel& model_;
+    Text text_;
+    QWidget* window_;
+    QPointer<Sheet> sheet_{};
+};
+
+} // namespace quorvel

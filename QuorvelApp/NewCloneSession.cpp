@@ -1,0 +1,74 @@
+#include "QuorvelApp/NewCloneSession.h"
+
+#include <QPointer>
+
+namespace quorvel {
+
+NewCloneSession::NewCloneSession(AppModel& model, FilePanels panels, QObject* parent)
+    : QObject(parent),
+      model_(model),
+      panels_(std::move(panels)) {}
+
+void NewCloneSession::edit(const std::function<void(NewCloneForm&)>& change) {
+    change(form_);
+    Q_EMIT changed();
+}
+
+void NewCloneSession::select(const InstalledApp& app) {
+    edit([&](NewCloneForm& form) { form.select(app, model_.suggestedName(app)); });
+    model_.sandboxInfo(app).then(this, [this, app](const SandboxInfo& info) {
+        // An answer for an app that is no longer selected comes too late.
+        if (form_.selected != app) {
+            return;
+        }
+        edit([&](NewCloneForm& form) {
+            form.strategy = info.strategy;
+            form.strategyReason = info.reason;
+            form.selectedSandboxed = info.sandboxed;
+        });
+    });
+}
+
+void NewCloneSession::create() {
+    if (!form_.hasTarget()) {
+        return;
+    }
+    edit([](NewCloneForm& form) { form.creating = true; });
+    // The outcome is told even when the sheet has been closed meanwhile.
+    model_.createClone(form_.makeRequest(), form_.launchAfter)
+        .then(&model_,
+              [&model = model_, self = QPointer(this)](const QFuture<InstanceRecord>& outcome) {
+                  std::optional<std::string> failure;
+                  try {
+                      (void)outcome.result();
+                  } catch (const std::exception& error) {
+                      failure = error.what();
+                  }
+                  if (failure) {
+                      model.setLastError(failure);
+                  } else if (self) {
+                      Q_EMIT self->created();
+                  }
+                  if (self) {
+                      self->edit([](NewCloneForm& form) { form.creating = false; });
+                  }
+              });
+}
+
+void NewCloneSession::detect() {
+    if (!form_.selected) {
+        return;
+    }
+    edit([](NewCloneForm& form) { form.beginDetecting(); });
+    model_.detectStrategy(*form_.selected).then(this, [this](const QFuture<AppProfile>& outcome) {
+        edit([&](NewCloneForm& form) {
+            try {
+                form.detected(outcome.result().strategy);
+            } catch (const std::exception& error) {
+                form.detectionFailed(error.what());
+            }
+        });
+    });
+}
+
+} // namespace quorvel

@@ -1,0 +1,44 @@
+#pragma once
+
+#include "QuorvelApp/AppModel.h"
+#include "QuorvelApp/FilePanels.h"
+#include "QuorvelApp/NewCloneForm.h"
+
+#include <QObject>
+
+#include <functional>
+
+namespace quorvel {
+
+/// One showing of the new-clone sheet: its form, and what the form asks of the model. The panes
+/// change the form here and read it anew at each `changed`.
+class NewCloneSession : public QObject {
+    Q_OBJECT
+
+public:
+    /// `model` must outlive the session.
+    NewCloneSession(AppModel& model, FilePanels panels, QObject* parent = nullptr);
+
+    [[nodiscard]] const NewCloneForm& form() const { return form_; }
+    [[nodiscard]] AppModel& model() const { return model_; }
+    [[nodiscard]] const FilePanels& panels() const { return panels_; }
+
+    void edit(const std::function<void(NewCloneForm&)>& change);
+    /// Takes the app as target and finds out how it stores its data.
+    void select(const InstalledApp& app);
+    /// Has the clone made. Ends with `created`, or with the model's `lastError`.
+    void create();
+    /// Has the selected app's strategy detected.
+    void detect();
+
+Q_SIGNALS:
+    void changed();
+    void created();
+
+private:
+    AppModel& model_;
+    FilePanels panels_;
+    NewCloneForm form_{};
+};
+
+} // namespace quorvel

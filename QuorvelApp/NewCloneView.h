@@ -1,0 +1,38 @@
+#pragma once
+
+#include "QuorvelApp/IconLoader.h"
+#include "QuorvelApp/NewCloneSession.h"
+
+#include <QDialog>
+
+class QPushButton;
+
+namespace quorvel {
+
+class Spinner;
+
+/// The sheet in which a clone is made: header, target pane, configuration pane and footer.
+class NewCloneView : public QDialog {
+    Q_OBJECT
+
+public:
+    static constexpr QSize idealSize{880, 590};
+
+    /// Both must outlive the sheet.
+    NewCloneView(AppModel& model, IconLoader& icons, FilePanels panels);
+
+    [[nodiscard]] NewCloneSession& session() { return session_; }
+
+private:
+    [[nodiscard]] QWidget* makeHeader();
+    [[nodiscard]] QWidget* makePanes(IconLoader& icons);
+    [[nodiscard]] QWidget* makeFooter();
+    void refresh();
+
+    NewCloneSession session_;
+    QWidget* searchField_ = nullptr;
+    QPushButton* create_ = nullptr;
+    Spinner* creating_ = nullptr;
+};
+
+} // namespace quorvel

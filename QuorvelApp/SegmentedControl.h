@@ -1,0 +1,25 @@
+#pragma once
+
+#include <QStringList>
+#include <QWidget>
+
+class QButtonGroup;
+
+namespace quorvel {
+
+/// A row of segments of which exactly one is chosen; the first at the beginning.
+class SegmentedControl : public QWidget {
+    Q_OBJECT
+
+public:
+    SegmentedControl(const QString& accessibleName, const QStringList& segments,
+                     QWidget* parent = nullptr);
+
+Q_SIGNALS:
+    void chosen(int index);
+
+private:
+    QButtonGroup* buttons_;
+};
+
+} // namespace quorvel

@@ -1,0 +1,93 @@
+#include "QuorvelApp/Sheet.h"
+
+#include "QuorvelApp/Theme.h"
+
+#include <QApplication>
+#include <QPainter>
+
+#include <algorithm>
+
+namespace quorvel {
+namespace {
+
+using namespace Qt::StringLiterals;
+
+constexpr int margin = 24;
+
+} // namespace
+
+Sheet::Sheet(QDialog* dialog, QWidget* window, Place place, QSize ideal)
+    : QWidget(window),
+      dialog_(dialog),
+      place_(place),
+      ideal_(ideal),
+      focusBefore_(window->window()->focusWidget()) {
+    // A dialog that is no window of its own stays inside this one.
+    dialog_->setParent(this, Qt::Widget);
+    dialog_->setObjectName(u"sheetCard"_s);
+    dialog_->setAttribute(Qt::WA_StyledBackground);
+    connect(dialog_, &QDialog::finished, this, &Sheet::end);
+    window->installEventFilter(this);
+    dialog_->installEventFilter(this);
+    arrange();
+    show();
+    raise();
+    dialog_->show();
+    if (dialog_->focusWidget() == nullptr) {
+        dialog_->setFocus();
+        focusNextPrevChild(true);
+    } else {
+        dialog_->focusWidget()->setFocus();
+    }
+}
+
+bool Sheet::eventFilter(QObject* watched, QEvent* event) {
+    if (watched == parentWidget() && event->type() == QEvent::Resize) {
+        arrange();
+    } else if (watched == dialog_ && event->type() == QEvent::LayoutRequest) {
+        arrange();
+    }
+    return QWidget::eventFilter(watched, event);
+}
+
+void Sheet::arrange() {
+    setGeometry(parentWidget()->rect());
+    const QSize room = size() - QSize(2 * margin, place_ == Place::top ? margin : 2 * margin);
+    const QSize wanted = ideal_.isValid() ? ideal_ : dialog_->sizeHint();
+    const QSize given = wanted.boundedTo(room);
+    const int left = (width() - given.width()) / 2;
+    const int top = place_ == Place::top ? std::min(44, (height() - given.height()) / 2)
+                                         : (height() - given.height()) * 2 / 5;
+    dialog_->setGeometry(QRect(QPoint(left, top), given));
+}
+
+bool Sheet::focusNextPrevChild(bool next) {
+    QWidget* const start = dialog_->isAncestorOf(QApplication::focusWidget())
+                               ? QApplication::focusWidget()
+                               : static_cast<QWidget*>(dialog_);
+    for (QWidget* widget = next ? start->nextInFocusChain() : start->previousInFocusChain();
+         widget != start;
+         widget = next ? widget->nextInFocusChain() : widget->previousInFocusChain()) {
+        if (dialog_->isAncestorOf(widget) && widget->isVisibleTo(dialog_) && widget->isEnabled() &&
+            (widget->focusPolicy() & Qt::TabFocus) == Qt::TabFocus &&
+            widget->focusProxy() == nullptr) {
+            widget->setFocus(next ? Qt::TabFocusReason : Qt::BacktabFocusReason);
+            return true;
+        }
+    }
+    return true;
+}
+
+void Sheet::paintEvent(QPaintEvent*) {
+    QPainter(this).fillRect(rect(), colorsFor(palette()).scrim);
+}
+
+void Sheet::end() {
+    hide();
+    if (focusBefore_) {
+        focusBefore_->setFocus();
+    }
+    deleteLater();
+}
+
+} // namespace quorvel

@@ -1,0 +1,20 @@
+#include "QuorvelApp/Appearance.h"
+#include "QuorvelApp/QuorvelApp.h"
+
+#include <QApplication>
+#include <QIcon>
+
+int main(int argc, char** argv) {
+    QApplication::setHighDpiScaleFactorRoundingPolicy(
+        Qt::HighDpiScaleFactorRoundingPolicy::PassThrough);
+    const QApplication application(argc, argv);
+    QApplication::setApplicationName(QStringLiteral("quorvel"));
+    QApplication::setApplicationDisplayName(QStringLiteral("Quorvel"));
+    QApplication::setDesktopFileName(QStringLiteral("app.quorvel.Quorvel"));
+    QApplication::setWindowIcon(QIcon(QStringLiteral(":/packaging/app.quorvel.Quorvel.svg")));
+    QApplication::setQuitOnLastWindowClosed(true);
+    const quorvel::Appearance appearance;
+    quorvel::QuorvelApp quorvel;
+    quorvel.start();
+    return QApplication::exec();
+}

@@ -1,0 +1,290 @@
+// How quick the window is, next to an empty Qt window in the same run.
+//   app_benchmark            runs everything and prints a table
+// Needs no display. Works in a throw-away home.
+#include "LaunchKit/IcnsWriter.h"
+#include "QuorvelApp/AppPicker.h"
+#include "QuorvelApp/Appearance.h"
+#include "QuorvelApp/NewCloneView.h"
+#include "QuorvelApp/QuorvelApp.h"
+#include "tests/support/AppBundles.h"
+#include "tests/support/TemporaryHome.h"
+
+#include <QAbstractEventDispatcher>
+#include <QApplication>
+#include <QElapsedTimer>
+#include <QLineEdit>
+#include <QPainter>
+#include <QProcess>
+#include <QPushButton>
+#include <QScrollBar>
+#include <QStandardPaths>
+
+#include <algorithm>
+#include <array>
+#include <chrono>
+#include <cstdio>
+#include <fstream>
+#include <vector>
+
+namespace quorvel {
+namespace {
+
+namespace fs = std::filesystem;
+using namespace quorvel::testing;
+
+double milliseconds() {
+    return std::chrono::duration<double, std::milli>(
+               std::chrono::steady_clock::now().time_since_epoch())
+        .count();
+}
+
+double residentMegabytes() {
+    std::ifstream status("/proc/self/status");
+    for (std::string line; std::getline(status, line);) {
+        if (line.starts_with("VmRSS:")) {
+            return std::stod(line.substr(6)) / 1024;
+        }
+    }
+    return 0;
+}
+
+double median(std::vector<double> values) {
+    std::sort(values.begin(), values.end());
+    return values[values.size() / 2];
+}
+
+void report(const char* what, double value, const char* unit, double goal) {
+    std::printf("%-62s %9.2f %-3s  goal %7.2f  %s\n", what, value, unit, goal,
+                value <= goal ? "met" : "MISSED");
+}
+
+bool waitUntil(const std::function<bool()>& holds) {
+    QElapsedTimer timer;
+    timer.start();
+    while (!holds() && timer.elapsed() < 60000) {
+        QApplication::processEvents(QEventLoop::AllEvents, 5);
+    }
+    return holds();
+}
+
+void makeClones(const fs::path& home, int count) {
+    for (int number = 0; number < count; ++number) {
+        InstanceConfig config = minimalConfig("Clone " + std::to_string(number));
+        config.bundleId = WrapperFactory::defaultBundleId(config.displayName);
+        makeWrapper(home / "Applications" / (config.displayName + ".app"), config);
+    }
+}
+
+std::string iconBytes() {
+    QImage image(512, 512, QImage::Format_ARGB32);
+    QPainter painter(&image);
+    painter.fillRect(image.rect(), QGradient(QGradient::PhoenixStart));
+    painter.end();
+    const std::array chunks{icnsChunk(image), icnsChunk(image.scaled(128, 128)),
+                            icnsChunk(image.scaled(64, 64))};
+    return icnsFile(chunks);
+}
+
+std::vector<InstalledApp> makeApps(const fs::path& folder, int count) {
+    const std::string icon = iconBytes();
+    std::vector<InstalledApp> apps;
+    for (int number = 0; number < count; ++number) {
+        const std::string name = "Application " + std::to_string(number);
+        const fs::path app = folder / (name + ".app");
+        makeScriptedAppBundle(app, "exit 0", {{"CFBundleIconFile", "AppIcon"}});
+        write(app / "Contents/Resources/AppIcon.icns", icon);
+        apps.push_back({.url = app, .name = name, .bundleId = "com.example." + name});
+    }
+    return apps;
+}
+
+/// Tells when its window is painted for the first time.
+class FirstPaint : public QObject {
+public:
+    bool eventFilter(QObject* watched, QEvent* event) override {
+        if (event->type() == QEvent::Paint) {
+            painted_ = true;
+        }
+        return QObject::eventFilter(watched, event);
+    }
+    [[nodiscard]] bool painted() const { return painted_; }
+
+private:
+    bool painted_ = false;
+};
+
+// A child prints when its window was painted, and its memory then.
+int showEmpty() {
+    QMainWindow window;
+    FirstPaint paint;
+    window.installEventFilter(&paint);
+    window.resize(MainWindow::initial);
+    window.show();
+    (void)waitUntil([&] { return paint.painted(); });
+    std::printf("%f\n", milliseconds());
+    (void)waitUntil([deadline = milliseconds() + 500] { return milliseconds() > deadline; });
+    std::printf("%f\n", residentMegabytes());
+    return 0;
+}
+
+int showApplication() {
+    const Appearance appearance;
+    QuorvelApp app;
+    FirstPaint paint;
+    app.window().installEventFilter(&paint);
+    app.start();
+    (void)waitUntil([&] { return paint.painted() && !app.model().clones().empty(); });
+    std::printf("%f\n", milliseconds());
+    app.window().content().showNewClone();
+    (void)waitUntil([deadline = milliseconds() + 500] { return milliseconds() > deadline; });
+    std::printf("%f\n", residentMegabytes());
+    return 0;
+}
+
+struct ChildFigures {
+    double start = 0;
+    double memory = 0;
+};
+
+ChildFigures runChild(const QString& mode) {
+    std::vector<double> starts;
+    std::vector<double> memories;
+    for (int round = 0; round < 9; ++round) {
+        QProcess child;
+        const double begun = milliseconds();
+        child.start(QApplication::applicationFilePath(), {mode});
+        child.waitForFinished();
+        const QList<QByteArray> lines = child.readAllStandardOutput().split('\n');
+        starts.push_back(lines.value(0).toDouble() - begun);
+        memories.push_back(lines.value(1).toDouble());
+    }
+    return {median(starts), median(memories)};
+}
+
+void measureStart() {
+    const TemporaryHome home;
+    makeClones(home.path(), 500);
+    const ChildFigures empty = runChild(QStringLiteral("empty"));
+    const ChildFigures app = runChild(QStringLiteral("application"));
+    std::printf("empty window: %.1f ms, %.1f MB; with 500 clones: %.1f ms, %.1f MB with the sheet\n",
+                empty.start, empty.memory, app.start, app.memory);
+    report("start to the first paint, 500 clones / empty window", app.start / empty.start, "x",
+           1.5);
+    report("memory, 500 clones and the sheet / empty window", app.memory / empty.memory, "x", 2.0);
+}
+
+/// The longest time for which the event loop did not come back.
+class LongestHold {
+public:
+    LongestHold() {
+        auto* dispatcher = QAbstractEventDispatcher::instance();
+        QObject::connect(dispatcher, &QAbstractEventDispatcher::awake, &context_, [this] {
+            awake_ = milliseconds();
+        });
+        QObject::connect(dispatcher, &QAbstractEventDispatcher::aboutToBlock, &context_, [this] {
+            longest_ = std::max(longest_, awake_ == 0 ? 0 : milliseconds() - awake_);
+        });
+    }
+    [[nodiscard]] double longest() const { return longest_; }
+
+private:
+    QObject context_;
+    double awake_ = 0;
+    double longest_ = 0;
+};
+
+void measureSheet() {
+    const TemporaryHome home;
+    const TemporaryFolder folder;
+    AppServices services = AppServices::ofTheSystem();
+    services.scanCatalog = [apps = makeApps(folder.path(), 2000)] { return apps; };
+    QuorvelApp app(std::move(services));
+    app.start();
+    QApplication::processEvents();
+
+    QElapsedTimer timer;
+    timer.start();
+    app.window().content().showNewClone();
+    double worst = static_cast<double>(timer.nsecsElapsed()) / 1e6;
+    const auto frame = [&](const std::function<void()>& change) {
+        timer.restart();
+        change();
+        QApplication::processEvents();
+        worst = std::max(worst, static_cast<double>(timer.nsecsElapsed()) / 1e6);
+    };
+    (void)waitUntil([&] {
+        frame([] {});
+        return !app.model().catalogLoading();
+    });
+    auto* grid = app.window().findChild<AppGrid*>();
+    (void)waitUntil([&] { return grid->verticalScrollBar()->maximum() > 0; });
+    QScrollBar* bar = grid->verticalScrollBar();
+    while (bar->value() < bar->maximum()) {
+        frame([&] { bar->setValue(bar->value() + 150); });
+    }
+    report("sheet with 2,000 apps: longest frame, opening and scrolling", worst, "ms", 33);
+
+    QLineEdit* search = nullptr;
+    for (QLineEdit* field : app.window().findChildren<QLineEdit*>()) {
+        search = field->objectName() == QLatin1String("searchText") ? field : search;
+    }
+    double slowest = 0;
+    QString text;
+    for (const QChar key : QStringLiteral("application 19")) {
+        timer.restart();
+        search->setText(text += key);
+        QApplication::processEvents();
+        slowest = std::max(slowest, static_cast<double>(timer.nsecsElapsed()) / 1e6);
+    }
+    report("search field with 2,000 apps: slowest key", slowest, "ms", 10);
+}
+
+void measureFlow() {
+    const TemporaryHome home;
+    const fs::path target =
+        makeScriptedAppBundle(home / "Applications/Chat.app", "exit 0", {});
+    AppServices services = AppServices::ofTheSystem();
+    services.createWrapper = [](const WrapperFactory::Request& request) {
+        return WrapperFactory(runnerProgram()).create(request);
+    };
+    QuorvelApp app(std::move(services));
+    app.start();
+    const LongestHold hold;
+    for (int round = 0; round < 10; ++round) {
+        WrapperFactory::Request request;
+        request.targetApp = target;
+        request.displayName = "Work " + std::to_string(round);
+        request.iconLabel = IconLabel{.text = "W", .colorHex = "#FFFFFF"};
+        const auto made = app.model().createClone(request, false);
+        (void)waitUntil([&] { return made.isFinished(); });
+        app.window().content().showNewClone();
+        (void)waitUntil([&] { return !app.model().catalogLoading(); });
+        app.window().findChild<NewCloneView*>()->reject();
+        const auto moved = app.model().migrateSharedFolders(made.result());
+        (void)waitUntil([&] { return moved.isFinished(); });
+        app.model().setStatusMessage(std::nullopt);
+        app.model().remove(made.result(), true);
+    }
+    report("longest hold of the main thread in a person's flow", hold.longest(), "ms", 50);
+}
+
+} // namespace
+} // namespace quorvel
+
+int main(int argc, char** argv) {
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    QStandardPaths::setTestModeEnabled(true);
+    const QApplication application(argc, argv);
+    const QString mode = application.arguments().value(1);
+    if (mode == QLatin1String("empty")) {
+        return quorvel::showEmpty();
+    }
+    if (mode == QLatin1String("application")) {
+        return quorvel::showApplication();
+    }
+    quorvel::measureStart();
+    const quorvel::Appearance appearance;
+    quorvel::measureSheet();
+    quorvel::measureFlow();
+    return 0;
+}

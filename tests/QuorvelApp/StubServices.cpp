@@ -1,0 +1,100 @@
+#include "tests/QuorvelApp/StubServices.h"
+
+#include "tests/support/Waiting.h"
+
+#include <QCoreApplication>
+
+namespace quorvel::testing {
+
+void StubWorkspace::openApplication(const std::filesystem::path& bundle, bool activates,
+                                    Completion completion) {
+    opened.push_back(bundle);
+    activated = activates;
+    completion(openError);
+}
+
+void StubWorkspace::reveal(const std::filesystem::path& item) {
+    if (revealError) {
+        throw PlatformError(*revealError);
+    }
+    revealed.push_back(item);
+}
+
+RunningApplications StubWorkspace::runningApplications() {
+    ++looks;
+    std::vector<RunningApplication> applications;
+    for (const std::string& bundleId : running) {
+        applications.push_back({.bundleId = bundleId, .bundleURL = "/x.app", .pid = 1});
+    }
+    return RunningApplications(std::move(applications));
+}
+
+void RecordingTasks::start(TaskPriority priority, std::function<void()> work) {
+    priorities.push_back(priority);
+    if (holding) {
+        held_.push_back(std::move(work));
+    } else {
+        pool_.start(priority, std::move(work));
+    }
+}
+
+void RecordingTasks::release() {
+    holding = false;
+    for (auto& work : held_) {
+        pool_.start(TaskPriority::userInitiated, std::move(work));
+    }
+    held_.clear();
+}
+
+StubbedModel::StubbedModel(const std::filesystem::path& folder) {
+    AppServices services;
+    services.registry = InstanceRegistry({folder});
+    services.workspace = workspace;
+    services.tasks = tasks;
+    services.scanCatalog = [this] {
+        worked();
+        ++scans;
+        return installed;
+    };
+    services.readBundle = [this](const std::filesystem::path& url) -> std::optional<AppBundle> {
+        worked();
+        ++bundlesRead;
+        if (unreadable.contains(url.string())) {
+            return std::nullopt;
+        }
+        return AppBundle{.url = url,
+                         .bundleId = "com.example." + url.stem().string(),
+                         .executableName = url.stem().string(),
+                         .sandboxed = sandboxed.contains(url.string())};
+    };
+    services.createWrapper = [this](const WrapperFactory::Request& request) {
+        worked();
+        return create(request);
+    };
+    services.probe = [this](const std::filesystem::path&) {
+        worked();
+        return probe();
+    };
+    services.after = [this](std::chrono::milliseconds time, QObject*, std::function<void()> then) {
+        delays.push_back(time);
+        delayed.push_back(std::move(then));
+    };
+    model_ = std::make_unique<AppModel>(std::move(services));
+}
+
+void StubbedModel::worked() {
+    const std::lock_guard lock(mutex_);
+    workedOn.push_back(QThread::currentThread());
+}
+
+bool eventually(const std::function<bool()>& predicate, std::chrono::milliseconds deadline) {
+    return waitFor(
+        [&] {
+            QCoreApplication::processEvents();
+            QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+            return predicate();
+        },
+        deadline);
+}
+
+} // namespace quorvel::testing

@@ -1,0 +1,95 @@
+#pragma once
+
+#include "QuorvelApp/AppModel.h"
+
+#include <QThread>
+
+#include <chrono>
+#include <functional>
+#include <mutex>
+#include <string>
+#include <vector>
+
+namespace quorvel::testing {
+
+/// A desktop on which nothing happens but what a test says.
+class StubWorkspace final : public Workspace {
+public:
+    void openApplication(const std::filesystem::path& bundle, bool activates,
+                         Completion completion) override;
+    void reveal(const std::filesystem::path& item) override;
+    RunningApplications runningApplications() override;
+    OperatingSystemVersion operatingSystemVersion() const override { return {14, 5}; }
+
+    std::vector<std::filesystem::path> opened{};
+    bool activated = false;
+    std::optional<PlatformError> openError{};
+    std::optional<PlatformError> revealError{};
+    std::vector<std::filesystem::path> revealed{};
+    std::set<std::string> running{};
+    int looks = 0;
+};
+
+/// Runs work on real threads, and remembers at which priority each piece was started.
+class RecordingTasks final : public BackgroundTasks {
+public:
+    void start(TaskPriority priority, std::function<void()> work) override;
+
+    std::vector<TaskPriority> priorities{};
+    /// Holds the work back until `release`.
+    bool holding = false;
+    void release();
+
+private:
+    std::vector<std::function<void()>> held_{};
+    ThreadPoolTasks pool_{};
+};
+
+/// A model with stubs all around it, which the test may change at any time.
+class StubbedModel {
+public:
+    /// Clones are looked for in `folder`.
+    explicit StubbedModel(const std::filesystem::path& folder);
+
+    std::shared_ptr<StubWorkspace> workspace = std::make_shared<StubWorkspace>();
+    std::shared_ptr<RecordingTasks> tasks = std::make_shared<RecordingTasks>();
+    std::vector<InstalledApp> installed{};
+    int scans = 0;
+    std::set<std::string> sandboxed{}; ///< paths
+    std::set<std::string> unreadable{};
+    int bundlesRead = 0;
+    std::function<std::filesystem::path(const WrapperFactory::Request&)> create{};
+    std::function<std::optional<ProbeResult>()> probe{};
+    std::vector<std::chrono::milliseconds> delays{};
+    std::vector<std::function<void()>> delayed{}; ///< what waits for a delay to pass
+    std::vector<QThread*> workedOn{};             ///< the thread of every background call
+
+    [[nodiscard]] AppModel& model() { return *model_; }
+    /// Ends the model while its services live on.
+    void dropModel() { model_.reset(); }
+
+private:
+    void worked();
+
+    std::mutex mutex_{};
+    std::unique_ptr<AppModel> model_{};
+};
+
+/// Handles events until `predicate` holds; false when it does not in time.
+[[nodiscard]] bool eventually(const std::function<bool()>& predicate,
+                              std::chrono::milliseconds deadline = std::chrono::seconds(20));
+
+/// Waits for the future with events handled, then gives its result or throws its error.
+template<typename Result>
+Result resultOf(const QFuture<Result>& future) {
+    if (!eventually([&] { return future.isFinished(); })) {
+        throw std::runtime_error("the future did not finish");
+    }
+    if constexpr (std::is_void_v<Result>) {
+        QFuture<Result>(future).waitForFinished();
+    } else {
+        return future.result();
+    }
+}
+
+} // namespace quorvel::testing

@@ -1,0 +1,47 @@
+#include "tests/QuorvelApp/WidgetLookup.h"
+
+#include <QLabel>
+
+#include <algorithm>
+#include <stdexcept>
+
+namespace quorvel::testing {
+namespace {
+
+QString plain(QString text) {
+    return text.replace(QLatin1String("&&"), QLatin1String("\n")).remove(u'&').replace(u'\n', u'&');
+}
+
+} // namespace
+
+QPushButton* visibleButton(QWidget* root, const QString& text) {
+    QPushButton* found = nullptr;
+    // Later widgets stand above earlier ones.
+    for (QPushButton* button : root->findChildren<QPushButton*>()) {
+        if (button->isVisible() && plain(button->text()) == text) {
+            found = button;
+        }
+    }
+    if (found == nullptr) {
+        throw std::runtime_error("no button " + text.toStdString());
+    }
+    return found;
+}
+
+QLineEdit* fieldNamed(QWidget* root, const QString& name) {
+    for (QLineEdit* field : root->findChildren<QLineEdit*>()) {
+        if (field->accessibleName() == name) {
+            return field;
+        }
+    }
+    throw std::runtime_error("no field " + name.toStdString());
+}
+
+bool shows(QWidget* root, const QString& text) {
+    const auto labels = root->findChildren<QLabel*>();
+    return std::any_of(labels.begin(), labels.end(), [&](const QLabel* label) {
+        return label->isVisible() && QString(label->text()).remove(QChar(0x200B)) == text;
+    });
+}
+
+} // namespace quorvel::testing

@@ -1,0 +1,21 @@
+#pragma once
+
+#include "QuorvelApp/AppPicker.h"
+#include "QuorvelApp/ConfigurationPane.h"
+
+#include <QLineEdit>
+#include <QPushButton>
+#include <QWidget>
+
+namespace quorvel::testing {
+
+/// The topmost visible button with that text, mnemonics apart; throws when there is none.
+[[nodiscard]] QPushButton* visibleButton(QWidget* root, const QString& text);
+
+/// The field with that accessible name; throws when there is none.
+[[nodiscard]] QLineEdit* fieldNamed(QWidget* root, const QString& name);
+
+/// Whether a label with exactly that text shows.
+[[nodiscard]] bool shows(QWidget* root, const QString& text);
+
+} // namespace quorvel::testing

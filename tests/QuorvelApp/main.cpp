@@ -1,0 +1,16 @@
+#include "QuorvelApp/Appearance.h"
+
+#include <QApplication>
+#include <QStandardPaths>
+
+#include <gmock/gmock.h>
+
+// Every test runs in one application without a display, and never in the user's own settings.
+int main(int argc, char** argv) {
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    QStandardPaths::setTestModeEnabled(true);
+    const QApplication application(argc, argv);
+    quorvel::Appearance::apply(quorvel::ColorScheme::light);
+    ::testing::InitGoogleMock(&argc, argv);
+    return RUN_ALL_TESTS();
+}

@@ -1,0 +1,290 @@
+// Shows every state of the windows in a throw-away home and saves a picture of each.
+// Usage: quorvel_screenshots FOLDER
+#include "LaunchKit/IcnsWriter.h"
+#include "LaunchKit/IconComposer.h"
+#include "QuorvelApp/Appearance.h"
+#include "QuorvelApp/MainWindow.h"
+#include "QuorvelApp/Sidebar.h"
+#include "tests/QuorvelApp/StubServices.h"
+#include "tests/QuorvelApp/WidgetLookup.h"
+#include "tests/support/AppBundles.h"
+#include "tests/support/TemporaryHome.h"
+
+#include <QApplication>
+#include <QDir>
+#include <QFontDatabase>
+#include <QLineEdit>
+#include <QPainter>
+#include <QPushButton>
+#include <QScrollArea>
+#include <QScrollBar>
+#include <QStandardPaths>
+
+#include <array>
+#include <cstdio>
+
+namespace quorvel::testing {
+namespace {
+
+namespace fs = std::filesystem;
+
+struct Sample {
+    std::string name;
+    QColor color;
+    bool sandboxed = false;
+};
+
+const std::vector<Sample> samples{{"Board", QColor(0x7B, 0x4B, 0xE8)},
+                                  {"Browser", QColor(0xE0, 0x60, 0x38)},
+                                  {"Calendar", QColor(0xD9, 0x3A, 0x3A), true},
+                                  {"Chat", QColor(0x63, 0x62, 0xD4)},
+                                  {"Code", QColor(0x2E, 0x93, 0x72)},
+                                  {"Draw Pro Studio Edition", QColor(0xF2, 0x70, 0x1B)},
+                                  {"Mail", QColor(0x3B, 0x90, 0xE8), true},
+                                  {"Maps", QColor(0x44, 0xAC, 0x55), true},
+                                  {"Music", QColor(0xD2, 0x42, 0x78), true},
+                                  {"Notes", QColor(0xEF, 0xAF, 0x2F), true},
+                                  {"Photos", QColor(0x24, 0xB3, 0x8D), true},
+                                  {"Terminal", QColor(0x42, 0x47, 0x4E)}};
+
+QImage tile(const QString& letter, const QColor& color) {
+    QImage image(512, 512, QImage::Format_ARGB32);
+    image.fill(Qt::transparent);
+    QPainter painter(&image);
+    painter.setRenderHint(QPainter::Antialiasing);
+    QLinearGradient ground(0, 0, 0, 512);
+    ground.setColorAt(0, color.lighter(118));
+    ground.setColorAt(1, color);
+    painter.setBrush(ground);
+    painter.setPen(Qt::NoPen);
+    painter.drawRoundedRect(QRect(8, 8, 496, 496), 112, 112);
+    QFont font = QApplication::font();
+    font.setPixelSize(230);
+    font.setBold(true);
+    painter.setFont(font);
+    painter.setPen(Qt::white);
+    painter.drawText(image.rect(), Qt::AlignCenter, letter);
+    return image;
+}
+
+void writeIcon(const fs::path& file, const QString& letter, const QColor& color,
+               const std::string& label = {}) {
+    fs::create_directories(file.parent_path());
+    const QImage image = tile(letter, color);
+    const std::array chunks{
+        icnsChunk(image),
+        icnsChunk(image.scaled(128, 128, Qt::KeepAspectRatio, Qt::SmoothTransformation)),
+        icnsChunk(image.scaled(64, 64, Qt::KeepAspectRatio, Qt::SmoothTransformation))};
+    write(file, icnsFile(chunks));
+    if (!label.empty()) {
+        IconComposer::compose(file, {.text = label, .colorHex = "#FFFFFF"}, file);
+    }
+}
+
+/// A home with apps and clones, and the window on it.
+class Scene {
+public:
+    explicit Scene(bool withClones) {
+        makeApps();
+        if (withClones) {
+            makeClones();
+        }
+        window_.show();
+        stubs_.workspace->running = {"app.quorvel.instance.chat--work-",
+                                     "app.quorvel.instance.code---client-a"};
+        stubs_.model().reload();
+    }
+
+    StubbedModel& stubs() { return stubs_; }
+    MainWindow& window() { return window_; }
+    ContentView& content() { return window_.content(); }
+    QPushButton& button(const QString& text) { return *visibleButton(&window_, text); }
+
+    void select(const std::string& name) {
+        content().sidebar().select((home_ / "Applications" / (name + ".app")).string());
+    }
+
+    void chooseApp(const std::string& name) {
+        auto* grid = window_.findChild<AppGrid*>();
+        (void)eventually([&] { return grid->model()->rowCount() > 0; });
+        for (int row = 0; row < grid->model()->rowCount(); ++row) {
+            if (grid->model()->index(row, 0).data().toString().toStdString() == name) {
+                grid->setCurrentIndex(grid->model()->index(row, 0));
+            }
+        }
+    }
+
+    void save(const QString& name) {
+        // Icons and sandbox states come from other threads; a picture is taken once all is calm.
+        (void)eventually([] { return false; }, std::chrono::milliseconds(250));
+        const QString file = folder + u'/' + name +
+                             (dark ? QStringLiteral("-dark.png") : QStringLiteral("-light.png"));
+        if (!window_.grab().save(file)) {
+            std::fprintf(stderr, "could not write %s\n", qPrintable(file));
+            std::exit(1);
+        }
+    }
+
+    static inline QString folder{};
+    static inline bool dark = false;
+
+private:
+    void makeApps() {
+        for (const Sample& sample : samples) {
+            const fs::path app = apps_ / (sample.name + ".app");
+            makeScriptedAppBundle(app, "exit 0", {{"CFBundleIconFile", "AppIcon"}});
+            writeIcon(app / "Contents/Resources/AppIcon.icns",
+                      QString::fromStdString(sample.name.substr(0, 1)), sample.color);
+            stubs_.installed.push_back(
+                {.url = app, .name = sample.name, .bundleId = "com.example." + sample.name});
+            if (sample.sandboxed) {
+                stubs_.sandboxed.insert(app.string());
+            }
+        }
+    }
+
+    void makeClone(InstanceConfig config, const QString& letter, const QColor& color,
+                   const std::string& label = {}) {
+        config.bundleId = WrapperFactory::defaultBundleId(config.displayName);
+        const fs::path wrapper = home_ / "Applications" / (config.displayName + ".app");
+        makeWrapper(wrapper, config);
+        writeIcon(wrapper / "Contents/Resources/AppIcon.icns", letter, color, label);
+    }
+
+    void makeClones() {
+        InstanceConfig work = minimalConfig("Chat (Work)");
+        work.targetAppPath = "/Applications/Chat.app";
+        work.extraArgs = {"--user-data-dir={{instanceHome}}/QuorvelData"};
+        work.environment = {{"LANG", "de_DE.UTF-8"}, {"TZ", "Europe/Berlin"}};
+        makeClone(work, QStringLiteral("C"), samples[3].color, "WORK");
+        write(home_ / "QuorvelInstances/Chat (Work)/Downloads/file", "x");
+        InstanceConfig family = minimalConfig("Chat (Family)");
+        family.targetAppPath = "/Applications/Chat.app";
+        makeClone(family, QStringLiteral("C"), samples[3].color, "FAM");
+        InstanceConfig code = minimalConfig("Code – Client A");
+        code.targetAppPath = "/Applications/Code.app";
+        makeClone(code, QStringLiteral("C"), samples[4].color);
+        InstanceConfig mail = minimalConfig("Mail.Example.Org");
+        mail.kind = ShortcutKind::web;
+        mail.url = "https://mail.example.org";
+        makeClone(mail, QStringLiteral("M"), samples[6].color);
+        InstanceConfig build = minimalConfig("Nightly build");
+        build.kind = ShortcutKind::command;
+        build.commandPath = "/usr/local/bin/build";
+        build.commandArgs = {"--all"};
+        makeClone(build, QStringLiteral("T"), samples[11].color);
+        InstanceConfig tax = minimalConfig("Tax 2026");
+        tax.kind = ShortcutKind::file;
+        tax.openPath = "~/Documents/Tax 2026";
+        makeClone(tax, QStringLiteral("N"), samples[9].color);
+    }
+
+    TemporaryHome home_;
+    TemporaryFolder folder_;
+    fs::path apps_ = folder_ / "Applications";
+    StubbedModel stubs_{home_ / "Applications"};
+    UpdaterController updater_;
+    IconLoader icons_{std::make_shared<ThreadPoolTasks>()};
+    MainWindow window_{stubs_.model(), updater_, icons_};
+};
+
+void showMainWindow() {
+    Scene scene(true);
+    scene.save(QStringLiteral("main-placeholder"));
+    scene.select("Chat (Work)");
+    scene.save(QStringLiteral("main-window"));
+    scene.button(QStringLiteral("Delete")).click();
+    scene.save(QStringLiteral("dialog-delete"));
+    scene.button(QStringLiteral("Cancel")).click();
+    scene.button(QStringLiteral("Move files to shared folders")).click();
+    scene.save(QStringLiteral("dialog-move-files"));
+    scene.button(QStringLiteral("Cancel")).click();
+    scene.stubs().model().setLastError("Couldn't launch: “Chat (Work).app” couldn’t be opened: "
+                                       "permission denied");
+    scene.save(QStringLiteral("alert-error"));
+    scene.button(QStringLiteral("OK")).click();
+    scene.stubs().model().setStatusMessage("Moved 3 from Downloads into your shared folders. "
+                                           "“Chat (Work)” now saves there.");
+    scene.save(QStringLiteral("alert-done"));
+    scene.button(QStringLiteral("OK")).click();
+    scene.select("Nightly build");
+    scene.save(QStringLiteral("main-command"));
+}
+
+void showEmptyState() {
+    Scene scene(false);
+    scene.save(QStringLiteral("main-empty"));
+}
+
+void showNewClone() {
+    Scene scene(true);
+    scene.select("Chat (Work)");
+    scene.content().showNewClone();
+    scene.save(QStringLiteral("new-app"));
+    scene.chooseApp("Chat");
+    scene.save(QStringLiteral("new-app-selected"));
+    scene.stubs().tasks->holding = true;
+    scene.stubs().probe = [] {
+        return ProbeResult{.recommendedStrategy = Strategy::containerRedirect};
+    };
+    scene.button(QStringLiteral("Auto-detect")).click();
+    scene.save(QStringLiteral("new-app-detecting"));
+    scene.stubs().tasks->release();
+    scene.save(QStringLiteral("new-app-detected"));
+    scene.chooseApp("Mail");
+    scene.save(QStringLiteral("new-app-sandboxed"));
+    scene.button(QStringLiteral("Advanced options")).click();
+    scene.save(QStringLiteral("new-app-advanced"));
+    auto* settings = scene.window().findChild<ConfigurationPane*>()->findChild<QScrollArea*>();
+    settings->verticalScrollBar()->setValue(settings->verticalScrollBar()->maximum());
+    scene.save(QStringLiteral("new-app-advanced-scrolled"));
+    scene.stubs().tasks->holding = true;
+    scene.button(QStringLiteral("Create Shortcut")).click();
+    scene.save(QStringLiteral("new-app-creating"));
+}
+
+void showOtherKinds() {
+    Scene scene(true);
+    scene.content().showNewClone();
+    scene.button(QStringLiteral("Web App")).click();
+    scene.save(QStringLiteral("new-web"));
+    fieldNamed(&scene.window(), QStringLiteral("Website URL"))
+        ->setText(QStringLiteral("www.mail.example.org"));
+    scene.save(QStringLiteral("new-web-filled"));
+    scene.button(QStringLiteral("File / Folder")).click();
+    scene.save(QStringLiteral("new-file"));
+    scene.button(QStringLiteral("Command")).click();
+    scene.save(QStringLiteral("new-command"));
+}
+
+int run(int argc, char** argv) {
+    if (argc != 2) {
+        std::fprintf(stderr, "Usage: %s FOLDER\n", argv[0]);
+        return 2;
+    }
+    Scene::folder = QString::fromLocal8Bit(argv[1]);
+    QDir().mkpath(Scene::folder);
+    for (const bool dark : {false, true}) {
+        Scene::dark = dark;
+        Appearance::apply(dark ? ColorScheme::dark : ColorScheme::light);
+        showMainWindow();
+        showEmptyState();
+        showNewClone();
+        showOtherKinds();
+    }
+    return 0;
+}
+
+} // namespace
+} // namespace quorvel::testing
+
+int main(int argc, char** argv) {
+    QStandardPaths::setTestModeEnabled(true);
+    QApplication application(argc, argv);
+    // A plain X server has no font settings; these are those of a usual desktop.
+    if (QFontDatabase::families().contains(QStringLiteral("Inter"))) {
+        QApplication::setFont(QFont(QStringLiteral("Inter"), 10));
+    }
+    const quorvel::Appearance appearance;
+    return quorvel::testing::run(argc, argv);
+}
