@@ -31,7 +31,9 @@ target_compile_definitions(quorvel_options INTERFACE
   QT_NO_URL_CAST_FROM_STRING QT_NO_NARROWING_CONVERSIONS_IN_CONNECT QT_NO_KEYWORDS)
 if(QUORVEL_SANITIZE)
   target_compile_options(quorvel_options INTERFACE
-    -fsanitize=${QUORVEL_SANITIZE} -fno-omit-frame-pointer)
+    -fsanitize=${QUORVEL_SANITIZE} -fno-omit-frame-pointer
+    # GCC takes the sanitizers' own checks for uses of what is not set.
+    $<$<CXX_COMPILER_ID:GNU>:-Wno-maybe-uninitialized>)
   if(QUORVEL_SANITIZE MATCHES undefined)
     target_compile_options(quorvel_options INTERFACE -fno-sanitize-recover=undefined)
   endif()

@@ -10,10 +10,10 @@ fail() { printf '%s\n' "$*" >&2; exit 1; }
 
 # What is needed to build, and what the tests need on top of that.
 debian_build=(g++ cmake ninja-build pkg-config nlohmann-json3-dev rapidjson-dev libplist-dev libicu-dev
-  libcli11-dev qt6-base-dev libopenjp2-7-dev fontconfig fonts-urw-base35 procps)
+  libcli11-dev qt6-base-dev libqt6svg6-dev libopenjp2-7-dev fontconfig fonts-urw-base35 procps)
 debian_test=(libgtest-dev libgmock-dev libbenchmark-dev chromium xdg-utils libplist-utils
   dbus dbus-daemon binutils file
-  shared-mime-info icnsutils imagemagick inotify-tools)
+  shared-mime-info icnsutils imagemagick inotify-tools xvfb xauth)
 homebrew_build=(cmake ninja pkg-config nlohmann-json rapidjson libplist icu4c cli11 qt openjpeg)
 homebrew_test=(googletest google-benchmark)
 
