@@ -6,7 +6,6 @@
 #include "LaunchKit/InstanceLauncher.h"
 #include "LaunchKit/WrapperGenerator.h"
 #include "Platform/FileSystem.h"
-#include "Platform/UserPaths.h"
 
 #include <future>
 #include <istream>
@@ -38,14 +37,31 @@ void openWrapper(const Surroundings& with, const InstanceRecord& record) {
     }
 }
 
-// Replacing a clone of the same name is what making it again means; an application is none.
-void refuseToReplaceAnApplication(const WrapperFactory::Request& request, const std::string& name) {
-    const fs::path wrapper =
-        wrapperURL(request.outputDir.value_or(WrapperFactory::defaultOutputDir()), name);
-    if (itemExists(wrapper / "Contents" / "Info.plist") &&
-        !itemExists(instanceConfigFile(wrapper))) {
-        throw CommandError(wrapper.string() + " is an application, not a clone; choose another "
-                                              "name or folder.");
+// What a generation that failed half-way leaves behind: it may be replaced like a whole clone.
+bool isUnfinishedWrapper(const fs::path& wrapper) {
+    using Names = std::vector<std::string>;
+    return directoryEntries(wrapper) == Names{"Contents"} &&
+           !itemExists(wrapper / "Contents" / "Info.plist") &&
+           directoryEntries(wrapper / "Contents" / "MacOS") == Names{"runner"};
+}
+
+// Making a clone again replaces it; anything else of that name is somebody's, and stays.
+void refuseToReplaceOthers(const Surroundings& with, const fs::path& wrapper) {
+    if (itemOrLinkExists(wrapper) && !with.registry.record(wrapper) &&
+        !isUnfinishedWrapper(wrapper)) {
+        throw CommandError(wrapper.string() +
+                           " is not a clone; choose another name or folder for the new one.");
+    }
+}
+
+// The old wrapper is gone before the new one is written, so nothing of it can go into the new one.
+void refuseToUsePartsOf(const fs::path& wrapper, const std::optional<fs::path>& part) {
+    std::error_code code;
+    for (fs::path at = part ? fs::weakly_canonical(*part, code) : fs::path();
+         !code && at.has_relative_path(); at = at.parent_path()) {
+        if (isSameItem(at, wrapper)) {
+            throw CommandError(part->string() + " belongs to the clone that would be replaced.");
+        }
     }
 }
 
@@ -63,7 +79,7 @@ bool confirmed(const Surroundings& with, const InstanceRecord& record, bool incl
 } // namespace
 
 void inspectCommand(const Surroundings& with, const std::string& app, bool json) {
-    const fs::path url = UserPaths::expandTilde(absolutePath(app).string());
+    const fs::path url = absoluteFile(app);
     const std::optional<AppBundle> bundle = AppBundle::read(url);
     if (!bundle) {
         throw WrapperFactory::FactoryError::badTarget(url);
@@ -76,7 +92,7 @@ void listCommand(const Surroundings& with, const std::vector<std::string>& searc
     if (!searchDirs.empty()) {
         registry.searchDirs.clear();
         for (const std::string& folder : searchDirs) {
-            registry.searchDirs.emplace_back(UserPaths::expandTilde(absolutePath(folder).string()));
+            registry.searchDirs.push_back(absoluteFile(folder));
         }
     }
     const std::vector<InstanceRecord> records = registry.list();
@@ -103,17 +119,26 @@ void createCommand(const Surroundings& with, const CreateOptions& options, bool 
     const WrapperFactory::Request request = requestFrom(options);
     const WrapperFactory factory(
         options.runner.empty() ? std::nullopt : std::optional(absolutePath(options.runner)));
-    refuseToReplaceAnApplication(request, request.displayName);
+    const fs::path place = wrapperURL(
+        request.outputDir.value_or(WrapperFactory::defaultOutputDir()), request.displayName);
+    refuseToReplaceOthers(with, place);
+    for (const auto& part : {request.targetApp, request.customIcon, factory.runnerBinary}) {
+        refuseToUsePartsOf(place, part);
+    }
     const fs::path wrapper = factory.create(request);
     const std::optional<InstanceRecord> record = with.registry.record(wrapper);
     if (!record) {
         throw CommandError("The clone at " + wrapper.string() + " can’t be read back.");
     }
+    if (!json) {
+        with.output << shownPath(with, wrapper) << "\n" << std::flush;
+    }
     if (options.launch) {
         openWrapper(with, *record);
     }
-    with.output << (json ? document(jsonForm(*record, with.workspace.runningApplications()))
-                         : shownPath(with, wrapper) + "\n");
+    if (json) {
+        with.output << document(jsonForm(*record, with.workspace.runningApplications()));
+    }
 }
 
 void openCommand(const Surroundings& with, const std::string& clone, bool json) {
@@ -152,6 +177,11 @@ void migrateCommand(const Surroundings& with, const std::string& clone, bool jso
     if (!record.config.shareUserFolders) {
         with.registry.update(record,
                              [](InstanceConfig& config) { config.shareUserFolders = true; });
+        const std::optional<InstanceRecord> now = with.registry.record(record.bundleURL);
+        if (!now || !now->config.shareUserFolders) {
+            throw CommandError("The clone at " + record.bundleURL.string() +
+                               " can’t be changed; it does not share the folders yet.");
+        }
     }
     if (json) {
         nlohmann::json counts = nlohmann::json::object();

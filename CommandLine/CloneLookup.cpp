@@ -19,7 +19,7 @@ std::vector<InstanceRecord> clonesNamed(const InstanceRegistry& registry, const 
 }
 
 InstanceRecord cloneAt(const InstanceRegistry& registry, const std::string& path) {
-    const fs::path bundle = UserPaths::expandTilde(absolutePath(path).string());
+    const fs::path bundle = absoluteFile(path);
     if (auto record = registry.record(bundle)) {
         return std::move(*record);
     }
@@ -33,10 +33,27 @@ fs::path absolutePath(const std::string& path) {
     if (path.empty() || path.front() == '~') {
         return path;
     }
-    return withoutTrailingSlashes(fs::absolute(path).lexically_normal());
+    const fs::path whole = withoutTrailingSlashes(fs::absolute(path));
+    const fs::path name = whole.filename();
+    std::error_code code;
+    // A link in the middle decides where ".." leads; one at the end is meant itself.
+    const fs::path resolved = name == "." || name == ".."
+                                  ? fs::weakly_canonical(whole, code)
+                                  : fs::weakly_canonical(whole.parent_path(), code) / name;
+    return code ? whole : withoutTrailingSlashes(resolved);
+}
+
+fs::path absoluteFile(const std::string& path) {
+    return UserPaths::expandTilde(absolutePath(path).string());
 }
 
 InstanceRecord findClone(const InstanceRegistry& registry, const std::string& words) {
+    // No clone may take the place of a path by being named like one.
+    for (const char* start : {"/", "~", "./", "../"}) {
+        if (words.starts_with(start)) {
+            return cloneAt(registry, words);
+        }
+    }
     std::vector<InstanceRecord> named = clonesNamed(registry, words);
     if (named.size() == 1) {
         return std::move(named.front());
@@ -48,7 +65,7 @@ InstanceRecord findClone(const InstanceRegistry& registry, const std::string& wo
         }
         throw CommandError(message);
     }
-    if (words.find('/') != std::string::npos || words.starts_with('~') || itemExists(words)) {
+    if (words.find('/') != std::string::npos || itemExists(words)) {
         return cloneAt(registry, words);
     }
     throw CommandError("There is no clone named “" + words + "”.");

@@ -190,8 +190,10 @@ int showUsage(const CLI::App& program, const Surroundings& with, const std::stri
 // The parser takes "--option=" for an option whose value follows; here the value is the empty text.
 std::vector<std::string> withEmptyValues(const std::vector<std::string>& arguments) {
     std::vector<std::string> result;
+    bool options = true;
     for (const std::string& argument : arguments) {
-        if (argument.size() > 3 && argument.starts_with("--") &&
+        options = options && argument != "--";
+        if (options && argument.size() > 3 && argument.starts_with("--") &&
             argument.find('=') == argument.size() - 1) {
             result.push_back(argument.substr(0, argument.size() - 1));
             result.emplace_back();

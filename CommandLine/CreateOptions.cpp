@@ -3,7 +3,6 @@
 #include "CommandLine/CloneLookup.h"
 #include "CommandLine/Surroundings.h"
 #include "Platform/Text.h"
-#include "Platform/UserPaths.h"
 #include "Platform/Utf8.h"
 
 #include <algorithm>
@@ -22,9 +21,7 @@ std::optional<std::string> givenPath(const std::string& text) {
 }
 
 std::optional<fs::path> givenFile(const std::string& text) {
-    return text.empty()
-               ? std::nullopt
-               : std::optional(fs::path(UserPaths::expandTilde(absolutePath(text).string())));
+    return text.empty() ? std::nullopt : std::optional(absoluteFile(text));
 }
 
 std::map<std::string, std::string> pairs(const std::vector<std::string>& texts,
@@ -67,7 +64,7 @@ std::string checkedName(const std::string& name) {
     if (holdsControlCharacters(trimmed)) {
         throw CommandError("The name “" + trimmed + "” holds control characters.");
     }
-    return name;
+    return trimmed;
 }
 
 void requireTarget(ShortcutKind kind, const CreateOptions& options) {

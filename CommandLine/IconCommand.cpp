@@ -4,7 +4,6 @@
 #include "CommandLine/CloneTexts.h"
 #include "CommandLine/TerminalText.h"
 #include "LaunchKit/IconComposer.h"
-#include "Platform/UserPaths.h"
 
 #include <nlohmann/json.hpp>
 
@@ -13,10 +12,6 @@
 
 namespace quorvel {
 namespace {
-
-std::filesystem::path fileAt(const std::string& text) {
-    return UserPaths::expandTilde(absolutePath(text).string());
-}
 
 nlohmann::json jsonForm(const std::vector<IcnsEntry>& entries) {
     nlohmann::json list = nlohmann::json::array();
@@ -45,8 +40,8 @@ void composeIcon(const Surroundings& with, const IconOptions& options, bool json
     if (options.label.empty() || options.output.empty()) {
         throw UsageError("An icon needs --label TEXT and --output FILE, or --list.");
     }
-    const std::filesystem::path output = fileAt(options.output);
-    IconComposer::compose(fileAt(options.source), {options.label, options.color, *position},
+    const std::filesystem::path output = absoluteFile(options.output);
+    IconComposer::compose(absoluteFile(options.source), {options.label, options.color, *position},
                           output);
     const std::string path = output.string();
     with.output << (json ? document({{"icon", path}})
@@ -69,7 +64,7 @@ std::string listing(const std::vector<IcnsEntry>& entries) {
 
 void iconCommand(const Surroundings& with, const IconOptions& options, bool json) {
     if (options.list) {
-        listIcon(with, fileAt(options.source), json);
+        listIcon(with, absoluteFile(options.source), json);
     } else {
         composeIcon(with, options, json);
     }

@@ -1,5 +1,6 @@
 #include "CommandLine/ProbeCommands.h"
 
+#include "CommandLine/CloneLookup.h"
 #include "CommandLine/CloneTexts.h"
 #include "CommandLine/Interruption.h"
 #include "CommandLine/ProbeTexts.h"
@@ -8,6 +9,8 @@
 #include "ProbeKit/Farewell.h"
 #include "ProbeKit/ProfileGenerator.h"
 
+#include <algorithm>
+#include <iterator>
 #include <ostream>
 
 namespace quorvel {
@@ -33,11 +36,12 @@ AppProber makeProber(const Surroundings& with, const std::string& app, const Pro
     surroundings.workspace = {std::shared_ptr<void>(), &with.workspace};
     surroundings.entitlements = entitlements;
     if (options.realLibrary) {
-        surroundings.realLibrary = std::filesystem::absolute(*options.realLibrary).string();
+        surroundings.realLibrary = absoluteFile(*options.realLibrary).string();
     }
-    auto prober = AppProber::forApp(std::filesystem::absolute(app), std::move(surroundings));
+    auto prober = AppProber::forApp(absoluteFile(app), std::move(surroundings));
     if (!prober) {
-        throw CommandError(InstanceLauncher::LaunchError::badBundle(app).description());
+        throw CommandError(
+            InstanceLauncher::LaunchError::badBundle(absoluteFile(app)).description());
     }
     prober->settleA = AppProber::Seconds(options.settleA.value_or(prober->settleA.count()));
     prober->settleB = AppProber::Seconds(options.settleB.value_or(prober->settleB.count()));
@@ -88,7 +92,8 @@ ProbeResult runWithBar(const Surroundings& with, AppProber& prober, Interruption
 
 void appsCommand(const Surroundings& with, const std::vector<std::string>& searchDirs, bool json,
                  const EntitlementReader& entitlements) {
-    const std::vector<std::filesystem::path> dirs(searchDirs.begin(), searchDirs.end());
+    std::vector<std::filesystem::path> dirs;
+    std::transform(searchDirs.begin(), searchDirs.end(), std::back_inserter(dirs), absoluteFile);
     print(with,
           AppCatalog::scan(dirs.empty() ? AppCatalog::defaultSearchDirs() : dirs, entitlements),
           json);

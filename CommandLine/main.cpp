@@ -14,5 +14,9 @@ int main(int argc, char** argv) {
                                      quorvel::InstanceRegistry()};
     const int status = quorvel::runCommandLine({argv + (argc > 0 ? 1 : 0), argv + argc}, with);
     // A full disk or a closed pipe shows only when the last bytes go out.
-    return std::cout.flush() ? status : 1;
+    if (!std::cout.flush()) {
+        std::cerr << "The output couldn’t be written.\n";
+        return 1;
+    }
+    return status;
 }

@@ -44,7 +44,8 @@ void sortByName(std::vector<InstanceRecord>& records) {
 
 void removeData(const InstanceConfig& config) {
     const std::string home = config.resolvedHome();
-    if (home.empty() || home == UserPaths::home() || !itemExists(home)) {
+    // A relative path would mean another folder than it meant to the clone, which ran elsewhere.
+    if (!home.starts_with('/') || home == UserPaths::home() || !itemExists(home)) {
         return;
     }
     try {

@@ -89,14 +89,16 @@ fs::path WrapperGenerator::generate(const fs::path& directory, const Options& op
         }
     }
     // Texts that can't be written are found before an older wrapper is touched.
-    const std::optional<fs::path> icon = iconSource(options, target);
     const std::string json = options.config.json();
-    const std::string info = PropertyList::xml(
-        infoPlist(options, icon ? std::optional<std::string>("AppIcon") : std::nullopt));
+    (void)PropertyList::xml(infoPlist(options, std::nullopt));
     fs::path wrapper = wrapperURL(directory, options.config.displayName);
     if (itemOrLinkExists(wrapper)) {
         removeItem(wrapper);
     }
+    // Only now, since an icon of the older wrapper is gone with it.
+    const std::optional<fs::path> icon = iconSource(options, target);
+    const std::string info = PropertyList::xml(
+        infoPlist(options, icon ? std::optional<std::string>("AppIcon") : std::nullopt));
     const fs::path contents = wrapper / "Contents";
     const fs::path resources = contents / "Resources";
     createDirectories(contents / "MacOS");

@@ -4,21 +4,28 @@
 namespace quorvel {
 namespace fs = std::filesystem;
 
+namespace {
+
+// Compared as items on disk: no spelling of the path can hide what it leads to.
+bool isOnTheWayTo(const fs::path& home, const fs::path& path) {
+    for (fs::path ancestor = home;; ancestor = ancestor.parent_path()) {
+        if (isSameItem(path, ancestor)) {
+            return true;
+        }
+        if (ancestor == ancestor.parent_path()) {
+            return false;
+        }
+    }
+}
+
+} // namespace
+
 bool holdsUserHome(const fs::path& path) {
     for (const std::string& home : UserPaths::allHomes()) {
         std::error_code code;
-        fs::path ancestor = fs::weakly_canonical(home, code);
-        if (code) {
-            ancestor = home;
-        }
-        // Compared as items on disk: no spelling of the path can hide what it leads to.
-        for (;; ancestor = ancestor.parent_path()) {
-            if (isSameItem(path, ancestor)) {
-                return true;
-            }
-            if (ancestor == ancestor.parent_path()) {
-                break;
-            }
+        const fs::path resolved = fs::weakly_canonical(home, code);
+        if (isOnTheWayTo(home, path) || (!code && isOnTheWayTo(resolved, path))) {
+            return true;
         }
     }
     return false;

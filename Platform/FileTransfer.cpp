@@ -15,18 +15,32 @@ namespace {
 // Nothing may be replaced, not even what another program puts there at this moment.
 int renameExclusively(const fs::path& source, const fs::path& destination) {
 #ifdef __APPLE__
-    return ::renamex_np(source.c_str(), destination.c_str(), RENAME_EXCL);
+    const int result = ::renamex_np(source.c_str(), destination.c_str(), RENAME_EXCL);
 #else
-    return ::renameat2(AT_FDCWD, source.c_str(), AT_FDCWD, destination.c_str(), RENAME_NOREPLACE);
+    const int result =
+        ::renameat2(AT_FDCWD, source.c_str(), AT_FDCWD, destination.c_str(), RENAME_NOREPLACE);
 #endif
+    if (result == 0 || (errno != EINVAL && errno != ENOSYS && errno != ENOTSUP)) {
+        return result;
+    }
+    // Network file systems know no exclusive renaming; there a look beforehand has to do.
+    if (itemOrLinkExists(destination)) {
+        errno = EEXIST;
+        return -1;
+    }
+    return ::rename(source.c_str(), destination.c_str());
 }
 
 void copyTree(const fs::path& source, const fs::path& destination, std::error_code& code) {
     fs::copy(source, destination, fs::copy_options::recursive | fs::copy_options::copy_symlinks,
              code);
-    if (!code) {
-        fs::last_write_time(destination, fs::last_write_time(source, code), code);
-        code.clear();
+    if (code || fs::is_symlink(source)) {
+        return;
+    }
+    std::error_code ignored;
+    const auto time = fs::last_write_time(source, ignored);
+    if (!ignored) {
+        fs::last_write_time(destination, time, ignored);
     }
 }
 

@@ -1,5 +1,6 @@
 #include "Platform/Process.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <csignal>
 #include <fcntl.h>

@@ -137,12 +137,13 @@ const std::string* ProcessTable::identifierOf(const std::string& bundle) {
         known.modified.tv_sec != status.st_mtim.tv_sec ||
         known.modified.tv_nsec != status.st_mtim.tv_nsec) {
         const auto dictionary = PropertyList::readDictionary(file);
-        known = {dictionary ? PropertyList::stringFor(*dictionary, "CFBundleIdentifier")
-                                  .value_or(bundleFallbackName(bundle))
-                            : std::string{},
-                 status.st_ino, status.st_size, status.st_mtim};
+        known = {std::nullopt, status.st_ino, status.st_size, status.st_mtim};
+        if (dictionary) {
+            known.bundleId = PropertyList::stringFor(*dictionary, "CFBundleIdentifier")
+                                 .value_or(bundleFallbackName(bundle));
+        }
     }
-    return known.bundleId.empty() ? nullptr : &known.bundleId;
+    return known.bundleId ? &*known.bundleId : nullptr;
 }
 
 std::vector<RunningApplication> ProcessTable::applications() {

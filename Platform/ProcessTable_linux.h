@@ -5,6 +5,7 @@
 #include <ctime>
 #include <map>
 #include <mutex>
+#include <optional>
 #include <set>
 #include <string>
 #include <vector>
@@ -21,7 +22,7 @@ public:
 private:
     // A bundle's identifier is read once and again only when its property list changed.
     struct KnownBundle {
-        std::string bundleId{};
+        std::optional<std::string> bundleId{}; ///< absent: not readable
         ino_t inode = 0;
         off_t size = 0;
         timespec modified{};

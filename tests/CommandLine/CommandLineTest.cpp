@@ -155,6 +155,23 @@ TEST(CommandLine, AnAmbiguousNameIsAnErrorThatListsThePaths) {
     EXPECT_TRUE(std::filesystem::exists(first));
 }
 
+TEST(CommandLine, APathMeansThePathWhateverAnotherCloneIsCalled) {
+    CommandLineHarness harness;
+    const auto meant = addClone(harness, "Mail");
+    makeWrapper(harness.home / "Applications/Trap.app", minimalConfig(meant.string()));
+    EXPECT_EQ(harness.run({"show", meant.string(), "--json"}).json()["bundleURL"], meant.string());
+}
+
+TEST(CommandLine, APathThroughALinkLeadsWhereTheLinkLeads) {
+    CommandLineHarness harness;
+    const auto inner = makeWrapper(harness.home / "a/b/Work.app", minimalConfig("Inner"));
+    std::filesystem::create_directories(harness.home / "a/b/c");
+    std::filesystem::create_symlink(harness.home / "a/b/c", harness.home / "link");
+    EXPECT_EQ(harness.run({"show", (harness.home / "link/../Work.app").string(), "--json"})
+                  .json()["bundleURL"],
+              inner.string());
+}
+
 TEST(CommandLine, AnUnknownCloneIsAnErrorOfOneLine) {
     CommandLineHarness harness;
     const CommandResult result = harness.run({"show", "no\nsuch\x1b[31m"});

@@ -206,10 +206,56 @@ TEST_F(CreateCommand, MakingACloneAgainReplacesIt) {
 TEST_F(CreateCommand, NeverReplacesAnApplicationThatIsNoClone) {
     const auto app = makeAppBundle(harness.home / "Applications/Work.app");
     const auto before = treeOf(app);
-    const CommandResult result = create(commandWords());
+    for (const char* name : {"Work", "Work ", " Work\n"}) {
+        const CommandResult result =
+            create({"--kind", "command", "--command", "/bin/true", "--name", name});
+        EXPECT_EQ(result.status, 1);
+        EXPECT_THAT(result.errors, HasSubstr("not a clone"));
+        EXPECT_EQ(treeOf(app), before);
+    }
+}
+
+TEST_F(CreateCommand, NeverReplacesAnythingElseOfThatName) {
+    write(harness.home / "Projects/Work.app/src/main.c", "int main;");
+    write(harness.home / "Files/Work.app", "a file");
+    for (const char* folder : {"Projects", "Files"}) {
+        const auto before = treeOf(harness.home / folder);
+        EXPECT_EQ(create(commandWords({"--output", (harness.home / folder).string()})).status, 1);
+        EXPECT_EQ(treeOf(harness.home / folder), before);
+    }
+}
+
+TEST_F(CreateCommand, ReplacesAWrapperThatWasNeverFinished) {
+    write(harness.home / "Applications/Work.app/Contents/MacOS/runner", "half");
+    fs::create_directories(harness.home / "Applications/Work.app/Contents/Resources");
+    EXPECT_EQ(create(commandWords()).status, 0);
+}
+
+TEST_F(CreateCommand, RefusesToUsePartsOfTheCloneThatItReplaces) {
+    const fs::path wrapper = create(commandWords()).json()["bundleURL"].get<std::string>();
+    write(wrapper / "Contents/Resources/AppIcon.icns", "icon");
+    const auto before = treeOf(wrapper);
+    EXPECT_EQ(create({"--target", wrapper.string(), "--name", "Work"}).status, 1);
+    EXPECT_EQ(
+        create(commandWords({"--icon", (wrapper / "Contents/Resources/AppIcon.icns").string()}))
+            .status,
+        1);
+    EXPECT_EQ(harness
+                  .run({"create", "--kind", "command", "--command", "/bin/true", "--name", "Work",
+                        "--runner", (wrapper / "Contents/MacOS/runner").string()})
+                  .status,
+              1);
+    EXPECT_EQ(treeOf(wrapper), before);
+}
+
+TEST_F(CreateCommand, PrintsThePathEvenWhenTheCloneCantBeOpened) {
+    harness.workspace.openError =
+        PlatformError(std::make_error_code(std::errc::permission_denied), "/x/Work.app", "opened");
+    const CommandResult result =
+        harness.run({"create", "--runner", runnerProgram().string(), "--kind", "command",
+                     "--command", "/bin/true", "--name", "Work", "--launch"});
     EXPECT_EQ(result.status, 1);
-    EXPECT_THAT(result.errors, HasSubstr("not a clone"));
-    EXPECT_EQ(treeOf(app), before);
+    EXPECT_EQ(result.output, (harness.home / "Applications/Work.app").string() + "\n");
 }
 
 TEST_F(CreateCommand, ATextThatCantBeWrittenLeavesTheOldCloneAlone) {
