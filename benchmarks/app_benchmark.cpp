@@ -166,8 +166,9 @@ void measureStart() {
     makeClones(home.path(), 500);
     const ChildFigures empty = runChild(QStringLiteral("empty"));
     const ChildFigures app = runChild(QStringLiteral("application"));
-    std::printf("empty window: %.1f ms, %.1f MB; with 500 clones: %.1f ms, %.1f MB with the sheet\n",
-                empty.start, empty.memory, app.start, app.memory);
+    std::printf(
+        "empty window: %.1f ms, %.1f MB; with 500 clones: %.1f ms, %.1f MB with the sheet\n",
+        empty.start, empty.memory, app.start, app.memory);
     report("start to the first paint, 500 clones / empty window", app.start / empty.start, "x",
            1.5);
     report("memory, 500 clones and the sheet / empty window", app.memory / empty.memory, "x", 2.0);
@@ -178,9 +179,8 @@ class LongestHold {
 public:
     LongestHold() {
         auto* dispatcher = QAbstractEventDispatcher::instance();
-        QObject::connect(dispatcher, &QAbstractEventDispatcher::awake, &context_, [this] {
-            awake_ = milliseconds();
-        });
+        QObject::connect(dispatcher, &QAbstractEventDispatcher::awake, &context_,
+                         [this] { awake_ = milliseconds(); });
         QObject::connect(dispatcher, &QAbstractEventDispatcher::aboutToBlock, &context_, [this] {
             longest_ = std::max(longest_, awake_ == 0 ? 0 : milliseconds() - awake_);
         });
@@ -241,8 +241,7 @@ void measureSheet() {
 
 void measureFlow() {
     const TemporaryHome home;
-    const fs::path target =
-        makeScriptedAppBundle(home / "Applications/Chat.app", "exit 0", {});
+    const fs::path target = makeScriptedAppBundle(home / "Applications/Chat.app", "exit 0", {});
     AppServices services = AppServices::ofTheSystem();
     services.createWrapper = [](const WrapperFactory::Request& request) {
         return WrapperFactory(runnerProgram()).create(request);
