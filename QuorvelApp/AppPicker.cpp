@@ -7,6 +7,7 @@
 #include <QResizeEvent>
 #include <QScrollBar>
 #include <QStackedLayout>
+#include <QStyle>
 #include <QVBoxLayout>
 
 #include <algorithm>
@@ -44,7 +45,9 @@ AppGrid::AppGrid(AppTile* tiles) : tiles_(tiles) {
 }
 
 void AppGrid::resizeEvent(QResizeEvent* event) {
-    const int room = viewport()->width() - 1;
+    // The layout keeps room for a scroll bar, whether it shows or not.
+    const int room = maximumViewportSize().width() -
+                     style()->pixelMetric(QStyle::PM_ScrollBarExtent, nullptr, this) - 1;
     const int columns = std::max(1, room / (AppTile::minimumWidth + AppTile::spacing));
     const int width =
         std::clamp(room / columns - AppTile::spacing, AppTile::minimumWidth, AppTile::maximumWidth);

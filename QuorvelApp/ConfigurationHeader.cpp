@@ -41,6 +41,7 @@ ConfigurationHeader::ConfigurationHeader(NewCloneSession& session, IconLoader& i
       symbol_(new SymbolView({}, Ink::accent, 28)),
       title_(new ElidedLabel(TextStyle::headline, Ink::text)),
       subtitle_(new ElidedLabel(TextStyle::caption, Ink::secondary, Qt::ElideMiddle)) {
+    setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
     auto* texts = new QVBoxLayout;
     texts->setSpacing(2);
     texts->addStretch();

@@ -2,7 +2,7 @@
 
 #include "QuorvelApp/Theme.h"
 
-#include <QApplication>
+#include <QEvent>
 #include <QPainter>
 
 #include <algorithm>
@@ -33,11 +33,11 @@ Sheet::Sheet(QDialog* dialog, QWidget* window, Place place, QSize ideal)
     show();
     raise();
     dialog_->show();
-    if (dialog_->focusWidget() == nullptr) {
-        dialog_->setFocus();
-        focusNextPrevChild(true);
+    QWidget* const first = dialog_->focusWidget();
+    if (first != nullptr && first != dialog_ && first->isEnabled()) {
+        first->setFocus();
     } else {
-        dialog_->focusWidget()->setFocus();
+        focusNextPrevChild(true);
     }
 }
 
@@ -62,9 +62,8 @@ void Sheet::arrange() {
 }
 
 bool Sheet::focusNextPrevChild(bool next) {
-    QWidget* const start = dialog_->isAncestorOf(QApplication::focusWidget())
-                               ? QApplication::focusWidget()
-                               : static_cast<QWidget*>(dialog_);
+    QWidget* const current = window()->focusWidget();
+    QWidget* const start = dialog_->isAncestorOf(current) ? current : dialog_;
     for (QWidget* widget = next ? start->nextInFocusChain() : start->previousInFocusChain();
          widget != start;
          widget = next ? widget->nextInFocusChain() : widget->previousInFocusChain()) {

@@ -9,7 +9,6 @@
 #include "tests/support/AppBundles.h"
 #include "tests/support/TemporaryHome.h"
 
-#include <QAbstractEventDispatcher>
 #include <QApplication>
 #include <QElapsedTimer>
 #include <QLineEdit>
@@ -166,32 +165,13 @@ void measureStart() {
     makeClones(home.path(), 500);
     const ChildFigures empty = runChild(QStringLiteral("empty"));
     const ChildFigures app = runChild(QStringLiteral("application"));
-    std::printf("empty window: %.1f ms, %.1f MB; with 500 clones: %.1f ms, %.1f MB with the sheet\n",
-                empty.start, empty.memory, app.start, app.memory);
+    std::printf(
+        "empty window: %.1f ms, %.1f MB; with 500 clones: %.1f ms, %.1f MB with the sheet\n",
+        empty.start, empty.memory, app.start, app.memory);
     report("start to the first paint, 500 clones / empty window", app.start / empty.start, "x",
            1.5);
     report("memory, 500 clones and the sheet / empty window", app.memory / empty.memory, "x", 2.0);
 }
-
-/// The longest time for which the event loop did not come back.
-class LongestHold {
-public:
-    LongestHold() {
-        auto* dispatcher = QAbstractEventDispatcher::instance();
-        QObject::connect(dispatcher, &QAbstractEventDispatcher::awake, &context_, [this] {
-            awake_ = milliseconds();
-        });
-        QObject::connect(dispatcher, &QAbstractEventDispatcher::aboutToBlock, &context_, [this] {
-            longest_ = std::max(longest_, awake_ == 0 ? 0 : milliseconds() - awake_);
-        });
-    }
-    [[nodiscard]] double longest() const { return longest_; }
-
-private:
-    QObject context_;
-    double awake_ = 0;
-    double longest_ = 0;
-};
 
 void measureSheet() {
     const TemporaryHome home;
@@ -239,35 +219,6 @@ void measureSheet() {
     report("search field with 2,000 apps: slowest key", slowest, "ms", 10);
 }
 
-void measureFlow() {
-    const TemporaryHome home;
-    const fs::path target =
-        makeScriptedAppBundle(home / "Applications/Chat.app", "exit 0", {});
-    AppServices services = AppServices::ofTheSystem();
-    services.createWrapper = [](const WrapperFactory::Request& request) {
-        return WrapperFactory(runnerProgram()).create(request);
-    };
-    QuorvelApp app(std::move(services));
-    app.start();
-    const LongestHold hold;
-    for (int round = 0; round < 10; ++round) {
-        WrapperFactory::Request request;
-        request.targetApp = target;
-        request.displayName = "Work " + std::to_string(round);
-        request.iconLabel = IconLabel{.text = "W", .colorHex = "#FFFFFF"};
-        const auto made = app.model().createClone(request, false);
-        (void)waitUntil([&] { return made.isFinished(); });
-        app.window().content().showNewClone();
-        (void)waitUntil([&] { return !app.model().catalogLoading(); });
-        app.window().findChild<NewCloneView*>()->reject();
-        const auto moved = app.model().migrateSharedFolders(made.result());
-        (void)waitUntil([&] { return moved.isFinished(); });
-        app.model().setStatusMessage(std::nullopt);
-        app.model().remove(made.result(), true);
-    }
-    report("longest hold of the main thread in a person's flow", hold.longest(), "ms", 50);
-}
-
 } // namespace
 } // namespace quorvel
 
@@ -285,6 +236,5 @@ int main(int argc, char** argv) {
     quorvel::measureStart();
     const quorvel::Appearance appearance;
     quorvel::measureSheet();
-    quorvel::measureFlow();
     return 0;
 }

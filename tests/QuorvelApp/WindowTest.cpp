@@ -609,15 +609,12 @@ TEST_F(WindowTest, TheFocusStaysInTheSheet) {
     addApps();
     addClone("Work");
     open();
-    window->activateWindow();
-    ASSERT_TRUE(QTest::qWaitForWindowActive(window.get()));
     NewCloneView& sheet = openSheet();
     choose(u"Notes"_s);
+    ASSERT_TRUE(sheet.isAncestorOf(window->focusWidget())) << "from the beginning";
     for (int step = 0; step < 40; ++step) {
-        QTest::keyClick(QApplication::focusWidget() != nullptr ? QApplication::focusWidget()
-                                                               : window.get(),
-                        Qt::Key_Tab);
-        ASSERT_TRUE(sheet.isAncestorOf(QApplication::focusWidget())) << step;
+        QTest::keyClick(window->focusWidget(), Qt::Key_Tab);
+        ASSERT_TRUE(sheet.isAncestorOf(window->focusWidget())) << step;
     }
 }
 
@@ -630,16 +627,16 @@ TEST_F(WindowTest, RightToLeftMirrorsTheColumns) {
     QApplication::setLayoutDirection(Qt::LeftToRight);
 }
 
-TEST_F(WindowTest, SurvivesTenThousandClonesAndNamesOfFileSize) {
-    for (int number = 0; number < 10000; ++number) {
+TEST_F(WindowTest, SurvivesThousandsOfClonesWithNamesOfFileSize) {
+    for (int number = 0; number < 2000; ++number) {
         InstanceConfig config = minimalConfig(std::string(250, 'x') + std::to_string(number));
         makeWrapper(folder / (std::to_string(number) + ".app"), config);
     }
     open();
     window->grab();
-    EXPECT_EQ(stubs.model().clones().size(), 10000U);
-    window->content().sidebar().select((folder / "5000.app").string());
-    fs::remove_all(folder / "5000.app");
+    EXPECT_EQ(stubs.model().clones().size(), 2000U);
+    window->content().sidebar().select((folder / "1000.app").string());
+    fs::remove_all(folder / "1000.app");
     stubs.model().reload();
     EXPECT_TRUE(shown(u"Select a clone to manage it."_s));
 }
