@@ -4,6 +4,8 @@
 #include "Platform/FileSystem.h"
 #include "Platform/UserPaths.h"
 
+#include <algorithm>
+
 namespace quorvel {
 namespace fs = std::filesystem;
 namespace {
@@ -34,9 +36,12 @@ fs::path absolutePath(const std::string& path) {
         return path;
     }
     const fs::path whole = withoutTrailingSlashes(fs::absolute(path));
+    if (std::find(whole.begin(), whole.end(), "..") == whole.end()) {
+        return withoutTrailingSlashes(whole.lexically_normal());
+    }
+    // A link before ".." decides where that leads; a link at the end is meant itself.
     const fs::path name = whole.filename();
     std::error_code code;
-    // A link in the middle decides where ".." leads; one at the end is meant itself.
     const fs::path resolved = name == "." || name == ".."
                                   ? fs::weakly_canonical(whole, code)
                                   : fs::weakly_canonical(whole.parent_path(), code) / name;

@@ -11,8 +11,8 @@ namespace quorvel {
 /// Throws `CommandError` when there is none, or when several bear the name, with their paths.
 [[nodiscard]] InstanceRecord findClone(const InstanceRegistry& registry, const std::string& words);
 
-/// `path` as it stands when it begins with "~", else made absolute: links resolved but for one at
-/// the end, without "." and "..", and without a slash at its end.
+/// `path` as it stands when it begins with "~", else made absolute, without "." and "..", and
+/// without a slash at its end. ".." leads where the system would go, links followed.
 [[nodiscard]] std::filesystem::path absolutePath(const std::string& path);
 
 /// The file that the words name now: absolute, with "~" expanded.
