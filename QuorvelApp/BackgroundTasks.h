@@ -1,12 +1,15 @@
 #pragma once
 
+#include <QCoreApplication>
 #include <QFuture>
 #include <QObject>
 #include <QPromise>
 #include <QThreadPool>
 
+#include <exception>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <type_traits>
 #include <utility>
 
@@ -34,19 +37,45 @@ public:
         auto promise = std::make_shared<QPromise<Result>>();
         auto outcome = promise->future().then(context, std::move(then));
         promise->start();
-        start(priority, [promise, work = std::move(work)] { fulfil(*promise, work); });
+        start(priority, [promise = std::move(promise), work = std::move(work)]() mutable {
+            deliver(std::move(promise), attempted(work));
+        });
         return outcome;
     }
 
 private:
-    template<typename Result, typename Work>
-    static void fulfil(QPromise<Result>& promise, const Work& work) {
+    template<typename Result>
+    struct Attempt {
+        std::optional<Result> result{};
+        std::exception_ptr failure{};
+    };
+
+    template<typename Work>
+    static auto attempted(const Work& work) {
+        Attempt<std::invoke_result_t<Work>> attempt;
         try {
-            promise.addResult(work());
+            attempt.result = work();
         } catch (...) {
-            promise.setException(std::current_exception());
+            attempt.failure = std::current_exception();
         }
-        promise.finish();
+        return attempt;
+    }
+
+    // The promise is kept on the main thread: a future whose continuation is run by one thread
+    // while another lets go of it is not safe in every Qt.
+    template<typename Result>
+    static void deliver(std::shared_ptr<QPromise<Result>> promise, Attempt<Result> attempt) {
+        QMetaObject::invokeMethod(
+            QCoreApplication::instance(),
+            [promise = std::move(promise), attempt = std::move(attempt)]() mutable {
+                if (attempt.failure) {
+                    promise->setException(attempt.failure);
+                } else {
+                    promise->addResult(std::move(*attempt.result));
+                }
+                promise->finish();
+            },
+            Qt::QueuedConnection);
     }
 };
 
