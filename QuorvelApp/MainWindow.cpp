@@ -18,7 +18,7 @@ const auto geometryKey = u"window/geometry"_s;
 MainWindow::MainWindow(AppModel& model, UpdaterController& updater, IconLoader& icons,
                        FilePanels panels)
     : model_(model),
-      content_(new ContentView(model, icons, std::move(panels))) {
+      content_(new ContentView(model, icons, std::move(panels), this)) {
     setWindowTitle(u"Quorvel"_s);
     setMinimumSize(smallest);
     resize(initial);
