@@ -11,8 +11,7 @@ namespace {
 
 // Whether the target is sandboxed changes nothing here, so its signature is not looked at.
 fs::path readableTarget(const WrapperFactory::Request& request) {
-    const auto unchecked = [](const fs::path&) { return std::string{}; };
-    if (!request.targetApp || !AppBundle::read(*request.targetApp, unchecked)) {
+    if (!request.targetApp || !AppBundle::read(*request.targetApp, noEntitlements)) {
         throw WrapperFactory::FactoryError::badTarget(request.targetApp.value_or("/"));
     }
     return *request.targetApp;
