@@ -48,6 +48,14 @@ InstanceConfig configuration(const WrapperFactory::Request& request, const std::
     return config;
 }
 
+std::string nameOf(const WrapperFactory::Request& request) {
+    return Text::trimmingWhitespaceAndNewlines(request.displayName);
+}
+
+fs::path folderOf(const WrapperFactory::Request& request) {
+    return request.outputDir.value_or(WrapperFactory::defaultOutputDir());
+}
+
 } // namespace
 
 WrapperFactory::FactoryError WrapperFactory::FactoryError::badTarget(const fs::path& target) {
@@ -70,8 +78,12 @@ std::string WrapperFactory::defaultInstanceHome(std::string_view name) {
     return "~/QuorvelInstances/" + std::string(name);
 }
 
+fs::path WrapperFactory::wrapperURL(const Request& request) {
+    return quorvel::wrapperURL(folderOf(request), nameOf(request));
+}
+
 fs::path WrapperFactory::create(const Request& request) const {
-    const std::string name = Text::trimmingWhitespaceAndNewlines(request.displayName);
+    const std::string name = nameOf(request);
     if (name.empty()) {
         throw FactoryError::emptyName();
     }
@@ -82,7 +94,7 @@ fs::path WrapperFactory::create(const Request& request) const {
     }
     const WrapperGenerator::Options options{configuration(request, name), *runner,
                                             request.customIcon, request.hideWrapperIcon};
-    return WrapperGenerator().generate(request.outputDir.value_or(defaultOutputDir()), options);
+    return WrapperGenerator().generate(folderOf(request), options);
 }
 
 } // namespace quorvel
