@@ -305,19 +305,21 @@ TEST(CommandLine, MigrateMovesTheFilesAndThenShares) {
 
 TEST(CommandLine, MigrateSaysWhenSharingCantBeSwitchedOn) {
     CommandLineHarness harness;
-    const std::filesystem::path wrapper = harness.home / "Applications/Work.app";
-    EXPECT_TRUE(asOrdinaryUser(harness.home.path(), [&] {
+    const TemporaryFolder home;
+    const ScopedEnvironment usersHome("CFFIXED_USER_HOME", home.path().string());
+    const std::filesystem::path wrapper = home / "Applications/Work.app";
+    EXPECT_TRUE(asOrdinaryUser(home.path(), [&] {
         InstanceConfig config = minimalConfig("Work");
         config.shareUserFolders = false;
         makeWrapper(wrapper, config);
-        write(harness.home / "QuorvelInstances/Work/Downloads/a", "1");
+        write(home / "QuorvelInstances/Work/Downloads/a", "1");
         std::filesystem::permissions(instanceConfigFile(wrapper), std::filesystem::perms{0444});
         const CommandResult result = harness.run({"migrate", "Work", "--json"});
         const auto now = InstanceRegistry().record(wrapper);
         return result.status == 1 && result.output.empty() &&
                result.errors == "The clone at " + wrapper.string() +
                                     " can’t be changed; it does not share the folders yet.\n" &&
-               now && !now->config.shareUserFolders && read(harness.home / "Downloads/a") == "1";
+               now && !now->config.shareUserFolders && read(home / "Downloads/a") == "1";
     }));
 }
 
