@@ -22,7 +22,7 @@ std::vector<fs::path> bundlesIn(const std::vector<fs::path>& dirs) {
     for (const fs::path& folder : dirs) {
         for (const std::string& name :
              directoryEntries(folder).value_or(std::vector<std::string>{})) {
-            if (fs::path(name).extension() == ".app") {
+            if (isAppBundleName(name)) {
                 bundles.push_back(folder / name);
             }
         }
