@@ -44,7 +44,7 @@ private:
 };
 
 // Fills a record straight from the parser's events. No tree is built: listing thousands of clones
-// spends its time here, and a file with endless nesting costs no memory for what nobody reads.
+// spends its time here.
 // A false answer ends the parsing; the reason is in `problem`.
 class ConfigReader {
 public:
@@ -144,8 +144,8 @@ public:
             place_ = Place::object;
             return true;
         }
-        if (descend()) {
-            return true;
+        if (skipped()) {
+            return descend();
         }
         if (place_ == Place::object) {
             if (auto* map = std::get_if<std::map<std::string, std::string> InstanceConfig::*>(
@@ -178,8 +178,8 @@ public:
     }
 
     bool StartArray() {
-        if (descend()) {
-            return true;
+        if (skipped()) {
+            return descend();
         }
         auto* list = place_ == Place::object
                          ? std::get_if<std::vector<std::string> InstanceConfig::*>(&field().member)
@@ -211,15 +211,13 @@ private:
         return !checksTexts_ || isUtf8(value);
     }
 
-    // The value of an unknown key is passed over whole, however deep it goes.
+    // The value of an unknown key is passed over whole.
     bool skipped() { return skipping_ > 0 || std::exchange(skipNext_, false); }
 
+    // The parser calls itself for each level, so that what goes deeper must end it here.
     bool descend() {
-        if (!skipped()) {
-            return false;
-        }
-        ++skipping_;
-        return true;
+        return ++skipping_ <= InstanceConfig::maximumDepth ||
+               fails("The configuration nests too deeply.");
     }
 
     bool ascend() {
@@ -326,9 +324,9 @@ void InstanceConfig::decode(std::string& json, InstanceConfig& config) {
     }
     ConfigReader record(config, json.find("\\u") != json.npos);
     rapidjson::InsituStringStream stream(json.data());
-    rapidjson::Reader reader;
-    // Iterative, since a file may nest deeper than a stack reaches.
-    constexpr unsigned flags = rapidjson::kParseInsituFlag | rapidjson::kParseIterativeFlag;
+    rapidjson::CrtAllocator allocator;
+    rapidjson::Reader reader(&allocator);
+    constexpr unsigned flags = rapidjson::kParseInsituFlag;
     const rapidjson::ParseResult result = reader.Parse<flags>(stream, record);
     if (!record.problem().empty()) {
         throw ConfigError(record.problem());
