@@ -69,6 +69,7 @@ bool isBlankOrNewline(UChar32 scalar) {
            scalar == 0x2028 || scalar == 0x2029;
 }
 
+// Appends a key whose byte order is the order of names. Equal keys mean equal names.
 void appendCollationKey(std::string_view text, std::string& keys) {
     const icu::UnicodeString string = decoded(text);
     const std::size_t start = keys.size();
@@ -89,12 +90,6 @@ void appendCollationKey(std::string_view text, std::string& keys) {
 }
 
 } // namespace
-
-std::string collationKey(std::string_view text) {
-    std::string key;
-    appendCollationKey(text, key);
-    return key;
-}
 
 std::vector<std::size_t> sortedOrder(const std::vector<std::string_view>& names) {
     // Names are turned into keys once: comparing them anew in every step would cost far more.
