@@ -2,10 +2,10 @@
 
 #include "CommandLine/CloneLookup.h"
 #include "CommandLine/CloneTexts.h"
-#include "CommandLine/TerminalText.h"
 #include "LaunchKit/InstanceLauncher.h"
-#include "LaunchKit/WrapperGenerator.h"
+#include "LaunchKit/WrapperFactory.h"
 #include "Platform/FileSystem.h"
+#include "Platform/TerminalText.h"
 
 #include <future>
 #include <istream>
@@ -119,8 +119,7 @@ void createCommand(const Surroundings& with, const CreateOptions& options, bool 
     const WrapperFactory::Request request = requestFrom(options);
     const WrapperFactory factory(
         options.runner.empty() ? std::nullopt : std::optional(absolutePath(options.runner)));
-    const fs::path place = wrapperURL(
-        request.outputDir.value_or(WrapperFactory::defaultOutputDir()), request.displayName);
+    const fs::path place = WrapperFactory::wrapperURL(request);
     refuseToReplaceOthers(with, place);
     for (const auto& part : {request.targetApp, request.customIcon, factory.runnerBinary}) {
         refuseToUsePartsOf(place, part);
