@@ -1,3 +1,4 @@
+#include "Platform/ExclusiveRename.h"
 #include "Platform/FileSystem.h"
 
 #include <cerrno>
@@ -14,12 +15,7 @@ namespace {
 
 // Nothing may be replaced, not even what another program puts there at this moment.
 int renameExclusively(const fs::path& source, const fs::path& destination) {
-#ifdef __APPLE__
-    const int result = ::renamex_np(source.c_str(), destination.c_str(), RENAME_EXCL);
-#else
-    const int result =
-        ::renameat2(AT_FDCWD, source.c_str(), AT_FDCWD, destination.c_str(), RENAME_NOREPLACE);
-#endif
+    const int result = renameToNewName(source.c_str(), destination.c_str());
     if (result == 0 || (errno != EINVAL && errno != ENOSYS && errno != ENOTSUP)) {
         return result;
     }
