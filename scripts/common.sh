@@ -14,7 +14,13 @@ debian_build=(g++ cmake ninja-build pkg-config nlohmann-json3-dev rapidjson-dev 
 debian_test=(libgtest-dev libgmock-dev libbenchmark-dev chromium xdg-utils libplist-utils
   dbus dbus-daemon binutils file
   shared-mime-info icnsutils imagemagick inotify-tools xvfb xauth
-  xdotool openbox at-spi2-core libatspi2.0-dev fonts-inter)
+  xdotool openbox at-spi2-core libatspi2.0-dev fonts-inter
+  clang-16 lld-16 llvm-16 libc++-16-dev)
+# The C library's headers of the other processor that Macs have.
+case "$(uname -m)" in
+  x86_64) debian_test+=(libc6-dev-arm64-cross) ;;
+  aarch64) debian_test+=(libc6-dev-amd64-cross) ;;
+esac
 homebrew_build=(cmake ninja pkg-config nlohmann-json rapidjson libplist icu4c cli11 qt openjpeg)
 homebrew_test=(googletest google-benchmark)
 
