@@ -21,13 +21,7 @@ std::string shownPath(const Surroundings& with, const fs::path& path) {
 }
 
 void openWrapper(const Surroundings& with, const InstanceRecord& record) {
-    const std::string home = record.config.resolvedHome();
-    if (record.config.kind == ShortcutKind::app) {
-        InstanceLauncher::ensureKeychainAccess(home);
-        if (record.config.shareUserFolders) {
-            InstanceLauncher::ensureSharedUserFolders(home);
-        }
-    }
+    InstanceLauncher::prepareHome(record.config);
     std::promise<std::optional<PlatformError>> opened;
     with.workspace.openApplication(record.bundleURL, true, [&](std::optional<PlatformError> error) {
         opened.set_value(std::move(error));
