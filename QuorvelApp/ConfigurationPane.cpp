@@ -3,8 +3,10 @@
 #include "QuorvelApp/AdvancedOptions.h"
 #include "QuorvelApp/Components.h"
 #include "QuorvelApp/ConfigurationHeader.h"
+#include "QuorvelApp/CopyableLabel.h"
 #include "QuorvelApp/DisclosureGroup.h"
 #include "QuorvelApp/FormBindings.h"
+#include "QuorvelApp/ShownText.h"
 #include "QuorvelApp/StrategySection.h"
 
 #include <QHBoxLayout>
@@ -121,8 +123,7 @@ QWidget* ConfigurationPane::makeNameSection() {
     field->setAccessibleName(tr("Name"));
     label->setBuddy(field);
     bind(session_, field, &NewCloneForm::cloneName);
-    savedTo_ = makeWrappingLabel({}, TextStyle::caption, Ink::secondary);
-    savedTo_->setTextInteractionFlags(Qt::TextSelectableByMouse);
+    savedTo_ = new WrappingText(TextStyle::caption, Ink::secondary);
     auto* column = new QVBoxLayout(section);
     column->setContentsMargins(0, 0, 0, 0);
     column->setSpacing(6);
@@ -140,7 +141,7 @@ void ConfigurationPane::refresh() {
     promptText_->setText(prompt.text);
     warning_->setVisible(isApp && form.selectedSandboxed);
     strategy_->setVisible(isApp && form.selected.has_value());
-    savedTo_->setText(breakable(form.savedToText()));
+    savedTo_->setFullText(shownLine(form.savedToText()));
     states_->setCurrentIndex(form.hasTarget() ? 1 : 0);
 }
 
