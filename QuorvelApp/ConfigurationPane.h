@@ -35,6 +35,8 @@ private:
     QLabel* promptText_ = nullptr;
     QFrame* warning_ = nullptr;
     WrappingText* savedTo_ = nullptr;
+    QFrame* replaced_ = nullptr;
+    WrappingText* replacedText_ = nullptr;
     QWidget* strategy_ = nullptr;
 };
 

@@ -1,5 +1,6 @@
 #include "QuorvelApp/NewCloneForm.h"
 
+#include "LaunchKit/RequestCheck.h"
 #include "Platform/FileSystem.h"
 #include "Platform/Text.h"
 #include "QuorvelApp/AutomaticNames.h"
@@ -98,6 +99,16 @@ std::string NewCloneForm::cloneNameOrPlaceholder() const {
 
 std::string NewCloneForm::savedToText() const {
     return "Saved to ~/Applications/" + cloneNameOrPlaceholder() + ".app";
+}
+
+std::string NewCloneForm::replacementText(const std::vector<InstanceRecord>& clones) const {
+    const std::filesystem::path place = placeOf(makeRequest());
+    const auto replaced = std::find_if(clones.begin(), clones.end(),
+                                       [&](const auto& clone) { return clone.bundleURL == place; });
+    return replaced == clones.end() ? std::string()
+                                    : "“" + replaced->config.displayName +
+                                          "” is there already. Creating this clone replaces it; "
+                                          "its data stays.";
 }
 
 std::string NewCloneForm::strategyCaption() const {
