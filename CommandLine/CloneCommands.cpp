@@ -2,10 +2,10 @@
 
 #include "CommandLine/CloneLookup.h"
 #include "CommandLine/CloneTexts.h"
-#include "CommandLine/TerminalText.h"
 #include "LaunchKit/InstanceLauncher.h"
 #include "LaunchKit/RequestCheck.h"
 #include "Platform/FileSystem.h"
+#include "Platform/TerminalText.h"
 
 #include <future>
 #include <istream>

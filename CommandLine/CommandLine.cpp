@@ -3,7 +3,7 @@
 #include "CommandLine/CloneCommands.h"
 #include "CommandLine/IconCommand.h"
 #include "CommandLine/ProbeCommands.h"
-#include "CommandLine/TerminalText.h"
+#include "Platform/TerminalText.h"
 
 #include <CLI/CLI.hpp>
 

@@ -2,8 +2,8 @@
 
 #include "CommandLine/CloneLookup.h"
 #include "CommandLine/CloneTexts.h"
-#include "CommandLine/TerminalText.h"
 #include "LaunchKit/IconComposer.h"
+#include "Platform/TerminalText.h"
 
 #include <nlohmann/json.hpp>
 

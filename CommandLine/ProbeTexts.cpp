@@ -1,6 +1,6 @@
 #include "CommandLine/ProbeTexts.h"
 
-#include "CommandLine/TerminalText.h"
+#include "Platform/TerminalText.h"
 #include "Platform/Utf8.h"
 
 #include <algorithm>

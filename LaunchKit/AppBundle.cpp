@@ -37,6 +37,10 @@ EntitlementReader codeSigningTool(std::filesystem::path tool) {
     };
 }
 
+std::string noEntitlements(const std::filesystem::path& /*bundle*/) {
+    return {};
+}
+
 std::optional<AppBundle> AppBundle::read(const std::filesystem::path& appURL,
                                          const EntitlementReader& entitlements) {
     const auto info = PropertyList::readDictionary(appURL / "Contents" / "Info.plist");

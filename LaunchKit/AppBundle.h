@@ -13,6 +13,9 @@ using EntitlementReader = std::function<std::string(const std::filesystem::path&
 /// Runs the tool (the system's own by default) and waits for it.
 [[nodiscard]] EntitlementReader codeSigningTool(std::filesystem::path tool = "/usr/bin/codesign");
 
+/// Runs nothing and says nothing: for those who don't ask about the sandbox, and must not wait.
+[[nodiscard]] std::string noEntitlements(const std::filesystem::path& bundle);
+
 /// Facts about an application bundle, read once. Empty where the bundle is not readable.
 struct AppBundle {
     std::filesystem::path url{}; ///< as given

@@ -22,7 +22,7 @@ std::vector<fs::path> bundlesIn(const std::vector<fs::path>& dirs) {
     for (const fs::path& folder : dirs) {
         for (const std::string& name :
              directoryEntries(folder).value_or(std::vector<std::string>{})) {
-            if (fs::path(name).extension() == ".app") {
+            if (isAppBundleName(name)) {
                 bundles.push_back(folder / name);
             }
         }
@@ -71,22 +71,30 @@ std::optional<InstalledApp> readApp(const fs::path& bundle, const EntitlementRea
     return InstalledApp{bundle, bundleFallbackName(bundle), std::move(read->bundleId)};
 }
 
-struct NamedApp {
-    std::string key;
-    InstalledApp app;
-};
-
-// The first of each identifier, with the key by which it is sorted.
-std::vector<NamedApp> withoutDuplicates(std::vector<std::optional<InstalledApp>> found) {
-    std::vector<NamedApp> apps;
+// The first of each identifier.
+std::vector<InstalledApp> withoutDuplicates(std::vector<std::optional<InstalledApp>> found) {
+    std::vector<InstalledApp> apps;
     std::set<std::string> seen;
     for (std::optional<InstalledApp>& app : found) {
         if (app && seen.insert(app->bundleId).second) {
-            std::string key = Text::collationKey(app->name);
-            apps.push_back({std::move(key), std::move(*app)});
+            apps.push_back(std::move(*app));
         }
     }
     return apps;
+}
+
+std::vector<InstalledApp> sortedByName(std::vector<InstalledApp> apps) {
+    std::vector<std::string_view> names;
+    names.reserve(apps.size());
+    for (const InstalledApp& app : apps) {
+        names.push_back(app.name);
+    }
+    std::vector<InstalledApp> sorted;
+    sorted.reserve(apps.size());
+    for (const std::size_t place : Text::sortedOrder(names)) {
+        sorted.push_back(std::move(apps[place]));
+    }
+    return sorted;
 }
 
 } // namespace
@@ -115,15 +123,7 @@ std::vector<InstalledApp> AppCatalog::scan(const std::vector<fs::path>& dirs,
     std::vector<std::optional<InstalledApp>> found(bundles.size());
     forEachIndex(bundles.size(),
                  [&](std::size_t index) { found[index] = readApp(bundles[index], entitlements); });
-    std::vector<NamedApp> apps = withoutDuplicates(std::move(found));
-    std::stable_sort(apps.begin(), apps.end(),
-                     [](const NamedApp& a, const NamedApp& b) { return a.key < b.key; });
-    std::vector<InstalledApp> result;
-    result.reserve(apps.size());
-    for (NamedApp& entry : apps) {
-        result.push_back(std::move(entry.app));
-    }
-    return result;
+    return sortedByName(withoutDuplicates(std::move(found)));
 }
 
 } // namespace quorvel

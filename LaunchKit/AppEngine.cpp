@@ -83,7 +83,7 @@ std::vector<std::string> dataDirArgs(AppEngine engine) {
 }
 
 std::string identifierOf(const fs::path& app) {
-    const auto bundle = AppBundle::read(app, [](const fs::path&) { return std::string{}; });
+    const auto bundle = AppBundle::read(app, noEntitlements);
     return bundle ? bundle->bundleId : std::string{};
 }
 

@@ -56,9 +56,17 @@ struct InstanceConfig {
     /// The largest file that is read.
     static constexpr std::size_t maximumFileSize = std::size_t{4} << 20U;
 
+    /// How many levels the value of an unknown key may nest.
+    static constexpr std::size_t maximumDepth = 512;
+
     /// Reads the JSON form, all or nothing. Throws `ConfigError` for malformed JSON, a missing
-    /// required key, a value of the wrong type, an unknown enumeration string or a repeated key.
+    /// required key, a value of the wrong type, an unknown enumeration string, a repeated key, or
+    /// nesting deeper than `maximumDepth`.
     [[nodiscard]] static InstanceConfig fromJson(std::string json);
+
+    /// The same into a fresh `config`, with `json` as the room to work in: for those who read
+    /// thousands. Of no use when it throws.
+    static void decode(std::string& json, InstanceConfig& config);
 
     /// Reads a file; nothing when it can't be read or decoded, is too large or no regular file.
     [[nodiscard]] static std::optional<InstanceConfig> read(const std::string& file);

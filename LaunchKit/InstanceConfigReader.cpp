@@ -6,27 +6,59 @@
 #include <rapidjson/reader.h>
 
 #include <algorithm>
+#include <array>
 #include <bitset>
 #include <utility>
 
 namespace quorvel {
 namespace {
 
+// Finds keys among the fields. Files have them in sorted order, so that the next key is mostly
+// found at the first look.
+class KeyFinder {
+public:
+    [[nodiscard]] std::optional<std::size_t> indexOf(std::string_view key) {
+        for (std::size_t step = 0; step < sorted.size(); ++step) {
+            const std::size_t index = sorted[next_];
+            next_ = next_ + 1 == sorted.size() ? 0 : next_ + 1;
+            if (instanceConfigFields[index].key == key) {
+                return index;
+            }
+        }
+        return std::nullopt;
+    }
+
+private:
+    static constexpr auto sorted = [] {
+        std::array<std::size_t, instanceConfigFields.size()> indexes{};
+        for (std::size_t index = 0; index < indexes.size(); ++index) {
+            indexes[index] = index;
+        }
+        std::sort(indexes.begin(), indexes.end(), [](std::size_t a, std::size_t b) {
+            return instanceConfigFields[a].key < instanceConfigFields[b].key;
+        });
+        return indexes;
+    }();
+
+    std::size_t next_ = 0;
+};
+
 // Fills a record straight from the parser's events. No tree is built: listing thousands of clones
-// spends its time here, and a file with endless nesting costs no memory for what nobody reads.
+// spends its time here.
 // A false answer ends the parsing; the reason is in `problem`.
 class ConfigReader {
 public:
-    explicit ConfigReader(bool checksTexts) : checksTexts_(checksTexts) {}
+    ConfigReader(InstanceConfig& config, bool checksTexts)
+        : config_(config),
+          checksTexts_(checksTexts) {}
 
-    [[nodiscard]] InstanceConfig take() {
+    void requireWhole() const {
         for (std::size_t index = 0; index < instanceConfigFields.size(); ++index) {
             if (instanceConfigFields[index].required && !seen_[index]) {
                 throw ConfigError("The key “" + std::string(instanceConfigFields[index].key) +
                                   "” is missing.");
             }
         }
-        return std::move(config_);
     }
 
     [[nodiscard]] const std::string& problem() const { return problem_; }
@@ -112,8 +144,8 @@ public:
             place_ = Place::object;
             return true;
         }
-        if (descend()) {
-            return true;
+        if (skipped()) {
+            return descend();
         }
         if (place_ == Place::object) {
             if (auto* map = std::get_if<std::map<std::string, std::string> InstanceConfig::*>(
@@ -146,8 +178,8 @@ public:
     }
 
     bool StartArray() {
-        if (descend()) {
-            return true;
+        if (skipped()) {
+            return descend();
         }
         auto* list = place_ == Place::object
                          ? std::get_if<std::vector<std::string> InstanceConfig::*>(&field().member)
@@ -179,15 +211,13 @@ private:
         return !checksTexts_ || isUtf8(value);
     }
 
-    // The value of an unknown key is passed over whole, however deep it goes.
+    // The value of an unknown key is passed over whole.
     bool skipped() { return skipping_ > 0 || std::exchange(skipNext_, false); }
 
+    // The parser calls itself for each level, so that what goes deeper must end it here.
     bool descend() {
-        if (!skipped()) {
-            return false;
-        }
-        ++skipping_;
-        return true;
+        return ++skipping_ <= InstanceConfig::maximumDepth ||
+               fails("The configuration nests too deeply.");
     }
 
     bool ascend() {
@@ -199,14 +229,12 @@ private:
     }
 
     bool objectKey(std::string_view name) {
-        const auto row =
-            std::find_if(instanceConfigFields.begin(), instanceConfigFields.end(),
-                         [&](const InstanceConfigField& known) { return known.key == name; });
-        if (row == instanceConfigFields.end()) {
+        const std::optional<std::size_t> known = keys_.indexOf(name);
+        if (!known) {
             skipNext_ = true;
             return true;
         }
-        field_ = static_cast<std::size_t>(row - instanceConfigFields.begin());
+        field_ = *known;
         if (seen_[field_]) {
             return repeated();
         }
@@ -271,9 +299,10 @@ private:
         return false;
     }
 
+    InstanceConfig& config_;
     bool checksTexts_;
     std::string problem_;
-    InstanceConfig config_;
+    KeyFinder keys_;
     Place place_ = Place::outside;
     std::size_t field_ = 0;
     std::bitset<instanceConfigFields.size()> seen_;
@@ -289,15 +318,15 @@ private:
 
 } // namespace
 
-InstanceConfig InstanceConfig::fromJson(std::string json) {
+void InstanceConfig::decode(std::string& json, InstanceConfig& config) {
     if (!isUtf8(json)) {
         throw ConfigError("The configuration is not UTF-8 text.");
     }
-    ConfigReader record(json.find("\\u") != json.npos);
+    ConfigReader record(config, json.find("\\u") != json.npos);
     rapidjson::InsituStringStream stream(json.data());
-    rapidjson::Reader reader;
-    // Iterative, since a file may nest deeper than a stack reaches.
-    constexpr unsigned flags = rapidjson::kParseInsituFlag | rapidjson::kParseIterativeFlag;
+    rapidjson::CrtAllocator allocator;
+    rapidjson::Reader reader(&allocator);
+    constexpr unsigned flags = rapidjson::kParseInsituFlag;
     const rapidjson::ParseResult result = reader.Parse<flags>(stream, record);
     if (!record.problem().empty()) {
         throw ConfigError(record.problem());
@@ -307,19 +336,26 @@ InstanceConfig InstanceConfig::fromJson(std::string json) {
         throw ConfigError(std::string("The configuration is not valid JSON: ") +
                           rapidjson::GetParseError_En(result.Code()));
     }
-    return record.take();
+    record.requireWhole();
+}
+
+InstanceConfig InstanceConfig::fromJson(std::string json) {
+    InstanceConfig config;
+    decode(json, config);
+    return config;
 }
 
 std::optional<InstanceConfig> InstanceConfig::read(const std::string& file) {
     std::optional<std::string> bytes = readFile(file, maximumFileSize);
-    if (!bytes) {
-        return std::nullopt;
-    }
+    std::optional<InstanceConfig> config;
     try {
-        return fromJson(std::move(*bytes));
+        if (bytes) {
+            decode(*bytes, config.emplace());
+        }
     } catch (const ConfigError&) {
-        return std::nullopt;
+        config.reset();
     }
+    return config;
 }
 
 } // namespace quorvel

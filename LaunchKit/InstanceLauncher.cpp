@@ -6,11 +6,6 @@
 namespace quorvel {
 namespace {
 
-// Launching looks at neither of the facts that take a tool to find out, and must not wait for it.
-std::string noEntitlements(const std::filesystem::path& /*bundle*/) {
-    return {};
-}
-
 bool hasText(const std::optional<std::string>& text) {
     return text && !text->empty();
 }

@@ -1,11 +1,11 @@
 #include "LaunchKit/InstanceRegistry.h"
 
 #include "Platform/FileSystem.h"
+#include "Platform/Folder.h"
 #include "Platform/Text.h"
 #include "Platform/UserPaths.h"
+#include "Platform/Workspace.h"
 
-#include <algorithm>
-#include <numeric>
 #include <stdexcept>
 #include <utility>
 
@@ -15,31 +15,55 @@ namespace {
 
 constexpr const char* configInBundle = "/Contents/Resources/instance.json";
 
-bool isAppName(const std::string& name) {
-    return fs::path(name).extension() == ".app";
-}
-
-// Names are turned into keys once: comparing them anew in every step of a sort would cost more than
-// reading the files.
-void sortByName(std::vector<InstanceRecord>& records) {
-    std::vector<std::string> keys;
-    keys.reserve(records.size());
-    for (const InstanceRecord& record : records) {
-        keys.push_back(Text::collationKey(record.config.displayName));
-    }
-    std::vector<std::size_t> order(records.size());
-    std::iota(order.begin(), order.end(), std::size_t{0});
-    std::stable_sort(order.begin(), order.end(),
-                     [&](std::size_t a, std::size_t b) { return keys[a] < keys[b]; });
-    // Put in place one cycle after the other; a second list of records would double the memory.
+// Puts every record in its place, one cycle after the other: records are large, and so each is
+// moved once, and no second list is made.
+void arrange(std::vector<InstanceRecord>& records, std::vector<std::size_t> order) {
     for (std::size_t start = 0; start < order.size(); ++start) {
+        if (order[start] == start) {
+            continue;
+        }
+        InstanceRecord first = std::move(records[start]);
         std::size_t place = start;
         while (order[place] != start) {
             const std::size_t next = std::exchange(order[place], place);
-            std::swap(records[place], records[next]);
+            records[place] = std::move(records[next]);
             place = next;
         }
+        records[place] = std::move(first);
         order[place] = place;
+    }
+}
+
+void sortByName(std::vector<InstanceRecord>& records) {
+    std::vector<std::string_view> names;
+    names.reserve(records.size());
+    for (const InstanceRecord& record : records) {
+        names.push_back(record.config.displayName);
+    }
+    arrange(records, Text::sortedOrder(names));
+}
+
+// Appends the clones of one folder. Each is read where it will lie, since records are large.
+void appendClones(const fs::path& path, std::vector<InstanceRecord>& records) {
+    std::optional<Folder> folder = Folder::open(path);
+    if (!folder) {
+        return;
+    }
+    const std::vector<std::string> names = folder->entries();
+    records.reserve(records.size() + names.size());
+    std::string bytes;
+    for (const std::string& name : names) {
+        if (!isAppBundleName(name) ||
+            !folder->read(name + configInBundle, InstanceConfig::maximumFileSize, bytes)) {
+            continue;
+        }
+        InstanceRecord& record = records.emplace_back();
+        try {
+            InstanceConfig::decode(bytes, record.config);
+            record.bundleURL = joinAsText(path, name);
+        } catch (const ConfigError&) {
+            records.pop_back();
+        }
     }
 }
 
@@ -74,16 +98,7 @@ std::vector<fs::path> InstanceRegistry::defaultSearchDirs() {
 std::vector<InstanceRecord> InstanceRegistry::list() const {
     std::vector<InstanceRecord> records;
     for (const fs::path& folder : searchDirs) {
-        const auto names = directoryEntries(folder).value_or(std::vector<std::string>{});
-        records.reserve(records.size() + names.size());
-        for (const std::string& name : names) {
-            if (!isAppName(name)) {
-                continue;
-            }
-            if (auto found = record(joinAsText(folder, name))) {
-                records.push_back(std::move(*found));
-            }
-        }
+        appendClones(folder, records);
     }
     sortByName(records);
     return records;

@@ -1,7 +1,6 @@
 #include "LaunchKit/RequestCheck.h"
 
 #include "LaunchKit/InstanceRegistry.h"
-#include "LaunchKit/WrapperGenerator.h"
 #include "Platform/FileSystem.h"
 #include "Platform/Text.h"
 #include "Platform/Utf8.h"
@@ -77,16 +76,11 @@ std::string checkedCloneName(const std::string& name) {
     return trimmed;
 }
 
-fs::path placeOf(const WrapperFactory::Request& request) {
-    return wrapperURL(request.outputDir.value_or(WrapperFactory::defaultOutputDir()),
-                      Text::trimmingWhitespaceAndNewlines(request.displayName));
-}
-
 void checkRequest(const WrapperFactory::Request& request, const std::optional<fs::path>& runner) {
     if (checkedCloneName(request.displayName).empty()) {
         return; // the factory refuses it by itself
     }
-    const fs::path place = placeOf(request);
+    const fs::path place = WrapperFactory::wrapperURL(request);
     refuseToReplaceOthers(place);
     for (const auto& part : {request.targetApp, request.customIcon, runner}) {
         refuseToUsePartsOf(place, part);

@@ -21,9 +21,6 @@ public:
 /// out of the folder of clones, or that is no text.
 [[nodiscard]] std::string checkedCloneName(const std::string& name);
 
-/// Where the factory will put the clone.
-[[nodiscard]] std::filesystem::path placeOf(const WrapperFactory::Request& request);
-
 /// Throws `RefusedRequest` for a name as above, when something else than a clone is in the new
 /// one's place, or when the new one is to be made of parts of the clone that it replaces.
 void checkRequest(const WrapperFactory::Request& request,

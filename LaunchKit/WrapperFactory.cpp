@@ -11,8 +11,7 @@ namespace {
 
 // Whether the target is sandboxed changes nothing here, so its signature is not looked at.
 fs::path readableTarget(const WrapperFactory::Request& request) {
-    const auto unchecked = [](const fs::path&) { return std::string{}; };
-    if (!request.targetApp || !AppBundle::read(*request.targetApp, unchecked)) {
+    if (!request.targetApp || !AppBundle::read(*request.targetApp, noEntitlements)) {
         throw WrapperFactory::FactoryError::badTarget(request.targetApp.value_or("/"));
     }
     return *request.targetApp;
@@ -49,6 +48,14 @@ InstanceConfig configuration(const WrapperFactory::Request& request, const std::
     return config;
 }
 
+std::string nameOf(const WrapperFactory::Request& request) {
+    return Text::trimmingWhitespaceAndNewlines(request.displayName);
+}
+
+fs::path folderOf(const WrapperFactory::Request& request) {
+    return request.outputDir.value_or(WrapperFactory::defaultOutputDir());
+}
+
 } // namespace
 
 WrapperFactory::FactoryError WrapperFactory::FactoryError::badTarget(const fs::path& target) {
@@ -71,8 +78,12 @@ std::string WrapperFactory::defaultInstanceHome(std::string_view name) {
     return "~/QuorvelInstances/" + std::string(name);
 }
 
+fs::path WrapperFactory::wrapperURL(const Request& request) {
+    return quorvel::wrapperURL(folderOf(request), nameOf(request));
+}
+
 fs::path WrapperFactory::create(const Request& request) const {
-    const std::string name = Text::trimmingWhitespaceAndNewlines(request.displayName);
+    const std::string name = nameOf(request);
     if (name.empty()) {
         throw FactoryError::emptyName();
     }
@@ -83,7 +94,7 @@ fs::path WrapperFactory::create(const Request& request) const {
     }
     const WrapperGenerator::Options options{configuration(request, name), *runner,
                                             request.customIcon, request.hideWrapperIcon};
-    return WrapperGenerator().generate(request.outputDir.value_or(defaultOutputDir()), options);
+    return WrapperGenerator().generate(folderOf(request), options);
 }
 
 } // namespace quorvel

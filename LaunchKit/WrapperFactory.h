@@ -75,6 +75,9 @@ public:
     /// "~/QuorvelInstances/" + `name`, not expanded.
     [[nodiscard]] static std::string defaultInstanceHome(std::string_view name);
 
+    /// Where `create` puts the clone: the folder and the name that the request comes to.
+    [[nodiscard]] static std::filesystem::path wrapperURL(const Request& request);
+
     /// Makes the clone, replacing one of the same name, and gives the wrapper's path. Throws
     /// `FactoryError`, or what `WrapperGenerator::generate` throws.
     [[nodiscard]] std::filesystem::path create(const Request& request) const;

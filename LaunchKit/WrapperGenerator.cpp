@@ -90,7 +90,7 @@ fs::path WrapperGenerator::generate(const fs::path& directory, const Options& op
     }
     // Texts that can't be written are found before an older wrapper is touched.
     const std::string json = options.config.json();
-    (void)PropertyList::xml(infoPlist(options, std::nullopt));
+    requireWritableTexts(options.config);
     fs::path wrapper = wrapperURL(directory, options.config.displayName);
     if (itemOrLinkExists(wrapper)) {
         removeItem(wrapper);

@@ -54,6 +54,9 @@ public:
     [[nodiscard]] static PropertyListDictionary
     infoPlist(const Options& options, const std::optional<std::string>& iconFile);
 
+    /// Throws `std::invalid_argument` when `infoPlist` would hold a text that can't be written.
+    static void requireWritableTexts(const InstanceConfig& config);
+
     /// What a free text means in a property list: a boolean, a whole number, else the text itself.
     [[nodiscard]] static PropertyListValue coercePlistValue(std::string_view text);
 };

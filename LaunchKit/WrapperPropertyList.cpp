@@ -53,6 +53,15 @@ PropertyListValue WrapperGenerator::coercePlistValue(std::string_view text) {
     return std::string(text);
 }
 
+void WrapperGenerator::requireWritableTexts(const InstanceConfig& config) {
+    PropertyList::requireWritable(config.displayName);
+    PropertyList::requireWritable(config.bundleId);
+    for (const auto& [key, text] : config.infoPlistOverrides) {
+        PropertyList::requireWritable(key);
+        PropertyList::requireWritable(text);
+    }
+}
+
 PropertyListDictionary WrapperGenerator::infoPlist(const Options& options,
                                                    const std::optional<std::string>& iconFile) {
     const InstanceConfig& config = options.config;

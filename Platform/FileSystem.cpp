@@ -1,11 +1,13 @@
 #include "Platform/FileSystem.h"
 
+#include "Platform/Folder.h"
+
+#include <algorithm>
 #include <cerrno>
-#include <dirent.h>
 #include <fcntl.h>
-#include <memory>
 #include <sys/stat.h>
 #include <unistd.h>
+#include <utility>
 
 namespace quorvel {
 namespace fs = std::filesystem;
@@ -20,12 +22,14 @@ struct RegularFile {
 };
 
 // Without O_NONBLOCK, opening a FIFO would wait for its other end.
-RegularFile openRegularFile(const std::string& path, int flags, mode_t mode = 0) {
+RegularFile openRegularFile(const std::string& path, int flags, mode_t mode = 0,
+                            int folder = AT_FDCWD) {
     if (path.find('\0') != std::string::npos) {
         errno = EINVAL;
         return {FileHandle(-1)};
     }
-    FileHandle file(::open(path.c_str(), flags | O_NONBLOCK | O_CLOEXEC | O_NOCTTY, mode));
+    FileHandle file(
+        ::openat(folder, path.c_str(), flags | O_NONBLOCK | O_CLOEXEC | O_NOCTTY, mode));
     struct stat status {};
     if (file.descriptor() < 0 || ::fstat(file.descriptor(), &status) != 0) {
         return {FileHandle(-1)};
@@ -35,6 +39,40 @@ RegularFile openRegularFile(const std::string& path, int flags, mode_t mode = 0)
         return {FileHandle(-1)};
     }
     return {std::move(file), static_cast<std::size_t>(status.st_size)};
+}
+
+bool readWhole(const RegularFile& file, std::size_t limit, std::string& bytes) {
+    if (!file.isOpen() || file.size > limit) {
+        return false;
+    }
+    // One byte more than the file says: a file that grows meanwhile is noticed, and a whole one
+    // needs a single read.
+    bytes.resize(file.size + 1);
+    std::size_t length = 0;
+    while (true) {
+        const ssize_t count =
+            ::read(file.descriptor(), bytes.data() + length, bytes.size() - length);
+        if (count < 0 && errno == EINTR) {
+            continue;
+        }
+        if (count < 0) {
+            return false;
+        }
+        length += static_cast<std::size_t>(count);
+        if (length < bytes.size()) {
+            // Files of /proc and the like have no size, so only an end that was seen is an end.
+            if (count == 0 || length == file.size) {
+                break;
+            }
+            continue;
+        }
+        if (length > limit) {
+            break;
+        }
+        bytes.resize(bytes.size() * 2 + 4096);
+    }
+    bytes.resize(std::min(length, bytes.size()));
+    return length <= limit;
 }
 
 } // namespace
@@ -86,16 +124,15 @@ bool isExecutableFile(const fs::path& path) noexcept {
            ::access(path.c_str(), X_OK) == 0;
 }
 
-std::optional<std::vector<std::string>> directoryEntries(const fs::path& folder) {
-    if (hasNul(folder)) {
-        return std::nullopt;
-    }
-    const std::unique_ptr<DIR, int (*)(DIR*)> stream(::opendir(folder.c_str()), &::closedir);
-    if (!stream) {
-        return std::nullopt;
-    }
+std::optional<Folder> Folder::open(const fs::path& path) {
+    DIR* stream = hasNul(path) ? nullptr : ::opendir(path.c_str());
+    return stream == nullptr ? std::nullopt : std::optional(Folder(stream));
+}
+
+std::vector<std::string> Folder::entries() {
     std::vector<std::string> names;
-    while (const dirent* entry = ::readdir(stream.get())) {
+    ::rewinddir(stream_.get());
+    while (const dirent* entry = ::readdir(stream_.get())) {
         const std::string_view name = entry->d_name;
         if (name != "." && name != "..") {
             names.emplace_back(name);
@@ -104,41 +141,20 @@ std::optional<std::vector<std::string>> directoryEntries(const fs::path& folder)
     return names;
 }
 
+bool Folder::read(const std::string& path, std::size_t limit, std::string& bytes) const {
+    return readWhole(openRegularFile(path, O_RDONLY, 0, ::dirfd(stream_.get())), limit, bytes);
+}
+
+std::optional<std::vector<std::string>> directoryEntries(const fs::path& folder) {
+    std::optional<Folder> open = Folder::open(folder);
+    return open ? std::optional(open->entries()) : std::nullopt;
+}
+
 std::optional<std::string> readFile(const std::string& path, std::size_t limit) {
-    const RegularFile file = openRegularFile(path, O_RDONLY);
-    if (!file.isOpen() || file.size > limit) {
-        return std::nullopt;
+    std::optional<std::string> bytes(std::in_place);
+    if (!readWhole(openRegularFile(path, O_RDONLY), limit, *bytes)) {
+        bytes.reset();
     }
-    // One byte more than the file says: a file that grows meanwhile is noticed, and a whole one
-    // needs a single read.
-    std::string bytes(file.size + 1, '\0');
-    std::size_t length = 0;
-    while (true) {
-        const ssize_t count =
-            ::read(file.descriptor(), bytes.data() + length, bytes.size() - length);
-        if (count < 0 && errno == EINTR) {
-            continue;
-        }
-        if (count < 0) {
-            return std::nullopt;
-        }
-        length += static_cast<std::size_t>(count);
-        if (length < bytes.size()) {
-            // Files of /proc and the like have no size, so only an end that was seen is an end.
-            if (count == 0 || length == file.size) {
-                break;
-            }
-            continue;
-        }
-        if (length > limit) {
-            break;
-        }
-        bytes.resize(bytes.size() * 2 + 4096);
-    }
-    if (length > limit) {
-        return std::nullopt;
-    }
-    bytes.resize(length);
     return bytes;
 }
 

@@ -1,25 +1,15 @@
 #include "Platform/FileSystem.h"
 
 #include <cerrno>
-#include <fcntl.h>
-#include <sys/stat.h>
-#include <unistd.h>
-
-#include <array>
 #include <cstdio>
 
 namespace quorvel {
 namespace fs = std::filesystem;
 namespace {
 
-// Nothing may be replaced, not even what another program puts there at this moment.
-int renameExclusively(const fs::path& source, const fs::path& destination) {
-#ifdef __APPLE__
-    const int result = ::renamex_np(source.c_str(), destination.c_str(), RENAME_EXCL);
-#else
-    const int result =
-        ::renameat2(AT_FDCWD, source.c_str(), AT_FDCWD, destination.c_str(), RENAME_NOREPLACE);
-#endif
+int renameWhereFree(const fs::path& source, const fs::path& destination,
+                    const ExclusiveRename& exclusively) {
+    const int result = exclusively(source, destination);
     if (result == 0 || (errno != EINVAL && errno != ENOSYS && errno != ENOTSUP)) {
         return result;
     }
@@ -61,9 +51,10 @@ void copyFile(const fs::path& source, const fs::path& destination) {
     }
 }
 
-void moveItem(const fs::path& source, const fs::path& destination) {
+void moveItem(const fs::path& source, const fs::path& destination,
+              const ExclusiveRename& exclusively) {
     refuseNul(source, destination, "moved");
-    if (renameExclusively(source, destination) == 0) {
+    if (renameWhereFree(source, destination, exclusively) == 0) {
         return;
     }
     if (errno != EXDEV) {

@@ -93,17 +93,8 @@ PropertyListValue converted(plist_t node) {
     }
 }
 
-// XML 1.0 has no way to write most control characters, not even escaped.
 const char* xmlText(const std::string& value) {
-    for (const char byte : value) {
-        const auto code = static_cast<unsigned char>(byte);
-        if (code < 0x20 && code != '\t' && code != '\n' && code != '\r') {
-            throw std::invalid_argument("a property list can't hold control characters");
-        }
-    }
-    if (!isUtf8(value)) {
-        throw std::invalid_argument("a property list can't hold text that is not UTF-8");
-    }
+    PropertyList::requireWritable(value);
     return value.c_str();
 }
 
@@ -191,6 +182,23 @@ std::optional<std::string> stringFor(const PropertyListDictionary& dictionary,
     const auto found = dictionary.find(key);
     const std::string* value = found == dictionary.end() ? nullptr : found->second.string();
     return value == nullptr ? std::nullopt : std::optional(*value);
+}
+
+void requireWritable(const std::string& text) {
+    for (const char byte : text) {
+        const auto code = static_cast<unsigned char>(byte);
+        if (code < 0x20 && code != '\t' && code != '\n' && code != '\r') {
+            throw std::invalid_argument("a property list can't hold control characters");
+        }
+    }
+    if (!isUtf8(text)) {
+        throw std::invalid_argument("a property list can't hold text that is not UTF-8");
+    }
+    for (const char* noncharacter : {"\uFFFE", "\uFFFF"}) {
+        if (text.find(noncharacter) != std::string::npos) {
+            throw std::invalid_argument("a property list can't hold U+FFFE or U+FFFF");
+        }
+    }
 }
 
 std::string xml(const PropertyListDictionary& dictionary) {

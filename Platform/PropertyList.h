@@ -57,8 +57,11 @@ readDictionary(const std::filesystem::path& file);
 [[nodiscard]] std::optional<std::string> stringFor(const PropertyListDictionary& dictionary,
                                                    const std::string& key);
 
-/// The XML document, version 1.0. Throws `std::invalid_argument` when a text holds characters that
-/// XML can't carry (control characters, bytes that are no UTF-8).
+/// Throws `std::invalid_argument` when the text holds what XML 1.0 can't carry, not even escaped:
+/// most control characters, U+FFFE, U+FFFF, bytes that are no UTF-8.
+void requireWritable(const std::string& text);
+
+/// The XML document, version 1.0. Throws `std::invalid_argument` when a text is not writable.
 [[nodiscard]] std::string xml(const PropertyListDictionary& dictionary);
 
 } // namespace PropertyList

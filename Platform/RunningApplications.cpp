@@ -27,6 +27,12 @@ bool RunningApplications::contains(const std::string& bundleId) const {
     return byIdentifier_.contains(bundleId);
 }
 
+bool isAppBundleName(std::string_view name) {
+    constexpr std::string_view extension = ".app";
+    // A name that begins with its only dot has no extension.
+    return name.size() > extension.size() && name.ends_with(extension);
+}
+
 std::string bundleFallbackName(const std::filesystem::path& bundle) {
     return withoutTrailingSlashes(bundle).stem().string();
 }

@@ -5,9 +5,10 @@
 #include <unicode/uchar.h>
 #include <unicode/unistr.h>
 
+#include <algorithm>
 #include <memory>
+#include <numeric>
 #include <stdexcept>
-#include <vector>
 
 namespace quorvel::Text {
 namespace {
@@ -68,18 +69,45 @@ bool isBlankOrNewline(UChar32 scalar) {
            scalar == 0x2028 || scalar == 0x2029;
 }
 
+// Appends a key whose byte order is the order of names. Equal keys mean equal names.
+void appendCollationKey(std::string_view text, std::string& keys) {
+    const icu::UnicodeString string = decoded(text);
+    const std::size_t start = keys.size();
+    // Room for an ordinary name's key, to ask for it once; `resize` lets the text grow in big
+    // steps.
+    std::size_t room = static_cast<std::size_t>(string.length()) * 2 + 16;
+    while (true) {
+        keys.resize(start + room);
+        auto* key = reinterpret_cast<std::uint8_t*>(keys.data() + start);
+        const auto needed = static_cast<std::size_t>(
+            collator().getSortKey(string, key, static_cast<std::int32_t>(room)));
+        if (needed <= room) {
+            keys.resize(start + needed);
+            return;
+        }
+        room = needed;
+    }
+}
+
 } // namespace
 
-std::string collationKey(std::string_view text) {
-    const icu::UnicodeString string = decoded(text);
-    std::vector<uint8_t> key(static_cast<std::size_t>(string.length()) * 4 + 16);
-    const int32_t needed =
-        collator().getSortKey(string, key.data(), static_cast<int32_t>(key.size()));
-    if (static_cast<std::size_t>(needed) > key.size()) {
-        key.resize(static_cast<std::size_t>(needed));
-        collator().getSortKey(string, key.data(), needed);
+std::vector<std::size_t> sortedOrder(const std::vector<std::string_view>& names) {
+    // Names are turned into keys once: comparing them anew in every step would cost far more.
+    std::string keys;
+    std::vector<std::size_t> ends{0};
+    ends.reserve(names.size() + 1);
+    for (const std::string_view name : names) {
+        appendCollationKey(name, keys);
+        ends.push_back(keys.size());
     }
-    return {key.begin(), key.begin() + needed};
+    const auto key = [&](std::size_t index) {
+        return std::string_view(keys).substr(ends[index], ends[index + 1] - ends[index]);
+    };
+    std::vector<std::size_t> order(names.size());
+    std::iota(order.begin(), order.end(), std::size_t{0});
+    std::stable_sort(order.begin(), order.end(),
+                     [&](std::size_t a, std::size_t b) { return key(a) < key(b); });
+    return order;
 }
 
 bool containsIgnoringCase(std::string_view text, std::string_view part) {

@@ -1,17 +1,19 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 /// Unicode text services. All text is UTF-8; bytes that are none count as U+FFFD.
 /// Every operation may be called from any thread.
 namespace quorvel::Text {
 
-/// A key whose byte order is the user's locale's order of names (Unicode's own where the locale is
-/// "C"), upper and lower case alike. Equal keys mean names that compare as equal.
-[[nodiscard]] std::string collationKey(std::string_view text);
+/// The places of `names` in the user's locale's order of names (Unicode's own where the locale is
+/// "C"), upper and lower case alike. Names that compare as equal stay in the order that they have.
+[[nodiscard]] std::vector<std::size_t> sortedOrder(const std::vector<std::string_view>& names);
 
 /// Whether `text` contains `part`, upper and lower case alike. An empty part is never contained.
 [[nodiscard]] bool containsIgnoringCase(std::string_view text, std::string_view part);

@@ -8,6 +8,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <sys/types.h>
 #include <vector>
 
@@ -70,6 +71,10 @@ public:
 
 /// The system's own.
 [[nodiscard]] std::unique_ptr<Workspace> makeSystemWorkspace();
+
+/// Whether an entry of a folder has the name of an application bundle: one with the extension
+/// "app", which counts case for case.
+[[nodiscard]] bool isAppBundleName(std::string_view name);
 
 /// What stands for an application bundle's identifier and executable where its property list names
 /// none: the folder's name without its extension.

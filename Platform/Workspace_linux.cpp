@@ -5,10 +5,15 @@
 #include "Platform/PropertyList.h"
 #include "Platform/Workspace.h"
 
+#include <cerrno>
 #include <cstdio>
+#include <fcntl.h>
+#include <sys/file.h>
 #include <sys/utsname.h>
 
 #include <algorithm>
+#include <chrono>
+#include <thread>
 
 namespace quorvel {
 namespace {
@@ -24,6 +29,22 @@ std::filesystem::path executableOf(const std::filesystem::path& bundle) {
                           .value_or(bundleFallbackName(bundle)));
 }
 
+// Two who open the same bundle at the same moment, in this program or another, must not both find
+// that it doesn't run yet: the second waits until the first has started it. Nobody needs longer
+// than the limit, so whoever holds the lock by then is up to something else.
+FileHandle openedAlone(const std::filesystem::path& bundle) {
+    constexpr std::chrono::milliseconds limit{2000};
+    constexpr std::chrono::milliseconds nap{5};
+    FileHandle folder(::open(bundle.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    const auto deadline = std::chrono::steady_clock::now() + limit;
+    while (::flock(folder.descriptor(), LOCK_EX | LOCK_NB) != 0 &&
+           (errno == EWOULDBLOCK || errno == EINTR) &&
+           std::chrono::steady_clock::now() < deadline) {
+        std::this_thread::sleep_for(nap);
+    }
+    return folder;
+}
+
 class LinuxWorkspace final : public Workspace {
 public:
     // Starting a process takes no time worth a thread of its own; only its end is waited for in the
@@ -32,6 +53,7 @@ public:
                          Completion completion) override {
         std::optional<PlatformError> error;
         try {
+            const FileHandle alone = openedAlone(bundle);
             if (!isRunning(bundle)) {
                 Process::Options options;
                 options.executable = executableOf(bundle);

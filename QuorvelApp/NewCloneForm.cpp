@@ -1,6 +1,5 @@
 #include "QuorvelApp/NewCloneForm.h"
 
-#include "LaunchKit/RequestCheck.h"
 #include "Platform/FileSystem.h"
 #include "Platform/Text.h"
 #include "QuorvelApp/AutomaticNames.h"
@@ -102,7 +101,7 @@ std::string NewCloneForm::savedToText() const {
 }
 
 std::string NewCloneForm::replacementText(const std::vector<InstanceRecord>& clones) const {
-    const std::filesystem::path place = placeOf(makeRequest());
+    const std::filesystem::path place = WrapperFactory::wrapperURL(makeRequest());
     const auto replaced = std::find_if(clones.begin(), clones.end(),
                                        [&](const auto& clone) { return clone.bundleURL == place; });
     return replaced == clones.end() ? std::string()

@@ -3,8 +3,8 @@
 #include "LaunchKit/InstanceConfig.h"
 #include "LaunchKit/InstanceLauncher.h"
 #include "Platform/FileSystem.h"
+#include "Platform/TerminalText.h"
 
-#include <algorithm>
 #include <csignal>
 #include <cstdio>
 #include <pthread.h>
@@ -22,16 +22,8 @@ sigset_t handledSignals() {
     return signals;
 }
 
-// Names come from files: a line break or an escape sequence in one must not reach a terminal.
-std::string withoutControls(std::string text) {
-    std::replace_if(
-        text.begin(), text.end(), [](unsigned char byte) { return byte < 0x20 || byte == 0x7F; },
-        ' ');
-    return text;
-}
-
 int fail(const std::string& message, RunnerStatus status, const InstanceConfig* config = nullptr) {
-    const std::string line = "quorvel-runner: " + withoutControls(message) + "\n";
+    const std::string line = "quorvel-runner: " + terminalText(message) + "\n";
     std::fputs(line.c_str(), stderr);
     if (config != nullptr) {
         // Opened from a desktop, nobody sees standard error: the log is where a user looks.
@@ -64,7 +56,8 @@ int superviseUntilExit(Process& target, const sigset_t& signals) {
 
 int runClone(const fs::path& executable, const std::vector<std::string>& arguments) {
     // An ignored SIGCHLD, inherited from whoever started us, would take the exit status with it.
-    std::signal(SIGCHLD, SIG_DFL);
+    // Without a handler, some systems drop the signal even while somebody waits for it.
+    std::signal(SIGCHLD, [](int) {});
     const sigset_t signals = handledSignals();
     pthread_sigmask(SIG_BLOCK, &signals, nullptr);
 

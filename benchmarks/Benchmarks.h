@@ -7,6 +7,8 @@
 /// Each takes an empty folder to work in, and gives its rows of the table.
 namespace quorvel::benchmarks {
 
+using Benchmark = std::vector<Row> (*)(const std::filesystem::path& folder);
+
 [[nodiscard]] std::vector<Row> registryRows(const std::filesystem::path& folder);
 [[nodiscard]] std::vector<Row> generatorRows(const std::filesystem::path& folder);
 [[nodiscard]] std::vector<Row> runnerRows(const std::filesystem::path& folder);

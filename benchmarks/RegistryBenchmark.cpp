@@ -74,9 +74,13 @@ std::vector<Row> registryRows(const fs::path& folder) {
             },
             2, 15));
     }
+    // The system itself takes longer for each file where its caches no longer hold them all.
     const double growth = rows[1].figure / rows[0].figure;
-    rows.push_back({"cost of 10,000 clones against that of 1,000", rows[1].figure, rows[0].figure,
-                    "ms", decimals(growth, "x"), "about 10 x", growth <= 12});
+    const double floorGrowth = rows[1].floor / rows[0].floor;
+    constexpr double goal = 1.2;
+    rows.push_back({"growth from 1,000 to 10,000, against that of reading", growth, floorGrowth,
+                    "x", decimals(growth / floorGrowth, "x"), "<= " + decimals(goal, "x"),
+                    growth <= goal * floorGrowth});
     return rows;
 }
 

@@ -1,10 +1,13 @@
 #include "benchmarks/Benchmarks.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <string>
+#include <utility>
 
-int main() {
+// quorvel-bench [NAME]...: all of them, or those that are named.
+int main(int count, char** arguments) {
     namespace fs = std::filesystem;
     using namespace quorvel::benchmarks;
     std::string folder = (fs::temp_directory_path() / "quorvel-bench-XXXXXX").string();
@@ -14,8 +17,17 @@ int main() {
     }
     ::setenv("CFFIXED_USER_HOME", (folder + "/home").c_str(), 1);
     std::vector<Row> rows;
-    for (const auto& benchmark :
-         {registryRows, generatorRows, runnerRows, runningApplicationsRows}) {
+    const std::vector<std::pair<std::string, Benchmark>> benchmarks{
+        {"registry", registryRows},
+        {"generator", generatorRows},
+        {"runner", runnerRows},
+        {"running", runningApplicationsRows},
+    };
+    const std::vector<std::string> wanted(arguments + 1, arguments + count);
+    for (const auto& [name, benchmark] : benchmarks) {
+        if (!wanted.empty() && std::find(wanted.begin(), wanted.end(), name) == wanted.end()) {
+            continue;
+        }
         const fs::path own = fs::path(folder) / std::to_string(rows.size());
         fs::create_directories(own);
         const std::vector<Row> more = benchmark(own);

@@ -1,5 +1,6 @@
 #include "tests/CommandLine/CommandLineHarness.h"
 #include "tests/support/AppBundles.h"
+#include "tests/support/OrdinaryUser.h"
 
 #include <gmock/gmock.h>
 
@@ -300,6 +301,26 @@ TEST(CommandLine, MigrateMovesTheFilesAndThenShares) {
     EXPECT_EQ(result.json(), nlohmann::json({{"moved", {{"Downloads", 2}, {"Desktop", 0}}}}));
     EXPECT_EQ(read(harness.home / "Downloads/b"), "2");
     EXPECT_TRUE(InstanceRegistry().record(wrapper)->config.shareUserFolders);
+}
+
+TEST(CommandLine, MigrateSaysWhenSharingCantBeSwitchedOn) {
+    CommandLineHarness harness;
+    const TemporaryFolder home;
+    const ScopedEnvironment usersHome("CFFIXED_USER_HOME", home.path().string());
+    const std::filesystem::path wrapper = home / "Applications/Work.app";
+    EXPECT_TRUE(asOrdinaryUser(home.path(), [&] {
+        InstanceConfig config = minimalConfig("Work");
+        config.shareUserFolders = false;
+        makeWrapper(wrapper, config);
+        write(home / "QuorvelInstances/Work/Downloads/a", "1");
+        std::filesystem::permissions(instanceConfigFile(wrapper), std::filesystem::perms{0444});
+        const CommandResult result = harness.run({"migrate", "Work", "--json"});
+        const auto now = InstanceRegistry().record(wrapper);
+        return result.status == 1 && result.output.empty() &&
+               result.errors == "The clone at " + wrapper.string() +
+                                    " can’t be changed; it does not share the folders yet.\n" &&
+               now && !now->config.shareUserFolders && read(home / "Downloads/a") == "1";
+    }));
 }
 
 TEST(CommandLine, MigrateWithNothingToMoveStillTurnsSharingOn) {

@@ -180,9 +180,19 @@ TEST(InstanceConfigReader, EndlessNestingIsNoTrouble) {
     EXPECT_FALSE(decoded(repeated("{\"a\":", deep)));
     EXPECT_FALSE(decoded(with("\"extraArgs\":" + repeated("[", deep) + repeated("]", deep))));
     EXPECT_FALSE(decoded(with("\"unknown\":" + repeated("[", deep))));
-    EXPECT_TRUE(decoded(with("\"unknown\":" + repeated("[", deep) + repeated("]", deep))));
-    EXPECT_TRUE(
+    EXPECT_FALSE(decoded(with("\"unknown\":" + repeated("[", deep) + repeated("]", deep))));
+    EXPECT_FALSE(
         decoded(with("\"unknown\":" + repeated("{\"a\":", deep) + "1" + repeated("}", deep))));
+}
+
+TEST(InstanceConfigReader, AnUnknownValueMayNestUpToTheLimit) {
+    const auto nested = [](std::size_t levels) {
+        return with("\"unknown\":" + repeated("[", levels) + repeated("]", levels));
+    };
+    EXPECT_TRUE(decoded(nested(InstanceConfig::maximumDepth)));
+    EXPECT_FALSE(decoded(nested(InstanceConfig::maximumDepth + 1)));
+    const std::string wide = repeated("[[]],", 10'000);
+    EXPECT_TRUE(decoded(with("\"unknown\":[" + wide + "0]"))) << "side by side is not deep";
 }
 
 TEST(InstanceConfigReader, WhatIsNoReadableFileHoldsNoConfiguration) {

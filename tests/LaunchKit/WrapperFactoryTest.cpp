@@ -67,6 +67,12 @@ protected:
     TemporaryHome home_;
 };
 
+TEST_F(Factory, TellsBeforehandWhereTheCloneWillBe) {
+    const WrapperFactory::Request request = webRequest("  Work \n");
+    EXPECT_EQ(WrapperFactory::wrapperURL(request), at("out") / "Work.app");
+    EXPECT_EQ(WrapperFactory::wrapperURL(request), create(request));
+}
+
 TEST_F(Factory, SpaceAroundTheNameIsRemovedEverywhere) {
     WrapperFactory::Request request = webRequest(" \t Work \n");
     EXPECT_EQ(create(request), at("out/Work.app"));

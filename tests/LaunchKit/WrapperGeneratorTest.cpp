@@ -231,6 +231,21 @@ TEST_F(Generator, TextThatCantBeWrittenIsAnErrorThatTheNextCallCleansUp) {
     EXPECT_NO_THROW((void)generate(webOptions()));
 }
 
+TEST_F(Generator, TextThatAPropertyListCantHoldLeavesTheOldWrapperAlone) {
+    (void)generate(webOptions());
+    const auto before = treeOf(at("out"));
+    WrapperGenerator::Options key = webOptions();
+    key.config.infoPlistOverrides = {{"\x01", "text"}};
+    WrapperGenerator::Options text = webOptions();
+    text.config.infoPlistOverrides = {{"K", "\uFFFE"}};
+    WrapperGenerator::Options identifier = webOptions();
+    identifier.config.bundleId = "\x1B";
+    for (const auto& options : {key, text, identifier}) {
+        EXPECT_THROW((void)generate(options), std::invalid_argument);
+        EXPECT_EQ(treeOf(at("out")), before);
+    }
+}
+
 TEST_F(Generator, NamesArePassedThroughAsTheyStand) {
     EXPECT_EQ(generate(webOptions("a/b")), at("out/a/b.app"));
     EXPECT_TRUE(fs::exists(at("out/a/b.app/Contents/PkgInfo")));

@@ -1,5 +1,6 @@
 #include "Platform/FileSystem.h"
 
+#include "Platform/Folder.h"
 #include "tests/support/AppBundles.h"
 #include "tests/support/OrdinaryUser.h"
 #include "tests/support/TemporaryHome.h"
@@ -125,6 +126,42 @@ TEST_F(FileSystem, AFoldersEntriesIncludeHiddenOnes) {
     write(at("no \xFF text"), "");
     EXPECT_THAT(directoryEntries(folder_.path()).value(),
                 ::testing::UnorderedElementsAre(".hidden", "line\nbreak", "no \xFF text"));
+}
+
+TEST_F(FileSystem, AnOpenFolderListsAndReadsWhatLiesInIt) {
+    write(at("folder/deep/file"), "x");
+    write(at("folder/other"), "yy");
+    std::optional<Folder> folder = Folder::open(at("folder"));
+    ASSERT_TRUE(folder);
+    for (int time = 0; time < 2; ++time) {
+        EXPECT_THAT(folder->entries(), ::testing::UnorderedElementsAre("deep", "other"));
+    }
+    std::string bytes = "something longer from before";
+    EXPECT_TRUE(folder->read("deep/file", 10, bytes));
+    EXPECT_EQ(bytes, "x");
+    EXPECT_TRUE(folder->read("other", 2, bytes));
+    EXPECT_EQ(bytes, "yy");
+    EXPECT_FALSE(folder->read("other", 1, bytes));
+    EXPECT_FALSE(folder->read("none", 10, bytes));
+    EXPECT_FALSE(folder->read("deep", 10, bytes));
+    EXPECT_FALSE(folder->read("other\0behind"s, 10, bytes));
+}
+
+TEST_F(FileSystem, AnOpenFolderStaysTheSameWhenItIsMoved) {
+    write(at("folder/file"), "x");
+    const std::optional<Folder> folder = Folder::open(at("folder"));
+    fs::rename(at("folder"), at("moved"));
+    std::string bytes;
+    EXPECT_TRUE(folder->read("file", 10, bytes));
+    EXPECT_EQ(bytes, "x");
+}
+
+TEST_F(FileSystem, OnlyAFolderThatCanBeReadIsOpened) {
+    write(at("file"), "");
+    EXPECT_FALSE(Folder::open(at("file")));
+    EXPECT_FALSE(Folder::open(at("none")));
+    EXPECT_FALSE(Folder::open(fifo()));
+    EXPECT_FALSE(Folder::open(nulBehind(folder_.path())));
 }
 
 TEST_F(FileSystem, WhatIsNoFolderHasNoEntries) {

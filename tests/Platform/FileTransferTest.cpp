@@ -2,6 +2,7 @@
 
 #include "tests/support/TemporaryHome.h"
 
+#include <cerrno>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
@@ -96,6 +97,56 @@ TEST_F(FileTransfer, MovingReplacesNothingNotEvenADanglingLink) {
         EXPECT_THROW(moveItem(at("a"), at(taken)), PlatformError) << taken;
         EXPECT_EQ(treeOf(folder_.path()), before) << taken;
     }
+}
+
+// What network file systems answer.
+class FileSystemWithoutExclusiveRenaming : public FileTransfer,
+                                           public ::testing::WithParamInterface<int> {
+protected:
+    static int refusing(const fs::path& /*source*/, const fs::path& /*destination*/) {
+        errno = GetParam();
+        return -1;
+    }
+};
+
+TEST_P(FileSystemWithoutExclusiveRenaming, ItemsAreMovedAllTheSame) {
+    write(at("a/deep/file"), "x");
+    fs::create_symlink("nowhere", at("a/link"));
+    const auto before = treeOf(at("a"));
+    moveItem(at("a"), at("b"), refusing);
+    EXPECT_EQ(treeOf(at("b")), before);
+    EXPECT_FALSE(itemOrLinkExists(at("a")));
+}
+
+TEST_P(FileSystemWithoutExclusiveRenaming, NothingIsReplacedNotEvenADanglingLink) {
+    write(at("a"), "new");
+    write(at("file"), "old");
+    fs::create_directory(at("empty folder"));
+    fs::create_symlink("nowhere", at("dangling"));
+    for (const char* taken : {"file", "empty folder", "dangling"}) {
+        const auto before = treeOf(folder_.path());
+        try {
+            moveItem(at("a"), at(taken), refusing);
+            ADD_FAILURE() << taken << " was replaced";
+        } catch (const PlatformError& error) {
+            EXPECT_EQ(error.code(), std::errc::file_exists) << taken;
+        }
+        EXPECT_EQ(treeOf(folder_.path()), before) << taken;
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(FileTransfer, FileSystemWithoutExclusiveRenaming,
+                         ::testing::Values(EINVAL, ENOSYS, ENOTSUP));
+
+TEST_F(FileTransfer, AnotherReasonNotToRenameIsNotWorkedAround) {
+    write(at("a"), "x");
+    const auto denying = [](const fs::path&, const fs::path&) {
+        errno = EACCES;
+        return -1;
+    };
+    EXPECT_THROW(moveItem(at("a"), at("b"), denying), PlatformError);
+    EXPECT_EQ(read(at("a")), "x");
+    EXPECT_FALSE(itemOrLinkExists(at("b")));
 }
 
 TEST_F(FileTransfer, MovingAFolderIntoItselfIsAnErrorThatLosesNothing) {

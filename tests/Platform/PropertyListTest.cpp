@@ -144,11 +144,15 @@ TEST(PropertyList, NegativeNumbersAreWrittenAsSuch) {
 }
 
 TEST(PropertyList, WhatXmlCantHoldIsRefused) {
-    for (const std::string& text : {"\x01"s, "a\0b"s, "\x1B[31m"s, "\xFF"s}) {
+    for (const std::string& text :
+         {"\x01"s, "a\0b"s, "\x1B[31m"s, "\xFF"s, "a\uFFFE"s, "\uFFFFb"s}) {
         EXPECT_THROW((void)PropertyList::xml({{"k", text}}), std::invalid_argument);
         EXPECT_THROW((void)PropertyList::xml({{text, "v"}}), std::invalid_argument);
     }
     EXPECT_THROW((void)PropertyList::xml({{"k", PropertyListValue{}}}), std::invalid_argument);
+    for (const std::string& neighbour : {"\uFFFD"s, "\uFEFF"s, "\U0001FFFE"s, "\u0085"s}) {
+        EXPECT_NO_THROW((void)PropertyList::xml({{"k", neighbour}}));
+    }
 }
 
 TEST(PropertyList, ABinaryFileOfAnotherToolIsRead) {

@@ -39,5 +39,17 @@ TEST(RunningApplications, ABundleWithoutAnIdentifierGoesByItsFoldersName) {
     EXPECT_EQ(bundleFallbackName("/A/Foo"), "Foo");
 }
 
+TEST(BundleNames, OnlyTheExtensionInLowerCaseMakesABundle) {
+    for (const char* name : {"a.app", ".hidden.app", "a.b.app", "..app", " .app", "line\n.app"}) {
+        EXPECT_TRUE(isAppBundleName(name)) << name;
+        EXPECT_EQ(std::filesystem::path(name).extension(), ".app") << name;
+    }
+    for (const char* name :
+         {".app", "app", "", "a.APP", "a.app.bak", "a.app ", "aapp", ".", ".."}) {
+        EXPECT_FALSE(isAppBundleName(name)) << name;
+        EXPECT_NE(std::filesystem::path(name).extension(), ".app") << name;
+    }
+}
+
 } // namespace
 } // namespace quorvel

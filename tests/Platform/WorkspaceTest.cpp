@@ -6,8 +6,11 @@
 #include "tests/support/Waiting.h"
 
 #include <atomic>
+#include <barrier>
 #include <csignal>
+#include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <thread>
 #include <unistd.h>
@@ -265,6 +268,42 @@ TEST_F(SystemWorkspace, OpeningDoesNotStartASecondTime) {
     // For a moment, a shell's child is a copy of the shell.
     EXPECT_TRUE(waitFor([&] { return running("com.example.Thing").size() == 1; }));
     EXPECT_EQ(read(at("log")), "started\n");
+}
+
+TEST_F(SystemWorkspace, TwoWhoOpenTheSameBundleAtTheSameMomentStartItOnce) {
+    ASSERT_EQ(::mkfifo(at("fifo").c_str(), 0600), 0);
+    const fs::path bundle =
+        makeScriptedAppBundle(at("Thing.app"), "read line < " + at("fifo").string());
+    for (int round = 0; round < 20; ++round) {
+        std::barrier start(2);
+        std::atomic<int> errors = 0;
+        const auto openOnCue = [&] {
+            const auto own = makeSystemWorkspace(); // as another program would have
+            start.arrive_and_wait();
+            own->openApplication(bundle, true, [&](const std::optional<PlatformError>& error) {
+                errors += error ? 1 : 0;
+            });
+        };
+        std::thread other(openOnCue);
+        openOnCue();
+        other.join();
+        EXPECT_EQ(errors, 0);
+        const auto started = ours();
+        EXPECT_EQ(started.size(), 1U) << "in round " << round;
+        for (const RunningApplication& application : started) {
+            ::kill(application.pid, SIGKILL);
+        }
+        ASSERT_TRUE(waitFor([&] { return ours().empty(); }));
+    }
+}
+
+TEST_F(SystemWorkspace, ABundleThatSomebodyElseKeepsLockedIsOpenedAllTheSame) {
+    const fs::path bundle =
+        makeScriptedAppBundle(at("Thing.app"), "echo x > " + at("log").string());
+    const FileHandle folder(::open(bundle.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    ASSERT_EQ(::flock(folder.descriptor(), LOCK_EX), 0);
+    EXPECT_FALSE(open(bundle));
+    EXPECT_TRUE(waitFor([&] { return read(at("log")) == "x\n"; }));
 }
 
 TEST_F(SystemWorkspace, ACopyElsewhereIsAnotherApplication) {

@@ -54,7 +54,7 @@ public:
         with.realLibrary = library.string();
         with.temporary = temporary;
         with.sleep = [this](AppProber::Seconds time) { onSleep(time); };
-        with.entitlements = [](const std::filesystem::path& /*bundle*/) { return std::string{}; };
+        with.entitlements = noEntitlements;
         return with;
     }
 

@@ -191,11 +191,13 @@ TEST_F(Runner, AWebCloneWithoutARoomForItsLogSaysItHere) {
 TEST_F(Runner, AMessageIsOneLineWhateverTheName) {
     const fs::path bundle = wrapper(webConfig());
     InstanceConfig config = webConfig();
-    config.displayName = "two\nlines\x1B[31m\r\x7F";
+    config.displayName = "two\nlines\x1B[31m\r\x7F\u009b\u202e";
     write(bundle / "Contents/Resources/instance.json", config.json());
     EXPECT_EQ(start(bundle).waitUntilExit(), 69);
-    EXPECT_EQ(read(errors()),
-              "quorvel-runner: the web host for “two lines [31m  ” is not installed\n");
+    EXPECT_EQ(
+        read(errors()),
+        "quorvel-runner: the web host for “two\\nlines\\u{1b}[31m\\u{d}\\u{7f}\\u{9b}\\u{202e}” "
+        "is not installed\n");
     EXPECT_EQ(log(), read(errors()));
 }
 

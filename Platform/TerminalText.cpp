@@ -1,4 +1,4 @@
-#include "CommandLine/TerminalText.h"
+#include "Platform/TerminalText.h"
 
 #include "Platform/Text.h"
 

@@ -1,0 +1,36 @@
+#pragma once
+
+#include <cstddef>
+#include <dirent.h>
+#include <filesystem>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace quorvel {
+
+/// An open folder. What lies below it is found from here, which for thousands of files is quicker
+/// than from the root each time, and the same folder however its path changes meanwhile.
+class Folder {
+public:
+    /// Nothing when the folder can't be read.
+    [[nodiscard]] static std::optional<Folder> open(const std::filesystem::path& path);
+
+    /// The names in it in the file system's order, hidden ones included, without "." and "..".
+    [[nodiscard]] std::vector<std::string> entries();
+
+    /// Puts the bytes of the regular file at `path`, relative to the folder, into `bytes`. False
+    /// where `readFile` gives nothing; `bytes` is of no use then.
+    [[nodiscard]] bool read(const std::string& path, std::size_t limit, std::string& bytes) const;
+
+private:
+    explicit Folder(DIR* stream) : stream_(stream) {}
+
+    struct Closer {
+        void operator()(DIR* stream) const noexcept { ::closedir(stream); }
+    };
+    std::unique_ptr<DIR, Closer> stream_;
+};
+
+} // namespace quorvel
