@@ -3,7 +3,7 @@
 #include "CommandLine/CloneLookup.h"
 #include "CommandLine/CloneTexts.h"
 #include "LaunchKit/InstanceLauncher.h"
-#include "LaunchKit/WrapperFactory.h"
+#include "LaunchKit/RequestCheck.h"
 #include "Platform/FileSystem.h"
 #include "Platform/TerminalText.h"
 
@@ -21,47 +21,13 @@ std::string shownPath(const Surroundings& with, const fs::path& path) {
 }
 
 void openWrapper(const Surroundings& with, const InstanceRecord& record) {
-    const std::string home = record.config.resolvedHome();
-    if (record.config.kind == ShortcutKind::app) {
-        InstanceLauncher::ensureKeychainAccess(home);
-        if (record.config.shareUserFolders) {
-            InstanceLauncher::ensureSharedUserFolders(home);
-        }
-    }
+    InstanceLauncher::prepareHome(record.config);
     std::promise<std::optional<PlatformError>> opened;
     with.workspace.openApplication(record.bundleURL, true, [&](std::optional<PlatformError> error) {
         opened.set_value(std::move(error));
     });
     if (const auto error = opened.get_future().get()) {
         throw *error;
-    }
-}
-
-// What a generation that failed half-way leaves behind: it may be replaced like a whole clone.
-bool isUnfinishedWrapper(const fs::path& wrapper) {
-    using Names = std::vector<std::string>;
-    return directoryEntries(wrapper) == Names{"Contents"} &&
-           !itemExists(wrapper / "Contents" / "Info.plist") &&
-           directoryEntries(wrapper / "Contents" / "MacOS") == Names{"runner"};
-}
-
-// Making a clone again replaces it; anything else of that name is somebody's, and stays.
-void refuseToReplaceOthers(const Surroundings& with, const fs::path& wrapper) {
-    if (itemOrLinkExists(wrapper) && !with.registry.record(wrapper) &&
-        !isUnfinishedWrapper(wrapper)) {
-        throw CommandError(wrapper.string() +
-                           " is not a clone; choose another name or folder for the new one.");
-    }
-}
-
-// The old wrapper is gone before the new one is written, so nothing of it can go into the new one.
-void refuseToUsePartsOf(const fs::path& wrapper, const std::optional<fs::path>& part) {
-    std::error_code code;
-    for (fs::path at = part ? fs::weakly_canonical(*part, code) : fs::path();
-         !code && at.has_relative_path(); at = at.parent_path()) {
-        if (isSameItem(at, wrapper)) {
-            throw CommandError(part->string() + " belongs to the clone that would be replaced.");
-        }
     }
 }
 
@@ -119,11 +85,7 @@ void createCommand(const Surroundings& with, const CreateOptions& options, bool 
     const WrapperFactory::Request request = requestFrom(options);
     const WrapperFactory factory(
         options.runner.empty() ? std::nullopt : std::optional(absolutePath(options.runner)));
-    const fs::path place = WrapperFactory::wrapperURL(request);
-    refuseToReplaceOthers(with, place);
-    for (const auto& part : {request.targetApp, request.customIcon, factory.runnerBinary}) {
-        refuseToUsePartsOf(place, part);
-    }
+    checkRequest(request, factory.runnerBinary);
     const fs::path wrapper = factory.create(request);
     const std::optional<InstanceRecord> record = with.registry.record(wrapper);
     if (!record) {
@@ -173,15 +135,7 @@ void migrateCommand(const Surroundings& with, const std::string& clone, bool jso
     const InstanceRecord record = findClone(with.registry, clone);
     const std::map<std::string, int> moved =
         InstanceLauncher::migrateSharedUserFolders(record.config.resolvedHome());
-    if (!record.config.shareUserFolders) {
-        with.registry.update(record,
-                             [](InstanceConfig& config) { config.shareUserFolders = true; });
-        const std::optional<InstanceRecord> now = with.registry.record(record.bundleURL);
-        if (!now || !now->config.shareUserFolders) {
-            throw CommandError("The clone at " + record.bundleURL.string() +
-                               " can’t be changed; it does not share the folders yet.");
-        }
-    }
+    with.registry.shareUserFolders(record);
     if (json) {
         nlohmann::json counts = nlohmann::json::object();
         for (const auto& [name, count] : moved) {

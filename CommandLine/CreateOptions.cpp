@@ -2,10 +2,7 @@
 
 #include "CommandLine/CloneLookup.h"
 #include "CommandLine/Surroundings.h"
-#include "Platform/Text.h"
-#include "Platform/Utf8.h"
-
-#include <algorithm>
+#include "LaunchKit/RequestCheck.h"
 
 namespace quorvel {
 namespace fs = std::filesystem;
@@ -45,28 +42,6 @@ Case known(const std::optional<Case>& value, const char* option, const std::stri
     return *value;
 }
 
-bool holdsControlCharacters(const std::string& text) {
-    return std::any_of(text.begin(), text.end(), [](char c) {
-        return (static_cast<unsigned char>(c) < 0x20 && c != '\n' && c != '\t') || c == 0x7F;
-    });
-}
-
-// The factory takes any name; here one that would leave the folder of clones is stopped.
-std::string checkedName(const std::string& name) {
-    const std::string trimmed = Text::trimmingWhitespaceAndNewlines(name);
-    if (!isUtf8(trimmed)) {
-        throw CommandError("The name “" + trimmed + "” is not UTF-8 text.");
-    }
-    if (trimmed.find('/') != std::string::npos || trimmed == "." || trimmed == "..") {
-        throw CommandError("The name “" + trimmed +
-                           "” can’t be used: it must not hold “/” and not be “.” or “..”.");
-    }
-    if (holdsControlCharacters(trimmed)) {
-        throw CommandError("The name “" + trimmed + "” holds control characters.");
-    }
-    return trimmed;
-}
-
 void requireTarget(ShortcutKind kind, const CreateOptions& options) {
     const auto require = [&](ShortcutKind needing, const std::string& value, const char* option) {
         if (kind == needing && value.empty()) {
@@ -94,7 +69,7 @@ WrapperFactory::Request requestFrom(const CreateOptions& options) {
     request.kind = known(shortcutKindFromRawString(options.kind), "--kind", options.kind);
     requireTarget(request.kind, options);
     request.targetApp = givenFile(options.target);
-    request.displayName = checkedName(options.name);
+    request.displayName = checkedCloneName(options.name);
     request.url = given(options.url);
     request.openPath = givenPath(options.open);
     request.commandPath = givenPath(options.command);

@@ -126,6 +126,17 @@ void InstanceLauncher::ensureKeychainAccess(const std::string& home) {
     linkIfSafe(home + "/Library/Keychains", UserPaths::expandTilde("~/Library/Keychains"));
 }
 
+void InstanceLauncher::prepareHome(const InstanceConfig& config) {
+    if (config.kind != ShortcutKind::app) {
+        return;
+    }
+    const std::string home = config.resolvedHome();
+    ensureKeychainAccess(home);
+    if (config.shareUserFolders) {
+        ensureSharedUserFolders(home);
+    }
+}
+
 std::optional<FileHandle> InstanceLauncher::instanceLogHandle(const std::string& home) {
     return openForAppending(joinAsText(home, instanceLogName));
 }

@@ -62,6 +62,10 @@ public:
     /// Links the user's keychains into `home`. Never fails.
     static void ensureKeychainAccess(const std::string& home);
 
+    /// What the home of an app clone needs before its wrapper is opened; nothing for other kinds.
+    /// Never fails.
+    static void prepareHome(const InstanceConfig& config);
+
     /// The clone's log in `home`, opened for appending; nothing when that can't be done.
     [[nodiscard]] static std::optional<FileHandle> instanceLogHandle(const std::string& home);
 

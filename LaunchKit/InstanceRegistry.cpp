@@ -6,6 +6,7 @@
 #include "Platform/UserPaths.h"
 #include "Platform/Workspace.h"
 
+#include <stdexcept>
 #include <utility>
 
 namespace quorvel {
@@ -128,6 +129,21 @@ void InstanceRegistry::update(const InstanceRecord& record,
         writeFile(instanceConfigFile(record.bundleURL), config.json());
     } catch (const std::runtime_error&) {
         // The next listing shows what the file holds.
+    }
+}
+
+void InstanceRegistry::shareUserFolders(const InstanceRecord& record) const {
+    const auto shares = [](const std::optional<InstanceRecord>& clone) {
+        return clone && clone->config.shareUserFolders;
+    };
+    // Another program may have changed the clone since it was listed.
+    const auto now = this->record(record.bundleURL);
+    if (now && !shares(now)) {
+        update(*now, [](InstanceConfig& config) { config.shareUserFolders = true; });
+    }
+    if (!shares(now) && !shares(this->record(record.bundleURL))) {
+        throw std::runtime_error("The clone at " + record.bundleURL.string() +
+                                 " can’t be changed; it does not share the folders yet.");
     }
 }
 

@@ -52,6 +52,10 @@ public:
     /// Rewrites the wrapper's configuration after `change`. Failures are silent: list again to see.
     void update(const InstanceRecord& record,
                 const std::function<void(InstanceConfig&)>& change) const;
+
+    /// Has the clone share the user's own folders, and leaves what else its configuration holds on
+    /// disk by now. Throws `std::runtime_error` when it still does not share them.
+    void shareUserFolders(const InstanceRecord& record) const;
 };
 
 } // namespace quorvel

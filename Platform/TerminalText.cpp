@@ -1,20 +1,13 @@
 #include "Platform/TerminalText.h"
 
+#include "Platform/Text.h"
+
 #include <unicode/utf8.h>
 
 #include <cstdio>
 
 namespace quorvel {
 namespace {
-
-bool isHarmful(UChar32 scalar) {
-    const bool control = scalar < 0x20 || (scalar >= 0x7F && scalar < 0xA0);
-    const bool lineBreak = scalar == 0x2028 || scalar == 0x2029;
-    const bool direction = scalar == 0x200E || scalar == 0x200F ||
-                           (scalar >= 0x202A && scalar <= 0x202E) ||
-                           (scalar >= 0x2066 && scalar <= 0x2069);
-    return control || lineBreak || direction;
-}
 
 std::string escaped(UChar32 scalar) {
     if (scalar == '\n') {
@@ -51,7 +44,7 @@ std::string terminalText(std::string_view text) {
             text.substr(static_cast<std::size_t>(start), static_cast<std::size_t>(index - start));
         if (scalar < 0) {
             result += escapedBytes(bytes);
-        } else if (isHarmful(scalar)) {
+        } else if (Text::isHarmful(static_cast<char32_t>(scalar))) {
             result += escaped(scalar);
         } else {
             result += bytes;

@@ -1,7 +1,7 @@
 #include "QuorvelApp/AppGridModel.h"
 
 #include "QuorvelApp/AppTile.h"
-#include "QuorvelApp/QtText.h"
+#include "QuorvelApp/ShownText.h"
 
 namespace quorvel {
 
@@ -51,7 +51,7 @@ QVariant AppGridModel::data(const QModelIndex& index, int role) const {
     const InstalledApp& item = app(index.row());
     switch (role) {
     case Qt::DisplayRole:
-        return qtText(item.name);
+        return shownLine(item.name);
     case SandboxedRole:
         return isSandboxed(item);
     case Qt::AccessibleDescriptionRole:

@@ -1,6 +1,7 @@
 #include "QuorvelApp/AppModel.h"
 
 #include "LaunchKit/InstanceLauncher.h"
+#include "Platform/FileSystem.h"
 #include "ProbeKit/ProfileGenerator.h"
 
 #include <QPointer>
@@ -37,8 +38,30 @@ SandboxInfo proposal(const InstalledApp& app, bool sandboxed) {
 
 auto sandboxCheck(const AppServices& services, const InstalledApp& app) {
     return [read = services.readBundle, url = app.url] {
-        const auto bundle = read(url);
-        return bundle && bundle->sandboxed;
+        try {
+            const auto bundle = read(url);
+            return bundle && bundle->sandboxed;
+        } catch (const std::exception&) {
+            return false; // as of any app that can't be read
+        }
+    };
+}
+
+template<typename Result>
+struct Outcome {
+    std::optional<Result> result{};
+    std::string failure{}; ///< for the user, where there is no result
+};
+
+// Work whose failure the model tells by itself: nobody may ever read the future.
+template<typename Work>
+auto telling(Work work) {
+    return [work = std::move(work)]() -> Outcome<std::invoke_result_t<Work>> {
+        try {
+            return {.result = work()};
+        } catch (const std::exception& failure) {
+            return {.failure = failure.what()};
+        }
     };
 }
 
@@ -53,6 +76,15 @@ AppProfile detect(const AppServices& services, const InstalledApp& app) {
     }
     return ProfileGenerator::makeProfile(*bundle, *result,
                                          AppModel::osSignature(*services.workspace));
+}
+
+// File managers show the folder, or nothing, for an item that is gone.
+void revealExisting(Workspace& workspace, const std::filesystem::path& bundle) {
+    if (!itemOrLinkExists(bundle)) {
+        throw PlatformError(std::make_error_code(std::errc::no_such_file_or_directory), bundle,
+                            "shown");
+    }
+    workspace.reveal(bundle);
 }
 
 // What a clone that the registry does not list looks like, as far as its request tells.
@@ -70,7 +102,8 @@ InstanceRecord recordFrom(const WrapperFactory::Request& request,
     return {.bundleURL = wrapper, .config = std::move(config)};
 }
 
-std::string movedText(const std::string& name, const std::map<std::string, int>& moved) {
+// "Moved 3 from Downloads into your shared folders. "; empty when nothing was moved.
+std::string movedText(const std::map<std::string, int>& moved) {
     std::string parts;
     for (const std::string_view folder : InstanceLauncher::sharedUserFolders) {
         const auto count = moved.find(std::string(folder));
@@ -79,11 +112,16 @@ std::string movedText(const std::string& name, const std::map<std::string, int>&
                      std::string(folder);
         }
     }
-    if (parts.empty()) {
+    return parts.empty() ? parts : "Moved " + parts + " into your shared folders. ";
+}
+
+std::string sharingText(const std::string& name, const std::map<std::string, int>& moved) {
+    const std::string text = movedText(moved);
+    if (text.empty()) {
         return quoted(name) + " now shares Downloads, Documents & Desktop with your Mac — nothing "
                               "needed moving.";
     }
-    return "Moved " + parts + " into your shared folders. " + quoted(name) + " now saves there.";
+    return text + quoted(name) + " now saves there.";
 }
 
 } // namespace
@@ -141,12 +179,17 @@ void AppModel::loadCatalog() {
     }
     catalogLoading_ = true;
     Q_EMIT catalogLoadingChanged();
-    services_.tasks->detached(TaskPriority::userInitiated, this, services_.scanCatalog,
-                              [this](std::vector<InstalledApp> apps) {
-                                  catalog_ = std::move(apps);
-                                  Q_EMIT catalogChanged();
+    services_.tasks->detached(TaskPriority::userInitiated, this, telling(services_.scanCatalog),
+                              [this](Outcome<std::vector<InstalledApp>> outcome) {
+                                  if (outcome.result) {
+                                      catalog_ = std::move(*outcome.result);
+                                      Q_EMIT catalogChanged();
+                                  }
                                   catalogLoading_ = false;
                                   Q_EMIT catalogLoadingChanged();
+                                  if (!outcome.result) {
+                                      setLastError("Couldn't scan your apps: " + outcome.failure);
+                                  }
                               });
 }
 
@@ -193,31 +236,32 @@ std::string AppModel::suggestedName(const InstalledApp& app) const {
 }
 
 void AppModel::launch(const InstanceRecord& record) {
-    if (record.config.kind == ShortcutKind::app) {
-        const std::string home = record.config.resolvedHome();
-        InstanceLauncher::ensureKeychainAccess(home);
-        if (record.config.shareUserFolders) {
-            InstanceLauncher::ensureSharedUserFolders(home);
-        }
+    try {
+        InstanceLauncher::prepareHome(record.config);
+        openWrapper(record.bundleURL);
+    } catch (const std::exception& failure) {
+        opened(failure.what());
     }
+}
+
+void AppModel::openWrapper(const std::filesystem::path& wrapper) {
     // The answer comes on a thread of the platform's choice, perhaps after this model is gone.
     services_.workspace->openApplication(
-        record.bundleURL, true,
-        [model = QPointer<AppModel>(this)](std::optional<PlatformError> error) {
+        wrapper, true, [model = QPointer<AppModel>(this)](std::optional<PlatformError> error) {
             QMetaObject::invokeMethod(
                 QCoreApplication::instance(),
                 [model, error = std::move(error)] {
                     if (model) {
-                        model->opened(error);
+                        model->opened(error ? std::optional(error->description()) : std::nullopt);
                     }
                 },
                 Qt::QueuedConnection);
         });
 }
 
-void AppModel::opened(const std::optional<PlatformError>& error) {
-    if (error) {
-        setLastError("Couldn't launch: " + error->description());
+void AppModel::opened(const std::optional<std::string>& failure) {
+    if (failure) {
+        setLastError("Couldn't launch: " + *failure);
     }
     services_.after(launchSettleTime, this, [this] { refreshRunningState(); });
 }
@@ -255,37 +299,46 @@ void AppModel::remove(const InstanceRecord& record, bool includingData) {
 
 QFuture<void> AppModel::migrateSharedFolders(const InstanceRecord& record) {
     return services_.tasks->detached(
-        TaskPriority::userInitiated, this,
-        [home = record.config.resolvedHome()] {
+        TaskPriority::userInitiated, this, telling([home = record.config.resolvedHome()] {
             return InstanceLauncher::migrateSharedUserFolders(home);
-        },
-        [this, record](const std::map<std::string, int>& moved) { migrated(record, moved); });
+        }),
+        [this, record](const Outcome<std::map<std::string, int>>& outcome) {
+            if (outcome.result) {
+                migrated(record, *outcome.result);
+            } else {
+                reload();
+                setLastError("Couldn't move the files: " + outcome.failure);
+            }
+        });
 }
 
 void AppModel::migrated(const InstanceRecord& record, const std::map<std::string, int>& moved) {
+    std::string failure;
     if (!record.config.shareUserFolders) {
-        services_.registry.update(record,
-                                  [](InstanceConfig& config) { config.shareUserFolders = true; });
+        try {
+            services_.registry.shareUserFolders(record);
+        } catch (const std::exception& error) {
+            failure = error.what();
+        }
     }
     reload();
-    setStatusMessage(movedText(record.config.displayName, moved));
+    if (failure.empty()) {
+        setStatusMessage(sharingText(record.config.displayName, moved));
+    } else {
+        setLastError(movedText(moved) + failure);
+    }
 }
 
 QFuture<void> AppModel::reveal(const InstanceRecord& record) {
     return services_.tasks->detached(
         TaskPriority::userInitiated, this,
-        [workspace = services_.workspace,
-         bundle = record.bundleURL]() -> std::optional<std::string> {
-            try {
-                workspace->reveal(bundle);
-                return std::nullopt;
-            } catch (const std::exception& failure) {
-                return failure.what();
-            }
-        },
-        [this](const std::optional<std::string>& error) {
-            if (error) {
-                setLastError(error);
+        telling([workspace = services_.workspace, bundle = record.bundleURL] {
+            revealExisting(*workspace, bundle);
+            return true;
+        }),
+        [this](const Outcome<bool>& outcome) {
+            if (!outcome.result) {
+                setLastError(outcome.failure);
             }
         });
 }

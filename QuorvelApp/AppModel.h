@@ -55,7 +55,8 @@ public:
     void reload();
     void refreshRunningState();
 
-    /// Scans the installed apps; nothing happens while a scan is under way.
+    /// Scans the installed apps; nothing happens while a scan is under way. A failure becomes
+    /// `lastError`, and the catalog stays as it was.
     void loadCatalog();
     /// Finds out whether the app is sandboxed, once for the life of the model.
     QFuture<void> ensureSandboxStatus(const InstalledApp& app);
@@ -76,7 +77,7 @@ public:
     /// A failure becomes `lastError`.
     void remove(const InstanceRecord& record, bool includingData);
     /// Moves what the clone saved in its own folders into the user's, and shares those from then
-    /// on. The outcome becomes `statusMessage`.
+    /// on. The outcome becomes `statusMessage`, or `lastError` when the clone can't be changed.
     QFuture<void> migrateSharedFolders(const InstanceRecord& record);
     /// Shows the clone's wrapper in the file manager. A failure becomes `lastError`.
     QFuture<void> reveal(const InstanceRecord& record);
@@ -95,7 +96,8 @@ Q_SIGNALS:
     void startNewCloneRequestedChanged();
 
 private:
-    void opened(const std::optional<PlatformError>& error);
+    void openWrapper(const std::filesystem::path& wrapper);
+    void opened(const std::optional<std::string>& failure);
     [[nodiscard]] InstanceRecord created(const std::filesystem::path& wrapper,
                                          const WrapperFactory::Request& request, bool launchAfter);
     void migrated(const InstanceRecord& record, const std::map<std::string, int>& moved);

@@ -1,7 +1,7 @@
 #include "QuorvelApp/AppPicker.h"
 
 #include "QuorvelApp/Components.h"
-#include "QuorvelApp/QtText.h"
+#include "QuorvelApp/ShownText.h"
 
 #include <QApplication>
 #include <QResizeEvent>
@@ -91,7 +91,7 @@ void AppPicker::refresh() {
     apps_.setApps(session_.form().filtered(model.catalog()));
     showSelected();
     refreshing_ = false;
-    nothing_->setText(qtText(session_.form().noAppsText()));
+    nothing_->setText(breakable(shownLine(session_.form().noAppsText())));
     states_->setCurrentIndex(model.catalogLoading() && model.catalog().empty() ? 0
                              : apps_.rowCount() == 0                           ? 1
                                                                                : 2);

@@ -1,5 +1,6 @@
 #include "QuorvelApp/AppServices.h"
 
+#include "LaunchKit/RequestCheck.h"
 #include "ProbeKit/AppProber.h"
 
 #include <QTimer>
@@ -31,6 +32,7 @@ AppServices AppServices::ofTheSystem() {
     services.scanCatalog = [] { return AppCatalog::scan(); };
     services.readBundle = [](const std::filesystem::path& app) { return AppBundle::read(app); };
     services.createWrapper = [](const WrapperFactory::Request& request) {
+        checkRequest(request);
         return WrapperFactory().create(request);
     };
     services.probe = [workspace = services.workspace,

@@ -32,6 +32,7 @@ struct AppServices {
     std::shared_ptr<BackgroundTasks> tasks{};
     std::function<std::vector<InstalledApp>()> scanCatalog{};
     std::function<std::optional<AppBundle>(const std::filesystem::path&)> readBundle{};
+    /// Throws, for one, `RefusedRequest` rather than replace what is no clone.
     std::function<std::filesystem::path(const WrapperFactory::Request&)> createWrapper{};
     /// Nothing when the bundle can't be probed at all; throws when the probe fails.
     std::function<std::optional<ProbeResult>(const std::filesystem::path&)> probe{};

@@ -1,5 +1,6 @@
 #include "QuorvelApp/AppTile.h"
 
+#include "QuorvelApp/ShownText.h"
 #include "QuorvelApp/Symbols.h"
 #include "QuorvelApp/Theme.h"
 #include "QuorvelApp/TileText.h"
@@ -110,7 +111,7 @@ bool AppTile::helpEvent(QHelpEvent* event, QAbstractItemView* view,
         badgeRect(option).adjusted(-4, -4, 4, 4).contains(event->pos())) {
         text = sandboxHelp();
     } else if (TileText::isElided(index.data().toString(), nameRect(option).width())) {
-        text = index.data().toString().toHtmlEscaped();
+        text = toolTipText(index.data().toString());
     }
     QToolTip::showText(event->globalPos(), text, view);
     return true;

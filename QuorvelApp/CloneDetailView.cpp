@@ -1,10 +1,11 @@
 #include "QuorvelApp/CloneDetailView.h"
 
 #include "LaunchKit/InstanceLauncher.h"
+#include "QuorvelApp/CopyableLabel.h"
 #include "QuorvelApp/MessageSheet.h"
 #include "QuorvelApp/MigrationCallout.h"
-#include "QuorvelApp/QtText.h"
 #include "QuorvelApp/Sheet.h"
+#include "QuorvelApp/ShownText.h"
 
 #include <QHBoxLayout>
 #include <QScrollArea>
@@ -53,7 +54,6 @@ QWidget* CloneDetailView::makeHeader(IconLoader& icons) {
     auto* header = new QWidget;
     icon_ = new AppIcon(icons, 64);
     name_ = new ElidedLabel(TextStyle::largeTitle, Ink::text);
-    name_->setTextInteractionFlags(Qt::TextSelectableByMouse);
     dot_ = new StatusDot;
     status_ = makeLabel({}, TextStyle::callout, Ink::secondary);
     auto* state = new QHBoxLayout;
@@ -96,7 +96,7 @@ QWidget* CloneDetailView::makeActions() {
 void CloneDetailView::setClone(const InstanceRecord& clone) {
     clone_ = clone;
     icon_->setPath(iconPathOf(clone));
-    name_->setFullText(qtText(clone.config.displayName));
+    name_->setFullText(shownLine(clone.config.displayName));
     callout_->setVisible(InstanceLauncher::needsSharedFolderMigration(clone.config.resolvedHome()));
     setRows(detailRows(clone.config, clone.bundleURL));
     refreshRunning();
@@ -127,7 +127,7 @@ void CloneDetailView::setRows(const std::vector<DetailRow>& rows) {
 }
 
 void CloneDetailView::confirmDelete() {
-    const QString name = qtText(clone_.config.displayName);
+    const QString name = shownLine(clone_.config.displayName);
     const auto removing = [this, clone = clone_](bool withData) {
         return [this, clone, withData] { model_.remove(clone, withData); };
     };
@@ -135,7 +135,7 @@ void CloneDetailView::confirmDelete() {
         u"trash"_s, Ink::danger, tr("Delete “%1”?").arg(name),
         tr("“Delete Clone Only” removes the app but keeps its data at %1. “…and Its Data” also "
            "erases that folder — accounts and settings for this clone are gone for good.")
-            .arg(qtText(clone_.config.instanceHome)),
+            .arg(shownLine(clone_.config.instanceHome)),
         {{.label = tr("Delete Clone Only"),
           .look = ButtonLook::destructive,
           .chosen = removing(false)},
@@ -147,7 +147,7 @@ void CloneDetailView::confirmDelete() {
 }
 
 void CloneDetailView::confirmMigration() {
-    const QString name = qtText(clone_.config.displayName);
+    const QString name = shownLine(clone_.config.displayName);
     auto* question = new MessageSheet(
         u"arrow.down.doc"_s, Ink::accent, tr("Move “%1” files to your shared folders?").arg(name),
         tr("Files in this clone's Downloads, Documents and Desktop move into your Mac's real "

@@ -12,6 +12,7 @@ class QVBoxLayout;
 
 namespace quorvel {
 
+class ElidedLabel;
 class MigrationCallout;
 
 /// One clone: what it is, what it runs, and what can be done with it. Follows the model; what did

@@ -2,6 +2,7 @@
 
 #include "QuorvelApp/DisplayTexts.h"
 #include "QuorvelApp/QtText.h"
+#include "QuorvelApp/ShownText.h"
 
 #include <algorithm>
 #include <unordered_map>
@@ -121,18 +122,18 @@ QVariant CloneListModel::data(const QModelIndex& index, int role) const {
     const bool running = running_.contains(record.config.bundleId);
     switch (role) {
     case NameRole:
-        return qtText(record.config.displayName);
+        return shownLine(record.config.displayName);
     case SummaryRole:
-        return qtText(sourceSummary(record.config));
+        return shownLine(sourceSummary(record.config));
     case RunningRole:
         return running;
     case IdRole:
         return qtText(record.id());
     case Qt::AccessibleTextRole:
-        return running ? tr("%1, Running").arg(qtText(record.config.displayName))
-                       : qtText(record.config.displayName);
+        return running ? tr("%1, Running").arg(shownLine(record.config.displayName))
+                       : shownLine(record.config.displayName);
     case Qt::AccessibleDescriptionRole:
-        return qtText(sourceSummary(record.config));
+        return shownLine(sourceSummary(record.config));
     default:
         return {};
     }

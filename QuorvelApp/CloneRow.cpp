@@ -2,6 +2,7 @@
 
 #include "QuorvelApp/CloneListModel.h"
 #include "QuorvelApp/Components.h"
+#include "QuorvelApp/ShownText.h"
 #include "QuorvelApp/Theme.h"
 
 #include <QAbstractItemView>
@@ -20,12 +21,11 @@ constexpr int verticalPadding = 4;
 void drawText(QPainter* painter, const QRect& rect, const QString& text, TextStyle style,
               const QColor& color, Qt::LayoutDirection direction) {
     const QFont font = fontFor(style);
-    const QString line = QString(text).replace(u'\n', u' ');
     painter->setFont(font);
     painter->setPen(color);
     painter->drawText(rect,
                       int(QStyle::visualAlignment(direction, Qt::AlignLeft | Qt::AlignVCenter)),
-                      QFontMetrics(font).elidedText(line, Qt::ElideRight, rect.width()));
+                      QFontMetrics(font).elidedText(text, Qt::ElideRight, rect.width()));
 }
 
 bool isElided(const QString& text, TextStyle style, int width) {
@@ -109,7 +109,7 @@ bool CloneRow::helpEvent(QHelpEvent* event, QAbstractItemView* view,
         const QString summary = index.data(CloneListModel::SummaryRole).toString();
         if (isElided(name, TextStyle::body, at.name.width()) ||
             isElided(summary, TextStyle::caption, at.summary.width())) {
-            text = (name + u'\n' + summary).toHtmlEscaped().replace(u'\n', QLatin1String("<br>"));
+            text = toolTipText(name + u'\n' + summary);
         }
     }
     QToolTip::showText(event->globalPos(), text, view);

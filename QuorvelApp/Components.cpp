@@ -1,10 +1,11 @@
 #include "QuorvelApp/Components.h"
 
+#include "QuorvelApp/CopyableLabel.h"
 #include "QuorvelApp/QtText.h"
+#include "QuorvelApp/ShownText.h"
 
 #include <QHBoxLayout>
 #include <QPainter>
-#include <QResizeEvent>
 #include <QTimerEvent>
 
 namespace quorvel {
@@ -40,17 +41,17 @@ Ink inkOn(ButtonLook look) {
                                              : Ink::text;
 }
 
-void applyStyle(QLabel* label, TextStyle textStyle, Ink ink) {
+} // namespace
+
+void styleLabel(QLabel* label, TextStyle textStyle, Ink ink) {
     label->setTextFormat(Qt::PlainText);
     label->setFont(fontFor(textStyle));
     label->setProperty("ink", inkName(ink));
 }
 
-} // namespace
-
 QLabel* makeLabel(const QString& text, TextStyle textStyle, Ink ink) {
     auto* label = new QLabel;
-    applyStyle(label, textStyle, ink);
+    styleLabel(label, textStyle, ink);
     label->setText(text);
     return label;
 }
@@ -90,51 +91,6 @@ QFrame* makeDivider(Qt::Orientation orientation) {
     return line;
 }
 
-ElidedLabel::ElidedLabel(TextStyle textStyle, Ink ink, Qt::TextElideMode mode) : mode_(mode) {
-    applyStyle(this, textStyle, ink);
-    setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
-}
-
-void ElidedLabel::setFullText(const QString& text) {
-    full_ = text;
-    setAccessibleName(text);
-    updateGeometry();
-    elide();
-}
-
-QSize ElidedLabel::minimumSizeHint() const {
-    return {0, QLabel::minimumSizeHint().height()};
-}
-
-QSize ElidedLabel::sizeHint() const {
-    return {fontMetrics().horizontalAdvance(full_) + 2, QLabel::sizeHint().height()};
-}
-
-void ElidedLabel::resizeEvent(QResizeEvent* event) {
-    QLabel::resizeEvent(event);
-    elide();
-}
-
-void ElidedLabel::elide() {
-    // A line break would make two lines of one.
-    const QString line = QString(full_).replace(u'\n', u' ');
-    const QString shown = fontMetrics().elidedText(line, mode_, width());
-    setText(shown);
-    // A tooltip guesses whether its text is rich; escaped text leaves no doubt.
-    setToolTip(shown == full_ ? QString() : full_.toHtmlEscaped());
-}
-
-QString breakable(std::string_view text) {
-    QString result;
-    for (const QChar character : qtText(text)) {
-        result += character;
-        if (u"/._-"_s.contains(character)) {
-            result += QChar(0x200B); // a space without width
-        }
-    }
-    return result;
-}
-
 WrappingCheckBox::WrappingCheckBox(const QString& label)
     : box_(new QCheckBox),
       label_(makeWrappingLabel(label, TextStyle::callout)) {
@@ -157,14 +113,14 @@ bool WrappingCheckBox::eventFilter(QObject* watched, QEvent* event) {
 
 InfoRow::InfoRow(const DetailRow& row)
     : label_(makeLabel(qtText(row.label), TextStyle::body, Ink::secondary)),
-      value_(makeWrappingLabel({}, TextStyle::body)) {
+      value_(new WrappingText(TextStyle::body)) {
     label_->setFixedWidth(labelWidth);
     label_->setBuddy(value_);
     if (row.mono) {
         value_->setFont(monospacedFont());
     }
-    value_->setText(qtText(row.value));
-    value_->setAccessibleName(qtText(row.label) + u": "_s + qtText(row.value));
+    value_->setFullText(shownText(row.value));
+    value_->setAccessibleName(qtText(row.label) + u": "_s + value_->fullText());
     value_->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
     value_->setMinimumWidth(0);
     value_->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
@@ -180,7 +136,7 @@ QString InfoRow::label() const {
 }
 
 QString InfoRow::value() const {
-    return value_->text();
+    return value_->fullText();
 }
 
 AppIcon::AppIcon(IconLoader& loader, int size, QWidget* parent) : QWidget(parent), loader_(loader) {

@@ -17,10 +17,15 @@
 /// The small pieces that the panes are made of. Every text is shown as plain text.
 namespace quorvel {
 
+class WrappingText;
+
 /// A label in one of the hierarchy's steps.
 [[nodiscard]] QLabel* makeLabel(const QString& text, TextStyle style, Ink ink = Ink::text);
 
-/// The same, wrapping over as many lines as it needs.
+/// Gives a label the look of one of them.
+void styleLabel(QLabel* label, TextStyle style, Ink ink);
+
+/// One of the interface's own texts, wrapping over as many lines as it needs.
 [[nodiscard]] QLabel* makeWrappingLabel(const QString& text, TextStyle style, Ink ink = Ink::text);
 
 enum class ButtonLook { standard, small, prominent, destructive, tool };
@@ -34,32 +39,6 @@ enum class ButtonLook { standard, small, prominent, destructive, tool };
 
 /// A hairline.
 [[nodiscard]] QFrame* makeDivider(Qt::Orientation orientation);
-
-/// One line that gives up its middle or end when it lacks room, and tells the whole in a tooltip
-/// then.
-class ElidedLabel : public QLabel {
-    Q_OBJECT
-
-public:
-    ElidedLabel(TextStyle style, Ink ink, Qt::TextElideMode mode = Qt::ElideRight);
-
-    void setFullText(const QString& text);
-    [[nodiscard]] QString fullText() const { return full_; }
-    [[nodiscard]] QSize minimumSizeHint() const override;
-    [[nodiscard]] QSize sizeHint() const override;
-
-protected:
-    void resizeEvent(QResizeEvent* event) override;
-
-private:
-    void elide();
-
-    QString full_{};
-    Qt::TextElideMode mode_;
-};
-
-/// `text` with places at which a long word may be broken.
-[[nodiscard]] QString breakable(std::string_view text);
 
 /// A check box whose label wraps.
 class WrappingCheckBox : public QWidget {
@@ -92,7 +71,7 @@ public:
 
 private:
     QLabel* label_;
-    QLabel* value_;
+    WrappingText* value_;
 };
 
 /// The icon of a file or bundle in a square.

@@ -1,7 +1,8 @@
 #include "QuorvelApp/ConfigurationHeader.h"
 
 #include "QuorvelApp/Components.h"
-#include "QuorvelApp/QtText.h"
+#include "QuorvelApp/CopyableLabel.h"
+#include "QuorvelApp/ShownText.h"
 
 #include <QHBoxLayout>
 #include <QVBoxLayout>
@@ -20,17 +21,17 @@ struct Summary {
 Summary summaryOf(const NewCloneForm& form) {
     switch (form.shortcutType) {
     case ShortcutKind::web:
-        return {u"globe"_s, ConfigurationHeader::tr("Web App"), qtText(form.webURL)};
+        return {u"globe"_s, ConfigurationHeader::tr("Web App"), shownLine(form.webURL)};
     case ShortcutKind::file:
-        return {u"folder"_s, ConfigurationHeader::tr("File / Folder"), qtText(form.filePath)};
+        return {u"folder"_s, ConfigurationHeader::tr("File / Folder"), shownLine(form.filePath)};
     case ShortcutKind::command:
-        return {u"terminal"_s, ConfigurationHeader::tr("Command"), qtText(form.commandPathText)};
+        return {u"terminal"_s, ConfigurationHeader::tr("Command"), shownLine(form.commandPathText)};
     case ShortcutKind::app:
         break;
     }
-    return form.selected
-               ? Summary{u"app"_s, qtText(form.selected->name), qtText(form.selected->url)}
-               : Summary{u"app"_s, {}, {}};
+    return form.selected ? Summary{u"app"_s, shownLine(form.selected->name),
+                                   shownLine(form.selected->url.native())}
+                         : Summary{u"app"_s, {}, {}};
 }
 
 } // namespace

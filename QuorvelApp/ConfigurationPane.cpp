@@ -3,8 +3,10 @@
 #include "QuorvelApp/AdvancedOptions.h"
 #include "QuorvelApp/Components.h"
 #include "QuorvelApp/ConfigurationHeader.h"
+#include "QuorvelApp/CopyableLabel.h"
 #include "QuorvelApp/DisclosureGroup.h"
 #include "QuorvelApp/FormBindings.h"
+#include "QuorvelApp/ShownText.h"
 #include "QuorvelApp/StrategySection.h"
 
 #include <QHBoxLayout>
@@ -36,7 +38,7 @@ Prompt promptFor(ShortcutKind kind) {
     return {u"hand.point.left"_s, ConfigurationPane::tr("Select an app")};
 }
 
-QFrame* makeWarning() {
+QFrame* makeWarning(WrappingText* text) {
     auto* frame = new QFrame;
     frame->setObjectName(u"warning"_s);
     auto* row = new QHBoxLayout(frame);
@@ -44,14 +46,7 @@ QFrame* makeWarning() {
     row->setSpacing(9);
     row->addWidget(new SymbolView(u"exclamationmark.triangle.fill"_s, Ink::orange, 16), 0,
                    Qt::AlignTop);
-    row->addWidget(
-        makeWrappingLabel(
-            ConfigurationPane::tr(
-                "This app is sandboxed. macOS won't let Quorvel give it a separate data container, "
-                "so both copies will share the same account and settings. You'll get a separate "
-                "Dock icon, but not isolated data."),
-            TextStyle::caption),
-        1);
+    row->addWidget(text, 1);
     return frame;
 }
 
@@ -67,6 +62,7 @@ ConfigurationPane::ConfigurationPane(NewCloneSession& session, IconLoader& icons
     padding->setContentsMargins(8, 8, 0, 8);
     padding->addLayout(states_);
     connect(&session_, &NewCloneSession::changed, this, &ConfigurationPane::refresh);
+    connect(&session_.model(), &AppModel::clonesChanged, this, &ConfigurationPane::refresh);
     refresh();
 }
 
@@ -89,7 +85,12 @@ QWidget* ConfigurationPane::makeSettings(IconLoader& icons) {
     auto* column = new QVBoxLayout(page);
     column->setContentsMargins(6, 6, 14, 6);
     column->setSpacing(14);
-    warning_ = makeWarning();
+    auto* sandboxed = new WrappingText(TextStyle::caption);
+    sandboxed->setFullText(
+        tr("This app is sandboxed. macOS won't let Quorvel give it a separate data container, "
+           "so both copies will share the same account and settings. You'll get a separate "
+           "Dock icon, but not isolated data."));
+    warning_ = makeWarning(sandboxed);
     strategy_ = new StrategySection(session_);
     auto* launch = new QCheckBox(tr("La&unch after creating"));
     bind(session_, launch, &NewCloneForm::launchAfter);
@@ -121,14 +122,16 @@ QWidget* ConfigurationPane::makeNameSection() {
     field->setAccessibleName(tr("Name"));
     label->setBuddy(field);
     bind(session_, field, &NewCloneForm::cloneName);
-    savedTo_ = makeWrappingLabel({}, TextStyle::caption, Ink::secondary);
-    savedTo_->setTextInteractionFlags(Qt::TextSelectableByMouse);
+    savedTo_ = new WrappingText(TextStyle::caption, Ink::secondary);
     auto* column = new QVBoxLayout(section);
     column->setContentsMargins(0, 0, 0, 0);
     column->setSpacing(6);
     column->addWidget(label);
     column->addWidget(field);
     column->addWidget(savedTo_);
+    replacedText_ = new WrappingText(TextStyle::caption);
+    replaced_ = makeWarning(replacedText_);
+    column->addWidget(replaced_);
     return section;
 }
 
@@ -140,7 +143,10 @@ void ConfigurationPane::refresh() {
     promptText_->setText(prompt.text);
     warning_->setVisible(isApp && form.selectedSandboxed);
     strategy_->setVisible(isApp && form.selected.has_value());
-    savedTo_->setText(breakable(form.savedToText()));
+    savedTo_->setFullText(shownLine(form.savedToText()));
+    const std::string replaced = form.replacementText(session_.model().clones());
+    replacedText_->setFullText(shownLine(replaced));
+    replaced_->setVisible(!replaced.empty() && !form.creating);
     states_->setCurrentIndex(form.hasTarget() ? 1 : 0);
 }
 

@@ -12,6 +12,7 @@ class QStackedLayout;
 namespace quorvel {
 
 class SymbolView;
+class WrappingText;
 
 /// How the clone is to be: a prompt until there is a target, then all of its settings.
 class ConfigurationPane : public QWidget {
@@ -33,7 +34,9 @@ private:
     SymbolView* promptSymbol_ = nullptr;
     QLabel* promptText_ = nullptr;
     QFrame* warning_ = nullptr;
-    QLabel* savedTo_ = nullptr;
+    WrappingText* savedTo_ = nullptr;
+    QFrame* replaced_ = nullptr;
+    WrappingText* replacedText_ = nullptr;
     QWidget* strategy_ = nullptr;
 };
 

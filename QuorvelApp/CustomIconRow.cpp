@@ -1,7 +1,8 @@
 #include "QuorvelApp/CustomIconRow.h"
 
 #include "QuorvelApp/Components.h"
-#include "QuorvelApp/QtText.h"
+#include "QuorvelApp/CopyableLabel.h"
+#include "QuorvelApp/ShownText.h"
 
 #include <QHBoxLayout>
 
@@ -33,7 +34,7 @@ CustomIconRow::CustomIconRow(NewCloneSession& session, IconLoader& icons)
 void CustomIconRow::refresh() {
     const auto& icon = session_.form().customIcon;
     preview_->setPath(icon.value_or(std::filesystem::path()));
-    path_->setFullText(qtText(icon.value_or(std::filesystem::path())));
+    path_->setFullText(shownLine(icon.value_or(std::filesystem::path()).native()));
     preview_->setVisible(icon.has_value());
     path_->setVisible(icon.has_value());
     clear_->setVisible(icon.has_value());

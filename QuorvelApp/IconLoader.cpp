@@ -30,9 +30,10 @@ QPixmap typeIcon(const std::filesystem::path& path, int size, double ratio) {
     if (path.extension() == ".app" || path.extension() == ".icns") {
         return {};
     }
-    const QMimeType type =
-        QMimeDatabase().mimeTypeForFile(qtText(path.filename()), QMimeDatabase::MatchExtension);
-    return QIcon::fromTheme(type.iconName()).pixmap(QSize(size, size), ratio);
+    const auto types = QMimeDatabase().mimeTypesForFileName(qtText(path.filename()));
+    return types.isEmpty()
+               ? QPixmap()
+               : QIcon::fromTheme(types.front().iconName()).pixmap(QSize(size, size), ratio);
 }
 
 // What stands for an app without an icon of its own: a rounded tile with our symbol.

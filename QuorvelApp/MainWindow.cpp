@@ -13,6 +13,11 @@ using namespace Qt::StringLiterals;
 
 const auto geometryKey = u"window/geometry"_s;
 
+// Named here, so that the file is the same whoever starts the program.
+QSettings settings() {
+    return QSettings(u"Quorvel"_s, u"Quorvel"_s);
+}
+
 } // namespace
 
 MainWindow::MainWindow(AppModel& model, UpdaterController& updater, IconLoader& icons,
@@ -24,7 +29,7 @@ MainWindow::MainWindow(AppModel& model, UpdaterController& updater, IconLoader& 
     resize(initial);
     setCentralWidget(content_);
     addCommands(updater);
-    restoreGeometry(QSettings().value(geometryKey).toByteArray());
+    restoreGeometry(settings().value(geometryKey).toByteArray());
 }
 
 void MainWindow::addCommands(UpdaterController& updater) {
@@ -54,7 +59,7 @@ void MainWindow::showEvent(QShowEvent* event) {
 }
 
 void MainWindow::closeEvent(QCloseEvent* event) {
-    QSettings().setValue(geometryKey, saveGeometry());
+    settings().setValue(geometryKey, saveGeometry());
     QMainWindow::closeEvent(event);
 }
 

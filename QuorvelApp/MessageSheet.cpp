@@ -1,36 +1,63 @@
 #include "QuorvelApp/MessageSheet.h"
 
+#include "QuorvelApp/CopyableLabel.h"
+
 #include <QHBoxLayout>
 #include <QScrollArea>
 #include <QVBoxLayout>
 
+#include <algorithm>
+
 namespace quorvel {
 namespace {
 
-constexpr int textWidth = 400;
+constexpr int wordsWidth = 400;
+constexpr int greatestHeight = 300;
+
+// As high as its texts need; one that no window would hold is scrolled, by the keyboard too.
+class Words final : public QScrollArea {
+public:
+    explicit Words(const std::vector<QWidget*>& texts) {
+        auto* page = new QWidget;
+        auto* column = new QVBoxLayout(page);
+        column->setContentsMargins(0, 0, 0, 0);
+        column->setSpacing(8);
+        for (QWidget* text : texts) {
+            column->addWidget(text);
+        }
+        column->addStretch();
+        setWidget(page);
+        setWidgetResizable(true);
+        setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+        setFixedWidth(wordsWidth);
+        setFocusPolicy(neededHeight() > greatestHeight ? Qt::StrongFocus : Qt::NoFocus);
+    }
+
+    [[nodiscard]] QSize sizeHint() const override {
+        return {wordsWidth, std::min(neededHeight(), greatestHeight)};
+    }
+
+private:
+    [[nodiscard]] int neededHeight() const { return widget()->heightForWidth(wordsWidth); }
+};
 
 } // namespace
 
 MessageSheet::MessageSheet(const QString& symbol, Ink ink, const QString& title,
                            const QString& text, const std::vector<Choice>& choices)
-    : title_(makeWrappingLabel(title, TextStyle::headline)),
-      text_(makeWrappingLabel(text, TextStyle::body, Ink::secondary)) {
+    : title_(new WrappingText(TextStyle::headline)),
+      text_(new WrappingText(TextStyle::body, Ink::secondary)) {
     setWindowTitle(title);
     setAccessibleName(title);
     setAccessibleDescription(text);
-    title_->setFixedWidth(textWidth);
-    text_->setFixedWidth(textWidth);
-    text_->setTextInteractionFlags(Qt::TextSelectableByMouse);
-
-    auto* words = new QVBoxLayout;
-    words->setSpacing(8);
-    words->addWidget(title_);
-    words->addWidget(text_);
-    words->addStretch();
+    title_->setFullText(title);
+    text_->setFullText(text);
+    auto* words = new Words({title_, text_});
+    words->setAccessibleName(title);
     auto* top = new QHBoxLayout;
     top->setSpacing(16);
     top->addWidget(new SymbolView(symbol, ink, 32), 0, Qt::AlignTop);
-    top->addLayout(words, 1);
+    top->addWidget(words, 1);
     auto* row = new QHBoxLayout;
     row->setSpacing(8);
     row->addStretch();
@@ -64,11 +91,11 @@ void MessageSheet::add(const Choice& choice, QBoxLayout* row) {
 }
 
 QString MessageSheet::title() const {
-    return title_->text();
+    return title_->fullText();
 }
 
 QString MessageSheet::text() const {
-    return text_->text();
+    return text_->fullText();
 }
 
 void MessageSheet::reject() {

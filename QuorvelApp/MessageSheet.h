@@ -12,6 +12,8 @@ class QBoxLayout;
 
 namespace quorvel {
 
+class WrappingText;
+
 /// A question or a message: a title, a text and a few buttons. Ends after any of them. Escape
 /// presses the button marked for it.
 class MessageSheet : public QDialog {
@@ -37,8 +39,8 @@ public:
 private:
     void add(const Choice& choice, QBoxLayout* row);
 
-    QLabel* title_;
-    QLabel* text_;
+    WrappingText* title_;
+    WrappingText* text_;
     QPushButton* escape_ = nullptr;
 };
 

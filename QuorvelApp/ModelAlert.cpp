@@ -1,8 +1,8 @@
 #include "QuorvelApp/ModelAlert.h"
 
 #include "QuorvelApp/MessageSheet.h"
-#include "QuorvelApp/QtText.h"
 #include "QuorvelApp/Sheet.h"
+#include "QuorvelApp/ShownText.h"
 
 namespace quorvel {
 
@@ -28,7 +28,7 @@ void ModelAlert::refresh() {
         sheet_.clear();
     }
     if (message) {
-        present(qtText(*message));
+        present(shownText(*message));
     }
 }
 

@@ -100,6 +100,16 @@ std::string NewCloneForm::savedToText() const {
     return "Saved to ~/Applications/" + cloneNameOrPlaceholder() + ".app";
 }
 
+std::string NewCloneForm::replacementText(const std::vector<InstanceRecord>& clones) const {
+    const std::filesystem::path place = WrapperFactory::wrapperURL(makeRequest());
+    const auto replaced = std::find_if(clones.begin(), clones.end(),
+                                       [&](const auto& clone) { return clone.bundleURL == place; });
+    return replaced == clones.end() ? std::string()
+                                    : "“" + replaced->config.displayName +
+                                          "” is there already. Creating this clone replaces it; "
+                                          "its data stays.";
+}
+
 std::string NewCloneForm::strategyCaption() const {
     return detectNote.value_or(strategyReason);
 }

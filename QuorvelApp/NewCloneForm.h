@@ -1,6 +1,7 @@
 #pragma once
 
 #include "LaunchKit/AppCatalog.h"
+#include "LaunchKit/InstanceRegistry.h"
 #include "LaunchKit/WrapperFactory.h"
 
 #include <QColor>
@@ -56,6 +57,8 @@ struct NewCloneForm {
     [[nodiscard]] std::string cloneNameOrPlaceholder() const;
     /// "Saved to ~/Applications/NAME.app".
     [[nodiscard]] std::string savedToText() const;
+    /// The warning that the clone takes the place of one of these; empty when it does not.
+    [[nodiscard]] std::string replacementText(const std::vector<InstanceRecord>& clones) const;
     /// What stands below the strategy.
     [[nodiscard]] std::string strategyCaption() const;
     /// The request that the form amounts to. Can't fail; the factory judges it.

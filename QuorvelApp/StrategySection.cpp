@@ -1,7 +1,9 @@
 #include "QuorvelApp/StrategySection.h"
 
 #include "QuorvelApp/Components.h"
+#include "QuorvelApp/CopyableLabel.h"
 #include "QuorvelApp/QtText.h"
+#include "QuorvelApp/ShownText.h"
 
 #include <QComboBox>
 #include <QHBoxLayout>
@@ -17,7 +19,7 @@ StrategySection::StrategySection(NewCloneSession& session)
       detect_(makeButton({}, ButtonLook::small)),
       detecting_(new Spinner(14, Ink::secondary, detect_)),
       choices_(new QComboBox),
-      caption_(makeWrappingLabel({}, TextStyle::caption, Ink::secondary)) {
+      caption_(new WrappingText(TextStyle::caption, Ink::secondary)) {
     detect_->setText(tr("Auto-de&tect"));
     detect_->setFixedSize(detect_->sizeHint());
     detect_->setAccessibleName(tr("Auto-detect"));
@@ -66,7 +68,7 @@ void StrategySection::refresh() {
     detect_->setText(form.detecting ? QString() : tr("Auto-de&tect"));
     detect_->setEnabled(!form.detecting);
     detecting_->setVisible(form.detecting);
-    caption_->setText(qtText(form.strategyCaption()));
+    caption_->setFullText(shownText(form.strategyCaption()));
 }
 
 } // namespace quorvel

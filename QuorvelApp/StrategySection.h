@@ -5,12 +5,12 @@
 #include <QWidget>
 
 class QComboBox;
-class QLabel;
 class QPushButton;
 
 namespace quorvel {
 
 class Spinner;
+class WrappingText;
 
 /// The isolation strategy of an app clone, and its detection.
 class StrategySection : public QWidget {
@@ -26,7 +26,7 @@ private:
     QPushButton* detect_;
     Spinner* detecting_;
     QComboBox* choices_;
-    QLabel* caption_;
+    WrappingText* caption_;
 };
 
 } // namespace quorvel

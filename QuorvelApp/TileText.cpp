@@ -16,7 +16,7 @@ constexpr int longestName = 300;
 
 QStringList lines(const QString& name, int width) {
     const QFont font = fontFor(TextStyle::caption);
-    const QString text = name.left(longestName).replace(u'\n', u' ');
+    const QString text = name.left(longestName);
     QTextOption option(Qt::AlignHCenter);
     option.setWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
     QTextLayout layout(text, font);

@@ -194,5 +194,37 @@ TEST_F(Registry, UpdatingAFifoHoldsUpNobody) {
     InstanceRegistry().update({bundle, minimalConfig()}, [](InstanceConfig&) {});
 }
 
+TEST_F(Registry, SharingKeepsWhatAnotherProgramChangedMeanwhile) {
+    InstanceConfig config = minimalConfig();
+    config.shareUserFolders = false;
+    const InstanceRecord listed{makeWrapper(at("Work.app"), config), config};
+    config.displayName = "Renamed";
+    makeWrapper(at("Work.app"), config);
+    const InstanceRegistry registry({folder_.path()});
+    registry.shareUserFolders(listed);
+    const auto now = registry.record(listed.bundleURL);
+    EXPECT_TRUE(now->config.shareUserFolders);
+    EXPECT_EQ(now->config.displayName, "Renamed");
+    registry.shareUserFolders(listed);
+}
+
+TEST_F(Registry, SharingFailsForACloneThatIsGoneOrCantBeChanged) {
+    InstanceConfig config = minimalConfig();
+    config.shareUserFolders = false;
+    const InstanceRecord gone{at("Work.app"), config};
+    EXPECT_THROW(InstanceRegistry().shareUserFolders(gone), std::runtime_error);
+    EXPECT_FALSE(fs::exists(gone.bundleURL));
+    EXPECT_TRUE(asOrdinaryUser(folder_.path(), [&] {
+        makeWrapper(gone.bundleURL, config);
+        fs::permissions(instanceConfigFile(gone.bundleURL), fs::perms{0444});
+        try {
+            InstanceRegistry().shareUserFolders(gone);
+        } catch (const std::runtime_error& error) {
+            return std::string_view(error.what()).ends_with("does not share the folders yet.");
+        }
+        return false;
+    }));
+}
+
 } // namespace
 } // namespace quorvel

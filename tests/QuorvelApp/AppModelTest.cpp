@@ -113,6 +113,19 @@ TEST_F(AppModelTest, AFinishedCatalogScanMayBeRepeated) {
     }
 }
 
+TEST_F(AppModelTest, AFailedCatalogScanIsReportedAndMayBeRepeated) {
+    stubbed.installed = {notes};
+    stubbed.scanError = "out of memory";
+    model().loadCatalog();
+    ASSERT_TRUE(eventually([&] { return !model().catalogLoading(); }));
+    EXPECT_EQ(model().lastError(), "Couldn't scan your apps: out of memory");
+    EXPECT_THAT(model().catalog(), IsEmpty());
+    stubbed.scanError.reset();
+    model().loadCatalog();
+    ASSERT_TRUE(eventually([&] { return !model().catalogLoading(); }));
+    EXPECT_THAT(model().catalog(), ElementsAre(notes));
+}
+
 TEST_F(AppModelTest, ASandboxStatusIsFoundOutAtUtilityPriorityAndKept) {
     stubbed.sandboxed = {notes.url.string()};
     resultOf(model().ensureSandboxStatus(notes));
@@ -133,6 +146,13 @@ TEST_F(AppModelTest, TwoQuestionsAtOnceForOneSandboxStatusBothEnd) {
 
 TEST_F(AppModelTest, AnUnreadableAppCountsAsNotSandboxed) {
     stubbed.unreadable = {notes.url.string()};
+    resultOf(model().ensureSandboxStatus(notes));
+    EXPECT_FALSE(model().sandboxStatus().at("/Applications/Notes.app"));
+    EXPECT_FALSE(resultOf(model().sandboxInfo(notes)).sandboxed);
+}
+
+TEST_F(AppModelTest, AnAppWhoseReadingFailsCountsAsNotSandboxed) {
+    stubbed.poisoned = notes.url;
     resultOf(model().ensureSandboxStatus(notes));
     EXPECT_FALSE(model().sandboxStatus().at("/Applications/Notes.app"));
     EXPECT_FALSE(resultOf(model().sandboxInfo(notes)).sandboxed);
@@ -260,6 +280,16 @@ TEST_F(AppModelTest, AFailedLaunchIsReportedAndStillLooksAgain) {
     ASSERT_TRUE(eventually([&] { return !stubbed.delayed.empty(); }));
     EXPECT_EQ(model().lastError(),
               "Couldn't launch: " + stubbed.workspace->openError->description());
+}
+
+TEST_F(AppModelTest, AWorkspaceThatThrowsIsReportedLikeAnAnswer) {
+    stubbed.workspace->throwing = true;
+    stubbed.workspace->openError =
+        PlatformError(std::make_error_code(std::errc::permission_denied), "/x/Work.app", "opened");
+    model().launch(addClone("Work"));
+    EXPECT_EQ(model().lastError(),
+              "Couldn't launch: " + stubbed.workspace->openError->description());
+    EXPECT_EQ(stubbed.delayed.size(), 1U);
 }
 
 TEST_F(AppModelTest, AnAnswerOnAnotherThreadIsHandledOnTheMainThread) {
@@ -407,6 +437,31 @@ TEST_F(AppModelTest, AMigrationWithNothingToMoveSaysSo) {
     EXPECT_FALSE(model().lastError());
 }
 
+TEST_F(AppModelTest, AMigrationOfACloneThatCantBeChangedIsAnErrorWithWhatWasMoved) {
+    InstanceRecord record = addClone("Work");
+    record.config.shareUserFolders = false;
+    fs::remove_all(record.bundleURL);
+    write(home / "QuorvelInstances/Work/Downloads/a", "a");
+    resultOf(model().migrateSharedFolders(record));
+    EXPECT_FALSE(model().statusMessage());
+    EXPECT_EQ(model().lastError(),
+              "Moved 1 from Downloads into your shared folders. The clone at " +
+                  record.bundleURL.string() +
+                  " can’t be changed; it does not share the folders yet.");
+    EXPECT_EQ(read(home / "Downloads/a"), "a");
+}
+
+TEST_F(AppModelTest, AMigrationKeepsWhatAnotherProgramChanged) {
+    InstanceRecord record = addClone("Work");
+    record.config.shareUserFolders = false;
+    InstanceConfig changed = record.config;
+    changed.displayName = "Renamed";
+    makeWrapper(record.bundleURL, changed);
+    resultOf(model().migrateSharedFolders(record));
+    EXPECT_THAT(names(), ElementsAre("Renamed"));
+    EXPECT_TRUE(model().clones().front().config.shareUserFolders);
+}
+
 TEST_F(AppModelTest, MessagesStayUntilTheyAreReplaced) {
     model().setLastError("first");
     model().reload();
@@ -423,6 +478,25 @@ TEST_F(AppModelTest, AFileManagerThatDoesNotAnswerIsReported) {
         PlatformError(std::make_error_code(std::errc::timed_out), "/x/Work.app", "shown");
     resultOf(model().reveal(record));
     EXPECT_EQ(model().lastError(), stubbed.workspace->revealError->description());
+}
+
+TEST_F(AppModelTest, AWrapperThatIsGoneCantBeShown) {
+    const InstanceRecord record = addClone("Work");
+    fs::remove_all(record.bundleURL);
+    resultOf(model().reveal(record));
+    EXPECT_THAT(stubbed.workspace->revealed, IsEmpty());
+    EXPECT_EQ(model().lastError(), "“Work.app” couldn’t be shown: no such file or directory");
+}
+
+TEST_F(AppModelTest, DeletingWhatIsGoneAlreadyListsAnew) {
+    const InstanceRecord record = addClone("Work");
+    write(home / "QuorvelInstances/Work/data", "x");
+    model().reload();
+    fs::remove_all(record.bundleURL);
+    model().remove(record, true);
+    EXPECT_FALSE(model().lastError());
+    EXPECT_THAT(model().clones(), IsEmpty());
+    EXPECT_FALSE(fs::exists(home / "QuorvelInstances/Work"));
 }
 
 TEST_F(AppModelTest, AModelThatIsGoneIsNotReachedByLateResults) {

@@ -8,6 +8,9 @@ namespace quorvel::testing {
 
 void StubWorkspace::openApplication(const std::filesystem::path& bundle, bool activates,
                                     Completion completion) {
+    if (throwing) {
+        throw PlatformError(*openError);
+    }
     opened.push_back(bundle);
     activated = activates;
     completion(openError);
@@ -54,11 +57,17 @@ StubbedModel::StubbedModel(const std::filesystem::path& folder) {
     services.scanCatalog = [this] {
         worked();
         ++scans;
+        if (scanError) {
+            throw std::runtime_error(*scanError);
+        }
         return installed;
     };
     services.readBundle = [this](const std::filesystem::path& url) -> std::optional<AppBundle> {
         worked();
         ++bundlesRead;
+        if (url == poisoned) {
+            throw std::runtime_error("unreadable");
+        }
         if (unreadable.contains(url.string())) {
             return std::nullopt;
         }

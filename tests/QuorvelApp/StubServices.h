@@ -25,6 +25,7 @@ public:
     std::vector<std::filesystem::path> opened{};
     bool activated = false;
     std::optional<PlatformError> openError{};
+    bool throwing = false; ///< the error is thrown, not told
     std::optional<PlatformError> revealError{};
     std::vector<std::filesystem::path> revealed{};
     std::set<std::string> running{};
@@ -55,8 +56,10 @@ public:
     std::shared_ptr<StubWorkspace> workspace = std::make_shared<StubWorkspace>();
     std::vector<InstalledApp> installed{};
     std::atomic<int> scans = 0;
+    std::optional<std::string> scanError{};
     std::set<std::string> sandboxed{}; ///< paths
     std::set<std::string> unreadable{};
+    std::filesystem::path poisoned{}; ///< reading this app throws
     std::atomic<int> bundlesRead = 0;
     std::function<std::filesystem::path(const WrapperFactory::Request&)> create{};
     std::function<std::optional<ProbeResult>()> probe{};

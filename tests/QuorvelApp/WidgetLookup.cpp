@@ -37,6 +37,15 @@ QLineEdit* fieldNamed(QWidget* root, const QString& name) {
     throw std::runtime_error("no field " + name.toStdString());
 }
 
+QCheckBox* checkBox(QWidget* root, const QString& name) {
+    for (QCheckBox* found : root->findChildren<QCheckBox*>()) {
+        if (found->accessibleName() == name || plain(found->text()) == name) {
+            return found;
+        }
+    }
+    throw std::runtime_error("no box " + name.toStdString());
+}
+
 bool shows(QWidget* root, const QString& text) {
     const auto labels = root->findChildren<QLabel*>();
     return std::any_of(labels.begin(), labels.end(), [&](const QLabel* label) {

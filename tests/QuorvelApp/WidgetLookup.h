@@ -3,6 +3,7 @@
 #include "QuorvelApp/AppPicker.h"
 #include "QuorvelApp/ConfigurationPane.h"
 
+#include <QCheckBox>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QWidget>
@@ -14,6 +15,9 @@ namespace quorvel::testing {
 
 /// The field with that accessible name; throws when there is none.
 [[nodiscard]] QLineEdit* fieldNamed(QWidget* root, const QString& name);
+
+/// The check box with that accessible name or text; throws when there is none.
+[[nodiscard]] QCheckBox* checkBox(QWidget* root, const QString& name);
 
 /// Whether a label with exactly that text shows.
 [[nodiscard]] bool shows(QWidget* root, const QString& text);

@@ -1,0 +1,89 @@
+#include "QuorvelApp/ShownText.h"
+
+#include "Platform/Text.h"
+#include "QuorvelApp/QtText.h"
+
+#include <QList>
+#include <QTextBoundaryFinder>
+
+namespace quorvel {
+namespace {
+
+using namespace Qt::StringLiterals;
+
+// A word of that length fits into the narrowest label.
+constexpr int longestWord = 24;
+
+bool isLineBreak(char32_t scalar) {
+    return (scalar >= 0x0A && scalar <= 0x0D) || scalar == 0x85 || scalar == 0x2028 ||
+           scalar == 0x2029;
+}
+
+QString harmless(std::string_view text, char16_t lineBreak) {
+    QString result;
+    bool afterReturn = false;
+    for (const char32_t scalar : qtText(text).toUcs4()) {
+        // A return with a line feed behind it is one break.
+        if (isLineBreak(scalar)) {
+            if (scalar != U'\n' || !afterReturn) {
+                result += QChar(lineBreak);
+            }
+        } else if (scalar == U'\t') {
+            result += u' ';
+        } else {
+            result += Text::isHarmful(scalar) ? QString(QChar::ReplacementCharacter)
+                                              : QString::fromUcs4(&scalar, 1);
+        }
+        afterReturn = scalar == U'\r';
+    }
+    return result;
+}
+
+// Marks every few characters of a long word; never within one that is made of several.
+QString brokenWord(const QString& word) {
+    if (word.size() <= longestWord) {
+        return word;
+    }
+    QString result;
+    QTextBoundaryFinder characters(QTextBoundaryFinder::Grapheme, word);
+    qsizetype start = 0;
+    for (auto end = characters.toNextBoundary(); end > 0; end = characters.toNextBoundary()) {
+        result += word.mid(start, end - start) + breakMark;
+        start = end;
+    }
+    return result;
+}
+
+} // namespace
+
+QString shownText(std::string_view text) {
+    return harmless(text, u'\n');
+}
+
+QString shownLine(std::string_view text) {
+    return harmless(text, u' ');
+}
+
+QString breakable(const QString& text) {
+    QString result;
+    QString word;
+    for (const QChar character : text) {
+        if (character.isSpace()) {
+            result += brokenWord(word) + character;
+            word.clear();
+        } else if (u"/._-"_s.contains(character)) {
+            result += brokenWord(word) + character + breakMark;
+            word.clear();
+        } else {
+            word += character;
+        }
+    }
+    return result + brokenWord(word);
+}
+
+QString toolTipText(const QString& text) {
+    return text.isEmpty() ? text
+                          : u"<qt>"_s + text.toHtmlEscaped().replace(u'\n', u"<br>"_s) + u"</qt>"_s;
+}
+
+} // namespace quorvel

@@ -1,0 +1,91 @@
+#include "tests/QuorvelApp/WindowFixture.h"
+
+#include <QTest>
+
+namespace quorvel::testing {
+namespace {
+
+namespace fs = std::filesystem;
+using namespace Qt::StringLiterals;
+
+class NewCloneSheetTest : public WindowTest {};
+
+TEST_F(NewCloneSheetTest, ASheetEndsWithEscapeAndBeginsAnew) {
+    addApps();
+    open();
+    NewCloneView& sheet = openSheet();
+    button(u"Web App"_s)->click();
+    field(u"Website URL"_s)->setText(u"a.test"_s);
+    QTest::keyClick(&sheet, Qt::Key_Escape);
+    EXPECT_FALSE(window->content().showingNewClone());
+    EXPECT_EQ(openSheet().session().form().webURL, "");
+}
+
+TEST_F(NewCloneSheetTest, CreatingShowsThatItGoesOnAndThenClosesTheSheet) {
+    addApps();
+    stubs.create = [&](const auto& request) { return addClone(request.displayName).bundleURL; };
+    open();
+    openSheet();
+    choose(u"Notes"_s);
+    stubs.tasks->holding = true;
+    button(u"Create Shortcut"_s)->click();
+    EXPECT_FALSE(button(u"Creating…"_s)->isEnabled());
+    stubs.tasks->release();
+    ASSERT_TRUE(eventually([&] { return !window->content().showingNewClone(); }));
+    EXPECT_EQ(stubs.model().clones().size(), 1U);
+    EXPECT_EQ(stubs.workspace->opened.size(), 1U) << "launched, as the box says";
+}
+
+TEST_F(NewCloneSheetTest, AFailedCreationKeepsTheFormAsItWas) {
+    addApps();
+    stubs.create = [](const auto&) -> fs::path {
+        throw WrapperFactory::FactoryError::runnerNotFound();
+    };
+    open();
+    NewCloneView& sheet = openSheet();
+    choose(u"Notes"_s);
+    field(u"Name"_s)->setText(u"Mine"_s);
+    button(u"Create Shortcut"_s)->click();
+    ASSERT_TRUE(eventually([&] { return shown(u"Something went wrong"_s); }));
+    EXPECT_TRUE(shown(u"Could not locate the quorvel-runner binary to embed."_s));
+    button(u"OK"_s)->click();
+    EXPECT_EQ(sheet.session().form().cloneName, "Mine");
+    EXPECT_TRUE(button(u"Create Shortcut"_s)->isEnabled());
+}
+
+TEST_F(NewCloneSheetTest, EditsDuringACreationDoNotReachTheRequest) {
+    addApps();
+    std::string made;
+    stubs.create = [&](const auto& request) {
+        made = request.displayName;
+        return addClone(request.displayName).bundleURL;
+    };
+    open();
+    openSheet();
+    choose(u"Notes"_s);
+    stubs.tasks->holding = true;
+    button(u"Create Shortcut"_s)->click();
+    field(u"Name"_s)->setText(u"Late"_s);
+    stubs.tasks->release();
+    ASSERT_TRUE(eventually([&] { return !window->content().showingNewClone(); }));
+    EXPECT_EQ(made, "Notes (2)");
+}
+
+TEST_F(NewCloneSheetTest, AFailureAfterTheSheetWasCancelledIsStillTold) {
+    addApps();
+    stubs.create = [](const auto&) -> fs::path {
+        throw WrapperFactory::FactoryError::runnerNotFound();
+    };
+    open();
+    openSheet();
+    choose(u"Notes"_s);
+    stubs.tasks->holding = true;
+    button(u"Create Shortcut"_s)->click();
+    button(u"Cancel"_s)->click();
+    ASSERT_TRUE(eventually([&] { return window->findChild<NewCloneView*>() == nullptr; }));
+    stubs.tasks->release();
+    EXPECT_TRUE(eventually([&] { return stubs.model().lastError().has_value(); }));
+}
+
+} // namespace
+} // namespace quorvel::testing

@@ -1,0 +1,46 @@
+#pragma once
+
+#include "QuorvelApp/CloneDetailView.h"
+#include "QuorvelApp/MainWindow.h"
+#include "QuorvelApp/NewCloneView.h"
+#include "QuorvelApp/Sidebar.h"
+#include "tests/QuorvelApp/StubServices.h"
+#include "tests/QuorvelApp/WidgetLookup.h"
+#include "tests/support/AppBundles.h"
+#include "tests/support/TemporaryHome.h"
+
+#include <gtest/gtest.h>
+
+namespace quorvel::testing {
+
+/// A window on a throw-away home, with stubs behind the model.
+class WindowTest : public ::testing::Test {
+protected:
+    /// Writes an app clone of "Notes" with that name, which the window lists when it opens.
+    InstanceRecord addClone(const std::string& name);
+    InstanceRecord addClone(const std::string& fileName, InstanceConfig config);
+    /// Installs "Mail", "Notes" and "Zoom".
+    void addApps();
+
+    MainWindow& open();
+    /// Opens the sheet of an open window, with the apps scanned.
+    NewCloneView& openSheet();
+    /// Opens window and sheet with `app` chosen.
+    NewCloneView& openSheetWith(const QString& app);
+    void choose(const QString& app);
+    void select(const InstanceRecord& clone) { window->content().sidebar().select(clone.id()); }
+
+    QPushButton* button(const QString& text) { return visibleButton(window.get(), text); }
+    QLineEdit* field(const QString& name) { return fieldNamed(window.get(), name); }
+    bool shown(const QString& text) { return shows(window.get(), text); }
+
+    TemporaryHome home;
+    std::filesystem::path folder = home / "Applications";
+    StubbedModel stubs{folder};
+    UpdaterController updater;
+    IconLoader icons{std::make_shared<ThreadPoolTasks>()};
+    FilePanels panels{};
+    std::unique_ptr<MainWindow> window;
+};
+
+} // namespace quorvel::testing
