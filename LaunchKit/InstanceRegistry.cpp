@@ -12,8 +12,6 @@ namespace quorvel {
 namespace fs = std::filesystem;
 namespace {
 
-constexpr const char* configInBundle = "/Contents/Resources/instance.json";
-
 // Puts every record in its place, one cycle after the other: records are large, and so each is
 // moved once, and no second list is made.
 void arrange(std::vector<InstanceRecord>& records, std::vector<std::size_t> order) {
@@ -53,7 +51,7 @@ void appendClones(const fs::path& path, std::vector<InstanceRecord>& records) {
     std::string bytes;
     for (const std::string& name : names) {
         if (!isAppBundleName(name) ||
-            !folder->read(name + configInBundle, InstanceConfig::maximumFileSize, bytes)) {
+            !folder->read(name + instanceConfigInBundle, InstanceConfig::maximumFileSize, bytes)) {
             continue;
         }
         InstanceRecord& record = records.emplace_back();
@@ -87,7 +85,7 @@ std::optional<fs::path> InstanceRecord::iconURL() const {
 }
 
 fs::path instanceConfigFile(const fs::path& bundleURL) {
-    return bundleURL.native() + configInBundle;
+    return bundleURL.native() + instanceConfigInBundle;
 }
 
 std::vector<fs::path> InstanceRegistry::defaultSearchDirs() {
@@ -104,7 +102,7 @@ std::vector<InstanceRecord> InstanceRegistry::list() const {
 }
 
 std::optional<InstanceRecord> InstanceRegistry::record(const fs::path& bundleURL) const {
-    auto config = InstanceConfig::read(bundleURL.native() + configInBundle);
+    auto config = InstanceConfig::read(bundleURL.native() + instanceConfigInBundle);
     if (!config) {
         return std::nullopt;
     }
