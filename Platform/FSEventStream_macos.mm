@@ -88,7 +88,7 @@ class SystemStream final : public FSEventStream {
         for (std::size_t index = 0; index < count; ++index) {
             batch.flags.push_back(portableFlags(flags[index]));
         }
-        static_cast<SystemStream*>(info)->handler_(batch);
+        static_cast<SystemStream*>(info)->handler_(std::move(batch));
     }
 
     Handler handler_;
