@@ -23,22 +23,31 @@ std::string shownName(const std::filesystem::path& path) {
     return name.empty() ? text : name;
 }
 
-std::string sentence(const std::error_code& code, const std::filesystem::path& path,
+std::string sentence(const std::string& reason, const std::filesystem::path& path,
                      const std::string& action) {
-    return "“" + shownName(path) + "” couldn’t be " + action + ": " + lowerFirst(code.message());
+    return "“" + shownName(path) + "” couldn’t be " + action + ": " + reason;
 }
 
 } // namespace
 
 PlatformError::PlatformError(std::error_code code, std::filesystem::path path,
                              const std::string& action)
-    : std::runtime_error(sentence(code, path, action)),
+    : PlatformError(sentence(lowerFirst(code.message()), path, action), code, path) {}
+
+PlatformError::PlatformError(const std::string& sentence, std::error_code code,
+                             std::filesystem::path path)
+    : std::runtime_error(sentence),
       code_(code),
       path_(std::move(path)) {}
 
 PlatformError PlatformError::fromErrno(const std::filesystem::path& path,
                                        const std::string& action) {
     return {std::error_code(errno, std::generic_category()), path, action};
+}
+
+PlatformError PlatformError::because(const std::string& reason, const std::filesystem::path& path,
+                                     const std::string& action) {
+    return {sentence(reason, path, action), std::make_error_code(std::errc::io_error), path};
 }
 
 } // namespace quorvel

@@ -24,7 +24,15 @@ public:
     [[nodiscard]] static PlatformError fromErrno(const std::filesystem::path& path,
                                                  const std::string& action);
 
+    /// The error for which the system gives a reason of its own instead of a code: a sentence, kept
+    /// as it is. Its code is `std::errc::io_error`.
+    [[nodiscard]] static PlatformError because(const std::string& reason,
+                                               const std::filesystem::path& path,
+                                               const std::string& action);
+
 private:
+    PlatformError(const std::string& sentence, std::error_code code, std::filesystem::path path);
+
     std::error_code code_;
     std::filesystem::path path_;
 };

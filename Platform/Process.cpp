@@ -1,5 +1,7 @@
 #include "Platform/Process.h"
 
+#include "Platform/ProcessSpawning.h"
+
 #include <algorithm>
 #include <cerrno>
 #include <csignal>
@@ -10,22 +12,8 @@
 #include <unistd.h>
 #include <utility>
 
-#ifdef __APPLE__
-#include <crt_externs.h>
-#else
-extern char** environ; // NOLINT(readability-redundant-declaration): not every C library declares it
-#endif
-
 namespace quorvel {
 namespace {
-
-char** environmentBlock() {
-#ifdef __APPLE__
-    return *_NSGetEnviron();
-#else
-    return environ;
-#endif
-}
 
 // The child's C strings, kept alive while it is started.
 class StringBlock {
@@ -76,27 +64,15 @@ public:
         posix_spawn_file_actions_addopen(&actions_, stream, "/dev/null", flags, 0);
     }
 
-    void keep(int stream) {
-#ifdef __APPLE__
-        posix_spawn_file_actions_addinherit_np(&actions_, stream);
-#else
-        (void)stream;
-#endif
-    }
+    void keep(int stream) { ProcessSpawning::keepStream(actions_, stream); }
 
     void changeDirectory(const std::filesystem::path& directory) {
         posix_spawn_file_actions_addchdir_np(&actions_, directory.c_str());
     }
 
-    void closeOthers() {
-#ifndef __APPLE__
-        posix_spawn_file_actions_addclosefrom_np(&actions_, STDERR_FILENO + 1);
-#endif
-    }
+    void closeOthers() { ProcessSpawning::closeOthers(actions_); }
 
-    [[nodiscard]] const posix_spawn_file_actions_t* get() const {
-        return &actions_;
-    }
+    [[nodiscard]] const posix_spawn_file_actions_t* get() const { return &actions_; }
 
 private:
     posix_spawn_file_actions_t actions_{};
@@ -115,24 +91,18 @@ public:
         sigdelset(&all, SIGSTOP);
         posix_spawnattr_setsigmask(&attributes_, &none);
         posix_spawnattr_setsigdefault(&attributes_, &all);
-        int flags = POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF;
+        int flags =
+            POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF | ProcessSpawning::closingFlags();
         if (ownSession) {
             flags |= POSIX_SPAWN_SETSID;
         }
-#ifdef __APPLE__
-        flags |= POSIX_SPAWN_CLOEXEC_DEFAULT;
-#endif
         posix_spawnattr_setflags(&attributes_, static_cast<short>(flags));
     }
-    ~SpawnAttributes() {
-        posix_spawnattr_destroy(&attributes_);
-    }
+    ~SpawnAttributes() { posix_spawnattr_destroy(&attributes_); }
     SpawnAttributes(const SpawnAttributes&) = delete;
     SpawnAttributes& operator=(const SpawnAttributes&) = delete;
 
-    [[nodiscard]] const posix_spawnattr_t* get() const {
-        return &attributes_;
-    }
+    [[nodiscard]] const posix_spawnattr_t* get() const { return &attributes_; }
 
 private:
     posix_spawnattr_t attributes_{};
@@ -153,7 +123,7 @@ int waitFor(pid_t pid) {
 
 Environment currentEnvironment() {
     Environment result;
-    for (char** entry = environmentBlock(); *entry != nullptr; ++entry) {
+    for (char** entry = ProcessSpawning::environmentBlock(); *entry != nullptr; ++entry) {
         const std::string_view text = *entry;
         const std::size_t equals = text.find('=');
         if (equals != std::string_view::npos) {
@@ -204,7 +174,7 @@ Process Process::run(const Options& options) {
     pid_t pid = 0;
     const int code = ::posix_spawn(
         &pid, executable.c_str(), actions.get(), attributes.get(), arguments.pointers(),
-        options.environment ? environment.pointers() : environmentBlock());
+        options.environment ? environment.pointers() : ProcessSpawning::environmentBlock());
     if (code != 0) {
         throw PlatformError(std::error_code(code, std::generic_category()), options.executable,
                             "started");

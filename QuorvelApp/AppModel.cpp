@@ -3,7 +3,7 @@
 #include "LaunchKit/InstanceLauncher.h"
 #include "ProbeKit/ProfileGenerator.h"
 
-#include <QtGlobal>
+#include <QPointer>
 
 #include <algorithm>
 
@@ -200,16 +200,19 @@ void AppModel::launch(const InstanceRecord& record) {
             InstanceLauncher::ensureSharedUserFolders(home);
         }
     }
-    // The answer comes on a thread of the platform's choice; a promise carries it to this one.
-    auto promise = std::make_shared<QPromise<std::optional<PlatformError>>>();
-    promise->future().then(this,
-                           [this](const std::optional<PlatformError>& error) { opened(error); });
-    promise->start();
-    services_.workspace->openApplication(record.bundleURL, true,
-                                         [promise](std::optional<PlatformError> error) {
-                                             promise->addResult(std::move(error));
-                                             promise->finish();
-                                         });
+    // The answer comes on a thread of the platform's choice, perhaps after this model is gone.
+    services_.workspace->openApplication(
+        record.bundleURL, true,
+        [model = QPointer<AppModel>(this)](std::optional<PlatformError> error) {
+            QMetaObject::invokeMethod(
+                QCoreApplication::instance(),
+                [model, error = std::move(error)] {
+                    if (model) {
+                        model->opened(error);
+                    }
+                },
+                Qt::QueuedConnection);
+        });
 }
 
 void AppModel::opened(const std::optional<PlatformError>& error) {

@@ -14,8 +14,10 @@ namespace quorvel {
 
 using namespace Qt::StringLiterals;
 
-CloneDetailView::CloneDetailView(AppModel& model, IconLoader& icons, QWidget* sheets)
-    : model_(model),
+CloneDetailView::CloneDetailView(AppModel& model, IconLoader& icons, QWidget* sheets,
+                                 QWidget* parent)
+    : QWidget(parent),
+      model_(model),
       sheets_(sheets),
       callout_(new MigrationCallout) {
     setObjectName(u"detail"_s);

@@ -21,7 +21,7 @@ class CloneDetailView : public QWidget {
 
 public:
     /// Both must outlive the widget. `sheets` is the widget over which dialogs show.
-    CloneDetailView(AppModel& model, IconLoader& icons, QWidget* sheets);
+    CloneDetailView(AppModel& model, IconLoader& icons, QWidget* sheets, QWidget* parent = nullptr);
 
     void setClone(const InstanceRecord& clone);
     /// Shows anew whether the clone runs.

@@ -69,7 +69,8 @@ QPushButton* makeButton(const QString& text, ButtonLook look, const QString& sym
     button->setAutoDefault(false);
     if (!symbol.isEmpty()) {
         button->setIcon(symbolIcon(symbol, inkOn(look)));
-        button->setIconSize({16, 16});
+        // The style puts the text too close; what is beside the symbol stays empty.
+        button->setIconSize({text.isEmpty() ? 16 : 22, 16});
     }
     return button;
 }

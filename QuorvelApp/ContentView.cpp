@@ -16,15 +16,16 @@ namespace quorvel {
 
 using namespace Qt::StringLiterals;
 
-ContentView::ContentView(AppModel& model, IconLoader& icons, FilePanels panels)
-    : model_(model),
+ContentView::ContentView(AppModel& model, IconLoader& icons, FilePanels panels, QWidget* parent)
+    : QWidget(parent),
+      model_(model),
       icons_(icons),
       panels_(std::move(panels)) {
     auto* column = new QVBoxLayout(this);
     column->setContentsMargins(0, 0, 0, 0);
     column->setSpacing(0);
     column->addWidget(makeToolbar());
-    column->addWidget(makeColumns(icons), 1);
+    column->addWidget(makeColumns(), 1);
     new ModelAlert(model_, ModelAlert::Text::error, this);
     new ModelAlert(model_, ModelAlert::Text::status, this);
     connect(&model_, &AppModel::clonesChanged, this, &ContentView::showSelection);
@@ -36,7 +37,7 @@ ContentView::ContentView(AppModel& model, IconLoader& icons, FilePanels panels)
 }
 
 QWidget* ContentView::makeToolbar() {
-    auto* bar = new QWidget;
+    auto* bar = new QWidget(this);
     bar->setObjectName(u"toolbar"_s);
     bar->setAttribute(Qt::WA_StyledBackground);
     auto* add = makeButton({}, ButtonLook::tool, u"plus"_s);
@@ -51,27 +52,25 @@ QWidget* ContentView::makeToolbar() {
     return bar;
 }
 
-QWidget* ContentView::makeColumns(IconLoader& icons) {
-    auto* columns = new QSplitter(Qt::Horizontal);
+// A widget that gets another parent is styled once more with all that it holds, so each has its own
+// from the start.
+QWidget* ContentView::makeColumns() {
+    auto* columns = new QSplitter(Qt::Horizontal, this);
     columns->setHandleWidth(1);
     columns->setChildrenCollapsible(false);
-    sidebar_ = new Sidebar(model_, icons);
-    detail_ = new CloneDetailView(model_, icons, this);
-    auto* detailColumn = new QWidget;
+    sidebar_ = new Sidebar(model_, icons_, columns);
+    auto* detailColumn = new QWidget(columns);
     detailColumn->setObjectName(u"detailColumn"_s);
     detailColumn->setAttribute(Qt::WA_StyledBackground);
     detailStates_ = new QStackedLayout(detailColumn);
-    detailStates_->addWidget(makePlaceholder());
-    detailStates_->addWidget(detail_);
-    columns->addWidget(sidebar_);
-    columns->addWidget(detailColumn);
+    detailStates_->addWidget(makePlaceholder(detailColumn));
     columns->setStretchFactor(1, 1);
     columns->setSizes({Sidebar::idealColumnWidth, 680});
     return columns;
 }
 
-QWidget* ContentView::makePlaceholder() {
-    auto* page = new QWidget;
+QWidget* ContentView::makePlaceholder(QWidget* parent) {
+    auto* page = new QWidget(parent);
     auto* column = new QVBoxLayout(page);
     column->setSpacing(14);
     column->addStretch();
@@ -86,13 +85,22 @@ void ContentView::showSelection() {
     const auto& selection = sidebar_->selection();
     const InstanceRecord* clone = selection ? model_.clone(*selection) : nullptr;
     if (clone != nullptr) {
-        detail_->setClone(*clone);
+        detail().setClone(*clone);
     } else {
         placeholderText_->setText(model_.clones().empty()
                                       ? tr("Create your first clone to get started.")
                                       : tr("Select a clone to manage it."));
     }
     detailStates_->setCurrentIndex(clone != nullptr ? 1 : 0);
+}
+
+// Made for the first selection, so that the window need not wait for it.
+CloneDetailView& ContentView::detail() {
+    if (detail_ == nullptr) {
+        detail_ = new CloneDetailView(model_, icons_, this, detailStates_->parentWidget());
+        detailStates_->addWidget(detail_);
+    }
+    return *detail_;
 }
 
 void ContentView::showNewClone() {

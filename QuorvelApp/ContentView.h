@@ -24,7 +24,8 @@ class ContentView : public QWidget {
 
 public:
     /// Both must outlive the widget.
-    ContentView(AppModel& model, IconLoader& icons, FilePanels panels = FilePanels::ofTheSystem());
+    ContentView(AppModel& model, IconLoader& icons, FilePanels panels = FilePanels::ofTheSystem(),
+                QWidget* parent = nullptr);
 
     void showNewClone();
     [[nodiscard]] bool showingNewClone() const { return !newClone_.isNull(); }
@@ -32,8 +33,9 @@ public:
 
 private:
     [[nodiscard]] QWidget* makeToolbar();
-    [[nodiscard]] QWidget* makeColumns(IconLoader& icons);
-    [[nodiscard]] QWidget* makePlaceholder();
+    [[nodiscard]] QWidget* makeColumns();
+    [[nodiscard]] QWidget* makePlaceholder(QWidget* parent);
+    CloneDetailView& detail();
     void showSelection();
     void takeRequest();
 

@@ -18,7 +18,7 @@ const auto geometryKey = u"window/geometry"_s;
 MainWindow::MainWindow(AppModel& model, UpdaterController& updater, IconLoader& icons,
                        FilePanels panels)
     : model_(model),
-      content_(new ContentView(model, icons, std::move(panels))) {
+      content_(new ContentView(model, icons, std::move(panels), this)) {
     setWindowTitle(u"Quorvel"_s);
     setMinimumSize(smallest);
     resize(initial);
@@ -28,6 +28,7 @@ MainWindow::MainWindow(AppModel& model, UpdaterController& updater, IconLoader& 
 }
 
 void MainWindow::addCommands(UpdaterController& updater) {
+    // Left to itself, macOS would guess from a command's words which ones belong into its own menu.
     QAction* check = menuBar()->addMenu(tr("&Quorvel"))->addAction(tr("&Check for Updates…"));
     check->setMenuRole(QAction::ApplicationSpecificRole);
     check->setEnabled(updater.canCheckForUpdates());
@@ -35,10 +36,12 @@ void MainWindow::addCommands(UpdaterController& updater) {
     connect(check, &QAction::triggered, &updater, &UpdaterController::checkForUpdates);
 
     QAction* add = menuBar()->addMenu(tr("&File"))->addAction(tr("&New Clone…"));
+    add->setMenuRole(QAction::NoRole);
     add->setShortcut(QKeySequence::New);
     connect(add, &QAction::triggered, this, [this] { model_.setStartNewCloneRequested(true); });
 
     QAction* refresh = menuBar()->addMenu(tr("&View"))->addAction(tr("&Refresh"));
+    refresh->setMenuRole(QAction::NoRole);
     refresh->setShortcut(Qt::CTRL | Qt::Key_R);
     connect(refresh, &QAction::triggered, &model_, &AppModel::reload);
 }

@@ -29,7 +29,7 @@ Sidebar::Sidebar(AppModel& model, IconLoader& icons, QWidget* parent)
 }
 
 QWidget* Sidebar::makeEmptyState() {
-    auto* page = new QWidget;
+    auto* page = new QWidget(this);
     auto* column = new QVBoxLayout(page);
     column->setContentsMargins(16, 16, 16, 16);
     column->setSpacing(10);
@@ -51,7 +51,7 @@ QWidget* Sidebar::makeEmptyState() {
 }
 
 QWidget* Sidebar::makeList(IconLoader& icons) {
-    auto* page = new QWidget;
+    auto* page = new QWidget(this);
     auto* column = new QVBoxLayout(page);
     column->setContentsMargins(0, 14, 0, 0);
     column->setSpacing(6);

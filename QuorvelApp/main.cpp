@@ -14,7 +14,8 @@ int main(int argc, char** argv) {
     QApplication::setWindowIcon(QIcon(QStringLiteral(":/packaging/app.quorvel.Quorvel.svg")));
     QApplication::setQuitOnLastWindowClosed(true);
     const quorvel::Appearance appearance;
-    quorvel::QuorvelApp quorvel;
+    quorvel::QuorvelApp quorvel(quorvel::AppServices::ofTheSystem(),
+                                quorvel::makeSystemUpdateService());
     quorvel.start();
     return QApplication::exec();
 }

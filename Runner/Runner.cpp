@@ -56,7 +56,8 @@ int superviseUntilExit(Process& target, const sigset_t& signals) {
 
 int runClone(const fs::path& executable, const std::vector<std::string>& arguments) {
     // An ignored SIGCHLD, inherited from whoever started us, would take the exit status with it.
-    std::signal(SIGCHLD, SIG_DFL);
+    // Without a handler, some systems drop the signal even while somebody waits for it.
+    std::signal(SIGCHLD, [](int) {});
     const sigset_t signals = handledSignals();
     pthread_sigmask(SIG_BLOCK, &signals, nullptr);
 

@@ -13,7 +13,14 @@ debian_build=(g++ cmake ninja-build pkg-config nlohmann-json3-dev rapidjson-dev 
   libcli11-dev qt6-base-dev libqt6svg6-dev libopenjp2-7-dev fontconfig fonts-urw-base35 procps)
 debian_test=(libgtest-dev libgmock-dev libbenchmark-dev chromium xdg-utils libplist-utils
   dbus dbus-daemon binutils file
-  shared-mime-info icnsutils imagemagick inotify-tools xvfb xauth)
+  shared-mime-info icnsutils imagemagick inotify-tools xvfb xauth
+  xdotool openbox at-spi2-core libatspi2.0-dev fonts-inter
+  clang-16 lld-16 llvm-16 libc++-16-dev)
+# The C library's headers of the other processor that Macs have.
+case "$(uname -m)" in
+  x86_64) debian_test+=(libc6-dev-arm64-cross) ;;
+  aarch64) debian_test+=(libc6-dev-amd64-cross) ;;
+esac
 homebrew_build=(cmake ninja pkg-config nlohmann-json rapidjson libplist icu4c cli11 qt openjpeg)
 homebrew_test=(googletest google-benchmark)
 
@@ -67,4 +74,13 @@ build_preset() {
     { cat "/tmp/quorvel-configure.$$" >&2; rm -f "/tmp/quorvel-configure.$$"; exit 1; }
   rm -f "/tmp/quorvel-configure.$$"
   cmake --build --preset "$preset"
+}
+
+# Where the build puts the program with the window.
+window_program() {
+  if [ "$(uname)" = Darwin ]; then
+    echo "$root/build/release/bin/Quorvel.app/Contents/MacOS/Quorvel"
+  else
+    echo "$root/build/release/bin/quorvel"
+  fi
 }

@@ -47,7 +47,7 @@ std::string QuorvelctlInAHome::run(const std::vector<std::string>& arguments) {
     // By way of a shell, so that the exit status and both streams come back at once.
     Process::Options options;
     options.executable = "/bin/sh";
-    options.arguments = {"-c", R"("$0" "$@" 2>&1 || echo "FAILED $?")", QUORVEL_CTL};
+    options.arguments = {"-c", R"("$0" "$@" 2>&1 || echo "FAILED $?")", program.string()};
     options.arguments.insert(options.arguments.end(), arguments.begin(), arguments.end());
     options.environment = environment;
     std::string output = Process::capture(options, outputLimit);

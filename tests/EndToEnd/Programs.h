@@ -33,6 +33,7 @@ public:
 
     TemporaryHome home{};
     Environment environment{};
+    std::filesystem::path program = QUORVEL_CTL; ///< the one that was built, or another
 };
 
 /// The processes whose command line satisfies `matches` (arguments separated by NUL).

@@ -1,6 +1,7 @@
 #include "Platform/Process.h"
 #include "Platform/Workspace.h"
 
+#include "tests/support/PrivateBus.h"
 #include "tests/support/TemporaryHome.h"
 #include "tests/support/Waiting.h"
 
@@ -12,35 +13,6 @@ namespace {
 
 using namespace testing;
 namespace fs = std::filesystem;
-
-// A session bus of our own. A process keeps the first bus that it met, so there is one for all.
-class PrivateBus {
-public:
-    PrivateBus() {
-        Process::Options options;
-        options.executable = "/usr/bin/dbus-daemon";
-        options.arguments = {"--session", "--nofork", "--nopidfile", "--nosyslog",
-                             "--address=unix:path=" + (folder_ / "bus").string()};
-        options.standardOutput = Process::Discard{};
-        options.standardError = Process::Discard{};
-        daemon_.emplace(Process::run(options));
-        if (!waitFor([&] { return fs::exists(folder_ / "bus"); })) {
-            throw std::runtime_error("the bus does not come up");
-        }
-        address_.emplace("DBUS_SESSION_BUS_ADDRESS", "unix:path=" + (folder_ / "bus").string());
-    }
-    PrivateBus(const PrivateBus&) = delete;
-    PrivateBus& operator=(const PrivateBus&) = delete;
-    ~PrivateBus() {
-        daemon_->terminate();
-        daemon_->waitUntilExit();
-    }
-
-private:
-    TemporaryFolder folder_;
-    std::optional<Process> daemon_;
-    std::optional<ScopedEnvironment> address_;
-};
 
 class FileManager {
 public:
@@ -70,7 +42,7 @@ private:
 class Revealing : public ::testing::Test {
 protected:
     static void SetUpTestSuite() {
-        if (fs::exists("/usr/bin/dbus-daemon")) {
+        if (PrivateBus::isAvailable()) {
             bus = std::make_unique<PrivateBus>();
         }
     }

@@ -35,5 +35,13 @@ TEST(PlatformError, EndsWithTheSystemsOwnReason) {
         << error.description();
 }
 
+TEST(PlatformError, GivesAReasonInTheSystemsOwnWordsAsItIs) {
+    const PlatformError error =
+        PlatformError::because("The application is damaged.", "/A/Work.app", "opened");
+    EXPECT_EQ(error.description(), "“Work.app” couldn’t be opened: The application is damaged.");
+    EXPECT_EQ(error.code(), std::errc::io_error);
+    EXPECT_EQ(error.path(), "/A/Work.app");
+}
+
 } // namespace
 } // namespace quorvel

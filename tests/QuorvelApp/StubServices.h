@@ -4,6 +4,7 @@
 
 #include <QThread>
 
+#include <atomic>
 #include <chrono>
 #include <functional>
 #include <mutex>
@@ -52,12 +53,11 @@ public:
     explicit StubbedModel(const std::filesystem::path& folder);
 
     std::shared_ptr<StubWorkspace> workspace = std::make_shared<StubWorkspace>();
-    std::shared_ptr<RecordingTasks> tasks = std::make_shared<RecordingTasks>();
     std::vector<InstalledApp> installed{};
-    int scans = 0;
+    std::atomic<int> scans = 0;
     std::set<std::string> sandboxed{}; ///< paths
     std::set<std::string> unreadable{};
-    int bundlesRead = 0;
+    std::atomic<int> bundlesRead = 0;
     std::function<std::filesystem::path(const WrapperFactory::Request&)> create{};
     std::function<std::optional<ProbeResult>()> probe{};
     std::vector<std::chrono::milliseconds> delays{};
@@ -72,6 +72,12 @@ private:
     void worked();
 
     std::mutex mutex_{};
+
+public:
+    /// Stands below what its threads still write to, so that it waits for them first.
+    std::shared_ptr<RecordingTasks> tasks = std::make_shared<RecordingTasks>();
+
+private:
     std::unique_ptr<AppModel> model_{};
 };
 

@@ -1,0 +1,74 @@
+#include "tests/EndToEnd/Desktop.h"
+
+#include "tests/support/Waiting.h"
+
+#include <fcntl.h>
+#include <filesystem>
+#include <stdexcept>
+#include <unistd.h>
+
+namespace quorvel::testing {
+namespace fs = std::filesystem;
+namespace {
+
+constexpr auto serverProgram = "/usr/bin/Xvfb";
+constexpr auto windowManagerProgram = "/usr/bin/openbox";
+
+Process quietly(const std::string& program, std::vector<std::string> arguments,
+                Process::Output output = Process::Discard{}) {
+    Process::Options options;
+    options.executable = program;
+    options.arguments = std::move(arguments);
+    options.standardOutput = output;
+    options.standardError = Process::Discard{};
+    return Process::run(options);
+}
+
+} // namespace
+
+std::vector<std::string> Desktop::missingPrograms() {
+    std::vector<std::string> missing;
+    for (const char* program :
+         {serverProgram, windowManagerProgram, "/usr/bin/xdotool", "/usr/bin/import",
+          "/usr/bin/dbus-daemon", "/usr/libexec/at-spi-bus-launcher"}) {
+        if (!fs::exists(program)) {
+            missing.emplace_back(program);
+        }
+    }
+    return missing;
+}
+
+Desktop::Desktop() {
+    // The server chooses a free number and writes it down.
+    const fs::path numberFile = folder_ / "display";
+    const int file = ::open(numberFile.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0600);
+    server_.emplace(quietly(serverProgram,
+                            {"-displayfd", "1", "-screen", "0", "1280x1000x24", "-nolisten", "tcp"},
+                            Process::ToFile{file}));
+    ::close(file);
+    if (!waitFor([&] { return read(numberFile).ends_with('\n'); })) {
+        throw std::runtime_error("the X server does not come up");
+    }
+    const std::string number = read(numberFile);
+    setVariable("DISPLAY", ":" + number.substr(0, number.size() - 1));
+    setVariable("XDG_RUNTIME_DIR", folder_.path().string());
+    setVariable("QT_QPA_PLATFORM", "xcb");
+    setVariable("QT_LINUX_ACCESSIBILITY_ALWAYS_ON", "1");
+    setVariable("NO_AT_BRIDGE", "0");
+    bus_.emplace();
+    windowManager_.emplace(quietly(windowManagerProgram, {"--sm-disable"}));
+}
+
+Desktop::~Desktop() {
+    windowManager_->terminate();
+    windowManager_->waitUntilExit();
+    bus_.reset();
+    server_->terminate();
+    server_->waitUntilExit();
+}
+
+void Desktop::setVariable(const std::string& name, const std::string& value) {
+    variables_.push_back(std::make_unique<ScopedEnvironment>(name, value));
+}
+
+} // namespace quorvel::testing

@@ -1,0 +1,65 @@
+#include "tests/EndToEnd/Programs.h"
+#include "tests/support/Waiting.h"
+
+#include <gmock/gmock.h>
+
+namespace quorvel {
+namespace {
+
+using namespace testing;
+namespace fs = std::filesystem;
+using ::testing::IsSupersetOf;
+
+// Installs what is built below `prefix`.
+void installTo(const fs::path& prefix) {
+    Process::Options options;
+    options.executable = QUORVEL_CMAKE;
+    options.arguments = {"--install", QUORVEL_BUILD, "--prefix", prefix.string()};
+    options.standardOutput = Process::Discard{};
+    ASSERT_EQ(Process::run(options).waitUntilExit(), 0);
+}
+
+std::vector<std::string> filesBelow(const fs::path& folder) {
+    std::vector<std::string> files;
+    for (const auto& item : fs::recursive_directory_iterator(folder)) {
+        if (!item.is_directory()) {
+            files.push_back(item.path().lexically_relative(folder).string());
+        }
+    }
+    return files;
+}
+
+TEST(InstalledTree, HasItsFilesWhereADesktopLooksForThem) {
+    const TemporaryFolder folder;
+    installTo(folder.path());
+    EXPECT_THAT(
+        filesBelow(folder.path()),
+        IsSupersetOf({"bin/quorvelctl", "libexec/quorvel/quorvel-runner",
+                      "share/man/man1/quorvelctl.1", "share/bash-completion/completions/quorvelctl",
+                      "share/zsh/site-functions/_quorvelctl"}));
+#ifdef QUORVEL_WITH_APP
+    EXPECT_THAT(filesBelow(folder.path()),
+                IsSupersetOf({"bin/quorvel", "share/applications/app.quorvel.Quorvel.desktop",
+                              "share/metainfo/app.quorvel.Quorvel.metainfo.xml",
+                              "share/icons/hicolor/scalable/apps/app.quorvel.Quorvel.svg"}));
+#endif
+}
+
+TEST(InstalledTree, MakesClonesThatRunWithoutIt) {
+    QuorvelctlInAHome quorvelctl;
+    {
+        const TemporaryFolder folder;
+        installTo(folder.path());
+        quorvelctl.program = folder / "bin/quorvelctl";
+        quorvelctl.run({"create", "--kind", "command", "--name", "Greet", "--command",
+                        "/usr/bin/printf", "--arg", "hello"});
+    }
+    Process::Options options;
+    options.executable = quorvelctl.home / "Applications/Greet.app/Contents/MacOS/runner";
+    options.environment = quorvelctl.environment;
+    EXPECT_EQ(Process::run(options).waitUntilExit(), 0);
+    EXPECT_EQ(quorvelctl.log("Greet"), "hello");
+}
+
+} // namespace
+} // namespace quorvel

@@ -1,0 +1,31 @@
+#pragma once
+
+#include <Foundation/Foundation.h>
+
+NS_ASSUME_NONNULL_BEGIN
+
+@interface NSRunningApplication : NSObject
+@property(readonly, getter=isTerminated) BOOL terminated;
+@property(nullable, readonly, copy) NSString* bundleIdentifier;
+@property(nullable, readonly, copy) NSURL* bundleURL;
+@property(readonly) int processIdentifier;
+@end
+
+@interface NSWorkspaceOpenConfiguration : NSObject
++ (instancetype)configuration SINCE_MACOS(10.15);
+@property BOOL activates;
+@end
+
+@interface NSWorkspace : NSObject
+@property(class, readonly, strong) NSWorkspace* sharedWorkspace;
+@property(readonly, copy) NSArray<NSRunningApplication*>* runningApplications SINCE_MACOS(10.6);
+// The handler is called on a queue of the system's.
+- (void)openApplicationAtURL:(NSURL*)url
+               configuration:(NSWorkspaceOpenConfiguration*)configuration
+           completionHandler:(void (^_Nullable)(NSRunningApplication* _Nullable application,
+                                                NSError* _Nullable error))handler
+    SINCE_MACOS(10.15);
+- (void)activateFileViewerSelectingURLs:(NSArray<NSURL*>*)urls SINCE_MACOS(10.6);
+@end
+
+NS_ASSUME_NONNULL_END

@@ -1,0 +1,102 @@
+# Links what was compiled against the lists of symbols, and looks at what came out.
+# shellcheck shell=bash
+
+failed() { printf '%s\n' "$*" >>"$out/failures"; }
+link_failed() { failed "$1"; head -20 "$out/link.log" | sed 's/^/    /' >>"$out/failures"; }
+
+# link_for ARCHITECTURE OUTPUT ARGUMENTS...
+link_for() {
+  local arch=$1 output=$2 framework frameworks=()
+  shift 2
+  for framework in AppKit CoreFoundation CoreServices Foundation; do
+    frameworks+=(-framework $framework)
+  done
+  "$linker" -arch "$arch" -platform_version macos 13.0 13.0 -syslibroot "$here/libraries" \
+    -F/System/Library/Frameworks -lSystem -lc++ -lobjc "${frameworks[@]}" \
+    -dead_strip -dead_strip_dylibs -o "$output" "$@" >"$out/link.log" 2>&1
+}
+
+# The libraries that a program names and that are not the system's.
+outside_libraries() {
+  "llvm-objdump-$version" --macho --dylibs-used "$1" | sed -n 's/^\t\([^ ]*\) (.*/\1/p' |
+    grep -vE '^(/usr/lib|/System/Library)/' || true
+}
+
+# object_of ARCHITECTURE KIND FILE
+object_of() { echo "$out/$(tr / _ <<<"$3").$1.$2.o"; }
+
+# make_archive ARCHITECTURE FILES...: of their objects and the stand-ins. Prints its path.
+make_archive() {
+  local arch=$1 archive=$out/quorvel.$1.a file name objects=()
+  shift
+  for file in "$@"; do objects+=("$(object_of "$arch" object "$file")"); done
+  for name in platform_version libplist; do
+    "clang-$version" -target "$arch-apple-macos13.0" -nostdinc -Os \
+      -c "$here/stand-ins/$name.c" -o "$out/$name.$arch.o"
+    objects+=("$out/$name.$arch.o")
+  done
+  rm -f "$archive"
+  "llvm-ar-$version" rcs "$archive" "${objects[@]}"
+  echo "$archive"
+}
+
+# check_runner ARCHITECTURE ARCHIVE: links it as a program that stands alone.
+check_runner() {
+  local arch=$1 runner=$out/quorvel-runner.$1 outside
+  if ! link_for "$arch" "$runner" "$(object_of "$arch" object Runner/main.cpp)" "$2"; then
+    link_failed "the runner does not link for $arch"
+    return
+  fi
+  outside=$(outside_libraries "$runner")
+  [ -z "$outside" ] || failed "the runner needs what is not the system's: $outside"
+  ! "llvm-objdump-$version" --macho --private-headers "$runner" | grep -q LC_RPATH ||
+    failed "the runner looks for libraries beside itself"
+}
+
+# check_system_files ARCHITECTURE ARCHIVE FILES...: all of them, whether the runner uses them or not.
+check_system_files() {
+  local arch=$1 archive=$2 file objects=()
+  shift 2
+  for file in "$@"; do objects+=("$(object_of "$arch" object "$file")"); done
+  link_for "$arch" "$out/platform.$arch" -dylib "${objects[@]}" "$archive" ||
+    link_failed "the macOS files do not link for $arch"
+}
+
+listed_symbols() {
+  find "$here/libraries" -name '*.tbd' -exec sed -nE "s/^      - '?([^']+)'?$/\1/p" {} + | sort -u
+}
+
+# check_lists PROGRAMS...: whether the lists name only what the programs use.
+check_lists() {
+  "llvm-nm-$version" -u "$@" 2>/dev/null | sed -n 's/^.* //; /./p' |
+    sed -e 's/^_OBJC_\(META\)\{0,1\}CLASS_\$_//' | sort -u >"$out/used"
+  local unused
+  unused=$(listed_symbols | grep -vxFf "$out/used" | grep -vxF dyld_stub_binder || true)
+  [ -z "$unused" ] || failed "listed, but used by nothing: $(tr '\n' ' ' <<<"$unused")"
+}
+
+# check_link_mistakes ARCHITECTURE ARCHIVE FILES...
+check_link_mistakes() {
+  local arch=$1 archive=$2 file expected
+  shift 2
+  for file in "$@"; do
+    expected=$(sed -n '1s|^// expected: ||p' "$file")
+    if link_for "$arch" "$out/mistake" -dylib "$(object_of "$arch" link "${file#"$here/"}")" \
+      "$archive"; then
+      failed "linked, which it must not be: $file"
+    else
+      grep -qF -- "$expected" "$out/link.log" ||
+        link_failed "not linked, but for another reason than “$expected”: $file"
+    fi
+  done
+}
+
+# check_foreign_library ARCHITECTURE: whether a program that needs Homebrew's is told apart.
+check_foreign_library() {
+  local foreign=mistakes/foreign
+  link_for "$1" "$out/mistake" -dylib -install_name /usr/lib/libmistake.dylib \
+    "$(object_of "$1" link $foreign/foreign_library.cpp)" \
+    "$here/$foreign/libforeign.tbd" || link_failed "the library from elsewhere does not link"
+  [ "$(outside_libraries "$out/mistake")" = /opt/homebrew/lib/libforeign.dylib ] ||
+    failed "a library from elsewhere went unnoticed"
+}

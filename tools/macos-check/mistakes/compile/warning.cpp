@@ -1,0 +1,4 @@
+// expected: unused variable 'forgotten'
+void work() {
+    int forgotten = 0;
+}
