@@ -43,15 +43,20 @@ std::string noEntitlements(const std::filesystem::path& /*bundle*/) {
 
 std::optional<AppBundle> AppBundle::read(const std::filesystem::path& appURL,
                                          const EntitlementReader& entitlements) {
-    const auto info = PropertyList::readDictionary(appURL / "Contents" / "Info.plist");
+    const auto info = PropertyList::readDictionary(
+        appURL.native() + "/Contents/Info.plist",
+        {"CFBundleIdentifier", "CFBundleExecutable", "LSMultipleInstancesProhibited"});
     if (!info) {
         return std::nullopt;
     }
     AppBundle bundle;
     bundle.url = appURL;
-    const std::string fallback = bundleFallbackName(appURL);
-    bundle.bundleId = PropertyList::stringFor(*info, "CFBundleIdentifier").value_or(fallback);
-    bundle.executableName = PropertyList::stringFor(*info, "CFBundleExecutable").value_or(fallback);
+    const auto textOrName = [&](const char* key) {
+        auto text = PropertyList::stringFor(*info, key);
+        return text ? std::move(*text) : bundleFallbackName(appURL);
+    };
+    bundle.bundleId = textOrName("CFBundleIdentifier");
+    bundle.executableName = textOrName("CFBundleExecutable");
     const auto prohibits = info->find("LSMultipleInstancesProhibited");
     bundle.prohibitsMultipleInstances =
         prohibits != info->end() && prohibits->second.boolean().value_or(false);

@@ -2,6 +2,7 @@
 
 #include "LaunchKit/InstanceRegistry.h"
 #include "Platform/FileSystem.h"
+#include "Platform/Folder.h"
 #include "Platform/PropertyList.h"
 #include "Platform/Text.h"
 #include "Platform/UserPaths.h"
@@ -17,17 +18,32 @@ namespace quorvel {
 namespace fs = std::filesystem;
 namespace {
 
-std::vector<fs::path> bundlesIn(const std::vector<fs::path>& dirs) {
-    std::vector<fs::path> bundles;
-    for (const fs::path& folder : dirs) {
-        for (const std::string& name :
-             directoryEntries(folder).value_or(std::vector<std::string>{})) {
+struct Candidate {
+    const Folder* folder;
+    fs::path url;
+    std::string fileName;
+};
+
+std::vector<Folder> opened(const std::vector<fs::path>& dirs) {
+    std::vector<Folder> folders;
+    for (const fs::path& path : dirs) {
+        if (std::optional<Folder> folder = Folder::open(path)) {
+            folders.push_back(std::move(*folder));
+        }
+    }
+    return folders;
+}
+
+std::vector<Candidate> candidatesIn(std::vector<Folder>& folders) {
+    std::vector<Candidate> candidates;
+    for (Folder& folder : folders) {
+        for (std::string& name : folder.entries()) {
             if (isAppBundleName(name)) {
-                bundles.push_back(folder / name);
+                candidates.push_back({&folder, folder.path() / name, std::move(name)});
             }
         }
     }
-    return bundles;
+    return candidates;
 }
 
 // Most of the time is spent waiting for the code-signing tool, so that more threads than cores
@@ -60,15 +76,16 @@ void forEachIndex(std::size_t count, const std::function<void(std::size_t)>& wor
     }
 }
 
-std::optional<InstalledApp> readApp(const fs::path& bundle, const EntitlementReader& entitlements) {
-    if (itemExists(instanceConfigFile(bundle))) {
+std::optional<InstalledApp> readApp(Candidate& candidate, const EntitlementReader& entitlements) {
+    if (candidate.folder->has(candidate.fileName + instanceConfigInBundle)) {
         return std::nullopt;
     }
-    auto read = AppBundle::read(bundle, entitlements);
+    auto read = AppBundle::read(candidate.url, entitlements);
     if (!read) {
         return std::nullopt;
     }
-    return InstalledApp{bundle, bundleFallbackName(bundle), std::move(read->bundleId)};
+    return InstalledApp{std::move(candidate.url), bundleFallbackName(candidate.fileName),
+                        std::move(read->bundleId)};
 }
 
 // The first of each identifier.
@@ -100,7 +117,8 @@ std::vector<InstalledApp> sortedByName(std::vector<InstalledApp> apps) {
 } // namespace
 
 std::optional<fs::path> InstalledApp::iconURL() const {
-    const auto info = PropertyList::readDictionary(url / "Contents" / "Info.plist");
+    const auto info =
+        PropertyList::readDictionary(url / "Contents" / "Info.plist", {"CFBundleIconFile"});
     auto file = info ? PropertyList::stringFor(*info, "CFBundleIconFile") : std::nullopt;
     if (!file) {
         return std::nullopt;
@@ -119,10 +137,12 @@ std::vector<fs::path> AppCatalog::defaultSearchDirs() {
 
 std::vector<InstalledApp> AppCatalog::scan(const std::vector<fs::path>& dirs,
                                            const EntitlementReader& entitlements) {
-    const std::vector<fs::path> bundles = bundlesIn(dirs);
-    std::vector<std::optional<InstalledApp>> found(bundles.size());
-    forEachIndex(bundles.size(),
-                 [&](std::size_t index) { found[index] = readApp(bundles[index], entitlements); });
+    std::vector<Folder> folders = opened(dirs);
+    std::vector<Candidate> candidates = candidatesIn(folders);
+    std::vector<std::optional<InstalledApp>> found(candidates.size());
+    forEachIndex(candidates.size(), [&](std::size_t index) {
+        found[index] = readApp(candidates[index], entitlements);
+    });
     return sortedByName(withoutDuplicates(std::move(found)));
 }
 

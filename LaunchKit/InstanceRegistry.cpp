@@ -13,8 +13,6 @@ namespace quorvel {
 namespace fs = std::filesystem;
 namespace {
 
-constexpr const char* configInBundle = "/Contents/Resources/instance.json";
-
 // Puts every record in its place, one cycle after the other: records are large, and so each is
 // moved once, and no second list is made.
 void arrange(std::vector<InstanceRecord>& records, std::vector<std::size_t> order) {
@@ -54,7 +52,7 @@ void appendClones(const fs::path& path, std::vector<InstanceRecord>& records) {
     std::string bytes;
     for (const std::string& name : names) {
         if (!isAppBundleName(name) ||
-            !folder->read(name + configInBundle, InstanceConfig::maximumFileSize, bytes)) {
+            !folder->read(name + instanceConfigInBundle, InstanceConfig::maximumFileSize, bytes)) {
             continue;
         }
         InstanceRecord& record = records.emplace_back();
@@ -88,7 +86,7 @@ std::optional<fs::path> InstanceRecord::iconURL() const {
 }
 
 fs::path instanceConfigFile(const fs::path& bundleURL) {
-    return bundleURL.native() + configInBundle;
+    return bundleURL.native() + instanceConfigInBundle;
 }
 
 std::vector<fs::path> InstanceRegistry::defaultSearchDirs() {
@@ -105,7 +103,7 @@ std::vector<InstanceRecord> InstanceRegistry::list() const {
 }
 
 std::optional<InstanceRecord> InstanceRegistry::record(const fs::path& bundleURL) const {
-    auto config = InstanceConfig::read(bundleURL.native() + configInBundle);
+    auto config = InstanceConfig::read(bundleURL.native() + instanceConfigInBundle);
     if (!config) {
         return std::nullopt;
     }

@@ -22,7 +22,10 @@ struct InstanceRecord {
     bool operator==(const InstanceRecord& other) const { return bundleURL == other.bundleURL; }
 };
 
-/// Where a wrapper keeps its configuration.
+/// Where a wrapper keeps its configuration, to be appended to its path.
+inline constexpr const char* instanceConfigInBundle = "/Contents/Resources/instance.json";
+
+/// The same as a path.
 [[nodiscard]] std::filesystem::path instanceConfigFile(const std::filesystem::path& bundleURL);
 
 /// Finds, changes and deletes the clones below a few folders. Holds no other state; any thread.

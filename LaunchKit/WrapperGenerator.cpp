@@ -10,7 +10,8 @@ namespace fs = std::filesystem;
 namespace {
 
 std::optional<std::string> targetIconFile(const AppBundle& target) {
-    const auto info = PropertyList::readDictionary(target.url / "Contents" / "Info.plist");
+    const auto info =
+        PropertyList::readDictionary(target.url / "Contents" / "Info.plist", {"CFBundleIconFile"});
     return info ? PropertyList::stringFor(*info, "CFBundleIconFile") : std::nullopt;
 }
 

@@ -1,27 +1,33 @@
 #include "Platform/EventCoalescer.h"
 
+#include <iterator>
 #include <utility>
 
 namespace quorvel {
 
 void EventCoalescer::add(std::string path, std::uint32_t flags) {
-    const auto [place, isNew] = places_.try_emplace(path, batch_.paths.size());
-    if (isNew) {
-        batch_.paths.push_back(std::move(path));
-        batch_.flags.push_back(flags);
-    } else {
-        batch_.flags[place->second] |= flags;
+    if (const auto known = places_.find(path); known != places_.end()) {
+        flags_[known->second] |= flags;
+        return;
     }
+    paths_.push_back(std::move(path));
+    places_.emplace(paths_.back(), flags_.size());
+    flags_.push_back(flags);
 }
 
 std::optional<EventCoalescer::Clock::time_point> EventCoalescer::due() const {
-    return batch_.paths.empty() ? std::nullopt : std::optional(nextDelivery_);
+    return flags_.empty() ? std::nullopt : std::optional(nextDelivery_);
 }
 
 FSEventBatch EventCoalescer::take(Clock::time_point now) {
     nextDelivery_ = now + latency_;
     places_.clear();
-    return std::exchange(batch_, {});
+    FSEventBatch batch;
+    batch.paths.assign(std::make_move_iterator(paths_.begin()),
+                       std::make_move_iterator(paths_.end()));
+    batch.flags = std::exchange(flags_, {});
+    paths_.clear();
+    return batch;
 }
 
 } // namespace quorvel

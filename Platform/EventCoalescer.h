@@ -2,7 +2,9 @@
 
 #include "Platform/FSEventStream.h"
 
+#include <deque>
 #include <optional>
+#include <string_view>
 #include <unordered_map>
 
 namespace quorvel {
@@ -27,8 +29,9 @@ public:
 private:
     std::chrono::milliseconds latency_;
     Clock::time_point nextDelivery_{};
-    FSEventBatch batch_{};
-    std::unordered_map<std::string, std::size_t> places_{};
+    std::deque<std::string> paths_{}; ///< none of them moves, so that `places_` may point to them
+    std::vector<std::uint32_t> flags_{};
+    std::unordered_map<std::string_view, std::size_t> places_{};
 };
 
 } // namespace quorvel

@@ -37,7 +37,7 @@ struct FSEventBatch {
 /// reported when the file is closed.
 class FSEventStream {
 public:
-    using Handler = std::function<void(const FSEventBatch&)>;
+    using Handler = std::function<void(FSEventBatch)>;
 
     struct Options {
         std::vector<std::string> paths{}; ///< absolute, of folders

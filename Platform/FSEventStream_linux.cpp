@@ -21,6 +21,10 @@ using Clock = EventCoalescer::Clock;
 
 constexpr std::size_t longestThreadName = 15;
 
+// Milliseconds. Whoever writes would otherwise wake this thread with every single event, which
+// costs it more than the write; in this time the queue fills to a small part of what it can hold.
+constexpr int restBetweenReadings = 1;
+
 std::vector<std::string> withoutSlashesAtEnd(std::vector<std::string> paths) {
     for (std::string& path : paths) {
         path = withoutTrailingSlashes(path).string();
@@ -61,7 +65,7 @@ private:
         ::pthread_setname_np(::pthread_self(), label_.c_str());
         while (!waitForWork()) {
             settleRoots();
-            tree_.readQueue();
+            busy_ = tree_.readQueue() > 0;
             tree_.tidy(false);
             deliverWhenDue();
         }
@@ -73,7 +77,11 @@ private:
         std::array<pollfd, 3> files{{{wake_.descriptor(), POLLIN, 0},
                                      {sentinels_.descriptor(), POLLIN, 0},
                                      {tree_.descriptor(), POLLIN, 0}}};
-        ::poll(files.data(), files.size(), timeout());
+        if (busy_) {
+            ::poll(files.data(), 1, restBetweenReadings);
+        } else {
+            ::poll(files.data(), files.size(), timeout());
+        }
         return files[0].revents != 0;
     }
 
@@ -129,6 +137,7 @@ private:
     EventCoalescer coalescer_;
     RootSentinels sentinels_;
     WatchTree tree_;
+    bool busy_ = false; ///< the last reading found something
     std::thread thread_{};
 };
 

@@ -5,6 +5,8 @@
 #include <CoreServices/CoreServices.h>
 #include <dispatch/dispatch.h>
 
+#include <utility>
+
 namespace quorvel {
 namespace {
 
@@ -89,9 +91,9 @@ private:
             paths.push_back(pathOf(static_cast<CFStringRef>(CFArrayGetValueAtIndex(texts, index))));
         }
         const auto* self = static_cast<const SystemStream*>(info);
-        const FSEventBatch batch = self->translation_.translated(paths, {flags, count});
+        FSEventBatch batch = self->translation_.translated(paths, {flags, count});
         if (!batch.paths.empty()) {
-            self->handler_(batch);
+            self->handler_(std::move(batch));
         }
     }
 

@@ -126,7 +126,7 @@ bool isExecutableFile(const fs::path& path) noexcept {
 
 std::optional<Folder> Folder::open(const fs::path& path) {
     DIR* stream = hasNul(path) ? nullptr : ::opendir(path.c_str());
-    return stream == nullptr ? std::nullopt : std::optional(Folder(stream));
+    return stream == nullptr ? std::nullopt : std::optional(Folder(path, stream));
 }
 
 std::vector<std::string> Folder::entries() {
@@ -139,6 +139,12 @@ std::vector<std::string> Folder::entries() {
         }
     }
     return names;
+}
+
+bool Folder::has(const std::string& path) const {
+    struct stat status {};
+    return path.find('\0') == path.npos &&
+           ::fstatat(::dirfd(stream_.get()), path.c_str(), &status, 0) == 0;
 }
 
 bool Folder::read(const std::string& path, std::size_t limit, std::string& bytes) const {

@@ -7,11 +7,13 @@
 #include <algorithm>
 #include <cctype>
 #include <charconv>
+#include <chrono>
 #include <dirent.h>
 #include <fcntl.h>
 #include <memory>
 #include <optional>
 #include <sys/stat.h>
+#include <thread>
 #include <unistd.h>
 
 namespace quorvel {
@@ -126,6 +128,16 @@ std::string bundleOfScript(const std::string& process, const std::string& execut
 
 } // namespace
 
+void awaitCommandLine(pid_t pid) {
+    constexpr int patience = 1000;
+    const std::string process = "/proc/" + std::to_string(pid);
+    for (int waited = 0; waited < patience && !readLink(process + "/exe").empty() &&
+                         readStart(process + "/cmdline").empty();
+         ++waited) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
+}
+
 const std::string* ProcessTable::identifierOf(const std::string& bundle) {
     const std::string file = bundle + "/Contents/Info.plist";
     struct stat status {};
@@ -136,7 +148,7 @@ const std::string* ProcessTable::identifierOf(const std::string& bundle) {
     if (known.inode != status.st_ino || known.size != status.st_size ||
         known.modified.tv_sec != status.st_mtim.tv_sec ||
         known.modified.tv_nsec != status.st_mtim.tv_nsec) {
-        const auto dictionary = PropertyList::readDictionary(file);
+        const auto dictionary = PropertyList::readDictionary(file, {"CFBundleIdentifier"});
         known = {std::nullopt, status.st_ino, status.st_size, status.st_mtim};
         if (dictionary) {
             known.bundleId = PropertyList::stringFor(*dictionary, "CFBundleIdentifier")

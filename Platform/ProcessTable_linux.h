@@ -34,4 +34,8 @@ private:
     std::map<std::string, KnownBundle> known_;
 };
 
+/// Waits until a process that was just started can be known by its command line: for a moment it
+/// has none, and a script would not count. Gives up after about a second.
+void awaitCommandLine(pid_t pid);
+
 } // namespace quorvel

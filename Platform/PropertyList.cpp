@@ -6,6 +6,7 @@
 
 #include <plist/plist.h>
 
+#include <algorithm>
 #include <cstdlib>
 #include <memory>
 #include <stdexcept>
@@ -44,17 +45,30 @@ PropertyListArray convertedArray(plist_t node) {
     return result;
 }
 
-PropertyListDictionary convertedDictionary(plist_t node) {
+bool isWanted(plist_t item, PropertyList::Keys keys) {
+    return keys.size() == 0 || std::any_of(keys.begin(), keys.end(), [&](const char* key) {
+               return plist_key_val_compare(plist_dict_item_get_key(item), key) == 0;
+           });
+}
+
+PropertyListDictionary convertedDictionary(plist_t node, PropertyList::Keys keys = {}) {
     PropertyListDictionary result;
     plist_dict_iter raw = nullptr;
     plist_dict_new_iter(node, &raw);
     const CMemory<void> iterator(raw);
     while (true) {
-        char* rawKey = nullptr;
         plist_t item = nullptr;
-        plist_dict_next_item(node, raw, &rawKey, &item);
+        plist_dict_next_item(node, raw, nullptr, &item);
+        if (item == nullptr) {
+            return result;
+        }
+        if (!isWanted(item, keys)) {
+            continue;
+        }
+        char* rawKey = nullptr;
+        plist_dict_get_item_key(item, &rawKey);
         const CMemory<char> key(rawKey);
-        if (item == nullptr || key == nullptr) {
+        if (key == nullptr) {
             return result;
         }
         result.insert_or_assign(text(key.get(), std::char_traits<char>::length(key.get())),
@@ -154,7 +168,7 @@ std::optional<bool> PropertyListValue::boolean() const {
 
 namespace PropertyList {
 
-std::optional<PropertyListDictionary> parseDictionary(std::string_view bytes) {
+std::optional<PropertyListDictionary> parseDictionary(std::string_view bytes, Keys keys) {
     if (bytes.empty() || bytes.size() > maximumFileSize || !PropertyListLimits::within(bytes)) {
         return std::nullopt;
     }
@@ -169,12 +183,12 @@ std::optional<PropertyListDictionary> parseDictionary(std::string_view bytes) {
     if (!root || plist_get_node_type(root.get()) != PLIST_DICT) {
         return std::nullopt;
     }
-    return convertedDictionary(root.get());
+    return convertedDictionary(root.get(), keys);
 }
 
-std::optional<PropertyListDictionary> readDictionary(const std::filesystem::path& file) {
+std::optional<PropertyListDictionary> readDictionary(const std::string& file, Keys keys) {
     const std::optional<std::string> bytes = readFile(file, maximumFileSize);
-    return bytes ? parseDictionary(*bytes) : std::nullopt;
+    return bytes ? parseDictionary(*bytes, keys) : std::nullopt;
 }
 
 std::optional<std::string> stringFor(const PropertyListDictionary& dictionary,

@@ -1,7 +1,7 @@
 #pragma once
 
 #include <cstdint>
-#include <filesystem>
+#include <initializer_list>
 #include <map>
 #include <optional>
 #include <string>
@@ -44,14 +44,19 @@ namespace PropertyList {
 /// The largest file that is read.
 inline constexpr std::size_t maximumFileSize = std::size_t{8} << 20U;
 
+/// The keys that are wanted of a dictionary's top level; none of them means all. The rest costs
+/// less when it is not wanted.
+using Keys = std::initializer_list<const char*>;
+
 /// Reads an XML or binary property list whose root is a dictionary. Nothing when the file can't be
 /// read, is over `maximumFileSize`, is malformed, nests deeper than 256 levels or would unfold to
 /// more than a million values. A string whose bytes are not UTF-8 is taken as ISO 8859-1.
-[[nodiscard]] std::optional<PropertyListDictionary>
-readDictionary(const std::filesystem::path& file);
+[[nodiscard]] std::optional<PropertyListDictionary> readDictionary(const std::string& file,
+                                                                   Keys keys = {});
 
 /// The same from bytes.
-[[nodiscard]] std::optional<PropertyListDictionary> parseDictionary(std::string_view bytes);
+[[nodiscard]] std::optional<PropertyListDictionary> parseDictionary(std::string_view bytes,
+                                                                    Keys keys = {});
 
 /// The text of the string under `key`; nothing when the key is missing or holds no string.
 [[nodiscard]] std::optional<std::string> stringFor(const PropertyListDictionary& dictionary,

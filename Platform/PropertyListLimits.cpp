@@ -32,13 +32,13 @@ private:
         if (rest.starts_with("<![CDATA[")) {
             return passBehind("]]>");
         }
-        const std::size_t end = bytes_.find_first_of("<>", at_ + 1);
-        if (end == bytes_.npos || bytes_[end] == '<') {
+        const std::size_t end = bytes_.find('>', at_ + 1);
+        if (end == bytes_.npos) {
             return false;
         }
         const std::string_view tag = bytes_.substr(at_, end - at_);
         at_ = end + 1;
-        if (mayHoldQuotedEnd(tag)) {
+        if (tag.find('<', 1) != tag.npos || mayHoldQuotedEnd(tag)) {
             return false;
         }
         if (tag.starts_with("<!")) {

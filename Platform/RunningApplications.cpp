@@ -1,4 +1,3 @@
-#include "Platform/FileSystem.h"
 #include "Platform/Workspace.h"
 
 #include <algorithm>
@@ -34,7 +33,14 @@ bool isAppBundleName(std::string_view name) {
 }
 
 std::string bundleFallbackName(const std::filesystem::path& bundle) {
-    return withoutTrailingSlashes(bundle).stem().string();
+    std::string_view name = bundle.native();
+    while (name.size() > 1 && name.ends_with('/')) {
+        name.remove_suffix(1);
+    }
+    name.remove_prefix(name.rfind('/') + 1);
+    const std::size_t dot = name.rfind('.');
+    const bool hasExtension = dot != name.npos && dot != 0 && name != "..";
+    return std::string(name.substr(0, hasExtension ? dot : name.npos));
 }
 
 } // namespace quorvel

@@ -19,7 +19,8 @@ namespace quorvel {
 namespace {
 
 std::filesystem::path executableOf(const std::filesystem::path& bundle) {
-    const auto dictionary = PropertyList::readDictionary(bundle / "Contents" / "Info.plist");
+    const auto dictionary =
+        PropertyList::readDictionary(bundle / "Contents" / "Info.plist", {"CFBundleExecutable"});
     if (!dictionary) {
         throw PlatformError(std::make_error_code(std::errc::no_such_file_or_directory), bundle,
                             "opened");
@@ -62,6 +63,7 @@ public:
                 options.standardError = Process::Discard{};
                 options.detached = true;
                 const Process started = Process::run(options);
+                awaitCommandLine(started.identifier());
             }
         } catch (const PlatformError& failure) {
             error = failure;

@@ -1,14 +1,16 @@
 #include "ProbeKit/FSEventProbe.h"
 
+#include <utility>
+
 namespace quorvel {
 namespace {
 
 constexpr std::uint32_t writeMask =
     FSEventFlag::itemCreated | FSEventFlag::itemRenamed | FSEventFlag::itemModified;
 
-WriteEvent writeEvent(const std::string& path, std::uint32_t flags) {
+WriteEvent writeEvent(std::string path, std::uint32_t flags) {
     const auto has = [flags](std::uint32_t flag) { return (flags & flag) != 0; };
-    return {path, has(FSEventFlag::itemIsDir), has(FSEventFlag::itemCreated),
+    return {std::move(path), has(FSEventFlag::itemIsDir), has(FSEventFlag::itemCreated),
             has(FSEventFlag::itemModified), has(FSEventFlag::itemRenamed)};
 }
 
@@ -19,7 +21,7 @@ void FSEventProbe::start() {
     options.paths = pathsToWatch_;
     options.queueLabel = "app.quorvel.fsprobe";
     auto stream = FSEventStream::start(std::move(options),
-                                       [this](const FSEventBatch& batch) { receive(batch); });
+                                       [this](FSEventBatch batch) { receive(std::move(batch)); });
     if (stream) {
         streams_.push_back(std::move(stream));
     } else {
@@ -42,7 +44,7 @@ bool FSEventProbe::isComplete() const {
     return complete_;
 }
 
-void FSEventProbe::receive(const FSEventBatch& batch) {
+void FSEventProbe::receive(FSEventBatch batch) {
     if (batch.paths.size() != batch.flags.size()) {
         return;
     }
@@ -51,7 +53,7 @@ void FSEventProbe::receive(const FSEventBatch& batch) {
         const std::uint32_t flags = batch.flags[index];
         complete_ = complete_ && (flags & FSEventFlag::mustScanSubDirs) == 0;
         if ((flags & writeMask) != 0) {
-            events_.push_back(writeEvent(batch.paths[index], flags));
+            events_.push_back(writeEvent(std::move(batch.paths[index]), flags));
         }
     }
 }

@@ -31,7 +31,7 @@ public:
 
     /// What the stream calls, on its own queue. A batch without as many flags as paths is dropped
     /// whole; events that neither create, modify nor rename are passed over.
-    void receive(const FSEventBatch& batch);
+    void receive(FSEventBatch batch);
 
 private:
     std::vector<std::unique_ptr<FSEventStream>> streams_{};

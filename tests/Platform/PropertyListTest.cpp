@@ -98,6 +98,17 @@ TEST(PropertyList, TheLastOfEqualKeysCounts) {
     EXPECT_EQ(dictionary->at("a"), "2");
 }
 
+TEST(PropertyList, OnlyTheKeysThatAreWantedAreThere) {
+    const std::string xml = PropertyList::xml(
+        {{"a", "1"}, {"b", PropertyListDictionary{{"a", "deep"}}}, {"ab", "2"}, {"c", true}});
+    EXPECT_EQ(PropertyList::parseDictionary(xml, {"a", "c", "none"}),
+              (PropertyListDictionary{{"a", "1"}, {"c", true}}));
+    EXPECT_EQ(PropertyList::parseDictionary(xml, {"b"}),
+              (PropertyListDictionary{{"b", PropertyListDictionary{{"a", "deep"}}}}));
+    EXPECT_EQ(PropertyList::parseDictionary(xml, {"none"}), PropertyListDictionary{});
+    EXPECT_EQ(PropertyList::parseDictionary("<plist><array/></plist>", {"a"}), std::nullopt);
+}
+
 TEST(PropertyList, AStringIsFoundByItsKeyAndNothingElse) {
     const PropertyListDictionary dictionary{{"text", "x"}, {"flag", true}};
     EXPECT_EQ(PropertyList::stringFor(dictionary, "text"), "x");

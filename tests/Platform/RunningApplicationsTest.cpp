@@ -37,6 +37,12 @@ TEST(RunningApplications, ABundleWithoutAnIdentifierGoesByItsFoldersName) {
     EXPECT_EQ(bundleFallbackName("/A/Foo.app/"), "Foo");
     EXPECT_EQ(bundleFallbackName("/A/My.Foo.app"), "My.Foo");
     EXPECT_EQ(bundleFallbackName("/A/Foo"), "Foo");
+    for (const char* path : {"Foo.app", "/A/.app", "/A/..app", "/A/..", ".", "/", "", "/A.b/Foo",
+                             "/A/Foo.", "/A/.hidden.app", "/A/Foo.app/Contents"}) {
+        EXPECT_EQ(bundleFallbackName(path), std::filesystem::path(path).stem()) << path;
+    }
+    EXPECT_EQ(bundleFallbackName("/A/Foo.app///"), "Foo");
+    EXPECT_EQ(bundleFallbackName("//"), "");
 }
 
 TEST(BundleNames, OnlyTheExtensionInLowerCaseMakesABundle) {
