@@ -30,6 +30,14 @@ constexpr std::array<std::pair<int, std::string_view>, 7> chunkTypes{{
     {16, "ic04"},
 }};
 
+constexpr std::array<std::pair<int, std::string_view>, 5> doubleChunkTypes{{
+    {1024, "ic10"},
+    {512, "ic14"},
+    {256, "ic13"},
+    {64, "ic12"},
+    {32, "ic11"},
+}};
+
 constexpr int largestPlanes = 32;
 
 std::string bigEndianBytes(std::size_t number) {
@@ -44,6 +52,21 @@ std::string chunk(std::string_view type, std::string_view payload) {
     return std::string(type) + bigEndianBytes(payload.size() + 8) + std::string(payload);
 }
 
+std::string chunkUnlessEmpty(std::string_view type, const std::string& payload) {
+    return payload.empty() ? payload : chunk(type, payload);
+}
+
+// Empty when no type has this size.
+std::string_view typeFor(const QImage& image,
+                         std::span<const std::pair<int, std::string_view>> types) {
+    for (const auto& [side, type] : types) {
+        if (image.size() == QSize(side, side)) {
+            return type;
+        }
+    }
+    return {};
+}
+
 std::string planes(const QImage& image) {
     const QImage pixels = image.convertToFormat(QImage::Format_ARGB32);
     std::string packed = "ARGB";
@@ -56,7 +79,7 @@ std::string planes(const QImage& image) {
         }
         packRuns(plane, packed);
     }
-    return packed;
+    return packed + '\0'; // macOS on Apple's own processors passes over the last byte
 }
 
 } // namespace
@@ -77,14 +100,16 @@ std::string pngBytes(const QImage& image) {
 }
 
 std::string icnsChunk(const QImage& image) {
-    const auto* type = std::find_if(chunkTypes.begin(), chunkTypes.end(), [&](const auto& known) {
-        return image.size() == QSize(known.first, known.first);
-    });
-    if (type == chunkTypes.end()) {
+    const std::string_view type = typeFor(image, chunkTypes);
+    if (type.empty()) {
         return {};
     }
-    const std::string payload = type->first <= largestPlanes ? planes(image) : pngBytes(image);
-    return payload.empty() ? payload : chunk(type->second, payload);
+    return chunkUnlessEmpty(type, image.width() <= largestPlanes ? planes(image) : pngBytes(image));
+}
+
+std::string icnsDoubleChunk(const QImage& image) {
+    const std::string_view type = typeFor(image, doubleChunkTypes);
+    return type.empty() ? std::string() : chunkUnlessEmpty(type, pngBytes(image));
 }
 
 std::string icnsFile(std::span<const std::string> chunks) {

@@ -12,6 +12,10 @@ namespace quorvel {
 /// the others PNG files marked as sRGB. Empty when the image has another size or can't be encoded.
 [[nodiscard]] std::string icnsChunk(const QImage& image);
 
+/// The entry for a screen of double density, which shows `image` at half its size: a square of 32,
+/// 64, 256, 512 or 1024 pixels, as a PNG file. Empty as above.
+[[nodiscard]] std::string icnsDoubleChunk(const QImage& image);
+
 /// A container of these entries, in this order.
 [[nodiscard]] std::string icnsFile(std::span<const std::string> chunks);
 

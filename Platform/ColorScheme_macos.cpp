@@ -5,7 +5,7 @@ namespace {
 
 // The toolkit's native style follows the system by itself.
 class ToolkitColorScheme final : public ColorSchemeSource {
-  public:
+public:
     [[nodiscard]] std::optional<ColorScheme> current() const override { return std::nullopt; }
 };
 

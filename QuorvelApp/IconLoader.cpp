@@ -4,7 +4,9 @@
 #include "QuorvelApp/Symbols.h"
 
 #include <QApplication>
+#include <QFileIconProvider>
 #include <QMimeDatabase>
+#include <QOperatingSystemVersion>
 #include <QPainter>
 #include <QtMath>
 
@@ -15,6 +17,11 @@ using namespace Qt::StringLiterals;
 
 // Enough for every app of a large catalog at twice the pixels.
 constexpr int cacheKilobytes = 96 * 1024;
+
+// In kilobytes, for a square of so many pixels.
+qsizetype costOf(int pixels) {
+    return 1 + qsizetype{4} * pixels * pixels / 1024;
+}
 
 QString keyFor(const std::filesystem::path& path, int pixels, const QString& variant) {
     return qtText(path) + u'\n' + QString::number(pixels) + variant;
@@ -34,6 +41,15 @@ QPixmap typeIcon(const std::filesystem::path& path, int size, double ratio) {
     return types.isEmpty()
                ? QPixmap()
                : QIcon::fromTheme(types.front().iconName()).pixmap(QSize(size, size), ratio);
+}
+
+// macOS knows an icon for every single file, also for a bundle whose own we can't read. Null
+// elsewhere.
+QPixmap systemIcon(const std::filesystem::path& path, int size, double ratio) {
+    if (QOperatingSystemVersion::currentType() != QOperatingSystemVersion::MacOS) {
+        return {};
+    }
+    return QFileIconProvider().icon(QFileInfo(qtText(path))).pixmap(QSize(size, size), ratio);
 }
 
 // What stands for an app without an icon of its own: a rounded tile with our symbol.
@@ -68,7 +84,15 @@ QPixmap IconLoader::icon(const std::filesystem::path& path, int size, double rat
         load(path, key, pixels, ratio);
     }
     const QPixmap* known = known_.object(key);
-    return known != nullptr && !known->isNull() ? *known : standIn(path, size, ratio);
+    if (known != nullptr && !known->isNull()) {
+        return *known;
+    }
+    const QPixmap system = fresh_.contains(key) ? systemIcon(path, size, ratio) : QPixmap();
+    if (system.isNull()) {
+        return standIn(path, size, ratio);
+    }
+    known_.insert(key, new QPixmap(system), costOf(pixels));
+    return system;
 }
 
 void IconLoader::refresh() {
@@ -84,8 +108,7 @@ void IconLoader::load(const std::filesystem::path& path, const QString& key, int
             underWay_.remove(key);
             fresh_.insert(key);
             image.setDevicePixelRatio(ratio);
-            known_.insert(key, new QPixmap(QPixmap::fromImage(image)),
-                          static_cast<qsizetype>(1 + image.sizeInBytes() / 1024));
+            known_.insert(key, new QPixmap(QPixmap::fromImage(image)), costOf(image.width()));
             Q_EMIT loaded(path);
         });
 }

@@ -57,6 +57,9 @@ install_packages() {
   if [ "$(uname)" = Darwin ]; then
     install_homebrew "${homebrew_build[@]}"
     [ "$1" = build ] || install_homebrew "${homebrew_test[@]}"
+    # Homebrew keeps this one apart from what the system has of it.
+    ICU_ROOT=$(brew --prefix icu4c)
+    export ICU_ROOT
   elif command -v apt-get >/dev/null; then
     install_debian "${debian_build[@]}"
     [ "$1" = build ] || install_debian "${debian_test[@]}"

@@ -117,7 +117,7 @@ TEST(WatchedFolder, ThatIsGivenWithSlashesAtTheEndGivesPlainPaths) {
 TEST(WatchedFolder, InsideAnotherIsRecordedOnce) {
     const TemporaryFolder folder;
     fs::create_directory(folder / "inner");
-    Recording recording({folder / "inner", folder.path()});
+    Recording recording(std::vector{folder / "inner", folder.path()});
     fs::create_directory(folder / "inner/dir");
     fs::create_directory(folder / "outer");
     EXPECT_THAT(recording.stop(),
@@ -128,7 +128,7 @@ TEST(WatchedFolder, InsideAnotherIsRecordedOnce) {
 TEST(WatchedFolder, AroundAnotherRecordsBoth) {
     const TemporaryFolder folder;
     fs::create_directory(folder / "inner");
-    Recording recording({folder.path(), folder / "inner"});
+    Recording recording(std::vector{folder.path(), folder / "inner"});
     fs::create_directory(folder / "inner/dir");
     EXPECT_THAT(recording.stop(),
                 ElementsAre(WriteEvent{folder / "inner/dir", true, true, false, false}));
@@ -136,7 +136,7 @@ TEST(WatchedFolder, AroundAnotherRecordsBoth) {
 
 TEST(WatchedFolder, GivenTwiceIsRecordedOnce) {
     const TemporaryFolder folder;
-    Recording recording({folder.path(), folder.path()});
+    Recording recording(std::vector{folder.path(), folder.path()});
     fs::create_directory(folder / "dir");
     EXPECT_EQ(recording.stop().size(), 1U);
 }

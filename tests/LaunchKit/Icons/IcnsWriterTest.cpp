@@ -59,10 +59,39 @@ TEST(IcnsWriter, writesEachSizeAsItsType) {
     }
 }
 
+TEST(IcnsWriter, writesEachSizeForScreensOfDoubleDensityAsItsType) {
+    const std::vector<std::pair<int, std::string>> types{
+        {1024, "ic10"}, {512, "ic14"}, {256, "ic13"}, {64, "ic12"}, {32, "ic11"}};
+    for (const auto& [side, type] : types) {
+        const auto file =
+            IcnsFile::parse(icnsFile(std::vector{icnsDoubleChunk(testPicture(side))}));
+        ASSERT_TRUE(file);
+        ASSERT_EQ(file->entries().size(), 1U);
+        EXPECT_EQ(file->entries()[0], (IcnsEntry{type, IcnsEncoding::png, side, side}));
+        EXPECT_EQ(file->decode(0), testPicture(side)) << side;
+    }
+}
+
 TEST(IcnsWriter, writesNoOtherSize) {
+    for (const int side : {16, 48, 128}) {
+        EXPECT_EQ(icnsDoubleChunk(testPicture(side)), "");
+    }
+    EXPECT_EQ(icnsDoubleChunk(QImage()), "");
     EXPECT_EQ(icnsChunk(testPicture(48)), "");
     EXPECT_EQ(icnsChunk(testPicture(64).copy(0, 0, 64, 32)), "");
     EXPECT_EQ(icnsChunk(QImage()), "");
+}
+
+TEST(IcnsWriter, endsPlanesWithAByteThatMayBeLost) {
+    for (const int side : {16, 32}) {
+        std::string bytes = icnsChunk(testPicture(side));
+        EXPECT_EQ(bytes.back(), '\0');
+        bytes.pop_back();
+        bytes[7] = static_cast<char>(bytes[7] - 1); // the entry's length
+        const auto file = IcnsFile::parse(icnsFile(std::vector{bytes}));
+        ASSERT_TRUE(file);
+        EXPECT_EQ(file->decode(0), testPicture(side));
+    }
 }
 
 TEST(IcnsWriter, marksPngAsStandardColours) {

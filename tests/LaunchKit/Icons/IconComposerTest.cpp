@@ -256,12 +256,13 @@ TEST_F(Composing, worksOnManyThreadsAtOnce) {
         return read(folder_ / name);
     };
     std::vector<std::string> parallel(texts.size());
-    {
-        std::vector<std::jthread> threads;
-        for (std::size_t index = 0; index < texts.size(); ++index) {
-            threads.emplace_back(
-                [&, index] { parallel[index] = outputOf(texts[index], std::to_string(index)); });
-        }
+    std::vector<std::thread> threads;
+    for (std::size_t index = 0; index < texts.size(); ++index) {
+        threads.emplace_back(
+            [&, index] { parallel[index] = outputOf(texts[index], std::to_string(index)); });
+    }
+    for (std::thread& thread : threads) {
+        thread.join();
     }
     for (std::size_t index = 0; index < texts.size(); ++index) {
         EXPECT_EQ(parallel[index], outputOf(texts[index], "alone")) << texts[index];

@@ -1,6 +1,9 @@
 #pragma once
 
 #ifdef __cplusplus
-extern "C"
+extern "C" {
 #endif
 char*** _NSGetEnviron(void);
+#ifdef __cplusplus
+}
+#endif

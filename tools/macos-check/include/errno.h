@@ -3,8 +3,11 @@
 #include_next <errno.h>
 
 #ifdef __cplusplus
-extern "C"
+extern "C" {
 #endif
 int* __error(void);
+#ifdef __cplusplus
+}
+#endif
 #undef errno
 #define errno (*__error())

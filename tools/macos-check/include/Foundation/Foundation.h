@@ -13,10 +13,10 @@ NS_ASSUME_NONNULL_BEGIN
 @end
 
 typedef NSString* NSKeyValueChangeKey;
-@interface NSDictionary <Key, Value> : NSObject
+@interface NSDictionary<Key, Value> : NSObject
 @end
 
-@interface NSArray <__covariant Element> : NSObject
+@interface NSArray<__covariant Element> : NSObject
 + (instancetype)arrayWithObjects:(const Element _Nonnull[_Nullable])objects count:(NSUInteger)count;
 - (NSUInteger)countByEnumeratingWithState:(void*)state
                                   objects:(id _Nullable __unsafe_unretained[_Nonnull])buffer
@@ -59,10 +59,7 @@ typedef struct {
 
 // In C++ an option set is a plain integer, so that `a | b` is one as well.
 typedef NSUInteger NSKeyValueObservingOptions;
-enum : NSUInteger {
-    NSKeyValueObservingOptionNew = 0x01,
-    NSKeyValueObservingOptionInitial = 0x04
-};
+enum : NSUInteger { NSKeyValueObservingOptionNew = 0x01, NSKeyValueObservingOptionInitial = 0x04 };
 @interface NSObject (NSKeyValueObserving)
 - (void)addObserver:(NSObject*)observer
          forKeyPath:(NSString*)keyPath

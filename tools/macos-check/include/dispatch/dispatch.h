@@ -25,7 +25,7 @@ dispatch_queue_t dispatch_queue_create(const char* label, dispatch_queue_attr_t 
 
 extern struct dispatch_queue_s _dispatch_main_q;
 #ifdef __OBJC__
-#define dispatch_get_main_queue() ((__bridge dispatch_queue_t)&_dispatch_main_q)
+#define dispatch_get_main_queue() ((__bridge dispatch_queue_t) & _dispatch_main_q)
 #else
 #define dispatch_get_main_queue() (&_dispatch_main_q)
 void dispatch_release(dispatch_queue_t queue); // under ARC, queues are objects like others

@@ -5,6 +5,4 @@
 - (void)release;
 @end
 
-void drop(NSObject* object) {
-    [object release];
-}
+void drop(NSObject* object) { [object release]; }

@@ -5,6 +5,4 @@
 - (void)activateLately SINCE_MACOS(14.0);
 @end
 
-void activate() {
-    [NSWorkspace.sharedWorkspace activateLately];
-}
+void activate() { [NSWorkspace.sharedWorkspace activateLately]; }

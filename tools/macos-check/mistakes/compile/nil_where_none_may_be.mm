@@ -1,6 +1,4 @@
 // expected: null passed to a callee that requires a non-null argument
 #import <AppKit/AppKit.h>
 
-void reveal() {
-    [NSWorkspace.sharedWorkspace activateFileViewerSelectingURLs:nil];
-}
+void reveal() { [NSWorkspace.sharedWorkspace activateFileViewerSelectingURLs:nil]; }

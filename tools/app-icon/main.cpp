@@ -1,0 +1,64 @@
+// Draws the application's own icon, while it is built: quorvel-app-icon DRAWING.svg ICON.icns
+
+#include "LaunchKit/IcnsWriter.h"
+#include "Platform/FileSystem.h"
+
+#include <QGuiApplication>
+#include <QPainter>
+#include <QSvgRenderer>
+
+#include <cstdio>
+#include <string>
+#include <vector>
+
+namespace {
+
+QImage drawn(QSvgRenderer& drawing, int side) {
+    QImage image(side, side, QImage::Format_ARGB32_Premultiplied);
+    image.fill(Qt::transparent);
+    QPainter painter(&image);
+    drawing.render(&painter);
+    painter.end();
+    return image.convertToFormat(QImage::Format_ARGB32);
+}
+
+// Every size is drawn, none is scaled: the smallest stay as sharp as the largest.
+std::vector<std::string> chunks(QSvgRenderer& drawing) {
+    std::vector<std::string> result;
+    for (const int side : {16, 32, 128, 256, 512}) {
+        result.push_back(quorvel::icnsChunk(drawn(drawing, side)));
+        result.push_back(quorvel::icnsDoubleChunk(drawn(drawing, 2 * side)));
+    }
+    return result;
+}
+
+int fail(const char* message) {
+    std::fprintf(stderr, "quorvel-app-icon: %s\n", message);
+    return 1;
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    qputenv("QT_QPA_PLATFORM", "offscreen"); // a build has no display
+    const QGuiApplication application(argc, argv);
+    if (argc != 3) {
+        return fail("usage: quorvel-app-icon DRAWING.svg ICON.icns");
+    }
+    QSvgRenderer drawing(QString::fromLocal8Bit(argv[1]));
+    if (!drawing.isValid()) {
+        return fail("the drawing can't be read");
+    }
+    const std::vector<std::string> entries = chunks(drawing);
+    for (const std::string& entry : entries) {
+        if (entry.empty()) {
+            return fail("a size can't be written");
+        }
+    }
+    try {
+        quorvel::writeFile(argv[2], quorvel::icnsFile(entries));
+    } catch (const quorvel::PlatformError& error) {
+        return fail(error.what());
+    }
+    return 0;
+}

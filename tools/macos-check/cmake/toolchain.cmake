@@ -1,0 +1,17 @@
+# Lets CMake take this for a build on a Mac, as far as configuring goes. Nothing is built with it.
+set(CMAKE_SYSTEM_NAME Darwin)
+set(CMAKE_SYSTEM_VERSION 22.0)
+set(CMAKE_SYSTEM_PROCESSOR arm64)
+set(CMAKE_C_COMPILER clang-16)
+set(CMAKE_CXX_COMPILER clang++-16)
+set(CMAKE_C_COMPILER_TARGET arm64-apple-macos13.0)
+set(CMAKE_CXX_COMPILER_TARGET arm64-apple-macos13.0)
+set(CMAKE_TRY_COMPILE_TARGET_TYPE STATIC_LIBRARY)
+set(CMAKE_AR llvm-ar-16 CACHE STRING "")
+set(CMAKE_RANLIB llvm-ranlib-16 CACHE STRING "")
+set(CMAKE_INSTALL_NAME_TOOL llvm-install-name-tool-16 CACHE STRING "")
+set(CMAKE_OSX_SYSROOT "" CACHE STRING "")
+# Qt for macOS asks for the system's OpenGL.
+set(OPENGL_INCLUDE_DIR /usr/include CACHE STRING "")
+set(OPENGL_gl_LIBRARY GL CACHE STRING "")
+set(WrapOpenGL_AGL GL CACHE STRING "")
