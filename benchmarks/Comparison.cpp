@@ -50,12 +50,16 @@ Row compareTimes(const std::string& what, const std::function<void()>& figure,
             cost <= goal * least};
 }
 
+void print(const Row& row) {
+    std::printf("%-62s %14s %14s %13s %14s  %s\n", row.what.c_str(),
+                decimals(row.figure, row.unit).c_str(), decimals(row.floor, row.unit).c_str(),
+                row.result.c_str(), row.goal.c_str(), row.met ? "met" : "MISSED");
+}
+
 void print(const std::vector<Row>& rows) {
-    std::printf("%-58s %14s %14s %12s %14s\n", "", "figure", "floor", "result", "goal");
+    std::printf("%-62s %14s %14s %13s %14s\n", "", "figure", "floor", "result", "goal");
     for (const Row& row : rows) {
-        std::printf("%-58s %14s %14s %12s %14s  %s\n", row.what.c_str(),
-                    decimals(row.figure, row.unit).c_str(), decimals(row.floor, row.unit).c_str(),
-                    row.result.c_str(), row.goal.c_str(), row.met ? "met" : "MISSED");
+        print(row);
     }
 }
 

@@ -31,6 +31,10 @@ struct Row {
 /// "1.32 x" and the like, with two decimals.
 [[nodiscard]] std::string decimals(double value, const std::string& unit);
 
+/// One line, in the table's columns.
+void print(const Row& row);
+
+/// The table, with its heading.
 void print(const std::vector<Row>& rows);
 
 } // namespace quorvel::benchmarks

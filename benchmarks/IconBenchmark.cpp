@@ -1,58 +1,41 @@
-// Icon work against its floors, both sides measured in turns in the same run. Every benchmark
-// prints the medians in milliseconds and "ratio", our time divided by the floor's.
-
+// Icon work against its floors.
 #include "LaunchKit/FontEngine.h"
 #include "LaunchKit/IcnsFile.h"
 #include "LaunchKit/IcnsWriter.h"
 #include "LaunchKit/IconComposer.h"
 #include "LaunchKit/IconImage.h"
+#include "benchmarks/Benchmarks.h"
 #include "tests/support/IconArtwork.h"
 #include "tests/support/TemporaryHome.h"
 
-#include <benchmark/benchmark.h>
-
 #include <QImage>
 
-#include <algorithm>
-#include <chrono>
+#include <array>
+#include <cstdio>
 #include <cstdlib>
 #include <filesystem>
+#include <optional>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
-namespace quorvel::testing {
+namespace quorvel::benchmarks {
 namespace {
+
+using namespace testing;
 
 namespace fs = std::filesystem;
 
 const IconLabel label{"Work", "#FFFFFF", IconLabel::Position::bottom};
 
-template<typename Work>
-double millisecondsOf(Work work) {
-    const auto start = std::chrono::steady_clock::now();
-    work();
-    return std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - start)
-        .count();
-}
-
-double median(std::vector<double> values) {
-    std::nth_element(values.begin(),
-                     values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2), values.end());
-    return values[values.size() / 2];
-}
-
-template<typename Ours, typename Floor>
-void compare(benchmark::State& state, Ours ours, Floor floor) {
-    std::vector<double> ourTimes;
-    std::vector<double> floorTimes;
-    for ([[maybe_unused]] auto iteration : state) {
-        floorTimes.push_back(millisecondsOf(floor));
-        ourTimes.push_back(millisecondsOf(ours));
+// A figure for work that failed would be none.
+void require(bool done) {
+    if (!done) {
+        throw std::runtime_error("an icon could not be made or read");
     }
-    state.counters["ours_ms"] = median(ourTimes);
-    state.counters["floor_ms"] = median(floorTimes);
-    state.counters["ratio"] = median(ourTimes) / median(floorTimes);
 }
+
+constexpr std::array<const char*, 3> artworkNames{"chat", "paper", "planet"};
 
 // A modern icon: the artwork in all sizes, as the writer lays it out.
 void writeModernIcon(const fs::path& file, IconArtist artist) {
@@ -75,21 +58,21 @@ std::vector<QImage> pngImagesOf(const fs::path& composed) {
     return images;
 }
 
-void composeAgainstEncoding(benchmark::State& state) {
-    const TemporaryFolder folder;
+Row composeAgainstEncoding(const fs::path& folder, std::size_t artwork) {
     const fs::path source = folder / "source.icns";
     const fs::path composed = folder / "composed.icns";
-    writeModernIcon(source, iconArtists.at(static_cast<std::size_t>(state.range(0))));
+    writeModernIcon(source, iconArtists.at(artwork));
     IconComposer::compose(source, label, composed);
     const std::vector<QImage> images = pngImagesOf(composed);
-    compare(
-        state, [&] { IconComposer::compose(source, label, composed); },
+    return compareTimes(
+        std::string("label the ") + artworkNames.at(artwork) + " icon, against encoding its images",
+        [&] { IconComposer::compose(source, label, composed); },
         [&] {
             for (const QImage& image : images) {
-                benchmark::DoNotOptimize(pngBytes(image));
+                require(!pngBytes(image).empty());
             }
-        });
-    state.counters["png_images"] = static_cast<double>(images.size());
+        },
+        1.5, 15);
 }
 
 // What someone would write by hand. png2icns takes no 64 pixels, so the script does one size less.
@@ -108,40 +91,49 @@ done
 png2icns composed.icns out1024.png out512.png out256.png out128.png out32.png out16.png >/dev/null
 )";
 
-void composeAgainstScript(benchmark::State& state) {
-    const TemporaryFolder folder;
+std::optional<Row> composeAgainstScript(const fs::path& folder) {
     chatIcon(1024).save(QString::fromStdString((folder / "source.png").string()));
     write(folder / "script", handScript);
     const std::string command =
-        "sh -c \"$(cat '" + (folder / "script").string() + "')\" '" + folder.path().string() + "'";
+        "sh -c \"$(cat '" + (folder / "script").string() + "')\" '" + folder.string() + "'";
     if (std::system(command.c_str()) != 0) {
-        state.SkipWithError("needs convert and png2icns");
-        return;
+        std::fputs("no row for the script by hand: it needs convert and png2icns\n", stderr);
+        return std::nullopt;
     }
-    compare(
-        state, [&] { IconComposer::compose(folder / "source.png", label, folder / "ours.icns"); },
-        [&] { benchmark::DoNotOptimize(std::system(command.c_str())); });
+    constexpr double goal = 5;
+    Row row = compareTimes(
+        "label an icon, against ImageMagick and png2icns",
+        [&] { IconComposer::compose(folder / "source.png", label, folder / "ours.icns"); },
+        [&] { require(std::system(command.c_str()) == 0); }, 1 / goal, 1);
+    row.result = decimals(row.floor / row.figure, "x faster");
+    row.goal = ">= " + decimals(goal, "x");
+    return row;
 }
 
-void listImageAgainstLargest(benchmark::State& state) {
-    const TemporaryFolder folder;
+Row listImageAgainstLargest(const fs::path& folder, std::size_t artwork) {
     const fs::path source = folder / "source.icns";
-    writeModernIcon(source, iconArtists.at(static_cast<std::size_t>(state.range(0))));
-    compare(
-        state, [&] { benchmark::DoNotOptimize(iconImageNear(source, 64)); },
-        [&] { benchmark::DoNotOptimize(widestIconImage(source)); });
+    writeModernIcon(source, iconArtists.at(artwork));
+    return compareTimes(
+        std::string("read the ") + artworkNames.at(artwork) + " icon near 64, against its largest",
+        [&] { require(!iconImageNear(source, 64).isNull()); },
+        [&] { require(!widestIconImage(source).isNull()); }, 0.1, 25);
 }
-
-BENCHMARK(composeAgainstEncoding)->DenseRange(0, 2)->Iterations(25)->Unit(benchmark::kMillisecond);
-BENCHMARK(composeAgainstScript)->Iterations(3)->Unit(benchmark::kMillisecond);
-BENCHMARK(listImageAgainstLargest)->DenseRange(0, 2)->Iterations(50)->Unit(benchmark::kMillisecond);
 
 } // namespace
-} // namespace quorvel::testing
 
-int main(int argc, char** argv) {
-    quorvel::ensureFontEngine();
-    benchmark::Initialize(&argc, argv);
-    benchmark::RunSpecifiedBenchmarks();
-    return 0;
+std::vector<Row> iconRows(const fs::path& folder) {
+    ensureFontEngine();
+    std::vector<Row> rows;
+    for (std::size_t artwork = 0; artwork < iconArtists.size(); ++artwork) {
+        rows.push_back(composeAgainstEncoding(folder, artwork));
+    }
+    if (std::optional<Row> row = composeAgainstScript(folder)) {
+        rows.push_back(std::move(*row));
+    }
+    for (std::size_t artwork = 0; artwork < iconArtists.size(); ++artwork) {
+        rows.push_back(listImageAgainstLargest(folder, artwork));
+    }
+    return rows;
 }
+
+} // namespace quorvel::benchmarks

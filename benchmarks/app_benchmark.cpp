@@ -7,6 +7,7 @@
 #include "QuorvelApp/NewCloneView.h"
 #include "QuorvelApp/QuorvelApp.h"
 #include "QuorvelApp/Sidebar.h"
+#include "benchmarks/Comparison.h"
 #include "tests/support/AppBundles.h"
 #include "tests/support/TemporaryHome.h"
 
@@ -33,6 +34,7 @@ namespace quorvel {
 namespace {
 
 namespace fs = std::filesystem;
+using namespace quorvel::benchmarks;
 using namespace quorvel::testing;
 
 double milliseconds() {
@@ -57,8 +59,13 @@ double median(std::vector<double> values) {
 }
 
 void report(const char* what, double value, const char* unit, double goal) {
-    std::printf("%-62s %9.2f %-3s  goal %7.2f  %s\n", what, value, unit, goal,
-                value <= goal ? "met" : "MISSED");
+    print(
+        {what, value, 0, unit, decimals(value, unit), "<= " + decimals(goal, unit), value <= goal});
+}
+
+void reportRatio(const char* what, double value, double floor, const char* unit, double goal) {
+    print({what, value, floor, unit, decimals(value / floor, "x"), "<= " + decimals(goal, "x"),
+           value <= goal * floor});
 }
 
 bool waitUntil(const std::function<bool()>& holds) {
@@ -173,15 +180,13 @@ void measureStart() {
     const ChildFigures empty = runChild(QStringLiteral("empty"));
     const ChildFigures button = runChild(QStringLiteral("button"));
     const ChildFigures app = runChild(QStringLiteral("application"));
-    std::printf("empty window: %.1f ms, %.1f MB; with one button: %.1f ms; "
-                "with 500 clones: %.1f ms, %.1f MB with the sheet\n",
-                empty.start, empty.memory, button.start, app.start, app.memory);
-    report("start to the first paint, 500 clones / empty window", app.start / empty.start, "x",
-           1.5);
+    reportRatio("first paint with 500 clones, against an empty window", app.start, empty.start,
+                "ms", 1.5);
     // An empty window never loads a font, which takes longer than all else that Qt does then.
-    report("start to the first paint, 500 clones / window of one button", app.start / button.start,
-           "x", 1.5);
-    report("memory, 500 clones and the sheet / empty window", app.memory / empty.memory, "x", 2.0);
+    reportRatio("first paint with 500 clones, against a window of one button", app.start,
+                button.start, "ms", 1.5);
+    reportRatio("memory with 500 clones and the sheet, against an empty window", app.memory,
+                empty.memory, "MB", 2.0);
 }
 
 void measureSheet() {

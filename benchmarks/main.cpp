@@ -18,10 +18,10 @@ int main(int count, char** arguments) {
     ::setenv("CFFIXED_USER_HOME", (folder + "/home").c_str(), 1);
     std::vector<Row> rows;
     const std::vector<std::pair<std::string, Benchmark>> benchmarks{
-        {"registry", registryRows},
-        {"generator", generatorRows},
-        {"runner", runnerRows},
-        {"running", runningApplicationsRows},
+        {"registry", registryRows}, {"generator", generatorRows},
+        {"runner", runnerRows},     {"running", runningApplicationsRows},
+        {"catalog", catalogRows},   {"recorder", recorderRows},
+        {"icons", iconRows},
     };
     const std::vector<std::string> wanted(arguments + 1, arguments + count);
     for (const auto& [name, benchmark] : benchmarks) {

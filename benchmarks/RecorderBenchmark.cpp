@@ -3,10 +3,9 @@
 #include "Platform/FileSystem.h"
 #include "Platform/Process.h"
 #include "ProbeKit/FSEventProbe.h"
-#include "benchmarks/Comparison.h"
+#include "benchmarks/Benchmarks.h"
 
 #include <chrono>
-#include <cstdlib>
 #include <fcntl.h>
 #include <fstream>
 #include <iterator>
@@ -17,10 +16,10 @@
 #include <unistd.h>
 #include <unordered_set>
 
+namespace quorvel::benchmarks {
 namespace {
+
 namespace fs = std::filesystem;
-using namespace quorvel;
-using namespace quorvel::benchmarks;
 
 constexpr int folderCount = 2000;
 constexpr int filesInEach = 25;
@@ -133,7 +132,9 @@ std::optional<std::size_t> missedByOther(const fs::path& base, const fs::path& f
     return count;
 }
 
-std::vector<Row> rows(const fs::path& folder) {
+} // namespace
+
+std::vector<Row> recorderRows(const fs::path& folder) {
     std::vector<double> watched;
     std::vector<double> unwatched;
     std::size_t lost = 0;
@@ -159,15 +160,4 @@ std::vector<Row> rows(const fs::path& folder) {
     };
 }
 
-} // namespace
-
-int main() {
-    std::string folder = (fs::temp_directory_path() / "quorvel-bench-XXXXXX").string();
-    if (::mkdtemp(folder.data()) == nullptr) {
-        return 1;
-    }
-    const auto table = rows(folder);
-    fs::remove_all(folder);
-    print(table);
-    return 0;
-}
+} // namespace quorvel::benchmarks

@@ -3,17 +3,16 @@
 #include "LaunchKit/AppCatalog.h"
 #include "Platform/FileSystem.h"
 #include "Platform/PropertyList.h"
-#include "benchmarks/Comparison.h"
+#include "benchmarks/Benchmarks.h"
 
-#include <cstdlib>
 #include <fcntl.h>
 #include <stdexcept>
 #include <unistd.h>
 
+namespace quorvel::benchmarks {
 namespace {
+
 namespace fs = std::filesystem;
-using namespace quorvel;
-using namespace quorvel::benchmarks;
 
 // As many keys as an ordinary application has.
 PropertyListDictionary ordinaryInfo(const std::string& name) {
@@ -113,14 +112,8 @@ Row asCheapAsReading(const fs::path& folder) {
 
 } // namespace
 
-int main() {
-    std::string folder = (fs::temp_directory_path() / "quorvel-bench-XXXXXX").string();
-    if (::mkdtemp(folder.data()) == nullptr) {
-        return 1;
-    }
-    const Row tooled = fasterThanOneByOne(folder);
-    const Row plain = asCheapAsReading(folder);
-    fs::remove_all(folder);
-    print({tooled, plain});
-    return 0;
+std::vector<Row> catalogRows(const fs::path& folder) {
+    return {fasterThanOneByOne(folder), asCheapAsReading(folder)};
 }
+
+} // namespace quorvel::benchmarks
