@@ -1,7 +1,5 @@
 #include "Platform/TerminalText.h"
 
-#include "Platform/Text.h"
-
 #include <unicode/utf8.h>
 
 #include <cstdio>
@@ -33,6 +31,15 @@ std::string escapedBytes(std::string_view bytes) {
 
 } // namespace
 
+bool isHarmful(char32_t scalar) noexcept {
+    const bool control = scalar < 0x20 || (scalar >= 0x7F && scalar < 0xA0);
+    const bool lineBreak = scalar == 0x2028 || scalar == 0x2029;
+    const bool direction = scalar == 0x061C || scalar == 0x200E || scalar == 0x200F ||
+                           (scalar >= 0x202A && scalar <= 0x202E) ||
+                           (scalar >= 0x2066 && scalar <= 0x2069);
+    return control || lineBreak || direction;
+}
+
 std::string terminalText(std::string_view text) {
     std::string result;
     const auto length = static_cast<int32_t>(text.size());
@@ -44,7 +51,7 @@ std::string terminalText(std::string_view text) {
             text.substr(static_cast<std::size_t>(start), static_cast<std::size_t>(index - start));
         if (scalar < 0) {
             result += escapedBytes(bytes);
-        } else if (Text::isHarmful(static_cast<char32_t>(scalar))) {
+        } else if (isHarmful(static_cast<char32_t>(scalar))) {
             result += escaped(scalar);
         } else {
             result += bytes;

@@ -146,15 +146,6 @@ std::string trimmingWhitespaceAndNewlines(std::string_view text) {
     return trimming(text, isBlankOrNewline);
 }
 
-bool isHarmful(char32_t scalar) {
-    const bool control = scalar < 0x20 || (scalar >= 0x7F && scalar < 0xA0);
-    const bool lineBreak = scalar == 0x2028 || scalar == 0x2029;
-    const bool direction = scalar == 0x061C || scalar == 0x200E || scalar == 0x200F ||
-                           (scalar >= 0x202A && scalar <= 0x202E) ||
-                           (scalar >= 0x2066 && scalar <= 0x2069);
-    return control || lineBreak || direction;
-}
-
 std::optional<std::string> firstCapture(std::string_view pattern, std::string_view text) {
     UErrorCode status = U_ZERO_ERROR;
     const icu::UnicodeString subject = decoded(text);

@@ -31,10 +31,6 @@ namespace quorvel::Text {
 /// Without the white space and line breaks at both ends.
 [[nodiscard]] std::string trimmingWhitespaceAndNewlines(std::string_view text);
 
-/// Whether a scalar must not reach a screen as it is: control characters, line breaks and those
-/// that turn the writing direction.
-[[nodiscard]] bool isHarmful(char32_t scalar);
-
 /// The first capture group of `pattern`'s first match in `text`; nothing without a match, or when
 /// the group took no part in it. `pattern` must be a valid ICU regular expression.
 [[nodiscard]] std::optional<std::string> firstCapture(std::string_view pattern,

@@ -1,6 +1,6 @@
 #include "QuorvelApp/ShownText.h"
 
-#include "Platform/Text.h"
+#include "Platform/TerminalText.h"
 #include "QuorvelApp/QtText.h"
 
 #include <QList>
@@ -31,8 +31,8 @@ QString harmless(std::string_view text, char16_t lineBreak) {
         } else if (scalar == U'\t') {
             result += u' ';
         } else {
-            result += Text::isHarmful(scalar) ? QString(QChar::ReplacementCharacter)
-                                              : QString::fromUcs4(&scalar, 1);
+            result += isHarmful(scalar) ? QString(QChar::ReplacementCharacter)
+                                        : QString::fromUcs4(&scalar, 1);
         }
         afterReturn = scalar == U'\r';
     }

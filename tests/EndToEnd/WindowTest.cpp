@@ -77,7 +77,7 @@ protected:
 
     void create() {
         person.click(Control::button, "Create Shortcut");
-        person.seeNoMore(Control::button, "Create Shortcut");
+        person.seeNoMore(Control::any, "New Shortcut"); // the sheet
     }
 
     [[nodiscard]] nlohmann::json configuration(const std::string& name) const {
