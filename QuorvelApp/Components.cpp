@@ -1,6 +1,7 @@
 #include "QuorvelApp/Components.h"
 
 #include "QuorvelApp/CopyableLabel.h"
+#include "QuorvelApp/CrispPixmap.h"
 #include "QuorvelApp/QtText.h"
 #include "QuorvelApp/ShownText.h"
 
@@ -158,7 +159,7 @@ void AppIcon::paintEvent(QPaintEvent*) {
         return;
     }
     QPainter painter(this);
-    painter.drawPixmap(rect(), loader_.icon(path_, width(), devicePixelRatioF()));
+    drawCrisp(painter, rect(), loader_.icon(path_, width(), devicePixelRatioF()));
 }
 
 // No look at the disk: this is asked at each painting. A file that is missing shows a stand-in.
