@@ -1,7 +1,6 @@
 #include "tests/QuorvelApp/WindowFixture.h"
 
 #include <QAccessible>
-#include <QApplication>
 #include <QTest>
 
 namespace quorvel::testing {
@@ -48,15 +47,6 @@ TEST_F(AccessibilityTest, TheFocusStaysInTheSheet) {
         QTest::keyClick(window->focusWidget(), Qt::Key_Tab);
         ASSERT_TRUE(sheet.isAncestorOf(window->focusWidget())) << step;
     }
-}
-
-TEST_F(AccessibilityTest, RightToLeftMirrorsTheColumns) {
-    addClone("Work");
-    QApplication::setLayoutDirection(Qt::RightToLeft);
-    open();
-    const Sidebar& sidebar = window->content().sidebar();
-    EXPECT_GT(sidebar.mapTo(window.get(), QPoint()).x(), window->width() / 2);
-    QApplication::setLayoutDirection(Qt::LeftToRight);
 }
 
 } // namespace
