@@ -123,6 +123,7 @@ InfoRow::InfoRow(const DetailRow& row)
     value_->setFullText(shownText(row.value));
     value_->setAccessibleName(qtText(row.label) + u": "_s + value_->fullText());
     value_->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
+    value_->setFocusPolicy(Qt::StrongFocus); // so that it can be copied without a mouse
     value_->setMinimumWidth(0);
     value_->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
     auto* layout = new QHBoxLayout(this);
