@@ -102,6 +102,7 @@ fs::path WrapperGenerator::generate(const fs::path& directory, const Options& op
         infoPlist(options, icon ? std::optional<std::string>("AppIcon") : std::nullopt));
     const fs::path contents = wrapper / "Contents";
     const fs::path resources = contents / "Resources";
+    createDirectories(wrapper); // by itself, so that an error names it
     createDirectories(contents / "MacOS");
     createDirectories(resources);
     installRunner(options.runnerBinary, contents / "MacOS" / "runner");

@@ -2,9 +2,9 @@
 
 #include "QuorvelApp/AppGridModel.h"
 #include "QuorvelApp/AppTile.h"
+#include "QuorvelApp/ItemList.h"
 #include "QuorvelApp/NewCloneSession.h"
 
-#include <QListView>
 #include <QWidget>
 
 #include <set>
@@ -16,7 +16,7 @@ class QStackedLayout;
 namespace quorvel {
 
 /// A grid whose columns take up the width, between the tiles' narrowest and widest.
-class AppGrid : public QListView {
+class AppGrid : public ItemList {
     Q_OBJECT
 
 public:

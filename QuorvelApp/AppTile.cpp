@@ -1,5 +1,6 @@
 #include "QuorvelApp/AppTile.h"
 
+#include "QuorvelApp/CrispPixmap.h"
 #include "QuorvelApp/ShownText.h"
 #include "QuorvelApp/Symbols.h"
 #include "QuorvelApp/Theme.h"
@@ -89,8 +90,8 @@ void AppTile::paint(QPainter* painter, const QStyleOptionViewItem& option,
     painter->save();
     painter->setRenderHint(QPainter::Antialiasing);
     paintGround(painter, option, colors);
-    painter->drawPixmap(iconRect(option),
-                        icons_.icon(app.url, iconSize, painter->device()->devicePixelRatioF()));
+    drawCrisp(*painter, iconRect(option),
+              icons_.icon(app.url, iconSize, painter->device()->devicePixelRatioF()));
     if (index.data(AppGridModel::SandboxedRole).toBool()) {
         paintLock(painter, badgeRect(option), colors);
     }

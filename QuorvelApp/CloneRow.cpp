@@ -2,6 +2,7 @@
 
 #include "QuorvelApp/CloneListModel.h"
 #include "QuorvelApp/Components.h"
+#include "QuorvelApp/CrispPixmap.h"
 #include "QuorvelApp/ShownText.h"
 #include "QuorvelApp/Theme.h"
 
@@ -75,8 +76,8 @@ void CloneRow::paint(QPainter* painter, const QStyleOptionViewItem& option,
     }
     const auto* model = qobject_cast<const CloneListModel*>(index.model());
     const InstanceRecord& clone = model->clone(index.row());
-    painter->drawPixmap(
-        at.icon, icons_.icon(iconPathOf(clone), iconSize, painter->device()->devicePixelRatioF()));
+    drawCrisp(*painter, at.icon,
+              icons_.icon(iconPathOf(clone), iconSize, painter->device()->devicePixelRatioF()));
     QColor faint = colors.onAccent;
     faint.setAlphaF(0.85F);
     drawText(painter, at.name, index.data(CloneListModel::NameRole).toString(), TextStyle::body,

@@ -1,6 +1,7 @@
 #include "QuorvelApp/Components.h"
 
 #include "QuorvelApp/CopyableLabel.h"
+#include "QuorvelApp/CrispPixmap.h"
 #include "QuorvelApp/QtText.h"
 #include "QuorvelApp/ShownText.h"
 
@@ -122,6 +123,7 @@ InfoRow::InfoRow(const DetailRow& row)
     value_->setFullText(shownText(row.value));
     value_->setAccessibleName(qtText(row.label) + u": "_s + value_->fullText());
     value_->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
+    value_->setFocusPolicy(Qt::StrongFocus); // so that it can be copied without a mouse
     value_->setMinimumWidth(0);
     value_->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
     auto* layout = new QHBoxLayout(this);
@@ -158,7 +160,7 @@ void AppIcon::paintEvent(QPaintEvent*) {
         return;
     }
     QPainter painter(this);
-    painter.drawPixmap(rect(), loader_.icon(path_, width(), devicePixelRatioF()));
+    drawCrisp(painter, rect(), loader_.icon(path_, width(), devicePixelRatioF()));
 }
 
 // No look at the disk: this is asked at each painting. A file that is missing shows a stand-in.

@@ -18,7 +18,12 @@ public:
 Q_SIGNALS:
     void chosen(int index);
 
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
 private:
+    void fixFocus();
+
     QButtonGroup* buttons_;
 };
 

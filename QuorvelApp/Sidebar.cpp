@@ -2,8 +2,8 @@
 
 #include "QuorvelApp/CloneRow.h"
 #include "QuorvelApp/Components.h"
+#include "QuorvelApp/ItemList.h"
 
-#include <QListView>
 #include <QStackedLayout>
 #include <QVBoxLayout>
 
@@ -57,7 +57,7 @@ QWidget* Sidebar::makeList(IconLoader& icons) {
     column->setSpacing(6);
     QLabel* heading = makeLabel(tr("Clones"), TextStyle::captionMedium, Ink::secondary);
     heading->setContentsMargins(18, 0, 18, 0);
-    list_ = new QListView;
+    list_ = new ItemList;
     list_->setAccessibleName(tr("Clones"));
     list_->setModel(&rows_);
     list_->setItemDelegate(new CloneRow(icons, list_));

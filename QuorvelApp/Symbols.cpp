@@ -1,5 +1,7 @@
 #include "QuorvelApp/Symbols.h"
 
+#include "QuorvelApp/CrispPixmap.h"
+
 #include <QApplication>
 #include <QIconEngine>
 #include <QPainter>
@@ -19,7 +21,7 @@ public:
 
     void paint(QPainter* painter, const QRect& rect, QIcon::Mode mode, QIcon::State) override {
         const double ratio = painter->device()->devicePixelRatioF();
-        painter->drawPixmap(rect, rendered(rect.size(), ratio, mode));
+        drawCrisp(*painter, rect, rendered(rect.size(), ratio, mode));
     }
     QPixmap pixmap(const QSize& size, QIcon::Mode mode, QIcon::State) override {
         return rendered(size, 1.0, mode);

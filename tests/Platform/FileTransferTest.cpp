@@ -1,9 +1,12 @@
 #include "Platform/FileSystem.h"
 
+#include "tests/support/OrdinaryUser.h"
 #include "tests/support/TemporaryHome.h"
 
 #include <cerrno>
+#include <csignal>
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 
 namespace quorvel {
@@ -69,6 +72,28 @@ TEST_F(FileTransfer, CopyingWhatIsNoFileIsAnErrorAndNeverBlocks) {
     EXPECT_THROW(copyFile(at("none"), at("b")), PlatformError);
     EXPECT_THROW(copyFile("/dev/zero", at("b")), PlatformError);
     EXPECT_FALSE(itemOrLinkExists(at("b")));
+}
+
+TEST_F(FileTransfer, CopyingKeepsWhoMayDoWhat) {
+    write(at("a"), "x");
+    fs::permissions(at("a"), fs::perms{0751});
+    copyFile(at("a"), at("b"));
+    EXPECT_EQ(fs::status(at("b")).permissions(), fs::perms{0751});
+}
+
+TEST_F(FileTransfer, CopyingThatFailsHalfWaySaysWhyAndLeavesNothing) {
+    EXPECT_TRUE(asOrdinaryUser(folder_.path(), [&] {
+        write(at("a"), std::string(200000, 'x'));
+        std::signal(SIGXFSZ, SIG_IGN);
+        const rlimit limit{100000, 100000};
+        ::setrlimit(RLIMIT_FSIZE, &limit);
+        try {
+            copyFile(at("a"), at("b"));
+        } catch (const PlatformError& error) {
+            return error.code() == std::errc::file_too_large && !itemExists(at("b"));
+        }
+        return false;
+    }));
 }
 
 TEST_F(FileTransfer, CopyingAPathWithANulIsRefused) {

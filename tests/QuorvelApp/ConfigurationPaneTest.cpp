@@ -146,5 +146,41 @@ TEST_F(ConfigurationPaneTest, TheMonochromeBoxNeedsAMenuBarIcon) {
     EXPECT_TRUE(sheet.session().form().menuBarTemplate) << "the choice is kept";
 }
 
+TEST_F(ConfigurationPaneTest, ACustomIconIsChosenShownAndCleared) {
+    panels.icon = [](QWidget*) { return std::optional<std::filesystem::path>("/i/mine.icns"); };
+    panels.dataFolder = [](QWidget*) { return std::optional<std::filesystem::path>("/Volumes/E"); };
+    NewCloneView& sheet = openSheetWith(u"Notes"_s);
+    button(u"Advanced options"_s)->click();
+    EXPECT_TRUE(shown(u"Uses the app's own icon"_s));
+    button(u"Choose .icns…"_s)->click();
+    EXPECT_EQ(sheet.session().form().customIcon, std::filesystem::path("/i/mine.icns"));
+    EXPECT_FALSE(shown(u"Uses the app's own icon"_s));
+    button(u"Clear"_s)->click();
+    EXPECT_FALSE(sheet.session().form().customIcon);
+    EXPECT_TRUE(shown(u"Uses the app's own icon"_s));
+    button(u"Choose…"_s)->click();
+    EXPECT_EQ(sheet.session().form().dataPath, "/Volumes/E/Notes (2)");
+}
+
+TEST_F(ConfigurationPaneTest, TheHeaderNamesWhatWasChosen) {
+    openSheetWith(u"Notes"_s);
+    EXPECT_TRUE(shown(u"Notes"_s));
+    EXPECT_TRUE(shown(u"/Applications/Notes.app"_s));
+    button(u"Web App"_s)->click();
+    field(u"Website URL"_s)->setText(u"a.test"_s);
+    EXPECT_TRUE(shown(u"a.test"_s));
+    EXPECT_EQ(window->findChild<ConfigurationPane*>()->width(), 300);
+}
+
+TEST_F(ConfigurationPaneTest, ADetectionThatFindsASingletonLeavesTheChoice) {
+    stubs.probe = [] { return ProbeResult{.recommendedStrategy = Strategy::unsupported}; };
+    openSheetWith(u"Notes"_s);
+    button(u"Auto-detect"_s)->click();
+    EXPECT_TRUE(eventually([&] {
+        return shown(u"This app resists cloning (singleton). It may not stay isolated."_s);
+    }));
+    EXPECT_EQ(window->findChild<QComboBox*>()->currentText(), u"Home override (A)"_s);
+}
+
 } // namespace
 } // namespace quorvel::testing

@@ -5,6 +5,11 @@
 #include <QMenuBar>
 #include <QTest>
 
+#include <QApplication>
+#include <QHelpEvent>
+#include <QSettings>
+#include <QTextDocumentFragment>
+#include <QToolTip>
 #include <gmock/gmock.h>
 
 namespace quorvel::testing {
@@ -127,6 +132,52 @@ TEST_F(MainWindowTest, ACloneThatChangesWhileShownShowsAnew) {
     makeWrapper(work.bundleURL, work.config);
     stubs.model().reload();
     EXPECT_TRUE(shown(u"Renamed"_s));
+}
+
+TEST_F(MainWindowTest, RemembersItsSizeFromOneLifeToTheNext) {
+    open().resize(1010, 610);
+    window->close();
+    EXPECT_EQ(open().size(), QSize(1010, 610));
+    window->resize(900, 555);
+    window->close();
+    EXPECT_EQ(open().size(), QSize(900, 555));
+    QSettings(u"Quorvel"_s, u"Quorvel"_s).setValue(u"window/geometry"_s, u"no geometry"_s);
+    EXPECT_EQ(open().size(), MainWindow::initial) << "damaged settings count as none";
+    QSettings(u"Quorvel"_s, u"Quorvel"_s).clear();
+}
+
+TEST_F(MainWindowTest, GivesTheListOfClonesItsIdealWidth) {
+    addClone("Work");
+    open();
+    EXPECT_EQ(window->content().sidebar().width(), 280);
+}
+
+TEST_F(MainWindowTest, ARowTellsInATooltipThatItRunsAndWhatItHadToElide) {
+    const InstanceRecord work = addClone("Work");
+    addClone("Zoo & " + std::string(100, 'x'));
+    stubs.workspace->running = {work.config.bundleId};
+    open();
+    auto* list = window->content().sidebar().findChild<QListView*>();
+    const auto tip = [&](int row, bool atDot) {
+        const QRect rect = list->visualRect(list->model()->index(row, 0));
+        const QPoint at = atDot ? QPoint(rect.right() - 22, rect.center().y()) : rect.center();
+        QHelpEvent event(QEvent::ToolTip, at, list->viewport()->mapToGlobal(at));
+        QApplication::sendEvent(list->viewport(), &event);
+        return QTextDocumentFragment::fromHtml(QToolTip::text()).toPlainText();
+    };
+    EXPECT_EQ(tip(0, true), u"Running"_s);
+    EXPECT_EQ(tip(1, false), u"Zoo & "_s + QString(100, u'x') + u"\nNotes"_s);
+    QToolTip::hideText();
+}
+
+TEST_F(MainWindowTest, ALongMessageLeavesItsButtonInTheWindow) {
+    open().resize(MainWindow::smallest);
+    stubs.model().setLastError(std::string(20000, 'x'));
+    QCoreApplication::processEvents();
+    const QPushButton* ok = button(u"OK"_s);
+    const QRect place(ok->mapTo(window.get(), QPoint()), ok->size());
+    EXPECT_TRUE(window->rect().contains(place));
+    EXPECT_GE(ok->height(), ok->minimumSizeHint().height());
 }
 
 } // namespace

@@ -87,5 +87,40 @@ TEST_F(NewCloneSheetTest, AFailureAfterTheSheetWasCancelledIsStillTold) {
     EXPECT_TRUE(eventually([&] { return stubs.model().lastError().has_value(); }));
 }
 
+TEST_F(NewCloneSheetTest, WarnsOfACloneThatWouldBeReplaced) {
+    addClone("Notes (2)");
+    openSheetWith(u"Notes"_s);
+    const QString warning = u"“Notes (2)” is there already. Creating this clone replaces it; its "
+                            u"data stays."_s;
+    EXPECT_TRUE(shown(warning));
+    field(u"Name"_s)->setText(u"Notes (3)"_s);
+    EXPECT_FALSE(shown(warning));
+    field(u"Name"_s)->setText(u" Notes (2) "_s);
+    EXPECT_TRUE(shown(warning)) << "the name is trimmed";
+    stubs.model().remove(stubs.model().clones().front(), false);
+    EXPECT_FALSE(shown(warning)) << "it is gone";
+}
+
+TEST_F(NewCloneSheetTest, SaysThatWhatStandsInThePlaceIsNoClone) {
+    const fs::path mine = makeAppBundle(folder / "Mine.app");
+    const auto before = treeOf(mine);
+    stubs.create = AppServices::ofTheSystem().createWrapper;
+    open();
+    openSheet();
+    button(u"Web App"_s)->click();
+    field(u"Website URL"_s)->setText(u"example.com"_s);
+    field(u"Name"_s)->setText(u"Mine"_s);
+    button(u"Create Shortcut"_s)->click();
+    ASSERT_TRUE(eventually([&] { return shown(u"Something went wrong"_s); }));
+    EXPECT_EQ(stubs.model().lastError(),
+              mine.string() + " is not a clone; choose another name or folder for the new one.");
+    EXPECT_EQ(treeOf(mine), before);
+    button(u"OK"_s)->click();
+    field(u"Name"_s)->setText(u"Mine too"_s);
+    button(u"Create Shortcut"_s)->click();
+    ASSERT_TRUE(eventually([&] { return !window->content().showingNewClone(); }));
+    EXPECT_TRUE(stubs.model().registry().record(folder / "Mine too.app"));
+}
+
 } // namespace
 } // namespace quorvel::testing

@@ -1,7 +1,11 @@
 #include "tests/QuorvelApp/WindowFixture.h"
 
+#include <QApplication>
 #include <QComboBox>
+#include <QHelpEvent>
 #include <QTest>
+#include <QTextDocumentFragment>
+#include <QToolTip>
 
 namespace quorvel::testing {
 namespace {
@@ -83,6 +87,84 @@ TEST_F(TargetPaneTest, PanelsFillTheirFieldsAndCancellingChangesNothing) {
     button(u"Browse…"_s)->click();
     EXPECT_EQ(sheet.session().form().filePath, "/Users/u/Report.pdf");
     EXPECT_EQ(sheet.session().form().cloneName, "Report");
+}
+
+TEST_F(TargetPaneTest, TheGridsColumnsStayWithinTheirWidths) {
+    addApps();
+    open();
+    openSheet();
+    const auto* grid = window->findChild<AppGrid*>();
+    for (const int width : {760, 860, 980, 1100}) {
+        window->resize(width, 690);
+        QCoreApplication::processEvents();
+        const QRect first = grid->visualRect(grid->model()->index(0, 0));
+        EXPECT_GE(first.width() - AppTile::spacing, 92) << width;
+        EXPECT_LE(first.width() - AppTile::spacing, 120) << width;
+        EXPECT_EQ(grid->visualRect(grid->model()->index(1, 0)).left(), first.right() + 1);
+    }
+}
+
+TEST_F(TargetPaneTest, ATileTellsWhatItsLockMeansAndItsWholeName) {
+    stubs.installed = {{.url = "/Applications/Mail.app", .name = "Mail"},
+                       {.url = "/Applications/L.app", .name = std::string(200, 'l')}};
+    stubs.sandboxed = {"/Applications/Mail.app"};
+    open();
+    openSheet();
+    (void)window->grab();
+    ASSERT_TRUE(eventually([&] { return stubs.model().sandboxStatus().size() == 2; }));
+    auto* grid = window->findChild<AppGrid*>();
+    const auto tip = [&](int row, QPoint from) {
+        const QPoint at = grid->visualRect(grid->model()->index(row, 0)).topLeft() + from;
+        QHelpEvent event(QEvent::ToolTip, at, grid->viewport()->mapToGlobal(at));
+        QApplication::sendEvent(grid->viewport(), &event);
+        return QTextDocumentFragment::fromHtml(QToolTip::text()).toPlainText();
+    };
+    const int middle = grid->visualRect(grid->model()->index(0, 0)).width() / 2;
+    EXPECT_EQ(tip(0, {middle + 20, 8 + 10 + 44}),
+              u"Sandboxed — you'll get a separate Dock icon, but macOS won't let Quorvel isolate "
+              u"its data"_s);
+    EXPECT_TRUE(eventually([&] { return tip(0, {middle - 20, 8 + 10 + 4}).isEmpty(); }));
+    EXPECT_EQ(tip(1, {middle, 40}), QString(200, u'l'));
+    QToolTip::hideText();
+}
+
+TEST_F(TargetPaneTest, ThePanelsOfACommandFillItsFields) {
+    const auto answering = [](const char* path) {
+        return [path](QWidget*) { return std::optional<std::filesystem::path>(path); };
+    };
+    panels.file = answering("/usr/local/bin/my-tool");
+    panels.folder = answering("/tmp");
+    open();
+    NewCloneView& sheet = openSheet();
+    button(u"Command"_s)->click();
+    EXPECT_TRUE(shown(u"Choose a command to run"_s));
+    for (QPushButton* choose : window->findChildren<QPushButton*>()) {
+        if (choose->isVisible() && QString(choose->text()).remove(u'&') == u"Choose…"_s) {
+            choose->click();
+        }
+    }
+    EXPECT_EQ(sheet.session().form().commandPathText, "/usr/local/bin/my-tool");
+    EXPECT_EQ(sheet.session().form().cloneName, "My-Tool");
+    EXPECT_EQ(sheet.session().form().workdir, "/tmp");
+    EXPECT_EQ(field(u"Arguments"_s)->placeholderText(), u"Arguments (space-separated)"_s);
+    EXPECT_EQ(field(u"Working directory"_s)->placeholderText(), u"Working directory (optional)"_s);
+    EXPECT_TRUE(shown(u"Runs any executable/script with arguments, a working directory, and the "
+                      u"environment variables below."_s));
+}
+
+TEST_F(TargetPaneTest, SwitchingTheKindKeepsEveryField) {
+    open();
+    NewCloneView& sheet = openSheet();
+    button(u"Web App"_s)->click();
+    field(u"Website URL"_s)->setText(u"a.test"_s);
+    button(u"File / Folder"_s)->click();
+    field(u"File or Folder"_s)->setText(u"/a"_s);
+    EXPECT_EQ(field(u"File or Folder"_s)->placeholderText(), u"No item selected"_s);
+    button(u"Web App"_s)->click();
+    EXPECT_EQ(sheet.session().form().filePath, "/a");
+    EXPECT_EQ(field(u"Website URL"_s)->text(), u"a.test"_s);
+    EXPECT_TRUE(shown(u"Opens in its own WebKit window with isolated cookies and logins — no "
+                      u"Electron. Great for a second WhatsApp, Teams, or Gmail."_s));
 }
 
 } // namespace

@@ -1,5 +1,7 @@
 #include "tests/QuorvelApp/WindowFixture.h"
 
+#include <QTest>
+
 namespace quorvel::testing {
 
 InstanceRecord WindowTest::addClone(const std::string& name) {
@@ -24,6 +26,8 @@ void WindowTest::addApps() {
 MainWindow& WindowTest::open() {
     window = std::make_unique<MainWindow>(stubs.model(), updater, icons, panels);
     window->show();
+    window->activateWindow(); // what has no focus gets no key
+    EXPECT_TRUE(QTest::qWaitForWindowActive(window.get()));
     return *window;
 }
 

@@ -1,0 +1,100 @@
+#include "QuorvelApp/Appearance.h"
+#include "tests/QuorvelApp/WindowFixture.h"
+
+#include <QApplication>
+
+namespace quorvel::testing {
+namespace {
+
+using namespace Qt::StringLiterals;
+
+/// Compares a window that lived through a change of appearance with one that never knew another.
+class AppearanceTest : public WindowTest {
+protected:
+    AppearanceTest() {
+        addApps();
+        stubs.sandboxed = {"/Applications/Mail.app"};
+        write(home / "QuorvelInstances/Work/Downloads/a", "x");
+        work = addClone("Work");
+        addClone("Home");
+        stubs.workspace->running = {work.config.bundleId};
+        QApplication::setCursorFlashTime(0);
+    }
+    ~AppearanceTest() override { Appearance::apply(ColorScheme::light); }
+
+    QImage picture() {
+        const auto* grid = window->findChild<AppGrid*>();
+        EXPECT_TRUE(grid == nullptr || !grid->isVisible() || eventually([&] {
+                        (void)window->grab();
+                        return stubs.model().sandboxStatus().size() == 3;
+                    }));
+        for (int round = 0; round < 3; ++round) {
+            QCoreApplication::processEvents();
+            QCoreApplication::sendPostedEvents();
+        }
+        return window->grab().toImage();
+    }
+
+    /// The picture under `scheme`, of a window that was opened and prepared under `before`.
+    QImage pictureAfter(ColorScheme before, ColorScheme scheme,
+                        const std::function<void()>& prepare) {
+        Appearance::apply(before);
+        open();
+        prepare();
+        (void)picture();
+        Appearance::apply(scheme);
+        return picture();
+    }
+
+    void expectNothingStale(const std::function<void()>& prepare) {
+        for (const auto& [from, to] : {std::pair(ColorScheme::light, ColorScheme::dark),
+                                       std::pair(ColorScheme::dark, ColorScheme::light)}) {
+            const QImage fresh = pictureAfter(to, to, prepare);
+            const QImage changed = pictureAfter(from, to, prepare);
+            EXPECT_EQ(fresh, changed);
+            EXPECT_NE(fresh, pictureAfter(from, from, prepare)) << "the schemes do differ";
+        }
+    }
+
+    InstanceRecord work;
+};
+
+TEST_F(AppearanceTest, TheMainWindowFollowsAtOnceAndWhole) {
+    expectNothingStale([this] { select(work); });
+}
+
+TEST_F(AppearanceTest, TheEmptyWindowFollows) {
+    std::filesystem::remove_all(folder);
+    expectNothingStale([] {});
+}
+
+TEST_F(AppearanceTest, TheSheetFollowsWithItsGridAndItsOptions) {
+    expectNothingStale([this] {
+        openSheet();
+        (void)window->grab();
+        choose(u"Mail"_s);
+        button(u"Advanced options"_s)->click();
+        (void)eventually(
+            [&] { return window->findChild<NewCloneView*>()->session().form().selectedSandboxed; });
+    });
+}
+
+TEST_F(AppearanceTest, TheFormsFollow) {
+    for (const QString& kind : {u"Web App"_s, u"File / Folder"_s, u"Command"_s}) {
+        expectNothingStale([&] {
+            openSheet();
+            button(kind)->click();
+        });
+    }
+}
+
+TEST_F(AppearanceTest, AMessageFollows) {
+    expectNothingStale([this] {
+        select(work);
+        button(u"Delete"_s)->click();
+    });
+    expectNothingStale([this] { stubs.model().setLastError("It did not work."); });
+}
+
+} // namespace
+} // namespace quorvel::testing
