@@ -98,15 +98,18 @@ private:
     }
 
     void settleRoots() {
-        for (const std::size_t root : sentinels_.takeChanged()) {
+        const auto changed = sentinels_.takeChanged();
+        if (!changed.empty()) {
+            // What happened in a root before it went is queued, and unknown once it is settled.
+            readQueued();
+        }
+        for (const std::size_t root : changed) {
             tree_.settle(root, true);
         }
     }
 
-    // A change is queued before its system call returns: what is queued by now is all that happened
-    // before the stop. What comes later is not waited for.
-    void drain() {
-        settleRoots();
+    // Reads what is queued by now, and no more.
+    void readQueued() {
         for (std::size_t left = inotifyQueueSize(tree_.descriptor()); left > 0;) {
             const std::size_t count = tree_.readQueue();
             left -= std::min(left, count);
@@ -114,6 +117,13 @@ private:
                 break;
             }
         }
+    }
+
+    // A change is queued before its system call returns: what is queued by now is all that happened
+    // before the stop. What comes later is not waited for.
+    void drain() {
+        settleRoots();
+        readQueued();
         tree_.tidy(true);
         deliver();
     }

@@ -1,6 +1,8 @@
 #include "tests/ProbeKit/Recording.h"
 #include "tests/support/TemporaryHome.h"
+#include "tests/support/Waiting.h"
 
+#include <atomic>
 #include <fcntl.h>
 #include <future>
 #include <gtest/gtest.h>
@@ -21,11 +23,17 @@ public:
         FSEventStream::Options options;
         options.paths = {folder};
         stream_ = FSEventStream::start(options, [this](const FSEventBatch& batch) {
+            holding_ = true;
             isHeld_.wait();
             probe_.receive(batch);
         });
     }
     ~HeldStream() { letGo(); }
+
+    /// Waits until an event has come, behind which all others queue up.
+    [[nodiscard]] bool holds() {
+        return waitFor([&] { return holding_.load(); });
+    }
 
     void letGo() {
         if (!released_) {
@@ -42,6 +50,7 @@ public:
 
 private:
     bool released_ = false;
+    std::atomic<bool> holding_ = false;
     FSEventProbe probe_{{}};
     std::promise<void> hold_{};
     std::shared_future<void> isHeld_{hold_.get_future()};
@@ -65,10 +74,12 @@ TEST(QueueOverflow, IsNoticedAndAnsweredByASearch) {
     write(folder / "old/changed", "text");
     write(folder / "old/untouched", "text");
     fs::create_directory(folder / "gone");
+    fs::create_directory(folder / "many");
     const TemporaryFolder elsewhere;
     write(elsewhere / "moved/in/file", "text");
     HeldStream stream(folder.path());
     write(folder / "first", "holds the stream's thread");
+    ASSERT_TRUE(stream.holds());
     for (int number = 0; number <= limit; ++number) {
         write(folder / ("many/" + std::to_string(number)), "x");
     }
@@ -86,6 +97,18 @@ TEST(QueueOverflow, IsNoticedAndAnsweredByASearch) {
     EXPECT_TRUE(paths.contains(folder / "late/sub/file"));
     EXPECT_TRUE(paths.contains(folder / "moved/in/file"));
     EXPECT_FALSE(paths.contains(folder / "old/untouched"));
+}
+
+TEST(WatchedRoot, TellsWhatHappenedInItBeforeItWent) {
+    const TemporaryFolder folder;
+    const fs::path root = folder / "root";
+    fs::create_directory(root);
+    HeldStream stream(root);
+    write(root / "first", "holds the stream's thread");
+    ASSERT_TRUE(stream.holds());
+    write(root / "second", "text");
+    fs::remove_all(root);
+    EXPECT_TRUE(pathsOf(stream.stop().stopAndDrain()).contains(root / "second"));
 }
 
 // Runs `body` in a process of its own; gives its answer.
