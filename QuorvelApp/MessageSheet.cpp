@@ -12,6 +12,7 @@ namespace quorvel {
 namespace {
 
 constexpr int wordsWidth = 400;
+constexpr int leastHeight = 40;
 constexpr int greatestHeight = 300;
 
 // As high as its texts need; one that no window would hold is scrolled, by the keyboard too.
@@ -35,6 +36,10 @@ public:
 
     [[nodiscard]] QSize sizeHint() const override {
         return {wordsWidth, std::min(neededHeight(), greatestHeight)};
+    }
+
+    [[nodiscard]] QSize minimumSizeHint() const override {
+        return {wordsWidth, std::min(neededHeight(), leastHeight)};
     }
 
 private:

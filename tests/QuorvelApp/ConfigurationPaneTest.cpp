@@ -63,8 +63,12 @@ TEST_F(ConfigurationPaneTest, DetectionShowsASpinnerThenItsOutcome) {
     addApps();
     stubs.probe = [] { return ProbeResult{.recommendedStrategy = Strategy::wrapperIdentity}; };
     open();
-    openSheet();
+    NewCloneView& sheet = openSheet();
     choose(u"Notes"_s);
+    // The proposal made for the app would take the place of what is detected before it comes.
+    ASSERT_TRUE(eventually([&] {
+        return sheet.session().form().strategyReason.find("sandboxed") != std::string::npos;
+    }));
     QPushButton* detect = button(u"Auto-detect"_s);
     EXPECT_EQ(detect->toolTip(), u"Launch the app briefly to detect how it stores data"_s);
     stubs.tasks->holding = true;
