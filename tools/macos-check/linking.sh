@@ -13,7 +13,7 @@ link_for() {
   done
   "$linker" -arch "$arch" -platform_version macos 13.0 13.0 -syslibroot "$here/libraries" \
     -F/System/Library/Frameworks -lSystem -lc++ -lobjc "${frameworks[@]}" \
-    -dead_strip -dead_strip_dylibs -o "$output" "$@" >"$out/link.log" 2>&1
+    -dead_strip -dead_strip_dylibs -map "$output.map" -o "$output" "$@" >"$out/link.log" 2>&1
 }
 
 # The libraries that a program names and that are not the system's.
@@ -22,14 +22,11 @@ outside_libraries() {
     grep -vE '^(/usr/lib|/System/Library)/' || true
 }
 
-# object_of ARCHITECTURE KIND FILE
-object_of() { echo "$out/$(tr / _ <<<"$3").$1.$2.o"; }
-
 # make_archive ARCHITECTURE FILES...: of their objects and the stand-ins. Prints its path.
 make_archive() {
   local arch=$1 archive=$out/quorvel.$1.a file name objects=()
   shift
-  for file in "$@"; do objects+=("$(object_of "$arch" object "$file")"); done
+  for file in "$@"; do objects+=("$(result_of object "$arch" "$file")"); done
   for name in platform_version libplist; do
     "clang-$version" -target "$arch-apple-macos13.0" -nostdinc -Os \
       -c "$here/stand-ins/$name.c" -o "$out/$name.$arch.o"
@@ -43,7 +40,7 @@ make_archive() {
 # check_runner ARCHITECTURE ARCHIVE: links it as a program that stands alone.
 check_runner() {
   local arch=$1 runner=$out/quorvel-runner.$1 outside
-  if ! link_for "$arch" "$runner" "$(object_of "$arch" object Runner/main.cpp)" "$2"; then
+  if ! link_for "$arch" "$runner" "$(result_of object "$arch" Runner/main.cpp)" "$2"; then
     link_failed "the runner does not link for $arch"
     return
   fi
@@ -53,25 +50,38 @@ check_runner() {
     failed "the runner looks for libraries beside itself"
 }
 
+# linked_files ARCHITECTURE FILES...: those whose objects became a part of what was linked for it.
+linked_files() {
+  local arch=$1 file name
+  shift
+  for file in "$@"; do
+    name=$(result_of object "$arch" "$file")
+    ! grep -qF "${name##*/}" "$out"/{quorvel-runner,platform}."$arch.map" || echo "$file"
+  done
+}
+
 # check_system_files ARCHITECTURE ARCHIVE FILES...: all of them, whether the runner uses them or not.
 check_system_files() {
   local arch=$1 archive=$2 file objects=()
   shift 2
-  for file in "$@"; do objects+=("$(object_of "$arch" object "$file")"); done
+  for file in "$@"; do objects+=("$(result_of object "$arch" "$file")"); done
   link_for "$arch" "$out/platform.$arch" -dylib "${objects[@]}" "$archive" ||
     link_failed "the macOS files do not link for $arch"
 }
 
+# listed_symbols [FOLDER]: what the lists name.
 listed_symbols() {
-  find "$here/libraries" -name '*.tbd' -exec sed -nE "s/^      - '?([^']+)'?$/\1/p" {} + | sort -u
+  find "$here/libraries/${1:-}" -name '*.tbd' -exec sed -nE "s/^      - '?([^']+)'?$/\1/p" {} + |
+    sort -u
 }
 
-# check_lists PROGRAMS...: whether the lists name only what the programs use.
+# check_lists PROGRAMS...: whether the lists of the frameworks name only what the programs use. Those
+# of the C and C++ libraries may name more: what code uses of these changes with every compiler.
 check_lists() {
   "llvm-nm-$version" -u "$@" 2>/dev/null | sed -n 's/^.* //; /./p' |
     sed -e 's/^_OBJC_\(META\)\{0,1\}CLASS_\$_//' | sort -u >"$out/used"
   local unused
-  unused=$(listed_symbols | grep -vxFf "$out/used" | grep -vxF dyld_stub_binder || true)
+  unused=$(listed_symbols System | grep -vxFf "$out/used" || true)
   [ -z "$unused" ] || failed "listed, but used by nothing: $(tr '\n' ' ' <<<"$unused")"
 }
 
@@ -81,7 +91,7 @@ check_link_mistakes() {
   shift 2
   for file in "$@"; do
     expected=$(sed -n '1s|^// expected: ||p' "$file")
-    if link_for "$arch" "$out/mistake" -dylib "$(object_of "$arch" link "${file#"$here/"}")" \
+    if link_for "$arch" "$out/mistake" -dylib "$(result_of link "$arch" "$file")" \
       "$archive"; then
       failed "linked, which it must not be: $file"
     else
@@ -95,7 +105,7 @@ check_link_mistakes() {
 check_foreign_library() {
   local foreign=mistakes/foreign
   link_for "$1" "$out/mistake" -dylib -install_name /usr/lib/libmistake.dylib \
-    "$(object_of "$1" link $foreign/foreign_library.cpp)" \
+    "$(result_of link "$1" $foreign/foreign_library.cpp)" \
     "$here/$foreign/libforeign.tbd" || link_failed "the library from elsewhere does not link"
   [ "$(outside_libraries "$out/mistake")" = /opt/homebrew/lib/libforeign.dylib ] ||
     failed "a library from elsewhere went unnoticed"
