@@ -12,6 +12,7 @@ namespace fs = std::filesystem;
 namespace {
 
 constexpr auto serverProgram = "/usr/bin/Xvfb";
+constexpr auto longestStart = std::chrono::seconds(60); // of a machine that is busy
 constexpr auto windowManagerProgram = "/usr/bin/openbox";
 
 Process quietly(const std::string& program, std::vector<std::string> arguments,
@@ -22,6 +23,15 @@ Process quietly(const std::string& program, std::vector<std::string> arguments,
     options.standardOutput = output;
     options.standardError = Process::Discard{};
     return Process::run(options);
+}
+
+// A window that was there before it would never get the keyboard.
+bool windowManagerRuns() {
+    Process::Options options;
+    options.executable = "/usr/bin/xdotool";
+    options.arguments = {"get_num_desktops"};
+    const std::string count = Process::capture(options, 64);
+    return !count.empty() && count != "0\n";
 }
 
 } // namespace
@@ -46,7 +56,7 @@ Desktop::Desktop() {
                             {"-displayfd", "1", "-screen", "0", "1280x1000x24", "-nolisten", "tcp"},
                             Process::ToFile{file}));
     ::close(file);
-    if (!waitFor([&] { return read(numberFile).ends_with('\n'); })) {
+    if (!waitFor([&] { return read(numberFile).ends_with('\n'); }, longestStart)) {
         throw std::runtime_error("the X server does not come up");
     }
     const std::string number = read(numberFile);
@@ -57,6 +67,9 @@ Desktop::Desktop() {
     setVariable("NO_AT_BRIDGE", "0");
     bus_.emplace();
     windowManager_.emplace(quietly(windowManagerProgram, {"--sm-disable"}));
+    if (!waitFor(windowManagerRuns, longestStart)) {
+        throw std::runtime_error("the window manager does not come up");
+    }
 }
 
 Desktop::~Desktop() {
