@@ -78,12 +78,19 @@ TEST_F(AppearanceTest, TheSheetFollowsWithItsGridAndItsOptions) {
 }
 
 TEST_F(AppearanceTest, TheFormsFollow) {
-    for (const QString& kind : {u"Web App"_s, u"File / Folder"_s, u"Command"_s}) {
-        expectNothingStale([&] {
-            openSheet();
+    const auto pictures = [this](ColorScheme before) {
+        std::vector<QImage> result;
+        Appearance::apply(before);
+        open();
+        openSheet();
+        Appearance::apply(ColorScheme::dark);
+        for (const QString& kind : {u"Web App"_s, u"File / Folder"_s, u"Command"_s}) {
             button(kind)->click();
-        });
-    }
+            result.push_back(picture());
+        }
+        return result;
+    };
+    EXPECT_EQ(pictures(ColorScheme::light), pictures(ColorScheme::dark));
 }
 
 TEST_F(AppearanceTest, AMessageFollows) {
