@@ -30,7 +30,7 @@ std::string sentence(const std::string& reason, const std::filesystem::path& pat
 
 } // namespace
 
-PlatformError::PlatformError(std::error_code code, std::filesystem::path path,
+PlatformError::PlatformError(std::error_code code, const std::filesystem::path& path,
                              const std::string& action)
     : PlatformError(sentence(lowerFirst(code.message()), path, action), code, path) {}
 

@@ -13,7 +13,8 @@ class PlatformError : public std::runtime_error {
 public:
     /// `action` completes the sentence “NAME” couldn’t be ACTION (a past participle, such as
     /// "removed"). `path` is the item that the operation was about.
-    PlatformError(std::error_code code, std::filesystem::path path, const std::string& action);
+    PlatformError(std::error_code code, const std::filesystem::path& path,
+                  const std::string& action);
 
     [[nodiscard]] const std::error_code& code() const noexcept { return code_; }
     [[nodiscard]] const std::filesystem::path& path() const noexcept { return path_; }

@@ -141,7 +141,7 @@ Process Process::run(const Options& options) {
     }
     StringBlock environment;
     for (const auto& [key, value] : options.environment.value_or(Environment{})) {
-        environment.add(key + "=" + value);
+        environment.add(std::string(key).append(1, '=').append(value));
     }
     const bool folderHasNul =
         options.directory && options.directory->native().find('\0') != std::string::npos;

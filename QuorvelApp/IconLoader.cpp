@@ -87,7 +87,7 @@ QPixmap IconLoader::icon(const std::filesystem::path& path, int size, double rat
     if (known != nullptr && !known->isNull()) {
         return *known;
     }
-    const QPixmap system = fresh_.contains(key) ? systemIcon(path, size, ratio) : QPixmap();
+    QPixmap system = fresh_.contains(key) ? systemIcon(path, size, ratio) : QPixmap();
     if (system.isNull()) {
         return standIn(path, size, ratio);
     }
