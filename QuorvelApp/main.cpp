@@ -3,6 +3,7 @@
 
 #include <QApplication>
 #include <QIcon>
+#include <QOperatingSystemVersion>
 
 int main(int argc, char** argv) {
     QApplication::setHighDpiScaleFactorRoundingPolicy(
@@ -11,7 +12,10 @@ int main(int argc, char** argv) {
     QApplication::setApplicationName(QStringLiteral("quorvel"));
     QApplication::setApplicationDisplayName(QStringLiteral("Quorvel"));
     QApplication::setDesktopFileName(QStringLiteral("app.quorvel.Quorvel"));
-    QApplication::setWindowIcon(QIcon(QStringLiteral(":/packaging/app.quorvel.Quorvel.svg")));
+    if (QOperatingSystemVersion::currentType() != QOperatingSystemVersion::MacOS) {
+        // There the bundle's own icon shows.
+        QApplication::setWindowIcon(QIcon(QStringLiteral(":/packaging/app.quorvel.Quorvel.svg")));
+    }
     QApplication::setQuitOnLastWindowClosed(true);
     const quorvel::Appearance appearance;
     quorvel::QuorvelApp quorvel(quorvel::AppServices::ofTheSystem(),
