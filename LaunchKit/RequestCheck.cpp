@@ -30,13 +30,26 @@ bool holdsAtMost(const fs::path& folder, std::initializer_list<std::string_view>
            });
 }
 
+// The same, all of them files.
+bool holdsAtMostFiles(const fs::path& folder, std::initializer_list<std::string_view> names) {
+    return holdsAtMost(folder, names) &&
+           std::all_of(names.begin(), names.end(), [&](std::string_view name) {
+               std::error_code code;
+               const fs::file_type type = fs::symlink_status(folder / name, code).type();
+               return type == fs::file_type::regular || type == fs::file_type::not_found;
+           });
+}
+
 // What a generation that failed half-way leaves behind, a full disk's for one: it may be replaced
 // like a whole clone.
 bool isUnfinishedWrapper(const fs::path& wrapper) {
     const fs::path contents = wrapper / "Contents";
+    // The runner comes first; resources without it are somebody's own.
     return holdsAtMost(wrapper, {"Contents"}) && holdsAtMost(contents, {"MacOS", "Resources"}) &&
-           holdsAtMost(contents / "MacOS", {"runner"}) &&
-           holdsAtMost(contents / "Resources", {"instance.json", "AppIcon.icns"});
+           holdsAtMostFiles(contents / "MacOS", {"runner"}) &&
+           (itemExists(contents / "MacOS" / "runner")
+                ? holdsAtMostFiles(contents / "Resources", {"instance.json", "AppIcon.icns"})
+                : holdsAtMost(contents / "Resources", {}));
 }
 
 // Making a clone again replaces it; anything else of that name is somebody's, and stays.

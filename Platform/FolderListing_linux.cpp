@@ -64,9 +64,9 @@ std::optional<ItemHistory> ChangeClock::historyOf(const std::string& path) const
     return history;
 }
 
-std::optional<std::vector<FolderItem>> listFolder(const std::string& path) {
-    const int descriptor =
-        ::open(path.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC);
+std::optional<std::vector<FolderItem>> listFolder(const std::string& path, bool followsLink) {
+    const int descriptor = ::open(path.c_str(), O_RDONLY | O_DIRECTORY | O_NONBLOCK | O_CLOEXEC |
+                                                    (followsLink ? 0 : O_NOFOLLOW));
     if (descriptor < 0) {
         return std::nullopt;
     }

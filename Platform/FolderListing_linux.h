@@ -35,7 +35,9 @@ struct FolderItem {
     bool isDir = false; ///< a folder itself, not a link to one
 };
 
-/// What a folder holds. Nothing, with `errno` set, when it can't be read. No link is followed.
-[[nodiscard]] std::optional<std::vector<FolderItem>> listFolder(const std::string& path);
+/// What a folder holds. Nothing, with `errno` set, when it can't be read. A link in place of the
+/// folder is followed only when told so.
+[[nodiscard]] std::optional<std::vector<FolderItem>> listFolder(const std::string& path,
+                                                                bool followsLink);
 
 } // namespace quorvel

@@ -223,7 +223,9 @@ void WatchTree::visit(Visit first) {
     while (!waiting.empty()) {
         const Visit folder = std::move(waiting.back());
         waiting.pop_back();
-        const auto items = listFolder(folder.path);
+        // A root is watched where its link leads, and so it is listed there.
+        const bool isRoot = folder.node != nullptr && folder.node->isRoot;
+        const auto items = listFolder(folder.path, isRoot);
         if (!items) {
             if (!hasVanished(errno)) {
                 report_(folder.path, FSEventFlag::mustScanSubDirs | FSEventFlag::itemIsDir);

@@ -90,9 +90,9 @@ QWidget* AdvancedOptions::makeDataLocation() {
     auto* choose = makeButton(tr("Choo&se…"), ButtonLook::small);
     choose->setAccessibleDescription(tr("Data location"));
     connect(choose, &QPushButton::clicked, this, [this] {
-        if (const auto folder = session_.panels().dataFolder(window())) {
-            session_.edit([&](NewCloneForm& form) { form.chooseDataFolder(*folder); });
-        }
+        session_.choose(
+            session_.panels().dataFolder, window(),
+            [](NewCloneForm& form, const auto& folder) { form.chooseDataFolder(folder); });
     });
     auto* row = makeRow(widget);
     row->addWidget(field, 1);
@@ -142,10 +142,13 @@ QWidget* AdvancedOptions::makeEditor(const QString& name, std::string NewCloneFo
 void AdvancedOptions::addMenuBarBoxes() {
     QVBoxLayout* boxes = makeColumn(2);
     addCheckBox(boxes, tr("Show a menu-bar icon while running"), &NewCloneForm::menuBarIcon);
-    QVBoxLayout* indented = makeColumn(0);
-    indented->setContentsMargins(18, 0, 0, 0);
-    QCheckBox* monochrome = addCheckBox(indented, tr("Menu-bar icon as monochrome (template)"),
+    QVBoxLayout* second = makeColumn(0);
+    QCheckBox* monochrome = addCheckBox(second, tr("Menu-bar icon as monochrome (template)"),
                                         &NewCloneForm::menuBarTemplate);
+    auto* indented = new QHBoxLayout; // whose spacing mirrors, as margins do not
+    indented->setSpacing(0);
+    indented->addSpacing(18);
+    indented->addLayout(second);
     boxes->addLayout(indented);
     const auto enable = [this, monochrome] {
         monochrome->parentWidget()->setEnabled(session_.form().menuBarIcon);

@@ -65,7 +65,17 @@ auto telling(Work work) {
     };
 }
 
-AppProfile detect(const AppServices& services, const InstalledApp& app) {
+// Holds none of the services that own the thread it runs on: whoever waits for that must be the
+// last to let go of them.
+struct Detection {
+    decltype(AppServices::readBundle) readBundle;
+    decltype(AppServices::probe) probe;
+    std::string osSignature;
+    InstalledApp app;
+};
+
+AppProfile detect(const Detection& services) {
+    const InstalledApp& app = services.app;
     const auto bundle = services.readBundle(app.url);
     if (!bundle) {
         throw WrapperFactory::FactoryError::badTarget(app.url);
@@ -74,8 +84,7 @@ AppProfile detect(const AppServices& services, const InstalledApp& app) {
     if (!result) {
         throw WrapperFactory::FactoryError::badTarget(app.url);
     }
-    return ProfileGenerator::makeProfile(*bundle, *result,
-                                         AppModel::osSignature(*services.workspace));
+    return ProfileGenerator::makeProfile(*bundle, *result, services.osSignature);
 }
 
 // File managers show the folder, or nothing, for an item that is gone.
@@ -213,7 +222,10 @@ QFuture<SandboxInfo> AppModel::sandboxInfo(const InstalledApp& app) {
 QFuture<AppProfile> AppModel::detectStrategy(const InstalledApp& app) {
     return services_.tasks->detached(
         TaskPriority::userInitiated, this,
-        [services = services_, app] { return detect(services, app); },
+        [detection = Detection{services_.readBundle, services_.probe,
+                               osSignature(*services_.workspace), app}] {
+            return detect(detection);
+        },
         [](AppProfile profile) { return profile; });
 }
 

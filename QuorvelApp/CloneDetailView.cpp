@@ -78,7 +78,7 @@ QWidget* CloneDetailView::makeHeader(IconLoader& icons) {
 QWidget* CloneDetailView::makeActions() {
     auto* actions = new QWidget;
     launch_ = makeButton(tr("&Launch"), ButtonLook::prominent, u"play.fill"_s);
-    auto* reveal = makeButton(tr("Re&veal in Finder"), ButtonLook::standard, u"folder"_s);
+    auto* reveal = makeButton(tr("&Reveal in Finder"), ButtonLook::standard, u"folder"_s);
     auto* remove = makeButton(tr("&Delete"), ButtonLook::standard, u"trash"_s);
     connect(launch_, &QPushButton::clicked, this, [this] { model_.launch(clone_); });
     connect(reveal, &QPushButton::clicked, this, [this] { model_.reveal(clone_); });
@@ -106,7 +106,7 @@ void CloneDetailView::refreshRunning() {
     const bool running = model_.isRunning(clone_);
     dot_->setRunning(running);
     status_->setText(running ? tr("Running") : tr("Not running"));
-    launch_->setText(running ? tr("&Focus") : tr("&Launch"));
+    launch_->setText(running ? tr("Foc&us") : tr("&Launch"));
 }
 
 void CloneDetailView::setRows(const std::vector<DetailRow>& rows) {

@@ -42,9 +42,8 @@ void CustomIconRow::refresh() {
 }
 
 void CustomIconRow::choose() {
-    if (const auto icon = session_.panels().icon(window())) {
-        session_.edit([&](NewCloneForm& form) { form.customIcon = *icon; });
-    }
+    session_.choose(session_.panels().icon, window(),
+                    [](NewCloneForm& form, const auto& icon) { form.customIcon = icon; });
 }
 
 } // namespace quorvel

@@ -38,18 +38,25 @@ inline void bind(NewCloneSession& session, QLineEdit* control, std::string NewCl
     show();
 }
 
+/// What the editor holds as it was typed; `toPlainText` would give other spaces for some.
+inline QString typedText(const QPlainTextEdit* control) {
+    return control->document()
+        ->toRawText()
+        .replace(QChar::ParagraphSeparator, u'\n')
+        .replace(QChar::LineSeparator, u'\n');
+}
+
 inline void bind(NewCloneSession& session, QPlainTextEdit* control,
                  std::string NewCloneForm::*field) {
     const auto show = [&session, control, field] {
         const QString text = qtText(session.form().*field);
-        if (control->toPlainText() != text) {
+        if (typedText(control) != text) {
             const QSignalBlocker quiet(control);
             control->setPlainText(text);
         }
     };
     QObject::connect(control, &QPlainTextEdit::textChanged, &session, [&session, control, field] {
-        session.edit(
-            [&](NewCloneForm& form) { form.*field = control->toPlainText().toStdString(); });
+        session.edit([&](NewCloneForm& form) { form.*field = typedText(control).toStdString(); });
     });
     QObject::connect(&session, &NewCloneSession::changed, control, show);
     show();

@@ -80,7 +80,8 @@ IconLoader::IconLoader(std::shared_ptr<BackgroundTasks> tasks, QObject* parent)
 QPixmap IconLoader::icon(const std::filesystem::path& path, int size, double ratio) {
     const int pixels = qCeil(size * ratio);
     const QString key = keyFor(path, pixels, {});
-    if (!fresh_.contains(key) && !underWay_.contains(key)) {
+    // One that had to make room for others is read again.
+    if ((!fresh_.contains(key) || !known_.contains(key)) && !underWay_.contains(key)) {
         load(path, key, pixels, ratio);
     }
     const QPixmap* known = known_.object(key);

@@ -25,7 +25,7 @@ MainWindow::MainWindow(AppModel& model, UpdaterController& updater, IconLoader& 
     : model_(model),
       content_(new ContentView(model, icons, std::move(panels), this)) {
     setWindowTitle(u"Quorvel"_s);
-    setMinimumSize(smallest);
+    content_->setMinimumSize(smallest);
     resize(initial);
     setCentralWidget(content_);
     addCommands(updater);

@@ -14,6 +14,16 @@ void NewCloneSession::edit(const std::function<void(NewCloneForm&)>& change) {
     Q_EMIT changed();
 }
 
+void NewCloneSession::choose(
+    FilePanels::Panel panel, QWidget* over,
+    const std::function<void(NewCloneForm&, const std::filesystem::path&)>& take) {
+    const QPointer<NewCloneSession> self(this);
+    const auto chosen = panel(over);
+    if (self && chosen) {
+        edit([&](NewCloneForm& form) { take(form, *chosen); });
+    }
+}
+
 void NewCloneSession::select(const InstalledApp& app) {
     edit([&](NewCloneForm& form) { form.select(app, model_.suggestedName(app)); });
     model_.sandboxInfo(app).then(this, [this, app](const SandboxInfo& info) {

@@ -24,6 +24,10 @@ public:
     [[nodiscard]] const FilePanels& panels() const { return panels_; }
 
     void edit(const std::function<void(NewCloneForm&)>& change);
+    /// Asks with one of the panels, over a widget, and has `take` enter the answer. The sheet, and
+    /// this session with it, may be gone by then.
+    void choose(FilePanels::Panel panel, QWidget* over,
+                const std::function<void(NewCloneForm&, const std::filesystem::path&)>& take);
     /// Takes the app as target and finds out how it stores its data.
     void select(const InstalledApp& app);
     /// Has the clone made. Ends with `created`, or with the model's `lastError`.

@@ -7,6 +7,7 @@
 #include "QuorvelApp/TargetPane.h"
 
 #include <QHBoxLayout>
+#include <QStyle>
 #include <QVBoxLayout>
 
 namespace quorvel {
@@ -73,12 +74,13 @@ QWidget* NewCloneView::makeFooter() {
     create_ = makeButton({}, ButtonLook::prominent);
     create_->setDefault(true);
     connect(create_, &QPushButton::clicked, &session_, &NewCloneSession::create);
-    creating_ = new Spinner(16);
+    create_->setText(tr("Create Shortcut"));
+    create_->setFixedSize(create_->sizeHint()); // whatever it reads
+    creating_ = new Spinner(14, Ink::onAccent, create_);
     auto* row = new QHBoxLayout(footer);
     row->setContentsMargins(20, 14, 20, 14);
     row->setSpacing(8);
     row->addStretch();
-    row->addWidget(creating_);
     row->addWidget(cancel);
     row->addWidget(create_);
     return footer;
@@ -90,6 +92,16 @@ void NewCloneView::refresh() {
     create_->setText(form.creating ? tr("Creating…") : tr("Create Shortcut"));
     create_->setEnabled(form.canCreate());
     creating_->setVisible(form.creating);
+    placeSpinner();
+}
+
+// Beside the text, which stands in the button's middle.
+void NewCloneView::placeSpinner() {
+    const QRect all = create_->rect();
+    const int text = create_->fontMetrics().horizontalAdvance(create_->text());
+    const int left = (all.width() - text) / 2 - creating_->width() - 6;
+    const QRect place(QPoint(left, (all.height() - creating_->height()) / 2), creating_->size());
+    creating_->move(QStyle::visualRect(layoutDirection(), all, place).topLeft());
 }
 
 } // namespace quorvel

@@ -28,6 +28,7 @@ private:
     [[nodiscard]] QWidget* makePanes(IconLoader& icons);
     [[nodiscard]] QWidget* makeFooter();
     void refresh();
+    void placeSpinner();
 
     NewCloneSession session_;
     QWidget* searchField_ = nullptr;

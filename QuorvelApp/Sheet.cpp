@@ -2,6 +2,8 @@
 
 #include "QuorvelApp/Theme.h"
 
+#include <QAbstractButton>
+#include <QApplication>
 #include <QEvent>
 #include <QPainter>
 
@@ -29,6 +31,7 @@ Sheet::Sheet(QDialog* dialog, QWidget* window, Place place, QSize ideal)
     connect(dialog_, &QDialog::finished, this, &Sheet::end);
     window->installEventFilter(this);
     dialog_->installEventFilter(this);
+    qApp->installEventFilter(this);
     arrange();
     show();
     raise();
@@ -46,8 +49,18 @@ bool Sheet::eventFilter(QObject* watched, QEvent* event) {
         arrange();
     } else if (watched == dialog_ && event->type() == QEvent::LayoutRequest) {
         arrange();
+    } else if (event->type() == QEvent::Shortcut && covers(watched)) {
+        return true; // a mnemonic of what can't be clicked
     }
     return QWidget::eventFilter(watched, event);
+}
+
+bool Sheet::covers(const QObject* watched) const {
+    const auto* button = qobject_cast<const QAbstractButton*>(watched);
+    const auto sheets = parentWidget()->findChildren<Sheet*>(Qt::FindDirectChildrenOnly);
+    return button != nullptr && button->window() == window() && isVisible() &&
+           !std::any_of(sheets.begin(), sheets.end(),
+                        [&](const Sheet* sheet) { return sheet->isAncestorOf(button); });
 }
 
 void Sheet::arrange() {

@@ -27,6 +27,8 @@ protected:
     void paintEvent(QPaintEvent* event) override;
 
 private:
+    /// Whether it is a button of the window's that lies below.
+    [[nodiscard]] bool covers(const QObject* watched) const;
     void arrange();
     void end();
 

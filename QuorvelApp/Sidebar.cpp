@@ -34,7 +34,7 @@ QWidget* Sidebar::makeEmptyState() {
     column->setContentsMargins(16, 16, 16, 16);
     column->setSpacing(10);
     column->addStretch();
-    column->addWidget(new SymbolView(u"square.on.square.dashed"_s, Ink::tertiary, 42), 0,
+    column->addWidget(new SymbolView(u"square.on.square.dashed"_s, Ink::secondary, 42), 0,
                       Qt::AlignHCenter);
     column->addWidget(makeLabel(tr("No clones yet"), TextStyle::headline), 0, Qt::AlignHCenter);
     QLabel* text = makeLabel(tr("Create an isolated copy of any app to\nrun two accounts side by "

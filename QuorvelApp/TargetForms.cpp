@@ -69,9 +69,8 @@ FileForm::FileForm(NewCloneSession& session)
 }
 
 void FileForm::chooseFile() {
-    if (const auto chosen = session().panels().fileOrFolder(window())) {
-        session().edit([&](NewCloneForm& form) { form.chooseFile(*chosen); });
-    }
+    session().choose(session().panels().fileOrFolder, window(),
+                     [](NewCloneForm& form, const auto& chosen) { form.chooseFile(chosen); });
 }
 
 CommandForm::CommandForm(NewCloneSession& session)
@@ -92,15 +91,14 @@ CommandForm::CommandForm(NewCloneSession& session)
 }
 
 void CommandForm::chooseCommand() {
-    if (const auto chosen = session().panels().file(window())) {
-        session().edit([&](NewCloneForm& form) { form.chooseCommand(*chosen); });
-    }
+    session().choose(session().panels().file, window(),
+                     [](NewCloneForm& form, const auto& chosen) { form.chooseCommand(chosen); });
 }
 
 void CommandForm::chooseWorkdir() {
-    if (const auto chosen = session().panels().folder(window())) {
-        session().edit([&](NewCloneForm& form) { form.workdir = chosen->string(); });
-    }
+    session().choose(
+        session().panels().folder, window(),
+        [](NewCloneForm& form, const auto& chosen) { form.workdir = chosen.string(); });
 }
 
 } // namespace quorvel

@@ -86,6 +86,14 @@ TEST_F(RequestCheck, LetsWhatAGenerationLeftUnfinishedBeReplaced) {
     EXPECT_THAT(refusal(request()), HasSubstr("not a clone"));
 }
 
+TEST_F(RequestCheck, RefusesToReplaceWhatOnlyHasTheNamesOfAnUnfinishedWrapper) {
+    write(place / "Contents/Resources/AppIcon.icns", "somebody's own");
+    EXPECT_THAT(refusal(request()), HasSubstr("not a clone"));
+    fs::remove_all(place);
+    write(place / "Contents/MacOS/runner/letters", "dear");
+    EXPECT_THAT(refusal(request()), HasSubstr("not a clone"));
+}
+
 TEST_F(RequestCheck, FollowsNoLinkOfAnUnfinishedWrapper) {
     fs::create_directories(place);
     fs::create_directories(home / "Elsewhere");

@@ -99,11 +99,14 @@ TEST(WatchedFolder, WhoseParentIsReplacedIsRecordedAsTheNewOne) {
 TEST(WatchedFolder, ThatIsGivenByALinkKeepsTheGivenName) {
     const TemporaryFolder folder;
     fs::create_directory(folder / "real");
+    fs::create_directory(folder / "real/old");
     fs::create_directory_symlink(folder / "real", folder / "link");
     Recording recording(folder / "link");
+    write(folder / "real/old/file", "text");
     write(folder / "real/sub/file", "text");
     recording.stop();
-    EXPECT_THAT(recording.paths(), ElementsAre(folder / "link/sub", folder / "link/sub/file"));
+    EXPECT_THAT(recording.paths(), ElementsAre(folder / "link/old/file", folder / "link/sub",
+                                               folder / "link/sub/file"));
 }
 
 TEST(WatchedFolder, ThatIsGivenWithSlashesAtTheEndGivesPlainPaths) {

@@ -48,7 +48,7 @@ TEST_F(HostileInputTest, ANameOfFileSizeFitsIntoWindowAndDialog) {
     select(clone);
     button(u"Delete"_s)->click();
     QCoreApplication::processEvents();
-    EXPECT_EQ(window->size(), MainWindow::smallest);
+    EXPECT_EQ(window->content().size(), MainWindow::smallest);
     for (const QLabel* label : window->findChildren<QLabel*>()) {
         if (label->isVisible()) {
             const QRect place(label->mapTo(window.get(), QPoint()), label->size());

@@ -47,7 +47,7 @@ TEST_F(MainWindowTest, ListsTheClonesWhenItAppears) {
 TEST_F(MainWindowTest, IsAtLeastAsLargeAsItMustBeAndNamedForTheApplication) {
     open();
     EXPECT_EQ(window->windowTitle(), u"Quorvel"_s);
-    EXPECT_EQ(window->minimumSize(), QSize(760, 480));
+    EXPECT_EQ(window->content().minimumSize(), QSize(760, 480));
     EXPECT_EQ(window->content().sidebar().minimumWidth(), 240);
 }
 

@@ -1,5 +1,6 @@
 #include "tests/QuorvelApp/WindowFixture.h"
 
+#include <QPlainTextEdit>
 #include <QTest>
 
 namespace quorvel::testing {
@@ -34,6 +35,50 @@ TEST_F(NewCloneSheetTest, CreatingShowsThatItGoesOnAndThenClosesTheSheet) {
     ASSERT_TRUE(eventually([&] { return !window->content().showingNewClone(); }));
     EXPECT_EQ(stubs.model().clones().size(), 1U);
     EXPECT_EQ(stubs.workspace->opened.size(), 1U) << "launched, as the box says";
+}
+
+TEST_F(NewCloneSheetTest, EndsWhileAPanelIsOpenAndTheAnswerComesTooLate) {
+    stubs.create = [&](const auto& request) { return addClone(request.displayName).bundleURL; };
+    panels.fileOrFolder = [&](QWidget*) -> std::optional<fs::path> {
+        stubs.tasks->release();
+        EXPECT_TRUE(eventually([&] { return window->findChildren<NewCloneView*>().isEmpty(); }));
+        return "/late";
+    };
+    open();
+    openSheet();
+    button(u"File / Folder"_s)->click();
+    field(u"File or Folder"_s)->setText(u"/etc/hosts"_s);
+    field(u"Name"_s)->setText(u"Hosts"_s);
+    stubs.tasks->holding = true;
+    button(u"Create Shortcut"_s)->click();
+    button(u"Browse…"_s)->click();
+    EXPECT_FALSE(window->content().showingNewClone());
+    EXPECT_EQ(stubs.model().clones().size(), 1U);
+}
+
+TEST_F(NewCloneSheetTest, KeepsTheMnemonicsOfWhatItCovers) {
+    const InstanceRecord work = addClone("Work");
+    open();
+    window->activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(window.get()));
+    window->content().sidebar().select(work.id());
+    QTest::keyClick(window.get(), Qt::Key_L, Qt::AltModifier);
+    ASSERT_TRUE(eventually([&] { return stubs.workspace->opened.size() == 1; }));
+    NewCloneView& sheet = openSheet();
+    QTest::keyClick(&sheet, Qt::Key_L, Qt::AltModifier);
+    QTest::qWait(200); // a button that was pressed by its mnemonic is released a moment later
+    EXPECT_EQ(stubs.workspace->opened.size(), 1U) << "the button lies below";
+}
+
+TEST_F(NewCloneSheetTest, TakesTheEditorsTextAsItWasTyped) {
+    addApps();
+    open();
+    NewCloneView& sheet = openSheet();
+    choose(u"Notes"_s);
+    for (auto* editor : sheet.findChildren<QPlainTextEdit*>()) {
+        editor->setPlainText(u"A=x\u00A0y\nB=2"_s);
+    }
+    EXPECT_EQ(sheet.session().form().envText, "A=x\u00A0y\nB=2");
 }
 
 TEST_F(NewCloneSheetTest, AFailedCreationKeepsTheFormAsItWas) {
