@@ -102,7 +102,8 @@ void AppPicker::showSelected() {
     const int row = selected ? apps_.rowOf(selected->id()) : -1;
     if (row < 0 || apps_.app(row) != *selected) {
         grid_->selectionModel()->clear();
-    } else if (grid_->currentIndex().row() != row) {
+    } else if (grid_->currentIndex().row() != row ||
+               !grid_->selectionModel()->isSelected(apps_.index(row))) {
         grid_->setCurrentIndex(apps_.index(row));
     }
 }

@@ -29,9 +29,8 @@ QRect tileRect(const QStyleOptionViewItem& option) {
 
 QRect nameRect(const QStyleOptionViewItem& option) {
     const QRect tile = tileRect(option);
-    const int sides = padding / 2; // long words need the room more than air
-    return {tile.left() + sides, tile.top() + padding + AppTile::iconSize + gap,
-            tile.width() - 2 * sides, nameHeight};
+    return {tile.left() + padding, tile.top() + padding + AppTile::iconSize + gap,
+            tile.width() - 2 * padding, nameHeight};
 }
 
 void paintGround(QPainter* painter, const QStyleOptionViewItem& option, const Colors& colors) {
