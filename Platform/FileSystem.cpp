@@ -164,17 +164,6 @@ std::optional<std::string> readFile(const std::string& path, std::size_t limit) 
     return bytes;
 }
 
-void writeFile(const fs::path& path, std::string_view bytes) {
-    const RegularFile file = openRegularFile(path, O_WRONLY | O_CREAT, 0666);
-    // Cut after the writing, which so needs no new room on a full disk, and only where it is
-    // longer: ext4 takes the cutting of a new file as a reason to write at once.
-    if (!file.isOpen() || !file.handle.write(bytes) ||
-        (file.size > bytes.size() &&
-         ::ftruncate(file.descriptor(), static_cast<off_t>(bytes.size())) != 0)) {
-        throw PlatformError::fromErrno(path, "written");
-    }
-}
-
 void createDirectories(const fs::path& folder) {
     std::error_code code;
     if (hasNul(folder)) {

@@ -53,8 +53,11 @@ directoryEntries(const std::filesystem::path& folder);
 /// taking thousands of paths apart would cost more than reading the files.
 [[nodiscard]] std::optional<std::string> readFile(const std::string& path, std::size_t limit);
 
-/// Writes a regular file in place (no temporary file), creating it where needed.
-/// Throws `PlatformError`.
+/// Writes a regular file. One that is there (links followed) is replaced at once and whole: its new
+/// bytes are on the disk, under another name beside it, before they take its name, and it keeps its
+/// mode, owner and extended attributes; its other hard links keep the old bytes. A new file is
+/// written under its own name. Throws `PlatformError`; then the old file is as it was, and of a new
+/// one nothing is left.
 void writeFile(const std::filesystem::path& path, std::string_view bytes);
 
 /// Creates the folder and those above it. An existing folder is fine. Throws `PlatformError`.
