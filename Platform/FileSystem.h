@@ -1,12 +1,10 @@
 #pragma once
 
-#include "Platform/ExclusiveRename.h"
 #include "Platform/FileHandle.h"
 #include "Platform/PlatformError.h"
 
 #include <cstddef>
 #include <filesystem>
-#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -66,16 +64,6 @@ void createDirectories(const std::filesystem::path& folder);
 /// Copies the bytes of a regular file (links followed) to a path where nothing may be.
 /// Throws `PlatformError`.
 void copyFile(const std::filesystem::path& source, const std::filesystem::path& destination);
-
-/// How an item is renamed without replacing anything; answers as `renameExclusively` does.
-using ExclusiveRename = std::function<int(const std::filesystem::path& source,
-                                          const std::filesystem::path& destination)>;
-
-/// Moves an item to a path where nothing may be, across file systems too. When it throws
-/// `PlatformError`, the item is still whole at `source`. Where `exclusively` says that the file
-/// system can't do it, a look beforehand has to do.
-void moveItem(const std::filesystem::path& source, const std::filesystem::path& destination,
-              const ExclusiveRename& exclusively = renameExclusively);
 
 /// Removes the item, a folder with everything in it. A symbolic link is removed, not what it points
 /// to. A user's home, or a folder that holds one, is refused however `path` is written.

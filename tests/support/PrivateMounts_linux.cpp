@@ -52,8 +52,7 @@ OnSmallDisk onSmallDisk(const std::filesystem::path& folder, const std::string& 
     const pid_t child = ::fork();
     if (child == 0) {
         OnSmallDisk result = OnSmallDisk::notPermitted;
-        if (hasOwnMounts() &&
-            ::mount("none", folder.c_str(), "tmpfs", 0, options.c_str()) == 0) {
+        if (hasOwnMounts() && ::mount("none", folder.c_str(), "tmpfs", 0, options.c_str()) == 0) {
             result = resultOf(check);
             ::umount2(folder.c_str(), MNT_DETACH);
         }
