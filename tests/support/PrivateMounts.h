@@ -2,18 +2,21 @@
 
 #include <filesystem>
 #include <functional>
+#include <optional>
 #include <string>
 
+/// Real mounts that nobody else sees, and that are gone when their process ends.
 namespace quorvel::testing {
 
-/// How `onSmallDisk` went.
-enum class OnSmallDisk { passed, failed, notPermitted };
+/// Gives this process mounts of its own: as it is, or as the root of a user namespace. False where
+/// the kernel forbids both.
+[[nodiscard]] bool hasOwnMounts();
 
-/// Runs `check` in a child process, where a file system in memory, with the options given
-/// ("size=64k"), lies over `folder`; nobody else sees it. What `check` says went wrong is printed;
-/// `passed` when it says nothing. It must use no assertions: nobody hears them.
-[[nodiscard]] OnSmallDisk onSmallDisk(const std::filesystem::path& folder,
-                                      const std::string& options,
-                                      const std::function<std::string()>& check);
+/// Runs `check` in a child process with mounts of its own and gives the problem that it names, the
+/// empty text for none; nothing where the kernel forbids it.
+[[nodiscard]] std::optional<std::string> inPrivateMounts(const std::function<std::string()>& check);
+
+/// Shows the folder or file `source` at `at` too. Throws when that fails.
+void bindMount(const std::filesystem::path& source, const std::filesystem::path& at);
 
 } // namespace quorvel::testing
