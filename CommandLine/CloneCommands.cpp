@@ -131,25 +131,4 @@ void deleteCommand(const Surroundings& with, const std::string& clone, const Del
     }
 }
 
-void migrateCommand(const Surroundings& with, const std::string& clone, bool json) {
-    const InstanceRecord record = findClone(with.registry, clone);
-    const std::map<std::string, int> moved =
-        InstanceLauncher::migrateSharedUserFolders(record.config.resolvedHome());
-    with.registry.shareUserFolders(record);
-    if (json) {
-        nlohmann::json counts = nlohmann::json::object();
-        for (const auto& [name, count] : moved) {
-            counts[name] = count;
-        }
-        with.output << document({{"moved", counts}});
-        return;
-    }
-    for (const std::string_view name : InstanceLauncher::sharedUserFolders) {
-        const auto found = moved.find(std::string(name));
-        if (found != moved.end() && found->second > 0) {
-            with.output << "Moved " << found->second << " from " << name << "\n";
-        }
-    }
-}
-
 } // namespace quorvel

@@ -23,6 +23,4 @@ struct DeleteOptions {
 void deleteCommand(const Surroundings& with, const std::string& clone, const DeleteOptions& options,
                    bool json);
 
-void migrateCommand(const Surroundings& with, const std::string& clone, bool json);
-
 } // namespace quorvel

@@ -2,6 +2,7 @@
 
 #include "CommandLine/CloneCommands.h"
 #include "CommandLine/IconCommand.h"
+#include "CommandLine/MigrateCommand.h"
 #include "CommandLine/ProbeCommands.h"
 #include "Platform/TerminalText.h"
 

@@ -84,12 +84,25 @@ public:
     /// Whether one of the three in `home` is there and is no link.
     [[nodiscard]] static bool needsSharedFolderMigration(const std::string& home);
 
+    /// An item that a migration had to leave.
+    struct UnmovedItem {
+        std::string path{};
+        std::string reason{}; ///< a sentence that names the item
+
+        bool operator==(const UnmovedItem&) const = default;
+    };
+
+    struct Migration {
+        std::map<std::string, int> moved{}; ///< entries, for each folder that was there
+        std::vector<UnmovedItem> unmoved{};
+    };
+
     /// Moves what the three folders in `home` hold into the user's own, under new names where a
-    /// name is taken, and links them. Gives the number of entries moved for each folder that was
-    /// there. Never fails; what can't be moved stays.
-    static std::map<std::string, int> migrateSharedUserFolders(const std::string& home);
-    static std::map<std::string, int> migrateSharedUserFolders(const std::string& home,
-                                                               const std::string& realHome);
+    /// name is taken, and links those that are empty then. Never fails; what can't be moved stays
+    /// and is told. Finishes what an earlier call was cut off at.
+    [[nodiscard]] static Migration migrateSharedUserFolders(const std::string& home);
+    [[nodiscard]] static Migration migrateSharedUserFolders(const std::string& home,
+                                                            const std::string& realHome);
 };
 
 inline constexpr std::string_view instanceLogName = "quorvel-instance.log";

@@ -1,5 +1,6 @@
 #include "LaunchKit/InstanceLauncher.h"
 #include "Platform/FileSystem.h"
+#include "Platform/ItemMover.h"
 #include "Platform/UserPaths.h"
 
 namespace quorvel {
@@ -12,12 +13,11 @@ std::vector<std::string> entries(const fs::path& folder) {
 
 // Each of these steps is worth trying and none is worth stopping for.
 template<typename Step>
-bool attempt(const Step& step) {
+void attempt(const Step& step) {
     try {
         step();
-        return true;
     } catch (const PlatformError&) {
-        return false;
+        // What it was for shows whether it was needed.
     }
 }
 
@@ -46,18 +46,76 @@ std::string uniqueDestination(const std::string& path) {
     }
 }
 
-int moveEntries(const std::string& source, const std::string& destination) {
-    int moved = 0;
-    for (const std::string& entry : entries(source)) {
-        const std::string from = source + "/" + entry;
-        if (entry == ".DS_Store") {
-            attempt([&] { removeItem(from); });
-        } else if (attempt([&] { moveItem(from, uniqueDestination(destination + "/" + entry)); })) {
-            ++moved;
+using Unmoved = InstanceLauncher::UnmovedItem;
+
+// Runs a step for `item`; a failure is told at the end, and nothing stops for it.
+template<typename Step>
+void attempt(const std::string& item, std::vector<Unmoved>& unmoved, const Step& step) {
+    try {
+        step();
+    } catch (const PlatformError& error) {
+        unmoved.push_back({item, error.description()});
+    }
+}
+
+// Moves what one folder holds into another.
+class FolderMove {
+public:
+    FolderMove(std::string source, std::string destination, InstanceLauncher::Migration& result)
+        : source_(std::move(source)),
+          destination_(std::move(destination)),
+          result_(result) {}
+
+    // The number of entries moved.
+    int run(ItemMover& mover) {
+        const auto names = directoryEntries(source_);
+        if (!names) {
+            refuseUnreadable();
+            return 0;
+        }
+        finishEarlier(*names, mover);
+        for (const std::string& entry : entries(source_)) {
+            const std::string from = source_ + "/" + entry;
+            attempt(from, result_.unmoved, [&] { moveEntry(from, entry, mover); });
+        }
+        return moved_;
+    }
+
+private:
+    // Moves that were cut off, so that what they copied does not come twice.
+    void finishEarlier(const std::vector<std::string>& names, ItemMover& mover) {
+        for (const std::string& name : names) {
+            const std::string leftover = source_ + "/" + name;
+            if (ItemMover::isLeftover(name)) {
+                attempt(leftover, result_.unmoved, [&] {
+                    moved_ += mover.finish(leftover, destination_, uniqueDestination) ? 1 : 0;
+                });
+            }
         }
     }
-    return moved;
-}
+
+    void moveEntry(const std::string& from, const std::string& entry, ItemMover& mover) {
+        if (entry == ".DS_Store") {
+            removeItem(from);
+        } else if (!ItemMover::isLeftover(entry)) {
+            mover.move(from, uniqueDestination(destination_ + "/" + entry));
+            ++moved_;
+        }
+    }
+
+    // A plain file in its place is no folder that can't be read.
+    void refuseUnreadable() {
+        const PlatformError error = PlatformError::fromErrno(source_, "read");
+        if (error.code() != std::errc::not_a_directory) {
+            result_.unmoved.push_back({source_, error.description()});
+        }
+    }
+
+    std::string source_;
+    std::string destination_;
+    InstanceLauncher::Migration& result_;
+    int moved_ = 0;
+};
 
 } // namespace
 
@@ -97,13 +155,14 @@ bool InstanceLauncher::needsSharedFolderMigration(const std::string& home) {
     return false;
 }
 
-std::map<std::string, int> InstanceLauncher::migrateSharedUserFolders(const std::string& home) {
+InstanceLauncher::Migration InstanceLauncher::migrateSharedUserFolders(const std::string& home) {
     return migrateSharedUserFolders(home, UserPaths::home());
 }
 
-std::map<std::string, int> InstanceLauncher::migrateSharedUserFolders(const std::string& home,
-                                                                      const std::string& realHome) {
-    std::map<std::string, int> moved;
+InstanceLauncher::Migration
+InstanceLauncher::migrateSharedUserFolders(const std::string& home, const std::string& realHome) {
+    Migration result;
+    ItemMover mover;
     for (const std::string_view name : sharedUserFolders) {
         const std::string source = joinAsText(home, name);
         const std::string destination = joinAsText(realHome, name);
@@ -113,14 +172,14 @@ std::map<std::string, int> InstanceLauncher::migrateSharedUserFolders(const std:
         }
         if (itemExists(source)) {
             attempt([&] { createDirectories(destination); });
-            moved.emplace(name, moveEntries(source, destination));
+            result.moved.emplace(name, FolderMove(source, destination, result).run(mover));
             if (entries(source).empty()) {
                 removeEmpty(source);
             }
         }
         linkIfSafe(source, destination);
     }
-    return moved;
+    return result;
 }
 
 } // namespace quorvel

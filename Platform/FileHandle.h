@@ -21,6 +21,9 @@ public:
     /// -1 when nothing is open.
     [[nodiscard]] int descriptor() const noexcept { return descriptor_; }
 
+    /// Gives the descriptor away; closing it is now the caller's business.
+    [[nodiscard]] int release() noexcept { return std::exchange(descriptor_, -1); }
+
     /// Writes everything, going on after an interruption. False when that fails (`errno` says why).
     bool write(std::string_view bytes) const noexcept;
 

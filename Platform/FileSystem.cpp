@@ -129,6 +129,16 @@ std::optional<Folder> Folder::open(const fs::path& path) {
     return stream == nullptr ? std::nullopt : std::optional(Folder(path, stream));
 }
 
+std::optional<Folder> Folder::open(int folder, const std::string& name) {
+    const int descriptor =
+        ::openat(folder, name.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
+    DIR* stream = descriptor < 0 ? nullptr : ::fdopendir(descriptor);
+    if (stream == nullptr && descriptor >= 0) {
+        ::close(descriptor);
+    }
+    return stream == nullptr ? std::nullopt : std::optional(Folder(name, stream));
+}
+
 std::vector<std::string> Folder::entries() {
     std::vector<std::string> names;
     ::rewinddir(stream_.get());
@@ -162,17 +172,6 @@ std::optional<std::string> readFile(const std::string& path, std::size_t limit) 
         bytes.reset();
     }
     return bytes;
-}
-
-void writeFile(const fs::path& path, std::string_view bytes) {
-    const RegularFile file = openRegularFile(path, O_WRONLY | O_CREAT, 0666);
-    // Cut after the writing, which so needs no new room on a full disk, and only where it is
-    // longer: ext4 takes the cutting of a new file as a reason to write at once.
-    if (!file.isOpen() || !file.handle.write(bytes) ||
-        (file.size > bytes.size() &&
-         ::ftruncate(file.descriptor(), static_cast<off_t>(bytes.size())) != 0)) {
-        throw PlatformError::fromErrno(path, "written");
-    }
 }
 
 void createDirectories(const fs::path& folder) {

@@ -1,12 +1,10 @@
 #pragma once
 
-#include "Platform/ExclusiveRename.h"
 #include "Platform/FileHandle.h"
 #include "Platform/PlatformError.h"
 
 #include <cstddef>
 #include <filesystem>
-#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -53,8 +51,11 @@ directoryEntries(const std::filesystem::path& folder);
 /// taking thousands of paths apart would cost more than reading the files.
 [[nodiscard]] std::optional<std::string> readFile(const std::string& path, std::size_t limit);
 
-/// Writes a regular file in place (no temporary file), creating it where needed.
-/// Throws `PlatformError`.
+/// Writes a regular file. One that is there (links followed) is replaced at once and whole: its new
+/// bytes are on the disk, under another name beside it, before they take its name, and it keeps its
+/// mode, owner and extended attributes; its other hard links keep the old bytes. A new file is
+/// written under its own name. Throws `PlatformError`; then the old file is as it was, and of a new
+/// one nothing is left.
 void writeFile(const std::filesystem::path& path, std::string_view bytes);
 
 /// Creates the folder and those above it. An existing folder is fine. Throws `PlatformError`.
@@ -63,16 +64,6 @@ void createDirectories(const std::filesystem::path& folder);
 /// Copies the bytes of a regular file (links followed) to a path where nothing may be.
 /// Throws `PlatformError`.
 void copyFile(const std::filesystem::path& source, const std::filesystem::path& destination);
-
-/// How an item is renamed without replacing anything; answers as `renameExclusively` does.
-using ExclusiveRename = std::function<int(const std::filesystem::path& source,
-                                          const std::filesystem::path& destination)>;
-
-/// Moves an item to a path where nothing may be, across file systems too. When it throws
-/// `PlatformError`, the item is still whole at `source`. Where `exclusively` says that the file
-/// system can't do it, a look beforehand has to do.
-void moveItem(const std::filesystem::path& source, const std::filesystem::path& destination,
-              const ExclusiveRename& exclusively = renameExclusively);
 
 /// Removes the item, a folder with everything in it. A symbolic link is removed, not what it points
 /// to. A user's home, or a folder that holds one, is refused however `path` is written.

@@ -18,8 +18,13 @@ public:
     /// Nothing when the folder can't be read.
     [[nodiscard]] static std::optional<Folder> open(const std::filesystem::path& path);
 
+    /// The folder `name` in an open folder; nothing when it can't be read or is a link.
+    [[nodiscard]] static std::optional<Folder> open(int folder, const std::string& name);
+
     /// As it was given.
     [[nodiscard]] const std::filesystem::path& path() const { return path_; }
+
+    [[nodiscard]] int descriptor() const noexcept { return ::dirfd(stream_.get()); }
 
     /// The names in it in the file system's order, hidden ones included, without "." and "..".
     [[nodiscard]] std::vector<std::string> entries();

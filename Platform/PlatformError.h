@@ -31,6 +31,13 @@ public:
                                                const std::filesystem::path& path,
                                                const std::string& action);
 
+    /// The error of an operation on `path` that failed at an item below it, `inside`:
+    /// “Photos” couldn’t be moved: “2024/a.jpg”: permission denied.
+    [[nodiscard]] static PlatformError inside(std::error_code code,
+                                              const std::filesystem::path& inside,
+                                              const std::filesystem::path& path,
+                                              const std::string& action);
+
 private:
     PlatformError(const std::string& sentence, std::error_code code, std::filesystem::path path);
 

@@ -1,8 +1,10 @@
 #include "Platform/UserPaths.h"
 
 #include <cstdlib>
+#include <mutex>
 #include <optional>
 #include <pwd.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace quorvel::UserPaths {
@@ -91,6 +93,24 @@ std::vector<std::string> allHomes() {
             homes.push_back(*other);
         }
     }
+    return homes;
+}
+
+std::vector<OtherHome> otherUsersHomes() {
+    // The system goes through the database with one hand for the whole process.
+    static std::mutex guard;
+    const std::lock_guard lock(guard);
+    std::vector<OtherHome> homes;
+    ::setpwent();
+    while (const passwd* entry = ::getpwent()) {
+        struct stat status {};
+        // Many users of the system's have "/" or a shared folder for a home.
+        if (entry->pw_uid != ::getuid() && entry->pw_dir != nullptr && entry->pw_dir[0] == '/' &&
+            ::stat(entry->pw_dir, &status) == 0 && status.st_uid == entry->pw_uid) {
+            homes.push_back({entry->pw_name, trimmed(entry->pw_dir)});
+        }
+    }
+    ::endpwent();
     return homes;
 }
 

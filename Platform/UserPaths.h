@@ -24,4 +24,13 @@ namespace quorvel::UserPaths {
 /// them may ever be deleted.
 [[nodiscard]] std::vector<std::string> allHomes();
 
+/// Another user's home, by what the user database says.
+struct OtherHome {
+    std::string user{};
+    std::string home{};
+};
+
+/// The homes that belong to other users: those that they own. Asks the user database.
+[[nodiscard]] std::vector<OtherHome> otherUsersHomes();
+
 } // namespace quorvel::UserPaths

@@ -124,6 +124,21 @@ std::string movedText(const std::map<std::string, int>& moved) {
     return parts.empty() ? parts : "Moved " + parts + " into your shared folders. ";
 }
 
+// An alert has room for a few; empty when nothing had to stay.
+std::string unmovedText(const std::vector<InstanceLauncher::UnmovedItem>& items) {
+    constexpr std::size_t shown = 5;
+    if (items.empty()) {
+        return {};
+    }
+    std::string text = "Not everything could be moved, so the clone still has folders of its own:";
+    for (std::size_t index = 0; index < std::min(items.size(), shown); ++index) {
+        text += "\n" + items[index].reason;
+    }
+    return items.size() <= shown
+               ? text
+               : text + "\n… and " + std::to_string(items.size() - shown) + " more";
+}
+
 std::string sharingText(const std::string& name, const std::map<std::string, int>& moved) {
     const std::string text = movedText(moved);
     if (text.empty()) {
@@ -314,7 +329,7 @@ QFuture<void> AppModel::migrateSharedFolders(const InstanceRecord& record) {
         TaskPriority::userInitiated, this, telling([home = record.config.resolvedHome()] {
             return InstanceLauncher::migrateSharedUserFolders(home);
         }),
-        [this, record](const Outcome<std::map<std::string, int>>& outcome) {
+        [this, record](const Outcome<InstanceLauncher::Migration>& outcome) {
             if (outcome.result) {
                 migrated(record, *outcome.result);
             } else {
@@ -324,9 +339,10 @@ QFuture<void> AppModel::migrateSharedFolders(const InstanceRecord& record) {
         });
 }
 
-void AppModel::migrated(const InstanceRecord& record, const std::map<std::string, int>& moved) {
-    std::string failure;
-    if (!record.config.shareUserFolders) {
+void AppModel::migrated(const InstanceRecord& record,
+                        const InstanceLauncher::Migration& migration) {
+    std::string failure = unmovedText(migration.unmoved);
+    if (!record.config.shareUserFolders && failure.empty()) {
         try {
             services_.registry.shareUserFolders(record);
         } catch (const std::exception& error) {
@@ -335,9 +351,9 @@ void AppModel::migrated(const InstanceRecord& record, const std::map<std::string
     }
     reload();
     if (failure.empty()) {
-        setStatusMessage(sharingText(record.config.displayName, moved));
+        setStatusMessage(sharingText(record.config.displayName, migration.moved));
     } else {
-        setLastError(movedText(moved) + failure);
+        setLastError(movedText(migration.moved) + failure);
     }
 }
 

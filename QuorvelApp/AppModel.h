@@ -1,6 +1,7 @@
 #pragma once
 
 #include "LaunchKit/AppProfile.h"
+#include "LaunchKit/InstanceLauncher.h"
 #include "QuorvelApp/AppServices.h"
 
 #include <QFuture>
@@ -77,7 +78,8 @@ public:
     /// A failure becomes `lastError`.
     void remove(const InstanceRecord& record, bool includingData);
     /// Moves what the clone saved in its own folders into the user's, and shares those from then
-    /// on. The outcome becomes `statusMessage`, or `lastError` when the clone can't be changed.
+    /// on. The outcome becomes `statusMessage`, or `lastError` when the clone can't be changed or
+    /// something had to stay; then the clone does not come to share the folders.
     QFuture<void> migrateSharedFolders(const InstanceRecord& record);
     /// Shows the clone's wrapper in the file manager. A failure becomes `lastError`.
     QFuture<void> reveal(const InstanceRecord& record);
@@ -100,7 +102,7 @@ private:
     void opened(const std::optional<std::string>& failure);
     [[nodiscard]] InstanceRecord created(const std::filesystem::path& wrapper,
                                          const WrapperFactory::Request& request, bool launchAfter);
-    void migrated(const InstanceRecord& record, const std::map<std::string, int>& moved);
+    void migrated(const InstanceRecord& record, const InstanceLauncher::Migration& migration);
 
     AppServices services_;
     std::vector<InstanceRecord> clones_{};

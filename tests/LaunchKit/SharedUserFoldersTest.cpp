@@ -29,7 +29,9 @@ protected:
         }
     }
 
-    Counts migrate() const { return InstanceLauncher::migrateSharedUserFolders(clone(), real()); }
+    Counts migrate() const {
+        return InstanceLauncher::migrateSharedUserFolders(clone(), real()).moved;
+    }
 
     static void link(const fs::path& from, const fs::path& to) {
         InstanceLauncher::linkIfSafe(from, to);
@@ -186,6 +188,20 @@ TEST_F(SharedFolders, AFolderThatHoldsOnlyDsStoreIsEmptiedAndLinked) {
     EXPECT_FALSE(fs::exists(inReal("Downloads/.DS_Store")));
 }
 
+TEST_F(SharedFolders, OnlyExactlyDsStoreIsNotMoved) {
+    makeRealFolders();
+    for (const char* name : {".DS_Store", ".ds_store", ".DS_Store ", ".DS_Stor", "x.DS_Store",
+                             "DS_Store", ".DS_Store.txt", "folder/.DS_Store"}) {
+        write(inClone("Downloads") / name, "x");
+    }
+    EXPECT_EQ(migrate(), (Counts{{"Downloads", 7}}));
+    EXPECT_FALSE(fs::exists(inReal("Downloads/.DS_Store")));
+    for (const char* name : {".ds_store", ".DS_Store ", ".DS_Stor", "x.DS_Store", "DS_Store",
+                             ".DS_Store.txt", "folder/.DS_Store"}) {
+        EXPECT_TRUE(fs::exists(inReal("Downloads") / name)) << name;
+    }
+}
+
 TEST_F(SharedFolders, NamesThatAreTakenGetTheNextNumber) {
     for (const char* name : {"Documents/a.txt", "Documents/a (1).txt", "Documents/notes",
                              "Documents/x.tar.gz", "Documents/.rc", "Documents/end."}) {
@@ -238,10 +254,15 @@ TEST_F(SharedFolders, ALinkAmongTheFilesIsMovedAsALink) {
 
 TEST_F(SharedFolders, AFolderThatIsALinkAlreadyIsPassedOver) {
     makeRealFolders();
+    write(at("elsewhere/file"), "x");
+    write(at("elsewhere/.DS_Store"), "x");
     fs::create_directory(at("clone"));
     fs::create_directory_symlink(at("elsewhere"), inClone("Downloads"));
+    const auto before = treeOf(at("elsewhere"));
     EXPECT_EQ(migrate(), Counts{});
     EXPECT_TRUE(isLink(inClone("Downloads"), at("elsewhere")));
+    EXPECT_EQ(treeOf(at("elsewhere")), before) << "what a link leads to is not the clone's own";
+    EXPECT_TRUE(fs::is_empty(inReal("Downloads")));
 }
 
 TEST_F(SharedFolders, APlainFileInsteadOfAFolderIsReplacedByTheLink) {
@@ -259,14 +280,15 @@ TEST_F(SharedFolders, MigratingTheRealHomeIntoItselfLosesNothing) {
     const auto before = treeOf(real());
     for (const std::string& home :
          {real(), real() + "/", real() + "/.", at("again").string(), real() + "/Documents/.."}) {
-        EXPECT_EQ(InstanceLauncher::migrateSharedUserFolders(home, real()), Counts{}) << home;
+        EXPECT_EQ(InstanceLauncher::migrateSharedUserFolders(home, real()).moved, Counts{}) << home;
         EXPECT_EQ(treeOf(real()), before) << home;
     }
 }
 
 TEST_F(SharedFolders, MigratingIntoAFolderOfItsOwnLosesNothing) {
     write(inClone("Documents/inner/file"), "x");
-    InstanceLauncher::migrateSharedUserFolders(clone(), inClone("Documents/inner"));
+    EXPECT_EQ(InstanceLauncher::migrateSharedUserFolders(clone(), inClone("Documents/inner")).moved,
+              (Counts{{"Documents", 0}}));
     EXPECT_EQ(read(inClone("Documents/inner/file")), "x");
 }
 
@@ -302,7 +324,8 @@ TEST_F(SharedFolders, AFolderThatMayNotBeReadIsNotMigratedAway) {
 TEST_F(SharedFolders, TheUsersOwnHomeIsTheDestinationUnlessToldOtherwise) {
     const TemporaryHome home;
     write(inClone("Documents/a"), "x");
-    EXPECT_EQ(InstanceLauncher::migrateSharedUserFolders(clone()), (Counts{{"Documents", 1}}));
+    EXPECT_EQ(InstanceLauncher::migrateSharedUserFolders(clone()).moved,
+              (Counts{{"Documents", 1}}));
     EXPECT_EQ(read(home / "Documents/a"), "x");
 }
 

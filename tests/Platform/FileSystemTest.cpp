@@ -211,13 +211,6 @@ TEST_F(FileSystem, ReadingNeverBlocksOnWhatIsNoFile) {
     EXPECT_FALSE(readFile(at("none"), 10));
 }
 
-TEST_F(FileSystem, WritingReplacesTheBytesInPlace) {
-    write(at("file"), "a much longer text");
-    fs::create_hard_link(at("file"), at("other name"));
-    writeFile(at("file"), "short");
-    EXPECT_EQ(read(at("other name")), "short");
-}
-
 TEST_F(FileSystem, WritingMakesTheFile) {
     writeFile(at("new"), "x");
     EXPECT_EQ(read(at("new")), "x");

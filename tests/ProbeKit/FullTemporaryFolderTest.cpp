@@ -1,12 +1,9 @@
 // Probing with a temporary folder on a file system that is really full.
-#include "Platform/FileHandle.h"
 #include "tests/ProbeKit/Trial.h"
+#include "tests/support/PrivateMounts.h"
 
-#include <cerrno>
-#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <iostream>
-#include <sched.h>
 #include <sys/mount.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -17,26 +14,6 @@ namespace {
 using namespace testing;
 
 enum class Outcome { passed, failed, notPermitted };
-
-bool writeTo(const char* file, const std::string& text) {
-    const FileHandle handle(::open(file, O_WRONLY | O_CLOEXEC));
-    return handle.descriptor() >= 0 && handle.write(text);
-}
-
-// Gives this process mounts of its own: as it is, or as the root of a user namespace.
-bool hasOwnMounts() {
-    if (::unshare(CLONE_NEWNS) != 0) {
-        const std::string user = std::to_string(::geteuid());
-        const std::string group = std::to_string(::getegid());
-        if (::unshare(CLONE_NEWUSER | CLONE_NEWNS) != 0 ||
-            !writeTo("/proc/self/uid_map", "0 " + user + " 1") ||
-            !writeTo("/proc/self/setgroups", "deny") ||
-            !writeTo("/proc/self/gid_map", "0 " + group + " 1")) {
-            return false;
-        }
-    }
-    return ::mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0;
-}
 
 // Runs `check` in a process of its own whose trial has room for so many files and folders in its
 // temporary folder, and none for bytes beyond a page. What `check` says of a failure is printed.

@@ -1,0 +1,57 @@
+#include "CommandLine/MigrateCommand.h"
+
+#include "CommandLine/CloneLookup.h"
+#include "CommandLine/CloneTexts.h"
+#include "LaunchKit/InstanceLauncher.h"
+#include "Platform/TerminalText.h"
+
+#include <nlohmann/json.hpp>
+
+#include <ostream>
+
+namespace quorvel {
+namespace {
+
+nlohmann::json jsonForm(const InstanceLauncher::Migration& migration) {
+    nlohmann::json form{{"moved", nlohmann::json::object()}};
+    for (const auto& [name, count] : migration.moved) {
+        form["moved"][name] = count;
+    }
+    for (const InstanceLauncher::UnmovedItem& item : migration.unmoved) {
+        form["unmoved"].push_back({{"path", item.path}, {"reason", item.reason}});
+    }
+    return form;
+}
+
+std::string movedLines(const InstanceLauncher::Migration& migration) {
+    std::string lines;
+    for (const std::string_view name : InstanceLauncher::sharedUserFolders) {
+        const auto found = migration.moved.find(std::string(name));
+        if (found != migration.moved.end() && found->second > 0) {
+            lines += "Moved " + std::to_string(found->second) + " from " + std::string(name) + "\n";
+        }
+    }
+    return lines;
+}
+
+} // namespace
+
+void migrateCommand(const Surroundings& with, const std::string& clone, bool json) {
+    const InstanceRecord record = findClone(with.registry, clone);
+    const InstanceLauncher::Migration migration =
+        InstanceLauncher::migrateSharedUserFolders(record.config.resolvedHome());
+    const bool complete = migration.unmoved.empty();
+    if (complete) {
+        with.registry.shareUserFolders(record);
+    }
+    with.output << (json ? document(jsonForm(migration)) : movedLines(migration)) << std::flush;
+    if (!complete) {
+        for (const InstanceLauncher::UnmovedItem& item : migration.unmoved) {
+            with.errors << terminalText(item.reason) << "\n";
+        }
+        throw CommandError("Not everything was moved; the rest is still in " +
+                           record.config.resolvedHome() + ".");
+    }
+}
+
+} // namespace quorvel
