@@ -13,7 +13,15 @@ namespace {
 
 using Fact = std::pair<std::string, std::string>;
 
-// The columns that a text takes on a terminal: East Asian characters are two wide, marks none.
+// A clone's name in a table: no longer one pushes the other columns off the screen.
+constexpr std::size_t longestName = 60;
+
+std::string nameColumn(const InstanceRecord& record) {
+    return terminalText(record.config.displayName, longestName);
+}
+
+// The columns that a text takes on a terminal: East Asian characters are two wide, marks and what
+// can't be seen none.
 std::size_t columns(const std::string& text) {
     std::size_t width = 0;
     const auto length = static_cast<int32_t>(text.size());
@@ -21,7 +29,8 @@ std::size_t columns(const std::string& text) {
         UChar32 scalar = 0;
         U8_NEXT(text.data(), index, length, scalar);
         const int32_t kind = u_getIntPropertyValue(scalar, UCHAR_EAST_ASIAN_WIDTH);
-        const bool mark = (U_GET_GC_MASK(scalar) & (U_GC_MN_MASK | U_GC_ME_MASK)) != 0;
+        const bool mark =
+            (U_GET_GC_MASK(scalar) & (U_GC_MN_MASK | U_GC_ME_MASK | U_GC_CF_MASK)) != 0;
         width += mark ? 0 : kind == U_EA_WIDE || kind == U_EA_FULLWIDTH ? 2 : 1;
     }
     return width;
@@ -107,20 +116,22 @@ nlohmann::json jsonForm(const AppBundle& bundle) {
 
 std::string document(const nlohmann::json& value) {
     constexpr int indent = 2;
-    return value.dump(indent, ' ', false, nlohmann::json::error_handler_t::replace) + "\n";
+    return escapingHarmful(
+               value.dump(indent, ' ', false, nlohmann::json::error_handler_t::replace)) +
+           "\n";
 }
 
 std::string listing(const std::vector<InstanceRecord>& records,
                     const RunningApplications& running) {
     std::size_t width = 0;
     for (const InstanceRecord& record : records) {
-        width = std::max(width, columns(terminalText(record.config.displayName)));
+        width = std::max(width, columns(nameColumn(record)));
     }
     std::string text;
     for (const InstanceRecord& record : records) {
         const InstanceConfig& config = record.config;
         text += running.contains(config.bundleId) ? "● " : "  ";
-        text += padded(terminalText(config.displayName), width + 2);
+        text += padded(nameColumn(record), width + 2);
         text += padded(std::string(rawString(config.kind)), 9);
         text += terminalText(opens(config)) + "\n";
     }

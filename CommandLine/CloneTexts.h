@@ -16,8 +16,8 @@ namespace quorvel {
                                       const RunningApplications& running);
 [[nodiscard]] nlohmann::json jsonForm(const AppBundle& bundle);
 
-/// The document as it goes to standard output. Bytes that are no UTF-8 become U+FFFD, since JSON
-/// has no other way to show them.
+/// The document as it goes to standard output, harmless to a terminal. Bytes that are no UTF-8
+/// become U+FFFD, since JSON has no other way to show them.
 [[nodiscard]] std::string document(const nlohmann::json& value);
 
 /// A table with one line a clone.

@@ -2,13 +2,16 @@
 
 #include "Platform/FileSystem.h"
 #include "Platform/PropertyListLimits.h"
+#include "Platform/PropertyListXml.h"
 #include "Platform/Utf8.h"
 
 #include <plist/plist.h>
 
 #include <algorithm>
 #include <cstdlib>
+#include <future>
 #include <memory>
+#include <mutex>
 #include <stdexcept>
 
 namespace quorvel {
@@ -148,6 +151,45 @@ struct NodeMaker {
     }
 };
 
+using Parser = decltype(&plist_from_xml);
+
+std::optional<PropertyListDictionary> parsed(Parser parser, std::string_view bytes,
+                                             PropertyList::Keys keys) {
+    plist_t raw = nullptr;
+    parser(bytes.data(), static_cast<std::uint32_t>(bytes.size()), &raw);
+    const Node root(raw);
+    if (!root || plist_get_node_type(root.get()) != PLIST_DICT) {
+        return std::nullopt;
+    }
+    return convertedDictionary(root.get(), keys);
+}
+
+// Lists that take much memory are read one after another, whatever the number of threads.
+std::optional<PropertyListDictionary> parsedInTurn(Parser parser, std::string_view bytes,
+                                                   PropertyList::Keys keys,
+                                                   std::optional<std::size_t> neededBytes) {
+    constexpr std::size_t large = std::size_t{1} << 20U;
+    if (!neededBytes || *neededBytes <= large) {
+        return neededBytes ? parsed(parser, bytes, keys) : std::nullopt;
+    }
+    static std::mutex turn;
+    const std::lock_guard lock(turn);
+    // The C library keeps what a thread has freed for that thread; the next new one takes it over.
+    return std::async(std::launch::async, parsed, parser, bytes, keys).get();
+}
+
+std::optional<PropertyListDictionary> parsedXml(std::string_view document,
+                                                PropertyList::Keys keys) {
+    if (const auto needed = PropertyListLimits::neededBytes(document)) {
+        return parsedInTurn(plist_from_xml, document, keys, needed);
+    }
+    // Beyond the limits, or written in a way that the parser may take for something else.
+    const auto plain = PropertyListXml::withoutOrnaments(document);
+    return plain
+               ? parsedInTurn(plist_from_xml, *plain, keys, PropertyListLimits::neededBytes(*plain))
+               : std::nullopt;
+}
+
 } // namespace
 
 PropertyListValue::PropertyListValue(PropertyListArray value) : storage(std::move(value)) {}
@@ -169,21 +211,15 @@ std::optional<bool> PropertyListValue::boolean() const {
 namespace PropertyList {
 
 std::optional<PropertyListDictionary> parseDictionary(std::string_view bytes, Keys keys) {
-    if (bytes.empty() || bytes.size() > maximumFileSize || !PropertyListLimits::within(bytes)) {
+    if (bytes.empty() || bytes.size() > maximumFileSize) {
         return std::nullopt;
     }
-    plist_t raw = nullptr;
-    const auto length = static_cast<std::uint32_t>(bytes.size());
     if (bytes.starts_with("bplist")) {
-        plist_from_bin(bytes.data(), length, &raw);
-    } else {
-        plist_from_xml(bytes.data(), length, &raw);
+        return parsedInTurn(plist_from_bin, bytes, keys, PropertyListLimits::neededBytes(bytes));
     }
-    const Node root(raw);
-    if (!root || plist_get_node_type(root.get()) != PLIST_DICT) {
-        return std::nullopt;
-    }
-    return convertedDictionary(root.get(), keys);
+    std::string room;
+    const auto document = PropertyListXml::asUtf8(bytes, room);
+    return document ? parsedXml(*document, keys) : std::nullopt;
 }
 
 std::optional<PropertyListDictionary> readDictionary(const std::string& file, Keys keys) {

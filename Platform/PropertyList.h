@@ -48,9 +48,10 @@ inline constexpr std::size_t maximumFileSize = std::size_t{8} << 20U;
 /// less when it is not wanted.
 using Keys = std::initializer_list<const char*>;
 
-/// Reads an XML or binary property list whose root is a dictionary. Nothing when the file can't be
-/// read, is over `maximumFileSize`, is malformed, nests deeper than 256 levels or would unfold to
-/// more than a million values. A string whose bytes are not UTF-8 is taken as ISO 8859-1.
+/// Reads an XML (UTF-8 or UTF-16) or binary property list whose root is a dictionary. Nothing when
+/// the file can't be read, is over `maximumFileSize`, is malformed, uses entities of its own, nests
+/// deeper than 256 levels or would take more than 64 MiB of memory. A string whose bytes are not
+/// UTF-8 is taken as ISO 8859-1. At any time only one large list is being read.
 [[nodiscard]] std::optional<PropertyListDictionary> readDictionary(const std::string& file,
                                                                    Keys keys = {});
 

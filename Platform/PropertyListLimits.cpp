@@ -8,22 +8,38 @@
 namespace quorvel::PropertyListLimits {
 namespace {
 
+// Measured: the parser takes up to 136 bytes a value, our own form of it about 80 more.
+constexpr std::size_t bytesPerValue = 256;
+constexpr std::size_t maximumValues = maximumBytes / bytesPerValue;
+// A text is there as the parser's and as our own, which may be twice as long, and those who asked
+// for it make copies of theirs.
+constexpr std::size_t copiesOfText = 12;
+
 // Follows the tags of the XML form as the parser does, where they decide how deep it goes. Where
 // the two might disagree on a tag's end, and something be hidden there, the answer is no.
 class XmlTags {
 public:
     explicit XmlTags(std::string_view bytes) : bytes_(bytes) {}
 
-    [[nodiscard]] bool within() {
-        for (at_ = bytes_.find('<'); at_ != bytes_.npos; at_ = bytes_.find('<', at_)) {
-            if (!passTag() || depth_ > maximumDepth || ++values_ > 2 * maximumValues) {
-                return false;
+    [[nodiscard]] std::optional<std::size_t> neededBytes() {
+        while (passText()) {
+            if (!passTag() || depth_ > maximumDepth || values_ > maximumValues) {
+                return std::nullopt;
             }
         }
-        return true;
+        const std::size_t needed = values_ * bytesPerValue + texts_ * copiesOfText;
+        return needed <= maximumBytes ? std::optional(needed) : std::nullopt;
     }
 
 private:
+    // Whether a tag follows.
+    bool passText() {
+        const std::size_t end = std::min(bytes_.find('<', at_), bytes_.size());
+        texts_ += end - at_;
+        at_ = end;
+        return at_ < bytes_.size();
+    }
+
     bool passTag() {
         const std::string_view rest = bytes_.substr(at_);
         if (rest.starts_with("<!--")) {
@@ -47,6 +63,7 @@ private:
         if (tag.starts_with("<?")) {
             return depth_ == 0 && tag.ends_with('?');
         }
+        values_ += tag.starts_with("</") ? 0U : 1U;
         if (isContainer(tag.substr(1))) {
             depth_ += tag.ends_with('/') ? 0U : 1U;
         } else if (tag.starts_with("</") && isContainer(tag.substr(2)) && depth_ > 0) {
@@ -56,8 +73,10 @@ private:
     }
 
     bool passBehind(std::string_view end) {
+        const std::size_t start = at_;
         const std::size_t found = bytes_.find(end, at_ + 4);
         at_ = found == bytes_.npos ? bytes_.size() : found + end.size();
+        texts_ += at_ - start;
         return true;
     }
 
@@ -76,6 +95,7 @@ private:
     std::size_t at_ = 0;
     std::size_t depth_ = 0;
     std::size_t values_ = 0;
+    std::size_t texts_ = 0; ///< bytes
 };
 
 std::uint64_t bigEndian(std::string_view bytes) {
@@ -86,13 +106,27 @@ std::uint64_t bigEndian(std::string_view bytes) {
     return value;
 }
 
-// The object graph of the binary form, walked without recursion. Each object's size is what it
-// unfolds to, so that one shared by many counts as often as the parser would copy it.
+// The object graph of the binary form, walked without recursion. Each object's size is that of all
+// it unfolds to, so that one shared by many counts as often as the parser would copy it.
 class BinaryGraph {
 public:
     explicit BinaryGraph(std::string_view bytes) : bytes_(bytes) {}
 
-    [[nodiscard]] bool within() {
+    [[nodiscard]] std::optional<std::size_t> neededBytes() {
+        return isSound() ? std::optional(unfolded_[root_]) : std::nullopt;
+    }
+
+private:
+    struct Visit {
+        std::uint64_t object = 0;
+        std::size_t firstReference = 0;
+        std::uint64_t references = 0;
+        std::uint64_t keys = 0; ///< so many of the references, the first ones
+        std::uint64_t next = 0;
+        std::uint64_t unfolded = bytesPerValue;
+    };
+
+    [[nodiscard]] bool isSound() {
         if (!readTrailer()) {
             return false;
         }
@@ -131,19 +165,9 @@ public:
         return true;
     }
 
-private:
-    struct Visit {
-        std::uint64_t object = 0;
-        std::size_t firstReference = 0;
-        std::uint64_t references = 0;
-        std::uint64_t keys = 0; ///< so many of the references, the first ones
-        std::uint64_t next = 0;
-        std::uint64_t unfolded = 1;
-    };
-
-    static bool add(Visit& visit, std::uint64_t values) {
-        visit.unfolded += values;
-        return visit.unfolded <= maximumValues;
+    static bool add(Visit& visit, std::uint64_t bytes) {
+        visit.unfolded += bytes;
+        return visit.unfolded <= maximumBytes;
     }
 
     bool readTrailer() {
@@ -157,7 +181,7 @@ private:
         root_ = bigEndian(trailer.substr(16, 8));
         table_ = bigEndian(trailer.substr(24, 8));
         return offsetSize_ >= 1 && offsetSize_ <= 8 && referenceSize_ >= 1 && referenceSize_ <= 8 &&
-               count_ <= bytes_.size() && root_ < count_ && table_ <= bytes_.size() &&
+               count_ <= maximumValues && root_ < count_ && table_ <= bytes_.size() &&
                count_ * offsetSize_ <= bytes_.size() - table_;
     }
 
@@ -166,23 +190,41 @@ private:
         Visit visit;
         visit.object = object;
         const std::size_t at = offsetOf(object);
-        const unsigned kind = at < bytes_.size() ? byteAt(at) & 0xF0U : 0;
+        const unsigned kind = byteAt(at) & 0xF0U;
         if (kind == 0xA0U || kind == 0xC0U || kind == 0xD0U) {
-            if (!readContainer(at, visit)) {
+            if (!readCount(at, visit)) {
                 return false;
             }
             if (kind == 0xD0U) {
                 visit.keys = visit.references;
                 visit.references *= 2;
             }
+        } else if (!addContents(at, kind, visit)) {
+            return false;
         }
         stack.push_back(visit);
         open[object] = true;
         return stack.size() <= maximumDepth;
     }
 
+    // Data are 0x40, texts 0x50 (ASCII), 0x60 (UTF-16, of which a unit may become three bytes) and
+    // 0x70 (UTF-8). The parser copies them for every reference.
+    [[nodiscard]] bool addContents(std::size_t at, unsigned kind, Visit& visit) const {
+        if (kind < 0x40U || kind > 0x70U) {
+            return true;
+        }
+        Visit contents;
+        const std::size_t unit = kind == 0x60U ? 2 : 1;
+        if (!readCount(at, contents) ||
+            contents.firstReference + contents.references * unit > bytes_.size()) {
+            return false;
+        }
+        const std::size_t unitInMemory = kind == 0x60U ? 3 : 1;
+        return add(visit, contents.references * unitInMemory * copiesOfText);
+    }
+
     // 0xF in the low half of the marker announces an integer object with the count.
-    [[nodiscard]] bool readContainer(std::size_t marker, Visit& visit) const {
+    [[nodiscard]] bool readCount(std::size_t marker, Visit& visit) const {
         visit.references = byteAt(marker) & 0x0FU;
         visit.firstReference = marker + 1;
         if (visit.references == 0x0FU) {
@@ -211,7 +253,7 @@ private:
         // Texts are 0x50 (ASCII), 0x60 (UTF-16) and 0x70 (UTF-8).
         const std::size_t unit = kind == 0x60U ? 2 : 1;
         Visit text;
-        if (kind < 0x50U || kind > 0x70U || !readContainer(at, text) ||
+        if (kind < 0x50U || kind > 0x70U || !readCount(at, text) ||
             text.firstReference + text.references * unit > bytes_.size()) {
             return false;
         }
@@ -250,8 +292,9 @@ private:
 
 } // namespace
 
-bool within(std::string_view bytes) {
-    return bytes.starts_with("bplist") ? BinaryGraph(bytes).within() : XmlTags(bytes).within();
+std::optional<std::size_t> neededBytes(std::string_view bytes) {
+    return bytes.starts_with("bplist") ? BinaryGraph(bytes).neededBytes()
+                                       : XmlTags(bytes).neededBytes();
 }
 
 } // namespace quorvel::PropertyListLimits

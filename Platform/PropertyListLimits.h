@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <optional>
 #include <string_view>
 
 /// A look at a property list's structure before a parser builds it: nesting that would exhaust the
@@ -8,10 +9,12 @@
 namespace quorvel::PropertyListLimits {
 
 inline constexpr std::size_t maximumDepth = 256;
-inline constexpr std::size_t maximumValues = 1'000'000;
+/// What reading a list may take, the parser's tree and our own values together.
+inline constexpr std::size_t maximumBytes = std::size_t{64} << 20U;
 
-/// Whether the bytes (of either form) surely stay within both limits. XML that is no property list
-/// may count as within, since the parser refuses it; a malformed binary one never does.
-[[nodiscard]] bool within(std::string_view bytes);
+/// At most so many bytes does it take to read the list (of either form). Nothing when it would be
+/// more than `maximumBytes` or nests too deeply. XML that is no property list may get an answer,
+/// since the parser refuses it; a malformed binary one never does.
+[[nodiscard]] std::optional<std::size_t> neededBytes(std::string_view bytes);
 
 } // namespace quorvel::PropertyListLimits

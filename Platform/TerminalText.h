@@ -1,16 +1,19 @@
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <string_view>
 
 namespace quorvel {
 
-/// Whether a scalar must not reach a screen as it is: control characters, line breaks and those
-/// that turn the writing direction.
-[[nodiscard]] bool isHarmful(char32_t scalar) noexcept;
+/// No text is shown beyond so many characters: more than the longest path has.
+inline constexpr std::size_t longestShown = 4096;
 
-/// `text` on one line and harmless to a terminal: control characters, characters that turn the
-/// writing direction and bytes that are no UTF-8 are shown as escapes such as "\n" or "\u{1b}".
-[[nodiscard]] std::string terminalText(std::string_view text);
+/// `text` on one line, harmless to a terminal, and cut off with "…" behind `most` characters: what
+/// `HarmfulText` finds and bytes that are no UTF-8 are shown as escapes such as "\n" or "\u{1b}".
+[[nodiscard]] std::string terminalText(std::string_view text, std::size_t most = longestShown);
+
+/// The same JSON with every character that is harmful to a terminal escaped. Nothing is cut off.
+[[nodiscard]] std::string escapingHarmful(std::string_view json);
 
 } // namespace quorvel

@@ -1,11 +1,17 @@
 #include "Platform/Text.h"
 
+#include "Platform/UserLocale.h"
+
+#include <unicode/casemap.h>
 #include <unicode/coll.h>
+#include <unicode/normalizer2.h>
 #include <unicode/regex.h>
+#include <unicode/stringoptions.h>
 #include <unicode/uchar.h>
 #include <unicode/unistr.h>
 
 #include <algorithm>
+#include <array>
 #include <memory>
 #include <numeric>
 #include <stdexcept>
@@ -24,23 +30,30 @@ std::string encoded(const icu::UnicodeString& text) {
     return result;
 }
 
-// One collator a thread: making one loads locale data, and a collator is not to be shared
-// unguarded.
-const icu::Collator& collator() {
-    thread_local const std::unique_ptr<icu::Collator> instance = [] {
-        UErrorCode status = U_ZERO_ERROR;
-        // The "C" locale has no order of names, only one of bytes: Unicode's own order stands in.
-        const icu::Locale& users = icu::Locale::getDefault();
-        const bool hasOrder = std::string_view(users.getVariant()) != "POSIX";
-        std::unique_ptr<icu::Collator> made(
-            icu::Collator::createInstance(hasOrder ? users : icu::Locale::getRoot(), status));
-        if (U_FAILURE(status)) {
-            throw std::runtime_error(u_errorName(status));
-        }
+std::unique_ptr<icu::Collator> collatorFor(const icu::Locale& locale) {
+    UErrorCode status = U_ZERO_ERROR;
+    std::unique_ptr<icu::Collator> made(icu::Collator::createInstance(locale, status));
+    return U_SUCCESS(status) ? std::move(made) : nullptr;
+}
+
+std::unique_ptr<icu::Collator> makeCollator() {
+    // What is no locale counts as none in particular: Unicode's own order.
+    const icu::Locale users = icu::Locale::createCanonical(UserLocale::forOrder().c_str());
+    auto made = users.isBogus() ? nullptr : collatorFor(users);
+    if (made == nullptr) {
+        made = collatorFor(icu::Locale::getRoot());
+    }
+    if (made != nullptr) {
         made->setStrength(icu::Collator::SECONDARY);
-        return made;
-    }();
-    return *instance;
+    }
+    return made;
+}
+
+// One collator a thread: making one loads locale data, and a collator is not to be shared
+// unguarded. Null where ICU has no data at all.
+const icu::Collator* collator() {
+    thread_local const std::unique_ptr<icu::Collator> instance = makeCollator();
+    return instance.get();
 }
 
 template<typename Belongs>
@@ -71,7 +84,11 @@ bool isBlankOrNewline(UChar32 scalar) {
 
 // Appends a key whose byte order is the order of names. Equal keys mean equal names.
 void appendCollationKey(std::string_view text, std::string& keys) {
-    const icu::UnicodeString string = decoded(text);
+    icu::UnicodeString string = decoded(text);
+    if (collator() == nullptr) {
+        keys += encoded(string.foldCase());
+        return;
+    }
     const std::size_t start = keys.size();
     // Room for an ordinary name's key, to ask for it once; `resize` lets the text grow in big
     // steps.
@@ -80,13 +97,63 @@ void appendCollationKey(std::string_view text, std::string& keys) {
         keys.resize(start + room);
         auto* key = reinterpret_cast<std::uint8_t*>(keys.data() + start);
         const auto needed = static_cast<std::size_t>(
-            collator().getSortKey(string, key, static_cast<std::int32_t>(room)));
+            collator()->getSortKey(string, key, static_cast<std::int32_t>(room)));
         if (needed <= room) {
             keys.resize(start + needed);
             return;
         }
         room = needed;
     }
+}
+
+char asciiLower(char letter) {
+    return letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter - 'A' + 'a') : letter;
+}
+
+bool isAscii(std::string_view text) {
+    return std::all_of(text.begin(), text.end(),
+                       [](char byte) { return static_cast<unsigned char>(byte) < 0x80; });
+}
+
+// In these languages the dotless "ı" is the small letter of "I".
+bool isTurkic(std::string_view locale) {
+    const std::string_view language = locale.substr(0, locale.find_first_of("_-.@"));
+    return language == "tr" || language == "az";
+}
+
+// A form in which texts are equal that differ in case, or in how their marks are encoded, alone.
+icu::UnicodeString comparable(std::string_view text, bool turkic) {
+    const auto normalized = [](const icu::UnicodeString& source, auto form) {
+        UErrorCode status = U_ZERO_ERROR;
+        const icu::Normalizer2* normalizer = form(status);
+        icu::UnicodeString result =
+            U_SUCCESS(status) ? normalizer->normalize(source, status) : source;
+        return U_SUCCESS(status) ? result : source;
+    };
+    // The dot of a Turkish "İ" must not come apart before the letter is made small.
+    icu::UnicodeString folded =
+        normalized(decoded(text),
+                   turkic ? icu::Normalizer2::getNFCInstance : icu::Normalizer2::getNFDInstance);
+    folded.foldCase(turkic ? U_FOLD_CASE_EXCLUDE_SPECIAL_I : U_FOLD_CASE_DEFAULT);
+    return normalized(folded, icu::Normalizer2::getNFDInstance);
+}
+
+// Whether what stands there goes on with the character before it.
+bool extends(const icu::UnicodeString& text, int32_t at) {
+    constexpr UChar32 joiner = 0x200D;
+    constexpr UChar32 nonJoiner = 0x200C;
+    const UChar32 scalar = at < text.length() ? text.char32At(at) : 0;
+    return (U_GET_GC_MASK(scalar) & U_GC_M_MASK) != 0 || scalar == joiner || scalar == nonJoiner;
+}
+
+std::string titleCased(UChar32 letter) {
+    const icu::UnicodeString source(letter);
+    std::array<UChar, 8> room{};
+    UErrorCode status = U_ZERO_ERROR;
+    const int32_t length = icu::CaseMap::toTitle(
+        "", U_TITLECASE_WHOLE_STRING, nullptr, source.getBuffer(), source.length(), room.data(),
+        static_cast<int32_t>(room.size()), nullptr, status);
+    return encoded(U_SUCCESS(status) ? icu::UnicodeString(room.data(), length) : source);
 }
 
 } // namespace
@@ -111,12 +178,23 @@ std::vector<std::size_t> sortedOrder(const std::vector<std::string_view>& names)
 }
 
 bool containsIgnoringCase(std::string_view text, std::string_view part) {
-    icu::UnicodeString haystack = decoded(text);
-    icu::UnicodeString needle = decoded(part);
-    if (needle.isEmpty()) {
+    if (part.empty()) {
         return false;
     }
-    return haystack.foldCase().indexOf(needle.foldCase()) >= 0;
+    const bool turkic = isTurkic(UserLocale::forCase());
+    if (!turkic && isAscii(text) && isAscii(part)) {
+        return std::search(text.begin(), text.end(), part.begin(), part.end(), [](char a, char b) {
+                   return asciiLower(a) == asciiLower(b);
+               }) != text.end();
+    }
+    const icu::UnicodeString haystack = comparable(text, turkic);
+    const icu::UnicodeString needle = comparable(part, turkic);
+    for (int32_t at = haystack.indexOf(needle); at >= 0; at = haystack.indexOf(needle, at + 1)) {
+        if (!extends(haystack, at) && !extends(haystack, at + needle.length())) {
+            return true;
+        }
+    }
+    return false;
 }
 
 std::string upperCased(std::string_view text) {
@@ -125,6 +203,31 @@ std::string upperCased(std::string_view text) {
 
 std::string lowerCased(std::string_view text) {
     return encoded(decoded(text).toLower(icu::Locale::getRoot()));
+}
+
+std::string capitalizingWords(std::string_view text) {
+    enum class Behind { letter, apostropheAfterLetter, other };
+    const icu::UnicodeString all = decoded(text);
+    std::string result;
+    Behind behind = Behind::other;
+    for (int32_t index = 0; index < all.length(); index = all.moveIndex32(index, 1)) {
+        const UChar32 scalar = all.char32At(index);
+        const uint32_t category = U_GET_GC_MASK(scalar);
+        if ((category & U_GC_LC_MASK) != 0) {
+            result += behind == Behind::other ? titleCased(scalar)
+                                              : lowerCased(encoded(icu::UnicodeString(scalar)));
+            behind = Behind::letter;
+            continue;
+        }
+        result += encoded(icu::UnicodeString(scalar));
+        // Marks belong to what they stand behind.
+        if ((category & (U_GC_M_MASK | U_GC_CF_MASK)) == 0) {
+            const bool apostrophe = scalar == '\'' || scalar == 0x2019;
+            behind = apostrophe && behind == Behind::letter ? Behind::apostropheAfterLetter
+                                                            : Behind::other;
+        }
+    }
+    return result;
 }
 
 std::string replacingNonAlphanumerics(std::string_view text, char replacement) {

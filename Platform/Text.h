@@ -12,15 +12,22 @@
 namespace quorvel::Text {
 
 /// The places of `names` in the user's locale's order of names (Unicode's own where the locale is
-/// "C"), upper and lower case alike. Names that compare as equal stay in the order that they have.
+/// "C" or none that exists), upper and lower case alike. Names that compare as equal stay in the
+/// order that they have.
 [[nodiscard]] std::vector<std::size_t> sortedOrder(const std::vector<std::string_view>& names);
 
-/// Whether `text` contains `part`, upper and lower case alike. An empty part is never contained.
+/// Whether `text` contains `part`, from one whole character to another: upper and lower case count
+/// as alike, as they are in the user's language, and so does the same character in another
+/// encoding, but not one with other marks. An empty part is never contained.
 [[nodiscard]] bool containsIgnoringCase(std::string_view text, std::string_view part);
 
 /// Full Unicode mappings in the user's locale-independent form ("ß" becomes "SS").
 [[nodiscard]] std::string upperCased(std::string_view text);
 [[nodiscard]] std::string lowerCased(std::string_view text);
+
+/// Letters that have a case are capitals behind anything else, small behind such a letter and
+/// behind an apostrophe that follows one. Marks belong to the character before them.
+[[nodiscard]] std::string capitalizingWords(std::string_view text);
 
 /// `text` with every scalar that is no letter, mark or digit replaced by `replacement`.
 [[nodiscard]] std::string replacingNonAlphanumerics(std::string_view text, char replacement);

@@ -79,7 +79,8 @@ std::string expandTilde(std::string_view path) {
         return std::string(path);
     }
     const std::string_view rest = slash == path.npos ? std::string_view{} : path.substr(slash);
-    return (*base == "/" && !rest.empty() ? std::string{} : *base) + std::string(rest);
+    // Of an expanded path, slashes at the end go.
+    return trimmed((*base == "/" && !rest.empty() ? std::string{} : *base) + std::string(rest));
 }
 
 std::filesystem::path temporaryFolder() {

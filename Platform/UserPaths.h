@@ -13,8 +13,8 @@ namespace quorvel::UserPaths {
 /// environment is asked anew at each call.
 [[nodiscard]] std::string home();
 
-/// A leading "~" or "~/" becomes `home()`, "~name" and "~name/" that user's home; any other path,
-/// and one that names an unknown user, comes back unchanged.
+/// A leading "~" or "~/" becomes `home()`, "~name" and "~name/" that user's home, and slashes at
+/// the end go; any other path, and one that names an unknown user, comes back unchanged.
 [[nodiscard]] std::string expandTilde(std::string_view path);
 
 /// `TMPDIR` when set, else "/tmp". Without a slash at the end.

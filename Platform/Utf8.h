@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -10,5 +11,9 @@ namespace quorvel {
 
 /// The text that the bytes spell in ISO 8859-1, as UTF-8.
 [[nodiscard]] std::string utf8FromLatin1(std::string_view bytes);
+
+/// The text that the bytes spell in UTF-16, as UTF-8; a byte-order mark stays. Nothing when they
+/// are not well-formed.
+[[nodiscard]] std::optional<std::string> utf8FromUtf16(std::string_view bytes, bool bigEndian);
 
 } // namespace quorvel

@@ -7,15 +7,12 @@
 /// Names for clones that have none yet.
 namespace quorvel {
 
-/// From the host of a web address, with or without a scheme: "www." removed, words capitalised.
-/// Nothing when the text is no address with a host.
+/// From the host of a web address, with or without a scheme: percent signs decoded, "www." removed,
+/// words capitalised. The host is what RFC 3986 takes for one, or one in another script. Nothing
+/// when there is none.
 [[nodiscard]] std::optional<std::string> nameForWebAddress(std::string_view address);
 
-/// From a path's last component, words capitalised. Nothing when there is none.
+/// From a path's last component, words capitalised. Nothing when there is none, as at the root.
 [[nodiscard]] std::optional<std::string> nameForCommand(std::string_view path);
-
-/// The first letter of each word in upper case, the rest in lower case. Whatever is no letter,
-/// mark, digit or apostrophe separates words.
-[[nodiscard]] std::string capitalizingWords(std::string_view text);
 
 } // namespace quorvel

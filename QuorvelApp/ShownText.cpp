@@ -1,6 +1,6 @@
 #include "QuorvelApp/ShownText.h"
 
-#include "Platform/TerminalText.h"
+#include "Platform/HarmfulText.h"
 #include "QuorvelApp/QtText.h"
 
 #include <QList>
@@ -22,7 +22,11 @@ bool isLineBreak(char32_t scalar) {
 QString harmless(std::string_view text, char16_t lineBreak) {
     QString result;
     bool afterReturn = false;
-    for (const char32_t scalar : qtText(text).toUcs4()) {
+    HarmfulText harm;
+    const QList<uint> scalars = qtText(text).toUcs4();
+    for (qsizetype index = 0; index < scalars.size(); ++index) {
+        const char32_t scalar = scalars[index];
+        const bool harmful = harm.isHarmful(scalar, scalars.value(index + 1));
         // A return with a line feed behind it is one break.
         if (isLineBreak(scalar)) {
             if (scalar != U'\n' || !afterReturn) {
@@ -31,8 +35,8 @@ QString harmless(std::string_view text, char16_t lineBreak) {
         } else if (scalar == U'\t') {
             result += u' ';
         } else {
-            result += isHarmful(scalar) ? QString(QChar::ReplacementCharacter)
-                                        : QString::fromUcs4(&scalar, 1);
+            result +=
+                harmful ? QString(QChar::ReplacementCharacter) : QString::fromUcs4(&scalar, 1);
         }
         afterReturn = scalar == U'\r';
     }

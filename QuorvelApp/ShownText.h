@@ -7,8 +7,8 @@
 /// Texts from files as they may stand on the screen: plain, and unable to reach beyond themselves.
 namespace quorvel {
 
-/// `text` with what would turn the writing direction, steer or vanish shown as U+FFFD. Line breaks
-/// stay.
+/// `text` with what `HarmfulText` finds (what would turn the writing direction, steer or vanish)
+/// shown as U+FFFD. Line breaks stay.
 [[nodiscard]] QString shownText(std::string_view text);
 
 /// The same on one line, for names and whatever stands within a sentence.

@@ -15,7 +15,7 @@ debian_test=(libgtest-dev libgmock-dev chromium xdg-utils libplist-utils
   dbus dbus-daemon binutils file
   shared-mime-info icnsutils imagemagick inotify-tools xvfb xauth
   xdotool openbox at-spi2-core libatspi2.0-dev fonts-inter
-  clang-16 lld-16 llvm-16 libc++-16-dev)
+  clang-16 lld-16 llvm-16 libc++-16-dev zsh)
 # The C library's headers of the other processor that Macs have.
 case "$(uname -m)" in
   x86_64) debian_test+=(libc6-dev-arm64-cross) ;;

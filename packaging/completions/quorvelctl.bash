@@ -1,35 +1,137 @@
-# Completion of quorvelctl for bash.
+# Completion of quorvelctl for bash 4.4 or later. File names are data here: they pass between
+# functions ended by NULs, go into the line quoted by us, and no shell ever expands them.
 
-_quorvelctl_clones() {
-  local wrapper
-  for wrapper in ~/Applications/*.app; do
-    [ -f "$wrapper/Contents/Resources/instance.json" ] && printf '%s\n' "$wrapper"
+# Sets typed to a word without its quotes and backslashes, and quote to the one that is still open.
+_quorvelctl_unquote() {
+  local text=$1 character index
+  typed='' quote=''
+  if [[ $text == '~/'* ]]; then
+    typed=$HOME/
+    text=${text:2}
+  fi
+  for ((index = 0; index < ${#text}; index++)); do
+    character=${text:index:1}
+    case $quote$character in
+      '\' | '"\')
+        ((++index))
+        # Between double quotes a backslash stands for itself in front of most characters.
+        [[ -z $quote || ${text:index:1} == [\$\`\"\\] ]] || typed+=$character
+        typed+=${text:index:1}
+        ;;
+      "'" | '"') quote=$character ;;
+      "''" | '""') quote='' ;;
+      *) typed+=$character ;;
+    esac
   done
 }
 
+# Sets quoted to a text as it must stand in the line behind the open quote, if any.
+_quorvelctl_quote() {
+  local index character
+  quoted=''
+  [[ -n $quote ]] || { printf -v quoted %q "$1"; return; }
+  for ((index = 0; index < ${#1}; index++)); do
+    character=${1:index:1}
+    case $quote$character in
+      "''") quoted+="'\\''" ;;
+      '"!') quoted+="\"'!'\"" ;;
+      '""' | '"$' | '"`' | '"\') quoted+=\\$character ;;
+      *) quoted+=$character ;;
+    esac
+  done
+}
+
+# Whatever patterns do in the user's shell, in ours they give what is there. Call it in a subshell.
+_quorvelctl_plain_patterns() {
+  set +f
+  shopt -u failglob nocaseglob dotglob
+  shopt -s nullglob
+  GLOBIGNORE=
+}
+
+_quorvelctl_clones() {
+  local wrapper
+  _quorvelctl_plain_patterns
+  for wrapper in "$HOME"/Applications/*.app; do
+    [[ $wrapper != "$1"* || ! -f $wrapper/Contents/Resources/instance.json ]] ||
+      printf '%s\0' "$wrapper"
+  done
+}
+
+_quorvelctl_folders() {
+  local folder
+  _quorvelctl_plain_patterns
+  for folder in "$1"*/; do
+    # The program would take it for an option.
+    [[ $folder != -* ]] || folder=./$folder
+    printf '%s\0' "$folder"
+  done
+}
+
+_quorvelctl_files() {
+  local file
+  _quorvelctl_folders "$1"
+  for file in "$1"*; do
+    [[ $file != -* ]] || file=./$file
+    [[ -d $file ]] || printf '%s\0' "$file"
+  done
+}
+
+# _quorvelctl_offer WORD LISTER   LISTER prints what begins with the word, each ended by a NUL
+_quorvelctl_offer() {
+  local typed quote quoted name common
+  local -a names
+  _quorvelctl_unquote "$1"
+  # With a quote within the word, the shell's editor would put names behind it.
+  [[ -z $quote || $1 == "$quote"* ]] || return
+  mapfile -d '' -t names < <("$2" "$typed")
+  ((${#names[@]} > 0)) || return
+  common=${names[0]}
+  for name in "${names[@]}"; do
+    while [[ $name != "$common"* ]]; do common=${common%?}; done
+  done
+  if [[ ${#names[@]} -gt 1 && ${#common} -le ${#typed} ]]; then
+    # With the blank among them they have nothing in common that would go into the line.
+    COMPREPLY=(' ')
+    for name in "${names[@]}"; do
+      _quorvelctl_quote "$name"
+      COMPREPLY+=("$quoted")
+    done
+    return
+  fi
+  _quorvelctl_quote "$common"
+  COMPREPLY=("$quoted")
+  [[ ${#names[@]} -eq 1 && $common != */ ]] || compopt -o nospace
+}
+
+# _quorvelctl_offer_words TYPED WORDS   the words must be this file's own
+_quorvelctl_offer_words() {
+  mapfile -t COMPREPLY < <(compgen -W "$2" -- "$1")
+}
+
 _quorvelctl() {
-  local current=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD - 1]} command= options=
+  local current=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD - 1]} command='' options=''
   local word
   COMPREPLY=()
   for word in "${COMP_WORDS[@]:1:COMP_CWORD-1}"; do
     case $word in -*) ;; *) command=$word; break ;; esac
   done
   case $previous in
-    --kind) mapfile -t COMPREPLY < <(compgen -W "app web file command" -- "$current"); return ;;
+    --kind) _quorvelctl_offer_words "$current" "app web file command"; return ;;
     --strategy)
-      mapfile -t COMPREPLY < <(compgen -W \
-        "home-override container-redirect wrapper-identity unsupported" -- "$current")
+      _quorvelctl_offer_words "$current" \
+        "home-override container-redirect wrapper-identity unsupported"
       return ;;
     --label-position | --position)
-      mapfile -t COMPREPLY < <(compgen -W "bottom center top" -- "$current"); return ;;
+      _quorvelctl_offer_words "$current" "bottom center top"; return ;;
     --workdir | --home | --output | --search-dir | --real-library)
-      mapfile -t COMPREPLY < <(compgen -d -- "$current"); return ;;
+      _quorvelctl_offer "$current" _quorvelctl_folders; return ;;
     --target | --open | --command | --icon | --runner)
-      mapfile -t COMPREPLY < <(compgen -f -- "$current"); return ;;
+      _quorvelctl_offer "$current" _quorvelctl_files; return ;;
   esac
   case $command in
-    "") mapfile -t COMPREPLY < <(compgen -W \
-      "inspect apps probe running list show create open delete migrate icon --help --version" -- "$current"); return ;;
+    "") _quorvelctl_offer_words "$current" \
+      "inspect apps probe running list show create open delete migrate icon --help --version"; return ;;
     inspect) options="--help --json" ;;
     apps) options="--help --json --search-dir" ;;
     probe) options="--help --json --settle-a --settle-b --real-library" ;;
@@ -43,13 +145,12 @@ _quorvelctl() {
     icon) options="--help --json --list --label --color --position --output" ;;
   esac
   if [[ $current == -* ]]; then
-    mapfile -t COMPREPLY < <(compgen -W "$options" -- "$current")
+    _quorvelctl_offer_words "$current" "$options"
   elif [[ $command == @(inspect|probe|icon) ]]; then
-    mapfile -t COMPREPLY < <(compgen -f -- "$current")
+    _quorvelctl_offer "$current" _quorvelctl_files
   elif [[ $command == @(show|open|delete|migrate) ]]; then
-    local IFS=$'\n'
-    mapfile -t COMPREPLY < <(compgen -W "$(_quorvelctl_clones)" -- "$current")
+    _quorvelctl_offer "$current" _quorvelctl_clones
   fi
 }
 
-complete -o filenames -F _quorvelctl quorvelctl
+complete -F _quorvelctl quorvelctl

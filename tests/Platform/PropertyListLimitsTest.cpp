@@ -3,11 +3,15 @@
 #include "Platform/PropertyListLimits.h"
 
 #include "Platform/PropertyList.h"
+#include "tests/support/BinaryList.h"
 
 #include <gtest/gtest.h>
 
 namespace quorvel {
 namespace {
+
+using testing::bigEndian;
+using testing::BinaryList;
 
 std::string repeated(std::string_view text, std::size_t count) {
     std::string result;
@@ -21,75 +25,6 @@ std::string repeated(std::string_view text, std::size_t count) {
 std::string nestedXml(std::string_view level, std::size_t count) {
     return "<plist version=\"1.0\"><dict><key>k</key>" + repeated(level, count);
 }
-
-std::string bigEndian(std::uint64_t value, int width) {
-    std::string bytes;
-    for (int byte = width - 1; byte >= 0; --byte) {
-        bytes.push_back(static_cast<char>((value >> (8 * byte)) & 0xFFU));
-    }
-    return bytes;
-}
-
-// Builds a binary property list object by object; references and offsets take four bytes each.
-class BinaryList {
-public:
-    std::uint64_t add(const std::string& object) {
-        offsets_.push_back(bytes_.size());
-        bytes_ += object;
-        return offsets_.size() - 1;
-    }
-
-    static std::string text(const std::string& ascii) {
-        return static_cast<char>(0x50 + ascii.size()) + ascii;
-    }
-
-    static std::string container(int kind, std::uint64_t count,
-                                 const std::vector<std::uint64_t>& references) {
-        std::string object;
-        if (count < 15) {
-            object.push_back(static_cast<char>(kind | static_cast<int>(count)));
-        } else {
-            object = static_cast<char>(kind | 0xF) + ("\x13" + bigEndian(count, 8));
-        }
-        for (const std::uint64_t reference : references) {
-            object += bigEndian(reference, 4);
-        }
-        return object;
-    }
-
-    static std::string array(const std::vector<std::uint64_t>& items) {
-        return container(0xA0, items.size(), items);
-    }
-
-    static std::string dictionary(std::uint64_t key, std::uint64_t value) {
-        return container(0xD0, 1, {key, value});
-    }
-
-    struct Trailer {
-        int offsetSize = 4;
-        int referenceSize = 4;
-        std::optional<std::uint64_t> count{};
-        std::optional<std::uint64_t> table{};
-    };
-
-    [[nodiscard]] std::string finish(std::uint64_t root) const { return finish(root, Trailer{}); }
-
-    [[nodiscard]] std::string finish(std::uint64_t root, const Trailer& trailer) const {
-        std::string result = bytes_;
-        for (const std::uint64_t offset : offsets_) {
-            result += bigEndian(offset, 4);
-        }
-        result += std::string(6, '\0');
-        result.push_back(static_cast<char>(trailer.offsetSize));
-        result.push_back(static_cast<char>(trailer.referenceSize));
-        return result + bigEndian(trailer.count.value_or(offsets_.size()), 8) + bigEndian(root, 8) +
-               bigEndian(trailer.table.value_or(bytes_.size()), 8);
-    }
-
-private:
-    std::string bytes_ = "bplist00";
-    std::vector<std::uint64_t> offsets_;
-};
 
 BinaryList simpleList() {
     BinaryList list;
@@ -113,12 +48,13 @@ void expectRefused(const std::string& bytes) {
 
 // Before any parser has seen it.
 void expectNotWithin(const std::string& bytes) {
-    EXPECT_FALSE(PropertyListLimits::within(bytes));
+    EXPECT_FALSE(PropertyListLimits::neededBytes(bytes));
 }
 
 TEST(PropertyListLimits, OrdinaryListsAreWithin) {
-    EXPECT_TRUE(PropertyListLimits::within("<plist><dict><key>a</key><array/></dict></plist>"));
-    EXPECT_TRUE(PropertyListLimits::within(simpleList().finish(0)));
+    EXPECT_TRUE(
+        PropertyListLimits::neededBytes("<plist><dict><key>a</key><array/></dict></plist>"));
+    EXPECT_TRUE(PropertyListLimits::neededBytes(simpleList().finish(0)));
     EXPECT_EQ(PropertyList::parseDictionary(simpleList().finish(0)),
               (PropertyListDictionary{{"k", "value"}}));
 }
@@ -269,6 +205,21 @@ TEST(PropertyListLimits, SharedReferencesThatUnfoldWithoutEndAreRefused) {
     }
     list.add(BinaryList::text("lol"));
     expectRefused(list.finish(0));
+}
+
+TEST(PropertyListLimits, SharedContentsCountAsOftenAsTheyAreCopied) {
+    const std::string long_(60'000, 'x');
+    for (const std::string& object :
+         {BinaryList::text(long_), BinaryList::data(long_), BinaryList::wideText(long_)}) {
+        for (const std::size_t times : {1U, 5'000U}) {
+            BinaryList list;
+            list.add(BinaryList::dictionary(1, 2));
+            list.add(BinaryList::text("k"));
+            list.add(BinaryList::array(std::vector<std::uint64_t>(times, 3)));
+            list.add(object);
+            EXPECT_EQ(PropertyListLimits::neededBytes(list.finish(0)).has_value(), times == 1);
+        }
+    }
 }
 
 TEST(PropertyListLimits, SharedReferencesThatStaySmallAreRead) {

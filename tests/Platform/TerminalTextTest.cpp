@@ -27,5 +27,29 @@ TEST(TerminalText, BytesThatAreNoTextAreShownAsNumbers) {
               "a\\xff\\xfeb\\xc3");
 }
 
+TEST(TerminalText, WhatCantBeSeenIsShown) {
+    EXPECT_EQ(terminalText("Work\u200b \u2060\u00ad\ufeff"),
+              "Work\\u{200b} \\u{2060}\\u{ad}\\u{feff}");
+    EXPECT_EQ(terminalText("\U000E0041"), "\\u{e0041}");
+    EXPECT_EQ(terminalText("👨\u200d👩 می\u200cخواهم"), "👨\u200d👩 می\u200cخواهم");
+}
+
+TEST(TerminalText, LongTextIsCutBetweenCharacters) {
+    EXPECT_EQ(terminalText("工作工作", 4), "工作工作");
+    EXPECT_EQ(terminalText("工作工作", 3), "工作工…");
+    EXPECT_EQ(terminalText("\x1b\x1b\x1b", 2), "\\u{1b}\\u{1b}…");
+    EXPECT_EQ(terminalText(std::string(longestShown, 'x')), std::string(longestShown, 'x'));
+    EXPECT_EQ(terminalText(std::string(1'000'000, 'x')), std::string(longestShown, 'x') + "…");
+}
+
+TEST(JsonForTerminals, SpellsWhatIsHarmful) {
+    EXPECT_EQ(escapingHarmful("{\n  \"a\": \"\x7f\u009b\u202e\u200b\"\n}"),
+              "{\n  \"a\": \"\\u007f\\u009b\\u202e\\u200b\"\n}");
+    EXPECT_EQ(escapingHarmful("\"\U000E0041\""), "\"\\udb40\\udc41\"");
+    EXPECT_EQ(escapingHarmful("\"Café 工作 😀\""), "\"Café 工作 😀\"");
+    const std::string long_(100'000, 'x');
+    EXPECT_EQ(escapingHarmful(long_ + "é"), long_ + "é");
+}
+
 } // namespace
 } // namespace quorvel

@@ -36,8 +36,23 @@ TEST(UserPaths, ARelativeFixedHomeIsNotBelieved) {
 TEST(UserPaths, ALeadingTildeIsTheHome) {
     const ScopedEnvironment fixed("CFFIXED_USER_HOME", "/Users/u");
     EXPECT_EQ(UserPaths::expandTilde("~"), "/Users/u");
-    EXPECT_EQ(UserPaths::expandTilde("~/"), "/Users/u/");
+    EXPECT_EQ(UserPaths::expandTilde("~/"), "/Users/u");
     EXPECT_EQ(UserPaths::expandTilde("~/a/~"), "/Users/u/a/~");
+}
+
+TEST(UserPaths, AnExpandedPathHasNoSlashAtItsEnd) {
+    const ScopedEnvironment fixed("CFFIXED_USER_HOME", "/Users/u");
+    EXPECT_EQ(UserPaths::expandTilde("~/x/"), "/Users/u/x");
+    EXPECT_EQ(UserPaths::expandTilde("~/x//"), "/Users/u/x");
+    EXPECT_EQ(UserPaths::expandTilde("~//"), "/Users/u");
+    EXPECT_EQ(UserPaths::expandTilde("~/x//y/"), "/Users/u/x//y");
+    EXPECT_EQ(UserPaths::expandTilde("~root/x/"), std::string(getpwnam("root")->pw_dir) + "/x");
+    EXPECT_EQ(UserPaths::expandTilde("/x//"), "/x//");
+    EXPECT_EQ(UserPaths::expandTilde("x/"), "x/");
+    const ScopedEnvironment root("CFFIXED_USER_HOME", "/");
+    EXPECT_EQ(UserPaths::expandTilde("~/"), "/");
+    EXPECT_EQ(UserPaths::expandTilde("~"), "/");
+    EXPECT_EQ(UserPaths::expandTilde("~/x/"), "/x");
 }
 
 TEST(UserPaths, ATildeAnywhereElseStays) {

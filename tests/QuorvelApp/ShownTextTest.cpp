@@ -33,6 +33,13 @@ TEST(ShownText, ShowsWhatSteersOrTurnsTextAsAReplacement) {
               u"a\uFFFDb"_s);
 }
 
+TEST(ShownText, ShowsWhatCantBeSeenUnlessItBelongsThere) {
+    for (const std::string invisible : {"\u200b", "\u200d", "\u2060", "\u00ad", "\ufeff"}) {
+        EXPECT_EQ(shownLine("Wo" + invisible + "rk"), u"Wo\uFFFDrk"_s);
+    }
+    EXPECT_EQ(shownLine("👨\u200d👩 می\u200cخواهم ❤\ufe0f"), u"👨\u200d👩 می\u200cخواهم ❤\ufe0f"_s);
+}
+
 TEST(Breakable, MarksPathsBehindTheirSeparators) {
     EXPECT_EQ(breakable(u"/a/b-c"_s), u"/\u200Ba/\u200Bb-\u200Bc"_s);
     EXPECT_EQ(breakable(u"two words"_s), u"two words"_s);

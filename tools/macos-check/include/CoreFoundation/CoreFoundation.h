@@ -39,6 +39,15 @@ CFStringRef CFStringCreateWithFileSystemRepresentation(CFAllocatorRef allocator,
 CFIndex CFStringGetMaximumSizeOfFileSystemRepresentation(CFStringRef string);
 Boolean CFStringGetFileSystemRepresentation(CFStringRef string, char* buffer, CFIndex size);
 
+typedef UInt32 CFStringEncoding;
+enum { kCFStringEncodingUTF8 = 0x08000100 };
+Boolean CFStringGetCString(CFStringRef string, char* buffer, CFIndex size,
+                           CFStringEncoding encoding);
+
+typedef const struct __CFLocale* CFLocaleRef;
+CFLocaleRef CFLocaleCopyCurrent(void) CF_RETURNS_RETAINED;
+CFStringRef CFLocaleGetIdentifier(CFLocaleRef locale);
+
 typedef struct {
     CFIndex version;
     const void* functions[4];

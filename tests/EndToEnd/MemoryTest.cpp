@@ -1,0 +1,156 @@
+// Files that were made to take memory, given to the built program.
+#include "Platform/PropertyList.h"
+#include "Platform/PropertyListLimits.h"
+#include "tests/EndToEnd/PeakMemory.h"
+#include "tests/support/BinaryList.h"
+#include "tests/support/TemporaryHome.h"
+
+#include <cstdlib>
+#include <functional>
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace quorvel::testing {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr std::size_t megabyte = std::size_t{1} << 20U;
+// The bytes of the file itself come on top of what a list may take.
+constexpr std::size_t allowance = PropertyListLimits::maximumBytes + 24 * megabyte;
+
+// A property list of a certain kind, the longer the larger `size` is.
+using Maker = std::function<std::string(std::size_t size)>;
+
+std::string xmlOf(std::string_view start, std::string_view item, std::size_t count) {
+    std::string list = "<plist><dict><key>CFBundleIdentifier</key>" + std::string(start);
+    for (std::size_t index = 0; index < count; ++index) {
+        list += item;
+    }
+    return list + (start.empty() ? "" : "</array>") + "</dict></plist>";
+}
+
+std::string binaryOf(const std::string& value) {
+    BinaryList list;
+    list.add(BinaryList::dictionary(1, 2));
+    list.add(BinaryList::text("CFBundleIdentifier"));
+    list.add(value);
+    return list.finish(0);
+}
+
+std::string sharedBy(std::size_t times, const std::string& object) {
+    BinaryList list;
+    list.add(BinaryList::dictionary(1, 2));
+    list.add(BinaryList::text("CFBundleIdentifier"));
+    list.add(BinaryList::array(std::vector<std::uint64_t>(times, 3)));
+    list.add(object);
+    return list.finish(0);
+}
+
+const std::map<std::string, Maker> makers{
+    {"many small values", [](auto size) { return xmlOf("<array>", "<true/>", size); }},
+    {"many texts", [](auto size) { return xmlOf("<array>", "<string>a</string>", size); }},
+    {"one long text",
+     [](auto size) {
+         return xmlOf("", "<string>" + std::string(size * 16, 'x') + "</string>", 1);
+     }},
+    {"one long text of other bytes",
+     [](auto size) {
+         return xmlOf("", "<string>" + std::string(size * 16, '\xE9') + "</string>", 1);
+     }},
+    {"one long wide text",
+     [](auto size) { return binaryOf(BinaryList::wideText(std::string(size * 16, 'x'))); }},
+    {"a shared text",
+     [](auto size) { return sharedBy(size, BinaryList::text(std::string(4000, 'x'))); }},
+    {"a shared wide text",
+     [](auto size) { return sharedBy(size, BinaryList::wideText(std::string(4000, 'x'))); }},
+    {"shared data",
+     [](auto size) { return sharedBy(size, BinaryList::data(std::string(4000, 'x'))); }},
+    {"a shared dictionary",
+     [](auto size) { return sharedBy(size, BinaryList::container(0xD0, 0, {})); }},
+};
+
+bool isRead(const std::string& list) {
+    return PropertyList::parseDictionary(list).has_value();
+}
+
+// The largest that is still read: the most that a file can do.
+std::string largestRead(const Maker& make) {
+    std::size_t read = 1;
+    std::size_t refused = 1'000'000;
+    while (refused - read > read / 50 + 1) {
+        const std::size_t middle = (read + refused) / 2;
+        (isRead(make(middle)) ? read : refused) = middle;
+    }
+    return make(read);
+}
+
+// Made in a process of its own: what this one has counts as what the program has.
+void writeLargestRead(const std::string& app, const Maker& make) {
+    const pid_t child = ::fork();
+    if (child == 0) {
+        write(app + "/Contents/Info.plist", largestRead(make));
+        std::_Exit(0);
+    }
+    int status = 1;
+    ASSERT_TRUE(child > 0 && ::waitpid(child, &status, 0) == child && status == 0);
+}
+
+// In a home of its own, so that nobody's applications count.
+std::size_t peakOf(const TemporaryFolder& folder, std::vector<std::string> arguments) {
+    arguments.insert(arguments.begin(), QUORVEL_CTL);
+    return peakMemoryOf(std::move(arguments), {{"HOME", folder.path().string()},
+                                               {"CFFIXED_USER_HOME", folder.path().string()},
+                                               {"PATH", "/usr/bin:/bin"}});
+}
+
+// A sanitizer's own memory would count.
+class HostilePropertyLists : public ::testing::Test {
+protected:
+    void SetUp() override {
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+        GTEST_SKIP() << "a sanitizer is watching the memory";
+#endif
+    }
+};
+
+TEST_F(HostilePropertyLists, TakeNoMoreMemoryThanTheyMay) {
+    const TemporaryFolder folder;
+    const std::string app = (folder / "Hostile.app").string();
+    write(app + "/Contents/Info.plist", binaryOf(BinaryList::text("small")));
+    const std::size_t usual = peakOf(folder, {"inspect", app});
+    for (const auto& [name, make] : makers) {
+        writeLargestRead(app, make);
+        EXPECT_LE(peakOf(folder, {"inspect", app}), usual + allowance) << name;
+        EXPECT_LE(peakOf(folder, {"apps", "--search-dir", folder.path().string()}),
+                  usual + allowance)
+            << name;
+    }
+}
+
+TEST_F(HostilePropertyLists, AreRefusedWhenTheyWouldTakeMore) {
+    const TemporaryFolder folder;
+    const std::string app = (folder / "Hostile.app").string();
+    // 240 megabytes, were it unfolded.
+    const std::string list = sharedBy(4'000, BinaryList::text(std::string(60'000, 'x')));
+    ASSERT_LT(list.size(), megabyte / 10);
+    write(app + "/Contents/Info.plist", list);
+    EXPECT_LE(peakOf(folder, {"inspect", app}), allowance);
+    EXPECT_LE(peakOf(folder, {"apps", "--search-dir", folder.path().string()}), allowance);
+}
+
+TEST_F(HostilePropertyLists, TakeNoMoreMemoryTogetherThanOneDoes) {
+    const TemporaryFolder folder;
+    const std::size_t usual = peakOf(folder, {"apps", "--search-dir", folder.path().string()});
+    const std::string app = (folder / "Hostile.app").string();
+    writeLargestRead(app, makers.at("a shared dictionary"));
+    for (int number = 1; number < 16; ++number) {
+        fs::copy(app, folder / ("Hostile" + std::to_string(number) + ".app"),
+                 fs::copy_options::recursive);
+    }
+    EXPECT_LE(peakOf(folder, {"apps", "--search-dir", folder.path().string()}), usual + allowance);
+}
+
+} // namespace
+} // namespace quorvel::testing

@@ -1,0 +1,83 @@
+#include "Platform/UserLocale.h"
+
+#include "Platform/Text.h"
+#include "tests/support/TemporaryHome.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <thread>
+
+namespace quorvel {
+namespace {
+
+using ::testing::ElementsAre;
+using testing::ScopedEnvironment;
+
+using Places = std::vector<std::size_t>;
+
+// A thread keeps the order of its first names.
+Places orderInNewThread(const std::vector<std::string_view>& names) {
+    Places order;
+    std::thread([&] { order = Text::sortedOrder(names); }).join();
+    return order;
+}
+
+class UserLocaleTest : public ::testing::Test {
+protected:
+    const ScopedEnvironment all_{"LC_ALL", ""};
+    const ScopedEnvironment collate_{"LC_COLLATE", ""};
+    const ScopedEnvironment case_{"LC_CTYPE", ""};
+    const ScopedEnvironment lang_{"LANG", ""};
+};
+
+TEST_F(UserLocaleTest, TheFirstVariableThatIsSetDecides) {
+    EXPECT_EQ(UserLocale::forOrder(), "");
+    const ScopedEnvironment lang("LANG", "fr_FR.UTF-8");
+    EXPECT_EQ(UserLocale::forOrder(), "fr_FR.UTF-8");
+    EXPECT_EQ(UserLocale::forCase(), "fr_FR.UTF-8");
+    const ScopedEnvironment collate("LC_COLLATE", "sv_SE");
+    const ScopedEnvironment ctype("LC_CTYPE", "tr_TR");
+    EXPECT_EQ(UserLocale::forOrder(), "sv_SE");
+    EXPECT_EQ(UserLocale::forCase(), "tr_TR");
+    const ScopedEnvironment all("LC_ALL", "de_DE");
+    EXPECT_EQ(UserLocale::forOrder(), "de_DE");
+    EXPECT_EQ(UserLocale::forCase(), "de_DE");
+}
+
+TEST_F(UserLocaleTest, TheProgrammersLocaleIsNoLanguage) {
+    for (const char* none : {"C", "POSIX", "C.UTF-8"}) {
+        const ScopedEnvironment lang("LANG", "sv_SE.UTF-8");
+        const ScopedEnvironment all("LC_ALL", none);
+        EXPECT_EQ(UserLocale::forOrder(), "") << none;
+    }
+}
+
+TEST_F(UserLocaleTest, NamesAreOrderedAsInTheUsersLanguage) {
+    const ScopedEnvironment lang("LANG", "en_US.UTF-8");
+    EXPECT_THAT(orderInNewThread({"zebra", "öl"}), ElementsAre(1, 0));
+    const ScopedEnvironment collate("LC_COLLATE", "sv_SE.UTF-8");
+    EXPECT_THAT(orderInNewThread({"öl", "zebra"}), ElementsAre(1, 0));
+}
+
+TEST_F(UserLocaleTest, WhatIsNoLocaleHasUnicodesOrder) {
+    for (const std::string odd :
+         {"englishlanguage", "xx_YY", "en_US@@@", "%s%n", "../../etc", "_", "@", "\xff\xfe"}) {
+        const ScopedEnvironment lang("LANG", odd);
+        EXPECT_THAT(orderInNewThread({"öl", "zebra", "Alpha"}), ElementsAre(2, 0, 1)) << odd;
+        EXPECT_TRUE(Text::containsIgnoringCase("Öl", "öl")) << odd;
+    }
+    const ScopedEnvironment lang("LANG", std::string(10'000, 'x'));
+    EXPECT_THAT(orderInNewThread({"öl", "zebra", "Alpha"}), ElementsAre(2, 0, 1));
+}
+
+TEST_F(UserLocaleTest, LettersAreAlikeAsInTheUsersLanguage) {
+    EXPECT_TRUE(Text::containsIgnoringCase("TITLE", "title"));
+    EXPECT_FALSE(Text::containsIgnoringCase("DIYAR", "dıyar"));
+    const ScopedEnvironment lang("LANG", "tr_TR.UTF-8");
+    EXPECT_FALSE(Text::containsIgnoringCase("TITLE", "title"));
+    EXPECT_TRUE(Text::containsIgnoringCase("DIYAR", "dıyar"));
+    EXPECT_TRUE(Text::containsIgnoringCase("İstanbul", "istan"));
+}
+
+} // namespace
+} // namespace quorvel
