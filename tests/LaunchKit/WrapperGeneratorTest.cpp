@@ -263,6 +263,7 @@ TEST_F(Generator, TextThatCantBeWrittenIsAnErrorThatTheNextCallCleansUp) {
 
 TEST_F(Generator, TextThatAPropertyListCantHoldLeavesTheOldWrapperAlone) {
     (void)generate(webOptions());
+    write(at("out/Work\x1B.app/Contents/PkgInfo"), "older");
     const auto before = treeOf(at("out"));
     WrapperGenerator::Options key = webOptions();
     key.config.infoPlistOverrides = {{"\x01", "text"}};
@@ -270,7 +271,7 @@ TEST_F(Generator, TextThatAPropertyListCantHoldLeavesTheOldWrapperAlone) {
     text.config.infoPlistOverrides = {{"K", "\uFFFE"}};
     WrapperGenerator::Options identifier = webOptions();
     identifier.config.bundleId = "\x1B";
-    for (const auto& options : {key, text, identifier}) {
+    for (const auto& options : {key, text, identifier, webOptions("Work\x1B")}) {
         EXPECT_THROW((void)generate(options), std::invalid_argument);
         EXPECT_EQ(treeOf(at("out")), before);
     }
