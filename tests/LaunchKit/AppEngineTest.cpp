@@ -1,10 +1,13 @@
 #include "LaunchKit/WrapperFactory.h"
 
 #include "tests/support/AppBundles.h"
+#include "tests/support/OrdinaryUser.h"
 #include "tests/support/TemporaryHome.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+
+#include <array>
 
 namespace quorvel {
 namespace {
@@ -33,6 +36,8 @@ protected:
     }
 
     static constexpr auto electron = "Contents/Frameworks/Electron Framework.framework";
+    static constexpr auto applicationIni = "Contents/Resources/application.ini";
+    static constexpr auto chromeFramework = "Contents/Frameworks/Chrome Framework.framework";
 
     TemporaryFolder folder_;
     int count_ = 0;
@@ -74,16 +79,73 @@ TEST_F(AppEngines, AChromiumFrameworkTellsItsEngineCaseForCase) {
     EXPECT_EQ(engineOf("com.x", {folder + "Other Framework.framework"}), Engine::other);
 }
 
+TEST_F(AppEngines, AChromiumFrameworkIsKnownByTheEndOfItsName) {
+    const std::string folder = "Contents/Frameworks/";
+    for (const char* name : {"Google Chrome Framework.framework.old", "Chrome Framework",
+                             "Chromium Framework.frameworks", "Chrome framework.framework"}) {
+        EXPECT_EQ(engineOf("com.x", {folder + name}), Engine::other) << name;
+    }
+    EXPECT_EQ(engineOf("com.x", {folder + "A.framework", folder + "Chrome Framework.framework"}),
+              Engine::chromium)
+        << "whichever of them it is";
+}
+
+TEST_F(AppEngines, FrameworksThatCantBeListedTellNothing) {
+    const fs::path file = app("com.x");
+    write(file / "Contents/Frameworks", "a file");
+    EXPECT_EQ(WrapperFactory::detectEngine(file, std::nullopt), Engine::other);
+    const fs::path closed = app("com.x", {"Contents/Frameworks/Chrome Framework.framework"});
+    EXPECT_TRUE(asOrdinaryUser(folder_.path(), [&] {
+        // A copy of its own, since permissions bind their owner like any other user.
+        const fs::path own = folder_ / "own.app";
+        fs::copy(closed, own, fs::copy_options::recursive);
+        const bool listed = WrapperFactory::detectEngine(own, std::nullopt) == Engine::chromium;
+        fs::permissions(own / "Contents/Frameworks", fs::perms::owner_exec);
+        const bool unlisted = WrapperFactory::detectEngine(own, std::nullopt) == Engine::other;
+        fs::permissions(own / "Contents/Frameworks", fs::perms::owner_all);
+        return listed && unlisted;
+    }));
+}
+
 TEST_F(AppEngines, ElectronWinsOverEverything) {
     EXPECT_EQ(engineOf("com.x", {electron, "Contents/Eclipse/eclipse.ini"}), Engine::electron);
     EXPECT_EQ(engineOf("org.mozilla.firefox", {electron}), Engine::electron);
     EXPECT_EQ(engineOf("com.google.chrome", {electron}), Engine::electron);
 }
 
-TEST_F(AppEngines, EclipseWinsOverIdentifiersAndFirefoxOverChromium) {
-    EXPECT_EQ(engineOf("org.mozilla.x", {"Contents/MacOS/eclipse"}), Engine::eclipse);
-    EXPECT_EQ(engineOf("com.google.chrome", {"Contents/Resources/application.ini"}),
-              Engine::firefox);
+TEST_F(AppEngines, EclipseWinsOverIdentifiersAndOtherFiles) {
+    for (const char* marker : {"Contents/MacOS/eclipse", "Contents/Eclipse/eclipse.ini"}) {
+        EXPECT_EQ(engineOf("org.mozilla.x", {marker}), Engine::eclipse) << marker;
+        EXPECT_EQ(engineOf("com.google.chrome", {marker}), Engine::eclipse) << marker;
+        EXPECT_EQ(engineOf("com.x", {marker, applicationIni}), Engine::eclipse) << marker;
+        EXPECT_EQ(engineOf("com.x", {marker, chromeFramework}), Engine::eclipse) << marker;
+    }
+}
+
+TEST_F(AppEngines, FirefoxWinsOverChromium) {
+    EXPECT_EQ(engineOf("com.google.chrome", {applicationIni}), Engine::firefox);
+    EXPECT_EQ(engineOf("com.x", {applicationIni, chromeFramework}), Engine::firefox);
+    for (const char* id : {"org.mozilla.x", "x.torbrowser", "x.librewolf", "x.waterfox"}) {
+        EXPECT_EQ(engineOf(id, {chromeFramework}), Engine::firefox) << id;
+    }
+    EXPECT_EQ(engineOf("com.google.chrome.librewolf"), Engine::firefox);
+}
+
+TEST_F(AppEngines, EveryEngineHasItsRawString) {
+    const std::array<std::pair<Engine, std::string_view>, 5> names{{
+        {Engine::electron, "electron"},
+        {Engine::chromium, "chromium"},
+        {Engine::firefox, "firefox"},
+        {Engine::eclipse, "eclipse"},
+        {Engine::other, "other"},
+    }};
+    for (const auto& [engine, name] : names) {
+        EXPECT_EQ(rawString(engine), name);
+        EXPECT_EQ(appEngineFromRawString(name), engine);
+    }
+    for (const char* text : {"", "Electron", "electron ", "none"}) {
+        EXPECT_EQ(appEngineFromRawString(text), std::nullopt) << text;
+    }
 }
 
 TEST_F(AppEngines, ABundleWithoutMarkersIsOfAnother) {

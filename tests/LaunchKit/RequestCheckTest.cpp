@@ -1,5 +1,6 @@
 #include "LaunchKit/RequestCheck.h"
 #include "tests/support/AppBundles.h"
+#include "tests/support/OrdinaryUser.h"
 #include "tests/support/TemporaryHome.h"
 
 #include <gmock/gmock.h>
@@ -20,9 +21,10 @@ protected:
         return request;
     }
     // What the check says; nothing when it lets the request pass.
-    static std::string refusal(const WrapperFactory::Request& request) {
+    static std::string refusal(const WrapperFactory::Request& request,
+                               const std::optional<fs::path>& runner = std::nullopt) {
         try {
-            checkRequest(request);
+            checkRequest(request, runner);
             return {};
         } catch (const RefusedRequest& refused) {
             return refused.what();
@@ -47,6 +49,29 @@ TEST_F(RequestCheck, RefusesNamesThatLeadElsewhere) {
     }
     EXPECT_THAT(refusal(request("bell\x07")), HasSubstr("control characters"));
     EXPECT_THAT(refusal(request("\xff")), HasSubstr("not UTF-8"));
+}
+
+TEST_F(RequestCheck, NamesTheFirstFaultOfAName) {
+    EXPECT_EQ(refusal(request(" a/\xff\x07 ")), "The name “a/\xff\x07” is not UTF-8 text.");
+    EXPECT_EQ(refusal(request(" a/\x07 ")),
+              "The name “a/\x07” can’t be used: it must not hold “/” and not be “.” or “..”.");
+    EXPECT_EQ(refusal(request(" \x07 ")), "The name “\x07” holds control characters.");
+}
+
+TEST_F(RequestCheck, TellsControlCharactersFromOtherOnes) {
+    for (const char* name : {"a\x01"
+                             "b",
+                             "a\x1F"
+                             "b",
+                             "a\x7F"
+                             "b",
+                             "a\rb"}) {
+        EXPECT_THAT(refusal(request(name)), HasSubstr("control characters")) << name;
+    }
+    for (const char* name : {"a b", "a\nb", "a\tb", "a~b", "é", "語", "...", ".a"}) {
+        EXPECT_EQ(refusal(request(name)), "") << name;
+        EXPECT_EQ(checkedCloneName(std::string(" ") + name + "\n"), name);
+    }
 }
 
 TEST_F(RequestCheck, LetsACloneBeMadeAgain) {
@@ -94,6 +119,45 @@ TEST_F(RequestCheck, RefusesToReplaceWhatOnlyHasTheNamesOfAnUnfinishedWrapper) {
     EXPECT_THAT(refusal(request()), HasSubstr("not a clone"));
 }
 
+TEST_F(RequestCheck, RefusesToReplaceAnUnfinishedWrapperWithAnythingElseInIt) {
+    for (const char* folder : {"", "Contents", "Contents/MacOS", "Contents/Resources"}) {
+        write(place / "Contents/MacOS/runner", "half");
+        write(place / "Contents/Resources/instance.json", "half");
+        ASSERT_EQ(refusal(request()), "");
+        write(place / folder / "notes.txt", "mine");
+        EXPECT_THAT(refusal(request()), HasSubstr("not a clone")) << folder;
+        fs::remove_all(place);
+    }
+}
+
+TEST_F(RequestCheck, RefusesToReplaceAnUnfinishedWrapperWhoseFilesAreNone) {
+    for (const char* file : {"MacOS/runner", "Resources/instance.json", "Resources/AppIcon.icns"}) {
+        write(place / "Contents/MacOS/runner", "half");
+        fs::remove(place / "Contents" / file);
+        fs::create_directories(place / "Contents" / file);
+        EXPECT_THAT(refusal(request()), HasSubstr("not a clone")) << file << " as a folder";
+        fs::remove(place / "Contents" / file);
+        fs::create_symlink("/nowhere", place / "Contents" / file);
+        EXPECT_THAT(refusal(request()), HasSubstr("not a clone")) << file << " as a link";
+        fs::remove_all(place);
+    }
+}
+
+TEST_F(RequestCheck, RefusesToReplaceAFolderThatItCantLookInto) {
+    const TemporaryFolder folder;
+    WrapperFactory::Request elsewhere = request();
+    elsewhere.outputDir = folder.path();
+    EXPECT_TRUE(asOrdinaryUser(folder.path(), [&] {
+        const fs::path contents = folder / "Work.app/Contents";
+        fs::create_directories(contents);
+        const bool passes = refusal(elsewhere).empty();
+        fs::permissions(contents, fs::perms::none);
+        const bool refuses = !refusal(elsewhere).empty();
+        fs::permissions(contents, fs::perms::owner_all);
+        return passes && refuses;
+    }));
+}
+
 TEST_F(RequestCheck, FollowsNoLinkOfAnUnfinishedWrapper) {
     fs::create_directories(place);
     fs::create_directories(home / "Elsewhere");
@@ -103,9 +167,42 @@ TEST_F(RequestCheck, FollowsNoLinkOfAnUnfinishedWrapper) {
 
 TEST_F(RequestCheck, RefusesToUsePartsOfTheCloneThatItReplaces) {
     makeWrapper(place, minimalConfig());
+    const fs::path part = place / "Contents/Resources/AppIcon.icns";
+    for (const fs::path& used : {part, place, place / "."}) {
+        const std::string text = used.string() + " belongs to the clone that would be replaced.";
+        WrapperFactory::Request withIcon = request();
+        withIcon.customIcon = used;
+        EXPECT_EQ(refusal(withIcon), text);
+        WrapperFactory::Request withTarget = request();
+        withTarget.targetApp = used;
+        EXPECT_EQ(refusal(withTarget), text);
+        EXPECT_EQ(refusal(request(), used), text) << "as the runner";
+    }
+}
+
+TEST_F(RequestCheck, KnowsAPartOfTheReplacedCloneBehindALink) {
+    makeWrapper(place, minimalConfig());
+    fs::create_directory_symlink(place / "Contents", home / "link");
     WrapperFactory::Request withIcon = request();
-    withIcon.customIcon = place / "Contents/Resources/AppIcon.icns";
-    EXPECT_THAT(refusal(withIcon), HasSubstr("belongs to the clone that would be replaced"));
+    withIcon.customIcon = home / "link/Resources/instance.json";
+    EXPECT_THAT(refusal(withIcon), HasSubstr("belongs to the clone"));
+}
+
+TEST_F(RequestCheck, LetsPartsOfOtherThingsBeUsed) {
+    makeWrapper(place, minimalConfig());
+    const fs::path other = makeWrapper(home / "Applications/Other.app", minimalConfig("Other"));
+    WrapperFactory::Request parts = request();
+    parts.targetApp = other;
+    parts.customIcon = home / "nowhere/icon.png";
+    parts.outputDir = home / "Applications";
+    EXPECT_EQ(refusal(parts, other / "Contents/Resources/instance.json"), "");
+}
+
+TEST_F(RequestCheck, NamesTheThingInTheWayBeforeWhatIsUsedOfIt) {
+    makeAppBundle(place);
+    WrapperFactory::Request withTarget = request();
+    withTarget.targetApp = place;
+    EXPECT_THAT(refusal(withTarget), HasSubstr("is not a clone"));
 }
 
 } // namespace

@@ -1,11 +1,14 @@
 #include "LaunchKit/RunnerLocator.h"
 
 #include "Platform/MainExecutable.h"
+#include "Platform/Process.h"
 #include "tests/support/AppBundles.h"
 #include "tests/support/TemporaryHome.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+
+#include <cstdlib>
 
 namespace quorvel {
 namespace {
@@ -98,6 +101,34 @@ TEST_F(Runners, ThisProgramsOwnFolderIsSearched) {
     ASSERT_TRUE(folders.executables && folders.resources);
     EXPECT_EQ(*folders.executables, mainExecutable().parent_path());
     EXPECT_EQ(*folders.resources, mainExecutable().parent_path().parent_path() / "libexec/quorvel");
+}
+
+// Set for copies of this program, which lie elsewhere.
+constexpr const char* expectedResources = "QUORVEL_TEST_EXPECTED_RESOURCES";
+
+TEST_F(Runners, AProgramInABundleHasItsRunnerAmongTheBundlesResources) {
+    if (const char* expected = std::getenv(expectedResources)) {
+        EXPECT_EQ(ApplicationFolders::ofThisProgram().resources, fs::path(expected));
+        return;
+    }
+    const std::vector<std::pair<fs::path, fs::path>> places{
+        {"A.app/Contents/MacOS", "A.app/Contents/Resources"},
+        {"A.app/Contents/bin", "A.app/Contents/libexec/quorvel"},
+        {"A.app/Other/MacOS", "A.app/Other/libexec/quorvel"}};
+    const fs::path folder = fs::canonical(folder_.path());
+    for (const auto& [place, resources] : places) {
+        fs::create_directories(folder / place);
+        Process::Options options;
+        options.executable = folder / place / "program";
+        fs::copy_file(mainExecutable(), options.executable);
+        options.arguments = {"--gtest_filter=Runners.AProgramInABundle*"};
+        options.environment = currentEnvironment();
+        options.environment->insert_or_assign(expectedResources, (folder / resources).string());
+        EXPECT_THAT(Process::capture(options, 1U << 16U),
+                    ::testing::HasSubstr("[  PASSED  ] 1 test."))
+            << place;
+        fs::remove(options.executable);
+    }
 }
 
 } // namespace

@@ -2,11 +2,15 @@
 
 #include "LaunchKit/InstanceRegistry.h"
 #include "LaunchKit/WrapperGenerator.h"
+#include "Platform/MainExecutable.h"
+#include "Platform/Process.h"
 #include "tests/support/AppBundles.h"
 #include "tests/support/TemporaryHome.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+
+#include <array>
 
 namespace quorvel {
 namespace {
@@ -52,10 +56,11 @@ protected:
     }
 
     [[nodiscard]] std::string errorOf(const WrapperFactory::Request& request,
-                                      const std::optional<fs::path>& runner) const {
+                                      FactoryError::Case expected) const {
         try {
-            (void)WrapperFactory(runner).create(request);
+            (void)WrapperFactory(at("runner")).create(request);
         } catch (const FactoryError& error) {
+            EXPECT_EQ(error.kind(), expected);
             EXPECT_STREQ(error.what(), error.description().c_str());
             EXPECT_FALSE(fs::exists(at("out"))) << "nothing may be written";
             return error.description();
@@ -166,6 +171,51 @@ TEST_F(Factory, EverythingElseIsTakenOverUnchanged) {
     EXPECT_EQ(created(request).json(), expected.json());
 }
 
+// One flag of a request, and where it goes.
+struct Flag {
+    const char* name;
+    bool WrapperFactory::Request::*given;
+    bool InstanceConfig::*taken;
+};
+constexpr std::array<Flag, 5> flags{{
+    {"registerAsBrowser", &WrapperFactory::Request::registerAsBrowser,
+     &InstanceConfig::registerAsBrowser},
+    {"openWithPassthrough", &WrapperFactory::Request::openWithPassthrough,
+     &InstanceConfig::openWithPassthrough},
+    {"menuBarIcon", &WrapperFactory::Request::menuBarIcon, &InstanceConfig::menuBarIcon},
+    {"menuBarIconTemplate", &WrapperFactory::Request::menuBarIconTemplate,
+     &InstanceConfig::menuBarIconTemplate},
+    {"shareUserFolders", &WrapperFactory::Request::shareUserFolders,
+     &InstanceConfig::shareUserFolders},
+}};
+
+TEST_F(Factory, EachFlagSetAloneIsTheOnlyOneSet) {
+    for (const Flag& set : flags) {
+        WrapperFactory::Request request = webRequest("Flags");
+        for (const Flag& flag : flags) {
+            request.*flag.given = flag.given == set.given;
+        }
+        const fs::path wrapper = create(request);
+        const InstanceConfig config = InstanceRegistry().record(wrapper).value().config;
+        for (const Flag& flag : flags) {
+            EXPECT_EQ(config.*flag.taken, flag.taken == set.taken)
+                << flag.name << " where only " << set.name << " is set";
+        }
+        const auto info = PropertyList::readDictionary(wrapper / "Contents/Info.plist").value();
+        EXPECT_FALSE(info.contains("LSUIElement")) << set.name;
+    }
+}
+
+TEST_F(Factory, HidingAloneSetsNoFlag) {
+    WrapperFactory::Request request = webRequest("Hidden");
+    request.hideWrapperIcon = true;
+    request.shareUserFolders = false;
+    const InstanceConfig config = created(request);
+    for (const Flag& flag : flags) {
+        EXPECT_FALSE(config.*flag.taken) << flag.name;
+    }
+}
+
 TEST_F(Factory, IconAndHidingReachTheWrapper) {
     WrapperFactory::Request request = webRequest("Work");
     write(at("icon"), "icon bytes");
@@ -186,36 +236,63 @@ TEST_F(Factory, AGivenIdentifierIsKeptEvenWhereItCollides) {
 }
 
 TEST_F(Factory, ANameOfSpaceAloneIsRefused) {
-    EXPECT_EQ(errorOf(webRequest(""), at("runner")), "The clone needs a non-empty name.");
-    EXPECT_EQ(errorOf(webRequest(" \t\r\n"), at("runner")), "The clone needs a non-empty name.");
-}
-
-TEST_F(Factory, WithoutARunnerThereIsNoClone) {
-    const fs::path before = fs::current_path();
-    fs::current_path(folder_.path());
-    const fs::path beside = fs::read_symlink("/proc/self/exe").parent_path() / "quorvel-runner";
-    if (fs::exists(beside)) {
-        EXPECT_EQ(WrapperFactory().create(webRequest("Work")), at("out/Work.app"))
-            << "the one beside this program is found";
-        EXPECT_EQ(read(at("out/Work.app/Contents/MacOS/runner")), read(beside));
+    for (const char* name : {"", " \t\r\n"}) {
+        EXPECT_EQ(errorOf(webRequest(name), FactoryError::Case::emptyName),
+                  "The clone needs a non-empty name.");
     }
-    fs::current_path(before);
-    EXPECT_EQ(FactoryError::runnerNotFound().description(),
-              "Could not locate the quorvel-runner binary to embed.");
 }
 
 TEST_F(Factory, AnUnreadableTargetIsRefused) {
-    EXPECT_EQ(errorOf(appRequest("/no/such.app"), at("runner")),
+    EXPECT_EQ(errorOf(appRequest("/no/such.app"), FactoryError::Case::badTarget),
               "Not a readable .app: /no/such.app");
+    fs::create_directories(at("Empty.app"));
+    EXPECT_EQ(errorOf(appRequest(at("Empty.app")), FactoryError::Case::badTarget),
+              "Not a readable .app: " + at("Empty.app").string());
     WrapperFactory::Request request = appRequest("");
     request.targetApp.reset();
-    EXPECT_EQ(errorOf(request, at("runner")), "Not a readable .app: /");
+    EXPECT_EQ(errorOf(request, FactoryError::Case::badTarget), "Not a readable .app: /");
 }
 
-TEST_F(Factory, TheFirstFaultIsReported) {
+TEST_F(Factory, AnEmptyNameIsReportedBeforeABadTarget) {
     WrapperFactory::Request request = appRequest("/no/such.app");
     request.displayName = " ";
-    EXPECT_EQ(errorOf(request, at("runner")), "The clone needs a non-empty name.");
+    EXPECT_EQ(errorOf(request, FactoryError::Case::emptyName), "The clone needs a non-empty name.");
+}
+
+TEST_F(Factory, TheRunnerBesideThisProgramIsFound) {
+    const fs::path beside = mainExecutable().parent_path() / "quorvel-runner";
+    ASSERT_TRUE(fs::exists(beside));
+    EXPECT_EQ(WrapperFactory().create(webRequest("Work")), at("out/Work.app"));
+    EXPECT_EQ(read(at("out/Work.app/Contents/MacOS/runner")), read(beside));
+}
+
+void expectRunnerNotFound(const WrapperFactory::Request& request) {
+    try {
+        (void)WrapperFactory().create(request);
+        FAIL() << "it was made";
+    } catch (const FactoryError& error) {
+        EXPECT_EQ(error.kind(), FactoryError::Case::runnerNotFound);
+        EXPECT_EQ(error.description(), "Could not locate the quorvel-runner binary to embed.");
+    }
+    EXPECT_FALSE(fs::exists(*request.outputDir)) << "nothing may be written";
+}
+
+TEST_F(Factory, WithoutARunnerThereIsNoCloneWhateverTheTarget) {
+    if (!fs::exists(mainExecutable().parent_path() / "quorvel-runner")) {
+        expectRunnerNotFound(webRequest("Work"));
+        expectRunnerNotFound(appRequest("/no/such.app"));
+        EXPECT_EQ(create(webRequest("Work")), at("out/Work.app")) << "a given one will do";
+        return;
+    }
+    // There is one beside this program, so a copy of it goes on where there is none.
+    fs::create_directories(at("bin"));
+    fs::copy_file(mainExecutable(), at("bin/program"));
+    Process::Options options;
+    options.executable = at("bin/program");
+    options.arguments = {"--gtest_filter=Factory.WithoutARunner*"};
+    options.directory = at("bin");
+    const std::string output = Process::capture(options, 1U << 16U);
+    EXPECT_THAT(output, ::testing::HasSubstr("[  PASSED  ] 1 test.")) << output;
 }
 
 TEST_F(Factory, ARunnerThatVanishedIsTheGeneratorsError) {

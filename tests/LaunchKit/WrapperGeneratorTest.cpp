@@ -83,6 +83,25 @@ TEST_F(Generator, TheRunnerIsExecutableWhateverTheSourceWas) {
               fs::perms{0755});
 }
 
+TEST_F(Generator, EverythingElseHasTheUsersDefaultPermissions) {
+    for (const unsigned mask : {0022U, 0077U, 0002U}) {
+        const mode_t before = ::umask(mask);
+        const fs::path wrapper = generate(webOptions());
+        ::umask(before);
+        const auto mode = [&](const char* item) {
+            return static_cast<unsigned>(fs::status(wrapper / item).permissions());
+        };
+        for (const char* folder : {"", "Contents", "Contents/MacOS", "Contents/Resources"}) {
+            EXPECT_EQ(mode(folder), 0777U & ~mask) << folder;
+        }
+        for (const char* file :
+             {"Contents/Resources/instance.json", "Contents/Info.plist", "Contents/PkgInfo"}) {
+            EXPECT_EQ(mode(file), 0666U & ~mask) << file;
+        }
+        EXPECT_EQ(mode("Contents/MacOS/runner"), 0755U) << "whatever the user's default";
+    }
+}
+
 TEST_F(Generator, AWrapperOfTheSameNameIsReplacedWhole) {
     write(generate(webOptions()) / "Contents/Resources/left over", "x");
     WrapperGenerator::Options second = webOptions();
@@ -139,6 +158,7 @@ TEST_F(Generator, WithoutAReadableTargetNothingIsWrittenNorRemoved) {
         FAIL() << "it was written";
     } catch (const GenError& error) {
         EXPECT_EQ(error.kind(), GenError::Case::badTarget);
+        EXPECT_EQ(error.url(), "/no/such.app");
         EXPECT_EQ(error.description(), "Not a readable target .app: /no/such.app");
     }
     EXPECT_EQ(read(at("out/Work.app/old")), "x");
@@ -179,6 +199,16 @@ TEST_F(Generator, ACustomIconThatIsGoneIsReplacedByTheTargets) {
     targetIcon("AppIcon.icns", "target's");
     options.customIcon = at("gone");
     EXPECT_EQ(iconOf(options), "target's");
+}
+
+TEST_F(Generator, ACustomIconThatIsALinkToNothingIsReplacedByTheTargets) {
+    WrapperGenerator::Options options = appOptions("AppIcon");
+    targetIcon("AppIcon.icns", "target's");
+    fs::create_symlink("nothing", at("dangling"));
+    options.customIcon = at("dangling");
+    EXPECT_EQ(iconOf(options), "target's");
+    write(at("nothing"), "behind the link");
+    EXPECT_EQ(iconOf(options), "behind the link");
 }
 
 TEST_F(Generator, ALabelOfSpacesCopiesTheIconUnchanged) {
@@ -233,6 +263,7 @@ TEST_F(Generator, TextThatCantBeWrittenIsAnErrorThatTheNextCallCleansUp) {
 
 TEST_F(Generator, TextThatAPropertyListCantHoldLeavesTheOldWrapperAlone) {
     (void)generate(webOptions());
+    write(at("out/Work\x1B.app/Contents/PkgInfo"), "older");
     const auto before = treeOf(at("out"));
     WrapperGenerator::Options key = webOptions();
     key.config.infoPlistOverrides = {{"\x01", "text"}};
@@ -240,7 +271,7 @@ TEST_F(Generator, TextThatAPropertyListCantHoldLeavesTheOldWrapperAlone) {
     text.config.infoPlistOverrides = {{"K", "\uFFFE"}};
     WrapperGenerator::Options identifier = webOptions();
     identifier.config.bundleId = "\x1B";
-    for (const auto& options : {key, text, identifier}) {
+    for (const auto& options : {key, text, identifier, webOptions("Work\x1B")}) {
         EXPECT_THROW((void)generate(options), std::invalid_argument);
         EXPECT_EQ(treeOf(at("out")), before);
     }

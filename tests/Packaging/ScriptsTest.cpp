@@ -1,6 +1,10 @@
 #include "tests/Packaging/Commands.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
+
+#include <algorithm>
+#include <sstream>
 
 namespace quorvel::testing {
 namespace {
@@ -10,6 +14,85 @@ TEST(PackagingScript, SaysWhereThereIsNoMacThatItNeedsOne) {
     EXPECT_EQ(outcome.status, 1);
     EXPECT_EQ(outcome.output, "scripts/package-macos needs a Mac: the tools that sign and pack an "
                               "application are there only.\n");
+}
+
+class MutationScript : public ::testing::Test {
+protected:
+    MutationScript() {
+        write(source_, "struct Pair {\n"
+                       "    bool first; // no mutants: 1 < 2 && \"text\"\n"
+                       "    bool second;\n"
+                       "};\n"
+                       "int sum(const Pair& pair, int limit) {\n"
+                       "    if (limit < 1 || !pair.first) {\n"
+                       "        return 0;\n"
+                       "    }\n"
+                       "    note(pair.first);\n"
+                       "    note(\"x\");\n"
+                       "    return pair.second ? limit : 2;\n"
+                       "}\n");
+    }
+
+    [[nodiscard]] Outcome run(std::vector<std::string> options) const {
+        options.insert(options.begin(), QUORVEL_SOURCE "/scripts/test-mutations");
+        options.push_back(source_.string());
+        return outcomeOf(options);
+    }
+
+    // Line, kind and change of each mutant; their names come from the path, which is new each time.
+    [[nodiscard]] std::vector<std::string> listed() const {
+        std::vector<std::string> mutants;
+        std::istringstream lines(run({"--list"}).output);
+        for (std::string line; std::getline(lines, line);) {
+            mutants.push_back(line.substr(line.find(source_.string()) + source_.string().size()));
+        }
+        return mutants;
+    }
+
+    TemporaryFolder folder_;
+    std::filesystem::path source_ = folder_ / "tiny.cpp";
+};
+
+TEST_F(MutationScript, ListsExactlyTheMutantsOfASource) {
+    EXPECT_THAT(
+        listed(),
+        ::testing::ElementsAre(
+            ":6  guard: if (limit < 1 || !pair.first) { return 0; } → {}",
+            ":6  order: if (limit < 1 || !pair.first) { return 0; } note(pair.first… → "
+            "note(pair.first); if (limit < 1 || !pair.first) { return 0;…",
+            ":6  negated: limit < 1 || !pair.first → !(limit < 1 || !pair.first)",
+            ":6  off-by-one: if (limit < 1 || !pair.first) → if (limit <= 1 || !pair.first)",
+            ":6  literal: if (limit < 1 || !pair.first) → if (limit < 2 || !pair.first)",
+            ":6  negated: if (limit < 1 || !pair.first) { → if (limit < 1 && !pair.first) {",
+            ":6  negated: if (limit < 1 || !pair.first) { → if (limit < 1 || pair.first) {",
+            ":6  member: first → second", ":7  literal: return 0; → return 1;",
+            ":9  order: note(pair.first); note(\"x\"); → note(\"x\"); note(pair.first);",
+            ":9  member: first → second", ":10  literal: note(\"x\"); → note(\"xX\");",
+            ":11  member: second → first", ":11  negated: limit : 2 → 2 : limit",
+            ":11  literal: pair.second ? limit : 2; → pair.second ? limit : 3;"));
+}
+
+TEST_F(MutationScript, ChoosesTheSameMutantsForASeed) {
+    const std::vector<std::string> chosen{"--list", "--sample", "3", "--seed", "5"};
+    const std::string output = run(chosen).output;
+    EXPECT_EQ(std::count(output.begin(), output.end(), '\n'), 3);
+    EXPECT_EQ(run(chosen).output, output);
+    EXPECT_NE(run({"--list", "--sample", "3", "--seed", "6"}).output, output);
+}
+
+TEST_F(MutationScript, FindsAMutantByItsName) {
+    const std::string all = run({"--list"}).output;
+    const std::string last = all.substr(all.rfind('\n', all.size() - 2) + 1);
+    EXPECT_EQ(run({"--list", "--only", last.substr(0, last.find(' '))}).output, last);
+}
+
+TEST_F(MutationScript, LeavesASourceOfNoLayerAlone) {
+    const std::string before = read(source_);
+    const Outcome outcome = run({});
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_EQ(outcome.output,
+              "scripts/test-mutations: no layer's tests are known for " + source_.string() + "\n");
+    EXPECT_EQ(read(source_), before);
 }
 
 } // namespace

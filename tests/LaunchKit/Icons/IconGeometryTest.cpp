@@ -1,6 +1,7 @@
 #include "LaunchKit/FontEngine.h"
 #include "LaunchKit/IcnsFile.h"
 #include "LaunchKit/IconComposer.h"
+#include "LaunchKit/LabelPainter.h"
 #include "LaunchKit/LabelText.h"
 #include "tests/support/TemporaryHome.h"
 
@@ -9,6 +10,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <vector>
 
 // Measures what was drawn, in the pixels of the written file.
 
@@ -156,28 +158,59 @@ TEST(IconGeometry, fillsWithTheColourAndOutlinesInDarkness) {
     EXPECT_NEAR(qAlpha(outline), 255 * (1 - 0.1 * 0.55), 4);
 }
 
+TEST(IconGeometry, outlinesAShrunkLabelInProportionToWhatItShrankTo) {
+    for (const int side : {1024, 512}) {
+        const LabelText text = labelText("HHHHHHH");
+        const double font = text.fontSize * 0.86 * side / text.box.width();
+        ASSERT_LT(font, 0.2 * side) << "it has to be shrunk by more than the measure's error";
+        const DrawnIcon icon({"HHHHHHH", "#FF0000", Position::center}, side);
+        EXPECT_NEAR(icon.fill().x() - icon.lettering().x(), 0.18 * font / 2, 1) << side;
+        EXPECT_NEAR(icon.fill().y() - icon.lettering().y(), 0.18 * font / 2, 1) << side;
+    }
+}
+
 // The shadow's opacity under a wide stroke's straight lower edge, `distance` pixels below it.
-double expectedShadow(double distance) {
-    const double deviation = 0.012 * 1024 / 2;
-    const double drop = 0.004 * 1024;
+double expectedShadow(double distance, int side) {
+    const double deviation = 0.012 * side / 2;
+    const double drop = 0.004 * side;
     return 255 * 0.45 * 0.5 * std::erfc((distance - drop) / deviation / std::sqrt(2.0));
 }
 
-TEST(IconGeometry, dropsASoftShadow) {
-    const DrawnIcon icon({"I", "#FF0000", Position::center}, 1024);
+// Compares the shadow above and below the letter that stands at `x`.
+void expectShadow(const DrawnIcon& icon, int x, const std::vector<int>& distances) {
+    const int side = icon.image().width();
     const double lower = bottom(icon.lettering());
     const double upper = icon.lettering().y();
-    for (const int distance : {2, 4, 7, 10, 14, 18}) {
+    for (const int distance : distances) {
         const auto below = static_cast<int>(lower) + distance;
         const auto above = static_cast<int>(upper) - 1 - distance;
-        EXPECT_NEAR(qAlpha(icon.image().pixel(512, below)), expectedShadow(distance + 0.5), 6)
-            << distance << " below";
+        EXPECT_NEAR(qAlpha(icon.image().pixel(x, below)), expectedShadow(distance + 0.5, side), 6)
+            << distance << " below, " << side;
         // Above, the shadow's edge lies inside by as much as it lies outside below.
-        EXPECT_NEAR(qAlpha(icon.image().pixel(512, above)),
-                    expectedShadow(distance + 0.5 + 2 * 0.004 * 1024), 6)
-            << distance << " above";
+        EXPECT_NEAR(qAlpha(icon.image().pixel(x, above)),
+                    expectedShadow(distance + 0.5 + 2 * 0.004 * side, side), 6)
+            << distance << " above, " << side;
     }
-    EXPECT_EQ(qAlpha(icon.image().pixel(512, static_cast<int>(lower) + 40)), 0);
+    EXPECT_EQ(qAlpha(icon.image().pixel(x, static_cast<int>(lower) + side / 25)), 0) << side;
+}
+
+TEST(IconGeometry, dropsASoftShadow) {
+    expectShadow(DrawnIcon({"I", "#FF0000", Position::center}, 1024), 512, {2, 4, 7, 10, 14, 18});
+}
+
+TEST(IconGeometry, dropsTheSameShadowFromAShrunkLabel) {
+    const DrawnIcon icon({"HHHHHHH", "#FF0000", Position::center}, 1024);
+    // The middle of the first letter's first leg.
+    const int y = icon.fill().y() + 2;
+    int x = icon.fill().x();
+    while (qRed(icon.image().pixel(x, y)) > 127) {
+        ++x;
+    }
+    expectShadow(icon, (icon.fill().x() + x) / 2, {2, 4, 7, 10, 14, 18});
+}
+
+TEST(IconGeometry, dropsAShadowInProportionToTheIcon) {
+    expectShadow(DrawnIcon({"I", "#FF0000", Position::center}, 512), 256, {2, 4, 7});
 }
 
 TEST(IconGeometry, mirrorsTheShadowSideways) {
@@ -187,6 +220,18 @@ TEST(IconGeometry, mirrorsTheShadowSideways) {
         EXPECT_NEAR(qAlpha(icon.image().pixel(all.x() - 1 - distance, 512)),
                     qAlpha(icon.image().pixel(static_cast<int>(right(all)) + distance, 512)), 8);
     }
+}
+
+TEST(IconGeometry, fillsWhereOutlinesOverlap) {
+    LabelText text = labelText("");
+    text.fontSize = 256;
+    text.outlines.addRect(0, -200, 150, 200);
+    text.outlines.addRect(50, -150, 150, 150);
+    text.box = text.outlines.boundingRect();
+    QImage icon(512, 512, QImage::Format_ARGB32_Premultiplied);
+    icon.fill(Qt::transparent);
+    drawLabel(icon, text, Qt::red, Position::center);
+    EXPECT_EQ(icon.pixel(256, 280), qRgb(255, 0, 0)) << "both rectangles cover the middle";
 }
 
 TEST(IconGeometry, coversOverlappingOutlinesOnce) {

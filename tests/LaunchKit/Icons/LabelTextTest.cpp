@@ -8,6 +8,7 @@
 #include <QFontMetrics>
 #include <QRawFont>
 #include <QTextLayout>
+#include <QTransform>
 
 #include <gtest/gtest.h>
 
@@ -59,6 +60,28 @@ TEST_F(LabelTextTest, standsOnTheBaseline) {
     EXPECT_NEAR(text.box.bottom(), 0, 0.5);
     EXPECT_LT(text.box.top(), -0.6 * text.fontSize);
     EXPECT_GT(labelText("Q,").box.bottom(), 1);
+}
+
+TEST_F(LabelTextTest, hasABoxExactlyAroundItsOutlines) {
+    // The braces' curves have handles that reach beyond them.
+    for (const char* word : {"S", "Q,", "ÅÇ", "&@%", "}", "{"}) {
+        const LabelText text = labelText(word);
+        // Straight pieces so short that no curve reaches a thousandth of a pixel beyond them.
+        QRectF exact;
+        for (const QPolygonF& polygon :
+             text.outlines.toSubpathPolygons(QTransform::fromScale(16, 16))) {
+            exact = exact.united(polygon.boundingRect());
+        }
+        EXPECT_NEAR(text.box.left(), exact.left() / 16, 0.05) << word;
+        EXPECT_NEAR(text.box.right(), exact.right() / 16, 0.05) << word;
+        EXPECT_NEAR(text.box.top(), exact.top() / 16, 0.05) << word;
+        EXPECT_NEAR(text.box.bottom(), exact.bottom() / 16, 0.05) << word;
+    }
+}
+
+TEST_F(LabelTextTest, isFilledWhereItsOutlinesOverlap) {
+    EXPECT_EQ(labelText("A").outlines.fillRule(), Qt::WindingFill);
+    EXPECT_EQ(labelText("").outlines.fillRule(), Qt::WindingFill);
 }
 
 TEST_F(LabelTextTest, hasNoOutlinesForSpacesAndNothing) {

@@ -1,0 +1,64 @@
+"""Makes the mutants of a source: each with a name that stays while the source does."""
+
+import hashlib
+import random
+from dataclasses import dataclass
+
+from .mutators import MUTATORS
+from .source import Source
+
+SHOWN = 60
+
+
+@dataclass(frozen=True)
+class Mutant:
+    id: str
+    path: str
+    line: int
+    kind: str
+    change: str
+    text: str
+
+    @property
+    def described(self):
+        return f"{self.id}  {self.path}:{self.line}  {self.kind}: {self.change}"
+
+
+def _shown(text):
+    flat = " ".join(text.split())
+    return flat if len(flat) <= SHOWN else flat[: SHOWN - 1] + "…"
+
+
+def _change(source, edit):
+    """What was there and what is there now, with the words around a change of a sign."""
+    start, end = edit.start, edit.end
+    before, after = source.text[start:end], edit.text
+    if "\n" not in before and len(before) < 4:
+        begin = max(source.text.rfind(" ", 0, max(start - 16, 0)), source.text.rfind("\n", 0, start)) + 1
+        stop = min(i for i in (source.text.find(c, end + 16 * (c == " ")) for c in " \n") if i >= 0)
+        before = source.text[begin:stop]
+        after = source.text[begin:start] + edit.text + source.text[end:stop]
+    return f"{_shown(before)} → {_shown(after) or 'nothing'}"
+
+
+def mutants_of(path, text, records):
+    """Every mutant of a source in its order; of those that give the same text only the first."""
+    source = Source(text)
+    edits = [edit for mutator in MUTATORS for edit in mutator(source, records)]
+    seen = {text}
+    for edit in sorted(edits, key=lambda edit: (edit.start, edit.end)):
+        mutated = text[: edit.start] + edit.text + text[edit.end :]
+        if mutated in seen:
+            continue
+        seen.add(mutated)
+        name = hashlib.sha256(f"{path}\0{mutated}".encode()).hexdigest()[:10]
+        change = _change(source, edit)
+        yield Mutant(name, path, source.line(edit.start), edit.kind, change, mutated)
+
+
+def sample(mutants, number, seed):
+    """A random choice that a seed repeats, in the order of the sources."""
+    if number is None or number >= len(mutants):
+        return mutants
+    chosen = set(random.Random(seed).sample([mutant.id for mutant in mutants], number))
+    return [mutant for mutant in mutants if mutant.id in chosen]
