@@ -149,13 +149,14 @@ TEST_F(Figures, ListPublicFunctionsWithoutAComment) {
                            "    void changed();\n"
                            "private:\n"
                            "    void hidden();\n"
+                           "    struct Inner { int alsoHidden(); };\n"
                            "    int size_{1};\n"
                            "    std::function<void(int)> then_;\n"
                            "};\n"
                            "int free(int);\n");
     source("Platform/A.cpp", "int inASource(int a) { return a; }\n");
     EXPECT_THAT(places("undocumented"),
-                ElementsAre("Platform/A.h:10: bare", "Platform/A.h:22: free"));
+                ElementsAre("Platform/A.h:10: bare", "Platform/A.h:23: free"));
     EXPECT_EQ(figure("undocumented public functions / all of them"), "2 / 5");
 }
 
