@@ -1,6 +1,7 @@
 # Has the files compiled by as many calls at once as there are processors, and only those again
 # that changed since the last time.
-# shellcheck shell=bash
+# The variables are those of tools/macos-check/check.
+# shellcheck shell=bash disable=SC2154
 
 # result_of KIND ARCHITECTURE FILE
 result_of() {

@@ -1,5 +1,6 @@
 # Lets CMake prepare a build for macOS, to see that its files name the right sources.
-# shellcheck shell=bash
+# The variables are those of tools/macos-check/check.
+# shellcheck shell=bash disable=SC2154
 
 # configure_for_macos: prints the sources of the program that would be built, one a line.
 configure_for_macos() {

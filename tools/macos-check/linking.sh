@@ -1,5 +1,6 @@
 # Links what was compiled against the lists of symbols, and looks at what came out.
-# shellcheck shell=bash
+# The variables are those of tools/macos-check/check.
+# shellcheck shell=bash disable=SC2154
 
 failed() { printf '%s\n' "$*" >>"$out/failures"; }
 link_failed() { failed "$1"; head -20 "$out/link.log" | sed 's/^/    /' >>"$out/failures"; }
@@ -9,7 +10,7 @@ link_for() {
   local arch=$1 output=$2 framework frameworks=()
   shift 2
   for framework in AppKit CoreFoundation CoreServices Foundation; do
-    frameworks+=(-framework $framework)
+    frameworks+=(-framework "$framework")
   done
   "$linker" -arch "$arch" -platform_version macos 13.0 13.0 -syslibroot "$here/libraries" \
     -F/System/Library/Frameworks -lSystem -lc++ -lobjc "${frameworks[@]}" \
@@ -78,6 +79,7 @@ listed_symbols() {
 # check_lists PROGRAMS...: whether the lists of the frameworks name only what the programs use. Those
 # of the C and C++ libraries may name more: what code uses of these changes with every compiler.
 check_lists() {
+  # shellcheck disable=SC2016 # The dollar sign is a part of the symbols' names.
   "llvm-nm-$version" -u "$@" 2>/dev/null | sed -n 's/^.* //; /./p' |
     sed -e 's/^_OBJC_\(META\)\{0,1\}CLASS_\$_//' | sort -u >"$out/used"
   local unused

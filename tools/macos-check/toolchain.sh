@@ -1,5 +1,6 @@
 # Finds the compiler, the linker and the headers, and writes the compiler's flags.
-# shellcheck shell=bash
+# The variables are those of tools/macos-check/check.
+# shellcheck shell=bash disable=SC2154
 
 version=16
 compiler=clang++-$version

@@ -1,0 +1,109 @@
+#include "tests/Packaging/Commands.h"
+
+#include "Platform/FileSystem.h"
+
+#include <gmock/gmock.h>
+
+namespace quorvel::testing {
+namespace {
+
+namespace fs = std::filesystem;
+using ::testing::HasSubstr;
+
+// A repository of its own with this tree's hook enabled.
+class PreCommitHook : public ::testing::Test {
+protected:
+    void SetUp() override {
+        for (const char* program : {"git", "clang-format-14", "shellcheck"}) {
+            if (outcomeOf({"/bin/sh", "-c", std::string("command -v ") + program}).status != 0) {
+                GTEST_SKIP() << program << " is not installed";
+            }
+        }
+        for (const char* file : {"scripts/lint", "scripts/common.sh", "scripts/hooks/pre-commit",
+                                 ".clang-format", ".shellcheckrc"}) {
+            fs::create_directories((tree_ / file).parent_path());
+            fs::copy_file(fs::path(QUORVEL_SOURCE) / file, tree_ / file);
+        }
+        git({"init", "--quiet"});
+        git({"config", "core.hooksPath", "scripts/hooks"});
+        git({"config", "user.name", "Test"});
+        git({"config", "user.email", "test@example.com"});
+    }
+
+    Outcome git(std::vector<std::string> arguments) const {
+        arguments.insert(arguments.begin(), {"git", "-C", tree_.path().string()});
+        return outcomeOf(arguments);
+    }
+
+    void stage(const std::string& name, const std::string& text) const {
+        write(tree_ / name, text);
+        EXPECT_EQ(git({"add", name}).status, 0);
+    }
+
+    [[nodiscard]] Outcome commit() const { return git({"commit", "-m", "tests: change"}); }
+    [[nodiscard]] bool hasCommits() const {
+        return git({"rev-parse", "--verify", "--quiet", "HEAD"}).status == 0;
+    }
+
+    TemporaryFolder tree_;
+};
+
+TEST_F(PreCommitHook, LetsWellFormedChangesThrough) {
+    stage("a.cpp", "int one() {\n    return 1;\n}\n");
+    stage("script", "#!/bin/sh\necho \"$1\"\n");
+    const Outcome committing = commit();
+    EXPECT_EQ(committing.status, 0) << committing.output;
+    EXPECT_TRUE(hasCommits());
+}
+
+TEST_F(PreCommitHook, RefusesASourceThatIsNotFormatted) {
+    stage("a.cpp", "int  one( ) { return 1;}\n");
+    const Outcome committing = commit();
+    EXPECT_NE(committing.status, 0);
+    EXPECT_THAT(committing.output, HasSubstr("a.cpp:1:"));
+    EXPECT_FALSE(hasCommits());
+}
+
+TEST_F(PreCommitHook, JudgesWhatIsStagedAndNotWhatLiesInTheFolder) {
+    stage("a.cpp", "int one() {\n    return 1;\n}\n");
+    write(tree_ / "a.cpp", "int  one( ) { return 1;}\n");
+    EXPECT_EQ(commit().status, 0);
+    stage("a.cpp", "int  one( ) { return 2;}\n");
+    write(tree_ / "a.cpp", "int one() {\n    return 2;\n}\n");
+    EXPECT_NE(commit().status, 0);
+}
+
+TEST_F(PreCommitHook, RefusesAScriptThatSplitsItsWords) {
+    stage("folder with space/script", "#!/bin/sh\nrm $1\n");
+    const Outcome committing = commit();
+    EXPECT_NE(committing.status, 0);
+    EXPECT_THAT(committing.output, HasSubstr("SC2086"));
+    EXPECT_FALSE(hasCommits());
+}
+
+TEST_F(PreCommitHook, ChecksAPieceThatIsSourcedWithWhatItSources) {
+    stage("part.sh", "# shellcheck shell=sh\nexport name=one\n");
+    stage("script", "#!/bin/sh\n. \"$(dirname \"$0\")/part.sh\"\necho \"$name\"\n");
+    const Outcome committing = commit();
+    EXPECT_EQ(committing.status, 0) << committing.output;
+    stage("part.sh", "# shellcheck shell=sh\nexport name\nname=$(echo $1)\n");
+    EXPECT_NE(commit().status, 0);
+}
+
+TEST(LintScript, RefusesACheckThatItDoesNotHave) {
+    const Outcome refusal = outcomeOf({QUORVEL_SOURCE "/scripts/lint", "beauty"});
+    EXPECT_EQ(refusal.status, 1);
+    EXPECT_EQ(refusal.output, "usage: scripts/lint [format|shell|tidy|--staged]\n");
+}
+
+TEST(LintScript, FindsEveryShellScriptOfThisTreeInOrder) {
+    if (outcomeOf({"/bin/sh", "-c", "command -v git && command -v shellcheck"}).status != 0 ||
+        !itemExists(QUORVEL_SOURCE "/.git")) {
+        GTEST_SKIP() << "git or shellcheck is not installed, or this is no checkout";
+    }
+    const Outcome checking = outcomeOf({QUORVEL_SOURCE "/scripts/lint", "shell"});
+    EXPECT_EQ(checking.status, 0) << checking.output;
+}
+
+} // namespace
+} // namespace quorvel::testing
