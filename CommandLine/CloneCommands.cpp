@@ -2,13 +2,13 @@
 
 #include "CommandLine/CloneLookup.h"
 #include "CommandLine/CloneTexts.h"
+#include "CommandLine/Confirmation.h"
 #include "LaunchKit/InstanceLauncher.h"
 #include "LaunchKit/RequestCheck.h"
 #include "Platform/FileSystem.h"
 #include "Platform/TerminalText.h"
 
 #include <future>
-#include <istream>
 #include <ostream>
 
 namespace quorvel {
@@ -31,15 +31,32 @@ void openWrapper(const Surroundings& with, const InstanceRecord& record) {
     }
 }
 
-bool confirmed(const Surroundings& with, const InstanceRecord& record, bool includingData) {
-    with.errors << "Delete “" << terminalText(record.config.displayName) << "”";
-    if (includingData) {
-        with.errors << " and everything in " << terminalText(record.config.resolvedHome());
+// In bytes; nothing where there is no log.
+std::optional<std::uintmax_t> logSizeOf(const InstanceConfig& config) {
+    std::error_code code;
+    const std::uintmax_t size =
+        fs::file_size(joinAsText(config.resolvedHome(), instanceLogName), code);
+    return code ? std::nullopt : std::optional(size);
+}
+
+// Asks before it takes the place of a clone that can't be read, where somebody can be asked.
+void checkCreation(const Surroundings& with, const WrapperFactory::Request& request,
+                   const std::optional<fs::path>& runner, bool sharedHome) {
+    try {
+        checkRequest(request, runner, {.sharedHome = sharedHome});
+    } catch (const SharedHome& refused) {
+        throw CommandError(std::string(refused.what()) + " With --shared-home, it is used anyway.");
+    } catch (const DamagedClone&) {
+        if (!with.inputIsTerminal) {
+            throw;
+        }
+        const fs::path place = WrapperFactory::wrapperURL(request);
+        if (!confirmed(with,
+                       "The clone at " + place.string() + " can’t be read any more. Replace it?")) {
+            throw CommandError("Nothing was replaced.");
+        }
+        checkRequest(request, runner, {.sharedHome = sharedHome, .damagedClone = true});
     }
-    with.errors << "? [y/N] " << std::flush;
-    std::string answer;
-    std::getline(with.input, answer);
-    return answer == "y" || answer == "Y" || answer == "yes";
 }
 
 } // namespace
@@ -77,15 +94,23 @@ void listCommand(const Surroundings& with, const std::vector<std::string>& searc
 void showCommand(const Surroundings& with, const std::string& clone, bool json) {
     const InstanceRecord record = findClone(with.registry, clone);
     const RunningApplications running = with.workspace.runningApplications();
-    with.output << (json ? document(jsonForm(record, running))
-                         : description(record, running.contains(record.config.bundleId)));
+    const auto logSize = logSizeOf(record.config);
+    if (!json) {
+        with.output << description(record, running.contains(record.config.bundleId), logSize);
+        return;
+    }
+    nlohmann::json object = jsonForm(record, running);
+    if (logSize) {
+        object["logSize"] = *logSize;
+    }
+    with.output << document(object);
 }
 
 void createCommand(const Surroundings& with, const CreateOptions& options, bool json) {
     const WrapperFactory::Request request = requestFrom(options);
     const WrapperFactory factory(
         options.runner.empty() ? std::nullopt : std::optional(absolutePath(options.runner)));
-    checkRequest(request, factory.runnerBinary);
+    checkCreation(with, request, factory.runnerBinary, options.sharedHome);
     const fs::path wrapper = factory.create(request);
     const std::optional<InstanceRecord> record = with.registry.record(wrapper);
     if (!record) {
@@ -107,27 +132,6 @@ void openCommand(const Surroundings& with, const std::string& clone, bool json) 
     openWrapper(with, record);
     if (json) {
         with.output << document({{"bundleURL", record.bundleURL.string()}});
-    }
-}
-
-void deleteCommand(const Surroundings& with, const std::string& clone, const DeleteOptions& options,
-                   bool json) {
-    const InstanceRecord record = findClone(with.registry, clone);
-    if (!options.yes && !with.inputIsTerminal) {
-        throw UsageError("Deleting needs --yes where nobody can be asked");
-    }
-    if (!options.yes && !confirmed(with, record, options.includingData)) {
-        throw CommandError("Nothing was deleted.");
-    }
-    const std::string home = record.config.resolvedHome();
-    const bool hadData = !home.empty() && itemExists(home);
-    with.registry.remove(record, options.includingData);
-    const bool deletedData = options.includingData && hadData && !itemExists(home);
-    if (json) {
-        with.output << document(
-            {{"bundleURL", record.bundleURL.string()}, {"deletedData", deletedData}});
-    } else if (options.includingData && hadData && !deletedData) {
-        with.errors << "The data folder was kept: " << terminalText(home) << "\n";
     }
 }
 

@@ -1,6 +1,7 @@
 #include "CommandLine/CloneLookup.h"
 
 #include "CommandLine/Surroundings.h"
+#include "LaunchKit/WrapperLayout.h"
 #include "Platform/FileSystem.h"
 #include "Platform/UserPaths.h"
 
@@ -29,6 +30,13 @@ InstanceRecord cloneAt(const InstanceRegistry& registry, const std::string& path
                                           : "There is no clone at " + bundle.string());
 }
 
+// No clone may take the place of a path by being named like one.
+bool isPath(const std::string& words) {
+    const auto starts = {"/", "~", "./", "../"};
+    return std::any_of(starts.begin(), starts.end(),
+                       [&](const char* start) { return words.starts_with(start); });
+}
+
 } // namespace
 
 fs::path absolutePath(const std::string& path) {
@@ -52,12 +60,14 @@ fs::path absoluteFile(const std::string& path) {
     return UserPaths::expandTilde(absolutePath(path).string());
 }
 
+std::optional<fs::path> findDamagedClone(const std::string& words) {
+    const fs::path bundle = absoluteFile(words);
+    return isPath(words) && isDamagedWrapper(bundle) ? std::optional(bundle) : std::nullopt;
+}
+
 InstanceRecord findClone(const InstanceRegistry& registry, const std::string& words) {
-    // No clone may take the place of a path by being named like one.
-    for (const char* start : {"/", "~", "./", "../"}) {
-        if (words.starts_with(start)) {
-            return cloneAt(registry, words);
-        }
+    if (isPath(words)) {
+        return cloneAt(registry, words);
     }
     std::vector<InstanceRecord> named = clonesNamed(registry, words);
     if (named.size() == 1) {

@@ -7,6 +7,7 @@
 #include <unicode/utf8.h>
 
 #include <algorithm>
+#include <array>
 
 namespace quorvel {
 namespace {
@@ -89,6 +90,20 @@ std::string opens(const InstanceConfig& config) {
 
 } // namespace
 
+std::string sizeText(std::uintmax_t bytes) {
+    if (bytes < 1000) {
+        return std::to_string(bytes) + (bytes == 1 ? " byte" : " bytes");
+    }
+    // In tenths, rounded down, so that no size looks larger than it is.
+    std::uintmax_t tenths = bytes / 100;
+    const std::array<const char*, 4> units{" kB", " MB", " GB", " TB"};
+    std::size_t unit = 0;
+    for (; tenths >= 10'000 && unit + 1 < units.size(); ++unit) {
+        tenths /= 1000;
+    }
+    return std::to_string(tenths / 10) + "." + std::to_string(tenths % 10) + units[unit];
+}
+
 nlohmann::json jsonForm(const InstanceRecord& record, const RunningApplications& running) {
     nlohmann::json object{
         {"bundleURL", record.bundleURL.string()},
@@ -138,7 +153,8 @@ std::string listing(const std::vector<InstanceRecord>& records,
     return text;
 }
 
-std::string description(const InstanceRecord& record, bool running) {
+std::string description(const InstanceRecord& record, bool running,
+                        std::optional<std::uintmax_t> logSize) {
     const InstanceConfig& config = record.config;
     std::vector<Fact> rows{
         {"Name", config.displayName},
@@ -159,6 +175,9 @@ std::string description(const InstanceRecord& record, bool running) {
         rows.emplace_back("Icon label", config.iconLabel->text);
     }
     rows.emplace_back("Data folder", config.resolvedHome());
+    if (logSize) {
+        rows.emplace_back("Log", sizeText(*logSize));
+    }
     rows.emplace_back("Bundle id", config.bundleId);
     rows.emplace_back("Location", record.bundleURL.string());
     return facts(rows);

@@ -6,6 +6,8 @@
 
 #include <nlohmann/json.hpp>
 
+#include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -24,8 +26,12 @@ namespace quorvel {
 [[nodiscard]] std::string listing(const std::vector<InstanceRecord>& records,
                                   const RunningApplications& running);
 
-/// Everything about one clone, one fact a line.
-[[nodiscard]] std::string description(const InstanceRecord& record, bool running);
+/// Everything about one clone, one fact a line. `logSize` is in bytes, absent without a log.
+[[nodiscard]] std::string description(const InstanceRecord& record, bool running,
+                                      std::optional<std::uintmax_t> logSize);
 [[nodiscard]] std::string description(const AppBundle& bundle);
+
+/// "734 bytes", "1.5 kB", "2.0 GB".
+[[nodiscard]] std::string sizeText(std::uintmax_t bytes);
 
 } // namespace quorvel

@@ -70,6 +70,8 @@ void addCreateOptions(CLI::App& create, CreateOptions& o) {
     addRepeatable(create, "--arg", o.commandArgs, "An argument of the command (repeatable)", "A");
     text("--workdir", o.workingDirectory, "The command's working directory", "DIR");
     text("--home", o.home, "The data folder (default: ~/QuorvelInstances/NAME)", "DIR");
+    create.add_flag("--shared-home", o.sharedHome,
+                    "The data folder may be another clone's, or the user's own");
     text("--output", o.output, "Where the clone is put (default: ~/Applications)", "DIR");
     text("--bundle-id", o.bundleId, "The clone's bundle identifier", "ID");
     text("--strategy", o.strategy,

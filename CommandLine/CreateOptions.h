@@ -19,6 +19,7 @@ struct CreateOptions {
     std::vector<std::string> commandArgs{};
     std::string workingDirectory{};
     std::string home{};
+    bool sharedHome = false;
     std::string output{};
     std::string bundleId{};
     std::string strategy = "home-override";

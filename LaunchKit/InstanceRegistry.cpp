@@ -1,5 +1,6 @@
 #include "LaunchKit/InstanceRegistry.h"
 
+#include "LaunchKit/CloneDeletion.h"
 #include "Platform/FileSystem.h"
 #include "Platform/Folder.h"
 #include "Platform/Text.h"
@@ -65,19 +66,6 @@ void appendClones(const fs::path& path, std::vector<InstanceRecord>& records) {
     }
 }
 
-void removeData(const InstanceConfig& config) {
-    const std::string home = config.resolvedHome();
-    // A relative path would mean another folder than it meant to the clone, which ran elsewhere.
-    if (!home.starts_with('/') || home == UserPaths::home() || !itemExists(home)) {
-        return;
-    }
-    try {
-        removeItem(home);
-    } catch (const PlatformError&) {
-        // The clone itself is gone, which is what was asked for; its data may be in use.
-    }
-}
-
 } // namespace
 
 std::optional<fs::path> InstanceRecord::iconURL() const {
@@ -110,13 +98,8 @@ std::optional<InstanceRecord> InstanceRegistry::record(const fs::path& bundleURL
     return InstanceRecord{bundleURL, std::move(*config)};
 }
 
-void InstanceRegistry::remove(const InstanceRecord& record, bool includingData) const {
-    if (itemOrLinkExists(withoutTrailingSlashes(record.bundleURL))) {
-        removeItem(record.bundleURL);
-    }
-    if (includingData) {
-        removeData(record.config);
-    }
+DeletedData InstanceRegistry::remove(const InstanceRecord& record, bool includingData) const {
+    return deleteClone(*this, record, includingData);
 }
 
 void InstanceRegistry::update(const InstanceRecord& record,

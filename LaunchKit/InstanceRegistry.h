@@ -1,5 +1,6 @@
 #pragma once
 
+#include "LaunchKit/DeletedData.h"
 #include "LaunchKit/InstanceConfig.h"
 
 #include <filesystem>
@@ -47,10 +48,12 @@ public:
     [[nodiscard]] std::optional<InstanceRecord>
     record(const std::filesystem::path& bundleURL) const;
 
-    /// Removes the wrapper and, when asked, the data folder; a user's home is never removed.
-    /// Throws `PlatformError` when the wrapper can't be removed, with the data untouched. A data
-    /// folder that can't be removed is no error.
-    void remove(const InstanceRecord& record, bool includingData) const;
+    /// Removes the wrapper and, when asked, the data folder; a user's home is never removed. Throws
+    /// `PlatformError` when the wrapper can't be removed or something is mounted in what would be,
+    /// and `RefusedDeletion` when the data folder is not the clone's alone or another clone is at
+    /// the record's place by now; the data is untouched then. A data folder that can't be removed
+    /// throws nothing: the result tells.
+    DeletedData remove(const InstanceRecord& record, bool includingData) const;
 
     /// Rewrites the wrapper's configuration after `change`. Failures are silent: list again to see.
     void update(const InstanceRecord& record,

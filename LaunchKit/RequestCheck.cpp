@@ -1,13 +1,13 @@
 #include "LaunchKit/RequestCheck.h"
 
+#include "LaunchKit/DataFolderGuard.h"
 #include "LaunchKit/InstanceRegistry.h"
+#include "LaunchKit/WrapperLayout.h"
 #include "Platform/FileSystem.h"
 #include "Platform/Text.h"
 #include "Platform/Utf8.h"
 
 #include <algorithm>
-#include <initializer_list>
-#include <string_view>
 
 namespace quorvel {
 namespace fs = std::filesystem;
@@ -19,45 +19,40 @@ bool holdsControlCharacters(const std::string& text) {
     });
 }
 
-// Whether the folder is missing, or readable and holds nothing else than these.
-bool holdsAtMost(const fs::path& folder, std::initializer_list<std::string_view> names) {
-    if (!itemOrLinkExists(folder)) {
-        return true;
-    }
-    const auto entries = isSymbolicLink(folder) ? std::nullopt : directoryEntries(folder);
-    return entries && std::all_of(entries->begin(), entries->end(), [&](const auto& entry) {
-               return std::find(names.begin(), names.end(), entry) != names.end();
-           });
-}
-
-// The same, all of them files.
-bool holdsAtMostFiles(const fs::path& folder, std::initializer_list<std::string_view> names) {
-    return holdsAtMost(folder, names) &&
-           std::all_of(names.begin(), names.end(), [&](std::string_view name) {
-               std::error_code code;
-               const fs::file_type type = fs::symlink_status(folder / name, code).type();
-               return type == fs::file_type::regular || type == fs::file_type::not_found;
-           });
-}
-
-// What a generation that failed half-way leaves behind, a full disk's for one: it may be replaced
-// like a whole clone.
-bool isUnfinishedWrapper(const fs::path& wrapper) {
-    const fs::path contents = wrapper / "Contents";
-    // The runner comes first; resources without it are somebody's own.
-    return holdsAtMost(wrapper, {"Contents"}) && holdsAtMost(contents, {"MacOS", "Resources"}) &&
-           holdsAtMostFiles(contents / "MacOS", {"runner"}) &&
-           (itemExists(contents / "MacOS" / "runner")
-                ? holdsAtMostFiles(contents / "Resources", {"instance.json", "AppIcon.icns"})
-                : holdsAtMost(contents / "Resources", {}));
-}
-
 // Making a clone again replaces it; anything else of that name is somebody's, and stays.
-void refuseToReplaceOthers(const fs::path& wrapper) {
-    if (itemOrLinkExists(wrapper) && !InstanceRegistry().record(wrapper) &&
-        !isUnfinishedWrapper(wrapper)) {
+void refuseToReplaceOthers(const fs::path& wrapper, const RequestPermissions& permissions) {
+    if (!itemOrLinkExists(wrapper) || InstanceRegistry().record(wrapper) ||
+        isUnfinishedWrapper(wrapper)) {
+        return;
+    }
+    if (!isDamagedWrapper(wrapper)) {
         throw RefusedRequest(wrapper.string() +
                              " is not a clone; choose another name or folder for the new one.");
+    }
+    if (!permissions.damagedClone) {
+        throw DamagedClone("The clone at " + wrapper.string() +
+                           " can’t be read any more; delete it first, or choose another name.");
+    }
+}
+
+// Two clones that use one folder are not apart, and deleting one would take the other's data.
+void refuseToShareData(const WrapperFactory::Request& request, const fs::path& wrapper,
+                       const RequestPermissions& permissions) {
+    InstanceConfig config;
+    config.instanceHome = request.instanceHome.value_or(
+        WrapperFactory::defaultInstanceHome(checkedCloneName(request.displayName)));
+    const DataFolder data = dataFolderOf(config);
+    if (data.isNone) {
+        return;
+    }
+    const DataFolderGuard guard(InstanceRegistry(), wrapper);
+    const Place place(data.path);
+    const std::string subject = "The data folder " + data.path.string() + " ";
+    if (guard.isInWrapper(place)) {
+        throw RefusedRequest(subject + "lies in the clone itself; choose another one.");
+    }
+    if (const auto reason = permissions.sharedHome ? std::nullopt : guard.objection(place)) {
+        throw SharedHome(subject + *reason + "; choose another one.");
     }
 }
 
@@ -89,15 +84,17 @@ std::string checkedCloneName(const std::string& name) {
     return trimmed;
 }
 
-void checkRequest(const WrapperFactory::Request& request, const std::optional<fs::path>& runner) {
+void checkRequest(const WrapperFactory::Request& request, const std::optional<fs::path>& runner,
+                  const RequestPermissions& permissions) {
     if (checkedCloneName(request.displayName).empty()) {
         return; // the factory refuses it by itself
     }
     const fs::path place = WrapperFactory::wrapperURL(request);
-    refuseToReplaceOthers(place);
+    refuseToReplaceOthers(place, permissions);
     for (const auto& part : {request.targetApp, request.customIcon, runner}) {
         refuseToUsePartsOf(place, part);
     }
+    refuseToShareData(request, place, permissions);
 }
 
 } // namespace quorvel

@@ -96,6 +96,14 @@ TEST_F(InstanceDeletion, NeverTakesTheHomeByARelativePath) {
     fs::current_path(before);
 }
 
+TEST_F(InstanceDeletion, ARelativeDataFolderStays) {
+    const fs::path before = fs::current_path();
+    fs::current_path(home_.path());
+    expectDataKept("QuorvelInstances/Work");
+    expectDataKept("./QuorvelInstances/Work");
+    fs::current_path(before);
+}
+
 TEST_F(InstanceDeletion, TakesNothingWhereTheConfigurationNamesNothing) {
     expectDataKept("");
     expectDataKept(home_.path().string() + "/QuorvelInstances/Work\0x"s);
@@ -160,6 +168,105 @@ TEST_F(InstanceDeletion, WhenTheWrapperCantGoTheDataStays) {
     }));
 }
 
+TEST_F(InstanceDeletion, WhenAPartOfTheWrapperCantGoTheDataStays) {
+    EXPECT_TRUE(asOrdinaryUser(folder_.path(), [&] {
+        InstanceConfig config = minimalConfig();
+        config.instanceHome = folder_ / "data";
+        write(folder_ / "data/file", "x");
+        makeWrapper(folder_ / "Work.app", config);
+        write(folder_ / "Work.app/Contents/MacOS/runner", "x");
+        const auto isKept = [&](const char* closed, unsigned permissions) {
+            fs::permissions(folder_ / closed, fs::perms{permissions});
+            bool failed = false;
+            try {
+                removeWithData({folder_ / "Work.app", config});
+            } catch (const PlatformError& error) {
+                failed = error.code() == std::errc::permission_denied;
+            }
+            fs::permissions(folder_ / closed, fs::perms{0755});
+            return failed && read(folder_ / "data/file") == "x";
+        };
+        return isKept("Work.app/Contents/MacOS", 0555) &&
+               isKept("Work.app/Contents/Resources", 0555) && isKept("Work.app/Contents", 0300) &&
+               isKept("Work.app", 0);
+    }));
+}
+
+TEST_F(InstanceDeletion, TellsWhatBecameOfTheData) {
+    using Case = DeletedData::Case;
+    const InstanceRegistry registry;
+    EXPECT_EQ(registry.remove(recordWithHome("~/QuorvelInstances/Work"), false).outcome,
+              Case::untouched);
+    EXPECT_EQ(registry.remove(recordWithHome("~/QuorvelInstances/None"), true).outcome,
+              Case::untouched);
+    const DeletedData spared = registry.remove(recordWithHome("~"), true);
+    EXPECT_EQ(spared.outcome, Case::spared);
+    EXPECT_FALSE(spared.isFailure());
+    const DeletedData removed = registry.remove(recordWithHome("~/QuorvelInstances/Work"), true);
+    EXPECT_EQ(removed.outcome, Case::removed);
+    EXPECT_EQ(removed.removedItems, 2U);
+    EXPECT_EQ(removed.folder, home_ / "QuorvelInstances/Work");
+    EXPECT_EQ(removed.description(), "");
+}
+
+TEST_F(InstanceDeletion, TellsHowMuchOfTheDataIsLeftAndWhy) {
+    EXPECT_TRUE(asOrdinaryUser(folder_.path(), [&] {
+        InstanceConfig config = minimalConfig();
+        config.instanceHome = folder_ / "data";
+        for (int number = 0; number < 300; ++number) {
+            write(folder_ / "data" / std::to_string(number), "x");
+        }
+        write(folder_ / "data/closed/stays", "x");
+        fs::permissions(folder_ / "data/closed", fs::perms{0555});
+        const DeletedData data =
+            InstanceRegistry().remove({makeWrapper(folder_ / "Work.app", config), config}, true);
+        return data.outcome == DeletedData::Case::partly && data.removedItems == 300 &&
+               data.remainingItems == 3 && data.isFailure() &&
+               data.description().ends_with("300 items removed, 3 items left. “stays” couldn’t be "
+                                            "removed: permission denied");
+    }));
+}
+
+TEST_F(InstanceDeletion, AnotherCloneInTheRecordsPlaceStaysWithAllData) {
+    const InstanceRecord listed = recordWithHome("~/QuorvelInstances/Work");
+    const auto expectStale = [&](const std::function<void(InstanceConfig&)>& change) {
+        InstanceConfig newer = listed.config;
+        change(newer);
+        makeWrapper(listed.bundleURL, newer);
+        const auto before = treeOf(home_.path());
+        for (const bool withData : {false, true}) {
+            EXPECT_THROW(InstanceRegistry().remove(listed, withData), RefusedDeletion);
+        }
+        EXPECT_EQ(treeOf(home_.path()), before);
+    };
+    expectStale([](InstanceConfig& config) { config.instanceHome = "~/QuorvelInstances/Newer"; });
+    expectStale([](InstanceConfig& config) { config.bundleId = "another"; });
+    expectStale([](InstanceConfig& config) { config.targetAppPath = "/Applications/Other.app"; });
+    expectStale([](InstanceConfig& config) { config.kind = ShortcutKind::web; });
+    expectStale([](InstanceConfig& config) { config.url = "https://other.test"; });
+    expectStale([](InstanceConfig& config) { config.openPath = "/other"; });
+    expectStale([](InstanceConfig& config) { config.commandPath = "/other"; });
+}
+
+TEST_F(InstanceDeletion, ACloneWhoseSettingsChangedMeanwhileIsStillTheSame) {
+    const InstanceRecord listed = recordWithHome("~/QuorvelInstances/Work");
+    InstanceConfig changed = listed.config;
+    changed.shareUserFolders = !changed.shareUserFolders;
+    changed.extraArgs = {"--new"};
+    makeWrapper(listed.bundleURL, changed);
+    removeWithData(listed);
+    EXPECT_FALSE(fs::exists(listed.bundleURL));
+    EXPECT_FALSE(fs::exists(home_ / "QuorvelInstances/Work"));
+}
+
+TEST_F(InstanceDeletion, AnAliasOfACloneThatIsListedSparesItsData) {
+    const InstanceRecord record = recordWithHome("~/QuorvelInstances/Work");
+    fs::create_directory_symlink(record.bundleURL, home_ / "Applications/Alias.app");
+    EXPECT_THROW(removeWithData({home_ / "Applications/Alias.app", record.config}),
+                 RefusedDeletion);
+    EXPECT_EQ(read(home_ / "QuorvelInstances/Work/data"), "x");
+}
+
 TEST_F(InstanceDeletion, DataThatCantGoIsNoError) {
     EXPECT_TRUE(asOrdinaryUser(folder_.path(), [&] {
         InstanceConfig config = minimalConfig();
@@ -167,8 +274,9 @@ TEST_F(InstanceDeletion, DataThatCantGoIsNoError) {
         write(folder_ / "closed/data/file", "x");
         makeWrapper(folder_ / "Work.app", config);
         fs::permissions(folder_ / "closed", fs::perms{0555});
-        removeWithData({folder_ / "Work.app", config});
-        return !fs::exists(folder_ / "Work.app") && fs::exists(folder_ / "closed/data");
+        const DeletedData data = InstanceRegistry().remove({folder_ / "Work.app", config}, true);
+        return !fs::exists(folder_ / "Work.app") && read(folder_ / "closed/data/file") == "x" &&
+               data.outcome == DeletedData::Case::kept && data.isFailure();
     }));
 }
 

@@ -152,6 +152,14 @@ TEST_F(Registry, ARecordsIdentityIsItsBundle) {
     EXPECT_NE(one, (InstanceRecord{"/B/Work.app", one.config}));
 }
 
+TEST_F(Registry, ARecordsHashTellsBundlesApart) {
+    const std::hash<InstanceRecord> hash;
+    const InstanceConfig config = minimalConfig();
+    EXPECT_EQ(hash({"/A/Work.app", config}), fs::hash_value("/A/Work.app"));
+    EXPECT_NE(hash({"/A/Work.app", config}), hash({"/B/Work.app", config}));
+    EXPECT_NE(hash({"/A/Work.app", config}), hash({"/A/Play.app", config}));
+}
+
 TEST_F(Registry, ARecordHasAnIconWhenThereIsOne) {
     const InstanceRecord record{wrapper("Work.app", "Work"), minimalConfig()};
     EXPECT_EQ(record.iconURL(), std::nullopt);

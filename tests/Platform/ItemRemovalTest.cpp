@@ -171,8 +171,8 @@ TEST_F(ItemRemovalTest, SaysBeforehandWhenASharedFolderGivesTheItemToItsOwnerOnl
 // One thread exchanges a folder and a link to a foreign folder, again and again, while another
 // removes: the foreign files bear the same names, and must all be there at the end.
 TEST_F(ItemRemovalTest, ALinkSwappedInMeanwhileLeadsNowhere) {
-    constexpr int files = 30;
-    constexpr int rounds = 200;
+    constexpr int files = 20;
+    constexpr int rounds = 50;
     writeMany("foreign/deep", files);
     int swaps = 0;
     for (int round = 0; round < rounds; ++round) {
@@ -200,7 +200,7 @@ TEST_F(ItemRemovalTest, ALinkSwappedInMeanwhileLeadsNowhere) {
 TEST_F(ItemRemovalTest, AFileWrittenIntoAFolderAfterTheLookIntoItGoesToo) {
     bool written = false;
     for (int attempt = 0; attempt < 10 && !written; ++attempt) {
-        writeMany("tree/sub/many", 2000);
+        writeMany("tree/sub/many", 1000);
         std::atomic<bool> done = false;
         std::thread writing([&] {
             // Below the folder removal has begun, so what the folder holds is listed already.

@@ -1,0 +1,94 @@
+#include "CommandLine/CloneCommands.h"
+#include "CommandLine/CloneLookup.h"
+#include "CommandLine/CloneTexts.h"
+#include "CommandLine/Confirmation.h"
+#include "LaunchKit/DataFolderGuard.h"
+#include "Platform/FileSystem.h"
+#include "Platform/TerminalText.h"
+
+#include <ostream>
+
+namespace quorvel {
+namespace fs = std::filesystem;
+namespace {
+
+// What a person is told before data is deleted under a living program; empty when there is none.
+std::string runningWarning(const Surroundings& with, const InstanceRecord& record) {
+    return with.workspace.runningApplications().contains(record.config.bundleId)
+               ? "“" + record.config.displayName +
+                     "” is running: it loses what it has open, and may write data anew."
+               : "";
+}
+
+std::string question(const InstanceRecord& record, const DeleteOptions& options,
+                     const std::string& warning) {
+    std::string text = "Delete “" + record.config.displayName + "”";
+    if (options.includingData) {
+        const DataFolder data = dataFolderOf(record.config);
+        text += isSymbolicLink(data.path) ? " and the symbolic link " : " and everything in ";
+        text += data.isNone ? record.config.resolvedHome() : data.path.string();
+    }
+    return text + "?" + (warning.empty() ? "" : " " + warning);
+}
+
+void confirm(const Surroundings& with, const DeleteOptions& options, const std::string& text) {
+    if (!options.yes && !with.inputIsTerminal) {
+        throw UsageError("Deleting needs --yes where nobody can be asked");
+    }
+    if (!options.yes && !confirmed(with, text)) {
+        throw CommandError("Nothing was deleted.");
+    }
+}
+
+nlohmann::json deletedDataForm(const DeletedData& data) {
+    if (data.outcome == DeletedData::Case::partly) {
+        return "partly";
+    }
+    return data.outcome == DeletedData::Case::removed;
+}
+
+// Nobody knows where such a clone's data is.
+void deleteDamagedClone(const Surroundings& with, const fs::path& wrapper,
+                        const DeleteOptions& options, bool json) {
+    if (options.includingData) {
+        throw CommandError("The configuration of " + wrapper.string() +
+                           " can’t be read, so its data folder is not known. Delete the clone "
+                           "without --including-data.");
+    }
+    confirm(with, options,
+            "The configuration of " + wrapper.string() +
+                " can’t be read, so its data folder is not known and stays. Delete the clone?");
+    removeItem(wrapper);
+    if (json) {
+        with.output << document({{"bundleURL", wrapper.string()}, {"deletedData", false}});
+    }
+}
+
+} // namespace
+
+void deleteCommand(const Surroundings& with, const std::string& clone, const DeleteOptions& options,
+                   bool json) {
+    if (const auto damaged = findDamagedClone(clone)) {
+        deleteDamagedClone(with, *damaged, options, json);
+        return;
+    }
+    const InstanceRecord record = findClone(with.registry, clone);
+    const std::string warning = options.includingData ? runningWarning(with, record) : "";
+    confirm(with, options, question(record, options, warning));
+    if (options.yes && !warning.empty()) {
+        with.errors << terminalText(warning) << "\n" << std::flush;
+    }
+    const DeletedData data = with.registry.remove(record, options.includingData);
+    if (json) {
+        with.output << document(
+            {{"bundleURL", record.bundleURL.string()}, {"deletedData", deletedDataForm(data)}});
+    }
+    if (data.isFailure()) {
+        throw CommandError(data.description());
+    }
+    if (const std::string note = data.description(); !json && !note.empty()) {
+        with.errors << terminalText(note) << "\n";
+    }
+}
+
+} // namespace quorvel

@@ -1,0 +1,128 @@
+#include "LaunchKit/DataFolderGuard.h"
+
+#include "LaunchKit/WrapperFactory.h"
+#include "Platform/FileSystem.h"
+#include "Platform/UserFolders.h"
+#include "Platform/UserPaths.h"
+
+#include <algorithm>
+
+namespace quorvel {
+namespace fs = std::filesystem;
+namespace {
+
+// Those of the registry's folders, and the folder that the wrapper is in.
+std::vector<InstanceRecord> clonesBeside(InstanceRegistry registry, const fs::path& wrapper) {
+    const fs::path beside = wrapper.parent_path();
+    const auto isThere = [&](const fs::path& folder) { return isSameItem(folder, beside); };
+    if (std::none_of(registry.searchDirs.begin(), registry.searchDirs.end(), isThere)) {
+        registry.searchDirs.push_back(beside);
+    }
+    std::vector<InstanceRecord> clones = registry.list();
+    const auto itself = identityOfItself(wrapper);
+    std::erase_if(clones, [&](const InstanceRecord& clone) {
+        return clone.bundleURL == wrapper ||
+               (itself && identityOfItself(clone.bundleURL) == itself);
+    });
+    return clones;
+}
+
+std::string quoted(const std::string& name) {
+    return "“" + name + "”";
+}
+
+// "is WHAT" or "holds WHAT"; nothing where the folder is neither.
+std::optional<std::string> isOrHolds(const Place& folder, const fs::path& target,
+                                     const std::string& what) {
+    switch (folder.towards(target)) {
+    case Standing::same:
+        return "is " + what;
+    case Standing::above:
+        return "holds " + what;
+    case Standing::apart:
+        break;
+    }
+    return std::nullopt;
+}
+
+std::vector<fs::path> foldersToSpare() {
+    std::vector<fs::path> folders = userFolders();
+    folders.push_back(WrapperFactory::defaultOutputDir());
+    folders.push_back(
+        withoutTrailingSlashes(UserPaths::expandTilde(WrapperFactory::defaultInstanceHome(""))));
+    return folders;
+}
+
+bool isInAHomeOfTheUsers(const Place& folder) {
+    const std::vector<std::string> homes = UserPaths::allHomes();
+    return std::any_of(homes.begin(), homes.end(), [&](const std::string& home) {
+        return Place(home).towards(folder.path()) == Standing::above;
+    });
+}
+
+// The user database may be far away, and most data folders are in the user's own home.
+std::optional<std::string> ownerOfHomeAround(const Place& folder) {
+    if (isInAHomeOfTheUsers(folder)) {
+        return std::nullopt;
+    }
+    for (const UserPaths::OtherHome& other : UserPaths::otherUsersHomes()) {
+        if (Place(other.home).towards(folder.path()) != Standing::apart ||
+            folder.towards(other.home) != Standing::apart) {
+            return other.user;
+        }
+    }
+    return std::nullopt;
+}
+
+} // namespace
+
+DataFolderGuard::DataFolderGuard(const InstanceRegistry& registry, fs::path wrapper)
+    : wrapper_(withoutTrailingSlashes(wrapper)),
+      others_(clonesBeside(registry, wrapper_)) {}
+
+bool DataFolderGuard::isInWrapper(const Place& folder) const {
+    return Place(wrapper_).towards(folder.path()) != Standing::apart;
+}
+
+std::optional<std::string> DataFolderGuard::objection(const Place& folder) const {
+    for (const std::string& home : UserPaths::allHomes()) {
+        if (auto reason = isOrHolds(folder, home, "your home")) {
+            return reason;
+        }
+    }
+    for (const fs::path& spared : foldersToSpare()) {
+        if (auto reason =
+                isOrHolds(folder, spared, "your folder " + quoted(spared.filename().string()))) {
+            return reason;
+        }
+    }
+    for (const InstanceRecord& other : others_) {
+        const DataFolder data = dataFolderOf(other.config);
+        const std::string what = "the data folder of " + quoted(other.config.displayName);
+        if (auto reason = data.isNone ? std::nullopt : isOrHolds(folder, data.path, what)) {
+            return reason;
+        }
+    }
+    if (const auto owner = ownerOfHomeAround(folder)) {
+        return "is, holds or lies in the home of the user " + quoted(*owner);
+    }
+    return isOrHolds(folder, wrapper_, "the clone itself");
+}
+
+DataFolder dataFolderOf(const InstanceConfig& config) {
+    const std::string home = config.resolvedHome();
+    if (!home.starts_with('/') || hasNul(home)) {
+        return {.isNone = true};
+    }
+    const fs::path written = withoutTrailingSlashes(home);
+    const fs::path plain = withoutTrailingSlashes(written.lexically_normal());
+    if (plain != written && identityOfItself(plain) != identityOfItself(written)) {
+        // "." and ".." after a link stand for what it leads to, without it their path is another's.
+        return {.path = written, .isBehindLink = true};
+    }
+    std::error_code code;
+    const fs::path above = fs::weakly_canonical(plain.parent_path(), code);
+    return {.path = code || !plain.has_filename() ? plain : above / plain.filename()};
+}
+
+} // namespace quorvel

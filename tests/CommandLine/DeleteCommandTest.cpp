@@ -1,0 +1,221 @@
+#include "CommandLine/CloneTexts.h"
+#include "tests/CommandLine/CommandLineHarness.h"
+#include "tests/support/AppBundles.h"
+#include "tests/support/OrdinaryUser.h"
+
+#include <gmock/gmock.h>
+
+namespace quorvel {
+namespace {
+
+using namespace testing;
+using ::testing::EndsWith;
+using ::testing::HasSubstr;
+using ::testing::Not;
+using ::testing::StartsWith;
+namespace fs = std::filesystem;
+
+class DeleteCommand : public ::testing::Test {
+protected:
+    fs::path addClone(const std::string& instanceHome = "~/QuorvelInstances/Work") const {
+        InstanceConfig config = minimalConfig("Work");
+        config.instanceHome = instanceHome;
+        return makeWrapper(harness.home / "Applications/Work.app", config);
+    }
+
+    // A whole clone, made by the command, whose configuration is then spoilt.
+    fs::path addDamagedClone() {
+        const auto made = harness.run({"create", "--kind", "web", "--url", "https://a.test",
+                                       "--name", "Work", "--runner", runnerProgram().string()});
+        EXPECT_EQ(made.status, 0) << made.errors;
+        const fs::path wrapper = harness.home / "Applications/Work.app";
+        write(wrapper / "Contents/Resources/instance.json", "{\"displayName\": }");
+        return wrapper;
+    }
+
+    CommandLineHarness harness{};
+    fs::path data = harness.home / "QuorvelInstances/Work";
+};
+
+TEST_F(DeleteCommand, AsksWithTheFolderThatIsMeant) {
+    addClone("~/alias/./Work");
+    fs::create_directories(harness.home / "real/Work");
+    fs::create_directory_symlink(harness.home / "real", harness.home / "alias");
+    harness.inputIsTerminal = true;
+    EXPECT_THAT(harness.run({"delete", "Work", "--including-data"}).errors,
+                StartsWith("Delete “Work” and everything in " +
+                           (harness.home / "real/Work").string() + "? [y/N] "));
+    fs::remove(harness.home / "real/Work");
+    fs::create_directory_symlink(harness.home / "real", harness.home / "real/Work");
+    EXPECT_THAT(harness.run({"delete", "Work", "--including-data"}).errors,
+                StartsWith("Delete “Work” and the symbolic link " +
+                           (harness.home / "real/Work").string() + "? [y/N] "));
+}
+
+TEST_F(DeleteCommand, WarnsInTheQuestionWhenTheCloneRuns) {
+    const fs::path wrapper = addClone();
+    write(data / "file", "x");
+    harness.workspace.running = {{"app.quorvel.instance.test", wrapper, 1}};
+    harness.inputIsTerminal = true;
+    harness.typed = "n\n";
+    EXPECT_THAT(harness.run({"delete", "Work", "--including-data"}).errors,
+                HasSubstr("“Work” is running: it loses what it has open"));
+    EXPECT_THAT(harness.run({"delete", "Work"}).errors, Not(HasSubstr("is running")));
+    harness.workspace.running.clear();
+    EXPECT_THAT(harness.run({"delete", "Work", "--including-data"}).errors,
+                Not(HasSubstr("is running")));
+    EXPECT_TRUE(fs::exists(data / "file"));
+}
+
+TEST_F(DeleteCommand, WarnsOnTheErrorsWhereNobodyIsAsked) {
+    const fs::path wrapper = addClone();
+    write(data / "file", "x");
+    harness.workspace.running = {{"app.quorvel.instance.test", wrapper, 1}};
+    const auto result = harness.run({"delete", "Work", "--including-data", "--yes", "--json"});
+    EXPECT_EQ(result.status, 0);
+    EXPECT_EQ(result.json()["deletedData"], true);
+    EXPECT_THAT(result.errors, StartsWith("“Work” is running: "));
+    addClone();
+    EXPECT_EQ(harness.run({"delete", "Work", "--yes"}).errors, "");
+}
+
+TEST_F(DeleteCommand, SaysSoWhenOnlyAPartOfTheDataIsGone) {
+    const TemporaryFolder folder;
+    EXPECT_TRUE(asOrdinaryUser(folder.path(), [&] {
+        InstanceConfig config = minimalConfig("Work");
+        config.instanceHome = (folder / "data").string();
+        const fs::path wrapper = makeWrapper(folder / "Work.app", config);
+        write(folder / "data/gone", "x");
+        write(folder / "data/closed/stays", "x");
+        fs::permissions(folder / "data/closed", fs::perms{0555});
+        const auto result =
+            harness.run({"delete", wrapper.string(), "--including-data", "--yes", "--json"});
+        return result.status == 1 && result.json()["deletedData"] == "partly" &&
+               result.errors.find("1 item removed, 3 items left. “stays” couldn’t be removed") !=
+                   std::string::npos &&
+               !fs::exists(wrapper);
+    }));
+}
+
+TEST_F(DeleteCommand, SaysSoWhenNothingOfTheDataCouldGo) {
+    const TemporaryFolder folder;
+    EXPECT_TRUE(asOrdinaryUser(folder.path(), [&] {
+        InstanceConfig config = minimalConfig("Work");
+        config.instanceHome = (folder / "closed/data").string();
+        const fs::path wrapper = makeWrapper(folder / "Work.app", config);
+        write(folder / "closed/data/file", "x");
+        fs::permissions(folder / "closed", fs::perms{0555});
+        const auto result =
+            harness.run({"delete", wrapper.string(), "--including-data", "--yes", "--json"});
+        return result.status == 1 && result.json()["deletedData"] == false &&
+               result.errors.find("is still there") != std::string::npos &&
+               read(folder / "closed/data/file") == "x" && !fs::exists(wrapper);
+    }));
+}
+
+TEST_F(DeleteCommand, RefusesAFolderThatIsNotTheClonesAlone) {
+    const fs::path wrapper = addClone("~/Documents");
+    write(harness.home / "Documents/precious", "x");
+    const auto result = harness.run({"delete", "Work", "--including-data", "--yes", "--json"});
+    EXPECT_EQ(result.status, 1);
+    EXPECT_EQ(result.output, "");
+    EXPECT_EQ(result.errors, "The data folder " + (harness.home / "Documents").string() +
+                                 " is your folder “Documents”, so nothing was deleted.\n");
+    EXPECT_TRUE(fs::exists(wrapper));
+    EXPECT_EQ(read(harness.home / "Documents/precious"), "x");
+}
+
+TEST_F(DeleteCommand, ADamagedCloneIsDeletedByItsPathAfterAQuestion) {
+    const fs::path wrapper = addDamagedClone();
+    write(data / "file", "x");
+    EXPECT_EQ(harness.run({"delete", "Work", "--yes"}).status, 1) << "it has no name any more";
+    EXPECT_EQ(harness.run({"delete", wrapper.string()}).status, 2);
+    harness.inputIsTerminal = true;
+    const auto asked = harness.run({"delete", wrapper.string()});
+    EXPECT_EQ(asked.status, 1);
+    EXPECT_THAT(asked.errors, HasSubstr("can’t be read, so its data folder is not known"));
+    EXPECT_TRUE(fs::exists(wrapper / "Contents/MacOS/runner"));
+    harness.typed = "y\n";
+    EXPECT_EQ(harness.run({"delete", wrapper.string(), "--json"}).json(),
+              nlohmann::json({{"bundleURL", wrapper.string()}, {"deletedData", false}}));
+    EXPECT_FALSE(fs::exists(wrapper));
+    EXPECT_TRUE(fs::exists(data / "file"));
+}
+
+TEST_F(DeleteCommand, TheDataOfADamagedCloneIsNotGuessed) {
+    const fs::path wrapper = addDamagedClone();
+    const auto result = harness.run({"delete", wrapper.string(), "--including-data", "--yes"});
+    EXPECT_EQ(result.status, 1);
+    EXPECT_THAT(result.errors, HasSubstr("without --including-data"));
+    EXPECT_TRUE(fs::exists(wrapper));
+    EXPECT_EQ(harness.run({"delete", wrapper.string(), "--yes"}).status, 0);
+    EXPECT_FALSE(fs::exists(wrapper));
+}
+
+TEST_F(DeleteCommand, ADamagedCloneIsReplacedAfterAQuestion) {
+    const fs::path wrapper = addDamagedClone();
+    const std::vector<std::string> create{"create", "--kind",         "web",
+                                          "--url",  "https://a.test", "--name",
+                                          "Work",   "--runner",       runnerProgram().string()};
+    const auto refused = harness.run(create);
+    EXPECT_EQ(refused.status, 1);
+    EXPECT_THAT(refused.errors, HasSubstr("delete it first"));
+    harness.inputIsTerminal = true;
+    harness.typed = "n\n";
+    EXPECT_THAT(harness.run(create).errors, HasSubstr("Replace it? [y/N] "));
+    EXPECT_FALSE(InstanceRegistry().record(wrapper));
+    harness.typed = "y\n";
+    EXPECT_EQ(harness.run(create).status, 0);
+    EXPECT_TRUE(InstanceRegistry().record(wrapper));
+}
+
+TEST_F(DeleteCommand, CreateTakesASharedHomeOnlyWhenThatIsSaid) {
+    addClone("~/QuorvelInstances/Shared");
+    const auto create = [&](std::vector<std::string> more) {
+        std::vector<std::string> words{"create",
+                                       "--kind",
+                                       "web",
+                                       "--url",
+                                       "https://a.test",
+                                       "--name",
+                                       "Other",
+                                       "--runner",
+                                       runnerProgram().string(),
+                                       "--home",
+                                       "~/QuorvelInstances/Shared"};
+        words.insert(words.end(), more.begin(), more.end());
+        return harness.run(words);
+    };
+    const auto refused = create({});
+    EXPECT_EQ(refused.status, 1);
+    EXPECT_THAT(refused.errors, HasSubstr("is the data folder of “Work”"));
+    EXPECT_THAT(refused.errors, EndsWith("With --shared-home, it is used anyway.\n"));
+    EXPECT_FALSE(fs::exists(harness.home / "Applications/Other.app"));
+    EXPECT_EQ(create({"--shared-home"}).status, 0);
+    EXPECT_TRUE(fs::exists(harness.home / "Applications/Other.app"));
+}
+
+TEST_F(DeleteCommand, ShowTellsTheSizeOfTheLog) {
+    addClone();
+    EXPECT_FALSE(harness.run({"show", "Work", "--json"}).json().contains("logSize"));
+    EXPECT_THAT(harness.run({"show", "Work"}).output, Not(HasSubstr("Log")));
+    write(data / "quorvel-instance.log", std::string(1'534, 'x'));
+    EXPECT_EQ(harness.run({"show", "Work", "--json"}).json()["logSize"], 1534);
+    EXPECT_THAT(harness.run({"show", "Work"}).output, ::testing::ContainsRegex("Log +1\\.5 kB\n"));
+    EXPECT_FALSE(harness.run({"list", "--json"}).json()[0].contains("logSize"));
+}
+
+TEST(SizeText, IsInTheUnitThatReadsBest) {
+    EXPECT_EQ(sizeText(0), "0 bytes");
+    EXPECT_EQ(sizeText(1), "1 byte");
+    EXPECT_EQ(sizeText(999), "999 bytes");
+    EXPECT_EQ(sizeText(1'000), "1.0 kB");
+    EXPECT_EQ(sizeText(999'999), "999.9 kB");
+    EXPECT_EQ(sizeText(1'000'000), "1.0 MB");
+    EXPECT_EQ(sizeText(300'123'456), "300.1 MB");
+    EXPECT_EQ(sizeText(2'500'000'000), "2.5 GB");
+    EXPECT_EQ(sizeText(5'000'000'000'000'000), "5000.0 TB");
+}
+
+} // namespace
+} // namespace quorvel

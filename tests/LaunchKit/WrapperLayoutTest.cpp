@@ -1,0 +1,69 @@
+#include "LaunchKit/WrapperLayout.h"
+
+#include "LaunchKit/RequestCheck.h"
+#include "LaunchKit/WrapperGenerator.h"
+#include "tests/support/AppBundles.h"
+#include "tests/support/TemporaryHome.h"
+
+#include <gtest/gtest.h>
+
+namespace quorvel {
+namespace {
+
+using namespace testing;
+namespace fs = std::filesystem;
+
+class WrapperLayout : public ::testing::Test {
+protected:
+    WrapperLayout() {
+        InstanceConfig config = minimalConfig();
+        config.kind = ShortcutKind::web;
+        wrapper_ = WrapperGenerator().generate(home_ / "Applications", {config, runnerProgram()});
+    }
+    void damage() const { write(wrapper_ / "Contents/Resources/instance.json", "{"); }
+
+    TemporaryHome home_;
+    fs::path wrapper_;
+};
+
+TEST_F(WrapperLayout, AWholeCloneIsNotDamaged) {
+    EXPECT_FALSE(isDamagedWrapper(wrapper_));
+    EXPECT_FALSE(isDamagedWrapper(home_ / "none.app"));
+}
+
+TEST_F(WrapperLayout, ACloneWithoutAReadableConfigurationIsDamaged) {
+    damage();
+    EXPECT_TRUE(isDamagedWrapper(wrapper_));
+    write(wrapper_ / "Contents/Resources/AppIcon.icns", "icon");
+    EXPECT_TRUE(isDamagedWrapper(wrapper_));
+}
+
+TEST_F(WrapperLayout, WhatHoldsAnythingElseIsSomebodysOwn) {
+    damage();
+    for (const char* other : {"notes.txt", "Contents/Frameworks/library", "Contents/MacOS/other",
+                              "Contents/Resources/notes.txt"}) {
+        write(wrapper_ / other, "x");
+        EXPECT_FALSE(isDamagedWrapper(wrapper_)) << other;
+        fs::remove(wrapper_ / other);
+        if (std::string_view(other).starts_with("Contents/Frameworks")) {
+            fs::remove(wrapper_ / "Contents/Frameworks");
+        }
+    }
+    EXPECT_TRUE(isDamagedWrapper(wrapper_));
+    fs::remove(wrapper_ / "Contents/MacOS/runner");
+    EXPECT_FALSE(isDamagedWrapper(wrapper_));
+}
+
+TEST_F(WrapperLayout, ADamagedCloneIsReplacedOnlyWhenThatIsMeant) {
+    damage();
+    WrapperFactory::Request request;
+    request.kind = ShortcutKind::web;
+    request.displayName = "Work";
+    EXPECT_THROW(checkRequest(request), DamagedClone);
+    EXPECT_NO_THROW(checkRequest(request, std::nullopt, {.damagedClone = true}));
+    write(wrapper_ / "notes.txt", "mine");
+    EXPECT_THROW(checkRequest(request, std::nullopt, {.damagedClone = true}), RefusedRequest);
+}
+
+} // namespace
+} // namespace quorvel
