@@ -129,14 +129,12 @@ std::optional<Folder> Folder::open(const fs::path& path) {
     return stream == nullptr ? std::nullopt : std::optional(Folder(path, stream));
 }
 
-std::optional<Folder> Folder::open(int folder, const std::string& name) {
-    const int descriptor =
-        ::openat(folder, name.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
+std::optional<Folder> Folder::owning(int descriptor) {
     DIR* stream = descriptor < 0 ? nullptr : ::fdopendir(descriptor);
     if (stream == nullptr && descriptor >= 0) {
         ::close(descriptor);
     }
-    return stream == nullptr ? std::nullopt : std::optional(Folder(name, stream));
+    return stream == nullptr ? std::nullopt : std::optional(Folder({}, stream));
 }
 
 std::vector<std::string> Folder::entries() {

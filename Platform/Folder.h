@@ -18,8 +18,9 @@ public:
     /// Nothing when the folder can't be read.
     [[nodiscard]] static std::optional<Folder> open(const std::filesystem::path& path);
 
-    /// The folder `name` in an open folder; nothing when it can't be read or is a link.
-    [[nodiscard]] static std::optional<Folder> open(int folder, const std::string& name);
+    /// The folder behind an open descriptor, or -1, which it takes over; nothing when that can't be
+    /// read.
+    [[nodiscard]] static std::optional<Folder> owning(int descriptor);
 
     /// As it was given.
     [[nodiscard]] const std::filesystem::path& path() const { return path_; }

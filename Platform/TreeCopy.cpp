@@ -53,15 +53,15 @@ bool takesAfter(int copy, int original, const struct stat& facts) {
 } // namespace
 
 void TreeCopy::copy(int from, int to, const std::string& name, const fs::path& item) {
-    struct stat facts {};
     item_ = item;
     root_ = to;
     linked_.clear();
     const Place place{.from = from, .to = to, .name = name, .inside = name};
-    if (::fstatat(from, name.c_str(), &facts, AT_SYMLINK_NOFOLLOW) != 0) {
+    const std::optional<Mount> mount = mountOf(from);
+    if (!mount) {
         fail(place, errno);
     }
-    device_ = facts.st_dev;
+    mount_ = *mount;
     copyItem(place);
 }
 
@@ -98,7 +98,7 @@ void TreeCopy::copyItem(const Place& place) {
     if (::fstatat(place.from, place.name.c_str(), &facts, AT_SYMLINK_NOFOLLOW) != 0) {
         fail(place, errno);
     }
-    if (facts.st_dev != device_) {
+    if (mountOf(place.from, place.name.c_str()) != mount_) {
         fail(place, EXDEV);
     }
     if (S_ISDIR(facts.st_mode)) {
@@ -115,7 +115,8 @@ void TreeCopy::copyItem(const Place& place) {
 }
 
 void TreeCopy::copyFolder(const Place& place, const struct stat& facts) {
-    std::optional<Folder> from = Folder::open(place.from, place.name);
+    std::optional<Folder> from =
+        Folder::owning(openFolderOnMount(place.from, place.name.c_str(), mount_));
     if (!from || !isUnchanged(from->descriptor(), facts) ||
         ::mkdirat(place.to, place.name.c_str(), 0700) != 0) {
         fail(place, errno);

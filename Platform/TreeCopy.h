@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Platform/MountBoundary.h"
+
 #include <array>
 #include <ctime>
 #include <filesystem>
@@ -55,7 +57,7 @@ private:
 
     std::filesystem::path item_{};
     int root_ = -1;
-    dev_t device_ = 0;
+    Mount mount_{};
     std::map<Identity, LinkedFile> linked_{};  ///< of the copy being made
     std::map<Identity, LinkedFile> earlier_{}; ///< of copies that were moved
 };

@@ -4,6 +4,7 @@
 #include "Platform/FileSystem.h"
 #include "tests/support/OrdinaryUser.h"
 #include "tests/support/OtherVolume.h"
+#include "tests/support/PrivateMounts.h"
 #include "tests/support/SmallDisk.h"
 
 #include <array>
@@ -314,6 +315,29 @@ TEST_P(MovingAcrossVolumes, AFullDiskIsNamedAndLeavesTheItemWhole) {
         GTEST_SKIP() << "no file system may be mounted here";
     }
     EXPECT_EQ(*result, "");
+}
+
+TEST_P(MovingAcrossVolumes, WhatIsMountedInsideStays) {
+    write(from("kept/foreign"), "y");
+    write(from("kept file"), "z");
+    write(from("a/file"), "x");
+    fs::create_directory(from("b"));
+    fs::create_directory(from("a/folder"));
+    write(from("b/file"), "x");
+    const auto problem = inPrivateMounts([&]() -> std::string {
+        bindMount(from("kept"), from("a/folder"));
+        bindMount(from("kept file"), from("b/file"));
+        return failureOf([&] { ItemMover().move(from("a"), to("a")); }) + "\n" +
+               failureOf([&] { ItemMover().move(from("b"), to("b")); });
+    });
+    if (!problem) {
+        GTEST_SKIP() << "no file system may be mounted here";
+    }
+    EXPECT_EQ(*problem, "“a” couldn’t be moved: “folder” is another file system\n"
+                        "“b” couldn’t be moved: “file” is another file system");
+    EXPECT_EQ(read(from("kept/foreign")), "y");
+    EXPECT_EQ(read(from("kept file")), "z");
+    EXPECT_THAT(namesBesideBoth(), ::testing::UnorderedElementsAre("kept", "kept file", "a", "b"));
 }
 
 TEST_P(MovingAcrossVolumes, WhatHoldsAnotherFileSystemStays) {
