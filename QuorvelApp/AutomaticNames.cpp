@@ -47,11 +47,10 @@ std::optional<std::string> nameForWebAddress(std::string_view address) {
 }
 
 std::optional<std::string> nameForCommand(std::string_view path) {
-    while (path.size() > 1 && path.ends_with('/')) {
+    while (path.ends_with('/')) {
         path.remove_suffix(1);
     }
-    // The last component of the root is the root itself.
-    const std::string_view last = path == "/" ? path : path.substr(path.find_last_of('/') + 1);
+    const std::string_view last = path.substr(path.find_last_of('/') + 1);
     if (last.empty()) {
         return std::nullopt;
     }

@@ -11,7 +11,7 @@ namespace quorvel {
 /// Nothing when the text is no address with a host.
 [[nodiscard]] std::optional<std::string> nameForWebAddress(std::string_view address);
 
-/// From a path's last component, words capitalised. Nothing when there is none.
+/// From a path's last component, words capitalised. Nothing when there is none, as in the root.
 [[nodiscard]] std::optional<std::string> nameForCommand(std::string_view path);
 
 /// The first letter of each word in upper case, the rest in lower case. Whatever is no letter,
