@@ -174,8 +174,8 @@ void AdvancedOptions::addIsolation() {
         widget->setVisible(session_.form().shortcutType == ShortcutKind::app);
     };
     connect(&session_, &NewCloneSession::changed, widget, show);
+    column_->addWidget(widget); // before it is shown, or it would be a window of its own
     show();
-    column_->addWidget(widget);
 }
 
 } // namespace quorvel

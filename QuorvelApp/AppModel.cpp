@@ -1,5 +1,6 @@
 #include "QuorvelApp/AppModel.h"
 
+#include "LaunchKit/IconImage.h"
 #include "LaunchKit/InstanceLauncher.h"
 #include "Platform/FileSystem.h"
 #include "ProbeKit/ProfileGenerator.h"
@@ -369,6 +370,13 @@ QFuture<void> AppModel::reveal(const InstanceRecord& record) {
                 setLastError(outcome.failure);
             }
         });
+}
+
+QFuture<bool> AppModel::holdsPicture(const std::filesystem::path& file) {
+    constexpr int side = 64; // of the picture that is decoded, where there are several
+    return services_.tasks->detached(
+        TaskPriority::userInitiated, this, [file] { return !iconImageNear(file, side).isNull(); },
+        [](bool holdsOne) { return holdsOne; });
 }
 
 std::string AppModel::osSignature(const Workspace& workspace) {

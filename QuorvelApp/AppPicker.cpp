@@ -3,15 +3,14 @@
 #include "QuorvelApp/Components.h"
 #include "QuorvelApp/ShownText.h"
 
-#include <QApplication>
-#include <QResizeEvent>
+#include <QKeyEvent>
+#include <QMouseEvent>
 #include <QScrollBar>
 #include <QStackedLayout>
 #include <QStyle>
 #include <QVBoxLayout>
 
 #include <algorithm>
-#include <utility>
 
 namespace quorvel {
 namespace {
@@ -31,6 +30,7 @@ QWidget* makeLoadingPage() {
 } // namespace
 
 AppGrid::AppGrid(AppTile* tiles) : tiles_(tiles) {
+    setObjectName(QStringLiteral("apps"));
     tiles->setParent(this);
     setItemDelegate(tiles);
     setViewMode(QListView::IconMode);
@@ -42,6 +42,64 @@ AppGrid::AppGrid(AppTile* tiles) : tiles_(tiles) {
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     // Half of the spacing is in the cells.
     setViewportMargins(AppTile::spacing / 2, AppTile::spacing / 2, 0, 0);
+    connect(this, &QListView::clicked, this, &AppGrid::press);
+}
+
+QModelIndex AppGrid::indexAt(const QPoint& point) const {
+    const QModelIndex index = QListView::indexAt(point);
+    return AppTile::tileRect(visualRect(index)).contains(point) ? index : QModelIndex();
+}
+
+QItemSelectionModel::SelectionFlags AppGrid::selectionCommand(const QModelIndex&,
+                                                              const QEvent*) const {
+    return QItemSelectionModel::NoUpdate; // what moves the ring selects nothing
+}
+
+void AppGrid::press(const QModelIndex& index) {
+    selectionModel()->select(index, QItemSelectionModel::ClearAndSelect);
+}
+
+// The ring begins at the selected tile, or at the first one.
+void AppGrid::focusInEvent(QFocusEvent* event) {
+    const bool hadRing = currentIndex().isValid();
+    QListView::focusInEvent(event);
+    if (!hadRing) {
+        const QModelIndexList selected = selectionModel()->selectedIndexes();
+        setCurrentIndex(selected.isEmpty() ? model()->index(0, 0) : selected.front());
+    }
+}
+
+void AppGrid::keyPressEvent(QKeyEvent* event) {
+    const bool isReturn = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
+    const QModelIndex ring = currentIndex();
+    if (ring.isValid() && (event->key() == Qt::Key_Space || isReturn) &&
+        !selectionModel()->isSelected(ring)) {
+        press(ring);
+        event->accept();
+    } else if (isReturn) {
+        event->ignore(); // the dialog's default button takes it
+    } else {
+        QListView::keyPressEvent(event);
+    }
+}
+
+void AppGrid::mousePressEvent(QMouseEvent* event) {
+    if (event->button() == Qt::LeftButton) {
+        QListView::mousePressEvent(event);
+    }
+}
+
+void AppGrid::mouseMoveEvent(QMouseEvent* event) {
+    if (event->buttons() == Qt::NoButton) {
+        QListView::mouseMoveEvent(event);
+    }
+}
+
+void AppGrid::updateGeometries() {
+    QListView::updateGeometries();
+    // Below the last row is as much room as above the first.
+    const int beyond = contentsSize().height() + AppTile::spacing / 2 - viewport()->height();
+    verticalScrollBar()->setMaximum(std::max(0, beyond));
 }
 
 void AppGrid::resizeEvent(QResizeEvent* event) {
@@ -73,9 +131,8 @@ AppPicker::AppPicker(NewCloneSession& session, IconLoader& icons)
 
     AppModel& model = session.model();
     connect(tiles, &AppTile::appeared, this, &AppPicker::tileAppeared);
-    connect(grid_->selectionModel(), &QItemSelectionModel::currentChanged, this,
-            &AppPicker::tileChosen);
-    connect(grid_, &QListView::clicked, this, &AppPicker::tileClicked);
+    connect(grid_->selectionModel(), &QItemSelectionModel::selectionChanged, this,
+            &AppPicker::tileSelected);
     connect(&icons, &IconLoader::loaded, grid_->viewport(),
             [this] { grid_->viewport()->update(); });
     connect(&model, &AppModel::sandboxStatusChanged, &apps_, &AppGridModel::sandboxStatusChanged);
@@ -101,24 +158,16 @@ void AppPicker::showSelected() {
     const auto& selected = session_.form().selected;
     const int row = selected ? apps_.rowOf(selected->id()) : -1;
     if (row < 0 || apps_.app(row) != *selected) {
-        grid_->selectionModel()->clear();
-    } else if (grid_->currentIndex().row() != row ||
-               !grid_->selectionModel()->isSelected(apps_.index(row))) {
-        grid_->setCurrentIndex(apps_.index(row));
+        grid_->selectionModel()->clearSelection();
+    } else {
+        grid_->selectionModel()->select(apps_.index(row), QItemSelectionModel::ClearAndSelect);
     }
 }
 
-void AppPicker::tileChosen(const QModelIndex& index) {
-    if (!refreshing_ && index.isValid()) {
-        chosenByPress_ = QApplication::mouseButtons() == Qt::NoButton ? -1 : index.row();
-        session_.select(InstalledApp(apps_.app(index.row())));
-    }
-}
-
-void AppPicker::tileClicked(const QModelIndex& index) {
-    // A click on the chosen tile chooses it anew; on another one, the press has chosen it already.
-    if (std::exchange(chosenByPress_, -1) != index.row()) {
-        tileChosen(index);
+void AppPicker::tileSelected() {
+    const QModelIndexList selected = grid_->selectionModel()->selectedIndexes();
+    if (!refreshing_ && !selected.isEmpty()) {
+        session_.select(InstalledApp(apps_.app(selected.front().row())));
     }
 }
 

@@ -2,9 +2,9 @@
 
 #include "QuorvelApp/AppGridModel.h"
 #include "QuorvelApp/AppTile.h"
-#include "QuorvelApp/ItemList.h"
 #include "QuorvelApp/NewCloneSession.h"
 
+#include <QListView>
 #include <QWidget>
 
 #include <set>
@@ -15,17 +15,31 @@ class QStackedLayout;
 
 namespace quorvel {
 
-/// A grid whose columns take up the width, between the tiles' narrowest and widest.
-class AppGrid : public ItemList {
+/// A grid of tiles that are pressed like buttons: a click on one, and Space or Return on the one
+/// with the ring, selects it. The arrows and typing move the ring alone. The columns take up the
+/// width, between the tiles' narrowest and widest.
+class AppGrid : public QListView {
     Q_OBJECT
 
 public:
     explicit AppGrid(AppTile* tiles);
 
+    /// Invalid between the tiles.
+    [[nodiscard]] QModelIndex indexAt(const QPoint& point) const override;
+
 protected:
+    void focusInEvent(QFocusEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override;
+    void mouseMoveEvent(QMouseEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
+    void updateGeometries() override;
+    [[nodiscard]] QItemSelectionModel::SelectionFlags
+    selectionCommand(const QModelIndex& index, const QEvent* event) const override;
 
 private:
+    void press(const QModelIndex& index);
+
     AppTile* tiles_;
 };
 
@@ -39,8 +53,7 @@ public:
 private:
     void refresh();
     void showSelected();
-    void tileChosen(const QModelIndex& index);
-    void tileClicked(const QModelIndex& index);
+    void tileSelected();
     void tileAppeared(const InstalledApp& app);
 
     NewCloneSession& session_;
@@ -50,7 +63,6 @@ private:
     AppGrid* grid_;
     std::set<std::string> asked_{};
     bool refreshing_ = false;
-    int chosenByPress_ = -1; ///< the row that the mouse button under way has chosen
 };
 
 } // namespace quorvel

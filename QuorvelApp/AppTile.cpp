@@ -22,19 +22,14 @@ constexpr int lockPadding = 3;
 constexpr double ring = 1.5;
 constexpr int badgeSize = lockSize + 2 * lockPadding;
 
-QRect tileRect(const QStyleOptionViewItem& option) {
-    const int half = AppTile::spacing / 2;
-    return option.rect.adjusted(half, half, -half, -half);
-}
-
 QRect nameRect(const QStyleOptionViewItem& option) {
-    const QRect tile = tileRect(option);
+    const QRect tile = AppTile::tileRect(option.rect);
     return {tile.left() + padding, tile.top() + padding + AppTile::iconSize + gap,
             tile.width() - 2 * padding, nameHeight};
 }
 
 void paintGround(QPainter* painter, const QStyleOptionViewItem& option, const Colors& colors) {
-    const QRectF tile = QRectF(tileRect(option)).adjusted(0.75, 0.75, -0.75, -0.75);
+    const QRectF tile = QRectF(AppTile::tileRect(option.rect)).adjusted(0.75, 0.75, -0.75, -0.75);
     QColor fill = colors.accent;
     if (option.state.testFlag(QStyle::State_Selected)) {
         fill.setAlphaF(0.18F);
@@ -48,6 +43,17 @@ void paintGround(QPainter* painter, const QStyleOptionViewItem& option, const Co
     }
     painter->setBrush(fill);
     painter->drawRoundedRect(tile, 10, 10);
+}
+
+void paintRing(QPainter* painter, const QStyleOptionViewItem& option, const Colors& colors) {
+    if (option.state.testFlag(QStyle::State_HasFocus)) {
+        QColor color = colors.accent;
+        color.setAlphaF(0.5F);
+        painter->setPen(QPen(color, 3));
+        painter->setBrush(Qt::NoBrush);
+        painter->drawRoundedRect(QRectF(AppTile::tileRect(option.rect)).adjusted(-2, -2, 2, 2), 12,
+                                 12);
+    }
 }
 
 void paintLock(QPainter* painter, const QRect& badge, const Colors& colors) {
@@ -69,8 +75,13 @@ QString AppTile::sandboxHelp() {
               "its data");
 }
 
+QRect AppTile::tileRect(const QRect& cell) {
+    const int half = spacing / 2;
+    return cell.adjusted(half, half, -half, -half);
+}
+
 QRect AppTile::iconRect(const QStyleOptionViewItem& option) {
-    const QRect tile = tileRect(option);
+    const QRect tile = tileRect(option.rect);
     return {tile.left() + (tile.width() - iconSize) / 2, tile.top() + padding, iconSize, iconSize};
 }
 
@@ -89,6 +100,7 @@ void AppTile::paint(QPainter* painter, const QStyleOptionViewItem& option,
     painter->save();
     painter->setRenderHint(QPainter::Antialiasing);
     paintGround(painter, option, colors);
+    paintRing(painter, option, colors);
     drawCrisp(*painter, iconRect(option),
               icons_.icon(app.url, iconSize, painter->device()->devicePixelRatioF()));
     if (index.data(AppGridModel::SandboxedRole).toBool()) {

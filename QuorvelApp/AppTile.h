@@ -22,6 +22,9 @@ public:
 
     [[nodiscard]] static QString sandboxHelp();
 
+    /// Where the tile is in its cell, which has the spacing around it.
+    [[nodiscard]] static QRect tileRect(const QRect& cell);
+
     /// The width of a tile; the view's cells are wider by `spacing`.
     void setWidth(int width) { width_ = width; }
 

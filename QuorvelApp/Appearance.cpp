@@ -72,7 +72,8 @@ void Appearance::apply(ColorScheme scheme) {
     if (!hasNativeStyle()) {
         QApplication::setPalette(paletteFor(colors));
     }
-    qApp->setStyleSheet(styleSheetFor(colors));
+    qApp->setStyleSheet(
+        styleSheetFor(colors, hasNativeStyle() ? ControlLook::native : ControlLook::ours));
 }
 
 bool Appearance::eventFilter(QObject* watched, QEvent* event) {

@@ -12,8 +12,18 @@
 #include <QVBoxLayout>
 
 namespace quorvel {
+namespace {
 
 using namespace Qt::StringLiterals;
+
+// Takes the height of what it holds, however high the window is.
+QWidget* makeBand() {
+    auto* band = new QWidget;
+    band->setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
+    return band;
+}
+
+} // namespace
 
 CloneDetailView::CloneDetailView(AppModel& model, IconLoader& icons, QWidget* sheets,
                                  QWidget* parent)
@@ -51,7 +61,7 @@ CloneDetailView::CloneDetailView(AppModel& model, IconLoader& icons, QWidget* sh
 }
 
 QWidget* CloneDetailView::makeHeader(IconLoader& icons) {
-    auto* header = new QWidget;
+    auto* header = makeBand();
     icon_ = new AppIcon(icons, 64);
     name_ = new ElidedLabel(TextStyle::largeTitle, Ink::text);
     dot_ = new StatusDot;
@@ -76,11 +86,11 @@ QWidget* CloneDetailView::makeHeader(IconLoader& icons) {
 }
 
 QWidget* CloneDetailView::makeActions() {
-    auto* actions = new QWidget;
+    auto* actions = makeBand();
     launch_ = makeButton(tr("&Launch"), ButtonLook::prominent, u"play.fill"_s);
     auto* reveal = makeButton(tr("&Reveal in Finder"), ButtonLook::standard, u"folder"_s);
     auto* remove = makeButton(tr("&Delete"), ButtonLook::standard, u"trash"_s);
-    connect(launch_, &QPushButton::clicked, this, [this] { model_.launch(clone_); });
+    connect(launch_, &QPushButton::clicked, this, &CloneDetailView::launch);
     connect(reveal, &QPushButton::clicked, this, [this] { model_.reveal(clone_); });
     connect(remove, &QPushButton::clicked, this, &CloneDetailView::confirmDelete);
     auto* row = new QHBoxLayout(actions);
@@ -97,12 +107,23 @@ void CloneDetailView::setClone(const InstanceRecord& clone) {
     clone_ = clone;
     icon_->setPath(iconPathOf(clone));
     name_->setFullText(shownLine(clone.config.displayName));
-    callout_->setVisible(InstanceLauncher::needsSharedFolderMigration(clone.config.resolvedHome()));
     setRows(detailRows(clone.config, clone.bundleURL));
     refreshRunning();
 }
 
+void CloneDetailView::launch() {
+    model_.launch(clone_);
+    showCallout();
+}
+
+// A launch links folders that hold nothing.
+void CloneDetailView::showCallout() {
+    callout_->setVisible(
+        InstanceLauncher::needsSharedFolderMigration(clone_.config.resolvedHome()));
+}
+
 void CloneDetailView::refreshRunning() {
+    showCallout();
     const bool running = model_.isRunning(clone_);
     dot_->setRunning(running);
     status_->setText(running ? tr("Running") : tr("Not running"));

@@ -25,12 +25,14 @@ public:
     CloneDetailView(AppModel& model, IconLoader& icons, QWidget* sheets, QWidget* parent = nullptr);
 
     void setClone(const InstanceRecord& clone);
-    /// Shows anew whether the clone runs.
+    /// Shows anew whether the clone runs, and what that may have changed in its home.
     void refreshRunning();
 
 private:
     [[nodiscard]] QWidget* makeHeader(IconLoader& icons);
     [[nodiscard]] QWidget* makeActions();
+    void launch();
+    void showCallout();
     void setRows(const std::vector<DetailRow>& rows);
     void confirmDelete();
     void confirmMigration();

@@ -17,7 +17,8 @@ namespace {
 
 constexpr int sideMargin = 10; // from the sidebar's edge to a row's background
 constexpr int padding = 8;     // from the background's edge to what stands in it
-constexpr int verticalPadding = 4;
+constexpr int verticalPadding = 4; // of the whole row
+constexpr int backgroundGap = 1;   // of it, above and below the background
 
 void drawText(QPainter* painter, const QRect& rect, const QString& text, TextStyle style,
               const QColor& color, Qt::LayoutDirection direction) {
@@ -40,8 +41,9 @@ CloneRow::CloneRow(IconLoader& icons, QObject* parent)
       icons_(icons) {}
 
 CloneRow::Places CloneRow::places(const QStyleOptionViewItem& option) {
-    const QRect background = option.rect.adjusted(sideMargin, 1, -sideMargin, -1);
-    const QRect inner = background.adjusted(padding, verticalPadding, -padding, -verticalPadding);
+    const QRect background =
+        option.rect.adjusted(sideMargin, backgroundGap, -sideMargin, -backgroundGap);
+    const QRect inner = background.adjusted(padding, 0, -padding, 0);
     const int nameHeight = QFontMetrics(fontFor(TextStyle::body)).height();
     const int summaryHeight = QFontMetrics(fontFor(TextStyle::caption)).height();
     const int top = inner.center().y() + 1 - (nameHeight + summaryHeight) / 2;
@@ -95,7 +97,7 @@ void CloneRow::paint(QPainter* painter, const QStyleOptionViewItem& option,
 QSize CloneRow::sizeHint(const QStyleOptionViewItem&, const QModelIndex&) const {
     const int text = QFontMetrics(fontFor(TextStyle::body)).height() +
                      QFontMetrics(fontFor(TextStyle::caption)).height();
-    return {0, std::max(iconSize, text) + 2 * (verticalPadding + 1) + 4};
+    return {0, std::max(iconSize, text) + 2 * verticalPadding};
 }
 
 bool CloneRow::helpEvent(QHelpEvent* event, QAbstractItemView* view,

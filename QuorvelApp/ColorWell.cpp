@@ -8,7 +8,7 @@
 namespace quorvel {
 
 ColorWell::ColorWell(QWidget* parent) : QPushButton(parent) {
-    setAutoDefault(false);
+    setAutoDefault(true);
     setFixedSize(sizeHint());
     setAccessibleName(tr("Badge colour"));
     connect(this, &QPushButton::clicked, this, &ColorWell::choose);

@@ -8,6 +8,7 @@
 #include <QHBoxLayout>
 #include <QPainter>
 #include <QTimerEvent>
+#include <QWheelEvent>
 
 namespace quorvel {
 namespace {
@@ -68,13 +69,19 @@ QPushButton* makeButton(const QString& text, ButtonLook look, const QString& sym
     button->setProperty("look", lookName(look));
     button->setFont(
         fontFor(look == ButtonLook::small ? TextStyle::captionMedium : TextStyle::medium));
-    button->setAutoDefault(false);
+    button->setAutoDefault(true);
     if (!symbol.isEmpty()) {
         button->setIcon(symbolIcon(symbol, inkOn(look)));
         // The style puts the text too close; what is beside the symbol stays empty.
         button->setIconSize({text.isEmpty() ? 16 : 22, 16});
     }
     return button;
+}
+
+void makeDefault(QPushButton* button) {
+    button->setDefault(true);
+    // One that becomes the default by its focus would cease to be with it.
+    button->setAutoDefault(false);
 }
 
 QString withoutMnemonics(QString text) {
@@ -110,6 +117,10 @@ bool WrappingCheckBox::eventFilter(QObject* watched, QEvent* event) {
         return true;
     }
     return QWidget::eventFilter(watched, event);
+}
+
+void PaneComboBox::wheelEvent(QWheelEvent* event) {
+    event->ignore();
 }
 
 InfoRow::InfoRow(const DetailRow& row)

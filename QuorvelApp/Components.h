@@ -6,6 +6,7 @@
 #include "QuorvelApp/Symbols.h"
 
 #include <QCheckBox>
+#include <QComboBox>
 #include <QFrame>
 #include <QLabel>
 #include <QPushButton>
@@ -30,9 +31,13 @@ void styleLabel(QLabel* label, TextStyle style, Ink ink);
 
 enum class ButtonLook { standard, small, prominent, destructive, tool };
 
-/// A button; "&" in `text` marks its mnemonic. `symbol` may be empty.
+/// A button; "&" in `text` marks its mnemonic. `symbol` may be empty. Return presses it while it
+/// has the focus.
 [[nodiscard]] QPushButton* makeButton(const QString& text, ButtonLook look,
                                       const QString& symbol = {});
+
+/// Has Return press `button` from everywhere in its dialog where it means nothing else.
+void makeDefault(QPushButton* button);
 
 /// Text for a button, menu or check box in which nothing is a mnemonic.
 [[nodiscard]] QString withoutMnemonics(QString text);
@@ -55,6 +60,17 @@ protected:
 private:
     QCheckBox* box_;
     QLabel* label_;
+};
+
+/// A choice that leaves the wheel to the pane in which it stands.
+class PaneComboBox : public QComboBox {
+    Q_OBJECT
+
+public:
+    using QComboBox::QComboBox;
+
+protected:
+    void wheelEvent(QWheelEvent* event) override;
 };
 
 /// A label and its value, which can be selected and copied.

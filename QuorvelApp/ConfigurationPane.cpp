@@ -56,11 +56,12 @@ ConfigurationPane::ConfigurationPane(NewCloneSession& session, IconLoader& icons
     : session_(session),
       states_(new QStackedLayout) {
     setFixedWidth(paneWidth);
-    states_->addWidget(makePrompt());
-    states_->addWidget(makeSettings(icons));
     auto* padding = new QVBoxLayout(this);
     padding->setContentsMargins(8, 8, 0, 8);
     padding->addLayout(states_);
+    // Only now: the first page is shown at once, and would be a window of its own.
+    states_->addWidget(makePrompt());
+    states_->addWidget(makeSettings(icons));
     connect(&session_, &NewCloneSession::changed, this, &ConfigurationPane::refresh);
     connect(&session_.model(), &AppModel::clonesChanged, this, &ConfigurationPane::refresh);
     refresh();
@@ -121,7 +122,7 @@ QWidget* ConfigurationPane::makeNameSection() {
     field->setPlaceholderText(tr("Name"));
     field->setAccessibleName(tr("Name"));
     label->setBuddy(field);
-    bind(session_, field, &NewCloneForm::cloneName);
+    bind(session_, field, &NewCloneForm::cloneName, &NewCloneForm::nameEdited);
     savedTo_ = new WrappingText(TextStyle::caption, Ink::secondary);
     auto* column = new QVBoxLayout(section);
     column->setContentsMargins(0, 0, 0, 0);

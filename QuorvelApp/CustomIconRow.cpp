@@ -24,9 +24,8 @@ CustomIconRow::CustomIconRow(NewCloneSession& session, IconLoader& icons)
     row->addStretch();
     row->addWidget(clear_);
     row->addWidget(choose);
-    connect(clear_, &QPushButton::clicked, &session_,
-            [this] { session_.edit([](NewCloneForm& form) { form.customIcon.reset(); }); });
-    connect(choose, &QPushButton::clicked, this, &CustomIconRow::choose);
+    connect(clear_, &QPushButton::clicked, &session_, &NewCloneSession::clearIcon);
+    connect(choose, &QPushButton::clicked, &session_, [this] { session_.chooseIcon(window()); });
     connect(&session_, &NewCloneSession::changed, this, &CustomIconRow::refresh);
     refresh();
 }
@@ -39,11 +38,6 @@ void CustomIconRow::refresh() {
     path_->setVisible(icon.has_value());
     clear_->setVisible(icon.has_value());
     none_->setVisible(!icon);
-}
-
-void CustomIconRow::choose() {
-    session_.choose(session_.panels().icon, window(),
-                    [](NewCloneForm& form, const auto& icon) { form.customIcon = icon; });
 }
 
 } // namespace quorvel

@@ -22,7 +22,6 @@ public:
 
 private:
     void refresh();
-    void choose();
 
     NewCloneSession& session_;
     AppIcon* preview_;

@@ -12,7 +12,7 @@ DisclosureGroup::DisclosureGroup(const QString& title, QWidget* content)
     : title_(new QPushButton(title)),
       content_(content) {
     title_->setProperty("look", u"disclosure"_s);
-    title_->setAutoDefault(false);
+    title_->setAutoDefault(true);
     title_->setCheckable(true);
     title_->setFont(fontFor(TextStyle::medium));
     title_->setIconSize({12, 12});

@@ -1,19 +1,64 @@
 #include "QuorvelApp/FilePanels.h"
 
+#include "Platform/FileOrFolderPanel.h"
+
+#include <QAbstractButton>
 #include <QAbstractItemView>
+#include <QDialogButtonBox>
+#include <QEvent>
 #include <QFileDialog>
 #include <QFileSystemModel>
+#include <QSettings>
 
 namespace quorvel {
 namespace {
 
 using namespace Qt::StringLiterals;
 
+// Its button reads the same whatever is selected; Qt's own would offer to open a folder.
+class PromptingDialog : public QFileDialog {
+public:
+    PromptingDialog(QWidget* over, const QString& prompt) : QFileDialog(over), prompt_(prompt) {
+        setWindowTitle(prompt);
+        setLabelText(QFileDialog::Accept, prompt);
+    }
+
+    bool eventFilter(QObject* watched, QEvent* event) override {
+        if (event->type() == QEvent::LayoutRequest) {
+            keepPrompt();
+        }
+        return QFileDialog::eventFilter(watched, event);
+    }
+
+protected:
+    void showEvent(QShowEvent* event) override {
+        QFileDialog::showEvent(event);
+        if (auto* buttons = findChild<QDialogButtonBox*>()) {
+            // A button that changes its text asks for a new layout.
+            buttons->installEventFilter(this);
+            keepPrompt();
+        }
+    }
+
+private:
+    void keepPrompt() {
+        const auto* box = findChild<QDialogButtonBox*>();
+        for (QAbstractButton* button : box->buttons()) {
+            if (box->buttonRole(button) == QDialogButtonBox::AcceptRole &&
+                button->text() != prompt_) {
+                button->setText(prompt_);
+            }
+        }
+    }
+
+    QString prompt_;
+};
+
 // Qt's dialogs give either files or folders. This one, which shows both, also takes a folder that
 // is selected in its list; a double click still opens the folder.
-class FileOrFolderDialog final : public QFileDialog {
+class FileOrFolderDialog final : public PromptingDialog {
 public:
-    using QFileDialog::QFileDialog;
+    using PromptingDialog::PromptingDialog;
 
     [[nodiscard]] QString chosen() const {
         return folder_.isEmpty() ? selectedFiles().value(0) : folder_;
@@ -50,14 +95,11 @@ std::optional<std::filesystem::path> pathOf(const QString& text) {
     return text.isEmpty() ? std::nullopt : std::optional(std::filesystem::path(text.toStdString()));
 }
 
-void prepare(QFileDialog& dialog, const QString& prompt) {
-    dialog.setWindowTitle(prompt);
-    dialog.setLabelText(QFileDialog::Accept, prompt);
-}
-
 std::optional<std::filesystem::path> chooseFileOrFolder(QWidget* over) {
-    FileOrFolderDialog dialog(over);
-    prepare(dialog, QObject::tr("Choose"));
+    if (const FileOrFolderPanel panel = systemFileOrFolderPanel()) {
+        return panel(QObject::tr("Choose").toStdString());
+    }
+    FileOrFolderDialog dialog(over, QObject::tr("Choose"));
     dialog.setOption(QFileDialog::DontUseNativeDialog);
     dialog.setFileMode(QFileDialog::ExistingFile);
     return dialog.exec() == QDialog::Accepted ? pathOf(dialog.chosen()) : std::nullopt;
@@ -66,8 +108,7 @@ std::optional<std::filesystem::path> chooseFileOrFolder(QWidget* over) {
 FilePanels::Panel panel(QFileDialog::FileMode mode, bool mayCreate, const QString& prompt,
                         const QString& filter = {}) {
     return [=](QWidget* over) -> std::optional<std::filesystem::path> {
-        QFileDialog dialog(over);
-        prepare(dialog, prompt);
+        PromptingDialog dialog(over, prompt);
         dialog.setFileMode(mode);
         dialog.setOption(QFileDialog::ShowDirsOnly, mode == QFileDialog::Directory);
         dialog.setOption(QFileDialog::ReadOnly, !mayCreate);
@@ -80,6 +121,11 @@ FilePanels::Panel panel(QFileDialog::FileMode mode, bool mayCreate, const QStrin
 }
 
 } // namespace
+
+void keepNoDialogState() {
+    // No folder can be made below what is no folder.
+    QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, u"/dev/null"_s);
+}
 
 FilePanels FilePanels::ofTheSystem() {
     const QString choose = QObject::tr("Choose");

@@ -22,4 +22,8 @@ struct FilePanels {
     [[nodiscard]] static FilePanels ofTheSystem();
 };
 
+/// Keeps the toolkit's own dialogs from writing down, in the user's home, where they have been. To
+/// be called before any of them is made.
+void keepNoDialogState();
+
 } // namespace quorvel

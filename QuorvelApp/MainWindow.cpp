@@ -1,24 +1,12 @@
 #include "QuorvelApp/MainWindow.h"
 
-#include <QCloseEvent>
 #include <QMenuBar>
-#include <QSettings>
 
 #include <utility>
 
 namespace quorvel {
-namespace {
 
 using namespace Qt::StringLiterals;
-
-const auto geometryKey = u"window/geometry"_s;
-
-// Named here, so that the file is the same whoever starts the program.
-QSettings settings() {
-    return QSettings(u"Quorvel"_s, u"Quorvel"_s);
-}
-
-} // namespace
 
 MainWindow::MainWindow(AppModel& model, UpdaterController& updater, IconLoader& icons,
                        FilePanels panels)
@@ -29,7 +17,6 @@ MainWindow::MainWindow(AppModel& model, UpdaterController& updater, IconLoader& 
     resize(initial);
     setCentralWidget(content_);
     addCommands(updater);
-    restoreGeometry(settings().value(geometryKey).toByteArray());
 }
 
 void MainWindow::addCommands(UpdaterController& updater) {
@@ -56,11 +43,6 @@ void MainWindow::showEvent(QShowEvent* event) {
     if (!std::exchange(listed_, true)) {
         model_.reload();
     }
-}
-
-void MainWindow::closeEvent(QCloseEvent* event) {
-    settings().setValue(geometryKey, saveGeometry());
-    QMainWindow::closeEvent(event);
 }
 
 } // namespace quorvel

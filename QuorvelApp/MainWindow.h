@@ -7,7 +7,7 @@
 
 namespace quorvel {
 
-/// The window and its menu commands. Lists the clones when it first shows, and remembers its size.
+/// The window and its menu commands. Lists the clones when it first shows.
 class MainWindow : public QMainWindow {
     Q_OBJECT
 
@@ -23,7 +23,6 @@ public:
 
 protected:
     void showEvent(QShowEvent* event) override;
-    void closeEvent(QCloseEvent* event) override;
 
 private:
     void addCommands(UpdaterController& updater);

@@ -89,8 +89,8 @@ void MessageSheet::add(const Choice& choice, QBoxLayout* row) {
         escape_ = button;
     }
     if (choice.isDefault) {
-        button->setDefault(true);
-        button->setFocus();
+        makeDefault(button);
+        default_ = button;
     }
     row->addWidget(button);
 }
@@ -101,6 +101,14 @@ QString MessageSheet::title() const {
 
 QString MessageSheet::text() const {
     return text_->fullText();
+}
+
+// Not sooner: a widget that is given another parent loses the focus.
+void MessageSheet::showEvent(QShowEvent* event) {
+    QDialog::showEvent(event);
+    if (default_ != nullptr) {
+        default_->setFocus();
+    }
 }
 
 void MessageSheet::reject() {

@@ -36,12 +36,17 @@ public:
 
     void reject() override;
 
+protected:
+    /// The default button gets the focus.
+    void showEvent(QShowEvent* event) override;
+
 private:
     void add(const Choice& choice, QBoxLayout* row);
 
     WrappingText* title_;
     WrappingText* text_;
     QPushButton* escape_ = nullptr;
+    QPushButton* default_ = nullptr;
 };
 
 } // namespace quorvel

@@ -155,6 +155,7 @@ std::string NewCloneForm::noAppsText() const {
 void NewCloneForm::select(const InstalledApp& app, std::string suggestedName) {
     selected = app;
     cloneName = std::move(suggestedName);
+    automaticName.clear();
     strategy = Strategy::homeOverride;
     detectNote.reset();
     strategyReason = "Checking how " + app.name + " stores its data…";
@@ -177,7 +178,8 @@ void NewCloneForm::select(const InstalledApp& app, std::string suggestedName) {
 }
 
 void NewCloneForm::autoNameIfNeeded() {
-    if (!isBlank(cloneName)) {
+    const bool automatic = !automaticName.empty() && cloneName == automaticName;
+    if (!automatic && !isBlank(cloneName)) {
         return;
     }
     std::optional<std::string> name;
@@ -186,15 +188,21 @@ void NewCloneForm::autoNameIfNeeded() {
     } else if (shortcutType == ShortcutKind::command) {
         name = nameForCommand(commandPathText);
     }
-    if (name) {
-        cloneName = *name;
+    if (name || automatic) {
+        cloneName = name.value_or("");
     }
+    automaticName = name.value_or("");
+}
+
+void NewCloneForm::nameEdited() {
+    automaticName.clear();
 }
 
 void NewCloneForm::chooseFile(const std::filesystem::path& file) {
     filePath = file.string();
     if (isBlank(cloneName)) {
         cloneName = file.stem().string();
+        automaticName.clear();
     }
 }
 

@@ -28,6 +28,7 @@ struct NewCloneForm {
     std::string commandArgsText{};
     std::string workdir{};
     std::string cloneName{};
+    std::string automaticName{}; ///< what `autoNameIfNeeded` gave last; empty once it was edited
     Strategy strategy = Strategy::homeOverride;
     bool launchAfter = true;
     bool shareUserFolders = true;
@@ -72,8 +73,11 @@ struct NewCloneForm {
 
     /// Takes the app as target under that name, with every advanced option back at its default.
     void select(const InstalledApp& app, std::string suggestedName);
-    /// Names a nameless web or command clone after its target.
+    /// Names a web or command clone after its target, unless it has a name from elsewhere. A target
+    /// that gives no name takes an earlier one's back.
     void autoNameIfNeeded();
+    /// The name is the user's from here on.
+    void nameEdited();
     void chooseFile(const std::filesystem::path& file);
     void chooseCommand(const std::filesystem::path& command);
     /// `folder` becomes the data location, with the clone's name behind it.

@@ -1,5 +1,7 @@
 #include "QuorvelApp/NewCloneSession.h"
 
+#include "LaunchKit/IconComposer.h"
+
 #include <QPointer>
 
 namespace quorvel {
@@ -24,7 +26,36 @@ void NewCloneSession::choose(
     }
 }
 
+void NewCloneSession::chooseIcon(QWidget* over) {
+    const QPointer<NewCloneSession> self(this);
+    const auto chosen = panels_.icon(over);
+    if (self && chosen) {
+        enterIcon(*chosen);
+    }
+}
+
+void NewCloneSession::enterIcon(const std::filesystem::path& icon) {
+    const int choice = ++iconChoices_;
+    model_.holdsPicture(icon).then(this, [this, icon, choice](bool holdsPicture) {
+        if (choice != iconChoices_) {
+            return;
+        }
+        if (holdsPicture) {
+            edit([&](NewCloneForm& form) { form.customIcon = icon; });
+        } else {
+            model_.setLastError("Couldn't use the icon: " +
+                                IconComposer::ComposeError::noSourceImage(icon).description());
+        }
+    });
+}
+
+void NewCloneSession::clearIcon() {
+    ++iconChoices_;
+    edit([](NewCloneForm& form) { form.customIcon.reset(); });
+}
+
 void NewCloneSession::select(const InstalledApp& app) {
+    ++iconChoices_;
     edit([&](NewCloneForm& form) { form.select(app, model_.suggestedName(app)); });
     model_.sandboxInfo(app).then(this, [this, app](const SandboxInfo& info) {
         // An answer for an app that is no longer selected comes too late.
@@ -70,15 +101,20 @@ void NewCloneSession::detect() {
         return;
     }
     edit([](NewCloneForm& form) { form.beginDetecting(); });
-    model_.detectStrategy(*form_.selected).then(this, [this](const QFuture<AppProfile>& outcome) {
-        edit([&](NewCloneForm& form) {
-            try {
-                form.detected(outcome.result().strategy);
-            } catch (const std::exception& error) {
-                form.detectionFailed(error.what());
-            }
+    model_.detectStrategy(*form_.selected)
+        .then(this, [this, app = *form_.selected](const QFuture<AppProfile>& outcome) {
+            edit([&](NewCloneForm& form) {
+                form.detecting = false;
+                if (form.selected != app) {
+                    return; // what was found out is of no use to the app selected since
+                }
+                try {
+                    form.detected(outcome.result().strategy);
+                } catch (const std::exception& error) {
+                    form.detectionFailed(error.what());
+                }
+            });
         });
-    });
 }
 
 } // namespace quorvel

@@ -28,6 +28,10 @@ public:
     /// this session with it, may be gone by then.
     void choose(FilePanels::Panel panel, QWidget* over,
                 const std::function<void(NewCloneForm&, const std::filesystem::path&)>& take);
+    /// Asks for an icon file and enters it once it is known to hold a picture. Any other becomes
+    /// the model's `lastError`, and the choice stays as it was.
+    void chooseIcon(QWidget* over);
+    void clearIcon();
     /// Takes the app as target and finds out how it stores its data.
     void select(const InstalledApp& app);
     /// Has the clone made. Ends with `created`, or with the model's `lastError`.
@@ -40,9 +44,12 @@ Q_SIGNALS:
     void created();
 
 private:
+    void enterIcon(const std::filesystem::path& icon);
+
     AppModel& model_;
     FilePanels panels_;
     NewCloneForm form_{};
+    int iconChoices_ = 0; ///< made so far; an answer about an earlier one comes too late
 };
 
 } // namespace quorvel

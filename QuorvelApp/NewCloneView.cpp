@@ -72,11 +72,11 @@ QWidget* NewCloneView::makeFooter() {
     auto* cancel = makeButton(tr("Cancel"), ButtonLook::standard);
     connect(cancel, &QPushButton::clicked, this, &QDialog::reject);
     create_ = makeButton({}, ButtonLook::prominent);
-    create_->setDefault(true);
+    makeDefault(create_);
     connect(create_, &QPushButton::clicked, &session_, &NewCloneSession::create);
     create_->setText(tr("Create Shortcut"));
     create_->setFixedSize(create_->sizeHint()); // whatever it reads
-    creating_ = new Spinner(14, Ink::onAccent, create_);
+    creating_ = new Spinner(14, Ink::secondary, create_);
     auto* row = new QHBoxLayout(footer);
     row->setContentsMargins(20, 14, 20, 14);
     row->setSpacing(8);

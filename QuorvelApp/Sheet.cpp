@@ -34,14 +34,38 @@ Sheet::Sheet(QDialog* dialog, QWidget* window, Place place, QSize ideal)
     qApp->installEventFilter(this);
     arrange();
     show();
-    raise();
+    takePlace();
     dialog_->show();
+    shownSheets().constLast()->takeFocus();
+}
+
+void Sheet::takePlace() {
+    raise();
+    for (Sheet* other : shownSheets()) {
+        if (place_ == Place::top && other->place_ == Place::middle) {
+            stackUnder(other);
+            return;
+        }
+    }
+}
+
+void Sheet::takeFocus() {
     QWidget* const first = dialog_->focusWidget();
+    if (dialog_->isAncestorOf(window()->focusWidget())) {
+        return;
+    }
     if (first != nullptr && first != dialog_ && first->isEnabled()) {
         first->setFocus();
     } else {
         focusNextPrevChild(true);
     }
+}
+
+QList<Sheet*> Sheet::shownSheets() const {
+    // A widget's children are in the order in which they are stacked.
+    QList<Sheet*> sheets = parentWidget()->findChildren<Sheet*>(Qt::FindDirectChildrenOnly);
+    sheets.removeIf([](const Sheet* sheet) { return sheet->isHidden(); });
+    return sheets;
 }
 
 bool Sheet::eventFilter(QObject* watched, QEvent* event) {
@@ -57,10 +81,8 @@ bool Sheet::eventFilter(QObject* watched, QEvent* event) {
 
 bool Sheet::covers(const QObject* watched) const {
     const auto* button = qobject_cast<const QAbstractButton*>(watched);
-    const auto sheets = parentWidget()->findChildren<Sheet*>(Qt::FindDirectChildrenOnly);
     return button != nullptr && button->window() == window() && isVisible() &&
-           !std::any_of(sheets.begin(), sheets.end(),
-                        [&](const Sheet* sheet) { return sheet->isAncestorOf(button); });
+           !isAncestorOf(button) && shownSheets().constLast() == this;
 }
 
 void Sheet::arrange() {
@@ -96,7 +118,15 @@ void Sheet::paintEvent(QPaintEvent*) {
 
 void Sheet::end() {
     hide();
-    if (focusBefore_) {
+    const QList<Sheet*> others = shownSheets();
+    for (Sheet* other : others) {
+        if (isAncestorOf(other->focusBefore_)) {
+            other->focusBefore_ = focusBefore_;
+        }
+    }
+    if (!others.isEmpty()) {
+        others.constLast()->takeFocus();
+    } else if (focusBefore_) {
         focusBefore_->setFocus();
     }
     deleteLater();

@@ -7,7 +7,9 @@
 namespace quorvel {
 
 /// A dialog inside its window: the window darkens, and nothing below takes the mouse or the focus
-/// until the dialog ends. Shows itself, and deletes itself and the dialog afterwards.
+/// until the dialog ends. Shows itself, and deletes itself and the dialog afterwards. Dialogs in
+/// the middle stay above those that hang from the top. The focus is in the topmost one; after the
+/// last it goes back to where it was before the first.
 class Sheet : public QWidget {
     Q_OBJECT
 
@@ -29,6 +31,10 @@ protected:
 private:
     /// Whether it is a button of the window's that lies below.
     [[nodiscard]] bool covers(const QObject* watched) const;
+    /// The sheets of the same window that are shown, this one included, from the lowest up.
+    [[nodiscard]] QList<Sheet*> shownSheets() const;
+    void takePlace();
+    void takeFocus();
     void arrange();
     void end();
 

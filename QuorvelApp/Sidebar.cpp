@@ -58,6 +58,7 @@ QWidget* Sidebar::makeList(IconLoader& icons) {
     QLabel* heading = makeLabel(tr("Clones"), TextStyle::captionMedium, Ink::secondary);
     heading->setContentsMargins(18, 0, 18, 0);
     list_ = new ItemList;
+    list_->setObjectName(u"clones"_s);
     list_->setAccessibleName(tr("Clones"));
     list_->setModel(&rows_);
     list_->setItemDelegate(new CloneRow(icons, list_));

@@ -5,7 +5,6 @@
 #include "QuorvelApp/QtText.h"
 #include "QuorvelApp/ShownText.h"
 
-#include <QComboBox>
 #include <QHBoxLayout>
 #include <QStyledItemDelegate>
 #include <QVBoxLayout>
@@ -18,7 +17,7 @@ StrategySection::StrategySection(NewCloneSession& session)
     : session_(session),
       detect_(makeButton({}, ButtonLook::small)),
       detecting_(new Spinner(14, Ink::secondary, detect_)),
-      choices_(new QComboBox),
+      choices_(new PaneComboBox),
       caption_(new WrappingText(TextStyle::caption, Ink::secondary)) {
     detect_->setText(tr("Auto-de&tect"));
     detect_->setFixedSize(detect_->sizeHint());

@@ -93,11 +93,19 @@ QPalette paletteFor(const Colors& colors) {
     return palette;
 }
 
-QString styleSheetFor(const Colors& colors) {
-    QFile file(QStringLiteral(":/style/quorvel.qss"));
-    QString sheet;
-    if (file.open(QIODevice::ReadOnly)) {
-        sheet = QString::fromUtf8(file.readAll());
+namespace {
+
+QString resourceText(const QString& path) {
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString();
+}
+
+} // namespace
+
+QString styleSheetFor(const Colors& colors, ControlLook controls) {
+    QString sheet = resourceText(QStringLiteral(":/style/pieces.qss"));
+    if (controls == ControlLook::ours) {
+        sheet.prepend(resourceText(QStringLiteral(":/style/controls.qss")));
     }
     for (const auto& [name, color] : std::array<std::pair<QLatin1String, QColor>, 18>{
              {{QLatin1String("@sidebar"), colors.sidebar},

@@ -43,7 +43,12 @@ struct Colors {
 [[nodiscard]] bool isDark(const QPalette& palette);
 
 [[nodiscard]] QPalette paletteFor(const Colors& colors);
-[[nodiscard]] QString styleSheetFor(const Colors& colors);
+
+/// Whose look the controls have: the style sheet's, or that of the system's own style.
+enum class ControlLook { ours, native };
+
+/// The style sheet, without a word on controls where their look is native.
+[[nodiscard]] QString styleSheetFor(const Colors& colors, ControlLook controls);
 
 /// The steps of the text's hierarchy.
 enum class TextStyle { largeTitle, title, headline, body, medium, callout, caption, captionMedium };

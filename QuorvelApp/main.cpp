@@ -1,4 +1,5 @@
 #include "QuorvelApp/Appearance.h"
+#include "QuorvelApp/FilePanels.h"
 #include "QuorvelApp/QuorvelApp.h"
 
 #include <QApplication>
@@ -8,6 +9,7 @@
 int main(int argc, char** argv) {
     QApplication::setHighDpiScaleFactorRoundingPolicy(
         Qt::HighDpiScaleFactorRoundingPolicy::PassThrough);
+    quorvel::keepNoDialogState();
     const QApplication application(argc, argv);
     QApplication::setApplicationName(QStringLiteral("quorvel"));
     QApplication::setApplicationDisplayName(QStringLiteral("Quorvel"));

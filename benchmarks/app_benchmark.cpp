@@ -312,7 +312,8 @@ void measureHolds(MeasuringApplication& application) {
         "an app is chosen",
         [&] {
             auto* grid = window.findChild<AppGrid*>();
-            grid->setCurrentIndex(grid->model()->index(3, 0));
+            grid->selectionModel()->select(grid->model()->index(3, 0),
+                                           QItemSelectionModel::ClearAndSelect);
         },
         always);
     step(

@@ -230,11 +230,20 @@ TEST_F(TheWindow, TellsAnErrorAndGoesOnWhenItIsDismissed) {
     (void)person.see(Control::any, "Create your first clone to get started.");
 }
 
-TEST_F(TheWindow, EndsWhenItIsClosed) {
+TEST_F(TheWindow, EndsWhenItIsClosedAndHasWrittenNoSettings) {
+    const auto before = treeOf(quorvelctl.home.path());
     open();
+    openSheet("File / Folder");
+    person.click(Control::button, "Browse…");
+    (void)person.see(Control::button, "Choose");
+    Person::press("Escape");
+    person.seeNoMore(Control::button, "Choose");
+    Person::press("Escape");
+    person.seeNoMore(Control::any, "New Shortcut");
     Person::press("alt+F4"); // the window manager's key for it
     ASSERT_TRUE(waitFor([&] { return !program->isRunning(); }));
     EXPECT_EQ(program->waitUntilExit(), 0);
+    EXPECT_EQ(treeOf(quorvelctl.home.path()), before);
 }
 
 } // namespace

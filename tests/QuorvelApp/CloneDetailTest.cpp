@@ -74,6 +74,9 @@ TEST_F(CloneDetailTest, OffersToMoveFilesUntilTheyAreMoved) {
     open();
     select(work);
     EXPECT_TRUE(shown(u"This clone keeps its own Downloads, Documents & Desktop"_s));
+    EXPECT_TRUE(shown(u"Files it saves are tucked inside its data folder. Move them into your "
+                      u"Mac's shared folders and share them from now on — accounts and settings "
+                      u"stay isolated."_s));
     button(u"Move files to shared folders"_s)->click();
     EXPECT_TRUE(shown(u"Move “Work” files to your shared folders?"_s));
     button(u"Move Files & Share"_s)->click();
@@ -83,6 +86,73 @@ TEST_F(CloneDetailTest, OffersToMoveFilesUntilTheyAreMoved) {
     EXPECT_FALSE(shown(u"This clone keeps its own Downloads, Documents & Desktop"_s));
     button(u"OK"_s)->click();
     EXPECT_FALSE(stubs.model().statusMessage());
+}
+
+TEST_F(CloneDetailTest, AMigrationIsExplainedAndCanBeCancelled) {
+    const InstanceRecord work = addClone("Work");
+    write(home / "QuorvelInstances/Work/Downloads/a", "x");
+    fs::create_directories(home / "Downloads");
+    open();
+    select(work);
+    for (const bool byKey : {false, true}) {
+        button(u"Move files to shared folders"_s)->click();
+        EXPECT_TRUE(
+            shown(u"Files in this clone's Downloads, Documents and Desktop move into your Mac's "
+                  u"real folders — nothing is overwritten (a name clash gets a number). Future "
+                  u"saves go there too, while the clone's accounts and settings stay isolated. "
+                  u"Quit the clone first if it's running."_s));
+        if (byKey) {
+            QTest::keyClick(window->findChildren<MessageSheet*>().constLast(), Qt::Key_Escape);
+        } else {
+            button(u"Cancel"_s)->click();
+        }
+        EXPECT_FALSE(shown(u"Move “Work” files to your shared folders?"_s));
+    }
+    EXPECT_FALSE(eventually([&] { return stubs.model().statusMessage().has_value(); },
+                            std::chrono::milliseconds(100)));
+    EXPECT_EQ(read(home / "QuorvelInstances/Work/Downloads/a"), "x");
+    EXPECT_TRUE(shown(u"This clone keeps its own Downloads, Documents & Desktop"_s));
+}
+
+TEST_F(CloneDetailTest, TheOfferGoesOnceALaunchHasLinkedTheFolders) {
+    const InstanceRecord work = addClone("Work");
+    const QString offer = u"This clone keeps its own Downloads, Documents & Desktop"_s;
+    fs::create_directories(home / "Downloads");
+    fs::create_directories(home / "QuorvelInstances/Work/Downloads");
+    open();
+    select(work);
+    EXPECT_TRUE(shown(offer));
+    button(u"Launch"_s)->click();
+    EXPECT_FALSE(shown(offer));
+
+    fs::remove(home / "QuorvelInstances/Work/Downloads");
+    fs::create_directories(home / "QuorvelInstances/Work/Downloads");
+    stubs.model().reload();
+    EXPECT_TRUE(shown(offer));
+    stubs.model().launch(work);
+    ASSERT_TRUE(eventually([&] { return !stubs.delayed.empty(); }));
+    stubs.delayed.back()();
+    EXPECT_FALSE(shown(offer)) << "launched from elsewhere";
+}
+
+TEST_F(CloneDetailTest, TheHeaderIsAsHighAsItsIconInEveryWindow) {
+    InstanceConfig plain = minimalConfig("Build");
+    plain.kind = ShortcutKind::command;
+    plain.commandPath = "/bin/true";
+    const InstanceRecord build = addClone("Build", plain);
+    open();
+    select(build);
+    for (const int height : {480, 690, 1400}) {
+        window->resize(980, height);
+        QCoreApplication::processEvents();
+        const auto* detail = window->findChild<CloneDetailView*>();
+        const auto top = [&](const QWidget* widget) { return widget->mapTo(detail, QPoint()).y(); };
+        const auto* icon = detail->findChild<AppIcon*>();
+        EXPECT_EQ(icon->size(), QSize(64, 64));
+        EXPECT_EQ(icon->parentWidget()->height(), 64) << height;
+        EXPECT_EQ(top(icon), 26) << height;
+        EXPECT_EQ(top(button(u"Launch"_s)), 26 + 64 + 18) << height;
+    }
 }
 
 } // namespace

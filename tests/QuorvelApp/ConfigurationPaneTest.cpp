@@ -1,8 +1,19 @@
+#include "LaunchKit/IcnsWriter.h"
+#include "QuorvelApp/ColorWell.h"
 #include "tests/QuorvelApp/WindowFixture.h"
+#include "tests/support/IconArtwork.h"
 
+#include <QApplication>
 #include <QCheckBox>
+#include <QColorDialog>
 #include <QComboBox>
 #include <QPlainTextEdit>
+#include <QScrollArea>
+#include <QScrollBar>
+#include <QTest>
+#include <QWheelEvent>
+
+#include <array>
 
 namespace quorvel::testing {
 namespace {
@@ -25,11 +36,8 @@ TEST_F(ConfigurationPaneTest, SelectingAnAppFillsTheConfiguration) {
 }
 
 TEST_F(ConfigurationPaneTest, ASandboxedAppIsWarnedAbout) {
-    addApps();
     stubs.sandboxed = {"/Applications/Mail.app"};
-    open();
-    NewCloneView& sheet = openSheet();
-    choose(u"Mail"_s);
+    NewCloneView& sheet = openSheetWith(u"Mail"_s);
     const QString warning =
         u"This app is sandboxed. macOS won't let Quorvel give it a separate data container, so "
         u"both copies will share the same account and settings. You'll get a separate Dock icon, "
@@ -60,17 +68,13 @@ TEST_F(ConfigurationPaneTest, ALateAnswerForAnotherAppIsDropped) {
 }
 
 TEST_F(ConfigurationPaneTest, DetectionShowsASpinnerThenItsOutcome) {
-    addApps();
     stubs.probe = [] { return ProbeResult{.recommendedStrategy = Strategy::wrapperIdentity}; };
-    open();
-    NewCloneView& sheet = openSheet();
-    choose(u"Notes"_s);
+    NewCloneView& sheet = openSheetWith(u"Notes"_s);
     // The proposal made for the app would take the place of what is detected before it comes.
     ASSERT_TRUE(eventually([&] {
         return sheet.session().form().strategyReason.find("sandboxed") != std::string::npos;
     }));
     QPushButton* detect = button(u"Auto-detect"_s);
-    EXPECT_EQ(detect->toolTip(), u"Launch the app briefly to detect how it stores data"_s);
     stubs.tasks->holding = true;
     detect->click();
     EXPECT_FALSE(detect->isEnabled());
@@ -82,11 +86,8 @@ TEST_F(ConfigurationPaneTest, DetectionShowsASpinnerThenItsOutcome) {
 }
 
 TEST_F(ConfigurationPaneTest, AFailedDetectionIsTold) {
-    addApps();
     stubs.probe = [] { return std::nullopt; };
-    open();
-    openSheet();
-    choose(u"Notes"_s);
+    openSheetWith(u"Notes"_s);
     button(u"Auto-detect"_s)->click();
     EXPECT_TRUE(eventually(
         [&] { return shown(u"Couldn't detect: Not a readable .app: /Applications/Notes.app"_s); }));
@@ -125,6 +126,94 @@ TEST_F(ConfigurationPaneTest, AdvancedOptionsAreFoldedAwayAndBoundToTheForm) {
     EXPECT_EQ(field(u"Data location"_s)->placeholderText(), u"~/QuorvelInstances/Notes (2)"_s);
 }
 
+TEST_F(ConfigurationPaneTest, TheAdvancedOptionsExplainThemselves) {
+    openSheetWith(u"Notes"_s);
+    button(u"Advanced options"_s)->click();
+    for (const QString& help :
+         {u"Where this clone's isolated data is stored. Put it on an external or cloud drive if "
+          u"you "
+          u"like."_s,
+          u"Draws a short text badge on the Dock icon to tell clones apart."_s,
+          u"Passed to the app on launch. Leave blank for the auto-detected default — Electron & "
+          u"Chromium browsers get --user-data-dir, Firefox gets -profile, Eclipse gets -data, "
+          u"automatically."_s,
+          u"One KEY=VALUE per line. {{instanceHome}} expands to the data location."_s,
+          u"One KEY=VALUE per line, e.g. LSUIElement=true. Merged into the wrapper's Info.plist."_s,
+          u"Off (default): saved files go to your shared Finder folders. On: the clone keeps its "
+          u"own, inside its data folder — for a sandboxed or automated clone you don't want "
+          u"touching your files."_s}) {
+        EXPECT_TRUE(shown(help)) << help.toStdString();
+    }
+    EXPECT_EQ(button(u"Auto-detect"_s)->toolTip(),
+              u"Launch the app briefly to detect how it stores data"_s);
+    EXPECT_EQ(field(u"Icon label"_s)->placeholderText(), u"e.g. WORK"_s);
+    EXPECT_EQ(field(u"Launch arguments"_s)->placeholderText(), u"--flag value"_s);
+}
+
+TEST_F(ConfigurationPaneTest, TheColourWellColoursTheLabel) {
+    NewCloneView& sheet = openSheetWith(u"Notes"_s);
+    button(u"Advanced options"_s)->click();
+    field(u"Icon label"_s)->setText(u"WORK"_s);
+    EXPECT_EQ(sheet.session().form().makeRequest().iconLabel->colorHex, "#FFFFFF");
+    auto* well = window->findChild<ColorWell*>();
+    const QImage white = well->grab().toImage();
+    well->click();
+    auto* colors = window->findChild<QColorDialog*>();
+    ASSERT_NE(colors, nullptr);
+    colors->setCurrentColor(QColor(0x12, 0xAB, 0x0F));
+    colors->accept();
+    EXPECT_EQ(sheet.session().form().makeRequest().iconLabel->colorHex, "#12AB0F");
+    const QImage picture = well->grab().toImage();
+    EXPECT_EQ(white.pixelColor(22, 12), QColor(Qt::white));
+    EXPECT_EQ(picture.pixelColor(22, 12), QColor(0x12, 0xAB, 0x0F));
+}
+
+TEST_F(ConfigurationPaneTest, TheWheelScrollsThePaneAndChangesNoChoice) {
+    NewCloneView& sheet = openSheetWith(u"Notes"_s);
+    button(u"Advanced options"_s)->click();
+    auto* pane = window->findChild<ConfigurationPane*>()->findChild<QScrollArea*>();
+    auto* choices = window->findChild<QComboBox*>();
+    choices->setFocus();
+    ASSERT_TRUE(eventually([&] { return pane->verticalScrollBar()->maximum() > 100; }));
+    pane->verticalScrollBar()->setValue(0);
+    const QPointF middle = choices->rect().center();
+    QWheelEvent turn(middle, choices->mapToGlobal(middle), {}, {0, -120}, Qt::NoButton,
+                     Qt::NoModifier, Qt::NoScrollPhase, false);
+    QSpontaneKeyEvent::setSpontaneous(
+        &turn); // as the system's are; others stay where they are sent
+    qApp->notify(choices, &turn);
+    EXPECT_EQ(choices->currentIndex(), 0);
+    EXPECT_EQ(sheet.session().form().strategy, Strategy::homeOverride);
+    EXPECT_GT(pane->verticalScrollBar()->value(), 0);
+}
+
+TEST_F(ConfigurationPaneTest, ADetectionOfAnAppThatIsSelectedNoMoreIsDropped) {
+    for (const bool succeeds : {true, false}) {
+        stubs.probe = [succeeds]() -> std::optional<ProbeResult> {
+            return succeeds ? std::optional(
+                                  ProbeResult{.recommendedStrategy = Strategy::wrapperIdentity})
+                            : std::nullopt;
+        };
+        stubs.installed.clear();
+        NewCloneView& sheet = openSheetWith(u"Notes"_s);
+        const auto hasProposal = [&] {
+            return sheet.session().form().strategyReason.find("sandboxed") != std::string::npos;
+        };
+        ASSERT_TRUE(eventually(hasProposal));
+        stubs.tasks->holding = true;
+        button(u"Auto-detect"_s)->click();
+        choose(u"Mail"_s);
+        EXPECT_TRUE(sheet.session().form().detecting) << "it goes on";
+        stubs.tasks->release();
+        ASSERT_TRUE(eventually([&] { return !sheet.session().form().detecting && hasProposal(); }));
+        EXPECT_EQ(sheet.session().form().strategy, Strategy::homeOverride);
+        EXPECT_FALSE(sheet.session().form().detectNote);
+        EXPECT_TRUE(button(u"Auto-detect"_s)->isEnabled());
+        EXPECT_TRUE(shown(u"“Mail” isn’t sandboxed → Home override (A), the reliable path most "
+                          u"apps use."_s));
+    }
+}
+
 TEST_F(ConfigurationPaneTest, TheIsolationBoxIsTheInverseOfSharing) {
     NewCloneView& sheet = openSheetWith(u"Notes"_s);
     button(u"Advanced options"_s)->click();
@@ -151,13 +240,15 @@ TEST_F(ConfigurationPaneTest, TheMonochromeBoxNeedsAMenuBarIcon) {
 }
 
 TEST_F(ConfigurationPaneTest, ACustomIconIsChosenShownAndCleared) {
-    panels.icon = [](QWidget*) { return std::optional<std::filesystem::path>("/i/mine.icns"); };
+    const std::filesystem::path icon = home / "mine.icns";
+    write(icon, icnsFile(std::array{icnsChunk(chatIcon(64))}));
+    panels.icon = [&](QWidget*) { return std::optional(icon); };
     panels.dataFolder = [](QWidget*) { return std::optional<std::filesystem::path>("/Volumes/E"); };
     NewCloneView& sheet = openSheetWith(u"Notes"_s);
     button(u"Advanced options"_s)->click();
     EXPECT_TRUE(shown(u"Uses the app's own icon"_s));
     button(u"Choose .icns…"_s)->click();
-    EXPECT_EQ(sheet.session().form().customIcon, std::filesystem::path("/i/mine.icns"));
+    ASSERT_TRUE(eventually([&] { return sheet.session().form().customIcon == icon; }));
     EXPECT_FALSE(shown(u"Uses the app's own icon"_s));
     button(u"Clear"_s)->click();
     EXPECT_FALSE(sheet.session().form().customIcon);

@@ -25,6 +25,7 @@ protected:
 
     NewCloneForm form() { return window->findChild<NewCloneView*>()->session().form(); }
     AppGrid* grid() { return window->findChild<AppGrid*>(); }
+    QString ring() { return grid()->currentIndex().data().toString(); }
 
     // The names of what the tabulator reaches, from the first control on until it is there again.
     std::vector<QString> tabOrder() {
@@ -90,23 +91,62 @@ TEST_F(KeyboardTest, TheTabulatorGoesBackwardsToo) {
     EXPECT_EQ(window->focusWidget(), button(u"Create Shortcut"_s));
 }
 
-TEST_F(KeyboardTest, ArrowsMoveInTheGridAndSelect) {
+TEST_F(KeyboardTest, ArrowsMoveTheRingAndSpaceOrReturnSelects) {
     addApps();
     open();
     openSheet();
     (void)window->grab();
     grid()->setFocus();
-    EXPECT_FALSE(form().selected) << "the focus alone chooses nothing";
+    EXPECT_EQ(ring(), u"Mail"_s) << "the first tile";
     press(Qt::Key_Right);
+    press(Qt::Key_Right);
+    EXPECT_EQ(ring(), u"Zoom"_s);
+    EXPECT_FALSE(form().selected) << "neither focus nor arrows choose";
+    press(Qt::Key_Space);
     ASSERT_TRUE(form().selected);
-    EXPECT_EQ(form().selected->name, "Mail");
-    press(Qt::Key_Right);
-    EXPECT_EQ(form().selected->name, "Notes");
-    press(Qt::Key_End);
     EXPECT_EQ(form().selected->name, "Zoom");
+    press(Qt::Key_Home);
+    EXPECT_EQ(form().selected->name, "Zoom");
+    press(Qt::Key_Return);
+    EXPECT_EQ(form().selected->name, "Mail");
+    EXPECT_EQ(form().cloneName, "Mail (2)");
+    EXPECT_FALSE(form().creating) << "the first Return was the tile's";
+}
+
+TEST_F(KeyboardTest, TheRingBeginsAtTheSelectedTile) {
+    openSheetWith(u"Notes"_s);
+    grid()->setFocus();
+    EXPECT_EQ(ring(), u"Notes"_s);
+}
+
+TEST_F(KeyboardTest, PressingTheSelectedTileAgainKeepsNameAndOptions) {
+    openSheetWith(u"Notes"_s);
+    field(u"Name"_s)->setText(u"Mine"_s);
+    button(u"Advanced options"_s)->click();
+    field(u"Launch arguments"_s)->setText(u"--mine"_s);
+    grid()->setFocus();
+    press(Qt::Key_Space);
+    QTest::mouseClick(grid()->viewport(), Qt::LeftButton, {}, middleOfTile(u"Notes"_s));
+    EXPECT_EQ(form().cloneName, "Mine");
+    EXPECT_EQ(form().argsText, "--mine");
     press(Qt::Key_Left);
-    EXPECT_EQ(form().selected->name, "Notes");
-    EXPECT_EQ(form().cloneName, "Notes (2)");
+    EXPECT_EQ(ring(), u"Mail"_s);
+    EXPECT_EQ(form().argsText, "--mine");
+    press(Qt::Key_Space);
+    EXPECT_EQ(form().cloneName, "Mail (2)");
+    EXPECT_EQ(form().argsText, "") << "another app begins anew";
+}
+
+TEST_F(KeyboardTest, TheRingShows) {
+    openSheetWith(u"Notes"_s);
+    grid()->setFocus();
+    const auto cell = [&](int row) {
+        return grid()->viewport()->grab(grid()->visualRect(grid()->model()->index(row, 0)));
+    };
+    const QImage without = cell(0).toImage();
+    press(Qt::Key_Left);
+    EXPECT_EQ(ring(), u"Mail"_s);
+    EXPECT_NE(cell(0).toImage(), without);
 }
 
 TEST_F(KeyboardTest, ArrowsGoFromRowToRow) {
@@ -124,13 +164,15 @@ TEST_F(KeyboardTest, ArrowsGoFromRowToRow) {
     const QRect below = grid()->visualRect(grid()->currentIndex());
     EXPECT_EQ(below.left(), first.left());
     EXPECT_GT(below.top(), first.top());
-    EXPECT_EQ(form().selected->name, grid()->currentIndex().data().toString().toStdString());
 }
 
 TEST_F(KeyboardTest, TypingFindsAnAppInTheGrid) {
     openSheetWith(u"Mail"_s);
     grid()->setFocus();
     QTest::keyClicks(grid(), u"zo"_s);
+    EXPECT_EQ(ring(), u"Zoom"_s);
+    EXPECT_EQ(form().selected->name, "Mail");
+    press(Qt::Key_Space);
     EXPECT_EQ(form().selected->name, "Zoom");
 }
 
@@ -238,6 +280,61 @@ TEST_F(KeyboardTest, ArrowsAndTypingMoveInTheListOfClones) {
     EXPECT_TRUE(shown(u"Play"_s));
     QTest::keyClicks(list, u"w"_s);
     EXPECT_EQ(window->content().sidebar().selection(), work.id());
+}
+
+TEST_F(KeyboardTest, TheDialogOfADeletionBeginsAtItsCancelButton) {
+    const InstanceRecord work = addClone("Work");
+    open();
+    select(work);
+    button(u"Delete"_s)->click();
+    EXPECT_EQ(window->focusWidget(), button(u"Cancel"_s));
+    press(Qt::Key_Space);
+    EXPECT_FALSE(shown(u"Delete “Work”?"_s));
+    QTest::keyClick(window.get(), Qt::Key_D, Qt::AltModifier);
+    ASSERT_TRUE(eventually([&] { return shown(u"Delete “Work”?"_s); }));
+    press(Qt::Key_Space);
+    EXPECT_FALSE(shown(u"Delete “Work”?"_s));
+    EXPECT_TRUE(fs::exists(work.bundleURL));
+}
+
+TEST_F(KeyboardTest, TheDialogOfAMigrationBeginsAtItsFirstButton) {
+    const InstanceRecord work = addClone("Work");
+    write(home / "QuorvelInstances/Work/Downloads/a", "x");
+    open();
+    select(work);
+    button(u"Move files to shared folders"_s)->click();
+    EXPECT_EQ(window->focusWidget(), button(u"Move Files & Share"_s));
+}
+
+TEST_F(KeyboardTest, ReturnPressesTheButtonThatHasTheRing) {
+    const InstanceRecord work = addClone("Work");
+    openSheetWith(u"Notes"_s);
+    button(u"Cancel"_s)->setFocus();
+    press(Qt::Key_Return);
+    EXPECT_FALSE(form().creating);
+    EXPECT_FALSE(window->content().showingNewClone());
+    EXPECT_TRUE(sheetIsGone());
+
+    select(work);
+    button(u"Launch"_s)->setFocus();
+    press(Qt::Key_Return);
+    EXPECT_EQ(stubs.workspace->opened.size(), 1U) << "in the window too";
+
+    button(u"Delete"_s)->click();
+    button(u"Delete Clone Only"_s)->setFocus();
+    press(Qt::Key_Return);
+    EXPECT_FALSE(fs::exists(work.bundleURL));
+}
+
+TEST_F(KeyboardTest, TheDefaultButtonStaysSoOnceTheFocusHasLeftIt) {
+    makeClones();
+    openSheetWith(u"Notes"_s);
+    button(u"Create Shortcut"_s)->setFocus();
+    button(u"Cancel"_s)->setFocus();
+    field(u"Name"_s)->setFocus();
+    press(Qt::Key_Return);
+    EXPECT_TRUE(sheetIsGone());
+    EXPECT_EQ(stubs.model().clones().size(), 1U);
 }
 
 TEST_F(KeyboardTest, ReturnInTheDialogOfADeletionDeletesNothing) {

@@ -1,53 +1,62 @@
-#include "QuorvelApp/MainWindow.h"
-#include "tests/QuorvelApp/StubServices.h"
-#include "tests/support/TemporaryHome.h"
+#include "QuorvelApp/QuorvelApp.h"
+#include "tests/QuorvelApp/WindowFixture.h"
 
 #include <QAction>
-#include <QMenuBar>
-
-#include <gtest/gtest.h>
+#include <QTest>
 
 namespace quorvel::testing {
 namespace {
 
 using namespace Qt::StringLiterals;
 
-// The commands of the window's menus, by their words.
-class Menus : public ::testing::Test {
-protected:
-    std::map<QString, QAction*> commands() {
-        std::map<QString, QAction*> found;
-        for (QAction* menu : window.menuBar()->actions()) {
-            for (QAction* command : menu->menu()->actions()) {
-                found[command->text().remove(u'&')] = command;
-            }
-        }
-        return found;
-    }
-
-    TemporaryHome home;
-    StubbedModel stubs{home / "Applications"};
-    UpdaterController updater;
-    IconLoader icons{std::make_shared<ThreadPoolTasks>()};
-    MainWindow window{stubs.model(), updater, icons};
-};
+class Menus : public WindowTest {};
 
 // Left to itself, macOS would guess from the words which command belongs into its own menu.
 TEST_F(Menus, SayOfEveryCommandWhereMacOSIsToPutIt) {
-    std::map<QString, QAction::MenuRole> roles;
-    for (const auto& [text, command] : commands()) {
-        roles[text] = command->menuRole();
-    }
-    EXPECT_EQ(roles, (std::map<QString, QAction::MenuRole>{
-                         {u"Check for Updates…"_s, QAction::ApplicationSpecificRole},
-                         {u"New Clone…"_s, QAction::NoRole},
-                         {u"Refresh"_s, QAction::NoRole}}));
+    open();
+    EXPECT_EQ(command(u"Check for Updates…"_s)->menuRole(), QAction::ApplicationSpecificRole);
+    EXPECT_EQ(command(u"New Clone…"_s)->menuRole(), QAction::NoRole);
+    EXPECT_EQ(command(u"Refresh"_s)->menuRole(), QAction::NoRole);
 }
 
 TEST_F(Menus, KeepTheSearchForUpdatesDisabledWithoutAFeed) {
-    QAction* check = commands().at(u"Check for Updates…"_s);
+    open();
+    QAction* check = command(u"Check for Updates…"_s);
     EXPECT_FALSE(check->isEnabled());
     check->trigger();
+}
+
+TEST_F(Menus, CheckForUpdatesAsSoonAndAsLongAsTheServiceCan) {
+    auto service = std::make_unique<StubUpdates>();
+    StubUpdates& updates = *service;
+    UpdaterController configured(std::move(service));
+    window = std::make_unique<MainWindow>(stubs.model(), configured, icons, panels);
+    QAction* check = command(u"Check for Updates…"_s);
+    EXPECT_TRUE(check->isEnabled());
+    check->trigger();
+    EXPECT_EQ(updates.checks, 1);
+    updates.tell(false);
+    EXPECT_FALSE(check->isEnabled());
+    check->trigger();
+    EXPECT_EQ(updates.checks, 1);
+    updates.tell(true);
+    EXPECT_TRUE(check->isEnabled());
+    window.reset(); // before the controller
+}
+
+TEST_F(Menus, BelongToAWindowThatComesToTheFrontAtTheStart) {
+    QWidget other;
+    other.show();
+    other.activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&other));
+    AppServices services = AppServices::ofTheSystem();
+    services.registry = InstanceRegistry({folder});
+    services.workspace = stubs.workspace;
+    QuorvelApp application(std::move(services));
+    EXPECT_FALSE(application.window().isVisible());
+    application.start();
+    EXPECT_TRUE(QTest::qWaitForWindowActive(&application.window()));
+    EXPECT_EQ(QApplication::activeWindow(), &application.window());
 }
 
 TEST(SystemUpdates, AreNotConfiguredOutsideAnApplicationWithAFeed) {

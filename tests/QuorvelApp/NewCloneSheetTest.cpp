@@ -23,11 +23,8 @@ TEST_F(NewCloneSheetTest, ASheetEndsWithEscapeAndBeginsAnew) {
 }
 
 TEST_F(NewCloneSheetTest, CreatingShowsThatItGoesOnAndThenClosesTheSheet) {
-    addApps();
     stubs.create = [&](const auto& request) { return addClone(request.displayName).bundleURL; };
-    open();
-    openSheet();
-    choose(u"Notes"_s);
+    openSheetWith(u"Notes"_s);
     stubs.tasks->holding = true;
     button(u"Create Shortcut"_s)->click();
     EXPECT_FALSE(button(u"Creating…"_s)->isEnabled());
@@ -35,6 +32,23 @@ TEST_F(NewCloneSheetTest, CreatingShowsThatItGoesOnAndThenClosesTheSheet) {
     ASSERT_TRUE(eventually([&] { return !window->content().showingNewClone(); }));
     EXPECT_EQ(stubs.model().clones().size(), 1U);
     EXPECT_EQ(stubs.workspace->opened.size(), 1U) << "launched, as the box says";
+}
+
+TEST_F(NewCloneSheetTest, ClosesBeforeItsCreationCountsAsEnded) {
+    stubs.create = [&](const auto& request) { return addClone(request.displayName).bundleURL; };
+    NewCloneView& sheet = openSheetWith(u"Notes"_s);
+    std::vector<std::string> order;
+    QObject::connect(&sheet, &QDialog::accepted, &sheet, [&] {
+        order.push_back(sheet.session().form().creating ? "closed while creating" : "closed");
+    });
+    QObject::connect(&sheet.session(), &NewCloneSession::changed, &sheet, [&] {
+        if (!sheet.session().form().creating) {
+            order.push_back("ended");
+        }
+    });
+    button(u"Create Shortcut"_s)->click();
+    ASSERT_TRUE(eventually([&] { return order.size() == 2; }));
+    EXPECT_EQ(order, (std::vector<std::string>{"closed while creating", "ended"}));
 }
 
 TEST_F(NewCloneSheetTest, EndsWhileAPanelIsOpenAndTheAnswerComesTooLate) {
@@ -71,10 +85,7 @@ TEST_F(NewCloneSheetTest, KeepsTheMnemonicsOfWhatItCovers) {
 }
 
 TEST_F(NewCloneSheetTest, TakesTheEditorsTextAsItWasTyped) {
-    addApps();
-    open();
-    NewCloneView& sheet = openSheet();
-    choose(u"Notes"_s);
+    NewCloneView& sheet = openSheetWith(u"Notes"_s);
     for (auto* editor : sheet.findChildren<QPlainTextEdit*>()) {
         editor->setPlainText(u"A=x\u00A0y\nB=2"_s);
     }
@@ -82,13 +93,10 @@ TEST_F(NewCloneSheetTest, TakesTheEditorsTextAsItWasTyped) {
 }
 
 TEST_F(NewCloneSheetTest, AFailedCreationKeepsTheFormAsItWas) {
-    addApps();
     stubs.create = [](const auto&) -> fs::path {
         throw WrapperFactory::FactoryError::runnerNotFound();
     };
-    open();
-    NewCloneView& sheet = openSheet();
-    choose(u"Notes"_s);
+    NewCloneView& sheet = openSheetWith(u"Notes"_s);
     field(u"Name"_s)->setText(u"Mine"_s);
     button(u"Create Shortcut"_s)->click();
     ASSERT_TRUE(eventually([&] { return shown(u"Something went wrong"_s); }));
@@ -99,15 +107,12 @@ TEST_F(NewCloneSheetTest, AFailedCreationKeepsTheFormAsItWas) {
 }
 
 TEST_F(NewCloneSheetTest, EditsDuringACreationDoNotReachTheRequest) {
-    addApps();
     std::string made;
     stubs.create = [&](const auto& request) {
         made = request.displayName;
         return addClone(request.displayName).bundleURL;
     };
-    open();
-    openSheet();
-    choose(u"Notes"_s);
+    openSheetWith(u"Notes"_s);
     stubs.tasks->holding = true;
     button(u"Create Shortcut"_s)->click();
     field(u"Name"_s)->setText(u"Late"_s);
@@ -117,13 +122,10 @@ TEST_F(NewCloneSheetTest, EditsDuringACreationDoNotReachTheRequest) {
 }
 
 TEST_F(NewCloneSheetTest, AFailureAfterTheSheetWasCancelledIsStillTold) {
-    addApps();
     stubs.create = [](const auto&) -> fs::path {
         throw WrapperFactory::FactoryError::runnerNotFound();
     };
-    open();
-    openSheet();
-    choose(u"Notes"_s);
+    openSheetWith(u"Notes"_s);
     stubs.tasks->holding = true;
     button(u"Create Shortcut"_s)->click();
     button(u"Cancel"_s)->click();

@@ -32,6 +32,11 @@ RunningApplications StubWorkspace::runningApplications() {
     return RunningApplications(std::move(applications));
 }
 
+void StubUpdates::observe(std::function<void(bool)> changed) {
+    tell = std::move(changed);
+    tell(true);
+}
+
 void RecordingTasks::start(TaskPriority priority, std::function<void()> work) {
     priorities.push_back(priority);
     if (holding) {

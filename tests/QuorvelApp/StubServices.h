@@ -1,6 +1,7 @@
 #pragma once
 
 #include "QuorvelApp/AppModel.h"
+#include "QuorvelApp/Updater.h"
 
 #include <QThread>
 
@@ -30,6 +31,16 @@ public:
     std::vector<std::filesystem::path> revealed{};
     std::set<std::string> running{};
     int looks = 0;
+};
+
+/// An updater that can check at first, and counts how often it was told to.
+class StubUpdates final : public UpdateService {
+public:
+    void observe(std::function<void(bool)> changed) override;
+    void checkForUpdates() override { ++checks; }
+
+    int checks = 0;
+    std::function<void(bool)> tell{};
 };
 
 /// Runs work on real threads, and remembers at which priority each piece was started.

@@ -1,10 +1,7 @@
 #include "tests/QuorvelApp/WindowFixture.h"
 
-#include <QApplication>
 #include <QComboBox>
-#include <QHelpEvent>
 #include <QTest>
-#include <QTextDocumentFragment>
 #include <QToolTip>
 
 namespace quorvel::testing {
@@ -47,6 +44,36 @@ TEST_F(TargetPaneTest, SearchingFiltersTheGrid) {
     EXPECT_FALSE(field(u"Search apps"_s)->isVisible());
 }
 
+TEST_F(TargetPaneTest, OnlyNamesAreSearched) {
+    addApps();
+    stubs.installed[0].bundleId = "com.example.notes-helper";
+    open();
+    openSheet();
+    field(u"Search apps"_s)->setText(u"notes"_s);
+    const auto* grid = window->findChild<AppGrid*>();
+    ASSERT_EQ(grid->model()->rowCount(), 1) << "no identifier";
+    EXPECT_EQ(grid->model()->index(0, 0).data(), u"Notes"_s);
+    field(u"Search apps"_s)->setText(u"Applications"_s);
+    EXPECT_EQ(grid->model()->rowCount(), 0) << "no path";
+}
+
+TEST_F(TargetPaneTest, TheAppsStayInViewDuringAnotherScan) {
+    openSheetWith(u"Notes"_s);
+    button(u"Cancel"_s)->click();
+    ASSERT_TRUE(eventually([&] { return window->findChild<NewCloneView*>() == nullptr; }));
+    stubs.tasks->holding = true;
+    window->content().showNewClone();
+    EXPECT_TRUE(stubs.model().catalogLoading());
+    EXPECT_FALSE(shown(u"Scanning your apps…"_s));
+    const auto* grid = window->findChild<AppGrid*>();
+    EXPECT_TRUE(grid->isVisible());
+    EXPECT_EQ(grid->model()->rowCount(), 3);
+    field(u"Search apps"_s)->setText(u"xyz"_s);
+    EXPECT_TRUE(shown(u"No apps match “xyz”."_s)) << "rather than that a scan goes on";
+    stubs.tasks->release();
+    EXPECT_TRUE(eventually([&] { return !stubs.model().catalogLoading(); }));
+}
+
 TEST_F(TargetPaneTest, ATileThatAppearsAsksForItsSandboxStatusOnce) {
     addApps();
     stubs.sandboxed = {"/Applications/Mail.app"};
@@ -61,16 +88,48 @@ TEST_F(TargetPaneTest, ATileThatAppearsAsksForItsSandboxStatusOnce) {
     EXPECT_FALSE(grid->model()->index(1, 0).data(AppGridModel::SandboxedRole).toBool());
 }
 
-TEST_F(TargetPaneTest, AWebAddressNamesItsClone) {
-    addApps();
+TEST_F(TargetPaneTest, AWebAddressNamesItsCloneWhileItIsTyped) {
     open();
     NewCloneView& sheet = openSheet();
     button(u"Web App"_s)->click();
     EXPECT_TRUE(shown(u"Enter a website URL"_s));
-    QTest::keyClicks(field(u"Website URL"_s), u"www.a.test"_s);
-    EXPECT_FALSE(sheet.session().form().cloneName.empty());
+    QTest::keyClicks(field(u"Website URL"_s), u"www.mail.host.test"_s);
+    EXPECT_EQ(sheet.session().form().cloneName, "Mail.Host.Test");
+    EXPECT_EQ(field(u"Name"_s)->text(), u"Mail.Host.Test"_s);
     EXPECT_FALSE(shown(u"Enter a website URL"_s));
     EXPECT_FALSE(window->findChild<QComboBox*>()->isVisible()) << "no strategy for a website";
+    field(u"Website URL"_s)->clear();
+    QTest::keyClicks(field(u"Website URL"_s), u"https://www.other.test/a/b?c"_s);
+    EXPECT_EQ(sheet.session().form().cloneName, "Other.Test");
+    QTest::keyClicks(field(u"Website URL"_s), u" and more"_s);
+    EXPECT_EQ(sheet.session().form().cloneName, "") << "which is no address";
+}
+
+TEST_F(TargetPaneTest, ACommandNamesItsCloneWhileItIsTyped) {
+    open();
+    NewCloneView& sheet = openSheet();
+    button(u"Command"_s)->click();
+    QLineEdit* command = field(u"Command"_s);
+    QTest::keyClicks(command, u"/"_s);
+    EXPECT_EQ(sheet.session().form().cloneName, "") << "the root names nothing";
+    QTest::keyClicks(command, u"usr/local/bin/my-tool"_s);
+    EXPECT_EQ(sheet.session().form().cloneName, "My-Tool");
+}
+
+TEST_F(TargetPaneTest, ANameTypedByHandStaysWhateverIsTypedElsewhere) {
+    open();
+    NewCloneView& sheet = openSheet();
+    button(u"Web App"_s)->click();
+    QTest::keyClicks(field(u"Website URL"_s), u"mail.test"_s);
+    QTest::keyClicks(field(u"Name"_s), u"!"_s);
+    QTest::keyClicks(field(u"Website URL"_s), u"ing"_s);
+    EXPECT_EQ(sheet.session().form().cloneName, "Mail.Test!");
+    QTest::keyClick(field(u"Name"_s), Qt::Key_Backspace);
+    QTest::keyClicks(field(u"Website URL"_s), u"s"_s);
+    EXPECT_EQ(sheet.session().form().cloneName, "Mail.Test") << "the same name, but by hand";
+    field(u"Name"_s)->clear();
+    QTest::keyClicks(field(u"Website URL"_s), u".org"_s);
+    EXPECT_EQ(sheet.session().form().cloneName, "Mail.Testings.Org");
 }
 
 TEST_F(TargetPaneTest, PanelsFillTheirFieldsAndCancellingChangesNothing) {
@@ -114,10 +173,7 @@ TEST_F(TargetPaneTest, ATileTellsWhatItsLockMeansAndItsWholeName) {
     ASSERT_TRUE(eventually([&] { return stubs.model().sandboxStatus().size() == 2; }));
     auto* grid = window->findChild<AppGrid*>();
     const auto tip = [&](int row, QPoint from) {
-        const QPoint at = grid->visualRect(grid->model()->index(row, 0)).topLeft() + from;
-        QHelpEvent event(QEvent::ToolTip, at, grid->viewport()->mapToGlobal(at));
-        QApplication::sendEvent(grid->viewport(), &event);
-        return QTextDocumentFragment::fromHtml(QToolTip::text()).toPlainText();
+        return tooltipAt(grid, grid->visualRect(grid->model()->index(row, 0)).topLeft() + from);
     };
     const int middle = grid->visualRect(grid->model()->index(0, 0)).width() / 2;
     EXPECT_EQ(tip(0, {middle + 20, 8 + 10 + 44}),

@@ -1,4 +1,4 @@
-#include "QuorvelApp/Updater.h"
+#include "tests/QuorvelApp/StubServices.h"
 
 #include <gtest/gtest.h>
 
@@ -12,32 +12,16 @@ TEST(Updater, WithoutAServiceCanNeverCheck) {
     updater.checkForUpdates();
 }
 
-class StubUpdates final : public UpdateService {
-public:
-    explicit StubUpdates(int& checks, std::function<void(bool)>& tell)
-        : checks_(checks),
-          tell_(tell) {}
-    void observe(std::function<void(bool)> changed) override {
-        tell_ = changed;
-        changed(true);
-    }
-    void checkForUpdates() override { ++checks_; }
-
-private:
-    int& checks_;
-    std::function<void(bool)>& tell_;
-};
-
 TEST(Updater, MirrorsTheServicesFlagAndStartsChecks) {
-    int checks = 0;
-    std::function<void(bool)> tell;
-    UpdaterController updater(std::make_unique<StubUpdates>(checks, tell));
+    auto service = std::make_unique<StubUpdates>();
+    StubUpdates& updates = *service;
+    UpdaterController updater(std::move(service));
     EXPECT_TRUE(updater.isConfigured());
     EXPECT_TRUE(updater.canCheckForUpdates());
-    tell(false);
+    updates.tell(false);
     EXPECT_FALSE(updater.canCheckForUpdates());
     updater.checkForUpdates();
-    EXPECT_EQ(checks, 1);
+    EXPECT_EQ(updates.checks, 1);
 }
 
 } // namespace

@@ -1,6 +1,10 @@
 #include "tests/QuorvelApp/WidgetLookup.h"
 
+#include <QApplication>
+#include <QHelpEvent>
 #include <QLabel>
+#include <QTextDocumentFragment>
+#include <QToolTip>
 
 #include <algorithm>
 #include <stdexcept>
@@ -44,6 +48,23 @@ QCheckBox* checkBox(QWidget* root, const QString& name) {
         }
     }
     throw std::runtime_error("no box " + name.toStdString());
+}
+
+void chooseApp(QWidget* root, const QString& name) {
+    auto* grid = root->findChild<AppGrid*>();
+    for (int row = 0; row < grid->model()->rowCount(); ++row) {
+        if (const QModelIndex tile = grid->model()->index(row, 0); tile.data() == name) {
+            grid->selectionModel()->select(tile, QItemSelectionModel::ClearAndSelect);
+            return;
+        }
+    }
+    throw std::runtime_error("no app " + name.toStdString());
+}
+
+QString tooltipAt(QAbstractItemView* view, QPoint place) {
+    QHelpEvent event(QEvent::ToolTip, place, view->viewport()->mapToGlobal(place));
+    QApplication::sendEvent(view->viewport(), &event);
+    return QTextDocumentFragment::fromHtml(QToolTip::text()).toPlainText();
 }
 
 bool shows(QWidget* root, const QString& text) {

@@ -3,6 +3,7 @@
 #include "QuorvelApp/AppPicker.h"
 #include "QuorvelApp/ConfigurationPane.h"
 
+#include <QAbstractItemView>
 #include <QCheckBox>
 #include <QLineEdit>
 #include <QPushButton>
@@ -18,6 +19,12 @@ namespace quorvel::testing {
 
 /// The check box with that accessible name or text; throws when there is none.
 [[nodiscard]] QCheckBox* checkBox(QWidget* root, const QString& name);
+
+/// Chooses the app of that name in the grid of the new-clone sheet; throws when there is none.
+void chooseApp(QWidget* root, const QString& name);
+
+/// The plain text of the tooltip that `view` shows for what is at that place of its viewport.
+[[nodiscard]] QString tooltipAt(QAbstractItemView* view, QPoint place);
 
 /// Whether a label with exactly that text shows.
 [[nodiscard]] bool shows(QWidget* root, const QString& text);

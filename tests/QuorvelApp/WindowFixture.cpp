@@ -1,6 +1,10 @@
 #include "tests/QuorvelApp/WindowFixture.h"
 
+#include <QMenu>
+#include <QMenuBar>
 #include <QTest>
+
+#include <stdexcept>
 
 namespace quorvel::testing {
 
@@ -35,6 +39,7 @@ NewCloneView& WindowTest::openSheet() {
     window->content().showNewClone();
     auto* sheet = window->findChildren<NewCloneView*>().constLast();
     EXPECT_TRUE(eventually([&] { return !stubs.model().catalogLoading(); }));
+    EXPECT_TRUE(window->isActiveWindow()) << "nothing of the sheet is a window of its own";
     return *sheet;
 }
 
@@ -46,13 +51,22 @@ NewCloneView& WindowTest::openSheetWith(const QString& app) {
     return sheet;
 }
 
-void WindowTest::choose(const QString& app) {
-    auto* grid = window->findChild<AppGrid*>();
-    for (int row = 0; row < grid->model()->rowCount(); ++row) {
-        if (grid->model()->index(row, 0).data() == app) {
-            grid->setCurrentIndex(grid->model()->index(row, 0));
+QAction* WindowTest::command(const QString& words) {
+    for (const QAction* menu : window->menuBar()->actions()) {
+        for (QAction* action : menu->menu()->actions()) {
+            if (QString(action->text()).remove(u'&') == words) {
+                return action;
+            }
         }
     }
+    throw std::runtime_error("no command " + words.toStdString());
+}
+
+QPoint WindowTest::middleOfTile(const QString& app) {
+    auto* grid = window->findChild<AppGrid*>();
+    const QModelIndexList found =
+        grid->model()->match(grid->model()->index(0, 0), Qt::DisplayRole, app, 1, Qt::MatchExactly);
+    return grid->visualRect(found.at(0)).center();
 }
 
 } // namespace quorvel::testing

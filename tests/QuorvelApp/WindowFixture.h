@@ -9,6 +9,8 @@
 #include "tests/support/AppBundles.h"
 #include "tests/support/TemporaryHome.h"
 
+#include <QAction>
+
 #include <gtest/gtest.h>
 
 namespace quorvel::testing {
@@ -27,9 +29,13 @@ protected:
     NewCloneView& openSheet();
     /// Opens window and sheet with `app` chosen.
     NewCloneView& openSheetWith(const QString& app);
-    void choose(const QString& app);
+    void choose(const QString& app) { chooseApp(window.get(), app); }
+    /// The middle of that app's tile, in the grid's viewport.
+    QPoint middleOfTile(const QString& app);
     void select(const InstanceRecord& clone) { window->content().sidebar().select(clone.id()); }
 
+    /// The menus' command with these words; throws when there is none.
+    QAction* command(const QString& words);
     QPushButton* button(const QString& text) { return visibleButton(window.get(), text); }
     QLineEdit* field(const QString& name) { return fieldNamed(window.get(), name); }
     bool shown(const QString& text) { return shows(window.get(), text); }

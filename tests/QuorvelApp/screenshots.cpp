@@ -105,13 +105,9 @@ public:
     }
 
     void chooseApp(const std::string& name) {
-        auto* grid = window_.findChild<AppGrid*>();
+        const auto* grid = window_.findChild<AppGrid*>();
         (void)eventually([&] { return grid->model()->rowCount() > 0; });
-        for (int row = 0; row < grid->model()->rowCount(); ++row) {
-            if (grid->model()->index(row, 0).data().toString().toStdString() == name) {
-                grid->setCurrentIndex(grid->model()->index(row, 0));
-            }
-        }
+        testing::chooseApp(&window_, QString::fromStdString(name));
     }
 
     void save(const QString& name) {

@@ -28,4 +28,18 @@ NS_ASSUME_NONNULL_BEGIN
 - (void)activateFileViewerSelectingURLs:(NSArray<NSURL*>*)urls SINCE_MACOS(10.6);
 @end
 
+typedef NSInteger NSModalResponse;
+static const NSModalResponse NSModalResponseOK = 1;
+
+// To be used on the main thread.
+@interface NSOpenPanel : NSObject
++ (instancetype)openPanel;
+@property BOOL canChooseFiles;
+@property BOOL canChooseDirectories;
+@property BOOL allowsMultipleSelection;
+@property(null_resettable, copy) NSString* prompt;
+@property(nullable, readonly, copy) NSURL* URL;
+- (NSModalResponse)runModal;
+@end
+
 NS_ASSUME_NONNULL_END

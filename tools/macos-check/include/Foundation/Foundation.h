@@ -8,6 +8,7 @@ NS_ASSUME_NONNULL_BEGIN
 @class NSError;
 
 @interface NSString : NSObject
++ (nullable instancetype)stringWithUTF8String:(const char*)text;
 @property(nullable, readonly) const char* UTF8String;
 - (NSString*)stringByAppendingPathComponent:(NSString*)component;
 @end
