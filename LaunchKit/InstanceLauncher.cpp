@@ -70,7 +70,7 @@ InstanceLauncher::LaunchError::unsupported(const std::string& message) {
 }
 
 Process InstanceLauncher::launch(const InstanceConfig& config,
-                                 const std::vector<std::string>& documents) const {
+                                 const std::vector<std::string>& documents, int kept) const {
     switch (config.kind) {
     case ShortcutKind::app: {
         const std::string home = config.resolvedHome();
@@ -80,7 +80,7 @@ Process InstanceLauncher::launch(const InstanceConfig& config,
         std::vector<std::string> arguments = config.resolvedArgs();
         arguments.insert(arguments.end(), documents.begin(), documents.end());
         return launch(config.targetAppURL(), home, config.strategy, arguments,
-                      config.resolvedEnvironment());
+                      config.resolvedEnvironment(), kept);
     }
     case ShortcutKind::web:
         throw LaunchError::unsupported("web shortcuts run in the runner's web host");
@@ -94,21 +94,24 @@ Process InstanceLauncher::launch(const InstanceConfig& config,
 
 Process InstanceLauncher::launch(const std::filesystem::path& appURL, const std::string& home,
                                  Strategy strategy, const std::vector<std::string>& extraArgs,
-                                 const std::map<std::string, std::string>& environment) const {
+                                 const std::map<std::string, std::string>& environment,
+                                 int kept) const {
     const std::optional<AppBundle> app = AppBundle::read(appURL, noEntitlements);
     if (!app) {
         throw LaunchError::badBundle(appURL);
     }
-    return launch(*app, home, strategy, extraArgs, environment);
+    return launch(*app, home, strategy, extraArgs, environment, kept);
 }
 
 Process InstanceLauncher::launch(const AppBundle& app, const std::string& home, Strategy strategy,
                                  const std::vector<std::string>& extraArgs,
-                                 const std::map<std::string, std::string>& environment) const {
+                                 const std::map<std::string, std::string>& environment,
+                                 int kept) const {
     createDirectories(home);
     Process::Options options;
     options.executable = app.executableURL();
     options.arguments = extraArgs;
+    options.kept = kept;
     const std::optional<FileHandle> log = instanceLogHandle(home);
     sendOutputTo(log, options);
     options.environment = currentEnvironment();

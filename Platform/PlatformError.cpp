@@ -50,4 +50,9 @@ PlatformError PlatformError::because(const std::string& reason, const std::files
     return {sentence(reason, path, action), std::make_error_code(std::errc::io_error), path};
 }
 
+PlatformError PlatformError::saying(const std::string& sentence,
+                                    const std::filesystem::path& path) {
+    return {sentence, std::make_error_code(std::errc::io_error), path};
+}
+
 } // namespace quorvel
