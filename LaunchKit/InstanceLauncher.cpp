@@ -1,5 +1,6 @@
 #include "LaunchKit/InstanceLauncher.h"
 
+#include "Platform/ContainedFolder.h"
 #include "Platform/FileSystem.h"
 #include "Platform/UserPaths.h"
 
@@ -21,6 +22,15 @@ void sendOutputTo(const std::optional<FileHandle>& log, Process::Options& option
 void overwrite(Environment& environment, const std::map<std::string, std::string>& entries) {
     for (const auto& [key, value] : entries) {
         environment.insert_or_assign(key, value);
+    }
+}
+
+// Without its profile's folder, Firefox shows that it can't be loaded, and nothing else.
+void ensureProfileFolders(const std::string& home, const std::vector<std::string>& arguments) {
+    for (std::size_t index = 1; index < arguments.size(); ++index) {
+        if (arguments[index - 1] == "-profile" || arguments[index - 1] == "--profile") {
+            ensureFolderBelow(home, arguments[index]);
+        }
     }
 }
 
@@ -122,6 +132,7 @@ Process InstanceLauncher::launch(const AppBundle& app, const std::string& home, 
     (*options.environment)["CFFIXED_USER_HOME"] = home;
     ensureKeychainAccess(home);
     overwrite(*options.environment, environment);
+    ensureProfileFolders(home, extraArgs);
     return Process::run(options);
 }
 

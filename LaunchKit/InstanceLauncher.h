@@ -50,7 +50,8 @@ public:
                                  const std::vector<std::string>& documents = {},
                                  int kept = -1) const;
 
-    /// Launches an application under `home` (already expanded), which is created where needed.
+    /// Launches an application under `home` (already expanded), which is created where needed, and
+    /// so is a folder below it that an argument "-profile" names.
     /// `environment` wins over what the launcher sets.
     [[nodiscard]] Process launch(const AppBundle& app, const std::string& home, Strategy strategy,
                                  const std::vector<std::string>& extraArgs,
