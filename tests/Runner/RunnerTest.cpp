@@ -215,6 +215,14 @@ TEST_F(Runner, ACommandWithoutAnExecutableMakesNoFolder) {
     EXPECT_FALSE(fs::exists(cloneHome()));
 }
 
+TEST_F(Runner, ALogMayBeALinkToADevice) {
+    fs::create_directories(cloneHome());
+    fs::create_symlink("/dev/null", cloneHome() / "quorvel-instance.log");
+    EXPECT_EQ(run(appConfig({"print", "unwanted", "complain", "unwanted"})), 0);
+    EXPECT_EQ(read(errors()), "") << "the output goes to the device";
+    EXPECT_EQ(fs::read_symlink(cloneHome() / "quorvel-instance.log"), "/dev/null");
+}
+
 TEST_F(Runner, FindsItsOwnWrapperThroughLinksAndFromAnywhere) {
     const fs::path bundle = wrapper(appConfig({"print", "found"}));
     fs::rename(bundle, at("Moved elsewhere.app"));
