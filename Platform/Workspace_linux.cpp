@@ -1,5 +1,6 @@
 #include "Platform/FileManager_linux.h"
 #include "Platform/FileSystem.h"
+#include "Platform/OsRelease_linux.h"
 #include "Platform/Process.h"
 #include "Platform/ProcessTable_linux.h"
 #include "Platform/PropertyList.h"
@@ -80,6 +81,11 @@ public:
         if (::uname(&names) == 0) {
             // NOLINTNEXTLINE(cert-err34-c): a kernel without numbers in its release gives zeros.
             (void)std::sscanf(names.release, "%d.%d", &version.major, &version.minor);
+        }
+        version.distribution = distribution();
+        if (version.distribution.empty()) {
+            version.distribution =
+                "Linux " + std::to_string(version.major) + "." + std::to_string(version.minor);
         }
         return version;
     }
