@@ -9,6 +9,7 @@
 #include "Platform/TerminalText.h"
 
 #include <future>
+#include <memory>
 #include <ostream>
 
 namespace quorvel {
@@ -22,11 +23,12 @@ std::string shownPath(const Surroundings& with, const fs::path& path) {
 
 void openWrapper(const Surroundings& with, const InstanceRecord& record) {
     InstanceLauncher::prepareHome(record.config);
-    std::promise<std::optional<PlatformError>> opened;
-    with.workspace.openApplication(record.bundleURL, true, [&](std::optional<PlatformError> error) {
-        opened.set_value(std::move(error));
-    });
-    if (const auto error = opened.get_future().get()) {
+    // Shared, since the answer comes on another thread, which may finish with it after us.
+    const auto opened = std::make_shared<std::promise<std::optional<PlatformError>>>();
+    with.workspace.openApplication(
+        record.bundleURL, true,
+        [opened](std::optional<PlatformError> error) { opened->set_value(std::move(error)); });
+    if (const auto error = opened->get_future().get()) {
         throw *error;
     }
 }

@@ -155,6 +155,9 @@ AppProfile AppProfile::fromJson(std::string_view json) {
 }
 
 std::string operatingSystemSignature(const OperatingSystemVersion& version) {
+    if (!version.distribution.empty()) {
+        return version.distribution;
+    }
     return "macOS " + std::to_string(version.major) + "." + std::to_string(version.minor);
 }
 

@@ -64,7 +64,7 @@ struct AppProfile {
     [[nodiscard]] static AppProfile fromJson(std::string_view json);
 };
 
-/// The signature of a system, such as "macOS 14.5".
+/// The signature of a system, such as "macOS 14.5", or on Linux that of the distribution.
 [[nodiscard]] std::string operatingSystemSignature(const OperatingSystemVersion& version);
 
 } // namespace quorvel

@@ -1,5 +1,6 @@
 #include "LaunchKit/InstanceLauncher.h"
 
+#include "Platform/ContainedFolder.h"
 #include "Platform/FileSystem.h"
 #include "Platform/UserPaths.h"
 
@@ -21,6 +22,15 @@ void sendOutputTo(const std::optional<FileHandle>& log, Process::Options& option
 void overwrite(Environment& environment, const std::map<std::string, std::string>& entries) {
     for (const auto& [key, value] : entries) {
         environment.insert_or_assign(key, value);
+    }
+}
+
+// Without its profile's folder, Firefox shows that it can't be loaded, and nothing else.
+void ensureProfileFolders(const std::string& home, const std::vector<std::string>& arguments) {
+    for (std::size_t index = 1; index < arguments.size(); ++index) {
+        if (arguments[index - 1] == "-profile" || arguments[index - 1] == "--profile") {
+            ensureFolderBelow(home, arguments[index]);
+        }
     }
 }
 
@@ -70,7 +80,7 @@ InstanceLauncher::LaunchError::unsupported(const std::string& message) {
 }
 
 Process InstanceLauncher::launch(const InstanceConfig& config,
-                                 const std::vector<std::string>& documents) const {
+                                 const std::vector<std::string>& documents, int kept) const {
     switch (config.kind) {
     case ShortcutKind::app: {
         const std::string home = config.resolvedHome();
@@ -80,7 +90,7 @@ Process InstanceLauncher::launch(const InstanceConfig& config,
         std::vector<std::string> arguments = config.resolvedArgs();
         arguments.insert(arguments.end(), documents.begin(), documents.end());
         return launch(config.targetAppURL(), home, config.strategy, arguments,
-                      config.resolvedEnvironment());
+                      config.resolvedEnvironment(), kept);
     }
     case ShortcutKind::web:
         throw LaunchError::unsupported("web shortcuts run in the runner's web host");
@@ -94,21 +104,24 @@ Process InstanceLauncher::launch(const InstanceConfig& config,
 
 Process InstanceLauncher::launch(const std::filesystem::path& appURL, const std::string& home,
                                  Strategy strategy, const std::vector<std::string>& extraArgs,
-                                 const std::map<std::string, std::string>& environment) const {
+                                 const std::map<std::string, std::string>& environment,
+                                 int kept) const {
     const std::optional<AppBundle> app = AppBundle::read(appURL, noEntitlements);
     if (!app) {
         throw LaunchError::badBundle(appURL);
     }
-    return launch(*app, home, strategy, extraArgs, environment);
+    return launch(*app, home, strategy, extraArgs, environment, kept);
 }
 
 Process InstanceLauncher::launch(const AppBundle& app, const std::string& home, Strategy strategy,
                                  const std::vector<std::string>& extraArgs,
-                                 const std::map<std::string, std::string>& environment) const {
+                                 const std::map<std::string, std::string>& environment,
+                                 int kept) const {
     createDirectories(home);
     Process::Options options;
     options.executable = app.executableURL();
     options.arguments = extraArgs;
+    options.kept = kept;
     const std::optional<FileHandle> log = instanceLogHandle(home);
     sendOutputTo(log, options);
     options.environment = currentEnvironment();
@@ -119,6 +132,7 @@ Process InstanceLauncher::launch(const AppBundle& app, const std::string& home, 
     (*options.environment)["CFFIXED_USER_HOME"] = home;
     ensureKeychainAccess(home);
     overwrite(*options.environment, environment);
+    ensureProfileFolders(home, extraArgs);
     return Process::run(options);
 }
 

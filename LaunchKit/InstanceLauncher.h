@@ -43,21 +43,26 @@ public:
     };
 
     /// Launches what the configuration describes. `documents` follow the configured arguments of an
-    /// `app` clone, as they are; the other kinds take none.
+    /// `app` clone, as they are; the other kinds take none. The descriptor `kept` (-1: none) is
+    /// one that an app keeps open for as long as it lives, see `Process`; others don't get it.
     /// Throws `LaunchError`, or `PlatformError` when the process can't be started.
     [[nodiscard]] Process launch(const InstanceConfig& config,
-                                 const std::vector<std::string>& documents = {}) const;
+                                 const std::vector<std::string>& documents = {},
+                                 int kept = -1) const;
 
-    /// Launches an application under `home` (already expanded), which is created where needed.
+    /// Launches an application under `home` (already expanded), which is created where needed, and
+    /// so is a folder below it that an argument "-profile" names.
     /// `environment` wins over what the launcher sets.
     [[nodiscard]] Process launch(const AppBundle& app, const std::string& home, Strategy strategy,
                                  const std::vector<std::string>& extraArgs,
-                                 const std::map<std::string, std::string>& environment) const;
+                                 const std::map<std::string, std::string>& environment,
+                                 int kept = -1) const;
 
     /// The same for a bundle that is still to be read.
     [[nodiscard]] Process launch(const std::filesystem::path& appURL, const std::string& home,
                                  Strategy strategy, const std::vector<std::string>& extraArgs,
-                                 const std::map<std::string, std::string>& environment) const;
+                                 const std::map<std::string, std::string>& environment,
+                                 int kept = -1) const;
 
     /// Links the user's keychains into `home`. Never fails.
     static void ensureKeychainAccess(const std::string& home);

@@ -84,7 +84,7 @@ fs::path WrapperGenerator::generate(const fs::path& directory, const Options& op
     }
     std::optional<AppBundle> target;
     if (options.config.kind == ShortcutKind::app) {
-        target = AppBundle::read(options.config.targetAppURL());
+        target = AppBundle::read(options.config.targetAppURL(), noEntitlements);
         if (!target) {
             throw GenError::badTarget(options.config.targetAppURL());
         }

@@ -2,6 +2,7 @@
 
 #include "Platform/EventCoalescer.h"
 #include "Platform/FileSystem.h"
+#include "Platform/InotifyQueue_linux.h"
 #include "Platform/RootSentinels_linux.h"
 #include "Platform/WatchTree_linux.h"
 
@@ -108,15 +109,8 @@ private:
         }
     }
 
-    // Reads what is queued by now, and no more.
     void readQueued() {
-        for (std::size_t left = inotifyQueueSize(tree_.descriptor()); left > 0;) {
-            const std::size_t count = tree_.readQueue();
-            left -= std::min(left, count);
-            if (count == 0) {
-                break;
-            }
-        }
+        readWhatIsQueued(tree_.descriptor(), [this] { return tree_.readQueue(); });
     }
 
     // A change is queued before its system call returns: what is queued by now is all that happened

@@ -41,6 +41,22 @@ RegularFile openRegularFile(const std::string& path, int flags, mode_t mode = 0,
     return {std::move(file), static_cast<std::size_t>(status.st_size)};
 }
 
+// A log that nobody wants is a link to /dev/null.
+std::optional<FileHandle> openCharacterDevice(const fs::path& path) {
+    constexpr int flags = O_WRONLY | O_APPEND;
+    struct stat status {};
+    if (hasNul(path) || ::stat(path.c_str(), &status) != 0 || !S_ISCHR(status.st_mode)) {
+        return std::nullopt;
+    }
+    FileHandle device(::open(path.c_str(), flags | O_NONBLOCK | O_CLOEXEC | O_NOCTTY));
+    // What was opened without waiting is written to as usual.
+    if (device.descriptor() < 0 || ::fstat(device.descriptor(), &status) != 0 ||
+        !S_ISCHR(status.st_mode) || ::fcntl(device.descriptor(), F_SETFL, flags) != 0) {
+        return std::nullopt;
+    }
+    return device;
+}
+
 bool readWhole(const RegularFile& file, std::size_t limit, std::string& bytes) {
     if (!file.isOpen() || file.size > limit) {
         return false;
@@ -190,7 +206,7 @@ void createDirectories(const fs::path& folder) {
 
 std::optional<FileHandle> openForAppending(const fs::path& path) {
     RegularFile file = openRegularFile(path, O_WRONLY | O_APPEND | O_CREAT, 0666);
-    return file.isOpen() ? std::optional(std::move(file.handle)) : std::nullopt;
+    return file.isOpen() ? std::optional(std::move(file.handle)) : openCharacterDevice(path);
 }
 
 } // namespace quorvel

@@ -74,7 +74,8 @@ void removeItem(const std::filesystem::path& path);
 /// or another spelling.
 [[nodiscard]] bool holdsUserHome(const std::filesystem::path& path);
 
-/// Opens a regular file for appending, created where needed; nothing when that fails.
+/// Opens a regular file, created where needed, or a character device such as /dev/null for
+/// appending; nothing when that fails.
 [[nodiscard]] std::optional<FileHandle> openForAppending(const std::filesystem::path& path);
 
 } // namespace quorvel

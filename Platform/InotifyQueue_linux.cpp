@@ -1,5 +1,6 @@
 #include "Platform/InotifyQueue_linux.h"
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <cstring>
@@ -35,6 +36,16 @@ std::size_t readInotifyQueue(int descriptor, const std::function<void(const Inot
         at += sizeof raw + raw.len;
     }
     return end;
+}
+
+void readWhatIsQueued(int descriptor, const std::function<std::size_t()>& read) {
+    for (std::size_t left = inotifyQueueSize(descriptor); left > 0;) {
+        const std::size_t count = read();
+        if (count == 0) {
+            return;
+        }
+        left -= std::min(left, count);
+    }
 }
 
 } // namespace quorvel

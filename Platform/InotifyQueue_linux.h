@@ -23,4 +23,8 @@ struct InotifyEvent {
 /// read.
 std::size_t readInotifyQueue(int descriptor, const std::function<void(const InotifyEvent&)>& take);
 
+/// Calls `read`, which reads once from the queue and returns the number of bytes, until all that
+/// is queued by now is read, and no more.
+void readWhatIsQueued(int descriptor, const std::function<std::size_t()>& read);
+
 } // namespace quorvel

@@ -38,6 +38,11 @@ public:
                                               const std::filesystem::path& path,
                                               const std::string& action);
 
+    /// The error that another program has put into a sentence of its own, kept as it is. Its code
+    /// is `std::errc::io_error`.
+    [[nodiscard]] static PlatformError saying(const std::string& sentence,
+                                              const std::filesystem::path& path);
+
 private:
     PlatformError(const std::string& sentence, std::error_code code, std::filesystem::path path);
 

@@ -70,7 +70,14 @@ public:
         posix_spawn_file_actions_addchdir_np(&actions_, directory.c_str());
     }
 
-    void closeOthers() { ProcessSpawning::closeOthers(actions_); }
+    void closeOthers(int kept) {
+        if (kept >= 0) {
+            posix_spawn_file_actions_adddup2(&actions_, kept, Process::keptDescriptor);
+            ProcessSpawning::closeOthersBut(actions_, Process::keptDescriptor);
+        } else {
+            ProcessSpawning::closeOthers(actions_);
+        }
+    }
 
     [[nodiscard]] const posix_spawn_file_actions_t* get() const { return &actions_; }
 
@@ -158,7 +165,7 @@ Process Process::run(const Options& options) {
     }
     actions.route(STDOUT_FILENO, options.standardOutput);
     actions.route(STDERR_FILENO, options.standardError);
-    actions.closeOthers();
+    actions.closeOthers(options.kept);
     std::filesystem::path executable = options.executable;
     if (options.directory) {
         // A relative program path means the same file wherever the child is to run.

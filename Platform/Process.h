@@ -19,7 +19,7 @@ using Environment = std::map<std::string, std::string>;
 [[nodiscard]] Environment currentEnvironment();
 
 /// A child process. It starts with default signal dispositions and an empty signal mask, and with
-/// no descriptor of ours but its three standard streams.
+/// no descriptor of ours but its three standard streams and the one that it is given to keep.
 class Process {
 public:
     /// Goes where ours goes.
@@ -41,7 +41,12 @@ public:
         Output standardError = Inherit{};
         /// Own session and no standard input, so that it outlives the terminal and this process.
         bool detached = false;
+        /// A descriptor that the child keeps open as `keptDescriptor`; -1: none.
+        int kept = -1;
     };
+
+    /// High enough that scripts, which redirect low numbers, don't close it by accident.
+    static constexpr int keptDescriptor = 30;
 
     /// Starts the process. Throws `PlatformError` when the file can't be executed.
     [[nodiscard]] static Process run(const Options& options);

@@ -14,6 +14,7 @@ void keepStream(posix_spawn_file_actions_t& actions, int stream);
 /// Keeps every descriptor above the standard streams from the child, together with the flags below.
 /// To be added when all others are.
 void closeOthers(posix_spawn_file_actions_t& actions);
+void closeOthersBut(posix_spawn_file_actions_t& actions, int kept);
 [[nodiscard]] int closingFlags();
 
 } // namespace quorvel::ProcessSpawning

@@ -17,6 +17,13 @@ void closeOthers(posix_spawn_file_actions_t& actions) {
     posix_spawn_file_actions_addclosefrom_np(&actions, STDERR_FILENO + 1);
 }
 
+void closeOthersBut(posix_spawn_file_actions_t& actions, int kept) {
+    for (int descriptor = STDERR_FILENO + 1; descriptor < kept; ++descriptor) {
+        posix_spawn_file_actions_addclose(&actions, descriptor);
+    }
+    posix_spawn_file_actions_addclosefrom_np(&actions, kept + 1);
+}
+
 int closingFlags() {
     return 0;
 }

@@ -16,6 +16,8 @@ void keepStream(posix_spawn_file_actions_t& actions, int stream) {
 // The flag closes what no action named.
 void closeOthers(posix_spawn_file_actions_t& /*actions*/) {}
 
+void closeOthersBut(posix_spawn_file_actions_t& /*actions*/, int /*kept*/) {}
+
 int closingFlags() {
     return POSIX_SPAWN_CLOEXEC_DEFAULT;
 }

@@ -2,7 +2,6 @@
 
 #include "Platform/InotifyQueue_linux.h"
 
-#include <algorithm>
 #include <sys/inotify.h>
 
 namespace quorvel {
@@ -62,13 +61,7 @@ std::set<std::size_t> RootSentinels::takeChanged() {
             }
         }
     };
-    for (std::size_t left = inotifyQueueSize(descriptor()); left > 0;) {
-        const std::size_t count = readInotifyQueue(descriptor(), take);
-        left -= std::min(left, count);
-        if (count == 0) {
-            break;
-        }
-    }
+    readWhatIsQueued(descriptor(), [&] { return readInotifyQueue(descriptor(), take); });
     for (const std::size_t root : changed) {
         arm(root);
     }

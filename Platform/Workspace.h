@@ -41,6 +41,8 @@ private:
 struct OperatingSystemVersion {
     int major = 0;
     int minor = 0;
+    /// On Linux, the distribution with its version, such as "Debian GNU/Linux 12"; empty on macOS.
+    std::string distribution{};
 };
 
 /// What the desktop does for us. Calls may come from any thread.

@@ -1,8 +1,10 @@
 #include "Platform/FileManager_linux.h"
 #include "Platform/FileSystem.h"
+#include "Platform/OsRelease_linux.h"
 #include "Platform/Process.h"
 #include "Platform/ProcessTable_linux.h"
 #include "Platform/PropertyList.h"
+#include "Platform/StartWatch_linux.h"
 #include "Platform/Workspace.h"
 
 #include <cerrno>
@@ -48,22 +50,18 @@ FileHandle openedAlone(const std::filesystem::path& bundle) {
 
 class LinuxWorkspace final : public Workspace {
 public:
-    // Starting a process takes no time worth a thread of its own; only its end is waited for in the
-    // background, by `Process`.
+    // Starting a process takes no time worth a thread of its own; what it reports is waited for in
+    // the background, and so is, by `Process`, its end.
     void openApplication(const std::filesystem::path& bundle, bool /*activates*/,
                          Completion completion) override {
         std::optional<PlatformError> error;
         try {
             const FileHandle alone = openedAlone(bundle);
             if (!isRunning(bundle)) {
-                Process::Options options;
-                options.executable = executableOf(bundle);
-                options.directory = "/"; // as a desktop does; ours may be gone tomorrow
-                options.standardOutput = Process::Discard{};
-                options.standardError = Process::Discard{};
-                options.detached = true;
-                const Process started = Process::run(options);
-                awaitCommandLine(started.identifier());
+                StartedProgram program = startProgram(executableOf(bundle));
+                awaitCommandLine(program.process.identifier());
+                starts_.watch(std::move(program), bundle, std::move(completion));
+                return;
             }
         } catch (const PlatformError& failure) {
             error = failure;
@@ -84,6 +82,11 @@ public:
             // NOLINTNEXTLINE(cert-err34-c): a kernel without numbers in its release gives zeros.
             (void)std::sscanf(names.release, "%d.%d", &version.major, &version.minor);
         }
+        version.distribution = distribution();
+        if (version.distribution.empty()) {
+            version.distribution =
+                "Linux " + std::to_string(version.major) + "." + std::to_string(version.minor);
+        }
         return version;
     }
 
@@ -98,6 +101,7 @@ private:
     }
 
     ProcessTable processes_;
+    StartWatch starts_;
 };
 
 } // namespace

@@ -103,7 +103,7 @@ class MacWorkspace final : public Workspace {
 
     OperatingSystemVersion operatingSystemVersion() const override {
         const NSOperatingSystemVersion version = NSProcessInfo.processInfo.operatingSystemVersion;
-        return {static_cast<int>(version.majorVersion), static_cast<int>(version.minorVersion)};
+        return {static_cast<int>(version.majorVersion), static_cast<int>(version.minorVersion), {}};
     }
 };
 

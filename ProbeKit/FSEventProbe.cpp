@@ -16,11 +16,16 @@ WriteEvent writeEvent(std::string path, std::uint32_t flags) {
 
 } // namespace
 
-void FSEventProbe::start() {
+FSEventStream::Options FSEventProbe::streamOptions() const {
     FSEventStream::Options options;
     options.paths = pathsToWatch_;
+    options.latency = std::chrono::milliseconds(100);
     options.queueLabel = "app.quorvel.fsprobe";
-    auto stream = FSEventStream::start(std::move(options),
+    return options;
+}
+
+void FSEventProbe::start() {
+    auto stream = FSEventStream::start(streamOptions(),
                                        [this](FSEventBatch batch) { receive(std::move(batch)); });
     if (stream) {
         streams_.push_back(std::move(stream));

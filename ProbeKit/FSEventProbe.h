@@ -29,6 +29,9 @@ public:
     /// Whether nothing was missed. Final after `stopAndDrain()`.
     [[nodiscard]] bool isComplete() const;
 
+    /// What `start` asks a stream for.
+    [[nodiscard]] FSEventStream::Options streamOptions() const;
+
     /// What the stream calls, on its own queue. A batch without as many flags as paths is dropped
     /// whole; events that neither create, modify nor rename are passed over.
     void receive(FSEventBatch batch);

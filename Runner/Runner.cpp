@@ -1,8 +1,10 @@
 #include "Runner/Runner.h"
 
+#include "LaunchKit/HomeLock.h"
 #include "LaunchKit/InstanceConfig.h"
 #include "LaunchKit/InstanceLauncher.h"
 #include "Platform/FileSystem.h"
+#include "Platform/StartReport.h"
 #include "Platform/TerminalText.h"
 
 #include <csignal>
@@ -22,22 +24,27 @@ sigset_t handledSignals() {
     return signals;
 }
 
-int fail(const std::string& message, RunnerStatus status, const InstanceConfig* config = nullptr) {
-    const std::string line = "quorvel-runner: " + terminalText(message) + "\n";
-    std::fputs(line.c_str(), stderr);
-    if (config != nullptr) {
-        // Opened from a desktop, nobody sees standard error: the log is where a user looks.
-        const std::string home = config->resolvedHome();
-        try {
-            createDirectories(home);
-        } catch (const PlatformError&) {
-            return status;
-        }
-        if (const auto log = InstanceLauncher::instanceLogHandle(home)) {
-            log->write(line);
-        }
-    }
+std::string lineOf(const std::string& message) {
+    return "quorvel-runner: " + terminalText(message) + "\n";
+}
+
+int fail(const StartReport& report, const std::string& message, RunnerStatus status) {
+    std::fputs(lineOf(message).c_str(), stderr);
+    report.failed(message);
     return status;
+}
+
+// Opened from a desktop, nobody sees standard error: the log is where a user looks.
+void addToLog(const InstanceConfig& config, const std::string& message) {
+    const std::string home = config.resolvedHome();
+    try {
+        createDirectories(home);
+    } catch (const PlatformError&) {
+        return;
+    }
+    if (const auto log = InstanceLauncher::instanceLogHandle(home)) {
+        log->write(lineOf(message));
+    }
 }
 
 // The signals are blocked, so none is lost between the target's start and the wait for them.
@@ -52,12 +59,45 @@ int superviseUntilExit(Process& target, const sigset_t& signals) {
     return target.waitUntilExit();
 }
 
+int launchAndSupervise(const InstanceConfig& config, const std::vector<std::string>& documents,
+                       const StartReport& report, const sigset_t& signals) {
+    if (config.kind == ShortcutKind::web) {
+        const std::string message =
+            "the web host for “" + config.displayName + "” is not installed";
+        addToLog(config, message);
+        return fail(report, message, runnerUnavailable);
+    }
+    try {
+        const std::optional<FileLock> lock =
+            config.kind == ShortcutKind::app ? lockHome(config) : std::nullopt;
+        Process target =
+            InstanceLauncher().launch(config, documents, lock ? lock->descriptor() : -1);
+        report.started();
+        return superviseUntilExit(target, signals);
+    } catch (const HomeInUse& error) {
+        addToLog(config, error.what());
+        return fail(report, error.what(), runnerHomeInUse);
+    } catch (const InstanceLauncher::LaunchError& error) {
+        // A launch that was refused leaves what the launcher left: an empty log, or no folder.
+        if (error.kind() != InstanceLauncher::LaunchError::Case::unsupported) {
+            addToLog(config, error.what());
+        }
+        return fail(report, error.what(), runnerCannotStart);
+    } catch (const std::runtime_error& error) {
+        if (config.kind != ShortcutKind::file) {
+            addToLog(config, error.what());
+        }
+        return fail(report, error.what(), runnerCannotStart);
+    }
+}
+
 } // namespace
 
 int runClone(const fs::path& executable, const std::vector<std::string>& arguments) {
     // An ignored SIGCHLD, inherited from whoever started us, would take the exit status with it.
     // Without a handler, some systems drop the signal even while somebody waits for it.
     std::signal(SIGCHLD, [](int) {});
+    const StartReport report;
     const sigset_t signals = handledSignals();
     pthread_sigmask(SIG_BLOCK, &signals, nullptr);
 
@@ -65,20 +105,11 @@ int runClone(const fs::path& executable, const std::vector<std::string>& argumen
     const fs::path file = wrapper / "Contents" / "Resources" / "instance.json";
     const std::optional<InstanceConfig> config = InstanceConfig::read(file);
     if (!config) {
-        return fail("no readable configuration at " + file.string(), runnerBadConfig);
-    }
-    if (config->kind == ShortcutKind::web) {
-        return fail("the web host for “" + config->displayName + "” is not installed",
-                    runnerUnavailable, &*config);
+        return fail(report, "no readable configuration at " + file.string(), runnerBadConfig);
     }
     const bool passesDocuments = config->openWithPassthrough || config->registerAsBrowser;
-    try {
-        Process target = InstanceLauncher().launch(
-            *config, passesDocuments ? arguments : std::vector<std::string>{});
-        return superviseUntilExit(target, signals);
-    } catch (const std::runtime_error& error) {
-        return fail(error.what(), runnerCannotStart, &*config);
-    }
+    return launchAndSupervise(*config, passesDocuments ? arguments : std::vector<std::string>{},
+                              report, signals);
 }
 
 } // namespace quorvel

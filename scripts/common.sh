@@ -11,7 +11,7 @@ fail() { printf '%s\n' "$*" >&2; exit 1; }
 # What is needed to build, and what the tests need on top of that.
 debian_build=(g++ cmake ninja-build pkg-config nlohmann-json3-dev rapidjson-dev libplist-dev libicu-dev
   libcli11-dev qt6-base-dev libqt6svg6-dev libopenjp2-7-dev fontconfig fonts-urw-base35 procps)
-debian_test=(libgtest-dev libgmock-dev chromium xdg-utils libplist-utils
+debian_test=(libgtest-dev libgmock-dev chromium firefox-esr xdg-utils libplist-utils
   dbus dbus-daemon binutils file git python3 clang-format-14 shellcheck
   shared-mime-info icnsutils imagemagick inotify-tools xvfb xauth
   xdotool openbox at-spi2-core libatspi2.0-dev fonts-inter

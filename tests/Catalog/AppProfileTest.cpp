@@ -171,6 +171,7 @@ TEST(RawValues, AreTheNamesOfTheCases) {
 TEST(SystemSignature, IsTheMajorAndTheMinorVersion) {
     EXPECT_EQ(operatingSystemSignature({14, 5}), "macOS 14.5");
     EXPECT_EQ(operatingSystemSignature({15, 0}), "macOS 15.0");
+    EXPECT_EQ(operatingSystemSignature({6, 18, "Debian GNU/Linux 12"}), "Debian GNU/Linux 12");
 }
 
 } // namespace

@@ -138,6 +138,47 @@ TEST_F(Launching, SharedFoldersAreLinkedBeforeTheAppRunsWhenAsked) {
     EXPECT_FALSE(itemOrLinkExists(home_ / "J/Downloads"));
 }
 
+TEST_F(Launching, SharedFoldersAreLinkedEvenForATargetThatIsNoBundle) {
+    fs::create_directory(home_ / "Downloads");
+    InstanceConfig config = appConfig({});
+    config.targetAppPath = "/no/such.app";
+    EXPECT_EQ(errorOf(config), "Not a readable .app bundle: /no/such.app");
+    EXPECT_EQ(fs::read_symlink(cloneHome() / "Downloads"), home_ / "Downloads");
+}
+
+TEST_F(Launching, TheKeychainsAreLinkedIntoTheInstanceHomeWhateverHomeIsConfigured) {
+    fs::create_directories(home_ / "Library/Keychains");
+    InstanceConfig config = appConfig({"environment"});
+    config.environment = {{"HOME", at("elsewhere").string()}};
+    EXPECT_EQ(run(config), 0);
+    EXPECT_THAT(log(), HasSubstr("\nHOME=" + at("elsewhere").string() + "\n"));
+    EXPECT_EQ(fs::read_symlink(cloneHome() / "Library/Keychains"), home_ / "Library/Keychains");
+    EXPECT_FALSE(fs::exists(at("elsewhere")));
+}
+
+TEST_F(Launching, AProfilesFolderIsThereBeforeTheAppRuns) {
+    for (const char* option : {"-profile", "--profile"}) {
+        const InstanceConfig config = appConfig({"write", "~/Profile/deep/file", "x", option,
+                                                 "{{instanceHome}}/Profile/deep", "-no-remote"});
+        EXPECT_EQ(run(config), 0);
+        EXPECT_EQ(read(cloneHome() / "Profile/deep/file"), "x") << option;
+        fs::remove_all(cloneHome());
+    }
+}
+
+TEST_F(Launching, AProfilesFolderElsewhereIsNotMade) {
+    fs::create_directory(at("outside"));
+    fs::create_directories(cloneHome());
+    fs::create_directory_symlink(at("outside"), cloneHome() / "link");
+    EXPECT_EQ(run(appConfig({"-profile", at("outside/a"), "-profile", "{{instanceHome}}/link/b",
+                             "-profile", "{{instanceHome}}/../c", "-other", "{{instanceHome}}/d",
+                             "-profile"})),
+              0);
+    EXPECT_TRUE(fs::is_empty(at("outside")));
+    EXPECT_FALSE(fs::exists(home_ / "c"));
+    EXPECT_FALSE(fs::exists(cloneHome() / "d"));
+}
+
 TEST_F(Launching, TheKeychainsAreLinkedWhenTheUserHasSome) {
     EXPECT_EQ(run(appConfig({})), 0);
     EXPECT_FALSE(itemOrLinkExists(cloneHome() / "Library"));
@@ -251,6 +292,18 @@ TEST_F(Launching, ACommandKeepsTheUsersHome) {
     EXPECT_THAT(log(), HasSubstr("A=" + cloneHome().string() + "\n"));
 }
 
+TEST_F(Launching, ACommandsConfiguredVariablesWin) {
+    const ScopedEnvironment variable("QUORVEL_TEST_VARIABLE", "ours");
+    const ScopedEnvironment other("QUORVEL_OTHER_VARIABLE", "ours too");
+    InstanceConfig config = commandConfig({"environment"});
+    config.environment = {{"QUORVEL_TEST_VARIABLE", "theirs"}, {"HOME", "/mine"}};
+    EXPECT_EQ(run(config), 0);
+    EXPECT_THAT(log(), HasSubstr("QUORVEL_TEST_VARIABLE=theirs\n"));
+    EXPECT_THAT(log(), HasSubstr("\nHOME=/mine\n"));
+    EXPECT_THAT(log(), HasSubstr("QUORVEL_OTHER_VARIABLE=ours too\n"));
+    EXPECT_THAT(log(), Not(HasSubstr("=ours\n")));
+}
+
 TEST_F(Launching, ACommandTakesNoDocuments) {
     EXPECT_EQ(run(commandConfig({"arguments"}), {"/doc"}), 0);
     EXPECT_EQ(log(), "0\n");
@@ -296,8 +349,12 @@ TEST_F(Launching, AFileShortcutOpensExactlyTheExpandedPath) {
         GTEST_SKIP() << "/usr/bin/open is not the desktop's";
     }
     // The desktop's tool hands an address to the browser that it is told of: here, to a script.
-    write(at("browser"), "#!/bin/sh\nprintf '%s\\n' \"$#\" \"$@\" > " + at("opened").string());
+    write(at("browser"), "#!/bin/sh\nprintf '%s\\n' \"$#\" \"$@\" \"$QUORVEL_TEST_VARIABLE\" "
+                         "\"$QUORVEL_CONFIGURED_VARIABLE\" \"$HOME\" > " +
+                             at("opened").string());
     makeExecutable(at("browser"));
+    const ScopedEnvironment inherited("QUORVEL_TEST_VARIABLE", "inherited");
+    const ScopedEnvironment ownHome("HOME", home_.path());
     const ScopedEnvironment browser("BROWSER", at("browser"));
     const ScopedEnvironment desktop("XDG_CURRENT_DESKTOP", "");
     const ScopedEnvironment display("DISPLAY", "");
@@ -306,8 +363,11 @@ TEST_F(Launching, AFileShortcutOpensExactlyTheExpandedPath) {
     config.kind = ShortcutKind::file;
     config.instanceHome = "~/I";
     config.openPath = "~/Notes one";
+    config.environment = {{"QUORVEL_CONFIGURED_VARIABLE", "configured"}};
     EXPECT_EQ(run(config), 0);
-    EXPECT_THAT(read(at("opened")), HasSubstr((home_ / "Notes one").string() + "\n"));
+    EXPECT_THAT(read(at("opened")), HasSubstr((home_ / "Notes one").string() + "\ninherited\n\n" +
+                                              home_.path().string() + "\n"))
+        << "it inherits our environment, and nothing that is configured";
     EXPECT_FALSE(fs::exists(cloneHome()));
 }
 

@@ -272,6 +272,11 @@ TEST_F(FileSystem, AppendingNeverBlocksOnWhatIsNoFile) {
     EXPECT_FALSE(openForAppending(folder_.path()));
     EXPECT_FALSE(openForAppending(at("none/log")));
     EXPECT_FALSE(openForAppending(linkToItself()));
+    fs::create_symlink("/dev/null", at("to-null"));
+    const auto device = openForAppending(at("to-null"));
+    ASSERT_TRUE(device) << "a log that nobody wants";
+    EXPECT_TRUE(device->write("bytes"));
+    EXPECT_EQ(::fcntl(device->descriptor(), F_GETFL) & O_NONBLOCK, 0);
 }
 
 } // namespace

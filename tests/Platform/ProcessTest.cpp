@@ -267,6 +267,25 @@ TEST(Process, ADetachedProcessHasItsOwnSessionAndNoInput) {
     process.waitUntilExit();
 }
 
+TEST(Process, ADescriptorToKeepIsTheOnlyOneOfOursThatTheChildHas) {
+    const TemporaryFolder folder;
+    write(folder / "kept", "");
+    // One below the child's number for it and one above, neither closed on execution.
+    const FileHandle below(::open("/dev/null", O_RDONLY));
+    const FileHandle above(::fcntl(below.descriptor(), F_DUPFD, Process::keptDescriptor + 1));
+    const FileHandle kept(::open((folder / "kept").c_str(), O_RDONLY | O_CLOEXEC));
+    Process::Options options = helper({"descriptors"});
+    options.kept = kept.descriptor();
+    EXPECT_EQ(output(options), "0\n1\n2\n30\n");
+    options = {.executable = "/usr/bin/readlink", .arguments = {"/proc/self/fd/30"}};
+    options.kept = kept.descriptor();
+    EXPECT_EQ(output(options), (folder / "kept").string() + "\n");
+    const FileHandle same(::fcntl(kept.descriptor(), F_DUPFD_CLOEXEC, Process::keptDescriptor));
+    ASSERT_EQ(same.descriptor(), Process::keptDescriptor);
+    options.kept = same.descriptor();
+    EXPECT_EQ(output(options), (folder / "kept").string() + "\n") << "under its own number already";
+}
+
 TEST(Process, OutputAndErrorsGoIntoAFile) {
     const TemporaryFolder folder;
     const std::string file = folder / "log";

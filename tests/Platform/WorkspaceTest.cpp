@@ -344,7 +344,12 @@ TEST_F(SystemWorkspace, OpeningWhatIsNoBundleIsAnErrorThatNamesIt) {
 }
 
 TEST_F(SystemWorkspace, TheSystemHasAVersion) {
-    EXPECT_GT(workspace_->operatingSystemVersion().major, 0);
+    const OperatingSystemVersion version = workspace_->operatingSystemVersion();
+    EXPECT_GT(version.major, 0);
+    const std::string name = fs::exists("/etc/os-release") ? read("/etc/os-release") : "Linux";
+    EXPECT_NE(name.find(version.distribution.substr(0, version.distribution.find(' '))),
+              std::string::npos);
+    EXPECT_FALSE(version.distribution.empty());
 }
 
 } // namespace

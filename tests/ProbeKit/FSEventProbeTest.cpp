@@ -351,6 +351,13 @@ TEST(FSEventProbe, EventsComeOnAQueueOfItsOwn) {
     EXPECT_EQ(queues(), 0);
 }
 
+TEST(FSEventProbe, AsksForItsFoldersInTheirOrderWithATenthOfASecondOfLatency) {
+    const FSEventStream::Options options = FSEventProbe({"/b", "/a"}).streamOptions();
+    EXPECT_THAT(options.paths, ElementsAre("/b", "/a"));
+    EXPECT_EQ(options.latency, std::chrono::milliseconds(100));
+    EXPECT_EQ(options.queueLabel, "app.quorvel.fsprobe");
+}
+
 TEST(FSEventProbe, EventsArriveWhileItRuns) {
     const TemporaryFolder folder;
     std::atomic<int> calls{0};

@@ -1,13 +1,8 @@
 // The real runner inside real wrappers.
-#include "LaunchKit/WrapperGenerator.h"
-#include "Platform/FileSystem.h"
-#include "Platform/Process.h"
-#include "tests/support/AppBundles.h"
-#include "tests/support/TemporaryHome.h"
+#include "tests/Runner/RunnerFixture.h"
 #include "tests/support/Waiting.h"
 
 #include <csignal>
-#include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
@@ -20,57 +15,7 @@ using namespace std::string_literals;
 using ::testing::HasSubstr;
 namespace fs = std::filesystem;
 
-class Runner : public ::testing::Test {
-protected:
-    [[nodiscard]] fs::path at(std::string_view name) const { return folder_ / name; }
-    [[nodiscard]] fs::path cloneHome() const { return home_ / "I"; }
-    [[nodiscard]] fs::path errors() const { return at("errors"); }
-    [[nodiscard]] std::string log() const { return read(cloneHome() / "quorvel-instance.log"); }
-
-    [[nodiscard]] InstanceConfig appConfig(std::vector<std::string> steps) const {
-        InstanceConfig config = minimalConfig();
-        config.instanceHome = "~/I";
-        config.targetAppPath = at("Thing.app");
-        config.extraArgs = std::move(steps);
-        if (!fs::exists(at("Thing.app"))) {
-            makeAppBundle(at("Thing.app"));
-        }
-        return config;
-    }
-
-    [[nodiscard]] InstanceConfig webConfig() const {
-        InstanceConfig config = minimalConfig();
-        config.kind = ShortcutKind::web;
-        config.instanceHome = "~/I";
-        return config;
-    }
-
-    [[nodiscard]] fs::path wrapper(const InstanceConfig& config) const {
-        WrapperGenerator::Options options;
-        options.config = config;
-        options.runnerBinary = runnerProgram();
-        return WrapperGenerator().generate(home_ / "Applications", options);
-    }
-
-    [[nodiscard]] Process start(const fs::path& bundle,
-                                const std::vector<std::string>& documents = {}) const {
-        const FileHandle file(
-            ::open(errors().c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600));
-        Process::Options options;
-        options.executable = bundle / "Contents/MacOS/runner";
-        options.arguments = documents;
-        options.standardOutput = Process::ToFile{file.descriptor()};
-        options.standardError = Process::ToFile{file.descriptor()};
-        return Process::run(options);
-    }
-
-    int run(const InstanceConfig& config, const std::vector<std::string>& documents = {}) const {
-        return start(wrapper(config), documents).waitUntilExit();
-    }
-
-    TemporaryFolder folder_;
-    TemporaryHome home_;
-};
+class Runner : public RunnerFixture {};
 
 TEST_F(Runner, EndsWithTheStatusOfItsTarget) {
     EXPECT_EQ(run(appConfig({"exit", "0"})), 0);
@@ -136,11 +81,6 @@ TEST_F(Runner, GivesTheTargetItsHomeAndItsLog) {
     EXPECT_THAT(log(), HasSubstr("CFFIXED_USER_HOME=" + cloneHome().string() + "\n"));
     EXPECT_THAT(log(), HasSubstr("complained\n"));
     EXPECT_EQ(read(errors()), "");
-}
-
-TEST_F(Runner, TheTargetGetsNoDescriptorOfTheRunner) {
-    EXPECT_EQ(run(appConfig({"descriptors"})), 0);
-    EXPECT_EQ(log(), "0\n1\n2\n");
 }
 
 TEST_F(Runner, DocumentsStayBehindUnlessTheCloneTakesThem) {
@@ -251,6 +191,36 @@ TEST_F(Runner, AnUnsupportedAppIsRefused) {
     config.strategy = Strategy::unsupported;
     EXPECT_EQ(run(config), 71);
     EXPECT_EQ(read(errors()), "quorvel-runner: App not clonable: com.example.Thing\n");
+    EXPECT_TRUE(fs::is_regular_file(cloneHome() / "quorvel-instance.log"));
+    EXPECT_EQ(log(), "");
+}
+
+TEST_F(Runner, AFileShortcutThatCantOpenMakesNoFolder) {
+    InstanceConfig config = minimalConfig();
+    config.kind = ShortcutKind::file;
+    config.instanceHome = "~/I";
+    EXPECT_EQ(run(config), 71);
+    EXPECT_EQ(read(errors()),
+              "quorvel-runner: App not clonable: file shortcut has no target path\n");
+    EXPECT_FALSE(fs::exists(cloneHome()));
+}
+
+TEST_F(Runner, ACommandWithoutAnExecutableMakesNoFolder) {
+    InstanceConfig config = minimalConfig();
+    config.kind = ShortcutKind::command;
+    config.instanceHome = "~/I";
+    EXPECT_EQ(run(config), 71);
+    EXPECT_EQ(read(errors()),
+              "quorvel-runner: App not clonable: command shortcut has no executable\n");
+    EXPECT_FALSE(fs::exists(cloneHome()));
+}
+
+TEST_F(Runner, ALogMayBeALinkToADevice) {
+    fs::create_directories(cloneHome());
+    fs::create_symlink("/dev/null", cloneHome() / "quorvel-instance.log");
+    EXPECT_EQ(run(appConfig({"print", "unwanted", "complain", "unwanted"})), 0);
+    EXPECT_EQ(read(errors()), "") << "the output goes to the device";
+    EXPECT_EQ(fs::read_symlink(cloneHome() / "quorvel-instance.log"), "/dev/null");
 }
 
 TEST_F(Runner, FindsItsOwnWrapperThroughLinksAndFromAnywhere) {

@@ -1,0 +1,30 @@
+#pragma once
+
+#include "LaunchKit/InstanceConfig.h"
+#include "Platform/FileLock.h"
+
+#include <optional>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+
+namespace quorvel {
+
+/// The file in an instance home whose lock says that a target runs there.
+inline constexpr std::string_view homeLockName = ".quorvel-lock";
+
+/// Another target runs in the instance home: that of the same clone, whose runner may be gone, or
+/// of a clone that shares the home.
+class HomeInUse : public std::runtime_error {
+public:
+    explicit HomeInUse(const std::string& displayName);
+    [[nodiscard]] std::string description() const { return what(); }
+};
+
+/// Claims the clone's instance home, which is created where it is missing, for one target. The
+/// claim lasts as long as the lock's descriptor is open anywhere. Returns std::nullopt where
+/// nothing can be locked: on a read-only file system, or on one without locks.
+/// Throws `HomeInUse`, or `PlatformError` if the home or the lock's file can't be made.
+[[nodiscard]] std::optional<FileLock> lockHome(const InstanceConfig& config);
+
+} // namespace quorvel

@@ -1,0 +1,194 @@
+// One target per instance home, whatever becomes of the runner.
+#include "LaunchKit/HomeLock.h"
+#include "Platform/FileSystem.h"
+#include "tests/Runner/RunnerFixture.h"
+#include "tests/support/Waiting.h"
+
+#include <cerrno>
+#include <csignal>
+#include <gmock/gmock.h>
+#include <sys/stat.h>
+
+namespace quorvel {
+namespace {
+
+using namespace testing;
+using ::testing::HasSubstr;
+namespace fs = std::filesystem;
+
+const std::string inUse =
+    "quorvel-runner: “Work” is still running, or a clone that shares its data folder is\n";
+
+class OneTarget : public RunnerFixture {
+protected:
+    ~OneTarget() override {
+        for (const fs::path& file : {at("pid"), at("child")}) {
+            if (const pid_t pid = numberIn(file); pid > 0) {
+                ::kill(pid, SIGKILL);
+            }
+        }
+    }
+
+    [[nodiscard]] static pid_t numberIn(const fs::path& file) {
+        const std::string text = read(file);
+        return text.ends_with('\n') ? std::stoi(text) : 0;
+    }
+
+    [[nodiscard]] fs::path lockFile() const { return cloneHome() / homeLockName; }
+
+    // A clone of an app that is this script.
+    [[nodiscard]] InstanceConfig scripted(const std::string& script) const {
+        InstanceConfig config = appConfig({});
+        makeScriptedAppBundle(at("Thing.app"), script);
+        return config;
+    }
+
+    // One that runs until it is ended, and tells its number.
+    [[nodiscard]] InstanceConfig lasting() const {
+        return scripted("echo $$ > " + at("pid").string() + "; exec sleep 600");
+    }
+
+    [[nodiscard]] bool targetRuns() const {
+        return waitFor([&] { return numberIn(at("pid")) > 0; });
+    }
+
+    // The status of a runner that is to end by itself; -1 when it does not.
+    [[nodiscard]] int statusOf(const fs::path& bundle) const {
+        Process runner = start(bundle);
+        if (!waitFor([&] { return !runner.isRunning(); }, std::chrono::seconds(5))) {
+            runner.terminate();
+            return -1;
+        }
+        return runner.waitUntilExit();
+    }
+
+    static bool ends(pid_t pid) {
+        ::kill(pid, SIGKILL);
+        return waitFor([&] { return !fs::exists("/proc/" + std::to_string(pid) + "/exe"); });
+    }
+};
+
+TEST_F(OneTarget, ATargetWhoseRunnerWasKilledKeepsItsHome) {
+    const fs::path bundle = wrapper(lasting());
+    Process runner = start(bundle);
+    ASSERT_TRUE(targetRuns());
+    const pid_t target = numberIn(at("pid"));
+    runner.sendSignal(SIGKILL);
+    EXPECT_EQ(runner.waitUntilExit(), 128 + SIGKILL);
+    ASSERT_EQ(::kill(target, 0), 0) << "the target outlives its runner";
+
+    EXPECT_EQ(statusOf(bundle), 75);
+    EXPECT_EQ(read(errors()), inUse);
+    EXPECT_EQ(log(), inUse);
+    EXPECT_EQ(numberIn(at("pid")), target) << "no second one was started";
+
+    ASSERT_TRUE(ends(target));
+    fs::remove(at("pid"));
+    Process again = start(bundle);
+    EXPECT_TRUE(targetRuns()) << "nothing stale is left behind: " << read(errors());
+    again.terminate();
+    EXPECT_EQ(again.waitUntilExit(), 128 + SIGTERM);
+}
+
+TEST_F(OneTarget, ClonesThatShareAHomeRunOneAtATime) {
+    InstanceConfig other = lasting();
+    other.displayName = "Home";
+    Process first = start(wrapper(other));
+    ASSERT_TRUE(targetRuns());
+    other.displayName = "Work";
+    other.instanceHome = (home_ / "I/").string(); // the same folder, spelt in another way
+    const fs::path second = wrapper(other);
+    EXPECT_EQ(statusOf(second), 75);
+    EXPECT_EQ(read(errors()), inUse);
+    first.terminate();
+    EXPECT_EQ(first.waitUntilExit(), 128 + SIGTERM);
+    fs::remove(at("pid"));
+    Process later = start(second);
+    EXPECT_TRUE(targetRuns());
+    later.terminate();
+    later.waitUntilExit();
+}
+
+TEST_F(OneTarget, ClonesWithHomesOfTheirOwnRunSideBySide) {
+    InstanceConfig config = lasting();
+    Process first = start(wrapper(config));
+    ASSERT_TRUE(targetRuns());
+    fs::remove(at("pid"));
+    config.displayName = "Home";
+    config.instanceHome = "~/J";
+    Process second = start(wrapper(config));
+    EXPECT_TRUE(targetRuns());
+    for (Process* runner : {&first, &second}) {
+        EXPECT_TRUE(runner->isRunning());
+        runner->terminate();
+        runner->waitUntilExit();
+    }
+}
+
+TEST_F(OneTarget, AChildThatGoesOnInTheBackgroundStillHoldsTheHome) {
+    const fs::path bundle = wrapper(scripted(
+        "setsid sleep 600 </dev/null >/dev/null 2>&1 & echo $! > " + at("child").string()));
+    EXPECT_EQ(statusOf(bundle), 0);
+    ASSERT_TRUE(waitFor([&] { return numberIn(at("child")) > 0; }));
+    EXPECT_EQ(statusOf(bundle), 75);
+    ASSERT_TRUE(ends(numberIn(at("child"))));
+    EXPECT_EQ(statusOf(bundle), 0);
+}
+
+TEST_F(OneTarget, AScriptMayRedirectLowNumbersWithoutLosingTheHome) {
+    const fs::path bundle =
+        wrapper(scripted("exec 3>/dev/null 4>/dev/null 9>/dev/null 3>&- 9>&-; echo $$ > " +
+                         at("pid").string() + "; exec sleep 600"));
+    Process runner = start(bundle);
+    ASSERT_TRUE(targetRuns());
+    runner.sendSignal(SIGKILL);
+    runner.waitUntilExit();
+    EXPECT_EQ(statusOf(bundle), 75);
+}
+
+TEST_F(OneTarget, TheTargetGetsNothingButTheLocksDescriptor) {
+    EXPECT_EQ(run(appConfig({"descriptors"})), 0);
+    EXPECT_EQ(log(), "0\n1\n2\n30\n");
+    EXPECT_EQ(run(scripted("readlink /proc/self/fd/30 > " + at("path").string())), 0);
+    EXPECT_EQ(read(at("path")), lockFile().string() + "\n");
+}
+
+TEST_F(OneTarget, TheLocksFileIsHiddenAndTheUsersOwn) {
+    EXPECT_EQ(run(appConfig({"exit", "0"})), 0);
+    struct stat status {};
+    ASSERT_EQ(::lstat(lockFile().c_str(), &status), 0);
+    EXPECT_TRUE(S_ISREG(status.st_mode));
+    EXPECT_EQ(status.st_mode & 07777, 0600U);
+    EXPECT_EQ(status.st_size, 0);
+    EXPECT_TRUE(lockFile().filename().string().starts_with('.'));
+}
+
+TEST_F(OneTarget, WhatStandsInTheLocksPlaceIsNotFollowed) {
+    fs::create_directories(cloneHome());
+    write(at("foreign"), "kept");
+    const fs::path bundle = wrapper(appConfig({"write", at("started"), "x"}));
+    fs::create_symlink(at("foreign"), lockFile());
+    EXPECT_EQ(statusOf(bundle), 71);
+    EXPECT_EQ(read(errors()),
+              "quorvel-runner: “.quorvel-lock” couldn’t be locked: it is a symbolic link\n");
+    EXPECT_EQ(read(at("foreign")), "kept");
+    fs::remove(lockFile());
+    ASSERT_EQ(::mkfifo(lockFile().c_str(), 0600), 0);
+    EXPECT_EQ(statusOf(bundle), 71);
+    EXPECT_THAT(read(errors()), HasSubstr("it is not a regular file"));
+    EXPECT_FALSE(fs::exists(at("started")));
+}
+
+TEST_F(OneTarget, ACommandHoldsNothing) {
+    InstanceConfig config = minimalConfig();
+    config.kind = ShortcutKind::command;
+    config.instanceHome = "~/I";
+    config.commandPath = helperProgram();
+    config.commandArgs = {"descriptors"};
+    EXPECT_EQ(run(config), 0);
+    EXPECT_EQ(log(), "0\n1\n2\n");
+    EXPECT_FALSE(itemOrLinkExists(lockFile()));
+}
+
+} // namespace
+} // namespace quorvel

@@ -1,0 +1,70 @@
+#pragma once
+
+#include "LaunchKit/WrapperGenerator.h"
+#include "Platform/Process.h"
+#include "tests/support/AppBundles.h"
+#include "tests/support/TemporaryHome.h"
+
+#include <fcntl.h>
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+namespace quorvel::testing {
+
+/// A throw-away home with clones whose wrappers hold the real runner.
+class RunnerFixture : public ::testing::Test {
+protected:
+    [[nodiscard]] std::filesystem::path at(std::string_view name) const { return folder_ / name; }
+    [[nodiscard]] std::filesystem::path cloneHome() const { return home_ / "I"; }
+    [[nodiscard]] std::filesystem::path errors() const { return at("errors"); }
+    [[nodiscard]] std::string log() const { return read(cloneHome() / "quorvel-instance.log"); }
+
+    [[nodiscard]] InstanceConfig appConfig(std::vector<std::string> steps) const {
+        InstanceConfig config = minimalConfig();
+        config.instanceHome = "~/I";
+        config.targetAppPath = at("Thing.app");
+        config.extraArgs = std::move(steps);
+        if (!std::filesystem::exists(at("Thing.app"))) {
+            makeAppBundle(at("Thing.app"));
+        }
+        return config;
+    }
+
+    [[nodiscard]] InstanceConfig webConfig() const {
+        InstanceConfig config = minimalConfig();
+        config.kind = ShortcutKind::web;
+        config.instanceHome = "~/I";
+        return config;
+    }
+
+    [[nodiscard]] std::filesystem::path wrapper(const InstanceConfig& config) const {
+        WrapperGenerator::Options options;
+        options.config = config;
+        options.runnerBinary = runnerProgram();
+        return WrapperGenerator().generate(home_ / "Applications", options);
+    }
+
+    [[nodiscard]] Process start(const std::filesystem::path& bundle,
+                                const std::vector<std::string>& documents = {}) const {
+        const FileHandle file(
+            ::open(errors().c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600));
+        Process::Options options;
+        options.executable = bundle / "Contents/MacOS/runner";
+        options.arguments = documents;
+        options.standardOutput = Process::ToFile{file.descriptor()};
+        options.standardError = Process::ToFile{file.descriptor()};
+        return Process::run(options);
+    }
+
+    int run(const InstanceConfig& config, const std::vector<std::string>& documents = {}) const {
+        return start(wrapper(config), documents).waitUntilExit();
+    }
+
+    TemporaryFolder folder_;
+    TemporaryHome home_;
+};
+
+} // namespace quorvel::testing
