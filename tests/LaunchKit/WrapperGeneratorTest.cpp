@@ -4,6 +4,7 @@
 #include "tests/support/AppBundles.h"
 #include "tests/support/TemporaryHome.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
@@ -240,15 +241,49 @@ TEST_F(Generator, AnIconThatCantBeCopiedIsAnErrorAndHoldsUpNobody) {
 
 TEST_F(Generator, AFolderThatCantBeMadeIsAnError) {
     write(at("out"), "a file");
-    EXPECT_THROW((void)generate(webOptions()), PlatformError);
+    try {
+        (void)generate(webOptions());
+        ADD_FAILURE() << "it was written";
+    } catch (const PlatformError& error) {
+        EXPECT_THAT(error.description(), ::testing::HasSubstr("“Work.app”"));
+    }
     fs::remove(at("out"));
     EXPECT_THROW((void)generate(webOptions(std::string(300, 'n'))), PlatformError);
 }
 
-TEST_F(Generator, ARunnerThatIsAFolderIsAnError) {
+TEST_F(Generator, ARunnerThatIsAFolderIsAnErrorThatLeavesNoClone) {
     WrapperGenerator::Options options = webOptions();
     options.runnerBinary = folder_.path();
     EXPECT_THROW((void)generate(options), PlatformError);
+    EXPECT_FALSE(fs::exists(at("out/Work.app/Contents/Resources/instance.json")))
+        << "what has one is a clone";
+}
+
+TEST_F(Generator, ABadTargetIsReportedBeforeTextThatCantBeWritten) {
+    WrapperGenerator::Options options = webOptions();
+    options.config.extraArgs = {"\xFF"};
+    options.config.infoPlistOverrides = {{"K", "\x01"}};
+    EXPECT_THROW((void)generate(options), ConfigError) << "the configuration is written first";
+    options.config.kind = ShortcutKind::app;
+    options.config.targetAppPath = "/no/such.app";
+    EXPECT_THROW((void)generate(options), GenError);
+    options.runnerBinary = at("none");
+    try {
+        (void)generate(options);
+        FAIL() << "it was written";
+    } catch (const GenError& error) {
+        EXPECT_EQ(error.kind(), GenError::Case::runnerMissing);
+    }
+}
+
+TEST_F(Generator, AnIconInsideTheWrapperThatIsReplacedIsGoneWithIt) {
+    WrapperGenerator::Options options = appOptions("AppIcon");
+    targetIcon("AppIcon.icns", "target's");
+    write(at("custom"), "custom");
+    options.customIcon = at("custom");
+    ASSERT_EQ(iconOf(options), "custom");
+    options.customIcon = at("out/Work.app/Contents/Resources/AppIcon.icns");
+    EXPECT_EQ(iconOf(options), "target's");
 }
 
 TEST_F(Generator, TextThatCantBeWrittenIsAnErrorThatTheNextCallCleansUp) {

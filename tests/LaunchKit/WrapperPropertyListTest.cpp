@@ -72,10 +72,32 @@ TEST(WrapperPropertyList, PassthroughOffersToViewAnyDocument) {
     EXPECT_EQ(infoPlist(options).at("CFBundleDocumentTypes"), expected);
 }
 
+TEST(WrapperPropertyList, EachFlagAddsItsOwnKeyAlone) {
+    const std::size_t fixed = infoPlist(plainOptions()).size();
+    WrapperGenerator::Options options = plainOptions();
+    options.config.menuBarIcon = true;
+    options.config.menuBarIconTemplate = true;
+    EXPECT_EQ(infoPlist(options).size(), fixed) << "those are the runner's";
+    options = plainOptions();
+    options.config.registerAsBrowser = true;
+    EXPECT_EQ(infoPlist(options).size(), fixed + 1);
+    options = plainOptions();
+    options.config.openWithPassthrough = true;
+    EXPECT_EQ(infoPlist(options).size(), fixed + 1);
+    options = plainOptions();
+    options.hideWrapperIcon = true;
+    EXPECT_EQ(infoPlist(options).size(), fixed + 1);
+}
+
 TEST(WrapperPropertyList, OverridesReplaceEverything) {
     WrapperGenerator::Options options = plainOptions();
     options.hideWrapperIcon = true;
+    options.config.registerAsBrowser = true;
+    options.config.openWithPassthrough = true;
     options.config.infoPlistOverrides = {
+        {"CFBundleURLTypes", "no"},
+        {"CFBundleDocumentTypes", "no"},
+        {"CFBundleIconFile", "mine"},
         {"LSUIElement", "no"},
         {"NSHighResolutionCapable", "NO"},
         {"CFBundleVersion", "42"},
@@ -85,8 +107,11 @@ TEST(WrapperPropertyList, OverridesReplaceEverything) {
         {"", "an empty key"},
         {"New", "yes"},
     };
-    const PropertyListDictionary info = infoPlist(options);
+    const PropertyListDictionary info = WrapperGenerator::infoPlist(options, "AppIcon");
     EXPECT_EQ(info.at("LSUIElement"), false);
+    EXPECT_EQ(info.at("CFBundleURLTypes"), false);
+    EXPECT_EQ(info.at("CFBundleDocumentTypes"), false);
+    EXPECT_EQ(info.at("CFBundleIconFile"), "mine");
     EXPECT_EQ(info.at("NSHighResolutionCapable"), false);
     EXPECT_EQ(info.at("CFBundleVersion"), std::int64_t{42});
     EXPECT_EQ(info.at("LSMinimumSystemVersion"), "12.0");
