@@ -6,13 +6,21 @@
 #include <QIcon>
 #include <QOperatingSystemVersion>
 
+#include <cstdio>
+#include <string_view>
+
 int main(int argc, char** argv) {
+    // Asked for where there may be no display.
+    if (argc == 2 && std::string_view(argv[1]) == "--version") {
+        return std::puts("quorvel " QUORVEL_VERSION) < 0 ? 1 : 0;
+    }
     QApplication::setHighDpiScaleFactorRoundingPolicy(
         Qt::HighDpiScaleFactorRoundingPolicy::PassThrough);
     quorvel::keepNoDialogState();
     const QApplication application(argc, argv);
     QApplication::setApplicationName(QStringLiteral("quorvel"));
     QApplication::setApplicationDisplayName(QStringLiteral("Quorvel"));
+    QApplication::setApplicationVersion(QStringLiteral(QUORVEL_VERSION));
     QApplication::setDesktopFileName(QStringLiteral("app.quorvel.Quorvel"));
     if (QOperatingSystemVersion::currentType() != QOperatingSystemVersion::MacOS) {
         // There the bundle's own icon shows.

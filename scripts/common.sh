@@ -9,10 +9,10 @@ say() { printf '\n==> %s\n' "$*"; }
 fail() { printf '%s\n' "$*" >&2; exit 1; }
 
 # What is needed to build, and what the tests need on top of that.
-debian_build=(g++ cmake ninja-build pkg-config nlohmann-json3-dev rapidjson-dev libplist-dev libicu-dev
+debian_build=(g++ python3 cmake ninja-build pkg-config nlohmann-json3-dev rapidjson-dev libplist-dev libicu-dev
   libcli11-dev qt6-base-dev libqt6svg6-dev libopenjp2-7-dev fontconfig fonts-urw-base35 procps)
 debian_test=(libgtest-dev libgmock-dev chromium firefox-esr xdg-utils libplist-utils
-  dbus dbus-daemon binutils file git python3 clang-format-14 shellcheck
+  dbus dbus-daemon binutils file git clang-format-14 shellcheck
   shared-mime-info icnsutils imagemagick inotify-tools xvfb xauth
   xdotool openbox at-spi2-core libatspi2.0-dev fonts-inter
   clang-16 lld-16 llvm-16 libc++-16-dev zsh)
