@@ -50,7 +50,8 @@ protected:
         const fs::path wrapper = generate(options);
         const auto info = PropertyList::readDictionary(wrapper / "Contents/Info.plist");
         const fs::path icon = wrapper / "Contents/Resources/AppIcon.icns";
-        EXPECT_EQ(info->contains("CFBundleIconFile"), fs::exists(icon));
+        EXPECT_EQ(PropertyList::stringFor(*info, "CFBundleIconFile"),
+                  fs::exists(icon) ? std::optional<std::string>("AppIcon") : std::nullopt);
         return fs::exists(icon) ? read(icon) : "none";
     }
 
