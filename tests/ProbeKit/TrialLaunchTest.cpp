@@ -110,6 +110,30 @@ TEST(TrialOf, AnAppThatWaitsForALockNeverComesUp) {
     EXPECT_EQ(result.recommendedStrategy, Strategy::homeOverride);
 }
 
+TEST(TrialOf, AnAppOfSeveralProcessesThatWaitsForALockNeverComesUp) {
+    Trial trial;
+    const std::string lock = (trial.folder / "lock").string();
+    const fs::path up = trial.folder / "up";
+    trial.plan("helper\n" + trial.tellStep() + "\nlock " + lock + "\nwrite " + up.string() +
+               "\nwait\n");
+    const auto running = [&] {
+        return trial.workspace->runningApplications().withBundleIdentifier("com.example.Notes");
+    };
+    trial.onSleep = [&](AppProber::Seconds /*time*/) {
+        ASSERT_TRUE(trial.hasTold(++trial.sleeps));
+        ASSERT_TRUE(waitFor([&] { return fs::exists(up) && running().size() == 1; }));
+    };
+    EXPECT_EQ(trial.run().singleton, SingletonTier::lockFile);
+    trial.endAll();
+    EXPECT_TRUE(waitFor([&] { return running().empty(); })) << "the helpers end as well";
+}
+
+TEST(TrialOf, AnAppOfSeveralProcessesThatComesUpTwiceIsNoSingleton) {
+    Trial trial;
+    trial.plan("helper\nhelper\n" + trial.tellStep() + "\nwait\n");
+    EXPECT_EQ(trial.run().singleton, SingletonTier::none);
+}
+
 TEST(TrialOf, AnAppWhoseParentLeavesItsChildBehindCountsAsHandingOver) {
     Trial trial;
     const fs::path children = trial.folder / "children";
