@@ -14,7 +14,7 @@ using Bundles = std::map<std::string, std::set<pid_t>>;
 
 class Parents {
 public:
-    // The nearest process above that satisfies `matches`; nothing when there is none.
+    // Whether one of `wanted` is an ancestor of the process.
     [[nodiscard]] bool anyAbove(pid_t pid, const std::set<pid_t>& wanted) {
         constexpr int highest = 256; // what changes meanwhile may look like a circle
         pid = parentOf(pid);
