@@ -54,19 +54,19 @@ public:
     TrialProcesses() = default;
     TrialProcesses(const TrialProcesses&) = delete;
     TrialProcesses& operator=(const TrialProcesses&) = delete;
-    ~TrialProcesses() { waitForEnd(std::move(processes_), AppProber::grace); }
+    ~TrialProcesses() { waitForEnd(std::move(trials_), AppProber::grace); }
 
-    void take(Process process) { processes_.push_back(std::move(process)); }
+    void take(TrialProcess trial) { trials_.push_back(std::move(trial)); }
 
 private:
-    std::vector<Process> processes_{};
+    std::vector<TrialProcess> trials_{};
 };
 
 ProbeResult runWithBar(const Surroundings& with, AppProber& prober, Interruption& interruption) {
     TrialProcesses processes;
     AppProber::Control control;
     control.cancelled = &interruption.flag();
-    control.release = [&](Process process) { processes.take(std::move(process)); };
+    control.release = [&](TrialProcess trial) { processes.take(std::move(trial)); };
     const bool hasBar = with.outputIsTerminal;
     if (hasBar) {
         control.progress = [&](double fraction) {

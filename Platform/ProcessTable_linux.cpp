@@ -1,5 +1,6 @@
 #include "Platform/ProcessTable_linux.h"
 
+#include "Platform/ApplicationTrees_linux.h"
 #include "Platform/FileHandle.h"
 #include "Platform/FileSystem.h"
 #include "Platform/PropertyList.h"
@@ -181,7 +182,7 @@ std::vector<RunningApplication> ProcessTable::applications() {
             found.push_back({*bundleId, bundle, *pid});
         }
     }
-    return found;
+    return onePerApplication(std::move(found));
 }
 
 } // namespace quorvel

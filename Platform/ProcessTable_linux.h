@@ -12,7 +12,8 @@
 
 namespace quorvel {
 
-/// Finds the processes that run from application bundles in one pass over /proc. A process counts
+/// Finds the applications that run from bundles in one pass over /proc, one per tree of processes
+/// (see `onePerApplication`). A process counts
 /// when its executable, or for an interpreted script the script, lies directly in
 /// NAME.app/Contents/MacOS. What vanishes or may not be read is skipped.
 class ProcessTable {

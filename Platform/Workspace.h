@@ -14,7 +14,7 @@
 
 namespace quorvel {
 
-/// A running process that belongs to an application bundle.
+/// A running application from a bundle, by its topmost process.
 struct RunningApplication {
     std::string bundleId{};
     std::filesystem::path bundleURL{}; ///< the bundle folder, links resolved

@@ -6,7 +6,6 @@
 #include "Platform/Text.h"
 #include "Platform/UserPaths.h"
 #include "ProbeKit/FSEventProbe.h"
-#include "ProbeKit/Farewell.h"
 
 #include <algorithm>
 #include <thread>
@@ -73,18 +72,16 @@ private:
 };
 
 // Asks the processes to end, in the order of their launch, and lets go of them.
-void dismiss(std::vector<Process>& processes, const std::function<void(Process)>& release) {
-    for (Process& process : processes) {
-        process.terminate();
-    }
-    for (Process& process : processes) {
+void dismiss(std::vector<TrialProcess>& trials, const std::function<void(TrialProcess)>& release) {
+    for (TrialProcess& trial : trials) {
+        trial.terminate();
         if (release) {
-            release(std::move(process));
+            release(std::move(trial));
         } else {
-            endInBackground(std::move(process), AppProber::grace);
+            endInBackground(std::move(trial), AppProber::grace);
         }
     }
-    processes.clear();
+    trials.clear();
 }
 
 } // namespace
@@ -125,7 +122,7 @@ ProbeResult AppProber::run(const Control& control) {
     recorder.start();
 
     Waiter waiter(control, sleep_, settleA + settleB);
-    std::vector<Process> launched;
+    std::vector<TrialProcess> launched;
     ProbeResult result;
     launched.push_back(launch(homeA));
     try {
@@ -136,7 +133,7 @@ ProbeResult AppProber::run(const Control& control) {
         dismiss(launched, control.release);
         throw;
     }
-    result.singleton = classifySingleton(launched.back());
+    result.singleton = classifySingleton(launched.back().process);
     dismiss(launched, control.release);
     result.buckets = classify(recorder.stopAndDrain(), homeA);
     result.complete = recorder.isComplete();
@@ -144,8 +141,10 @@ ProbeResult AppProber::run(const Control& control) {
     return result;
 }
 
-Process AppProber::launch(const std::string& home) const {
-    return launcher_.launch(bundle_, home, Strategy::homeOverride, electronArgs(bundle_, home), {});
+TrialProcess AppProber::launch(const std::string& home) const {
+    return {
+        launcher_.launch(bundle_, home, Strategy::homeOverride, electronArgs(bundle_, home), {}),
+        home};
 }
 
 std::string AppProber::makeTempHome() const {

@@ -3,6 +3,7 @@
 #include "LaunchKit/AppBundle.h"
 #include "LaunchKit/InstanceLauncher.h"
 #include "Platform/Workspace.h"
+#include "ProbeKit/Farewell.h"
 #include "ProbeKit/Models.h"
 
 #include <atomic>
@@ -49,8 +50,9 @@ public:
         /// thread that runs the probe.
         std::function<void(double)> progress{};
         /// Takes over each launched process after it was asked to end. Empty: it is waited for in
-        /// the background, and ended by force when it still runs `grace` later.
-        std::function<void(Process)> release{};
+        /// the background, and ended by force with all that it started when it still runs `grace`
+        /// later (see `waitForEnd`).
+        std::function<void(TrialProcess)> release{};
     };
 
     static constexpr std::chrono::seconds grace{5};
@@ -90,7 +92,7 @@ private:
     AppProber(AppBundle bundle, Surroundings surroundings);
 
     [[nodiscard]] bool pathMentions(std::string_view path) const;
-    [[nodiscard]] Process launch(const std::string& home) const;
+    [[nodiscard]] TrialProcess launch(const std::string& home) const;
     [[nodiscard]] LeakBucket bucketOf(const std::string& path, const std::string& fakeHome) const;
 
     AppBundle bundle_;

@@ -1,17 +1,30 @@
 #pragma once
 
 #include "Platform/Process.h"
+#include "Platform/ProcessFamily.h"
 
 #include <chrono>
+#include <string>
 #include <vector>
 
 namespace quorvel {
 
-/// Waits up to `grace` for processes that were asked to end, then ends those that still run by
-/// force. None of them is left, not even as a zombie.
-void waitForEnd(std::vector<Process> processes, std::chrono::milliseconds grace);
+/// A process that was launched for a trial, with its throw-away home.
+struct TrialProcess {
+    Process process;
+    std::string home;
+    std::vector<ProcessIdentity> started{}; ///< what ran below it when it was asked to end
 
-/// The same for one process, without making the caller wait.
-void endInBackground(Process process, std::chrono::milliseconds grace);
+    /// Asks it politely to end.
+    void terminate();
+};
+
+/// Waits up to `grace` for trials whose processes were asked to end. What they started and left
+/// behind, in sessions of its own too, is then asked as well; whatever still runs after the rest of
+/// `grace`, at least a second, is ended by force. Nothing is left, not even a zombie of ours.
+void waitForEnd(std::vector<TrialProcess> trials, std::chrono::milliseconds grace);
+
+/// The same for one trial, without making the caller wait.
+void endInBackground(TrialProcess trial, std::chrono::milliseconds grace);
 
 } // namespace quorvel

@@ -67,7 +67,7 @@ public:
 
     [[nodiscard]] AppProber::Control control() {
         AppProber::Control with;
-        with.release = [this](Process process) { released.push_back(std::move(process)); };
+        with.release = [this](TrialProcess trial) { released.push_back(std::move(trial)); };
         return with;
     }
 
@@ -100,7 +100,7 @@ public:
     std::filesystem::path temporary = folder / "tmp";
     std::filesystem::path told = folder / "told";
     std::shared_ptr<Workspace> workspace = makeSystemWorkspace();
-    std::vector<Process> released{};
+    std::vector<TrialProcess> released{};
     int sleeps = 0;
     std::function<void(AppProber::Seconds)> onSleep = [this](AppProber::Seconds /*time*/) {
         (void)hasTold(++sleeps);

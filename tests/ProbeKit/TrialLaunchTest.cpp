@@ -4,6 +4,7 @@
 #include <cerrno>
 #include <csignal>
 #include <gmock/gmock.h>
+#include <set>
 #include <sys/wait.h>
 
 namespace quorvel {
@@ -84,9 +85,7 @@ TEST(TrialOf, AnAppThatHandsOverIsNotClonable) {
         // The first holds the lock before the second comes, and the second quits.
         ASSERT_TRUE(waitFor([&] {
             return trial.sleeps == 1 ? fs::exists(trial.folder / "lock")
-                                     : trial.workspace->runningApplications()
-                                               .withBundleIdentifier("com.example.Notes")
-                                               .size() == 1;
+                                     : descendantsOf(::getpid()).size() == 1;
         }));
     };
     const ProbeResult result = trial.run();
@@ -109,6 +108,30 @@ TEST(TrialOf, AnAppThatWaitsForALockNeverComesUp) {
     const ProbeResult result = trial.run();
     EXPECT_EQ(result.singleton, SingletonTier::lockFile);
     EXPECT_EQ(result.recommendedStrategy, Strategy::homeOverride);
+}
+
+TEST(TrialOf, AnAppOfSeveralProcessesThatWaitsForALockNeverComesUp) {
+    Trial trial;
+    const std::string lock = (trial.folder / "lock").string();
+    const fs::path up = trial.folder / "up";
+    trial.plan("helper\n" + trial.tellStep() + "\nlock " + lock + "\nwrite " + up.string() +
+               "\nwait\n");
+    const auto running = [&] {
+        return trial.workspace->runningApplications().withBundleIdentifier("com.example.Notes");
+    };
+    trial.onSleep = [&](AppProber::Seconds /*time*/) {
+        ASSERT_TRUE(trial.hasTold(++trial.sleeps));
+        ASSERT_TRUE(waitFor([&] { return fs::exists(up) && running().size() == 1; }));
+    };
+    EXPECT_EQ(trial.run().singleton, SingletonTier::lockFile);
+    trial.endAll();
+    EXPECT_TRUE(waitFor([&] { return running().empty(); })) << "the helpers end as well";
+}
+
+TEST(TrialOf, AnAppOfSeveralProcessesThatComesUpTwiceIsNoSingleton) {
+    Trial trial;
+    trial.plan("helper\nhelper\n" + trial.tellStep() + "\nwait\n");
+    EXPECT_EQ(trial.run().singleton, SingletonTier::none);
 }
 
 TEST(TrialOf, AnAppWhoseParentLeavesItsChildBehindCountsAsHandingOver) {
@@ -173,12 +196,126 @@ TEST(TrialOf, AnAppThatIgnoresTerminationIsEndedByForce) {
     trial.plan("ignore-termination\n" + trial.tellStep() + "\nwait\n");
     EXPECT_EQ(trial.run().singleton, SingletonTier::none);
     ASSERT_THAT(trial.released, SizeIs(2));
-    const pid_t first = trial.released[0].identifier();
-    const pid_t second = trial.released[1].identifier();
+    const pid_t first = trial.released[0].process.identifier();
+    const pid_t second = trial.released[1].process.identifier();
     endInBackground(std::move(trial.released[0]), std::chrono::milliseconds(50));
     endInBackground(std::move(trial.released[1]), std::chrono::milliseconds(50));
     trial.released.clear();
     EXPECT_TRUE(waitFor([&] { return isGone(first) && isGone(second); }));
+}
+
+// A script that starts another one, in a session of its own, which tells its number and what it
+// was asked; it ends when asked, or does not.
+std::string scriptWithDaemon(const Trial& trial, const std::string& start, bool obedient) {
+    const std::string number = (trial.folder / "daemons").string();
+    const std::string asked = (trial.folder / "asked").string();
+    write(trial.folder / "daemon", "trap 'echo asked >> " + asked + (obedient ? "; exit" : "") +
+                                       "' TERM; echo $$ >> " + number +
+                                       "; while :; do sleep 0.05; done");
+    return start + " /bin/sh " + (trial.folder / "daemon").string() +
+           " </dev/null >/dev/null 2>&1 & echo told >> " + trial.told.string() + "; exec sleep 600";
+}
+
+std::vector<pid_t> daemonsOf(const Trial& trial) {
+    std::vector<pid_t> daemons;
+    std::ifstream numbers(trial.folder / "daemons");
+    for (pid_t number = 0; numbers >> number;) {
+        daemons.push_back(number);
+    }
+    return daemons;
+}
+
+// Runs the trial of such an app and ends it; gives how often its daemons were asked to end.
+std::size_t askedDaemons(const std::string& start, bool obedient) {
+    Trial trial;
+    makeScriptedAppBundle(trial.app, scriptWithDaemon(trial, start, obedient));
+    trial.onSleep = [&](AppProber::Seconds /*time*/) {
+        ++trial.sleeps;
+        EXPECT_TRUE(waitFor(
+            [&] { return daemonsOf(trial).size() == static_cast<std::size_t>(trial.sleeps); }));
+    };
+    (void)trial.run();
+    waitForEnd(std::exchange(trial.released, {}), std::chrono::milliseconds(300));
+    for (const pid_t daemon : daemonsOf(trial)) {
+        EXPECT_TRUE(waitFor([&] { return isGone(daemon); }, std::chrono::seconds(5)))
+            << daemon << " is left of: " << start;
+        ::kill(daemon, SIGKILL);
+    }
+    const std::string asked = read(trial.folder / "asked");
+    return static_cast<std::size_t>(std::count(asked.begin(), asked.end(), '\n'));
+}
+
+TEST(TrialOf, AnAppThatLeavesProcessesBehindHasThemAskedToEnd) {
+    EXPECT_EQ(askedDaemons("", true), 2U) << "children";
+    EXPECT_EQ(askedDaemons("setsid -f", true), 2U) << "without a parent, in sessions of their own";
+    EXPECT_EQ(askedDaemons("env -i HOME=/ /usr/bin/setsid", true), 2U) << "of another home";
+}
+
+TEST(TrialOf, AnAppWhoseLeftoversIgnoreTheRequestHasThemEndedByForce) {
+    EXPECT_EQ(askedDaemons("setsid -f", false), 2U);
+}
+
+TEST(TrialOf, AnAppIsAskedToEndFirstAndItsLastWritesAreRecorded) {
+    Trial trial;
+    makeScriptedAppBundle(trial.app,
+                          "trap 'echo > \"$HOME/last words\"; exit' TERM; echo told >> " +
+                              trial.told.string() + "; while :; do sleep 0.05; done");
+    AppProber::Control control;
+    std::vector<std::string> homes;
+    control.release = [&](TrialProcess ended) {
+        homes.push_back(ended.home);
+        EXPECT_TRUE(waitFor([&] { return fs::exists(fs::path(ended.home) / "last words"); }));
+        // Two homes there are, and the second app has not been asked before the first.
+        const auto all = trial.homes();
+        EXPECT_EQ(
+            std::count_if(all.begin(), all.end(),
+                          [](const fs::path& home) { return fs::exists(home / "last words"); }),
+            static_cast<std::ptrdiff_t>(homes.size()));
+        trial.released.push_back(std::move(ended));
+    };
+    const ProbeResult result = trial.prober().run(control);
+    ASSERT_THAT(homes, SizeIs(2));
+    EXPECT_THAT(bucketPaths(result, LeakBucket::captured), Contains(homes[0] + "/last words"));
+}
+
+TEST(TrialOf, AnAppFindsOurEnvironmentWithTheHomeReplacedAndNothingElse) {
+    Trial trial;
+    makeAppBundle(trial.app, {{"CFBundleIdentifier", "com.example.Notes"}}, "/usr/bin/env");
+    trial.onSleep = [&](AppProber::Seconds /*time*/) {
+        ++trial.sleeps;
+        EXPECT_TRUE(waitFor([&] {
+            const auto homes = trial.homes();
+            return std::count_if(homes.begin(), homes.end(), [](const fs::path& home) {
+                       return !read(home / "quorvel-instance.log").empty();
+                   }) == trial.sleeps;
+        }));
+    };
+    (void)trial.run();
+    for (const fs::path& home : trial.homes()) {
+        Environment expected = currentEnvironment();
+        expected["HOME"] = home;
+        expected["CFFIXED_USER_HOME"] = home;
+        std::multiset<std::string> lines;
+        for (const auto& [key, value] : expected) {
+            lines.insert(key + "=" + value);
+        }
+        std::multiset<std::string> found;
+        std::ifstream log(home / "quorvel-instance.log");
+        for (std::string line; std::getline(log, line);) {
+            found.insert(line);
+        }
+        EXPECT_EQ(found, lines);
+    }
+}
+
+TEST(TrialOf, AnAppWhoseHomeLiesInTheLibraryIsCapturedAllTheSame) {
+    // What lies in two watched folders is reported under the first of them.
+    Trial trial;
+    fs::create_directory(trial.library / "tmp");
+    fs::remove(trial.temporary);
+    fs::create_directory_symlink(trial.library / "tmp", trial.temporary);
+    trial.plan("write ~/file\n" + trial.tellStep() + "\nwait\n");
+    EXPECT_THAT(bucketPaths(trial.run(), LeakBucket::captured), Contains(EndsWith("/file")));
 }
 
 TEST(TrialOf, AnAppThatFloodsItsOutputFloodsOnlyItsLog) {
@@ -283,8 +420,8 @@ TEST(TrialOf, AnAppThatIsGivenUpEndsBothProcesses) {
     control.cancelled = &cancelled;
     EXPECT_THROW((void)trial.prober().run(control), ProbeCancelled);
     ASSERT_THAT(trial.released, SizeIs(2));
-    for (Process& process : trial.released) {
-        EXPECT_EQ(process.waitUntilExit(), 128 + SIGTERM);
+    for (TrialProcess& ended : trial.released) {
+        EXPECT_EQ(ended.process.waitUntilExit(), 128 + SIGTERM);
     }
 }
 
@@ -353,6 +490,13 @@ TEST(GeneratedProfile, HoldsWhatTheTrialShowed) {
     EXPECT_THAT(profile.extraArgs, IsEmpty());
     EXPECT_THAT(profile.verifiedOn, ElementsAre("macOS 14.5"));
     EXPECT_EQ(profile.confidence, Confidence::autoDetected);
+}
+
+TEST(GeneratedProfile, OtherLeaksAreNoLeakOfPreferences) {
+    ProbeResult result;
+    result.buckets[LeakBucket::dataLeak] = {"/d"};
+    result.buckets[LeakBucket::containerLeak] = {"/c"};
+    EXPECT_FALSE(ProfileGenerator::makeProfile(AppBundle{}, result, "macOS 14.5").prefsLeak);
 }
 
 TEST(GeneratedProfile, OfAnElectronAppHasItsDataArgument) {

@@ -252,12 +252,18 @@ TEST_F(AppModelTest, LaunchingACloneThatKeepsItsFoldersLinksOnlyTheKeychain) {
     EXPECT_FALSE(fs::exists(home / "QuorvelInstances/Work/Downloads"));
 }
 
-TEST_F(AppModelTest, LaunchingAWebCloneTouchesNoHome) {
+TEST_F(AppModelTest, LaunchingAnyOtherKindTouchesNoHome) {
     fs::create_directories(home / "Library/Keychains");
     fs::create_directories(home / "Downloads");
-    model().launch(addClone("Site", ShortcutKind::web));
-    EXPECT_FALSE(fs::exists(home / "QuorvelInstances"));
-    EXPECT_EQ(stubbed.workspace->opened.size(), 1U);
+    for (const ShortcutKind kind : {ShortcutKind::web, ShortcutKind::file, ShortcutKind::command}) {
+        const InstanceRecord record = addClone("Other", kind);
+        model().launch(record);
+        EXPECT_FALSE(fs::exists(home / "QuorvelInstances"));
+        EXPECT_THAT(stubbed.workspace->opened, ElementsAre(record.bundleURL));
+        EXPECT_TRUE(stubbed.workspace->activated);
+        stubbed.workspace->opened.clear();
+        stubbed.workspace->activated = false;
+    }
 }
 
 TEST_F(AppModelTest, AfterALaunchTheRunningStateIsLookedAtEightTenthsOfASecondLater) {
@@ -293,13 +299,15 @@ TEST_F(AppModelTest, AWorkspaceThatThrowsIsReportedLikeAnAnswer) {
 }
 
 TEST_F(AppModelTest, AnAnswerOnAnotherThreadIsHandledOnTheMainThread) {
+    stubbed.workspace->answersElsewhere = true;
     QThread* handled = nullptr;
     QObject::connect(&model(), &AppModel::lastErrorChanged, &model(),
                      [&] { handled = QThread::currentThread(); });
     stubbed.workspace->openError =
         PlatformError(std::make_error_code(std::errc::permission_denied), "/x/Work.app", "opened");
     model().launch(addClone("Work"));
-    ASSERT_TRUE(eventually([&] { return handled != nullptr; }));
+    EXPECT_EQ(handled, nullptr) << "the answer came on another thread, and nobody was called there";
+    ASSERT_TRUE(eventually([&] { return handled != nullptr && !stubbed.delayed.empty(); }));
     EXPECT_EQ(handled, QCoreApplication::instance()->thread());
 }
 

@@ -4,6 +4,8 @@
 
 #include <QCoreApplication>
 
+#include <thread>
+
 namespace quorvel::testing {
 
 void StubWorkspace::openApplication(const std::filesystem::path& bundle, bool activates,
@@ -13,7 +15,11 @@ void StubWorkspace::openApplication(const std::filesystem::path& bundle, bool ac
     }
     opened.push_back(bundle);
     activated = activates;
-    completion(openError);
+    if (answersElsewhere) {
+        std::thread([&] { completion(openError); }).join();
+    } else {
+        completion(openError);
+    }
 }
 
 void StubWorkspace::reveal(const std::filesystem::path& item) {

@@ -26,7 +26,8 @@ public:
     std::vector<std::filesystem::path> opened{};
     bool activated = false;
     std::optional<PlatformError> openError{};
-    bool throwing = false; ///< the error is thrown, not told
+    bool throwing = false;         ///< the error is thrown, not told
+    bool answersElsewhere = false; ///< on a thread of its own
     std::optional<PlatformError> revealError{};
     std::vector<std::filesystem::path> revealed{};
     std::set<std::string> running{};

@@ -3,9 +3,10 @@
 //   write FILE          writes a file, with the folders above it
 //   many FOLDER COUNT   writes that many files, a hundred a folder
 //   tell FILE           adds a line to a file
-//   lock FILE           holds a lock, or when another does waits as a program of another bundle
+//   lock FILE           holds a lock; while another does, waits for it
 //   hand-over FILE      holds a lock, or when another does quits
 //   fork FILE           goes on as a child, whose number is added to the file; the parent quits
+//   helper              starts a copy of itself that waits
 //   flood BYTES         prints that many bytes
 //   ignore-termination, delete-home, crash, wait
 //   exit STATUS
@@ -48,6 +49,17 @@ bool holdsLock(const fs::path& file) {
     return ::flock(descriptor, LOCK_EX | LOCK_NB) == 0;
 }
 
+void waitForLock(const fs::path& file) {
+    const int descriptor = ::open(file.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600);
+    ::flock(descriptor, LOCK_EX);
+}
+
+[[noreturn]] void waitForever() {
+    while (true) {
+        ::pause();
+    }
+}
+
 void flood(long bytes) {
     const std::string chunk(65536, 'x');
     for (long left = bytes; left > 0; left -= 65536) {
@@ -63,8 +75,12 @@ void take(const std::string& step, const std::string& argument, int count) {
         writeMany(expanded(argument), count);
     } else if (step == "tell") {
         tell(expanded(argument), "told");
-    } else if (step == "lock" && !holdsLock(expanded(argument))) {
-        ::execl("/bin/sleep", "sleep", "600", nullptr);
+    } else if (step == "lock") {
+        waitForLock(expanded(argument));
+    } else if (step == "helper") {
+        if (::fork() == 0) {
+            waitForever();
+        }
     } else if (step == "hand-over" && !holdsLock(expanded(argument))) {
         std::exit(0);
     } else if (step == "fork") {
@@ -83,9 +99,7 @@ void take(const std::string& step, const std::string& argument, int count) {
     } else if (step == "exit") {
         std::exit(std::stoi(argument));
     } else if (step == "wait") {
-        while (true) {
-            ::pause();
-        }
+        waitForever();
     }
 }
 
