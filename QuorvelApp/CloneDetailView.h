@@ -33,6 +33,8 @@ private:
     [[nodiscard]] QWidget* makeActions();
     void setRows(const std::vector<DetailRow>& rows);
     void confirmDelete();
+    /// Asks once more when the clone runs.
+    void removeWithData(const InstanceRecord& clone);
     void confirmMigration();
 
     AppModel& model_;
