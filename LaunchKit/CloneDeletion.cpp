@@ -3,7 +3,6 @@
 #include "LaunchKit/DataFolderGuard.h"
 #include "Platform/FileSystem.h"
 #include "Platform/ItemRemoval.h"
-#include "Platform/UserPaths.h"
 
 #include <optional>
 #include <tuple>

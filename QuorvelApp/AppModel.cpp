@@ -316,13 +316,17 @@ InstanceRecord AppModel::created(const std::filesystem::path& wrapper,
 }
 
 void AppModel::remove(const InstanceRecord& record, bool includingData) {
+    DeletedData data;
     try {
-        services_.registry.remove(record, includingData);
+        data = services_.registry.remove(record, includingData);
     } catch (const std::exception& failure) {
         setLastError(std::string("Couldn't delete: ") + failure.what());
         return;
     }
     reload();
+    if (data.isFailure()) {
+        setLastError("Couldn't delete: " + data.description());
+    }
 }
 
 QFuture<void> AppModel::migrateSharedFolders(const InstanceRecord& record) {

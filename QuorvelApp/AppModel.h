@@ -75,7 +75,7 @@ public:
     /// Makes a clone and gives its record, made up from the request when the registry does not list
     /// it. Fails with the factory's error and changes nothing then.
     QFuture<InstanceRecord> createClone(const WrapperFactory::Request& request, bool launchAfter);
-    /// A failure becomes `lastError`.
+    /// A failure becomes `lastError`, as does data that could not be removed with its clone.
     void remove(const InstanceRecord& record, bool includingData);
     /// Moves what the clone saved in its own folders into the user's, and shares those from then
     /// on. The outcome becomes `statusMessage`, or `lastError` when the clone can't be changed or

@@ -149,9 +149,6 @@ void CloneDetailView::setRows(const std::vector<DetailRow>& rows) {
 
 void CloneDetailView::confirmDelete() {
     const QString name = shownLine(clone_.config.displayName);
-    const auto removing = [this, clone = clone_](bool withData) {
-        return [this, clone, withData] { model_.remove(clone, withData); };
-    };
     auto* question = new MessageSheet(
         u"trash"_s, Ink::danger, tr("Delete “%1”?").arg(name),
         tr("“Delete Clone Only” removes the app but keeps its data at %1. “…and Its Data” also "
@@ -159,10 +156,29 @@ void CloneDetailView::confirmDelete() {
             .arg(shownLine(clone_.config.instanceHome)),
         {{.label = tr("Delete Clone Only"),
           .look = ButtonLook::destructive,
-          .chosen = removing(false)},
+          .chosen = [this, clone = clone_] { model_.remove(clone, false); }},
          {.label = tr("Delete Clone and Its Data"),
           .look = ButtonLook::destructive,
-          .chosen = removing(true)},
+          .chosen = [this, clone = clone_] { removeWithData(clone); }},
+         {.label = tr("Cancel"), .onEscape = true, .isDefault = true}});
+    new Sheet(question, sheets_, Sheet::Place::middle);
+}
+
+void CloneDetailView::removeWithData(const InstanceRecord& clone) {
+    // Nothing tells of clones that were started or ended elsewhere.
+    model_.refreshRunningState();
+    if (!model_.isRunning(clone)) {
+        model_.remove(clone, true);
+        return;
+    }
+    auto* question = new MessageSheet(
+        u"exclamationmark.triangle.fill"_s, Ink::orange,
+        tr("“%1” is running").arg(shownLine(clone.config.displayName)),
+        tr("Quit it before you delete its data. Otherwise it loses what it has open, and may write "
+           "data anew."),
+        {{.label = tr("Delete Anyway"),
+          .look = ButtonLook::destructive,
+          .chosen = [this, clone] { model_.remove(clone, true); }},
          {.label = tr("Cancel"), .onEscape = true, .isDefault = true}});
     new Sheet(question, sheets_, Sheet::Place::middle);
 }

@@ -35,6 +35,8 @@ private:
     void showCallout();
     void setRows(const std::vector<DetailRow>& rows);
     void confirmDelete();
+    /// Asks once more when the clone runs.
+    void removeWithData(const InstanceRecord& clone);
     void confirmMigration();
 
     AppModel& model_;

@@ -299,5 +299,14 @@ TEST(InstalledAppIcon, IsMissingWhereNoneIsNamedOrThere) {
     EXPECT_EQ((InstalledApp{folder / "None.app", "A", "a"}.iconURL()), std::nullopt);
 }
 
+TEST(AppCatalog, AnAppsHashIsMadeOfEverythingThatMakesItEqual) {
+    const std::hash<InstalledApp> hash;
+    const InstalledApp app{"/A/Mail.app", "Mail", "com.example.mail"};
+    EXPECT_EQ(hash(app), hash(InstalledApp(app)));
+    EXPECT_NE(hash(app), hash({"/B/Mail.app", "Mail", "com.example.mail"}));
+    EXPECT_NE(hash(app), hash({"/A/Mail.app", "Post", "com.example.mail"}));
+    EXPECT_NE(hash(app), hash({"/A/Mail.app", "Mail", "com.example.post"}));
+}
+
 } // namespace
 } // namespace quorvel

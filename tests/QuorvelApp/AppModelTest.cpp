@@ -1,6 +1,7 @@
 #include "LaunchKit/InstanceLauncher.h"
 #include "tests/QuorvelApp/StubServices.h"
 #include "tests/support/AppBundles.h"
+#include "tests/support/OrdinaryUser.h"
 #include "tests/support/TemporaryHome.h"
 
 #include <QCoreApplication>
@@ -410,6 +411,37 @@ TEST_F(AppModelTest, AFailedDeletionIsReportedAndKeepsTheList) {
     model().remove(record, true);
     EXPECT_THAT(*model().lastError(), StartsWith("Couldn't delete: "));
     EXPECT_THAT(names(), ElementsAre("Work"));
+}
+
+TEST_F(AppModelTest, DataThatStaysIsReportedAndTheListIsNew) {
+    const TemporaryFolder place;
+    EXPECT_TRUE(asOrdinaryUser(place.path(), [&] {
+        InstanceConfig config = minimalConfig();
+        config.instanceHome = (place / "data").string();
+        const InstanceRecord record{makeWrapper(place / "Work.app", config), config};
+        write(place / "data/closed/file", "x");
+        write(place / "data/file", "x");
+        fs::permissions(place / "data/closed", fs::perms{0555});
+        QSignalSpy listed(&model(), &AppModel::clonesChanged);
+        model().remove(record, true);
+        const std::string error = model().lastError().value_or("");
+        return listed.count() == 1 && error.starts_with("Couldn't delete: ") &&
+               error.find("1 item removed, 3 items left") != error.npos &&
+               !fs::exists(record.bundleURL);
+    }));
+}
+
+TEST_F(AppModelTest, AStaleRecordDeletesNothing) {
+    const InstanceRecord record = addClone("Work");
+    model().reload();
+    InstanceConfig newer = record.config;
+    newer.instanceHome = "~/QuorvelInstances/Newer";
+    makeWrapper(record.bundleURL, newer);
+    write(home / "QuorvelInstances/Work/data", "x");
+    model().remove(record, true);
+    EXPECT_THAT(model().lastError().value_or(""), StartsWith("Couldn't delete: "));
+    EXPECT_TRUE(fs::exists(record.bundleURL));
+    EXPECT_TRUE(fs::exists(home / "QuorvelInstances/Work/data"));
 }
 
 TEST_F(AppModelTest, MigrationMovesFilesSwitchesToSharingAndSaysHowMany) {

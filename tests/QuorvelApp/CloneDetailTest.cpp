@@ -28,6 +28,55 @@ TEST_F(CloneDetailTest, DeletesTheDataOnlyWhenAsked) {
     }
 }
 
+TEST_F(CloneDetailTest, AsksOnceMoreBeforeItDeletesTheDataOfACloneThatRuns) {
+    const InstanceRecord work = addClone("Work");
+    write(home / "QuorvelInstances/Work/data", "x");
+    open();
+    select(work);
+    // Started elsewhere, so that nothing but a look can tell.
+    stubs.workspace->running = {work.config.bundleId};
+    const auto delayed = [&](const QString& answer) {
+        button(u"Delete"_s)->click();
+        button(u"Delete Clone and Its Data"_s)->click();
+        EXPECT_TRUE(shown(u"“Work” is running"_s));
+        EXPECT_TRUE(fs::exists(home / "QuorvelInstances/Work/data"));
+        button(answer)->click();
+        EXPECT_FALSE(shown(u"“Work” is running"_s));
+    };
+    delayed(u"Cancel"_s);
+    EXPECT_TRUE(fs::exists(work.bundleURL));
+    EXPECT_TRUE(fs::exists(home / "QuorvelInstances/Work/data"));
+    delayed(u"Delete Anyway"_s);
+    EXPECT_FALSE(fs::exists(work.bundleURL));
+    EXPECT_FALSE(fs::exists(home / "QuorvelInstances/Work"));
+}
+
+TEST_F(CloneDetailTest, EscapeAndReturnSpareTheDataOfACloneThatRuns) {
+    const InstanceRecord work = addClone("Work");
+    write(home / "QuorvelInstances/Work/data", "x");
+    open();
+    select(work);
+    stubs.workspace->running = {work.config.bundleId};
+    for (const Qt::Key key : {Qt::Key_Escape, Qt::Key_Return}) {
+        button(u"Delete"_s)->click();
+        button(u"Delete Clone and Its Data"_s)->click();
+        QTest::keyClick(window->findChildren<MessageSheet*>().constLast(), key);
+        EXPECT_FALSE(shown(u"“Work” is running"_s));
+        EXPECT_TRUE(fs::exists(home / "QuorvelInstances/Work/data"));
+    }
+}
+
+TEST_F(CloneDetailTest, DoesNotAskOnceMoreWhereTheDataStays) {
+    const InstanceRecord work = addClone("Work");
+    open();
+    select(work);
+    stubs.workspace->running = {work.config.bundleId};
+    button(u"Delete"_s)->click();
+    button(u"Delete Clone Only"_s)->click();
+    EXPECT_FALSE(shown(u"“Work” is running"_s));
+    EXPECT_FALSE(fs::exists(work.bundleURL));
+}
+
 TEST_F(CloneDetailTest, ADeletionCanBeCancelledByButtonAndByEscape) {
     const InstanceRecord work = addClone("Work");
     open();
