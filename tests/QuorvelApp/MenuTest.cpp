@@ -45,15 +45,16 @@ TEST_F(Menus, CheckForUpdatesAsSoonAndAsLongAsTheServiceCan) {
 }
 
 TEST_F(Menus, BelongToAWindowThatComesToTheFrontAtTheStart) {
-    QWidget other;
-    other.show();
-    other.activateWindow();
-    ASSERT_TRUE(QTest::qWaitForWindowActive(&other));
     AppServices services = AppServices::ofTheSystem();
     services.registry = InstanceRegistry({folder});
     services.workspace = stubs.workspace;
     QuorvelApp application(std::move(services));
     EXPECT_FALSE(application.window().isVisible());
+    application.window().show(); // which alone would bring it to the front here
+    QWidget other;
+    other.show();
+    other.activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&other));
     application.start();
     EXPECT_TRUE(QTest::qWaitForWindowActive(&application.window()));
     EXPECT_EQ(QApplication::activeWindow(), &application.window());
