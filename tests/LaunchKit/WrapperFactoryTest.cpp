@@ -5,6 +5,7 @@
 #include "tests/support/AppBundles.h"
 #include "tests/support/TemporaryHome.h"
 
+#include <array>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -210,6 +211,46 @@ TEST_F(Factory, AnUnreadableTargetIsRefused) {
     WrapperFactory::Request request = appRequest("");
     request.targetApp.reset();
     EXPECT_EQ(errorOf(request, at("runner")), "Not a readable .app: /");
+}
+
+TEST_F(Factory, ARefusedTargetIsNamedByItsError) {
+    for (const std::optional<fs::path>& target :
+         {std::optional<fs::path>("/no/such.app"), std::optional<fs::path>()}) {
+        WrapperFactory::Request request = appRequest("");
+        request.targetApp = target;
+        try {
+            (void)create(request);
+            FAIL() << "it was made";
+        } catch (const FactoryError& error) {
+            EXPECT_EQ(error.kind(), FactoryError::Case::badTarget);
+            EXPECT_EQ(error.url(), target.value_or("/"));
+        }
+    }
+    EXPECT_EQ(FactoryError::emptyName().url(), "");
+}
+
+TEST_F(Factory, EachSwitchSetsItsOwnFieldAlone) {
+    using Request = WrapperFactory::Request;
+    struct Row {
+        bool Request::*asked;
+        bool InstanceConfig::*given;
+    };
+    const std::array<Row, 5> rows{{
+        {&Request::registerAsBrowser, &InstanceConfig::registerAsBrowser},
+        {&Request::openWithPassthrough, &InstanceConfig::openWithPassthrough},
+        {&Request::menuBarIcon, &InstanceConfig::menuBarIcon},
+        {&Request::menuBarIconTemplate, &InstanceConfig::menuBarIconTemplate},
+        {&Request::shareUserFolders, &InstanceConfig::shareUserFolders},
+    }};
+    for (const Row& set : rows) {
+        Request request = webRequest("Work");
+        request.shareUserFolders = false;
+        request.*set.asked = true;
+        const InstanceConfig config = created(request);
+        for (const Row& row : rows) {
+            EXPECT_EQ(config.*row.given, &row == &set) << &row - rows.data();
+        }
+    }
 }
 
 TEST_F(Factory, TheFirstFaultIsReported) {
