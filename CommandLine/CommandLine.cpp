@@ -11,6 +11,8 @@
 #include <algorithm>
 #include <functional>
 #include <ostream>
+#include <set>
+#include <utility>
 
 namespace quorvel {
 namespace {
@@ -190,11 +192,31 @@ int showUsage(const CLI::App& program, const Surroundings& with, const std::stri
     return 2;
 }
 
+// The options that a value follows, of all commands.
+std::set<std::string> optionsWithValue(const CLI::App& program) {
+    std::set<std::string> names;
+    for (const CLI::App* command : program.get_subcommands([](const CLI::App*) { return true; })) {
+        for (const CLI::Option* option : command->get_options()) {
+            if (option->get_items_expected_max() > 0 && !option->get_lnames().empty()) {
+                names.insert("--" + option->get_lnames().front());
+            }
+        }
+    }
+    return names;
+}
+
 // The parser takes "--option=" for an option whose value follows; here the value is the empty text.
-std::vector<std::string> withEmptyValues(const std::vector<std::string>& arguments) {
+std::vector<std::string> withEmptyValues(const CLI::App& program,
+                                         const std::vector<std::string>& arguments) {
+    const std::set<std::string> withValue = optionsWithValue(program);
     std::vector<std::string> result;
     bool options = true;
+    bool isValue = false;
     for (const std::string& argument : arguments) {
+        if (std::exchange(isValue, !isValue && options && withValue.contains(argument))) {
+            result.push_back(argument);
+            continue;
+        }
         options = options && argument != "--";
         if (options && argument.size() > 3 && argument.starts_with("--") &&
             argument.find('=') == argument.size() - 1) {
@@ -218,7 +240,7 @@ int runCommandLine(const std::vector<std::string>& arguments, const Surroundings
     addAppCommands(program, words, chosen, with);
     addCloneCommands(program, words, chosen, with);
     try {
-        std::vector<std::string> reversed = withEmptyValues(arguments);
+        std::vector<std::string> reversed = withEmptyValues(program, arguments);
         std::reverse(reversed.begin(), reversed.end());
         program.parse(std::move(reversed));
         chosen();

@@ -1,5 +1,6 @@
 #include "LaunchKit/ImageFile.h"
 
+#include "LaunchKit/DecodingMemory.h"
 #include "LaunchKit/IcnsContainer.h"
 #include "LaunchKit/Jpeg2000Image.h"
 
@@ -25,6 +26,61 @@ QByteArray borrowed(std::string_view bytes) {
 bool isAcceptable(QSize size) {
     return size.isValid() && !size.isEmpty() && size.width() <= maximumImageSide &&
            size.height() <= maximumImageSide;
+}
+
+QSize scaledToFit(QSize size) {
+    constexpr int side = 2048;
+    return size.scaled(side, side, Qt::KeepAspectRatio).expandedTo(QSize(1, 1));
+}
+
+// Whether the PNG's rows come in their order, once each.
+bool isPlainPng(std::string_view bytes) {
+    constexpr std::size_t interlacing = 28;
+    return isPng(bytes) && bytes.size() > interlacing && bytes[interlacing] == 0;
+}
+
+// Whether the JPEG's blocks come in their order, once each: one sequential scan of all components.
+bool isPlainJpeg(std::string_view bytes) {
+    std::size_t components = 0;
+    for (std::size_t at = 2; bytes.starts_with("\xFF\xD8") && at + 10 <= bytes.size();) {
+        const auto byte = [&](std::size_t index) {
+            return static_cast<unsigned char>(bytes[at + index]);
+        };
+        const unsigned marker = byte(1);
+        if (byte(0) != 0xFF) {
+            return false;
+        }
+        if (marker == 0xC0 || marker == 0xC1) {
+            components = byte(9);
+        } else if (marker == 0xDA) {
+            return components != 0 && byte(4) == components;
+        }
+        at += 2 + (std::size_t{byte(2)} << 8U | byte(3));
+    }
+    return false;
+}
+
+// Asks for an image that the limits allow; false when there is no way to.
+bool limitSize(QImageReader& reader, std::string_view bytes) {
+    const QSize size = reader.size();
+    if (isAcceptable(size)) {
+        return true;
+    }
+    const bool decodable = size.isValid() && !size.isEmpty() && size.width() <= maximumScaledSide &&
+                           size.height() <= maximumScaledSide &&
+                           (isPlainPng(bytes) || isPlainJpeg(bytes));
+    if (decodable) {
+        reader.setScaledSize(scaledToFit(size));
+    }
+    return decodable;
+}
+
+// The memory of one with 16 bits a channel, before it is converted.
+std::size_t neededBytes(const QImageReader& reader) {
+    constexpr std::size_t bytesPerPixel = 12;
+    const QSize size = reader.scaledSize().isValid() ? reader.scaledSize() : reader.size();
+    return bytesPerPixel * static_cast<std::size_t>(size.width()) *
+           static_cast<std::size_t>(size.height());
 }
 
 // The format's name when it is one of pixels, else empty.
@@ -79,9 +135,10 @@ QImage widestImage(std::string_view bytes) {
     }
     QImage widest;
     for (int index = 0; index < std::clamp(reader.imageCount(), 1, maximumImages); ++index) {
-        if ((index > 0 && !reader.jumpToImage(index)) || !isAcceptable(reader.size())) {
+        if ((index > 0 && !reader.jumpToImage(index)) || !limitSize(reader, bytes)) {
             continue;
         }
+        const DecodingMemory memory(neededBytes(reader));
         if (QImage image = reader.read(); image.width() > widest.width()) {
             widest = std::move(image);
         }

@@ -8,8 +8,11 @@
 /// Image files of the common kinds, as bytes that nobody vouches for.
 namespace quorvel {
 
-/// No image that is wider or higher is decoded.
+/// No image that is wider or higher is decoded whole.
 inline constexpr int maximumImageSide = 4096;
+
+/// Nor is one wider or higher than this decoded scaled.
+inline constexpr int maximumScaledSide = 16384;
 
 [[nodiscard]] bool isPng(std::string_view bytes) noexcept;
 
@@ -22,7 +25,9 @@ inline constexpr int maximumImageSide = 4096;
 
 /// The widest image in a PNG, JPEG, JPEG 2000, GIF, BMP, ICO, TIFF or WebP file, as far as Qt reads
 /// it here, in the form of `pngImage`; the first of equally wide ones. Null when there is none.
-/// Formats that hold drawings or scripts rather than pixels are left alone.
+/// What goes beyond `maximumImageSide` comes at 2048 pixels, where its format can be decoded
+/// piece by piece: PNG and JPEG that are not interlaced, and JPEG 2000. Formats that hold drawings
+/// or scripts rather than pixels are left alone.
 [[nodiscard]] QImage widestImage(std::string_view bytes);
 
 /// `image` as 8-bit sRGB pixels with straight alpha.

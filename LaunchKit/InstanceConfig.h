@@ -56,12 +56,10 @@ struct InstanceConfig {
     /// The largest file that is read.
     static constexpr std::size_t maximumFileSize = std::size_t{4} << 20U;
 
-    /// How many levels the value of an unknown key may nest.
-    static constexpr std::size_t maximumDepth = 512;
-
-    /// Reads the JSON form, all or nothing. Throws `ConfigError` for malformed JSON, a missing
-    /// required key, a value of the wrong type, an unknown enumeration string, a repeated key, or
-    /// nesting deeper than `maximumDepth`.
+    /// Reads the JSON form, all or nothing; a byte-order mark may lead it. Unknown keys are ignored
+    /// whatever they hold, and of a key that stands several times the first counts. Throws
+    /// `ConfigError` for malformed JSON, a missing required key, a value of the wrong type or an
+    /// unknown enumeration string.
     [[nodiscard]] static InstanceConfig fromJson(std::string json);
 
     /// The same into a fresh `config`, with `json` as the room to work in: for those who read

@@ -1,4 +1,5 @@
 #include "LaunchKit/InstanceConfigFields.h"
+#include "LaunchKit/JsonPruning.h"
 #include "Platform/FileSystem.h"
 #include "Platform/Utf8.h"
 
@@ -12,6 +13,8 @@
 
 namespace quorvel {
 namespace {
+
+constexpr std::array<std::string_view, 3> labelKeys{"text", "colorHex", "position"};
 
 // Finds keys among the fields. Files have them in sorted order, so that the next key is mostly
 // found at the first look.
@@ -97,11 +100,11 @@ public:
 
     bool String(const char* text, rapidjson::SizeType length, bool /*copy*/) {
         const std::string_view value(text, length);
-        if (!isText(value)) {
-            return fails("A text holds half a character.");
-        }
         if (skipped()) {
             return true;
+        }
+        if (!isText(value)) {
+            return fails("A text holds half a character.");
         }
         switch (place_) {
         case Place::object:
@@ -110,7 +113,8 @@ public:
             list_->emplace_back(value);
             return true;
         case Place::map:
-            return map_->emplace(mapKey_, value).second || repeated();
+            map_->emplace(mapKey_, value);
+            return true;
         case Place::label:
             return labelMember(value);
         default:
@@ -120,22 +124,21 @@ public:
 
     bool Key(const char* text, rapidjson::SizeType length, bool /*copy*/) {
         const std::string_view name(text, length);
-        if (!isText(name)) {
-            return fails("A key holds half a character.");
-        }
         if (skipping_ > 0) {
             return true;
         }
+        // Of a key that stands several times, the first counts.
         switch (place_) {
         case Place::map:
             mapKey_ = name;
-            return true;
+            skipNext_ = map_->contains(mapKey_);
+            return isText(name) || fails("A key holds half a character.");
         case Place::label:
-            labelKey_ = std::find(labelKeys.begin(), labelKeys.end(), name) - labelKeys.begin();
-            skipNext_ = labelKey_ == labelKeys.end() - labelKeys.begin();
+            labelKey(name);
             return true;
         default:
-            return objectKey(name);
+            objectKey(name);
+            return true;
         }
     }
 
@@ -202,8 +205,6 @@ public:
 private:
     enum class Place { outside, object, list, map, label };
 
-    static constexpr std::array<std::string_view, 3> labelKeys{"text", "colorHex", "position"};
-
     [[nodiscard]] const InstanceConfigField& field() const { return instanceConfigFields[field_]; }
 
     // The file itself is UTF-8; only an escape can still spell half of a surrogate pair.
@@ -216,8 +217,8 @@ private:
 
     // The parser calls itself for each level, so that what goes deeper must end it here.
     bool descend() {
-        return ++skipping_ <= InstanceConfig::maximumDepth ||
-               fails("The configuration nests too deeply.");
+        constexpr std::size_t maximumDepth = 512;
+        return ++skipping_ <= maximumDepth || fails("The configuration nests too deeply.");
     }
 
     bool ascend() {
@@ -228,18 +229,19 @@ private:
         return true;
     }
 
-    bool objectKey(std::string_view name) {
+    void objectKey(std::string_view name) {
         const std::optional<std::size_t> known = keys_.indexOf(name);
-        if (!known) {
-            skipNext_ = true;
-            return true;
+        skipNext_ = !known || seen_[*known];
+        if (!skipNext_) {
+            field_ = *known;
+            seen_[field_] = true;
         }
-        field_ = *known;
-        if (seen_[field_]) {
-            return repeated();
-        }
-        seen_[field_] = true;
-        return true;
+    }
+
+    void labelKey(std::string_view name) {
+        const auto found = std::find(labelKeys.begin(), labelKeys.end(), name);
+        labelKey_ = static_cast<std::size_t>(found - labelKeys.begin());
+        skipNext_ = found == labelKeys.end() || labelSeen_[labelKey_];
     }
 
     bool stringMember(std::string_view value) {
@@ -262,14 +264,10 @@ private:
     }
 
     bool labelMember(std::string_view value) {
-        const auto index = static_cast<std::size_t>(labelKey_);
-        if (labelSeen_[index]) {
-            return repeated();
-        }
-        labelSeen_[index] = true;
-        if (labelKeys[index] == "text") {
+        labelSeen_[labelKey_] = true;
+        if (labelKeys[labelKey_] == "text") {
             label_.text = value;
-        } else if (labelKeys[index] == "colorHex") {
+        } else if (labelKeys[labelKey_] == "colorHex") {
             label_.colorHex = value;
         } else {
             return assign(label_.position, iconLabelPositionFromRawString(value));
@@ -292,8 +290,6 @@ private:
                          : "The value of “" + std::string(field().key) + "” is of the wrong type.");
     }
 
-    bool repeated() { return fails("A key stands twice."); }
-
     bool fails(std::string problem) {
         problem_ = std::move(problem);
         return false;
@@ -313,17 +309,13 @@ private:
     std::string mapKey_;
     IconLabel label_;
     std::bitset<labelKeys.size()> labelSeen_;
-    std::ptrdiff_t labelKey_ = 0;
+    std::size_t labelKey_ = 0;
 };
 
-} // namespace
-
-void InstanceConfig::decode(std::string& json, InstanceConfig& config) {
-    if (!isUtf8(json)) {
-        throw ConfigError("The configuration is not UTF-8 text.");
-    }
-    ConfigReader record(config, json.find("\\u") != json.npos);
-    rapidjson::InsituStringStream stream(json.data());
+// Works in place: the text is used up.
+void parse(char* json, std::size_t length, InstanceConfig& config) {
+    ConfigReader record(config, std::string_view(json, length).find("\\u") != std::string::npos);
+    rapidjson::InsituStringStream stream(json);
     rapidjson::CrtAllocator allocator;
     rapidjson::Reader reader(&allocator);
     constexpr unsigned flags = rapidjson::kParseInsituFlag;
@@ -332,11 +324,44 @@ void InstanceConfig::decode(std::string& json, InstanceConfig& config) {
         throw ConfigError(record.problem());
     }
     // To the parser a NUL is the end of the text; here it is a byte like any other.
-    if (result.IsError() || stream.Tell() != json.size()) {
+    if (result.IsError() || stream.Tell() != length) {
         throw ConfigError(std::string("The configuration is not valid JSON: ") +
                           rapidjson::GetParseError_En(result.Code()));
     }
     record.requireWhole();
+}
+
+// The same without members that mean nothing; nothing when there is no making sense of it.
+std::optional<std::string> withKnownMembersOnly(std::string_view json) {
+    std::array<std::string_view, instanceConfigFields.size()> keys;
+    std::transform(instanceConfigFields.begin(), instanceConfigFields.end(), keys.begin(),
+                   [](const InstanceConfigField& field) { return field.key; });
+    return withMembersOnly(json, keys, [](std::string_view key, std::string_view value) {
+        const auto label = key == "iconLabel" ? withMembersOnly(value, labelKeys) : std::nullopt;
+        return label.value_or(std::string(value));
+    });
+}
+
+} // namespace
+
+void InstanceConfig::decode(std::string& json, InstanceConfig& config) {
+    if (!isUtf8(json)) {
+        throw ConfigError("The configuration is not UTF-8 text.");
+    }
+    constexpr std::string_view mark = "\xEF\xBB\xBF";
+    const std::size_t start = json.starts_with(mark) ? mark.size() : 0;
+    const std::string whole = json.substr(start);
+    try {
+        parse(json.data() + start, whole.size(), config);
+    } catch (const ConfigError&) {
+        // What stands under an unknown key may be too much for the parser.
+        std::optional<std::string> pruned = withKnownMembersOnly(whole);
+        if (!pruned) {
+            throw;
+        }
+        config = {};
+        parse(pruned->data(), pruned->size(), config);
+    }
 }
 
 InstanceConfig InstanceConfig::fromJson(std::string json) {

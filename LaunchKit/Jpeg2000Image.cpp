@@ -1,5 +1,6 @@
 #include "LaunchKit/Jpeg2000Image.h"
 
+#include "LaunchKit/DecodingMemory.h"
 #include "LaunchKit/IcnsContainer.h"
 
 #include <openjpeg.h>
@@ -17,6 +18,7 @@ namespace {
 constexpr std::string_view fileMark("\0\0\0\x0CjP  \x0D\x0A\x87\x0A", 12);
 constexpr std::string_view codestreamMark("\xFF\x4F\xFF\x51", 4);
 constexpr std::uint64_t maximumTiles = 256;
+constexpr std::size_t mostComponents = 4;
 
 // The contents of the file's first codestream box; empty when there is none.
 std::string_view codestream(std::string_view bytes) {
@@ -104,13 +106,26 @@ bool hasSize(const opj_image_t& image, QSize size) {
            image.y1 - image.y0 == static_cast<OPJ_UINT32>(size.height());
 }
 
-Image decoded(std::string_view bytes, QSize size) {
+// How often the size must be halved for the decoder's components, four bytes a pixel, to fit.
+OPJ_UINT32 reduction(QSize size, std::uint64_t components) {
+    constexpr std::uint64_t most = std::uint64_t{64} << 20U;
+    const auto pixels =
+        static_cast<std::uint64_t>(size.width()) * static_cast<std::uint64_t>(size.height());
+    OPJ_UINT32 halvings = 0;
+    while ((pixels * components * 4) >> (2 * halvings) > most) {
+        ++halvings;
+    }
+    return halvings;
+}
+
+Image decoded(std::string_view bytes, QSize size, OPJ_UINT32 halvings) {
     MemoryReader reader{bytes};
     const Stream stream = streamOf(reader);
     const Codec codec(
         opj_create_decompress(bytes.starts_with(codestreamMark) ? OPJ_CODEC_J2K : OPJ_CODEC_JP2));
     opj_dparameters_t parameters;
     opj_set_default_decoder_parameters(&parameters);
+    parameters.cp_reduce = halvings;
     opj_image_t* header = nullptr;
     if (!stream || !codec || opj_setup_decoder(codec.get(), &parameters) == OPJ_FALSE) {
         return nullptr;
@@ -165,7 +180,7 @@ QRgb rgbFromYcc(int y, int blueness, int redness, int alpha) {
 
 QImage imageOf(const opj_image_t& source, QSize size) {
     const std::span components(source.comps, source.numcomps);
-    if (components.empty() || components.size() > 4 ||
+    if (components.empty() || components.size() > mostComponents ||
         !std::all_of(components.begin(), components.end(), isUsable)) {
         return {};
     }
@@ -207,9 +222,10 @@ QSize jpeg2000Size(std::string_view bytes) {
                                            number(4), number(5), number(6), number(7)};
     const auto [right, bottom, left, top, tileWidth, tileHeight, tileLeft, tileTop] = siz;
     const auto components = bigEndian32(stream.substr(componentCount - 2)) & 0xFFFFU;
-    const bool sane = right > left && bottom > top && right - left <= 4096 &&
-                      bottom - top <= 4096 && tileWidth > 0 && tileHeight > 0 && tileLeft <= left &&
-                      tileTop <= top && components >= 1 && components <= 4;
+    const bool sane = right > left && bottom > top && right - left <= maximumJpeg2000Side &&
+                      bottom - top <= maximumJpeg2000Side && tileWidth > 0 && tileHeight > 0 &&
+                      tileLeft <= left && tileTop <= top && components >= 1 &&
+                      components <= mostComponents;
     if (!sane || ((right - tileLeft) / tileWidth + 1) * ((bottom - tileTop) / tileHeight + 1) >
                      maximumTiles) {
         return {};
@@ -221,8 +237,14 @@ QImage jpeg2000Image(std::string_view bytes, QSize size) {
     if (jpeg2000Size(bytes) != size) {
         return {};
     }
-    const Image image = decoded(bytes, size);
-    return image ? imageOf(*image, size) : QImage();
+    const OPJ_UINT32 halvings = reduction(size, mostComponents);
+    const auto halved = [&](int side) { return ((side - 1) >> halvings) + 1; };
+    const QSize shown(halved(size.width()), halved(size.height()));
+    constexpr std::size_t bytesPerPixel = 4 * (mostComponents + 1);
+    const DecodingMemory memory(bytesPerPixel * static_cast<std::size_t>(shown.width()) *
+                                static_cast<std::size_t>(shown.height()));
+    const Image image = decoded(bytes, size, halvings);
+    return image ? imageOf(*image, shown) : QImage();
 }
 
 } // namespace quorvel

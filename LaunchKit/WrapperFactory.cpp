@@ -59,7 +59,7 @@ fs::path folderOf(const WrapperFactory::Request& request) {
 } // namespace
 
 WrapperFactory::FactoryError WrapperFactory::FactoryError::badTarget(const fs::path& target) {
-    return {Case::badTarget, "Not a readable .app: " + target.string()};
+    return {Case::badTarget, "Not a readable .app: " + target.string(), target};
 }
 
 WrapperFactory::FactoryError WrapperFactory::FactoryError::runnerNotFound() {

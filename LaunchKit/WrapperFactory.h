@@ -52,12 +52,18 @@ public:
         [[nodiscard]] static FactoryError emptyName();
 
         [[nodiscard]] Case kind() const noexcept { return case_; }
+        /// The target of `badTarget`, else empty.
+        [[nodiscard]] const std::filesystem::path& url() const noexcept { return url_; }
         [[nodiscard]] std::string description() const { return what(); }
 
     private:
-        FactoryError(Case kind, const std::string& text) : std::runtime_error(text), case_(kind) {}
+        FactoryError(Case kind, const std::string& text, std::filesystem::path url = {})
+            : std::runtime_error(text),
+              case_(kind),
+              url_(std::move(url)) {}
 
         Case case_;
+        std::filesystem::path url_;
     };
 
     /// The engine that an application is built on.

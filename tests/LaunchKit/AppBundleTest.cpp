@@ -64,6 +64,14 @@ TEST_F(AppBundles, AnIdentifierThatIsNoTextCountsAsMissing) {
     EXPECT_EQ(bundle->executableName, "Foo");
 }
 
+TEST_F(AppBundles, AnEmptyIdentifierIsOneAllTheSame) {
+    const auto bundle =
+        AppBundle::read(bundleWith({{"CFBundleIdentifier", ""}, {"CFBundleExecutable", ""}}));
+    ASSERT_TRUE(bundle);
+    EXPECT_EQ(bundle->bundleId, "");
+    EXPECT_EQ(bundle->executableName, "");
+}
+
 TEST_F(AppBundles, TheLocationStaysAsGiven) {
     const fs::path given = bundleWith({}).string() + "/";
     const auto bundle = AppBundle::read(given);

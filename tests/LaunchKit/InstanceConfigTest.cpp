@@ -190,5 +190,29 @@ TEST(InstanceConfig, TheTargetsPathIsNotExpanded) {
     EXPECT_EQ(config.targetAppURL(), "~/A.app");
 }
 
+TEST(InstanceConfig, EachSwitchHasAKeyOfItsOwn) {
+    const std::map<std::string, bool InstanceConfig::*> switches{
+        {"registerAsBrowser", &InstanceConfig::registerAsBrowser},
+        {"openWithPassthrough", &InstanceConfig::openWithPassthrough},
+        {"menuBarIcon", &InstanceConfig::menuBarIcon},
+        {"menuBarIconTemplate", &InstanceConfig::menuBarIconTemplate},
+        {"shareUserFolders", &InstanceConfig::shareUserFolders},
+    };
+    for (const auto& [set, field] : switches) {
+        InstanceConfig config;
+        config.shareUserFolders = false;
+        config.*field = true;
+        const std::string json = config.json();
+        const InstanceConfig back = InstanceConfig::fromJson(json);
+        for (const auto& [key, member] : switches) {
+            const bool expected = key == set;
+            EXPECT_NE(json.find("\"" + key + "\": " + (expected ? "true" : "false")),
+                      std::string::npos)
+                << json;
+            EXPECT_EQ(back.*member, expected) << key;
+        }
+    }
+}
+
 } // namespace
 } // namespace quorvel

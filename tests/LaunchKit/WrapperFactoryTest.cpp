@@ -7,6 +7,7 @@
 #include "tests/support/AppBundles.h"
 #include "tests/support/TemporaryHome.h"
 
+#include <array>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -251,6 +252,22 @@ TEST_F(Factory, AnUnreadableTargetIsRefused) {
     WrapperFactory::Request request = appRequest("");
     request.targetApp.reset();
     EXPECT_EQ(errorOf(request, FactoryError::Case::badTarget), "Not a readable .app: /");
+}
+
+TEST_F(Factory, ARefusedTargetIsNamedByItsError) {
+    for (const std::optional<fs::path>& target :
+         {std::optional<fs::path>("/no/such.app"), std::optional<fs::path>()}) {
+        WrapperFactory::Request request = appRequest("");
+        request.targetApp = target;
+        try {
+            (void)create(request);
+            FAIL() << "it was made";
+        } catch (const FactoryError& error) {
+            EXPECT_EQ(error.kind(), FactoryError::Case::badTarget);
+            EXPECT_EQ(error.url(), target.value_or("/"));
+        }
+    }
+    EXPECT_EQ(FactoryError::emptyName().url(), "");
 }
 
 TEST_F(Factory, AnEmptyNameIsReportedBeforeABadTarget) {

@@ -6,17 +6,19 @@
 #include <QColorSpace>
 #include <QImageReader>
 #include <QImageWriter>
+#include <QPainter>
 
 #include <gtest/gtest.h>
 
 namespace quorvel::testing {
 namespace {
 
-std::string encoded(const QImage& image, const char* format) {
+std::string encoded(const QImage& image, const char* format, bool progressive = false) {
     QByteArray bytes;
     QBuffer buffer(&bytes);
     buffer.open(QIODevice::WriteOnly);
     QImageWriter writer(&buffer, format);
+    writer.setProgressiveScanWrite(progressive);
     return writer.write(image) ? bytes.toStdString() : std::string();
 }
 
@@ -69,14 +71,47 @@ TEST(ImageFile, leavesDrawingsAlone) {
     EXPECT_TRUE(widestImage("plain text").isNull());
 }
 
-TEST(ImageFile, refusesSidesOfMoreThan4096Pixels) {
-    QImage wide(maximumImageSide + 1, 1, QImage::Format_ARGB32);
-    wide.fill(Qt::red);
-    EXPECT_TRUE(widestImage(pngOf(wide)).isNull());
+// Red on the left, blue on the right.
+QImage halves(QSize size) {
+    QImage image(size, QImage::Format_RGB32);
+    image.fill(Qt::red);
+    QPainter(&image).fillRect(size.width() / 2, 0, size.width(), size.height(), Qt::blue);
+    return image;
+}
+
+void expectHalves(const QImage& image, QSize size) {
+    ASSERT_EQ(image.size(), size);
+    EXPECT_GT(qRed(image.pixel(size.width() / 4, size.height() / 2)), 250);
+    EXPECT_GT(qBlue(image.pixel(size.width() * 3 / 4, size.height() / 2)), 250);
+}
+
+TEST(ImageFile, scalesWhatIsLargerThan4096Pixels) {
+    const QImage large = halves({maximumImageSide + 904, 2500});
+    expectHalves(widestImage(pngOf(large)), {2048, 1024});
+    expectHalves(widestImage(encoded(large, "jpeg")), {2048, 1024});
+    const QImage high = halves({1000, maximumImageSide + 904});
+    expectHalves(widestImage(pngOf(high)), {409, 2048});
+}
+
+TEST(ImageFile, halvesAJpeg2000ThatWouldTakeTooMuch) {
+    expectHalves(widestImage(jpeg2000Of(halves({1001, 5000}), Jpeg2000Form::rgb)), {501, 2500});
+    expectHalves(widestImage(jpeg2000Of(halves({1000, 4000}), Jpeg2000Form::rgb)), {1000, 4000});
+}
+
+TEST(ImageFile, keepsWhatHas4096Pixels) {
+    const QImage wide = halves({maximumImageSide, 2});
+    EXPECT_EQ(widestImage(pngOf(wide)).size(), wide.size());
+}
+
+TEST(ImageFile, refusesLargeOnesThatCantBeReadPieceByPiece) {
+    const QImage wide = halves({maximumImageSide + 1, 1});
     EXPECT_TRUE(widestImage(encoded(wide, "bmp")).isNull());
-    EXPECT_EQ(widestImage(pngOf(wide.copy(0, 0, maximumImageSide, 1))).width(), maximumImageSide);
-    QImage high = wide.transformed(QTransform().rotate(90));
-    EXPECT_TRUE(widestImage(pngOf(high)).isNull());
+    EXPECT_TRUE(widestImage(encoded(wide, "jpeg", true)).isNull()) << "progressive";
+    std::string interlaced = pngOf(wide);
+    interlaced[28] = 1;
+    EXPECT_TRUE(widestImage(interlaced).isNull());
+    EXPECT_TRUE(widestImage(pngOf(halves({maximumScaledSide + 1, 1}))).isNull());
+    EXPECT_FALSE(widestImage(pngOf(halves({maximumScaledSide, 1}))).isNull());
 }
 
 TEST(ImageFile, givesNothingForACutPng) {
