@@ -15,8 +15,8 @@
 namespace quorvel {
 namespace {
 
-constexpr int sideMargin = 10; // from the sidebar's edge to a row's background
-constexpr int padding = 8;     // from the background's edge to what stands in it
+constexpr int sideMargin = 10;     // from the sidebar's edge to a row's background
+constexpr int padding = 8;         // from the background's edge to what stands in it
 constexpr int verticalPadding = 4; // of the whole row
 constexpr int backgroundGap = 1;   // of it, above and below the background
 
