@@ -115,7 +115,7 @@ std::vector<std::string> InstanceConfig::resolvedCommandArgs() const {
 std::string expandingInstanceHome(std::string_view text, std::string_view home) {
     std::string result;
     std::size_t from = 0;
-    for (std::size_t at = text.find(instanceHomePlaceholder); at != text.npos;
+    for (std::size_t at = text.find(instanceHomePlaceholder); at != std::string_view::npos;
          at = text.find(instanceHomePlaceholder, from)) {
         result.append(text.substr(from, at - from)).append(home);
         from = at + instanceHomePlaceholder.size();

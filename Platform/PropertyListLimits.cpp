@@ -49,16 +49,16 @@ private:
             return passBehind("]]>");
         }
         const std::size_t end = bytes_.find('>', at_ + 1);
-        if (end == bytes_.npos) {
+        if (end == std::string_view::npos) {
             return false;
         }
         const std::string_view tag = bytes_.substr(at_, end - at_);
         at_ = end + 1;
-        if (tag.find('<', 1) != tag.npos || mayHoldQuotedEnd(tag)) {
+        if (tag.find('<', 1) != std::string_view::npos || mayHoldQuotedEnd(tag)) {
             return false;
         }
         if (tag.starts_with("<!")) {
-            return depth_ == 0 && tag.find('[') == tag.npos;
+            return depth_ == 0 && tag.find('[') == std::string_view::npos;
         }
         if (tag.starts_with("<?")) {
             return depth_ == 0 && tag.ends_with('?');
@@ -75,7 +75,7 @@ private:
     bool passBehind(std::string_view end) {
         const std::size_t start = at_;
         const std::size_t found = bytes_.find(end, at_ + 4);
-        at_ = found == bytes_.npos ? bytes_.size() : found + end.size();
+        at_ = found == std::string_view::npos ? bytes_.size() : found + end.size();
         texts_ += at_ - start;
         return true;
     }

@@ -43,7 +43,7 @@ private:
     bool copyTag() {
         const std::size_t start = rest_.starts_with("</") ? 2 : 1;
         const std::size_t end = rest_.find_first_of(" \t\r\n/>", start);
-        if (end == start || end == rest_.npos) {
+        if (end == start || end == std::string_view::npos) {
             return false;
         }
         result_.append(take(end));
@@ -105,8 +105,8 @@ private:
     bool skipBehind(std::string_view start, std::string_view end) {
         rest_.remove_prefix(start.size());
         const std::size_t found = rest_.find(end);
-        take(found == rest_.npos ? rest_.size() : found + end.size());
-        return found != rest_.npos;
+        take(found == std::string_view::npos ? rest_.size() : found + end.size());
+        return found != std::string_view::npos;
     }
 
     std::string_view take(std::size_t count) {

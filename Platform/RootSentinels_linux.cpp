@@ -28,10 +28,10 @@ RootSentinels::RootSentinels(std::vector<std::string> roots)
 // Folders on the way that do not exist are armed when the one above them tells of their coming.
 void RootSentinels::arm(std::size_t root) {
     const std::string& path = roots_[root];
-    for (std::size_t slash = path.find('/'); slash != path.npos;) {
+    for (std::size_t slash = path.find('/'); slash != std::string_view::npos;) {
         const std::size_t next = path.find('/', slash + 1);
         const std::string name =
-            path.substr(slash + 1, next == path.npos ? next : next - slash - 1);
+            path.substr(slash + 1, next == std::string_view::npos ? next : next - slash - 1);
         if (!name.empty()) {
             const int watch = ::inotify_add_watch(inotify_.descriptor(),
                                                   folderAt(path, slash).c_str(), nameChanges);

@@ -39,8 +39,8 @@ std::string bundleFallbackName(const std::filesystem::path& bundle) {
     }
     name.remove_prefix(name.rfind('/') + 1);
     const std::size_t dot = name.rfind('.');
-    const bool hasExtension = dot != name.npos && dot != 0 && name != "..";
-    return std::string(name.substr(0, hasExtension ? dot : name.npos));
+    const bool hasExtension = dot != std::string_view::npos && dot != 0 && name != "..";
+    return std::string(name.substr(0, hasExtension ? dot : std::string_view::npos));
 }
 
 } // namespace quorvel

@@ -14,7 +14,7 @@ fs::path folderIn(const std::string& line, const std::string& home) {
     const std::size_t start = line.find("_DIR=\"");
     const std::size_t end = line.rfind('"');
     constexpr std::size_t keyLength = 6;
-    if (!line.starts_with("XDG_") || start == line.npos || end < start + keyLength) {
+    if (!line.starts_with("XDG_") || start == std::string_view::npos || end < start + keyLength) {
         return {};
     }
     const std::string value = line.substr(start + keyLength, end - start - keyLength);

@@ -73,12 +73,14 @@ std::string expandTilde(std::string_view path) {
         return std::string(path);
     }
     const std::size_t slash = path.find('/');
-    const std::string_view user = path.substr(1, slash == path.npos ? path.npos : slash - 1);
+    const std::string_view user =
+        path.substr(1, slash == std::string_view::npos ? std::string_view::npos : slash - 1);
     const std::optional<std::string> base = user.empty() ? home() : homeOf(std::string(user));
     if (!base) {
         return std::string(path);
     }
-    const std::string_view rest = slash == path.npos ? std::string_view{} : path.substr(slash);
+    const std::string_view rest =
+        slash == std::string_view::npos ? std::string_view{} : path.substr(slash);
     // Of an expanded path, slashes at the end go.
     return trimmed((*base == "/" && !rest.empty() ? std::string{} : *base) + std::string(rest));
 }

@@ -30,7 +30,7 @@ bool isScheme(std::string_view text) {
 bool isNameCharacter(char c) {
     constexpr std::string_view signs = "-._~!$&'()*+,;=";
     return isAsciiLetterOrDigit(c) || static_cast<unsigned char>(c) >= 0x80 ||
-           signs.find(c) != signs.npos;
+           signs.find(c) != std::string_view::npos;
 }
 
 // With percent signs decoded; nothing where the text is none that a part may hold.
@@ -38,7 +38,8 @@ std::optional<std::string> decoded(std::string_view text, std::string_view alsoA
     std::string result;
     for (std::size_t at = 0; at < text.size(); ++at) {
         if (text[at] != '%') {
-            if (!isNameCharacter(text[at]) && alsoAllowed.find(text[at]) == alsoAllowed.npos) {
+            if (!isNameCharacter(text[at]) &&
+                alsoAllowed.find(text[at]) == std::string_view::npos) {
                 return std::nullopt;
             }
             result += text[at];
@@ -54,28 +55,29 @@ std::optional<std::string> decoded(std::string_view text, std::string_view alsoA
 }
 
 bool isPort(std::string_view text) {
-    return text.empty() ||
-           (text.front() == ':' && text.find_first_not_of("0123456789", 1) == text.npos);
+    return text.empty() || (text.front() == ':' &&
+                            text.find_first_not_of("0123456789", 1) == std::string_view::npos);
 }
 
 // The numeric address between brackets.
 std::optional<std::string> literalHost(std::string_view authority) {
     const std::size_t end = authority.find(']');
-    if (end == authority.npos || !isPort(authority.substr(end + 1))) {
+    if (end == std::string_view::npos || !isPort(authority.substr(end + 1))) {
         return std::nullopt;
     }
     const std::string_view literal = authority.substr(1, end - 1);
-    return literal.find(':') == literal.npos ? std::nullopt : decoded(literal, ":");
+    return literal.find(':') == std::string_view::npos ? std::nullopt : decoded(literal, ":");
 }
 
 std::optional<std::string> hostOf(std::string_view address) {
     const std::size_t scheme = address.find("://");
-    if (scheme != address.npos && !isScheme(address.substr(0, scheme))) {
+    if (scheme != std::string_view::npos && !isScheme(address.substr(0, scheme))) {
         return std::nullopt;
     }
-    std::string_view authority = scheme == address.npos ? address : address.substr(scheme + 3);
+    std::string_view authority =
+        scheme == std::string_view::npos ? address : address.substr(scheme + 3);
     authority = authority.substr(0, authority.find_first_of("/?#"));
-    if (const std::size_t user = authority.rfind('@'); user != authority.npos) {
+    if (const std::size_t user = authority.rfind('@'); user != std::string_view::npos) {
         if (!decoded(authority.substr(0, user), ":")) {
             return std::nullopt;
         }

@@ -38,7 +38,7 @@ std::string environmentLines(const std::map<std::string, std::string>& environme
     std::string lines;
     // The map's own order is that of the bytes, which in UTF-8 is that of the code points.
     for (const auto& [key, value] : environment) {
-        lines += (lines.empty() ? "" : "\n") + key + "=" + value;
+        lines.append(lines.empty() ? "" : "\n").append(key).append("=").append(value);
     }
     return lines;
 }

@@ -90,6 +90,23 @@ TEST_F(PreCommitHook, ChecksAPieceThatIsSourcedWithWhatItSources) {
     EXPECT_NE(commit().status, 0);
 }
 
+TEST_F(PreCommitHook, RefusesWhatStaticAnalysisFindsInTheChange) {
+    if (outcomeOf({"/bin/sh", "-c", "command -v clang-tidy-diff-14.py"}).status != 0) {
+        GTEST_SKIP() << "clang-tidy-14 is not installed";
+    }
+    const std::string folder = tree_.path().string();
+    fs::copy_file(QUORVEL_SOURCE "/.clang-tidy", tree_ / ".clang-tidy");
+    write(tree_ / "build/release/compile_commands.json",
+          "[{\"directory\": \"" + folder + "\", \"file\": \"" + folder +
+              "/a.cpp\", \"command\": \"c++ -c a.cpp\"}]");
+    stage("a.cpp", "struct A {\n    static int n;\n};\n");
+    EXPECT_EQ(commit().status, 0);
+    stage("a.cpp", "struct A {\n    static int n;\n};\nint f(A a) {\n    return a.n;\n}\n");
+    const Outcome committing = commit();
+    EXPECT_NE(committing.status, 0);
+    EXPECT_THAT(committing.output, HasSubstr("readability-static-accessed-through-instance"));
+}
+
 TEST(LintScript, RefusesACheckThatItDoesNotHave) {
     const Outcome refusal = outcomeOf({QUORVEL_SOURCE "/scripts/lint", "beauty"});
     EXPECT_EQ(refusal.status, 1);
