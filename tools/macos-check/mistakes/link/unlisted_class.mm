@@ -1,4 +1,4 @@
-// expected: undefined symbol: _OBJC_CLASS_$_NSString
+// expected: undefined symbol: _OBJC_CLASS_$_NSError
 #import <Foundation/Foundation.h>
 
-Class text() { return NSString.class; }
+Class failure() { return NSError.class; }
