@@ -56,6 +56,7 @@ QItemSelectionModel::SelectionFlags AppGrid::selectionCommand(const QModelIndex&
 }
 
 void AppGrid::press(const QModelIndex& index) {
+    selectionModel()->clearSelection(); // a tile is a button: the selected one can be pressed again
     selectionModel()->select(index, QItemSelectionModel::ClearAndSelect);
 }
 
@@ -72,8 +73,9 @@ void AppGrid::focusInEvent(QFocusEvent* event) {
 void AppGrid::keyPressEvent(QKeyEvent* event) {
     const bool isReturn = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
     const QModelIndex ring = currentIndex();
-    if (ring.isValid() && (event->key() == Qt::Key_Space || isReturn) &&
-        !selectionModel()->isSelected(ring)) {
+    const bool isPressed =
+        event->key() == Qt::Key_Space || (isReturn && !selectionModel()->isSelected(ring));
+    if (ring.isValid() && isPressed) {
         press(ring);
         event->accept();
     } else if (isReturn) {

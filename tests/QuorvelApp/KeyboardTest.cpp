@@ -119,22 +119,27 @@ TEST_F(KeyboardTest, TheRingBeginsAtTheSelectedTile) {
     EXPECT_EQ(ring(), u"Notes"_s);
 }
 
-TEST_F(KeyboardTest, PressingTheSelectedTileAgainKeepsNameAndOptions) {
+TEST_F(KeyboardTest, OnlyPressingATileReplacesNameAndOptions) {
     openSheetWith(u"Notes"_s);
-    field(u"Name"_s)->setText(u"Mine"_s);
+    const auto customize = [&] {
+        field(u"Name"_s)->setText(u"Mine"_s);
+        field(u"Launch arguments"_s)->setText(u"--mine"_s);
+    };
     button(u"Advanced options"_s)->click();
-    field(u"Launch arguments"_s)->setText(u"--mine"_s);
+    customize();
     grid()->setFocus();
-    press(Qt::Key_Space);
-    QTest::mouseClick(grid()->viewport(), Qt::LeftButton, {}, middleOfTile(u"Notes"_s));
-    EXPECT_EQ(form().cloneName, "Mine");
-    EXPECT_EQ(form().argsText, "--mine");
     press(Qt::Key_Left);
     EXPECT_EQ(ring(), u"Mail"_s);
+    press(Qt::Key_Right);
+    EXPECT_EQ(form().cloneName, "Mine");
     EXPECT_EQ(form().argsText, "--mine");
     press(Qt::Key_Space);
-    EXPECT_EQ(form().cloneName, "Mail (2)");
-    EXPECT_EQ(form().argsText, "") << "another app begins anew";
+    EXPECT_EQ(form().cloneName, "Notes (2)") << "pressing the selected tile selects it again";
+    EXPECT_EQ(form().argsText, "");
+    customize();
+    QTest::mouseClick(grid()->viewport(), Qt::LeftButton, {}, middleOfTile(u"Notes"_s));
+    EXPECT_EQ(form().cloneName, "Notes (2)");
+    EXPECT_EQ(form().argsText, "");
 }
 
 TEST_F(KeyboardTest, TheRingShows) {
