@@ -331,10 +331,13 @@ void InstanceConfig::decode(std::string& json, InstanceConfig& config) {
     if (!record.problem().empty()) {
         throw ConfigError(record.problem());
     }
-    // To the parser a NUL is the end of the text; here it is a byte like any other.
-    if (result.IsError() || stream.Tell() != json.size()) {
+    if (result.IsError()) {
         throw ConfigError(std::string("The configuration is not valid JSON: ") +
                           rapidjson::GetParseError_En(result.Code()));
+    }
+    // To the parser a NUL is the end of the text; here it is a byte like any other.
+    if (stream.Tell() != json.size()) {
+        throw ConfigError("The configuration is not valid JSON: It holds a NUL byte.");
     }
     record.requireWhole();
 }
