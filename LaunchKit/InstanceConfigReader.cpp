@@ -323,10 +323,13 @@ void parse(char* json, std::size_t length, InstanceConfig& config) {
     if (!record.problem().empty()) {
         throw ConfigError(record.problem());
     }
-    // To the parser a NUL is the end of the text; here it is a byte like any other.
-    if (result.IsError() || stream.Tell() != length) {
+    if (result.IsError()) {
         throw ConfigError(std::string("The configuration is not valid JSON: ") +
                           rapidjson::GetParseError_En(result.Code()));
+    }
+    // To the parser a NUL is the end of the text; here it is a byte like any other.
+    if (stream.Tell() != length) {
+        throw ConfigError("The configuration is not valid JSON: It holds a NUL byte.");
     }
     record.requireWhole();
 }

@@ -84,18 +84,19 @@ std::vector<fs::path> InstanceRegistry::defaultSearchDirs() {
 std::vector<InstanceRecord> InstanceRegistry::list() const {
     std::vector<InstanceRecord> records;
     for (const fs::path& folder : searchDirs) {
-        appendClones(folder, records);
+        appendClones(withoutTrailingSlashes(folder), records);
     }
     sortByName(records);
     return records;
 }
 
 std::optional<InstanceRecord> InstanceRegistry::record(const fs::path& bundleURL) const {
-    auto config = InstanceConfig::read(bundleURL.native() + instanceConfigInBundle);
+    const fs::path bundle = withoutTrailingSlashes(bundleURL);
+    auto config = InstanceConfig::read(bundle.native() + instanceConfigInBundle);
     if (!config) {
         return std::nullopt;
     }
-    return InstanceRecord{bundleURL, std::move(*config)};
+    return InstanceRecord{bundle, std::move(*config)};
 }
 
 DeletedData InstanceRegistry::remove(const InstanceRecord& record, bool includingData) const {

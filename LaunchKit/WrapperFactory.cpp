@@ -2,6 +2,7 @@
 
 #include "LaunchKit/RunnerLocator.h"
 #include "LaunchKit/WrapperGenerator.h"
+#include "Platform/FileSystem.h"
 #include "Platform/Text.h"
 #include "Platform/UserPaths.h"
 
@@ -14,7 +15,7 @@ fs::path readableTarget(const WrapperFactory::Request& request) {
     if (!request.targetApp || !AppBundle::read(*request.targetApp, noEntitlements)) {
         throw WrapperFactory::FactoryError::badTarget(request.targetApp.value_or("/"));
     }
-    return *request.targetApp;
+    return withoutTrailingSlashes(*request.targetApp);
 }
 
 InstanceConfig configuration(const WrapperFactory::Request& request, const std::string& name) {
@@ -53,7 +54,7 @@ std::string nameOf(const WrapperFactory::Request& request) {
 }
 
 fs::path folderOf(const WrapperFactory::Request& request) {
-    return request.outputDir.value_or(WrapperFactory::defaultOutputDir());
+    return withoutTrailingSlashes(request.outputDir.value_or(WrapperFactory::defaultOutputDir()));
 }
 
 } // namespace

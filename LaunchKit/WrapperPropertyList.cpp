@@ -2,6 +2,7 @@
 #include "Platform/Text.h"
 
 #include <charconv>
+#include <stdexcept>
 
 namespace quorvel {
 namespace {
@@ -36,6 +37,15 @@ PropertyListArray anyDocument() {
     }};
 }
 
+// `what` says which text it is, among the many that somebody typed.
+void requireWritable(const std::string& text, const std::string& what) {
+    try {
+        PropertyList::requireWritable(text);
+    } catch (const std::invalid_argument& error) {
+        throw std::invalid_argument(what + ": " + error.what());
+    }
+}
+
 } // namespace
 
 PropertyListValue WrapperGenerator::coercePlistValue(std::string_view text) {
@@ -54,11 +64,11 @@ PropertyListValue WrapperGenerator::coercePlistValue(std::string_view text) {
 }
 
 void WrapperGenerator::requireWritableTexts(const InstanceConfig& config) {
-    PropertyList::requireWritable(config.displayName);
-    PropertyList::requireWritable(config.bundleId);
+    requireWritable(config.displayName, "The name");
+    requireWritable(config.bundleId, "The identifier");
     for (const auto& [key, text] : config.infoPlistOverrides) {
-        PropertyList::requireWritable(key);
-        PropertyList::requireWritable(text);
+        requireWritable(key, "The key “" + key + "”");
+        requireWritable(text, "The value of “" + key + "”");
     }
 }
 

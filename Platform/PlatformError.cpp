@@ -50,6 +50,10 @@ PlatformError PlatformError::because(const std::string& reason, const std::files
     return {sentence(reason, path, action), std::make_error_code(std::errc::io_error), path};
 }
 
+PlatformError PlatformError::told(const std::string& sentence, const std::filesystem::path& path) {
+    return {sentence, std::make_error_code(std::errc::io_error), path};
+}
+
 PlatformError PlatformError::inside(std::error_code code, const std::filesystem::path& inside,
                                     const std::filesystem::path& path, const std::string& action) {
     const std::string where = inside.empty() ? "" : "“" + inside.string() + "”: ";

@@ -25,11 +25,15 @@ public:
     [[nodiscard]] static PlatformError fromErrno(const std::filesystem::path& path,
                                                  const std::string& action);
 
-    /// The error for which the system gives a reason of its own instead of a code: a sentence, kept
-    /// as it is. Its code is `std::errc::io_error`.
+    /// The error for which there is a reason and no code. Its code is `std::errc::io_error`.
     [[nodiscard]] static PlatformError because(const std::string& reason,
                                                const std::filesystem::path& path,
                                                const std::string& action);
+
+    /// The error that the system describes in a whole sentence of its own, which is the description.
+    /// Its code is `std::errc::io_error`.
+    [[nodiscard]] static PlatformError told(const std::string& sentence,
+                                            const std::filesystem::path& path);
 
     /// The error of an operation on `path` that failed at an item below it, `inside`:
     /// “Photos” couldn’t be moved: “2024/a.jpg”: permission denied.

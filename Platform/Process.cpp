@@ -7,6 +7,7 @@
 #include <csignal>
 #include <fcntl.h>
 #include <spawn.h>
+#include <sys/stat.h>
 #include <sys/wait.h>
 #include <thread>
 #include <unistd.h>
@@ -84,6 +85,17 @@ public:
 private:
     posix_spawn_file_actions_t actions_{};
 };
+
+// Starting fails with the same codes for a program that is missing and for a folder.
+void requireFolder(const std::filesystem::path& folder) {
+    struct stat facts {};
+    if (::stat(folder.c_str(), &facts) == 0 && !S_ISDIR(facts.st_mode)) {
+        errno = ENOTDIR;
+    } else if (::access(folder.c_str(), X_OK) == 0) {
+        return;
+    }
+    throw PlatformError::fromErrno(folder, "used as the working folder");
+}
 
 class SpawnAttributes {
 public:
@@ -183,6 +195,9 @@ Process Process::run(const Options& options) {
         &pid, executable.c_str(), actions.get(), attributes.get(), arguments.pointers(),
         options.environment ? environment.pointers() : ProcessSpawning::environmentBlock());
     if (code != 0) {
+        if (options.directory) {
+            requireFolder(*options.directory);
+        }
         throw PlatformError(std::error_code(code, std::generic_category()), options.executable,
                             "started");
     }

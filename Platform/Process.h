@@ -48,7 +48,8 @@ public:
     /// High enough that scripts, which redirect low numbers, don't close it by accident.
     static constexpr int keptDescriptor = 30;
 
-    /// Starts the process. Throws `PlatformError` when the file can't be executed.
+    /// Starts the process. Throws `PlatformError` when the file can't be executed, or that names
+    /// the folder when it can't be worked in.
     [[nodiscard]] static Process run(const Options& options);
 
     /// Starts the process, reads its standard output to the end and waits for it. Output beyond

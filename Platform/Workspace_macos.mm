@@ -20,7 +20,7 @@ std::string textOf(NSString* text) {
 }
 
 PlatformError openingFailure(NSError* error, const fs::path& bundle) {
-    return PlatformError::because(textOf(error.localizedDescription), bundle, "opened");
+    return PlatformError::told(textOf(error.localizedDescription), bundle);
 }
 
 // The list of running applications changes only while the main run loop turns. A program without

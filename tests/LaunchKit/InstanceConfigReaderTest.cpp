@@ -43,6 +43,23 @@ TEST(InstanceConfigReader, TheThreeRequiredKeysAreRequired) {
     EXPECT_TRUE(decoded(R"({"displayName":"","bundleId":"","instanceHome":""})"));
 }
 
+TEST(InstanceConfigReader, AFaultInTheTextIsNamed) {
+    const auto failure = [](const std::string& json) -> std::string {
+        try {
+            (void)InstanceConfig::fromJson(json);
+        } catch (const ConfigError& error) {
+            return error.description();
+        }
+        return "no error";
+    };
+    const std::string start = "The configuration is not valid JSON: ";
+    EXPECT_EQ(failure(with(R"("url":"x")") + std::string(1, '\0') + "more"),
+              start + "It holds a NUL byte.");
+    EXPECT_EQ(failure(with(R"("url":"x")") + std::string(1, '\0')), start + "It holds a NUL byte.");
+    EXPECT_EQ(failure(with(R"("url":"x")") + "more"),
+              start + "The document root must not be followed by other values.");
+}
+
 TEST(InstanceConfigReader, NullMeansTheDefault) {
     for (const char* key : {"kind", "targetAppPath", "strategy", "extraArgs", "environment",
                             "infoPlistOverrides", "registerAsBrowser", "openWithPassthrough",

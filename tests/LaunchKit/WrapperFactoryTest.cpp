@@ -119,6 +119,19 @@ TEST_F(Factory, AnAppCloneRemembersItsTarget) {
     EXPECT_THAT(config.extraArgs, ElementsAre());
 }
 
+TEST_F(Factory, SlashesAtTheEndOfPathsAreDropped) {
+    const fs::path app = makeAppBundle(at("Thing.app"));
+    WrapperFactory::Request request = appRequest(app.native() + "//");
+    request.outputDir = at("out").native() + "/";
+    const fs::path wrapper = create(request);
+    EXPECT_EQ(wrapper.native(), at("out/Work.app").native());
+    EXPECT_EQ(InstanceRegistry().record(wrapper)->config.targetAppPath, app.native());
+    EXPECT_EQ(InstanceRegistry().record(wrapper.native() + "/")->id(), wrapper.native());
+    const auto listed = InstanceRegistry({at("out").native() + "/"}).list();
+    ASSERT_EQ(listed.size(), 1U);
+    EXPECT_EQ(listed.front().id(), wrapper.native());
+}
+
 TEST_F(Factory, AWebCloneNeedsNoTarget) {
     WrapperFactory::Request request = webRequest("Site");
     request.targetApp = electronApp();

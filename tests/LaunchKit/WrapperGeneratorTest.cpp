@@ -328,5 +328,32 @@ TEST_F(Generator, ANameWithANulIsRefused) {
     EXPECT_FALSE(fs::exists(at("out/a")));
 }
 
+TEST_F(Generator, ATextThatCantBeWrittenIsNamed) {
+    const auto failure = [&](const std::function<void(InstanceConfig&)>& change) -> std::string {
+        WrapperGenerator::Options options = webOptions();
+        change(options.config);
+        try {
+            (void)generate(options);
+        } catch (const std::exception& error) {
+            return error.what();
+        }
+        return "no error";
+    };
+    const std::string reason = "a property list can't hold control characters";
+    EXPECT_EQ(failure([](InstanceConfig& config) {
+                  config.infoPlistOverrides = {{"Fine", "x"}, {"Odd", "a\x01"}};
+              }),
+              "The value of “Odd”: " + reason);
+    EXPECT_EQ(failure([](InstanceConfig& config) {
+                  config.infoPlistOverrides = {{"Odd\x01", "a"}};
+              }),
+              "The key “Odd\x01”: " + reason);
+    EXPECT_EQ(failure([](InstanceConfig& config) { config.bundleId = "a\x01"; }),
+              "The identifier: " + reason);
+    EXPECT_EQ(failure([](InstanceConfig& config) { config.displayName = "a\x01"; }),
+              "The name: " + reason);
+    EXPECT_FALSE(fs::exists(at("out")));
+}
+
 } // namespace
 } // namespace quorvel

@@ -35,10 +35,26 @@ TEST(PlatformError, EndsWithTheSystemsOwnReason) {
         << error.description();
 }
 
-TEST(PlatformError, GivesAReasonInTheSystemsOwnWordsAsItIs) {
+TEST(PlatformError, GivesAReasonThatHasNoCode) {
+    const PlatformError error = PlatformError::because("it is in use", "/A/Work.app", "moved");
+    EXPECT_EQ(error.description(), "“Work.app” couldn’t be moved: it is in use");
+    EXPECT_EQ(error.code(), std::errc::io_error);
+    EXPECT_EQ(error.path(), "/A/Work.app");
+}
+
+TEST(PlatformError, NamesAnItemInside) {
+    const auto code = std::make_error_code(std::errc::permission_denied);
+    const PlatformError error = PlatformError::inside(code, "2024/a.jpg", "/A/Photos", "moved");
+    EXPECT_EQ(error.description(), "“Photos” couldn’t be moved: “2024/a.jpg”: permission denied");
+    EXPECT_EQ(error.code(), code);
+    EXPECT_EQ(PlatformError::inside(code, "", "/A/Photos", "moved").description(),
+              "“Photos” couldn’t be moved: permission denied");
+}
+
+TEST(PlatformError, PutsNoSecondSentenceBeforeTheSystemsOwn) {
     const PlatformError error =
-        PlatformError::because("The application is damaged.", "/A/Work.app", "opened");
-    EXPECT_EQ(error.description(), "“Work.app” couldn’t be opened: The application is damaged.");
+        PlatformError::told("The application “Work” can’t be opened.", "/A/Work.app");
+    EXPECT_EQ(error.description(), "The application “Work” can’t be opened.");
     EXPECT_EQ(error.code(), std::errc::io_error);
     EXPECT_EQ(error.path(), "/A/Work.app");
 }

@@ -41,6 +41,16 @@ std::errc startError(const Process::Options& options) {
     return {};
 }
 
+std::string startFailure(const Process::Options& options) {
+    try {
+        Process started = Process::run(options);
+        started.waitUntilExit();
+    } catch (const PlatformError& error) {
+        return error.description();
+    }
+    return "no error";
+}
+
 bool processExists(pid_t pid) {
     return fs::exists("/proc/" + std::to_string(pid));
 }
@@ -126,6 +136,14 @@ TEST(Process, AFolderThatIsMissingIsAnErrorAtTheStart) {
     Process::Options options = helper({});
     options.directory = "/no/such/folder";
     EXPECT_EQ(startError(options), std::errc::no_such_file_or_directory);
+    EXPECT_EQ(startFailure(options),
+              "“folder” couldn’t be used as the working folder: no such file or directory");
+    options.directory = "/dev/null";
+    EXPECT_EQ(startFailure(options),
+              "“null” couldn’t be used as the working folder: not a directory");
+    options.directory = "/";
+    options.executable = "/no/such/program";
+    EXPECT_EQ(startFailure(options), "“program” couldn’t be started: no such file or directory");
 }
 
 TEST(Process, TextWithANulIsRefused) {
