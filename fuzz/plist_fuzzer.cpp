@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <cstdlib>
+#include <stdexcept>
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     using namespace quorvel;
