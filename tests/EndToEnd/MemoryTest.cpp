@@ -3,7 +3,10 @@
 #include "Platform/PropertyListLimits.h"
 #include "tests/EndToEnd/PeakMemory.h"
 #include "tests/support/BinaryList.h"
+#include "tests/support/IcnsBuilder.h"
 #include "tests/support/TemporaryHome.h"
+
+#include <QImage>
 
 #include <cstdlib>
 #include <functional>
@@ -106,7 +109,7 @@ std::size_t peakOf(const TemporaryFolder& folder, std::vector<std::string> argum
 }
 
 // A sanitizer's own memory would count.
-class HostilePropertyLists : public ::testing::Test {
+class HostileFiles : public ::testing::Test {
 protected:
     void SetUp() override {
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
@@ -115,7 +118,7 @@ protected:
     }
 };
 
-TEST_F(HostilePropertyLists, TakeNoMoreMemoryThanTheyMay) {
+TEST_F(HostileFiles, PropertyListsTakeNoMoreMemoryThanTheyMay) {
     const TemporaryFolder folder;
     const std::string app = (folder / "Hostile.app").string();
     write(app + "/Contents/Info.plist", binaryOf(BinaryList::text("small")));
@@ -129,7 +132,7 @@ TEST_F(HostilePropertyLists, TakeNoMoreMemoryThanTheyMay) {
     }
 }
 
-TEST_F(HostilePropertyLists, AreRefusedWhenTheyWouldTakeMore) {
+TEST_F(HostileFiles, PropertyListsAreRefusedWhenTheyWouldTakeMore) {
     const TemporaryFolder folder;
     const std::string app = (folder / "Hostile.app").string();
     // 240 megabytes, were it unfolded.
@@ -140,7 +143,7 @@ TEST_F(HostilePropertyLists, AreRefusedWhenTheyWouldTakeMore) {
     EXPECT_LE(peakOf(folder, {"apps", "--search-dir", folder.path().string()}), allowance);
 }
 
-TEST_F(HostilePropertyLists, TakeNoMoreMemoryTogetherThanOneDoes) {
+TEST_F(HostileFiles, ManyPropertyListsAreNotReadAllAtOnce) {
     const TemporaryFolder folder;
     const std::size_t usual = peakOf(folder, {"apps", "--search-dir", folder.path().string()});
     const std::string app = (folder / "Hostile.app").string();
@@ -149,7 +152,35 @@ TEST_F(HostilePropertyLists, TakeNoMoreMemoryTogetherThanOneDoes) {
         fs::copy(app, folder / ("Hostile" + std::to_string(number) + ".app"),
                  fs::copy_options::recursive);
     }
-    EXPECT_LE(peakOf(folder, {"apps", "--search-dir", folder.path().string()}), usual + allowance);
+    // What others asked for is still there while the next one is read.
+    EXPECT_LE(peakOf(folder, {"apps", "--search-dir", folder.path().string()}),
+              usual + 2 * allowance);
+}
+
+// A picture of one colour takes a few bytes, however large it is.
+TEST_F(HostileFiles, HugePicturesTakeNoMoreMemoryThanTheyMay) {
+    const TemporaryFolder folder;
+    const std::string source = (folder / "huge.jp2").string();
+    const std::string output = (folder / "out.icns").string();
+    const auto peak = [&] {
+        return peakOf(folder, {"icon", source, "--label", "A", "--output", output});
+    };
+    const auto writePicture = [&](int side) {
+        const pid_t child = ::fork();
+        if (child == 0) {
+            QImage image(side, side, QImage::Format_ARGB32);
+            image.fill(Qt::red);
+            write(source, jpeg2000Of(image, Jpeg2000Form::rgba));
+            std::_Exit(0);
+        }
+        ::waitpid(child, nullptr, 0);
+    };
+    writePicture(64);
+    const std::size_t usual = peak();
+    writePicture(4096);
+    ASSERT_LT(fs::file_size(source), megabyte);
+    EXPECT_LE(peak(), usual + 128 * megabyte);
+    EXPECT_TRUE(fs::exists(output));
 }
 
 } // namespace
