@@ -51,7 +51,7 @@ bool isDamagedWrapper(const fs::path& wrapper) {
            itemExists(contents / "MacOS" / "runner") && holdsAtMost(wrapper, {"Contents"}) &&
            holdsAtMost(contents, {"MacOS", "Resources", "Info.plist", "PkgInfo"}) &&
            holdsAtMostFiles(contents / "MacOS", {"runner"}) &&
-           holdsAtMost(resources, {"instance.json", "AppIcon.icns"});
+           holdsAtMostFiles(resources, {"instance.json", "AppIcon.icns"});
 }
 
 } // namespace quorvel

@@ -38,6 +38,16 @@ TEST_F(WrapperLayout, ACloneWithoutAReadableConfigurationIsDamaged) {
     EXPECT_TRUE(isDamagedWrapper(wrapper_));
 }
 
+TEST_F(WrapperLayout, AConfigurationThatIsNoFileMayHoldSomebodysOwn) {
+    const fs::path config = wrapper_ / "Contents/Resources/instance.json";
+    fs::remove(config);
+    write(config / "notes.txt", "mine");
+    EXPECT_FALSE(isDamagedWrapper(wrapper_));
+    fs::remove_all(config);
+    fs::create_symlink("/nowhere", config);
+    EXPECT_FALSE(isDamagedWrapper(wrapper_));
+}
+
 TEST_F(WrapperLayout, WhatHoldsAnythingElseIsSomebodysOwn) {
     damage();
     for (const char* other : {"notes.txt", "Contents/Frameworks/library", "Contents/MacOS/other",

@@ -159,6 +159,7 @@ TEST(IconGeometry, fillsWithTheColourAndOutlinesInDarkness) {
 }
 
 TEST(IconGeometry, outlinesAShrunkLabelInProportionToWhatItShrankTo) {
+    ensureFontEngine();
     for (const int side : {1024, 512}) {
         const LabelText text = labelText("HHHHHHH");
         const double font = text.fontSize * 0.86 * side / text.box.width();
@@ -223,6 +224,7 @@ TEST(IconGeometry, mirrorsTheShadowSideways) {
 }
 
 TEST(IconGeometry, fillsWhereOutlinesOverlap) {
+    ensureFontEngine();
     LabelText text = labelText("");
     text.fontSize = 256;
     text.outlines.addRect(0, -200, 150, 200);
