@@ -204,6 +204,15 @@ void createDirectories(const fs::path& folder) {
     }
 }
 
+void createPrivateFolder(const fs::path& folder) {
+    if (hasNul(folder)) {
+        errno = EINVAL;
+    } else if (::mkdir(folder.c_str(), 0700) == 0) {
+        return;
+    }
+    throw PlatformError::fromErrno(folder, "created");
+}
+
 std::optional<FileHandle> openForAppending(const fs::path& path) {
     RegularFile file = openRegularFile(path, O_WRONLY | O_APPEND | O_CREAT, 0666);
     return file.isOpen() ? std::optional(std::move(file.handle)) : openCharacterDevice(path);

@@ -61,6 +61,9 @@ void writeFile(const std::filesystem::path& path, std::string_view bytes);
 /// Creates the folder and those above it. An existing folder is fine. Throws `PlatformError`.
 void createDirectories(const std::filesystem::path& folder);
 
+/// Creates a folder, where nothing may be, that only its owner can use. Throws `PlatformError`.
+void createPrivateFolder(const std::filesystem::path& folder);
+
 /// Copies the bytes of a regular file (links followed) to a path where nothing may be.
 /// Throws `PlatformError`.
 void copyFile(const std::filesystem::path& source, const std::filesystem::path& destination);

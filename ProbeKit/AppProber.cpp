@@ -149,7 +149,8 @@ TrialProcess AppProber::launch(const std::string& home) const {
 
 std::string AppProber::makeTempHome() const {
     const std::filesystem::path home = joinAsText(temporary_, "quorvel-probe-" + randomUuid());
-    createDirectories(home);
+    createDirectories(temporary_);
+    createPrivateFolder(home);
     return home.string();
 }
 

@@ -15,6 +15,7 @@ debian_test=(libgtest-dev libgmock-dev chromium firefox-esr xdg-utils libplist-u
   dbus dbus-daemon binutils file git clang-format-14 shellcheck
   shared-mime-info icnsutils imagemagick inotify-tools xvfb xauth
   xdotool openbox at-spi2-core libatspi2.0-dev fonts-inter
+  fonts-dejavu-core fonts-noto-color-emoji fonts-wqy-microhei qt6-image-formats-plugins
   clang-16 lld-16 llvm-16 libc++-16-dev zsh)
 # The C library's headers of the other processor that Macs have.
 case "$(uname -m)" in

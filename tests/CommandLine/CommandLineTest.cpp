@@ -303,6 +303,38 @@ TEST(CommandLine, MigrateMovesTheFilesAndThenShares) {
     EXPECT_TRUE(InstanceRegistry().record(wrapper)->config.shareUserFolders);
 }
 
+TEST(CommandLine, MigrateNamesWhatStaysAndDoesNotShareThen) {
+    CommandLineHarness harness;
+    InstanceConfig config = minimalConfig("Work");
+    config.shareUserFolders = false;
+    const auto wrapper = makeWrapper(harness.home / "Applications/Work.app", config);
+    const auto data = harness.home / "QuorvelInstances/Work";
+    const auto stayed = data / "Documents/a\x1b[31m";
+    write(stayed, "1");
+    write(data / "Documents/b", "2");
+    std::filesystem::create_directories(harness.home / "Documents");
+    std::filesystem::create_symlink("nowhere", harness.home / "Documents" / stayed.filename());
+    const std::string told = "“a\\u{1b}[31m” couldn’t be moved: file exists\n"
+                             "Not everything was moved; the rest is still in " +
+                             data.string() + ".\n";
+    CommandResult result = harness.run({"migrate", "Work"});
+    EXPECT_EQ(result.status, 1);
+    EXPECT_EQ(result.output, "Moved 1 from Documents\n");
+    EXPECT_EQ(result.errors, told);
+    EXPECT_FALSE(InstanceRegistry().record(wrapper)->config.shareUserFolders);
+    EXPECT_EQ(read(stayed), "1");
+
+    result = harness.run({"migrate", "Work", "--json"});
+    EXPECT_EQ(result.status, 1);
+    EXPECT_EQ(nlohmann::json::parse(result.output),
+              nlohmann::json({{"moved", {{"Documents", 0}}},
+                              {"unmoved",
+                               {{{"path", stayed.string()},
+                                 {"reason", "“a\x1b[31m” couldn’t be moved: file exists"}}}}}));
+    EXPECT_EQ(result.errors, told);
+    EXPECT_FALSE(InstanceRegistry().record(wrapper)->config.shareUserFolders);
+}
+
 TEST(CommandLine, MigrateSaysWhenSharingCantBeSwitchedOn) {
     CommandLineHarness harness;
     const TemporaryFolder home;

@@ -3,7 +3,9 @@
 #include "tests/support/AppBundles.h"
 #include "tests/support/IcnsBuilder.h"
 
+#include <csignal>
 #include <gmock/gmock.h>
+#include <sys/resource.h>
 
 namespace quorvel {
 namespace {
@@ -34,6 +36,24 @@ TEST_F(IconCommand, DrawsALabelInEverySizeAndPrintsThePath) {
         sides.push_back(static_cast<int>(entry.width));
     }
     EXPECT_EQ(sides, (std::vector{1024, 512, 256, 128, 64, 32, 16}));
+}
+
+TEST_F(IconCommand, AnIconThatFindsNoRoomLeavesTheOldFileWhole) {
+    const std::string old(900, 'o');
+    write(harness.home / "icons/badged.icns", old);
+    ::signal(SIGXFSZ, SIG_IGN);
+    rlimit before{};
+    ::getrlimit(RLIMIT_FSIZE, &before);
+    const rlimit small{1024, before.rlim_max};
+    ::setrlimit(RLIMIT_FSIZE, &small);
+    const CommandResult result =
+        harness.run({"icon", source.string(), "--label", "work", "--output",
+                     (harness.home / "icons/badged.icns").string()});
+    ::setrlimit(RLIMIT_FSIZE, &before);
+    EXPECT_EQ(result.status, 1);
+    EXPECT_EQ(result.errors, "Could not write the composited .icns\n");
+    EXPECT_EQ(treeOf(harness.home / "icons"),
+              (std::map<std::string, std::string>{{"badged.icns", old}}));
 }
 
 TEST_F(IconCommand, ListsWhatAContainerHolds) {

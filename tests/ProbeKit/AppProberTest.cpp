@@ -195,6 +195,14 @@ TEST(Prober, MakesANewHomeEachTime) {
     EXPECT_NE(prober.makeTempHome(), home);
 }
 
+TEST(Prober, KeepsItsHomesFromOtherUsers) {
+    Trial trial;
+    const mode_t before = ::umask(0);
+    const std::string home = trial.prober().makeTempHome();
+    ::umask(before);
+    EXPECT_EQ(fs::status(home).permissions(), fs::perms{0700});
+}
+
 TEST(Prober, MakesTheTemporaryFolderWhenItIsMissing) {
     Trial trial;
     fs::remove(trial.temporary);

@@ -491,6 +491,27 @@ TEST_F(AppModelTest, AMigrationOfACloneThatCantBeChangedIsAnErrorWithWhatWasMove
     EXPECT_EQ(read(home / "Downloads/a"), "a");
 }
 
+TEST_F(AppModelTest, AMigrationThatHadToLeaveItemsNamesThemAndDoesNotShare) {
+    InstanceRecord record = addClone("Work");
+    record.config.shareUserFolders = false;
+    makeWrapper(record.bundleURL, record.config);
+    write(home / "QuorvelInstances/Work/Documents/fine", "f");
+    for (const char* name : {"1", "2", "3", "4", "5", "6", "7"}) {
+        write(home / "QuorvelInstances/Work/Downloads" / name, "x");
+    }
+    write(home / "Downloads", "a file in the way");
+    model().reload();
+    resultOf(model().migrateSharedFolders(record));
+    EXPECT_FALSE(model().statusMessage());
+    EXPECT_THAT(*model().lastError(),
+                StartsWith("Moved 1 from Documents into your shared folders. Not everything could "
+                           "be moved, so the clone still has folders of its own:\n“"));
+    EXPECT_THAT(*model().lastError(),
+                ::testing::EndsWith("” couldn’t be moved: not a directory\n… and 2 more"));
+    EXPECT_FALSE(model().clones().front().config.shareUserFolders);
+    EXPECT_EQ(read(home / "QuorvelInstances/Work/Downloads/7"), "x");
+}
+
 TEST_F(AppModelTest, AMigrationKeepsWhatAnotherProgramChanged) {
     InstanceRecord record = addClone("Work");
     record.config.shareUserFolders = false;

@@ -1,5 +1,6 @@
 #include "QuorvelApp/AppServices.h"
 #include "LaunchKit/RequestCheck.h"
+#include "LaunchKit/RunnerLocator.h"
 #include "QuorvelApp/AppModel.h"
 #include "tests/QuorvelApp/StubServices.h"
 #include "tests/support/AppBundles.h"
@@ -56,7 +57,13 @@ TEST_F(AppServicesTest, SaysSoWhenTheFolderOfClonesCantBeMade) {
 TEST_F(AppServicesTest, SaysSoWhenTheFolderOfClonesIsReadOnly) {
     const TemporaryFolder folder;
     const ScopedEnvironment elsewhere("CFFIXED_USER_HOME", folder.path().string());
+    // Where that user can reach it, though the build may lie in a home that is closed to others.
+    const auto runner = RunnerLocator::locate(ApplicationFolders::ofThisProgram());
+    ASSERT_TRUE(runner);
+    fs::create_directories(folder / ".build/release");
+    fs::copy_file(*runner, folder / ".build/release/quorvel-runner");
     EXPECT_TRUE(asOrdinaryUser(folder.path(), [&] {
+        fs::current_path(folder.path());
         fs::create_directories(folder / "Applications");
         fs::permissions(folder / "Applications", fs::perms{0555});
         return failure() == "“Work.app” couldn’t be created: permission denied" &&

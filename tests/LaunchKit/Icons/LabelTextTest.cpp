@@ -134,7 +134,9 @@ TEST_P(LabelScript, isDrawnWhereSomeFontHasIt) {
     }
     const LabelText text = labelText(GetParam().text);
     if (text.outlines.isEmpty() && std::string_view(GetParam().name) == "Emoji") {
-        GTEST_SKIP() << "only pictures are installed, which add nothing";
+        // Only pictures are installed, which have no outline to be drawn.
+        EXPECT_TRUE(text.box.isEmpty());
+        return;
     }
     EXPECT_GT(text.box.width(), 0.3 * text.fontSize);
     EXPECT_GT(text.box.height(), 0.3 * text.fontSize);

@@ -103,25 +103,47 @@ TEST_F(WrapperIcon, isMissingWithoutASourceEvenWithALabel) {
               std::string::npos);
 }
 
-TEST_F(WrapperIcon, failsOnWhatAFailedDrawingLeftBehind) {
+// Files of more than 16 KiB can't be written while one of these lives.
+class SmallFiles {
+public:
+    SmallFiles() {
+        ::signal(SIGXFSZ, SIG_IGN);
+        ::getrlimit(RLIMIT_FSIZE, &old_);
+        const rlimit small{16384, old_.rlim_max};
+        ::setrlimit(RLIMIT_FSIZE, &small);
+    }
+    SmallFiles(const SmallFiles&) = delete;
+    SmallFiles& operator=(const SmallFiles&) = delete;
+    ~SmallFiles() { ::setrlimit(RLIMIT_FSIZE, &old_); }
+
+private:
+    rlimit old_{};
+};
+
+TEST_F(WrapperIcon, isAPlainCopyWhereTheDrawnOneFindsNoRoom) {
     options_.customIcon = folder_ / "custom.icns";
     label("Work");
-    // Files of more than 16 KiB can't be written here, so that the drawn icon stays a part.
-    ::signal(SIGXFSZ, SIG_IGN);
-    rlimit old{};
-    ::getrlimit(RLIMIT_FSIZE, &old);
-    const rlimit small{16384, old.rlim_max};
-    ::setrlimit(RLIMIT_FSIZE, &small);
-    std::optional<fs::path> failed;
-    try {
-        (void)generatedIcon();
-    } catch (const PlatformError& error) {
-        failed = error.path();
+    ASSERT_LT(plain_.size(), 16384U);
+    const SmallFiles limit;
+    EXPECT_EQ(read(generatedIcon()), plain_);
+}
+
+TEST_F(WrapperIcon, whereNeitherFindsRoomTheErrorSaysSo) {
+    write(folder_ / "custom.icns", plain_ + std::string(20000, 'x'));
+    options_.customIcon = folder_ / "custom.icns";
+    label("Work");
+    std::error_code code;
+    {
+        const SmallFiles limit;
+        try {
+            (void)generatedIcon();
+        } catch (const PlatformError& error) {
+            code = error.code();
+        }
     }
-    ::setrlimit(RLIMIT_FSIZE, &old);
-    ASSERT_TRUE(failed);
+    EXPECT_EQ(code, std::errc::file_too_large);
     const fs::path contents = folder_ / "out/Work.app/Contents";
-    EXPECT_TRUE(fs::exists(contents / "Resources/AppIcon.icns"));
+    EXPECT_FALSE(fs::exists(contents / "Resources/AppIcon.icns"));
     EXPECT_FALSE(fs::exists(contents / "Info.plist")) << "the rest is not written";
 }
 
