@@ -43,14 +43,18 @@ QuorvelctlInAHome::~QuorvelctlInAHome() {
     }
 }
 
-std::string QuorvelctlInAHome::run(const std::vector<std::string>& arguments) {
+std::string QuorvelctlInAHome::outcomeOf(const std::vector<std::string>& arguments) {
     // By way of a shell, so that the exit status and both streams come back at once.
     Process::Options options;
     options.executable = "/bin/sh";
     options.arguments = {"-c", R"("$0" "$@" 2>&1 || echo "FAILED $?")", program.string()};
     options.arguments.insert(options.arguments.end(), arguments.begin(), arguments.end());
     options.environment = environment;
-    std::string output = Process::capture(options, outputLimit);
+    return Process::capture(options, outputLimit);
+}
+
+std::string QuorvelctlInAHome::run(const std::vector<std::string>& arguments) {
+    std::string output = outcomeOf(arguments);
     if (output.find("FAILED ") != std::string::npos) {
         throw std::runtime_error("quorvelctl " + arguments.front() + ": " + output);
     }

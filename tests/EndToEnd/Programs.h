@@ -20,8 +20,10 @@ public:
     QuorvelctlInAHome(const QuorvelctlInAHome&) = delete;
     QuorvelctlInAHome& operator=(const QuorvelctlInAHome&) = delete;
 
-    /// Runs it and gives what it printed. Throws when the exit status is not 0.
+    /// Runs it and returns what it printed. Throws if the exit status is not 0.
     std::string run(const std::vector<std::string>& arguments);
+    /// Runs it and returns what it printed, which ends with its exit status where that is not 0.
+    std::string outcomeOf(const std::vector<std::string>& arguments);
     nlohmann::json json(std::vector<std::string> arguments);
 
     /// Whether `list` shows the clone of that name as running.

@@ -101,6 +101,9 @@ TEST_F(TargetPaneTest, AWebAddressNamesItsCloneWhileItIsTyped) {
     field(u"Website URL"_s)->clear();
     QTest::keyClicks(field(u"Website URL"_s), u"https://www.other.test/a/b?c"_s);
     EXPECT_EQ(sheet.session().form().cloneName, "Other.Test");
+    field(u"Website URL"_s)->clear();
+    QTest::keyClicks(field(u"Website URL"_s), u"https://www.other.test"_s);
+    EXPECT_EQ(sheet.session().form().cloneName, "Other.Test");
     QTest::keyClicks(field(u"Website URL"_s), u" and more"_s);
     EXPECT_EQ(sheet.session().form().cloneName, "") << "which is no address";
 }
