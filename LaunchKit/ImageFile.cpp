@@ -11,6 +11,7 @@
 
 #include <algorithm>
 #include <array>
+#include <vector>
 
 namespace quorvel {
 namespace {
@@ -60,32 +61,57 @@ bool isPlainJpeg(std::string_view bytes) {
     return false;
 }
 
-// Asks for an image that the limits allow; false when there is no way to.
-bool limitSize(QImageReader& reader, std::string_view bytes) {
-    const QSize size = reader.size();
+// The size at which the limits allow to decode an image of this size; invalid if none is.
+QSize decodableSize(QSize size, std::string_view bytes) {
     if (isAcceptable(size)) {
-        return true;
+        return size;
     }
     const bool decodable = size.isValid() && !size.isEmpty() && size.width() <= maximumScaledSide &&
                            size.height() <= maximumScaledSide &&
                            (isPlainPng(bytes) || isPlainJpeg(bytes));
-    if (decodable) {
-        reader.setScaledSize(scaledToFit(size));
+    return decodable ? scaledToFit(size) : QSize();
+}
+
+struct Page {
+    int index;
+    QSize size; // when it is decoded
+};
+
+// The images in the file that the limits allow to decode, the widest first.
+std::vector<Page> decodablePages(QImageReader& reader, std::string_view bytes) {
+    std::vector<Page> pages;
+    for (int index = 0; index < std::clamp(reader.imageCount(), 1, maximumImages); ++index) {
+        const bool reached = index == 0 || reader.jumpToImage(index);
+        if (const QSize size = reached ? decodableSize(reader.size(), bytes) : QSize();
+            size.isValid()) {
+            pages.push_back({index, size});
+        }
     }
-    return decodable;
+    std::stable_sort(pages.begin(), pages.end(), [](const Page& one, const Page& other) {
+        return one.size.width() > other.size.width();
+    });
+    return pages;
 }
 
-// The memory of one with 16 bits a channel, before it is converted.
-std::size_t neededBytes(const QImageReader& reader) {
-    constexpr std::size_t bytesPerPixel = 12;
-    const QSize size = reader.scaledSize().isValid() ? reader.scaledSize() : reader.size();
-    return bytesPerPixel * static_cast<std::size_t>(size.width()) *
-           static_cast<std::size_t>(size.height());
+// The image as standard pixels; null if it is broken. Its share of the memory is taken until then.
+QImage decodedPage(QImageReader& reader, const Page& page) {
+    constexpr std::size_t bytesPerPixel = 12; // 16 bits a channel, and the standard pixels
+    const DecodingMemory memory(bytesPerPixel * static_cast<std::size_t>(page.size.width()) *
+                                static_cast<std::size_t>(page.size.height()));
+    // From the start: a broken image leaves the reader within it.
+    reader.device()->seek(0);
+    reader.setDevice(reader.device());
+    if (page.index > 0 && !reader.jumpToImage(page.index)) {
+        return {};
+    }
+    reader.setScaledSize(page.size == reader.size() ? QSize() : page.size);
+    return standardPixels(reader.read());
 }
 
-// The format's name when it is one of pixels, else empty.
+// The format's name when it is one of pixels, else empty. ICO is not among them: what its directory
+// says of an image is not the size at which the image is decoded.
 QByteArray pixelFormat(QBuffer& buffer) {
-    static constexpr std::array formats{"png", "jpeg", "gif", "bmp", "ico", "tiff", "webp"};
+    static constexpr std::array formats{"png", "jpeg", "gif", "bmp", "tiff", "webp"};
     const QByteArray format = QImageReader::imageFormat(&buffer);
     const bool known = std::any_of(formats.begin(), formats.end(),
                                    [&](const char* name) { return format == name; });
@@ -133,17 +159,13 @@ QImage widestImage(std::string_view bytes) {
     if (reader.format().isEmpty()) {
         return {};
     }
-    QImage widest;
-    for (int index = 0; index < std::clamp(reader.imageCount(), 1, maximumImages); ++index) {
-        if ((index > 0 && !reader.jumpToImage(index)) || !limitSize(reader, bytes)) {
-            continue;
-        }
-        const DecodingMemory memory(neededBytes(reader));
-        if (QImage image = reader.read(); image.width() > widest.width()) {
-            widest = std::move(image);
+    const std::vector<Page> pages = decodablePages(reader, bytes);
+    for (const Page& page : pages) {
+        if (QImage image = decodedPage(reader, page); !image.isNull()) {
+            return image;
         }
     }
-    return standardPixels(std::move(widest));
+    return {};
 }
 
 QImage standardPixels(QImage image) {

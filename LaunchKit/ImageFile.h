@@ -23,11 +23,11 @@ inline constexpr int maximumScaledSide = 16384;
 /// when it is broken, not whole, or not of this size.
 [[nodiscard]] QImage pngImage(std::string_view bytes, QSize size);
 
-/// The widest image in a PNG, JPEG, JPEG 2000, GIF, BMP, ICO, TIFF or WebP file, as far as Qt reads
-/// it here, in the form of `pngImage`; the first of equally wide ones. Null when there is none.
-/// What goes beyond `maximumImageSide` comes at 2048 pixels, where its format can be decoded
-/// piece by piece: PNG and JPEG that are not interlaced, and JPEG 2000. Formats that hold drawings
-/// or scripts rather than pixels are left alone.
+/// The widest image in a PNG, JPEG, JPEG 2000, GIF, BMP, TIFF or WebP file that can be decoded, as
+/// far as Qt reads it here, in the form of `pngImage`; the first of equally wide ones. Null if
+/// there is none. Beyond `maximumImageSide` only PNG and JPEG that can be decoded piece by piece
+/// (not interlaced) are read, scaled to fit 2048 pixels. JPEG 2000 has its own limits, those of
+/// `jpeg2000Image`. Formats that hold drawings or scripts rather than pixels are left alone.
 [[nodiscard]] QImage widestImage(std::string_view bytes);
 
 /// `image` as 8-bit sRGB pixels with straight alpha.

@@ -334,7 +334,7 @@ void parse(char* json, std::size_t length, InstanceConfig& config) {
     record.requireWhole();
 }
 
-// The same without members that mean nothing; nothing when there is no making sense of it.
+// The same without members that mean nothing; std::nullopt if it is not a JSON object.
 std::optional<std::string> withKnownMembersOnly(std::string_view json) {
     std::array<std::string_view, instanceConfigFields.size()> keys;
     std::transform(instanceConfigFields.begin(), instanceConfigFields.end(), keys.begin(),

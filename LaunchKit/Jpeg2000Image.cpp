@@ -42,6 +42,12 @@ std::string_view codestream(std::string_view bytes) {
     return bytes;
 }
 
+// How many components the codestream declares; 0 if it is too short to say.
+std::uint64_t componentCount(std::string_view stream) {
+    constexpr std::size_t offset = 40;
+    return stream.size() < offset + 2 ? 0 : bigEndian32(stream.substr(offset - 2)) & 0xFFFFU;
+}
+
 // Reads memory as OpenJPEG reads a file.
 struct MemoryReader {
     std::string_view bytes;
@@ -210,9 +216,9 @@ bool isJpeg2000(std::string_view bytes) noexcept {
 }
 
 QSize jpeg2000Size(std::string_view bytes) {
-    constexpr std::size_t componentCount = 40;
     const std::string_view stream = codestream(bytes);
-    if (!stream.starts_with(codestreamMark) || stream.size() < componentCount + 2) {
+    const std::uint64_t components = componentCount(stream);
+    if (!stream.starts_with(codestreamMark) || components == 0 || components > mostComponents) {
         return {};
     }
     const auto number = [&](std::size_t index) {
@@ -221,11 +227,9 @@ QSize jpeg2000Size(std::string_view bytes) {
     const std::array<std::uint64_t, 8> siz{number(0), number(1), number(2), number(3),
                                            number(4), number(5), number(6), number(7)};
     const auto [right, bottom, left, top, tileWidth, tileHeight, tileLeft, tileTop] = siz;
-    const auto components = bigEndian32(stream.substr(componentCount - 2)) & 0xFFFFU;
     const bool sane = right > left && bottom > top && right - left <= maximumJpeg2000Side &&
                       bottom - top <= maximumJpeg2000Side && tileWidth > 0 && tileHeight > 0 &&
-                      tileLeft <= left && tileTop <= top && components >= 1 &&
-                      components <= mostComponents;
+                      tileLeft <= left && tileTop <= top;
     if (!sane || ((right - tileLeft) / tileWidth + 1) * ((bottom - tileTop) / tileHeight + 1) >
                      maximumTiles) {
         return {};
@@ -237,10 +241,11 @@ QImage jpeg2000Image(std::string_view bytes, QSize size) {
     if (jpeg2000Size(bytes) != size) {
         return {};
     }
-    const OPJ_UINT32 halvings = reduction(size, mostComponents);
+    const std::uint64_t components = componentCount(codestream(bytes));
+    const OPJ_UINT32 halvings = reduction(size, components);
     const auto halved = [&](int side) { return ((side - 1) >> halvings) + 1; };
     const QSize shown(halved(size.width()), halved(size.height()));
-    constexpr std::size_t bytesPerPixel = 4 * (mostComponents + 1);
+    const std::size_t bytesPerPixel = 4 * (components + 1);
     const DecodingMemory memory(bytesPerPixel * static_cast<std::size_t>(shown.width()) *
                                 static_cast<std::size_t>(shown.height()));
     const Image image = decoded(bytes, size, halvings);

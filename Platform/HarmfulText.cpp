@@ -74,6 +74,14 @@ constexpr char32_t nonJoiner = 0x200C;
 constexpr char32_t joiner = 0x200D;
 constexpr char32_t emojiSelector = 0xFE0F;
 constexpr char32_t blackFlag = 0x1F3F4;
+constexpr char32_t cancelTag = 0xE007F;
+
+// The tags that Unicode recommends after a black flag: gbeng, gbsct and gbwls.
+constexpr std::array<std::u32string_view, 3> flagTags{
+    U"\U000E0067\U000E0062\U000E0065\U000E006E\U000E0067\U000E007F",
+    U"\U000E0067\U000E0062\U000E0073\U000E0063\U000E0074\U000E007F",
+    U"\U000E0067\U000E0062\U000E0077\U000E006C\U000E0073\U000E007F",
+};
 
 constexpr bool isBetween(char32_t scalar, char32_t first, char32_t last) {
     return first <= scalar && scalar <= last;
@@ -97,8 +105,15 @@ bool hasEmojiForm(char32_t scalar, char32_t afterSelector) {
            (key && afterSelector == keycap);
 }
 
+bool startsFlagTags(char32_t scalar, std::u32string_view following) {
+    return std::any_of(flagTags.begin(), flagTags.end(), [&](std::u32string_view tags) {
+        return scalar == tags.front() && following.starts_with(tags.substr(1));
+    });
+}
+
 // Whether an invisible character changes how its neighbours look.
-bool belongs(char32_t before, char32_t scalar, char32_t next) {
+bool belongs(char32_t before, char32_t scalar, std::u32string_view following) {
+    const char32_t next = following.empty() ? 0 : following.front();
     if (scalar == joiner && (isIn(emoji, before) || before == emojiSelector)) {
         return isIn(emoji, next);
     }
@@ -116,13 +131,17 @@ bool belongs(char32_t before, char32_t scalar, char32_t next) {
     if (isBetween(scalar, 0x180B, 0x180F)) {
         return isBetween(before, 0x1820, 0x18AA);
     }
-    return isTag(scalar) && (before == blackFlag || isTag(before));
+    // Tags were let through only if all of them are right.
+    return before == blackFlag ? startsFlagTags(scalar, following)
+                               : isTag(scalar) && isTag(before) && before != cancelTag;
 }
 
 } // namespace
 
-bool HarmfulText::isHarmfulBehind(char32_t before, char32_t scalar, char32_t next) noexcept {
-    return isIn(steering, scalar) || (isIn(invisible, scalar) && !belongs(before, scalar, next));
+bool HarmfulText::isHarmfulAfter(char32_t before, char32_t scalar,
+                                 std::u32string_view following) noexcept {
+    return isIn(steering, scalar) ||
+           (isIn(invisible, scalar) && !belongs(before, scalar, following));
 }
 
 } // namespace quorvel

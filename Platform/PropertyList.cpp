@@ -9,10 +9,11 @@
 
 #include <algorithm>
 #include <cstdlib>
-#include <future>
+#include <exception>
 #include <memory>
 #include <mutex>
 #include <stdexcept>
+#include <thread>
 
 namespace quorvel {
 namespace {
@@ -175,7 +176,19 @@ std::optional<PropertyListDictionary> parsedInTurn(Parser parser, std::string_vi
     static std::mutex turn;
     const std::lock_guard lock(turn);
     // The C library keeps what a thread has freed for that thread; the next new one takes it over.
-    return std::async(std::launch::async, parsed, parser, bytes, keys).get();
+    std::optional<PropertyListDictionary> result;
+    std::exception_ptr failure;
+    std::thread([&] {
+        try {
+            result = parsed(parser, bytes, keys);
+        } catch (...) {
+            failure = std::current_exception();
+        }
+    }).join();
+    if (failure) {
+        std::rethrow_exception(failure);
+    }
+    return result;
 }
 
 std::optional<PropertyListDictionary> parsedXml(std::string_view document,

@@ -35,7 +35,7 @@ struct PropertyListValue {
 
     /// The text when this is a string, else null. Valid as long as this value.
     [[nodiscard]] const std::string* string() const { return std::get_if<std::string>(&storage); }
-    /// True or false for a boolean and for a number that is exactly 1 or 0; else nothing.
+    /// True or false for a boolean and for a number that is exactly 1 or 0; else std::nullopt.
     [[nodiscard]] std::optional<bool> boolean() const;
 };
 
@@ -48,10 +48,10 @@ inline constexpr std::size_t maximumFileSize = std::size_t{8} << 20U;
 /// less when it is not wanted.
 using Keys = std::initializer_list<const char*>;
 
-/// Reads an XML (UTF-8 or UTF-16) or binary property list whose root is a dictionary. Nothing when
-/// the file can't be read, is over `maximumFileSize`, is malformed, uses entities of its own, nests
-/// deeper than 256 levels or would take more than 64 MiB of memory. A string whose bytes are not
-/// UTF-8 is taken as ISO 8859-1. At any time only one large list is being read.
+/// Reads an XML (UTF-8 or UTF-16) or binary property list whose root is a dictionary. std::nullopt
+/// if the file can't be read, is over `maximumFileSize`, is malformed, uses entities of its own,
+/// nests deeper than 256 levels or would take more than 64 MiB of memory. A string whose bytes are
+/// not UTF-8 is taken as ISO 8859-1. At any time only one large list is being read.
 [[nodiscard]] std::optional<PropertyListDictionary> readDictionary(const std::string& file,
                                                                    Keys keys = {});
 
@@ -59,15 +59,15 @@ using Keys = std::initializer_list<const char*>;
 [[nodiscard]] std::optional<PropertyListDictionary> parseDictionary(std::string_view bytes,
                                                                     Keys keys = {});
 
-/// The text of the string under `key`; nothing when the key is missing or holds no string.
+/// The text of the string under `key`; std::nullopt if the key is missing or holds no string.
 [[nodiscard]] std::optional<std::string> stringFor(const PropertyListDictionary& dictionary,
                                                    const std::string& key);
 
-/// Throws `std::invalid_argument` when the text holds what XML 1.0 can't carry, not even escaped:
-/// most control characters, U+FFFE, U+FFFF, bytes that are no UTF-8.
+/// Throws `std::invalid_argument` if the text holds what XML 1.0 can't carry, not even escaped:
+/// most control characters, U+FFFE, U+FFFF, bytes that are not UTF-8.
 void requireWritable(const std::string& text);
 
-/// The XML document, version 1.0. Throws `std::invalid_argument` when a text is not writable.
+/// The XML document, version 1.0. Throws `std::invalid_argument` if a text is not writable.
 [[nodiscard]] std::string xml(const PropertyListDictionary& dictionary);
 
 } // namespace PropertyList

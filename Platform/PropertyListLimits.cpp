@@ -43,10 +43,10 @@ private:
     bool passTag() {
         const std::string_view rest = bytes_.substr(at_);
         if (rest.starts_with("<!--")) {
-            return passBehind("-->");
+            return passThrough("-->");
         }
         if (rest.starts_with("<![CDATA[")) {
-            return passBehind("]]>");
+            return passThrough("]]>");
         }
         const std::size_t end = bytes_.find('>', at_ + 1);
         if (end == std::string_view::npos) {
@@ -72,7 +72,7 @@ private:
         return true;
     }
 
-    bool passBehind(std::string_view end) {
+    bool passThrough(std::string_view end) {
         const std::size_t start = at_;
         const std::size_t found = bytes_.find(end, at_ + 4);
         at_ = found == std::string_view::npos ? bytes_.size() : found + end.size();
@@ -121,7 +121,7 @@ private:
         std::uint64_t object = 0;
         std::size_t firstReference = 0;
         std::uint64_t references = 0;
-        std::uint64_t keys = 0; ///< so many of the references, the first ones
+        std::uint64_t keys = 0; ///< how many of the references, from the first on, are keys
         std::uint64_t next = 0;
         std::uint64_t unfolded = bytesPerValue;
     };

@@ -13,7 +13,7 @@ namespace quorvel {
 namespace {
 
 struct Character {
-    UChar32 scalar = 0; ///< negative where the bytes are no UTF-8
+    UChar32 scalar = 0; ///< negative where the bytes are not UTF-8
     std::string_view bytes{};
 };
 
@@ -34,14 +34,25 @@ Character firstOf(std::string_view text) {
 template<typename Taker>
 void forEachCharacter(std::string_view text, const Taker& take) {
     HarmfulText harm;
-    Character next = firstOf(text);
-    while (!next.bytes.empty()) {
-        const Character character = next;
+    std::string_view unread = text;
+    std::u32string following;
+    const auto readAhead = [&] {
+        const Character next = firstOf(unread);
+        unread.remove_prefix(next.bytes.size());
+        if (!next.bytes.empty()) {
+            following += static_cast<char32_t>(std::max(next.scalar, 0));
+        }
+    };
+    for (std::size_t count = 0; count < HarmfulText::lookAhead; ++count) {
+        readAhead();
+    }
+    while (!text.empty()) {
+        const Character character = firstOf(text);
         text.remove_prefix(character.bytes.size());
-        next = firstOf(text);
-        const bool harmful =
-            character.scalar < 0 || harm.isHarmful(static_cast<char32_t>(character.scalar),
-                                                   static_cast<char32_t>(std::max(next.scalar, 0)));
+        following.erase(0, 1);
+        readAhead();
+        const bool harmful = character.scalar < 0 ||
+                             harm.isHarmful(static_cast<char32_t>(character.scalar), following);
         if (!take(character, harmful)) {
             return;
         }

@@ -7,7 +7,7 @@
 #include <string_view>
 #include <vector>
 
-/// Unicode text services. All text is UTF-8; bytes that are none count as U+FFFD.
+/// Unicode text services. All text is UTF-8; bytes that are not UTF-8 count as U+FFFD.
 /// Every operation may be called from any thread.
 namespace quorvel::Text {
 
@@ -25,8 +25,8 @@ namespace quorvel::Text {
 [[nodiscard]] std::string upperCased(std::string_view text);
 [[nodiscard]] std::string lowerCased(std::string_view text);
 
-/// Letters that have a case are capitals behind anything else, small behind such a letter and
-/// behind an apostrophe that follows one. Marks belong to the character before them.
+/// Letters that have a case are capitals after anything else, small after such a letter and
+/// after an apostrophe that follows one. Marks belong to the character before them.
 [[nodiscard]] std::string capitalizingWords(std::string_view text);
 
 /// `text` with every scalar that is no letter, mark or digit replaced by `replacement`.
@@ -38,8 +38,8 @@ namespace quorvel::Text {
 /// Without the white space and line breaks at both ends.
 [[nodiscard]] std::string trimmingWhitespaceAndNewlines(std::string_view text);
 
-/// The first capture group of `pattern`'s first match in `text`; nothing without a match, or when
-/// the group took no part in it. `pattern` must be a valid ICU regular expression.
+/// The first capture group of `pattern`'s first match in `text`; std::nullopt if there is no
+/// match or the group took no part in it. `pattern` must be a valid ICU regular expression.
 [[nodiscard]] std::optional<std::string> firstCapture(std::string_view pattern,
                                                       std::string_view text);
 

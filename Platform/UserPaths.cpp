@@ -100,7 +100,7 @@ std::vector<std::string> allHomes() {
 }
 
 std::vector<OtherHome> otherUsersHomes() {
-    // The system goes through the database with one hand for the whole process.
+    // getpwent() keeps one position per process.
     static std::mutex guard;
     const std::lock_guard lock(guard);
     std::vector<OtherHome> homes;

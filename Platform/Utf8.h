@@ -12,8 +12,8 @@ namespace quorvel {
 /// The text that the bytes spell in ISO 8859-1, as UTF-8.
 [[nodiscard]] std::string utf8FromLatin1(std::string_view bytes);
 
-/// The text that the bytes spell in UTF-16, as UTF-8; a byte-order mark stays. Nothing when they
-/// are not well-formed.
+/// The text that the bytes spell in UTF-16, as UTF-8; a byte-order mark stays. std::nullopt if
+/// they are not well-formed.
 [[nodiscard]] std::optional<std::string> utf8FromUtf16(std::string_view bytes, bool bigEndian);
 
 } // namespace quorvel

@@ -3,8 +3,10 @@
 #include "Platform/HarmfulText.h"
 #include "QuorvelApp/QtText.h"
 
-#include <QList>
 #include <QTextBoundaryFinder>
+
+#include <string>
+#include <string_view>
 
 namespace quorvel {
 namespace {
@@ -23,11 +25,11 @@ QString harmless(std::string_view text, char16_t lineBreak) {
     QString result;
     bool afterReturn = false;
     HarmfulText harm;
-    const QList<uint> scalars = qtText(text).toUcs4();
-    for (qsizetype index = 0; index < scalars.size(); ++index) {
+    const std::u32string scalars = qtText(text).toStdU32String();
+    for (std::size_t index = 0; index < scalars.size(); ++index) {
         const char32_t scalar = scalars[index];
-        const bool harmful = harm.isHarmful(scalar, scalars.value(index + 1));
-        // A return with a line feed behind it is one break.
+        const bool harmful = harm.isHarmful(scalar, std::u32string_view(scalars).substr(index + 1));
+        // A return with a line feed after it is one break.
         if (isLineBreak(scalar)) {
             if (scalar != U'\n' || !afterReturn) {
                 result += QChar(lineBreak);

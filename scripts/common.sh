@@ -22,6 +22,8 @@ case "$(uname -m)" in
   x86_64) debian_test+=(libc6-dev-arm64-cross) ;;
   aarch64) debian_test+=(libc6-dev-amd64-cross) ;;
 esac
+# What the fuzzers need on top of what it takes to build. Clang only recommends its own runtime.
+debian_fuzz=(clang-16 libclang-rt-16-dev)
 homebrew_build=(cmake ninja pkg-config nlohmann-json rapidjson libplist icu4c cli11 qt openjpeg)
 homebrew_test=(googletest)
 
@@ -53,17 +55,20 @@ install_homebrew() {
   brew install "${missing[@]}"
 }
 
-# install_packages build|test
+# install_packages build|test|fuzz
 install_packages() {
   if [ "$(uname)" = Darwin ]; then
     install_homebrew "${homebrew_build[@]}"
-    [ "$1" = build ] || install_homebrew "${homebrew_test[@]}"
+    [ "$1" != test ] || install_homebrew "${homebrew_test[@]}"
     # Homebrew keeps this one apart from what the system has of it.
     ICU_ROOT=$(brew --prefix icu4c)
     export ICU_ROOT
   elif command -v apt-get >/dev/null; then
     install_debian "${debian_build[@]}"
-    [ "$1" = build ] || install_debian "${debian_test[@]}"
+    case "$1" in
+      test) install_debian "${debian_test[@]}" ;;
+      fuzz) install_debian "${debian_fuzz[@]}" ;;
+    esac
   else
     echo "No apt-get and no Homebrew here: install the packages that README.md names yourself."
   fi

@@ -1,3 +1,7 @@
+# shellcheck shell=bash
+# A tilde and a backslash between quotes are meant as such here.
+# shellcheck disable=SC2088,SC1003
+#
 # Completion of quorvelctl for bash 4.4 or later. File names are data here: they pass between
 # functions ended by NULs, go into the line quoted by us, and no shell ever expands them.
 
@@ -77,10 +81,42 @@ _quorvelctl_files() {
   done
 }
 
+# Sets words to the line's words up to the cursor, joined again where the editor broke them at ":",
+# "=" or "@". Sets kept to the part of the last one that the editor does not replace.
+_quorvelctl_join() {
+  local line=$COMP_LINE index word glued
+  words=() kept=''
+  for ((index = 0; index <= COMP_CWORD; index++)); do
+    word=${COMP_WORDS[index]}
+    glued=$line
+    line=${line#"${line%%[![:space:]]*}"}
+    if [[ $index -gt 0 && $glued == "$line" && $line == "$word"* ]]; then
+      kept=${words[-1]}
+      words[-1]+=$word
+    else
+      kept=''
+      words+=("$word")
+    fi
+    [[ $word != +([:=@]) ]] || kept=${words[-1]}
+    line=${line#"$word"}
+  done
+  kept=${kept%@} # this one the editor takes for the beginning of a word
+}
+
+# _quorvelctl_reply NAME SKIPPED   Sets COMPREPLY to the name without its first SKIPPED characters.
+_quorvelctl_reply() {
+  quoted=''
+  # As quotes around nothing it would end the word.
+  ((${#1} == $2)) || _quorvelctl_quote "${1:$2}"
+  COMPREPLY=("$quoted")
+}
+
 # _quorvelctl_offer WORD LISTER   LISTER prints what begins with the word, each ended by a NUL
 _quorvelctl_offer() {
-  local typed quote quoted name common
+  local typed quote quoted name common skipped
   local -a names
+  _quorvelctl_unquote "$kept"
+  skipped=${#typed}
   _quorvelctl_unquote "$1"
   # With a quote within the word, the shell's editor would put names behind it.
   [[ -z $quote || $1 == "$quote"* ]] || return
@@ -90,6 +126,8 @@ _quorvelctl_offer() {
   for name in "${names[@]}"; do
     while [[ $name != "$common"* ]]; do common=${common%?}; done
   done
+  # Completion can't go on from the $'' that spells the rest, which may be half a character.
+  ((${#names[@]} == 1)) || common=${common%%[^[:print:]]*}
   if [[ ${#names[@]} -gt 1 && ${#common} -le ${#typed} ]]; then
     # With the blank among them they have nothing in common that would go into the line.
     COMPREPLY=(' ')
@@ -99,8 +137,7 @@ _quorvelctl_offer() {
     done
     return
   fi
-  _quorvelctl_quote "$common"
-  COMPREPLY=("$quoted")
+  _quorvelctl_reply "$common" "$skipped"
   [[ ${#names[@]} -eq 1 && $common != */ ]] || compopt -o nospace
 }
 
@@ -110,10 +147,12 @@ _quorvelctl_offer_words() {
 }
 
 _quorvelctl() {
-  local current=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD - 1]} command='' options=''
-  local word
+  local kept current previous command='' options='' word
+  local -a words
+  _quorvelctl_join
+  current=${words[-1]} previous=${words[-2]:-}
   COMPREPLY=()
-  for word in "${COMP_WORDS[@]:1:COMP_CWORD-1}"; do
+  for word in "${words[@]:1:${#words[@]}-2}"; do
     case $word in -*) ;; *) command=$word; break ;; esac
   done
   case $previous in

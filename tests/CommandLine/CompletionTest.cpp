@@ -56,13 +56,18 @@ protected:
         makeExecutable(folder_ / "bin/quorvelctl");
         fs::create_directories(applications_);
         fs::create_directories(work_);
-        const bool bash = GetParam() == "bash";
+        startShell("C.UTF-8");
+    }
+
+    void startShell(const std::string& language) {
+        const fs::path shell = "/bin/" + GetParam();
+        const bool bash = isBash();
         shell_.emplace(bash ? Words{shell, "--norc", "--noprofile", "-i"}
                             : Words{shell, "-f", "-i"},
                        Environment{{"HOME", home_.string()},
                                    {"PATH", (folder_ / "bin").string() + ":/usr/bin:/bin"},
                                    {"TERM", "xterm"},
-                                   {"LANG", "C.UTF-8"},
+                                   {"LANG", language},
                                    {"INPUTRC", "/dev/null"},
                                    {"ANSWER", answer_.string()}},
                        work_);
@@ -71,6 +76,8 @@ protected:
                             "autoload -Uz compinit; compinit -D -u");
         ASSERT_THAT(called("\rquorvelctl ready\r"), ElementsAre("ready"));
     }
+
+    [[nodiscard]] static bool isBash() { return GetParam() == "bash"; }
 
     // The words that the program was called with after these keys.
     Words called(std::string_view keys) {
@@ -144,12 +151,40 @@ TEST_P(Completions, StopWhereSeveralNamesPart) {
     for (const std::string& name : names) {
         const fs::path one = addClone(name + " one");
         const fs::path two = addClone(name + " $two");
+        // Bash could not go on from a control character.
+        const auto* const control = std::find_if(name.data(), name.data() + name.size(),
+                                                 [](char c) { return c >= 0 && c < ' '; });
+        const bool whole = !isBash() || control == name.data() + name.size();
+        const std::string common = whole ? name + " " : std::string(name.data(), control);
         EXPECT_THAT(called("quorvelctl migrate \t\t\r"),
-                    ElementsAre("migrate", (applications_ / (name + " ")).string()));
+                    ElementsAre("migrate", (applications_ / common).string()));
         fs::remove_all(one);
         fs::remove_all(two);
     }
     expectNothingDone();
+}
+
+TEST_P(Completions, GoOnAfterCharactersThatBreakWords) {
+    for (const char* start : {"a:", "a=", "a@", "a::b=$x:", ":"}) {
+        const fs::path one = addClone(start + std::string("one it's"));
+        const fs::path two = addClone(start + std::string("two it's"));
+        EXPECT_THAT(called("quorvelctl open \tt\t\r"), ElementsAre("open", two.string()));
+        EXPECT_THAT(called("quorvelctl open \to\t\r"), ElementsAre("open", one.string()));
+        fs::remove_all(one);
+        fs::remove_all(two);
+    }
+    expectNothingDone();
+}
+
+TEST_P(Completions, NeverStopWithinACharacter) {
+    if (!isBash()) {
+        GTEST_SKIP() << "what zsh's own editor makes of names in the C locale is not ours";
+    }
+    startShell("C");
+    addClone("Caf\u00e9");
+    addClone("Caf\u00e8");
+    EXPECT_THAT(called("quorvelctl open \t\t\r"),
+                ElementsAre("open", (applications_ / "Caf").string()));
 }
 
 TEST_P(Completions, OfferNoOtherApplication) {

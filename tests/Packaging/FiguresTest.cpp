@@ -110,7 +110,7 @@ TEST_F(Figures, ListIncludesOfAHigherLayerAndOfAnotherFrontEnd) {
 
 TEST_F(Figures, ListOperatingSystemCodeOutsidePlatform) {
     source("Platform/A.cpp", "#include <unistd.h>\n");
-    source("WebHost/View_linux.cpp", "#include <unistd.h>\n");
+    source("Runner/View_linux.cpp", "#include <unistd.h>\n");
     source("LaunchKit/B.cpp", "#include <sys/stat.h>\n#include <string>\n");
     source("LaunchKit/C.cpp", "#if defined(__APPLE__)\n#endif\n");
     EXPECT_THAT(places("system"),

@@ -88,6 +88,18 @@ TEST_F(Releases, HoldEntriesOnly) {
     EXPECT_THAT(errorOf("## Unreleased\n* Star.\n"), HasSubstr("line 2: neither an entry"));
 }
 
+TEST_F(Releases, NeedMetadataWithAComponentToGoInto) {
+    const std::string file = (folder_ / "metainfo.xml").string() + ": ";
+    write(folder_ / "metainfo.xml", "<other/>\n");
+    const Outcome without = from("# Changelog\n");
+    EXPECT_EQ(without.status, 1);
+    EXPECT_EQ(without.output, file + "no </component> to put the releases before\n");
+    std::filesystem::remove(folder_ / "metainfo.xml");
+    const Outcome missing = from("# Changelog\n");
+    EXPECT_EQ(missing.status, 1);
+    EXPECT_EQ(missing.output, file + "No such file or directory\n");
+}
+
 TEST_F(Releases, OfThisTreeAreWellFormed) {
     const Outcome outcome =
         outcomeOf({sourceFolder + "/tools/appstream-releases", sourceFolder + "/CHANGELOG.md",

@@ -11,8 +11,8 @@ std::u32string marked(std::u32string_view text) {
     HarmfulText harm;
     std::u32string result;
     for (std::size_t index = 0; index < text.size(); ++index) {
-        const char32_t next = index + 1 < text.size() ? text[index + 1] : 0;
-        result += harm.isHarmful(text[index], next) ? U'!' : text[index];
+        const std::u32string_view following = text.substr(index + 1, HarmfulText::lookAhead);
+        result += harm.isHarmful(text[index], following) ? U'!' : text[index];
     }
     return result;
 }
@@ -72,9 +72,29 @@ TEST(HarmfulText, VariationsBelongBehindWhatVaries) {
     EXPECT_TRUE(marked(U"x\U000E0100") == U"x!");
 }
 
-TEST(HarmfulText, TagsBelongToAFlag) {
-    expectHarmless(U"🏴\U000E0067\U000E0062\U000E0065\U000E006E\U000E0067\U000E007F");
-    EXPECT_TRUE(marked(U"😀\U000E0067\U000E0062") == U"😀!!");
+// The text as tags, "." being the one that ends them.
+std::u32string tags(std::string_view text) {
+    std::u32string result;
+    for (const char letter : text) {
+        result += letter == '.' ? U'\U000E007F' : 0xE0000 + static_cast<char32_t>(letter);
+    }
+    return result;
+}
+
+TEST(HarmfulText, TagsBelongToTheFlagsThatHaveThem) {
+    for (const char* flag : {"gbeng.", "gbsct.", "gbwls."}) {
+        expectHarmless(U"a🏴" + tags(flag) + U"b🏴" + tags(flag));
+    }
+    EXPECT_TRUE(marked(U"😀" + tags("gbeng.")) == U"😀!!!!!!");
+}
+
+TEST(HarmfulText, OtherTagsAreEvenAfterAFlag) {
+    for (const char* hidden : {"gbeng", "gben", "gben.", "ustx.", "hidden text.", "g", "."}) {
+        const std::u32string marks(std::string_view(hidden).size(), U'!');
+        EXPECT_TRUE(marked(U"🏴" + tags(hidden)) == U"🏴" + marks) << hidden;
+        EXPECT_TRUE(marked(U"🏴" + tags(hidden) + U"x") == U"🏴" + marks + U"x") << hidden;
+    }
+    EXPECT_TRUE(marked(U"🏴" + tags("gbeng.more")) == U"🏴" + tags("gbeng.") + U"!!!!");
 }
 
 } // namespace

@@ -34,6 +34,12 @@ TEST(TerminalText, WhatCantBeSeenIsShown) {
     EXPECT_EQ(terminalText("👨\u200d👩 می\u200cخواهم"), "👨\u200d👩 می\u200cخواهم");
 }
 
+TEST(TerminalText, FlagsStayWhole) {
+    const std::string wales = "🏴\U000E0067\U000E0062\U000E0077\U000E006C\U000E0073\U000E007F";
+    EXPECT_EQ(terminalText(wales + wales + "."), wales + wales + ".");
+    EXPECT_EQ(terminalText("🏴\U000E0067\U000E0062"), "🏴\\u{e0067}\\u{e0062}");
+}
+
 TEST(TerminalText, LongTextIsCutBetweenCharacters) {
     EXPECT_EQ(terminalText("工作工作", 4), "工作工作");
     EXPECT_EQ(terminalText("工作工作", 3), "工作工…");

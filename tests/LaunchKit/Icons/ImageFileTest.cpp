@@ -30,19 +30,50 @@ std::string littleEndian(std::size_t number, int bytes) {
     return text;
 }
 
-// An icon file of several PNG images.
-std::string icoOf(const std::vector<QImage>& images) {
-    std::string head = littleEndian(0, 2) + littleEndian(1, 2) + littleEndian(images.size(), 2);
-    std::string body;
-    for (const QImage& image : images) {
-        const std::string png = pngOf(image);
-        head += littleEndian(static_cast<std::size_t>(image.width()), 1) +
-                littleEndian(static_cast<std::size_t>(image.height()), 1) + littleEndian(0, 2) +
-                littleEndian(1, 2) + littleEndian(32, 2) + littleEndian(png.size(), 4) +
-                littleEndian(6 + 16 * images.size() + body.size(), 4);
-        body += png;
+// Red on the left, blue on the right.
+QImage halves(QSize size) {
+    QImage image(size, QImage::Format_RGB32);
+    image.fill(Qt::red);
+    QPainter(&image).fillRect(size.width() / 2, 0, size.width(), size.height(), Qt::blue);
+    return image;
+}
+
+// An icon file that says of its PNG image that it has these sides.
+std::string icoOf(const QImage& image, std::size_t side) {
+    const std::string png = pngOf(image);
+    return littleEndian(0, 2) + littleEndian(1, 2) + littleEndian(1, 2) + littleEndian(side, 1) +
+           littleEndian(side, 1) + littleEndian(0, 2) + littleEndian(1, 2) + littleEndian(32, 2) +
+           littleEndian(png.size(), 4) + littleEndian(22, 4) + png;
+}
+
+// An uncompressed TIFF file with a page of each size, in one shade of grey each.
+std::string tiffOf(const std::vector<std::pair<QSize, int>>& pages) {
+    constexpr std::size_t tags = 8;
+    constexpr std::size_t directorySize = 2 + 12 * tags + 4;
+    std::string file = "II*" + littleEndian(0, 1) + littleEndian(8, 4);
+    for (std::size_t index = 0; index < pages.size(); ++index) {
+        const auto& [size, shade] = pages[index];
+        const auto width = static_cast<std::size_t>(size.width());
+        const auto height = static_cast<std::size_t>(size.height());
+        const std::size_t pixels = file.size() + directorySize;
+        const auto tag = [&](std::size_t name, std::size_t value) {
+            file += littleEndian(name, 2) + littleEndian(4, 2) + littleEndian(1, 4) +
+                    littleEndian(value, 4);
+        };
+        file += littleEndian(tags, 2);
+        tag(256, width);
+        tag(257, height);
+        tag(258, 8);              // bits a sample
+        tag(259, 1);              // not compressed
+        tag(262, 1);              // 0 is black
+        tag(273, pixels);         // where the only strip is
+        tag(278, height);         // rows in a strip
+        tag(279, width * height); // the strip's size
+        const bool last = index + 1 == pages.size();
+        file += littleEndian(last ? 0 : pixels + width * height, 4);
+        file.append(width * height, static_cast<char>(shade));
     }
-    return head + body;
+    return file;
 }
 
 TEST(ImageFile, readsPngWhateverItIsCalled) {
@@ -57,9 +88,28 @@ TEST(ImageFile, readsTheOtherFormatsOfPixels) {
 }
 
 TEST(ImageFile, takesTheWidestOfSeveralImagesAndTheFirstOfEqualOnes) {
+    if (!QImageReader::supportedImageFormats().contains("tiff")) {
+        GTEST_SKIP() << "Qt has no plugin for TIFF here";
+    }
+    const QImage image =
+        widestImage(tiffOf({{{16, 9}, 10}, {{48, 9}, 20}, {{48, 8}, 30}, {{32, 50}, 40}}));
+    EXPECT_EQ(image.size(), QSize(48, 9));
+    EXPECT_EQ(image.pixel(47, 8), qRgb(20, 20, 20));
+}
+
+TEST(ImageFile, takesTheNextWidestIfOneIsBeyondTheLimitsOrBroken) {
+    if (!QImageReader::supportedImageFormats().contains("tiff")) {
+        GTEST_SKIP() << "Qt has no plugin for TIFF here";
+    }
     const std::string bytes =
-        icoOf({testPicture(16), testPicture(48, 1), testPicture(48, 2), testPicture(32)});
-    EXPECT_EQ(widestImage(bytes), testPicture(48, 1));
+        tiffOf({{{16, 9}, 10}, {{maximumImageSide + 1, 1}, 20}, {{48, 9}, 30}});
+    EXPECT_EQ(widestImage(bytes).size(), QSize(48, 9));
+    EXPECT_EQ(widestImage(bytes.substr(0, bytes.size() - 48 * 9)).size(), QSize(16, 9));
+}
+
+TEST(ImageFile, leavesFilesAloneWhoseDirectoryNeedNotGiveTheRealSize) {
+    EXPECT_TRUE(widestImage(icoOf(testPicture(16), 16)).isNull());
+    EXPECT_TRUE(widestImage(icoOf(halves({maximumImageSide + 1, 1}), 16)).isNull());
 }
 
 TEST(ImageFile, leavesDrawingsAlone) {
@@ -69,14 +119,6 @@ TEST(ImageFile, leavesDrawingsAlone) {
     EXPECT_TRUE(widestImage("/* XPM */ static char*x[]={\"1 1 1 1\",\"a c red\",\"a\"};").isNull());
     EXPECT_TRUE(widestImage("").isNull());
     EXPECT_TRUE(widestImage("plain text").isNull());
-}
-
-// Red on the left, blue on the right.
-QImage halves(QSize size) {
-    QImage image(size, QImage::Format_RGB32);
-    image.fill(Qt::red);
-    QPainter(&image).fillRect(size.width() / 2, 0, size.width(), size.height(), Qt::blue);
-    return image;
 }
 
 void expectHalves(const QImage& image, QSize size) {
@@ -93,9 +135,10 @@ TEST(ImageFile, scalesWhatIsLargerThan4096Pixels) {
     expectHalves(widestImage(pngOf(high)), {409, 2048});
 }
 
-TEST(ImageFile, halvesAJpeg2000ThatWouldTakeTooMuch) {
-    expectHalves(widestImage(jpeg2000Of(halves({1001, 5000}), Jpeg2000Form::rgb)), {501, 2500});
-    expectHalves(widestImage(jpeg2000Of(halves({1000, 4000}), Jpeg2000Form::rgb)), {1000, 4000});
+TEST(ImageFile, halvesAJpeg2000WhoseComponentsWouldTakeTooMuch) {
+    expectHalves(widestImage(jpeg2000Of(halves({1401, 4000}), Jpeg2000Form::rgb)), {701, 2000});
+    expectHalves(widestImage(jpeg2000Of(halves({1398, 4000}), Jpeg2000Form::rgb)), {1398, 4000});
+    expectHalves(widestImage(jpeg2000Of(halves({1398, 4000}), Jpeg2000Form::rgba)), {699, 2000});
 }
 
 TEST(ImageFile, keepsWhatHas4096Pixels) {
