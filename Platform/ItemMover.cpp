@@ -77,11 +77,20 @@ std::optional<fs::path> changeInside(const fs::path& beside, const fs::path& sta
     return changeSinceCopy(openFolder(beside).descriptor(), openFolder(staging).descriptor(), name);
 }
 
+// A name that is not on the disk yet is gone after a power loss.
+void flush(const fs::path& folder) {
+    const FileHandle opened = openFolder(folder);
+    if (opened.descriptor() < 0 || !VolumeTransfer::flushFileSystem(opened.descriptor())) {
+        throw PlatformError::fromErrno(folder, "flushed");
+    }
+}
+
 // The item has arrived, so its original, in `beside`, goes; the folder's name tells so first.
 void removeOriginal(const fs::path& beside, const fs::path& staging, const fs::path& item) {
     const std::string id = idOf(beside.filename().string()).value();
     const fs::path moved = beside.parent_path() / std::string(movedPrefix).append(id);
     try {
+        flush(staging.parent_path());
         if (beside != moved && ::rename(beside.c_str(), moved.c_str()) != 0) {
             throw PlatformError::fromErrno(beside, "renamed");
         }

@@ -3,11 +3,13 @@
 #include "Platform/ExclusiveRename.h"
 #include "Platform/FileHandle.h"
 #include "Platform/FileSystem.h"
+#include "tests/support/EveryStep.h"
 #include "tests/support/OrdinaryUser.h"
 #include "tests/support/OtherVolume.h"
 #include "tests/support/PrivateMounts.h"
 #include "tests/support/SmallDisk.h"
 
+#include <algorithm>
 #include <array>
 #include <cstring>
 #include <fcntl.h>
@@ -15,6 +17,7 @@
 #include <gtest/gtest.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
+#include <sys/syscall.h>
 #include <sys/un.h>
 #include <sys/xattr.h>
 #include <unistd.h>
@@ -347,6 +350,19 @@ TEST_P(MovingAcrossVolumes, AFileThatChangedItselfIsNamedOnce) {
     EXPECT_EQ(failureOf([&] { mover.move(from("a"), to("a")); }),
               "“a” couldn’t be moved: changed while it was copied");
     EXPECT_EQ(read(from("a")), "new");
+}
+
+// Otherwise the item could be nowhere after a power loss.
+TEST_P(MovingAcrossVolumes, TheItemsNewNameIsOnTheDiskBeforeTheOriginalGoes) {
+    write(from("a/file"), "x");
+    const std::vector<long> calls = systemCallsOf([this] { ItemMover().move(from("a"), to("a")); });
+    if (calls.empty()) {
+        GTEST_SKIP() << "processes may not be traced here";
+    }
+    const auto arrival = std::find(calls.rbegin(), calls.rend(), SYS_renameat2).base();
+    const auto removal = std::find(arrival, calls.end(), SYS_unlinkat);
+    ASSERT_NE(removal, calls.end());
+    EXPECT_NE(std::find(arrival, removal, SYS_syncfs), removal);
 }
 
 // A move that was cut off once the original was set aside, which had changed by then.
