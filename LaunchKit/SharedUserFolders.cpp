@@ -117,6 +117,17 @@ private:
     int moved_ = 0;
 };
 
+// A folder that keeps a link from taking its place.
+Unmoved unlinked(const std::string& source, const std::string& destination) {
+    const char* reason = "it can’t be removed";
+    if (!itemExists(destination)) {
+        reason = "the folder to be linked to is missing";
+    } else if (!entries(source).empty()) {
+        reason = "it isn’t empty";
+    }
+    return {source, PlatformError::because(reason, source, "linked").description()};
+}
+
 } // namespace
 
 void InstanceLauncher::linkIfSafe(const std::string& link, const std::string& target) {
@@ -170,6 +181,7 @@ InstanceLauncher::migrateSharedUserFolders(const std::string& home, const std::s
         if (isSymbolicLink(source) || isSameItem(source, destination)) {
             continue;
         }
+        const std::size_t before = result.unmoved.size();
         if (itemExists(source)) {
             attempt([&] { createDirectories(destination); });
             result.moved.emplace(name, FolderMove(source, destination, result).run(mover));
@@ -178,6 +190,10 @@ InstanceLauncher::migrateSharedUserFolders(const std::string& home, const std::s
             }
         }
         linkIfSafe(source, destination);
+        if (result.unmoved.size() == before && itemOrLinkExists(source) &&
+            !isSymbolicLink(source)) {
+            result.unmoved.push_back(unlinked(source, destination));
+        }
     }
     return result;
 }

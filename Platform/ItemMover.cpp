@@ -2,6 +2,7 @@
 
 #include "Platform/FileSystem.h"
 #include "Platform/RandomUuid.h"
+#include "Platform/TreeComparison.h"
 #include "Platform/VolumeTransfer.h"
 
 #include <cerrno>
@@ -70,11 +71,26 @@ std::optional<std::string> idOf(std::string_view name) {
     return std::nullopt;
 }
 
+// Where the original in `beside` is no longer what was copied to `staging`.
+std::optional<fs::path> changeInside(const fs::path& beside, const fs::path& staging,
+                                     const std::string& name) {
+    return changeSinceCopy(openFolder(beside).descriptor(), openFolder(staging).descriptor(), name);
+}
+
+// A name that is not on the disk yet is gone after a power loss.
+void flush(const fs::path& folder) {
+    const FileHandle opened = openFolder(folder);
+    if (opened.descriptor() < 0 || !VolumeTransfer::flushFileSystem(opened.descriptor())) {
+        throw PlatformError::fromErrno(folder, "flushed");
+    }
+}
+
 // The item has arrived, so its original, in `beside`, goes; the folder's name tells so first.
 void removeOriginal(const fs::path& beside, const fs::path& staging, const fs::path& item) {
     const std::string id = idOf(beside.filename().string()).value();
     const fs::path moved = beside.parent_path() / std::string(movedPrefix).append(id);
     try {
+        flush(staging.parent_path());
         if (beside != moved && ::rename(beside.c_str(), moved.c_str()) != 0) {
             throw PlatformError::fromErrno(beside, "renamed");
         }
@@ -134,7 +150,7 @@ void ItemMover::moveAcross(const fs::path& source, const fs::path& destination) 
         const FileHandle to = openFolder(staging);
         copy_.copy(from.descriptor(), to.descriptor(), name, source);
         if (!VolumeTransfer::flushFileSystem(to.descriptor()) ||
-            ::rename(source.c_str(), (beside / name).c_str()) != 0) {
+            renameWhereFree(source, beside / name) != 0) {
             throw PlatformError::fromErrno(source, "moved");
         }
     } catch (const PlatformError&) {
@@ -142,17 +158,30 @@ void ItemMover::moveAcross(const fs::path& source, const fs::path& destination) 
         (void)::rmdir(beside.c_str());
         throw;
     }
-    if (renameWhereFree(staging / name, destination) != 0) {
-        const PlatformError error = PlatformError::fromErrno(source, "moved");
+    const auto giveUp = [&](const PlatformError& error) {
         // Where its own name is taken by now, the copy stays too, for `finish`.
         if (renameWhereFree(beside / name, source) == 0) {
             discard(staging);
             (void)::rmdir(beside.c_str());
         }
         throw error;
+    };
+    // From here on, nobody finds the original by its path, so a look at it lasts.
+    if (const auto changed = changeInside(beside, staging, name)) {
+        giveUp(changedWhileCopied(*changed, source));
+    }
+    if (renameWhereFree(staging / name, destination) != 0) {
+        giveUp(PlatformError::fromErrno(source, "moved"));
     }
     copy_.movedTo(destination);
     removeOriginal(beside, staging, source);
+}
+
+void ItemMover::putBack(const fs::path& leftover, const std::string& name,
+                        const FreePath& freePath) const {
+    if (renameWhereFree(leftover / name, freePath(leftover.parent_path() / name)) != 0) {
+        throw PlatformError::fromErrno(leftover / name, "moved");
+    }
 }
 
 bool ItemMover::isLeftover(const std::string& name) {
@@ -182,6 +211,12 @@ bool ItemMover::finish(const fs::path& leftover, const fs::path& destination,
         return false;
     }
     const bool waiting = itemOrLinkExists(staging / name);
+    if (waiting && changeInside(leftover, staging, name)) {
+        putBack(leftover, name, freePath);
+        removeIfThere(staging);
+        (void)::rmdir(leftover.c_str());
+        return false;
+    }
     if (waiting && renameWhereFree(staging / name, freePath(destination / name)) != 0) {
         throw PlatformError::fromErrno(leftover / name, "moved");
     }
@@ -190,9 +225,7 @@ bool ItemMover::finish(const fs::path& leftover, const fs::path& destination,
         return waiting;
     }
     // Its copy is not where it is looked for, so it goes back to where it was.
-    if (renameWhereFree(leftover / name, freePath(leftover.parent_path() / name)) != 0) {
-        throw PlatformError::fromErrno(leftover / name, "moved");
-    }
+    putBack(leftover, name, freePath);
     (void)::rmdir(leftover.c_str());
     return false;
 }

@@ -23,8 +23,9 @@ public:
     explicit ItemMover(ExclusiveRename exclusively = renameExclusively);
 
     /// Moves an item to a path where nothing may be. When it throws `PlatformError`, the item is
-    /// still whole at `source`; or, with an error that says so, it has arrived and something of the
-    /// original can't be removed. Hard links between the items that one mover moves stay so.
+    /// still whole at `source`, with what was written into it meanwhile; or, with an error that
+    /// says so, it has arrived and something of the original can't be removed. Hard links between
+    /// the items that one mover moves stay so.
     void move(const std::filesystem::path& source, const std::filesystem::path& destination);
 
     /// Whether a file of that name is what a move that was cut off left beside its original.
@@ -41,6 +42,8 @@ public:
 
 private:
     void moveAcross(const std::filesystem::path& source, const std::filesystem::path& destination);
+    void putBack(const std::filesystem::path& leftover, const std::string& name,
+                 const FreePath& freePath) const;
     [[nodiscard]] int renameWhereFree(const std::filesystem::path& source,
                                       const std::filesystem::path& destination) const;
 

@@ -4,6 +4,7 @@
 #include "Platform/FileHandle.h"
 #include "Platform/Folder.h"
 #include "Platform/PlatformError.h"
+#include "Platform/TreeComparison.h"
 #include "Platform/VolumeTransfer.h"
 
 #include <cerrno>
@@ -87,7 +88,7 @@ void TreeCopy::fail(const Place& place, int error) const {
         throw PlatformError::because(where + "is another file system", item_, "moved");
     }
     if (error == EBUSY) {
-        throw PlatformError::because(where + "changed while it was copied", item_, "moved");
+        throw changedWhileCopied(place.inside, item_);
     }
     throw PlatformError::inside(std::error_code(error, std::generic_category()), inside, item_,
                                 "moved");

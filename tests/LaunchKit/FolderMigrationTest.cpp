@@ -83,6 +83,27 @@ TEST_F(FolderMigration, JunkThatCantBeRemovedIsNamed) {
     }));
 }
 
+TEST_F(FolderMigration, AFolderThatCantMakeWayForALinkIsNamed) {
+    EXPECT_TRUE(asOrdinaryUser(folder_.path(), [&] {
+        write(inClone("Documents/a"), "x");
+        fs::create_directories(inReal("Documents"));
+        fs::permissions(folder_ / "clone", fs::perms{0555});
+        const Migration migration = migrate();
+        fs::permissions(folder_ / "clone", fs::perms{0755});
+        return read(inReal("Documents/a")) == "x" &&
+               reasonsOf(migration) ==
+                   std::vector<std::string>{"“Documents” couldn’t be linked: it can’t be removed"};
+    }));
+}
+
+TEST_F(FolderMigration, AnEmptyFolderWithNothingToLeadToIsNamed) {
+    write(folder_ / "real", "a file where the user's home should be");
+    fs::create_directories(inClone("Documents"));
+    EXPECT_THAT(reasonsOf(migrate()),
+                ::testing::ElementsAre(
+                    "“Documents” couldn’t be linked: the folder to be linked to is missing"));
+}
+
 // The clone's home on one file system and the user's on another.
 class FolderMigrationAcrossVolumes : public ::testing::Test {
 protected:

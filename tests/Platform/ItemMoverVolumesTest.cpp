@@ -1,12 +1,15 @@
 #include "Platform/ItemMover.h"
 
+#include "Platform/ExclusiveRename.h"
 #include "Platform/FileHandle.h"
 #include "Platform/FileSystem.h"
+#include "tests/support/EveryStep.h"
 #include "tests/support/OrdinaryUser.h"
 #include "tests/support/OtherVolume.h"
 #include "tests/support/PrivateMounts.h"
 #include "tests/support/SmallDisk.h"
 
+#include <algorithm>
 #include <array>
 #include <cstring>
 #include <fcntl.h>
@@ -14,6 +17,7 @@
 #include <gtest/gtest.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
+#include <sys/syscall.h>
 #include <sys/un.h>
 #include <sys/xattr.h>
 #include <unistd.h>
@@ -298,6 +302,78 @@ TEST_P(MovingAcrossVolumes, WhatCouldNotBeRemovedAfterwardsStaysWholeAndIsNamed)
                read(from("a/fixed/file")) == "x" &&
                namesBesideBoth() == std::vector<std::string>{"a"};
     }));
+}
+
+// Renames as ever, and calls `first` before the copied `source` is set aside.
+ExclusiveRename renamingAfter(const fs::path& source, const std::function<void()>& first) {
+    return [=, calls = 0](const fs::path& from, const fs::path& to) mutable {
+        // The first of its renames only finds out that there is another file system.
+        if (from == source && ++calls == 2) {
+            first();
+        }
+        return renameExclusively(from, to);
+    };
+}
+
+void overwrite(const fs::path& file, const std::string& text) {
+    const FileHandle opened(::open(file.c_str(), O_WRONLY | O_CLOEXEC));
+    ASSERT_EQ(::pwrite(opened.descriptor(), text.data(), text.size(), 0),
+              static_cast<ssize_t>(text.size()));
+}
+
+TEST_P(MovingAcrossVolumes, WhatIsWrittenInPlaceAfterItWasCopiedIsKept) {
+    write(from("a/below/file"), "old");
+    write(from("a/file"), "x");
+    setDate(from("a/below/file"), 1000000001, 123456789);
+    ItemMover mover(renamingAfter(from("a"), [this] { overwrite(from("a/below/file"), "new"); }));
+    EXPECT_EQ(failureOf([&] { mover.move(from("a"), to("a")); }),
+              "“a” couldn’t be moved: “below/file” changed while it was copied");
+    EXPECT_EQ(read(from("a/below/file")), "new");
+    EXPECT_THAT(namesBesideBoth(), ::testing::ElementsAre("a"));
+    ItemMover().move(from("a"), to("a"));
+    EXPECT_EQ(read(to("a/below/file")), "new");
+}
+
+TEST_P(MovingAcrossVolumes, WhatIsAddedAfterTheCopyingIsKept) {
+    write(from("a/file"), "x");
+    ItemMover mover(renamingAfter(from("a"), [this] { write(from("a/later"), "y"); }));
+    EXPECT_EQ(failureOf([&] { mover.move(from("a"), to("a")); }),
+              "“a” couldn’t be moved: “later” changed while it was copied");
+    EXPECT_EQ(read(from("a/later")), "y");
+    EXPECT_THAT(namesBesideBoth(), ::testing::ElementsAre("a"));
+}
+
+TEST_P(MovingAcrossVolumes, AFileThatChangedItselfIsNamedOnce) {
+    write(from("a"), "old");
+    setDate(from("a"), 1000000001, 123456789);
+    ItemMover mover(renamingAfter(from("a"), [this] { overwrite(from("a"), "new"); }));
+    EXPECT_EQ(failureOf([&] { mover.move(from("a"), to("a")); }),
+              "“a” couldn’t be moved: changed while it was copied");
+    EXPECT_EQ(read(from("a")), "new");
+}
+
+// Otherwise the item could be nowhere after a power loss.
+TEST_P(MovingAcrossVolumes, TheItemsNewNameIsOnTheDiskBeforeTheOriginalGoes) {
+    write(from("a/file"), "x");
+    const std::vector<long> calls = systemCallsOf([this] { ItemMover().move(from("a"), to("a")); });
+    if (calls.empty()) {
+        GTEST_SKIP() << "processes may not be traced here";
+    }
+    const auto arrival = std::find(calls.rbegin(), calls.rend(), SYS_renameat2).base();
+    const auto removal = std::find(arrival, calls.end(), SYS_unlinkat);
+    ASSERT_NE(removal, calls.end());
+    EXPECT_NE(std::find(arrival, removal, SYS_syncfs), removal);
+}
+
+// A move that was cut off once the original was set aside, which had changed by then.
+TEST_P(MovingAcrossVolumes, ACopyThatIsOutOfDateIsNotTakenForTheItem) {
+    const std::string folder = ".quorvel-moving-3F2504E0-4F89-41D3-9A0C-0305E82C3301";
+    write(from(folder) / "a", "new");
+    write(to(folder) / "a", "old");
+    setDate(to(folder) / "a", 1000000001, 123456789);
+    EXPECT_FALSE(ItemMover().finish(from(folder), to(""), [](const auto& path) { return path; }));
+    EXPECT_EQ(read(from("a")), "new");
+    EXPECT_THAT(namesBesideBoth(), ::testing::ElementsAre("a"));
 }
 
 TEST_P(MovingAcrossVolumes, AFullDiskIsNamedAndLeavesTheItemWhole) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <functional>
+#include <vector>
 
 namespace quorvel::testing {
 
@@ -15,5 +16,9 @@ enum class Kill {
 /// `step`. Every one of them from 0 on, until `ended`, leaves no moment out.
 /// Throws `std::runtime_error` when `work` fails by itself. `work` must start no threads.
 [[nodiscard]] Kill killedBefore(int step, const std::function<void()>& work);
+
+/// The numbers of the system calls that `work` makes in a child process, in order; empty where
+/// nobody may trace processes.
+[[nodiscard]] std::vector<long> systemCallsOf(const std::function<void()>& work);
 
 } // namespace quorvel::testing

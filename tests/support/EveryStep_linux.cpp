@@ -26,6 +26,17 @@ constexpr int refused = 77;
     std::_Exit(0);
 }
 
+pid_t start(const std::function<void()>& task) {
+    const pid_t child = ::fork();
+    if (child < 0) {
+        throw std::runtime_error("no process can be made");
+    }
+    if (child == 0) {
+        work(task);
+    }
+    return child;
+}
+
 int nextStop(pid_t child) {
     int status = 0;
     if (::waitpid(child, &status, 0) != child) {
@@ -53,13 +64,7 @@ Kill endedWith(int status) {
 } // namespace
 
 Kill killedBefore(int step, const std::function<void()>& task) {
-    const pid_t child = ::fork();
-    if (child < 0) {
-        throw std::runtime_error("no process can be made");
-    }
-    if (child == 0) {
-        work(task);
-    }
+    const pid_t child = start(task);
     int status = nextStop(child);
     if (!WIFSTOPPED(status)) {
         return endedWith(status);
@@ -75,6 +80,24 @@ Kill killedBefore(int step, const std::function<void()>& task) {
     }
     kill(child);
     return Kill::done;
+}
+
+std::vector<long> systemCallsOf(const std::function<void()>& task) {
+    const pid_t child = start(task);
+    std::vector<long> calls;
+    int status = nextStop(child);
+    ::ptrace(PTRACE_SETOPTIONS, child, nullptr, PTRACE_O_TRACESYSGOOD | PTRACE_O_EXITKILL);
+    while (WIFSTOPPED(status)) {
+        __ptrace_syscall_info info{};
+        ::ptrace(PTRACE_GET_SYSCALL_INFO, child, sizeof info, &info);
+        if (info.op == PTRACE_SYSCALL_INFO_ENTRY) {
+            calls.push_back(static_cast<long>(info.entry.nr));
+        }
+        ::ptrace(PTRACE_SYSCALL, child, nullptr, nullptr);
+        status = nextStop(child);
+    }
+    (void)endedWith(status);
+    return calls;
 }
 
 } // namespace quorvel::testing
