@@ -13,7 +13,7 @@ configure_for_macos() {
     -DQUORVEL_PLIST_ARCHIVE="$out/libplist-2.0.a" -DCMAKE_EXPORT_COMPILE_COMMANDS=ON \
     >"$out/configure.log" 2>&1 || return 1
   sed -n "s|^ *\"file\": \"$root/\(.*\)\",\{0,1\}$|\1|p" "$build/compile_commands.json" |
-    grep -vE '^(tests|build)/' | sort -u
+    grep -vE '^(tests|fuzz|build)/' | sort -u
 }
 
 # unlike_built BUILT FILES...: what CMake would build (>), or not build (<), other than these.
