@@ -149,9 +149,10 @@ _quorvelctl_offer_words() {
 _quorvelctl() {
   local kept current previous command='' options='' word
   local -a words
-  _quorvelctl_join
-  current=${words[-1]} previous=${words[-2]:-}
   COMPREPLY=()
+  _quorvelctl_join
+  ((${#words[@]} > 1)) || return # something right after the program's name
+  current=${words[-1]} previous=${words[-2]}
   for word in "${words[@]:1:${#words[@]}-2}"; do
     case $word in -*) ;; *) command=$word; break ;; esac
   done
