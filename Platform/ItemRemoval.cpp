@@ -123,6 +123,16 @@ void ItemRemoval::refuseMounts() const {
         if (mounted) {
             refuseMountAt(walk.path());
         }
+        // Who may not look into a folder may not remove anything in it either.
+        if (step->kind == FolderWalk::Kind::unreadable && step->error != EACCES) {
+            throw failureAt(walk.path(), step->error);
+        }
+    }
+}
+
+void ItemRemoval::refuseProtected(int folder, const char* name, const fs::path& below) const {
+    if (isProtected(folder, name)) {
+        throw failureAt(below.string(), EPERM);
     }
 }
 

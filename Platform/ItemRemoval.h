@@ -38,7 +38,8 @@ public:
     [[nodiscard]] bool isFolder() const { return isFolder_; }
 
     /// Looks through everything for a place where another file system, or another folder, is
-    /// mounted, and throws `PlatformError` for it.
+    /// mounted, and throws `PlatformError` for it, and when not everything can be looked through.
+    /// Folders that the user may not read are left out.
     void refuseMounts() const;
 
     /// Throws `PlatformError` when it is plain beforehand that the item can't be removed: the
