@@ -80,8 +80,12 @@ void deleteCommand(const Surroundings& with, const std::string& clone, const Del
     }
     const DeletedData data = with.registry.remove(record, options.includingData);
     if (json) {
-        with.output << document(
-            {{"bundleURL", record.bundleURL.string()}, {"deletedData", deletedDataForm(data)}});
+        nlohmann::json form{{"bundleURL", record.bundleURL.string()},
+                            {"deletedData", deletedDataForm(data)}};
+        if (!data.wrapperReason.empty()) {
+            form["deletedClone"] = false;
+        }
+        with.output << document(form);
     }
     if (data.isFailure()) {
         throw CommandError(data.description());

@@ -5,11 +5,15 @@
 #include "Platform/ItemRemoval.h"
 
 #include <optional>
+#include <string_view>
 #include <tuple>
 
 namespace quorvel {
 namespace fs = std::filesystem;
 namespace {
+
+// Relative to the wrapper, so without the slash that begins it.
+constexpr std::string_view configuration = std::string_view(instanceConfigInBundle).substr(1);
 
 // The data folder of a deletion: what becomes of it by itself, or the removal that takes it.
 struct DataStep {
@@ -104,6 +108,16 @@ void throwFailure(const RemovalReport& report) {
     }
 }
 
+// Once data is gone, a failure must not look as if nothing were.
+void removeRest(const ItemRemoval& wrapper, DeletedData& data) {
+    const RemovalReport report = wrapper.remove();
+    if (data.removedItems == 0) {
+        throwFailure(report);
+    } else if (report.failure) {
+        data.wrapperReason = report.failure->description();
+    }
+}
+
 std::string items(std::size_t count) {
     return std::to_string(count) + (count == 1 ? " item" : " items");
 }
@@ -111,6 +125,13 @@ std::string items(std::size_t count) {
 } // namespace
 
 std::string DeletedData::description() const {
+    if (!wrapperReason.empty()) {
+        const std::string gone = outcome == Case::removed
+                                     ? "The data folder " + folder.string() + " is gone"
+                                     : "Of the data folder " + folder.string() + " a part is gone";
+        return gone + ", but the clone could not be removed as a whole. " + wrapperReason +
+               (reason.empty() ? "" : ". " + reason);
+    }
     switch (outcome) {
     case Case::kept:
         return "The clone is gone, but its data folder " + folder.string() + " is still there. " +
@@ -130,8 +151,6 @@ std::string DeletedData::description() const {
 
 DeletedData deleteClone(const InstanceRegistry& registry, const InstanceRecord& record,
                         bool includingData) {
-    // Relative to the wrapper, so without the slash that begins it.
-    const std::string_view configuration = std::string_view(instanceConfigInBundle).substr(1);
     // Opened before its configuration is read, so that no other wrapper is removed than was read.
     const std::optional<ItemRemoval> wrapper = ItemRemoval::of(record.bundleURL);
     refuseAnotherClone(registry, record);
@@ -145,7 +164,7 @@ DeletedData deleteClone(const InstanceRegistry& registry, const InstanceRecord& 
     }
     removeData(data);
     if (wrapper) {
-        throwFailure(wrapper->remove());
+        removeRest(*wrapper, data.data);
     }
     return data.data;
 }
