@@ -1,6 +1,7 @@
 #include "LaunchKit/CloneDeletion.h"
 
 #include "LaunchKit/DataFolderGuard.h"
+#include "LaunchKit/WrapperLayout.h"
 #include "Platform/FileSystem.h"
 #include "Platform/ItemRemoval.h"
 
@@ -29,10 +30,17 @@ bool isSameClone(const InstanceConfig& one, const InstanceConfig& other) {
     return essence(one) == essence(other);
 }
 
-// Between listing and deleting, another clone may have taken this one's place.
-void refuseAnotherClone(const InstanceRegistry& registry, const InstanceRecord& record) {
-    const auto now = registry.record(record.bundleURL);
-    if (now && !isSameClone(now->config, record.config)) {
+bool isAnother(const std::optional<InstanceRecord>& now, const InstanceRecord& listed) {
+    if (now) {
+        return !isSameClone(now->config, listed.config);
+    }
+    return itemExists(listed.bundleURL) && !isDamagedWrapper(listed.bundleURL) &&
+           !isUnfinishedWrapper(listed.bundleURL);
+}
+
+// Between listing and deleting, another clone or an app may have taken this one's place.
+void refuseAnother(const InstanceRegistry& registry, const InstanceRecord& record) {
+    if (isAnother(registry.record(record.bundleURL), record)) {
         throw RefusedDeletion("The clone at " + record.bundleURL.string() +
                               " is not the one that was listed any more, so nothing was deleted. "
                               "List the clones again, and look at it first.");
@@ -153,11 +161,11 @@ DeletedData deleteClone(const InstanceRegistry& registry, const InstanceRecord& 
                         bool includingData) {
     // Opened before its configuration is read, so that no other wrapper is removed than was read.
     const std::optional<ItemRemoval> wrapper = ItemRemoval::of(record.bundleURL);
-    refuseAnotherClone(registry, record);
     if (wrapper) {
         wrapper->refuseMounts();
         wrapper->refuseUnchangeable(configuration);
     }
+    refuseAnother(registry, record);
     DataStep data = includingData ? dataStep(registry, record) : DataStep();
     if (wrapper) {
         throwFailure(wrapper->removeAllBut(configuration));

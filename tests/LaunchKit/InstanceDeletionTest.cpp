@@ -248,6 +248,25 @@ TEST_F(InstanceDeletion, AnotherCloneInTheRecordsPlaceStaysWithAllData) {
     expectStale([](InstanceConfig& config) { config.commandPath = "/other"; });
 }
 
+TEST_F(InstanceDeletion, AnAppInTheRecordsPlaceStaysWithAllData) {
+    const InstanceRecord listed = recordWithHome("~/QuorvelInstances/Work");
+    fs::remove_all(listed.bundleURL);
+    makeAppBundle(listed.bundleURL);
+    const auto before = treeOf(home_.path());
+    for (const bool withData : {false, true}) {
+        EXPECT_THROW(InstanceRegistry().remove(listed, withData), RefusedDeletion);
+    }
+    EXPECT_EQ(treeOf(home_.path()), before);
+}
+
+TEST_F(InstanceDeletion, ACloneThatWasDamagedMeanwhileGoes) {
+    const InstanceRecord listed = recordWithHome("~/QuorvelInstances/Work");
+    write(listed.bundleURL / "Contents/MacOS/runner", "x");
+    write(listed.bundleURL / "Contents/Resources/instance.json", "{");
+    InstanceRegistry().remove(listed, false);
+    EXPECT_FALSE(fs::exists(listed.bundleURL));
+}
+
 TEST_F(InstanceDeletion, ACloneWhoseSettingsChangedMeanwhileIsStillTheSame) {
     const InstanceRecord listed = recordWithHome("~/QuorvelInstances/Work");
     InstanceConfig changed = listed.config;
