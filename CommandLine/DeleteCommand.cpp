@@ -2,6 +2,7 @@
 #include "CommandLine/CloneLookup.h"
 #include "CommandLine/CloneTexts.h"
 #include "CommandLine/Confirmation.h"
+#include "LaunchKit/CloneDeletion.h"
 #include "LaunchKit/DataFolderGuard.h"
 #include "Platform/FileSystem.h"
 #include "Platform/TerminalText.h"
@@ -58,7 +59,7 @@ void deleteDamagedClone(const Surroundings& with, const fs::path& wrapper,
     confirm(with, options,
             "The configuration of " + wrapper.string() +
                 " can’t be read, so its data folder is not known and stays. Delete the clone?");
-    removeItem(wrapper);
+    removeWrapper(wrapper);
     if (json) {
         with.output << document({{"bundleURL", wrapper.string()}, {"deletedData", false}});
     }

@@ -177,4 +177,15 @@ DeletedData deleteClone(const InstanceRegistry& registry, const InstanceRecord& 
     return data.data;
 }
 
+void removeWrapper(const fs::path& path) {
+    const std::optional<ItemRemoval> wrapper = ItemRemoval::of(path);
+    if (!wrapper) {
+        throw PlatformError(std::make_error_code(std::errc::no_such_file_or_directory), path,
+                            "removed");
+    }
+    wrapper->refuseMounts();
+    throwFailure(wrapper->removeAllBut(configuration));
+    throwFailure(wrapper->remove());
+}
+
 } // namespace quorvel

@@ -13,4 +13,9 @@ namespace quorvel {
 DeletedData deleteClone(const InstanceRegistry& registry, const InstanceRecord& record,
                         bool includingData);
 
+/// Removes a wrapper without asking what it holds. Its configuration goes last, so that what is
+/// left when that is cut off is still known as a clone. Throws `PlatformError`, also when nothing
+/// is there.
+void removeWrapper(const std::filesystem::path& path);
+
 } // namespace quorvel
