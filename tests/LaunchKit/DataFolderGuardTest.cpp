@@ -128,6 +128,29 @@ TEST_F(DataFolderGuardTest, AnotherClonesDataIsSpared) {
     EXPECT_EQ(refusal(cloneWithHome("~/data/Play2")), "");
 }
 
+TEST_F(DataFolderGuardTest, AFolderInAnotherClonesDataIsSpared) {
+    cloneWithHome("~/data/Play", "Play");
+    write(home_ / "data/Play/saves/Work/save", "x");
+    fs::create_directory_symlink(home_ / "data/Play", home_ / "alias");
+    for (const char* inside : {"~/data/Play/saves", "~/data/Play/saves/Work", "~/alias/saves"}) {
+        EXPECT_THAT(refusalOfNew(inside), HasSubstr("lies in the data folder of “Play”")) << inside;
+        EXPECT_EQ(refusalOfNew(inside, true), "") << "said to be meant";
+        EXPECT_THAT(refusal(cloneWithHome(inside)), HasSubstr("lies in the data folder of “Play”"));
+    }
+    EXPECT_THAT(refusalOfNew("~/data/Play/new"), HasSubstr("lies in the data folder of “Play”"));
+}
+
+TEST_F(DataFolderGuardTest, AFolderInWhatIsNoClonesAloneMayGo) {
+    for (const char* shared : {"~", "/", "~/Documents", "~/QuorvelInstances"}) {
+        cloneWithHome(shared, "Play");
+        for (const char* own : {"~/Documents/Work", "~/QuorvelInstances/Work"}) {
+            write(home_ / std::string_view(own).substr(2) / "data", "x");
+            EXPECT_EQ(refusalOfNew(own), "") << own << " in " << shared;
+            EXPECT_EQ(refusal(cloneWithHome(own)), "") << own << " in " << shared;
+        }
+    }
+}
+
 TEST_F(DataFolderGuardTest, AnotherClonesDataIsSparedWhereItIsReachedByALink) {
     write(home_ / "data/Work/save", "x");
     fs::create_directory_symlink(home_ / "data/Work", home_ / "link");
