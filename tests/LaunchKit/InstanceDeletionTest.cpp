@@ -209,6 +209,19 @@ TEST_F(InstanceDeletion, TellsWhatBecameOfTheData) {
     EXPECT_EQ(removed.description(), "");
 }
 
+TEST_F(InstanceDeletion, TellsOfEveryFolderThatIsNoDataThatItWasSpared) {
+    const fs::path before = fs::current_path();
+    fs::current_path(home_.path());
+    for (const std::string& written :
+         {"QuorvelInstances/Work"s, ""s, home_.path().string() + "/QuorvelInstances/Work\0x"s,
+          home_.path().parent_path().string()}) {
+        const DeletedData data = InstanceRegistry().remove(recordWithHome(written), true);
+        EXPECT_EQ(data.outcome, DeletedData::Case::spared) << written;
+        EXPECT_FALSE(data.isFailure()) << written;
+    }
+    fs::current_path(before);
+}
+
 TEST_F(InstanceDeletion, TellsHowMuchOfTheDataIsLeftAndWhy) {
     EXPECT_TRUE(asOrdinaryUser(folder_.path(), [&] {
         InstanceConfig config = minimalConfig();
