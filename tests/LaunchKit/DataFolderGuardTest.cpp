@@ -16,6 +16,7 @@ namespace {
 using namespace testing;
 using namespace std::string_literals;
 using ::testing::HasSubstr;
+using ::testing::Not;
 namespace fs = std::filesystem;
 
 class DataFolderGuardTest : public ::testing::Test {
@@ -204,6 +205,14 @@ TEST_F(DataFolderGuardTest, WhatALinkLeadsToIsSpared) {
     }
     EXPECT_EQ(refusal(cloneWithHome("~/link/sub")), "") << "only the way leads through the link";
     EXPECT_FALSE(fs::exists(home_ / "target/sub"));
+}
+
+TEST_F(DataFolderGuardTest, APathThroughAFolderThatIsMissingIsNotPlain) {
+    write(home_ / "b/precious", "x");
+    const std::string reason = refusal(cloneWithHome("~/missing/../b"));
+    EXPECT_THAT(reason, HasSubstr("is not written as a plain path"));
+    EXPECT_THAT(reason, Not(HasSubstr("link")));
+    EXPECT_EQ(read(home_ / "b/precious"), "x");
 }
 
 TEST_F(DataFolderGuardTest, AnotherUsersHomeIsSpared) {
