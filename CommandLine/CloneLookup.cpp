@@ -61,8 +61,12 @@ fs::path absoluteFile(const std::string& path) {
 }
 
 std::optional<fs::path> findDamagedClone(const std::string& words) {
-    const fs::path bundle = absoluteFile(words);
-    return isPath(words) && isDamagedWrapper(bundle) ? std::optional(bundle) : std::nullopt;
+    // In a working folder that is gone, no other words can be made a path.
+    if (!isPath(words)) {
+        return std::nullopt;
+    }
+    fs::path bundle = absoluteFile(words);
+    return isDamagedWrapper(bundle) ? std::optional(std::move(bundle)) : std::nullopt;
 }
 
 InstanceRecord findClone(const InstanceRegistry& registry, const std::string& words) {

@@ -2,7 +2,9 @@
 #include "CommandLine/CloneLookup.h"
 #include "CommandLine/CloneTexts.h"
 #include "CommandLine/Confirmation.h"
+#include "LaunchKit/CloneDeletion.h"
 #include "LaunchKit/DataFolderGuard.h"
+#include "LaunchKit/HomeLock.h"
 #include "Platform/FileSystem.h"
 #include "Platform/TerminalText.h"
 
@@ -14,21 +16,31 @@ namespace {
 
 // What a person is told before data is deleted under a living program; empty when there is none.
 std::string runningWarning(const Surroundings& with, const InstanceRecord& record) {
-    return with.workspace.runningApplications().contains(record.config.bundleId)
+    return isHomeInUse(record.config) ||
+                   with.workspace.runningApplications().contains(record.config.bundleId)
                ? "“" + record.config.displayName +
                      "” is running: it loses what it has open, and may write data anew."
                : "";
 }
 
+// Whether it is nothing that a deletion takes, even when asked.
+bool keepsData(const DataFolder& data) {
+    return data.isNone || holdsUserHome(data.path);
+}
+
 std::string question(const InstanceRecord& record, const DeleteOptions& options,
                      const std::string& warning) {
-    std::string text = "Delete “" + record.config.displayName + "”";
-    if (options.includingData) {
-        const DataFolder data = dataFolderOf(record.config);
-        text += isSymbolicLink(data.path) ? " and the symbolic link " : " and everything in ";
-        text += data.isNone ? record.config.resolvedHome() : data.path.string();
+    const std::string text = "Delete “" + record.config.displayName + "”";
+    const DataFolder data = dataFolderOf(record.config);
+    const std::string folder = data.isNone ? record.config.resolvedHome() : data.path.string();
+    if (!options.includingData || folder.empty()) {
+        return text + "?";
     }
-    return text + "?" + (warning.empty() ? "" : " " + warning);
+    if (keepsData(data)) {
+        return text + "? Its data folder " + folder + " is kept.";
+    }
+    return text + (isSymbolicLink(data.path) ? " and the symbolic link " : " and everything in ") +
+           folder + "?" + (warning.empty() ? "" : " " + warning);
 }
 
 void confirm(const Surroundings& with, const DeleteOptions& options, const std::string& text) {
@@ -58,7 +70,7 @@ void deleteDamagedClone(const Surroundings& with, const fs::path& wrapper,
     confirm(with, options,
             "The configuration of " + wrapper.string() +
                 " can’t be read, so its data folder is not known and stays. Delete the clone?");
-    removeItem(wrapper);
+    removeWrapper(wrapper);
     if (json) {
         with.output << document({{"bundleURL", wrapper.string()}, {"deletedData", false}});
     }
@@ -73,15 +85,20 @@ void deleteCommand(const Surroundings& with, const std::string& clone, const Del
         return;
     }
     const InstanceRecord record = findClone(with.registry, clone);
-    const std::string warning = options.includingData ? runningWarning(with, record) : "";
+    const bool takesData = options.includingData && !keepsData(dataFolderOf(record.config));
+    const std::string warning = takesData ? runningWarning(with, record) : "";
     confirm(with, options, question(record, options, warning));
     if (options.yes && !warning.empty()) {
         with.errors << terminalText(warning) << "\n" << std::flush;
     }
     const DeletedData data = with.registry.remove(record, options.includingData);
     if (json) {
-        with.output << document(
-            {{"bundleURL", record.bundleURL.string()}, {"deletedData", deletedDataForm(data)}});
+        nlohmann::json form{{"bundleURL", record.bundleURL.string()},
+                            {"deletedData", deletedDataForm(data)}};
+        if (!data.wrapperReason.empty()) {
+            form["deletedClone"] = false;
+        }
+        with.output << document(form);
     }
     if (data.isFailure()) {
         throw CommandError(data.description());

@@ -1,15 +1,20 @@
 #include "LaunchKit/CloneDeletion.h"
 
 #include "LaunchKit/DataFolderGuard.h"
+#include "LaunchKit/WrapperLayout.h"
 #include "Platform/FileSystem.h"
 #include "Platform/ItemRemoval.h"
 
 #include <optional>
+#include <string_view>
 #include <tuple>
 
 namespace quorvel {
 namespace fs = std::filesystem;
 namespace {
+
+// Relative to the wrapper, so without the slash that begins it.
+constexpr std::string_view configuration = std::string_view(instanceConfigInBundle).substr(1);
 
 // The data folder of a deletion: what becomes of it by itself, or the removal that takes it.
 struct DataStep {
@@ -25,10 +30,17 @@ bool isSameClone(const InstanceConfig& one, const InstanceConfig& other) {
     return essence(one) == essence(other);
 }
 
-// Between listing and deleting, another clone may have taken this one's place.
-void refuseAnotherClone(const InstanceRegistry& registry, const InstanceRecord& record) {
-    const auto now = registry.record(record.bundleURL);
-    if (now && !isSameClone(now->config, record.config)) {
+bool isAnother(const std::optional<InstanceRecord>& now, const InstanceRecord& listed) {
+    if (now) {
+        return !isSameClone(now->config, listed.config);
+    }
+    return itemExists(listed.bundleURL) && !isDamagedWrapper(listed.bundleURL) &&
+           !isUnfinishedWrapper(listed.bundleURL);
+}
+
+// Between listing and deleting, another clone or an app may have taken this one's place.
+void refuseAnother(const InstanceRegistry& registry, const InstanceRecord& record) {
+    if (isAnother(registry.record(record.bundleURL), record)) {
         throw RefusedDeletion("The clone at " + record.bundleURL.string() +
                               " is not the one that was listed any more, so nothing was deleted. "
                               "List the clones again, and look at it first.");
@@ -54,7 +66,8 @@ DataStep dataStep(const InstanceRegistry& registry, const InstanceRecord& record
         return {{.outcome = DeletedData::Case::spared, .folder = folder.path}, {}};
     }
     if (folder.isBehindLink) {
-        refuse(folder.path, "is what a symbolic link leads to");
+        refuse(folder.path, identityOfItself(folder.path) ? "is what a symbolic link leads to"
+                                                          : "is not written as a plain path");
     }
     DataStep step{{.folder = folder.path}, {}};
     try {
@@ -104,6 +117,16 @@ void throwFailure(const RemovalReport& report) {
     }
 }
 
+// Once data is gone, a failure must not look as if nothing were.
+void removeRest(const ItemRemoval& wrapper, DeletedData& data) {
+    const RemovalReport report = wrapper.remove();
+    if (data.removedItems == 0) {
+        throwFailure(report);
+    } else if (report.failure) {
+        data.wrapperReason = report.failure->description();
+    }
+}
+
 std::string items(std::size_t count) {
     return std::to_string(count) + (count == 1 ? " item" : " items");
 }
@@ -111,6 +134,13 @@ std::string items(std::size_t count) {
 } // namespace
 
 std::string DeletedData::description() const {
+    if (!wrapperReason.empty()) {
+        const std::string gone = outcome == Case::removed
+                                     ? "The data folder " + folder.string() + " is gone"
+                                     : "Of the data folder " + folder.string() + " a part is gone";
+        return gone + ", but the clone could not be removed as a whole. " + wrapperReason +
+               (reason.empty() ? "" : ". " + reason);
+    }
     switch (outcome) {
     case Case::kept:
         return "The clone is gone, but its data folder " + folder.string() + " is still there. " +
@@ -130,24 +160,33 @@ std::string DeletedData::description() const {
 
 DeletedData deleteClone(const InstanceRegistry& registry, const InstanceRecord& record,
                         bool includingData) {
-    // Relative to the wrapper, so without the slash that begins it.
-    const std::string_view configuration = std::string_view(instanceConfigInBundle).substr(1);
     // Opened before its configuration is read, so that no other wrapper is removed than was read.
     const std::optional<ItemRemoval> wrapper = ItemRemoval::of(record.bundleURL);
-    refuseAnotherClone(registry, record);
     if (wrapper) {
         wrapper->refuseMounts();
         wrapper->refuseUnchangeable(configuration);
     }
+    refuseAnother(registry, record);
     DataStep data = includingData ? dataStep(registry, record) : DataStep();
     if (wrapper) {
         throwFailure(wrapper->removeAllBut(configuration));
     }
     removeData(data);
     if (wrapper) {
-        throwFailure(wrapper->remove());
+        removeRest(*wrapper, data.data);
     }
     return data.data;
+}
+
+void removeWrapper(const fs::path& path) {
+    const std::optional<ItemRemoval> wrapper = ItemRemoval::of(path);
+    if (!wrapper) {
+        throw PlatformError(std::make_error_code(std::errc::no_such_file_or_directory), path,
+                            "removed");
+    }
+    wrapper->refuseMounts();
+    throwFailure(wrapper->removeAllBut(configuration));
+    throwFailure(wrapper->remove());
 }
 
 } // namespace quorvel

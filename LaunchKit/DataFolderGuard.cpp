@@ -53,6 +53,17 @@ std::vector<fs::path> foldersToSpare() {
     return folders;
 }
 
+// Whether the folder is or holds a home of the user's or one of the folders to spare: it is then no
+// clone's alone, whatever its configuration says.
+bool holdsUsersOwn(const Place& folder) {
+    std::vector<fs::path> owned = foldersToSpare();
+    for (const std::string& home : UserPaths::allHomes()) {
+        owned.emplace_back(home);
+    }
+    return std::any_of(owned.begin(), owned.end(),
+                       [&](const fs::path& own) { return folder.towards(own) != Standing::apart; });
+}
+
 bool isInAHomeOfTheUsers(const Place& folder) {
     const std::vector<std::string> homes = UserPaths::allHomes();
     return std::any_of(homes.begin(), homes.end(), [&](const std::string& home) {
@@ -99,8 +110,15 @@ std::optional<std::string> DataFolderGuard::objection(const Place& folder) const
     for (const InstanceRecord& other : others_) {
         const DataFolder data = dataFolderOf(other.config);
         const std::string what = "the data folder of " + quoted(other.config.displayName);
-        if (auto reason = data.isNone ? std::nullopt : isOrHolds(folder, data.path, what)) {
+        if (data.isNone) {
+            continue;
+        }
+        if (auto reason = isOrHolds(folder, data.path, what)) {
             return reason;
+        }
+        const Place others(data.path);
+        if (others.towards(folder.path()) == Standing::above && !holdsUsersOwn(others)) {
+            return "lies in " + what;
         }
     }
     if (const auto owner = ownerOfHomeAround(folder)) {

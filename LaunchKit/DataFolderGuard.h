@@ -34,7 +34,7 @@ private:
 struct DataFolder {
     std::filesystem::path path{}; ///< resolved, but for a link at its end; empty when `isNone`
     bool isNone = false;          ///< nothing that can be meant: an empty or relative path
-    bool isBehindLink = false;    ///< "link/." and the like: the folder that a link leads to
+    bool isBehindLink = false;    ///< "link/." and the like: not what the plain path names
 };
 
 /// Resolves the data folder of a configuration. Nothing need be there.

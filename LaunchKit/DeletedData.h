@@ -30,10 +30,12 @@ struct DeletedData {
     std::size_t removedItems = 0;
     std::size_t remainingItems = 0;
     std::string reason{}; ///< a sentence for the user, why something remains
+    std::string
+        wrapperReason{}; ///< likewise, why the rest of the wrapper does; empty if it is gone
 
     /// Whether something remains that should not.
     [[nodiscard]] bool isFailure() const {
-        return outcome == Case::kept || outcome == Case::partly;
+        return outcome == Case::kept || outcome == Case::partly || !wrapperReason.empty();
     }
     /// What remains and why; empty when that is as it was asked for.
     [[nodiscard]] std::string description() const;

@@ -33,4 +33,9 @@ std::optional<FileLock> lockHome(const InstanceConfig& config) {
     throw HomeInUse(config.displayName);
 }
 
+bool isHomeInUse(const InstanceConfig& config) {
+    const std::string home = config.resolvedHome();
+    return home.starts_with('/') && FileLock::isHeld(joinAsText(home, homeLockName));
+}
+
 } // namespace quorvel

@@ -27,4 +27,7 @@ public:
 /// Throws `HomeInUse`, or `PlatformError` if the home or the lock's file can't be made.
 [[nodiscard]] std::optional<FileLock> lockHome(const InstanceConfig& config);
 
+/// Whether a target runs in the clone's instance home now, though perhaps without its runner.
+[[nodiscard]] bool isHomeInUse(const InstanceConfig& config);
+
 } // namespace quorvel

@@ -1,5 +1,6 @@
 #include "LaunchKit/WrapperGenerator.h"
 
+#include "LaunchKit/CloneDeletion.h"
 #include "LaunchKit/IconComposer.h"
 #include "LaunchKit/InstanceRegistry.h"
 #include "Platform/FileSystem.h"
@@ -94,7 +95,7 @@ fs::path WrapperGenerator::generate(const fs::path& directory, const Options& op
     requireWritableTexts(options.config);
     fs::path wrapper = wrapperURL(directory, options.config.displayName);
     if (itemOrLinkExists(wrapper)) {
-        removeItem(wrapper);
+        removeWrapper(wrapper);
     }
     // Only now, since an icon of the older wrapper is gone with it.
     const std::optional<fs::path> icon = iconSource(options, target);

@@ -47,7 +47,10 @@ bool isUnfinishedWrapper(const fs::path& wrapper) {
 bool isDamagedWrapper(const fs::path& wrapper) {
     const fs::path contents = wrapper / "Contents";
     const fs::path resources = contents / "Resources";
-    return itemOrLinkExists(instanceConfigFile(wrapper)) && !InstanceRegistry().record(wrapper) &&
+    // A replacement or deletion that was cut off may have taken the configuration alone.
+    const bool isWhole = itemOrLinkExists(instanceConfigFile(wrapper)) ||
+                         (itemExists(contents / "Info.plist") && itemExists(contents / "PkgInfo"));
+    return isWhole && !InstanceRegistry().record(wrapper) &&
            itemExists(contents / "MacOS" / "runner") && holdsAtMost(wrapper, {"Contents"}) &&
            holdsAtMost(contents, {"MacOS", "Resources", "Info.plist", "PkgInfo"}) &&
            holdsAtMostFiles(contents / "MacOS", {"runner"}) &&

@@ -9,7 +9,8 @@ namespace quorvel {
 /// may be replaced like a whole clone.
 [[nodiscard]] bool isUnfinishedWrapper(const std::filesystem::path& wrapper);
 
-/// Whether it is a whole wrapper, with nothing else in it, whose configuration can't be read.
+/// Whether it is a whole wrapper, with nothing else in it, whose configuration can't be read
+/// or is missing.
 [[nodiscard]] bool isDamagedWrapper(const std::filesystem::path& wrapper);
 
 } // namespace quorvel

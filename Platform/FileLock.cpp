@@ -37,6 +37,18 @@ bool isStillAt(const std::filesystem::path& path, const FileHandle& file) {
 
 } // namespace
 
+bool FileLock::isHeld(const std::filesystem::path& path) {
+    if (hasNul(path)) {
+        return false;
+    }
+    const FileHandle file(
+        ::open(path.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC | O_NOCTTY));
+    struct stat status {};
+    return file.descriptor() >= 0 && ::fstat(file.descriptor(), &status) == 0 &&
+           S_ISREG(status.st_mode) && ::flock(file.descriptor(), LOCK_SH | LOCK_NB) != 0 &&
+           errno == EWOULDBLOCK;
+}
+
 std::optional<FileLock> FileLock::tryTake(const std::filesystem::path& path) {
     constexpr int attempts = 100;
     for (int attempt = 0; attempt < attempts; ++attempt) {

@@ -18,6 +18,10 @@ public:
     /// (`std::errc::no_lock_available` or `not_supported`).
     [[nodiscard]] static std::optional<FileLock> tryTake(const std::filesystem::path& path);
 
+    /// Whether somebody holds the lock on the file now. Creates no file; false where that can't be
+    /// told.
+    [[nodiscard]] static bool isHeld(const std::filesystem::path& path);
+
     [[nodiscard]] int descriptor() const noexcept { return file_.descriptor(); }
 
 private:

@@ -21,29 +21,44 @@ FileHandle duplicate(int descriptor) {
 } // namespace
 
 FolderWalk::FolderWalk(int root, const Mount& mount) : mount_(mount) {
-    push({}, duplicate(root));
+    FileHandle folder = duplicate(root);
+    rootError_ = folder.descriptor() < 0 ? errno : push({}, std::move(folder));
 }
 
-void FolderWalk::push(std::string name, FileHandle folder) {
+int FolderWalk::list(int folder, std::vector<Entry>& entries) {
+    FileHandle listed = duplicate(folder);
+    const std::unique_ptr<DIR, int (*)(DIR*)> stream(
+        listed.descriptor() < 0 ? nullptr : ::fdopendir(listed.descriptor()), &::closedir);
+    if (!stream) {
+        return errno;
+    }
+    (void)listed.release();
+    ::rewinddir(stream.get());
+    while (true) {
+        errno = 0; // the end of the folder leaves it alone
+        const dirent* entry = ::readdir(stream.get());
+        if (entry == nullptr) {
+            return errno;
+        }
+        const std::string_view name = entry->d_name;
+        if (name != "." && name != "..") {
+            entries.push_back(
+                {std::string(name), entry->d_type == DT_DIR || entry->d_type == DT_UNKNOWN});
+        }
+    }
+}
+
+int FolderWalk::push(std::string name, FileHandle folder) {
     Level level;
     level.name = std::move(name);
     struct stat status {};
-    if (::fstat(folder.descriptor(), &status) == 0) {
-        level.identity = identityIn(status);
+    if (::fstat(folder.descriptor(), &status) != 0) {
+        return errno;
     }
+    level.identity = identityIn(status);
     // Listed at once, since what a half-read folder tells after a removal is not defined.
-    FileHandle listed = duplicate(folder.descriptor());
-    const std::unique_ptr<DIR, int (*)(DIR*)> stream(::fdopendir(listed.descriptor()), &::closedir);
-    if (stream) {
-        (void)listed.release();
-        ::rewinddir(stream.get());
-    }
-    while (const dirent* entry = stream ? ::readdir(stream.get()) : nullptr) {
-        const std::string_view entryName = entry->d_name;
-        if (entryName != "." && entryName != "..") {
-            level.entries.push_back(
-                {std::string(entryName), entry->d_type == DT_DIR || entry->d_type == DT_UNKNOWN});
-        }
+    if (const int error = list(folder.descriptor(), level.entries)) {
+        return error;
     }
     level.folder = std::move(folder);
     levels_.push_back(std::move(level));
@@ -51,6 +66,7 @@ void FolderWalk::push(std::string name, FileHandle folder) {
         // The root stays open: nothing above it may be asked for it.
         levels_[levels_.size() - 1 - openAtOnce].folder = FileHandle(-1);
     }
+    return 0;
 }
 
 FolderWalk::Step FolderWalk::step(Kind kind, int error) const {
@@ -58,6 +74,11 @@ FolderWalk::Step FolderWalk::step(Kind kind, int error) const {
 }
 
 std::optional<FolderWalk::Step> FolderWalk::next() {
+    if (levels_.empty()) {
+        const int error = std::exchange(rootError_, 0);
+        return error == 0 ? std::nullopt
+                          : std::optional(Step{Kind::unreadable, -1, name_.c_str(), error});
+    }
     while (true) {
         Level& level = levels_.back();
         if (level.next < level.entries.size()) {
@@ -80,8 +101,8 @@ std::optional<FolderWalk::Step> FolderWalk::enter(const Entry& entry) {
     }
     FileHandle folder(openFolderOnMount(levels_.back().folder.descriptor(), name_.c_str(), mount_));
     if (folder.descriptor() >= 0) {
-        push(name_, std::move(folder));
-        return std::nullopt;
+        const int error = push(name_, std::move(folder));
+        return error == 0 ? std::nullopt : std::optional(step(Kind::unreadable, error));
     }
     switch (errno) {
     case ENOENT:

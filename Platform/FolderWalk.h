@@ -25,7 +25,8 @@ public:
 
     struct Step {
         Kind kind = Kind::item;
-        int folder = -1; ///< the open folder that holds it; -1 when that was moved away meanwhile
+        /// The open folder that holds it; -1 when that was moved away meanwhile, and for the root.
+        int folder = -1;
         const char* name = nullptr; ///< in that folder; valid until the next step
         int error = 0;
     };
@@ -33,7 +34,8 @@ public:
     /// `root` is open for reading, lies on `mount` and stays the caller's.
     FolderWalk(int root, const Mount& mount);
 
-    /// Nothing at the end.
+    /// Nothing at the end. A root that can't be listed is the only step, `unreadable` with an empty
+    /// name.
     [[nodiscard]] std::optional<Step> next();
 
     /// The path of the last step's item, relative to the root.
@@ -55,7 +57,10 @@ private:
     /// Goes down into `entry` of the last level, or tells why it does not.
     [[nodiscard]] std::optional<Step> enter(const Entry& entry);
     [[nodiscard]] Step leave();
-    void push(std::string name, FileHandle folder);
+    /// Lists the folder and makes it the last level. Gives an error's number, 0 for none.
+    [[nodiscard]] int push(std::string name, FileHandle folder);
+    /// The same, of what the folder holds.
+    [[nodiscard]] static int list(int folder, std::vector<Entry>& entries);
     /// Opens the last level anew as the folder above `below`.
     [[nodiscard]] bool reopen(int below);
     [[nodiscard]] Step step(Kind kind, int error = 0) const;
@@ -63,6 +68,7 @@ private:
     Mount mount_;
     std::vector<Level> levels_{};
     std::string name_{}; ///< of the last step's item
+    int rootError_ = 0;
 };
 
 } // namespace quorvel

@@ -1,6 +1,7 @@
 #include "Platform/ItemRemoval.h"
 
 #include "Platform/FileSystem.h"
+#include "Platform/ItemProtection.h"
 
 #include <cerrno>
 #include <fcntl.h>
@@ -123,6 +124,16 @@ void ItemRemoval::refuseMounts() const {
         if (mounted) {
             refuseMountAt(walk.path());
         }
+        // Who may not look into a folder may not remove anything in it either.
+        if (step->kind == FolderWalk::Kind::unreadable && step->error != EACCES) {
+            throw failureAt(walk.path(), step->error);
+        }
+    }
+}
+
+void ItemRemoval::refuseProtected(int folder, const char* name, const fs::path& below) const {
+    if (isProtected(folder, name)) {
+        throw failureAt(below.string(), EPERM);
     }
 }
 
@@ -132,6 +143,8 @@ void ItemRemoval::refuseUnchangeable(std::string_view kept) const {
     if (!canChange(parent_.descriptor())) {
         throw PlatformError::fromErrno(path_, "removed");
     }
+    refuseProtected(parent_.descriptor(), ".", {});
+    refuseProtected(parent_.descriptor(), name_.c_str(), {});
     const uid_t user = ::geteuid();
     // In such a folder, items may be removed by their owners only.
     if (::fstat(parent_.descriptor(), &above) == 0 && (above.st_mode & S_ISVTX) != 0 &&
@@ -143,6 +156,7 @@ void ItemRemoval::refuseUnchangeable(std::string_view kept) const {
         return;
     }
     FileHandle folder(openFolderOnMount(parent_.descriptor(), name_.c_str(), mount_));
+    fs::path below;
     for (const fs::path& part : fs::path(kept)) {
         // What is missing on the way is no hindrance.
         if (folder.descriptor() < 0 && (isMissing(errno) || errno == ELOOP)) {
@@ -151,6 +165,7 @@ void ItemRemoval::refuseUnchangeable(std::string_view kept) const {
         if (folder.descriptor() < 0 || !canChange(folder.descriptor())) {
             throw PlatformError::fromErrno(path_, "removed");
         }
+        refuseProtected(folder.descriptor(), part.c_str(), below /= part);
         folder = FileHandle(openFolderOnMount(folder.descriptor(), part.c_str(), mount_));
     }
 }

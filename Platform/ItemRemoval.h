@@ -38,11 +38,13 @@ public:
     [[nodiscard]] bool isFolder() const { return isFolder_; }
 
     /// Looks through everything for a place where another file system, or another folder, is
-    /// mounted, and throws `PlatformError` for it.
+    /// mounted, and throws `PlatformError` for it, and when not everything can be looked through.
+    /// Folders that the user may not read are left out.
     void refuseMounts() const;
 
     /// Throws `PlatformError` when it is plain beforehand that the item can't be removed: the
-    /// folder that holds it can't be changed, nor can those on the way to `kept`.
+    /// folder that holds it can't be changed, nor can those on the way to `kept`, or one of the
+    /// items is protected.
     void refuseUnchangeable(std::string_view kept = {}) const;
 
     /// Removes everything in the folder but the item at the relative path `kept` and the folders on
@@ -61,6 +63,7 @@ private:
     void removeContents(std::string_view kept, Pass& pass) const;
     void removeItself(Pass& pass) const;
     [[nodiscard]] PlatformError failureAt(const std::string& below, int error) const;
+    void refuseProtected(int folder, const char* name, const std::filesystem::path& below) const;
     [[noreturn]] void refuseMountAt(const std::string& below) const;
 
     std::filesystem::path path_; ///< without a slash at its end

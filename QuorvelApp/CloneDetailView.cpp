@@ -1,5 +1,6 @@
 #include "QuorvelApp/CloneDetailView.h"
 
+#include "LaunchKit/HomeLock.h"
 #include "LaunchKit/InstanceLauncher.h"
 #include "QuorvelApp/CopyableLabel.h"
 #include "QuorvelApp/MessageSheet.h"
@@ -167,7 +168,7 @@ void CloneDetailView::confirmDelete() {
 void CloneDetailView::removeWithData(const InstanceRecord& clone) {
     // Nothing tells of clones that were started or ended elsewhere.
     model_.refreshRunningState();
-    if (!model_.isRunning(clone)) {
+    if (!model_.isRunning(clone) && !isHomeInUse(clone.config)) {
         model_.remove(clone, true);
         return;
     }

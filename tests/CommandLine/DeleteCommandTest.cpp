@@ -1,4 +1,5 @@
 #include "CommandLine/CloneTexts.h"
+#include "LaunchKit/HomeLock.h"
 #include "tests/CommandLine/CommandLineHarness.h"
 #include "tests/support/AppBundles.h"
 #include "tests/support/OrdinaryUser.h"
@@ -77,6 +78,60 @@ TEST_F(DeleteCommand, WarnsOnTheErrorsWhereNobodyIsAsked) {
     EXPECT_THAT(result.errors, StartsWith("“Work” is running: "));
     addClone();
     EXPECT_EQ(harness.run({"delete", "Work", "--yes"}).errors, "");
+}
+
+TEST_F(DeleteCommand, WarnsWhenTheDataIsLockedThoughNoCloneIsSeenRunning) {
+    addClone();
+    write(data / "file", "x");
+    harness.inputIsTerminal = true;
+    harness.typed = "n\n";
+    const std::vector<std::string> words{"delete", "Work", "--including-data"};
+    EXPECT_THAT(harness.run(words).errors, Not(HasSubstr("running")));
+    EXPECT_FALSE(fs::exists(data / homeLockName)) << "asking makes no lock";
+    std::optional<FileLock> lock = FileLock::tryTake(data / homeLockName);
+    ASSERT_TRUE(lock);
+    EXPECT_THAT(harness.run(words).errors, HasSubstr("“Work” is running"));
+    lock.reset();
+    EXPECT_THAT(harness.run(words).errors, Not(HasSubstr("running"))) << "a lock nobody holds";
+    lock = FileLock::tryTake(data / homeLockName);
+    const auto result = harness.run({"delete", "Work", "--including-data", "--yes"});
+    EXPECT_THAT(result.errors, StartsWith("“Work” is running"));
+    EXPECT_EQ(result.status, 0);
+}
+
+TEST_F(DeleteCommand, SaysInTheQuestionThatWhatIsNoDataIsKept) {
+    harness.inputIsTerminal = true;
+    harness.workspace.running = {{"app.quorvel.instance.test", "/", 1}};
+    const std::vector<std::string> words{"delete", "Work", "--including-data"};
+    addClone("~");
+    EXPECT_THAT(harness.run(words).errors,
+                StartsWith("Delete “Work”? Its data folder " + harness.home.path().string() +
+                           " is kept. [y/N] "));
+    addClone("relative/folder");
+    EXPECT_THAT(harness.run(words).errors,
+                StartsWith("Delete “Work”? Its data folder relative/folder is kept. [y/N] "));
+    addClone("");
+    EXPECT_THAT(harness.run(words).errors, StartsWith("Delete “Work”? [y/N] "));
+}
+
+TEST_F(DeleteCommand, FindsACloneByItsNameInAWorkingFolderThatIsGone) {
+    const fs::path wrapper = addClone();
+    const fs::path before = fs::current_path();
+    fs::create_directory(harness.home / "gone");
+    fs::current_path(harness.home / "gone");
+    fs::remove(harness.home / "gone");
+    const auto result = harness.run({"delete", "Work", "--yes"});
+    fs::current_path(before);
+    EXPECT_EQ(result.status, 0) << result.errors;
+    EXPECT_FALSE(fs::exists(wrapper));
+}
+
+TEST_F(DeleteCommand, ACloneThatLostItsConfigurationAloneIsDeletedByItsPath) {
+    const fs::path wrapper = addDamagedClone();
+    fs::remove(wrapper / "Contents/Resources/instance.json");
+    const auto result = harness.run({"delete", wrapper.string(), "--yes"});
+    EXPECT_EQ(result.status, 0) << result.errors;
+    EXPECT_FALSE(fs::exists(wrapper));
 }
 
 TEST_F(DeleteCommand, SaysSoWhenOnlyAPartOfTheDataIsGone) {

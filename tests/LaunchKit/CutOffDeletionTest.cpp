@@ -1,5 +1,7 @@
 // Deletions that are cut off, at every system call that removes something.
 #include "LaunchKit/InstanceRegistry.h"
+#include "LaunchKit/RequestCheck.h"
+#include "LaunchKit/WrapperGenerator.h"
 #include "tests/support/AppBundles.h"
 #include "tests/support/TemporaryHome.h"
 
@@ -109,6 +111,30 @@ TEST_F(CutOffDeletion, LeavesACloneThatCanBeDeletedAgainInTheMidstOfAThousandFil
         }
         EXPECT_EQ(end, End::killed) << before;
     }
+}
+
+TEST_F(CutOffDeletion, AReplacementLeavesWhatCanBeReplacedWhereverItIsCutOff) {
+    WrapperFactory::Request request;
+    request.kind = ShortcutKind::web;
+    request.displayName = "Work";
+    WrapperGenerator::Options options{minimalConfig(), runnerProgram()};
+    options.config.kind = ShortcutKind::web;
+    const fs::path folder = home_ / "Applications";
+    int before = 1;
+    for (End end = End::killed; end == End::killed; ++before) {
+        const fs::path wrapper = WrapperGenerator().generate(folder, options);
+        end = killedBeforeRemoval(before,
+                                  [&] { (void)WrapperGenerator().generate(folder, options); });
+        if (end == End::notPermitted) {
+            GTEST_SKIP() << "the kernel forbids tracing";
+        }
+        EXPECT_NO_THROW(checkRequest(request)) << before;
+        // The parts that tell a clone go before its configuration does.
+        EXPECT_TRUE(InstanceRegistry().record(wrapper) ||
+                    !fs::exists(wrapper / "Contents/MacOS/runner"))
+            << before;
+    }
+    EXPECT_GT(before, 5);
 }
 
 } // namespace

@@ -16,6 +16,7 @@ namespace {
 using namespace testing;
 using namespace std::string_literals;
 using ::testing::HasSubstr;
+using ::testing::Not;
 namespace fs = std::filesystem;
 
 class DataFolderGuardTest : public ::testing::Test {
@@ -128,6 +129,29 @@ TEST_F(DataFolderGuardTest, AnotherClonesDataIsSpared) {
     EXPECT_EQ(refusal(cloneWithHome("~/data/Play2")), "");
 }
 
+TEST_F(DataFolderGuardTest, AFolderInAnotherClonesDataIsSpared) {
+    cloneWithHome("~/data/Play", "Play");
+    write(home_ / "data/Play/saves/Work/save", "x");
+    fs::create_directory_symlink(home_ / "data/Play", home_ / "alias");
+    for (const char* inside : {"~/data/Play/saves", "~/data/Play/saves/Work", "~/alias/saves"}) {
+        EXPECT_THAT(refusalOfNew(inside), HasSubstr("lies in the data folder of “Play”")) << inside;
+        EXPECT_EQ(refusalOfNew(inside, true), "") << "said to be meant";
+        EXPECT_THAT(refusal(cloneWithHome(inside)), HasSubstr("lies in the data folder of “Play”"));
+    }
+    EXPECT_THAT(refusalOfNew("~/data/Play/new"), HasSubstr("lies in the data folder of “Play”"));
+}
+
+TEST_F(DataFolderGuardTest, AFolderInWhatIsNoClonesAloneMayGo) {
+    for (const char* shared : {"~", "/", "~/Documents", "~/QuorvelInstances"}) {
+        cloneWithHome(shared, "Play");
+        for (const char* own : {"~/Documents/Work", "~/QuorvelInstances/Work"}) {
+            write(home_ / std::string_view(own).substr(2) / "data", "x");
+            EXPECT_EQ(refusalOfNew(own), "") << own << " in " << shared;
+            EXPECT_EQ(refusal(cloneWithHome(own)), "") << own << " in " << shared;
+        }
+    }
+}
+
 TEST_F(DataFolderGuardTest, AnotherClonesDataIsSparedWhereItIsReachedByALink) {
     write(home_ / "data/Work/save", "x");
     fs::create_directory_symlink(home_ / "data/Work", home_ / "link");
@@ -181,6 +205,14 @@ TEST_F(DataFolderGuardTest, WhatALinkLeadsToIsSpared) {
     }
     EXPECT_EQ(refusal(cloneWithHome("~/link/sub")), "") << "only the way leads through the link";
     EXPECT_FALSE(fs::exists(home_ / "target/sub"));
+}
+
+TEST_F(DataFolderGuardTest, APathThroughAFolderThatIsMissingIsNotPlain) {
+    write(home_ / "b/precious", "x");
+    const std::string reason = refusal(cloneWithHome("~/missing/../b"));
+    EXPECT_THAT(reason, HasSubstr("is not written as a plain path"));
+    EXPECT_THAT(reason, Not(HasSubstr("link")));
+    EXPECT_EQ(read(home_ / "b/precious"), "x");
 }
 
 TEST_F(DataFolderGuardTest, AnotherUsersHomeIsSpared) {

@@ -209,6 +209,19 @@ TEST_F(InstanceDeletion, TellsWhatBecameOfTheData) {
     EXPECT_EQ(removed.description(), "");
 }
 
+TEST_F(InstanceDeletion, TellsOfEveryFolderThatIsNoDataThatItWasSpared) {
+    const fs::path before = fs::current_path();
+    fs::current_path(home_.path());
+    for (const std::string& written :
+         {"QuorvelInstances/Work"s, ""s, home_.path().string() + "/QuorvelInstances/Work\0x"s,
+          home_.path().parent_path().string()}) {
+        const DeletedData data = InstanceRegistry().remove(recordWithHome(written), true);
+        EXPECT_EQ(data.outcome, DeletedData::Case::spared) << written;
+        EXPECT_FALSE(data.isFailure()) << written;
+    }
+    fs::current_path(before);
+}
+
 TEST_F(InstanceDeletion, TellsHowMuchOfTheDataIsLeftAndWhy) {
     EXPECT_TRUE(asOrdinaryUser(folder_.path(), [&] {
         InstanceConfig config = minimalConfig();
@@ -246,6 +259,25 @@ TEST_F(InstanceDeletion, AnotherCloneInTheRecordsPlaceStaysWithAllData) {
     expectStale([](InstanceConfig& config) { config.url = "https://other.test"; });
     expectStale([](InstanceConfig& config) { config.openPath = "/other"; });
     expectStale([](InstanceConfig& config) { config.commandPath = "/other"; });
+}
+
+TEST_F(InstanceDeletion, AnAppInTheRecordsPlaceStaysWithAllData) {
+    const InstanceRecord listed = recordWithHome("~/QuorvelInstances/Work");
+    fs::remove_all(listed.bundleURL);
+    makeAppBundle(listed.bundleURL);
+    const auto before = treeOf(home_.path());
+    for (const bool withData : {false, true}) {
+        EXPECT_THROW(InstanceRegistry().remove(listed, withData), RefusedDeletion);
+    }
+    EXPECT_EQ(treeOf(home_.path()), before);
+}
+
+TEST_F(InstanceDeletion, ACloneThatWasDamagedMeanwhileGoes) {
+    const InstanceRecord listed = recordWithHome("~/QuorvelInstances/Work");
+    write(listed.bundleURL / "Contents/MacOS/runner", "x");
+    write(listed.bundleURL / "Contents/Resources/instance.json", "{");
+    InstanceRegistry().remove(listed, false);
+    EXPECT_FALSE(fs::exists(listed.bundleURL));
 }
 
 TEST_F(InstanceDeletion, ACloneWhoseSettingsChangedMeanwhileIsStillTheSame) {

@@ -38,6 +38,18 @@ TEST_F(WrapperLayout, ACloneWithoutAReadableConfigurationIsDamaged) {
     EXPECT_TRUE(isDamagedWrapper(wrapper_));
 }
 
+TEST_F(WrapperLayout, AWholeCloneThatLostItsConfigurationAloneIsDamaged) {
+    fs::remove(wrapper_ / "Contents/Resources/instance.json");
+    EXPECT_TRUE(isDamagedWrapper(wrapper_));
+    for (const char* part : {"MacOS/runner", "Info.plist", "PkgInfo"}) {
+        fs::rename(wrapper_ / "Contents" / part, home_ / "part");
+        EXPECT_FALSE(isDamagedWrapper(wrapper_)) << part;
+        fs::rename(home_ / "part", wrapper_ / "Contents" / part);
+    }
+    write(wrapper_ / "Contents/Resources/notes.txt", "mine");
+    EXPECT_FALSE(isDamagedWrapper(wrapper_));
+}
+
 TEST_F(WrapperLayout, AConfigurationThatIsNoFileMayHoldSomebodysOwn) {
     const fs::path config = wrapper_ / "Contents/Resources/instance.json";
     fs::remove(config);

@@ -12,6 +12,7 @@
 #include <linux/seccomp.h>
 #include <sys/mount.h>
 #include <sys/prctl.h>
+#include <sys/resource.h>
 #include <sys/syscall.h>
 
 namespace quorvel {
@@ -137,6 +138,31 @@ TEST_P(MountedRemoval, WhatIsMountedAfterTheLookStaysToo) {
         return fs::exists(at("foreign/precious")) && fs::exists(at("foreign/file"))
                    ? ""
                    : "foreign files are gone";
+    });
+}
+
+TEST_P(MountedRemoval, AMountDeepInsideIsRefusedHoweverFewFilesMayBeOpen) {
+    fs::create_directories(at("tree/d/d/d/d/d/d/point"));
+    expectNoProblem([&]() -> std::string {
+        bindMount(at("foreign"), at("tree/d/d/d/d/d/d/point"));
+        const auto before = treeOf(folder_.path());
+        rlimit usual{};
+        ::getrlimit(RLIMIT_NOFILE, &usual);
+        for (rlim_t most = 3; most < 40; ++most) {
+            const rlimit few{most, usual.rlim_max};
+            bool removed = true;
+            ::setrlimit(RLIMIT_NOFILE, &few);
+            try {
+                removeItem(at("tree"));
+            } catch (const PlatformError&) {
+                removed = false;
+            }
+            ::setrlimit(RLIMIT_NOFILE, &usual);
+            if (removed || treeOf(folder_.path()) != before) {
+                return "something is gone with a limit of " + std::to_string(most);
+            }
+        }
+        return "";
     });
 }
 

@@ -1,0 +1,82 @@
+// Deleting clones whose configuration the file system protects from any change.
+#include "LaunchKit/InstanceRegistry.h"
+#include "Platform/PlatformError.h"
+#include "tests/support/AppBundles.h"
+#include "tests/support/ImmutableFile.h"
+#include "tests/support/TemporaryHome.h"
+
+#include <atomic>
+#include <gmock/gmock.h>
+#include <optional>
+#include <thread>
+
+namespace quorvel {
+namespace {
+
+using namespace testing;
+using ::testing::HasSubstr;
+namespace fs = std::filesystem;
+
+class ImmutableClone : public ::testing::Test {
+protected:
+    ImmutableClone() {
+        makeWrapper(wrapper_, minimalConfig());
+        write(wrapper_ / "Contents/MacOS/runner", "x");
+        for (int number = 0; number < 1000; ++number) {
+            write(data_ / std::to_string(number), "x");
+        }
+    }
+
+    TemporaryHome home_{};
+    fs::path wrapper_ = home_ / "Applications/Work.app";
+    fs::path configuration_ = wrapper_ / "Contents/Resources/instance.json";
+    fs::path data_ = home_ / "QuorvelInstances/Work";
+};
+
+TEST_F(ImmutableClone, IsRefusedBeforeAnythingGoes) {
+    const ImmutableFile immutable(configuration_);
+    if (!immutable.isSet()) {
+        GTEST_SKIP() << "no file can be made immutable here";
+    }
+    const auto before = treeOf(home_.path());
+    try {
+        InstanceRegistry().remove({wrapper_, minimalConfig()}, true);
+        ADD_FAILURE() << "removed";
+    } catch (const PlatformError& error) {
+        EXPECT_EQ(error.code(), std::errc::operation_not_permitted);
+        EXPECT_THAT(error.description(), HasSubstr("“instance.json” couldn’t be removed"));
+    }
+    EXPECT_EQ(treeOf(home_.path()), before);
+}
+
+TEST_F(ImmutableClone, ThatStaysThoughItsDataIsGoneIsTold) {
+    std::optional<ImmutableFile> immutable;
+    std::atomic<bool> done = false;
+    // The runner goes right before the data, whose thousands of files take a while.
+    std::thread protecting([&] {
+        while (!done && fs::exists(wrapper_ / "Contents/MacOS/runner")) {
+        }
+        immutable.emplace(configuration_);
+    });
+    std::optional<DeletedData> data;
+    try {
+        data = InstanceRegistry().remove({wrapper_, minimalConfig()}, true);
+    } catch (const PlatformError& error) {
+        ADD_FAILURE() << error.description();
+    }
+    done = true;
+    protecting.join();
+    if (!immutable->isSet()) {
+        GTEST_SKIP() << "no file can be made immutable here";
+    }
+    ASSERT_TRUE(data);
+    EXPECT_FALSE(fs::exists(data_));
+    EXPECT_TRUE(fs::exists(configuration_));
+    EXPECT_EQ(data->outcome, DeletedData::Case::removed);
+    EXPECT_TRUE(data->isFailure());
+    EXPECT_THAT(data->description(), HasSubstr(data_.string() + " is gone"));
+    EXPECT_THAT(data->description(), HasSubstr("“instance.json” couldn’t be removed"));
+}
+
+} // namespace
+} // namespace quorvel
