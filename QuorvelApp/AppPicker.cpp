@@ -60,11 +60,14 @@ void AppGrid::press(const QModelIndex& index) {
     selectionModel()->select(index, QItemSelectionModel::ClearAndSelect);
 }
 
-// The ring begins at the selected tile, or at the first one.
+// The ring begins at the selected tile, or at the first one; not where a press is on its way, under
+// which the tiles would be scrolled away.
 void AppGrid::focusInEvent(QFocusEvent* event) {
     const bool hadRing = currentIndex().isValid();
     QListView::focusInEvent(event);
-    if (!hadRing) {
+    const bool byMouse =
+        event->reason() == Qt::MouseFocusReason || event->reason() == Qt::ActiveWindowFocusReason;
+    if (!hadRing && !byMouse) {
         const QModelIndexList selected = selectionModel()->selectedIndexes();
         setCurrentIndex(selected.isEmpty() ? model()->index(0, 0) : selected.front());
     }

@@ -20,6 +20,31 @@ protected:
         grid = window->findChild<AppGrid*>();
     }
 
+    /// The focus is in the search field, the grid far down.
+    void openScrolled() {
+        for (int number = 100; number < 300; ++number) {
+            const std::string name = "App " + std::to_string(number);
+            stubs.installed.push_back({.url = "/" + name, .name = name});
+        }
+        open();
+        sheet = &openSheet();
+        (void)window->grab();
+        grid = window->findChild<AppGrid*>();
+        grid->verticalScrollBar()->setValue(scrolledTo);
+        ASSERT_EQ(grid->verticalScrollBar()->value(), scrolledTo);
+    }
+
+    /// The first tile that shows whole.
+    [[nodiscard]] QModelIndex firstInSight() const {
+        for (int row = 0; row < grid->model()->rowCount(); ++row) {
+            const QModelIndex index = grid->model()->index(row, 0);
+            if (grid->viewport()->rect().contains(grid->visualRect(index))) {
+                return index;
+            }
+        }
+        return {};
+    }
+
     [[nodiscard]] std::string chosen() const {
         const auto& selected = sheet->session().form().selected;
         return selected ? selected->name : "";
@@ -41,6 +66,7 @@ protected:
         release(to);
     }
 
+    static constexpr int scrolledTo = 1000;
     NewCloneView* sheet = nullptr;
     AppGrid* grid = nullptr;
 };
@@ -90,6 +116,29 @@ TEST_F(AppGridTest, TheRingDoesNotFollowAnAnswerThatComesLater) {
     sheet->session().edit([](NewCloneForm& form) { form.strategyReason = "new"; });
     EXPECT_EQ(grid->currentIndex().row(), 0);
     EXPECT_EQ(chosen(), "Zoom");
+}
+
+TEST_F(AppGridTest, TheFirstClickInAScrolledGridTakesTheTileUnderIt) {
+    openScrolled();
+    ASSERT_FALSE(grid->hasFocus());
+    const QModelIndex under = grid->indexAt(grid->visualRect(firstInSight()).center());
+    ASSERT_GT(under.row(), 0);
+    QTest::mouseClick(grid->viewport(), Qt::LeftButton, {}, grid->visualRect(under).center());
+    EXPECT_EQ(chosen(), under.data().toString().toStdString());
+    EXPECT_EQ(grid->currentIndex(), under);
+    EXPECT_EQ(grid->verticalScrollBar()->value(), scrolledTo);
+}
+
+TEST_F(AppGridTest, TheFirstClickInAGapOfAScrolledGridSelectsNothing) {
+    openScrolled();
+    const QPoint gap = grid->visualRect(firstInSight()).bottomLeft();
+    QTest::mouseClick(grid->viewport(), Qt::LeftButton, {}, gap);
+    EXPECT_TRUE(grid->hasFocus());
+    EXPECT_EQ(chosen(), "");
+    EXPECT_EQ(grid->verticalScrollBar()->value(), scrolledTo);
+    QFocusEvent activated(QEvent::FocusIn, Qt::ActiveWindowFocusReason);
+    QApplication::sendEvent(grid, &activated);
+    EXPECT_EQ(grid->verticalScrollBar()->value(), scrolledTo) << "the window was clicked to front";
 }
 
 TEST_F(AppGridTest, AsMuchRoomIsBelowTheLastRowAsAboveTheFirst) {
