@@ -36,26 +36,34 @@ void NewCloneSession::chooseIcon(QWidget* over) {
 
 void NewCloneSession::enterIcon(const std::filesystem::path& icon) {
     const int choice = ++iconChoices_;
+    // Counts at once: the clone may be created before the answer.
+    edit([&](NewCloneForm& form) { form.customIcon = icon; });
     model_.holdsPicture(icon).then(this, [this, icon, choice](bool holdsPicture) {
         if (choice != iconChoices_) {
             return;
         }
         if (holdsPicture) {
-            edit([&](NewCloneForm& form) { form.customIcon = icon; });
+            checkedIcon_ = icon;
         } else {
+            edit([&](NewCloneForm& form) { form.customIcon = checkedIcon_; });
             model_.setLastError("Couldn't use the icon: " +
                                 IconComposer::ComposeError::noSourceImage(icon).description());
         }
     });
 }
 
-void NewCloneSession::clearIcon() {
+void NewCloneSession::forgetIcons() {
     ++iconChoices_;
+    checkedIcon_.reset();
+}
+
+void NewCloneSession::clearIcon() {
+    forgetIcons();
     edit([](NewCloneForm& form) { form.customIcon.reset(); });
 }
 
 void NewCloneSession::select(const InstalledApp& app) {
-    ++iconChoices_;
+    forgetIcons();
     edit([&](NewCloneForm& form) { form.select(app, model_.suggestedName(app)); });
     model_.sandboxInfo(app).then(this, [this, app](const SandboxInfo& info) {
         // An answer for an app that is no longer selected comes too late.
