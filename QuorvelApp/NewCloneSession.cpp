@@ -1,7 +1,5 @@
 #include "QuorvelApp/NewCloneSession.h"
 
-#include "LaunchKit/IconComposer.h"
-
 #include <QPointer>
 
 namespace quorvel {
@@ -38,16 +36,16 @@ void NewCloneSession::enterIcon(const std::filesystem::path& icon) {
     const int choice = ++iconChoices_;
     // Counts at once: the clone may be created before the answer.
     edit([&](NewCloneForm& form) { form.customIcon = icon; });
-    model_.holdsPicture(icon).then(this, [this, icon, choice](bool holdsPicture) {
+    model_.isIconFile(icon).then(this, [this, icon, choice](bool isIcon) {
         if (choice != iconChoices_) {
             return;
         }
-        if (holdsPicture) {
+        if (isIcon) {
             checkedIcon_ = icon;
         } else {
             edit([&](NewCloneForm& form) { form.customIcon = checkedIcon_; });
-            model_.setLastError("Couldn't use the icon: " +
-                                IconComposer::ComposeError::noSourceImage(icon).description());
+            model_.setLastError("Couldn't use the icon: " + icon.string() +
+                                " is not a readable .icns file");
         }
     });
 }

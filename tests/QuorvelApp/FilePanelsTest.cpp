@@ -172,18 +172,6 @@ protected:
     fs::path answer{};
 };
 
-TEST_F(IconChoiceTest, IsTakenWhenItHoldsAPicture) {
-    const fs::path drawing = home / "drawing.png";
-    ASSERT_TRUE(chatIcon(100).save(QString::fromStdString(drawing.string())));
-    openSheetWith(u"Notes"_s);
-    button(u"Advanced options"_s)->click();
-    for (const fs::path& file : {good, drawing}) {
-        chooseIcon(file);
-        EXPECT_TRUE(eventually([&] { return chosen() == file; })) << file;
-    }
-    EXPECT_FALSE(stubs.model().lastError());
-}
-
 TEST_F(IconChoiceTest, CountsAtOnceSoThatCreateTakesIt) {
     std::optional<fs::path> used;
     stubs.create = [&](const WrapperFactory::Request& request) {
@@ -202,11 +190,15 @@ TEST_F(IconChoiceTest, CountsAtOnceSoThatCreateTakesIt) {
     EXPECT_FALSE(stubs.model().lastError());
 }
 
-TEST_F(IconChoiceTest, IsRefusedWhenItHoldsNoneAndTheChoiceBeforeReturns) {
+TEST_F(IconChoiceTest, IsRefusedUnlessItIsAnIconFileAndTheChoiceBeforeReturns) {
     const fs::path script = home / "script.sh";
     write(script, "#!/bin/sh\nexit 0\n");
     const fs::path damaged = home / "damaged.icns";
     write(damaged, read(good).substr(0, 40));
+    const fs::path drawing = home / "drawing.png";
+    ASSERT_TRUE(chatIcon(100).save(QString::fromStdString(drawing.string())));
+    const fs::path renamed = home / "renamed.icns";
+    fs::copy_file(drawing, renamed);
     openSheetWith(u"Notes"_s);
     button(u"Advanced options"_s)->click();
     for (const bool before : {false, true}) {
@@ -215,11 +207,11 @@ TEST_F(IconChoiceTest, IsRefusedWhenItHoldsNoneAndTheChoiceBeforeReturns) {
             ASSERT_TRUE(eventually([&] { return chosen() == good; }));
         }
         for (const fs::path& bad :
-             {script, damaged, home / "missing.icns", home.path()}) {
+             {script, damaged, drawing, renamed, home / "missing.icns", home.path()}) {
             chooseIcon(bad);
             ASSERT_TRUE(eventually([&] { return shown(u"Something went wrong"_s); })) << bad;
             EXPECT_EQ(stubs.model().lastError(),
-                      "Couldn't use the icon: No readable image in " + bad.string());
+                      "Couldn't use the icon: " + bad.string() + " is not a readable .icns file");
             button(u"OK"_s)->click();
             EXPECT_EQ(chosen(), before ? std::optional(good) : std::nullopt);
         }
