@@ -141,6 +141,26 @@ TEST_F(AppGridTest, TheFirstClickInAGapOfAScrolledGridSelectsNothing) {
     EXPECT_EQ(grid->verticalScrollBar()->value(), scrolledTo) << "the window was clicked to front";
 }
 
+TEST_F(AppGridTest, TheRingStaysOnItsAppWhenTheCatalogChanges) {
+    openScrolled();
+    grid->setFocus();
+    const QModelIndex ring = firstInSight();
+    grid->selectionModel()->setCurrentIndex(ring, QItemSelectionModel::NoUpdate);
+    grid->verticalScrollBar()->setValue(scrolledTo - 20);
+    const QString name = ring.data().toString();
+    const int row = ring.row();
+    stubs.installed.insert(stubs.installed.begin(), {.url = "/new", .name = "A new one"});
+    stubs.model().loadCatalog();
+    ASSERT_TRUE(eventually([&] { return grid->model()->rowCount() == 201; }));
+    EXPECT_EQ(grid->currentIndex().data().toString(), name);
+    EXPECT_EQ(grid->currentIndex().row(), row + 1);
+    (void)window->grab();
+    EXPECT_EQ(grid->verticalScrollBar()->value(), scrolledTo - 20);
+    EXPECT_EQ(chosen(), "");
+    QTest::keyClick(grid, Qt::Key_Space);
+    EXPECT_EQ(chosen(), name.toStdString());
+}
+
 TEST_F(AppGridTest, AsMuchRoomIsBelowTheLastRowAsAboveTheFirst) {
     for (int number = 10; number < 60; ++number) {
         stubs.installed.push_back({.url = "/" + std::to_string(number), .name = "App"});
