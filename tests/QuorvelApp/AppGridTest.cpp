@@ -186,9 +186,12 @@ protected:
     static constexpr int cellWidth = 108;
     static constexpr int cellHeight = AppTile::height + AppTile::spacing;
 
-    QImage painted(bool selected, bool sandboxed, const std::string& name = "Mail") {
+    QImage painted(bool selected, std::optional<bool> sandboxed, const std::string& name = "Mail") {
         const InstalledApp app{.url = "/Applications/Mail.app", .name = name};
-        const std::map<std::string, bool> status{{app.id(), sandboxed}};
+        std::map<std::string, bool> status;
+        if (sandboxed) {
+            status[app.id()] = *sandboxed;
+        }
         AppGridModel apps(status);
         apps.setApps({app});
         IconLoader icons(std::make_shared<ThreadPoolTasks>());
@@ -277,7 +280,7 @@ TEST_F(AppTileTest, HasALockOf15PointsAndARingThreePointsOutwardOfItsIcon) {
 }
 
 TEST_F(AppTileTest, HasNoLockUnlessItsAppIsKnownToBeSandboxed) {
-    EXPECT_EQ(difference(painted(false, false), painted(false, false)), QRect());
+    EXPECT_EQ(difference(painted(false, std::nullopt), painted(false, false)), QRect());
     const InstalledApp app{.url = "/Applications/Mail.app", .name = "Mail"};
     const std::map<std::string, bool> nothing;
     AppGridModel apps(nothing);
