@@ -1,10 +1,11 @@
 #include "QuorvelApp/AppModel.h"
 
-#include "LaunchKit/IconImage.h"
+#include "LaunchKit/IcnsFile.h"
 #include "LaunchKit/InstanceLauncher.h"
 #include "Platform/FileSystem.h"
 #include "ProbeKit/ProfileGenerator.h"
 
+#include <QImage>
 #include <QPointer>
 
 #include <algorithm>
@@ -376,11 +377,15 @@ QFuture<void> AppModel::reveal(const InstanceRecord& record) {
         });
 }
 
-QFuture<bool> AppModel::holdsPicture(const std::filesystem::path& file) {
+QFuture<bool> AppModel::isIconFile(const std::filesystem::path& file) {
     constexpr int side = 64; // of the picture that is decoded, where there are several
     return services_.tasks->detached(
-        TaskPriority::userInitiated, this, [file] { return !iconImageNear(file, side).isNull(); },
-        [](bool holdsOne) { return holdsOne; });
+        TaskPriority::userInitiated, this,
+        [file] {
+            const auto container = IcnsFile::read(file);
+            return container && !container->nearest(side).isNull();
+        },
+        [](bool isOne) { return isOne; });
 }
 
 std::string AppModel::osSignature(const Workspace& workspace) {

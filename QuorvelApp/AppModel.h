@@ -84,8 +84,8 @@ public:
     /// Shows the clone's wrapper in the file manager. A failure becomes `lastError`.
     QFuture<void> reveal(const InstanceRecord& record);
 
-    /// Whether the file holds a picture that an icon can be made of.
-    [[nodiscard]] QFuture<bool> holdsPicture(const std::filesystem::path& file);
+    /// Whether the file is an icon container (".icns") with an image that can be decoded.
+    [[nodiscard]] QFuture<bool> isIconFile(const std::filesystem::path& file);
 
     /// "macOS 14.5".
     [[nodiscard]] static std::string osSignature(const Workspace& workspace);

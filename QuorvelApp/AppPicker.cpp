@@ -60,11 +60,14 @@ void AppGrid::press(const QModelIndex& index) {
     selectionModel()->select(index, QItemSelectionModel::ClearAndSelect);
 }
 
-// The ring begins at the selected tile, or at the first one.
+// The ring begins at the selected tile, or at the first one; not where a press is on its way, under
+// which the tiles would be scrolled away.
 void AppGrid::focusInEvent(QFocusEvent* event) {
     const bool hadRing = currentIndex().isValid();
     QListView::focusInEvent(event);
-    if (!hadRing) {
+    const bool byMouse =
+        event->reason() == Qt::MouseFocusReason || event->reason() == Qt::ActiveWindowFocusReason;
+    if (!hadRing && !byMouse) {
         const QModelIndexList selected = selectionModel()->selectedIndexes();
         setCurrentIndex(selected.isEmpty() ? model()->index(0, 0) : selected.front());
     }
@@ -147,13 +150,25 @@ AppPicker::AppPicker(NewCloneSession& session, IconLoader& icons)
 void AppPicker::refresh() {
     const AppModel& model = session_.model();
     refreshing_ = true;
+    const QModelIndex ring = grid_->currentIndex();
+    const std::string ringed = ring.isValid() ? apps_.app(ring.row()).id() : std::string();
     apps_.setApps(session_.form().filtered(model.catalog()));
+    showRing(apps_.rowOf(ringed));
     showSelected();
     refreshing_ = false;
     nothing_->setText(breakable(shownLine(session_.form().noAppsText())));
     states_->setCurrentIndex(model.catalogLoading() && model.catalog().empty() ? 0
                              : apps_.rowCount() == 0                           ? 1
                                                                                : 2);
+}
+
+// Where the tiles are scrolled to is the user's own choice.
+void AppPicker::showRing(int row) {
+    if (row >= 0) {
+        grid_->setAutoScroll(false);
+        grid_->setCurrentIndex(apps_.index(row));
+        grid_->setAutoScroll(true);
+    }
 }
 
 void AppPicker::showSelected() {

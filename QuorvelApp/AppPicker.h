@@ -52,6 +52,7 @@ public:
 
 private:
     void refresh();
+    void showRing(int row);
     void showSelected();
     void tileSelected();
     void tileAppeared(const InstalledApp& app);

@@ -176,7 +176,7 @@ void CloneDetailView::removeWithData(const InstanceRecord& clone) {
         u"exclamationmark.triangle.fill"_s, Ink::orange,
         tr("“%1” is running").arg(shownLine(clone.config.displayName)),
         tr("Quit it before you delete its data. Otherwise it loses what it has open, and may write "
-           "data anew."),
+           "to it again."),
         {{.label = tr("Delete Anyway"),
           .look = ButtonLook::destructive,
           .chosen = [this, clone] { model_.remove(clone, true); }},

@@ -1,5 +1,9 @@
 #include "QuorvelApp/MainWindow.h"
 
+#include "QuorvelApp/MessageSheet.h"
+#include "QuorvelApp/Sheet.h"
+
+#include <QCoreApplication>
 #include <QMenuBar>
 
 #include <utility>
@@ -36,6 +40,23 @@ void MainWindow::addCommands(UpdaterController& updater) {
     refresh->setMenuRole(QAction::NoRole);
     refresh->setShortcut(Qt::CTRL | Qt::Key_R);
     connect(refresh, &QAction::triggered, &model_, &AppModel::reload);
+
+    QAction* about = menuBar()->addMenu(tr("&Help"))->addAction(tr("&About Quorvel"));
+    about->setMenuRole(QAction::AboutRole);
+    connect(about, &QAction::triggered, this, &MainWindow::showAbout);
+}
+
+void MainWindow::showAbout() {
+    if (about_) {
+        return;
+    }
+    auto* panel = new MessageSheet(
+        u"app"_s, Ink::accent, u"Quorvel"_s,
+        tr("Version %1").arg(QCoreApplication::applicationVersion()) + u"\n\n"_s +
+            tr("Makes isolated clones of apps, each with accounts and settings of its own."),
+        {{.label = tr("OK"), .look = ButtonLook::prominent, .onEscape = true, .isDefault = true}});
+    panel->setWindowTitle(tr("About Quorvel"));
+    about_ = new Sheet(panel, content_, Sheet::Place::middle);
 }
 
 void MainWindow::showEvent(QShowEvent* event) {

@@ -4,8 +4,11 @@
 #include "QuorvelApp/Updater.h"
 
 #include <QMainWindow>
+#include <QPointer>
 
 namespace quorvel {
+
+class Sheet;
 
 /// The window and its menu commands. Lists the clones when it first shows.
 class MainWindow : public QMainWindow {
@@ -26,9 +29,11 @@ protected:
 
 private:
     void addCommands(UpdaterController& updater);
+    void showAbout();
 
     AppModel& model_;
     ContentView* content_;
+    QPointer<Sheet> about_{};
     bool listed_ = false;
 };
 

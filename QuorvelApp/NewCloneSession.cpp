@@ -1,7 +1,5 @@
 #include "QuorvelApp/NewCloneSession.h"
 
-#include "LaunchKit/IconComposer.h"
-
 #include <QPointer>
 
 namespace quorvel {
@@ -36,26 +34,34 @@ void NewCloneSession::chooseIcon(QWidget* over) {
 
 void NewCloneSession::enterIcon(const std::filesystem::path& icon) {
     const int choice = ++iconChoices_;
-    model_.holdsPicture(icon).then(this, [this, icon, choice](bool holdsPicture) {
+    // Counts at once: the clone may be created before the answer.
+    edit([&](NewCloneForm& form) { form.customIcon = icon; });
+    model_.isIconFile(icon).then(this, [this, icon, choice](bool isIcon) {
         if (choice != iconChoices_) {
             return;
         }
-        if (holdsPicture) {
-            edit([&](NewCloneForm& form) { form.customIcon = icon; });
+        if (isIcon) {
+            checkedIcon_ = icon;
         } else {
-            model_.setLastError("Couldn't use the icon: " +
-                                IconComposer::ComposeError::noSourceImage(icon).description());
+            edit([&](NewCloneForm& form) { form.customIcon = checkedIcon_; });
+            model_.setLastError("Couldn't use the icon: " + icon.string() +
+                                " is not a readable .icns file");
         }
     });
 }
 
-void NewCloneSession::clearIcon() {
+void NewCloneSession::forgetIcons() {
     ++iconChoices_;
+    checkedIcon_.reset();
+}
+
+void NewCloneSession::clearIcon() {
+    forgetIcons();
     edit([](NewCloneForm& form) { form.customIcon.reset(); });
 }
 
 void NewCloneSession::select(const InstalledApp& app) {
-    ++iconChoices_;
+    forgetIcons();
     edit([&](NewCloneForm& form) { form.select(app, model_.suggestedName(app)); });
     model_.sandboxInfo(app).then(this, [this, app](const SandboxInfo& info) {
         // An answer for an app that is no longer selected comes too late.

@@ -28,8 +28,8 @@ public:
     /// this session with it, may be gone by then.
     void choose(FilePanels::Panel panel, QWidget* over,
                 const std::function<void(NewCloneForm&, const std::filesystem::path&)>& take);
-    /// Asks for an icon file and enters it once it is known to hold a picture. Any other becomes
-    /// the model's `lastError`, and the choice stays as it was.
+    /// Asks for an icon file and enters it. When it turns out to be none, that becomes the model's
+    /// `lastError`, and the icon before it returns.
     void chooseIcon(QWidget* over);
     void clearIcon();
     /// Takes the app as target and finds out how it stores its data.
@@ -45,11 +45,13 @@ Q_SIGNALS:
 
 private:
     void enterIcon(const std::filesystem::path& icon);
+    void forgetIcons();
 
     AppModel& model_;
     FilePanels panels_;
     NewCloneForm form_{};
     int iconChoices_ = 0; ///< made so far; an answer about an earlier one comes too late
+    std::optional<std::filesystem::path> checkedIcon_{}; ///< the last one known to be an icon file
 };
 
 } // namespace quorvel

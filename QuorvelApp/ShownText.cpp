@@ -21,11 +21,28 @@ bool isLineBreak(char32_t scalar) {
            scalar == 0x2029;
 }
 
-QString harmless(std::string_view text, char16_t lineBreak) {
+// The beginning of `text`, of at most `limit` UTF-16 units before the "…".
+QString beginning(std::string_view text, qsizetype limit) {
+    // No unit takes more than three bytes, so that a cut last character lies beyond the limit.
+    const auto enough = static_cast<std::size_t>(3 * (limit + 2));
+    const QString start = qtText(text.substr(0, enough));
+    if (start.size() <= limit) {
+        return start;
+    }
+    QTextBoundaryFinder characters(QTextBoundaryFinder::Grapheme, start);
+    characters.setPosition(limit);
+    qsizetype end = characters.isAtBoundary() ? limit : characters.toPreviousBoundary();
+    if (end <= 0) { // one character without an end
+        end = start[limit].isLowSurrogate() ? limit - 1 : limit;
+    }
+    return start.left(end) + u'…';
+}
+
+QString harmless(const QString& text, char16_t lineBreak) {
     QString result;
     bool afterReturn = false;
     HarmfulText harm;
-    const std::u32string scalars = qtText(text).toStdU32String();
+    const std::u32string scalars = text.toStdU32String();
     for (std::size_t index = 0; index < scalars.size(); ++index) {
         const char32_t scalar = scalars[index];
         const bool harmful = harm.isHarmful(scalar, std::u32string_view(scalars).substr(index + 1));
@@ -63,11 +80,11 @@ QString brokenWord(const QString& word) {
 } // namespace
 
 QString shownText(std::string_view text) {
-    return harmless(text, u'\n');
+    return harmless(beginning(text, longestShownText), u'\n');
 }
 
 QString shownLine(std::string_view text) {
-    return harmless(text, u' ');
+    return harmless(beginning(text, longestShownLine), u' ');
 }
 
 QString breakable(const QString& text) {

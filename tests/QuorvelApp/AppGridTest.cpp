@@ -20,6 +20,31 @@ protected:
         grid = window->findChild<AppGrid*>();
     }
 
+    /// The focus is in the search field, the grid far down.
+    void openScrolled() {
+        for (int number = 100; number < 300; ++number) {
+            const std::string name = "App " + std::to_string(number);
+            stubs.installed.push_back({.url = "/" + name, .name = name});
+        }
+        open();
+        sheet = &openSheet();
+        (void)window->grab();
+        grid = window->findChild<AppGrid*>();
+        grid->verticalScrollBar()->setValue(scrolledTo);
+        ASSERT_EQ(grid->verticalScrollBar()->value(), scrolledTo);
+    }
+
+    /// The first tile that shows whole.
+    [[nodiscard]] QModelIndex firstInSight() const {
+        for (int row = 0; row < grid->model()->rowCount(); ++row) {
+            const QModelIndex index = grid->model()->index(row, 0);
+            if (grid->viewport()->rect().contains(grid->visualRect(index))) {
+                return index;
+            }
+        }
+        return {};
+    }
+
     [[nodiscard]] std::string chosen() const {
         const auto& selected = sheet->session().form().selected;
         return selected ? selected->name : "";
@@ -41,6 +66,7 @@ protected:
         release(to);
     }
 
+    static constexpr int scrolledTo = 1000;
     NewCloneView* sheet = nullptr;
     AppGrid* grid = nullptr;
 };
@@ -92,6 +118,49 @@ TEST_F(AppGridTest, TheRingDoesNotFollowAnAnswerThatComesLater) {
     EXPECT_EQ(chosen(), "Zoom");
 }
 
+TEST_F(AppGridTest, TheFirstClickInAScrolledGridTakesTheTileUnderIt) {
+    openScrolled();
+    ASSERT_FALSE(grid->hasFocus());
+    const QModelIndex under = grid->indexAt(grid->visualRect(firstInSight()).center());
+    ASSERT_GT(under.row(), 0);
+    QTest::mouseClick(grid->viewport(), Qt::LeftButton, {}, grid->visualRect(under).center());
+    EXPECT_EQ(chosen(), under.data().toString().toStdString());
+    EXPECT_EQ(grid->currentIndex(), under);
+    EXPECT_EQ(grid->verticalScrollBar()->value(), scrolledTo);
+}
+
+TEST_F(AppGridTest, TheFirstClickInAGapOfAScrolledGridSelectsNothing) {
+    openScrolled();
+    const QPoint gap = grid->visualRect(firstInSight()).bottomLeft();
+    QTest::mouseClick(grid->viewport(), Qt::LeftButton, {}, gap);
+    EXPECT_TRUE(grid->hasFocus());
+    EXPECT_EQ(chosen(), "");
+    EXPECT_EQ(grid->verticalScrollBar()->value(), scrolledTo);
+    QFocusEvent activated(QEvent::FocusIn, Qt::ActiveWindowFocusReason);
+    QApplication::sendEvent(grid, &activated);
+    EXPECT_EQ(grid->verticalScrollBar()->value(), scrolledTo) << "the window was clicked to front";
+}
+
+TEST_F(AppGridTest, TheRingStaysOnItsAppWhenTheCatalogChanges) {
+    openScrolled();
+    grid->setFocus();
+    const QModelIndex ring = firstInSight();
+    grid->selectionModel()->setCurrentIndex(ring, QItemSelectionModel::NoUpdate);
+    grid->verticalScrollBar()->setValue(scrolledTo - 20);
+    const QString name = ring.data().toString();
+    const int row = ring.row();
+    stubs.installed.insert(stubs.installed.begin(), {.url = "/new", .name = "A new one"});
+    stubs.model().loadCatalog();
+    ASSERT_TRUE(eventually([&] { return grid->model()->rowCount() == 201; }));
+    EXPECT_EQ(grid->currentIndex().data().toString(), name);
+    EXPECT_EQ(grid->currentIndex().row(), row + 1);
+    (void)window->grab();
+    EXPECT_EQ(grid->verticalScrollBar()->value(), scrolledTo - 20);
+    EXPECT_EQ(chosen(), "");
+    QTest::keyClick(grid, Qt::Key_Space);
+    EXPECT_EQ(chosen(), name.toStdString());
+}
+
 TEST_F(AppGridTest, AsMuchRoomIsBelowTheLastRowAsAboveTheFirst) {
     for (int number = 10; number < 60; ++number) {
         stubs.installed.push_back({.url = "/" + std::to_string(number), .name = "App"});
@@ -117,9 +186,12 @@ protected:
     static constexpr int cellWidth = 108;
     static constexpr int cellHeight = AppTile::height + AppTile::spacing;
 
-    QImage painted(bool selected, bool sandboxed, const std::string& name = "Mail") {
+    QImage painted(bool selected, std::optional<bool> sandboxed, const std::string& name = "Mail") {
         const InstalledApp app{.url = "/Applications/Mail.app", .name = name};
-        const std::map<std::string, bool> status{{app.id(), sandboxed}};
+        std::map<std::string, bool> status;
+        if (sandboxed) {
+            status[app.id()] = *sandboxed;
+        }
         AppGridModel apps(status);
         apps.setApps({app});
         IconLoader icons(std::make_shared<ThreadPoolTasks>());
@@ -208,7 +280,7 @@ TEST_F(AppTileTest, HasALockOf15PointsAndARingThreePointsOutwardOfItsIcon) {
 }
 
 TEST_F(AppTileTest, HasNoLockUnlessItsAppIsKnownToBeSandboxed) {
-    EXPECT_EQ(difference(painted(false, false), painted(false, false)), QRect());
+    EXPECT_EQ(difference(painted(false, std::nullopt), painted(false, false)), QRect());
     const InstalledApp app{.url = "/Applications/Mail.app", .name = "Mail"};
     const std::map<std::string, bool> nothing;
     AppGridModel apps(nothing);

@@ -172,23 +172,33 @@ protected:
     fs::path answer{};
 };
 
-TEST_F(IconChoiceTest, IsTakenWhenItHoldsAPicture) {
-    const fs::path drawing = home / "drawing.png";
-    ASSERT_TRUE(chatIcon(100).save(QString::fromStdString(drawing.string())));
+TEST_F(IconChoiceTest, CountsAtOnceSoThatCreateTakesIt) {
+    std::optional<fs::path> used;
+    stubs.create = [&](const WrapperFactory::Request& request) {
+        used = request.customIcon;
+        return addClone("Made").bundleURL;
+    };
     openSheetWith(u"Notes"_s);
     button(u"Advanced options"_s)->click();
-    for (const fs::path& file : {good, drawing}) {
-        chooseIcon(file);
-        EXPECT_TRUE(eventually([&] { return chosen() == file; })) << file;
-    }
+    stubs.tasks->holding = true;
+    chooseIcon(good);
+    EXPECT_EQ(chosen(), good);
+    button(u"Create Shortcut"_s)->click();
+    stubs.tasks->release();
+    ASSERT_TRUE(eventually([&] { return stubs.model().clones().size() == 1; }));
+    EXPECT_EQ(used, good);
     EXPECT_FALSE(stubs.model().lastError());
 }
 
-TEST_F(IconChoiceTest, IsRefusedWhenItHoldsNoneAndTheChoiceStays) {
+TEST_F(IconChoiceTest, IsRefusedUnlessItIsAnIconFileAndTheChoiceBeforeReturns) {
     const fs::path script = home / "script.sh";
     write(script, "#!/bin/sh\nexit 0\n");
     const fs::path damaged = home / "damaged.icns";
     write(damaged, read(good).substr(0, 40));
+    const fs::path drawing = home / "drawing.png";
+    ASSERT_TRUE(chatIcon(100).save(QString::fromStdString(drawing.string())));
+    const fs::path renamed = home / "renamed.icns";
+    fs::copy_file(drawing, renamed);
     openSheetWith(u"Notes"_s);
     button(u"Advanced options"_s)->click();
     for (const bool before : {false, true}) {
@@ -196,26 +206,45 @@ TEST_F(IconChoiceTest, IsRefusedWhenItHoldsNoneAndTheChoiceStays) {
             chooseIcon(good);
             ASSERT_TRUE(eventually([&] { return chosen() == good; }));
         }
-        for (const fs::path& bad : {script, damaged, home / "missing.icns", home.path()}) {
+        for (const fs::path& bad :
+             {script, damaged, drawing, renamed, home / "missing.icns", home.path()}) {
             chooseIcon(bad);
             ASSERT_TRUE(eventually([&] { return shown(u"Something went wrong"_s); })) << bad;
             EXPECT_EQ(stubs.model().lastError(),
-                      "Couldn't use the icon: No readable image in " + bad.string());
+                      "Couldn't use the icon: " + bad.string() + " is not a readable .icns file");
             button(u"OK"_s)->click();
             EXPECT_EQ(chosen(), before ? std::optional(good) : std::nullopt);
         }
     }
 }
 
-TEST_F(IconChoiceTest, AnAnswerThatComesAfterTheNextChoiceIsDropped) {
+TEST_F(IconChoiceTest, ARefusalThatComesAfterTheNextChoiceIsDropped) {
+    const fs::path bad = home / "bad.icns";
+    write(bad, "no icon");
+    openSheetWith(u"Notes"_s);
+    button(u"Advanced options"_s)->click();
+    stubs.tasks->holding = true;
+    chooseIcon(bad);
+    chooseIcon(good);
+    stubs.tasks->release();
+    EXPECT_FALSE(eventually([&] { return chosen() != good || stubs.model().lastError(); },
+                            std::chrono::milliseconds(200)));
+}
+
+TEST_F(IconChoiceTest, AnotherAppBeginsWithoutOneAndReturnsToNone) {
+    const fs::path bad = home / "bad.icns";
+    write(bad, "no icon");
     openSheetWith(u"Notes"_s);
     button(u"Advanced options"_s)->click();
     stubs.tasks->holding = true;
     chooseIcon(good);
     choose(u"Mail"_s);
+    EXPECT_EQ(chosen(), std::nullopt);
     stubs.tasks->release();
-    EXPECT_FALSE(eventually([&] { return chosen().has_value(); }, std::chrono::milliseconds(200)))
-        << "another app begins without one";
+    EXPECT_FALSE(eventually([&] { return chosen().has_value(); }, std::chrono::milliseconds(200)));
+    chooseIcon(bad);
+    ASSERT_TRUE(eventually([&] { return stubs.model().lastError().has_value(); }));
+    EXPECT_EQ(chosen(), std::nullopt);
 }
 
 } // namespace

@@ -1,4 +1,6 @@
+#include "QuorvelApp/CloneListModel.h"
 #include "QuorvelApp/QtText.h"
+#include "QuorvelApp/ShownText.h"
 #include "tests/QuorvelApp/WindowFixture.h"
 
 #include <QLabel>
@@ -58,6 +60,34 @@ TEST_F(HostileInputTest, ANameOfFileSizeFitsIntoWindowAndDialog) {
     for (const QString& text : {u"Delete Clone Only"_s, u"Cancel"_s}) {
         const QRect place(button(text)->mapTo(window.get(), QPoint()), button(text)->size());
         EXPECT_TRUE(window->rect().contains(place));
+    }
+}
+
+// Laying out a megabyte would take minutes.
+TEST_F(HostileInputTest, NoWidgetIsGivenAMegabyte) {
+    const std::string megabyte(1000000, 'W'); // four fit into a configuration file
+    InstanceConfig config = minimalConfig("x");
+    config.displayName = megabyte;
+    config.environment = {{"KEY", megabyte}};
+    config.extraArgs = {megabyte};
+    config.kind = ShortcutKind::web;
+    config.url = "https://" + megabyte;
+    const InstanceRecord clone = addClone("x", config);
+    open();
+    select(clone);
+    button(u"Delete"_s)->click();
+    (void)window->grab();
+    for (const QLabel* label : window->findChildren<QLabel*>()) {
+        // Every character has a mark behind it.
+        EXPECT_LE(label->text().size(), 2 * (longestShownText + 1));
+        EXPECT_LE(label->accessibleName().size(), longestShownText + 100);
+        EXPECT_LE(label->toolTip().size(), longestShownText + 100);
+    }
+    const QModelIndex row =
+        window->content().sidebar().findChild<QListView*>()->model()->index(0, 0);
+    for (const int role : {int(CloneListModel::NameRole), int(CloneListModel::SummaryRole),
+                           int(Qt::AccessibleTextRole), int(Qt::AccessibleDescriptionRole)}) {
+        EXPECT_EQ(row.data(role).toString().size(), longestShownLine + 1);
     }
 }
 

@@ -90,7 +90,7 @@ TEST_F(MainWindowTest, AnErrorShowsAboveTheSheet) {
     EXPECT_TRUE(sheet.isVisible());
 }
 
-TEST_F(MainWindowTest, HasThreeMenuCommands) {
+TEST_F(MainWindowTest, HasThreeMenuCommandsAndAbout) {
     open();
     std::vector<QString> titles;
     for (const QAction* menu : window->menuBar()->actions()) {
@@ -99,8 +99,8 @@ TEST_F(MainWindowTest, HasThreeMenuCommands) {
                              action->shortcut().toString());
         }
     }
-    EXPECT_THAT(titles,
-                ElementsAre(u"Check for Updates… "_s, u"New Clone… Ctrl+N"_s, u"Refresh Ctrl+R"_s));
+    EXPECT_THAT(titles, ElementsAre(u"Check for Updates… "_s, u"New Clone… Ctrl+N"_s,
+                                    u"Refresh Ctrl+R"_s, u"About Quorvel "_s));
 }
 
 TEST_F(MainWindowTest, TheRefreshCommandFindsAWrapperCopiedInByHand) {

@@ -1,7 +1,9 @@
+#include "QuorvelApp/MessageSheet.h"
 #include "QuorvelApp/QuorvelApp.h"
 #include "tests/QuorvelApp/WindowFixture.h"
 
 #include <QAction>
+#include <QLabel>
 #include <QTest>
 
 namespace quorvel::testing {
@@ -17,6 +19,28 @@ TEST_F(Menus, SayOfEveryCommandWhereMacOSIsToPutIt) {
     EXPECT_EQ(command(u"Check for Updates…"_s)->menuRole(), QAction::ApplicationSpecificRole);
     EXPECT_EQ(command(u"New Clone…"_s)->menuRole(), QAction::NoRole);
     EXPECT_EQ(command(u"Refresh"_s)->menuRole(), QAction::NoRole);
+}
+
+TEST_F(Menus, TellAboutTheProgramInAPanelThatEscapeCloses) {
+    const QString before = QCoreApplication::applicationVersion();
+    QCoreApplication::setApplicationVersion(u"9.8.7"_s);
+    open();
+    QAction* about = command(u"About Quorvel"_s);
+    EXPECT_EQ(about->menuRole(), QAction::AboutRole);
+    for (int time = 0; time < 2; ++time) {
+        about->trigger();
+        about->trigger(); // the menu stays within reach
+        const auto shownPanels = window->findChildren<MessageSheet*>();
+        ASSERT_EQ(shownPanels.size(), 1);
+        EXPECT_EQ(shownPanels.front()->title(), u"Quorvel"_s);
+        EXPECT_TRUE(shownPanels.front()->text().startsWith(u"Version 9.8.7\n"_s));
+        for (const QLabel* label : shownPanels.front()->findChildren<QLabel*>()) {
+            EXPECT_EQ(label->textFormat(), Qt::PlainText);
+        }
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Escape);
+        EXPECT_TRUE(eventually([&] { return window->findChildren<MessageSheet*>().isEmpty(); }));
+    }
+    QCoreApplication::setApplicationVersion(before);
 }
 
 TEST_F(Menus, KeepTheSearchForUpdatesDisabledWithoutAFeed) {

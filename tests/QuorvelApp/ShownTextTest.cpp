@@ -40,6 +40,36 @@ TEST(ShownText, ShowsWhatCantBeSeenUnlessItBelongsThere) {
     EXPECT_EQ(shownLine("👨\u200d👩 می\u200cخواهم ❤\ufe0f"), u"👨\u200d👩 می\u200cخواهم ❤\ufe0f"_s);
 }
 
+TEST(ShownText, IsCutBehindSoManyCharacters) {
+    const std::string megabyte(1 << 20, 'W');
+    EXPECT_EQ(shownLine(megabyte), QString(longestShownLine, u'W') + u'…');
+    EXPECT_EQ(shownText(megabyte), QString(longestShownText, u'W') + u'…');
+    const std::string fits(longestShownLine, 'W');
+    EXPECT_EQ(shownLine(fits), QString(longestShownLine, u'W'));
+    EXPECT_EQ(shownLine(fits + "W"), QString(longestShownLine, u'W') + u'…');
+    const std::string invalid(1 << 20, '\xff');
+    EXPECT_EQ(shownLine(invalid), QString(longestShownLine, QChar::ReplacementCharacter) + u'…');
+}
+
+TEST(ShownText, IsCutBetweenWholeCharacters) {
+    const std::string almost(longestShownLine - 1, 'W');
+    const QString before = QString(longestShownLine - 1, u'W');
+    EXPECT_EQ(shownLine(almost + "e"), before + u'e');
+    for (const std::string character : {"😀", "e\u0301", "👨\u200d👩"}) {
+        EXPECT_EQ(shownLine(almost + character + "WW"), before + u'…') << character;
+    }
+    std::string endless = "e";
+    for (int mark = 0; mark < 100000; ++mark) {
+        endless += "\u0301";
+    }
+    EXPECT_EQ(shownLine(endless).size(), longestShownLine + 1) << "one character, without an end";
+    std::string faces;
+    for (int face = 0; face < 100000; ++face) {
+        faces += "工";
+    }
+    EXPECT_EQ(shownLine(faces), QString(longestShownLine, u'工') + u'…');
+}
+
 TEST(Breakable, MarksPathsBehindTheirSeparators) {
     EXPECT_EQ(breakable(u"/a/b-c"_s), u"/\u200Ba/\u200Bb-\u200Bc"_s);
     EXPECT_EQ(breakable(u"two words"_s), u"two words"_s);
