@@ -18,6 +18,13 @@ public:
     /// (`std::errc::no_lock_available` or `not_supported`).
     [[nodiscard]] static std::optional<FileLock> tryTake(const std::filesystem::path& path);
 
+    /// Locks a folder itself in the same way; nothing has to be writable for that.
+    [[nodiscard]] static std::optional<FileLock> tryTakeFolder(const std::filesystem::path& path);
+
+    /// Whether somebody, this process too, holds a lock on the file or folder; false if it can't be
+    /// opened. Nothing is created.
+    [[nodiscard]] static bool isHeld(const std::filesystem::path& path);
+
     [[nodiscard]] int descriptor() const noexcept { return file_.descriptor(); }
 
 private:
