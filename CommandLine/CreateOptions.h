@@ -42,8 +42,8 @@ struct CreateOptions {
 };
 
 /// The request that the words mean, with paths made absolute; those that the configuration keeps
-/// may begin with "~". Throws `UsageError` for words that make no sense, `RefusedRequest` for a name
-/// that can't be a clone's.
+/// may begin with "~". Throws `UsageError` for words that make no sense, `RefusedRequest` for a
+/// name that can't be a clone's.
 [[nodiscard]] WrapperFactory::Request requestFrom(const CreateOptions& options);
 
 } // namespace quorvel

@@ -2,6 +2,7 @@
 
 #include "CommandLine/CloneLookup.h"
 #include "CommandLine/CloneTexts.h"
+#include "LaunchKit/HomeLock.h"
 #include "LaunchKit/InstanceLauncher.h"
 #include "Platform/TerminalText.h"
 
@@ -38,6 +39,7 @@ std::string movedLines(const InstanceLauncher::Migration& migration) {
 
 void migrateCommand(const Surroundings& with, const std::string& clone, bool json) {
     const InstanceRecord record = findClone(with.registry, clone);
+    requireUnusedHome(record.config);
     const InstanceLauncher::Migration migration =
         InstanceLauncher::migrateSharedUserFolders(record.config.resolvedHome());
     const bool complete = migration.unmoved.empty();

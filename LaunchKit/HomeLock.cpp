@@ -2,26 +2,64 @@
 
 #include "Platform/FileSystem.h"
 
+#include <cerrno>
+
 namespace quorvel {
+namespace fs = std::filesystem;
 namespace {
 
+bool meansNoFile(const std::error_code& code) {
+    switch (code.value()) {
+    case ENOSPC:
+    case EDQUOT:
+    case EACCES:
+    case EPERM:
+    case EROFS:
+        return true;
+    default:
+        return false;
+    }
+}
+
 bool meansNoLocks(const std::error_code& code) {
-    return code == std::errc::read_only_file_system || code == std::errc::no_lock_available ||
+    return meansNoFile(code) || code == std::errc::no_lock_available ||
            code == std::errc::not_supported || code == std::errc::operation_not_supported ||
            code == std::errc::function_not_supported;
+}
+
+// Locks the file or, where none can be made, the folder. A target that runs may have had the other
+// choice.
+std::optional<FileLock> lockFileOrFolder(const fs::path& home) {
+    const fs::path file = joinAsText(home, homeLockName);
+    fs::path other = home;
+    std::optional<FileLock> lock;
+    try {
+        lock = FileLock::tryTake(file);
+    } catch (const PlatformError& error) {
+        if (!meansNoFile(error.code())) {
+            throw;
+        }
+        lock = FileLock::tryTakeFolder(home);
+        other = file;
+    }
+    if (lock && FileLock::isHeld(other)) {
+        lock.reset();
+    }
+    return lock;
 }
 
 } // namespace
 
 HomeInUse::HomeInUse(const std::string& displayName)
     : std::runtime_error("“" + displayName +
-                         "” is still running, or a clone that shares its data folder is") {}
+                         "” is still running, or a clone that shares its data folder is, or a "
+                         "program that it started") {}
 
 std::optional<FileLock> lockHome(const InstanceConfig& config) {
     const std::string home = config.resolvedHome();
     createDirectories(home);
     try {
-        if (std::optional<FileLock> lock = FileLock::tryTake(joinAsText(home, homeLockName))) {
+        if (std::optional<FileLock> lock = lockFileOrFolder(home)) {
             return lock;
         }
     } catch (const PlatformError& error) {
@@ -35,7 +73,14 @@ std::optional<FileLock> lockHome(const InstanceConfig& config) {
 
 bool isHomeInUse(const InstanceConfig& config) {
     const std::string home = config.resolvedHome();
-    return home.starts_with('/') && FileLock::isHeld(joinAsText(home, homeLockName));
+    return home.starts_with('/') &&
+           (FileLock::isHeld(home) || FileLock::isHeld(joinAsText(home, homeLockName)));
+}
+
+void requireUnusedHome(const InstanceConfig& config) {
+    if (isHomeInUse(config)) {
+        throw HomeInUse(config.displayName);
+    }
 }
 
 } // namespace quorvel

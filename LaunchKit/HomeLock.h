@@ -22,12 +22,16 @@ public:
 };
 
 /// Claims the clone's instance home, which is created where it is missing, for one target. The
-/// claim lasts as long as the lock's descriptor is open anywhere. Returns std::nullopt where
-/// nothing can be locked: on a read-only file system, or on one without locks.
-/// Throws `HomeInUse`, or `PlatformError` if the home or the lock's file can't be made.
+/// claim lasts as long as the lock's descriptor is open anywhere. Where no file can be made, on a
+/// full disk for one, the home folder itself is locked. Returns std::nullopt where that can't be
+/// done either. Throws `HomeInUse`, or `PlatformError` if the home can't be made or something else
+/// has the place of the lock's file.
 [[nodiscard]] std::optional<FileLock> lockHome(const InstanceConfig& config);
 
 /// Whether a target runs in the clone's instance home now, though perhaps without its runner.
 [[nodiscard]] bool isHomeInUse(const InstanceConfig& config);
+
+/// Throws `HomeInUse` if one does.
+void requireUnusedHome(const InstanceConfig& config);
 
 } // namespace quorvel

@@ -118,13 +118,8 @@ private:
 };
 
 // A folder that keeps a link from taking its place.
-Unmoved unlinked(const std::string& source, const std::string& destination) {
-    const char* reason = "it can’t be removed";
-    if (!itemExists(destination)) {
-        reason = "the folder to be linked to is missing";
-    } else if (!entries(source).empty()) {
-        reason = "it isn’t empty";
-    }
+Unmoved unlinked(const std::string& source) {
+    const char* reason = entries(source).empty() ? "it can’t be removed" : "it isn’t empty";
     return {source, PlatformError::because(reason, source, "linked").description()};
 }
 
@@ -192,7 +187,7 @@ InstanceLauncher::migrateSharedUserFolders(const std::string& home, const std::s
         linkIfSafe(source, destination);
         if (result.unmoved.size() == before && itemOrLinkExists(source) &&
             !isSymbolicLink(source)) {
-            result.unmoved.push_back(unlinked(source, destination));
+            result.unmoved.push_back(unlinked(source));
         }
     }
     return result;

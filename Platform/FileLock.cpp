@@ -1,6 +1,7 @@
 #include "Platform/FileLock.h"
 
 #include "Platform/FileSystem.h"
+#include "Platform/ItemIdentity.h"
 
 #include <cerrno>
 #include <fcntl.h>
@@ -28,38 +29,32 @@ FileHandle openRegular(const std::filesystem::path& path) {
     return file;
 }
 
+// False if somebody else holds the lock.
+bool lockNow(const FileHandle& file, const std::filesystem::path& path) {
+    while (::flock(file.descriptor(), LOCK_EX | LOCK_NB) != 0) {
+        if (errno == EWOULDBLOCK) {
+            return false;
+        }
+        if (errno != EINTR) {
+            throw PlatformError::fromErrno(path, "locked");
+        }
+    }
+    return true;
+}
+
 bool isStillAt(const std::filesystem::path& path, const FileHandle& file) {
-    struct stat named {};
     struct stat open {};
-    return ::lstat(path.c_str(), &named) == 0 && ::fstat(file.descriptor(), &open) == 0 &&
-           named.st_dev == open.st_dev && named.st_ino == open.st_ino;
+    return ::fstat(file.descriptor(), &open) == 0 && identityOfItself(path) == identityIn(open);
 }
 
 } // namespace
-
-bool FileLock::isHeld(const std::filesystem::path& path) {
-    if (hasNul(path)) {
-        return false;
-    }
-    const FileHandle file(
-        ::open(path.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC | O_NOCTTY));
-    struct stat status {};
-    return file.descriptor() >= 0 && ::fstat(file.descriptor(), &status) == 0 &&
-           S_ISREG(status.st_mode) && ::flock(file.descriptor(), LOCK_SH | LOCK_NB) != 0 &&
-           errno == EWOULDBLOCK;
-}
 
 std::optional<FileLock> FileLock::tryTake(const std::filesystem::path& path) {
     constexpr int attempts = 100;
     for (int attempt = 0; attempt < attempts; ++attempt) {
         FileHandle file = openRegular(path);
-        while (::flock(file.descriptor(), LOCK_EX | LOCK_NB) != 0) {
-            if (errno == EWOULDBLOCK) {
-                return std::nullopt;
-            }
-            if (errno != EINTR) {
-                throw PlatformError::fromErrno(path, "locked");
-            }
+        if (!lockNow(file, path)) {
+            return std::nullopt;
         }
         // A file that was removed or replaced in between guards nothing any more.
         if (isStillAt(path, file)) {
@@ -67,6 +62,28 @@ std::optional<FileLock> FileLock::tryTake(const std::filesystem::path& path) {
         }
     }
     throw PlatformError::because("it is replaced all the time", path, "locked");
+}
+
+std::optional<FileLock> FileLock::tryTakeFolder(const std::filesystem::path& path) {
+    FileHandle folder(::open(path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    if (folder.descriptor() < 0) {
+        throw PlatformError::fromErrno(path, "locked");
+    }
+    if (!lockNow(folder, path)) {
+        return std::nullopt;
+    }
+    return FileLock(std::move(folder));
+}
+
+bool FileLock::isHeld(const std::filesystem::path& path) {
+    if (hasNul(path)) {
+        return false;
+    }
+    const FileHandle file(
+        ::open(path.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC | O_NOCTTY));
+    // Whoever looks at the same moment is in nobody's way.
+    return file.descriptor() >= 0 && ::flock(file.descriptor(), LOCK_SH | LOCK_NB) != 0 &&
+           errno == EWOULDBLOCK;
 }
 
 } // namespace quorvel

@@ -18,8 +18,11 @@ public:
     /// (`std::errc::no_lock_available` or `not_supported`).
     [[nodiscard]] static std::optional<FileLock> tryTake(const std::filesystem::path& path);
 
-    /// Whether somebody holds the lock on the file now. Creates no file; false where that can't be
-    /// told.
+    /// Locks a folder itself in the same way; nothing has to be writable for that.
+    [[nodiscard]] static std::optional<FileLock> tryTakeFolder(const std::filesystem::path& path);
+
+    /// Whether somebody, this process too, holds a lock on the file or folder; false if it can't be
+    /// opened. Nothing is created.
     [[nodiscard]] static bool isHeld(const std::filesystem::path& path);
 
     [[nodiscard]] int descriptor() const noexcept { return file_.descriptor(); }

@@ -60,9 +60,4 @@ PlatformError PlatformError::inside(std::error_code code, const std::filesystem:
     return {sentence(where + lowerFirst(code.message()), path, action), code, path};
 }
 
-PlatformError PlatformError::saying(const std::string& sentence,
-                                    const std::filesystem::path& path) {
-    return {sentence, std::make_error_code(std::errc::io_error), path};
-}
-
 } // namespace quorvel

@@ -30,8 +30,8 @@ public:
                                                const std::filesystem::path& path,
                                                const std::string& action);
 
-    /// The error that the system describes in a whole sentence of its own, which is the description.
-    /// Its code is `std::errc::io_error`.
+    /// The error that the system, or another program, describes in a whole sentence of its own,
+    /// which is the description. Its code is `std::errc::io_error`.
     [[nodiscard]] static PlatformError told(const std::string& sentence,
                                             const std::filesystem::path& path);
 
@@ -41,11 +41,6 @@ public:
                                               const std::filesystem::path& inside,
                                               const std::filesystem::path& path,
                                               const std::string& action);
-
-    /// The error that another program has put into a sentence of its own, kept as it is. Its code
-    /// is `std::errc::io_error`.
-    [[nodiscard]] static PlatformError saying(const std::string& sentence,
-                                              const std::filesystem::path& path);
 
 private:
     PlatformError(const std::string& sentence, std::error_code code, std::filesystem::path path);

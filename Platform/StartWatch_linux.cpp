@@ -3,6 +3,7 @@
 #include "Platform/StartReport.h"
 
 #include <cerrno>
+#include <csignal>
 #include <fcntl.h>
 #include <sys/eventfd.h>
 #include <sysexits.h>
@@ -34,16 +35,42 @@ std::optional<int> statusAtEnd(Process& process) {
     return process.waitUntilExit();
 }
 
-// Without a report, a status that only programs in trouble end with has to tell; any other may be
-// that of a target which had little to do.
+// Whether only programs in trouble, or none at all, end with that status.
+bool meansTrouble(int status) {
+    constexpr int cantBeRun = 126;
+    constexpr int notFound = 127;
+    constexpr int signalled = 128;
+    switch (status) {
+    case cantBeRun:
+    case notFound:
+    case signalled + SIGILL:
+    case signalled + SIGABRT:
+    case signalled + SIGBUS:
+    case signalled + SIGFPE:
+    case signalled + SIGSEGV:
+    case signalled + SIGSYS:
+        return true;
+    default:
+        return status >= EX__BASE && status <= EX__MAX;
+    }
+}
+
+std::string reasonFor(int status) {
+    constexpr int signalled = 128;
+    if (status > signalled) {
+        return "it was ended at once, by signal " + std::to_string(status - signalled);
+    }
+    return "it ended at once, with status " + std::to_string(status);
+}
+
+// Without a report, the status has to tell; most may be those of a target which had little to do.
 std::optional<PlatformError> failureAtEnd(Process& process, bool announced,
                                           const std::filesystem::path& bundle) {
     const std::optional<int> status = statusAtEnd(process);
-    if (!status || (!announced && (*status < EX__BASE || *status > EX__MAX))) {
+    if (!status || (!announced && !meansTrouble(*status))) {
         return std::nullopt;
     }
-    return PlatformError::because("it ended at once, with status " + std::to_string(*status),
-                                  bundle, "opened");
+    return PlatformError::because(reasonFor(*status), bundle, "opened");
 }
 
 std::optional<PlatformError> failureOf(StartedProgram& program, int wake,
@@ -52,7 +79,7 @@ std::optional<PlatformError> failureOf(StartedProgram& program, int wake,
         readStartReport(program.reports.descriptor(), wake, oldRunnersPatience, patience);
     switch (outcome.kind) {
     case StartOutcome::Case::failed:
-        return PlatformError::saying(outcome.sentence, bundle);
+        return PlatformError::told(outcome.sentence, bundle);
     case StartOutcome::Case::ended:
         return failureAtEnd(program.process, outcome.announced, bundle);
     case StartOutcome::Case::started:

@@ -1,5 +1,6 @@
 #include "QuorvelApp/AppModel.h"
 
+#include "LaunchKit/HomeLock.h"
 #include "LaunchKit/IcnsFile.h"
 #include "LaunchKit/InstanceLauncher.h"
 #include "Platform/FileSystem.h"
@@ -332,8 +333,9 @@ void AppModel::remove(const InstanceRecord& record, bool includingData) {
 
 QFuture<void> AppModel::migrateSharedFolders(const InstanceRecord& record) {
     return services_.tasks->detached(
-        TaskPriority::userInitiated, this, telling([home = record.config.resolvedHome()] {
-            return InstanceLauncher::migrateSharedUserFolders(home);
+        TaskPriority::userInitiated, this, telling([config = record.config] {
+            requireUnusedHome(config);
+            return InstanceLauncher::migrateSharedUserFolders(config.resolvedHome());
         }),
         [this, record](const Outcome<InstanceLauncher::Migration>& outcome) {
             if (outcome.result) {

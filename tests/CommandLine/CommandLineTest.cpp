@@ -1,3 +1,4 @@
+#include "LaunchKit/HomeLock.h"
 #include "tests/CommandLine/CommandLineHarness.h"
 #include "tests/support/AppBundles.h"
 #include "tests/support/OrdinaryUser.h"
@@ -301,6 +302,24 @@ TEST(CommandLine, MigrateMovesTheFilesAndThenShares) {
     EXPECT_EQ(result.json(), nlohmann::json({{"moved", {{"Downloads", 2}, {"Desktop", 0}}}}));
     EXPECT_EQ(read(harness.home / "Downloads/b"), "2");
     EXPECT_TRUE(InstanceRegistry().record(wrapper)->config.shareUserFolders);
+}
+
+TEST(CommandLine, MigrateRefusesWhileATargetRunsInTheHome) {
+    CommandLineHarness harness;
+    InstanceConfig config = minimalConfig("Work");
+    config.shareUserFolders = false;
+    const auto wrapper = makeWrapper(harness.home / "Applications/Work.app", config);
+    const auto document = harness.home / "QuorvelInstances/Work/Documents/a";
+    write(document, "1");
+    std::optional<FileLock> running = lockHome(config);
+    const CommandResult refused = harness.run({"migrate", "Work"});
+    EXPECT_EQ(refused.status, 1);
+    EXPECT_EQ(refused.errors, HomeInUse("Work").description() + "\n");
+    EXPECT_EQ(read(document), "1");
+    EXPECT_FALSE(InstanceRegistry().record(wrapper)->config.shareUserFolders);
+    running.reset();
+    EXPECT_EQ(harness.run({"migrate", "Work"}).status, 0);
+    EXPECT_EQ(read(harness.home / "Documents/a"), "1");
 }
 
 TEST(CommandLine, MigrateNamesWhatStaysAndDoesNotShareThen) {

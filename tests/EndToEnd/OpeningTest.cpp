@@ -63,10 +63,10 @@ TEST_F(Opening, ACloneWhoseTargetOutlivedItsRunnerIsNotStartedTwice) {
     ASSERT_TRUE(runner);
     ::kill(*runner, SIGKILL);
     ASSERT_TRUE(waitFor([&] { return !quorvelctl_.isListedAsRunning("Work"); }));
-    EXPECT_EQ(
-        failureOf({"open", "Work"}),
-        "quorvelctl open: “Work” is still running, or a clone that shares its data folder is\n"
-        "FAILED 1\n");
+    EXPECT_EQ(failureOf({"open", "Work"}),
+              "quorvelctl open: “Work” is still running, or a clone that shares its data folder "
+              "is, or a program that it started\n"
+              "FAILED 1\n");
     EXPECT_THAT(quorvelctl_.log("Work"), ::testing::StartsWith("started\nquorvel-runner: “Work”"));
     const std::string home = "HOME=" + quorvelctl_.data("Work").string();
     for (const auto& entry : fs::directory_iterator("/proc")) {

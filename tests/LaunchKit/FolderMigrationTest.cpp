@@ -96,14 +96,6 @@ TEST_F(FolderMigration, AFolderThatCantMakeWayForALinkIsNamed) {
     }));
 }
 
-TEST_F(FolderMigration, AnEmptyFolderWithNothingToLeadToIsNamed) {
-    write(folder_ / "real", "a file where the user's home should be");
-    fs::create_directories(inClone("Documents"));
-    EXPECT_THAT(reasonsOf(migrate()),
-                ::testing::ElementsAre(
-                    "“Documents” couldn’t be linked: the folder to be linked to is missing"));
-}
-
 // The clone's home on one file system and the user's on another.
 class FolderMigrationAcrossVolumes : public ::testing::Test {
 protected:

@@ -79,17 +79,31 @@ TEST_F(OpeningARunner, WhoPromisesAReportAndEndsWithoutOneHasFailed) {
     EXPECT_EQ(open("printf ." + report + "; exit 3"),
               "“Work.app” couldn’t be opened: it ended at once, with status 3");
     EXPECT_EQ(open("printf ." + report + "; kill -SEGV $$"),
-              "“Work.app” couldn’t be opened: it ended at once, with status 139");
+              "“Work.app” couldn’t be opened: it was ended at once, by signal 11");
 }
 
 TEST_F(OpeningARunner, AnOldRunnerThatFailsIsKnownByItsStatus) {
     EXPECT_EQ(open("exit 71"), "“Work.app” couldn’t be opened: it ended at once, with status 71");
 }
 
+TEST_F(OpeningARunner, ARunnerThatCantRunOrCrashesBeforeItReportsHasFailed) {
+    for (const int status : {126, 127}) {
+        EXPECT_EQ(open("exit " + std::to_string(status)),
+                  "“Work.app” couldn’t be opened: it ended at once, with status " +
+                      std::to_string(status));
+    }
+    for (const int signal : {SIGILL, SIGABRT, SIGBUS, SIGFPE, SIGSEGV, SIGSYS}) {
+        EXPECT_EQ(open("kill -" + std::to_string(signal) + " $$"),
+                  "“Work.app” couldn’t be opened: it was ended at once, by signal " +
+                      std::to_string(signal));
+    }
+}
+
 TEST_F(OpeningARunner, AnOldRunnerWhoseTargetHadLittleToDoHasWorked) {
     EXPECT_EQ(open("exit 0"), "");
     EXPECT_EQ(open("exit 7"), "");
     EXPECT_EQ(open("exit 130"), "");
+    EXPECT_EQ(open("kill -TERM $$"), "");
 }
 
 TEST_F(OpeningARunner, AnOldRunnerThatLivesOnHasWorked) {

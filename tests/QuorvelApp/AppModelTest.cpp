@@ -1,3 +1,4 @@
+#include "LaunchKit/HomeLock.h"
 #include "LaunchKit/InstanceLauncher.h"
 #include "tests/QuorvelApp/StubServices.h"
 #include "tests/support/AppBundles.h"
@@ -467,6 +468,16 @@ TEST_F(AppModelTest, MigrationNamesTheFoldersInTheirOwnOrder) {
     EXPECT_EQ(model().statusMessage(),
               "Moved 1 from Documents, 1 from Desktop into your shared folders. "
               "\u201cWork\u201d now saves there.");
+}
+
+TEST_F(AppModelTest, NothingIsMigratedWhileATargetRunsInTheHome) {
+    const InstanceRecord record = addClone("Work");
+    const fs::path document = home / "QuorvelInstances/Work/Documents/a";
+    write(document, "a");
+    const std::optional<FileLock> running = lockHome(record.config);
+    resultOf(model().migrateSharedFolders(record));
+    EXPECT_EQ(model().lastError(), "Couldn't move the files: " + HomeInUse("Work").description());
+    EXPECT_EQ(read(document), "a");
 }
 
 TEST_F(AppModelTest, AMigrationWithNothingToMoveSaysSo) {

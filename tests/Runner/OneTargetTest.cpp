@@ -2,11 +2,14 @@
 #include "LaunchKit/HomeLock.h"
 #include "Platform/FileSystem.h"
 #include "tests/Runner/RunnerFixture.h"
+#include "tests/support/OrdinaryUser.h"
+#include "tests/support/SmallDisk.h"
 #include "tests/support/Waiting.h"
 
 #include <cerrno>
 #include <csignal>
 #include <gmock/gmock.h>
+#include <sys/mount.h>
 #include <sys/stat.h>
 
 namespace quorvel {
@@ -16,8 +19,8 @@ using namespace testing;
 using ::testing::HasSubstr;
 namespace fs = std::filesystem;
 
-const std::string inUse =
-    "quorvel-runner: “Work” is still running, or a clone that shares its data folder is\n";
+const std::string inUse = "quorvel-runner: “Work” is still running, or a clone that shares its "
+                          "data folder is, or a program that it started\n";
 
 class OneTarget : public RunnerFixture {
 protected:
@@ -177,6 +180,51 @@ TEST_F(OneTarget, WhatStandsInTheLocksPlaceIsNotFollowed) {
     EXPECT_EQ(statusOf(bundle), 71);
     EXPECT_THAT(read(errors()), HasSubstr("it is not a regular file"));
     EXPECT_FALSE(fs::exists(at("started")));
+}
+
+// Two starts of a clone whose home has no room for the lock's file.
+TEST_F(OneTarget, OnAFullDiskAHomeIsStillUsedByOneTargetAtATime) {
+    fs::create_directories(cloneHome());
+    const fs::path bundle = wrapper(lasting());
+    const auto problem = onSmallDisk(cloneHome(), "size=4k,nr_inodes=1", [&]() -> std::string {
+        Process runner = start(bundle);
+        const bool runs = targetRuns();
+        const int second = statusOf(bundle);
+        // With room again, the folder still counts.
+        ::mount("none", cloneHome().c_str(), "tmpfs", MS_REMOUNT, "size=64k,nr_inodes=10");
+        const int third = statusOf(bundle);
+        runner.terminate();
+        runner.waitUntilExit();
+        const bool again = statusOf(wrapper(scripted("exit 0"))) == 0;
+        return runs && second == 75 && third == 75 && again
+                   ? ""
+                   : std::to_string(runs) + " " + std::to_string(second) + " " +
+                         std::to_string(third) + " " + std::to_string(again) + read(errors());
+    });
+    if (!problem) {
+        GTEST_SKIP() << "no file system may be mounted here";
+    }
+    EXPECT_EQ(*problem, "");
+}
+
+TEST_F(OneTarget, AHomeThatCantBeWrittenIsStillUsedByOneTargetAtATime) {
+    InstanceConfig config = minimalConfig();
+    config.instanceHome = at("I").string();
+    EXPECT_TRUE(asOrdinaryUser(folder_.path(), [&] {
+        fs::create_directories(config.resolvedHome());
+        fs::permissions(config.resolvedHome(), fs::perms{0555});
+        std::optional<FileLock> first = lockHome(config);
+        if (!first) {
+            return false;
+        }
+        try {
+            (void)lockHome(config);
+            return false;
+        } catch (const HomeInUse&) {
+            first.reset();
+        }
+        return lockHome(config).has_value();
+    }));
 }
 
 TEST_F(OneTarget, ACommandHoldsNothing) {
