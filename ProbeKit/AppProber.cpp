@@ -84,6 +84,13 @@ void dismiss(std::vector<TrialProcess>& trials, const std::function<void(TrialPr
     trials.clear();
 }
 
+void end(std::vector<TrialProcess> trials) {
+    for (TrialProcess& trial : trials) {
+        trial.terminate();
+    }
+    waitForEnd(std::move(trials), AppProber::grace);
+}
+
 } // namespace
 
 std::optional<AppProber> AppProber::forApp(const std::filesystem::path& appURL) {
@@ -130,7 +137,11 @@ ProbeResult AppProber::run(const Control& control) {
         launched.push_back(launch(homeB));
         waiter.wait(settleB);
     } catch (const ProbeCancelled&) {
-        dismiss(launched, control.release);
+        if (control.release) {
+            dismiss(launched, control.release);
+        } else {
+            end(std::move(launched)); // who cancels may quit, which a thread of ours won't survive
+        }
         throw;
     }
     result.singleton = classifySingleton(launched.back().process);

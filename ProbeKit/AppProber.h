@@ -51,7 +51,7 @@ public:
         std::function<void(double)> progress{};
         /// Takes over each launched process after it was asked to end. Empty: it is waited for in
         /// the background, and ended by force with all that it started when it still runs `grace`
-        /// later (see `waitForEnd`).
+        /// later (see `waitForEnd`). A cancelled run waits for that itself before it throws.
         std::function<void(TrialProcess)> release{};
     };
 

@@ -425,6 +425,20 @@ TEST(TrialOf, AnAppThatIsGivenUpEndsBothProcesses) {
     }
 }
 
+TEST(TrialOf, AnAppThatIsGivenUpHasEndedBeforeThatIsTold) {
+    Trial trial;
+    trial.plan("ignore-termination\n" + trial.tellStep() + "\nwait\n");
+    std::atomic<bool> cancelled{false};
+    trial.onSleep = [&](AppProber::Seconds /*time*/) {
+        ASSERT_TRUE(trial.hasTold(1));
+        cancelled = true;
+    };
+    AppProber::Control control;
+    control.cancelled = &cancelled;
+    EXPECT_THROW((void)trial.prober().run(control), ProbeCancelled);
+    EXPECT_TRUE(hasNoChildren());
+}
+
 TEST(TrialOf, AnAppThatIsGivenUpEarlyIsNotLaunchedAgain) {
     Trial trial;
     trial.plan(trial.tellStep() + "\nwait\n");
