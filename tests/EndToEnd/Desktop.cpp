@@ -52,9 +52,11 @@ Desktop::Desktop() {
     // The server chooses a free number and writes it down.
     const fs::path numberFile = folder_ / "display";
     const int file = ::open(numberFile.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0600);
-    server_.emplace(quietly(serverProgram,
-                            {"-displayfd", "1", "-screen", "0", "1280x1000x24", "-nolisten", "tcp"},
-                            Process::ToFile{file}));
+    // With a reset when its last client leaves, whoever connects at that moment is thrown out.
+    server_.emplace(
+        quietly(serverProgram,
+                {"-displayfd", "1", "-noreset", "-screen", "0", "1280x1000x24", "-nolisten", "tcp"},
+                Process::ToFile{file}));
     ::close(file);
     if (!waitFor([&] { return read(numberFile).ends_with('\n'); }, longestStart)) {
         throw std::runtime_error("the X server does not come up");
@@ -72,12 +74,9 @@ Desktop::Desktop() {
     }
 }
 
-Desktop::~Desktop() {
-    windowManager_->terminate();
-    windowManager_->waitUntilExit();
-    bus_.reset();
-    server_->terminate();
-    server_->waitUntilExit();
+Desktop::Program::~Program() {
+    process_.terminate();
+    process_.waitUntilExit();
 }
 
 void Desktop::setVariable(const std::string& name, const std::string& value) {

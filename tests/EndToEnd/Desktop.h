@@ -6,6 +6,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace quorvel::testing {
@@ -18,20 +19,33 @@ public:
     /// The programs it needs that are not installed.
     [[nodiscard]] static std::vector<std::string> missingPrograms();
 
-    /// Throws when something does not come up.
+    /// Throws if something does not come up, and leaves nothing running then.
     Desktop();
     Desktop(const Desktop&) = delete;
     Desktop& operator=(const Desktop&) = delete;
-    ~Desktop();
+    ~Desktop() = default;
 
 private:
+    /// A process that ends with this object.
+    class Program {
+    public:
+        explicit Program(Process process) : process_(std::move(process)) {}
+        Program(const Program&) = delete;
+        Program& operator=(const Program&) = delete;
+        ~Program();
+
+    private:
+        Process process_;
+    };
+
     void setVariable(const std::string& name, const std::string& value);
 
     TemporaryFolder folder_;
     std::vector<std::unique_ptr<ScopedEnvironment>> variables_{};
-    std::optional<Process> server_{};
+    // In the order of their start; they end the other way round.
+    std::optional<Program> server_{};
     std::optional<PrivateBus> bus_{};
-    std::optional<Process> windowManager_{};
+    std::optional<Program> windowManager_{};
 };
 
 } // namespace quorvel::testing

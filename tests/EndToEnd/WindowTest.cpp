@@ -29,9 +29,11 @@ protected:
     static void TearDownTestSuite() { desktop.reset(); }
 
     void SetUp() override {
-        if (!desktop) {
-            GTEST_SKIP() << Desktop::missingPrograms().front() << " is not installed";
+        const std::vector<std::string> missing = Desktop::missingPrograms();
+        if (!missing.empty()) {
+            GTEST_SKIP() << missing.front() << " is not installed";
         }
+        ASSERT_TRUE(desktop) << "the desktop did not come up";
         // Writes what tells one home from another, and runs until it is ended.
         makeScriptedAppBundle(applications / "Chat.app",
                               "mkdir -p \"$HOME/Documents\"\n"

@@ -5,3 +5,10 @@
 // What macOS calls the dates to the nanosecond.
 #define st_atimespec st_atim
 #define st_mtimespec st_mtim
+
+// An item's flags, in room that this system's structure keeps free.
+#define st_flags __glibc_reserved[0]
+#define UF_IMMUTABLE 0x00000002U
+#define UF_APPEND 0x00000004U
+#define SF_IMMUTABLE 0x00020000U
+#define SF_APPEND 0x00040000U
