@@ -19,6 +19,10 @@ public:
     /// `model` must outlive the session.
     NewCloneSession(AppModel& model, FilePanels panels, QObject* parent = nullptr);
 
+    /// The last chosen icon that has proved to be an icon file; a refused choice returns to it.
+    [[nodiscard]] const std::optional<std::filesystem::path>& checkedIcon() const {
+        return checkedIcon_;
+    }
     [[nodiscard]] const NewCloneForm& form() const { return form_; }
     [[nodiscard]] AppModel& model() const { return model_; }
     [[nodiscard]] const FilePanels& panels() const { return panels_; }

@@ -102,7 +102,7 @@ TEST(ProbeCommand, PrintsTheProfileAndTheBuckets) {
     const Json json = session.json();
     EXPECT_EQ(json.size(), 3U);
     EXPECT_EQ(json["profile"].size(), 9U);
-    EXPECT_EQ(json["profile"]["bundleId"], "com.example.Notes");
+    EXPECT_EQ(json["profile"]["bundleId"], trial.bundleId);
     EXPECT_EQ(json["profile"]["confidence"], "autoDetected");
     EXPECT_EQ(json["complete"], true);
     for (const auto& [name, paths] : json["buckets"].items()) {

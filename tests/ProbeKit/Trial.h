@@ -10,6 +10,8 @@
 #include <fstream>
 #include <functional>
 #include <string>
+#include <unistd.h>
+#include <utility>
 #include <vector>
 
 namespace quorvel::testing {
@@ -33,7 +35,9 @@ public:
 /// is so far.
 class Trial {
 public:
-    explicit Trial(const std::string& bundleId = "com.example.Notes") {
+    // Running applications are counted by identifier, and tests run beside each other.
+    explicit Trial(std::string identifier = "com.example.Notes" + std::to_string(::getpid()))
+        : bundleId(std::move(identifier)) {
         makeAppBundle(app, {{"CFBundleIdentifier", bundleId}}, QUORVEL_PROBE_TARGET);
         std::filesystem::create_directories(library);
         std::filesystem::create_directories(temporary);
@@ -41,6 +45,8 @@ public:
 
     /// What the application does, see tests/helpers.
     void plan(const std::string& steps) const { write(app / "Contents/Resources/plan", steps); }
+
+    const std::string bundleId;
 
     ~Trial() { endAll(); }
     Trial(const Trial&) = delete;

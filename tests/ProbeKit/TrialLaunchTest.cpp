@@ -53,7 +53,7 @@ TEST(TrialOf, AnAppThatKeepsToItsHomeIsCaptured) {
 }
 
 TEST(TrialOf, AnAppThatWritesIntoTheRealLibraryLeaks) {
-    Trial trial;
+    Trial trial("com.example.Notes");
     const std::string library = trial.library.string();
     trial.plan("write " + library + "/Application Support/notes/x.db\nwrite " + library +
                "/Preferences/com.example.notes.plist\nwrite " + library +
@@ -72,7 +72,7 @@ TEST(TrialOf, AnAppThatWritesIntoTheRealLibraryLeaks) {
 TEST(TrialOf, AnAppThatWritesIntoItsContainerNeedsAnIdentity) {
     Trial trial;
     trial.plan("write " + trial.library.string() + "/Application Support/Notes/x\nwrite " +
-               trial.library.string() + "/Containers/com.example.Notes/Data/x\n" +
+               trial.library.string() + "/Containers/" + trial.bundleId + "/Data/x\n" +
                trial.tellStep() + "\nwait\n");
     EXPECT_EQ(trial.run().recommendedStrategy, Strategy::wrapperIdentity);
 }
@@ -101,7 +101,7 @@ TEST(TrialOf, AnAppThatWaitsForALockNeverComesUp) {
         ASSERT_TRUE(waitFor([&] {
             return fs::exists(trial.folder / "lock") &&
                    trial.workspace->runningApplications()
-                           .withBundleIdentifier("com.example.Notes")
+                           .withBundleIdentifier(trial.bundleId)
                            .size() == 1;
         }));
     };
@@ -117,7 +117,7 @@ TEST(TrialOf, AnAppOfSeveralProcessesThatWaitsForALockNeverComesUp) {
     trial.plan("helper\n" + trial.tellStep() + "\nlock " + lock + "\nwrite " + up.string() +
                "\nwait\n");
     const auto running = [&] {
-        return trial.workspace->runningApplications().withBundleIdentifier("com.example.Notes");
+        return trial.workspace->runningApplications().withBundleIdentifier(trial.bundleId);
     };
     trial.onSleep = [&](AppProber::Seconds /*time*/) {
         ASSERT_TRUE(trial.hasTold(++trial.sleeps));
@@ -171,7 +171,7 @@ TEST(TrialOf, AnAppThatEndsAtOnceTellsNothingOfASecond) {
     trial.onSleep = [&](AppProber::Seconds /*time*/) {
         ASSERT_TRUE(trial.hasTold(++trial.sleeps));
         ASSERT_TRUE(waitFor(
-            [&] { return !trial.workspace->runningApplications().contains("com.example.Notes"); }));
+            [&] { return !trial.workspace->runningApplications().contains(trial.bundleId); }));
     };
     const ProbeResult result = trial.run();
     EXPECT_EQ(result.singleton, SingletonTier::unknown);
@@ -184,7 +184,7 @@ TEST(TrialOf, AnAppThatCrashesTellsNothingOfASecond) {
     trial.onSleep = [&](AppProber::Seconds /*time*/) {
         ASSERT_TRUE(trial.hasTold(++trial.sleeps));
         ASSERT_TRUE(waitFor(
-            [&] { return !trial.workspace->runningApplications().contains("com.example.Notes"); }));
+            [&] { return !trial.workspace->runningApplications().contains(trial.bundleId); }));
     };
     EXPECT_EQ(trial.run().singleton, SingletonTier::unknown);
     trial.endAll();
@@ -280,7 +280,7 @@ TEST(TrialOf, AnAppIsAskedToEndFirstAndItsLastWritesAreRecorded) {
 
 TEST(TrialOf, AnAppFindsOurEnvironmentWithTheHomeReplacedAndNothingElse) {
     Trial trial;
-    makeAppBundle(trial.app, {{"CFBundleIdentifier", "com.example.Notes"}}, "/usr/bin/env");
+    makeAppBundle(trial.app, {{"CFBundleIdentifier", trial.bundleId}}, "/usr/bin/env");
     trial.onSleep = [&](AppProber::Seconds /*time*/) {
         ++trial.sleeps;
         EXPECT_TRUE(waitFor([&] {

@@ -159,8 +159,10 @@ protected:
         write(good, icnsFile(std::array{icnsChunk(chatIcon(64))}));
     }
 
-    [[nodiscard]] std::optional<fs::path> chosen() const {
-        return window->findChild<NewCloneView*>()->session().form().customIcon;
+    [[nodiscard]] std::optional<fs::path> chosen() const { return sheet().form().customIcon; }
+
+    [[nodiscard]] const NewCloneSession& sheet() const {
+        return window->findChild<NewCloneView*>()->session();
     }
 
     void chooseIcon(const fs::path& file) {
@@ -204,7 +206,7 @@ TEST_F(IconChoiceTest, IsRefusedUnlessItIsAnIconFileAndTheChoiceBeforeReturns) {
     for (const bool before : {false, true}) {
         if (before) {
             chooseIcon(good);
-            ASSERT_TRUE(eventually([&] { return chosen() == good; }));
+            ASSERT_TRUE(eventually([&] { return sheet().checkedIcon() == good; }));
         }
         for (const fs::path& bad :
              {script, damaged, drawing, renamed, home / "missing.icns", home.path()}) {
