@@ -175,7 +175,7 @@ TEST(Prober, HasItsDefaults) {
     EXPECT_EQ(prober->realLibrary(), (home / "Library").string());
     EXPECT_EQ(prober->settleA.count(), 7.0);
     EXPECT_EQ(prober->settleB.count(), 2.0);
-    EXPECT_EQ(prober->bundle().bundleId, "com.example.Notes");
+    EXPECT_EQ(prober->bundle().bundleId, trial.bundleId);
 }
 
 TEST(Prober, CannotBeMadeForWhatIsNoBundle) {

@@ -22,7 +22,7 @@ Outcome withRoomFor(int items, const std::function<std::string(Trial&)>& check) 
     if (child == 0) {
         Outcome outcome = Outcome::notPermitted;
         if (hasOwnMounts()) {
-            Trial trial;
+            Trial trial("com.example.Notes");
             const std::string options = "size=4k,nr_inodes=" + std::to_string(items + 1);
             if (::mount("none", trial.temporary.c_str(), "tmpfs", 0, options.c_str()) == 0) {
                 std::string problem;
