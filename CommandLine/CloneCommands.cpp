@@ -1,12 +1,12 @@
 #include "CommandLine/CloneCommands.h"
 
+#include "Base/TerminalText.h"
 #include "CommandLine/CloneLookup.h"
 #include "CommandLine/CloneTexts.h"
 #include "CommandLine/Confirmation.h"
 #include "LaunchKit/InstanceLauncher.h"
 #include "LaunchKit/RequestCheck.h"
-#include "Platform/FileSystem.h"
-#include "Platform/TerminalText.h"
+#include "Platform/files/FileSystem.h"
 
 #include <future>
 #include <memory>

@@ -2,8 +2,8 @@
 
 #include "CommandLine/Surroundings.h"
 #include "LaunchKit/WrapperLayout.h"
-#include "Platform/FileSystem.h"
-#include "Platform/UserPaths.h"
+#include "Platform/files/FileSystem.h"
+#include "Platform/files/UserPaths.h"
 
 #include <algorithm>
 

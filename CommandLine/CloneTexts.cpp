@@ -1,7 +1,7 @@
 #include "CommandLine/CloneTexts.h"
 
+#include "Base/TerminalText.h"
 #include "LaunchKit/WrapperFactory.h"
-#include "Platform/TerminalText.h"
 
 #include <unicode/uchar.h>
 #include <unicode/utf8.h>

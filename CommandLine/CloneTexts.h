@@ -2,7 +2,7 @@
 
 #include "LaunchKit/AppBundle.h"
 #include "LaunchKit/InstanceRegistry.h"
-#include "Platform/Workspace.h"
+#include "Platform/desktop/Workspace.h"
 
 #include <nlohmann/json.hpp>
 

@@ -1,10 +1,10 @@
 #include "CommandLine/CommandLine.h"
 
+#include "Base/TerminalText.h"
 #include "CommandLine/CloneCommands.h"
 #include "CommandLine/IconCommand.h"
 #include "CommandLine/MigrateCommand.h"
 #include "CommandLine/ProbeCommands.h"
-#include "Platform/TerminalText.h"
 
 #include <CLI/CLI.hpp>
 

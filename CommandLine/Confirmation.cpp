@@ -1,6 +1,6 @@
 #include "CommandLine/Confirmation.h"
 
-#include "Platform/TerminalText.h"
+#include "Base/TerminalText.h"
 
 #include <istream>
 #include <ostream>

@@ -1,3 +1,4 @@
+#include "Base/TerminalText.h"
 #include "CommandLine/CloneCommands.h"
 #include "CommandLine/CloneLookup.h"
 #include "CommandLine/CloneTexts.h"
@@ -5,8 +6,7 @@
 #include "LaunchKit/CloneDeletion.h"
 #include "LaunchKit/DataFolderGuard.h"
 #include "LaunchKit/HomeLock.h"
-#include "Platform/FileSystem.h"
-#include "Platform/TerminalText.h"
+#include "Platform/files/FileSystem.h"
 
 #include <ostream>
 

@@ -1,9 +1,9 @@
 #include "CommandLine/IconCommand.h"
 
+#include "Base/TerminalText.h"
 #include "CommandLine/CloneLookup.h"
 #include "CommandLine/CloneTexts.h"
 #include "LaunchKit/IconComposer.h"
-#include "Platform/TerminalText.h"
 
 #include <nlohmann/json.hpp>
 

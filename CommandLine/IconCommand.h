@@ -1,7 +1,7 @@
 #pragma once
 
 #include "CommandLine/Surroundings.h"
-#include "LaunchKit/IcnsFile.h"
+#include "LaunchKit/Icons/IcnsFile.h"
 
 #include <string>
 #include <vector>

@@ -1,10 +1,10 @@
 #include "CommandLine/MigrateCommand.h"
 
+#include "Base/TerminalText.h"
 #include "CommandLine/CloneLookup.h"
 #include "CommandLine/CloneTexts.h"
 #include "LaunchKit/HomeLock.h"
 #include "LaunchKit/InstanceLauncher.h"
-#include "Platform/TerminalText.h"
 
 #include <nlohmann/json.hpp>
 

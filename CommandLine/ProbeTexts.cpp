@@ -1,7 +1,7 @@
 #include "CommandLine/ProbeTexts.h"
 
-#include "Platform/TerminalText.h"
-#include "Platform/Utf8.h"
+#include "Base/TerminalText.h"
+#include "Base/Utf8.h"
 
 #include <algorithm>
 #include <cmath>

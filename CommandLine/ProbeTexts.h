@@ -1,7 +1,7 @@
 #pragma once
 
 #include "LaunchKit/AppCatalog.h"
-#include "Platform/Workspace.h"
+#include "Platform/desktop/Workspace.h"
 #include "ProbeKit/Models.h"
 
 #include <nlohmann/json.hpp>

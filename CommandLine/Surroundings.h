@@ -1,7 +1,7 @@
 #pragma once
 
 #include "LaunchKit/InstanceRegistry.h"
-#include "Platform/Workspace.h"
+#include "Platform/desktop/Workspace.h"
 
 #include <iosfwd>
 #include <stdexcept>

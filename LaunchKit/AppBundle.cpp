@@ -1,10 +1,10 @@
 #include "LaunchKit/AppBundle.h"
 
-#include "Platform/FileSystem.h"
-#include "Platform/Process.h"
-#include "Platform/PropertyList.h"
-#include "Platform/Utf8.h"
-#include "Platform/Workspace.h"
+#include "Base/Utf8.h"
+#include "Platform/desktop/Workspace.h"
+#include "Platform/files/FileSystem.h"
+#include "Platform/files/PropertyListFile.h"
+#include "Platform/processes/Process.h"
 
 namespace quorvel {
 namespace {
@@ -43,7 +43,7 @@ std::string noEntitlements(const std::filesystem::path& /*bundle*/) {
 
 std::optional<AppBundle> AppBundle::read(const std::filesystem::path& appURL,
                                          const EntitlementReader& entitlements) {
-    const auto info = PropertyList::readDictionary(
+    const auto info = readPropertyList(
         appURL.native() + "/Contents/Info.plist",
         {"CFBundleIdentifier", "CFBundleExecutable", "LSMultipleInstancesProhibited"});
     if (!info) {

@@ -1,12 +1,13 @@
 #include "LaunchKit/AppCatalog.h"
 
+#include "Base/Text.h"
 #include "LaunchKit/InstanceRegistry.h"
-#include "Platform/FileSystem.h"
-#include "Platform/Folder.h"
-#include "Platform/PropertyList.h"
-#include "Platform/Text.h"
-#include "Platform/UserPaths.h"
-#include "Platform/Workspace.h"
+#include "Platform/desktop/UserLocale.h"
+#include "Platform/desktop/Workspace.h"
+#include "Platform/files/FileSystem.h"
+#include "Platform/files/Folder.h"
+#include "Platform/files/PropertyListFile.h"
+#include "Platform/files/UserPaths.h"
 
 #include <algorithm>
 #include <atomic>
@@ -108,7 +109,7 @@ std::vector<InstalledApp> sortedByName(std::vector<InstalledApp> apps) {
     }
     std::vector<InstalledApp> sorted;
     sorted.reserve(apps.size());
-    for (const std::size_t place : Text::sortedOrder(names)) {
+    for (const std::size_t place : Text::sortedOrder(names, UserLocale::forOrder())) {
         sorted.push_back(std::move(apps[place]));
     }
     return sorted;
@@ -117,8 +118,7 @@ std::vector<InstalledApp> sortedByName(std::vector<InstalledApp> apps) {
 } // namespace
 
 std::optional<fs::path> InstalledApp::iconURL() const {
-    const auto info =
-        PropertyList::readDictionary(url / "Contents" / "Info.plist", {"CFBundleIconFile"});
+    const auto info = readPropertyList(url / "Contents" / "Info.plist", {"CFBundleIconFile"});
     auto file = info ? PropertyList::stringFor(*info, "CFBundleIconFile") : std::nullopt;
     if (!file) {
         return std::nullopt;

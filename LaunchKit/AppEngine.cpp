@@ -1,7 +1,7 @@
+#include "Base/Text.h"
 #include "LaunchKit/RawStrings.h"
 #include "LaunchKit/WrapperFactory.h"
-#include "Platform/FileSystem.h"
-#include "Platform/Text.h"
+#include "Platform/files/FileSystem.h"
 
 #include <algorithm>
 #include <array>

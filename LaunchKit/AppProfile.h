@@ -1,7 +1,7 @@
 #pragma once
 
 #include "LaunchKit/Strategy.h"
-#include "Platform/Workspace.h"
+#include "Platform/desktop/Workspace.h"
 
 #include <optional>
 #include <stdexcept>

@@ -2,8 +2,8 @@
 
 #include "LaunchKit/DataFolderGuard.h"
 #include "LaunchKit/WrapperLayout.h"
-#include "Platform/FileSystem.h"
-#include "Platform/ItemRemoval.h"
+#include "Platform/files/FileSystem.h"
+#include "Platform/files/ItemRemoval.h"
 
 #include <optional>
 #include <string_view>

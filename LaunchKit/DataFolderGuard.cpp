@@ -1,9 +1,9 @@
 #include "LaunchKit/DataFolderGuard.h"
 
 #include "LaunchKit/WrapperFactory.h"
-#include "Platform/FileSystem.h"
-#include "Platform/UserFolders.h"
-#include "Platform/UserPaths.h"
+#include "Platform/files/FileSystem.h"
+#include "Platform/files/UserFolders.h"
+#include "Platform/files/UserPaths.h"
 
 #include <algorithm>
 

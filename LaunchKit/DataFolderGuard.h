@@ -1,7 +1,7 @@
 #pragma once
 
 #include "LaunchKit/InstanceRegistry.h"
-#include "Platform/ItemIdentity.h"
+#include "Platform/files/ItemIdentity.h"
 
 #include <filesystem>
 #include <optional>

@@ -1,6 +1,6 @@
 #include "LaunchKit/HomeLock.h"
 
-#include "Platform/FileSystem.h"
+#include "Platform/files/FileSystem.h"
 
 #include <cerrno>
 

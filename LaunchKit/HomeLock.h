@@ -1,7 +1,7 @@
 #pragma once
 
 #include "LaunchKit/InstanceConfig.h"
-#include "Platform/FileLock.h"
+#include "Platform/files/FileLock.h"
 
 #include <optional>
 #include <stdexcept>

@@ -1,11 +1,11 @@
 #include "LaunchKit/IconComposer.h"
 
-#include "LaunchKit/FontEngine.h"
-#include "LaunchKit/IcnsWriter.h"
-#include "LaunchKit/IconImage.h"
-#include "LaunchKit/LabelPainter.h"
-#include "LaunchKit/LabelText.h"
-#include "Platform/FileSystem.h"
+#include "LaunchKit/Icons/FontEngine.h"
+#include "LaunchKit/Icons/IcnsWriter.h"
+#include "LaunchKit/Icons/IconImage.h"
+#include "LaunchKit/Icons/LabelPainter.h"
+#include "LaunchKit/Icons/LabelText.h"
+#include "Platform/files/FileSystem.h"
 
 #include <algorithm>
 #include <array>

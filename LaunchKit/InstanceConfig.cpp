@@ -3,7 +3,7 @@
 #include "LaunchKit/InstanceConfigFields.h"
 #include "LaunchKit/JsonText.h"
 #include "LaunchKit/RawStrings.h"
-#include "Platform/UserPaths.h"
+#include "Platform/files/UserPaths.h"
 
 #include <nlohmann/json.hpp>
 

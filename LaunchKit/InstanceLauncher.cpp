@@ -1,8 +1,8 @@
 #include "LaunchKit/InstanceLauncher.h"
 
-#include "Platform/ContainedFolder.h"
-#include "Platform/FileSystem.h"
-#include "Platform/UserPaths.h"
+#include "Platform/files/ContainedFolder.h"
+#include "Platform/files/FileSystem.h"
+#include "Platform/files/UserPaths.h"
 
 namespace quorvel {
 namespace {

@@ -2,8 +2,8 @@
 
 #include "LaunchKit/AppBundle.h"
 #include "LaunchKit/InstanceConfig.h"
-#include "Platform/FileHandle.h"
-#include "Platform/Process.h"
+#include "Platform/files/FileHandle.h"
+#include "Platform/processes/Process.h"
 
 #include <array>
 #include <filesystem>

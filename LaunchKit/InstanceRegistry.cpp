@@ -1,11 +1,12 @@
 #include "LaunchKit/InstanceRegistry.h"
 
+#include "Base/Text.h"
 #include "LaunchKit/CloneDeletion.h"
-#include "Platform/FileSystem.h"
-#include "Platform/Folder.h"
-#include "Platform/Text.h"
-#include "Platform/UserPaths.h"
-#include "Platform/Workspace.h"
+#include "Platform/desktop/UserLocale.h"
+#include "Platform/desktop/Workspace.h"
+#include "Platform/files/FileSystem.h"
+#include "Platform/files/Folder.h"
+#include "Platform/files/UserPaths.h"
 
 #include <stdexcept>
 #include <utility>
@@ -39,7 +40,7 @@ void sortByName(std::vector<InstanceRecord>& records) {
     for (const InstanceRecord& record : records) {
         names.push_back(record.config.displayName);
     }
-    arrange(records, Text::sortedOrder(names));
+    arrange(records, Text::sortedOrder(names, UserLocale::forOrder()));
 }
 
 // Appends the clones of one folder. Each is read where it will lie, since records are large.

@@ -1,11 +1,11 @@
 #include "LaunchKit/RequestCheck.h"
 
+#include "Base/Text.h"
+#include "Base/Utf8.h"
 #include "LaunchKit/DataFolderGuard.h"
 #include "LaunchKit/InstanceRegistry.h"
 #include "LaunchKit/WrapperLayout.h"
-#include "Platform/FileSystem.h"
-#include "Platform/Text.h"
-#include "Platform/Utf8.h"
+#include "Platform/files/FileSystem.h"
 
 #include <algorithm>
 

@@ -1,7 +1,7 @@
 #include "LaunchKit/RunnerLocator.h"
 
-#include "Platform/FileSystem.h"
-#include "Platform/MainExecutable.h"
+#include "Platform/files/FileSystem.h"
+#include "Platform/processes/MainExecutable.h"
 
 namespace quorvel {
 namespace fs = std::filesystem;

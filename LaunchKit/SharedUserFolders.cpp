@@ -1,7 +1,7 @@
 #include "LaunchKit/InstanceLauncher.h"
-#include "Platform/FileSystem.h"
-#include "Platform/ItemMover.h"
-#include "Platform/UserPaths.h"
+#include "Platform/files/FileSystem.h"
+#include "Platform/files/ItemMover.h"
+#include "Platform/files/UserPaths.h"
 
 namespace quorvel {
 namespace fs = std::filesystem;

@@ -1,6 +1,6 @@
 #include "LaunchKit/WebBadge.h"
 
-#include "Platform/Text.h"
+#include "Base/Text.h"
 
 #include <algorithm>
 #include <charconv>

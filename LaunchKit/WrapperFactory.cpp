@@ -1,10 +1,10 @@
 #include "LaunchKit/WrapperFactory.h"
 
+#include "Base/Text.h"
 #include "LaunchKit/RunnerLocator.h"
 #include "LaunchKit/WrapperGenerator.h"
-#include "Platform/FileSystem.h"
-#include "Platform/Text.h"
-#include "Platform/UserPaths.h"
+#include "Platform/files/FileSystem.h"
+#include "Platform/files/UserPaths.h"
 
 namespace quorvel {
 namespace fs = std::filesystem;

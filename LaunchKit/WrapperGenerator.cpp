@@ -1,10 +1,11 @@
 #include "LaunchKit/WrapperGenerator.h"
 
+#include "Base/Text.h"
 #include "LaunchKit/CloneDeletion.h"
 #include "LaunchKit/IconComposer.h"
 #include "LaunchKit/InstanceRegistry.h"
-#include "Platform/FileSystem.h"
-#include "Platform/Text.h"
+#include "Platform/files/FileSystem.h"
+#include "Platform/files/PropertyListFile.h"
 
 namespace quorvel {
 namespace fs = std::filesystem;
@@ -12,7 +13,7 @@ namespace {
 
 std::optional<std::string> targetIconFile(const AppBundle& target) {
     const auto info =
-        PropertyList::readDictionary(target.url / "Contents" / "Info.plist", {"CFBundleIconFile"});
+        readPropertyList(target.url / "Contents" / "Info.plist", {"CFBundleIconFile"});
     return info ? PropertyList::stringFor(*info, "CFBundleIconFile") : std::nullopt;
 }
 

@@ -1,8 +1,8 @@
 #pragma once
 
+#include "Base/PropertyList.h"
 #include "LaunchKit/AppBundle.h"
 #include "LaunchKit/InstanceConfig.h"
-#include "Platform/PropertyList.h"
 
 #include <filesystem>
 #include <optional>

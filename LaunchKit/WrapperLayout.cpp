@@ -1,7 +1,7 @@
 #include "LaunchKit/WrapperLayout.h"
 
 #include "LaunchKit/InstanceRegistry.h"
-#include "Platform/FileSystem.h"
+#include "Platform/files/FileSystem.h"
 
 #include <algorithm>
 #include <initializer_list>

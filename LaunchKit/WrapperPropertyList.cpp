@@ -1,5 +1,5 @@
+#include "Base/Text.h"
 #include "LaunchKit/WrapperGenerator.h"
-#include "Platform/Text.h"
 
 #include <charconv>
 #include <stdexcept>

@@ -1,10 +1,11 @@
 #include "ProbeKit/AppProber.h"
 
+#include "Base/RandomUuid.h"
+#include "Base/Text.h"
 #include "LaunchKit/WrapperFactory.h"
-#include "Platform/FileSystem.h"
-#include "Platform/RandomUuid.h"
-#include "Platform/Text.h"
-#include "Platform/UserPaths.h"
+#include "Platform/desktop/UserLocale.h"
+#include "Platform/files/FileSystem.h"
+#include "Platform/files/UserPaths.h"
 #include "ProbeKit/FSEventProbe.h"
 
 #include <algorithm>
@@ -195,8 +196,9 @@ LeakBucket AppProber::bucketOf(const std::string& path, const std::string& fakeH
 }
 
 bool AppProber::pathMentions(std::string_view path) const {
-    return Text::containsIgnoringCase(path, lastComponent(bundle_.bundleId)) ||
-           Text::containsIgnoringCase(path, bundle_.bundleId);
+    const std::string locale = UserLocale::forCase();
+    return Text::containsIgnoringCase(path, lastComponent(bundle_.bundleId), locale) ||
+           Text::containsIgnoringCase(path, bundle_.bundleId, locale);
 }
 
 SingletonTier AppProber::classifySingleton(Process& procB) const {

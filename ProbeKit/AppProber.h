@@ -2,7 +2,7 @@
 
 #include "LaunchKit/AppBundle.h"
 #include "LaunchKit/InstanceLauncher.h"
-#include "Platform/Workspace.h"
+#include "Platform/desktop/Workspace.h"
 #include "ProbeKit/Farewell.h"
 #include "ProbeKit/Models.h"
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Platform/FSEventStream.h"
+#include "Platform/watching/FSEventStream.h"
 #include "ProbeKit/Models.h"
 
 #include <memory>

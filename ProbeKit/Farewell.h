@@ -1,7 +1,7 @@
 #pragma once
 
-#include "Platform/Process.h"
-#include "Platform/ProcessFamily.h"
+#include "Platform/processes/Process.h"
+#include "Platform/processes/ProcessFamily.h"
 
 #include <chrono>
 #include <string>

@@ -1,7 +1,7 @@
 #include "ProbeKit/ProfileGenerator.h"
 
 #include "LaunchKit/WrapperFactory.h"
-#include "Platform/Workspace.h"
+#include "Platform/desktop/Workspace.h"
 
 namespace quorvel {
 

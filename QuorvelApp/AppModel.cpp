@@ -1,9 +1,9 @@
 #include "QuorvelApp/AppModel.h"
 
 #include "LaunchKit/HomeLock.h"
-#include "LaunchKit/IcnsFile.h"
+#include "LaunchKit/Icons/IcnsFile.h"
 #include "LaunchKit/InstanceLauncher.h"
-#include "Platform/FileSystem.h"
+#include "Platform/files/FileSystem.h"
 #include "ProbeKit/ProfileGenerator.h"
 
 #include <QImage>

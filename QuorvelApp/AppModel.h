@@ -2,7 +2,7 @@
 
 #include "LaunchKit/AppProfile.h"
 #include "LaunchKit/InstanceLauncher.h"
-#include "QuorvelApp/AppServices.h"
+#include "QuorvelApp/model/AppServices.h"
 
 #include <QFuture>
 #include <QObject>

@@ -2,11 +2,11 @@
 
 #include "LaunchKit/HomeLock.h"
 #include "LaunchKit/InstanceLauncher.h"
-#include "QuorvelApp/CopyableLabel.h"
-#include "QuorvelApp/MessageSheet.h"
-#include "QuorvelApp/MigrationCallout.h"
-#include "QuorvelApp/Sheet.h"
-#include "QuorvelApp/ShownText.h"
+#include "QuorvelApp/library/MigrationCallout.h"
+#include "QuorvelApp/model/ShownText.h"
+#include "QuorvelApp/widgets/CopyableLabel.h"
+#include "QuorvelApp/widgets/MessageSheet.h"
+#include "QuorvelApp/widgets/Sheet.h"
 
 #include <QHBoxLayout>
 #include <QScrollArea>

@@ -1,9 +1,9 @@
 #include "QuorvelApp/Components.h"
 
-#include "QuorvelApp/CopyableLabel.h"
-#include "QuorvelApp/CrispPixmap.h"
-#include "QuorvelApp/QtText.h"
-#include "QuorvelApp/ShownText.h"
+#include "QuorvelApp/model/QtText.h"
+#include "QuorvelApp/model/ShownText.h"
+#include "QuorvelApp/widgets/CopyableLabel.h"
+#include "QuorvelApp/widgets/CrispPixmap.h"
 
 #include <QHBoxLayout>
 #include <QPainter>

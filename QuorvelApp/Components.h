@@ -1,9 +1,9 @@
 #pragma once
 
 #include "LaunchKit/InstanceRegistry.h"
-#include "QuorvelApp/DisplayTexts.h"
-#include "QuorvelApp/IconLoader.h"
-#include "QuorvelApp/Symbols.h"
+#include "QuorvelApp/model/DisplayTexts.h"
+#include "QuorvelApp/theme/Symbols.h"
+#include "QuorvelApp/widgets/IconLoader.h"
 
 #include <QCheckBox>
 #include <QComboBox>

@@ -2,10 +2,10 @@
 
 #include "QuorvelApp/CloneDetailView.h"
 #include "QuorvelApp/Components.h"
-#include "QuorvelApp/ModelAlert.h"
 #include "QuorvelApp/NewCloneView.h"
-#include "QuorvelApp/Sheet.h"
-#include "QuorvelApp/Sidebar.h"
+#include "QuorvelApp/app/ModelAlert.h"
+#include "QuorvelApp/library/Sidebar.h"
+#include "QuorvelApp/widgets/Sheet.h"
 
 #include <QHBoxLayout>
 #include <QSplitter>

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "QuorvelApp/AppModel.h"
-#include "QuorvelApp/FilePanels.h"
-#include "QuorvelApp/IconLoader.h"
+#include "QuorvelApp/widgets/FilePanels.h"
+#include "QuorvelApp/widgets/IconLoader.h"
 
 #include <QPointer>
 #include <QWidget>

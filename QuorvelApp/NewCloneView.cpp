@@ -1,10 +1,10 @@
 #include "QuorvelApp/NewCloneView.h"
 
 #include "QuorvelApp/Components.h"
-#include "QuorvelApp/ConfigurationPane.h"
-#include "QuorvelApp/SearchField.h"
-#include "QuorvelApp/SegmentedControl.h"
-#include "QuorvelApp/TargetPane.h"
+#include "QuorvelApp/newclone/ConfigurationPane.h"
+#include "QuorvelApp/newclone/TargetPane.h"
+#include "QuorvelApp/widgets/SearchField.h"
+#include "QuorvelApp/widgets/SegmentedControl.h"
 
 #include <QHBoxLayout>
 #include <QStyle>

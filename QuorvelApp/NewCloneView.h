@@ -1,7 +1,7 @@
 #pragma once
 
-#include "QuorvelApp/IconLoader.h"
-#include "QuorvelApp/NewCloneSession.h"
+#include "QuorvelApp/model/NewCloneSession.h"
+#include "QuorvelApp/widgets/IconLoader.h"
 
 #include <QDialog>
 

@@ -1,10 +1,10 @@
 #pragma once
 
 #include "QuorvelApp/AppModel.h"
-#include "QuorvelApp/FilePanels.h"
-#include "QuorvelApp/IconLoader.h"
-#include "QuorvelApp/MainWindow.h"
 #include "QuorvelApp/Updater.h"
+#include "QuorvelApp/app/MainWindow.h"
+#include "QuorvelApp/widgets/FilePanels.h"
+#include "QuorvelApp/widgets/IconLoader.h"
 
 #include <atomic>
 #include <memory>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Platform/UpdateService.h"
+#include "Platform/desktop/UpdateService.h"
 
 #include <QObject>
 

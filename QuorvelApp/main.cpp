@@ -1,6 +1,6 @@
-#include "QuorvelApp/Appearance.h"
-#include "QuorvelApp/FilePanels.h"
 #include "QuorvelApp/QuorvelApp.h"
+#include "QuorvelApp/theme/Appearance.h"
+#include "QuorvelApp/widgets/FilePanels.h"
 
 #include <QApplication>
 #include <QIcon>

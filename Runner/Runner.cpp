@@ -1,11 +1,11 @@
 #include "Runner/Runner.h"
 
+#include "Base/TerminalText.h"
 #include "LaunchKit/HomeLock.h"
 #include "LaunchKit/InstanceConfig.h"
 #include "LaunchKit/InstanceLauncher.h"
-#include "Platform/FileSystem.h"
-#include "Platform/StartReport.h"
-#include "Platform/TerminalText.h"
+#include "Platform/files/FileSystem.h"
+#include "Platform/processes/StartReport.h"
 
 #include <csignal>
 #include <cstdio>

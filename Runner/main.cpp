@@ -1,4 +1,4 @@
-#include "Platform/MainExecutable.h"
+#include "Platform/processes/MainExecutable.h"
 #include "Runner/Runner.h"
 
 #include <cstdio>

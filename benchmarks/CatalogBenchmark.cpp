@@ -1,8 +1,8 @@
 // What the catalog's scan costs: with a code-signing tool against one bundle after the other, and
 // without one against reading the bundles' files.
+#include "Base/PropertyList.h"
 #include "LaunchKit/AppCatalog.h"
-#include "Platform/FileSystem.h"
-#include "Platform/PropertyList.h"
+#include "Platform/files/FileSystem.h"
 #include "benchmarks/Benchmarks.h"
 
 #include <fcntl.h>

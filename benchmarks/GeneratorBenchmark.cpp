@@ -1,7 +1,7 @@
 #include "benchmarks/Benchmarks.h"
 
 #include "LaunchKit/WrapperGenerator.h"
-#include "Platform/FileSystem.h"
+#include "Platform/files/FileSystem.h"
 
 #include <fcntl.h>
 #include <sys/sendfile.h>

@@ -1,9 +1,9 @@
 // Icon work against its floors.
-#include "LaunchKit/FontEngine.h"
-#include "LaunchKit/IcnsFile.h"
-#include "LaunchKit/IcnsWriter.h"
 #include "LaunchKit/IconComposer.h"
-#include "LaunchKit/IconImage.h"
+#include "LaunchKit/Icons/FontEngine.h"
+#include "LaunchKit/Icons/IcnsFile.h"
+#include "LaunchKit/Icons/IcnsWriter.h"
+#include "LaunchKit/Icons/IconImage.h"
 #include "benchmarks/Benchmarks.h"
 #include "tests/support/IconArtwork.h"
 #include "tests/support/TemporaryHome.h"

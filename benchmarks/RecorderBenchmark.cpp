@@ -1,7 +1,7 @@
 // How much of a storm of new files the recorder sees, and what it costs the writer; a plain
 // recursive watcher (inotifywait) stands beside it.
-#include "Platform/FileSystem.h"
-#include "Platform/Process.h"
+#include "Platform/files/FileSystem.h"
+#include "Platform/processes/Process.h"
 #include "ProbeKit/FSEventProbe.h"
 #include "benchmarks/Benchmarks.h"
 

@@ -1,7 +1,7 @@
 #include "benchmarks/Benchmarks.h"
 
 #include "LaunchKit/InstanceRegistry.h"
-#include "Platform/FileSystem.h"
+#include "Platform/files/FileSystem.h"
 
 #include <dirent.h>
 #include <fcntl.h>

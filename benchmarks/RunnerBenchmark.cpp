@@ -1,8 +1,8 @@
 #include "benchmarks/Benchmarks.h"
 
 #include "LaunchKit/WrapperGenerator.h"
-#include "Platform/FileSystem.h"
-#include "Platform/Process.h"
+#include "Platform/files/FileSystem.h"
+#include "Platform/processes/Process.h"
 
 #include <chrono>
 #include <sstream>

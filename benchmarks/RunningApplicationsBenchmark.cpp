@@ -1,9 +1,9 @@
 #include "benchmarks/Benchmarks.h"
 
-#include "Platform/FileSystem.h"
-#include "Platform/Process.h"
-#include "Platform/PropertyList.h"
-#include "Platform/Workspace.h"
+#include "Base/PropertyList.h"
+#include "Platform/desktop/Workspace.h"
+#include "Platform/files/FileSystem.h"
+#include "Platform/processes/Process.h"
 
 #include <cctype>
 #include <dirent.h>

@@ -1,12 +1,12 @@
 // How quick the window is, next to an empty Qt window in the same run.
 //   app_benchmark            runs everything and prints a table
 // Draws on the display where there is one, else on none. Works in a throw-away home.
-#include "LaunchKit/IcnsWriter.h"
-#include "QuorvelApp/AppPicker.h"
-#include "QuorvelApp/Appearance.h"
+#include "LaunchKit/Icons/IcnsWriter.h"
 #include "QuorvelApp/NewCloneView.h"
 #include "QuorvelApp/QuorvelApp.h"
-#include "QuorvelApp/Sidebar.h"
+#include "QuorvelApp/library/Sidebar.h"
+#include "QuorvelApp/newclone/AppPicker.h"
+#include "QuorvelApp/theme/Appearance.h"
 #include "benchmarks/Comparison.h"
 #include "tests/support/AppBundles.h"
 #include "tests/support/TemporaryHome.h"

@@ -1,6 +1,6 @@
 // Feeds the icon reader with whatever libFuzzer makes up, and checks what it promises.
 
-#include "LaunchKit/IcnsFile.h"
+#include "LaunchKit/Icons/IcnsFile.h"
 
 #include <QImage>
 

@@ -1,5 +1,5 @@
 // Feeds a bundle's property list through everything that reads one.
-#include "Platform/PropertyList.h"
+#include "Base/PropertyList.h"
 
 #include <cstdint>
 #include <cstdlib>

@@ -1,5 +1,5 @@
 // Presses Tab in real shells, among names that were made to harm.
-#include "Platform/FileSystem.h"
+#include "Platform/files/FileSystem.h"
 #include "tests/CommandLine/InteractiveShell.h"
 #include "tests/support/AppBundles.h"
 #include "tests/support/TemporaryHome.h"

@@ -1,4 +1,6 @@
 #include "tests/CommandLine/CommandLineHarness.h"
+
+#include "Platform/files/PropertyListFile.h"
 #include "tests/support/AppBundles.h"
 
 #include <gmock/gmock.h>
@@ -139,7 +141,7 @@ TEST_F(CreateCommand, HidesTheDockIconAndTakesAnIconFile) {
             .json();
     const fs::path wrapper = json["bundleURL"].get<std::string>();
     EXPECT_EQ(read(json["iconURL"].get<std::string>()), "icon bytes");
-    const auto info = PropertyList::readDictionary(wrapper / "Contents/Info.plist");
+    const auto info = readPropertyList(wrapper / "Contents/Info.plist");
     EXPECT_EQ(info->at("LSUIElement"), PropertyListValue(true));
 }
 

@@ -1,4 +1,4 @@
-#include "LaunchKit/IcnsFile.h"
+#include "LaunchKit/Icons/IcnsFile.h"
 #include "tests/CommandLine/CommandLineHarness.h"
 #include "tests/support/AppBundles.h"
 #include "tests/support/IcnsBuilder.h"

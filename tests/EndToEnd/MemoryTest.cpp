@@ -1,6 +1,6 @@
 // Files that were made to take memory, given to the built program.
-#include "Platform/PropertyList.h"
-#include "Platform/PropertyListLimits.h"
+#include "Base/PropertyList.h"
+#include "Base/PropertyListLimits.h"
 #include "tests/EndToEnd/PeakMemory.h"
 #include "tests/support/BinaryList.h"
 #include "tests/support/IcnsBuilder.h"

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Platform/Process.h"
+#include "Platform/processes/Process.h"
 
 #include <cstddef>
 #include <string>

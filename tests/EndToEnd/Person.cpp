@@ -1,6 +1,6 @@
 #include "tests/EndToEnd/Person.h"
 
-#include "Platform/Process.h"
+#include "Platform/processes/Process.h"
 #include "tests/support/Waiting.h"
 
 #include <atspi/atspi.h>

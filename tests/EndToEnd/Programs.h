@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Platform/Process.h"
+#include "Platform/processes/Process.h"
 #include "tests/support/TemporaryHome.h"
 
 #include <nlohmann/json.hpp>

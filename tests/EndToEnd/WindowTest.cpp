@@ -1,4 +1,4 @@
-#include "LaunchKit/IcnsWriter.h"
+#include "LaunchKit/Icons/IcnsWriter.h"
 #include "tests/EndToEnd/Desktop.h"
 #include "tests/EndToEnd/Person.h"
 #include "tests/EndToEnd/Programs.h"

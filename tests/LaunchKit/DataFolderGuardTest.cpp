@@ -2,7 +2,7 @@
 #include "LaunchKit/DataFolderGuard.h"
 
 #include "LaunchKit/RequestCheck.h"
-#include "Platform/PlatformError.h"
+#include "Platform/files/PlatformError.h"
 #include "tests/support/AppBundles.h"
 #include "tests/support/PrivateMounts.h"
 #include "tests/support/TemporaryHome.h"

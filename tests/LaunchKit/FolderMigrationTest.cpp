@@ -1,6 +1,6 @@
 #include "LaunchKit/InstanceLauncher.h"
 
-#include "Platform/FileSystem.h"
+#include "Platform/files/FileSystem.h"
 #include "tests/support/EveryStep.h"
 #include "tests/support/OrdinaryUser.h"
 #include "tests/support/OtherVolume.h"

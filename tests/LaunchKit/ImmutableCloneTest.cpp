@@ -1,6 +1,6 @@
 // Deleting clones whose configuration the file system protects from any change.
 #include "LaunchKit/InstanceRegistry.h"
-#include "Platform/PlatformError.h"
+#include "Platform/files/PlatformError.h"
 #include "tests/support/AppBundles.h"
 #include "tests/support/ImmutableFile.h"
 #include "tests/support/TemporaryHome.h"

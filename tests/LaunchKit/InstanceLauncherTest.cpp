@@ -1,7 +1,7 @@
 #include "LaunchKit/InstanceLauncher.h"
 
-#include "Platform/FileSystem.h"
-#include "Platform/PlatformError.h"
+#include "Platform/files/FileSystem.h"
+#include "Platform/files/PlatformError.h"
 #include "tests/support/AppBundles.h"
 #include "tests/support/TemporaryHome.h"
 

@@ -1,6 +1,6 @@
 #include "LaunchKit/InstanceRegistry.h"
 
-#include "Platform/PlatformError.h"
+#include "Platform/files/PlatformError.h"
 #include "tests/support/AppBundles.h"
 #include "tests/support/OrdinaryUser.h"
 #include "tests/support/TemporaryHome.h"

@@ -1,7 +1,7 @@
 #include "LaunchKit/RunnerLocator.h"
 
-#include "Platform/MainExecutable.h"
-#include "Platform/Process.h"
+#include "Platform/processes/MainExecutable.h"
+#include "Platform/processes/Process.h"
 #include "tests/support/AppBundles.h"
 #include "tests/support/TemporaryHome.h"
 

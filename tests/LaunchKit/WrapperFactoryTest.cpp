@@ -2,8 +2,9 @@
 
 #include "LaunchKit/InstanceRegistry.h"
 #include "LaunchKit/WrapperGenerator.h"
-#include "Platform/MainExecutable.h"
-#include "Platform/Process.h"
+#include "Platform/files/PropertyListFile.h"
+#include "Platform/processes/MainExecutable.h"
+#include "Platform/processes/Process.h"
 #include "tests/support/AppBundles.h"
 #include "tests/support/TemporaryHome.h"
 
@@ -215,7 +216,7 @@ TEST_F(Factory, EachFlagSetAloneIsTheOnlyOneSet) {
             EXPECT_EQ(config.*flag.taken, flag.taken == set.taken)
                 << flag.name << " where only " << set.name << " is set";
         }
-        const auto info = PropertyList::readDictionary(wrapper / "Contents/Info.plist").value();
+        const auto info = readPropertyList(wrapper / "Contents/Info.plist").value();
         EXPECT_FALSE(info.contains("LSUIElement")) << set.name;
     }
 }
@@ -237,8 +238,7 @@ TEST_F(Factory, IconAndHidingReachTheWrapper) {
     request.hideWrapperIcon = true;
     const fs::path wrapper = create(request);
     EXPECT_EQ(read(wrapper / "Contents/Resources/AppIcon.icns"), "icon bytes");
-    EXPECT_EQ(PropertyList::readDictionary(wrapper / "Contents/Info.plist")->at("LSUIElement"),
-              true);
+    EXPECT_EQ(readPropertyList(wrapper / "Contents/Info.plist")->at("LSUIElement"), true);
 }
 
 TEST_F(Factory, AGivenIdentifierIsKeptEvenWhereItCollides) {

@@ -1,6 +1,7 @@
 #include "LaunchKit/WrapperGenerator.h"
 
-#include "Platform/PlatformError.h"
+#include "Platform/files/PlatformError.h"
+#include "Platform/files/PropertyListFile.h"
 #include "tests/support/AppBundles.h"
 #include "tests/support/TemporaryHome.h"
 
@@ -48,7 +49,7 @@ protected:
 
     [[nodiscard]] std::string iconOf(const WrapperGenerator::Options& options) const {
         const fs::path wrapper = generate(options);
-        const auto info = PropertyList::readDictionary(wrapper / "Contents/Info.plist");
+        const auto info = readPropertyList(wrapper / "Contents/Info.plist");
         const fs::path icon = wrapper / "Contents/Resources/AppIcon.icns";
         EXPECT_EQ(PropertyList::stringFor(*info, "CFBundleIconFile"),
                   fs::exists(icon) ? std::optional<std::string>("AppIcon") : std::nullopt);

@@ -1,5 +1,6 @@
 #include "LaunchKit/WrapperGenerator.h"
 
+#include "Platform/files/PropertyListFile.h"
 #include "tests/support/AppBundles.h"
 #include "tests/support/TemporaryHome.h"
 
@@ -130,9 +131,7 @@ TEST(WrapperPropertyList, AnOverriddenIdentifierLeavesTheConfigurationAlone) {
     options.runnerBinary = folder / "runner";
     options.config.infoPlistOverrides = {{"CFBundleIdentifier", "other"}};
     const auto wrapper = WrapperGenerator().generate(folder.path(), options);
-    EXPECT_EQ(
-        PropertyList::readDictionary(wrapper / "Contents/Info.plist")->at("CFBundleIdentifier"),
-        "other");
+    EXPECT_EQ(readPropertyList(wrapper / "Contents/Info.plist")->at("CFBundleIdentifier"), "other");
     EXPECT_EQ(InstanceConfig::read(wrapper / "Contents/Resources/instance.json")->bundleId,
               "app.quorvel.instance.test");
 }

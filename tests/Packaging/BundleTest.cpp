@@ -1,6 +1,7 @@
-#include "LaunchKit/IcnsFile.h"
-#include "Platform/FileSystem.h"
-#include "Platform/PropertyList.h"
+#include "LaunchKit/Icons/IcnsFile.h"
+
+#include "Platform/files/FileSystem.h"
+#include "Platform/files/PropertyListFile.h"
 #include "tests/Packaging/Commands.h"
 #include "tests/support/AppBundles.h"
 
@@ -33,7 +34,7 @@ protected:
 
     static fs::path contents() { return folder_->path() / "Quorvel.app/Contents"; }
     static std::string info(const std::string& key) {
-        const auto dictionary = PropertyList::readDictionary(contents() / "Info.plist");
+        const auto dictionary = readPropertyList(contents() / "Info.plist");
         return dictionary ? PropertyList::stringFor(*dictionary, key).value_or("") : "";
     }
 
@@ -79,7 +80,7 @@ TEST_F(StagedBundle, SaysWhatItIs) {
     EXPECT_EQ(read(contents() / "PkgInfo"), "APPL????");
     EXPECT_TRUE(isExecutableFile(contents() / "MacOS" / info("CFBundleExecutable")));
     EXPECT_TRUE(itemExists(contents() / "Resources" / (info("CFBundleIconFile") + ".icns")));
-    const auto dictionary = PropertyList::readDictionary(contents() / "Info.plist");
+    const auto dictionary = readPropertyList(contents() / "Info.plist");
     ASSERT_TRUE(dictionary);
     EXPECT_EQ(dictionary->at("NSHighResolutionCapable"), true);
 }
@@ -163,7 +164,7 @@ protected:
         return outcomeOf(command);
     }
     [[nodiscard]] std::string entry(const std::string& key) const {
-        const auto dictionary = PropertyList::readDictionary(file_);
+        const auto dictionary = readPropertyList(file_);
         return dictionary ? PropertyList::stringFor(*dictionary, key).value_or("none") : "no file";
     }
 

@@ -1,5 +1,5 @@
 // What the documents for contributors say about this tree.
-#include "Platform/FileSystem.h"
+#include "Platform/files/FileSystem.h"
 #include "tests/support/TemporaryHome.h"
 
 #include <gtest/gtest.h>

@@ -1,6 +1,6 @@
 #include "tests/Packaging/Commands.h"
 
-#include "Platform/FileSystem.h"
+#include "Platform/files/FileSystem.h"
 
 #include <gmock/gmock.h>
 

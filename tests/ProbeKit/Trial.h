@@ -3,6 +3,7 @@
 #include "ProbeKit/AppProber.h"
 #include "ProbeKit/Farewell.h"
 #include "tests/support/AppBundles.h"
+#include "tests/support/StubWorkspace.h"
 #include "tests/support/TemporaryHome.h"
 #include "tests/support/Waiting.h"
 
@@ -15,20 +16,6 @@
 #include <vector>
 
 namespace quorvel::testing {
-
-/// Reports the running applications that it was given.
-class StubWorkspace : public Workspace {
-public:
-    std::vector<RunningApplication> running{};
-
-    void openApplication(const std::filesystem::path& /*bundle*/, bool /*activates*/,
-                         Completion completion) override {
-        completion(std::nullopt);
-    }
-    void reveal(const std::filesystem::path& /*item*/) override {}
-    RunningApplications runningApplications() override { return RunningApplications(running); }
-    OperatingSystemVersion operatingSystemVersion() const override { return {14, 5}; }
-};
 
 /// An application with a plan of its own (see tests/helpers), everything that a prober needs around
 /// it, and the clean-up behind it. Each wait of the probe lasts until the application told that it

@@ -1,6 +1,6 @@
-#include "QuorvelApp/CloneListModel.h"
-#include "QuorvelApp/QtText.h"
-#include "QuorvelApp/ShownText.h"
+#include "QuorvelApp/model/CloneListModel.h"
+#include "QuorvelApp/model/QtText.h"
+#include "QuorvelApp/model/ShownText.h"
 #include "tests/QuorvelApp/WindowFixture.h"
 
 #include <QLabel>

@@ -1,4 +1,4 @@
-#include "QuorvelApp/MessageSheet.h"
+#include "QuorvelApp/widgets/MessageSheet.h"
 #include "tests/QuorvelApp/WindowFixture.h"
 
 #include <QComboBox>

@@ -1,5 +1,5 @@
-#include "LaunchKit/IcnsWriter.h"
-#include "QuorvelApp/CloneRow.h"
+#include "LaunchKit/Icons/IcnsWriter.h"
+#include "QuorvelApp/library/CloneRow.h"
 #include "tests/QuorvelApp/WindowFixture.h"
 
 #include <QApplication>

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "QuorvelApp/AppPicker.h"
-#include "QuorvelApp/ConfigurationPane.h"
+#include "QuorvelApp/newclone/AppPicker.h"
+#include "QuorvelApp/newclone/ConfigurationPane.h"
 
 #include <QAbstractItemView>
 #include <QCheckBox>

@@ -1,9 +1,9 @@
 #pragma once
 
 #include "QuorvelApp/CloneDetailView.h"
-#include "QuorvelApp/MainWindow.h"
 #include "QuorvelApp/NewCloneView.h"
-#include "QuorvelApp/Sidebar.h"
+#include "QuorvelApp/app/MainWindow.h"
+#include "QuorvelApp/library/Sidebar.h"
 #include "tests/QuorvelApp/StubServices.h"
 #include "tests/QuorvelApp/WidgetLookup.h"
 #include "tests/support/AppBundles.h"

@@ -1,5 +1,5 @@
-#include "QuorvelApp/Appearance.h"
-#include "QuorvelApp/FilePanels.h"
+#include "QuorvelApp/theme/Appearance.h"
+#include "QuorvelApp/widgets/FilePanels.h"
 
 #include <QApplication>
 #include <QStandardPaths>

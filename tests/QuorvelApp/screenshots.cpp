@@ -1,10 +1,10 @@
 // Shows every state of the windows in a throw-away home and saves a picture of each.
 // Usage: quorvel_screenshots FOLDER
-#include "LaunchKit/IcnsWriter.h"
 #include "LaunchKit/IconComposer.h"
-#include "QuorvelApp/Appearance.h"
-#include "QuorvelApp/MainWindow.h"
-#include "QuorvelApp/Sidebar.h"
+#include "LaunchKit/Icons/IcnsWriter.h"
+#include "QuorvelApp/app/MainWindow.h"
+#include "QuorvelApp/library/Sidebar.h"
+#include "QuorvelApp/theme/Appearance.h"
 #include "tests/QuorvelApp/StubServices.h"
 #include "tests/QuorvelApp/WidgetLookup.h"
 #include "tests/support/AppBundles.h"

@@ -1,6 +1,6 @@
 // The runner is copied into every wrapper, so it has to be small and to stand alone.
-#include "Platform/FileSystem.h"
-#include "Platform/Process.h"
+#include "Platform/files/FileSystem.h"
+#include "Platform/processes/Process.h"
 #include "tests/support/AppBundles.h"
 #include "tests/support/TemporaryHome.h"
 

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "LaunchKit/WrapperGenerator.h"
-#include "Platform/Process.h"
+#include "Platform/processes/Process.h"
 #include "tests/support/AppBundles.h"
 #include "tests/support/TemporaryHome.h"
 

@@ -1,7 +1,7 @@
 #pragma once
 
+#include "Base/PropertyList.h"
 #include "LaunchKit/InstanceConfig.h"
-#include "Platform/PropertyList.h"
 
 #include <filesystem>
 #include <string>

@@ -1,6 +1,6 @@
 #include "tests/support/ImmutableFile.h"
 
-#include "Platform/FileHandle.h"
+#include "Platform/files/FileHandle.h"
 
 #include <fcntl.h>
 #include <linux/fs.h>

@@ -1,6 +1,6 @@
 #include "tests/support/PrivateMounts.h"
 
-#include "Platform/FileHandle.h"
+#include "Platform/files/FileHandle.h"
 
 #include <array>
 #include <cerrno>

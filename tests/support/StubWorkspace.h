@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Platform/Workspace.h"
+#include "Platform/desktop/Workspace.h"
 
 #include <optional>
 #include <vector>

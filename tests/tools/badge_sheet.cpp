@@ -1,9 +1,9 @@
 // Draws a contact sheet of badged icons, for people to look at: badge_sheet FILE
 // Every icon on it went through the composer and back through the reader.
 
-#include "LaunchKit/FontEngine.h"
-#include "LaunchKit/IcnsFile.h"
 #include "LaunchKit/IconComposer.h"
+#include "LaunchKit/Icons/FontEngine.h"
+#include "LaunchKit/Icons/IcnsFile.h"
 #include "tests/support/IconArtwork.h"
 #include "tests/support/TemporaryHome.h"
 

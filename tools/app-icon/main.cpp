@@ -1,7 +1,7 @@
 // Draws the application's own icon, while it is built: quorvel-app-icon DRAWING.svg ICON.icns
 
-#include "LaunchKit/IcnsWriter.h"
-#include "Platform/FileSystem.h"
+#include "LaunchKit/Icons/IcnsWriter.h"
+#include "Platform/files/FileSystem.h"
 
 #include <QGuiApplication>
 #include <QPainter>

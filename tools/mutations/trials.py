@@ -6,15 +6,16 @@ from dataclasses import dataclass
 
 # Which programs test a layer, and which of their tests count.
 LAYERS = {
+    "Base": {"base_tests": "*"},
     "Platform": {"platform_tests": "*"},
-    "LaunchKit": {"launchkit_tests": "*", "catalog_tests": "*", "icon_tests": "WrapperIcon.*"},
+    "LaunchKit": {"launchkit_tests": "*", "icon_tests": "WrapperIcon.*"},
     "LaunchKit's icons": {"icon_tests": "*"},
     "ProbeKit": {"probe_tests": "*"},
     "Runner": {"runner_tests": "*"},
     "CommandLine": {"commandline_tests": "*"},
     "QuorvelApp": {"app_tests": "*"},
 }
-ICONS = re.compile(r"LaunchKit/(?:Icons/|FontEngine|Gaussian|Icns|Icon|ImageFile|Jpeg2000|Label)")
+ICONS = re.compile(r"LaunchKit/(?:Icons/|IconComposer)")
 SUITE = re.compile(r"^(?:TYPED_)?TEST(?:_[FP])?\((\w+),", re.MULTILINE)
 CASE = re.compile(r"^\[  FAILED  \] ([\w./]+)", re.MULTILINE)
 

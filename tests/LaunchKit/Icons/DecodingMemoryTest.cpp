@@ -1,4 +1,4 @@
-#include "LaunchKit/DecodingMemory.h"
+#include "LaunchKit/Icons/DecodingMemory.h"
 
 #include <atomic>
 #include <chrono>

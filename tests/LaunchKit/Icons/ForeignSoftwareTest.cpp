@@ -1,6 +1,6 @@
-#include "LaunchKit/IcnsFile.h"
 #include "LaunchKit/IconComposer.h"
-#include "Platform/Process.h"
+#include "LaunchKit/Icons/IcnsFile.h"
+#include "Platform/processes/Process.h"
 #include "tests/support/IcnsBuilder.h"
 #include "tests/support/IconArtwork.h"
 #include "tests/support/TemporaryHome.h"

@@ -1,6 +1,6 @@
-#include "LaunchKit/IcnsFile.h"
+#include "LaunchKit/Icons/IcnsFile.h"
 
-#include "LaunchKit/IconImage.h"
+#include "LaunchKit/Icons/IconImage.h"
 #include "tests/support/IcnsBuilder.h"
 #include "tests/support/TemporaryHome.h"
 

@@ -1,7 +1,7 @@
-#include "LaunchKit/IcnsContainer.h"
-#include "LaunchKit/IcnsFile.h"
-#include "LaunchKit/IconImage.h"
-#include "LaunchKit/Jpeg2000Image.h"
+#include "LaunchKit/Icons/IcnsContainer.h"
+#include "LaunchKit/Icons/IcnsFile.h"
+#include "LaunchKit/Icons/IconImage.h"
+#include "LaunchKit/Icons/Jpeg2000Image.h"
 #include "tests/support/IcnsBuilder.h"
 #include "tests/support/TemporaryHome.h"
 

@@ -1,7 +1,7 @@
-#include "LaunchKit/IcnsWriter.h"
+#include "LaunchKit/Icons/IcnsWriter.h"
 
-#include "LaunchKit/IcnsFile.h"
-#include "LaunchKit/IcnsRunLength.h"
+#include "LaunchKit/Icons/IcnsFile.h"
+#include "LaunchKit/Icons/IcnsRunLength.h"
 #include "tests/support/IcnsBuilder.h"
 
 #include <QImage>

@@ -1,8 +1,8 @@
 #include "LaunchKit/IconComposer.h"
 
-#include "LaunchKit/IcnsContainer.h"
-#include "LaunchKit/IcnsFile.h"
-#include "LaunchKit/IconImage.h"
+#include "LaunchKit/Icons/IcnsContainer.h"
+#include "LaunchKit/Icons/IcnsFile.h"
+#include "LaunchKit/Icons/IconImage.h"
 #include "tests/support/IcnsBuilder.h"
 #include "tests/support/IconArtwork.h"
 #include "tests/support/TemporaryHome.h"

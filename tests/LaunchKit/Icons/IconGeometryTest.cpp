@@ -1,8 +1,8 @@
-#include "LaunchKit/FontEngine.h"
-#include "LaunchKit/IcnsFile.h"
 #include "LaunchKit/IconComposer.h"
-#include "LaunchKit/LabelPainter.h"
-#include "LaunchKit/LabelText.h"
+#include "LaunchKit/Icons/FontEngine.h"
+#include "LaunchKit/Icons/IcnsFile.h"
+#include "LaunchKit/Icons/LabelPainter.h"
+#include "LaunchKit/Icons/LabelText.h"
 #include "tests/support/TemporaryHome.h"
 
 #include <QImage>

@@ -1,4 +1,4 @@
-#include "LaunchKit/ImageFile.h"
+#include "LaunchKit/Icons/ImageFile.h"
 
 #include "tests/support/IcnsBuilder.h"
 

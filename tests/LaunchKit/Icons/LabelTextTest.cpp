@@ -1,6 +1,6 @@
-#include "LaunchKit/LabelText.h"
+#include "LaunchKit/Icons/LabelText.h"
 
-#include "LaunchKit/FontEngine.h"
+#include "LaunchKit/Icons/FontEngine.h"
 
 #include <QChar>
 #include <QFont>

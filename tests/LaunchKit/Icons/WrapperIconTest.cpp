@@ -1,6 +1,6 @@
-#include "LaunchKit/IcnsFile.h"
+#include "LaunchKit/Icons/IcnsFile.h"
 #include "LaunchKit/WrapperGenerator.h"
-#include "Platform/PlatformError.h"
+#include "Platform/files/PlatformError.h"
 #include "tests/support/AppBundles.h"
 #include "tests/support/IcnsBuilder.h"
 #include "tests/support/IconArtwork.h"

@@ -1,0 +1,94 @@
+#include "LaunchKit/Icons/GaussianBlur.h"
+
+#include <algorithm>
+#include <cmath>
+#include <vector>
+
+namespace quorvel {
+namespace {
+
+// The weights of the pixels from -radius to radius around one pixel.
+struct Kernel {
+    int radius = 0;
+    std::vector<float> weights{};
+};
+
+// Each weight is the Gaussian's share of the whole pixel, so that a narrow one stays exact.
+Kernel kernel(double deviation, double centre) {
+    Kernel result;
+    result.radius = static_cast<int>(std::ceil(3 * deviation + std::abs(centre)));
+    const auto below = [&](double x) {
+        return std::erf((x - centre) / (deviation * std::sqrt(2)));
+    };
+    double sum = 0;
+    for (int offset = -result.radius; offset <= result.radius; ++offset) {
+        const double weight = below(offset + 0.5) - below(offset - 0.5);
+        result.weights.push_back(static_cast<float>(weight));
+        sum += weight;
+    }
+    for (float& weight : result.weights) {
+        weight = static_cast<float>(weight / sum);
+    }
+    return result;
+}
+
+using Plane = std::vector<float>;
+
+// Adds `source`, `shift` places further right, times `weight`; what leaves the line is lost.
+void addShifted(const float* source, float* target, int length, int shift, float weight) {
+    const int first = std::max(0, shift);
+    const int last = std::min(length, length + shift);
+    for (int index = first; index < last; ++index) {
+        target[index] += source[index - shift] * weight;
+    }
+}
+
+void blurRows(const Plane& source, Plane& target, int width, int height, const Kernel& kernel) {
+    for (int y = 0; y < height; ++y) {
+        for (int shift = -kernel.radius; shift <= kernel.radius; ++shift) {
+            addShifted(&source[static_cast<std::size_t>(y) * width],
+                       &target[static_cast<std::size_t>(y) * width], width, shift,
+                       kernel.weights[static_cast<std::size_t>(shift + kernel.radius)]);
+        }
+    }
+}
+
+void blurColumns(const Plane& source, Plane& target, int width, int height, const Kernel& kernel) {
+    for (int y = 0; y < height; ++y) {
+        for (int shift = -kernel.radius; shift <= kernel.radius; ++shift) {
+            const int from = y - shift;
+            if (from >= 0 && from < height) {
+                addShifted(&source[static_cast<std::size_t>(from) * width],
+                           &target[static_cast<std::size_t>(y) * width], width, 0,
+                           kernel.weights[static_cast<std::size_t>(shift + kernel.radius)]);
+            }
+        }
+    }
+}
+
+} // namespace
+
+QImage gaussianBlurred(const QImage& coverage, double deviation, double drop) {
+    const int width = coverage.width();
+    const int height = coverage.height();
+    Plane plane;
+    plane.reserve(static_cast<std::size_t>(width) * height);
+    for (int y = 0; y < height; ++y) {
+        const uchar* line = coverage.constScanLine(y);
+        plane.insert(plane.end(), line, line + width);
+    }
+    Plane rows(plane.size());
+    blurRows(plane, rows, width, height, kernel(deviation, 0));
+    std::fill(plane.begin(), plane.end(), 0.0F);
+    blurColumns(rows, plane, width, height, kernel(deviation, drop));
+    QImage result(coverage.size(), QImage::Format_Alpha8);
+    for (int y = 0; y < height; ++y) {
+        const float* line = &plane[static_cast<std::size_t>(y) * width];
+        std::transform(line, line + width, result.scanLine(y), [](float value) {
+            return static_cast<uchar>(std::min(value + 0.5F, 255.0F));
+        });
+    }
+    return result;
+}
+
+} // namespace quorvel

@@ -1,0 +1,29 @@
+#pragma once
+
+#include "Platform/desktop/ColorScheme.h"
+
+#include <QDBusVariant>
+#include <QObject>
+
+namespace quorvel {
+
+/// The freedesktop portal's answer.
+class PortalColorScheme final : public QObject, public ColorSchemeSource {
+    Q_OBJECT
+
+public:
+    explicit PortalColorScheme(std::function<void()> changed);
+
+    [[nodiscard]] std::optional<ColorScheme> current() const override { return scheme_; }
+
+private Q_SLOTS:
+    // D-Bus signals can only be delivered to a slot known by name.
+    void settingChanged(const QString& changedGroup, const QString& changedKey,
+                        const QDBusVariant& value);
+
+private:
+    std::function<void()> changed_;
+    std::optional<ColorScheme> scheme_{};
+};
+
+} // namespace quorvel

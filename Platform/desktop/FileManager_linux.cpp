@@ -1,0 +1,39 @@
+#include "Platform/desktop/FileManager_linux.h"
+
+#include "Platform/files/PlatformError.h"
+
+#include <QtCore/QByteArray>
+#include <QtCore/QStringList>
+#include <QtDBus/QDBusConnection>
+#include <QtDBus/QDBusMessage>
+
+namespace quorvel {
+
+namespace {
+
+// Made from the bytes themselves: a name need not be text.
+QString fileAddress(const std::filesystem::path& item) {
+    std::error_code code;
+    const std::filesystem::path whole = std::filesystem::absolute(item, code);
+    const QByteArray path = QByteArray::fromStdString((code ? item : whole).native());
+    return QStringLiteral("file://") + QString::fromLatin1(path.toPercentEncoding("/"));
+}
+
+} // namespace
+
+void showInFileManager(const std::filesystem::path& item) {
+    QDBusMessage call = QDBusMessage::createMethodCall(
+        QStringLiteral("org.freedesktop.FileManager1"),
+        QStringLiteral("/org/freedesktop/FileManager1"),
+        QStringLiteral("org.freedesktop.FileManager1"), QStringLiteral("ShowItems"));
+    call << QStringList{fileAddress(item)} << QString();
+    constexpr int timeoutMilliseconds = 5000;
+    const QDBusMessage reply =
+        QDBusConnection::sessionBus().call(call, QDBus::Block, timeoutMilliseconds);
+    if (reply.type() != QDBusMessage::ReplyMessage) {
+        throw PlatformError(std::make_error_code(std::errc::not_supported), item,
+                            "shown in the file manager");
+    }
+}
+
+} // namespace quorvel

@@ -1,0 +1,188 @@
+#include "Platform/desktop/ProcessTable_linux.h"
+
+#include "Platform/desktop/ApplicationTrees_linux.h"
+#include "Platform/files/FileHandle.h"
+#include "Platform/files/FileSystem.h"
+#include "Platform/files/PropertyListFile.h"
+
+#include <algorithm>
+#include <cctype>
+#include <charconv>
+#include <chrono>
+#include <dirent.h>
+#include <fcntl.h>
+#include <memory>
+#include <optional>
+#include <sys/stat.h>
+#include <thread>
+#include <unistd.h>
+
+namespace quorvel {
+namespace fs = std::filesystem;
+namespace {
+
+constexpr std::string_view executablesFolder = ".app/Contents/MacOS/";
+
+// "/A/B.app" for "/A/B.app/Contents/MacOS/x", nothing for any other path.
+std::string bundleHolding(const std::string& executable) {
+    const std::size_t at = executable.rfind(executablesFolder);
+    const std::size_t name = at + executablesFolder.size();
+    if (at == std::string::npos || name == executable.size() ||
+        executable.find('/', name) != std::string::npos) {
+        return {};
+    }
+    return executable.substr(0, at + 4);
+}
+
+std::string readLink(const std::string& link) {
+    char target[4096];
+    const ssize_t length = ::readlink(link.c_str(), target, sizeof target);
+    return {target, length < 0 ? 0 : static_cast<std::size_t>(length)};
+}
+
+// What fits into one page; a script's path stands in the first few arguments.
+std::string readStart(const std::string& path) {
+    const FileHandle file(::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC | O_NOCTTY));
+    char bytes[4096];
+    const ssize_t length =
+        file.descriptor() < 0 ? -1 : ::read(file.descriptor(), bytes, sizeof bytes);
+    return {bytes, length < 0 ? 0 : static_cast<std::size_t>(length)};
+}
+
+// An interpreter's command line names the script first, behind the options that the script's own
+// first line may carry.
+std::optional<std::string> scriptArgument(const std::string& commandLine) {
+    std::size_t at = commandLine.find('\0');
+    while (at != std::string::npos && at + 1 < commandLine.size()) {
+        const std::size_t end = commandLine.find('\0', at + 1);
+        std::string argument = commandLine.substr(at + 1, end - at - 1);
+        if (!argument.starts_with('-')) {
+            return argument;
+        }
+        at = end;
+    }
+    return std::nullopt;
+}
+
+std::string nextWord(std::string_view& line) {
+    const auto isSpace = [](char c) { return c == ' ' || c == '\t'; };
+    line.remove_prefix(std::min(
+        line.size(), static_cast<std::size_t>(std::distance(
+                         line.begin(), std::find_if_not(line.begin(), line.end(), isSpace)))));
+    const auto end = std::find_if(line.begin(), line.end(), isSpace);
+    std::string word(line.begin(), end);
+    line.remove_prefix(word.size());
+    return word;
+}
+
+// Whether the script's first line names the program that runs it. A program that merely has the
+// script's path as an argument, an editor say, is not running it.
+bool isInterpreterOf(const fs::path& script, const std::string& executable,
+                     const std::string& calledAs) {
+    std::error_code ignored;
+    if (!fs::is_regular_file(script, ignored)) {
+        return false;
+    }
+    const std::string head = readStart(script);
+    std::string_view line = head;
+    if (!line.starts_with("#!")) {
+        return false;
+    }
+    line = line.substr(2, line.find('\n') - 2);
+    std::string interpreter = nextWord(line);
+    if (fs::path(interpreter).filename() == "env") {
+        do {
+            interpreter = nextWord(line);
+        } while (interpreter.starts_with('-') || interpreter.find('=') != std::string::npos);
+    }
+    if (interpreter.find('/') != std::string::npos) {
+        return fs::canonical(interpreter, ignored).native() == executable;
+    }
+    // The name may be that of a link, as sh is for dash, or lack a version: python3 is python3.11.
+    return !interpreter.empty() &&
+           (calledAs == interpreter ||
+            fs::path(executable).filename().native().starts_with(interpreter));
+}
+
+std::optional<pid_t> processNumber(const char* name) {
+    pid_t number = 0;
+    const char* end = name + std::char_traits<char>::length(name);
+    const auto result = std::from_chars(name, end, number);
+    return result.ec == std::errc{} && result.ptr == end ? std::optional(number) : std::nullopt;
+}
+
+// `process` is the process's folder below /proc.
+std::string bundleOfScript(const std::string& process, const std::string& executable) {
+    const std::string commandLine = readStart(process + "/cmdline");
+    const std::optional<std::string> script = scriptArgument(commandLine);
+    // Looked up in the path or not, a script reaches its interpreter with a slash in its name.
+    if (!script || script->find('/') == std::string::npos) {
+        return {};
+    }
+    const fs::path folder = script->front() == '/' ? "/" : readLink(process + "/cwd");
+    std::error_code code;
+    const fs::path path = fs::canonical(folder / *script, code);
+    std::string bundle = code ? std::string{} : bundleHolding(path.native());
+    const bool runs = !bundle.empty() && isInterpreterOf(path, executable, commandLine.c_str());
+    return runs ? bundle : std::string{};
+}
+
+} // namespace
+
+void awaitCommandLine(pid_t pid) {
+    constexpr int patience = 1000;
+    const std::string process = "/proc/" + std::to_string(pid);
+    for (int waited = 0; waited < patience && !readLink(process + "/exe").empty() &&
+                         readStart(process + "/cmdline").empty();
+         ++waited) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
+}
+
+const std::string* ProcessTable::identifierOf(const std::string& bundle) {
+    const std::string file = bundle + "/Contents/Info.plist";
+    struct stat status {};
+    if (::stat(file.c_str(), &status) != 0) {
+        return nullptr;
+    }
+    KnownBundle& known = known_[bundle];
+    if (known.inode != status.st_ino || known.size != status.st_size ||
+        known.modified.tv_sec != status.st_mtim.tv_sec ||
+        known.modified.tv_nsec != status.st_mtim.tv_nsec) {
+        const auto dictionary = readPropertyList(file, {"CFBundleIdentifier"});
+        known = {std::nullopt, status.st_ino, status.st_size, status.st_mtim};
+        if (dictionary) {
+            known.bundleId = PropertyList::stringFor(*dictionary, "CFBundleIdentifier")
+                                 .value_or(bundleFallbackName(bundle));
+        }
+    }
+    return known.bundleId ? &*known.bundleId : nullptr;
+}
+
+std::vector<RunningApplication> ProcessTable::applications() {
+    const std::lock_guard guard(mutex_);
+    std::vector<RunningApplication> found;
+    const std::unique_ptr<DIR, int (*)(DIR*)> table(::opendir("/proc"), &::closedir);
+    while (const dirent* entry = table ? ::readdir(table.get()) : nullptr) {
+        const std::optional<pid_t> pid = processNumber(entry->d_name);
+        if (!pid) {
+            continue;
+        }
+        const std::string process = std::string("/proc/") + entry->d_name;
+        const std::string executable = readLink(process + "/exe");
+        if (executable.empty()) {
+            continue;
+        }
+        std::string bundle = bundleHolding(executable);
+        if (bundle.empty()) {
+            bundle = bundleOfScript(process, executable);
+        }
+        const std::string* bundleId = bundle.empty() ? nullptr : identifierOf(bundle);
+        if (bundleId != nullptr) {
+            found.push_back({*bundleId, bundle, *pid});
+        }
+    }
+    return onePerApplication(std::move(found));
+}
+
+} // namespace quorvel

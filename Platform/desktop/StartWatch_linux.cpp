@@ -1,0 +1,168 @@
+#include "Platform/desktop/StartWatch_linux.h"
+
+#include "Platform/processes/StartReport.h"
+
+#include <cerrno>
+#include <csignal>
+#include <fcntl.h>
+#include <sys/eventfd.h>
+#include <sysexits.h>
+#include <system_error>
+#include <unistd.h>
+
+namespace quorvel {
+namespace {
+
+using std::chrono::milliseconds;
+
+// The name that every clone's wrapper gives its runner.
+constexpr std::string_view runnerName = "runner";
+
+constexpr milliseconds oldRunnersPatience{1000};
+constexpr milliseconds patience{30'000};
+
+// A process closes its files a moment before its end can be seen.
+constexpr milliseconds lastMoment{1000};
+
+std::optional<int> statusAtEnd(Process& process) {
+    const auto limit = std::chrono::steady_clock::now() + lastMoment;
+    while (process.isRunning()) {
+        if (std::chrono::steady_clock::now() > limit) {
+            return std::nullopt;
+        }
+        std::this_thread::sleep_for(milliseconds(2));
+    }
+    return process.waitUntilExit();
+}
+
+// Whether only programs in trouble, or none at all, end with that status.
+bool meansTrouble(int status) {
+    constexpr int cantBeRun = 126;
+    constexpr int notFound = 127;
+    constexpr int signalled = 128;
+    switch (status) {
+    case cantBeRun:
+    case notFound:
+    case signalled + SIGILL:
+    case signalled + SIGABRT:
+    case signalled + SIGBUS:
+    case signalled + SIGFPE:
+    case signalled + SIGSEGV:
+    case signalled + SIGSYS:
+        return true;
+    default:
+        return status >= EX__BASE && status <= EX__MAX;
+    }
+}
+
+std::string reasonFor(int status) {
+    constexpr int signalled = 128;
+    if (status > signalled) {
+        return "it was ended at once, by signal " + std::to_string(status - signalled);
+    }
+    return "it ended at once, with status " + std::to_string(status);
+}
+
+// Without a report, the status has to tell; most may be those of a target which had little to do.
+std::optional<PlatformError> failureAtEnd(Process& process, bool announced,
+                                          const std::filesystem::path& bundle) {
+    const std::optional<int> status = statusAtEnd(process);
+    if (!status || (!announced && !meansTrouble(*status))) {
+        return std::nullopt;
+    }
+    return PlatformError::because(reasonFor(*status), bundle, "opened");
+}
+
+std::optional<PlatformError> failureOf(StartedProgram& program, int wake,
+                                       const std::filesystem::path& bundle) {
+    const StartOutcome outcome =
+        readStartReport(program.reports.descriptor(), wake, oldRunnersPatience, patience);
+    switch (outcome.kind) {
+    case StartOutcome::Case::failed:
+        return PlatformError::told(outcome.sentence, bundle);
+    case StartOutcome::Case::ended:
+        return failureAtEnd(program.process, outcome.announced, bundle);
+    case StartOutcome::Case::started:
+    case StartOutcome::Case::nothingHeard:
+        break;
+    }
+    return std::nullopt;
+}
+
+} // namespace
+
+StartedProgram startProgram(const std::filesystem::path& executable) {
+    Process::Options options;
+    options.executable = executable;
+    options.directory = "/"; // as a desktop does; ours may be gone tomorrow
+    options.standardOutput = Process::Discard{};
+    options.standardError = Process::Discard{};
+    options.detached = true;
+    if (executable.filename() != runnerName) {
+        return {Process::run(options), FileHandle(-1)};
+    }
+    int ends[2];
+    if (::pipe2(ends, O_CLOEXEC) != 0) {
+        throw PlatformError::fromErrno(executable, "started");
+    }
+    FileHandle reading(ends[0]);
+    const FileHandle writing(ends[1]);
+    options.kept = writing.descriptor();
+    options.environment = currentEnvironment();
+    (*options.environment)[StartReport::variable] = std::to_string(Process::keptDescriptor);
+    return {Process::run(options), std::move(reading)};
+}
+
+StartWatch::StartWatch() : wake_(::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)) {}
+
+StartWatch::~StartWatch() {
+    ::eventfd_write(wake_.descriptor(), 1);
+    for (Waiting& waiting : waiting_) {
+        if (waiting.thread.joinable()) {
+            waiting.thread.join();
+        }
+    }
+}
+
+void StartWatch::watch(StartedProgram program, const std::filesystem::path& bundle,
+                       Workspace::Completion completion) {
+    if (program.reports.descriptor() < 0) {
+        completion(std::nullopt);
+        return;
+    }
+    Waiting* waiting = nullptr;
+    {
+        const std::lock_guard guard(mutex_);
+        joinFinished();
+        waiting =
+            &waiting_.emplace_back(Waiting{std::move(program), bundle, std::move(completion)});
+        try {
+            waiting->thread = std::thread([this, waiting] { waitForReport(*waiting); });
+            return;
+        } catch (const std::system_error&) {
+            // Without a thread, whoever opens has to wait.
+        }
+    }
+    waitForReport(*waiting);
+}
+
+void StartWatch::waitForReport(Waiting& waiting) {
+    waiting.completion(failureOf(waiting.program, wake_.descriptor(), waiting.bundle));
+    const std::lock_guard guard(mutex_);
+    waiting.over = true;
+}
+
+void StartWatch::joinFinished() {
+    for (auto waiting = waiting_.begin(); waiting != waiting_.end();) {
+        if (!waiting->over) {
+            ++waiting;
+            continue;
+        }
+        if (waiting->thread.joinable()) {
+            waiting->thread.join();
+        }
+        waiting = waiting_.erase(waiting);
+    }
+}
+
+} // namespace quorvel

@@ -1,0 +1,114 @@
+#include "Platform/desktop/FileManager_linux.h"
+
+#include "Platform/desktop/OsRelease_linux.h"
+#include "Platform/desktop/ProcessTable_linux.h"
+#include "Platform/desktop/StartWatch_linux.h"
+#include "Platform/desktop/Workspace.h"
+#include "Platform/files/FileSystem.h"
+#include "Platform/files/PropertyListFile.h"
+#include "Platform/processes/Process.h"
+
+#include <cerrno>
+#include <cstdio>
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/utsname.h>
+
+#include <algorithm>
+#include <chrono>
+#include <thread>
+
+namespace quorvel {
+namespace {
+
+std::filesystem::path executableOf(const std::filesystem::path& bundle) {
+    const auto dictionary =
+        readPropertyList(bundle / "Contents" / "Info.plist", {"CFBundleExecutable"});
+    if (!dictionary) {
+        throw PlatformError(std::make_error_code(std::errc::no_such_file_or_directory), bundle,
+                            "opened");
+    }
+    return joinAsText(bundle / "Contents" / "MacOS",
+                      PropertyList::stringFor(*dictionary, "CFBundleExecutable")
+                          .value_or(bundleFallbackName(bundle)));
+}
+
+// Two who open the same bundle at the same moment, in this program or another, must not both find
+// that it doesn't run yet: the second waits until the first has started it. Nobody needs longer
+// than the limit, so whoever holds the lock by then is up to something else.
+FileHandle openedAlone(const std::filesystem::path& bundle) {
+    constexpr std::chrono::milliseconds limit{2000};
+    constexpr std::chrono::milliseconds nap{5};
+    FileHandle folder(::open(bundle.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    const auto deadline = std::chrono::steady_clock::now() + limit;
+    while (::flock(folder.descriptor(), LOCK_EX | LOCK_NB) != 0 &&
+           (errno == EWOULDBLOCK || errno == EINTR) &&
+           std::chrono::steady_clock::now() < deadline) {
+        std::this_thread::sleep_for(nap);
+    }
+    return folder;
+}
+
+class LinuxWorkspace final : public Workspace {
+public:
+    // Starting a process takes no time worth a thread of its own; what it reports is waited for in
+    // the background, and so is, by `Process`, its end.
+    void openApplication(const std::filesystem::path& bundle, bool /*activates*/,
+                         Completion completion) override {
+        std::optional<PlatformError> error;
+        try {
+            const FileHandle alone = openedAlone(bundle);
+            if (!isRunning(bundle)) {
+                StartedProgram program = startProgram(executableOf(bundle));
+                awaitCommandLine(program.process.identifier());
+                starts_.watch(std::move(program), bundle, std::move(completion));
+                return;
+            }
+        } catch (const PlatformError& failure) {
+            error = failure;
+        }
+        completion(std::move(error));
+    }
+
+    void reveal(const std::filesystem::path& item) override { showInFileManager(item); }
+
+    RunningApplications runningApplications() override {
+        return RunningApplications(processes_.applications());
+    }
+
+    OperatingSystemVersion operatingSystemVersion() const override {
+        utsname names{};
+        OperatingSystemVersion version;
+        if (::uname(&names) == 0) {
+            // NOLINTNEXTLINE(cert-err34-c): a kernel without numbers in its release gives zeros.
+            (void)std::sscanf(names.release, "%d.%d", &version.major, &version.minor);
+        }
+        version.distribution = distribution();
+        if (version.distribution.empty()) {
+            version.distribution =
+                "Linux " + std::to_string(version.major) + "." + std::to_string(version.minor);
+        }
+        return version;
+    }
+
+private:
+    bool isRunning(const std::filesystem::path& bundle) {
+        std::error_code code;
+        const std::filesystem::path resolved = std::filesystem::canonical(bundle, code);
+        const auto running = processes_.applications();
+        return !code && std::any_of(running.begin(), running.end(), [&](const auto& application) {
+            return application.bundleURL == resolved;
+        });
+    }
+
+    ProcessTable processes_;
+    StartWatch starts_;
+};
+
+} // namespace
+
+std::unique_ptr<Workspace> makeSystemWorkspace() {
+    return std::make_unique<LinuxWorkspace>();
+}
+
+} // namespace quorvel

@@ -1,0 +1,89 @@
+#include "Platform/files/FileLock.h"
+
+#include "Platform/files/FileSystem.h"
+#include "Platform/files/ItemIdentity.h"
+
+#include <cerrno>
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+
+namespace quorvel {
+namespace {
+
+// O_NONBLOCK, since opening a FIFO would wait for its other end.
+FileHandle openRegular(const std::filesystem::path& path) {
+    if (hasNul(path)) {
+        throw PlatformError(std::make_error_code(std::errc::invalid_argument), path, "locked");
+    }
+    FileHandle file(::open(
+        path.c_str(), O_RDWR | O_CREAT | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC | O_NOCTTY, 0600));
+    if (file.descriptor() < 0) {
+        throw errno == ELOOP ? PlatformError::because("it is a symbolic link", path, "locked")
+                             : PlatformError::fromErrno(path, "locked");
+    }
+    struct stat status {};
+    if (::fstat(file.descriptor(), &status) != 0 || !S_ISREG(status.st_mode)) {
+        throw PlatformError::because("it is not a regular file", path, "locked");
+    }
+    return file;
+}
+
+// False if somebody else holds the lock.
+bool lockNow(const FileHandle& file, const std::filesystem::path& path) {
+    while (::flock(file.descriptor(), LOCK_EX | LOCK_NB) != 0) {
+        if (errno == EWOULDBLOCK) {
+            return false;
+        }
+        if (errno != EINTR) {
+            throw PlatformError::fromErrno(path, "locked");
+        }
+    }
+    return true;
+}
+
+bool isStillAt(const std::filesystem::path& path, const FileHandle& file) {
+    struct stat open {};
+    return ::fstat(file.descriptor(), &open) == 0 && identityOfItself(path) == identityIn(open);
+}
+
+} // namespace
+
+std::optional<FileLock> FileLock::tryTake(const std::filesystem::path& path) {
+    constexpr int attempts = 100;
+    for (int attempt = 0; attempt < attempts; ++attempt) {
+        FileHandle file = openRegular(path);
+        if (!lockNow(file, path)) {
+            return std::nullopt;
+        }
+        // A file that was removed or replaced in between guards nothing any more.
+        if (isStillAt(path, file)) {
+            return FileLock(std::move(file));
+        }
+    }
+    throw PlatformError::because("it is replaced all the time", path, "locked");
+}
+
+std::optional<FileLock> FileLock::tryTakeFolder(const std::filesystem::path& path) {
+    FileHandle folder(::open(path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    if (folder.descriptor() < 0) {
+        throw PlatformError::fromErrno(path, "locked");
+    }
+    if (!lockNow(folder, path)) {
+        return std::nullopt;
+    }
+    return FileLock(std::move(folder));
+}
+
+bool FileLock::isHeld(const std::filesystem::path& path) {
+    if (hasNul(path)) {
+        return false;
+    }
+    const FileHandle file(
+        ::open(path.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC | O_NOCTTY));
+    // Whoever looks at the same moment is in nobody's way.
+    return file.descriptor() >= 0 && ::flock(file.descriptor(), LOCK_SH | LOCK_NB) != 0 &&
+           errno == EWOULDBLOCK;
+}
+
+} // namespace quorvel

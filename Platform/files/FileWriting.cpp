@@ -1,0 +1,128 @@
+#include "Base/RandomUuid.h"
+#include "Platform/files/FileSystem.h"
+#include "Platform/files/VolumeTransfer.h"
+
+#include <cerrno>
+#include <cstdio>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+#include <utility>
+
+namespace quorvel {
+namespace fs = std::filesystem;
+namespace {
+
+// Without O_NONBLOCK, opening a FIFO would wait for its other end.
+constexpr int writing = O_WRONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC;
+constexpr int creating = writing | O_CREAT | O_EXCL;
+
+// Removes the file unless it is kept; an error that is under way stays in `errno`.
+class UnfinishedFile {
+public:
+    explicit UnfinishedFile(fs::path path) : path_(std::move(path)) {}
+    UnfinishedFile(const UnfinishedFile&) = delete;
+    UnfinishedFile& operator=(const UnfinishedFile&) = delete;
+    ~UnfinishedFile() {
+        if (!kept_) {
+            const int error = errno;
+            (void)::unlink(path_.c_str());
+            errno = error;
+        }
+    }
+
+    void keep() { kept_ = true; }
+
+private:
+    fs::path path_;
+    bool kept_ = false;
+};
+
+bool writeNew(const FileHandle& file, const fs::path& path, std::string_view bytes) {
+    UnfinishedFile unfinished(path);
+    if (!file.write(bytes)) {
+        return false;
+    }
+    unfinished.keep();
+    return true;
+}
+
+// The mode last: a change of owner takes some of its bits away.
+bool takesAfter(const FileHandle& file, const FileHandle& old, const struct stat& facts) {
+    struct stat now {};
+    return ::fstat(file.descriptor(), &now) == 0 &&
+           ((now.st_uid == facts.st_uid && now.st_gid == facts.st_gid) ||
+            ::fchown(file.descriptor(), facts.st_uid, facts.st_gid) == 0) &&
+           ::fchmod(file.descriptor(), facts.st_mode & 07777U) == 0 &&
+           VolumeTransfer::copyExtendedAttributes(old.descriptor(), file.descriptor());
+}
+
+// `path` holds no link: renaming would replace that.
+bool replace(const fs::path& path, const FileHandle& old, const struct stat& facts,
+             std::string_view bytes) {
+    const fs::path beside = path.parent_path() / (".quorvel-" + randomUuid());
+    const FileHandle file(::open(beside.c_str(), creating, 0600));
+    if (file.descriptor() < 0) {
+        return false;
+    }
+    UnfinishedFile unfinished(beside);
+    if (!file.write(bytes) || !takesAfter(file, old, facts) || ::fsync(file.descriptor()) != 0 ||
+        ::rename(beside.c_str(), path.c_str()) != 0) {
+        return false;
+    }
+    unfinished.keep();
+    return true;
+}
+
+// What is there must be a regular file that may be written, though it isn't written itself.
+bool replaceExisting(const fs::path& path, std::string_view bytes) {
+    const FileHandle old(::open(path.c_str(), writing));
+    struct stat facts {};
+    if (old.descriptor() < 0 || ::fstat(old.descriptor(), &facts) != 0) {
+        return false;
+    }
+    if (!S_ISREG(facts.st_mode)) {
+        errno = S_ISDIR(facts.st_mode) ? EISDIR : EINVAL;
+        return false;
+    }
+    std::error_code code;
+    const fs::path resolved = fs::canonical(path, code);
+    if (code) {
+        errno = code.value();
+        return false;
+    }
+    return replace(resolved, old, facts, bytes);
+}
+
+std::optional<fs::path> targetOfDanglingLink(const fs::path& path) {
+    struct stat facts {};
+    std::error_code code;
+    const fs::path target = fs::read_symlink(path, code);
+    if (code || ::stat(path.c_str(), &facts) == 0 || errno != ENOENT) {
+        return std::nullopt;
+    }
+    return path.parent_path() / target;
+}
+
+} // namespace
+
+void writeFile(const fs::path& path, std::string_view bytes) {
+    if (hasNul(path)) {
+        throw PlatformError(std::make_error_code(std::errc::invalid_argument), path, "written");
+    }
+    const FileHandle file(::open(path.c_str(), creating, 0666));
+    bool written = false;
+    if (file.descriptor() >= 0) {
+        written = writeNew(file, path, bytes);
+    } else if (errno == EEXIST) {
+        if (const auto missing = targetOfDanglingLink(path)) {
+            return writeFile(*missing, bytes);
+        }
+        written = replaceExisting(path, bytes);
+    }
+    if (!written) {
+        throw PlatformError::fromErrno(path, "written");
+    }
+}
+
+} // namespace quorvel

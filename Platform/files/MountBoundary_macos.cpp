@@ -1,0 +1,42 @@
+#include "Platform/files/MountBoundary.h"
+
+#include "Platform/files/FileHandle.h"
+
+#include <cerrno>
+#include <fcntl.h>
+#include <sys/stat.h>
+
+// There are no bind mounts here: what is mounted is another device.
+namespace quorvel {
+
+int openFolderForNames(const std::filesystem::path& path) {
+    return ::open(path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+}
+
+std::optional<Mount> mountOf(int descriptor) {
+    struct stat facts {};
+    if (::fstat(descriptor, &facts) != 0) {
+        return std::nullopt;
+    }
+    return Mount{.id = static_cast<std::uint64_t>(facts.st_dev), .isDevice = true};
+}
+
+std::optional<Mount> mountOf(int folder, const char* name) {
+    struct stat facts {};
+    if (::fstatat(folder, name, &facts, AT_SYMLINK_NOFOLLOW) != 0) {
+        return std::nullopt;
+    }
+    return Mount{.id = static_cast<std::uint64_t>(facts.st_dev), .isDevice = true};
+}
+
+int openFolderOnMount(int folder, const char* name, const Mount& mount) {
+    FileHandle opened(
+        ::openat(folder, name, O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC | O_NONBLOCK));
+    if (opened.descriptor() >= 0 && mountOf(opened.descriptor()) != mount) {
+        errno = EXDEV;
+        return -1;
+    }
+    return opened.release();
+}
+
+} // namespace quorvel

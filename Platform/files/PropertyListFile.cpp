@@ -1,0 +1,13 @@
+#include "Platform/files/PropertyListFile.h"
+
+#include "Platform/files/FileSystem.h"
+
+namespace quorvel {
+
+std::optional<PropertyListDictionary> readPropertyList(const std::string& file,
+                                                       PropertyList::Keys keys) {
+    const std::optional<std::string> bytes = readFile(file, PropertyList::maximumFileSize);
+    return bytes ? PropertyList::parseDictionary(*bytes, keys) : std::nullopt;
+}
+
+} // namespace quorvel

@@ -1,0 +1,225 @@
+#include "Platform/files/TreeCopy.h"
+
+#include "Platform/files/ByteCopy.h"
+#include "Platform/files/FileHandle.h"
+#include "Platform/files/Folder.h"
+#include "Platform/files/PlatformError.h"
+#include "Platform/files/TreeComparison.h"
+#include "Platform/files/VolumeTransfer.h"
+
+#include <cerrno>
+#include <fcntl.h>
+#include <unistd.h>
+
+namespace quorvel {
+namespace fs = std::filesystem;
+namespace {
+
+constexpr mode_t everyBit = 07777;
+
+// Without O_NONBLOCK, what was put in the place of a file could block.
+constexpr int reading = O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY | O_CLOEXEC;
+
+bool isUnchanged(int descriptor, const struct stat& before) {
+    struct stat now {};
+    if (::fstat(descriptor, &now) != 0) {
+        return false;
+    }
+    const auto then = VolumeTransfer::datesIn(before)[1];
+    const auto date = VolumeTransfer::datesIn(now)[1];
+    errno = EBUSY;
+    return now.st_dev == before.st_dev && now.st_ino == before.st_ino &&
+           now.st_size == before.st_size && date.tv_sec == then.tv_sec &&
+           date.tv_nsec == then.tv_nsec;
+}
+
+// Bits that lend the owner's rights are for the owner alone.
+mode_t modeFor(const struct stat& facts, bool sameOwner) {
+    return facts.st_mode & (sameOwner ? everyBit : 01777U);
+}
+
+// Only root can give files away; others own what they make.
+bool takesAfter(int copy, int original, const struct stat& facts) {
+    struct stat now {};
+    if (::fstat(copy, &now) != 0) {
+        return false;
+    }
+    const bool sameOwner = (now.st_uid == facts.st_uid && now.st_gid == facts.st_gid) ||
+                           ::fchown(copy, facts.st_uid, facts.st_gid) == 0;
+    return VolumeTransfer::copyExtendedAttributes(original, copy) &&
+           ::fchmod(copy, modeFor(facts, sameOwner)) == 0 &&
+           ::futimens(copy, VolumeTransfer::datesIn(facts).data()) == 0;
+}
+
+} // namespace
+
+void TreeCopy::copy(int from, int to, const std::string& name, const fs::path& item) {
+    item_ = item;
+    root_ = to;
+    linked_.clear();
+    const Place place{.from = from, .to = to, .name = name, .inside = name};
+    const std::optional<Mount> mount = mountOf(from);
+    if (!mount) {
+        fail(place, errno);
+    }
+    mount_ = *mount;
+    copyItem(place);
+}
+
+void TreeCopy::movedTo(const fs::path& path) {
+    for (auto& [identity, file] : linked_) {
+        if (file.missing > 0) {
+            const fs::path inside = file.copy.lexically_relative(*file.copy.begin());
+            file.copy = inside == "." ? path : path / inside;
+            earlier_.insert_or_assign(identity, std::move(file));
+        }
+    }
+    linked_.clear();
+}
+
+void TreeCopy::fail(const Place& place, int error) const {
+    fs::path inside = place.inside.lexically_relative(*place.inside.begin());
+    if (inside == ".") {
+        inside.clear();
+    }
+    const std::string where = inside.empty() ? "" : "“" + inside.string() + "” ";
+    // The system's own words for these two would tell nobody what happened.
+    if (error == EXDEV) {
+        throw PlatformError::because(where + "is another file system", item_, "moved");
+    }
+    if (error == EBUSY) {
+        throw changedWhileCopied(place.inside, item_);
+    }
+    throw PlatformError::inside(std::error_code(error, std::generic_category()), inside, item_,
+                                "moved");
+}
+
+void TreeCopy::copyItem(const Place& place) {
+    struct stat facts {};
+    if (::fstatat(place.from, place.name.c_str(), &facts, AT_SYMLINK_NOFOLLOW) != 0) {
+        fail(place, errno);
+    }
+    if (mountOf(place.from, place.name.c_str()) != mount_) {
+        fail(place, EXDEV);
+    }
+    if (S_ISDIR(facts.st_mode)) {
+        copyFolder(place, facts);
+    } else if (!linkToCopy(place, facts)) {
+        if (S_ISREG(facts.st_mode)) {
+            copyFile(place, facts);
+        } else if (S_ISLNK(facts.st_mode)) {
+            copyLink(place, facts);
+        } else {
+            copyNode(place, facts);
+        }
+    }
+}
+
+void TreeCopy::copyFolder(const Place& place, const struct stat& facts) {
+    std::optional<Folder> from =
+        Folder::owning(openFolderOnMount(place.from, place.name.c_str(), mount_));
+    if (!from || !isUnchanged(from->descriptor(), facts) ||
+        ::mkdirat(place.to, place.name.c_str(), 0700) != 0) {
+        fail(place, errno);
+    }
+    const FileHandle to(::openat(place.to, place.name.c_str(), reading | O_DIRECTORY));
+    if (to.descriptor() < 0) {
+        fail(place, errno);
+    }
+    const std::vector<std::string> names = from->entries();
+    for (const std::string& name : names) {
+        copyItem({.from = from->descriptor(),
+                  .to = to.descriptor(),
+                  .name = name,
+                  .inside = place.inside / name});
+    }
+    // What can't be removed afterwards is better not moved at all.
+    const bool emptied =
+        names.empty() || ::faccessat(from->descriptor(), ".", W_OK | X_OK, AT_EACCESS) == 0;
+    if (!emptied || !isUnchanged(from->descriptor(), facts) ||
+        !takesAfter(to.descriptor(), from->descriptor(), facts)) {
+        fail(place, errno);
+    }
+}
+
+void TreeCopy::copyFile(const Place& place, const struct stat& facts) {
+    const FileHandle from(::openat(place.from, place.name.c_str(), reading));
+    if (from.descriptor() < 0 || !isUnchanged(from.descriptor(), facts)) {
+        fail(place, errno);
+    }
+    const FileHandle to(
+        ::openat(place.to, place.name.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600));
+    if (to.descriptor() < 0 || !copyBytes(from, to) || !isUnchanged(from.descriptor(), facts) ||
+        !takesAfter(to.descriptor(), from.descriptor(), facts)) {
+        fail(place, errno);
+    }
+    remember(place, facts, to.descriptor());
+}
+
+void TreeCopy::copyLink(const Place& place, const struct stat& facts) {
+    std::string target(static_cast<std::size_t>(facts.st_size) + 1, '\0');
+    const ssize_t length =
+        ::readlinkat(place.from, place.name.c_str(), target.data(), target.size());
+    if (length < 0) {
+        fail(place, errno);
+    }
+    target.resize(static_cast<std::size_t>(length));
+    if (::symlinkat(target.c_str(), place.to, place.name.c_str()) != 0 ||
+        ::utimensat(place.to, place.name.c_str(), VolumeTransfer::datesIn(facts).data(),
+                    AT_SYMLINK_NOFOLLOW) != 0) {
+        fail(place, errno);
+    }
+    (void)::fchownat(place.to, place.name.c_str(), facts.st_uid, facts.st_gid, AT_SYMLINK_NOFOLLOW);
+}
+
+void TreeCopy::copyNode(const Place& place, const struct stat& facts) {
+    const char* name = place.name.c_str();
+    if (::mknodat(place.to, name, (facts.st_mode & S_IFMT) | S_IRUSR | S_IWUSR, facts.st_rdev) !=
+        0) {
+        fail(place, errno);
+    }
+    const bool sameOwner =
+        ::fchownat(place.to, name, facts.st_uid, facts.st_gid, AT_SYMLINK_NOFOLLOW) == 0;
+    if (::fchmodat(place.to, name, modeFor(facts, sameOwner), 0) != 0 ||
+        ::utimensat(place.to, name, VolumeTransfer::datesIn(facts).data(), AT_SYMLINK_NOFOLLOW) !=
+            0) {
+        fail(place, errno);
+    }
+}
+
+// Compared beyond its number, which the system may give to another file once all names are gone.
+bool TreeCopy::linkToCopy(const Place& place, const struct stat& facts) {
+    const Identity identity{facts.st_dev, facts.st_ino};
+    const auto here = linked_.find(identity);
+    const auto before = earlier_.find(identity);
+    if (here == linked_.end() && before == earlier_.end()) {
+        return false;
+    }
+    LinkedFile& file = here != linked_.end() ? here->second : before->second;
+    const int folder = here != linked_.end() ? root_ : AT_FDCWD;
+    struct stat copy {};
+    const auto date = VolumeTransfer::datesIn(facts)[1];
+    if (file.missing == 0 || file.size != facts.st_size || file.dates[1].tv_sec != date.tv_sec ||
+        file.dates[1].tv_nsec != date.tv_nsec ||
+        ::fstatat(folder, file.copy.c_str(), &copy, AT_SYMLINK_NOFOLLOW) != 0 ||
+        file.copied != Identity{copy.st_dev, copy.st_ino} ||
+        ::linkat(folder, file.copy.c_str(), place.to, place.name.c_str(), 0) != 0) {
+        return false;
+    }
+    --file.missing;
+    return true;
+}
+
+void TreeCopy::remember(const Place& place, const struct stat& facts, int copy) {
+    struct stat now {};
+    if (facts.st_nlink < 2 || ::fstat(copy, &now) != 0) {
+        return;
+    }
+    linked_[{facts.st_dev, facts.st_ino}] = {.copy = place.inside,
+                                             .copied = {now.st_dev, now.st_ino},
+                                             .dates = VolumeTransfer::datesIn(facts),
+                                             .size = facts.st_size,
+                                             .missing = facts.st_nlink - 1};
+}
+
+} // namespace quorvel

@@ -1,0 +1,120 @@
+#include "Platform/files/UserPaths.h"
+
+#include <cstdlib>
+#include <mutex>
+#include <optional>
+#include <pwd.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace quorvel::UserPaths {
+namespace {
+
+std::string trimmed(std::string path) {
+    while (path.size() > 1 && path.back() == '/') {
+        path.pop_back();
+    }
+    return path;
+}
+
+std::optional<std::string> fromEnvironment(const char* name) {
+    const char* value = std::getenv(name);
+    if (value == nullptr || value[0] != '/') {
+        return std::nullopt;
+    }
+    return trimmed(value);
+}
+
+// The buffer has to hold the entry's texts; the system tells when it is too small.
+template<typename Lookup>
+std::optional<std::string> homeFromDatabase(const Lookup& lookup) {
+    std::string buffer(1024, '\0');
+    passwd entry{};
+    passwd* found = nullptr;
+    while (lookup(&entry, buffer.data(), buffer.size(), &found) == ERANGE &&
+           buffer.size() < std::size_t{1} << 20U) {
+        buffer.resize(buffer.size() * 2);
+    }
+    if (found == nullptr || found->pw_dir == nullptr || found->pw_dir[0] != '/') {
+        return std::nullopt;
+    }
+    return trimmed(found->pw_dir);
+}
+
+// Asked once: the answer stays the same, and may come from a server far away.
+const std::optional<std::string>& currentUsersHome() {
+    static const std::optional<std::string> listed =
+        homeFromDatabase([](passwd* entry, char* buffer, std::size_t size, passwd** found) {
+            return getpwuid_r(getuid(), entry, buffer, size, found);
+        });
+    return listed;
+}
+
+std::optional<std::string> homeOf(const std::string& user) {
+    return homeFromDatabase([&](passwd* entry, char* buffer, std::size_t size, passwd** found) {
+        return getpwnam_r(user.c_str(), entry, buffer, size, found);
+    });
+}
+
+} // namespace
+
+std::string home() {
+    if (auto fixed = fromEnvironment("CFFIXED_USER_HOME")) {
+        return *fixed;
+    }
+    if (const auto& listed = currentUsersHome()) {
+        return *listed;
+    }
+    return fromEnvironment("HOME").value_or("/");
+}
+
+std::string expandTilde(std::string_view path) {
+    if (path.empty() || path.front() != '~') {
+        return std::string(path);
+    }
+    const std::size_t slash = path.find('/');
+    const std::string_view user =
+        path.substr(1, slash == std::string_view::npos ? std::string_view::npos : slash - 1);
+    const std::optional<std::string> base = user.empty() ? home() : homeOf(std::string(user));
+    if (!base) {
+        return std::string(path);
+    }
+    const std::string_view rest =
+        slash == std::string_view::npos ? std::string_view{} : path.substr(slash);
+    // Of an expanded path, slashes at the end go.
+    return trimmed((*base == "/" && !rest.empty() ? std::string{} : *base) + std::string(rest));
+}
+
+std::filesystem::path temporaryFolder() {
+    return fromEnvironment("TMPDIR").value_or("/tmp");
+}
+
+std::vector<std::string> allHomes() {
+    std::vector<std::string> homes{home()};
+    for (const auto& other : {currentUsersHome(), fromEnvironment("HOME")}) {
+        if (other && other != homes.front()) {
+            homes.push_back(*other);
+        }
+    }
+    return homes;
+}
+
+std::vector<OtherHome> otherUsersHomes() {
+    // getpwent() keeps one position per process.
+    static std::mutex guard;
+    const std::lock_guard lock(guard);
+    std::vector<OtherHome> homes;
+    ::setpwent();
+    while (const passwd* entry = ::getpwent()) {
+        struct stat status {};
+        // Many users of the system's have "/" or a shared folder for a home.
+        if (entry->pw_uid != ::getuid() && entry->pw_dir != nullptr && entry->pw_dir[0] == '/' &&
+            ::stat(entry->pw_dir, &status) == 0 && status.st_uid == entry->pw_uid) {
+            homes.push_back({entry->pw_name, trimmed(entry->pw_dir)});
+        }
+    }
+    ::endpwent();
+    return homes;
+}
+
+} // namespace quorvel::UserPaths

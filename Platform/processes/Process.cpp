@@ -1,0 +1,289 @@
+#include "Platform/processes/Process.h"
+
+#include "Platform/processes/ProcessSpawning.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <csignal>
+#include <fcntl.h>
+#include <spawn.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <thread>
+#include <unistd.h>
+#include <utility>
+
+namespace quorvel {
+namespace {
+
+// The child's C strings, kept alive while it is started.
+class StringBlock {
+public:
+    void add(std::string text) { texts_.push_back(std::move(text)); }
+
+    [[nodiscard]] char* const* pointers() {
+        pointers_.clear();
+        for (std::string& text : texts_) {
+            pointers_.push_back(text.data());
+        }
+        pointers_.push_back(nullptr);
+        return pointers_.data();
+    }
+
+    [[nodiscard]] bool hasNul() const {
+        for (const std::string& text : texts_) {
+            if (text.find('\0') != std::string::npos) {
+                return true;
+            }
+        }
+        return false;
+    }
+
+private:
+    std::vector<std::string> texts_;
+    std::vector<char*> pointers_;
+};
+
+class FileActions {
+public:
+    FileActions() { posix_spawn_file_actions_init(&actions_); }
+    ~FileActions() { posix_spawn_file_actions_destroy(&actions_); }
+    FileActions(const FileActions&) = delete;
+    FileActions& operator=(const FileActions&) = delete;
+
+    void route(int stream, const Process::Output& output) {
+        if (std::holds_alternative<Process::Discard>(output)) {
+            open(stream, O_WRONLY);
+        } else if (const auto* file = std::get_if<Process::ToFile>(&output)) {
+            posix_spawn_file_actions_adddup2(&actions_, file->descriptor, stream);
+        } else {
+            keep(stream);
+        }
+    }
+
+    void open(int stream, int flags) {
+        posix_spawn_file_actions_addopen(&actions_, stream, "/dev/null", flags, 0);
+    }
+
+    void keep(int stream) { ProcessSpawning::keepStream(actions_, stream); }
+
+    void changeDirectory(const std::filesystem::path& directory) {
+        posix_spawn_file_actions_addchdir_np(&actions_, directory.c_str());
+    }
+
+    void closeOthers(int kept) {
+        if (kept >= 0) {
+            posix_spawn_file_actions_adddup2(&actions_, kept, Process::keptDescriptor);
+            ProcessSpawning::closeOthersBut(actions_, Process::keptDescriptor);
+        } else {
+            ProcessSpawning::closeOthers(actions_);
+        }
+    }
+
+    [[nodiscard]] const posix_spawn_file_actions_t* get() const { return &actions_; }
+
+private:
+    posix_spawn_file_actions_t actions_{};
+};
+
+// Starting fails with the same codes for a program that is missing and for a folder.
+void requireFolder(const std::filesystem::path& folder) {
+    struct stat facts {};
+    if (::stat(folder.c_str(), &facts) == 0 && !S_ISDIR(facts.st_mode)) {
+        errno = ENOTDIR;
+    } else if (::access(folder.c_str(), X_OK) == 0) {
+        return;
+    }
+    throw PlatformError::fromErrno(folder, "used as the working folder");
+}
+
+class SpawnAttributes {
+public:
+    explicit SpawnAttributes(bool ownSession) {
+        posix_spawnattr_init(&attributes_);
+        sigset_t none;
+        sigset_t all;
+        sigemptyset(&none);
+        sigfillset(&all);
+        // Realtime and uncatchable signals can't be reset on every system.
+        sigdelset(&all, SIGKILL);
+        sigdelset(&all, SIGSTOP);
+        posix_spawnattr_setsigmask(&attributes_, &none);
+        posix_spawnattr_setsigdefault(&attributes_, &all);
+        int flags =
+            POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF | ProcessSpawning::closingFlags();
+        if (ownSession) {
+            flags |= POSIX_SPAWN_SETSID;
+        }
+        posix_spawnattr_setflags(&attributes_, static_cast<short>(flags));
+    }
+    ~SpawnAttributes() { posix_spawnattr_destroy(&attributes_); }
+    SpawnAttributes(const SpawnAttributes&) = delete;
+    SpawnAttributes& operator=(const SpawnAttributes&) = delete;
+
+    [[nodiscard]] const posix_spawnattr_t* get() const { return &attributes_; }
+
+private:
+    posix_spawnattr_t attributes_{};
+};
+
+int exitStatus(int waitStatus) {
+    return WIFSIGNALED(waitStatus) ? 128 + WTERMSIG(waitStatus) : WEXITSTATUS(waitStatus);
+}
+
+int waitFor(pid_t pid) {
+    int status = 0;
+    while (::waitpid(pid, &status, 0) < 0 && errno == EINTR) {
+    }
+    return exitStatus(status);
+}
+
+} // namespace
+
+Environment currentEnvironment() {
+    Environment result;
+    for (char** entry = ProcessSpawning::environmentBlock(); *entry != nullptr; ++entry) {
+        const std::string_view text = *entry;
+        const std::size_t equals = text.find('=');
+        if (equals != std::string_view::npos) {
+            result.emplace(text.substr(0, equals), text.substr(equals + 1));
+        }
+    }
+    return result;
+}
+
+Process Process::run(const Options& options) {
+    StringBlock arguments;
+    arguments.add(options.executable.native());
+    for (const std::string& argument : options.arguments) {
+        arguments.add(argument);
+    }
+    StringBlock environment;
+    for (const auto& [key, value] : options.environment.value_or(Environment{})) {
+        environment.add(std::string(key).append(1, '=').append(value));
+    }
+    const bool folderHasNul =
+        options.directory && options.directory->native().find('\0') != std::string::npos;
+    if (arguments.hasNul() || environment.hasNul() || folderHasNul) {
+        throw PlatformError(std::make_error_code(std::errc::invalid_argument), options.executable,
+                            "started");
+    }
+
+    FileActions actions;
+    if (options.detached) {
+        actions.open(STDIN_FILENO, O_RDONLY);
+    } else {
+        actions.keep(STDIN_FILENO);
+    }
+    actions.route(STDOUT_FILENO, options.standardOutput);
+    actions.route(STDERR_FILENO, options.standardError);
+    actions.closeOthers(options.kept);
+    std::filesystem::path executable = options.executable;
+    if (options.directory) {
+        // A relative program path means the same file wherever the child is to run.
+        std::error_code code;
+        executable = std::filesystem::absolute(executable, code);
+        if (code) {
+            throw PlatformError(code, options.executable, "started");
+        }
+        actions.changeDirectory(*options.directory);
+    }
+
+    const SpawnAttributes attributes(options.detached);
+    pid_t pid = 0;
+    const int code = ::posix_spawn(
+        &pid, executable.c_str(), actions.get(), attributes.get(), arguments.pointers(),
+        options.environment ? environment.pointers() : ProcessSpawning::environmentBlock());
+    if (code != 0) {
+        if (options.directory) {
+            requireFolder(*options.directory);
+        }
+        throw PlatformError(std::error_code(code, std::generic_category()), options.executable,
+                            "started");
+    }
+    return Process(pid);
+}
+
+std::string Process::capture(Options options, std::size_t limit) {
+    int ends[2];
+    if (::pipe(ends) != 0) {
+        throw PlatformError::fromErrno(options.executable, "started");
+    }
+    const FileHandle reading(ends[0]);
+    std::optional<FileHandle> writing(std::in_place, ends[1]);
+    ::fcntl(ends[0], F_SETFD, FD_CLOEXEC);
+    ::fcntl(ends[1], F_SETFD, FD_CLOEXEC);
+    options.standardOutput = ToFile{ends[1]};
+    options.standardError = Discard{};
+    Process process = run(options);
+    writing.reset();
+
+    // Read while it runs: a tool with much to say would otherwise wait for room in the pipe.
+    std::string output;
+    char chunk[4096];
+    while (true) {
+        const ssize_t count = ::read(reading.descriptor(), chunk, sizeof chunk);
+        if (count < 0 && errno == EINTR) {
+            continue;
+        }
+        if (count <= 0) {
+            break;
+        }
+        output.append(chunk, std::min(static_cast<std::size_t>(count), limit - output.size()));
+    }
+    process.waitUntilExit();
+    return output;
+}
+
+Process::Process(Process&& other) noexcept
+    : pid_(std::exchange(other.pid_, 0)),
+      status_(other.status_) {}
+
+Process& Process::operator=(Process&& other) noexcept {
+    std::swap(pid_, other.pid_);
+    std::swap(status_, other.status_);
+    return *this;
+}
+
+Process::~Process() {
+    if (pid_ > 0 && isRunning()) {
+        try {
+            std::thread([pid = pid_] { waitFor(pid); }).detach();
+        } catch (const std::system_error&) {
+            // Without a thread to wait for it, its entry stays until this process ends.
+        }
+    }
+}
+
+bool Process::isRunning() {
+    if (status_ || pid_ <= 0) {
+        return false;
+    }
+    int status = 0;
+    const pid_t ended = ::waitpid(pid_, &status, WNOHANG);
+    if (ended == 0 || (ended < 0 && errno == EINTR)) {
+        return true;
+    }
+    status_ = ended > 0 ? exitStatus(status) : 0;
+    return false;
+}
+
+void Process::terminate() {
+    sendSignal(SIGTERM);
+}
+
+void Process::sendSignal(int signal) {
+    // Only while its entry is not reaped is the number surely still its own.
+    if (isRunning()) {
+        ::kill(pid_, signal);
+    }
+}
+
+int Process::waitUntilExit() {
+    if (!status_) {
+        status_ = waitFor(pid_);
+    }
+    return *status_;
+}
+
+} // namespace quorvel

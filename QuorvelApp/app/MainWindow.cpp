@@ -1,0 +1,69 @@
+#include "QuorvelApp/app/MainWindow.h"
+
+#include "QuorvelApp/widgets/MessageSheet.h"
+#include "QuorvelApp/widgets/Sheet.h"
+
+#include <QCoreApplication>
+#include <QMenuBar>
+
+#include <utility>
+
+namespace quorvel {
+
+using namespace Qt::StringLiterals;
+
+MainWindow::MainWindow(AppModel& model, UpdaterController& updater, IconLoader& icons,
+                       FilePanels panels)
+    : model_(model),
+      content_(new ContentView(model, icons, std::move(panels), this)) {
+    setWindowTitle(u"Quorvel"_s);
+    content_->setMinimumSize(smallest);
+    resize(initial);
+    setCentralWidget(content_);
+    addCommands(updater);
+}
+
+void MainWindow::addCommands(UpdaterController& updater) {
+    // Left to itself, macOS would guess from a command's words which ones belong into its own menu.
+    QAction* check = menuBar()->addMenu(tr("&Quorvel"))->addAction(tr("&Check for Updates…"));
+    check->setMenuRole(QAction::ApplicationSpecificRole);
+    check->setEnabled(updater.canCheckForUpdates());
+    connect(&updater, &UpdaterController::canCheckForUpdatesChanged, check, &QAction::setEnabled);
+    connect(check, &QAction::triggered, &updater, &UpdaterController::checkForUpdates);
+
+    QAction* add = menuBar()->addMenu(tr("&File"))->addAction(tr("&New Clone…"));
+    add->setMenuRole(QAction::NoRole);
+    add->setShortcut(QKeySequence::New);
+    connect(add, &QAction::triggered, this, [this] { model_.setStartNewCloneRequested(true); });
+
+    QAction* refresh = menuBar()->addMenu(tr("&View"))->addAction(tr("&Refresh"));
+    refresh->setMenuRole(QAction::NoRole);
+    refresh->setShortcut(Qt::CTRL | Qt::Key_R);
+    connect(refresh, &QAction::triggered, &model_, &AppModel::reload);
+
+    QAction* about = menuBar()->addMenu(tr("&Help"))->addAction(tr("&About Quorvel"));
+    about->setMenuRole(QAction::AboutRole);
+    connect(about, &QAction::triggered, this, &MainWindow::showAbout);
+}
+
+void MainWindow::showAbout() {
+    if (about_) {
+        return;
+    }
+    auto* panel = new MessageSheet(
+        u"app"_s, Ink::accent, u"Quorvel"_s,
+        tr("Version %1").arg(QCoreApplication::applicationVersion()) + u"\n\n"_s +
+            tr("Makes isolated clones of apps, each with accounts and settings of its own."),
+        {{.label = tr("OK"), .look = ButtonLook::prominent, .onEscape = true, .isDefault = true}});
+    panel->setWindowTitle(tr("About Quorvel"));
+    about_ = new Sheet(panel, content_, Sheet::Place::middle);
+}
+
+void MainWindow::showEvent(QShowEvent* event) {
+    QMainWindow::showEvent(event);
+    if (!std::exchange(listed_, true)) {
+        model_.reload();
+    }
+}
+
+} // namespace quorvel

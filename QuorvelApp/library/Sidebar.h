@@ -1,0 +1,53 @@
+#pragma once
+
+#include "QuorvelApp/AppModel.h"
+#include "QuorvelApp/model/CloneListModel.h"
+#include "QuorvelApp/widgets/IconLoader.h"
+
+#include <QWidget>
+
+#include <optional>
+#include <string>
+
+class QLabel;
+class QListView;
+class QStackedLayout;
+
+namespace quorvel {
+
+/// The clones, or an invitation to make the first.
+class Sidebar : public QWidget {
+    Q_OBJECT
+
+public:
+    static constexpr int minimumColumnWidth = 240;
+    static constexpr int idealColumnWidth = 280;
+
+    /// Both must outlive the widget.
+    Sidebar(AppModel& model, IconLoader& icons, QWidget* parent = nullptr);
+
+    /// The clone's identity; nothing when none is selected. It outlives the clone's row.
+    [[nodiscard]] const std::optional<std::string>& selection() const { return selection_; }
+    void select(const std::string& id);
+
+    [[nodiscard]] QSize sizeHint() const override;
+
+Q_SIGNALS:
+    void selectionChanged();
+    void newCloneRequested();
+
+private:
+    [[nodiscard]] QWidget* makeEmptyState();
+    [[nodiscard]] QWidget* makeList(IconLoader& icons);
+    void takeClones();
+    void rowSelected();
+
+    AppModel& model_;
+    CloneListModel rows_{};
+    QStackedLayout* states_;
+    QListView* list_ = nullptr;
+    std::optional<std::string> selection_{};
+    bool taking_ = false;
+};
+
+} // namespace quorvel

@@ -1,0 +1,49 @@
+#include "QuorvelApp/model/AppServices.h"
+
+#include "LaunchKit/RequestCheck.h"
+#include "ProbeKit/AppProber.h"
+
+#include <QTimer>
+
+namespace quorvel {
+namespace {
+
+std::optional<ProbeResult> probeApp(const std::filesystem::path& app,
+                                    const std::shared_ptr<Workspace>& workspace,
+                                    const std::atomic<bool>& quitting) {
+    AppProber::Surroundings surroundings;
+    surroundings.workspace = workspace;
+    auto prober = AppProber::forApp(app, std::move(surroundings));
+    if (!prober) {
+        return std::nullopt;
+    }
+    AppProber::Control control;
+    control.cancelled = &quitting;
+    return prober->run(control);
+}
+
+} // namespace
+
+AppServices AppServices::ofTheSystem() {
+    AppServices services;
+    services.workspace = makeSystemWorkspace();
+    services.tasks = std::make_shared<ThreadPoolTasks>();
+    services.quitting = std::make_shared<std::atomic<bool>>(false);
+    services.scanCatalog = [] { return AppCatalog::scan(); };
+    services.readBundle = [](const std::filesystem::path& app) { return AppBundle::read(app); };
+    services.createWrapper = [](const WrapperFactory::Request& request) {
+        checkRequest(request);
+        return WrapperFactory().create(request);
+    };
+    services.probe = [workspace = services.workspace,
+                      quitting = services.quitting](const std::filesystem::path& app) {
+        return probeApp(app, workspace, *quitting);
+    };
+    services.after = [](std::chrono::milliseconds time, QObject* context,
+                        std::function<void()> then) {
+        QTimer::singleShot(time, context, std::move(then));
+    };
+    return services;
+}
+
+} // namespace quorvel

@@ -1,0 +1,47 @@
+#pragma once
+
+#include "LaunchKit/AppBundle.h"
+#include "LaunchKit/AppCatalog.h"
+#include "LaunchKit/InstanceRegistry.h"
+#include "LaunchKit/WrapperFactory.h"
+#include "Platform/desktop/Workspace.h"
+#include "ProbeKit/Models.h"
+#include "QuorvelApp/model/BackgroundTasks.h"
+
+#include <QObject>
+
+#include <atomic>
+#include <chrono>
+#include <filesystem>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <vector>
+
+namespace quorvel {
+
+/// Everything that the model does to the world, handed in so that it can be watched and replaced.
+/// The functions are called off the main thread, `after` on it.
+struct AppServices {
+    /// Calls `then` on `context`'s thread when the time has passed, unless `context` is gone.
+    using Delay = std::function<void(std::chrono::milliseconds time, QObject* context,
+                                     std::function<void()> then)>;
+
+    InstanceRegistry registry{};
+    std::shared_ptr<Workspace> workspace{};
+    std::shared_ptr<BackgroundTasks> tasks{};
+    std::function<std::vector<InstalledApp>()> scanCatalog{};
+    std::function<std::optional<AppBundle>(const std::filesystem::path&)> readBundle{};
+    /// Throws, for one, `RefusedRequest` rather than replace what is no clone.
+    std::function<std::filesystem::path(const WrapperFactory::Request&)> createWrapper{};
+    /// Nothing when the bundle can't be probed at all; throws when the probe fails.
+    std::function<std::optional<ProbeResult>(const std::filesystem::path&)> probe{};
+    Delay after{};
+    /// Set when the application ends: a probe under way gives up. Never null in `ofTheSystem()`.
+    std::shared_ptr<std::atomic<bool>> quitting{};
+
+    /// The real ones.
+    [[nodiscard]] static AppServices ofTheSystem();
+};
+
+} // namespace quorvel

@@ -1,0 +1,142 @@
+#include "QuorvelApp/model/CloneListModel.h"
+
+#include "QuorvelApp/model/DisplayTexts.h"
+#include "QuorvelApp/model/QtText.h"
+#include "QuorvelApp/model/ShownText.h"
+
+#include <algorithm>
+#include <unordered_map>
+#include <unordered_set>
+
+namespace quorvel {
+namespace {
+
+std::unordered_set<std::string> idsOf(const std::vector<InstanceRecord>& clones) {
+    std::unordered_set<std::string> ids;
+    for (const InstanceRecord& record : clones) {
+        ids.insert(record.id());
+    }
+    return ids;
+}
+
+// Two listings of one folder never do that; two search folders that are one do.
+bool hasRepeated(const std::vector<InstanceRecord>& clones) {
+    return idsOf(clones).size() != clones.size();
+}
+
+} // namespace
+
+void CloneListModel::setClones(const std::vector<InstanceRecord>& clones) {
+    if (hasRepeated(clones) || hasRepeated(clones_) || !keepsOrder(clones)) {
+        beginResetModel();
+        clones_ = clones;
+        endResetModel();
+        return;
+    }
+    removeVanished(clones);
+    insertNew(clones);
+    clones_ = clones;
+    if (!clones_.empty()) {
+        Q_EMIT dataChanged(index(0), index(rowCount() - 1));
+    }
+}
+
+// Whether the clones that stay are in the same order in both lists.
+bool CloneListModel::keepsOrder(const std::vector<InstanceRecord>& clones) const {
+    std::unordered_map<std::string, std::size_t> place;
+    for (std::size_t row = 0; row < clones.size(); ++row) {
+        place[clones[row].id()] = row;
+    }
+    std::size_t last = 0;
+    for (const InstanceRecord& record : clones_) {
+        const auto found = place.find(record.id());
+        if (found != place.end()) {
+            if (found->second < last) {
+                return false;
+            }
+            last = found->second;
+        }
+    }
+    return true;
+}
+
+void CloneListModel::removeVanished(const std::vector<InstanceRecord>& clones) {
+    const auto stay = idsOf(clones);
+    for (int last = rowCount() - 1; last >= 0; --last) {
+        int first = last + 1;
+        while (first > 0 && !stay.contains(clone(first - 1).id())) {
+            --first;
+        }
+        if (first <= last) {
+            beginRemoveRows({}, first, last);
+            clones_.erase(clones_.begin() + first, clones_.begin() + last + 1);
+            endRemoveRows();
+            last = first;
+        }
+    }
+}
+
+void CloneListModel::insertNew(const std::vector<InstanceRecord>& clones) {
+    const auto known = idsOf(clones_);
+    const int count = static_cast<int>(clones.size());
+    for (int first = 0; first < count; ++first) {
+        int end = first;
+        while (end < count && !known.contains(clones[static_cast<std::size_t>(end)].id())) {
+            ++end;
+        }
+        if (end > first) {
+            beginInsertRows({}, first, end - 1);
+            clones_.insert(clones_.begin() + first, clones.begin() + first, clones.begin() + end);
+            endInsertRows();
+            first = end;
+        }
+    }
+}
+
+void CloneListModel::setRunning(const std::set<std::string>& bundleIds) {
+    if (running_ == bundleIds) {
+        return;
+    }
+    running_ = bundleIds;
+    if (!clones_.empty()) {
+        Q_EMIT dataChanged(index(0), index(rowCount() - 1), {RunningRole});
+    }
+}
+
+const InstanceRecord& CloneListModel::clone(int row) const {
+    return clones_.at(static_cast<std::size_t>(row));
+}
+
+int CloneListModel::rowOf(const std::string& id) const {
+    const auto found = std::find_if(clones_.begin(), clones_.end(),
+                                    [&](const auto& record) { return record.id() == id; });
+    return found == clones_.end() ? -1 : static_cast<int>(found - clones_.begin());
+}
+
+int CloneListModel::rowCount(const QModelIndex& parent) const {
+    return parent.isValid() ? 0 : static_cast<int>(clones_.size());
+}
+
+QVariant CloneListModel::data(const QModelIndex& index, int role) const {
+    const InstanceRecord& record = clone(index.row());
+    const bool running = running_.contains(record.config.bundleId);
+    switch (role) {
+    case NameRole:
+        return shownLine(record.config.displayName);
+    case SummaryRole:
+        return shownLine(sourceSummary(record.config));
+    case RunningRole:
+        return running;
+    case IdRole:
+        return qtText(record.id());
+    case Qt::AccessibleTextRole:
+        return running ? tr("%1, Running").arg(shownLine(record.config.displayName))
+                       : shownLine(record.config.displayName);
+    case Qt::AccessibleDescriptionRole:
+        return shownLine(sourceSummary(record.config));
+    default:
+        return {};
+    }
+}
+
+} // namespace quorvel

@@ -1,0 +1,269 @@
+#include "QuorvelApp/model/NewCloneForm.h"
+
+#include "Base/Text.h"
+#include "Platform/desktop/UserLocale.h"
+#include "Platform/files/FileSystem.h"
+#include "QuorvelApp/model/AutomaticNames.h"
+#include "QuorvelApp/model/DisplayTexts.h"
+#include "QuorvelApp/model/QtText.h"
+
+#include <QString>
+
+#include <algorithm>
+#include <iterator>
+
+namespace quorvel {
+namespace {
+
+using Text::trimmingWhitespace;
+
+bool isBlank(std::string_view text) {
+    return trimmingWhitespace(text).empty();
+}
+
+std::optional<std::string> nothingIfEmpty(std::string text) {
+    return text.empty() ? std::nullopt : std::optional(std::move(text));
+}
+
+bool isNewline(QChar character) {
+    const char16_t unit = character.unicode();
+    return (unit >= 0x0A && unit <= 0x0D) || unit == 0x85 || unit == 0x2028 || unit == 0x2029;
+}
+
+template<typename Separates>
+QStringList pieces(const QString& text, Separates separates) {
+    QStringList result;
+    for (auto start = text.begin(); start != text.end();) {
+        const auto end = std::find_if(start, text.end(), separates);
+        if (end != start) {
+            result.append(QString(start, std::distance(start, end)));
+        }
+        start = end == text.end() ? end : std::next(end);
+    }
+    return result;
+}
+
+std::optional<IconLabel> iconLabel(const NewCloneForm& form) {
+    std::string text = trimmingWhitespace(form.iconLabelText);
+    if (text.empty()) {
+        return std::nullopt;
+    }
+    return IconLabel{.text = std::move(text),
+                     .colorHex = hexRGB(form.iconLabelColor),
+                     .position = IconLabel::Position::bottom};
+}
+
+void fillTarget(WrapperFactory::Request& request, const NewCloneForm& form) {
+    switch (form.shortcutType) {
+    case ShortcutKind::app:
+        request.targetApp = form.selected ? std::optional(form.selected->url) : std::nullopt;
+        break;
+    case ShortcutKind::web:
+        request.url = trimmingWhitespace(form.webURL);
+        break;
+    case ShortcutKind::file:
+        request.openPath = trimmingWhitespace(form.filePath);
+        break;
+    case ShortcutKind::command:
+        request.commandPath = trimmingWhitespace(form.commandPathText);
+        request.commandArgs = splitIntoWords(form.commandArgsText);
+        // Only this text is taken as it was typed, blanks and all.
+        request.workingDirectory = nothingIfEmpty(form.workdir);
+        break;
+    }
+}
+
+} // namespace
+
+bool NewCloneForm::hasTarget() const {
+    switch (shortcutType) {
+    case ShortcutKind::web:
+        return !isBlank(webURL);
+    case ShortcutKind::file:
+        return !isBlank(filePath);
+    case ShortcutKind::command:
+        return !isBlank(commandPathText);
+    case ShortcutKind::app:
+        break;
+    }
+    return selected.has_value();
+}
+
+bool NewCloneForm::canCreate() const {
+    return hasTarget() && !isBlank(cloneName) && !creating;
+}
+
+std::string NewCloneForm::cloneNameOrPlaceholder() const {
+    return nothingIfEmpty(trimmingWhitespace(cloneName)).value_or("Name");
+}
+
+std::string NewCloneForm::savedToText() const {
+    return "Saved to ~/Applications/" + cloneNameOrPlaceholder() + ".app";
+}
+
+std::string NewCloneForm::replacementText(const std::vector<InstanceRecord>& clones) const {
+    const std::filesystem::path place = WrapperFactory::wrapperURL(makeRequest());
+    const auto replaced = std::find_if(clones.begin(), clones.end(),
+                                       [&](const auto& clone) { return clone.bundleURL == place; });
+    return replaced == clones.end() ? std::string()
+                                    : "“" + replaced->config.displayName +
+                                          "” is there already. Creating this clone replaces it; "
+                                          "its data stays.";
+}
+
+std::string NewCloneForm::strategyCaption() const {
+    return detectNote.value_or(strategyReason);
+}
+
+WrapperFactory::Request NewCloneForm::makeRequest() const {
+    WrapperFactory::Request request;
+    request.kind = shortcutType;
+    fillTarget(request, *this);
+    request.displayName = trimmingWhitespace(cloneName);
+    request.instanceHome = nothingIfEmpty(trimmingWhitespace(dataPath));
+    request.strategy = strategy;
+    request.customIcon = customIcon;
+    request.hideWrapperIcon = hideDockIcon;
+    if (auto words = splitIntoWords(argsText); !words.empty()) {
+        request.extraArgs = std::move(words);
+    }
+    request.environment = parseKeyValues(envText);
+    request.infoPlistOverrides = parseKeyValues(plistText);
+    request.registerAsBrowser = registerBrowser;
+    request.openWithPassthrough = openWith;
+    request.iconLabel = iconLabel(*this);
+    request.menuBarIcon = menuBarIcon;
+    request.menuBarIconTemplate = menuBarTemplate;
+    request.shareUserFolders = shareUserFolders;
+    return request;
+}
+
+std::vector<InstalledApp> NewCloneForm::filtered(const std::vector<InstalledApp>& catalog) const {
+    const std::string query = trimmingWhitespace(search);
+    if (query.empty()) {
+        return catalog;
+    }
+    const std::string locale = UserLocale::forCase();
+    std::vector<InstalledApp> result;
+    std::copy_if(catalog.begin(), catalog.end(), std::back_inserter(result), [&](const auto& app) {
+        return Text::containsIgnoringCase(app.name, query, locale);
+    });
+    return result;
+}
+
+std::string NewCloneForm::noAppsText() const {
+    return search.empty() ? "No apps found." : "No apps match “" + search + "”.";
+}
+
+void NewCloneForm::select(const InstalledApp& app, std::string suggestedName) {
+    selected = app;
+    cloneName = std::move(suggestedName);
+    automaticName.clear();
+    strategy = Strategy::homeOverride;
+    detectNote.reset();
+    strategyReason = "Checking how " + app.name + " stores its data…";
+    selectedSandboxed = false;
+
+    const NewCloneForm defaults;
+    dataPath = defaults.dataPath;
+    argsText = defaults.argsText;
+    envText = defaults.envText;
+    plistText = defaults.plistText;
+    iconLabelText = defaults.iconLabelText;
+    customIcon = defaults.customIcon;
+    hideDockIcon = defaults.hideDockIcon;
+    registerBrowser = defaults.registerBrowser;
+    openWith = defaults.openWith;
+    menuBarIcon = defaults.menuBarIcon;
+    menuBarTemplate = defaults.menuBarTemplate;
+    iconLabelColor = defaults.iconLabelColor;
+    shareUserFolders = defaults.shareUserFolders;
+}
+
+void NewCloneForm::autoNameIfNeeded() {
+    const bool automatic = !automaticName.empty() && cloneName == automaticName;
+    if (!automatic && !isBlank(cloneName)) {
+        return;
+    }
+    std::optional<std::string> name;
+    if (shortcutType == ShortcutKind::web) {
+        name = nameForWebAddress(webURL);
+    } else if (shortcutType == ShortcutKind::command) {
+        name = nameForCommand(commandPathText);
+    }
+    if (name || automatic) {
+        cloneName = name.value_or("");
+    }
+    automaticName = name.value_or("");
+}
+
+void NewCloneForm::nameEdited() {
+    automaticName.clear();
+}
+
+void NewCloneForm::chooseFile(const std::filesystem::path& file) {
+    filePath = file.string();
+    if (isBlank(cloneName)) {
+        cloneName = file.stem().string();
+        automaticName.clear();
+    }
+}
+
+void NewCloneForm::chooseCommand(const std::filesystem::path& command) {
+    commandPathText = command.string();
+    autoNameIfNeeded();
+}
+
+void NewCloneForm::chooseDataFolder(const std::filesystem::path& folder) {
+    dataPath =
+        joinAsText(withoutTrailingSlashes(folder) == "/" ? "" : withoutTrailingSlashes(folder),
+                   cloneNameOrPlaceholder())
+            .string();
+}
+
+void NewCloneForm::beginDetecting() {
+    detecting = true;
+    detectNote.reset();
+}
+
+void NewCloneForm::detected(Strategy recommended) {
+    if (recommended == Strategy::unsupported) {
+        detectNote = "This app resists cloning (singleton). It may not stay isolated.";
+    } else {
+        strategy = recommended;
+        detectNote = "Detected: " + strategyLabel(rawString(recommended)) + ".";
+    }
+    detecting = false;
+}
+
+void NewCloneForm::detectionFailed(std::string_view description) {
+    detectNote = "Couldn't detect: " + std::string(description);
+    detecting = false;
+}
+
+std::map<std::string, std::string> parseKeyValues(std::string_view text) {
+    std::map<std::string, std::string> result;
+    for (const QString& line : pieces(qtText(text), isNewline)) {
+        const std::string entry = line.toStdString();
+        const std::size_t equals = entry.find('=');
+        if (equals == std::string::npos) {
+            continue;
+        }
+        std::string key = trimmingWhitespace(std::string_view(entry).substr(0, equals));
+        if (!key.empty()) {
+            result[std::move(key)] = entry.substr(equals + 1);
+        }
+    }
+    return result;
+}
+
+std::vector<std::string> splitIntoWords(std::string_view text) {
+    std::vector<std::string> words;
+    for (const QString& word :
+         pieces(qtText(text), [](QChar character) { return character.isSpace(); })) {
+        words.push_back(word.toStdString());
+    }
+    return words;
+}
+
+} // namespace quorvel

@@ -1,0 +1,126 @@
+#include "QuorvelApp/model/NewCloneSession.h"
+
+#include <QPointer>
+
+namespace quorvel {
+
+NewCloneSession::NewCloneSession(AppModel& model, FilePanels panels, QObject* parent)
+    : QObject(parent),
+      model_(model),
+      panels_(std::move(panels)) {}
+
+void NewCloneSession::edit(const std::function<void(NewCloneForm&)>& change) {
+    change(form_);
+    Q_EMIT changed();
+}
+
+void NewCloneSession::choose(
+    FilePanels::Panel panel, QWidget* over,
+    const std::function<void(NewCloneForm&, const std::filesystem::path&)>& take) {
+    const QPointer<NewCloneSession> self(this);
+    const auto chosen = panel(over);
+    if (self && chosen) {
+        edit([&](NewCloneForm& form) { take(form, *chosen); });
+    }
+}
+
+void NewCloneSession::chooseIcon(QWidget* over) {
+    const QPointer<NewCloneSession> self(this);
+    const auto chosen = panels_.icon(over);
+    if (self && chosen) {
+        enterIcon(*chosen);
+    }
+}
+
+void NewCloneSession::enterIcon(const std::filesystem::path& icon) {
+    const int choice = ++iconChoices_;
+    // Counts at once: the clone may be created before the answer.
+    edit([&](NewCloneForm& form) { form.customIcon = icon; });
+    model_.isIconFile(icon).then(this, [this, icon, choice](bool isIcon) {
+        if (choice != iconChoices_) {
+            return;
+        }
+        if (isIcon) {
+            checkedIcon_ = icon;
+        } else {
+            edit([&](NewCloneForm& form) { form.customIcon = checkedIcon_; });
+            model_.setLastError("Couldn't use the icon: " + icon.string() +
+                                " is not a readable .icns file");
+        }
+    });
+}
+
+void NewCloneSession::forgetIcons() {
+    ++iconChoices_;
+    checkedIcon_.reset();
+}
+
+void NewCloneSession::clearIcon() {
+    forgetIcons();
+    edit([](NewCloneForm& form) { form.customIcon.reset(); });
+}
+
+void NewCloneSession::select(const InstalledApp& app) {
+    forgetIcons();
+    edit([&](NewCloneForm& form) { form.select(app, model_.suggestedName(app)); });
+    model_.sandboxInfo(app).then(this, [this, app](const SandboxInfo& info) {
+        // An answer for an app that is no longer selected comes too late.
+        if (form_.selected != app) {
+            return;
+        }
+        edit([&](NewCloneForm& form) {
+            form.strategy = info.strategy;
+            form.strategyReason = info.reason;
+            form.selectedSandboxed = info.sandboxed;
+        });
+    });
+}
+
+void NewCloneSession::create() {
+    if (!form_.hasTarget()) {
+        return;
+    }
+    edit([](NewCloneForm& form) { form.creating = true; });
+    // The outcome is told even when the sheet has been closed meanwhile.
+    model_.createClone(form_.makeRequest(), form_.launchAfter)
+        .then(&model_,
+              [&model = model_, self = QPointer(this)](const QFuture<InstanceRecord>& outcome) {
+                  std::optional<std::string> failure;
+                  try {
+                      (void)outcome.result();
+                  } catch (const std::exception& error) {
+                      failure = error.what();
+                  }
+                  if (failure) {
+                      model.setLastError(failure);
+                  } else if (self) {
+                      Q_EMIT self->created();
+                  }
+                  if (self) {
+                      self->edit([](NewCloneForm& form) { form.creating = false; });
+                  }
+              });
+}
+
+void NewCloneSession::detect() {
+    if (!form_.selected) {
+        return;
+    }
+    edit([](NewCloneForm& form) { form.beginDetecting(); });
+    model_.detectStrategy(*form_.selected)
+        .then(this, [this, app = *form_.selected](const QFuture<AppProfile>& outcome) {
+            edit([&](NewCloneForm& form) {
+                form.detecting = false;
+                if (form.selected != app) {
+                    return; // what was found out is of no use to the app selected since
+                }
+                try {
+                    form.detected(outcome.result().strategy);
+                } catch (const std::exception& error) {
+                    form.detectionFailed(error.what());
+                }
+            });
+        });
+}
+
+} // namespace quorvel

@@ -1,0 +1,181 @@
+#include "QuorvelApp/newclone/AdvancedOptions.h"
+
+#include "QuorvelApp/Components.h"
+#include "QuorvelApp/newclone/CustomIconRow.h"
+#include "QuorvelApp/newclone/FormBindings.h"
+#include "QuorvelApp/widgets/ColorWell.h"
+
+#include <QHBoxLayout>
+#include <QVBoxLayout>
+
+namespace quorvel {
+namespace {
+
+QHBoxLayout* makeRow(QWidget* widget) {
+    auto* row = new QHBoxLayout(widget);
+    row->setContentsMargins(0, 0, 0, 0);
+    row->setSpacing(8);
+    return row;
+}
+
+QVBoxLayout* makeColumn(int spacing) {
+    auto* column = new QVBoxLayout;
+    column->setSpacing(spacing);
+    return column;
+}
+
+} // namespace
+
+AdvancedOptions::AdvancedOptions(NewCloneSession& session, IconLoader& icons)
+    : session_(session),
+      column_(new QVBoxLayout(this)) {
+    column_->setContentsMargins(0, 0, 0, 0);
+    column_->setSpacing(12);
+    addBlock(tr("Data location"), makeDataLocation(),
+             tr("Where this clone's isolated data is stored. Put it on an external or cloud drive "
+                "if you like."));
+    addBlock(tr("Icon"), new CustomIconRow(session, icons), {});
+    addBlock(tr("Icon label"), makeIconLabel(),
+             tr("Draws a short text badge on the Dock icon to tell clones apart."));
+    addBlock(tr("Launch arguments"), makeArguments(),
+             tr("Passed to the app on launch. Leave blank for the auto-detected default — Electron "
+                "& Chromium browsers get --user-data-dir, Firefox gets -profile, Eclipse gets "
+                "-data, automatically."));
+    addBlock(tr("Environment variables"),
+             makeEditor(tr("Environment variables"), &NewCloneForm::envText),
+             tr("One KEY=VALUE per line. {{instanceHome}} expands to the data location."));
+    addBlock(tr("Info.plist overrides"),
+             makeEditor(tr("Info.plist overrides"), &NewCloneForm::plistText),
+             tr("One KEY=VALUE per line, e.g. LSUIElement=true. Merged into the wrapper's "
+                "Info.plist."));
+    addMenuBarBoxes();
+    addCheckBox(column_, tr("Hide this clone's Dock icon (menu-bar/background app)"),
+                &NewCloneForm::hideDockIcon);
+    addCheckBox(column_, tr("Register as a browser / URL handler"), &NewCloneForm::registerBrowser);
+    addCheckBox(column_, tr("Show in Finder's “Open With”"), &NewCloneForm::openWith);
+    addIsolation();
+}
+
+void AdvancedOptions::addBlock(const QString& label, QWidget* control, const QString& help) {
+    QVBoxLayout* block = makeColumn(4);
+    QLabel* heading = makeLabel(label, TextStyle::captionMedium);
+    heading->setBuddy(control);
+    block->addWidget(heading);
+    block->addWidget(control);
+    if (!help.isEmpty()) {
+        block->addWidget(makeWrappingLabel(help, TextStyle::caption, Ink::secondary));
+    }
+    column_->addLayout(block);
+}
+
+QCheckBox* AdvancedOptions::addCheckBox(QVBoxLayout* column, const QString& label,
+                                        bool NewCloneForm::*field, bool whenChecked) {
+    auto* box = new WrappingCheckBox(label);
+    bind(session_, box->box(), field, whenChecked);
+    column->addWidget(box);
+    return box->box();
+}
+
+QWidget* AdvancedOptions::makeDataLocation() {
+    auto* widget = new QWidget;
+    auto* field = new QLineEdit;
+    field->setAccessibleName(tr("Data location"));
+    bind(session_, field, &NewCloneForm::dataPath);
+    const auto showPlaceholder = [this, field] {
+        field->setPlaceholderText(QStringLiteral("~/QuorvelInstances/") +
+                                  qtText(session_.form().cloneNameOrPlaceholder()));
+    };
+    connect(&session_, &NewCloneSession::changed, field, showPlaceholder);
+    showPlaceholder();
+    auto* choose = makeButton(tr("Choo&se…"), ButtonLook::small);
+    choose->setAccessibleDescription(tr("Data location"));
+    connect(choose, &QPushButton::clicked, this, [this] {
+        session_.choose(
+            session_.panels().dataFolder, window(),
+            [](NewCloneForm& form, const auto& folder) { form.chooseDataFolder(folder); });
+    });
+    auto* row = makeRow(widget);
+    row->addWidget(field, 1);
+    row->addWidget(choose);
+    widget->setFocusProxy(field);
+    return widget;
+}
+
+QWidget* AdvancedOptions::makeIconLabel() {
+    auto* widget = new QWidget;
+    auto* field = new QLineEdit;
+    field->setPlaceholderText(tr("e.g. WORK"));
+    field->setAccessibleName(tr("Icon label"));
+    bind(session_, field, &NewCloneForm::iconLabelText);
+    auto* well = new ColorWell;
+    const auto showColor = [this, well] { well->setColor(session_.form().iconLabelColor); };
+    connect(&session_, &NewCloneSession::changed, well, showColor);
+    connect(well, &ColorWell::colorChosen, &session_, [this](const QColor& color) {
+        session_.edit([&](NewCloneForm& form) { form.iconLabelColor = color; });
+    });
+    showColor();
+    auto* row = makeRow(widget);
+    row->addWidget(field, 1);
+    row->addWidget(well);
+    widget->setFocusProxy(field);
+    return widget;
+}
+
+QWidget* AdvancedOptions::makeArguments() {
+    auto* field = new QLineEdit;
+    field->setPlaceholderText(QStringLiteral("--flag value"));
+    field->setAccessibleName(tr("Launch arguments"));
+    bind(session_, field, &NewCloneForm::argsText);
+    return field;
+}
+
+QWidget* AdvancedOptions::makeEditor(const QString& name, std::string NewCloneForm::*field) {
+    auto* editor = new QPlainTextEdit;
+    editor->setFixedHeight(editorHeight);
+    editor->setFont(monospacedFont());
+    editor->setTabChangesFocus(true);
+    editor->setAccessibleName(name);
+    bind(session_, editor, field);
+    return editor;
+}
+
+void AdvancedOptions::addMenuBarBoxes() {
+    QVBoxLayout* boxes = makeColumn(2);
+    addCheckBox(boxes, tr("Show a menu-bar icon while running"), &NewCloneForm::menuBarIcon);
+    QVBoxLayout* second = makeColumn(0);
+    QCheckBox* monochrome = addCheckBox(second, tr("Menu-bar icon as monochrome (template)"),
+                                        &NewCloneForm::menuBarTemplate);
+    auto* indented = new QHBoxLayout; // whose spacing mirrors, as margins do not
+    indented->setSpacing(0);
+    indented->addSpacing(18);
+    indented->addLayout(second);
+    boxes->addLayout(indented);
+    const auto enable = [this, monochrome] {
+        monochrome->parentWidget()->setEnabled(session_.form().menuBarIcon);
+    };
+    connect(&session_, &NewCloneSession::changed, monochrome, enable);
+    enable();
+    column_->addLayout(boxes);
+}
+
+void AdvancedOptions::addIsolation() {
+    auto* widget = new QWidget;
+    auto* column = new QVBoxLayout(widget);
+    column->setContentsMargins(0, 0, 0, 0);
+    column->setSpacing(2);
+    addCheckBox(column, tr("Isolate this clone's Downloads, Documents & Desktop"),
+                &NewCloneForm::shareUserFolders, false);
+    column->addWidget(makeWrappingLabel(
+        tr("Off (default): saved files go to your shared Finder folders. On: the clone keeps its "
+           "own, inside its data folder — for a sandboxed or automated clone you don't want "
+           "touching your files."),
+        TextStyle::caption, Ink::secondary));
+    const auto show = [this, widget] {
+        widget->setVisible(session_.form().shortcutType == ShortcutKind::app);
+    };
+    connect(&session_, &NewCloneSession::changed, widget, show);
+    column_->addWidget(widget); // before it is shown, or it would be a window of its own
+    show();
+}
+
+} // namespace quorvel

@@ -1,0 +1,39 @@
+#pragma once
+
+#include "QuorvelApp/model/NewCloneSession.h"
+#include "QuorvelApp/widgets/IconLoader.h"
+
+#include <QWidget>
+
+#include <string>
+
+class QCheckBox;
+class QVBoxLayout;
+
+namespace quorvel {
+
+/// The options that most people never need, top to bottom.
+class AdvancedOptions : public QWidget {
+    Q_OBJECT
+
+public:
+    static constexpr int editorHeight = 54;
+
+    AdvancedOptions(NewCloneSession& session, IconLoader& icons);
+
+private:
+    void addBlock(const QString& label, QWidget* control, const QString& help);
+    QCheckBox* addCheckBox(QVBoxLayout* column, const QString& label, bool NewCloneForm::*field,
+                           bool whenChecked = true);
+    [[nodiscard]] QWidget* makeDataLocation();
+    [[nodiscard]] QWidget* makeIconLabel();
+    [[nodiscard]] QWidget* makeArguments();
+    [[nodiscard]] QWidget* makeEditor(const QString& name, std::string NewCloneForm::*field);
+    void addMenuBarBoxes();
+    void addIsolation();
+
+    NewCloneSession& session_;
+    QVBoxLayout* column_;
+};
+
+} // namespace quorvel

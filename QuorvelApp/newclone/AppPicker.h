@@ -1,0 +1,69 @@
+#pragma once
+
+#include "QuorvelApp/model/AppGridModel.h"
+#include "QuorvelApp/model/NewCloneSession.h"
+#include "QuorvelApp/newclone/AppTile.h"
+
+#include <QListView>
+#include <QWidget>
+
+#include <set>
+#include <string>
+
+class QLabel;
+class QStackedLayout;
+
+namespace quorvel {
+
+/// A grid of tiles that are pressed like buttons: a click on one, and Space or Return on the one
+/// with the ring, selects it. The arrows and typing move the ring alone. The columns take up the
+/// width, between the tiles' narrowest and widest.
+class AppGrid : public QListView {
+    Q_OBJECT
+
+public:
+    explicit AppGrid(AppTile* tiles);
+
+    /// Invalid between the tiles.
+    [[nodiscard]] QModelIndex indexAt(const QPoint& point) const override;
+
+protected:
+    void focusInEvent(QFocusEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override;
+    void mouseMoveEvent(QMouseEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+    void updateGeometries() override;
+    [[nodiscard]] QItemSelectionModel::SelectionFlags
+    selectionCommand(const QModelIndex& index, const QEvent* event) const override;
+
+private:
+    void press(const QModelIndex& index);
+
+    AppTile* tiles_;
+};
+
+/// The installed apps to choose from, or why there are none.
+class AppPicker : public QWidget {
+    Q_OBJECT
+
+public:
+    AppPicker(NewCloneSession& session, IconLoader& icons);
+
+private:
+    void refresh();
+    void showRing(int row);
+    void showSelected();
+    void tileSelected();
+    void tileAppeared(const InstalledApp& app);
+
+    NewCloneSession& session_;
+    AppGridModel apps_;
+    QStackedLayout* states_;
+    QLabel* nothing_;
+    AppGrid* grid_;
+    std::set<std::string> asked_{};
+    bool refreshing_ = false;
+};
+
+} // namespace quorvel

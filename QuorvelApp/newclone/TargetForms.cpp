@@ -1,0 +1,104 @@
+#include "QuorvelApp/newclone/TargetForms.h"
+
+#include "QuorvelApp/Components.h"
+#include "QuorvelApp/newclone/FormBindings.h"
+
+#include <QHBoxLayout>
+#include <QLineEdit>
+#include <QVBoxLayout>
+
+namespace quorvel {
+
+using namespace Qt::StringLiterals;
+
+TargetForm::TargetForm(NewCloneSession& session, const QString& symbol, const QString& heading,
+                       QWidget* parent)
+    : QWidget(parent),
+      session_(session),
+      column_(new QVBoxLayout(this)) {
+    column_->setContentsMargins(20, 20, 20, 20);
+    column_->setSpacing(10);
+    auto* row = new QHBoxLayout;
+    row->setSpacing(8);
+    row->addWidget(new SymbolView(symbol, Ink::text, 17));
+    row->addWidget(makeLabel(heading, TextStyle::headline));
+    row->addStretch();
+    column_->addLayout(row);
+}
+
+QLineEdit* TargetForm::addField(const QString& placeholder, const QString& accessibleName) {
+    auto* field = new QLineEdit;
+    field->setPlaceholderText(placeholder);
+    field->setAccessibleName(accessibleName);
+    column_->addWidget(field);
+    return field;
+}
+
+QLineEdit* TargetForm::addField(const QString& placeholder, const QString& accessibleName,
+                                QPushButton* button) {
+    auto* field = new QLineEdit;
+    field->setPlaceholderText(placeholder);
+    field->setAccessibleName(accessibleName);
+    auto* row = new QHBoxLayout;
+    row->setSpacing(8);
+    row->addWidget(field, 1);
+    row->addWidget(button);
+    column_->addLayout(row);
+    return field;
+}
+
+void TargetForm::addCaption(const QString& text) {
+    column_->addWidget(makeWrappingLabel(text, TextStyle::caption, Ink::secondary));
+    column_->addStretch();
+}
+
+WebForm::WebForm(NewCloneSession& session) : TargetForm(session, u"globe"_s, tr("Website URL")) {
+    bind(session, addField(u"example.com"_s, tr("Website URL")), &NewCloneForm::webURL,
+         &NewCloneForm::autoNameIfNeeded);
+    addCaption(tr("Opens in its own WebKit window with isolated cookies and logins — no Electron. "
+                  "Great for a second WhatsApp, Teams, or Gmail."));
+}
+
+FileForm::FileForm(NewCloneSession& session)
+    : TargetForm(session, u"folder"_s, tr("File or Folder")) {
+    QPushButton* browse = makeButton(tr("&Browse…"), ButtonLook::standard);
+    bind(session, addField(tr("No item selected"), tr("File or Folder"), browse),
+         &NewCloneForm::filePath);
+    connect(browse, &QPushButton::clicked, this, &FileForm::chooseFile);
+    addCaption(tr("Creates a Dock item that opens this file or folder with its default app."));
+}
+
+void FileForm::chooseFile() {
+    session().choose(session().panels().fileOrFolder, window(),
+                     [](NewCloneForm& form, const auto& chosen) { form.chooseFile(chosen); });
+}
+
+CommandForm::CommandForm(NewCloneSession& session)
+    : TargetForm(session, u"terminal"_s, tr("Command")) {
+    QPushButton* command = makeButton(tr("C&hoose…"), ButtonLook::standard);
+    QPushButton* folder = makeButton(tr("Ch&oose…"), ButtonLook::standard);
+    folder->setAccessibleName(tr("Choose the working directory…"));
+    bind(session, addField(u"/usr/bin/…"_s, tr("Command"), command), &NewCloneForm::commandPathText,
+         &NewCloneForm::autoNameIfNeeded);
+    bind(session, addField(tr("Arguments (space-separated)"), tr("Arguments")),
+         &NewCloneForm::commandArgsText);
+    bind(session, addField(tr("Working directory (optional)"), tr("Working directory"), folder),
+         &NewCloneForm::workdir);
+    connect(command, &QPushButton::clicked, this, &CommandForm::chooseCommand);
+    connect(folder, &QPushButton::clicked, this, &CommandForm::chooseWorkdir);
+    addCaption(tr("Runs any executable/script with arguments, a working directory, and the "
+                  "environment variables below."));
+}
+
+void CommandForm::chooseCommand() {
+    session().choose(session().panels().file, window(),
+                     [](NewCloneForm& form, const auto& chosen) { form.chooseCommand(chosen); });
+}
+
+void CommandForm::chooseWorkdir() {
+    session().choose(
+        session().panels().folder, window(),
+        [](NewCloneForm& form, const auto& chosen) { form.workdir = chosen.string(); });
+}
+
+} // namespace quorvel

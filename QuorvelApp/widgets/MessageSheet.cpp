@@ -1,0 +1,120 @@
+#include "QuorvelApp/widgets/MessageSheet.h"
+
+#include "QuorvelApp/widgets/CopyableLabel.h"
+
+#include <QHBoxLayout>
+#include <QScrollArea>
+#include <QVBoxLayout>
+
+#include <algorithm>
+
+namespace quorvel {
+namespace {
+
+constexpr int wordsWidth = 400;
+constexpr int leastHeight = 40;
+constexpr int greatestHeight = 300;
+
+// As high as its texts need; one that no window would hold is scrolled, by the keyboard too.
+class Words final : public QScrollArea {
+public:
+    explicit Words(const std::vector<QWidget*>& texts) {
+        auto* page = new QWidget;
+        auto* column = new QVBoxLayout(page);
+        column->setContentsMargins(0, 0, 0, 0);
+        column->setSpacing(8);
+        for (QWidget* text : texts) {
+            column->addWidget(text);
+        }
+        column->addStretch();
+        setWidget(page);
+        setWidgetResizable(true);
+        setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+        setFixedWidth(wordsWidth);
+        setFocusPolicy(neededHeight() > greatestHeight ? Qt::StrongFocus : Qt::NoFocus);
+    }
+
+    [[nodiscard]] QSize sizeHint() const override {
+        return {wordsWidth, std::min(neededHeight(), greatestHeight)};
+    }
+
+    [[nodiscard]] QSize minimumSizeHint() const override {
+        return {wordsWidth, std::min(neededHeight(), leastHeight)};
+    }
+
+private:
+    [[nodiscard]] int neededHeight() const { return widget()->heightForWidth(wordsWidth); }
+};
+
+} // namespace
+
+MessageSheet::MessageSheet(const QString& symbol, Ink ink, const QString& title,
+                           const QString& text, const std::vector<Choice>& choices)
+    : title_(new WrappingText(TextStyle::headline)),
+      text_(new WrappingText(TextStyle::body, Ink::secondary)) {
+    setWindowTitle(title);
+    setAccessibleName(title);
+    setAccessibleDescription(text);
+    title_->setFullText(title);
+    text_->setFullText(text);
+    auto* words = new Words({title_, text_});
+    words->setAccessibleName(title);
+    auto* top = new QHBoxLayout;
+    top->setSpacing(16);
+    top->addWidget(new SymbolView(symbol, ink, 32), 0, Qt::AlignTop);
+    top->addWidget(words, 1);
+    auto* row = new QHBoxLayout;
+    row->setSpacing(8);
+    row->addStretch();
+    auto* column = new QVBoxLayout(this);
+    column->setContentsMargins(22, 22, 22, 18);
+    column->setSpacing(20);
+    column->addLayout(top, 1);
+    column->addLayout(row);
+    for (const Choice& choice : choices) {
+        add(choice, row);
+    }
+}
+
+void MessageSheet::add(const Choice& choice, QBoxLayout* row) {
+    QPushButton* button = makeButton(withoutMnemonics(choice.label), choice.look);
+    connect(button, &QPushButton::clicked, this, [this, chosen = choice.chosen] {
+        // Ends first: what was chosen may bring up the next message.
+        accept();
+        if (chosen) {
+            chosen();
+        }
+    });
+    if (choice.onEscape) {
+        escape_ = button;
+    }
+    if (choice.isDefault) {
+        makeDefault(button);
+        default_ = button;
+    }
+    row->addWidget(button);
+}
+
+QString MessageSheet::title() const {
+    return title_->fullText();
+}
+
+QString MessageSheet::text() const {
+    return text_->fullText();
+}
+
+// Not sooner: a widget that is given another parent loses the focus.
+void MessageSheet::showEvent(QShowEvent* event) {
+    QDialog::showEvent(event);
+    if (default_ != nullptr) {
+        default_->setFocus();
+    }
+}
+
+void MessageSheet::reject() {
+    if (escape_ != nullptr) {
+        escape_->click();
+    }
+}
+
+} // namespace quorvel

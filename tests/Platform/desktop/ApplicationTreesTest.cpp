@@ -1,0 +1,133 @@
+// Which of many processes stand for an application.
+#include "Platform/desktop/ApplicationTrees_linux.h"
+
+#include "Platform/processes/Process.h"
+#include "Platform/processes/ProcessFamily.h"
+#include "tests/support/AppBundles.h"
+#include "tests/support/TemporaryHome.h"
+#include "tests/support/Waiting.h"
+
+#include <csignal>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <set>
+
+namespace quorvel {
+namespace {
+
+using namespace testing;
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+using ::testing::SizeIs;
+namespace fs = std::filesystem;
+
+TEST(LockWaiters, AreThoseBehindAnArrow) {
+    EXPECT_THAT(lockWaiters("1: POSIX  ADVISORY  READ  101 fe:01:8000 128 128\n"
+                            "2: FLOCK  ADVISORY  WRITE 102 00:19:77 0 EOF\n"
+                            "2: -> FLOCK  ADVISORY  WRITE 103 00:19:77 0 EOF\n"
+                            "2: -> POSIX  ADVISORY  READ  104 00:19:77 0 EOF\n"
+                            "2:  -> FLOCK  ADVISORY  WRITE 105 00:19:77 0 EOF"),
+                ElementsAre(103, 104, 105));
+    EXPECT_THAT(lockWaiters(""), IsEmpty());
+    EXPECT_THAT(lockWaiters("-> FLOCK\n-> \n->\n2: -> a b c d e\n\n"), IsEmpty());
+}
+
+class ApplicationTrees : public ::testing::Test {
+protected:
+    ~ApplicationTrees() override { end(); }
+
+    void end() {
+        for (Process& process : started_) {
+            process.sendSignal(SIGKILL);
+            process.waitUntilExit();
+        }
+        started_.clear();
+        // Children of those outlive them.
+        for (const RunningApplication& left : ours()) {
+            ::kill(left.pid, SIGKILL);
+        }
+    }
+
+    [[nodiscard]] std::vector<RunningApplication> ours() {
+        auto found = workspace_->runningApplications().withBundleIdentifier("com.example.Thing");
+        std::erase_if(found, [&](const RunningApplication& application) {
+            return !application.bundleURL.string().starts_with(folder_.path().string());
+        });
+        return found;
+    }
+
+    pid_t start(const fs::path& bundle) {
+        started_.push_back(Process::run({.executable = bundle / "Contents/MacOS" / bundle.stem()}));
+        return started_.back().identifier();
+    }
+
+    // An application that starts another process of its own, by way of a shell elsewhere; both
+    // tell that they run.
+    [[nodiscard]] fs::path appWithHelper() const {
+        const fs::path bundle = makeScriptedAppBundle(
+            folder_ / "Thing.app",
+            "if [ -z \"$AGAIN\" ]; then AGAIN=1 /bin/sh -c \"'$0'; :\" & fi; echo x >> '" +
+                told().string() + "'; while :; do sleep 0.05; done");
+        return bundle;
+    }
+
+    [[nodiscard]] fs::path told() const { return folder_ / "told"; }
+    [[nodiscard]] bool hasTold(std::size_t times) const {
+        return waitFor([&] { return read(told()).size() >= 2 * times; });
+    }
+
+    TemporaryFolder folder_;
+    std::unique_ptr<Workspace> workspace_ = makeSystemWorkspace();
+    std::vector<Process> started_{};
+};
+
+TEST_F(ApplicationTrees, AnApplicationOfSeveralProcessesCountsOnceByItsTopmost) {
+    const pid_t top = start(appWithHelper());
+    ASSERT_TRUE(hasTold(2));
+    // A shell's child is a copy of the shell for a moment, and counts with its tree as well.
+    for (int look = 0; look < 20; ++look) {
+        const auto found = ours();
+        ASSERT_THAT(found, SizeIs(1));
+        EXPECT_EQ(found[0].pid, top);
+    }
+}
+
+TEST_F(ApplicationTrees, TwoStartedApartCountTwice) {
+    const fs::path bundle = appWithHelper();
+    const pid_t first = start(bundle);
+    const pid_t second = start(bundle);
+    ASSERT_TRUE(hasTold(4));
+    const auto found = ours();
+    ASSERT_THAT(found, SizeIs(2));
+    EXPECT_EQ(std::set<pid_t>({found[0].pid, found[1].pid}), std::set<pid_t>({first, second}));
+}
+
+TEST_F(ApplicationTrees, OneThatWaitsForALockDoesNotCountBesideOneThatHoldsIt) {
+    const std::string lock = (folder_ / "lock").string();
+    const fs::path bundle = makeAppBundle(folder_ / "Thing.app", {}, "/usr/bin/flock");
+    const auto startLocking = [&] {
+        started_.push_back(Process::run(
+            {.executable = bundle / "Contents/MacOS/Thing", .arguments = {lock, "sleep", "600"}}));
+        return started_.back().identifier();
+    };
+    const pid_t holder = startLocking();
+    ASSERT_TRUE(waitFor([&] { return !descendantsOf(holder).empty(); }));
+    const pid_t waiter = startLocking();
+    ASSERT_TRUE(waitFor([&] { return lockWaiters(read("/proc/locks")).contains(waiter); }));
+    auto found = ours();
+    ASSERT_THAT(found, SizeIs(1));
+    EXPECT_EQ(found[0].pid, holder);
+    for (const ProcessIdentity& child : descendantsOf(holder)) {
+        ::kill(child.pid, SIGKILL);
+    }
+    started_.front().waitUntilExit();
+    found = ours();
+    ASSERT_THAT(found, SizeIs(1)) << "alone, it counts even while it waits";
+    EXPECT_EQ(found[0].pid, waiter);
+    for (const ProcessIdentity& child : descendantsOf(waiter)) {
+        ::kill(child.pid, SIGKILL);
+    }
+}
+
+} // namespace
+} // namespace quorvel

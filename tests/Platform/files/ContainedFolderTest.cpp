@@ -1,0 +1,86 @@
+#include "Platform/files/ContainedFolder.h"
+
+#include "tests/support/TemporaryHome.h"
+
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+namespace quorvel {
+namespace {
+
+using namespace testing;
+using namespace std::string_literals;
+namespace fs = std::filesystem;
+
+class FolderBelow : public ::testing::Test {
+protected:
+    FolderBelow() {
+        fs::create_directory(base());
+        fs::create_directory(folder_ / "outside");
+    }
+
+    [[nodiscard]] fs::path base() const { return folder_ / "base"; }
+    [[nodiscard]] bool make(const std::string& below) const {
+        return ensureFolderBelow(base(), base().string() + below);
+    }
+    [[nodiscard]] std::map<std::string, std::string> tree() const { return treeOf(folder_.path()); }
+
+    TemporaryFolder folder_;
+};
+
+TEST_F(FolderBelow, IsMadeWithThoseAboveItForItsUserOnly) {
+    EXPECT_TRUE(make("/a/b c/.d"));
+    for (const char* made : {"a", "a/b c", "a/b c/.d"}) {
+        struct stat status {};
+        ASSERT_EQ(::stat((base() / made).c_str(), &status), 0) << made;
+        EXPECT_EQ(status.st_mode & 07777, 0700U) << made;
+    }
+}
+
+TEST_F(FolderBelow, MayBeThereAlreadyAndKeepsWhatItHolds) {
+    write(base() / "a/file", "x");
+    fs::permissions(base() / "a", fs::perms{0755});
+    EXPECT_TRUE(make("/a"));
+    EXPECT_EQ(read(base() / "a/file"), "x");
+    EXPECT_EQ(fs::status(base() / "a").permissions(), fs::perms{0755});
+}
+
+TEST_F(FolderBelow, MayBeSpeltWithSlashesAndDots) {
+    EXPECT_TRUE(make("//a/./b//"));
+    EXPECT_TRUE(fs::is_directory(base() / "a/b"));
+    EXPECT_TRUE(ensureFolderBelow(base().string() + "/", base().string() + "/c"));
+    EXPECT_TRUE(fs::is_directory(base() / "c"));
+}
+
+TEST_F(FolderBelow, IsNotMadeElsewhere) {
+    const auto before = tree();
+    EXPECT_FALSE(ensureFolderBelow(base(), (folder_ / "outside/x").string()));
+    EXPECT_FALSE(make("x/y")) << "base + x is another folder";
+    EXPECT_FALSE(make("/../outside/x"));
+    EXPECT_FALSE(make("/.."));
+    EXPECT_FALSE(ensureFolderBelow(base(), "relative"));
+    EXPECT_FALSE(ensureFolderBelow(base(), ""));
+    EXPECT_FALSE(make("/a\0/b"s));
+    EXPECT_FALSE(ensureFolderBelow(folder_ / "none", (folder_ / "none/x").string()));
+    EXPECT_EQ(tree(), before);
+}
+
+TEST_F(FolderBelow, IsNotMadeThroughALink) {
+    fs::create_directory_symlink(folder_ / "outside", base() / "link");
+    fs::create_directory_symlink(folder_ / "outside/new", base() / "dangling");
+    const auto before = tree();
+    EXPECT_FALSE(make("/link/x"));
+    EXPECT_FALSE(make("/link"));
+    EXPECT_FALSE(make("/dangling/x"));
+    EXPECT_EQ(tree(), before);
+}
+
+TEST_F(FolderBelow, IsNotMadeInAFilesPlace) {
+    write(base() / "file", "x");
+    EXPECT_FALSE(make("/file"));
+    EXPECT_FALSE(make("/file/x"));
+    EXPECT_EQ(read(base() / "file"), "x");
+}
+
+} // namespace
+} // namespace quorvel

@@ -1,0 +1,66 @@
+#include "Platform/files/FileLock.h"
+
+#include "Platform/files/PlatformError.h"
+#include "tests/support/TemporaryHome.h"
+
+#include <atomic>
+#include <gtest/gtest.h>
+#include <thread>
+#include <vector>
+
+namespace quorvel {
+namespace {
+
+using namespace testing;
+namespace fs = std::filesystem;
+
+TEST(FileLock, IsHeldByOneAtATime) {
+    const TemporaryFolder folder;
+    auto first = FileLock::tryTake(folder / "lock");
+    ASSERT_TRUE(first);
+    EXPECT_FALSE(FileLock::tryTake(folder / "lock"));
+    EXPECT_TRUE(FileLock::tryTake(folder / "other"));
+    first.reset();
+    EXPECT_TRUE(FileLock::tryTake(folder / "lock"));
+}
+
+TEST(FileLock, LeavesAnOldFilesBytesAlone) {
+    const TemporaryFolder folder;
+    write(folder / "lock", "bytes");
+    EXPECT_TRUE(FileLock::tryTake(folder / "lock"));
+    EXPECT_EQ(read(folder / "lock"), "bytes");
+}
+
+TEST(FileLock, OfAFileThatWasRemovedMeanwhileCountsForNothing) {
+    const TemporaryFolder folder;
+    std::atomic<int> holders = 0;
+    std::atomic<int> most = 0;
+    std::vector<std::thread> threads;
+    for (int number = 0; number < 4; ++number) {
+        threads.emplace_back([&] {
+            for (int turn = 0; turn < 5000; ++turn) {
+                if (const auto lock = FileLock::tryTake(folder / "lock")) {
+                    most = std::max<int>(most, ++holders);
+                    std::this_thread::yield();
+                    --holders;
+                    fs::remove(folder / "lock");
+                }
+            }
+        });
+    }
+    for (std::thread& thread : threads) {
+        thread.join();
+    }
+    EXPECT_EQ(most, 1);
+}
+
+TEST(FileLock, NeedsAFileItCanMake) {
+    const TemporaryFolder folder;
+    EXPECT_THROW((void)FileLock::tryTake(folder / "no/such/folder"), PlatformError);
+    EXPECT_THROW((void)FileLock::tryTake(folder.path()), PlatformError);
+    EXPECT_THROW((void)FileLock::tryTake((folder / "lock").native() + std::string(1, '\0') + "x"),
+                 PlatformError);
+}
+
+} // namespace
+} // namespace quorvel

@@ -1,0 +1,47 @@
+#include "Platform/files/UserFolders.h"
+
+#include "tests/support/TemporaryHome.h"
+
+#include <gmock/gmock.h>
+
+namespace quorvel {
+namespace {
+
+using namespace testing;
+using ::testing::Contains;
+using ::testing::IsEmpty;
+using ::testing::UnorderedElementsAre;
+
+TEST(UserFolders, AreThoseThatEveryUserHas) {
+    const TemporaryHome home;
+    const auto folders = userFolders();
+    for (const char* name : {"Desktop", "Documents", "Downloads", "Library", "Movies", "Music",
+                             "Pictures", "Public", "Templates", "Videos", ".ssh", ".gnupg",
+                             ".config", ".local", ".cache", ".mozilla", ".var", "snap"}) {
+        EXPECT_THAT(folders, Contains(home / name));
+    }
+}
+
+TEST(UserFolders, KnowTheNamesThatTheDesktopGave) {
+    const TemporaryHome home;
+    const ScopedEnvironment settings("XDG_CONFIG_HOME", (home / "settings").string());
+    write(home / ".config/user-dirs.dirs", "# made by the desktop\n"
+                                           "XDG_DOCUMENTS_DIR=\"$HOME/Dokumente\"\n"
+                                           "XDG_MUSIC_DIR=\"/data/Musik\"\n"
+                                           "XDG_VIDEOS_DIR=\"relative\"\n"
+                                           "XDG_BROKEN_DIR=\"\n"
+                                           "PATH=\"/bin\"\n");
+    write(home / "settings/user-dirs.dirs", "XDG_DESKTOP_DIR=\"$HOME/Schreibtisch\"\n");
+    EXPECT_THAT(renamedUserFolders(home.path()),
+                UnorderedElementsAre(home / "Dokumente", "/data/Musik", home / "Schreibtisch"));
+    EXPECT_THAT(userFolders(), Contains(home / "Dokumente"));
+}
+
+TEST(UserFolders, AreTheUsualOnesWhereTheDesktopSaysNothing) {
+    const TemporaryHome home;
+    const ScopedEnvironment settings("XDG_CONFIG_HOME", (home / "none").string());
+    EXPECT_THAT(renamedUserFolders(home.path()), IsEmpty());
+}
+
+} // namespace
+} // namespace quorvel
