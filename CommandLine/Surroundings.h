@@ -1,10 +1,10 @@
 #pragma once
 
+#include "Base/Error.h"
 #include "LaunchKit/InstanceRegistry.h"
 #include "Platform/desktop/Workspace.h"
 
 #include <iosfwd>
-#include <stdexcept>
 
 namespace quorvel {
 
@@ -20,15 +20,15 @@ struct Surroundings {
 };
 
 /// A command that can't do what it was asked for; the text is for the user.
-class CommandError : public std::runtime_error {
+class CommandError : public Error {
 public:
-    using std::runtime_error::runtime_error;
+    using Error::Error;
 };
 
 /// A command line that makes no sense; shown with the usage.
-class UsageError : public std::runtime_error {
+class UsageError : public Error {
 public:
-    using std::runtime_error::runtime_error;
+    using Error::Error;
 };
 
 } // namespace quorvel

@@ -1,10 +1,10 @@
 #pragma once
 
+#include "Base/Error.h"
 #include "LaunchKit/Strategy.h"
 #include "Platform/desktop/Workspace.h"
 
 #include <optional>
-#include <stdexcept>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -32,10 +32,9 @@ enum class Confidence { verified, community, autoDetected, broken };
 [[nodiscard]] std::optional<Confidence> confidenceFromRawString(std::string_view text);
 
 /// A profile that can't be read or written as JSON.
-class ProfileError : public std::runtime_error {
+class ProfileError : public Error {
 public:
-    using std::runtime_error::runtime_error;
-    [[nodiscard]] std::string description() const { return what(); }
+    using Error::Error;
 };
 
 /// What is known about one target application.

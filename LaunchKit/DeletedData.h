@@ -1,18 +1,18 @@
 #pragma once
 
+#include "Base/Error.h"
+
 #include <cstddef>
 #include <filesystem>
-#include <stdexcept>
 #include <string>
 
 namespace quorvel {
 
 /// A deletion that would take what is not the clone's; nothing was changed. The text is for the
 /// user.
-class RefusedDeletion : public std::runtime_error {
+class RefusedDeletion : public Error {
 public:
-    using std::runtime_error::runtime_error;
-    [[nodiscard]] std::string description() const { return what(); }
+    using Error::Error;
 };
 
 /// What became of a deleted clone's data folder.

@@ -51,7 +51,7 @@ std::optional<FileLock> lockFileOrFolder(const fs::path& home) {
 } // namespace
 
 HomeInUse::HomeInUse(const std::string& displayName)
-    : std::runtime_error("“" + displayName +
+    : Error("“" + displayName +
                          "” is still running, or a clone that shares its data folder is, or a "
                          "program that it started") {}
 

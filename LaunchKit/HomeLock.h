@@ -1,10 +1,10 @@
 #pragma once
 
+#include "Base/Error.h"
 #include "LaunchKit/InstanceConfig.h"
 #include "Platform/files/FileLock.h"
 
 #include <optional>
-#include <stdexcept>
 #include <string>
 #include <string_view>
 
@@ -15,10 +15,9 @@ inline constexpr std::string_view homeLockName = ".quorvel-lock";
 
 /// Another target runs in the instance home: that of the same clone, whose runner may be gone, or
 /// of a clone that shares the home.
-class HomeInUse : public std::runtime_error {
+class HomeInUse : public Error {
 public:
     explicit HomeInUse(const std::string& displayName);
-    [[nodiscard]] std::string description() const { return what(); }
 };
 
 /// Claims the clone's instance home, which is created where it is missing, for one target. The

@@ -1,15 +1,15 @@
 #pragma once
 
+#include "Base/Error.h"
 #include "LaunchKit/IconLabel.h"
 
 #include <filesystem>
-#include <stdexcept>
 #include <string>
 
 /// Puts a label onto an icon.
 namespace quorvel::IconComposer {
 
-class ComposeError : public std::runtime_error {
+class ComposeError : public Error {
 public:
     enum class Case { noSourceImage, destinationFailed };
 
@@ -19,11 +19,10 @@ public:
     [[nodiscard]] Case kind() const noexcept { return case_; }
     /// The source of `noSourceImage`, else empty.
     [[nodiscard]] const std::filesystem::path& url() const noexcept { return url_; }
-    [[nodiscard]] std::string description() const { return what(); }
 
 private:
     ComposeError(Case kind, const std::string& text, std::filesystem::path url = {})
-        : std::runtime_error(text),
+        : Error(text),
           case_(kind),
           url_(std::move(url)) {}
 

@@ -1,12 +1,12 @@
 #pragma once
 
+#include "Base/Error.h"
 #include "LaunchKit/IconLabel.h"
 #include "LaunchKit/Strategy.h"
 
 #include <filesystem>
 #include <map>
 #include <optional>
-#include <stdexcept>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -23,10 +23,9 @@ enum class ShortcutKind { app, web, file, command };
 [[nodiscard]] std::optional<ShortcutKind> shortcutKindFromRawString(std::string_view text);
 
 /// A configuration that can't be read or written as JSON.
-class ConfigError : public std::runtime_error {
+class ConfigError : public Error {
 public:
-    using std::runtime_error::runtime_error;
-    [[nodiscard]] std::string description() const { return what(); }
+    using Error::Error;
 };
 
 /// Everything that makes a clone what it is: the contents of its `instance.json`.

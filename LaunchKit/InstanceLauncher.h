@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Base/Error.h"
 #include "LaunchKit/AppBundle.h"
 #include "LaunchKit/InstanceConfig.h"
 #include "Platform/files/FileHandle.h"
@@ -9,7 +10,6 @@
 #include <filesystem>
 #include <map>
 #include <optional>
-#include <stdexcept>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -20,7 +20,7 @@ namespace quorvel {
 /// Stateless; any thread.
 class InstanceLauncher {
 public:
-    class LaunchError : public std::runtime_error {
+    class LaunchError : public Error {
     public:
         enum class Case { badBundle, unsupported };
 
@@ -30,11 +30,10 @@ public:
         [[nodiscard]] Case kind() const noexcept { return case_; }
         /// The bundle's path, or the message.
         [[nodiscard]] const std::string& payload() const noexcept { return payload_; }
-        [[nodiscard]] std::string description() const { return what(); }
 
     private:
         LaunchError(Case kind, const std::string& prefix, std::string payload)
-            : std::runtime_error(prefix + payload),
+            : Error(prefix + payload),
               case_(kind),
               payload_(std::move(payload)) {}
 

@@ -125,7 +125,7 @@ void InstanceRegistry::shareUserFolders(const InstanceRecord& record) const {
         update(*now, [](InstanceConfig& config) { config.shareUserFolders = true; });
     }
     if (!shares(now) && !shares(this->record(record.bundleURL))) {
-        throw std::runtime_error("The clone at " + record.bundleURL.string() +
+        throw Error("The clone at " + record.bundleURL.string() +
                                  " can’t be changed; it does not share the folders yet.");
     }
 }

@@ -60,7 +60,7 @@ public:
                 const std::function<void(InstanceConfig&)>& change) const;
 
     /// Has the clone share the user's own folders, and leaves what else its configuration holds on
-    /// disk by now. Throws `std::runtime_error` when it still does not share them.
+    /// disk by now. Throws `Error` when it still does not share them.
     void shareUserFolders(const InstanceRecord& record) const;
 };
 

@@ -1,10 +1,10 @@
 #pragma once
 
+#include "Base/Error.h"
 #include "LaunchKit/WrapperFactory.h"
 
 #include <filesystem>
 #include <optional>
-#include <stdexcept>
 #include <string>
 
 /// What the factory leaves to its callers: it makes a clone of any name, and replaces whatever is
@@ -12,9 +12,9 @@
 namespace quorvel {
 
 /// A request that would lose something that is no clone; the text is for the user.
-class RefusedRequest : public std::runtime_error {
+class RefusedRequest : public Error {
 public:
-    using std::runtime_error::runtime_error;
+    using Error::Error;
 };
 
 /// The data folder is not the new clone's alone: it is another clone's, or the user's own.

@@ -1,12 +1,12 @@
 #pragma once
 
+#include "Base/Error.h"
 #include "LaunchKit/AppBundle.h"
 #include "LaunchKit/InstanceConfig.h"
 
 #include <filesystem>
 #include <map>
 #include <optional>
-#include <stdexcept>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -43,7 +43,7 @@ public:
         bool shareUserFolders = true;
     };
 
-    class FactoryError : public std::runtime_error {
+    class FactoryError : public Error {
     public:
         enum class Case { badTarget, runnerNotFound, emptyName };
 
@@ -54,11 +54,10 @@ public:
         [[nodiscard]] Case kind() const noexcept { return case_; }
         /// The target of `badTarget`, else empty.
         [[nodiscard]] const std::filesystem::path& url() const noexcept { return url_; }
-        [[nodiscard]] std::string description() const { return what(); }
 
     private:
         FactoryError(Case kind, const std::string& text, std::filesystem::path url = {})
-            : std::runtime_error(text),
+            : Error(text),
               case_(kind),
               url_(std::move(url)) {}
 

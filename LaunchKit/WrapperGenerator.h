@@ -1,12 +1,12 @@
 #pragma once
 
+#include "Base/Error.h"
 #include "Base/PropertyList.h"
 #include "LaunchKit/AppBundle.h"
 #include "LaunchKit/InstanceConfig.h"
 
 #include <filesystem>
 #include <optional>
-#include <stdexcept>
 #include <string>
 #include <string_view>
 
@@ -22,7 +22,7 @@ public:
         bool hideWrapperIcon = false;                      ///< no Dock icon
     };
 
-    class GenError : public std::runtime_error {
+    class GenError : public Error {
     public:
         enum class Case { runnerMissing, badTarget };
 
@@ -31,11 +31,10 @@ public:
 
         [[nodiscard]] Case kind() const noexcept { return case_; }
         [[nodiscard]] const std::filesystem::path& url() const noexcept { return url_; }
-        [[nodiscard]] std::string description() const { return what(); }
 
     private:
         GenError(Case kind, const std::string& prefix, std::filesystem::path url)
-            : std::runtime_error(prefix + url.string()),
+            : Error(prefix + url.string()),
               case_(kind),
               url_(std::move(url)) {}
 

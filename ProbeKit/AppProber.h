@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Base/Error.h"
 #include "LaunchKit/AppBundle.h"
 #include "LaunchKit/InstanceLauncher.h"
 #include "Platform/desktop/Workspace.h"
@@ -12,7 +13,6 @@
 #include <functional>
 #include <memory>
 #include <optional>
-#include <stdexcept>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -20,10 +20,9 @@
 namespace quorvel {
 
 /// A probe that was given up on request.
-class ProbeCancelled : public std::runtime_error {
+class ProbeCancelled : public Error {
 public:
-    ProbeCancelled() : std::runtime_error("The detection was cancelled.") {}
-    [[nodiscard]] std::string description() const { return what(); }
+    ProbeCancelled() : Error("The detection was cancelled.") {}
 };
 
 /// Finds out by experiment where an app writes and whether it allows a second instance: launches it

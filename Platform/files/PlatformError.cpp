@@ -36,7 +36,7 @@ PlatformError::PlatformError(std::error_code code, const std::filesystem::path& 
 
 PlatformError::PlatformError(const std::string& sentence, std::error_code code,
                              std::filesystem::path path)
-    : std::runtime_error(sentence),
+    : Error(sentence),
       code_(code),
       path_(std::move(path)) {}
 

@@ -1,7 +1,8 @@
 #pragma once
 
+#include "Base/Error.h"
+
 #include <filesystem>
-#include <stdexcept>
 #include <string>
 #include <system_error>
 
@@ -9,7 +10,7 @@ namespace quorvel {
 
 /// A failed file-system or process operation, described for a person:
 /// “Work.app” couldn’t be removed: permission denied.
-class PlatformError : public std::runtime_error {
+class PlatformError : public Error {
 public:
     /// `action` completes the sentence “NAME” couldn’t be ACTION (a past participle, such as
     /// "removed"). `path` is the item that the operation was about.
@@ -18,8 +19,6 @@ public:
 
     [[nodiscard]] const std::error_code& code() const noexcept { return code_; }
     [[nodiscard]] const std::filesystem::path& path() const noexcept { return path_; }
-    /// The sentence, the same text as `what()`.
-    [[nodiscard]] std::string description() const { return what(); }
 
     /// The error for the calling thread's current `errno`.
     [[nodiscard]] static PlatformError fromErrno(const std::filesystem::path& path,
