@@ -10,7 +10,7 @@ RunningApplications someApplications() {
         {{"com.b", "/B.app", 30}, {"com.a", "/A.app", 20}, {"com.b", "/B.app", 10}});
 }
 
-TEST(RunningApplications, StandInTheOrderOfTheirProcessNumbers) {
+TEST(RunningApplicationsTest, StandInTheOrderOfTheirProcessNumbers) {
     const RunningApplications applications = someApplications();
     ASSERT_EQ(applications.all().size(), 3U);
     EXPECT_EQ(applications.all()[0].pid, 10);
@@ -18,21 +18,21 @@ TEST(RunningApplications, StandInTheOrderOfTheirProcessNumbers) {
     EXPECT_EQ(applications.all()[2].pid, 30);
 }
 
-TEST(RunningApplications, AreFoundByTheirIdentifier) {
+TEST(RunningApplicationsTest, AreFoundByTheirIdentifier) {
     const auto found = someApplications().withBundleIdentifier("com.b");
     ASSERT_EQ(found.size(), 2U);
     EXPECT_EQ(found[0].pid, 10);
     EXPECT_EQ(found[1].pid, 30);
 }
 
-TEST(RunningApplications, AnIdentifierIsMatchedExactly) {
+TEST(RunningApplicationsTest, AnIdentifierIsMatchedExactly) {
     EXPECT_TRUE(someApplications().contains("com.a"));
     EXPECT_FALSE(someApplications().contains("com.A"));
     EXPECT_FALSE(someApplications().contains("com"));
     EXPECT_FALSE(RunningApplications().contains(""));
 }
 
-TEST(RunningApplications, ABundleWithoutAnIdentifierGoesByItsFoldersName) {
+TEST(RunningApplicationsTest, ABundleWithoutAnIdentifierGoesByItsFoldersName) {
     EXPECT_EQ(bundleFallbackName("/A/Foo.app"), "Foo");
     EXPECT_EQ(bundleFallbackName("/A/Foo.app/"), "Foo");
     EXPECT_EQ(bundleFallbackName("/A/My.Foo.app"), "My.Foo");
@@ -45,7 +45,7 @@ TEST(RunningApplications, ABundleWithoutAnIdentifierGoesByItsFoldersName) {
     EXPECT_EQ(bundleFallbackName("//"), "");
 }
 
-TEST(BundleNames, OnlyTheExtensionInLowerCaseMakesABundle) {
+TEST(RunningApplicationsTest, BundleNamesOnlyTheExtensionInLowerCaseMakesABundle) {
     for (const char* name : {"a.app", ".hidden.app", "a.b.app", "..app", " .app", "line\n.app"}) {
         EXPECT_TRUE(isAppBundleName(name)) << name;
         EXPECT_EQ(std::filesystem::path(name).extension(), ".app") << name;
