@@ -1,5 +1,6 @@
 #include "CommandLine/CloneCommands.h"
 
+#include "Base/PathText.h"
 #include "Base/TerminalText.h"
 #include "CommandLine/CloneLookup.h"
 #include "CommandLine/CloneTexts.h"

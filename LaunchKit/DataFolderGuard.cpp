@@ -1,5 +1,6 @@
 #include "LaunchKit/DataFolderGuard.h"
 
+#include "Base/PathText.h"
 #include "LaunchKit/WrapperFactory.h"
 #include "Platform/files/FileSystem.h"
 #include "Platform/files/UserFolders.h"

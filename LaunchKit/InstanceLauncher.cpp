@@ -1,5 +1,6 @@
 #include "LaunchKit/InstanceLauncher.h"
 
+#include "Base/PathText.h"
 #include "Platform/files/ContainedFolder.h"
 #include "Platform/files/FileSystem.h"
 #include "Platform/files/UserPaths.h"

@@ -1,5 +1,6 @@
 #include "LaunchKit/WrapperFactory.h"
 
+#include "Base/PathText.h"
 #include "Base/Text.h"
 #include "LaunchKit/RunnerLocator.h"
 #include "LaunchKit/WrapperGenerator.h"

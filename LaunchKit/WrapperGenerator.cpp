@@ -1,5 +1,6 @@
 #include "LaunchKit/WrapperGenerator.h"
 
+#include "Base/PathText.h"
 #include "Base/Text.h"
 #include "LaunchKit/CloneDeletion.h"
 #include "LaunchKit/IconComposer.h"

@@ -1,5 +1,6 @@
 #include "ProbeKit/AppProber.h"
 
+#include "Base/PathText.h"
 #include "Base/RandomUuid.h"
 #include "Base/Text.h"
 #include "LaunchKit/WrapperFactory.h"

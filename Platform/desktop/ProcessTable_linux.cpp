@@ -1,5 +1,6 @@
 #include "Platform/desktop/ProcessTable_linux.h"
 
+#include "Base/BundleName.h"
 #include "Platform/desktop/ApplicationTrees_linux.h"
 #include "Platform/files/FileHandle.h"
 #include "Platform/files/FileSystem.h"

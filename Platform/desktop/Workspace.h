@@ -74,12 +74,4 @@ public:
 /// The system's own.
 [[nodiscard]] std::unique_ptr<Workspace> makeSystemWorkspace();
 
-/// Whether an entry of a folder has the name of an application bundle: one with the extension
-/// "app", which counts case for case.
-[[nodiscard]] bool isAppBundleName(std::string_view name);
-
-/// What stands for an application bundle's identifier and executable where its property list names
-/// none: the folder's name without its extension.
-[[nodiscard]] std::string bundleFallbackName(const std::filesystem::path& bundle);
-
 } // namespace quorvel

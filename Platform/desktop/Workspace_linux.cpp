@@ -1,9 +1,11 @@
-#include "Platform/desktop/FileManager_linux.h"
+#include "Platform/desktop/Workspace.h"
 
+#include "Base/BundleName.h"
+#include "Base/PathText.h"
+#include "Platform/desktop/FileManager_linux.h"
 #include "Platform/desktop/OsRelease_linux.h"
 #include "Platform/desktop/ProcessTable_linux.h"
 #include "Platform/desktop/StartWatch_linux.h"
-#include "Platform/desktop/Workspace.h"
 #include "Platform/files/FileSystem.h"
 #include "Platform/files/PropertyListFile.h"
 #include "Platform/processes/Process.h"

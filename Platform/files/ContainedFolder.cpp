@@ -1,5 +1,6 @@
 #include "Platform/files/ContainedFolder.h"
 
+#include "Base/PathText.h"
 #include "Platform/files/FileHandle.h"
 #include "Platform/files/FileSystem.h"
 

@@ -1,3 +1,4 @@
+#include "Base/PathText.h"
 #include "Platform/files/ByteCopy.h"
 #include "Platform/files/FileSystem.h"
 

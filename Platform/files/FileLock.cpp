@@ -1,5 +1,6 @@
 #include "Platform/files/FileLock.h"
 
+#include "Base/PathText.h"
 #include "Platform/files/FileSystem.h"
 #include "Platform/files/ItemIdentity.h"
 

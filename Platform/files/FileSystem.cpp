@@ -1,5 +1,6 @@
 #include "Platform/files/FileSystem.h"
 
+#include "Base/PathText.h"
 #include "Platform/files/Folder.h"
 
 #include <algorithm>
@@ -24,7 +25,7 @@ struct RegularFile {
 // Without O_NONBLOCK, opening a FIFO would wait for its other end.
 RegularFile openRegularFile(const std::string& path, int flags, mode_t mode = 0,
                             int folder = AT_FDCWD) {
-    if (path.find('\0') != std::string::npos) {
+    if (hasNul(path)) {
         errno = EINVAL;
         return {FileHandle(-1)};
     }
@@ -93,24 +94,6 @@ bool readWhole(const RegularFile& file, std::size_t limit, std::string& bytes) {
 
 } // namespace
 
-bool hasNul(const fs::path& path) noexcept {
-    return path.native().find('\0') != std::string::npos;
-}
-
-fs::path joinAsText(const fs::path& base, std::string_view name) {
-    std::string text = base.native();
-    text.reserve(text.size() + 1 + name.size());
-    return text.append(1, '/').append(name);
-}
-
-fs::path withoutTrailingSlashes(const fs::path& path) {
-    std::string text = path.native();
-    while (text.size() > 1 && text.back() == '/') {
-        text.pop_back();
-    }
-    return text;
-}
-
 bool itemExists(const fs::path& path) noexcept {
     struct stat status {};
     return !hasNul(path) && ::stat(path.c_str(), &status) == 0;
@@ -167,8 +150,7 @@ std::vector<std::string> Folder::entries() {
 
 bool Folder::has(const std::string& path) const {
     struct stat status {};
-    return path.find('\0') == path.npos &&
-           ::fstatat(::dirfd(stream_.get()), path.c_str(), &status, 0) == 0;
+    return !hasNul(path) && ::fstatat(::dirfd(stream_.get()), path.c_str(), &status, 0) == 0;
 }
 
 bool Folder::read(const std::string& path, std::size_t limit, std::string& bytes) const {

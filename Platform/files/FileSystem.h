@@ -15,16 +15,6 @@
 /// system would act on what stands before it.
 namespace quorvel {
 
-/// `base` + "/" + `name`, as text. `operator/` would drop `base` when `name` begins with "/".
-[[nodiscard]] std::filesystem::path joinAsText(const std::filesystem::path& base,
-                                               std::string_view name);
-
-/// `path` without the slashes at its end ("/" itself stays).
-[[nodiscard]] std::filesystem::path withoutTrailingSlashes(const std::filesystem::path& path);
-
-/// Whether the path holds a NUL byte, so that the system would see only what stands before it.
-[[nodiscard]] bool hasNul(const std::filesystem::path& path) noexcept;
-
 /// Whether anything is there, following links (a dangling link counts as nothing).
 [[nodiscard]] bool itemExists(const std::filesystem::path& path) noexcept;
 

@@ -1,3 +1,4 @@
+#include "Base/PathText.h"
 #include "Base/RandomUuid.h"
 #include "Platform/files/FileSystem.h"
 #include "Platform/files/VolumeTransfer.h"

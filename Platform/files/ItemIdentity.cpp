@@ -1,5 +1,6 @@
 #include "Platform/files/ItemIdentity.h"
 
+#include "Base/PathText.h"
 #include "Platform/files/FileSystem.h"
 
 #include <algorithm>

@@ -1,5 +1,6 @@
 #include "Platform/files/ItemMover.h"
 
+#include "Base/PathText.h"
 #include "Base/RandomUuid.h"
 #include "Platform/files/FileSystem.h"
 #include "Platform/files/TreeComparison.h"

@@ -1,5 +1,6 @@
 #include "Platform/files/ItemRemoval.h"
 
+#include "Base/PathText.h"
 #include "Platform/files/FileSystem.h"
 #include "Platform/files/ItemProtection.h"
 

@@ -1,5 +1,7 @@
 #include "Platform/files/PlatformError.h"
 
+#include "Base/PathText.h"
+
 #include <cctype>
 #include <cerrno>
 
@@ -14,18 +16,9 @@ std::string lowerFirst(std::string text) {
     return text;
 }
 
-std::string shownName(const std::filesystem::path& path) {
-    std::string text = path.string();
-    while (text.size() > 1 && text.back() == '/') {
-        text.pop_back();
-    }
-    const std::string name = std::filesystem::path(text).filename().string();
-    return name.empty() ? text : name;
-}
-
 std::string sentence(const std::string& reason, const std::filesystem::path& path,
                      const std::string& action) {
-    return "“" + shownName(path) + "” couldn’t be " + action + ": " + reason;
+    return "“" + lastPathComponent(path) + "” couldn’t be " + action + ": " + reason;
 }
 
 } // namespace

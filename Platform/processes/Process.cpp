@@ -1,5 +1,6 @@
 #include "Platform/processes/Process.h"
 
+#include "Base/PathText.h"
 #include "Platform/processes/ProcessSpawning.h"
 
 #include <algorithm>
@@ -31,12 +32,8 @@ public:
     }
 
     [[nodiscard]] bool hasNul() const {
-        for (const std::string& text : texts_) {
-            if (text.find('\0') != std::string::npos) {
-                return true;
-            }
-        }
-        return false;
+        return std::any_of(texts_.begin(), texts_.end(),
+                           [](const std::string& text) { return quorvel::hasNul(text); });
     }
 
 private:
@@ -162,8 +159,7 @@ Process Process::run(const Options& options) {
     for (const auto& [key, value] : options.environment.value_or(Environment{})) {
         environment.add(std::string(key).append(1, '=').append(value));
     }
-    const bool folderHasNul =
-        options.directory && options.directory->native().find('\0') != std::string::npos;
+    const bool folderHasNul = options.directory && hasNul(*options.directory);
     if (arguments.hasNul() || environment.hasNul() || folderHasNul) {
         throw PlatformError(std::make_error_code(std::errc::invalid_argument), options.executable,
                             "started");

@@ -1,5 +1,6 @@
 #include "Platform/watching/FSEventStream.h"
 
+#include "Base/PathText.h"
 #include "Platform/files/FileSystem.h"
 #include "Platform/watching/EventCoalescer.h"
 #include "Platform/watching/InotifyQueue_linux.h"
@@ -26,9 +27,9 @@ constexpr std::size_t longestThreadName = 15;
 // costs it more than the write; in this time the queue fills to a small part of what it can hold.
 constexpr int restBetweenReadings = 1;
 
-std::vector<std::string> withoutSlashesAtEnd(std::vector<std::string> paths) {
+std::vector<std::string> trimmed(std::vector<std::string> paths) {
     for (std::string& path : paths) {
-        path = withoutTrailingSlashes(path).string();
+        path = withoutTrailingSlashes(std::move(path));
     }
     return paths;
 }
@@ -40,11 +41,10 @@ public:
           handler_(std::move(handler)),
           wake_(::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)),
           coalescer_(options.latency),
-          sentinels_(withoutSlashesAtEnd(options.paths)),
-          tree_(withoutSlashesAtEnd(std::move(options.paths)),
-                [this](std::string path, std::uint32_t flags) {
-                    coalescer_.add(std::move(path), flags);
-                }) {}
+          sentinels_(trimmed(options.paths)),
+          tree_(trimmed(std::move(options.paths)), [this](std::string path, std::uint32_t flags) {
+              coalescer_.add(std::move(path), flags);
+          }) {}
 
     ~InotifyStream() override { stop(); }
 

@@ -1,5 +1,6 @@
 #include "Platform/watching/FSEventTranslation.h"
 
+#include "Base/PathText.h"
 #include "Platform/files/FileSystem.h"
 
 #include <algorithm>
@@ -42,7 +43,7 @@ std::uint32_t translatedFlags(std::uint32_t flags) {
 
 FSEventTranslation::FSEventTranslation(const std::vector<std::string>& given) {
     for (const std::string& path : given) {
-        const std::string shown = withoutTrailingSlashes(path).string();
+        const std::string shown = withoutTrailingSlashes(path);
         roots_.push_back({shown, realPath(shown)});
     }
 }

@@ -1,5 +1,6 @@
 #include "Platform/watching/WatchTree_linux.h"
 
+#include "Base/PathText.h"
 #include "Platform/watching/FSEventStream.h"
 
 #include <algorithm>
@@ -114,7 +115,7 @@ void WatchTree::handle(const InotifyEvent& event) {
     } else if (!highest.isRoot) {
         return;
     } else if (!event.name.empty()) {
-        handleInside(folder, event, pathOf(folder) + "/" + event.name);
+        handleInside(folder, event, joinAsText(pathOf(folder), event.name));
     } else if ((event.mask & IN_MOVE_SELF) != 0 && folder.isRoot) {
         const auto root = std::find(rootWatches_.begin(), rootWatches_.end(), folder.watch);
         drop(folder);
@@ -239,7 +240,7 @@ void WatchTree::visit(Visit first) {
 }
 
 void WatchTree::visitItem(const Visit& folder, const FolderItem& item, std::vector<Visit>& next) {
-    const std::string path = folder.path + "/" + item.name;
+    const std::string path = joinAsText(folder.path, item.name);
     if (item.isDir) {
         visitFolder(folder, item.name, path, next);
     } else {

@@ -1,5 +1,6 @@
 #include "QuorvelApp/model/NewCloneForm.h"
 
+#include "Base/PathText.h"
 #include "Base/Text.h"
 #include "Platform/desktop/UserLocale.h"
 #include "Platform/files/FileSystem.h"

@@ -48,20 +48,6 @@ std::errc errorOf(const std::function<void()>& step) {
     return {};
 }
 
-TEST_F(FileSystem, JoiningAsTextNeverDropsTheBase) {
-    EXPECT_EQ(joinAsText("/a", "b").native(), "/a/b");
-    EXPECT_EQ(joinAsText("/a", "/etc/passwd").native(), "/a//etc/passwd");
-    EXPECT_EQ(joinAsText("/a", "").native(), "/a/");
-    EXPECT_EQ(joinAsText("", "b").native(), "/b");
-}
-
-TEST_F(FileSystem, SlashesAtTheEndAreDropped) {
-    EXPECT_EQ(withoutTrailingSlashes("/a/b//").native(), "/a/b");
-    EXPECT_EQ(withoutTrailingSlashes("/").native(), "/");
-    EXPECT_EQ(withoutTrailingSlashes("///").native(), "/");
-    EXPECT_EQ(withoutTrailingSlashes("").native(), "");
-}
-
 TEST_F(FileSystem, ADanglingLinkIsALinkButNoItem) {
     fs::create_symlink("nowhere", at("link"));
     EXPECT_FALSE(itemExists(at("link")));
