@@ -1,5 +1,6 @@
 #include "CommandLine/CloneCommands.h"
 
+#include "Platform/files/PlatformError.h"
 #include "Base/PathText.h"
 #include "Base/TerminalText.h"
 #include "CommandLine/CloneLookup.h"
@@ -7,7 +8,6 @@
 #include "CommandLine/Confirmation.h"
 #include "LaunchKit/InstanceLauncher.h"
 #include "LaunchKit/RequestCheck.h"
-#include "Platform/files/FileSystem.h"
 
 #include <future>
 #include <memory>

@@ -1,5 +1,6 @@
 #include "LaunchKit/AppBundle.h"
 
+#include "Platform/files/PlatformError.h"
 #include "Base/BundleName.h"
 #include "Base/PathText.h"
 #include "Base/Utf8.h"

@@ -1,5 +1,7 @@
 #include "LaunchKit/CloneDeletion.h"
 
+#include "Platform/files/FileRemoval.h"
+#include "Platform/files/PlatformError.h"
 #include "LaunchKit/DataFolderGuard.h"
 #include "LaunchKit/WrapperLayout.h"
 #include "Platform/files/FileSystem.h"

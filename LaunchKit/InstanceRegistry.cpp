@@ -1,5 +1,6 @@
 #include "LaunchKit/InstanceRegistry.h"
 
+#include "Platform/files/FileWriting.h"
 #include "Base/BundleName.h"
 #include "Base/PathText.h"
 #include "Base/Text.h"

@@ -1,3 +1,5 @@
+#include "Platform/files/FileRemoval.h"
+#include "Platform/files/PlatformError.h"
 #include "Base/PathText.h"
 #include "LaunchKit/InstanceLauncher.h"
 #include "Platform/files/FileSystem.h"

@@ -4,7 +4,6 @@
 #include "Base/Text.h"
 #include "LaunchKit/RunnerLocator.h"
 #include "LaunchKit/WrapperGenerator.h"
-#include "Platform/files/FileSystem.h"
 #include "Platform/files/UserPaths.h"
 
 namespace quorvel {

@@ -1,6 +1,6 @@
 #include "Platform/desktop/ApplicationTrees_linux.h"
 
-#include "Platform/files/FileSystem.h"
+#include "Platform/files/FileReading.h"
 #include "Platform/processes/ProcessStat_linux.h"
 
 #include <algorithm>

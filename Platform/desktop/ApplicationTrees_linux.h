@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Platform/desktop/Workspace.h"
+#include "Platform/desktop/RunningApplications.h"
 
 #include <set>
 #include <string_view>

@@ -3,7 +3,6 @@
 #include "Base/BundleName.h"
 #include "Platform/desktop/ApplicationTrees_linux.h"
 #include "Platform/files/FileHandle.h"
-#include "Platform/files/FileSystem.h"
 #include "Platform/files/PropertyListFile.h"
 
 #include <algorithm>

@@ -1,12 +1,11 @@
 #pragma once
 
-#include "Platform/desktop/Workspace.h"
+#include "Platform/desktop/RunningApplications.h"
 
 #include <ctime>
 #include <map>
 #include <mutex>
 #include <optional>
-#include <set>
 #include <string>
 #include <vector>
 

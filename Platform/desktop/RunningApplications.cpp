@@ -1,4 +1,4 @@
-#include "Platform/desktop/Workspace.h"
+#include "Platform/desktop/RunningApplications.h"
 
 #include <algorithm>
 

@@ -1,42 +1,15 @@
 #pragma once
 
+#include "Platform/desktop/RunningApplications.h"
 #include "Platform/files/PlatformError.h"
 
 #include <filesystem>
 #include <functional>
-#include <map>
 #include <memory>
 #include <optional>
 #include <string>
-#include <string_view>
-#include <sys/types.h>
-#include <vector>
 
 namespace quorvel {
-
-/// A running application from a bundle, by its topmost process.
-struct RunningApplication {
-    std::string bundleId{};
-    std::filesystem::path bundleURL{}; ///< the bundle folder, links resolved
-    pid_t pid = 0;
-};
-
-/// The running applications at one moment. Answers any number of questions without looking again.
-class RunningApplications {
-public:
-    RunningApplications() = default;
-    explicit RunningApplications(std::vector<RunningApplication> applications);
-
-    /// Every one, in the order of their process numbers.
-    [[nodiscard]] const std::vector<RunningApplication>& all() const { return all_; }
-    [[nodiscard]] std::vector<RunningApplication>
-    withBundleIdentifier(const std::string& bundleId) const;
-    [[nodiscard]] bool contains(const std::string& bundleId) const;
-
-private:
-    std::vector<RunningApplication> all_{};
-    std::multimap<std::string, std::size_t> byIdentifier_{};
-};
 
 struct OperatingSystemVersion {
     int major = 0;

@@ -6,7 +6,8 @@
 #include "Platform/desktop/OsRelease_linux.h"
 #include "Platform/desktop/ProcessTable_linux.h"
 #include "Platform/desktop/StartWatch_linux.h"
-#include "Platform/files/FileSystem.h"
+#include "Platform/files/FileHandle.h"
+#include "Platform/files/PlatformError.h"
 #include "Platform/files/PropertyListFile.h"
 #include "Platform/processes/Process.h"
 

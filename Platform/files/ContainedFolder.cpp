@@ -2,7 +2,6 @@
 
 #include "Base/PathText.h"
 #include "Platform/files/FileHandle.h"
-#include "Platform/files/FileSystem.h"
 
 #include <algorithm>
 #include <fcntl.h>

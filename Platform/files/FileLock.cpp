@@ -1,8 +1,9 @@
 #include "Platform/files/FileLock.h"
 
 #include "Base/PathText.h"
-#include "Platform/files/FileSystem.h"
+#include "Platform/files/FileHandle.h"
 #include "Platform/files/ItemIdentity.h"
+#include "Platform/files/PlatformError.h"
 
 #include <cerrno>
 #include <fcntl.h>

@@ -1,5 +1,8 @@
-#include "Platform/files/FileSystem.h"
+#include "Platform/files/FileRemoval.h"
+
+#include "Platform/files/ItemIdentity.h"
 #include "Platform/files/ItemRemoval.h"
+#include "Platform/files/PlatformError.h"
 #include "Platform/files/UserPaths.h"
 
 #include <algorithm>

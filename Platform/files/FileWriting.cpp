@@ -1,11 +1,15 @@
+#include "Platform/files/FileWriting.h"
+
 #include "Base/PathText.h"
 #include "Base/RandomUuid.h"
-#include "Platform/files/FileSystem.h"
+#include "Platform/files/FileHandle.h"
+#include "Platform/files/PlatformError.h"
 #include "Platform/files/VolumeTransfer.h"
 
 #include <cerrno>
 #include <cstdio>
 #include <fcntl.h>
+#include <optional>
 #include <sys/stat.h>
 #include <unistd.h>
 #include <utility>

@@ -2,7 +2,10 @@
 
 #include "Base/PathText.h"
 #include "Base/RandomUuid.h"
+#include "Platform/files/FileHandle.h"
+#include "Platform/files/FileRemoval.h"
 #include "Platform/files/FileSystem.h"
+#include "Platform/files/PlatformError.h"
 #include "Platform/files/TreeComparison.h"
 #include "Platform/files/VolumeTransfer.h"
 

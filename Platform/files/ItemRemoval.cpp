@@ -1,8 +1,10 @@
 #include "Platform/files/ItemRemoval.h"
 
 #include "Base/PathText.h"
-#include "Platform/files/FileSystem.h"
+#include "Platform/files/FileHandle.h"
+#include "Platform/files/FileRemoval.h"
 #include "Platform/files/ItemProtection.h"
+#include "Platform/files/PlatformError.h"
 
 #include <cerrno>
 #include <fcntl.h>

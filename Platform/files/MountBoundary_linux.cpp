@@ -1,7 +1,7 @@
 #include "Platform/files/MountBoundary.h"
 
 #include "Platform/files/FileHandle.h"
-#include "Platform/files/FileSystem.h"
+#include "Platform/files/FileReading.h"
 
 #include <cerrno>
 #include <charconv>

@@ -1,6 +1,6 @@
 #include "Platform/files/UserFolders.h"
 
-#include "Platform/files/FileSystem.h"
+#include "Platform/files/FileReading.h"
 
 #include <cstdlib>
 #include <sstream>

@@ -1,6 +1,6 @@
 #include "Platform/processes/ProcessFamily.h"
 
-#include "Platform/files/FileSystem.h"
+#include "Platform/files/FileReading.h"
 #include "Platform/processes/ProcessStat_linux.h"
 
 #include <map>

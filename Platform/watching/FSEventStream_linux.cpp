@@ -1,7 +1,7 @@
 #include "Platform/watching/FSEventStream.h"
 
 #include "Base/PathText.h"
-#include "Platform/files/FileSystem.h"
+#include "Platform/files/FileHandle.h"
 #include "Platform/watching/EventCoalescer.h"
 #include "Platform/watching/InotifyQueue_linux.h"
 #include "Platform/watching/RootSentinels_linux.h"

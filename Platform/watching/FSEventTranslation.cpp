@@ -1,7 +1,6 @@
 #include "Platform/watching/FSEventTranslation.h"
 
 #include "Base/PathText.h"
-#include "Platform/files/FileSystem.h"
 
 #include <algorithm>
 #include <filesystem>

@@ -3,7 +3,6 @@
 #include "Base/PathText.h"
 #include "Base/Text.h"
 #include "Platform/desktop/UserLocale.h"
-#include "Platform/files/FileSystem.h"
 #include "QuorvelApp/model/AutomaticNames.h"
 #include "QuorvelApp/model/DisplayTexts.h"
 #include "QuorvelApp/model/QtText.h"

@@ -1,5 +1,9 @@
 #include "Platform/files/FileSystem.h"
 
+#include "Platform/files/FileHandle.h"
+#include "Platform/files/FileReading.h"
+#include "Platform/files/FileWriting.h"
+#include "Platform/files/PlatformError.h"
 #include "Platform/files/Folder.h"
 #include "tests/support/AppBundles.h"
 #include "tests/support/OrdinaryUser.h"
