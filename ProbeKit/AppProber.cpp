@@ -76,21 +76,14 @@ private:
 // Asks the processes to end, in the order of their launch, and lets go of them.
 void dismiss(std::vector<TrialProcess>& trials, const std::function<void(TrialProcess)>& release) {
     for (TrialProcess& trial : trials) {
-        trial.terminate();
         if (release) {
+            trial.terminate();
             release(std::move(trial));
         } else {
-            endInBackground(std::move(trial), AppProber::grace);
+            terminateInBackground(std::move(trial), AppProber::grace);
         }
     }
     trials.clear();
-}
-
-void end(std::vector<TrialProcess> trials) {
-    for (TrialProcess& trial : trials) {
-        trial.terminate();
-    }
-    waitForEnd(std::move(trials), AppProber::grace);
 }
 
 } // namespace
@@ -142,7 +135,7 @@ ProbeResult AppProber::run(const Control& control) {
         if (control.release) {
             dismiss(launched, control.release);
         } else {
-            end(std::move(launched)); // who cancels may quit, which a thread of ours won't survive
+            terminateAndWait(std::move(launched), grace); // who cancels may quit, which a thread of ours won't survive
         }
         throw;
     }
