@@ -105,8 +105,7 @@ AppProber::AppProber(AppBundle bundle, Surroundings surroundings)
     : bundle_(std::move(bundle)),
       realLibrary_(withoutTrailingSlashes(surroundings.realLibrary
                                               ? *surroundings.realLibrary
-                                              : UserPaths::expandTilde("~/Library"))
-                       .string()),
+                                              : UserPaths::expandTilde("~/Library"))),
       temporary_(surroundings.temporary.value_or(UserPaths::temporaryFolder())),
       workspace_(surroundings.workspace ? std::move(surroundings.workspace)
                                         : makeSystemWorkspace()),
