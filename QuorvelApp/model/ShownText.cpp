@@ -45,7 +45,8 @@ QString harmless(const QString& text, char16_t lineBreak) {
     const std::u32string scalars = text.toStdU32String();
     for (std::size_t index = 0; index < scalars.size(); ++index) {
         const char32_t scalar = scalars[index];
-        const bool harmful = unsafe.isUnsafeForDisplay(scalar, std::u32string_view(scalars).substr(index + 1));
+        const bool isUnsafe =
+            unsafe.isUnsafeForDisplay(scalar, std::u32string_view(scalars).substr(index + 1));
         // A return with a line feed after it is one break.
         if (isLineBreak(scalar)) {
             if (scalar != U'\n' || !afterReturn) {
@@ -55,7 +56,7 @@ QString harmless(const QString& text, char16_t lineBreak) {
             result += u' ';
         } else {
             result +=
-                harmful ? QString(QChar::ReplacementCharacter) : QString::fromUcs4(&scalar, 1);
+                isUnsafe ? QString(QChar::ReplacementCharacter) : QString::fromUcs4(&scalar, 1);
         }
         afterReturn = scalar == U'\r';
     }

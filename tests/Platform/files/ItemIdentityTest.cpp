@@ -10,9 +10,9 @@ namespace {
 using namespace testing;
 namespace fs = std::filesystem;
 
-class PlaceTest : public ::testing::Test {
+class ItemIdentityTest : public ::testing::Test {
 protected:
-    PlaceTest() {
+    ItemIdentityTest() {
         fs::create_directories(at("a/b/c"));
         fs::create_directories(at("ab"));
     }
@@ -21,21 +21,21 @@ protected:
     TemporaryFolder folder_;
 };
 
-TEST_F(PlaceTest, IsTheSameHoweverThePathIsWritten) {
+TEST_F(ItemIdentityTest, IsTheSameHoweverThePathIsWritten) {
     const Place place(at("a/b"));
     for (const char* path : {"a/b", "a/b/", "a/./b", "a/b/.", "a/b/c/..", "ab/../a/b"}) {
         EXPECT_EQ(place.relationTo(at(path)), Relation::same) << path;
     }
 }
 
-TEST_F(PlaceTest, IsAboveWhatLiesInItThereOrNot) {
+TEST_F(ItemIdentityTest, IsAboveWhatLiesInItThereOrNot) {
     const Place place(at("a"));
     for (const char* path : {"a/b", "a/b/c/", "a/none", "a/none/deeper", "ab/../a/b"}) {
         EXPECT_EQ(place.relationTo(at(path)), Relation::ancestor) << path;
     }
 }
 
-TEST_F(PlaceTest, IsApartFromWhatLiesBesideOrAbove) {
+TEST_F(ItemIdentityTest, IsApartFromWhatLiesBesideOrAbove) {
     const Place place(at("a/b"));
     for (const char* path : {"a", "ab", "ab/b", "none", "a/bc", "", "/"}) {
         EXPECT_EQ(place.relationTo(at(path)), Relation::unrelated) << path;
@@ -43,7 +43,7 @@ TEST_F(PlaceTest, IsApartFromWhatLiesBesideOrAbove) {
     EXPECT_EQ(place.relationTo(""), Relation::unrelated);
 }
 
-TEST_F(PlaceTest, SeesThroughLinksToTheTargetAndOnTheWay) {
+TEST_F(ItemIdentityTest, SeesThroughLinksToTheTargetAndOnTheWay) {
     fs::create_directory_symlink(at("a/b"), at("link"));
     const Place place(at("a"));
     EXPECT_EQ(place.relationTo(at("link")), Relation::ancestor);
@@ -53,7 +53,7 @@ TEST_F(PlaceTest, SeesThroughLinksToTheTargetAndOnTheWay) {
     EXPECT_EQ(Place(at("link")).relationTo(at("a/b/c")), Relation::ancestor);
 }
 
-TEST_F(PlaceTest, AnIdentityStandsForTheItemAloneNotForWhatALinkLeadsTo) {
+TEST_F(ItemIdentityTest, AnIdentityStandsForTheItemAloneNotForWhatALinkLeadsTo) {
     fs::create_directory_symlink(at("a/b"), at("link"));
     const Place place(at("link"), *identityOf(at("link")));
     EXPECT_EQ(place.relationTo(at("a/b")), Relation::unrelated);
@@ -61,7 +61,7 @@ TEST_F(PlaceTest, AnIdentityStandsForTheItemAloneNotForWhatALinkLeadsTo) {
     EXPECT_EQ(place.relationTo(at("link/c")), Relation::ancestor);
 }
 
-TEST_F(PlaceTest, APlaceThatIsNotThereYetIsComparedByItsPath) {
+TEST_F(ItemIdentityTest, APlaceThatIsNotThereYetIsComparedByItsPath) {
     fs::create_directory_symlink(at("a"), at("link"));
     const Place place(at("link/new/x/.."));
     EXPECT_EQ(place.relationTo(at("a/new")), Relation::same);
