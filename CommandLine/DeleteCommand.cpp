@@ -1,3 +1,4 @@
+#include "Platform/files/FileRemoval.h"
 #include "Base/TerminalText.h"
 #include "CommandLine/CloneCommands.h"
 #include "CommandLine/CloneLookup.h"

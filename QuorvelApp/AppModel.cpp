@@ -1,5 +1,6 @@
 #include "QuorvelApp/AppModel.h"
 
+#include "Platform/files/PlatformError.h"
 #include "LaunchKit/HomeLock.h"
 #include "LaunchKit/Icons/IcnsFile.h"
 #include "LaunchKit/InstanceLauncher.h"

@@ -1,6 +1,6 @@
 #include "Platform/files/UserFolders.h"
 
-#include "Platform/files/FileSystem.h"
+#include "Platform/files/FileReading.h"
 
 #include <cstdlib>
 #include <sstream>
@@ -9,7 +9,7 @@ namespace quorvel {
 namespace fs = std::filesystem;
 namespace {
 
-// A line is XDG_MUSIC_DIR="$HOME/Musik" or XDG_MUSIC_DIR="/data/Musik"; others mean nothing here.
+// A line is XDG_MUSIC_DIR="$HOME/Musik" or XDG_MUSIC_DIR="/data/Musik". Others give an empty path.
 fs::path folderIn(const std::string& line, const std::string& home) {
     const std::size_t start = line.find("_DIR=\"");
     const std::size_t end = line.rfind('"');

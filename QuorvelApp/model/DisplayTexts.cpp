@@ -1,5 +1,7 @@
 #include "QuorvelApp/model/DisplayTexts.h"
 
+#include "Base/BundleName.h"
+
 #include <array>
 #include <cmath>
 #include <cstdio>
@@ -43,14 +45,6 @@ std::string environmentLines(const std::map<std::string, std::string>& environme
     return lines;
 }
 
-// A bundle's path may end with a slash, which is no name.
-std::string lastNameWithoutExtension(std::string path) {
-    while (path.size() > 1 && path.back() == '/') {
-        path.pop_back();
-    }
-    return std::filesystem::path(path).stem().string();
-}
-
 } // namespace
 
 std::string sourceSummary(const InstanceConfig& config) {
@@ -69,7 +63,7 @@ std::string sourceSummary(const InstanceConfig& config) {
     case ShortcutKind::app:
         break;
     }
-    return lastNameWithoutExtension(config.targetAppPath);
+    return bundleFallbackName(config.targetAppPath);
 }
 
 std::string strategyLabel(std::string_view rawValue) {

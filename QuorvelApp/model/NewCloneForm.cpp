@@ -1,8 +1,8 @@
 #include "QuorvelApp/model/NewCloneForm.h"
 
+#include "Base/PathText.h"
 #include "Base/Text.h"
 #include "Platform/desktop/UserLocale.h"
-#include "Platform/files/FileSystem.h"
 #include "QuorvelApp/model/AutomaticNames.h"
 #include "QuorvelApp/model/DisplayTexts.h"
 #include "QuorvelApp/model/QtText.h"

@@ -44,17 +44,17 @@ TEST(TerminalTextTest, LongTextIsCutBetweenCharacters) {
     EXPECT_EQ(terminalText("工作工作", 4), "工作工作");
     EXPECT_EQ(terminalText("工作工作", 3), "工作工…");
     EXPECT_EQ(terminalText("\x1b\x1b\x1b", 2), "\\u{1b}\\u{1b}…");
-    EXPECT_EQ(terminalText(std::string(longestShown, 'x')), std::string(longestShown, 'x'));
-    EXPECT_EQ(terminalText(std::string(1'000'000, 'x')), std::string(longestShown, 'x') + "…");
+    EXPECT_EQ(terminalText(std::string(longestDisplayed, 'x')), std::string(longestDisplayed, 'x'));
+    EXPECT_EQ(terminalText(std::string(1'000'000, 'x')), std::string(longestDisplayed, 'x') + "…");
 }
 
-TEST(TerminalTextTest, JsonForTerminalsSpellsWhatIsHarmful) {
-    EXPECT_EQ(escapingHarmful("{\n  \"a\": \"\x7f\u009b\u202e\u200b\"\n}"),
+TEST(TerminalTextTest, JsonForTerminalsEscapesUnsafeCharacters) {
+    EXPECT_EQ(escapingUnsafe("{\n  \"a\": \"\x7f\u009b\u202e\u200b\"\n}"),
               "{\n  \"a\": \"\\u007f\\u009b\\u202e\\u200b\"\n}");
-    EXPECT_EQ(escapingHarmful("\"\U000E0041\""), "\"\\udb40\\udc41\"");
-    EXPECT_EQ(escapingHarmful("\"Café 工作 😀\""), "\"Café 工作 😀\"");
+    EXPECT_EQ(escapingUnsafe("\"\U000E0041\""), "\"\\udb40\\udc41\"");
+    EXPECT_EQ(escapingUnsafe("\"Café 工作 😀\""), "\"Café 工作 😀\"");
     const std::string long_(100'000, 'x');
-    EXPECT_EQ(escapingHarmful(long_ + "é"), long_ + "é");
+    EXPECT_EQ(escapingUnsafe(long_ + "é"), long_ + "é");
 }
 
 } // namespace

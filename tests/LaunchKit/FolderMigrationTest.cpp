@@ -1,3 +1,4 @@
+#include "Platform/files/FileHandle.h"
 #include "LaunchKit/InstanceLauncher.h"
 
 #include "Platform/files/FileSystem.h"

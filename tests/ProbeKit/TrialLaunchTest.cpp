@@ -198,8 +198,8 @@ TEST(TrialLaunchTest, AnAppThatIgnoresTerminationIsEndedByForce) {
     ASSERT_THAT(trial.released, SizeIs(2));
     const pid_t first = trial.released[0].process.identifier();
     const pid_t second = trial.released[1].process.identifier();
-    endInBackground(std::move(trial.released[0]), std::chrono::milliseconds(50));
-    endInBackground(std::move(trial.released[1]), std::chrono::milliseconds(50));
+    terminateInBackground(std::move(trial.released[0]), std::chrono::milliseconds(50));
+    terminateInBackground(std::move(trial.released[1]), std::chrono::milliseconds(50));
     trial.released.clear();
     EXPECT_TRUE(waitFor([&] { return isGone(first) && isGone(second); }));
 }
@@ -235,7 +235,7 @@ std::size_t askedDaemons(const std::string& start, bool obedient) {
             [&] { return daemonsOf(trial).size() == static_cast<std::size_t>(trial.sleeps); }));
     };
     (void)trial.run();
-    waitForEnd(std::exchange(trial.released, {}), std::chrono::milliseconds(300));
+    terminateAndWait(std::exchange(trial.released, {}), std::chrono::milliseconds(300));
     for (const pid_t daemon : daemonsOf(trial)) {
         EXPECT_TRUE(waitFor([&] { return isGone(daemon); }, std::chrono::seconds(5)))
             << daemon << " is left of: " << start;

@@ -1,6 +1,7 @@
 // Which of many processes stand for an application.
 #include "Platform/desktop/ApplicationTrees_linux.h"
 
+#include "Platform/desktop/Workspace.h"
 #include "Platform/processes/Process.h"
 #include "Platform/processes/ProcessFamily.h"
 #include "tests/support/AppBundles.h"

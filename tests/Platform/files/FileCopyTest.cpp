@@ -1,3 +1,5 @@
+#include "Platform/files/FileCopy.h"
+#include "Platform/files/PlatformError.h"
 #include "Platform/files/FileSystem.h"
 
 #include "tests/support/OrdinaryUser.h"

@@ -1,5 +1,9 @@
 #include "Platform/files/FileSystem.h"
 
+#include "Platform/files/FileHandle.h"
+#include "Platform/files/FileReading.h"
+#include "Platform/files/FileWriting.h"
+#include "Platform/files/PlatformError.h"
 #include "Platform/files/Folder.h"
 #include "tests/support/AppBundles.h"
 #include "tests/support/OrdinaryUser.h"
@@ -46,20 +50,6 @@ std::errc errorOf(const std::function<void()>& step) {
         return static_cast<std::errc>(error.code().value());
     }
     return {};
-}
-
-TEST_F(FileSystemTest, JoiningAsTextNeverDropsTheBase) {
-    EXPECT_EQ(joinAsText("/a", "b").native(), "/a/b");
-    EXPECT_EQ(joinAsText("/a", "/etc/passwd").native(), "/a//etc/passwd");
-    EXPECT_EQ(joinAsText("/a", "").native(), "/a/");
-    EXPECT_EQ(joinAsText("", "b").native(), "/b");
-}
-
-TEST_F(FileSystemTest, SlashesAtTheEndAreDropped) {
-    EXPECT_EQ(withoutTrailingSlashes("/a/b//").native(), "/a/b");
-    EXPECT_EQ(withoutTrailingSlashes("/").native(), "/");
-    EXPECT_EQ(withoutTrailingSlashes("///").native(), "/");
-    EXPECT_EQ(withoutTrailingSlashes("").native(), "");
 }
 
 TEST_F(FileSystemTest, ADanglingLinkIsALinkButNoItem) {

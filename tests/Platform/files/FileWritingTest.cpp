@@ -1,4 +1,6 @@
+#include "Platform/files/FileWriting.h"
 #include "Platform/files/FileSystem.h"
+#include "Platform/files/PlatformError.h"
 
 #include "tests/support/EveryStep.h"
 #include "tests/support/OrdinaryUser.h"
@@ -97,6 +99,28 @@ TEST_F(FileWritingTest, TheOwnerIsKept) {
     EXPECT_EQ(statusOf(at("file")).st_uid, 1234U);
     EXPECT_EQ(statusOf(at("file")).st_gid, 5678U);
     EXPECT_EQ(statusOf(at("file")).st_mode & 07777U, 06755U);
+}
+
+TEST_F(FileWritingTest, AnotherUsersFileThatTheGroupMayWriteIsReplaced) {
+    if (::getuid() != 0) {
+        GTEST_SKIP() << "only root can give a file away";
+    }
+    constexpr uid_t owner = 1234;
+    constexpr gid_t group = 65534; // the ordinary user's
+    constexpr gid_t otherGroup = 5678;
+    write(at("shared/file"), "old");
+    ASSERT_EQ(::chown(at("shared/file").c_str(), owner, group), 0);
+    ASSERT_EQ(::chmod(at("shared/file").c_str(), 06664), 0);
+    // New files in this folder belong to another group.
+    ASSERT_EQ(::chown(at("shared").c_str(), owner, otherGroup), 0);
+    ASSERT_EQ(::chmod(at("shared").c_str(), 02777), 0);
+    EXPECT_TRUE(asOrdinaryUser(folder_.path(), [&] {
+        writeFile(at("shared/file"), "new");
+        return read(at("shared/file")) == "new";
+    }));
+    EXPECT_EQ(statusOf(at("shared/file")).st_gid, group);
+    EXPECT_EQ(statusOf(at("shared/file")).st_mode & 07777U, 0664U);
+    EXPECT_NE(statusOf(at("shared/file")).st_uid, owner);
 }
 
 TEST_F(FileWritingTest, AFileThatMayNotBeWrittenIsNotReplaced) {

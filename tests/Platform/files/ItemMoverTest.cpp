@@ -1,5 +1,6 @@
 #include "Platform/files/ItemMover.h"
 
+#include "Platform/files/PlatformError.h"
 #include "Platform/files/FileSystem.h"
 #include "tests/support/TemporaryHome.h"
 

@@ -1,3 +1,4 @@
+#include "Platform/files/PlatformError.h"
 #include "Platform/files/ItemMover.h"
 
 #include "Platform/files/ExclusiveRename.h"

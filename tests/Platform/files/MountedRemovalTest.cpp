@@ -1,5 +1,6 @@
 // Removing folders in which something is mounted, with real mounts.
-#include "Platform/files/FileSystem.h"
+#include "Platform/files/FileRemoval.h"
+#include "Platform/files/PlatformError.h"
 #include "Platform/files/ItemRemoval.h"
 #include "tests/support/PrivateMounts.h"
 #include "tests/support/TemporaryHome.h"

@@ -53,7 +53,7 @@ TEST(PlatformErrorTest, NamesAnItemInside) {
 
 TEST(PlatformErrorTest, PutsNoSecondSentenceBeforeTheSystemsOwn) {
     const PlatformError error =
-        PlatformError::told("The application “Work” can’t be opened.", "/A/Work.app");
+        PlatformError::withDescription("The application “Work” can’t be opened.", "/A/Work.app");
     EXPECT_EQ(error.description(), "The application “Work” can’t be opened.");
     EXPECT_EQ(error.code(), std::errc::io_error);
     EXPECT_EQ(error.path(), "/A/Work.app");
