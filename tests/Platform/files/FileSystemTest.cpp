@@ -264,7 +264,7 @@ TEST_F(FileSystemTest, AppendingNeverBlocksOnASpecialFile) {
     EXPECT_FALSE(openForAppending(linkToItself()));
     fs::create_symlink("/dev/null", at("to-null"));
     const auto device = openForAppending(at("to-null"));
-    ASSERT_TRUE(device) << "a log that nobody wants";
+    ASSERT_TRUE(device) << "an unwanted log";
     EXPECT_TRUE(device->write("bytes"));
     EXPECT_EQ(::fcntl(device->descriptor(), F_GETFL) & O_NONBLOCK, 0);
 }
