@@ -38,7 +38,7 @@ TEST_F(RunnerTest, StaysAliveAsLongAsItsTarget) {
 
 class RunnerTestSignals : public RunnerTest, public ::testing::WithParamInterface<int> {};
 
-TEST_P(RunnerTestSignals, ArePassedOnToTheTarget) {
+TEST_P(RunnerTestSignals, AreForwardedToTheTarget) {
     Process runner =
         start(wrapper(appConfig({"trap", "~/caught", "write", at("ready"), "x", "wait"})));
     ASSERT_TRUE(waitFor([&] { return fs::exists(at("ready")); }));
@@ -49,7 +49,7 @@ TEST_P(RunnerTestSignals, ArePassedOnToTheTarget) {
 
 INSTANTIATE_TEST_SUITE_P(Every, RunnerTestSignals, ::testing::Values(SIGTERM, SIGINT, SIGHUP));
 
-TEST_F(RunnerTest, SeveralSignalsInARowReachATargetThatGoesOn) {
+TEST_F(RunnerTest, SeveralSignalsInARowReachATarget) {
     InstanceConfig config = minimalConfig();
     config.kind = ShortcutKind::command;
     config.instanceHome = "~/I";
@@ -66,7 +66,7 @@ TEST_F(RunnerTest, SeveralSignalsInARowReachATargetThatGoesOn) {
     EXPECT_EQ(runner.waitUntilExit(), 3);
 }
 
-TEST_F(RunnerTest, TellsTheStatusEvenWhereItsStarterIgnoresChildren) {
+TEST_F(RunnerTest, ReturnsTheStatusEvenIfItsParentIgnoresChildren) {
     const fs::path bundle = wrapper(appConfig({"exit", "7"}));
     Process::Options options;
     options.executable = "/bin/sh";
@@ -75,7 +75,7 @@ TEST_F(RunnerTest, TellsTheStatusEvenWhereItsStarterIgnoresChildren) {
     EXPECT_EQ(Process::run(options).waitUntilExit(), 7);
 }
 
-TEST_F(RunnerTest, GivesTheTargetItsHomeAndItsLog) {
+TEST_F(RunnerTest, SetsTheTargetsHomeAndLog) {
     EXPECT_EQ(run(appConfig({"environment", "complain", "complained"})), 0);
     EXPECT_THAT(log(), HasSubstr("\nHOME=" + cloneHome().string() + "\n"));
     EXPECT_THAT(log(), HasSubstr("CFFIXED_USER_HOME=" + cloneHome().string() + "\n"));
@@ -83,12 +83,12 @@ TEST_F(RunnerTest, GivesTheTargetItsHomeAndItsLog) {
     EXPECT_EQ(read(errors()), "");
 }
 
-TEST_F(RunnerTest, DocumentsStayBehindUnlessTheCloneTakesThem) {
+TEST_F(RunnerTest, DocumentsAreDroppedUnlessTheCloneAcceptsThem) {
     EXPECT_EQ(run(appConfig({"arguments", "own"}), {"/doc"}), 0);
     EXPECT_EQ(log(), "1\nown\n");
 }
 
-TEST_F(RunnerTest, DocumentsFollowTheConfiguredArgumentsAsTheyAre) {
+TEST_F(RunnerTest, DocumentsFollowTheConfiguredArgumentsUnchanged) {
     InstanceConfig config = appConfig({"arguments", "{{instanceHome}}"});
     config.openWithPassthrough = true;
     EXPECT_EQ(run(config, {"/a b", "{{instanceHome}}", "~", "--flag"}), 0);
@@ -113,7 +113,7 @@ TEST_F(RunnerTest, RunsACommand) {
     EXPECT_EQ(log(), "1\n" + cloneHome().string() + "\n") << "a command takes no documents";
 }
 
-TEST_F(RunnerTest, AWebCloneSaysThatItsHostIsMissingHereAndInTheLog) {
+TEST_F(RunnerTest, AWebCloneReportsThatItsHostIsMissingHereAndInTheLog) {
     EXPECT_EQ(run(webConfig()), 69);
     const std::string line = "quorvel-runner: the web host for “Work” is not installed\n";
     EXPECT_EQ(read(errors()), line);
@@ -122,13 +122,13 @@ TEST_F(RunnerTest, AWebCloneSaysThatItsHostIsMissingHereAndInTheLog) {
     EXPECT_EQ(log(), line + line) << "the log is continued";
 }
 
-TEST_F(RunnerTest, AWebCloneWithoutARoomForItsLogSaysItHere) {
+TEST_F(RunnerTest, AWebCloneWithoutAWritableLogReportsItHere) {
     write(home_ / "I", "a file");
     EXPECT_EQ(run(webConfig()), 69);
     EXPECT_THAT(read(errors()), HasSubstr("is not installed"));
 }
 
-TEST_F(RunnerTest, AMessageIsOneLineWhateverTheName) {
+TEST_F(RunnerTest, AMessageIsOneLineForAnyName) {
     const fs::path bundle = wrapper(webConfig());
     InstanceConfig config = webConfig();
     config.displayName = "two\nlines\x1B[31m\r\x7F\u009b\u202e";
@@ -141,7 +141,7 @@ TEST_F(RunnerTest, AMessageIsOneLineWhateverTheName) {
     EXPECT_EQ(log(), read(errors()));
 }
 
-TEST_F(RunnerTest, WithoutAReadableConfigurationItSaysSoAndEnds) {
+TEST_F(RunnerTest, AnUnreadableConfigurationIsReported) {
     const fs::path bundle = wrapper(webConfig());
     const fs::path file = bundle / "Contents/Resources/instance.json";
     const auto expectRefused = [&](const char* what) {
@@ -167,7 +167,7 @@ TEST_F(RunnerTest, WithoutAReadableConfigurationItSaysSoAndEnds) {
     expectRefused("100 MiB");
 }
 
-TEST_F(RunnerTest, ATargetThatCantStartIsToldHereAndInTheLog) {
+TEST_F(RunnerTest, ATargetThatCantStartIsReportedHereAndInTheLog) {
     const InstanceConfig config = appConfig({});
     const fs::path bundle = wrapper(config);
     fs::remove(at("Thing.app/Contents/MacOS/Thing"));
@@ -177,7 +177,7 @@ TEST_F(RunnerTest, ATargetThatCantStartIsToldHereAndInTheLog) {
     EXPECT_EQ(log(), read(errors()));
 }
 
-TEST_F(RunnerTest, ATargetThatIsGoneIsToldHereAndInTheLog) {
+TEST_F(RunnerTest, AMissingTargetIsReportedHereAndInTheLog) {
     const fs::path bundle = wrapper(appConfig({}));
     fs::remove_all(at("Thing.app"));
     EXPECT_EQ(start(bundle).waitUntilExit(), 71);
@@ -195,7 +195,7 @@ TEST_F(RunnerTest, AnUnsupportedAppIsRefused) {
     EXPECT_EQ(log(), "");
 }
 
-TEST_F(RunnerTest, AFileShortcutThatCantOpenMakesNoFolder) {
+TEST_F(RunnerTest, AFileShortcutThatCantOpenCreatesNoFolder) {
     InstanceConfig config = minimalConfig();
     config.kind = ShortcutKind::file;
     config.instanceHome = "~/I";
@@ -205,7 +205,7 @@ TEST_F(RunnerTest, AFileShortcutThatCantOpenMakesNoFolder) {
     EXPECT_FALSE(fs::exists(cloneHome()));
 }
 
-TEST_F(RunnerTest, ACommandWithoutAnExecutableMakesNoFolder) {
+TEST_F(RunnerTest, ACommandWithoutAnExecutableCreatesNoFolder) {
     InstanceConfig config = minimalConfig();
     config.kind = ShortcutKind::command;
     config.instanceHome = "~/I";
