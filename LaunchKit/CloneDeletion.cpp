@@ -1,11 +1,11 @@
 #include "LaunchKit/CloneDeletion.h"
 
-#include "Platform/files/FileRemoval.h"
-#include "Platform/files/PlatformError.h"
 #include "LaunchKit/DataFolderGuard.h"
 #include "LaunchKit/WrapperLayout.h"
+#include "Platform/files/FileRemoval.h"
 #include "Platform/files/FileSystem.h"
 #include "Platform/files/ItemRemoval.h"
+#include "Platform/files/PlatformError.h"
 
 #include <optional>
 #include <string_view>
@@ -15,8 +15,10 @@ namespace quorvel {
 namespace fs = std::filesystem;
 namespace {
 
-// Relative to the wrapper, so without the slash that begins it.
-constexpr std::string_view configuration = std::string_view(instanceConfigInBundle).substr(1);
+// The configuration's path relative to its wrapper.
+std::string relativeConfig() {
+    return configOf("").substr(1);
+}
 
 // The data folder of a deletion: what becomes of it by itself, or the removal that takes it.
 struct DataStep {
@@ -129,36 +131,7 @@ void removeRest(const ItemRemoval& wrapper, DeletedData& data) {
     }
 }
 
-std::string items(std::size_t count) {
-    return std::to_string(count) + (count == 1 ? " item" : " items");
-}
-
 } // namespace
-
-std::string DeletedData::description() const {
-    if (!wrapperReason.empty()) {
-        const std::string gone = outcome == Case::removed
-                                     ? "The data folder " + folder.string() + " is gone"
-                                     : "Of the data folder " + folder.string() + " a part is gone";
-        return gone + ", but the clone could not be removed as a whole. " + wrapperReason +
-               (reason.empty() ? "" : ". " + reason);
-    }
-    switch (outcome) {
-    case Case::kept:
-        return "The clone is gone, but its data folder " + folder.string() + " is still there. " +
-               reason;
-    case Case::partly:
-        return "The clone is gone, but of its data folder " + folder.string() +
-               " only a part is: " + items(removedItems) + " removed, " + items(remainingItems) +
-               " left. " + reason;
-    case Case::spared:
-        return "The data folder was kept: " + folder.string();
-    case Case::untouched:
-    case Case::removed:
-        break;
-    }
-    return {};
-}
 
 DeletedData deleteClone(const InstanceRegistry& registry, const InstanceRecord& record,
                         bool includingData) {
@@ -166,12 +139,12 @@ DeletedData deleteClone(const InstanceRegistry& registry, const InstanceRecord& 
     const std::optional<ItemRemoval> wrapper = ItemRemoval::of(record.bundleURL);
     if (wrapper) {
         wrapper->refuseMounts();
-        wrapper->refuseUnchangeable(configuration);
+        wrapper->refuseUnchangeable(relativeConfig());
     }
     refuseAnother(registry, record);
     DataStep data = includingData ? dataStep(registry, record) : DataStep();
     if (wrapper) {
-        throwFailure(wrapper->removeAllBut(configuration));
+        throwFailure(wrapper->removeAllBut(relativeConfig()));
     }
     removeData(data);
     if (wrapper) {
@@ -187,7 +160,7 @@ void removeWrapper(const fs::path& path) {
                             "removed");
     }
     wrapper->refuseMounts();
-    throwFailure(wrapper->removeAllBut(configuration));
+    throwFailure(wrapper->removeAllBut(relativeConfig()));
     throwFailure(wrapper->remove());
 }
 

@@ -2,6 +2,7 @@
 
 #include "Base/PathText.h"
 #include "LaunchKit/WrapperFactory.h"
+#include "LaunchKit/WrapperLayout.h"
 #include "Platform/files/FileSystem.h"
 #include "Platform/files/UserFolders.h"
 #include "Platform/files/UserPaths.h"
@@ -13,13 +14,15 @@ namespace fs = std::filesystem;
 namespace {
 
 // Those of the registry's folders, and the folder that the wrapper is in.
-std::vector<InstanceRecord> clonesBeside(InstanceRegistry registry, const fs::path& wrapper) {
+std::vector<InstanceRecord> clonesBeside(const InstanceRegistry& registry,
+                                         const fs::path& wrapper) {
+    std::vector<fs::path> folders = registry.searchDirs();
     const fs::path beside = wrapper.parent_path();
     const auto isThere = [&](const fs::path& folder) { return isSameItem(folder, beside); };
-    if (std::none_of(registry.searchDirs.begin(), registry.searchDirs.end(), isThere)) {
-        registry.searchDirs.push_back(beside);
+    if (std::none_of(folders.begin(), folders.end(), isThere)) {
+        folders.push_back(beside);
     }
-    std::vector<InstanceRecord> clones = registry.list();
+    std::vector<InstanceRecord> clones = InstanceRegistry(std::move(folders)).list();
     const auto itself = identityOfItself(wrapper);
     std::erase_if(clones, [&](const InstanceRecord& clone) {
         return clone.bundleURL == wrapper ||
@@ -48,7 +51,7 @@ std::optional<std::string> isOrHolds(const Place& folder, const fs::path& target
 
 std::vector<fs::path> foldersToSpare() {
     std::vector<fs::path> folders = userFolders();
-    folders.push_back(WrapperFactory::defaultOutputDir());
+    folders.push_back(userApplicationsFolder());
     folders.push_back(
         withoutTrailingSlashes(UserPaths::expandTilde(WrapperFactory::defaultInstanceHome(""))));
     return folders;

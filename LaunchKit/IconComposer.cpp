@@ -1,12 +1,12 @@
 #include "LaunchKit/IconComposer.h"
 
-#include "Platform/files/FileWriting.h"
-#include "Platform/files/PlatformError.h"
 #include "LaunchKit/Icons/FontEngine.h"
 #include "LaunchKit/Icons/IcnsWriter.h"
 #include "LaunchKit/Icons/IconImage.h"
 #include "LaunchKit/Icons/LabelPainter.h"
 #include "LaunchKit/Icons/LabelText.h"
+#include "Platform/files/FileWriting.h"
+#include "Platform/files/PlatformError.h"
 
 #include <algorithm>
 #include <array>
@@ -22,7 +22,7 @@ using Chunks = std::array<std::string, sides.size()>;
 struct Drawing {
     QImage source;
     LabelText text;
-    QColor colour;
+    QColor color;
     IconLabel::Position position;
 };
 
@@ -34,7 +34,7 @@ std::string badgedChunk(const Drawing& drawing, int side) {
     if (icon.isNull()) {
         return {};
     }
-    drawLabel(icon, drawing.text, drawing.colour, drawing.position);
+    drawLabel(icon, drawing.text, drawing.color, drawing.position);
     return icnsChunk(icon);
 }
 
@@ -75,7 +75,7 @@ std::string badgedIcon(const QImage& source, const IconLabel& label) {
         throw ComposeError::destinationFailed();
     }
     return icnsFile(
-        badgedChunks({source, labelText(label.text), labelColour(label.colorHex), label.position}));
+        badgedChunks({source, labelText(label.text), labelColor(label.colorHex), label.position}));
 }
 
 } // namespace

@@ -14,11 +14,11 @@ struct Kernel {
 };
 
 // Each weight is the Gaussian's share of the whole pixel, so that a narrow one stays exact.
-Kernel kernel(double deviation, double centre) {
+Kernel kernel(double deviation, double center) {
     Kernel result;
-    result.radius = static_cast<int>(std::ceil(3 * deviation + std::abs(centre)));
+    result.radius = static_cast<int>(std::ceil(3 * deviation + std::abs(center)));
     const auto below = [&](double x) {
-        return std::erf((x - centre) / (deviation * std::sqrt(2)));
+        return std::erf((x - center) / (deviation * std::sqrt(2)));
     };
     double sum = 0;
     for (int offset = -result.radius; offset <= result.radius; ++offset) {

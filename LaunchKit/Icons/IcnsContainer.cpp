@@ -1,5 +1,7 @@
 #include "LaunchKit/Icons/IcnsContainer.h"
 
+#include "LaunchKit/Icons/Bytes.h"
+
 #include <deque>
 
 namespace quorvel {
@@ -68,10 +70,6 @@ private:
 };
 
 } // namespace
-
-std::uint32_t bigEndian32(std::string_view bytes) noexcept {
-    return icnsCode(bytes);
-}
 
 bool isIcns(std::string_view bytes) noexcept {
     return bytes.size() >= headerSize && bytes.starts_with("icns");

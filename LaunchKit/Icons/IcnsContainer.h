@@ -27,7 +27,4 @@ using IcnsFamily = std::vector<IcnsChunk>;
 
 inline constexpr std::size_t maximumIcnsChunks = 512;
 
-/// The big-endian number in the first four bytes, of which there must be so many.
-[[nodiscard]] std::uint32_t bigEndian32(std::string_view bytes) noexcept;
-
 } // namespace quorvel

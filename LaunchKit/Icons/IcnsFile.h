@@ -41,7 +41,7 @@ public:
     [[nodiscard]] static std::optional<IcnsFile> parse(std::string bytes);
 
     /// The images that look whole from outside and whose own size is that of their type: the
-    /// icon's own, then those of nested families (its selected or dark form); in each, full colour
+    /// icon's own, then those of nested families (its selected or dark form); in each, full color
     /// in the order of the file, then 8, 4 and 1 bit. Masks and what is no image are left out.
     [[nodiscard]] const std::vector<IcnsEntry>& entries() const;
 

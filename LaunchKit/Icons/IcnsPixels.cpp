@@ -1,5 +1,6 @@
 #include "LaunchKit/Icons/IcnsPixels.h"
 
+#include "LaunchKit/Icons/Bytes.h"
 #include "LaunchKit/Icons/IcnsPalette.h"
 #include "LaunchKit/Icons/IcnsRunLength.h"
 
@@ -79,7 +80,7 @@ QImage packedImage(std::string_view payload, const IcnsType& type) {
     });
 }
 
-// The largest of the colour types puts four zero bytes before its planes.
+// The largest of the color types puts four zero bytes before its planes.
 std::string_view withoutPadding(std::string_view payload, const IcnsType& type) {
     constexpr std::string_view padding("\0\0\0\0", 4);
     const bool padded = type.code == icnsCode("it32") && payload.starts_with(padding) &&
@@ -87,7 +88,7 @@ std::string_view withoutPadding(std::string_view payload, const IcnsType& type) 
     return payload.substr(padded ? padding.size() : 0);
 }
 
-QImage opaqueOldImage(std::string_view payload, const IcnsType& type) {
+QImage opaqueLegacyImage(std::string_view payload, const IcnsType& type) {
     const std::size_t bits = type.form == IcnsForm::indexed8   ? 8
                              : type.form == IcnsForm::indexed4 ? 4
                                                                : 1;
@@ -96,11 +97,10 @@ QImage opaqueOldImage(std::string_view payload, const IcnsType& type) {
     }
     return imageOf(type.width, type.height, [&](std::size_t index) {
         if (bits == 8) {
-            return icnsColours256()[byteAt(payload, index)];
+            return icnsColors256()[byteAt(payload, index)];
         }
         if (bits == 4) {
-            return icnsColours16()[(byteAt(payload, index / 2) >> (index % 2 == 0 ? 4U : 0U)) &
-                                   15U];
+            return icnsColors16()[(byteAt(payload, index / 2) >> (index % 2 == 0 ? 4U : 0U)) & 15U];
         }
         return bitAt(payload, index) ? 0xFF000000U : 0xFFFFFFFFU;
     });
@@ -132,8 +132,8 @@ QImage rgbImage(std::string_view payload, const IcnsType& type, const IcnsFamily
     return image;
 }
 
-QImage oldImage(std::string_view payload, const IcnsType& type, const IcnsFamily& family) {
-    QImage image = opaqueOldImage(payload, type);
+QImage legacyImage(std::string_view payload, const IcnsType& type, const IcnsFamily& family) {
+    QImage image = opaqueLegacyImage(payload, type);
     setAlpha(image, type, family);
     return image;
 }

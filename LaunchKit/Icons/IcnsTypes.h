@@ -1,5 +1,7 @@
 #pragma once
 
+#include "LaunchKit/Icons/Bytes.h"
+
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -10,23 +12,21 @@ namespace quorvel {
 /// A chunk's four-character type, as the number that the file holds.
 using IcnsCode = std::uint32_t;
 
+/// Returns the type with that name of four characters; 0 for an empty name.
 [[nodiscard]] constexpr IcnsCode icnsCode(std::string_view name) {
-    IcnsCode code = 0;
-    for (const char character : name.substr(0, 4)) {
-        code = (code << 8U) | static_cast<unsigned char>(character);
-    }
-    return code;
+    return bigEndian32(name);
 }
 
+/// Returns a type's four characters.
 [[nodiscard]] std::string icnsName(IcnsCode code);
 
 /// The form of a type's payload.
 enum class IcnsForm {
     file,      ///< a PNG or JPEG 2000 file, or planes behind "ARGB"
-    fileOrRgb, ///< such a file, or 24-bit colour without alpha
-    rgb,       ///< 24-bit colour as three packed planes, or 32-bit pixels; alpha is in `alphaMask`
-    indexed8,  ///< one byte a pixel into the system's 256 colours
-    indexed4,  ///< four bits a pixel into the system's 16 colours
+    fileOrRgb, ///< such a file, or 24-bit color without alpha
+    rgb,       ///< 24-bit color as three packed planes, or 32-bit pixels; alpha is in `alphaMask`
+    indexed8,  ///< one byte a pixel into the system's 256 colors
+    indexed4,  ///< four bits a pixel into the system's 16 colors
     bitmap,    ///< one bit a pixel, set bits black; a 1-bit mask may follow
 };
 

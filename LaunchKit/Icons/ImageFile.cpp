@@ -1,7 +1,7 @@
 #include "LaunchKit/Icons/ImageFile.h"
 
+#include "LaunchKit/Icons/Bytes.h"
 #include "LaunchKit/Icons/DecodingMemory.h"
-#include "LaunchKit/Icons/IcnsContainer.h"
 #include "LaunchKit/Icons/Jpeg2000Image.h"
 
 #include <QBuffer>

@@ -19,7 +19,7 @@ inline constexpr int maximumScaledSide = 16384;
 /// The size in a PNG's header; invalid when there is none.
 [[nodiscard]] QSize pngSize(std::string_view bytes);
 
-/// A PNG image as 8-bit sRGB pixels with straight alpha, whatever its depth and colour type; null
+/// A PNG image as 8-bit sRGB pixels with straight alpha, whatever its depth and color type; null
 /// when it is broken, not whole, or not of this size.
 [[nodiscard]] QImage pngImage(std::string_view bytes, QSize size);
 

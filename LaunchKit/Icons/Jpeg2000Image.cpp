@@ -1,7 +1,7 @@
 #include "LaunchKit/Icons/Jpeg2000Image.h"
 
+#include "LaunchKit/Icons/Bytes.h"
 #include "LaunchKit/Icons/DecodingMemory.h"
-#include "LaunchKit/Icons/IcnsContainer.h"
 
 #include <openjpeg.h>
 
@@ -191,17 +191,17 @@ QImage imageOf(const opj_image_t& source, QSize size) {
         return {};
     }
     const std::vector<Plane> planes(components.begin(), components.end());
-    const bool grey = planes.size() < 3;
+    const bool gray = planes.size() < 3;
     const bool alpha = planes.size() % 2 == 0;
     QImage image(size, QImage::Format_ARGB32);
     for (int y = 0; y < image.height(); ++y) {
         auto* line = reinterpret_cast<QRgb*>(image.scanLine(y));
         for (int x = 0; x < image.width(); ++x) {
             const int first = planes[0].at(x, y);
-            const int second = grey ? first : planes[1].at(x, y);
-            const int third = grey ? first : planes[2].at(x, y);
+            const int second = gray ? first : planes[1].at(x, y);
+            const int third = gray ? first : planes[2].at(x, y);
             const int opacity = alpha ? planes.back().at(x, y) : 255;
-            line[x] = source.color_space == OPJ_CLRSPC_SYCC && !grey
+            line[x] = source.color_space == OPJ_CLRSPC_SYCC && !gray
                           ? rgbFromYcc(first, second, third, opacity)
                           : qRgba(first, second, third, opacity);
         }

@@ -19,7 +19,7 @@ inline constexpr int maximumJpeg2000Side = 16384;
 
 /// The image with straight alpha; null when it can't be decoded whole or is not of this size. One
 /// whose components would take more than 64 MiB comes at a half, a quarter and so on of its size,
-/// as the file has it; null where it does not. Grey and colour, each with and without alpha, of up
+/// as the file has it; null where it does not. Gray and color, each with and without alpha, of up
 /// to 16 bits, are read.
 [[nodiscard]] QImage jpeg2000Image(std::string_view bytes, QSize size);
 

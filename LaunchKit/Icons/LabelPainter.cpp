@@ -82,7 +82,7 @@ QImage blackLayer(const QImage& stroke, const QImage& shadow) {
 
 } // namespace
 
-void drawLabel(QImage& icon, const LabelText& text, const QColor& colour,
+void drawLabel(QImage& icon, const LabelText& text, const QColor& color,
                IconLabel::Position position) {
     if (text.box.width() <= 0 || text.box.height() <= 0) {
         return;
@@ -103,7 +103,7 @@ void drawLabel(QImage& icon, const LabelText& text, const QColor& colour,
     QPainter painter(&icon);
     painter.setRenderHint(QPainter::Antialiasing);
     painter.drawImage(area.topLeft(), blackLayer(coverage, shadow));
-    painter.fillPath(outlines, colour);
+    painter.fillPath(outlines, color);
 }
 
 } // namespace quorvel

@@ -132,7 +132,7 @@ LabelText labelText(std::string_view text) {
     return result;
 }
 
-QColor labelColour(std::string_view hex) {
+QColor labelColor(std::string_view hex) {
     constexpr std::size_t digits = 6;
     std::string text = Text::trimmingWhitespace(hex);
     if (text.starts_with('#')) {

@@ -21,8 +21,8 @@ struct LabelText {
 /// engine; any thread.
 [[nodiscard]] LabelText labelText(std::string_view text);
 
-/// The colour that six hexadecimal digits mean; white for any other text. Spaces and tabs around
+/// The color that six hexadecimal digits mean; white for any other text. Spaces and tabs around
 /// them and one "#" before them are fine, and a sign may stand for the first digit.
-[[nodiscard]] QColor labelColour(std::string_view hex);
+[[nodiscard]] QColor labelColor(std::string_view hex);
 
 } // namespace quorvel

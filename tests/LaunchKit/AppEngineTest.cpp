@@ -1,3 +1,5 @@
+#include "LaunchKit/AppEngine.h"
+
 #include "LaunchKit/WrapperFactory.h"
 
 #include "tests/support/AppBundles.h"

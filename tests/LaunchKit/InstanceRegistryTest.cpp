@@ -38,7 +38,7 @@ protected:
 
 TEST_F(Registry, LooksInTheUsersApplicationsUnlessTold) {
     const TemporaryHome home;
-    EXPECT_THAT(InstanceRegistry().searchDirs, ElementsAre(home / "Applications"));
+    EXPECT_THAT(InstanceRegistry().searchDirs(), ElementsAre(home / "Applications"));
     EXPECT_TRUE(InstanceRegistry().list().empty()) << "the folder is not even there";
     fs::create_directory(home / "Applications");
     EXPECT_TRUE(InstanceRegistry().list().empty());
@@ -48,7 +48,7 @@ TEST_F(Registry, LooksInTheUsersApplicationsUnlessTold) {
 
 TEST_F(Registry, AnEmptyListOfFoldersStaysEmpty) {
     const InstanceRegistry registry(std::vector<fs::path>{});
-    EXPECT_TRUE(registry.searchDirs.empty());
+    EXPECT_TRUE(registry.searchDirs().empty());
     EXPECT_TRUE(registry.list().empty());
 }
 
@@ -224,11 +224,11 @@ TEST_F(Registry, SharingFailsForACloneThatIsGoneOrCantBeChanged) {
     EXPECT_FALSE(fs::exists(gone.bundleURL));
     EXPECT_TRUE(asOrdinaryUser(folder_.path(), [&] {
         makeWrapper(gone.bundleURL, config);
-        fs::permissions(instanceConfigFile(gone.bundleURL), fs::perms{0444});
+        fs::permissions(gone.bundleURL / "Contents/Resources/instance.json", fs::perms{0444});
         try {
             InstanceRegistry().shareUserFolders(gone);
         } catch (const std::runtime_error& error) {
-            return std::string_view(error.what()).ends_with("does not share the folders yet.");
+            return std::string_view(error.what()).ends_with("folder sharing is still off.");
         }
         return false;
     }));

@@ -97,7 +97,7 @@ TEST_F(Runners, ACurrentFolderThatIsGoneAddsNoPlace) {
 }
 
 TEST_F(Runners, ThisProgramsOwnFolderIsSearched) {
-    const auto folders = ApplicationFolders::ofThisProgram();
+    const auto folders = ApplicationFolders::current();
     ASSERT_TRUE(folders.executables && folders.resources);
     EXPECT_EQ(*folders.executables, mainExecutable().parent_path());
     EXPECT_EQ(*folders.resources, mainExecutable().parent_path().parent_path() / "libexec/quorvel");
@@ -108,7 +108,7 @@ constexpr const char* expectedResources = "QUORVEL_TEST_EXPECTED_RESOURCES";
 
 TEST_F(Runners, AProgramInABundleHasItsRunnerAmongTheBundlesResources) {
     if (const char* expected = std::getenv(expectedResources)) {
-        EXPECT_EQ(ApplicationFolders::ofThisProgram().resources, fs::path(expected));
+        EXPECT_EQ(ApplicationFolders::current().resources, fs::path(expected));
         return;
     }
     const std::vector<std::pair<fs::path, fs::path>> places{

@@ -1,5 +1,6 @@
 #include "LaunchKit/WrapperGenerator.h"
 
+#include "LaunchKit/WrapperPropertyList.h"
 #include "Platform/files/PlatformError.h"
 #include "Platform/files/PropertyListFile.h"
 #include "tests/support/AppBundles.h"
@@ -75,7 +76,7 @@ TEST_F(Generator, WritesExactlyTheBundlesFiles) {
         {"Contents/Resources", "<folder>"},
         {"Contents/Resources/instance.json", options.config.json()},
         {"Contents/Info.plist",
-         PropertyList::xml(WrapperGenerator::infoPlist(options, std::nullopt))},
+         PropertyList::xml(WrapperPropertyList::infoPlist(options, std::nullopt))},
         {"Contents/PkgInfo", "APPL????"},
     };
     EXPECT_EQ(treeOf(wrapper), expected);

@@ -18,7 +18,7 @@ WriteEvent writeTo(const std::string& path) {
 
 // A prober whose real Library is at /L; nothing is launched with it.
 AppProber proberFor(Trial& trial) {
-    AppProber::Surroundings with = trial.surroundings();
+    AppProber::Dependencies with = trial.dependencies();
     with.realLibrary = "/L";
     return std::move(*AppProber::forApp(trial.app, std::move(with)));
 }
@@ -173,8 +173,8 @@ TEST(Prober, HasItsDefaults) {
     const auto prober = AppProber::forApp(trial.app);
     ASSERT_TRUE(prober);
     EXPECT_EQ(prober->realLibrary(), (home / "Library").string());
-    EXPECT_EQ(prober->settleA.count(), 7.0);
-    EXPECT_EQ(prober->settleB.count(), 2.0);
+    EXPECT_EQ(AppProber::Options().settleA.count(), 7.0);
+    EXPECT_EQ(AppProber::Options().settleB.count(), 2.0);
     EXPECT_EQ(prober->bundle().bundleId, trial.bundleId);
 }
 

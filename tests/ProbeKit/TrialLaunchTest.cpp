@@ -260,9 +260,9 @@ TEST(TrialOf, AnAppIsAskedToEndFirstAndItsLastWritesAreRecorded) {
     makeScriptedAppBundle(trial.app,
                           "trap 'echo > \"$HOME/last words\"; exit' TERM; echo told >> " +
                               trial.told.string() + "; while :; do sleep 0.05; done");
-    AppProber::Control control;
+    AppProber::Options options = trial.options();
     std::vector<std::string> homes;
-    control.release = [&](TrialProcess ended) {
+    options.release = [&](TrialProcess ended) {
         homes.push_back(ended.home);
         EXPECT_TRUE(waitFor([&] { return fs::exists(fs::path(ended.home) / "last words"); }));
         // Two homes there are, and the second app has not been asked before the first.
@@ -273,7 +273,7 @@ TEST(TrialOf, AnAppIsAskedToEndFirstAndItsLastWritesAreRecorded) {
             static_cast<std::ptrdiff_t>(homes.size()));
         trial.released.push_back(std::move(ended));
     };
-    const ProbeResult result = trial.prober().run(control);
+    const ProbeResult result = trial.prober().run(options);
     ASSERT_THAT(homes, SizeIs(2));
     EXPECT_THAT(bucketPaths(result, LeakBucket::captured), Contains(homes[0] + "/last words"));
 }
@@ -416,9 +416,9 @@ TEST(TrialOf, AnAppThatIsGivenUpEndsBothProcesses) {
         ASSERT_TRUE(trial.hasTold(++trial.sleeps));
         cancelled = trial.sleeps == 2;
     };
-    AppProber::Control control = trial.control();
-    control.cancelled = &cancelled;
-    EXPECT_THROW((void)trial.prober().run(control), ProbeCancelled);
+    AppProber::Options options = trial.options();
+    options.cancelled = &cancelled;
+    EXPECT_THROW((void)trial.prober().run(options), ProbeCancelled);
     ASSERT_THAT(trial.released, SizeIs(2));
     for (TrialProcess& ended : trial.released) {
         EXPECT_EQ(ended.process.waitUntilExit(), 128 + SIGTERM);
@@ -433,9 +433,10 @@ TEST(TrialOf, AnAppThatIsGivenUpHasEndedBeforeThatIsTold) {
         ASSERT_TRUE(trial.hasTold(1));
         cancelled = true;
     };
-    AppProber::Control control;
-    control.cancelled = &cancelled;
-    EXPECT_THROW((void)trial.prober().run(control), ProbeCancelled);
+    AppProber::Options options = trial.options();
+    options.cancelled = &cancelled;
+    options.release = {};
+    EXPECT_THROW((void)trial.prober().run(options), ProbeCancelled);
     EXPECT_TRUE(hasNoChildren());
 }
 
@@ -447,24 +448,24 @@ TEST(TrialOf, AnAppThatIsGivenUpEarlyIsNotLaunchedAgain) {
         ASSERT_TRUE(trial.hasTold(1));
         cancelled = true;
     };
-    AppProber::Control control = trial.control();
-    control.cancelled = &cancelled;
-    EXPECT_THROW((void)trial.prober().run(control), ProbeCancelled);
+    AppProber::Options options = trial.options();
+    options.cancelled = &cancelled;
+    EXPECT_THROW((void)trial.prober().run(options), ProbeCancelled);
     EXPECT_THAT(trial.released, SizeIs(1));
 }
 
 TEST(TrialOf, AnAppTellsHowFarItIs) {
     Trial trial;
     trial.plan("wait\n");
-    AppProber prober = trial.prober();
+    const AppProber prober = trial.prober();
     AppProber::Seconds slept{0};
     trial.onSleep = [&](AppProber::Seconds time) { slept += time; };
     std::vector<double> fractions;
-    AppProber::Control control = trial.control();
-    control.progress = [&](double fraction) { fractions.push_back(fraction); };
-    prober.settleA = AppProber::Seconds(0.7);
-    prober.settleB = AppProber::Seconds(0.2);
-    (void)prober.run(control);
+    AppProber::Options options = trial.options();
+    options.progress = [&](double fraction) { fractions.push_back(fraction); };
+    options.settleA = AppProber::Seconds(0.7);
+    options.settleB = AppProber::Seconds(0.2);
+    (void)prober.run(options);
     EXPECT_NEAR(slept.count(), 0.9, 1e-9);
     EXPECT_TRUE(std::is_sorted(fractions.begin(), fractions.end()));
     EXPECT_GE(fractions.size(), 18U);
@@ -474,12 +475,14 @@ TEST(TrialOf, AnAppTellsHowFarItIs) {
 TEST(TrialOf, AnAppInTheUsersRealTimeTakesNineSeconds) {
     Trial trial;
     trial.plan("write ~/file\n" + trial.tellStep() + "\nwait\n");
-    AppProber::Surroundings with = trial.surroundings();
+    AppProber::Dependencies with = trial.dependencies();
     with.sleep = {};
     auto prober = AppProber::forApp(trial.app, with);
     ASSERT_TRUE(prober);
     const auto start = std::chrono::steady_clock::now();
-    const ProbeResult result = prober->run(trial.control());
+    AppProber::Options options;
+    options.release = trial.options().release;
+    const ProbeResult result = prober->run(options);
     EXPECT_GE(std::chrono::steady_clock::now() - start, std::chrono::seconds(9));
     EXPECT_EQ(result.singleton, SingletonTier::none);
     EXPECT_THAT(bucketPaths(result, LeakBucket::captured), Contains(EndsWith("/file")));

@@ -106,7 +106,7 @@ TEST_P(ModernType, refusesAnImageOfAnotherSize) {
                     .empty());
 }
 
-TEST(IcnsFile, readsPngOfEveryColourTypeAndDepth) {
+TEST(IcnsFile, readsPngOfEveryColorTypeAndDepth) {
     const QImage picture = testPicture(32);
     const QImage opaque = opaquePicture(32);
     EXPECT_LE(
@@ -136,8 +136,8 @@ TEST(IcnsFile, readsJpeg2000WithAndWithoutAlpha) {
 
 TEST(IcnsFile, readsGreyJpeg2000) {
     const QImage picture = testPicture(16);
-    const QImage plain = decodedEntry("icp4", jpeg2000Of(picture, Jpeg2000Form::grey));
-    const QImage clear = decodedEntry("icp4", jpeg2000Of(picture, Jpeg2000Form::greyAlpha));
+    const QImage plain = decodedEntry("icp4", jpeg2000Of(picture, Jpeg2000Form::gray));
+    const QImage clear = decodedEntry("icp4", jpeg2000Of(picture, Jpeg2000Form::grayAlpha));
     const int level = qGray(picture.pixel(3, 5));
     EXPECT_EQ(plain.pixel(3, 5), qRgb(level, level, level));
     EXPECT_EQ(clear.pixel(3, 5), qRgba(level, level, level, qAlpha(picture.pixel(3, 5))));
@@ -149,7 +149,7 @@ struct RgbType {
     const char* bitmap;
     int side;
 };
-class ColourType : public ::testing::TestWithParam<RgbType> {
+class ColorType : public ::testing::TestWithParam<RgbType> {
 protected:
     QImage picture_ = testPicture(GetParam().side);
     QImage opaque_ = opaquePicture(GetParam().side);
@@ -157,43 +157,43 @@ protected:
 };
 
 INSTANTIATE_TEST_SUITE_P(
-    IcnsFile, ColourType,
+    IcnsFile, ColorType,
     ::testing::Values(RgbType{"is32", "s8mk", "ics#", 16}, RgbType{"il32", "l8mk", "ICN#", 32},
                       RgbType{"ih32", "h8mk", "ich#", 48}, RgbType{"it32", "t8mk", "", 128},
                       RgbType{"icp4", "s8mk", "ics#", 16}, RgbType{"icp5", "l8mk", "ICN#", 32}),
     [](const auto& row) { return std::string(row.param.type); });
 
-TEST_P(ColourType, takesItsAlphaFromTheMaskWhereverThatStands) {
-    const std::string colour = icnsEntry(GetParam().type, padding_ + rle24Of(picture_));
+TEST_P(ColorType, takesItsAlphaFromTheMaskWhereverThatStands) {
+    const std::string color = icnsEntry(GetParam().type, padding_ + rle24Of(picture_));
     const std::string mask = icnsEntry(GetParam().mask, alphaMaskOf(picture_));
-    EXPECT_EQ(fileOf({colour, mask}).decode(0), picture_);
-    EXPECT_EQ(fileOf({mask, colour}).decode(0), picture_);
-    EXPECT_EQ(fileOf({mask, colour}).entries().at(0).encoding, IcnsEncoding::rle24);
+    EXPECT_EQ(fileOf({color, mask}).decode(0), picture_);
+    EXPECT_EQ(fileOf({mask, color}).decode(0), picture_);
+    EXPECT_EQ(fileOf({mask, color}).entries().at(0).encoding, IcnsEncoding::rle24);
 }
 
-TEST_P(ColourType, isOpaqueWithoutAMask) {
+TEST_P(ColorType, isOpaqueWithoutAMask) {
     EXPECT_EQ(decodedEntry(GetParam().type, padding_ + rle24Of(picture_)), opaque_);
 }
 
-TEST_P(ColourType, mayHoldPlainPixels) {
+TEST_P(ColorType, mayHoldPlainPixels) {
     const IcnsFile file = fileOf({icnsEntry(GetParam().type, raw32Of(picture_)),
                                   icnsEntry(GetParam().mask, alphaMaskOf(picture_))});
     EXPECT_EQ(file.entries().at(0).encoding, IcnsEncoding::raw32);
     EXPECT_EQ(file.decode(0), picture_);
 }
 
-TEST_P(ColourType, fallsBackToTheOneBitMask) {
+TEST_P(ColorType, fallsBackToTheOneBitMask) {
     if (std::string_view(GetParam().bitmap).empty()) {
         return;
     }
     const IcnsFile file =
         fileOf({icnsEntry(GetParam().bitmap, bitmapOf(picture_) + bitMaskOf(picture_)),
                 icnsEntry(GetParam().type, rle24Of(picture_))});
-    EXPECT_EQ(file.entries().at(0).type, GetParam().type) << "full colour is listed first";
+    EXPECT_EQ(file.entries().at(0).type, GetParam().type) << "full color is listed first";
     EXPECT_EQ(file.decode(0), withAlphaOf(picture_, picture_, true));
 }
 
-TEST(IcnsFile, readsTheLargestColourTypeWithoutItsPaddingToo) {
+TEST(IcnsFile, readsTheLargestColorTypeWithoutItsPaddingToo) {
     const QImage opaque = opaquePicture(128);
     EXPECT_EQ(decodedEntry("it32", rle24Of(opaque)), opaque);
     EXPECT_EQ(decodedEntry("it32", std::string(4, '\0') + raw32Of(opaque)), opaque);
@@ -219,7 +219,7 @@ TEST(IcnsFile, readsBlackAndWhite) {
     }
 }
 
-TEST(IcnsFile, readsTheFixedColours) {
+TEST(IcnsFile, readsTheFixedColors) {
     const QImage eight = decodedEntry(
         "ics8", std::string("\x00\x05\x23\xD7\xE0\xE1\xEB\xF5\xFF", 9) + std::string(247, '\0'));
     EXPECT_EQ(eight.pixel(0, 0), qRgb(255, 255, 255));

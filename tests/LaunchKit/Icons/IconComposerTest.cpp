@@ -121,10 +121,10 @@ TEST_F(Composing, leavesThePictureAloneWithoutVisibleText) {
 }
 
 TEST_F(Composing, keepsOpaqueOpaqueAndClearClearWhenScalingDown) {
-    for (const auto& [colour, alpha] :
+    for (const auto& [color, alpha] :
          {std::pair(QColor(255, 255, 255, 255), 255), {QColor(255, 0, 0, 0), 0}}) {
         QImage flat(1000, 1000, QImage::Format_ARGB32);
-        flat.fill(colour);
+        flat.fill(color);
         flat.setPixel(999, 999, qRgba(1, 2, 3, 254 - alpha)); // keeps the alpha channel in the file
         for (const QImage& image : composed(source(pngOf(flat)), invisible)) {
             EXPECT_EQ(qAlpha(image.pixel(image.width() / 2, image.width() / 2)), alpha)
@@ -134,7 +134,7 @@ TEST_F(Composing, keepsOpaqueOpaqueAndClearClearWhenScalingDown) {
     }
 }
 
-TEST_F(Composing, bleedsNoColourOutOfTransparentPixels) {
+TEST_F(Composing, bleedsNoColorOutOfTransparentPixels) {
     QImage halves(1024, 1024, QImage::Format_ARGB32);
     for (int y = 0; y < 1024; ++y) {
         for (int x = 0; x < 1024; ++x) {
@@ -150,9 +150,9 @@ TEST_F(Composing, bleedsNoColourOutOfTransparentPixels) {
 }
 
 TEST_F(Composing, takesTheLargestImageForAllSizes) {
-    const auto flat = [](int side, QColor colour) {
+    const auto flat = [](int side, QColor color) {
         QImage image(side, side, QImage::Format_ARGB32);
-        image.fill(colour);
+        image.fill(color);
         return pngOf(image);
     };
     const std::string bytes =

@@ -147,7 +147,7 @@ TEST(IconGeometry, roundsTheOutlinesCorners) {
     EXPECT_GT(qAlpha(icon.image().pixel(all.topLeft() + QPoint(inset + 2, inset + 2))), 127);
 }
 
-TEST(IconGeometry, fillsWithTheColourAndOutlinesInDarkness) {
+TEST(IconGeometry, fillsWithTheColorAndOutlinesInDarkness) {
     const DrawnIcon icon({"I", "#12AB78", Position::center}, 1024);
     EXPECT_EQ(icon.image().pixel(512, 512), qRgb(0x12, 0xAB, 0x78));
     const LabelText text = labelText("I");

@@ -46,7 +46,7 @@ std::string icoOf(const QImage& image, std::size_t side) {
            littleEndian(png.size(), 4) + littleEndian(22, 4) + png;
 }
 
-// An uncompressed TIFF file with a page of each size, in one shade of grey each.
+// An uncompressed TIFF file with a page of each size, in one shade of gray each.
 std::string tiffOf(const std::vector<std::pair<QSize, int>>& pages) {
     constexpr std::size_t tags = 8;
     constexpr std::size_t directorySize = 2 + 12 * tags + 4;
@@ -160,7 +160,7 @@ TEST(ImageFile, givesNothingForACutPng) {
     EXPECT_TRUE(widestImage(bytes.substr(0, 40)).isNull());
 }
 
-TEST(ImageFile, convertsOtherColoursToTheStandardOnes) {
+TEST(ImageFile, convertsOtherColorsToTheStandardOnes) {
     QImage picture(8, 8, QImage::Format_ARGB32);
     picture.fill(qRgb(200, 100, 50));
     picture.setColorSpace(QColorSpace(QColorSpace::DisplayP3));

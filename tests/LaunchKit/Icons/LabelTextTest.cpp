@@ -165,30 +165,30 @@ TEST_F(LabelTextTest, laysOutRightToLeft) {
     EXPECT_TRUE(descends);
 }
 
-TEST(LabelColour, isReadFromSixDigits) {
+TEST(LabelColor, isReadFromSixDigits) {
     const QColor orange(0xFF, 0x88, 0x00);
     for (const char* text : {"#FF8800", "ff8800", " #ff8800 ", "\tFf8800\t", "\u00A0#FF8800"}) {
-        EXPECT_EQ(labelColour(text), orange) << text;
+        EXPECT_EQ(labelColor(text), orange) << text;
     }
-    EXPECT_EQ(labelColour("#00ff00"), QColor(Qt::green));
-    EXPECT_EQ(labelColour("00FF00"), QColor(Qt::green));
-    EXPECT_EQ(labelColour("#000000"), QColor(Qt::black));
-    EXPECT_EQ(labelColour("#FF8800").alpha(), 255);
+    EXPECT_EQ(labelColor("#00ff00"), QColor(Qt::green));
+    EXPECT_EQ(labelColor("00FF00"), QColor(Qt::green));
+    EXPECT_EQ(labelColor("#000000"), QColor(Qt::black));
+    EXPECT_EQ(labelColor("#FF8800").alpha(), 255);
 }
 
-TEST(LabelColour, mayHaveASignInPlaceOfADigit) {
-    EXPECT_EQ(labelColour("+0FF00"), QColor(0x00, 0xFF, 0x00));
-    EXPECT_EQ(labelColour("-00001"), QColor(0xFF, 0xFF, 0xFF));
-    EXPECT_EQ(labelColour("-00100"), QColor(0xFF, 0xFF, 0x00));
+TEST(LabelColor, mayHaveASignInPlaceOfADigit) {
+    EXPECT_EQ(labelColor("+0FF00"), QColor(0x00, 0xFF, 0x00));
+    EXPECT_EQ(labelColor("-00001"), QColor(0xFF, 0xFF, 0xFF));
+    EXPECT_EQ(labelColor("-00100"), QColor(0xFF, 0xFF, 0x00));
 }
 
-TEST(LabelColour, isWhiteForEveryOtherText) {
+TEST(LabelColor, isWhiteForEveryOtherText) {
     for (const char* text :
          {"", "#", "#F80", "red", "#GG0000", "##FF880", "# FF8800", "#FF8800FF", "FF880", "0x8800",
           "FF 800", "+-0000", "--0000", "#FF8800\n", "\nFF8800", "ÄÄÄ", "ＦＦ", "12345\xFF"}) {
-        EXPECT_EQ(labelColour(text), QColor(Qt::white)) << text;
+        EXPECT_EQ(labelColor(text), QColor(Qt::white)) << text;
     }
-    EXPECT_EQ(labelColour(std::string("FF88\0", 6)), QColor(Qt::white));
+    EXPECT_EQ(labelColor(std::string("FF88\0", 6)), QColor(Qt::white));
 }
 
 } // namespace
