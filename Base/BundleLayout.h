@@ -3,7 +3,8 @@
 #include <string>
 #include <string_view>
 
-/// Where the parts of an application bundle are. Only text is made here; nothing looks at the disk.
+/// Where the parts of an application bundle are, as text. Names are appended as they are; nothing is
+/// read from the disk.
 namespace quorvel {
 
 /// Names of a bundle's folders and files.
@@ -24,12 +25,16 @@ inline constexpr std::string_view pkgInfo = "PkgInfo";
 /// Returns `bundle`/Contents/Info.plist.
 [[nodiscard]] std::string infoPlistOf(const std::string& bundle);
 
-/// Returns the path of an item in `bundle`/Contents/MacOS, and that folder's own.
+/// Returns `bundle`/Contents/MacOS/`name`.
 [[nodiscard]] std::string executableOf(const std::string& bundle, std::string_view name);
+
+/// Returns `bundle`/Contents/MacOS.
 [[nodiscard]] std::string executablesOf(const std::string& bundle);
 
-/// Returns the path of an item in `bundle`/Contents/Resources, and that folder's own.
+/// Returns `bundle`/Contents/Resources/`name`.
 [[nodiscard]] std::string resourceOf(const std::string& bundle, std::string_view name);
+
+/// Returns `bundle`/Contents/Resources.
 [[nodiscard]] std::string resourcesOf(const std::string& bundle);
 
 /// Returns `bundle`/Contents/Frameworks.

@@ -14,7 +14,7 @@ namespace {
 // Entitlements take a few kilobytes; anything longer is not an entitlements list.
 constexpr std::size_t maximumEntitlements = std::size_t{4} << 20U;
 
-// The key alone counts, whatever its value: the sandbox is what the bundle was built for.
+// The key alone counts, not its value: a bundle that has it was built for the sandbox.
 bool isSandboxed(const std::string& entitlements) {
     return isUtf8(entitlements) &&
            entitlements.find("com.apple.security.app-sandbox") != std::string::npos;

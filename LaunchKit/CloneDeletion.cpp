@@ -20,7 +20,7 @@ std::string relativeConfig() {
     return configOf("").substr(1);
 }
 
-// The data folder of a deletion: what becomes of it by itself, or the removal that takes it.
+// The data folder of a deletion: its outcome if it stays, or the removal still to be made.
 struct DataStep {
     DeletedData data{};
     std::optional<ItemRemoval> removal{};
@@ -42,7 +42,7 @@ bool isAnother(const std::optional<InstanceRecord>& now, const InstanceRecord& l
            !isUnfinishedWrapper(listed.bundleURL);
 }
 
-// Between listing and deleting, another clone or an app may have taken this one's place.
+// Another clone or an app may have replaced this one since it was listed.
 void refuseAnother(const InstanceRegistry& registry, const InstanceRecord& record) {
     if (isAnother(registry.record(record.bundleURL), record)) {
         throw RefusedDeletion("The clone at " + record.bundleURL.string() +
@@ -62,7 +62,7 @@ DeletedData keptFor(const fs::path& folder, const PlatformError& error) {
 
 DataStep dataStep(const InstanceRegistry& registry, const InstanceRecord& record) {
     const DataFolder folder = dataFolderOf(record.config);
-    // A relative path would mean another folder than it meant to the clone, which ran elsewhere.
+    // A relative path would name a different folder than for the clone, which ran elsewhere.
     if (folder.isNone) {
         return {{.outcome = DeletedData::Case::spared, .folder = record.config.resolvedHome()}, {}};
     }
@@ -121,7 +121,7 @@ void throwFailure(const RemovalReport& report) {
     }
 }
 
-// Once data is gone, a failure must not look as if nothing were.
+// Once data is removed, a failure must not look as if nothing had been.
 void removeRest(const ItemRemoval& wrapper, DeletedData& data) {
     const RemovalReport report = wrapper.remove();
     if (data.removedItems == 0) {
@@ -135,7 +135,8 @@ void removeRest(const ItemRemoval& wrapper, DeletedData& data) {
 
 DeletedData deleteClone(const InstanceRegistry& registry, const InstanceRecord& record,
                         bool includingData) {
-    // Opened before its configuration is read, so that no other wrapper is removed than was read.
+    // Opened before its configuration is read, so that the wrapper removed is the one that was
+    // read.
     const std::optional<ItemRemoval> wrapper = ItemRemoval::of(record.bundleURL);
     if (wrapper) {
         wrapper->refuseMounts();

@@ -13,7 +13,7 @@ namespace quorvel {
 namespace fs = std::filesystem;
 namespace {
 
-// Those of the registry's folders, and the folder that the wrapper is in.
+// Returns the other clones in the registry's folders and in the wrapper's.
 std::vector<InstanceRecord> clonesBeside(const InstanceRegistry& registry,
                                          const fs::path& wrapper) {
     std::vector<fs::path> folders = registry.searchDirs();
@@ -35,7 +35,7 @@ std::string quoted(const std::string& name) {
     return "“" + name + "”";
 }
 
-// "is WHAT" or "holds WHAT"; nothing where the folder is neither.
+// Returns "is WHAT" or "holds WHAT", if either is true.
 std::optional<std::string> isOrHolds(const Place& folder, const fs::path& target,
                                      const std::string& what) {
     switch (folder.towards(target)) {
@@ -57,8 +57,8 @@ std::vector<fs::path> foldersToSpare() {
     return folders;
 }
 
-// Whether the folder is or holds a home of the user's or one of the folders to spare: it is then no
-// clone's alone, whatever its configuration says.
+// Whether the folder is or holds a home of the user's or one of the folders to spare: then it is
+// not one clone's alone, even if a configuration names it.
 bool holdsUsersOwn(const Place& folder) {
     std::vector<fs::path> owned = foldersToSpare();
     for (const std::string& home : UserPaths::allHomes()) {
@@ -75,7 +75,7 @@ bool isInAHomeOfTheUsers(const Place& folder) {
     });
 }
 
-// The user database may be far away, and most data folders are in the user's own home.
+// Asking the user database may be slow, and most data folders are in the user's own home.
 std::optional<std::string> ownerOfHomeAround(const Place& folder) {
     if (isInAHomeOfTheUsers(folder)) {
         return std::nullopt;
@@ -139,7 +139,8 @@ DataFolder dataFolderOf(const InstanceConfig& config) {
     const fs::path written = withoutTrailingSlashes(home);
     const fs::path plain = withoutTrailingSlashes(written.lexically_normal());
     if (plain != written && identityOfItself(plain) != identityOfItself(written)) {
-        // "." and ".." after a link stand for what it leads to, without it their path is another's.
+        // "." and ".." after a link are resolved in its target; the normalised path names another
+        // item.
         return {.path = written, .isBehindLink = true};
     }
     std::error_code code;

@@ -26,7 +26,7 @@ public:
 
         /// The app's bundle can't be read.
         [[nodiscard]] static LaunchError badBundle(const std::filesystem::path& url);
-        /// There is nothing to launch, or the app can't be isolated.
+        /// The configuration has no target, or the app can't be isolated.
         [[nodiscard]] static LaunchError unsupported(const std::string& message);
 
         [[nodiscard]] Case kind() const noexcept { return case_; }

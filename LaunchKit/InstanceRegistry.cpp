@@ -80,7 +80,7 @@ void InstanceRegistry::update(const InstanceRecord& record,
     try {
         writeFile(configOf(record.bundleURL), config.json());
     } catch (const std::runtime_error&) {
-        // The next listing shows what the file holds.
+        // The next listing shows what was saved.
     }
 }
 

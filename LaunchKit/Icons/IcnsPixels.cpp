@@ -23,7 +23,7 @@ bool bitAt(std::string_view bytes, std::size_t index) {
     return ((byteAt(bytes, index / 8) >> (7 - index % 8)) & 1U) != 0;
 }
 
-// An image whose pixels are what `pixel` gives for 0, 1, 2 and so on, row by row.
+// Returns an image of the pixels that `pixel` returns for 0, 1, 2 and so on, row by row.
 template<typename Pixel>
 QImage imageOf(int width, int height, Pixel pixel) {
     QImage image(width, height, QImage::Format_ARGB32);
@@ -35,7 +35,8 @@ QImage imageOf(int width, int height, Pixel pixel) {
     return image;
 }
 
-// The payload of the first chunk of that type with at least so many bytes; empty without one.
+// Returns the payload of the first chunk of that type with at least `size` bytes; empty if there is
+// none.
 std::string_view payloadOf(const IcnsFamily& family, IcnsCode code, std::size_t size) {
     const auto chunk = std::find_if(family.begin(), family.end(), [&](const IcnsChunk& each) {
         return each.code == code && each.payload.size() >= size;
@@ -43,7 +44,8 @@ std::string_view payloadOf(const IcnsFamily& family, IcnsCode code, std::size_t 
     return code == 0 || chunk == family.end() ? std::string_view{} : chunk->payload;
 }
 
-// The second half of the bitmap that holds the type's 1-bit mask; empty when there is none.
+// Returns the second half of the bitmap that contains the type's 1-bit mask; empty if there is
+// none.
 std::string_view bitMaskOf(const IcnsType& type, const IcnsFamily& family) {
     const std::size_t size = pixelCount(type) / 8;
     const std::string_view bitmap = payloadOf(family, type.bitMask, 2 * size);
@@ -80,7 +82,7 @@ QImage packedImage(std::string_view payload, const IcnsType& type) {
     });
 }
 
-// The largest of the color types puts four zero bytes before its planes.
+// In the largest of the color types, four zero bytes precede the planes.
 std::string_view withoutPadding(std::string_view payload, const IcnsType& type) {
     constexpr std::string_view padding("\0\0\0\0", 4);
     const bool padded = type.code == icnsCode("it32") && payload.starts_with(padding) &&
