@@ -23,10 +23,10 @@ std::vector<InstanceRecord> clonesBeside(const InstanceRegistry& registry,
         folders.push_back(beside);
     }
     std::vector<InstanceRecord> clones = InstanceRegistry(std::move(folders)).list();
-    const auto itself = identityOfItself(wrapper);
+    const auto itself = identityOf(wrapper);
     std::erase_if(clones, [&](const InstanceRecord& clone) {
         return clone.bundleURL == wrapper ||
-               (itself && identityOfItself(clone.bundleURL) == itself);
+               (itself && identityOf(clone.bundleURL) == itself);
     });
     return clones;
 }
@@ -38,12 +38,12 @@ std::string quoted(const std::string& name) {
 // Returns "is WHAT" or "holds WHAT", if either is true.
 std::optional<std::string> isOrHolds(const Place& folder, const fs::path& target,
                                      const std::string& what) {
-    switch (folder.towards(target)) {
-    case Standing::same:
+    switch (folder.relationTo(target)) {
+    case Relation::same:
         return "is " + what;
-    case Standing::above:
+    case Relation::ancestor:
         return "holds " + what;
-    case Standing::apart:
+    case Relation::unrelated:
         break;
     }
     return std::nullopt;
@@ -65,13 +65,13 @@ bool holdsUsersOwn(const Place& folder) {
         owned.emplace_back(home);
     }
     return std::any_of(owned.begin(), owned.end(),
-                       [&](const fs::path& own) { return folder.towards(own) != Standing::apart; });
+                       [&](const fs::path& own) { return folder.relationTo(own) != Relation::unrelated; });
 }
 
 bool isInAHomeOfTheUsers(const Place& folder) {
     const std::vector<std::string> homes = UserPaths::allHomes();
     return std::any_of(homes.begin(), homes.end(), [&](const std::string& home) {
-        return Place(home).towards(folder.path()) == Standing::above;
+        return Place(home).relationTo(folder.path()) == Relation::ancestor;
     });
 }
 
@@ -81,8 +81,8 @@ std::optional<std::string> ownerOfHomeAround(const Place& folder) {
         return std::nullopt;
     }
     for (const UserPaths::OtherHome& other : UserPaths::otherUsersHomes()) {
-        if (Place(other.home).towards(folder.path()) != Standing::apart ||
-            folder.towards(other.home) != Standing::apart) {
+        if (Place(other.home).relationTo(folder.path()) != Relation::unrelated ||
+            folder.relationTo(other.home) != Relation::unrelated) {
             return other.user;
         }
     }
@@ -96,7 +96,7 @@ DataFolderGuard::DataFolderGuard(const InstanceRegistry& registry, fs::path wrap
       others_(clonesBeside(registry, wrapper_)) {}
 
 bool DataFolderGuard::isInWrapper(const Place& folder) const {
-    return Place(wrapper_).towards(folder.path()) != Standing::apart;
+    return Place(wrapper_).relationTo(folder.path()) != Relation::unrelated;
 }
 
 std::optional<std::string> DataFolderGuard::objection(const Place& folder) const {
@@ -121,7 +121,7 @@ std::optional<std::string> DataFolderGuard::objection(const Place& folder) const
             return reason;
         }
         const Place others(data.path);
-        if (others.towards(folder.path()) == Standing::above && !holdsUsersOwn(others)) {
+        if (others.relationTo(folder.path()) == Relation::ancestor && !holdsUsersOwn(others)) {
             return "lies in " + what;
         }
     }
@@ -138,7 +138,7 @@ DataFolder dataFolderOf(const InstanceConfig& config) {
     }
     const fs::path written = withoutTrailingSlashes(home);
     const fs::path plain = withoutTrailingSlashes(written.lexically_normal());
-    if (plain != written && identityOfItself(plain) != identityOfItself(written)) {
+    if (plain != written && identityOf(plain) != identityOf(written)) {
         // "." and ".." after a link are resolved in its target; the normalised path names another
         // item.
         return {.path = written, .isBehindLink = true};

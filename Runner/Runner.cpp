@@ -26,7 +26,7 @@ int fail(const StartReport& report, const std::string& message, RunnerStatus sta
     return status;
 }
 
-// Opened from a desktop, nobody sees standard error: the log is where a user looks.
+// Nobody sees the standard error of a program that the desktop opened.
 void addToLog(const InstanceConfig& config, const std::string& message) {
     const std::string home = config.resolvedHome();
     try {
@@ -58,7 +58,7 @@ int launchAndSupervise(const InstanceConfig& config, const std::vector<std::stri
         addToLog(config, error.what());
         return fail(report, error.what(), runnerHomeInUse);
     } catch (const InstanceLauncher::LaunchError& error) {
-        // A launch that was refused leaves what the launcher left: an empty log, or no folder.
+        // A refused launch must not write to the log that the launcher left empty.
         if (error.kind() != InstanceLauncher::LaunchError::Case::unsupported) {
             addToLog(config, error.what());
         }

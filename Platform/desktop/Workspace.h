@@ -11,17 +11,18 @@
 
 namespace quorvel {
 
+/// The version of the operating system.
 struct OperatingSystemVersion {
     int major = 0;
     int minor = 0;
-    /// On Linux, the distribution with its version, such as "Debian GNU/Linux 12"; empty on macOS.
+    /// On Linux, the distribution and its version, such as "Debian GNU/Linux 12". Empty on macOS.
     std::string distribution{};
 };
 
-/// What the desktop does for us. Calls may come from any thread.
+/// Desktop services. Thread-safe.
 class Workspace {
 public:
-    /// Called once, from any thread; without an error when the application runs.
+    /// Called once, on any thread. Without an error, the application is running.
     using Completion = std::function<void(std::optional<PlatformError>)>;
 
     Workspace() = default;
@@ -29,22 +30,23 @@ public:
     Workspace& operator=(const Workspace&) = delete;
     virtual ~Workspace() = default;
 
-    /// Opens an application bundle without waiting for it. One that runs already is not started a
-    /// second time. `activates` asks for its windows to come to the front.
+    /// Opens an application bundle asynchronously. Does not start it again if it is running.
+    /// `activates` asks for its windows to be brought to the front.
     virtual void openApplication(const std::filesystem::path& bundle, bool activates,
                                  Completion completion) = 0;
 
-    /// Shows the item in the file manager, selected in its folder. Throws `PlatformError` when no
-    /// file manager answers.
+    /// Shows the item in the file manager, selected in its folder. Throws `PlatformError` if no
+    /// file manager replies.
     virtual void reveal(const std::filesystem::path& item) = 0;
 
-    /// One look at what runs now.
+    /// Returns a snapshot of the running applications.
     [[nodiscard]] virtual RunningApplications runningApplications() = 0;
 
+    /// Returns the version of the running system.
     [[nodiscard]] virtual OperatingSystemVersion operatingSystemVersion() const = 0;
 };
 
-/// The system's own.
+/// Returns the services of the running system.
 [[nodiscard]] std::unique_ptr<Workspace> makeSystemWorkspace();
 
 } // namespace quorvel

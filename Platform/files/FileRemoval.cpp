@@ -14,7 +14,7 @@ bool holdsUserHome(const fs::path& path) {
     const Place place(path);
     const std::vector<std::string> homes = UserPaths::allHomes();
     return std::any_of(homes.begin(), homes.end(), [&](const std::string& home) {
-        return place.towards(home) != Standing::apart;
+        return place.relationTo(home) != Relation::unrelated;
     });
 }
 

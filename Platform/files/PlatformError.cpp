@@ -43,7 +43,8 @@ PlatformError PlatformError::because(const std::string& reason, const std::files
     return {sentence(reason, path, action), std::make_error_code(std::errc::io_error), path};
 }
 
-PlatformError PlatformError::told(const std::string& sentence, const std::filesystem::path& path) {
+PlatformError PlatformError::withDescription(const std::string& sentence,
+                                             const std::filesystem::path& path) {
     return {sentence, std::make_error_code(std::errc::io_error), path};
 }
 

@@ -11,7 +11,7 @@ namespace quorvel {
 inline constexpr qsizetype longestShownText = 4096;
 inline constexpr qsizetype longestShownLine = 500;
 
-/// `text` with what `HarmfulText` finds (what would turn the writing direction, steer or vanish)
+/// `text` with what `UnsafeText` finds (what would turn the writing direction, steer or vanish)
 /// shown as U+FFFD. Line breaks stay. What is longer than `longestShownText` is cut behind
 /// a whole character, and ends with "…".
 [[nodiscard]] QString shownText(std::string_view text);

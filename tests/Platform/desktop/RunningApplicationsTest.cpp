@@ -10,7 +10,7 @@ RunningApplications someApplications() {
         {{"com.b", "/B.app", 30}, {"com.a", "/A.app", 20}, {"com.b", "/B.app", 10}});
 }
 
-TEST(RunningApplications, StandInTheOrderOfTheirProcessNumbers) {
+TEST(RunningApplicationsTest, StandInTheOrderOfTheirProcessNumbers) {
     const RunningApplications applications = someApplications();
     ASSERT_EQ(applications.all().size(), 3U);
     EXPECT_EQ(applications.all()[0].pid, 10);
@@ -18,14 +18,14 @@ TEST(RunningApplications, StandInTheOrderOfTheirProcessNumbers) {
     EXPECT_EQ(applications.all()[2].pid, 30);
 }
 
-TEST(RunningApplications, AreFoundByTheirIdentifier) {
+TEST(RunningApplicationsTest, AreFoundByTheirIdentifier) {
     const auto found = someApplications().withBundleIdentifier("com.b");
     ASSERT_EQ(found.size(), 2U);
     EXPECT_EQ(found[0].pid, 10);
     EXPECT_EQ(found[1].pid, 30);
 }
 
-TEST(RunningApplications, AnIdentifierIsMatchedExactly) {
+TEST(RunningApplicationsTest, AnIdentifierIsMatchedExactly) {
     EXPECT_TRUE(someApplications().contains("com.a"));
     EXPECT_FALSE(someApplications().contains("com.A"));
     EXPECT_FALSE(someApplications().contains("com"));

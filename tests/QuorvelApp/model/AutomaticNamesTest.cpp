@@ -10,7 +10,7 @@ struct Row {
     const char* name;
 };
 
-TEST(AutomaticNames, AHostIsWhatTheStandardTakesForOne) {
+TEST(AutomaticNamesTest, AHostIsWhatTheStandardTakesForOne) {
     for (const Row& row :
          {Row{"example.com:99999", "Example.Com"}, Row{"example.com:", "Example.Com"},
           Row{"a..b", "A..B"}, Row{"https://a%41.c", "Aa.C"},
@@ -24,7 +24,7 @@ TEST(AutomaticNames, AHostIsWhatTheStandardTakesForOne) {
     }
 }
 
-TEST(AutomaticNames, WhatIsNoHostNamesNothing) {
+TEST(AutomaticNamesTest, WhatIsNoHostNamesNothing) {
     for (const char* typed :
          {"",     " ",      "a b",  "https://", "https:///x", "https://:80", "https://user@", "a:b",
           "a:8x", "1s://a", "://a", "a%4",      "a%zz",       "a%FF",        "a\\b",          "a<b",
@@ -34,13 +34,13 @@ TEST(AutomaticNames, WhatIsNoHostNamesNothing) {
     EXPECT_EQ(nameForWebAddress("www."), "");
 }
 
-TEST(AutomaticNames, ACommandIsNamedAfterItsLastComponent) {
+TEST(AutomaticNamesTest, ACommandIsNamedAfterItsLastComponent) {
     EXPECT_EQ(nameForCommand("/usr/local/bin/my-tool"), "My-Tool");
     EXPECT_EQ(nameForCommand("h2o"), "H2O");
     EXPECT_EQ(nameForCommand("/opt/o'neil's/it's//"), "It's");
 }
 
-TEST(AutomaticNames, TheRootNamesNothing) {
+TEST(AutomaticNamesTest, TheRootNamesNothing) {
     EXPECT_EQ(nameForCommand("/"), std::nullopt);
     EXPECT_EQ(nameForCommand("//"), std::nullopt);
     EXPECT_EQ(nameForCommand(""), std::nullopt);

@@ -22,7 +22,7 @@ InstanceConfig configOf(ShortcutKind kind) {
     return config;
 }
 
-TEST(SourceSummary, OfAnAppIsItsNameWithoutExtension) {
+TEST(DisplayTextsTest, SourceSummaryOfAnAppIsItsNameWithoutExtension) {
     InstanceConfig config = minimalConfig();
     config.targetAppPath = "/Applications/Notes.app";
     EXPECT_EQ(sourceSummary(config), "Notes");
@@ -32,7 +32,7 @@ TEST(SourceSummary, OfAnAppIsItsNameWithoutExtension) {
     EXPECT_EQ(sourceSummary(config), "");
 }
 
-TEST(SourceSummary, OfAWebOrFileCloneIsWhatItOpens) {
+TEST(DisplayTextsTest, SourceSummaryOfAWebOrFileCloneIsWhatItOpens) {
     InstanceConfig web = configOf(ShortcutKind::web);
     EXPECT_EQ(sourceSummary(web), "");
     web.url = "https://a.test";
@@ -43,7 +43,7 @@ TEST(SourceSummary, OfAWebOrFileCloneIsWhatItOpens) {
     EXPECT_EQ(sourceSummary(file), "/a b");
 }
 
-TEST(SourceSummary, OfACommandIsItsLine) {
+TEST(DisplayTextsTest, SourceSummaryOfACommandIsItsLine) {
     InstanceConfig config = configOf(ShortcutKind::command);
     EXPECT_EQ(sourceSummary(config), "");
     config.commandArgs = {"-l", "x"};
@@ -52,7 +52,7 @@ TEST(SourceSummary, OfACommandIsItsLine) {
     EXPECT_EQ(sourceSummary(config), "/bin/ls -l x");
 }
 
-TEST(StrategyLabel, NamesTheFourAndLeavesOthersAlone) {
+TEST(DisplayTextsTest, StrategyLabelNamesTheFourAndLeavesOthersAlone) {
     EXPECT_EQ(strategyLabel("home-override"), "Home override (A)");
     EXPECT_EQ(strategyLabel("container-redirect"), "Container redirect (B)");
     EXPECT_EQ(strategyLabel("wrapper-identity"), "Wrapper identity (C)");
@@ -61,28 +61,28 @@ TEST(StrategyLabel, NamesTheFourAndLeavesOthersAlone) {
     EXPECT_EQ(strategyLabel(""), "");
 }
 
-TEST(HexRGB, IsUpperCaseWithoutOpacity) {
+TEST(DisplayTextsTest, HexRGBIsUpperCaseWithoutOpacity) {
     EXPECT_EQ(hexRGB(Qt::white), "#FFFFFF");
     EXPECT_EQ(hexRGB(QColor(10, 171, 205, 3)), "#0AABCD");
     EXPECT_EQ(hexRGB(QColor::fromHslF(0.0F, 1.0F, 0.5F)), "#FF0000");
     EXPECT_EQ(hexRGB(QColor()), "#FFFFFF") << "no colour at all";
 }
 
-TEST(HexRGB, RoundsToTheNearestStep) {
+TEST(DisplayTextsTest, HexRGBRoundsToTheNearestStep) {
     EXPECT_EQ(hexRGB(QColor::fromRgbF(0.5F, 0.0019F, 0.0021F)), "#800001");
 }
 
-TEST(HexRGB, StaysInRangeForColoursBeyondSRGB) {
+TEST(DisplayTextsTest, HexRGBStaysInRangeForColoursBeyondSRGB) {
     EXPECT_EQ(hexRGB(QColor::fromRgbF(1.7F, -0.4F, 0.0F)), "#FF0000");
 }
 
-TEST(DetailRows, OfAPlainAppCloneAreSix) {
+TEST(DisplayTextsTest, DetailRowsOfAPlainAppCloneAreSix) {
     EXPECT_THAT(
         labelsOf(detailRows(minimalConfig(), "/x/Work.app")),
         ElementsAre("Kind", "Source app", "Strategy", "Data home", "Bundle id", "Location"));
 }
 
-TEST(DetailRows, ShowArgumentsAndEnvironmentWhereThereAreSome) {
+TEST(DisplayTextsTest, DetailRowsShowArgumentsAndEnvironmentWhereThereAreSome) {
     InstanceConfig config = minimalConfig();
     config.targetAppPath = "/Applications/Chat.app";
     config.extraArgs = {"--a", "b c"};
@@ -97,7 +97,7 @@ TEST(DetailRows, ShowArgumentsAndEnvironmentWhereThereAreSome) {
                             DetailRow{"Location", "/x/Work.app", true}));
 }
 
-TEST(DetailRows, OfTheOtherKindsHaveNoStrategy) {
+TEST(DisplayTextsTest, DetailRowsOfTheOtherKindsHaveNoStrategy) {
     EXPECT_THAT(labelsOf(detailRows(configOf(ShortcutKind::web), "/x")),
                 ElementsAre("Kind", "URL", "Data home", "Bundle id", "Location"));
     EXPECT_THAT(labelsOf(detailRows(configOf(ShortcutKind::file), "/x")),
