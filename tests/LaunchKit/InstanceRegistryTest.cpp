@@ -80,7 +80,7 @@ TEST_F(InstanceRegistryTest, DoesNotLookDeeper) {
     EXPECT_TRUE(names().empty());
 }
 
-TEST_F(InstanceRegistryTest, SortsByNameUpperAndLowerCaseAlike) {
+TEST_F(InstanceRegistryTest, SortsByNameIgnoringCase) {
     wrapper("1.app", "beta");
     wrapper("2.app", "Alpha");
     wrapper("3.app", "alpha");
@@ -118,7 +118,7 @@ TEST_F(InstanceRegistryTest, FoldersThatCantBeReadAreLeftOut) {
     EXPECT_EQ(registry.list().size(), 1U);
 }
 
-TEST_F(InstanceRegistryTest, DamagedWrappersAreNoClones) {
+TEST_F(InstanceRegistryTest, DamagedWrappersAreNotListed) {
     const auto damaged = [&](const std::string& name) {
         const fs::path file = at(name) / "Contents/Resources/instance.json";
         fs::create_directories(file.parent_path());
@@ -152,7 +152,7 @@ TEST_F(InstanceRegistryTest, ARecordsIdentityIsItsBundle) {
     EXPECT_NE(one, (InstanceRecord{"/B/Work.app", one.config}));
 }
 
-TEST_F(InstanceRegistryTest, ARecordsHashTellsBundlesApart) {
+TEST_F(InstanceRegistryTest, RecordsOfDifferentBundlesHashDifferently) {
     const std::hash<InstanceRecord> hash;
     const InstanceConfig config = minimalConfig();
     EXPECT_EQ(hash({"/A/Work.app", config}), fs::hash_value("/A/Work.app"));

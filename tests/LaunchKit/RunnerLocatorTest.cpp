@@ -48,7 +48,7 @@ TEST_F(RunnerLocatorTest, AreLookedForInTheApplicationAndThenInTheBuilds) {
                             at(".build/release/quorvel-runner")));
 }
 
-TEST_F(RunnerLocatorTest, AFolderThatIsNotKnownAddsNoPlace) {
+TEST_F(RunnerLocatorTest, AnUnknownFolderAddsNoCandidate) {
     EXPECT_THAT(RunnerLocator::candidates({}), ElementsAre(at(".build/debug/quorvel-runner"),
                                                            at(".build/release/quorvel-runner")));
     EXPECT_EQ(RunnerLocator::candidates({std::nullopt, "/M"}).front(), "/M/quorvel-runner");
@@ -75,7 +75,7 @@ TEST_F(RunnerLocatorTest, ADebugBuildGoesBeforeARelease) {
     EXPECT_EQ(found(), debug);
 }
 
-TEST_F(RunnerLocatorTest, AFolderOfThatNameIsNone) {
+TEST_F(RunnerLocatorTest, AFolderOfThatNameIsNotChosen) {
     fs::create_directories(at("Contents/Resources/quorvel-runner"));
     EXPECT_EQ(found(), std::nullopt);
 }

@@ -120,7 +120,7 @@ TEST(AppProberTest, RecommendationTheFirstRuleThatAppliesWins) {
     EXPECT_EQ(recommended({irrelevant}, SingletonTier::unknown), Strategy::homeOverride);
 }
 
-// The tier for a second process that runs or not, and so many running applications.
+// Returns the tier for a second process that runs or not, and a number of running applications.
 SingletonTier tier(bool runs, int running, PropertyListDictionary info = {}) {
     Trial trial;
     info.emplace("CFBundleIdentifier", "com.example.Notes");
@@ -156,11 +156,11 @@ TEST(AppProberTest, SingletonASecondThatQuitWhileOneRunsMeansAHandOver) {
     EXPECT_EQ(tier(false, 1), SingletonTier::machPort);
 }
 
-TEST(AppProberTest, SingletonASecondThatQuitWithNoneRunningTellsNothing) {
+TEST(AppProberTest, SingletonASecondThatQuitWithNoneRunningIsUnknown) {
     EXPECT_EQ(tier(false, 0), SingletonTier::unknown);
 }
 
-TEST(AppProberTest, SingletonAProhibitionInTheBundleDecidesWhateverHappened) {
+TEST(AppProberTest, SingletonAProhibitionInTheBundleAlwaysDecides) {
     EXPECT_EQ(tier(true, 2, {{"LSMultipleInstancesProhibited", true}}),
               SingletonTier::lsProhibited);
     EXPECT_EQ(tier(false, 0, {{"LSMultipleInstancesProhibited", true}}),
@@ -178,7 +178,7 @@ TEST(AppProberTest, HasItsDefaults) {
     EXPECT_EQ(prober->bundle().bundleId, trial.bundleId);
 }
 
-TEST(AppProberTest, CannotBeMadeForWhatIsNoBundle) {
+TEST(AppProberTest, CannotBeMadeForWhatIsNotABundle) {
     const TemporaryFolder folder;
     EXPECT_FALSE(AppProber::forApp(folder / "None.app"));
 }

@@ -128,13 +128,13 @@ TEST(TrialLaunchTest, AnAppOfSeveralProcessesThatWaitsForALockNeverComesUp) {
     EXPECT_TRUE(waitFor([&] { return running().empty(); })) << "the helpers end as well";
 }
 
-TEST(TrialLaunchTest, AnAppOfSeveralProcessesThatComesUpTwiceIsNoSingleton) {
+TEST(TrialLaunchTest, AnAppOfSeveralProcessesThatStartsTwiceIsNotASingleton) {
     Trial trial;
     trial.plan("helper\nhelper\n" + trial.tellStep() + "\nwait\n");
     EXPECT_EQ(trial.run().singleton, SingletonTier::none);
 }
 
-TEST(TrialLaunchTest, AnAppWhoseParentLeavesItsChildBehindCountsAsHandingOver) {
+TEST(TrialLaunchTest, AnAppWhoseParentOnlyStartsAChildCountsAsHandingOver) {
     Trial trial;
     const fs::path children = trial.folder / "children";
     trial.plan("fork " + children.string() + "\nwrite ~/from-child\n" + trial.tellStep() +
@@ -165,7 +165,7 @@ TEST(TrialLaunchTest, AnAppThatWritesTwentyThousandFilesIsRecordedToTheLast) {
     EXPECT_EQ(files, 20000U);
 }
 
-TEST(TrialLaunchTest, AnAppThatEndsAtOnceTellsNothingOfASecond) {
+TEST(TrialLaunchTest, AnAppThatEndsAtOnceHasAnUnknownTier) {
     Trial trial;
     trial.plan(trial.tellStep() + "\nexit 3\n");
     trial.onSleep = [&](AppProber::Seconds /*time*/) {
@@ -178,7 +178,7 @@ TEST(TrialLaunchTest, AnAppThatEndsAtOnceTellsNothingOfASecond) {
     EXPECT_EQ(result.recommendedStrategy, Strategy::homeOverride);
 }
 
-TEST(TrialLaunchTest, AnAppThatCrashesTellsNothingOfASecond) {
+TEST(TrialLaunchTest, AnAppThatCrashesHasAnUnknownTier) {
     Trial trial;
     trial.plan(trial.tellStep() + "\ncrash\n");
     trial.onSleep = [&](AppProber::Seconds /*time*/) {
@@ -204,7 +204,7 @@ TEST(TrialLaunchTest, AnAppThatIgnoresTerminationIsEndedByForce) {
     EXPECT_TRUE(waitFor([&] { return isGone(first) && isGone(second); }));
 }
 
-// A script that starts another one, in a session of its own, which tells its number and what it
+// A script that starts another one, in a session of its own, which reports its pid and what it
 // was asked; it ends when asked, or does not.
 std::string scriptWithDaemon(const Trial& trial, const std::string& start, bool obedient) {
     const std::string number = (trial.folder / "daemons").string();
@@ -225,7 +225,7 @@ std::vector<pid_t> daemonsOf(const Trial& trial) {
     return daemons;
 }
 
-// Runs the trial of such an app and ends it; gives how often its daemons were asked to end.
+// Runs the trial of such an app and ends it; returns how often its daemons were asked to end.
 std::size_t askedDaemons(const std::string& start, bool obedient) {
     Trial trial;
     makeScriptedAppBundle(trial.app, scriptWithDaemon(trial, start, obedient));
@@ -245,7 +245,7 @@ std::size_t askedDaemons(const std::string& start, bool obedient) {
     return static_cast<std::size_t>(std::count(asked.begin(), asked.end(), '\n'));
 }
 
-TEST(TrialLaunchTest, AnAppThatLeavesProcessesBehindHasThemAskedToEnd) {
+TEST(TrialLaunchTest, ProcessesLeftByAnAppAreAskedToEnd) {
     EXPECT_EQ(askedDaemons("", true), 2U) << "children";
     EXPECT_EQ(askedDaemons("setsid -f", true), 2U) << "without a parent, in sessions of their own";
     EXPECT_EQ(askedDaemons("env -i HOME=/ /usr/bin/setsid", true), 2U) << "of another home";
@@ -327,7 +327,7 @@ TEST(TrialLaunchTest, AnAppThatFloodsItsOutputFloodsOnlyItsLog) {
     EXPECT_EQ(result.recommendedStrategy, Strategy::homeOverride);
 }
 
-TEST(TrialLaunchTest, AnAppThatDeletesItsHomeGivesAResult) {
+TEST(TrialLaunchTest, AnAppThatDeletesItsHomeHasAResult) {
     Trial trial;
     trial.plan("write ~/file\ndelete-home\n" + trial.tellStep() + "\nwait\n");
     const ProbeResult result = trial.run();
@@ -366,10 +366,10 @@ TEST(TrialLaunchTest, AnAppThatVanishesBeforeItsSecondLaunchRunsOn) {
     EXPECT_TRUE(waitFor([&] { return isGone(first); }));
 }
 
-TEST(TrialLaunchTest, AnAppBelowAHomeThatCannotBeMadeIsNotLaunched) {
+TEST(TrialLaunchTest, AnAppWhoseHomeCannotBeMadeIsNotLaunched) {
     Trial trial;
     fs::remove(trial.temporary);
-    write(trial.temporary, "a file stands in the way");
+    write(trial.temporary, "a file is in the way");
     EXPECT_THROW((void)trial.run(), PlatformError);
     EXPECT_TRUE(hasNoChildren());
 }
@@ -408,7 +408,7 @@ TEST(TrialLaunchTest, AnAppRunsUnderTwoHomesOfWhichOnlyTheFirstIsWatched) {
     }
 }
 
-TEST(TrialLaunchTest, AnAppThatIsGivenUpEndsBothProcesses) {
+TEST(TrialLaunchTest, CancellingEndsBothProcesses) {
     Trial trial;
     trial.plan(trial.tellStep() + "\nwait\n");
     std::atomic<bool> cancelled{false};
@@ -425,7 +425,7 @@ TEST(TrialLaunchTest, AnAppThatIsGivenUpEndsBothProcesses) {
     }
 }
 
-TEST(TrialLaunchTest, AnAppThatIsGivenUpHasEndedBeforeThatIsTold) {
+TEST(TrialLaunchTest, CancellingWaitsForTheEnd) {
     Trial trial;
     trial.plan("ignore-termination\n" + trial.tellStep() + "\nwait\n");
     std::atomic<bool> cancelled{false};
@@ -440,7 +440,7 @@ TEST(TrialLaunchTest, AnAppThatIsGivenUpHasEndedBeforeThatIsTold) {
     EXPECT_TRUE(hasNoChildren());
 }
 
-TEST(TrialLaunchTest, AnAppThatIsGivenUpEarlyIsNotLaunchedAgain) {
+TEST(TrialLaunchTest, CancellingEarlyPreventsTheSecondLaunch) {
     Trial trial;
     trial.plan(trial.tellStep() + "\nwait\n");
     std::atomic<bool> cancelled{false};
@@ -454,7 +454,7 @@ TEST(TrialLaunchTest, AnAppThatIsGivenUpEarlyIsNotLaunchedAgain) {
     EXPECT_THAT(trial.released, SizeIs(1));
 }
 
-TEST(TrialLaunchTest, AnAppTellsHowFarItIs) {
+TEST(TrialLaunchTest, ReportsItsProgress) {
     Trial trial;
     trial.plan("wait\n");
     const AppProber prober = trial.prober();
@@ -509,7 +509,7 @@ TEST(TrialLaunchTest, GeneratedProfileHoldsWhatTheTrialShowed) {
     EXPECT_EQ(profile.confidence, Confidence::autoDetected);
 }
 
-TEST(TrialLaunchTest, GeneratedProfileOtherLeaksAreNoLeakOfPreferences) {
+TEST(TrialLaunchTest, GeneratedProfileOtherLeaksAreNotLeaksOfPreferences) {
     ProbeResult result;
     result.buckets[LeakBucket::dataLeak] = {"/d"};
     result.buckets[LeakBucket::containerLeak] = {"/c"};

@@ -163,7 +163,7 @@ INSTANTIATE_TEST_SUITE_P(
                       RgbType{"icp4", "s8mk", "ics#", 16}, RgbType{"icp5", "l8mk", "ICN#", 32}),
     [](const auto& row) { return std::string(row.param.type); });
 
-TEST_P(IcnsFileTestColorTypes, TakesItsAlphaFromTheMaskWhereverThatStands) {
+TEST_P(IcnsFileTestColorTypes, TakesItsAlphaFromTheMaskBeforeOrAfterIt) {
     const std::string color = icnsEntry(GetParam().type, padding_ + rle24Of(picture_));
     const std::string mask = icnsEntry(GetParam().mask, alphaMaskOf(picture_));
     EXPECT_EQ(fileOf({color, mask}).decode(0), picture_);
@@ -250,7 +250,7 @@ TEST(IcnsFileTest, ReadsTheFlatOldTypesAtTheirOwnSize) {
     }
 }
 
-TEST(IcnsFileTest, PassesOverWhatIsNoImage) {
+TEST(IcnsFileTest, SkipsWhatIsNotAnImage) {
     const QImage picture = testPicture(16);
     const IcnsFile file =
         fileOf({icnsEntry("TOC ", "ic04"), icnsEntry("icnV", "1234"), icnsEntry("info", "notes"),
@@ -296,7 +296,7 @@ TEST(IcnsFileTest, ChoosesTheImageForASizeWithoutTouchingOthers) {
         return icnsEntry(type, pngOf(testPicture(side)));
     };
     const IcnsFile file = fileOf({entry("ic07", 128), entry("icp4", 16), entry("ic12", 64),
-                                  // Broken behind its header: decoding it would give nothing.
+                                  // Broken after its header: decoding it would fail.
                                   icnsEntry("ic10", pngOf(testPicture(1024)).substr(0, 100))});
     EXPECT_EQ(file.nearest(64).width(), 64);
     EXPECT_EQ(file.nearest(1).width(), 16);

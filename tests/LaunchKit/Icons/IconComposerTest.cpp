@@ -166,7 +166,7 @@ TEST_F(IconComposerTest, TakesTheLargestImageForAllSizes) {
     EXPECT_EQ(composed(source(twice), invisible).at(0).pixel(7, 7), QColor(Qt::red).rgba());
 }
 
-TEST_F(IconComposerTest, StretchesASourceThatIsNoSquare) {
+TEST_F(IconComposerTest, StretchesASourceThatIsNotSquare) {
     QImage wide(200, 100, QImage::Format_ARGB32);
     wide.fill(Qt::blue);
     for (const QImage& image : composed(source(pngOf(wide)), invisible)) {

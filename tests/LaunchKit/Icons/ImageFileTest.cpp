@@ -76,7 +76,7 @@ std::string tiffOf(const std::vector<std::pair<QSize, int>>& pages) {
     return file;
 }
 
-TEST(ImageFileTest, ReadsPngWhateverItIsCalled) {
+TEST(ImageFileTest, ReadsPngWithAnyFileName) {
     EXPECT_EQ(widestImage(pngOf(testPicture(50))), testPicture(50));
 }
 
@@ -154,7 +154,7 @@ TEST(ImageFileTest, RefusesLargeOnesThatCantBeReadPieceByPiece) {
     EXPECT_FALSE(widestImage(pngOf(halves({maximumScaledSide, 1}))).isNull());
 }
 
-TEST(ImageFileTest, GivesNothingForACutPng) {
+TEST(ImageFileTest, ReturnsNullForATruncatedPng) {
     const std::string bytes = pngOf(testPicture(64));
     EXPECT_TRUE(widestImage(bytes.substr(0, bytes.size() / 2)).isNull());
     EXPECT_TRUE(widestImage(bytes.substr(0, 40)).isNull());

@@ -55,7 +55,7 @@ TEST_F(LabelTextTest, HasABoldSansSerifFace) {
     EXPECT_NEAR(stem.box.width() / stem.fontSize, 0.15, 0.02);
 }
 
-TEST_F(LabelTextTest, StandsOnTheBaseline) {
+TEST_F(LabelTextTest, RestsOnTheBaseline) {
     const LabelText text = labelText("H");
     EXPECT_NEAR(text.box.bottom(), 0, 0.5);
     EXPECT_LT(text.box.top(), -0.6 * text.fontSize);
@@ -105,7 +105,7 @@ TEST_F(LabelTextTest, StaysOnOneLine) {
 }
 
 TEST_F(LabelTextTest, KernsAsTheFontSays) {
-    // Two letters whose slopes follow each other stand closer than their own widths.
+    // Two letters with parallel slopes are closer than their own widths.
     const auto width = [](const char* text) { return labelText(text).box.width(); };
     EXPECT_LT(width("AVAVAV"), 3 * (width("A") + width("V")));
 }
@@ -146,7 +146,7 @@ TEST_F(LabelTextTest, JoinsArabicLetters) {
     if (!canDraw(QString::fromUtf8("بيت"))) {
         GTEST_SKIP() << "no installed font has Arabic letters";
     }
-    // Letters that stand alone are wider than the joined word.
+    // Isolated letters are wider than the joined word.
     EXPECT_LT(labelText("بيت").box.width(), labelText("ب\u200Cي\u200Cت").box.width());
 }
 
@@ -154,7 +154,7 @@ TEST_F(LabelTextTest, LaysOutRightToLeft) {
     if (!canDraw(QString::fromUtf8("א,"))) {
         GTEST_SKIP() << "no installed font has Hebrew letters";
     }
-    // The comma that follows stands to the left, below the baseline.
+    // The comma that follows is to the left, below the baseline.
     const LabelText text = labelText("אאא,");
     const QRectF left = text.box.adjusted(0, 0, -text.box.width() * 0.8, 0);
     bool descends = false;
