@@ -9,7 +9,9 @@
 #include "LaunchKit/RequestCheck.h"
 #include "Platform/files/PlatformError.h"
 
+#include <algorithm>
 #include <future>
+#include <iterator>
 #include <memory>
 #include <ostream>
 
@@ -74,14 +76,10 @@ void inspectCommand(const Surroundings& with, const std::string& app, bool json)
 }
 
 void listCommand(const Surroundings& with, const std::vector<std::string>& searchDirs, bool json) {
-    InstanceRegistry registry = with.registry;
-    if (!searchDirs.empty()) {
-        registry.searchDirs.clear();
-        for (const std::string& folder : searchDirs) {
-            registry.searchDirs.push_back(absoluteFile(folder));
-        }
-    }
-    const std::vector<InstanceRecord> records = registry.list();
+    std::vector<fs::path> folders;
+    std::transform(searchDirs.begin(), searchDirs.end(), std::back_inserter(folders), absoluteFile);
+    const std::vector<InstanceRecord> records =
+        (folders.empty() ? with.registry : InstanceRegistry(std::move(folders))).list();
     const RunningApplications running = with.workspace.runningApplications();
     if (!json) {
         with.output << listing(records, running);

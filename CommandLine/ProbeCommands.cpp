@@ -30,20 +30,18 @@ void print(const Surroundings& with, const std::vector<Item>& items, bool json) 
 
 AppProber makeProber(const Surroundings& with, const std::string& app, const ProbeOptions& options,
                      const EntitlementReader& entitlements) {
-    AppProber::Surroundings surroundings;
+    AppProber::Dependencies dependencies;
     // The workspace belongs to the caller, who keeps it longer than the prober lives.
-    surroundings.workspace = {std::shared_ptr<void>(), &with.workspace};
-    surroundings.entitlements = entitlements;
+    dependencies.workspace = {std::shared_ptr<void>(), &with.workspace};
+    dependencies.entitlements = entitlements;
     if (options.realLibrary) {
-        surroundings.realLibrary = absoluteFile(*options.realLibrary).string();
+        dependencies.realLibrary = absoluteFile(*options.realLibrary).string();
     }
-    auto prober = AppProber::forApp(absoluteFile(app), std::move(surroundings));
+    auto prober = AppProber::forApp(absoluteFile(app), std::move(dependencies));
     if (!prober) {
         throw CommandError(
             InstanceLauncher::LaunchError::badBundle(absoluteFile(app)).description());
     }
-    prober->settleA = AppProber::Seconds(options.settleA.value_or(prober->settleA.count()));
-    prober->settleB = AppProber::Seconds(options.settleB.value_or(prober->settleB.count()));
     return std::move(*prober);
 }
 
@@ -61,14 +59,21 @@ private:
     std::vector<TrialProcess> trials_{};
 };
 
-ProbeResult runWithBar(const Surroundings& with, AppProber& prober, InterruptFlag& interruption) {
+AppProber::Options trialOptions(const ProbeOptions& options) {
+    AppProber::Options trial;
+    trial.settleA = AppProber::Seconds(options.settleA.value_or(trial.settleA.count()));
+    trial.settleB = AppProber::Seconds(options.settleB.value_or(trial.settleB.count()));
+    return trial;
+}
+
+ProbeResult runWithBar(const Surroundings& with, const AppProber& prober,
+                       AppProber::Options options, InterruptFlag& interruption) {
     TrialProcesses processes;
-    AppProber::Control control;
-    control.cancelled = &interruption.flag();
-    control.release = [&](TrialProcess trial) { processes.take(std::move(trial)); };
+    options.cancelled = &interruption.flag();
+    options.release = [&](TrialProcess trial) { processes.take(std::move(trial)); };
     const bool hasBar = with.outputIsTerminal;
     if (hasBar) {
-        control.progress = [&](double fraction) {
+        options.progress = [&](double fraction) {
             with.errors << progressBar(fraction) << std::flush;
         };
     }
@@ -78,7 +83,7 @@ ProbeResult runWithBar(const Surroundings& with, AppProber& prober, InterruptFla
         }
     };
     try {
-        ProbeResult result = prober.run(control);
+        ProbeResult result = prober.run(options);
         removeBar();
         return result;
     } catch (const std::runtime_error&) {
@@ -106,11 +111,11 @@ void runningCommand(const Surroundings& with, const std::optional<std::string>& 
 
 void probeCommand(const Surroundings& with, const std::string& app, const ProbeOptions& options,
                   bool json, const EntitlementReader& entitlements) {
-    AppProber prober = makeProber(with, app, options, entitlements);
+    const AppProber prober = makeProber(with, app, options, entitlements);
     InterruptFlag interruption;
     ProbeResult result;
     try {
-        result = runWithBar(with, prober, interruption);
+        result = runWithBar(with, prober, trialOptions(options), interruption);
     } catch (const ProbeCancelled&) {
         interruption.deliver();
         throw;

@@ -29,8 +29,8 @@ bool meansNoLocks(const std::error_code& code) {
            code == std::errc::function_not_supported;
 }
 
-// Locks the file or, where none can be made, the folder. A target that runs may have had the other
-// choice.
+// Locks the file or, if none can be made, the folder. A running target may have locked the other
+// one.
 std::optional<FileLock> lockFileOrFolder(const fs::path& home) {
     const fs::path file = joinAsText(home, homeLockName);
     fs::path other = home;

@@ -53,7 +53,7 @@ else()
   target_link_options(quorvel_options INTERFACE LINKER:--as-needed LINKER:--gc-sections)
 endif()
 
-# quorvel_library(NAME SOURCES... ): one storey of the house.
+# quorvel_library(NAME SOURCES... ): one layer, or a part of one.
 function(quorvel_library name)
   add_library(${name} STATIC ${ARGN})
   target_link_libraries(${name} PUBLIC quorvel_options)

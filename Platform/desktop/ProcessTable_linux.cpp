@@ -1,5 +1,6 @@
 #include "Platform/desktop/ProcessTable_linux.h"
 
+#include "Base/BundleLayout.h"
 #include "Base/BundleName.h"
 #include "Platform/desktop/ApplicationTrees_linux.h"
 #include "Platform/files/FileHandle.h"
@@ -18,19 +19,6 @@
 namespace quorvel {
 namespace fs = std::filesystem;
 namespace {
-
-constexpr std::string_view executablesFolder = ".app/Contents/MacOS/";
-
-// Returns "/A/B.app" for "/A/B.app/Contents/MacOS/x", an empty path for anything else.
-std::string bundleHolding(const std::string& executable) {
-    const std::size_t at = executable.rfind(executablesFolder);
-    const std::size_t name = at + executablesFolder.size();
-    if (at == std::string::npos || name == executable.size() ||
-        executable.find('/', name) != std::string::npos) {
-        return {};
-    }
-    return executable.substr(0, at + 4);
-}
 
 std::string readLink(const std::string& link) {
     char target[4096];
@@ -114,7 +102,7 @@ std::string bundleOfScript(const std::string& process, const std::string& execut
     const fs::path folder = script->front() == '/' ? "/" : readLink(process + "/cwd");
     std::error_code code;
     const fs::path path = fs::canonical(folder / *script, code);
-    std::string bundle = code ? std::string{} : bundleHolding(path.native());
+    std::string bundle = code ? std::string{} : bundleOfExecutable(path.native());
     const bool runs = !bundle.empty() && isInterpreterOf(path, executable, commandLine.c_str());
     return runs ? bundle : std::string{};
 }
@@ -132,7 +120,7 @@ void awaitCommandLine(pid_t pid) {
 }
 
 const std::string* ProcessTable::identifierOf(const std::string& bundle) {
-    const std::string file = bundle + "/Contents/Info.plist";
+    const std::string file = infoPlistOf(bundle);
     struct stat status {};
     if (::stat(file.c_str(), &status) != 0) {
         return nullptr;
@@ -160,7 +148,7 @@ std::vector<RunningApplication> ProcessTable::applications() {
         if (executable.empty()) {
             continue;
         }
-        std::string bundle = bundleHolding(executable);
+        std::string bundle = bundleOfExecutable(executable);
         if (bundle.empty()) {
             bundle = bundleOfScript(process, executable);
         }

@@ -364,12 +364,13 @@ TEST(CommandLineTest, MigrateSaysWhenSharingCantBeSwitchedOn) {
         config.shareUserFolders = false;
         makeWrapper(wrapper, config);
         write(home / "QuorvelInstances/Work/Downloads/a", "1");
-        std::filesystem::permissions(instanceConfigFile(wrapper), std::filesystem::perms{0444});
+        std::filesystem::permissions(wrapper / "Contents/Resources/instance.json",
+                                     std::filesystem::perms{0444});
         const CommandResult result = harness.run({"migrate", "Work", "--json"});
         const auto now = InstanceRegistry().record(wrapper);
         return result.status == 1 && result.output.empty() &&
                result.errors == "The clone at " + wrapper.string() +
-                                    " can’t be changed; it does not share the folders yet.\n" &&
+                                    " couldn’t be changed, so folder sharing is still off.\n" &&
                now && !now->config.shareUserFolders && read(home / "Downloads/a") == "1";
     }));
 }

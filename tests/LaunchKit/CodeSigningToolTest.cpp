@@ -53,7 +53,7 @@ TEST(CodeSigningToolTest, IsNotRunToMakeAClone) {
     if (asked == notPermitted) {
         GTEST_SKIP() << "mounting needs permission";
     }
-    ASSERT_EQ(asked, run) << "whoever asks about the sandbox gets the tool's answer";
+    ASSERT_EQ(asked, run) << "callers that need the sandbox flag get the tool's answer";
     fs::remove(folder / "ran");
     WrapperGenerator::Options options;
     options.config = minimalConfig();

@@ -141,7 +141,7 @@ TEST_F(DataFolderGuardTest, AFolderInAnotherClonesDataIsSpared) {
     EXPECT_THAT(refusalOfNew("~/data/Play/new"), HasSubstr("lies in the data folder of “Play”"));
 }
 
-TEST_F(DataFolderGuardTest, AFolderInWhatIsNoClonesAloneMayGo) {
+TEST_F(DataFolderGuardTest, AFolderInsideASharedOneMayBeRemoved) {
     for (const char* shared : {"~", "/", "~/Documents", "~/QuorvelInstances"}) {
         cloneWithHome(shared, "Play");
         for (const char* own : {"~/Documents/Work", "~/QuorvelInstances/Work"}) {

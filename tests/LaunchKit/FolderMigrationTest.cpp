@@ -1,5 +1,5 @@
-#include "Platform/files/FileHandle.h"
 #include "LaunchKit/InstanceLauncher.h"
+#include "Platform/files/FileHandle.h"
 
 #include "Platform/files/FileSystem.h"
 #include "tests/support/EveryStep.h"
@@ -199,9 +199,9 @@ TEST_F(FolderMigrationTestAcrossVolumes, AMoveThatIsStillUnderWayIsLeftAlone) {
 }
 
 TEST_F(FolderMigrationTestAcrossVolumes, AFolderWithMerelySuchANameIsMovedLikeAnyOther) {
-    write(clone() / "Documents/.quorvel-moving-house/file", "x");
+    write(clone() / "Documents/.quorvel-moving-van/file", "x");
     EXPECT_EQ(migrate().moved.at("Documents"), 1);
-    EXPECT_EQ(read(real() / "Documents/.quorvel-moving-house/file"), "x");
+    EXPECT_EQ(read(real() / "Documents/.quorvel-moving-van/file"), "x");
 }
 
 } // namespace

@@ -192,7 +192,7 @@ TEST_F(InstanceDeletionTest, WhenAPartOfTheWrapperCantGoTheDataStays) {
     }));
 }
 
-TEST_F(InstanceDeletionTest, TellsWhatBecameOfTheData) {
+TEST_F(InstanceDeletionTest, ReportsWhatHappenedToTheData) {
     using Case = DeletedData::Case;
     const InstanceRegistry registry;
     EXPECT_EQ(registry.remove(recordWithHome("~/QuorvelInstances/Work"), false).outcome,
@@ -209,7 +209,7 @@ TEST_F(InstanceDeletionTest, TellsWhatBecameOfTheData) {
     EXPECT_EQ(removed.description(), "");
 }
 
-TEST_F(InstanceDeletionTest, TellsOfEveryFolderThatIsNoDataThatItWasSpared) {
+TEST_F(InstanceDeletionTest, ReportsEveryUnusableDataFolderAsSpared) {
     const fs::path before = fs::current_path();
     fs::current_path(home_.path());
     for (const std::string& written :
@@ -222,7 +222,7 @@ TEST_F(InstanceDeletionTest, TellsOfEveryFolderThatIsNoDataThatItWasSpared) {
     fs::current_path(before);
 }
 
-TEST_F(InstanceDeletionTest, TellsHowMuchOfTheDataIsLeftAndWhy) {
+TEST_F(InstanceDeletionTest, ReportsHowMuchOfTheDataIsLeftAndWhy) {
     EXPECT_TRUE(asOrdinaryUser(folder_.path(), [&] {
         InstanceConfig config = minimalConfig();
         config.instanceHome = folder_ / "data";
@@ -299,7 +299,7 @@ TEST_F(InstanceDeletionTest, AnAliasOfACloneThatIsListedSparesItsData) {
     EXPECT_EQ(read(home_ / "QuorvelInstances/Work/data"), "x");
 }
 
-TEST_F(InstanceDeletionTest, DataThatCantGoIsNoError) {
+TEST_F(InstanceDeletionTest, DataThatCantBeRemovedIsNotAnError) {
     EXPECT_TRUE(asOrdinaryUser(folder_.path(), [&] {
         InstanceConfig config = minimalConfig();
         config.instanceHome = folder_ / "closed/data";

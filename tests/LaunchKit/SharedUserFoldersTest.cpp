@@ -99,7 +99,7 @@ TEST_F(SharedUserFoldersTest, AFolderThatCantBeListedStays) {
     }));
 }
 
-TEST_F(SharedUserFoldersTest, ALinkThatCantBeMadeIsNoError) {
+TEST_F(SharedUserFoldersTest, ALinkThatCantBeMadeIsNotAnError) {
     fs::create_directory(at("target"));
     write(at("file"), "x");
     link(at("file/below"), at("target"));
@@ -144,7 +144,7 @@ TEST_F(SharedUserFoldersTest, SettingUpForTheRealHomeItselfChangesNothing) {
     EXPECT_EQ(treeOf(home.path()), before);
 }
 
-TEST_F(SharedUserFoldersTest, MigrationIsNeededForAnythingThatIsNoLink) {
+TEST_F(SharedUserFoldersTest, MigrationIsNeededForAnythingThatIsNotALink) {
     EXPECT_FALSE(InstanceLauncher::needsSharedFolderMigration(clone()));
     fs::create_directories(inClone("Desktop"));
     EXPECT_TRUE(InstanceLauncher::needsSharedFolderMigration(clone())) << "even when it is empty";

@@ -50,7 +50,7 @@ TEST_F(WrapperLayoutTest, AWholeCloneThatLostItsConfigurationAloneIsDamaged) {
     EXPECT_FALSE(isDamagedWrapper(wrapper_));
 }
 
-TEST_F(WrapperLayoutTest, AConfigurationThatIsNoFileMayHoldSomebodysOwn) {
+TEST_F(WrapperLayoutTest, AConfigurationThatIsNotAFileIsKept) {
     const fs::path config = wrapper_ / "Contents/Resources/instance.json";
     fs::remove(config);
     write(config / "notes.txt", "mine");

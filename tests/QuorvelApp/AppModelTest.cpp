@@ -498,7 +498,7 @@ TEST_F(AppModelTest, AMigrationOfACloneThatCantBeChangedIsAnErrorWithWhatWasMove
     EXPECT_EQ(model().lastError(),
               "Moved 1 from Downloads into your shared folders. The clone at " +
                   record.bundleURL.string() +
-                  " can’t be changed; it does not share the folders yet.");
+                  " couldn’t be changed, so folder sharing is still off.");
     EXPECT_EQ(read(home / "Downloads/a"), "a");
 }
 

@@ -58,7 +58,7 @@ TEST_F(AppServicesTest, SaysSoWhenTheFolderOfClonesIsReadOnly) {
     const TemporaryFolder folder;
     const ScopedEnvironment elsewhere("CFFIXED_USER_HOME", folder.path().string());
     // Where that user can reach it, though the build may lie in a home that is closed to others.
-    const auto runner = RunnerLocator::locate(ApplicationFolders::ofThisProgram());
+    const auto runner = RunnerLocator::locate(ApplicationFolders::current());
     ASSERT_TRUE(runner);
     fs::create_directories(folder / ".build/release");
     fs::copy_file(*runner, folder / ".build/release/quorvel-runner");
