@@ -1,9 +1,9 @@
 #include "Platform/files/FileCopy.h"
-#include "Platform/files/PlatformError.h"
 #include "Platform/files/FileSystem.h"
+#include "Platform/files/PlatformError.h"
 
-#include "tests/support/OrdinaryUser.h"
 #include "tests/support/TemporaryHome.h"
+#include "tests/support/UnprivilegedUser.h"
 
 #include <csignal>
 #include <gtest/gtest.h>
@@ -63,7 +63,7 @@ TEST_F(FileCopyTest, CopyingKeepsWhoMayDoWhat) {
 }
 
 TEST_F(FileCopyTest, CopyingThatFailsHalfWaySaysWhyAndLeavesNothing) {
-    EXPECT_TRUE(asOrdinaryUser(folder_.path(), [&] {
+    EXPECT_TRUE(asUnprivilegedUser(folder_.path(), [&] {
         write(at("a"), std::string(200000, 'x'));
         std::signal(SIGXFSZ, SIG_IGN);
         const rlimit limit{100000, 100000};

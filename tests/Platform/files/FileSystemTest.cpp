@@ -3,11 +3,11 @@
 #include "Platform/files/FileHandle.h"
 #include "Platform/files/FileReading.h"
 #include "Platform/files/FileWriting.h"
-#include "Platform/files/PlatformError.h"
 #include "Platform/files/Folder.h"
+#include "Platform/files/PlatformError.h"
 #include "tests/support/AppBundles.h"
-#include "tests/support/OrdinaryUser.h"
 #include "tests/support/TemporaryHome.h"
+#include "tests/support/UnprivilegedUser.h"
 
 #include <fcntl.h>
 #include <gmock/gmock.h>
@@ -163,7 +163,7 @@ TEST_F(FileSystemTest, WhatIsNoFolderHasNoEntries) {
 }
 
 TEST_F(FileSystemTest, AFolderThatMayNotBeReadHasNoEntries) {
-    EXPECT_TRUE(asOrdinaryUser(folder_.path(), [&] {
+    EXPECT_TRUE(asUnprivilegedUser(folder_.path(), [&] {
         fs::create_directory(at("closed"));
         fs::permissions(at("closed"), fs::perms::none);
         return !directoryEntries(at("closed"));

@@ -1,7 +1,7 @@
 #include "Platform/files/ItemMover.h"
 
-#include "Platform/files/PlatformError.h"
 #include "Platform/files/FileSystem.h"
+#include "Platform/files/PlatformError.h"
 #include "tests/support/TemporaryHome.h"
 
 #include <cerrno>

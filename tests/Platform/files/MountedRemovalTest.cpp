@@ -1,7 +1,7 @@
 // Removing folders in which something is mounted, with real mounts.
 #include "Platform/files/FileRemoval.h"
-#include "Platform/files/PlatformError.h"
 #include "Platform/files/ItemRemoval.h"
+#include "Platform/files/PlatformError.h"
 #include "tests/support/PrivateMounts.h"
 #include "tests/support/TemporaryHome.h"
 
@@ -79,7 +79,7 @@ protected:
             return "removed";
         } catch (const PlatformError& error) {
             const std::string text = error.what();
-            if (text.find("mounted at " + mounted.string()) == text.npos) {
+            if (text.find("mounted at " + mounted.string()) == std::string::npos) {
                 return text;
             }
         }

@@ -253,7 +253,7 @@ TEST(ProcessTest, ADroppedProcessGoesOnAndLeavesNoZombie) {
     }
     EXPECT_TRUE(processExists(pid));
     ASSERT_EQ(::kill(pid, SIGTERM), 0);
-    EXPECT_TRUE(waitFor([&] { return !processExists(pid); }));
+    EXPECT_TRUE(waitUntil([&] { return !processExists(pid); }));
 }
 
 TEST(ProcessTest, AProcessThatEndedBeforeItWasDroppedLeavesNoZombie) {
@@ -262,7 +262,7 @@ TEST(ProcessTest, AProcessThatEndedBeforeItWasDroppedLeavesNoZombie) {
         const Process process = Process::run(helper({"exit", "0"}));
         pid = process.identifier();
     }
-    EXPECT_TRUE(waitFor([&] { return !processExists(pid); }));
+    EXPECT_TRUE(waitUntil([&] { return !processExists(pid); }));
 }
 
 TEST(ProcessTest, MovingItMovesWhatIsWaitedFor) {
