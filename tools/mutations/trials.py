@@ -9,7 +9,7 @@ LAYERS = {
     "Base": {"base_tests": "*"},
     "Platform": {"platform_tests": "*"},
     "LaunchKit": {"launchkit_tests": "*", "icon_tests": "WrapperIconTest.*"},
-    "LaunchKit's icons": {"icon_tests": "*"},
+    "LaunchKit's icons": {"icon_tests": "*", "launchkit_tests": "IconComposerTest.*"},
     "ProbeKit": {"probe_tests": "*"},
     "Presentation": {"presentation_tests": "*"},
     "Runner": {"runner_tests": "*"},
