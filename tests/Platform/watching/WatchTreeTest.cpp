@@ -27,6 +27,17 @@ protected:
         return std::exchange(reported_, {});
     }
 
+    // The number of folders that the system watches for this tree.
+    [[nodiscard]] std::size_t watches() const {
+        const std::string info = read("/proc/self/fdinfo/" + std::to_string(tree_.descriptor()));
+        std::size_t count = 0;
+        for (std::size_t at = info.find("inotify wd:"); at != std::string::npos;
+             at = info.find("inotify wd:", at + 1)) {
+            ++count;
+        }
+        return count;
+    }
+
     [[nodiscard]] fs::path at(const char* path) const { return root_ / path; }
 
     TemporaryFolder folder_;
@@ -78,11 +89,13 @@ TEST_F(WatchTreeTest, LetsGoOfAFolderThatMovedOut) {
     write(at("leaving/file"), "text");
     watch();
     EXPECT_FALSE(tree_.tidyDue());
+    EXPECT_EQ(watches(), 2U);
     fs::rename(at("leaving"), folder_ / "outside");
     (void)reported();
     EXPECT_TRUE(tree_.tidyDue()) << "it may still turn up under another name";
     tree_.tidy(true);
     EXPECT_FALSE(tree_.tidyDue());
+    EXPECT_EQ(watches(), 1U);
     write(folder_ / "outside/file", "more");
     EXPECT_THAT(reported(), IsEmpty());
 }
