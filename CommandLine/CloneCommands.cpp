@@ -1,6 +1,5 @@
 #include "CommandLine/CloneCommands.h"
 
-#include "Platform/files/PlatformError.h"
 #include "Base/PathText.h"
 #include "Base/TerminalText.h"
 #include "CommandLine/CloneLookup.h"
@@ -8,6 +7,7 @@
 #include "CommandLine/Confirmation.h"
 #include "LaunchKit/InstanceLauncher.h"
 #include "LaunchKit/RequestCheck.h"
+#include "Platform/files/PlatformError.h"
 
 #include <future>
 #include <memory>

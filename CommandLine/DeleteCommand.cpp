@@ -1,4 +1,3 @@
-#include "Platform/files/FileRemoval.h"
 #include "Base/TerminalText.h"
 #include "CommandLine/CloneCommands.h"
 #include "CommandLine/CloneLookup.h"
@@ -7,6 +6,7 @@
 #include "LaunchKit/CloneDeletion.h"
 #include "LaunchKit/DataFolderGuard.h"
 #include "LaunchKit/HomeLock.h"
+#include "Platform/files/FileRemoval.h"
 #include "Platform/files/FileSystem.h"
 
 #include <ostream>

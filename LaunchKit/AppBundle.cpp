@@ -1,10 +1,10 @@
 #include "LaunchKit/AppBundle.h"
 
-#include "Platform/files/PlatformError.h"
 #include "Base/BundleName.h"
 #include "Base/PathText.h"
 #include "Base/Utf8.h"
 #include "Platform/files/FileSystem.h"
+#include "Platform/files/PlatformError.h"
 #include "Platform/files/PropertyListFile.h"
 #include "Platform/processes/Process.h"
 

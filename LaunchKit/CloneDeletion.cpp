@@ -1,11 +1,11 @@
 #include "LaunchKit/CloneDeletion.h"
 
-#include "Platform/files/FileRemoval.h"
-#include "Platform/files/PlatformError.h"
 #include "LaunchKit/DataFolderGuard.h"
 #include "LaunchKit/WrapperLayout.h"
+#include "Platform/files/FileRemoval.h"
 #include "Platform/files/FileSystem.h"
 #include "Platform/files/ItemRemoval.h"
+#include "Platform/files/PlatformError.h"
 
 #include <optional>
 #include <string_view>
@@ -69,7 +69,7 @@ DataStep dataStep(const InstanceRegistry& registry, const InstanceRecord& record
     }
     if (folder.isBehindLink) {
         refuse(folder.path, identityOf(folder.path) ? "is what a symbolic link leads to"
-                                                          : "is not written as a plain path");
+                                                    : "is not written as a plain path");
     }
     DataStep step{{.folder = folder.path}, {}};
     try {

@@ -22,8 +22,7 @@ std::vector<InstanceRecord> clonesBeside(InstanceRegistry registry, const fs::pa
     std::vector<InstanceRecord> clones = registry.list();
     const auto itself = identityOf(wrapper);
     std::erase_if(clones, [&](const InstanceRecord& clone) {
-        return clone.bundleURL == wrapper ||
-               (itself && identityOf(clone.bundleURL) == itself);
+        return clone.bundleURL == wrapper || (itself && identityOf(clone.bundleURL) == itself);
     });
     return clones;
 }
@@ -61,8 +60,9 @@ bool holdsUsersOwn(const Place& folder) {
     for (const std::string& home : UserPaths::allHomes()) {
         owned.emplace_back(home);
     }
-    return std::any_of(owned.begin(), owned.end(),
-                       [&](const fs::path& own) { return folder.relationTo(own) != Relation::unrelated; });
+    return std::any_of(owned.begin(), owned.end(), [&](const fs::path& own) {
+        return folder.relationTo(own) != Relation::unrelated;
+    });
 }
 
 bool isInAHomeOfTheUsers(const Place& folder) {

@@ -1,8 +1,8 @@
 #include "LaunchKit/HomeLock.h"
 
-#include "Platform/files/PlatformError.h"
 #include "Base/PathText.h"
 #include "Platform/files/FileSystem.h"
+#include "Platform/files/PlatformError.h"
 
 #include <cerrno>
 
@@ -54,8 +54,8 @@ std::optional<FileLock> lockFileOrFolder(const fs::path& home) {
 
 HomeInUse::HomeInUse(const std::string& displayName)
     : Error("“" + displayName +
-                         "” is still running, or a clone that shares its data folder is, or a "
-                         "program that it started") {}
+            "” is still running, or a clone that shares its data folder is, or a "
+            "program that it started") {}
 
 std::optional<FileLock> lockHome(const InstanceConfig& config) {
     const std::string home = config.resolvedHome();

@@ -1,12 +1,12 @@
 #include "LaunchKit/InstanceRegistry.h"
 
-#include "Platform/files/FileWriting.h"
 #include "Base/BundleName.h"
 #include "Base/PathText.h"
 #include "Base/Text.h"
 #include "LaunchKit/CloneDeletion.h"
 #include "Platform/desktop/UserLocale.h"
 #include "Platform/files/FileSystem.h"
+#include "Platform/files/FileWriting.h"
 #include "Platform/files/Folder.h"
 #include "Platform/files/UserPaths.h"
 
@@ -128,7 +128,7 @@ void InstanceRegistry::shareUserFolders(const InstanceRecord& record) const {
     }
     if (!shares(now) && !shares(this->record(record.bundleURL))) {
         throw Error("The clone at " + record.bundleURL.string() +
-                                 " can’t be changed; it does not share the folders yet.");
+                    " can’t be changed; it does not share the folders yet.");
     }
 }
 

@@ -1,9 +1,9 @@
-#include "Platform/files/FileRemoval.h"
-#include "Platform/files/PlatformError.h"
 #include "Base/PathText.h"
 #include "LaunchKit/InstanceLauncher.h"
+#include "Platform/files/FileRemoval.h"
 #include "Platform/files/FileSystem.h"
 #include "Platform/files/ItemMover.h"
+#include "Platform/files/PlatformError.h"
 #include "Platform/files/UserPaths.h"
 
 namespace quorvel {

@@ -1,14 +1,14 @@
 #include "LaunchKit/WrapperGenerator.h"
 
-#include "Platform/files/FileCopy.h"
-#include "Platform/files/FileWriting.h"
-#include "Platform/files/PlatformError.h"
 #include "Base/PathText.h"
 #include "Base/Text.h"
 #include "LaunchKit/CloneDeletion.h"
 #include "LaunchKit/IconComposer.h"
 #include "LaunchKit/InstanceRegistry.h"
+#include "Platform/files/FileCopy.h"
 #include "Platform/files/FileSystem.h"
+#include "Platform/files/FileWriting.h"
+#include "Platform/files/PlatformError.h"
 #include "Platform/files/PropertyListFile.h"
 
 namespace quorvel {

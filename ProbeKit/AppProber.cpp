@@ -134,7 +134,13 @@ ProbeResult AppProber::run(const Control& control) {
         if (control.release) {
             dismiss(launched, control.release);
         } else {
-            terminateAndWait(std::move(launched), grace); // who cancels may quit, which a thread of ours won't survive
+            // The caller may quit, which a background thread would not survive.
+            terminateAndWait(std::move(launched), grace);
+        }
+        throw;
+    } catch (...) {
+        for (TrialProcess& trial : launched) {
+            trial.process.detach();
         }
         throw;
     }

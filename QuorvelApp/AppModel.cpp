@@ -1,10 +1,10 @@
 #include "QuorvelApp/AppModel.h"
 
-#include "Platform/files/PlatformError.h"
 #include "LaunchKit/HomeLock.h"
 #include "LaunchKit/Icons/IcnsFile.h"
 #include "LaunchKit/InstanceLauncher.h"
 #include "Platform/files/FileSystem.h"
+#include "Platform/files/PlatformError.h"
 #include "ProbeKit/ProfileGenerator.h"
 
 #include <QImage>

@@ -1,10 +1,10 @@
 #include "LaunchKit/Icons/IcnsFile.h"
 
-#include "Platform/files/FileReading.h"
 #include "LaunchKit/Icons/IcnsPixels.h"
 #include "LaunchKit/Icons/ImageFile.h"
 #include "LaunchKit/Icons/Jpeg2000Image.h"
 #include "LaunchKit/RawStrings.h"
+#include "Platform/files/FileReading.h"
 
 #include <algorithm>
 #include <numeric>

@@ -1,4 +1,4 @@
-// One target per instance home, whatever becomes of the runner.
+// One target per instance home, even if the runner is killed.
 #include "LaunchKit/HomeLock.h"
 #include "LaunchKit/InstanceConfig.h"
 #include "Platform/files/FileSystem.h"
@@ -40,14 +40,14 @@ protected:
 
     [[nodiscard]] fs::path lockFile() const { return cloneHome() / homeLockName; }
 
-    // A clone of an app that is this script.
+    // Returns a clone of an app that runs this script.
     [[nodiscard]] InstanceConfig scripted(const std::string& script) const {
         InstanceConfig config = appConfig({});
         makeScriptedAppBundle(at("Thing.app"), script);
         return config;
     }
 
-    // One that runs until it is ended, and tells its number.
+    // Returns a clone of an app that reports its process number and runs until it is killed.
     [[nodiscard]] InstanceConfig lasting() const {
         return scripted("echo $$ > " + at("pid").string() + "; exec sleep 600");
     }
@@ -56,7 +56,7 @@ protected:
         return waitUntil([&] { return numberIn(at("pid")) > 0; });
     }
 
-    // The status of a runner that is to end by itself; -1 when it does not.
+    // Returns the status of a runner that should end by itself, or -1 if it does not.
     [[nodiscard]] int statusOf(const fs::path& bundle) const {
         Process runner = start(bundle);
         if (!waitUntil([&] { return !runner.isRunning(); }, std::chrono::seconds(5))) {
@@ -100,7 +100,7 @@ TEST_F(OneTargetTest, ClonesThatShareAHomeRunOneAtATime) {
     Process first = start(wrapper(other));
     ASSERT_TRUE(targetRuns());
     other.displayName = "Work";
-    other.instanceHome = (home_ / "I/").string(); // the same folder, spelt in another way
+    other.instanceHome = (home_ / "I/").string(); // the same folder, spelled differently
     const fs::path second = wrapper(other);
     EXPECT_EQ(statusOf(second), 75);
     EXPECT_EQ(read(errors()), inUse);
@@ -113,7 +113,7 @@ TEST_F(OneTargetTest, ClonesThatShareAHomeRunOneAtATime) {
     later.waitUntilExit();
 }
 
-TEST_F(OneTargetTest, ClonesWithHomesOfTheirOwnRunSideBySide) {
+TEST_F(OneTargetTest, ClonesWithDifferentHomesRunSideBySide) {
     InstanceConfig config = lasting();
     Process first = start(wrapper(config));
     ASSERT_TRUE(targetRuns());
@@ -129,7 +129,7 @@ TEST_F(OneTargetTest, ClonesWithHomesOfTheirOwnRunSideBySide) {
     }
 }
 
-TEST_F(OneTargetTest, AChildThatGoesOnInTheBackgroundStillHoldsTheHome) {
+TEST_F(OneTargetTest, AChildInTheBackgroundStillHoldsTheHome) {
     const fs::path bundle = wrapper(scripted(
         "setsid sleep 600 </dev/null >/dev/null 2>&1 & echo $! > " + at("child").string()));
     EXPECT_EQ(statusOf(bundle), 0);
@@ -150,14 +150,14 @@ TEST_F(OneTargetTest, AScriptMayRedirectLowNumbersWithoutLosingTheHome) {
     EXPECT_EQ(statusOf(bundle), 75);
 }
 
-TEST_F(OneTargetTest, TheTargetGetsNothingButTheLocksDescriptor) {
+TEST_F(OneTargetTest, TheTargetInheritsOnlyTheLocksDescriptor) {
     EXPECT_EQ(run(appConfig({"descriptors"})), 0);
     EXPECT_EQ(log(), "0\n1\n2\n30\n");
     EXPECT_EQ(run(scripted("readlink /proc/self/fd/30 > " + at("path").string())), 0);
     EXPECT_EQ(read(at("path")), lockFile().string() + "\n");
 }
 
-TEST_F(OneTargetTest, TheLocksFileIsHiddenAndTheUsersOwn) {
+TEST_F(OneTargetTest, TheLockFileIsHiddenAndForTheUserOnly) {
     EXPECT_EQ(run(appConfig({"exit", "0"})), 0);
     struct stat status {};
     ASSERT_EQ(::lstat(lockFile().c_str(), &status), 0);
@@ -167,7 +167,7 @@ TEST_F(OneTargetTest, TheLocksFileIsHiddenAndTheUsersOwn) {
     EXPECT_TRUE(lockFile().filename().string().starts_with('.'));
 }
 
-TEST_F(OneTargetTest, WhatStandsInTheLocksPlaceIsNotFollowed) {
+TEST_F(OneTargetTest, ALinkInPlaceOfTheLockIsNotFollowed) {
     fs::create_directories(cloneHome());
     write(at("foreign"), "kept");
     const fs::path bundle = wrapper(appConfig({"write", at("started"), "x"}));
@@ -183,7 +183,7 @@ TEST_F(OneTargetTest, WhatStandsInTheLocksPlaceIsNotFollowed) {
     EXPECT_FALSE(fs::exists(at("started")));
 }
 
-// Two starts of a clone whose home has no room for the lock's file.
+// Starts a clone twice whose home has no space for the lock file.
 TEST_F(OneTargetTest, OnAFullDiskAHomeIsStillUsedByOneTargetAtATime) {
     fs::create_directories(cloneHome());
     const fs::path bundle = wrapper(lasting());
@@ -191,7 +191,7 @@ TEST_F(OneTargetTest, OnAFullDiskAHomeIsStillUsedByOneTargetAtATime) {
         Process runner = start(bundle);
         const bool runs = targetRuns();
         const int second = statusOf(bundle);
-        // With room again, the folder still counts.
+        // When there is space again, the lock on the folder still counts.
         ::mount("none", cloneHome().c_str(), "tmpfs", MS_REMOUNT, "size=64k,nr_inodes=10");
         const int third = statusOf(bundle);
         runner.terminate();
@@ -228,7 +228,7 @@ TEST_F(OneTargetTest, AHomeThatCantBeWrittenIsStillUsedByOneTargetAtATime) {
     }));
 }
 
-TEST_F(OneTargetTest, ACommandHoldsNothing) {
+TEST_F(OneTargetTest, ACommandHoldsNoLock) {
     InstanceConfig config = configOf(ShortcutKind::command);
     config.commandPath = helperProgram();
     config.commandArgs = {"descriptors"};

@@ -15,7 +15,7 @@
 
 namespace quorvel::testing {
 
-/// A throw-away home with clones whose wrappers hold the real runner.
+/// A temporary home with clones whose wrappers contain the real runner.
 class RunnerFixture : public ::testing::Test {
 protected:
     [[nodiscard]] std::filesystem::path at(std::string_view name) const { return folder_ / name; }

@@ -40,7 +40,7 @@ TEST_F(RunnerTest, StaysAliveAsLongAsItsTarget) {
 
 class RunnerTestSignals : public RunnerTest, public ::testing::WithParamInterface<int> {};
 
-TEST_P(RunnerTestSignals, ArePassedOnToTheTarget) {
+TEST_P(RunnerTestSignals, AreForwardedToTheTarget) {
     Process runner =
         start(wrapper(appConfig({"trap", "~/caught", "write", at("ready"), "x", "wait"})));
     ASSERT_TRUE(waitUntil([&] { return fs::exists(at("ready")); }));
@@ -51,7 +51,7 @@ TEST_P(RunnerTestSignals, ArePassedOnToTheTarget) {
 
 INSTANTIATE_TEST_SUITE_P(Every, RunnerTestSignals, ::testing::Values(SIGTERM, SIGINT, SIGHUP));
 
-TEST_F(RunnerTest, SeveralSignalsInARowReachATargetThatGoesOn) {
+TEST_F(RunnerTest, SeveralSignalsInARowReachATarget) {
     InstanceConfig config = configOf(ShortcutKind::command);
     config.commandPath = "/bin/sh";
     config.commandArgs = {"-c", "n=0; trap 'n=$((n+1)); echo $n > " + at("count").string() +
@@ -66,7 +66,7 @@ TEST_F(RunnerTest, SeveralSignalsInARowReachATargetThatGoesOn) {
     EXPECT_EQ(runner.waitUntilExit(), 3);
 }
 
-TEST_F(RunnerTest, TellsTheStatusEvenWhereItsStarterIgnoresChildren) {
+TEST_F(RunnerTest, ReturnsTheStatusEvenIfItsParentIgnoresChildren) {
     const fs::path bundle = wrapper(appConfig({"exit", "7"}));
     Process::Options options;
     options.executable = "/bin/sh";
@@ -75,7 +75,7 @@ TEST_F(RunnerTest, TellsTheStatusEvenWhereItsStarterIgnoresChildren) {
     EXPECT_EQ(Process::run(options).waitUntilExit(), 7);
 }
 
-TEST_F(RunnerTest, GivesTheTargetItsHomeAndItsLog) {
+TEST_F(RunnerTest, SetsTheTargetsHomeAndLog) {
     EXPECT_EQ(run(appConfig({"environment", "complain", "complained"})), 0);
     EXPECT_THAT(log(), HasSubstr("\nHOME=" + cloneHome().string() + "\n"));
     EXPECT_THAT(log(), HasSubstr("CFFIXED_USER_HOME=" + cloneHome().string() + "\n"));
@@ -83,12 +83,12 @@ TEST_F(RunnerTest, GivesTheTargetItsHomeAndItsLog) {
     EXPECT_EQ(read(errors()), "");
 }
 
-TEST_F(RunnerTest, DocumentsStayBehindUnlessTheCloneTakesThem) {
+TEST_F(RunnerTest, DocumentsAreDroppedUnlessTheCloneAcceptsThem) {
     EXPECT_EQ(run(appConfig({"arguments", "own"}), {"/doc"}), 0);
     EXPECT_EQ(log(), "1\nown\n");
 }
 
-TEST_F(RunnerTest, DocumentsFollowTheConfiguredArgumentsAsTheyAre) {
+TEST_F(RunnerTest, DocumentsFollowTheConfiguredArgumentsUnchanged) {
     InstanceConfig config = appConfig({"arguments", "{{instanceHome}}"});
     config.openWithPassthrough = true;
     EXPECT_EQ(run(config, {"/a b", "{{instanceHome}}", "~", "--flag"}), 0);
@@ -111,7 +111,7 @@ TEST_F(RunnerTest, RunsACommand) {
     EXPECT_EQ(log(), "1\n" + cloneHome().string() + "\n") << "a command takes no documents";
 }
 
-TEST_F(RunnerTest, AWebCloneSaysThatItsHostIsMissingHereAndInTheLog) {
+TEST_F(RunnerTest, AWebCloneReportsThatItsHostIsMissingHereAndInTheLog) {
     EXPECT_EQ(run(configOf(ShortcutKind::web)), 69);
     const std::string line = "quorvel-runner: the web host for “Work” is not installed\n";
     EXPECT_EQ(read(errors()), line);
@@ -120,13 +120,13 @@ TEST_F(RunnerTest, AWebCloneSaysThatItsHostIsMissingHereAndInTheLog) {
     EXPECT_EQ(log(), line + line) << "the log is continued";
 }
 
-TEST_F(RunnerTest, AWebCloneWithoutARoomForItsLogSaysItHere) {
+TEST_F(RunnerTest, AWebCloneWithoutAWritableLogReportsItHere) {
     write(home_ / "I", "a file");
     EXPECT_EQ(run(configOf(ShortcutKind::web)), 69);
     EXPECT_THAT(read(errors()), HasSubstr("is not installed"));
 }
 
-TEST_F(RunnerTest, AMessageIsOneLineWhateverTheName) {
+TEST_F(RunnerTest, AMessageIsOneLineForAnyName) {
     const fs::path bundle = wrapper(configOf(ShortcutKind::web));
     InstanceConfig config = configOf(ShortcutKind::web);
     config.displayName = "two\nlines\x1B[31m\r\x7F\u009b\u202e";
@@ -139,7 +139,7 @@ TEST_F(RunnerTest, AMessageIsOneLineWhateverTheName) {
     EXPECT_EQ(log(), read(errors()));
 }
 
-TEST_F(RunnerTest, WithoutAReadableConfigurationItSaysSoAndEnds) {
+TEST_F(RunnerTest, AnUnreadableConfigurationIsReported) {
     const fs::path bundle = wrapper(configOf(ShortcutKind::web));
     const fs::path file = bundle / "Contents/Resources/instance.json";
     const auto expectRefused = [&](const char* what) {
@@ -165,7 +165,7 @@ TEST_F(RunnerTest, WithoutAReadableConfigurationItSaysSoAndEnds) {
     expectRefused("100 MiB");
 }
 
-TEST_F(RunnerTest, ATargetThatCantStartIsToldHereAndInTheLog) {
+TEST_F(RunnerTest, ATargetThatCantStartIsReportedHereAndInTheLog) {
     const InstanceConfig config = appConfig({});
     const fs::path bundle = wrapper(config);
     fs::remove(at("Thing.app/Contents/MacOS/Thing"));
@@ -175,7 +175,7 @@ TEST_F(RunnerTest, ATargetThatCantStartIsToldHereAndInTheLog) {
     EXPECT_EQ(log(), read(errors()));
 }
 
-TEST_F(RunnerTest, ATargetThatIsGoneIsToldHereAndInTheLog) {
+TEST_F(RunnerTest, AMissingTargetIsReportedHereAndInTheLog) {
     const fs::path bundle = wrapper(appConfig({}));
     fs::remove_all(at("Thing.app"));
     EXPECT_EQ(start(bundle).waitUntilExit(), 71);

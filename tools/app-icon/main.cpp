@@ -1,8 +1,8 @@
 // Draws the application's own icon, while it is built: app_icon DRAWING.svg ICON.icns
 
+#include "LaunchKit/Icons/IcnsWriter.h"
 #include "Platform/files/FileWriting.h"
 #include "Platform/files/PlatformError.h"
-#include "LaunchKit/Icons/IcnsWriter.h"
 
 #include <QGuiApplication>
 #include <QPainter>

@@ -65,13 +65,13 @@ TEST_F(FileManagerTest, AsksTheFileManagerToShowTheItem) {
     EXPECT_EQ(manager.shown(), "file:///A/Work.app\n");
 }
 
-TEST_F(FileManagerTest, AnAddressHoldsAnyName) {
+TEST_F(FileManagerTest, AnAddressCanContainAnyName) {
     const FileManager manager(folder_ / "log");
     workspace_->reveal("/A/a b#c?d%e\nf é.app");
     EXPECT_EQ(manager.shown(), "file:///A/a%20b%23c%3Fd%25e%0Af%20%C3%A9.app\n");
 }
 
-TEST_F(FileManagerTest, AnAddressHoldsBytesThatAreNoText) {
+TEST_F(FileManagerTest, AnAddressCanContainInvalidText) {
     const FileManager manager(folder_ / "log");
     workspace_->reveal("/A/caf\xE9");
     EXPECT_EQ(manager.shown(), "file:///A/caf%E9\n");
@@ -83,7 +83,7 @@ TEST_F(FileManagerTest, ARelativePathIsShownWhereItIs) {
     EXPECT_EQ(manager.shown(), "file://" + (fs::current_path() / "Work.app").string() + "\n");
 }
 
-TEST_F(FileManagerTest, IsAnErrorWhenNoFileManagerAnswers) {
+TEST_F(FileManagerTest, IsAnErrorIfNoFileManagerReplies) {
     try {
         workspace_->reveal("/A/Work.app");
         FAIL() << "somebody answered";

@@ -21,7 +21,7 @@ namespace {
 using namespace testing;
 namespace fs = std::filesystem;
 
-const std::string waiting = "read line"; // a script that stays itself and waits
+const std::string waiting = "read line"; // waits without starting another process
 
 class WorkspaceTest : public ::testing::Test {
 protected:
@@ -34,7 +34,7 @@ protected:
 
     [[nodiscard]] fs::path at(std::string_view name) const { return folder_ / name; }
 
-    // Other tests, running at the same time, have applications of the same names elsewhere.
+    // Tests that run in parallel have applications with the same names elsewhere.
     [[nodiscard]] std::vector<RunningApplication>
     inOurFolder(std::vector<RunningApplication> applications) const {
         std::erase_if(applications, [&](const RunningApplication& application) {
@@ -62,7 +62,7 @@ protected:
         return result;
     }
 
-    // A program started by us with its input held open, ended when the object goes.
+    // A running program, which ends when the object is destroyed, because that closes its input.
     class Started {
     public:
         Started(const fs::path& program, std::vector<std::string> arguments) {
@@ -116,7 +116,7 @@ TEST_F(WorkspaceTest, AProgramInABundleCountsForItsIdentifier) {
     EXPECT_EQ(found[0].bundleURL, bundle);
 }
 
-TEST_F(WorkspaceTest, AProgramStartedThroughALinkCountsWhereItReallyIs) {
+TEST_F(WorkspaceTest, AProgramStartedThroughALinkCountsByItsRealPath) {
     const fs::path bundle = makeAppBundle(at("Thing.app"));
     fs::create_symlink(bundle / "Contents/MacOS/Thing", at("shortcut"));
     const Started program(at("shortcut"), {"wait"});
@@ -131,7 +131,7 @@ TEST_F(WorkspaceTest, ABundleWithoutAnIdentifierCountsByItsName) {
     EXPECT_EQ(running("Quorvel Unnamed Test").size(), 1U);
 }
 
-TEST_F(WorkspaceTest, ABundleWithoutAReadablePropertyListCountsForNothing) {
+TEST_F(WorkspaceTest, ABundleWithoutAReadablePropertyListDoesNotCount) {
     const fs::path bundle = makeAppBundle(at("Thing.app"));
     write(bundle / "Contents/Info.plist", "");
     const Started program(bundle / "Contents/MacOS/Thing", {"wait"});
@@ -140,7 +140,7 @@ TEST_F(WorkspaceTest, ABundleWithoutAReadablePropertyListCountsForNothing) {
     EXPECT_TRUE(ours().empty());
 }
 
-TEST_F(WorkspaceTest, AnIdentifierThatChangedIsReadAnew) {
+TEST_F(WorkspaceTest, AChangedIdentifierIsReadAgain) {
     const fs::path bundle = makeAppBundle(at("Thing.app"));
     const Started program(bundle / "Contents/MacOS/Thing", {"wait"});
     EXPECT_EQ(running("com.example.Thing").size(), 1U);
@@ -160,7 +160,7 @@ TEST_F(WorkspaceTest, AProgramElsewhereInABundleDoesNotCount) {
     EXPECT_TRUE(ours().empty());
 }
 
-TEST_F(WorkspaceTest, AScriptInABundleCountsThoughItsInterpreterRuns) {
+TEST_F(WorkspaceTest, AScriptInABundleCountsByItsInterpretersProcess) {
     const Started program(waitingApp("Script"), {"an argument"});
     EXPECT_TRUE(waitUntil([&] { return running("com.example.Script").size() == 1; }));
 }
@@ -175,12 +175,12 @@ TEST_F(WorkspaceTest, AScriptCountsWhoseInterpreterEnvFinds) {
     EXPECT_TRUE(waitUntil([&] { return running("com.example.Script").size() == 1; }));
 }
 
-TEST_F(WorkspaceTest, AScriptCountsWhoseInterpreterEnvFindsAndGivesOptions) {
+TEST_F(WorkspaceTest, AScriptCountsWhoseInterpreterEnvFindsWithOptions) {
     const Started program(waitingApp("Script", "#!/usr/bin/env -S LANG=C bash -u"), {});
     EXPECT_TRUE(waitUntil([&] { return running("com.example.Script").size() == 1; }));
 }
 
-TEST_F(WorkspaceTest, AScriptCountsThatItsInterpreterWasGivenByHand) {
+TEST_F(WorkspaceTest, AScriptCountsThatWasPassedToItsInterpreter) {
     const Started program("/bin/sh", {waitingApp("Script").string()});
     EXPECT_TRUE(waitUntil([&] { return running("com.example.Script").size() == 1; }));
 }
@@ -205,7 +205,7 @@ TEST_F(WorkspaceTest, AProgramThatHasAnotherBundlesProgramAsAnArgumentDoesNotCou
     EXPECT_TRUE(ours().empty());
 }
 
-TEST_F(WorkspaceTest, AScriptThatIsAFifoHoldsUpNobody) {
+TEST_F(WorkspaceTest, AScriptThatIsAFifoDoesNotBlock) {
     const fs::path script = waitingApp("Script");
     fs::remove(script);
     ::mkfifo(script.c_str(), 0700);
@@ -213,7 +213,7 @@ TEST_F(WorkspaceTest, AScriptThatIsAFifoHoldsUpNobody) {
     EXPECT_TRUE(ours().empty());
 }
 
-TEST_F(WorkspaceTest, OneSnapshotStaysAsItWas) {
+TEST_F(WorkspaceTest, ASnapshotDoesNotChange) {
     const fs::path bundle = makeAppBundle(at("Thing.app"));
     RunningApplications snapshot;
     {
@@ -224,7 +224,7 @@ TEST_F(WorkspaceTest, OneSnapshotStaysAsItWas) {
     EXPECT_TRUE(running("com.example.Thing").empty());
 }
 
-TEST_F(WorkspaceTest, ManyThreadsMayAskAtOnce) {
+TEST_F(WorkspaceTest, ManyThreadsMayAskConcurrently) {
     const fs::path bundle = makeAppBundle(at("Thing.app"));
     const Started program(bundle / "Contents/MacOS/Thing", {"wait"});
     std::atomic<int> found = 0;
@@ -241,7 +241,7 @@ TEST_F(WorkspaceTest, ManyThreadsMayAskAtOnce) {
     EXPECT_EQ(found, 4);
 }
 
-TEST_F(WorkspaceTest, OpeningStartsTheProgramInASessionOfItsOwn) {
+TEST_F(WorkspaceTest, OpeningStartsTheProgramInItsOwnSession) {
     const fs::path bundle = makeScriptedAppBundle(
         at("Thing.app"), "echo $$ > " + at("pid").string() + "; while :; do sleep 0.1; done");
     ASSERT_FALSE(open(bundle));
@@ -265,12 +265,12 @@ TEST_F(WorkspaceTest, OpeningDoesNotStartASecondTime) {
     EXPECT_FALSE(open(bundle));
     EXPECT_FALSE(open(bundle.string() + "/"));
     EXPECT_FALSE(open(at("Link.app")));
-    // For a moment, a shell's child is a copy of the shell.
+    // Briefly, a shell's child is a copy of the shell.
     EXPECT_TRUE(waitUntil([&] { return running("com.example.Thing").size() == 1; }));
     EXPECT_EQ(read(at("log")), "started\n");
 }
 
-TEST_F(WorkspaceTest, TwoWhoOpenTheSameBundleAtTheSameMomentStartItOnce) {
+TEST_F(WorkspaceTest, ConcurrentOpensStartABundleOnce) {
     ASSERT_EQ(::mkfifo(at("fifo").c_str(), 0600), 0);
     const fs::path bundle =
         makeScriptedAppBundle(at("Thing.app"), "read line < " + at("fifo").string());
@@ -278,7 +278,7 @@ TEST_F(WorkspaceTest, TwoWhoOpenTheSameBundleAtTheSameMomentStartItOnce) {
         std::barrier start(2);
         std::atomic<int> errors = 0;
         const auto openOnCue = [&] {
-            const auto own = makeSystemWorkspace(); // as another program would have
+            const auto own = makeSystemWorkspace(); // as in another program
             start.arrive_and_wait();
             own->openApplication(bundle, true, [&](const std::optional<PlatformError>& error) {
                 errors += error ? 1 : 0;
@@ -297,7 +297,7 @@ TEST_F(WorkspaceTest, TwoWhoOpenTheSameBundleAtTheSameMomentStartItOnce) {
     }
 }
 
-TEST_F(WorkspaceTest, ABundleThatSomebodyElseKeepsLockedIsOpenedAllTheSame) {
+TEST_F(WorkspaceTest, ABundleThatStaysLockedIsStillOpened) {
     const fs::path bundle =
         makeScriptedAppBundle(at("Thing.app"), "echo x > " + at("log").string());
     const FileHandle folder(::open(bundle.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
@@ -314,7 +314,7 @@ TEST_F(WorkspaceTest, ACopyElsewhereIsAnotherApplication) {
     EXPECT_TRUE(waitUntil([&] { return running("com.example.Thing").size() == 2; }));
 }
 
-TEST_F(WorkspaceTest, OpeningWhatCantStartIsAnErrorThatNamesIt) {
+TEST_F(WorkspaceTest, OpeningAnUnstartableBundleIsAnErrorThatNamesIt) {
     const fs::path missing = makeAppBundle(at("Missing.app"));
     fs::remove(missing / "Contents/MacOS/Missing");
     const auto error = open(missing);
@@ -331,7 +331,7 @@ TEST_F(WorkspaceTest, OpeningWhatCantStartIsAnErrorThatNamesIt) {
     EXPECT_EQ(open(dangling)->code(), std::errc::no_such_file_or_directory);
 }
 
-TEST_F(WorkspaceTest, OpeningWhatIsNoBundleIsAnErrorThatNamesIt) {
+TEST_F(WorkspaceTest, OpeningAFolderThatIsNotABundleIsAnErrorThatNamesIt) {
     fs::create_directories(at("Empty.app"));
     const auto error = open(at("Empty.app/"));
     ASSERT_TRUE(error);

@@ -22,13 +22,13 @@ TEST(UserPathsTest, TheUserDatabaseComesBeforeTheHomeVariable) {
     EXPECT_EQ(UserPaths::home(), getpwuid(getuid())->pw_dir);
 }
 
-TEST(UserPathsTest, ASlashAtTheEndOfTheHomeIsDropped) {
+TEST(UserPathsTest, ATrailingSlashOfTheHomeIsRemoved) {
     const ScopedEnvironment fixed("CFFIXED_USER_HOME", "/Users/u//");
     EXPECT_EQ(UserPaths::home(), "/Users/u");
     EXPECT_EQ(UserPaths::expandTilde("~/I"), "/Users/u/I");
 }
 
-TEST(UserPathsTest, ARelativeFixedHomeIsNotBelieved) {
+TEST(UserPathsTest, ARelativeFixedHomeIsIgnored) {
     const ScopedEnvironment fixed("CFFIXED_USER_HOME", "relative");
     EXPECT_EQ(UserPaths::home(), getpwuid(getuid())->pw_dir);
 }
@@ -40,7 +40,7 @@ TEST(UserPathsTest, ALeadingTildeIsTheHome) {
     EXPECT_EQ(UserPaths::expandTilde("~/a/~"), "/Users/u/a/~");
 }
 
-TEST(UserPathsTest, AnExpandedPathHasNoSlashAtItsEnd) {
+TEST(UserPathsTest, AnExpandedPathHasNoTrailingSlash) {
     const ScopedEnvironment fixed("CFFIXED_USER_HOME", "/Users/u");
     EXPECT_EQ(UserPaths::expandTilde("~/x/"), "/Users/u/x");
     EXPECT_EQ(UserPaths::expandTilde("~/x//"), "/Users/u/x");
