@@ -3,8 +3,8 @@
 #include "LaunchKit/WrapperFactory.h"
 
 #include "tests/support/AppBundles.h"
-#include "tests/support/OrdinaryUser.h"
 #include "tests/support/TemporaryHome.h"
+#include "tests/support/UnprivilegedUser.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -97,7 +97,7 @@ TEST_F(AppEngineTest, UnreadableFrameworksAreOther) {
     write(file / "Contents/Frameworks", "a file");
     EXPECT_EQ(WrapperFactory::detectEngine(file, std::nullopt), Engine::other);
     const fs::path closed = app("com.x", {"Contents/Frameworks/Chrome Framework.framework"});
-    EXPECT_TRUE(asOrdinaryUser(folder_.path(), [&] {
+    EXPECT_TRUE(asUnprivilegedUser(folder_.path(), [&] {
         // A copy of its own, since permissions bind their owner like any other user.
         const fs::path own = folder_ / "own.app";
         fs::copy(closed, own, fs::copy_options::recursive);

@@ -1,6 +1,7 @@
 // Which data folders may be deleted with a clone, and chosen for a new one.
 #include "LaunchKit/DataFolderGuard.h"
 
+#include "LaunchKit/InstanceConfig.h"
 #include "LaunchKit/RequestCheck.h"
 #include "Platform/files/PlatformError.h"
 #include "tests/support/AppBundles.h"
@@ -236,7 +237,7 @@ TEST_F(DataFolderGuardTest, AnotherUsersHomeIsSpared) {
             const std::string ofDeletion = refusal(record);
             fs::remove_all(record.bundleURL);
             for (const std::string& text : {ofNew, ofDeletion}) {
-                if (path != folder_.path() && text.find(expected) == text.npos) {
+                if (path != folder_.path() && text.find(expected) == std::string::npos) {
                     return path + ": " + text;
                 }
                 if (text.empty()) {

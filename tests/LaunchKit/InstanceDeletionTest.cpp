@@ -1,9 +1,10 @@
 #include "LaunchKit/InstanceRegistry.h"
 
+#include "LaunchKit/InstanceConfig.h"
 #include "Platform/files/PlatformError.h"
 #include "tests/support/AppBundles.h"
-#include "tests/support/OrdinaryUser.h"
 #include "tests/support/TemporaryHome.h"
+#include "tests/support/UnprivilegedUser.h"
 
 #include <gtest/gtest.h>
 
@@ -151,7 +152,7 @@ TEST_F(InstanceDeletionTest, WhenTheWrapperMayNotGoTheDataStays) {
 }
 
 TEST_F(InstanceDeletionTest, WhenTheWrapperCantGoTheDataStays) {
-    EXPECT_TRUE(asOrdinaryUser(folder_.path(), [&] {
+    EXPECT_TRUE(asUnprivilegedUser(folder_.path(), [&] {
         InstanceConfig config = minimalConfig();
         config.instanceHome = folder_ / "data";
         write(folder_ / "data/file", "x");
@@ -169,7 +170,7 @@ TEST_F(InstanceDeletionTest, WhenTheWrapperCantGoTheDataStays) {
 }
 
 TEST_F(InstanceDeletionTest, WhenAPartOfTheWrapperCantGoTheDataStays) {
-    EXPECT_TRUE(asOrdinaryUser(folder_.path(), [&] {
+    EXPECT_TRUE(asUnprivilegedUser(folder_.path(), [&] {
         InstanceConfig config = minimalConfig();
         config.instanceHome = folder_ / "data";
         write(folder_ / "data/file", "x");
@@ -223,7 +224,7 @@ TEST_F(InstanceDeletionTest, ReportsEveryUnusableDataFolderAsSpared) {
 }
 
 TEST_F(InstanceDeletionTest, ReportsHowMuchOfTheDataIsLeftAndWhy) {
-    EXPECT_TRUE(asOrdinaryUser(folder_.path(), [&] {
+    EXPECT_TRUE(asUnprivilegedUser(folder_.path(), [&] {
         InstanceConfig config = minimalConfig();
         config.instanceHome = folder_ / "data";
         for (int number = 0; number < 300; ++number) {
@@ -300,7 +301,7 @@ TEST_F(InstanceDeletionTest, AnAliasOfACloneThatIsListedSparesItsData) {
 }
 
 TEST_F(InstanceDeletionTest, DataThatCantBeRemovedIsNotAnError) {
-    EXPECT_TRUE(asOrdinaryUser(folder_.path(), [&] {
+    EXPECT_TRUE(asUnprivilegedUser(folder_.path(), [&] {
         InstanceConfig config = minimalConfig();
         config.instanceHome = folder_ / "closed/data";
         write(folder_ / "closed/data/file", "x");

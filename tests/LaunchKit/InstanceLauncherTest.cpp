@@ -1,5 +1,6 @@
 #include "LaunchKit/InstanceLauncher.h"
 
+#include "LaunchKit/InstanceConfig.h"
 #include "Platform/files/FileSystem.h"
 #include "Platform/files/PlatformError.h"
 #include "tests/support/AppBundles.h"

@@ -1,9 +1,10 @@
 #include "LaunchKit/InstanceRegistry.h"
 
+#include "LaunchKit/InstanceConfig.h"
 #include "Platform/files/PlatformError.h"
 #include "tests/support/AppBundles.h"
-#include "tests/support/OrdinaryUser.h"
 #include "tests/support/TemporaryHome.h"
+#include "tests/support/UnprivilegedUser.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -222,7 +223,7 @@ TEST_F(InstanceRegistryTest, SharingFailsForACloneThatIsGoneOrCantBeChanged) {
     const InstanceRecord gone{at("Work.app"), config};
     EXPECT_THROW(InstanceRegistry().shareUserFolders(gone), std::runtime_error);
     EXPECT_FALSE(fs::exists(gone.bundleURL));
-    EXPECT_TRUE(asOrdinaryUser(folder_.path(), [&] {
+    EXPECT_TRUE(asUnprivilegedUser(folder_.path(), [&] {
         makeWrapper(gone.bundleURL, config);
         fs::permissions(gone.bundleURL / "Contents/Resources/instance.json", fs::perms{0444});
         try {

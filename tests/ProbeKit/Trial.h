@@ -65,7 +65,7 @@ public:
 
     /// Waits until the application told as often as it was to.
     [[nodiscard]] bool hasTold(int times) const {
-        return waitFor(
+        return waitUntil(
             [&] {
                 const std::string text = read(told);
                 return std::count(text.begin(), text.end(), '\n') >= times;

@@ -83,7 +83,7 @@ TEST(TrialLaunchTest, AnAppThatHandsOverIsNotClonable) {
     trial.onSleep = [&](AppProber::Seconds /*time*/) {
         ASSERT_TRUE(trial.hasTold(++trial.sleeps));
         // The first holds the lock before the second comes, and the second quits.
-        ASSERT_TRUE(waitFor([&] {
+        ASSERT_TRUE(waitUntil([&] {
             return trial.sleeps == 1 ? fs::exists(trial.folder / "lock")
                                      : descendantsOf(::getpid()).size() == 1;
         }));
@@ -98,7 +98,7 @@ TEST(TrialLaunchTest, AnAppThatWaitsForALockNeverComesUp) {
     trial.plan(trial.tellStep() + "\nlock " + (trial.folder / "lock").string() + "\nwait\n");
     trial.onSleep = [&](AppProber::Seconds /*time*/) {
         ASSERT_TRUE(trial.hasTold(++trial.sleeps));
-        ASSERT_TRUE(waitFor([&] {
+        ASSERT_TRUE(waitUntil([&] {
             return fs::exists(trial.folder / "lock") &&
                    trial.workspace->runningApplications()
                            .withBundleIdentifier(trial.bundleId)
@@ -121,11 +121,11 @@ TEST(TrialLaunchTest, AnAppOfSeveralProcessesThatWaitsForALockNeverComesUp) {
     };
     trial.onSleep = [&](AppProber::Seconds /*time*/) {
         ASSERT_TRUE(trial.hasTold(++trial.sleeps));
-        ASSERT_TRUE(waitFor([&] { return fs::exists(up) && running().size() == 1; }));
+        ASSERT_TRUE(waitUntil([&] { return fs::exists(up) && running().size() == 1; }));
     };
     EXPECT_EQ(trial.run().singleton, SingletonTier::lockFile);
     trial.endAll();
-    EXPECT_TRUE(waitFor([&] { return running().empty(); })) << "the helpers end as well";
+    EXPECT_TRUE(waitUntil([&] { return running().empty(); })) << "the helpers end as well";
 }
 
 TEST(TrialLaunchTest, AnAppOfSeveralProcessesThatStartsTwiceIsNotASingleton) {
@@ -170,7 +170,7 @@ TEST(TrialLaunchTest, AnAppThatEndsAtOnceHasAnUnknownTier) {
     trial.plan(trial.tellStep() + "\nexit 3\n");
     trial.onSleep = [&](AppProber::Seconds /*time*/) {
         ASSERT_TRUE(trial.hasTold(++trial.sleeps));
-        ASSERT_TRUE(waitFor(
+        ASSERT_TRUE(waitUntil(
             [&] { return !trial.workspace->runningApplications().contains(trial.bundleId); }));
     };
     const ProbeResult result = trial.run();
@@ -183,7 +183,7 @@ TEST(TrialLaunchTest, AnAppThatCrashesHasAnUnknownTier) {
     trial.plan(trial.tellStep() + "\ncrash\n");
     trial.onSleep = [&](AppProber::Seconds /*time*/) {
         ASSERT_TRUE(trial.hasTold(++trial.sleeps));
-        ASSERT_TRUE(waitFor(
+        ASSERT_TRUE(waitUntil(
             [&] { return !trial.workspace->runningApplications().contains(trial.bundleId); }));
     };
     EXPECT_EQ(trial.run().singleton, SingletonTier::unknown);
@@ -201,7 +201,7 @@ TEST(TrialLaunchTest, AnAppThatIgnoresTerminationIsEndedByForce) {
     terminateInBackground(std::move(trial.released[0]), std::chrono::milliseconds(50));
     terminateInBackground(std::move(trial.released[1]), std::chrono::milliseconds(50));
     trial.released.clear();
-    EXPECT_TRUE(waitFor([&] { return isGone(first) && isGone(second); }));
+    EXPECT_TRUE(waitUntil([&] { return isGone(first) && isGone(second); }));
 }
 
 // A script that starts another one, in a session of its own, which reports its pid and what it
@@ -231,13 +231,13 @@ std::size_t askedDaemons(const std::string& start, bool obedient) {
     makeScriptedAppBundle(trial.app, scriptWithDaemon(trial, start, obedient));
     trial.onSleep = [&](AppProber::Seconds /*time*/) {
         ++trial.sleeps;
-        EXPECT_TRUE(waitFor(
+        EXPECT_TRUE(waitUntil(
             [&] { return daemonsOf(trial).size() == static_cast<std::size_t>(trial.sleeps); }));
     };
     (void)trial.run();
     terminateAndWait(std::exchange(trial.released, {}), std::chrono::milliseconds(300));
     for (const pid_t daemon : daemonsOf(trial)) {
-        EXPECT_TRUE(waitFor([&] { return isGone(daemon); }, std::chrono::seconds(5)))
+        EXPECT_TRUE(waitUntil([&] { return isGone(daemon); }, std::chrono::seconds(5)))
             << daemon << " is left of: " << start;
         ::kill(daemon, SIGKILL);
     }
@@ -264,7 +264,7 @@ TEST(TrialLaunchTest, AnAppIsAskedToEndFirstAndItsLastWritesAreRecorded) {
     std::vector<std::string> homes;
     options.release = [&](TrialProcess ended) {
         homes.push_back(ended.home);
-        EXPECT_TRUE(waitFor([&] { return fs::exists(fs::path(ended.home) / "last words"); }));
+        EXPECT_TRUE(waitUntil([&] { return fs::exists(fs::path(ended.home) / "last words"); }));
         // Two homes there are, and the second app has not been asked before the first.
         const auto all = trial.homes();
         EXPECT_EQ(
@@ -283,7 +283,7 @@ TEST(TrialLaunchTest, AnAppFindsOurEnvironmentWithTheHomeReplacedAndNothingElse)
     makeAppBundle(trial.app, {{"CFBundleIdentifier", trial.bundleId}}, "/usr/bin/env");
     trial.onSleep = [&](AppProber::Seconds /*time*/) {
         ++trial.sleeps;
-        EXPECT_TRUE(waitFor([&] {
+        EXPECT_TRUE(waitUntil([&] {
             const auto homes = trial.homes();
             return std::count_if(homes.begin(), homes.end(), [](const fs::path& home) {
                        return !read(home / "quorvel-instance.log").empty();
@@ -355,7 +355,7 @@ TEST(TrialLaunchTest, AnAppThatVanishesBeforeItsSecondLaunchRunsOn) {
     makeScriptedAppBundle(trial.app,
                           "echo $$ > '" + (trial.folder / "first").string() + "'; exec sleep 600");
     trial.onSleep = [&](AppProber::Seconds /*time*/) {
-        ASSERT_TRUE(waitFor([&] { return !read(trial.folder / "first").empty(); }));
+        ASSERT_TRUE(waitUntil([&] { return !read(trial.folder / "first").empty(); }));
         fs::remove(trial.app / "Contents/MacOS/Notes");
     };
     EXPECT_THROW((void)trial.run(), PlatformError);
@@ -363,7 +363,7 @@ TEST(TrialLaunchTest, AnAppThatVanishesBeforeItsSecondLaunchRunsOn) {
     const pid_t first = std::stoi(read(trial.folder / "first"));
     EXPECT_EQ(::kill(first, 0), 0);
     ::kill(first, SIGKILL);
-    EXPECT_TRUE(waitFor([&] { return isGone(first); }));
+    EXPECT_TRUE(waitUntil([&] { return isGone(first); }));
 }
 
 TEST(TrialLaunchTest, AnAppWhoseHomeCannotBeMadeIsNotLaunched) {
@@ -381,7 +381,7 @@ TEST(TrialLaunchTest, AnElectronAppGetsItsDataFolderInTheHome) {
     makeScriptedAppBundle(trial.app, "echo \"$#:$1:$HOME\" >> '" + arguments + "'");
     trial.onSleep = [&](AppProber::Seconds /*time*/) {
         ++trial.sleeps;
-        ASSERT_TRUE(waitFor([&] {
+        ASSERT_TRUE(waitUntil([&] {
             const std::string text = read(arguments);
             return std::count(text.begin(), text.end(), '\n') == trial.sleeps;
         }));

@@ -1,9 +1,10 @@
 // One target per instance home, even if the runner is killed.
 #include "LaunchKit/HomeLock.h"
+#include "LaunchKit/InstanceConfig.h"
 #include "Platform/files/FileSystem.h"
 #include "tests/Runner/RunnerFixture.h"
-#include "tests/support/OrdinaryUser.h"
 #include "tests/support/SmallDisk.h"
+#include "tests/support/UnprivilegedUser.h"
 #include "tests/support/Waiting.h"
 
 #include <cerrno>
@@ -52,13 +53,13 @@ protected:
     }
 
     [[nodiscard]] bool targetRuns() const {
-        return waitFor([&] { return numberIn(at("pid")) > 0; });
+        return waitUntil([&] { return numberIn(at("pid")) > 0; });
     }
 
     // Returns the status of a runner that should end by itself, or -1 if it does not.
     [[nodiscard]] int statusOf(const fs::path& bundle) const {
         Process runner = start(bundle);
-        if (!waitFor([&] { return !runner.isRunning(); }, std::chrono::seconds(5))) {
+        if (!waitUntil([&] { return !runner.isRunning(); }, std::chrono::seconds(5))) {
             runner.terminate();
             return -1;
         }
@@ -67,7 +68,7 @@ protected:
 
     static bool ends(pid_t pid) {
         ::kill(pid, SIGKILL);
-        return waitFor([&] { return !fs::exists("/proc/" + std::to_string(pid) + "/exe"); });
+        return waitUntil([&] { return !fs::exists("/proc/" + std::to_string(pid) + "/exe"); });
     }
 };
 
@@ -132,7 +133,7 @@ TEST_F(OneTargetTest, AChildInTheBackgroundStillHoldsTheHome) {
     const fs::path bundle = wrapper(scripted(
         "setsid sleep 600 </dev/null >/dev/null 2>&1 & echo $! > " + at("child").string()));
     EXPECT_EQ(statusOf(bundle), 0);
-    ASSERT_TRUE(waitFor([&] { return numberIn(at("child")) > 0; }));
+    ASSERT_TRUE(waitUntil([&] { return numberIn(at("child")) > 0; }));
     EXPECT_EQ(statusOf(bundle), 75);
     ASSERT_TRUE(ends(numberIn(at("child"))));
     EXPECT_EQ(statusOf(bundle), 0);
@@ -210,7 +211,7 @@ TEST_F(OneTargetTest, OnAFullDiskAHomeIsStillUsedByOneTargetAtATime) {
 TEST_F(OneTargetTest, AHomeThatCantBeWrittenIsStillUsedByOneTargetAtATime) {
     InstanceConfig config = minimalConfig();
     config.instanceHome = at("I").string();
-    EXPECT_TRUE(asOrdinaryUser(folder_.path(), [&] {
+    EXPECT_TRUE(asUnprivilegedUser(folder_.path(), [&] {
         fs::create_directories(config.resolvedHome());
         fs::permissions(config.resolvedHome(), fs::perms{0555});
         std::optional<FileLock> first = lockHome(config);
@@ -228,9 +229,7 @@ TEST_F(OneTargetTest, AHomeThatCantBeWrittenIsStillUsedByOneTargetAtATime) {
 }
 
 TEST_F(OneTargetTest, ACommandHoldsNoLock) {
-    InstanceConfig config = minimalConfig();
-    config.kind = ShortcutKind::command;
-    config.instanceHome = "~/I";
+    InstanceConfig config = configOf(ShortcutKind::command);
     config.commandPath = helperProgram();
     config.commandArgs = {"descriptors"};
     EXPECT_EQ(run(config), 0);

@@ -63,7 +63,7 @@ protected:
 
     [[nodiscard]] fs::path told() const { return folder_ / "told"; }
     [[nodiscard]] bool hasTold(std::size_t times) const {
-        return waitFor([&] { return read(told()).size() >= 2 * times; });
+        return waitUntil([&] { return read(told()).size() >= 2 * times; });
     }
 
     TemporaryFolder folder_;
@@ -112,9 +112,9 @@ TEST_F(ApplicationTreesTest, AProcessThatWaitsForALockDoesNotCountIfAnotherHolds
         return started_.back().identifier();
     };
     const pid_t holder = startLocking();
-    ASSERT_TRUE(waitFor([&] { return !descendantsOf(holder).empty(); }));
+    ASSERT_TRUE(waitUntil([&] { return !descendantsOf(holder).empty(); }));
     const pid_t waiter = startLocking();
-    ASSERT_TRUE(waitFor([&] { return lockWaiters(read("/proc/locks")).contains(waiter); }));
+    ASSERT_TRUE(waitUntil([&] { return lockWaiters(read("/proc/locks")).contains(waiter); }));
     auto found = ours();
     ASSERT_THAT(found, SizeIs(1));
     EXPECT_EQ(found[0].pid, holder);

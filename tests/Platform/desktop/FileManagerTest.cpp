@@ -1,7 +1,7 @@
 #include "Platform/desktop/Workspace.h"
 #include "Platform/processes/Process.h"
 
-#include "tests/support/PrivateBus.h"
+#include "tests/support/SessionBus.h"
 #include "tests/support/TemporaryHome.h"
 #include "tests/support/Waiting.h"
 
@@ -21,7 +21,7 @@ public:
         options.executable = QUORVEL_FILE_MANAGER;
         options.arguments = {log_.string()};
         process_.emplace(Process::run(options));
-        if (!waitFor([&] { return read(log_) == "ready\n"; })) {
+        if (!waitUntil([&] { return read(log_) == "ready\n"; })) {
             throw std::runtime_error("the file manager does not come up");
         }
     }
@@ -42,8 +42,8 @@ private:
 class FileManagerTest : public ::testing::Test {
 protected:
     static void SetUpTestSuite() {
-        if (PrivateBus::isAvailable()) {
-            bus = std::make_unique<PrivateBus>();
+        if (SessionBus::isAvailable()) {
+            bus = std::make_unique<SessionBus>();
         }
     }
     static void TearDownTestSuite() { bus.reset(); }
@@ -54,7 +54,7 @@ protected:
         }
     }
 
-    static inline std::unique_ptr<PrivateBus> bus;
+    static inline std::unique_ptr<SessionBus> bus;
     TemporaryFolder folder_;
     std::unique_ptr<Workspace> workspace_ = makeSystemWorkspace();
 };

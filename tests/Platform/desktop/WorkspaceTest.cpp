@@ -29,7 +29,7 @@ protected:
         for (const RunningApplication& application : ours()) {
             ::kill(application.pid, SIGKILL);
         }
-        EXPECT_TRUE(waitFor([&] { return ours().empty(); }));
+        EXPECT_TRUE(waitUntil([&] { return ours().empty(); }));
     }
 
     [[nodiscard]] fs::path at(std::string_view name) const { return folder_ / name; }
@@ -162,27 +162,27 @@ TEST_F(WorkspaceTest, AProgramElsewhereInABundleDoesNotCount) {
 
 TEST_F(WorkspaceTest, AScriptInABundleCountsByItsInterpretersProcess) {
     const Started program(waitingApp("Script"), {"an argument"});
-    EXPECT_TRUE(waitFor([&] { return running("com.example.Script").size() == 1; }));
+    EXPECT_TRUE(waitUntil([&] { return running("com.example.Script").size() == 1; }));
 }
 
 TEST_F(WorkspaceTest, AScriptCountsWhoseFirstLineHasOptions) {
     const Started program(waitingApp("Script", "#! /bin/sh -u"), {});
-    EXPECT_TRUE(waitFor([&] { return running("com.example.Script").size() == 1; }));
+    EXPECT_TRUE(waitUntil([&] { return running("com.example.Script").size() == 1; }));
 }
 
 TEST_F(WorkspaceTest, AScriptCountsWhoseInterpreterEnvFinds) {
     const Started program(waitingApp("Script", "#!/usr/bin/env sh"), {});
-    EXPECT_TRUE(waitFor([&] { return running("com.example.Script").size() == 1; }));
+    EXPECT_TRUE(waitUntil([&] { return running("com.example.Script").size() == 1; }));
 }
 
 TEST_F(WorkspaceTest, AScriptCountsWhoseInterpreterEnvFindsWithOptions) {
     const Started program(waitingApp("Script", "#!/usr/bin/env -S LANG=C bash -u"), {});
-    EXPECT_TRUE(waitFor([&] { return running("com.example.Script").size() == 1; }));
+    EXPECT_TRUE(waitUntil([&] { return running("com.example.Script").size() == 1; }));
 }
 
 TEST_F(WorkspaceTest, AScriptCountsThatWasPassedToItsInterpreter) {
     const Started program("/bin/sh", {waitingApp("Script").string()});
-    EXPECT_TRUE(waitFor([&] { return running("com.example.Script").size() == 1; }));
+    EXPECT_TRUE(waitUntil([&] { return running("com.example.Script").size() == 1; }));
 }
 
 TEST_F(WorkspaceTest, AProgramThatMerelyHasTheScriptAsAnArgumentDoesNotCount) {
@@ -192,7 +192,7 @@ TEST_F(WorkspaceTest, AProgramThatMerelyHasTheScriptAsAnArgumentDoesNotCount) {
     const Started reading("/usr/bin/tail", {"-f", script});
     const Started other("/usr/bin/tail", {"-f", env});
     const Started helper(helperProgram(), {script, "wait"});
-    EXPECT_TRUE(waitFor([&] {
+    EXPECT_TRUE(waitUntil([&] {
         return fs::read_symlink("/proc/" + std::to_string(helper.pid()) + "/exe") ==
                fs::canonical(helperProgram());
     }));
@@ -245,14 +245,14 @@ TEST_F(WorkspaceTest, OpeningStartsTheProgramInItsOwnSession) {
     const fs::path bundle = makeScriptedAppBundle(
         at("Thing.app"), "echo $$ > " + at("pid").string() + "; while :; do sleep 0.1; done");
     ASSERT_FALSE(open(bundle));
-    ASSERT_TRUE(waitFor([&] { return running("com.example.Thing").size() == 1; }));
+    ASSERT_TRUE(waitUntil([&] { return running("com.example.Thing").size() == 1; }));
     const pid_t pid = running("com.example.Thing")[0].pid;
     EXPECT_EQ(::getsid(pid), pid);
     for (const char* stream : {"0", "1", "2"}) {
         EXPECT_EQ(fs::read_symlink("/proc/" + std::to_string(pid) + "/fd/" + stream), "/dev/null");
     }
     ::kill(pid, SIGKILL);
-    EXPECT_TRUE(waitFor([&] { return !fs::exists("/proc/" + std::to_string(pid)); }))
+    EXPECT_TRUE(waitUntil([&] { return !fs::exists("/proc/" + std::to_string(pid)); }))
         << "a zombie is left";
 }
 
@@ -261,12 +261,12 @@ TEST_F(WorkspaceTest, OpeningDoesNotStartASecondTime) {
         at("Thing.app"), "echo started >> " + at("log").string() + "; while :; do sleep 0.1; done");
     fs::create_directory_symlink(bundle, at("Link.app"));
     ASSERT_FALSE(open(bundle));
-    ASSERT_TRUE(waitFor([&] { return read(at("log")) == "started\n"; }));
+    ASSERT_TRUE(waitUntil([&] { return read(at("log")) == "started\n"; }));
     EXPECT_FALSE(open(bundle));
     EXPECT_FALSE(open(bundle.string() + "/"));
     EXPECT_FALSE(open(at("Link.app")));
     // Briefly, a shell's child is a copy of the shell.
-    EXPECT_TRUE(waitFor([&] { return running("com.example.Thing").size() == 1; }));
+    EXPECT_TRUE(waitUntil([&] { return running("com.example.Thing").size() == 1; }));
     EXPECT_EQ(read(at("log")), "started\n");
 }
 
@@ -293,7 +293,7 @@ TEST_F(WorkspaceTest, ConcurrentOpensStartABundleOnce) {
         for (const RunningApplication& application : started) {
             ::kill(application.pid, SIGKILL);
         }
-        ASSERT_TRUE(waitFor([&] { return ours().empty(); }));
+        ASSERT_TRUE(waitUntil([&] { return ours().empty(); }));
     }
 }
 
@@ -303,7 +303,7 @@ TEST_F(WorkspaceTest, ABundleThatStaysLockedIsStillOpened) {
     const FileHandle folder(::open(bundle.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
     ASSERT_EQ(::flock(folder.descriptor(), LOCK_EX), 0);
     EXPECT_FALSE(open(bundle));
-    EXPECT_TRUE(waitFor([&] { return read(at("log")) == "x\n"; }));
+    EXPECT_TRUE(waitUntil([&] { return read(at("log")) == "x\n"; }));
 }
 
 TEST_F(WorkspaceTest, ACopyElsewhereIsAnotherApplication) {
@@ -311,7 +311,7 @@ TEST_F(WorkspaceTest, ACopyElsewhereIsAnotherApplication) {
     const fs::path second = makeScriptedAppBundle(at("b/Thing.app"), "while :; do sleep 0.1; done");
     const Started program(first / "Contents/MacOS/Thing", {"wait"});
     EXPECT_FALSE(open(second));
-    EXPECT_TRUE(waitFor([&] { return running("com.example.Thing").size() == 2; }));
+    EXPECT_TRUE(waitUntil([&] { return running("com.example.Thing").size() == 2; }));
 }
 
 TEST_F(WorkspaceTest, OpeningAnUnstartableBundleIsAnErrorThatNamesIt) {

@@ -2,8 +2,8 @@
 #include "Platform/files/FileSystem.h"
 #include "Platform/files/PlatformError.h"
 
-#include "tests/support/OrdinaryUser.h"
 #include "tests/support/TemporaryHome.h"
+#include "tests/support/UnprivilegedUser.h"
 
 #include <csignal>
 #include <gtest/gtest.h>
@@ -63,7 +63,7 @@ TEST_F(FileCopyTest, CopyingKeepsThePermissions) {
 }
 
 TEST_F(FileCopyTest, AFailedCopyNamesTheReasonAndLeavesNothing) {
-    EXPECT_TRUE(asOrdinaryUser(folder_.path(), [&] {
+    EXPECT_TRUE(asUnprivilegedUser(folder_.path(), [&] {
         write(at("a"), std::string(200000, 'x'));
         std::signal(SIGXFSZ, SIG_IGN);
         const rlimit limit{100000, 100000};

@@ -2,8 +2,8 @@
 #include "Platform/files/FileSystem.h"
 #include "Platform/files/PlatformError.h"
 
-#include "tests/support/OrdinaryUser.h"
 #include "tests/support/TemporaryHome.h"
+#include "tests/support/UnprivilegedUser.h"
 
 #include <gtest/gtest.h>
 #include <sys/stat.h>
@@ -147,7 +147,7 @@ TEST_F(FileRemovalTest, AFolderInTheHomeMayBeRemoved) {
 }
 
 TEST_F(FileRemovalTest, AnItemThatMayNotBeRemovedIsAnError) {
-    EXPECT_TRUE(asOrdinaryUser(folder_.path(), [&] {
+    EXPECT_TRUE(asUnprivilegedUser(folder_.path(), [&] {
         write(at("closed/file"), "x");
         fs::permissions(at("closed"), fs::perms{0555});
         try {

@@ -6,8 +6,8 @@
 #include "Platform/files/Folder.h"
 #include "Platform/files/PlatformError.h"
 #include "tests/support/AppBundles.h"
-#include "tests/support/OrdinaryUser.h"
 #include "tests/support/TemporaryHome.h"
+#include "tests/support/UnprivilegedUser.h"
 
 #include <fcntl.h>
 #include <gmock/gmock.h>
@@ -163,7 +163,7 @@ TEST_F(FileSystemTest, AFileHasNoEntries) {
 }
 
 TEST_F(FileSystemTest, AnUnreadableFolderHasNoEntries) {
-    EXPECT_TRUE(asOrdinaryUser(folder_.path(), [&] {
+    EXPECT_TRUE(asUnprivilegedUser(folder_.path(), [&] {
         fs::create_directory(at("closed"));
         fs::permissions(at("closed"), fs::perms::none);
         return !directoryEntries(at("closed"));

@@ -3,9 +3,9 @@
 #include "Platform/files/PlatformError.h"
 
 #include "tests/support/EveryStep.h"
-#include "tests/support/OrdinaryUser.h"
 #include "tests/support/SmallDisk.h"
 #include "tests/support/TemporaryHome.h"
+#include "tests/support/UnprivilegedUser.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -114,7 +114,7 @@ TEST_F(FileWritingTest, AnotherUsersFileThatTheGroupMayWriteIsReplaced) {
     // New files in this folder belong to another group.
     ASSERT_EQ(::chown(at("shared").c_str(), owner, otherGroup), 0);
     ASSERT_EQ(::chmod(at("shared").c_str(), 02777), 0);
-    EXPECT_TRUE(asOrdinaryUser(folder_.path(), [&] {
+    EXPECT_TRUE(asUnprivilegedUser(folder_.path(), [&] {
         writeFile(at("shared/file"), "new");
         return read(at("shared/file")) == "new";
     }));
@@ -124,7 +124,7 @@ TEST_F(FileWritingTest, AnotherUsersFileThatTheGroupMayWriteIsReplaced) {
 }
 
 TEST_F(FileWritingTest, AFileThatMayNotBeWrittenIsNotReplaced) {
-    EXPECT_TRUE(asOrdinaryUser(folder_.path(), [&] {
+    EXPECT_TRUE(asUnprivilegedUser(folder_.path(), [&] {
         write(at("file"), "old");
         fs::permissions(at("file"), fs::perms{0444});
         try {
@@ -138,7 +138,7 @@ TEST_F(FileWritingTest, AFileThatMayNotBeWrittenIsNotReplaced) {
 }
 
 TEST_F(FileWritingTest, AFileInAReadOnlyFolderIsUnchanged) {
-    EXPECT_TRUE(asOrdinaryUser(folder_.path(), [&] {
+    EXPECT_TRUE(asUnprivilegedUser(folder_.path(), [&] {
         write(at("closed/file"), "old");
         fs::permissions(at("closed"), fs::perms{0555});
         try {

@@ -5,10 +5,10 @@
 #include "Platform/files/FileHandle.h"
 #include "Platform/files/FileSystem.h"
 #include "tests/support/EveryStep.h"
-#include "tests/support/OrdinaryUser.h"
 #include "tests/support/OtherVolume.h"
 #include "tests/support/PrivateMounts.h"
 #include "tests/support/SmallDisk.h"
+#include "tests/support/UnprivilegedUser.h"
 
 #include <algorithm>
 #include <array>
@@ -279,7 +279,7 @@ TEST_P(ItemMoverVolumesTest, AnUnreadableItemStaysAndIsNamed) {
     for (const fs::path& folder : {folder_.path(), other_.path()}) {
         fs::permissions(folder, fs::perms{0777});
     }
-    EXPECT_TRUE(asOrdinaryUser(from(""), [&] {
+    EXPECT_TRUE(asUnprivilegedUser(from(""), [&] {
         write(from("a/below/closed"), "x");
         write(from("a/file"), "y");
         fs::permissions(from("a/below/closed"), fs::perms::none);
@@ -295,7 +295,7 @@ TEST_P(ItemMoverVolumesTest, AnItemThatCouldNotBeRemovedAfterwardsStaysAndIsName
     for (const fs::path& folder : {folder_.path(), other_.path()}) {
         fs::permissions(folder, fs::perms{0777});
     }
-    EXPECT_TRUE(asOrdinaryUser(from(""), [&] {
+    EXPECT_TRUE(asUnprivilegedUser(from(""), [&] {
         write(from("a/fixed/file"), "x");
         fs::permissions(from("a/fixed"), fs::perms{0555});
         const std::string failure = failureOf([&] { ItemMover().move(from("a"), to("a")); });

@@ -2,8 +2,8 @@
 
 #include "Platform/files/FileHandle.h"
 #include "Platform/files/PlatformError.h"
-#include "tests/support/OrdinaryUser.h"
 #include "tests/support/TemporaryHome.h"
+#include "tests/support/UnprivilegedUser.h"
 
 #include <atomic>
 #include <cstdio>
@@ -59,7 +59,7 @@ TEST_F(ItemRemovalTest, CountsTheRemovedItems) {
 }
 
 TEST_F(ItemRemovalTest, ContinuesAfterAFailureAndCountsBoth) {
-    EXPECT_TRUE(asOrdinaryUser(folder_.path(), [&] {
+    EXPECT_TRUE(asUnprivilegedUser(folder_.path(), [&] {
         writeMany("tree/open", 20);
         write(at("tree/closed/kept"), "x");
         fs::permissions(at("tree/closed"), fs::perms{0555});
@@ -73,7 +73,7 @@ TEST_F(ItemRemovalTest, ContinuesAfterAFailureAndCountsBoth) {
 }
 
 TEST_F(ItemRemovalTest, AnUnreadableFolderIsRemovedOnlyIfEmpty) {
-    EXPECT_TRUE(asOrdinaryUser(folder_.path(), [&] {
+    EXPECT_TRUE(asUnprivilegedUser(folder_.path(), [&] {
         fs::create_directories(at("tree/empty"));
         fs::permissions(at("tree/empty"), fs::perms{});
         const bool emptyGoes = ItemRemoval::of(at("tree"))->remove().isComplete();
@@ -120,7 +120,7 @@ TEST_F(ItemRemovalTest, AReplacementOfTheItemStays) {
 }
 
 TEST_F(ItemRemovalTest, RefusesAnItemInAReadOnlyFolder) {
-    EXPECT_TRUE(asOrdinaryUser(folder_.path(), [&] {
+    EXPECT_TRUE(asUnprivilegedUser(folder_.path(), [&] {
         const auto isRefused = [&](const char* path, std::string_view kept) {
             try {
                 ItemRemoval::of(at(path))->refuseUnchangeable(kept);
@@ -150,7 +150,7 @@ TEST_F(ItemRemovalTest, RefusesAnItemThatOnlyItsOwnerMayRemove) {
     write(at("shared/tree/file"), "x");
     fs::permissions(folder_.path(), fs::perms{0755});
     fs::permissions(at("shared"), fs::perms{01777});
-    EXPECT_TRUE(asOrdinaryUser(at("shared/tree"), [&] {
+    EXPECT_TRUE(asUnprivilegedUser(at("shared/tree"), [&] {
         try {
             ItemRemoval::of(at("shared/tree"))->refuseUnchangeable();
         } catch (const PlatformError&) {
@@ -159,7 +159,7 @@ TEST_F(ItemRemovalTest, RefusesAnItemThatOnlyItsOwnerMayRemove) {
         return true;
     }));
     ASSERT_EQ(::chown(at("shared/tree").c_str(), 4242, 4242), 0);
-    EXPECT_TRUE(asOrdinaryUser(at("shared/tree/file"), [&] {
+    EXPECT_TRUE(asUnprivilegedUser(at("shared/tree/file"), [&] {
         try {
             ItemRemoval::of(at("shared/tree"))->refuseUnchangeable();
         } catch (const PlatformError& error) {

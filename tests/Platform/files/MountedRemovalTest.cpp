@@ -79,7 +79,7 @@ protected:
             return "removed";
         } catch (const PlatformError& error) {
             const std::string text = error.what();
-            if (text.find("mounted at " + mounted.string()) == text.npos) {
+            if (text.find("mounted at " + mounted.string()) == std::string::npos) {
                 return text;
             }
         }

@@ -21,7 +21,7 @@ protected:
         Process process = Process::run({.executable = "/bin/sh",
                                         .arguments = {"-c", "cd; " + script},
                                         .environment = environment});
-        EXPECT_TRUE(waitFor([&] { return fs::exists(home_ / "ready"); }));
+        EXPECT_TRUE(waitUntil([&] { return fs::exists(home_ / "ready"); }));
         return {.process = std::move(process), .home = home_.path()};
     }
 
@@ -49,7 +49,7 @@ TEST_F(ProcessShutdownTest, AskingTwiceSendsOneSignal) {
         start("count=0; trap 'count=$((count + 1)); echo $count > answer' TERM; "
               "> ready; while :; do sleep 0.02; done");
     process.terminate();
-    ASSERT_TRUE(waitFor([&] { return fs::exists(home_ / "answer"); }));
+    ASSERT_TRUE(waitUntil([&] { return fs::exists(home_ / "answer"); }));
     process.terminate();
     terminateAndWait(listOf(std::move(process)), milliseconds(300));
     EXPECT_EQ(read(home_ / "answer"), "1\n");
@@ -68,7 +68,7 @@ TEST_F(ProcessShutdownTest, InTheBackgroundTheCallerDoesNotWait) {
     IsolatedProcess process = start("trap '' TERM; > ready; while :; do sleep 0.02; done");
     terminateInBackground(std::move(process), milliseconds(1'000));
     EXPECT_GE(running(), 1U);
-    EXPECT_TRUE(waitFor([&] { return running() == 0; }));
+    EXPECT_TRUE(waitUntil([&] { return running() == 0; }));
 }
 
 } // namespace

@@ -255,7 +255,7 @@ TEST(ProcessTest, ADetachedProcessKeepsRunningAndLeavesNoZombie) {
     }
     EXPECT_TRUE(processExists(pid));
     ASSERT_EQ(::kill(pid, SIGTERM), 0);
-    EXPECT_TRUE(waitFor([&] { return !processExists(pid); }));
+    EXPECT_TRUE(waitUntil([&] { return !processExists(pid); }));
 }
 
 TEST(ProcessTest, AProcessThatHasEndedIsReapedByItsDestructor) {

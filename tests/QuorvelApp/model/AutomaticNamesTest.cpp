@@ -10,7 +10,7 @@ struct Row {
     const char* name;
 };
 
-TEST(AutomaticNamesTest, AHostIsWhatTheStandardTakesForOne) {
+TEST(AutomaticNamesTest, AHostIsWhatTheStandardCallsOne) {
     for (const Row& row :
          {Row{"example.com:99999", "Example.Com"}, Row{"example.com:", "Example.Com"},
           Row{"a..b", "A..B"}, Row{"https://a%41.c", "Aa.C"},
@@ -24,7 +24,7 @@ TEST(AutomaticNamesTest, AHostIsWhatTheStandardTakesForOne) {
     }
 }
 
-TEST(AutomaticNamesTest, WhatIsNoHostNamesNothing) {
+TEST(AutomaticNamesTest, WhatIsNotAHostNamesNothing) {
     for (const char* typed :
          {"",     " ",      "a b",  "https://", "https:///x", "https://:80", "https://user@", "a:b",
           "a:8x", "1s://a", "://a", "a%4",      "a%zz",       "a%FF",        "a\\b",          "a<b",

@@ -40,7 +40,7 @@ TEST(ShownTextTest, ShowsWhatCantBeSeenUnlessItBelongsThere) {
     EXPECT_EQ(shownLine("👨\u200d👩 می\u200cخواهم ❤\ufe0f"), u"👨\u200d👩 می\u200cخواهم ❤\ufe0f"_s);
 }
 
-TEST(ShownTextTest, IsCutBehindSoManyCharacters) {
+TEST(ShownTextTest, IsCutAfterItsLongestLength) {
     const std::string megabyte(1 << 20, 'W');
     EXPECT_EQ(shownLine(megabyte), QString(longestShownLine, u'W') + u'…');
     EXPECT_EQ(shownText(megabyte), QString(longestShownText, u'W') + u'…');
@@ -70,7 +70,7 @@ TEST(ShownTextTest, IsCutBetweenWholeCharacters) {
     EXPECT_EQ(shownLine(faces), QString(longestShownLine, u'工') + u'…');
 }
 
-TEST(ShownTextTest, BreakableMarksPathsBehindTheirSeparators) {
+TEST(ShownTextTest, BreakableMarksPathsAfterTheirSeparators) {
     EXPECT_EQ(breakable(u"/a/b-c"_s), u"/\u200Ba/\u200Bb-\u200Bc"_s);
     EXPECT_EQ(breakable(u"two words"_s), u"two words"_s);
 }

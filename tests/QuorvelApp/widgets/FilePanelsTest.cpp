@@ -19,7 +19,7 @@ namespace {
 namespace fs = std::filesystem;
 using namespace Qt::StringLiterals;
 
-/// The real panels, with somebody who looks at each and answers it.
+/// The real panels, each inspected and answered when it appears.
 class FilePanelsTest : public ::testing::Test {
 protected:
     FilePanelsTest() {
@@ -84,7 +84,7 @@ protected:
     FilePanels panels = FilePanels::ofTheSystem();
 };
 
-TEST_F(FilePanelsTest, ReadAsTheyShallWhateverIsSelected) {
+TEST_F(FilePanelsTest, HaveTheirTextsWhateverIsSelected) {
     struct Case {
         const FilePanels::Panel& panel;
         QString prompt;
@@ -142,7 +142,7 @@ TEST_F(FilePanelsTest, ShowsIconFilesAloneWhereAnIconIsChosen) {
     });
 }
 
-TEST_F(FilePanelsTest, WriteNothingDown) {
+TEST_F(FilePanelsTest, WriteNoSettings) {
     use(panels.file, [](QFileDialog&) {});
     QSettings remembered(QSettings::UserScope, u"QtProject"_s);
     remembered.setValue(u"FileDialog/lastVisited"_s, u"x"_s);
