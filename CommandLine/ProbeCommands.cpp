@@ -9,6 +9,8 @@
 #include "ProbeKit/Farewell.h"
 #include "ProbeKit/ProfileGenerator.h"
 
+#include <nlohmann/json.hpp>
+
 #include <algorithm>
 #include <iterator>
 #include <ostream>
@@ -48,7 +50,7 @@ AppProber makeProber(const Surroundings& with, const std::string& app, const Pro
     return std::move(*prober);
 }
 
-// Nothing that the trial started outlives the command.
+// No process of the trial outlives the command.
 class TrialProcesses {
 public:
     TrialProcesses() = default;

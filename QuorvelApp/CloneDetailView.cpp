@@ -3,7 +3,9 @@
 #include "LaunchKit/HomeLock.h"
 #include "LaunchKit/InstanceLauncher.h"
 #include "QuorvelApp/library/MigrationCallout.h"
+#include "QuorvelApp/model/CloneListModel.h"
 #include "QuorvelApp/model/ShownText.h"
+#include "QuorvelApp/model/Translated.h"
 #include "QuorvelApp/widgets/CopyableLabel.h"
 #include "QuorvelApp/widgets/MessageSheet.h"
 #include "QuorvelApp/widgets/Sheet.h"
@@ -17,7 +19,7 @@ namespace {
 
 using namespace Qt::StringLiterals;
 
-// Takes the height of what it holds, however high the window is.
+// As high as its content, however high the window is.
 QWidget* makeBand() {
     auto* band = new QWidget;
     band->setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
@@ -108,7 +110,7 @@ void CloneDetailView::setClone(const InstanceRecord& clone) {
     clone_ = clone;
     icon_->setPath(iconPathOf(clone));
     name_->setFullText(shownLine(clone.config.displayName));
-    setRows(detailRows(clone.config, clone.bundleURL));
+    setRows(cloneDetails(clone, translated));
     refreshRunning();
 }
 
@@ -117,7 +119,7 @@ void CloneDetailView::launch() {
     showCallout();
 }
 
-// A launch links folders that hold nothing.
+// A launch links empty folders.
 void CloneDetailView::showCallout() {
     callout_->setVisible(
         InstanceLauncher::needsSharedFolderMigration(clone_.config.resolvedHome()));
@@ -131,7 +133,7 @@ void CloneDetailView::refreshRunning() {
     launch_->setText(running ? tr("Foc&us") : tr("&Launch"));
 }
 
-void CloneDetailView::setRows(const std::vector<DetailRow>& rows) {
+void CloneDetailView::setRows(const std::vector<Fact>& rows) {
     if (rows == rows_) {
         return;
     }
@@ -166,7 +168,7 @@ void CloneDetailView::confirmDelete() {
 }
 
 void CloneDetailView::removeWithData(const InstanceRecord& clone) {
-    // Nothing tells of clones that were started or ended elsewhere.
+    // Clones that were started or ended elsewhere are not reported.
     model_.refreshRunningState();
     if (!model_.isRunning(clone) && !isHomeInUse(clone.config)) {
         model_.remove(clone, true);

@@ -55,6 +55,8 @@ public:
     /// The image to show at `side` pixels: the smallest that is at least so wide, else the widest;
     /// one that can't be decoded is passed over. Null without any.
     [[nodiscard]] QImage nearest(int side) const;
+    /// Returns whether there is one.
+    [[nodiscard]] bool isDecodable(int side) const;
 
 private:
     class Contents;

@@ -22,7 +22,7 @@ ModelAlert::ModelAlert(AppModel& model, Text text, QWidget* window)
 void ModelAlert::refresh() {
     const auto& message = text_ == Text::error ? model_.lastError() : model_.statusMessage();
     if (sheet_) {
-        // Ends without clearing what took its message's place.
+        // Closes without clearing the message that replaced its own.
         sheet_->dialog()->disconnect(this);
         sheet_->dialog()->done(QDialog::Accepted);
         sheet_.clear();

@@ -20,12 +20,12 @@ Sidebar::Sidebar(AppModel& model, IconLoader& icons, QWidget* parent)
     setMinimumWidth(minimumColumnWidth);
     states_->addWidget(makeEmptyState());
     states_->addWidget(makeList(icons));
-    connect(&model_, &AppModel::clonesChanged, this, &Sidebar::takeClones);
+    connect(&model_, &AppModel::clonesChanged, this, &Sidebar::updateRows);
     connect(&model_, &AppModel::runningBundleIdsChanged, this,
             [this] { rows_.setRunning(model_.runningBundleIds()); });
     connect(&icons, &IconLoader::loaded, list_->viewport(),
             [this] { list_->viewport()->update(); });
-    takeClones();
+    updateRows();
 }
 
 QWidget* Sidebar::makeEmptyState() {
@@ -79,8 +79,8 @@ QSize Sidebar::sizeHint() const {
     return {idealColumnWidth, 480};
 }
 
-void Sidebar::takeClones() {
-    taking_ = true;
+void Sidebar::updateRows() {
+    updating_ = true;
     rows_.setClones(model_.clones());
     const int row = selection_ ? rows_.rowOf(*selection_) : -1;
     if (row >= 0) {
@@ -88,7 +88,7 @@ void Sidebar::takeClones() {
     } else {
         list_->selectionModel()->clear();
     }
-    taking_ = false;
+    updating_ = false;
     states_->setCurrentIndex(model_.clones().empty() ? 0 : 1);
 }
 
@@ -100,8 +100,8 @@ void Sidebar::select(const std::string& id) {
 }
 
 void Sidebar::rowSelected() {
-    // Rows that come and go are not the user's choice; the selection stays, even of what is gone.
-    if (taking_) {
+    // Model updates must not change the selection, not even when its clone is gone.
+    if (updating_) {
         return;
     }
     const QModelIndexList rows = list_->selectionModel()->selectedIndexes();

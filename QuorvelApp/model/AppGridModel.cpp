@@ -1,7 +1,6 @@
 #include "QuorvelApp/model/AppGridModel.h"
 
 #include "QuorvelApp/model/ShownText.h"
-#include "QuorvelApp/newclone/AppTile.h"
 
 namespace quorvel {
 
@@ -52,10 +51,15 @@ QVariant AppGridModel::data(const QModelIndex& index, int role) const {
     switch (role) {
     case Qt::DisplayRole:
         return shownLine(item.name);
+    case PathRole:
+        return QVariant::fromValue(item.url);
     case SandboxedRole:
         return isSandboxed(item);
     case Qt::AccessibleDescriptionRole:
-        return isSandboxed(item) ? AppTile::sandboxHelp() : QString();
+        return isSandboxed(item)
+                   ? tr("Sandboxed — you'll get a separate Dock icon, but macOS won't let "
+                        "Quorvel isolate its data")
+                   : QString();
     default:
         return {};
     }

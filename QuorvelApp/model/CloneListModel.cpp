@@ -1,6 +1,6 @@
 #include "QuorvelApp/model/CloneListModel.h"
 
-#include "QuorvelApp/model/DisplayTexts.h"
+#include "Presentation/CloneFacts.h"
 #include "QuorvelApp/model/QtText.h"
 #include "QuorvelApp/model/ShownText.h"
 
@@ -19,12 +19,17 @@ std::unordered_set<std::string> idsOf(const std::vector<InstanceRecord>& clones)
     return ids;
 }
 
-// Two listings of one folder never do that; two search folders that are one do.
+// Never in a listing of one folder; but two search folders may be the same one.
 bool hasRepeated(const std::vector<InstanceRecord>& clones) {
     return idsOf(clones).size() != clones.size();
 }
 
 } // namespace
+
+// Without a look at the disk: this is asked at each painting.
+std::filesystem::path iconPathOf(const InstanceRecord& clone) {
+    return clone.bundleURL / "Contents" / "Resources" / "AppIcon.icns";
+}
 
 void CloneListModel::setClones(const std::vector<InstanceRecord>& clones) {
     if (hasRepeated(clones) || hasRepeated(clones_) || !keepsOrder(clones)) {
@@ -127,6 +132,8 @@ QVariant CloneListModel::data(const QModelIndex& index, int role) const {
         return shownLine(sourceSummary(record.config));
     case RunningRole:
         return running;
+    case IconPathRole:
+        return QVariant::fromValue(iconPathOf(record));
     case IdRole:
         return qtText(record.id());
     case Qt::AccessibleTextRole:

@@ -4,30 +4,29 @@
 
 #include <string_view>
 
-/// Texts from files as they may stand on the screen: plain, and unable to reach beyond themselves.
+/// Makes texts from files safe to show: plain, and unable to affect what is around them.
 namespace quorvel {
 
-/// More of a text is not shown, in UTF-16 units: laying it out would keep the window from working.
+/// Longer texts are cut, in UTF-16 units: laying them out would block the window.
 inline constexpr qsizetype longestShownText = 4096;
 inline constexpr qsizetype longestShownLine = 500;
 
-/// `text` with what `HarmfulText` finds (what would turn the writing direction, steer or vanish)
-/// shown as U+FFFD. Line breaks stay. What is longer than `longestShownText` is cut behind
-/// a whole character, and ends with "…".
+/// Returns `text` with what `HarmfulText` finds (bidirectional, control and invisible characters)
+/// shown as U+FFFD. Line breaks stay. A text longer than `longestShownText` is cut after a whole
+/// character and ends with "…".
 [[nodiscard]] QString shownText(std::string_view text);
 
-/// The same on one line, for names and whatever stands within a sentence, and cut behind
+/// Returns the same on one line, for names and other parts of a sentence, cut after
 /// `longestShownLine`.
 [[nodiscard]] QString shownLine(std::string_view text);
 
-/// `text` with places at which words that are longer than a line may be broken, which are
-/// `breakMark`s.
+/// Returns `text` with a `breakMark` wherever a word that is longer than a line may be broken.
 [[nodiscard]] QString breakable(const QString& text);
 
 /// A space without width.
 inline constexpr QChar breakMark{0x200B};
 
-/// `text` for a tooltip, which would else guess whether it is markup.
+/// Returns `text` for a tooltip, which would otherwise guess whether it is markup.
 [[nodiscard]] QString toolTipText(const QString& text);
 
 } // namespace quorvel

@@ -188,7 +188,8 @@ void AppPicker::tileSelected() {
     }
 }
 
-void AppPicker::tileAppeared(const InstalledApp& app) {
+void AppPicker::tileAppeared(const QModelIndex& tile) {
+    const InstalledApp& app = apps_.app(tile.row());
     // Asked once a sheet: a tile is painted over and over.
     if (asked_.insert(app.id()).second) {
         session_.model().ensureSandboxStatus(app);

@@ -3,6 +3,7 @@
 #include "QuorvelApp/Components.h"
 #include "QuorvelApp/model/QtText.h"
 #include "QuorvelApp/model/ShownText.h"
+#include "QuorvelApp/model/Translated.h"
 #include "QuorvelApp/widgets/CopyableLabel.h"
 
 #include <QHBoxLayout>
@@ -30,7 +31,7 @@ StrategySection::StrategySection(NewCloneSession& session)
     choices_->setAccessibleName(tr("Isolation strategy"));
     choices_->setItemDelegate(new QStyledItemDelegate(choices_)); // so that the style sheet applies
     for (const Strategy strategy : selectableStrategies) {
-        choices_->addItem(qtText(strategyLabel(rawString(strategy))));
+        choices_->addItem(qtText(strategyLabel(rawString(strategy), translated)));
     }
     connect(choices_, &QComboBox::currentIndexChanged, this, [this](int index) {
         if (index >= 0) {

@@ -38,7 +38,7 @@ SegmentedControl::SegmentedControl(const QString& accessibleName, const QStringL
     fixFocus();
 }
 
-// The tabulator stops at the chosen segment alone; arrows go to the others.
+// Tab stops only at the selected segment; arrows go to the others.
 void SegmentedControl::fixFocus() {
     for (QAbstractButton* segment : buttons_->buttons()) {
         segment->setFocusPolicy(segment->isChecked() ? Qt::StrongFocus : Qt::ClickFocus);

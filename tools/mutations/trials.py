@@ -11,6 +11,7 @@ LAYERS = {
     "LaunchKit": {"launchkit_tests": "*", "icon_tests": "WrapperIcon.*"},
     "LaunchKit's icons": {"icon_tests": "*"},
     "ProbeKit": {"probe_tests": "*"},
+    "Presentation": {"presentation_tests": "*"},
     "Runner": {"runner_tests": "*"},
     "CommandLine": {"commandline_tests": "*"},
     "QuorvelApp": {"app_tests": "*"},

@@ -20,9 +20,9 @@ namespace fs = std::filesystem;
 using namespace Qt::StringLiterals;
 
 /// The real panels, with somebody who looks at each and answers it.
-class FilePanelsTest : public ::testing::Test {
+class SystemFilePanelsTest : public ::testing::Test {
 protected:
-    FilePanelsTest() {
+    SystemFilePanelsTest() {
         write(folder / "file.txt", "x");
         fs::create_directories(folder / "inside");
     }
@@ -81,10 +81,10 @@ protected:
     }
 
     TemporaryFolder folder;
-    FilePanels panels = FilePanels::ofTheSystem();
+    FilePanels panels = systemFilePanels();
 };
 
-TEST_F(FilePanelsTest, ReadAsTheyShallWhateverIsSelected) {
+TEST_F(SystemFilePanelsTest, ReadAsTheyShallWhateverIsSelected) {
     struct Case {
         const FilePanels::Panel& panel;
         QString prompt;
@@ -106,7 +106,7 @@ TEST_F(FilePanelsTest, ReadAsTheyShallWhateverIsSelected) {
     }
 }
 
-TEST_F(FilePanelsTest, TakeFilesFoldersOrBoth) {
+TEST_F(SystemFilePanelsTest, TakeFilesFoldersOrBoth) {
     const auto choosing = [&](const QString& name) {
         return [this, name](QFileDialog& dialog) {
             selectItem(dialog, name);
@@ -121,7 +121,7 @@ TEST_F(FilePanelsTest, TakeFilesFoldersOrBoth) {
     EXPECT_EQ(use(panels.dataFolder, choosing(u"inside"_s)), folder / "inside");
 }
 
-TEST_F(FilePanelsTest, OffersToMakeAFolderOnlyForData) {
+TEST_F(SystemFilePanelsTest, OffersToMakeAFolderOnlyForData) {
     const auto mayMake = [&](const FilePanels::Panel& panel) {
         bool may = false;
         use(panel, [&](QFileDialog& dialog) {
@@ -135,14 +135,14 @@ TEST_F(FilePanelsTest, OffersToMakeAFolderOnlyForData) {
     EXPECT_FALSE(mayMake(panels.folder));
 }
 
-TEST_F(FilePanelsTest, ShowsIconFilesAloneWhereAnIconIsChosen) {
+TEST_F(SystemFilePanelsTest, ShowsIconFilesAloneWhereAnIconIsChosen) {
     use(panels.icon, [](QFileDialog& dialog) {
         EXPECT_EQ(dialog.nameFilters(), QStringList(u"Icons (*.icns)"_s));
         EXPECT_EQ(dialog.fileMode(), QFileDialog::ExistingFile);
     });
 }
 
-TEST_F(FilePanelsTest, WriteNothingDown) {
+TEST_F(SystemFilePanelsTest, WriteNothingDown) {
     use(panels.file, [](QFileDialog&) {});
     QSettings remembered(QSettings::UserScope, u"QtProject"_s);
     remembered.setValue(u"FileDialog/lastVisited"_s, u"x"_s);
@@ -155,7 +155,7 @@ TEST_F(FilePanelsTest, WriteNothingDown) {
 class IconChoiceTest : public WindowTest {
 protected:
     IconChoiceTest() {
-        panels.icon = [this](QWidget*) { return std::optional(answer); };
+        panels.icon = [this](QObject*) { return std::optional(answer); };
         write(good, icnsFile(std::array{icnsChunk(chatIcon(64))}));
     }
 
