@@ -1,12 +1,13 @@
 #include "CommandLine/CloneCommands.h"
 
+#include "Base/PathText.h"
 #include "Base/TerminalText.h"
 #include "CommandLine/CloneLookup.h"
 #include "CommandLine/CloneTexts.h"
 #include "CommandLine/Confirmation.h"
 #include "LaunchKit/InstanceLauncher.h"
 #include "LaunchKit/RequestCheck.h"
-#include "Platform/files/FileSystem.h"
+#include "Platform/files/PlatformError.h"
 
 #include <nlohmann/json.hpp>
 

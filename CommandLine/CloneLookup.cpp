@@ -1,5 +1,6 @@
 #include "CommandLine/CloneLookup.h"
 
+#include "Base/PathText.h"
 #include "CommandLine/Surroundings.h"
 #include "LaunchKit/WrapperLayout.h"
 #include "Platform/files/FileSystem.h"

@@ -87,7 +87,7 @@ nlohmann::json jsonForm(const AppBundle& bundle) {
 
 std::string document(const nlohmann::json& value) {
     constexpr int indent = 2;
-    return escapingHarmful(
+    return escapingUnsafe(
                value.dump(indent, ' ', false, nlohmann::json::error_handler_t::replace)) +
            "\n";
 }

@@ -7,6 +7,7 @@
 #include "LaunchKit/CloneDeletion.h"
 #include "LaunchKit/DataFolderGuard.h"
 #include "LaunchKit/HomeLock.h"
+#include "Platform/files/FileRemoval.h"
 #include "Platform/files/FileSystem.h"
 
 #include <nlohmann/json.hpp>

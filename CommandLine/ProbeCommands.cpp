@@ -2,11 +2,10 @@
 
 #include "CommandLine/CloneLookup.h"
 #include "CommandLine/CloneTexts.h"
-#include "CommandLine/Interruption.h"
 #include "CommandLine/ProbeTexts.h"
 #include "LaunchKit/AppCatalog.h"
+#include "Platform/processes/InterruptFlag.h"
 #include "ProbeKit/AppProber.h"
-#include "ProbeKit/Farewell.h"
 #include "ProbeKit/ProfileGenerator.h"
 
 #include <nlohmann/json.hpp>
@@ -56,7 +55,7 @@ public:
     TrialProcesses() = default;
     TrialProcesses(const TrialProcesses&) = delete;
     TrialProcesses& operator=(const TrialProcesses&) = delete;
-    ~TrialProcesses() { waitForEnd(std::move(trials_), AppProber::grace); }
+    ~TrialProcesses() { terminateAndWait(std::move(trials_), AppProber::grace); }
 
     void take(TrialProcess trial) { trials_.push_back(std::move(trial)); }
 
@@ -64,7 +63,7 @@ private:
     std::vector<TrialProcess> trials_{};
 };
 
-ProbeResult runWithBar(const Surroundings& with, AppProber& prober, Interruption& interruption) {
+ProbeResult runWithBar(const Surroundings& with, AppProber& prober, InterruptFlag& interruption) {
     TrialProcesses processes;
     AppProber::Control control;
     control.cancelled = &interruption.flag();
@@ -110,7 +109,7 @@ void runningCommand(const Surroundings& with, const std::optional<std::string>& 
 void probeCommand(const Surroundings& with, const std::string& app, const ProbeOptions& options,
                   bool json, const EntitlementReader& entitlements) {
     AppProber prober = makeProber(with, app, options, entitlements);
-    Interruption interruption;
+    InterruptFlag interruption;
     ProbeResult result;
     try {
         result = runWithBar(with, prober, interruption);

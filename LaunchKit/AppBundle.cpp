@@ -1,7 +1,9 @@
 #include "LaunchKit/AppBundle.h"
 
+#include "Platform/files/PlatformError.h"
+#include "Base/BundleName.h"
+#include "Base/PathText.h"
 #include "Base/Utf8.h"
-#include "Platform/desktop/Workspace.h"
 #include "Platform/files/FileSystem.h"
 #include "Platform/files/PropertyListFile.h"
 #include "Platform/processes/Process.h"

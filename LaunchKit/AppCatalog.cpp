@@ -1,9 +1,10 @@
 #include "LaunchKit/AppCatalog.h"
 
+#include "Base/BundleName.h"
+#include "Base/PathText.h"
 #include "Base/Text.h"
 #include "LaunchKit/InstanceRegistry.h"
 #include "Platform/desktop/UserLocale.h"
-#include "Platform/desktop/Workspace.h"
 #include "Platform/files/FileSystem.h"
 #include "Platform/files/Folder.h"
 #include "Platform/files/PropertyListFile.h"

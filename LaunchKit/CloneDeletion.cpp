@@ -1,5 +1,7 @@
 #include "LaunchKit/CloneDeletion.h"
 
+#include "Platform/files/FileRemoval.h"
+#include "Platform/files/PlatformError.h"
 #include "LaunchKit/DataFolderGuard.h"
 #include "LaunchKit/WrapperLayout.h"
 #include "Platform/files/FileSystem.h"
@@ -66,7 +68,7 @@ DataStep dataStep(const InstanceRegistry& registry, const InstanceRecord& record
         return {{.outcome = DeletedData::Case::spared, .folder = folder.path}, {}};
     }
     if (folder.isBehindLink) {
-        refuse(folder.path, identityOfItself(folder.path) ? "is what a symbolic link leads to"
+        refuse(folder.path, identityOf(folder.path) ? "is what a symbolic link leads to"
                                                           : "is not written as a plain path");
     }
     DataStep step{{.folder = folder.path}, {}};

@@ -1,5 +1,6 @@
 #include "LaunchKit/DataFolderGuard.h"
 
+#include "Base/PathText.h"
 #include "LaunchKit/WrapperFactory.h"
 #include "Platform/files/FileSystem.h"
 #include "Platform/files/UserFolders.h"
@@ -19,10 +20,10 @@ std::vector<InstanceRecord> clonesBeside(InstanceRegistry registry, const fs::pa
         registry.searchDirs.push_back(beside);
     }
     std::vector<InstanceRecord> clones = registry.list();
-    const auto itself = identityOfItself(wrapper);
+    const auto itself = identityOf(wrapper);
     std::erase_if(clones, [&](const InstanceRecord& clone) {
         return clone.bundleURL == wrapper ||
-               (itself && identityOfItself(clone.bundleURL) == itself);
+               (itself && identityOf(clone.bundleURL) == itself);
     });
     return clones;
 }
@@ -34,12 +35,12 @@ std::string quoted(const std::string& name) {
 // "is WHAT" or "holds WHAT"; nothing where the folder is neither.
 std::optional<std::string> isOrHolds(const Place& folder, const fs::path& target,
                                      const std::string& what) {
-    switch (folder.towards(target)) {
-    case Standing::same:
+    switch (folder.relationTo(target)) {
+    case Relation::same:
         return "is " + what;
-    case Standing::above:
+    case Relation::ancestor:
         return "holds " + what;
-    case Standing::apart:
+    case Relation::unrelated:
         break;
     }
     return std::nullopt;
@@ -61,13 +62,13 @@ bool holdsUsersOwn(const Place& folder) {
         owned.emplace_back(home);
     }
     return std::any_of(owned.begin(), owned.end(),
-                       [&](const fs::path& own) { return folder.towards(own) != Standing::apart; });
+                       [&](const fs::path& own) { return folder.relationTo(own) != Relation::unrelated; });
 }
 
 bool isInAHomeOfTheUsers(const Place& folder) {
     const std::vector<std::string> homes = UserPaths::allHomes();
     return std::any_of(homes.begin(), homes.end(), [&](const std::string& home) {
-        return Place(home).towards(folder.path()) == Standing::above;
+        return Place(home).relationTo(folder.path()) == Relation::ancestor;
     });
 }
 
@@ -77,8 +78,8 @@ std::optional<std::string> ownerOfHomeAround(const Place& folder) {
         return std::nullopt;
     }
     for (const UserPaths::OtherHome& other : UserPaths::otherUsersHomes()) {
-        if (Place(other.home).towards(folder.path()) != Standing::apart ||
-            folder.towards(other.home) != Standing::apart) {
+        if (Place(other.home).relationTo(folder.path()) != Relation::unrelated ||
+            folder.relationTo(other.home) != Relation::unrelated) {
             return other.user;
         }
     }
@@ -92,7 +93,7 @@ DataFolderGuard::DataFolderGuard(const InstanceRegistry& registry, fs::path wrap
       others_(clonesBeside(registry, wrapper_)) {}
 
 bool DataFolderGuard::isInWrapper(const Place& folder) const {
-    return Place(wrapper_).towards(folder.path()) != Standing::apart;
+    return Place(wrapper_).relationTo(folder.path()) != Relation::unrelated;
 }
 
 std::optional<std::string> DataFolderGuard::objection(const Place& folder) const {
@@ -117,7 +118,7 @@ std::optional<std::string> DataFolderGuard::objection(const Place& folder) const
             return reason;
         }
         const Place others(data.path);
-        if (others.towards(folder.path()) == Standing::above && !holdsUsersOwn(others)) {
+        if (others.relationTo(folder.path()) == Relation::ancestor && !holdsUsersOwn(others)) {
             return "lies in " + what;
         }
     }
@@ -134,7 +135,7 @@ DataFolder dataFolderOf(const InstanceConfig& config) {
     }
     const fs::path written = withoutTrailingSlashes(home);
     const fs::path plain = withoutTrailingSlashes(written.lexically_normal());
-    if (plain != written && identityOfItself(plain) != identityOfItself(written)) {
+    if (plain != written && identityOf(plain) != identityOf(written)) {
         // "." and ".." after a link stand for what it leads to, without it their path is another's.
         return {.path = written, .isBehindLink = true};
     }

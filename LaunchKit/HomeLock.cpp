@@ -1,5 +1,7 @@
 #include "LaunchKit/HomeLock.h"
 
+#include "Platform/files/PlatformError.h"
+#include "Base/PathText.h"
 #include "Platform/files/FileSystem.h"
 
 #include <cerrno>

@@ -1,11 +1,12 @@
 #include "LaunchKit/IconComposer.h"
 
+#include "Platform/files/FileWriting.h"
+#include "Platform/files/PlatformError.h"
 #include "LaunchKit/Icons/FontEngine.h"
 #include "LaunchKit/Icons/IcnsWriter.h"
 #include "LaunchKit/Icons/IconImage.h"
 #include "LaunchKit/Icons/LabelPainter.h"
 #include "LaunchKit/Icons/LabelText.h"
-#include "Platform/files/FileSystem.h"
 
 #include <algorithm>
 #include <array>

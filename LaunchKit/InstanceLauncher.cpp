@@ -1,5 +1,8 @@
 #include "LaunchKit/InstanceLauncher.h"
 
+#include "Platform/files/FileHandle.h"
+#include "Platform/files/PlatformError.h"
+#include "Base/PathText.h"
 #include "Platform/files/ContainedFolder.h"
 #include "Platform/files/FileSystem.h"
 #include "Platform/files/UserPaths.h"

@@ -1,9 +1,11 @@
 #include "LaunchKit/InstanceRegistry.h"
 
+#include "Platform/files/FileWriting.h"
+#include "Base/BundleName.h"
+#include "Base/PathText.h"
 #include "Base/Text.h"
 #include "LaunchKit/CloneDeletion.h"
 #include "Platform/desktop/UserLocale.h"
-#include "Platform/desktop/Workspace.h"
 #include "Platform/files/FileSystem.h"
 #include "Platform/files/Folder.h"
 #include "Platform/files/UserPaths.h"

@@ -1,3 +1,6 @@
+#include "Platform/files/FileRemoval.h"
+#include "Platform/files/PlatformError.h"
+#include "Base/PathText.h"
 #include "LaunchKit/InstanceLauncher.h"
 #include "Platform/files/FileSystem.h"
 #include "Platform/files/ItemMover.h"
@@ -75,7 +78,7 @@ public:
         }
         finishEarlier(*names, mover);
         for (const std::string& entry : entries(source_)) {
-            const std::string from = source_ + "/" + entry;
+            const std::string from = joinAsText(source_, entry);
             attempt(from, result_.unmoved, [&] { moveEntry(from, entry, mover); });
         }
         return moved_;
@@ -85,7 +88,7 @@ private:
     // Moves that were cut off, so that what they copied does not come twice.
     void finishEarlier(const std::vector<std::string>& names, ItemMover& mover) {
         for (const std::string& name : names) {
-            const std::string leftover = source_ + "/" + name;
+            const std::string leftover = joinAsText(source_, name);
             if (ItemMover::isLeftover(name)) {
                 attempt(leftover, result_.unmoved, [&] {
                     moved_ += mover.finish(leftover, destination_, uniqueDestination) ? 1 : 0;
@@ -98,7 +101,7 @@ private:
         if (entry == ".DS_Store") {
             removeItem(from);
         } else if (!ItemMover::isLeftover(entry)) {
-            mover.move(from, uniqueDestination(destination_ + "/" + entry));
+            mover.move(from, uniqueDestination(joinAsText(destination_, entry)));
             ++moved_;
         }
     }

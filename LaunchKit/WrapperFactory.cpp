@@ -1,9 +1,9 @@
 #include "LaunchKit/WrapperFactory.h"
 
+#include "Base/PathText.h"
 #include "Base/Text.h"
 #include "LaunchKit/RunnerLocator.h"
 #include "LaunchKit/WrapperGenerator.h"
-#include "Platform/files/FileSystem.h"
 #include "Platform/files/UserPaths.h"
 
 namespace quorvel {

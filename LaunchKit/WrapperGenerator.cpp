@@ -1,5 +1,9 @@
 #include "LaunchKit/WrapperGenerator.h"
 
+#include "Platform/files/FileCopy.h"
+#include "Platform/files/FileWriting.h"
+#include "Platform/files/PlatformError.h"
+#include "Base/PathText.h"
 #include "Base/Text.h"
 #include "LaunchKit/CloneDeletion.h"
 #include "LaunchKit/IconComposer.h"

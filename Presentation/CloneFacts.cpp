@@ -1,6 +1,6 @@
 #include "Presentation/CloneFacts.h"
 
-#include "Platform/files/FileSystem.h"
+#include "Base/BundleName.h"
 #include "Presentation/SizeText.h"
 #include "Presentation/StrategyTexts.h"
 
@@ -133,8 +133,7 @@ std::vector<Fact> facts(const InstanceRecord& clone, const CloneState* state,
 
 std::string sourceSummary(const InstanceConfig& config) {
     if (config.kind == ShortcutKind::app) {
-        // A bundle's path may end with a slash, which is not a name.
-        return withoutTrailingSlashes(std::filesystem::path(config.targetAppPath)).stem().string();
+        return bundleFallbackName(config.targetAppPath);
     }
     return fullSource(config);
 }

@@ -1,5 +1,6 @@
 #include "Presentation/CloneNaming.h"
 
+#include "Base/PathText.h"
 #include "Base/Text.h"
 #include "Base/Utf8.h"
 
@@ -113,11 +114,9 @@ std::optional<std::string> nameForWebAddress(std::string_view address) {
 }
 
 std::optional<std::string> nameForCommand(std::string_view path) {
-    while (path.ends_with('/')) {
-        path.remove_suffix(1);
-    }
-    const std::string_view last = path.substr(path.find_last_of('/') + 1);
-    return last.empty() ? std::nullopt : std::optional(Text::capitalizingWords(last));
+    const std::string last = lastPathComponent(path);
+    return last.empty() || last == "/" ? std::nullopt
+                                       : std::optional(Text::capitalizingWords(last));
 }
 
 } // namespace quorvel

@@ -1,5 +1,6 @@
 #include "ProbeKit/AppProber.h"
 
+#include "Base/PathText.h"
 #include "Base/RandomUuid.h"
 #include "Base/Text.h"
 #include "LaunchKit/WrapperFactory.h"
@@ -75,21 +76,14 @@ private:
 // Asks the processes to end, in the order of their launch, and lets go of them.
 void dismiss(std::vector<TrialProcess>& trials, const std::function<void(TrialProcess)>& release) {
     for (TrialProcess& trial : trials) {
-        trial.terminate();
         if (release) {
+            trial.terminate();
             release(std::move(trial));
         } else {
-            endInBackground(std::move(trial), AppProber::grace);
+            terminateInBackground(std::move(trial), AppProber::grace);
         }
     }
     trials.clear();
-}
-
-void end(std::vector<TrialProcess> trials) {
-    for (TrialProcess& trial : trials) {
-        trial.terminate();
-    }
-    waitForEnd(std::move(trials), AppProber::grace);
 }
 
 } // namespace
@@ -111,8 +105,7 @@ AppProber::AppProber(AppBundle bundle, Surroundings surroundings)
     : bundle_(std::move(bundle)),
       realLibrary_(withoutTrailingSlashes(surroundings.realLibrary
                                               ? *surroundings.realLibrary
-                                              : UserPaths::expandTilde("~/Library"))
-                       .string()),
+                                              : UserPaths::expandTilde("~/Library"))),
       temporary_(surroundings.temporary.value_or(UserPaths::temporaryFolder())),
       workspace_(surroundings.workspace ? std::move(surroundings.workspace)
                                         : makeSystemWorkspace()),
@@ -141,7 +134,7 @@ ProbeResult AppProber::run(const Control& control) {
         if (control.release) {
             dismiss(launched, control.release);
         } else {
-            end(std::move(launched)); // who cancels may quit, which a thread of ours won't survive
+            terminateAndWait(std::move(launched), grace); // who cancels may quit, which a thread of ours won't survive
         }
         throw;
     }

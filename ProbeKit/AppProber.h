@@ -4,7 +4,7 @@
 #include "LaunchKit/AppBundle.h"
 #include "LaunchKit/InstanceLauncher.h"
 #include "Platform/desktop/Workspace.h"
-#include "ProbeKit/Farewell.h"
+#include "Platform/processes/ProcessShutdown.h"
 #include "ProbeKit/Models.h"
 
 #include <atomic>
@@ -18,6 +18,9 @@
 #include <vector>
 
 namespace quorvel {
+
+/// A process that a probe launched.
+using TrialProcess = IsolatedProcess;
 
 /// A probe that was given up on request.
 class ProbeCancelled : public Error {
@@ -50,7 +53,7 @@ public:
         std::function<void(double)> progress{};
         /// Takes over each launched process after it was asked to end. Empty: it is waited for in
         /// the background, and ended by force with all that it started when it still runs `grace`
-        /// later (see `waitForEnd`). A cancelled run waits for that itself before it throws.
+        /// later (see `terminateAndWait`). A cancelled run waits for that itself before it throws.
         std::function<void(TrialProcess)> release{};
     };
 

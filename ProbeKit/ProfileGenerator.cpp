@@ -1,7 +1,7 @@
 #include "ProbeKit/ProfileGenerator.h"
 
+#include "Base/BundleName.h"
 #include "LaunchKit/WrapperFactory.h"
-#include "Platform/desktop/Workspace.h"
 
 namespace quorvel {
 

@@ -4,6 +4,7 @@
 #include "LaunchKit/Icons/IcnsFile.h"
 #include "LaunchKit/InstanceLauncher.h"
 #include "Platform/files/FileSystem.h"
+#include "Platform/files/PlatformError.h"
 #include "Presentation/CloneNaming.h"
 #include "Presentation/MigrationSummary.h"
 #include "ProbeKit/ProfileGenerator.h"

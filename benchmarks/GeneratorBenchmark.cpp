@@ -1,7 +1,6 @@
 #include "benchmarks/Benchmarks.h"
 
 #include "LaunchKit/WrapperGenerator.h"
-#include "Platform/files/FileSystem.h"
 
 #include <fcntl.h>
 #include <sys/sendfile.h>

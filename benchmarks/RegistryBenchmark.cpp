@@ -1,3 +1,4 @@
+#include "Platform/files/FileWriting.h"
 #include "benchmarks/Benchmarks.h"
 
 #include "LaunchKit/InstanceRegistry.h"

@@ -1,7 +1,6 @@
 #include "benchmarks/Benchmarks.h"
 
 #include "LaunchKit/WrapperGenerator.h"
-#include "Platform/files/FileSystem.h"
 #include "Platform/processes/Process.h"
 
 #include <chrono>

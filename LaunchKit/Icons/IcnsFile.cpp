@@ -4,7 +4,7 @@
 #include "LaunchKit/Icons/ImageFile.h"
 #include "LaunchKit/Icons/Jpeg2000Image.h"
 #include "LaunchKit/RawStrings.h"
-#include "Platform/files/FileSystem.h"
+#include "Platform/files/FileReading.h"
 
 #include <algorithm>
 #include <numeric>

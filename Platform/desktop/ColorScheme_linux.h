@@ -7,7 +7,7 @@
 
 namespace quorvel {
 
-/// The freedesktop portal's answer.
+/// Reads the scheme from the freedesktop portal.
 class PortalColorScheme final : public QObject, public ColorSchemeSource {
     Q_OBJECT
 

@@ -1,17 +1,15 @@
 #include "Platform/desktop/ProcessTable_linux.h"
 
+#include "Base/BundleName.h"
 #include "Platform/desktop/ApplicationTrees_linux.h"
 #include "Platform/files/FileHandle.h"
-#include "Platform/files/FileSystem.h"
 #include "Platform/files/PropertyListFile.h"
+#include "Platform/processes/ProcessStat_linux.h"
 
 #include <algorithm>
 #include <cctype>
-#include <charconv>
 #include <chrono>
-#include <dirent.h>
 #include <fcntl.h>
-#include <memory>
 #include <optional>
 #include <sys/stat.h>
 #include <thread>
@@ -104,13 +102,6 @@ bool isInterpreterOf(const fs::path& script, const std::string& executable,
             fs::path(executable).filename().native().starts_with(interpreter));
 }
 
-std::optional<pid_t> processNumber(const char* name) {
-    pid_t number = 0;
-    const char* end = name + std::char_traits<char>::length(name);
-    const auto result = std::from_chars(name, end, number);
-    return result.ec == std::errc{} && result.ptr == end ? std::optional(number) : std::nullopt;
-}
-
 // `process` is the process's folder below /proc.
 std::string bundleOfScript(const std::string& process, const std::string& executable) {
     const std::string commandLine = readStart(process + "/cmdline");
@@ -162,13 +153,8 @@ const std::string* ProcessTable::identifierOf(const std::string& bundle) {
 std::vector<RunningApplication> ProcessTable::applications() {
     const std::lock_guard guard(mutex_);
     std::vector<RunningApplication> found;
-    const std::unique_ptr<DIR, int (*)(DIR*)> table(::opendir("/proc"), &::closedir);
-    while (const dirent* entry = table ? ::readdir(table.get()) : nullptr) {
-        const std::optional<pid_t> pid = processNumber(entry->d_name);
-        if (!pid) {
-            continue;
-        }
-        const std::string process = std::string("/proc/") + entry->d_name;
+    for (const pid_t pid : allProcesses()) {
+        const std::string process = "/proc/" + std::to_string(pid);
         const std::string executable = readLink(process + "/exe");
         if (executable.empty()) {
             continue;
@@ -179,7 +165,7 @@ std::vector<RunningApplication> ProcessTable::applications() {
         }
         const std::string* bundleId = bundle.empty() ? nullptr : identifierOf(bundle);
         if (bundleId != nullptr) {
-            found.push_back({*bundleId, bundle, *pid});
+            found.push_back({*bundleId, bundle, pid});
         }
     }
     return onePerApplication(std::move(found));

@@ -3,6 +3,7 @@
 #include "Platform/files/ByteCopy.h"
 #include "Platform/files/FileHandle.h"
 #include "Platform/files/Folder.h"
+#include "Platform/files/ItemAttributes.h"
 #include "Platform/files/PlatformError.h"
 #include "Platform/files/TreeComparison.h"
 #include "Platform/files/VolumeTransfer.h"
@@ -14,8 +15,6 @@
 namespace quorvel {
 namespace fs = std::filesystem;
 namespace {
-
-constexpr mode_t everyBit = 07777;
 
 // Without O_NONBLOCK, what was put in the place of a file could block.
 constexpr int reading = O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY | O_CLOEXEC;
@@ -33,21 +32,8 @@ bool isUnchanged(int descriptor, const struct stat& before) {
            date.tv_nsec == then.tv_nsec;
 }
 
-// Bits that lend the owner's rights are for the owner alone.
-mode_t modeFor(const struct stat& facts, bool sameOwner) {
-    return facts.st_mode & (sameOwner ? everyBit : 01777U);
-}
-
-// Only root can give files away; others own what they make.
-bool takesAfter(int copy, int original, const struct stat& facts) {
-    struct stat now {};
-    if (::fstat(copy, &now) != 0) {
-        return false;
-    }
-    const bool sameOwner = (now.st_uid == facts.st_uid && now.st_gid == facts.st_gid) ||
-                           ::fchown(copy, facts.st_uid, facts.st_gid) == 0;
-    return VolumeTransfer::copyExtendedAttributes(original, copy) &&
-           ::fchmod(copy, modeFor(facts, sameOwner)) == 0 &&
+bool setAttributes(int original, int copy, const struct stat& facts) {
+    return copyAttributes(original, copy, facts) &&
            ::futimens(copy, VolumeTransfer::datesIn(facts).data()) == 0;
 }
 
@@ -137,7 +123,7 @@ void TreeCopy::copyFolder(const Place& place, const struct stat& facts) {
     const bool emptied =
         names.empty() || ::faccessat(from->descriptor(), ".", W_OK | X_OK, AT_EACCESS) == 0;
     if (!emptied || !isUnchanged(from->descriptor(), facts) ||
-        !takesAfter(to.descriptor(), from->descriptor(), facts)) {
+        !setAttributes(from->descriptor(), to.descriptor(), facts)) {
         fail(place, errno);
     }
 }
@@ -150,7 +136,7 @@ void TreeCopy::copyFile(const Place& place, const struct stat& facts) {
     const FileHandle to(
         ::openat(place.to, place.name.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600));
     if (to.descriptor() < 0 || !copyBytes(from, to) || !isUnchanged(from.descriptor(), facts) ||
-        !takesAfter(to.descriptor(), from.descriptor(), facts)) {
+        !setAttributes(from.descriptor(), to.descriptor(), facts)) {
         fail(place, errno);
     }
     remember(place, facts, to.descriptor());
@@ -180,7 +166,7 @@ void TreeCopy::copyNode(const Place& place, const struct stat& facts) {
     }
     const bool sameOwner =
         ::fchownat(place.to, name, facts.st_uid, facts.st_gid, AT_SYMLINK_NOFOLLOW) == 0;
-    if (::fchmodat(place.to, name, modeFor(facts, sameOwner), 0) != 0 ||
+    if (::fchmodat(place.to, name, modeOfCopy(facts, sameOwner), 0) != 0 ||
         ::utimensat(place.to, name, VolumeTransfer::datesIn(facts).data(), AT_SYMLINK_NOFOLLOW) !=
             0) {
         fail(place, errno);

@@ -1,8 +1,8 @@
 #include "QuorvelApp/model/NewCloneForm.h"
 
+#include "Base/PathText.h"
 #include "Base/Text.h"
 #include "Platform/desktop/UserLocale.h"
-#include "Platform/files/FileSystem.h"
 #include "Presentation/CloneNaming.h"
 #include "Presentation/StrategyTexts.h"
 #include "QuorvelApp/model/QtText.h"

@@ -31,7 +31,7 @@ public:
     std::string commandArgsText{};
     std::string workdir{};
     std::string cloneName{};
-    std::string automaticName{}; ///< the last name from `autoNameIfNeeded`; empty once edited
+    std::string automaticName{}; ///< what `autoNameIfNeeded` gave last; empty once it was edited
     Strategy strategy = Strategy::homeOverride;
     bool launchAfter = true;
     bool shareUserFolders = true;
@@ -39,10 +39,10 @@ public:
     bool showAdvanced = false;
     std::string dataPath{};
     std::string argsText{};
-    std::string envText{}; ///< one KEY=VALUE per line
+    std::string envText{}; ///< one KEY=VALUE a line
     std::optional<std::filesystem::path> customIcon{};
     bool hideDockIcon = false;
-    std::string plistText{}; ///< one KEY=VALUE per line
+    std::string plistText{}; ///< one KEY=VALUE a line
     bool registerBrowser = false;
     bool openWith = false;
     std::string iconLabelText{};
@@ -54,53 +54,48 @@ public:
     bool detecting = false; ///< a detection is under way
     std::optional<std::string> detectNote{};
 
-    /// Returns whether there is something to run.
+    /// Whether there is something to run.
     [[nodiscard]] bool hasTarget() const;
     [[nodiscard]] bool canCreate() const;
-    /// Returns the trimmed name, or "Name" if it is empty.
+    /// The trimmed name; "Name" while there is none.
     [[nodiscard]] std::string cloneNameOrPlaceholder() const;
-    /// Returns "Saved to ~/Applications/NAME.app".
+    /// "Saved to ~/Applications/NAME.app".
     [[nodiscard]] std::string savedToText() const;
-    /// Returns the warning that creating the clone replaces one of these; empty if it does not.
+    /// The warning that the clone takes the place of one of these; empty when it does not.
     [[nodiscard]] std::string replacementText(const std::vector<InstanceRecord>& clones) const;
-    /// Returns the caption below the strategy.
+    /// What stands below the strategy.
     [[nodiscard]] std::string strategyCaption() const;
-    /// Returns the request for this form. Can't fail; the factory validates it.
+    /// The request that the form amounts to. Can't fail; the factory judges it.
     [[nodiscard]] WrapperFactory::Request makeRequest() const;
 
-    /// Returns the apps whose name contains the trimmed search text, in their order.
+    /// The apps whose name contains the trimmed search text, in their order.
     [[nodiscard]] std::vector<InstalledApp>
     filtered(const std::vector<InstalledApp>& catalog) const;
-    /// Returns the text shown instead of the grid when `filtered` is empty.
+    /// What stands in place of the grid when `filtered` is empty.
     [[nodiscard]] std::string noAppsText() const;
 
     /// Takes the app as target under that name, with every advanced option back at its default.
     void select(const InstalledApp& app, std::string suggestedName);
-    /// Names a web or command clone after its target, unless it has another name. A target without
-    /// a usable name removes an earlier automatic one.
+    /// Names a web or command clone after its target, unless it has a name from elsewhere. A target
+    /// that gives no name takes an earlier one's back.
     void autoNameIfNeeded();
-    /// Marks the name as the user's own, which is never replaced automatically.
+    /// The name is the user's from here on.
     void nameEdited();
-    /// Takes the file as target, and its name as the clone's if there is none.
     void chooseFile(const std::filesystem::path& file);
-    /// Takes the command as target, and names the clone after it if needed.
     void chooseCommand(const std::filesystem::path& command);
-    /// Makes the data location `folder` followed by the clone's name.
+    /// `folder` becomes the data location, with the clone's name behind it.
     void chooseDataFolder(const std::filesystem::path& folder);
 
-    /// Notes that a detection is under way.
     void beginDetecting();
-    /// Takes over what the detection recommends.
     void detected(Strategy recommended);
-    /// Notes why the detection failed; the strategy stays.
     void detectionFailed(std::string_view description);
 };
 
-/// Returns one entry for each line with "=" and a key before it. The key is trimmed, the value is
-/// not; the last line of a key counts.
+/// One entry for each line with "=" and a key before it. The key is trimmed, the value is not; the
+/// last line of a key counts.
 [[nodiscard]] std::map<std::string, std::string> parseKeyValues(std::string_view text);
 
-/// Returns the pieces between white space of every kind.
+/// The pieces between white space of every kind.
 [[nodiscard]] std::vector<std::string> splitIntoWords(std::string_view text);
 
 /// The strategies that can be chosen, in the order shown.

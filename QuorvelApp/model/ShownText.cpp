@@ -1,6 +1,6 @@
 #include "QuorvelApp/model/ShownText.h"
 
-#include "Base/HarmfulText.h"
+#include "Base/UnsafeText.h"
 #include "QuorvelApp/model/QtText.h"
 
 #include <QTextBoundaryFinder>
@@ -41,11 +41,12 @@ QString beginning(std::string_view text, qsizetype limit) {
 QString harmless(const QString& text, char16_t lineBreak) {
     QString result;
     bool afterReturn = false;
-    HarmfulText harm;
+    UnsafeText unsafe;
     const std::u32string scalars = text.toStdU32String();
     for (std::size_t index = 0; index < scalars.size(); ++index) {
         const char32_t scalar = scalars[index];
-        const bool harmful = harm.isHarmful(scalar, std::u32string_view(scalars).substr(index + 1));
+        const bool isUnsafe =
+            unsafe.isUnsafeForDisplay(scalar, std::u32string_view(scalars).substr(index + 1));
         // A return with a line feed after it is one break.
         if (isLineBreak(scalar)) {
             if (scalar != U'\n' || !afterReturn) {
@@ -55,7 +56,7 @@ QString harmless(const QString& text, char16_t lineBreak) {
             result += u' ';
         } else {
             result +=
-                harmful ? QString(QChar::ReplacementCharacter) : QString::fromUcs4(&scalar, 1);
+                isUnsafe ? QString(QChar::ReplacementCharacter) : QString::fromUcs4(&scalar, 1);
         }
         afterReturn = scalar == U'\r';
     }

@@ -11,7 +11,7 @@ namespace quorvel {
 inline constexpr qsizetype longestShownText = 4096;
 inline constexpr qsizetype longestShownLine = 500;
 
-/// Returns `text` with what `HarmfulText` finds (bidirectional, control and invisible characters)
+/// Returns `text` with what `UnsafeText` finds (bidirectional, control and invisible characters)
 /// shown as U+FFFD. Line breaks stay. A text longer than `longestShownText` is cut after a whole
 /// character and ends with "…".
 [[nodiscard]] QString shownText(std::string_view text);

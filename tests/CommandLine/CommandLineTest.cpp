@@ -26,7 +26,7 @@ std::size_t lines(const std::string& text) {
     return static_cast<std::size_t>(std::count(text.begin(), text.end(), '\n'));
 }
 
-TEST(CommandLine, WithoutACommandTheUsageIsShownAndTheStatusIsTwo) {
+TEST(CommandLineTest, WithoutACommandTheUsageIsShownAndTheStatusIsTwo) {
     CommandLineHarness harness;
     const CommandResult result = harness.run({});
     EXPECT_EQ(result.status, 2);
@@ -34,7 +34,7 @@ TEST(CommandLine, WithoutACommandTheUsageIsShownAndTheStatusIsTwo) {
     EXPECT_THAT(result.errors, HasSubstr("Usage: quorvelctl"));
 }
 
-TEST(CommandLine, AnUnknownOptionIsWrongUsageOfItsCommand) {
+TEST(CommandLineTest, AnUnknownOptionIsWrongUsageOfItsCommand) {
     CommandLineHarness harness;
     const CommandResult result = harness.run({"list", "--wrong"});
     EXPECT_EQ(result.status, 2);
@@ -42,7 +42,7 @@ TEST(CommandLine, AnUnknownOptionIsWrongUsageOfItsCommand) {
     EXPECT_THAT(result.errors, HasSubstr("Usage: quorvelctl list"));
 }
 
-TEST(CommandLine, EveryCommandHasHelp) {
+TEST(CommandLineTest, EveryCommandHasHelp) {
     CommandLineHarness harness;
     for (const char* command : {"inspect", "list", "show", "create", "open", "delete", "migrate",
                                 "icon", "apps", "probe", "running"}) {
@@ -53,7 +53,7 @@ TEST(CommandLine, EveryCommandHasHelp) {
     }
 }
 
-TEST(CommandLine, InspectTellsTheFactsAboutAnApplication) {
+TEST(CommandLineTest, InspectTellsTheFactsAboutAnApplication) {
     CommandLineHarness harness;
     const auto app = makeAppBundle(
         harness.home / "Browser.app",
@@ -71,7 +71,7 @@ TEST(CommandLine, InspectTellsTheFactsAboutAnApplication) {
     EXPECT_EQ(json.size(), 8U);
 }
 
-TEST(CommandLine, InspectRefusesWhatIsNoApplication) {
+TEST(CommandLineTest, InspectRefusesWhatIsNoApplication) {
     CommandLineHarness harness;
     const CommandResult result = harness.run({"inspect", "/no/such.app", "--json"});
     EXPECT_EQ(result.status, 1);
@@ -79,7 +79,7 @@ TEST(CommandLine, InspectRefusesWhatIsNoApplication) {
     EXPECT_EQ(result.errors, "Not a readable .app: /no/such.app\n");
 }
 
-TEST(CommandLine, ListPrintsTheClonesInOrder) {
+TEST(CommandLineTest, ListPrintsTheClonesInOrder) {
     CommandLineHarness harness;
     addClone(harness, "beta");
     const auto alpha = addClone(harness, "Alpha", "com.example.alpha");
@@ -93,7 +93,7 @@ TEST(CommandLine, ListPrintsTheClonesInOrder) {
     EXPECT_EQ(json[1]["running"], false);
 }
 
-TEST(CommandLine, ListLooksOnceForWhatRunsHoweverManyClonesThereAre) {
+TEST(CommandLineTest, ListLooksOnceForWhatRunsHoweverManyClonesThereAre) {
     CommandLineHarness harness;
     for (int number = 0; number < 50; ++number) {
         addClone(harness, "Clone " + std::to_string(number));
@@ -102,7 +102,7 @@ TEST(CommandLine, ListLooksOnceForWhatRunsHoweverManyClonesThereAre) {
     EXPECT_EQ(harness.workspace.snapshots, 1);
 }
 
-TEST(CommandLine, ListLooksInTheFoldersThatItIsGiven) {
+TEST(CommandLineTest, ListLooksInTheFoldersThatItIsGiven) {
     CommandLineHarness harness;
     addClone(harness, "At home");
     makeWrapper(harness.home / "a/One.app", minimalConfig("One"));
@@ -115,13 +115,13 @@ TEST(CommandLine, ListLooksInTheFoldersThatItIsGiven) {
     EXPECT_EQ(json[1]["bundleURL"], (harness.home / "b/Two.app").string());
 }
 
-TEST(CommandLine, ListOfNothingIsAnEmptyArray) {
+TEST(CommandLineTest, ListOfNothingIsAnEmptyArray) {
     CommandLineHarness harness;
     EXPECT_EQ(harness.run({"list", "--json"}).json(), nlohmann::json::array());
     EXPECT_EQ(harness.run({"list"}).output, "");
 }
 
-TEST(CommandLine, AnIconIsNamedWhereThereIsOne) {
+TEST(CommandLineTest, AnIconIsNamedWhereThereIsOne) {
     CommandLineHarness harness;
     const auto wrapper = addClone(harness, "Work");
     write(wrapper / "Contents/Resources/AppIcon.icns", "icns");
@@ -129,7 +129,7 @@ TEST(CommandLine, AnIconIsNamedWhereThereIsOne) {
     EXPECT_EQ(json["iconURL"], (wrapper / "Contents/Resources/AppIcon.icns").string());
 }
 
-TEST(CommandLine, ShowFindsACloneByNameAndByPath) {
+TEST(CommandLineTest, ShowFindsACloneByNameAndByPath) {
     CommandLineHarness harness;
     const auto wrapper = addClone(harness, "Work");
     for (const std::string& words : {std::string("Work"), wrapper.string(), wrapper.string() + "/",
@@ -138,14 +138,14 @@ TEST(CommandLine, ShowFindsACloneByNameAndByPath) {
     }
 }
 
-TEST(CommandLine, ShowPrintsTheConfigurationAsItStandsInTheFile) {
+TEST(CommandLineTest, ShowPrintsTheConfigurationAsItStandsInTheFile) {
     CommandLineHarness harness;
     const auto wrapper = addClone(harness, "Work");
     EXPECT_EQ(harness.run({"show", "Work", "--json"}).json()["config"],
               nlohmann::json::parse(read(wrapper / "Contents/Resources/instance.json")));
 }
 
-TEST(CommandLine, AnAmbiguousNameIsAnErrorThatListsThePaths) {
+TEST(CommandLineTest, AnAmbiguousNameIsAnErrorThatListsThePaths) {
     CommandLineHarness harness;
     const auto first = makeWrapper(harness.home / "Applications/1.app", minimalConfig("Same"));
     const auto second = makeWrapper(harness.home / "Applications/2.app", minimalConfig("Same"));
@@ -157,14 +157,14 @@ TEST(CommandLine, AnAmbiguousNameIsAnErrorThatListsThePaths) {
     EXPECT_TRUE(std::filesystem::exists(first));
 }
 
-TEST(CommandLine, APathMeansThePathWhateverAnotherCloneIsCalled) {
+TEST(CommandLineTest, APathMeansThePathWhateverAnotherCloneIsCalled) {
     CommandLineHarness harness;
     const auto meant = addClone(harness, "Mail");
     makeWrapper(harness.home / "Applications/Trap.app", minimalConfig(meant.string()));
     EXPECT_EQ(harness.run({"show", meant.string(), "--json"}).json()["bundleURL"], meant.string());
 }
 
-TEST(CommandLine, APathThroughALinkLeadsWhereTheLinkLeads) {
+TEST(CommandLineTest, APathThroughALinkLeadsWhereTheLinkLeads) {
     CommandLineHarness harness;
     const auto inner = makeWrapper(harness.home / "a/b/Work.app", minimalConfig("Inner"));
     std::filesystem::create_directories(harness.home / "a/b/c");
@@ -174,14 +174,14 @@ TEST(CommandLine, APathThroughALinkLeadsWhereTheLinkLeads) {
               inner.string());
 }
 
-TEST(CommandLine, AnUnknownCloneIsAnErrorOfOneLine) {
+TEST(CommandLineTest, AnUnknownCloneIsAnErrorOfOneLine) {
     CommandLineHarness harness;
     const CommandResult result = harness.run({"show", "no\nsuch\x1b[31m"});
     EXPECT_EQ(result.status, 1);
     EXPECT_EQ(result.errors, "There is no clone named “no\\nsuch\\u{1b}[31m”.\n");
 }
 
-TEST(CommandLine, AnApplicationThatIsNoCloneIsRefused) {
+TEST(CommandLineTest, AnApplicationThatIsNoCloneIsRefused) {
     CommandLineHarness harness;
     const auto app = makeAppBundle(harness.home / "Applications/Mail.app");
     const CommandResult result = harness.run({"delete", app.string(), "--yes"});
@@ -190,7 +190,7 @@ TEST(CommandLine, AnApplicationThatIsNoCloneIsRefused) {
     EXPECT_TRUE(std::filesystem::exists(app));
 }
 
-TEST(CommandLine, NamesNeverReachATerminalRaw) {
+TEST(CommandLineTest, NamesNeverReachATerminalRaw) {
     CommandLineHarness harness;
     InstanceConfig config = minimalConfig("evil\x1b]0;owned\x07\nname");
     makeWrapper(harness.home / "Applications/Evil.app", config);
@@ -202,7 +202,7 @@ TEST(CommandLine, NamesNeverReachATerminalRaw) {
     }
 }
 
-TEST(CommandLine, OpenPreparesTheHomeOfAnAppCloneAndOpensItsWrapper) {
+TEST(CommandLineTest, OpenPreparesTheHomeOfAnAppCloneAndOpensItsWrapper) {
     CommandLineHarness harness;
     std::filesystem::create_directories(harness.home / "Library/Keychains");
     std::filesystem::create_directories(harness.home / "Documents");
@@ -218,7 +218,7 @@ TEST(CommandLine, OpenPreparesTheHomeOfAnAppCloneAndOpensItsWrapper) {
     EXPECT_FALSE(std::filesystem::exists(data / "Desktop"));
 }
 
-TEST(CommandLine, OpenLeavesTheHomeOfOtherKindsAlone) {
+TEST(CommandLineTest, OpenLeavesTheHomeOfOtherKindsAlone) {
     CommandLineHarness harness;
     std::filesystem::create_directories(harness.home / "Documents");
     addClone(harness, "Script");
@@ -226,7 +226,7 @@ TEST(CommandLine, OpenLeavesTheHomeOfOtherKindsAlone) {
     EXPECT_FALSE(std::filesystem::exists(harness.home / "QuorvelInstances"));
 }
 
-TEST(CommandLine, OpenTellsWhyACloneCantBeOpened) {
+TEST(CommandLineTest, OpenTellsWhyACloneCantBeOpened) {
     CommandLineHarness harness;
     addClone(harness, "Work");
     harness.workspace.openError =
@@ -237,7 +237,7 @@ TEST(CommandLine, OpenTellsWhyACloneCantBeOpened) {
     EXPECT_EQ(result.errors, "“Work.app” couldn’t be opened: permission denied\n");
 }
 
-TEST(CommandLine, DeleteNeedsYesWhereNobodyCanBeAsked) {
+TEST(CommandLineTest, DeleteNeedsYesWhereNobodyCanBeAsked) {
     CommandLineHarness harness;
     const auto wrapper = addClone(harness, "Work");
     const CommandResult result = harness.run({"delete", "Work"});
@@ -248,7 +248,7 @@ TEST(CommandLine, DeleteNeedsYesWhereNobodyCanBeAsked) {
     EXPECT_FALSE(std::filesystem::exists(wrapper));
 }
 
-TEST(CommandLine, DeleteAsksOnATerminalAndTakesNoForAnAnswer) {
+TEST(CommandLineTest, DeleteAsksOnATerminalAndTakesNoForAnAnswer) {
     CommandLineHarness harness;
     const auto wrapper = addClone(harness, "Work");
     harness.inputIsTerminal = true;
@@ -264,7 +264,7 @@ TEST(CommandLine, DeleteAsksOnATerminalAndTakesNoForAnAnswer) {
     EXPECT_FALSE(std::filesystem::exists(wrapper));
 }
 
-TEST(CommandLine, DeleteTakesTheDataOnlyWhenAsked) {
+TEST(CommandLineTest, DeleteTakesTheDataOnlyWhenAsked) {
     CommandLineHarness harness;
     addClone(harness, "Work");
     const auto data = harness.home / "QuorvelInstances/Work";
@@ -277,7 +277,7 @@ TEST(CommandLine, DeleteTakesTheDataOnlyWhenAsked) {
     EXPECT_FALSE(std::filesystem::exists(data));
 }
 
-TEST(CommandLine, DeleteNeverTakesTheUsersHome) {
+TEST(CommandLineTest, DeleteNeverTakesTheUsersHome) {
     CommandLineHarness harness;
     InstanceConfig config = minimalConfig("Work");
     config.instanceHome = "~/Documents/..";
@@ -289,7 +289,7 @@ TEST(CommandLine, DeleteNeverTakesTheUsersHome) {
     EXPECT_TRUE(std::filesystem::exists(harness.home / "Documents"));
 }
 
-TEST(CommandLine, MigrateMovesTheFilesAndThenShares) {
+TEST(CommandLineTest, MigrateMovesTheFilesAndThenShares) {
     CommandLineHarness harness;
     InstanceConfig config = minimalConfig("Work");
     config.shareUserFolders = false;
@@ -304,7 +304,7 @@ TEST(CommandLine, MigrateMovesTheFilesAndThenShares) {
     EXPECT_TRUE(InstanceRegistry().record(wrapper)->config.shareUserFolders);
 }
 
-TEST(CommandLine, MigrateRefusesWhileATargetRunsInTheHome) {
+TEST(CommandLineTest, MigrateRefusesWhileATargetRunsInTheHome) {
     CommandLineHarness harness;
     InstanceConfig config = minimalConfig("Work");
     config.shareUserFolders = false;
@@ -322,7 +322,7 @@ TEST(CommandLine, MigrateRefusesWhileATargetRunsInTheHome) {
     EXPECT_EQ(read(harness.home / "Documents/a"), "1");
 }
 
-TEST(CommandLine, MigrateNamesWhatStaysAndDoesNotShareThen) {
+TEST(CommandLineTest, MigrateNamesWhatStaysAndDoesNotShareThen) {
     CommandLineHarness harness;
     InstanceConfig config = minimalConfig("Work");
     config.shareUserFolders = false;
@@ -354,7 +354,7 @@ TEST(CommandLine, MigrateNamesWhatStaysAndDoesNotShareThen) {
     EXPECT_FALSE(InstanceRegistry().record(wrapper)->config.shareUserFolders);
 }
 
-TEST(CommandLine, MigrateSaysWhenSharingCantBeSwitchedOn) {
+TEST(CommandLineTest, MigrateSaysWhenSharingCantBeSwitchedOn) {
     CommandLineHarness harness;
     const TemporaryFolder home;
     const ScopedEnvironment usersHome("CFFIXED_USER_HOME", home.path().string());
@@ -374,7 +374,7 @@ TEST(CommandLine, MigrateSaysWhenSharingCantBeSwitchedOn) {
     }));
 }
 
-TEST(CommandLine, MigrateWithNothingToMoveStillTurnsSharingOn) {
+TEST(CommandLineTest, MigrateWithNothingToMoveStillTurnsSharingOn) {
     CommandLineHarness harness;
     InstanceConfig config = minimalConfig("Work");
     config.shareUserFolders = false;

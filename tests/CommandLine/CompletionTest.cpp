@@ -1,4 +1,5 @@
 // Presses Tab in real shells, among names that were made to harm.
+#include "Base/PathText.h"
 #include "Platform/files/FileSystem.h"
 #include "tests/CommandLine/InteractiveShell.h"
 #include "tests/support/AppBundles.h"
@@ -44,7 +45,7 @@ const Words names{
 
 // A shell with the completions, and a program of the command's name that only writes down with
 // which words it was called.
-class Completions : public ::testing::TestWithParam<std::string> {
+class CompletionTest : public ::testing::TestWithParam<std::string> {
 protected:
     void SetUp() override {
         const fs::path shell = "/bin/" + GetParam();
@@ -115,7 +116,7 @@ protected:
     std::optional<InteractiveShell> shell_{};
 };
 
-TEST_P(Completions, HandTheNameOfAnyCloneToTheProgramAsItIs) {
+TEST_P(CompletionTest, HandTheNameOfAnyCloneToTheProgramAsItIs) {
     for (const std::string& name : names) {
         const fs::path wrapper = addClone(name);
         EXPECT_THAT(called("quorvelctl delete \t\r"), ElementsAre("delete", wrapper.string()));
@@ -124,7 +125,7 @@ TEST_P(Completions, HandTheNameOfAnyCloneToTheProgramAsItIs) {
     }
 }
 
-TEST_P(Completions, GoOnFromWhatHasBeenTyped) {
+TEST_P(CompletionTest, GoOnFromWhatHasBeenTyped) {
     const fs::path wrapper = addClone("My $(touch PWNED) 'app'");
     for (const char* start : {"~/Applications/", "~/Applications/My", "~/Applications/My\\ \\$"}) {
         EXPECT_THAT(called("quorvelctl open " + std::string(start) + "\t\r"),
@@ -134,7 +135,7 @@ TEST_P(Completions, GoOnFromWhatHasBeenTyped) {
     expectNothingDone();
 }
 
-TEST_P(Completions, GoOnWithinQuotes) {
+TEST_P(CompletionTest, GoOnWithinQuotes) {
     for (const std::string& name : names) {
         const fs::path wrapper = addClone(name);
         for (const char* quote : {"'", "\""}) {
@@ -147,7 +148,7 @@ TEST_P(Completions, GoOnWithinQuotes) {
     expectNothingDone();
 }
 
-TEST_P(Completions, StopWhereSeveralNamesPart) {
+TEST_P(CompletionTest, StopWhereSeveralNamesPart) {
     for (const std::string& name : names) {
         const fs::path one = addClone(name + " one");
         const fs::path two = addClone(name + " $two");
@@ -164,7 +165,7 @@ TEST_P(Completions, StopWhereSeveralNamesPart) {
     expectNothingDone();
 }
 
-TEST_P(Completions, GoOnAfterCharactersThatBreakWords) {
+TEST_P(CompletionTest, GoOnAfterCharactersThatBreakWords) {
     for (const char* start : {"a:", "a=", "a@", "a::b=$x:", ":"}) {
         const fs::path one = addClone(start + std::string("one it's"));
         const fs::path two = addClone(start + std::string("two it's"));
@@ -176,7 +177,7 @@ TEST_P(Completions, GoOnAfterCharactersThatBreakWords) {
     expectNothingDone();
 }
 
-TEST_P(Completions, NeverStopWithinACharacter) {
+TEST_P(CompletionTest, NeverStopWithinACharacter) {
     if (!isBash()) {
         GTEST_SKIP() << "what zsh's own editor makes of names in the C locale is not ours";
     }
@@ -187,12 +188,12 @@ TEST_P(Completions, NeverStopWithinACharacter) {
                 ElementsAre("open", (applications_ / "Caf").string()));
 }
 
-TEST_P(Completions, OfferNoOtherApplication) {
+TEST_P(CompletionTest, OfferNoOtherApplication) {
     fs::create_directories(applications_ / "Other.app/Contents/Resources");
     EXPECT_THAT(called("quorvelctl open \t\r"), ElementsAre("open"));
 }
 
-TEST_P(Completions, HandTheNameOfAnyFileToTheProgramAsItIs) {
+TEST_P(CompletionTest, HandTheNameOfAnyFileToTheProgramAsItIs) {
     for (const std::string& name : names) {
         fs::create_directories(work_ / name);
         const bool option = name.starts_with("-");
@@ -205,7 +206,7 @@ TEST_P(Completions, HandTheNameOfAnyFileToTheProgramAsItIs) {
     }
 }
 
-TEST_P(Completions, NeverOfferAFileThatWouldBeTakenForAnOption) {
+TEST_P(CompletionTest, NeverOfferAFileThatWouldBeTakenForAnOption) {
     fs::create_directories(work_ / "--json");
     const Words words = called("quorvelctl inspect \t\r");
     ASSERT_FALSE(words.empty());
@@ -213,14 +214,14 @@ TEST_P(Completions, NeverOfferAFileThatWouldBeTakenForAnOption) {
         << words.back();
 }
 
-TEST_P(Completions, KnowCommandsOptionsAndTheirValues) {
+TEST_P(CompletionTest, KnowCommandsOptionsAndTheirValues) {
     EXPECT_THAT(called("quorvelctl insp\t\r"), ElementsAre("inspect"));
     EXPECT_THAT(called("quorvelctl delete --incl\t\r"), ElementsAre("delete", "--including-data"));
     EXPECT_THAT(called("quorvelctl create --strategy wrap\t\r"),
                 ElementsAre("create", "--strategy", "wrapper-identity"));
 }
 
-INSTANTIATE_TEST_SUITE_P(Shells, Completions, ::testing::Values("bash", "zsh"),
+INSTANTIATE_TEST_SUITE_P(Shells, CompletionTest, ::testing::Values("bash", "zsh"),
                          [](const auto& test) { return test.param; });
 
 } // namespace

@@ -8,7 +8,7 @@ namespace {
 
 using namespace testing;
 
-TEST(CreateWords, EachSwitchSetsItsOwnFieldAlone) {
+TEST(CreateWordsTest, EachSwitchSetsItsOwnFieldAlone) {
     CommandLineHarness harness;
     const std::map<std::string, std::string> switches{
         {"--browser", "registerAsBrowser"},
@@ -27,7 +27,7 @@ TEST(CreateWords, EachSwitchSetsItsOwnFieldAlone) {
     }
 }
 
-TEST(CreateWords, AValueThatIsAWordOfItsOwnMayLookLikeAnything) {
+TEST(CreateWordsTest, AValueThatIsAWordOfItsOwnMayLookLikeAnything) {
     CommandLineHarness harness;
     const auto json = harness
                           .run({"create",    "--kind",    "command",

@@ -15,7 +15,7 @@ using ::testing::Not;
 using ::testing::StartsWith;
 namespace fs = std::filesystem;
 
-class DeleteCommand : public ::testing::Test {
+class DeleteCommandTest : public ::testing::Test {
 protected:
     fs::path addClone(const std::string& instanceHome = "~/QuorvelInstances/Work") const {
         InstanceConfig config = minimalConfig("Work");
@@ -37,7 +37,7 @@ protected:
     fs::path data = harness.home / "QuorvelInstances/Work";
 };
 
-TEST_F(DeleteCommand, AsksWithTheFolderThatIsMeant) {
+TEST_F(DeleteCommandTest, AsksWithTheFolderThatIsMeant) {
     addClone("~/alias/./Work");
     fs::create_directories(harness.home / "real/Work");
     fs::create_directory_symlink(harness.home / "real", harness.home / "alias");
@@ -52,7 +52,7 @@ TEST_F(DeleteCommand, AsksWithTheFolderThatIsMeant) {
                            (harness.home / "real/Work").string() + "? [y/N] "));
 }
 
-TEST_F(DeleteCommand, WarnsInTheQuestionWhenTheCloneRuns) {
+TEST_F(DeleteCommandTest, WarnsInTheQuestionWhenTheCloneRuns) {
     const fs::path wrapper = addClone();
     write(data / "file", "x");
     harness.workspace.running = {{"app.quorvel.instance.test", wrapper, 1}};
@@ -67,7 +67,7 @@ TEST_F(DeleteCommand, WarnsInTheQuestionWhenTheCloneRuns) {
     EXPECT_TRUE(fs::exists(data / "file"));
 }
 
-TEST_F(DeleteCommand, WarnsOnTheErrorsWhereNobodyIsAsked) {
+TEST_F(DeleteCommandTest, WarnsOnTheErrorsWhereNobodyIsAsked) {
     const fs::path wrapper = addClone();
     write(data / "file", "x");
     harness.workspace.running = {{"app.quorvel.instance.test", wrapper, 1}};
@@ -79,7 +79,7 @@ TEST_F(DeleteCommand, WarnsOnTheErrorsWhereNobodyIsAsked) {
     EXPECT_EQ(harness.run({"delete", "Work", "--yes"}).errors, "");
 }
 
-TEST_F(DeleteCommand, WarnsWhenTheDataIsLockedThoughNoCloneIsSeenRunning) {
+TEST_F(DeleteCommandTest, WarnsWhenTheDataIsLockedThoughNoCloneIsSeenRunning) {
     addClone();
     write(data / "file", "x");
     harness.inputIsTerminal = true;
@@ -98,7 +98,7 @@ TEST_F(DeleteCommand, WarnsWhenTheDataIsLockedThoughNoCloneIsSeenRunning) {
     EXPECT_EQ(result.status, 0);
 }
 
-TEST_F(DeleteCommand, SaysInTheQuestionThatWhatIsNoDataIsKept) {
+TEST_F(DeleteCommandTest, SaysInTheQuestionThatWhatIsNoDataIsKept) {
     harness.inputIsTerminal = true;
     harness.workspace.running = {{"app.quorvel.instance.test", "/", 1}};
     const std::vector<std::string> words{"delete", "Work", "--including-data"};
@@ -113,7 +113,7 @@ TEST_F(DeleteCommand, SaysInTheQuestionThatWhatIsNoDataIsKept) {
     EXPECT_THAT(harness.run(words).errors, StartsWith("Delete “Work”? [y/N] "));
 }
 
-TEST_F(DeleteCommand, FindsACloneByItsNameInAWorkingFolderThatIsGone) {
+TEST_F(DeleteCommandTest, FindsACloneByItsNameInAWorkingFolderThatIsGone) {
     const fs::path wrapper = addClone();
     const fs::path before = fs::current_path();
     fs::create_directory(harness.home / "gone");
@@ -125,7 +125,7 @@ TEST_F(DeleteCommand, FindsACloneByItsNameInAWorkingFolderThatIsGone) {
     EXPECT_FALSE(fs::exists(wrapper));
 }
 
-TEST_F(DeleteCommand, ACloneThatLostItsConfigurationAloneIsDeletedByItsPath) {
+TEST_F(DeleteCommandTest, ACloneThatLostItsConfigurationAloneIsDeletedByItsPath) {
     const fs::path wrapper = addDamagedClone();
     fs::remove(wrapper / "Contents/Resources/instance.json");
     const auto result = harness.run({"delete", wrapper.string(), "--yes"});
@@ -133,7 +133,7 @@ TEST_F(DeleteCommand, ACloneThatLostItsConfigurationAloneIsDeletedByItsPath) {
     EXPECT_FALSE(fs::exists(wrapper));
 }
 
-TEST_F(DeleteCommand, SaysSoWhenOnlyAPartOfTheDataIsGone) {
+TEST_F(DeleteCommandTest, SaysSoWhenOnlyAPartOfTheDataIsGone) {
     const TemporaryFolder folder;
     EXPECT_TRUE(asOrdinaryUser(folder.path(), [&] {
         InstanceConfig config = minimalConfig("Work");
@@ -151,7 +151,7 @@ TEST_F(DeleteCommand, SaysSoWhenOnlyAPartOfTheDataIsGone) {
     }));
 }
 
-TEST_F(DeleteCommand, SaysSoWhenNothingOfTheDataCouldGo) {
+TEST_F(DeleteCommandTest, SaysSoWhenNothingOfTheDataCouldGo) {
     const TemporaryFolder folder;
     EXPECT_TRUE(asOrdinaryUser(folder.path(), [&] {
         InstanceConfig config = minimalConfig("Work");
@@ -167,7 +167,7 @@ TEST_F(DeleteCommand, SaysSoWhenNothingOfTheDataCouldGo) {
     }));
 }
 
-TEST_F(DeleteCommand, RefusesAFolderThatIsNotTheClonesAlone) {
+TEST_F(DeleteCommandTest, RefusesAFolderThatIsNotTheClonesAlone) {
     const fs::path wrapper = addClone("~/Documents");
     write(harness.home / "Documents/precious", "x");
     const auto result = harness.run({"delete", "Work", "--including-data", "--yes", "--json"});
@@ -179,7 +179,7 @@ TEST_F(DeleteCommand, RefusesAFolderThatIsNotTheClonesAlone) {
     EXPECT_EQ(read(harness.home / "Documents/precious"), "x");
 }
 
-TEST_F(DeleteCommand, ADamagedCloneIsDeletedByItsPathAfterAQuestion) {
+TEST_F(DeleteCommandTest, ADamagedCloneIsDeletedByItsPathAfterAQuestion) {
     const fs::path wrapper = addDamagedClone();
     write(data / "file", "x");
     EXPECT_EQ(harness.run({"delete", "Work", "--yes"}).status, 1) << "it has no name any more";
@@ -196,7 +196,7 @@ TEST_F(DeleteCommand, ADamagedCloneIsDeletedByItsPathAfterAQuestion) {
     EXPECT_TRUE(fs::exists(data / "file"));
 }
 
-TEST_F(DeleteCommand, TheDataOfADamagedCloneIsNotGuessed) {
+TEST_F(DeleteCommandTest, TheDataOfADamagedCloneIsNotGuessed) {
     const fs::path wrapper = addDamagedClone();
     const auto result = harness.run({"delete", wrapper.string(), "--including-data", "--yes"});
     EXPECT_EQ(result.status, 1);
@@ -206,7 +206,7 @@ TEST_F(DeleteCommand, TheDataOfADamagedCloneIsNotGuessed) {
     EXPECT_FALSE(fs::exists(wrapper));
 }
 
-TEST_F(DeleteCommand, ADamagedCloneIsReplacedAfterAQuestion) {
+TEST_F(DeleteCommandTest, ADamagedCloneIsReplacedAfterAQuestion) {
     const fs::path wrapper = addDamagedClone();
     const std::vector<std::string> create{"create", "--kind",         "web",
                                           "--url",  "https://a.test", "--name",
@@ -223,7 +223,7 @@ TEST_F(DeleteCommand, ADamagedCloneIsReplacedAfterAQuestion) {
     EXPECT_TRUE(InstanceRegistry().record(wrapper));
 }
 
-TEST_F(DeleteCommand, CreateTakesASharedHomeOnlyWhenThatIsSaid) {
+TEST_F(DeleteCommandTest, CreateTakesASharedHomeOnlyWhenThatIsSaid) {
     addClone("~/QuorvelInstances/Shared");
     const auto create = [&](std::vector<std::string> more) {
         std::vector<std::string> words{"create",
@@ -249,7 +249,7 @@ TEST_F(DeleteCommand, CreateTakesASharedHomeOnlyWhenThatIsSaid) {
     EXPECT_TRUE(fs::exists(harness.home / "Applications/Other.app"));
 }
 
-TEST_F(DeleteCommand, ShowTellsTheSizeOfTheLog) {
+TEST_F(DeleteCommandTest, ShowTellsTheSizeOfTheLog) {
     addClone();
     EXPECT_FALSE(harness.run({"show", "Work", "--json"}).json().contains("logSize"));
     EXPECT_THAT(harness.run({"show", "Work"}).output, Not(HasSubstr("Log")));

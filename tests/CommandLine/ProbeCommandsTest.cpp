@@ -42,7 +42,7 @@ ProbeOptions quickly(const Trial& trial) {
     return {0.5, 0.3, trial.library.string()};
 }
 
-TEST(AppsCommand, PrintsTheCatalog) {
+TEST(ProbeCommandsTest, AppsCommandPrintsTheCatalog) {
     const TemporaryFolder folder;
     makeAppBundle(folder / "Zoo.app", {{"CFBundleIconFile", "I"}});
     write(folder / "Zoo.app/Contents/Resources/I.icns", "icon");
@@ -59,7 +59,7 @@ TEST(AppsCommand, PrintsTheCatalog) {
                     {"iconURL", folder / "Zoo.app/Contents/Resources/I.icns"}}}));
 }
 
-TEST(AppsCommand, KeepsControlCharactersFromTheTerminal) {
+TEST(ProbeCommandsTest, AppsCommandKeepsControlCharactersFromTheTerminal) {
     const TemporaryFolder folder;
     makeAppBundle(folder / "bad\x1b[31m\n.app",
                   {{"CFBundleExecutable", "x"}, {"CFBundleIdentifier", "com.example.bad"}});
@@ -70,7 +70,7 @@ TEST(AppsCommand, KeepsControlCharactersFromTheTerminal) {
     EXPECT_THAT(session.output.str(), HasSubstr("com.example.bad"));
 }
 
-TEST(AppsCommand, PrintsAnEmptyArrayForNothing) {
+TEST(ProbeCommandsTest, AppsCommandPrintsAnEmptyArrayForNothing) {
     const TemporaryFolder folder;
     StubWorkspace workspace;
     Session session(workspace);
@@ -78,7 +78,7 @@ TEST(AppsCommand, PrintsAnEmptyArrayForNothing) {
     EXPECT_EQ(session.json(), Json::array());
 }
 
-TEST(RunningCommand, PrintsAllOrThoseOfAnIdentifier) {
+TEST(ProbeCommandsTest, RunningCommandPrintsAllOrThoseOfAnIdentifier) {
     StubWorkspace workspace;
     workspace.running = {{"com.a", "/A.app", 7}, {"com.b", "/B.app", 8}};
     Session all(workspace);
@@ -93,7 +93,7 @@ TEST(RunningCommand, PrintsAllOrThoseOfAnIdentifier) {
     EXPECT_EQ(text.output.str(), "8  com.b  /B.app\n");
 }
 
-TEST(ProbeCommand, PrintsTheProfileAndTheBuckets) {
+TEST(ProbeCommandsTest, ProbeCommandPrintsTheProfileAndTheBuckets) {
     Trial trial;
     const ScopedEnvironment temporary("TMPDIR", trial.temporary.string());
     const std::string leak = trial.library.string() + "/Preferences/com.example.notes.plist";
@@ -114,7 +114,7 @@ TEST(ProbeCommand, PrintsTheProfileAndTheBuckets) {
     EXPECT_EQ(::waitpid(-1, nullptr, WNOHANG), -1) << "no process is left";
 }
 
-TEST(ProbeCommand, DrawsABarOnATerminalAndTakesItAway) {
+TEST(ProbeCommandsTest, ProbeCommandDrawsABarOnATerminalAndTakesItAway) {
     Trial trial;
     const ScopedEnvironment temporary("TMPDIR", trial.temporary.string());
     trial.plan("wait\n");
@@ -124,7 +124,7 @@ TEST(ProbeCommand, DrawsABarOnATerminalAndTakesItAway) {
     EXPECT_THAT(session.output.str(), HasSubstr("Recommendation"));
 }
 
-TEST(ProbeCommand, SaysWhatIsNoApp) {
+TEST(ProbeCommandsTest, ProbeCommandSaysWhatIsNoApp) {
     const TemporaryFolder folder;
     StubWorkspace workspace;
     Session session(workspace);
@@ -136,7 +136,7 @@ TEST(ProbeCommand, SaysWhatIsNoApp) {
     }
 }
 
-TEST(ProbeCommand, InterruptedEndsBothProcessesAndItself) {
+TEST(ProbeCommandsTest, ProbeCommandInterruptedEndsBothProcessesAndItself) {
     Trial trial;
     const fs::path numbers = trial.folder / "numbers";
     makeScriptedAppBundle(trial.app, "echo $$ >> '" + numbers.string() + "'; exec sleep 600");
@@ -163,7 +163,7 @@ TEST(ProbeCommand, InterruptedEndsBothProcessesAndItself) {
     }
 }
 
-TEST(ProbeDescription, SaysWhatFellWhereWithThreeExamplesOfEachLeak) {
+TEST(ProbeCommandsTest, ProbeDescriptionSaysWhatFellWhereWithThreeExamplesOfEachLeak) {
     AppProfile profile;
     profile.bundleId = "com.example.Notes";
     profile.displayName = "Notes\x1b";
@@ -184,11 +184,11 @@ TEST(ProbeDescription, SaysWhatFellWhereWithThreeExamplesOfEachLeak) {
     EXPECT_THAT(text, Not(HasSubstr("\x1b")));
 }
 
-TEST(ProbeDescription, SaysThatTheRecordIsComplete) {
+TEST(ProbeCommandsTest, ProbeDescriptionSaysThatTheRecordIsComplete) {
     EXPECT_THAT(description(AppProfile{}, ProbeResult{}), HasSubstr("The record is complete."));
 }
 
-TEST(ProbeJson, ShowsPathsOfAnyBytes) {
+TEST(ProbeCommandsTest, ProbeJsonShowsPathsOfAnyBytes) {
     AppProfile profile;
     profile.displayName = "\xff";
     ProbeResult result;
@@ -196,7 +196,7 @@ TEST(ProbeJson, ShowsPathsOfAnyBytes) {
     EXPECT_EQ(jsonForm(profile, result)["profile"]["displayName"], "ÿ");
 }
 
-TEST(ProbeOfChromium, FindsThatAHomeOfItsOwnIsEnough) {
+TEST(ProbeCommandsTest, ProbeOfChromiumFindsThatAHomeOfItsOwnIsEnough) {
     if (!fs::exists("/usr/bin/chromium")) {
         GTEST_SKIP() << "the package chromium is not installed";
     }

@@ -40,7 +40,7 @@ std::map<std::string, std::string> realHomeWithoutClones(const fs::path& home) {
     return tree;
 }
 
-TEST(Chromium, TwoClonesRunSideBySideEachWithDataOfItsOwn) {
+TEST(ChromiumTest, TwoClonesRunSideBySideEachWithDataOfItsOwn) {
     if (!fs::exists("/usr/bin/chromium")) {
         GTEST_SKIP() << "the package chromium is not installed";
     }

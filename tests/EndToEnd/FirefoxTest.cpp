@@ -11,7 +11,7 @@ namespace {
 using namespace testing;
 namespace fs = std::filesystem;
 
-TEST(Firefox, AClonesProfileIsMadeAndUsed) {
+TEST(FirefoxTest, AClonesProfileIsMadeAndUsed) {
     if (!fs::exists("/usr/bin/firefox-esr")) {
         GTEST_SKIP() << "the package firefox-esr is not installed";
     }

@@ -7,7 +7,7 @@
 namespace quorvel::testing {
 namespace {
 
-TEST(Locales, ThatAreNoneChangeNothing) {
+TEST(LocaleTest, ThatAreNoneChangeNothing) {
     const TemporaryHome home;
     makeWrapper(home / "Applications/b.app", minimalConfig("beta"));
     makeWrapper(home / "Applications/a.app", minimalConfig("Alpha"));

@@ -10,7 +10,7 @@ namespace {
 using namespace testing;
 namespace fs = std::filesystem;
 
-TEST(CommandClone, RunsAScriptWithItsArgumentsFolderAndEnvironment) {
+TEST(ScriptsAndFilesTest, CommandCloneRunsAScriptWithItsArgumentsFolderAndEnvironment) {
     QuorvelctlInAHome quorvelctl;
     const fs::path script = quorvelctl.home / "bin/report";
     write(script, "#!/bin/sh\necho \"in $(pwd) with $# arguments: $*\"\n"
@@ -33,7 +33,7 @@ TEST(CommandClone, RunsAScriptWithItsArgumentsFolderAndEnvironment) {
     EXPECT_TRUE(waitFor([&] { return quorvelctl.log("Report") == expected + expected; }));
 }
 
-TEST(FileClone, OpensAFileThroughTheDesktopsOpener) {
+TEST(ScriptsAndFilesTest, FileCloneOpensAFileThroughTheDesktopsOpener) {
     if (!fs::exists("/usr/bin/open")) {
         GTEST_SKIP() << "there is no /usr/bin/open; the package xdg-utils brings one";
     }
@@ -52,7 +52,7 @@ TEST(FileClone, OpensAFileThroughTheDesktopsOpener) {
         << read(quorvelctl.home / "opened");
 }
 
-TEST(WebClone, SaysThatTheWebHostIsNotInstalled) {
+TEST(ScriptsAndFilesTest, WebCloneSaysThatTheWebHostIsNotInstalled) {
     QuorvelctlInAHome quorvelctl;
     const std::string outcome = quorvelctl.outcomeOf(
         {"create", "--kind", "web", "--name", "Mail", "--url", "https://mail.test/", "--launch"});

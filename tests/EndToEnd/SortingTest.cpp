@@ -10,9 +10,9 @@ namespace {
 using namespace testing;
 using ::testing::ElementsAre;
 
-class Sorting : public ::testing::Test {
+class SortingTest : public ::testing::Test {
 protected:
-    Sorting() {
+    SortingTest() {
         for (const char* name : {"Zebra", "Öl", "ål", "aal", "apa"}) {
             const std::string file = std::string(name) + ".app";
             makeWrapper(quorvelctl_.home / "Applications" / file, minimalConfig(name));
@@ -43,12 +43,12 @@ protected:
     QuorvelctlInAHome quorvelctl_;
 };
 
-TEST_F(Sorting, ClonesStandInTheOrderOfTheUsersLocale) {
+TEST_F(SortingTest, ClonesStandInTheOrderOfTheUsersLocale) {
     EXPECT_THAT(clonesIn("en_US.UTF-8"), ElementsAre("aal", "ål", "apa", "Öl", "Zebra"));
     EXPECT_THAT(clonesIn("sv_SE.UTF-8"), ElementsAre("aal", "apa", "Zebra", "ål", "Öl"));
 }
 
-TEST_F(Sorting, AppsStandInTheOrderOfTheUsersLocale) {
+TEST_F(SortingTest, AppsStandInTheOrderOfTheUsersLocale) {
     EXPECT_THAT(appsIn("en_US.UTF-8"), ElementsAre("aal", "ål", "apa", "Öl", "Zebra"));
     EXPECT_THAT(appsIn("sv_SE.UTF-8"), ElementsAre("aal", "apa", "Zebra", "ål", "Öl"));
 }

@@ -15,7 +15,7 @@ std::string xmlList(const std::string& body) {
            "</dict></plist>\n";
 }
 
-TEST(WildBundles, APropertyListInBinaryFormIsReadLikeAnyOther) {
+TEST(WildBundlesTest, APropertyListInBinaryFormIsReadLikeAnyOther) {
     if (!fs::exists("/usr/bin/plistutil")) {
         GTEST_SKIP() << "the package libplist-utils is not installed";
     }
@@ -37,7 +37,7 @@ TEST(WildBundles, APropertyListInBinaryFormIsReadLikeAnyOther) {
     })) << quorvelctl.log("Work");
 }
 
-TEST(WildBundles, WithoutIdentifierAndExecutableTheFolderNameServes) {
+TEST(WildBundlesTest, WithoutIdentifierAndExecutableTheFolderNameServes) {
     QuorvelctlInAHome quorvelctl;
     const fs::path app = quorvelctl.home / "Old Tool.app";
     write(app / "Contents/Info.plist", xmlList(""));
@@ -50,7 +50,7 @@ TEST(WildBundles, WithoutIdentifierAndExecutableTheFolderNameServes) {
     EXPECT_TRUE(waitFor([&] { return quorvelctl.log("Work") == "it runs\n"; }));
 }
 
-TEST(WildBundles, ADanglingExecutableIsReportedAndLogged) {
+TEST(WildBundlesTest, ADanglingExecutableIsReportedAndLogged) {
     QuorvelctlInAHome quorvelctl;
     const fs::path app = makeScriptedAppBundle(quorvelctl.home / "Gone.app", "true");
     fs::remove(app / "Contents/MacOS/Gone");
@@ -62,7 +62,7 @@ TEST(WildBundles, ADanglingExecutableIsReportedAndLogged) {
     EXPECT_NE(quorvelctl.log("Work").find(fault), std::string::npos) << quorvelctl.log("Work");
 }
 
-TEST(WildBundles, AnEmptyPropertyListIsNoReadableApplication) {
+TEST(WildBundlesTest, AnEmptyPropertyListIsNoReadableApplication) {
     QuorvelctlInAHome quorvelctl;
     const fs::path app = quorvelctl.home / "Empty.app";
     write(app / "Contents/Info.plist", "");
@@ -72,7 +72,7 @@ TEST(WildBundles, AnEmptyPropertyListIsNoReadableApplication) {
     EXPECT_FALSE(fs::exists(quorvelctl.home / "Applications"));
 }
 
-TEST(WildBundles, Latin1BytesAreReadAsLatin1) {
+TEST(WildBundlesTest, Latin1BytesAreReadAsLatin1) {
     QuorvelctlInAHome quorvelctl;
     const fs::path app = quorvelctl.home / "Cafe.app";
     write(app / "Contents/Info.plist",

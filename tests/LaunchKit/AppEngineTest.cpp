@@ -16,7 +16,7 @@ using namespace testing;
 using Engine = WrapperFactory::AppEngine;
 namespace fs = std::filesystem;
 
-class AppEngines : public ::testing::Test {
+class AppEngineTest : public ::testing::Test {
 protected:
     // A bundle with this identifier that holds these items.
     [[nodiscard]] fs::path app(const std::string& bundleId,
@@ -43,14 +43,14 @@ protected:
     int count_ = 0;
 };
 
-TEST_F(AppEngines, FilesTellAnEngine) {
+TEST_F(AppEngineTest, FilesTellAnEngine) {
     EXPECT_EQ(engineOf("com.x", {electron}), Engine::electron);
     EXPECT_EQ(engineOf("com.x", {"Contents/Eclipse/eclipse.ini"}), Engine::eclipse);
     EXPECT_EQ(engineOf("com.x", {"Contents/MacOS/eclipse"}), Engine::eclipse);
     EXPECT_EQ(engineOf("com.x", {"Contents/Resources/application.ini"}), Engine::firefox);
 }
 
-TEST_F(AppEngines, IdentifiersTellAnEngineInAnyCase) {
+TEST_F(AppEngineTest, IdentifiersTellAnEngineInAnyCase) {
     EXPECT_EQ(engineOf("org.mozilla.firefox"), Engine::firefox);
     EXPECT_EQ(engineOf("ORG.Mozilla.nightly"), Engine::firefox);
     EXPECT_EQ(engineOf("net.TorBrowser.alpha"), Engine::firefox);
@@ -64,12 +64,12 @@ TEST_F(AppEngines, IdentifiersTellAnEngineInAnyCase) {
     }
 }
 
-TEST_F(AppEngines, PrefixesAreNoMorePrefixesInTheMiddle) {
+TEST_F(AppEngineTest, PrefixesAreNoMorePrefixesInTheMiddle) {
     EXPECT_EQ(engineOf("x.org.mozilla"), Engine::other);
     EXPECT_EQ(engineOf("x.com.google.chrome"), Engine::other);
 }
 
-TEST_F(AppEngines, AChromiumFrameworkTellsItsEngineCaseForCase) {
+TEST_F(AppEngineTest, AChromiumFrameworkTellsItsEngineCaseForCase) {
     const std::string folder = "Contents/Frameworks/";
     EXPECT_EQ(engineOf("com.x", {folder + "Google Chrome Framework.framework"}), Engine::chromium);
     EXPECT_EQ(engineOf("com.x", {folder + "Chromium Embedded Framework.framework"}),
@@ -79,7 +79,7 @@ TEST_F(AppEngines, AChromiumFrameworkTellsItsEngineCaseForCase) {
     EXPECT_EQ(engineOf("com.x", {folder + "Other Framework.framework"}), Engine::other);
 }
 
-TEST_F(AppEngines, AChromiumFrameworkIsKnownByTheEndOfItsName) {
+TEST_F(AppEngineTest, AChromiumFrameworkIsKnownByTheEndOfItsName) {
     const std::string folder = "Contents/Frameworks/";
     for (const char* name : {"Google Chrome Framework.framework.old", "Chrome Framework",
                              "Chromium Framework.frameworks", "Chrome framework.framework"}) {
@@ -90,7 +90,7 @@ TEST_F(AppEngines, AChromiumFrameworkIsKnownByTheEndOfItsName) {
         << "whichever of them it is";
 }
 
-TEST_F(AppEngines, FrameworksThatCantBeListedTellNothing) {
+TEST_F(AppEngineTest, FrameworksThatCantBeListedTellNothing) {
     const fs::path file = app("com.x");
     write(file / "Contents/Frameworks", "a file");
     EXPECT_EQ(WrapperFactory::detectEngine(file, std::nullopt), Engine::other);
@@ -107,13 +107,13 @@ TEST_F(AppEngines, FrameworksThatCantBeListedTellNothing) {
     }));
 }
 
-TEST_F(AppEngines, ElectronWinsOverEverything) {
+TEST_F(AppEngineTest, ElectronWinsOverEverything) {
     EXPECT_EQ(engineOf("com.x", {electron, "Contents/Eclipse/eclipse.ini"}), Engine::electron);
     EXPECT_EQ(engineOf("org.mozilla.firefox", {electron}), Engine::electron);
     EXPECT_EQ(engineOf("com.google.chrome", {electron}), Engine::electron);
 }
 
-TEST_F(AppEngines, EclipseWinsOverIdentifiersAndOtherFiles) {
+TEST_F(AppEngineTest, EclipseWinsOverIdentifiersAndOtherFiles) {
     for (const char* marker : {"Contents/MacOS/eclipse", "Contents/Eclipse/eclipse.ini"}) {
         EXPECT_EQ(engineOf("org.mozilla.x", {marker}), Engine::eclipse) << marker;
         EXPECT_EQ(engineOf("com.google.chrome", {marker}), Engine::eclipse) << marker;
@@ -122,7 +122,7 @@ TEST_F(AppEngines, EclipseWinsOverIdentifiersAndOtherFiles) {
     }
 }
 
-TEST_F(AppEngines, FirefoxWinsOverChromium) {
+TEST_F(AppEngineTest, FirefoxWinsOverChromium) {
     EXPECT_EQ(engineOf("com.google.chrome", {applicationIni}), Engine::firefox);
     EXPECT_EQ(engineOf("com.x", {applicationIni, chromeFramework}), Engine::firefox);
     for (const char* id : {"org.mozilla.x", "x.torbrowser", "x.librewolf", "x.waterfox"}) {
@@ -131,7 +131,7 @@ TEST_F(AppEngines, FirefoxWinsOverChromium) {
     EXPECT_EQ(engineOf("com.google.chrome.librewolf"), Engine::firefox);
 }
 
-TEST_F(AppEngines, EveryEngineHasItsRawString) {
+TEST_F(AppEngineTest, EveryEngineHasItsRawString) {
     const std::array<std::pair<Engine, std::string_view>, 5> names{{
         {Engine::electron, "electron"},
         {Engine::chromium, "chromium"},
@@ -148,29 +148,29 @@ TEST_F(AppEngines, EveryEngineHasItsRawString) {
     }
 }
 
-TEST_F(AppEngines, ABundleWithoutMarkersIsOfAnother) {
+TEST_F(AppEngineTest, ABundleWithoutMarkersIsOfAnother) {
     EXPECT_EQ(engineOf("com.x"), Engine::other);
     EXPECT_EQ(engineOf("com.x", {"Contents/Frameworks"}), Engine::other);
     EXPECT_EQ(WrapperFactory::detectEngine("/no/such.app", std::nullopt), Engine::other);
 }
 
-TEST_F(AppEngines, AnUnreadableBundleIsStillKnownByItsFiles) {
+TEST_F(AppEngineTest, AnUnreadableBundleIsStillKnownByItsFiles) {
     const fs::path bundle = folder_ / "bare.app";
     fs::create_directories(bundle / electron);
     EXPECT_EQ(WrapperFactory::detectEngine(bundle, std::nullopt), Engine::electron);
 }
 
-TEST_F(AppEngines, AGivenIdentifierGoesBeforeTheBundlesOwn) {
+TEST_F(AppEngineTest, AGivenIdentifierGoesBeforeTheBundlesOwn) {
     EXPECT_EQ(WrapperFactory::detectEngine(app("com.x"), "com.google.Chrome"), Engine::chromium);
     EXPECT_EQ(WrapperFactory::detectEngine(app("com.google.Chrome"), ""), Engine::other);
 }
 
-TEST_F(AppEngines, OnlyElectronIsElectron) {
+TEST_F(AppEngineTest, OnlyElectronIsElectron) {
     EXPECT_TRUE(WrapperFactory::isElectron(app("com.x", {electron})));
     EXPECT_FALSE(WrapperFactory::isElectron(app("com.google.Chrome")));
 }
 
-TEST_F(AppEngines, EveryEngineHasItsArguments) {
+TEST_F(AppEngineTest, EveryEngineHasItsArguments) {
     using ::testing::ElementsAre;
     const auto arguments = [&](const fs::path& bundle) {
         return WrapperFactory::autoDataDirArgs(bundle, std::nullopt);
@@ -186,7 +186,7 @@ TEST_F(AppEngines, EveryEngineHasItsArguments) {
     EXPECT_THAT(arguments(app("com.x")), ElementsAre());
 }
 
-TEST_F(AppEngines, AnIdentifierFragmentKeepsLettersAndDigitsOnly) {
+TEST_F(AppEngineTest, AnIdentifierFragmentKeepsLettersAndDigitsOnly) {
     EXPECT_EQ(WrapperFactory::idFragment("Work 2"), "work-2");
     EXPECT_EQ(WrapperFactory::idFragment("A.B"), "a-b");
     EXPECT_EQ(WrapperFactory::idFragment("My  App!"), "my--app-");
@@ -196,7 +196,7 @@ TEST_F(AppEngines, AnIdentifierFragmentKeepsLettersAndDigitsOnly) {
     EXPECT_EQ(WrapperFactory::idFragment(""), "");
 }
 
-TEST_F(AppEngines, ADefaultIdentifierIsThePrefixAndTheFragment) {
+TEST_F(AppEngineTest, ADefaultIdentifierIsThePrefixAndTheFragment) {
     EXPECT_EQ(WrapperFactory::defaultBundleId("Work 2"), "app.quorvel.instance.work-2");
     EXPECT_EQ(WrapperFactory::defaultBundleId(""), "app.quorvel.instance.");
 }

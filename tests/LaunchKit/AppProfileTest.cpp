@@ -33,26 +33,26 @@ Confidence reconciled(Confidence confidence, const std::string& signature) {
     return found;
 }
 
-TEST(Reconciliation, KeepsTrustOnASystemWhereItWasConfirmed) {
+TEST(AppProfileTest, ReconciliationKeepsTrustOnASystemWhereItWasConfirmed) {
     EXPECT_EQ(reconciled(Confidence::verified, "macOS 14.5"), Confidence::verified);
     EXPECT_EQ(reconciled(Confidence::community, "macOS 14.5"), Confidence::community);
 }
 
-TEST(Reconciliation, LowersTrustOnAnyOtherSystem) {
+TEST(AppProfileTest, ReconciliationLowersTrustOnAnyOtherSystem) {
     EXPECT_EQ(reconciled(Confidence::verified, "macOS 15.0"), Confidence::autoDetected);
     EXPECT_EQ(reconciled(Confidence::community, "macOS 15.0"), Confidence::autoDetected);
     EXPECT_EQ(reconciled(Confidence::verified, "MACOS 14.5"), Confidence::autoDetected);
     EXPECT_EQ(reconciled(Confidence::verified, "macOS 14.50"), Confidence::autoDetected);
 }
 
-TEST(Reconciliation, LeavesWhatWasNotTrustedAlone) {
+TEST(AppProfileTest, ReconciliationLeavesWhatWasNotTrustedAlone) {
     for (const char* signature : {"macOS 14.5", "macOS 15.0"}) {
         EXPECT_EQ(reconciled(Confidence::broken, signature), Confidence::broken);
         EXPECT_EQ(reconciled(Confidence::autoDetected, signature), Confidence::autoDetected);
     }
 }
 
-TEST(ProfileJson, HasItsKeysInAlphabeticalOrder) {
+TEST(AppProfileTest, ProfileJsonHasItsKeysInAlphabeticalOrder) {
     EXPECT_EQ(ordinaryProfile().encodedJSON(), R"({
   "bundleId": "com.example.Notes",
   "confidence": "verified",
@@ -70,7 +70,7 @@ TEST(ProfileJson, HasItsKeysInAlphabeticalOrder) {
 })");
 }
 
-TEST(ProfileJson, ReadsWhatItWrote) {
+TEST(AppProfileTest, ProfileJsonReadsWhatItWrote) {
     EXPECT_EQ(AppProfile::fromJson(ordinaryProfile().encodedJSON()), ordinaryProfile());
     AppProfile odd;
     odd.displayName = "“Ä/\"\\\n\x01 <b>";
@@ -78,7 +78,7 @@ TEST(ProfileJson, ReadsWhatItWrote) {
     EXPECT_EQ(AppProfile::fromJson(odd.encodedJSON()), odd);
 }
 
-TEST(ProfileJson, CannotHoldTextThatIsNoUtf8) {
+TEST(AppProfileTest, ProfileJsonCannotHoldTextThatIsNoUtf8) {
     AppProfile profile = ordinaryProfile();
     profile.displayName = "\xff";
     EXPECT_THROW((void)profile.encodedJSON(), ProfileError);
@@ -99,7 +99,7 @@ std::string errorOf(const std::string& json) {
     }
 }
 
-TEST(ProfileJson, NeedsEveryKey) {
+TEST(AppProfileTest, ProfileJsonNeedsEveryKey) {
     for (const char* key : {"bundleId", "confidence", "displayName", "extraArgs", "prefsLeak",
                             "sandboxed", "singleton", "strategy"}) {
         EXPECT_EQ(errorOf(with(key, "")), "The key “" + std::string(key) + "” is missing.");
@@ -107,7 +107,7 @@ TEST(ProfileJson, NeedsEveryKey) {
     EXPECT_EQ(errorOf(with("verifiedOn", "\"x\": 1")), "The key “verifiedOn” is missing.");
 }
 
-TEST(ProfileJson, RefusesUnknownRawValues) {
+TEST(AppProfileTest, ProfileJsonRefusesUnknownRawValues) {
     for (const char* key : {"confidence", "singleton", "strategy"}) {
         for (const char* value : {"\"other\"", "\"\"", "\"Verified\"", "1", "null", "[]"}) {
             const std::string line = "\"" + std::string(key) + "\": " + value + ",";
@@ -118,7 +118,7 @@ TEST(ProfileJson, RefusesUnknownRawValues) {
     }
 }
 
-TEST(ProfileJson, RefusesValuesOfTheWrongType) {
+TEST(AppProfileTest, ProfileJsonRefusesValuesOfTheWrongType) {
     for (const char* line :
          {R"("bundleId": 1,)", R"("bundleId": null,)", R"("displayName": ["a"],)",
           R"("sandboxed": 1,)", R"("sandboxed": "true",)", R"("prefsLeak": null,)",
@@ -128,13 +128,13 @@ TEST(ProfileJson, RefusesValuesOfTheWrongType) {
     }
 }
 
-TEST(ProfileJson, PassesOverKeysItDoesNotKnow) {
+TEST(AppProfileTest, ProfileJsonPassesOverKeysItDoesNotKnow) {
     EXPECT_EQ(AppProfile::fromJson(
                   with("bundleId", R"("bundleId": "com.example.Notes", "new": {"a": [null]},)")),
               ordinaryProfile());
 }
 
-TEST(ProfileJson, RefusesWhatIsNoObject) {
+TEST(AppProfileTest, ProfileJsonRefusesWhatIsNoObject) {
     const std::string deep(200'000, '[');
     for (const std::string& text :
          {std::string(), std::string("null"), std::string("[]"), std::string("{"),
@@ -144,7 +144,7 @@ TEST(ProfileJson, RefusesWhatIsNoObject) {
     }
 }
 
-TEST(RawValues, AreTheNamesOfTheCases) {
+TEST(AppProfileTest, RawValuesAreTheNamesOfTheCases) {
     const std::vector<std::pair<SingletonTier, const char*>> tiers{
         {SingletonTier::none, "none"},
         {SingletonTier::lockFile, "lockFile"},
@@ -168,7 +168,7 @@ TEST(RawValues, AreTheNamesOfTheCases) {
     EXPECT_EQ(confidenceFromRawString(""), std::nullopt);
 }
 
-TEST(SystemSignature, IsTheMajorAndTheMinorVersion) {
+TEST(AppProfileTest, SystemSignatureIsTheMajorAndTheMinorVersion) {
     EXPECT_EQ(operatingSystemSignature({14, 5}), "macOS 14.5");
     EXPECT_EQ(operatingSystemSignature({15, 0}), "macOS 15.0");
     EXPECT_EQ(operatingSystemSignature({6, 18, "Debian GNU/Linux 12"}), "Debian GNU/Linux 12");

@@ -35,7 +35,7 @@ int answerWith(const fs::path& programs, const fs::path& app) {
     return WEXITSTATUS(status);
 }
 
-TEST(CodeSigningPlace, IsLookedForAtItsPlaceAlone) {
+TEST(CodeSigningPlaceTest, IsLookedForAtItsPlaceAlone) {
     const TemporaryFolder folder;
     // A tool that prints its arguments names the entitlement for a bundle of this name.
     const fs::path app = makeAppBundle(folder / "com.apple.security.app-sandbox.app");

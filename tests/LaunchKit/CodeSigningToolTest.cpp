@@ -46,7 +46,7 @@ Outcome outcomeOf(const TemporaryFolder& folder, const std::function<void()>& us
                : broken;
 }
 
-TEST(CodeSigningTool, IsNotRunToMakeAClone) {
+TEST(CodeSigningToolTest, IsNotRunToMakeAClone) {
     const TemporaryFolder folder;
     const fs::path app = makeAppBundle(folder / "Thing.app");
     const Outcome asked = outcomeOf(folder, [&] { (void)AppBundle::read(app); });

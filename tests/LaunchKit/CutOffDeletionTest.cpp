@@ -53,7 +53,7 @@ End killedBeforeRemoval(int count, const std::function<void()>& work) {
     }
 }
 
-class CutOffDeletion : public ::testing::Test {
+class CutOffDeletionTest : public ::testing::Test {
 protected:
     InstanceRecord makeClone(int files) const {
         InstanceConfig config = minimalConfig();
@@ -91,7 +91,7 @@ protected:
     TemporaryHome home_;
 };
 
-TEST_F(CutOffDeletion, LeavesACloneThatCanBeDeletedAgainWhereverItIsCutOff) {
+TEST_F(CutOffDeletionTest, LeavesACloneThatCanBeDeletedAgainWhereverItIsCutOff) {
     constexpr int files = 12;
     int before = 1;
     for (End end = End::killed; end == End::killed; ++before) {
@@ -103,7 +103,7 @@ TEST_F(CutOffDeletion, LeavesACloneThatCanBeDeletedAgainWhereverItIsCutOff) {
     EXPECT_GT(before, files) << "cut off at every item";
 }
 
-TEST_F(CutOffDeletion, LeavesACloneThatCanBeDeletedAgainInTheMidstOfAThousandFiles) {
+TEST_F(CutOffDeletionTest, LeavesACloneThatCanBeDeletedAgainInTheMidstOfAThousandFiles) {
     for (const int before : {6, 501, 1000}) {
         const End end = cutOffAndRetry(1000, before);
         if (end == End::notPermitted) {
@@ -113,7 +113,7 @@ TEST_F(CutOffDeletion, LeavesACloneThatCanBeDeletedAgainInTheMidstOfAThousandFil
     }
 }
 
-TEST_F(CutOffDeletion, AReplacementLeavesWhatCanBeReplacedWhereverItIsCutOff) {
+TEST_F(CutOffDeletionTest, AReplacementLeavesWhatCanBeReplacedWhereverItIsCutOff) {
     WrapperFactory::Request request;
     request.kind = ShortcutKind::web;
     request.displayName = "Work";

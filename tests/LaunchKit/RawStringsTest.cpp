@@ -6,7 +6,7 @@
 namespace quorvel {
 namespace {
 
-TEST(RawStrings, KindsGoByTheirNames) {
+TEST(RawStringsTest, KindsGoByTheirNames) {
     EXPECT_EQ(rawString(ShortcutKind::app), "app");
     EXPECT_EQ(rawString(ShortcutKind::web), "web");
     EXPECT_EQ(rawString(ShortcutKind::file), "file");
@@ -16,7 +16,7 @@ TEST(RawStrings, KindsGoByTheirNames) {
     EXPECT_EQ(shortcutKindFromRawString(""), std::nullopt);
 }
 
-TEST(RawStrings, StrategiesAreHyphenated) {
+TEST(RawStringsTest, StrategiesAreHyphenated) {
     EXPECT_EQ(rawString(Strategy::homeOverride), "home-override");
     EXPECT_EQ(rawString(Strategy::containerRedirect), "container-redirect");
     EXPECT_EQ(rawString(Strategy::wrapperIdentity), "wrapper-identity");
@@ -25,7 +25,7 @@ TEST(RawStrings, StrategiesAreHyphenated) {
     EXPECT_EQ(strategyFromRawString("wrapper_identity"), std::nullopt);
 }
 
-TEST(RawStrings, LabelPositionsGoByTheirNames) {
+TEST(RawStringsTest, LabelPositionsGoByTheirNames) {
     EXPECT_EQ(rawString(IconLabel::Position::bottom), "bottom");
     EXPECT_EQ(rawString(IconLabel::Position::center), "center");
     EXPECT_EQ(rawString(IconLabel::Position::top), "top");
@@ -33,7 +33,7 @@ TEST(RawStrings, LabelPositionsGoByTheirNames) {
     EXPECT_EQ(iconLabelPositionFromRawString("left"), std::nullopt);
 }
 
-TEST(RawStrings, EnginesGoByTheirNames) {
+TEST(RawStringsTest, EnginesGoByTheirNames) {
     using Engine = WrapperFactory::AppEngine;
     for (const Engine engine :
          {Engine::electron, Engine::chromium, Engine::firefox, Engine::eclipse, Engine::other}) {

@@ -11,7 +11,7 @@ namespace fs = std::filesystem;
 using ::testing::HasSubstr;
 
 // A repository of its own with this tree's hook enabled.
-class PreCommitHook : public ::testing::Test {
+class LintTestPreCommitHook : public ::testing::Test {
 protected:
     void SetUp() override {
         for (const char* program : {"git", "clang-format-14", "shellcheck"}) {
@@ -48,7 +48,7 @@ protected:
     TemporaryFolder tree_;
 };
 
-TEST_F(PreCommitHook, LetsWellFormedChangesThrough) {
+TEST_F(LintTestPreCommitHook, LetsWellFormedChangesThrough) {
     stage("a.cpp", "int one() {\n    return 1;\n}\n");
     stage("script", "#!/bin/sh\necho \"$1\"\n");
     const Outcome committing = commit();
@@ -56,7 +56,7 @@ TEST_F(PreCommitHook, LetsWellFormedChangesThrough) {
     EXPECT_TRUE(hasCommits());
 }
 
-TEST_F(PreCommitHook, RefusesASourceThatIsNotFormatted) {
+TEST_F(LintTestPreCommitHook, RefusesASourceThatIsNotFormatted) {
     stage("a.cpp", "int  one( ) { return 1;}\n");
     const Outcome committing = commit();
     EXPECT_NE(committing.status, 0);
@@ -64,7 +64,7 @@ TEST_F(PreCommitHook, RefusesASourceThatIsNotFormatted) {
     EXPECT_FALSE(hasCommits());
 }
 
-TEST_F(PreCommitHook, JudgesWhatIsStagedAndNotWhatLiesInTheFolder) {
+TEST_F(LintTestPreCommitHook, JudgesWhatIsStagedAndNotWhatLiesInTheFolder) {
     stage("a.cpp", "int one() {\n    return 1;\n}\n");
     write(tree_ / "a.cpp", "int  one( ) { return 1;}\n");
     EXPECT_EQ(commit().status, 0);
@@ -73,7 +73,7 @@ TEST_F(PreCommitHook, JudgesWhatIsStagedAndNotWhatLiesInTheFolder) {
     EXPECT_NE(commit().status, 0);
 }
 
-TEST_F(PreCommitHook, RefusesAScriptThatSplitsItsWords) {
+TEST_F(LintTestPreCommitHook, RefusesAScriptThatSplitsItsWords) {
     stage("folder with space/script", "#!/bin/sh\nrm $1\n");
     const Outcome committing = commit();
     EXPECT_NE(committing.status, 0);
@@ -81,7 +81,7 @@ TEST_F(PreCommitHook, RefusesAScriptThatSplitsItsWords) {
     EXPECT_FALSE(hasCommits());
 }
 
-TEST_F(PreCommitHook, ChecksAPieceThatIsSourcedWithWhatItSources) {
+TEST_F(LintTestPreCommitHook, ChecksAPieceThatIsSourcedWithWhatItSources) {
     stage("part.sh", "# shellcheck shell=sh\nexport name=one\n");
     stage("script", "#!/bin/sh\n. \"$(dirname \"$0\")/part.sh\"\necho \"$name\"\n");
     const Outcome committing = commit();
@@ -90,7 +90,7 @@ TEST_F(PreCommitHook, ChecksAPieceThatIsSourcedWithWhatItSources) {
     EXPECT_NE(commit().status, 0);
 }
 
-TEST_F(PreCommitHook, RefusesWhatStaticAnalysisFindsInTheChange) {
+TEST_F(LintTestPreCommitHook, RefusesWhatStaticAnalysisFindsInTheChange) {
     if (outcomeOf({"/bin/sh", "-c", "command -v clang-tidy-diff-14.py"}).status != 0) {
         GTEST_SKIP() << "clang-tidy-14 is not installed";
     }
@@ -107,13 +107,13 @@ TEST_F(PreCommitHook, RefusesWhatStaticAnalysisFindsInTheChange) {
     EXPECT_THAT(committing.output, HasSubstr("readability-static-accessed-through-instance"));
 }
 
-TEST(LintScript, RefusesACheckThatItDoesNotHave) {
+TEST(LintTest, RefusesACheckThatItDoesNotHave) {
     const Outcome refusal = outcomeOf({QUORVEL_SOURCE "/scripts/lint", "beauty"});
     EXPECT_EQ(refusal.status, 1);
     EXPECT_EQ(refusal.output, "usage: scripts/lint [format|shell|tidy|--staged]\n");
 }
 
-TEST(LintScript, FindsEveryShellScriptOfThisTreeInOrder) {
+TEST(LintTest, FindsEveryShellScriptOfThisTreeInOrder) {
     if (outcomeOf({"/bin/sh", "-c", "command -v git && command -v shellcheck"}).status != 0 ||
         !itemExists(QUORVEL_SOURCE "/.git")) {
         GTEST_SKIP() << "git or shellcheck is not installed, or this is no checkout";

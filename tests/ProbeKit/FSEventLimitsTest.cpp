@@ -65,7 +65,7 @@ std::set<std::string> pathsOf(const std::vector<WriteEvent>& events) {
     return paths;
 }
 
-TEST(QueueOverflow, IsNoticedAndAnsweredByASearch) {
+TEST(FSEventLimitsTest, QueueOverflowIsNoticedAndAnsweredByASearch) {
     const int limit = std::stoi(read("/proc/sys/fs/inotify/max_queued_events"));
     if (limit > 100'000) {
         GTEST_SKIP() << "the system's queue is too long to be filled";
@@ -99,7 +99,7 @@ TEST(QueueOverflow, IsNoticedAndAnsweredByASearch) {
     EXPECT_FALSE(paths.contains(folder / "old/untouched"));
 }
 
-TEST(WatchedRoot, TellsWhatHappenedInItBeforeItWent) {
+TEST(FSEventLimitsTest, WatchedRootTellsWhatHappenedInItBeforeItWent) {
     const TemporaryFolder folder;
     const fs::path root = folder / "root";
     fs::create_directory(root);
@@ -140,7 +140,7 @@ bool limitInotify(const char* setting, int count) {
 constexpr const char* watchLimit = "/proc/sys/user/max_inotify_watches";
 constexpr const char* instanceLimit = "/proc/sys/user/max_inotify_instances";
 
-TEST(WatchLimit, IsNoticedAndAnsweredByASearch) {
+TEST(FSEventLimitsTest, WatchLimitIsNoticedAndAnsweredByASearch) {
     if (!holdsInChild([] { return limitInotify(watchLimit, 20); })) {
         GTEST_SKIP() << "the system gives no limits of one's own";
     }
@@ -168,7 +168,7 @@ TEST(WatchLimit, IsNoticedAndAnsweredByASearch) {
     }));
 }
 
-TEST(WatchLimit, OfWholeStreamsLeavesAnEmptyRecordThatSaysSo) {
+TEST(FSEventLimitsTest, WatchLimitOfWholeStreamsLeavesAnEmptyRecordThatSaysSo) {
     if (!holdsInChild([] { return limitInotify(instanceLimit, 1); })) {
         GTEST_SKIP() << "the system gives no limits of one's own";
     }
@@ -203,7 +203,7 @@ private:
     bool wasRoot_;
 };
 
-TEST(UnreadableFolder, IsTold) {
+TEST(FSEventLimitsTest, UnreadableFolderIsTold) {
     const TemporaryFolder folder;
     fs::permissions(folder.path(), fs::perms{0755});
     fs::create_directory(folder / "closed");

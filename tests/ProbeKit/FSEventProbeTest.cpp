@@ -20,7 +20,7 @@ void append(const fs::path& file, std::string_view text) {
     std::ofstream(file, std::ios::app) << text;
 }
 
-TEST(FSEventProbe, ANewFileIsCreatedAndModified) {
+TEST(FSEventProbeTest, ANewFileIsCreatedAndModified) {
     const TemporaryFolder folder;
     Recording recording(folder.path());
     write(folder / "new", "text");
@@ -29,7 +29,7 @@ TEST(FSEventProbe, ANewFileIsCreatedAndModified) {
     EXPECT_TRUE(recording.isComplete());
 }
 
-TEST(FSEventProbe, AnEmptyNewFileIsOnlyCreated) {
+TEST(FSEventProbeTest, AnEmptyNewFileIsOnlyCreated) {
     const TemporaryFolder folder;
     Recording recording(folder.path());
     write(folder / "new", "");
@@ -38,7 +38,7 @@ TEST(FSEventProbe, AnEmptyNewFileIsOnlyCreated) {
               (WriteEvent{folder / "new", false, true, false, false}));
 }
 
-TEST(FSEventProbe, AnOldFileThatIsWrittenIsOnlyModified) {
+TEST(FSEventProbeTest, AnOldFileThatIsWrittenIsOnlyModified) {
     const TemporaryFolder folder;
     write(folder / "old", "text");
     Recording recording(folder.path());
@@ -48,14 +48,14 @@ TEST(FSEventProbe, AnOldFileThatIsWrittenIsOnlyModified) {
               (WriteEvent{folder / "old", false, false, true, false}));
 }
 
-TEST(FSEventProbe, WhatWasWrittenBeforeTheStartIsNotRecorded) {
+TEST(FSEventProbeTest, WhatWasWrittenBeforeTheStartIsNotRecorded) {
     const TemporaryFolder folder;
     write(folder / "a" / "old", "text");
     Recording recording(folder.path());
     EXPECT_THAT(recording.stop(), IsEmpty());
 }
 
-TEST(FSEventProbe, AFileThatIsOnlyOpenedForWritingIsNotRecorded) {
+TEST(FSEventProbeTest, AFileThatIsOnlyOpenedForWritingIsNotRecorded) {
     const TemporaryFolder folder;
     write(folder / "old", "text");
     Recording recording(folder.path());
@@ -63,7 +63,7 @@ TEST(FSEventProbe, AFileThatIsOnlyOpenedForWritingIsNotRecorded) {
     EXPECT_THAT(recording.stop(), IsEmpty());
 }
 
-TEST(FSEventProbe, AFileThatIsReadOrGivenPermissionsIsNotRecorded) {
+TEST(FSEventProbeTest, AFileThatIsReadOrGivenPermissionsIsNotRecorded) {
     const TemporaryFolder folder;
     write(folder / "old", "text");
     Recording recording(folder.path());
@@ -72,7 +72,7 @@ TEST(FSEventProbe, AFileThatIsReadOrGivenPermissionsIsNotRecorded) {
     EXPECT_THAT(recording.stop(), IsEmpty());
 }
 
-TEST(FSEventProbe, AWriteThroughAMemoryMappingIsRecordedWhenTheFileIsClosed) {
+TEST(FSEventProbeTest, AWriteThroughAMemoryMappingIsRecordedWhenTheFileIsClosed) {
     const TemporaryFolder folder;
     write(folder / "mapped", std::string(4096, 'x'));
     Recording recording(folder.path());
@@ -88,7 +88,7 @@ TEST(FSEventProbe, AWriteThroughAMemoryMappingIsRecordedWhenTheFileIsClosed) {
               (WriteEvent{folder / "mapped", false, false, true, false}));
 }
 
-TEST(FSEventProbe, ADeletionIsNotRecorded) {
+TEST(FSEventProbeTest, ADeletionIsNotRecorded) {
     const TemporaryFolder folder;
     write(folder / "file", "text");
     fs::create_directory(folder / "dir");
@@ -98,7 +98,7 @@ TEST(FSEventProbe, ADeletionIsNotRecorded) {
     EXPECT_THAT(recording.stop(), IsEmpty());
 }
 
-TEST(FSEventProbe, ARenameIsRecordedUnderBothNames) {
+TEST(FSEventProbeTest, ARenameIsRecordedUnderBothNames) {
     const TemporaryFolder folder;
     write(folder / "old", "text");
     Recording recording(folder.path());
@@ -110,7 +110,7 @@ TEST(FSEventProbe, ARenameIsRecordedUnderBothNames) {
               (WriteEvent{folder / "new", false, false, false, true}));
 }
 
-TEST(FSEventProbe, AFileReplacedTheSafeWayIsRecordedUnderItsName) {
+TEST(FSEventProbeTest, AFileReplacedTheSafeWayIsRecordedUnderItsName) {
     const TemporaryFolder folder;
     write(folder / "settings", "old");
     Recording recording(folder.path());
@@ -120,7 +120,7 @@ TEST(FSEventProbe, AFileReplacedTheSafeWayIsRecordedUnderItsName) {
     EXPECT_TRUE(recording.at(folder / "settings")->renamed);
 }
 
-TEST(FSEventProbe, ANewFolderIsMarkedAsAFolder) {
+TEST(FSEventProbeTest, ANewFolderIsMarkedAsAFolder) {
     const TemporaryFolder folder;
     Recording recording(folder.path());
     fs::create_directory(folder / "dir");
@@ -128,7 +128,7 @@ TEST(FSEventProbe, ANewFolderIsMarkedAsAFolder) {
     EXPECT_EQ(recording.at(folder / "dir"), (WriteEvent{folder / "dir", true, true, false, false}));
 }
 
-TEST(FSEventProbe, EverythingInFoldersMadeAtOnceIsRecorded) {
+TEST(FSEventProbeTest, EverythingInFoldersMadeAtOnceIsRecorded) {
     const TemporaryFolder folder;
     Recording recording(folder.path());
     write(folder / "a/b/c/d/e/f/file", "text");
@@ -139,7 +139,7 @@ TEST(FSEventProbe, EverythingInFoldersMadeAtOnceIsRecorded) {
     EXPECT_TRUE(recording.at(folder / "a/b/c/d/e/f/file")->created);
 }
 
-TEST(FSEventProbe, AFolderThatVanishesAtOnceIsNoTrouble) {
+TEST(FSEventProbeTest, AFolderThatVanishesAtOnceIsNoTrouble) {
     const TemporaryFolder folder;
     Recording recording(folder.path());
     for (int turn = 0; turn < 300; ++turn) {
@@ -153,7 +153,7 @@ TEST(FSEventProbe, AFolderThatVanishesAtOnceIsNoTrouble) {
     EXPECT_TRUE(recording.isComplete());
 }
 
-TEST(FSEventProbe, AFolderThatIsMovedInIsRecordedWithAllItHolds) {
+TEST(FSEventProbeTest, AFolderThatIsMovedInIsRecordedWithAllItHolds) {
     const TemporaryFolder folder;
     const TemporaryFolder elsewhere;
     write(elsewhere / "dir/sub/file", "text");
@@ -165,7 +165,7 @@ TEST(FSEventProbe, AFolderThatIsMovedInIsRecordedWithAllItHolds) {
     EXPECT_TRUE(recording.at(folder / "dir/sub/file")->renamed);
 }
 
-TEST(FSEventProbe, AFolderThatIsMovedInIsRecordedFromThenOn) {
+TEST(FSEventProbeTest, AFolderThatIsMovedInIsRecordedFromThenOn) {
     const TemporaryFolder folder;
     const TemporaryFolder elsewhere;
     write(elsewhere / "dir/sub/file", "text");
@@ -176,7 +176,7 @@ TEST(FSEventProbe, AFolderThatIsMovedInIsRecordedFromThenOn) {
     EXPECT_TRUE(recording.has(folder / "dir/sub/file"));
 }
 
-TEST(FSEventProbe, AFolderThatIsRenamedIsRecordedUnderItsNewNameFromThenOn) {
+TEST(FSEventProbeTest, AFolderThatIsRenamedIsRecordedUnderItsNewNameFromThenOn) {
     const TemporaryFolder folder;
     write(folder / "old/sub/file", "text");
     Recording recording(folder.path());
@@ -191,7 +191,7 @@ TEST(FSEventProbe, AFolderThatIsRenamedIsRecordedUnderItsNewNameFromThenOn) {
     EXPECT_FALSE(recording.has(folder / "old/sub/other"));
 }
 
-TEST(FSEventProbe, ARenameAloneTellsNothingOfWhatTheFolderHolds) {
+TEST(FSEventProbeTest, ARenameAloneTellsNothingOfWhatTheFolderHolds) {
     const TemporaryFolder folder;
     write(folder / "old/sub/file", "text");
     Recording recording(folder.path());
@@ -200,7 +200,7 @@ TEST(FSEventProbe, ARenameAloneTellsNothingOfWhatTheFolderHolds) {
     EXPECT_THAT(recording.paths(), ElementsAre(folder / "new", folder / "old"));
 }
 
-TEST(FSEventProbe, FoldersMadeAndRenamedAtOnceLoseNothing) {
+TEST(FSEventProbeTest, FoldersMadeAndRenamedAtOnceLoseNothing) {
     const TemporaryFolder folder;
     Recording recording(folder.path());
     for (int turn = 0; turn < 200; ++turn) {
@@ -215,7 +215,7 @@ TEST(FSEventProbe, FoldersMadeAndRenamedAtOnceLoseNothing) {
     }
 }
 
-TEST(FSEventProbe, AFolderThatIsMovedOutIsRecordedNoMore) {
+TEST(FSEventProbeTest, AFolderThatIsMovedOutIsRecordedNoMore) {
     const TemporaryFolder folder;
     const TemporaryFolder elsewhere;
     write(folder / "dir/sub/file", "text");
@@ -227,7 +227,7 @@ TEST(FSEventProbe, AFolderThatIsMovedOutIsRecordedNoMore) {
     EXPECT_THAT(recording.paths(), ElementsAre(folder / "dir"));
 }
 
-TEST(FSEventProbe, TwoFoldersThatChangePlacesKeepTheirOwnWrites) {
+TEST(FSEventProbeTest, TwoFoldersThatChangePlacesKeepTheirOwnWrites) {
     const TemporaryFolder folder;
     write(folder / "a/file", "a");
     write(folder / "b/file", "b");
@@ -244,7 +244,7 @@ TEST(FSEventProbe, TwoFoldersThatChangePlacesKeepTheirOwnWrites) {
     EXPECT_FALSE(recording.has(folder / "b/into-a"));
 }
 
-TEST(FSEventProbe, AFolderThatReplacesAnEmptyOneIsRecordedUnderItsName) {
+TEST(FSEventProbeTest, AFolderThatReplacesAnEmptyOneIsRecordedUnderItsName) {
     const TemporaryFolder folder;
     fs::create_directory(folder / "empty");
     write(folder / "full/file", "text");
@@ -256,7 +256,7 @@ TEST(FSEventProbe, AFolderThatReplacesAnEmptyOneIsRecordedUnderItsName) {
     EXPECT_FALSE(recording.has(folder / "full/new"));
 }
 
-TEST(FSEventProbe, SymbolicLinksAreRecordedButNotFollowed) {
+TEST(FSEventProbeTest, SymbolicLinksAreRecordedButNotFollowed) {
     const TemporaryFolder folder;
     const TemporaryFolder elsewhere;
     fs::create_directory_symlink(elsewhere.path(), folder / "old-link");
@@ -269,7 +269,7 @@ TEST(FSEventProbe, SymbolicLinksAreRecordedButNotFollowed) {
     EXPECT_FALSE(recording.at(folder / "circle")->isDir);
 }
 
-TEST(FSEventProbe, NamesOfAnyBytesComeOutAsTheyAre) {
+TEST(FSEventProbeTest, NamesOfAnyBytesComeOutAsTheyAre) {
     const TemporaryFolder folder;
     Recording recording(folder.path());
     write(folder / "line\nbreak\x1b[31m/\xff\xfe", "text");
@@ -278,7 +278,7 @@ TEST(FSEventProbe, NamesOfAnyBytesComeOutAsTheyAre) {
     EXPECT_TRUE(recording.has(folder / "line\nbreak\x1b[31m/\xff\xfe"));
 }
 
-TEST(FSEventProbe, SpecialFilesAreRecordedWithoutBeingOpened) {
+TEST(FSEventProbeTest, SpecialFilesAreRecordedWithoutBeingOpened) {
     const TemporaryFolder folder;
     Recording recording(folder.path());
     ASSERT_EQ(::mkfifo((folder / "pipe").c_str(), 0600), 0);
@@ -286,13 +286,13 @@ TEST(FSEventProbe, SpecialFilesAreRecordedWithoutBeingOpened) {
     EXPECT_TRUE(recording.at(folder / "pipe")->created);
 }
 
-TEST(FSEventProbe, NeverStartedItHasNothing) {
+TEST(FSEventProbeTest, NeverStartedItHasNothing) {
     FSEventProbe probe({"/"});
     EXPECT_THAT(probe.stopAndDrain(), IsEmpty());
     EXPECT_TRUE(probe.isComplete());
 }
 
-TEST(FSEventProbe, StoppedTwiceItGivesTheSameTwice) {
+TEST(FSEventProbeTest, StoppedTwiceItGivesTheSameTwice) {
     const TemporaryFolder folder;
     Recording recording(folder.path());
     write(folder / "file", "text");
@@ -302,7 +302,7 @@ TEST(FSEventProbe, StoppedTwiceItGivesTheSameTwice) {
     EXPECT_FALSE(first.empty());
 }
 
-TEST(FSEventProbe, StartedTwiceItRecordsIntoOneListTwice) {
+TEST(FSEventProbeTest, StartedTwiceItRecordsIntoOneListTwice) {
     const TemporaryFolder folder;
     FSEventProbe probe({folder.path()});
     probe.start();
@@ -312,7 +312,7 @@ TEST(FSEventProbe, StartedTwiceItRecordsIntoOneListTwice) {
     EXPECT_THAT(probe.stopAndDrain(), ElementsAre(event, event));
 }
 
-TEST(FSEventProbe, ABatchWithoutAFlagForEachPathAddsNothing) {
+TEST(FSEventProbeTest, ABatchWithoutAFlagForEachPathAddsNothing) {
     FSEventProbe probe({});
     probe.receive({{"/a", "/b"}, {FSEventFlag::itemCreated}});
     probe.receive({{"/a"}, {FSEventFlag::itemCreated, FSEventFlag::itemCreated}});
@@ -320,7 +320,7 @@ TEST(FSEventProbe, ABatchWithoutAFlagForEachPathAddsNothing) {
     EXPECT_THAT(probe.stopAndDrain(), IsEmpty());
 }
 
-TEST(FSEventProbe, OnlyCreationsModificationsAndRenamesCount) {
+TEST(FSEventProbeTest, OnlyCreationsModificationsAndRenamesCount) {
     FSEventProbe probe({});
     constexpr std::uint32_t ownerChanged = 0x00004000;
     probe.receive({{"/removed", "/owner", "/both", "/none"},
@@ -329,14 +329,14 @@ TEST(FSEventProbe, OnlyCreationsModificationsAndRenamesCount) {
     EXPECT_THAT(probe.stopAndDrain(), ElementsAre(WriteEvent{"/both", false, true, true, false}));
 }
 
-TEST(FSEventProbe, WhatTheSystemLostIsKept) {
+TEST(FSEventProbeTest, WhatTheSystemLostIsKept) {
     FSEventProbe probe({});
     probe.receive({{"/"}, {FSEventFlag::mustScanSubDirs}});
     EXPECT_THAT(probe.stopAndDrain(), IsEmpty());
     EXPECT_FALSE(probe.isComplete());
 }
 
-TEST(FSEventProbe, EventsComeOnAQueueOfItsOwn) {
+TEST(FSEventProbeTest, EventsComeOnAQueueOfItsOwn) {
     const TemporaryFolder folder;
     const auto queues = [] {
         int count = 0;
@@ -351,14 +351,14 @@ TEST(FSEventProbe, EventsComeOnAQueueOfItsOwn) {
     EXPECT_EQ(queues(), 0);
 }
 
-TEST(FSEventProbe, AsksForItsFoldersInTheirOrderWithATenthOfASecondOfLatency) {
+TEST(FSEventProbeTest, AsksForItsFoldersInTheirOrderWithATenthOfASecondOfLatency) {
     const FSEventStream::Options options = FSEventProbe({"/b", "/a"}).streamOptions();
     EXPECT_THAT(options.paths, ElementsAre("/b", "/a"));
     EXPECT_EQ(options.latency, std::chrono::milliseconds(100));
     EXPECT_EQ(options.queueLabel, "app.quorvel.fsprobe");
 }
 
-TEST(FSEventProbe, EventsArriveWhileItRuns) {
+TEST(FSEventProbeTest, EventsArriveWhileItRuns) {
     const TemporaryFolder folder;
     std::atomic<int> calls{0};
     FSEventStream::Options options;

@@ -11,7 +11,7 @@ using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 namespace fs = std::filesystem;
 
-TEST(WatchedFolder, ThatIsMissingIsRecordedOnceItComes) {
+TEST(FSEventRootsTest, ThatIsMissingIsRecordedOnceItComes) {
     const TemporaryFolder folder;
     Recording recording(folder / "Library");
     write(folder / "Library/Preferences/x.plist", "text");
@@ -21,7 +21,7 @@ TEST(WatchedFolder, ThatIsMissingIsRecordedOnceItComes) {
     EXPECT_TRUE(recording.isComplete());
 }
 
-TEST(WatchedFolder, WhoseParentsAreMissingIsRecordedOnceItComes) {
+TEST(FSEventRootsTest, WhoseParentsAreMissingIsRecordedOnceItComes) {
     const TemporaryFolder folder;
     Recording recording(folder / "a/b/Library");
     write(folder / "a/b/Library/file", "text");
@@ -30,14 +30,14 @@ TEST(WatchedFolder, WhoseParentsAreMissingIsRecordedOnceItComes) {
     EXPECT_FALSE(recording.has(folder / "a"));
 }
 
-TEST(WatchedFolder, ThatNeverComesIsACompleteRecordOfNothing) {
+TEST(FSEventRootsTest, ThatNeverComesIsACompleteRecordOfNothing) {
     const TemporaryFolder folder;
     Recording recording(folder / "Library");
     EXPECT_THAT(recording.stop(), IsEmpty());
     EXPECT_TRUE(recording.isComplete());
 }
 
-TEST(WatchedFolder, ThatIsRemovedAndMadeAgainIsRecordedAgain) {
+TEST(FSEventRootsTest, ThatIsRemovedAndMadeAgainIsRecordedAgain) {
     const TemporaryFolder folder;
     write(folder / "Library/old", "text");
     Recording recording(folder / "Library");
@@ -47,7 +47,7 @@ TEST(WatchedFolder, ThatIsRemovedAndMadeAgainIsRecordedAgain) {
     EXPECT_TRUE(recording.has(folder / "Library/new"));
 }
 
-TEST(WatchedFolder, ThatIsRemovedManyTimesIsRecordedEveryTime) {
+TEST(FSEventRootsTest, ThatIsRemovedManyTimesIsRecordedEveryTime) {
     const TemporaryFolder folder;
     fs::create_directory(folder / "Library");
     Recording recording(folder / "Library");
@@ -60,7 +60,7 @@ TEST(WatchedFolder, ThatIsRemovedManyTimesIsRecordedEveryTime) {
     EXPECT_TRUE(recording.has(folder / "Library/sub/file"));
 }
 
-TEST(WatchedFolder, ThatIsMovedAwayIsRecordedNoMore) {
+TEST(FSEventRootsTest, ThatIsMovedAwayIsRecordedNoMore) {
     const TemporaryFolder folder;
     write(folder / "Library/sub/file", "text");
     Recording recording(folder / "Library");
@@ -69,7 +69,7 @@ TEST(WatchedFolder, ThatIsMovedAwayIsRecordedNoMore) {
     EXPECT_THAT(recording.stop(), IsEmpty());
 }
 
-TEST(WatchedFolder, ThatIsReplacedIsRecordedAsTheNewOne) {
+TEST(FSEventRootsTest, ThatIsReplacedIsRecordedAsTheNewOne) {
     const TemporaryFolder folder;
     write(folder / "Library/old", "text");
     write(folder / "other/sub/file", "text");
@@ -84,7 +84,7 @@ TEST(WatchedFolder, ThatIsReplacedIsRecordedAsTheNewOne) {
     EXPECT_FALSE(recording.has(folder / "Library/into-old"));
 }
 
-TEST(WatchedFolder, WhoseParentIsReplacedIsRecordedAsTheNewOne) {
+TEST(FSEventRootsTest, WhoseParentIsReplacedIsRecordedAsTheNewOne) {
     const TemporaryFolder folder;
     write(folder / "home/Library/old", "text");
     write(folder / "other/Library/old", "text");
@@ -96,7 +96,7 @@ TEST(WatchedFolder, WhoseParentIsReplacedIsRecordedAsTheNewOne) {
     EXPECT_TRUE(recording.has(folder / "home/Library/new"));
 }
 
-TEST(WatchedFolder, ThatIsGivenByALinkKeepsTheGivenName) {
+TEST(FSEventRootsTest, ThatIsGivenByALinkKeepsTheGivenName) {
     const TemporaryFolder folder;
     fs::create_directory(folder / "real");
     fs::create_directory(folder / "real/old");
@@ -109,7 +109,7 @@ TEST(WatchedFolder, ThatIsGivenByALinkKeepsTheGivenName) {
                                                folder / "link/sub/file"));
 }
 
-TEST(WatchedFolder, ThatIsGivenWithSlashesAtTheEndGivesPlainPaths) {
+TEST(FSEventRootsTest, ThatIsGivenWithSlashesAtTheEndGivesPlainPaths) {
     const TemporaryFolder folder;
     Recording recording(fs::path(folder.path().native() + "//"));
     write(folder / "file", "text");
@@ -117,7 +117,7 @@ TEST(WatchedFolder, ThatIsGivenWithSlashesAtTheEndGivesPlainPaths) {
     EXPECT_TRUE(recording.has(folder / "file"));
 }
 
-TEST(WatchedFolder, InsideAnotherIsRecordedOnce) {
+TEST(FSEventRootsTest, InsideAnotherIsRecordedOnce) {
     const TemporaryFolder folder;
     fs::create_directory(folder / "inner");
     Recording recording(std::vector{folder / "inner", folder.path()});
@@ -128,7 +128,7 @@ TEST(WatchedFolder, InsideAnotherIsRecordedOnce) {
                             WriteEvent{folder / "outer", true, true, false, false}));
 }
 
-TEST(WatchedFolder, AroundAnotherRecordsBoth) {
+TEST(FSEventRootsTest, AroundAnotherRecordsBoth) {
     const TemporaryFolder folder;
     fs::create_directory(folder / "inner");
     Recording recording(std::vector{folder.path(), folder / "inner"});
@@ -137,14 +137,14 @@ TEST(WatchedFolder, AroundAnotherRecordsBoth) {
                 ElementsAre(WriteEvent{folder / "inner/dir", true, true, false, false}));
 }
 
-TEST(WatchedFolder, GivenTwiceIsRecordedOnce) {
+TEST(FSEventRootsTest, GivenTwiceIsRecordedOnce) {
     const TemporaryFolder folder;
     Recording recording(std::vector{folder.path(), folder.path()});
     fs::create_directory(folder / "dir");
     EXPECT_EQ(recording.stop().size(), 1U);
 }
 
-TEST(WatchedFolder, ThatIsAFileIsLeftAlone) {
+TEST(FSEventRootsTest, ThatIsAFileIsLeftAlone) {
     const TemporaryFolder folder;
     write(folder / "file", "text");
     Recording recording(folder / "file");

@@ -28,7 +28,7 @@ std::vector<std::string> makeStorm(const fs::path& base, int folders, int filesI
     return made;
 }
 
-TEST(Storm, OfFilesInNewFoldersIsRecordedToTheLast) {
+TEST(FSEventStormTest, OfFilesInNewFoldersIsRecordedToTheLast) {
     const TemporaryFolder folder;
     Recording recording(folder.path());
     const auto made = makeStorm(folder.path(), 400, 15);
@@ -40,7 +40,7 @@ TEST(Storm, OfFilesInNewFoldersIsRecordedToTheLast) {
     EXPECT_TRUE(recording.isComplete());
 }
 
-TEST(Storm, FromSeveralThreadsIsRecordedToTheLast) {
+TEST(FSEventStormTest, FromSeveralThreadsIsRecordedToTheLast) {
     const TemporaryFolder folder;
     Recording recording(folder.path());
     std::vector<std::vector<std::string>> made(4);
@@ -64,7 +64,7 @@ TEST(Storm, FromSeveralThreadsIsRecordedToTheLast) {
     }
 }
 
-TEST(Storm, ThatGoesOnDoesNotKeepTheRecordingFromStopping) {
+TEST(FSEventStormTest, ThatGoesOnDoesNotKeepTheRecordingFromStopping) {
     const TemporaryFolder folder;
     Recording recording(folder.path());
     std::atomic<bool> goesOn{true};

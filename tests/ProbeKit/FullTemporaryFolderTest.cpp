@@ -77,15 +77,15 @@ std::string expectNoLaunch(Trial& trial) {
         EXPECT_EQ(outcome, Outcome::passed);                                                       \
     } while (false)
 
-TEST(FullTemporaryFolder, WithoutRoomForAHomeNothingIsLaunched) {
+TEST(FullTemporaryFolderTest, WithoutRoomForAHomeNothingIsLaunched) {
     EXPECT_PASSED(withRoomFor(0, expectNoLaunch));
 }
 
-TEST(FullTemporaryFolder, WithoutRoomForTheSecondHomeNothingIsLaunched) {
+TEST(FullTemporaryFolderTest, WithoutRoomForTheSecondHomeNothingIsLaunched) {
     EXPECT_PASSED(withRoomFor(1, expectNoLaunch));
 }
 
-TEST(FullTemporaryFolder, AnAppThatCanWriteNothingThereStillGivesAResult) {
+TEST(FullTemporaryFolderTest, AnAppThatCanWriteNothingThereStillGivesAResult) {
     EXPECT_PASSED(withRoomFor(2, [](Trial& trial) -> std::string {
         const std::filesystem::path leak = trial.library / "Application Support/Notes/leak";
         trial.plan("write ~/note\nwrite " + leak.string() + "\n" + trial.tellStep() + "\nwait\n");
@@ -104,7 +104,7 @@ TEST(FullTemporaryFolder, AnAppThatCanWriteNothingThereStillGivesAResult) {
     }));
 }
 
-TEST(FullTemporaryFolder, AnAppThatFillsItGivesAResult) {
+TEST(FullTemporaryFolderTest, AnAppThatFillsItGivesAResult) {
     EXPECT_PASSED(withRoomFor(8, [](Trial& trial) -> std::string {
         trial.plan("write ~/first\nwrite ~/second\n" + trial.tellStep() + "\nwait\n");
         const ProbeResult result = trial.run();

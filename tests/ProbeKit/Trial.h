@@ -1,7 +1,6 @@
 #pragma once
 
 #include "ProbeKit/AppProber.h"
-#include "ProbeKit/Farewell.h"
 #include "tests/support/AppBundles.h"
 #include "tests/support/StubWorkspace.h"
 #include "tests/support/TemporaryHome.h"
@@ -76,7 +75,7 @@ public:
             std::chrono::minutes(2));
     }
 
-    void endAll() { waitForEnd(std::exchange(released, {}), std::chrono::seconds(5)); }
+    void endAll() { terminateAndWait(std::exchange(released, {}), std::chrono::seconds(5)); }
 
     /// The throw-away homes.
     [[nodiscard]] std::vector<std::filesystem::path> homes() const {

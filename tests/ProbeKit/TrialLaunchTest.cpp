@@ -36,7 +36,7 @@ std::vector<std::string> bucketPaths(const ProbeResult& result, LeakBucket bucke
     return paths == result.buckets.end() ? std::vector<std::string>{} : paths->second;
 }
 
-TEST(TrialOf, AnAppThatKeepsToItsHomeIsCaptured) {
+TEST(TrialLaunchTest, AnAppThatKeepsToItsHomeIsCaptured) {
     Trial trial;
     trial.plan("write ~/Library/Application Support/Notes/x.db\nwrite ~/.config/notes\n" +
                trial.tellStep() + "\nwait\n");
@@ -52,7 +52,7 @@ TEST(TrialOf, AnAppThatKeepsToItsHomeIsCaptured) {
     EXPECT_THAT(trial.homes(), SizeIs(2));
 }
 
-TEST(TrialOf, AnAppThatWritesIntoTheRealLibraryLeaks) {
+TEST(TrialLaunchTest, AnAppThatWritesIntoTheRealLibraryLeaks) {
     Trial trial("com.example.Notes");
     const std::string library = trial.library.string();
     trial.plan("write " + library + "/Application Support/notes/x.db\nwrite " + library +
@@ -69,7 +69,7 @@ TEST(TrialOf, AnAppThatWritesIntoTheRealLibraryLeaks) {
     EXPECT_TRUE(result.prefsLeak());
 }
 
-TEST(TrialOf, AnAppThatWritesIntoItsContainerNeedsAnIdentity) {
+TEST(TrialLaunchTest, AnAppThatWritesIntoItsContainerNeedsAnIdentity) {
     Trial trial;
     trial.plan("write " + trial.library.string() + "/Application Support/Notes/x\nwrite " +
                trial.library.string() + "/Containers/" + trial.bundleId + "/Data/x\n" +
@@ -77,7 +77,7 @@ TEST(TrialOf, AnAppThatWritesIntoItsContainerNeedsAnIdentity) {
     EXPECT_EQ(trial.run().recommendedStrategy, Strategy::wrapperIdentity);
 }
 
-TEST(TrialOf, AnAppThatHandsOverIsNotClonable) {
+TEST(TrialLaunchTest, AnAppThatHandsOverIsNotClonable) {
     Trial trial;
     trial.plan(trial.tellStep() + "\nhand-over " + (trial.folder / "lock").string() + "\nwait\n");
     trial.onSleep = [&](AppProber::Seconds /*time*/) {
@@ -93,7 +93,7 @@ TEST(TrialOf, AnAppThatHandsOverIsNotClonable) {
     EXPECT_EQ(result.recommendedStrategy, Strategy::unsupported);
 }
 
-TEST(TrialOf, AnAppThatWaitsForALockNeverComesUp) {
+TEST(TrialLaunchTest, AnAppThatWaitsForALockNeverComesUp) {
     Trial trial;
     trial.plan(trial.tellStep() + "\nlock " + (trial.folder / "lock").string() + "\nwait\n");
     trial.onSleep = [&](AppProber::Seconds /*time*/) {
@@ -110,7 +110,7 @@ TEST(TrialOf, AnAppThatWaitsForALockNeverComesUp) {
     EXPECT_EQ(result.recommendedStrategy, Strategy::homeOverride);
 }
 
-TEST(TrialOf, AnAppOfSeveralProcessesThatWaitsForALockNeverComesUp) {
+TEST(TrialLaunchTest, AnAppOfSeveralProcessesThatWaitsForALockNeverComesUp) {
     Trial trial;
     const std::string lock = (trial.folder / "lock").string();
     const fs::path up = trial.folder / "up";
@@ -128,13 +128,13 @@ TEST(TrialOf, AnAppOfSeveralProcessesThatWaitsForALockNeverComesUp) {
     EXPECT_TRUE(waitFor([&] { return running().empty(); })) << "the helpers end as well";
 }
 
-TEST(TrialOf, AnAppOfSeveralProcessesThatComesUpTwiceIsNoSingleton) {
+TEST(TrialLaunchTest, AnAppOfSeveralProcessesThatComesUpTwiceIsNoSingleton) {
     Trial trial;
     trial.plan("helper\nhelper\n" + trial.tellStep() + "\nwait\n");
     EXPECT_EQ(trial.run().singleton, SingletonTier::none);
 }
 
-TEST(TrialOf, AnAppWhoseParentLeavesItsChildBehindCountsAsHandingOver) {
+TEST(TrialLaunchTest, AnAppWhoseParentLeavesItsChildBehindCountsAsHandingOver) {
     Trial trial;
     const fs::path children = trial.folder / "children";
     trial.plan("fork " + children.string() + "\nwrite ~/from-child\n" + trial.tellStep() +
@@ -148,7 +148,7 @@ TEST(TrialOf, AnAppWhoseParentLeavesItsChildBehindCountsAsHandingOver) {
     }
 }
 
-TEST(TrialOf, AnAppThatWritesTwentyThousandFilesIsRecordedToTheLast) {
+TEST(TrialLaunchTest, AnAppThatWritesTwentyThousandFilesIsRecordedToTheLast) {
     Trial trial;
     trial.plan("many ~/data 20000\n" + trial.tellStep() + "\nwait\n");
     const ProbeResult result = trial.run();
@@ -165,7 +165,7 @@ TEST(TrialOf, AnAppThatWritesTwentyThousandFilesIsRecordedToTheLast) {
     EXPECT_EQ(files, 20000U);
 }
 
-TEST(TrialOf, AnAppThatEndsAtOnceTellsNothingOfASecond) {
+TEST(TrialLaunchTest, AnAppThatEndsAtOnceTellsNothingOfASecond) {
     Trial trial;
     trial.plan(trial.tellStep() + "\nexit 3\n");
     trial.onSleep = [&](AppProber::Seconds /*time*/) {
@@ -178,7 +178,7 @@ TEST(TrialOf, AnAppThatEndsAtOnceTellsNothingOfASecond) {
     EXPECT_EQ(result.recommendedStrategy, Strategy::homeOverride);
 }
 
-TEST(TrialOf, AnAppThatCrashesTellsNothingOfASecond) {
+TEST(TrialLaunchTest, AnAppThatCrashesTellsNothingOfASecond) {
     Trial trial;
     trial.plan(trial.tellStep() + "\ncrash\n");
     trial.onSleep = [&](AppProber::Seconds /*time*/) {
@@ -191,15 +191,15 @@ TEST(TrialOf, AnAppThatCrashesTellsNothingOfASecond) {
     EXPECT_TRUE(hasNoChildren());
 }
 
-TEST(TrialOf, AnAppThatIgnoresTerminationIsEndedByForce) {
+TEST(TrialLaunchTest, AnAppThatIgnoresTerminationIsEndedByForce) {
     Trial trial;
     trial.plan("ignore-termination\n" + trial.tellStep() + "\nwait\n");
     EXPECT_EQ(trial.run().singleton, SingletonTier::none);
     ASSERT_THAT(trial.released, SizeIs(2));
     const pid_t first = trial.released[0].process.identifier();
     const pid_t second = trial.released[1].process.identifier();
-    endInBackground(std::move(trial.released[0]), std::chrono::milliseconds(50));
-    endInBackground(std::move(trial.released[1]), std::chrono::milliseconds(50));
+    terminateInBackground(std::move(trial.released[0]), std::chrono::milliseconds(50));
+    terminateInBackground(std::move(trial.released[1]), std::chrono::milliseconds(50));
     trial.released.clear();
     EXPECT_TRUE(waitFor([&] { return isGone(first) && isGone(second); }));
 }
@@ -235,7 +235,7 @@ std::size_t askedDaemons(const std::string& start, bool obedient) {
             [&] { return daemonsOf(trial).size() == static_cast<std::size_t>(trial.sleeps); }));
     };
     (void)trial.run();
-    waitForEnd(std::exchange(trial.released, {}), std::chrono::milliseconds(300));
+    terminateAndWait(std::exchange(trial.released, {}), std::chrono::milliseconds(300));
     for (const pid_t daemon : daemonsOf(trial)) {
         EXPECT_TRUE(waitFor([&] { return isGone(daemon); }, std::chrono::seconds(5)))
             << daemon << " is left of: " << start;
@@ -245,17 +245,17 @@ std::size_t askedDaemons(const std::string& start, bool obedient) {
     return static_cast<std::size_t>(std::count(asked.begin(), asked.end(), '\n'));
 }
 
-TEST(TrialOf, AnAppThatLeavesProcessesBehindHasThemAskedToEnd) {
+TEST(TrialLaunchTest, AnAppThatLeavesProcessesBehindHasThemAskedToEnd) {
     EXPECT_EQ(askedDaemons("", true), 2U) << "children";
     EXPECT_EQ(askedDaemons("setsid -f", true), 2U) << "without a parent, in sessions of their own";
     EXPECT_EQ(askedDaemons("env -i HOME=/ /usr/bin/setsid", true), 2U) << "of another home";
 }
 
-TEST(TrialOf, AnAppWhoseLeftoversIgnoreTheRequestHasThemEndedByForce) {
+TEST(TrialLaunchTest, AnAppWhoseLeftoversIgnoreTheRequestHasThemEndedByForce) {
     EXPECT_EQ(askedDaemons("setsid -f", false), 2U);
 }
 
-TEST(TrialOf, AnAppIsAskedToEndFirstAndItsLastWritesAreRecorded) {
+TEST(TrialLaunchTest, AnAppIsAskedToEndFirstAndItsLastWritesAreRecorded) {
     Trial trial;
     makeScriptedAppBundle(trial.app,
                           "trap 'echo > \"$HOME/last words\"; exit' TERM; echo told >> " +
@@ -278,7 +278,7 @@ TEST(TrialOf, AnAppIsAskedToEndFirstAndItsLastWritesAreRecorded) {
     EXPECT_THAT(bucketPaths(result, LeakBucket::captured), Contains(homes[0] + "/last words"));
 }
 
-TEST(TrialOf, AnAppFindsOurEnvironmentWithTheHomeReplacedAndNothingElse) {
+TEST(TrialLaunchTest, AnAppFindsOurEnvironmentWithTheHomeReplacedAndNothingElse) {
     Trial trial;
     makeAppBundle(trial.app, {{"CFBundleIdentifier", trial.bundleId}}, "/usr/bin/env");
     trial.onSleep = [&](AppProber::Seconds /*time*/) {
@@ -308,7 +308,7 @@ TEST(TrialOf, AnAppFindsOurEnvironmentWithTheHomeReplacedAndNothingElse) {
     }
 }
 
-TEST(TrialOf, AnAppWhoseHomeLiesInTheLibraryIsCapturedAllTheSame) {
+TEST(TrialLaunchTest, AnAppWhoseHomeLiesInTheLibraryIsCapturedAllTheSame) {
     // What lies in two watched folders is reported under the first of them.
     Trial trial;
     fs::create_directory(trial.library / "tmp");
@@ -318,7 +318,7 @@ TEST(TrialOf, AnAppWhoseHomeLiesInTheLibraryIsCapturedAllTheSame) {
     EXPECT_THAT(bucketPaths(trial.run(), LeakBucket::captured), Contains(EndsWith("/file")));
 }
 
-TEST(TrialOf, AnAppThatFloodsItsOutputFloodsOnlyItsLog) {
+TEST(TrialLaunchTest, AnAppThatFloodsItsOutputFloodsOnlyItsLog) {
     Trial trial;
     trial.plan("flood 8000000\n" + trial.tellStep() + "\nwait\n");
     const ProbeResult result = trial.run();
@@ -327,7 +327,7 @@ TEST(TrialOf, AnAppThatFloodsItsOutputFloodsOnlyItsLog) {
     EXPECT_EQ(result.recommendedStrategy, Strategy::homeOverride);
 }
 
-TEST(TrialOf, AnAppThatDeletesItsHomeGivesAResult) {
+TEST(TrialLaunchTest, AnAppThatDeletesItsHomeGivesAResult) {
     Trial trial;
     trial.plan("write ~/file\ndelete-home\n" + trial.tellStep() + "\nwait\n");
     const ProbeResult result = trial.run();
@@ -335,7 +335,7 @@ TEST(TrialOf, AnAppThatDeletesItsHomeGivesAResult) {
     EXPECT_THAT(trial.homes(), IsEmpty());
 }
 
-TEST(TrialOf, AnAppWithoutAnExecutableCannotBeLaunched) {
+TEST(TrialLaunchTest, AnAppWithoutAnExecutableCannotBeLaunched) {
     Trial trial;
     fs::remove(trial.app / "Contents/MacOS/Notes");
     try {
@@ -349,7 +349,7 @@ TEST(TrialOf, AnAppWithoutAnExecutableCannotBeLaunched) {
     EXPECT_TRUE(hasNoChildren());
 }
 
-TEST(TrialOf, AnAppThatVanishesBeforeItsSecondLaunchRunsOn) {
+TEST(TrialLaunchTest, AnAppThatVanishesBeforeItsSecondLaunchRunsOn) {
     Trial trial;
     trial.plan("fork " + (trial.folder / "c").string() + "\n");
     makeScriptedAppBundle(trial.app,
@@ -366,7 +366,7 @@ TEST(TrialOf, AnAppThatVanishesBeforeItsSecondLaunchRunsOn) {
     EXPECT_TRUE(waitFor([&] { return isGone(first); }));
 }
 
-TEST(TrialOf, AnAppBelowAHomeThatCannotBeMadeIsNotLaunched) {
+TEST(TrialLaunchTest, AnAppBelowAHomeThatCannotBeMadeIsNotLaunched) {
     Trial trial;
     fs::remove(trial.temporary);
     write(trial.temporary, "a file stands in the way");
@@ -374,7 +374,7 @@ TEST(TrialOf, AnAppBelowAHomeThatCannotBeMadeIsNotLaunched) {
     EXPECT_TRUE(hasNoChildren());
 }
 
-TEST(TrialOf, AnElectronAppGetsItsDataFolderInTheHome) {
+TEST(TrialLaunchTest, AnElectronAppGetsItsDataFolderInTheHome) {
     Trial trial;
     fs::create_directories(trial.app / "Contents/Frameworks/Electron Framework.framework");
     const std::string arguments = (trial.folder / "arguments").string();
@@ -395,7 +395,7 @@ TEST(TrialOf, AnElectronAppGetsItsDataFolderInTheHome) {
     }
 }
 
-TEST(TrialOf, AnAppRunsUnderTwoHomesOfWhichOnlyTheFirstIsWatched) {
+TEST(TrialLaunchTest, AnAppRunsUnderTwoHomesOfWhichOnlyTheFirstIsWatched) {
     Trial trial;
     trial.plan("write ~/file\n" + trial.tellStep() + "\nwait\n");
     const ProbeResult result = trial.run();
@@ -408,7 +408,7 @@ TEST(TrialOf, AnAppRunsUnderTwoHomesOfWhichOnlyTheFirstIsWatched) {
     }
 }
 
-TEST(TrialOf, AnAppThatIsGivenUpEndsBothProcesses) {
+TEST(TrialLaunchTest, AnAppThatIsGivenUpEndsBothProcesses) {
     Trial trial;
     trial.plan(trial.tellStep() + "\nwait\n");
     std::atomic<bool> cancelled{false};
@@ -425,7 +425,7 @@ TEST(TrialOf, AnAppThatIsGivenUpEndsBothProcesses) {
     }
 }
 
-TEST(TrialOf, AnAppThatIsGivenUpHasEndedBeforeThatIsTold) {
+TEST(TrialLaunchTest, AnAppThatIsGivenUpHasEndedBeforeThatIsTold) {
     Trial trial;
     trial.plan("ignore-termination\n" + trial.tellStep() + "\nwait\n");
     std::atomic<bool> cancelled{false};
@@ -439,7 +439,7 @@ TEST(TrialOf, AnAppThatIsGivenUpHasEndedBeforeThatIsTold) {
     EXPECT_TRUE(hasNoChildren());
 }
 
-TEST(TrialOf, AnAppThatIsGivenUpEarlyIsNotLaunchedAgain) {
+TEST(TrialLaunchTest, AnAppThatIsGivenUpEarlyIsNotLaunchedAgain) {
     Trial trial;
     trial.plan(trial.tellStep() + "\nwait\n");
     std::atomic<bool> cancelled{false};
@@ -453,7 +453,7 @@ TEST(TrialOf, AnAppThatIsGivenUpEarlyIsNotLaunchedAgain) {
     EXPECT_THAT(trial.released, SizeIs(1));
 }
 
-TEST(TrialOf, AnAppTellsHowFarItIs) {
+TEST(TrialLaunchTest, AnAppTellsHowFarItIs) {
     Trial trial;
     trial.plan("wait\n");
     AppProber prober = trial.prober();
@@ -471,7 +471,7 @@ TEST(TrialOf, AnAppTellsHowFarItIs) {
     EXPECT_DOUBLE_EQ(fractions.back(), 1.0);
 }
 
-TEST(TrialOf, AnAppInTheUsersRealTimeTakesNineSeconds) {
+TEST(TrialLaunchTest, AnAppInTheUsersRealTimeTakesNineSeconds) {
     Trial trial;
     trial.plan("write ~/file\n" + trial.tellStep() + "\nwait\n");
     AppProber::Surroundings with = trial.surroundings();
@@ -485,7 +485,7 @@ TEST(TrialOf, AnAppInTheUsersRealTimeTakesNineSeconds) {
     EXPECT_THAT(bucketPaths(result, LeakBucket::captured), Contains(EndsWith("/file")));
 }
 
-TEST(GeneratedProfile, HoldsWhatTheTrialShowed) {
+TEST(TrialLaunchTest, GeneratedProfileHoldsWhatTheTrialShowed) {
     AppBundle bundle;
     bundle.url = "/A/Notes.app";
     bundle.bundleId = "com.example.Notes";
@@ -506,14 +506,14 @@ TEST(GeneratedProfile, HoldsWhatTheTrialShowed) {
     EXPECT_EQ(profile.confidence, Confidence::autoDetected);
 }
 
-TEST(GeneratedProfile, OtherLeaksAreNoLeakOfPreferences) {
+TEST(TrialLaunchTest, GeneratedProfileOtherLeaksAreNoLeakOfPreferences) {
     ProbeResult result;
     result.buckets[LeakBucket::dataLeak] = {"/d"};
     result.buckets[LeakBucket::containerLeak] = {"/c"};
     EXPECT_FALSE(ProfileGenerator::makeProfile(AppBundle{}, result, "macOS 14.5").prefsLeak);
 }
 
-TEST(GeneratedProfile, OfAnElectronAppHasItsDataArgument) {
+TEST(TrialLaunchTest, GeneratedProfileOfAnElectronAppHasItsDataArgument) {
     const TemporaryFolder folder;
     AppBundle bundle;
     bundle.url = folder / "Notes.app";

@@ -580,7 +580,7 @@ TEST_F(AppModelTest, AModelThatIsGoneIsNotReachedByLateResults) {
     EXPECT_TRUE(late.isCanceled());
 }
 
-TEST(OsSignature, IsTheMajorAndMinorVersion) {
+TEST_F(AppModelTest, OsSignatureIsTheMajorAndMinorVersion) {
     EXPECT_EQ(AppModel::osSignature(StubWorkspace()), "macOS 14.5");
 }
 

@@ -5,14 +5,14 @@
 namespace quorvel::testing {
 namespace {
 
-TEST(Updater, WithoutAServiceCanNeverCheck) {
+TEST(UpdaterTest, WithoutAServiceCanNeverCheck) {
     UpdaterController updater;
     EXPECT_FALSE(updater.isConfigured());
     EXPECT_FALSE(updater.canCheckForUpdates());
     updater.checkForUpdates();
 }
 
-TEST(Updater, MirrorsTheServicesFlagAndStartsChecks) {
+TEST(UpdaterTest, MirrorsTheServicesFlagAndStartsChecks) {
     auto service = std::make_unique<StubUpdates>();
     StubUpdates& updates = *service;
     UpdaterController updater(std::move(service));

@@ -22,9 +22,9 @@ namespace fs = std::filesystem;
 const std::string inUse = "quorvel-runner: “Work” is still running, or a clone that shares its "
                           "data folder is, or a program that it started\n";
 
-class OneTarget : public RunnerFixture {
+class OneTargetTest : public RunnerFixture {
 protected:
-    ~OneTarget() override {
+    ~OneTargetTest() override {
         for (const fs::path& file : {at("pid"), at("child")}) {
             if (const pid_t pid = numberIn(file); pid > 0) {
                 ::kill(pid, SIGKILL);
@@ -71,7 +71,7 @@ protected:
     }
 };
 
-TEST_F(OneTarget, ATargetWhoseRunnerWasKilledKeepsItsHome) {
+TEST_F(OneTargetTest, ATargetWhoseRunnerWasKilledKeepsItsHome) {
     const fs::path bundle = wrapper(lasting());
     Process runner = start(bundle);
     ASSERT_TRUE(targetRuns());
@@ -93,7 +93,7 @@ TEST_F(OneTarget, ATargetWhoseRunnerWasKilledKeepsItsHome) {
     EXPECT_EQ(again.waitUntilExit(), 128 + SIGTERM);
 }
 
-TEST_F(OneTarget, ClonesThatShareAHomeRunOneAtATime) {
+TEST_F(OneTargetTest, ClonesThatShareAHomeRunOneAtATime) {
     InstanceConfig other = lasting();
     other.displayName = "Home";
     Process first = start(wrapper(other));
@@ -112,7 +112,7 @@ TEST_F(OneTarget, ClonesThatShareAHomeRunOneAtATime) {
     later.waitUntilExit();
 }
 
-TEST_F(OneTarget, ClonesWithHomesOfTheirOwnRunSideBySide) {
+TEST_F(OneTargetTest, ClonesWithHomesOfTheirOwnRunSideBySide) {
     InstanceConfig config = lasting();
     Process first = start(wrapper(config));
     ASSERT_TRUE(targetRuns());
@@ -128,7 +128,7 @@ TEST_F(OneTarget, ClonesWithHomesOfTheirOwnRunSideBySide) {
     }
 }
 
-TEST_F(OneTarget, AChildThatGoesOnInTheBackgroundStillHoldsTheHome) {
+TEST_F(OneTargetTest, AChildThatGoesOnInTheBackgroundStillHoldsTheHome) {
     const fs::path bundle = wrapper(scripted(
         "setsid sleep 600 </dev/null >/dev/null 2>&1 & echo $! > " + at("child").string()));
     EXPECT_EQ(statusOf(bundle), 0);
@@ -138,7 +138,7 @@ TEST_F(OneTarget, AChildThatGoesOnInTheBackgroundStillHoldsTheHome) {
     EXPECT_EQ(statusOf(bundle), 0);
 }
 
-TEST_F(OneTarget, AScriptMayRedirectLowNumbersWithoutLosingTheHome) {
+TEST_F(OneTargetTest, AScriptMayRedirectLowNumbersWithoutLosingTheHome) {
     const fs::path bundle =
         wrapper(scripted("exec 3>/dev/null 4>/dev/null 9>/dev/null 3>&- 9>&-; echo $$ > " +
                          at("pid").string() + "; exec sleep 600"));
@@ -149,14 +149,14 @@ TEST_F(OneTarget, AScriptMayRedirectLowNumbersWithoutLosingTheHome) {
     EXPECT_EQ(statusOf(bundle), 75);
 }
 
-TEST_F(OneTarget, TheTargetGetsNothingButTheLocksDescriptor) {
+TEST_F(OneTargetTest, TheTargetGetsNothingButTheLocksDescriptor) {
     EXPECT_EQ(run(appConfig({"descriptors"})), 0);
     EXPECT_EQ(log(), "0\n1\n2\n30\n");
     EXPECT_EQ(run(scripted("readlink /proc/self/fd/30 > " + at("path").string())), 0);
     EXPECT_EQ(read(at("path")), lockFile().string() + "\n");
 }
 
-TEST_F(OneTarget, TheLocksFileIsHiddenAndTheUsersOwn) {
+TEST_F(OneTargetTest, TheLocksFileIsHiddenAndTheUsersOwn) {
     EXPECT_EQ(run(appConfig({"exit", "0"})), 0);
     struct stat status {};
     ASSERT_EQ(::lstat(lockFile().c_str(), &status), 0);
@@ -166,7 +166,7 @@ TEST_F(OneTarget, TheLocksFileIsHiddenAndTheUsersOwn) {
     EXPECT_TRUE(lockFile().filename().string().starts_with('.'));
 }
 
-TEST_F(OneTarget, WhatStandsInTheLocksPlaceIsNotFollowed) {
+TEST_F(OneTargetTest, WhatStandsInTheLocksPlaceIsNotFollowed) {
     fs::create_directories(cloneHome());
     write(at("foreign"), "kept");
     const fs::path bundle = wrapper(appConfig({"write", at("started"), "x"}));
@@ -183,7 +183,7 @@ TEST_F(OneTarget, WhatStandsInTheLocksPlaceIsNotFollowed) {
 }
 
 // Two starts of a clone whose home has no room for the lock's file.
-TEST_F(OneTarget, OnAFullDiskAHomeIsStillUsedByOneTargetAtATime) {
+TEST_F(OneTargetTest, OnAFullDiskAHomeIsStillUsedByOneTargetAtATime) {
     fs::create_directories(cloneHome());
     const fs::path bundle = wrapper(lasting());
     const auto problem = onSmallDisk(cloneHome(), "size=4k,nr_inodes=1", [&]() -> std::string {
@@ -207,7 +207,7 @@ TEST_F(OneTarget, OnAFullDiskAHomeIsStillUsedByOneTargetAtATime) {
     EXPECT_EQ(*problem, "");
 }
 
-TEST_F(OneTarget, AHomeThatCantBeWrittenIsStillUsedByOneTargetAtATime) {
+TEST_F(OneTargetTest, AHomeThatCantBeWrittenIsStillUsedByOneTargetAtATime) {
     InstanceConfig config = minimalConfig();
     config.instanceHome = at("I").string();
     EXPECT_TRUE(asOrdinaryUser(folder_.path(), [&] {
@@ -227,7 +227,7 @@ TEST_F(OneTarget, AHomeThatCantBeWrittenIsStillUsedByOneTargetAtATime) {
     }));
 }
 
-TEST_F(OneTarget, ACommandHoldsNothing) {
+TEST_F(OneTargetTest, ACommandHoldsNothing) {
     InstanceConfig config = minimalConfig();
     config.kind = ShortcutKind::command;
     config.instanceHome = "~/I";

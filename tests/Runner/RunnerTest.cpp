@@ -15,20 +15,20 @@ using namespace std::string_literals;
 using ::testing::HasSubstr;
 namespace fs = std::filesystem;
 
-class Runner : public RunnerFixture {};
+class RunnerTest : public RunnerFixture {};
 
-TEST_F(Runner, EndsWithTheStatusOfItsTarget) {
+TEST_F(RunnerTest, EndsWithTheStatusOfItsTarget) {
     EXPECT_EQ(run(appConfig({"exit", "0"})), 0);
     EXPECT_EQ(run(appConfig({"exit", "7"})), 7);
     EXPECT_EQ(run(appConfig({"exit", "255"})), 255);
 }
 
-TEST_F(Runner, ASignalThatEndsTheTargetIsAddedTo128) {
+TEST_F(RunnerTest, ASignalThatEndsTheTargetIsAddedTo128) {
     EXPECT_EQ(run(appConfig({"signal", "9"})), 128 + 9);
     EXPECT_EQ(run(appConfig({"signal", "15"})), 128 + 15);
 }
 
-TEST_F(Runner, StaysAliveAsLongAsItsTarget) {
+TEST_F(RunnerTest, StaysAliveAsLongAsItsTarget) {
     Process runner = start(wrapper(appConfig({"write", at("started"), "x", "wait"})));
     ASSERT_TRUE(waitFor([&] { return fs::exists(at("started")); }));
     EXPECT_TRUE(runner.isRunning());
@@ -36,9 +36,9 @@ TEST_F(Runner, StaysAliveAsLongAsItsTarget) {
     EXPECT_EQ(runner.waitUntilExit(), 128 + SIGTERM);
 }
 
-class RunnerSignals : public Runner, public ::testing::WithParamInterface<int> {};
+class RunnerTestSignals : public RunnerTest, public ::testing::WithParamInterface<int> {};
 
-TEST_P(RunnerSignals, ArePassedOnToTheTarget) {
+TEST_P(RunnerTestSignals, ArePassedOnToTheTarget) {
     Process runner =
         start(wrapper(appConfig({"trap", "~/caught", "write", at("ready"), "x", "wait"})));
     ASSERT_TRUE(waitFor([&] { return fs::exists(at("ready")); }));
@@ -47,9 +47,9 @@ TEST_P(RunnerSignals, ArePassedOnToTheTarget) {
     EXPECT_EQ(read(cloneHome() / "caught"), std::to_string(GetParam()));
 }
 
-INSTANTIATE_TEST_SUITE_P(Every, RunnerSignals, ::testing::Values(SIGTERM, SIGINT, SIGHUP));
+INSTANTIATE_TEST_SUITE_P(Every, RunnerTestSignals, ::testing::Values(SIGTERM, SIGINT, SIGHUP));
 
-TEST_F(Runner, SeveralSignalsInARowReachATargetThatGoesOn) {
+TEST_F(RunnerTest, SeveralSignalsInARowReachATargetThatGoesOn) {
     InstanceConfig config = minimalConfig();
     config.kind = ShortcutKind::command;
     config.instanceHome = "~/I";
@@ -66,7 +66,7 @@ TEST_F(Runner, SeveralSignalsInARowReachATargetThatGoesOn) {
     EXPECT_EQ(runner.waitUntilExit(), 3);
 }
 
-TEST_F(Runner, TellsTheStatusEvenWhereItsStarterIgnoresChildren) {
+TEST_F(RunnerTest, TellsTheStatusEvenWhereItsStarterIgnoresChildren) {
     const fs::path bundle = wrapper(appConfig({"exit", "7"}));
     Process::Options options;
     options.executable = "/bin/sh";
@@ -75,7 +75,7 @@ TEST_F(Runner, TellsTheStatusEvenWhereItsStarterIgnoresChildren) {
     EXPECT_EQ(Process::run(options).waitUntilExit(), 7);
 }
 
-TEST_F(Runner, GivesTheTargetItsHomeAndItsLog) {
+TEST_F(RunnerTest, GivesTheTargetItsHomeAndItsLog) {
     EXPECT_EQ(run(appConfig({"environment", "complain", "complained"})), 0);
     EXPECT_THAT(log(), HasSubstr("\nHOME=" + cloneHome().string() + "\n"));
     EXPECT_THAT(log(), HasSubstr("CFFIXED_USER_HOME=" + cloneHome().string() + "\n"));
@@ -83,26 +83,26 @@ TEST_F(Runner, GivesTheTargetItsHomeAndItsLog) {
     EXPECT_EQ(read(errors()), "");
 }
 
-TEST_F(Runner, DocumentsStayBehindUnlessTheCloneTakesThem) {
+TEST_F(RunnerTest, DocumentsStayBehindUnlessTheCloneTakesThem) {
     EXPECT_EQ(run(appConfig({"arguments", "own"}), {"/doc"}), 0);
     EXPECT_EQ(log(), "1\nown\n");
 }
 
-TEST_F(Runner, DocumentsFollowTheConfiguredArgumentsAsTheyAre) {
+TEST_F(RunnerTest, DocumentsFollowTheConfiguredArgumentsAsTheyAre) {
     InstanceConfig config = appConfig({"arguments", "{{instanceHome}}"});
     config.openWithPassthrough = true;
     EXPECT_EQ(run(config, {"/a b", "{{instanceHome}}", "~", "--flag"}), 0);
     EXPECT_EQ(log(), "5\n" + cloneHome().string() + "\n/a b\n{{instanceHome}}\n~\n--flag\n");
 }
 
-TEST_F(Runner, AddressesReachACloneThatIsABrowser) {
+TEST_F(RunnerTest, AddressesReachACloneThatIsABrowser) {
     InstanceConfig config = appConfig({"arguments"});
     config.registerAsBrowser = true;
     EXPECT_EQ(run(config, {"https://example.com/?a=b&c"}), 0);
     EXPECT_EQ(log(), "1\nhttps://example.com/?a=b&c\n");
 }
 
-TEST_F(Runner, RunsACommand) {
+TEST_F(RunnerTest, RunsACommand) {
     InstanceConfig config = minimalConfig();
     config.kind = ShortcutKind::command;
     config.instanceHome = "~/I";
@@ -113,7 +113,7 @@ TEST_F(Runner, RunsACommand) {
     EXPECT_EQ(log(), "1\n" + cloneHome().string() + "\n") << "a command takes no documents";
 }
 
-TEST_F(Runner, AWebCloneSaysThatItsHostIsMissingHereAndInTheLog) {
+TEST_F(RunnerTest, AWebCloneSaysThatItsHostIsMissingHereAndInTheLog) {
     EXPECT_EQ(run(webConfig()), 69);
     const std::string line = "quorvel-runner: the web host for “Work” is not installed\n";
     EXPECT_EQ(read(errors()), line);
@@ -122,13 +122,13 @@ TEST_F(Runner, AWebCloneSaysThatItsHostIsMissingHereAndInTheLog) {
     EXPECT_EQ(log(), line + line) << "the log is continued";
 }
 
-TEST_F(Runner, AWebCloneWithoutARoomForItsLogSaysItHere) {
+TEST_F(RunnerTest, AWebCloneWithoutARoomForItsLogSaysItHere) {
     write(home_ / "I", "a file");
     EXPECT_EQ(run(webConfig()), 69);
     EXPECT_THAT(read(errors()), HasSubstr("is not installed"));
 }
 
-TEST_F(Runner, AMessageIsOneLineWhateverTheName) {
+TEST_F(RunnerTest, AMessageIsOneLineWhateverTheName) {
     const fs::path bundle = wrapper(webConfig());
     InstanceConfig config = webConfig();
     config.displayName = "two\nlines\x1B[31m\r\x7F\u009b\u202e";
@@ -141,7 +141,7 @@ TEST_F(Runner, AMessageIsOneLineWhateverTheName) {
     EXPECT_EQ(log(), read(errors()));
 }
 
-TEST_F(Runner, WithoutAReadableConfigurationItSaysSoAndEnds) {
+TEST_F(RunnerTest, WithoutAReadableConfigurationItSaysSoAndEnds) {
     const fs::path bundle = wrapper(webConfig());
     const fs::path file = bundle / "Contents/Resources/instance.json";
     const auto expectRefused = [&](const char* what) {
@@ -167,7 +167,7 @@ TEST_F(Runner, WithoutAReadableConfigurationItSaysSoAndEnds) {
     expectRefused("100 MiB");
 }
 
-TEST_F(Runner, ATargetThatCantStartIsToldHereAndInTheLog) {
+TEST_F(RunnerTest, ATargetThatCantStartIsToldHereAndInTheLog) {
     const InstanceConfig config = appConfig({});
     const fs::path bundle = wrapper(config);
     fs::remove(at("Thing.app/Contents/MacOS/Thing"));
@@ -177,7 +177,7 @@ TEST_F(Runner, ATargetThatCantStartIsToldHereAndInTheLog) {
     EXPECT_EQ(log(), read(errors()));
 }
 
-TEST_F(Runner, ATargetThatIsGoneIsToldHereAndInTheLog) {
+TEST_F(RunnerTest, ATargetThatIsGoneIsToldHereAndInTheLog) {
     const fs::path bundle = wrapper(appConfig({}));
     fs::remove_all(at("Thing.app"));
     EXPECT_EQ(start(bundle).waitUntilExit(), 71);
@@ -186,7 +186,7 @@ TEST_F(Runner, ATargetThatIsGoneIsToldHereAndInTheLog) {
     EXPECT_EQ(log(), read(errors()));
 }
 
-TEST_F(Runner, AnUnsupportedAppIsRefused) {
+TEST_F(RunnerTest, AnUnsupportedAppIsRefused) {
     InstanceConfig config = appConfig({});
     config.strategy = Strategy::unsupported;
     EXPECT_EQ(run(config), 71);
@@ -195,7 +195,7 @@ TEST_F(Runner, AnUnsupportedAppIsRefused) {
     EXPECT_EQ(log(), "");
 }
 
-TEST_F(Runner, AFileShortcutThatCantOpenMakesNoFolder) {
+TEST_F(RunnerTest, AFileShortcutThatCantOpenMakesNoFolder) {
     InstanceConfig config = minimalConfig();
     config.kind = ShortcutKind::file;
     config.instanceHome = "~/I";
@@ -205,7 +205,7 @@ TEST_F(Runner, AFileShortcutThatCantOpenMakesNoFolder) {
     EXPECT_FALSE(fs::exists(cloneHome()));
 }
 
-TEST_F(Runner, ACommandWithoutAnExecutableMakesNoFolder) {
+TEST_F(RunnerTest, ACommandWithoutAnExecutableMakesNoFolder) {
     InstanceConfig config = minimalConfig();
     config.kind = ShortcutKind::command;
     config.instanceHome = "~/I";
@@ -215,7 +215,7 @@ TEST_F(Runner, ACommandWithoutAnExecutableMakesNoFolder) {
     EXPECT_FALSE(fs::exists(cloneHome()));
 }
 
-TEST_F(Runner, ALogMayBeALinkToADevice) {
+TEST_F(RunnerTest, ALogMayBeALinkToADevice) {
     fs::create_directories(cloneHome());
     fs::create_symlink("/dev/null", cloneHome() / "quorvel-instance.log");
     EXPECT_EQ(run(appConfig({"print", "unwanted", "complain", "unwanted"})), 0);
@@ -223,7 +223,7 @@ TEST_F(Runner, ALogMayBeALinkToADevice) {
     EXPECT_EQ(fs::read_symlink(cloneHome() / "quorvel-instance.log"), "/dev/null");
 }
 
-TEST_F(Runner, FindsItsOwnWrapperThroughLinksAndFromAnywhere) {
+TEST_F(RunnerTest, FindsItsOwnWrapperThroughLinksAndFromAnywhere) {
     const fs::path bundle = wrapper(appConfig({"print", "found"}));
     fs::rename(bundle, at("Moved elsewhere.app"));
     fs::create_symlink(at("Moved elsewhere.app/Contents/MacOS/runner"), at("shortcut"));

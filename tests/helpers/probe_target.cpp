@@ -10,6 +10,8 @@
 //   flood BYTES         prints that many bytes
 //   ignore-termination, delete-home, crash, wait
 //   exit STATUS
+#include "Platform/files/FileWriting.h"
+
 #include <algorithm>
 #include <csignal>
 #include <cstdlib>

@@ -1,7 +1,8 @@
 // Draws the application's own icon, while it is built: quorvel-app-icon DRAWING.svg ICON.icns
 
+#include "Platform/files/FileWriting.h"
+#include "Platform/files/PlatformError.h"
 #include "LaunchKit/Icons/IcnsWriter.h"
-#include "Platform/files/FileSystem.h"
 
 #include <QGuiApplication>
 #include <QPainter>

@@ -8,7 +8,7 @@ from dataclasses import dataclass
 LAYERS = {
     "Base": {"base_tests": "*"},
     "Platform": {"platform_tests": "*"},
-    "LaunchKit": {"launchkit_tests": "*", "icon_tests": "WrapperIcon.*"},
+    "LaunchKit": {"launchkit_tests": "*", "icon_tests": "WrapperIconTest.*"},
     "LaunchKit's icons": {"icon_tests": "*"},
     "ProbeKit": {"probe_tests": "*"},
     "Presentation": {"presentation_tests": "*"},

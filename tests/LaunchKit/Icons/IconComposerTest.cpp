@@ -26,7 +26,7 @@ using ::testing::ElementsAre;
 const IconLabel invisible{"  ", "#FFFFFF", IconLabel::Position::bottom};
 const IconLabel work{"work", "#FFD60A", IconLabel::Position::bottom};
 
-class Composing : public ::testing::Test {
+class IconComposerTest : public ::testing::Test {
 protected:
     fs::path source(const std::string& bytes) const {
         write(folder_ / "source", bytes);
@@ -90,7 +90,7 @@ QImage areaAverage(const QImage& image, int side) {
     return result.convertToFormat(QImage::Format_ARGB32);
 }
 
-TEST_F(Composing, writesSevenSizesFromTheLargestDown) {
+TEST_F(IconComposerTest, WritesSevenSizesFromTheLargestDown) {
     IconComposer::compose(source(pngOf(chatIcon(1024))), work, destination());
     const auto file = IcnsFile::read(destination());
     ASSERT_TRUE(file);
@@ -105,7 +105,7 @@ TEST_F(Composing, writesSevenSizesFromTheLargestDown) {
     EXPECT_EQ(bigEndian32(bytes.substr(4)), bytes.size());
 }
 
-TEST_F(Composing, leavesThePictureAloneWithoutVisibleText) {
+TEST_F(IconComposerTest, LeavesThePictureAloneWithoutVisibleText) {
     const QImage picture = chatIcon(1024);
     for (const char* text : {"", "   ", "\t", "\n"}) {
         const auto images =
@@ -120,7 +120,7 @@ TEST_F(Composing, leavesThePictureAloneWithoutVisibleText) {
     }
 }
 
-TEST_F(Composing, keepsOpaqueOpaqueAndClearClearWhenScalingDown) {
+TEST_F(IconComposerTest, KeepsOpaqueOpaqueAndClearClearWhenScalingDown) {
     for (const auto& [colour, alpha] :
          {std::pair(QColor(255, 255, 255, 255), 255), {QColor(255, 0, 0, 0), 0}}) {
         QImage flat(1000, 1000, QImage::Format_ARGB32);
@@ -134,7 +134,7 @@ TEST_F(Composing, keepsOpaqueOpaqueAndClearClearWhenScalingDown) {
     }
 }
 
-TEST_F(Composing, bleedsNoColourOutOfTransparentPixels) {
+TEST_F(IconComposerTest, BleedsNoColourOutOfTransparentPixels) {
     QImage halves(1024, 1024, QImage::Format_ARGB32);
     for (int y = 0; y < 1024; ++y) {
         for (int x = 0; x < 1024; ++x) {
@@ -149,7 +149,7 @@ TEST_F(Composing, bleedsNoColourOutOfTransparentPixels) {
     }
 }
 
-TEST_F(Composing, takesTheLargestImageForAllSizes) {
+TEST_F(IconComposerTest, TakesTheLargestImageForAllSizes) {
     const auto flat = [](int side, QColor colour) {
         QImage image(side, side, QImage::Format_ARGB32);
         image.fill(colour);
@@ -166,7 +166,7 @@ TEST_F(Composing, takesTheLargestImageForAllSizes) {
     EXPECT_EQ(composed(source(twice), invisible).at(0).pixel(7, 7), QColor(Qt::red).rgba());
 }
 
-TEST_F(Composing, stretchesASourceThatIsNoSquare) {
+TEST_F(IconComposerTest, StretchesASourceThatIsNoSquare) {
     QImage wide(200, 100, QImage::Format_ARGB32);
     wide.fill(Qt::blue);
     for (const QImage& image : composed(source(pngOf(wide)), invisible)) {
@@ -175,7 +175,7 @@ TEST_F(Composing, stretchesASourceThatIsNoSquare) {
     }
 }
 
-TEST_F(Composing, drawsUnderEveryKindOfSource) {
+TEST_F(IconComposerTest, DrawsUnderEveryKindOfSource) {
     const QImage picture = opaquePicture(32);
     const std::vector<std::string> sources{
         pngOf(picture),
@@ -194,7 +194,7 @@ TEST_F(Composing, drawsUnderEveryKindOfSource) {
     }
 }
 
-TEST_F(Composing, drawsTheSameEveryTime) {
+TEST_F(IconComposerTest, DrawsTheSameEveryTime) {
     const fs::path icon = source(pngOf(planetIcon(256)));
     IconComposer::compose(icon, work, destination());
     const std::string first = read(destination());
@@ -202,12 +202,12 @@ TEST_F(Composing, drawsTheSameEveryTime) {
     EXPECT_EQ(read(destination()), first) << "and replaces what is there";
 }
 
-TEST_F(Composing, mayReplaceItsOwnSource) {
+TEST_F(IconComposerTest, MayReplaceItsOwnSource) {
     write(destination(), icnsOf({icnsEntry("ic08", pngOf(chatIcon(256)))}));
     EXPECT_EQ(composed(destination(), work).size(), 7U);
 }
 
-TEST_F(Composing, saysWhichSourceHoldsNoImage) {
+TEST_F(IconComposerTest, SaysWhichSourceHoldsNoImage) {
     const auto expectNoSource = [&](const fs::path& path) {
         try {
             IconComposer::compose(path, work, destination());
@@ -231,7 +231,7 @@ TEST_F(Composing, saysWhichSourceHoldsNoImage) {
     expectNoSource(folder_ / "pipe");
 }
 
-TEST_F(Composing, saysThatTheDestinationCannotBeWritten) {
+TEST_F(IconComposerTest, SaysThatTheDestinationCannotBeWritten) {
     const fs::path icon = source(pngOf(chatIcon(32)));
     write(folder_ / "file", "no folder");
     for (const fs::path& bad :
@@ -248,7 +248,7 @@ TEST_F(Composing, saysThatTheDestinationCannotBeWritten) {
     EXPECT_EQ(read(folder_ / "file"), "no folder");
 }
 
-TEST_F(Composing, worksOnManyThreadsAtOnce) {
+TEST_F(IconComposerTest, WorksOnManyThreadsAtOnce) {
     const fs::path icon = source(pngOf(planetIcon(128)));
     const std::vector<std::string> texts{"Work", "Δοκιμή", "المنزل", "工作", "🚀 Go"};
     const auto outputOf = [&](const std::string& text, const std::string& name) {
@@ -269,7 +269,7 @@ TEST_F(Composing, worksOnManyThreadsAtOnce) {
     }
 }
 
-TEST_F(Composing, takesALongLabelInItsStride) {
+TEST_F(IconComposerTest, TakesALongLabelInItsStride) {
     EXPECT_EQ(composed(source(pngOf(chatIcon(64))),
                        {std::string(500, 'W'), "#FFFFFF", IconLabel::Position::top})
                   .size(),

@@ -1,6 +1,7 @@
 // Which of many processes stand for an application.
 #include "Platform/desktop/ApplicationTrees_linux.h"
 
+#include "Platform/desktop/Workspace.h"
 #include "Platform/processes/Process.h"
 #include "Platform/processes/ProcessFamily.h"
 #include "tests/support/AppBundles.h"
@@ -21,20 +22,9 @@ using ::testing::IsEmpty;
 using ::testing::SizeIs;
 namespace fs = std::filesystem;
 
-TEST(LockWaiters, AreThoseBehindAnArrow) {
-    EXPECT_THAT(lockWaiters("1: POSIX  ADVISORY  READ  101 fe:01:8000 128 128\n"
-                            "2: FLOCK  ADVISORY  WRITE 102 00:19:77 0 EOF\n"
-                            "2: -> FLOCK  ADVISORY  WRITE 103 00:19:77 0 EOF\n"
-                            "2: -> POSIX  ADVISORY  READ  104 00:19:77 0 EOF\n"
-                            "2:  -> FLOCK  ADVISORY  WRITE 105 00:19:77 0 EOF"),
-                ElementsAre(103, 104, 105));
-    EXPECT_THAT(lockWaiters(""), IsEmpty());
-    EXPECT_THAT(lockWaiters("-> FLOCK\n-> \n->\n2: -> a b c d e\n\n"), IsEmpty());
-}
-
-class ApplicationTrees : public ::testing::Test {
+class ApplicationTreesTest : public ::testing::Test {
 protected:
-    ~ApplicationTrees() override { end(); }
+    ~ApplicationTreesTest() override { end(); }
 
     void end() {
         for (Process& process : started_) {
@@ -81,7 +71,18 @@ protected:
     std::vector<Process> started_{};
 };
 
-TEST_F(ApplicationTrees, AnApplicationOfSeveralProcessesCountsOnceByItsTopmost) {
+TEST_F(ApplicationTreesTest, LockWaitersAreThoseBehindAnArrow) {
+    EXPECT_THAT(lockWaiters("1: POSIX  ADVISORY  READ  101 fe:01:8000 128 128\n"
+                            "2: FLOCK  ADVISORY  WRITE 102 00:19:77 0 EOF\n"
+                            "2: -> FLOCK  ADVISORY  WRITE 103 00:19:77 0 EOF\n"
+                            "2: -> POSIX  ADVISORY  READ  104 00:19:77 0 EOF\n"
+                            "2:  -> FLOCK  ADVISORY  WRITE 105 00:19:77 0 EOF"),
+                ElementsAre(103, 104, 105));
+    EXPECT_THAT(lockWaiters(""), IsEmpty());
+    EXPECT_THAT(lockWaiters("-> FLOCK\n-> \n->\n2: -> a b c d e\n\n"), IsEmpty());
+}
+
+TEST_F(ApplicationTreesTest, AnApplicationOfSeveralProcessesCountsOnceByItsTopmost) {
     const pid_t top = start(appWithHelper());
     ASSERT_TRUE(hasTold(2));
     // A shell's child is a copy of the shell for a moment, and counts with its tree as well.
@@ -92,7 +93,7 @@ TEST_F(ApplicationTrees, AnApplicationOfSeveralProcessesCountsOnceByItsTopmost) 
     }
 }
 
-TEST_F(ApplicationTrees, TwoStartedApartCountTwice) {
+TEST_F(ApplicationTreesTest, TwoStartedApartCountTwice) {
     const fs::path bundle = appWithHelper();
     const pid_t first = start(bundle);
     const pid_t second = start(bundle);
@@ -102,7 +103,7 @@ TEST_F(ApplicationTrees, TwoStartedApartCountTwice) {
     EXPECT_EQ(std::set<pid_t>({found[0].pid, found[1].pid}), std::set<pid_t>({first, second}));
 }
 
-TEST_F(ApplicationTrees, OneThatWaitsForALockDoesNotCountBesideOneThatHoldsIt) {
+TEST_F(ApplicationTreesTest, OneThatWaitsForALockDoesNotCountBesideOneThatHoldsIt) {
     const std::string lock = (folder_ / "lock").string();
     const fs::path bundle = makeAppBundle(folder_ / "Thing.app", {}, "/usr/bin/flock");
     const auto startLocking = [&] {

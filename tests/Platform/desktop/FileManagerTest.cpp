@@ -39,7 +39,7 @@ private:
     std::optional<Process> process_;
 };
 
-class Revealing : public ::testing::Test {
+class FileManagerTest : public ::testing::Test {
 protected:
     static void SetUpTestSuite() {
         if (PrivateBus::isAvailable()) {
@@ -59,31 +59,31 @@ protected:
     std::unique_ptr<Workspace> workspace_ = makeSystemWorkspace();
 };
 
-TEST_F(Revealing, AsksTheFileManagerToShowTheItem) {
+TEST_F(FileManagerTest, AsksTheFileManagerToShowTheItem) {
     const FileManager manager(folder_ / "log");
     workspace_->reveal("/A/Work.app");
     EXPECT_EQ(manager.shown(), "file:///A/Work.app\n");
 }
 
-TEST_F(Revealing, AnAddressHoldsAnyName) {
+TEST_F(FileManagerTest, AnAddressHoldsAnyName) {
     const FileManager manager(folder_ / "log");
     workspace_->reveal("/A/a b#c?d%e\nf é.app");
     EXPECT_EQ(manager.shown(), "file:///A/a%20b%23c%3Fd%25e%0Af%20%C3%A9.app\n");
 }
 
-TEST_F(Revealing, AnAddressHoldsBytesThatAreNoText) {
+TEST_F(FileManagerTest, AnAddressHoldsBytesThatAreNoText) {
     const FileManager manager(folder_ / "log");
     workspace_->reveal("/A/caf\xE9");
     EXPECT_EQ(manager.shown(), "file:///A/caf%E9\n");
 }
 
-TEST_F(Revealing, ARelativePathIsShownWhereItIs) {
+TEST_F(FileManagerTest, ARelativePathIsShownWhereItIs) {
     const FileManager manager(folder_ / "log");
     workspace_->reveal("Work.app");
     EXPECT_EQ(manager.shown(), "file://" + (fs::current_path() / "Work.app").string() + "\n");
 }
 
-TEST_F(Revealing, IsAnErrorWhenNoFileManagerAnswers) {
+TEST_F(FileManagerTest, IsAnErrorWhenNoFileManagerAnswers) {
     try {
         workspace_->reveal("/A/Work.app");
         FAIL() << "somebody answered";

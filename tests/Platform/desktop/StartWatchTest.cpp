@@ -24,9 +24,9 @@ using Clock = std::chrono::steady_clock;
 const std::string report = " > /proc/self/fd/$QUORVEL_START_REPORT";
 const std::string waiting = "while :; do sleep 0.05; done";
 
-class OpeningARunner : public ::testing::Test {
+class StartWatchTest : public ::testing::Test {
 protected:
-    ~OpeningARunner() override {
+    ~StartWatchTest() override {
         const RunningApplications running = workspace_->runningApplications();
         for (const RunningApplication& application : running.all()) {
             if (application.bundleURL.string().starts_with(folder_.path().string())) {
@@ -58,35 +58,35 @@ protected:
     std::unique_ptr<Workspace> workspace_ = makeSystemWorkspace();
 };
 
-TEST_F(OpeningARunner, AReportOfSuccessIsAllThatIsWaitedFor) {
+TEST_F(StartWatchTest, AReportOfSuccessIsAllThatIsWaitedFor) {
     const auto start = Clock::now();
     EXPECT_EQ(open("printf .+" + report + "; " + waiting), "");
     EXPECT_LT(Clock::now() - start, std::chrono::milliseconds(900))
         << "as long as for a runner that says nothing";
 }
 
-TEST_F(OpeningARunner, AReportOfFailureIsPassedOnAsItStands) {
+TEST_F(StartWatchTest, AReportOfFailureIsPassedOnAsItStands) {
     EXPECT_EQ(open("printf '.-The target is “gone”.'" + report + "; exit 71"),
               "The target is “gone”.");
 }
 
-TEST_F(OpeningARunner, AReportMayTakeLongerThanAnOldRunnersSilence) {
+TEST_F(StartWatchTest, AReportMayTakeLongerThanAnOldRunnersSilence) {
     EXPECT_EQ(open("printf ." + report + "; sleep 1.4; printf '%s' -late" + report + "; exit 71"),
               "late");
 }
 
-TEST_F(OpeningARunner, WhoPromisesAReportAndEndsWithoutOneHasFailed) {
+TEST_F(StartWatchTest, WhoPromisesAReportAndEndsWithoutOneHasFailed) {
     EXPECT_EQ(open("printf ." + report + "; exit 3"),
               "“Work.app” couldn’t be opened: it ended at once, with status 3");
     EXPECT_EQ(open("printf ." + report + "; kill -SEGV $$"),
               "“Work.app” couldn’t be opened: it was ended at once, by signal 11");
 }
 
-TEST_F(OpeningARunner, AnOldRunnerThatFailsIsKnownByItsStatus) {
+TEST_F(StartWatchTest, AnOldRunnerThatFailsIsKnownByItsStatus) {
     EXPECT_EQ(open("exit 71"), "“Work.app” couldn’t be opened: it ended at once, with status 71");
 }
 
-TEST_F(OpeningARunner, ARunnerThatCantRunOrCrashesBeforeItReportsHasFailed) {
+TEST_F(StartWatchTest, ARunnerThatCantRunOrCrashesBeforeItReportsHasFailed) {
     for (const int status : {126, 127}) {
         EXPECT_EQ(open("exit " + std::to_string(status)),
                   "“Work.app” couldn’t be opened: it ended at once, with status " +
@@ -99,25 +99,25 @@ TEST_F(OpeningARunner, ARunnerThatCantRunOrCrashesBeforeItReportsHasFailed) {
     }
 }
 
-TEST_F(OpeningARunner, AnOldRunnerWhoseTargetHadLittleToDoHasWorked) {
+TEST_F(StartWatchTest, AnOldRunnerWhoseTargetHadLittleToDoHasWorked) {
     EXPECT_EQ(open("exit 0"), "");
     EXPECT_EQ(open("exit 7"), "");
     EXPECT_EQ(open("exit 130"), "");
     EXPECT_EQ(open("kill -TERM $$"), "");
 }
 
-TEST_F(OpeningARunner, AnOldRunnerThatLivesOnHasWorked) {
+TEST_F(StartWatchTest, AnOldRunnerThatLivesOnHasWorked) {
     EXPECT_EQ(open(waiting), "");
 }
 
-TEST_F(OpeningARunner, OneThatRunsAlreadyIsNotWaitedFor) {
+TEST_F(StartWatchTest, OneThatRunsAlreadyIsNotWaitedFor) {
     EXPECT_EQ(open("printf .+" + report + "; " + waiting), "");
     const auto start = Clock::now();
     EXPECT_EQ(open("exit 71"), "") << "no second one was started";
     EXPECT_LT(Clock::now() - start, std::chrono::milliseconds(900));
 }
 
-TEST_F(OpeningARunner, NobodyIsKeptWaitingWhenTheWorkspaceGoes) {
+TEST_F(StartWatchTest, NobodyIsKeptWaitingWhenTheWorkspaceGoes) {
     std::promise<bool> answer;
     workspace_->openApplication(bundle("printf ." + report + "; " + waiting), true,
                                 [&](const auto& error) { answer.set_value(!error); });
@@ -127,7 +127,7 @@ TEST_F(OpeningARunner, NobodyIsKeptWaitingWhenTheWorkspaceGoes) {
     EXPECT_LT(Clock::now() - start, std::chrono::seconds(10));
 }
 
-TEST_F(OpeningARunner, AnAnswerComesOnAnotherThreadAndHoldsUpNobody) {
+TEST_F(StartWatchTest, AnAnswerComesOnAnotherThreadAndHoldsUpNobody) {
     std::promise<std::thread::id> answer;
     const auto start = Clock::now();
     workspace_->openApplication(
@@ -147,7 +147,7 @@ struct Pipe {
     std::array<int, 2> ends{};
 };
 
-TEST(StartReport, SaysWhatHappenedThroughThePipeItFinds) {
+TEST_F(StartWatchTest, StartReportSaysWhatHappenedThroughThePipeItFinds) {
     using enum StartOutcome::Case;
     for (const bool works : {true, false}) {
         const Pipe pipe;
@@ -168,7 +168,7 @@ TEST(StartReport, SaysWhatHappenedThroughThePipeItFinds) {
     }
 }
 
-TEST(StartReport, OfALongSentenceIsCutAndStillAFailure) {
+TEST_F(StartWatchTest, StartReportOfALongSentenceIsCutAndStillAFailure) {
     const Pipe pipe;
     const FileHandle reading(pipe.ends[0]);
     const ScopedEnvironment variable(StartReport::variable, std::to_string(pipe.ends[1]));
@@ -180,7 +180,7 @@ TEST(StartReport, OfALongSentenceIsCutAndStillAFailure) {
     writer.join();
 }
 
-TEST(StartReport, GoesNowhereWithoutAPipeOfItsOwn) {
+TEST_F(StartWatchTest, StartReportGoesNowhereWithoutAPipeOfItsOwn) {
     const TemporaryFolder folder;
     write(folder / "file", "kept");
     const FileHandle file(::open((folder / "file").c_str(), O_WRONLY | O_CLOEXEC));
@@ -197,7 +197,7 @@ TEST(StartReport, GoesNowhereWithoutAPipeOfItsOwn) {
     EXPECT_GE(::fcntl(file.descriptor(), F_GETFD), 0) << "somebody else's file stays open";
 }
 
-TEST(StartReport, SurvivesThatNobodyListensAnyMore) {
+TEST_F(StartWatchTest, StartReportSurvivesThatNobodyListensAnyMore) {
     const Pipe pipe;
     ::close(pipe.ends[0]);
     const ScopedEnvironment variable(StartReport::variable, std::to_string(pipe.ends[1]));

@@ -132,14 +132,14 @@ TEST_F(FolderWalkTest, DoesNotComeUpWhereAFolderWasMovedMeanwhile) {
     ASSERT_TRUE(walk.next());
     // All that lies above the last few dozen folders is closed by now.
     fs::rename(folder_ / "root/d/d/d", folder_ / "elsewhere/d");
-    const auto elsewhere = identityOfItself(folder_ / "elsewhere");
+    const auto elsewhere = identityOf(folder_ / "elsewhere");
     ASSERT_TRUE(elsewhere);
     int unreadable = 0;
     while (const auto step = walk.next()) {
         struct stat status {};
         if (step->folder >= 0) {
             ASSERT_EQ(::fstat(step->folder, &status), 0);
-            EXPECT_NE(identityIn(status), *elsewhere) << walk.path();
+            EXPECT_NE(identityOf(status), *elsewhere) << walk.path();
         }
         if (step->kind == FolderWalk::Kind::unreadable) {
             ++unreadable;

@@ -1,6 +1,7 @@
 #include "Platform/files/ItemRemoval.h"
 
-#include "Platform/files/FileSystem.h"
+#include "Platform/files/FileHandle.h"
+#include "Platform/files/PlatformError.h"
 #include "tests/support/OrdinaryUser.h"
 #include "tests/support/TemporaryHome.h"
 

@@ -1,5 +1,6 @@
 // Removing folders in which something is mounted, with real mounts.
-#include "Platform/files/FileSystem.h"
+#include "Platform/files/FileRemoval.h"
+#include "Platform/files/PlatformError.h"
 #include "Platform/files/ItemRemoval.h"
 #include "tests/support/PrivateMounts.h"
 #include "tests/support/TemporaryHome.h"
@@ -47,9 +48,9 @@ const Kernel kernels[] = {
      [] { return withoutSystemCall(SYS_openat2, ENOSYS) && withoutSystemCall(SYS_statx, ENOSYS); }},
 };
 
-class MountedRemoval : public ::testing::TestWithParam<Kernel> {
+class MountedRemovalTest : public ::testing::TestWithParam<Kernel> {
 protected:
-    MountedRemoval() {
+    MountedRemovalTest() {
         write(at("foreign/precious"), "x");
         write(at("foreign/file"), "x");
         write(at("tree/a/mine"), "x");
@@ -88,24 +89,24 @@ protected:
     TemporaryFolder folder_;
 };
 
-INSTANTIATE_TEST_SUITE_P(OnAKernel, MountedRemoval, ::testing::ValuesIn(kernels),
+INSTANTIATE_TEST_SUITE_P(OnAKernel, MountedRemovalTest, ::testing::ValuesIn(kernels),
                          [](const auto& kernel) { return std::string(kernel.param.name); });
 
-TEST_P(MountedRemoval, AFolderMountedInsideIsRefusedBeforeAnythingGoes) {
+TEST_P(MountedRemovalTest, AFolderMountedInsideIsRefusedBeforeAnythingGoes) {
     expectNoProblem([&] {
         bindMount(at("foreign"), at("tree/m/point"));
         return problemUnlessRefused(at("tree"), at("tree/m/point"));
     });
 }
 
-TEST_P(MountedRemoval, AFileMountedInsideIsRefusedBeforeAnythingGoes) {
+TEST_P(MountedRemovalTest, AFileMountedInsideIsRefusedBeforeAnythingGoes) {
     expectNoProblem([&] {
         bindMount(at("foreign/file"), at("tree/z/file"));
         return problemUnlessRefused(at("tree"), at("tree/z/file"));
     });
 }
 
-TEST_P(MountedRemoval, AFileSystemMountedInsideIsRefusedBeforeAnythingGoes) {
+TEST_P(MountedRemovalTest, AFileSystemMountedInsideIsRefusedBeforeAnythingGoes) {
     expectNoProblem([&]() -> std::string {
         if (::mount("none", at("tree/m/point").c_str(), "tmpfs", 0, "size=64k") != 0) {
             return "can't mount";
@@ -115,14 +116,14 @@ TEST_P(MountedRemoval, AFileSystemMountedInsideIsRefusedBeforeAnythingGoes) {
     });
 }
 
-TEST_P(MountedRemoval, AMountPointItselfIsRefused) {
+TEST_P(MountedRemovalTest, AMountPointItselfIsRefused) {
     expectNoProblem([&] {
         bindMount(at("foreign"), at("tree/m"));
         return problemUnlessRefused(at("tree/m"), at("tree/m"));
     });
 }
 
-TEST_P(MountedRemoval, WhatIsMountedAfterTheLookStaysToo) {
+TEST_P(MountedRemovalTest, WhatIsMountedAfterTheLookStaysToo) {
     expectNoProblem([&]() -> std::string {
         const auto removal = ItemRemoval::of(at("tree"));
         removal->refuseMounts();
@@ -141,7 +142,7 @@ TEST_P(MountedRemoval, WhatIsMountedAfterTheLookStaysToo) {
     });
 }
 
-TEST_P(MountedRemoval, AMountDeepInsideIsRefusedHoweverFewFilesMayBeOpen) {
+TEST_P(MountedRemovalTest, AMountDeepInsideIsRefusedHoweverFewFilesMayBeOpen) {
     fs::create_directories(at("tree/d/d/d/d/d/d/point"));
     expectNoProblem([&]() -> std::string {
         bindMount(at("foreign"), at("tree/d/d/d/d/d/d/point"));
@@ -166,7 +167,7 @@ TEST_P(MountedRemoval, AMountDeepInsideIsRefusedHoweverFewFilesMayBeOpen) {
     });
 }
 
-TEST_P(MountedRemoval, ATreeOnAMountOfItsOwnGoesAsUsual) {
+TEST_P(MountedRemovalTest, ATreeOnAMountOfItsOwnGoesAsUsual) {
     expectNoProblem([&]() -> std::string {
         bindMount(at("tree"), at("foreign"));
         fs::create_directory_symlink(at("tree/z"), at("foreign/a/link"));

@@ -94,7 +94,7 @@ TEST_F(AppServicesTest, LaunchingACloneThatIsGoneIsAnError) {
 }
 
 // Runs only within the test below it, whose full disk it needs.
-TEST(FullDisk, DISABLED_Within) {
+TEST(AppServicesTestFullDisk, DISABLED_Within) {
     WrapperFactory::Request request;
     request.kind = ShortcutKind::web;
     request.displayName = "Work";
@@ -119,7 +119,7 @@ TEST_F(AppServicesTest, AFullDiskIsToldAndTheCloneMayBeMadeLater) {
         GTEST_SKIP() << "mounting a small disk needs permission";
     }
     EXPECT_EQ(inNamespace(mount + u" && exec '%1' --gtest_also_run_disabled_tests "
-                                  u"--gtest_filter=FullDisk.*"_s.arg(
+                                  u"--gtest_filter=AppServicesTestFullDisk.*"_s.arg(
                                       QCoreApplication::applicationFilePath())),
               0);
 }

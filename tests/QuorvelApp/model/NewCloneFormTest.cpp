@@ -18,7 +18,7 @@ NewCloneForm formFor(ShortcutKind kind) {
     return form;
 }
 
-TEST(NewCloneForm, BeginsWithItsDefaults) {
+TEST(NewCloneFormTest, BeginsWithItsDefaults) {
     const NewCloneForm form;
     EXPECT_EQ(form.shortcutType, ShortcutKind::app);
     EXPECT_FALSE(form.selected);
@@ -31,7 +31,7 @@ TEST(NewCloneForm, BeginsWithItsDefaults) {
     EXPECT_FALSE(form.canCreate());
 }
 
-TEST(NewCloneForm, HasATargetOnceTheFieldOfItsKindIsMoreThanBlank) {
+TEST(NewCloneFormTest, HasATargetOnceTheFieldOfItsKindIsMoreThanBlank) {
     NewCloneForm form;
     EXPECT_FALSE(form.hasTarget());
     form.selected = notes;
@@ -50,7 +50,7 @@ TEST(NewCloneForm, HasATargetOnceTheFieldOfItsKindIsMoreThanBlank) {
     }
 }
 
-TEST(NewCloneForm, CanCreateWithTargetAndNameUnlessACreationIsUnderWay) {
+TEST(NewCloneFormTest, CanCreateWithTargetAndNameUnlessACreationIsUnderWay) {
     NewCloneForm form;
     form.selected = notes;
     EXPECT_FALSE(form.canCreate());
@@ -65,7 +65,7 @@ TEST(NewCloneForm, CanCreateWithTargetAndNameUnlessACreationIsUnderWay) {
     EXPECT_FALSE(form.canCreate());
 }
 
-TEST(NewCloneForm, TellsWhereTheCloneIsSaved) {
+TEST(NewCloneFormTest, TellsWhereTheCloneIsSaved) {
     NewCloneForm form;
     EXPECT_EQ(form.savedToText(), "Saved to ~/Applications/Name.app");
     form.cloneName = " Work\t";
@@ -73,7 +73,7 @@ TEST(NewCloneForm, TellsWhereTheCloneIsSaved) {
     EXPECT_EQ(form.savedToText(), "Saved to ~/Applications/Work.app");
 }
 
-TEST(NewCloneForm, SelectingAnAppNamesItAndSetsTheAdvancedOptionsBack) {
+TEST(NewCloneFormTest, SelectingAnAppNamesItAndSetsTheAdvancedOptionsBack) {
     NewCloneForm form;
     form.cloneName = "typed by hand";
     form.strategy = Strategy::wrapperIdentity;
@@ -113,14 +113,14 @@ TEST(NewCloneForm, SelectingAnAppNamesItAndSetsTheAdvancedOptionsBack) {
     EXPECT_EQ(form.webURL, "kept");
 }
 
-TEST(NewCloneForm, ShowsTheWholeCatalogForABlankSearch) {
+TEST(NewCloneFormTest, ShowsTheWholeCatalogForABlankSearch) {
     NewCloneForm form;
     EXPECT_THAT(form.filtered({notes, zoom}), ElementsAre(notes, zoom));
     form.search = "  ";
     EXPECT_THAT(form.filtered({notes, zoom}), ElementsAre(notes, zoom));
 }
 
-TEST(NewCloneForm, SearchesNamesInUpperAndLowerCaseAlike) {
+TEST(NewCloneFormTest, SearchesNamesInUpperAndLowerCaseAlike) {
     NewCloneForm form;
     form.search = " NOTES ";
     EXPECT_THAT(form.filtered({notes, zoom}), ElementsAre(notes));
@@ -128,14 +128,14 @@ TEST(NewCloneForm, SearchesNamesInUpperAndLowerCaseAlike) {
     EXPECT_THAT(form.filtered({notes, zoom}), IsEmpty()) << "paths are not searched";
 }
 
-TEST(NewCloneForm, SaysThatNothingMatchesWithTheTextAsTyped) {
+TEST(NewCloneFormTest, SaysThatNothingMatchesWithTheTextAsTyped) {
     NewCloneForm form;
     EXPECT_EQ(form.noAppsText(), "No apps found.");
     form.search = " xyz ";
     EXPECT_EQ(form.noAppsText(), "No apps match \u201c xyz \u201d.");
 }
 
-TEST(NewCloneForm, AsksForAnAppByItsBundle) {
+TEST(NewCloneFormTest, AsksForAnAppByItsBundle) {
     NewCloneForm form;
     EXPECT_FALSE(form.makeRequest().targetApp);
     form.selected = notes;
@@ -151,7 +151,7 @@ TEST(NewCloneForm, AsksForAnAppByItsBundle) {
     EXPECT_FALSE(request.commandPath);
 }
 
-TEST(NewCloneForm, AsksForAWebAddressAsTyped) {
+TEST(NewCloneFormTest, AsksForAWebAddressAsTyped) {
     NewCloneForm form = formFor(ShortcutKind::web);
     form.selected = notes;
     form.webURL = " example.com ";
@@ -162,13 +162,13 @@ TEST(NewCloneForm, AsksForAWebAddressAsTyped) {
     EXPECT_THAT(request.commandArgs, IsEmpty());
 }
 
-TEST(NewCloneForm, AsksForAFile) {
+TEST(NewCloneFormTest, AsksForAFile) {
     NewCloneForm form = formFor(ShortcutKind::file);
     form.filePath = " /a b.pdf\t";
     EXPECT_EQ(form.makeRequest().openPath, "/a b.pdf");
 }
 
-TEST(NewCloneForm, AsksForACommandWithItsWords) {
+TEST(NewCloneFormTest, AsksForACommandWithItsWords) {
     NewCloneForm form = formFor(ShortcutKind::command);
     form.commandPathText = " /bin/ls ";
     form.commandArgsText = " -l\t-a \n x";
@@ -178,7 +178,7 @@ TEST(NewCloneForm, AsksForACommandWithItsWords) {
     EXPECT_FALSE(request.workingDirectory);
 }
 
-TEST(NewCloneForm, PassesAWorkingDirectoryOnUntrimmed) {
+TEST(NewCloneFormTest, PassesAWorkingDirectoryOnUntrimmed) {
     NewCloneForm form = formFor(ShortcutKind::command);
     form.workdir = " /tmp";
     EXPECT_EQ(form.makeRequest().workingDirectory, " /tmp");
@@ -188,7 +188,7 @@ TEST(NewCloneForm, PassesAWorkingDirectoryOnUntrimmed) {
     EXPECT_FALSE(form.makeRequest().workingDirectory);
 }
 
-TEST(NewCloneForm, TakesBlankAsNoDataLocation) {
+TEST(NewCloneFormTest, TakesBlankAsNoDataLocation) {
     NewCloneForm form;
     form.dataPath = "   ";
     EXPECT_FALSE(form.makeRequest().instanceHome);
@@ -196,7 +196,7 @@ TEST(NewCloneForm, TakesBlankAsNoDataLocation) {
     EXPECT_EQ(form.makeRequest().instanceHome, "/data");
 }
 
-TEST(NewCloneForm, TakesNoWordsAsTheDefaultArguments) {
+TEST(NewCloneFormTest, TakesNoWordsAsTheDefaultArguments) {
     NewCloneForm form;
     form.argsText = " \n ";
     EXPECT_FALSE(form.makeRequest().extraArgs);
@@ -208,7 +208,7 @@ TEST(NewCloneForm, TakesNoWordsAsTheDefaultArguments) {
     EXPECT_TRUE(form.makeRequest().extraArgs) << "for every kind";
 }
 
-TEST(NewCloneForm, MakesAnIconLabelOfTextAndColour) {
+TEST(NewCloneFormTest, MakesAnIconLabelOfTextAndColour) {
     NewCloneForm form;
     form.iconLabelText = "  ";
     EXPECT_FALSE(form.makeRequest().iconLabel);
@@ -220,7 +220,7 @@ TEST(NewCloneForm, MakesAnIconLabelOfTextAndColour) {
     EXPECT_EQ(form.makeRequest().iconLabel->colorHex, "#FF8000");
 }
 
-TEST(NewCloneForm, PassesEverySwitchOn) {
+TEST(NewCloneFormTest, PassesEverySwitchOn) {
     NewCloneForm form;
     form.hideDockIcon = form.registerBrowser = form.openWith = true;
     form.menuBarIcon = form.menuBarTemplate = true;
@@ -243,32 +243,32 @@ TEST(NewCloneForm, PassesEverySwitchOn) {
     EXPECT_THAT(request.infoPlistOverrides, ElementsAre(Pair("LSUIElement", "true")));
 }
 
-TEST(NewCloneForm, KeepsTheTemplateChoiceWithoutAMenuBarIcon) {
+TEST(NewCloneFormTest, KeepsTheTemplateChoiceWithoutAMenuBarIcon) {
     NewCloneForm form;
     form.menuBarTemplate = true;
     EXPECT_FALSE(form.makeRequest().menuBarIcon);
     EXPECT_TRUE(form.makeRequest().menuBarIconTemplate);
 }
 
-TEST(ParseKeyValues, SkipsWhatIsNoEntryAndKeepsTheLastOfAKey) {
+TEST(NewCloneFormTest, ParseKeyValuesSkipsWhatIsNoEntryAndKeepsTheLastOfAKey) {
     EXPECT_THAT(parseKeyValues("A=1\n\n B = 2 \nnoequals\n=x\nA=3"),
                 ElementsAre(Pair("A", "3"), Pair("B", " 2 ")));
     EXPECT_THAT(parseKeyValues(" \t=x"), IsEmpty());
     EXPECT_THAT(parseKeyValues(""), IsEmpty());
 }
 
-TEST(ParseKeyValues, SplitsAtTheFirstEqualsSign) {
+TEST(NewCloneFormTest, ParseKeyValuesSplitsAtTheFirstEqualsSign) {
     EXPECT_THAT(parseKeyValues("KEY=a=b"), ElementsAre(Pair("KEY", "a=b")));
     EXPECT_THAT(parseKeyValues("KEY="), ElementsAre(Pair("KEY", "")));
 }
 
-TEST(ParseKeyValues, KnowsEveryLineBreak) {
+TEST(NewCloneFormTest, ParseKeyValuesKnowsEveryLineBreak) {
     EXPECT_THAT(parseKeyValues("A=1\rB=2\r\nC=3\vD=4\fE=5\u0085F=6\u2028G=7\u2029H=8"),
                 ElementsAre(Pair("A", "1"), Pair("B", "2"), Pair("C", "3"), Pair("D", "4"),
                             Pair("E", "5"), Pair("F", "6"), Pair("G", "7"), Pair("H", "8")));
 }
 
-TEST(AutomaticNaming, CapitalisesTheWordsOfAHost) {
+TEST(NewCloneFormTest, AutomaticNamingCapitalisesTheWordsOfAHost) {
     NewCloneForm form = formFor(ShortcutKind::web);
     form.webURL = "www.mail.host.test";
     form.autoNameIfNeeded();
@@ -280,7 +280,7 @@ struct Address {
     std::string name;
 };
 
-TEST(AutomaticNaming, TakesTheHostAlone) {
+TEST(NewCloneFormTest, AutomaticNamingTakesTheHostAlone) {
     for (const Address& address :
          std::vector<Address>{{"https://mail.example.org/inbox?x=www.a.b", "Mail.Example.Org"},
                               {"http://user:pw@www.example.org:8080/", "Example.Org"},
@@ -299,7 +299,7 @@ TEST(AutomaticNaming, TakesTheHostAlone) {
     }
 }
 
-TEST(AutomaticNaming, LeavesANameAlone) {
+TEST(NewCloneFormTest, AutomaticNamingLeavesANameAlone) {
     NewCloneForm form = formFor(ShortcutKind::web);
     form.cloneName = "Mine";
     form.webURL = "example.com";
@@ -310,7 +310,7 @@ TEST(AutomaticNaming, LeavesANameAlone) {
     EXPECT_EQ(form.cloneName, "Example.Com") << "a blank name is none";
 }
 
-TEST(AutomaticNaming, NamesACommandAfterItsFile) {
+TEST(NewCloneFormTest, AutomaticNamingNamesACommandAfterItsFile) {
     for (const Address& path : std::vector<Address>{{"/usr/local/bin/my-tool", "My-Tool"},
                                                     {"my_script.sh", "My_Script.Sh"},
                                                     {"/opt/o'neil's/it's", "It's"},
@@ -324,7 +324,7 @@ TEST(AutomaticNaming, NamesACommandAfterItsFile) {
     }
 }
 
-TEST(AutomaticNaming, DoesNothingForAppsAndFiles) {
+TEST(NewCloneFormTest, AutomaticNamingDoesNothingForAppsAndFiles) {
     for (const ShortcutKind kind : {ShortcutKind::app, ShortcutKind::file}) {
         NewCloneForm form = formFor(kind);
         form.webURL = "example.com";
@@ -335,7 +335,7 @@ TEST(AutomaticNaming, DoesNothingForAppsAndFiles) {
     }
 }
 
-TEST(Choosing, AFileNamesANamelessCloneAfterItsStem) {
+TEST(NewCloneFormTest, ChoosingAFileNamesANamelessCloneAfterItsStem) {
     NewCloneForm form = formFor(ShortcutKind::file);
     form.chooseFile("/Users/u/Report.pdf");
     EXPECT_EQ(form.filePath, "/Users/u/Report.pdf");
@@ -344,7 +344,7 @@ TEST(Choosing, AFileNamesANamelessCloneAfterItsStem) {
     EXPECT_EQ(form.cloneName, "Report") << "a name stays";
 }
 
-TEST(Choosing, ADataFolderGetsTheClonesNameBehindIt) {
+TEST(NewCloneFormTest, ChoosingADataFolderGetsTheClonesNameBehindIt) {
     NewCloneForm form;
     form.chooseDataFolder("/Volumes/Ext");
     EXPECT_EQ(form.dataPath, "/Volumes/Ext/Name");
@@ -355,7 +355,7 @@ TEST(Choosing, ADataFolderGetsTheClonesNameBehindIt) {
     EXPECT_EQ(form.dataPath, "/Work");
 }
 
-TEST(Detection, TakesTheRecommendationAndSaysSo) {
+TEST(NewCloneFormTest, DetectionTakesTheRecommendationAndSaysSo) {
     NewCloneForm form;
     form.detectNote = "old";
     form.beginDetecting();
@@ -367,7 +367,7 @@ TEST(Detection, TakesTheRecommendationAndSaysSo) {
     EXPECT_EQ(form.strategyCaption(), "Detected: Container redirect (B).");
 }
 
-TEST(Detection, LeavesTheStrategyForAnAppThatResists) {
+TEST(NewCloneFormTest, DetectionLeavesTheStrategyForAnAppThatResists) {
     NewCloneForm form;
     form.strategy = Strategy::wrapperIdentity;
     form.beginDetecting();
@@ -378,7 +378,7 @@ TEST(Detection, LeavesTheStrategyForAnAppThatResists) {
     EXPECT_FALSE(form.detecting);
 }
 
-TEST(Detection, ShowsAFailure) {
+TEST(NewCloneFormTest, DetectionShowsAFailure) {
     NewCloneForm form;
     form.strategyReason = "reason";
     EXPECT_EQ(form.strategyCaption(), "reason");

@@ -9,20 +9,20 @@ namespace {
 
 using namespace Qt::StringLiterals;
 
-TEST(ShownText, LeavesMarkupAndOtherScriptsAsTheyAre) {
+TEST(ShownTextTest, LeavesMarkupAndOtherScriptsAsTheyAre) {
     for (const char* text : {"<img src=x><b>hi", "a & b &amp;", "工作 😀", "שלום", "%1 %2"}) {
         EXPECT_EQ(shownText(text), QString::fromUtf8(text));
         EXPECT_EQ(shownLine(text), QString::fromUtf8(text));
     }
 }
 
-TEST(ShownText, KeepsLineBreaksAndALineHasNone) {
+TEST(ShownTextTest, KeepsLineBreaksAndALineHasNone) {
     const std::string text = "a\nb\r\nc\rd\u2028e\u2029f\u0085g\vh\fi\tj";
     EXPECT_EQ(shownText(text), u"a\nb\nc\nd\ne\nf\ng\nh\ni j"_s);
     EXPECT_EQ(shownLine(text), u"a b c d e f g h i j"_s);
 }
 
-TEST(ShownText, ShowsWhatSteersOrTurnsTextAsAReplacement) {
+TEST(ShownTextTest, ShowsWhatSteersOrTurnsTextAsAReplacement) {
     for (const std::string steering :
          {"\x1b", "\x07", "\x7f", "\u202e", "\u202a", "\u2066", "\u2069", "\u200f", "\u061c"}) {
         EXPECT_EQ(shownLine("a" + steering + "b"), u"a\uFFFDb"_s);
@@ -33,14 +33,14 @@ TEST(ShownText, ShowsWhatSteersOrTurnsTextAsAReplacement) {
               u"a\uFFFDb"_s);
 }
 
-TEST(ShownText, ShowsWhatCantBeSeenUnlessItBelongsThere) {
+TEST(ShownTextTest, ShowsWhatCantBeSeenUnlessItBelongsThere) {
     for (const std::string invisible : {"\u200b", "\u200d", "\u2060", "\u00ad", "\ufeff"}) {
         EXPECT_EQ(shownLine("Wo" + invisible + "rk"), u"Wo\uFFFDrk"_s);
     }
     EXPECT_EQ(shownLine("👨\u200d👩 می\u200cخواهم ❤\ufe0f"), u"👨\u200d👩 می\u200cخواهم ❤\ufe0f"_s);
 }
 
-TEST(ShownText, IsCutBehindSoManyCharacters) {
+TEST(ShownTextTest, IsCutBehindSoManyCharacters) {
     const std::string megabyte(1 << 20, 'W');
     EXPECT_EQ(shownLine(megabyte), QString(longestShownLine, u'W') + u'…');
     EXPECT_EQ(shownText(megabyte), QString(longestShownText, u'W') + u'…');
@@ -51,7 +51,7 @@ TEST(ShownText, IsCutBehindSoManyCharacters) {
     EXPECT_EQ(shownLine(invalid), QString(longestShownLine, QChar::ReplacementCharacter) + u'…');
 }
 
-TEST(ShownText, IsCutBetweenWholeCharacters) {
+TEST(ShownTextTest, IsCutBetweenWholeCharacters) {
     const std::string almost(longestShownLine - 1, 'W');
     const QString before = QString(longestShownLine - 1, u'W');
     EXPECT_EQ(shownLine(almost + "e"), before + u'e');
@@ -70,12 +70,12 @@ TEST(ShownText, IsCutBetweenWholeCharacters) {
     EXPECT_EQ(shownLine(faces), QString(longestShownLine, u'工') + u'…');
 }
 
-TEST(Breakable, MarksPathsBehindTheirSeparators) {
+TEST(ShownTextTest, BreakableMarksPathsBehindTheirSeparators) {
     EXPECT_EQ(breakable(u"/a/b-c"_s), u"/\u200Ba/\u200Bb-\u200Bc"_s);
     EXPECT_EQ(breakable(u"two words"_s), u"two words"_s);
 }
 
-TEST(Breakable, MarksLongWordsBetweenTheirCharacters) {
+TEST(ShownTextTest, BreakableMarksLongWordsBetweenTheirCharacters) {
     const QString longWord(100, u'x');
     QString marked = breakable(u"short "_s + longWord);
     EXPECT_TRUE(marked.startsWith(u"short x\u200Bx"_s));
@@ -84,7 +84,7 @@ TEST(Breakable, MarksLongWordsBetweenTheirCharacters) {
     EXPECT_EQ(breakable(family.repeated(4)), (family + breakMark).repeated(4));
 }
 
-TEST(ToolTipText, IsMarkupThatReadsAsTheTextItself) {
+TEST(ShownTextTest, ToolTipTextIsMarkupThatReadsAsTheTextItself) {
     for (const QString& text : {u"Tom & Jerry"_s, u"<img src=x><b>hi"_s, u"a\nb"_s, u"&amp;"_s}) {
         EXPECT_TRUE(Qt::mightBeRichText(toolTipText(text)));
         EXPECT_EQ(QTextDocumentFragment::fromHtml(toolTipText(text)).toPlainText(), text);

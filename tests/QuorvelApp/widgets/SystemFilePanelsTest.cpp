@@ -152,9 +152,9 @@ TEST_F(SystemFilePanelsTest, WriteNothingDown) {
 }
 
 /// The icon of a new clone.
-class IconChoiceTest : public WindowTest {
+class SystemFilePanelsTestIconChoice : public WindowTest {
 protected:
-    IconChoiceTest() {
+    SystemFilePanelsTestIconChoice() {
         panels.icon = [this](QObject*) { return std::optional(answer); };
         write(good, icnsFile(std::array{icnsChunk(chatIcon(64))}));
     }
@@ -174,7 +174,7 @@ protected:
     fs::path answer{};
 };
 
-TEST_F(IconChoiceTest, CountsAtOnceSoThatCreateTakesIt) {
+TEST_F(SystemFilePanelsTestIconChoice, CountsAtOnceSoThatCreateTakesIt) {
     std::optional<fs::path> used;
     stubs.create = [&](const WrapperFactory::Request& request) {
         used = request.customIcon;
@@ -192,7 +192,7 @@ TEST_F(IconChoiceTest, CountsAtOnceSoThatCreateTakesIt) {
     EXPECT_FALSE(stubs.model().lastError());
 }
 
-TEST_F(IconChoiceTest, IsRefusedUnlessItIsAnIconFileAndTheChoiceBeforeReturns) {
+TEST_F(SystemFilePanelsTestIconChoice, IsRefusedUnlessItIsAnIconFileAndTheChoiceBeforeReturns) {
     const fs::path script = home / "script.sh";
     write(script, "#!/bin/sh\nexit 0\n");
     const fs::path damaged = home / "damaged.icns";
@@ -220,7 +220,7 @@ TEST_F(IconChoiceTest, IsRefusedUnlessItIsAnIconFileAndTheChoiceBeforeReturns) {
     }
 }
 
-TEST_F(IconChoiceTest, ARefusalThatComesAfterTheNextChoiceIsDropped) {
+TEST_F(SystemFilePanelsTestIconChoice, ARefusalThatComesAfterTheNextChoiceIsDropped) {
     const fs::path bad = home / "bad.icns";
     write(bad, "no icon");
     openSheetWith(u"Notes"_s);
@@ -233,7 +233,7 @@ TEST_F(IconChoiceTest, ARefusalThatComesAfterTheNextChoiceIsDropped) {
                             std::chrono::milliseconds(200)));
 }
 
-TEST_F(IconChoiceTest, AnotherAppBeginsWithoutOneAndReturnsToNone) {
+TEST_F(SystemFilePanelsTestIconChoice, AnotherAppBeginsWithoutOneAndReturnsToNone) {
     const fs::path bad = home / "bad.icns";
     write(bad, "no icon");
     openSheetWith(u"Notes"_s);

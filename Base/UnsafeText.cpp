@@ -1,4 +1,4 @@
-#include "Base/HarmfulText.h"
+#include "Base/UnsafeText.h"
 
 #include <algorithm>
 #include <array>
@@ -7,13 +7,13 @@
 namespace quorvel {
 namespace {
 
-// Unicode's own tables would do it better, but the runner, which shows text too, is to do without.
+// Not taken from ICU, which the runner, which displays text too, must not link.
 struct Range {
     char32_t first;
     char32_t last;
 };
 
-constexpr std::array<Range, 8> steering{{
+constexpr std::array<Range, 8> controls{{
     {0x0000, 0x001F},
     {0x007F, 0x009F},
     {0x061C, 0x061C},
@@ -24,7 +24,7 @@ constexpr std::array<Range, 8> steering{{
     {0x110000, 0xFFFFFFFF},
 }};
 
-// What Unicode lets programs ignore, and the annotations, which they do not show either.
+// Default-ignorable characters and interlinear annotations.
 constexpr std::array<Range, 17> invisible{{
     {0x00AD, 0x00AD},
     {0x034F, 0x034F},
@@ -45,7 +45,7 @@ constexpr std::array<Range, 17> invisible{{
     {0xE0000, 0xE0FFF},
 }};
 
-// Arabic and its neighbours, the scripts of India and South-East Asia, Mongolian.
+// Arabic and related scripts, those of India and South-East Asia, Mongolian.
 constexpr std::array<Range, 6> joining{{
     {0x0600, 0x08FF},
     {0x0900, 0x0DFF},
@@ -112,12 +112,12 @@ bool startsFlagTags(char32_t scalar, std::u32string_view following) {
 }
 
 // Whether an invisible character changes how its neighbours look.
-bool belongs(char32_t before, char32_t scalar, std::u32string_view following) {
+bool hasVisibleEffect(char32_t before, char32_t scalar, std::u32string_view following) {
     const char32_t next = following.empty() ? 0 : following.front();
     if (scalar == joiner && (isIn(emoji, before) || before == emojiSelector)) {
         return isIn(emoji, next);
     }
-    // A joiner may end a word, to give its last letter another form.
+    // A joiner at the end of a word changes the form of the last letter.
     if (scalar == joiner || scalar == nonJoiner) {
         return isIn(joining, before) && !isIn(invisible, before) &&
                (scalar == joiner || isIn(joining, next));
@@ -131,17 +131,17 @@ bool belongs(char32_t before, char32_t scalar, std::u32string_view following) {
     if (isBetween(scalar, 0x180B, 0x180F)) {
         return isBetween(before, 0x1820, 0x18AA);
     }
-    // Tags were let through only if all of them are right.
+    // The first tag was accepted only if the whole sequence is known.
     return before == blackFlag ? startsFlagTags(scalar, following)
                                : isTag(scalar) && isTag(before) && before != cancelTag;
 }
 
 } // namespace
 
-bool HarmfulText::isHarmfulAfter(char32_t before, char32_t scalar,
-                                 std::u32string_view following) noexcept {
-    return isIn(steering, scalar) ||
-           (isIn(invisible, scalar) && !belongs(before, scalar, following));
+bool UnsafeText::isUnsafeAfter(char32_t before, char32_t scalar,
+                               std::u32string_view following) noexcept {
+    return isIn(controls, scalar) ||
+           (isIn(invisible, scalar) && !hasVisibleEffect(before, scalar, following));
 }
 
 } // namespace quorvel

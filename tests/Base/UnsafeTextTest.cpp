@@ -1,4 +1,4 @@
-#include "Base/HarmfulText.h"
+#include "Base/UnsafeText.h"
 
 #include <gtest/gtest.h>
 #include <string_view>
@@ -8,11 +8,11 @@ namespace {
 
 // The text with "!" for each harmful character.
 std::u32string marked(std::u32string_view text) {
-    HarmfulText harm;
+    UnsafeText unsafe;
     std::u32string result;
     for (std::size_t index = 0; index < text.size(); ++index) {
-        const std::u32string_view following = text.substr(index + 1, HarmfulText::lookAhead);
-        result += harm.isHarmful(text[index], following) ? U'!' : text[index];
+        const std::u32string_view following = text.substr(index + 1, UnsafeText::lookAhead);
+        result += unsafe.isUnsafeForDisplay(text[index], following) ? U'!' : text[index];
     }
     return result;
 }
@@ -26,18 +26,18 @@ void expectHarmful(char32_t scalar) {
         << std::hex << static_cast<unsigned>(scalar);
 }
 
-TEST(HarmfulText, OrdinaryTextOfEveryScriptIsNot) {
+TEST(UnsafeTextTest, OrdinaryTextOfEveryScriptIsNot) {
     expectHarmless(U"Café “Work” – e\u0301 工作 😀 שלום नमस्ते");
 }
 
-TEST(HarmfulText, WhatSteersAScreenIs) {
+TEST(UnsafeTextTest, WhatSteersAScreenIs) {
     for (const char32_t scalar : {0x0U, 0x7U, 0xAU, 0x1BU, 0x7FU, 0x80U, 0x9BU, 0x9FU, 0x2028U,
                                   0x61CU, 0x200EU, 0x200FU, 0x202AU, 0x202EU, 0x2066U, 0x2069U}) {
         expectHarmful(scalar);
     }
 }
 
-TEST(HarmfulText, WhatCantBeSeenIs) {
+TEST(UnsafeTextTest, WhatCantBeSeenIs) {
     for (const char32_t scalar :
          {0xADU,   0x34FU,  0x115FU, 0x1160U,  0x17B4U,  0x180EU,  0x200BU,  0x200CU,  0x200DU,
           0x2060U, 0x2064U, 0x206FU, 0x2800U,  0x3164U,  0xFE00U,  0xFE0EU,  0xFE0FU,  0xFEFFU,
@@ -46,7 +46,7 @@ TEST(HarmfulText, WhatCantBeSeenIs) {
     }
 }
 
-TEST(HarmfulText, JoinersBelongBetweenLettersOfScriptsThatJoin) {
+TEST(UnsafeTextTest, JoinersBelongBetweenLettersOfScriptsThatJoin) {
     expectHarmless(U"می\u200Cخواهم"); // Persian
     expectHarmless(U"क्\u200Dष");      // Hindi
     expectHarmless(U"ന്\u200D");       // Malayalam, at the end of a word
@@ -55,7 +55,7 @@ TEST(HarmfulText, JoinersBelongBetweenLettersOfScriptsThatJoin) {
     EXPECT_TRUE(marked(U"\u200Dक") == U"!क");
 }
 
-TEST(HarmfulText, JoinersAndSelectorsBelongIntoEmoji) {
+TEST(UnsafeTextTest, JoinersAndSelectorsBelongIntoEmoji) {
     expectHarmless(U"👨\u200D👩\u200D👧\u200D👦");
     expectHarmless(U"❤\uFE0F\u200D🔥");
     expectHarmless(U"👩🏽\u200D⚕\uFE0F");
@@ -66,7 +66,7 @@ TEST(HarmfulText, JoinersAndSelectorsBelongIntoEmoji) {
     EXPECT_TRUE(marked(U"☎\uFE0E\uFE0E") == U"☎\uFE0E!");
 }
 
-TEST(HarmfulText, VariationsBelongBehindWhatVaries) {
+TEST(UnsafeTextTest, VariationsBelongBehindWhatVaries) {
     expectHarmless(U"葛\U000E0100飾");
     expectHarmless(U"\u1820\u180B");
     EXPECT_TRUE(marked(U"x\U000E0100") == U"x!");
@@ -81,14 +81,14 @@ std::u32string tags(std::string_view text) {
     return result;
 }
 
-TEST(HarmfulText, TagsBelongToTheFlagsThatHaveThem) {
+TEST(UnsafeTextTest, TagsBelongToTheFlagsThatHaveThem) {
     for (const char* flag : {"gbeng.", "gbsct.", "gbwls."}) {
         expectHarmless(U"a🏴" + tags(flag) + U"b🏴" + tags(flag));
     }
     EXPECT_TRUE(marked(U"😀" + tags("gbeng.")) == U"😀!!!!!!");
 }
 
-TEST(HarmfulText, OtherTagsAreEvenAfterAFlag) {
+TEST(UnsafeTextTest, OtherTagsAreEvenAfterAFlag) {
     for (const char* hidden : {"gbeng", "gben", "gben.", "ustx.", "hidden text.", "g", "."}) {
         const std::u32string marks(std::string_view(hidden).size(), U'!');
         EXPECT_TRUE(marked(U"🏴" + tags(hidden)) == U"🏴" + marks) << hidden;

@@ -19,7 +19,7 @@ namespace fs = std::filesystem;
 constexpr auto runningGreen = "#30C057"; // of the light look
 
 /// The installed program, in a home with an app or two, used as a person would use it.
-class TheWindow : public ::testing::Test {
+class WindowEndToEndTest : public ::testing::Test {
 protected:
     static void SetUpTestSuite() {
         if (Desktop::missingPrograms().empty()) {
@@ -102,7 +102,7 @@ protected:
     std::optional<Process> program{};
 };
 
-TEST_F(TheWindow, MakesACloneWithABadgeLaunchesItAndShowsThatItRuns) {
+TEST_F(WindowEndToEndTest, MakesACloneWithABadgeLaunchesItAndShowsThatItRuns) {
     open();
     (void)person.see(Control::any, "No clones yet");
     person.click(Control::button, "New Clone");
@@ -134,7 +134,7 @@ TEST_F(TheWindow, MakesACloneWithABadgeLaunchesItAndShowsThatItRuns) {
     EXPECT_TRUE(waitFor([&] { return !Person::hasColor(row, runningGreen); }));
 }
 
-TEST_F(TheWindow, MakesAWebAFileAndACommandShortcut) {
+TEST_F(WindowEndToEndTest, MakesAWebAFileAndACommandShortcut) {
     write(quorvelctl.home / "Tax 2026.txt", "numbers");
     open();
 
@@ -169,7 +169,7 @@ TEST_F(TheWindow, MakesAWebAFileAndACommandShortcut) {
     EXPECT_EQ(configuration("Greet")["commandArgs"], nlohmann::json({"hello", "%s", "you"}));
 }
 
-TEST_F(TheWindow, MovesAClonesFilesIntoTheSharedFolders) {
+TEST_F(WindowEndToEndTest, MovesAClonesFilesIntoTheSharedFolders) {
     quorvelctl.run({"create", "--name", "Private", "--target", (applications / "Chat.app").string(),
                     "--isolate-folders"});
     write(quorvelctl.data("Private") / "Downloads" / "report.txt", "of the clone");
@@ -190,7 +190,7 @@ TEST_F(TheWindow, MovesAClonesFilesIntoTheSharedFolders) {
     EXPECT_EQ(configuration("Private")["shareUserFolders"], true);
 }
 
-TEST_F(TheWindow, DeletesACloneWithAndWithoutItsData) {
+TEST_F(WindowEndToEndTest, DeletesACloneWithAndWithoutItsData) {
     for (const char* name : {"Keep", "Drop"}) {
         quorvelctl.run(
             {"create", "--name", name, "--target", (applications / "Chat.app").string()});
@@ -218,7 +218,7 @@ TEST_F(TheWindow, DeletesACloneWithAndWithoutItsData) {
     EXPECT_TRUE(fs::exists(applications / "Chat.app"));
 }
 
-TEST_F(TheWindow, TellsAnErrorAndGoesOnWhenItIsDismissed) {
+TEST_F(WindowEndToEndTest, TellsAnErrorAndGoesOnWhenItIsDismissed) {
     quorvelctl.run({"create", "--name", "Gone", "--target", (applications / "Chat.app").string()});
     open();
     person.click(Control::row, "Gone");
@@ -232,7 +232,7 @@ TEST_F(TheWindow, TellsAnErrorAndGoesOnWhenItIsDismissed) {
     (void)person.see(Control::any, "Create your first clone to get started.");
 }
 
-TEST_F(TheWindow, EndsWhenItIsClosedAndHasWrittenNoSettings) {
+TEST_F(WindowEndToEndTest, EndsWhenItIsClosedAndHasWrittenNoSettings) {
     const auto before = treeOf(quorvelctl.home.path());
     open();
     openSheet("File / Folder");

@@ -1,4 +1,4 @@
-#include "CommandLine/Interruption.h"
+#include "Platform/processes/InterruptFlag.h"
 
 namespace quorvel {
 namespace {
@@ -6,7 +6,7 @@ namespace {
 std::atomic<bool> interrupted{false};
 std::atomic<int> lastSignal{0};
 static_assert(std::atomic<bool>::is_always_lock_free && std::atomic<int>::is_always_lock_free,
-              "a signal handler may use nothing else");
+              "a signal handler may use only lock-free atomics");
 
 void note(int signal) {
     lastSignal = signal;
@@ -15,7 +15,7 @@ void note(int signal) {
 
 } // namespace
 
-Interruption::Interruption() {
+InterruptFlag::InterruptFlag() {
     interrupted = false;
     lastSignal = 0;
     struct sigaction action {};
@@ -23,29 +23,29 @@ Interruption::Interruption() {
     sigemptyset(&action.sa_mask);
     for (std::size_t index = 0; index < signals.size(); ++index) {
         ::sigaction(signals[index], nullptr, &old_[index]);
-        // What is ignored (as below nohup) stays so.
+        // As under nohup.
         if (old_[index].sa_handler != SIG_IGN) {
             ::sigaction(signals[index], &action, nullptr);
         }
     }
 }
 
-Interruption::~Interruption() {
+InterruptFlag::~InterruptFlag() {
     restore();
 }
 
-const std::atomic<bool>& Interruption::flag() const {
+const std::atomic<bool>& InterruptFlag::flag() const {
     return interrupted;
 }
 
-void Interruption::deliver() {
+void InterruptFlag::deliver() {
     restore();
     if (const int signal = lastSignal.exchange(0); signal != 0) {
         std::raise(signal);
     }
 }
 
-void Interruption::restore() {
+void InterruptFlag::restore() {
     if (restored_) {
         return;
     }
