@@ -4,7 +4,7 @@
 #include "LaunchKit/InstanceLauncher.h"
 #include "QuorvelApp/library/MigrationCallout.h"
 #include "QuorvelApp/model/CloneListModel.h"
-#include "QuorvelApp/model/ShownText.h"
+#include "QuorvelApp/model/DisplayText.h"
 #include "QuorvelApp/model/Translated.h"
 #include "QuorvelApp/widgets/CopyableLabel.h"
 #include "QuorvelApp/widgets/MessageSheet.h"
@@ -109,7 +109,7 @@ QWidget* CloneDetailView::makeActions() {
 void CloneDetailView::setClone(const InstanceRecord& clone) {
     clone_ = clone;
     icon_->setPath(iconPathOf(clone));
-    name_->setFullText(shownLine(clone.config.displayName));
+    name_->setFullText(displayLine(clone.config.displayName));
     setRows(cloneDetails(clone, translated));
     refreshRunning();
 }
@@ -151,12 +151,12 @@ void CloneDetailView::setRows(const std::vector<Fact>& rows) {
 }
 
 void CloneDetailView::confirmDelete() {
-    const QString name = shownLine(clone_.config.displayName);
+    const QString name = displayLine(clone_.config.displayName);
     auto* question = new MessageSheet(
         u"trash"_s, Ink::danger, tr("Delete “%1”?").arg(name),
         tr("“Delete Clone Only” removes the app but keeps its data at %1. “…and Its Data” also "
            "erases that folder — accounts and settings for this clone are gone for good.")
-            .arg(shownLine(clone_.config.instanceHome)),
+            .arg(displayLine(clone_.config.instanceHome)),
         {{.label = tr("Delete Clone Only"),
           .look = ButtonLook::destructive,
           .chosen = [this, clone = clone_] { model_.remove(clone, false); }},
@@ -176,7 +176,7 @@ void CloneDetailView::removeWithData(const InstanceRecord& clone) {
     }
     auto* question = new MessageSheet(
         u"exclamationmark.triangle.fill"_s, Ink::orange,
-        tr("“%1” is running").arg(shownLine(clone.config.displayName)),
+        tr("“%1” is running").arg(displayLine(clone.config.displayName)),
         tr("Quit it before you delete its data. Otherwise it loses what it has open, and may write "
            "to it again."),
         {{.label = tr("Delete Anyway"),
@@ -187,7 +187,7 @@ void CloneDetailView::removeWithData(const InstanceRecord& clone) {
 }
 
 void CloneDetailView::confirmMigration() {
-    const QString name = shownLine(clone_.config.displayName);
+    const QString name = displayLine(clone_.config.displayName);
     auto* question = new MessageSheet(
         u"arrow.down.doc"_s, Ink::accent, tr("Move “%1” files to your shared folders?").arg(name),
         tr("Files in this clone's Downloads, Documents and Desktop move into your Mac's real "

@@ -1,6 +1,6 @@
 #include "QuorvelApp/app/ModelAlert.h"
 
-#include "QuorvelApp/model/ShownText.h"
+#include "QuorvelApp/model/DisplayText.h"
 #include "QuorvelApp/widgets/MessageSheet.h"
 #include "QuorvelApp/widgets/Sheet.h"
 
@@ -28,7 +28,7 @@ void ModelAlert::refresh() {
         sheet_.clear();
     }
     if (message) {
-        present(shownText(*message));
+        present(displayText(*message));
     }
 }
 

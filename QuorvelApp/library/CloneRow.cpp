@@ -2,7 +2,7 @@
 
 #include "QuorvelApp/Components.h"
 #include "QuorvelApp/model/CloneListModel.h"
-#include "QuorvelApp/model/ShownText.h"
+#include "QuorvelApp/model/DisplayText.h"
 #include "QuorvelApp/theme/Theme.h"
 #include "QuorvelApp/widgets/CrispPixmap.h"
 

@@ -1,6 +1,6 @@
 #include "QuorvelApp/model/AppGridModel.h"
 
-#include "QuorvelApp/model/ShownText.h"
+#include "QuorvelApp/model/DisplayText.h"
 
 namespace quorvel {
 
@@ -50,7 +50,7 @@ QVariant AppGridModel::data(const QModelIndex& index, int role) const {
     const InstalledApp& item = app(index.row());
     switch (role) {
     case Qt::DisplayRole:
-        return shownLine(item.name);
+        return displayLine(item.name);
     case PathRole:
         return QVariant::fromValue(item.url);
     case SandboxedRole:

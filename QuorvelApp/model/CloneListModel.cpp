@@ -1,8 +1,8 @@
 #include "QuorvelApp/model/CloneListModel.h"
 
 #include "Presentation/CloneFacts.h"
+#include "QuorvelApp/model/DisplayText.h"
 #include "QuorvelApp/model/QtText.h"
-#include "QuorvelApp/model/ShownText.h"
 
 #include <algorithm>
 #include <unordered_map>
@@ -127,9 +127,9 @@ QVariant CloneListModel::data(const QModelIndex& index, int role) const {
     const bool running = running_.contains(record.config.bundleId);
     switch (role) {
     case NameRole:
-        return shownLine(record.config.displayName);
+        return displayLine(record.config.displayName);
     case SummaryRole:
-        return shownLine(sourceSummary(record.config));
+        return displayLine(sourceSummary(record.config));
     case RunningRole:
         return running;
     case IconPathRole:
@@ -137,10 +137,10 @@ QVariant CloneListModel::data(const QModelIndex& index, int role) const {
     case IdRole:
         return qtText(record.id());
     case Qt::AccessibleTextRole:
-        return running ? tr("%1, Running").arg(shownLine(record.config.displayName))
-                       : shownLine(record.config.displayName);
+        return running ? tr("%1, Running").arg(displayLine(record.config.displayName))
+                       : displayLine(record.config.displayName);
     case Qt::AccessibleDescriptionRole:
-        return shownLine(sourceSummary(record.config));
+        return displayLine(sourceSummary(record.config));
     default:
         return {};
     }

@@ -1,7 +1,7 @@
 #include "QuorvelApp/newclone/AppPicker.h"
 
 #include "QuorvelApp/Components.h"
-#include "QuorvelApp/model/ShownText.h"
+#include "QuorvelApp/model/DisplayText.h"
 
 #include <QKeyEvent>
 #include <QMouseEvent>
@@ -156,7 +156,7 @@ void AppPicker::refresh() {
     showRing(apps_.rowOf(ringed));
     showSelected();
     refreshing_ = false;
-    nothing_->setText(breakable(shownLine(session_.form().noAppsText())));
+    nothing_->setText(breakable(displayLine(session_.form().noAppsText())));
     states_->setCurrentIndex(model.catalogLoading() && model.catalog().empty() ? 0
                              : apps_.rowCount() == 0                           ? 1
                                                                                : 2);

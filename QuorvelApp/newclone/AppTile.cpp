@@ -1,6 +1,6 @@
 #include "QuorvelApp/newclone/AppTile.h"
 
-#include "QuorvelApp/model/ShownText.h"
+#include "QuorvelApp/model/DisplayText.h"
 #include "QuorvelApp/theme/Symbols.h"
 #include "QuorvelApp/theme/Theme.h"
 #include "QuorvelApp/widgets/CrispPixmap.h"

@@ -1,8 +1,8 @@
 #include "QuorvelApp/newclone/StrategySection.h"
 
 #include "QuorvelApp/Components.h"
+#include "QuorvelApp/model/DisplayText.h"
 #include "QuorvelApp/model/QtText.h"
-#include "QuorvelApp/model/ShownText.h"
 #include "QuorvelApp/model/Translated.h"
 #include "QuorvelApp/widgets/CopyableLabel.h"
 
@@ -68,7 +68,7 @@ void StrategySection::refresh() {
     detect_->setText(form.detecting ? QString() : tr("Auto-de&tect"));
     detect_->setEnabled(!form.detecting);
     detecting_->setVisible(form.detecting);
-    caption_->setFullText(shownText(form.strategyCaption()));
+    caption_->setFullText(displayText(form.strategyCaption()));
 }
 
 } // namespace quorvel

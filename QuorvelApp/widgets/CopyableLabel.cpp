@@ -1,7 +1,7 @@
 #include "QuorvelApp/widgets/CopyableLabel.h"
 
 #include "QuorvelApp/Components.h"
-#include "QuorvelApp/model/ShownText.h"
+#include "QuorvelApp/model/DisplayText.h"
 
 #include <QApplication>
 #include <QClipboard>

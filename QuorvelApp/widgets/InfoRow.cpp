@@ -1,7 +1,7 @@
 #include "QuorvelApp/widgets/InfoRow.h"
 
+#include "QuorvelApp/model/DisplayText.h"
 #include "QuorvelApp/model/QtText.h"
-#include "QuorvelApp/model/ShownText.h"
 #include "QuorvelApp/widgets/CopyableLabel.h"
 #include "QuorvelApp/widgets/Labels.h"
 
@@ -17,7 +17,7 @@ InfoRow::InfoRow(const Fact& fact)
     if (fact.monospaced) {
         value_->setFont(monospacedFont());
     }
-    value_->setFullText(shownText(fact.value()));
+    value_->setFullText(displayText(fact.value()));
     value_->setAccessibleName(tr("%1: %2").arg(qtText(fact.label), value_->fullText()));
     value_->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
     value_->setFocusPolicy(Qt::StrongFocus); // so that it can be copied without a mouse

@@ -8,17 +8,17 @@
 namespace quorvel {
 
 /// Longer texts are cut, in UTF-16 units: laying them out would block the window.
-inline constexpr qsizetype longestShownText = 4096;
-inline constexpr qsizetype longestShownLine = 500;
+inline constexpr qsizetype longestDisplayText = 4096;
+inline constexpr qsizetype longestDisplayLine = 500;
 
 /// Returns `text` with what `UnsafeText` finds (bidirectional, control and invisible characters)
-/// shown as U+FFFD. Line breaks stay. A text longer than `longestShownText` is cut after a whole
+/// shown as U+FFFD. Line breaks stay. A text longer than `longestDisplayText` is cut after a whole
 /// character and ends with "…".
-[[nodiscard]] QString shownText(std::string_view text);
+[[nodiscard]] QString displayText(std::string_view text);
 
 /// Returns the same on one line, for names and other parts of a sentence, cut after
-/// `longestShownLine`.
-[[nodiscard]] QString shownLine(std::string_view text);
+/// `longestDisplayLine`.
+[[nodiscard]] QString displayLine(std::string_view text);
 
 /// Returns `text` with a `breakMark` wherever a word that is longer than a line may be broken.
 [[nodiscard]] QString breakable(const QString& text);

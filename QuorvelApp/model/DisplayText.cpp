@@ -1,4 +1,4 @@
-#include "QuorvelApp/model/ShownText.h"
+#include "QuorvelApp/model/DisplayText.h"
 
 #include "Base/UnsafeText.h"
 #include "QuorvelApp/model/QtText.h"
@@ -80,12 +80,12 @@ QString brokenWord(const QString& word) {
 
 } // namespace
 
-QString shownText(std::string_view text) {
-    return harmless(beginning(text, longestShownText), u'\n');
+QString displayText(std::string_view text) {
+    return harmless(beginning(text, longestDisplayText), u'\n');
 }
 
-QString shownLine(std::string_view text) {
-    return harmless(beginning(text, longestShownLine), u' ');
+QString displayLine(std::string_view text) {
+    return harmless(beginning(text, longestDisplayLine), u' ');
 }
 
 QString breakable(const QString& text) {
