@@ -39,11 +39,11 @@ CloneDetailView::CloneDetailView(AppModel& model, IconLoader& icons, QWidget* sh
     auto* page = new QWidget;
     auto* column = new QVBoxLayout(page);
     column->setContentsMargins(28, 26, 28, 26);
-    column->setSpacing(18);
+    column->setSpacing(Spacing::section);
     column->addWidget(makeHeader(icons));
     column->addWidget(makeActions());
     column->addWidget(callout_);
-    column->addSpacing(2);
+    column->addSpacing(Spacing::hair);
     column->addWidget(makeLabel(tr("Details"), TextStyle::headline));
     details_ = new QVBoxLayout;
     details_->setSpacing(0);
@@ -82,7 +82,7 @@ QWidget* CloneDetailView::makeHeader(IconLoader& icons) {
     texts->addStretch();
     auto* row = new QHBoxLayout(header);
     row->setContentsMargins(0, 0, 0, 0);
-    row->setSpacing(16);
+    row->setSpacing(Spacing::wide);
     row->addWidget(icon_);
     row->addLayout(texts, 1);
     return header;
@@ -98,7 +98,7 @@ QWidget* CloneDetailView::makeActions() {
     connect(remove, &QPushButton::clicked, this, &CloneDetailView::confirmDelete);
     auto* row = new QHBoxLayout(actions);
     row->setContentsMargins(0, 0, 0, 0);
-    row->setSpacing(8);
+    row->setSpacing(Spacing::normal);
     row->addWidget(launch_);
     row->addWidget(reveal);
     row->addStretch();

@@ -71,7 +71,7 @@ QWidget* ContentView::makeColumns() {
 QWidget* ContentView::makePlaceholder(QWidget* parent) {
     auto* page = new QWidget(parent);
     auto* column = new QVBoxLayout(page);
-    column->setSpacing(14);
+    column->setSpacing(Spacing::group);
     column->addStretch();
     column->addWidget(new SymbolView(u"sidebar.left"_s, Ink::tertiary, 40), 0, Qt::AlignHCenter);
     placeholderText_ = makeLabel({}, TextStyle::body, Ink::secondary);

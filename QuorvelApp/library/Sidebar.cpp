@@ -31,8 +31,8 @@ Sidebar::Sidebar(AppModel& model, IconLoader& icons, QWidget* parent)
 QWidget* Sidebar::makeEmptyState() {
     auto* page = new QWidget(this);
     auto* column = new QVBoxLayout(page);
-    column->setContentsMargins(16, 16, 16, 16);
-    column->setSpacing(10);
+    column->setContentsMargins(Spacing::wide, Spacing::wide, Spacing::wide, Spacing::wide);
+    column->setSpacing(Spacing::loose);
     column->addStretch();
     column->addWidget(new SymbolView(u"square.on.square.dashed"_s, Ink::secondary, 42), 0,
                       Qt::AlignHCenter);
@@ -44,7 +44,7 @@ QWidget* Sidebar::makeEmptyState() {
     column->addWidget(text, 0, Qt::AlignHCenter);
     QPushButton* button = makeButton(tr("New Clone"), ButtonLook::prominent);
     connect(button, &QPushButton::clicked, this, &Sidebar::newCloneRequested);
-    column->addSpacing(4);
+    column->addSpacing(Spacing::tight);
     column->addWidget(button, 0, Qt::AlignHCenter);
     column->addStretch();
     return page;
@@ -53,10 +53,10 @@ QWidget* Sidebar::makeEmptyState() {
 QWidget* Sidebar::makeList(IconLoader& icons) {
     auto* page = new QWidget(this);
     auto* column = new QVBoxLayout(page);
-    column->setContentsMargins(0, 14, 0, 0);
-    column->setSpacing(6);
+    column->setContentsMargins(0, Spacing::group, 0, 0);
+    column->setSpacing(Spacing::close);
     QLabel* heading = makeLabel(tr("Clones"), TextStyle::captionMedium, Ink::secondary);
-    heading->setContentsMargins(18, 0, 18, 0);
+    heading->setContentsMargins(Spacing::section, 0, Spacing::section, 0);
     list_ = new ItemList;
     list_->setObjectName(u"clones"_s);
     list_->setAccessibleName(tr("Clones"));

@@ -54,6 +54,20 @@ enum class ControlLook { styled, native };
 /// Returns the style sheet in those colors, without rules for controls if their look is native.
 [[nodiscard]] QString styleSheetFor(const Colors& colors, ControlLook controls);
 
+/// The distances between widgets and around them, in points.
+namespace Spacing {
+inline constexpr int hair = 2;
+inline constexpr int tight = 4;
+inline constexpr int close = 6;
+inline constexpr int normal = 8;
+inline constexpr int loose = 10;
+inline constexpr int block = 12;
+inline constexpr int group = 14;
+inline constexpr int wide = 16;
+inline constexpr int section = 18;
+inline constexpr int pane = 20;
+} // namespace Spacing
+
 /// The steps of the text's hierarchy.
 enum class TextStyle { largeTitle, title, headline, body, medium, callout, caption, captionMedium };
 

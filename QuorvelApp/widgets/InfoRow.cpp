@@ -24,8 +24,8 @@ InfoRow::InfoRow(const Fact& fact)
     value_->setMinimumWidth(0);
     value_->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
     auto* layout = new QHBoxLayout(this);
-    layout->setContentsMargins(0, 6, 0, 6);
-    layout->setSpacing(14);
+    layout->setContentsMargins(0, Spacing::close, 0, Spacing::close);
+    layout->setSpacing(Spacing::group);
     layout->addWidget(label_, 0, Qt::AlignTop);
     layout->addWidget(value_, 1, Qt::AlignTop);
 }

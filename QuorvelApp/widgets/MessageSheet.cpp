@@ -22,7 +22,7 @@ public:
         auto* page = new QWidget;
         auto* column = new QVBoxLayout(page);
         column->setContentsMargins(0, 0, 0, 0);
-        column->setSpacing(8);
+        column->setSpacing(Spacing::normal);
         for (QWidget* text : texts) {
             column->addWidget(text);
         }
@@ -60,15 +60,15 @@ MessageSheet::MessageSheet(const QString& symbol, Ink ink, const QString& title,
     auto* message = new MessageText({title_, text_});
     message->setAccessibleName(title);
     auto* top = new QHBoxLayout;
-    top->setSpacing(16);
+    top->setSpacing(Spacing::wide);
     top->addWidget(new SymbolView(symbol, ink, 32), 0, Qt::AlignTop);
     top->addWidget(message, 1);
     auto* row = new QHBoxLayout;
-    row->setSpacing(8);
+    row->setSpacing(Spacing::normal);
     row->addStretch();
     auto* column = new QVBoxLayout(this);
     column->setContentsMargins(22, 22, 22, 18);
-    column->setSpacing(20);
+    column->setSpacing(Spacing::pane);
     column->addLayout(top, 1);
     column->addLayout(row);
     for (const Choice& choice : choices) {

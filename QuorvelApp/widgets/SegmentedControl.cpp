@@ -18,8 +18,8 @@ SegmentedControl::SegmentedControl(const QString& accessibleName, const QStringL
     setAttribute(Qt::WA_StyledBackground);
     setAccessibleName(accessibleName);
     auto* row = new QHBoxLayout(this);
-    row->setContentsMargins(2, 2, 2, 2);
-    row->setSpacing(2);
+    row->setContentsMargins(Spacing::hair, Spacing::hair, Spacing::hair, Spacing::hair);
+    row->setSpacing(Spacing::hair);
     for (const QString& text : segments) {
         QPushButton* segment = makeButton(withoutMnemonics(text), ButtonLook::standard);
         segment->setCheckable(true);
