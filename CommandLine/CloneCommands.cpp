@@ -9,6 +9,8 @@
 #include "LaunchKit/RequestCheck.h"
 #include "Platform/files/PlatformError.h"
 
+#include <nlohmann/json.hpp>
+
 #include <algorithm>
 #include <future>
 #include <iterator>
@@ -97,7 +99,8 @@ void showCommand(const Surroundings& with, const std::string& clone, bool json) 
     const RunningApplications running = with.workspace.runningApplications();
     const auto logSize = logSizeOf(record.config);
     if (!json) {
-        with.output << description(record, running.contains(record.config.bundleId), logSize);
+        with.output << description(
+            record, {.running = running.contains(record.config.bundleId), .logSize = logSize});
         return;
     }
     nlohmann::json object = jsonForm(record, running);

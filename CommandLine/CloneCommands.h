@@ -16,11 +16,4 @@ void showCommand(const Surroundings& with, const std::string& clone, bool json);
 void createCommand(const Surroundings& with, const CreateOptions& options, bool json);
 void openCommand(const Surroundings& with, const std::string& clone, bool json);
 
-struct DeleteOptions {
-    bool includingData = false;
-    bool yes = false; ///< don't ask
-};
-void deleteCommand(const Surroundings& with, const std::string& clone, const DeleteOptions& options,
-                   bool json);
-
 } // namespace quorvel

@@ -2,6 +2,7 @@
 
 #include "Base/TerminalText.h"
 #include "CommandLine/CloneCommands.h"
+#include "CommandLine/DeleteCommand.h"
 #include "CommandLine/IconCommand.h"
 #include "CommandLine/MigrateCommand.h"
 #include "CommandLine/ProbeCommands.h"

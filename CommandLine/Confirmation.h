@@ -6,8 +6,8 @@
 
 namespace quorvel {
 
-/// Asks on the errors, with what would steer the terminal made visible, and reads a line. Only "y",
-/// "Y" and "yes" are a yes.
+/// Asks on the error stream, made safe for a terminal, and reads a line. Returns true for "y", "Y"
+/// and "yes" only.
 [[nodiscard]] bool confirmed(const Surroundings& with, const std::string& question);
 
 } // namespace quorvel

@@ -1,5 +1,6 @@
+#include "CommandLine/DeleteCommand.h"
+
 #include "Base/TerminalText.h"
-#include "CommandLine/CloneCommands.h"
 #include "CommandLine/CloneLookup.h"
 #include "CommandLine/CloneTexts.h"
 #include "CommandLine/Confirmation.h"
@@ -9,22 +10,24 @@
 #include "Platform/files/FileRemoval.h"
 #include "Platform/files/FileSystem.h"
 
+#include <nlohmann/json.hpp>
+
 #include <ostream>
 
 namespace quorvel {
 namespace fs = std::filesystem;
 namespace {
 
-// What a person is told before data is deleted under a living program; empty when there is none.
+// The warning before data of a running program is deleted; empty if none runs.
 std::string runningWarning(const Surroundings& with, const InstanceRecord& record) {
     return isHomeInUse(record.config) ||
                    with.workspace.runningApplications().contains(record.config.bundleId)
                ? "“" + record.config.displayName +
-                     "” is running: it loses what it has open, and may write data anew."
+                     "” is running: it loses what it has open, and may write to its data again."
                : "";
 }
 
-// Whether it is nothing that a deletion takes, even when asked.
+// Whether a deletion keeps it, even when asked to delete data.
 bool keepsData(const DataFolder& data) {
     return data.isNone || holdsUserHome(data.path);
 }
@@ -46,7 +49,7 @@ std::string question(const InstanceRecord& record, const DeleteOptions& options,
 
 void confirm(const Surroundings& with, const DeleteOptions& options, const std::string& text) {
     if (!options.yes && !with.inputIsTerminal) {
-        throw UsageError("Deleting needs --yes where nobody can be asked");
+        throw UsageError("--yes is required when input is not a terminal");
     }
     if (!options.yes && !confirmed(with, text)) {
         throw CommandError("Nothing was deleted.");
@@ -60,7 +63,7 @@ nlohmann::json deletedDataForm(const DeletedData& data) {
     return data.outcome == DeletedData::Case::removed;
 }
 
-// Nobody knows where such a clone's data is.
+// It is unknown where such a clone's data is.
 void deleteDamagedClone(const Surroundings& with, const fs::path& wrapper,
                         const DeleteOptions& options, bool json) {
     if (options.includingData) {

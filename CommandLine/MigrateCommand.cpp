@@ -5,6 +5,7 @@
 #include "CommandLine/CloneTexts.h"
 #include "LaunchKit/HomeLock.h"
 #include "LaunchKit/InstanceLauncher.h"
+#include "Presentation/MigrationSummary.h"
 
 #include <nlohmann/json.hpp>
 
@@ -26,11 +27,8 @@ nlohmann::json jsonForm(const InstanceLauncher::Migration& migration) {
 
 std::string movedLines(const InstanceLauncher::Migration& migration) {
     std::string lines;
-    for (const std::string_view name : InstanceLauncher::sharedUserFolders) {
-        const auto found = migration.moved.find(std::string(name));
-        if (found != migration.moved.end() && found->second > 0) {
-            lines += "Moved " + std::to_string(found->second) + " from " + std::string(name) + "\n";
-        }
+    for (const std::string& part : movedParts(migration)) {
+        lines += "Moved " + part + "\n";
     }
     return lines;
 }

@@ -8,6 +8,8 @@
 #include "ProbeKit/AppProber.h"
 #include "ProbeKit/ProfileGenerator.h"
 
+#include <nlohmann/json.hpp>
+
 #include <algorithm>
 #include <iterator>
 #include <ostream>
@@ -45,7 +47,7 @@ AppProber makeProber(const Surroundings& with, const std::string& app, const Pro
     return std::move(*prober);
 }
 
-// Nothing that the trial started outlives the command.
+// No process of the trial outlives the command.
 class TrialProcesses {
 public:
     TrialProcesses() = default;

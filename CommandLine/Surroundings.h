@@ -19,13 +19,13 @@ struct Surroundings {
     InstanceRegistry registry{};
 };
 
-/// A command that can't do what it was asked for; the text is for the user.
+/// Thrown by a command that can't do what it was asked to; the text is for the user.
 class CommandError : public Error {
 public:
     using Error::Error;
 };
 
-/// A command line that makes no sense; shown with the usage.
+/// Thrown for an invalid command line; shown with the usage.
 class UsageError : public Error {
 public:
     using Error::Error;

@@ -3,7 +3,9 @@
 #include "LaunchKit/HomeLock.h"
 #include "LaunchKit/InstanceLauncher.h"
 #include "QuorvelApp/library/MigrationCallout.h"
-#include "QuorvelApp/model/ShownText.h"
+#include "QuorvelApp/model/CloneListModel.h"
+#include "QuorvelApp/model/DisplayText.h"
+#include "QuorvelApp/model/Translated.h"
 #include "QuorvelApp/widgets/CopyableLabel.h"
 #include "QuorvelApp/widgets/MessageSheet.h"
 #include "QuorvelApp/widgets/Sheet.h"
@@ -17,7 +19,7 @@ namespace {
 
 using namespace Qt::StringLiterals;
 
-// Takes the height of what it holds, however high the window is.
+// As high as its content, however high the window is.
 QWidget* makeBand() {
     auto* band = new QWidget;
     band->setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
@@ -37,11 +39,11 @@ CloneDetailView::CloneDetailView(AppModel& model, IconLoader& icons, QWidget* sh
     auto* page = new QWidget;
     auto* column = new QVBoxLayout(page);
     column->setContentsMargins(28, 26, 28, 26);
-    column->setSpacing(18);
+    column->setSpacing(Spacing::section);
     column->addWidget(makeHeader(icons));
     column->addWidget(makeActions());
     column->addWidget(callout_);
-    column->addSpacing(2);
+    column->addSpacing(Spacing::hair);
     column->addWidget(makeLabel(tr("Details"), TextStyle::headline));
     details_ = new QVBoxLayout;
     details_->setSpacing(0);
@@ -80,7 +82,7 @@ QWidget* CloneDetailView::makeHeader(IconLoader& icons) {
     texts->addStretch();
     auto* row = new QHBoxLayout(header);
     row->setContentsMargins(0, 0, 0, 0);
-    row->setSpacing(16);
+    row->setSpacing(Spacing::wide);
     row->addWidget(icon_);
     row->addLayout(texts, 1);
     return header;
@@ -96,7 +98,7 @@ QWidget* CloneDetailView::makeActions() {
     connect(remove, &QPushButton::clicked, this, &CloneDetailView::confirmDelete);
     auto* row = new QHBoxLayout(actions);
     row->setContentsMargins(0, 0, 0, 0);
-    row->setSpacing(8);
+    row->setSpacing(Spacing::normal);
     row->addWidget(launch_);
     row->addWidget(reveal);
     row->addStretch();
@@ -107,8 +109,8 @@ QWidget* CloneDetailView::makeActions() {
 void CloneDetailView::setClone(const InstanceRecord& clone) {
     clone_ = clone;
     icon_->setPath(iconPathOf(clone));
-    name_->setFullText(shownLine(clone.config.displayName));
-    setRows(detailRows(clone.config, clone.bundleURL));
+    name_->setFullText(displayLine(clone.config.displayName));
+    setRows(cloneDetails(clone, translated));
     refreshRunning();
 }
 
@@ -117,7 +119,7 @@ void CloneDetailView::launch() {
     showCallout();
 }
 
-// A launch links folders that hold nothing.
+// A launch links empty folders.
 void CloneDetailView::showCallout() {
     callout_->setVisible(
         InstanceLauncher::needsSharedFolderMigration(clone_.config.resolvedHome()));
@@ -131,7 +133,7 @@ void CloneDetailView::refreshRunning() {
     launch_->setText(running ? tr("Foc&us") : tr("&Launch"));
 }
 
-void CloneDetailView::setRows(const std::vector<DetailRow>& rows) {
+void CloneDetailView::setRows(const std::vector<Fact>& rows) {
     if (rows == rows_) {
         return;
     }
@@ -149,12 +151,12 @@ void CloneDetailView::setRows(const std::vector<DetailRow>& rows) {
 }
 
 void CloneDetailView::confirmDelete() {
-    const QString name = shownLine(clone_.config.displayName);
+    const QString name = displayLine(clone_.config.displayName);
     auto* question = new MessageSheet(
         u"trash"_s, Ink::danger, tr("Delete “%1”?").arg(name),
         tr("“Delete Clone Only” removes the app but keeps its data at %1. “…and Its Data” also "
            "erases that folder — accounts and settings for this clone are gone for good.")
-            .arg(shownLine(clone_.config.instanceHome)),
+            .arg(displayLine(clone_.config.instanceHome)),
         {{.label = tr("Delete Clone Only"),
           .look = ButtonLook::destructive,
           .chosen = [this, clone = clone_] { model_.remove(clone, false); }},
@@ -166,7 +168,7 @@ void CloneDetailView::confirmDelete() {
 }
 
 void CloneDetailView::removeWithData(const InstanceRecord& clone) {
-    // Nothing tells of clones that were started or ended elsewhere.
+    // Clones that were started or ended elsewhere are not reported.
     model_.refreshRunningState();
     if (!model_.isRunning(clone) && !isHomeInUse(clone.config)) {
         model_.remove(clone, true);
@@ -174,7 +176,7 @@ void CloneDetailView::removeWithData(const InstanceRecord& clone) {
     }
     auto* question = new MessageSheet(
         u"exclamationmark.triangle.fill"_s, Ink::orange,
-        tr("“%1” is running").arg(shownLine(clone.config.displayName)),
+        tr("“%1” is running").arg(displayLine(clone.config.displayName)),
         tr("Quit it before you delete its data. Otherwise it loses what it has open, and may write "
            "to it again."),
         {{.label = tr("Delete Anyway"),
@@ -185,7 +187,7 @@ void CloneDetailView::removeWithData(const InstanceRecord& clone) {
 }
 
 void CloneDetailView::confirmMigration() {
-    const QString name = shownLine(clone_.config.displayName);
+    const QString name = displayLine(clone_.config.displayName);
     auto* question = new MessageSheet(
         u"arrow.down.doc"_s, Ink::accent, tr("Move “%1” files to your shared folders?").arg(name),
         tr("Files in this clone's Downloads, Documents and Desktop move into your Mac's real "

@@ -193,7 +193,7 @@ void measureStart() {
 void measureSheet() {
     const TemporaryHome home;
     const TemporaryFolder folder;
-    AppServices services = AppServices::ofTheSystem();
+    AppServices services = AppServices::system();
     services.scanCatalog = [apps = makeApps(folder.path(), 2000)] { return apps; };
     QuorvelApp app(std::move(services));
     app.start();

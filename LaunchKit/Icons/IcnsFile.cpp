@@ -192,6 +192,10 @@ QImage IcnsFile::nearest(int side) const {
     return firstDecodable(order);
 }
 
+bool IcnsFile::isDecodable(int side) const {
+    return !nearest(side).isNull();
+}
+
 QImage IcnsFile::firstDecodable(const std::vector<std::size_t>& order) const {
     for (std::size_t index = 0; index < std::min(order.size(), maximumAttempts); ++index) {
         if (QImage image = decode(order[index]); !image.isNull()) {

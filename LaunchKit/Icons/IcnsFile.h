@@ -58,6 +58,8 @@ public:
     /// Returns the image to show at `side` pixels: the smallest that is at least that wide, or else
     /// the widest, among those that can be decoded; null if none can.
     [[nodiscard]] QImage nearest(int side) const;
+    /// Returns whether there is one.
+    [[nodiscard]] bool isDecodable(int side) const;
 
 private:
     class Contents;

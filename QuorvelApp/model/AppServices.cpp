@@ -24,7 +24,7 @@ std::optional<ProbeResult> probeApp(const std::filesystem::path& app,
 
 } // namespace
 
-AppServices AppServices::ofTheSystem() {
+AppServices AppServices::system() {
     AppServices services;
     services.workspace = makeSystemWorkspace();
     services.tasks = std::make_shared<ThreadPoolTasks>();

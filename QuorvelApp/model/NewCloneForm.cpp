@@ -3,9 +3,10 @@
 #include "Base/PathText.h"
 #include "Base/Text.h"
 #include "Platform/desktop/UserLocale.h"
-#include "QuorvelApp/model/AutomaticNames.h"
-#include "QuorvelApp/model/DisplayTexts.h"
+#include "Presentation/CloneNaming.h"
+#include "Presentation/StrategyTexts.h"
 #include "QuorvelApp/model/QtText.h"
+#include "QuorvelApp/model/Translated.h"
 
 #include <QString>
 
@@ -49,7 +50,7 @@ std::optional<IconLabel> iconLabel(const NewCloneForm& form) {
         return std::nullopt;
     }
     return IconLabel{.text = std::move(text),
-                     .colorHex = hexRGB(form.iconLabelColor),
+                     .colorHex = form.iconLabelColor,
                      .position = IconLabel::Position::bottom};
 }
 
@@ -94,21 +95,23 @@ bool NewCloneForm::canCreate() const {
 }
 
 std::string NewCloneForm::cloneNameOrPlaceholder() const {
-    return nothingIfEmpty(trimmingWhitespace(cloneName)).value_or("Name");
+    return nothingIfEmpty(trimmingWhitespace(cloneName)).value_or(tr("Name").toStdString());
 }
 
 std::string NewCloneForm::savedToText() const {
-    return "Saved to ~/Applications/" + cloneNameOrPlaceholder() + ".app";
+    return sentence(tr("Saved to ~/Applications/%1.app"), {cloneNameOrPlaceholder()});
 }
 
 std::string NewCloneForm::replacementText(const std::vector<InstanceRecord>& clones) const {
     const std::filesystem::path place = WrapperFactory::wrapperURL(makeRequest());
     const auto replaced = std::find_if(clones.begin(), clones.end(),
                                        [&](const auto& clone) { return clone.bundleURL == place; });
-    return replaced == clones.end() ? std::string()
-                                    : "“" + replaced->config.displayName +
-                                          "” is there already. Creating this clone replaces it; "
-                                          "its data stays.";
+    return replaced == clones.end()
+               ? std::string()
+               : sentence(
+                     tr("“%1” already exists. Creating this clone will replace it; its data is "
+                        "kept."),
+                     {replaced->config.displayName});
 }
 
 std::string NewCloneForm::strategyCaption() const {
@@ -152,7 +155,8 @@ std::vector<InstalledApp> NewCloneForm::filtered(const std::vector<InstalledApp>
 }
 
 std::string NewCloneForm::noAppsText() const {
-    return search.empty() ? "No apps found." : "No apps match “" + search + "”.";
+    return search.empty() ? tr("No apps found.").toStdString()
+                          : sentence(tr("No apps match “%1”."), {search});
 }
 
 void NewCloneForm::select(const InstalledApp& app, std::string suggestedName) {
@@ -161,7 +165,7 @@ void NewCloneForm::select(const InstalledApp& app, std::string suggestedName) {
     automaticName.clear();
     strategy = Strategy::homeOverride;
     detectNote.reset();
-    strategyReason = "Checking how " + app.name + " stores its data…";
+    strategyReason = sentence(tr("Checking how %1 stores its data…"), {app.name});
     selectedSandboxed = false;
 
     const NewCloneForm defaults;
@@ -228,16 +232,18 @@ void NewCloneForm::beginDetecting() {
 
 void NewCloneForm::detected(Strategy recommended) {
     if (recommended == Strategy::unsupported) {
-        detectNote = "This app resists cloning (singleton). It may not stay isolated.";
+        detectNote =
+            tr("This app resists cloning (singleton). It may not stay isolated.").toStdString();
     } else {
         strategy = recommended;
-        detectNote = "Detected: " + strategyLabel(rawString(recommended)) + ".";
+        detectNote =
+            sentence(tr("Detected: %1."), {strategyLabel(rawString(recommended), translated)});
     }
     detecting = false;
 }
 
 void NewCloneForm::detectionFailed(std::string_view description) {
-    detectNote = "Couldn't detect: " + std::string(description);
+    detectNote = sentence(tr("Couldn't detect: %1"), {description});
     detecting = false;
 }
 

@@ -4,7 +4,7 @@
 #include "LaunchKit/InstanceRegistry.h"
 #include "LaunchKit/WrapperFactory.h"
 
-#include <QColor>
+#include <QCoreApplication>
 
 #include <array>
 #include <filesystem>
@@ -19,6 +19,9 @@ namespace quorvel {
 /// What the new-clone sheet holds, and what follows from it: a value without any widget. A new
 /// sheet begins with these defaults.
 struct NewCloneForm {
+    Q_DECLARE_TR_FUNCTIONS(NewCloneForm)
+
+public:
     ShortcutKind shortcutType = ShortcutKind::app;
     std::string search{}; ///< the app picker's filter
     std::optional<InstalledApp> selected{};
@@ -43,7 +46,7 @@ struct NewCloneForm {
     bool registerBrowser = false;
     bool openWith = false;
     std::string iconLabelText{};
-    QColor iconLabelColor = Qt::white;
+    std::string iconLabelColor = "#FFFFFF"; ///< as `hexRGB` writes it
     bool menuBarIcon = false;
     bool menuBarTemplate = false;
     std::string strategyReason{};

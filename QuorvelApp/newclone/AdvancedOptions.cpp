@@ -108,10 +108,12 @@ QWidget* AdvancedOptions::makeIconLabel() {
     field->setAccessibleName(tr("Icon label"));
     bind(session_, field, &NewCloneForm::iconLabelText);
     auto* well = new ColorWell;
-    const auto showColor = [this, well] { well->setColor(session_.form().iconLabelColor); };
+    const auto showColor = [this, well] {
+        well->setColor(QColor(qtText(session_.form().iconLabelColor)));
+    };
     connect(&session_, &NewCloneSession::changed, well, showColor);
     connect(well, &ColorWell::colorChosen, &session_, [this](const QColor& color) {
-        session_.edit([&](NewCloneForm& form) { form.iconLabelColor = color; });
+        session_.edit([&](NewCloneForm& form) { form.iconLabelColor = hexRGB(color); });
     });
     showColor();
     auto* row = makeRow(widget);

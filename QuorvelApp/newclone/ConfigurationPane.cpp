@@ -1,7 +1,7 @@
 #include "QuorvelApp/newclone/ConfigurationPane.h"
 
 #include "QuorvelApp/Components.h"
-#include "QuorvelApp/model/ShownText.h"
+#include "QuorvelApp/model/DisplayText.h"
 #include "QuorvelApp/newclone/AdvancedOptions.h"
 #include "QuorvelApp/newclone/ConfigurationHeader.h"
 #include "QuorvelApp/newclone/FormBindings.h"
@@ -144,9 +144,9 @@ void ConfigurationPane::refresh() {
     promptText_->setText(prompt.text);
     warning_->setVisible(isApp && form.selectedSandboxed);
     strategy_->setVisible(isApp && form.selected.has_value());
-    savedTo_->setFullText(shownLine(form.savedToText()));
+    savedTo_->setFullText(displayLine(form.savedToText()));
     const std::string replaced = form.replacementText(session_.model().clones());
-    replacedText_->setFullText(shownLine(replaced));
+    replacedText_->setFullText(displayLine(replaced));
     replaced_->setVisible(!replaced.empty() && !form.creating);
     states_->setCurrentIndex(form.hasTarget() ? 1 : 0);
 }

@@ -1,4 +1,3 @@
-#include "CommandLine/CloneTexts.h"
 #include "LaunchKit/HomeLock.h"
 #include "LaunchKit/InstanceConfig.h"
 #include "tests/CommandLine/CommandLineHarness.h"
@@ -261,18 +260,6 @@ TEST_F(DeleteCommandTest, ShowPrintsTheSizeOfTheLog) {
     EXPECT_EQ(harness.run({"show", "Work", "--json"}).json()["logSize"], 1534);
     EXPECT_THAT(harness.run({"show", "Work"}).output, ::testing::ContainsRegex("Log +1\\.5 kB\n"));
     EXPECT_FALSE(harness.run({"list", "--json"}).json()[0].contains("logSize"));
-}
-
-TEST_F(DeleteCommandTest, SizeTextIsInTheUnitThatReadsBest) {
-    EXPECT_EQ(sizeText(0), "0 bytes");
-    EXPECT_EQ(sizeText(1), "1 byte");
-    EXPECT_EQ(sizeText(999), "999 bytes");
-    EXPECT_EQ(sizeText(1'000), "1.0 kB");
-    EXPECT_EQ(sizeText(999'999), "999.9 kB");
-    EXPECT_EQ(sizeText(1'000'000), "1.0 MB");
-    EXPECT_EQ(sizeText(300'123'456), "300.1 MB");
-    EXPECT_EQ(sizeText(2'500'000'000), "2.5 GB");
-    EXPECT_EQ(sizeText(5'000'000'000'000'000), "5000.0 TB");
 }
 
 } // namespace

@@ -1,7 +1,7 @@
 #include "LaunchKit/InstanceConfig.h"
 #include "QuorvelApp/model/CloneListModel.h"
+#include "QuorvelApp/model/DisplayText.h"
 #include "QuorvelApp/model/QtText.h"
-#include "QuorvelApp/model/ShownText.h"
 #include "tests/QuorvelApp/WindowFixture.h"
 
 #include <QLabel>
@@ -80,15 +80,15 @@ TEST_F(HostileInputTest, NoWidgetIsGivenAMegabyte) {
     (void)window->grab();
     for (const QLabel* label : window->findChildren<QLabel*>()) {
         // Every character is followed by a mark.
-        EXPECT_LE(label->text().size(), 2 * (longestShownText + 1));
-        EXPECT_LE(label->accessibleName().size(), longestShownText + 100);
-        EXPECT_LE(label->toolTip().size(), longestShownText + 100);
+        EXPECT_LE(label->text().size(), 2 * (longestDisplayText + 1));
+        EXPECT_LE(label->accessibleName().size(), longestDisplayText + 100);
+        EXPECT_LE(label->toolTip().size(), longestDisplayText + 100);
     }
     const QModelIndex row =
         window->content().sidebar().findChild<QListView*>()->model()->index(0, 0);
     for (const int role : {int(CloneListModel::NameRole), int(CloneListModel::SummaryRole),
                            int(Qt::AccessibleTextRole), int(Qt::AccessibleDescriptionRole)}) {
-        EXPECT_EQ(row.data(role).toString().size(), longestShownLine + 1);
+        EXPECT_EQ(row.data(role).toString().size(), longestDisplayLine + 1);
     }
 }
 

@@ -70,7 +70,7 @@ TEST_F(KeyboardTest, TheAdvancedOptionsComeInTheirOwnOrder) {
                                         u"Choose…"_s,
                                         u"Choose .icns…"_s,
                                         u"Icon label"_s,
-                                        u"Badge colour"_s,
+                                        u"Badge color"_s,
                                         u"Launch arguments"_s,
                                         u"Environment variables"_s,
                                         u"Info.plist overrides"_s,

@@ -69,7 +69,7 @@ TEST_F(MenuTest, CheckForUpdatesAsSoonAndAsLongAsTheServiceCan) {
 }
 
 TEST_F(MenuTest, BelongToAWindowThatComesToTheFrontAtTheStart) {
-    AppServices services = AppServices::ofTheSystem();
+    AppServices services = AppServices::system();
     services.registry = InstanceRegistry({folder});
     services.workspace = stubs.workspace;
     QuorvelApp application(std::move(services));

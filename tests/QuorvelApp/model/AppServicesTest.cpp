@@ -33,7 +33,7 @@ protected:
     // What creating fails with; empty when it does not.
     static std::string failure() {
         try {
-            (void)AppServices::ofTheSystem().createWrapper(request());
+            (void)AppServices::system().createWrapper(request());
             return {};
         } catch (const std::exception& error) {
             return error.what();
@@ -87,7 +87,7 @@ TEST_F(AppServicesTest, MakesACloneAgain) {
 }
 
 TEST_F(AppServicesTest, LaunchingACloneThatIsGoneIsAnError) {
-    AppModel model(AppServices::ofTheSystem());
+    AppModel model(AppServices::system());
     model.launch({.bundleURL = wrapper, .config = minimalConfig()});
     EXPECT_TRUE(eventually([&] { return model.lastError().has_value(); }));
     EXPECT_EQ(model.lastError(),
@@ -100,7 +100,7 @@ TEST(AppServicesTestFullDisk, DISABLED_Within) {
     request.kind = ShortcutKind::web;
     request.displayName = "Work";
     try {
-        (void)AppServices::ofTheSystem().createWrapper(request);
+        (void)AppServices::system().createWrapper(request);
         FAIL() << "the disk was not full";
     } catch (const PlatformError& error) {
         EXPECT_EQ(error.code(), std::errc::no_space_on_device);

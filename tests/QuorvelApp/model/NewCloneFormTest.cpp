@@ -26,7 +26,7 @@ TEST(NewCloneFormTest, BeginsWithItsDefaults) {
     EXPECT_TRUE(form.launchAfter);
     EXPECT_TRUE(form.shareUserFolders);
     EXPECT_FALSE(form.showAdvanced);
-    EXPECT_EQ(form.iconLabelColor, QColor(Qt::white));
+    EXPECT_EQ(form.iconLabelColor, "#FFFFFF");
     EXPECT_FALSE(form.detectNote);
     EXPECT_FALSE(form.canCreate());
 }
@@ -83,7 +83,7 @@ TEST(NewCloneFormTest, SelectingAnAppNamesItAndSetsTheAdvancedOptionsBack) {
     form.customIcon = "/x.icns";
     form.hideDockIcon = form.registerBrowser = form.openWith = true;
     form.menuBarIcon = form.menuBarTemplate = true;
-    form.iconLabelColor = Qt::red;
+    form.iconLabelColor = "#FF0000";
     form.shareUserFolders = false;
     form.launchAfter = false;
     form.showAdvanced = true;
@@ -107,7 +107,7 @@ TEST(NewCloneFormTest, SelectingAnAppNamesItAndSetsTheAdvancedOptionsBack) {
     EXPECT_FALSE(request.menuBarIcon);
     EXPECT_FALSE(request.menuBarIconTemplate);
     EXPECT_TRUE(request.shareUserFolders);
-    EXPECT_EQ(form.iconLabelColor, QColor(Qt::white));
+    EXPECT_EQ(form.iconLabelColor, "#FFFFFF");
     EXPECT_FALSE(form.launchAfter) << "kept";
     EXPECT_TRUE(form.showAdvanced) << "kept";
     EXPECT_EQ(form.webURL, "kept");
@@ -216,7 +216,7 @@ TEST(NewCloneFormTest, MakesAnIconLabelOfTextAndColour) {
     EXPECT_EQ(form.makeRequest().iconLabel,
               (IconLabel{
                   .text = "WORK", .colorHex = "#FFFFFF", .position = IconLabel::Position::bottom}));
-    form.iconLabelColor = QColor(255, 128, 0, 10);
+    form.iconLabelColor = "#FF8000";
     EXPECT_EQ(form.makeRequest().iconLabel->colorHex, "#FF8000");
 }
 

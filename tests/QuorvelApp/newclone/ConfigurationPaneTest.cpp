@@ -242,8 +242,8 @@ TEST_F(ConfigurationPaneTest, TheMonochromeBoxNeedsAMenuBarIcon) {
 TEST_F(ConfigurationPaneTest, ACustomIconIsChosenShownAndCleared) {
     const std::filesystem::path icon = home / "mine.icns";
     write(icon, icnsFile(std::array{icnsChunk(chatIcon(64))}));
-    panels.icon = [&](QWidget*) { return std::optional(icon); };
-    panels.dataFolder = [](QWidget*) { return std::optional<std::filesystem::path>("/Volumes/E"); };
+    panels.icon = [&](QObject*) { return std::optional(icon); };
+    panels.dataFolder = [](QObject*) { return std::optional<std::filesystem::path>("/Volumes/E"); };
     NewCloneView& sheet = openSheetWith(u"Notes"_s);
     button(u"Advanced options"_s)->click();
     EXPECT_TRUE(shown(u"Uses the app's own icon"_s));

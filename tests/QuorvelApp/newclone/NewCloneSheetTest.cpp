@@ -53,7 +53,7 @@ TEST_F(NewCloneSheetTest, ClosesBeforeItsCreationCountsAsEnded) {
 
 TEST_F(NewCloneSheetTest, EndsWhileAPanelIsOpenAndTheAnswerComesTooLate) {
     stubs.create = [&](const auto& request) { return addClone(request.displayName).bundleURL; };
-    panels.fileOrFolder = [&](QWidget*) -> std::optional<fs::path> {
+    panels.fileOrFolder = [&](QObject*) -> std::optional<fs::path> {
         stubs.tasks->release();
         EXPECT_TRUE(eventually([&] { return window->findChildren<NewCloneView*>().isEmpty(); }));
         return "/late";
@@ -137,8 +137,8 @@ TEST_F(NewCloneSheetTest, AFailureAfterTheSheetWasCancelledIsStillReported) {
 TEST_F(NewCloneSheetTest, WarnsOfACloneThatWouldBeReplaced) {
     addClone("Notes (2)");
     openSheetWith(u"Notes"_s);
-    const QString warning = u"“Notes (2)” is there already. Creating this clone replaces it; its "
-                            u"data stays."_s;
+    const QString warning = u"“Notes (2)” already exists. Creating this clone will replace it; its "
+                            u"data is kept."_s;
     EXPECT_TRUE(shown(warning));
     field(u"Name"_s)->setText(u"Notes (3)"_s);
     EXPECT_FALSE(shown(warning));
@@ -151,7 +151,7 @@ TEST_F(NewCloneSheetTest, WarnsOfACloneThatWouldBeReplaced) {
 TEST_F(NewCloneSheetTest, SaysThatWhatIsInThePlaceIsNotAClone) {
     const fs::path mine = makeAppBundle(folder / "Mine.app");
     const auto before = treeOf(mine);
-    stubs.create = AppServices::ofTheSystem().createWrapper;
+    stubs.create = AppServices::system().createWrapper;
     open();
     openSheet();
     button(u"Web App"_s)->click();

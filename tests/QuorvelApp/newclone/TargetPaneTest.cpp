@@ -137,7 +137,7 @@ TEST_F(TargetPaneTest, ANameTypedByHandStaysWhenOtherFieldsChange) {
 
 TEST_F(TargetPaneTest, PanelsFillTheirFieldsAndCancellingChangesNothing) {
     std::optional<fs::path> answer;
-    const auto panel = [&](QWidget*) { return answer; };
+    const auto panel = [&](QObject*) { return answer; };
     panels = {panel, panel, panel, panel, panel};
     open();
     NewCloneView& sheet = openSheet();

@@ -1,4 +1,4 @@
-#include "QuorvelApp/model/AutomaticNames.h"
+#include "Presentation/CloneNaming.h"
 
 #include "Base/PathText.h"
 #include "Base/Text.h"
@@ -26,15 +26,14 @@ bool isScheme(std::string_view text) {
            });
 }
 
-// What may stand in a registered name beside percent signs. Those who type an address use other
-// scripts as they are.
+// What a registered name may hold besides percent signs. Users type other scripts unencoded.
 bool isNameCharacter(char c) {
     constexpr std::string_view signs = "-._~!$&'()*+,;=";
     return isAsciiLetterOrDigit(c) || static_cast<unsigned char>(c) >= 0x80 ||
            signs.find(c) != std::string_view::npos;
 }
 
-// With percent signs decoded; nothing where the text is none that a part may hold.
+// With percent-encoding decoded; std::nullopt if the text can't be part of an address.
 std::optional<std::string> decoded(std::string_view text, std::string_view alsoAllowed = {}) {
     std::string result;
     for (std::size_t at = 0; at < text.size(); ++at) {
@@ -92,6 +91,15 @@ std::optional<std::string> hostOf(std::string_view address) {
 }
 
 } // namespace
+
+std::string suggestedName(const std::string& appName, const std::set<std::string>& taken) {
+    const auto numbered = [&](int number) { return appName + " (" + std::to_string(number) + ")"; };
+    int number = 2;
+    while (taken.contains(appName) && taken.contains(numbered(number))) {
+        ++number;
+    }
+    return numbered(number);
+}
 
 std::optional<std::string> nameForWebAddress(std::string_view address) {
     std::optional<std::string> host = hostOf(address);

@@ -1,9 +1,10 @@
-#include "QuorvelApp/widgets/FilePanels.h"
+#include "QuorvelApp/widgets/SystemFilePanels.h"
 
 #include "Platform/desktop/FileOrFolderPanel.h"
 
 #include <QAbstractButton>
 #include <QAbstractItemView>
+#include <QCoreApplication>
 #include <QDialogButtonBox>
 #include <QEvent>
 #include <QFileDialog>
@@ -15,8 +16,10 @@ namespace {
 
 using namespace Qt::StringLiterals;
 
-// Its button reads the same whatever is selected; Qt's own would offer to open a folder.
+// Its button always reads the same; Qt's own would offer to open a selected folder.
 class PromptingDialog : public QFileDialog {
+    Q_DECLARE_TR_FUNCTIONS(PromptingDialog)
+
 public:
     PromptingDialog(QWidget* over, const QString& prompt) : QFileDialog(over), prompt_(prompt) {
         setWindowTitle(prompt);
@@ -54,8 +57,8 @@ private:
     QString prompt_;
 };
 
-// Qt's dialogs give either files or folders. This one, which shows both, also takes a folder that
-// is selected in its list; a double click still opens the folder.
+// Qt's dialogs return either files or folders. This one, which shows both, also accepts a folder
+// that is selected in its list; a double click still opens the folder.
 class FileOrFolderDialog final : public PromptingDialog {
 public:
     using PromptingDialog::PromptingDialog;
@@ -91,15 +94,23 @@ private:
     QString folder_{};
 };
 
+QString choose() {
+    return PromptingDialog::tr("Choose");
+}
+
 std::optional<std::filesystem::path> pathOf(const QString& text) {
     return text.isEmpty() ? std::nullopt : std::optional(std::filesystem::path(text.toStdString()));
 }
 
-std::optional<std::filesystem::path> chooseFileOrFolder(QWidget* over) {
+QWidget* widgetOf(QObject* window) {
+    return qobject_cast<QWidget*>(window);
+}
+
+std::optional<std::filesystem::path> chooseFileOrFolder(QObject* window) {
     if (const FileOrFolderPanel panel = systemFileOrFolderPanel()) {
-        return panel(QObject::tr("Choose").toStdString());
+        return panel(choose().toStdString());
     }
-    FileOrFolderDialog dialog(over, QObject::tr("Choose"));
+    FileOrFolderDialog dialog(widgetOf(window), choose());
     dialog.setOption(QFileDialog::DontUseNativeDialog);
     dialog.setFileMode(QFileDialog::ExistingFile);
     return dialog.exec() == QDialog::Accepted ? pathOf(dialog.chosen()) : std::nullopt;
@@ -107,8 +118,8 @@ std::optional<std::filesystem::path> chooseFileOrFolder(QWidget* over) {
 
 FilePanels::Panel panel(QFileDialog::FileMode mode, bool mayCreate, const QString& prompt,
                         const QString& filter = {}) {
-    return [=](QWidget* over) -> std::optional<std::filesystem::path> {
-        PromptingDialog dialog(over, prompt);
+    return [=](QObject* window) -> std::optional<std::filesystem::path> {
+        PromptingDialog dialog(widgetOf(window), prompt);
         dialog.setFileMode(mode);
         dialog.setOption(QFileDialog::ShowDirsOnly, mode == QFileDialog::Directory);
         dialog.setOption(QFileDialog::ReadOnly, !mayCreate);
@@ -123,18 +134,17 @@ FilePanels::Panel panel(QFileDialog::FileMode mode, bool mayCreate, const QStrin
 } // namespace
 
 void keepNoDialogState() {
-    // No folder can be made below what is no folder.
+    // No folder can be made below what is not a folder.
     QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, u"/dev/null"_s);
 }
 
-FilePanels FilePanels::ofTheSystem() {
-    const QString choose = QObject::tr("Choose");
+FilePanels systemFilePanels() {
     return {.fileOrFolder = chooseFileOrFolder,
-            .file = panel(QFileDialog::ExistingFile, false, choose),
-            .folder = panel(QFileDialog::Directory, false, choose),
-            .dataFolder = panel(QFileDialog::Directory, true, choose),
-            .icon = panel(QFileDialog::ExistingFile, false, QObject::tr("Use Icon"),
-                          QObject::tr("Icons (*.icns)"))};
+            .file = panel(QFileDialog::ExistingFile, false, choose()),
+            .folder = panel(QFileDialog::Directory, false, choose()),
+            .dataFolder = panel(QFileDialog::Directory, true, choose()),
+            .icon = panel(QFileDialog::ExistingFile, false, PromptingDialog::tr("Use Icon"),
+                          PromptingDialog::tr("Icons (*.icns)"))};
 }
 
 } // namespace quorvel

@@ -1,4 +1,4 @@
-#include "QuorvelApp/model/ShownText.h"
+#include "QuorvelApp/model/DisplayText.h"
 
 #include "Base/UnsafeText.h"
 #include "QuorvelApp/model/QtText.h"
@@ -23,7 +23,7 @@ bool isLineBreak(char32_t scalar) {
 
 // The beginning of `text`, of at most `limit` UTF-16 units before the "…".
 QString beginning(std::string_view text, qsizetype limit) {
-    // No unit takes more than three bytes, so that a cut last character lies beyond the limit.
+    // No unit takes more than three bytes, so a truncated last character is beyond the limit.
     const auto enough = static_cast<std::size_t>(3 * (limit + 2));
     const QString start = qtText(text.substr(0, enough));
     if (start.size() <= limit) {
@@ -80,12 +80,12 @@ QString brokenWord(const QString& word) {
 
 } // namespace
 
-QString shownText(std::string_view text) {
-    return harmless(beginning(text, longestShownText), u'\n');
+QString displayText(std::string_view text) {
+    return harmless(beginning(text, longestDisplayText), u'\n');
 }
 
-QString shownLine(std::string_view text) {
-    return harmless(beginning(text, longestShownLine), u' ');
+QString displayLine(std::string_view text) {
+    return harmless(beginning(text, longestDisplayLine), u' ');
 }
 
 QString breakable(const QString& text) {

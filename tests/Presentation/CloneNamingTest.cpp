@@ -1,4 +1,4 @@
-#include "QuorvelApp/model/AutomaticNames.h"
+#include "Presentation/CloneNaming.h"
 
 #include <gtest/gtest.h>
 
@@ -10,7 +10,7 @@ struct Row {
     const char* name;
 };
 
-TEST(AutomaticNamesTest, AHostIsWhatTheStandardCallsOne) {
+TEST(CloneNamingTest, AHostIsWhatTheStandardCallsOne) {
     for (const Row& row :
          {Row{"example.com:99999", "Example.Com"}, Row{"example.com:", "Example.Com"},
           Row{"a..b", "A..B"}, Row{"https://a%41.c", "Aa.C"},
@@ -24,7 +24,7 @@ TEST(AutomaticNamesTest, AHostIsWhatTheStandardCallsOne) {
     }
 }
 
-TEST(AutomaticNamesTest, WhatIsNotAHostNamesNothing) {
+TEST(CloneNamingTest, WhatIsNotAHostNamesNothing) {
     for (const char* typed :
          {"",     " ",      "a b",  "https://", "https:///x", "https://:80", "https://user@", "a:b",
           "a:8x", "1s://a", "://a", "a%4",      "a%zz",       "a%FF",        "a\\b",          "a<b",
@@ -34,16 +34,26 @@ TEST(AutomaticNamesTest, WhatIsNotAHostNamesNothing) {
     EXPECT_EQ(nameForWebAddress("www."), "");
 }
 
-TEST(AutomaticNamesTest, ACommandIsNamedAfterItsLastComponent) {
+TEST(CloneNamingTest, ACommandIsNamedAfterItsLastComponent) {
     EXPECT_EQ(nameForCommand("/usr/local/bin/my-tool"), "My-Tool");
     EXPECT_EQ(nameForCommand("h2o"), "H2O");
     EXPECT_EQ(nameForCommand("/opt/o'neil's/it's//"), "It's");
 }
 
-TEST(AutomaticNamesTest, TheRootNamesNothing) {
+TEST(CloneNamingTest, TheRootNamesNothing) {
     EXPECT_EQ(nameForCommand("/"), std::nullopt);
     EXPECT_EQ(nameForCommand("//"), std::nullopt);
     EXPECT_EQ(nameForCommand(""), std::nullopt);
+}
+
+TEST(CloneNamingTest, TheFirstNumberIsSuggestedUncheckedWhileTheNameItselfIsFree) {
+    EXPECT_EQ(suggestedName("Notes", {}), "Notes (2)");
+    EXPECT_EQ(suggestedName("Notes", {"Notes (2)", "Mail"}), "Notes (2)");
+}
+
+TEST(CloneNamingTest, TheFirstFreeNumberIsSuggestedOnceTheNameIsTaken) {
+    EXPECT_EQ(suggestedName("Notes", {"Notes"}), "Notes (2)");
+    EXPECT_EQ(suggestedName("Notes", {"Notes", "Notes (2)", "Notes (4)"}), "Notes (3)");
 }
 
 } // namespace

@@ -1,11 +1,12 @@
+#include "QuorvelApp/widgets/IconImage.h"
+
 #include "LaunchKit/AppCatalog.h"
 #include "LaunchKit/Icons/IconImage.h"
-#include "QuorvelApp/widgets/IconLoader.h"
 
 namespace quorvel {
 namespace {
 
-// The file that holds a bundle's picture, or the path itself where it is no bundle.
+// The file that holds a bundle's picture, or the path itself if it is not a bundle.
 std::filesystem::path iconFileOf(const std::filesystem::path& path) {
     return path.extension() == ".app"
                ? InstalledApp{.url = path}.iconURL().value_or(std::filesystem::path())

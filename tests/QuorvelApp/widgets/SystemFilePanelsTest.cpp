@@ -20,9 +20,9 @@ namespace fs = std::filesystem;
 using namespace Qt::StringLiterals;
 
 /// The real panels, each inspected and answered when it appears.
-class FilePanelsTest : public ::testing::Test {
+class SystemFilePanelsTest : public ::testing::Test {
 protected:
-    FilePanelsTest() {
+    SystemFilePanelsTest() {
         write(folder / "file.txt", "x");
         fs::create_directories(folder / "inside");
     }
@@ -81,10 +81,10 @@ protected:
     }
 
     TemporaryFolder folder;
-    FilePanels panels = FilePanels::ofTheSystem();
+    FilePanels panels = systemFilePanels();
 };
 
-TEST_F(FilePanelsTest, HaveTheirTextsWhateverIsSelected) {
+TEST_F(SystemFilePanelsTest, HaveTheirTextsWhateverIsSelected) {
     struct Case {
         const FilePanels::Panel& panel;
         QString prompt;
@@ -106,7 +106,7 @@ TEST_F(FilePanelsTest, HaveTheirTextsWhateverIsSelected) {
     }
 }
 
-TEST_F(FilePanelsTest, TakeFilesFoldersOrBoth) {
+TEST_F(SystemFilePanelsTest, TakeFilesFoldersOrBoth) {
     const auto choosing = [&](const QString& name) {
         return [this, name](QFileDialog& dialog) {
             selectItem(dialog, name);
@@ -121,7 +121,7 @@ TEST_F(FilePanelsTest, TakeFilesFoldersOrBoth) {
     EXPECT_EQ(use(panels.dataFolder, choosing(u"inside"_s)), folder / "inside");
 }
 
-TEST_F(FilePanelsTest, OffersToMakeAFolderOnlyForData) {
+TEST_F(SystemFilePanelsTest, OffersToMakeAFolderOnlyForData) {
     const auto mayMake = [&](const FilePanels::Panel& panel) {
         bool may = false;
         use(panel, [&](QFileDialog& dialog) {
@@ -135,14 +135,14 @@ TEST_F(FilePanelsTest, OffersToMakeAFolderOnlyForData) {
     EXPECT_FALSE(mayMake(panels.folder));
 }
 
-TEST_F(FilePanelsTest, ShowsIconFilesAloneWhereAnIconIsChosen) {
+TEST_F(SystemFilePanelsTest, ShowsIconFilesAloneWhereAnIconIsChosen) {
     use(panels.icon, [](QFileDialog& dialog) {
         EXPECT_EQ(dialog.nameFilters(), QStringList(u"Icons (*.icns)"_s));
         EXPECT_EQ(dialog.fileMode(), QFileDialog::ExistingFile);
     });
 }
 
-TEST_F(FilePanelsTest, WriteNoSettings) {
+TEST_F(SystemFilePanelsTest, WriteNoSettings) {
     use(panels.file, [](QFileDialog&) {});
     QSettings remembered(QSettings::UserScope, u"QtProject"_s);
     remembered.setValue(u"FileDialog/lastVisited"_s, u"x"_s);
@@ -152,10 +152,10 @@ TEST_F(FilePanelsTest, WriteNoSettings) {
 }
 
 /// The icon of a new clone.
-class FilePanelsTestIconChoice : public WindowTest {
+class SystemFilePanelsTestIconChoice : public WindowTest {
 protected:
-    FilePanelsTestIconChoice() {
-        panels.icon = [this](QWidget*) { return std::optional(answer); };
+    SystemFilePanelsTestIconChoice() {
+        panels.icon = [this](QObject*) { return std::optional(answer); };
         write(good, icnsFile(std::array{icnsChunk(chatIcon(64))}));
     }
 
@@ -174,7 +174,7 @@ protected:
     fs::path answer{};
 };
 
-TEST_F(FilePanelsTestIconChoice, CountsAtOnceSoThatCreateTakesIt) {
+TEST_F(SystemFilePanelsTestIconChoice, CountsAtOnceSoThatCreateTakesIt) {
     std::optional<fs::path> used;
     stubs.create = [&](const WrapperFactory::Request& request) {
         used = request.customIcon;
@@ -192,7 +192,7 @@ TEST_F(FilePanelsTestIconChoice, CountsAtOnceSoThatCreateTakesIt) {
     EXPECT_FALSE(stubs.model().lastError());
 }
 
-TEST_F(FilePanelsTestIconChoice, IsRefusedUnlessItIsAnIconFileAndTheChoiceBeforeReturns) {
+TEST_F(SystemFilePanelsTestIconChoice, IsRefusedUnlessItIsAnIconFileAndTheChoiceBeforeReturns) {
     const fs::path script = home / "script.sh";
     write(script, "#!/bin/sh\nexit 0\n");
     const fs::path damaged = home / "damaged.icns";
@@ -220,7 +220,7 @@ TEST_F(FilePanelsTestIconChoice, IsRefusedUnlessItIsAnIconFileAndTheChoiceBefore
     }
 }
 
-TEST_F(FilePanelsTestIconChoice, ARefusalThatComesAfterTheNextChoiceIsDropped) {
+TEST_F(SystemFilePanelsTestIconChoice, ARefusalThatComesAfterTheNextChoiceIsDropped) {
     const fs::path bad = home / "bad.icns";
     write(bad, "no icon");
     openSheetWith(u"Notes"_s);
@@ -233,7 +233,7 @@ TEST_F(FilePanelsTestIconChoice, ARefusalThatComesAfterTheNextChoiceIsDropped) {
                             std::chrono::milliseconds(200)));
 }
 
-TEST_F(FilePanelsTestIconChoice, AnotherAppBeginsWithoutOneAndReturnsToNone) {
+TEST_F(SystemFilePanelsTestIconChoice, AnotherAppBeginsWithoutOneAndReturnsToNone) {
     const fs::path bad = home / "bad.icns";
     write(bad, "no icon");
     openSheetWith(u"Notes"_s);
