@@ -1,5 +1,6 @@
 #include "Platform/files/UserPaths.h"
 
+#include "Platform/files/HomeOrder.h"
 #include "tests/support/TemporaryHome.h"
 
 #include <gtest/gtest.h>
@@ -16,10 +17,19 @@ TEST(UserPathsTest, TheFixedHomeComesBeforeTheUserDatabase) {
     EXPECT_EQ(UserPaths::home(), home.path());
 }
 
-TEST(UserPathsTest, TheUserDatabaseComesBeforeTheHomeVariable) {
+TEST(UserPathsTest, TheHomeVariableComesBeforeTheUserDatabaseWhereShellsBelieveIt) {
     const ScopedEnvironment fixed("CFFIXED_USER_HOME", "");
-    const ScopedEnvironment variable("HOME", "/somewhere/else");
-    EXPECT_EQ(UserPaths::home(), getpwuid(getuid())->pw_dir);
+    const ScopedEnvironment variable("HOME", "/somewhere/else/");
+    EXPECT_EQ(UserPaths::home(),
+              homeVariableComesFirst() ? "/somewhere/else" : getpwuid(getuid())->pw_dir);
+}
+
+TEST(UserPathsTest, ARelativeOrEmptyHomeVariableIsNotBelieved) {
+    const ScopedEnvironment fixed("CFFIXED_USER_HOME", "");
+    for (const char* odd : {"", "relative", "~"}) {
+        const ScopedEnvironment variable("HOME", odd);
+        EXPECT_EQ(UserPaths::home(), getpwuid(getuid())->pw_dir) << odd;
+    }
 }
 
 TEST(UserPathsTest, ATrailingSlashOfTheHomeIsRemoved) {
@@ -30,6 +40,7 @@ TEST(UserPathsTest, ATrailingSlashOfTheHomeIsRemoved) {
 
 TEST(UserPathsTest, ARelativeFixedHomeIsIgnored) {
     const ScopedEnvironment fixed("CFFIXED_USER_HOME", "relative");
+    const ScopedEnvironment variable("HOME", "");
     EXPECT_EQ(UserPaths::home(), getpwuid(getuid())->pw_dir);
 }
 
