@@ -1,5 +1,5 @@
-#include "Platform/files/FileHandle.h"
 #include "LaunchKit/InstanceLauncher.h"
+#include "Platform/files/FileHandle.h"
 
 #include "Platform/files/FileSystem.h"
 #include "tests/support/EveryStep.h"
