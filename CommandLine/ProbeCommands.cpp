@@ -18,23 +18,23 @@ namespace quorvel {
 namespace {
 
 template<typename Item>
-void print(const Surroundings& with, const std::vector<Item>& items, bool json) {
+void print(const CommandContext& context, const std::vector<Item>& items, bool json) {
     if (!json) {
-        with.output << listing(items);
+        context.output << listing(items);
         return;
     }
     nlohmann::json array = nlohmann::json::array();
     for (const Item& item : items) {
         array.push_back(jsonForm(item));
     }
-    with.output << document(array);
+    context.output << document(array);
 }
 
-AppProber makeProber(const Surroundings& with, const std::string& app, const ProbeOptions& options,
-                     const EntitlementReader& entitlements) {
+AppProber makeProber(const CommandContext& context, const std::string& app,
+                     const ProbeOptions& options, const EntitlementReader& entitlements) {
     AppProber::Surroundings surroundings;
     // The workspace belongs to the caller, who keeps it longer than the prober lives.
-    surroundings.workspace = {std::shared_ptr<void>(), &with.workspace};
+    surroundings.workspace = {std::shared_ptr<void>(), &context.workspace};
     surroundings.entitlements = entitlements;
     if (options.realLibrary) {
         surroundings.realLibrary = absoluteFile(*options.realLibrary).string();
@@ -63,20 +63,21 @@ private:
     std::vector<TrialProcess> trials_{};
 };
 
-ProbeResult runWithBar(const Surroundings& with, AppProber& prober, InterruptFlag& interruption) {
+ProbeResult runWithBar(const CommandContext& context, AppProber& prober,
+                       InterruptFlag& interruption) {
     TrialProcesses processes;
     AppProber::Control control;
     control.cancelled = &interruption.flag();
     control.release = [&](TrialProcess trial) { processes.take(std::move(trial)); };
-    const bool hasBar = with.outputIsTerminal;
+    const bool hasBar = context.outputIsTerminal;
     if (hasBar) {
         control.progress = [&](double fraction) {
-            with.errors << progressBar(fraction) << std::flush;
+            context.errors << progressBar(fraction) << std::flush;
         };
     }
     const auto removeBar = [&] {
         if (hasBar) {
-            with.errors << noProgressBar() << std::flush;
+            context.errors << noProgressBar() << std::flush;
         }
     };
     try {
@@ -91,35 +92,36 @@ ProbeResult runWithBar(const Surroundings& with, AppProber& prober, InterruptFla
 
 } // namespace
 
-void appsCommand(const Surroundings& with, const std::vector<std::string>& searchDirs, bool json,
-                 const EntitlementReader& entitlements) {
+void appsCommand(const CommandContext& context, const std::vector<std::string>& searchDirs,
+                 bool json, const EntitlementReader& entitlements) {
     std::vector<std::filesystem::path> dirs;
     std::transform(searchDirs.begin(), searchDirs.end(), std::back_inserter(dirs), absoluteFile);
-    print(with,
+    print(context,
           AppCatalog::scan(dirs.empty() ? AppCatalog::defaultSearchDirs() : dirs, entitlements),
           json);
 }
 
-void runningCommand(const Surroundings& with, const std::optional<std::string>& bundleId,
+void runningCommand(const CommandContext& context, const std::optional<std::string>& bundleId,
                     bool json) {
-    const RunningApplications running = with.workspace.runningApplications();
-    print(with, bundleId ? running.withBundleIdentifier(*bundleId) : running.all(), json);
+    const RunningApplications running = context.workspace.runningApplications();
+    print(context, bundleId ? running.withBundleIdentifier(*bundleId) : running.all(), json);
 }
 
-void probeCommand(const Surroundings& with, const std::string& app, const ProbeOptions& options,
-                  bool json, const EntitlementReader& entitlements) {
-    AppProber prober = makeProber(with, app, options, entitlements);
+void probeCommand(const CommandContext& context, const std::string& app,
+                  const ProbeOptions& options, bool json, const EntitlementReader& entitlements) {
+    AppProber prober = makeProber(context, app, options, entitlements);
     InterruptFlag interruption;
     ProbeResult result;
     try {
-        result = runWithBar(with, prober, interruption);
+        result = runWithBar(context, prober, interruption);
     } catch (const ProbeCancelled&) {
         interruption.deliver();
         throw;
     }
     const AppProfile profile = ProfileGenerator::makeProfile(
-        prober.bundle(), result, operatingSystemSignature(with.workspace.operatingSystemVersion()));
-    with.output << (json ? document(jsonForm(profile, result)) : description(profile, result));
+        prober.bundle(), result,
+        operatingSystemSignature(context.workspace.operatingSystemVersion()));
+    context.output << (json ? document(jsonForm(profile, result)) : description(profile, result));
 }
 
 } // namespace quorvel

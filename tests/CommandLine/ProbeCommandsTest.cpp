@@ -33,7 +33,7 @@ struct Session {
     std::istringstream input{};
     std::ostringstream output{};
     std::ostringstream errors{};
-    Surroundings with;
+    CommandContext context;
 
     [[nodiscard]] Json json() const { return Json::parse(output.str()); }
 };
