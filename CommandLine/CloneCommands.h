@@ -1,7 +1,7 @@
 #pragma once
 
+#include "CommandLine/CommandContext.h"
 #include "CommandLine/CreateOptions.h"
-#include "CommandLine/Surroundings.h"
 
 #include <string>
 #include <vector>
@@ -10,10 +10,11 @@
 /// `CommandError`, `UsageError` or the error of the room below.
 namespace quorvel {
 
-void inspectCommand(const Surroundings& with, const std::string& app, bool json);
-void listCommand(const Surroundings& with, const std::vector<std::string>& searchDirs, bool json);
-void showCommand(const Surroundings& with, const std::string& clone, bool json);
-void createCommand(const Surroundings& with, const CreateOptions& options, bool json);
-void openCommand(const Surroundings& with, const std::string& clone, bool json);
+void inspectCommand(const CommandContext& context, const std::string& app, bool json);
+void listCommand(const CommandContext& context, const std::vector<std::string>& searchDirs,
+                 bool json);
+void showCommand(const CommandContext& context, const std::string& clone, bool json);
+void createCommand(const CommandContext& context, const CreateOptions& options, bool json);
+void openCommand(const CommandContext& context, const std::string& clone, bool json);
 
 } // namespace quorvel

@@ -1,7 +1,7 @@
 #include "CommandLine/CloneLookup.h"
 
 #include "Base/PathText.h"
-#include "CommandLine/Surroundings.h"
+#include "CommandLine/CommandContext.h"
 #include "LaunchKit/WrapperLayout.h"
 #include "Platform/files/FileSystem.h"
 #include "Platform/files/UserPaths.h"

@@ -132,41 +132,43 @@ void addProbeOptions(CLI::App& probe, ProbeOptions& o) {
 }
 
 // The commands about applications that are no clones.
-void addAppCommands(CLI::App& program, Words& words, Command& chosen, const Surroundings& with) {
+void addAppCommands(CLI::App& program, Words& words, Command& chosen,
+                    const CommandContext& context) {
     addAppOperand(addCommand(program, "inspect", "Show the facts about an application", words,
-                             chosen, [&] { inspectCommand(with, words.operand, words.json); }),
+                             chosen, [&] { inspectCommand(context, words.operand, words.json); }),
                   words);
     addRepeatable(addCommand(program, "apps", "List the installed applications", words, chosen,
-                             [&] { appsCommand(with, words.searchDirs, words.json); }),
+                             [&] { appsCommand(context, words.searchDirs, words.json); }),
                   "--search-dir", words.searchDirs,
                   "A folder to look in instead of the usual ones (repeatable)", "DIR");
     CLI::App& probe = addCommand(
         program, "probe", "Try an application out, and recommend how to isolate it", words, chosen,
-        [&] { probeCommand(with, words.operand, words.probe, words.json); });
+        [&] { probeCommand(context, words.operand, words.probe, words.json); });
     addAppOperand(probe, words);
     addProbeOptions(probe, words.probe);
     addCommand(program, "running", "List the running applications", words, chosen,
-               [&] { runningCommand(with, words.bundleId, words.json); })
+               [&] { runningCommand(context, words.bundleId, words.json); })
         .add_option("BUNDLE-ID", words.bundleId, "Only those with this identifier")
         ->type_name("");
 }
 
-void addCloneCommands(CLI::App& program, Words& words, Command& chosen, const Surroundings& with) {
+void addCloneCommands(CLI::App& program, Words& words, Command& chosen,
+                      const CommandContext& context) {
     addRepeatable(addCommand(program, "list", "List the clones", words, chosen,
-                             [&] { listCommand(with, words.searchDirs, words.json); }),
+                             [&] { listCommand(context, words.searchDirs, words.json); }),
                   "--search-dir", words.searchDirs,
                   "A folder to look in instead of ~/Applications (repeatable)", "DIR");
     addCloneOperand(addCommand(program, "show", "Show one clone", words, chosen,
-                               [&] { showCommand(with, words.operand, words.json); }),
+                               [&] { showCommand(context, words.operand, words.json); }),
                     words);
     addCreateOptions(addCommand(program, "create", "Make a clone and print its path", words, chosen,
-                                [&] { createCommand(with, words.create, words.json); }),
+                                [&] { createCommand(context, words.create, words.json); }),
                      words.create);
     addCloneOperand(addCommand(program, "open", "Open a clone", words, chosen,
-                               [&] { openCommand(with, words.operand, words.json); }),
+                               [&] { openCommand(context, words.operand, words.json); }),
                     words);
     CLI::App& remove = addCommand(program, "delete", "Delete a clone", words, chosen, [&] {
-        deleteCommand(with, words.operand, words.remove, words.json);
+        deleteCommand(context, words.operand, words.remove, words.json);
     });
     addCloneOperand(remove, words);
     remove.add_flag("--including-data", words.remove.includingData, "Delete its data folder too");
@@ -175,10 +177,10 @@ void addCloneCommands(CLI::App& program, Words& words, Command& chosen, const Su
                                "Move a clone's own Downloads, Documents and Desktop files into "
                                "the user's folders, and share these from now on",
                                words, chosen,
-                               [&] { migrateCommand(with, words.operand, words.json); }),
+                               [&] { migrateCommand(context, words.operand, words.json); }),
                     words);
     addIconOptions(addCommand(program, "icon", "Draw a text onto an icon", words, chosen,
-                              [&] { iconCommand(with, words.icon, words.json); }),
+                              [&] { iconCommand(context, words.icon, words.json); }),
                    words.icon);
 }
 
@@ -188,8 +190,8 @@ std::string usage(const CLI::App& program) {
     return chosen.empty() ? program.help() : chosen.front()->help(program.get_name());
 }
 
-int showUsage(const CLI::App& program, const Surroundings& with, const std::string& message) {
-    with.errors << terminalText(message) << "\n\n" << usage(program);
+int showUsage(const CLI::App& program, const CommandContext& context, const std::string& message) {
+    context.errors << terminalText(message) << "\n\n" << usage(program);
     return 2;
 }
 
@@ -232,14 +234,14 @@ std::vector<std::string> withEmptyValues(const CLI::App& program,
 
 } // namespace
 
-int runCommandLine(const std::vector<std::string>& arguments, const Surroundings& with) {
+int runCommandLine(const std::vector<std::string>& arguments, const CommandContext& context) {
     CLI::App program("Makes isolated copies of applications, and shortcuts.", "quorvelctl");
     program.set_version_flag("--version", "quorvelctl " QUORVEL_VERSION);
     program.require_subcommand(1);
     Words words;
     Command chosen;
-    addAppCommands(program, words, chosen, with);
-    addCloneCommands(program, words, chosen, with);
+    addAppCommands(program, words, chosen, context);
+    addCloneCommands(program, words, chosen, context);
     try {
         std::vector<std::string> reversed = withEmptyValues(program, arguments);
         std::reverse(reversed.begin(), reversed.end());
@@ -247,17 +249,17 @@ int runCommandLine(const std::vector<std::string>& arguments, const Surroundings
         chosen();
         return 0;
     } catch (const CLI::CallForHelp&) {
-        with.output << usage(program);
+        context.output << usage(program);
         return 0;
     } catch (const CLI::CallForVersion&) {
-        with.output << program.version() << "\n";
+        context.output << program.version() << "\n";
         return 0;
     } catch (const CLI::ParseError& error) {
-        return showUsage(program, with, error.what());
+        return showUsage(program, context, error.what());
     } catch (const UsageError& error) {
-        return showUsage(program, with, error.what());
+        return showUsage(program, context, error.what());
     } catch (const std::exception& error) {
-        with.errors << terminalText(error.what()) << "\n";
+        context.errors << terminalText(error.what()) << "\n";
         return 1;
     }
 }

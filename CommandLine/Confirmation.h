@@ -1,6 +1,6 @@
 #pragma once
 
-#include "CommandLine/Surroundings.h"
+#include "CommandLine/CommandContext.h"
 
 #include <string>
 
@@ -8,6 +8,6 @@ namespace quorvel {
 
 /// Asks on the error stream, made safe for a terminal, and reads a line. Returns true for "y", "Y"
 /// and "yes" only.
-[[nodiscard]] bool confirmed(const Surroundings& with, const std::string& question);
+[[nodiscard]] bool confirmed(const CommandContext& context, const std::string& question);
 
 } // namespace quorvel

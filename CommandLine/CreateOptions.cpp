@@ -1,7 +1,7 @@
 #include "CommandLine/CreateOptions.h"
 
 #include "CommandLine/CloneLookup.h"
-#include "CommandLine/Surroundings.h"
+#include "CommandLine/CommandContext.h"
 #include "LaunchKit/RequestCheck.h"
 
 namespace quorvel {

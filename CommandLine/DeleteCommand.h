@@ -1,6 +1,6 @@
 #pragma once
 
-#include "CommandLine/Surroundings.h"
+#include "CommandLine/CommandContext.h"
 
 #include <string>
 
@@ -13,7 +13,7 @@ struct DeleteOptions {
 
 /// Deletes a clone, after asking. Throws `CommandError` if the answer was no or not everything
 /// could be deleted, `UsageError` if nobody can be asked, or the registry's error.
-void deleteCommand(const Surroundings& with, const std::string& clone, const DeleteOptions& options,
-                   bool json);
+void deleteCommand(const CommandContext& context, const std::string& clone,
+                   const DeleteOptions& options, bool json);
 
 } // namespace quorvel

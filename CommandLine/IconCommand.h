@@ -1,6 +1,6 @@
 #pragma once
 
-#include "CommandLine/Surroundings.h"
+#include "CommandLine/CommandContext.h"
 #include "LaunchKit/Icons/IcnsFile.h"
 
 #include <string>
@@ -21,7 +21,7 @@ struct IconOptions {
 /// Prints the entries of the container `source`, or draws the label onto it and prints the path of
 /// the written file. Throws `UsageError` (no output file, an unknown position), `CommandError` (not
 /// an icon container) or `IconComposer::ComposeError`.
-void iconCommand(const Surroundings& with, const IconOptions& options, bool json);
+void iconCommand(const CommandContext& context, const IconOptions& options, bool json);
 
 /// Returns one line per entry: type, encoding and size in pixels.
 [[nodiscard]] std::string listing(const std::vector<IcnsEntry>& entries);

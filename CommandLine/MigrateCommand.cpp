@@ -35,19 +35,19 @@ std::string movedLines(const InstanceLauncher::Migration& migration) {
 
 } // namespace
 
-void migrateCommand(const Surroundings& with, const std::string& clone, bool json) {
-    const InstanceRecord record = findClone(with.registry, clone);
+void migrateCommand(const CommandContext& context, const std::string& clone, bool json) {
+    const InstanceRecord record = findClone(context.registry, clone);
     requireUnusedHome(record.config);
     const InstanceLauncher::Migration migration =
         InstanceLauncher::migrateSharedUserFolders(record.config.resolvedHome());
     const bool complete = migration.unmoved.empty();
     if (complete) {
-        with.registry.shareUserFolders(record);
+        context.registry.shareUserFolders(record);
     }
-    with.output << (json ? document(jsonForm(migration)) : movedLines(migration)) << std::flush;
+    context.output << (json ? document(jsonForm(migration)) : movedLines(migration)) << std::flush;
     if (!complete) {
         for (const InstanceLauncher::UnmovedItem& item : migration.unmoved) {
-            with.errors << terminalText(item.reason) << "\n";
+            context.errors << terminalText(item.reason) << "\n";
         }
         throw CommandError("Not everything was moved; the rest is still in " +
                            record.config.resolvedHome() + ".");

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "CommandLine/Surroundings.h"
+#include "CommandLine/CommandContext.h"
 
 #include <string>
 
@@ -9,6 +9,6 @@ namespace quorvel {
 /// Moves what a clone keeps in its own Downloads, Documents and Desktop into the user's, and lets
 /// it share those if nothing had to stay. Prints what was moved, then throws `CommandError` if
 /// something stayed, or the registry's error.
-void migrateCommand(const Surroundings& with, const std::string& clone, bool json);
+void migrateCommand(const CommandContext& context, const std::string& clone, bool json);
 
 } // namespace quorvel

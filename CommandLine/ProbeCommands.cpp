@@ -18,23 +18,23 @@ namespace quorvel {
 namespace {
 
 template<typename Item>
-void print(const Surroundings& with, const std::vector<Item>& items, bool json) {
+void print(const CommandContext& context, const std::vector<Item>& items, bool json) {
     if (!json) {
-        with.output << listing(items);
+        context.output << listing(items);
         return;
     }
     nlohmann::json array = nlohmann::json::array();
     for (const Item& item : items) {
         array.push_back(jsonForm(item));
     }
-    with.output << document(array);
+    context.output << document(array);
 }
 
-AppProber makeProber(const Surroundings& with, const std::string& app, const ProbeOptions& options,
-                     const EntitlementReader& entitlements) {
+AppProber makeProber(const CommandContext& context, const std::string& app,
+                     const ProbeOptions& options, const EntitlementReader& entitlements) {
     AppProber::Dependencies dependencies;
     // The workspace belongs to the caller, who keeps it longer than the prober lives.
-    dependencies.workspace = {std::shared_ptr<void>(), &with.workspace};
+    dependencies.workspace = {std::shared_ptr<void>(), &context.workspace};
     dependencies.entitlements = entitlements;
     if (options.realLibrary) {
         dependencies.realLibrary = absoluteFile(*options.realLibrary).string();
@@ -68,20 +68,20 @@ AppProber::Options trialOptions(const ProbeOptions& options) {
     return trial;
 }
 
-ProbeResult runWithBar(const Surroundings& with, const AppProber& prober,
+ProbeResult runWithBar(const CommandContext& context, const AppProber& prober,
                        AppProber::Options options, InterruptFlag& interruption) {
     TrialProcesses processes;
     options.cancelled = &interruption.flag();
     options.release = [&](TrialProcess trial) { processes.take(std::move(trial)); };
-    const bool hasBar = with.outputIsTerminal;
+    const bool hasBar = context.outputIsTerminal;
     if (hasBar) {
         options.progress = [&](double fraction) {
-            with.errors << progressBar(fraction) << std::flush;
+            context.errors << progressBar(fraction) << std::flush;
         };
     }
     const auto removeBar = [&] {
         if (hasBar) {
-            with.errors << noProgressBar() << std::flush;
+            context.errors << noProgressBar() << std::flush;
         }
     };
     try {
@@ -96,35 +96,36 @@ ProbeResult runWithBar(const Surroundings& with, const AppProber& prober,
 
 } // namespace
 
-void appsCommand(const Surroundings& with, const std::vector<std::string>& searchDirs, bool json,
-                 const EntitlementReader& entitlements) {
+void appsCommand(const CommandContext& context, const std::vector<std::string>& searchDirs,
+                 bool json, const EntitlementReader& entitlements) {
     std::vector<std::filesystem::path> dirs;
     std::transform(searchDirs.begin(), searchDirs.end(), std::back_inserter(dirs), absoluteFile);
-    print(with,
+    print(context,
           AppCatalog::scan(dirs.empty() ? AppCatalog::defaultSearchDirs() : dirs, entitlements),
           json);
 }
 
-void runningCommand(const Surroundings& with, const std::optional<std::string>& bundleId,
+void runningCommand(const CommandContext& context, const std::optional<std::string>& bundleId,
                     bool json) {
-    const RunningApplications running = with.workspace.runningApplications();
-    print(with, bundleId ? running.withBundleIdentifier(*bundleId) : running.all(), json);
+    const RunningApplications running = context.workspace.runningApplications();
+    print(context, bundleId ? running.withBundleIdentifier(*bundleId) : running.all(), json);
 }
 
-void probeCommand(const Surroundings& with, const std::string& app, const ProbeOptions& options,
-                  bool json, const EntitlementReader& entitlements) {
-    const AppProber prober = makeProber(with, app, options, entitlements);
+void probeCommand(const CommandContext& context, const std::string& app,
+                  const ProbeOptions& options, bool json, const EntitlementReader& entitlements) {
+    const AppProber prober = makeProber(context, app, options, entitlements);
     InterruptFlag interruption;
     ProbeResult result;
     try {
-        result = runWithBar(with, prober, trialOptions(options), interruption);
+        result = runWithBar(context, prober, trialOptions(options), interruption);
     } catch (const ProbeCancelled&) {
         interruption.deliver();
         throw;
     }
     const AppProfile profile = ProfileGenerator::makeProfile(
-        prober.bundle(), result, operatingSystemSignature(with.workspace.operatingSystemVersion()));
-    with.output << (json ? document(jsonForm(profile, result)) : description(profile, result));
+        prober.bundle(), result,
+        operatingSystemSignature(context.workspace.operatingSystemVersion()));
+    context.output << (json ? document(jsonForm(profile, result)) : description(profile, result));
 }
 
 } // namespace quorvel

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "CommandLine/Surroundings.h"
+#include "CommandLine/CommandContext.h"
 #include "LaunchKit/AppBundle.h"
 
 #include <atomic>
@@ -13,11 +13,11 @@
 namespace quorvel {
 
 /// Prints the applications in the folders, or in the usual ones if there are none.
-void appsCommand(const Surroundings& with, const std::vector<std::string>& searchDirs, bool json,
-                 const EntitlementReader& entitlements = codeSigningTool());
+void appsCommand(const CommandContext& context, const std::vector<std::string>& searchDirs,
+                 bool json, const EntitlementReader& entitlements = codeSigningTool());
 
 /// Prints the running applications, or those with this identifier.
-void runningCommand(const Surroundings& with, const std::optional<std::string>& bundleId,
+void runningCommand(const CommandContext& context, const std::optional<std::string>& bundleId,
                     bool json);
 
 struct ProbeOptions {
@@ -29,7 +29,8 @@ struct ProbeOptions {
 /// Tries an app out and prints what that showed; if the output is a terminal, a progress bar goes
 /// to the error stream. SIGINT, SIGTERM and SIGHUP end both launched processes, and then this one
 /// as if they had not been caught. Throws `CommandError` if `app` is not a readable bundle.
-void probeCommand(const Surroundings& with, const std::string& app, const ProbeOptions& options,
-                  bool json, const EntitlementReader& entitlements = codeSigningTool());
+void probeCommand(const CommandContext& context, const std::string& app,
+                  const ProbeOptions& options, bool json,
+                  const EntitlementReader& entitlements = codeSigningTool());
 
 } // namespace quorvel

@@ -2,9 +2,11 @@
 
 #include "LaunchKit/HomeLock.h"
 #include "LaunchKit/InstanceLauncher.h"
+#include "Presentation/DeletionWarning.h"
 #include "QuorvelApp/library/MigrationCallout.h"
 #include "QuorvelApp/model/CloneListModel.h"
 #include "QuorvelApp/model/DisplayText.h"
+#include "QuorvelApp/model/QtText.h"
 #include "QuorvelApp/model/Translated.h"
 #include "QuorvelApp/widgets/CopyableLabel.h"
 #include "QuorvelApp/widgets/MessageSheet.h"
@@ -174,15 +176,15 @@ void CloneDetailView::removeWithData(const InstanceRecord& clone) {
         model_.remove(clone, true);
         return;
     }
-    auto* question = new MessageSheet(
-        u"exclamationmark.triangle.fill"_s, Ink::orange,
-        tr("“%1” is running").arg(displayLine(clone.config.displayName)),
-        tr("Quit it before you delete its data. Otherwise it loses what it has open, and may write "
-           "to it again."),
-        {{.label = tr("Delete Anyway"),
-          .look = ButtonLook::destructive,
-          .chosen = [this, clone] { model_.remove(clone, true); }},
-         {.label = tr("Cancel"), .onEscape = true, .isDefault = true}});
+    const DeletionWarning warning =
+        deletionWarning(displayLine(clone.config.displayName).toStdString(), translated);
+    auto* question =
+        new MessageSheet(u"exclamationmark.triangle.fill"_s, Ink::orange, qtText(warning.title),
+                         tr("Quit it before you delete its data.") + u' ' + qtText(warning.text),
+                         {{.label = tr("Delete Anyway"),
+                           .look = ButtonLook::destructive,
+                           .chosen = [this, clone] { model_.remove(clone, true); }},
+                          {.label = tr("Cancel"), .onEscape = true, .isDefault = true}});
     new Sheet(question, sheets_, Sheet::Place::middle);
 }
 

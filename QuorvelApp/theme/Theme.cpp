@@ -73,7 +73,8 @@ QString withColors(const QString& sheet, const Colors& colors) {
                                              : (colors.*found->member).name(QColor::HexRgb);
         end = match.capturedEnd();
     }
-    return result + QStringView(sheet).mid(end);
+    result += QStringView(sheet).mid(end);
+    return result;
 }
 
 } // namespace

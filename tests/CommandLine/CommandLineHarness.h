@@ -29,14 +29,14 @@ public:
         std::istringstream input(typed);
         std::ostringstream output;
         std::ostringstream errors;
-        const Surroundings with{input,
-                                output,
-                                errors,
-                                inputIsTerminal,
-                                outputIsTerminal,
-                                workspace,
-                                InstanceRegistry()};
-        const int status = runCommandLine(arguments, with);
+        const CommandContext context{input,
+                                     output,
+                                     errors,
+                                     inputIsTerminal,
+                                     outputIsTerminal,
+                                     workspace,
+                                     InstanceRegistry()};
+        const int status = runCommandLine(arguments, context);
         return {status, output.str(), errors.str()};
     }
 

@@ -61,7 +61,7 @@ TEST_F(DeleteCommandTest, WarnsInTheQuestionWhenTheCloneRuns) {
     harness.inputIsTerminal = true;
     harness.typed = "n\n";
     EXPECT_THAT(harness.run({"delete", "Work", "--including-data"}).errors,
-                HasSubstr("“Work” is running: it loses what it has open"));
+                HasSubstr("“Work” is running. It would lose what it has open"));
     EXPECT_THAT(harness.run({"delete", "Work"}).errors, Not(HasSubstr("is running")));
     harness.workspace.running.clear();
     EXPECT_THAT(harness.run({"delete", "Work", "--including-data"}).errors,
@@ -76,7 +76,7 @@ TEST_F(DeleteCommandTest, WarnsOnStandardErrorWhenItCannotAsk) {
     const auto result = harness.run({"delete", "Work", "--including-data", "--yes", "--json"});
     EXPECT_EQ(result.status, 0);
     EXPECT_EQ(result.json()["deletedData"], true);
-    EXPECT_THAT(result.errors, StartsWith("“Work” is running: "));
+    EXPECT_THAT(result.errors, StartsWith("“Work” is running. "));
     addClone();
     EXPECT_EQ(harness.run({"delete", "Work", "--yes"}).errors, "");
 }

@@ -41,8 +41,8 @@ TEST_F(CloneDetailTest, AsksOnceMoreBeforeItDeletesTheDataOfACloneThatRuns) {
         button(u"Delete Clone and Its Data"_s)->click();
         EXPECT_TRUE(shown(u"“Work” is running"_s));
         EXPECT_EQ(window->findChildren<MessageSheet*>().constLast()->text(),
-                  u"Quit it before you delete its data. Otherwise it loses what it has open, and "
-                  u"may write to it again."_s);
+                  u"Quit it before you delete its data. It would lose what it has open, and might "
+                  u"write to its data again."_s);
         EXPECT_TRUE(fs::exists(home / "QuorvelInstances/Work/data"));
         button(answer)->click();
         EXPECT_FALSE(shown(u"“Work” is running"_s));

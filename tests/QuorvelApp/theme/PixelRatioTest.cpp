@@ -1,4 +1,5 @@
 #include "LaunchKit/Icons/IcnsWriter.h"
+#include "QuorvelApp/widgets/IconImage.h"
 #include "tests/QuorvelApp/WindowFixture.h"
 
 #include <QListView>

@@ -9,7 +9,7 @@ TEST(HexColorTest, IsUpperCaseWithoutOpacity) {
     EXPECT_EQ(hexRGB(Qt::white), "#FFFFFF");
     EXPECT_EQ(hexRGB(QColor(10, 171, 205, 3)), "#0AABCD");
     EXPECT_EQ(hexRGB(QColor::fromHslF(0.0F, 1.0F, 0.5F)), "#FF0000");
-    EXPECT_EQ(hexRGB(QColor()), "#FFFFFF") << "no colour at all";
+    EXPECT_EQ(hexRGB(QColor()), "#FFFFFF") << "no color at all";
 }
 
 TEST(HexColorTest, RoundsToTheNearestStep) {

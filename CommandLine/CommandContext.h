@@ -9,7 +9,7 @@
 namespace quorvel {
 
 /// What a command works with: its streams, the desktop and the clones.
-struct Surroundings {
+struct CommandContext {
     std::istream& input;
     std::ostream& output;
     std::ostream& errors;
