@@ -1,4 +1,5 @@
 #include "QuorvelApp/model/AppServices.h"
+#include "LaunchKit/InstanceConfig.h"
 #include "LaunchKit/RequestCheck.h"
 #include "LaunchKit/RunnerLocator.h"
 #include "QuorvelApp/AppModel.h"

@@ -57,7 +57,7 @@ TEST_F(PixelRatioTest, TheWindowHasTheRatioThatItWasGiven) {
 }
 
 TEST_F(PixelRatioTest, RowsAndTheDetailDrawIconsPixelForPixel) {
-    const InstanceRecord work = addClone("Work");
+    const InstanceRecord& work = addClone("Work");
     writePattern(iconPathOf(work));
     open();
     select(work);
