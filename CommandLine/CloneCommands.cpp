@@ -6,6 +6,7 @@
 #include "CommandLine/CloneTexts.h"
 #include "CommandLine/Confirmation.h"
 #include "LaunchKit/InstanceLauncher.h"
+#include "LaunchKit/InstanceRecord.h"
 #include "LaunchKit/RequestCheck.h"
 #include "Platform/files/PlatformError.h"
 
@@ -113,8 +114,7 @@ void showCommand(const CommandContext& context, const std::string& clone, bool j
 
 void createCommand(const CommandContext& context, const CreateOptions& options, bool json) {
     const WrapperFactory::Request request = requestFrom(options);
-    const WrapperFactory factory(
-        options.runner.empty() ? std::nullopt : std::optional(absolutePath(options.runner)));
+    const WrapperFactory factory(options.runner);
     checkCreation(context, request, factory.runnerBinary, options.sharedHome);
     const fs::path wrapper = factory.create(request);
     const std::optional<InstanceRecord> record = context.registry.record(wrapper);

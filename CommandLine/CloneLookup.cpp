@@ -2,6 +2,7 @@
 
 #include "Base/PathText.h"
 #include "CommandLine/CommandContext.h"
+#include "LaunchKit/InstanceRecord.h"
 #include "LaunchKit/WrapperLayout.h"
 #include "Platform/files/FileSystem.h"
 #include "Platform/files/UserPaths.h"

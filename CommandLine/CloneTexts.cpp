@@ -1,6 +1,7 @@
 #include "CommandLine/CloneTexts.h"
 
 #include "Base/TerminalText.h"
+#include "LaunchKit/InstanceRecord.h"
 #include "LaunchKit/WrapperFactory.h"
 
 #include <nlohmann/json.hpp>

@@ -13,6 +13,9 @@
 
 #include <nlohmann/json.hpp>
 
+#include "LaunchKit/InstanceRecord.h"
+
+#include <nlohmann/json.hpp>
 #include <ostream>
 
 namespace quorvel {

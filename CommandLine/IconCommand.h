@@ -1,6 +1,7 @@
 #pragma once
 
 #include "CommandLine/CommandContext.h"
+#include "LaunchKit/IconLabel.h"
 #include "LaunchKit/Icons/IcnsFile.h"
 
 #include <string>
@@ -14,12 +15,12 @@ struct IconOptions {
     bool list = false; ///< print what the source contains; the rest is then ignored
     std::string label{};
     std::string color = "#FFFFFF";
-    std::string position = "bottom";
+    IconLabel::Position position = IconLabel::Position::bottom;
     std::string output{};
 };
 
 /// Prints the entries of the container `source`, or draws the label onto it and prints the path of
-/// the written file. Throws `UsageError` (no output file, an unknown position), `CommandError` (not
+/// the written file. Throws `UsageError` (no label or output file), `CommandError` (not
 /// an icon container) or `IconComposer::ComposeError`.
 void iconCommand(const CommandContext& context, const IconOptions& options, bool json);
 

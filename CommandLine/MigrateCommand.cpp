@@ -6,6 +6,7 @@
 #include "LaunchKit/HomeLock.h"
 #include "LaunchKit/InstanceLauncher.h"
 #include "Presentation/MigrationSummary.h"
+#include "LaunchKit/InstanceRecord.h"
 
 #include <nlohmann/json.hpp>
 

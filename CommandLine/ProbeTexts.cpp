@@ -6,6 +6,8 @@
 
 #include <nlohmann/json.hpp>
 
+#include <nlohmann/json.hpp>
+
 #include <algorithm>
 #include <cmath>
 

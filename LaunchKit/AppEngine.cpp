@@ -4,7 +4,7 @@
 #include "Base/PathText.h"
 #include "Base/Text.h"
 #include "LaunchKit/AppBundle.h"
-#include "LaunchKit/RawStrings.h"
+#include "LaunchKit/WrapperFactory.h"
 #include "Platform/files/FileSystem.h"
 
 #include <algorithm>
@@ -14,13 +14,6 @@ namespace quorvel {
 namespace fs = std::filesystem;
 namespace {
 
-constexpr RawStrings<AppEngine, 5> engines{{
-    {AppEngine::electron, "electron"},
-    {AppEngine::chromium, "chromium"},
-    {AppEngine::firefox, "firefox"},
-    {AppEngine::eclipse, "eclipse"},
-    {AppEngine::other, "other"},
-}};
 
 constexpr std::array<std::string_view, 7> chromiumBrowsers{
     "com.google.chrome",
@@ -75,14 +68,6 @@ std::string identifierOf(const fs::path& app) {
 }
 
 } // namespace
-
-std::string_view rawString(AppEngine engine) {
-    return rawStringIn(engines, engine);
-}
-
-std::optional<AppEngine> appEngineFromRawString(std::string_view text) {
-    return caseIn(engines, text);
-}
 
 AppEngine detectEngine(const fs::path& app, const std::optional<std::string>& bundleId) {
     return classify(app, Text::lowerCased(bundleId ? *bundleId : identifierOf(app)));

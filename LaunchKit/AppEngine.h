@@ -1,6 +1,6 @@
 #pragma once
 
-#include "LaunchKit/InstanceConfig.h"
+#include "LaunchKit/CloneOptions.h"
 
 #include <filesystem>
 #include <optional>
@@ -13,11 +13,14 @@ namespace quorvel {
 /// The engine that an application is built on.
 enum class AppEngine { electron, chromium, firefox, eclipse, other };
 
-/// Returns "electron", "chromium", "firefox", "eclipse" or "other".
-[[nodiscard]] std::string_view rawString(AppEngine engine);
-
-/// Returns `std::nullopt` for any other text.
-[[nodiscard]] std::optional<AppEngine> appEngineFromRawString(std::string_view text);
+template<>
+inline constexpr auto enumNames<AppEngine> = namesOfAllCases<AppEngine>({
+    {AppEngine::electron, "electron"},
+    {AppEngine::chromium, "chromium"},
+    {AppEngine::firefox, "firefox"},
+    {AppEngine::eclipse, "eclipse"},
+    {AppEngine::other, "other"},
+});
 
 /// Returns the engine of an application bundle, `other` if it is unknown or the bundle can't be
 /// read. Reads the bundle's own identifier if `bundleId` is absent. Any thread.

@@ -1,6 +1,7 @@
 #include "LaunchKit/HomeLock.h"
 
 #include "Base/PathText.h"
+#include "LaunchKit/InstanceConfig.h"
 #include "Platform/files/FileSystem.h"
 #include "Platform/files/PlatformError.h"
 

@@ -1,7 +1,6 @@
 #pragma once
 
 #include "LaunchKit/DeletedData.h"
-#include "LaunchKit/InstanceConfig.h"
 
 #include <filesystem>
 #include <functional>
@@ -11,18 +10,8 @@
 
 namespace quorvel {
 
-/// A clone on disk: its wrapper bundle and the configuration inside. Records are equal if their
-/// bundles are.
-struct InstanceRecord {
-    std::filesystem::path bundleURL{};
-    InstanceConfig config{};
-
-    [[nodiscard]] std::string id() const { return bundleURL.string(); }
-    /// Returns the wrapper's icon file, if it exists.
-    [[nodiscard]] std::optional<std::filesystem::path> iconURL() const;
-
-    bool operator==(const InstanceRecord& other) const { return bundleURL == other.bundleURL; }
-};
+struct InstanceConfig;
+struct InstanceRecord;
 
 /// Finds, changes and deletes the clones in a few folders. Any thread.
 class InstanceRegistry {
@@ -66,10 +55,3 @@ private:
 };
 
 } // namespace quorvel
-
-template<>
-struct std::hash<quorvel::InstanceRecord> {
-    std::size_t operator()(const quorvel::InstanceRecord& record) const noexcept {
-        return std::filesystem::hash_value(record.bundleURL);
-    }
-};

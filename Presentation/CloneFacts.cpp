@@ -1,6 +1,7 @@
 #include "Presentation/CloneFacts.h"
 
 #include "Base/BundleName.h"
+#include "LaunchKit/InstanceRecord.h"
 #include "Presentation/SizeText.h"
 #include "Presentation/StrategyTexts.h"
 
@@ -81,6 +82,12 @@ public:
         }
     }
 
+    void addIf(bool condition, std::string label, std::string value) {
+        if (condition) {
+            add(std::move(label), std::move(value));
+        }
+    }
+
     [[nodiscard]] std::vector<Fact> take() { return std::move(facts_); }
 
 private:
@@ -108,8 +115,10 @@ std::vector<Fact> facts(const InstanceRecord& clone, const CloneState* state,
         list.add(translate("CloneFacts", "Strategy"),
                  strategyLabel(rawString(config.strategy), translate));
     }
-    list.addInFull(translate("CloneFacts", "Shares folders"),
-                   textIf(isApp, yesOrNo(config.shareUserFolders, translate)));
+    for (const CloneSwitch& each : shownSwitches(config.kind, config)) {
+        list.addIf(full || each.inDetails, translate("CloneFacts", each.fact.data()),
+                   yesOrNo(each.valueIn(config), translate));
+    }
     if (!config.extraArgs.empty()) {
         list.addMonospaced(translate("CloneFacts", "Arguments"), {joined(config.extraArgs, " ")});
     }

@@ -3,7 +3,7 @@
 namespace quorvel {
 
 std::string strategyLabel(std::string_view rawValue, const Translate& translate) {
-    const auto strategy = strategyFromRawString(rawValue);
+    const auto strategy = caseNamed<Strategy>(rawValue);
     if (!strategy) {
         return std::string(rawValue);
     }

@@ -148,9 +148,7 @@ ProbeResult AppProber::run(const Options& options) const {
 }
 
 TrialProcess AppProber::launch(const std::string& home) const {
-    return {launcher_.launch(bundle_, home, Strategy::homeOverride, electronArgs(bundle_.url, home),
-                             {}),
-            home};
+    return {launcher_.launch(bundle_, home, CloneOptions{}, electronArgs(bundle_.url, home)), home};
 }
 
 std::string AppProber::makeTempHome() const {

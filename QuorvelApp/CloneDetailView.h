@@ -5,12 +5,15 @@
 
 #include <QWidget>
 
+#include <memory>
 #include <string>
 #include <vector>
 
 class QVBoxLayout;
 
 namespace quorvel {
+
+struct InstanceRecord;
 
 class ElidedLabel;
 class MigrationCallout;
@@ -23,6 +26,7 @@ class CloneDetailView : public QWidget {
 public:
     /// Both must outlive the widget. `sheets` is the widget over which dialogs show.
     CloneDetailView(AppModel& model, IconLoader& icons, QWidget* sheets, QWidget* parent = nullptr);
+    ~CloneDetailView() override;
 
     /// Shows another clone, or another state of the same.
     void setClone(const InstanceRecord& clone);
@@ -42,7 +46,7 @@ private:
 
     AppModel& model_;
     QWidget* sheets_;
-    InstanceRecord clone_{};
+    std::unique_ptr<InstanceRecord> clone_; ///< empty until the first `setClone`, never null
     std::vector<Fact> rows_{};
     AppIcon* icon_ = nullptr;
     ElidedLabel* name_ = nullptr;

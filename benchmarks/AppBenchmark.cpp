@@ -3,6 +3,7 @@
 // Draws on the display where there is one, else on none. Works in a throw-away home.
 #include "LaunchKit/Icons/IcnsWriter.h"
 #include "LaunchKit/InstanceConfig.h"
+#include "LaunchKit/InstanceRecord.h"
 #include "QuorvelApp/NewCloneView.h"
 #include "QuorvelApp/QuorvelApp.h"
 #include "QuorvelApp/library/Sidebar.h"

@@ -1,6 +1,7 @@
 #include "Platform/files/FileWriting.h"
 #include "benchmarks/Benchmarks.h"
 
+#include "LaunchKit/InstanceRecord.h"
 #include "LaunchKit/InstanceRegistry.h"
 #include "LaunchKit/WrapperLayout.h"
 #include "Platform/files/FileSystem.h"

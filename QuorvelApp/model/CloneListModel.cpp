@@ -2,6 +2,7 @@
 
 #include "Presentation/CloneFacts.h"
 #include "QuorvelApp/model/DisplayText.h"
+#include "LaunchKit/InstanceRecord.h"
 #include "QuorvelApp/model/QtText.h"
 
 #include <algorithm>
@@ -30,6 +31,10 @@ bool hasRepeated(const std::vector<InstanceRecord>& clones) {
 std::filesystem::path iconPathOf(const InstanceRecord& clone) {
     return clone.bundleURL / "Contents" / "Resources" / "AppIcon.icns";
 }
+
+CloneListModel::CloneListModel(QObject* parent) : QAbstractListModel(parent) {}
+
+CloneListModel::~CloneListModel() = default;
 
 void CloneListModel::setClones(const std::vector<InstanceRecord>& clones) {
     if (hasRepeated(clones) || hasRepeated(clones_) || !keepsOrder(clones)) {

@@ -1,7 +1,5 @@
 #pragma once
 
-#include "LaunchKit/InstanceRegistry.h"
-
 #include <QAbstractListModel>
 
 #include <filesystem>
@@ -10,6 +8,8 @@
 #include <vector>
 
 namespace quorvel {
+
+struct InstanceRecord;
 
 /// Returns the file of a clone's icon, which may not exist.
 [[nodiscard]] std::filesystem::path iconPathOf(const InstanceRecord& clone);
@@ -29,7 +29,8 @@ public:
         IdRole
     };
 
-    using QAbstractListModel::QAbstractListModel;
+    explicit CloneListModel(QObject* parent = nullptr);
+    ~CloneListModel() override;
 
     /// Replaces the clones.
     void setClones(const std::vector<InstanceRecord>& clones);
@@ -49,7 +50,7 @@ private:
     void removeVanished(const std::vector<InstanceRecord>& clones);
     void insertNew(const std::vector<InstanceRecord>& clones);
 
-    std::vector<InstanceRecord> clones_{};
+    std::vector<InstanceRecord> clones_;
     std::set<std::string> running_{};
 };
 

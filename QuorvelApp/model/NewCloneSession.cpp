@@ -1,6 +1,7 @@
 #include "QuorvelApp/model/NewCloneSession.h"
 
 #include "QuorvelApp/model/Translated.h"
+#include "LaunchKit/InstanceRecord.h"
 
 #include <QPointer>
 

@@ -51,8 +51,9 @@ AdvancedOptions::AdvancedOptions(NewCloneSession& session, IconLoader& icons)
     addMenuBarBoxes();
     addCheckBox(column_, tr("Hide this clone's Dock icon (menu-bar/background app)"),
                 &NewCloneForm::hideDockIcon);
-    addCheckBox(column_, tr("Register as a browser / URL handler"), &NewCloneForm::registerBrowser);
-    addCheckBox(column_, tr("Show in Finder's “Open With”"), &NewCloneForm::openWith);
+    addCheckBox(column_, tr("Register as a browser / URL handler"),
+                &NewCloneForm::registerAsBrowser);
+    addCheckBox(column_, tr("Show in Finder's “Open With”"), &NewCloneForm::openWithPassthrough);
     addIsolation();
 }
 
@@ -146,7 +147,7 @@ void AdvancedOptions::addMenuBarBoxes() {
     addCheckBox(boxes, tr("Show a menu-bar icon while running"), &NewCloneForm::menuBarIcon);
     QVBoxLayout* second = makeColumn(0);
     QCheckBox* monochrome = addCheckBox(second, tr("Menu-bar icon as monochrome (template)"),
-                                        &NewCloneForm::menuBarTemplate);
+                                        &NewCloneForm::menuBarIconTemplate);
     auto* indented = new QHBoxLayout; // whose spacing mirrors, as margins do not
     indented->setSpacing(0);
     indented->addSpacing(18);

@@ -1,5 +1,6 @@
 #include "LaunchKit/HomeLock.h"
 #include "LaunchKit/InstanceConfig.h"
+#include "LaunchKit/InstanceRecord.h"
 #include "tests/CommandLine/CommandLineHarness.h"
 #include "tests/support/AppBundles.h"
 #include "tests/support/UnprivilegedUser.h"

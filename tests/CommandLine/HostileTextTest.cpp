@@ -1,5 +1,6 @@
 // Texts from files that would steer a terminal, hide in it or fill it.
 #include "LaunchKit/InstanceConfig.h"
+#include "LaunchKit/InstanceRecord.h"
 #include "tests/CommandLine/CommandLineHarness.h"
 #include "tests/support/AppBundles.h"
 

@@ -107,7 +107,7 @@ TEST(ProbeCommandsTest, ProbeCommandPrintsTheProfileAndTheBuckets) {
     EXPECT_EQ(json["profile"]["confidence"], "autoDetected");
     EXPECT_EQ(json["complete"], true);
     for (const auto& [name, paths] : json["buckets"].items()) {
-        EXPECT_TRUE(leakBucketFromRawString(name)) << name;
+        EXPECT_TRUE(caseNamed<LeakBucket>(name)) << name;
         EXPECT_TRUE(paths.is_array());
     }
     EXPECT_EQ(session.errors.str(), "") << "no bar without a terminal";

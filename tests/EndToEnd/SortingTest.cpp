@@ -17,7 +17,7 @@ protected:
     SortingTest() {
         for (const char* name : {"Zebra", "Öl", "ål", "aal", "apa"}) {
             const std::string file = std::string(name) + ".app";
-            makeWrapper(quorvelctl_.home / "Applications" / file, minimalConfig(name));
+            makeWrapper(quorvelctl_.home / "Applications" / file, name);
             makeAppBundle(quorvelctl_.home / "Programs" / file,
                           {{"CFBundleIdentifier", "com.example." + std::string(name)}});
         }

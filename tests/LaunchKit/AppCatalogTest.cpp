@@ -67,14 +67,14 @@ TEST(AppCatalogTest, ListsAnAppAsItWasFound) {
 TEST(AppCatalogTest, LeavesOutClones) {
     const TemporaryFolder folder;
     makeBundle(folder / "App.app");
-    makeWrapper(makeBundle(folder / "Clone.app"), minimalConfig());
+    makeWrapper(makeBundle(folder / "Clone.app"), "Work");
     write(makeBundle(folder / "Broken Clone.app") / "Contents/Resources/instance.json", "");
     EXPECT_THAT(namesOf(scan({folder.path()})), ElementsAre("App"));
 }
 
 TEST(AppCatalogTest, DoesNotRunTheToolForAClone) {
     const TemporaryFolder folder;
-    makeWrapper(makeBundle(folder / "Clone.app"), minimalConfig());
+    makeWrapper(makeBundle(folder / "Clone.app"), "Work");
     std::atomic<int> calls{0};
     (void)AppCatalog::scan({folder.path()}, [&](const fs::path& /*bundle*/) {
         ++calls;

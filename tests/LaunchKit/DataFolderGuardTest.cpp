@@ -2,6 +2,7 @@
 #include "LaunchKit/DataFolderGuard.h"
 
 #include "LaunchKit/InstanceConfig.h"
+#include "LaunchKit/InstanceRecord.h"
 #include "LaunchKit/RequestCheck.h"
 #include "Platform/files/PlatformError.h"
 #include "tests/support/AppBundles.h"

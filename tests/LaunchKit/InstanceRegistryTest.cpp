@@ -1,6 +1,7 @@
 #include "LaunchKit/InstanceRegistry.h"
 
 #include "LaunchKit/InstanceConfig.h"
+#include "LaunchKit/InstanceRecord.h"
 #include "Platform/files/PlatformError.h"
 #include "tests/support/AppBundles.h"
 #include "tests/support/TemporaryHome.h"

@@ -1,6 +1,7 @@
 #include "LaunchKit/WrapperFactory.h"
 
 #include "LaunchKit/InstanceConfig.h"
+#include "LaunchKit/InstanceRecord.h"
 #include "LaunchKit/InstanceRegistry.h"
 #include "LaunchKit/WrapperGenerator.h"
 #include "Platform/files/PropertyListFile.h"

@@ -1,6 +1,7 @@
 #include "LaunchKit/HomeLock.h"
 #include "LaunchKit/InstanceConfig.h"
 #include "LaunchKit/InstanceLauncher.h"
+#include "LaunchKit/InstanceRecord.h"
 #include "tests/QuorvelApp/StubServices.h"
 #include "tests/support/AppBundles.h"
 #include "tests/support/TemporaryHome.h"

@@ -1,4 +1,6 @@
 #include "LaunchKit/InstanceConfig.h"
+#include "LaunchKit/InstanceRecord.h"
+#include "QuorvelApp/CloneDetailView.h"
 #include "QuorvelApp/widgets/MessageSheet.h"
 #include "tests/QuorvelApp/WindowFixture.h"
 

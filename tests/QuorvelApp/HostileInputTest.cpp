@@ -1,4 +1,5 @@
 #include "LaunchKit/InstanceConfig.h"
+#include "LaunchKit/InstanceRecord.h"
 #include "QuorvelApp/model/CloneListModel.h"
 #include "QuorvelApp/model/DisplayText.h"
 #include "QuorvelApp/model/QtText.h"

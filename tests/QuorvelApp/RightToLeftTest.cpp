@@ -44,11 +44,11 @@ TEST_F(RightToLeftTest, TheColumnsAreMirrored) {
 }
 
 TEST_F(RightToLeftTest, ARowBeginsWithItsIconAtTheRightAndEndsWithItsDotAtTheLeft) {
-    const InstanceRecord work = addClone("Work");
+    const InstanceRecord& work = addClone("Work");
     QImage magenta(64, 64, QImage::Format_ARGB32);
     magenta.fill(Qt::magenta);
     write(iconPathOf(work), icnsFile(std::array{icnsChunk(magenta)}));
-    stubs.workspace->setRunning({work.config.bundleId});
+    stubs.workspace->setRunning({WrapperFactory::defaultBundleId("Work")});
     open();
     const auto* list = window->content().sidebar().findChild<QListView*>();
     QImage row;
@@ -63,7 +63,7 @@ TEST_F(RightToLeftTest, ARowBeginsWithItsIconAtTheRightAndEndsWithItsDotAtTheLef
 }
 
 TEST_F(RightToLeftTest, TheDetailBeginsAtTheRight) {
-    const InstanceRecord work = addClone("Work");
+    const InstanceRecord& work = addClone("Work");
     open();
     select(work);
     EXPECT_GT(leftOf(button(u"Launch"_s)), leftOf(button(u"Reveal in Finder"_s)));

@@ -34,6 +34,9 @@ std::filesystem::path makeScriptedAppBundle(const std::filesystem::path& bundle,
 std::filesystem::path makeWrapper(const std::filesystem::path& bundle,
                                   const InstanceConfig& config);
 
+/// The same with `minimalConfig(name)`.
+std::filesystem::path makeWrapper(const std::filesystem::path& bundle, const std::string& name);
+
 /// A configuration with the three required fields.
 [[nodiscard]] InstanceConfig minimalConfig(std::string name = "Work");
 

@@ -1,4 +1,5 @@
 #include "LaunchKit/InstanceConfig.h"
+#include "LaunchKit/InstanceRecord.h"
 #include "QuorvelApp/library/CloneRow.h"
 #include "QuorvelApp/theme/Appearance.h"
 #include "QuorvelApp/widgets/ColorWell.h"

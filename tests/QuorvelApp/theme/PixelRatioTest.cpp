@@ -58,7 +58,7 @@ TEST_F(PixelRatioTest, TheWindowHasTheConfiguredRatio) {
 }
 
 TEST_F(PixelRatioTest, RowsAndTheDetailDrawIconsPixelForPixel) {
-    const InstanceRecord work = addClone("Work");
+    const InstanceRecord& work = addClone("Work");
     writePattern(iconPathOf(work));
     open();
     select(work);
