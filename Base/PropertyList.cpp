@@ -174,7 +174,8 @@ std::optional<PropertyListDictionary> parsedOneAtATime(Parser parser, std::strin
     }
     static std::mutex mutex;
     const std::lock_guard lock(mutex);
-    // The C library keeps freed memory for the thread that freed it, until that thread ends.
+    // On a new thread: the C library keeps freed memory for each thread, and gives that of a thread
+    // that has ended to the next new one.
     std::optional<PropertyListDictionary> result;
     std::exception_ptr failure;
     std::thread([&] {

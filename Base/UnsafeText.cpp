@@ -111,7 +111,7 @@ bool startsFlagTags(char32_t scalar, std::u32string_view following) {
     });
 }
 
-// Whether an invisible character changes how its neighbours look.
+// Whether an invisible character changes how its neighbors look.
 bool hasVisibleEffect(char32_t before, char32_t scalar, std::u32string_view following) {
     const char32_t next = following.empty() ? 0 : following.front();
     if (scalar == joiner && (isIn(emoji, before) || before == emojiSelector)) {

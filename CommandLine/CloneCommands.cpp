@@ -11,7 +11,9 @@
 
 #include <nlohmann/json.hpp>
 
+#include <algorithm>
 #include <future>
+#include <iterator>
 #include <memory>
 #include <ostream>
 
@@ -77,14 +79,10 @@ void inspectCommand(const CommandContext& context, const std::string& app, bool 
 
 void listCommand(const CommandContext& context, const std::vector<std::string>& searchDirs,
                  bool json) {
-    InstanceRegistry registry = context.registry;
-    if (!searchDirs.empty()) {
-        registry.searchDirs.clear();
-        for (const std::string& folder : searchDirs) {
-            registry.searchDirs.push_back(absoluteFile(folder));
-        }
-    }
-    const std::vector<InstanceRecord> records = registry.list();
+    std::vector<fs::path> folders;
+    std::transform(searchDirs.begin(), searchDirs.end(), std::back_inserter(folders), absoluteFile);
+    const std::vector<InstanceRecord> records =
+        (folders.empty() ? context.registry : InstanceRegistry(std::move(folders))).list();
     const RunningApplications running = context.workspace.runningApplications();
     if (!json) {
         context.output << listing(records, running);

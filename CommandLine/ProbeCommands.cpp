@@ -32,20 +32,18 @@ void print(const CommandContext& context, const std::vector<Item>& items, bool j
 
 AppProber makeProber(const CommandContext& context, const std::string& app,
                      const ProbeOptions& options, const EntitlementReader& entitlements) {
-    AppProber::Surroundings surroundings;
+    AppProber::Dependencies dependencies;
     // The workspace belongs to the caller, who keeps it longer than the prober lives.
-    surroundings.workspace = {std::shared_ptr<void>(), &context.workspace};
-    surroundings.entitlements = entitlements;
+    dependencies.workspace = {std::shared_ptr<void>(), &context.workspace};
+    dependencies.entitlements = entitlements;
     if (options.realLibrary) {
-        surroundings.realLibrary = absoluteFile(*options.realLibrary).string();
+        dependencies.realLibrary = absoluteFile(*options.realLibrary).string();
     }
-    auto prober = AppProber::forApp(absoluteFile(app), std::move(surroundings));
+    auto prober = AppProber::forApp(absoluteFile(app), std::move(dependencies));
     if (!prober) {
         throw CommandError(
             InstanceLauncher::LaunchError::badBundle(absoluteFile(app)).description());
     }
-    prober->settleA = AppProber::Seconds(options.settleA.value_or(prober->settleA.count()));
-    prober->settleB = AppProber::Seconds(options.settleB.value_or(prober->settleB.count()));
     return std::move(*prober);
 }
 
@@ -63,15 +61,21 @@ private:
     std::vector<TrialProcess> trials_{};
 };
 
-ProbeResult runWithBar(const CommandContext& context, AppProber& prober,
-                       InterruptFlag& interruption) {
+AppProber::Options trialOptions(const ProbeOptions& options) {
+    AppProber::Options trial;
+    trial.settleA = AppProber::Seconds(options.settleA.value_or(trial.settleA.count()));
+    trial.settleB = AppProber::Seconds(options.settleB.value_or(trial.settleB.count()));
+    return trial;
+}
+
+ProbeResult runWithBar(const CommandContext& context, const AppProber& prober,
+                       AppProber::Options options, InterruptFlag& interruption) {
     TrialProcesses processes;
-    AppProber::Control control;
-    control.cancelled = &interruption.flag();
-    control.release = [&](TrialProcess trial) { processes.take(std::move(trial)); };
+    options.cancelled = &interruption.flag();
+    options.release = [&](TrialProcess trial) { processes.take(std::move(trial)); };
     const bool hasBar = context.outputIsTerminal;
     if (hasBar) {
-        control.progress = [&](double fraction) {
+        options.progress = [&](double fraction) {
             context.errors << progressBar(fraction) << std::flush;
         };
     }
@@ -81,7 +85,7 @@ ProbeResult runWithBar(const CommandContext& context, AppProber& prober,
         }
     };
     try {
-        ProbeResult result = prober.run(control);
+        ProbeResult result = prober.run(options);
         removeBar();
         return result;
     } catch (const std::runtime_error&) {
@@ -109,11 +113,11 @@ void runningCommand(const CommandContext& context, const std::optional<std::stri
 
 void probeCommand(const CommandContext& context, const std::string& app,
                   const ProbeOptions& options, bool json, const EntitlementReader& entitlements) {
-    AppProber prober = makeProber(context, app, options, entitlements);
+    const AppProber prober = makeProber(context, app, options, entitlements);
     InterruptFlag interruption;
     ProbeResult result;
     try {
-        result = runWithBar(context, prober, interruption);
+        result = runWithBar(context, prober, trialOptions(options), interruption);
     } catch (const ProbeCancelled&) {
         interruption.deliver();
         throw;

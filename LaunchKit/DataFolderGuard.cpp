@@ -2,6 +2,7 @@
 
 #include "Base/PathText.h"
 #include "LaunchKit/WrapperFactory.h"
+#include "LaunchKit/WrapperLayout.h"
 #include "Platform/files/FileSystem.h"
 #include "Platform/files/UserFolders.h"
 #include "Platform/files/UserPaths.h"
@@ -12,18 +13,19 @@ namespace quorvel {
 namespace fs = std::filesystem;
 namespace {
 
-// Those of the registry's folders, and the folder that the wrapper is in.
-std::vector<InstanceRecord> clonesBeside(InstanceRegistry registry, const fs::path& wrapper) {
+// Returns the other clones in the registry's folders and in the wrapper's.
+std::vector<InstanceRecord> clonesBeside(const InstanceRegistry& registry,
+                                         const fs::path& wrapper) {
+    std::vector<fs::path> folders = registry.searchDirs();
     const fs::path beside = wrapper.parent_path();
     const auto isThere = [&](const fs::path& folder) { return isSameItem(folder, beside); };
-    if (std::none_of(registry.searchDirs.begin(), registry.searchDirs.end(), isThere)) {
-        registry.searchDirs.push_back(beside);
+    if (std::none_of(folders.begin(), folders.end(), isThere)) {
+        folders.push_back(beside);
     }
-    std::vector<InstanceRecord> clones = registry.list();
+    std::vector<InstanceRecord> clones = InstanceRegistry(std::move(folders)).list();
     const auto itself = identityOf(wrapper);
     std::erase_if(clones, [&](const InstanceRecord& clone) {
-        return clone.bundleURL == wrapper ||
-               (itself && identityOf(clone.bundleURL) == itself);
+        return clone.bundleURL == wrapper || (itself && identityOf(clone.bundleURL) == itself);
     });
     return clones;
 }
@@ -32,7 +34,7 @@ std::string quoted(const std::string& name) {
     return "“" + name + "”";
 }
 
-// "is WHAT" or "holds WHAT"; nothing where the folder is neither.
+// Returns "is WHAT" or "holds WHAT", if either is true.
 std::optional<std::string> isOrHolds(const Place& folder, const fs::path& target,
                                      const std::string& what) {
     switch (folder.relationTo(target)) {
@@ -48,21 +50,22 @@ std::optional<std::string> isOrHolds(const Place& folder, const fs::path& target
 
 std::vector<fs::path> foldersToSpare() {
     std::vector<fs::path> folders = userFolders();
-    folders.push_back(WrapperFactory::defaultOutputDir());
+    folders.push_back(userApplicationsFolder());
     folders.push_back(
         withoutTrailingSlashes(UserPaths::expandTilde(WrapperFactory::defaultInstanceHome(""))));
     return folders;
 }
 
-// Whether the folder is or holds a home of the user's or one of the folders to spare: it is then no
-// clone's alone, whatever its configuration says.
+// Whether the folder is or holds a home of the user's or one of the folders to spare: then it is
+// not one clone's alone, even if a configuration names it.
 bool holdsUsersOwn(const Place& folder) {
     std::vector<fs::path> owned = foldersToSpare();
     for (const std::string& home : UserPaths::allHomes()) {
         owned.emplace_back(home);
     }
-    return std::any_of(owned.begin(), owned.end(),
-                       [&](const fs::path& own) { return folder.relationTo(own) != Relation::unrelated; });
+    return std::any_of(owned.begin(), owned.end(), [&](const fs::path& own) {
+        return folder.relationTo(own) != Relation::unrelated;
+    });
 }
 
 bool isInAHomeOfTheUsers(const Place& folder) {
@@ -72,7 +75,7 @@ bool isInAHomeOfTheUsers(const Place& folder) {
     });
 }
 
-// The user database may be far away, and most data folders are in the user's own home.
+// Asking the user database may be slow, and most data folders are in the user's own home.
 std::optional<std::string> ownerOfHomeAround(const Place& folder) {
     if (isInAHomeOfTheUsers(folder)) {
         return std::nullopt;
@@ -136,7 +139,8 @@ DataFolder dataFolderOf(const InstanceConfig& config) {
     const fs::path written = withoutTrailingSlashes(home);
     const fs::path plain = withoutTrailingSlashes(written.lexically_normal());
     if (plain != written && identityOf(plain) != identityOf(written)) {
-        // "." and ".." after a link stand for what it leads to, without it their path is another's.
+        // "." and ".." after a link are resolved in its target; the normalised path names another
+        // item.
         return {.path = written, .isBehindLink = true};
     }
     std::error_code code;

@@ -1,7 +1,7 @@
-#include "Platform/files/FileReading.h"
 #include "Base/Utf8.h"
 #include "LaunchKit/InstanceConfigFields.h"
 #include "LaunchKit/JsonPruning.h"
+#include "Platform/files/FileReading.h"
 
 #include <rapidjson/error/en.h>
 #include <rapidjson/reader.h>

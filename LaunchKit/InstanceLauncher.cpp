@@ -1,10 +1,10 @@
 #include "LaunchKit/InstanceLauncher.h"
 
-#include "Platform/files/FileHandle.h"
-#include "Platform/files/PlatformError.h"
 #include "Base/PathText.h"
 #include "Platform/files/ContainedFolder.h"
+#include "Platform/files/FileHandle.h"
 #include "Platform/files/FileSystem.h"
+#include "Platform/files/PlatformError.h"
 #include "Platform/files/UserPaths.h"
 
 namespace quorvel {
@@ -14,7 +14,7 @@ bool hasText(const std::optional<std::string>& text) {
     return text && !text->empty();
 }
 
-// A handle that is absent leaves the child's output where ours goes.
+// Without a log, the child inherits our streams.
 void sendOutputTo(const std::optional<FileHandle>& log, Process::Options& options) {
     if (log) {
         options.standardOutput = Process::ToFile{log->descriptor()};
@@ -28,7 +28,7 @@ void overwrite(Environment& environment, const std::map<std::string, std::string
     }
 }
 
-// Without its profile's folder, Firefox shows that it can't be loaded, and nothing else.
+// Firefox fails with a message if its profile's folder doesn't exist.
 void ensureProfileFolders(const std::string& home, const std::vector<std::string>& arguments) {
     for (std::size_t index = 1; index < arguments.size(); ++index) {
         if (arguments[index - 1] == "-profile" || arguments[index - 1] == "--profile") {
@@ -55,7 +55,7 @@ Process launchCommand(const InstanceConfig& config) {
     try {
         createDirectories(home);
     } catch (const PlatformError&) {
-        // A command needs its folder only for the log.
+        // A command needs its home only for the log.
     }
     Process::Options options;
     options.executable = UserPaths::expandTilde(*config.commandPath);

@@ -4,7 +4,7 @@
 #include "Base/Text.h"
 #include "LaunchKit/RunnerLocator.h"
 #include "LaunchKit/WrapperGenerator.h"
-#include "Platform/files/UserPaths.h"
+#include "LaunchKit/WrapperLayout.h"
 
 namespace quorvel {
 namespace fs = std::filesystem;
@@ -72,7 +72,7 @@ WrapperFactory::FactoryError WrapperFactory::FactoryError::emptyName() {
 }
 
 fs::path WrapperFactory::defaultOutputDir() {
-    return UserPaths::expandTilde("~/Applications");
+    return userApplicationsFolder();
 }
 
 std::string WrapperFactory::defaultInstanceHome(std::string_view name) {
@@ -80,7 +80,7 @@ std::string WrapperFactory::defaultInstanceHome(std::string_view name) {
 }
 
 fs::path WrapperFactory::wrapperURL(const Request& request) {
-    return quorvel::wrapperURL(folderOf(request), nameOf(request));
+    return quorvel::wrapperPath(folderOf(request), nameOf(request));
 }
 
 fs::path WrapperFactory::create(const Request& request) const {
@@ -89,13 +89,35 @@ fs::path WrapperFactory::create(const Request& request) const {
         throw FactoryError::emptyName();
     }
     const std::optional<fs::path> runner =
-        runnerBinary ? runnerBinary : RunnerLocator::locate(ApplicationFolders::ofThisProgram());
+        runnerBinary ? runnerBinary : RunnerLocator::locate(ApplicationFolders::current());
     if (!runner) {
         throw FactoryError::runnerNotFound();
     }
     const WrapperGenerator::Options options{configuration(request, name), *runner,
                                             request.customIcon, request.hideWrapperIcon};
     return WrapperGenerator().generate(folderOf(request), options);
+}
+
+AppEngine WrapperFactory::detectEngine(const fs::path& app,
+                                       const std::optional<std::string>& bundleId) {
+    return quorvel::detectEngine(app, bundleId);
+}
+
+bool WrapperFactory::isElectron(const fs::path& app) {
+    return quorvel::detectEngine(app) == AppEngine::electron;
+}
+
+std::vector<std::string>
+WrapperFactory::autoDataDirArgs(const fs::path& app, const std::optional<std::string>& bundleId) {
+    return dataDirArgs(quorvel::detectEngine(app, bundleId));
+}
+
+std::string WrapperFactory::defaultBundleId(std::string_view name) {
+    return "app.quorvel.instance." + idFragment(name);
+}
+
+std::string WrapperFactory::idFragment(std::string_view name) {
+    return Text::lowerCased(Text::replacingNonAlphanumerics(name, '-'));
 }
 
 } // namespace quorvel

@@ -2,6 +2,7 @@
 
 #include "Base/Error.h"
 #include "LaunchKit/AppBundle.h"
+#include "LaunchKit/AppEngine.h"
 #include "LaunchKit/InstanceConfig.h"
 
 #include <filesystem>
@@ -65,8 +66,7 @@ public:
         std::filesystem::path url_;
     };
 
-    /// The engine that an application is built on.
-    enum class AppEngine { electron, chromium, firefox, eclipse, other };
+    using AppEngine = quorvel::AppEngine;
 
     /// Without a runner, it is located at each `create`.
     explicit WrapperFactory(std::optional<std::filesystem::path> runner = std::nullopt)
@@ -90,6 +90,7 @@ public:
     /// Without `bundleId`, the bundle's own is read. Unreadable bundles are `other`.
     [[nodiscard]] static AppEngine detectEngine(const std::filesystem::path& app,
                                                 const std::optional<std::string>& bundleId);
+    /// Returns whether `detectEngine` finds Electron.
     [[nodiscard]] static bool isElectron(const std::filesystem::path& app);
 
     /// The arguments that put the engine's data into the instance home.
@@ -102,12 +103,5 @@ public:
     /// Lower-cased, with "-" for everything that is no letter, mark or digit.
     [[nodiscard]] static std::string idFragment(std::string_view name);
 };
-
-/// "electron", "chromium", "firefox", "eclipse" or "other".
-[[nodiscard]] std::string_view rawString(WrapperFactory::AppEngine engine);
-
-/// Nothing for any other text.
-[[nodiscard]] std::optional<WrapperFactory::AppEngine>
-appEngineFromRawString(std::string_view text);
 
 } // namespace quorvel

@@ -4,6 +4,7 @@
 #include "LaunchKit/HomeLock.h"
 #include "LaunchKit/InstanceConfig.h"
 #include "LaunchKit/InstanceLauncher.h"
+#include "LaunchKit/WrapperLayout.h"
 #include "Platform/files/FileSystem.h"
 #include "Platform/files/PlatformError.h"
 #include "Platform/processes/SignalForwarder.h"
@@ -77,7 +78,7 @@ int runClone(const fs::path& executable, const std::vector<std::string>& argumen
     const SignalForwarder signals;
 
     const fs::path wrapper = executable.parent_path().parent_path().parent_path();
-    const fs::path file = wrapper / "Contents" / "Resources" / "instance.json";
+    const fs::path file = configOf(wrapper);
     const std::optional<InstanceConfig> config = InstanceConfig::read(file);
     if (!config) {
         return fail(report, "no readable configuration at " + file.string(), runnerBadConfig);

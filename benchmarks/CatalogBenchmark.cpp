@@ -1,9 +1,9 @@
 // What the catalog's scan costs: with a code-signing tool against one bundle after the other, and
 // without one against reading the bundles' files.
-#include "Platform/files/FileWriting.h"
 #include "Base/PropertyList.h"
 #include "LaunchKit/AppCatalog.h"
 #include "Platform/files/FileSystem.h"
+#include "Platform/files/FileWriting.h"
 #include "benchmarks/Benchmarks.h"
 
 #include <fcntl.h>

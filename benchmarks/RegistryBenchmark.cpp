@@ -2,6 +2,7 @@
 #include "benchmarks/Benchmarks.h"
 
 #include "LaunchKit/InstanceRegistry.h"
+#include "LaunchKit/WrapperLayout.h"
 #include "Platform/files/FileSystem.h"
 
 #include <dirent.h>
@@ -25,7 +26,7 @@ void makeWrappers(const fs::path& folder, int count) {
         config.extraArgs = {"--user-data-dir={{instanceHome}}/QuorvelData"};
         config.environment = {{"LANG", "de_DE.UTF-8"}, {"TZ", "Europe/Berlin"}};
         config.iconLabel = IconLabel{"WORK", "#FFFFFF", IconLabel::Position::bottom};
-        const fs::path file = instanceConfigFile(folder / (name + ".app"));
+        const fs::path file = configOf(folder / (name + ".app"));
         createDirectories(file.parent_path());
         writeFile(file, config.json());
     }

@@ -1,4 +1,4 @@
-# What every target of this tree shares: the language, the warnings, the sanitizers.
+# What all targets share: the language, the warnings, the sanitizers.
 
 set(CMAKE_CXX_STANDARD 20)
 set(CMAKE_CXX_STANDARD_REQUIRED ON)
@@ -23,7 +23,7 @@ target_include_directories(quorvel_options INTERFACE "${PROJECT_SOURCE_DIR}")
 target_compile_options(quorvel_options INTERFACE
   -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -Woverloaded-virtual
   -ffunction-sections -fdata-sections
-  # GCC 12 sees overlapping copies in std::string's own code where there are none.
+  # GCC 12 reports overlapping copies in std::string's own code by mistake.
   $<$<CXX_COMPILER_ID:GNU>:-Wno-restrict>
   $<$<BOOL:${QUORVEL_WARNINGS_AS_ERRORS}>:-Werror>)
 target_compile_definitions(quorvel_options INTERFACE
@@ -53,35 +53,10 @@ else()
   target_link_options(quorvel_options INTERFACE LINKER:--as-needed LINKER:--gc-sections)
 endif()
 
-# quorvel_library(NAME SOURCES... ): one storey of the house.
+# quorvel_library(NAME SOURCES... ): one layer, or a part of one.
 function(quorvel_library name)
   add_library(${name} STATIC ${ARGN})
   target_link_libraries(${name} PUBLIC quorvel_options)
-endfunction()
-
-# quorvel_forbid_link(NAME PATTERN [EXCEPT PATTERN]): stops the configuration if what the target is
-# compiled against includes a library of such a name. Static libraries of ours may need more when a
-# program is linked, but don't hand it on.
-function(quorvel_forbid_link name pattern)
-  cmake_parse_arguments(arg "" "EXCEPT" "" ${ARGN})
-  get_target_property(waiting ${name} LINK_LIBRARIES)
-  set(seen)
-  while(waiting)
-    list(POP_FRONT waiting library)
-    if(library IN_LIST seen OR library MATCHES "LINK_ONLY")
-      continue()
-    endif()
-    list(APPEND seen ${library})
-    if(library MATCHES "${pattern}" AND NOT (arg_EXCEPT AND library MATCHES "${arg_EXCEPT}"))
-      message(FATAL_ERROR "${name} must not be built on ${library}")
-    endif()
-    if(TARGET ${library} AND NOT library MATCHES "^Qt6::")
-      get_target_property(next ${library} INTERFACE_LINK_LIBRARIES)
-      if(next)
-        list(APPEND waiting ${next})
-      endif()
-    endif()
-  endwhile()
 endfunction()
 
 # quorvel_executable(NAME SOURCES...)

@@ -1,9 +1,9 @@
 #include "LaunchKit/Icons/IconImage.h"
 
-#include "Platform/files/FileReading.h"
 #include "LaunchKit/Icons/IcnsContainer.h"
 #include "LaunchKit/Icons/IcnsFile.h"
 #include "LaunchKit/Icons/ImageFile.h"
+#include "Platform/files/FileReading.h"
 
 namespace quorvel {
 namespace {

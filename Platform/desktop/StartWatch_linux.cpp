@@ -127,6 +127,7 @@ StartWatch::~StartWatch() {
 void StartWatch::watch(StartedProgram program, const std::filesystem::path& bundle,
                        Workspace::Completion completion) {
     if (program.reports.descriptor() < 0) {
+        program.process.detach();
         completion(std::nullopt);
         return;
     }
@@ -147,7 +148,9 @@ void StartWatch::watch(StartedProgram program, const std::filesystem::path& bund
 }
 
 void StartWatch::waitForReport(Waiting& waiting) {
-    waiting.completion(failureOf(waiting.program, wake_.descriptor(), waiting.bundle));
+    const auto failure = failureOf(waiting.program, wake_.descriptor(), waiting.bundle);
+    waiting.program.process.detach();
+    waiting.completion(failure);
     const std::lock_guard guard(mutex_);
     waiting.over = true;
 }

@@ -1,7 +1,7 @@
 #include "Platform/desktop/Workspace.h"
 
+#include "Base/BundleLayout.h"
 #include "Base/BundleName.h"
-#include "Base/PathText.h"
 #include "Platform/desktop/FileManager_linux.h"
 #include "Platform/desktop/OsRelease_linux.h"
 #include "Platform/desktop/ProcessTable_linux.h"
@@ -24,16 +24,14 @@
 namespace quorvel {
 namespace {
 
-std::filesystem::path executableOf(const std::filesystem::path& bundle) {
-    const auto dictionary =
-        readPropertyList(bundle / "Contents" / "Info.plist", {"CFBundleExecutable"});
+std::filesystem::path executableIn(const std::filesystem::path& bundle) {
+    const auto dictionary = readPropertyList(infoPlistOf(bundle), {"CFBundleExecutable"});
     if (!dictionary) {
         throw PlatformError(std::make_error_code(std::errc::no_such_file_or_directory), bundle,
                             "opened");
     }
-    return joinAsText(bundle / "Contents" / "MacOS",
-                      PropertyList::stringFor(*dictionary, "CFBundleExecutable")
-                          .value_or(bundleFallbackName(bundle)));
+    return executableOf(bundle, PropertyList::stringFor(*dictionary, "CFBundleExecutable")
+                                    .value_or(bundleFallbackName(bundle)));
 }
 
 // Serializes concurrent opens of a bundle, also by other programs, so that only one of them starts
@@ -61,7 +59,7 @@ public:
         try {
             const FileHandle lock = lockBundle(bundle);
             if (!isRunning(bundle)) {
-                StartedProgram program = startProgram(executableOf(bundle));
+                StartedProgram program = startProgram(executableIn(bundle));
                 awaitCommandLine(program.process.identifier());
                 starts_.watch(std::move(program), bundle, std::move(completion));
                 return;

@@ -72,7 +72,7 @@ void createDirectories(const fs::path& folder) {
     if (hasNul(folder)) {
         code = std::make_error_code(std::errc::invalid_argument);
     } else {
-        // A slash at the end would make the last component empty, which counts as not created.
+        // With a trailing slash, the last component would be empty, which counts as not created.
         fs::create_directories(withoutTrailingSlashes(folder), code);
     }
     if (!code && !fs::is_directory(folder, code) && !code) {

@@ -16,7 +16,7 @@ namespace quorvel {
 namespace fs = std::filesystem;
 namespace {
 
-// Without O_NONBLOCK, what was put in the place of a file could block.
+// O_NONBLOCK, because a file may have been replaced by a FIFO.
 constexpr int reading = O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY | O_CLOEXEC;
 
 bool isUnchanged(int descriptor, const struct stat& before) {
@@ -69,7 +69,7 @@ void TreeCopy::fail(const Place& place, int error) const {
         inside.clear();
     }
     const std::string where = inside.empty() ? "" : "“" + inside.string() + "” ";
-    // The system's own words for these two would tell nobody what happened.
+    // The system's messages for these two would be misleading.
     if (error == EXDEV) {
         throw PlatformError::because(where + "is another file system", item_, "moved");
     }
@@ -119,7 +119,7 @@ void TreeCopy::copyFolder(const Place& place, const struct stat& facts) {
                   .name = name,
                   .inside = place.inside / name});
     }
-    // What can't be removed afterwards is better not moved at all.
+    // The original could not be removed afterwards.
     const bool emptied =
         names.empty() || ::faccessat(from->descriptor(), ".", W_OK | X_OK, AT_EACCESS) == 0;
     if (!emptied || !isUnchanged(from->descriptor(), facts) ||
@@ -173,7 +173,7 @@ void TreeCopy::copyNode(const Place& place, const struct stat& facts) {
     }
 }
 
-// Compared beyond its number, which the system may give to another file once all names are gone.
+// The inode number alone is not enough: it may have been reused after the file was removed.
 bool TreeCopy::linkToCopy(const Place& place, const struct stat& facts) {
     const Identity identity{facts.st_dev, facts.st_ino};
     const auto here = linked_.find(identity);

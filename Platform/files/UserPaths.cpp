@@ -1,6 +1,7 @@
 #include "Platform/files/UserPaths.h"
 
 #include "Base/PathText.h"
+#include "Platform/files/HomeOrder.h"
 
 #include <cstdlib>
 #include <mutex>
@@ -57,10 +58,14 @@ std::string home() {
     if (auto fixed = fromEnvironment("CFFIXED_USER_HOME")) {
         return *fixed;
     }
+    const std::optional<std::string> variable = fromEnvironment("HOME");
+    if (variable && homeVariableComesFirst()) {
+        return *variable;
+    }
     if (const auto& listed = currentUsersHome()) {
         return *listed;
     }
-    return fromEnvironment("HOME").value_or("/");
+    return variable.value_or("/");
 }
 
 std::string expandTilde(std::string_view path) {

@@ -242,12 +242,17 @@ Process& Process::operator=(Process&& other) noexcept {
 }
 
 Process::~Process() {
-    if (pid_ > 0 && isRunning()) {
-        try {
-            std::thread([pid = pid_] { waitFor(pid); }).detach();
-        } catch (const std::system_error&) {
-            // Without a thread to wait for it, its entry stays until this process ends.
-        }
+    (void)isRunning(); // reaps one that has ended
+}
+
+void Process::detach() {
+    if (!isRunning()) {
+        return;
+    }
+    try {
+        std::thread([pid = std::exchange(pid_, 0)] { waitFor(pid); }).detach();
+    } catch (const std::system_error&) {
+        // Without a thread it stays a zombie until this process ends.
     }
 }
 

@@ -16,7 +16,7 @@ using Clock = std::chrono::steady_clock;
 constexpr milliseconds nap{20};
 constexpr milliseconds leastPatience{1000};
 
-// What the processes started, even if it is no longer below them.
+// The processes that the roots started, even if they are no longer descendants.
 class StartedProcesses {
 public:
     explicit StartedProcesses(const std::vector<IsolatedProcess>& roots) {

@@ -11,15 +11,15 @@ namespace {
 std::optional<ProbeResult> probeApp(const std::filesystem::path& app,
                                     const std::shared_ptr<Workspace>& workspace,
                                     const std::atomic<bool>& quitting) {
-    AppProber::Surroundings surroundings;
-    surroundings.workspace = workspace;
-    auto prober = AppProber::forApp(app, std::move(surroundings));
+    AppProber::Dependencies dependencies;
+    dependencies.workspace = workspace;
+    auto prober = AppProber::forApp(app, std::move(dependencies));
     if (!prober) {
         return std::nullopt;
     }
-    AppProber::Control control;
-    control.cancelled = &quitting;
-    return prober->run(control);
+    AppProber::Options options;
+    options.cancelled = &quitting;
+    return prober->run(options);
 }
 
 } // namespace

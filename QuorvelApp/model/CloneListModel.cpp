@@ -1,5 +1,6 @@
 #include "QuorvelApp/model/CloneListModel.h"
 
+#include "LaunchKit/WrapperLayout.h"
 #include "Presentation/CloneFacts.h"
 #include "QuorvelApp/model/DisplayText.h"
 #include "QuorvelApp/model/QtText.h"
@@ -28,7 +29,7 @@ bool hasRepeated(const std::vector<InstanceRecord>& clones) {
 
 // Without a look at the disk: this is asked at each painting.
 std::filesystem::path iconPathOf(const InstanceRecord& clone) {
-    return clone.bundleURL / "Contents" / "Resources" / "AppIcon.icns";
+    return iconOf(clone.id());
 }
 
 void CloneListModel::setClones(const std::vector<InstanceRecord>& clones) {

@@ -49,7 +49,7 @@ TEST(PropertyListTest, EmptyContainersAreRead) {
     EXPECT_EQ(PropertyList::parseDictionary(document("<dict/>")), PropertyListDictionary{});
 }
 
-TEST(PropertyListTest, DatesAndDataAreThereWithoutTheirValue) {
+TEST(PropertyListTest, DatesAndDataHaveNoValue) {
     EXPECT_EQ(valueOf("<data>AAEC</data>"), PropertyListValue{});
     EXPECT_TRUE(
         PropertyList::parseDictionary(dictionaryHolding("<date>2020-01-01T00:00:00Z</date>"))
@@ -68,7 +68,7 @@ TEST(PropertyListTest, TheUsualDoctypeIsUnderstood) {
     EXPECT_EQ(PropertyList::parseDictionary(bytes), (PropertyListDictionary{{"a", true}}));
 }
 
-TEST(PropertyListTest, OnlyADictionaryWillDo) {
+TEST(PropertyListTest, OnlyADictionaryIsAccepted) {
     EXPECT_FALSE(PropertyList::parseDictionary(document("<array/>")));
     EXPECT_FALSE(PropertyList::parseDictionary(document("<string>x</string>")));
     EXPECT_FALSE(PropertyList::parseDictionary(""));
@@ -77,7 +77,7 @@ TEST(PropertyListTest, OnlyADictionaryWillDo) {
     EXPECT_FALSE(PropertyList::parseDictionary("\0\0\0\0"s));
 }
 
-TEST(PropertyListTest, ATruncatedDocumentIsNoneOrShorterAndNeverACrash) {
+TEST(PropertyListTest, ATruncatedDocumentIsRefusedOrShorterAndNeverACrash) {
     const std::string whole = dictionaryHolding("<array><string>a</string><real>1</real></array>");
     for (std::size_t length = 0; length < whole.size(); ++length) {
         (void)PropertyList::parseDictionary(whole.substr(0, length));
@@ -85,7 +85,7 @@ TEST(PropertyListTest, ATruncatedDocumentIsNoneOrShorterAndNeverACrash) {
     EXPECT_TRUE(PropertyList::parseDictionary(whole));
 }
 
-TEST(PropertyListTest, BytesThatAreNoUtf8AreTakenAsLatin1) {
+TEST(PropertyListTest, InvalidUtf8IsReadAsLatin1) {
     const std::string bytes =
         document("<dict><key>CFBundleName</key><string>Caf\xE9</string></dict>");
     EXPECT_EQ(PropertyList::stringFor(*PropertyList::parseDictionary(bytes), "CFBundleName"),
@@ -99,7 +99,7 @@ TEST(PropertyListTest, TheLastOfEqualKeysCounts) {
     EXPECT_EQ(dictionary->at("a"), "2");
 }
 
-TEST(PropertyListTest, OnlyTheKeysThatAreWantedAreThere) {
+TEST(PropertyListTest, OnlyTheRequestedKeysAreReturned) {
     const std::string xml = PropertyList::xml(
         {{"a", "1"}, {"b", PropertyListDictionary{{"a", "deep"}}}, {"ab", "2"}, {"c", true}});
     EXPECT_EQ(PropertyList::parseDictionary(xml, {"a", "c", "none"}),
@@ -150,12 +150,12 @@ TEST(PropertyListTest, TheXmlIsAVersion1Document) {
     EXPECT_NE(xml.find("<plist version=\"1.0\">"), std::string::npos);
 }
 
-TEST(PropertyListTest, NegativeNumbersAreWrittenAsSuch) {
+TEST(PropertyListTest, NegativeNumbersAreWrittenAsNegative) {
     EXPECT_NE(PropertyList::xml({{"n", std::int64_t{-7}}}).find("<integer>-7</integer>"),
               std::string::npos);
 }
 
-TEST(PropertyListTest, WhatXmlCantHoldIsRefused) {
+TEST(PropertyListTest, TextThatXmlCantRepresentIsRefused) {
     for (const std::string& text :
          {"\x01"s, "a\0b"s, "\x1B[31m"s, "\xFF"s, "a\uFFFE"s, "\uFFFFb"s}) {
         EXPECT_THROW((void)PropertyList::xml({{"k", text}}), std::invalid_argument);
@@ -167,7 +167,7 @@ TEST(PropertyListTest, WhatXmlCantHoldIsRefused) {
     }
 }
 
-TEST(PropertyListTest, ABinaryFileOfAnotherToolIsRead) {
+TEST(PropertyListTest, ABinaryFileFromAnotherToolIsRead) {
     if (!isExecutableFile("/usr/bin/plistutil")) {
         GTEST_SKIP() << "plistutil is not installed";
     }
@@ -188,7 +188,7 @@ TEST(PropertyListTest, ABinaryFileOfAnotherToolIsRead) {
     EXPECT_EQ(readPropertyList(folder / "binary.plist"), dictionary);
 }
 
-TEST(PropertyListTest, WhatIsNoReadableFileHoldsNoDictionary) {
+TEST(PropertyListTest, AnUnreadableFileIsRefused) {
     const TemporaryFolder folder;
     fs::create_symlink(folder / "loop", folder / "loop");
     ::mkfifo((folder / "fifo").c_str(), 0600);
@@ -199,7 +199,7 @@ TEST(PropertyListTest, WhatIsNoReadableFileHoldsNoDictionary) {
     EXPECT_FALSE(readPropertyList("/dev/zero"));
 }
 
-TEST(PropertyListTest, AFileOverTheLimitHoldsNoDictionary) {
+TEST(PropertyListTest, AFileOverTheLimitIsRefused) {
     const TemporaryFolder folder;
     write(folder / "huge", document("<dict/>"));
     fs::resize_file(folder / "huge", std::uintmax_t{100} << 20U);

@@ -1,4 +1,4 @@
-// Property lists as other tools write them, and as XML allows.
+// Property lists as other tools write them and as XML allows.
 #include "Base/PropertyList.h"
 #include "Base/PropertyListLimits.h"
 
@@ -35,7 +35,7 @@ void expectText(const std::string& document, const std::string& text) {
         << document;
 }
 
-TEST(PropertyListXmlTest, AByteOrderMarkMeansNothing) {
+TEST(PropertyListXmlTest, AByteOrderMarkIsSkipped) {
     EXPECT_EQ(PropertyList::parseDictionary(mark + declaration + list), expected);
     EXPECT_EQ(PropertyList::parseDictionary(mark + list), expected);
 }
@@ -62,7 +62,7 @@ TEST(PropertyListXmlTest, BrokenUtf16IsRefused) {
     }
 }
 
-TEST(PropertyListXmlTest, AnInternalSubsetIsPassedOver) {
+TEST(PropertyListXmlTest, AnInternalSubsetIsSkipped) {
     const std::string value = "<string>v</string>";
     for (const char* subset :
          {"<!DOCTYPE plist [ ]>", "<!DOCTYPE plist [<!ELEMENT plist ANY>\n<!ENTITY e \"]>\">]>",
@@ -72,8 +72,8 @@ TEST(PropertyListXmlTest, AnInternalSubsetIsPassedOver) {
     }
 }
 
-// Each level would unfold to ten of the one before.
-TEST(PropertyListXmlTest, EntitiesOfItsOwnAreNeverOpened) {
+// Each entity would expand to ten of the previous one.
+TEST(PropertyListXmlTest, EntitiesAreNeverExpanded) {
     std::string subset = "<!DOCTYPE plist [<!ENTITY e0 \"lol\">";
     for (int level = 1; level < 30; ++level) {
         subset += "<!ENTITY e" + std::to_string(level) + " \"";
@@ -89,7 +89,7 @@ TEST(PropertyListXmlTest, EntitiesOfItsOwnAreNeverOpened) {
     expectText(inList(subset + "]>", "<string>&lt;&amp;&#233;&#x1F600;</string>"), "<&é😀");
 }
 
-TEST(PropertyListXmlTest, AnAttributeMayHoldTheEndOfATag) {
+TEST(PropertyListXmlTest, AnAttributeMayContainAClosingBracket) {
     expectText("<plist version=\">\"><dict a='>'><key b=\"'/>\">k</key><string c='\">'>v</string>"
                "</dict></plist>",
                "v");
@@ -97,12 +97,12 @@ TEST(PropertyListXmlTest, AnAttributeMayHoldTheEndOfATag) {
               (PropertyListDictionary{{"k", PropertyListArray{true}}}));
 }
 
-TEST(PropertyListXmlTest, CommentsAndInstructionsMayHoldAnything) {
+TEST(PropertyListXmlTest, CommentsAndInstructionsMayContainAnything) {
     expectText(inList("<?x > <!-- ?><!-- <dict> ' -->", "<?y </dict> ?><string>v</string>"), "v");
     expectText(inList("<!DOCTYPE plist []>", "<string><![CDATA[<a> & ]]]>v</string>"), "<a> & ]v");
 }
 
-TEST(PropertyListXmlTest, WhatDoesNotEndIsRefused) {
+TEST(PropertyListXmlTest, UnterminatedMarkupIsRefused) {
     for (const char* start : {"<!DOCTYPE plist [", "<!DOCTYPE plist [<!-- ]>", "<!DOCTYPE 'plist>",
                               "<!DOCTYPE plist [<!ENTITY e \"]>", "<? >", "<!-- >", "<![CDATA[ >",
                               "<a '>", "<a b=\"", "<>", "<", "</", "<!ELEMENT a>"}) {
@@ -115,7 +115,7 @@ TEST(PropertyListXmlTest, ADeclarationWithinTheListIsRefused) {
     EXPECT_FALSE(PropertyList::parseDictionary(inList("", "<!DOCTYPE a []><true/>")));
 }
 
-TEST(PropertyListXmlTest, NestingIsLimitedHoweverItIsWritten) {
+TEST(PropertyListXmlTest, NestingIsLimitedInEverySpelling) {
     std::string nested;
     for (int level = 0; level < 100'000; ++level) {
         nested += "<array a='>'>";

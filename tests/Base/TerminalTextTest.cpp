@@ -5,29 +5,29 @@
 namespace quorvel {
 namespace {
 
-TEST(TerminalTextTest, OrdinaryTextOfEveryScriptStays) {
+TEST(TerminalTextTest, OrdinaryTextOfEveryScriptIsUnchanged) {
     EXPECT_EQ(terminalText("Café “Work” – 工作 😀"), "Café “Work” – 工作 😀");
 }
 
-TEST(TerminalTextTest, ControlCharactersAreShownNotSent) {
+TEST(TerminalTextTest, ControlCharactersAreEscaped) {
     EXPECT_EQ(terminalText("a\x1b[2Jb"), "a\\u{1b}[2Jb");
     EXPECT_EQ(terminalText("line\nbreak\ttab\rreturn"), "line\\nbreak\\ttab\\u{d}return");
     EXPECT_EQ(terminalText("\x7f\xc2\x9b"), "\\u{7f}\\u{9b}");
     EXPECT_EQ(terminalText(std::string_view("nul\0here", 8)), "nul\\u{0}here");
 }
 
-TEST(TerminalTextTest, CharactersThatTurnTheWritingDirectionAreShown) {
+TEST(TerminalTextTest, BidirectionalControlCharactersAreEscaped) {
     EXPECT_EQ(terminalText("exe\u202egnp"), "exe\\u{202e}gnp");
     EXPECT_EQ(terminalText("\u2066x\u2069"), "\\u{2066}x\\u{2069}");
 }
 
-TEST(TerminalTextTest, BytesThatAreNoTextAreShownAsNumbers) {
+TEST(TerminalTextTest, InvalidBytesAreEscaped) {
     EXPECT_EQ(terminalText("a\xff\xfe"
                            "b\xc3"),
               "a\\xff\\xfeb\\xc3");
 }
 
-TEST(TerminalTextTest, WhatCantBeSeenIsShown) {
+TEST(TerminalTextTest, InvisibleCharactersAreEscaped) {
     EXPECT_EQ(terminalText("Work\u200b \u2060\u00ad\ufeff"),
               "Work\\u{200b} \\u{2060}\\u{ad}\\u{feff}");
     EXPECT_EQ(terminalText("\U000E0041"), "\\u{e0041}");

@@ -17,12 +17,12 @@ std::vector<std::string_view> sorted(const std::vector<std::string_view>& names)
     return result;
 }
 
-TEST(TextTest, NamesAreOrderedAsAPersonDoes) {
+TEST(TextTest, NamesAreOrderedIgnoringCase) {
     EXPECT_THAT(sorted({"Fred", "Beta", "", "Émile", "alpha"}),
                 ElementsAre("", "alpha", "Beta", "Émile", "Fred"));
 }
 
-TEST(TextTest, NamesThatDifferInCaseAloneStayInTheirOrder) {
+TEST(TextTest, NamesThatDifferOnlyInCaseKeepTheirOrder) {
     EXPECT_THAT(sorted({"b", "alpha", "Alpha", "ALPHA"}),
                 ElementsAre("alpha", "Alpha", "ALPHA", "b"));
     EXPECT_THAT(sorted({"b", "ALPHA", "alpha", "Alpha"}),
@@ -31,7 +31,7 @@ TEST(TextTest, NamesThatDifferInCaseAloneStayInTheirOrder) {
     EXPECT_THAT(sorted({"ÉCOLE", "école"}), ElementsAre("ÉCOLE", "école"));
 }
 
-TEST(TextTest, AccentsTellNamesApart) {
+TEST(TextTest, AccentsDistinguishNames) {
     EXPECT_THAT(sorted({"résumé", "resume"}), ElementsAre("resume", "résumé"));
     EXPECT_THAT(sorted({"resume", "résumé"}), ElementsAre("resume", "résumé"));
 }
@@ -58,7 +58,7 @@ TEST(TextTest, AnEmptyPartIsNeverContained) {
     EXPECT_FALSE(Text::containsIgnoringCase("", "", ""));
 }
 
-TEST(TextTest, CaseMappingsAreFullOnes) {
+TEST(TextTest, CaseMappingsAreFull) {
     EXPECT_EQ(Text::upperCased("Straße"), "STRASSE");
     EXPECT_EQ(Text::lowerCased("ÉCOLE"), "école");
     EXPECT_EQ(Text::lowerCased("TITLE"), "title");
@@ -77,13 +77,13 @@ TEST(TextTest, EveryOtherScalarIsReplacedByItself) {
     EXPECT_EQ(Text::replacingNonAlphanumerics("a\xFF", '-'), "a-");
 }
 
-TEST(TextTest, TrimmingLeavesLineBreaksUnlessAsked) {
+TEST(TextTest, TrimmingKeepsLineBreaksUnlessAsked) {
     EXPECT_EQ(Text::trimmingWhitespace(" \t a b \t"), "a b");
     EXPECT_EQ(Text::trimmingWhitespace("\n a"), "\n a");
     EXPECT_EQ(Text::trimmingWhitespaceAndNewlines("\r\n a \n"), "a");
 }
 
-TEST(TextTest, TrimmingKnowsTheSpacesOfEveryScript) {
+TEST(TextTest, TrimmingRemovesTheSpacesOfEveryScript) {
     EXPECT_EQ(Text::trimmingWhitespace("\u00A0\u3000x\u2003"), "x");
     EXPECT_EQ(Text::trimmingWhitespaceAndNewlines("\u2028x\u2029\u0085"), "x");
 }
@@ -94,7 +94,7 @@ TEST(TextTest, TrimmingOnlySpaceLeavesNothing) {
     EXPECT_EQ(Text::trimmingWhitespace(""), "");
 }
 
-TEST(TextTest, TrimmingLeavesBytesThatAreNoTextAsTheyAre) {
+TEST(TextTest, TrimmingKeepsInvalidBytes) {
     EXPECT_EQ(Text::trimmingWhitespace(" \xFF\xFE "), "\xFF\xFE");
     EXPECT_EQ(Text::trimmingWhitespaceAndNewlines("\xC3 "), "\xC3");
 }
@@ -104,7 +104,7 @@ TEST(TextTest, TheFirstCaptureIsThatOfTheFirstMatch) {
     EXPECT_EQ(Text::firstCapture("a(\\d+)", "b"), std::nullopt);
 }
 
-TEST(TextTest, AGroupThatTookNoPartIsNoCapture) {
+TEST(TextTest, AGroupThatDidNotParticipateIsNotACapture) {
     EXPECT_EQ(Text::firstCapture("a(b)?", "ac"), std::nullopt);
 }
 

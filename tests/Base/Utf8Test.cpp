@@ -13,7 +13,7 @@ TEST(Utf8Test, WellFormedTextIsUtf8) {
     EXPECT_TRUE(isUtf8("é 語 😀"));
 }
 
-TEST(Utf8Test, BrokenTextIsNot) {
+TEST(Utf8Test, MalformedTextIsNotUtf8) {
     EXPECT_FALSE(isUtf8("\xE9t\xE9"));
     EXPECT_FALSE(isUtf8("cut off \xE8\xAA"));
     EXPECT_FALSE(isUtf8("\xC0\xAF")) << "a longer form than needed";

@@ -1,9 +1,11 @@
 #include "LaunchKit/HomeLock.h"
+#include "LaunchKit/InstanceConfig.h"
 #include "tests/CommandLine/CommandLineHarness.h"
 #include "tests/support/AppBundles.h"
-#include "tests/support/OrdinaryUser.h"
+#include "tests/support/UnprivilegedUser.h"
 
 #include <gmock/gmock.h>
+#include <nlohmann/json.hpp>
 
 namespace quorvel {
 namespace {
@@ -53,7 +55,7 @@ TEST(CommandLineTest, EveryCommandHasHelp) {
     }
 }
 
-TEST(CommandLineTest, InspectTellsTheFactsAboutAnApplication) {
+TEST(CommandLineTest, InspectPrintsTheFactsAboutAnApplication) {
     CommandLineHarness harness;
     const auto app = makeAppBundle(
         harness.home / "Browser.app",
@@ -71,7 +73,7 @@ TEST(CommandLineTest, InspectTellsTheFactsAboutAnApplication) {
     EXPECT_EQ(json.size(), 8U);
 }
 
-TEST(CommandLineTest, InspectRefusesWhatIsNoApplication) {
+TEST(CommandLineTest, InspectRefusesWhatIsNotAnApplication) {
     CommandLineHarness harness;
     const CommandResult result = harness.run({"inspect", "/no/such.app", "--json"});
     EXPECT_EQ(result.status, 1);
@@ -102,7 +104,7 @@ TEST(CommandLineTest, ListLooksOnceForWhatRunsHoweverManyClonesThereAre) {
     EXPECT_EQ(harness.workspace.snapshots, 1);
 }
 
-TEST(CommandLineTest, ListLooksInTheFoldersThatItIsGiven) {
+TEST(CommandLineTest, ListSearchesTheGivenFolders) {
     CommandLineHarness harness;
     addClone(harness, "At home");
     makeWrapper(harness.home / "a/One.app", minimalConfig("One"));
@@ -138,7 +140,7 @@ TEST(CommandLineTest, ShowFindsACloneByNameAndByPath) {
     }
 }
 
-TEST(CommandLineTest, ShowPrintsTheConfigurationAsItStandsInTheFile) {
+TEST(CommandLineTest, ShowPrintsTheConfigurationAsItIsInTheFile) {
     CommandLineHarness harness;
     const auto wrapper = addClone(harness, "Work");
     EXPECT_EQ(harness.run({"show", "Work", "--json"}).json()["config"],
@@ -157,7 +159,7 @@ TEST(CommandLineTest, AnAmbiguousNameIsAnErrorThatListsThePaths) {
     EXPECT_TRUE(std::filesystem::exists(first));
 }
 
-TEST(CommandLineTest, APathMeansThePathWhateverAnotherCloneIsCalled) {
+TEST(CommandLineTest, APathIsAPathEvenIfACloneHasThatName) {
     CommandLineHarness harness;
     const auto meant = addClone(harness, "Mail");
     makeWrapper(harness.home / "Applications/Trap.app", minimalConfig(meant.string()));
@@ -181,7 +183,7 @@ TEST(CommandLineTest, AnUnknownCloneIsAnErrorOfOneLine) {
     EXPECT_EQ(result.errors, "There is no clone named “no\\nsuch\\u{1b}[31m”.\n");
 }
 
-TEST(CommandLineTest, AnApplicationThatIsNoCloneIsRefused) {
+TEST(CommandLineTest, AnApplicationThatIsNotACloneIsRefused) {
     CommandLineHarness harness;
     const auto app = makeAppBundle(harness.home / "Applications/Mail.app");
     const CommandResult result = harness.run({"delete", app.string(), "--yes"});
@@ -226,7 +228,7 @@ TEST(CommandLineTest, OpenLeavesTheHomeOfOtherKindsAlone) {
     EXPECT_FALSE(std::filesystem::exists(harness.home / "QuorvelInstances"));
 }
 
-TEST(CommandLineTest, OpenTellsWhyACloneCantBeOpened) {
+TEST(CommandLineTest, OpenSaysWhyACloneCantBeOpened) {
     CommandLineHarness harness;
     addClone(harness, "Work");
     harness.workspace.openError =
@@ -237,7 +239,7 @@ TEST(CommandLineTest, OpenTellsWhyACloneCantBeOpened) {
     EXPECT_EQ(result.errors, "“Work.app” couldn’t be opened: permission denied\n");
 }
 
-TEST(CommandLineTest, DeleteNeedsYesWhereNobodyCanBeAsked) {
+TEST(CommandLineTest, DeleteNeedsYesWhenInputIsNotATerminal) {
     CommandLineHarness harness;
     const auto wrapper = addClone(harness, "Work");
     const CommandResult result = harness.run({"delete", "Work"});
@@ -333,13 +335,13 @@ TEST(CommandLineTest, MigrateNamesWhatStaysAndDoesNotShareThen) {
     write(data / "Documents/b", "2");
     std::filesystem::create_directories(harness.home / "Documents");
     std::filesystem::create_symlink("nowhere", harness.home / "Documents" / stayed.filename());
-    const std::string told = "“a\\u{1b}[31m” couldn’t be moved: file exists\n"
-                             "Not everything was moved; the rest is still in " +
-                             data.string() + ".\n";
+    const std::string expected = "“a\\u{1b}[31m” couldn’t be moved: file exists\n"
+                                 "Not everything was moved; the rest is still in " +
+                                 data.string() + ".\n";
     CommandResult result = harness.run({"migrate", "Work"});
     EXPECT_EQ(result.status, 1);
     EXPECT_EQ(result.output, "Moved 1 from Documents\n");
-    EXPECT_EQ(result.errors, told);
+    EXPECT_EQ(result.errors, expected);
     EXPECT_FALSE(InstanceRegistry().record(wrapper)->config.shareUserFolders);
     EXPECT_EQ(read(stayed), "1");
 
@@ -350,7 +352,7 @@ TEST(CommandLineTest, MigrateNamesWhatStaysAndDoesNotShareThen) {
                               {"unmoved",
                                {{{"path", stayed.string()},
                                  {"reason", "“a\x1b[31m” couldn’t be moved: file exists"}}}}}));
-    EXPECT_EQ(result.errors, told);
+    EXPECT_EQ(result.errors, expected);
     EXPECT_FALSE(InstanceRegistry().record(wrapper)->config.shareUserFolders);
 }
 
@@ -359,17 +361,18 @@ TEST(CommandLineTest, MigrateSaysWhenSharingCantBeSwitchedOn) {
     const TemporaryFolder home;
     const ScopedEnvironment usersHome("CFFIXED_USER_HOME", home.path().string());
     const std::filesystem::path wrapper = home / "Applications/Work.app";
-    EXPECT_TRUE(asOrdinaryUser(home.path(), [&] {
+    EXPECT_TRUE(asUnprivilegedUser(home.path(), [&] {
         InstanceConfig config = minimalConfig("Work");
         config.shareUserFolders = false;
         makeWrapper(wrapper, config);
         write(home / "QuorvelInstances/Work/Downloads/a", "1");
-        std::filesystem::permissions(instanceConfigFile(wrapper), std::filesystem::perms{0444});
+        std::filesystem::permissions(wrapper / "Contents/Resources/instance.json",
+                                     std::filesystem::perms{0444});
         const CommandResult result = harness.run({"migrate", "Work", "--json"});
         const auto now = InstanceRegistry().record(wrapper);
         return result.status == 1 && result.output.empty() &&
                result.errors == "The clone at " + wrapper.string() +
-                                    " can’t be changed; it does not share the folders yet.\n" &&
+                                    " couldn’t be changed, so folder sharing is still off.\n" &&
                now && !now->config.shareUserFolders && read(home / "Downloads/a") == "1";
     }));
 }

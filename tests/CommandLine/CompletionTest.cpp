@@ -1,5 +1,6 @@
 // Presses Tab in real shells, among names that were made to harm.
 #include "Base/PathText.h"
+#include "LaunchKit/InstanceConfig.h"
 #include "Platform/files/FileSystem.h"
 #include "tests/CommandLine/InteractiveShell.h"
 #include "tests/support/AppBundles.h"
@@ -90,7 +91,8 @@ protected:
         }
         Words words;
         std::string bytes = testing::read(answer_);
-        for (std::size_t end = bytes.find('\0'); end != bytes.npos; end = bytes.find('\0')) {
+        for (std::size_t end = bytes.find('\0'); end != std::string_view::npos;
+             end = bytes.find('\0')) {
             words.push_back(bytes.substr(0, end));
             bytes.erase(0, end + 1);
         }
@@ -152,7 +154,7 @@ TEST_P(CompletionTest, StopWhereSeveralNamesPart) {
     for (const std::string& name : names) {
         const fs::path one = addClone(name + " one");
         const fs::path two = addClone(name + " $two");
-        // Bash could not go on from a control character.
+        // Bash can't continue after a control character.
         const auto* const control = std::find_if(name.data(), name.data() + name.size(),
                                                  [](char c) { return c >= 0 && c < ' '; });
         const bool whole = !isBash() || control == name.data() + name.size();
@@ -165,7 +167,7 @@ TEST_P(CompletionTest, StopWhereSeveralNamesPart) {
     expectNothingDone();
 }
 
-TEST_P(CompletionTest, GoOnAfterCharactersThatBreakWords) {
+TEST_P(CompletionTest, ContinueAfterCharactersThatBreakWords) {
     for (const char* start : {"a:", "a=", "a@", "a::b=$x:", ":"}) {
         const fs::path one = addClone(start + std::string("one it's"));
         const fs::path two = addClone(start + std::string("two it's"));

@@ -4,6 +4,7 @@
 #include "tests/support/AppBundles.h"
 
 #include <gmock/gmock.h>
+#include <nlohmann/json.hpp>
 
 namespace quorvel {
 namespace {
@@ -46,7 +47,7 @@ TEST_F(CreateCommandTest, MakesAnAppCloneAndPrintsItsPath) {
               app.string());
 }
 
-TEST_F(CreateCommandTest, TakesTheEnginesArgumentsUnlessToldOtherwise) {
+TEST_F(CreateCommandTest, TakesTheEnginesArgumentsByDefault) {
     const auto app = makeAppBundle(harness.home / "Browser.app",
                                    {{"CFBundleIdentifier", "org.chromium.Chromium"}});
     const std::vector<std::string> words{"--target", app.string(), "--name", "B"};
@@ -128,7 +129,7 @@ TEST_F(CreateCommandTest, RelativePathsAreMadeAbsolute) {
     EXPECT_EQ(json["openPath"], (fs::current_path() / "x.txt").string());
 }
 
-TEST_F(CreateCommandTest, PutsTheCloneWhereItIsTold) {
+TEST_F(CreateCommandTest, PutsTheCloneIntoTheGivenFolder) {
     const CommandResult result =
         create(commandWords({"--output", (harness.home / "Elsewhere").string()}));
     EXPECT_EQ(result.json()["bundleURL"], (harness.home / "Elsewhere/Work.app").string());
@@ -155,7 +156,7 @@ TEST_F(CreateCommandTest, RefusesNamesThatWouldLeaveTheFolder) {
     EXPECT_FALSE(fs::exists(harness.home / "Applications"));
 }
 
-TEST_F(CreateCommandTest, RefusesNamesThatAreNoTextOrHoldControlCharacters) {
+TEST_F(CreateCommandTest, RefusesNamesThatAreNotTextOrContainControlCharacters) {
     for (const char* name : {"\xff\xfe", "bell\x07"}) {
         const CommandResult result =
             create({"--kind", "command", "--command", "/bin/true", "--name", name});
@@ -186,7 +187,7 @@ TEST_F(CreateCommandTest, SaysWhatIsMissing) {
               "Runner binary not found: /no/runner\n");
 }
 
-TEST_F(CreateCommandTest, WrongWordsAreWrongUsage) {
+TEST_F(CreateCommandTest, InvalidValuesAreWrongUsage) {
     for (const std::vector<std::string>& words : {std::vector<std::string>{"--kind", "movie"},
                                                   {"--kind", "web", "--name", "x"},
                                                   {"--kind", "file", "--name", "x"},
@@ -205,7 +206,7 @@ TEST_F(CreateCommandTest, MakingACloneAgainReplacesIt) {
     EXPECT_EQ(harness.run({"list", "--json"}).json().size(), 1U);
 }
 
-TEST_F(CreateCommandTest, NeverReplacesAnApplicationThatIsNoClone) {
+TEST_F(CreateCommandTest, NeverReplacesAnApplicationThatIsNotAClone) {
     const auto app = makeAppBundle(harness.home / "Applications/Work.app");
     const auto before = treeOf(app);
     for (const char* name : {"Work", "Work ", " Work\n"}) {

@@ -2,6 +2,7 @@
 #include "tests/support/AppBundles.h"
 
 #include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
 
 namespace quorvel {
 namespace {
@@ -27,7 +28,7 @@ TEST(CreateWordsTest, EachSwitchSetsItsOwnFieldAlone) {
     }
 }
 
-TEST(CreateWordsTest, AValueThatIsAWordOfItsOwnMayLookLikeAnything) {
+TEST(CreateWordsTest, AValueInAnArgumentOfItsOwnMayLookLikeAnything) {
     CommandLineHarness harness;
     const auto json = harness
                           .run({"create",    "--kind",    "command",

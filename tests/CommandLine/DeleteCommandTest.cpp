@@ -1,9 +1,11 @@
 #include "LaunchKit/HomeLock.h"
+#include "LaunchKit/InstanceConfig.h"
 #include "tests/CommandLine/CommandLineHarness.h"
 #include "tests/support/AppBundles.h"
-#include "tests/support/OrdinaryUser.h"
+#include "tests/support/UnprivilegedUser.h"
 
 #include <gmock/gmock.h>
+#include <nlohmann/json.hpp>
 
 namespace quorvel {
 namespace {
@@ -67,7 +69,7 @@ TEST_F(DeleteCommandTest, WarnsInTheQuestionWhenTheCloneRuns) {
     EXPECT_TRUE(fs::exists(data / "file"));
 }
 
-TEST_F(DeleteCommandTest, WarnsOnTheErrorsWhereNobodyIsAsked) {
+TEST_F(DeleteCommandTest, WarnsOnStandardErrorWhenItCannotAsk) {
     const fs::path wrapper = addClone();
     write(data / "file", "x");
     harness.workspace.running = {{"app.quorvel.instance.test", wrapper, 1}};
@@ -91,14 +93,15 @@ TEST_F(DeleteCommandTest, WarnsWhenTheDataIsLockedThoughNoCloneIsSeenRunning) {
     ASSERT_TRUE(lock);
     EXPECT_THAT(harness.run(words).errors, HasSubstr("“Work” is running"));
     lock.reset();
-    EXPECT_THAT(harness.run(words).errors, Not(HasSubstr("running"))) << "a lock nobody holds";
+    EXPECT_THAT(harness.run(words).errors, Not(HasSubstr("running")))
+        << "a lock that no process holds";
     lock = FileLock::tryTake(data / homeLockName);
     const auto result = harness.run({"delete", "Work", "--including-data", "--yes"});
     EXPECT_THAT(result.errors, StartsWith("“Work” is running"));
     EXPECT_EQ(result.status, 0);
 }
 
-TEST_F(DeleteCommandTest, SaysInTheQuestionThatWhatIsNoDataIsKept) {
+TEST_F(DeleteCommandTest, SaysInTheQuestionThatFoldersThatAreNotDataAreKept) {
     harness.inputIsTerminal = true;
     harness.workspace.running = {{"app.quorvel.instance.test", "/", 1}};
     const std::vector<std::string> words{"delete", "Work", "--including-data"};
@@ -135,7 +138,7 @@ TEST_F(DeleteCommandTest, ACloneThatLostItsConfigurationAloneIsDeletedByItsPath)
 
 TEST_F(DeleteCommandTest, SaysSoWhenOnlyAPartOfTheDataIsGone) {
     const TemporaryFolder folder;
-    EXPECT_TRUE(asOrdinaryUser(folder.path(), [&] {
+    EXPECT_TRUE(asUnprivilegedUser(folder.path(), [&] {
         InstanceConfig config = minimalConfig("Work");
         config.instanceHome = (folder / "data").string();
         const fs::path wrapper = makeWrapper(folder / "Work.app", config);
@@ -151,9 +154,9 @@ TEST_F(DeleteCommandTest, SaysSoWhenOnlyAPartOfTheDataIsGone) {
     }));
 }
 
-TEST_F(DeleteCommandTest, SaysSoWhenNothingOfTheDataCouldGo) {
+TEST_F(DeleteCommandTest, SaysSoIfNoDataCouldBeRemoved) {
     const TemporaryFolder folder;
-    EXPECT_TRUE(asOrdinaryUser(folder.path(), [&] {
+    EXPECT_TRUE(asUnprivilegedUser(folder.path(), [&] {
         InstanceConfig config = minimalConfig("Work");
         config.instanceHome = (folder / "closed/data").string();
         const fs::path wrapper = makeWrapper(folder / "Work.app", config);
@@ -249,7 +252,7 @@ TEST_F(DeleteCommandTest, CreateTakesASharedHomeOnlyWhenThatIsSaid) {
     EXPECT_TRUE(fs::exists(harness.home / "Applications/Other.app"));
 }
 
-TEST_F(DeleteCommandTest, ShowTellsTheSizeOfTheLog) {
+TEST_F(DeleteCommandTest, ShowPrintsTheSizeOfTheLog) {
     addClone();
     EXPECT_FALSE(harness.run({"show", "Work", "--json"}).json().contains("logSize"));
     EXPECT_THAT(harness.run({"show", "Work"}).output, Not(HasSubstr("Log")));

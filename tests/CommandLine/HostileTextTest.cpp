@@ -1,9 +1,11 @@
 // Texts from files that would steer a terminal, hide in it or fill it.
+#include "LaunchKit/InstanceConfig.h"
 #include "tests/CommandLine/CommandLineHarness.h"
 #include "tests/support/AppBundles.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
 
 namespace quorvel {
 namespace {

@@ -5,6 +5,7 @@
 
 #include <csignal>
 #include <gmock/gmock.h>
+#include <nlohmann/json.hpp>
 #include <sys/resource.h>
 
 namespace quorvel {
@@ -38,7 +39,7 @@ TEST_F(IconCommandTest, DrawsALabelInEverySizeAndPrintsThePath) {
     EXPECT_EQ(sides, (std::vector{1024, 512, 256, 128, 64, 32, 16}));
 }
 
-TEST_F(IconCommandTest, AnIconThatFindsNoRoomLeavesTheOldFileWhole) {
+TEST_F(IconCommandTest, AFullDiskLeavesTheOldFileWhole) {
     const std::string old(900, 'o');
     write(harness.home / "icons/badged.icns", old);
     ::signal(SIGXFSZ, SIG_IGN);
@@ -78,7 +79,7 @@ TEST_F(IconCommandTest, NeedsALabelAndAFileToWrite) {
     EXPECT_FALSE(fs::exists(output));
 }
 
-TEST_F(IconCommandTest, TellsWhatCantBeReadOrWritten) {
+TEST_F(IconCommandTest, SaysWhatCantBeReadOrWritten) {
     write(harness.home / "text.icns", "no icon");
     const std::string text = (harness.home / "text.icns").string();
     EXPECT_EQ(harness.run({"icon", text, "--label", "X", "--output", output.string()}).errors,

@@ -70,7 +70,7 @@ TEST(ProbeCommandsTest, AppsCommandKeepsControlCharactersFromTheTerminal) {
     EXPECT_THAT(session.output.str(), HasSubstr("com.example.bad"));
 }
 
-TEST(ProbeCommandsTest, AppsCommandPrintsAnEmptyArrayForNothing) {
+TEST(ProbeCommandsTest, AppsCommandPrintsAnEmptyArrayForNoApps) {
     const TemporaryFolder folder;
     StubWorkspace workspace;
     Session session(workspace);
@@ -124,7 +124,7 @@ TEST(ProbeCommandsTest, ProbeCommandDrawsABarOnATerminalAndTakesItAway) {
     EXPECT_THAT(session.output.str(), HasSubstr("Recommendation"));
 }
 
-TEST(ProbeCommandsTest, ProbeCommandSaysWhatIsNoApp) {
+TEST(ProbeCommandsTest, ProbeCommandSaysWhatIsNotAnApp) {
     const TemporaryFolder folder;
     StubWorkspace workspace;
     Session session(workspace);
@@ -152,7 +152,7 @@ TEST(ProbeCommandsTest, ProbeCommandInterruptedEndsBothProcessesAndItself) {
         const std::string text = read(numbers);
         return std::count(text.begin(), text.end(), '\n') == 2;
     };
-    EXPECT_TRUE(waitFor(started));
+    EXPECT_TRUE(waitUntil(started));
     ::kill(command, SIGINT);
     int status = 0;
     ::waitpid(command, &status, 0);
@@ -212,7 +212,7 @@ TEST(ProbeCommandsTest, ProbeOfChromiumFindsThatAHomeOfItsOwnIsEnough) {
             return fs::exists(home / "data/Local State");
         };
         ++trial.sleeps;
-        EXPECT_TRUE(waitFor(
+        EXPECT_TRUE(waitUntil(
             [&] {
                 const auto homes = trial.homes();
                 return std::count_if(homes.begin(), homes.end(), holdsProfile) >= trial.sleeps;

@@ -1,4 +1,5 @@
 // The built program, for users whose settings are odd.
+#include "LaunchKit/InstanceConfig.h"
 #include "tests/Packaging/Commands.h"
 #include "tests/support/AppBundles.h"
 
@@ -7,7 +8,7 @@
 namespace quorvel::testing {
 namespace {
 
-TEST(LocaleTest, ThatAreNoneChangeNothing) {
+TEST(LocaleTest, AnInvalidLocaleChangesNothing) {
     const TemporaryHome home;
     makeWrapper(home / "Applications/b.app", minimalConfig("beta"));
     makeWrapper(home / "Applications/a.app", minimalConfig("Alpha"));

@@ -100,7 +100,7 @@ void writeLargestRead(const std::string& app, const Maker& make) {
     ASSERT_TRUE(child > 0 && ::waitpid(child, &status, 0) == child && status == 0);
 }
 
-// In a home of its own, so that nobody's applications count.
+// In a throw-away home, so that the user's applications don't count.
 std::size_t peakOf(const TemporaryFolder& folder, std::vector<std::string> arguments) {
     arguments.insert(arguments.begin(), QUORVEL_CTL);
     return peakMemoryOf(std::move(arguments), {{"HOME", folder.path().string()},

@@ -58,11 +58,11 @@ TEST_F(OpeningTest, ACloneWhoseTargetOutlivedItsRunnerIsNotStartedTwice) {
     quorvelctl_.run({"create", "--target", app_.string(), "--name", "Work"});
     EXPECT_EQ(quorvelctl_.run({"open", "Work"}), "");
     EXPECT_EQ(quorvelctl_.run({"open", "Work"}), "") << "a clone that runs properly";
-    ASSERT_TRUE(waitFor([&] { return quorvelctl_.log("Work") == "started\n"; }));
+    ASSERT_TRUE(waitUntil([&] { return quorvelctl_.log("Work") == "started\n"; }));
     const auto runner = runnerOf(quorvelctl_.home / "Applications/Work.app");
     ASSERT_TRUE(runner);
     ::kill(*runner, SIGKILL);
-    ASSERT_TRUE(waitFor([&] { return !quorvelctl_.isListedAsRunning("Work"); }));
+    ASSERT_TRUE(waitUntil([&] { return !quorvelctl_.isListedAsRunning("Work"); }));
     EXPECT_EQ(failureOf({"open", "Work"}),
               "quorvelctl open: “Work” is still running, or a clone that shares its data folder "
               "is, or a program that it started\n"
@@ -74,7 +74,7 @@ TEST_F(OpeningTest, ACloneWhoseTargetOutlivedItsRunnerIsNotStartedTwice) {
             ::kill(std::stoi(entry.path().filename()), SIGKILL);
         }
     }
-    EXPECT_TRUE(waitFor([&] { return failureOf({"open", "Work"}) == "worked: "; }));
+    EXPECT_TRUE(waitUntil([&] { return failureOf({"open", "Work"}) == "worked: "; }));
 }
 
 TEST_F(OpeningTest, ACommandThatEndsAtOnceHasWorked) {

@@ -24,13 +24,13 @@ TEST(ScriptsAndFilesTest, CommandCloneRunsAScriptWithItsArgumentsFolderAndEnviro
     const std::string expected = "in " + (quorvelctl.home / "a folder").string() +
                                  " with 2 arguments: --all two words\ncolour blue\ncache " +
                                  quorvelctl.data("Report").string() + "/cache\n";
-    EXPECT_TRUE(waitFor([&] { return quorvelctl.log("Report") == expected; }))
+    EXPECT_TRUE(waitUntil([&] { return quorvelctl.log("Report") == expected; }))
         << quorvelctl.log("Report");
 
     // Each start adds to the log.
-    EXPECT_TRUE(waitFor([&] { return !quorvelctl.isListedAsRunning("Report"); }));
+    EXPECT_TRUE(waitUntil([&] { return !quorvelctl.isListedAsRunning("Report"); }));
     quorvelctl.run({"open", "Report"});
-    EXPECT_TRUE(waitFor([&] { return quorvelctl.log("Report") == expected + expected; }));
+    EXPECT_TRUE(waitUntil([&] { return quorvelctl.log("Report") == expected + expected; }));
 }
 
 TEST(ScriptsAndFilesTest, FileCloneOpensAFileThroughTheDesktopsOpener) {
@@ -48,7 +48,7 @@ TEST(ScriptsAndFilesTest, FileCloneOpensAFileThroughTheDesktopsOpener) {
     quorvelctl.environment["BROWSER"] = opener.string();
     quorvelctl.run({"create", "--kind", "file", "--name", "Note", "--open", "~/a note.txt"});
     quorvelctl.run({"open", "Note"});
-    EXPECT_TRUE(waitFor([&] { return read(quorvelctl.home / "opened").ends_with("a note.txt"); }))
+    EXPECT_TRUE(waitUntil([&] { return read(quorvelctl.home / "opened").ends_with("a note.txt"); }))
         << read(quorvelctl.home / "opened");
 }
 

@@ -1,8 +1,10 @@
-// The order of names in the locale of whoever runs the program.
+// The order of names in the user's locale.
+#include "LaunchKit/InstanceConfig.h"
 #include "tests/EndToEnd/Programs.h"
 #include "tests/support/AppBundles.h"
 
 #include <gmock/gmock.h>
+#include <nlohmann/json.hpp>
 
 namespace quorvel {
 namespace {
@@ -43,12 +45,12 @@ protected:
     QuorvelctlInAHome quorvelctl_;
 };
 
-TEST_F(SortingTest, ClonesStandInTheOrderOfTheUsersLocale) {
+TEST_F(SortingTest, ClonesAreInTheOrderOfTheUsersLocale) {
     EXPECT_THAT(clonesIn("en_US.UTF-8"), ElementsAre("aal", "ål", "apa", "Öl", "Zebra"));
     EXPECT_THAT(clonesIn("sv_SE.UTF-8"), ElementsAre("aal", "apa", "Zebra", "ål", "Öl"));
 }
 
-TEST_F(SortingTest, AppsStandInTheOrderOfTheUsersLocale) {
+TEST_F(SortingTest, AppsAreInTheOrderOfTheUsersLocale) {
     EXPECT_THAT(appsIn("en_US.UTF-8"), ElementsAre("aal", "ål", "apa", "Öl", "Zebra"));
     EXPECT_THAT(appsIn("sv_SE.UTF-8"), ElementsAre("aal", "apa", "Zebra", "ål", "Öl"));
 }

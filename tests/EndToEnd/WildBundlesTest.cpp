@@ -3,6 +3,7 @@
 #include "tests/support/Waiting.h"
 
 #include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
 
 namespace quorvel {
 namespace {
@@ -32,7 +33,7 @@ TEST(WildBundlesTest, APropertyListInBinaryFormIsReadLikeAnyOther) {
 
     EXPECT_EQ(quorvelctl.json({"inspect", app.string()})["bundleId"], "com.example.Chat");
     quorvelctl.run({"create", "--target", app.string(), "--name", "Work", "--launch"});
-    EXPECT_TRUE(waitFor([&] {
+    EXPECT_TRUE(waitUntil([&] {
         return quorvelctl.log("Work") == "I am " + (app / "Contents/MacOS/Chat").string() + "\n";
     })) << quorvelctl.log("Work");
 }
@@ -47,7 +48,7 @@ TEST(WildBundlesTest, WithoutIdentifierAndExecutableTheFolderNameServes) {
     EXPECT_EQ(facts["bundleId"], "Old Tool");
     EXPECT_EQ(facts["executableName"], "Old Tool");
     quorvelctl.run({"create", "--target", app.string(), "--name", "Work", "--launch"});
-    EXPECT_TRUE(waitFor([&] { return quorvelctl.log("Work") == "it runs\n"; }));
+    EXPECT_TRUE(waitUntil([&] { return quorvelctl.log("Work") == "it runs\n"; }));
 }
 
 TEST(WildBundlesTest, ADanglingExecutableIsReportedAndLogged) {
@@ -62,7 +63,7 @@ TEST(WildBundlesTest, ADanglingExecutableIsReportedAndLogged) {
     EXPECT_NE(quorvelctl.log("Work").find(fault), std::string::npos) << quorvelctl.log("Work");
 }
 
-TEST(WildBundlesTest, AnEmptyPropertyListIsNoReadableApplication) {
+TEST(WildBundlesTest, AnEmptyPropertyListIsNotAReadableApplication) {
     QuorvelctlInAHome quorvelctl;
     const fs::path app = quorvelctl.home / "Empty.app";
     write(app / "Contents/Info.plist", "");

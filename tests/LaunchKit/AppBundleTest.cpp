@@ -56,7 +56,7 @@ TEST_F(AppBundleTest, WithoutAnIdentifierTheFoldersNameServes) {
     EXPECT_EQ(bundle->executableName, "Foo");
 }
 
-TEST_F(AppBundleTest, AnIdentifierThatIsNoTextCountsAsMissing) {
+TEST_F(AppBundleTest, AnIdentifierThatIsNotAStringCountsAsMissing) {
     const auto bundle = AppBundle::read(bundleWith(
         {{"CFBundleIdentifier", std::int64_t{5}}, {"CFBundleExecutable", PropertyListArray{}}}));
     ASSERT_TRUE(bundle);
@@ -103,7 +103,7 @@ TEST_F(AppBundleTest, OnlyATrueBooleanProhibitsMultipleInstances) {
     EXPECT_FALSE(prohibits("true"));
 }
 
-TEST_F(AppBundleTest, AFolderWithoutAPropertyListIsNoBundle) {
+TEST_F(AppBundleTest, AFolderWithoutAPropertyListIsNotABundle) {
     bool asked = false;
     const EntitlementReader never = [&](const fs::path&) {
         asked = true;
@@ -115,7 +115,7 @@ TEST_F(AppBundleTest, AFolderWithoutAPropertyListIsNoBundle) {
     EXPECT_FALSE(asked) << "the tool has nothing to look at";
 }
 
-TEST_F(AppBundleTest, APropertyListThatCantBeReadIsNone) {
+TEST_F(AppBundleTest, AnUnreadablePropertyListIsNotABundle) {
     EXPECT_FALSE(AppBundle::read(bundleOf("")));
     EXPECT_FALSE(AppBundle::read(bundleOf("<plist><array/></plist>")));
     EXPECT_FALSE(AppBundle::read(bundleOf("not a property list")));
@@ -146,7 +146,7 @@ TEST_F(AppBundleTest, ADanglingExecutableDoesNotKeepTheFactsFromBeingRead) {
     EXPECT_TRUE(AppBundle::read(app));
 }
 
-TEST_F(AppBundleTest, TheSandboxKeyAloneDecidesWhateverItsValueAndTheToolsStatus) {
+TEST_F(AppBundleTest, TheSandboxKeyDecidesForAnyValueAndExitStatus) {
     const fs::path app = bundleWith({});
     EXPECT_TRUE(
         AppBundle::read(app, toolPrinting("<key>com.apple.security.app-sandbox</key><true/>"))
@@ -159,7 +159,7 @@ TEST_F(AppBundleTest, TheSandboxKeyAloneDecidesWhateverItsValueAndTheToolsStatus
     EXPECT_FALSE(AppBundle::read(app, toolPrinting(""))->sandboxed);
 }
 
-TEST_F(AppBundleTest, OutputThatIsNoTextCountsAsNone) {
+TEST_F(AppBundleTest, OutputThatIsNotUtf8CountsAsEmpty) {
     EXPECT_FALSE(
         AppBundle::read(bundleWith({}), toolPrinting("com.apple.security.app-sandbox \xFF"))
             ->sandboxed);

@@ -1,5 +1,6 @@
 #include "LaunchKit/AppCatalog.h"
 
+#include "LaunchKit/InstanceConfig.h"
 #include "tests/support/AppBundles.h"
 #include "tests/support/TemporaryHome.h"
 
@@ -110,7 +111,7 @@ TEST(AppCatalogTest, DoesNotLookIntoSubfolders) {
     EXPECT_THAT(namesOf(scan({folder.path()})), ElementsAre("Outer"));
 }
 
-TEST(AppCatalogTest, SortsByNameWhateverTheCase) {
+TEST(AppCatalogTest, SortsByNameIgnoringCase) {
     const TemporaryFolder folder;
     for (const char* name : {"zoom.app", "Arc.app", "émile.app", "Fig.app"}) {
         makeBundle(folder / name);
@@ -209,7 +210,7 @@ TEST(AppCatalogTest, ReadsSeveralBundlesAtATime) {
 }
 
 // The order of the folders decides, not which bundle happens to be read first.
-TEST(AppCatalogTest, GivesTheOneByOneResultWhoeverIsFirst) {
+TEST(AppCatalogTest, ReturnsTheSequentialResultForAnyOrderOfThreads) {
     const TemporaryFolder folder;
     std::vector<fs::path> dirs;
     for (int dir = 0; dir < 4; ++dir) {
@@ -282,7 +283,7 @@ TEST(AppCatalogTest, InstalledAppIconIsTheNamedFile) {
     EXPECT_EQ(iconOf(folder / "A.app", {{"CFBundleIconFile", "AppIcon"}}, "AppIcon.icns"), icon);
 }
 
-TEST(AppCatalogTest, InstalledAppIconGetsASecondExtensionBehindOneInUpperCase) {
+TEST(AppCatalogTest, InstalledAppIconGetsASecondExtensionAfterOneInUpperCase) {
     const TemporaryFolder folder;
     const PropertyListDictionary info{{"CFBundleIconFile", "AppIcon.ICNS"}};
     EXPECT_EQ(iconOf(folder / "A.app", info, "AppIcon.ICNS"), std::nullopt);

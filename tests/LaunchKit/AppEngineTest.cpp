@@ -1,8 +1,10 @@
+#include "LaunchKit/AppEngine.h"
+
 #include "LaunchKit/WrapperFactory.h"
 
 #include "tests/support/AppBundles.h"
-#include "tests/support/OrdinaryUser.h"
 #include "tests/support/TemporaryHome.h"
+#include "tests/support/UnprivilegedUser.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -43,14 +45,14 @@ protected:
     int count_ = 0;
 };
 
-TEST_F(AppEngineTest, FilesTellAnEngine) {
+TEST_F(AppEngineTest, FilesIdentifyAnEngine) {
     EXPECT_EQ(engineOf("com.x", {electron}), Engine::electron);
     EXPECT_EQ(engineOf("com.x", {"Contents/Eclipse/eclipse.ini"}), Engine::eclipse);
     EXPECT_EQ(engineOf("com.x", {"Contents/MacOS/eclipse"}), Engine::eclipse);
     EXPECT_EQ(engineOf("com.x", {"Contents/Resources/application.ini"}), Engine::firefox);
 }
 
-TEST_F(AppEngineTest, IdentifiersTellAnEngineInAnyCase) {
+TEST_F(AppEngineTest, IdentifiersIdentifyAnEngineIgnoringCase) {
     EXPECT_EQ(engineOf("org.mozilla.firefox"), Engine::firefox);
     EXPECT_EQ(engineOf("ORG.Mozilla.nightly"), Engine::firefox);
     EXPECT_EQ(engineOf("net.TorBrowser.alpha"), Engine::firefox);
@@ -64,12 +66,12 @@ TEST_F(AppEngineTest, IdentifiersTellAnEngineInAnyCase) {
     }
 }
 
-TEST_F(AppEngineTest, PrefixesAreNoMorePrefixesInTheMiddle) {
+TEST_F(AppEngineTest, PrefixesDontMatchInTheMiddle) {
     EXPECT_EQ(engineOf("x.org.mozilla"), Engine::other);
     EXPECT_EQ(engineOf("x.com.google.chrome"), Engine::other);
 }
 
-TEST_F(AppEngineTest, AChromiumFrameworkTellsItsEngineCaseForCase) {
+TEST_F(AppEngineTest, AChromiumFrameworkIsMatchedCaseSensitively) {
     const std::string folder = "Contents/Frameworks/";
     EXPECT_EQ(engineOf("com.x", {folder + "Google Chrome Framework.framework"}), Engine::chromium);
     EXPECT_EQ(engineOf("com.x", {folder + "Chromium Embedded Framework.framework"}),
@@ -90,12 +92,12 @@ TEST_F(AppEngineTest, AChromiumFrameworkIsKnownByTheEndOfItsName) {
         << "whichever of them it is";
 }
 
-TEST_F(AppEngineTest, FrameworksThatCantBeListedTellNothing) {
+TEST_F(AppEngineTest, UnreadableFrameworksAreOther) {
     const fs::path file = app("com.x");
     write(file / "Contents/Frameworks", "a file");
     EXPECT_EQ(WrapperFactory::detectEngine(file, std::nullopt), Engine::other);
     const fs::path closed = app("com.x", {"Contents/Frameworks/Chrome Framework.framework"});
-    EXPECT_TRUE(asOrdinaryUser(folder_.path(), [&] {
+    EXPECT_TRUE(asUnprivilegedUser(folder_.path(), [&] {
         // A copy of its own, since permissions bind their owner like any other user.
         const fs::path own = folder_ / "own.app";
         fs::copy(closed, own, fs::copy_options::recursive);

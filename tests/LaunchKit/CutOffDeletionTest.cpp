@@ -1,4 +1,5 @@
 // Deletions that are cut off, at every system call that removes something.
+#include "LaunchKit/InstanceConfig.h"
 #include "LaunchKit/InstanceRegistry.h"
 #include "LaunchKit/RequestCheck.h"
 #include "LaunchKit/WrapperGenerator.h"
@@ -70,7 +71,8 @@ protected:
 
     [[nodiscard]] fs::path data() const { return home_ / "QuorvelInstances/Work"; }
 
-    // Deletes a clone with so many files, cut off before a removal, and then what is left of it.
+    // Deletes a clone with that many files, interrupted before a removal, and then what is left of
+    // it.
     End cutOffAndRetry(int files, int before) const {
         const InstanceRecord record = makeClone(files);
         const End end =
@@ -129,7 +131,7 @@ TEST_F(CutOffDeletionTest, AReplacementLeavesWhatCanBeReplacedWhereverItIsCutOff
             GTEST_SKIP() << "the kernel forbids tracing";
         }
         EXPECT_NO_THROW(checkRequest(request)) << before;
-        // The parts that tell a clone go before its configuration does.
+        // The parts that identify a clone are removed before its configuration.
         EXPECT_TRUE(InstanceRegistry().record(wrapper) ||
                     !fs::exists(wrapper / "Contents/MacOS/runner"))
             << before;

@@ -1,10 +1,10 @@
-#include "Platform/files/FileHandle.h"
 #include "LaunchKit/InstanceLauncher.h"
+#include "Platform/files/FileHandle.h"
 
 #include "Platform/files/FileSystem.h"
 #include "tests/support/EveryStep.h"
-#include "tests/support/OrdinaryUser.h"
 #include "tests/support/OtherVolume.h"
+#include "tests/support/UnprivilegedUser.h"
 
 #include <fcntl.h>
 #include <gmock/gmock.h>
@@ -66,7 +66,7 @@ TEST_F(FolderMigrationTest, EveryItemThatStaysIsNamedWithItsReason) {
 }
 
 TEST_F(FolderMigrationTest, AFolderThatCantBeReadIsNamed) {
-    EXPECT_TRUE(asOrdinaryUser(folder_.path(), [&] {
+    EXPECT_TRUE(asUnprivilegedUser(folder_.path(), [&] {
         write(inClone("Documents/a"), "x");
         fs::permissions(inClone("Documents"), fs::perms::none);
         const Migration migration = migrate();
@@ -77,7 +77,7 @@ TEST_F(FolderMigrationTest, AFolderThatCantBeReadIsNamed) {
 }
 
 TEST_F(FolderMigrationTest, JunkThatCantBeRemovedIsNamed) {
-    EXPECT_TRUE(asOrdinaryUser(folder_.path(), [&] {
+    EXPECT_TRUE(asUnprivilegedUser(folder_.path(), [&] {
         write(inClone("Documents/.DS_Store"), "x");
         fs::permissions(inClone("Documents"), fs::perms{0555});
         return reasonsOf(migrate()).size() == 1;
@@ -85,7 +85,7 @@ TEST_F(FolderMigrationTest, JunkThatCantBeRemovedIsNamed) {
 }
 
 TEST_F(FolderMigrationTest, AFolderThatCantMakeWayForALinkIsNamed) {
-    EXPECT_TRUE(asOrdinaryUser(folder_.path(), [&] {
+    EXPECT_TRUE(asUnprivilegedUser(folder_.path(), [&] {
         write(inClone("Documents/a"), "x");
         fs::create_directories(inReal("Documents"));
         fs::permissions(folder_ / "clone", fs::perms{0555});
@@ -119,7 +119,7 @@ protected:
 
 TEST_F(FolderMigrationTestAcrossVolumes, WhatCantBeCopiedStaysAndTheRestMoves) {
     fs::permissions(other_.path(), fs::perms{0777});
-    EXPECT_TRUE(asOrdinaryUser(folder_.path(), [&] {
+    EXPECT_TRUE(asUnprivilegedUser(folder_.path(), [&] {
         write(clone() / "Documents/folder/closed", "x");
         write(clone() / "Documents/fine", "f");
         fs::permissions(clone() / "Documents/folder/closed", fs::perms::none);
@@ -199,9 +199,9 @@ TEST_F(FolderMigrationTestAcrossVolumes, AMoveThatIsStillUnderWayIsLeftAlone) {
 }
 
 TEST_F(FolderMigrationTestAcrossVolumes, AFolderWithMerelySuchANameIsMovedLikeAnyOther) {
-    write(clone() / "Documents/.quorvel-moving-house/file", "x");
+    write(clone() / "Documents/.quorvel-moving-van/file", "x");
     EXPECT_EQ(migrate().moved.at("Documents"), 1);
-    EXPECT_EQ(read(real() / "Documents/.quorvel-moving-house/file"), "x");
+    EXPECT_EQ(read(real() / "Documents/.quorvel-moving-van/file"), "x");
 }
 
 } // namespace

@@ -1,9 +1,10 @@
 #include "LaunchKit/InstanceRegistry.h"
 
+#include "LaunchKit/InstanceConfig.h"
 #include "Platform/files/PlatformError.h"
 #include "tests/support/AppBundles.h"
-#include "tests/support/OrdinaryUser.h"
 #include "tests/support/TemporaryHome.h"
+#include "tests/support/UnprivilegedUser.h"
 
 #include <gtest/gtest.h>
 
@@ -151,7 +152,7 @@ TEST_F(InstanceDeletionTest, WhenTheWrapperMayNotGoTheDataStays) {
 }
 
 TEST_F(InstanceDeletionTest, WhenTheWrapperCantGoTheDataStays) {
-    EXPECT_TRUE(asOrdinaryUser(folder_.path(), [&] {
+    EXPECT_TRUE(asUnprivilegedUser(folder_.path(), [&] {
         InstanceConfig config = minimalConfig();
         config.instanceHome = folder_ / "data";
         write(folder_ / "data/file", "x");
@@ -169,7 +170,7 @@ TEST_F(InstanceDeletionTest, WhenTheWrapperCantGoTheDataStays) {
 }
 
 TEST_F(InstanceDeletionTest, WhenAPartOfTheWrapperCantGoTheDataStays) {
-    EXPECT_TRUE(asOrdinaryUser(folder_.path(), [&] {
+    EXPECT_TRUE(asUnprivilegedUser(folder_.path(), [&] {
         InstanceConfig config = minimalConfig();
         config.instanceHome = folder_ / "data";
         write(folder_ / "data/file", "x");
@@ -192,7 +193,7 @@ TEST_F(InstanceDeletionTest, WhenAPartOfTheWrapperCantGoTheDataStays) {
     }));
 }
 
-TEST_F(InstanceDeletionTest, TellsWhatBecameOfTheData) {
+TEST_F(InstanceDeletionTest, ReportsWhatHappenedToTheData) {
     using Case = DeletedData::Case;
     const InstanceRegistry registry;
     EXPECT_EQ(registry.remove(recordWithHome("~/QuorvelInstances/Work"), false).outcome,
@@ -209,7 +210,7 @@ TEST_F(InstanceDeletionTest, TellsWhatBecameOfTheData) {
     EXPECT_EQ(removed.description(), "");
 }
 
-TEST_F(InstanceDeletionTest, TellsOfEveryFolderThatIsNoDataThatItWasSpared) {
+TEST_F(InstanceDeletionTest, ReportsEveryUnusableDataFolderAsSpared) {
     const fs::path before = fs::current_path();
     fs::current_path(home_.path());
     for (const std::string& written :
@@ -222,8 +223,8 @@ TEST_F(InstanceDeletionTest, TellsOfEveryFolderThatIsNoDataThatItWasSpared) {
     fs::current_path(before);
 }
 
-TEST_F(InstanceDeletionTest, TellsHowMuchOfTheDataIsLeftAndWhy) {
-    EXPECT_TRUE(asOrdinaryUser(folder_.path(), [&] {
+TEST_F(InstanceDeletionTest, ReportsHowMuchOfTheDataIsLeftAndWhy) {
+    EXPECT_TRUE(asUnprivilegedUser(folder_.path(), [&] {
         InstanceConfig config = minimalConfig();
         config.instanceHome = folder_ / "data";
         for (int number = 0; number < 300; ++number) {
@@ -299,8 +300,8 @@ TEST_F(InstanceDeletionTest, AnAliasOfACloneThatIsListedSparesItsData) {
     EXPECT_EQ(read(home_ / "QuorvelInstances/Work/data"), "x");
 }
 
-TEST_F(InstanceDeletionTest, DataThatCantGoIsNoError) {
-    EXPECT_TRUE(asOrdinaryUser(folder_.path(), [&] {
+TEST_F(InstanceDeletionTest, DataThatCantBeRemovedIsNotAnError) {
+    EXPECT_TRUE(asUnprivilegedUser(folder_.path(), [&] {
         InstanceConfig config = minimalConfig();
         config.instanceHome = folder_ / "closed/data";
         write(folder_ / "closed/data/file", "x");

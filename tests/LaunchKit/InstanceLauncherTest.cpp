@@ -1,5 +1,6 @@
 #include "LaunchKit/InstanceLauncher.h"
 
+#include "LaunchKit/InstanceConfig.h"
 #include "Platform/files/FileSystem.h"
 #include "Platform/files/PlatformError.h"
 #include "tests/support/AppBundles.h"
@@ -82,7 +83,7 @@ TEST_F(InstanceLauncherTest, AnAppGetsOurEnvironmentBesides) {
     EXPECT_THAT(log(), HasSubstr("QUORVEL_TEST_VARIABLE=ours\n"));
 }
 
-TEST_F(InstanceLauncherTest, TheThreeStrategiesLaunchAlike) {
+TEST_F(InstanceLauncherTest, TheThreeStrategiesLaunchTheSameWay) {
     for (const Strategy strategy :
          {Strategy::homeOverride, Strategy::containerRedirect, Strategy::wrapperIdentity}) {
         InstanceConfig config = appConfig({"environment"});
@@ -138,7 +139,7 @@ TEST_F(InstanceLauncherTest, SharedFoldersAreLinkedBeforeTheAppRunsWhenAsked) {
     EXPECT_FALSE(itemOrLinkExists(home_ / "J/Downloads"));
 }
 
-TEST_F(InstanceLauncherTest, SharedFoldersAreLinkedEvenForATargetThatIsNoBundle) {
+TEST_F(InstanceLauncherTest, SharedFoldersAreLinkedEvenForATargetThatIsNotABundle) {
     fs::create_directory(home_ / "Downloads");
     InstanceConfig config = appConfig({});
     config.targetAppPath = "/no/such.app";
@@ -146,7 +147,7 @@ TEST_F(InstanceLauncherTest, SharedFoldersAreLinkedEvenForATargetThatIsNoBundle)
     EXPECT_EQ(fs::read_symlink(cloneHome() / "Downloads"), home_ / "Downloads");
 }
 
-TEST_F(InstanceLauncherTest, TheKeychainsAreLinkedIntoTheInstanceHomeWhateverHomeIsConfigured) {
+TEST_F(InstanceLauncherTest, TheKeychainsAreLinkedIntoAnyConfiguredHome) {
     fs::create_directories(home_ / "Library/Keychains");
     InstanceConfig config = appConfig({"environment"});
     config.environment = {{"HOME", at("elsewhere").string()}};
@@ -205,7 +206,7 @@ TEST_F(InstanceLauncherTest, AnUnsupportedAppIsRefusedAfterItsHomeAndLogWereMade
     EXPECT_FALSE(itemOrLinkExists(cloneHome() / "Library"));
 }
 
-TEST_F(InstanceLauncherTest, ATargetThatIsNoBundleIsRefused) {
+TEST_F(InstanceLauncherTest, ATargetThatIsNotABundleIsRefused) {
     InstanceConfig config = appConfig({});
     config.targetAppPath = "/no/such.app";
     EXPECT_EQ(errorOf(config), "Not a readable .app bundle: /no/such.app");

@@ -1,9 +1,10 @@
 #include "LaunchKit/InstanceRegistry.h"
 
+#include "LaunchKit/InstanceConfig.h"
 #include "Platform/files/PlatformError.h"
 #include "tests/support/AppBundles.h"
-#include "tests/support/OrdinaryUser.h"
 #include "tests/support/TemporaryHome.h"
+#include "tests/support/UnprivilegedUser.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -38,7 +39,7 @@ protected:
 
 TEST_F(InstanceRegistryTest, LooksInTheUsersApplicationsUnlessTold) {
     const TemporaryHome home;
-    EXPECT_THAT(InstanceRegistry().searchDirs, ElementsAre(home / "Applications"));
+    EXPECT_THAT(InstanceRegistry().searchDirs(), ElementsAre(home / "Applications"));
     EXPECT_TRUE(InstanceRegistry().list().empty()) << "the folder is not even there";
     fs::create_directory(home / "Applications");
     EXPECT_TRUE(InstanceRegistry().list().empty());
@@ -48,7 +49,7 @@ TEST_F(InstanceRegistryTest, LooksInTheUsersApplicationsUnlessTold) {
 
 TEST_F(InstanceRegistryTest, AnEmptyListOfFoldersStaysEmpty) {
     const InstanceRegistry registry(std::vector<fs::path>{});
-    EXPECT_TRUE(registry.searchDirs.empty());
+    EXPECT_TRUE(registry.searchDirs().empty());
     EXPECT_TRUE(registry.list().empty());
 }
 
@@ -80,7 +81,7 @@ TEST_F(InstanceRegistryTest, DoesNotLookDeeper) {
     EXPECT_TRUE(names().empty());
 }
 
-TEST_F(InstanceRegistryTest, SortsByNameUpperAndLowerCaseAlike) {
+TEST_F(InstanceRegistryTest, SortsByNameIgnoringCase) {
     wrapper("1.app", "beta");
     wrapper("2.app", "Alpha");
     wrapper("3.app", "alpha");
@@ -118,7 +119,7 @@ TEST_F(InstanceRegistryTest, FoldersThatCantBeReadAreLeftOut) {
     EXPECT_EQ(registry.list().size(), 1U);
 }
 
-TEST_F(InstanceRegistryTest, DamagedWrappersAreNoClones) {
+TEST_F(InstanceRegistryTest, DamagedWrappersAreNotListed) {
     const auto damaged = [&](const std::string& name) {
         const fs::path file = at(name) / "Contents/Resources/instance.json";
         fs::create_directories(file.parent_path());
@@ -152,7 +153,7 @@ TEST_F(InstanceRegistryTest, ARecordsIdentityIsItsBundle) {
     EXPECT_NE(one, (InstanceRecord{"/B/Work.app", one.config}));
 }
 
-TEST_F(InstanceRegistryTest, ARecordsHashTellsBundlesApart) {
+TEST_F(InstanceRegistryTest, RecordsOfDifferentBundlesHashDifferently) {
     const std::hash<InstanceRecord> hash;
     const InstanceConfig config = minimalConfig();
     EXPECT_EQ(hash({"/A/Work.app", config}), fs::hash_value("/A/Work.app"));
@@ -222,13 +223,13 @@ TEST_F(InstanceRegistryTest, SharingFailsForACloneThatIsGoneOrCantBeChanged) {
     const InstanceRecord gone{at("Work.app"), config};
     EXPECT_THROW(InstanceRegistry().shareUserFolders(gone), std::runtime_error);
     EXPECT_FALSE(fs::exists(gone.bundleURL));
-    EXPECT_TRUE(asOrdinaryUser(folder_.path(), [&] {
+    EXPECT_TRUE(asUnprivilegedUser(folder_.path(), [&] {
         makeWrapper(gone.bundleURL, config);
-        fs::permissions(instanceConfigFile(gone.bundleURL), fs::perms{0444});
+        fs::permissions(gone.bundleURL / "Contents/Resources/instance.json", fs::perms{0444});
         try {
             InstanceRegistry().shareUserFolders(gone);
         } catch (const std::runtime_error& error) {
-            return std::string_view(error.what()).ends_with("does not share the folders yet.");
+            return std::string_view(error.what()).ends_with("folder sharing is still off.");
         }
         return false;
     }));

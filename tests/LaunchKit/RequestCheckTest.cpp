@@ -1,7 +1,8 @@
 #include "LaunchKit/RequestCheck.h"
+#include "LaunchKit/InstanceConfig.h"
 #include "tests/support/AppBundles.h"
-#include "tests/support/OrdinaryUser.h"
 #include "tests/support/TemporaryHome.h"
+#include "tests/support/UnprivilegedUser.h"
 
 #include <gmock/gmock.h>
 
@@ -147,7 +148,7 @@ TEST_F(RequestCheckTest, RefusesToReplaceAFolderThatItCantLookInto) {
     const TemporaryFolder folder;
     WrapperFactory::Request elsewhere = request();
     elsewhere.outputDir = folder.path();
-    EXPECT_TRUE(asOrdinaryUser(folder.path(), [&] {
+    EXPECT_TRUE(asUnprivilegedUser(folder.path(), [&] {
         const fs::path contents = folder / "Work.app/Contents";
         fs::create_directories(contents);
         const bool passes = refusal(elsewhere).empty();

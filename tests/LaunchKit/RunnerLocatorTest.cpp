@@ -48,7 +48,7 @@ TEST_F(RunnerLocatorTest, AreLookedForInTheApplicationAndThenInTheBuilds) {
                             at(".build/release/quorvel-runner")));
 }
 
-TEST_F(RunnerLocatorTest, AFolderThatIsNotKnownAddsNoPlace) {
+TEST_F(RunnerLocatorTest, AnUnknownFolderAddsNoCandidate) {
     EXPECT_THAT(RunnerLocator::candidates({}), ElementsAre(at(".build/debug/quorvel-runner"),
                                                            at(".build/release/quorvel-runner")));
     EXPECT_EQ(RunnerLocator::candidates({std::nullopt, "/M"}).front(), "/M/quorvel-runner");
@@ -75,7 +75,7 @@ TEST_F(RunnerLocatorTest, ADebugBuildGoesBeforeARelease) {
     EXPECT_EQ(found(), debug);
 }
 
-TEST_F(RunnerLocatorTest, AFolderOfThatNameIsNone) {
+TEST_F(RunnerLocatorTest, AFolderOfThatNameIsNotChosen) {
     fs::create_directories(at("Contents/Resources/quorvel-runner"));
     EXPECT_EQ(found(), std::nullopt);
 }
@@ -97,7 +97,7 @@ TEST_F(RunnerLocatorTest, ACurrentFolderThatIsGoneAddsNoPlace) {
 }
 
 TEST_F(RunnerLocatorTest, ThisProgramsOwnFolderIsSearched) {
-    const auto folders = ApplicationFolders::ofThisProgram();
+    const auto folders = ApplicationFolders::current();
     ASSERT_TRUE(folders.executables && folders.resources);
     EXPECT_EQ(*folders.executables, mainExecutable().parent_path());
     EXPECT_EQ(*folders.resources, mainExecutable().parent_path().parent_path() / "libexec/quorvel");
@@ -108,7 +108,7 @@ constexpr const char* expectedResources = "QUORVEL_TEST_EXPECTED_RESOURCES";
 
 TEST_F(RunnerLocatorTest, AProgramInABundleHasItsRunnerAmongTheBundlesResources) {
     if (const char* expected = std::getenv(expectedResources)) {
-        EXPECT_EQ(ApplicationFolders::ofThisProgram().resources, fs::path(expected));
+        EXPECT_EQ(ApplicationFolders::current().resources, fs::path(expected));
         return;
     }
     const std::vector<std::pair<fs::path, fs::path>> places{

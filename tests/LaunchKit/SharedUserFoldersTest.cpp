@@ -1,7 +1,7 @@
 #include "LaunchKit/InstanceLauncher.h"
 
-#include "tests/support/OrdinaryUser.h"
 #include "tests/support/TemporaryHome.h"
+#include "tests/support/UnprivilegedUser.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -89,7 +89,7 @@ TEST_F(SharedUserFoldersTest, AnEmptyFolderAndAPlainFileAreReplaced) {
 }
 
 TEST_F(SharedUserFoldersTest, AFolderThatCantBeListedStays) {
-    EXPECT_TRUE(asOrdinaryUser(folder_.path(), [&] {
+    EXPECT_TRUE(asUnprivilegedUser(folder_.path(), [&] {
         fs::create_directory(at("target"));
         write(at("closed/file"), "x");
         fs::permissions(at("closed"), fs::perms::none);
@@ -99,7 +99,7 @@ TEST_F(SharedUserFoldersTest, AFolderThatCantBeListedStays) {
     }));
 }
 
-TEST_F(SharedUserFoldersTest, ALinkThatCantBeMadeIsNoError) {
+TEST_F(SharedUserFoldersTest, ALinkThatCantBeMadeIsNotAnError) {
     fs::create_directory(at("target"));
     write(at("file"), "x");
     link(at("file/below"), at("target"));
@@ -144,7 +144,7 @@ TEST_F(SharedUserFoldersTest, SettingUpForTheRealHomeItselfChangesNothing) {
     EXPECT_EQ(treeOf(home.path()), before);
 }
 
-TEST_F(SharedUserFoldersTest, MigrationIsNeededForAnythingThatIsNoLink) {
+TEST_F(SharedUserFoldersTest, MigrationIsNeededForAnythingThatIsNotALink) {
     EXPECT_FALSE(InstanceLauncher::needsSharedFolderMigration(clone()));
     fs::create_directories(inClone("Desktop"));
     EXPECT_TRUE(InstanceLauncher::needsSharedFolderMigration(clone())) << "even when it is empty";
@@ -301,7 +301,7 @@ TEST_F(SharedUserFoldersTest, WhenTheRealFolderIsAFileNothingIsLost) {
 }
 
 TEST_F(SharedUserFoldersTest, WhatMayNotBeMovedStays) {
-    EXPECT_TRUE(asOrdinaryUser(folder_.path(), [&] {
+    EXPECT_TRUE(asUnprivilegedUser(folder_.path(), [&] {
         fs::create_directories(inReal("Documents"));
         write(inClone("Documents/a"), "x");
         fs::permissions(inReal("Documents"), fs::perms{0555});
@@ -311,7 +311,7 @@ TEST_F(SharedUserFoldersTest, WhatMayNotBeMovedStays) {
 }
 
 TEST_F(SharedUserFoldersTest, AFolderThatMayNotBeReadIsNotMigratedAway) {
-    EXPECT_TRUE(asOrdinaryUser(folder_.path(), [&] {
+    EXPECT_TRUE(asUnprivilegedUser(folder_.path(), [&] {
         makeRealFolders();
         write(inClone("Documents/a"), "x");
         fs::permissions(inClone("Documents"), fs::perms::none);

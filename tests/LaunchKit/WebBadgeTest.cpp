@@ -46,11 +46,11 @@ TEST(WebBadgeTest, ANumberTooLargeFallsThroughToTheSquareBrackets) {
     EXPECT_EQ(count("[99999999999999999999]"), 0);
 }
 
-TEST(WebBadgeTest, DigitsOfOtherScriptsAreNoNumberThatIsRead) {
+TEST(WebBadgeTest, DigitsOfOtherScriptsAreNotRead) {
     EXPECT_EQ(count("(٣) Inbox"), 0);
 }
 
-TEST(WebBadgeTest, AHugeTitleIsNoTrouble) {
+TEST(WebBadgeTest, AHugeTitleIsHandled) {
     EXPECT_EQ(count(std::string(1'000'000, '(') + "3)"), 3);
     EXPECT_EQ(count("(" + std::string(1'000'000, '1')), 0);
 }

@@ -1,5 +1,7 @@
 #include "LaunchKit/WrapperGenerator.h"
 
+#include "LaunchKit/InstanceConfig.h"
+#include "LaunchKit/WrapperPropertyList.h"
 #include "Platform/files/PlatformError.h"
 #include "Platform/files/PropertyListFile.h"
 #include "tests/support/AppBundles.h"
@@ -75,13 +77,13 @@ TEST_F(WrapperGeneratorTest, WritesExactlyTheBundlesFiles) {
         {"Contents/Resources", "<folder>"},
         {"Contents/Resources/instance.json", options.config.json()},
         {"Contents/Info.plist",
-         PropertyList::xml(WrapperGenerator::infoPlist(options, std::nullopt))},
+         PropertyList::xml(WrapperPropertyList::infoPlist(options, std::nullopt))},
         {"Contents/PkgInfo", "APPL????"},
     };
     EXPECT_EQ(treeOf(wrapper), expected);
 }
 
-TEST_F(WrapperGeneratorTest, TheRunnerIsExecutableWhateverTheSourceWas) {
+TEST_F(WrapperGeneratorTest, TheRunnerIsExecutableForAnyModeOfTheSource) {
     EXPECT_EQ(fs::status(generate(webOptions()) / "Contents/MacOS/runner").permissions(),
               fs::perms{0755});
 }
@@ -101,7 +103,7 @@ TEST_F(WrapperGeneratorTest, EverythingElseHasTheUsersDefaultPermissions) {
              {"Contents/Resources/instance.json", "Contents/Info.plist", "Contents/PkgInfo"}) {
             EXPECT_EQ(mode(file), 0666U & ~mask) << file;
         }
-        EXPECT_EQ(mode("Contents/MacOS/runner"), 0755U) << "whatever the user's default";
+        EXPECT_EQ(mode("Contents/MacOS/runner"), 0755U) << "for any umask";
     }
 }
 
@@ -130,7 +132,7 @@ TEST_F(WrapperGeneratorTest, AFileOrALinkOfTheSameNameIsReplacedAndNotFollowed) 
     EXPECT_EQ(read(at("kept/file")), "x");
 }
 
-TEST_F(WrapperGeneratorTest, AHomeInTheWrappersPlaceIsNotRemoved) {
+TEST_F(WrapperGeneratorTest, AHomeAtTheWrappersPathIsNotRemoved) {
     const ScopedEnvironment fixed("CFFIXED_USER_HOME", at("out/Work.app"));
     write(at("out/Work.app/precious"), "x");
     EXPECT_THROW((void)generate(webOptions()), PlatformError);
@@ -184,12 +186,12 @@ TEST_F(WrapperGeneratorTest, TheTargetsIconIsFoundWithAndWithoutItsExtension) {
     EXPECT_EQ(iconOf(appOptions("Other.ICNS")), "upper");
 }
 
-TEST_F(WrapperGeneratorTest, ATargetWithoutAnIconGivesNone) {
+TEST_F(WrapperGeneratorTest, ATargetWithoutAnIconLeavesTheWrapperWithoutOne) {
     EXPECT_EQ(iconOf(appOptions("Missing")), "none");
     EXPECT_EQ(iconOf(appOptions(std::int64_t{1})), "none");
 }
 
-TEST_F(WrapperGeneratorTest, ACustomIconGoesBeforeTheTargetsWhateverItsFormat) {
+TEST_F(WrapperGeneratorTest, ACustomIconOfAnyFormatReplacesTheTargets) {
     WrapperGenerator::Options options = appOptions("AppIcon");
     targetIcon("AppIcon.icns", "target's");
     write(at("custom.png"), "no icon \0 at all"s);
@@ -210,8 +212,8 @@ TEST_F(WrapperGeneratorTest, ACustomIconThatIsALinkToNothingIsReplacedByTheTarge
     fs::create_symlink("nothing", at("dangling"));
     options.customIcon = at("dangling");
     EXPECT_EQ(iconOf(options), "target's");
-    write(at("nothing"), "behind the link");
-    EXPECT_EQ(iconOf(options), "behind the link");
+    write(at("nothing"), "the link's target");
+    EXPECT_EQ(iconOf(options), "the link's target");
 }
 
 TEST_F(WrapperGeneratorTest, ALabelOfSpacesCopiesTheIconUnchanged) {
@@ -221,7 +223,7 @@ TEST_F(WrapperGeneratorTest, ALabelOfSpacesCopiesTheIconUnchanged) {
     EXPECT_EQ(iconOf(options), "icon bytes");
 }
 
-TEST_F(WrapperGeneratorTest, ALabelOnAnIconThatIsNoneCopiesItUnchanged) {
+TEST_F(WrapperGeneratorTest, ALabelOnAnInvalidIconCopiesItUnchanged) {
     WrapperGenerator::Options options = appOptions("AppIcon");
     targetIcon("AppIcon.icns", "not an icon");
     options.config.iconLabel = IconLabel{"W", "ff0000", IconLabel::Position::top};

@@ -1,5 +1,6 @@
 #include "LaunchKit/WrapperLayout.h"
 
+#include "LaunchKit/InstanceConfig.h"
 #include "LaunchKit/RequestCheck.h"
 #include "LaunchKit/WrapperGenerator.h"
 #include "tests/support/AppBundles.h"
@@ -50,7 +51,7 @@ TEST_F(WrapperLayoutTest, AWholeCloneThatLostItsConfigurationAloneIsDamaged) {
     EXPECT_FALSE(isDamagedWrapper(wrapper_));
 }
 
-TEST_F(WrapperLayoutTest, AConfigurationThatIsNoFileMayHoldSomebodysOwn) {
+TEST_F(WrapperLayoutTest, AConfigurationThatIsNotAFileIsKept) {
     const fs::path config = wrapper_ / "Contents/Resources/instance.json";
     fs::remove(config);
     write(config / "notes.txt", "mine");

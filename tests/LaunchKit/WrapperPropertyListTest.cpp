@@ -1,5 +1,6 @@
-#include "LaunchKit/WrapperGenerator.h"
+#include "LaunchKit/WrapperPropertyList.h"
 
+#include "LaunchKit/InstanceConfig.h"
 #include "Platform/files/PropertyListFile.h"
 #include "tests/support/AppBundles.h"
 #include "tests/support/TemporaryHome.h"
@@ -12,7 +13,7 @@ namespace {
 using namespace testing;
 
 PropertyListValue coerced(std::string_view text) {
-    return WrapperGenerator::coercePlistValue(text);
+    return WrapperPropertyList::coercePlistValue(text);
 }
 
 WrapperGenerator::Options plainOptions() {
@@ -22,7 +23,7 @@ WrapperGenerator::Options plainOptions() {
 }
 
 PropertyListDictionary infoPlist(const WrapperGenerator::Options& options) {
-    return WrapperGenerator::infoPlist(options, std::nullopt);
+    return WrapperPropertyList::infoPlist(options, std::nullopt);
 }
 
 TEST(WrapperPropertyListTest, APlainCloneHasExactlyTheTenFixedKeys) {
@@ -41,7 +42,7 @@ TEST(WrapperPropertyListTest, APlainCloneHasExactlyTheTenFixedKeys) {
 }
 
 TEST(WrapperPropertyListTest, AnInstalledIconIsNamed) {
-    EXPECT_EQ(WrapperGenerator::infoPlist(plainOptions(), "AppIcon").at("CFBundleIconFile"),
+    EXPECT_EQ(WrapperPropertyList::infoPlist(plainOptions(), "AppIcon").at("CFBundleIconFile"),
               "AppIcon");
 }
 
@@ -108,7 +109,7 @@ TEST(WrapperPropertyListTest, OverridesReplaceEverything) {
         {"", "an empty key"},
         {"New", "yes"},
     };
-    const PropertyListDictionary info = WrapperGenerator::infoPlist(options, "AppIcon");
+    const PropertyListDictionary info = WrapperPropertyList::infoPlist(options, "AppIcon");
     EXPECT_EQ(info.at("LSUIElement"), false);
     EXPECT_EQ(info.at("CFBundleURLTypes"), false);
     EXPECT_EQ(info.at("CFBundleDocumentTypes"), false);

@@ -60,7 +60,7 @@ TEST_F(BundleTest, HoldsTheseFilesAndNoOther) {
                      }));
 }
 
-TEST_F(BundleTest, LetsItsProgramsAndNothingElseBeExecuted) {
+TEST_F(BundleTest, MakesOnlyItsProgramsExecutable) {
     for (const auto& entry : fs::recursive_directory_iterator(contents())) {
         const fs::path& file = entry.path();
         const bool isProgram =
@@ -91,7 +91,7 @@ TEST_F(BundleTest, HasANumberForItsBuild) {
     EXPECT_EQ(number.find_first_not_of("0123456789."), std::string::npos) << number;
 }
 
-TEST_F(BundleTest, HasNoUpdatesUnlessAFeedIsGiven) {
+TEST_F(BundleTest, HasNoUpdatesWithoutAFeed) {
     EXPECT_EQ(info("SUFeedURL"), "");
     EXPECT_EQ(info("SUPublicEDKey"), "");
 }
@@ -183,12 +183,12 @@ TEST_F(BundleTestInfoPlist, NamesTheFeedOfUpdatesWhenThereIsOne) {
     EXPECT_EQ(entry("CFBundleShortVersionString"), "1.2");
 }
 
-TEST_F(BundleTestInfoPlist, NamesNoFeedWhenThereIsNone) {
+TEST_F(BundleTestInfoPlist, NamesNoFeedByDefault) {
     ASSERT_EQ(made({"-DQUORVEL_BUILD_NUMBER=7"}).status, 0);
     EXPECT_EQ(entry("SUFeedURL"), "none");
 }
 
-TEST_F(BundleTestInfoPlist, RefusesANumberThatUpdatesCantBeToldApartBy) {
+TEST_F(BundleTestInfoPlist, RefusesANumberThatCannotTellUpdatesApart) {
     for (const char* number : {"", "seven", "7-beta", "1.2.3.4", "1."}) {
         const Outcome making = made({std::string("-DQUORVEL_BUILD_NUMBER=") + number});
         EXPECT_NE(making.status, 0) << number;

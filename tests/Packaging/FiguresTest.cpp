@@ -45,6 +45,11 @@ protected:
         return result;
     }
 
+    void expectFunctions(const std::string& count, const std::string& lines) const {
+        EXPECT_EQ(figure("functions"), count);
+        EXPECT_EQ(figure("function lines median / p90 / max"), lines);
+    }
+
 private:
     TemporaryFolder tree_;
 };
@@ -72,8 +77,7 @@ TEST_F(FiguresTest, MeasureAFunctionFromItsSignatureToItsLastBrace) {
                              "    return a;\n"
                              "}\n"
                              "}\n");
-    EXPECT_EQ(figure("functions"), "2");
-    EXPECT_EQ(figure("function lines median / p90 / max"), "1 / 5 / 5 (large, Platform/A.cpp)");
+    expectFunctions("2", "1 / 5 / 5 (large, Platform/A.cpp)");
     EXPECT_EQ(figure("most parameters"), "2 (large, Platform/A.cpp)");
 }
 
@@ -85,8 +89,7 @@ TEST_F(FiguresTest, FindConstructorsWhoseMembersAreInitialisedInBraces) {
                              "}\n"
                              "const std::map<int, int> table{{1, 2}};\n"
                              "const auto made = make({1, 2});\n");
-    EXPECT_EQ(figure("functions"), "1");
-    EXPECT_EQ(figure("function lines median / p90 / max"), "5 / 5 / 5 (A, Platform/A.cpp)");
+    expectFunctions("1", "5 / 5 / 5 (A, Platform/A.cpp)");
 }
 
 TEST_F(FiguresTest, CountDecisionsButNotRvalueReferences) {
@@ -130,6 +133,22 @@ TEST_F(FiguresTest, ListHeadersThatAreImplementedInASourceOfAnotherName) {
     EXPECT_EQ(figure("headers / functions implemented elsewhere"), "1 / 2");
 }
 
+TEST_F(FiguresTest, ListHeadersWithoutASourceOfTheirOwnName) {
+    const std::string declaration = "namespace q {\nint far();\n}\n";
+    source("Platform/Owned.h", declaration);
+    source("Platform/Owned_linux.cpp", "");
+    source("Platform/files/Other.h", declaration);
+    source("Platform/Other.cpp", "");
+    source("Platform/Alone.h", declaration);
+    source("Platform/NeedsNone.h", "inline int one() { return 1; }\n"
+                                   "class A {\npublic:\n    virtual void draw() = 0;\n"
+                                   "    A(const A&) = delete;\n    ~A() = default;\n"
+                                   "Q_SIGNALS:\n    void changed();\n};\n");
+    EXPECT_THAT(places("sourceless"),
+                ElementsAre("Platform/Alone.h: far", "Platform/files/Other.h: far"));
+    EXPECT_EQ(figure("headers without a source of their own name"), "2");
+}
+
 TEST_F(FiguresTest, ListPublicFunctionsWithoutAComment) {
     source("Platform/A.h", "/// A thing.\n"
                            "class A : public B {\n"
@@ -160,7 +179,7 @@ TEST_F(FiguresTest, ListPublicFunctionsWithoutAComment) {
     EXPECT_EQ(figure("undocumented public functions / all of them"), "2 / 5");
 }
 
-TEST_F(FiguresTest, CountLinesThatStandInTwoPlaces) {
+TEST_F(FiguresTest, CountLinesThatOccurTwice) {
     const std::string six = "a = 1;\nb = 2;\nc = 3;\nd = 4;\ne = 5;\nf = 6;\n";
     source("Platform/A.cpp", "#include <a>\n" + six);
     source("LaunchKit/B.cpp", "g = 7;\n" + six);
@@ -176,13 +195,13 @@ TEST_F(FiguresTest, CountRawNewAndDeleteButNotDeletedFunctions) {
     EXPECT_EQ(figure("raw delete"), "1");
 }
 
-TEST_F(FiguresTest, SayNothingOfAnEmptyTree) {
+TEST_F(FiguresTest, AcceptAnEmptyTree) {
     EXPECT_EQ(figures().status, 0);
     EXPECT_EQ(figure("source files / lines"), "0 / 0");
     EXPECT_THAT(places("long"), IsEmpty());
 }
 
-TEST_F(FiguresTest, RefuseAListThatTheyDontHave) {
+TEST_F(FiguresTest, RefuseAnUnknownList) {
     const Outcome refusal = figures({"--list", "beauty"});
     EXPECT_EQ(refusal.status, 2);
     EXPECT_THAT(refusal.output, HasSubstr("not beauty"));

@@ -10,7 +10,7 @@ namespace {
 namespace fs = std::filesystem;
 using ::testing::HasSubstr;
 
-// A repository of its own with this tree's hook enabled.
+// A new repository with this tree's hook enabled.
 class LintTestPreCommitHook : public ::testing::Test {
 protected:
     void SetUp() override {
@@ -45,6 +45,13 @@ protected:
         return git({"rev-parse", "--verify", "--quiet", "HEAD"}).status == 0;
     }
 
+    // Expects that a commit fails with this text in its output.
+    void expectRefusal(const std::string& text) const {
+        const Outcome committing = commit();
+        EXPECT_NE(committing.status, 0);
+        EXPECT_THAT(committing.output, HasSubstr(text));
+    }
+
     TemporaryFolder tree_;
 };
 
@@ -58,13 +65,11 @@ TEST_F(LintTestPreCommitHook, LetsWellFormedChangesThrough) {
 
 TEST_F(LintTestPreCommitHook, RefusesASourceThatIsNotFormatted) {
     stage("a.cpp", "int  one( ) { return 1;}\n");
-    const Outcome committing = commit();
-    EXPECT_NE(committing.status, 0);
-    EXPECT_THAT(committing.output, HasSubstr("a.cpp:1:"));
+    expectRefusal("a.cpp:1:");
     EXPECT_FALSE(hasCommits());
 }
 
-TEST_F(LintTestPreCommitHook, JudgesWhatIsStagedAndNotWhatLiesInTheFolder) {
+TEST_F(LintTestPreCommitHook, ChecksWhatIsStagedAndNotTheWorkingTree) {
     stage("a.cpp", "int one() {\n    return 1;\n}\n");
     write(tree_ / "a.cpp", "int  one( ) { return 1;}\n");
     EXPECT_EQ(commit().status, 0);
@@ -73,15 +78,13 @@ TEST_F(LintTestPreCommitHook, JudgesWhatIsStagedAndNotWhatLiesInTheFolder) {
     EXPECT_NE(commit().status, 0);
 }
 
-TEST_F(LintTestPreCommitHook, RefusesAScriptThatSplitsItsWords) {
+TEST_F(LintTestPreCommitHook, RefusesAScriptWithUnquotedExpansions) {
     stage("folder with space/script", "#!/bin/sh\nrm $1\n");
-    const Outcome committing = commit();
-    EXPECT_NE(committing.status, 0);
-    EXPECT_THAT(committing.output, HasSubstr("SC2086"));
+    expectRefusal("SC2086");
     EXPECT_FALSE(hasCommits());
 }
 
-TEST_F(LintTestPreCommitHook, ChecksAPieceThatIsSourcedWithWhatItSources) {
+TEST_F(LintTestPreCommitHook, ChecksASourcedScriptWithWhatItSources) {
     stage("part.sh", "# shellcheck shell=sh\nexport name=one\n");
     stage("script", "#!/bin/sh\n. \"$(dirname \"$0\")/part.sh\"\necho \"$name\"\n");
     const Outcome committing = commit();
@@ -102,9 +105,7 @@ TEST_F(LintTestPreCommitHook, RefusesWhatStaticAnalysisFindsInTheChange) {
     stage("a.cpp", "struct A {\n    static int n;\n};\n");
     EXPECT_EQ(commit().status, 0);
     stage("a.cpp", "struct A {\n    static int n;\n};\nint f(A a) {\n    return a.n;\n}\n");
-    const Outcome committing = commit();
-    EXPECT_NE(committing.status, 0);
-    EXPECT_THAT(committing.output, HasSubstr("readability-static-accessed-through-instance"));
+    expectRefusal("readability-static-accessed-through-instance");
 }
 
 TEST(LintTest, RefusesACheckThatItDoesNotHave) {
@@ -116,7 +117,7 @@ TEST(LintTest, RefusesACheckThatItDoesNotHave) {
 TEST(LintTest, FindsEveryShellScriptOfThisTreeInOrder) {
     if (outcomeOf({"/bin/sh", "-c", "command -v git && command -v shellcheck"}).status != 0 ||
         !itemExists(QUORVEL_SOURCE "/.git")) {
-        GTEST_SKIP() << "git or shellcheck is not installed, or this is no checkout";
+        GTEST_SKIP() << "git or shellcheck is not installed, or this is not a checkout";
     }
     const Outcome checking = outcomeOf({QUORVEL_SOURCE "/scripts/lint", "shell"});
     EXPECT_EQ(checking.status, 0) << checking.output;

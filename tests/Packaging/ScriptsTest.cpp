@@ -9,7 +9,7 @@
 namespace quorvel::testing {
 namespace {
 
-TEST(ScriptsTest, PackagingScriptSaysWhereThereIsNoMacThatItNeedsOne) {
+TEST(ScriptsTest, PackagingScriptSaysThatItNeedsAMac) {
     const Outcome outcome = outcomeOf({QUORVEL_SOURCE "/scripts/package-macos"});
     EXPECT_EQ(outcome.status, 1);
     EXPECT_EQ(outcome.output, "scripts/package-macos needs a Mac: the tools that sign and pack an "
@@ -95,7 +95,7 @@ TEST_F(ScriptsTestMutations, LeavesASourceOfNoLayerAlone) {
     EXPECT_EQ(read(source_), before);
 }
 
-TEST(ScriptsTest, TestSummaryTellsWhatWasSkippedAndWhyAndEndsWithTheCounts) {
+TEST(ScriptsTest, TestSummaryListsSkippedTestsWithReasonsAndEndsWithTheCounts) {
     const TemporaryFolder folder;
     write(folder / "CMakeLists.txt", R"(cmake_minimum_required(VERSION 3.20)
 project(Sample NONE)

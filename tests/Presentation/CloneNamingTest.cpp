@@ -10,7 +10,7 @@ struct Row {
     const char* name;
 };
 
-TEST(CloneNamingTest, AHostIsWhatTheStandardTakesForOne) {
+TEST(CloneNamingTest, AHostIsWhatTheStandardCallsOne) {
     for (const Row& row :
          {Row{"example.com:99999", "Example.Com"}, Row{"example.com:", "Example.Com"},
           Row{"a..b", "A..B"}, Row{"https://a%41.c", "Aa.C"},

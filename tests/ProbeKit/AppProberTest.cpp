@@ -18,7 +18,7 @@ WriteEvent writeTo(const std::string& path) {
 
 // A prober whose real Library is at /L; nothing is launched with it.
 AppProber proberFor(Trial& trial) {
-    AppProber::Surroundings with = trial.surroundings();
+    AppProber::Dependencies with = trial.dependencies();
     with.realLibrary = "/L";
     return std::move(*AppProber::forApp(trial.app, std::move(with)));
 }
@@ -120,7 +120,7 @@ TEST(AppProberTest, RecommendationTheFirstRuleThatAppliesWins) {
     EXPECT_EQ(recommended({irrelevant}, SingletonTier::unknown), Strategy::homeOverride);
 }
 
-// The tier for a second process that runs or not, and so many running applications.
+// Returns the tier for a second process that runs or not, and a number of running applications.
 SingletonTier tier(bool runs, int running, PropertyListDictionary info = {}) {
     Trial trial;
     info.emplace("CFBundleIdentifier", "com.example.Notes");
@@ -156,11 +156,11 @@ TEST(AppProberTest, SingletonASecondThatQuitWhileOneRunsMeansAHandOver) {
     EXPECT_EQ(tier(false, 1), SingletonTier::machPort);
 }
 
-TEST(AppProberTest, SingletonASecondThatQuitWithNoneRunningTellsNothing) {
+TEST(AppProberTest, SingletonASecondThatQuitWithNoneRunningIsUnknown) {
     EXPECT_EQ(tier(false, 0), SingletonTier::unknown);
 }
 
-TEST(AppProberTest, SingletonAProhibitionInTheBundleDecidesWhateverHappened) {
+TEST(AppProberTest, SingletonAProhibitionInTheBundleAlwaysDecides) {
     EXPECT_EQ(tier(true, 2, {{"LSMultipleInstancesProhibited", true}}),
               SingletonTier::lsProhibited);
     EXPECT_EQ(tier(false, 0, {{"LSMultipleInstancesProhibited", true}}),
@@ -173,12 +173,12 @@ TEST(AppProberTest, HasItsDefaults) {
     const auto prober = AppProber::forApp(trial.app);
     ASSERT_TRUE(prober);
     EXPECT_EQ(prober->realLibrary(), (home / "Library").string());
-    EXPECT_EQ(prober->settleA.count(), 7.0);
-    EXPECT_EQ(prober->settleB.count(), 2.0);
+    EXPECT_EQ(AppProber::Options().settleA.count(), 7.0);
+    EXPECT_EQ(AppProber::Options().settleB.count(), 2.0);
     EXPECT_EQ(prober->bundle().bundleId, trial.bundleId);
 }
 
-TEST(AppProberTest, CannotBeMadeForWhatIsNoBundle) {
+TEST(AppProberTest, CannotBeMadeForWhatIsNotABundle) {
     const TemporaryFolder folder;
     EXPECT_FALSE(AppProber::forApp(folder / "None.app"));
 }

@@ -15,7 +15,7 @@ using namespace Qt::StringLiterals;
 
 class AccessibilityTest : public WindowTest {};
 
-// Every control in view, with the role that a screen reader tells for it.
+// Every control in view, with the role that a screen reader announces.
 int checkedControls(QWidget* window) {
     int controls = 0;
     for (QWidget* widget : window->findChildren<QWidget*>()) {
@@ -67,7 +67,7 @@ TEST_F(AccessibilityTest, EveryControlOfTheSheetHasANameAndARole) {
               QAccessible::Dialog);
 }
 
-TEST_F(AccessibilityTest, AMessageIsADialogThatTellsItsTitleAndText) {
+TEST_F(AccessibilityTest, AMessageIsADialogNamedByItsTitleAndText) {
     open();
     stubs.model().setLastError("It did not work.");
     auto* message = QAccessible::queryAccessibleInterface(window->findChild<MessageSheet*>());
@@ -77,9 +77,9 @@ TEST_F(AccessibilityTest, AMessageIsADialogThatTellsItsTitleAndText) {
     EXPECT_GT(checkedControls(window.get()), 0);
 }
 
-TEST_F(AccessibilityTest, ItemsTellWhatTheirPicturesShow) {
+TEST_F(AccessibilityTest, ItemsDescribeWhatTheirPicturesShow) {
     const InstanceRecord work = addClone("Work");
-    stubs.workspace->running = {work.config.bundleId};
+    stubs.workspace->setRunning({work.config.bundleId});
     stubs.sandboxed = {"/Applications/Mail.app"};
     addApps();
     open();

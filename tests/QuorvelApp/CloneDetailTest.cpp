@@ -1,3 +1,4 @@
+#include "LaunchKit/InstanceConfig.h"
 #include "QuorvelApp/widgets/MessageSheet.h"
 #include "tests/QuorvelApp/WindowFixture.h"
 
@@ -33,8 +34,8 @@ TEST_F(CloneDetailTest, AsksOnceMoreBeforeItDeletesTheDataOfACloneThatRuns) {
     write(home / "QuorvelInstances/Work/data", "x");
     open();
     select(work);
-    // Started elsewhere, so that nothing but a look can tell.
-    stubs.workspace->running = {work.config.bundleId};
+    // Started elsewhere, so only a refresh can notice.
+    stubs.workspace->setRunning({work.config.bundleId});
     const auto delayed = [&](const QString& answer) {
         button(u"Delete"_s)->click();
         button(u"Delete Clone and Its Data"_s)->click();
@@ -59,7 +60,7 @@ TEST_F(CloneDetailTest, EscapeAndReturnSpareTheDataOfACloneThatRuns) {
     write(home / "QuorvelInstances/Work/data", "x");
     open();
     select(work);
-    stubs.workspace->running = {work.config.bundleId};
+    stubs.workspace->setRunning({work.config.bundleId});
     for (const Qt::Key key : {Qt::Key_Escape, Qt::Key_Return}) {
         button(u"Delete"_s)->click();
         button(u"Delete Clone and Its Data"_s)->click();
@@ -73,7 +74,7 @@ TEST_F(CloneDetailTest, DoesNotAskOnceMoreWhereTheDataStays) {
     const InstanceRecord work = addClone("Work");
     open();
     select(work);
-    stubs.workspace->running = {work.config.bundleId};
+    stubs.workspace->setRunning({work.config.bundleId});
     button(u"Delete"_s)->click();
     button(u"Delete Clone Only"_s)->click();
     EXPECT_FALSE(shown(u"“Work” is running"_s));
@@ -98,7 +99,7 @@ TEST_F(CloneDetailTest, TheLaunchButtonFocusesWhatRuns) {
     select(work);
     button(u"Launch"_s)->click();
     EXPECT_THAT(stubs.workspace->opened, ElementsAre(work.bundleURL));
-    stubs.workspace->running = {work.config.bundleId};
+    stubs.workspace->setRunning({work.config.bundleId});
     stubs.model().refreshRunningState();
     EXPECT_TRUE(shown(u"Running"_s));
     button(u"Focus"_s)->click();
@@ -166,7 +167,7 @@ TEST_F(CloneDetailTest, AMigrationIsExplainedAndCanBeCancelled) {
     EXPECT_TRUE(shown(u"This clone keeps its own Downloads, Documents & Desktop"_s));
 }
 
-TEST_F(CloneDetailTest, TheOfferGoesOnceALaunchHasLinkedTheFolders) {
+TEST_F(CloneDetailTest, TheOfferDisappearsOnceALaunchHasLinkedTheFolders) {
     const InstanceRecord work = addClone("Work");
     const QString offer = u"This clone keeps its own Downloads, Documents & Desktop"_s;
     fs::create_directories(home / "Downloads");

@@ -1,3 +1,4 @@
+#include "LaunchKit/InstanceConfig.h"
 #include "QuorvelApp/model/CloneListModel.h"
 #include "QuorvelApp/model/DisplayText.h"
 #include "QuorvelApp/model/QtText.h"
@@ -78,7 +79,7 @@ TEST_F(HostileInputTest, NoWidgetIsGivenAMegabyte) {
     button(u"Delete"_s)->click();
     (void)window->grab();
     for (const QLabel* label : window->findChildren<QLabel*>()) {
-        // Every character has a mark behind it.
+        // Every character is followed by a mark.
         EXPECT_LE(label->text().size(), 2 * (longestDisplayText + 1));
         EXPECT_LE(label->accessibleName().size(), longestDisplayText + 100);
         EXPECT_LE(label->toolTip().size(), longestDisplayText + 100);
@@ -121,7 +122,7 @@ TEST_F(HostileInputTest, AnAppWithAHostileNameIsShownAndChosen) {
     }
 }
 
-TEST_F(HostileInputTest, EveryActionOnACloneThatIsGoneIsToldAndLosesNothing) {
+TEST_F(HostileInputTest, EveryActionOnAMissingCloneIsReportedAndLosesNothing) {
     InstanceConfig config = minimalConfig("Work");
     config.shareUserFolders = false;
     const InstanceRecord work = addClone("Work", config);
@@ -170,7 +171,7 @@ TEST_F(HostileInputTest, TwoProgramsOnOneFolderDoNotDisturbEachOther) {
     EXPECT_EQ(stubs.model().clones(), other.model().clones());
 }
 
-TEST_F(HostileInputTest, AFullDiskIsToldAndTheFormStays) {
+TEST_F(HostileInputTest, AFullDiskIsReportedAndTheFormStays) {
     stubs.create = [](const auto&) -> fs::path {
         throw PlatformError(std::make_error_code(std::errc::no_space_on_device), "/x/runner",
                             "copied");

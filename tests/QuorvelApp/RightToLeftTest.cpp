@@ -21,7 +21,7 @@ protected:
 
     int leftOf(const QWidget* widget) { return widget->mapTo(window.get(), QPoint()).x(); }
 
-    // The middle of all pixels of that colour; -1 when there are none.
+    // The middle of all pixels of that colour; -1 if there are none.
     static int middleOf(const QImage& image, const QColor& color) {
         qint64 sum = 0;
         qint64 count = 0;
@@ -48,7 +48,7 @@ TEST_F(RightToLeftTest, ARowBeginsWithItsIconAtTheRightAndEndsWithItsDotAtTheLef
     QImage magenta(64, 64, QImage::Format_ARGB32);
     magenta.fill(Qt::magenta);
     write(iconPathOf(work), icnsFile(std::array{icnsChunk(magenta)}));
-    stubs.workspace->running = {work.config.bundleId};
+    stubs.workspace->setRunning({work.config.bundleId});
     open();
     const auto* list = window->content().sidebar().findChild<QListView*>();
     QImage row;

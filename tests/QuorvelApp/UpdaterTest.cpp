@@ -18,7 +18,7 @@ TEST(UpdaterTest, MirrorsTheServicesFlagAndStartsChecks) {
     UpdaterController updater(std::move(service));
     EXPECT_TRUE(updater.isConfigured());
     EXPECT_TRUE(updater.canCheckForUpdates());
-    updates.tell(false);
+    updates.canCheckChanged(false);
     EXPECT_FALSE(updater.canCheckForUpdates());
     updater.checkForUpdates();
     EXPECT_EQ(updates.checks, 1);

@@ -1,4 +1,5 @@
 #include "tests/QuorvelApp/WindowFixture.h"
+#include "LaunchKit/InstanceConfig.h"
 
 #include <QMenu>
 #include <QMenuBar>

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "LaunchKit/InstanceConfig.h"
 #include "QuorvelApp/CloneDetailView.h"
 #include "QuorvelApp/NewCloneView.h"
 #include "QuorvelApp/app/MainWindow.h"
@@ -15,7 +16,7 @@
 
 namespace quorvel::testing {
 
-/// A window on a throw-away home, with stubs behind the model.
+/// A window in a throw-away home, whose model uses stubs.
 class WindowTest : public ::testing::Test {
 protected:
     /// Writes an app clone of "Notes" with that name, which the window lists when it opens.
@@ -34,7 +35,7 @@ protected:
     QPoint middleOfTile(const QString& app);
     void select(const InstanceRecord& clone) { window->content().sidebar().select(clone.id()); }
 
-    /// The menus' command with these words; throws when there is none.
+    /// The menus' command with these words; throws if there is none.
     QAction* command(const QString& words);
     QPushButton* button(const QString& text) { return visibleButton(window.get(), text); }
     QLineEdit* field(const QString& name) { return fieldNamed(window.get(), name); }

@@ -1,9 +1,10 @@
-// One target per instance home, whatever becomes of the runner.
+// One target per instance home, even if the runner is killed.
 #include "LaunchKit/HomeLock.h"
+#include "LaunchKit/InstanceConfig.h"
 #include "Platform/files/FileSystem.h"
 #include "tests/Runner/RunnerFixture.h"
-#include "tests/support/OrdinaryUser.h"
 #include "tests/support/SmallDisk.h"
+#include "tests/support/UnprivilegedUser.h"
 #include "tests/support/Waiting.h"
 
 #include <cerrno>
@@ -39,26 +40,26 @@ protected:
 
     [[nodiscard]] fs::path lockFile() const { return cloneHome() / homeLockName; }
 
-    // A clone of an app that is this script.
+    // Returns a clone of an app that runs this script.
     [[nodiscard]] InstanceConfig scripted(const std::string& script) const {
         InstanceConfig config = appConfig({});
         makeScriptedAppBundle(at("Thing.app"), script);
         return config;
     }
 
-    // One that runs until it is ended, and tells its number.
+    // Returns a clone of an app that reports its process number and runs until it is killed.
     [[nodiscard]] InstanceConfig lasting() const {
         return scripted("echo $$ > " + at("pid").string() + "; exec sleep 600");
     }
 
     [[nodiscard]] bool targetRuns() const {
-        return waitFor([&] { return numberIn(at("pid")) > 0; });
+        return waitUntil([&] { return numberIn(at("pid")) > 0; });
     }
 
-    // The status of a runner that is to end by itself; -1 when it does not.
+    // Returns the status of a runner that should end by itself, or -1 if it does not.
     [[nodiscard]] int statusOf(const fs::path& bundle) const {
         Process runner = start(bundle);
-        if (!waitFor([&] { return !runner.isRunning(); }, std::chrono::seconds(5))) {
+        if (!waitUntil([&] { return !runner.isRunning(); }, std::chrono::seconds(5))) {
             runner.terminate();
             return -1;
         }
@@ -67,7 +68,7 @@ protected:
 
     static bool ends(pid_t pid) {
         ::kill(pid, SIGKILL);
-        return waitFor([&] { return !fs::exists("/proc/" + std::to_string(pid) + "/exe"); });
+        return waitUntil([&] { return !fs::exists("/proc/" + std::to_string(pid) + "/exe"); });
     }
 };
 
@@ -99,7 +100,7 @@ TEST_F(OneTargetTest, ClonesThatShareAHomeRunOneAtATime) {
     Process first = start(wrapper(other));
     ASSERT_TRUE(targetRuns());
     other.displayName = "Work";
-    other.instanceHome = (home_ / "I/").string(); // the same folder, spelt in another way
+    other.instanceHome = (home_ / "I/").string(); // the same folder, spelled differently
     const fs::path second = wrapper(other);
     EXPECT_EQ(statusOf(second), 75);
     EXPECT_EQ(read(errors()), inUse);
@@ -112,7 +113,7 @@ TEST_F(OneTargetTest, ClonesThatShareAHomeRunOneAtATime) {
     later.waitUntilExit();
 }
 
-TEST_F(OneTargetTest, ClonesWithHomesOfTheirOwnRunSideBySide) {
+TEST_F(OneTargetTest, ClonesWithDifferentHomesRunSideBySide) {
     InstanceConfig config = lasting();
     Process first = start(wrapper(config));
     ASSERT_TRUE(targetRuns());
@@ -128,11 +129,11 @@ TEST_F(OneTargetTest, ClonesWithHomesOfTheirOwnRunSideBySide) {
     }
 }
 
-TEST_F(OneTargetTest, AChildThatGoesOnInTheBackgroundStillHoldsTheHome) {
+TEST_F(OneTargetTest, AChildInTheBackgroundStillHoldsTheHome) {
     const fs::path bundle = wrapper(scripted(
         "setsid sleep 600 </dev/null >/dev/null 2>&1 & echo $! > " + at("child").string()));
     EXPECT_EQ(statusOf(bundle), 0);
-    ASSERT_TRUE(waitFor([&] { return numberIn(at("child")) > 0; }));
+    ASSERT_TRUE(waitUntil([&] { return numberIn(at("child")) > 0; }));
     EXPECT_EQ(statusOf(bundle), 75);
     ASSERT_TRUE(ends(numberIn(at("child"))));
     EXPECT_EQ(statusOf(bundle), 0);
@@ -149,14 +150,14 @@ TEST_F(OneTargetTest, AScriptMayRedirectLowNumbersWithoutLosingTheHome) {
     EXPECT_EQ(statusOf(bundle), 75);
 }
 
-TEST_F(OneTargetTest, TheTargetGetsNothingButTheLocksDescriptor) {
+TEST_F(OneTargetTest, TheTargetInheritsOnlyTheLocksDescriptor) {
     EXPECT_EQ(run(appConfig({"descriptors"})), 0);
     EXPECT_EQ(log(), "0\n1\n2\n30\n");
     EXPECT_EQ(run(scripted("readlink /proc/self/fd/30 > " + at("path").string())), 0);
     EXPECT_EQ(read(at("path")), lockFile().string() + "\n");
 }
 
-TEST_F(OneTargetTest, TheLocksFileIsHiddenAndTheUsersOwn) {
+TEST_F(OneTargetTest, TheLockFileIsHiddenAndForTheUserOnly) {
     EXPECT_EQ(run(appConfig({"exit", "0"})), 0);
     struct stat status {};
     ASSERT_EQ(::lstat(lockFile().c_str(), &status), 0);
@@ -166,7 +167,7 @@ TEST_F(OneTargetTest, TheLocksFileIsHiddenAndTheUsersOwn) {
     EXPECT_TRUE(lockFile().filename().string().starts_with('.'));
 }
 
-TEST_F(OneTargetTest, WhatStandsInTheLocksPlaceIsNotFollowed) {
+TEST_F(OneTargetTest, ALinkInPlaceOfTheLockIsNotFollowed) {
     fs::create_directories(cloneHome());
     write(at("foreign"), "kept");
     const fs::path bundle = wrapper(appConfig({"write", at("started"), "x"}));
@@ -182,7 +183,7 @@ TEST_F(OneTargetTest, WhatStandsInTheLocksPlaceIsNotFollowed) {
     EXPECT_FALSE(fs::exists(at("started")));
 }
 
-// Two starts of a clone whose home has no room for the lock's file.
+// Starts a clone twice whose home has no space for the lock file.
 TEST_F(OneTargetTest, OnAFullDiskAHomeIsStillUsedByOneTargetAtATime) {
     fs::create_directories(cloneHome());
     const fs::path bundle = wrapper(lasting());
@@ -190,7 +191,7 @@ TEST_F(OneTargetTest, OnAFullDiskAHomeIsStillUsedByOneTargetAtATime) {
         Process runner = start(bundle);
         const bool runs = targetRuns();
         const int second = statusOf(bundle);
-        // With room again, the folder still counts.
+        // When there is space again, the lock on the folder still counts.
         ::mount("none", cloneHome().c_str(), "tmpfs", MS_REMOUNT, "size=64k,nr_inodes=10");
         const int third = statusOf(bundle);
         runner.terminate();
@@ -210,7 +211,7 @@ TEST_F(OneTargetTest, OnAFullDiskAHomeIsStillUsedByOneTargetAtATime) {
 TEST_F(OneTargetTest, AHomeThatCantBeWrittenIsStillUsedByOneTargetAtATime) {
     InstanceConfig config = minimalConfig();
     config.instanceHome = at("I").string();
-    EXPECT_TRUE(asOrdinaryUser(folder_.path(), [&] {
+    EXPECT_TRUE(asUnprivilegedUser(folder_.path(), [&] {
         fs::create_directories(config.resolvedHome());
         fs::permissions(config.resolvedHome(), fs::perms{0555});
         std::optional<FileLock> first = lockHome(config);
@@ -227,10 +228,8 @@ TEST_F(OneTargetTest, AHomeThatCantBeWrittenIsStillUsedByOneTargetAtATime) {
     }));
 }
 
-TEST_F(OneTargetTest, ACommandHoldsNothing) {
-    InstanceConfig config = minimalConfig();
-    config.kind = ShortcutKind::command;
-    config.instanceHome = "~/I";
+TEST_F(OneTargetTest, ACommandHoldsNoLock) {
+    InstanceConfig config = configOf(ShortcutKind::command);
     config.commandPath = helperProgram();
     config.commandArgs = {"descriptors"};
     EXPECT_EQ(run(config), 0);

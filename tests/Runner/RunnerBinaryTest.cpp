@@ -1,4 +1,4 @@
-// The runner is copied into every wrapper, so it has to be small and to stand alone.
+// The runner is copied into every wrapper, so it must be small and self-contained.
 #include "Platform/files/FileSystem.h"
 #include "Platform/processes/Process.h"
 #include "tests/support/AppBundles.h"

@@ -1,10 +1,12 @@
 // The real runner inside real wrappers.
+#include "LaunchKit/InstanceConfig.h"
 #include "tests/Runner/RunnerFixture.h"
 #include "tests/support/Waiting.h"
 
 #include <csignal>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <map>
 #include <sys/stat.h>
 
 namespace quorvel {
@@ -30,7 +32,7 @@ TEST_F(RunnerTest, ASignalThatEndsTheTargetIsAddedTo128) {
 
 TEST_F(RunnerTest, StaysAliveAsLongAsItsTarget) {
     Process runner = start(wrapper(appConfig({"write", at("started"), "x", "wait"})));
-    ASSERT_TRUE(waitFor([&] { return fs::exists(at("started")); }));
+    ASSERT_TRUE(waitUntil([&] { return fs::exists(at("started")); }));
     EXPECT_TRUE(runner.isRunning());
     runner.terminate();
     EXPECT_EQ(runner.waitUntilExit(), 128 + SIGTERM);
@@ -38,10 +40,10 @@ TEST_F(RunnerTest, StaysAliveAsLongAsItsTarget) {
 
 class RunnerTestSignals : public RunnerTest, public ::testing::WithParamInterface<int> {};
 
-TEST_P(RunnerTestSignals, ArePassedOnToTheTarget) {
+TEST_P(RunnerTestSignals, AreForwardedToTheTarget) {
     Process runner =
         start(wrapper(appConfig({"trap", "~/caught", "write", at("ready"), "x", "wait"})));
-    ASSERT_TRUE(waitFor([&] { return fs::exists(at("ready")); }));
+    ASSERT_TRUE(waitUntil([&] { return fs::exists(at("ready")); }));
     runner.sendSignal(GetParam());
     EXPECT_EQ(runner.waitUntilExit(), 0) << "the target handled it and ended well";
     EXPECT_EQ(read(cloneHome() / "caught"), std::to_string(GetParam()));
@@ -49,24 +51,22 @@ TEST_P(RunnerTestSignals, ArePassedOnToTheTarget) {
 
 INSTANTIATE_TEST_SUITE_P(Every, RunnerTestSignals, ::testing::Values(SIGTERM, SIGINT, SIGHUP));
 
-TEST_F(RunnerTest, SeveralSignalsInARowReachATargetThatGoesOn) {
-    InstanceConfig config = minimalConfig();
-    config.kind = ShortcutKind::command;
-    config.instanceHome = "~/I";
+TEST_F(RunnerTest, SeveralSignalsInARowReachATarget) {
+    InstanceConfig config = configOf(ShortcutKind::command);
     config.commandPath = "/bin/sh";
     config.commandArgs = {"-c", "n=0; trap 'n=$((n+1)); echo $n > " + at("count").string() +
                                     "' HUP; echo x > " + at("ready").string() +
                                     "; while [ $n -lt 2 ]; do sleep 0.05; done; exit 3"};
     Process runner = start(wrapper(config));
-    ASSERT_TRUE(waitFor([&] { return fs::exists(at("ready")); }));
+    ASSERT_TRUE(waitUntil([&] { return fs::exists(at("ready")); }));
     runner.sendSignal(SIGHUP);
-    ASSERT_TRUE(waitFor([&] { return read(at("count")) == "1\n"; }));
+    ASSERT_TRUE(waitUntil([&] { return read(at("count")) == "1\n"; }));
     EXPECT_TRUE(runner.isRunning());
     runner.sendSignal(SIGHUP);
     EXPECT_EQ(runner.waitUntilExit(), 3);
 }
 
-TEST_F(RunnerTest, TellsTheStatusEvenWhereItsStarterIgnoresChildren) {
+TEST_F(RunnerTest, ReturnsTheStatusEvenIfItsParentIgnoresChildren) {
     const fs::path bundle = wrapper(appConfig({"exit", "7"}));
     Process::Options options;
     options.executable = "/bin/sh";
@@ -75,7 +75,7 @@ TEST_F(RunnerTest, TellsTheStatusEvenWhereItsStarterIgnoresChildren) {
     EXPECT_EQ(Process::run(options).waitUntilExit(), 7);
 }
 
-TEST_F(RunnerTest, GivesTheTargetItsHomeAndItsLog) {
+TEST_F(RunnerTest, SetsTheTargetsHomeAndLog) {
     EXPECT_EQ(run(appConfig({"environment", "complain", "complained"})), 0);
     EXPECT_THAT(log(), HasSubstr("\nHOME=" + cloneHome().string() + "\n"));
     EXPECT_THAT(log(), HasSubstr("CFFIXED_USER_HOME=" + cloneHome().string() + "\n"));
@@ -83,12 +83,12 @@ TEST_F(RunnerTest, GivesTheTargetItsHomeAndItsLog) {
     EXPECT_EQ(read(errors()), "");
 }
 
-TEST_F(RunnerTest, DocumentsStayBehindUnlessTheCloneTakesThem) {
+TEST_F(RunnerTest, DocumentsAreDroppedUnlessTheCloneAcceptsThem) {
     EXPECT_EQ(run(appConfig({"arguments", "own"}), {"/doc"}), 0);
     EXPECT_EQ(log(), "1\nown\n");
 }
 
-TEST_F(RunnerTest, DocumentsFollowTheConfiguredArgumentsAsTheyAre) {
+TEST_F(RunnerTest, DocumentsFollowTheConfiguredArgumentsUnchanged) {
     InstanceConfig config = appConfig({"arguments", "{{instanceHome}}"});
     config.openWithPassthrough = true;
     EXPECT_EQ(run(config, {"/a b", "{{instanceHome}}", "~", "--flag"}), 0);
@@ -103,9 +103,7 @@ TEST_F(RunnerTest, AddressesReachACloneThatIsABrowser) {
 }
 
 TEST_F(RunnerTest, RunsACommand) {
-    InstanceConfig config = minimalConfig();
-    config.kind = ShortcutKind::command;
-    config.instanceHome = "~/I";
+    InstanceConfig config = configOf(ShortcutKind::command);
     config.openWithPassthrough = true;
     config.commandPath = helperProgram();
     config.commandArgs = {"arguments", "{{instanceHome}}"};
@@ -113,24 +111,24 @@ TEST_F(RunnerTest, RunsACommand) {
     EXPECT_EQ(log(), "1\n" + cloneHome().string() + "\n") << "a command takes no documents";
 }
 
-TEST_F(RunnerTest, AWebCloneSaysThatItsHostIsMissingHereAndInTheLog) {
-    EXPECT_EQ(run(webConfig()), 69);
+TEST_F(RunnerTest, AWebCloneReportsThatItsHostIsMissingHereAndInTheLog) {
+    EXPECT_EQ(run(configOf(ShortcutKind::web)), 69);
     const std::string line = "quorvel-runner: the web host for “Work” is not installed\n";
     EXPECT_EQ(read(errors()), line);
     EXPECT_EQ(log(), line);
-    EXPECT_EQ(run(webConfig()), 69);
+    EXPECT_EQ(run(configOf(ShortcutKind::web)), 69);
     EXPECT_EQ(log(), line + line) << "the log is continued";
 }
 
-TEST_F(RunnerTest, AWebCloneWithoutARoomForItsLogSaysItHere) {
+TEST_F(RunnerTest, AWebCloneWithoutAWritableLogReportsItHere) {
     write(home_ / "I", "a file");
-    EXPECT_EQ(run(webConfig()), 69);
+    EXPECT_EQ(run(configOf(ShortcutKind::web)), 69);
     EXPECT_THAT(read(errors()), HasSubstr("is not installed"));
 }
 
-TEST_F(RunnerTest, AMessageIsOneLineWhateverTheName) {
-    const fs::path bundle = wrapper(webConfig());
-    InstanceConfig config = webConfig();
+TEST_F(RunnerTest, AMessageIsOneLineForAnyName) {
+    const fs::path bundle = wrapper(configOf(ShortcutKind::web));
+    InstanceConfig config = configOf(ShortcutKind::web);
     config.displayName = "two\nlines\x1B[31m\r\x7F\u009b\u202e";
     write(bundle / "Contents/Resources/instance.json", config.json());
     EXPECT_EQ(start(bundle).waitUntilExit(), 69);
@@ -141,8 +139,8 @@ TEST_F(RunnerTest, AMessageIsOneLineWhateverTheName) {
     EXPECT_EQ(log(), read(errors()));
 }
 
-TEST_F(RunnerTest, WithoutAReadableConfigurationItSaysSoAndEnds) {
-    const fs::path bundle = wrapper(webConfig());
+TEST_F(RunnerTest, AnUnreadableConfigurationIsReported) {
+    const fs::path bundle = wrapper(configOf(ShortcutKind::web));
     const fs::path file = bundle / "Contents/Resources/instance.json";
     const auto expectRefused = [&](const char* what) {
         EXPECT_EQ(start(bundle).waitUntilExit(), 78) << what;
@@ -162,12 +160,12 @@ TEST_F(RunnerTest, WithoutAReadableConfigurationItSaysSoAndEnds) {
     expectRefused("a link to itself");
     write(file, std::string(100'000, '['));
     expectRefused("endless nesting");
-    write(file, webConfig().json());
+    write(file, configOf(ShortcutKind::web).json());
     fs::resize_file(file, std::uintmax_t{100} << 20U);
     expectRefused("100 MiB");
 }
 
-TEST_F(RunnerTest, ATargetThatCantStartIsToldHereAndInTheLog) {
+TEST_F(RunnerTest, ATargetThatCantStartIsReportedHereAndInTheLog) {
     const InstanceConfig config = appConfig({});
     const fs::path bundle = wrapper(config);
     fs::remove(at("Thing.app/Contents/MacOS/Thing"));
@@ -177,7 +175,7 @@ TEST_F(RunnerTest, ATargetThatCantStartIsToldHereAndInTheLog) {
     EXPECT_EQ(log(), read(errors()));
 }
 
-TEST_F(RunnerTest, ATargetThatIsGoneIsToldHereAndInTheLog) {
+TEST_F(RunnerTest, AMissingTargetIsReportedHereAndInTheLog) {
     const fs::path bundle = wrapper(appConfig({}));
     fs::remove_all(at("Thing.app"));
     EXPECT_EQ(start(bundle).waitUntilExit(), 71);
@@ -195,24 +193,15 @@ TEST_F(RunnerTest, AnUnsupportedAppIsRefused) {
     EXPECT_EQ(log(), "");
 }
 
-TEST_F(RunnerTest, AFileShortcutThatCantOpenMakesNoFolder) {
-    InstanceConfig config = minimalConfig();
-    config.kind = ShortcutKind::file;
-    config.instanceHome = "~/I";
-    EXPECT_EQ(run(config), 71);
-    EXPECT_EQ(read(errors()),
-              "quorvel-runner: App not clonable: file shortcut has no target path\n");
-    EXPECT_FALSE(fs::exists(cloneHome()));
-}
-
-TEST_F(RunnerTest, ACommandWithoutAnExecutableMakesNoFolder) {
-    InstanceConfig config = minimalConfig();
-    config.kind = ShortcutKind::command;
-    config.instanceHome = "~/I";
-    EXPECT_EQ(run(config), 71);
-    EXPECT_EQ(read(errors()),
-              "quorvel-runner: App not clonable: command shortcut has no executable\n");
-    EXPECT_FALSE(fs::exists(cloneHome()));
+TEST_F(RunnerTest, AShortcutWithoutATargetMakesNoFolder) {
+    const std::map<ShortcutKind, std::string> reasons{
+        {ShortcutKind::file, "file shortcut has no target path"},
+        {ShortcutKind::command, "command shortcut has no executable"}};
+    for (const auto& [kind, reason] : reasons) {
+        EXPECT_EQ(run(configOf(kind)), 71) << reason;
+        EXPECT_EQ(read(errors()), "quorvel-runner: App not clonable: " + reason + "\n");
+        EXPECT_FALSE(fs::exists(cloneHome())) << reason;
+    }
 }
 
 TEST_F(RunnerTest, ALogMayBeALinkToADevice) {

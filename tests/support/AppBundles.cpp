@@ -1,4 +1,5 @@
 #include "tests/support/AppBundles.h"
+#include "LaunchKit/InstanceConfig.h"
 
 #include "tests/support/TemporaryHome.h"
 

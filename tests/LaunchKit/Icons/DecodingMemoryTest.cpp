@@ -9,7 +9,7 @@
 namespace quorvel {
 namespace {
 
-// The most threads that held so much at the same time.
+// Returns the largest number of threads that held that much at the same time.
 int mostAtOnce(std::size_t bytes) {
     std::atomic<int> holding = 0;
     std::atomic<int> most = 0;

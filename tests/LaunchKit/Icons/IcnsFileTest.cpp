@@ -106,7 +106,7 @@ TEST_P(IcnsFileTestModernTypes, RefusesAnImageOfAnotherSize) {
                     .empty());
 }
 
-TEST(IcnsFileTest, ReadsPngOfEveryColourTypeAndDepth) {
+TEST(IcnsFileTest, ReadsPngOfEveryColorTypeAndDepth) {
     const QImage picture = testPicture(32);
     const QImage opaque = opaquePicture(32);
     EXPECT_LE(
@@ -136,8 +136,8 @@ TEST(IcnsFileTest, ReadsJpeg2000WithAndWithoutAlpha) {
 
 TEST(IcnsFileTest, ReadsGreyJpeg2000) {
     const QImage picture = testPicture(16);
-    const QImage plain = decodedEntry("icp4", jpeg2000Of(picture, Jpeg2000Form::grey));
-    const QImage clear = decodedEntry("icp4", jpeg2000Of(picture, Jpeg2000Form::greyAlpha));
+    const QImage plain = decodedEntry("icp4", jpeg2000Of(picture, Jpeg2000Form::gray));
+    const QImage clear = decodedEntry("icp4", jpeg2000Of(picture, Jpeg2000Form::grayAlpha));
     const int level = qGray(picture.pixel(3, 5));
     EXPECT_EQ(plain.pixel(3, 5), qRgb(level, level, level));
     EXPECT_EQ(clear.pixel(3, 5), qRgba(level, level, level, qAlpha(picture.pixel(3, 5))));
@@ -149,7 +149,7 @@ struct RgbType {
     const char* bitmap;
     int side;
 };
-class IcnsFileTestColourTypes : public ::testing::TestWithParam<RgbType> {
+class IcnsFileTestColorTypes : public ::testing::TestWithParam<RgbType> {
 protected:
     QImage picture_ = testPicture(GetParam().side);
     QImage opaque_ = opaquePicture(GetParam().side);
@@ -157,43 +157,43 @@ protected:
 };
 
 INSTANTIATE_TEST_SUITE_P(
-    IcnsFile, IcnsFileTestColourTypes,
+    IcnsFile, IcnsFileTestColorTypes,
     ::testing::Values(RgbType{"is32", "s8mk", "ics#", 16}, RgbType{"il32", "l8mk", "ICN#", 32},
                       RgbType{"ih32", "h8mk", "ich#", 48}, RgbType{"it32", "t8mk", "", 128},
                       RgbType{"icp4", "s8mk", "ics#", 16}, RgbType{"icp5", "l8mk", "ICN#", 32}),
     [](const auto& row) { return std::string(row.param.type); });
 
-TEST_P(IcnsFileTestColourTypes, TakesItsAlphaFromTheMaskWhereverThatStands) {
-    const std::string colour = icnsEntry(GetParam().type, padding_ + rle24Of(picture_));
+TEST_P(IcnsFileTestColorTypes, TakesItsAlphaFromTheMaskBeforeOrAfterIt) {
+    const std::string color = icnsEntry(GetParam().type, padding_ + rle24Of(picture_));
     const std::string mask = icnsEntry(GetParam().mask, alphaMaskOf(picture_));
-    EXPECT_EQ(fileOf({colour, mask}).decode(0), picture_);
-    EXPECT_EQ(fileOf({mask, colour}).decode(0), picture_);
-    EXPECT_EQ(fileOf({mask, colour}).entries().at(0).encoding, IcnsEncoding::rle24);
+    EXPECT_EQ(fileOf({color, mask}).decode(0), picture_);
+    EXPECT_EQ(fileOf({mask, color}).decode(0), picture_);
+    EXPECT_EQ(fileOf({mask, color}).entries().at(0).encoding, IcnsEncoding::rle24);
 }
 
-TEST_P(IcnsFileTestColourTypes, IsOpaqueWithoutAMask) {
+TEST_P(IcnsFileTestColorTypes, IsOpaqueWithoutAMask) {
     EXPECT_EQ(decodedEntry(GetParam().type, padding_ + rle24Of(picture_)), opaque_);
 }
 
-TEST_P(IcnsFileTestColourTypes, MayHoldPlainPixels) {
+TEST_P(IcnsFileTestColorTypes, MayHoldPlainPixels) {
     const IcnsFile file = fileOf({icnsEntry(GetParam().type, raw32Of(picture_)),
                                   icnsEntry(GetParam().mask, alphaMaskOf(picture_))});
     EXPECT_EQ(file.entries().at(0).encoding, IcnsEncoding::raw32);
     EXPECT_EQ(file.decode(0), picture_);
 }
 
-TEST_P(IcnsFileTestColourTypes, FallsBackToTheOneBitMask) {
+TEST_P(IcnsFileTestColorTypes, FallsBackToTheOneBitMask) {
     if (std::string_view(GetParam().bitmap).empty()) {
         return;
     }
     const IcnsFile file =
         fileOf({icnsEntry(GetParam().bitmap, bitmapOf(picture_) + bitMaskOf(picture_)),
                 icnsEntry(GetParam().type, rle24Of(picture_))});
-    EXPECT_EQ(file.entries().at(0).type, GetParam().type) << "full colour is listed first";
+    EXPECT_EQ(file.entries().at(0).type, GetParam().type) << "full color is listed first";
     EXPECT_EQ(file.decode(0), withAlphaOf(picture_, picture_, true));
 }
 
-TEST(IcnsFileTest, ReadsTheLargestColourTypeWithoutItsPaddingToo) {
+TEST(IcnsFileTest, ReadsTheLargestColorTypeWithoutItsPaddingToo) {
     const QImage opaque = opaquePicture(128);
     EXPECT_EQ(decodedEntry("it32", rle24Of(opaque)), opaque);
     EXPECT_EQ(decodedEntry("it32", std::string(4, '\0') + raw32Of(opaque)), opaque);
@@ -219,7 +219,7 @@ TEST(IcnsFileTest, ReadsBlackAndWhite) {
     }
 }
 
-TEST(IcnsFileTest, ReadsTheFixedColours) {
+TEST(IcnsFileTest, ReadsTheFixedColors) {
     const QImage eight = decodedEntry(
         "ics8", std::string("\x00\x05\x23\xD7\xE0\xE1\xEB\xF5\xFF", 9) + std::string(247, '\0'));
     EXPECT_EQ(eight.pixel(0, 0), qRgb(255, 255, 255));
@@ -250,7 +250,7 @@ TEST(IcnsFileTest, ReadsTheFlatOldTypesAtTheirOwnSize) {
     }
 }
 
-TEST(IcnsFileTest, PassesOverWhatIsNoImage) {
+TEST(IcnsFileTest, SkipsWhatIsNotAnImage) {
     const QImage picture = testPicture(16);
     const IcnsFile file =
         fileOf({icnsEntry("TOC ", "ic04"), icnsEntry("icnV", "1234"), icnsEntry("info", "notes"),
@@ -296,7 +296,7 @@ TEST(IcnsFileTest, ChoosesTheImageForASizeWithoutTouchingOthers) {
         return icnsEntry(type, pngOf(testPicture(side)));
     };
     const IcnsFile file = fileOf({entry("ic07", 128), entry("icp4", 16), entry("ic12", 64),
-                                  // Broken behind its header: decoding it would give nothing.
+                                  // Broken after its header: decoding it would fail.
                                   icnsEntry("ic10", pngOf(testPicture(1024)).substr(0, 100))});
     EXPECT_EQ(file.nearest(64).width(), 64);
     EXPECT_EQ(file.nearest(1).width(), 16);

@@ -33,7 +33,7 @@ std::string withNumber(std::string bytes, std::size_t at, std::uint32_t number) 
     return bytes;
 }
 
-TEST(IcnsHostileFileTest, IsNoContainerWithoutItsMark) {
+TEST(IcnsHostileFileTest, IsNotAContainerWithoutItsSignature) {
     EXPECT_FALSE(IcnsFile::parse(""));
     EXPECT_FALSE(IcnsFile::parse("icns"));
     EXPECT_FALSE(IcnsFile::parse("icnt" + good));
@@ -55,7 +55,7 @@ TEST_P(IcnsHostileFileTestLyingChunks, EndsItsFamilyAndKeepsWhatCameBefore) {
     EXPECT_EQ(imagesIn(icnsOf({good, icnsEntry("ic11", png(32), GetParam()), good})), 1U);
     EXPECT_EQ(imagesIn(icnsOf({icnsEntry("slct", icnsEntry("ic11", png(32), GetParam())), good})),
               1U)
-        << "a lie inside a nested family is no matter of the outer one";
+        << "an invalid size inside a nested family does not affect the outer one";
 }
 
 TEST(IcnsHostileFileTest, MayHoldAChunkOfNothing) {
@@ -75,7 +75,7 @@ TEST(IcnsHostileFileTest, IsReadUpToWhereItIsCutOff) {
     EXPECT_EQ(before, 3U);
 }
 
-TEST(IcnsHostileFileTest, GivesNoImageForATruncatedPayload) {
+TEST(IcnsHostileFileTest, ReturnsNullForATruncatedPayload) {
     const QImage picture = testPicture(32);
     const QImage small = testPicture(16);
     const std::vector<std::pair<const char*, std::string>> payloads{
@@ -121,7 +121,7 @@ TEST(IcnsHostileFileTest, IsNotReadDeeperThanAFewFamilies) {
     EXPECT_EQ(imagesIn(icnsOf({icnsEntry("slct", icnsEntry("over", good))})), 1U);
 }
 
-TEST(IcnsHostileFileTest, GivesABoundedNumberOfChunks) {
+TEST(IcnsHostileFileTest, ReturnsABoundedNumberOfChunks) {
     std::string many;
     for (int count = 0; count < 100000; ++count) {
         many += count % 2 == 0 ? icnsEntry("ic04", "") : icnsEntry("slct", icnsEntry("ic04", "x"));

@@ -94,7 +94,7 @@ TEST(IcnsWriterTest, EndsPlanesWithAByteThatMayBeLost) {
     }
 }
 
-TEST(IcnsWriterTest, MarksPngAsStandardColours) {
+TEST(IcnsWriterTest, MarksPngAsStandardColors) {
     const std::string bytes = pngBytes(testPicture(64));
     EXPECT_EQ(bytes.substr(33, 13), std::string("\0\0\0\1sRGB\0\xAE\xCE\x1C\xE9", 13));
     EXPECT_EQ(bytes.find("iCCP"), std::string::npos);

@@ -147,7 +147,7 @@ TEST(IconGeometryTest, RoundsTheOutlinesCorners) {
     EXPECT_GT(qAlpha(icon.image().pixel(all.topLeft() + QPoint(inset + 2, inset + 2))), 127);
 }
 
-TEST(IconGeometryTest, FillsWithTheColourAndOutlinesInDarkness) {
+TEST(IconGeometryTest, FillsWithTheColorAndOutlinesInDarkness) {
     const DrawnIcon icon({"I", "#12AB78", Position::center}, 1024);
     EXPECT_EQ(icon.image().pixel(512, 512), qRgb(0x12, 0xAB, 0x78));
     const LabelText text = labelText("I");
@@ -177,7 +177,7 @@ double expectedShadow(double distance, int side) {
     return 255 * 0.45 * 0.5 * std::erfc((distance - drop) / deviation / std::sqrt(2.0));
 }
 
-// Compares the shadow above and below the letter that stands at `x`.
+// Compares the shadow above and below the letter at `x`.
 void expectShadow(const DrawnIcon& icon, int x, const std::vector<int>& distances) {
     const int side = icon.image().width();
     const double lower = bottom(icon.lettering());
@@ -237,7 +237,7 @@ TEST(IconGeometryTest, FillsWhereOutlinesOverlap) {
 }
 
 TEST(IconGeometryTest, CoversOverlappingOutlinesOnce) {
-    // The strokes of neighbouring letters meet; where they do, they are no darker.
+    // The strokes of neighbouring letters meet; where they do, they are not darker.
     const DrawnIcon icon({"HHH", "#FF0000", Position::center}, 512);
     int darkest = 0;
     for (int x = 0; x < 512; ++x) {

@@ -24,7 +24,7 @@ using ::testing::ElementsAre;
 
 const IconLabel work{"work", "#FFD60A", IconLabel::Position::bottom};
 
-// Set for a copy of this program that composes an icon with so many more bytes and ends.
+// Set for a copy of this program that composes an icon with that many more bytes and exits.
 constexpr const char* memoryLimit = "QUORVEL_TEST_MEMORY_LIMIT";
 
 void composeWithin(std::size_t bytes, const fs::path& source, const fs::path& out) {

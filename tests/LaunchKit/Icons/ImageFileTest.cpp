@@ -46,7 +46,7 @@ std::string icoOf(const QImage& image, std::size_t side) {
            littleEndian(png.size(), 4) + littleEndian(22, 4) + png;
 }
 
-// An uncompressed TIFF file with a page of each size, in one shade of grey each.
+// An uncompressed TIFF file with a page of each size, in one shade of gray each.
 std::string tiffOf(const std::vector<std::pair<QSize, int>>& pages) {
     constexpr std::size_t tags = 8;
     constexpr std::size_t directorySize = 2 + 12 * tags + 4;
@@ -76,7 +76,7 @@ std::string tiffOf(const std::vector<std::pair<QSize, int>>& pages) {
     return file;
 }
 
-TEST(ImageFileTest, ReadsPngWhateverItIsCalled) {
+TEST(ImageFileTest, ReadsPngWithAnyFileName) {
     EXPECT_EQ(widestImage(pngOf(testPicture(50))), testPicture(50));
 }
 
@@ -154,13 +154,13 @@ TEST(ImageFileTest, RefusesLargeOnesThatCantBeReadPieceByPiece) {
     EXPECT_FALSE(widestImage(pngOf(halves({maximumScaledSide, 1}))).isNull());
 }
 
-TEST(ImageFileTest, GivesNothingForACutPng) {
+TEST(ImageFileTest, ReturnsNullForATruncatedPng) {
     const std::string bytes = pngOf(testPicture(64));
     EXPECT_TRUE(widestImage(bytes.substr(0, bytes.size() / 2)).isNull());
     EXPECT_TRUE(widestImage(bytes.substr(0, 40)).isNull());
 }
 
-TEST(ImageFileTest, ConvertsOtherColoursToTheStandardOnes) {
+TEST(ImageFileTest, ConvertsOtherColorsToTheStandardOnes) {
     QImage picture(8, 8, QImage::Format_ARGB32);
     picture.fill(qRgb(200, 100, 50));
     picture.setColorSpace(QColorSpace(QColorSpace::DisplayP3));

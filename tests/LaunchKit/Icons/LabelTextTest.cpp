@@ -55,7 +55,7 @@ TEST_F(LabelTextTest, HasABoldSansSerifFace) {
     EXPECT_NEAR(stem.box.width() / stem.fontSize, 0.15, 0.02);
 }
 
-TEST_F(LabelTextTest, StandsOnTheBaseline) {
+TEST_F(LabelTextTest, RestsOnTheBaseline) {
     const LabelText text = labelText("H");
     EXPECT_NEAR(text.box.bottom(), 0, 0.5);
     EXPECT_LT(text.box.top(), -0.6 * text.fontSize);
@@ -105,7 +105,7 @@ TEST_F(LabelTextTest, StaysOnOneLine) {
 }
 
 TEST_F(LabelTextTest, KernsAsTheFontSays) {
-    // Two letters whose slopes follow each other stand closer than their own widths.
+    // Two letters with parallel slopes are closer than their own widths.
     const auto width = [](const char* text) { return labelText(text).box.width(); };
     EXPECT_LT(width("AVAVAV"), 3 * (width("A") + width("V")));
 }
@@ -146,7 +146,7 @@ TEST_F(LabelTextTest, JoinsArabicLetters) {
     if (!canDraw(QString::fromUtf8("بيت"))) {
         GTEST_SKIP() << "no installed font has Arabic letters";
     }
-    // Letters that stand alone are wider than the joined word.
+    // Isolated letters are wider than the joined word.
     EXPECT_LT(labelText("بيت").box.width(), labelText("ب\u200Cي\u200Cت").box.width());
 }
 
@@ -154,7 +154,7 @@ TEST_F(LabelTextTest, LaysOutRightToLeft) {
     if (!canDraw(QString::fromUtf8("א,"))) {
         GTEST_SKIP() << "no installed font has Hebrew letters";
     }
-    // The comma that follows stands to the left, below the baseline.
+    // The comma that follows is to the left, below the baseline.
     const LabelText text = labelText("אאא,");
     const QRectF left = text.box.adjusted(0, 0, -text.box.width() * 0.8, 0);
     bool descends = false;
@@ -165,30 +165,30 @@ TEST_F(LabelTextTest, LaysOutRightToLeft) {
     EXPECT_TRUE(descends);
 }
 
-TEST_F(LabelTextTest, LabelColourIsReadFromSixDigits) {
+TEST_F(LabelTextTest, LabelColorIsReadFromSixDigits) {
     const QColor orange(0xFF, 0x88, 0x00);
     for (const char* text : {"#FF8800", "ff8800", " #ff8800 ", "\tFf8800\t", "\u00A0#FF8800"}) {
-        EXPECT_EQ(labelColour(text), orange) << text;
+        EXPECT_EQ(labelColor(text), orange) << text;
     }
-    EXPECT_EQ(labelColour("#00ff00"), QColor(Qt::green));
-    EXPECT_EQ(labelColour("00FF00"), QColor(Qt::green));
-    EXPECT_EQ(labelColour("#000000"), QColor(Qt::black));
-    EXPECT_EQ(labelColour("#FF8800").alpha(), 255);
+    EXPECT_EQ(labelColor("#00ff00"), QColor(Qt::green));
+    EXPECT_EQ(labelColor("00FF00"), QColor(Qt::green));
+    EXPECT_EQ(labelColor("#000000"), QColor(Qt::black));
+    EXPECT_EQ(labelColor("#FF8800").alpha(), 255);
 }
 
-TEST_F(LabelTextTest, LabelColourMayHaveASignInPlaceOfADigit) {
-    EXPECT_EQ(labelColour("+0FF00"), QColor(0x00, 0xFF, 0x00));
-    EXPECT_EQ(labelColour("-00001"), QColor(0xFF, 0xFF, 0xFF));
-    EXPECT_EQ(labelColour("-00100"), QColor(0xFF, 0xFF, 0x00));
+TEST_F(LabelTextTest, LabelColorMayHaveASignInPlaceOfADigit) {
+    EXPECT_EQ(labelColor("+0FF00"), QColor(0x00, 0xFF, 0x00));
+    EXPECT_EQ(labelColor("-00001"), QColor(0xFF, 0xFF, 0xFF));
+    EXPECT_EQ(labelColor("-00100"), QColor(0xFF, 0xFF, 0x00));
 }
 
-TEST_F(LabelTextTest, LabelColourIsWhiteForEveryOtherText) {
+TEST_F(LabelTextTest, LabelColorIsWhiteForEveryOtherText) {
     for (const char* text :
          {"", "#", "#F80", "red", "#GG0000", "##FF880", "# FF8800", "#FF8800FF", "FF880", "0x8800",
           "FF 800", "+-0000", "--0000", "#FF8800\n", "\nFF8800", "ÄÄÄ", "ＦＦ", "12345\xFF"}) {
-        EXPECT_EQ(labelColour(text), QColor(Qt::white)) << text;
+        EXPECT_EQ(labelColor(text), QColor(Qt::white)) << text;
     }
-    EXPECT_EQ(labelColour(std::string("FF88\0", 6)), QColor(Qt::white));
+    EXPECT_EQ(labelColor(std::string("FF88\0", 6)), QColor(Qt::white));
 }
 
 } // namespace

@@ -5,7 +5,7 @@
 namespace quorvel {
 namespace {
 
-TEST(OsReleaseTest, TellsTheNameAndTheVersion) {
+TEST(OsReleaseTest, ConsistsOfTheNameAndTheVersion) {
     EXPECT_EQ(distributionIn("PRETTY_NAME=\"Debian GNU/Linux 12 (bookworm)\"\n"
                              "NAME=\"Debian GNU/Linux\"\nVERSION_ID=\"12\"\nVERSION=\"12 (x)\"\n"),
               "Debian GNU/Linux 12");
@@ -17,7 +17,7 @@ TEST(OsReleaseTest, MayHaveNoVersion) {
     EXPECT_EQ(distributionIn("NAME=\"Arch Linux\"\nID=arch\n"), "Arch Linux");
 }
 
-TEST(OsReleaseTest, WithoutANameTellsNothing) {
+TEST(OsReleaseTest, IsEmptyWithoutAName) {
     EXPECT_EQ(distributionIn("VERSION_ID=12\n"), "");
     EXPECT_EQ(distributionIn(""), "");
     EXPECT_EQ(distributionIn("#NAME=x\nXNAME=y\n NAME\nNAME\n"), "");
@@ -30,7 +30,7 @@ TEST(OsReleaseTest, IsReadAsAShellWould) {
     EXPECT_EQ(distributionIn("NAME=\"open\n"), "open");
 }
 
-TEST(OsReleaseTest, GivesNothingThatIsNoPlainText) {
+TEST(OsReleaseTest, IgnoresValuesWithControlCharacters) {
     EXPECT_EQ(distributionIn("NAME=\"a\x1b[31m\"\nVERSION_ID=1"), "");
     EXPECT_EQ(distributionIn("NAME=a\xff\n"), "");
     EXPECT_EQ(distributionIn("NAME=a\nVERSION_ID=\x7f\n"), "a");

@@ -10,7 +10,7 @@ RunningApplications someApplications() {
         {{"com.b", "/B.app", 30}, {"com.a", "/A.app", 20}, {"com.b", "/B.app", 10}});
 }
 
-TEST(RunningApplicationsTest, StandInTheOrderOfTheirProcessNumbers) {
+TEST(RunningApplicationsTest, AreOrderedByProcessNumber) {
     const RunningApplications applications = someApplications();
     ASSERT_EQ(applications.all().size(), 3U);
     EXPECT_EQ(applications.all()[0].pid, 10);

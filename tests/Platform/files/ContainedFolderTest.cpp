@@ -28,7 +28,7 @@ protected:
     TemporaryFolder folder_;
 };
 
-TEST_F(ContainedFolderTest, IsMadeWithThoseAboveItForItsUserOnly) {
+TEST_F(ContainedFolderTest, IsCreatedWithItsParentsForItsUserOnly) {
     EXPECT_TRUE(make("/a/b c/.d"));
     for (const char* made : {"a", "a/b c", "a/b c/.d"}) {
         struct stat status {};
@@ -37,7 +37,7 @@ TEST_F(ContainedFolderTest, IsMadeWithThoseAboveItForItsUserOnly) {
     }
 }
 
-TEST_F(ContainedFolderTest, MayBeThereAlreadyAndKeepsWhatItHolds) {
+TEST_F(ContainedFolderTest, MayExistAlreadyAndKeepsItsContents) {
     write(base() / "a/file", "x");
     fs::permissions(base() / "a", fs::perms{0755});
     EXPECT_TRUE(make("/a"));
@@ -45,14 +45,14 @@ TEST_F(ContainedFolderTest, MayBeThereAlreadyAndKeepsWhatItHolds) {
     EXPECT_EQ(fs::status(base() / "a").permissions(), fs::perms{0755});
 }
 
-TEST_F(ContainedFolderTest, MayBeSpeltWithSlashesAndDots) {
+TEST_F(ContainedFolderTest, MayBeSpelledWithExtraSlashesAndDots) {
     EXPECT_TRUE(make("//a/./b//"));
     EXPECT_TRUE(fs::is_directory(base() / "a/b"));
     EXPECT_TRUE(ensureFolderBelow(base().string() + "/", base().string() + "/c"));
     EXPECT_TRUE(fs::is_directory(base() / "c"));
 }
 
-TEST_F(ContainedFolderTest, IsNotMadeElsewhere) {
+TEST_F(ContainedFolderTest, IsNotCreatedElsewhere) {
     const auto before = tree();
     EXPECT_FALSE(ensureFolderBelow(base(), (folder_ / "outside/x").string()));
     EXPECT_FALSE(make("x/y")) << "base + x is another folder";
@@ -65,7 +65,7 @@ TEST_F(ContainedFolderTest, IsNotMadeElsewhere) {
     EXPECT_EQ(tree(), before);
 }
 
-TEST_F(ContainedFolderTest, IsNotMadeThroughALink) {
+TEST_F(ContainedFolderTest, IsNotCreatedThroughALink) {
     fs::create_directory_symlink(folder_ / "outside", base() / "link");
     fs::create_directory_symlink(folder_ / "outside/new", base() / "dangling");
     const auto before = tree();
@@ -75,7 +75,7 @@ TEST_F(ContainedFolderTest, IsNotMadeThroughALink) {
     EXPECT_EQ(tree(), before);
 }
 
-TEST_F(ContainedFolderTest, IsNotMadeInAFilesPlace) {
+TEST_F(ContainedFolderTest, IsNotCreatedInPlaceOfAFile) {
     write(base() / "file", "x");
     EXPECT_FALSE(make("/file"));
     EXPECT_FALSE(make("/file/x"));

@@ -1,9 +1,9 @@
 #include "Platform/files/FileCopy.h"
-#include "Platform/files/PlatformError.h"
 #include "Platform/files/FileSystem.h"
+#include "Platform/files/PlatformError.h"
 
-#include "tests/support/OrdinaryUser.h"
 #include "tests/support/TemporaryHome.h"
+#include "tests/support/UnprivilegedUser.h"
 
 #include <csignal>
 #include <gtest/gtest.h>
@@ -46,7 +46,7 @@ TEST_F(FileCopyTest, CopyingReplacesNothing) {
     EXPECT_EQ(read(at("b")), "old");
 }
 
-TEST_F(FileCopyTest, CopyingWhatIsNoFileIsAnErrorAndNeverBlocks) {
+TEST_F(FileCopyTest, CopyingASpecialFileIsAnErrorAndNeverBlocks) {
     ::mkfifo(at("fifo").c_str(), 0600);
     EXPECT_THROW(copyFile(at("fifo"), at("b")), PlatformError);
     EXPECT_THROW(copyFile(folder_.path(), at("b")), PlatformError);
@@ -55,15 +55,15 @@ TEST_F(FileCopyTest, CopyingWhatIsNoFileIsAnErrorAndNeverBlocks) {
     EXPECT_FALSE(itemOrLinkExists(at("b")));
 }
 
-TEST_F(FileCopyTest, CopyingKeepsWhoMayDoWhat) {
+TEST_F(FileCopyTest, CopyingKeepsThePermissions) {
     write(at("a"), "x");
     fs::permissions(at("a"), fs::perms{0751});
     copyFile(at("a"), at("b"));
     EXPECT_EQ(fs::status(at("b")).permissions(), fs::perms{0751});
 }
 
-TEST_F(FileCopyTest, CopyingThatFailsHalfWaySaysWhyAndLeavesNothing) {
-    EXPECT_TRUE(asOrdinaryUser(folder_.path(), [&] {
+TEST_F(FileCopyTest, AFailedCopyNamesTheReasonAndLeavesNothing) {
+    EXPECT_TRUE(asUnprivilegedUser(folder_.path(), [&] {
         write(at("a"), std::string(200000, 'x'));
         std::signal(SIGXFSZ, SIG_IGN);
         const rlimit limit{100000, 100000};

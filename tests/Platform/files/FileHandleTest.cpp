@@ -28,7 +28,7 @@ TEST(FileHandleTest, ClosesItsDescriptor) {
     EXPECT_FALSE(isOpen(descriptor));
 }
 
-TEST(FileHandleTest, HasOneOwnerAtATime) {
+TEST(FileHandleTest, HasOnlyOneOwner) {
     FileHandle first(::open("/dev/null", O_RDONLY | O_CLOEXEC));
     const int descriptor = first.descriptor();
     const FileHandle second = std::move(first);
@@ -57,7 +57,7 @@ TEST(FileHandleTest, WritesMoreThanAPipeHoldsAtOnce) {
     EXPECT_EQ(received, 1000000U);
 }
 
-TEST(FileHandleTest, TellsThatWritingFailed) {
+TEST(FileHandleTest, ReportsThatWritingFailed) {
     const FileHandle full(::open("/dev/full", O_WRONLY | O_CLOEXEC));
     EXPECT_FALSE(full.write("x"));
     EXPECT_EQ(errno, ENOSPC);

@@ -1,9 +1,9 @@
 #include "Platform/files/FileRemoval.h"
-#include "Platform/files/PlatformError.h"
 #include "Platform/files/FileSystem.h"
+#include "Platform/files/PlatformError.h"
 
-#include "tests/support/OrdinaryUser.h"
 #include "tests/support/TemporaryHome.h"
+#include "tests/support/UnprivilegedUser.h"
 
 #include <gtest/gtest.h>
 #include <sys/stat.h>
@@ -30,7 +30,7 @@ protected:
     TemporaryHome home_;
 };
 
-TEST_F(FileRemovalTest, AFolderGoesWithEverythingInIt) {
+TEST_F(FileRemovalTest, AFolderIsRemovedWithEverythingInIt) {
     write(at("a/b/file"), "x");
     write(at("a/.hidden"), "x");
     ::mkfifo(at("a/fifo").c_str(), 0600);
@@ -42,7 +42,7 @@ TEST_F(FileRemovalTest, RemovingNothingIsAnError) {
     EXPECT_THROW(removeItem(at("none")), PlatformError);
 }
 
-TEST_F(FileRemovalTest, ALinkGoesAndWhatItPointsToStays) {
+TEST_F(FileRemovalTest, ALinkIsRemovedAndItsTargetStays) {
     write(at("kept/file"), "x");
     fs::create_directory_symlink(at("kept"), at("link"));
     fs::create_directory_symlink(at("kept"), at("slashed"));
@@ -64,7 +64,7 @@ TEST_F(FileRemovalTest, LinksInsideAreNotFollowed) {
     EXPECT_EQ(read(at("kept/file")), "x");
 }
 
-TEST_F(FileRemovalTest, ADanglingLinkGoes) {
+TEST_F(FileRemovalTest, ADanglingLinkIsRemoved) {
     fs::create_symlink("nowhere", at("link"));
     removeItem(at("link"));
     EXPECT_FALSE(itemOrLinkExists(at("link")));
@@ -88,7 +88,7 @@ TEST_F(FileRemovalTest, TheHomeIsRefusedHoweverItIsWritten) {
     expectRefused(home + "/sub/../../" + fs::path(home).filename().string());
 }
 
-TEST_F(FileRemovalTest, AFolderThatHoldsTheHomeIsRefused) {
+TEST_F(FileRemovalTest, AFolderThatContainsTheHomeIsRefused) {
     expectRefused(home_.path().parent_path());
     expectRefused(home_.path().parent_path().parent_path());
     expectRefused("/");
@@ -132,22 +132,22 @@ TEST_F(FileRemovalTest, TheHomeIsRefusedFromWithin) {
     fs::current_path(before);
 }
 
-TEST_F(FileRemovalTest, TheHomeOfTheVariableAndOfTheUserDatabaseAreRefusedToo) {
+TEST_F(FileRemovalTest, TheHomesOfTheVariableAndTheUserDatabaseAreRefusedToo) {
     fs::create_directory(at("other"));
     const ScopedEnvironment variable("HOME", at("other"));
     EXPECT_THROW(removeItem(at("other")), PlatformError);
     EXPECT_TRUE(itemExists(at("other")));
 }
 
-TEST_F(FileRemovalTest, AFolderInTheHomeMayGo) {
+TEST_F(FileRemovalTest, AFolderInTheHomeMayBeRemoved) {
     write(home_ / "QuorvelInstances/Work/file", "x");
     removeItem(home_ / "QuorvelInstances/Work");
     EXPECT_FALSE(itemExists(home_ / "QuorvelInstances/Work"));
     EXPECT_TRUE(itemExists(home_ / "QuorvelInstances"));
 }
 
-TEST_F(FileRemovalTest, WhatMayNotBeRemovedIsAnError) {
-    EXPECT_TRUE(asOrdinaryUser(folder_.path(), [&] {
+TEST_F(FileRemovalTest, AnItemThatMayNotBeRemovedIsAnError) {
+    EXPECT_TRUE(asUnprivilegedUser(folder_.path(), [&] {
         write(at("closed/file"), "x");
         fs::permissions(at("closed"), fs::perms{0555});
         try {
@@ -159,7 +159,7 @@ TEST_F(FileRemovalTest, WhatMayNotBeRemovedIsAnError) {
     }));
 }
 
-TEST_F(FileRemovalTest, AVeryDeepTreeGoes) {
+TEST_F(FileRemovalTest, AVeryDeepTreeIsRemoved) {
     const fs::path before = fs::current_path();
     fs::create_directory(at("deep"));
     fs::current_path(at("deep"));

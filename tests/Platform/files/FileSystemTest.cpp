@@ -3,11 +3,11 @@
 #include "Platform/files/FileHandle.h"
 #include "Platform/files/FileReading.h"
 #include "Platform/files/FileWriting.h"
-#include "Platform/files/PlatformError.h"
 #include "Platform/files/Folder.h"
+#include "Platform/files/PlatformError.h"
 #include "tests/support/AppBundles.h"
-#include "tests/support/OrdinaryUser.h"
 #include "tests/support/TemporaryHome.h"
+#include "tests/support/UnprivilegedUser.h"
 
 #include <fcntl.h>
 #include <gmock/gmock.h>
@@ -52,19 +52,19 @@ std::errc errorOf(const std::function<void()>& step) {
     return {};
 }
 
-TEST_F(FileSystemTest, ADanglingLinkIsALinkButNoItem) {
+TEST_F(FileSystemTest, ADanglingLinkIsALinkButNotAnItem) {
     fs::create_symlink("nowhere", at("link"));
     EXPECT_FALSE(itemExists(at("link")));
     EXPECT_TRUE(itemOrLinkExists(at("link")));
     EXPECT_TRUE(isSymbolicLink(at("link")));
 }
 
-TEST_F(FileSystemTest, ALinkToItselfIsALinkButNoItem) {
+TEST_F(FileSystemTest, ALinkToItselfIsALinkButNotAnItem) {
     EXPECT_FALSE(itemExists(linkToItself()));
     EXPECT_TRUE(isSymbolicLink(at("loop")));
 }
 
-TEST_F(FileSystemTest, FilesAndFoldersExistAndAreNoLinks) {
+TEST_F(FileSystemTest, FilesAndFoldersExistAndAreNotLinks) {
     write(at("file"), "");
     EXPECT_TRUE(itemExists(at("file")));
     EXPECT_TRUE(itemExists(folder_.path()));
@@ -90,7 +90,7 @@ TEST_F(FileSystemTest, APathWithANulNamesNothing) {
     EXPECT_FALSE(itemExists(at("new")));
 }
 
-TEST_F(FileSystemTest, TheSameItemIsKnownThroughLinks) {
+TEST_F(FileSystemTest, TheSameItemIsRecognizedThroughLinks) {
     fs::create_directory(at("real"));
     fs::create_directory_symlink(at("real"), at("link"));
     EXPECT_TRUE(isSameItem(at("real"), at("link")));
@@ -118,7 +118,7 @@ TEST_F(FileSystemTest, AFoldersEntriesIncludeHiddenOnes) {
                 ::testing::UnorderedElementsAre(".hidden", "line\nbreak", "no \xFF text"));
 }
 
-TEST_F(FileSystemTest, AnOpenFolderListsAndReadsWhatLiesInIt) {
+TEST_F(FileSystemTest, AnOpenFolderListsAndReadsItsContents) {
     write(at("folder/deep/file"), "x");
     write(at("folder/other"), "yy");
     std::optional<Folder> folder = Folder::open(at("folder"));
@@ -154,7 +154,7 @@ TEST_F(FileSystemTest, OnlyAFolderThatCanBeReadIsOpened) {
     EXPECT_FALSE(Folder::open(nulBehind(folder_.path())));
 }
 
-TEST_F(FileSystemTest, WhatIsNoFolderHasNoEntries) {
+TEST_F(FileSystemTest, AFileHasNoEntries) {
     write(at("file"), "");
     EXPECT_FALSE(directoryEntries(at("file")));
     EXPECT_FALSE(directoryEntries(at("none")));
@@ -162,15 +162,15 @@ TEST_F(FileSystemTest, WhatIsNoFolderHasNoEntries) {
     EXPECT_EQ(directoryEntries(fs::path("")), std::nullopt);
 }
 
-TEST_F(FileSystemTest, AFolderThatMayNotBeReadHasNoEntries) {
-    EXPECT_TRUE(asOrdinaryUser(folder_.path(), [&] {
+TEST_F(FileSystemTest, AnUnreadableFolderHasNoEntries) {
+    EXPECT_TRUE(asUnprivilegedUser(folder_.path(), [&] {
         fs::create_directory(at("closed"));
         fs::permissions(at("closed"), fs::perms::none);
         return !directoryEntries(at("closed"));
     }));
 }
 
-TEST_F(FileSystemTest, AFileIsReadWhole) {
+TEST_F(FileSystemTest, AFileIsReadCompletely) {
     const std::string bytes = "a\0b\n"s + std::string(100000, 'x');
     write(at("file"), bytes);
     EXPECT_EQ(readFile(at("file"), bytes.size()), bytes);
@@ -187,12 +187,12 @@ TEST_F(FileSystemTest, AFileOverTheLimitIsNotRead) {
     EXPECT_EQ(readFile(at("file"), 4), std::nullopt);
 }
 
-TEST_F(FileSystemTest, AFileThatTellsNoSizeIsReadToItsEndOrTheLimit) {
+TEST_F(FileSystemTest, AFileWithoutASizeIsReadToItsEndOrTheLimit) {
     EXPECT_TRUE(readFile("/proc/self/status", 100000)->starts_with("Name:"));
     EXPECT_EQ(readFile("/proc/self/status", 10), std::nullopt);
 }
 
-TEST_F(FileSystemTest, ReadingNeverBlocksOnWhatIsNoFile) {
+TEST_F(FileSystemTest, ReadingNeverBlocksOnASpecialFile) {
     EXPECT_FALSE(readFile(fifo(), 10));
     EXPECT_FALSE(readFile("/dev/zero", 10));
     EXPECT_FALSE(readFile("/dev/tty", 10));
@@ -201,12 +201,12 @@ TEST_F(FileSystemTest, ReadingNeverBlocksOnWhatIsNoFile) {
     EXPECT_FALSE(readFile(at("none"), 10));
 }
 
-TEST_F(FileSystemTest, WritingMakesTheFile) {
+TEST_F(FileSystemTest, WritingCreatesTheFile) {
     writeFile(at("new"), "x");
     EXPECT_EQ(read(at("new")), "x");
 }
 
-TEST_F(FileSystemTest, WritingWhereNoFileCanBeIsAnError) {
+TEST_F(FileSystemTest, WritingToAnImpossiblePathIsAnError) {
     EXPECT_NE(errorOf([&] { writeFile(at("none/file"), "x"); }), std::errc{});
     EXPECT_NE(errorOf([&] { writeFile(folder_.path(), "x"); }), std::errc{});
     EXPECT_NE(errorOf([&] { writeFile(fifo(), "x"); }), std::errc{});
@@ -214,11 +214,11 @@ TEST_F(FileSystemTest, WritingWhereNoFileCanBeIsAnError) {
     EXPECT_NE(errorOf([&] { writeFile(at(std::string(300, 'n')), "x"); }), std::errc{});
 }
 
-TEST_F(FileSystemTest, ADiskThatIsFullIsAnError) {
+TEST_F(FileSystemTest, AFullDiskIsAnError) {
     EXPECT_NE(errorOf([] { writeFile("/dev/full", "x"); }), std::errc{});
 }
 
-TEST_F(FileSystemTest, FoldersAreMadeWithThoseAbove) {
+TEST_F(FileSystemTest, FoldersAreCreatedWithTheirParents) {
     createDirectories(at("a/b/c"));
     createDirectories(at("a/b/d//"));
     createDirectories(at("a/b/c"));
@@ -226,7 +226,7 @@ TEST_F(FileSystemTest, FoldersAreMadeWithThoseAbove) {
     EXPECT_TRUE(fs::is_directory(at("a/b/d")));
 }
 
-TEST_F(FileSystemTest, ALinkToAFolderIsGoodEnough) {
+TEST_F(FileSystemTest, ALinkToAFolderCountsAsTheFolder) {
     fs::create_directory(at("real"));
     fs::create_directory_symlink(at("real"), at("link"));
     createDirectories(at("link"));
@@ -234,7 +234,7 @@ TEST_F(FileSystemTest, ALinkToAFolderIsGoodEnough) {
     EXPECT_TRUE(fs::is_directory(at("real/below")));
 }
 
-TEST_F(FileSystemTest, AFolderThatCantBeMadeIsAnError) {
+TEST_F(FileSystemTest, AFolderThatCantBeCreatedIsAnError) {
     write(at("file"), "");
     EXPECT_NE(errorOf([&] { createDirectories(at("file")); }), std::errc{});
     EXPECT_NE(errorOf([&] { createDirectories(at("file/below")); }), std::errc{});
@@ -244,18 +244,18 @@ TEST_F(FileSystemTest, AFolderThatCantBeMadeIsAnError) {
               std::errc::filename_too_long);
 }
 
-TEST_F(FileSystemTest, AppendingKeepsWhatStandsThere) {
+TEST_F(FileSystemTest, AppendingKeepsTheContents) {
     write(at("log"), "before\n");
     ASSERT_TRUE(openForAppending(at("log"))->write("after\n"));
     EXPECT_EQ(read(at("log")), "before\nafter\n");
 }
 
-TEST_F(FileSystemTest, AppendingMakesTheFile) {
+TEST_F(FileSystemTest, AppendingCreatesTheFile) {
     ASSERT_TRUE(openForAppending(at("log")));
     EXPECT_TRUE(itemExists(at("log")));
 }
 
-TEST_F(FileSystemTest, AppendingNeverBlocksOnWhatIsNoFile) {
+TEST_F(FileSystemTest, AppendingNeverBlocksOnASpecialFile) {
     EXPECT_FALSE(openForAppending(fifo()));
     const FileHandle reader(::open(fifo().c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
     EXPECT_FALSE(openForAppending(fifo())) << "not even when somebody reads it";
@@ -264,7 +264,7 @@ TEST_F(FileSystemTest, AppendingNeverBlocksOnWhatIsNoFile) {
     EXPECT_FALSE(openForAppending(linkToItself()));
     fs::create_symlink("/dev/null", at("to-null"));
     const auto device = openForAppending(at("to-null"));
-    ASSERT_TRUE(device) << "a log that nobody wants";
+    ASSERT_TRUE(device) << "an unwanted log";
     EXPECT_TRUE(device->write("bytes"));
     EXPECT_EQ(::fcntl(device->descriptor(), F_GETFL) & O_NONBLOCK, 0);
 }

@@ -3,9 +3,9 @@
 #include "Platform/files/PlatformError.h"
 
 #include "tests/support/EveryStep.h"
-#include "tests/support/OrdinaryUser.h"
 #include "tests/support/SmallDisk.h"
 #include "tests/support/TemporaryHome.h"
+#include "tests/support/UnprivilegedUser.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -44,20 +44,20 @@ TEST_F(FileWritingTest, AFileIsReplacedWithoutLeftovers) {
     EXPECT_THAT(names(), ::testing::ElementsAre("file"));
 }
 
-TEST_F(FileWritingTest, WhoeverHasTheOldFileOpenKeepsItWhole) {
+TEST_F(FileWritingTest, OtherHardLinksKeepTheOldFile) {
     write(at("file"), "a much longer text");
     fs::create_hard_link(at("file"), at("other name"));
     writeFile(at("file"), "short");
     EXPECT_EQ(read(at("other name")), "a much longer text");
 }
 
-TEST_F(FileWritingTest, ANewFileIsNoCopy) {
+TEST_F(FileWritingTest, ANewFileIsWrittenDirectly) {
     writeFile(at("file"), "x");
     EXPECT_EQ(read(at("file")), "x");
     EXPECT_THAT(names(), ::testing::ElementsAre("file"));
 }
 
-TEST_F(FileWritingTest, TheFileThatLinksLeadToIsReplaced) {
+TEST_F(FileWritingTest, TheTargetOfLinksIsReplaced) {
     write(at("below/file"), "old");
     fs::create_symlink("below/file", at("link"));
     fs::create_symlink(at("link"), at("second"));
@@ -68,7 +68,7 @@ TEST_F(FileWritingTest, TheFileThatLinksLeadToIsReplaced) {
     EXPECT_THAT(directoryEntries(at("below")).value(), ::testing::ElementsAre("file"));
 }
 
-TEST_F(FileWritingTest, ThroughALinkToNothingItsTargetIsMade) {
+TEST_F(FileWritingTest, TheMissingTargetOfALinkIsCreated) {
     fs::create_directory(at("below"));
     fs::create_symlink("below/file", at("link"));
     fs::create_symlink("link", at("second"));
@@ -114,7 +114,7 @@ TEST_F(FileWritingTest, AnotherUsersFileThatTheGroupMayWriteIsReplaced) {
     // New files in this folder belong to another group.
     ASSERT_EQ(::chown(at("shared").c_str(), owner, otherGroup), 0);
     ASSERT_EQ(::chmod(at("shared").c_str(), 02777), 0);
-    EXPECT_TRUE(asOrdinaryUser(folder_.path(), [&] {
+    EXPECT_TRUE(asUnprivilegedUser(folder_.path(), [&] {
         writeFile(at("shared/file"), "new");
         return read(at("shared/file")) == "new";
     }));
@@ -124,7 +124,7 @@ TEST_F(FileWritingTest, AnotherUsersFileThatTheGroupMayWriteIsReplaced) {
 }
 
 TEST_F(FileWritingTest, AFileThatMayNotBeWrittenIsNotReplaced) {
-    EXPECT_TRUE(asOrdinaryUser(folder_.path(), [&] {
+    EXPECT_TRUE(asUnprivilegedUser(folder_.path(), [&] {
         write(at("file"), "old");
         fs::permissions(at("file"), fs::perms{0444});
         try {
@@ -137,8 +137,8 @@ TEST_F(FileWritingTest, AFileThatMayNotBeWrittenIsNotReplaced) {
     }));
 }
 
-TEST_F(FileWritingTest, WhereTheFolderTakesNoNamesTheFileStaysWhole) {
-    EXPECT_TRUE(asOrdinaryUser(folder_.path(), [&] {
+TEST_F(FileWritingTest, AFileInAReadOnlyFolderIsUnchanged) {
+    EXPECT_TRUE(asUnprivilegedUser(folder_.path(), [&] {
         write(at("closed/file"), "old");
         fs::permissions(at("closed"), fs::perms{0555});
         try {
@@ -150,7 +150,7 @@ TEST_F(FileWritingTest, WhereTheFolderTakesNoNamesTheFileStaysWhole) {
     }));
 }
 
-TEST_F(FileWritingTest, AFullDiskLeavesTheOldFileWholeAndNothingBeside) {
+TEST_F(FileWritingTest, AFullDiskLeavesTheOldFileUnchangedAndNothingElse) {
     const auto result = onSmallDisk(folder_.path(), "size=64k", [&]() -> std::string {
         const std::string old(40000, 'o');
         write(at("file"), old);
@@ -175,7 +175,7 @@ TEST_F(FileWritingTest, AFullDiskLeavesTheOldFileWholeAndNothingBeside) {
     EXPECT_EQ(*result, "");
 }
 
-TEST_F(FileWritingTest, OfANewFileThatFindsNoRoomNothingIsLeft) {
+TEST_F(FileWritingTest, NothingIsLeftOfANewFileOnAFullDisk) {
     const auto result = onSmallDisk(folder_.path(), "size=64k", [&]() -> std::string {
         try {
             writeFile(at("file"), std::string(100000, 'n'));
@@ -191,7 +191,7 @@ TEST_F(FileWritingTest, OfANewFileThatFindsNoRoomNothingIsLeft) {
     EXPECT_EQ(*result, "");
 }
 
-TEST_F(FileWritingTest, KilledAtAnyMomentItLeavesTheOldFileOrTheNewOne) {
+TEST_F(FileWritingTest, AKillAtAnyMomentLeavesTheOldFileOrTheNewOne) {
     const std::string before(70000, 'o');
     const std::string after(50000, 'n');
     bool sawOld = false;

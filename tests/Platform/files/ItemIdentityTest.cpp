@@ -21,21 +21,21 @@ protected:
     TemporaryFolder folder_;
 };
 
-TEST_F(ItemIdentityTest, IsTheSameHoweverThePathIsWritten) {
+TEST_F(ItemIdentityTest, IsTheSameInEverySpelling) {
     const Place place(at("a/b"));
     for (const char* path : {"a/b", "a/b/", "a/./b", "a/b/.", "a/b/c/..", "ab/../a/b"}) {
         EXPECT_EQ(place.relationTo(at(path)), Relation::same) << path;
     }
 }
 
-TEST_F(ItemIdentityTest, IsAboveWhatLiesInItThereOrNot) {
+TEST_F(ItemIdentityTest, IsAnAncestorOfItsContentsExistingOrNot) {
     const Place place(at("a"));
     for (const char* path : {"a/b", "a/b/c/", "a/none", "a/none/deeper", "ab/../a/b"}) {
         EXPECT_EQ(place.relationTo(at(path)), Relation::ancestor) << path;
     }
 }
 
-TEST_F(ItemIdentityTest, IsApartFromWhatLiesBesideOrAbove) {
+TEST_F(ItemIdentityTest, IsUnrelatedToSiblingsAndParents) {
     const Place place(at("a/b"));
     for (const char* path : {"a", "ab", "ab/b", "none", "a/bc", "", "/"}) {
         EXPECT_EQ(place.relationTo(at(path)), Relation::unrelated) << path;
@@ -43,7 +43,7 @@ TEST_F(ItemIdentityTest, IsApartFromWhatLiesBesideOrAbove) {
     EXPECT_EQ(place.relationTo(""), Relation::unrelated);
 }
 
-TEST_F(ItemIdentityTest, SeesThroughLinksToTheTargetAndOnTheWay) {
+TEST_F(ItemIdentityTest, ResolvesLinksAtTheEndAndOnTheWay) {
     fs::create_directory_symlink(at("a/b"), at("link"));
     const Place place(at("a"));
     EXPECT_EQ(place.relationTo(at("link")), Relation::ancestor);
@@ -53,7 +53,7 @@ TEST_F(ItemIdentityTest, SeesThroughLinksToTheTargetAndOnTheWay) {
     EXPECT_EQ(Place(at("link")).relationTo(at("a/b/c")), Relation::ancestor);
 }
 
-TEST_F(ItemIdentityTest, AnIdentityStandsForTheItemAloneNotForWhatALinkLeadsTo) {
+TEST_F(ItemIdentityTest, AnIdentityIsThatOfTheLinkNotOfItsTarget) {
     fs::create_directory_symlink(at("a/b"), at("link"));
     const Place place(at("link"), *identityOf(at("link")));
     EXPECT_EQ(place.relationTo(at("a/b")), Relation::unrelated);
@@ -61,7 +61,7 @@ TEST_F(ItemIdentityTest, AnIdentityStandsForTheItemAloneNotForWhatALinkLeadsTo) 
     EXPECT_EQ(place.relationTo(at("link/c")), Relation::ancestor);
 }
 
-TEST_F(ItemIdentityTest, APlaceThatIsNotThereYetIsComparedByItsPath) {
+TEST_F(ItemIdentityTest, APlaceThatDoesNotExistIsComparedByItsPath) {
     fs::create_directory_symlink(at("a"), at("link"));
     const Place place(at("link/new/x/.."));
     EXPECT_EQ(place.relationTo(at("a/new")), Relation::same);

@@ -1,7 +1,7 @@
 #include "Platform/files/ItemMover.h"
 
-#include "Platform/files/PlatformError.h"
 #include "Platform/files/FileSystem.h"
+#include "Platform/files/PlatformError.h"
 #include "tests/support/TemporaryHome.h"
 
 #include <cerrno>
@@ -25,7 +25,7 @@ class ItemMoverTest : public ::testing::Test {
 protected:
     [[nodiscard]] fs::path at(std::string_view name) const { return folder_ / name; }
 
-    // Moves a folder that holds a file and a link.
+    // Moves a folder that contains a file and a link.
     void expectAFolderIsMoved(ItemMover mover) const {
         write(at("a/deep/file"), "x");
         fs::create_symlink("nowhere", at("a/link"));
@@ -35,7 +35,7 @@ protected:
         EXPECT_FALSE(itemOrLinkExists(at("a")));
     }
 
-    // Tries to move a file to where something is.
+    // Tries to move a file to an occupied path.
     void expectNothingIsReplaced(ItemMover mover) const {
         write(at("a"), "new");
         write(at("file"), "old");
@@ -64,11 +64,11 @@ TEST_F(ItemMoverTest, ReplacesNothingNotEvenADanglingLink) {
     expectNothingIsReplaced(ItemMover());
 }
 
-// What network file systems answer.
+// The result on network file systems.
 class ItemMoverTestWithoutExclusiveRenaming : public ItemMoverTest,
                                               public ::testing::WithParamInterface<int> {};
 
-TEST_P(ItemMoverTestWithoutExclusiveRenaming, MovesAllTheSame) {
+TEST_P(ItemMoverTestWithoutExclusiveRenaming, StillMoves) {
     expectAFolderIsMoved(ItemMover(answering(GetParam())));
 }
 
@@ -79,19 +79,19 @@ TEST_P(ItemMoverTestWithoutExclusiveRenaming, ReplacesNothingNotEvenADanglingLin
 INSTANTIATE_TEST_SUITE_P(ItemMoverTest, ItemMoverTestWithoutExclusiveRenaming,
                          ::testing::Values(EINVAL, ENOSYS, ENOTSUP));
 
-TEST_F(ItemMoverTest, AnotherReasonNotToRenameIsNotWorkedAround) {
+TEST_F(ItemMoverTest, OtherErrorsOfTheRenameAreNotWorkedAround) {
     write(at("a"), "x");
     EXPECT_THROW(ItemMover(answering(EACCES)).move(at("a"), at("b")), PlatformError);
     EXPECT_EQ(treeOf(folder_.path()), (std::map<std::string, std::string>{{"a", "x"}}));
 }
 
-TEST_F(ItemMoverTest, AFolderIntoItselfIsAnErrorThatLosesNothing) {
+TEST_F(ItemMoverTest, MovingAFolderIntoItselfIsAnErrorThatLosesNothing) {
     write(at("a/file"), "x");
     EXPECT_THROW(ItemMover().move(at("a"), at("a/b")), PlatformError);
     EXPECT_EQ(read(at("a/file")), "x");
 }
 
-TEST_F(ItemMoverTest, NothingIsAnError) {
+TEST_F(ItemMoverTest, AMissingItemIsAnError) {
     EXPECT_THROW(ItemMover().move(at("none"), at("b")), PlatformError);
 }
 

@@ -1,14 +1,14 @@
-#include "Platform/files/PlatformError.h"
 #include "Platform/files/ItemMover.h"
+#include "Platform/files/PlatformError.h"
 
 #include "Platform/files/ExclusiveRename.h"
 #include "Platform/files/FileHandle.h"
 #include "Platform/files/FileSystem.h"
 #include "tests/support/EveryStep.h"
-#include "tests/support/OrdinaryUser.h"
 #include "tests/support/OtherVolume.h"
 #include "tests/support/PrivateMounts.h"
 #include "tests/support/SmallDisk.h"
+#include "tests/support/UnprivilegedUser.h"
 
 #include <algorithm>
 #include <array>
@@ -29,7 +29,7 @@ namespace {
 using namespace testing;
 namespace fs = std::filesystem;
 
-// From the temporary folder's file system to another one, or the other way round.
+// From the temporary folder's file system to another one, or vice versa.
 class ItemMoverVolumesTest : public ::testing::TestWithParam<bool> {
 protected:
     void SetUp() override {
@@ -45,7 +45,7 @@ protected:
         return GetParam() ? other_ / name : folder_ / name;
     }
 
-    // The names beside the source and beside the destination.
+    // Returns the names beside the source and beside the destination.
     [[nodiscard]] std::vector<std::string> namesBesideBoth() const {
         std::vector<std::string> names;
         for (const fs::path& folder : {folder_.path(), other_.path()}) {
@@ -245,7 +245,7 @@ TEST_P(ItemMoverVolumesTest, ALinkArrivesAsALink) {
     EXPECT_FALSE(itemOrLinkExists(from("link")));
 }
 
-TEST_P(ItemMoverVolumesTest, AFifoAndASocketKeepNoFolderFromMoving) {
+TEST_P(ItemMoverVolumesTest, AFolderWithAFifoAndASocketIsMoved) {
     write(from("a/file"), "x");
     ::mkfifo(from("a/fifo").c_str(), 0600);
     const FileHandle socket(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0));
@@ -275,11 +275,11 @@ TEST_P(ItemMoverVolumesTest, NothingIsReplaced) {
     EXPECT_EQ(read(from("a")), "new");
 }
 
-TEST_P(ItemMoverVolumesTest, WhatCantBeReadStaysWholeAndIsNamed) {
+TEST_P(ItemMoverVolumesTest, AnUnreadableItemStaysAndIsNamed) {
     for (const fs::path& folder : {folder_.path(), other_.path()}) {
         fs::permissions(folder, fs::perms{0777});
     }
-    EXPECT_TRUE(asOrdinaryUser(from(""), [&] {
+    EXPECT_TRUE(asUnprivilegedUser(from(""), [&] {
         write(from("a/below/closed"), "x");
         write(from("a/file"), "y");
         fs::permissions(from("a/below/closed"), fs::perms::none);
@@ -291,11 +291,11 @@ TEST_P(ItemMoverVolumesTest, WhatCantBeReadStaysWholeAndIsNamed) {
     }));
 }
 
-TEST_P(ItemMoverVolumesTest, WhatCouldNotBeRemovedAfterwardsStaysWholeAndIsNamed) {
+TEST_P(ItemMoverVolumesTest, AnItemThatCouldNotBeRemovedAfterwardsStaysAndIsNamed) {
     for (const fs::path& folder : {folder_.path(), other_.path()}) {
         fs::permissions(folder, fs::perms{0777});
     }
-    EXPECT_TRUE(asOrdinaryUser(from(""), [&] {
+    EXPECT_TRUE(asUnprivilegedUser(from(""), [&] {
         write(from("a/fixed/file"), "x");
         fs::permissions(from("a/fixed"), fs::perms{0555});
         const std::string failure = failureOf([&] { ItemMover().move(from("a"), to("a")); });
@@ -305,10 +305,10 @@ TEST_P(ItemMoverVolumesTest, WhatCouldNotBeRemovedAfterwardsStaysWholeAndIsNamed
     }));
 }
 
-// Renames as ever, and calls `first` before the copied `source` is set aside.
+// Renames as usual, and calls `first` before the copied `source` is set aside.
 ExclusiveRename renamingAfter(const fs::path& source, const std::function<void()>& first) {
     return [=, calls = 0](const fs::path& from, const fs::path& to) mutable {
-        // The first of its renames only finds out that there is another file system.
+        // The first rename only finds that the destination is on another file system.
         if (from == source && ++calls == 2) {
             first();
         }
@@ -322,7 +322,7 @@ void overwrite(const fs::path& file, const std::string& text) {
               static_cast<ssize_t>(text.size()));
 }
 
-TEST_P(ItemMoverVolumesTest, WhatIsWrittenInPlaceAfterItWasCopiedIsKept) {
+TEST_P(ItemMoverVolumesTest, WritesAfterTheCopyAreKept) {
     write(from("a/below/file"), "old");
     write(from("a/file"), "x");
     setDate(from("a/below/file"), 1000000001, 123456789);
@@ -335,7 +335,7 @@ TEST_P(ItemMoverVolumesTest, WhatIsWrittenInPlaceAfterItWasCopiedIsKept) {
     EXPECT_EQ(read(to("a/below/file")), "new");
 }
 
-TEST_P(ItemMoverVolumesTest, WhatIsAddedAfterTheCopyingIsKept) {
+TEST_P(ItemMoverVolumesTest, FilesAddedAfterTheCopyAreKept) {
     write(from("a/file"), "x");
     ItemMover mover(renamingAfter(from("a"), [this] { write(from("a/later"), "y"); }));
     EXPECT_EQ(failureOf([&] { mover.move(from("a"), to("a")); }),
@@ -344,7 +344,7 @@ TEST_P(ItemMoverVolumesTest, WhatIsAddedAfterTheCopyingIsKept) {
     EXPECT_THAT(namesBesideBoth(), ::testing::ElementsAre("a"));
 }
 
-TEST_P(ItemMoverVolumesTest, AFileThatChangedItselfIsNamedOnce) {
+TEST_P(ItemMoverVolumesTest, AMovedFileThatChangedIsNamedOnce) {
     write(from("a"), "old");
     setDate(from("a"), 1000000001, 123456789);
     ItemMover mover(renamingAfter(from("a"), [this] { overwrite(from("a"), "new"); }));
@@ -353,8 +353,8 @@ TEST_P(ItemMoverVolumesTest, AFileThatChangedItselfIsNamedOnce) {
     EXPECT_EQ(read(from("a")), "new");
 }
 
-// Otherwise the item could be nowhere after a power loss.
-TEST_P(ItemMoverVolumesTest, TheItemsNewNameIsOnTheDiskBeforeTheOriginalGoes) {
+// Otherwise a power failure could lose the item.
+TEST_P(ItemMoverVolumesTest, TheNewNameIsFlushedBeforeTheOriginalIsRemoved) {
     write(from("a/file"), "x");
     const std::vector<long> calls = systemCallsOf([this] { ItemMover().move(from("a"), to("a")); });
     if (calls.empty()) {
@@ -366,8 +366,8 @@ TEST_P(ItemMoverVolumesTest, TheItemsNewNameIsOnTheDiskBeforeTheOriginalGoes) {
     EXPECT_NE(std::find(arrival, removal, SYS_syncfs), removal);
 }
 
-// A move that was cut off once the original was set aside, which had changed by then.
-TEST_P(ItemMoverVolumesTest, ACopyThatIsOutOfDateIsNotTakenForTheItem) {
+// A move that was interrupted after the original was set aside, which has changed since.
+TEST_P(ItemMoverVolumesTest, AnOutdatedCopyDoesNotReplaceTheItem) {
     const std::string folder = ".quorvel-moving-3F2504E0-4F89-41D3-9A0C-0305E82C3301";
     write(from(folder) / "a", "new");
     write(to(folder) / "a", "old");
@@ -377,7 +377,7 @@ TEST_P(ItemMoverVolumesTest, ACopyThatIsOutOfDateIsNotTakenForTheItem) {
     EXPECT_THAT(namesBesideBoth(), ::testing::ElementsAre("a"));
 }
 
-TEST_P(ItemMoverVolumesTest, AFullDiskIsNamedAndLeavesTheItemWhole) {
+TEST_P(ItemMoverVolumesTest, AFullDiskIsReportedAndLeavesTheItemUnchanged) {
     write(from("a/file"), std::string(100000, 'x'));
     fs::create_directory(to("small"));
     const auto result = onSmallDisk(to("small"), "size=64k", [&]() -> std::string {
@@ -394,7 +394,7 @@ TEST_P(ItemMoverVolumesTest, AFullDiskIsNamedAndLeavesTheItemWhole) {
     EXPECT_EQ(*result, "");
 }
 
-TEST_P(ItemMoverVolumesTest, WhatIsMountedInsideStays) {
+TEST_P(ItemMoverVolumesTest, AnItemThatContainsAMountStays) {
     write(from("kept/foreign"), "y");
     write(from("kept file"), "z");
     write(from("a/file"), "x");
@@ -417,7 +417,7 @@ TEST_P(ItemMoverVolumesTest, WhatIsMountedInsideStays) {
     EXPECT_THAT(namesBesideBoth(), ::testing::UnorderedElementsAre("kept", "kept file", "a", "b"));
 }
 
-TEST_P(ItemMoverVolumesTest, WhatHoldsAnotherFileSystemStays) {
+TEST_P(ItemMoverVolumesTest, AnItemThatContainsAnotherFileSystemStays) {
     write(from("a/file"), "x");
     fs::create_directory(from("a/disk"));
     const auto result = onSmallDisk(from("a/disk"), "size=64k", [&]() -> std::string {

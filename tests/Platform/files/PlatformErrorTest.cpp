@@ -35,7 +35,7 @@ TEST(PlatformErrorTest, EndsWithTheSystemsOwnReason) {
         << error.description();
 }
 
-TEST(PlatformErrorTest, GivesAReasonThatHasNoCode) {
+TEST(PlatformErrorTest, CanHaveAReasonInsteadOfACode) {
     const PlatformError error = PlatformError::because("it is in use", "/A/Work.app", "moved");
     EXPECT_EQ(error.description(), "“Work.app” couldn’t be moved: it is in use");
     EXPECT_EQ(error.code(), std::errc::io_error);
@@ -51,7 +51,7 @@ TEST(PlatformErrorTest, NamesAnItemInside) {
               "“Photos” couldn’t be moved: permission denied");
 }
 
-TEST(PlatformErrorTest, PutsNoSecondSentenceBeforeTheSystemsOwn) {
+TEST(PlatformErrorTest, AddsNothingToACompleteSentence) {
     const PlatformError error =
         PlatformError::withDescription("The application “Work” can’t be opened.", "/A/Work.app");
     EXPECT_EQ(error.description(), "The application “Work” can’t be opened.");

@@ -22,7 +22,7 @@ TEST(UserFoldersTest, AreThoseThatEveryUserHas) {
     }
 }
 
-TEST(UserFoldersTest, KnowTheNamesThatTheDesktopGave) {
+TEST(UserFoldersTest, IncludeTheNamesFromDesktopSettings) {
     const TemporaryHome home;
     const ScopedEnvironment settings("XDG_CONFIG_HOME", (home / "settings").string());
     write(home / ".config/user-dirs.dirs", "# made by the desktop\n"
@@ -37,7 +37,7 @@ TEST(UserFoldersTest, KnowTheNamesThatTheDesktopGave) {
     EXPECT_THAT(userFolders(), Contains(home / "Dokumente"));
 }
 
-TEST(UserFoldersTest, AreTheUsualOnesWhereTheDesktopSaysNothing) {
+TEST(UserFoldersTest, AreTheUsualOnesWithoutDesktopSettings) {
     const TemporaryHome home;
     const ScopedEnvironment settings("XDG_CONFIG_HOME", (home / "none").string());
     EXPECT_THAT(renamedUserFolders(home.path()), IsEmpty());

@@ -1,5 +1,6 @@
 #include "Platform/files/UserPaths.h"
 
+#include "Platform/files/HomeOrder.h"
 #include "tests/support/TemporaryHome.h"
 
 #include <gtest/gtest.h>
@@ -16,20 +17,30 @@ TEST(UserPathsTest, TheFixedHomeComesBeforeTheUserDatabase) {
     EXPECT_EQ(UserPaths::home(), home.path());
 }
 
-TEST(UserPathsTest, TheUserDatabaseComesBeforeTheHomeVariable) {
+TEST(UserPathsTest, TheHomeVariableComesBeforeTheUserDatabaseWhereShellsBelieveIt) {
     const ScopedEnvironment fixed("CFFIXED_USER_HOME", "");
-    const ScopedEnvironment variable("HOME", "/somewhere/else");
-    EXPECT_EQ(UserPaths::home(), getpwuid(getuid())->pw_dir);
+    const ScopedEnvironment variable("HOME", "/somewhere/else/");
+    EXPECT_EQ(UserPaths::home(),
+              homeVariableComesFirst() ? "/somewhere/else" : getpwuid(getuid())->pw_dir);
 }
 
-TEST(UserPathsTest, ASlashAtTheEndOfTheHomeIsDropped) {
+TEST(UserPathsTest, ARelativeOrEmptyHomeVariableIsNotBelieved) {
+    const ScopedEnvironment fixed("CFFIXED_USER_HOME", "");
+    for (const char* odd : {"", "relative", "~"}) {
+        const ScopedEnvironment variable("HOME", odd);
+        EXPECT_EQ(UserPaths::home(), getpwuid(getuid())->pw_dir) << odd;
+    }
+}
+
+TEST(UserPathsTest, ATrailingSlashOfTheHomeIsRemoved) {
     const ScopedEnvironment fixed("CFFIXED_USER_HOME", "/Users/u//");
     EXPECT_EQ(UserPaths::home(), "/Users/u");
     EXPECT_EQ(UserPaths::expandTilde("~/I"), "/Users/u/I");
 }
 
-TEST(UserPathsTest, ARelativeFixedHomeIsNotBelieved) {
+TEST(UserPathsTest, ARelativeFixedHomeIsIgnored) {
     const ScopedEnvironment fixed("CFFIXED_USER_HOME", "relative");
+    const ScopedEnvironment variable("HOME", "");
     EXPECT_EQ(UserPaths::home(), getpwuid(getuid())->pw_dir);
 }
 
@@ -40,7 +51,7 @@ TEST(UserPathsTest, ALeadingTildeIsTheHome) {
     EXPECT_EQ(UserPaths::expandTilde("~/a/~"), "/Users/u/a/~");
 }
 
-TEST(UserPathsTest, AnExpandedPathHasNoSlashAtItsEnd) {
+TEST(UserPathsTest, AnExpandedPathHasNoTrailingSlash) {
     const ScopedEnvironment fixed("CFFIXED_USER_HOME", "/Users/u");
     EXPECT_EQ(UserPaths::expandTilde("~/x/"), "/Users/u/x");
     EXPECT_EQ(UserPaths::expandTilde("~/x//"), "/Users/u/x");

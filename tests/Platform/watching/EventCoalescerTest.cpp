@@ -14,13 +14,13 @@ TEST(EventCoalescerTest, HasNothingToDeliverAtFirst) {
     EXPECT_EQ(EventCoalescer(100ms).due(), std::nullopt);
 }
 
-TEST(EventCoalescerTest, TheFirstEventOfAQuietPeriodIsDueAtOnce) {
+TEST(EventCoalescerTest, TheFirstEventAfterAQuietPeriodIsDueImmediately) {
     EventCoalescer coalescer(100ms);
     coalescer.add("/a", FSEventFlag::itemCreated);
     EXPECT_LE(coalescer.due(), start);
 }
 
-TEST(EventCoalescerTest, WhatFollowsIsGatheredForTheLatency) {
+TEST(EventCoalescerTest, LaterEventsAreCollectedForTheLatency) {
     EventCoalescer coalescer(100ms);
     coalescer.add("/a", FSEventFlag::itemCreated);
     EXPECT_THAT(coalescer.take(start).paths, ElementsAre("/a"));
@@ -29,7 +29,7 @@ TEST(EventCoalescerTest, WhatFollowsIsGatheredForTheLatency) {
     EXPECT_EQ(coalescer.due(), start + 100ms);
 }
 
-TEST(EventCoalescerTest, ChangesOfOneItemComeAsOneEventInTheOrderOfTheFirst) {
+TEST(EventCoalescerTest, ChangesOfOneItemAreOneEventAtThePositionOfTheFirst) {
     EventCoalescer coalescer(100ms);
     coalescer.add("/a", FSEventFlag::itemCreated);
     coalescer.add("/b", FSEventFlag::itemRenamed);
@@ -40,7 +40,7 @@ TEST(EventCoalescerTest, ChangesOfOneItemComeAsOneEventInTheOrderOfTheFirst) {
                                          FSEventFlag::itemRenamed));
 }
 
-TEST(EventCoalescerTest, ADeliveredItemsNextChangeIsANewEvent) {
+TEST(EventCoalescerTest, AChangeAfterTheDeliveryIsANewEvent) {
     EventCoalescer coalescer(100ms);
     coalescer.add("/a", FSEventFlag::itemCreated);
     (void)coalescer.take(start);

@@ -21,7 +21,7 @@ TEST_F(MenuTest, SayOfEveryCommandWhereMacOSIsToPutIt) {
     EXPECT_EQ(command(u"Refresh"_s)->menuRole(), QAction::NoRole);
 }
 
-TEST_F(MenuTest, TellAboutTheProgramInAPanelThatEscapeCloses) {
+TEST_F(MenuTest, DescribeTheProgramInAPanelThatEscapeCloses) {
     const QString before = QCoreApplication::applicationVersion();
     QCoreApplication::setApplicationVersion(u"9.8.7"_s);
     open();
@@ -59,11 +59,11 @@ TEST_F(MenuTest, CheckForUpdatesAsSoonAndAsLongAsTheServiceCan) {
     EXPECT_TRUE(check->isEnabled());
     check->trigger();
     EXPECT_EQ(updates.checks, 1);
-    updates.tell(false);
+    updates.canCheckChanged(false);
     EXPECT_FALSE(check->isEnabled());
     check->trigger();
     EXPECT_EQ(updates.checks, 1);
-    updates.tell(true);
+    updates.canCheckChanged(true);
     EXPECT_TRUE(check->isEnabled());
     window.reset(); // before the controller
 }

@@ -1,11 +1,12 @@
 #include "QuorvelApp/model/AppServices.h"
+#include "LaunchKit/InstanceConfig.h"
 #include "LaunchKit/RequestCheck.h"
 #include "LaunchKit/RunnerLocator.h"
 #include "QuorvelApp/AppModel.h"
 #include "tests/QuorvelApp/StubServices.h"
 #include "tests/support/AppBundles.h"
-#include "tests/support/OrdinaryUser.h"
 #include "tests/support/TemporaryHome.h"
+#include "tests/support/UnprivilegedUser.h"
 
 #include <QCoreApplication>
 #include <QProcess>
@@ -58,11 +59,11 @@ TEST_F(AppServicesTest, SaysSoWhenTheFolderOfClonesIsReadOnly) {
     const TemporaryFolder folder;
     const ScopedEnvironment elsewhere("CFFIXED_USER_HOME", folder.path().string());
     // Where that user can reach it, though the build may lie in a home that is closed to others.
-    const auto runner = RunnerLocator::locate(ApplicationFolders::ofThisProgram());
+    const auto runner = RunnerLocator::locate(ApplicationFolders::current());
     ASSERT_TRUE(runner);
     fs::create_directories(folder / ".build/release");
     fs::copy_file(*runner, folder / ".build/release/quorvel-runner");
-    EXPECT_TRUE(asOrdinaryUser(folder.path(), [&] {
+    EXPECT_TRUE(asUnprivilegedUser(folder.path(), [&] {
         fs::current_path(folder.path());
         fs::create_directories(folder / "Applications");
         fs::permissions(folder / "Applications", fs::perms{0555});
@@ -71,7 +72,7 @@ TEST_F(AppServicesTest, SaysSoWhenTheFolderOfClonesIsReadOnly) {
     }));
 }
 
-TEST_F(AppServicesTest, LeavesAnApplicationThatIsNoCloneAlone) {
+TEST_F(AppServicesTest, LeavesAnApplicationThatIsNotACloneAlone) {
     makeAppBundle(wrapper);
     const auto before = treeOf(wrapper);
     EXPECT_THAT(failure(), EndsWith("is not a clone; choose another name or folder for the new "
@@ -108,7 +109,7 @@ TEST(AppServicesTestFullDisk, DISABLED_Within) {
     EXPECT_NO_THROW(checkRequest(request)) << "once there is room, it may be made";
 }
 
-TEST_F(AppServicesTest, AFullDiskIsToldAndTheCloneMayBeMadeLater) {
+TEST_F(AppServicesTest, AFullDiskIsReportedAndTheCloneMayBeMadeLater) {
     fs::create_directories(home / "Applications");
     const QString folder = QString::fromStdString((home / "Applications").string());
     const QString mount = u"mount -t tmpfs -o size=16k none '%1'"_s.arg(folder);

@@ -40,7 +40,7 @@ TEST(DisplayTextTest, ShowsWhatCantBeSeenUnlessItBelongsThere) {
     EXPECT_EQ(displayLine("👨\u200d👩 می\u200cخواهم ❤\ufe0f"), u"👨\u200d👩 می\u200cخواهم ❤\ufe0f"_s);
 }
 
-TEST(DisplayTextTest, IsCutBehindSoManyCharacters) {
+TEST(DisplayTextTest, IsCutAfterItsLongestLength) {
     const std::string megabyte(1 << 20, 'W');
     EXPECT_EQ(displayLine(megabyte), QString(longestDisplayLine, u'W') + u'…');
     EXPECT_EQ(displayText(megabyte), QString(longestDisplayText, u'W') + u'…');
@@ -72,7 +72,7 @@ TEST(DisplayTextTest, IsCutBetweenWholeCharacters) {
     EXPECT_EQ(displayLine(faces), QString(longestDisplayLine, u'工') + u'…');
 }
 
-TEST(DisplayTextTest, BreakableMarksPathsBehindTheirSeparators) {
+TEST(DisplayTextTest, BreakableMarksPathsAfterTheirSeparators) {
     EXPECT_EQ(breakable(u"/a/b-c"_s), u"/\u200Ba/\u200Bb-\u200Bc"_s);
     EXPECT_EQ(breakable(u"two words"_s), u"two words"_s);
 }

@@ -65,7 +65,7 @@ TEST(NewCloneFormTest, CanCreateWithTargetAndNameUnlessACreationIsUnderWay) {
     EXPECT_FALSE(form.canCreate());
 }
 
-TEST(NewCloneFormTest, TellsWhereTheCloneIsSaved) {
+TEST(NewCloneFormTest, SaysWhereTheCloneIsSaved) {
     NewCloneForm form;
     EXPECT_EQ(form.savedToText(), "Saved to ~/Applications/Name.app");
     form.cloneName = " Work\t";
@@ -120,7 +120,7 @@ TEST(NewCloneFormTest, ShowsTheWholeCatalogForABlankSearch) {
     EXPECT_THAT(form.filtered({notes, zoom}), ElementsAre(notes, zoom));
 }
 
-TEST(NewCloneFormTest, SearchesNamesInUpperAndLowerCaseAlike) {
+TEST(NewCloneFormTest, SearchesNamesWhateverTheirCase) {
     NewCloneForm form;
     form.search = " NOTES ";
     EXPECT_THAT(form.filtered({notes, zoom}), ElementsAre(notes));
@@ -168,7 +168,7 @@ TEST(NewCloneFormTest, AsksForAFile) {
     EXPECT_EQ(form.makeRequest().openPath, "/a b.pdf");
 }
 
-TEST(NewCloneFormTest, AsksForACommandWithItsWords) {
+TEST(NewCloneFormTest, RequestsACommandWithItsArguments) {
     NewCloneForm form = formFor(ShortcutKind::command);
     form.commandPathText = " /bin/ls ";
     form.commandArgsText = " -l\t-a \n x";
@@ -196,7 +196,7 @@ TEST(NewCloneFormTest, TakesBlankAsNoDataLocation) {
     EXPECT_EQ(form.makeRequest().instanceHome, "/data");
 }
 
-TEST(NewCloneFormTest, TakesNoWordsAsTheDefaultArguments) {
+TEST(NewCloneFormTest, NoArgumentsMeansTheDefaultArguments) {
     NewCloneForm form;
     form.argsText = " \n ";
     EXPECT_FALSE(form.makeRequest().extraArgs);
@@ -250,7 +250,7 @@ TEST(NewCloneFormTest, KeepsTheTemplateChoiceWithoutAMenuBarIcon) {
     EXPECT_TRUE(form.makeRequest().menuBarIconTemplate);
 }
 
-TEST(NewCloneFormTest, ParseKeyValuesSkipsWhatIsNoEntryAndKeepsTheLastOfAKey) {
+TEST(NewCloneFormTest, ParseKeyValuesSkipsWhatIsNotAnEntryAndKeepsTheLastOfAKey) {
     EXPECT_THAT(parseKeyValues("A=1\n\n B = 2 \nnoequals\n=x\nA=3"),
                 ElementsAre(Pair("A", "3"), Pair("B", " 2 ")));
     EXPECT_THAT(parseKeyValues(" \t=x"), IsEmpty());
@@ -268,7 +268,7 @@ TEST(NewCloneFormTest, ParseKeyValuesKnowsEveryLineBreak) {
                             Pair("E", "5"), Pair("F", "6"), Pair("G", "7"), Pair("H", "8")));
 }
 
-TEST(NewCloneFormTest, AutomaticNamingCapitalisesTheWordsOfAHost) {
+TEST(NewCloneFormTest, AutomaticNamingCapitalizesTheWordsOfAHost) {
     NewCloneForm form = formFor(ShortcutKind::web);
     form.webURL = "www.mail.host.test";
     form.autoNameIfNeeded();
@@ -307,7 +307,7 @@ TEST(NewCloneFormTest, AutomaticNamingLeavesANameAlone) {
     EXPECT_EQ(form.cloneName, "Mine");
     form.cloneName = " ";
     form.autoNameIfNeeded();
-    EXPECT_EQ(form.cloneName, "Example.Com") << "a blank name is none";
+    EXPECT_EQ(form.cloneName, "Example.Com") << "a blank name counts as none";
 }
 
 TEST(NewCloneFormTest, AutomaticNamingNamesACommandAfterItsFile) {
@@ -344,7 +344,7 @@ TEST(NewCloneFormTest, ChoosingAFileNamesANamelessCloneAfterItsStem) {
     EXPECT_EQ(form.cloneName, "Report") << "a name stays";
 }
 
-TEST(NewCloneFormTest, ChoosingADataFolderGetsTheClonesNameBehindIt) {
+TEST(NewCloneFormTest, ChoosingADataFolderAppendsTheClonesName) {
     NewCloneForm form;
     form.chooseDataFolder("/Volumes/Ext");
     EXPECT_EQ(form.dataPath, "/Volumes/Ext/Name");

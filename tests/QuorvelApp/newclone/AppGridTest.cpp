@@ -161,7 +161,7 @@ TEST_F(AppGridTest, TheRingStaysOnItsAppWhenTheCatalogChanges) {
     EXPECT_EQ(chosen(), name.toStdString());
 }
 
-TEST_F(AppGridTest, AsMuchRoomIsBelowTheLastRowAsAboveTheFirst) {
+TEST_F(AppGridTest, TheSpaceBelowTheLastRowEqualsThatAboveTheFirst) {
     for (int number = 10; number < 60; ++number) {
         stubs.installed.push_back({.url = "/" + std::to_string(number), .name = "App"});
     }

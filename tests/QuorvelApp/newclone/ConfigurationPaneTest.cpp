@@ -85,7 +85,7 @@ TEST_F(ConfigurationPaneTest, DetectionShowsASpinnerThenItsOutcome) {
     EXPECT_TRUE(detect->isEnabled());
 }
 
-TEST_F(ConfigurationPaneTest, AFailedDetectionIsTold) {
+TEST_F(ConfigurationPaneTest, AFailedDetectionIsReported) {
     stubs.probe = [] { return std::nullopt; };
     openSheetWith(u"Notes"_s);
     button(u"Auto-detect"_s)->click();
@@ -203,7 +203,7 @@ TEST_F(ConfigurationPaneTest, ADetectionOfAnAppThatIsSelectedNoMoreIsDropped) {
         stubs.tasks->holding = true;
         button(u"Auto-detect"_s)->click();
         choose(u"Mail"_s);
-        EXPECT_TRUE(sheet.session().form().detecting) << "it goes on";
+        EXPECT_TRUE(sheet.session().form().detecting) << "it continues";
         stubs.tasks->release();
         ASSERT_TRUE(eventually([&] { return !sheet.session().form().detecting && hasProposal(); }));
         EXPECT_EQ(sheet.session().form().strategy, Strategy::homeOverride);

@@ -11,7 +11,7 @@ using namespace Qt::StringLiterals;
 
 class NewCloneSheetTest : public WindowTest {};
 
-TEST_F(NewCloneSheetTest, ASheetEndsWithEscapeAndBeginsAnew) {
+TEST_F(NewCloneSheetTest, ASheetEndsWithEscapeAndStartsOver) {
     addApps();
     open();
     NewCloneView& sheet = openSheet();
@@ -22,7 +22,7 @@ TEST_F(NewCloneSheetTest, ASheetEndsWithEscapeAndBeginsAnew) {
     EXPECT_EQ(openSheet().session().form().webURL, "");
 }
 
-TEST_F(NewCloneSheetTest, CreatingShowsThatItGoesOnAndThenClosesTheSheet) {
+TEST_F(NewCloneSheetTest, CreatingShowsProgressAndThenClosesTheSheet) {
     stubs.create = [&](const auto& request) { return addClone(request.displayName).bundleURL; };
     openSheetWith(u"Notes"_s);
     stubs.tasks->holding = true;
@@ -81,7 +81,7 @@ TEST_F(NewCloneSheetTest, KeepsTheMnemonicsOfWhatItCovers) {
     NewCloneView& sheet = openSheet();
     QTest::keyClick(&sheet, Qt::Key_L, Qt::AltModifier);
     QTest::qWait(200); // a button that was pressed by its mnemonic is released a moment later
-    EXPECT_EQ(stubs.workspace->opened.size(), 1U) << "the button lies below";
+    EXPECT_EQ(stubs.workspace->opened.size(), 1U) << "the button is below";
 }
 
 TEST_F(NewCloneSheetTest, TakesTheEditorsTextAsItWasTyped) {
@@ -121,7 +121,7 @@ TEST_F(NewCloneSheetTest, EditsDuringACreationDoNotReachTheRequest) {
     EXPECT_EQ(made, "Notes (2)");
 }
 
-TEST_F(NewCloneSheetTest, AFailureAfterTheSheetWasCancelledIsStillTold) {
+TEST_F(NewCloneSheetTest, AFailureAfterTheSheetWasCancelledIsStillReported) {
     stubs.create = [](const auto&) -> fs::path {
         throw WrapperFactory::FactoryError::runnerNotFound();
     };
@@ -148,7 +148,7 @@ TEST_F(NewCloneSheetTest, WarnsOfACloneThatWouldBeReplaced) {
     EXPECT_FALSE(shown(warning)) << "it is gone";
 }
 
-TEST_F(NewCloneSheetTest, SaysThatWhatStandsInThePlaceIsNoClone) {
+TEST_F(NewCloneSheetTest, SaysThatWhatIsInThePlaceIsNotAClone) {
     const fs::path mine = makeAppBundle(folder / "Mine.app");
     const auto before = treeOf(mine);
     stubs.create = AppServices::system().createWrapper;

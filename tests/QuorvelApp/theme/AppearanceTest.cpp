@@ -17,7 +17,7 @@ protected:
         write(home / "QuorvelInstances/Work/Downloads/a", "x");
         work = addClone("Work");
         addClone("Home");
-        stubs.workspace->running = {work.config.bundleId};
+        stubs.workspace->setRunning({work.config.bundleId});
         QApplication::setCursorFlashTime(0);
     }
     ~AppearanceTest() override { Appearance::apply(ColorScheme::light); }

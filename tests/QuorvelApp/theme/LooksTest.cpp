@@ -1,3 +1,4 @@
+#include "LaunchKit/InstanceConfig.h"
 #include "QuorvelApp/library/CloneRow.h"
 #include "QuorvelApp/theme/Appearance.h"
 #include "QuorvelApp/widgets/ColorWell.h"

@@ -23,7 +23,7 @@ QImage pattern(int side) {
     return image;
 }
 
-/// The windows at whatever pixel ratio the tests run: once at 1, and again at 1.5 and 2.
+/// The windows at the pixel ratio of the process: 1, and in further runs 1.5 and 2.
 class PixelRatioTest : public WindowTest {
 protected:
     static void writePattern(const fs::path& file) {
@@ -49,7 +49,7 @@ protected:
     double ratio() const { return window->devicePixelRatioF(); }
 };
 
-TEST_F(PixelRatioTest, TheWindowHasTheRatioThatItWasGiven) {
+TEST_F(PixelRatioTest, TheWindowHasTheConfiguredRatio) {
     open();
     EXPECT_EQ(window->grab().devicePixelRatio(), ratio());
     if (qEnvironmentVariableIsSet("QT_SCALE_FACTOR")) {

@@ -19,7 +19,7 @@ namespace {
 namespace fs = std::filesystem;
 using namespace Qt::StringLiterals;
 
-/// The real panels, with somebody who looks at each and answers it.
+/// The real panels, each inspected and answered when it appears.
 class SystemFilePanelsTest : public ::testing::Test {
 protected:
     SystemFilePanelsTest() {
@@ -84,7 +84,7 @@ protected:
     FilePanels panels = systemFilePanels();
 };
 
-TEST_F(SystemFilePanelsTest, ReadAsTheyShallWhateverIsSelected) {
+TEST_F(SystemFilePanelsTest, HaveTheirTextsWhateverIsSelected) {
     struct Case {
         const FilePanels::Panel& panel;
         QString prompt;
@@ -142,7 +142,7 @@ TEST_F(SystemFilePanelsTest, ShowsIconFilesAloneWhereAnIconIsChosen) {
     });
 }
 
-TEST_F(SystemFilePanelsTest, WriteNothingDown) {
+TEST_F(SystemFilePanelsTest, WriteNoSettings) {
     use(panels.file, [](QFileDialog&) {});
     QSettings remembered(QSettings::UserScope, u"QtProject"_s);
     remembered.setValue(u"FileDialog/lastVisited"_s, u"x"_s);

@@ -7,10 +7,10 @@
 
 namespace quorvel::testing {
 
-/// What a person takes something on the screen for.
+/// The kinds of controls that a test can look for.
 enum class Control { any, button, field, checkBox, row };
 
-/// What stands on the screen: as assistive technology gives it, in the screen's pixels.
+/// A control on the screen, as assistive technology reports it, in screen pixels.
 struct Element {
     std::string name{};
     std::string text{}; ///< a field's content
@@ -25,20 +25,21 @@ struct Element {
     bool operator==(const Element&) const = default;
 };
 
-/// Somebody who looks at one application's windows, and uses the mouse and the keyboard. What is
-/// looked for is waited for; what does not come makes a `std::runtime_error` that tells what there
-/// is instead.
-class Person {
+/// Reads one application's windows and uses the mouse and the keyboard on them. Every function that
+/// needs a control waits for it, and throws a `std::runtime_error` that lists what is shown instead
+/// if it does not appear.
+class UiDriver {
 public:
     /// `application` is the name under which it offers itself to assistive technology.
-    explicit Person(std::string application);
+    explicit UiDriver(std::string application);
 
-    /// The first element shown of that kind and name, if there is one now.
-    [[nodiscard]] std::optional<Element> glimpse(Control control, std::string_view name) const;
-    /// The same, waited for.
-    [[nodiscard]] Element see(Control control, std::string_view name) const;
-    /// Waits until no such element is shown any more.
-    void seeNoMore(Control control, std::string_view name) const;
+    /// The first element of that kind and name that is currently shown. Returns `std::nullopt` if
+    /// there is none.
+    [[nodiscard]] std::optional<Element> find(Control control, std::string_view name) const;
+    /// Waits for such an element and returns it.
+    [[nodiscard]] Element waitFor(Control control, std::string_view name) const;
+    /// Waits until no such element is shown.
+    void waitUntilGone(Control control, std::string_view name) const;
 
     void click(Control control, std::string_view name) const;
     /// Turns the wheel over the element named `over` until the one looked for is above `bottom`.
@@ -46,7 +47,7 @@ public:
     /// Replaces what a field holds.
     void fill(std::string_view field, const std::string& text) const;
     void type(const std::string& text) const;
-    /// A key with modifiers, such as "ctrl+n" or "Return".
+    /// Presses a key with modifiers, such as "ctrl+n" or "Return".
     static void press(const std::string& keys);
 
     /// Whether a pixel of exactly that colour ("#30C057") is within the element's bounds.

@@ -1,4 +1,4 @@
-#include "tests/support/OrdinaryUser.h"
+#include "tests/support/UnprivilegedUser.h"
 
 #include <cstdlib>
 #include <exception>
@@ -11,14 +11,14 @@ namespace {
 
 constexpr uid_t nobody = 65534;
 
-bool becomesOrdinary() {
+bool becomesUnprivileged() {
     return ::getuid() != 0 ||
            (::setgroups(0, nullptr) == 0 && ::setgid(nobody) == 0 && ::setuid(nobody) == 0);
 }
 
 } // namespace
 
-bool asOrdinaryUser(const std::filesystem::path& folder, const std::function<bool()>& check) {
+bool asUnprivilegedUser(const std::filesystem::path& folder, const std::function<bool()>& check) {
     if (::getuid() == 0 && ::chown(folder.c_str(), nobody, nobody) != 0) {
         return false;
     }
@@ -26,7 +26,7 @@ bool asOrdinaryUser(const std::filesystem::path& folder, const std::function<boo
     if (child == 0) {
         bool passed = false;
         try {
-            passed = becomesOrdinary() && check();
+            passed = becomesUnprivileged() && check();
         } catch (const std::exception&) {
             passed = false;
         }

@@ -1,4 +1,4 @@
-#include "tests/ProbeKit/Recording.h"
+#include "tests/Platform/watching/Recording.h"
 #include "tests/support/TemporaryHome.h"
 
 #include <gmock/gmock.h>
@@ -109,7 +109,7 @@ TEST(FSEventRootsTest, ThatIsGivenByALinkKeepsTheGivenName) {
                                                folder / "link/sub/file"));
 }
 
-TEST(FSEventRootsTest, ThatIsGivenWithSlashesAtTheEndGivesPlainPaths) {
+TEST(FSEventRootsTest, ThatIsGivenWithSlashesAtTheEndHasPlainPaths) {
     const TemporaryFolder folder;
     Recording recording(fs::path(folder.path().native() + "//"));
     write(folder / "file", "text");
@@ -124,8 +124,8 @@ TEST(FSEventRootsTest, InsideAnotherIsRecordedOnce) {
     fs::create_directory(folder / "inner/dir");
     fs::create_directory(folder / "outer");
     EXPECT_THAT(recording.stop(),
-                ElementsAre(WriteEvent{folder / "inner/dir", true, true, false, false},
-                            WriteEvent{folder / "outer", true, true, false, false}));
+                ElementsAre(Change{folder / "inner/dir", true, true, false, false},
+                            Change{folder / "outer", true, true, false, false}));
 }
 
 TEST(FSEventRootsTest, AroundAnotherRecordsBoth) {
@@ -134,7 +134,7 @@ TEST(FSEventRootsTest, AroundAnotherRecordsBoth) {
     Recording recording(std::vector{folder.path(), folder / "inner"});
     fs::create_directory(folder / "inner/dir");
     EXPECT_THAT(recording.stop(),
-                ElementsAre(WriteEvent{folder / "inner/dir", true, true, false, false}));
+                ElementsAre(Change{folder / "inner/dir", true, true, false, false}));
 }
 
 TEST(FSEventRootsTest, GivenTwiceIsRecordedOnce) {

@@ -7,18 +7,18 @@
 
 namespace quorvel::testing {
 
-/// A session bus of our own, which this process and what it starts find, until the end. A process
-/// keeps the first bus that it met, so there is one for all tests of a program.
-class PrivateBus {
+/// A private session bus for this process and its children while the object lives. A process keeps
+/// the first bus that it connected to, so all tests of a program share one.
+class SessionBus {
 public:
     /// Whether the daemon is installed.
     [[nodiscard]] static bool isAvailable();
 
-    /// Throws when the bus does not come up.
-    PrivateBus();
-    PrivateBus(const PrivateBus&) = delete;
-    PrivateBus& operator=(const PrivateBus&) = delete;
-    ~PrivateBus();
+    /// Throws `std::runtime_error` if the bus does not start.
+    SessionBus();
+    SessionBus(const SessionBus&) = delete;
+    SessionBus& operator=(const SessionBus&) = delete;
+    ~SessionBus();
 
 private:
     TemporaryFolder folder_;

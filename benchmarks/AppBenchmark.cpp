@@ -1,7 +1,8 @@
 // How quick the window is, next to an empty Qt window in the same run.
-//   app_benchmark            runs everything and prints a table
+//   app_benchmarks            runs everything and prints a table
 // Draws on the display where there is one, else on none. Works in a throw-away home.
 #include "LaunchKit/Icons/IcnsWriter.h"
+#include "LaunchKit/InstanceConfig.h"
 #include "QuorvelApp/NewCloneView.h"
 #include "QuorvelApp/QuorvelApp.h"
 #include "QuorvelApp/library/Sidebar.h"
@@ -108,7 +109,7 @@ std::vector<InstalledApp> makeApps(const fs::path& folder, int count) {
     return apps;
 }
 
-/// Tells when its window is painted for the first time.
+/// Reports when its window is painted for the first time.
 class FirstPaint : public QObject {
 public:
     bool eventFilter(QObject* watched, QEvent* event) override {
@@ -267,10 +268,10 @@ void clickButton(QWidget& window, const QString& text) {
             return;
         }
     }
-    std::fprintf(stderr, "there is no button %s\n", qUtf8Printable(text));
+    std::fprintf(stderr, "button %s not found\n", qUtf8Printable(text));
 }
 
-// What a person does, with 500 clones and 200 apps. Launching and deleting are left out: they
+// What a user does, with 500 clones and 200 apps. Launching and deleting are left out: they
 // prepare and remove folders before they return, by design.
 void measureHolds(MeasuringApplication& application) {
     const TemporaryHome home;

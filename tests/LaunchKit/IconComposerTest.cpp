@@ -121,10 +121,10 @@ TEST_F(IconComposerTest, LeavesThePictureAloneWithoutVisibleText) {
 }
 
 TEST_F(IconComposerTest, KeepsOpaqueOpaqueAndClearClearWhenScalingDown) {
-    for (const auto& [colour, alpha] :
+    for (const auto& [color, alpha] :
          {std::pair(QColor(255, 255, 255, 255), 255), {QColor(255, 0, 0, 0), 0}}) {
         QImage flat(1000, 1000, QImage::Format_ARGB32);
-        flat.fill(colour);
+        flat.fill(color);
         flat.setPixel(999, 999, qRgba(1, 2, 3, 254 - alpha)); // keeps the alpha channel in the file
         for (const QImage& image : composed(source(pngOf(flat)), invisible)) {
             EXPECT_EQ(qAlpha(image.pixel(image.width() / 2, image.width() / 2)), alpha)
@@ -134,7 +134,7 @@ TEST_F(IconComposerTest, KeepsOpaqueOpaqueAndClearClearWhenScalingDown) {
     }
 }
 
-TEST_F(IconComposerTest, BleedsNoColourOutOfTransparentPixels) {
+TEST_F(IconComposerTest, BleedsNoColorOutOfTransparentPixels) {
     QImage halves(1024, 1024, QImage::Format_ARGB32);
     for (int y = 0; y < 1024; ++y) {
         for (int x = 0; x < 1024; ++x) {
@@ -150,9 +150,9 @@ TEST_F(IconComposerTest, BleedsNoColourOutOfTransparentPixels) {
 }
 
 TEST_F(IconComposerTest, TakesTheLargestImageForAllSizes) {
-    const auto flat = [](int side, QColor colour) {
+    const auto flat = [](int side, QColor color) {
         QImage image(side, side, QImage::Format_ARGB32);
-        image.fill(colour);
+        image.fill(color);
         return pngOf(image);
     };
     const std::string bytes =
@@ -166,7 +166,7 @@ TEST_F(IconComposerTest, TakesTheLargestImageForAllSizes) {
     EXPECT_EQ(composed(source(twice), invisible).at(0).pixel(7, 7), QColor(Qt::red).rgba());
 }
 
-TEST_F(IconComposerTest, StretchesASourceThatIsNoSquare) {
+TEST_F(IconComposerTest, StretchesASourceThatIsNotSquare) {
     QImage wide(200, 100, QImage::Format_ARGB32);
     wide.fill(Qt::blue);
     for (const QImage& image : composed(source(pngOf(wide)), invisible)) {

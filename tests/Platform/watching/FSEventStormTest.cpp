@@ -1,4 +1,4 @@
-#include "tests/ProbeKit/Recording.h"
+#include "tests/Platform/watching/Recording.h"
 #include "tests/support/TemporaryHome.h"
 
 #include <gtest/gtest.h>

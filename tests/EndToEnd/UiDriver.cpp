@@ -1,4 +1,4 @@
-#include "tests/EndToEnd/Person.h"
+#include "tests/EndToEnd/UiDriver.h"
 
 #include "Platform/processes/Process.h"
 #include "tests/support/Waiting.h"
@@ -32,7 +32,7 @@ std::vector<Node> childrenOf(AtspiAccessible* parent) {
     std::vector<Node> children;
     const int count = atspi_accessible_get_child_count(parent, nullptr);
     for (int index = 0; index < count; ++index) {
-        // One that has gone in between is none.
+        // One that has vanished meanwhile is skipped.
         if (Node child{atspi_accessible_get_child_at_index(parent, index, nullptr)}) {
             children.push_back(std::move(child));
         }
@@ -81,7 +81,7 @@ Element elementOf(AtspiAccessible* node, AtspiStateSet* states) {
     return element;
 }
 
-// Calls `look` with everything shown below the node until it gives true; gives whether it did.
+// Calls `look` with everything shown below the node until it returns true. Returns whether it did.
 bool lookThrough(AtspiAccessible* node, const std::function<bool(AtspiAccessible*)>& look,
                  int depth = 0) {
     const Ref<AtspiStateSet> states{atspi_accessible_get_state_set(node)};
@@ -131,11 +131,11 @@ void pointAt(const Element& element) {
 
 } // namespace
 
-Person::Person(std::string application) : application_(std::move(application)) {
+UiDriver::UiDriver(std::string application) : application_(std::move(application)) {
     atspi_init();
 }
 
-std::optional<Element> Person::glimpse(Control control, std::string_view name) const {
+std::optional<Element> UiDriver::find(Control control, std::string_view name) const {
     std::optional<Element> found;
     lookAt(application_, [&](AtspiAccessible* node) {
         if (!isA(atspi_accessible_get_role(node, nullptr), control) ||
@@ -149,28 +149,28 @@ std::optional<Element> Person::glimpse(Control control, std::string_view name) c
     return found;
 }
 
-Element Person::see(Control control, std::string_view name) const {
+Element UiDriver::waitFor(Control control, std::string_view name) const {
     std::optional<Element> found;
-    if (!waitFor([&] { return (found = glimpse(control, name)).has_value(); })) {
+    if (!waitUntil([&] { return (found = find(control, name)).has_value(); })) {
         throw std::runtime_error("there is no “" + std::string(name) + "” among\n" +
                                  everythingShown());
     }
     return *found;
 }
 
-void Person::seeNoMore(Control control, std::string_view name) const {
-    if (!waitFor([&] { return !glimpse(control, name); })) {
+void UiDriver::waitUntilGone(Control control, std::string_view name) const {
+    if (!waitUntil([&] { return !find(control, name); })) {
         throw std::runtime_error("“" + std::string(name) + "” is still shown among\n" +
                                  everythingShown());
     }
 }
 
-void Person::click(Control control, std::string_view name) const {
+void UiDriver::click(Control control, std::string_view name) const {
     // What still moves would be missed.
     Element element;
-    if (!waitFor([&] {
-            element = see(control, name);
-            return element.enabled && element == see(control, name);
+    if (!waitUntil([&] {
+            element = waitFor(control, name);
+            return element.enabled && element == waitFor(control, name);
         })) {
         throw std::runtime_error("“" + std::string(name) + "” can't be used");
     }
@@ -178,11 +178,11 @@ void Person::click(Control control, std::string_view name) const {
     xdotool({"click", "1"});
 }
 
-void Person::scrollTo(Control control, std::string_view name, const Element& over,
-                      int bottom) const {
+void UiDriver::scrollTo(Control control, std::string_view name, const Element& over,
+                        int bottom) const {
     pointAt(over);
     for (int turn = 0; turn < wheelTurns; ++turn) {
-        const std::optional<Element> element = glimpse(control, name);
+        const std::optional<Element> element = find(control, name);
         if (element && element->y + element->height < bottom) {
             return;
         }
@@ -191,25 +191,25 @@ void Person::scrollTo(Control control, std::string_view name, const Element& ove
     throw std::runtime_error("“" + std::string(name) + "” does not scroll into view");
 }
 
-void Person::fill(std::string_view field, const std::string& text) const {
+void UiDriver::fill(std::string_view field, const std::string& text) const {
     click(Control::field, field);
     press("ctrl+a");
     type(text);
-    if (!waitFor([&] { return see(Control::field, field).text == text; })) {
+    if (!waitUntil([&] { return waitFor(Control::field, field).text == text; })) {
         throw std::runtime_error("the field “" + std::string(field) + "” holds “" +
-                                 see(Control::field, field).text + "”");
+                                 waitFor(Control::field, field).text + "”");
     }
 }
 
-void Person::type(const std::string& text) const {
+void UiDriver::type(const std::string& text) const {
     xdotool({"type", "--delay", "15", "--", text});
 }
 
-void Person::press(const std::string& keys) {
+void UiDriver::press(const std::string& keys) {
     xdotool({"key", keys});
 }
 
-bool Person::hasColor(const Element& element, const std::string& color) {
+bool UiDriver::hasColor(const Element& element, const std::string& color) {
     const std::string area = std::to_string(element.width) + "x" + std::to_string(element.height) +
                              "+" + std::to_string(element.x) + "+" + std::to_string(element.y);
     return run("/usr/bin/import",
@@ -217,7 +217,7 @@ bool Person::hasColor(const Element& element, const std::string& color) {
                .find(color) != std::string::npos;
 }
 
-std::string Person::everythingShown() const {
+std::string UiDriver::everythingShown() const {
     std::string all;
     lookAt(application_, [&](AtspiAccessible* node) {
         const std::string name = taken(atspi_accessible_get_name(node, nullptr));

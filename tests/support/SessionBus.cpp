@@ -1,4 +1,4 @@
-#include "tests/support/PrivateBus.h"
+#include "tests/support/SessionBus.h"
 
 #include "tests/support/Waiting.h"
 
@@ -12,11 +12,11 @@ constexpr auto daemonProgram = "/usr/bin/dbus-daemon";
 
 } // namespace
 
-bool PrivateBus::isAvailable() {
+bool SessionBus::isAvailable() {
     return fs::exists(daemonProgram);
 }
 
-PrivateBus::PrivateBus() {
+SessionBus::SessionBus() {
     const std::string address = "unix:path=" + (folder_ / "bus").string();
     Process::Options options;
     options.executable = daemonProgram;
@@ -25,13 +25,13 @@ PrivateBus::PrivateBus() {
     options.standardOutput = Process::Discard{};
     options.standardError = Process::Discard{};
     daemon_.emplace(Process::run(options));
-    if (!waitFor([&] { return fs::exists(folder_ / "bus"); })) {
-        throw std::runtime_error("the bus does not come up");
+    if (!waitUntil([&] { return fs::exists(folder_ / "bus"); })) {
+        throw std::runtime_error("the session bus did not start");
     }
     address_.emplace("DBUS_SESSION_BUS_ADDRESS", address);
 }
 
-PrivateBus::~PrivateBus() {
+SessionBus::~SessionBus() {
     daemon_->terminate();
     daemon_->waitUntilExit();
 }

@@ -1,0 +1,35 @@
+#pragma once
+
+#include "LaunchKit/InstanceConfig.h"
+
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace quorvel {
+
+/// The engine that an application is built on.
+enum class AppEngine { electron, chromium, firefox, eclipse, other };
+
+/// Returns "electron", "chromium", "firefox", "eclipse" or "other".
+[[nodiscard]] std::string_view rawString(AppEngine engine);
+
+/// Returns `std::nullopt` for any other text.
+[[nodiscard]] std::optional<AppEngine> appEngineFromRawString(std::string_view text);
+
+/// Returns the engine of an application bundle, `other` if it is unknown or the bundle can't be
+/// read. Reads the bundle's own identifier if `bundleId` is absent. Any thread.
+[[nodiscard]] AppEngine detectEngine(const std::filesystem::path& app,
+                                     const std::optional<std::string>& bundleId = std::nullopt);
+
+/// Returns the arguments that make the engine keep its data below `home`; none for `other`.
+[[nodiscard]] std::vector<std::string> dataDirArgs(AppEngine engine,
+                                                   std::string_view home = instanceHomePlaceholder);
+
+/// The same for an Electron application, and none for any other.
+[[nodiscard]] std::vector<std::string>
+electronArgs(const std::filesystem::path& app, std::string_view home = instanceHomePlaceholder);
+
+} // namespace quorvel
