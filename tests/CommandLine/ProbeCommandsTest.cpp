@@ -28,7 +28,7 @@ std::string noEntitlements(const fs::path& /*bundle*/) {
 // The streams and the desktop of one command.
 struct Session {
     explicit Session(Workspace& workspace, bool onTerminal = false)
-        : with{input, output, errors, onTerminal, onTerminal, workspace} {}
+        : context{input, output, errors, onTerminal, onTerminal, workspace} {}
 
     std::istringstream input{};
     std::ostringstream output{};
@@ -49,7 +49,7 @@ TEST(ProbeCommandsTest, AppsCommandPrintsTheCatalog) {
     makeAppBundle(folder / "ark.app");
     StubWorkspace workspace;
     Session session(workspace);
-    appsCommand(session.with, {folder.path()}, true, noEntitlements);
+    appsCommand(session.context, {folder.path()}, true, noEntitlements);
     EXPECT_EQ(session.json(),
               Json::array(
                   {{{"url", folder / "ark.app"}, {"name", "ark"}, {"bundleId", "com.example.ark"}},
@@ -65,7 +65,7 @@ TEST(ProbeCommandsTest, AppsCommandKeepsControlCharactersFromTheTerminal) {
                   {{"CFBundleExecutable", "x"}, {"CFBundleIdentifier", "com.example.bad"}});
     StubWorkspace workspace;
     Session session(workspace);
-    appsCommand(session.with, {folder.path()}, false, noEntitlements);
+    appsCommand(session.context, {folder.path()}, false, noEntitlements);
     EXPECT_THAT(session.output.str(), Not(HasSubstr("\x1b")));
     EXPECT_THAT(session.output.str(), HasSubstr("com.example.bad"));
 }
@@ -74,7 +74,7 @@ TEST(ProbeCommandsTest, AppsCommandPrintsAnEmptyArrayForNoApps) {
     const TemporaryFolder folder;
     StubWorkspace workspace;
     Session session(workspace);
-    appsCommand(session.with, {folder.path()}, true, noEntitlements);
+    appsCommand(session.context, {folder.path()}, true, noEntitlements);
     EXPECT_EQ(session.json(), Json::array());
 }
 
@@ -82,14 +82,14 @@ TEST(ProbeCommandsTest, RunningCommandPrintsAllOrThoseOfAnIdentifier) {
     StubWorkspace workspace;
     workspace.running = {{"com.a", "/A.app", 7}, {"com.b", "/B.app", 8}};
     Session all(workspace);
-    runningCommand(all.with, std::nullopt, true);
+    runningCommand(all.context, std::nullopt, true);
     EXPECT_EQ(all.json().size(), 2U);
     Session one(workspace);
-    runningCommand(one.with, "com.b", true);
+    runningCommand(one.context, "com.b", true);
     EXPECT_EQ(one.json(),
               Json::array({{{"bundleId", "com.b"}, {"bundleURL", "/B.app"}, {"pid", 8}}}));
     Session text(workspace);
-    runningCommand(text.with, "com.b", false);
+    runningCommand(text.context, "com.b", false);
     EXPECT_EQ(text.output.str(), "8  com.b  /B.app\n");
 }
 
@@ -99,7 +99,7 @@ TEST(ProbeCommandsTest, ProbeCommandPrintsTheProfileAndTheBuckets) {
     const std::string leak = trial.library.string() + "/Preferences/com.example.notes.plist";
     trial.plan("write ~/file\nwrite " + leak + "\nwait\n");
     Session session(*trial.workspace);
-    probeCommand(session.with, trial.app, quickly(trial), true, noEntitlements);
+    probeCommand(session.context, trial.app, quickly(trial), true, noEntitlements);
     const Json json = session.json();
     EXPECT_EQ(json.size(), 3U);
     EXPECT_EQ(json["profile"].size(), 9U);
@@ -119,7 +119,7 @@ TEST(ProbeCommandsTest, ProbeCommandDrawsABarOnATerminalAndTakesItAway) {
     const ScopedEnvironment temporary("TMPDIR", trial.temporary.string());
     trial.plan("wait\n");
     Session session(*trial.workspace, true);
-    probeCommand(session.with, trial.app, quickly(trial), false, noEntitlements);
+    probeCommand(session.context, trial.app, quickly(trial), false, noEntitlements);
     EXPECT_THAT(session.errors.str(), AllOf(HasSubstr("[####"), EndsWith(noProgressBar())));
     EXPECT_THAT(session.output.str(), HasSubstr("Recommendation"));
 }
@@ -129,7 +129,7 @@ TEST(ProbeCommandsTest, ProbeCommandSaysWhatIsNotAnApp) {
     StubWorkspace workspace;
     Session session(workspace);
     try {
-        probeCommand(session.with, folder / "None.app", {}, false, noEntitlements);
+        probeCommand(session.context, folder / "None.app", {}, false, noEntitlements);
         FAIL() << "it was probed";
     } catch (const CommandError& error) {
         EXPECT_EQ(error.what(), "Not a readable .app bundle: " + (folder / "None.app").string());
@@ -144,7 +144,7 @@ TEST(ProbeCommandsTest, ProbeCommandInterruptedEndsBothProcessesAndItself) {
     if (command == 0) {
         ::setenv("TMPDIR", trial.temporary.c_str(), 1);
         Session session(*trial.workspace);
-        probeCommand(session.with, trial.app, {0.05, 600, trial.library.string()}, true,
+        probeCommand(session.context, trial.app, {0.05, 600, trial.library.string()}, true,
                      noEntitlements);
         ::_exit(0);
     }

@@ -189,7 +189,7 @@ TEST_F(TargetPaneTest, ATilesTooltipExplainsItsLockAndHasItsWholeName) {
 
 TEST_F(TargetPaneTest, ThePanelsOfACommandFillItsFields) {
     const auto answering = [](const char* path) {
-        return [path](QWidget*) { return std::optional<std::filesystem::path>(path); };
+        return [path](QObject*) { return std::optional<std::filesystem::path>(path); };
     };
     panels.file = answering("/usr/local/bin/my-tool");
     panels.folder = answering("/tmp");

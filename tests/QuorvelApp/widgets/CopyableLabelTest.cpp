@@ -78,7 +78,7 @@ TEST(CopyableLabelTest, KeepsTheSelectionWhenTheSameTextIsSetAgain) {
 }
 
 TEST(CopyableLabelTest, InfoRowTakesTheWidthThatIsThere) {
-    InfoRow row({.label = "Location", .value = std::string(300, 'x'), .mono = true});
+    InfoRow row({.label = "Location", .lines = {std::string(300, 'x')}, .monospaced = true});
     row.resize(400, 100);
     EXPECT_LE(row.minimumSizeHint().width(), 200);
     EXPECT_EQ(row.value(), QString(300, u'x'));
