@@ -11,6 +11,26 @@
 
 namespace quorvel {
 
+/// Moves every record to its place: the one at `order[i]` to `i`. Follows the cycles of the
+/// permutation, since a second list of thousands of large records costs as much as sorting them.
+template<typename Record>
+void permute(std::vector<Record>& records, std::vector<std::size_t> order) {
+    for (std::size_t start = 0; start < order.size(); ++start) {
+        if (order[start] == start) {
+            continue;
+        }
+        Record first = std::move(records[start]);
+        std::size_t place = start;
+        while (order[place] != start) {
+            const std::size_t next = std::exchange(order[place], place);
+            records[place] = std::move(records[next]);
+            place = next;
+        }
+        records[place] = std::move(first);
+        order[place] = place;
+    }
+}
+
 /// Returns the records in the order of the names that `name` returns for them, by the user's locale
 /// and ignoring case. Records with equal names keep their order.
 template<typename Record, typename Projection>
@@ -20,12 +40,8 @@ template<typename Record, typename Projection>
     for (const Record& record : records) {
         names.push_back(std::invoke(name, record));
     }
-    std::vector<Record> sorted;
-    sorted.reserve(records.size());
-    for (const std::size_t index : Text::sortedOrder(names, UserLocale::forOrder())) {
-        sorted.push_back(std::move(records[index]));
-    }
-    return sorted;
+    permute(records, Text::sortedOrder(names, UserLocale::forOrder()));
+    return records;
 }
 
 } // namespace quorvel

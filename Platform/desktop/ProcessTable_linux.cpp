@@ -103,7 +103,8 @@ std::string bundleOfScript(const std::string& process, const std::string& execut
     std::error_code code;
     const fs::path path = fs::canonical(folder / *script, code);
     std::string bundle = code ? std::string{} : bundleOfExecutable(path.native());
-    const bool runs = !bundle.empty() && isInterpreterOf(path, executable, commandLine.c_str());
+    const std::string calledAs = commandLine.substr(0, commandLine.find('\0'));
+    const bool runs = !bundle.empty() && isInterpreterOf(path, executable, calledAs);
     return runs ? bundle : std::string{};
 }
 

@@ -72,7 +72,7 @@ std::string xdgUserDirsText(const std::vector<XdgUserDir>& folders) {
             isBelowHome(folder)
                 ? std::string(homeMark) + withEscapes(folder.substr(homeMark.size()))
                 : withEscapes(folder);
-        text += std::string(prefix) + name + std::string(middle) + value + "\"\n";
+        text.append(prefix).append(name).append(middle).append(value).append("\"\n");
     }
     return text;
 }

@@ -57,7 +57,7 @@ std::string temporaryFolderFor(const std::string& home, const Environment& sessi
     const std::string name = shortName(home);
     const std::string runtime = folderVariable(session, "XDG_RUNTIME_DIR", "");
     const std::string own = runtime + "/quorvel";
-    const std::string inRuntime = own + "/" + name;
+    std::string inRuntime = own + "/" + name;
     if (!runtime.empty() && inRuntime.size() <= longest && ensureFolderBelow(runtime, inRuntime) &&
         isOwnPrivateFolder(own) && isOwnPrivateFolder(inRuntime)) {
         return inRuntime;
@@ -87,7 +87,7 @@ void renewLink(const std::string& link, const std::string& target) {
 // The user's fonts, icons, themes and handlers, and nothing else of the user's data: applications
 // would find the original's data in the rest.
 std::string sessionDataFolder(const std::string& home, const std::string& sessionData) {
-    const std::string folder = home + "/.local/share/quorvel/session-data";
+    std::string folder = home + "/.local/share/quorvel/session-data";
     if (!ensureFolderBelow(home, folder)) {
         return "";
     }

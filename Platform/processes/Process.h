@@ -61,8 +61,8 @@ public:
     Process& operator=(Process&& other) noexcept;
     Process(const Process&) = delete;
     Process& operator=(const Process&) = delete;
-    /// Leaves the process running. Unless it was detached, it then stays a zombie after its end until
-    /// this process ends.
+    /// Leaves the process running. Unless it was detached, it then stays a zombie after its end
+    /// until this process ends.
     ~Process();
 
     /// Leaves the process running and reaps it in the background when it ends. Nothing else may be

@@ -203,5 +203,18 @@ TEST_F(AppEngineTest, ADefaultIdentifierIsThePrefixAndTheFragment) {
     EXPECT_EQ(WrapperFactory::defaultBundleId(""), "app.quorvel.instance.");
 }
 
+TEST_F(AppEngineTest, ArgumentsPointIntoAGivenHome) {
+    using Arguments = std::vector<std::string>;
+    EXPECT_EQ(dataDirArgs(Engine::electron, "/h"), Arguments{"--user-data-dir=/h/QuorvelData"});
+    EXPECT_EQ(dataDirArgs(Engine::chromium, "/h"), dataDirArgs(Engine::electron, "/h"));
+    EXPECT_EQ(dataDirArgs(Engine::firefox, "/h"),
+              (Arguments{"-profile", "/h/FirefoxProfile", "-no-remote"}));
+    EXPECT_EQ(dataDirArgs(Engine::eclipse, "/h"), (Arguments{"-data", "/h/workspace"}));
+    EXPECT_EQ(dataDirArgs(Engine::other, "/h"), Arguments{});
+    EXPECT_EQ(electronArgs(app("com.x", {electron}), "/h"),
+              Arguments{"--user-data-dir=/h/QuorvelData"});
+    EXPECT_EQ(electronArgs(app("com.google.chrome"), "/h"), Arguments{});
+}
+
 } // namespace
 } // namespace quorvel

@@ -27,6 +27,16 @@ protected:
     fs::path wrapper_;
 };
 
+TEST_F(WrapperLayoutTest, KnowsWhereThePartsOfAWrapperAre) {
+    EXPECT_EQ(configOf(wrapper_), wrapper_ / "Contents/Resources/instance.json");
+    EXPECT_EQ(iconOf(wrapper_), wrapper_ / "Contents/Resources/AppIcon.icns");
+    EXPECT_EQ(runnerOf(wrapper_), wrapper_ / "Contents/MacOS/runner");
+    EXPECT_EQ(userApplicationsFolder(), home_ / "Applications");
+    EXPECT_EQ(wrapperPath(home_.path(), "/A"), home_.path().string() + "//A.app");
+    EXPECT_TRUE(fs::is_regular_file(configOf(wrapper_)));
+    EXPECT_TRUE(fs::is_regular_file(runnerOf(wrapper_)));
+}
+
 TEST_F(WrapperLayoutTest, AWholeCloneIsNotDamaged) {
     EXPECT_FALSE(isDamagedWrapper(wrapper_));
     EXPECT_FALSE(isDamagedWrapper(home_ / "none.app"));
