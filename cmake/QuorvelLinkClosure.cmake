@@ -1,17 +1,25 @@
-# quorvel_forbid_libraries(TARGET PATTERN...): fails the configuration if the target links, directly
-# or through others, a library whose name matches one of the patterns.
+# quorvel_forbid_libraries(TARGET [COMPILED] PATTERN...): fails the configuration if the target links,
+# directly or through others, a library whose name matches one of the patterns. With COMPILED, only
+# the libraries count whose headers its sources can include; what other static libraries use
+# privately does not.
 function(quorvel_forbid_libraries target)
+  cmake_parse_arguments(arg "COMPILED" "" "" ${ARGN})
   set(pending ${target})
   set(seen "")
   while(pending)
     list(POP_FRONT pending name)
     # A static library's private dependencies are wrapped in a generator expression.
-    string(REGEX REPLACE "^\\$<LINK_ONLY:(.*)>$" "\\1" name "${name}")
+    if(name MATCHES "^\\$<LINK_ONLY:(.*)>$")
+      if(arg_COMPILED)
+        continue()
+      endif()
+      set(name "${CMAKE_MATCH_1}")
+    endif()
     if(name IN_LIST seen)
       continue()
     endif()
     list(APPEND seen "${name}")
-    foreach(pattern ${ARGN})
+    foreach(pattern ${arg_UNPARSED_ARGUMENTS})
       if(name MATCHES "${pattern}")
         message(FATAL_ERROR "${target} must not link ${name}")
       endif()
@@ -19,7 +27,7 @@ function(quorvel_forbid_libraries target)
     if(TARGET "${name}")
       get_target_property(type "${name}" TYPE)
       set(properties INTERFACE_LINK_LIBRARIES)
-      if(NOT type STREQUAL INTERFACE_LIBRARY)
+      if(NOT type STREQUAL INTERFACE_LIBRARY AND (NOT arg_COMPILED OR name STREQUAL target))
         list(APPEND properties LINK_LIBRARIES)
       endif()
       foreach(property ${properties})

@@ -1,5 +1,6 @@
 #include "QuorvelApp/model/CloneListModel.h"
 
+#include "LaunchKit/WrapperLayout.h"
 #include "Presentation/CloneFacts.h"
 #include "QuorvelApp/model/DisplayText.h"
 #include "LaunchKit/InstanceRecord.h"
@@ -29,7 +30,7 @@ bool hasRepeated(const std::vector<InstanceRecord>& clones) {
 
 // Without a look at the disk: this is asked at each painting.
 std::filesystem::path iconPathOf(const InstanceRecord& clone) {
-    return clone.bundleURL / "Contents" / "Resources" / "AppIcon.icns";
+    return iconOf(clone.id());
 }
 
 CloneListModel::CloneListModel(QObject* parent) : QAbstractListModel(parent) {}

@@ -20,7 +20,7 @@ std::vector<fs::path> modelFiles() {
     std::vector<fs::path> files;
     for (const QString& name : QStringLiteral(QUORVEL_MODEL_SOURCES).split(u'|')) {
         const fs::path source = fs::path(QUORVEL_SOURCE_DIR) / "QuorvelApp" / name.toStdString();
-        if (source.extension() == ".cpp") {
+        if (source.extension() == ".cpp" && !name.startsWith(u'/')) { // not what is generated
             files.push_back(source);
             files.push_back(fs::path(source).replace_extension(".h"));
         }

@@ -173,7 +173,7 @@ TEST_F(TranslatedTest, ThatOfTheNewCloneSheetForEachKind) {
     EXPECT_THAT(untranslated(&sheet), IsEmpty());
     EXPECT_TRUE(shown(u"«“Notes (2)” already exists. Creating this clone will replace it; its data "
                       u"is kept.»"_s));
-    EXPECT_THAT(sheet.session().form().strategyReason, StartsWith("««Notes» is sandboxed"));
+    EXPECT_THAT(sheet.session().form().strategyReason, StartsWith("«“Notes” is sandboxed"));
     for (const QString& kind : {u"«Web App»"_s, u"«File / Folder»"_s, u"«Command»"_s}) {
         button(kind)->click();
         EXPECT_THAT(untranslated(&sheet), IsEmpty()) << kind.toStdString();
