@@ -3,8 +3,8 @@
 #include <string>
 #include <string_view>
 
-/// Where the parts of an application bundle are, as text. Names are appended as they are; nothing is
-/// read from the disk.
+/// Where the parts of an application bundle are, as text. Names are appended as they are; nothing
+/// is read from the disk.
 namespace quorvel {
 
 /// Names of a bundle's folders and files.

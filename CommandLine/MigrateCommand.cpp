@@ -5,8 +5,8 @@
 #include "CommandLine/CloneTexts.h"
 #include "LaunchKit/HomeLock.h"
 #include "LaunchKit/InstanceLauncher.h"
-#include "Presentation/MigrationSummary.h"
 #include "LaunchKit/InstanceRecord.h"
+#include "Presentation/MigrationSummary.h"
 
 #include <nlohmann/json.hpp>
 

@@ -14,7 +14,6 @@ namespace quorvel {
 namespace fs = std::filesystem;
 namespace {
 
-
 constexpr std::array<std::string_view, 7> chromiumBrowsers{
     "com.google.chrome",
     "com.brave.browser",

@@ -2,7 +2,7 @@
 
 #include "LaunchKit/Records/RecordReader.h"
 #include "LaunchKit/Records/RecordWriter.h"
-#include "Platform/files/FileSystem.h"
+#include "Platform/files/FileReading.h"
 #include "Platform/files/UserPaths.h"
 
 #include <utility>

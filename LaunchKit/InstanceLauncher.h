@@ -2,9 +2,9 @@
 
 #include "Base/Error.h"
 #include "LaunchKit/AppBundle.h"
+#include "LaunchKit/CloneOptions.h"
 #include "LaunchKit/InstanceConfig.h"
 #include "LaunchKit/SharedUserFolders.h"
-#include "LaunchKit/CloneOptions.h"
 #include "Platform/files/FileHandle.h"
 #include "Platform/processes/Process.h"
 

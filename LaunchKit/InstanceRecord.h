@@ -9,7 +9,8 @@
 
 namespace quorvel {
 
-/// A clone on disk: its wrapper bundle and the configuration inside. Identity is the bundle alone.
+/// A clone on disk: its wrapper bundle and the configuration inside. Records are equal if their
+/// bundles are.
 struct InstanceRecord {
     std::filesystem::path bundleURL{};
     InstanceConfig config{};

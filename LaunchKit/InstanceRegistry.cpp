@@ -3,9 +3,9 @@
 #include "Base/BundleName.h"
 #include "Base/PathText.h"
 #include "LaunchKit/CloneDeletion.h"
+#include "LaunchKit/InstanceRecord.h"
 #include "LaunchKit/NameOrder.h"
 #include "LaunchKit/WrapperLayout.h"
-#include "LaunchKit/InstanceRecord.h"
 #include "Platform/desktop/UserLocale.h"
 #include "Platform/desktop/Workspace.h"
 #include "Platform/files/FileSystem.h"
@@ -43,11 +43,6 @@ void appendClones(const fs::path& path, std::vector<InstanceRecord>& records) {
 }
 
 } // namespace
-
-std::optional<fs::path> InstanceRecord::iconURL() const {
-    fs::path icon = iconOf(bundleURL);
-    return itemExists(icon) ? std::optional(std::move(icon)) : std::nullopt;
-}
 
 std::vector<fs::path> InstanceRegistry::defaultSearchDirs() {
     return {userApplicationsFolder()};

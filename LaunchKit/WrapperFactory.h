@@ -3,8 +3,8 @@
 #include "Base/Error.h"
 #include "LaunchKit/AppBundle.h"
 #include "LaunchKit/AppEngine.h"
-#include "LaunchKit/InstanceConfig.h"
 #include "LaunchKit/CloneOptions.h"
+#include "LaunchKit/InstanceConfig.h"
 
 #include <filesystem>
 #include <map>

@@ -2,8 +2,8 @@
 
 #include "LaunchKit/HomeLock.h"
 #include "LaunchKit/InstanceLauncher.h"
-#include "Presentation/DeletionWarning.h"
 #include "LaunchKit/InstanceRecord.h"
+#include "Presentation/DeletionWarning.h"
 #include "QuorvelApp/library/MigrationCallout.h"
 #include "QuorvelApp/model/CloneListModel.h"
 #include "QuorvelApp/model/DisplayText.h"

@@ -9,8 +9,8 @@
 namespace quorvel::UserPaths {
 
 /// Returns the user's home without a trailing slash: `CFFIXED_USER_HOME` if it is an absolute path,
-/// otherwise `HOME` (on Linux) or the user database's entry (on macOS), otherwise the other of these
-/// two, otherwise "/". Reads the environment on each call.
+/// otherwise `HOME` (on Linux) or the user database's entry (on macOS), otherwise the other of
+/// these two, otherwise "/". Reads the environment on each call.
 [[nodiscard]] std::string home();
 
 /// Replaces a leading "~" by `home()` or "~name" by that user's home, and removes trailing slashes.

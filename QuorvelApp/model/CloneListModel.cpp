@@ -1,9 +1,9 @@
 #include "QuorvelApp/model/CloneListModel.h"
 
+#include "LaunchKit/InstanceRecord.h"
 #include "LaunchKit/WrapperLayout.h"
 #include "Presentation/CloneFacts.h"
 #include "QuorvelApp/model/DisplayText.h"
-#include "LaunchKit/InstanceRecord.h"
 #include "QuorvelApp/model/QtText.h"
 
 #include <algorithm>

@@ -1,7 +1,7 @@
 #include "QuorvelApp/model/NewCloneSession.h"
 
-#include "QuorvelApp/model/Translated.h"
 #include "LaunchKit/InstanceRecord.h"
+#include "QuorvelApp/model/Translated.h"
 
 #include <QPointer>
 

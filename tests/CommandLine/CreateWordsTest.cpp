@@ -2,9 +2,9 @@
 #include "tests/CommandLine/CommandLineHarness.h"
 #include "tests/support/AppBundles.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
-#include <gmock/gmock.h>
 
 namespace quorvel {
 namespace {
