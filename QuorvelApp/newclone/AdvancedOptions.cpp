@@ -72,7 +72,7 @@ void AdvancedOptions::addBlock(const QString& label, QWidget* control, const QSt
 QCheckBox* AdvancedOptions::addCheckBox(QVBoxLayout* column, const QString& label,
                                         bool NewCloneForm::*field, bool whenChecked) {
     auto* box = new WrappingCheckBox(label);
-    bind(session_, box->box(), field, whenChecked);
+    bindField(session_, box->box(), field, whenChecked);
     column->addWidget(box);
     return box->box();
 }
@@ -81,7 +81,7 @@ QWidget* AdvancedOptions::makeDataLocation() {
     auto* widget = new QWidget;
     auto* field = new QLineEdit;
     field->setAccessibleName(tr("Data location"));
-    bind(session_, field, &NewCloneForm::dataPath);
+    bindField(session_, field, &NewCloneForm::dataPath);
     const auto showPlaceholder = [this, field] {
         field->setPlaceholderText(QStringLiteral("~/QuorvelInstances/") +
                                   qtText(session_.form().cloneNameOrPlaceholder()));
@@ -107,7 +107,7 @@ QWidget* AdvancedOptions::makeIconLabel() {
     auto* field = new QLineEdit;
     field->setPlaceholderText(tr("e.g. WORK"));
     field->setAccessibleName(tr("Icon label"));
-    bind(session_, field, &NewCloneForm::iconLabelText);
+    bindField(session_, field, &NewCloneForm::iconLabelText);
     auto* well = new ColorWell;
     const auto showColor = [this, well] {
         well->setColor(QColor(qtText(session_.form().iconLabelColor)));
@@ -128,7 +128,7 @@ QWidget* AdvancedOptions::makeArguments() {
     auto* field = new QLineEdit;
     field->setPlaceholderText(QStringLiteral("--flag value"));
     field->setAccessibleName(tr("Launch arguments"));
-    bind(session_, field, &NewCloneForm::argsText);
+    bindField(session_, field, &NewCloneForm::argsText);
     return field;
 }
 
@@ -138,7 +138,7 @@ QWidget* AdvancedOptions::makeEditor(const QString& name, std::string NewCloneFo
     editor->setFont(monospacedFont());
     editor->setTabChangesFocus(true);
     editor->setAccessibleName(name);
-    bind(session_, editor, field);
+    bindField(session_, editor, field);
     return editor;
 }
 

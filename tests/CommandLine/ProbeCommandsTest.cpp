@@ -3,6 +3,8 @@
 #include "CommandLine/ProbeTexts.h"
 #include "tests/ProbeKit/Trial.h"
 
+#include <nlohmann/json.hpp>
+
 #include <csignal>
 #include <gmock/gmock.h>
 #include <nlohmann/json.hpp>

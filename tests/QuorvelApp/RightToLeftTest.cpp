@@ -1,4 +1,5 @@
 #include "LaunchKit/Icons/IcnsWriter.h"
+#include "QuorvelApp/Components.h"
 #include "QuorvelApp/library/CloneRow.h"
 #include "tests/QuorvelApp/WindowFixture.h"
 

@@ -1,3 +1,4 @@
+#include "LaunchKit/InstanceRecord.h"
 #include "tests/QuorvelApp/WindowFixture.h"
 
 #include <QPlainTextEdit>

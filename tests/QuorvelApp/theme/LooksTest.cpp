@@ -1,5 +1,6 @@
 #include "LaunchKit/InstanceConfig.h"
 #include "LaunchKit/InstanceRecord.h"
+#include "QuorvelApp/Components.h"
 #include "QuorvelApp/library/CloneRow.h"
 #include "QuorvelApp/theme/Appearance.h"
 #include "QuorvelApp/widgets/ColorWell.h"
