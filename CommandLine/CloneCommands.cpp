@@ -5,8 +5,11 @@
 #include "CommandLine/CloneTexts.h"
 #include "CommandLine/Confirmation.h"
 #include "LaunchKit/InstanceLauncher.h"
+#include "LaunchKit/InstanceRecord.h"
 #include "LaunchKit/RequestCheck.h"
 #include "Platform/files/FileSystem.h"
+
+#include <nlohmann/json.hpp>
 
 #include <future>
 #include <memory>
@@ -110,8 +113,7 @@ void showCommand(const Surroundings& with, const std::string& clone, bool json) 
 
 void createCommand(const Surroundings& with, const CreateOptions& options, bool json) {
     const WrapperFactory::Request request = requestFrom(options);
-    const WrapperFactory factory(
-        options.runner.empty() ? std::nullopt : std::optional(absolutePath(options.runner)));
+    const WrapperFactory factory(options.runner);
     checkCreation(with, request, factory.runnerBinary, options.sharedHome);
     const fs::path wrapper = factory.create(request);
     const std::optional<InstanceRecord> record = with.registry.record(wrapper);

@@ -1,6 +1,7 @@
 #include "CommandLine/CloneLookup.h"
 
 #include "CommandLine/Surroundings.h"
+#include "LaunchKit/InstanceRecord.h"
 #include "LaunchKit/WrapperLayout.h"
 #include "Platform/files/FileSystem.h"
 #include "Platform/files/UserPaths.h"

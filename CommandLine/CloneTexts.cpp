@@ -1,7 +1,10 @@
 #include "CommandLine/CloneTexts.h"
 
 #include "Base/TerminalText.h"
+#include "LaunchKit/InstanceRecord.h"
 #include "LaunchKit/WrapperFactory.h"
+
+#include <nlohmann/json.hpp>
 
 #include <unicode/uchar.h>
 #include <unicode/utf8.h>
@@ -164,7 +167,9 @@ std::string description(const InstanceRecord& record, bool running,
     };
     if (config.kind == ShortcutKind::app) {
         rows.emplace_back("Strategy", rawString(config.strategy));
-        rows.emplace_back("Shares folders", yesOrNo(config.shareUserFolders));
+    }
+    for (const CloneSwitch& each : shownSwitches(config.kind, config)) {
+        rows.emplace_back(each.fact, yesOrNo(each.valueIn(config)));
     }
     addIfSet(rows, "Arguments", joined(config.extraArgs));
     for (const auto& [key, value] : config.environment) {

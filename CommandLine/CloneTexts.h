@@ -4,7 +4,7 @@
 #include "LaunchKit/InstanceRegistry.h"
 #include "Platform/desktop/Workspace.h"
 
-#include <nlohmann/json.hpp>
+#include <nlohmann/json_fwd.hpp>
 
 #include <cstdint>
 #include <optional>

@@ -4,6 +4,7 @@
 #include "CommandLine/CloneCommands.h"
 #include "CommandLine/IconCommand.h"
 #include "CommandLine/MigrateCommand.h"
+#include "CommandLine/OptionBinding.h"
 #include "CommandLine/ProbeCommands.h"
 
 #include <CLI/CLI.hpp>
@@ -31,17 +32,6 @@ struct Words {
 
 using Command = std::function<void()>;
 
-// A repeatable option that takes exactly one value each time, whatever that value looks like.
-void addRepeatable(CLI::App& command, const std::string& name, std::vector<std::string>& values,
-                   const std::string& help, const std::string& placeholder) {
-    command
-        .add_option_function<std::string>(
-            name, [&values](const std::string& value) { values.push_back(value); }, help)
-        ->trigger_on_parse()
-        ->multi_option_policy(CLI::MultiOptionPolicy::TakeLast)
-        ->type_name(placeholder);
-}
-
 CLI::App& addCommand(CLI::App& program, const std::string& name, const std::string& help,
                      Words& words, Command& chosen, Command run) {
     CLI::App* command = program.add_subcommand(name, help);
@@ -57,61 +47,12 @@ void addCloneOperand(CLI::App& command, Words& words) {
         ->type_name("");
 }
 
-void addCreateOptions(CLI::App& create, CreateOptions& o) {
-    const auto text = [&](const char* name, std::string& value, const char* help,
-                          const char* placeholder) {
-        return create.add_option(name, value, help)->type_name(placeholder);
-    };
-    text("--kind", o.kind, "What the clone opens: app, web, file or command", "KIND")
-        ->check(CLI::IsMember({"app", "web", "file", "command"}).description(""));
-    text("--name", o.name, "The clone's name", "NAME");
-    text("--target", o.target, "The application to clone", "APP");
-    text("--url", o.url, "The address that a web clone opens", "URL");
-    text("--open", o.open, "The file or folder that a file clone opens", "PATH");
-    text("--command", o.command, "The program that a command clone runs", "PATH");
-    addRepeatable(create, "--arg", o.commandArgs, "An argument of the command (repeatable)", "A");
-    text("--workdir", o.workingDirectory, "The command's working directory", "DIR");
-    text("--home", o.home, "The data folder (default: ~/QuorvelInstances/NAME)", "DIR");
-    create.add_flag("--shared-home", o.sharedHome,
-                    "The data folder may be another clone's, or the user's own");
-    text("--output", o.output, "Where the clone is put (default: ~/Applications)", "DIR");
-    text("--bundle-id", o.bundleId, "The clone's bundle identifier", "ID");
-    text("--strategy", o.strategy,
-         "How its data is kept apart: home-override, container-redirect, wrapper-identity or "
-         "unsupported",
-         "STRATEGY")
-        ->check(CLI::IsMember(
-                    {"home-override", "container-redirect", "wrapper-identity", "unsupported"})
-                    .description(""));
-    text("--icon", o.icon, "An icon file to use instead of the target's", "FILE");
-    create.add_flag("--hide-icon", o.hideIcon, "Show no Dock icon");
-    addRepeatable(create, "--extra-arg", o.extraArgs,
-                  "An argument for the target (repeatable; default: what its engine needs)", "A");
-    create.add_flag("--no-extra-args", o.noExtraArgs, "No arguments for the target at all");
-    addRepeatable(create, "--env", o.environment, "An environment variable (repeatable)", "K=V");
-    addRepeatable(create, "--plist", o.plist, "An entry of the property list (repeatable)", "K=V");
-    create.add_flag("--browser", o.browser, "Register as a web browser");
-    create.add_flag("--open-with", o.openWith, "Open any document with the clone");
-    text("--label", o.label, "A short text on the icon", "TEXT");
-    text("--label-color", o.labelColor, "Its colour (default: #FFFFFF)", "HEX");
-    text("--label-position", o.labelPosition, "Where it sits: bottom, center or top", "P")
-        ->check(CLI::IsMember({"bottom", "center", "top"}).description(""));
-    create.add_flag("--menu-bar-icon", o.menuBarIcon, "Show an icon in the menu bar");
-    create.add_flag("--menu-bar-template", o.menuBarTemplate, "Draw that icon in one colour");
-    create.add_flag("--isolate-folders", o.isolateFolders,
-                    "Own Downloads, Documents and Desktop instead of the user's");
-    text("--runner", o.runner, "The runner to put into the clone", "FILE");
-    create.add_flag("--launch", o.launch, "Open the clone at once");
-}
-
 void addIconOptions(CLI::App& icon, IconOptions& o) {
     icon.add_option("SOURCE", o.source, "An icon, or any image")->required()->type_name("");
     icon.add_flag("--list", o.list, "Show the images in the icon instead");
     icon.add_option("--label", o.label, "The text to draw")->type_name("TEXT");
     icon.add_option("--color", o.color, "Its colour (default: #FFFFFF)")->type_name("HEX");
-    icon.add_option("--position", o.position, "Where it sits: bottom, center or top")
-        ->type_name("P")
-        ->check(CLI::IsMember({"bottom", "center", "top"}).description(""));
+    addChoice(icon, "--position", "Where it sits", "P", o.position);
     icon.add_option("--output", o.output, "The icon to write")->type_name("FILE");
 }
 
@@ -137,8 +78,8 @@ void addAppCommands(CLI::App& program, Words& words, Command& chosen, const Surr
                   words);
     addRepeatable(addCommand(program, "apps", "List the installed applications", words, chosen,
                              [&] { appsCommand(with, words.searchDirs, words.json); }),
-                  "--search-dir", words.searchDirs,
-                  "A folder to look in instead of the usual ones (repeatable)", "DIR");
+                  "--search-dir", "A folder to look in instead of the usual ones (repeatable)",
+                  "DIR", words.searchDirs);
     CLI::App& probe = addCommand(
         program, "probe", "Try an application out, and recommend how to isolate it", words, chosen,
         [&] { probeCommand(with, words.operand, words.probe, words.json); });
@@ -153,8 +94,8 @@ void addAppCommands(CLI::App& program, Words& words, Command& chosen, const Surr
 void addCloneCommands(CLI::App& program, Words& words, Command& chosen, const Surroundings& with) {
     addRepeatable(addCommand(program, "list", "List the clones", words, chosen,
                              [&] { listCommand(with, words.searchDirs, words.json); }),
-                  "--search-dir", words.searchDirs,
-                  "A folder to look in instead of ~/Applications (repeatable)", "DIR");
+                  "--search-dir", "A folder to look in instead of ~/Applications (repeatable)",
+                  "DIR", words.searchDirs);
     addCloneOperand(addCommand(program, "show", "Show one clone", words, chosen,
                                [&] { showCommand(with, words.operand, words.json); }),
                     words);

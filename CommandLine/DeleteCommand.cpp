@@ -8,6 +8,9 @@
 #include "LaunchKit/HomeLock.h"
 #include "Platform/files/FileSystem.h"
 
+#include "LaunchKit/InstanceRecord.h"
+
+#include <nlohmann/json.hpp>
 #include <ostream>
 
 namespace quorvel {

@@ -33,16 +33,12 @@ void listIcon(const Surroundings& with, const std::filesystem::path& source, boo
 }
 
 void composeIcon(const Surroundings& with, const IconOptions& options, bool json) {
-    const auto position = iconLabelPositionFromRawString(options.position);
-    if (!position) {
-        throw UsageError("--position is bottom, center or top.");
-    }
     if (options.label.empty() || options.output.empty()) {
         throw UsageError("An icon needs --label TEXT and --output FILE, or --list.");
     }
     const std::filesystem::path output = absoluteFile(options.output);
-    IconComposer::compose(absoluteFile(options.source), {options.label, options.color, *position},
-                          output);
+    IconComposer::compose(absoluteFile(options.source),
+                          {options.label, options.color, options.position}, output);
     const std::string path = output.string();
     with.output << (json ? document({{"icon", path}})
                          : (with.outputIsTerminal ? terminalText(path) : path) + "\n");

@@ -5,6 +5,7 @@
 #include "CommandLine/CloneTexts.h"
 #include "LaunchKit/HomeLock.h"
 #include "LaunchKit/InstanceLauncher.h"
+#include "LaunchKit/InstanceRecord.h"
 
 #include <nlohmann/json.hpp>
 

@@ -9,6 +9,8 @@
 #include "ProbeKit/Farewell.h"
 #include "ProbeKit/ProfileGenerator.h"
 
+#include <nlohmann/json.hpp>
+
 #include <algorithm>
 #include <iterator>
 #include <ostream>

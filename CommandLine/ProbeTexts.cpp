@@ -3,6 +3,8 @@
 #include "Base/TerminalText.h"
 #include "Base/Utf8.h"
 
+#include <nlohmann/json.hpp>
+
 #include <algorithm>
 #include <cmath>
 

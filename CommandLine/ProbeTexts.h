@@ -4,7 +4,7 @@
 #include "Platform/desktop/Workspace.h"
 #include "ProbeKit/Models.h"
 
-#include <nlohmann/json.hpp>
+#include <nlohmann/json_fwd.hpp>
 
 #include <string>
 #include <vector>

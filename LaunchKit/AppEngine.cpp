@@ -1,5 +1,4 @@
 #include "Base/Text.h"
-#include "LaunchKit/RawStrings.h"
 #include "LaunchKit/WrapperFactory.h"
 #include "Platform/files/FileSystem.h"
 
@@ -11,14 +10,6 @@ namespace fs = std::filesystem;
 namespace {
 
 using AppEngine = WrapperFactory::AppEngine;
-
-constexpr RawStrings<AppEngine, 5> engines{{
-    {AppEngine::electron, "electron"},
-    {AppEngine::chromium, "chromium"},
-    {AppEngine::firefox, "firefox"},
-    {AppEngine::eclipse, "eclipse"},
-    {AppEngine::other, "other"},
-}};
 
 constexpr std::array<std::string_view, 7> chromiumBrowsers{
     "com.google.chrome",
@@ -88,14 +79,6 @@ std::string identifierOf(const fs::path& app) {
 }
 
 } // namespace
-
-std::string_view rawString(AppEngine engine) {
-    return rawStringIn(engines, engine);
-}
-
-std::optional<AppEngine> appEngineFromRawString(std::string_view text) {
-    return caseIn(engines, text);
-}
 
 AppEngine WrapperFactory::detectEngine(const fs::path& app,
                                        const std::optional<std::string>& bundleId) {

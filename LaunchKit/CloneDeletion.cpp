@@ -1,4 +1,5 @@
 #include "LaunchKit/CloneDeletion.h"
+#include "LaunchKit/InstanceRecord.h"
 
 #include "LaunchKit/DataFolderGuard.h"
 #include "LaunchKit/WrapperLayout.h"

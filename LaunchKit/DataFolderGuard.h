@@ -1,5 +1,6 @@
 #pragma once
 
+#include "LaunchKit/InstanceRecord.h"
 #include "LaunchKit/InstanceRegistry.h"
 #include "Platform/files/ItemIdentity.h"
 

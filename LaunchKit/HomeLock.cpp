@@ -1,5 +1,6 @@
 #include "LaunchKit/HomeLock.h"
 
+#include "LaunchKit/InstanceConfig.h"
 #include "Platform/files/FileSystem.h"
 
 #include <cerrno>
@@ -52,8 +53,8 @@ std::optional<FileLock> lockFileOrFolder(const fs::path& home) {
 
 HomeInUse::HomeInUse(const std::string& displayName)
     : Error("“" + displayName +
-                         "” is still running, or a clone that shares its data folder is, or a "
-                         "program that it started") {}
+            "” is still running, or a clone that shares its data folder is, or a "
+            "program that it started") {}
 
 std::optional<FileLock> lockHome(const InstanceConfig& config) {
     const std::string home = config.resolvedHome();

@@ -1,7 +1,6 @@
 #pragma once
 
 #include "Base/Error.h"
-#include "LaunchKit/InstanceConfig.h"
 #include "Platform/files/FileLock.h"
 
 #include <optional>
@@ -9,6 +8,8 @@
 #include <string_view>
 
 namespace quorvel {
+
+struct InstanceConfig;
 
 /// The file in an instance home whose lock says that a target runs there.
 inline constexpr std::string_view homeLockName = ".quorvel-lock";

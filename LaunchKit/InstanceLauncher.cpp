@@ -1,5 +1,6 @@
 #include "LaunchKit/InstanceLauncher.h"
 
+#include "LaunchKit/InstanceConfig.h"
 #include "Platform/files/ContainedFolder.h"
 #include "Platform/files/FileSystem.h"
 #include "Platform/files/UserPaths.h"
@@ -89,8 +90,9 @@ Process InstanceLauncher::launch(const InstanceConfig& config,
         }
         std::vector<std::string> arguments = config.resolvedArgs();
         arguments.insert(arguments.end(), documents.begin(), documents.end());
-        return launch(config.targetAppURL(), home, config.strategy, arguments,
-                      config.resolvedEnvironment(), kept);
+        CloneOptions options = config;
+        options.environment = config.resolvedEnvironment();
+        return launch(config.targetAppURL(), home, options, arguments, kept);
     }
     case ShortcutKind::web:
         throw LaunchError::unsupported("web shortcuts run in the runner's web host");
@@ -103,37 +105,35 @@ Process InstanceLauncher::launch(const InstanceConfig& config,
 }
 
 Process InstanceLauncher::launch(const std::filesystem::path& appURL, const std::string& home,
-                                 Strategy strategy, const std::vector<std::string>& extraArgs,
-                                 const std::map<std::string, std::string>& environment,
-                                 int kept) const {
+                                 const CloneOptions& options,
+                                 const std::vector<std::string>& extraArgs, int kept) const {
     const std::optional<AppBundle> app = AppBundle::read(appURL, noEntitlements);
     if (!app) {
         throw LaunchError::badBundle(appURL);
     }
-    return launch(*app, home, strategy, extraArgs, environment, kept);
+    return launch(*app, home, options, extraArgs, kept);
 }
 
-Process InstanceLauncher::launch(const AppBundle& app, const std::string& home, Strategy strategy,
-                                 const std::vector<std::string>& extraArgs,
-                                 const std::map<std::string, std::string>& environment,
-                                 int kept) const {
+Process InstanceLauncher::launch(const AppBundle& app, const std::string& home,
+                                 const CloneOptions& options,
+                                 const std::vector<std::string>& extraArgs, int kept) const {
     createDirectories(home);
-    Process::Options options;
-    options.executable = app.executableURL();
-    options.arguments = extraArgs;
-    options.kept = kept;
+    Process::Options process;
+    process.executable = app.executableURL();
+    process.arguments = extraArgs;
+    process.kept = kept;
     const std::optional<FileHandle> log = instanceLogHandle(home);
-    sendOutputTo(log, options);
-    options.environment = currentEnvironment();
-    if (strategy == Strategy::unsupported) {
+    sendOutputTo(log, process);
+    process.environment = currentEnvironment();
+    if (options.strategy == Strategy::unsupported) {
         throw LaunchError::unsupported(app.bundleId);
     }
-    (*options.environment)["HOME"] = home;
-    (*options.environment)["CFFIXED_USER_HOME"] = home;
+    (*process.environment)["HOME"] = home;
+    (*process.environment)["CFFIXED_USER_HOME"] = home;
     ensureKeychainAccess(home);
-    overwrite(*options.environment, environment);
+    overwrite(*process.environment, options.environment);
     ensureProfileFolders(home, extraArgs);
-    return Process::run(options);
+    return Process::run(process);
 }
 
 void InstanceLauncher::ensureKeychainAccess(const std::string& home) {

@@ -2,7 +2,7 @@
 
 #include "Base/Error.h"
 #include "LaunchKit/AppBundle.h"
-#include "LaunchKit/InstanceConfig.h"
+#include "LaunchKit/CloneOptions.h"
 #include "Platform/files/FileHandle.h"
 #include "Platform/processes/Process.h"
 
@@ -15,6 +15,8 @@
 #include <vector>
 
 namespace quorvel {
+
+struct InstanceConfig;
 
 /// Starts the target of a clone with its isolation applied, and keeps its data folder in order.
 /// Stateless; any thread.
@@ -50,18 +52,17 @@ public:
                                  int kept = -1) const;
 
     /// Launches an application under `home` (already expanded), which is created where needed, and
-    /// so is a folder below it that an argument "-profile" names.
-    /// `environment` wins over what the launcher sets.
-    [[nodiscard]] Process launch(const AppBundle& app, const std::string& home, Strategy strategy,
-                                 const std::vector<std::string>& extraArgs,
-                                 const std::map<std::string, std::string>& environment,
-                                 int kept = -1) const;
+    /// so is a folder below it that an argument "-profile" names. The options' strategy and
+    /// environment apply as they are; the environment wins over what the launcher sets. Throws as
+    /// above.
+    [[nodiscard]] Process launch(const AppBundle& app, const std::string& home,
+                                 const CloneOptions& options,
+                                 const std::vector<std::string>& extraArgs, int kept = -1) const;
 
     /// The same for a bundle that is still to be read.
     [[nodiscard]] Process launch(const std::filesystem::path& appURL, const std::string& home,
-                                 Strategy strategy, const std::vector<std::string>& extraArgs,
-                                 const std::map<std::string, std::string>& environment,
-                                 int kept = -1) const;
+                                 const CloneOptions& options,
+                                 const std::vector<std::string>& extraArgs, int kept = -1) const;
 
     /// Links the user's keychains into `home`. Never fails.
     static void ensureKeychainAccess(const std::string& home);

@@ -2,6 +2,7 @@
 
 #include "Base/Text.h"
 #include "LaunchKit/CloneDeletion.h"
+#include "LaunchKit/InstanceRecord.h"
 #include "Platform/desktop/UserLocale.h"
 #include "Platform/desktop/Workspace.h"
 #include "Platform/files/FileSystem.h"
@@ -126,7 +127,7 @@ void InstanceRegistry::shareUserFolders(const InstanceRecord& record) const {
     }
     if (!shares(now) && !shares(this->record(record.bundleURL))) {
         throw Error("The clone at " + record.bundleURL.string() +
-                                 " can’t be changed; it does not share the folders yet.");
+                    " can’t be changed; it does not share the folders yet.");
     }
 }
 

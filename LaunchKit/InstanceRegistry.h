@@ -1,7 +1,6 @@
 #pragma once
 
 #include "LaunchKit/DeletedData.h"
-#include "LaunchKit/InstanceConfig.h"
 
 #include <filesystem>
 #include <functional>
@@ -11,17 +10,8 @@
 
 namespace quorvel {
 
-/// A clone on disk: its wrapper bundle and the configuration inside. Identity is the bundle alone.
-struct InstanceRecord {
-    std::filesystem::path bundleURL{};
-    InstanceConfig config{};
-
-    [[nodiscard]] std::string id() const { return bundleURL.string(); }
-    /// The wrapper's icon, when it has one.
-    [[nodiscard]] std::optional<std::filesystem::path> iconURL() const;
-
-    bool operator==(const InstanceRecord& other) const { return bundleURL == other.bundleURL; }
-};
+struct InstanceConfig;
+struct InstanceRecord;
 
 /// Where a wrapper keeps its configuration, to be appended to its path.
 inline constexpr const char* instanceConfigInBundle = "/Contents/Resources/instance.json";
@@ -65,10 +55,3 @@ public:
 };
 
 } // namespace quorvel
-
-template<>
-struct std::hash<quorvel::InstanceRecord> {
-    std::size_t operator()(const quorvel::InstanceRecord& record) const noexcept {
-        return std::filesystem::hash_value(record.bundleURL);
-    }
-};

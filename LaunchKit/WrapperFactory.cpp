@@ -1,6 +1,7 @@
 #include "LaunchKit/WrapperFactory.h"
 
 #include "Base/Text.h"
+#include "LaunchKit/InstanceConfig.h"
 #include "LaunchKit/RunnerLocator.h"
 #include "LaunchKit/WrapperGenerator.h"
 #include "Platform/files/FileSystem.h"
@@ -19,12 +20,10 @@ fs::path readableTarget(const WrapperFactory::Request& request) {
 }
 
 InstanceConfig configuration(const WrapperFactory::Request& request, const std::string& name) {
-    InstanceConfig config;
+    InstanceConfig config{request, request};
     config.displayName = name;
     config.bundleId = request.bundleId.value_or(WrapperFactory::defaultBundleId(name));
-    config.kind = request.kind;
     config.instanceHome = request.instanceHome.value_or(WrapperFactory::defaultInstanceHome(name));
-    config.strategy = request.strategy;
     config.extraArgs = request.extraArgs.value_or(std::vector<std::string>{});
     if (request.kind == ShortcutKind::app) {
         const fs::path target = readableTarget(request);
@@ -33,19 +32,6 @@ InstanceConfig configuration(const WrapperFactory::Request& request, const std::
             config.extraArgs = WrapperFactory::autoDataDirArgs(target, std::nullopt);
         }
     }
-    config.environment = request.environment;
-    config.infoPlistOverrides = request.infoPlistOverrides;
-    config.registerAsBrowser = request.registerAsBrowser;
-    config.openWithPassthrough = request.openWithPassthrough;
-    config.iconLabel = request.iconLabel;
-    config.menuBarIcon = request.menuBarIcon;
-    config.menuBarIconTemplate = request.menuBarIconTemplate;
-    config.shareUserFolders = request.shareUserFolders;
-    config.url = request.url;
-    config.openPath = request.openPath;
-    config.commandPath = request.commandPath;
-    config.commandArgs = request.commandArgs;
-    config.workingDirectory = request.workingDirectory;
     return config;
 }
 

@@ -1,5 +1,6 @@
 #include "LaunchKit/WrapperLayout.h"
 
+#include "LaunchKit/InstanceRecord.h"
 #include "LaunchKit/InstanceRegistry.h"
 #include "Platform/files/FileSystem.h"
 

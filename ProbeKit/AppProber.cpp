@@ -154,9 +154,7 @@ ProbeResult AppProber::run(const Control& control) {
 }
 
 TrialProcess AppProber::launch(const std::string& home) const {
-    return {
-        launcher_.launch(bundle_, home, Strategy::homeOverride, electronArgs(bundle_, home), {}),
-        home};
+    return {launcher_.launch(bundle_, home, CloneOptions{}, electronArgs(bundle_, home)), home};
 }
 
 std::string AppProber::makeTempHome() const {

@@ -6,9 +6,7 @@
 #include <array>
 #include <cstddef>
 #include <map>
-#include <optional>
 #include <string>
-#include <string_view>
 #include <vector>
 
 namespace quorvel {
@@ -37,11 +35,14 @@ inline constexpr std::array<LeakBucket, 5> allLeakBuckets{
     LeakBucket::captured, LeakBucket::dataLeak, LeakBucket::prefsLeak, LeakBucket::containerLeak,
     LeakBucket::irrelevant};
 
-/// The case's name.
-[[nodiscard]] std::string_view rawString(LeakBucket bucket);
-
-/// Nothing for any other text.
-[[nodiscard]] std::optional<LeakBucket> leakBucketFromRawString(std::string_view text);
+template<>
+inline constexpr auto enumNames<LeakBucket> = namesOfAllCases<LeakBucket>({
+    {LeakBucket::captured, "captured"},
+    {LeakBucket::dataLeak, "dataLeak"},
+    {LeakBucket::prefsLeak, "prefsLeak"},
+    {LeakBucket::containerLeak, "containerLeak"},
+    {LeakBucket::irrelevant, "irrelevant"},
+});
 
 using LeakBuckets = std::map<LeakBucket, std::vector<std::string>>;
 

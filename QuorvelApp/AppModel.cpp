@@ -3,6 +3,7 @@
 #include "LaunchKit/HomeLock.h"
 #include "LaunchKit/Icons/IcnsFile.h"
 #include "LaunchKit/InstanceLauncher.h"
+#include "LaunchKit/InstanceRecord.h"
 #include "Platform/files/FileSystem.h"
 #include "ProbeKit/ProfileGenerator.h"
 
@@ -156,6 +157,8 @@ std::string sharingText(const std::string& name, const std::map<std::string, int
 AppModel::AppModel(AppServices services, QObject* parent)
     : QObject(parent),
       services_(std::move(services)) {}
+
+AppModel::~AppModel() = default;
 
 const InstanceRecord* AppModel::clone(const std::string& id) const {
     const auto found = std::find_if(clones_.begin(), clones_.end(),

@@ -15,6 +15,8 @@
 
 namespace quorvel {
 
+struct InstanceRecord;
+
 /// What `AppModel::sandboxInfo` proposes for an app.
 struct SandboxInfo {
     bool sandboxed = false;
@@ -30,6 +32,7 @@ class AppModel : public QObject {
 
 public:
     explicit AppModel(AppServices services, QObject* parent = nullptr);
+    ~AppModel() override;
 
     /// In the registry's order.
     [[nodiscard]] const std::vector<InstanceRecord>& clones() const { return clones_; }
@@ -108,7 +111,7 @@ private:
     void migrated(const InstanceRecord& record, const InstanceLauncher::Migration& migration);
 
     AppServices services_;
-    std::vector<InstanceRecord> clones_{};
+    std::vector<InstanceRecord> clones_;
     std::set<std::string> running_{};
     std::vector<InstalledApp> catalog_{};
     bool catalogLoading_ = false;

@@ -2,6 +2,7 @@
 
 #include "LaunchKit/HomeLock.h"
 #include "LaunchKit/InstanceLauncher.h"
+#include "LaunchKit/InstanceRecord.h"
 #include "QuorvelApp/library/MigrationCallout.h"
 #include "QuorvelApp/model/ShownText.h"
 #include "QuorvelApp/widgets/CopyableLabel.h"
@@ -31,6 +32,7 @@ CloneDetailView::CloneDetailView(AppModel& model, IconLoader& icons, QWidget* sh
     : QWidget(parent),
       model_(model),
       sheets_(sheets),
+      clone_(std::make_unique<InstanceRecord>()),
       callout_(new MigrationCallout) {
     setObjectName(u"detail"_s);
     setAttribute(Qt::WA_StyledBackground);
@@ -60,6 +62,8 @@ CloneDetailView::CloneDetailView(AppModel& model, IconLoader& icons, QWidget* sh
             &CloneDetailView::confirmMigration);
     connect(&model_, &AppModel::runningBundleIdsChanged, this, &CloneDetailView::refreshRunning);
 }
+
+CloneDetailView::~CloneDetailView() = default;
 
 QWidget* CloneDetailView::makeHeader(IconLoader& icons) {
     auto* header = makeBand();
@@ -92,7 +96,7 @@ QWidget* CloneDetailView::makeActions() {
     auto* reveal = makeButton(tr("&Reveal in Finder"), ButtonLook::standard, u"folder"_s);
     auto* remove = makeButton(tr("&Delete"), ButtonLook::standard, u"trash"_s);
     connect(launch_, &QPushButton::clicked, this, &CloneDetailView::launch);
-    connect(reveal, &QPushButton::clicked, this, [this] { model_.reveal(clone_); });
+    connect(reveal, &QPushButton::clicked, this, [this] { model_.reveal(*clone_); });
     connect(remove, &QPushButton::clicked, this, &CloneDetailView::confirmDelete);
     auto* row = new QHBoxLayout(actions);
     row->setContentsMargins(0, 0, 0, 0);
@@ -105,7 +109,7 @@ QWidget* CloneDetailView::makeActions() {
 }
 
 void CloneDetailView::setClone(const InstanceRecord& clone) {
-    clone_ = clone;
+    *clone_ = clone;
     icon_->setPath(iconPathOf(clone));
     name_->setFullText(shownLine(clone.config.displayName));
     setRows(detailRows(clone.config, clone.bundleURL));
@@ -113,19 +117,19 @@ void CloneDetailView::setClone(const InstanceRecord& clone) {
 }
 
 void CloneDetailView::launch() {
-    model_.launch(clone_);
+    model_.launch(*clone_);
     showCallout();
 }
 
 // A launch links folders that hold nothing.
 void CloneDetailView::showCallout() {
     callout_->setVisible(
-        InstanceLauncher::needsSharedFolderMigration(clone_.config.resolvedHome()));
+        InstanceLauncher::needsSharedFolderMigration(clone_->config.resolvedHome()));
 }
 
 void CloneDetailView::refreshRunning() {
     showCallout();
-    const bool running = model_.isRunning(clone_);
+    const bool running = model_.isRunning(*clone_);
     dot_->setRunning(running);
     status_->setText(running ? tr("Running") : tr("Not running"));
     launch_->setText(running ? tr("Foc&us") : tr("&Launch"));
@@ -149,18 +153,18 @@ void CloneDetailView::setRows(const std::vector<DetailRow>& rows) {
 }
 
 void CloneDetailView::confirmDelete() {
-    const QString name = shownLine(clone_.config.displayName);
+    const QString name = shownLine(clone_->config.displayName);
     auto* question = new MessageSheet(
         u"trash"_s, Ink::danger, tr("Delete “%1”?").arg(name),
         tr("“Delete Clone Only” removes the app but keeps its data at %1. “…and Its Data” also "
            "erases that folder — accounts and settings for this clone are gone for good.")
-            .arg(shownLine(clone_.config.instanceHome)),
+            .arg(shownLine(clone_->config.instanceHome)),
         {{.label = tr("Delete Clone Only"),
           .look = ButtonLook::destructive,
-          .chosen = [this, clone = clone_] { model_.remove(clone, false); }},
+          .chosen = [this, clone = *clone_] { model_.remove(clone, false); }},
          {.label = tr("Delete Clone and Its Data"),
           .look = ButtonLook::destructive,
-          .chosen = [this, clone = clone_] { removeWithData(clone); }},
+          .chosen = [this, clone = *clone_] { removeWithData(clone); }},
          {.label = tr("Cancel"), .onEscape = true, .isDefault = true}});
     new Sheet(question, sheets_, Sheet::Place::middle);
 }
@@ -185,7 +189,7 @@ void CloneDetailView::removeWithData(const InstanceRecord& clone) {
 }
 
 void CloneDetailView::confirmMigration() {
-    const QString name = shownLine(clone_.config.displayName);
+    const QString name = shownLine(clone_->config.displayName);
     auto* question = new MessageSheet(
         u"arrow.down.doc"_s, Ink::accent, tr("Move “%1” files to your shared folders?").arg(name),
         tr("Files in this clone's Downloads, Documents and Desktop move into your Mac's real "
@@ -194,7 +198,7 @@ void CloneDetailView::confirmMigration() {
            "it's running."),
         {{.label = tr("Move Files & Share"),
           .look = ButtonLook::prominent,
-          .chosen = [this, clone = clone_] { model_.migrateSharedFolders(clone); },
+          .chosen = [this, clone = *clone_] { model_.migrateSharedFolders(clone); },
           .isDefault = true},
          {.label = tr("Cancel"), .onEscape = true}});
     new Sheet(question, sheets_, Sheet::Place::middle);

@@ -5,12 +5,15 @@
 
 #include <QWidget>
 
+#include <memory>
 #include <string>
 #include <vector>
 
 class QVBoxLayout;
 
 namespace quorvel {
+
+struct InstanceRecord;
 
 class ElidedLabel;
 class MigrationCallout;
@@ -23,6 +26,7 @@ class CloneDetailView : public QWidget {
 public:
     /// Both must outlive the widget. `sheets` is the widget over which dialogs show.
     CloneDetailView(AppModel& model, IconLoader& icons, QWidget* sheets, QWidget* parent = nullptr);
+    ~CloneDetailView() override;
 
     void setClone(const InstanceRecord& clone);
     /// Shows anew whether the clone runs, and what that may have changed in its home.
@@ -41,7 +45,7 @@ private:
 
     AppModel& model_;
     QWidget* sheets_;
-    InstanceRecord clone_{};
+    std::unique_ptr<InstanceRecord> clone_; ///< empty until the first `setClone`, never null
     std::vector<DetailRow> rows_{};
     AppIcon* icon_ = nullptr;
     ElidedLabel* name_ = nullptr;

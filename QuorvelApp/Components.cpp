@@ -1,5 +1,6 @@
 #include "QuorvelApp/Components.h"
 
+#include "LaunchKit/InstanceRecord.h"
 #include "QuorvelApp/model/QtText.h"
 #include "QuorvelApp/model/ShownText.h"
 #include "QuorvelApp/widgets/CopyableLabel.h"

@@ -1,6 +1,5 @@
 #pragma once
 
-#include "LaunchKit/InstanceRegistry.h"
 #include "QuorvelApp/model/DisplayTexts.h"
 #include "QuorvelApp/theme/Symbols.h"
 #include "QuorvelApp/widgets/IconLoader.h"
@@ -17,6 +16,8 @@
 
 /// The small pieces that the panes are made of. Every text is shown as plain text.
 namespace quorvel {
+
+struct InstanceRecord;
 
 class WrappingText;
 

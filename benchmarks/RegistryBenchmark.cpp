@@ -1,5 +1,6 @@
 #include "benchmarks/Benchmarks.h"
 
+#include "LaunchKit/InstanceRecord.h"
 #include "LaunchKit/InstanceRegistry.h"
 #include "Platform/files/FileSystem.h"
 

@@ -2,6 +2,7 @@
 //   app_benchmark            runs everything and prints a table
 // Draws on the display where there is one, else on none. Works in a throw-away home.
 #include "LaunchKit/Icons/IcnsWriter.h"
+#include "LaunchKit/InstanceRecord.h"
 #include "QuorvelApp/NewCloneView.h"
 #include "QuorvelApp/QuorvelApp.h"
 #include "QuorvelApp/library/Sidebar.h"

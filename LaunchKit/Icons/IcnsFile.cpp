@@ -3,25 +3,14 @@
 #include "LaunchKit/Icons/IcnsPixels.h"
 #include "LaunchKit/Icons/ImageFile.h"
 #include "LaunchKit/Icons/Jpeg2000Image.h"
-#include "LaunchKit/RawStrings.h"
 #include "Platform/files/FileSystem.h"
 
 #include <algorithm>
 #include <numeric>
 
 namespace quorvel {
-namespace {
 
-constexpr RawStrings<IcnsEncoding, 8> encodings{{
-    {IcnsEncoding::png, "png"},
-    {IcnsEncoding::jpeg2000, "jpeg2000"},
-    {IcnsEncoding::argb, "argb"},
-    {IcnsEncoding::rle24, "rle24"},
-    {IcnsEncoding::raw32, "raw32"},
-    {IcnsEncoding::indexed8, "8bit"},
-    {IcnsEncoding::indexed4, "4bit"},
-    {IcnsEncoding::bitmap, "1bit"},
-}};
+namespace {
 
 // However many broken images a file holds, only so many are tried.
 constexpr std::size_t maximumAttempts = 24;
@@ -74,10 +63,6 @@ int rank(IcnsForm form) {
 }
 
 } // namespace
-
-std::string_view rawString(IcnsEncoding encoding) {
-    return rawStringIn(encodings, encoding);
-}
 
 class IcnsFile::Contents {
 public:

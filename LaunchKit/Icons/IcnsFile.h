@@ -1,5 +1,7 @@
 #pragma once
 
+#include "LaunchKit/Records/EnumNames.h"
+
 #include <cstddef>
 #include <filesystem>
 #include <memory>
@@ -15,8 +17,17 @@ namespace quorvel {
 /// How the pixels of an entry are stored.
 enum class IcnsEncoding { png, jpeg2000, argb, rle24, raw32, indexed8, indexed4, bitmap };
 
-/// "png", "jpeg2000", "argb", "rle24", "raw32", "8bit", "4bit" or "1bit".
-[[nodiscard]] std::string_view rawString(IcnsEncoding encoding);
+template<>
+inline constexpr auto enumNames<IcnsEncoding> = namesOfAllCases<IcnsEncoding>({
+    {IcnsEncoding::png, "png"},
+    {IcnsEncoding::jpeg2000, "jpeg2000"},
+    {IcnsEncoding::argb, "argb"},
+    {IcnsEncoding::rle24, "rle24"},
+    {IcnsEncoding::raw32, "raw32"},
+    {IcnsEncoding::indexed8, "8bit"},
+    {IcnsEncoding::indexed4, "4bit"},
+    {IcnsEncoding::bitmap, "1bit"},
+});
 
 /// One image of an icon file.
 struct IcnsEntry {

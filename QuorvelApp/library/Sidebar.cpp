@@ -1,5 +1,6 @@
 #include "QuorvelApp/library/Sidebar.h"
 
+#include "LaunchKit/InstanceRecord.h"
 #include "QuorvelApp/Components.h"
 #include "QuorvelApp/library/CloneRow.h"
 #include "QuorvelApp/widgets/ItemList.h"

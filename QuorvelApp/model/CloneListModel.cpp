@@ -1,5 +1,6 @@
 #include "QuorvelApp/model/CloneListModel.h"
 
+#include "LaunchKit/InstanceRecord.h"
 #include "QuorvelApp/model/DisplayTexts.h"
 #include "QuorvelApp/model/QtText.h"
 #include "QuorvelApp/model/ShownText.h"
@@ -25,6 +26,10 @@ bool hasRepeated(const std::vector<InstanceRecord>& clones) {
 }
 
 } // namespace
+
+CloneListModel::CloneListModel(QObject* parent) : QAbstractListModel(parent) {}
+
+CloneListModel::~CloneListModel() = default;
 
 void CloneListModel::setClones(const std::vector<InstanceRecord>& clones) {
     if (hasRepeated(clones) || hasRepeated(clones_) || !keepsOrder(clones)) {

@@ -1,7 +1,5 @@
 #pragma once
 
-#include "LaunchKit/InstanceRegistry.h"
-
 #include <QAbstractListModel>
 
 #include <set>
@@ -9,6 +7,8 @@
 #include <vector>
 
 namespace quorvel {
+
+struct InstanceRecord;
 
 /// The clones as rows. New lists are taken over row by row, so that views keep their selection and
 /// their place.
@@ -18,7 +18,8 @@ class CloneListModel : public QAbstractListModel {
 public:
     enum Role { NameRole = Qt::DisplayRole, SummaryRole = Qt::UserRole, RunningRole, IdRole };
 
-    using QAbstractListModel::QAbstractListModel;
+    explicit CloneListModel(QObject* parent = nullptr);
+    ~CloneListModel() override;
 
     void setClones(const std::vector<InstanceRecord>& clones);
     void setRunning(const std::set<std::string>& bundleIds);
@@ -35,7 +36,7 @@ private:
     void removeVanished(const std::vector<InstanceRecord>& clones);
     void insertNew(const std::vector<InstanceRecord>& clones);
 
-    std::vector<InstanceRecord> clones_{};
+    std::vector<InstanceRecord> clones_;
     std::set<std::string> running_{};
 };
 

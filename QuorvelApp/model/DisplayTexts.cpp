@@ -1,5 +1,7 @@
 #include "QuorvelApp/model/DisplayTexts.h"
 
+#include "LaunchKit/InstanceConfig.h"
+
 #include <array>
 #include <cmath>
 #include <cstdio>
@@ -73,7 +75,7 @@ std::string sourceSummary(const InstanceConfig& config) {
 }
 
 std::string strategyLabel(std::string_view rawValue) {
-    switch (strategyFromRawString(rawValue).value_or(Strategy{-1})) {
+    switch (caseNamed<Strategy>(rawValue).value_or(Strategy{-1})) {
     case Strategy::homeOverride:
         return "Home override (A)";
     case Strategy::containerRedirect:
@@ -110,6 +112,12 @@ std::vector<DetailRow> detailRows(const InstanceConfig& config,
     if (!config.environment.empty()) {
         rows.push_back(
             {.label = "Environment", .value = environmentLines(config.environment), .mono = true});
+    }
+    for (const CloneSwitch& each : shownSwitches(config.kind, config)) {
+        if (each.inDetails) {
+            rows.push_back(
+                {.label = std::string(each.fact), .value = each.valueIn(config) ? "Yes" : "No"});
+        }
     }
     rows.push_back({.label = "Data home", .value = config.instanceHome, .mono = true});
     rows.push_back({.label = "Bundle id", .value = config.bundleId, .mono = true});

@@ -1,7 +1,5 @@
 #pragma once
 
-#include "LaunchKit/InstanceConfig.h"
-
 #include <QColor>
 
 #include <filesystem>
@@ -11,6 +9,8 @@
 
 /// How values read on the screen. UTF-8, no markup.
 namespace quorvel {
+
+struct InstanceConfig;
 
 /// What a clone runs, in one line.
 [[nodiscard]] std::string sourceSummary(const InstanceConfig& config);

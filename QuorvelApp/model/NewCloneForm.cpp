@@ -1,6 +1,7 @@
 #include "QuorvelApp/model/NewCloneForm.h"
 
 #include "Base/Text.h"
+#include "LaunchKit/InstanceRecord.h"
 #include "Platform/desktop/UserLocale.h"
 #include "Platform/files/FileSystem.h"
 #include "QuorvelApp/model/AutomaticNames.h"
@@ -43,7 +44,7 @@ QStringList pieces(const QString& text, Separates separates) {
     return result;
 }
 
-std::optional<IconLabel> iconLabel(const NewCloneForm& form) {
+std::optional<IconLabel> labelOf(const NewCloneForm& form) {
     std::string text = trimmingWhitespace(form.iconLabelText);
     if (text.empty()) {
         return std::nullopt;
@@ -116,12 +117,10 @@ std::string NewCloneForm::strategyCaption() const {
 }
 
 WrapperFactory::Request NewCloneForm::makeRequest() const {
-    WrapperFactory::Request request;
-    request.kind = shortcutType;
+    WrapperFactory::Request request{CloneTarget{.kind = shortcutType}, *this};
     fillTarget(request, *this);
     request.displayName = trimmingWhitespace(cloneName);
     request.instanceHome = nothingIfEmpty(trimmingWhitespace(dataPath));
-    request.strategy = strategy;
     request.customIcon = customIcon;
     request.hideWrapperIcon = hideDockIcon;
     if (auto words = splitIntoWords(argsText); !words.empty()) {
@@ -129,12 +128,7 @@ WrapperFactory::Request NewCloneForm::makeRequest() const {
     }
     request.environment = parseKeyValues(envText);
     request.infoPlistOverrides = parseKeyValues(plistText);
-    request.registerAsBrowser = registerBrowser;
-    request.openWithPassthrough = openWith;
-    request.iconLabel = iconLabel(*this);
-    request.menuBarIcon = menuBarIcon;
-    request.menuBarIconTemplate = menuBarTemplate;
-    request.shareUserFolders = shareUserFolders;
+    request.iconLabel = labelOf(*this);
     return request;
 }
 
@@ -159,25 +153,8 @@ void NewCloneForm::select(const InstalledApp& app, std::string suggestedName) {
     selected = app;
     cloneName = std::move(suggestedName);
     automaticName.clear();
-    strategy = Strategy::homeOverride;
-    detectNote.reset();
     strategyReason = "Checking how " + app.name + " stores its data…";
-    selectedSandboxed = false;
-
-    const NewCloneForm defaults;
-    dataPath = defaults.dataPath;
-    argsText = defaults.argsText;
-    envText = defaults.envText;
-    plistText = defaults.plistText;
-    iconLabelText = defaults.iconLabelText;
-    customIcon = defaults.customIcon;
-    hideDockIcon = defaults.hideDockIcon;
-    registerBrowser = defaults.registerBrowser;
-    openWith = defaults.openWith;
-    menuBarIcon = defaults.menuBarIcon;
-    menuBarTemplate = defaults.menuBarTemplate;
-    iconLabelColor = defaults.iconLabelColor;
-    shareUserFolders = defaults.shareUserFolders;
+    static_cast<AppSettings&>(*this) = AppSettings{};
 }
 
 void NewCloneForm::autoNameIfNeeded() {

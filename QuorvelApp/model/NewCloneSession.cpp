@@ -1,5 +1,6 @@
 #include "QuorvelApp/model/NewCloneSession.h"
 
+#include "LaunchKit/InstanceRecord.h"
 #include <QPointer>
 
 namespace quorvel {

@@ -94,7 +94,7 @@ QWidget* ConfigurationPane::makeSettings(IconLoader& icons) {
     warning_ = makeWarning(sandboxed);
     strategy_ = new StrategySection(session_);
     auto* launch = new QCheckBox(tr("La&unch after creating"));
-    bind(session_, launch, &NewCloneForm::launchAfter);
+    bindField(session_, launch, &NewCloneForm::launchAfter);
     auto* advanced =
         new DisclosureGroup(tr("&Advanced options"), new AdvancedOptions(session_, icons));
     connect(advanced, &DisclosureGroup::toggled, this, [this](bool expanded) {
@@ -122,7 +122,7 @@ QWidget* ConfigurationPane::makeNameSection() {
     field->setPlaceholderText(tr("Name"));
     field->setAccessibleName(tr("Name"));
     label->setBuddy(field);
-    bind(session_, field, &NewCloneForm::cloneName, &NewCloneForm::nameEdited);
+    bindField(session_, field, &NewCloneForm::cloneName, &NewCloneForm::nameEdited);
     savedTo_ = new WrappingText(TextStyle::caption, Ink::secondary);
     auto* column = new QVBoxLayout(section);
     column->setContentsMargins(0, 0, 0, 0);

@@ -1,4 +1,5 @@
 #include "LaunchKit/HomeLock.h"
+#include "LaunchKit/InstanceRecord.h"
 #include "tests/CommandLine/CommandLineHarness.h"
 #include "tests/support/AppBundles.h"
 #include "tests/support/OrdinaryUser.h"

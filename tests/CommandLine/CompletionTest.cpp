@@ -97,7 +97,7 @@ protected:
     }
 
     fs::path addClone(const std::string& name) {
-        return makeWrapper(applications_ / (name + ".app"), minimalConfig(name));
+        return makeWrapper(applications_ / (name + ".app"), name);
     }
 
     // Nothing but what the test itself has put there.

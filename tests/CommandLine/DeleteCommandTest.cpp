@@ -1,5 +1,6 @@
 #include "CommandLine/CloneTexts.h"
 #include "LaunchKit/HomeLock.h"
+#include "LaunchKit/InstanceRecord.h"
 #include "tests/CommandLine/CommandLineHarness.h"
 #include "tests/support/AppBundles.h"
 #include "tests/support/OrdinaryUser.h"

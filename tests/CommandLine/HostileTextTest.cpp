@@ -1,4 +1,5 @@
 // Texts from files that would steer a terminal, hide in it or fill it.
+#include "LaunchKit/InstanceRecord.h"
 #include "tests/CommandLine/CommandLineHarness.h"
 #include "tests/support/AppBundles.h"
 

@@ -3,6 +3,8 @@
 #include "CommandLine/ProbeTexts.h"
 #include "tests/ProbeKit/Trial.h"
 
+#include <nlohmann/json.hpp>
+
 #include <csignal>
 #include <gmock/gmock.h>
 #include <sstream>
@@ -106,7 +108,7 @@ TEST(ProbeCommand, PrintsTheProfileAndTheBuckets) {
     EXPECT_EQ(json["profile"]["confidence"], "autoDetected");
     EXPECT_EQ(json["complete"], true);
     for (const auto& [name, paths] : json["buckets"].items()) {
-        EXPECT_TRUE(leakBucketFromRawString(name)) << name;
+        EXPECT_TRUE(caseNamed<LeakBucket>(name)) << name;
         EXPECT_TRUE(paths.is_array());
     }
     EXPECT_EQ(session.errors.str(), "") << "no bar without a terminal";

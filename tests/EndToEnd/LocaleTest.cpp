@@ -9,8 +9,8 @@ namespace {
 
 TEST(Locales, ThatAreNoneChangeNothing) {
     const TemporaryHome home;
-    makeWrapper(home / "Applications/b.app", minimalConfig("beta"));
-    makeWrapper(home / "Applications/a.app", minimalConfig("Alpha"));
+    makeWrapper(home / "Applications/b.app", "beta");
+    makeWrapper(home / "Applications/a.app", "Alpha");
     for (const char* odd : {"englishlanguage", "xx_YY.UTF-8", "@@", ""}) {
         const Outcome listing =
             outcomeOf({QUORVEL_CTL, "list"}, Environment{{"CFFIXED_USER_HOME", home.path()},

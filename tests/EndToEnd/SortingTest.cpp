@@ -15,7 +15,7 @@ protected:
     Sorting() {
         for (const char* name : {"Zebra", "Öl", "ål", "aal", "apa"}) {
             const std::string file = std::string(name) + ".app";
-            makeWrapper(quorvelctl_.home / "Applications" / file, minimalConfig(name));
+            makeWrapper(quorvelctl_.home / "Applications" / file, name);
             makeAppBundle(quorvelctl_.home / "Programs" / file,
                           {{"CFBundleIdentifier", "com.example." + std::string(name)}});
         }

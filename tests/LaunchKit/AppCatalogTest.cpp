@@ -66,14 +66,14 @@ TEST(AppCatalog, ListsAnAppAsItWasFound) {
 TEST(AppCatalog, LeavesOutClones) {
     const TemporaryFolder folder;
     makeBundle(folder / "App.app");
-    makeWrapper(makeBundle(folder / "Clone.app"), minimalConfig());
+    makeWrapper(makeBundle(folder / "Clone.app"), "Work");
     write(makeBundle(folder / "Broken Clone.app") / "Contents/Resources/instance.json", "");
     EXPECT_THAT(namesOf(scan({folder.path()})), ElementsAre("App"));
 }
 
 TEST(AppCatalog, DoesNotRunTheToolForAClone) {
     const TemporaryFolder folder;
-    makeWrapper(makeBundle(folder / "Clone.app"), minimalConfig());
+    makeWrapper(makeBundle(folder / "Clone.app"), "Work");
     std::atomic<int> calls{0};
     (void)AppCatalog::scan({folder.path()}, [&](const fs::path& /*bundle*/) {
         ++calls;

@@ -141,10 +141,10 @@ TEST_F(AppEngines, EveryEngineHasItsRawString) {
     }};
     for (const auto& [engine, name] : names) {
         EXPECT_EQ(rawString(engine), name);
-        EXPECT_EQ(appEngineFromRawString(name), engine);
+        EXPECT_EQ(caseNamed<WrapperFactory::AppEngine>(name), engine);
     }
     for (const char* text : {"", "Electron", "electron ", "none"}) {
-        EXPECT_EQ(appEngineFromRawString(text), std::nullopt) << text;
+        EXPECT_EQ(caseNamed<WrapperFactory::AppEngine>(text), std::nullopt) << text;
     }
 }
 

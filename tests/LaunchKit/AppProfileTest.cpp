@@ -114,7 +114,7 @@ TEST(ProfileJson, RefusesUnknownRawValues) {
             EXPECT_THROW((void)AppProfile::fromJson(with(key, line)), ProfileError) << line;
         }
         EXPECT_EQ(errorOf(with(key, "\"" + std::string(key) + "\": \"other\",")),
-                  "“other” is no known value.");
+                  "The value of “" + std::string(key) + "” is not known.");
     }
 }
 
@@ -125,6 +125,24 @@ TEST(ProfileJson, RefusesValuesOfTheWrongType) {
           R"("extraArgs": "a",)", R"("extraArgs": [1],)", R"("extraArgs": {"a": "b"},)"}) {
         const std::string key = std::string(line).substr(1, std::string(line).find('"', 1) - 1);
         EXPECT_EQ(errorOf(with(key, line)), "The value of “" + key + "” is of the wrong type.");
+    }
+}
+
+TEST(ProfileJson, ReportsEveryFaultTogether) {
+    EXPECT_EQ(errorOf(R"({"bundleId":1,"strategy":"none","sandboxed":true,"confidence":"broken"})"),
+              "The value of “bundleId” is of the wrong type. "
+              "The value of “strategy” is not known. "
+              "The key “displayName” is missing. The key “extraArgs” is missing. "
+              "The key “prefsLeak” is missing. The key “singleton” is missing. "
+              "The key “verifiedOn” is missing.");
+}
+
+TEST(ProfileJson, IgnoresWhateverAnUnknownKeyHolds) {
+    for (const std::string& value : {std::string("1e999"), std::string(R"("\ud800")"),
+                                     std::string(5000, '[') + std::string(5000, ']')}) {
+        EXPECT_EQ(AppProfile::fromJson(with(
+                      "bundleId", R"("bundleId": "com.example.Notes", "new": )" + value + ",")),
+                  ordinaryProfile());
     }
 }
 
@@ -153,7 +171,7 @@ TEST(RawValues, AreTheNamesOfTheCases) {
         {SingletonTier::unknown, "unknown"}};
     for (const auto& [tier, name] : tiers) {
         EXPECT_EQ(rawString(tier), name);
-        EXPECT_EQ(singletonTierFromRawString(name), tier) << name;
+        EXPECT_EQ(caseNamed<SingletonTier>(name), tier) << name;
     }
     const std::vector<std::pair<Confidence, const char*>> confidences{
         {Confidence::verified, "verified"},
@@ -162,10 +180,10 @@ TEST(RawValues, AreTheNamesOfTheCases) {
         {Confidence::broken, "broken"}};
     for (const auto& [confidence, name] : confidences) {
         EXPECT_EQ(rawString(confidence), name);
-        EXPECT_EQ(confidenceFromRawString(name), confidence) << name;
+        EXPECT_EQ(caseNamed<Confidence>(name), confidence) << name;
     }
-    EXPECT_EQ(singletonTierFromRawString("None"), std::nullopt);
-    EXPECT_EQ(confidenceFromRawString(""), std::nullopt);
+    EXPECT_EQ(caseNamed<SingletonTier>("None"), std::nullopt);
+    EXPECT_EQ(caseNamed<Confidence>(""), std::nullopt);
 }
 
 TEST(SystemSignature, IsTheMajorAndTheMinorVersion) {

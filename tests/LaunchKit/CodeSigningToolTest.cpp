@@ -1,5 +1,6 @@
 // Making a clone asks no tool about signatures. Shown with a tool in the system's own place, in a
 // mount namespace of this test's.
+#include "LaunchKit/InstanceConfig.h"
 #include "LaunchKit/WrapperGenerator.h"
 #include "tests/support/AppBundles.h"
 #include "tests/support/TemporaryHome.h"

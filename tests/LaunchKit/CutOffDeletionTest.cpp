@@ -1,4 +1,5 @@
 // Deletions that are cut off, at every system call that removes something.
+#include "LaunchKit/InstanceRecord.h"
 #include "LaunchKit/InstanceRegistry.h"
 #include "LaunchKit/RequestCheck.h"
 #include "LaunchKit/WrapperGenerator.h"

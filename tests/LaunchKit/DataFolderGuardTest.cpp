@@ -1,6 +1,7 @@
 // Which data folders may be deleted with a clone, and chosen for a new one.
 #include "LaunchKit/DataFolderGuard.h"
 
+#include "LaunchKit/InstanceRecord.h"
 #include "LaunchKit/RequestCheck.h"
 #include "Platform/files/PlatformError.h"
 #include "tests/support/AppBundles.h"

@@ -1,4 +1,5 @@
 // Deleting clones whose configuration the file system protects from any change.
+#include "LaunchKit/InstanceRecord.h"
 #include "LaunchKit/InstanceRegistry.h"
 #include "Platform/files/PlatformError.h"
 #include "tests/support/AppBundles.h"

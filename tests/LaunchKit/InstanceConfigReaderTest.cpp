@@ -54,10 +54,26 @@ TEST(InstanceConfigReader, AFaultInTheTextIsNamed) {
     };
     const std::string start = "The configuration is not valid JSON: ";
     EXPECT_EQ(failure(with(R"("url":"x")") + std::string(1, '\0') + "more"),
-              start + "It holds a NUL byte.");
-    EXPECT_EQ(failure(with(R"("url":"x")") + std::string(1, '\0')), start + "It holds a NUL byte.");
+              start + "It contains a NUL byte.");
+    EXPECT_EQ(failure(with(R"("url":"x")") + std::string(1, '\0')),
+              start + "It contains a NUL byte.");
     EXPECT_EQ(failure(with(R"("url":"x")") + "more"),
               start + "The document root must not be followed by other values.");
+}
+
+TEST(InstanceConfigReader, EveryFaultOfAFileIsReportedTogether) {
+    try {
+        (void)InstanceConfig::fromJson(
+            R"({"bundleId":7,"kind":"movie","iconLabel":{"text":"a","position":"left"},"x":[1]})");
+        FAIL() << "no error";
+    } catch (const ConfigError& error) {
+        EXPECT_EQ(error.description(), "The value of “bundleId” is of the wrong type. "
+                                       "The value of “kind” is not known. "
+                                       "The value of “iconLabel.position” is not known. "
+                                       "The key “iconLabel.colorHex” is missing. "
+                                       "The key “displayName” is missing. "
+                                       "The key “instanceHome” is missing.");
+    }
 }
 
 TEST(InstanceConfigReader, NullMeansTheDefault) {

@@ -191,25 +191,18 @@ TEST(InstanceConfig, TheTargetsPathIsNotExpanded) {
 }
 
 TEST(InstanceConfig, EachSwitchHasAKeyOfItsOwn) {
-    const std::map<std::string, bool InstanceConfig::*> switches{
-        {"registerAsBrowser", &InstanceConfig::registerAsBrowser},
-        {"openWithPassthrough", &InstanceConfig::openWithPassthrough},
-        {"menuBarIcon", &InstanceConfig::menuBarIcon},
-        {"menuBarIconTemplate", &InstanceConfig::menuBarIconTemplate},
-        {"shareUserFolders", &InstanceConfig::shareUserFolders},
-    };
-    for (const auto& [set, field] : switches) {
+    for (const CloneSwitch& set : cloneSwitches) {
         InstanceConfig config;
-        config.shareUserFolders = false;
-        config.*field = true;
+        config.*set.member = !set.defaultValue();
         const std::string json = config.json();
         const InstanceConfig back = InstanceConfig::fromJson(json);
-        for (const auto& [key, member] : switches) {
-            const bool expected = key == set;
-            EXPECT_NE(json.find("\"" + key + "\": " + (expected ? "true" : "false")),
-                      std::string::npos)
+        for (const CloneSwitch& each : cloneSwitches) {
+            const bool expected = each.valueIn(config);
+            EXPECT_NE(
+                json.find("\"" + std::string(each.key) + "\": " + (expected ? "true" : "false")),
+                std::string::npos)
                 << json;
-            EXPECT_EQ(back.*member, expected) << key;
+            EXPECT_EQ(each.valueIn(back), expected) << each.key;
         }
     }
 }

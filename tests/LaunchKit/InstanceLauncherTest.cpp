@@ -1,5 +1,6 @@
 #include "LaunchKit/InstanceLauncher.h"
 
+#include "LaunchKit/InstanceConfig.h"
 #include "Platform/files/FileSystem.h"
 #include "Platform/files/PlatformError.h"
 #include "tests/support/AppBundles.h"
@@ -245,12 +246,12 @@ TEST_F(Launching, AnAppThatCantBeStartedIsAnError) {
 
 TEST_F(Launching, AnAppCanBeLaunchedByItsLocation) {
     const fs::path bundle = makeAppBundle(at("Thing.app"));
-    Process process = InstanceLauncher().launch(bundle, cloneHome(), Strategy::homeOverride,
-                                                {"environment"}, {{"A", "{{instanceHome}}"}});
+    CloneOptions options;
+    options.environment = {{"A", "{{instanceHome}}"}};
+    Process process = InstanceLauncher().launch(bundle, cloneHome(), options, {"environment"});
     EXPECT_EQ(process.waitUntilExit(), 0);
     EXPECT_THAT(log(), HasSubstr("A={{instanceHome}}\n")) << "the values are ready here";
-    EXPECT_THROW((void)InstanceLauncher().launch(fs::path("/none.app"), cloneHome(),
-                                                 Strategy::homeOverride, {}, {}),
+    EXPECT_THROW((void)InstanceLauncher().launch(fs::path("/none.app"), cloneHome(), {}, {}),
                  LaunchError);
 }
 

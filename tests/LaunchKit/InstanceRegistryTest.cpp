@@ -1,5 +1,6 @@
 #include "LaunchKit/InstanceRegistry.h"
 
+#include "LaunchKit/InstanceRecord.h"
 #include "Platform/files/PlatformError.h"
 #include "tests/support/AppBundles.h"
 #include "tests/support/OrdinaryUser.h"

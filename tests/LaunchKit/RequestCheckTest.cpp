@@ -1,4 +1,5 @@
 #include "LaunchKit/RequestCheck.h"
+#include "LaunchKit/InstanceConfig.h"
 #include "tests/support/AppBundles.h"
 #include "tests/support/OrdinaryUser.h"
 #include "tests/support/TemporaryHome.h"

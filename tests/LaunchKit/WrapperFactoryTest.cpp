@@ -1,5 +1,6 @@
 #include "LaunchKit/WrapperFactory.h"
 
+#include "LaunchKit/InstanceRecord.h"
 #include "LaunchKit/InstanceRegistry.h"
 #include "LaunchKit/WrapperGenerator.h"
 #include "Platform/files/PropertyListFile.h"

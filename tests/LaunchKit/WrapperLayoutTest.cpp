@@ -1,5 +1,6 @@
 #include "LaunchKit/WrapperLayout.h"
 
+#include "LaunchKit/InstanceConfig.h"
 #include "LaunchKit/RequestCheck.h"
 #include "LaunchKit/WrapperGenerator.h"
 #include "tests/support/AppBundles.h"

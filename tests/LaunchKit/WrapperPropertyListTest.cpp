@@ -1,5 +1,6 @@
 #include "LaunchKit/WrapperGenerator.h"
 
+#include "LaunchKit/InstanceConfig.h"
 #include "Platform/files/PropertyListFile.h"
 #include "tests/support/AppBundles.h"
 #include "tests/support/TemporaryHome.h"

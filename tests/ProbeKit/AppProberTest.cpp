@@ -93,10 +93,10 @@ TEST(Classification, AResultWithoutAPathInABucketCountsNone) {
 
 TEST(LeakBuckets, HaveTheirNames) {
     for (const LeakBucket bucket : allLeakBuckets) {
-        EXPECT_EQ(leakBucketFromRawString(rawString(bucket)), bucket);
+        EXPECT_EQ(caseNamed<LeakBucket>(rawString(bucket)), bucket);
     }
     EXPECT_EQ(rawString(LeakBucket::containerLeak), "containerLeak");
-    EXPECT_EQ(leakBucketFromRawString("other"), std::nullopt);
+    EXPECT_EQ(caseNamed<LeakBucket>("other"), std::nullopt);
 }
 
 Strategy recommended(std::vector<LeakBucket> leaks, SingletonTier singleton) {

@@ -48,7 +48,7 @@ int checkedControls(QWidget* window) {
 TEST_F(AccessibilityTest, EveryControlOfTheMainWindowHasANameAndARole) {
     open();
     EXPECT_GE(checkedControls(window.get()), 2) << "both ways to the first clone";
-    const InstanceRecord work = addClone("Work");
+    const InstanceRecord& work = addClone("Work");
     write(home / "QuorvelInstances/Work/Downloads/a", "x");
     stubs.model().reload();
     select(work);
@@ -78,8 +78,8 @@ TEST_F(AccessibilityTest, AMessageIsADialogThatTellsItsTitleAndText) {
 }
 
 TEST_F(AccessibilityTest, ItemsTellWhatTheirPicturesShow) {
-    const InstanceRecord work = addClone("Work");
-    stubs.workspace->running = {work.config.bundleId};
+    const InstanceRecord& work = addClone("Work");
+    stubs.workspace->running = {WrapperFactory::defaultBundleId("Work")};
     stubs.sandboxed = {"/Applications/Mail.app"};
     addApps();
     open();

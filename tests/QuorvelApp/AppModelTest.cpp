@@ -1,5 +1,6 @@
 #include "LaunchKit/HomeLock.h"
 #include "LaunchKit/InstanceLauncher.h"
+#include "LaunchKit/InstanceRecord.h"
 #include "tests/QuorvelApp/StubServices.h"
 #include "tests/support/AppBundles.h"
 #include "tests/support/OrdinaryUser.h"

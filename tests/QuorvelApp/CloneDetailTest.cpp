@@ -1,3 +1,5 @@
+#include "LaunchKit/InstanceRecord.h"
+#include "QuorvelApp/CloneDetailView.h"
 #include "QuorvelApp/widgets/MessageSheet.h"
 #include "tests/QuorvelApp/WindowFixture.h"
 

@@ -1,3 +1,4 @@
+#include "LaunchKit/InstanceRecord.h"
 #include "QuorvelApp/model/CloneListModel.h"
 #include "QuorvelApp/model/QtText.h"
 #include "QuorvelApp/model/ShownText.h"

@@ -1,6 +1,5 @@
 #pragma once
 
-#include "QuorvelApp/CloneDetailView.h"
 #include "QuorvelApp/NewCloneView.h"
 #include "QuorvelApp/app/MainWindow.h"
 #include "QuorvelApp/library/Sidebar.h"
@@ -13,14 +12,24 @@
 
 #include <gtest/gtest.h>
 
+#include <memory>
+#include <vector>
+
 namespace quorvel::testing {
 
 /// A window on a throw-away home, with stubs behind the model.
 class WindowTest : public ::testing::Test {
 protected:
+    WindowTest();
+    ~WindowTest() override;
+
     /// Writes an app clone of "Notes" with that name, which the window lists when it opens.
-    InstanceRecord addClone(const std::string& name);
-    InstanceRecord addClone(const std::string& fileName, InstanceConfig config);
+    const InstanceRecord& addClone(const std::string& name);
+    const InstanceRecord& addClone(const std::string& fileName, InstanceConfig config);
+    /// Adds one and returns its wrapper.
+    std::filesystem::path addWrapper(const std::string& name);
+    /// The clones that the model lists.
+    std::size_t cloneCount();
     /// Installs "Mail", "Notes" and "Zoom".
     void addApps();
 
@@ -32,7 +41,7 @@ protected:
     void choose(const QString& app) { chooseApp(window.get(), app); }
     /// The middle of that app's tile, in the grid's viewport.
     QPoint middleOfTile(const QString& app);
-    void select(const InstanceRecord& clone) { window->content().sidebar().select(clone.id()); }
+    void select(const InstanceRecord& clone);
 
     /// The menus' command with these words; throws when there is none.
     QAction* command(const QString& words);
@@ -47,6 +56,9 @@ protected:
     IconLoader icons{std::make_shared<ThreadPoolTasks>()};
     FilePanels panels{};
     std::unique_ptr<MainWindow> window;
+
+private:
+    std::vector<std::unique_ptr<InstanceRecord>> added_{};
 };
 
 } // namespace quorvel::testing

@@ -2,6 +2,7 @@
 // Usage: quorvel_screenshots FOLDER
 #include "LaunchKit/IconComposer.h"
 #include "LaunchKit/Icons/IcnsWriter.h"
+#include "LaunchKit/InstanceConfig.h"
 #include "QuorvelApp/app/MainWindow.h"
 #include "QuorvelApp/library/Sidebar.h"
 #include "QuorvelApp/theme/Appearance.h"

@@ -1,5 +1,6 @@
 // One target per instance home, whatever becomes of the runner.
 #include "LaunchKit/HomeLock.h"
+#include "LaunchKit/InstanceConfig.h"
 #include "Platform/files/FileSystem.h"
 #include "tests/Runner/RunnerFixture.h"
 #include "tests/support/OrdinaryUser.h"

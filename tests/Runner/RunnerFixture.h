@@ -1,5 +1,6 @@
 #pragma once
 
+#include "LaunchKit/InstanceConfig.h"
 #include "LaunchKit/WrapperGenerator.h"
 #include "Platform/processes/Process.h"
 #include "tests/support/AppBundles.h"

@@ -1,4 +1,5 @@
 // The real runner inside real wrappers.
+#include "LaunchKit/InstanceConfig.h"
 #include "tests/Runner/RunnerFixture.h"
 #include "tests/support/Waiting.h"
 

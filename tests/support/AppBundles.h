@@ -1,11 +1,14 @@
 #pragma once
 
 #include "Base/PropertyList.h"
-#include "LaunchKit/InstanceConfig.h"
 
 #include <filesystem>
 #include <string>
 #include <string_view>
+
+namespace quorvel {
+struct InstanceConfig;
+}
 
 namespace quorvel::testing {
 
@@ -27,9 +30,12 @@ std::filesystem::path makeScriptedAppBundle(const std::filesystem::path& bundle,
                                             std::string_view script,
                                             PropertyListDictionary info = {});
 
-/// Makes a bundle that holds nothing but this configuration.
+/// Makes a bundle that holds nothing but this configuration, and returns `bundle`.
 std::filesystem::path makeWrapper(const std::filesystem::path& bundle,
                                   const InstanceConfig& config);
+
+/// The same with `minimalConfig(name)`.
+std::filesystem::path makeWrapper(const std::filesystem::path& bundle, const std::string& name);
 
 /// A configuration with the three required fields.
 [[nodiscard]] InstanceConfig minimalConfig(std::string name = "Work");

@@ -1,4 +1,5 @@
 #include "LaunchKit/Icons/IcnsFile.h"
+#include "LaunchKit/InstanceConfig.h"
 #include "LaunchKit/WrapperGenerator.h"
 #include "Platform/files/PlatformError.h"
 #include "tests/support/AppBundles.h"

@@ -1,4 +1,6 @@
 #include "QuorvelApp/model/AppServices.h"
+#include "LaunchKit/InstanceConfig.h"
+#include "LaunchKit/InstanceRecord.h"
 #include "LaunchKit/RequestCheck.h"
 #include "LaunchKit/RunnerLocator.h"
 #include "QuorvelApp/AppModel.h"

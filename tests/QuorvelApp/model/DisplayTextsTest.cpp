@@ -1,4 +1,5 @@
 #include "QuorvelApp/model/DisplayTexts.h"
+#include "LaunchKit/InstanceConfig.h"
 #include "tests/support/AppBundles.h"
 
 #include <gmock/gmock.h>

@@ -81,8 +81,8 @@ TEST(NewCloneForm, SelectingAnAppNamesItAndSetsTheAdvancedOptionsBack) {
     form.selectedSandboxed = true;
     form.dataPath = form.argsText = form.envText = form.plistText = form.iconLabelText = "x";
     form.customIcon = "/x.icns";
-    form.hideDockIcon = form.registerBrowser = form.openWith = true;
-    form.menuBarIcon = form.menuBarTemplate = true;
+    form.hideDockIcon = form.registerAsBrowser = form.openWithPassthrough = true;
+    form.menuBarIcon = form.menuBarIconTemplate = true;
     form.iconLabelColor = Qt::red;
     form.shareUserFolders = false;
     form.launchAfter = false;
@@ -111,6 +111,16 @@ TEST(NewCloneForm, SelectingAnAppNamesItAndSetsTheAdvancedOptionsBack) {
     EXPECT_FALSE(form.launchAfter) << "kept";
     EXPECT_TRUE(form.showAdvanced) << "kept";
     EXPECT_EQ(form.webURL, "kept");
+}
+
+TEST(NewCloneForm, SelectingAnAppSetsEverySwitchBack) {
+    for (const CloneSwitch& each : cloneSwitches) {
+        NewCloneForm form;
+        form.*each.member = !each.defaultValue();
+        EXPECT_NE(each.valueIn(form.makeRequest()), each.defaultValue()) << each.key;
+        form.select(notes, "Notes");
+        EXPECT_EQ(each.valueIn(form.makeRequest()), each.defaultValue()) << each.key;
+    }
 }
 
 TEST(NewCloneForm, ShowsTheWholeCatalogForABlankSearch) {
@@ -222,8 +232,8 @@ TEST(NewCloneForm, MakesAnIconLabelOfTextAndColour) {
 
 TEST(NewCloneForm, PassesEverySwitchOn) {
     NewCloneForm form;
-    form.hideDockIcon = form.registerBrowser = form.openWith = true;
-    form.menuBarIcon = form.menuBarTemplate = true;
+    form.hideDockIcon = form.registerAsBrowser = form.openWithPassthrough = true;
+    form.menuBarIcon = form.menuBarIconTemplate = true;
     form.shareUserFolders = false;
     form.customIcon = "/x.icns";
     form.strategy = Strategy::wrapperIdentity;
@@ -245,7 +255,7 @@ TEST(NewCloneForm, PassesEverySwitchOn) {
 
 TEST(NewCloneForm, KeepsTheTemplateChoiceWithoutAMenuBarIcon) {
     NewCloneForm form;
-    form.menuBarTemplate = true;
+    form.menuBarIconTemplate = true;
     EXPECT_FALSE(form.makeRequest().menuBarIcon);
     EXPECT_TRUE(form.makeRequest().menuBarIconTemplate);
 }

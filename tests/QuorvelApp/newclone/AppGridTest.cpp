@@ -1,3 +1,4 @@
+#include "QuorvelApp/Components.h"
 #include "tests/QuorvelApp/WindowFixture.h"
 
 #include <QPainter>

@@ -236,7 +236,7 @@ TEST_F(ConfigurationPaneTest, TheMonochromeBoxNeedsAMenuBarIcon) {
     monochrome->click();
     checkBox(window.get(), u"Show a menu-bar icon while running"_s)->click();
     EXPECT_FALSE(monochrome->isEnabled());
-    EXPECT_TRUE(sheet.session().form().menuBarTemplate) << "the choice is kept";
+    EXPECT_TRUE(sheet.session().form().menuBarIconTemplate) << "the choice is kept";
 }
 
 TEST_F(ConfigurationPaneTest, ACustomIconIsChosenShownAndCleared) {

@@ -1,3 +1,4 @@
+#include "LaunchKit/InstanceRecord.h"
 #include "tests/QuorvelApp/WindowFixture.h"
 
 #include <QPlainTextEdit>
@@ -23,19 +24,19 @@ TEST_F(NewCloneSheetTest, ASheetEndsWithEscapeAndBeginsAnew) {
 }
 
 TEST_F(NewCloneSheetTest, CreatingShowsThatItGoesOnAndThenClosesTheSheet) {
-    stubs.create = [&](const auto& request) { return addClone(request.displayName).bundleURL; };
+    stubs.create = [&](const auto& request) { return addWrapper(request.displayName); };
     openSheetWith(u"Notes"_s);
     stubs.tasks->holding = true;
     button(u"Create Shortcut"_s)->click();
     EXPECT_FALSE(button(u"Creating…"_s)->isEnabled());
     stubs.tasks->release();
     ASSERT_TRUE(eventually([&] { return !window->content().showingNewClone(); }));
-    EXPECT_EQ(stubs.model().clones().size(), 1U);
+    EXPECT_EQ(cloneCount(), 1U);
     EXPECT_EQ(stubs.workspace->opened.size(), 1U) << "launched, as the box says";
 }
 
 TEST_F(NewCloneSheetTest, ClosesBeforeItsCreationCountsAsEnded) {
-    stubs.create = [&](const auto& request) { return addClone(request.displayName).bundleURL; };
+    stubs.create = [&](const auto& request) { return addWrapper(request.displayName); };
     NewCloneView& sheet = openSheetWith(u"Notes"_s);
     std::vector<std::string> order;
     QObject::connect(&sheet, &QDialog::accepted, &sheet, [&] {
@@ -52,7 +53,7 @@ TEST_F(NewCloneSheetTest, ClosesBeforeItsCreationCountsAsEnded) {
 }
 
 TEST_F(NewCloneSheetTest, EndsWhileAPanelIsOpenAndTheAnswerComesTooLate) {
-    stubs.create = [&](const auto& request) { return addClone(request.displayName).bundleURL; };
+    stubs.create = [&](const auto& request) { return addWrapper(request.displayName); };
     panels.fileOrFolder = [&](QWidget*) -> std::optional<fs::path> {
         stubs.tasks->release();
         EXPECT_TRUE(eventually([&] { return window->findChildren<NewCloneView*>().isEmpty(); }));
@@ -67,15 +68,15 @@ TEST_F(NewCloneSheetTest, EndsWhileAPanelIsOpenAndTheAnswerComesTooLate) {
     button(u"Create Shortcut"_s)->click();
     button(u"Browse…"_s)->click();
     EXPECT_FALSE(window->content().showingNewClone());
-    EXPECT_EQ(stubs.model().clones().size(), 1U);
+    EXPECT_EQ(cloneCount(), 1U);
 }
 
 TEST_F(NewCloneSheetTest, KeepsTheMnemonicsOfWhatItCovers) {
-    const InstanceRecord work = addClone("Work");
+    const InstanceRecord& work = addClone("Work");
     open();
     window->activateWindow();
     ASSERT_TRUE(QTest::qWaitForWindowActive(window.get()));
-    window->content().sidebar().select(work.id());
+    select(work);
     QTest::keyClick(window.get(), Qt::Key_L, Qt::AltModifier);
     ASSERT_TRUE(eventually([&] { return stubs.workspace->opened.size() == 1; }));
     NewCloneView& sheet = openSheet();
@@ -110,7 +111,7 @@ TEST_F(NewCloneSheetTest, EditsDuringACreationDoNotReachTheRequest) {
     std::string made;
     stubs.create = [&](const auto& request) {
         made = request.displayName;
-        return addClone(request.displayName).bundleURL;
+        return addWrapper(request.displayName);
     };
     openSheetWith(u"Notes"_s);
     stubs.tasks->holding = true;

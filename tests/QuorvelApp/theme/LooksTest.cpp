@@ -1,3 +1,5 @@
+#include "LaunchKit/InstanceRecord.h"
+#include "QuorvelApp/Components.h"
 #include "QuorvelApp/library/CloneRow.h"
 #include "QuorvelApp/theme/Appearance.h"
 #include "QuorvelApp/widgets/ColorWell.h"

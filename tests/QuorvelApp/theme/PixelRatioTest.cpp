@@ -1,4 +1,5 @@
 #include "LaunchKit/Icons/IcnsWriter.h"
+#include "QuorvelApp/Components.h"
 #include "tests/QuorvelApp/WindowFixture.h"
 
 #include <QListView>
@@ -57,7 +58,7 @@ TEST_F(PixelRatioTest, TheWindowHasTheRatioThatItWasGiven) {
 }
 
 TEST_F(PixelRatioTest, RowsAndTheDetailDrawIconsPixelForPixel) {
-    const InstanceRecord work = addClone("Work");
+    const InstanceRecord& work = addClone("Work");
     writePattern(iconPathOf(work));
     open();
     select(work);

@@ -178,7 +178,7 @@ TEST_F(IconChoiceTest, CountsAtOnceSoThatCreateTakesIt) {
     std::optional<fs::path> used;
     stubs.create = [&](const WrapperFactory::Request& request) {
         used = request.customIcon;
-        return addClone("Made").bundleURL;
+        return addWrapper("Made");
     };
     openSheetWith(u"Notes"_s);
     button(u"Advanced options"_s)->click();
@@ -187,7 +187,7 @@ TEST_F(IconChoiceTest, CountsAtOnceSoThatCreateTakesIt) {
     EXPECT_EQ(chosen(), good);
     button(u"Create Shortcut"_s)->click();
     stubs.tasks->release();
-    ASSERT_TRUE(eventually([&] { return stubs.model().clones().size() == 1; }));
+    ASSERT_TRUE(eventually([&] { return cloneCount() == 1; }));
     EXPECT_EQ(used, good);
     EXPECT_FALSE(stubs.model().lastError());
 }

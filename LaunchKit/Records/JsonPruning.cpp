@@ -1,4 +1,4 @@
-#include "LaunchKit/JsonPruning.h"
+#include "LaunchKit/Records/JsonPruning.h"
 
 #include <algorithm>
 #include <charconv>

@@ -1,4 +1,5 @@
-#include "LaunchKit/InstanceConfig.h"
+#include "LaunchKit/Records/EnumNames.h"
+
 #include "LaunchKit/WrapperFactory.h"
 
 #include <gtest/gtest.h>
@@ -6,45 +7,53 @@
 namespace quorvel {
 namespace {
 
-TEST(RawStrings, KindsGoByTheirNames) {
+TEST(EnumNames, KindsGoByTheirNames) {
     EXPECT_EQ(rawString(ShortcutKind::app), "app");
     EXPECT_EQ(rawString(ShortcutKind::web), "web");
     EXPECT_EQ(rawString(ShortcutKind::file), "file");
     EXPECT_EQ(rawString(ShortcutKind::command), "command");
-    EXPECT_EQ(shortcutKindFromRawString("command"), ShortcutKind::command);
-    EXPECT_EQ(shortcutKindFromRawString("Command"), std::nullopt);
-    EXPECT_EQ(shortcutKindFromRawString(""), std::nullopt);
+    EXPECT_EQ(caseNamed<ShortcutKind>("command"), ShortcutKind::command);
+    EXPECT_EQ(caseNamed<ShortcutKind>("Command"), std::nullopt);
+    EXPECT_EQ(caseNamed<ShortcutKind>(""), std::nullopt);
 }
 
-TEST(RawStrings, StrategiesAreHyphenated) {
+TEST(EnumNames, StrategiesAreHyphenated) {
     EXPECT_EQ(rawString(Strategy::homeOverride), "home-override");
     EXPECT_EQ(rawString(Strategy::containerRedirect), "container-redirect");
     EXPECT_EQ(rawString(Strategy::wrapperIdentity), "wrapper-identity");
     EXPECT_EQ(rawString(Strategy::unsupported), "unsupported");
-    EXPECT_EQ(strategyFromRawString("wrapper-identity"), Strategy::wrapperIdentity);
-    EXPECT_EQ(strategyFromRawString("wrapper_identity"), std::nullopt);
+    EXPECT_EQ(caseNamed<Strategy>("wrapper-identity"), Strategy::wrapperIdentity);
+    EXPECT_EQ(caseNamed<Strategy>("wrapper_identity"), std::nullopt);
 }
 
-TEST(RawStrings, LabelPositionsGoByTheirNames) {
+TEST(EnumNames, LabelPositionsGoByTheirNames) {
     EXPECT_EQ(rawString(IconLabel::Position::bottom), "bottom");
     EXPECT_EQ(rawString(IconLabel::Position::center), "center");
     EXPECT_EQ(rawString(IconLabel::Position::top), "top");
-    EXPECT_EQ(iconLabelPositionFromRawString("top"), IconLabel::Position::top);
-    EXPECT_EQ(iconLabelPositionFromRawString("left"), std::nullopt);
+    EXPECT_EQ(caseNamed<IconLabel::Position>("top"), IconLabel::Position::top);
+    EXPECT_EQ(caseNamed<IconLabel::Position>("left"), std::nullopt);
 }
 
-TEST(RawStrings, EnginesGoByTheirNames) {
+TEST(EnumNames, EnginesGoByTheirNames) {
     using Engine = WrapperFactory::AppEngine;
     for (const Engine engine :
          {Engine::electron, Engine::chromium, Engine::firefox, Engine::eclipse, Engine::other}) {
-        EXPECT_EQ(appEngineFromRawString(rawString(engine)), engine);
+        EXPECT_EQ(caseNamed<WrapperFactory::AppEngine>(rawString(engine)), engine);
     }
     EXPECT_EQ(rawString(Engine::electron), "electron");
     EXPECT_EQ(rawString(Engine::chromium), "chromium");
     EXPECT_EQ(rawString(Engine::firefox), "firefox");
     EXPECT_EQ(rawString(Engine::eclipse), "eclipse");
     EXPECT_EQ(rawString(Engine::other), "other");
-    EXPECT_EQ(appEngineFromRawString("Electron"), std::nullopt);
+    EXPECT_EQ(caseNamed<WrapperFactory::AppEngine>("Electron"), std::nullopt);
+}
+
+enum class Fruit { apple, pear2, plum };
+
+TEST(EnumNames, CountsTheCasesOfAnEnumeration) {
+    EXPECT_EQ(caseCount<Fruit>, 3U);
+    EXPECT_EQ(caseCount<Strategy>, 4U);
+    EXPECT_EQ(caseCount<IconLabel::Position>, 3U);
 }
 
 } // namespace
