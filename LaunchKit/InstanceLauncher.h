@@ -26,7 +26,9 @@ public:
     public:
         enum class Case { badBundle, unsupported };
 
+        /// The bundle at `url` can't be read.
         [[nodiscard]] static LaunchError badBundle(const std::filesystem::path& url);
+        /// What is to be launched can't be, for the reason in `message`.
         [[nodiscard]] static LaunchError unsupported(const std::string& message);
 
         [[nodiscard]] Case kind() const noexcept { return case_; }
