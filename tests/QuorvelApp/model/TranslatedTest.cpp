@@ -105,7 +105,7 @@ TEST_F(TranslatedTest, ThatOfTheEmptyWindow) {
 TEST_F(TranslatedTest, ThatOfACloneAndItsDetails) {
     const InstanceRecord clone = addClone("Work");
     write(home / "QuorvelInstances/Work/Downloads/a", "a");
-    stubs.workspace->running = {clone.config.bundleId};
+    stubs.workspace->setRunning({clone.config.bundleId});
     open();
     select(clone);
     EXPECT_THAT(untranslated(window.get()), IsEmpty());
@@ -127,7 +127,7 @@ TEST_F(TranslatedTest, ThatOfACloneAndItsDetails) {
 TEST_F(TranslatedTest, ThatOfTheQuestionsAboutAClone) {
     const InstanceRecord clone = addClone("Work");
     write(home / "QuorvelInstances/Work/Downloads/a", "a");
-    stubs.workspace->running = {clone.config.bundleId};
+    stubs.workspace->setRunning({clone.config.bundleId});
     open();
     select(clone);
     button(u"«Move files to shared folders»"_s)->click();
