@@ -1,6 +1,5 @@
 #pragma once
 
-#include "LaunchKit/InstanceRegistry.h"
 #include "Presentation/Translation.h"
 
 #include <cstdint>
@@ -11,6 +10,9 @@
 /// What the front ends say about a clone. UTF-8, no markup; what comes from files is as it is
 /// there.
 namespace quorvel {
+
+struct InstanceConfig;
+struct InstanceRecord;
 
 /// Returns what a clone runs, in one line: an app's name, an address, a path, or a command with its
 /// arguments.
