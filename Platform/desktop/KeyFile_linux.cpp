@@ -1,0 +1,164 @@
+#include "Platform/desktop/KeyFile_linux.h"
+
+#include <algorithm>
+#include <glib.h>
+
+namespace quorvel {
+namespace {
+
+using OwnedText = std::unique_ptr<char, decltype(&g_free)>;
+using OwnedTexts = std::unique_ptr<char*, decltype(&g_strfreev)>;
+
+// Whether the line is KEY[LANGUAGE]=VALUE with another language than these.
+bool isForeignTranslation(std::string_view line, const std::vector<std::string>& languages) {
+    const std::size_t equals = line.find('=');
+    const std::size_t bracket = line.substr(0, equals).find('[');
+    if (equals == line.npos || bracket == 0 || bracket == line.npos || line[equals - 1] != ']') {
+        return false;
+    }
+    const auto isKeyCharacter = [](char c) { return g_ascii_isalnum(c) || c == '-'; };
+    const std::string_view key = line.substr(0, bracket);
+    const std::string_view language = line.substr(bracket + 1, equals - bracket - 2);
+    return std::all_of(key.begin(), key.end(), isKeyCharacter) &&
+           language.find_first_of("[]") == language.npos &&
+           std::find(languages.begin(), languages.end(), language) == languages.end();
+}
+
+// Most lines of an ordinary entry are translations that nobody will read. To leave them out first
+// makes reading one several times faster.
+std::string withoutForeignTranslations(std::string_view text,
+                                       const std::vector<std::string>& languages) {
+    std::string kept;
+    kept.reserve(text.size());
+    while (!text.empty()) {
+        const std::size_t end = std::min(text.find('\n'), text.size() - 1) + 1;
+        const std::string_view line = text.substr(0, end);
+        text.remove_prefix(end);
+        if (!isForeignTranslation(line, languages)) {
+            kept.append(line);
+        }
+    }
+    return kept;
+}
+
+} // namespace
+
+void KeyFile::Release::operator()(GKeyFile* file) const noexcept {
+    g_key_file_free(file);
+}
+
+KeyFile::KeyFile() : file_(g_key_file_new()) {}
+
+std::optional<KeyFile> KeyFile::parse(std::string_view text,
+                                      const std::vector<std::string>& languages) {
+    if (text.find('\0') != text.npos) {
+        return std::nullopt;
+    }
+    const std::string kept = withoutForeignTranslations(text, languages);
+    KeyFile result;
+    result.languages_ = languages;
+    // Of an empty text GLib says that it is none; it lacks groups, and nothing else.
+    if (!kept.empty() && !g_key_file_load_from_data(result.file_.get(), kept.data(), kept.size(),
+                                                    G_KEY_FILE_KEEP_TRANSLATIONS, nullptr)) {
+        return std::nullopt;
+    }
+    return result;
+}
+
+void KeyFile::set(const std::string& group, const char* key, const std::string& value) {
+    g_key_file_set_string(file_.get(), group.c_str(), key, value.c_str());
+}
+
+void KeyFile::set(const std::string& group, const char* key, bool value) {
+    g_key_file_set_boolean(file_.get(), group.c_str(), key, value ? TRUE : FALSE);
+}
+
+void KeyFile::set(const std::string& group, const char* key,
+                  const std::vector<std::string>& values) {
+    std::vector<const char*> texts;
+    for (const std::string& value : values) {
+        texts.push_back(value.c_str());
+    }
+    g_key_file_set_string_list(file_.get(), group.c_str(), key, texts.data(), texts.size());
+}
+
+bool KeyFile::hasGroup(const std::string& group) const {
+    return g_key_file_has_group(file_.get(), group.c_str()) != FALSE;
+}
+
+// Asked first everywhere, since GLib words an error for every key that is missing.
+bool KeyFile::has(const std::string& group, const char* key) const {
+    return g_key_file_has_key(file_.get(), group.c_str(), key, nullptr) != FALSE;
+}
+
+std::optional<std::string> KeyFile::find(const std::string& group, const char* key) const {
+    if (!has(group, key)) {
+        return std::nullopt;
+    }
+    // An escape that means nothing is an error, but the value is there all the same.
+    const OwnedText value(g_key_file_get_string(file_.get(), group.c_str(), key, nullptr), g_free);
+    return value ? std::optional<std::string>(value.get()) : std::nullopt;
+}
+
+std::optional<std::vector<std::string>> KeyFile::findList(const std::string& group,
+                                                          const char* key) const {
+    if (!has(group, key)) {
+        return std::nullopt;
+    }
+    gsize count = 0;
+    const OwnedTexts values(
+        g_key_file_get_string_list(file_.get(), group.c_str(), key, &count, nullptr), g_strfreev);
+    return values ? std::optional(std::vector<std::string>(values.get(), values.get() + count))
+                  : std::nullopt;
+}
+
+std::string KeyFile::text(const std::string& group, const char* key) const {
+    return find(group, key).value_or("");
+}
+
+std::vector<std::string> KeyFile::list(const std::string& group, const char* key) const {
+    return findList(group, key).value_or(std::vector<std::string>{});
+}
+
+bool KeyFile::boolean(const std::string& group, const char* key) const {
+    return has(group, key) &&
+           g_key_file_get_boolean(file_.get(), group.c_str(), key, nullptr) != FALSE;
+}
+
+int KeyFile::number(const std::string& group, const char* key) const {
+    return has(group, key) ? g_key_file_get_integer(file_.get(), group.c_str(), key, nullptr) : 0;
+}
+
+std::string KeyFile::translated(const std::string& group, const char* key) const {
+    for (const std::string& language : languages_) {
+        if (auto value = find(group, (std::string(key) + "[" + language + "]").c_str())) {
+            return *value;
+        }
+    }
+    return text(group, key);
+}
+
+std::vector<std::string> KeyFile::translatedList(const std::string& group, const char* key) const {
+    for (const std::string& language : languages_) {
+        if (auto values = findList(group, (std::string(key) + "[" + language + "]").c_str())) {
+            return *values;
+        }
+    }
+    return list(group, key);
+}
+
+std::string KeyFile::text() const {
+    gsize length = 0;
+    const OwnedText bytes(g_key_file_to_data(file_.get(), &length, nullptr), g_free);
+    return {bytes.get(), length};
+}
+
+std::vector<std::string> userLanguages() {
+    std::vector<std::string> languages;
+    for (const char* const* name = g_get_language_names(); *name != nullptr; ++name) {
+        languages.emplace_back(*name);
+    }
+    return languages;
+}
+
+} // namespace quorvel
