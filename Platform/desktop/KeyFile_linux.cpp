@@ -50,13 +50,14 @@ void KeyFile::Release::operator()(GKeyFile* file) const noexcept {
 KeyFile::KeyFile() : file_(g_key_file_new()) {}
 
 std::optional<KeyFile> KeyFile::parse(std::string_view text,
-                                      const std::vector<std::string>& languages) {
+                                      const std::vector<std::string>& languages, char separator) {
     if (text.find('\0') != text.npos) {
         return std::nullopt;
     }
     const std::string kept = withoutForeignTranslations(text, languages);
     KeyFile result;
     result.languages_ = languages;
+    g_key_file_set_list_separator(result.file_.get(), separator);
     // Of an empty text GLib says that it is none; it lacks groups, and nothing else.
     if (!kept.empty() && !g_key_file_load_from_data(result.file_.get(), kept.data(), kept.size(),
                                                     G_KEY_FILE_KEEP_TRANSLATIONS, nullptr)) {

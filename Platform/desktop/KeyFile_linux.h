@@ -16,9 +16,10 @@ namespace quorvel {
 class KeyFile {
 public:
     /// Returns std::nullopt if a line is none of that form, or if the text holds a NUL byte. Of the
-    /// translations, only those into `languages` are kept ("de_DE", "de").
-    [[nodiscard]] static std::optional<KeyFile> parse(std::string_view text,
-                                                      const std::vector<std::string>& languages);
+    /// translations, only those into `languages` are kept ("de_DE", "de"). Lists are divided by
+    /// `separator`.
+    [[nodiscard]] static std::optional<KeyFile>
+    parse(std::string_view text, const std::vector<std::string>& languages, char separator = ';');
 
     KeyFile();
     void set(const std::string& group, const char* key, const std::string& value);
