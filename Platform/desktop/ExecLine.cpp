@@ -9,8 +9,8 @@
 namespace quorvel {
 namespace {
 
-std::string baseName(std::string_view path) {
-    return std::string(path.substr(path.rfind('/') + 1));
+std::string_view baseName(std::string_view path) {
+    return path.substr(path.rfind('/') + 1);
 }
 
 // Makes one start's arguments out of the words. A code that stands for several texts begins a new
@@ -127,18 +127,22 @@ std::string withoutCodes(const ExecLine::Word& word) {
     return result.empty() ? std::string() : result.front();
 }
 
-// Takes "env", its options and its assignments off the front of the words.
-void takeEnv(std::vector<std::string>& words, ExecLine& line) {
+bool isEnv(const ExecLine::Word& word) {
+    const std::string text = withoutCodes(word);
+    return baseName(text) == "env";
+}
+
+// Takes the options and assignments of an "env"; returns the index of the word behind them.
+std::size_t takeEnv(const std::vector<ExecLine::Word>& words, std::size_t index, ExecLine& line) {
     constexpr std::string_view longUnset = "--unset=";
-    std::size_t index = 1;
     bool mayBeOption = true;
     for (; index < words.size(); ++index) {
-        const std::string& word = words[index];
+        const std::string word = withoutCodes(words[index]);
         if (mayBeOption && word == "--") {
             mayBeOption = false;
         } else if (mayBeOption && (word == "-u" || word == "--unset")) {
             if (++index < words.size()) {
-                line.unset.push_back(words[index]);
+                line.unset.push_back(withoutCodes(words[index]));
             }
         } else if (mayBeOption && word.starts_with(longUnset)) {
             line.unset.push_back(word.substr(longUnset.size()));
@@ -153,27 +157,24 @@ void takeEnv(std::vector<std::string>& words, ExecLine& line) {
             break;
         }
     }
-    words.erase(words.begin(),
-                words.begin() + static_cast<std::ptrdiff_t>(std::min(index, words.size())));
+    return index;
 }
 
 } // namespace
 
 ExecLine ExecLine::parse(std::string_view exec) {
     std::vector<Word> words = execWords(exec);
-    std::vector<std::string> front;
-    front.reserve(words.size());
-    std::transform(words.begin(), words.end(), std::back_inserter(front), withoutCodes);
     ExecLine line;
-    while (!front.empty() && baseName(front.front()) == "env") {
-        takeEnv(front, line);
+    std::size_t index = 0;
+    while (index < words.size() && isEnv(words[index])) {
+        index = takeEnv(words, index + 1, line);
     }
-    if (front.empty() || front.front().empty()) {
+    line.program = index < words.size() ? withoutCodes(words[index]) : std::string();
+    if (line.program.empty()) {
         throw ExecLineError("no program is named");
     }
-    line.program = front.front();
-    const auto rest = words.end() - static_cast<std::ptrdiff_t>(front.size() - 1);
-    line.words.assign(std::make_move_iterator(rest), std::make_move_iterator(words.end()));
+    words.erase(words.begin(), words.begin() + static_cast<std::ptrdiff_t>(index) + 1);
+    line.words = std::move(words);
     return line;
 }
 

@@ -1,5 +1,6 @@
 #include "Platform/desktop/ExecLine.h"
 #include "Platform/desktop/InstalledApplications.h"
+#include "Platform/desktop/ParallelLoop.h"
 #include "Platform/desktop/ProgramResolution.h"
 #include "Platform/desktop/XdgFolders_linux.h"
 #include "Platform/files/FileSystem.h"
@@ -17,6 +18,7 @@ namespace fs = std::filesystem;
 namespace {
 
 constexpr std::string_view ending = ".desktop";
+constexpr std::string_view ownId = "app.quorvel.Quorvel.desktop";
 
 std::vector<std::string> currentDesktops() {
     const char* variable = std::getenv("XDG_CURRENT_DESKTOP");
@@ -29,7 +31,13 @@ std::vector<std::string> currentDesktops() {
     return desktops;
 }
 
-class Scan {
+struct EntryFile {
+    std::string id{};
+    std::string path{};
+};
+
+// The files of all ids, of each the first.
+class EntryFiles {
 public:
     void addFolder(const fs::path& folder) {
         filesLeft_ = maxEntryFiles;
@@ -37,7 +45,7 @@ public:
         addBelow(folder, "", 0);
     }
 
-    std::vector<InstalledApplication> finish() { return std::move(found_); }
+    [[nodiscard]] const std::vector<EntryFile>& files() const { return files_; }
 
 private:
     // `prefix` is what the ids of the folder's entries begin with: "kde-" in "kde".
@@ -51,7 +59,7 @@ private:
         std::vector<std::string> others;
         for (const std::string& name : folder->entries()) {
             if (name.ends_with(ending)) {
-                addFile(*folder, name, prefix + name);
+                addFile(path.native() + "/" + name, prefix + name);
             } else if (depth < maxEntryDepth) {
                 others.push_back(name);
             }
@@ -63,34 +71,57 @@ private:
         }
     }
 
-    void addFile(const Folder& folder, const std::string& name, const std::string& id) {
+    void addFile(std::string path, const std::string& id) {
         if (filesLeft_ == 0) {
             return;
         }
         --filesLeft_;
-        if (!ids_.insert(id).second || id == "app.quorvel.Quorvel.desktop" ||
-            !folder.read(name, maxDesktopEntrySize, bytes_)) {
-            return;
-        }
-        try {
-            DesktopEntry entry = parseDesktopEntry(bytes_, languages_);
-            if (isWanted(entry)) {
-                found_.push_back({id, joinAsText(folder.path(), name), std::move(entry)});
-            }
-        } catch (const Error&) {
-            // One that can't be read or started is no application.
+        if (ids_.insert(id).second) {
+            files_.push_back({id, std::move(path)});
         }
     }
 
-    bool isWanted(const DesktopEntry& entry) {
-        return entry.type == "Application" && !entry.name.empty() && !entry.hidden &&
-               !entry.noDisplay && !entry.terminal && entry.cloneId.empty() &&
-               entry.isShownIn(desktops_) && (entry.tryExec.empty() || isProgram(entry.tryExec)) &&
-               isProgram(ExecLine::parse(entry.exec).program);
-    }
+    std::vector<EntryFile> files_{};
+    std::unordered_set<std::string> ids_{};
+    std::set<std::pair<dev_t, ino_t>> visited_{};
+    std::size_t filesLeft_ = 0;
+};
 
-    // Many entries name the same program.
-    bool isProgram(const std::string& program) {
+struct Candidate {
+    DesktopEntry entry{};
+    std::string program{};
+};
+
+// What can be told of an entry without looking for its programs.
+bool isWanted(const DesktopEntry& entry, const std::vector<std::string>& desktops) {
+    return entry.type == "Application" && !entry.name.empty() && !entry.hidden &&
+           !entry.noDisplay && !entry.terminal && entry.cloneId.empty() &&
+           entry.isShownIn(desktops);
+}
+
+std::optional<Candidate> candidateIn(const EntryFile& file,
+                                     const std::vector<std::string>& languages,
+                                     const std::vector<std::string>& desktops) {
+    const auto bytes = file.id == ownId ? std::nullopt : readFile(file.path, maxDesktopEntrySize);
+    if (!bytes) {
+        return std::nullopt;
+    }
+    try {
+        Candidate candidate{parseDesktopEntry(*bytes, languages)};
+        if (!isWanted(candidate.entry, desktops)) {
+            return std::nullopt;
+        }
+        candidate.program = ExecLine::parse(candidate.entry.exec).program;
+        return candidate;
+    } catch (const Error&) {
+        return std::nullopt; // one that can't be read or started is no application
+    }
+}
+
+// Many entries name the same program.
+class ProgramLookup {
+public:
+    [[nodiscard]] bool has(const std::string& program) {
         const auto [known, isNew] = programs_.try_emplace(program, false);
         if (isNew) {
             known->second = findProgram(program).has_value();
@@ -98,14 +129,8 @@ private:
         return known->second;
     }
 
-    const std::vector<std::string> languages_ = desktopEntryLanguages();
-    const std::vector<std::string> desktops_ = currentDesktops();
-    std::vector<InstalledApplication> found_{};
-    std::unordered_set<std::string> ids_{};
+private:
     std::map<std::string, bool> programs_{};
-    std::set<std::pair<dev_t, ino_t>> visited_{};
-    std::string bytes_{};
-    std::size_t filesLeft_ = 0;
 };
 
 } // namespace
@@ -119,11 +144,27 @@ std::vector<fs::path> applicationEntryFolders() {
 }
 
 std::vector<InstalledApplication> installedApplications(const std::vector<fs::path>& folders) {
-    Scan scan;
+    EntryFiles files;
     for (const fs::path& folder : folders) {
-        scan.addFolder(folder);
+        files.addFolder(folder);
     }
-    return scan.finish();
+    const std::vector<std::string> languages = desktopEntryLanguages();
+    const std::vector<std::string> desktops = currentDesktops();
+    std::vector<std::optional<Candidate>> candidates(files.files().size());
+    forEachIndex(candidates.size(), [&](std::size_t index) {
+        candidates[index] = candidateIn(files.files()[index], languages, desktops);
+    });
+    std::vector<InstalledApplication> found;
+    ProgramLookup programs;
+    for (std::size_t index = 0; index < candidates.size(); ++index) {
+        auto& candidate = candidates[index];
+        if (candidate && programs.has(candidate->program) &&
+            (candidate->entry.tryExec.empty() || programs.has(candidate->entry.tryExec))) {
+            const EntryFile& file = files.files()[index];
+            found.push_back({file.id, file.path, std::move(candidate->entry)});
+        }
+    }
+    return found;
 }
 
 } // namespace quorvel

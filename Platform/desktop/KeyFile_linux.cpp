@@ -9,33 +9,51 @@ namespace {
 using OwnedText = std::unique_ptr<char, decltype(&g_free)>;
 using OwnedTexts = std::unique_ptr<char*, decltype(&g_strfreev)>;
 
-// Whether the line is KEY[LANGUAGE]=VALUE with another language than these.
-bool isForeignTranslation(std::string_view line, const std::vector<std::string>& languages) {
-    const std::size_t equals = line.find('=');
-    const std::size_t bracket = line.substr(0, equals).find('[');
-    if (equals == line.npos || bracket == 0 || bracket == line.npos || line[equals - 1] != ']') {
-        return false;
+// The language of a line KEY[LANGUAGE]=VALUE; empty for any other.
+std::string_view languageOf(std::string_view line) {
+    std::size_t bracket = 0;
+    while (bracket < line.size() && (g_ascii_isalnum(line[bracket]) || line[bracket] == '-')) {
+        ++bracket;
     }
-    const auto isKeyCharacter = [](char c) { return g_ascii_isalnum(c) || c == '-'; };
-    const std::string_view key = line.substr(0, bracket);
-    const std::string_view language = line.substr(bracket + 1, equals - bracket - 2);
-    return std::all_of(key.begin(), key.end(), isKeyCharacter) &&
-           language.find_first_of("[]") == language.npos &&
-           std::find(languages.begin(), languages.end(), language) == languages.end();
+    if (bracket == 0 || bracket == line.size() || line[bracket] != '[') {
+        return {};
+    }
+    const std::size_t start = bracket + 1;
+    std::size_t end = start;
+    while (end < line.size() && line[end] != ']' && line[end] != '[' && line[end] != '=') {
+        ++end;
+    }
+    const bool isClosed = line.substr(std::min(end, line.size()), 2) == "]=";
+    return isClosed ? line.substr(start, end - start) : std::string_view{};
 }
 
 // Most lines of an ordinary entry are translations that nobody will read. To leave them out first
-// makes reading one several times faster.
+// makes reading one several times faster. `present` becomes those of the languages that remain.
 std::string withoutForeignTranslations(std::string_view text,
-                                       const std::vector<std::string>& languages) {
+                                       const std::vector<std::string>& languages,
+                                       std::vector<std::string>& present) {
     std::string kept;
-    kept.reserve(text.size());
-    while (!text.empty()) {
-        const std::size_t end = std::min(text.find('\n'), text.size() - 1) + 1;
-        const std::string_view line = text.substr(0, end);
-        text.remove_prefix(end);
-        if (!isForeignTranslation(line, languages)) {
-            kept.append(line);
+    std::vector<bool> isPresent(languages.size());
+    std::size_t start = 0; // of lines that are kept
+    std::size_t end = 0;
+    for (std::size_t at = 0; at < text.size(); at = end) {
+        end = std::min(text.find('\n', at), text.size() - 1) + 1;
+        const std::string_view language = languageOf(text.substr(at, end - at));
+        if (language.empty()) {
+            continue;
+        }
+        const auto known = std::find(languages.begin(), languages.end(), language);
+        if (known != languages.end()) {
+            isPresent[static_cast<std::size_t>(known - languages.begin())] = true;
+            continue;
+        }
+        kept.append(text.substr(start, at - start));
+        start = end;
+    }
+    kept.append(text.substr(start));
+    for (std::size_t index = 0; index < languages.size(); ++index) {
+        if (isPresent[index]) {
+            present.push_back(languages[index]);
         }
     }
     return kept;
@@ -54,9 +72,8 @@ std::optional<KeyFile> KeyFile::parse(std::string_view text,
     if (text.find('\0') != text.npos) {
         return std::nullopt;
     }
-    const std::string kept = withoutForeignTranslations(text, languages);
     KeyFile result;
-    result.languages_ = languages;
+    const std::string kept = withoutForeignTranslations(text, languages, result.languages_);
     g_key_file_set_list_separator(result.file_.get(), separator);
     // Of an empty text GLib says that it is none; it lacks groups, and nothing else.
     if (!kept.empty() && !g_key_file_load_from_data(result.file_.get(), kept.data(), kept.size(),

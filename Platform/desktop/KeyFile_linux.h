@@ -52,7 +52,7 @@ private:
                                                                    const char* key) const;
 
     std::unique_ptr<GKeyFile, Release> file_;
-    std::vector<std::string> languages_{};
+    std::vector<std::string> languages_{}; ///< those that it has translations into
 };
 
 /// The languages of the user's texts, the best first ("de_DE.UTF-8", "de_DE", "de"), as gettext

@@ -124,6 +124,7 @@ TEST(ExecLineTest, TakesAnEnvOffTheFront) {
                   std::string("“env” is given an option that can’t be followed: ") + option);
     }
     EXPECT_EQ(ExecLine::parse("environment A=b").program, "environment");
+    EXPECT_EQ(ExecLine::parse("env%u A=b c").program, "c") << "its name without the code";
 }
 
 TEST(ExecLineTest, EngineArgumentsStandDirectlyBehindTheProgram) {
