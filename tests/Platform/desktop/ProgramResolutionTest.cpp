@@ -119,6 +119,9 @@ TEST_F(ProgramResolutionTest, OfSeveralProgramsTakesTheOneWithAnEnginesMarks) {
     script("bin/other", "exec " + (folder_ / "lib/tool/tool").string());
     EXPECT_EQ(executable("other"), "lib/tool/tool");
     EXPECT_EQ(engine("other"), Engine::other);
+    elf("bin/gdb");
+    script("bin/traced", "exec " + (folder_ / "bin/gdb").string());
+    EXPECT_EQ(executable("traced"), "bin/traced") << "what lies in a folder for all is a tool";
 }
 
 TEST_F(ProgramResolutionTest, LooksBesideTheScriptFirst) {
