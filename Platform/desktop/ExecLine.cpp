@@ -88,12 +88,9 @@ private:
 
     // Local files are passed as paths even where a URL may stand, as most desktops do.
     void addItem(const std::string& item, bool mayBeUrl) {
-        if (item.starts_with('/')) {
-            append(item);
-        } else if (const auto path = pathOfFileUrl(item)) {
-            append(*path);
-        } else if (mayBeUrl) {
-            append(item);
+        const auto path = pathOfFileUrl(item);
+        if (path || mayBeUrl || item.starts_with('/')) {
+            append(path.value_or(item));
         }
     }
 

@@ -76,7 +76,7 @@ private:
                 continue;
             }
             const char escaped = next();
-            if (escapable.find(escaped) == escapable.npos) {
+            if (escapable.find(escaped) == std::string_view::npos) {
                 take('\\');
             }
             take(escaped);
@@ -95,7 +95,7 @@ private:
 
     void skipComment() {
         const std::size_t end = text_.find('\n', position_);
-        position_ = end == text_.npos ? text_.size() : end;
+        position_ = end == std::string_view::npos ? text_.size() : end;
     }
 
     void finishWord() {
@@ -121,7 +121,7 @@ std::vector<ExecLine::Word> execWords(std::string_view exec) {
 std::string quotedExecWord(std::string_view word) {
     constexpr std::string_view reserved = " \t\"'\\><~|&;$*?#()`";
     constexpr std::string_view escaped = "\"`$\\";
-    const bool needsQuotes = word.empty() || word.find_first_of(reserved) != word.npos;
+    const bool needsQuotes = word.empty() || word.find_first_of(reserved) != std::string_view::npos;
     std::string text(needsQuotes ? "\"" : "");
     for (const char character : word) {
         if (character == '\0') {
@@ -130,7 +130,7 @@ std::string quotedExecWord(std::string_view word) {
         if (character == '\n' || character == '\r') {
             throw ExecLineError("a line break can’t be written into a menu entry");
         }
-        text.append(escaped.find(character) != escaped.npos ? "\\" : "");
+        text.append(escaped.find(character) != std::string_view::npos ? "\\" : "");
         text.append(character == '%' ? 2 : 1, character);
     }
     return text.append(needsQuotes ? "\"" : "");

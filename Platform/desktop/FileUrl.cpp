@@ -14,7 +14,7 @@ std::optional<std::string> pathOfFileUrl(std::string_view url) {
     if (url.starts_with(host)) {
         url.remove_prefix(host.size() - 1);
     }
-    if (!url.starts_with('/') || url.find('#') != url.npos) {
+    if (!url.starts_with('/') || url.find('#') != std::string_view::npos) {
         return std::nullopt;
     }
     std::string path;

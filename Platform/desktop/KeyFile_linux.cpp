@@ -69,7 +69,7 @@ KeyFile::KeyFile() : file_(g_key_file_new()) {}
 
 std::optional<KeyFile> KeyFile::parse(std::string_view text,
                                       const std::vector<std::string>& languages, char separator) {
-    if (text.find('\0') != text.npos) {
+    if (text.find('\0') != std::string_view::npos) {
         return std::nullopt;
     }
     KeyFile result;
@@ -94,6 +94,7 @@ void KeyFile::set(const std::string& group, const char* key, bool value) {
 void KeyFile::set(const std::string& group, const char* key,
                   const std::vector<std::string>& values) {
     std::vector<const char*> texts;
+    texts.reserve(values.size());
     for (const std::string& value : values) {
         texts.push_back(value.c_str());
     }

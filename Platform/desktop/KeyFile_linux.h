@@ -1,13 +1,11 @@
 #pragma once
 
-#include <map>
+#include <glib.h>
 #include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
-
-using GKeyFile = struct _GKeyFile;
 
 namespace quorvel {
 

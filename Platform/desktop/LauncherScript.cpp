@@ -26,7 +26,7 @@ std::string interpreterIn(std::string_view text) {
     std::string_view name;
     while (name.empty() || name == "env" || name.starts_with('-')) {
         const std::size_t start = line.find_first_not_of(" \t\r");
-        if (start == line.npos) {
+        if (start == std::string_view::npos) {
             return {};
         }
         line.remove_prefix(start);
@@ -53,7 +53,7 @@ private:
     void take(char character) {
         constexpr std::string_view separators = " \t\r\n;|&()<>";
         ++position_;
-        if (quote_ == '\0' && separators.find(character) != separators.npos) {
+        if (quote_ == '\0' && separators.find(character) != std::string_view::npos) {
             finishWord();
         } else if (quote_ == '\0' && character == '#' && !isInWord_) {
             position_ = std::min(text_.find('\n', position_), text_.size());
@@ -162,7 +162,7 @@ bool LauncherScript::startsElectron() const {
         constexpr std::string_view name = "electron";
         const std::string_view file = baseName(word);
         return file.starts_with(name) &&
-               file.find_first_not_of("0123456789", name.size()) == file.npos;
+               file.find_first_not_of("0123456789", name.size()) == std::string_view::npos;
     };
     return std::any_of(words.begin(), words.end(), isElectron) &&
            std::any_of(words.begin(), words.end(),

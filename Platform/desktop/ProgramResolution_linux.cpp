@@ -44,6 +44,7 @@ std::vector<fs::path> programsIn(const LauncherScript& script) {
 // Folders that are named after the launcher, each with the program that may be in it.
 std::vector<fs::path> namesakes(const std::string& name, const std::vector<fs::path>& roots) {
     std::vector<fs::path> programs;
+    programs.reserve(roots.size());
     for (const fs::path& root : roots) {
         programs.push_back(root / name / name);
     }
@@ -134,7 +135,7 @@ const std::vector<fs::path>& applicationRoots() {
 }
 
 std::optional<fs::path> findProgram(std::string_view program) {
-    if (program.find('/') != program.npos) {
+    if (program.find('/') != std::string_view::npos) {
         const fs::path file(program);
         return file.is_absolute() && isExecutableFile(file) ? std::optional(file) : std::nullopt;
     }

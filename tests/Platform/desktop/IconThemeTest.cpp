@@ -103,6 +103,12 @@ TEST_F(IconThemeTest, ThemesThatInheritThemselvesEnd) {
     icons({"all/two/48/apps/a.png", "all/hicolor/48/apps/b.png"});
     EXPECT_EQ(find("a", "one"), "all/two/48/apps/a.png");
     EXPECT_EQ(find("b", "one"), "all/hicolor/48/apps/b.png");
+    std::string selves;
+    for (int number = 0; number < 100; ++number) {
+        selves += "self,";
+    }
+    theme("all/self", selves + "two");
+    EXPECT_EQ(find("a", "self"), "all/two/48/apps/a.png");
     for (int number = 0; number < 100; ++number) {
         theme("all/t" + std::to_string(number), "t" + std::to_string(number + 1));
     }
