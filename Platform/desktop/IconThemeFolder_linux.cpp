@@ -105,8 +105,9 @@ std::optional<fs::path> IconThemeFolder::find(const std::string& icon) {
         return std::nullopt;
     }
     const auto& [part, folder, isSvg] = found->second;
-    return joinAsText(joinAsText(parts_[part], folders_[folder].path),
-                      icon + (isSvg ? ".svg" : ".png"));
+    std::string file = parts_[part].native();
+    file.append("/").append(folders_[folder].path).append("/").append(icon);
+    return file.append(isSvg ? ".svg" : ".png");
 }
 
 } // namespace quorvel

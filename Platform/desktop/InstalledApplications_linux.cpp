@@ -155,6 +155,7 @@ std::vector<InstalledApplication> installedApplications(const std::vector<fs::pa
         candidates[index] = candidateIn(files.files()[index], languages, desktops);
     });
     std::vector<InstalledApplication> found;
+    found.reserve(candidates.size());
     ProgramLookup programs;
     for (std::size_t index = 0; index < candidates.size(); ++index) {
         auto& candidate = candidates[index];

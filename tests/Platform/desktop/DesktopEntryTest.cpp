@@ -181,8 +181,8 @@ TEST(DesktopEntryTest, HundredThousandActionsTakeNoTime) {
     std::string groups;
     for (int number = 0; number < 100000; ++number) {
         const std::string id = "a" + std::to_string(number);
-        text += id + ";";
-        groups += "[Desktop Action " + id + "]\nName=" + id + "\n";
+        text.append(id).append(";");
+        groups.append("[Desktop Action ").append(id).append("]\nName=").append(id).append("\n");
     }
     const auto start = std::chrono::steady_clock::now();
     const DesktopEntry entry = entryOf(text + "\n" + groups);

@@ -79,7 +79,7 @@ public:
     }
 
 private:
-    Words recorded() {
+    [[nodiscard]] Words recorded() const {
         const fs::path done = program() + ".done";
         EXPECT_TRUE(waitFor([&] { return fs::exists(done); }));
         const std::string bytes = read(done);

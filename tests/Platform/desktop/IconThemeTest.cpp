@@ -41,6 +41,7 @@ protected:
     [[nodiscard]] std::string find(const std::string& icon, const std::string& name = "hicolor",
                                    const std::vector<std::string>& folders = {"own", "all"}) const {
         std::vector<fs::path> paths;
+        paths.reserve(folders.size());
         for (const std::string& folder : folders) {
             paths.push_back(folder_ / folder);
         }

@@ -34,6 +34,7 @@ protected:
     [[nodiscard]] std::vector<InstalledApplication>
     scan(const std::vector<std::string>& names) const {
         std::vector<fs::path> folders;
+        folders.reserve(names.size());
         for (const std::string& name : names) {
             folders.push_back(folder_ / name);
         }

@@ -34,7 +34,7 @@ protected:
 
     void files(const std::string& inFolder, const std::vector<std::string>& names) const {
         for (const std::string& name : names) {
-            write(folder_ / (inFolder + "/" + name), "x");
+            write(folder_ / inFolder / name, "x");
         }
     }
 
