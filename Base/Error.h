@@ -5,12 +5,12 @@
 
 namespace quorvel {
 
-/// The base of the errors that this system throws. The text is a sentence for the user.
+/// The base class of all our errors. Its text is a sentence for the user.
 class Error : public std::runtime_error {
 public:
     using std::runtime_error::runtime_error;
 
-    /// The same text as `what()`.
+    /// Returns the same text as `what()`.
     [[nodiscard]] std::string description() const { return what(); }
 };
 

@@ -124,7 +124,7 @@ struct NodeMaker {
 #ifdef QUORVEL_PLIST_HAS_SIGNED_INTEGERS
         return Node(plist_new_int(value));
 #else
-        // Before it knew signed integers, the library wrote this one's bits as a signed number.
+        // Library versions without signed integers write these bits as a signed number.
         return Node(plist_new_uint(static_cast<std::uint64_t>(value)));
 #endif
     }
@@ -144,7 +144,7 @@ struct NodeMaker {
     Node operator()(const PropertyListDictionary& value) const {
         Node node(plist_new_dict());
         for (const auto& [key, item] : value) {
-            const char* name = xmlText(key); // may throw, so before anything is let go of
+            const char* name = xmlText(key); // may throw, so before release()
             plist_dict_set_item(node.get(), name, std::visit(*this, item.storage).release());
         }
         return node;
@@ -164,17 +164,18 @@ std::optional<PropertyListDictionary> parsed(Parser parser, std::string_view byt
     return convertedDictionary(root.get(), keys);
 }
 
-// Lists that take much memory are read one after another, whatever the number of threads.
-std::optional<PropertyListDictionary> parsedInTurn(Parser parser, std::string_view bytes,
-                                                   PropertyList::Keys keys,
-                                                   std::optional<std::size_t> neededBytes) {
+// Lists that take much memory are parsed one at a time, however many threads ask.
+std::optional<PropertyListDictionary> parsedOneAtATime(Parser parser, std::string_view bytes,
+                                                       PropertyList::Keys keys,
+                                                       std::optional<std::size_t> neededBytes) {
     constexpr std::size_t large = std::size_t{1} << 20U;
     if (!neededBytes || *neededBytes <= large) {
         return neededBytes ? parsed(parser, bytes, keys) : std::nullopt;
     }
-    static std::mutex turn;
-    const std::lock_guard lock(turn);
-    // The C library keeps what a thread has freed for that thread; the next new one takes it over.
+    static std::mutex mutex;
+    const std::lock_guard lock(mutex);
+    // On a new thread: the C library keeps freed memory for each thread, and gives that of a thread
+    // that has ended to the next new one.
     std::optional<PropertyListDictionary> result;
     std::exception_ptr failure;
     std::thread([&] {
@@ -193,13 +194,13 @@ std::optional<PropertyListDictionary> parsedInTurn(Parser parser, std::string_vi
 std::optional<PropertyListDictionary> parsedXml(std::string_view document,
                                                 PropertyList::Keys keys) {
     if (const auto needed = PropertyListLimits::neededBytes(document)) {
-        return parsedInTurn(plist_from_xml, document, keys, needed);
+        return parsedOneAtATime(plist_from_xml, document, keys, needed);
     }
-    // Beyond the limits, or written in a way that the parser may take for something else.
-    const auto plain = PropertyListXml::withoutOrnaments(document);
-    return plain
-               ? parsedInTurn(plist_from_xml, *plain, keys, PropertyListLimits::neededBytes(*plain))
-               : std::nullopt;
+    // Exceeds the limits, or is written in a way that the parser may misread.
+    const auto plain = PropertyListXml::simplified(document);
+    return plain ? parsedOneAtATime(plist_from_xml, *plain, keys,
+                                    PropertyListLimits::neededBytes(*plain))
+                 : std::nullopt;
 }
 
 } // namespace
@@ -227,10 +228,11 @@ std::optional<PropertyListDictionary> parseDictionary(std::string_view bytes, Ke
         return std::nullopt;
     }
     if (bytes.starts_with("bplist")) {
-        return parsedInTurn(plist_from_bin, bytes, keys, PropertyListLimits::neededBytes(bytes));
+        return parsedOneAtATime(plist_from_bin, bytes, keys,
+                                PropertyListLimits::neededBytes(bytes));
     }
-    std::string room;
-    const auto document = PropertyListXml::asUtf8(bytes, room);
+    std::string buffer;
+    const auto document = PropertyListXml::asUtf8(bytes, buffer);
     return document ? parsedXml(*document, keys) : std::nullopt;
 }
 

@@ -8,22 +8,22 @@
 namespace quorvel::PropertyListLimits {
 namespace {
 
-// Measured: the parser takes up to 136 bytes a value, our own form of it about 80 more.
+// Measured: the parser takes up to 136 bytes per value, our own form of it about 80 more.
 constexpr std::size_t bytesPerValue = 256;
 constexpr std::size_t maximumValues = maximumBytes / bytesPerValue;
-// A text is there as the parser's and as our own, which may be twice as long, and those who asked
-// for it make copies of theirs.
+// A text exists in the parser's form and in our own, which may be twice as long, and callers make
+// copies of it.
 constexpr std::size_t copiesOfText = 12;
 
-// Follows the tags of the XML form as the parser does, where they decide how deep it goes. Where
-// the two might disagree on a tag's end, and something be hidden there, the answer is no.
+// Follows the tags of the XML form as the parser does, to find how deeply they nest. Rejects the
+// document where the parser might see another end of a tag, since nesting could be hidden there.
 class XmlTags {
 public:
     explicit XmlTags(std::string_view bytes) : bytes_(bytes) {}
 
     [[nodiscard]] std::optional<std::size_t> neededBytes() {
-        while (passText()) {
-            if (!passTag() || depth_ > maximumDepth || values_ > maximumValues) {
+        while (skipText()) {
+            if (!skipTag() || depth_ > maximumDepth || values_ > maximumValues) {
                 return std::nullopt;
             }
         }
@@ -32,21 +32,21 @@ public:
     }
 
 private:
-    // Whether a tag follows.
-    bool passText() {
+    // Returns whether a tag follows.
+    bool skipText() {
         const std::size_t end = std::min(bytes_.find('<', at_), bytes_.size());
         texts_ += end - at_;
         at_ = end;
         return at_ < bytes_.size();
     }
 
-    bool passTag() {
+    bool skipTag() {
         const std::string_view rest = bytes_.substr(at_);
         if (rest.starts_with("<!--")) {
-            return passThrough("-->");
+            return skipPast("-->");
         }
         if (rest.starts_with("<![CDATA[")) {
-            return passThrough("]]>");
+            return skipPast("]]>");
         }
         const std::size_t end = bytes_.find('>', at_ + 1);
         if (end == std::string_view::npos) {
@@ -72,7 +72,7 @@ private:
         return true;
     }
 
-    bool passThrough(std::string_view end) {
+    bool skipPast(std::string_view end) {
         const std::size_t start = at_;
         const std::size_t found = bytes_.find(end, at_ + 4);
         at_ = found == std::string_view::npos ? bytes_.size() : found + end.size();
@@ -106,14 +106,14 @@ std::uint64_t bigEndian(std::string_view bytes) {
     return value;
 }
 
-// The object graph of the binary form, walked without recursion. Each object's size is that of all
-// it unfolds to, so that one shared by many counts as often as the parser would copy it.
+// The object graph of the binary form, walked without recursion. Each object's size includes all
+// that it references, so that a shared object counts as often as the parser copies it.
 class BinaryGraph {
 public:
     explicit BinaryGraph(std::string_view bytes) : bytes_(bytes) {}
 
     [[nodiscard]] std::optional<std::size_t> neededBytes() {
-        return isSound() ? std::optional(unfolded_[root_]) : std::nullopt;
+        return isSound() ? std::optional(expanded_[root_]) : std::nullopt;
     }
 
 private:
@@ -121,16 +121,16 @@ private:
         std::uint64_t object = 0;
         std::size_t firstReference = 0;
         std::uint64_t references = 0;
-        std::uint64_t keys = 0; ///< how many of the references, from the first on, are keys
+        std::uint64_t keys = 0; ///< the number of leading references that are keys
         std::uint64_t next = 0;
-        std::uint64_t unfolded = bytesPerValue;
+        std::uint64_t expanded = bytesPerValue;
     };
 
     [[nodiscard]] bool isSound() {
         if (!readTrailer()) {
             return false;
         }
-        unfolded_.assign(count_, 0);
+        expanded_.assign(count_, 0);
         soundKeys_.assign(count_, false);
         std::vector<Visit> stack;
         std::vector<bool> open(count_, false);
@@ -145,8 +145,8 @@ private:
                 if (!child || (index < visit.keys && !isSoundKey(*child))) {
                     return false;
                 }
-                if (unfolded_[*child] != 0) {
-                    if (!add(visit, unfolded_[*child])) {
+                if (expanded_[*child] != 0) {
+                    if (!add(visit, expanded_[*child])) {
                         return false;
                     }
                 } else if (open[*child] || !enter(*child, stack, open)) {
@@ -157,8 +157,8 @@ private:
             const Visit done = visit;
             stack.pop_back();
             open[done.object] = false;
-            unfolded_[done.object] = done.unfolded;
-            if (!stack.empty() && !add(stack.back(), done.unfolded)) {
+            expanded_[done.object] = done.expanded;
+            if (!stack.empty() && !add(stack.back(), done.expanded)) {
                 return false;
             }
         }
@@ -166,8 +166,8 @@ private:
     }
 
     static bool add(Visit& visit, std::uint64_t bytes) {
-        visit.unfolded += bytes;
-        return visit.unfolded <= maximumBytes;
+        visit.expanded += bytes;
+        return visit.expanded <= maximumBytes;
     }
 
     bool readTrailer() {
@@ -242,8 +242,7 @@ private:
         return bigEndian(bytes_.substr(table_ + object * offsetSize_, offsetSize_));
     }
 
-    // The parser ends the whole program over a key that holds a NUL. Keys may be shared: each is
-    // looked at once.
+    // The parser aborts the program on a key that contains a NUL. Shared keys are checked once.
     [[nodiscard]] bool isSoundKey(std::uint64_t object) {
         if (soundKeys_[object]) {
             return true;
@@ -286,7 +285,7 @@ private:
     std::uint64_t count_ = 0;
     std::uint64_t root_ = 0;
     std::uint64_t table_ = 0;
-    std::vector<std::uint64_t> unfolded_;
+    std::vector<std::uint64_t> expanded_;
     std::vector<bool> soundKeys_;
 };
 

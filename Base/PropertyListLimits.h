@@ -4,17 +4,18 @@
 #include <optional>
 #include <string_view>
 
-/// A look at a property list's structure before a parser builds it: nesting that would exhaust the
-/// stack and references that would unfold without end are found here, in time linear in its size.
+/// Checks a property list's structure before it is parsed: finds nesting that would exhaust the
+/// stack and references that would expand without bound, in time linear in the list's size.
 namespace quorvel::PropertyListLimits {
 
 inline constexpr std::size_t maximumDepth = 256;
-/// What reading a list may take, the parser's tree and our own values together.
+/// The memory that reading a list may take: the parser's tree and our own values together.
 inline constexpr std::size_t maximumBytes = std::size_t{64} << 20U;
 
-/// How many bytes it takes at most to read the list (of either form). std::nullopt if that would be
-/// more than `maximumBytes` or the list nests too deeply. XML that is not a property list may get
-/// an answer, since the parser refuses it; a malformed binary one never does.
+/// Returns an upper bound, in bytes, of the memory needed to read the list (in either form).
+/// Returns std::nullopt if that would exceed `maximumBytes`, or if the list nests too deeply or is
+/// a malformed binary one. May return a value for XML that is not a property list, which the parser
+/// rejects.
 [[nodiscard]] std::optional<std::size_t> neededBytes(std::string_view bytes);
 
 } // namespace quorvel::PropertyListLimits

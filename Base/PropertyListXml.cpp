@@ -7,7 +7,7 @@ namespace {
 
 using namespace std::string_view_literals;
 
-// Copies a document tag by tag. A false answer ends it.
+// Copies a document tag by tag. Its functions return false if the document is malformed.
 class Copier {
 public:
     explicit Copier(std::string_view document) : rest_(document) {}
@@ -26,14 +26,14 @@ public:
 private:
     bool copyMarkup() {
         if (rest_.starts_with("<!--")) {
-            return skipBehind("<!--", "-->");
+            return skipPast("<!--", "-->");
         }
         if (rest_.starts_with("<?")) {
-            return skipBehind("<?", "?>");
+            return skipPast("<?", "?>");
         }
         if (rest_.starts_with("<![CDATA[")) {
             const std::string_view from = rest_;
-            const bool ends = skipBehind("<![CDATA[", "]]>");
+            const bool ends = skipPast("<![CDATA[", "]]>");
             result_.append(from.substr(0, from.size() - rest_.size()));
             return ends;
         }
@@ -47,7 +47,7 @@ private:
             return false;
         }
         result_.append(take(end));
-        inside_ = true;
+        inRoot_ = true;
         char before = ' ';
         while (!rest_.empty()) {
             const char character = rest_.front();
@@ -64,9 +64,9 @@ private:
         return false;
     }
 
-    // The type's declaration, up to the bracket that ends it; it may hold others of its own.
+    // Skips the document type declaration, which may contain further brackets.
     bool skipDeclaration() {
-        if (inside_ || !rest_.starts_with("<!DOCTYPE")) {
+        if (inRoot_ || !rest_.starts_with("<!DOCTYPE")) {
             return false;
         }
         rest_.remove_prefix("<!DOCTYPE"sv.size());
@@ -81,8 +81,8 @@ private:
     bool skipSubset() {
         rest_.remove_prefix(1);
         while (!rest_.empty() && rest_.front() != ']') {
-            const bool skipped = rest_.starts_with("<!--") ? skipBehind("<!--", "-->")
-                                 : rest_.starts_with("<?") ? skipBehind("<?", "?>")
+            const bool skipped = rest_.starts_with("<!--") ? skipPast("<!--", "-->")
+                                 : rest_.starts_with("<?") ? skipPast("<?", "?>")
                                                            : skipQuotedOrOne();
             if (!skipped) {
                 return false;
@@ -102,7 +102,7 @@ private:
         return !take(1).empty();
     }
 
-    bool skipBehind(std::string_view start, std::string_view end) {
+    bool skipPast(std::string_view start, std::string_view end) {
         rest_.remove_prefix(start.size());
         const std::size_t found = rest_.find(end);
         take(found == std::string_view::npos ? rest_.size() : found + end.size());
@@ -117,26 +117,26 @@ private:
 
     std::string_view rest_;
     std::string result_{};
-    bool inside_ = false;
+    bool inRoot_ = false;
 };
 
 } // namespace
 
-std::optional<std::string_view> asUtf8(std::string_view document, std::string& room) {
+std::optional<std::string_view> asUtf8(std::string_view document, std::string& buffer) {
     const bool bigEndian = document.starts_with("\xFE\xFF"sv) || document.starts_with("\0<"sv);
     if (bigEndian || document.starts_with("\xFF\xFE"sv) || document.starts_with("<\0"sv)) {
         auto text = utf8FromUtf16(document, bigEndian);
         if (!text) {
             return std::nullopt;
         }
-        room = std::move(*text);
-        document = room;
+        buffer = std::move(*text);
+        document = buffer;
     }
     constexpr std::string_view mark = "\xEF\xBB\xBF";
     return document.starts_with(mark) ? document.substr(mark.size()) : document;
 }
 
-std::optional<std::string> withoutOrnaments(std::string_view document) {
+std::optional<std::string> simplified(std::string_view document) {
     return Copier(document).copy();
 }
 

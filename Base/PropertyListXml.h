@@ -4,17 +4,18 @@
 #include <string>
 #include <string_view>
 
-/// Property lists as XML allows them to be written, but not every parser reads them.
+/// Simplifies property lists that are valid XML but beyond what the parser reads.
 namespace quorvel::PropertyListXml {
 
-/// The document as UTF-8, without a byte-order mark: what is UTF-16, by its mark or its first
-/// character, is put into `room`, anything else comes back as it is. std::nullopt if it is
-/// broken UTF-16.
-[[nodiscard]] std::optional<std::string_view> asUtf8(std::string_view document, std::string& room);
+/// Returns the document as UTF-8, without a byte-order mark. UTF-16, recognized by its mark or its
+/// first character, is converted into `buffer`; anything else is returned unchanged. Returns
+/// std::nullopt if the document is malformed UTF-16.
+[[nodiscard]] std::optional<std::string_view> asUtf8(std::string_view document,
+                                                     std::string& buffer);
 
-/// The same document without what means nothing in a property list: prolog (with an internal
-/// subset, none of whose entities is ever opened), comments, processing instructions, attributes.
-/// std::nullopt if a tag does not end or stands where it can't.
-[[nodiscard]] std::optional<std::string> withoutOrnaments(std::string_view document);
+/// Returns the document without the parts that have no meaning in a property list: the prolog (with
+/// an internal subset, whose entities are never expanded), comments, processing instructions and
+/// attributes. Returns std::nullopt if a tag is unterminated or misplaced.
+[[nodiscard]] std::optional<std::string> simplified(std::string_view document);
 
 } // namespace quorvel::PropertyListXml

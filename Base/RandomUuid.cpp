@@ -7,7 +7,7 @@ namespace quorvel {
 
 std::string randomUuid() {
     constexpr std::string_view digits = "0123456789ABCDEF";
-    // "4" is the version of random UUIDs; "V" stands for a digit whose first two bits are 10.
+    // "4" is the version of random UUIDs; "V" is replaced by a digit whose first two bits are 10.
     std::string uuid = "xxxxxxxx-xxxx-4xxx-Vxxx-xxxxxxxxxxxx";
     std::random_device source;
     for (char& character : uuid) {

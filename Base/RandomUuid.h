@@ -4,8 +4,7 @@
 
 namespace quorvel {
 
-/// A new random UUID in its upper-case text form, such as
-/// "3F2504E0-4F89-41D3-9A0C-0305E82C3301".
+/// Returns a new random UUID in upper case, such as "3F2504E0-4F89-41D3-9A0C-0305E82C3301".
 [[nodiscard]] std::string randomUuid();
 
 } // namespace quorvel

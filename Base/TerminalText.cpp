@@ -1,6 +1,6 @@
 #include "Base/TerminalText.h"
 
-#include "Base/HarmfulText.h"
+#include "Base/UnsafeText.h"
 
 #include <unicode/utf16.h>
 #include <unicode/utf8.h>
@@ -17,9 +17,9 @@ struct Character {
     std::string_view bytes{};
 };
 
-// The first of a text; without bytes at the end.
+// Returns the first character of a text; its bytes are empty at the end.
 Character firstOf(std::string_view text) {
-    // No character is longer, so that the length is never too large for the reader.
+    // No character is longer, and this length always fits the type.
     const auto length =
         static_cast<std::int32_t>(std::min<std::size_t>(text.size(), U8_MAX_LENGTH));
     std::int32_t index = 0;
@@ -30,10 +30,10 @@ Character firstOf(std::string_view text) {
     return {scalar, text.substr(0, static_cast<std::size_t>(index))};
 }
 
-// Calls `take` for each character, with whether it is harmful, until that gives false.
+// Calls `take` for each character, with whether it is unsafe, until that returns false.
 template<typename Taker>
 void forEachCharacter(std::string_view text, const Taker& take) {
-    HarmfulText harm;
+    UnsafeText unsafe;
     std::string_view unread = text;
     std::u32string following;
     const auto readAhead = [&] {
@@ -43,7 +43,7 @@ void forEachCharacter(std::string_view text, const Taker& take) {
             following += static_cast<char32_t>(std::max(next.scalar, 0));
         }
     };
-    for (std::size_t count = 0; count < HarmfulText::lookAhead; ++count) {
+    for (std::size_t count = 0; count < UnsafeText::lookAhead; ++count) {
         readAhead();
     }
     while (!text.empty()) {
@@ -51,9 +51,10 @@ void forEachCharacter(std::string_view text, const Taker& take) {
         text.remove_prefix(character.bytes.size());
         following.erase(0, 1);
         readAhead();
-        const bool harmful = character.scalar < 0 ||
-                             harm.isHarmful(static_cast<char32_t>(character.scalar), following);
-        if (!take(character, harmful)) {
+        const bool isUnsafe =
+            character.scalar < 0 ||
+            unsafe.isUnsafeForDisplay(static_cast<char32_t>(character.scalar), following);
+        if (!take(character, isUnsafe)) {
             return;
         }
     }
@@ -79,7 +80,7 @@ std::string escaped(const Character& character) {
     return result;
 }
 
-// JSON spells the units of UTF-16.
+// JSON escapes UTF-16 code units.
 std::string escapedAsJson(UChar32 scalar) {
     char text[16];
     if (U_IS_BMP(scalar)) {
@@ -96,12 +97,12 @@ std::string escapedAsJson(UChar32 scalar) {
 std::string terminalText(std::string_view text, std::size_t most) {
     std::string result;
     std::size_t count = 0;
-    forEachCharacter(text, [&](const Character& character, bool harmful) {
+    forEachCharacter(text, [&](const Character& character, bool isUnsafe) {
         if (count++ == most) {
             result += "…";
             return false;
         }
-        if (harmful) {
+        if (isUnsafe) {
             result += escaped(character);
         } else {
             result += character.bytes;
@@ -111,7 +112,7 @@ std::string terminalText(std::string_view text, std::size_t most) {
     return result;
 }
 
-std::string escapingHarmful(std::string_view json) {
+std::string escapingUnsafe(std::string_view json) {
     constexpr unsigned char lastPlain = 0x7E;
     if (std::all_of(json.begin(), json.end(),
                     [](char byte) { return static_cast<unsigned char>(byte) <= lastPlain; })) {
@@ -119,9 +120,9 @@ std::string escapingHarmful(std::string_view json) {
     }
     std::string result;
     result.reserve(json.size());
-    forEachCharacter(json, [&](const Character& character, bool harmful) {
-        // Between its texts JSON has line breaks, in them none.
-        if (harmful && character.scalar >= 0x7F) {
+    forEachCharacter(json, [&](const Character& character, bool isUnsafe) {
+        // Line breaks occur only between the strings, which have them escaped already.
+        if (isUnsafe && character.scalar >= 0x7F) {
             result += escapedAsJson(character.scalar);
         } else {
             result += character.bytes;

@@ -6,14 +6,16 @@
 
 namespace quorvel {
 
-/// No text is shown beyond this many characters: more than the longest path has.
-inline constexpr std::size_t longestShown = 4096;
+/// The most characters that are displayed of a text: more than the longest path has.
+inline constexpr std::size_t longestDisplayed = 4096;
 
-/// `text` on one line, harmless to a terminal, and cut off with "…" after `most` characters: what
-/// `HarmfulText` finds and bytes that are not UTF-8 are shown as escapes such as "\n" or "\u{1b}".
-[[nodiscard]] std::string terminalText(std::string_view text, std::size_t most = longestShown);
+/// Returns `text` on one line, safe for a terminal, and truncated with "…" after `most` characters.
+/// Characters that `UnsafeText` finds and bytes that are not UTF-8 are replaced by escapes such as
+/// "\n" or "\u{1b}".
+[[nodiscard]] std::string terminalText(std::string_view text, std::size_t most = longestDisplayed);
 
-/// The same JSON with every character that is harmful to a terminal escaped. Nothing is cut off.
-[[nodiscard]] std::string escapingHarmful(std::string_view json);
+/// Returns the same JSON with every character that is unsafe for a terminal escaped. Nothing is
+/// truncated.
+[[nodiscard]] std::string escapingUnsafe(std::string_view json);
 
 } // namespace quorvel

@@ -69,7 +69,7 @@ std::string trimming(std::string_view text, const Belongs& belongs) {
     while (end > start && belongs(all.char32At(all.moveIndex32(end, -1)))) {
         end = all.moveIndex32(end, -1);
     }
-    // The bytes in between are given back as they came, well-formed or not.
+    // The bytes in between are returned unchanged, well-formed or not.
     const std::size_t head = encoded(all.tempSubStringBetween(0, start)).size();
     const std::size_t tail = encoded(all.tempSubStringBetween(end)).size();
     return std::string(text.substr(head, text.size() - head - tail));
@@ -92,19 +92,18 @@ void appendCollationKey(const icu::Collator* collator, std::string_view text, st
         return;
     }
     const std::size_t start = keys.size();
-    // Room for an ordinary name's key, to ask for it once; `resize` lets the text grow in big
-    // steps.
-    std::size_t room = static_cast<std::size_t>(string.length()) * 2 + 16;
+    // Enough for an ordinary name's key; `resize` grows the capacity geometrically.
+    std::size_t size = static_cast<std::size_t>(string.length()) * 2 + 16;
     while (true) {
-        keys.resize(start + room);
+        keys.resize(start + size);
         auto* key = reinterpret_cast<std::uint8_t*>(keys.data() + start);
         const auto needed = static_cast<std::size_t>(
-            collator->getSortKey(string, key, static_cast<std::int32_t>(room)));
-        if (needed <= room) {
+            collator->getSortKey(string, key, static_cast<std::int32_t>(size)));
+        if (needed <= size) {
             keys.resize(start + needed);
             return;
         }
-        room = needed;
+        size = needed;
     }
 }
 
@@ -117,13 +116,13 @@ bool isAscii(std::string_view text) {
                        [](char byte) { return static_cast<unsigned char>(byte) < 0x80; });
 }
 
-// In these languages the dotless "ı" is the small letter of "I".
+// In these languages the lower case of "I" is the dotless "ı".
 bool isTurkic(std::string_view locale) {
     const std::string_view language = locale.substr(0, locale.find_first_of("_-.@"));
     return language == "tr" || language == "az";
 }
 
-// A form in which texts are equal that differ in case, or in how their marks are encoded, alone.
+// Returns a form that is equal for texts that differ only in case or in the encoding of marks.
 icu::UnicodeString comparable(std::string_view text, bool turkic) {
     const auto normalized = [](const icu::UnicodeString& source, auto form) {
         UErrorCode status = U_ZERO_ERROR;
@@ -132,7 +131,7 @@ icu::UnicodeString comparable(std::string_view text, bool turkic) {
             U_SUCCESS(status) ? normalizer->normalize(source, status) : source;
         return U_SUCCESS(status) ? result : source;
     };
-    // The dot of a Turkish "İ" must not come apart before the letter is made small.
+    // The dot of a Turkish "İ" must not be decomposed before case folding.
     icu::UnicodeString folded =
         normalized(decoded(text),
                    turkic ? icu::Normalizer2::getNFCInstance : icu::Normalizer2::getNFDInstance);
@@ -140,7 +139,7 @@ icu::UnicodeString comparable(std::string_view text, bool turkic) {
     return normalized(folded, icu::Normalizer2::getNFDInstance);
 }
 
-// Whether what stands there goes on with the character before it.
+// Whether the scalar at that index extends the character before it.
 bool extends(const icu::UnicodeString& text, int32_t at) {
     constexpr UChar32 joiner = 0x200D;
     constexpr UChar32 nonJoiner = 0x200C;
@@ -150,19 +149,19 @@ bool extends(const icu::UnicodeString& text, int32_t at) {
 
 std::string titleCased(UChar32 letter) {
     const icu::UnicodeString source(letter);
-    std::array<UChar, 8> room{};
+    std::array<UChar, 8> buffer{};
     UErrorCode status = U_ZERO_ERROR;
     const int32_t length = icu::CaseMap::toTitle(
-        "", U_TITLECASE_WHOLE_STRING, nullptr, source.getBuffer(), source.length(), room.data(),
-        static_cast<int32_t>(room.size()), nullptr, status);
-    return encoded(U_SUCCESS(status) ? icu::UnicodeString(room.data(), length) : source);
+        "", U_TITLECASE_WHOLE_STRING, nullptr, source.getBuffer(), source.length(), buffer.data(),
+        static_cast<int32_t>(buffer.size()), nullptr, status);
+    return encoded(U_SUCCESS(status) ? icu::UnicodeString(buffer.data(), length) : source);
 }
 
 } // namespace
 
 std::vector<std::size_t> sortedOrder(const std::vector<std::string_view>& names,
                                      const std::string& locale) {
-    // Names are turned into keys once: comparing the names in every step would cost far more.
+    // Sort keys are computed once per name: comparing names in each step would cost far more.
     const icu::Collator* collator = collatorNamed(locale);
     std::string keys;
     std::vector<std::size_t> ends{0};
@@ -210,25 +209,25 @@ std::string lowerCased(std::string_view text) {
 }
 
 std::string capitalizingWords(std::string_view text) {
-    enum class Behind { letter, apostropheAfterLetter, other };
+    enum class Previous { letter, apostropheAfterLetter, other };
     const icu::UnicodeString all = decoded(text);
     std::string result;
-    Behind behind = Behind::other;
+    Previous previous = Previous::other;
     for (int32_t index = 0; index < all.length(); index = all.moveIndex32(index, 1)) {
         const UChar32 scalar = all.char32At(index);
         const uint32_t category = U_GET_GC_MASK(scalar);
         if ((category & U_GC_LC_MASK) != 0) {
-            result += behind == Behind::other ? titleCased(scalar)
-                                              : lowerCased(encoded(icu::UnicodeString(scalar)));
-            behind = Behind::letter;
+            result += previous == Previous::other ? titleCased(scalar)
+                                                  : lowerCased(encoded(icu::UnicodeString(scalar)));
+            previous = Previous::letter;
             continue;
         }
         result += encoded(icu::UnicodeString(scalar));
-        // Marks belong to what they stand behind.
+        // Marks belong to the character before them.
         if ((category & (U_GC_M_MASK | U_GC_CF_MASK)) == 0) {
             const bool apostrophe = scalar == '\'' || scalar == 0x2019;
-            behind = apostrophe && behind == Behind::letter ? Behind::apostropheAfterLetter
-                                                            : Behind::other;
+            previous = apostrophe && previous == Previous::letter ? Previous::apostropheAfterLetter
+                                                                  : Previous::other;
         }
     }
     return result;

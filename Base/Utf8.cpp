@@ -17,7 +17,7 @@ constexpr std::uint64_t highBits = 0x8080808080808080U;
 bool isUtf8(std::string_view bytes) noexcept {
     const auto length = static_cast<int32_t>(bytes.size());
     for (int32_t index = 0; index < length;) {
-        // Most text is ASCII, which is let through eight bytes at a time.
+        // Most text is ASCII, which is skipped eight bytes at a time.
         std::uint64_t eight = 0;
         while (length - index >= 8 &&
                (std::memcpy(&eight, bytes.data() + index, 8), (eight & highBits) == 0)) {

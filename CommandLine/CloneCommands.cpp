@@ -1,14 +1,20 @@
 #include "CommandLine/CloneCommands.h"
 
+#include "Base/PathText.h"
 #include "Base/TerminalText.h"
 #include "CommandLine/CloneLookup.h"
 #include "CommandLine/CloneTexts.h"
 #include "CommandLine/Confirmation.h"
 #include "LaunchKit/InstanceLauncher.h"
+#include "LaunchKit/InstanceRecord.h"
 #include "LaunchKit/RequestCheck.h"
-#include "Platform/files/FileSystem.h"
+#include "Platform/files/PlatformError.h"
 
+#include <nlohmann/json.hpp>
+
+#include <algorithm>
 #include <future>
+#include <iterator>
 #include <memory>
 #include <ostream>
 
@@ -17,15 +23,15 @@ namespace fs = std::filesystem;
 namespace {
 
 // A script gets the path as it is; a terminal must not be steered by what a name holds.
-std::string shownPath(const Surroundings& with, const fs::path& path) {
-    return with.outputIsTerminal ? terminalText(path.string()) : path.string();
+std::string shownPath(const CommandContext& context, const fs::path& path) {
+    return context.outputIsTerminal ? terminalText(path.string()) : path.string();
 }
 
-void openWrapper(const Surroundings& with, const InstanceRecord& record) {
+void openWrapper(const CommandContext& context, const InstanceRecord& record) {
     InstanceLauncher::prepareHome(record.config);
     // Shared, since the answer comes on another thread, which may finish with it after us.
     const auto opened = std::make_shared<std::promise<std::optional<PlatformError>>>();
-    with.workspace.openApplication(
+    context.workspace.openApplication(
         record.bundleURL, true,
         [opened](std::optional<PlatformError> error) { opened->set_value(std::move(error)); });
     if (const auto error = opened->get_future().get()) {
@@ -42,18 +48,18 @@ std::optional<std::uintmax_t> logSizeOf(const InstanceConfig& config) {
 }
 
 // Asks before it takes the place of a clone that can't be read, where somebody can be asked.
-void checkCreation(const Surroundings& with, const WrapperFactory::Request& request,
+void checkCreation(const CommandContext& context, const WrapperFactory::Request& request,
                    const std::optional<fs::path>& runner, bool sharedHome) {
     try {
         checkRequest(request, runner, {.sharedHome = sharedHome});
     } catch (const SharedHome& refused) {
         throw CommandError(std::string(refused.what()) + " With --shared-home, it is used anyway.");
     } catch (const DamagedClone&) {
-        if (!with.inputIsTerminal) {
+        if (!context.inputIsTerminal) {
             throw;
         }
         const fs::path place = WrapperFactory::wrapperURL(request);
-        if (!confirmed(with,
+        if (!confirmed(context,
                        "The clone at " + place.string() + " can’t be read any more. Replace it?")) {
             throw CommandError("Nothing was replaced.");
         }
@@ -63,77 +69,74 @@ void checkCreation(const Surroundings& with, const WrapperFactory::Request& requ
 
 } // namespace
 
-void inspectCommand(const Surroundings& with, const std::string& app, bool json) {
+void inspectCommand(const CommandContext& context, const std::string& app, bool json) {
     const fs::path url = absoluteFile(app);
     const std::optional<AppBundle> bundle = AppBundle::read(url);
     if (!bundle) {
         throw WrapperFactory::FactoryError::badTarget(url);
     }
-    with.output << (json ? document(jsonForm(*bundle)) : description(*bundle));
+    context.output << (json ? document(jsonForm(*bundle)) : description(*bundle));
 }
 
-void listCommand(const Surroundings& with, const std::vector<std::string>& searchDirs, bool json) {
-    InstanceRegistry registry = with.registry;
-    if (!searchDirs.empty()) {
-        registry.searchDirs.clear();
-        for (const std::string& folder : searchDirs) {
-            registry.searchDirs.push_back(absoluteFile(folder));
-        }
-    }
-    const std::vector<InstanceRecord> records = registry.list();
-    const RunningApplications running = with.workspace.runningApplications();
+void listCommand(const CommandContext& context, const std::vector<std::string>& searchDirs,
+                 bool json) {
+    std::vector<fs::path> folders;
+    std::transform(searchDirs.begin(), searchDirs.end(), std::back_inserter(folders), absoluteFile);
+    const std::vector<InstanceRecord> records =
+        (folders.empty() ? context.registry : InstanceRegistry(std::move(folders))).list();
+    const RunningApplications running = context.workspace.runningApplications();
     if (!json) {
-        with.output << listing(records, running);
+        context.output << listing(records, running);
         return;
     }
     nlohmann::json array = nlohmann::json::array();
     for (const InstanceRecord& record : records) {
         array.push_back(jsonForm(record, running));
     }
-    with.output << document(array);
+    context.output << document(array);
 }
 
-void showCommand(const Surroundings& with, const std::string& clone, bool json) {
-    const InstanceRecord record = findClone(with.registry, clone);
-    const RunningApplications running = with.workspace.runningApplications();
+void showCommand(const CommandContext& context, const std::string& clone, bool json) {
+    const InstanceRecord record = findClone(context.registry, clone);
+    const RunningApplications running = context.workspace.runningApplications();
     const auto logSize = logSizeOf(record.config);
     if (!json) {
-        with.output << description(record, running.contains(record.config.bundleId), logSize);
+        context.output << description(
+            record, {.running = running.contains(record.config.bundleId), .logSize = logSize});
         return;
     }
     nlohmann::json object = jsonForm(record, running);
     if (logSize) {
         object["logSize"] = *logSize;
     }
-    with.output << document(object);
+    context.output << document(object);
 }
 
-void createCommand(const Surroundings& with, const CreateOptions& options, bool json) {
+void createCommand(const CommandContext& context, const CreateOptions& options, bool json) {
     const WrapperFactory::Request request = requestFrom(options);
-    const WrapperFactory factory(
-        options.runner.empty() ? std::nullopt : std::optional(absolutePath(options.runner)));
-    checkCreation(with, request, factory.runnerBinary, options.sharedHome);
+    const WrapperFactory factory(options.runner);
+    checkCreation(context, request, factory.runnerBinary, options.sharedHome);
     const fs::path wrapper = factory.create(request);
-    const std::optional<InstanceRecord> record = with.registry.record(wrapper);
+    const std::optional<InstanceRecord> record = context.registry.record(wrapper);
     if (!record) {
         throw CommandError("The clone at " + wrapper.string() + " can’t be read back.");
     }
     if (!json) {
-        with.output << shownPath(with, wrapper) << "\n" << std::flush;
+        context.output << shownPath(context, wrapper) << "\n" << std::flush;
     }
     if (options.launch) {
-        openWrapper(with, *record);
+        openWrapper(context, *record);
     }
     if (json) {
-        with.output << document(jsonForm(*record, with.workspace.runningApplications()));
+        context.output << document(jsonForm(*record, context.workspace.runningApplications()));
     }
 }
 
-void openCommand(const Surroundings& with, const std::string& clone, bool json) {
-    const InstanceRecord record = findClone(with.registry, clone);
-    openWrapper(with, record);
+void openCommand(const CommandContext& context, const std::string& clone, bool json) {
+    const InstanceRecord record = findClone(context.registry, clone);
+    openWrapper(context, record);
     if (json) {
-        with.output << document({{"bundleURL", record.bundleURL.string()}});
+        context.output << document({{"bundleURL", record.bundleURL.string()}});
     }
 }
 

@@ -1,26 +1,25 @@
 #pragma once
 
+#include "CommandLine/CommandContext.h"
 #include "CommandLine/CreateOptions.h"
-#include "CommandLine/Surroundings.h"
 
 #include <string>
 #include <vector>
 
 /// The commands behind `quorvelctl`. Each prints its result and throws what goes wrong:
-/// `CommandError`, `UsageError` or the error of the room below.
+/// `CommandError`, `UsageError` or an error of the layers below.
 namespace quorvel {
 
-void inspectCommand(const Surroundings& with, const std::string& app, bool json);
-void listCommand(const Surroundings& with, const std::vector<std::string>& searchDirs, bool json);
-void showCommand(const Surroundings& with, const std::string& clone, bool json);
-void createCommand(const Surroundings& with, const CreateOptions& options, bool json);
-void openCommand(const Surroundings& with, const std::string& clone, bool json);
-
-struct DeleteOptions {
-    bool includingData = false;
-    bool yes = false; ///< don't ask
-};
-void deleteCommand(const Surroundings& with, const std::string& clone, const DeleteOptions& options,
-                   bool json);
+/// Prints the facts about an application bundle.
+void inspectCommand(const CommandContext& context, const std::string& app, bool json);
+/// Prints the clones in the folders; without any, those in ~/Applications.
+void listCommand(const CommandContext& context, const std::vector<std::string>& searchDirs,
+                 bool json);
+/// Prints one clone's facts.
+void showCommand(const CommandContext& context, const std::string& clone, bool json);
+/// Makes a clone, prints its path and opens it if the options say so.
+void createCommand(const CommandContext& context, const CreateOptions& options, bool json);
+/// Opens a clone.
+void openCommand(const CommandContext& context, const std::string& clone, bool json);
 
 } // namespace quorvel

@@ -1,6 +1,8 @@
 #include "CommandLine/CloneLookup.h"
 
-#include "CommandLine/Surroundings.h"
+#include "Base/PathText.h"
+#include "CommandLine/CommandContext.h"
+#include "LaunchKit/InstanceRecord.h"
 #include "LaunchKit/WrapperLayout.h"
 #include "Platform/files/FileSystem.h"
 #include "Platform/files/UserPaths.h"
@@ -30,7 +32,7 @@ InstanceRecord cloneAt(const InstanceRegistry& registry, const std::string& path
                                           : "There is no clone at " + bundle.string());
 }
 
-// No clone may take the place of a path by being named like one.
+// A clone named like a path must not be taken for that path.
 bool isPath(const std::string& words) {
     const auto starts = {"/", "~", "./", "../"};
     return std::any_of(starts.begin(), starts.end(),
@@ -47,7 +49,7 @@ fs::path absolutePath(const std::string& path) {
     if (std::find(whole.begin(), whole.end(), "..") == whole.end()) {
         return withoutTrailingSlashes(whole.lexically_normal());
     }
-    // A link before ".." decides where that leads; a link at the end is meant itself.
+    // A link before ".." decides where that leads; a link at the end is kept as it is.
     const fs::path name = whole.filename();
     std::error_code code;
     const fs::path resolved = name == "." || name == ".."
@@ -61,7 +63,7 @@ fs::path absoluteFile(const std::string& path) {
 }
 
 std::optional<fs::path> findDamagedClone(const std::string& words) {
-    // In a working folder that is gone, no other words can be made a path.
+    // In a working folder that was removed, no other words can become a path.
     if (!isPath(words)) {
         return std::nullopt;
     }

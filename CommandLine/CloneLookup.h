@@ -8,19 +8,19 @@
 
 namespace quorvel {
 
-/// The clone that a person means: a path to a wrapper, or a display name among the listed clones.
-/// Throws `CommandError` when there is none, or when several bear the name, with their paths.
+/// Resolves a path to a wrapper, or a display name among the listed clones, to a clone. Throws
+/// `CommandError` if there is none, or if several have the name; the text then has their paths.
 [[nodiscard]] InstanceRecord findClone(const InstanceRegistry& registry, const std::string& words);
 
-/// The wrapper at that path when it is one whose configuration can't be read, so that it is found
-/// neither by name nor as a clone.
+/// Returns the wrapper at that path if its configuration can't be read, so that `findClone` does
+/// not find it; otherwise std::nullopt.
 [[nodiscard]] std::optional<std::filesystem::path> findDamagedClone(const std::string& words);
 
-/// `path` as it stands when it begins with "~", else made absolute, without "." and "..", and
-/// without a slash at its end. ".." leads where the system would go, links followed.
+/// Returns `path` unchanged if it begins with "~" or is empty, else absolute, without "." and "..",
+/// and without a slash at its end. ".." leads where the system would go, following links.
 [[nodiscard]] std::filesystem::path absolutePath(const std::string& path);
 
-/// The file that the words name now: absolute, with "~" expanded.
+/// Returns the same path with "~" expanded.
 [[nodiscard]] std::filesystem::path absoluteFile(const std::string& path);
 
 } // namespace quorvel

@@ -3,35 +3,34 @@
 #include "LaunchKit/AppBundle.h"
 #include "LaunchKit/InstanceRegistry.h"
 #include "Platform/desktop/Workspace.h"
+#include "Presentation/CloneFacts.h"
 
-#include <nlohmann/json.hpp>
+#include <nlohmann/json_fwd.hpp>
 
-#include <cstdint>
-#include <optional>
 #include <string>
 #include <vector>
 
-/// The forms in which commands print what they found: JSON for scripts, text for people.
+/// The forms in which commands print what they found: JSON for scripts, text for readers.
 namespace quorvel {
 
+/// Returns the record's bundle, configuration and icon, and whether its wrapper runs.
 [[nodiscard]] nlohmann::json jsonForm(const InstanceRecord& record,
                                       const RunningApplications& running);
+/// Returns what is known about an application, and the default arguments of its engine.
 [[nodiscard]] nlohmann::json jsonForm(const AppBundle& bundle);
 
-/// The document as it goes to standard output, harmless to a terminal. Bytes that are no UTF-8
-/// become U+FFFD, since JSON has no other way to show them.
+/// Returns the document as it goes to standard output, safe for a terminal, with a line break at
+/// its end. Bytes that are not UTF-8 become U+FFFD, since JSON has no other way to show them.
 [[nodiscard]] std::string document(const nlohmann::json& value);
 
-/// A table with one line a clone.
+/// Returns a table with one line per clone, safe for a terminal.
 [[nodiscard]] std::string listing(const std::vector<InstanceRecord>& records,
                                   const RunningApplications& running);
 
-/// Everything about one clone, one fact a line. `logSize` is in bytes, absent without a log.
-[[nodiscard]] std::string description(const InstanceRecord& record, bool running,
-                                      std::optional<std::uintmax_t> logSize);
+/// Returns everything about one clone, safe for a terminal: one line per fact, or per line of its
+/// value.
+[[nodiscard]] std::string description(const InstanceRecord& record, const CloneState& state);
+/// Returns what is known about an application in the same form.
 [[nodiscard]] std::string description(const AppBundle& bundle);
-
-/// "734 bytes", "1.5 kB", "2.0 GB".
-[[nodiscard]] std::string sizeText(std::uintmax_t bytes);
 
 } // namespace quorvel

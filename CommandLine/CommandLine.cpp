@@ -2,8 +2,10 @@
 
 #include "Base/TerminalText.h"
 #include "CommandLine/CloneCommands.h"
+#include "CommandLine/DeleteCommand.h"
 #include "CommandLine/IconCommand.h"
 #include "CommandLine/MigrateCommand.h"
+#include "CommandLine/OptionBinding.h"
 #include "CommandLine/ProbeCommands.h"
 
 #include <CLI/CLI.hpp>
@@ -31,17 +33,6 @@ struct Words {
 
 using Command = std::function<void()>;
 
-// A repeatable option that takes exactly one value each time, whatever that value looks like.
-void addRepeatable(CLI::App& command, const std::string& name, std::vector<std::string>& values,
-                   const std::string& help, const std::string& placeholder) {
-    command
-        .add_option_function<std::string>(
-            name, [&values](const std::string& value) { values.push_back(value); }, help)
-        ->trigger_on_parse()
-        ->multi_option_policy(CLI::MultiOptionPolicy::TakeLast)
-        ->type_name(placeholder);
-}
-
 CLI::App& addCommand(CLI::App& program, const std::string& name, const std::string& help,
                      Words& words, Command& chosen, Command run) {
     CLI::App* command = program.add_subcommand(name, help);
@@ -57,61 +48,12 @@ void addCloneOperand(CLI::App& command, Words& words) {
         ->type_name("");
 }
 
-void addCreateOptions(CLI::App& create, CreateOptions& o) {
-    const auto text = [&](const char* name, std::string& value, const char* help,
-                          const char* placeholder) {
-        return create.add_option(name, value, help)->type_name(placeholder);
-    };
-    text("--kind", o.kind, "What the clone opens: app, web, file or command", "KIND")
-        ->check(CLI::IsMember({"app", "web", "file", "command"}).description(""));
-    text("--name", o.name, "The clone's name", "NAME");
-    text("--target", o.target, "The application to clone", "APP");
-    text("--url", o.url, "The address that a web clone opens", "URL");
-    text("--open", o.open, "The file or folder that a file clone opens", "PATH");
-    text("--command", o.command, "The program that a command clone runs", "PATH");
-    addRepeatable(create, "--arg", o.commandArgs, "An argument of the command (repeatable)", "A");
-    text("--workdir", o.workingDirectory, "The command's working directory", "DIR");
-    text("--home", o.home, "The data folder (default: ~/QuorvelInstances/NAME)", "DIR");
-    create.add_flag("--shared-home", o.sharedHome,
-                    "The data folder may be another clone's, or the user's own");
-    text("--output", o.output, "Where the clone is put (default: ~/Applications)", "DIR");
-    text("--bundle-id", o.bundleId, "The clone's bundle identifier", "ID");
-    text("--strategy", o.strategy,
-         "How its data is kept apart: home-override, container-redirect, wrapper-identity or "
-         "unsupported",
-         "STRATEGY")
-        ->check(CLI::IsMember(
-                    {"home-override", "container-redirect", "wrapper-identity", "unsupported"})
-                    .description(""));
-    text("--icon", o.icon, "An icon file to use instead of the target's", "FILE");
-    create.add_flag("--hide-icon", o.hideIcon, "Show no Dock icon");
-    addRepeatable(create, "--extra-arg", o.extraArgs,
-                  "An argument for the target (repeatable; default: what its engine needs)", "A");
-    create.add_flag("--no-extra-args", o.noExtraArgs, "No arguments for the target at all");
-    addRepeatable(create, "--env", o.environment, "An environment variable (repeatable)", "K=V");
-    addRepeatable(create, "--plist", o.plist, "An entry of the property list (repeatable)", "K=V");
-    create.add_flag("--browser", o.browser, "Register as a web browser");
-    create.add_flag("--open-with", o.openWith, "Open any document with the clone");
-    text("--label", o.label, "A short text on the icon", "TEXT");
-    text("--label-color", o.labelColor, "Its colour (default: #FFFFFF)", "HEX");
-    text("--label-position", o.labelPosition, "Where it sits: bottom, center or top", "P")
-        ->check(CLI::IsMember({"bottom", "center", "top"}).description(""));
-    create.add_flag("--menu-bar-icon", o.menuBarIcon, "Show an icon in the menu bar");
-    create.add_flag("--menu-bar-template", o.menuBarTemplate, "Draw that icon in one colour");
-    create.add_flag("--isolate-folders", o.isolateFolders,
-                    "Own Downloads, Documents and Desktop instead of the user's");
-    text("--runner", o.runner, "The runner to put into the clone", "FILE");
-    create.add_flag("--launch", o.launch, "Open the clone at once");
-}
-
 void addIconOptions(CLI::App& icon, IconOptions& o) {
     icon.add_option("SOURCE", o.source, "An icon, or any image")->required()->type_name("");
     icon.add_flag("--list", o.list, "Show the images in the icon instead");
     icon.add_option("--label", o.label, "The text to draw")->type_name("TEXT");
     icon.add_option("--color", o.color, "Its colour (default: #FFFFFF)")->type_name("HEX");
-    icon.add_option("--position", o.position, "Where it sits: bottom, center or top")
-        ->type_name("P")
-        ->check(CLI::IsMember({"bottom", "center", "top"}).description(""));
+    addChoice(icon, "--position", "Where it sits", "P", o.position);
     icon.add_option("--output", o.output, "The icon to write")->type_name("FILE");
 }
 
@@ -131,41 +73,43 @@ void addProbeOptions(CLI::App& probe, ProbeOptions& o) {
 }
 
 // The commands about applications that are no clones.
-void addAppCommands(CLI::App& program, Words& words, Command& chosen, const Surroundings& with) {
+void addAppCommands(CLI::App& program, Words& words, Command& chosen,
+                    const CommandContext& context) {
     addAppOperand(addCommand(program, "inspect", "Show the facts about an application", words,
-                             chosen, [&] { inspectCommand(with, words.operand, words.json); }),
+                             chosen, [&] { inspectCommand(context, words.operand, words.json); }),
                   words);
     addRepeatable(addCommand(program, "apps", "List the installed applications", words, chosen,
-                             [&] { appsCommand(with, words.searchDirs, words.json); }),
-                  "--search-dir", words.searchDirs,
-                  "A folder to look in instead of the usual ones (repeatable)", "DIR");
+                             [&] { appsCommand(context, words.searchDirs, words.json); }),
+                  "--search-dir", "A folder to look in instead of the usual ones (repeatable)",
+                  "DIR", words.searchDirs);
     CLI::App& probe = addCommand(
         program, "probe", "Try an application out, and recommend how to isolate it", words, chosen,
-        [&] { probeCommand(with, words.operand, words.probe, words.json); });
+        [&] { probeCommand(context, words.operand, words.probe, words.json); });
     addAppOperand(probe, words);
     addProbeOptions(probe, words.probe);
     addCommand(program, "running", "List the running applications", words, chosen,
-               [&] { runningCommand(with, words.bundleId, words.json); })
+               [&] { runningCommand(context, words.bundleId, words.json); })
         .add_option("BUNDLE-ID", words.bundleId, "Only those with this identifier")
         ->type_name("");
 }
 
-void addCloneCommands(CLI::App& program, Words& words, Command& chosen, const Surroundings& with) {
+void addCloneCommands(CLI::App& program, Words& words, Command& chosen,
+                      const CommandContext& context) {
     addRepeatable(addCommand(program, "list", "List the clones", words, chosen,
-                             [&] { listCommand(with, words.searchDirs, words.json); }),
-                  "--search-dir", words.searchDirs,
-                  "A folder to look in instead of ~/Applications (repeatable)", "DIR");
+                             [&] { listCommand(context, words.searchDirs, words.json); }),
+                  "--search-dir", "A folder to look in instead of ~/Applications (repeatable)",
+                  "DIR", words.searchDirs);
     addCloneOperand(addCommand(program, "show", "Show one clone", words, chosen,
-                               [&] { showCommand(with, words.operand, words.json); }),
+                               [&] { showCommand(context, words.operand, words.json); }),
                     words);
     addCreateOptions(addCommand(program, "create", "Make a clone and print its path", words, chosen,
-                                [&] { createCommand(with, words.create, words.json); }),
+                                [&] { createCommand(context, words.create, words.json); }),
                      words.create);
     addCloneOperand(addCommand(program, "open", "Open a clone", words, chosen,
-                               [&] { openCommand(with, words.operand, words.json); }),
+                               [&] { openCommand(context, words.operand, words.json); }),
                     words);
     CLI::App& remove = addCommand(program, "delete", "Delete a clone", words, chosen, [&] {
-        deleteCommand(with, words.operand, words.remove, words.json);
+        deleteCommand(context, words.operand, words.remove, words.json);
     });
     addCloneOperand(remove, words);
     remove.add_flag("--including-data", words.remove.includingData, "Delete its data folder too");
@@ -174,10 +118,10 @@ void addCloneCommands(CLI::App& program, Words& words, Command& chosen, const Su
                                "Move a clone's own Downloads, Documents and Desktop files into "
                                "the user's folders, and share these from now on",
                                words, chosen,
-                               [&] { migrateCommand(with, words.operand, words.json); }),
+                               [&] { migrateCommand(context, words.operand, words.json); }),
                     words);
     addIconOptions(addCommand(program, "icon", "Draw a text onto an icon", words, chosen,
-                              [&] { iconCommand(with, words.icon, words.json); }),
+                              [&] { iconCommand(context, words.icon, words.json); }),
                    words.icon);
 }
 
@@ -187,8 +131,8 @@ std::string usage(const CLI::App& program) {
     return chosen.empty() ? program.help() : chosen.front()->help(program.get_name());
 }
 
-int showUsage(const CLI::App& program, const Surroundings& with, const std::string& message) {
-    with.errors << terminalText(message) << "\n\n" << usage(program);
+int showUsage(const CLI::App& program, const CommandContext& context, const std::string& message) {
+    context.errors << terminalText(message) << "\n\n" << usage(program);
     return 2;
 }
 
@@ -231,14 +175,14 @@ std::vector<std::string> withEmptyValues(const CLI::App& program,
 
 } // namespace
 
-int runCommandLine(const std::vector<std::string>& arguments, const Surroundings& with) {
+int runCommandLine(const std::vector<std::string>& arguments, const CommandContext& context) {
     CLI::App program("Makes isolated copies of applications, and shortcuts.", "quorvelctl");
     program.set_version_flag("--version", "quorvelctl " QUORVEL_VERSION);
     program.require_subcommand(1);
     Words words;
     Command chosen;
-    addAppCommands(program, words, chosen, with);
-    addCloneCommands(program, words, chosen, with);
+    addAppCommands(program, words, chosen, context);
+    addCloneCommands(program, words, chosen, context);
     try {
         std::vector<std::string> reversed = withEmptyValues(program, arguments);
         std::reverse(reversed.begin(), reversed.end());
@@ -246,17 +190,17 @@ int runCommandLine(const std::vector<std::string>& arguments, const Surroundings
         chosen();
         return 0;
     } catch (const CLI::CallForHelp&) {
-        with.output << usage(program);
+        context.output << usage(program);
         return 0;
     } catch (const CLI::CallForVersion&) {
-        with.output << program.version() << "\n";
+        context.output << program.version() << "\n";
         return 0;
     } catch (const CLI::ParseError& error) {
-        return showUsage(program, with, error.what());
+        return showUsage(program, context, error.what());
     } catch (const UsageError& error) {
-        return showUsage(program, with, error.what());
+        return showUsage(program, context, error.what());
     } catch (const std::exception& error) {
-        with.errors << terminalText(error.what()) << "\n";
+        context.errors << terminalText(error.what()) << "\n";
         return 1;
     }
 }

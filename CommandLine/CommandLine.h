@@ -1,6 +1,6 @@
 #pragma once
 
-#include "CommandLine/Surroundings.h"
+#include "CommandLine/CommandContext.h"
 
 #include <string>
 #include <vector>
@@ -10,6 +10,6 @@ namespace quorvel {
 /// Runs `quorvelctl` with these arguments (without the program's name). Results go to the output,
 /// an error as one line to the errors. Gives the exit status: 0, 1 for an error, 2 for wrong usage.
 [[nodiscard]] int runCommandLine(const std::vector<std::string>& arguments,
-                                 const Surroundings& with);
+                                 const CommandContext& context);
 
 } // namespace quorvel

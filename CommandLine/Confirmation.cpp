@@ -7,10 +7,10 @@
 
 namespace quorvel {
 
-bool confirmed(const Surroundings& with, const std::string& question) {
-    with.errors << terminalText(question) << " [y/N] " << std::flush;
+bool confirmed(const CommandContext& context, const std::string& question) {
+    context.errors << terminalText(question) << " [y/N] " << std::flush;
     std::string answer;
-    std::getline(with.input, answer);
+    std::getline(context.input, answer);
     return answer == "y" || answer == "Y" || answer == "yes";
 }
 

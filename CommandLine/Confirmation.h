@@ -1,13 +1,13 @@
 #pragma once
 
-#include "CommandLine/Surroundings.h"
+#include "CommandLine/CommandContext.h"
 
 #include <string>
 
 namespace quorvel {
 
-/// Asks on the errors, with what would steer the terminal made visible, and reads a line. Only "y",
-/// "Y" and "yes" are a yes.
-[[nodiscard]] bool confirmed(const Surroundings& with, const std::string& question);
+/// Asks on the error stream, made safe for a terminal, and reads a line. Returns true for "y", "Y"
+/// and "yes" only.
+[[nodiscard]] bool confirmed(const CommandContext& context, const std::string& question);
 
 } // namespace quorvel

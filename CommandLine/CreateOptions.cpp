@@ -1,101 +1,157 @@
 #include "CommandLine/CreateOptions.h"
 
 #include "CommandLine/CloneLookup.h"
-#include "CommandLine/Surroundings.h"
+#include "CommandLine/CommandContext.h"
+#include "CommandLine/OptionBinding.h"
 #include "LaunchKit/RequestCheck.h"
+
+#include <CLI/CLI.hpp>
 
 namespace quorvel {
 namespace fs = std::filesystem;
 namespace {
 
-std::optional<std::string> given(const std::string& text) {
-    return text.empty() ? std::nullopt : std::optional(text);
-}
+using Text = std::optional<std::string>;
 
-// A path that is kept in the configuration, where "~" stands for the home of whoever opens it.
-std::optional<std::string> givenPath(const std::string& text) {
-    return text.empty() ? std::nullopt : std::optional(absolutePath(text).string());
-}
+// Each of these adds an option with one value; an empty one means that it was not given.
+struct ValueOptions {
+    CLI::App& command;
 
-std::optional<fs::path> givenFile(const std::string& text) {
-    return text.empty() ? std::nullopt : std::optional(absoluteFile(text));
-}
+    void text(const char* name, Text& to, const char* help, const char* placeholder) const {
+        add(
+            name, help, placeholder, [&to](const std::string& value) { to = value; }, to);
+    }
 
-std::map<std::string, std::string> pairs(const std::vector<std::string>& texts,
-                                         const char* option) {
-    std::map<std::string, std::string> result;
-    for (const std::string& text : texts) {
+    // A path that is kept in the configuration, where "~" is the home of the user who opens it.
+    void path(const char* name, Text& to, const char* help, const char* placeholder) const {
+        add(
+            name, help, placeholder,
+            [&to](const std::string& value) { to = absolutePath(value).string(); }, to);
+    }
+
+    void file(const char* name, std::optional<fs::path>& to, const char* help,
+              const char* placeholder) const {
+        add(
+            name, help, placeholder, [&to](const std::string& value) { to = absoluteFile(value); },
+            to);
+    }
+
+private:
+    template<typename Take, typename Value>
+    void add(const char* name, const char* help, const char* placeholder, Take take,
+             std::optional<Value>& to) const {
+        command
+            .add_option_function<std::string>(
+                name,
+                [take, &to](const std::string& value) {
+                    if (value.empty()) {
+                        to.reset();
+                    } else {
+                        take(value);
+                    }
+                },
+                help)
+            ->type_name(placeholder);
+    }
+};
+
+void addPairs(CLI::App& create, const std::string& name, const char* help,
+              std::map<std::string, std::string>& to) {
+    addRepeatable(create, name, help, "K=V", [name, &to](const std::string& text) {
         const std::size_t equals = text.find('=');
         if (equals == std::string::npos || equals == 0) {
-            throw UsageError(std::string(option) + " takes KEY=VALUE, not " + text);
+            throw UsageError(name + " takes KEY=VALUE, not " + text);
         }
-        result.insert_or_assign(text.substr(0, equals), text.substr(equals + 1));
-    }
-    return result;
+        to.insert_or_assign(text.substr(0, equals), text.substr(equals + 1));
+    });
 }
 
-template<typename Case>
-Case known(const std::optional<Case>& value, const char* option, const std::string& text) {
-    if (!value) {
-        throw UsageError(std::string(option) + " does not know " + text);
-    }
-    return *value;
+void addTargetOptions(CLI::App& create, WrapperFactory::Request& request) {
+    const ValueOptions add{create};
+    addChoice(create, "--kind", "What the clone opens", "KIND", request.kind);
+    create.add_option("--name", request.displayName, "The clone's name")->type_name("NAME");
+    add.file("--target", request.targetApp, "The application to clone", "APP");
+    add.text("--url", request.url, "The address that a web clone opens", "URL");
+    add.path("--open", request.openPath, "The file or folder that a file clone opens", "PATH");
+    add.path("--command", request.commandPath, "The program that a command clone runs", "PATH");
+    addRepeatable(create, "--arg", "An argument of the command (repeatable)", "A",
+                  request.commandArgs);
+    add.path("--workdir", request.workingDirectory, "The command's working directory", "DIR");
 }
 
-void requireTarget(ShortcutKind kind, const CreateOptions& options) {
-    const auto require = [&](ShortcutKind needing, const std::string& value, const char* option) {
-        if (kind == needing && value.empty()) {
-            throw UsageError("--kind " + std::string(rawString(kind)) + " needs " + option);
+void addIconOptions(CLI::App& create, CreateOptions& options) {
+    ValueOptions{create}.file("--icon", options.request.customIcon,
+                              "An icon file to use instead of the target's", "FILE");
+    create.add_flag("--hide-icon", options.request.hideWrapperIcon, "Show no Dock icon");
+    create.add_option("--label", options.label.text, "A short text on the icon")->type_name("TEXT");
+    create.add_option("--label-color", options.label.colorHex, "Its colour (default: #FFFFFF)")
+        ->type_name("HEX");
+    addChoice(create, "--label-position", "Where it sits", "P", options.label.position);
+}
+
+void addArgumentOptions(CLI::App& create, CreateOptions& options) {
+    addRepeatable(create, "--extra-arg",
+                  "An argument for the target (repeatable; default: what its engine needs)", "A",
+                  options.extraArgs);
+    create.add_flag("--no-extra-args", options.noExtraArgs, "No arguments for the target at all");
+    addPairs(create, "--env", "An environment variable (repeatable)", options.request.environment);
+    addPairs(create, "--plist", "An entry of the property list (repeatable)",
+             options.request.infoPlistOverrides);
+}
+
+void addSwitches(CLI::App& create, CloneOptions& options) {
+    for (const CloneSwitch& each : cloneSwitches) {
+        create.add_flag_callback(
+            each.flag, [&options, &each] { options.*each.member = !each.defaultValue(); },
+            each.help);
+    }
+}
+
+void requireTarget(const WrapperFactory::Request& request) {
+    const auto require = [&](ShortcutKind needing, const Text& value, const char* option) {
+        if (request.kind == needing && !value) {
+            throw UsageError("--kind " + std::string(rawString(needing)) + " needs " + option);
         }
     };
-    require(ShortcutKind::web, options.url, "--url");
-    require(ShortcutKind::file, options.open, "--open");
-    require(ShortcutKind::command, options.command, "--command");
-}
-
-std::optional<IconLabel> label(const CreateOptions& options) {
-    if (options.label.empty()) {
-        return std::nullopt;
-    }
-    return IconLabel{options.label, options.labelColor,
-                     known(iconLabelPositionFromRawString(options.labelPosition),
-                           "--label-position", options.labelPosition)};
+    require(ShortcutKind::web, request.url, "--url");
+    require(ShortcutKind::file, request.openPath, "--open");
+    require(ShortcutKind::command, request.commandPath, "--command");
 }
 
 } // namespace
 
+void addCreateOptions(CLI::App& create, CreateOptions& options) {
+    WrapperFactory::Request& request = options.request;
+    const ValueOptions add{create};
+    addTargetOptions(create, request);
+    add.path("--home", request.instanceHome, "The data folder (default: ~/QuorvelInstances/NAME)",
+             "DIR");
+    create.add_flag("--shared-home", options.sharedHome,
+                    "The data folder may be another clone's, or the user's own");
+    add.file("--output", request.outputDir, "Where the clone is put (default: ~/Applications)",
+             "DIR");
+    add.text("--bundle-id", request.bundleId, "The clone's bundle identifier", "ID");
+    addChoice(create, "--strategy", "How its data is kept apart", "STRATEGY", request.strategy);
+    addIconOptions(create, options);
+    addArgumentOptions(create, options);
+    addSwitches(create, request);
+    add.file("--runner", options.runner, "The runner to put into the clone", "FILE");
+    create.add_flag("--launch", options.launch, "Open the clone at once");
+}
+
 WrapperFactory::Request requestFrom(const CreateOptions& options) {
-    WrapperFactory::Request request;
-    request.kind = known(shortcutKindFromRawString(options.kind), "--kind", options.kind);
-    requireTarget(request.kind, options);
-    request.targetApp = givenFile(options.target);
-    request.displayName = checkedCloneName(options.name);
-    request.url = given(options.url);
-    request.openPath = givenPath(options.open);
-    request.commandPath = givenPath(options.command);
-    request.commandArgs = options.commandArgs;
-    request.workingDirectory = givenPath(options.workingDirectory);
-    request.instanceHome = givenPath(options.home);
-    request.outputDir = givenFile(options.output);
-    request.bundleId = given(options.bundleId);
-    request.strategy =
-        known(strategyFromRawString(options.strategy), "--strategy", options.strategy);
-    request.customIcon = givenFile(options.icon);
-    request.hideWrapperIcon = options.hideIcon;
+    WrapperFactory::Request request = options.request;
+    requireTarget(request);
+    request.displayName = checkedCloneName(request.displayName);
     if (options.noExtraArgs && !options.extraArgs.empty()) {
-        throw UsageError("--no-extra-args and --extra-arg exclude each other");
+        throw UsageError("--no-extra-args and --extra-arg can’t be used together");
     }
     if (options.noExtraArgs || !options.extraArgs.empty()) {
         request.extraArgs = options.extraArgs;
     }
-    request.environment = pairs(options.environment, "--env");
-    request.infoPlistOverrides = pairs(options.plist, "--plist");
-    request.registerAsBrowser = options.browser;
-    request.openWithPassthrough = options.openWith;
-    request.iconLabel = label(options);
-    request.menuBarIcon = options.menuBarIcon;
-    request.menuBarIconTemplate = options.menuBarTemplate;
-    request.shareUserFolders = !options.isolateFolders;
+    if (!options.label.text.empty()) {
+        request.iconLabel = options.label;
+    }
     return request;
 }
 

@@ -2,48 +2,35 @@
 
 #include "LaunchKit/WrapperFactory.h"
 
+#include <filesystem>
 #include <optional>
 #include <string>
 #include <vector>
 
+namespace CLI {
+class App;
+}
+
 namespace quorvel {
 
-/// The words of `quorvelctl create`, before they are understood. Empty means not given.
+/// What the options of `quorvelctl create` set.
 struct CreateOptions {
-    std::string kind = "app";
-    std::string name{};
-    std::string target{};
-    std::string url{};
-    std::string open{};
-    std::string command{};
-    std::vector<std::string> commandArgs{};
-    std::string workingDirectory{};
-    std::string home{};
-    bool sharedHome = false;
-    std::string output{};
-    std::string bundleId{};
-    std::string strategy = "home-override";
-    std::string icon{};
-    bool hideIcon = false;
+    WrapperFactory::Request request{}; ///< but for what the next three add to it
+    IconLabel label{.colorHex = "#FFFFFF"};
     std::vector<std::string> extraArgs{};
     bool noExtraArgs = false;
-    std::vector<std::string> environment{}; ///< "K=V"
-    std::vector<std::string> plist{};       ///< "K=V"
-    bool browser = false;
-    bool openWith = false;
-    std::string label{};
-    std::string labelColor = "#FFFFFF";
-    std::string labelPosition = "bottom";
-    bool menuBarIcon = false;
-    bool menuBarTemplate = false;
-    bool isolateFolders = false;
-    std::string runner{};
+    bool sharedHome = false;
+    std::optional<std::filesystem::path> runner{};
     bool launch = false;
 };
 
-/// The request that the words mean, with paths made absolute; those that the configuration keeps
-/// may begin with "~". Throws `UsageError` for words that make no sense, `RefusedRequest` for a
-/// name that can't be a clone's.
+/// Adds the options of `create`, which set `options`; both must outlive the parsing, which throws
+/// `UsageError` for an entry without a key. An empty text means that the option was not given.
+/// Paths become absolute; those that the configuration keeps may begin with "~".
+void addCreateOptions(CLI::App& create, CreateOptions& options);
+
+/// Returns the whole request. Throws `UsageError` for options that don't fit together, and
+/// `RefusedRequest` for a name that can't be a clone's.
 [[nodiscard]] WrapperFactory::Request requestFrom(const CreateOptions& options);
 
 } // namespace quorvel

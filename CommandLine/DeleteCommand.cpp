@@ -1,29 +1,38 @@
+#include "CommandLine/DeleteCommand.h"
+
 #include "Base/TerminalText.h"
-#include "CommandLine/CloneCommands.h"
 #include "CommandLine/CloneLookup.h"
 #include "CommandLine/CloneTexts.h"
 #include "CommandLine/Confirmation.h"
 #include "LaunchKit/CloneDeletion.h"
 #include "LaunchKit/DataFolderGuard.h"
 #include "LaunchKit/HomeLock.h"
+#include "Platform/files/FileRemoval.h"
 #include "Platform/files/FileSystem.h"
+#include "Presentation/DeletionWarning.h"
 
+#include <nlohmann/json.hpp>
+
+#include "LaunchKit/InstanceRecord.h"
+
+#include <nlohmann/json.hpp>
 #include <ostream>
 
 namespace quorvel {
 namespace fs = std::filesystem;
 namespace {
 
-// What a person is told before data is deleted under a living program; empty when there is none.
-std::string runningWarning(const Surroundings& with, const InstanceRecord& record) {
-    return isHomeInUse(record.config) ||
-                   with.workspace.runningApplications().contains(record.config.bundleId)
-               ? "“" + record.config.displayName +
-                     "” is running: it loses what it has open, and may write data anew."
-               : "";
+// The warning before data of a running program is deleted; empty if none runs.
+std::string runningWarning(const CommandContext& context, const InstanceRecord& record) {
+    if (!isHomeInUse(record.config) &&
+        !context.workspace.runningApplications().contains(record.config.bundleId)) {
+        return {};
+    }
+    const DeletionWarning warning = deletionWarning(record.config.displayName);
+    return warning.title + ". " + warning.text;
 }
 
-// Whether it is nothing that a deletion takes, even when asked.
+// Whether a deletion keeps it, even when asked to delete data.
 bool keepsData(const DataFolder& data) {
     return data.isNone || holdsUserHome(data.path);
 }
@@ -43,11 +52,11 @@ std::string question(const InstanceRecord& record, const DeleteOptions& options,
            folder + "?" + (warning.empty() ? "" : " " + warning);
 }
 
-void confirm(const Surroundings& with, const DeleteOptions& options, const std::string& text) {
-    if (!options.yes && !with.inputIsTerminal) {
-        throw UsageError("Deleting needs --yes where nobody can be asked");
+void confirm(const CommandContext& context, const DeleteOptions& options, const std::string& text) {
+    if (!options.yes && !context.inputIsTerminal) {
+        throw UsageError("--yes is required when input is not a terminal");
     }
-    if (!options.yes && !confirmed(with, text)) {
+    if (!options.yes && !confirmed(context, text)) {
         throw CommandError("Nothing was deleted.");
     }
 }
@@ -59,52 +68,52 @@ nlohmann::json deletedDataForm(const DeletedData& data) {
     return data.outcome == DeletedData::Case::removed;
 }
 
-// Nobody knows where such a clone's data is.
-void deleteDamagedClone(const Surroundings& with, const fs::path& wrapper,
+// It is unknown where such a clone's data is.
+void deleteDamagedClone(const CommandContext& context, const fs::path& wrapper,
                         const DeleteOptions& options, bool json) {
     if (options.includingData) {
         throw CommandError("The configuration of " + wrapper.string() +
                            " can’t be read, so its data folder is not known. Delete the clone "
                            "without --including-data.");
     }
-    confirm(with, options,
+    confirm(context, options,
             "The configuration of " + wrapper.string() +
                 " can’t be read, so its data folder is not known and stays. Delete the clone?");
     removeWrapper(wrapper);
     if (json) {
-        with.output << document({{"bundleURL", wrapper.string()}, {"deletedData", false}});
+        context.output << document({{"bundleURL", wrapper.string()}, {"deletedData", false}});
     }
 }
 
 } // namespace
 
-void deleteCommand(const Surroundings& with, const std::string& clone, const DeleteOptions& options,
-                   bool json) {
+void deleteCommand(const CommandContext& context, const std::string& clone,
+                   const DeleteOptions& options, bool json) {
     if (const auto damaged = findDamagedClone(clone)) {
-        deleteDamagedClone(with, *damaged, options, json);
+        deleteDamagedClone(context, *damaged, options, json);
         return;
     }
-    const InstanceRecord record = findClone(with.registry, clone);
+    const InstanceRecord record = findClone(context.registry, clone);
     const bool takesData = options.includingData && !keepsData(dataFolderOf(record.config));
-    const std::string warning = takesData ? runningWarning(with, record) : "";
-    confirm(with, options, question(record, options, warning));
+    const std::string warning = takesData ? runningWarning(context, record) : "";
+    confirm(context, options, question(record, options, warning));
     if (options.yes && !warning.empty()) {
-        with.errors << terminalText(warning) << "\n" << std::flush;
+        context.errors << terminalText(warning) << "\n" << std::flush;
     }
-    const DeletedData data = with.registry.remove(record, options.includingData);
+    const DeletedData data = context.registry.remove(record, options.includingData);
     if (json) {
         nlohmann::json form{{"bundleURL", record.bundleURL.string()},
                             {"deletedData", deletedDataForm(data)}};
         if (!data.wrapperReason.empty()) {
             form["deletedClone"] = false;
         }
-        with.output << document(form);
+        context.output << document(form);
     }
     if (data.isFailure()) {
         throw CommandError(data.description());
     }
     if (const std::string note = data.description(); !json && !note.empty()) {
-        with.errors << terminalText(note) << "\n";
+        context.errors << terminalText(note) << "\n";
     }
 }
 

@@ -24,28 +24,24 @@ nlohmann::json jsonForm(const std::vector<IcnsEntry>& entries) {
     return list;
 }
 
-void listIcon(const Surroundings& with, const std::filesystem::path& source, bool json) {
+void listIcon(const CommandContext& context, const std::filesystem::path& source, bool json) {
     const auto file = IcnsFile::read(source);
     if (!file) {
         throw CommandError("Not an icon container (.icns): " + source.string());
     }
-    with.output << (json ? document(jsonForm(file->entries())) : listing(file->entries()));
+    context.output << (json ? document(jsonForm(file->entries())) : listing(file->entries()));
 }
 
-void composeIcon(const Surroundings& with, const IconOptions& options, bool json) {
-    const auto position = iconLabelPositionFromRawString(options.position);
-    if (!position) {
-        throw UsageError("--position is bottom, center or top.");
-    }
+void composeIcon(const CommandContext& context, const IconOptions& options, bool json) {
     if (options.label.empty() || options.output.empty()) {
         throw UsageError("An icon needs --label TEXT and --output FILE, or --list.");
     }
     const std::filesystem::path output = absoluteFile(options.output);
-    IconComposer::compose(absoluteFile(options.source), {options.label, options.color, *position},
-                          output);
+    IconComposer::compose(absoluteFile(options.source),
+                          {options.label, options.color, options.position}, output);
     const std::string path = output.string();
-    with.output << (json ? document({{"icon", path}})
-                         : (with.outputIsTerminal ? terminalText(path) : path) + "\n");
+    context.output << (json ? document({{"icon", path}})
+                            : (context.outputIsTerminal ? terminalText(path) : path) + "\n");
 }
 
 } // namespace
@@ -62,11 +58,11 @@ std::string listing(const std::vector<IcnsEntry>& entries) {
     return text;
 }
 
-void iconCommand(const Surroundings& with, const IconOptions& options, bool json) {
+void iconCommand(const CommandContext& context, const IconOptions& options, bool json) {
     if (options.list) {
-        listIcon(with, absoluteFile(options.source), json);
+        listIcon(context, absoluteFile(options.source), json);
     } else {
-        composeIcon(with, options, json);
+        composeIcon(context, options, json);
     }
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
-#include "CommandLine/Surroundings.h"
+#include "CommandLine/CommandContext.h"
+#include "LaunchKit/IconLabel.h"
 #include "LaunchKit/Icons/IcnsFile.h"
 
 #include <string>
@@ -8,22 +9,22 @@
 
 namespace quorvel {
 
-/// The words behind `quorvelctl icon`.
+/// The options of `quorvelctl icon`.
 struct IconOptions {
     std::string source{};
-    bool list = false; ///< print what the source holds; the rest is then ignored
+    bool list = false; ///< print what the source contains; the rest is then ignored
     std::string label{};
     std::string color = "#FFFFFF";
-    std::string position = "bottom";
+    IconLabel::Position position = IconLabel::Position::bottom;
     std::string output{};
 };
 
 /// Prints the entries of the container `source`, or draws the label onto it and prints the path of
-/// the file that was written. Throws `UsageError` (no output file, an unknown position),
-/// `CommandError` (no icon container) or `IconComposer::ComposeError`.
-void iconCommand(const Surroundings& with, const IconOptions& options, bool json);
+/// the written file. Throws `UsageError` (no label or output file), `CommandError` (not
+/// an icon container) or `IconComposer::ComposeError`.
+void iconCommand(const CommandContext& context, const IconOptions& options, bool json);
 
-/// One line an entry: type, encoding and size in pixels.
+/// Returns one line per entry: type, encoding and size in pixels.
 [[nodiscard]] std::string listing(const std::vector<IcnsEntry>& entries);
 
 } // namespace quorvel

@@ -5,6 +5,8 @@
 #include "CommandLine/CloneTexts.h"
 #include "LaunchKit/HomeLock.h"
 #include "LaunchKit/InstanceLauncher.h"
+#include "LaunchKit/InstanceRecord.h"
+#include "Presentation/MigrationSummary.h"
 
 #include <nlohmann/json.hpp>
 
@@ -26,30 +28,27 @@ nlohmann::json jsonForm(const InstanceLauncher::Migration& migration) {
 
 std::string movedLines(const InstanceLauncher::Migration& migration) {
     std::string lines;
-    for (const std::string_view name : InstanceLauncher::sharedUserFolders) {
-        const auto found = migration.moved.find(std::string(name));
-        if (found != migration.moved.end() && found->second > 0) {
-            lines += "Moved " + std::to_string(found->second) + " from " + std::string(name) + "\n";
-        }
+    for (const std::string& part : movedParts(migration)) {
+        lines += "Moved " + part + "\n";
     }
     return lines;
 }
 
 } // namespace
 
-void migrateCommand(const Surroundings& with, const std::string& clone, bool json) {
-    const InstanceRecord record = findClone(with.registry, clone);
+void migrateCommand(const CommandContext& context, const std::string& clone, bool json) {
+    const InstanceRecord record = findClone(context.registry, clone);
     requireUnusedHome(record.config);
     const InstanceLauncher::Migration migration =
         InstanceLauncher::migrateSharedUserFolders(record.config.resolvedHome());
     const bool complete = migration.unmoved.empty();
     if (complete) {
-        with.registry.shareUserFolders(record);
+        context.registry.shareUserFolders(record);
     }
-    with.output << (json ? document(jsonForm(migration)) : movedLines(migration)) << std::flush;
+    context.output << (json ? document(jsonForm(migration)) : movedLines(migration)) << std::flush;
     if (!complete) {
         for (const InstanceLauncher::UnmovedItem& item : migration.unmoved) {
-            with.errors << terminalText(item.reason) << "\n";
+            context.errors << terminalText(item.reason) << "\n";
         }
         throw CommandError("Not everything was moved; the rest is still in " +
                            record.config.resolvedHome() + ".");

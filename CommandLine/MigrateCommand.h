@@ -1,14 +1,14 @@
 #pragma once
 
-#include "CommandLine/Surroundings.h"
+#include "CommandLine/CommandContext.h"
 
 #include <string>
 
 namespace quorvel {
 
-/// Moves what a clone keeps in its own shared folders into the user's, and has it share those when
-/// nothing had to stay. Prints what was moved; then throws `CommandError` with what stayed, or the
-/// error of the registry.
-void migrateCommand(const Surroundings& with, const std::string& clone, bool json);
+/// Moves what a clone keeps in its own Downloads, Documents and Desktop into the user's, and lets
+/// it share those if nothing had to stay. Prints what was moved, then throws `CommandError` if
+/// something stayed, or the registry's error.
+void migrateCommand(const CommandContext& context, const std::string& clone, bool json);
 
 } // namespace quorvel

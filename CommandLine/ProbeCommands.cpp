@@ -2,12 +2,13 @@
 
 #include "CommandLine/CloneLookup.h"
 #include "CommandLine/CloneTexts.h"
-#include "CommandLine/Interruption.h"
 #include "CommandLine/ProbeTexts.h"
 #include "LaunchKit/AppCatalog.h"
+#include "Platform/processes/InterruptFlag.h"
 #include "ProbeKit/AppProber.h"
-#include "ProbeKit/Farewell.h"
 #include "ProbeKit/ProfileGenerator.h"
+
+#include <nlohmann/json.hpp>
 
 #include <algorithm>
 #include <iterator>
@@ -17,44 +18,42 @@ namespace quorvel {
 namespace {
 
 template<typename Item>
-void print(const Surroundings& with, const std::vector<Item>& items, bool json) {
+void print(const CommandContext& context, const std::vector<Item>& items, bool json) {
     if (!json) {
-        with.output << listing(items);
+        context.output << listing(items);
         return;
     }
     nlohmann::json array = nlohmann::json::array();
     for (const Item& item : items) {
         array.push_back(jsonForm(item));
     }
-    with.output << document(array);
+    context.output << document(array);
 }
 
-AppProber makeProber(const Surroundings& with, const std::string& app, const ProbeOptions& options,
-                     const EntitlementReader& entitlements) {
-    AppProber::Surroundings surroundings;
+AppProber makeProber(const CommandContext& context, const std::string& app,
+                     const ProbeOptions& options, const EntitlementReader& entitlements) {
+    AppProber::Dependencies dependencies;
     // The workspace belongs to the caller, who keeps it longer than the prober lives.
-    surroundings.workspace = {std::shared_ptr<void>(), &with.workspace};
-    surroundings.entitlements = entitlements;
+    dependencies.workspace = {std::shared_ptr<void>(), &context.workspace};
+    dependencies.entitlements = entitlements;
     if (options.realLibrary) {
-        surroundings.realLibrary = absoluteFile(*options.realLibrary).string();
+        dependencies.realLibrary = absoluteFile(*options.realLibrary).string();
     }
-    auto prober = AppProber::forApp(absoluteFile(app), std::move(surroundings));
+    auto prober = AppProber::forApp(absoluteFile(app), std::move(dependencies));
     if (!prober) {
         throw CommandError(
             InstanceLauncher::LaunchError::badBundle(absoluteFile(app)).description());
     }
-    prober->settleA = AppProber::Seconds(options.settleA.value_or(prober->settleA.count()));
-    prober->settleB = AppProber::Seconds(options.settleB.value_or(prober->settleB.count()));
     return std::move(*prober);
 }
 
-// Nothing that the trial started outlives the command.
+// No process of the trial outlives the command.
 class TrialProcesses {
 public:
     TrialProcesses() = default;
     TrialProcesses(const TrialProcesses&) = delete;
     TrialProcesses& operator=(const TrialProcesses&) = delete;
-    ~TrialProcesses() { waitForEnd(std::move(trials_), AppProber::grace); }
+    ~TrialProcesses() { terminateAndWait(std::move(trials_), AppProber::grace); }
 
     void take(TrialProcess trial) { trials_.push_back(std::move(trial)); }
 
@@ -62,24 +61,31 @@ private:
     std::vector<TrialProcess> trials_{};
 };
 
-ProbeResult runWithBar(const Surroundings& with, AppProber& prober, Interruption& interruption) {
+AppProber::Options trialOptions(const ProbeOptions& options) {
+    AppProber::Options trial;
+    trial.settleA = AppProber::Seconds(options.settleA.value_or(trial.settleA.count()));
+    trial.settleB = AppProber::Seconds(options.settleB.value_or(trial.settleB.count()));
+    return trial;
+}
+
+ProbeResult runWithBar(const CommandContext& context, const AppProber& prober,
+                       AppProber::Options options, InterruptFlag& interruption) {
     TrialProcesses processes;
-    AppProber::Control control;
-    control.cancelled = &interruption.flag();
-    control.release = [&](TrialProcess trial) { processes.take(std::move(trial)); };
-    const bool hasBar = with.outputIsTerminal;
+    options.cancelled = &interruption.flag();
+    options.release = [&](TrialProcess trial) { processes.take(std::move(trial)); };
+    const bool hasBar = context.outputIsTerminal;
     if (hasBar) {
-        control.progress = [&](double fraction) {
-            with.errors << progressBar(fraction) << std::flush;
+        options.progress = [&](double fraction) {
+            context.errors << progressBar(fraction) << std::flush;
         };
     }
     const auto removeBar = [&] {
         if (hasBar) {
-            with.errors << noProgressBar() << std::flush;
+            context.errors << noProgressBar() << std::flush;
         }
     };
     try {
-        ProbeResult result = prober.run(control);
+        ProbeResult result = prober.run(options);
         removeBar();
         return result;
     } catch (const std::runtime_error&) {
@@ -90,35 +96,36 @@ ProbeResult runWithBar(const Surroundings& with, AppProber& prober, Interruption
 
 } // namespace
 
-void appsCommand(const Surroundings& with, const std::vector<std::string>& searchDirs, bool json,
-                 const EntitlementReader& entitlements) {
+void appsCommand(const CommandContext& context, const std::vector<std::string>& searchDirs,
+                 bool json, const EntitlementReader& entitlements) {
     std::vector<std::filesystem::path> dirs;
     std::transform(searchDirs.begin(), searchDirs.end(), std::back_inserter(dirs), absoluteFile);
-    print(with,
+    print(context,
           AppCatalog::scan(dirs.empty() ? AppCatalog::defaultSearchDirs() : dirs, entitlements),
           json);
 }
 
-void runningCommand(const Surroundings& with, const std::optional<std::string>& bundleId,
+void runningCommand(const CommandContext& context, const std::optional<std::string>& bundleId,
                     bool json) {
-    const RunningApplications running = with.workspace.runningApplications();
-    print(with, bundleId ? running.withBundleIdentifier(*bundleId) : running.all(), json);
+    const RunningApplications running = context.workspace.runningApplications();
+    print(context, bundleId ? running.withBundleIdentifier(*bundleId) : running.all(), json);
 }
 
-void probeCommand(const Surroundings& with, const std::string& app, const ProbeOptions& options,
-                  bool json, const EntitlementReader& entitlements) {
-    AppProber prober = makeProber(with, app, options, entitlements);
-    Interruption interruption;
+void probeCommand(const CommandContext& context, const std::string& app,
+                  const ProbeOptions& options, bool json, const EntitlementReader& entitlements) {
+    const AppProber prober = makeProber(context, app, options, entitlements);
+    InterruptFlag interruption;
     ProbeResult result;
     try {
-        result = runWithBar(with, prober, interruption);
+        result = runWithBar(context, prober, trialOptions(options), interruption);
     } catch (const ProbeCancelled&) {
         interruption.deliver();
         throw;
     }
     const AppProfile profile = ProfileGenerator::makeProfile(
-        prober.bundle(), result, operatingSystemSignature(with.workspace.operatingSystemVersion()));
-    with.output << (json ? document(jsonForm(profile, result)) : description(profile, result));
+        prober.bundle(), result,
+        operatingSystemSignature(context.workspace.operatingSystemVersion()));
+    context.output << (json ? document(jsonForm(profile, result)) : description(profile, result));
 }
 
 } // namespace quorvel

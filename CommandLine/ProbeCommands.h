@@ -1,6 +1,6 @@
 #pragma once
 
-#include "CommandLine/Surroundings.h"
+#include "CommandLine/CommandContext.h"
 #include "LaunchKit/AppBundle.h"
 
 #include <atomic>
@@ -8,16 +8,16 @@
 #include <string>
 #include <vector>
 
-/// The commands about other people's apps behind `quorvelctl`. Each prints its result and throws
-/// what goes wrong.
+/// The commands of `quorvelctl` about installed applications. Each prints its result, and throws if
+/// it fails.
 namespace quorvel {
 
-/// Prints the applications in the folders; without any, in those where applications usually are.
-void appsCommand(const Surroundings& with, const std::vector<std::string>& searchDirs, bool json,
-                 const EntitlementReader& entitlements = codeSigningTool());
+/// Prints the applications in the folders, or in the usual ones if there are none.
+void appsCommand(const CommandContext& context, const std::vector<std::string>& searchDirs,
+                 bool json, const EntitlementReader& entitlements = codeSigningTool());
 
 /// Prints the running applications, or those with this identifier.
-void runningCommand(const Surroundings& with, const std::optional<std::string>& bundleId,
+void runningCommand(const CommandContext& context, const std::optional<std::string>& bundleId,
                     bool json);
 
 struct ProbeOptions {
@@ -26,10 +26,11 @@ struct ProbeOptions {
     std::optional<std::string> realLibrary{}; ///< absent: the user's
 };
 
-/// Tries an app out and prints what that showed, with a bar for its progress where the errors go
-/// when the output is a terminal. SIGINT, SIGTERM and SIGHUP end both launched processes, and then
-/// this one as if they had not been caught. Throws `CommandError` when `app` is no readable bundle.
-void probeCommand(const Surroundings& with, const std::string& app, const ProbeOptions& options,
-                  bool json, const EntitlementReader& entitlements = codeSigningTool());
+/// Tries an app out and prints what that showed; if the output is a terminal, a progress bar goes
+/// to the error stream. SIGINT, SIGTERM and SIGHUP end both launched processes, and then this one
+/// as if they had not been caught. Throws `CommandError` if `app` is not a readable bundle.
+void probeCommand(const CommandContext& context, const std::string& app,
+                  const ProbeOptions& options, bool json,
+                  const EntitlementReader& entitlements = codeSigningTool());
 
 } // namespace quorvel

@@ -2,6 +2,11 @@
 
 #include "Base/TerminalText.h"
 #include "Base/Utf8.h"
+#include "Presentation/StrategyTexts.h"
+
+#include <nlohmann/json.hpp>
+
+#include <nlohmann/json.hpp>
 
 #include <algorithm>
 #include <cmath>
@@ -11,21 +16,6 @@ namespace {
 
 constexpr std::size_t examples = 3;
 constexpr int barWidth = 40;
-
-std::string inWords(Strategy strategy) {
-    switch (strategy) {
-    case Strategy::homeOverride:
-        return "a home folder of its own keeps the clone's data apart";
-    case Strategy::containerRedirect:
-        return "it writes data outside its home folder, which has to be redirected";
-    case Strategy::wrapperIdentity:
-        return "it writes into its sandbox container, which only an identity of its own keeps "
-               "apart";
-    case Strategy::unsupported:
-        break;
-    }
-    return "it can't be isolated";
-}
 
 std::string inWords(SingletonTier tier) {
     switch (tier) {
@@ -56,7 +46,7 @@ std::string inWords(LeakBucket bucket) {
     case LeakBucket::irrelevant:
         break;
     }
-    return "elsewhere, by other programs or of no matter";
+    return "elsewhere (by other programs, or irrelevant)";
 }
 
 bool isLeak(LeakBucket bucket) {
@@ -64,7 +54,7 @@ bool isLeak(LeakBucket bucket) {
            bucket == LeakBucket::containerLeak;
 }
 
-// A file that was written often stands in the list as often; one example of it is enough.
+// A file that was written several times is listed as often; one example of it is enough.
 std::vector<std::string> firstOf(const std::vector<std::string>& paths) {
     std::vector<std::string> chosen;
     for (const std::string& path : paths) {
@@ -81,7 +71,7 @@ std::string line(const std::string& name, const std::string& value) {
     return name + std::string(width - std::min(width, name.size()), ' ') + value + "\n";
 }
 
-// A folder's name may be no UTF-8, which JSON has no way to show.
+// A folder's name may not be UTF-8, which JSON can't represent.
 std::string printable(const std::string& text) {
     return isUtf8(text) ? text : utf8FromLatin1(text);
 }
@@ -156,8 +146,8 @@ std::string listing(const std::vector<RunningApplication>& applications) {
 std::string description(const AppProfile& profile, const ProbeResult& result) {
     std::string text;
     text += line("App", terminalText(profile.displayName + " (" + profile.bundleId + ")"));
-    text += line("Recommendation",
-                 std::string(rawString(profile.strategy)) + ": " + inWords(profile.strategy));
+    text += line("Recommendation", std::string(rawString(profile.strategy)) + ": " +
+                                       strategyReason(profile.strategy));
     text += line("A second copy", inWords(profile.singleton));
     text += line("Sandboxed", profile.sandboxed ? "yes" : "no");
     for (const std::string& argument : profile.extraArgs) {

@@ -4,30 +4,32 @@
 #include "Platform/desktop/Workspace.h"
 #include "ProbeKit/Models.h"
 
-#include <nlohmann/json.hpp>
+#include <nlohmann/json_fwd.hpp>
 
 #include <string>
 #include <vector>
 
-/// The forms in which the commands about other people's apps print what they found.
+/// The forms in which the commands about installed applications print what they found.
 namespace quorvel {
 
+/// Returns the app's path, name and identifier, and its icon's path if it has one.
 [[nodiscard]] nlohmann::json jsonForm(const InstalledApp& app);
+/// Returns the application's identifier, path and process id.
 [[nodiscard]] nlohmann::json jsonForm(const RunningApplication& application);
-/// The profile, the recorded paths by bucket, and whether the record is complete.
+/// Returns the profile, the recorded paths by bucket, and whether the recording is complete.
 [[nodiscard]] nlohmann::json jsonForm(const AppProfile& profile, const ProbeResult& result);
 
-/// One line each: the name, the identifier, the place.
+/// Returns one line per app, safe for a terminal: the name, the identifier, the path.
 [[nodiscard]] std::string listing(const std::vector<InstalledApp>& apps);
-/// One line each: the process, the identifier, the place.
+/// Returns one line per application, safe for a terminal: the process id, the identifier, the path.
 [[nodiscard]] std::string listing(const std::vector<RunningApplication>& applications);
 
-/// What the trial showed, for a person: the recommendation and why.
+/// Returns what the trial showed, safe for a terminal: the recommendation and the reasons for it.
 [[nodiscard]] std::string description(const AppProfile& profile, const ProbeResult& result);
 
-/// A bar of fixed width that stands for `fraction`, to be drawn over the one before on its line.
+/// Returns a bar of fixed width, filled to `fraction` (0 to 1), that overwrites the current line.
 [[nodiscard]] std::string progressBar(double fraction);
-/// Takes the bar away.
+/// Returns what erases such a bar.
 [[nodiscard]] std::string noProgressBar();
 
 } // namespace quorvel

@@ -1,18 +1,18 @@
 #include "CommandLine/CommandLine.h"
+#include "Platform/processes/StandardStreams.h"
 
 #include <iostream>
-#include <unistd.h>
 
 int main(int argc, char** argv) {
     const std::unique_ptr<quorvel::Workspace> workspace = quorvel::makeSystemWorkspace();
-    const quorvel::Surroundings with{std::cin,
-                                     std::cout,
-                                     std::cerr,
-                                     ::isatty(STDIN_FILENO) != 0,
-                                     ::isatty(STDOUT_FILENO) != 0,
-                                     *workspace,
-                                     quorvel::InstanceRegistry()};
-    const int status = quorvel::runCommandLine({argv + (argc > 0 ? 1 : 0), argv + argc}, with);
+    const quorvel::CommandContext context{std::cin,
+                                          std::cout,
+                                          std::cerr,
+                                          quorvel::inputIsTerminal(),
+                                          quorvel::outputIsTerminal(),
+                                          *workspace,
+                                          quorvel::InstanceRegistry()};
+    const int status = quorvel::runCommandLine({argv + (argc > 0 ? 1 : 0), argv + argc}, context);
     // A full disk or a closed pipe shows only when the last bytes go out.
     if (!std::cout.flush()) {
         std::cerr << "The output couldn’t be written.\n";

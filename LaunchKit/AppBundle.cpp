@@ -1,18 +1,20 @@
 #include "LaunchKit/AppBundle.h"
 
+#include "Base/BundleLayout.h"
+#include "Base/BundleName.h"
 #include "Base/Utf8.h"
-#include "Platform/desktop/Workspace.h"
 #include "Platform/files/FileSystem.h"
+#include "Platform/files/PlatformError.h"
 #include "Platform/files/PropertyListFile.h"
 #include "Platform/processes/Process.h"
 
 namespace quorvel {
 namespace {
 
-// A signature's entitlements are a few kilobytes; what goes on for longer is no such list.
+// Entitlements take a few kilobytes; anything longer is not an entitlements list.
 constexpr std::size_t maximumEntitlements = std::size_t{4} << 20U;
 
-// The key alone counts, whatever its value: the sandbox is what the bundle was built for.
+// The key alone counts, not its value: a bundle that has it was built for the sandbox.
 bool isSandboxed(const std::string& entitlements) {
     return isUtf8(entitlements) &&
            entitlements.find("com.apple.security.app-sandbox") != std::string::npos;
@@ -22,7 +24,7 @@ bool isSandboxed(const std::string& entitlements) {
 
 EntitlementReader codeSigningTool(std::filesystem::path tool) {
     return [tool = std::move(tool)](const std::filesystem::path& bundle) -> std::string {
-        // Trying to start what is not there costs more than reading the bundle.
+        // Starting a missing program costs more than reading the bundle.
         if (!isExecutableFile(tool)) {
             return {};
         }
@@ -43,9 +45,9 @@ std::string noEntitlements(const std::filesystem::path& /*bundle*/) {
 
 std::optional<AppBundle> AppBundle::read(const std::filesystem::path& appURL,
                                          const EntitlementReader& entitlements) {
-    const auto info = readPropertyList(
-        appURL.native() + "/Contents/Info.plist",
-        {"CFBundleIdentifier", "CFBundleExecutable", "LSMultipleInstancesProhibited"});
+    const auto info =
+        readPropertyList(infoPlistOf(appURL), {"CFBundleIdentifier", "CFBundleExecutable",
+                                               "LSMultipleInstancesProhibited"});
     if (!info) {
         return std::nullopt;
     }
@@ -65,7 +67,21 @@ std::optional<AppBundle> AppBundle::read(const std::filesystem::path& appURL,
 }
 
 std::filesystem::path AppBundle::executableURL() const {
-    return joinAsText(url / "Contents" / "MacOS", executableName);
+    return executableOf(url, executableName);
+}
+
+std::optional<std::filesystem::path> bundleIconFile(const std::filesystem::path& bundle) {
+    constexpr const char* key = "CFBundleIconFile";
+    const auto info = readPropertyList(infoPlistOf(bundle), {key});
+    auto name = info ? PropertyList::stringFor(*info, key) : std::nullopt;
+    if (!name) {
+        return std::nullopt;
+    }
+    if (!name->ends_with(".icns")) {
+        *name += ".icns";
+    }
+    std::filesystem::path icon = resourceOf(bundle, *name);
+    return itemExists(icon) ? std::optional(std::move(icon)) : std::nullopt;
 }
 
 } // namespace quorvel

@@ -7,16 +7,18 @@
 
 namespace quorvel {
 
-/// What the code-signing tool prints about a bundle's entitlements; empty when it can't be run.
+/// Returns what the code-signing tool prints about a bundle's entitlements; empty if it can't be
+/// run.
 using EntitlementReader = std::function<std::string(const std::filesystem::path& bundle)>;
 
-/// Runs the tool (the system's own by default) and waits for it.
+/// Returns a reader that runs `tool`, by default the system's own, and waits for it.
 [[nodiscard]] EntitlementReader codeSigningTool(std::filesystem::path tool = "/usr/bin/codesign");
 
-/// Runs nothing and says nothing: for those who don't ask about the sandbox, and must not wait.
+/// A reader that returns an empty text. Skips the code-signing tool, for callers that don't need
+/// the sandbox flag.
 [[nodiscard]] std::string noEntitlements(const std::filesystem::path& bundle);
 
-/// Facts about an application bundle, read once. Empty where the bundle is not readable.
+/// Facts about an application bundle, read once.
 struct AppBundle {
     std::filesystem::path url{}; ///< as given
     std::string bundleId{};
@@ -24,13 +26,18 @@ struct AppBundle {
     bool sandboxed = false;
     bool prohibitsMultipleInstances = false;
 
-    /// Nothing when `Contents/Info.plist` can't be read as a dictionary; the tool is not run then.
-    /// Blocks until the tool has ended.
+    /// Returns `std::nullopt` if `Info.plist` can't be read as a dictionary; the tool is not run
+    /// then. Blocks until the tool has exited.
     [[nodiscard]] static std::optional<AppBundle>
     read(const std::filesystem::path& appURL,
          const EntitlementReader& entitlements = codeSigningTool());
 
     [[nodiscard]] std::filesystem::path executableURL() const;
 };
+
+/// Returns the icon file that the bundle's property list names; `std::nullopt` if it names none or
+/// the file doesn't exist.
+[[nodiscard]] std::optional<std::filesystem::path>
+bundleIconFile(const std::filesystem::path& bundle);
 
 } // namespace quorvel

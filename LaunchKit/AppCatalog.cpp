@@ -1,13 +1,10 @@
 #include "LaunchKit/AppCatalog.h"
 
-#include "Base/Text.h"
-#include "LaunchKit/InstanceRegistry.h"
-#include "Platform/desktop/UserLocale.h"
-#include "Platform/desktop/Workspace.h"
+#include "Base/BundleName.h"
+#include "LaunchKit/NameOrder.h"
+#include "LaunchKit/WrapperLayout.h"
 #include "Platform/files/FileSystem.h"
 #include "Platform/files/Folder.h"
-#include "Platform/files/PropertyListFile.h"
-#include "Platform/files/UserPaths.h"
 
 #include <algorithm>
 #include <atomic>
@@ -54,8 +51,8 @@ std::size_t workerCount(std::size_t items) {
     return std::min(items, std::clamp<std::size_t>(cores * 2, 4, 16));
 }
 
-// Calls `work` for every number below `count`, from several threads. With none to be had, this one
-// does it all.
+// Calls `work` for every number below `count`, from several threads, or from this one alone if no
+// thread can be started.
 void forEachIndex(std::size_t count, const std::function<void(std::size_t)>& work) {
     std::atomic<std::size_t> next{0};
     const auto takeTurns = [&] {
@@ -69,7 +66,7 @@ void forEachIndex(std::size_t count, const std::function<void(std::size_t)>& wor
             workers.emplace_back(takeTurns);
         }
     } catch (const std::system_error&) {
-        // The threads that could be made are enough.
+        // The threads that were started are enough.
     }
     takeTurns();
     for (std::thread& worker : workers) {
@@ -78,7 +75,7 @@ void forEachIndex(std::size_t count, const std::function<void(std::size_t)>& wor
 }
 
 std::optional<InstalledApp> readApp(Candidate& candidate, const EntitlementReader& entitlements) {
-    if (candidate.folder->has(candidate.fileName + instanceConfigInBundle)) {
+    if (candidate.folder->has(configOf(candidate.fileName))) {
         return std::nullopt;
     }
     auto read = AppBundle::read(candidate.url, entitlements);
@@ -89,7 +86,7 @@ std::optional<InstalledApp> readApp(Candidate& candidate, const EntitlementReade
                         std::move(read->bundleId)};
 }
 
-// The first of each identifier.
+// Keeps the first of each identifier.
 std::vector<InstalledApp> withoutDuplicates(std::vector<std::optional<InstalledApp>> found) {
     std::vector<InstalledApp> apps;
     std::set<std::string> seen;
@@ -101,37 +98,14 @@ std::vector<InstalledApp> withoutDuplicates(std::vector<std::optional<InstalledA
     return apps;
 }
 
-std::vector<InstalledApp> sortedByName(std::vector<InstalledApp> apps) {
-    std::vector<std::string_view> names;
-    names.reserve(apps.size());
-    for (const InstalledApp& app : apps) {
-        names.push_back(app.name);
-    }
-    std::vector<InstalledApp> sorted;
-    sorted.reserve(apps.size());
-    for (const std::size_t place : Text::sortedOrder(names, UserLocale::forOrder())) {
-        sorted.push_back(std::move(apps[place]));
-    }
-    return sorted;
-}
-
 } // namespace
 
 std::optional<fs::path> InstalledApp::iconURL() const {
-    const auto info = readPropertyList(url / "Contents" / "Info.plist", {"CFBundleIconFile"});
-    auto file = info ? PropertyList::stringFor(*info, "CFBundleIconFile") : std::nullopt;
-    if (!file) {
-        return std::nullopt;
-    }
-    if (!file->ends_with(".icns")) {
-        *file += ".icns";
-    }
-    fs::path icon = joinAsText(url / "Contents" / "Resources", *file);
-    return itemExists(icon) ? std::optional(std::move(icon)) : std::nullopt;
+    return bundleIconFile(url);
 }
 
 std::vector<fs::path> AppCatalog::defaultSearchDirs() {
-    return {"/Applications", "/Applications/Utilities", UserPaths::expandTilde("~/Applications"),
+    return {"/Applications", "/Applications/Utilities", userApplicationsFolder(),
             "/System/Applications"};
 }
 
@@ -143,7 +117,7 @@ std::vector<InstalledApp> AppCatalog::scan(const std::vector<fs::path>& dirs,
     forEachIndex(candidates.size(), [&](std::size_t index) {
         found[index] = readApp(candidates[index], entitlements);
     });
-    return sortedByName(withoutDuplicates(std::move(found)));
+    return sortedByName(withoutDuplicates(std::move(found)), &InstalledApp::name);
 }
 
 } // namespace quorvel

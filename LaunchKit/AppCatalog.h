@@ -18,7 +18,7 @@ struct InstalledApp {
     std::string bundleId{};
 
     [[nodiscard]] std::string id() const { return url.string(); }
-    /// The file of the app's icon; nothing when its property list names none that exists.
+    /// Returns the app's icon file; `std::nullopt` if its property list names none that exists.
     [[nodiscard]] std::optional<std::filesystem::path> iconURL() const;
 
     bool operator==(const InstalledApp&) const = default;
@@ -26,13 +26,13 @@ struct InstalledApp {
 
 namespace AppCatalog {
 
-/// "/Applications", "/Applications/Utilities", "~/Applications" and "/System/Applications".
+/// Returns "/Applications", "/Applications/Utilities", "~/Applications" and "/System/Applications".
 [[nodiscard]] std::vector<std::filesystem::path> defaultSearchDirs();
 
-/// The applications directly in the folders, without the clones' wrappers, each identifier once
-/// (the first that is found), sorted by name as the user's locale does, upper and lower case
-/// alike. What can't be read is left out. Blocks while the code-signing tool runs once for each
-/// bundle; several run side by side, and `entitlements` is called from several threads.
+/// Returns the applications directly in the folders, without the clones' wrappers, each identifier
+/// once (the first one found), in the order of `sortedByName`. Unreadable ones are left out. Blocks
+/// while the code-signing tool runs once for each bundle; several run in parallel, and
+/// `entitlements` is called from several threads.
 [[nodiscard]] std::vector<InstalledApp>
 scan(const std::vector<std::filesystem::path>& dirs = defaultSearchDirs(),
      const EntitlementReader& entitlements = codeSigningTool());

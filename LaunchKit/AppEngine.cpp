@@ -1,5 +1,9 @@
+#include "LaunchKit/AppEngine.h"
+
+#include "Base/BundleLayout.h"
+#include "Base/PathText.h"
 #include "Base/Text.h"
-#include "LaunchKit/RawStrings.h"
+#include "LaunchKit/AppBundle.h"
 #include "LaunchKit/WrapperFactory.h"
 #include "Platform/files/FileSystem.h"
 
@@ -9,16 +13,6 @@
 namespace quorvel {
 namespace fs = std::filesystem;
 namespace {
-
-using AppEngine = WrapperFactory::AppEngine;
-
-constexpr RawStrings<AppEngine, 5> engines{{
-    {AppEngine::electron, "electron"},
-    {AppEngine::chromium, "chromium"},
-    {AppEngine::firefox, "firefox"},
-    {AppEngine::eclipse, "eclipse"},
-    {AppEngine::other, "other"},
-}};
 
 constexpr std::array<std::string_view, 7> chromiumBrowsers{
     "com.google.chrome",
@@ -33,7 +27,7 @@ constexpr std::array<std::string_view, 7> chromiumBrowsers{
 constexpr std::array<std::string_view, 3> firefoxRelatives{"torbrowser", "librewolf", "waterfox"};
 
 bool hasChromiumFramework(const fs::path& app) {
-    const auto names = directoryEntries(app / "Contents" / "Frameworks");
+    const auto names = directoryEntries(frameworksOf(app));
     return names && std::any_of(names->begin(), names->end(), [](const std::string& name) {
                return name.ends_with("Framework.framework") &&
                       (name.find("Chromium") != std::string::npos ||
@@ -41,14 +35,14 @@ bool hasChromiumFramework(const fs::path& app) {
            });
 }
 
-// Engines embed one another, so the order of the tests decides: every Electron app also ships a
-// Chromium framework.
+// Engines embed one another, so the order of the tests decides: every Electron app also contains
+// a Chromium framework.
 AppEngine classify(const fs::path& app, const std::string& lowerId) {
-    const auto holds = [&](const char* relative) { return itemExists(app / relative); };
-    if (holds("Contents/Frameworks/Electron Framework.framework")) {
+    if (itemExists(joinAsText(frameworksOf(app), "Electron Framework.framework"))) {
         return AppEngine::electron;
     }
-    if (holds("Contents/Eclipse/eclipse.ini") || holds("Contents/MacOS/eclipse")) {
+    if (itemExists(joinAsText(contentsOf(app), "Eclipse/eclipse.ini")) ||
+        itemExists(executableOf(app, "eclipse"))) {
         return AppEngine::eclipse;
     }
     const auto idContains = [&](std::string_view part) {
@@ -56,7 +50,7 @@ AppEngine classify(const fs::path& app, const std::string& lowerId) {
     };
     if (lowerId.starts_with("org.mozilla") ||
         std::any_of(firefoxRelatives.begin(), firefoxRelatives.end(), idContains) ||
-        holds("Contents/Resources/application.ini")) {
+        itemExists(resourceOf(app, "application.ini"))) {
         return AppEngine::firefox;
     }
     const auto isPrefix = [&](std::string_view prefix) { return lowerId.starts_with(prefix); };
@@ -67,21 +61,6 @@ AppEngine classify(const fs::path& app, const std::string& lowerId) {
     return AppEngine::other;
 }
 
-std::vector<std::string> dataDirArgs(AppEngine engine) {
-    switch (engine) {
-    case AppEngine::electron:
-    case AppEngine::chromium:
-        return {"--user-data-dir={{instanceHome}}/QuorvelData"};
-    case AppEngine::firefox:
-        return {"-profile", "{{instanceHome}}/FirefoxProfile", "-no-remote"};
-    case AppEngine::eclipse:
-        return {"-data", "{{instanceHome}}/workspace"};
-    case AppEngine::other:
-        break;
-    }
-    return {};
-}
-
 std::string identifierOf(const fs::path& app) {
     const auto bundle = AppBundle::read(app, noEntitlements);
     return bundle ? bundle->bundleId : std::string{};
@@ -89,34 +68,29 @@ std::string identifierOf(const fs::path& app) {
 
 } // namespace
 
-std::string_view rawString(AppEngine engine) {
-    return rawStringIn(engines, engine);
-}
-
-std::optional<AppEngine> appEngineFromRawString(std::string_view text) {
-    return caseIn(engines, text);
-}
-
-AppEngine WrapperFactory::detectEngine(const fs::path& app,
-                                       const std::optional<std::string>& bundleId) {
+AppEngine detectEngine(const fs::path& app, const std::optional<std::string>& bundleId) {
     return classify(app, Text::lowerCased(bundleId ? *bundleId : identifierOf(app)));
 }
 
-bool WrapperFactory::isElectron(const fs::path& app) {
-    return detectEngine(app, std::nullopt) == AppEngine::electron;
+std::vector<std::string> dataDirArgs(AppEngine engine, std::string_view home) {
+    const auto below = [&](std::string_view name) { return joinAsText(std::string(home), name); };
+    switch (engine) {
+    case AppEngine::electron:
+    case AppEngine::chromium:
+        return {"--user-data-dir=" + below("QuorvelData")};
+    case AppEngine::firefox:
+        return {"-profile", below("FirefoxProfile"), "-no-remote"};
+    case AppEngine::eclipse:
+        return {"-data", below("workspace")};
+    case AppEngine::other:
+        break;
+    }
+    return {};
 }
 
-std::vector<std::string>
-WrapperFactory::autoDataDirArgs(const fs::path& app, const std::optional<std::string>& bundleId) {
-    return dataDirArgs(detectEngine(app, bundleId));
-}
-
-std::string WrapperFactory::defaultBundleId(std::string_view name) {
-    return "app.quorvel.instance." + idFragment(name);
-}
-
-std::string WrapperFactory::idFragment(std::string_view name) {
-    return Text::lowerCased(Text::replacingNonAlphanumerics(name, '-'));
+std::vector<std::string> electronArgs(const fs::path& app, std::string_view home) {
+    const AppEngine engine = detectEngine(app);
+    return engine == AppEngine::electron ? dataDirArgs(engine, home) : std::vector<std::string>{};
 }
 
 } // namespace quorvel

@@ -4,7 +4,6 @@
 #include "LaunchKit/Strategy.h"
 #include "Platform/desktop/Workspace.h"
 
-#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -23,13 +22,22 @@ enum class SingletonTier {
 /// How far a profile is trusted.
 enum class Confidence { verified, community, autoDetected, broken };
 
-/// The case's name.
-[[nodiscard]] std::string_view rawString(SingletonTier tier);
-[[nodiscard]] std::string_view rawString(Confidence confidence);
+template<>
+inline constexpr auto enumNames<SingletonTier> = namesOfAllCases<SingletonTier>({
+    {SingletonTier::none, "none"},
+    {SingletonTier::lockFile, "lockFile"},
+    {SingletonTier::machPort, "machPort"},
+    {SingletonTier::lsProhibited, "lsProhibited"},
+    {SingletonTier::unknown, "unknown"},
+});
 
-/// Nothing for any other text.
-[[nodiscard]] std::optional<SingletonTier> singletonTierFromRawString(std::string_view text);
-[[nodiscard]] std::optional<Confidence> confidenceFromRawString(std::string_view text);
+template<>
+inline constexpr auto enumNames<Confidence> = namesOfAllCases<Confidence>({
+    {Confidence::verified, "verified"},
+    {Confidence::community, "community"},
+    {Confidence::autoDetected, "autoDetected"},
+    {Confidence::broken, "broken"},
+});
 
 /// A profile that can't be read or written as JSON.
 class ProfileError : public Error {
@@ -44,26 +52,29 @@ struct AppProfile {
     bool sandboxed = false;
     Strategy strategy = Strategy::homeOverride; ///< the recommended one
     SingletonTier singleton = SingletonTier::unknown;
-    bool prefsLeak = false;                ///< it writes preferences outside the clone's home
-    std::vector<std::string> extraArgs{};  ///< may hold "{{instanceHome}}"
+    bool prefsLeak = false;                ///< the app writes preferences outside the clone's home
+    std::vector<std::string> extraArgs{};  ///< may contain "{{instanceHome}}"
     std::vector<std::string> verifiedOn{}; ///< operating-system signatures
     Confidence confidence = Confidence::autoDetected;
 
     bool operator==(const AppProfile&) const = default;
 
-    /// The profile as it applies on the system with this signature: trust that was not confirmed
-    /// there sinks to `autoDetected`.
+    /// Returns the profile as it applies on the system with this signature: confidence not
+    /// confirmed on that system is lowered to `autoDetected`.
     [[nodiscard]] AppProfile reconciled(const std::string& currentSignature) const;
 
-    /// Pretty-printed, keys sorted, "/" escaped. Throws `ProfileError` when a text is not UTF-8.
+    /// Returns the JSON form: indented, keys sorted, "/" escaped. Throws `ProfileError` if a text
+    /// is not valid UTF-8.
     [[nodiscard]] std::string encodedJSON() const;
 
-    /// Reads the JSON form. Throws `ProfileError` for malformed JSON, a missing key, a value of the
-    /// wrong type or an unknown enumeration string.
+    /// Returns the profile whose JSON form this is. Unknown keys are ignored whatever they hold,
+    /// and of a key that appears several times the first counts. Throws a `ProfileError` that lists
+    /// every fault: malformed JSON, missing keys, values of the wrong type, unknown enumeration
+    /// strings.
     [[nodiscard]] static AppProfile fromJson(std::string_view json);
 };
 
-/// The signature of a system, such as "macOS 14.5", or on Linux that of the distribution.
+/// Returns the signature of a system, such as "macOS 14.5", or on Linux that of the distribution.
 [[nodiscard]] std::string operatingSystemSignature(const OperatingSystemVersion& version);
 
 } // namespace quorvel

@@ -1,9 +1,12 @@
 #include "LaunchKit/CloneDeletion.h"
+#include "LaunchKit/InstanceRecord.h"
 
 #include "LaunchKit/DataFolderGuard.h"
 #include "LaunchKit/WrapperLayout.h"
+#include "Platform/files/FileRemoval.h"
 #include "Platform/files/FileSystem.h"
 #include "Platform/files/ItemRemoval.h"
+#include "Platform/files/PlatformError.h"
 
 #include <optional>
 #include <string_view>
@@ -13,10 +16,12 @@ namespace quorvel {
 namespace fs = std::filesystem;
 namespace {
 
-// Relative to the wrapper, so without the slash that begins it.
-constexpr std::string_view configuration = std::string_view(instanceConfigInBundle).substr(1);
+// The configuration's path relative to its wrapper.
+std::string relativeConfig() {
+    return configOf("").substr(1);
+}
 
-// The data folder of a deletion: what becomes of it by itself, or the removal that takes it.
+// The data folder of a deletion: its outcome if it stays, or the removal still to be made.
 struct DataStep {
     DeletedData data{};
     std::optional<ItemRemoval> removal{};
@@ -38,7 +43,7 @@ bool isAnother(const std::optional<InstanceRecord>& now, const InstanceRecord& l
            !isUnfinishedWrapper(listed.bundleURL);
 }
 
-// Between listing and deleting, another clone or an app may have taken this one's place.
+// Another clone or an app may have replaced this one since it was listed.
 void refuseAnother(const InstanceRegistry& registry, const InstanceRecord& record) {
     if (isAnother(registry.record(record.bundleURL), record)) {
         throw RefusedDeletion("The clone at " + record.bundleURL.string() +
@@ -58,7 +63,7 @@ DeletedData keptFor(const fs::path& folder, const PlatformError& error) {
 
 DataStep dataStep(const InstanceRegistry& registry, const InstanceRecord& record) {
     const DataFolder folder = dataFolderOf(record.config);
-    // A relative path would mean another folder than it meant to the clone, which ran elsewhere.
+    // A relative path would name a different folder than for the clone, which ran elsewhere.
     if (folder.isNone) {
         return {{.outcome = DeletedData::Case::spared, .folder = record.config.resolvedHome()}, {}};
     }
@@ -66,8 +71,8 @@ DataStep dataStep(const InstanceRegistry& registry, const InstanceRecord& record
         return {{.outcome = DeletedData::Case::spared, .folder = folder.path}, {}};
     }
     if (folder.isBehindLink) {
-        refuse(folder.path, identityOfItself(folder.path) ? "is what a symbolic link leads to"
-                                                          : "is not written as a plain path");
+        refuse(folder.path, identityOf(folder.path) ? "is what a symbolic link leads to"
+                                                    : "is not written as a plain path");
     }
     DataStep step{{.folder = folder.path}, {}};
     try {
@@ -117,7 +122,7 @@ void throwFailure(const RemovalReport& report) {
     }
 }
 
-// Once data is gone, a failure must not look as if nothing were.
+// Once data is removed, a failure must not look as if nothing had been.
 void removeRest(const ItemRemoval& wrapper, DeletedData& data) {
     const RemovalReport report = wrapper.remove();
     if (data.removedItems == 0) {
@@ -127,49 +132,21 @@ void removeRest(const ItemRemoval& wrapper, DeletedData& data) {
     }
 }
 
-std::string items(std::size_t count) {
-    return std::to_string(count) + (count == 1 ? " item" : " items");
-}
-
 } // namespace
-
-std::string DeletedData::description() const {
-    if (!wrapperReason.empty()) {
-        const std::string gone = outcome == Case::removed
-                                     ? "The data folder " + folder.string() + " is gone"
-                                     : "Of the data folder " + folder.string() + " a part is gone";
-        return gone + ", but the clone could not be removed as a whole. " + wrapperReason +
-               (reason.empty() ? "" : ". " + reason);
-    }
-    switch (outcome) {
-    case Case::kept:
-        return "The clone is gone, but its data folder " + folder.string() + " is still there. " +
-               reason;
-    case Case::partly:
-        return "The clone is gone, but of its data folder " + folder.string() +
-               " only a part is: " + items(removedItems) + " removed, " + items(remainingItems) +
-               " left. " + reason;
-    case Case::spared:
-        return "The data folder was kept: " + folder.string();
-    case Case::untouched:
-    case Case::removed:
-        break;
-    }
-    return {};
-}
 
 DeletedData deleteClone(const InstanceRegistry& registry, const InstanceRecord& record,
                         bool includingData) {
-    // Opened before its configuration is read, so that no other wrapper is removed than was read.
+    // Opened before its configuration is read, so that the wrapper removed is the one that was
+    // read.
     const std::optional<ItemRemoval> wrapper = ItemRemoval::of(record.bundleURL);
     if (wrapper) {
         wrapper->refuseMounts();
-        wrapper->refuseUnchangeable(configuration);
+        wrapper->refuseUnchangeable(relativeConfig());
     }
     refuseAnother(registry, record);
     DataStep data = includingData ? dataStep(registry, record) : DataStep();
     if (wrapper) {
-        throwFailure(wrapper->removeAllBut(configuration));
+        throwFailure(wrapper->removeAllBut(relativeConfig()));
     }
     removeData(data);
     if (wrapper) {
@@ -185,7 +162,7 @@ void removeWrapper(const fs::path& path) {
                             "removed");
     }
     wrapper->refuseMounts();
-    throwFailure(wrapper->removeAllBut(configuration));
+    throwFailure(wrapper->removeAllBut(relativeConfig()));
     throwFailure(wrapper->remove());
 }
 

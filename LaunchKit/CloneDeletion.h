@@ -5,17 +5,17 @@
 
 namespace quorvel {
 
-/// Deletes a clone, and its data when asked, so that a deletion that is cut off leaves a clone that
-/// is still listed and can be deleted again: the wrapper but for its configuration goes first, then
-/// the data, then the rest. Throws `RefusedDeletion`, or `PlatformError` when the wrapper can't be
-/// removed; both leave the data untouched. When the rest of the wrapper stays though data is gone
-/// already, the result tells.
+/// Deletes a clone, and its data if `includingData`, in an order in which an interrupted deletion
+/// leaves a clone that is still listed and can be deleted again: the wrapper except its
+/// configuration first, then the data, then the rest. Throws `RefusedDeletion`, or `PlatformError`
+/// if the wrapper can't be removed; both leave the data untouched. If the rest of the wrapper can't
+/// be removed after the data, the result reports that.
 DeletedData deleteClone(const InstanceRegistry& registry, const InstanceRecord& record,
                         bool includingData);
 
-/// Removes a wrapper without asking what it holds. Its configuration goes last, so that what is
-/// left when that is cut off is still known as a clone. Throws `PlatformError`, also when nothing
-/// is there.
+/// Removes a wrapper without checking its contents. Its configuration is removed last, so that an
+/// interrupted removal leaves what is still recognised as a clone. Throws `PlatformError`, also if
+/// nothing exists there.
 void removeWrapper(const std::filesystem::path& path);
 
 } // namespace quorvel

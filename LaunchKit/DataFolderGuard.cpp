@@ -1,6 +1,8 @@
 #include "LaunchKit/DataFolderGuard.h"
 
+#include "Base/PathText.h"
 #include "LaunchKit/WrapperFactory.h"
+#include "LaunchKit/WrapperLayout.h"
 #include "Platform/files/FileSystem.h"
 #include "Platform/files/UserFolders.h"
 #include "Platform/files/UserPaths.h"
@@ -11,18 +13,19 @@ namespace quorvel {
 namespace fs = std::filesystem;
 namespace {
 
-// Those of the registry's folders, and the folder that the wrapper is in.
-std::vector<InstanceRecord> clonesBeside(InstanceRegistry registry, const fs::path& wrapper) {
+// Returns the other clones in the registry's folders and in the wrapper's.
+std::vector<InstanceRecord> clonesBeside(const InstanceRegistry& registry,
+                                         const fs::path& wrapper) {
+    std::vector<fs::path> folders = registry.searchDirs();
     const fs::path beside = wrapper.parent_path();
     const auto isThere = [&](const fs::path& folder) { return isSameItem(folder, beside); };
-    if (std::none_of(registry.searchDirs.begin(), registry.searchDirs.end(), isThere)) {
-        registry.searchDirs.push_back(beside);
+    if (std::none_of(folders.begin(), folders.end(), isThere)) {
+        folders.push_back(beside);
     }
-    std::vector<InstanceRecord> clones = registry.list();
-    const auto itself = identityOfItself(wrapper);
+    std::vector<InstanceRecord> clones = InstanceRegistry(std::move(folders)).list();
+    const auto itself = identityOf(wrapper);
     std::erase_if(clones, [&](const InstanceRecord& clone) {
-        return clone.bundleURL == wrapper ||
-               (itself && identityOfItself(clone.bundleURL) == itself);
+        return clone.bundleURL == wrapper || (itself && identityOf(clone.bundleURL) == itself);
     });
     return clones;
 }
@@ -31,15 +34,15 @@ std::string quoted(const std::string& name) {
     return "“" + name + "”";
 }
 
-// "is WHAT" or "holds WHAT"; nothing where the folder is neither.
+// Returns "is WHAT" or "holds WHAT", if either is true.
 std::optional<std::string> isOrHolds(const Place& folder, const fs::path& target,
                                      const std::string& what) {
-    switch (folder.towards(target)) {
-    case Standing::same:
+    switch (folder.relationTo(target)) {
+    case Relation::same:
         return "is " + what;
-    case Standing::above:
+    case Relation::ancestor:
         return "holds " + what;
-    case Standing::apart:
+    case Relation::unrelated:
         break;
     }
     return std::nullopt;
@@ -47,38 +50,39 @@ std::optional<std::string> isOrHolds(const Place& folder, const fs::path& target
 
 std::vector<fs::path> foldersToSpare() {
     std::vector<fs::path> folders = userFolders();
-    folders.push_back(WrapperFactory::defaultOutputDir());
+    folders.push_back(userApplicationsFolder());
     folders.push_back(
         withoutTrailingSlashes(UserPaths::expandTilde(WrapperFactory::defaultInstanceHome(""))));
     return folders;
 }
 
-// Whether the folder is or holds a home of the user's or one of the folders to spare: it is then no
-// clone's alone, whatever its configuration says.
+// Whether the folder is or holds a home of the user's or one of the folders to spare: then it is
+// not one clone's alone, even if a configuration names it.
 bool holdsUsersOwn(const Place& folder) {
     std::vector<fs::path> owned = foldersToSpare();
     for (const std::string& home : UserPaths::allHomes()) {
         owned.emplace_back(home);
     }
-    return std::any_of(owned.begin(), owned.end(),
-                       [&](const fs::path& own) { return folder.towards(own) != Standing::apart; });
+    return std::any_of(owned.begin(), owned.end(), [&](const fs::path& own) {
+        return folder.relationTo(own) != Relation::unrelated;
+    });
 }
 
 bool isInAHomeOfTheUsers(const Place& folder) {
     const std::vector<std::string> homes = UserPaths::allHomes();
     return std::any_of(homes.begin(), homes.end(), [&](const std::string& home) {
-        return Place(home).towards(folder.path()) == Standing::above;
+        return Place(home).relationTo(folder.path()) == Relation::ancestor;
     });
 }
 
-// The user database may be far away, and most data folders are in the user's own home.
+// Asking the user database may be slow, and most data folders are in the user's own home.
 std::optional<std::string> ownerOfHomeAround(const Place& folder) {
     if (isInAHomeOfTheUsers(folder)) {
         return std::nullopt;
     }
     for (const UserPaths::OtherHome& other : UserPaths::otherUsersHomes()) {
-        if (Place(other.home).towards(folder.path()) != Standing::apart ||
-            folder.towards(other.home) != Standing::apart) {
+        if (Place(other.home).relationTo(folder.path()) != Relation::unrelated ||
+            folder.relationTo(other.home) != Relation::unrelated) {
             return other.user;
         }
     }
@@ -92,7 +96,7 @@ DataFolderGuard::DataFolderGuard(const InstanceRegistry& registry, fs::path wrap
       others_(clonesBeside(registry, wrapper_)) {}
 
 bool DataFolderGuard::isInWrapper(const Place& folder) const {
-    return Place(wrapper_).towards(folder.path()) != Standing::apart;
+    return Place(wrapper_).relationTo(folder.path()) != Relation::unrelated;
 }
 
 std::optional<std::string> DataFolderGuard::objection(const Place& folder) const {
@@ -117,7 +121,7 @@ std::optional<std::string> DataFolderGuard::objection(const Place& folder) const
             return reason;
         }
         const Place others(data.path);
-        if (others.towards(folder.path()) == Standing::above && !holdsUsersOwn(others)) {
+        if (others.relationTo(folder.path()) == Relation::ancestor && !holdsUsersOwn(others)) {
             return "lies in " + what;
         }
     }
@@ -134,8 +138,9 @@ DataFolder dataFolderOf(const InstanceConfig& config) {
     }
     const fs::path written = withoutTrailingSlashes(home);
     const fs::path plain = withoutTrailingSlashes(written.lexically_normal());
-    if (plain != written && identityOfItself(plain) != identityOfItself(written)) {
-        // "." and ".." after a link stand for what it leads to, without it their path is another's.
+    if (plain != written && identityOf(plain) != identityOf(written)) {
+        // "." and ".." after a link are resolved in its target; the normalised path names another
+        // item.
         return {.path = written, .isBehindLink = true};
     }
     std::error_code code;

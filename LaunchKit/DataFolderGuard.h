@@ -1,5 +1,6 @@
 #pragma once
 
+#include "LaunchKit/InstanceRecord.h"
 #include "LaunchKit/InstanceRegistry.h"
 #include "Platform/files/ItemIdentity.h"
 
@@ -10,19 +11,19 @@
 
 namespace quorvel {
 
-/// Knows the folders that are not one clone's own to delete: the user's folders, other clones' data
-/// and the like. Creating and deleting clones both ask it. Any thread.
+/// Knows the folders that must not be deleted as one clone's data: the user's folders, other
+/// clones' data and similar ones. Used both to create and to delete clones. Any thread.
 class DataFolderGuard {
 public:
     /// For the clone at `wrapper`, which need not exist yet. The other clones are those that the
     /// registry lists, and those beside the wrapper.
     DataFolderGuard(const InstanceRegistry& registry, std::filesystem::path wrapper);
 
-    /// Why the folder is not the clone's alone, to be read after "The data folder …"; nothing when
-    /// it is. `folder` is compared as an item on disk.
+    /// Returns why the folder is not the clone's alone, to be read after "The data folder …";
+    /// `std::nullopt` if it is. `folder` is compared as an item on disk.
     [[nodiscard]] std::optional<std::string> objection(const Place& folder) const;
 
-    /// Whether the folder is or lies in the wrapper, which is removed as a whole.
+    /// Returns whether the folder is the wrapper, which is removed as a whole, or inside it.
     [[nodiscard]] bool isInWrapper(const Place& folder) const;
 
 private:
@@ -30,14 +31,14 @@ private:
     std::vector<InstanceRecord> others_;
 };
 
-/// What a configured data folder comes to on disk.
+/// What a configured data folder is on disk.
 struct DataFolder {
-    std::filesystem::path path{}; ///< resolved, but for a link at its end; empty when `isNone`
-    bool isNone = false;          ///< nothing that can be meant: an empty or relative path
+    std::filesystem::path path{}; ///< resolved, except a link at its end; empty if `isNone`
+    bool isNone = false;          ///< not usable: an empty or relative path
     bool isBehindLink = false;    ///< "link/." and the like: not what the plain path names
 };
 
-/// Resolves the data folder of a configuration. Nothing need be there.
+/// Resolves the data folder of a configuration, which need not exist.
 [[nodiscard]] DataFolder dataFolderOf(const InstanceConfig& config);
 
 } // namespace quorvel

@@ -8,18 +8,18 @@
 
 namespace quorvel {
 
-/// A deletion that would take what is not the clone's; nothing was changed. The text is for the
-/// user.
+/// A deletion that would remove something other than the clone's; nothing was changed. The text is
+/// for the user.
 class RefusedDeletion : public Error {
 public:
     using Error::Error;
 };
 
-/// What became of a deleted clone's data folder.
+/// What happened to a deleted clone's data folder.
 struct DeletedData {
     enum class Case {
-        untouched, ///< not asked for, or nothing was there
-        spared,    ///< the configuration names the user's home, or nothing
+        untouched, ///< not requested, or nothing existed
+        spared,    ///< the configuration names the user's home, or no folder
         kept,      ///< nothing of it could be removed
         partly,    ///< some of it could not be removed
         removed
@@ -33,11 +33,11 @@ struct DeletedData {
     std::string
         wrapperReason{}; ///< likewise, why the rest of the wrapper does; empty if it is gone
 
-    /// Whether something remains that should not.
+    /// Returns whether something remains that should not.
     [[nodiscard]] bool isFailure() const {
         return outcome == Case::kept || outcome == Case::partly || !wrapperReason.empty();
     }
-    /// What remains and why; empty when that is as it was asked for.
+    /// Returns what remains and why; empty if that is as requested.
     [[nodiscard]] std::string description() const;
 };
 

@@ -1,6 +1,9 @@
 #include "LaunchKit/HomeLock.h"
 
+#include "Base/PathText.h"
+#include "LaunchKit/InstanceConfig.h"
 #include "Platform/files/FileSystem.h"
+#include "Platform/files/PlatformError.h"
 
 #include <cerrno>
 
@@ -27,8 +30,8 @@ bool meansNoLocks(const std::error_code& code) {
            code == std::errc::function_not_supported;
 }
 
-// Locks the file or, where none can be made, the folder. A target that runs may have had the other
-// choice.
+// Locks the file or, if none can be made, the folder. A running target may have locked the other
+// one.
 std::optional<FileLock> lockFileOrFolder(const fs::path& home) {
     const fs::path file = joinAsText(home, homeLockName);
     fs::path other = home;
@@ -52,8 +55,8 @@ std::optional<FileLock> lockFileOrFolder(const fs::path& home) {
 
 HomeInUse::HomeInUse(const std::string& displayName)
     : Error("“" + displayName +
-                         "” is still running, or a clone that shares its data folder is, or a "
-                         "program that it started") {}
+            "” is still running, or a clone that shares its data folder is, or a "
+            "program that it started") {}
 
 std::optional<FileLock> lockHome(const InstanceConfig& config) {
     const std::string home = config.resolvedHome();

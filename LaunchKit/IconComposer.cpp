@@ -5,7 +5,8 @@
 #include "LaunchKit/Icons/IconImage.h"
 #include "LaunchKit/Icons/LabelPainter.h"
 #include "LaunchKit/Icons/LabelText.h"
-#include "Platform/files/FileSystem.h"
+#include "Platform/files/FileWriting.h"
+#include "Platform/files/PlatformError.h"
 
 #include <algorithm>
 #include <array>
@@ -21,19 +22,19 @@ using Chunks = std::array<std::string, sides.size()>;
 struct Drawing {
     QImage source;
     LabelText text;
-    QColor colour;
+    QColor color;
     IconLabel::Position position;
 };
 
-// The encoded image of that side; empty when it can't be made.
+// Returns the encoded image of that side; empty if it can't be made.
 std::string badgedChunk(const Drawing& drawing, int side) {
-    // Qt takes the mean of each area, of premultiplied values.
+    // Qt averages each area, so the values must be premultiplied.
     QImage icon = drawing.source.scaled(side, side, Qt::IgnoreAspectRatio, Qt::SmoothTransformation)
                       .convertToFormat(QImage::Format_ARGB32_Premultiplied);
     if (icon.isNull()) {
         return {};
     }
-    drawLabel(icon, drawing.text, drawing.colour, drawing.position);
+    drawLabel(icon, drawing.text, drawing.color, drawing.position);
     return icnsChunk(icon);
 }
 
@@ -45,7 +46,7 @@ std::string chunkOrNothing(const Drawing& drawing, int side) {
     }
 }
 
-// The largest costs more than all others together: it goes on beside them.
+// The largest takes longer than all others together, so it is drawn concurrently with them.
 Chunks badgedChunks(const Drawing& drawing) {
     Chunks chunks;
     const auto make = [&](std::size_t index) {
@@ -60,7 +61,7 @@ Chunks badgedChunks(const Drawing& drawing) {
     return chunks;
 }
 
-// Premultiplied, as it is scaled; null when there is none.
+// Returns the image premultiplied, as scaling needs it; null if there is none.
 QImage sourceImage(const std::filesystem::path& source) {
     try {
         return widestIconImage(source).convertToFormat(QImage::Format_ARGB32_Premultiplied);
@@ -74,7 +75,7 @@ std::string badgedIcon(const QImage& source, const IconLabel& label) {
         throw ComposeError::destinationFailed();
     }
     return icnsFile(
-        badgedChunks({source, labelText(label.text), labelColour(label.colorHex), label.position}));
+        badgedChunks({source, labelText(label.text), labelColor(label.colorHex), label.position}));
 }
 
 } // namespace

@@ -6,14 +6,16 @@
 #include <filesystem>
 #include <string>
 
-/// Puts a label onto an icon.
+/// Draws a label onto an icon.
 namespace quorvel::IconComposer {
 
 class ComposeError : public Error {
 public:
     enum class Case { noSourceImage, destinationFailed };
 
+    /// `source` contains no image that can be read.
     [[nodiscard]] static ComposeError noSourceImage(const std::filesystem::path& source);
+    /// The icon can't be drawn or written.
     [[nodiscard]] static ComposeError destinationFailed();
 
     [[nodiscard]] Case kind() const noexcept { return case_; }
@@ -30,12 +32,12 @@ private:
     std::filesystem::path url_;
 };
 
-/// Reads the widest image of `source` (an icon container or any format of pixels that Qt reads),
-/// draws `label` onto it at 1024, 512, 256, 128, 64, 32 and 16 pixels, and writes these as an icon
-/// container to `destination`, replacing a file that is there. A label without visible text leaves
-/// the picture as it is; a size that can't be drawn is left out.
+/// Reads the widest image of `source` (an icon container or any raster format that Qt reads), draws
+/// `label` onto it at 1024, 512, 256, 128, 64, 32 and 16 pixels, and writes these as an icon
+/// container to `destination`, replacing an existing file. A label without visible text leaves the
+/// picture unchanged; a size that can't be drawn is left out.
 /// Throws `ComposeError` and nothing else: `noSourceImage` before anything is written, or
-/// `destinationFailed`, behind which a part of the file may stay. Any thread, several at once;
+/// `destinationFailed`, after which a part of the file may remain. Any thread, concurrently;
 /// text needs the font engine, see `ensureFontEngine`.
 void compose(const std::filesystem::path& source, const IconLabel& label,
              const std::filesystem::path& destination);

@@ -1,14 +1,14 @@
 #pragma once
 
-#include <optional>
+#include "LaunchKit/Records/EnumNames.h"
+
 #include <string>
-#include <string_view>
 
 namespace quorvel {
 
 /// A short text drawn onto a clone's icon.
 struct IconLabel {
-    /// Where on the icon the text sits.
+    /// Where on the icon the text is drawn.
     enum class Position { bottom, center, top };
 
     std::string text{};
@@ -18,11 +18,11 @@ struct IconLabel {
     bool operator==(const IconLabel&) const = default;
 };
 
-/// "bottom", "center" or "top".
-[[nodiscard]] std::string_view rawString(IconLabel::Position position);
-
-/// Nothing for any other text.
-[[nodiscard]] std::optional<IconLabel::Position>
-iconLabelPositionFromRawString(std::string_view text);
+template<>
+inline constexpr auto enumNames<IconLabel::Position> = namesOfAllCases<IconLabel::Position>({
+    {IconLabel::Position::bottom, "bottom"},
+    {IconLabel::Position::center, "center"},
+    {IconLabel::Position::top, "top"},
+});
 
 } // namespace quorvel

@@ -1,54 +1,65 @@
 #include "LaunchKit/InstanceConfig.h"
 
-#include "LaunchKit/InstanceConfigFields.h"
-#include "LaunchKit/JsonText.h"
-#include "LaunchKit/RawStrings.h"
+#include "LaunchKit/Records/RecordReader.h"
+#include "LaunchKit/Records/RecordWriter.h"
+#include "Platform/files/FileReading.h"
 #include "Platform/files/UserPaths.h"
 
-#include <nlohmann/json.hpp>
+#include <utility>
 
 namespace quorvel {
+
+template<>
+struct RecordTable<IconLabel> {
+    static constexpr std::string_view name = "icon label";
+    static constexpr auto fields = sortedByKey(std::array{
+        Row<IconLabel>::required<&IconLabel::text>("text"),
+        Row<IconLabel>::required<&IconLabel::colorHex>("colorHex"),
+        Row<IconLabel>::required<&IconLabel::position>("position"),
+    });
+};
+
 namespace {
 
-constexpr RawStrings<ShortcutKind, 4> kinds{{
-    {ShortcutKind::app, "app"},
-    {ShortcutKind::web, "web"},
-    {ShortcutKind::file, "file"},
-    {ShortcutKind::command, "command"},
-}};
+using ConfigRow = Row<InstanceConfig>;
 
-constexpr RawStrings<IconLabel::Position, 3> positions{{
-    {IconLabel::Position::bottom, "bottom"},
-    {IconLabel::Position::center, "center"},
-    {IconLabel::Position::top, "top"},
-}};
-
-nlohmann::json encoded(const IconLabel& label) {
-    return {{"text", label.text},
-            {"colorHex", label.colorHex},
-            {"position", rawString(label.position)}};
+template<std::size_t count, std::size_t... index>
+consteval auto withSwitches(const std::array<FieldType, count>& rows,
+                            std::index_sequence<index...> /*switches*/) {
+    std::array<FieldType, count + sizeof...(index)> all{};
+    std::copy(rows.begin(), rows.end(), all.begin());
+    ((all[count + index] = ConfigRow::of<cloneSwitches[index].member>(cloneSwitches[index].key)),
+     ...);
+    return all;
 }
 
-template<typename Value>
-nlohmann::json encoded(const Value& value) {
-    if constexpr (std::is_enum_v<Value>) {
-        return rawString(value);
-    } else {
-        return value;
-    }
-}
+} // namespace
 
-template<typename Value>
-void addMember(nlohmann::json& object, std::string_view key, const Value& value) {
-    object.emplace(key, encoded(value));
-}
+template<>
+struct RecordTable<InstanceConfig> {
+    static constexpr std::string_view name = "configuration";
+    static constexpr auto fields = sortedByKey(withSwitches(
+        std::array{
+            ConfigRow::required<&InstanceConfig::displayName>("displayName"),
+            ConfigRow::required<&InstanceConfig::bundleId>("bundleId"),
+            ConfigRow::of<&InstanceConfig::kind>("kind"),
+            ConfigRow::of<&InstanceConfig::targetAppPath>("targetAppPath"),
+            ConfigRow::required<&InstanceConfig::instanceHome>("instanceHome"),
+            ConfigRow::of<&InstanceConfig::strategy>("strategy"),
+            ConfigRow::of<&InstanceConfig::extraArgs>("extraArgs"),
+            ConfigRow::of<&InstanceConfig::environment>("environment"),
+            ConfigRow::of<&InstanceConfig::infoPlistOverrides>("infoPlistOverrides"),
+            ConfigRow::of<&InstanceConfig::iconLabel>("iconLabel"),
+            ConfigRow::of<&InstanceConfig::url>("url"),
+            ConfigRow::of<&InstanceConfig::openPath>("openPath"),
+            ConfigRow::of<&InstanceConfig::commandPath>("commandPath"),
+            ConfigRow::of<&InstanceConfig::commandArgs>("commandArgs"),
+            ConfigRow::of<&InstanceConfig::workingDirectory>("workingDirectory"),
+        },
+        std::make_index_sequence<cloneSwitches.size()>()));
+};
 
-template<typename Value>
-void addMember(nlohmann::json& object, std::string_view key, const std::optional<Value>& value) {
-    if (value) {
-        addMember(object, key, *value);
-    }
-}
+namespace {
 
 std::vector<std::string> expandingAll(const std::vector<std::string>& texts,
                                       const std::string& home) {
@@ -62,33 +73,33 @@ std::vector<std::string> expandingAll(const std::vector<std::string>& texts,
 
 } // namespace
 
-std::string_view rawString(ShortcutKind kind) {
-    return rawStringIn(kinds, kind);
+void InstanceConfig::decode(std::string& json, InstanceConfig& config) {
+    if (const std::string faults = readRecord(json, config); !faults.empty()) {
+        throw ConfigError(faults);
+    }
 }
 
-std::optional<ShortcutKind> shortcutKindFromRawString(std::string_view text) {
-    return caseIn(kinds, text);
+InstanceConfig InstanceConfig::fromJson(std::string json) {
+    InstanceConfig config;
+    decode(json, config);
+    return config;
 }
 
-std::string_view rawString(IconLabel::Position position) {
-    return rawStringIn(positions, position);
-}
-
-std::optional<IconLabel::Position> iconLabelPositionFromRawString(std::string_view text) {
-    return caseIn(positions, text);
+std::optional<InstanceConfig> InstanceConfig::read(const std::string& file) {
+    std::optional<std::string> bytes = readFile(file, maximumFileSize);
+    std::optional<InstanceConfig> config;
+    if (bytes && !readRecord(*bytes, config.emplace()).empty()) {
+        config.reset();
+    }
+    return config;
 }
 
 std::string InstanceConfig::json() const {
-    nlohmann::json object = nlohmann::json::object();
-    for (const InstanceConfigField& field : instanceConfigFields) {
-        std::visit([&](auto member) { addMember(object, field.key, this->*member); }, field.member);
+    std::optional<std::string> json = writeRecord(*this);
+    if (!json) {
+        throw ConfigError("The configuration contains text that is not valid UTF-8.");
     }
-    try {
-        constexpr int indent = 2;
-        return escapingSlashes(object.dump(indent));
-    } catch (const nlohmann::json::exception&) {
-        throw ConfigError("The configuration holds text that is not UTF-8.");
-    }
+    return std::move(*json);
 }
 
 std::string InstanceConfig::resolvedHome() const {

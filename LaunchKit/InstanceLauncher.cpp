@@ -1,7 +1,11 @@
 #include "LaunchKit/InstanceLauncher.h"
 
+#include "Base/PathText.h"
+#include "LaunchKit/InstanceConfig.h"
 #include "Platform/files/ContainedFolder.h"
+#include "Platform/files/FileHandle.h"
 #include "Platform/files/FileSystem.h"
+#include "Platform/files/PlatformError.h"
 #include "Platform/files/UserPaths.h"
 
 namespace quorvel {
@@ -11,7 +15,7 @@ bool hasText(const std::optional<std::string>& text) {
     return text && !text->empty();
 }
 
-// A handle that is absent leaves the child's output where ours goes.
+// Without a log, the child inherits our streams.
 void sendOutputTo(const std::optional<FileHandle>& log, Process::Options& options) {
     if (log) {
         options.standardOutput = Process::ToFile{log->descriptor()};
@@ -25,7 +29,7 @@ void overwrite(Environment& environment, const std::map<std::string, std::string
     }
 }
 
-// Without its profile's folder, Firefox shows that it can't be loaded, and nothing else.
+// Firefox fails with a message if its profile's folder doesn't exist.
 void ensureProfileFolders(const std::string& home, const std::vector<std::string>& arguments) {
     for (std::size_t index = 1; index < arguments.size(); ++index) {
         if (arguments[index - 1] == "-profile" || arguments[index - 1] == "--profile") {
@@ -52,7 +56,7 @@ Process launchCommand(const InstanceConfig& config) {
     try {
         createDirectories(home);
     } catch (const PlatformError&) {
-        // A command needs its folder only for the log.
+        // A command needs its home only for the log.
     }
     Process::Options options;
     options.executable = UserPaths::expandTilde(*config.commandPath);
@@ -89,8 +93,9 @@ Process InstanceLauncher::launch(const InstanceConfig& config,
         }
         std::vector<std::string> arguments = config.resolvedArgs();
         arguments.insert(arguments.end(), documents.begin(), documents.end());
-        return launch(config.targetAppURL(), home, config.strategy, arguments,
-                      config.resolvedEnvironment(), kept);
+        CloneOptions options = config;
+        options.environment = config.resolvedEnvironment();
+        return launch(config.targetAppURL(), home, options, arguments, kept);
     }
     case ShortcutKind::web:
         throw LaunchError::unsupported("web shortcuts run in the runner's web host");
@@ -103,37 +108,35 @@ Process InstanceLauncher::launch(const InstanceConfig& config,
 }
 
 Process InstanceLauncher::launch(const std::filesystem::path& appURL, const std::string& home,
-                                 Strategy strategy, const std::vector<std::string>& extraArgs,
-                                 const std::map<std::string, std::string>& environment,
-                                 int kept) const {
+                                 const CloneOptions& options,
+                                 const std::vector<std::string>& extraArgs, int kept) const {
     const std::optional<AppBundle> app = AppBundle::read(appURL, noEntitlements);
     if (!app) {
         throw LaunchError::badBundle(appURL);
     }
-    return launch(*app, home, strategy, extraArgs, environment, kept);
+    return launch(*app, home, options, extraArgs, kept);
 }
 
-Process InstanceLauncher::launch(const AppBundle& app, const std::string& home, Strategy strategy,
-                                 const std::vector<std::string>& extraArgs,
-                                 const std::map<std::string, std::string>& environment,
-                                 int kept) const {
+Process InstanceLauncher::launch(const AppBundle& app, const std::string& home,
+                                 const CloneOptions& options,
+                                 const std::vector<std::string>& extraArgs, int kept) const {
     createDirectories(home);
-    Process::Options options;
-    options.executable = app.executableURL();
-    options.arguments = extraArgs;
-    options.kept = kept;
+    Process::Options process;
+    process.executable = app.executableURL();
+    process.arguments = extraArgs;
+    process.kept = kept;
     const std::optional<FileHandle> log = instanceLogHandle(home);
-    sendOutputTo(log, options);
-    options.environment = currentEnvironment();
-    if (strategy == Strategy::unsupported) {
+    sendOutputTo(log, process);
+    process.environment = currentEnvironment();
+    if (options.strategy == Strategy::unsupported) {
         throw LaunchError::unsupported(app.bundleId);
     }
-    (*options.environment)["HOME"] = home;
-    (*options.environment)["CFFIXED_USER_HOME"] = home;
+    (*process.environment)["HOME"] = home;
+    (*process.environment)["CFFIXED_USER_HOME"] = home;
     ensureKeychainAccess(home);
-    overwrite(*options.environment, environment);
+    overwrite(*process.environment, options.environment);
     ensureProfileFolders(home, extraArgs);
-    return Process::run(options);
+    return Process::run(process);
 }
 
 void InstanceLauncher::ensureKeychainAccess(const std::string& home) {

@@ -1,49 +1,24 @@
 #include "LaunchKit/InstanceRegistry.h"
 
-#include "Base/Text.h"
+#include "Base/BundleName.h"
+#include "Base/PathText.h"
 #include "LaunchKit/CloneDeletion.h"
+#include "LaunchKit/InstanceRecord.h"
+#include "LaunchKit/NameOrder.h"
+#include "LaunchKit/WrapperLayout.h"
 #include "Platform/desktop/UserLocale.h"
 #include "Platform/desktop/Workspace.h"
 #include "Platform/files/FileSystem.h"
+#include "Platform/files/FileWriting.h"
 #include "Platform/files/Folder.h"
-#include "Platform/files/UserPaths.h"
 
 #include <stdexcept>
-#include <utility>
 
 namespace quorvel {
 namespace fs = std::filesystem;
 namespace {
 
-// Puts every record in its place, one cycle after the other: records are large, and so each is
-// moved once, and no second list is made.
-void arrange(std::vector<InstanceRecord>& records, std::vector<std::size_t> order) {
-    for (std::size_t start = 0; start < order.size(); ++start) {
-        if (order[start] == start) {
-            continue;
-        }
-        InstanceRecord first = std::move(records[start]);
-        std::size_t place = start;
-        while (order[place] != start) {
-            const std::size_t next = std::exchange(order[place], place);
-            records[place] = std::move(records[next]);
-            place = next;
-        }
-        records[place] = std::move(first);
-        order[place] = place;
-    }
-}
-
-void sortByName(std::vector<InstanceRecord>& records) {
-    std::vector<std::string_view> names;
-    names.reserve(records.size());
-    for (const InstanceRecord& record : records) {
-        names.push_back(record.config.displayName);
-    }
-    arrange(records, Text::sortedOrder(names, UserLocale::forOrder()));
-}
-
-// Appends the clones of one folder. Each is read where it will lie, since records are large.
+// Appends the clones in one folder. Each is read in place, since records are large.
 void appendClones(const fs::path& path, std::vector<InstanceRecord>& records) {
     std::optional<Folder> folder = Folder::open(path);
     if (!folder) {
@@ -54,7 +29,7 @@ void appendClones(const fs::path& path, std::vector<InstanceRecord>& records) {
     std::string bytes;
     for (const std::string& name : names) {
         if (!isAppBundleName(name) ||
-            !folder->read(name + instanceConfigInBundle, InstanceConfig::maximumFileSize, bytes)) {
+            !folder->read(configOf(name), InstanceConfig::maximumFileSize, bytes)) {
             continue;
         }
         InstanceRecord& record = records.emplace_back();
@@ -69,31 +44,23 @@ void appendClones(const fs::path& path, std::vector<InstanceRecord>& records) {
 
 } // namespace
 
-std::optional<fs::path> InstanceRecord::iconURL() const {
-    fs::path icon = bundleURL / "Contents" / "Resources" / "AppIcon.icns";
-    return itemExists(icon) ? std::optional(std::move(icon)) : std::nullopt;
-}
-
-fs::path instanceConfigFile(const fs::path& bundleURL) {
-    return bundleURL.native() + instanceConfigInBundle;
-}
-
 std::vector<fs::path> InstanceRegistry::defaultSearchDirs() {
-    return {UserPaths::expandTilde("~/Applications")};
+    return {userApplicationsFolder()};
 }
 
 std::vector<InstanceRecord> InstanceRegistry::list() const {
     std::vector<InstanceRecord> records;
-    for (const fs::path& folder : searchDirs) {
+    for (const fs::path& folder : searchDirs_) {
         appendClones(withoutTrailingSlashes(folder), records);
     }
-    sortByName(records);
-    return records;
+    return sortedByName(std::move(records), [](const InstanceRecord& record) -> std::string_view {
+        return record.config.displayName;
+    });
 }
 
 std::optional<InstanceRecord> InstanceRegistry::record(const fs::path& bundleURL) const {
     const fs::path bundle = withoutTrailingSlashes(bundleURL);
-    auto config = InstanceConfig::read(bundle.native() + instanceConfigInBundle);
+    auto config = InstanceConfig::read(configOf(bundle));
     if (!config) {
         return std::nullopt;
     }
@@ -109,9 +76,9 @@ void InstanceRegistry::update(const InstanceRecord& record,
     InstanceConfig config = record.config;
     change(config);
     try {
-        writeFile(instanceConfigFile(record.bundleURL), config.json());
+        writeFile(configOf(record.bundleURL), config.json());
     } catch (const std::runtime_error&) {
-        // The next listing shows what the file holds.
+        // The next listing shows what was saved.
     }
 }
 
@@ -126,7 +93,7 @@ void InstanceRegistry::shareUserFolders(const InstanceRecord& record) const {
     }
     if (!shares(now) && !shares(this->record(record.bundleURL))) {
         throw Error("The clone at " + record.bundleURL.string() +
-                                 " can’t be changed; it does not share the folders yet.");
+                    " couldn’t be changed, so folder sharing is still off.");
     }
 }
 

@@ -1,7 +1,6 @@
 #pragma once
 
 #include "LaunchKit/DeletedData.h"
-#include "LaunchKit/InstanceConfig.h"
 
 #include <filesystem>
 #include <functional>
@@ -11,64 +10,48 @@
 
 namespace quorvel {
 
-/// A clone on disk: its wrapper bundle and the configuration inside. Identity is the bundle alone.
-struct InstanceRecord {
-    std::filesystem::path bundleURL{};
-    InstanceConfig config{};
+struct InstanceConfig;
+struct InstanceRecord;
 
-    [[nodiscard]] std::string id() const { return bundleURL.string(); }
-    /// The wrapper's icon, when it has one.
-    [[nodiscard]] std::optional<std::filesystem::path> iconURL() const;
-
-    bool operator==(const InstanceRecord& other) const { return bundleURL == other.bundleURL; }
-};
-
-/// Where a wrapper keeps its configuration, to be appended to its path.
-inline constexpr const char* instanceConfigInBundle = "/Contents/Resources/instance.json";
-
-/// The same as a path.
-[[nodiscard]] std::filesystem::path instanceConfigFile(const std::filesystem::path& bundleURL);
-
-/// Finds, changes and deletes the clones below a few folders. Holds no other state; any thread.
+/// Finds, changes and deletes the clones in a few folders. Any thread.
 class InstanceRegistry {
 public:
-    /// "~/Applications".
+    /// Returns "~/Applications", expanded.
     [[nodiscard]] static std::vector<std::filesystem::path> defaultSearchDirs();
 
     explicit InstanceRegistry(std::vector<std::filesystem::path> dirs = defaultSearchDirs())
-        : searchDirs(std::move(dirs)) {}
+        : searchDirs_(std::move(dirs)) {}
 
-    std::vector<std::filesystem::path> searchDirs;
+    /// The folders in which clones are looked for, in this order.
+    [[nodiscard]] const std::vector<std::filesystem::path>& searchDirs() const {
+        return searchDirs_;
+    }
 
-    /// The clones, sorted by name as the user's locale does, upper and lower case alike; equal
-    /// names stay in the order in which they were found. What can't be read is left out.
+    /// Returns the clones in the order of `sortedByName`. Unreadable ones are left out.
     [[nodiscard]] std::vector<InstanceRecord> list() const;
 
-    /// The clone at `bundleURL`, wherever that is.
+    /// Returns the clone at `bundleURL`, wherever that is; `std::nullopt` if its configuration
+    /// can't be read.
     [[nodiscard]] std::optional<InstanceRecord>
     record(const std::filesystem::path& bundleURL) const;
 
-    /// Removes the wrapper and, when asked, the data folder; a user's home is never removed. Throws
-    /// `PlatformError` when the wrapper can't be removed or something is mounted in what would be,
-    /// and `RefusedDeletion` when the data folder is not the clone's alone or another clone is at
-    /// the record's place by now; the data is untouched then. A data folder that can't be removed
-    /// throws nothing: the result tells.
+    /// Removes the wrapper and, if `includingData`, the data folder; a user's home is never
+    /// removed. Throws `PlatformError` if the wrapper can't be removed or something is mounted
+    /// inside what would be, and `RefusedDeletion` if the data folder is not the clone's alone or
+    /// the record's path now belongs to another clone; the data is untouched then. A data folder
+    /// that can't be removed doesn't throw but is reported in the result.
     DeletedData remove(const InstanceRecord& record, bool includingData) const;
 
     /// Rewrites the wrapper's configuration after `change`. Failures are silent: list again to see.
     void update(const InstanceRecord& record,
                 const std::function<void(InstanceConfig&)>& change) const;
 
-    /// Has the clone share the user's own folders, and leaves what else its configuration holds on
-    /// disk by now. Throws `Error` when it still does not share them.
+    /// Makes the clone share the user's own folders, and keeps everything else that its
+    /// configuration on disk currently holds. Throws `Error` if that couldn't be saved.
     void shareUserFolders(const InstanceRecord& record) const;
+
+private:
+    std::vector<std::filesystem::path> searchDirs_;
 };
 
 } // namespace quorvel
-
-template<>
-struct std::hash<quorvel::InstanceRecord> {
-    std::size_t operator()(const quorvel::InstanceRecord& record) const noexcept {
-        return std::filesystem::hash_value(record.bundleURL);
-    }
-};

@@ -3,6 +3,7 @@
 #include "Base/Text.h"
 #include "Base/Utf8.h"
 #include "LaunchKit/DataFolderGuard.h"
+#include "LaunchKit/InstanceRecord.h"
 #include "LaunchKit/InstanceRegistry.h"
 #include "LaunchKit/WrapperLayout.h"
 #include "Platform/files/FileSystem.h"

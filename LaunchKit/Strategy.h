@@ -1,17 +1,18 @@
 #pragma once
 
-#include <optional>
-#include <string_view>
+#include "LaunchKit/Records/EnumNames.h"
 
 namespace quorvel {
 
 /// How a clone's data is kept apart from that of the app's normal use.
 enum class Strategy { homeOverride, containerRedirect, wrapperIdentity, unsupported };
 
-/// "home-override", "container-redirect", "wrapper-identity" or "unsupported".
-[[nodiscard]] std::string_view rawString(Strategy strategy);
-
-/// Nothing for any other text.
-[[nodiscard]] std::optional<Strategy> strategyFromRawString(std::string_view text);
+template<>
+inline constexpr auto enumNames<Strategy> = namesOfAllCases<Strategy>({
+    {Strategy::homeOverride, "home-override"},
+    {Strategy::containerRedirect, "container-redirect"},
+    {Strategy::wrapperIdentity, "wrapper-identity"},
+    {Strategy::unsupported, "unsupported"},
+});
 
 } // namespace quorvel

@@ -1,10 +1,11 @@
 #include "LaunchKit/WrapperFactory.h"
 
+#include "Base/PathText.h"
 #include "Base/Text.h"
+#include "LaunchKit/InstanceConfig.h"
 #include "LaunchKit/RunnerLocator.h"
 #include "LaunchKit/WrapperGenerator.h"
-#include "Platform/files/FileSystem.h"
-#include "Platform/files/UserPaths.h"
+#include "LaunchKit/WrapperLayout.h"
 
 namespace quorvel {
 namespace fs = std::filesystem;
@@ -19,12 +20,10 @@ fs::path readableTarget(const WrapperFactory::Request& request) {
 }
 
 InstanceConfig configuration(const WrapperFactory::Request& request, const std::string& name) {
-    InstanceConfig config;
+    InstanceConfig config{request, request};
     config.displayName = name;
     config.bundleId = request.bundleId.value_or(WrapperFactory::defaultBundleId(name));
-    config.kind = request.kind;
     config.instanceHome = request.instanceHome.value_or(WrapperFactory::defaultInstanceHome(name));
-    config.strategy = request.strategy;
     config.extraArgs = request.extraArgs.value_or(std::vector<std::string>{});
     if (request.kind == ShortcutKind::app) {
         const fs::path target = readableTarget(request);
@@ -33,19 +32,6 @@ InstanceConfig configuration(const WrapperFactory::Request& request, const std::
             config.extraArgs = WrapperFactory::autoDataDirArgs(target, std::nullopt);
         }
     }
-    config.environment = request.environment;
-    config.infoPlistOverrides = request.infoPlistOverrides;
-    config.registerAsBrowser = request.registerAsBrowser;
-    config.openWithPassthrough = request.openWithPassthrough;
-    config.iconLabel = request.iconLabel;
-    config.menuBarIcon = request.menuBarIcon;
-    config.menuBarIconTemplate = request.menuBarIconTemplate;
-    config.shareUserFolders = request.shareUserFolders;
-    config.url = request.url;
-    config.openPath = request.openPath;
-    config.commandPath = request.commandPath;
-    config.commandArgs = request.commandArgs;
-    config.workingDirectory = request.workingDirectory;
     return config;
 }
 
@@ -72,7 +58,7 @@ WrapperFactory::FactoryError WrapperFactory::FactoryError::emptyName() {
 }
 
 fs::path WrapperFactory::defaultOutputDir() {
-    return UserPaths::expandTilde("~/Applications");
+    return userApplicationsFolder();
 }
 
 std::string WrapperFactory::defaultInstanceHome(std::string_view name) {
@@ -80,7 +66,7 @@ std::string WrapperFactory::defaultInstanceHome(std::string_view name) {
 }
 
 fs::path WrapperFactory::wrapperURL(const Request& request) {
-    return quorvel::wrapperURL(folderOf(request), nameOf(request));
+    return quorvel::wrapperPath(folderOf(request), nameOf(request));
 }
 
 fs::path WrapperFactory::create(const Request& request) const {
@@ -89,13 +75,35 @@ fs::path WrapperFactory::create(const Request& request) const {
         throw FactoryError::emptyName();
     }
     const std::optional<fs::path> runner =
-        runnerBinary ? runnerBinary : RunnerLocator::locate(ApplicationFolders::ofThisProgram());
+        runnerBinary ? runnerBinary : RunnerLocator::locate(ApplicationFolders::current());
     if (!runner) {
         throw FactoryError::runnerNotFound();
     }
     const WrapperGenerator::Options options{configuration(request, name), *runner,
                                             request.customIcon, request.hideWrapperIcon};
     return WrapperGenerator().generate(folderOf(request), options);
+}
+
+AppEngine WrapperFactory::detectEngine(const fs::path& app,
+                                       const std::optional<std::string>& bundleId) {
+    return quorvel::detectEngine(app, bundleId);
+}
+
+bool WrapperFactory::isElectron(const fs::path& app) {
+    return quorvel::detectEngine(app) == AppEngine::electron;
+}
+
+std::vector<std::string>
+WrapperFactory::autoDataDirArgs(const fs::path& app, const std::optional<std::string>& bundleId) {
+    return dataDirArgs(quorvel::detectEngine(app, bundleId));
+}
+
+std::string WrapperFactory::defaultBundleId(std::string_view name) {
+    return "app.quorvel.instance." + idFragment(name);
+}
+
+std::string WrapperFactory::idFragment(std::string_view name) {
+    return Text::lowerCased(Text::replacingNonAlphanumerics(name, '-'));
 }
 
 } // namespace quorvel

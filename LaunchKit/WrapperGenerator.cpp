@@ -1,39 +1,30 @@
 #include "LaunchKit/WrapperGenerator.h"
 
+#include "Base/BundleLayout.h"
+#include "Base/PathText.h"
 #include "Base/Text.h"
 #include "LaunchKit/CloneDeletion.h"
 #include "LaunchKit/IconComposer.h"
-#include "LaunchKit/InstanceRegistry.h"
+#include "LaunchKit/WrapperLayout.h"
+#include "LaunchKit/WrapperPropertyList.h"
+#include "Platform/files/FileCopy.h"
 #include "Platform/files/FileSystem.h"
-#include "Platform/files/PropertyListFile.h"
+#include "Platform/files/FileWriting.h"
+#include "Platform/files/PlatformError.h"
 
 namespace quorvel {
 namespace fs = std::filesystem;
 namespace {
-
-std::optional<std::string> targetIconFile(const AppBundle& target) {
-    const auto info =
-        readPropertyList(target.url / "Contents" / "Info.plist", {"CFBundleIconFile"});
-    return info ? PropertyList::stringFor(*info, "CFBundleIconFile") : std::nullopt;
-}
 
 std::optional<fs::path> iconSource(const WrapperGenerator::Options& options,
                                    const std::optional<AppBundle>& target) {
     if (options.customIcon && itemExists(*options.customIcon)) {
         return options.customIcon;
     }
-    std::optional<std::string> name = target ? targetIconFile(*target) : std::nullopt;
-    if (!name) {
-        return std::nullopt;
-    }
-    if (!name->ends_with(".icns")) {
-        name->append(".icns");
-    }
-    fs::path icon = joinAsText(target->url / "Contents" / "Resources", *name);
-    return itemExists(icon) ? std::optional(std::move(icon)) : std::nullopt;
+    return target ? bundleIconFile(target->url) : std::nullopt;
 }
 
-// False when there is nothing to draw, or when that fails.
+// Returns false if there is nothing to draw, or if drawing fails.
 bool installBadgedIcon(const fs::path& source, const std::optional<IconLabel>& label,
                        const fs::path& destination) {
     if (!label || Text::trimmingWhitespace(label->text).empty()) {
@@ -48,8 +39,7 @@ bool installBadgedIcon(const fs::path& source, const std::optional<IconLabel>& l
 }
 
 void installIcon(const fs::path& source, const std::optional<IconLabel>& label,
-                 const fs::path& resources) {
-    const fs::path destination = resources / "AppIcon.icns";
+                 const fs::path& destination) {
     if (!installBadgedIcon(source, label, destination)) {
         copyFile(source, destination);
     }
@@ -76,10 +66,6 @@ WrapperGenerator::GenError::badTarget(const std::filesystem::path& target) {
     return {Case::badTarget, "Not a readable target .app: ", target};
 }
 
-fs::path wrapperURL(const fs::path& directory, std::string_view displayName) {
-    return joinAsText(directory, std::string(displayName) + ".app");
-}
-
 fs::path WrapperGenerator::generate(const fs::path& directory, const Options& options) const {
     if (!itemExists(options.runnerBinary)) {
         throw GenError::runnerMissing(options.runnerBinary);
@@ -91,29 +77,27 @@ fs::path WrapperGenerator::generate(const fs::path& directory, const Options& op
             throw GenError::badTarget(options.config.targetAppURL());
         }
     }
-    // Texts that can't be written are found before an older wrapper is touched.
+    // Unwritable texts are found before an older wrapper is touched.
     const std::string json = options.config.json();
-    requireWritableTexts(options.config);
-    fs::path wrapper = wrapperURL(directory, options.config.displayName);
+    WrapperPropertyList::requireWritableTexts(options.config);
+    fs::path wrapper = wrapperPath(directory, options.config.displayName);
     if (itemOrLinkExists(wrapper)) {
         removeWrapper(wrapper);
     }
-    // Only now, since an icon of the older wrapper is gone with it.
+    // Only now: an icon inside the older wrapper has been removed with it.
     const std::optional<fs::path> icon = iconSource(options, target);
-    const std::string info = PropertyList::xml(
-        infoPlist(options, icon ? std::optional<std::string>("AppIcon") : std::nullopt));
-    const fs::path contents = wrapper / "Contents";
-    const fs::path resources = contents / "Resources";
-    createDirectories(wrapper); // by itself, so that an error names it
-    createDirectories(contents / "MacOS");
-    createDirectories(resources);
-    installRunner(options.runnerBinary, contents / "MacOS" / "runner");
-    writeFile(instanceConfigFile(wrapper), json);
+    const std::string info = PropertyList::xml(WrapperPropertyList::infoPlist(
+        options, icon ? std::optional<std::string>(wrapperIconName) : std::nullopt));
+    createDirectories(wrapper); // separately, so that an error names it
+    createDirectories(executablesOf(wrapper));
+    createDirectories(resourcesOf(wrapper));
+    installRunner(options.runnerBinary, runnerOf(wrapper));
+    writeFile(configOf(wrapper), json);
     if (icon) {
-        installIcon(*icon, options.config.iconLabel, resources);
+        installIcon(*icon, options.config.iconLabel, iconOf(wrapper));
     }
-    writeFile(contents / "Info.plist", info);
-    writeFile(contents / "PkgInfo", "APPL????");
+    writeFile(infoPlistOf(wrapper), info);
+    writeFile(joinAsText(contentsOf(wrapper), BundleItem::pkgInfo), "APPL????");
     return wrapper;
 }
 

@@ -1,14 +1,12 @@
 #pragma once
 
 #include "Base/Error.h"
-#include "Base/PropertyList.h"
 #include "LaunchKit/AppBundle.h"
 #include "LaunchKit/InstanceConfig.h"
 
 #include <filesystem>
 #include <optional>
 #include <string>
-#include <string_view>
 
 namespace quorvel {
 
@@ -18,7 +16,7 @@ public:
     struct Options {
         InstanceConfig config{};
         std::filesystem::path runnerBinary{};
-        std::optional<std::filesystem::path> customIcon{}; ///< goes before the target's own icon
+        std::optional<std::filesystem::path> customIcon{}; ///< replaces the target's own icon
         bool hideWrapperIcon = false;                      ///< no Dock icon
     };
 
@@ -26,7 +24,9 @@ public:
     public:
         enum class Case { runnerMissing, badTarget };
 
+        /// The runner's file doesn't exist.
         [[nodiscard]] static GenError runnerMissing(const std::filesystem::path& runner);
+        /// The target's bundle can't be read.
         [[nodiscard]] static GenError badTarget(const std::filesystem::path& target);
 
         [[nodiscard]] Case kind() const noexcept { return case_; }
@@ -42,26 +42,12 @@ public:
         std::filesystem::path url_;
     };
 
-    /// Writes `directory`/NAME.app, replacing what is there, and gives its path. Throws, with
-    /// nothing touched, `GenError`, `ConfigError` (a text that is not UTF-8) or
-    /// `std::invalid_argument` (a text that a property list can't hold); and `PlatformError`, which
-    /// may leave a part of the wrapper behind.
+    /// Writes `directory`/NAME.app, replacing an existing one, and returns its path. Throws
+    /// `GenError`, `ConfigError` (a text that is not valid UTF-8) or `std::invalid_argument` (a
+    /// text that a property list can't contain) before anything is changed, and `PlatformError`,
+    /// after which a part of the wrapper may remain.
     [[nodiscard]] std::filesystem::path generate(const std::filesystem::path& directory,
                                                  const Options& options) const;
-
-    /// The wrapper's property list. `iconFile` is the icon's name when one was installed.
-    [[nodiscard]] static PropertyListDictionary
-    infoPlist(const Options& options, const std::optional<std::string>& iconFile);
-
-    /// Throws `std::invalid_argument` when `infoPlist` would hold a text that can't be written.
-    static void requireWritableTexts(const InstanceConfig& config);
-
-    /// What a free text means in a property list: a boolean, a whole number, else the text itself.
-    [[nodiscard]] static PropertyListValue coercePlistValue(std::string_view text);
 };
-
-/// Where `generate` puts the clone of that name: `directory`/`displayName`.app.
-[[nodiscard]] std::filesystem::path wrapperURL(const std::filesystem::path& directory,
-                                               std::string_view displayName);
 
 } // namespace quorvel

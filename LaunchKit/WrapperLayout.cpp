@@ -1,17 +1,25 @@
 #include "LaunchKit/WrapperLayout.h"
 
+#include "Base/BundleLayout.h"
+#include "Base/PathText.h"
+#include "LaunchKit/InstanceConfig.h"
+#include "LaunchKit/InstanceRecord.h"
 #include "LaunchKit/InstanceRegistry.h"
 #include "Platform/files/FileSystem.h"
+#include "Platform/files/UserPaths.h"
 
 #include <algorithm>
 #include <initializer_list>
-#include <string_view>
 
 namespace quorvel {
 namespace fs = std::filesystem;
 namespace {
 
-// Whether the folder is missing, or readable and holds nothing else than these.
+constexpr std::string_view configName = "instance.json";
+constexpr std::string_view iconFileName = "AppIcon.icns";
+static_assert(iconFileName.starts_with(wrapperIconName));
+
+// Whether the folder is missing, or readable with no other entries than these.
 bool holdsAtMost(const fs::path& folder, std::initializer_list<std::string_view> names) {
     if (!itemOrLinkExists(folder)) {
         return true;
@@ -22,7 +30,7 @@ bool holdsAtMost(const fs::path& folder, std::initializer_list<std::string_view>
            });
 }
 
-// The same, all of them files.
+// The same, where all entries must be regular files.
 bool holdsAtMostFiles(const fs::path& folder, std::initializer_list<std::string_view> names) {
     return holdsAtMost(folder, names) &&
            std::all_of(names.begin(), names.end(), [&](std::string_view name) {
@@ -32,29 +40,52 @@ bool holdsAtMostFiles(const fs::path& folder, std::initializer_list<std::string_
            });
 }
 
+// Whether what is in the two folders of a wrapper is a wrapper's.
+bool holdsAtMostWrapperFiles(const fs::path& wrapper) {
+    return holdsAtMostFiles(executablesOf(wrapper), {wrapperExecutableName}) &&
+           holdsAtMostFiles(resourcesOf(wrapper), {configName, iconFileName});
+}
+
 } // namespace
 
+std::string configOf(const std::string& wrapper) {
+    return resourceOf(wrapper, configName);
+}
+
+std::string iconOf(const std::string& wrapper) {
+    return resourceOf(wrapper, iconFileName);
+}
+
+std::string runnerOf(const std::string& wrapper) {
+    return executableOf(wrapper, wrapperExecutableName);
+}
+
+fs::path wrapperPath(const fs::path& directory, std::string_view displayName) {
+    return joinAsText(directory, std::string(displayName) + ".app");
+}
+
+fs::path userApplicationsFolder() {
+    return UserPaths::expandTilde("~/Applications");
+}
+
 bool isUnfinishedWrapper(const fs::path& wrapper) {
-    const fs::path contents = wrapper / "Contents";
-    // The runner comes first; resources without it are somebody's own.
-    return holdsAtMost(wrapper, {"Contents"}) && holdsAtMost(contents, {"MacOS", "Resources"}) &&
-           holdsAtMostFiles(contents / "MacOS", {"runner"}) &&
-           (itemExists(contents / "MacOS" / "runner")
-                ? holdsAtMostFiles(contents / "Resources", {"instance.json", "AppIcon.icns"})
-                : holdsAtMost(contents / "Resources", {}));
+    // The runner is written first; resources without it belong to someone else.
+    return holdsAtMost(wrapper, {BundleItem::contents}) &&
+           holdsAtMost(contentsOf(wrapper), {BundleItem::executables, BundleItem::resources}) &&
+           holdsAtMostWrapperFiles(wrapper) &&
+           (itemExists(runnerOf(wrapper)) || holdsAtMost(resourcesOf(wrapper), {}));
 }
 
 bool isDamagedWrapper(const fs::path& wrapper) {
-    const fs::path contents = wrapper / "Contents";
-    const fs::path resources = contents / "Resources";
-    // A replacement or deletion that was cut off may have taken the configuration alone.
-    const bool isWhole = itemOrLinkExists(instanceConfigFile(wrapper)) ||
-                         (itemExists(contents / "Info.plist") && itemExists(contents / "PkgInfo"));
-    return isWhole && !InstanceRegistry().record(wrapper) &&
-           itemExists(contents / "MacOS" / "runner") && holdsAtMost(wrapper, {"Contents"}) &&
-           holdsAtMost(contents, {"MacOS", "Resources", "Info.plist", "PkgInfo"}) &&
-           holdsAtMostFiles(contents / "MacOS", {"runner"}) &&
-           holdsAtMostFiles(resources, {"instance.json", "AppIcon.icns"});
+    // An interrupted replacement or deletion may have removed the configuration alone.
+    const bool isWhole = itemOrLinkExists(configOf(wrapper)) ||
+                         (itemExists(infoPlistOf(wrapper)) &&
+                          itemExists(joinAsText(contentsOf(wrapper), BundleItem::pkgInfo)));
+    return isWhole && !InstanceConfig::read(configOf(wrapper)) && itemExists(runnerOf(wrapper)) &&
+           holdsAtMost(wrapper, {BundleItem::contents}) &&
+           holdsAtMost(contentsOf(wrapper), {BundleItem::executables, BundleItem::resources,
+                                             BundleItem::infoPlist, BundleItem::pkgInfo}) &&
+           holdsAtMostWrapperFiles(wrapper);
 }
 
 } // namespace quorvel

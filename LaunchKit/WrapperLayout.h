@@ -1,16 +1,41 @@
 #pragma once
 
 #include <filesystem>
+#include <string>
+#include <string_view>
 
-/// Tells wrappers that are no readable clones from what is somebody's own.
+/// What a wrapper consists of and where its parts are, and whether a bundle is a wrapper although
+/// its configuration can't be read.
 namespace quorvel {
 
-/// Whether it is what a generation that failed half-way leaves behind, a full disk's for one: it
+/// The name of a wrapper's icon, without its extension.
+inline constexpr std::string_view wrapperIconName = "AppIcon";
+
+/// The name of a wrapper's executable.
+inline constexpr std::string_view wrapperExecutableName = "runner";
+
+/// Returns the path of a wrapper's configuration, "instance.json" in its resources.
+[[nodiscard]] std::string configOf(const std::string& wrapper);
+
+/// Returns the path of a wrapper's icon, which need not exist.
+[[nodiscard]] std::string iconOf(const std::string& wrapper);
+
+/// Returns the path of a wrapper's executable.
+[[nodiscard]] std::string runnerOf(const std::string& wrapper);
+
+/// Returns the path of the wrapper of a clone with that name: `directory`/`displayName`.app.
+[[nodiscard]] std::filesystem::path wrapperPath(const std::filesystem::path& directory,
+                                                std::string_view displayName);
+
+/// Returns the folder in which clones are made and found, "~/Applications", expanded.
+[[nodiscard]] std::filesystem::path userApplicationsFolder();
+
+/// Returns whether the bundle is what a failed generation leaves, on a full disk for example: it
 /// may be replaced like a whole clone.
 [[nodiscard]] bool isUnfinishedWrapper(const std::filesystem::path& wrapper);
 
-/// Whether it is a whole wrapper, with nothing else in it, whose configuration can't be read
-/// or is missing.
+/// Returns whether the bundle is a whole wrapper, with nothing else in it, whose configuration
+/// can't be read or is missing.
 [[nodiscard]] bool isDamagedWrapper(const std::filesystem::path& wrapper);
 
 } // namespace quorvel

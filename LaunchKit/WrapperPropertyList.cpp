@@ -1,5 +1,7 @@
+#include "LaunchKit/WrapperPropertyList.h"
+
 #include "Base/Text.h"
-#include "LaunchKit/WrapperGenerator.h"
+#include "LaunchKit/WrapperLayout.h"
 
 #include <charconv>
 #include <stdexcept>
@@ -8,7 +10,7 @@ namespace quorvel {
 namespace {
 
 std::optional<std::int64_t> wholeNumber(std::string_view text) {
-    // The standard's parser knows no plus sign, and would take one sign behind another for none.
+    // `from_chars` rejects a plus sign; removing it must not let a second sign pass.
     if (text.starts_with('+')) {
         text.remove_prefix(1);
         if (text.starts_with('-')) {
@@ -37,8 +39,8 @@ PropertyListArray anyDocument() {
     }};
 }
 
-// `what` says which text it is, among the many that somebody typed.
-void requireWritable(const std::string& text, const std::string& what) {
+// `what` names the text, one of many that the user typed.
+void requireWritableText(const std::string& text, const std::string& what) {
     try {
         PropertyList::requireWritable(text);
     } catch (const std::invalid_argument& error) {
@@ -48,7 +50,7 @@ void requireWritable(const std::string& text, const std::string& what) {
 
 } // namespace
 
-PropertyListValue WrapperGenerator::coercePlistValue(std::string_view text) {
+PropertyListValue WrapperPropertyList::coercePlistValue(std::string_view text) {
     const std::string trimmed = Text::trimmingWhitespace(text);
     const std::string lower = Text::lowerCased(trimmed);
     if (lower == "true" || lower == "yes") {
@@ -63,24 +65,29 @@ PropertyListValue WrapperGenerator::coercePlistValue(std::string_view text) {
     return std::string(text);
 }
 
-void WrapperGenerator::requireWritableTexts(const InstanceConfig& config) {
-    requireWritable(config.displayName, "The name");
-    requireWritable(config.bundleId, "The identifier");
+void WrapperPropertyList::requireWritableTexts(const InstanceConfig& config) {
+    requireWritableText(config.displayName, "The name");
+    requireWritableText(config.bundleId, "The identifier");
     for (const auto& [key, text] : config.infoPlistOverrides) {
-        requireWritable(key, "The key “" + key + "”");
-        requireWritable(text, "The value of “" + key + "”");
+        requireWritableText(key, "The key “" + key + "”");
+        requireWritableText(text, "The value of “" + key + "”");
     }
 }
 
-PropertyListDictionary WrapperGenerator::infoPlist(const Options& options,
-                                                   const std::optional<std::string>& iconFile) {
+PropertyListDictionary WrapperPropertyList::infoPlist(const WrapperGenerator::Options& options,
+                                                      const std::optional<std::string>& iconFile) {
     const InstanceConfig& config = options.config;
     PropertyListDictionary info{
-        {"CFBundleName", config.displayName},    {"CFBundleDisplayName", config.displayName},
-        {"CFBundleIdentifier", config.bundleId}, {"CFBundleExecutable", "runner"},
-        {"CFBundlePackageType", "APPL"},         {"CFBundleInfoDictionaryVersion", "6.0"},
-        {"CFBundleShortVersionString", "1.0"},   {"CFBundleVersion", "1"},
-        {"LSMinimumSystemVersion", "13.0"},      {"NSHighResolutionCapable", true},
+        {"CFBundleName", config.displayName},
+        {"CFBundleDisplayName", config.displayName},
+        {"CFBundleIdentifier", config.bundleId},
+        {"CFBundleExecutable", std::string(wrapperExecutableName)},
+        {"CFBundlePackageType", "APPL"},
+        {"CFBundleInfoDictionaryVersion", "6.0"},
+        {"CFBundleShortVersionString", "1.0"},
+        {"CFBundleVersion", "1"},
+        {"LSMinimumSystemVersion", "13.0"},
+        {"NSHighResolutionCapable", true},
     };
     if (iconFile) {
         info["CFBundleIconFile"] = *iconFile;

@@ -1,8 +1,9 @@
 #include "ProbeKit/AppProber.h"
 
+#include "Base/PathText.h"
 #include "Base/RandomUuid.h"
 #include "Base/Text.h"
-#include "LaunchKit/WrapperFactory.h"
+#include "LaunchKit/AppEngine.h"
 #include "Platform/desktop/UserLocale.h"
 #include "Platform/files/FileSystem.h"
 #include "Platform/files/UserPaths.h"
@@ -16,17 +17,11 @@ namespace {
 
 using Seconds = AppProber::Seconds;
 
-// Short enough that giving up feels immediate.
+// Short enough that cancelling feels immediate.
 constexpr Seconds slice{0.05};
 
-std::vector<std::string> electronArgs(const AppBundle& bundle, const std::string& home) {
-    if (!WrapperFactory::isElectron(bundle.url)) {
-        return {};
-    }
-    return {"--user-data-dir=" + home + "/QuorvelData"};
-}
-
-// The last piece of an identifier is what apps call their folders; "com.example.Notes" gives Notes.
+// Apps name their folders after the last component of their identifier, "Notes" for
+// "com.example.Notes".
 std::string_view lastComponent(std::string_view bundleId) {
     const std::size_t end = bundleId.find_last_not_of('.');
     if (end == bundleId.npos) {
@@ -37,12 +32,12 @@ std::string_view lastComponent(std::string_view bundleId) {
     return dot == trimmed.npos ? trimmed : trimmed.substr(dot + 1);
 }
 
-// Waits through a probe, telling how much is over and noticing a request to give up.
+// Waits during a probe, reports its progress and notices that it is cancelled.
 class Waiter {
 public:
-    Waiter(const AppProber::Control& control, const std::function<void(Seconds)>& sleep,
+    Waiter(const AppProber::Options& options, const std::function<void(Seconds)>& sleep,
            Seconds whole)
-        : control_(control),
+        : options_(options),
           sleep_(sleep),
           whole_(whole) {}
 
@@ -52,8 +47,8 @@ public:
             const Seconds step = std::min(left, slice);
             sleep_(step);
             over_ += step;
-            if (control_.progress) {
-                control_.progress(std::min(1.0, over_ / whole_));
+            if (options_.progress) {
+                options_.progress(std::min(1.0, over_ / whole_));
             }
             throwIfCancelled();
         }
@@ -61,92 +56,91 @@ public:
 
 private:
     void throwIfCancelled() const {
-        if (control_.cancelled != nullptr && control_.cancelled->load()) {
+        if (options_.cancelled != nullptr && options_.cancelled->load()) {
             throw ProbeCancelled();
         }
     }
 
-    const AppProber::Control& control_;
+    const AppProber::Options& options_;
     const std::function<void(Seconds)>& sleep_;
     Seconds whole_;
     Seconds over_{0};
 };
 
-// Asks the processes to end, in the order of their launch, and lets go of them.
-void dismiss(std::vector<TrialProcess>& trials, const std::function<void(TrialProcess)>& release) {
+// Asks the processes to end, in the order of their launch, and releases them.
+void terminateAll(std::vector<TrialProcess>& trials,
+                  const std::function<void(TrialProcess)>& release) {
     for (TrialProcess& trial : trials) {
-        trial.terminate();
         if (release) {
+            trial.terminate();
             release(std::move(trial));
         } else {
-            endInBackground(std::move(trial), AppProber::grace);
+            terminateInBackground(std::move(trial), AppProber::grace);
         }
     }
     trials.clear();
 }
 
-void end(std::vector<TrialProcess> trials) {
-    for (TrialProcess& trial : trials) {
-        trial.terminate();
-    }
-    waitForEnd(std::move(trials), AppProber::grace);
-}
-
 } // namespace
 
 std::optional<AppProber> AppProber::forApp(const std::filesystem::path& appURL) {
-    return forApp(appURL, Surroundings{});
+    return forApp(appURL, Dependencies{});
 }
 
 std::optional<AppProber> AppProber::forApp(const std::filesystem::path& appURL,
-                                           Surroundings surroundings) {
-    auto bundle = AppBundle::read(appURL, surroundings.entitlements);
+                                           Dependencies dependencies) {
+    auto bundle = AppBundle::read(appURL, dependencies.entitlements);
     if (!bundle) {
         return std::nullopt;
     }
-    return AppProber(std::move(*bundle), std::move(surroundings));
+    return AppProber(std::move(*bundle), std::move(dependencies));
 }
 
-AppProber::AppProber(AppBundle bundle, Surroundings surroundings)
+AppProber::AppProber(AppBundle bundle, Dependencies dependencies)
     : bundle_(std::move(bundle)),
-      realLibrary_(withoutTrailingSlashes(surroundings.realLibrary
-                                              ? *surroundings.realLibrary
-                                              : UserPaths::expandTilde("~/Library"))
-                       .string()),
-      temporary_(surroundings.temporary.value_or(UserPaths::temporaryFolder())),
-      workspace_(surroundings.workspace ? std::move(surroundings.workspace)
+      realLibrary_(withoutTrailingSlashes(dependencies.realLibrary
+                                              ? *dependencies.realLibrary
+                                              : UserPaths::expandTilde("~/Library"))),
+      temporary_(dependencies.temporary.value_or(UserPaths::temporaryFolder())),
+      workspace_(dependencies.workspace ? std::move(dependencies.workspace)
                                         : makeSystemWorkspace()),
-      sleep_(surroundings.sleep ? std::move(surroundings.sleep)
+      sleep_(dependencies.sleep ? std::move(dependencies.sleep)
                                 : [](Seconds time) { std::this_thread::sleep_for(time); }) {}
 
-ProbeResult AppProber::run() {
-    return run(Control{});
+ProbeResult AppProber::run() const {
+    return run(Options{});
 }
 
-ProbeResult AppProber::run(const Control& control) {
+ProbeResult AppProber::run(const Options& options) const {
     const std::string homeA = makeTempHome();
     const std::string homeB = makeTempHome();
     FSEventProbe recorder({homeA, realLibrary_});
     recorder.start();
 
-    Waiter waiter(control, sleep_, settleA + settleB);
+    Waiter waiter(options, sleep_, options.settleA + options.settleB);
     std::vector<TrialProcess> launched;
     ProbeResult result;
     launched.push_back(launch(homeA));
     try {
-        waiter.wait(settleA);
+        waiter.wait(options.settleA);
         launched.push_back(launch(homeB));
-        waiter.wait(settleB);
+        waiter.wait(options.settleB);
     } catch (const ProbeCancelled&) {
-        if (control.release) {
-            dismiss(launched, control.release);
+        if (options.release) {
+            terminateAll(launched, options.release);
         } else {
-            end(std::move(launched)); // who cancels may quit, which a thread of ours won't survive
+            // The caller may quit now, which a background thread would not survive.
+            terminateAndWait(std::move(launched), grace);
+        }
+        throw;
+    } catch (...) {
+        for (TrialProcess& trial : launched) {
+            trial.process.detach();
         }
         throw;
     }
     result.singleton = classifySingleton(launched.back().process);
-    dismiss(launched, control.release);
+    terminateAll(launched, options.release);
     result.buckets = classify(recorder.stopAndDrain(), homeA);
     result.complete = recorder.isComplete();
     result.recommendedStrategy = resolveStrategy(result);
@@ -154,9 +148,7 @@ ProbeResult AppProber::run(const Control& control) {
 }
 
 TrialProcess AppProber::launch(const std::string& home) const {
-    return {
-        launcher_.launch(bundle_, home, Strategy::homeOverride, electronArgs(bundle_, home), {}),
-        home};
+    return {launcher_.launch(bundle_, home, CloneOptions{}, electronArgs(bundle_.url, home)), home};
 }
 
 std::string AppProber::makeTempHome() const {

@@ -4,7 +4,7 @@
 #include "LaunchKit/AppBundle.h"
 #include "LaunchKit/InstanceLauncher.h"
 #include "Platform/desktop/Workspace.h"
-#include "ProbeKit/Farewell.h"
+#include "Platform/processes/ProcessShutdown.h"
 #include "ProbeKit/Models.h"
 
 #include <atomic>
@@ -19,21 +19,26 @@
 
 namespace quorvel {
 
-/// A probe that was given up on request.
+/// A process that a probe launched.
+using TrialProcess = IsolatedProcess;
+
+/// A process that a probe launched.
+using TrialProcess = IsolatedProcess;
+
+/// Thrown when a probe is cancelled.
 class ProbeCancelled : public Error {
 public:
     ProbeCancelled() : Error("The detection was cancelled.") {}
 };
 
 /// Finds out by experiment where an app writes and whether it allows a second instance: launches it
-/// twice, each time under a throw-away home (which stays), and records the writes. Made for one
-/// target, run once.
+/// twice, each time under a throw-away home (which stays), and records the writes.
 class AppProber {
 public:
     using Seconds = std::chrono::duration<double>;
 
-    /// What the prober takes from the world. The defaults are the user's own.
-    struct Surroundings {
+    /// External dependencies. The defaults are the user's own.
+    struct Dependencies {
         std::shared_ptr<Workspace> workspace{};           ///< null: the system's
         std::optional<std::string> realLibrary{};         ///< absent: "~/Library", expanded
         std::optional<std::filesystem::path> temporary{}; ///< absent: the system's
@@ -41,54 +46,55 @@ public:
         EntitlementReader entitlements = codeSigningTool();
     };
 
-    /// How a run reports and ends.
-    struct Control {
-        /// May be set by any thread or by a signal handler. Null: can't be cancelled.
+    /// How a run proceeds, reports and ends.
+    struct Options {
+        Seconds settleA{7.0}; ///< the wait after the first launch
+        Seconds settleB{2.0}; ///< the wait after the second
+        /// Cancels the run once it is true. May be set by any thread or by a signal handler. Null:
+        /// can't be cancelled.
         const std::atomic<bool>* cancelled = nullptr;
-        /// The share of the waiting that is over, from 0 to 1, some twenty times a second, on the
-        /// thread that runs the probe.
+        /// Receives the elapsed share of the waiting, from 0 to 1, some twenty times a second, on
+        /// the thread that runs the probe.
         std::function<void(double)> progress{};
         /// Takes over each launched process after it was asked to end. Empty: it is waited for in
-        /// the background, and ended by force with all that it started when it still runs `grace`
-        /// later (see `waitForEnd`). A cancelled run waits for that itself before it throws.
+        /// the background, and killed with everything that it started if it still runs `grace`
+        /// later (see `terminateAndWait`). A cancelled run waits for that itself before it throws.
         std::function<void(TrialProcess)> release{};
     };
 
     static constexpr std::chrono::seconds grace{5};
 
-    /// Nothing when the bundle can't be read. Blocks while the code-signing tool runs.
+    /// Returns `std::nullopt` if the bundle can't be read. Blocks while the code-signing tool runs.
     [[nodiscard]] static std::optional<AppProber> forApp(const std::filesystem::path& appURL);
     [[nodiscard]] static std::optional<AppProber> forApp(const std::filesystem::path& appURL,
-                                                         Surroundings surroundings);
-
-    Seconds settleA{7.0}; ///< the wait after the first launch
-    Seconds settleB{2.0}; ///< the wait after the second
+                                                         Dependencies dependencies);
 
     [[nodiscard]] const AppBundle& bundle() const { return bundle_; }
     [[nodiscard]] const std::string& realLibrary() const { return realLibrary_; }
 
     /// Blocks for `settleA + settleB` and the launches. Throws `PlatformError` or
-    /// `InstanceLauncher::LaunchError` when a throw-away home can't be made or a launch fails (a
-    /// first process that runs by then goes on), and `ProbeCancelled`, with both processes asked
-    /// to end, within a twentieth of a second of the request.
-    [[nodiscard]] ProbeResult run();
-    [[nodiscard]] ProbeResult run(const Control& control);
+    /// `InstanceLauncher::LaunchError` if a throw-away home can't be made or a launch fails (a
+    /// first process that was launched keeps running), and `ProbeCancelled`, with both processes
+    /// asked to end, within a twentieth of a second of the request.
+    [[nodiscard]] ProbeResult run() const;
+    [[nodiscard]] ProbeResult run(const Options& options) const;
 
-    /// Makes a new folder, "quorvel-probe-" and a UUID, and gives its path. Throws `PlatformError`.
+    /// Creates a folder, "quorvel-probe-" and a new UUID, and returns its path. Throws
+    /// `PlatformError`.
     [[nodiscard]] std::string makeTempHome() const;
 
-    /// Sorts the paths by where they lie; the first rule that applies wins.
+    /// Returns the events' paths by the folder they are in; the first matching rule decides.
     [[nodiscard]] LeakBuckets classify(const std::vector<WriteEvent>& events,
                                        const std::string& fakeHome) const;
 
-    /// How the app took the launch of a second instance, `procB`.
+    /// Returns how the app reacted to the launch of a second instance, `procB`.
     [[nodiscard]] SingletonTier classifySingleton(Process& procB) const;
 
-    /// The recommendation, from the result's buckets and singleton tier alone.
+    /// Returns the strategy to recommend, from the result's buckets and singleton tier alone.
     [[nodiscard]] static Strategy resolveStrategy(const ProbeResult& result);
 
 private:
-    AppProber(AppBundle bundle, Surroundings surroundings);
+    AppProber(AppBundle bundle, Dependencies dependencies);
 
     [[nodiscard]] bool pathMentions(std::string_view path) const;
     [[nodiscard]] TrialProcess launch(const std::string& home) const;

@@ -11,7 +11,7 @@
 namespace quorvel {
 
 /// Records what is created, modified or renamed below a set of folders. Never fails: without an
-/// event stream it records nothing, and says that the record is not complete.
+/// event stream it records nothing and reports that the record is not complete.
 class FSEventProbe {
 public:
     explicit FSEventProbe(std::vector<std::string> watching) : pathsToWatch_(std::move(watching)) {}
@@ -22,18 +22,18 @@ public:
     /// Records from now on. Starting a second time adds a second stream over the same list.
     void start();
 
-    /// Ends the recording with every write that happened before this call in it. Gives all that was
-    /// recorded so far; a second call gives the same again.
+    /// Ends the recording, which includes every write made before this call, and returns everything
+    /// recorded so far. A second call returns the same again.
     std::vector<WriteEvent> stopAndDrain();
 
-    /// Whether nothing was missed. Final after `stopAndDrain()`.
+    /// Returns whether nothing was missed. Final after `stopAndDrain()`.
     [[nodiscard]] bool isComplete() const;
 
-    /// What `start` asks a stream for.
+    /// Returns what `start` requests from a stream.
     [[nodiscard]] FSEventStream::Options streamOptions() const;
 
-    /// What the stream calls, on its own queue. A batch without as many flags as paths is dropped
-    /// whole; events that neither create, modify nor rename are passed over.
+    /// Called by the stream, on its own queue. A batch whose numbers of flags and paths differ is
+    /// dropped; events that neither create, modify nor rename are ignored.
     void receive(FSEventBatch batch);
 
 private:

@@ -6,9 +6,7 @@
 #include <array>
 #include <cstddef>
 #include <map>
-#include <optional>
 #include <string>
-#include <string_view>
 #include <vector>
 
 namespace quorvel {
@@ -37,11 +35,14 @@ inline constexpr std::array<LeakBucket, 5> allLeakBuckets{
     LeakBucket::captured, LeakBucket::dataLeak, LeakBucket::prefsLeak, LeakBucket::containerLeak,
     LeakBucket::irrelevant};
 
-/// The case's name.
-[[nodiscard]] std::string_view rawString(LeakBucket bucket);
-
-/// Nothing for any other text.
-[[nodiscard]] std::optional<LeakBucket> leakBucketFromRawString(std::string_view text);
+template<>
+inline constexpr auto enumNames<LeakBucket> = namesOfAllCases<LeakBucket>({
+    {LeakBucket::captured, "captured"},
+    {LeakBucket::dataLeak, "dataLeak"},
+    {LeakBucket::prefsLeak, "prefsLeak"},
+    {LeakBucket::containerLeak, "containerLeak"},
+    {LeakBucket::irrelevant, "irrelevant"},
+});
 
 using LeakBuckets = std::map<LeakBucket, std::vector<std::string>>;
 
@@ -50,9 +51,10 @@ struct ProbeResult {
     LeakBuckets buckets{}; ///< every recorded path, in the order of events; no key without a path
     SingletonTier singleton = SingletonTier::unknown;
     Strategy recommendedStrategy = Strategy::unsupported;
-    /// False when writes may have been missed. Has no part in the recommendation.
+    /// False if writes may have been missed. Does not affect the recommendation.
     bool complete = true;
 
+    /// Returns the number of paths in a bucket.
     [[nodiscard]] std::size_t count(LeakBucket bucket) const;
     [[nodiscard]] bool prefsLeak() const { return count(LeakBucket::prefsLeak) > 0; }
 

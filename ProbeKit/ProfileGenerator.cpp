@@ -1,7 +1,7 @@
 #include "ProbeKit/ProfileGenerator.h"
 
-#include "LaunchKit/WrapperFactory.h"
-#include "Platform/desktop/Workspace.h"
+#include "Base/BundleName.h"
+#include "LaunchKit/AppEngine.h"
 
 namespace quorvel {
 
@@ -14,9 +14,7 @@ AppProfile ProfileGenerator::makeProfile(const AppBundle& bundle, const ProbeRes
     profile.strategy = result.recommendedStrategy;
     profile.singleton = result.singleton;
     profile.prefsLeak = result.prefsLeak();
-    if (WrapperFactory::isElectron(bundle.url)) {
-        profile.extraArgs = {"--user-data-dir={{instanceHome}}/QuorvelData"};
-    }
+    profile.extraArgs = electronArgs(bundle.url);
     profile.verifiedOn = {osSignature};
     profile.confidence = Confidence::autoDetected;
     return profile;

@@ -8,7 +8,8 @@
 
 namespace quorvel::ProfileGenerator {
 
-/// The profile that a probe's result amounts to on this system.
+/// Returns the profile that follows from a probe's result. `osSignature` is the system on which the
+/// probe ran.
 [[nodiscard]] AppProfile makeProfile(const AppBundle& bundle, const ProbeResult& result,
                                      const std::string& osSignature);
 

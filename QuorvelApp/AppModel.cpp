@@ -3,10 +3,14 @@
 #include "LaunchKit/HomeLock.h"
 #include "LaunchKit/Icons/IcnsFile.h"
 #include "LaunchKit/InstanceLauncher.h"
+#include "LaunchKit/InstanceRecord.h"
 #include "Platform/files/FileSystem.h"
+#include "Platform/files/PlatformError.h"
+#include "Presentation/CloneNaming.h"
+#include "Presentation/MigrationSummary.h"
 #include "ProbeKit/ProfileGenerator.h"
+#include "QuorvelApp/model/Translated.h"
 
-#include <QImage>
 #include <QPointer>
 
 #include <algorithm>
@@ -19,24 +23,22 @@ using namespace std::chrono_literals;
 // A wrapper needs a moment until it shows up among the running applications.
 constexpr auto launchSettleTime = 800ms;
 
-std::string quoted(const std::string& name) {
-    return "“" + name + "”";
-}
-
 SandboxInfo proposal(const InstalledApp& app, bool sandboxed) {
     if (!sandboxed) {
         return {.sandboxed = false,
                 .strategy = Strategy::homeOverride,
-                .reason = quoted(app.name) + " isn’t sandboxed → Home override (A), the reliable "
-                                             "path most apps use."};
+                .reason = sentence(AppModel::tr("“%1” isn’t sandboxed → Home override (A), the "
+                                                "reliable path most apps use."),
+                                   {app.name})};
     }
     return {.sandboxed = true,
             .strategy = Strategy::containerRedirect,
-            .reason = quoted(app.name) +
-                      " is sandboxed. macOS confines it to a shared, protected container that "
-                      "can't be redirected, so two copies would share the same data and account. "
-                      "Quorvel can still make a separate Dock launcher, but it won't isolate the "
-                      "data."};
+            .reason = sentence(AppModel::tr("“%1” is sandboxed. macOS confines it to a shared, "
+                                            "protected container that can't be redirected, so two "
+                                            "copies would share the same data and account. Quorvel "
+                                            "can still make a separate Dock launcher, but it won't "
+                                            "isolate the data."),
+                               {app.name})};
 }
 
 auto sandboxCheck(const AppServices& services, const InstalledApp& app) {
@@ -45,7 +47,7 @@ auto sandboxCheck(const AppServices& services, const InstalledApp& app) {
             const auto bundle = read(url);
             return bundle && bundle->sandboxed;
         } catch (const std::exception&) {
-            return false; // as of any app that can't be read
+            return false; // like any app that can't be read
         }
     };
 }
@@ -53,12 +55,12 @@ auto sandboxCheck(const AppServices& services, const InstalledApp& app) {
 template<typename Result>
 struct Outcome {
     std::optional<Result> result{};
-    std::string failure{}; ///< for the user, where there is no result
+    std::string failure{}; ///< for the user, if there is no result
 };
 
-// Work whose failure the model tells by itself: nobody may ever read the future.
+// Work whose failure the model reports itself, since the future may never be read.
 template<typename Work>
-auto telling(Work work) {
+auto capturingErrors(Work work) {
     return [work = std::move(work)]() -> Outcome<std::invoke_result_t<Work>> {
         try {
             return {.result = work()};
@@ -68,8 +70,8 @@ auto telling(Work work) {
     };
 }
 
-// Holds none of the services that own the thread it runs on: whoever waits for that must be the
-// last to let go of them.
+// Holds none of the services that own the thread it runs on: the last owner of those must not be
+// the worker thread.
 struct Detection {
     decltype(AppServices::readBundle) readBundle;
     decltype(AppServices::probe) probe;
@@ -99,7 +101,7 @@ void revealExisting(Workspace& workspace, const std::filesystem::path& bundle) {
     workspace.reveal(bundle);
 }
 
-// What a clone that the registry does not list looks like, as far as its request tells.
+// The record of a clone that the registry does not list, as far as its request determines it.
 InstanceRecord recordFrom(const WrapperFactory::Request& request,
                           const std::filesystem::path& wrapper) {
     InstanceConfig config;
@@ -114,48 +116,13 @@ InstanceRecord recordFrom(const WrapperFactory::Request& request,
     return {.bundleURL = wrapper, .config = std::move(config)};
 }
 
-// "Moved 3 from Downloads into your shared folders. "; empty when nothing was moved.
-std::string movedText(const std::map<std::string, int>& moved) {
-    std::string parts;
-    for (const std::string_view folder : InstanceLauncher::sharedUserFolders) {
-        const auto count = moved.find(std::string(folder));
-        if (count != moved.end() && count->second > 0) {
-            parts += (parts.empty() ? "" : ", ") + std::to_string(count->second) + " from " +
-                     std::string(folder);
-        }
-    }
-    return parts.empty() ? parts : "Moved " + parts + " into your shared folders. ";
-}
-
-// An alert has room for a few; empty when nothing had to stay.
-std::string unmovedText(const std::vector<InstanceLauncher::UnmovedItem>& items) {
-    constexpr std::size_t shown = 5;
-    if (items.empty()) {
-        return {};
-    }
-    std::string text = "Not everything could be moved, so the clone still has folders of its own:";
-    for (std::size_t index = 0; index < std::min(items.size(), shown); ++index) {
-        text += "\n" + items[index].reason;
-    }
-    return items.size() <= shown
-               ? text
-               : text + "\n… and " + std::to_string(items.size() - shown) + " more";
-}
-
-std::string sharingText(const std::string& name, const std::map<std::string, int>& moved) {
-    const std::string text = movedText(moved);
-    if (text.empty()) {
-        return quoted(name) + " now shares Downloads, Documents & Desktop with your Mac — nothing "
-                              "needed moving.";
-    }
-    return text + quoted(name) + " now saves there.";
-}
-
 } // namespace
 
 AppModel::AppModel(AppServices services, QObject* parent)
     : QObject(parent),
       services_(std::move(services)) {}
+
+AppModel::~AppModel() = default;
 
 const InstanceRecord* AppModel::clone(const std::string& id) const {
     const auto found = std::find_if(clones_.begin(), clones_.end(),
@@ -206,18 +173,19 @@ void AppModel::loadCatalog() {
     }
     catalogLoading_ = true;
     Q_EMIT catalogLoadingChanged();
-    services_.tasks->detached(TaskPriority::userInitiated, this, telling(services_.scanCatalog),
-                              [this](Outcome<std::vector<InstalledApp>> outcome) {
-                                  if (outcome.result) {
-                                      catalog_ = std::move(*outcome.result);
-                                      Q_EMIT catalogChanged();
-                                  }
-                                  catalogLoading_ = false;
-                                  Q_EMIT catalogLoadingChanged();
-                                  if (!outcome.result) {
-                                      setLastError("Couldn't scan your apps: " + outcome.failure);
-                                  }
-                              });
+    services_.tasks->detached(
+        TaskPriority::userInitiated, this, capturingErrors(services_.scanCatalog),
+        [this](Outcome<std::vector<InstalledApp>> outcome) {
+            if (outcome.result) {
+                catalog_ = std::move(*outcome.result);
+                Q_EMIT catalogChanged();
+            }
+            catalogLoading_ = false;
+            Q_EMIT catalogLoadingChanged();
+            if (!outcome.result) {
+                setLastError(sentence(tr("Couldn't scan your apps: %1"), {outcome.failure}));
+            }
+        });
 }
 
 QFuture<void> AppModel::ensureSandboxStatus(const InstalledApp& app) {
@@ -252,17 +220,7 @@ std::string AppModel::suggestedName(const InstalledApp& app) const {
     for (const InstanceRecord& record : clones_) {
         names.insert(record.config.displayName);
     }
-    const auto numbered = [&](int number) {
-        return app.name + " (" + std::to_string(number) + ")";
-    };
-    int number = 2;
-    // The first answer is given without a look at the clones' names, unless one is the app's own.
-    if (names.contains(app.name)) {
-        while (names.contains(numbered(number))) {
-            ++number;
-        }
-    }
-    return numbered(number);
+    return quorvel::suggestedName(app.name, names);
 }
 
 void AppModel::launch(const InstanceRecord& record) {
@@ -291,7 +249,7 @@ void AppModel::openWrapper(const std::filesystem::path& wrapper) {
 
 void AppModel::opened(const std::optional<std::string>& failure) {
     if (failure) {
-        setLastError("Couldn't launch: " + *failure);
+        setLastError(sentence(tr("Couldn't launch: %1"), {*failure}));
     }
     services_.after(launchSettleTime, this, [this] { refreshRunningState(); });
 }
@@ -322,18 +280,18 @@ void AppModel::remove(const InstanceRecord& record, bool includingData) {
     try {
         data = services_.registry.remove(record, includingData);
     } catch (const std::exception& failure) {
-        setLastError(std::string("Couldn't delete: ") + failure.what());
+        setLastError(sentence(tr("Couldn't delete: %1"), {failure.what()}));
         return;
     }
     reload();
     if (data.isFailure()) {
-        setLastError("Couldn't delete: " + data.description());
+        setLastError(sentence(tr("Couldn't delete: %1"), {data.description()}));
     }
 }
 
 QFuture<void> AppModel::migrateSharedFolders(const InstanceRecord& record) {
     return services_.tasks->detached(
-        TaskPriority::userInitiated, this, telling([config = record.config] {
+        TaskPriority::userInitiated, this, capturingErrors([config = record.config] {
             requireUnusedHome(config);
             return InstanceLauncher::migrateSharedUserFolders(config.resolvedHome());
         }),
@@ -342,14 +300,14 @@ QFuture<void> AppModel::migrateSharedFolders(const InstanceRecord& record) {
                 migrated(record, *outcome.result);
             } else {
                 reload();
-                setLastError("Couldn't move the files: " + outcome.failure);
+                setLastError(sentence(tr("Couldn't move the files: %1"), {outcome.failure}));
             }
         });
 }
 
 void AppModel::migrated(const InstanceRecord& record,
                         const InstanceLauncher::Migration& migration) {
-    std::string failure = unmovedText(migration.unmoved);
+    std::string failure = unmovedItems(migration, translated);
     if (!record.config.shareUserFolders && failure.empty()) {
         try {
             services_.registry.shareUserFolders(record);
@@ -359,16 +317,16 @@ void AppModel::migrated(const InstanceRecord& record,
     }
     reload();
     if (failure.empty()) {
-        setStatusMessage(sharingText(record.config.displayName, migration.moved));
+        setStatusMessage(sharingMessage(record.config.displayName, migration, translated));
     } else {
-        setLastError(movedText(migration.moved) + failure);
+        setLastError(failureMessage(migration, failure, translated));
     }
 }
 
 QFuture<void> AppModel::reveal(const InstanceRecord& record) {
     return services_.tasks->detached(
         TaskPriority::userInitiated, this,
-        telling([workspace = services_.workspace, bundle = record.bundleURL] {
+        capturingErrors([workspace = services_.workspace, bundle = record.bundleURL] {
             revealExisting(*workspace, bundle);
             return true;
         }),
@@ -385,7 +343,7 @@ QFuture<bool> AppModel::isIconFile(const std::filesystem::path& file) {
         TaskPriority::userInitiated, this,
         [file] {
             const auto container = IcnsFile::read(file);
-            return container && !container->nearest(side).isNull();
+            return container && container->isDecodable(side);
         },
         [](bool isOne) { return isOne; });
 }

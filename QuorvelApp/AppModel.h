@@ -15,6 +15,8 @@
 
 namespace quorvel {
 
+struct InstanceRecord;
+
 /// What `AppModel::sandboxInfo` proposes for an app.
 struct SandboxInfo {
     bool sandboxed = false;
@@ -22,18 +24,20 @@ struct SandboxInfo {
     std::string reason{}; ///< a sentence for the user
 };
 
-/// The application's one model: what the views show, and every action that changes the world.
-/// Belongs to the main thread. Work that blocks runs in the background and ends on the main thread;
-/// a future's error is one of the kits' error types. Making a model does nothing else.
+/// The application's one model: what the views show, and every action that changes something
+/// outside the application. Belongs to the main thread. Blocking work runs in the background and
+/// ends on the main thread; a future's error is an `Error`. Constructing a model lists and scans
+/// nothing.
 class AppModel : public QObject {
     Q_OBJECT
 
 public:
     explicit AppModel(AppServices services, QObject* parent = nullptr);
+    ~AppModel() override;
 
     /// In the registry's order.
     [[nodiscard]] const std::vector<InstanceRecord>& clones() const { return clones_; }
-    /// Identifiers of the wrappers (not of their targets) that run.
+    /// The identifiers of the running wrappers, not of their targets.
     [[nodiscard]] const std::set<std::string>& runningBundleIds() const { return running_; }
     [[nodiscard]] const std::vector<InstalledApp>& catalog() const { return catalog_; }
     [[nodiscard]] bool catalogLoading() const { return catalogLoading_; }
@@ -44,50 +48,58 @@ public:
     [[nodiscard]] bool startNewCloneRequested() const { return newCloneRequested_; }
     [[nodiscard]] const InstanceRegistry& registry() const { return services_.registry; }
 
-    /// The clone with that identity; null when there is none. Valid until the list changes.
+    /// Returns the clone with that identity, or null. Valid until the list changes.
     [[nodiscard]] const InstanceRecord* clone(const std::string& id) const;
+    /// Returns whether the clone's wrapper ran when that was last looked at.
     [[nodiscard]] bool isRunning(const InstanceRecord& clone) const;
 
+    /// Sets the text of the error alert; std::nullopt clears it.
     void setLastError(std::optional<std::string> text);
+    /// Sets the text of the status alert; std::nullopt clears it.
     void setStatusMessage(std::optional<std::string> text);
+    /// Asks the window to open the new-clone sheet, or notes that it did.
     void setStartNewCloneRequested(bool requested);
 
-    /// Lists the clones anew, then refreshes what runs.
+    /// Lists the clones again, then refreshes which of them run.
     void reload();
+    /// Looks at which clones run.
     void refreshRunningState();
 
-    /// Scans the installed apps; nothing happens while a scan is under way. A failure becomes
-    /// `lastError`, and the catalog stays as it was.
+    /// Scans the installed apps, unless a scan is under way. A failure becomes `lastError`, and the
+    /// catalog stays as it was.
     void loadCatalog();
-    /// Finds out whether the app is sandboxed, once for the life of the model.
+    /// Finds out whether the app is sandboxed, once in the life of the model. The future ends once
+    /// `sandboxStatus` has the answer.
     QFuture<void> ensureSandboxStatus(const InstalledApp& app);
-    /// The proposal for a clone of the app. Never fails; an unreadable app counts as not sandboxed.
+    /// Returns the proposal for a clone of the app. Never fails; an unreadable app counts as not
+    /// sandboxed.
     [[nodiscard]] QFuture<SandboxInfo> sandboxInfo(const InstalledApp& app);
-    /// Launches the app under throw-away homes, for at least nine seconds. Fails with
-    /// `FactoryError` for an unreadable app, else with the probe's error.
+    /// Launches the app under throw-away homes, for at least nine seconds, and returns the profile
+    /// made from that. Fails with `FactoryError` for an unreadable app, else with the probe's
+    /// error.
     [[nodiscard]] QFuture<AppProfile> detectStrategy(const InstalledApp& app);
 
-    /// The app's name with the first free number behind it.
+    /// Returns the app's name followed by the first free number.
     [[nodiscard]] std::string suggestedName(const InstalledApp& app) const;
 
     /// Opens the clone, or brings it to the front. A failure becomes `lastError`.
     void launch(const InstanceRecord& record);
-    /// Makes a clone and gives its record, made up from the request when the registry does not list
-    /// it. Fails with the factory's error and changes nothing then.
+    /// Creates a clone and returns its record, synthesised from the request if the registry does
+    /// not list it. Fails with the factory's error, and then changes nothing.
     QFuture<InstanceRecord> createClone(const WrapperFactory::Request& request, bool launchAfter);
-    /// A failure becomes `lastError`, as does data that could not be removed with its clone.
+    /// Deletes the clone. A failure becomes `lastError`, as does data that could not be removed.
     void remove(const InstanceRecord& record, bool includingData);
     /// Moves what the clone saved in its own folders into the user's, and shares those from then
-    /// on. The outcome becomes `statusMessage`, or `lastError` when the clone can't be changed or
-    /// something had to stay; then the clone does not come to share the folders.
+    /// on. The outcome becomes `statusMessage`, or `lastError` if the clone can't be changed or
+    /// something had to stay; the clone then does not share the folders.
     QFuture<void> migrateSharedFolders(const InstanceRecord& record);
     /// Shows the clone's wrapper in the file manager. A failure becomes `lastError`.
     QFuture<void> reveal(const InstanceRecord& record);
 
-    /// Whether the file is an icon container (".icns") with an image that can be decoded.
+    /// Returns whether the file is an icon container (".icns") with an image that can be decoded.
     [[nodiscard]] QFuture<bool> isIconFile(const std::filesystem::path& file);
 
-    /// "macOS 14.5".
+    /// Returns the system's name and version: "macOS 14.5".
     [[nodiscard]] static std::string osSignature(const Workspace& workspace);
 
 Q_SIGNALS:
@@ -108,7 +120,7 @@ private:
     void migrated(const InstanceRecord& record, const InstanceLauncher::Migration& migration);
 
     AppServices services_;
-    std::vector<InstanceRecord> clones_{};
+    std::vector<InstanceRecord> clones_;
     std::set<std::string> running_{};
     std::vector<InstalledApp> catalog_{};
     bool catalogLoading_ = false;

@@ -2,8 +2,13 @@
 
 #include "LaunchKit/HomeLock.h"
 #include "LaunchKit/InstanceLauncher.h"
+#include "LaunchKit/InstanceRecord.h"
+#include "Presentation/DeletionWarning.h"
 #include "QuorvelApp/library/MigrationCallout.h"
-#include "QuorvelApp/model/ShownText.h"
+#include "QuorvelApp/model/CloneListModel.h"
+#include "QuorvelApp/model/DisplayText.h"
+#include "QuorvelApp/model/QtText.h"
+#include "QuorvelApp/model/Translated.h"
 #include "QuorvelApp/widgets/CopyableLabel.h"
 #include "QuorvelApp/widgets/MessageSheet.h"
 #include "QuorvelApp/widgets/Sheet.h"
@@ -17,7 +22,7 @@ namespace {
 
 using namespace Qt::StringLiterals;
 
-// Takes the height of what it holds, however high the window is.
+// As high as its content, however high the window is.
 QWidget* makeBand() {
     auto* band = new QWidget;
     band->setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
@@ -31,17 +36,18 @@ CloneDetailView::CloneDetailView(AppModel& model, IconLoader& icons, QWidget* sh
     : QWidget(parent),
       model_(model),
       sheets_(sheets),
+      clone_(std::make_unique<InstanceRecord>()),
       callout_(new MigrationCallout) {
     setObjectName(u"detail"_s);
     setAttribute(Qt::WA_StyledBackground);
     auto* page = new QWidget;
     auto* column = new QVBoxLayout(page);
     column->setContentsMargins(28, 26, 28, 26);
-    column->setSpacing(18);
+    column->setSpacing(Spacing::section);
     column->addWidget(makeHeader(icons));
     column->addWidget(makeActions());
     column->addWidget(callout_);
-    column->addSpacing(2);
+    column->addSpacing(Spacing::hair);
     column->addWidget(makeLabel(tr("Details"), TextStyle::headline));
     details_ = new QVBoxLayout;
     details_->setSpacing(0);
@@ -60,6 +66,8 @@ CloneDetailView::CloneDetailView(AppModel& model, IconLoader& icons, QWidget* sh
             &CloneDetailView::confirmMigration);
     connect(&model_, &AppModel::runningBundleIdsChanged, this, &CloneDetailView::refreshRunning);
 }
+
+CloneDetailView::~CloneDetailView() = default;
 
 QWidget* CloneDetailView::makeHeader(IconLoader& icons) {
     auto* header = makeBand();
@@ -80,7 +88,7 @@ QWidget* CloneDetailView::makeHeader(IconLoader& icons) {
     texts->addStretch();
     auto* row = new QHBoxLayout(header);
     row->setContentsMargins(0, 0, 0, 0);
-    row->setSpacing(16);
+    row->setSpacing(Spacing::wide);
     row->addWidget(icon_);
     row->addLayout(texts, 1);
     return header;
@@ -92,11 +100,11 @@ QWidget* CloneDetailView::makeActions() {
     auto* reveal = makeButton(tr("&Reveal in Finder"), ButtonLook::standard, u"folder"_s);
     auto* remove = makeButton(tr("&Delete"), ButtonLook::standard, u"trash"_s);
     connect(launch_, &QPushButton::clicked, this, &CloneDetailView::launch);
-    connect(reveal, &QPushButton::clicked, this, [this] { model_.reveal(clone_); });
+    connect(reveal, &QPushButton::clicked, this, [this] { model_.reveal(*clone_); });
     connect(remove, &QPushButton::clicked, this, &CloneDetailView::confirmDelete);
     auto* row = new QHBoxLayout(actions);
     row->setContentsMargins(0, 0, 0, 0);
-    row->setSpacing(8);
+    row->setSpacing(Spacing::normal);
     row->addWidget(launch_);
     row->addWidget(reveal);
     row->addStretch();
@@ -105,33 +113,33 @@ QWidget* CloneDetailView::makeActions() {
 }
 
 void CloneDetailView::setClone(const InstanceRecord& clone) {
-    clone_ = clone;
+    *clone_ = clone;
     icon_->setPath(iconPathOf(clone));
-    name_->setFullText(shownLine(clone.config.displayName));
-    setRows(detailRows(clone.config, clone.bundleURL));
+    name_->setFullText(displayLine(clone.config.displayName));
+    setRows(cloneDetails(clone, translated));
     refreshRunning();
 }
 
 void CloneDetailView::launch() {
-    model_.launch(clone_);
+    model_.launch(*clone_);
     showCallout();
 }
 
-// A launch links folders that hold nothing.
+// A launch links empty folders.
 void CloneDetailView::showCallout() {
     callout_->setVisible(
-        InstanceLauncher::needsSharedFolderMigration(clone_.config.resolvedHome()));
+        InstanceLauncher::needsSharedFolderMigration(clone_->config.resolvedHome()));
 }
 
 void CloneDetailView::refreshRunning() {
     showCallout();
-    const bool running = model_.isRunning(clone_);
+    const bool running = model_.isRunning(*clone_);
     dot_->setRunning(running);
     status_->setText(running ? tr("Running") : tr("Not running"));
     launch_->setText(running ? tr("Foc&us") : tr("&Launch"));
 }
 
-void CloneDetailView::setRows(const std::vector<DetailRow>& rows) {
+void CloneDetailView::setRows(const std::vector<Fact>& rows) {
     if (rows == rows_) {
         return;
     }
@@ -149,43 +157,43 @@ void CloneDetailView::setRows(const std::vector<DetailRow>& rows) {
 }
 
 void CloneDetailView::confirmDelete() {
-    const QString name = shownLine(clone_.config.displayName);
+    const QString name = displayLine(clone_->config.displayName);
     auto* question = new MessageSheet(
         u"trash"_s, Ink::danger, tr("Delete “%1”?").arg(name),
         tr("“Delete Clone Only” removes the app but keeps its data at %1. “…and Its Data” also "
            "erases that folder — accounts and settings for this clone are gone for good.")
-            .arg(shownLine(clone_.config.instanceHome)),
+            .arg(displayLine(clone_->config.instanceHome)),
         {{.label = tr("Delete Clone Only"),
           .look = ButtonLook::destructive,
-          .chosen = [this, clone = clone_] { model_.remove(clone, false); }},
+          .chosen = [this, clone = *clone_] { model_.remove(clone, false); }},
          {.label = tr("Delete Clone and Its Data"),
           .look = ButtonLook::destructive,
-          .chosen = [this, clone = clone_] { removeWithData(clone); }},
+          .chosen = [this, clone = *clone_] { removeWithData(clone); }},
          {.label = tr("Cancel"), .onEscape = true, .isDefault = true}});
     new Sheet(question, sheets_, Sheet::Place::middle);
 }
 
 void CloneDetailView::removeWithData(const InstanceRecord& clone) {
-    // Nothing tells of clones that were started or ended elsewhere.
+    // Clones that were started or ended elsewhere are not reported.
     model_.refreshRunningState();
     if (!model_.isRunning(clone) && !isHomeInUse(clone.config)) {
         model_.remove(clone, true);
         return;
     }
-    auto* question = new MessageSheet(
-        u"exclamationmark.triangle.fill"_s, Ink::orange,
-        tr("“%1” is running").arg(shownLine(clone.config.displayName)),
-        tr("Quit it before you delete its data. Otherwise it loses what it has open, and may write "
-           "to it again."),
-        {{.label = tr("Delete Anyway"),
-          .look = ButtonLook::destructive,
-          .chosen = [this, clone] { model_.remove(clone, true); }},
-         {.label = tr("Cancel"), .onEscape = true, .isDefault = true}});
+    const DeletionWarning warning =
+        deletionWarning(displayLine(clone.config.displayName).toStdString(), translated);
+    auto* question =
+        new MessageSheet(u"exclamationmark.triangle.fill"_s, Ink::orange, qtText(warning.title),
+                         tr("Quit it before you delete its data.") + u' ' + qtText(warning.text),
+                         {{.label = tr("Delete Anyway"),
+                           .look = ButtonLook::destructive,
+                           .chosen = [this, clone] { model_.remove(clone, true); }},
+                          {.label = tr("Cancel"), .onEscape = true, .isDefault = true}});
     new Sheet(question, sheets_, Sheet::Place::middle);
 }
 
 void CloneDetailView::confirmMigration() {
-    const QString name = shownLine(clone_.config.displayName);
+    const QString name = displayLine(clone_->config.displayName);
     auto* question = new MessageSheet(
         u"arrow.down.doc"_s, Ink::accent, tr("Move “%1” files to your shared folders?").arg(name),
         tr("Files in this clone's Downloads, Documents and Desktop move into your Mac's real "
@@ -194,7 +202,7 @@ void CloneDetailView::confirmMigration() {
            "it's running."),
         {{.label = tr("Move Files & Share"),
           .look = ButtonLook::prominent,
-          .chosen = [this, clone = clone_] { model_.migrateSharedFolders(clone); },
+          .chosen = [this, clone = *clone_] { model_.migrateSharedFolders(clone); },
           .isDefault = true},
          {.label = tr("Cancel"), .onEscape = true}});
     new Sheet(question, sheets_, Sheet::Place::middle);

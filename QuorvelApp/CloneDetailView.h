@@ -5,6 +5,7 @@
 
 #include <QWidget>
 
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -12,20 +13,24 @@ class QVBoxLayout;
 
 namespace quorvel {
 
+struct InstanceRecord;
+
 class ElidedLabel;
 class MigrationCallout;
 
-/// One clone: what it is, what it runs, and what can be done with it. Follows the model; what did
-/// not change stays as it is.
+/// One clone: what it is, what it runs, and what can be done with it. Follows the model and leaves
+/// unchanged rows alone.
 class CloneDetailView : public QWidget {
     Q_OBJECT
 
 public:
     /// Both must outlive the widget. `sheets` is the widget over which dialogs show.
     CloneDetailView(AppModel& model, IconLoader& icons, QWidget* sheets, QWidget* parent = nullptr);
+    ~CloneDetailView() override;
 
+    /// Shows another clone, or another state of the same.
     void setClone(const InstanceRecord& clone);
-    /// Shows anew whether the clone runs, and what that may have changed in its home.
+    /// Updates whether the clone runs, and what that may have changed in its home.
     void refreshRunning();
 
 private:
@@ -33,7 +38,7 @@ private:
     [[nodiscard]] QWidget* makeActions();
     void launch();
     void showCallout();
-    void setRows(const std::vector<DetailRow>& rows);
+    void setRows(const std::vector<Fact>& rows);
     void confirmDelete();
     /// Asks once more when the clone runs.
     void removeWithData(const InstanceRecord& clone);
@@ -41,8 +46,8 @@ private:
 
     AppModel& model_;
     QWidget* sheets_;
-    InstanceRecord clone_{};
-    std::vector<DetailRow> rows_{};
+    std::unique_ptr<InstanceRecord> clone_; ///< empty until the first `setClone`, never null
+    std::vector<Fact> rows_{};
     AppIcon* icon_ = nullptr;
     ElidedLabel* name_ = nullptr;
     StatusDot* dot_ = nullptr;

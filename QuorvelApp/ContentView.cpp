@@ -52,8 +52,7 @@ QWidget* ContentView::makeToolbar() {
     return bar;
 }
 
-// A widget that gets another parent is styled once more with all that it holds, so each has its own
-// from the start.
+// Changing a widget's parent styles it and its children again, so each gets its parent at once.
 QWidget* ContentView::makeColumns() {
     auto* columns = new QSplitter(Qt::Horizontal, this);
     columns->setHandleWidth(1);
@@ -72,7 +71,7 @@ QWidget* ContentView::makeColumns() {
 QWidget* ContentView::makePlaceholder(QWidget* parent) {
     auto* page = new QWidget(parent);
     auto* column = new QVBoxLayout(page);
-    column->setSpacing(14);
+    column->setSpacing(Spacing::group);
     column->addStretch();
     column->addWidget(new SymbolView(u"sidebar.left"_s, Ink::tertiary, 40), 0, Qt::AlignHCenter);
     placeholderText_ = makeLabel({}, TextStyle::body, Ink::secondary);
@@ -94,7 +93,7 @@ void ContentView::showSelection() {
     detailStates_->setCurrentIndex(clone != nullptr ? 1 : 0);
 }
 
-// Made for the first selection, so that the window need not wait for it.
+// Created at the first selection, so that the window opens sooner.
 CloneDetailView& ContentView::detail() {
     if (detail_ == nullptr) {
         detail_ = new CloneDetailView(model_, icons_, this, detailStates_->parentWidget());

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "QuorvelApp/AppModel.h"
-#include "QuorvelApp/widgets/FilePanels.h"
 #include "QuorvelApp/widgets/IconLoader.h"
+#include "QuorvelApp/widgets/SystemFilePanels.h"
 
 #include <QPointer>
 #include <QWidget>
@@ -24,9 +24,10 @@ class ContentView : public QWidget {
 
 public:
     /// Both must outlive the widget.
-    ContentView(AppModel& model, IconLoader& icons, FilePanels panels = FilePanels::ofTheSystem(),
+    ContentView(AppModel& model, IconLoader& icons, FilePanels panels = systemFilePanels(),
                 QWidget* parent = nullptr);
 
+    /// Opens the new-clone sheet, unless it is open.
     void showNewClone();
     [[nodiscard]] bool showingNewClone() const { return !newClone_.isNull(); }
     [[nodiscard]] Sidebar& sidebar() const { return *sidebar_; }

@@ -3,8 +3,8 @@
 #include "QuorvelApp/AppModel.h"
 #include "QuorvelApp/Updater.h"
 #include "QuorvelApp/app/MainWindow.h"
-#include "QuorvelApp/widgets/FilePanels.h"
 #include "QuorvelApp/widgets/IconLoader.h"
+#include "QuorvelApp/widgets/SystemFilePanels.h"
 
 #include <atomic>
 #include <memory>
@@ -14,16 +14,17 @@ namespace quorvel {
 /// The application: its one model, its updater and its window. Lives as long as the process.
 class QuorvelApp {
 public:
-    explicit QuorvelApp(AppServices services = AppServices::ofTheSystem(),
+    explicit QuorvelApp(AppServices services = AppServices::system(),
                         std::unique_ptr<UpdateService> updates = nullptr);
     QuorvelApp(const QuorvelApp&) = delete;
     QuorvelApp& operator=(const QuorvelApp&) = delete;
-    /// Lets a probe under way give up.
+    /// Cancels a probe under way.
     ~QuorvelApp();
 
     /// Shows the window and brings it to the front.
     void start();
 
+    /// The parts that live as long as the application.
     [[nodiscard]] AppModel& model() { return model_; }
     [[nodiscard]] UpdaterController& updater() { return updater_; }
     [[nodiscard]] MainWindow& window() { return window_; }

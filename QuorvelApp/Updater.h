@@ -8,7 +8,7 @@
 
 namespace quorvel {
 
-/// The application's way to updates. Without a service, which is there only where an update feed is
+/// Checks for updates of the application. Without a service, which exists only if an update feed is
 /// configured, no check can ever start.
 class UpdaterController : public QObject {
     Q_OBJECT
@@ -20,7 +20,7 @@ public:
     [[nodiscard]] bool canCheckForUpdates() const { return canCheck_; }
     [[nodiscard]] bool isConfigured() const { return service_ != nullptr; }
 
-    /// Nothing happens when no updater is configured.
+    /// Starts a check. Does nothing if no updater is configured.
     void checkForUpdates();
 
 Q_SIGNALS:

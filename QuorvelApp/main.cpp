@@ -1,6 +1,6 @@
 #include "QuorvelApp/QuorvelApp.h"
 #include "QuorvelApp/theme/Appearance.h"
-#include "QuorvelApp/widgets/FilePanels.h"
+#include "QuorvelApp/widgets/SystemFilePanels.h"
 
 #include <QApplication>
 #include <QIcon>
@@ -10,7 +10,7 @@
 #include <string_view>
 
 int main(int argc, char** argv) {
-    // Asked for where there may be no display.
+    // Answered without a display.
     if (argc == 2 && std::string_view(argv[1]) == "--version") {
         return std::puts("quorvel " QUORVEL_VERSION) < 0 ? 1 : 0;
     }
@@ -23,13 +23,12 @@ int main(int argc, char** argv) {
     QApplication::setApplicationVersion(QStringLiteral(QUORVEL_VERSION));
     QApplication::setDesktopFileName(QStringLiteral("app.quorvel.Quorvel"));
     if (QOperatingSystemVersion::currentType() != QOperatingSystemVersion::MacOS) {
-        // There the bundle's own icon shows.
+        // On macOS, the bundle's own icon is shown.
         QApplication::setWindowIcon(QIcon(QStringLiteral(":/packaging/app.quorvel.Quorvel.svg")));
     }
     QApplication::setQuitOnLastWindowClosed(true);
     const quorvel::Appearance appearance;
-    quorvel::QuorvelApp quorvel(quorvel::AppServices::ofTheSystem(),
-                                quorvel::makeSystemUpdateService());
+    quorvel::QuorvelApp quorvel(quorvel::AppServices::system(), quorvel::makeSystemUpdateService());
     quorvel.start();
     return QApplication::exec();
 }

@@ -4,25 +4,17 @@
 #include "LaunchKit/HomeLock.h"
 #include "LaunchKit/InstanceConfig.h"
 #include "LaunchKit/InstanceLauncher.h"
+#include "LaunchKit/WrapperLayout.h"
 #include "Platform/files/FileSystem.h"
+#include "Platform/files/PlatformError.h"
+#include "Platform/processes/SignalForwarder.h"
 #include "Platform/processes/StartReport.h"
 
-#include <csignal>
 #include <cstdio>
-#include <pthread.h>
 
 namespace quorvel {
 namespace fs = std::filesystem;
 namespace {
-
-sigset_t handledSignals() {
-    sigset_t signals;
-    sigemptyset(&signals);
-    for (const int signal : {SIGTERM, SIGINT, SIGHUP, SIGCHLD}) {
-        sigaddset(&signals, signal);
-    }
-    return signals;
-}
 
 std::string lineOf(const std::string& message) {
     return "quorvel-runner: " + terminalText(message) + "\n";
@@ -34,7 +26,7 @@ int fail(const StartReport& report, const std::string& message, RunnerStatus sta
     return status;
 }
 
-// Opened from a desktop, nobody sees standard error: the log is where a user looks.
+// Nobody sees the standard error of a program that the desktop opened.
 void addToLog(const InstanceConfig& config, const std::string& message) {
     const std::string home = config.resolvedHome();
     try {
@@ -47,20 +39,8 @@ void addToLog(const InstanceConfig& config, const std::string& message) {
     }
 }
 
-// The signals are blocked, so none is lost between the target's start and the wait for them.
-int superviseUntilExit(Process& target, const sigset_t& signals) {
-    while (target.isRunning()) {
-        int signal = 0;
-        sigwait(&signals, &signal);
-        if (signal != SIGCHLD) {
-            target.sendSignal(signal);
-        }
-    }
-    return target.waitUntilExit();
-}
-
 int launchAndSupervise(const InstanceConfig& config, const std::vector<std::string>& documents,
-                       const StartReport& report, const sigset_t& signals) {
+                       const StartReport& report, const SignalForwarder& signals) {
     if (config.kind == ShortcutKind::web) {
         const std::string message =
             "the web host for “" + config.displayName + "” is not installed";
@@ -73,12 +53,12 @@ int launchAndSupervise(const InstanceConfig& config, const std::vector<std::stri
         Process target =
             InstanceLauncher().launch(config, documents, lock ? lock->descriptor() : -1);
         report.started();
-        return superviseUntilExit(target, signals);
+        return signals.waitUntilExit(target);
     } catch (const HomeInUse& error) {
         addToLog(config, error.what());
         return fail(report, error.what(), runnerHomeInUse);
     } catch (const InstanceLauncher::LaunchError& error) {
-        // A launch that was refused leaves what the launcher left: an empty log, or no folder.
+        // A refused launch must not write to the log that the launcher left empty.
         if (error.kind() != InstanceLauncher::LaunchError::Case::unsupported) {
             addToLog(config, error.what());
         }
@@ -94,15 +74,11 @@ int launchAndSupervise(const InstanceConfig& config, const std::vector<std::stri
 } // namespace
 
 int runClone(const fs::path& executable, const std::vector<std::string>& arguments) {
-    // An ignored SIGCHLD, inherited from whoever started us, would take the exit status with it.
-    // Without a handler, some systems drop the signal even while somebody waits for it.
-    std::signal(SIGCHLD, [](int) {});
     const StartReport report;
-    const sigset_t signals = handledSignals();
-    pthread_sigmask(SIG_BLOCK, &signals, nullptr);
+    const SignalForwarder signals;
 
     const fs::path wrapper = executable.parent_path().parent_path().parent_path();
-    const fs::path file = wrapper / "Contents" / "Resources" / "instance.json";
+    const fs::path file = configOf(wrapper);
     const std::optional<InstanceConfig> config = InstanceConfig::read(file);
     if (!config) {
         return fail(report, "no readable configuration at " + file.string(), runnerBadConfig);

@@ -6,20 +6,20 @@
 
 namespace quorvel {
 
-/// Exit statuses of the runner's own, beside its target's. The values are sysexits.h's.
+/// The runner's own exit statuses, with the values of <sysexits.h>. Others are the target's.
 enum RunnerStatus {
-    runnerUnavailable = 69, ///< what the clone needs is not installed
-    runnerCannotStart = 71, ///< the target did not start
-    runnerHomeInUse = 75,   ///< a target runs in the instance home already
-    runnerBadConfig = 78,   ///< no readable configuration
+    runnerUnavailable = 69, ///< EX_UNAVAILABLE: what the clone needs is not installed
+    runnerCannotStart = 71, ///< EX_OSERR: the target could not be started
+    runnerHomeInUse = 75,   ///< EX_TEMPFAIL: a target is already running in the instance home
+    runnerBadConfig = 78,   ///< EX_CONFIG: the configuration is unreadable
 };
 
-/// Runs the clone whose wrapper holds `executable` (WRAPPER/Contents/MacOS/runner) until its target
-/// ends, passing SIGTERM, SIGINT and SIGHUP on to it. `arguments` are documents or addresses to
-/// open. Returns the target's exit status, 128 + N for signal N, or a `RunnerStatus` with one line
-/// on standard error, in the clone's log (unless the launch was refused) and in the `StartReport`.
-/// An app's instance home is locked for as long as the target lives. Blocks those signals in the
-/// calling thread.
+/// Runs the clone whose wrapper contains `executable` (WRAPPER/Contents/MacOS/runner) until its
+/// target ends, forwarding SIGTERM, SIGINT and SIGHUP to it; these stay blocked in the calling
+/// thread. `arguments` are documents or addresses to open. Returns the target's exit status, 128 +
+/// N if signal N ended it, or a `RunnerStatus`, whose reason is written to standard error, to the
+/// clone's log (unless the clone can't be launched at all) and to the `StartReport`. An app's
+/// instance home is locked while the target lives.
 [[nodiscard]] int runClone(const std::filesystem::path& executable,
                            const std::vector<std::string>& arguments);
 

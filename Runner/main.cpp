@@ -6,7 +6,7 @@
 int main(int argc, char** argv) {
     const std::filesystem::path executable = quorvel::mainExecutable();
     const std::vector<std::string> arguments{argv + (argc > 0 ? 1 : 0), argv + argc};
-    // Only outside a wrapper, where its name is another: a clone's arguments are its target's.
+    // In a wrapper it has another name, and its arguments are the target's.
     if (executable.filename().native() == "quorvel-runner" &&
         arguments == std::vector<std::string>{"--version"}) {
         return std::puts("quorvel-runner " QUORVEL_VERSION) < 0 ? 1 : 0;

@@ -4,7 +4,7 @@
 
 #include <filesystem>
 
-/// Each takes an empty folder to work in, and gives its rows of the table.
+/// Each works in the given empty folder and returns its rows of the table.
 namespace quorvel::benchmarks {
 
 using Benchmark = std::vector<Row> (*)(const std::filesystem::path& folder);

@@ -3,6 +3,7 @@
 #include "Base/PropertyList.h"
 #include "LaunchKit/AppCatalog.h"
 #include "Platform/files/FileSystem.h"
+#include "Platform/files/FileWriting.h"
 #include "benchmarks/Benchmarks.h"
 
 #include <fcntl.h>

@@ -3,6 +3,7 @@
 #include "Platform/desktop/IconTheme.h"
 #include "Platform/desktop/InstalledApplications.h"
 #include "Platform/files/FileSystem.h"
+#include "Platform/files/FileWriting.h"
 #include "benchmarks/Benchmarks.h"
 
 #include <dirent.h>

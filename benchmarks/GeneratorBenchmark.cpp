@@ -1,7 +1,6 @@
 #include "benchmarks/Benchmarks.h"
 
-#include "LaunchKit/WrapperGenerator.h"
-#include "Platform/files/FileSystem.h"
+#include "LaunchKit/WrapperPropertyList.h"
 
 #include <fcntl.h>
 #include <sys/sendfile.h>
@@ -70,7 +69,8 @@ std::vector<Row> generatorRows(const fs::path& folder) {
     options.config.instanceHome = "~/QuorvelInstances/Build";
     options.runnerBinary = QUORVEL_RUNNER;
     const std::string json = options.config.json();
-    const std::string info = PropertyList::xml(WrapperGenerator::infoPlist(options, std::nullopt));
+    const std::string info =
+        PropertyList::xml(WrapperPropertyList::infoPlist(options, std::nullopt));
     const std::string bare = folder / "Bare.app";
     constexpr int batch = 20;
     // Both replace the wrapper of the round before.

@@ -1,5 +1,5 @@
 // How much of a storm of new files the recorder sees, and what it costs the writer; a plain
-// recursive watcher (inotifywait) stands beside it.
+// recursive watcher (inotifywait) is measured beside it.
 #include "Platform/files/FileSystem.h"
 #include "Platform/processes/Process.h"
 #include "ProbeKit/FSEventProbe.h"
@@ -97,7 +97,7 @@ void waitUntil(const std::function<bool()>& holds) {
     }
 }
 
-// Gives the number of paths that the other watcher missed; nothing when it is not installed.
+// The number of paths that the other watcher missed, or std::nullopt if it is not installed.
 std::optional<std::size_t> missedByOther(const fs::path& base, const fs::path& folder) {
     if (!isExecutableFile("/usr/bin/inotifywait")) {
         return std::nullopt;

@@ -1,6 +1,9 @@
+#include "Platform/files/FileWriting.h"
 #include "benchmarks/Benchmarks.h"
 
+#include "LaunchKit/InstanceRecord.h"
 #include "LaunchKit/InstanceRegistry.h"
+#include "LaunchKit/WrapperLayout.h"
 #include "Platform/files/FileSystem.h"
 
 #include <dirent.h>
@@ -24,7 +27,7 @@ void makeWrappers(const fs::path& folder, int count) {
         config.extraArgs = {"--user-data-dir={{instanceHome}}/QuorvelData"};
         config.environment = {{"LANG", "de_DE.UTF-8"}, {"TZ", "Europe/Berlin"}};
         config.iconLabel = IconLabel{"WORK", "#FFFFFF", IconLabel::Position::bottom};
-        const fs::path file = instanceConfigFile(folder / (name + ".app"));
+        const fs::path file = configOf(folder / (name + ".app"));
         createDirectories(file.parent_path());
         writeFile(file, config.json());
     }

@@ -1,7 +1,6 @@
 #include "benchmarks/Benchmarks.h"
 
 #include "LaunchKit/WrapperGenerator.h"
-#include "Platform/files/FileSystem.h"
 #include "Platform/processes/Process.h"
 
 #include <chrono>
@@ -59,7 +58,7 @@ Row libraryRow() {
     std::istringstream lines(Process::capture(options, 65536));
     int count = 0;
     for (std::string line; std::getline(lines, line);) {
-        // The kernel's own page, which no file is behind, does not count.
+        // The kernel's own page, which is not backed by a file, does not count.
         count += line.find("linux-vdso") == std::string::npos ? 1 : 0;
     }
     return {"shared libraries of the runner",

@@ -1,3 +1,5 @@
+#include "Platform/files/FileCopy.h"
+#include "Platform/files/FileWriting.h"
 #include "benchmarks/Benchmarks.h"
 
 #include "Base/PropertyList.h"

@@ -6,7 +6,7 @@
 #include <string>
 #include <utility>
 
-// quorvel-bench [NAME]...: all of them, or those that are named.
+// core_benchmarks [NAME]...: runs all benchmarks, or the named ones.
 int main(int count, char** arguments) {
     namespace fs = std::filesystem;
     using namespace quorvel::benchmarks;

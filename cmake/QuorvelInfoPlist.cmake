@@ -2,7 +2,7 @@
 #   cmake -DQUORVEL_VERSION=1.2 -DQUORVEL_BUILD_NUMBER=7 [-DQUORVEL_UPDATE_FEED=ADDRESS]
 #         [-DQUORVEL_UPDATE_KEY=KEY] -DOUTPUT=FILE -P cmake/QuorvelInfoPlist.cmake
 
-# quorvel_build_number(VARIABLE): rises with every commit. Updates are told apart by it.
+# quorvel_build_number(VARIABLE): increases with every commit. It distinguishes updates.
 function(quorvel_build_number variable)
   set(number 1)
   find_package(Git QUIET)

@@ -1,4 +1,4 @@
-# What every target of this tree shares: the language, the warnings, the sanitizers.
+# What all targets share: the language, the warnings, the sanitizers.
 
 set(CMAKE_CXX_STANDARD 20)
 set(CMAKE_CXX_STANDARD_REQUIRED ON)
@@ -23,7 +23,7 @@ target_include_directories(quorvel_options INTERFACE "${PROJECT_SOURCE_DIR}")
 target_compile_options(quorvel_options INTERFACE
   -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -Woverloaded-virtual
   -ffunction-sections -fdata-sections
-  # GCC 12 sees overlapping copies in std::string's own code where there are none.
+  # GCC 12 reports overlapping copies in std::string's own code by mistake.
   $<$<CXX_COMPILER_ID:GNU>:-Wno-restrict>
   $<$<BOOL:${QUORVEL_WARNINGS_AS_ERRORS}>:-Werror>)
 target_compile_definitions(quorvel_options INTERFACE
@@ -53,7 +53,7 @@ else()
   target_link_options(quorvel_options INTERFACE LINKER:--as-needed LINKER:--gc-sections)
 endif()
 
-# quorvel_library(NAME SOURCES... ): one storey of the house.
+# quorvel_library(NAME SOURCES... ): one layer, or a part of one.
 function(quorvel_library name)
   add_library(${name} STATIC ${ARGN})
   target_link_libraries(${name} PUBLIC quorvel_options)

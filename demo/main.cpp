@@ -34,7 +34,7 @@ volatile std::sig_atomic_t quitting = 0;
 int main(int argc, char** argv) {
     const char* home = std::getenv("HOME");
     if (home == nullptr) {
-        std::cerr << "Notes: there is no home to write to\n";
+        std::cerr << "Notes: the home folder is unknown\n";
         return 1;
     }
     const std::filesystem::path folder = home;

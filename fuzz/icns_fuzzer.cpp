@@ -1,4 +1,4 @@
-// Feeds the icon reader with whatever libFuzzer makes up, and checks what it promises.
+// Feeds libFuzzer's inputs to the icon reader and checks its guarantees.
 
 #include "LaunchKit/Icons/IcnsFile.h"
 

@@ -24,7 +24,7 @@ std::map<std::string, std::string> seeds() {
         {"png-palette",
          icnsOf({icnsEntry("icp4", pngOf(picture16.convertToFormat(QImage::Format_Indexed8)))})},
         {"jp2-rgba", icnsOf({icnsEntry("icp4", jpeg2000Of(picture16, Jpeg2000Form::rgba))})},
-        {"jp2-grey", icnsOf({icnsEntry("icp4", jpeg2000Of(picture16, Jpeg2000Form::grey, true))})},
+        {"jp2-gray", icnsOf({icnsEntry("icp4", jpeg2000Of(picture16, Jpeg2000Form::gray, true))})},
         {"jp2-ycc", icnsOf({icnsEntry("icp4", jpeg2000Of(picture16, Jpeg2000Form::ycc))})},
         {"argb", icnsOf({inner})},
         {"rle-mask", icnsOf({icnsEntry("is32", rle24Of(picture16)),

@@ -1,4 +1,4 @@
-// Gives a fuzzer the files of a folder, in place of the fuzzing engine: NAME_replay FOLDER
+// Replays the files of a folder without the fuzzing engine: NAME_replay FOLDER
 
 #include <cstddef>
 #include <cstdint>

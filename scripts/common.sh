@@ -1,4 +1,4 @@
-# Shared by the scripts: where things are, what they need, how it gets installed.
+# Shared by the scripts: paths, dependencies and how they are installed.
 # shellcheck shell=bash
 
 set -euo pipefail
@@ -17,7 +17,7 @@ debian_test=(libgtest-dev libgmock-dev chromium firefox-esr xdg-utils libplist-u
   xdotool openbox at-spi2-core libatspi2.0-dev fonts-inter
   fonts-dejavu-core fonts-noto-color-emoji fonts-wqy-microhei qt6-image-formats-plugins
   clang-16 lld-16 llvm-16 libc++-16-dev zsh desktop-file-utils)
-# The C library's headers of the other processor that Macs have.
+# The C library headers for the other processor of Macs.
 case "$(uname -m)" in
   x86_64) debian_test+=(libc6-dev-arm64-cross) ;;
   aarch64) debian_test+=(libc6-dev-amd64-cross) ;;
@@ -60,7 +60,7 @@ install_packages() {
   if [ "$(uname)" = Darwin ]; then
     install_homebrew "${homebrew_build[@]}"
     [ "$1" != test ] || install_homebrew "${homebrew_test[@]}"
-    # Homebrew keeps this one apart from what the system has of it.
+    # Homebrew keeps this apart from the ICU of macOS.
     ICU_ROOT=$(brew --prefix icu4c)
     export ICU_ROOT
   elif command -v apt-get >/dev/null; then
@@ -70,7 +70,7 @@ install_packages() {
       fuzz) install_debian "${debian_fuzz[@]}" ;;
     esac
   else
-    echo "No apt-get and no Homebrew here: install the packages that README.md names yourself."
+    echo "No apt-get and no Homebrew: install the dependencies that docs/architecture.md lists."
   fi
 }
 

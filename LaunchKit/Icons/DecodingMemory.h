@@ -4,9 +4,9 @@
 
 namespace quorvel {
 
-/// A share of the memory that all images together may take while they are decoded, in every thread.
-/// Waits for others to be done when there is not enough; one that is more than all there is waits
-/// to be alone. Not to be nested.
+/// A share of the memory that all threads together may use to decode images. The constructor waits
+/// for others to finish if there is not enough left; a share larger than the total waits to be the
+/// only one. Must not be nested.
 class DecodingMemory {
 public:
     static constexpr std::size_t all = std::size_t{128} << 20U;

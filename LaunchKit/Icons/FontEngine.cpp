@@ -18,7 +18,7 @@ void makeApplication() {
     static std::array<char, 10> platform{"offscreen"};
     static std::array<char*, 4> arguments{name.data(), option.data(), platform.data(), nullptr};
     static int count = 3;
-    // What Qt misses in the session's surroundings is of no interest to a program without windows.
+    // Qt's warnings about the session don't matter to a program without windows.
     QLoggingCategory::setFilterRules(QStringLiteral("default.warning=false"));
     [[maybe_unused]] static const auto* const application =
         new QGuiApplication(count, arguments.data());

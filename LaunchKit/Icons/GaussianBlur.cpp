@@ -13,12 +13,12 @@ struct Kernel {
     std::vector<float> weights{};
 };
 
-// Each weight is the Gaussian's share of the whole pixel, so that a narrow one stays exact.
-Kernel kernel(double deviation, double centre) {
+// Each weight is the Gaussian integrated over the pixel, so that a narrow one is exact.
+Kernel kernel(double deviation, double center) {
     Kernel result;
-    result.radius = static_cast<int>(std::ceil(3 * deviation + std::abs(centre)));
+    result.radius = static_cast<int>(std::ceil(3 * deviation + std::abs(center)));
     const auto below = [&](double x) {
-        return std::erf((x - centre) / (deviation * std::sqrt(2)));
+        return std::erf((x - center) / (deviation * std::sqrt(2)));
     };
     double sum = 0;
     for (int offset = -result.radius; offset <= result.radius; ++offset) {
@@ -34,7 +34,7 @@ Kernel kernel(double deviation, double centre) {
 
 using Plane = std::vector<float>;
 
-// Adds `source`, `shift` places further right, times `weight`; what leaves the line is lost.
+// Adds `source`, moved `shift` pixels to the right, times `weight`, within the line.
 void addShifted(const float* source, float* target, int length, int shift, float weight) {
     const int first = std::max(0, shift);
     const int last = std::min(length, length + shift);

@@ -1,5 +1,7 @@
 #include "LaunchKit/Icons/IcnsContainer.h"
 
+#include "LaunchKit/Icons/Bytes.h"
+
 #include <deque>
 
 namespace quorvel {
@@ -13,7 +15,7 @@ struct NestedFamily {
     int depth;
 };
 
-// The chunks behind the container's header, as far as it says and the bytes go.
+// Returns the chunks after the container's header, up to its declared size or the end of the bytes.
 std::string_view withoutHeader(std::string_view bytes) {
     const std::size_t declared = bigEndian32(bytes.substr(4));
     const bool truthful = declared >= headerSize && declared <= bytes.size();
@@ -68,10 +70,6 @@ private:
 };
 
 } // namespace
-
-std::uint32_t bigEndian32(std::string_view bytes) noexcept {
-    return icnsCode(bytes);
-}
 
 bool isIcns(std::string_view bytes) noexcept {
     return bytes.size() >= headerSize && bytes.starts_with("icns");

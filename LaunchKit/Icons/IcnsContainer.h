@@ -7,7 +7,7 @@
 
 namespace quorvel {
 
-/// One chunk of a container; `payload` lies in the bytes that were parsed.
+/// One chunk of a container; `payload` is a view into the parsed bytes.
 struct IcnsChunk {
     IcnsCode code = 0;
     std::string_view payload{};
@@ -16,18 +16,15 @@ struct IcnsChunk {
 /// The images and masks of one icon, in the order of the file.
 using IcnsFamily = std::vector<IcnsChunk>;
 
-/// The families of a container: its own first, then the nested ones in the order of the file.
-/// Empty when the bytes are no container. Only whole chunks of known types are given; a size that
-/// lies ends its family. However the bytes look, this takes time in proportion to their number,
-/// and gives at most `maximumIcnsChunks` chunks.
+/// Returns the families of a container: its own first, then the nested ones in the order of the
+/// file. Empty if the bytes are not a container. Only complete chunks of known types are included;
+/// an invalid chunk size ends the family. For any input this takes time in proportion to its size
+/// and returns at most `maximumIcnsChunks` chunks.
 [[nodiscard]] std::vector<IcnsFamily> icnsFamilies(std::string_view bytes);
 
-/// Whether the bytes begin as a container does.
+/// Returns whether the bytes begin with a container's header.
 [[nodiscard]] bool isIcns(std::string_view bytes) noexcept;
 
 inline constexpr std::size_t maximumIcnsChunks = 512;
-
-/// The big-endian number in the first four bytes, of which there must be so many.
-[[nodiscard]] std::uint32_t bigEndian32(std::string_view bytes) noexcept;
 
 } // namespace quorvel

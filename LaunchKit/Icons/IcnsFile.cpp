@@ -3,34 +3,24 @@
 #include "LaunchKit/Icons/IcnsPixels.h"
 #include "LaunchKit/Icons/ImageFile.h"
 #include "LaunchKit/Icons/Jpeg2000Image.h"
-#include "LaunchKit/RawStrings.h"
+#include "Platform/files/FileReading.h"
 #include "Platform/files/FileSystem.h"
 
 #include <algorithm>
 #include <numeric>
 
 namespace quorvel {
+
 namespace {
 
-constexpr RawStrings<IcnsEncoding, 8> encodings{{
-    {IcnsEncoding::png, "png"},
-    {IcnsEncoding::jpeg2000, "jpeg2000"},
-    {IcnsEncoding::argb, "argb"},
-    {IcnsEncoding::rle24, "rle24"},
-    {IcnsEncoding::raw32, "raw32"},
-    {IcnsEncoding::indexed8, "8bit"},
-    {IcnsEncoding::indexed4, "4bit"},
-    {IcnsEncoding::bitmap, "1bit"},
-}};
-
-// However many broken images a file holds, only so many are tried.
+// A file may contain any number of broken images; no more than this are tried.
 constexpr std::size_t maximumAttempts = 24;
 
 IcnsEncoding rgbEncoding(std::string_view payload, const IcnsType& type) {
     return isRaw32(payload, type) ? IcnsEncoding::raw32 : IcnsEncoding::rle24;
 }
 
-// How a payload of one of the newer types is stored; nothing when its size is not the type's.
+// Returns how a payload of one of the newer types is stored, if it has the type's size.
 std::optional<IcnsEncoding> fileEncoding(std::string_view payload, const IcnsType& type) {
     const QSize size(type.width, type.height);
     if (isPng(payload)) {
@@ -66,7 +56,7 @@ std::optional<IcnsEncoding> encodingOf(std::string_view payload, const IcnsType&
     return std::nullopt;
 }
 
-// The order in which a family's images are listed: the poorer forms of a picture come last.
+// The order in which a family's images are listed: those with fewer colors come last.
 int rank(IcnsForm form) {
     return form == IcnsForm::bitmap     ? 3
            : form == IcnsForm::indexed4 ? 2
@@ -75,13 +65,9 @@ int rank(IcnsForm form) {
 
 } // namespace
 
-std::string_view rawString(IcnsEncoding encoding) {
-    return rawStringIn(encodings, encoding);
-}
-
 class IcnsFile::Contents {
 public:
-    // The bytes never move again, since the families look into them.
+    // The bytes must not move, since the families refer to them.
     explicit Contents(std::string bytes)
         : bytes_(std::move(bytes)),
           families_(icnsFamilies(bytes_)) {
@@ -112,7 +98,7 @@ public:
         case IcnsEncoding::bitmap:
             break;
         }
-        return oldImage(source.payload, *source.type, *source.family);
+        return legacyImage(source.payload, *source.type, *source.family);
     }
 
 private:
@@ -182,7 +168,7 @@ QImage IcnsFile::widest() const {
 QImage IcnsFile::nearest(int side) const {
     std::vector<std::size_t> order(entries().size());
     std::iota(order.begin(), order.end(), 0U);
-    // Those that are wide enough come first, the smallest leading; the others follow, widest first.
+    // Those that are wide enough come first, in ascending order; the others follow, widest first.
     const auto rank = [&](std::size_t index) {
         const int width = entries()[index].width;
         return std::pair(width < side, width < side ? -width : width);
@@ -190,6 +176,10 @@ QImage IcnsFile::nearest(int side) const {
     std::stable_sort(order.begin(), order.end(),
                      [&](std::size_t a, std::size_t b) { return rank(a) < rank(b); });
     return firstDecodable(order);
+}
+
+bool IcnsFile::isDecodable(int side) const {
+    return !nearest(side).isNull();
 }
 
 QImage IcnsFile::firstDecodable(const std::vector<std::size_t>& order) const {

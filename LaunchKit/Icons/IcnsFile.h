@@ -1,5 +1,7 @@
 #pragma once
 
+#include "LaunchKit/Records/EnumNames.h"
+
 #include <cstddef>
 #include <filesystem>
 #include <memory>
@@ -15,8 +17,17 @@ namespace quorvel {
 /// How the pixels of an entry are stored.
 enum class IcnsEncoding { png, jpeg2000, argb, rle24, raw32, indexed8, indexed4, bitmap };
 
-/// "png", "jpeg2000", "argb", "rle24", "raw32", "8bit", "4bit" or "1bit".
-[[nodiscard]] std::string_view rawString(IcnsEncoding encoding);
+template<>
+inline constexpr auto enumNames<IcnsEncoding> = namesOfAllCases<IcnsEncoding>({
+    {IcnsEncoding::png, "png"},
+    {IcnsEncoding::jpeg2000, "jpeg2000"},
+    {IcnsEncoding::argb, "argb"},
+    {IcnsEncoding::rle24, "rle24"},
+    {IcnsEncoding::raw32, "raw32"},
+    {IcnsEncoding::indexed8, "8bit"},
+    {IcnsEncoding::indexed4, "4bit"},
+    {IcnsEncoding::bitmap, "1bit"},
+});
 
 /// One image of an icon file.
 struct IcnsEntry {
@@ -28,33 +39,38 @@ struct IcnsEntry {
     bool operator==(const IcnsEntry&) const = default;
 };
 
-/// Reads icon container files (".icns"). Only what is asked for is decoded. Hostile files cost
-/// bounded time and memory and never throw; what is whole in a damaged one is found.
-/// A value that shares its bytes with its copies; reading it is safe from several threads at once.
+/// Reads icon container files (".icns"). Images are decoded on request. Hostile files take
+/// bounded time and memory and never throw; the intact images of a damaged one are found.
+/// A value that shares its bytes with its copies; may be read by several threads at once.
 class IcnsFile {
 public:
     /// The largest file that is read.
     static constexpr std::size_t maximumFileSize = std::size_t{64} << 20U;
 
-    /// Nothing when the file can't be read, is larger, is no regular file or no icon container.
+    /// Returns `std::nullopt` if the file can't be read, is larger, or is not a regular file with
+    /// an icon container.
     [[nodiscard]] static std::optional<IcnsFile> read(const std::filesystem::path& file);
+    /// Returns `std::nullopt` if the bytes are not an icon container or are more than the maximum.
     [[nodiscard]] static std::optional<IcnsFile> parse(std::string bytes);
 
-    /// The images that look whole from outside and whose own size is that of their type: the
-    /// icon's own, then those of nested families (its selected or dark form); in each, full colour
-    /// in the order of the file, then 8, 4 and 1 bit. Masks and what is no image are left out.
+    /// The images that look complete without decoding and have the size of their type: the icon's
+    /// own, then those of nested families (its selected or dark form); in each, full color in the
+    /// order of the file, then 8, 4 and 1 bit. Masks and other data are left out.
     [[nodiscard]] const std::vector<IcnsEntry>& entries() const;
 
-    /// One image as 8-bit ARGB with straight alpha (`QImage::Format_ARGB32`, sRGB); null when it
-    /// turns out to be broken. Throws `std::out_of_range` for an index that is none.
+    /// Returns one image as 8-bit ARGB with straight alpha (`QImage::Format_ARGB32`, sRGB); null if
+    /// it is broken. Throws `std::out_of_range` for an invalid index.
     [[nodiscard]] QImage decode(std::size_t index) const;
 
-    /// The widest image that can be decoded, the first of equally wide ones; null without any.
+    /// Returns the widest image that can be decoded, the first of equally wide ones; null if none
+    /// can.
     [[nodiscard]] QImage widest() const;
 
-    /// The image to show at `side` pixels: the smallest that is at least so wide, else the widest;
-    /// one that can't be decoded is passed over. Null without any.
+    /// Returns the image to show at `side` pixels: the smallest that is at least that wide, or else
+    /// the widest, among those that can be decoded; null if none can.
     [[nodiscard]] QImage nearest(int side) const;
+    /// Returns whether there is one.
+    [[nodiscard]] bool isDecodable(int side) const;
 
 private:
     class Contents;

@@ -3,10 +3,12 @@
 #include <array>
 #include <cstdint>
 
-/// The fixed colours of the 4- and 8-bit icons, as 0xFFRRGGBB.
+/// The fixed colors of the 4- and 8-bit icons, as 0xFFRRGGBB.
 namespace quorvel {
 
-[[nodiscard]] const std::array<std::uint32_t, 16>& icnsColours16();
-[[nodiscard]] const std::array<std::uint32_t, 256>& icnsColours256();
+/// Returns the colors of 4-bit icons.
+[[nodiscard]] const std::array<std::uint32_t, 16>& icnsColors16();
+/// Returns the colors of 8-bit icons.
+[[nodiscard]] const std::array<std::uint32_t, 256>& icnsColors256();
 
 } // namespace quorvel

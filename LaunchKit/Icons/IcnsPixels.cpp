@@ -1,5 +1,6 @@
 #include "LaunchKit/Icons/IcnsPixels.h"
 
+#include "LaunchKit/Icons/Bytes.h"
 #include "LaunchKit/Icons/IcnsPalette.h"
 #include "LaunchKit/Icons/IcnsRunLength.h"
 
@@ -22,7 +23,7 @@ bool bitAt(std::string_view bytes, std::size_t index) {
     return ((byteAt(bytes, index / 8) >> (7 - index % 8)) & 1U) != 0;
 }
 
-// An image whose pixels are what `pixel` gives for 0, 1, 2 and so on, row by row.
+// Returns an image of the pixels that `pixel` returns for 0, 1, 2 and so on, row by row.
 template<typename Pixel>
 QImage imageOf(int width, int height, Pixel pixel) {
     QImage image(width, height, QImage::Format_ARGB32);
@@ -34,7 +35,8 @@ QImage imageOf(int width, int height, Pixel pixel) {
     return image;
 }
 
-// The payload of the first chunk of that type with at least so many bytes; empty without one.
+// Returns the payload of the first chunk of that type with at least `size` bytes; empty if there is
+// none.
 std::string_view payloadOf(const IcnsFamily& family, IcnsCode code, std::size_t size) {
     const auto chunk = std::find_if(family.begin(), family.end(), [&](const IcnsChunk& each) {
         return each.code == code && each.payload.size() >= size;
@@ -42,7 +44,8 @@ std::string_view payloadOf(const IcnsFamily& family, IcnsCode code, std::size_t 
     return code == 0 || chunk == family.end() ? std::string_view{} : chunk->payload;
 }
 
-// The second half of the bitmap that holds the type's 1-bit mask; empty when there is none.
+// Returns the second half of the bitmap that contains the type's 1-bit mask; empty if there is
+// none.
 std::string_view bitMaskOf(const IcnsType& type, const IcnsFamily& family) {
     const std::size_t size = pixelCount(type) / 8;
     const std::string_view bitmap = payloadOf(family, type.bitMask, 2 * size);
@@ -79,7 +82,7 @@ QImage packedImage(std::string_view payload, const IcnsType& type) {
     });
 }
 
-// The largest of the colour types puts four zero bytes before its planes.
+// In the largest of the color types, four zero bytes precede the planes.
 std::string_view withoutPadding(std::string_view payload, const IcnsType& type) {
     constexpr std::string_view padding("\0\0\0\0", 4);
     const bool padded = type.code == icnsCode("it32") && payload.starts_with(padding) &&
@@ -87,7 +90,7 @@ std::string_view withoutPadding(std::string_view payload, const IcnsType& type) 
     return payload.substr(padded ? padding.size() : 0);
 }
 
-QImage opaqueOldImage(std::string_view payload, const IcnsType& type) {
+QImage opaqueLegacyImage(std::string_view payload, const IcnsType& type) {
     const std::size_t bits = type.form == IcnsForm::indexed8   ? 8
                              : type.form == IcnsForm::indexed4 ? 4
                                                                : 1;
@@ -96,11 +99,10 @@ QImage opaqueOldImage(std::string_view payload, const IcnsType& type) {
     }
     return imageOf(type.width, type.height, [&](std::size_t index) {
         if (bits == 8) {
-            return icnsColours256()[byteAt(payload, index)];
+            return icnsColors256()[byteAt(payload, index)];
         }
         if (bits == 4) {
-            return icnsColours16()[(byteAt(payload, index / 2) >> (index % 2 == 0 ? 4U : 0U)) &
-                                   15U];
+            return icnsColors16()[(byteAt(payload, index / 2) >> (index % 2 == 0 ? 4U : 0U)) & 15U];
         }
         return bitAt(payload, index) ? 0xFF000000U : 0xFFFFFFFFU;
     });
@@ -132,8 +134,8 @@ QImage rgbImage(std::string_view payload, const IcnsType& type, const IcnsFamily
     return image;
 }
 
-QImage oldImage(std::string_view payload, const IcnsType& type, const IcnsFamily& family) {
-    QImage image = opaqueOldImage(payload, type);
+QImage legacyImage(std::string_view payload, const IcnsType& type, const IcnsFamily& family) {
+    QImage image = opaqueLegacyImage(payload, type);
     setAlpha(image, type, family);
     return image;
 }

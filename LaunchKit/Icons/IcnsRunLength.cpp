@@ -16,7 +16,7 @@ std::size_t runLength(std::span<const std::uint8_t> bytes) {
     return std::min<std::size_t>(static_cast<std::size_t>(different - bytes.begin()), longestRun);
 }
 
-// How many bytes stand before the next run that is worth packing.
+// Returns the number of bytes before the next run that is worth packing.
 std::size_t literalLength(std::span<const std::uint8_t> bytes) {
     std::size_t length = 0;
     while (length < bytes.size() && length < longestLiteral &&
@@ -34,15 +34,15 @@ std::optional<std::vector<std::uint8_t>> unpackRuns(std::string_view packed, std
     while (bytes.size() < size && !packed.empty()) {
         const auto code = static_cast<std::uint8_t>(packed.front());
         packed.remove_prefix(1);
-        const std::size_t room = size - bytes.size();
+        const std::size_t remaining = size - bytes.size();
         if (code < firstRunCode) {
-            const std::size_t length = std::min<std::size_t>({code + 1U, room, packed.size()});
+            const std::size_t length = std::min<std::size_t>({code + 1U, remaining, packed.size()});
             bytes.insert(bytes.end(), packed.begin(),
                          packed.begin() + static_cast<std::ptrdiff_t>(length));
             packed.remove_prefix(length);
         } else if (!packed.empty()) {
             const std::size_t length = code - firstRunCode + shortestRun;
-            bytes.insert(bytes.end(), std::min(length, room),
+            bytes.insert(bytes.end(), std::min(length, remaining),
                          static_cast<std::uint8_t>(packed.front()));
             packed.remove_prefix(1);
         }

@@ -8,11 +8,11 @@
 #include <string_view>
 #include <vector>
 
-/// The container's own packing: a byte below 128 says how many bytes less one follow as they are,
-/// any other how often, less 125, the next byte is repeated.
+/// The container's run-length encoding: a byte n below 128 is followed by n + 1 literal bytes, any
+/// other by one byte that is repeated n - 125 times.
 namespace quorvel {
 
-/// Unpacks exactly `size` bytes; nothing when the packed bytes end before. What follows is ignored.
+/// Unpacks exactly `size` bytes and ignores the rest; `std::nullopt` if there are fewer.
 [[nodiscard]] std::optional<std::vector<std::uint8_t>> unpackRuns(std::string_view packed,
                                                                   std::size_t size);
 

@@ -10,13 +10,13 @@ constexpr IcnsType square(std::string_view name, int side) {
     return {icnsCode(name), IcnsForm::file, side, side, 0, 0};
 }
 
-constexpr IcnsType colour(std::string_view name, IcnsForm form, int side, std::string_view alpha,
-                          std::string_view bits) {
+constexpr IcnsType color(std::string_view name, IcnsForm form, int side, std::string_view alpha,
+                         std::string_view bits) {
     return {icnsCode(name), form, side, side, icnsCode(alpha), icnsCode(bits)};
 }
 
-constexpr IcnsType old(std::string_view name, IcnsForm form, int width, int height,
-                       std::string_view bits) {
+constexpr IcnsType legacy(std::string_view name, IcnsForm form, int width, int height,
+                          std::string_view bits) {
     return {icnsCode(name), form, width, height, 0, icnsCode(bits)};
 }
 
@@ -36,25 +36,25 @@ constexpr std::array types{
     square("ic12", 64),
     square("ic13", 256),
     square("ic14", 512),
-    colour("icp4", IcnsForm::fileOrRgb, 16, "s8mk", "ics#"),
-    colour("icp5", IcnsForm::fileOrRgb, 32, "l8mk", "ICN#"),
-    colour("is32", IcnsForm::rgb, 16, "s8mk", "ics#"),
-    colour("il32", IcnsForm::rgb, 32, "l8mk", "ICN#"),
-    colour("ih32", IcnsForm::rgb, 48, "h8mk", "ich#"),
-    colour("it32", IcnsForm::rgb, 128, "t8mk", ""),
-    old("icm8", IcnsForm::indexed8, 16, 12, "icm#"),
-    old("ics8", IcnsForm::indexed8, 16, 16, "ics#"),
-    old("icl8", IcnsForm::indexed8, 32, 32, "ICN#"),
-    old("ich8", IcnsForm::indexed8, 48, 48, "ich#"),
-    old("icm4", IcnsForm::indexed4, 16, 12, "icm#"),
-    old("ics4", IcnsForm::indexed4, 16, 16, "ics#"),
-    old("icl4", IcnsForm::indexed4, 32, 32, "ICN#"),
-    old("ich4", IcnsForm::indexed4, 48, 48, "ich#"),
-    old("icm#", IcnsForm::bitmap, 16, 12, "icm#"),
-    old("ics#", IcnsForm::bitmap, 16, 16, "ics#"),
-    old("ICN#", IcnsForm::bitmap, 32, 32, "ICN#"),
-    old("ich#", IcnsForm::bitmap, 48, 48, "ich#"),
-    old("ICON", IcnsForm::bitmap, 32, 32, ""),
+    color("icp4", IcnsForm::fileOrRgb, 16, "s8mk", "ics#"),
+    color("icp5", IcnsForm::fileOrRgb, 32, "l8mk", "ICN#"),
+    color("is32", IcnsForm::rgb, 16, "s8mk", "ics#"),
+    color("il32", IcnsForm::rgb, 32, "l8mk", "ICN#"),
+    color("ih32", IcnsForm::rgb, 48, "h8mk", "ich#"),
+    color("it32", IcnsForm::rgb, 128, "t8mk", ""),
+    legacy("icm8", IcnsForm::indexed8, 16, 12, "icm#"),
+    legacy("ics8", IcnsForm::indexed8, 16, 16, "ics#"),
+    legacy("icl8", IcnsForm::indexed8, 32, 32, "ICN#"),
+    legacy("ich8", IcnsForm::indexed8, 48, 48, "ich#"),
+    legacy("icm4", IcnsForm::indexed4, 16, 12, "icm#"),
+    legacy("ics4", IcnsForm::indexed4, 16, 16, "ics#"),
+    legacy("icl4", IcnsForm::indexed4, 32, 32, "ICN#"),
+    legacy("ich4", IcnsForm::indexed4, 48, 48, "ich#"),
+    legacy("icm#", IcnsForm::bitmap, 16, 12, "icm#"),
+    legacy("ics#", IcnsForm::bitmap, 16, 16, "ics#"),
+    legacy("ICN#", IcnsForm::bitmap, 32, 32, "ICN#"),
+    legacy("ich#", IcnsForm::bitmap, 48, 48, "ich#"),
+    legacy("ICON", IcnsForm::bitmap, 32, 32, ""),
 };
 
 constexpr std::array nestedFamilies{

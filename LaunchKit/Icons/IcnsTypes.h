@@ -1,33 +1,33 @@
 #pragma once
 
+#include "LaunchKit/Icons/Bytes.h"
+
 #include <cstdint>
 #include <string>
 #include <string_view>
 
-/// The image types of the icon container: which size and which form each one stands for.
+/// The image types of the icon container: the size and the format of each.
 namespace quorvel {
 
 /// A chunk's four-character type, as the number that the file holds.
 using IcnsCode = std::uint32_t;
 
+/// Returns the type with that name of four characters; 0 for an empty name.
 [[nodiscard]] constexpr IcnsCode icnsCode(std::string_view name) {
-    IcnsCode code = 0;
-    for (const char character : name.substr(0, 4)) {
-        code = (code << 8U) | static_cast<unsigned char>(character);
-    }
-    return code;
+    return bigEndian32(name);
 }
 
+/// Returns a type's four characters.
 [[nodiscard]] std::string icnsName(IcnsCode code);
 
 /// The form of a type's payload.
 enum class IcnsForm {
-    file,      ///< a PNG or JPEG 2000 file, or planes behind "ARGB"
-    fileOrRgb, ///< such a file, or 24-bit colour without alpha
-    rgb,       ///< 24-bit colour as three packed planes, or 32-bit pixels; alpha is in `alphaMask`
-    indexed8,  ///< one byte a pixel into the system's 256 colours
-    indexed4,  ///< four bits a pixel into the system's 16 colours
-    bitmap,    ///< one bit a pixel, set bits black; a 1-bit mask may follow
+    file,      ///< a PNG or JPEG 2000 file, or planes after "ARGB"
+    fileOrRgb, ///< such a file, or 24-bit color without alpha
+    rgb,       ///< 24-bit color as three packed planes, or 32-bit pixels; alpha is in `alphaMask`
+    indexed8,  ///< one byte per pixel into the system's 256 colors
+    indexed4,  ///< four bits per pixel into the system's 16 colors
+    bitmap,    ///< one bit per pixel, set bits black; a 1-bit mask may follow
 };
 
 /// One image type.
@@ -40,13 +40,14 @@ struct IcnsType {
     IcnsCode bitMask = 0;   ///< the bitmap type whose 1-bit mask it uses; 0 for none
 };
 
-/// Nothing for a type that is no image of its own.
+/// Returns null for a type that is not an image of its own.
 [[nodiscard]] const IcnsType* icnsType(IcnsCode code);
 
-/// Whether a type's payload is a family of its own: the selected, hovered or dark form of the icon.
+/// Returns whether a type's payload is a family of its own: the icon's selected, hovered or dark
+/// form.
 [[nodiscard]] bool isNestedFamily(IcnsCode code);
 
-/// Whether a type is an 8-bit mask.
+/// Returns whether a type is an 8-bit mask.
 [[nodiscard]] bool isAlphaMask(IcnsCode code);
 
 } // namespace quorvel

@@ -15,8 +15,8 @@
 namespace quorvel {
 namespace {
 
-// Of zlib's ten levels, the one behind which files shrink little while time grows fast, on the
-// scale from 0 to 100 that Qt divides again.
+// The zlib level beyond which files shrink little while time grows fast, on Qt's scale from 0 to
+// 100.
 constexpr int compressionLevel = 5;
 constexpr int compression = (compressionLevel * 100 + 8) / 9;
 
@@ -56,7 +56,7 @@ std::string chunkUnlessEmpty(std::string_view type, const std::string& payload) 
     return payload.empty() ? payload : chunk(type, payload);
 }
 
-// Empty when no type has this size.
+// Returns an empty text if no type has this size.
 std::string_view typeFor(const QImage& image,
                          std::span<const std::pair<int, std::string_view>> types) {
     for (const auto& [side, type] : types) {

@@ -3,7 +3,7 @@
 #include "LaunchKit/Icons/IcnsContainer.h"
 #include "LaunchKit/Icons/IcnsFile.h"
 #include "LaunchKit/Icons/ImageFile.h"
-#include "Platform/files/FileSystem.h"
+#include "Platform/files/FileReading.h"
 
 namespace quorvel {
 namespace {

@@ -1,7 +1,7 @@
 #include "LaunchKit/Icons/ImageFile.h"
 
+#include "LaunchKit/Icons/Bytes.h"
 #include "LaunchKit/Icons/DecodingMemory.h"
-#include "LaunchKit/Icons/IcnsContainer.h"
 #include "LaunchKit/Icons/Jpeg2000Image.h"
 
 #include <QBuffer>
@@ -19,7 +19,7 @@ namespace {
 constexpr std::string_view pngMark("\x89PNG\r\n\x1A\n", 8);
 constexpr int maximumImages = 64;
 
-// The bytes as Qt takes them, not copied: they must outlive the result.
+// Returns the bytes for Qt without copying them: they must outlive the result.
 QByteArray borrowed(std::string_view bytes) {
     return QByteArray::fromRawData(bytes.data(), static_cast<qsizetype>(bytes.size()));
 }
@@ -34,13 +34,13 @@ QSize scaledToFit(QSize size) {
     return size.scaled(side, side, Qt::KeepAspectRatio).expandedTo(QSize(1, 1));
 }
 
-// Whether the PNG's rows come in their order, once each.
+// Whether the PNG's rows are stored once and in order.
 bool isPlainPng(std::string_view bytes) {
     constexpr std::size_t interlacing = 28;
     return isPng(bytes) && bytes.size() > interlacing && bytes[interlacing] == 0;
 }
 
-// Whether the JPEG's blocks come in their order, once each: one sequential scan of all components.
+// Whether the JPEG's blocks are stored once and in order: one sequential scan of all components.
 bool isPlainJpeg(std::string_view bytes) {
     std::size_t components = 0;
     for (std::size_t at = 2; bytes.starts_with("\xFF\xD8") && at + 10 <= bytes.size();) {
@@ -61,7 +61,7 @@ bool isPlainJpeg(std::string_view bytes) {
     return false;
 }
 
-// The size at which the limits allow to decode an image of this size; invalid if none is.
+// Returns the size at which the limits allow decoding an image of this size; invalid if none.
 QSize decodableSize(QSize size, std::string_view bytes) {
     if (isAcceptable(size)) {
         return size;
@@ -77,7 +77,7 @@ struct Page {
     QSize size; // when it is decoded
 };
 
-// The images in the file that the limits allow to decode, the widest first.
+// Returns the images in the file that the limits allow decoding, widest first.
 std::vector<Page> decodablePages(QImageReader& reader, std::string_view bytes) {
     std::vector<Page> pages;
     for (int index = 0; index < std::clamp(reader.imageCount(), 1, maximumImages); ++index) {
@@ -93,12 +93,13 @@ std::vector<Page> decodablePages(QImageReader& reader, std::string_view bytes) {
     return pages;
 }
 
-// The image as standard pixels; null if it is broken. Its share of the memory is taken until then.
+// Returns the image as standard pixels; null if it is broken. Takes its share of the memory
+// meanwhile.
 QImage decodedPage(QImageReader& reader, const Page& page) {
-    constexpr std::size_t bytesPerPixel = 12; // 16 bits a channel, and the standard pixels
+    constexpr std::size_t bytesPerPixel = 12; // 16 bits per channel, and the standard pixels
     const DecodingMemory memory(bytesPerPixel * static_cast<std::size_t>(page.size.width()) *
                                 static_cast<std::size_t>(page.size.height()));
-    // From the start: a broken image leaves the reader within it.
+    // From the start: a broken image leaves the reader in its middle.
     reader.device()->seek(0);
     reader.setDevice(reader.device());
     if (page.index > 0 && !reader.jumpToImage(page.index)) {
@@ -108,8 +109,8 @@ QImage decodedPage(QImageReader& reader, const Page& page) {
     return standardPixels(reader.read());
 }
 
-// The format's name when it is one of pixels, else empty. ICO is not among them: what its directory
-// says of an image is not the size at which the image is decoded.
+// Returns the format's name if it is a supported raster format, else empty. ICO is not supported:
+// the size in its directory need not be the size of the decoded image.
 QByteArray pixelFormat(QBuffer& buffer) {
     static constexpr std::array formats{"png", "jpeg", "gif", "bmp", "tiff", "webp"};
     const QByteArray format = QImageReader::imageFormat(&buffer);

@@ -1,7 +1,7 @@
 #include "LaunchKit/Icons/Jpeg2000Image.h"
 
+#include "LaunchKit/Icons/Bytes.h"
 #include "LaunchKit/Icons/DecodingMemory.h"
-#include "LaunchKit/Icons/IcnsContainer.h"
 
 #include <openjpeg.h>
 
@@ -20,7 +20,7 @@ constexpr std::string_view codestreamMark("\xFF\x4F\xFF\x51", 4);
 constexpr std::uint64_t maximumTiles = 256;
 constexpr std::size_t mostComponents = 4;
 
-// The contents of the file's first codestream box; empty when there is none.
+// Returns the contents of the file's first codestream box; empty if there is none.
 std::string_view codestream(std::string_view bytes) {
     while (!bytes.starts_with(codestreamMark) && bytes.size() >= 8) {
         std::uint64_t size = bigEndian32(bytes);
@@ -42,7 +42,7 @@ std::string_view codestream(std::string_view bytes) {
     return bytes;
 }
 
-// How many components the codestream declares; 0 if it is too short to say.
+// Returns the number of components that the codestream declares; 0 if it is too short.
 std::uint64_t componentCount(std::string_view stream) {
     constexpr std::size_t offset = 40;
     return stream.size() < offset + 2 ? 0 : bigEndian32(stream.substr(offset - 2)) & 0xFFFFU;
@@ -112,7 +112,8 @@ bool hasSize(const opj_image_t& image, QSize size) {
            image.y1 - image.y0 == static_cast<OPJ_UINT32>(size.height());
 }
 
-// How often the size must be halved for the decoder's components, four bytes a pixel, to fit.
+// Returns how often the size must be halved for the decoder's components, four bytes per pixel, to
+// fit.
 OPJ_UINT32 reduction(QSize size, std::uint64_t components) {
     constexpr std::uint64_t most = std::uint64_t{64} << 20U;
     const auto pixels =
@@ -146,7 +147,7 @@ Image decoded(std::string_view bytes, QSize size, OPJ_UINT32 halvings) {
     return image;
 }
 
-// One component, read at the image's pixels and as 8-bit levels.
+// One component, read at the image's coordinates as 8-bit levels.
 class Plane {
 public:
     explicit Plane(const opj_image_comp_t& component)
@@ -191,17 +192,17 @@ QImage imageOf(const opj_image_t& source, QSize size) {
         return {};
     }
     const std::vector<Plane> planes(components.begin(), components.end());
-    const bool grey = planes.size() < 3;
+    const bool gray = planes.size() < 3;
     const bool alpha = planes.size() % 2 == 0;
     QImage image(size, QImage::Format_ARGB32);
     for (int y = 0; y < image.height(); ++y) {
         auto* line = reinterpret_cast<QRgb*>(image.scanLine(y));
         for (int x = 0; x < image.width(); ++x) {
             const int first = planes[0].at(x, y);
-            const int second = grey ? first : planes[1].at(x, y);
-            const int third = grey ? first : planes[2].at(x, y);
+            const int second = gray ? first : planes[1].at(x, y);
+            const int third = gray ? first : planes[2].at(x, y);
             const int opacity = alpha ? planes.back().at(x, y) : 255;
-            line[x] = source.color_space == OPJ_CLRSPC_SYCC && !grey
+            line[x] = source.color_space == OPJ_CLRSPC_SYCC && !gray
                           ? rgbFromYcc(first, second, third, opacity)
                           : qRgba(first, second, third, opacity);
         }

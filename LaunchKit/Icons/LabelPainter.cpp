@@ -12,7 +12,7 @@
 namespace quorvel {
 namespace {
 
-// All in parts of the icon's side, but for the stroke, which is in parts of the font size.
+// All relative to the icon's side, except the stroke, which is relative to the font size.
 constexpr double fontSizePart = 0.24;
 constexpr double widestPart = 0.86;
 constexpr double marginPart = 0.08;
@@ -22,17 +22,17 @@ constexpr double shadowBlurPart = 0.012;
 constexpr double strokeOpacity = 0.9;
 constexpr double shadowOpacity = 0.5;
 
-// A blur of so many pixels is a Gaussian of half as many as its deviation.
+// A blur of n pixels is a Gaussian with a deviation of n / 2.
 constexpr double deviationOfBlur = 0.5;
 
-// How much the text's outlines grow for an icon of that side.
+// Returns the scale of the text's outlines for an icon of that side.
 double scaleFor(const LabelText& text, double side) {
     const double scale = fontSizePart * side / text.fontSize;
     const double widest = widestPart * side;
     return text.box.width() * scale > widest ? widest / text.box.width() : scale;
 }
 
-// The top edge of the glyphs, from the icon's top edge.
+// Returns the distance from the icon's top edge to the glyphs'.
 double topEdge(IconLabel::Position position, double height, double side) {
     switch (position) {
     case IconLabel::Position::bottom:
@@ -52,7 +52,7 @@ QTransform placement(const LabelText& text, IconLabel::Position position, double
     return {scale, 0, 0, scale, left - text.box.left() * scale, top - text.box.top() * scale};
 }
 
-// The coverage of the stroked outlines inside `area`, 0 to 255.
+// Returns the coverage of the stroked outlines inside `area`, 0 to 255.
 QImage strokeCoverage(const QPainterPath& outlines, double width, const QRect& area) {
     QImage coverage(area.size(), QImage::Format_Alpha8);
     coverage.fill(0);
@@ -63,7 +63,7 @@ QImage strokeCoverage(const QPainterPath& outlines, double width, const QRect& a
     return coverage;
 }
 
-// Black of the opacity that the stroke over its own shadow has at each pixel.
+// Returns black with the opacity of the stroke over its own shadow.
 QImage blackLayer(const QImage& stroke, const QImage& shadow) {
     QImage layer(stroke.size(), QImage::Format_ARGB32_Premultiplied);
     for (int y = 0; y < layer.height(); ++y) {
@@ -82,7 +82,7 @@ QImage blackLayer(const QImage& stroke, const QImage& shadow) {
 
 } // namespace
 
-void drawLabel(QImage& icon, const LabelText& text, const QColor& colour,
+void drawLabel(QImage& icon, const LabelText& text, const QColor& color,
                IconLabel::Position position) {
     if (text.box.width() <= 0 || text.box.height() <= 0) {
         return;
@@ -103,7 +103,7 @@ void drawLabel(QImage& icon, const LabelText& text, const QColor& colour,
     QPainter painter(&icon);
     painter.setRenderHint(QPainter::Antialiasing);
     painter.drawImage(area.topLeft(), blackLayer(coverage, shadow));
-    painter.fillPath(outlines, colour);
+    painter.fillPath(outlines, color);
 }
 
 } // namespace quorvel

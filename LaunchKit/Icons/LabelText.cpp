@@ -45,7 +45,7 @@ bool hasUprightBold(const QString& family) {
     });
 }
 
-// Some systems have the same face from several foundries, of which older ones lack kerning.
+// Some systems have the same typeface from several foundries, of which older ones lack kerning.
 QString labelFamily() {
     const QString named = QStringLiteral("Helvetica");
     if (hasKerning(fontOf(named))) {
@@ -79,7 +79,7 @@ QString singleLine(std::string_view text) {
     return line;
 }
 
-// Pictures in a font are no outlines, though Qt would trace their pixels.
+// Bitmap glyphs are not outlines, though Qt would trace their pixels.
 bool hasOutlines(const QRawFont& font) {
     return font.fontTable("CBDT").isEmpty() || !font.fontTable("glyf").isEmpty() ||
            !font.fontTable("CFF ").isEmpty();
@@ -97,7 +97,7 @@ void addOutlines(const QGlyphRun& run, QPainterPath& path) {
     }
 }
 
-// A whole number in base 16 that fills the text, with an optional sign.
+// Returns the number if the whole text is one in base 16, with an optional sign.
 std::optional<std::uint32_t> hexadecimal(std::string_view text) {
     const bool negative = text.starts_with('-');
     text.remove_prefix(negative || text.starts_with('+') ? 1 : 0);
@@ -132,7 +132,7 @@ LabelText labelText(std::string_view text) {
     return result;
 }
 
-QColor labelColour(std::string_view hex) {
+QColor labelColor(std::string_view hex) {
     constexpr std::size_t digits = 6;
     std::string text = Text::trimmingWhitespace(hex);
     if (text.starts_with('#')) {

@@ -1,6 +1,6 @@
 #include "Platform/desktop/ApplicationTrees_linux.h"
 
-#include "Platform/files/FileSystem.h"
+#include "Platform/files/FileReading.h"
 #include "Platform/processes/ProcessStat_linux.h"
 
 #include <algorithm>
@@ -16,7 +16,7 @@ class Parents {
 public:
     // Whether one of `wanted` is an ancestor of the process.
     [[nodiscard]] bool anyAbove(pid_t pid, const std::set<pid_t>& wanted) {
-        constexpr int highest = 256; // what changes meanwhile may look like a circle
+        constexpr int highest = 256; // changes meanwhile may look like a cycle
         pid = parentOf(pid);
         for (int level = 0; level < highest && pid > 1; ++level, pid = parentOf(pid)) {
             if (wanted.contains(pid)) {
@@ -39,7 +39,7 @@ private:
     std::map<pid_t, pid_t> parents_{};
 };
 
-// Only where there is more than one is there anything to decide.
+// Returns the bundles with more than one process.
 Bundles bundlesWithSeveral(const std::vector<RunningApplication>& processes) {
     Bundles bundles;
     for (const RunningApplication& process : processes) {
@@ -66,11 +66,11 @@ std::set<pid_t> lockWaiters(std::string_view locks) {
         locks.remove_prefix(std::min(end + 1, locks.size()));
         // 7: -> FLOCK  ADVISORY  WRITE 4711 fe:01:1234 0 EOF
         std::size_t at = line.find("-> ");
-        for (int word = 0; word < 4 && at != line.npos; ++word) {
+        for (int word = 0; word < 4 && at != std::string_view::npos; ++word) {
             at = line.find_first_not_of(' ', line.find(' ', at));
         }
         pid_t pid = 0;
-        if (at != line.npos &&
+        if (at != std::string_view::npos &&
             std::from_chars(line.data() + at, line.data() + line.size(), pid).ec == std::errc{}) {
             waiters.insert(pid);
         }

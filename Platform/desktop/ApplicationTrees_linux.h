@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Platform/desktop/Workspace.h"
+#include "Platform/desktop/RunningApplications.h"
 
 #include <set>
 #include <string_view>
@@ -8,13 +8,13 @@
 
 namespace quorvel {
 
-/// Leaves of all processes those that stand for an application of their own: the topmost of each
-/// tree of processes of one bundle, and of several trees not those whose process waits for a lock
-/// that another holds, since it never came up. One process of each bundle always stays.
+/// Returns those of the processes that represent an application: the topmost of each tree of
+/// processes of one bundle. If a bundle has several, those that wait for a lock are left out, since
+/// they have not started up. At least one process of each bundle is kept.
 [[nodiscard]] std::vector<RunningApplication>
 onePerApplication(std::vector<RunningApplication> processes);
 
-/// The processes that wait for a lock, in the form of /proc/locks.
+/// Returns the processes that wait for a lock according to `locks`, the contents of /proc/locks.
 [[nodiscard]] std::set<pid_t> lockWaiters(std::string_view locks);
 
 } // namespace quorvel

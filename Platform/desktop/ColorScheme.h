@@ -6,11 +6,11 @@
 
 namespace quorvel {
 
-/// What the desktop's user prefers.
+/// The user's preferred color scheme.
 enum class ColorScheme { light, dark };
 
-/// Tells the desktop's appearance where the toolkit does not. Belongs to the main thread, whose
-/// event loop brings the changes.
+/// Reports the desktop's color scheme where Qt cannot. Must be used on the main thread, whose event
+/// loop delivers the changes.
 class ColorSchemeSource {
 public:
     ColorSchemeSource() = default;
@@ -18,11 +18,12 @@ public:
     ColorSchemeSource& operator=(const ColorSchemeSource&) = delete;
     virtual ~ColorSchemeSource() = default;
 
-    /// Nothing when the desktop does not say.
+    /// Returns the scheme, or std::nullopt if the desktop does not report one.
     [[nodiscard]] virtual std::optional<ColorScheme> current() const = 0;
 };
 
-/// Asks the desktop, for at most a tenth of a second, and calls `changed` on every later change.
+/// Returns a source that has asked the desktop, for at most 100 ms, and calls `changed` on every
+/// later change.
 [[nodiscard]] std::unique_ptr<ColorSchemeSource>
 makeColorSchemeSource(std::function<void()> changed);
 

@@ -13,7 +13,7 @@ const auto path = QStringLiteral("/org/freedesktop/portal/desktop");
 const auto settings = QStringLiteral("org.freedesktop.portal.Settings");
 const auto group = QStringLiteral("org.freedesktop.appearance");
 const auto key = QStringLiteral("color-scheme");
-constexpr int longestWait = 100; // milliseconds; the window waits for this
+constexpr int longestWait = 100; // milliseconds, during which no window appears
 
 QVariant unwrapped(QVariant value) {
     while (value.canConvert<QDBusVariant>()) {

@@ -7,7 +7,7 @@
 
 namespace quorvel {
 
-/// The freedesktop portal's answer.
+/// Reads the scheme from the freedesktop portal.
 class PortalColorScheme final : public QObject, public ColorSchemeSource {
     Q_OBJECT
 
@@ -16,12 +16,11 @@ public:
 
     [[nodiscard]] std::optional<ColorScheme> current() const override { return scheme_; }
 
-private Q_SLOTS:
-    // D-Bus signals can only be delivered to a slot known by name.
-    void settingChanged(const QString& changedGroup, const QString& changedKey,
-                        const QDBusVariant& value);
-
 private:
+    // D-Bus signals can only be delivered to a slot known by name.
+    Q_SLOT void settingChanged(const QString& changedGroup, const QString& changedKey,
+                               const QDBusVariant& value);
+
     std::function<void()> changed_;
     std::optional<ColorScheme> scheme_{};
 };

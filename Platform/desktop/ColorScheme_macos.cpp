@@ -3,7 +3,7 @@
 namespace quorvel {
 namespace {
 
-// The toolkit's native style follows the system by itself.
+// Qt's native style follows the system by itself.
 class ToolkitColorScheme final : public ColorSchemeSource {
 public:
     [[nodiscard]] std::optional<ColorScheme> current() const override { return std::nullopt; }

@@ -1,6 +1,7 @@
 #include "Platform/desktop/DesktopEntry.h"
 
-#include "Platform/files/FileSystem.h"
+#include "Base/PathText.h"
+#include "Platform/files/FileReading.h"
 #include "Platform/files/PlatformError.h"
 
 #include <algorithm>

@@ -1,6 +1,7 @@
 #include "Platform/desktop/EngineMarks_linux.h"
 
 #include "Platform/desktop/KeyFile_linux.h"
+#include "Platform/files/FileReading.h"
 #include "Platform/files/FileSystem.h"
 
 #include <algorithm>

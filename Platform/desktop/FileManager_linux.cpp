@@ -11,7 +11,7 @@ namespace quorvel {
 
 namespace {
 
-// Made from the bytes themselves: a name need not be text.
+// Encoded from the bytes: a name need not be valid text.
 QString fileAddress(const std::filesystem::path& item) {
     std::error_code code;
     const std::filesystem::path whole = std::filesystem::absolute(item, code);

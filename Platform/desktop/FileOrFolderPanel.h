@@ -7,12 +7,12 @@
 
 namespace quorvel {
 
-/// Lets a person choose one file or one folder, whichever it is; `prompt` is the text of the button
-/// that takes it. Returns std::nullopt if it was cancelled. Main thread.
+/// Lets the user choose one file or folder. `prompt` is the text of the default button. Returns
+/// std::nullopt if the user cancels. Must be called on the main thread.
 using FileOrFolderPanel =
     std::function<std::optional<std::filesystem::path>(const std::string& prompt)>;
 
-/// The system's own panel; empty where the toolkit has to show one.
+/// Returns the system's panel, or an empty function where Qt has to show one.
 [[nodiscard]] FileOrFolderPanel systemFileOrFolderPanel();
 
 } // namespace quorvel

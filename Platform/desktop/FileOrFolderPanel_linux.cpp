@@ -2,7 +2,7 @@
 
 namespace quorvel {
 
-// The desktops' panels take either files or folders.
+// The desktops' panels choose either files or folders, not both.
 FileOrFolderPanel systemFileOrFolderPanel() {
     return {};
 }

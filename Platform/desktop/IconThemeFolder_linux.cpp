@@ -1,7 +1,9 @@
 #include "Platform/desktop/IconThemeFolder_linux.h"
 
+#include "Base/PathText.h"
 #include "Platform/desktop/IconTheme.h"
 #include "Platform/desktop/KeyFile_linux.h"
+#include "Platform/files/FileReading.h"
 #include "Platform/files/FileSystem.h"
 #include "Platform/files/Folder.h"
 

@@ -1,7 +1,7 @@
+#include "Base/PathText.h"
 #include "Platform/desktop/IconTheme.h"
 #include "Platform/desktop/IconThemeFolder_linux.h"
 #include "Platform/desktop/XdgFolders_linux.h"
-#include "Platform/files/FileSystem.h"
 #include "Platform/files/UserPaths.h"
 
 #include <algorithm>

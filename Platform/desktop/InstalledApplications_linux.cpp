@@ -1,9 +1,10 @@
+#include "Base/PathText.h"
 #include "Platform/desktop/ExecLine.h"
 #include "Platform/desktop/InstalledApplications.h"
 #include "Platform/desktop/ParallelLoop.h"
 #include "Platform/desktop/ProgramResolution.h"
 #include "Platform/desktop/XdgFolders_linux.h"
-#include "Platform/files/FileSystem.h"
+#include "Platform/files/FileReading.h"
 #include "Platform/files/Folder.h"
 
 #include <algorithm>

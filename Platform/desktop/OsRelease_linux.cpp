@@ -1,7 +1,7 @@
 #include "Platform/desktop/OsRelease_linux.h"
 
 #include "Base/Utf8.h"
-#include "Platform/files/FileSystem.h"
+#include "Platform/files/FileReading.h"
 
 #include <algorithm>
 

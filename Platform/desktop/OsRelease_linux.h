@@ -5,11 +5,12 @@
 
 namespace quorvel {
 
-/// The distribution's name and version, such as "Debian GNU/Linux 12", from what an os-release file
-/// holds; the name alone where no version is given, empty without a name that is plain text.
+/// Returns the distribution's name and version, such as "Debian GNU/Linux 12", from the contents of
+/// an os-release file: only the name if there is no version, nothing if the name is missing or
+/// contains control characters.
 [[nodiscard]] std::string distributionIn(std::string_view osRelease);
 
-/// The same of this system; empty where it has no such file.
+/// Returns the same for this system, or an empty text if it has no such file.
 [[nodiscard]] std::string distribution();
 
 } // namespace quorvel

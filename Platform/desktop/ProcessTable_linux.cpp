@@ -1,17 +1,16 @@
 #include "Platform/desktop/ProcessTable_linux.h"
 
+#include "Base/BundleLayout.h"
+#include "Base/BundleName.h"
 #include "Platform/desktop/ApplicationTrees_linux.h"
 #include "Platform/files/FileHandle.h"
-#include "Platform/files/FileSystem.h"
 #include "Platform/files/PropertyListFile.h"
+#include "Platform/processes/ProcessStat_linux.h"
 
 #include <algorithm>
 #include <cctype>
-#include <charconv>
 #include <chrono>
-#include <dirent.h>
 #include <fcntl.h>
-#include <memory>
 #include <optional>
 #include <sys/stat.h>
 #include <thread>
@@ -21,26 +20,13 @@ namespace quorvel {
 namespace fs = std::filesystem;
 namespace {
 
-constexpr std::string_view executablesFolder = ".app/Contents/MacOS/";
-
-// "/A/B.app" for "/A/B.app/Contents/MacOS/x", nothing for any other path.
-std::string bundleHolding(const std::string& executable) {
-    const std::size_t at = executable.rfind(executablesFolder);
-    const std::size_t name = at + executablesFolder.size();
-    if (at == std::string::npos || name == executable.size() ||
-        executable.find('/', name) != std::string::npos) {
-        return {};
-    }
-    return executable.substr(0, at + 4);
-}
-
 std::string readLink(const std::string& link) {
     char target[4096];
     const ssize_t length = ::readlink(link.c_str(), target, sizeof target);
     return {target, length < 0 ? 0 : static_cast<std::size_t>(length)};
 }
 
-// What fits into one page; a script's path stands in the first few arguments.
+// Returns the first page of a file, which contains a script's path in a command line.
 std::string readStart(const std::string& path) {
     const FileHandle file(::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC | O_NOCTTY));
     char bytes[4096];
@@ -49,8 +35,8 @@ std::string readStart(const std::string& path) {
     return {bytes, length < 0 ? 0 : static_cast<std::size_t>(length)};
 }
 
-// An interpreter's command line names the script first, behind the options that the script's own
-// first line may carry.
+// Returns the script from an interpreter's command line: its first argument that is not an option,
+// which the script's first line may have.
 std::optional<std::string> scriptArgument(const std::string& commandLine) {
     std::size_t at = commandLine.find('\0');
     while (at != std::string::npos && at + 1 < commandLine.size()) {
@@ -75,8 +61,8 @@ std::string nextWord(std::string_view& line) {
     return word;
 }
 
-// Whether the script's first line names the program that runs it. A program that merely has the
-// script's path as an argument, an editor say, is not running it.
+// Whether the script's first line names the executable. A program that only has the script's path
+// as an argument, such as an editor, does not run it.
 bool isInterpreterOf(const fs::path& script, const std::string& executable,
                      const std::string& calledAs) {
     std::error_code ignored;
@@ -98,32 +84,27 @@ bool isInterpreterOf(const fs::path& script, const std::string& executable,
     if (interpreter.find('/') != std::string::npos) {
         return fs::canonical(interpreter, ignored).native() == executable;
     }
-    // The name may be that of a link, as sh is for dash, or lack a version: python3 is python3.11.
+    // The name may be a link, such as sh to dash, or lack a version, such as python3 for
+    // python3.11.
     return !interpreter.empty() &&
            (calledAs == interpreter ||
             fs::path(executable).filename().native().starts_with(interpreter));
 }
 
-std::optional<pid_t> processNumber(const char* name) {
-    pid_t number = 0;
-    const char* end = name + std::char_traits<char>::length(name);
-    const auto result = std::from_chars(name, end, number);
-    return result.ec == std::errc{} && result.ptr == end ? std::optional(number) : std::nullopt;
-}
-
-// `process` is the process's folder below /proc.
+// Returns the bundle of the script that a process runs. `process` is its folder below /proc.
 std::string bundleOfScript(const std::string& process, const std::string& executable) {
     const std::string commandLine = readStart(process + "/cmdline");
     const std::optional<std::string> script = scriptArgument(commandLine);
-    // Looked up in the path or not, a script reaches its interpreter with a slash in its name.
+    // The system always passes a script's path to its interpreter with a slash.
     if (!script || script->find('/') == std::string::npos) {
         return {};
     }
     const fs::path folder = script->front() == '/' ? "/" : readLink(process + "/cwd");
     std::error_code code;
     const fs::path path = fs::canonical(folder / *script, code);
-    std::string bundle = code ? std::string{} : bundleHolding(path.native());
-    const bool runs = !bundle.empty() && isInterpreterOf(path, executable, commandLine.c_str());
+    std::string bundle = code ? std::string{} : bundleOfExecutable(path.native());
+    const std::string calledAs = commandLine.substr(0, commandLine.find('\0'));
+    const bool runs = !bundle.empty() && isInterpreterOf(path, executable, calledAs);
     return runs ? bundle : std::string{};
 }
 
@@ -140,7 +121,7 @@ void awaitCommandLine(pid_t pid) {
 }
 
 const std::string* ProcessTable::identifierOf(const std::string& bundle) {
-    const std::string file = bundle + "/Contents/Info.plist";
+    const std::string file = infoPlistOf(bundle);
     struct stat status {};
     if (::stat(file.c_str(), &status) != 0) {
         return nullptr;
@@ -162,24 +143,19 @@ const std::string* ProcessTable::identifierOf(const std::string& bundle) {
 std::vector<RunningApplication> ProcessTable::applications() {
     const std::lock_guard guard(mutex_);
     std::vector<RunningApplication> found;
-    const std::unique_ptr<DIR, int (*)(DIR*)> table(::opendir("/proc"), &::closedir);
-    while (const dirent* entry = table ? ::readdir(table.get()) : nullptr) {
-        const std::optional<pid_t> pid = processNumber(entry->d_name);
-        if (!pid) {
-            continue;
-        }
-        const std::string process = std::string("/proc/") + entry->d_name;
+    for (const pid_t pid : allProcesses()) {
+        const std::string process = "/proc/" + std::to_string(pid);
         const std::string executable = readLink(process + "/exe");
         if (executable.empty()) {
             continue;
         }
-        std::string bundle = bundleHolding(executable);
+        std::string bundle = bundleOfExecutable(executable);
         if (bundle.empty()) {
             bundle = bundleOfScript(process, executable);
         }
         const std::string* bundleId = bundle.empty() ? nullptr : identifierOf(bundle);
         if (bundleId != nullptr) {
-            found.push_back({*bundleId, bundle, *pid});
+            found.push_back({*bundleId, bundle, pid});
         }
     }
     return onePerApplication(std::move(found));

@@ -1,29 +1,28 @@
 #pragma once
 
-#include "Platform/desktop/Workspace.h"
+#include "Platform/desktop/RunningApplications.h"
 
 #include <ctime>
 #include <map>
 #include <mutex>
 #include <optional>
-#include <set>
 #include <string>
 #include <vector>
 
 namespace quorvel {
 
 /// Finds the applications that run from bundles in one pass over /proc, one per tree of processes
-/// (see `onePerApplication`). A process counts
-/// when its executable, or for an interpreted script the script, lies directly in
-/// NAME.app/Contents/MacOS. What vanishes or may not be read is skipped.
+/// (see `onePerApplication`). A process counts if its executable, or the script that it interprets,
+/// is directly in NAME.app/Contents/MacOS. Unreadable processes are skipped. Thread-safe.
 class ProcessTable {
 public:
+    /// Returns the applications that are running now.
     [[nodiscard]] std::vector<RunningApplication> applications();
 
 private:
-    // A bundle's identifier is read once and again only when its property list changed.
+    // A bundle's identifier is read again only if its property list has changed.
     struct KnownBundle {
-        std::optional<std::string> bundleId{}; ///< absent: not readable
+        std::optional<std::string> bundleId{}; ///< absent: unreadable
         ino_t inode = 0;
         off_t size = 0;
         timespec modified{};
@@ -35,8 +34,8 @@ private:
     std::map<std::string, KnownBundle> known_;
 };
 
-/// Waits until a process that was just started can be known by its command line: for a moment it
-/// has none, and a script would not count. Gives up after about a second.
+/// Waits until a process that was just started has a command line, without which a script's process
+/// would not be recognized. Stops waiting after about a second.
 void awaitCommandLine(pid_t pid);
 
 } // namespace quorvel

@@ -1,3 +1,4 @@
+#include "Base/PathText.h"
 #include "Platform/desktop/EngineMarks_linux.h"
 #include "Platform/desktop/LauncherScript.h"
 #include "Platform/desktop/ProgramFile_linux.h"

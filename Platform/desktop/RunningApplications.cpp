@@ -1,4 +1,4 @@
-#include "Platform/desktop/Workspace.h"
+#include "Platform/desktop/RunningApplications.h"
 
 #include <algorithm>
 
@@ -24,23 +24,6 @@ RunningApplications::withBundleIdentifier(const std::string& bundleId) const {
 
 bool RunningApplications::contains(const std::string& bundleId) const {
     return byIdentifier_.contains(bundleId);
-}
-
-bool isAppBundleName(std::string_view name) {
-    constexpr std::string_view extension = ".app";
-    // A name that begins with its only dot has no extension.
-    return name.size() > extension.size() && name.ends_with(extension);
-}
-
-std::string bundleFallbackName(const std::filesystem::path& bundle) {
-    std::string_view name = bundle.native();
-    while (name.size() > 1 && name.ends_with('/')) {
-        name.remove_suffix(1);
-    }
-    name.remove_prefix(name.rfind('/') + 1);
-    const std::size_t dot = name.rfind('.');
-    const bool hasExtension = dot != std::string_view::npos && dot != 0 && name != "..";
-    return std::string(name.substr(0, hasExtension ? dot : std::string_view::npos));
 }
 
 } // namespace quorvel

@@ -15,17 +15,17 @@ namespace {
 
 using std::chrono::milliseconds;
 
-// The name that every clone's wrapper gives its runner.
+// The name of the runner in every clone's wrapper.
 constexpr std::string_view runnerName = "runner";
 
-constexpr milliseconds oldRunnersPatience{1000};
-constexpr milliseconds patience{30'000};
+constexpr milliseconds oldRunnerTimeout{1000};
+constexpr milliseconds timeout{30'000};
 
-// A process closes its files a moment before its end can be seen.
-constexpr milliseconds lastMoment{1000};
+// A process closes its files slightly before it can be waited for.
+constexpr milliseconds exitTimeout{1000};
 
 std::optional<int> statusAtEnd(Process& process) {
-    const auto limit = std::chrono::steady_clock::now() + lastMoment;
+    const auto limit = std::chrono::steady_clock::now() + exitTimeout;
     while (process.isRunning()) {
         if (std::chrono::steady_clock::now() > limit) {
             return std::nullopt;
@@ -35,8 +35,8 @@ std::optional<int> statusAtEnd(Process& process) {
     return process.waitUntilExit();
 }
 
-// Whether only programs in trouble, or none at all, end with that status.
-bool meansTrouble(int status) {
+// Whether that status indicates a crash or a program that could not be run.
+bool indicatesFailure(int status) {
     constexpr int cantBeRun = 126;
     constexpr int notFound = 127;
     constexpr int signalled = 128;
@@ -63,11 +63,11 @@ std::string reasonFor(int status) {
     return "it ended at once, with status " + std::to_string(status);
 }
 
-// Without a report, the status has to tell; most may be those of a target which had little to do.
+// Without a report, only some statuses prove a failure: a target may end quickly.
 std::optional<PlatformError> failureAtEnd(Process& process, bool announced,
                                           const std::filesystem::path& bundle) {
     const std::optional<int> status = statusAtEnd(process);
-    if (!status || (!announced && !meansTrouble(*status))) {
+    if (!status || (!announced && !indicatesFailure(*status))) {
         return std::nullopt;
     }
     return PlatformError::because(reasonFor(*status), bundle, "opened");
@@ -76,10 +76,10 @@ std::optional<PlatformError> failureAtEnd(Process& process, bool announced,
 std::optional<PlatformError> failureOf(StartedProgram& program, int wake,
                                        const std::filesystem::path& bundle) {
     const StartOutcome outcome =
-        readStartReport(program.reports.descriptor(), wake, oldRunnersPatience, patience);
+        readStartReport(program.reports.descriptor(), wake, oldRunnerTimeout, timeout);
     switch (outcome.kind) {
     case StartOutcome::Case::failed:
-        return PlatformError::told(outcome.sentence, bundle);
+        return PlatformError::withDescription(outcome.sentence, bundle);
     case StartOutcome::Case::ended:
         return failureAtEnd(program.process, outcome.announced, bundle);
     case StartOutcome::Case::started:
@@ -94,7 +94,7 @@ std::optional<PlatformError> failureOf(StartedProgram& program, int wake,
 StartedProgram startProgram(const std::filesystem::path& executable) {
     Process::Options options;
     options.executable = executable;
-    options.directory = "/"; // as a desktop does; ours may be gone tomorrow
+    options.directory = "/"; // as a desktop does; our folder may be removed
     options.standardOutput = Process::Discard{};
     options.standardError = Process::Discard{};
     options.detached = true;
@@ -127,6 +127,7 @@ StartWatch::~StartWatch() {
 void StartWatch::watch(StartedProgram program, const std::filesystem::path& bundle,
                        Workspace::Completion completion) {
     if (program.reports.descriptor() < 0) {
+        program.process.detach();
         completion(std::nullopt);
         return;
     }
@@ -140,14 +141,16 @@ void StartWatch::watch(StartedProgram program, const std::filesystem::path& bund
             waiting->thread = std::thread([this, waiting] { waitForReport(*waiting); });
             return;
         } catch (const std::system_error&) {
-            // Without a thread, whoever opens has to wait.
+            // Without a thread, the caller has to wait.
         }
     }
     waitForReport(*waiting);
 }
 
 void StartWatch::waitForReport(Waiting& waiting) {
-    waiting.completion(failureOf(waiting.program, wake_.descriptor(), waiting.bundle));
+    const auto failure = failureOf(waiting.program, wake_.descriptor(), waiting.bundle);
+    waiting.program.process.detach();
+    waiting.completion(failure);
     const std::lock_guard guard(mutex_);
     waiting.over = true;
 }

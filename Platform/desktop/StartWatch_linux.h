@@ -14,24 +14,24 @@ namespace quorvel {
 /// A program that was just started, with the pipe through which it may report.
 struct StartedProgram {
     Process process;
-    FileHandle reports; ///< nothing is open for a program that reports nothing
+    FileHandle reports; ///< closed for a program that does not report
 };
 
-/// Starts the executable of a bundle as a desktop does. A clone's runner gets a pipe for its
-/// `StartReport`. Throws `PlatformError`.
+/// Starts the executable of a bundle as a desktop does. Passes a clone's runner a pipe for its
+/// `StartReport`. Returns the process and the pipe. Throws `PlatformError` if it can't be started.
 [[nodiscard]] StartedProgram startProgram(const std::filesystem::path& executable);
 
-/// Waits in the background for what started programs report.
+/// Waits in the background for the reports of started programs.
 class StartWatch {
 public:
     StartWatch();
     StartWatch(const StartWatch&) = delete;
     StartWatch& operator=(const StartWatch&) = delete;
-    /// Waits no longer: programs that have not reported yet count as started.
+    /// Stops waiting: programs that have not reported yet count as started.
     ~StartWatch();
 
-    /// Calls `completion` when the program's start has worked or failed: at once for a program that
-    /// reports nothing. A runner too old to report counts as started once it has lived a second.
+    /// Calls `completion` once the program's start has succeeded or failed; immediately for a
+    /// program that does not report. A runner too old to report counts as started after a second.
     void watch(StartedProgram program, const std::filesystem::path& bundle,
                Workspace::Completion completion);
 

@@ -5,8 +5,7 @@
 
 namespace quorvel {
 
-/// An update framework: tells whether a check may start now, and starts one. Belongs to the main
-/// thread.
+/// An update framework. Must be used on the main thread.
 class UpdateService {
 public:
     UpdateService() = default;
@@ -14,14 +13,16 @@ public:
     UpdateService& operator=(const UpdateService&) = delete;
     virtual ~UpdateService() = default;
 
-    /// Calls `changed` with the flag's value at once, and with every new one as long as the service
-    /// lives. To be called once.
+    /// Calls `changed` immediately with whether a check may start now, and again whenever that
+    /// changes. Must be called at most once.
     virtual void observe(std::function<void(bool canCheck)> changed) = 0;
+
+    /// Starts a check, which shows its result to the user.
     virtual void checkForUpdates() = 0;
 };
 
-/// The system's own, started; null where the application names no update feed, where there is no
-/// update framework, or where it can't be loaded.
+/// Returns the system's update service, started. Returns null if the application has no update feed
+/// or the update framework is missing or can't be loaded.
 [[nodiscard]] std::unique_ptr<UpdateService> makeSystemUpdateService();
 
 } // namespace quorvel

@@ -2,8 +2,8 @@
 
 #import <Foundation/Foundation.h>
 
-// What is used of Sparkle 2. Its framework is found at run time, so nothing of it is needed to
-// build, and an application without it runs all the same.
+// The part of Sparkle 2 that is used. The framework is loaded at run time: it is not needed to
+// build, and an application without it still runs.
 @protocol QuorvelSparkleUpdater <NSObject>
 @property(nonatomic, readonly) BOOL canCheckForUpdates;
 @end
@@ -79,7 +79,7 @@ class SparkleService final : public UpdateService {
     QuorvelUpdateObserver* observer_ = nil;
 };
 
-// The controller's class out of the application's own Frameworks folder.
+// Returns the controller's class from the application's own Frameworks folder.
 Class controllerClass() {
     NSString* folder = NSBundle.mainBundle.privateFrameworksPath;
     if (folder == nil) {

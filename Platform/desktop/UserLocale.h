@@ -2,14 +2,14 @@
 
 #include <string>
 
-/// Whose language the user's texts are in, as identifiers like "de_DE". Empty for none in
-/// particular; any text where the user's settings are odd.
+/// The user's locales, as identifiers like "de_DE". An empty text means none in particular. The
+/// settings are not validated: any text may be returned.
 namespace quorvel::UserLocale {
 
-/// For the order of names.
+/// Returns the locale for sorting names.
 [[nodiscard]] std::string forOrder();
 
-/// For what counts as the same letter in upper and lower case.
+/// Returns the locale for ignoring case.
 [[nodiscard]] std::string forCase();
 
 } // namespace quorvel::UserLocale

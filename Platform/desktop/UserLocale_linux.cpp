@@ -6,7 +6,7 @@
 namespace quorvel::UserLocale {
 namespace {
 
-// The first variable that is set decides, as in the C library. "C" is no language.
+// As in the C library, the first variable that is set decides. "C" is not a language.
 std::string fromEnvironment(const char* category) {
     for (const char* variable : {"LC_ALL", category, "LANG"}) {
         const char* value = std::getenv(variable);

@@ -7,7 +7,7 @@
 namespace quorvel::UserLocale {
 namespace {
 
-// Programs started by the Finder have no language in their environment.
+// Programs started by the Finder have no locale in their environment.
 std::string fromSystem() {
     const CFLocaleRef locale = CFLocaleCopyCurrent();
     std::array<char, 128> identifier{};

@@ -1,54 +1,28 @@
 #pragma once
 
+#include "Platform/desktop/RunningApplications.h"
 #include "Platform/files/PlatformError.h"
 
 #include <filesystem>
 #include <functional>
-#include <map>
 #include <memory>
 #include <optional>
 #include <string>
-#include <string_view>
-#include <sys/types.h>
-#include <vector>
 
 namespace quorvel {
 
-/// A running application from a bundle, by its topmost process.
-struct RunningApplication {
-    std::string bundleId{};
-    std::filesystem::path bundleURL{}; ///< the bundle folder, links resolved
-    pid_t pid = 0;
-};
-
-/// The running applications at one moment. Answers any number of questions without looking again.
-class RunningApplications {
-public:
-    RunningApplications() = default;
-    explicit RunningApplications(std::vector<RunningApplication> applications);
-
-    /// Every one, in the order of their process numbers.
-    [[nodiscard]] const std::vector<RunningApplication>& all() const { return all_; }
-    [[nodiscard]] std::vector<RunningApplication>
-    withBundleIdentifier(const std::string& bundleId) const;
-    [[nodiscard]] bool contains(const std::string& bundleId) const;
-
-private:
-    std::vector<RunningApplication> all_{};
-    std::multimap<std::string, std::size_t> byIdentifier_{};
-};
-
+/// The version of the operating system.
 struct OperatingSystemVersion {
     int major = 0;
     int minor = 0;
-    /// On Linux, the distribution with its version, such as "Debian GNU/Linux 12"; empty on macOS.
+    /// On Linux, the distribution and its version, such as "Debian GNU/Linux 12". Empty on macOS.
     std::string distribution{};
 };
 
-/// What the desktop does for us. Calls may come from any thread.
+/// Desktop services. Thread-safe.
 class Workspace {
 public:
-    /// Called once, from any thread; without an error when the application runs.
+    /// Called once, on any thread. Without an error, the application is running.
     using Completion = std::function<void(std::optional<PlatformError>)>;
 
     Workspace() = default;
@@ -56,30 +30,23 @@ public:
     Workspace& operator=(const Workspace&) = delete;
     virtual ~Workspace() = default;
 
-    /// Opens an application bundle without waiting for it. One that runs already is not started a
-    /// second time. `activates` asks for its windows to come to the front.
+    /// Opens an application bundle asynchronously. Does not start it again if it is running.
+    /// `activates` asks for its windows to be brought to the front.
     virtual void openApplication(const std::filesystem::path& bundle, bool activates,
                                  Completion completion) = 0;
 
-    /// Shows the item in the file manager, selected in its folder. Throws `PlatformError` when no
-    /// file manager answers.
+    /// Shows the item in the file manager, selected in its folder. Throws `PlatformError` if no
+    /// file manager replies.
     virtual void reveal(const std::filesystem::path& item) = 0;
 
-    /// One look at what runs now.
+    /// Returns a snapshot of the running applications.
     [[nodiscard]] virtual RunningApplications runningApplications() = 0;
 
+    /// Returns the version of the running system.
     [[nodiscard]] virtual OperatingSystemVersion operatingSystemVersion() const = 0;
 };
 
-/// The system's own.
+/// Returns the services of the running system.
 [[nodiscard]] std::unique_ptr<Workspace> makeSystemWorkspace();
-
-/// Whether an entry of a folder has the name of an application bundle: one with the extension
-/// "app", which counts case for case.
-[[nodiscard]] bool isAppBundleName(std::string_view name);
-
-/// What stands for an application bundle's identifier and executable where its property list names
-/// none: the folder's name without its extension.
-[[nodiscard]] std::string bundleFallbackName(const std::filesystem::path& bundle);
 
 } // namespace quorvel

@@ -1,10 +1,13 @@
-#include "Platform/desktop/FileManager_linux.h"
+#include "Platform/desktop/Workspace.h"
 
+#include "Base/BundleLayout.h"
+#include "Base/BundleName.h"
+#include "Platform/desktop/FileManager_linux.h"
 #include "Platform/desktop/OsRelease_linux.h"
 #include "Platform/desktop/ProcessTable_linux.h"
 #include "Platform/desktop/StartWatch_linux.h"
-#include "Platform/desktop/Workspace.h"
-#include "Platform/files/FileSystem.h"
+#include "Platform/files/FileHandle.h"
+#include "Platform/files/PlatformError.h"
 #include "Platform/files/PropertyListFile.h"
 #include "Platform/processes/Process.h"
 
@@ -21,22 +24,19 @@
 namespace quorvel {
 namespace {
 
-std::filesystem::path executableOf(const std::filesystem::path& bundle) {
-    const auto dictionary =
-        readPropertyList(bundle / "Contents" / "Info.plist", {"CFBundleExecutable"});
+std::filesystem::path executableIn(const std::filesystem::path& bundle) {
+    const auto dictionary = readPropertyList(infoPlistOf(bundle), {"CFBundleExecutable"});
     if (!dictionary) {
         throw PlatformError(std::make_error_code(std::errc::no_such_file_or_directory), bundle,
                             "opened");
     }
-    return joinAsText(bundle / "Contents" / "MacOS",
-                      PropertyList::stringFor(*dictionary, "CFBundleExecutable")
-                          .value_or(bundleFallbackName(bundle)));
+    return executableOf(bundle, PropertyList::stringFor(*dictionary, "CFBundleExecutable")
+                                    .value_or(bundleFallbackName(bundle)));
 }
 
-// Two who open the same bundle at the same moment, in this program or another, must not both find
-// that it doesn't run yet: the second waits until the first has started it. Nobody needs longer
-// than the limit, so whoever holds the lock by then is up to something else.
-FileHandle openedAlone(const std::filesystem::path& bundle) {
+// Serializes concurrent opens of a bundle, also by other programs, so that only one of them starts
+// it. No open takes longer than the limit: a lock that is held longer is not an open in progress.
+FileHandle lockBundle(const std::filesystem::path& bundle) {
     constexpr std::chrono::milliseconds limit{2000};
     constexpr std::chrono::milliseconds nap{5};
     FileHandle folder(::open(bundle.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
@@ -51,15 +51,15 @@ FileHandle openedAlone(const std::filesystem::path& bundle) {
 
 class LinuxWorkspace final : public Workspace {
 public:
-    // Starting a process takes no time worth a thread of its own; what it reports is waited for in
-    // the background, and so is, by `Process`, its end.
+    // Starting a process is quick enough for the calling thread. Its report, and its end, are
+    // waited for in the background.
     void openApplication(const std::filesystem::path& bundle, bool /*activates*/,
                          Completion completion) override {
         std::optional<PlatformError> error;
         try {
-            const FileHandle alone = openedAlone(bundle);
+            const FileHandle lock = lockBundle(bundle);
             if (!isRunning(bundle)) {
-                StartedProgram program = startProgram(executableOf(bundle));
+                StartedProgram program = startProgram(executableIn(bundle));
                 awaitCommandLine(program.process.identifier());
                 starts_.watch(std::move(program), bundle, std::move(completion));
                 return;
@@ -80,7 +80,7 @@ public:
         utsname names{};
         OperatingSystemVersion version;
         if (::uname(&names) == 0) {
-            // NOLINTNEXTLINE(cert-err34-c): a kernel without numbers in its release gives zeros.
+            // NOLINTNEXTLINE(cert-err34-c): zeros if the release has no numbers.
             (void)std::sscanf(names.release, "%d.%d", &version.major, &version.minor);
         }
         version.distribution = distribution();

@@ -20,12 +20,12 @@ std::string textOf(NSString* text) {
 }
 
 PlatformError openingFailure(NSError* error, const fs::path& bundle) {
-    return PlatformError::told(textOf(error.localizedDescription), bundle);
+    return PlatformError::withDescription(textOf(error.localizedDescription), bundle);
 }
 
-// The list of running applications changes only while the main run loop turns. A program without
-// one turns it by asking.
-void letNewsIn() {
+// The list of running applications is updated only by the main run loop. In a program that does not
+// run one, it is run here.
+void pumpMainRunLoop() {
     if (!NSThread.isMainThread) {
         return;
     }
@@ -56,7 +56,7 @@ void selectInFinder(const fs::path& item) {
 
 class MacWorkspace final : public Workspace {
   public:
-    // The answer comes on a queue of the system's.
+    // The completion is called on one of the system's queues.
     void openApplication(const fs::path& bundle, bool activates, Completion completion) override {
         @autoreleasepool {
             NSWorkspaceOpenConfiguration* configuration =
@@ -73,7 +73,7 @@ class MacWorkspace final : public Workspace {
         }
     }
 
-    // The Finder is asked from the main thread only. It shows nothing for what is not there.
+    // Must be called on the main thread. Does nothing if the item does not exist.
     void reveal(const fs::path& item) override {
         if (NSThread.isMainThread) {
             selectInFinder(item);
@@ -87,7 +87,7 @@ class MacWorkspace final : public Workspace {
 
     RunningApplications runningApplications() override {
         @autoreleasepool {
-            letNewsIn();
+            pumpMainRunLoop();
             std::vector<RunningApplication> found;
             for (NSRunningApplication* application in NSWorkspace.sharedWorkspace
                      .runningApplications) {

@@ -1,6 +1,6 @@
 #include "Platform/desktop/XdgFolders_linux.h"
 
-#include "Platform/files/FileSystem.h"
+#include "Base/PathText.h"
 #include "Platform/files/UserPaths.h"
 
 #include <algorithm>
@@ -29,7 +29,7 @@ void addOnce(std::vector<fs::path>& folders, const fs::path& folder) {
 fs::path xdgDataHome() {
     const std::string_view own = environment("XDG_DATA_HOME");
     return own.starts_with('/') ? withoutTrailingSlashes(own)
-                                : joinAsText(UserPaths::home(), ".local/share");
+                                : fs::path(joinAsText(UserPaths::home(), ".local/share"));
 }
 
 std::vector<fs::path> xdgDataFolders() {

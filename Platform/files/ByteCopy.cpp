@@ -14,11 +14,11 @@ struct Range {
     off_t end = 0;
 };
 
-// The next bytes at or behind `offset`; an empty range when only a hole follows.
+// Returns the next data at or after `offset`, or an empty range if only a hole follows.
 Range nextBytes(const FileHandle& file, off_t offset, off_t size) {
     const off_t start = ::lseek(file.descriptor(), offset, SEEK_DATA);
     if (start < 0) {
-        // Other errors are those of a file system that knows no holes.
+        // Other errors come from file systems without holes.
         return errno == ENXIO ? Range{size, size} : Range{offset, size};
     }
     const off_t end = ::lseek(file.descriptor(), start, SEEK_HOLE);
@@ -78,7 +78,7 @@ bool copyBytes(const FileHandle& from, const FileHandle& to) {
             written = range.end;
         }
     }
-    // A hole at the end is made by the length alone.
+    // A hole at the end is created by setting the length.
     return written == facts.st_size || ::ftruncate(to.descriptor(), facts.st_size) == 0;
 }
 

@@ -4,8 +4,8 @@
 
 namespace quorvel {
 
-/// Copies the bytes of an open regular file into an empty one; its holes stay holes where the file
-/// systems know them. False when that fails (`errno` says why).
+/// Copies the bytes of an open regular file into an empty one. Holes are kept where the file
+/// systems support them. Returns false if that fails (`errno` says why).
 [[nodiscard]] bool copyBytes(const FileHandle& from, const FileHandle& to);
 
 } // namespace quorvel

@@ -1,7 +1,7 @@
 #include "Platform/files/ContainedFolder.h"
 
+#include "Base/PathText.h"
 #include "Platform/files/FileHandle.h"
-#include "Platform/files/FileSystem.h"
 
 #include <algorithm>
 #include <fcntl.h>
@@ -25,7 +25,7 @@ bool ensureFolderBelow(const std::filesystem::path& base, std::string_view path)
         if (name == "..") {
             return false;
         }
-        ::mkdirat(folder.descriptor(), name.c_str(), 0700); // it may be there
+        ::mkdirat(folder.descriptor(), name.c_str(), 0700); // it may exist
         folder = FileHandle(::openat(folder.descriptor(), name.c_str(),
                                      O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
     }

@@ -4,9 +4,8 @@
 
 namespace quorvel {
 
-/// Renames where nothing may be at `destination`, not even what another program puts there at this
-/// moment. Gives 0, or -1 and `errno`, which is one of EINVAL, ENOSYS and ENOTSUP where the file
-/// system can't do it.
+/// Renames an item atomically, failing if anything is at `destination`. Returns 0, or -1 with
+/// `errno`, which is EINVAL, ENOSYS or ENOTSUP if the file system does not support this.
 [[nodiscard]] int renameExclusively(const std::filesystem::path& source,
                                     const std::filesystem::path& destination);
 

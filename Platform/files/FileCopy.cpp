@@ -1,5 +1,9 @@
+#include "Platform/files/FileCopy.h"
+
+#include "Base/PathText.h"
 #include "Platform/files/ByteCopy.h"
-#include "Platform/files/FileSystem.h"
+#include "Platform/files/FileHandle.h"
+#include "Platform/files/PlatformError.h"
 
 #include <cerrno>
 #include <fcntl.h>

@@ -18,13 +18,14 @@ public:
     FileHandle& operator=(const FileHandle&) = delete;
     ~FileHandle();
 
-    /// -1 when nothing is open.
+    /// Returns -1 if nothing is open.
     [[nodiscard]] int descriptor() const noexcept { return descriptor_; }
 
-    /// Gives the descriptor away; closing it is now the caller's business.
+    /// Returns the descriptor, which the caller now has to close.
     [[nodiscard]] int release() noexcept { return std::exchange(descriptor_, -1); }
 
-    /// Writes everything, going on after an interruption. False when that fails (`errno` says why).
+    /// Writes all bytes, also after an interruption. Returns false if that fails (`errno` says
+    /// why).
     bool write(std::string_view bytes) const noexcept;
 
 private:

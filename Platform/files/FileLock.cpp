@@ -1,7 +1,9 @@
 #include "Platform/files/FileLock.h"
 
-#include "Platform/files/FileSystem.h"
+#include "Base/PathText.h"
+#include "Platform/files/FileHandle.h"
 #include "Platform/files/ItemIdentity.h"
+#include "Platform/files/PlatformError.h"
 
 #include <cerrno>
 #include <fcntl.h>
@@ -29,7 +31,7 @@ FileHandle openRegular(const std::filesystem::path& path) {
     return file;
 }
 
-// False if somebody else holds the lock.
+// Returns false if the lock is held already.
 bool lockNow(const FileHandle& file, const std::filesystem::path& path) {
     while (::flock(file.descriptor(), LOCK_EX | LOCK_NB) != 0) {
         if (errno == EWOULDBLOCK) {
@@ -44,7 +46,7 @@ bool lockNow(const FileHandle& file, const std::filesystem::path& path) {
 
 bool isStillAt(const std::filesystem::path& path, const FileHandle& file) {
     struct stat open {};
-    return ::fstat(file.descriptor(), &open) == 0 && identityOfItself(path) == identityIn(open);
+    return ::fstat(file.descriptor(), &open) == 0 && identityOf(path) == identityOf(open);
 }
 
 } // namespace
@@ -56,12 +58,12 @@ std::optional<FileLock> FileLock::tryTake(const std::filesystem::path& path) {
         if (!lockNow(file, path)) {
             return std::nullopt;
         }
-        // A file that was removed or replaced in between guards nothing any more.
+        // The lock on a file that was removed or replaced in between protects nothing.
         if (isStillAt(path, file)) {
             return FileLock(std::move(file));
         }
     }
-    throw PlatformError::because("it is replaced all the time", path, "locked");
+    throw PlatformError::because("it is being replaced constantly", path, "locked");
 }
 
 std::optional<FileLock> FileLock::tryTakeFolder(const std::filesystem::path& path) {
@@ -81,7 +83,7 @@ bool FileLock::isHeld(const std::filesystem::path& path) {
     }
     const FileHandle file(
         ::open(path.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC | O_NOCTTY));
-    // Whoever looks at the same moment is in nobody's way.
+    // A shared lock, so that simultaneous checks don't see each other.
     return file.descriptor() >= 0 && ::flock(file.descriptor(), LOCK_SH | LOCK_NB) != 0 &&
            errno == EWOULDBLOCK;
 }

@@ -1,5 +1,8 @@
-#include "Platform/files/FileSystem.h"
+#include "Platform/files/FileRemoval.h"
+
+#include "Platform/files/ItemIdentity.h"
 #include "Platform/files/ItemRemoval.h"
+#include "Platform/files/PlatformError.h"
 #include "Platform/files/UserPaths.h"
 
 #include <algorithm>
@@ -11,7 +14,7 @@ bool holdsUserHome(const fs::path& path) {
     const Place place(path);
     const std::vector<std::string> homes = UserPaths::allHomes();
     return std::any_of(homes.begin(), homes.end(), [&](const std::string& home) {
-        return place.towards(home) != Standing::apart;
+        return place.relationTo(home) != Relation::unrelated;
     });
 }
 

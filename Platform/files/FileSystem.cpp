@@ -1,8 +1,10 @@
 #include "Platform/files/FileSystem.h"
 
+#include "Base/PathText.h"
 #include "Platform/files/Folder.h"
+#include "Platform/files/PlatformError.h"
+#include "Platform/files/RegularFile.h"
 
-#include <algorithm>
 #include <cerrno>
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -13,35 +15,7 @@ namespace quorvel {
 namespace fs = std::filesystem;
 namespace {
 
-struct RegularFile {
-    FileHandle handle;
-    std::size_t size = 0;
-
-    [[nodiscard]] bool isOpen() const { return handle.descriptor() >= 0; }
-    [[nodiscard]] int descriptor() const { return handle.descriptor(); }
-};
-
-// Without O_NONBLOCK, opening a FIFO would wait for its other end.
-RegularFile openRegularFile(const std::string& path, int flags, mode_t mode = 0,
-                            int folder = AT_FDCWD) {
-    if (path.find('\0') != std::string::npos) {
-        errno = EINVAL;
-        return {FileHandle(-1)};
-    }
-    FileHandle file(
-        ::openat(folder, path.c_str(), flags | O_NONBLOCK | O_CLOEXEC | O_NOCTTY, mode));
-    struct stat status {};
-    if (file.descriptor() < 0 || ::fstat(file.descriptor(), &status) != 0) {
-        return {FileHandle(-1)};
-    }
-    if (!S_ISREG(status.st_mode)) {
-        errno = S_ISDIR(status.st_mode) ? EISDIR : EINVAL;
-        return {FileHandle(-1)};
-    }
-    return {std::move(file), static_cast<std::size_t>(status.st_size)};
-}
-
-// A log that nobody wants is a link to /dev/null.
+// An unwanted log is often a link to /dev/null.
 std::optional<FileHandle> openCharacterDevice(const fs::path& path) {
     constexpr int flags = O_WRONLY | O_APPEND;
     struct stat status {};
@@ -49,7 +23,7 @@ std::optional<FileHandle> openCharacterDevice(const fs::path& path) {
         return std::nullopt;
     }
     FileHandle device(::open(path.c_str(), flags | O_NONBLOCK | O_CLOEXEC | O_NOCTTY));
-    // What was opened without waiting is written to as usual.
+    // Later writes should wait as usual.
     if (device.descriptor() < 0 || ::fstat(device.descriptor(), &status) != 0 ||
         !S_ISCHR(status.st_mode) || ::fcntl(device.descriptor(), F_SETFL, flags) != 0) {
         return std::nullopt;
@@ -57,59 +31,7 @@ std::optional<FileHandle> openCharacterDevice(const fs::path& path) {
     return device;
 }
 
-bool readWhole(const RegularFile& file, std::size_t limit, std::string& bytes) {
-    if (!file.isOpen() || file.size > limit) {
-        return false;
-    }
-    // One byte more than the file says: a file that grows meanwhile is noticed, and a whole one
-    // needs a single read.
-    bytes.resize(file.size + 1);
-    std::size_t length = 0;
-    while (true) {
-        const ssize_t count =
-            ::read(file.descriptor(), bytes.data() + length, bytes.size() - length);
-        if (count < 0 && errno == EINTR) {
-            continue;
-        }
-        if (count < 0) {
-            return false;
-        }
-        length += static_cast<std::size_t>(count);
-        if (length < bytes.size()) {
-            // Files of /proc and the like have no size, so only an end that was seen is an end.
-            if (count == 0 || length == file.size) {
-                break;
-            }
-            continue;
-        }
-        if (length > limit) {
-            break;
-        }
-        bytes.resize(bytes.size() * 2 + 4096);
-    }
-    bytes.resize(std::min(length, bytes.size()));
-    return length <= limit;
-}
-
 } // namespace
-
-bool hasNul(const fs::path& path) noexcept {
-    return path.native().find('\0') != std::string::npos;
-}
-
-fs::path joinAsText(const fs::path& base, std::string_view name) {
-    std::string text = base.native();
-    text.reserve(text.size() + 1 + name.size());
-    return text.append(1, '/').append(name);
-}
-
-fs::path withoutTrailingSlashes(const fs::path& path) {
-    std::string text = path.native();
-    while (text.size() > 1 && text.back() == '/') {
-        text.pop_back();
-    }
-    return text;
-}
 
 bool itemExists(const fs::path& path) noexcept {
     struct stat status {};
@@ -140,52 +62,9 @@ bool isExecutableFile(const fs::path& path) noexcept {
            ::access(path.c_str(), X_OK) == 0;
 }
 
-std::optional<Folder> Folder::open(const fs::path& path) {
-    DIR* stream = hasNul(path) ? nullptr : ::opendir(path.c_str());
-    return stream == nullptr ? std::nullopt : std::optional(Folder(path, stream));
-}
-
-std::optional<Folder> Folder::owning(int descriptor) {
-    DIR* stream = descriptor < 0 ? nullptr : ::fdopendir(descriptor);
-    if (stream == nullptr && descriptor >= 0) {
-        ::close(descriptor);
-    }
-    return stream == nullptr ? std::nullopt : std::optional(Folder({}, stream));
-}
-
-std::vector<std::string> Folder::entries() {
-    std::vector<std::string> names;
-    ::rewinddir(stream_.get());
-    while (const dirent* entry = ::readdir(stream_.get())) {
-        const std::string_view name = entry->d_name;
-        if (name != "." && name != "..") {
-            names.emplace_back(name);
-        }
-    }
-    return names;
-}
-
-bool Folder::has(const std::string& path) const {
-    struct stat status {};
-    return path.find('\0') == path.npos &&
-           ::fstatat(::dirfd(stream_.get()), path.c_str(), &status, 0) == 0;
-}
-
-bool Folder::read(const std::string& path, std::size_t limit, std::string& bytes) const {
-    return readWhole(openRegularFile(path, O_RDONLY, 0, ::dirfd(stream_.get())), limit, bytes);
-}
-
 std::optional<std::vector<std::string>> directoryEntries(const fs::path& folder) {
     std::optional<Folder> open = Folder::open(folder);
     return open ? std::optional(open->entries()) : std::nullopt;
-}
-
-std::optional<std::string> readFile(const std::string& path, std::size_t limit) {
-    std::optional<std::string> bytes(std::in_place);
-    if (!readWhole(openRegularFile(path, O_RDONLY), limit, *bytes)) {
-        bytes.reset();
-    }
-    return bytes;
 }
 
 void createDirectories(const fs::path& folder) {
@@ -193,7 +72,7 @@ void createDirectories(const fs::path& folder) {
     if (hasNul(folder)) {
         code = std::make_error_code(std::errc::invalid_argument);
     } else {
-        // A slash at the end would make the last component empty, which counts as not created.
+        // With a trailing slash, the last component would be empty, which counts as not created.
         fs::create_directories(withoutTrailingSlashes(folder), code);
     }
     if (!code && !fs::is_directory(folder, code) && !code) {

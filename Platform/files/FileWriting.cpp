@@ -1,10 +1,15 @@
+#include "Platform/files/FileWriting.h"
+
+#include "Base/PathText.h"
 #include "Base/RandomUuid.h"
-#include "Platform/files/FileSystem.h"
-#include "Platform/files/VolumeTransfer.h"
+#include "Platform/files/FileHandle.h"
+#include "Platform/files/ItemAttributes.h"
+#include "Platform/files/PlatformError.h"
 
 #include <cerrno>
 #include <cstdio>
 #include <fcntl.h>
+#include <optional>
 #include <sys/stat.h>
 #include <unistd.h>
 #include <utility>
@@ -17,7 +22,7 @@ namespace {
 constexpr int writing = O_WRONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC;
 constexpr int creating = writing | O_CREAT | O_EXCL;
 
-// Removes the file unless it is kept; an error that is under way stays in `errno`.
+// Removes the file unless it is kept. Preserves `errno`.
 class UnfinishedFile {
 public:
     explicit UnfinishedFile(fs::path path) : path_(std::move(path)) {}
@@ -47,17 +52,7 @@ bool writeNew(const FileHandle& file, const fs::path& path, std::string_view byt
     return true;
 }
 
-// The mode last: a change of owner takes some of its bits away.
-bool takesAfter(const FileHandle& file, const FileHandle& old, const struct stat& facts) {
-    struct stat now {};
-    return ::fstat(file.descriptor(), &now) == 0 &&
-           ((now.st_uid == facts.st_uid && now.st_gid == facts.st_gid) ||
-            ::fchown(file.descriptor(), facts.st_uid, facts.st_gid) == 0) &&
-           ::fchmod(file.descriptor(), facts.st_mode & 07777U) == 0 &&
-           VolumeTransfer::copyExtendedAttributes(old.descriptor(), file.descriptor());
-}
-
-// `path` holds no link: renaming would replace that.
+// `path` must not be a link, which renaming would replace.
 bool replace(const fs::path& path, const FileHandle& old, const struct stat& facts,
              std::string_view bytes) {
     const fs::path beside = path.parent_path() / (".quorvel-" + randomUuid());
@@ -66,15 +61,15 @@ bool replace(const fs::path& path, const FileHandle& old, const struct stat& fac
         return false;
     }
     UnfinishedFile unfinished(beside);
-    if (!file.write(bytes) || !takesAfter(file, old, facts) || ::fsync(file.descriptor()) != 0 ||
-        ::rename(beside.c_str(), path.c_str()) != 0) {
+    if (!file.write(bytes) || !copyAttributes(old.descriptor(), file.descriptor(), facts) ||
+        ::fsync(file.descriptor()) != 0 || ::rename(beside.c_str(), path.c_str()) != 0) {
         return false;
     }
     unfinished.keep();
     return true;
 }
 
-// What is there must be a regular file that may be written, though it isn't written itself.
+// The old file is not written to, but must be a regular one that the user may write.
 bool replaceExisting(const fs::path& path, std::string_view bytes) {
     const FileHandle old(::open(path.c_str(), writing));
     struct stat facts {};

@@ -11,30 +11,31 @@
 
 namespace quorvel {
 
-/// An open folder. What lies below it is found from here, which for thousands of files is quicker
-/// than from the root each time, and the same folder however its path changes meanwhile.
+/// An open folder. Looking up items relative to it is faster for thousands of files than using full
+/// paths, and is not affected if the folder is renamed meanwhile.
 class Folder {
 public:
-    /// Nothing when the folder can't be read.
+    /// Opens the folder at `path`. Returns std::nullopt if it is unreadable.
     [[nodiscard]] static std::optional<Folder> open(const std::filesystem::path& path);
 
-    /// The folder behind an open descriptor, or -1, which it takes over; nothing when that can't be
-    /// read.
+    /// Takes over the descriptor of an open folder. Returns std::nullopt if it is -1 or unreadable.
     [[nodiscard]] static std::optional<Folder> owning(int descriptor);
 
-    /// As it was given.
+    /// Returns the path that was given to `open`.
     [[nodiscard]] const std::filesystem::path& path() const { return path_; }
 
     [[nodiscard]] int descriptor() const noexcept { return ::dirfd(stream_.get()); }
 
-    /// The names in it in the file system's order, hidden ones included, without "." and "..".
+    /// Returns the names in it in the file system's order, including hidden ones but not "." and
+    /// "..".
     [[nodiscard]] std::vector<std::string> entries();
 
-    /// Whether anything is at `path`, relative to the folder; a dangling link counts as nothing.
+    /// Returns whether anything is at `path`, relative to the folder. A dangling link counts as
+    /// nothing.
     [[nodiscard]] bool has(const std::string& path) const;
 
-    /// Puts the bytes of the regular file at `path`, relative to the folder, into `bytes`. False
-    /// where `readFile` gives nothing; `bytes` is of no use then.
+    /// Reads the regular file at `path`, relative to the folder, into `bytes`. Returns false where
+    /// `readFile` returns std::nullopt; `bytes` is unspecified then.
     [[nodiscard]] bool read(const std::string& path, std::size_t limit, std::string& bytes) const;
 
 private:

@@ -35,7 +35,7 @@ int FolderWalk::list(int folder, std::vector<Entry>& entries) {
     (void)listed.release();
     ::rewinddir(stream.get());
     while (true) {
-        errno = 0; // the end of the folder leaves it alone
+        errno = 0; // readdir() leaves it unchanged at the end
         const dirent* entry = ::readdir(stream.get());
         if (entry == nullptr) {
             return errno;
@@ -55,15 +55,15 @@ int FolderWalk::push(std::string name, FileHandle folder) {
     if (::fstat(folder.descriptor(), &status) != 0) {
         return errno;
     }
-    level.identity = identityIn(status);
-    // Listed at once, since what a half-read folder tells after a removal is not defined.
+    level.identity = identityOf(status);
+    // Listed completely, because reading on after a removal is unspecified.
     if (const int error = list(folder.descriptor(), level.entries)) {
         return error;
     }
     level.folder = std::move(folder);
     levels_.push_back(std::move(level));
     if (levels_.size() > openAtOnce + 1) {
-        // The root stays open: nothing above it may be asked for it.
+        // The root stays open: it is never reopened through its parent.
         levels_[levels_.size() - 1 - openAtOnce].folder = FileHandle(-1);
     }
     return 0;
@@ -136,7 +136,7 @@ bool FolderWalk::reopen(int below) {
     struct stat status {};
     // The folder below may have been moved elsewhere.
     if (folder.descriptor() < 0 || ::fstat(folder.descriptor(), &status) != 0 ||
-        identityIn(status) != level.identity || mountOf(folder.descriptor()) != mount_) {
+        identityOf(status) != level.identity || mountOf(folder.descriptor()) != mount_) {
         return false;
     }
     level.folder = std::move(folder);

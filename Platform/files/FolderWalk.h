@@ -11,34 +11,34 @@
 
 namespace quorvel {
 
-/// Goes through everything below an open folder, what a folder holds before the folder itself.
-/// Follows no link and leaves no mount, not even when items are swapped meanwhile. However deep the
-/// tree is, it needs no deep stack, and keeps a few dozen folders open at most.
+/// Walks through everything below an open folder, each folder's contents before the folder itself.
+/// Follows no link and does not leave the mount, even if items are swapped meanwhile. Uses constant
+/// stack space and keeps at most a few dozen folders open, however deep the tree is.
 class FolderWalk {
 public:
     enum class Kind {
-        item,        ///< no folder, as far as one can see
-        folderLeft,  ///< a folder, after all that it holds
-        unreadable,  ///< a folder that can't be looked into, for the reason `error`
+        item,        ///< not a folder, as far as can be determined
+        folderLeft,  ///< a folder, after all its contents
+        unreadable,  ///< a folder that can't be listed, for the reason `error`
         anotherMount ///< a folder on which something is mounted
     };
 
     struct Step {
         Kind kind = Kind::item;
-        /// The open folder that holds it; -1 when that was moved away meanwhile, and for the root.
+        /// The open folder that contains it; -1 if that was moved away meanwhile, and for the root.
         int folder = -1;
         const char* name = nullptr; ///< in that folder; valid until the next step
         int error = 0;
     };
 
-    /// `root` is open for reading, lies on `mount` and stays the caller's.
+    /// `root` must be open for reading and lie on `mount`. The caller keeps ownership of it.
     FolderWalk(int root, const Mount& mount);
 
-    /// Nothing at the end. A root that can't be listed is the only step, `unreadable` with an empty
-    /// name.
+    /// Returns the next step, or std::nullopt at the end. If the root can't be listed, that is the
+    /// only step: `unreadable` with an empty name.
     [[nodiscard]] std::optional<Step> next();
 
-    /// The path of the last step's item, relative to the root.
+    /// Returns the path of the last step's item, relative to the root.
     [[nodiscard]] std::string path() const;
 
 private:
@@ -48,20 +48,20 @@ private:
     };
     struct Level {
         std::string name{};
-        FileHandle folder{-1}; ///< closed while the walk is far below
+        FileHandle folder{-1}; ///< closed while the walk is far below it
         ItemIdentity identity{};
         std::vector<Entry> entries{};
         std::size_t next = 0;
     };
 
-    /// Goes down into `entry` of the last level, or tells why it does not.
+    /// Descends into `entry` of the last level, or returns the step that reports why not.
     [[nodiscard]] std::optional<Step> enter(const Entry& entry);
     [[nodiscard]] Step leave();
-    /// Lists the folder and makes it the last level. Gives an error's number, 0 for none.
+    /// Lists the folder and makes it the last level. Returns 0 or an `errno` value.
     [[nodiscard]] int push(std::string name, FileHandle folder);
-    /// The same, of what the folder holds.
+    /// Lists the folder. Returns 0 or an `errno` value.
     [[nodiscard]] static int list(int folder, std::vector<Entry>& entries);
-    /// Opens the last level anew as the folder above `below`.
+    /// Reopens the last level as the parent of `below`. Returns whether it is the same folder.
     [[nodiscard]] bool reopen(int below);
     [[nodiscard]] Step step(Kind kind, int error = 0) const;
 

@@ -1,5 +1,6 @@
 #include "Platform/files/ItemIdentity.h"
 
+#include "Base/PathText.h"
 #include "Platform/files/FileSystem.h"
 
 #include <algorithm>
@@ -8,7 +9,7 @@ namespace quorvel {
 namespace fs = std::filesystem;
 namespace {
 
-// Without links, "." and ".."; what does not exist stays as it is written.
+// Resolves links, "." and ".." as far as the path exists.
 fs::path resolvedPath(const fs::path& path) {
     std::error_code code;
     fs::path resolved = fs::weakly_canonical(path, code);
@@ -17,24 +18,24 @@ fs::path resolvedPath(const fs::path& path) {
 
 } // namespace
 
-ItemIdentity identityIn(const struct stat& status) {
+ItemIdentity identityOf(const struct stat& status) {
     return {status.st_dev, status.st_ino};
 }
 
-std::optional<ItemIdentity> identityOfItself(const fs::path& path) {
+std::optional<ItemIdentity> identityOf(const fs::path& path) {
     struct stat status {};
-    return !hasNul(path) && ::lstat(path.c_str(), &status) == 0 ? std::optional(identityIn(status))
+    return !hasNul(path) && ::lstat(path.c_str(), &status) == 0 ? std::optional(identityOf(status))
                                                                 : std::nullopt;
 }
 
-std::optional<ItemIdentity> identityBehind(const fs::path& path) {
+std::optional<ItemIdentity> identityOfTarget(const fs::path& path) {
     struct stat status {};
-    return !hasNul(path) && ::stat(path.c_str(), &status) == 0 ? std::optional(identityIn(status))
+    return !hasNul(path) && ::stat(path.c_str(), &status) == 0 ? std::optional(identityOf(status))
                                                                : std::nullopt;
 }
 
 Place::Place(fs::path path) : path_(std::move(path)) {
-    for (const auto& identity : {identityOfItself(path_), identityBehind(path_)}) {
+    for (const auto& identity : {identityOf(path_), identityOfTarget(path_)}) {
         if (identity) {
             identities_.push_back(*identity);
         }
@@ -56,48 +57,48 @@ bool Place::isAt(const fs::path& path) const {
         return identity &&
                std::find(identities_.begin(), identities_.end(), *identity) != identities_.end();
     };
-    return has(identityOfItself(path)) || has(identityBehind(path));
+    return has(identityOf(path)) || has(identityOfTarget(path));
 }
 
-bool Place::isOnTheWayTo(const fs::path& folder) const {
+bool Place::isAtOrAbove(const fs::path& folder) const {
     const auto known = known_.find(folder.native());
     if (known != known_.end()) {
         return known->second;
     }
     const fs::path above = folder.parent_path();
-    const bool found = isAt(folder) || (above != folder && isOnTheWayTo(above));
+    const bool found = isAt(folder) || (above != folder && isAtOrAbove(above));
     known_.emplace(folder.native(), found);
     return found;
 }
 
-Standing Place::along(const fs::path& target) const {
+Relation Place::relationAlong(const fs::path& target) const {
     if (isAt(target)) {
-        return Standing::same;
+        return Relation::same;
     }
     const fs::path above = target.parent_path();
-    return above != target && isOnTheWayTo(above) ? Standing::above : Standing::apart;
+    return above != target && isAtOrAbove(above) ? Relation::ancestor : Relation::unrelated;
 }
 
-Standing Place::towards(const fs::path& target) const {
+Relation Place::relationTo(const fs::path& target) const {
     const fs::path plain = withoutTrailingSlashes(target);
     if (hasNul(plain) || plain.empty()) {
-        return Standing::apart;
+        return Relation::unrelated;
     }
-    if (const Standing standing = along(plain); standing != Standing::apart) {
-        return standing;
+    if (const Relation relation = relationAlong(plain); relation != Relation::unrelated) {
+        return relation;
     }
     const fs::path name = plain.filename();
     const bool plainName = name != "." && name != ".." && plain.has_parent_path();
     if (!plainName || isSymbolicLink(plain)) {
-        return along(resolvedPath(plain));
+        return relationAlong(resolvedPath(plain));
     }
-    // Thousands of targets lie in a few folders.
+    // Cached: thousands of targets are in a few folders.
     const fs::path folder = plain.parent_path();
     const auto known = resolvedFolders_.try_emplace(folder.native(), fs::path()).first;
     if (known->second.empty()) {
         known->second = resolvedPath(folder);
     }
-    return along(known->second / name);
+    return relationAlong(known->second / name);
 }
 
 } // namespace quorvel

@@ -9,7 +9,7 @@
 
 namespace quorvel {
 
-/// What an item is on disk, whatever paths lead to it.
+/// Identifies an item on disk independently of its path.
 struct ItemIdentity {
     dev_t device = 0;
     ino_t inode = 0;
@@ -17,41 +17,44 @@ struct ItemIdentity {
     bool operator==(const ItemIdentity&) const = default;
 };
 
-[[nodiscard]] ItemIdentity identityIn(const struct stat& status);
+/// Returns the identity of the item with this status.
+[[nodiscard]] ItemIdentity identityOf(const struct stat& status);
 
-/// The item at `path`, a link itself not followed; nothing where nothing is.
-[[nodiscard]] std::optional<ItemIdentity> identityOfItself(const std::filesystem::path& path);
+/// Returns the identity of the item at `path`, not following a link. Returns std::nullopt if
+/// nothing is there.
+[[nodiscard]] std::optional<ItemIdentity> identityOf(const std::filesystem::path& path);
 
-/// The item that `path` leads to, links followed; nothing where nothing is.
-[[nodiscard]] std::optional<ItemIdentity> identityBehind(const std::filesystem::path& path);
+/// Returns the identity of the item that `path` leads to, following links. Returns std::nullopt if
+/// nothing is there.
+[[nodiscard]] std::optional<ItemIdentity> identityOfTarget(const std::filesystem::path& path);
 
-/// Where one item stands towards another.
-enum class Standing { apart, same, above };
+/// How an item relates to another one.
+enum class Relation { unrelated, same, ancestor };
 
 /// An item that others are compared with: as items on disk, so that no spelling and no link can
-/// hide what a path leads to. A place where nothing is yet is compared by its resolved path.
-/// Remembers the folders that it was compared with, for those who compare thousands.
+/// disguise what a path leads to. A path at which nothing exists yet is compared by its resolved
+/// form. Caches the folders that it was compared with, for callers that compare thousands.
 class Place {
 public:
-    /// What the path names and, through a link, what it leads to.
+    /// The item at `path` and, if that is a link, also what it leads to.
     explicit Place(std::filesystem::path path);
-    /// The item that is `identity` and nothing else.
+    /// Only the item with this identity.
     Place(std::filesystem::path path, ItemIdentity identity);
 
     [[nodiscard]] const std::filesystem::path& path() const { return path_; }
 
-    /// `same` when `target` is this item or a link to it, `above` when this item is a folder on
-    /// the way to `target`.
-    [[nodiscard]] Standing towards(const std::filesystem::path& target) const;
+    /// Returns `same` if `target` is this item or a link to it, `ancestor` if this item is a folder
+    /// that contains `target`, directly or not, and `unrelated` otherwise.
+    [[nodiscard]] Relation relationTo(const std::filesystem::path& target) const;
 
 private:
     [[nodiscard]] bool isAt(const std::filesystem::path& path) const;
-    [[nodiscard]] bool isOnTheWayTo(const std::filesystem::path& folder) const;
-    [[nodiscard]] Standing along(const std::filesystem::path& target) const;
+    [[nodiscard]] bool isAtOrAbove(const std::filesystem::path& folder) const;
+    [[nodiscard]] Relation relationAlong(const std::filesystem::path& target) const;
 
     std::filesystem::path path_;
     std::vector<ItemIdentity> identities_{};
-    std::filesystem::path resolved_{}; ///< only where nothing is yet
+    std::filesystem::path resolved_{}; ///< only if nothing exists at `path_`
     mutable std::map<std::string, bool> known_{};
     mutable std::map<std::string, std::filesystem::path> resolvedFolders_{};
 };

@@ -1,7 +1,11 @@
 #include "Platform/files/ItemMover.h"
 
+#include "Base/PathText.h"
 #include "Base/RandomUuid.h"
+#include "Platform/files/FileHandle.h"
+#include "Platform/files/FileRemoval.h"
 #include "Platform/files/FileSystem.h"
+#include "Platform/files/PlatformError.h"
 #include "Platform/files/TreeComparison.h"
 #include "Platform/files/VolumeTransfer.h"
 
@@ -16,8 +20,8 @@ namespace quorvel {
 namespace fs = std::filesystem;
 namespace {
 
-// The names of the folders that a move across file systems makes: beside the copy and beside the
-// original while it goes on, and beside the original once the copy has arrived.
+// The names of the folders that a move across file systems creates: beside the copy and beside the
+// original while it is running, and beside the original once the copy is complete.
 constexpr std::string_view movingPrefix = ".quorvel-moving-";
 constexpr std::string_view movedPrefix = ".quorvel-moved-";
 
@@ -31,7 +35,7 @@ FileHandle openFolder(const fs::path& folder) {
     return FileHandle(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
 }
 
-// Held for as long as the folder is open. A file system that knows no locks has nobody hold one.
+// Locks the folder until it is closed. On a file system without locks, no one can hold one.
 bool lock(const FileHandle& folder) {
     return ::flock(folder.descriptor(), LOCK_EX | LOCK_NB) == 0 || errno != EWOULDBLOCK;
 }
@@ -42,16 +46,16 @@ void removeIfThere(const fs::path& item) {
     }
 }
 
-// What could not be moved stays where it is; a copy that is not whole may go.
+// Removes an incomplete copy, if possible.
 void discard(const fs::path& item) {
     try {
         removeIfThere(item);
     } catch (const PlatformError&) {
-        // The failure that led here is the one to be told.
+        // The caller reports the failure that led here.
     }
 }
 
-// The folder, or the item, that is the only thing in a folder; empty when nothing is in it.
+// Returns the name of the only entry of a folder, or an empty name if there is none.
 std::string onlyEntry(const fs::path& folder) {
     const auto names = directoryEntries(folder);
     if (!names) {
@@ -60,7 +64,7 @@ std::string onlyEntry(const fs::path& folder) {
     return names->empty() ? std::string() : names->front();
 }
 
-// The identifier in such a folder's name.
+// Returns the identifier in such a folder's name.
 std::optional<std::string> idOf(std::string_view name) {
     constexpr std::size_t length = 36;
     for (const std::string_view prefix : {movingPrefix, movedPrefix}) {
@@ -71,13 +75,13 @@ std::optional<std::string> idOf(std::string_view name) {
     return std::nullopt;
 }
 
-// Where the original in `beside` is no longer what was copied to `staging`.
+// Returns where the original in `beside` differs from its copy in `staging`.
 std::optional<fs::path> changeInside(const fs::path& beside, const fs::path& staging,
                                      const std::string& name) {
     return changeSinceCopy(openFolder(beside).descriptor(), openFolder(staging).descriptor(), name);
 }
 
-// A name that is not on the disk yet is gone after a power loss.
+// A new name that is not on disk yet would be lost in a power failure.
 void flush(const fs::path& folder) {
     const FileHandle opened = openFolder(folder);
     if (opened.descriptor() < 0 || !VolumeTransfer::flushFileSystem(opened.descriptor())) {
@@ -85,7 +89,7 @@ void flush(const fs::path& folder) {
     }
 }
 
-// The item has arrived, so its original, in `beside`, goes; the folder's name tells so first.
+// Removes the original, in `beside`, whose name first records that the copy is complete.
 void removeOriginal(const fs::path& beside, const fs::path& staging, const fs::path& item) {
     const std::string id = idOf(beside.filename().string()).value();
     const fs::path moved = beside.parent_path() / std::string(movedPrefix).append(id);
@@ -112,7 +116,7 @@ int ItemMover::renameWhereFree(const fs::path& source, const fs::path& destinati
     if (result == 0 || (errno != EINVAL && errno != ENOSYS && errno != ENOTSUP)) {
         return result;
     }
-    // Network file systems know no exclusive renaming; there a look beforehand has to do.
+    // Network file systems have no exclusive rename; checking first has to do.
     if (itemOrLinkExists(destination)) {
         errno = EEXIST;
         return -1;
@@ -159,14 +163,14 @@ void ItemMover::moveAcross(const fs::path& source, const fs::path& destination) 
         throw;
     }
     const auto giveUp = [&](const PlatformError& error) {
-        // Where its own name is taken by now, the copy stays too, for `finish`.
+        // If its name has been taken meanwhile, the copy is kept for `finish`.
         if (renameWhereFree(beside / name, source) == 0) {
             discard(staging);
             (void)::rmdir(beside.c_str());
         }
         throw error;
     };
-    // From here on, nobody finds the original by its path, so a look at it lasts.
+    // The original can no longer be reached by its path, so it does not change any more.
     if (const auto changed = changeInside(beside, staging, name)) {
         giveUp(changedWhileCopied(*changed, source));
     }
@@ -224,7 +228,7 @@ bool ItemMover::finish(const fs::path& leftover, const fs::path& destination,
         removeOriginal(leftover, staging, leftover / name);
         return waiting;
     }
-    // Its copy is not where it is looked for, so it goes back to where it was.
+    // Its copy is missing, so it is put back.
     putBack(leftover, name, freePath);
     (void)::rmdir(leftover.c_str());
     return false;

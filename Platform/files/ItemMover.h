@@ -9,34 +9,35 @@
 
 namespace quorvel {
 
-/// How an item is renamed without replacing anything; answers as `renameExclusively` does.
+/// Renames an item without replacing anything; returns what `renameExclusively` returns.
 using ExclusiveRename = std::function<int(const std::filesystem::path& source,
                                           const std::filesystem::path& destination)>;
 
-/// Moves items, across file systems too. There an item is copied under another name beside its
-/// destination and takes its place when it is whole and on the disk; only then does the original
-/// go. A folder beside the original tells how far that got, so that a move that was cut off can be
-/// finished: nothing is lost, and nothing is there twice.
+/// Moves items, across file systems too. There an item is copied under a temporary name beside its
+/// destination, flushed to disk and renamed; only then is the original removed. A folder beside the
+/// original records the progress, so that an interrupted move can be finished without losing or
+/// duplicating anything.
 class ItemMover {
 public:
-    /// Where `exclusively` says that the file system can't do it, a look beforehand has to do.
+    /// If `exclusively` reports that the file system does not support it, the destination is
+    /// checked before an ordinary rename.
     explicit ItemMover(ExclusiveRename exclusively = renameExclusively);
 
-    /// Moves an item to a path where nothing may be. When it throws `PlatformError`, the item is
-    /// still whole at `source`, with what was written into it meanwhile; or, with an error that
-    /// says so, it has arrived and something of the original can't be removed. Hard links between
-    /// the items that one mover moves stay so.
+    /// Moves an item. Throws `PlatformError`, also if anything is at `destination`; then the item
+    /// is still complete at `source`, including what was written into it meanwhile, or the error
+    /// says that it was copied but part of the original can't be removed. Keeps hard links between
+    /// the items that one mover moves.
     void move(const std::filesystem::path& source, const std::filesystem::path& destination);
 
-    /// Whether a file of that name is what a move that was cut off left beside its original.
+    /// Returns whether an interrupted move leaves a folder of that name beside its original.
     [[nodiscard]] static bool isLeftover(const std::string& name);
 
-    /// A free path derived from one where something may be.
+    /// Returns a free path, derived from one that may be taken.
     using FreePath = std::function<std::filesystem::path(const std::filesystem::path&)>;
 
-    /// Finishes a move into the folder `destination` that left `leftover`: the item arrives, or is
-    /// back where it was when its copy is not whole. True when it arrives only now. Throws
-    /// `PlatformError`, also while the move is still under way.
+    /// Finishes an interrupted move into the folder `destination` that left `leftover`: the item is
+    /// moved, or put back if its copy is incomplete. Returns whether it was moved by this call.
+    /// Throws `PlatformError`, also if the move is still running.
     bool finish(const std::filesystem::path& leftover, const std::filesystem::path& destination,
                 const FreePath& freePath);
 

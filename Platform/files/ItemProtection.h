@@ -1,10 +1,11 @@
 #pragma once
 
-/// Protection from removal that goes beyond permissions, and that binds even root.
+/// Protection from removal beyond permissions, which applies even to root.
 namespace quorvel {
 
-/// Whether the item `name` in an open folder is marked as immutable or append-only, a link itself
-/// not followed: then neither it nor anything in it can be removed. False where that can't be told.
+/// Returns whether the item `name` in an open folder is marked as immutable or append-only, not
+/// following a link: then neither it nor anything in it can be removed. Returns false if that can't
+/// be determined.
 [[nodiscard]] bool isProtected(int folder, const char* name);
 
 } // namespace quorvel

@@ -1,7 +1,10 @@
 #include "Platform/files/ItemRemoval.h"
 
-#include "Platform/files/FileSystem.h"
+#include "Base/PathText.h"
+#include "Platform/files/FileHandle.h"
+#include "Platform/files/FileRemoval.h"
 #include "Platform/files/ItemProtection.h"
+#include "Platform/files/PlatformError.h"
 
 #include <cerrno>
 #include <fcntl.h>
@@ -26,7 +29,7 @@ bool isNotEmpty(int error) {
     return error == ENOTEMPTY || error == EEXIST;
 }
 
-// Whether `below` is `kept` or a folder on the way to it.
+// Whether `below` is `kept` or one of its parents.
 bool leadsTo(std::string_view kept, const std::string& below) {
     return kept.starts_with(below) && (kept.size() == below.size() || kept[below.size()] == '/');
 }
@@ -41,7 +44,7 @@ bool canChange(int folder) {
 struct ItemRemoval::Pass {
     std::size_t removed = 0;
     std::size_t remaining = 0;
-    bool onlyNotEmpty = true; ///< the reason of all that remains
+    bool onlyNotEmpty = true; ///< the reason for everything that remains
     std::string below{};      ///< the first of them, relative to the item
     int error = 0;
 
@@ -65,7 +68,7 @@ std::optional<ItemRemoval> ItemRemoval::of(const fs::path& path) {
     if (holdsUserHome(path)) {
         throw PlatformError(systemError(EPERM), path, "removed");
     }
-    // With a slash at its end, a link's path would mean the folder that it points to.
+    // With a trailing slash, a link's path would mean its target.
     ItemRemoval item(withoutTrailingSlashes(path));
     item.name_ = item.path_.filename().string();
     if (item.name_.empty() || item.name_ == "." || item.name_ == "..") {
@@ -86,18 +89,18 @@ std::optional<ItemRemoval> ItemRemoval::of(const fs::path& path) {
         throw PlatformError::fromErrno(item.path_, "removed");
     }
     item.mount_ = *mount;
-    item.identity_ = identityIn(status);
+    item.identity_ = identityOf(status);
     item.isFolder_ = S_ISDIR(status.st_mode);
     item.isMountPoint_ = mountOf(item.parent_.descriptor(), item.name_.c_str()) != mount;
     if (item.isFolder_ && !item.isMountPoint_) {
         item.folder_ = FileHandle(
             openFolderOnMount(item.parent_.descriptor(), item.name_.c_str(), item.mount_));
-        // Without the permission to read it, an empty folder can still be removed.
+        // An empty folder can be removed without permission to read it.
         if (item.folder_.descriptor() < 0 && errno != EACCES) {
             throw PlatformError::fromErrno(item.path_, "removed");
         }
         if (item.folder_.descriptor() >= 0 && ::fstat(item.folder_.descriptor(), &status) == 0) {
-            item.identity_ = identityIn(status);
+            item.identity_ = identityOf(status);
         }
     }
     return item;
@@ -124,7 +127,7 @@ void ItemRemoval::refuseMounts() const {
         if (mounted) {
             refuseMountAt(walk.path());
         }
-        // Who may not look into a folder may not remove anything in it either.
+        // A folder that may not be listed may not be emptied either, so its mounts are safe.
         if (step->kind == FolderWalk::Kind::unreadable && step->error != EACCES) {
             throw failureAt(walk.path(), step->error);
         }
@@ -146,7 +149,7 @@ void ItemRemoval::refuseUnchangeable(std::string_view kept) const {
     refuseProtected(parent_.descriptor(), ".", {});
     refuseProtected(parent_.descriptor(), name_.c_str(), {});
     const uid_t user = ::geteuid();
-    // In such a folder, items may be removed by their owners only.
+    // In a sticky folder, only owners may remove items.
     if (::fstat(parent_.descriptor(), &above) == 0 && (above.st_mode & S_ISVTX) != 0 &&
         ::fstatat(parent_.descriptor(), name_.c_str(), &itself, AT_SYMLINK_NOFOLLOW) == 0 &&
         user != 0 && user != above.st_uid && user != itself.st_uid) {
@@ -158,7 +161,7 @@ void ItemRemoval::refuseUnchangeable(std::string_view kept) const {
     FileHandle folder(openFolderOnMount(parent_.descriptor(), name_.c_str(), mount_));
     fs::path below;
     for (const fs::path& part : fs::path(kept)) {
-        // What is missing on the way is no hindrance.
+        // Missing folders don't prevent the removal.
         if (folder.descriptor() < 0 && (isMissing(errno) || errno == ELOOP)) {
             return;
         }
@@ -182,7 +185,7 @@ void ItemRemoval::removeContents(std::string_view kept, Pass& pass) const {
         }
         const bool folder = step->kind != FolderWalk::Kind::item;
         const int result = ::unlinkat(step->folder, step->name, folder ? AT_REMOVEDIR : 0);
-        // Of a folder that can't be looked into, that is the reason.
+        // If the folder can't be listed, that is why it is not empty.
         const bool closed = step->kind == FolderWalk::Kind::unreadable && isNotEmpty(errno);
         pass.count(result, closed ? step->error : errno, &walk);
     }
@@ -191,7 +194,7 @@ void ItemRemoval::removeContents(std::string_view kept, Pass& pass) const {
 void ItemRemoval::removeItself(Pass& pass) const {
     struct stat status {};
     if (::fstatat(parent_.descriptor(), name_.c_str(), &status, AT_SYMLINK_NOFOLLOW) == 0 &&
-        identityIn(status) != identity_) {
+        identityOf(status) != identity_) {
         pass.count(-1, ESTALE, nullptr);
         return;
     }
@@ -218,7 +221,7 @@ RemovalReport ItemRemoval::inPasses(std::string_view kept, bool withItself) cons
         report.remaining = pass.remaining;
         report.failure =
             pass.remaining > 0 ? std::optional(failureAt(pass.below, pass.error)) : std::nullopt;
-        // Programs that still run may have written into folders that had been emptied.
+        // Running programs may have written into folders after they were emptied.
         if (pass.remaining == 0 || !pass.onlyNotEmpty || number == mostPasses) {
             return report;
         }

@@ -14,45 +14,44 @@
 
 namespace quorvel {
 
-/// What became of the items that were to be removed; a folder counts as one.
+/// The result of a removal, in items; a folder counts as one.
 struct RemovalReport {
     std::size_t removed = 0;
-    std::size_t remaining = 0; ///< what a folder that can't be looked into holds is not counted
+    std::size_t remaining = 0;              ///< not counting what unlistable folders contain
     std::optional<PlatformError> failure{}; ///< why the first of them remains
 
     [[nodiscard]] bool isComplete() const { return remaining == 0; }
 };
 
-/// The removal of one item, a folder with everything in it. The item is opened once: what is asked
-/// here and what is removed is the same, whatever is put in its place meanwhile. A symbolic link is
-/// removed, not what it points to.
+/// The removal of one item; a folder with everything in it. The item is opened once, so that what
+/// is checked is what is removed, even if it is swapped meanwhile. A symbolic link is removed, not
+/// its target.
 class ItemRemoval {
 public:
-    /// Opens the item; nothing when nothing is there. Throws `PlatformError` when that can't be
-    /// told, for a user's home or a folder that holds one, and for a path with a NUL or without a
-    /// name ("/", "a/..").
+    /// Opens the item at `path`. Returns std::nullopt if nothing is there. Throws `PlatformError`
+    /// if that can't be determined, if the item is a user's home or a folder that contains one, or
+    /// if the path contains a NUL or has no name ("/", "a/..").
     [[nodiscard]] static std::optional<ItemRemoval> of(const std::filesystem::path& path);
 
     [[nodiscard]] const std::filesystem::path& path() const { return path_; }
     [[nodiscard]] const ItemIdentity& identity() const { return identity_; }
     [[nodiscard]] bool isFolder() const { return isFolder_; }
 
-    /// Looks through everything for a place where another file system, or another folder, is
-    /// mounted, and throws `PlatformError` for it, and when not everything can be looked through.
-    /// Folders that the user may not read are left out.
+    /// Searches the item for mount points, skipping folders that the user may not read. Throws
+    /// `PlatformError` if there is one or the search fails.
     void refuseMounts() const;
 
-    /// Throws `PlatformError` when it is plain beforehand that the item can't be removed: the
-    /// folder that holds it can't be changed, nor can those on the way to `kept`, or one of the
-    /// items is protected.
+    /// Throws `PlatformError` if it is certain that the item can't be removed: the user may not
+    /// change its parent folder or a folder on the way to `kept`, or one of these is protected.
     void refuseUnchangeable(std::string_view kept = {}) const;
 
-    /// Removes everything in the folder but the item at the relative path `kept` and the folders on
-    /// the way to it. Goes on where something can't be removed. Of an item that is no folder,
-    /// nothing goes.
+    /// Removes everything in the folder except the item at the relative path `kept` and the folders
+    /// on the way to it. Continues if something can't be removed. Removes nothing if the item is
+    /// not a folder. Returns what was removed and what remains.
     RemovalReport removeAllBut(std::string_view kept) const;
 
-    /// Removes the item. Goes on where something in it can't be removed.
+    /// Removes the item. Continues if something in it can't be removed. Returns what was removed
+    /// and what remains.
     RemovalReport remove() const;
 
 private:
@@ -66,12 +65,12 @@ private:
     void refuseProtected(int folder, const char* name, const std::filesystem::path& below) const;
     [[noreturn]] void refuseMountAt(const std::string& below) const;
 
-    std::filesystem::path path_; ///< without a slash at its end
-    std::string name_{};         ///< in the folder that holds it
+    std::filesystem::path path_; ///< without a trailing slash
+    std::string name_{};         ///< in its parent folder
     FileHandle parent_{-1};
-    FileHandle folder_{-1}; ///< not open for a folder that can't be read
+    FileHandle folder_{-1}; ///< closed for an unreadable folder
     ItemIdentity identity_{};
-    Mount mount_{}; ///< of the folder that holds it
+    Mount mount_{}; ///< of its parent folder
     bool isFolder_ = false;
     bool isMountPoint_ = false;
 };

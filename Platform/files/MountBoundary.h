@@ -4,31 +4,31 @@
 #include <filesystem>
 #include <optional>
 
-/// Where mounts begin, asked of open folders, so that nothing can be swapped between the question
-/// and what follows from the answer.
+/// Detects mount points relative to open folders, so that nothing can be swapped between the check
+/// and its use.
 namespace quorvel {
 
-/// The mount that an item lies on, to be compared with others.
+/// The mount that an item is on, to be compared with others.
 struct Mount {
     std::uint64_t id = 0;
-    bool isDevice = false; ///< the system gives no mount's id, so this is the device's
+    bool isDevice = false; ///< `id` is the device's, because the mount's is unavailable
 
     bool operator==(const Mount&) const = default;
 };
 
-/// Opens a folder (links followed) so that items in it can be named, though perhaps not listed.
-/// Gives a descriptor, or -1 and `errno`.
+/// Opens a folder (links followed) for looking up names in it, which needs no permission to list
+/// it. Returns a descriptor, or -1 with `errno`.
 [[nodiscard]] int openFolderForNames(const std::filesystem::path& path);
 
-/// The mount of what is open; nothing, with `errno`, when the system can't tell.
+/// Returns the mount of an open item, or std::nullopt with `errno` if it can't be determined.
 [[nodiscard]] std::optional<Mount> mountOf(int descriptor);
 
-/// The mount of the item `name` in an open folder, a link itself not followed: another one than the
-/// folder's when something is mounted on it.
+/// Returns the mount of the item `name` in an open folder, not following a link, or std::nullopt
+/// with `errno`. It differs from the folder's if something is mounted on the item.
 [[nodiscard]] std::optional<Mount> mountOf(int folder, const char* name);
 
-/// Opens the folder `name` in an open folder for reading, if it is one and lies on `mount`. Gives a
-/// descriptor, or -1 and `errno`: EXDEV for another mount, ENOTDIR or ELOOP for no folder.
+/// Opens the folder `name` in an open folder for reading. Returns a descriptor, or -1 with `errno`:
+/// EXDEV if it is not on `mount`, ENOTDIR or ELOOP if it is not a folder.
 [[nodiscard]] int openFolderOnMount(int folder, const char* name, const Mount& mount);
 
 } // namespace quorvel

@@ -1,7 +1,7 @@
 #include "Platform/files/MountBoundary.h"
 
 #include "Platform/files/FileHandle.h"
-#include "Platform/files/FileSystem.h"
+#include "Platform/files/FileReading.h"
 
 #include <cerrno>
 #include <charconv>
@@ -17,7 +17,7 @@ namespace {
 
 constexpr int folderFlags = O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC | O_NONBLOCK;
 
-// Kernels before 5.8 tell the id of an open item's mount only here.
+// Before Linux 5.8, the mount id of an open item is available only here.
 std::optional<std::uint64_t> mountIdInProc(int descriptor) {
     constexpr std::size_t limit = 65536;
     constexpr std::string_view key = "mnt_id:";
@@ -78,7 +78,7 @@ int openFolderOnMount(int folder, const char* name, const Mount& mount) {
     how.flags = folderFlags;
     how.resolve = RESOLVE_NO_XDEV | RESOLVE_NO_SYMLINKS;
     const auto opened = static_cast<int>(::syscall(SYS_openat2, folder, name, &how, sizeof how));
-    // Older kernels don't know the call, and containers may forbid it.
+    // Older kernels lack the call, and containers may forbid it.
     if (opened >= 0 || (errno != ENOSYS && errno != EPERM)) {
         return opened;
     }

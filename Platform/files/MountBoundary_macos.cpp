@@ -6,11 +6,11 @@
 #include <fcntl.h>
 #include <sys/stat.h>
 
-// There are no bind mounts here: what is mounted is another device.
+// macOS has no bind mounts: whatever is mounted is another device.
 namespace quorvel {
 
 int openFolderForNames(const std::filesystem::path& path) {
-    return ::open(path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    return ::open(path.c_str(), O_SEARCH | O_CLOEXEC);
 }
 
 std::optional<Mount> mountOf(int descriptor) {

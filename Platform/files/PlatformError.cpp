@@ -1,5 +1,7 @@
 #include "Platform/files/PlatformError.h"
 
+#include "Base/PathText.h"
+
 #include <cctype>
 #include <cerrno>
 
@@ -14,18 +16,9 @@ std::string lowerFirst(std::string text) {
     return text;
 }
 
-std::string shownName(const std::filesystem::path& path) {
-    std::string text = path.string();
-    while (text.size() > 1 && text.back() == '/') {
-        text.pop_back();
-    }
-    const std::string name = std::filesystem::path(text).filename().string();
-    return name.empty() ? text : name;
-}
-
 std::string sentence(const std::string& reason, const std::filesystem::path& path,
                      const std::string& action) {
-    return "“" + shownName(path) + "” couldn’t be " + action + ": " + reason;
+    return "“" + lastPathComponent(path) + "” couldn’t be " + action + ": " + reason;
 }
 
 } // namespace
@@ -50,7 +43,8 @@ PlatformError PlatformError::because(const std::string& reason, const std::files
     return {sentence(reason, path, action), std::make_error_code(std::errc::io_error), path};
 }
 
-PlatformError PlatformError::told(const std::string& sentence, const std::filesystem::path& path) {
+PlatformError PlatformError::withDescription(const std::string& sentence,
+                                             const std::filesystem::path& path) {
     return {sentence, std::make_error_code(std::errc::io_error), path};
 }
 

@@ -8,7 +8,7 @@
 
 namespace quorvel {
 
-/// A failed file-system or process operation, described for a person:
+/// A failed file-system or process operation, described for the user:
 /// “Work.app” couldn’t be removed: permission denied.
 class PlatformError : public Error {
 public:
@@ -20,21 +20,21 @@ public:
     [[nodiscard]] const std::error_code& code() const noexcept { return code_; }
     [[nodiscard]] const std::filesystem::path& path() const noexcept { return path_; }
 
-    /// The error for the calling thread's current `errno`.
+    /// Returns the error for the calling thread's current `errno`.
     [[nodiscard]] static PlatformError fromErrno(const std::filesystem::path& path,
                                                  const std::string& action);
 
-    /// The error for which there is a reason and no code. Its code is `std::errc::io_error`.
+    /// Returns an error with a reason instead of a code. Its code is `std::errc::io_error`.
     [[nodiscard]] static PlatformError because(const std::string& reason,
                                                const std::filesystem::path& path,
                                                const std::string& action);
 
-    /// The error that the system, or another program, describes in a whole sentence of its own,
-    /// which is the description. Its code is `std::errc::io_error`.
-    [[nodiscard]] static PlatformError told(const std::string& sentence,
-                                            const std::filesystem::path& path);
+    /// Returns an error whose description is `sentence`, a complete one from the system or another
+    /// program. Its code is `std::errc::io_error`.
+    [[nodiscard]] static PlatformError withDescription(const std::string& sentence,
+                                                       const std::filesystem::path& path);
 
-    /// The error of an operation on `path` that failed at an item below it, `inside`:
+    /// Returns the error of an operation on `path` that failed at `inside`, an item below it:
     /// “Photos” couldn’t be moved: “2024/a.jpg”: permission denied.
     [[nodiscard]] static PlatformError inside(std::error_code code,
                                               const std::filesystem::path& inside,

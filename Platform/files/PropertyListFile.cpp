@@ -1,6 +1,6 @@
 #include "Platform/files/PropertyListFile.h"
 
-#include "Platform/files/FileSystem.h"
+#include "Platform/files/FileReading.h"
 
 namespace quorvel {
 

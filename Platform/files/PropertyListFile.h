@@ -7,8 +7,8 @@
 
 namespace quorvel {
 
-/// Reads a property list from a file, see `PropertyList::parseDictionary`. Returns std::nullopt if
-/// the file can't be read as well. `keys` limits what is returned of the top level.
+/// Reads a property list from a file. Returns std::nullopt if the file is unreadable or
+/// `PropertyList::parseDictionary` rejects it. `keys` limits the top-level keys that are returned.
 [[nodiscard]] std::optional<PropertyListDictionary> readPropertyList(const std::string& file,
                                                                      PropertyList::Keys keys = {});
 

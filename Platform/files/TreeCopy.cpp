@@ -3,6 +3,7 @@
 #include "Platform/files/ByteCopy.h"
 #include "Platform/files/FileHandle.h"
 #include "Platform/files/Folder.h"
+#include "Platform/files/ItemAttributes.h"
 #include "Platform/files/PlatformError.h"
 #include "Platform/files/TreeComparison.h"
 #include "Platform/files/VolumeTransfer.h"
@@ -15,9 +16,7 @@ namespace quorvel {
 namespace fs = std::filesystem;
 namespace {
 
-constexpr mode_t everyBit = 07777;
-
-// Without O_NONBLOCK, what was put in the place of a file could block.
+// O_NONBLOCK, because a file may have been replaced by a FIFO.
 constexpr int reading = O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY | O_CLOEXEC;
 
 bool isUnchanged(int descriptor, const struct stat& before) {
@@ -33,21 +32,8 @@ bool isUnchanged(int descriptor, const struct stat& before) {
            date.tv_nsec == then.tv_nsec;
 }
 
-// Bits that lend the owner's rights are for the owner alone.
-mode_t modeFor(const struct stat& facts, bool sameOwner) {
-    return facts.st_mode & (sameOwner ? everyBit : 01777U);
-}
-
-// Only root can give files away; others own what they make.
-bool takesAfter(int copy, int original, const struct stat& facts) {
-    struct stat now {};
-    if (::fstat(copy, &now) != 0) {
-        return false;
-    }
-    const bool sameOwner = (now.st_uid == facts.st_uid && now.st_gid == facts.st_gid) ||
-                           ::fchown(copy, facts.st_uid, facts.st_gid) == 0;
-    return VolumeTransfer::copyExtendedAttributes(original, copy) &&
-           ::fchmod(copy, modeFor(facts, sameOwner)) == 0 &&
+bool setAttributes(int original, int copy, const struct stat& facts) {
+    return copyAttributes(original, copy, facts) &&
            ::futimens(copy, VolumeTransfer::datesIn(facts).data()) == 0;
 }
 
@@ -83,7 +69,7 @@ void TreeCopy::fail(const Place& place, int error) const {
         inside.clear();
     }
     const std::string where = inside.empty() ? "" : "“" + inside.string() + "” ";
-    // The system's own words for these two would tell nobody what happened.
+    // The system's messages for these two would be misleading.
     if (error == EXDEV) {
         throw PlatformError::because(where + "is another file system", item_, "moved");
     }
@@ -133,11 +119,11 @@ void TreeCopy::copyFolder(const Place& place, const struct stat& facts) {
                   .name = name,
                   .inside = place.inside / name});
     }
-    // What can't be removed afterwards is better not moved at all.
+    // The original could not be removed afterwards.
     const bool emptied =
         names.empty() || ::faccessat(from->descriptor(), ".", W_OK | X_OK, AT_EACCESS) == 0;
     if (!emptied || !isUnchanged(from->descriptor(), facts) ||
-        !takesAfter(to.descriptor(), from->descriptor(), facts)) {
+        !setAttributes(from->descriptor(), to.descriptor(), facts)) {
         fail(place, errno);
     }
 }
@@ -150,7 +136,7 @@ void TreeCopy::copyFile(const Place& place, const struct stat& facts) {
     const FileHandle to(
         ::openat(place.to, place.name.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600));
     if (to.descriptor() < 0 || !copyBytes(from, to) || !isUnchanged(from.descriptor(), facts) ||
-        !takesAfter(to.descriptor(), from.descriptor(), facts)) {
+        !setAttributes(from.descriptor(), to.descriptor(), facts)) {
         fail(place, errno);
     }
     remember(place, facts, to.descriptor());
@@ -180,14 +166,14 @@ void TreeCopy::copyNode(const Place& place, const struct stat& facts) {
     }
     const bool sameOwner =
         ::fchownat(place.to, name, facts.st_uid, facts.st_gid, AT_SYMLINK_NOFOLLOW) == 0;
-    if (::fchmodat(place.to, name, modeFor(facts, sameOwner), 0) != 0 ||
+    if (::fchmodat(place.to, name, modeOfCopy(facts, sameOwner), 0) != 0 ||
         ::utimensat(place.to, name, VolumeTransfer::datesIn(facts).data(), AT_SYMLINK_NOFOLLOW) !=
             0) {
         fail(place, errno);
     }
 }
 
-// Compared beyond its number, which the system may give to another file once all names are gone.
+// The inode number alone is not enough: it may have been reused after the file was removed.
 bool TreeCopy::linkToCopy(const Place& place, const struct stat& facts) {
     const Identity identity{facts.st_dev, facts.st_ino};
     const auto here = linked_.find(identity);

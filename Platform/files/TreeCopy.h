@@ -12,18 +12,18 @@
 
 namespace quorvel {
 
-/// Copies items to another file system with all that makes them up: bytes and holes, modes, owners
-/// where that is allowed, dates, extended attributes, links as links, FIFOs and sockets. Items that
-/// are hard links of one another are so again, those of earlier copies too.
+/// Copies items to another file system with bytes and holes, modes, owners where that is allowed,
+/// dates, extended attributes, links as links, FIFOs and sockets. Keeps hard links between the
+/// copied items, including those of earlier copies.
 class TreeCopy {
 public:
-    /// Copies `name` in the open folder `from` to the same name in the open folder `to`, where
-    /// nothing may be. Throws `PlatformError` that names what can't be copied, also when the item
-    /// changes meanwhile, holds a folder that can't be emptied afterwards, or reaches into another
-    /// file system; then a part of the copy is there. `item` is the item's path, for the error.
+    /// Copies `name` in the open folder `from` to the same name in the open folder `to`. `item` is
+    /// the item's path, for errors. Throws a `PlatformError` that names what can't be copied, also
+    /// if something is at the destination, or if the item changes meanwhile, contains a folder that
+    /// can't be emptied afterwards, or contains a mount point. A partial copy may remain.
     void copy(int from, int to, const std::string& name, const std::filesystem::path& item);
 
-    /// The copy made last is now at `path`, and its original is about to go.
+    /// Records that the last copy is now at `path` and that its original is about to be removed.
     void movedTo(const std::filesystem::path& path);
 
 private:
@@ -35,10 +35,10 @@ private:
         Identity copied{};
         std::array<timespec, 2> dates{};
         off_t size = 0;
-        nlink_t missing = 0; ///< names that were not met yet
+        nlink_t missing = 0; ///< names that have not been found yet
     };
 
-    // Where the copying stands.
+    // The item that is being copied.
     struct Place {
         int from = -1;
         int to = -1;

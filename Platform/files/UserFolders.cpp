@@ -1,6 +1,6 @@
 #include "Platform/files/UserFolders.h"
 
-#include "Platform/files/FileSystem.h"
+#include "Base/PathText.h"
 #include "Platform/files/UserPaths.h"
 
 #include <array>

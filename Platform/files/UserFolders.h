@@ -6,11 +6,11 @@
 
 namespace quorvel {
 
-/// The folders in which every user's files and settings are: Documents, .ssh and the like, under
-/// the names that they have here, for each home that may be the user's. They need not exist.
+/// Returns the folders that hold any user's files and settings (Documents, .ssh and so on), under
+/// their names on this system, for each home that may be the user's. They need not exist.
 [[nodiscard]] std::vector<std::filesystem::path> userFolders();
 
-/// Of these, the ones that the desktop has given other names than the usual.
+/// Returns those folders in `home` whose names the desktop has changed.
 [[nodiscard]] std::vector<std::filesystem::path> renamedUserFolders(const std::string& home);
 
 } // namespace quorvel

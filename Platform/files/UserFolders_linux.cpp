@@ -1,28 +1,12 @@
 #include "Platform/files/UserFolders.h"
 
-#include "Platform/files/FileSystem.h"
+#include "Platform/files/FileReading.h"
+#include "Platform/files/XdgUserDirs_linux.h"
 
 #include <cstdlib>
-#include <sstream>
 
 namespace quorvel {
 namespace fs = std::filesystem;
-namespace {
-
-// A line is XDG_MUSIC_DIR="$HOME/Musik" or XDG_MUSIC_DIR="/data/Musik"; others mean nothing here.
-fs::path folderIn(const std::string& line, const std::string& home) {
-    const std::size_t start = line.find("_DIR=\"");
-    const std::size_t end = line.rfind('"');
-    constexpr std::size_t keyLength = 6;
-    if (!line.starts_with("XDG_") || start == std::string_view::npos || end < start + keyLength) {
-        return {};
-    }
-    const std::string value = line.substr(start + keyLength, end - start - keyLength);
-    constexpr std::string_view homeMark = "$HOME";
-    return value.starts_with(homeMark) ? home + value.substr(homeMark.size()) : value;
-}
-
-} // namespace
 
 std::vector<fs::path> renamedUserFolders(const std::string& home) {
     constexpr std::size_t limit = 65536;
@@ -32,12 +16,8 @@ std::vector<fs::path> renamedUserFolders(const std::string& home) {
     }
     std::vector<fs::path> folders;
     for (const std::string& file : files) {
-        std::istringstream lines(readFile(file, limit).value_or(""));
-        for (std::string line; std::getline(lines, line);) {
-            fs::path folder = folderIn(line, home);
-            if (folder.is_absolute()) {
-                folders.push_back(std::move(folder));
-            }
+        for (const XdgUserDir& named : parseXdgUserDirs(readFile(file, limit).value_or(""))) {
+            folders.emplace_back(withHomeExpanded(named.folder, home));
         }
     }
     return folders;

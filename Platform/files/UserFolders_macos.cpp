@@ -2,7 +2,7 @@
 
 namespace quorvel {
 
-// Their names on disk are the usual ones in every language; only the Finder shows others.
+// On disk they have the same names in every language; only the Finder translates them.
 std::vector<std::filesystem::path> renamedUserFolders(const std::string&) {
     return {};
 }

@@ -1,5 +1,8 @@
 #include "Platform/files/UserPaths.h"
 
+#include "Base/PathText.h"
+#include "Platform/files/HomeOrder.h"
+
 #include <cstdlib>
 #include <mutex>
 #include <optional>
@@ -10,22 +13,15 @@
 namespace quorvel::UserPaths {
 namespace {
 
-std::string trimmed(std::string path) {
-    while (path.size() > 1 && path.back() == '/') {
-        path.pop_back();
-    }
-    return path;
-}
-
 std::optional<std::string> fromEnvironment(const char* name) {
     const char* value = std::getenv(name);
     if (value == nullptr || value[0] != '/') {
         return std::nullopt;
     }
-    return trimmed(value);
+    return withoutTrailingSlashes(std::string(value));
 }
 
-// The buffer has to hold the entry's texts; the system tells when it is too small.
+// The buffer has to hold the entry's texts; ERANGE means that it is too small.
 template<typename Lookup>
 std::optional<std::string> homeFromDatabase(const Lookup& lookup) {
     std::string buffer(1024, '\0');
@@ -38,10 +34,10 @@ std::optional<std::string> homeFromDatabase(const Lookup& lookup) {
     if (found == nullptr || found->pw_dir == nullptr || found->pw_dir[0] != '/') {
         return std::nullopt;
     }
-    return trimmed(found->pw_dir);
+    return withoutTrailingSlashes(std::string(found->pw_dir));
 }
 
-// Asked once: the answer stays the same, and may come from a server far away.
+// Cached: the answer does not change, and may come from a remote server.
 const std::optional<std::string>& currentUsersHome() {
     static const std::optional<std::string> listed =
         homeFromDatabase([](passwd* entry, char* buffer, std::size_t size, passwd** found) {
@@ -62,10 +58,14 @@ std::string home() {
     if (auto fixed = fromEnvironment("CFFIXED_USER_HOME")) {
         return *fixed;
     }
+    const std::optional<std::string> variable = fromEnvironment("HOME");
+    if (variable && homeVariableComesFirst()) {
+        return *variable;
+    }
     if (const auto& listed = currentUsersHome()) {
         return *listed;
     }
-    return fromEnvironment("HOME").value_or("/");
+    return variable.value_or("/");
 }
 
 std::string expandTilde(std::string_view path) {
@@ -81,8 +81,8 @@ std::string expandTilde(std::string_view path) {
     }
     const std::string_view rest =
         slash == std::string_view::npos ? std::string_view{} : path.substr(slash);
-    // Of an expanded path, slashes at the end go.
-    return trimmed((*base == "/" && !rest.empty() ? std::string{} : *base) + std::string(rest));
+    return withoutTrailingSlashes((*base == "/" && !rest.empty() ? std::string{} : *base) +
+                                  std::string(rest));
 }
 
 std::filesystem::path temporaryFolder() {
@@ -107,10 +107,10 @@ std::vector<OtherHome> otherUsersHomes() {
     ::setpwent();
     while (const passwd* entry = ::getpwent()) {
         struct stat status {};
-        // Many users of the system's have "/" or a shared folder for a home.
+        // Many system users have "/" or a shared folder as their home.
         if (entry->pw_uid != ::getuid() && entry->pw_dir != nullptr && entry->pw_dir[0] == '/' &&
             ::stat(entry->pw_dir, &status) == 0 && status.st_uid == entry->pw_uid) {
-            homes.push_back({entry->pw_name, trimmed(entry->pw_dir)});
+            homes.push_back({entry->pw_name, withoutTrailingSlashes(std::string(entry->pw_dir))});
         }
     }
     ::endpwent();

@@ -5,32 +5,32 @@
 #include <string_view>
 #include <vector>
 
-/// Where the user's own folders are.
+/// The user's own folders.
 namespace quorvel::UserPaths {
 
-/// The user's home: `CFFIXED_USER_HOME` when set and absolute, else the user database's entry, else
-/// `HOME`, else "/". Without a slash at the end. The
-/// environment is asked anew at each call.
+/// Returns the user's home without a trailing slash: `CFFIXED_USER_HOME` if it is an absolute path,
+/// otherwise `HOME` (on Linux) or the user database's entry (on macOS), otherwise the other of
+/// these two, otherwise "/". Reads the environment on each call.
 [[nodiscard]] std::string home();
 
-/// A leading "~" or "~/" becomes `home()`, "~name" and "~name/" that user's home, and slashes at
-/// the end go; any other path, and one that names an unknown user, comes back unchanged.
+/// Replaces a leading "~" by `home()` or "~name" by that user's home, and removes trailing slashes.
+/// Returns any other path, and one that names an unknown user, unchanged.
 [[nodiscard]] std::string expandTilde(std::string_view path);
 
-/// `TMPDIR` when set, else "/tmp". Without a slash at the end.
+/// Returns `TMPDIR` if it is an absolute path, otherwise "/tmp", without a trailing slash.
 [[nodiscard]] std::filesystem::path temporaryFolder();
 
-/// Every home that may be the user's: the one in force, the user database's and `HOME`'s. None of
-/// them may ever be deleted.
+/// Returns all homes that may be the user's: `home()`, the user database's and `HOME`. None of them
+/// may ever be deleted.
 [[nodiscard]] std::vector<std::string> allHomes();
 
-/// Another user's home, by what the user database says.
+/// Another user's home according to the user database.
 struct OtherHome {
     std::string user{};
     std::string home{};
 };
 
-/// The homes that belong to other users: those that they own. Asks the user database.
+/// Returns the homes of other users in the user database that exist and belong to them.
 [[nodiscard]] std::vector<OtherHome> otherUsersHomes();
 
 } // namespace quorvel::UserPaths

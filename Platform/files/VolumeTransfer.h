@@ -4,20 +4,18 @@
 #include <ctime>
 #include <sys/stat.h>
 
-/// What carrying an item from one file system to another takes that every system spells in its own
-/// way.
+/// The system-specific parts of copying an item to another file system.
 namespace quorvel::VolumeTransfer {
 
-/// When the item was last read and last changed, as `futimens` takes it.
+/// Returns the times of the last access and the last modification, in the form of `futimens`.
 [[nodiscard]] std::array<timespec, 2> datesIn(const struct stat& status);
 
-/// Gives `to` the extended attributes and the access list of `from`, both open. False, with
-/// `errno`, when one of the user's own attributes can't be kept there; those that the system sets
-/// for itself are carried where that is possible.
+/// Copies the extended attributes and the access list of the open item `from` to the open item
+/// `to`. Returns false, with `errno`, if one of the user's own attributes can't be copied; the
+/// system's are copied where possible.
 [[nodiscard]] bool copyExtendedAttributes(int from, int to);
 
-/// Has everything written to the file system of an open item reach its disk. False, with `errno`,
-/// when that fails.
+/// Flushes the file system of an open item to disk. Returns false, with `errno`, if that fails.
 [[nodiscard]] bool flushFileSystem(int descriptor);
 
 } // namespace quorvel::VolumeTransfer

@@ -10,7 +10,8 @@
 namespace quorvel::VolumeTransfer {
 namespace {
 
-// What `read`, told where to put bytes and how many there is room for, has to say.
+// Returns all bytes from `read`, which takes a buffer and its size; with size 0 it returns the
+// size.
 template<typename Read>
 std::optional<std::string> bytesFrom(const Read& read) {
     std::string bytes;
@@ -21,7 +22,7 @@ std::optional<std::string> bytesFrom(const Read& read) {
         }
         bytes.resize(static_cast<std::size_t>(size));
         const ssize_t count = read(bytes.data(), bytes.size());
-        // It may have grown between the two calls.
+        // The value grew between the two calls.
         if (count < 0 && errno == ERANGE) {
             continue;
         }

@@ -4,7 +4,8 @@
 
 namespace quorvel {
 
-/// The path of the running program's file, links resolved. Empty when the system does not tell.
+/// Returns the path of the running program's file, links resolved, or an empty path if the system
+/// does not report it.
 [[nodiscard]] std::filesystem::path mainExecutable();
 
 } // namespace quorvel

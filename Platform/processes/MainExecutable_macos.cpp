@@ -8,7 +8,7 @@ namespace quorvel {
 
 std::filesystem::path mainExecutable() {
     std::uint32_t size = 0;
-    _NSGetExecutablePath(nullptr, &size); // tells the size
+    _NSGetExecutablePath(nullptr, &size); // sets the size
     std::string text(size, '\0');
     if (_NSGetExecutablePath(text.data(), &size) != 0) {
         return {};

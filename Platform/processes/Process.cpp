@@ -1,5 +1,6 @@
 #include "Platform/processes/Process.h"
 
+#include "Base/PathText.h"
 #include "Platform/processes/ProcessSpawning.h"
 
 #include <algorithm>
@@ -16,7 +17,7 @@
 namespace quorvel {
 namespace {
 
-// The child's C strings, kept alive while it is started.
+// The child's C strings, which must live until it is started.
 class StringBlock {
 public:
     void add(std::string text) { texts_.push_back(std::move(text)); }
@@ -31,12 +32,8 @@ public:
     }
 
     [[nodiscard]] bool hasNul() const {
-        for (const std::string& text : texts_) {
-            if (text.find('\0') != std::string::npos) {
-                return true;
-            }
-        }
-        return false;
+        return std::any_of(texts_.begin(), texts_.end(),
+                           [](const std::string& text) { return quorvel::hasNul(text); });
     }
 
 private:
@@ -86,7 +83,7 @@ private:
     posix_spawn_file_actions_t actions_{};
 };
 
-// Starting fails with the same codes for a program that is missing and for a folder.
+// posix_spawn() reports a missing program and an unusable folder with the same codes.
 void requireFolder(const std::filesystem::path& folder) {
     struct stat facts {};
     if (::stat(folder.c_str(), &facts) == 0 && !S_ISDIR(facts.st_mode)) {
@@ -105,7 +102,7 @@ public:
         sigset_t all;
         sigemptyset(&none);
         sigfillset(&all);
-        // Realtime and uncatchable signals can't be reset on every system.
+        // On some systems, resetting uncatchable signals is an error.
         sigdelset(&all, SIGKILL);
         sigdelset(&all, SIGSTOP);
         posix_spawnattr_setsigmask(&attributes_, &none);
@@ -162,8 +159,7 @@ Process Process::run(const Options& options) {
     for (const auto& [key, value] : options.environment.value_or(Environment{})) {
         environment.add(std::string(key).append(1, '=').append(value));
     }
-    const bool folderHasNul =
-        options.directory && options.directory->native().find('\0') != std::string::npos;
+    const bool folderHasNul = options.directory && hasNul(*options.directory);
     if (arguments.hasNul() || environment.hasNul() || folderHasNul) {
         throw PlatformError(std::make_error_code(std::errc::invalid_argument), options.executable,
                             "started");
@@ -180,7 +176,7 @@ Process Process::run(const Options& options) {
     actions.closeOthers(options.kept);
     std::filesystem::path executable = options.executable;
     if (options.directory) {
-        // A relative program path means the same file wherever the child is to run.
+        // A relative program path is relative to our folder, not to the child's.
         std::error_code code;
         executable = std::filesystem::absolute(executable, code);
         if (code) {
@@ -218,7 +214,7 @@ std::string Process::capture(Options options, std::size_t limit) {
     Process process = run(options);
     writing.reset();
 
-    // Read while it runs: a tool with much to say would otherwise wait for room in the pipe.
+    // Read while it runs: otherwise a full pipe would block it.
     std::string output;
     char chunk[4096];
     while (true) {
@@ -246,12 +242,17 @@ Process& Process::operator=(Process&& other) noexcept {
 }
 
 Process::~Process() {
-    if (pid_ > 0 && isRunning()) {
-        try {
-            std::thread([pid = pid_] { waitFor(pid); }).detach();
-        } catch (const std::system_error&) {
-            // Without a thread to wait for it, its entry stays until this process ends.
-        }
+    (void)isRunning(); // reaps one that has ended
+}
+
+void Process::detach() {
+    if (!isRunning()) {
+        return;
+    }
+    try {
+        std::thread([pid = std::exchange(pid_, 0)] { waitFor(pid); }).detach();
+    } catch (const std::system_error&) {
+        // Without a thread it stays a zombie until this process ends.
     }
 }
 
@@ -273,7 +274,7 @@ void Process::terminate() {
 }
 
 void Process::sendSignal(int signal) {
-    // Only while its entry is not reaped is the number surely still its own.
+    // Until it is reaped, its number cannot belong to another process.
     if (isRunning()) {
         ::kill(pid_, signal);
     }

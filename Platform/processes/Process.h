@@ -15,18 +15,18 @@ namespace quorvel {
 
 using Environment = std::map<std::string, std::string>;
 
-/// The environment of this process, as it is now.
+/// Returns the current environment of this process.
 [[nodiscard]] Environment currentEnvironment();
 
-/// A child process. It starts with default signal dispositions and an empty signal mask, and with
-/// no descriptor of ours but its three standard streams and the one that it is given to keep.
+/// A child process. It starts with default signal dispositions and an empty signal mask, and
+/// inherits no descriptors except its three standard streams and `Options::kept`.
 class Process {
 public:
-    /// Goes where ours goes.
+    /// Inherits our stream.
     struct Inherit {};
-    /// Is thrown away; as an input, is empty.
+    /// Discards the output.
     struct Discard {};
-    /// Goes into an open file, owned by the caller, who may close it after `run`.
+    /// Writes to an open file. The caller owns it and may close it after `run`.
     struct ToFile {
         int descriptor = -1;
     };
@@ -34,42 +34,53 @@ public:
 
     struct Options {
         std::filesystem::path executable{};
-        std::vector<std::string> arguments{};             ///< without the program's own name
-        std::optional<Environment> environment{};         ///< the whole of it; absent: ours
+        std::vector<std::string> arguments{};             ///< without the program name
+        std::optional<Environment> environment{};         ///< complete; absent: ours
         std::optional<std::filesystem::path> directory{}; ///< absent: ours
         Output standardOutput = Inherit{};
         Output standardError = Inherit{};
-        /// Own session and no standard input, so that it outlives the terminal and this process.
+        /// A session of its own and no standard input, so that it outlives the terminal and us.
         bool detached = false;
-        /// A descriptor that the child keeps open as `keptDescriptor`; -1: none.
+        /// A descriptor that the child inherits as `keptDescriptor`; -1: none.
         int kept = -1;
     };
 
-    /// High enough that scripts, which redirect low numbers, don't close it by accident.
+    /// High enough that scripts, which redirect low numbers, don't close it accidentally.
     static constexpr int keptDescriptor = 30;
 
-    /// Starts the process. Throws `PlatformError` when the file can't be executed, or that names
-    /// the folder when it can't be worked in.
+    /// Starts a process. Throws `PlatformError` if the file can't be executed, or if the working
+    /// folder is unusable, which the error then names.
     [[nodiscard]] static Process run(const Options& options);
 
-    /// Starts the process, reads its standard output to the end and waits for it. Output beyond
-    /// `limit` bytes is read and dropped. Standard error is discarded. Throws `PlatformError` when
-    /// it can't be started.
+    /// Starts a process, waits for its end and returns its standard output, of which everything
+    /// after `limit` bytes is discarded, as is standard error. Throws `PlatformError` if it can't
+    /// be started.
     [[nodiscard]] static std::string capture(Options options, std::size_t limit);
 
     Process(Process&& other) noexcept;
     Process& operator=(Process&& other) noexcept;
     Process(const Process&) = delete;
     Process& operator=(const Process&) = delete;
-    /// Lets the process go on; it leaves no zombie when it ends.
+    /// Leaves the process running. Unless it was detached, it then stays a zombie after its end
+    /// until this process ends.
     ~Process();
 
+    /// Leaves the process running and reaps it in the background when it ends. Nothing else may be
+    /// called afterwards.
+    void detach();
+
     [[nodiscard]] pid_t identifier() const noexcept { return pid_; }
+
+    /// Returns whether the process is still running. Reaps it if it is not.
     [[nodiscard]] bool isRunning();
-    /// Asks it politely to end (SIGTERM). Nothing happens when it has ended.
+
+    /// Sends SIGTERM. Does nothing if the process has ended.
     void terminate();
+
+    /// Sends a signal. Does nothing if the process has ended.
     void sendSignal(int signal);
-    /// Waits for its end; returns the exit status, 128 + N when signal N ended it.
+
+    /// Waits for its end. Returns the exit status, or 128 + N if signal N ended it.
     int waitUntilExit();
 
 private:

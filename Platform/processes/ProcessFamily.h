@@ -7,22 +7,23 @@
 
 namespace quorvel {
 
-/// A process that need not be a child of ours, told apart from a later one with the same number.
+/// Identifies a process, which need not be our child, across reuse of its number.
 struct ProcessIdentity {
     pid_t pid = 0;
-    std::uint64_t started = 0; ///< 0 where the system doesn't tell
+    std::uint64_t started = 0; ///< when it was started, in a unit that depends on the system
 
+    // NOLINTNEXTLINE(modernize-use-nullptr): clang-tidy 14 takes the comparison's 0 for a pointer.
     auto operator<=>(const ProcessIdentity&) const = default;
 };
 
-/// The running processes below that one: its children, theirs, and so on.
+/// Returns the running processes below that one: its children, their children, and so on.
 [[nodiscard]] std::vector<ProcessIdentity> descendantsOf(pid_t root);
 
-/// The running processes that were started with this value of HOME, whoever their parent is by now.
-/// Those of other users are not seen. On macOS there is no dependable way to know: none.
+/// Returns the running processes of this user that were started with this value of HOME. Returns
+/// none on macOS, which has no reliable way to find them.
 [[nodiscard]] std::vector<ProcessIdentity> processesWithHome(const std::string& home);
 
-/// Whether it still runs; a zombie does not.
+/// Returns whether the process is still running. A zombie is not.
 [[nodiscard]] bool isRunning(const ProcessIdentity& process);
 
 } // namespace quorvel

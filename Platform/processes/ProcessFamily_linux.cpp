@@ -1,6 +1,6 @@
 #include "Platform/processes/ProcessFamily.h"
 
-#include "Platform/files/FileSystem.h"
+#include "Platform/files/FileReading.h"
 #include "Platform/processes/ProcessStat_linux.h"
 
 #include <map>
@@ -35,7 +35,8 @@ std::vector<ProcessIdentity> descendantsOf(pid_t root) {
                 found.push_back({child->second, stat.started});
             }
         }
-        children.erase(first, last); // whatever the table says, nobody is met twice
+        children.erase(first,
+                       last); // even if the table contains a cycle, each process is visited once
     }
     return found;
 }

@@ -1,10 +1,24 @@
 #include "Platform/processes/ProcessFamily.h"
 
-#include <cerrno>
-#include <csignal>
 #include <libproc.h>
+#include <optional>
 
 namespace quorvel {
+namespace {
+
+// Returns std::nullopt for a process that has ended, zombies included. Unlike most of what libproc
+// reports, this is available for other users' processes too.
+std::optional<ProcessIdentity> identityOf(pid_t pid) {
+    constexpr std::uint64_t microseconds = 1'000'000;
+    proc_bsdinfo info{};
+    if (proc_pidinfo(pid, PROC_PIDTBSDINFO, 0, &info, sizeof info) !=
+        static_cast<int>(sizeof info)) {
+        return std::nullopt;
+    }
+    return ProcessIdentity{pid, info.pbi_start_tvsec * microseconds + info.pbi_start_tvusec};
+}
+
+} // namespace
 
 std::vector<ProcessIdentity> descendantsOf(pid_t root) {
     constexpr std::size_t most = 4096; // children of one process, and descendants altogether
@@ -15,7 +29,9 @@ std::vector<ProcessIdentity> descendantsOf(pid_t root) {
         const int count = proc_listchildpids(parent, children.data(),
                                              static_cast<int>(children.size() * sizeof(pid_t)));
         for (int index = 0; index < count; ++index) {
-            found.push_back({children[static_cast<std::size_t>(index)], 0});
+            if (const auto child = identityOf(children[static_cast<std::size_t>(index)])) {
+                found.push_back(*child);
+            }
         }
     }
     return found;
@@ -26,7 +42,7 @@ std::vector<ProcessIdentity> processesWithHome(const std::string& /*home*/) {
 }
 
 bool isRunning(const ProcessIdentity& process) {
-    return ::kill(process.pid, 0) == 0 || errno == EPERM;
+    return identityOf(process.pid) == process;
 }
 
 } // namespace quorvel

@@ -10,7 +10,7 @@ char** environmentBlock() {
     return environ;
 }
 
-// A descriptor that is not to be closed on execution is the child's without a word.
+// A descriptor without FD_CLOEXEC is inherited anyway.
 void keepStream(posix_spawn_file_actions_t& /*actions*/, int /*stream*/) {}
 
 void closeOthers(posix_spawn_file_actions_t& actions) {

@@ -4,7 +4,7 @@
 
 namespace quorvel::ProcessSpawning {
 
-// A library may not name the variable itself here.
+// On macOS, libraries may not use `environ`.
 char** environmentBlock() {
     return *_NSGetEnviron();
 }
@@ -13,7 +13,7 @@ void keepStream(posix_spawn_file_actions_t& actions, int stream) {
     posix_spawn_file_actions_addinherit_np(&actions, stream);
 }
 
-// The flag closes what no action named.
+// The flag closes what no action mentions.
 void closeOthers(posix_spawn_file_actions_t& /*actions*/) {}
 
 void closeOthersBut(posix_spawn_file_actions_t& /*actions*/, int /*kept*/) {}

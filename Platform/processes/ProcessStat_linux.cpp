@@ -1,6 +1,6 @@
 #include "Platform/processes/ProcessStat_linux.h"
 
-#include "Platform/files/FileSystem.h"
+#include "Platform/files/FileReading.h"
 
 #include <charconv>
 #include <dirent.h>
@@ -12,7 +12,7 @@ namespace quorvel {
 std::optional<ProcessStat> processStat(pid_t pid) {
     constexpr std::size_t limit = 4096;
     const auto text = readFile("/proc/" + std::to_string(pid) + "/stat", limit);
-    // The program's name, in parentheses, may hold anything, parentheses too.
+    // The program's name, in parentheses, may contain anything, including parentheses.
     const std::size_t nameEnd = text ? text->rfind(')') : std::string::npos;
     if (nameEnd == std::string::npos) {
         return std::nullopt;

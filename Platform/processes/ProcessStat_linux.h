@@ -7,17 +7,17 @@
 
 namespace quorvel {
 
-/// What the system's table says about a process.
+/// A process according to /proc/PID/stat.
 struct ProcessStat {
-    char state = 'X'; ///< 'Z' and 'X' have ended
+    char state = 'X'; ///< 'Z' and 'X' mean that it has ended
     pid_t parent = 0;
-    std::uint64_t started = 0; ///< in the system's ticks since its start
+    std::uint64_t started = 0; ///< in clock ticks since the system was started
 };
 
-/// Returns std::nullopt if there is no such process.
+/// Returns the status of a process, or std::nullopt if there is no such process.
 [[nodiscard]] std::optional<ProcessStat> processStat(pid_t pid);
 
-/// The numbers of all processes.
+/// Returns the numbers of all processes.
 [[nodiscard]] std::vector<pid_t> allProcesses();
 
 } // namespace quorvel

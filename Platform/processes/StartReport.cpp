@@ -18,14 +18,14 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-// One letter each; a failure's sentence follows its letter and ends with the pipe.
+// Message types. The sentence of a failure extends to the end of the pipe.
 constexpr char announcement = '.';
 constexpr char success = '+';
 constexpr char failure = '-';
 
 constexpr std::size_t longestSentence = 4096;
 
-// The variable may be left over from somebody else's start, whose number means another file here.
+// The variable may be left over from another start, so that its number is another file here.
 int inheritedPipe() {
     const char* value = std::getenv(StartReport::variable);
     if (value == nullptr) {
@@ -42,13 +42,13 @@ int inheritedPipe() {
     return isPipe ? descriptor : -1;
 }
 
-void say(const FileHandle& pipe, const std::string& text) {
+void send(const FileHandle& pipe, const std::string& text) {
     if (pipe.descriptor() >= 0) {
         pipe.write(text);
     }
 }
 
-// False at the pipe's end.
+// Returns false at the end of the pipe.
 bool readMore(int pipe, std::string& text) {
     std::array<char, longestSentence> bytes;
     ssize_t count = 0;
@@ -67,27 +67,27 @@ StartReport::StartReport() : pipe_(inheritedPipe()) {
     ::unsetenv(variable);
     if (pipe_.descriptor() >= 0) {
         ::fcntl(pipe_.descriptor(), F_SETFD, FD_CLOEXEC);
-        // Whoever opened us may have gone; that is no reason to go, too.
+        // The program that opened us may have ended; we must not end because of that.
         std::signal(SIGPIPE, SIG_IGN);
     }
-    say(pipe_, {announcement});
+    send(pipe_, {announcement});
 }
 
 void StartReport::started() const {
-    say(pipe_, {success});
+    send(pipe_, {success});
 }
 
 void StartReport::failed(const std::string& sentence) const {
-    say(pipe_, failure + sentence);
+    send(pipe_, failure + sentence);
 }
 
-StartOutcome readStartReport(int pipe, int wake, std::chrono::milliseconds patience,
-                             std::chrono::milliseconds announcedPatience) {
+StartOutcome readStartReport(int pipe, int wake, std::chrono::milliseconds timeout,
+                             std::chrono::milliseconds announcedTimeout) {
     const auto start = Clock::now();
     StartOutcome outcome;
     std::string text;
     while (true) {
-        const auto limit = start + (outcome.announced ? announcedPatience : patience);
+        const auto limit = start + (outcome.announced ? announcedTimeout : timeout);
         const auto left = std::chrono::ceil<std::chrono::milliseconds>(limit - Clock::now());
         std::array<pollfd, 2> files{{{pipe, POLLIN, 0}, {wake, POLLIN, 0}}};
         const int ready = ::poll(files.data(), files.size(),
@@ -96,7 +96,7 @@ StartOutcome readStartReport(int pipe, int wake, std::chrono::milliseconds patie
             continue;
         }
         if (files[0].revents == 0) {
-            return outcome; // too late, or woken
+            return outcome; // timeout, or woken
         }
         const bool ended = !readMore(pipe, text);
         if (text.starts_with(announcement)) {

@@ -8,44 +8,43 @@
 
 namespace quorvel {
 
-/// How a program that starts another one on somebody's behalf tells whoever opened it whether that
-/// worked: through a pipe that it inherits. Without one, because it was opened in another way, the
-/// reports go nowhere.
+/// Reports, through an inherited pipe, whether a program that was opened to start another one
+/// succeeded. Without such a pipe, because it was opened in another way, reports are discarded.
 class StartReport {
 public:
     /// The environment variable that names the pipe's descriptor.
     static constexpr const char* variable = "QUORVEL_START_REPORT";
 
-    /// Takes over the pipe, if there is one, and says that a report will follow. Takes the variable
-    /// out of the environment, so that no child believes that it is meant.
+    /// Takes over the pipe, if there is one, and announces that a report will follow. Removes the
+    /// variable from the environment, so that no child uses it.
     StartReport();
 
-    /// What was to be started runs.
+    /// Reports success.
     void started() const;
-    /// It does not; `sentence` says why.
+    /// Reports failure, for the reason `sentence`.
     void failed(const std::string& sentence) const;
 
 private:
     FileHandle pipe_;
 };
 
-/// What a reader of such a pipe learns.
+/// The result of reading such a pipe.
 struct StartOutcome {
     enum class Case {
         started,
-        failed,      ///< with the program's own sentence
+        failed,      ///< `sentence` says why
         ended,       ///< the pipe was closed without a report
-        nothingHeard ///< in time
+        nothingHeard ///< before the timeout
     };
     Case kind = Case::nothingHeard;
     std::string sentence{};
-    bool announced = false; ///< the program said that it would report
+    bool announced = false; ///< the program announced a report
 };
 
-/// Reads the report from the pipe's other end. Waits `patience` for a program that says nothing (it
-/// may know no reports), and `announcedPatience` for one that said that it will report. Ends early
-/// when `wake` becomes readable (-1: never).
-[[nodiscard]] StartOutcome readStartReport(int pipe, int wake, std::chrono::milliseconds patience,
-                                           std::chrono::milliseconds announcedPatience);
+/// Reads the report from the pipe's other end. Waits up to `timeout` for a program that announces
+/// none (it may be too old for reports), and up to `announcedTimeout` for one that does. Returns
+/// early if `wake` becomes readable (-1: never).
+[[nodiscard]] StartOutcome readStartReport(int pipe, int wake, std::chrono::milliseconds timeout,
+                                           std::chrono::milliseconds announcedTimeout);
 
 } // namespace quorvel

@@ -9,27 +9,28 @@
 
 namespace quorvel {
 
-/// Gathers events until they are due, one for each path: in the order in which paths first came,
-/// with the flags of all that happened to them.
+/// Collects events until they are due, one per path, in the order in which the paths first
+/// occurred. Each event has the flags of everything that happened to its path.
 class EventCoalescer {
 public:
     using Clock = std::chrono::steady_clock;
 
     explicit EventCoalescer(std::chrono::milliseconds latency) : latency_(latency) {}
 
+    /// Adds an event, with bits of `FSEventFlag`.
     void add(std::string path, std::uint32_t flags);
 
-    /// When the gathered events are to be delivered: the past when that is at once. Nothing when
-    /// there are none.
+    /// Returns when the collected events are to be delivered, which may be in the past, or
+    /// std::nullopt if there are none.
     [[nodiscard]] std::optional<Clock::time_point> due() const;
 
-    /// Gives what was gathered and begins anew.
+    /// Returns the collected events and starts over.
     [[nodiscard]] FSEventBatch take(Clock::time_point now);
 
 private:
     std::chrono::milliseconds latency_;
     Clock::time_point nextDelivery_{};
-    std::deque<std::string> paths_{}; ///< none of them moves, so that `places_` may point to them
+    std::deque<std::string> paths_{}; ///< a deque, because `places_` refers to its elements
     std::vector<std::uint32_t> flags_{};
     std::unordered_map<std::string_view, std::size_t> places_{};
 };

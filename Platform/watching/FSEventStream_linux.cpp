@@ -1,6 +1,7 @@
 #include "Platform/watching/FSEventStream.h"
 
-#include "Platform/files/FileSystem.h"
+#include "Base/PathText.h"
+#include "Platform/files/FileHandle.h"
 #include "Platform/watching/EventCoalescer.h"
 #include "Platform/watching/InotifyQueue_linux.h"
 #include "Platform/watching/RootSentinels_linux.h"
@@ -22,13 +23,13 @@ using Clock = EventCoalescer::Clock;
 
 constexpr std::size_t longestThreadName = 15;
 
-// Milliseconds. Whoever writes would otherwise wake this thread with every single event, which
-// costs it more than the write; in this time the queue fills to a small part of what it can hold.
-constexpr int restBetweenReadings = 1;
+// Milliseconds. Without a pause, every event would wake this thread, which would slow the writing
+// process down. In this time only a small part of the queue is filled.
+constexpr int pauseBetweenReads = 1;
 
-std::vector<std::string> withoutSlashesAtEnd(std::vector<std::string> paths) {
+std::vector<std::string> trimmed(std::vector<std::string> paths) {
     for (std::string& path : paths) {
-        path = withoutTrailingSlashes(path).string();
+        path = withoutTrailingSlashes(std::move(path));
     }
     return paths;
 }
@@ -40,11 +41,10 @@ public:
           handler_(std::move(handler)),
           wake_(::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)),
           coalescer_(options.latency),
-          sentinels_(withoutSlashesAtEnd(options.paths)),
-          tree_(withoutSlashesAtEnd(std::move(options.paths)),
-                [this](std::string path, std::uint32_t flags) {
-                    coalescer_.add(std::move(path), flags);
-                }) {}
+          sentinels_(trimmed(options.paths)),
+          tree_(trimmed(std::move(options.paths)), [this](std::string path, std::uint32_t flags) {
+              coalescer_.add(std::move(path), flags);
+          }) {}
 
     ~InotifyStream() override { stop(); }
 
@@ -73,13 +73,13 @@ private:
         drain();
     }
 
-    // True when the stream is to stop.
+    // Returns true if the stream is to be stopped.
     bool waitForWork() {
         std::array<pollfd, 3> files{{{wake_.descriptor(), POLLIN, 0},
                                      {sentinels_.descriptor(), POLLIN, 0},
                                      {tree_.descriptor(), POLLIN, 0}}};
         if (busy_) {
-            ::poll(files.data(), 1, restBetweenReadings);
+            ::poll(files.data(), 1, pauseBetweenReads);
         } else {
             ::poll(files.data(), files.size(), timeout());
         }
@@ -101,7 +101,8 @@ private:
     void settleRoots() {
         const auto changed = sentinels_.takeChanged();
         if (!changed.empty()) {
-            // What happened in a root before it went is queued, and unknown once it is settled.
+            // Events in a root that is gone are still queued, and must be read before it is
+            // replaced.
             readQueued();
         }
         for (const std::size_t root : changed) {
@@ -110,11 +111,11 @@ private:
     }
 
     void readQueued() {
-        readWhatIsQueued(tree_.descriptor(), [this] { return tree_.readQueue(); });
+        drainInotifyQueue(tree_.descriptor(), [this] { return tree_.readQueue(); });
     }
 
-    // A change is queued before its system call returns: what is queued by now is all that happened
-    // before the stop. What comes later is not waited for.
+    // A change is queued before its system call returns, so the queue now contains everything that
+    // happened before the stop. Later events are not waited for.
     void drain() {
         settleRoots();
         readQueued();
@@ -141,7 +142,7 @@ private:
     EventCoalescer coalescer_;
     RootSentinels sentinels_;
     WatchTree tree_;
-    bool busy_ = false; ///< the last reading found something
+    bool busy_ = false; ///< the last read returned events
     std::thread thread_{};
 };
 

@@ -76,7 +76,7 @@ public:
 private:
     void release() {
         FSEventStreamInvalidate(stream_);
-        // A call of the handler may be under way: what is queued behind it has to wait for it.
+        // The handler may be running; an empty task on its queue waits for it.
         dispatch_sync_f(queue_, nullptr, [](void*) {});
         FSEventStreamRelease(stream_);
         stream_ = nullptr;

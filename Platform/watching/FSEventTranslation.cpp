@@ -1,6 +1,6 @@
 #include "Platform/watching/FSEventTranslation.h"
 
-#include "Platform/files/FileSystem.h"
+#include "Base/PathText.h"
 
 #include <algorithm>
 #include <filesystem>
@@ -9,7 +9,7 @@
 namespace quorvel {
 namespace {
 
-// The service's own numbers for what is no change of an item.
+// The service's flags that do not describe a change of an item.
 constexpr std::uint32_t userDropped = 0x00000002;
 constexpr std::uint32_t kernelDropped = 0x00000004;
 
@@ -24,7 +24,8 @@ std::string realPath(const std::string& path) {
     return code ? path : withoutTrailingSlashes(real).string();
 }
 
-// What follows `folder` in `path`, from the slash on; nothing when the path lies elsewhere.
+// Returns the part of `path` after `folder`, including the slash, or std::nullopt if `path` is not
+// below it.
 std::optional<std::string_view> below(std::string_view folder, std::string_view path) {
     const std::size_t length = folder == "/" ? 0 : folder.size();
     if (!path.starts_with(folder) || (path.size() > length && path[length] != '/')) {
@@ -33,7 +34,7 @@ std::optional<std::string_view> below(std::string_view folder, std::string_view 
     return path.substr(length);
 }
 
-// Every kind of loss counts as one.
+// All kinds of loss are reported as one flag.
 std::uint32_t translatedFlags(std::uint32_t flags) {
     return (flags & knownFlags) | ((flags & lossFlags) != 0 ? FSEventFlag::mustScanSubDirs : 0U);
 }
@@ -42,7 +43,7 @@ std::uint32_t translatedFlags(std::uint32_t flags) {
 
 FSEventTranslation::FSEventTranslation(const std::vector<std::string>& given) {
     for (const std::string& path : given) {
-        const std::string shown = withoutTrailingSlashes(path).string();
+        const std::string shown = withoutTrailingSlashes(path);
         roots_.push_back({shown, realPath(shown)});
     }
 }

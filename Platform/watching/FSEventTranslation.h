@@ -10,20 +10,20 @@
 
 namespace quorvel {
 
-/// Puts what the FSEvents service reports into the words of `FSEventStream`: its real paths under
-/// the names that were given to watch, its flags as the ones that callers know.
+/// Translates what the FSEvents service reports to `FSEventStream`'s terms: real paths to paths
+/// below the watched folders as given, and its flags to `FSEventFlag`.
 class FSEventTranslation {
 public:
     /// `given` are absolute paths of folders, which may be missing.
     explicit FSEventTranslation(const std::vector<std::string>& given);
 
-    /// The folders to watch: where the given ones really are, each once.
+    /// Returns the real paths of the given folders, without duplicates.
     [[nodiscard]] std::vector<std::string> realRoots() const;
 
-    /// The path under the first given folder that holds it; unchanged when none does.
+    /// Returns the path below the first given folder that contains it, or unchanged if none does.
     [[nodiscard]] std::string givenPath(std::string_view path) const;
 
-    /// Nothing of a batch whose two lists differ in length can be trusted: it becomes empty.
+    /// Returns the translated batch, which is empty if the two lists differ in length.
     [[nodiscard]] FSEventBatch translated(const std::vector<std::string>& paths,
                                           std::span<const std::uint32_t> flags) const;
 

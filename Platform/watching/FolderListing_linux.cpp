@@ -31,7 +31,7 @@ bool isFolder(int folder, const dirent& entry) {
 
 } // namespace
 
-// File systems stamp with a clock that ticks only some hundred times a second.
+// File systems use a clock that ticks only a few hundred times per second.
 ChangeClock ChangeClock::start() {
     timespec moment{};
     ::clock_gettime(CLOCK_REALTIME, &moment);
@@ -57,7 +57,7 @@ std::optional<ItemHistory> ChangeClock::historyOf(const std::string& path) const
     ItemHistory history;
     history.isDir = S_ISDIR(status.stx_mode);
     history.created = (status.stx_mask & STATX_BTIME) != 0 && isLater(status.stx_btime, moment_);
-    // Its creation alone stamps a file as modified, too.
+    // Creating a file also sets its modification time.
     history.modified =
         isLater(status.stx_mtime, moment_) && (!history.created || status.stx_size > 0);
     history.changed = history.modified || isLater(status.stx_ctime, moment_);

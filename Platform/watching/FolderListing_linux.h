@@ -7,21 +7,22 @@
 
 namespace quorvel {
 
-/// What a folder's item was through since some moment.
+/// What happened to a directory entry since a given time.
 struct ItemHistory {
     bool isDir = false;
     bool created = false;
     bool modified = false;
-    bool changed = false; ///< anything at all, a rename or new permissions included
+    bool changed = false; ///< in any way, including a rename or new permissions
 };
 
-/// A moment after which every change can be told from those before it by its time stamp.
+/// A moment that separates earlier from later changes by their time stamps.
 class ChangeClock {
 public:
-    /// The moment now. Blocks for some milliseconds, until later changes have later stamps.
+    /// Returns the current moment. Blocks for a few milliseconds, until changes get later stamps.
     [[nodiscard]] static ChangeClock start();
 
-    /// What happened to the item itself (no link followed) since then; nothing when it is gone.
+    /// Returns what happened to the item itself, not following a link, since then. Returns
+    /// std::nullopt if it is gone.
     [[nodiscard]] std::optional<ItemHistory> historyOf(const std::string& path) const;
 
 private:
@@ -30,13 +31,14 @@ private:
     timespec moment_;
 };
 
+/// An entry of a folder.
 struct FolderItem {
     std::string name{};
-    bool isDir = false; ///< a folder itself, not a link to one
+    bool isDir = false; ///< false for a link to a folder
 };
 
-/// What a folder holds. Nothing, with `errno` set, when it can't be read. A link in place of the
-/// folder is followed only when told so.
+/// Returns the entries of a folder, or std::nullopt with `errno` if it is unreadable, or if it is a
+/// link and `followsLink` is false.
 [[nodiscard]] std::optional<std::vector<FolderItem>> listFolder(const std::string& path,
                                                                 bool followsLink);
 

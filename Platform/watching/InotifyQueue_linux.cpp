@@ -38,7 +38,7 @@ std::size_t readInotifyQueue(int descriptor, const std::function<void(const Inot
     return end;
 }
 
-void readWhatIsQueued(int descriptor, const std::function<std::size_t()>& read) {
+void drainInotifyQueue(int descriptor, const std::function<std::size_t()>& read) {
     for (std::size_t left = inotifyQueueSize(descriptor); left > 0;) {
         const std::size_t count = read();
         if (count == 0) {

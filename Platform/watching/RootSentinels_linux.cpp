@@ -10,7 +10,7 @@ namespace {
 constexpr std::uint32_t nameChanges =
     IN_CREATE | IN_DELETE | IN_MOVED_FROM | IN_MOVED_TO | IN_ONLYDIR;
 
-// The folder that `path` is looked up in when it is cut at `slash`.
+// Returns the part of `path` before `slash`.
 std::string folderAt(const std::string& path, std::size_t slash) {
     return slash == 0 ? "/" : path.substr(0, slash);
 }
@@ -25,7 +25,7 @@ RootSentinels::RootSentinels(std::vector<std::string> roots)
     }
 }
 
-// Folders on the way that do not exist are armed when the one above them tells of their coming.
+// Missing parents are armed when their own parent reports their creation.
 void RootSentinels::arm(std::size_t root) {
     const std::string& path = roots_[root];
     for (std::size_t slash = path.find('/'); slash != std::string_view::npos;) {
@@ -61,7 +61,7 @@ std::set<std::size_t> RootSentinels::takeChanged() {
             }
         }
     };
-    readWhatIsQueued(descriptor(), [&] { return readInotifyQueue(descriptor(), take); });
+    drainInotifyQueue(descriptor(), [&] { return readInotifyQueue(descriptor(), take); });
     for (const std::size_t root : changed) {
         arm(root);
     }

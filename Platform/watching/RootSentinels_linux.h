@@ -11,22 +11,22 @@
 
 namespace quorvel {
 
-/// Notices when a given folder appears, vanishes or is replaced, itself or any folder on the way to
-/// it, by watching the names in the folders above.
+/// Notices when one of the given folders, or a parent of it, is created, removed or replaced, by
+/// watching the names in the parent folders.
 class RootSentinels {
 public:
-    /// Nothing is noticed when the system gives no more watches: `works()` tells.
+    /// If the system has no more watches, nothing is noticed and `works()` is false.
     explicit RootSentinels(std::vector<std::string> roots);
 
     [[nodiscard]] bool works() const { return inotify_.descriptor() >= 0; }
-    /// Readable when something happened.
+    /// Becomes readable when something has happened.
     [[nodiscard]] int descriptor() const { return inotify_.descriptor(); }
 
-    /// The numbers of the folders that may be others than before, each once.
+    /// Returns the indexes of the roots that may have been replaced since the last call.
     [[nodiscard]] std::set<std::size_t> takeChanged();
 
 private:
-    using Step = std::pair<std::size_t, std::string>; // the folder's number, the name on its way
+    using Step = std::pair<std::size_t, std::string>; // the root's index, the name to look for
 
     void arm(std::size_t root);
 

@@ -1,5 +1,6 @@
 #include "Platform/watching/WatchTree_linux.h"
 
+#include "Base/PathText.h"
 #include "Platform/watching/FSEventStream.h"
 
 #include <algorithm>
@@ -50,7 +51,7 @@ void WatchTree::settle(std::size_t root, bool reports) {
         }
     }
     rootWatches_[root] = watch;
-    // A folder that lies in another root as well is that one's already.
+    // A folder that is also in another root is watched there already.
     if (watch < 0 || nodes_.contains(watch)) {
         return;
     }
@@ -83,7 +84,7 @@ void WatchTree::tidy(bool everything) {
         departures_.pop_front();
         drop(*gone);
     }
-    // While more waits in the queue, a search would only have to be made again.
+    // While events are queued, a search would have to be repeated.
     if ((overflowed_ && (everything || inotifyQueueSize(descriptor()) == 0)) ||
         (limitReached_ && everything)) {
         overflowed_ = false;
@@ -114,7 +115,7 @@ void WatchTree::handle(const InotifyEvent& event) {
     } else if (!highest.isRoot) {
         return;
     } else if (!event.name.empty()) {
-        handleInside(folder, event, pathOf(folder) + "/" + event.name);
+        handleInside(folder, event, joinAsText(pathOf(folder), event.name));
     } else if ((event.mask & IN_MOVE_SELF) != 0 && folder.isRoot) {
         const auto root = std::find(rootWatches_.begin(), rootWatches_.end(), folder.watch);
         drop(folder);
@@ -166,7 +167,7 @@ void WatchTree::arrive(Node& folder, const InotifyEvent& event, const std::strin
     }
     bool isNew = false;
     Node* node = watchFolder(&folder, event.name, path, isNew);
-    // One that was known may hold folders that were made just before it was renamed.
+    // A known folder may contain folders that were created just before it was renamed.
     if (node != nullptr || limitReached_) {
         visit({node, path, isNew || node == nullptr ? Arrival::renamed : Arrival::known});
     }
@@ -175,8 +176,8 @@ void WatchTree::arrive(Node& folder, const InotifyEvent& event, const std::strin
     }
 }
 
-// A file that was opened for writing need not have been written; one that was written through a
-// memory mapping shows it only by its time stamp.
+// A file that was opened for writing may not have been written to, and a write through a memory
+// mapping is visible only in its time stamp.
 void WatchTree::reportContent(const std::string& path, std::uint32_t mask) {
     if ((mask & IN_MODIFY) == 0) {
         const auto history = path == lastModified_ ? std::nullopt : clock_.historyOf(path);
@@ -223,7 +224,7 @@ void WatchTree::visit(Visit first) {
     while (!waiting.empty()) {
         const Visit folder = std::move(waiting.back());
         waiting.pop_back();
-        // A root is watched where its link leads, and so it is listed there.
+        // Roots that are links are followed, as they are when they are watched.
         const bool isRoot = folder.node != nullptr && folder.node->isRoot;
         const auto items = listFolder(folder.path, isRoot);
         if (!items) {
@@ -239,7 +240,7 @@ void WatchTree::visit(Visit first) {
 }
 
 void WatchTree::visitItem(const Visit& folder, const FolderItem& item, std::vector<Visit>& next) {
-    const std::string path = folder.path + "/" + item.name;
+    const std::string path = joinAsText(folder.path, item.name);
     if (item.isDir) {
         visitFolder(folder, item.name, path, next);
     } else {
@@ -259,7 +260,7 @@ void WatchTree::visitFolder(const Visit& folder, const std::string& name, const 
         arrival = Arrival::created;
     }
     reportItem(path, true, arrival);
-    // What a search finds without a watch came unseen, unless watches had run out before.
+    // A search finds an unwatched folder if its creation was missed or watches had run out.
     if (arrival == Arrival::searched && isNew && !limitReached_) {
         arrival = Arrival::renamed;
     }
@@ -294,7 +295,7 @@ void WatchTree::reportFound(const std::string& path) {
     if (!history) {
         return;
     }
-    // A rename that was not told shows only as a change of some kind.
+    // A missed rename is visible only as some change of the status.
     const bool hasNewContent =
         !history->isDir && (history->modified || (history->changed && !history->created));
     const std::uint32_t flags = (history->created ? FSEventFlag::itemCreated : 0) |
@@ -304,8 +305,8 @@ void WatchTree::reportFound(const std::string& path) {
     }
 }
 
-// Looks at everything for what was created or modified since the start, and for folders whose
-// coming or going was not told.
+// Searches all roots for items that were created or modified since the start, and for folders whose
+// creation or removal was missed.
 void WatchTree::search() {
     dropDepartures();
     ++round_;
@@ -385,7 +386,7 @@ void WatchTree::drop(Node& node) {
     }
 }
 
-// The system watches this folder no more: it is gone.
+// Handles that the system no longer watches this folder, because it is gone.
 void WatchTree::forget(int watch) {
     Node& node = *nodes_.at(watch);
     departures_.remove_if([&](const Departure& one) { return one.node == &node; });

@@ -16,13 +16,13 @@
 
 namespace quorvel {
 
-/// Watches folders with everything below them, and turns the system's events into paths and flags.
-/// The system watches single folders: this keeps one watch for each, knows where each lies through
-/// renames, and lists what a new one holds, since files may be in it before its watch is.
-/// Used by one thread at a time.
+/// Watches folders with everything below them, and translates the system's events to paths and
+/// flags. The system watches single folders: this keeps one watch for each, follows renames, and
+/// lists the contents of new folders, since files may be created before the watch is. Not
+/// thread-safe.
 class WatchTree {
 public:
-    /// Takes what happened to a path, as bits of `FSEventFlag`.
+    /// Receives what happened to a path, as bits of `FSEventFlag`.
     using Report = std::function<void(std::string path, std::uint32_t flags)>;
     using Clock = std::chrono::steady_clock;
 
@@ -32,34 +32,34 @@ public:
     ~WatchTree();
 
     [[nodiscard]] bool works() const { return inotify_.descriptor() >= 0; }
-    /// Readable when something happened.
+    /// Becomes readable when something has happened.
     [[nodiscard]] int descriptor() const { return inotify_.descriptor(); }
 
-    /// Watches the root folder of that number as it is now, in place of what was watched for it.
-    /// `reports` its coming and what it holds.
+    /// Watches the root with that index as it is now, instead of what was watched for it before.
+    /// With `reports`, emits events for it and its contents.
     void settle(std::size_t root, bool reports);
 
-    /// Handles one reading of the queue; gives its size in bytes.
+    /// Reads once from the queue and handles the events. Returns the number of bytes read.
     std::size_t readQueue();
 
-    /// When `tidy` has something to do next; nothing when it has not.
+    /// Returns when `tidy` has to be called next, or std::nullopt if it has nothing to do.
     [[nodiscard]] std::optional<Clock::time_point> tidyDue() const;
 
-    /// Lets go of folders that moved away, and looks for what an overflow of the queue has hidden.
-    /// `everything`: also what would have time.
+    /// Stops watching folders that were moved away, and searches for what an overflow of the queue
+    /// has hidden. With `everything`, does also what is not due yet.
     void tidy(bool everything);
 
 private:
     struct Node {
         int watch = -1;
         Node* parent = nullptr;
-        std::string name{}; ///< a root's is its path
+        std::string name{}; ///< the path of a root
         std::unordered_map<std::string, Node*> children{};
         bool isRoot = false;
-        std::uint32_t round = 0; ///< the last search through everything that found it
+        std::uint32_t round = 0; ///< the last search that found it
     };
 
-    /// A folder that was renamed away, and may turn up under another name at once.
+    /// A folder that was renamed, whose new name may follow.
     struct Departure {
         std::uint32_t cookie = 0;
         Node* node = nullptr;
@@ -67,17 +67,17 @@ private:
         std::vector<InotifyEvent> held{};
     };
 
-    /// Why a folder's contents are looked at, which tells what to report of them.
+    /// Why a folder's contents are listed, which decides what is reported.
     enum class Arrival {
-        atStart,  ///< it was there before: nothing is reported
-        known,    ///< it was watched before: only folders that are new in it
-        created,  ///< all of it
-        renamed,  ///< all of it
-        searched, ///< what its time stamps tell
+        atStart,  ///< existed before the start: nothing
+        known,    ///< was watched before: only new folders in it
+        created,  ///< everything
+        renamed,  ///< everything
+        searched, ///< what has changed according to its time stamps
     };
 
     struct Visit {
-        Node* node = nullptr; ///< null where no watch can be had
+        Node* node = nullptr; ///< null if it could not be watched
         std::string path{};
         Arrival arrival = Arrival::atStart;
     };
@@ -105,7 +105,7 @@ private:
     void drop(Node& node);
     void forget(int watch);
 
-    /// The topmost folder above, itself included.
+    /// Returns the topmost ancestor, or the node itself.
     [[nodiscard]] static Node& top(Node& node);
     [[nodiscard]] static std::string pathOf(const Node& node);
     [[nodiscard]] Departure* departureOf(const Node& top);

@@ -24,7 +24,7 @@ MainWindow::MainWindow(AppModel& model, UpdaterController& updater, IconLoader& 
 }
 
 void MainWindow::addCommands(UpdaterController& updater) {
-    // Left to itself, macOS would guess from a command's words which ones belong into its own menu.
+    // Without roles, macOS would guess from a command's text which menu it belongs in.
     QAction* check = menuBar()->addMenu(tr("&Quorvel"))->addAction(tr("&Check for Updates…"));
     check->setMenuRole(QAction::ApplicationSpecificRole);
     check->setEnabled(updater.canCheckForUpdates());

@@ -20,7 +20,7 @@ public:
 
     /// All must outlive the window.
     MainWindow(AppModel& model, UpdaterController& updater, IconLoader& icons,
-               FilePanels panels = FilePanels::ofTheSystem());
+               FilePanels panels = systemFilePanels());
 
     [[nodiscard]] ContentView& content() const { return *content_; }
 

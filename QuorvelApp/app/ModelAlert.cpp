@@ -1,6 +1,6 @@
 #include "QuorvelApp/app/ModelAlert.h"
 
-#include "QuorvelApp/model/ShownText.h"
+#include "QuorvelApp/model/DisplayText.h"
 #include "QuorvelApp/widgets/MessageSheet.h"
 #include "QuorvelApp/widgets/Sheet.h"
 
@@ -22,13 +22,13 @@ ModelAlert::ModelAlert(AppModel& model, Text text, QWidget* window)
 void ModelAlert::refresh() {
     const auto& message = text_ == Text::error ? model_.lastError() : model_.statusMessage();
     if (sheet_) {
-        // Ends without clearing what took its message's place.
+        // Closes without clearing the message that replaced its own.
         sheet_->dialog()->disconnect(this);
         sheet_->dialog()->done(QDialog::Accepted);
         sheet_.clear();
     }
     if (message) {
-        present(shownText(*message));
+        present(displayText(*message));
     }
 }
 

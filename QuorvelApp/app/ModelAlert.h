@@ -10,8 +10,7 @@ namespace quorvel {
 
 class Sheet;
 
-/// Shows one of the model's two messages for as long as it is there, and clears it once it was
-/// dismissed.
+/// Shows one of the model's two messages while it is set, and clears it when dismissed.
 class ModelAlert : public QObject {
     Q_OBJECT
 

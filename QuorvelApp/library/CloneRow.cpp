@@ -2,7 +2,7 @@
 
 #include "QuorvelApp/Components.h"
 #include "QuorvelApp/model/CloneListModel.h"
-#include "QuorvelApp/model/ShownText.h"
+#include "QuorvelApp/model/DisplayText.h"
 #include "QuorvelApp/theme/Theme.h"
 #include "QuorvelApp/widgets/CrispPixmap.h"
 
@@ -16,9 +16,9 @@ namespace quorvel {
 namespace {
 
 constexpr int sideMargin = 10;     // from the sidebar's edge to a row's background
-constexpr int padding = 8;         // from the background's edge to what stands in it
+constexpr int padding = 8;         // from the background's edge to the content
 constexpr int verticalPadding = 4; // of the whole row
-constexpr int backgroundGap = 1;   // of it, above and below the background
+constexpr int backgroundGap = 1;   // of the row, above and below the background
 
 void drawText(QPainter* painter, const QRect& rect, const QString& text, TextStyle style,
               const QColor& color, Qt::LayoutDirection direction) {
@@ -76,10 +76,9 @@ void CloneRow::paint(QPainter* painter, const QStyleOptionViewItem& option,
         painter->setBrush(selected ? colors.accent : hover);
         painter->drawRoundedRect(at.background, 6, 6);
     }
-    const auto* model = qobject_cast<const CloneListModel*>(index.model());
-    const InstanceRecord& clone = model->clone(index.row());
+    const auto icon = index.data(CloneListModel::IconPathRole).value<std::filesystem::path>();
     drawCrisp(*painter, at.icon,
-              icons_.icon(iconPathOf(clone), iconSize, painter->device()->devicePixelRatioF()));
+              icons_.icon(icon, iconSize, painter->device()->devicePixelRatioF()));
     QColor faint = colors.onAccent;
     faint.setAlphaF(0.85F);
     drawText(painter, at.name, index.data(CloneListModel::NameRole).toString(), TextStyle::body,

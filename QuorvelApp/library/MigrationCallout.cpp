@@ -22,11 +22,11 @@ MigrationCallout::MigrationCallout(QWidget* parent) : QFrame(parent) {
         tr("Files it saves are tucked inside its data folder. Move them into your Mac's shared "
            "folders and share them from now on — accounts and settings stay isolated."),
         TextStyle::caption, Ink::secondary));
-    column->addSpacing(4);
+    column->addSpacing(Spacing::tight);
     column->addWidget(button, 0, Qt::AlignLeft);
     auto* row = new QHBoxLayout(this);
-    row->setContentsMargins(16, 14, 16, 14);
-    row->setSpacing(14);
+    row->setContentsMargins(Spacing::wide, Spacing::group, Spacing::wide, Spacing::group);
+    row->setSpacing(Spacing::group);
     row->addWidget(new SymbolView(u"arrow.down.doc"_s, Ink::accent, 20), 0, Qt::AlignTop);
     row->addLayout(column, 1);
 }

@@ -1,5 +1,6 @@
 #include "QuorvelApp/library/Sidebar.h"
 
+#include "LaunchKit/InstanceRecord.h"
 #include "QuorvelApp/Components.h"
 #include "QuorvelApp/library/CloneRow.h"
 #include "QuorvelApp/widgets/ItemList.h"
@@ -20,19 +21,19 @@ Sidebar::Sidebar(AppModel& model, IconLoader& icons, QWidget* parent)
     setMinimumWidth(minimumColumnWidth);
     states_->addWidget(makeEmptyState());
     states_->addWidget(makeList(icons));
-    connect(&model_, &AppModel::clonesChanged, this, &Sidebar::takeClones);
+    connect(&model_, &AppModel::clonesChanged, this, &Sidebar::updateRows);
     connect(&model_, &AppModel::runningBundleIdsChanged, this,
             [this] { rows_.setRunning(model_.runningBundleIds()); });
     connect(&icons, &IconLoader::loaded, list_->viewport(),
             [this] { list_->viewport()->update(); });
-    takeClones();
+    updateRows();
 }
 
 QWidget* Sidebar::makeEmptyState() {
     auto* page = new QWidget(this);
     auto* column = new QVBoxLayout(page);
-    column->setContentsMargins(16, 16, 16, 16);
-    column->setSpacing(10);
+    column->setContentsMargins(Spacing::wide, Spacing::wide, Spacing::wide, Spacing::wide);
+    column->setSpacing(Spacing::loose);
     column->addStretch();
     column->addWidget(new SymbolView(u"square.on.square.dashed"_s, Ink::secondary, 42), 0,
                       Qt::AlignHCenter);
@@ -44,7 +45,7 @@ QWidget* Sidebar::makeEmptyState() {
     column->addWidget(text, 0, Qt::AlignHCenter);
     QPushButton* button = makeButton(tr("New Clone"), ButtonLook::prominent);
     connect(button, &QPushButton::clicked, this, &Sidebar::newCloneRequested);
-    column->addSpacing(4);
+    column->addSpacing(Spacing::tight);
     column->addWidget(button, 0, Qt::AlignHCenter);
     column->addStretch();
     return page;
@@ -53,10 +54,10 @@ QWidget* Sidebar::makeEmptyState() {
 QWidget* Sidebar::makeList(IconLoader& icons) {
     auto* page = new QWidget(this);
     auto* column = new QVBoxLayout(page);
-    column->setContentsMargins(0, 14, 0, 0);
-    column->setSpacing(6);
+    column->setContentsMargins(0, Spacing::group, 0, 0);
+    column->setSpacing(Spacing::close);
     QLabel* heading = makeLabel(tr("Clones"), TextStyle::captionMedium, Ink::secondary);
-    heading->setContentsMargins(18, 0, 18, 0);
+    heading->setContentsMargins(Spacing::section, 0, Spacing::section, 0);
     list_ = new ItemList;
     list_->setObjectName(u"clones"_s);
     list_->setAccessibleName(tr("Clones"));
@@ -79,8 +80,8 @@ QSize Sidebar::sizeHint() const {
     return {idealColumnWidth, 480};
 }
 
-void Sidebar::takeClones() {
-    taking_ = true;
+void Sidebar::updateRows() {
+    updating_ = true;
     rows_.setClones(model_.clones());
     const int row = selection_ ? rows_.rowOf(*selection_) : -1;
     if (row >= 0) {
@@ -88,7 +89,7 @@ void Sidebar::takeClones() {
     } else {
         list_->selectionModel()->clear();
     }
-    taking_ = false;
+    updating_ = false;
     states_->setCurrentIndex(model_.clones().empty() ? 0 : 1);
 }
 
@@ -100,8 +101,8 @@ void Sidebar::select(const std::string& id) {
 }
 
 void Sidebar::rowSelected() {
-    // Rows that come and go are not the user's choice; the selection stays, even of what is gone.
-    if (taking_) {
+    // Model updates must not change the selection, not even when its clone is gone.
+    if (updating_) {
         return;
     }
     const QModelIndexList rows = list_->selectionModel()->selectedIndexes();

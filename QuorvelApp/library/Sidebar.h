@@ -26,8 +26,10 @@ public:
     /// Both must outlive the widget.
     Sidebar(AppModel& model, IconLoader& icons, QWidget* parent = nullptr);
 
-    /// The clone's identity; nothing when none is selected. It outlives the clone's row.
+    /// The selected clone's identity, which stays after its row is gone; std::nullopt if no clone
+    /// is selected.
     [[nodiscard]] const std::optional<std::string>& selection() const { return selection_; }
+    /// Selects the clone with that identity, if it is listed.
     void select(const std::string& id);
 
     [[nodiscard]] QSize sizeHint() const override;
@@ -39,7 +41,7 @@ Q_SIGNALS:
 private:
     [[nodiscard]] QWidget* makeEmptyState();
     [[nodiscard]] QWidget* makeList(IconLoader& icons);
-    void takeClones();
+    void updateRows();
     void rowSelected();
 
     AppModel& model_;
@@ -47,7 +49,7 @@ private:
     QStackedLayout* states_;
     QListView* list_ = nullptr;
     std::optional<std::string> selection_{};
-    bool taking_ = false;
+    bool updating_ = false;
 };
 
 } // namespace quorvel

@@ -1,7 +1,6 @@
 #include "QuorvelApp/model/AppGridModel.h"
 
-#include "QuorvelApp/model/ShownText.h"
-#include "QuorvelApp/newclone/AppTile.h"
+#include "QuorvelApp/model/DisplayText.h"
 
 namespace quorvel {
 
@@ -51,11 +50,16 @@ QVariant AppGridModel::data(const QModelIndex& index, int role) const {
     const InstalledApp& item = app(index.row());
     switch (role) {
     case Qt::DisplayRole:
-        return shownLine(item.name);
+        return displayLine(item.name);
+    case PathRole:
+        return QVariant::fromValue(item.url);
     case SandboxedRole:
         return isSandboxed(item);
     case Qt::AccessibleDescriptionRole:
-        return isSandboxed(item) ? AppTile::sandboxHelp() : QString();
+        return isSandboxed(item)
+                   ? tr("Sandboxed — you'll get a separate Dock icon, but macOS won't let "
+                        "Quorvel isolate its data")
+                   : QString();
     default:
         return {};
     }

@@ -11,23 +11,28 @@
 
 namespace quorvel {
 
-/// The apps of the picker as items. Valid while the status map given to it is.
+/// The apps of the picker as items.
 class AppGridModel : public QAbstractListModel {
     Q_OBJECT
 
 public:
-    enum Role { SandboxedRole = Qt::UserRole };
+    /// `PathRole` is the bundle's `std::filesystem::path`. The accessible description is the help
+    /// for sandboxed apps.
+    enum Role { SandboxedRole = Qt::UserRole, PathRole };
 
-    /// `sandboxStatus` is by app path; an app that is missing there is unknown.
+    /// `sandboxStatus` is by app path and must outlive the model; a missing app's status is
+    /// unknown.
     explicit AppGridModel(const std::map<std::string, bool>& sandboxStatus,
                           QObject* parent = nullptr);
 
-    /// Nothing happens when these are the apps already.
+    /// Replaces the apps. Does nothing if they are the same.
     void setApps(std::vector<InstalledApp> apps);
+    /// Announces that the status of the app at `path` changed.
     void sandboxStatusChanged(const std::string& path);
 
+    /// Returns the app of a row. Throws `std::out_of_range` if there is no such row.
     [[nodiscard]] const InstalledApp& app(int row) const;
-    /// -1 when it is not there.
+    /// Returns the row of the app with that identity, or -1.
     [[nodiscard]] int rowOf(const std::string& id) const;
 
     [[nodiscard]] int rowCount(const QModelIndex& parent = {}) const override;

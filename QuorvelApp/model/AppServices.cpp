@@ -11,20 +11,20 @@ namespace {
 std::optional<ProbeResult> probeApp(const std::filesystem::path& app,
                                     const std::shared_ptr<Workspace>& workspace,
                                     const std::atomic<bool>& quitting) {
-    AppProber::Surroundings surroundings;
-    surroundings.workspace = workspace;
-    auto prober = AppProber::forApp(app, std::move(surroundings));
+    AppProber::Dependencies dependencies;
+    dependencies.workspace = workspace;
+    auto prober = AppProber::forApp(app, std::move(dependencies));
     if (!prober) {
         return std::nullopt;
     }
-    AppProber::Control control;
-    control.cancelled = &quitting;
-    return prober->run(control);
+    AppProber::Options options;
+    options.cancelled = &quitting;
+    return prober->run(options);
 }
 
 } // namespace
 
-AppServices AppServices::ofTheSystem() {
+AppServices AppServices::system() {
     AppServices services;
     services.workspace = makeSystemWorkspace();
     services.tasks = std::make_shared<ThreadPoolTasks>();

@@ -20,10 +20,10 @@
 
 namespace quorvel {
 
-/// Everything that the model does to the world, handed in so that it can be watched and replaced.
-/// The functions are called off the main thread, `after` on it.
+/// Everything the model does outside itself, passed in so that tests can watch and replace it. The
+/// functions are called off the main thread, `after` on it.
 struct AppServices {
-    /// Calls `then` on `context`'s thread when the time has passed, unless `context` is gone.
+    /// Calls `then` on `context`'s thread once `time` has passed, unless `context` is gone.
     using Delay = std::function<void(std::chrono::milliseconds time, QObject* context,
                                      std::function<void()> then)>;
 
@@ -32,16 +32,17 @@ struct AppServices {
     std::shared_ptr<BackgroundTasks> tasks{};
     std::function<std::vector<InstalledApp>()> scanCatalog{};
     std::function<std::optional<AppBundle>(const std::filesystem::path&)> readBundle{};
-    /// Throws, for one, `RefusedRequest` rather than replace what is no clone.
+    /// Returns the new wrapper. Throws what the factory throws, and `RefusedRequest` rather than
+    /// replace something that is not a clone.
     std::function<std::filesystem::path(const WrapperFactory::Request&)> createWrapper{};
-    /// Nothing when the bundle can't be probed at all; throws when the probe fails.
+    /// Returns std::nullopt if the bundle can't be probed at all; throws if the probe fails.
     std::function<std::optional<ProbeResult>(const std::filesystem::path&)> probe{};
     Delay after{};
-    /// Set when the application ends: a probe under way gives up. Never null in `ofTheSystem()`.
+    /// Set when the application ends: a probe under way gives up. Never null in `system()`.
     std::shared_ptr<std::atomic<bool>> quitting{};
 
-    /// The real ones.
-    [[nodiscard]] static AppServices ofTheSystem();
+    /// Returns the services of this computer.
+    [[nodiscard]] static AppServices system();
 };
 
 } // namespace quorvel

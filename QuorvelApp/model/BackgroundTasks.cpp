@@ -7,7 +7,7 @@
 namespace quorvel {
 namespace {
 
-// A probe holds its thread for many seconds; others must not wait behind it.
+// A probe occupies its thread for many seconds; other work must not wait for it.
 constexpr int fewestUserInitiatedThreads = 4;
 
 } // namespace

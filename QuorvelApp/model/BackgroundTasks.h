@@ -15,10 +15,10 @@
 
 namespace quorvel {
 
-/// How soon a person waits for the result.
+/// How urgently the user waits for the result.
 enum class TaskPriority { userInitiated, utility };
 
-/// Runs work off the main thread and brings its result back. The one place where threads meet.
+/// Runs work off the main thread and brings its result back: the only place where threads meet.
 class BackgroundTasks {
 public:
     BackgroundTasks() = default;
@@ -30,7 +30,8 @@ public:
     virtual void start(TaskPriority priority, std::function<void()> work) = 0;
 
     /// Runs `work` at that priority, then `then` with its result on `context`'s thread, unless
-    /// `context` is gone by then. What either throws is thrown by the future's `result()`.
+    /// `context` no longer exists. Returns the future of what `then` returns; its `result()` throws
+    /// what either of them threw.
     template<typename Work, typename Then>
     auto detached(TaskPriority priority, QObject* context, Work work, Then then) {
         using Result = std::invoke_result_t<Work>;
@@ -79,12 +80,12 @@ private:
     }
 };
 
-/// Two pools of threads of ours, one for each priority.
+/// Two thread pools, one for each priority.
 class ThreadPoolTasks final : public BackgroundTasks {
 public:
     ThreadPoolTasks();
-    /// Waits for what a person asked for, so that nothing is left half-written; what has not begun
-    /// at utility priority is dropped.
+    /// Waits for user-initiated work, so that nothing is left half-written; utility work that has
+    /// not started is dropped.
     ~ThreadPoolTasks() override;
 
     void start(TaskPriority priority, std::function<void()> work) override;

@@ -1,8 +1,10 @@
 #include "QuorvelApp/model/CloneListModel.h"
 
-#include "QuorvelApp/model/DisplayTexts.h"
+#include "LaunchKit/InstanceRecord.h"
+#include "LaunchKit/WrapperLayout.h"
+#include "Presentation/CloneFacts.h"
+#include "QuorvelApp/model/DisplayText.h"
 #include "QuorvelApp/model/QtText.h"
-#include "QuorvelApp/model/ShownText.h"
 
 #include <algorithm>
 #include <unordered_map>
@@ -19,12 +21,21 @@ std::unordered_set<std::string> idsOf(const std::vector<InstanceRecord>& clones)
     return ids;
 }
 
-// Two listings of one folder never do that; two search folders that are one do.
+// Never in a listing of one folder; but two search folders may be the same one.
 bool hasRepeated(const std::vector<InstanceRecord>& clones) {
     return idsOf(clones).size() != clones.size();
 }
 
 } // namespace
+
+// Without a look at the disk: this is asked at each painting.
+std::filesystem::path iconPathOf(const InstanceRecord& clone) {
+    return iconOf(clone.id());
+}
+
+CloneListModel::CloneListModel(QObject* parent) : QAbstractListModel(parent) {}
+
+CloneListModel::~CloneListModel() = default;
 
 void CloneListModel::setClones(const std::vector<InstanceRecord>& clones) {
     if (hasRepeated(clones) || hasRepeated(clones_) || !keepsOrder(clones)) {
@@ -122,18 +133,20 @@ QVariant CloneListModel::data(const QModelIndex& index, int role) const {
     const bool running = running_.contains(record.config.bundleId);
     switch (role) {
     case NameRole:
-        return shownLine(record.config.displayName);
+        return displayLine(record.config.displayName);
     case SummaryRole:
-        return shownLine(sourceSummary(record.config));
+        return displayLine(sourceSummary(record.config));
     case RunningRole:
         return running;
+    case IconPathRole:
+        return QVariant::fromValue(iconPathOf(record));
     case IdRole:
         return qtText(record.id());
     case Qt::AccessibleTextRole:
-        return running ? tr("%1, Running").arg(shownLine(record.config.displayName))
-                       : shownLine(record.config.displayName);
+        return running ? tr("%1, Running").arg(displayLine(record.config.displayName))
+                       : displayLine(record.config.displayName);
     case Qt::AccessibleDescriptionRole:
-        return shownLine(sourceSummary(record.config));
+        return displayLine(sourceSummary(record.config));
     default:
         return {};
     }

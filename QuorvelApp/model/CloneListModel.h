@@ -1,30 +1,45 @@
 #pragma once
 
-#include "LaunchKit/InstanceRegistry.h"
-
 #include <QAbstractListModel>
 
+#include <filesystem>
 #include <set>
 #include <string>
 #include <vector>
 
 namespace quorvel {
 
-/// The clones as rows. New lists are taken over row by row, so that views keep their selection and
-/// their place.
+struct InstanceRecord;
+
+/// Returns the file of a clone's icon, which may not exist.
+[[nodiscard]] std::filesystem::path iconPathOf(const InstanceRecord& clone);
+
+/// The clones as rows. A new list is merged row by row, so that views keep their selection and
+/// scroll position.
 class CloneListModel : public QAbstractListModel {
     Q_OBJECT
 
 public:
-    enum Role { NameRole = Qt::DisplayRole, SummaryRole = Qt::UserRole, RunningRole, IdRole };
+    /// `IconPathRole` is a `std::filesystem::path`.
+    enum Role {
+        NameRole = Qt::DisplayRole,
+        SummaryRole = Qt::UserRole,
+        RunningRole,
+        IconPathRole,
+        IdRole
+    };
 
-    using QAbstractListModel::QAbstractListModel;
+    explicit CloneListModel(QObject* parent = nullptr);
+    ~CloneListModel() override;
 
+    /// Replaces the clones.
     void setClones(const std::vector<InstanceRecord>& clones);
+    /// Replaces the bundle identifiers of the wrappers that run.
     void setRunning(const std::set<std::string>& bundleIds);
 
+    /// Returns the clone of a row. Throws `std::out_of_range` if there is no such row.
     [[nodiscard]] const InstanceRecord& clone(int row) const;
-    /// -1 when there is none.
+    /// Returns the row of the clone with that identity, or -1.
     [[nodiscard]] int rowOf(const std::string& id) const;
 
     [[nodiscard]] int rowCount(const QModelIndex& parent = {}) const override;
@@ -35,7 +50,7 @@ private:
     void removeVanished(const std::vector<InstanceRecord>& clones);
     void insertNew(const std::vector<InstanceRecord>& clones);
 
-    std::vector<InstanceRecord> clones_{};
+    std::vector<InstanceRecord> clones_;
     std::set<std::string> running_{};
 };
 

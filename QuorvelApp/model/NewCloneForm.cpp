@@ -1,11 +1,13 @@
 #include "QuorvelApp/model/NewCloneForm.h"
 
+#include "Base/PathText.h"
 #include "Base/Text.h"
+#include "LaunchKit/InstanceRecord.h"
 #include "Platform/desktop/UserLocale.h"
-#include "Platform/files/FileSystem.h"
-#include "QuorvelApp/model/AutomaticNames.h"
-#include "QuorvelApp/model/DisplayTexts.h"
+#include "Presentation/CloneNaming.h"
+#include "Presentation/StrategyTexts.h"
 #include "QuorvelApp/model/QtText.h"
+#include "QuorvelApp/model/Translated.h"
 
 #include <QString>
 
@@ -43,13 +45,13 @@ QStringList pieces(const QString& text, Separates separates) {
     return result;
 }
 
-std::optional<IconLabel> iconLabel(const NewCloneForm& form) {
+std::optional<IconLabel> labelOf(const NewCloneForm& form) {
     std::string text = trimmingWhitespace(form.iconLabelText);
     if (text.empty()) {
         return std::nullopt;
     }
     return IconLabel{.text = std::move(text),
-                     .colorHex = hexRGB(form.iconLabelColor),
+                     .colorHex = form.iconLabelColor,
                      .position = IconLabel::Position::bottom};
 }
 
@@ -94,21 +96,23 @@ bool NewCloneForm::canCreate() const {
 }
 
 std::string NewCloneForm::cloneNameOrPlaceholder() const {
-    return nothingIfEmpty(trimmingWhitespace(cloneName)).value_or("Name");
+    return nothingIfEmpty(trimmingWhitespace(cloneName)).value_or(tr("Name").toStdString());
 }
 
 std::string NewCloneForm::savedToText() const {
-    return "Saved to ~/Applications/" + cloneNameOrPlaceholder() + ".app";
+    return sentence(tr("Saved to ~/Applications/%1.app"), {cloneNameOrPlaceholder()});
 }
 
 std::string NewCloneForm::replacementText(const std::vector<InstanceRecord>& clones) const {
     const std::filesystem::path place = WrapperFactory::wrapperURL(makeRequest());
     const auto replaced = std::find_if(clones.begin(), clones.end(),
                                        [&](const auto& clone) { return clone.bundleURL == place; });
-    return replaced == clones.end() ? std::string()
-                                    : "“" + replaced->config.displayName +
-                                          "” is there already. Creating this clone replaces it; "
-                                          "its data stays.";
+    return replaced == clones.end()
+               ? std::string()
+               : sentence(
+                     tr("“%1” already exists. Creating this clone will replace it; its data is "
+                        "kept."),
+                     {replaced->config.displayName});
 }
 
 std::string NewCloneForm::strategyCaption() const {
@@ -116,12 +120,10 @@ std::string NewCloneForm::strategyCaption() const {
 }
 
 WrapperFactory::Request NewCloneForm::makeRequest() const {
-    WrapperFactory::Request request;
-    request.kind = shortcutType;
+    WrapperFactory::Request request{CloneTarget{.kind = shortcutType}, *this};
     fillTarget(request, *this);
     request.displayName = trimmingWhitespace(cloneName);
     request.instanceHome = nothingIfEmpty(trimmingWhitespace(dataPath));
-    request.strategy = strategy;
     request.customIcon = customIcon;
     request.hideWrapperIcon = hideDockIcon;
     if (auto words = splitIntoWords(argsText); !words.empty()) {
@@ -129,12 +131,7 @@ WrapperFactory::Request NewCloneForm::makeRequest() const {
     }
     request.environment = parseKeyValues(envText);
     request.infoPlistOverrides = parseKeyValues(plistText);
-    request.registerAsBrowser = registerBrowser;
-    request.openWithPassthrough = openWith;
-    request.iconLabel = iconLabel(*this);
-    request.menuBarIcon = menuBarIcon;
-    request.menuBarIconTemplate = menuBarTemplate;
-    request.shareUserFolders = shareUserFolders;
+    request.iconLabel = labelOf(*this);
     return request;
 }
 
@@ -152,32 +149,16 @@ std::vector<InstalledApp> NewCloneForm::filtered(const std::vector<InstalledApp>
 }
 
 std::string NewCloneForm::noAppsText() const {
-    return search.empty() ? "No apps found." : "No apps match “" + search + "”.";
+    return search.empty() ? tr("No apps found.").toStdString()
+                          : sentence(tr("No apps match “%1”."), {search});
 }
 
 void NewCloneForm::select(const InstalledApp& app, std::string suggestedName) {
     selected = app;
     cloneName = std::move(suggestedName);
     automaticName.clear();
-    strategy = Strategy::homeOverride;
-    detectNote.reset();
-    strategyReason = "Checking how " + app.name + " stores its data…";
-    selectedSandboxed = false;
-
-    const NewCloneForm defaults;
-    dataPath = defaults.dataPath;
-    argsText = defaults.argsText;
-    envText = defaults.envText;
-    plistText = defaults.plistText;
-    iconLabelText = defaults.iconLabelText;
-    customIcon = defaults.customIcon;
-    hideDockIcon = defaults.hideDockIcon;
-    registerBrowser = defaults.registerBrowser;
-    openWith = defaults.openWith;
-    menuBarIcon = defaults.menuBarIcon;
-    menuBarTemplate = defaults.menuBarTemplate;
-    iconLabelColor = defaults.iconLabelColor;
-    shareUserFolders = defaults.shareUserFolders;
+    strategyReason = sentence(tr("Checking how %1 stores its data…"), {app.name});
+    static_cast<AppSettings&>(*this) = AppSettings{};
 }
 
 void NewCloneForm::autoNameIfNeeded() {
@@ -228,16 +209,18 @@ void NewCloneForm::beginDetecting() {
 
 void NewCloneForm::detected(Strategy recommended) {
     if (recommended == Strategy::unsupported) {
-        detectNote = "This app resists cloning (singleton). It may not stay isolated.";
+        detectNote =
+            tr("This app resists cloning (singleton). It may not stay isolated.").toStdString();
     } else {
         strategy = recommended;
-        detectNote = "Detected: " + strategyLabel(rawString(recommended)) + ".";
+        detectNote =
+            sentence(tr("Detected: %1."), {strategyLabel(rawString(recommended), translated)});
     }
     detecting = false;
 }
 
 void NewCloneForm::detectionFailed(std::string_view description) {
-    detectNote = "Couldn't detect: " + std::string(description);
+    detectNote = sentence(tr("Couldn't detect: %1"), {description});
     detecting = false;
 }
 

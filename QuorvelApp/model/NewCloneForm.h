@@ -1,10 +1,10 @@
 #pragma once
 
 #include "LaunchKit/AppCatalog.h"
-#include "LaunchKit/InstanceRegistry.h"
+#include "LaunchKit/CloneOptions.h"
 #include "LaunchKit/WrapperFactory.h"
 
-#include <QColor>
+#include <QCoreApplication>
 
 #include <array>
 #include <filesystem>
@@ -16,9 +16,30 @@
 
 namespace quorvel {
 
+struct InstanceRecord;
+
+/// What the sheet's advanced options and its strategy hold. All of it returns to these defaults
+/// when another app is chosen. Of the `CloneOptions`, texts and icon label follow from the texts
+/// here.
+struct AppSettings : CloneOptions {
+    std::string dataPath{};
+    std::string argsText{};
+    std::string envText{};   ///< one KEY=VALUE per line
+    std::string plistText{}; ///< one KEY=VALUE per line
+    std::optional<std::filesystem::path> customIcon{};
+    bool hideDockIcon = false;
+    std::string iconLabelText{};
+    std::string iconLabelColor = "#FFFFFF"; ///< as `hexRGB` writes it
+    std::optional<std::string> detectNote{};
+    bool selectedSandboxed = false;
+};
+
 /// What the new-clone sheet holds, and what follows from it: a value without any widget. A new
 /// sheet begins with these defaults.
-struct NewCloneForm {
+struct NewCloneForm : AppSettings {
+    Q_DECLARE_TR_FUNCTIONS(NewCloneForm)
+
+public:
     ShortcutKind shortcutType = ShortcutKind::app;
     std::string search{}; ///< the app picker's filter
     std::optional<InstalledApp> selected{};
@@ -28,71 +49,61 @@ struct NewCloneForm {
     std::string commandArgsText{};
     std::string workdir{};
     std::string cloneName{};
-    std::string automaticName{}; ///< what `autoNameIfNeeded` gave last; empty once it was edited
-    Strategy strategy = Strategy::homeOverride;
+    std::string automaticName{}; ///< from the last `autoNameIfNeeded`; empty once it was edited
     bool launchAfter = true;
-    bool shareUserFolders = true;
     bool creating = false; ///< a creation is under way
     bool showAdvanced = false;
-    std::string dataPath{};
-    std::string argsText{};
-    std::string envText{}; ///< one KEY=VALUE a line
-    std::optional<std::filesystem::path> customIcon{};
-    bool hideDockIcon = false;
-    std::string plistText{}; ///< one KEY=VALUE a line
-    bool registerBrowser = false;
-    bool openWith = false;
-    std::string iconLabelText{};
-    QColor iconLabelColor = Qt::white;
-    bool menuBarIcon = false;
-    bool menuBarTemplate = false;
     std::string strategyReason{};
-    bool selectedSandboxed = false;
     bool detecting = false; ///< a detection is under way
-    std::optional<std::string> detectNote{};
 
-    /// Whether there is something to run.
+    /// Returns whether there is something to run.
     [[nodiscard]] bool hasTarget() const;
+    /// Returns whether there is a target and a name, and no creation is under way.
     [[nodiscard]] bool canCreate() const;
-    /// The trimmed name; "Name" while there is none.
+    /// Returns the trimmed name; "Name" while there is none.
     [[nodiscard]] std::string cloneNameOrPlaceholder() const;
-    /// "Saved to ~/Applications/NAME.app".
+    /// Returns "Saved to ~/Applications/NAME.app".
     [[nodiscard]] std::string savedToText() const;
-    /// The warning that the clone takes the place of one of these; empty when it does not.
+    /// Returns the warning that the clone replaces one of these; empty if it does not.
     [[nodiscard]] std::string replacementText(const std::vector<InstanceRecord>& clones) const;
-    /// What stands below the strategy.
+    /// Returns the caption of the strategy: how the detection went, else why it is proposed.
     [[nodiscard]] std::string strategyCaption() const;
-    /// The request that the form amounts to. Can't fail; the factory judges it.
+    /// Returns the request that the form amounts to. Can't fail; the factory validates it.
     [[nodiscard]] WrapperFactory::Request makeRequest() const;
 
-    /// The apps whose name contains the trimmed search text, in their order.
+    /// Returns the apps whose name contains the trimmed search text, in their order.
     [[nodiscard]] std::vector<InstalledApp>
     filtered(const std::vector<InstalledApp>& catalog) const;
-    /// What stands in place of the grid when `filtered` is empty.
+    /// Returns what is shown instead of the grid when `filtered` is empty.
     [[nodiscard]] std::string noAppsText() const;
 
-    /// Takes the app as target under that name, with every advanced option back at its default.
+    /// Takes the app as target under that name, with all `AppSettings` back at their defaults.
     void select(const InstalledApp& app, std::string suggestedName);
     /// Names a web or command clone after its target, unless it has a name from elsewhere. A target
     /// that gives no name takes an earlier one's back.
     void autoNameIfNeeded();
     /// The name is the user's from here on.
     void nameEdited();
+    /// `file` becomes the target, and names a clone that has no name.
     void chooseFile(const std::filesystem::path& file);
+    /// `command` becomes the target, and names the clone as `autoNameIfNeeded` does.
     void chooseCommand(const std::filesystem::path& command);
-    /// `folder` becomes the data location, with the clone's name behind it.
+    /// `folder` followed by the clone's name becomes the data location.
     void chooseDataFolder(const std::filesystem::path& folder);
 
+    /// A detection begins.
     void beginDetecting();
+    /// It ended with this recommendation, which is taken over unless it is `unsupported`.
     void detected(Strategy recommended);
+    /// It failed with this error.
     void detectionFailed(std::string_view description);
 };
 
-/// One entry for each line with "=" and a key before it. The key is trimmed, the value is not; the
-/// last line of a key counts.
+/// Returns one entry for each line with "=" and a key before it. The key is trimmed, the value is
+/// not; the last line of a key counts.
 [[nodiscard]] std::map<std::string, std::string> parseKeyValues(std::string_view text);
 
-/// The pieces between white space of every kind.
+/// Returns the pieces between white space of every kind.
 [[nodiscard]] std::vector<std::string> splitIntoWords(std::string_view text);
 
 /// The strategies that can be chosen, in the order shown.

@@ -1,5 +1,8 @@
 #include "QuorvelApp/model/NewCloneSession.h"
 
+#include "LaunchKit/InstanceRecord.h"
+#include "QuorvelApp/model/Translated.h"
+
 #include <QPointer>
 
 namespace quorvel {
@@ -15,18 +18,18 @@ void NewCloneSession::edit(const std::function<void(NewCloneForm&)>& change) {
 }
 
 void NewCloneSession::choose(
-    FilePanels::Panel panel, QWidget* over,
+    FilePanels::Panel panel, QObject* window,
     const std::function<void(NewCloneForm&, const std::filesystem::path&)>& take) {
     const QPointer<NewCloneSession> self(this);
-    const auto chosen = panel(over);
+    const auto chosen = panel(window);
     if (self && chosen) {
         edit([&](NewCloneForm& form) { take(form, *chosen); });
     }
 }
 
-void NewCloneSession::chooseIcon(QWidget* over) {
+void NewCloneSession::chooseIcon(QObject* window) {
     const QPointer<NewCloneSession> self(this);
-    const auto chosen = panels_.icon(over);
+    const auto chosen = panels_.icon(window);
     if (self && chosen) {
         enterIcon(*chosen);
     }
@@ -44,8 +47,8 @@ void NewCloneSession::enterIcon(const std::filesystem::path& icon) {
             checkedIcon_ = icon;
         } else {
             edit([&](NewCloneForm& form) { form.customIcon = checkedIcon_; });
-            model_.setLastError("Couldn't use the icon: " + icon.string() +
-                                " is not a readable .icns file");
+            model_.setLastError(sentence(
+                tr("Couldn't use the icon: %1 is not a readable .icns file"), {icon.native()}));
         }
     });
 }
@@ -81,7 +84,7 @@ void NewCloneSession::create() {
         return;
     }
     edit([](NewCloneForm& form) { form.creating = true; });
-    // The outcome is told even when the sheet has been closed meanwhile.
+    // The outcome is reported even if the sheet has been closed meanwhile.
     model_.createClone(form_.makeRequest(), form_.launchAfter)
         .then(&model_,
               [&model = model_, self = QPointer(this)](const QFuture<InstanceRecord>& outcome) {
@@ -112,7 +115,7 @@ void NewCloneSession::detect() {
             edit([&](NewCloneForm& form) {
                 form.detecting = false;
                 if (form.selected != app) {
-                    return; // what was found out is of no use to the app selected since
+                    return; // the result is about another app than the one selected now
                 }
                 try {
                     form.detected(outcome.result().strategy);

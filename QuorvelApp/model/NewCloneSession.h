@@ -1,8 +1,8 @@
 #pragma once
 
 #include "QuorvelApp/AppModel.h"
+#include "QuorvelApp/model/FilePanels.h"
 #include "QuorvelApp/model/NewCloneForm.h"
-#include "QuorvelApp/widgets/FilePanels.h"
 
 #include <QObject>
 
@@ -11,7 +11,7 @@
 namespace quorvel {
 
 /// One showing of the new-clone sheet: its form, and what the form asks of the model. The panes
-/// change the form here and read it anew at each `changed`.
+/// change the form here and read it again at each `changed`.
 class NewCloneSession : public QObject {
     Q_OBJECT
 
@@ -19,7 +19,7 @@ public:
     /// `model` must outlive the session.
     NewCloneSession(AppModel& model, FilePanels panels, QObject* parent = nullptr);
 
-    /// The last chosen icon that has proved to be an icon file; a refused choice returns to it.
+    /// The last chosen icon known to be an icon file, to which a refused choice returns.
     [[nodiscard]] const std::optional<std::filesystem::path>& checkedIcon() const {
         return checkedIcon_;
     }
@@ -27,14 +27,16 @@ public:
     [[nodiscard]] AppModel& model() const { return model_; }
     [[nodiscard]] const FilePanels& panels() const { return panels_; }
 
+    /// Changes the form, then emits `changed`.
     void edit(const std::function<void(NewCloneForm&)>& change);
-    /// Asks with one of the panels, over a widget, and has `take` enter the answer. The sheet, and
-    /// this session with it, may be gone by then.
-    void choose(FilePanels::Panel panel, QWidget* over,
+    /// Shows one of the panels over `window` and has `take` enter the answer. The sheet, and this
+    /// session with it, may be gone when the panel closes.
+    void choose(FilePanels::Panel panel, QObject* window,
                 const std::function<void(NewCloneForm&, const std::filesystem::path&)>& take);
-    /// Asks for an icon file and enters it. When it turns out to be none, that becomes the model's
-    /// `lastError`, and the icon before it returns.
-    void chooseIcon(QWidget* over);
+    /// Shows the panel for an icon file over `window` and enters the answer. If it turns out not to
+    /// be an icon file, that becomes the model's `lastError`, and the previous icon returns.
+    void chooseIcon(QObject* window);
+    /// Returns to the target's own icon.
     void clearIcon();
     /// Takes the app as target and finds out how it stores its data.
     void select(const InstalledApp& app);

@@ -51,8 +51,9 @@ AdvancedOptions::AdvancedOptions(NewCloneSession& session, IconLoader& icons)
     addMenuBarBoxes();
     addCheckBox(column_, tr("Hide this clone's Dock icon (menu-bar/background app)"),
                 &NewCloneForm::hideDockIcon);
-    addCheckBox(column_, tr("Register as a browser / URL handler"), &NewCloneForm::registerBrowser);
-    addCheckBox(column_, tr("Show in Finder's “Open With”"), &NewCloneForm::openWith);
+    addCheckBox(column_, tr("Register as a browser / URL handler"),
+                &NewCloneForm::registerAsBrowser);
+    addCheckBox(column_, tr("Show in Finder's “Open With”"), &NewCloneForm::openWithPassthrough);
     addIsolation();
 }
 
@@ -71,7 +72,7 @@ void AdvancedOptions::addBlock(const QString& label, QWidget* control, const QSt
 QCheckBox* AdvancedOptions::addCheckBox(QVBoxLayout* column, const QString& label,
                                         bool NewCloneForm::*field, bool whenChecked) {
     auto* box = new WrappingCheckBox(label);
-    bind(session_, box->box(), field, whenChecked);
+    bindField(session_, box->box(), field, whenChecked);
     column->addWidget(box);
     return box->box();
 }
@@ -80,7 +81,7 @@ QWidget* AdvancedOptions::makeDataLocation() {
     auto* widget = new QWidget;
     auto* field = new QLineEdit;
     field->setAccessibleName(tr("Data location"));
-    bind(session_, field, &NewCloneForm::dataPath);
+    bindField(session_, field, &NewCloneForm::dataPath);
     const auto showPlaceholder = [this, field] {
         field->setPlaceholderText(QStringLiteral("~/QuorvelInstances/") +
                                   qtText(session_.form().cloneNameOrPlaceholder()));
@@ -106,12 +107,14 @@ QWidget* AdvancedOptions::makeIconLabel() {
     auto* field = new QLineEdit;
     field->setPlaceholderText(tr("e.g. WORK"));
     field->setAccessibleName(tr("Icon label"));
-    bind(session_, field, &NewCloneForm::iconLabelText);
+    bindField(session_, field, &NewCloneForm::iconLabelText);
     auto* well = new ColorWell;
-    const auto showColor = [this, well] { well->setColor(session_.form().iconLabelColor); };
+    const auto showColor = [this, well] {
+        well->setColor(QColor(qtText(session_.form().iconLabelColor)));
+    };
     connect(&session_, &NewCloneSession::changed, well, showColor);
     connect(well, &ColorWell::colorChosen, &session_, [this](const QColor& color) {
-        session_.edit([&](NewCloneForm& form) { form.iconLabelColor = color; });
+        session_.edit([&](NewCloneForm& form) { form.iconLabelColor = hexRGB(color); });
     });
     showColor();
     auto* row = makeRow(widget);
@@ -125,7 +128,7 @@ QWidget* AdvancedOptions::makeArguments() {
     auto* field = new QLineEdit;
     field->setPlaceholderText(QStringLiteral("--flag value"));
     field->setAccessibleName(tr("Launch arguments"));
-    bind(session_, field, &NewCloneForm::argsText);
+    bindField(session_, field, &NewCloneForm::argsText);
     return field;
 }
 
@@ -135,7 +138,7 @@ QWidget* AdvancedOptions::makeEditor(const QString& name, std::string NewCloneFo
     editor->setFont(monospacedFont());
     editor->setTabChangesFocus(true);
     editor->setAccessibleName(name);
-    bind(session_, editor, field);
+    bindField(session_, editor, field);
     return editor;
 }
 
@@ -144,7 +147,7 @@ void AdvancedOptions::addMenuBarBoxes() {
     addCheckBox(boxes, tr("Show a menu-bar icon while running"), &NewCloneForm::menuBarIcon);
     QVBoxLayout* second = makeColumn(0);
     QCheckBox* monochrome = addCheckBox(second, tr("Menu-bar icon as monochrome (template)"),
-                                        &NewCloneForm::menuBarTemplate);
+                                        &NewCloneForm::menuBarIconTemplate);
     auto* indented = new QHBoxLayout; // whose spacing mirrors, as margins do not
     indented->setSpacing(0);
     indented->addSpacing(18);

@@ -1,7 +1,7 @@
 #include "QuorvelApp/newclone/AppPicker.h"
 
 #include "QuorvelApp/Components.h"
-#include "QuorvelApp/model/ShownText.h"
+#include "QuorvelApp/model/DisplayText.h"
 
 #include <QKeyEvent>
 #include <QMouseEvent>
@@ -156,7 +156,7 @@ void AppPicker::refresh() {
     showRing(apps_.rowOf(ringed));
     showSelected();
     refreshing_ = false;
-    nothing_->setText(breakable(shownLine(session_.form().noAppsText())));
+    nothing_->setText(breakable(displayLine(session_.form().noAppsText())));
     states_->setCurrentIndex(model.catalogLoading() && model.catalog().empty() ? 0
                              : apps_.rowCount() == 0                           ? 1
                                                                                : 2);
@@ -188,7 +188,8 @@ void AppPicker::tileSelected() {
     }
 }
 
-void AppPicker::tileAppeared(const InstalledApp& app) {
+void AppPicker::tileAppeared(const QModelIndex& tile) {
+    const InstalledApp& app = apps_.app(tile.row());
     // Asked once a sheet: a tile is painted over and over.
     if (asked_.insert(app.id()).second) {
         session_.model().ensureSandboxStatus(app);

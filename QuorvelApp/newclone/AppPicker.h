@@ -55,7 +55,7 @@ private:
     void showRing(int row);
     void showSelected();
     void tileSelected();
-    void tileAppeared(const InstalledApp& app);
+    void tileAppeared(const QModelIndex& tile);
 
     NewCloneSession& session_;
     AppGridModel apps_;

@@ -1,6 +1,6 @@
 #include "QuorvelApp/newclone/AppTile.h"
 
-#include "QuorvelApp/model/ShownText.h"
+#include "QuorvelApp/model/DisplayText.h"
 #include "QuorvelApp/theme/Symbols.h"
 #include "QuorvelApp/theme/Theme.h"
 #include "QuorvelApp/widgets/CrispPixmap.h"
@@ -70,11 +70,6 @@ void paintLock(QPainter* painter, const QRect& badge, const Colors& colors) {
 
 AppTile::AppTile(IconLoader& icons, QObject* parent) : QStyledItemDelegate(parent), icons_(icons) {}
 
-QString AppTile::sandboxHelp() {
-    return tr("Sandboxed — you'll get a separate Dock icon, but macOS won't let Quorvel isolate "
-              "its data");
-}
-
 QRect AppTile::tileRect(const QRect& cell) {
     const int half = spacing / 2;
     return cell.adjusted(half, half, -half, -half);
@@ -96,20 +91,20 @@ QRect AppTile::badgeRect(const QStyleOptionViewItem& option) {
 void AppTile::paint(QPainter* painter, const QStyleOptionViewItem& option,
                     const QModelIndex& index) const {
     const Colors& colors = colorsFor(option.palette);
-    const InstalledApp& app = qobject_cast<const AppGridModel*>(index.model())->app(index.row());
+    const auto path = index.data(AppGridModel::PathRole).value<std::filesystem::path>();
     painter->save();
     painter->setRenderHint(QPainter::Antialiasing);
     paintGround(painter, option, colors);
     paintRing(painter, option, colors);
     drawCrisp(*painter, iconRect(option),
-              icons_.icon(app.url, iconSize, painter->device()->devicePixelRatioF()));
+              icons_.icon(path, iconSize, painter->device()->devicePixelRatioF()));
     if (index.data(AppGridModel::SandboxedRole).toBool()) {
         paintLock(painter, badgeRect(option), colors);
     }
     painter->setPen(colors.text);
     TileText::paint(painter, nameRect(option), index.data().toString());
     painter->restore();
-    Q_EMIT appeared(app);
+    Q_EMIT appeared(index);
 }
 
 QSize AppTile::sizeHint(const QStyleOptionViewItem&, const QModelIndex&) const {
@@ -121,7 +116,7 @@ bool AppTile::helpEvent(QHelpEvent* event, QAbstractItemView* view,
     QString text;
     if (index.data(AppGridModel::SandboxedRole).toBool() &&
         badgeRect(option).adjusted(-4, -4, 4, 4).contains(event->pos())) {
-        text = sandboxHelp();
+        text = index.data(Qt::AccessibleDescriptionRole).toString();
     } else if (TileText::isElided(index.data().toString(), nameRect(option).width())) {
         text = toolTipText(index.data().toString());
     }

@@ -20,8 +20,6 @@ public:
 
     explicit AppTile(IconLoader& icons, QObject* parent = nullptr);
 
-    [[nodiscard]] static QString sandboxHelp();
-
     /// Where the tile is in its cell, which has the spacing around it.
     [[nodiscard]] static QRect tileRect(const QRect& cell);
 
@@ -36,8 +34,8 @@ public:
                    const QModelIndex& index) override;
 
 Q_SIGNALS:
-    /// The tile was painted, so it is in view.
-    void appeared(const InstalledApp& app) const;
+    /// The tile of `index` was painted, so it is in view.
+    void appeared(const QModelIndex& index) const;
 
 private:
     [[nodiscard]] static QRect iconRect(const QStyleOptionViewItem& option);

@@ -1,7 +1,7 @@
 #include "QuorvelApp/newclone/ConfigurationHeader.h"
 
 #include "QuorvelApp/Components.h"
-#include "QuorvelApp/model/ShownText.h"
+#include "QuorvelApp/model/DisplayText.h"
 #include "QuorvelApp/widgets/CopyableLabel.h"
 
 #include <QHBoxLayout>
@@ -21,16 +21,17 @@ struct Summary {
 Summary summaryOf(const NewCloneForm& form) {
     switch (form.shortcutType) {
     case ShortcutKind::web:
-        return {u"globe"_s, ConfigurationHeader::tr("Web App"), shownLine(form.webURL)};
+        return {u"globe"_s, ConfigurationHeader::tr("Web App"), displayLine(form.webURL)};
     case ShortcutKind::file:
-        return {u"folder"_s, ConfigurationHeader::tr("File / Folder"), shownLine(form.filePath)};
+        return {u"folder"_s, ConfigurationHeader::tr("File / Folder"), displayLine(form.filePath)};
     case ShortcutKind::command:
-        return {u"terminal"_s, ConfigurationHeader::tr("Command"), shownLine(form.commandPathText)};
+        return {u"terminal"_s, ConfigurationHeader::tr("Command"),
+                displayLine(form.commandPathText)};
     case ShortcutKind::app:
         break;
     }
-    return form.selected ? Summary{u"app"_s, shownLine(form.selected->name),
-                                   shownLine(form.selected->url.native())}
+    return form.selected ? Summary{u"app"_s, displayLine(form.selected->name),
+                                   displayLine(form.selected->url.native())}
                          : Summary{u"app"_s, {}, {}};
 }
 

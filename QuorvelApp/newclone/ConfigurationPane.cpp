@@ -1,7 +1,7 @@
 #include "QuorvelApp/newclone/ConfigurationPane.h"
 
 #include "QuorvelApp/Components.h"
-#include "QuorvelApp/model/ShownText.h"
+#include "QuorvelApp/model/DisplayText.h"
 #include "QuorvelApp/newclone/AdvancedOptions.h"
 #include "QuorvelApp/newclone/ConfigurationHeader.h"
 #include "QuorvelApp/newclone/FormBindings.h"
@@ -94,7 +94,7 @@ QWidget* ConfigurationPane::makeSettings(IconLoader& icons) {
     warning_ = makeWarning(sandboxed);
     strategy_ = new StrategySection(session_);
     auto* launch = new QCheckBox(tr("La&unch after creating"));
-    bind(session_, launch, &NewCloneForm::launchAfter);
+    bindField(session_, launch, &NewCloneForm::launchAfter);
     auto* advanced =
         new DisclosureGroup(tr("&Advanced options"), new AdvancedOptions(session_, icons));
     connect(advanced, &DisclosureGroup::toggled, this, [this](bool expanded) {
@@ -122,7 +122,7 @@ QWidget* ConfigurationPane::makeNameSection() {
     field->setPlaceholderText(tr("Name"));
     field->setAccessibleName(tr("Name"));
     label->setBuddy(field);
-    bind(session_, field, &NewCloneForm::cloneName, &NewCloneForm::nameEdited);
+    bindField(session_, field, &NewCloneForm::cloneName, &NewCloneForm::nameEdited);
     savedTo_ = new WrappingText(TextStyle::caption, Ink::secondary);
     auto* column = new QVBoxLayout(section);
     column->setContentsMargins(0, 0, 0, 0);
@@ -144,9 +144,9 @@ void ConfigurationPane::refresh() {
     promptText_->setText(prompt.text);
     warning_->setVisible(isApp && form.selectedSandboxed);
     strategy_->setVisible(isApp && form.selected.has_value());
-    savedTo_->setFullText(shownLine(form.savedToText()));
+    savedTo_->setFullText(displayLine(form.savedToText()));
     const std::string replaced = form.replacementText(session_.model().clones());
-    replacedText_->setFullText(shownLine(replaced));
+    replacedText_->setFullText(displayLine(replaced));
     replaced_->setVisible(!replaced.empty() && !form.creating);
     states_->setCurrentIndex(form.hasTarget() ? 1 : 0);
 }

@@ -1,7 +1,7 @@
 #include "QuorvelApp/newclone/CustomIconRow.h"
 
 #include "QuorvelApp/Components.h"
-#include "QuorvelApp/model/ShownText.h"
+#include "QuorvelApp/model/DisplayText.h"
 #include "QuorvelApp/widgets/CopyableLabel.h"
 
 #include <QHBoxLayout>
@@ -33,7 +33,7 @@ CustomIconRow::CustomIconRow(NewCloneSession& session, IconLoader& icons)
 void CustomIconRow::refresh() {
     const auto& icon = session_.form().customIcon;
     preview_->setPath(icon.value_or(std::filesystem::path()));
-    path_->setFullText(shownLine(icon.value_or(std::filesystem::path()).native()));
+    path_->setFullText(displayLine(icon.value_or(std::filesystem::path()).native()));
     preview_->setVisible(icon.has_value());
     path_->setVisible(icon.has_value());
     clear_->setVisible(icon.has_value());

@@ -15,8 +15,8 @@ namespace quorvel {
 
 using FormAction = void (NewCloneForm::*)();
 
-inline void bind(NewCloneSession& session, QLineEdit* control, std::string NewCloneForm::*field,
-                 FormAction edited = nullptr) {
+inline void bindField(NewCloneSession& session, QLineEdit* control,
+                      std::string NewCloneForm::*field, FormAction edited = nullptr) {
     const auto show = [&session, control, field] {
         const QString text = qtText(session.form().*field);
         // The cursor stays where it is while a person types.
@@ -46,8 +46,8 @@ inline QString typedText(const QPlainTextEdit* control) {
         .replace(QChar::LineSeparator, u'\n');
 }
 
-inline void bind(NewCloneSession& session, QPlainTextEdit* control,
-                 std::string NewCloneForm::*field) {
+inline void bindField(NewCloneSession& session, QPlainTextEdit* control,
+                      std::string NewCloneForm::*field) {
     const auto show = [&session, control, field] {
         const QString text = qtText(session.form().*field);
         if (typedText(control) != text) {
@@ -63,8 +63,8 @@ inline void bind(NewCloneSession& session, QPlainTextEdit* control,
 }
 
 /// A box that is checked when the field is `whenChecked`.
-inline void bind(NewCloneSession& session, QCheckBox* control, bool NewCloneForm::*field,
-                 bool whenChecked = true) {
+inline void bindField(NewCloneSession& session, QCheckBox* control, bool NewCloneForm::*field,
+                      bool whenChecked = true) {
     const auto show = [&session, control, field, whenChecked] {
         const QSignalBlocker quiet(control);
         control->setChecked(session.form().*field == whenChecked);

@@ -1,8 +1,9 @@
 #include "QuorvelApp/newclone/StrategySection.h"
 
 #include "QuorvelApp/Components.h"
+#include "QuorvelApp/model/DisplayText.h"
 #include "QuorvelApp/model/QtText.h"
-#include "QuorvelApp/model/ShownText.h"
+#include "QuorvelApp/model/Translated.h"
 #include "QuorvelApp/widgets/CopyableLabel.h"
 
 #include <QHBoxLayout>
@@ -30,7 +31,7 @@ StrategySection::StrategySection(NewCloneSession& session)
     choices_->setAccessibleName(tr("Isolation strategy"));
     choices_->setItemDelegate(new QStyledItemDelegate(choices_)); // so that the style sheet applies
     for (const Strategy strategy : selectableStrategies) {
-        choices_->addItem(qtText(strategyLabel(rawString(strategy))));
+        choices_->addItem(qtText(strategyLabel(rawString(strategy), translated)));
     }
     connect(choices_, &QComboBox::currentIndexChanged, this, [this](int index) {
         if (index >= 0) {
@@ -67,7 +68,7 @@ void StrategySection::refresh() {
     detect_->setText(form.detecting ? QString() : tr("Auto-de&tect"));
     detect_->setEnabled(!form.detecting);
     detecting_->setVisible(form.detecting);
-    caption_->setFullText(shownText(form.strategyCaption()));
+    caption_->setFullText(displayText(form.strategyCaption()));
 }
 
 } // namespace quorvel

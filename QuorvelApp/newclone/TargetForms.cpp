@@ -53,8 +53,8 @@ void TargetForm::addCaption(const QString& text) {
 }
 
 WebForm::WebForm(NewCloneSession& session) : TargetForm(session, u"globe"_s, tr("Website URL")) {
-    bind(session, addField(u"example.com"_s, tr("Website URL")), &NewCloneForm::webURL,
-         &NewCloneForm::autoNameIfNeeded);
+    bindField(session, addField(u"example.com"_s, tr("Website URL")), &NewCloneForm::webURL,
+              &NewCloneForm::autoNameIfNeeded);
     addCaption(tr("Opens in its own WebKit window with isolated cookies and logins — no Electron. "
                   "Great for a second WhatsApp, Teams, or Gmail."));
 }
@@ -62,8 +62,8 @@ WebForm::WebForm(NewCloneSession& session) : TargetForm(session, u"globe"_s, tr(
 FileForm::FileForm(NewCloneSession& session)
     : TargetForm(session, u"folder"_s, tr("File or Folder")) {
     QPushButton* browse = makeButton(tr("&Browse…"), ButtonLook::standard);
-    bind(session, addField(tr("No item selected"), tr("File or Folder"), browse),
-         &NewCloneForm::filePath);
+    bindField(session, addField(tr("No item selected"), tr("File or Folder"), browse),
+              &NewCloneForm::filePath);
     connect(browse, &QPushButton::clicked, this, &FileForm::chooseFile);
     addCaption(tr("Creates a Dock item that opens this file or folder with its default app."));
 }
@@ -78,12 +78,13 @@ CommandForm::CommandForm(NewCloneSession& session)
     QPushButton* command = makeButton(tr("C&hoose…"), ButtonLook::standard);
     QPushButton* folder = makeButton(tr("Ch&oose…"), ButtonLook::standard);
     folder->setAccessibleName(tr("Choose the working directory…"));
-    bind(session, addField(u"/usr/bin/…"_s, tr("Command"), command), &NewCloneForm::commandPathText,
-         &NewCloneForm::autoNameIfNeeded);
-    bind(session, addField(tr("Arguments (space-separated)"), tr("Arguments")),
-         &NewCloneForm::commandArgsText);
-    bind(session, addField(tr("Working directory (optional)"), tr("Working directory"), folder),
-         &NewCloneForm::workdir);
+    bindField(session, addField(u"/usr/bin/…"_s, tr("Command"), command),
+              &NewCloneForm::commandPathText, &NewCloneForm::autoNameIfNeeded);
+    bindField(session, addField(tr("Arguments (space-separated)"), tr("Arguments")),
+              &NewCloneForm::commandArgsText);
+    bindField(session,
+              addField(tr("Working directory (optional)"), tr("Working directory"), folder),
+              &NewCloneForm::workdir);
     connect(command, &QPushButton::clicked, this, &CommandForm::chooseCommand);
     connect(folder, &QPushButton::clicked, this, &CommandForm::chooseWorkdir);
     addCaption(tr("Runs any executable/script with arguments, a working directory, and the "

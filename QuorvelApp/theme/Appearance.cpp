@@ -10,7 +10,7 @@
 #include <QStyleFactory>
 #include <QWidget>
 
-// A static library's resources are there only once somebody names them, outside any namespace.
+// A static library's resources must be initialised by name, outside any namespace.
 static void loadResources() {
     Q_INIT_RESOURCE(Theme);
 }
@@ -48,7 +48,7 @@ bool isAltKey(const QEvent* event) {
     return key && static_cast<const QKeyEvent*>(event)->key() == Qt::Key_Alt;
 }
 
-// There the system's own style shows.
+// On macOS, the system's own style is used.
 bool hasNativeStyle() {
     return QOperatingSystemVersion::currentType() == QOperatingSystemVersion::MacOS;
 }
@@ -73,7 +73,7 @@ void Appearance::apply(ColorScheme scheme) {
         QApplication::setPalette(paletteFor(colors));
     }
     qApp->setStyleSheet(
-        styleSheetFor(colors, hasNativeStyle() ? ControlLook::native : ControlLook::ours));
+        styleSheetFor(colors, hasNativeStyle() ? ControlLook::native : ControlLook::styled));
 }
 
 bool Appearance::eventFilter(QObject* watched, QEvent* event) {

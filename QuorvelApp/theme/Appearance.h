@@ -8,15 +8,15 @@
 
 namespace quorvel {
 
-/// Keeps the application's palette, style and style sheet in step with the desktop's appearance,
-/// from construction on and while it runs.
+/// Keeps the application's palette, style and style sheet in step with the desktop's appearance for
+/// as long as it lives.
 class Appearance : public QObject {
     Q_OBJECT
 
 public:
     explicit Appearance(QObject* parent = nullptr);
 
-    /// Puts this appearance on, whatever the desktop says, until it changes.
+    /// Applies this appearance, regardless of the desktop's, until that changes.
     static void apply(ColorScheme scheme);
 
 protected:

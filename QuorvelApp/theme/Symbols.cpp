@@ -11,7 +11,7 @@
 namespace quorvel {
 namespace {
 
-// Draws a symbol in whatever colours the palette has at that moment.
+// Draws a symbol in the palette's current colors.
 class SymbolEngine final : public QIconEngine {
 public:
     SymbolEngine(QString name, Ink ink, bool mirrored)

@@ -8,23 +8,26 @@
 
 namespace quorvel {
 
-/// Which of the palette's colours a symbol takes.
+/// Which of the palette's colors a symbol or a text has.
 enum class Ink { text, secondary, tertiary, accent, onAccent, orange, danger };
 
+/// Returns an ink's color.
 [[nodiscard]] QColor inkColor(Ink ink, const Colors& colors);
 
-/// One of our symbols (`symbols/NAME.svg`) as an icon, in the colours of the application's palette
-/// at each painting, and crisp at every size and pixel ratio. An icon that points along the reading
-/// direction may be `mirrored` for right-to-left layouts.
+/// Returns one of our symbols (`symbols/NAME.svg`) as an icon, in the colors of the application's
+/// palette at each painting, and crisp at every size and pixel ratio. An icon that points along the
+/// reading direction may be `mirrored` for right-to-left layouts.
 [[nodiscard]] QIcon symbolIcon(const QString& name, Ink ink = Ink::text, bool mirrored = false);
 
-/// A symbol that only shows something, and is of no interest to a screen reader.
+/// A decorative symbol, ignored by screen readers.
 class SymbolView : public QWidget {
     Q_OBJECT
 
 public:
+    /// `size` is in points.
     SymbolView(const QString& name, Ink ink, int size, QWidget* parent = nullptr);
 
+    /// Shows another symbol.
     void setSymbol(const QString& name);
     [[nodiscard]] QString symbol() const { return name_; }
 

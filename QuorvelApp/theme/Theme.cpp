@@ -3,64 +3,94 @@
 #include <QApplication>
 #include <QFile>
 #include <QFontDatabase>
+#include <QRegularExpression>
 
+#include <algorithm>
 #include <array>
 #include <utility>
 
 namespace quorvel {
 
+namespace {
+
+struct NamedColor {
+    QStringView name; // in style sheets, after an at sign
+    QColor Colors::*member;
+    QRgb light;
+    QRgb dark;
+};
+
+// clang-format off
+constexpr std::array namedColors{
+    NamedColor{u"sidebar", &Colors::sidebar, 0xFFECEDF1, 0xFF2C2C2F},
+    NamedColor{u"content", &Colors::content, 0xFFFFFFFF, 0xFF222224},
+    NamedColor{u"text", &Colors::text, 0xFF1C1C1F, 0xFFF2F2F4},
+    NamedColor{u"secondary", &Colors::secondary, 0xFF66666C, 0xFFA6A6AD},
+    NamedColor{u"tertiary", &Colors::tertiary, 0xFF96969C, 0xFF7E7E86},
+    NamedColor{u"accent", &Colors::accent, 0xFF2D6BED, 0xFF3F80F6},
+    NamedColor{u"accent-pressed", &Colors::accentPressed, 0xFF2257C9, 0xFF336BD6},
+    NamedColor{u"on-accent", &Colors::onAccent, 0xFFFFFFFF, 0xFFFFFFFF},
+    NamedColor{u"divider", &Colors::divider, 0xFFDCDCE0, 0xFF3F3F43},
+    NamedColor{u"control", &Colors::control, 0xFFFFFFFF, 0xFF3A3A3E},
+    NamedColor{u"control-pressed", &Colors::controlPressed, 0xFFEBEBEF, 0xFF48484D},
+    NamedColor{u"control-border", &Colors::controlBorder, 0xFFCDCDD3, 0xFF505055},
+    NamedColor{u"field", &Colors::field, 0xFFFFFFFF, 0xFF1B1B1D},
+    NamedColor{u"callout", &Colors::callout, 0xFFF5F5F8, 0xFF2B2B2E},
+    NamedColor{u"warning-fill", &Colors::warningFill, 0xFFFFF6E5, 0xFF3A2E18},
+    NamedColor{u"warning-border", &Colors::warningBorder, 0xFFF0C87A, 0xFF745820},
+    NamedColor{u"running", &Colors::running, 0xFF30C057, 0xFF32C75B},
+    NamedColor{u"orange", &Colors::orange, 0xFFF59613, 0xFFF59E1F},
+    NamedColor{u"danger", &Colors::danger, 0xFFC92A2A, 0xFFFF7B72},
+    NamedColor{u"scrim", &Colors::scrim, 0x50000000, 0x78000000},
+};
+// clang-format on
+
+Colors makeColors(bool dark) {
+    Colors colors{.dark = dark};
+    for (const NamedColor& color : namedColors) {
+        colors.*color.member = QColor::fromRgba(dark ? color.dark : color.light);
+    }
+    return colors;
+}
+
+QString resourceText(const QString& path) {
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString();
+}
+
+// Looks up whole names, so that no name may be mistaken for the beginning of another.
+QString withColors(const QString& sheet, const Colors& colors) {
+    static const QRegularExpression names(QStringLiteral("@([a-z-]+)"));
+    QString result;
+    qsizetype end = 0;
+    for (const QRegularExpressionMatch& match : names.globalMatch(sheet)) {
+        const auto* found =
+            std::find_if(namedColors.begin(), namedColors.end(), [&](const NamedColor& color) {
+                return color.name == match.capturedView(1);
+            });
+        result += QStringView(sheet).mid(end, match.capturedStart() - end);
+        result += found == namedColors.end() ? match.captured()
+                                             : (colors.*found->member).name(QColor::HexRgb);
+        end = match.capturedEnd();
+    }
+    result += QStringView(sheet).mid(end);
+    return result;
+}
+
+} // namespace
+
 const Colors& lightColors() {
-    static const Colors colors{.dark = false,
-                               .sidebar = QColor(0xEC, 0xED, 0xF1),
-                               .content = QColor(0xFF, 0xFF, 0xFF),
-                               .text = QColor(0x1C, 0x1C, 0x1F),
-                               .secondary = QColor(0x66, 0x66, 0x6C),
-                               .tertiary = QColor(0x96, 0x96, 0x9C),
-                               .accent = QColor(0x2D, 0x6B, 0xED),
-                               .accentPressed = QColor(0x22, 0x57, 0xC9),
-                               .onAccent = QColor(0xFF, 0xFF, 0xFF),
-                               .divider = QColor(0xDC, 0xDC, 0xE0),
-                               .control = QColor(0xFF, 0xFF, 0xFF),
-                               .controlPressed = QColor(0xEB, 0xEB, 0xEF),
-                               .controlBorder = QColor(0xCD, 0xCD, 0xD3),
-                               .field = QColor(0xFF, 0xFF, 0xFF),
-                               .callout = QColor(0xF5, 0xF5, 0xF8),
-                               .warningFill = QColor(0xFF, 0xF6, 0xE5),
-                               .warningBorder = QColor(0xF0, 0xC8, 0x7A),
-                               .running = QColor(0x30, 0xC0, 0x57),
-                               .orange = QColor(0xF5, 0x96, 0x13),
-                               .danger = QColor(0xC9, 0x2A, 0x2A),
-                               .scrim = QColor(0, 0, 0, 80)};
+    static const Colors colors = makeColors(false);
     return colors;
 }
 
 const Colors& darkColors() {
-    static const Colors colors{.dark = true,
-                               .sidebar = QColor(0x2C, 0x2C, 0x2F),
-                               .content = QColor(0x22, 0x22, 0x24),
-                               .text = QColor(0xF2, 0xF2, 0xF4),
-                               .secondary = QColor(0xA6, 0xA6, 0xAD),
-                               .tertiary = QColor(0x7E, 0x7E, 0x86),
-                               .accent = QColor(0x3F, 0x80, 0xF6),
-                               .accentPressed = QColor(0x33, 0x6B, 0xD6),
-                               .onAccent = QColor(0xFF, 0xFF, 0xFF),
-                               .divider = QColor(0x3F, 0x3F, 0x43),
-                               .control = QColor(0x3A, 0x3A, 0x3E),
-                               .controlPressed = QColor(0x48, 0x48, 0x4D),
-                               .controlBorder = QColor(0x50, 0x50, 0x55),
-                               .field = QColor(0x1B, 0x1B, 0x1D),
-                               .callout = QColor(0x2B, 0x2B, 0x2E),
-                               .warningFill = QColor(0x3A, 0x2E, 0x18),
-                               .warningBorder = QColor(0x74, 0x58, 0x20),
-                               .running = QColor(0x32, 0xC7, 0x5B),
-                               .orange = QColor(0xF5, 0x9E, 0x1F),
-                               .danger = QColor(0xFF, 0x7B, 0x72),
-                               .scrim = QColor(0, 0, 0, 120)};
+    static const Colors colors = makeColors(true);
     return colors;
 }
 
 bool isDark(const QPalette& palette) {
-    // The ground of a styled widget may be transparent; its text tells.
+    // A styled widget's background may be transparent; the text is never.
     return palette.color(QPalette::Active, QPalette::WindowText).lightnessF() > 0.5F;
 }
 
@@ -93,42 +123,12 @@ QPalette paletteFor(const Colors& colors) {
     return palette;
 }
 
-namespace {
-
-QString resourceText(const QString& path) {
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString();
-}
-
-} // namespace
-
 QString styleSheetFor(const Colors& colors, ControlLook controls) {
     QString sheet = resourceText(QStringLiteral(":/style/pieces.qss"));
-    if (controls == ControlLook::ours) {
+    if (controls == ControlLook::styled) {
         sheet.prepend(resourceText(QStringLiteral(":/style/controls.qss")));
     }
-    for (const auto& [name, color] : std::array<std::pair<QLatin1String, QColor>, 18>{
-             {{QLatin1String("@sidebar"), colors.sidebar},
-              {QLatin1String("@content"), colors.content},
-              {QLatin1String("@text"), colors.text},
-              {QLatin1String("@secondary"), colors.secondary},
-              {QLatin1String("@tertiary"), colors.tertiary},
-              {QLatin1String("@accent-pressed"), colors.accentPressed},
-              {QLatin1String("@accent"), colors.accent},
-              {QLatin1String("@on-accent"), colors.onAccent},
-              {QLatin1String("@divider"), colors.divider},
-              {QLatin1String("@control-pressed"), colors.controlPressed},
-              {QLatin1String("@control-border"), colors.controlBorder},
-              {QLatin1String("@control"), colors.control},
-              {QLatin1String("@field"), colors.field},
-              {QLatin1String("@callout"), colors.callout},
-              {QLatin1String("@warning-fill"), colors.warningFill},
-              {QLatin1String("@warning-border"), colors.warningBorder},
-              {QLatin1String("@orange"), colors.orange},
-              {QLatin1String("@danger"), colors.danger}}}) {
-        sheet.replace(name, color.name());
-    }
-    return sheet;
+    return withColors(sheet, colors);
 }
 
 QFont fontFor(TextStyle style) {

@@ -10,7 +10,7 @@ namespace quorvel {
 ColorWell::ColorWell(QWidget* parent) : QPushButton(parent) {
     setAutoDefault(true);
     setFixedSize(sizeHint());
-    setAccessibleName(tr("Badge colour"));
+    setAccessibleName(tr("Badge color"));
     connect(this, &QPushButton::clicked, this, &ColorWell::choose);
 }
 

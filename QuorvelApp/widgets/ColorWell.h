@@ -5,13 +5,14 @@
 
 namespace quorvel {
 
-/// A button that shows a colour and lets a person choose another.
+/// A button that shows a color and lets the user choose another.
 class ColorWell : public QPushButton {
     Q_OBJECT
 
 public:
     explicit ColorWell(QWidget* parent = nullptr);
 
+    /// Shows another color.
     void setColor(const QColor& color);
     [[nodiscard]] QSize sizeHint() const override { return {44, 24}; }
 

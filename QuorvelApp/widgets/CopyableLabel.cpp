@@ -1,7 +1,7 @@
 #include "QuorvelApp/widgets/CopyableLabel.h"
 
 #include "QuorvelApp/Components.h"
-#include "QuorvelApp/model/ShownText.h"
+#include "QuorvelApp/model/DisplayText.h"
 
 #include <QApplication>
 #include <QClipboard>
@@ -60,7 +60,7 @@ WrappingText::WrappingText(TextStyle textStyle, Ink ink) : CopyableLabel(textSty
 
 void WrappingText::setFullText(const QString& text) {
     if (text == fullText()) {
-        return; // what is selected stays so
+        return; // keeps the selection
     }
     CopyableLabel::setFullText(text);
     setText(breakable(text));
@@ -82,7 +82,7 @@ void ElidedLabel::setFullText(const QString& text) {
 }
 
 QString ElidedLabel::selectionToCopy() const {
-    // What was left out is wanted by whoever takes the place where it was.
+    // A selection that spans the ellipsis copies the full text.
     return selectedText().contains(QChar(0x2026)) && text() != fullText() ? fullText()
                                                                           : selectedText();
 }

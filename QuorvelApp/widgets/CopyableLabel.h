@@ -8,17 +8,18 @@
 
 namespace quorvel {
 
-/// A label whose text a person may select, and whose copy is the text itself, whatever was done to
-/// it to fit the screen.
+/// A label whose text can be selected. What is copied is the text itself, without the changes that
+/// make it fit the screen.
 class CopyableLabel : public QLabel {
     Q_OBJECT
 
 public:
     CopyableLabel(TextStyle style, Ink ink);
 
+    /// Shows another text, and copies that.
     virtual void setFullText(const QString& text);
     [[nodiscard]] QString fullText() const { return full_; }
-    /// What a copy of the selection gives; empty when nothing is selected.
+    /// Returns what copying the selection yields; empty if nothing is selected.
     [[nodiscard]] virtual QString selectionToCopy() const;
 
 protected:
@@ -32,7 +33,7 @@ private:
     QString full_{};
 };
 
-/// Text that wraps over as many lines as it needs, within long words too.
+/// Text that wraps over as many lines as it needs, also within long words.
 class WrappingText : public CopyableLabel {
     Q_OBJECT
 
@@ -42,8 +43,8 @@ public:
     void setFullText(const QString& text) override;
 };
 
-/// One line that gives up its middle or end when it lacks room, and tells the whole in a tooltip
-/// then.
+/// One line, elided in the middle or at the end if there is no space for it; a tooltip then shows
+/// the whole.
 class ElidedLabel : public CopyableLabel {
     Q_OBJECT
 

@@ -18,7 +18,7 @@ DisclosureGroup::DisclosureGroup(const QString& title, QWidget* content)
     title_->setIconSize({12, 12});
     auto* column = new QVBoxLayout(this);
     column->setContentsMargins(0, 0, 0, 0);
-    column->setSpacing(8);
+    column->setSpacing(Spacing::normal);
     column->addWidget(title_, 0, Qt::AlignLeft);
     column->addWidget(content_);
     connect(title_, &QPushButton::toggled, this, [this](bool expanded) {

@@ -6,12 +6,12 @@ class QPushButton;
 
 namespace quorvel {
 
-/// A title that shows and hides what belongs to it; collapsed at the beginning.
+/// A title that shows and hides its content; collapsed to begin with.
 class DisclosureGroup : public QWidget {
     Q_OBJECT
 
 public:
-    /// Takes `content` over. "&" in `title` marks its mnemonic.
+    /// Takes ownership of `content`. "&" in `title` marks its mnemonic.
     DisclosureGroup(const QString& title, QWidget* content);
 
 Q_SIGNALS:

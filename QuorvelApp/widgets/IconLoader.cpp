@@ -2,6 +2,7 @@
 
 #include "QuorvelApp/model/QtText.h"
 #include "QuorvelApp/theme/Symbols.h"
+#include "QuorvelApp/widgets/IconImage.h"
 
 #include <QApplication>
 #include <QFileIconProvider>
@@ -18,7 +19,7 @@ using namespace Qt::StringLiterals;
 // Enough for every app of a large catalog at twice the pixels.
 constexpr int cacheKilobytes = 96 * 1024;
 
-// In kilobytes, for a square of so many pixels.
+// In kilobytes, for a square of that many pixels.
 qsizetype costOf(int pixels) {
     return 1 + qsizetype{4} * pixels * pixels / 1024;
 }
@@ -32,7 +33,7 @@ QString symbolFor(const std::filesystem::path& path) {
     return app ? u"app"_s : u"doc"_s;
 }
 
-// The desktop's icon for a file's type, by its name alone; null where it has none.
+// The desktop's icon for a file's type, by its name alone; null if it has none.
 QPixmap typeIcon(const std::filesystem::path& path, int size, double ratio) {
     if (path.extension() == ".app" || path.extension() == ".icns") {
         return {};
@@ -43,8 +44,8 @@ QPixmap typeIcon(const std::filesystem::path& path, int size, double ratio) {
                : QIcon::fromTheme(types.front().iconName()).pixmap(QSize(size, size), ratio);
 }
 
-// macOS knows an icon for every single file, also for a bundle whose own we can't read. Null
-// elsewhere.
+// macOS has an icon for every file, even for a bundle whose own we can't read. Null on other
+// systems.
 QPixmap systemIcon(const std::filesystem::path& path, int size, double ratio) {
     if (QOperatingSystemVersion::currentType() != QOperatingSystemVersion::MacOS) {
         return {};
@@ -52,7 +53,7 @@ QPixmap systemIcon(const std::filesystem::path& path, int size, double ratio) {
     return QFileIconProvider().icon(QFileInfo(qtText(path))).pixmap(QSize(size, size), ratio);
 }
 
-// What stands for an app without an icon of its own: a rounded tile with our symbol.
+// Represents an app without an icon of its own: a rounded tile with our symbol.
 QPixmap drawStandIn(const QString& symbol, int size, double ratio, const Colors& colors) {
     QPixmap pixmap(QSize(size, size) * ratio);
     pixmap.setDevicePixelRatio(ratio);
@@ -80,7 +81,7 @@ IconLoader::IconLoader(std::shared_ptr<BackgroundTasks> tasks, QObject* parent)
 QPixmap IconLoader::icon(const std::filesystem::path& path, int size, double ratio) {
     const int pixels = qCeil(size * ratio);
     const QString key = keyFor(path, pixels, {});
-    // One that had to make room for others is read again.
+    // An icon that had to make room for others is read again.
     if ((!fresh_.contains(key) || !known_.contains(key)) && !underWay_.contains(key)) {
         load(path, key, pixels, ratio);
     }

@@ -3,7 +3,6 @@
 #include "QuorvelApp/model/BackgroundTasks.h"
 
 #include <QCache>
-#include <QImage>
 #include <QObject>
 #include <QPixmap>
 #include <QSet>
@@ -14,23 +13,19 @@
 
 namespace quorvel {
 
-/// The image of a file or bundle, for a square of `pixels`: a bundle's own icon, what an `.icns`
-/// file holds, else null. Any thread; hostile files give null.
-[[nodiscard]] QImage loadIconImage(const std::filesystem::path& path, int pixels);
-
-/// Gives icons at once, and better ones as soon as they are read: the files are opened and decoded
-/// off the main thread, at the size shown, and kept.
+/// Returns icons at once, and better ones as soon as they are read: the files are opened and
+/// decoded off the main thread, at the size shown, and cached.
 class IconLoader : public QObject {
     Q_OBJECT
 
 public:
     explicit IconLoader(std::shared_ptr<BackgroundTasks> tasks, QObject* parent = nullptr);
 
-    /// The icon for a square of `size` at that pixel ratio. A stand-in until `loaded` tells that
-    /// the file was read, and for good where it has no icon.
+    /// Returns the icon for a square of `size` points at that pixel ratio: a stand-in until
+    /// `loaded` reports that the file was read, and for good if it has no icon.
     [[nodiscard]] QPixmap icon(const std::filesystem::path& path, int size, double ratio);
 
-    /// Reads files anew when they are shown next; what was read before shows until then.
+    /// Has files read again when they are next shown; until then, what was read before is shown.
     void refresh();
 
 Q_SIGNALS:

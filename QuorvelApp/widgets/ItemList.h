@@ -5,7 +5,7 @@
 
 namespace quorvel {
 
-/// A list whose first item is chosen by the first arrow, not by the mere focus.
+/// A list whose first item is selected by the first arrow key, not by the focus alone.
 class ItemList : public QListView {
 public:
     using QListView::QListView;

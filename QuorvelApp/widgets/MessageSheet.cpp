@@ -11,18 +11,18 @@
 namespace quorvel {
 namespace {
 
-constexpr int wordsWidth = 400;
+constexpr int textWidth = 400;
 constexpr int leastHeight = 40;
 constexpr int greatestHeight = 300;
 
-// As high as its texts need; one that no window would hold is scrolled, by the keyboard too.
-class Words final : public QScrollArea {
+// As high as its texts need; one too high for any window is scrolled, also by the keyboard.
+class MessageText final : public QScrollArea {
 public:
-    explicit Words(const std::vector<QWidget*>& texts) {
+    explicit MessageText(const std::vector<QWidget*>& texts) {
         auto* page = new QWidget;
         auto* column = new QVBoxLayout(page);
         column->setContentsMargins(0, 0, 0, 0);
-        column->setSpacing(8);
+        column->setSpacing(Spacing::normal);
         for (QWidget* text : texts) {
             column->addWidget(text);
         }
@@ -30,20 +30,20 @@ public:
         setWidget(page);
         setWidgetResizable(true);
         setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-        setFixedWidth(wordsWidth);
+        setFixedWidth(textWidth);
         setFocusPolicy(neededHeight() > greatestHeight ? Qt::StrongFocus : Qt::NoFocus);
     }
 
     [[nodiscard]] QSize sizeHint() const override {
-        return {wordsWidth, std::min(neededHeight(), greatestHeight)};
+        return {textWidth, std::min(neededHeight(), greatestHeight)};
     }
 
     [[nodiscard]] QSize minimumSizeHint() const override {
-        return {wordsWidth, std::min(neededHeight(), leastHeight)};
+        return {textWidth, std::min(neededHeight(), leastHeight)};
     }
 
 private:
-    [[nodiscard]] int neededHeight() const { return widget()->heightForWidth(wordsWidth); }
+    [[nodiscard]] int neededHeight() const { return widget()->heightForWidth(textWidth); }
 };
 
 } // namespace
@@ -57,18 +57,18 @@ MessageSheet::MessageSheet(const QString& symbol, Ink ink, const QString& title,
     setAccessibleDescription(text);
     title_->setFullText(title);
     text_->setFullText(text);
-    auto* words = new Words({title_, text_});
-    words->setAccessibleName(title);
+    auto* message = new MessageText({title_, text_});
+    message->setAccessibleName(title);
     auto* top = new QHBoxLayout;
-    top->setSpacing(16);
+    top->setSpacing(Spacing::wide);
     top->addWidget(new SymbolView(symbol, ink, 32), 0, Qt::AlignTop);
-    top->addWidget(words, 1);
+    top->addWidget(message, 1);
     auto* row = new QHBoxLayout;
-    row->setSpacing(8);
+    row->setSpacing(Spacing::normal);
     row->addStretch();
     auto* column = new QVBoxLayout(this);
     column->setContentsMargins(22, 22, 22, 18);
-    column->setSpacing(20);
+    column->setSpacing(Spacing::pane);
     column->addLayout(top, 1);
     column->addLayout(row);
     for (const Choice& choice : choices) {
@@ -79,7 +79,7 @@ MessageSheet::MessageSheet(const QString& symbol, Ink ink, const QString& title,
 void MessageSheet::add(const Choice& choice, QBoxLayout* row) {
     QPushButton* button = makeButton(withoutMnemonics(choice.label), choice.look);
     connect(button, &QPushButton::clicked, this, [this, chosen = choice.chosen] {
-        // Ends first: what was chosen may bring up the next message.
+        // Closes first: the choice may bring up the next message.
         accept();
         if (chosen) {
             chosen();
@@ -103,7 +103,7 @@ QString MessageSheet::text() const {
     return text_->fullText();
 }
 
-// Not sooner: a widget that is given another parent loses the focus.
+// Not sooner: a widget loses the focus when its parent changes.
 void MessageSheet::showEvent(QShowEvent* event) {
     QDialog::showEvent(event);
     if (default_ != nullptr) {

@@ -14,8 +14,8 @@ namespace quorvel {
 
 class WrappingText;
 
-/// A question or a message: a title, a text and a few buttons. Ends after any of them. Escape
-/// presses the button marked for it.
+/// A question or a message: a title, a text and a few buttons. Closes when one is clicked. Escape
+/// clicks the button marked for it.
 class MessageSheet : public QDialog {
     Q_OBJECT
 
@@ -37,7 +37,7 @@ public:
     void reject() override;
 
 protected:
-    /// The default button gets the focus.
+    /// Focuses the default button.
     void showEvent(QShowEvent* event) override;
 
 private:

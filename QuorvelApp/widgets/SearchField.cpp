@@ -19,8 +19,8 @@ SearchField::SearchField(NewCloneSession& session) : text_(new QLineEdit) {
     text_->setFixedWidth(160);
     text_->installEventFilter(this);
     auto* row = new QHBoxLayout(this);
-    row->setContentsMargins(8, 4, 6, 4);
-    row->setSpacing(6);
+    row->setContentsMargins(Spacing::normal, Spacing::tight, Spacing::close, Spacing::tight);
+    row->setSpacing(Spacing::close);
     row->addWidget(new SymbolView(u"magnifyingglass"_s, Ink::secondary, 14));
     row->addWidget(text_);
     setFocusProxy(text_);

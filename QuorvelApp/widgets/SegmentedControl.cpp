@@ -18,8 +18,8 @@ SegmentedControl::SegmentedControl(const QString& accessibleName, const QStringL
     setAttribute(Qt::WA_StyledBackground);
     setAccessibleName(accessibleName);
     auto* row = new QHBoxLayout(this);
-    row->setContentsMargins(2, 2, 2, 2);
-    row->setSpacing(2);
+    row->setContentsMargins(Spacing::hair, Spacing::hair, Spacing::hair, Spacing::hair);
+    row->setSpacing(Spacing::hair);
     for (const QString& text : segments) {
         QPushButton* segment = makeButton(withoutMnemonics(text), ButtonLook::standard);
         segment->setCheckable(true);
@@ -38,7 +38,7 @@ SegmentedControl::SegmentedControl(const QString& accessibleName, const QStringL
     fixFocus();
 }
 
-// The tabulator stops at the chosen segment alone; arrows go to the others.
+// Tab stops only at the selected segment; arrows go to the others.
 void SegmentedControl::fixFocus() {
     for (QAbstractButton* segment : buttons_->buttons()) {
         segment->setFocusPolicy(segment->isChecked() ? Qt::StrongFocus : Qt::ClickFocus);

@@ -7,7 +7,7 @@ class QButtonGroup;
 
 namespace quorvel {
 
-/// A row of segments of which exactly one is chosen; the first at the beginning.
+/// A row of segments of which exactly one is selected, the first one to begin with.
 class SegmentedControl : public QWidget {
     Q_OBJECT
 

@@ -24,7 +24,7 @@ Sheet::Sheet(QDialog* dialog, QWidget* window, Place place, QSize ideal)
       place_(place),
       ideal_(ideal),
       focusBefore_(window->window()->focusWidget()) {
-    // A dialog that is no window of its own stays inside this one.
+    // A dialog that is not a window stays inside this one.
     dialog_->setParent(this, Qt::Widget);
     dialog_->setObjectName(u"sheetCard"_s);
     dialog_->setAttribute(Qt::WA_StyledBackground);
@@ -74,7 +74,7 @@ bool Sheet::eventFilter(QObject* watched, QEvent* event) {
     } else if (watched == dialog_ && event->type() == QEvent::LayoutRequest) {
         arrange();
     } else if (event->type() == QEvent::Shortcut && covers(watched)) {
-        return true; // a mnemonic of what can't be clicked
+        return true; // a mnemonic of a button that can't be clicked
     }
     return QWidget::eventFilter(watched, event);
 }

@@ -8,17 +8,17 @@ namespace quorvel {
 
 /// A dialog inside its window: the window darkens, and nothing below takes the mouse or the focus
 /// until the dialog ends. Shows itself, and deletes itself and the dialog afterwards. Dialogs in
-/// the middle stay above those that hang from the top. The focus is in the topmost one; after the
+/// the middle stay above those at the top. The focus is in the topmost one; after the
 /// last it goes back to where it was before the first.
 class Sheet : public QWidget {
     Q_OBJECT
 
 public:
-    /// Whether the dialog hangs from the window's top or stands in its middle.
+    /// Whether the dialog is at the window's top or in its middle.
     enum class Place { top, middle };
 
-    /// Takes `dialog` over. `ideal` is its size where the window has the room; an invalid one
-    /// leaves the size to the dialog.
+    /// Takes ownership of `dialog`. `ideal` is its size in points if the window has the space; an
+    /// invalid one leaves the size to the dialog.
     Sheet(QDialog* dialog, QWidget* window, Place place, QSize ideal = {});
 
     [[nodiscard]] QDialog* dialog() const { return dialog_; }

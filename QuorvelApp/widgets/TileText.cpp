@@ -9,7 +9,7 @@
 namespace quorvel::TileText {
 namespace {
 
-// Names of file size are cut before they are laid out.
+// Absurdly long names are truncated before layout.
 constexpr int longestName = 300;
 
 } // namespace

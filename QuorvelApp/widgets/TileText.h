@@ -6,14 +6,16 @@
 
 class QPainter;
 
-/// A name in at most two centred lines.
+/// A name in at most two centered lines.
 namespace quorvel::TileText {
 
 inline constexpr int maximumLines = 2;
 
-/// The lines for that width; the last one ends with an ellipsis where the name is longer.
+/// Returns the lines for that width, in points; the last one ends with an ellipsis if the name is
+/// longer.
 [[nodiscard]] QStringList lines(const QString& name, int width);
 
+/// Returns whether the lines for that width leave out a part of the name.
 [[nodiscard]] bool isElided(const QString& name, int width);
 
 /// Draws the lines from the top of `rect`, with the painter's pen.

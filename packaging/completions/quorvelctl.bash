@@ -18,7 +18,7 @@ _quorvelctl_unquote() {
     case $quote$character in
       '\' | '"\')
         ((++index))
-        # Between double quotes a backslash stands for itself in front of most characters.
+        # Within double quotes a backslash is literal before most characters.
         [[ -z $quote || ${text:index:1} == [\$\`\"\\] ]] || typed+=$character
         typed+=${text:index:1}
         ;;
@@ -29,7 +29,7 @@ _quorvelctl_unquote() {
   done
 }
 
-# Sets quoted to a text as it must stand in the line behind the open quote, if any.
+# Sets quoted to a text as it must appear in the line after the open quote, if any.
 _quorvelctl_quote() {
   local index character
   quoted=''
@@ -45,7 +45,7 @@ _quorvelctl_quote() {
   done
 }
 
-# Whatever patterns do in the user's shell, in ours they give what is there. Call it in a subshell.
+# Makes patterns match files whatever the user's shell options are. Call it in a subshell.
 _quorvelctl_plain_patterns() {
   set +f
   shopt -u failglob nocaseglob dotglob
@@ -118,7 +118,7 @@ _quorvelctl_offer() {
   _quorvelctl_unquote "$kept"
   skipped=${#typed}
   _quorvelctl_unquote "$1"
-  # With a quote within the word, the shell's editor would put names behind it.
+  # With a quote within the word, the shell's editor would insert names after it.
   [[ -z $quote || $1 == "$quote"* ]] || return
   mapfile -d '' -t names < <("$2" "$typed")
   ((${#names[@]} > 0)) || return
@@ -126,7 +126,7 @@ _quorvelctl_offer() {
   for name in "${names[@]}"; do
     while [[ $name != "$common"* ]]; do common=${common%?}; done
   done
-  # Completion can't go on from the $'' that spells the rest, which may be half a character.
+  # Completion can't continue after the $'' that spells the rest, which may be half a character.
   ((${#names[@]} == 1)) || common=${common%%[^[:print:]]*}
   if [[ ${#names[@]} -gt 1 && ${#common} -le ${#typed} ]]; then
     # With the blank among them they have nothing in common that would go into the line.

@@ -1,5 +1,5 @@
-// Property lists that were made to harm: each has to come out as no dictionary at all, or as a
-// small one, without exhausting the stack, the memory or anybody's patience.
+// Malicious property lists: each must be refused or read as a small dictionary, without exhausting
+// stack, memory or time.
 #include "Base/PropertyListLimits.h"
 
 #include "Base/PropertyList.h"
@@ -34,7 +34,7 @@ BinaryList simpleList() {
     return list;
 }
 
-// Arrays, each in the one before, numbered from `first`.
+// Nested arrays, numbered from `first`.
 void addChain(BinaryList& list, std::uint64_t first, std::size_t depth) {
     for (std::uint64_t level = 0; level < depth; ++level) {
         list.add(BinaryList::array({first + level + 1}));
@@ -46,12 +46,12 @@ void expectRefused(const std::string& bytes) {
     EXPECT_FALSE(PropertyList::parseDictionary(bytes));
 }
 
-// Before any parser has seen it.
+// Refused before it is parsed.
 void expectNotWithin(const std::string& bytes) {
     EXPECT_FALSE(PropertyListLimits::neededBytes(bytes));
 }
 
-TEST(PropertyListLimits, OrdinaryListsAreWithin) {
+TEST(PropertyListLimitsTest, OrdinaryListsAreWithinTheLimits) {
     EXPECT_TRUE(
         PropertyListLimits::neededBytes("<plist><dict><key>a</key><array/></dict></plist>"));
     EXPECT_TRUE(PropertyListLimits::neededBytes(simpleList().finish(0)));
@@ -59,7 +59,7 @@ TEST(PropertyListLimits, OrdinaryListsAreWithin) {
               (PropertyListDictionary{{"k", "value"}}));
 }
 
-TEST(PropertyListLimits, NestingIsReadUpToTheLimitAndNotBeyond) {
+TEST(PropertyListLimitsTest, NestingIsReadUpToTheLimitAndNotBeyond) {
     const auto nested = [](std::size_t depth) {
         return nestedXml("<array>", depth) + repeated("</array>", depth) + "</dict></plist>";
     };
@@ -67,14 +67,14 @@ TEST(PropertyListLimits, NestingIsReadUpToTheLimitAndNotBeyond) {
     expectRefused(nested(PropertyListLimits::maximumDepth));
 }
 
-TEST(PropertyListLimits, EndlessNestingIsRefused) {
+TEST(PropertyListLimitsTest, ExcessiveNestingIsRefused) {
     expectNotWithin(nestedXml("<array>", 100'000));
     expectNotWithin(nestedXml("<dict><key>k</key>", 100'000));
     expectNotWithin(nestedXml("<array >", 100'000));
     expectNotWithin(nestedXml("<array\n>", 100'000));
 }
 
-TEST(PropertyListLimits, NestingIsNotHiddenByClosingTagsThatAreNone) {
+TEST(PropertyListLimitsTest, NestingIsNotHiddenByFalseClosingTags) {
     expectNotWithin(nestedXml("<array><!--</array>-->", 100'000));
     expectNotWithin(nestedXml("<array><?x </array> ?>", 100'000));
     expectNotWithin(nestedXml("<array><?x \"?>\" </array> ?>", 100'000));
@@ -84,7 +84,7 @@ TEST(PropertyListLimits, NestingIsNotHiddenByClosingTagsThatAreNone) {
     expectNotWithin(nestedXml("<array><!DOCTYPE x \"</array>\">", 100'000));
 }
 
-TEST(PropertyListLimits, NestingIsNotHiddenByAttributesThatLookLikeAnEnd) {
+TEST(PropertyListLimitsTest, NestingIsNotHiddenByAttributesThatLookLikeAnEnd) {
     expectNotWithin(nestedXml("<array a=\"/>\">", 100'000));
     expectNotWithin(nestedXml("<array a='/>'>", 100'000));
     expectNotWithin(nestedXml("<array a=\"</array>\">", 100'000));
@@ -92,7 +92,7 @@ TEST(PropertyListLimits, NestingIsNotHiddenByAttributesThatLookLikeAnEnd) {
     expectNotWithin(nestedXml("<array / >", 100'000));
 }
 
-TEST(PropertyListLimits, NestingIsNotHiddenByWhatLooksLikeAComment) {
+TEST(PropertyListLimitsTest, NestingIsNotHiddenByFalseComments) {
     const std::string chain = repeated("<array>", 100'000);
     expectNotWithin("<?x \"<!--\" ?><plist>" + chain + "-->");
     expectNotWithin("<?x > <!-- ?><plist>" + chain + "-->");
@@ -103,7 +103,7 @@ TEST(PropertyListLimits, NestingIsNotHiddenByWhatLooksLikeAComment) {
     expectNotWithin("<plist a='\"' b=\"> <!-- \">" + chain + "-->");
 }
 
-TEST(PropertyListLimits, ManyTagsTakeNoLongerThanTheirNumber) {
+TEST(PropertyListLimitsTest, ManyTagsTakeLinearTime) {
     const std::size_t size = PropertyList::maximumFileSize - 100;
     expectRefused(std::string(size, '<'));
     expectRefused("<plist><dict>" + repeated("<dict", size / 5 - 10));
@@ -113,7 +113,7 @@ TEST(PropertyListLimits, ManyTagsTakeNoLongerThanTheirNumber) {
     expectRefused("<plist><dict>" + repeated("<array ", size / 7 - 10));
 }
 
-TEST(PropertyListLimits, ADictionaryOfManyKeysIsReadOrRefusedInGoodTime) {
+TEST(PropertyListLimitsTest, ADictionaryOfManyKeysIsReadOrRefusedQuickly) {
     std::string bytes = "<plist><dict>";
     for (int index = 0; index < 100'000; ++index) {
         bytes += "<key>k" + std::to_string(index) + "</key><true/>";
@@ -121,7 +121,7 @@ TEST(PropertyListLimits, ADictionaryOfManyKeysIsReadOrRefusedInGoodTime) {
     EXPECT_EQ(PropertyList::parseDictionary(bytes + "</dict></plist>")->size(), 100'000U);
 }
 
-TEST(PropertyListLimits, AnArrayThatHoldsItselfIsRefused) {
+TEST(PropertyListLimitsTest, AnArrayThatContainsItselfIsRefused) {
     BinaryList list;
     list.add(BinaryList::dictionary(1, 2));
     list.add(BinaryList::text("k"));
@@ -129,15 +129,15 @@ TEST(PropertyListLimits, AnArrayThatHoldsItselfIsRefused) {
     expectRefused(list.finish(0));
 }
 
-TEST(PropertyListLimits, ADictionaryThatHoldsItselfIsRefused) {
+TEST(PropertyListLimitsTest, ADictionaryThatContainsItselfIsRefused) {
     BinaryList list;
     list.add(BinaryList::dictionary(1, 0));
     list.add(BinaryList::text("k"));
     expectRefused(list.finish(0));
 }
 
-// The parser ends the program over such a key.
-TEST(PropertyListLimits, AKeyThatHoldsANulIsRefused) {
+// The parser aborts the program on such a key.
+TEST(PropertyListLimitsTest, AKeyThatContainsANulIsRefused) {
     BinaryList list;
     list.add(BinaryList::dictionary(1, 2));
     list.add(BinaryList::text(std::string("k\0y", 3)));
@@ -146,7 +146,7 @@ TEST(PropertyListLimits, AKeyThatHoldsANulIsRefused) {
     expectRefused(list.finish(0));
 }
 
-TEST(PropertyListLimits, AWideKeyThatHoldsANulIsRefused) {
+TEST(PropertyListLimitsTest, AWideKeyThatContainsANulIsRefused) {
     BinaryList list;
     list.add(BinaryList::dictionary(1, 1));
     list.add(std::string("\x62\0k\0\0", 5));
@@ -154,7 +154,7 @@ TEST(PropertyListLimits, AWideKeyThatHoldsANulIsRefused) {
     expectRefused(list.finish(0));
 }
 
-TEST(PropertyListLimits, AKeyThatIsNoTextIsRefused) {
+TEST(PropertyListLimitsTest, AKeyThatIsNotTextIsRefused) {
     BinaryList list;
     list.add(BinaryList::dictionary(1, 1));
     list.add(BinaryList::array({}));
@@ -162,7 +162,7 @@ TEST(PropertyListLimits, AKeyThatIsNoTextIsRefused) {
     expectRefused(list.finish(0));
 }
 
-TEST(PropertyListLimits, AValueMayHoldANul) {
+TEST(PropertyListLimitsTest, AValueMayContainANul) {
     BinaryList list;
     list.add(BinaryList::dictionary(1, 2));
     list.add(BinaryList::text("k"));
@@ -170,7 +170,7 @@ TEST(PropertyListLimits, AValueMayHoldANul) {
     EXPECT_TRUE(PropertyList::parseDictionary(list.finish(0)));
 }
 
-TEST(PropertyListLimits, AChainOfAHundredThousandArraysIsRefused) {
+TEST(PropertyListLimitsTest, AChainOfAHundredThousandArraysIsRefused) {
     BinaryList list;
     list.add(BinaryList::dictionary(1, 2));
     list.add(BinaryList::text("k"));
@@ -178,17 +178,17 @@ TEST(PropertyListLimits, AChainOfAHundredThousandArraysIsRefused) {
     expectRefused(list.finish(0));
 }
 
-TEST(PropertyListLimits, AChainIsNotHiddenByACountOfUnusualWidth) {
+TEST(PropertyListLimitsTest, AChainIsNotHiddenByACountOfUnusualWidth) {
     BinaryList list;
     list.add(BinaryList::dictionary(1, 2));
     list.add(BinaryList::text("k"));
-    // One reference, its count in sixteen bytes of which the first is zero.
+    // One reference, whose count has sixteen bytes.
     list.add("\xAF\x14" + bigEndian(0, 8) + bigEndian(1, 8) + bigEndian(3, 4));
     addChain(list, 3, 100'000);
     expectRefused(list.finish(0));
 }
 
-TEST(PropertyListLimits, AChainIsNotHiddenByABadReferenceBesideIt) {
+TEST(PropertyListLimitsTest, AChainIsNotHiddenByAnInvalidReference) {
     BinaryList list;
     list.add(BinaryList::container(0xD0, 2, {1, 99'999'999, 2, 1}));
     list.add(BinaryList::text("k"));
@@ -196,7 +196,7 @@ TEST(PropertyListLimits, AChainIsNotHiddenByABadReferenceBesideIt) {
     expectRefused(list.finish(0));
 }
 
-TEST(PropertyListLimits, SharedReferencesThatUnfoldWithoutEndAreRefused) {
+TEST(PropertyListLimitsTest, SharedReferencesThatExpandWithoutBoundAreRefused) {
     BinaryList list;
     list.add(BinaryList::dictionary(1, 2));
     list.add(BinaryList::text("k"));
@@ -207,7 +207,7 @@ TEST(PropertyListLimits, SharedReferencesThatUnfoldWithoutEndAreRefused) {
     expectRefused(list.finish(0));
 }
 
-TEST(PropertyListLimits, SharedContentsCountAsOftenAsTheyAreCopied) {
+TEST(PropertyListLimitsTest, SharedContentsCountAsOftenAsTheyAreCopied) {
     const std::string long_(60'000, 'x');
     for (const std::string& object :
          {BinaryList::text(long_), BinaryList::data(long_), BinaryList::wideText(long_)}) {
@@ -222,7 +222,7 @@ TEST(PropertyListLimits, SharedContentsCountAsOftenAsTheyAreCopied) {
     }
 }
 
-TEST(PropertyListLimits, SharedReferencesThatStaySmallAreRead) {
+TEST(PropertyListLimitsTest, SharedReferencesThatStaySmallAreRead) {
     BinaryList list;
     list.add(BinaryList::dictionary(1, 2));
     list.add(BinaryList::text("k"));
@@ -232,7 +232,7 @@ TEST(PropertyListLimits, SharedReferencesThatStaySmallAreRead) {
               (PropertyListDictionary{{"k", PropertyListArray{"x", "x", "x"}}}));
 }
 
-TEST(PropertyListLimits, CountsThatLieAreRefused) {
+TEST(PropertyListLimitsTest, WrongCountsAreRefused) {
     for (const std::uint64_t count :
          {std::uint64_t{14}, std::uint64_t{1} << 20U, std::uint64_t{1} << 32U, ~std::uint64_t{0}}) {
         BinaryList list;
@@ -247,7 +247,7 @@ TEST(PropertyListLimits, CountsThatLieAreRefused) {
     }
 }
 
-TEST(PropertyListLimits, ATextLongerThanTheFileIsRefused) {
+TEST(PropertyListLimitsTest, ATextLongerThanTheFileIsRefused) {
     BinaryList list;
     list.add(BinaryList::dictionary(1, 2));
     list.add(BinaryList::text("k"));
@@ -255,7 +255,7 @@ TEST(PropertyListLimits, ATextLongerThanTheFileIsRefused) {
     expectRefused(list.finish(0));
 }
 
-TEST(PropertyListLimits, ATrailerThatLiesIsRefused) {
+TEST(PropertyListLimitsTest, AnInconsistentTrailerIsRefused) {
     const BinaryList list = simpleList();
     const std::uint64_t most = ~std::uint64_t{0};
     expectRefused(list.finish(3));
@@ -272,7 +272,7 @@ TEST(PropertyListLimits, ATrailerThatLiesIsRefused) {
     }
 }
 
-TEST(PropertyListLimits, ABinaryListWithAnyByteChangedIsNeverACrash) {
+TEST(PropertyListLimitsTest, ABinaryListWithAnyByteChangedIsNeverACrash) {
     const std::string whole = simpleList().finish(0);
     for (std::size_t at = 0; at < whole.size(); ++at) {
         for (const int byte : {0x00, 0x01, 0x7F, 0x80, 0xAF, 0xD1, 0xFF}) {

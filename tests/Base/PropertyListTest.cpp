@@ -30,7 +30,7 @@ PropertyListValue valueOf(const std::string& value) {
     return dictionary && dictionary->contains("k") ? dictionary->at("k") : PropertyListValue{};
 }
 
-TEST(PropertyList, EveryKindOfValueIsRead) {
+TEST(PropertyListTest, EveryKindOfValueIsRead) {
     EXPECT_EQ(valueOf("<string>text</string>"), "text");
     EXPECT_EQ(valueOf("<true/>"), true);
     EXPECT_EQ(valueOf("<false/>"), false);
@@ -42,25 +42,25 @@ TEST(PropertyList, EveryKindOfValueIsRead) {
               (PropertyListDictionary{{"x", "y"}}));
 }
 
-TEST(PropertyList, EmptyContainersAreRead) {
+TEST(PropertyListTest, EmptyContainersAreRead) {
     EXPECT_EQ(valueOf("<array/>"), PropertyListArray{});
     EXPECT_EQ(valueOf("<array />"), PropertyListArray{});
     EXPECT_EQ(valueOf("<dict></dict>"), PropertyListDictionary{});
     EXPECT_EQ(PropertyList::parseDictionary(document("<dict/>")), PropertyListDictionary{});
 }
 
-TEST(PropertyList, DatesAndDataAreThereWithoutTheirValue) {
+TEST(PropertyListTest, DatesAndDataHaveNoValue) {
     EXPECT_EQ(valueOf("<data>AAEC</data>"), PropertyListValue{});
     EXPECT_TRUE(
         PropertyList::parseDictionary(dictionaryHolding("<date>2020-01-01T00:00:00Z</date>"))
             ->contains("k"));
 }
 
-TEST(PropertyList, EntitiesAndCommentsAreUnderstood) {
+TEST(PropertyListTest, EntitiesAndCommentsAreUnderstood) {
     EXPECT_EQ(valueOf("<!-- <array> --><string>&lt;a&gt; &amp; b</string>"), "<a> & b");
 }
 
-TEST(PropertyList, TheUsualDoctypeIsUnderstood) {
+TEST(PropertyListTest, TheUsualDoctypeIsUnderstood) {
     const std::string bytes =
         "<?xml version=\"1.0\"?>\n<!DOCTYPE plist PUBLIC \"-//Apple//DTD PLIST 1.0//EN\" "
         "\"http://www.apple.com/DTDs/PropertyList-1.0.dtd\">\n"
@@ -68,7 +68,7 @@ TEST(PropertyList, TheUsualDoctypeIsUnderstood) {
     EXPECT_EQ(PropertyList::parseDictionary(bytes), (PropertyListDictionary{{"a", true}}));
 }
 
-TEST(PropertyList, OnlyADictionaryWillDo) {
+TEST(PropertyListTest, OnlyADictionaryIsAccepted) {
     EXPECT_FALSE(PropertyList::parseDictionary(document("<array/>")));
     EXPECT_FALSE(PropertyList::parseDictionary(document("<string>x</string>")));
     EXPECT_FALSE(PropertyList::parseDictionary(""));
@@ -77,7 +77,7 @@ TEST(PropertyList, OnlyADictionaryWillDo) {
     EXPECT_FALSE(PropertyList::parseDictionary("\0\0\0\0"s));
 }
 
-TEST(PropertyList, ATruncatedDocumentIsNoneOrShorterAndNeverACrash) {
+TEST(PropertyListTest, ATruncatedDocumentIsRefusedOrShorterAndNeverACrash) {
     const std::string whole = dictionaryHolding("<array><string>a</string><real>1</real></array>");
     for (std::size_t length = 0; length < whole.size(); ++length) {
         (void)PropertyList::parseDictionary(whole.substr(0, length));
@@ -85,21 +85,21 @@ TEST(PropertyList, ATruncatedDocumentIsNoneOrShorterAndNeverACrash) {
     EXPECT_TRUE(PropertyList::parseDictionary(whole));
 }
 
-TEST(PropertyList, BytesThatAreNoUtf8AreTakenAsLatin1) {
+TEST(PropertyListTest, InvalidUtf8IsReadAsLatin1) {
     const std::string bytes =
         document("<dict><key>CFBundleName</key><string>Caf\xE9</string></dict>");
     EXPECT_EQ(PropertyList::stringFor(*PropertyList::parseDictionary(bytes), "CFBundleName"),
               "Café");
 }
 
-TEST(PropertyList, TheLastOfEqualKeysCounts) {
+TEST(PropertyListTest, TheLastOfEqualKeysCounts) {
     const auto dictionary = PropertyList::parseDictionary(
         document("<dict><key>a</key><string>1</string><key>a</key><string>2</string></dict>"));
     ASSERT_TRUE(dictionary);
     EXPECT_EQ(dictionary->at("a"), "2");
 }
 
-TEST(PropertyList, OnlyTheKeysThatAreWantedAreThere) {
+TEST(PropertyListTest, OnlyTheRequestedKeysAreReturned) {
     const std::string xml = PropertyList::xml(
         {{"a", "1"}, {"b", PropertyListDictionary{{"a", "deep"}}}, {"ab", "2"}, {"c", true}});
     EXPECT_EQ(PropertyList::parseDictionary(xml, {"a", "c", "none"}),
@@ -110,14 +110,14 @@ TEST(PropertyList, OnlyTheKeysThatAreWantedAreThere) {
     EXPECT_EQ(PropertyList::parseDictionary("<plist><array/></plist>", {"a"}), std::nullopt);
 }
 
-TEST(PropertyList, AStringIsFoundByItsKeyAndNothingElse) {
+TEST(PropertyListTest, AStringIsFoundByItsKeyAndNothingElse) {
     const PropertyListDictionary dictionary{{"text", "x"}, {"flag", true}};
     EXPECT_EQ(PropertyList::stringFor(dictionary, "text"), "x");
     EXPECT_EQ(PropertyList::stringFor(dictionary, "flag"), std::nullopt);
     EXPECT_EQ(PropertyList::stringFor(dictionary, "none"), std::nullopt);
 }
 
-TEST(PropertyList, OnlyABooleanOrTheNumbersZeroAndOneAreBooleans) {
+TEST(PropertyListTest, OnlyABooleanOrTheNumbersZeroAndOneAreBooleans) {
     EXPECT_EQ(PropertyListValue(true).boolean(), true);
     EXPECT_EQ(PropertyListValue(std::int64_t{1}).boolean(), true);
     EXPECT_EQ(PropertyListValue(std::int64_t{0}).boolean(), false);
@@ -128,7 +128,7 @@ TEST(PropertyList, OnlyABooleanOrTheNumbersZeroAndOneAreBooleans) {
     EXPECT_EQ(PropertyListValue().boolean(), std::nullopt);
 }
 
-TEST(PropertyList, WhatIsWrittenIsReadBackTheSame) {
+TEST(PropertyListTest, WhatIsWrittenIsReadBackTheSame) {
     const PropertyListDictionary dictionary{
         {"text", "a <b> & \"c\" 'd' é 😀"},
         {"", "an empty key"},
@@ -143,19 +143,19 @@ TEST(PropertyList, WhatIsWrittenIsReadBackTheSame) {
     EXPECT_EQ(PropertyList::parseDictionary(PropertyList::xml(dictionary)), dictionary);
 }
 
-TEST(PropertyList, TheXmlIsAVersion1Document) {
+TEST(PropertyListTest, TheXmlIsAVersion1Document) {
     const std::string xml = PropertyList::xml({{"a", true}});
     EXPECT_TRUE(xml.starts_with("<?xml version=\"1.0\" encoding=\"UTF-8\"?>"));
     EXPECT_NE(xml.find("<!DOCTYPE plist"), std::string::npos);
     EXPECT_NE(xml.find("<plist version=\"1.0\">"), std::string::npos);
 }
 
-TEST(PropertyList, NegativeNumbersAreWrittenAsSuch) {
+TEST(PropertyListTest, NegativeNumbersAreWrittenAsNegative) {
     EXPECT_NE(PropertyList::xml({{"n", std::int64_t{-7}}}).find("<integer>-7</integer>"),
               std::string::npos);
 }
 
-TEST(PropertyList, WhatXmlCantHoldIsRefused) {
+TEST(PropertyListTest, TextThatXmlCantRepresentIsRefused) {
     for (const std::string& text :
          {"\x01"s, "a\0b"s, "\x1B[31m"s, "\xFF"s, "a\uFFFE"s, "\uFFFFb"s}) {
         EXPECT_THROW((void)PropertyList::xml({{"k", text}}), std::invalid_argument);
@@ -167,7 +167,7 @@ TEST(PropertyList, WhatXmlCantHoldIsRefused) {
     }
 }
 
-TEST(PropertyList, ABinaryFileOfAnotherToolIsRead) {
+TEST(PropertyListTest, ABinaryFileFromAnotherToolIsRead) {
     if (!isExecutableFile("/usr/bin/plistutil")) {
         GTEST_SKIP() << "plistutil is not installed";
     }
@@ -188,7 +188,7 @@ TEST(PropertyList, ABinaryFileOfAnotherToolIsRead) {
     EXPECT_EQ(readPropertyList(folder / "binary.plist"), dictionary);
 }
 
-TEST(PropertyList, WhatIsNoReadableFileHoldsNoDictionary) {
+TEST(PropertyListTest, AnUnreadableFileIsRefused) {
     const TemporaryFolder folder;
     fs::create_symlink(folder / "loop", folder / "loop");
     ::mkfifo((folder / "fifo").c_str(), 0600);
@@ -199,7 +199,7 @@ TEST(PropertyList, WhatIsNoReadableFileHoldsNoDictionary) {
     EXPECT_FALSE(readPropertyList("/dev/zero"));
 }
 
-TEST(PropertyList, AFileOverTheLimitHoldsNoDictionary) {
+TEST(PropertyListTest, AFileOverTheLimitIsRefused) {
     const TemporaryFolder folder;
     write(folder / "huge", document("<dict/>"));
     fs::resize_file(folder / "huge", std::uintmax_t{100} << 20U);

@@ -1,4 +1,4 @@
-// Property lists as other tools write them, and as XML allows.
+// Property lists as other tools write them and as XML allows.
 #include "Base/PropertyList.h"
 #include "Base/PropertyListLimits.h"
 
@@ -35,12 +35,12 @@ void expectText(const std::string& document, const std::string& text) {
         << document;
 }
 
-TEST(PropertyListXml, AByteOrderMarkMeansNothing) {
+TEST(PropertyListXmlTest, AByteOrderMarkIsSkipped) {
     EXPECT_EQ(PropertyList::parseDictionary(mark + declaration + list), expected);
     EXPECT_EQ(PropertyList::parseDictionary(mark + list), expected);
 }
 
-TEST(PropertyListXml, Utf16IsReadInBothOrders) {
+TEST(PropertyListXmlTest, Utf16IsReadInBothOrders) {
     const std::u16string document =
         u"<?xml version=\"1.0\" encoding=\"UTF-16\"?>\n<plist version=\"1.0\"><dict><key>Name</key>"
         u"<string>Café 😀</string><key>On</key><true/></dict></plist>";
@@ -50,7 +50,7 @@ TEST(PropertyListXml, Utf16IsReadInBothOrders) {
     }
 }
 
-TEST(PropertyListXml, BrokenUtf16IsRefused) {
+TEST(PropertyListXmlTest, BrokenUtf16IsRefused) {
     const std::u16string head = u"\uFEFF<plist><dict><key>k</key><string>";
     const std::u16string tail = u"</string></dict></plist>";
     const std::u16string half(1, char16_t{0xD83D});
@@ -62,7 +62,7 @@ TEST(PropertyListXml, BrokenUtf16IsRefused) {
     }
 }
 
-TEST(PropertyListXml, AnInternalSubsetIsPassedOver) {
+TEST(PropertyListXmlTest, AnInternalSubsetIsSkipped) {
     const std::string value = "<string>v</string>";
     for (const char* subset :
          {"<!DOCTYPE plist [ ]>", "<!DOCTYPE plist [<!ELEMENT plist ANY>\n<!ENTITY e \"]>\">]>",
@@ -72,8 +72,8 @@ TEST(PropertyListXml, AnInternalSubsetIsPassedOver) {
     }
 }
 
-// Each level would unfold to ten of the one before.
-TEST(PropertyListXml, EntitiesOfItsOwnAreNeverOpened) {
+// Each entity would expand to ten of the previous one.
+TEST(PropertyListXmlTest, EntitiesAreNeverExpanded) {
     std::string subset = "<!DOCTYPE plist [<!ENTITY e0 \"lol\">";
     for (int level = 1; level < 30; ++level) {
         subset += "<!ENTITY e" + std::to_string(level) + " \"";
@@ -89,7 +89,7 @@ TEST(PropertyListXml, EntitiesOfItsOwnAreNeverOpened) {
     expectText(inList(subset + "]>", "<string>&lt;&amp;&#233;&#x1F600;</string>"), "<&é😀");
 }
 
-TEST(PropertyListXml, AnAttributeMayHoldTheEndOfATag) {
+TEST(PropertyListXmlTest, AnAttributeMayContainAClosingBracket) {
     expectText("<plist version=\">\"><dict a='>'><key b=\"'/>\">k</key><string c='\">'>v</string>"
                "</dict></plist>",
                "v");
@@ -97,12 +97,12 @@ TEST(PropertyListXml, AnAttributeMayHoldTheEndOfATag) {
               (PropertyListDictionary{{"k", PropertyListArray{true}}}));
 }
 
-TEST(PropertyListXml, CommentsAndInstructionsMayHoldAnything) {
+TEST(PropertyListXmlTest, CommentsAndInstructionsMayContainAnything) {
     expectText(inList("<?x > <!-- ?><!-- <dict> ' -->", "<?y </dict> ?><string>v</string>"), "v");
     expectText(inList("<!DOCTYPE plist []>", "<string><![CDATA[<a> & ]]]>v</string>"), "<a> & ]v");
 }
 
-TEST(PropertyListXml, WhatDoesNotEndIsRefused) {
+TEST(PropertyListXmlTest, UnterminatedMarkupIsRefused) {
     for (const char* start : {"<!DOCTYPE plist [", "<!DOCTYPE plist [<!-- ]>", "<!DOCTYPE 'plist>",
                               "<!DOCTYPE plist [<!ENTITY e \"]>", "<? >", "<!-- >", "<![CDATA[ >",
                               "<a '>", "<a b=\"", "<>", "<", "</", "<!ELEMENT a>"}) {
@@ -111,11 +111,11 @@ TEST(PropertyListXml, WhatDoesNotEndIsRefused) {
     }
 }
 
-TEST(PropertyListXml, ADeclarationWithinTheListIsRefused) {
+TEST(PropertyListXmlTest, ADeclarationWithinTheListIsRefused) {
     EXPECT_FALSE(PropertyList::parseDictionary(inList("", "<!DOCTYPE a []><true/>")));
 }
 
-TEST(PropertyListXml, NestingIsLimitedHoweverItIsWritten) {
+TEST(PropertyListXmlTest, NestingIsLimitedInEverySpelling) {
     std::string nested;
     for (int level = 0; level < 100'000; ++level) {
         nested += "<array a='>'>";

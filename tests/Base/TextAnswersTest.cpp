@@ -1,4 +1,4 @@
-// What the platform's own text functions answer, for texts of every kind.
+// Compares with the results of the platform's own text functions.
 #include "Base/Text.h"
 #include "tests/support/TemporaryHome.h"
 
@@ -11,7 +11,7 @@ namespace {
 
 using nlohmann::json;
 
-class TextAnswers : public ::testing::Test {
+class TextAnswersTest : public ::testing::Test {
 protected:
     static std::string text(const json& row, const char* key) { return row.at(key); }
 
@@ -19,7 +19,7 @@ protected:
     const std::string locale = "en_US";
 };
 
-TEST_F(TextAnswers, AreGivenForCaseTrimmingAndLetters) {
+TEST_F(TextAnswersTest, AreEqualForCaseTrimmingAndLetters) {
     ASSERT_EQ(answers.at("strings").size(), 350U);
     for (const json& row : answers.at("strings")) {
         const std::string given = text(row, "text");
@@ -33,7 +33,7 @@ TEST_F(TextAnswers, AreGivenForCaseTrimmingAndLetters) {
     }
 }
 
-TEST_F(TextAnswers, AreGivenForSearches) {
+TEST_F(TextAnswersTest, AreEqualForSearches) {
     ASSERT_EQ(answers.at("contains").size(), 2063U);
     for (const json& row : answers.at("contains")) {
         EXPECT_EQ(Text::containsIgnoringCase(text(row, "text"), text(row, "sought"), locale),
@@ -42,7 +42,7 @@ TEST_F(TextAnswers, AreGivenForSearches) {
     }
 }
 
-TEST_F(TextAnswers, AreGivenForTheOrderOfNames) {
+TEST_F(TextAnswersTest, AreEqualForTheOrderOfNames) {
     const auto names = answers.at("order").get<std::vector<std::string>>();
     ASSERT_EQ(names.size(), 39U);
     for (std::size_t second = 0; second < names.size(); ++second) {

@@ -4,7 +4,7 @@
 #include "tests/support/StubWorkspace.h"
 #include "tests/support/TemporaryHome.h"
 
-#include <nlohmann/json.hpp>
+#include <nlohmann/json_fwd.hpp>
 
 #include <sstream>
 #include <string>
@@ -18,7 +18,8 @@ struct CommandResult {
     std::string output{};
     std::string errors{};
 
-    [[nodiscard]] nlohmann::json json() const { return nlohmann::json::parse(output); }
+    /// The output, parsed. Throws what the parser throws.
+    [[nodiscard]] nlohmann::json json() const;
 };
 
 /// Runs command lines in a throw-away home, with a stub for the desktop.
@@ -28,14 +29,14 @@ public:
         std::istringstream input(typed);
         std::ostringstream output;
         std::ostringstream errors;
-        const Surroundings with{input,
-                                output,
-                                errors,
-                                inputIsTerminal,
-                                outputIsTerminal,
-                                workspace,
-                                InstanceRegistry()};
-        const int status = runCommandLine(arguments, with);
+        const CommandContext context{input,
+                                     output,
+                                     errors,
+                                     inputIsTerminal,
+                                     outputIsTerminal,
+                                     workspace,
+                                     InstanceRegistry()};
+        const int status = runCommandLine(arguments, context);
         return {status, output.str(), errors.str()};
     }
 

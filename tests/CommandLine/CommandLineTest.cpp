@@ -1,9 +1,12 @@
 #include "LaunchKit/HomeLock.h"
+#include "LaunchKit/InstanceConfig.h"
+#include "LaunchKit/InstanceRecord.h"
 #include "tests/CommandLine/CommandLineHarness.h"
 #include "tests/support/AppBundles.h"
-#include "tests/support/OrdinaryUser.h"
+#include "tests/support/UnprivilegedUser.h"
 
 #include <gmock/gmock.h>
+#include <nlohmann/json.hpp>
 
 namespace quorvel {
 namespace {
@@ -26,7 +29,7 @@ std::size_t lines(const std::string& text) {
     return static_cast<std::size_t>(std::count(text.begin(), text.end(), '\n'));
 }
 
-TEST(CommandLine, WithoutACommandTheUsageIsShownAndTheStatusIsTwo) {
+TEST(CommandLineTest, WithoutACommandTheUsageIsShownAndTheStatusIsTwo) {
     CommandLineHarness harness;
     const CommandResult result = harness.run({});
     EXPECT_EQ(result.status, 2);
@@ -34,7 +37,7 @@ TEST(CommandLine, WithoutACommandTheUsageIsShownAndTheStatusIsTwo) {
     EXPECT_THAT(result.errors, HasSubstr("Usage: quorvelctl"));
 }
 
-TEST(CommandLine, AnUnknownOptionIsWrongUsageOfItsCommand) {
+TEST(CommandLineTest, AnUnknownOptionIsWrongUsageOfItsCommand) {
     CommandLineHarness harness;
     const CommandResult result = harness.run({"list", "--wrong"});
     EXPECT_EQ(result.status, 2);
@@ -42,7 +45,7 @@ TEST(CommandLine, AnUnknownOptionIsWrongUsageOfItsCommand) {
     EXPECT_THAT(result.errors, HasSubstr("Usage: quorvelctl list"));
 }
 
-TEST(CommandLine, EveryCommandHasHelp) {
+TEST(CommandLineTest, EveryCommandHasHelp) {
     CommandLineHarness harness;
     for (const char* command : {"inspect", "list", "show", "create", "open", "delete", "migrate",
                                 "icon", "apps", "probe", "running"}) {
@@ -53,7 +56,7 @@ TEST(CommandLine, EveryCommandHasHelp) {
     }
 }
 
-TEST(CommandLine, InspectTellsTheFactsAboutAnApplication) {
+TEST(CommandLineTest, InspectPrintsTheFactsAboutAnApplication) {
     CommandLineHarness harness;
     const auto app = makeAppBundle(
         harness.home / "Browser.app",
@@ -71,7 +74,7 @@ TEST(CommandLine, InspectTellsTheFactsAboutAnApplication) {
     EXPECT_EQ(json.size(), 8U);
 }
 
-TEST(CommandLine, InspectRefusesWhatIsNoApplication) {
+TEST(CommandLineTest, InspectRefusesWhatIsNotAnApplication) {
     CommandLineHarness harness;
     const CommandResult result = harness.run({"inspect", "/no/such.app", "--json"});
     EXPECT_EQ(result.status, 1);
@@ -79,7 +82,7 @@ TEST(CommandLine, InspectRefusesWhatIsNoApplication) {
     EXPECT_EQ(result.errors, "Not a readable .app: /no/such.app\n");
 }
 
-TEST(CommandLine, ListPrintsTheClonesInOrder) {
+TEST(CommandLineTest, ListPrintsTheClonesInOrder) {
     CommandLineHarness harness;
     addClone(harness, "beta");
     const auto alpha = addClone(harness, "Alpha", "com.example.alpha");
@@ -93,7 +96,7 @@ TEST(CommandLine, ListPrintsTheClonesInOrder) {
     EXPECT_EQ(json[1]["running"], false);
 }
 
-TEST(CommandLine, ListLooksOnceForWhatRunsHoweverManyClonesThereAre) {
+TEST(CommandLineTest, ListLooksOnceForWhatRunsHoweverManyClonesThereAre) {
     CommandLineHarness harness;
     for (int number = 0; number < 50; ++number) {
         addClone(harness, "Clone " + std::to_string(number));
@@ -102,7 +105,7 @@ TEST(CommandLine, ListLooksOnceForWhatRunsHoweverManyClonesThereAre) {
     EXPECT_EQ(harness.workspace.snapshots, 1);
 }
 
-TEST(CommandLine, ListLooksInTheFoldersThatItIsGiven) {
+TEST(CommandLineTest, ListSearchesTheGivenFolders) {
     CommandLineHarness harness;
     addClone(harness, "At home");
     makeWrapper(harness.home / "a/One.app", minimalConfig("One"));
@@ -115,13 +118,13 @@ TEST(CommandLine, ListLooksInTheFoldersThatItIsGiven) {
     EXPECT_EQ(json[1]["bundleURL"], (harness.home / "b/Two.app").string());
 }
 
-TEST(CommandLine, ListOfNothingIsAnEmptyArray) {
+TEST(CommandLineTest, ListOfNothingIsAnEmptyArray) {
     CommandLineHarness harness;
     EXPECT_EQ(harness.run({"list", "--json"}).json(), nlohmann::json::array());
     EXPECT_EQ(harness.run({"list"}).output, "");
 }
 
-TEST(CommandLine, AnIconIsNamedWhereThereIsOne) {
+TEST(CommandLineTest, AnIconIsNamedWhereThereIsOne) {
     CommandLineHarness harness;
     const auto wrapper = addClone(harness, "Work");
     write(wrapper / "Contents/Resources/AppIcon.icns", "icns");
@@ -129,7 +132,7 @@ TEST(CommandLine, AnIconIsNamedWhereThereIsOne) {
     EXPECT_EQ(json["iconURL"], (wrapper / "Contents/Resources/AppIcon.icns").string());
 }
 
-TEST(CommandLine, ShowFindsACloneByNameAndByPath) {
+TEST(CommandLineTest, ShowFindsACloneByNameAndByPath) {
     CommandLineHarness harness;
     const auto wrapper = addClone(harness, "Work");
     for (const std::string& words : {std::string("Work"), wrapper.string(), wrapper.string() + "/",
@@ -138,14 +141,14 @@ TEST(CommandLine, ShowFindsACloneByNameAndByPath) {
     }
 }
 
-TEST(CommandLine, ShowPrintsTheConfigurationAsItStandsInTheFile) {
+TEST(CommandLineTest, ShowPrintsTheConfigurationAsItIsInTheFile) {
     CommandLineHarness harness;
     const auto wrapper = addClone(harness, "Work");
     EXPECT_EQ(harness.run({"show", "Work", "--json"}).json()["config"],
               nlohmann::json::parse(read(wrapper / "Contents/Resources/instance.json")));
 }
 
-TEST(CommandLine, AnAmbiguousNameIsAnErrorThatListsThePaths) {
+TEST(CommandLineTest, AnAmbiguousNameIsAnErrorThatListsThePaths) {
     CommandLineHarness harness;
     const auto first = makeWrapper(harness.home / "Applications/1.app", minimalConfig("Same"));
     const auto second = makeWrapper(harness.home / "Applications/2.app", minimalConfig("Same"));
@@ -157,14 +160,14 @@ TEST(CommandLine, AnAmbiguousNameIsAnErrorThatListsThePaths) {
     EXPECT_TRUE(std::filesystem::exists(first));
 }
 
-TEST(CommandLine, APathMeansThePathWhateverAnotherCloneIsCalled) {
+TEST(CommandLineTest, APathIsAPathEvenIfACloneHasThatName) {
     CommandLineHarness harness;
     const auto meant = addClone(harness, "Mail");
     makeWrapper(harness.home / "Applications/Trap.app", minimalConfig(meant.string()));
     EXPECT_EQ(harness.run({"show", meant.string(), "--json"}).json()["bundleURL"], meant.string());
 }
 
-TEST(CommandLine, APathThroughALinkLeadsWhereTheLinkLeads) {
+TEST(CommandLineTest, APathThroughALinkLeadsWhereTheLinkLeads) {
     CommandLineHarness harness;
     const auto inner = makeWrapper(harness.home / "a/b/Work.app", minimalConfig("Inner"));
     std::filesystem::create_directories(harness.home / "a/b/c");
@@ -174,14 +177,14 @@ TEST(CommandLine, APathThroughALinkLeadsWhereTheLinkLeads) {
               inner.string());
 }
 
-TEST(CommandLine, AnUnknownCloneIsAnErrorOfOneLine) {
+TEST(CommandLineTest, AnUnknownCloneIsAnErrorOfOneLine) {
     CommandLineHarness harness;
     const CommandResult result = harness.run({"show", "no\nsuch\x1b[31m"});
     EXPECT_EQ(result.status, 1);
     EXPECT_EQ(result.errors, "There is no clone named “no\\nsuch\\u{1b}[31m”.\n");
 }
 
-TEST(CommandLine, AnApplicationThatIsNoCloneIsRefused) {
+TEST(CommandLineTest, AnApplicationThatIsNotACloneIsRefused) {
     CommandLineHarness harness;
     const auto app = makeAppBundle(harness.home / "Applications/Mail.app");
     const CommandResult result = harness.run({"delete", app.string(), "--yes"});
@@ -190,7 +193,7 @@ TEST(CommandLine, AnApplicationThatIsNoCloneIsRefused) {
     EXPECT_TRUE(std::filesystem::exists(app));
 }
 
-TEST(CommandLine, NamesNeverReachATerminalRaw) {
+TEST(CommandLineTest, NamesNeverReachATerminalRaw) {
     CommandLineHarness harness;
     InstanceConfig config = minimalConfig("evil\x1b]0;owned\x07\nname");
     makeWrapper(harness.home / "Applications/Evil.app", config);
@@ -202,7 +205,7 @@ TEST(CommandLine, NamesNeverReachATerminalRaw) {
     }
 }
 
-TEST(CommandLine, OpenPreparesTheHomeOfAnAppCloneAndOpensItsWrapper) {
+TEST(CommandLineTest, OpenPreparesTheHomeOfAnAppCloneAndOpensItsWrapper) {
     CommandLineHarness harness;
     std::filesystem::create_directories(harness.home / "Library/Keychains");
     std::filesystem::create_directories(harness.home / "Documents");
@@ -218,7 +221,7 @@ TEST(CommandLine, OpenPreparesTheHomeOfAnAppCloneAndOpensItsWrapper) {
     EXPECT_FALSE(std::filesystem::exists(data / "Desktop"));
 }
 
-TEST(CommandLine, OpenLeavesTheHomeOfOtherKindsAlone) {
+TEST(CommandLineTest, OpenLeavesTheHomeOfOtherKindsAlone) {
     CommandLineHarness harness;
     std::filesystem::create_directories(harness.home / "Documents");
     addClone(harness, "Script");
@@ -226,7 +229,7 @@ TEST(CommandLine, OpenLeavesTheHomeOfOtherKindsAlone) {
     EXPECT_FALSE(std::filesystem::exists(harness.home / "QuorvelInstances"));
 }
 
-TEST(CommandLine, OpenTellsWhyACloneCantBeOpened) {
+TEST(CommandLineTest, OpenSaysWhyACloneCantBeOpened) {
     CommandLineHarness harness;
     addClone(harness, "Work");
     harness.workspace.openError =
@@ -237,7 +240,7 @@ TEST(CommandLine, OpenTellsWhyACloneCantBeOpened) {
     EXPECT_EQ(result.errors, "“Work.app” couldn’t be opened: permission denied\n");
 }
 
-TEST(CommandLine, DeleteNeedsYesWhereNobodyCanBeAsked) {
+TEST(CommandLineTest, DeleteNeedsYesWhenInputIsNotATerminal) {
     CommandLineHarness harness;
     const auto wrapper = addClone(harness, "Work");
     const CommandResult result = harness.run({"delete", "Work"});
@@ -248,7 +251,7 @@ TEST(CommandLine, DeleteNeedsYesWhereNobodyCanBeAsked) {
     EXPECT_FALSE(std::filesystem::exists(wrapper));
 }
 
-TEST(CommandLine, DeleteAsksOnATerminalAndTakesNoForAnAnswer) {
+TEST(CommandLineTest, DeleteAsksOnATerminalAndTakesNoForAnAnswer) {
     CommandLineHarness harness;
     const auto wrapper = addClone(harness, "Work");
     harness.inputIsTerminal = true;
@@ -264,7 +267,7 @@ TEST(CommandLine, DeleteAsksOnATerminalAndTakesNoForAnAnswer) {
     EXPECT_FALSE(std::filesystem::exists(wrapper));
 }
 
-TEST(CommandLine, DeleteTakesTheDataOnlyWhenAsked) {
+TEST(CommandLineTest, DeleteTakesTheDataOnlyWhenAsked) {
     CommandLineHarness harness;
     addClone(harness, "Work");
     const auto data = harness.home / "QuorvelInstances/Work";
@@ -277,7 +280,7 @@ TEST(CommandLine, DeleteTakesTheDataOnlyWhenAsked) {
     EXPECT_FALSE(std::filesystem::exists(data));
 }
 
-TEST(CommandLine, DeleteNeverTakesTheUsersHome) {
+TEST(CommandLineTest, DeleteNeverTakesTheUsersHome) {
     CommandLineHarness harness;
     InstanceConfig config = minimalConfig("Work");
     config.instanceHome = "~/Documents/..";
@@ -289,7 +292,7 @@ TEST(CommandLine, DeleteNeverTakesTheUsersHome) {
     EXPECT_TRUE(std::filesystem::exists(harness.home / "Documents"));
 }
 
-TEST(CommandLine, MigrateMovesTheFilesAndThenShares) {
+TEST(CommandLineTest, MigrateMovesTheFilesAndThenShares) {
     CommandLineHarness harness;
     InstanceConfig config = minimalConfig("Work");
     config.shareUserFolders = false;
@@ -304,7 +307,7 @@ TEST(CommandLine, MigrateMovesTheFilesAndThenShares) {
     EXPECT_TRUE(InstanceRegistry().record(wrapper)->config.shareUserFolders);
 }
 
-TEST(CommandLine, MigrateRefusesWhileATargetRunsInTheHome) {
+TEST(CommandLineTest, MigrateRefusesWhileATargetRunsInTheHome) {
     CommandLineHarness harness;
     InstanceConfig config = minimalConfig("Work");
     config.shareUserFolders = false;
@@ -322,7 +325,7 @@ TEST(CommandLine, MigrateRefusesWhileATargetRunsInTheHome) {
     EXPECT_EQ(read(harness.home / "Documents/a"), "1");
 }
 
-TEST(CommandLine, MigrateNamesWhatStaysAndDoesNotShareThen) {
+TEST(CommandLineTest, MigrateNamesWhatStaysAndDoesNotShareThen) {
     CommandLineHarness harness;
     InstanceConfig config = minimalConfig("Work");
     config.shareUserFolders = false;
@@ -333,13 +336,13 @@ TEST(CommandLine, MigrateNamesWhatStaysAndDoesNotShareThen) {
     write(data / "Documents/b", "2");
     std::filesystem::create_directories(harness.home / "Documents");
     std::filesystem::create_symlink("nowhere", harness.home / "Documents" / stayed.filename());
-    const std::string told = "“a\\u{1b}[31m” couldn’t be moved: file exists\n"
-                             "Not everything was moved; the rest is still in " +
-                             data.string() + ".\n";
+    const std::string expected = "“a\\u{1b}[31m” couldn’t be moved: file exists\n"
+                                 "Not everything was moved; the rest is still in " +
+                                 data.string() + ".\n";
     CommandResult result = harness.run({"migrate", "Work"});
     EXPECT_EQ(result.status, 1);
     EXPECT_EQ(result.output, "Moved 1 from Documents\n");
-    EXPECT_EQ(result.errors, told);
+    EXPECT_EQ(result.errors, expected);
     EXPECT_FALSE(InstanceRegistry().record(wrapper)->config.shareUserFolders);
     EXPECT_EQ(read(stayed), "1");
 
@@ -350,31 +353,32 @@ TEST(CommandLine, MigrateNamesWhatStaysAndDoesNotShareThen) {
                               {"unmoved",
                                {{{"path", stayed.string()},
                                  {"reason", "“a\x1b[31m” couldn’t be moved: file exists"}}}}}));
-    EXPECT_EQ(result.errors, told);
+    EXPECT_EQ(result.errors, expected);
     EXPECT_FALSE(InstanceRegistry().record(wrapper)->config.shareUserFolders);
 }
 
-TEST(CommandLine, MigrateSaysWhenSharingCantBeSwitchedOn) {
+TEST(CommandLineTest, MigrateSaysWhenSharingCantBeSwitchedOn) {
     CommandLineHarness harness;
     const TemporaryFolder home;
     const ScopedEnvironment usersHome("CFFIXED_USER_HOME", home.path().string());
     const std::filesystem::path wrapper = home / "Applications/Work.app";
-    EXPECT_TRUE(asOrdinaryUser(home.path(), [&] {
+    EXPECT_TRUE(asUnprivilegedUser(home.path(), [&] {
         InstanceConfig config = minimalConfig("Work");
         config.shareUserFolders = false;
         makeWrapper(wrapper, config);
         write(home / "QuorvelInstances/Work/Downloads/a", "1");
-        std::filesystem::permissions(instanceConfigFile(wrapper), std::filesystem::perms{0444});
+        std::filesystem::permissions(wrapper / "Contents/Resources/instance.json",
+                                     std::filesystem::perms{0444});
         const CommandResult result = harness.run({"migrate", "Work", "--json"});
         const auto now = InstanceRegistry().record(wrapper);
         return result.status == 1 && result.output.empty() &&
                result.errors == "The clone at " + wrapper.string() +
-                                    " can’t be changed; it does not share the folders yet.\n" &&
+                                    " couldn’t be changed, so folder sharing is still off.\n" &&
                now && !now->config.shareUserFolders && read(home / "Downloads/a") == "1";
     }));
 }
 
-TEST(CommandLine, MigrateWithNothingToMoveStillTurnsSharingOn) {
+TEST(CommandLineTest, MigrateWithNothingToMoveStillTurnsSharingOn) {
     CommandLineHarness harness;
     InstanceConfig config = minimalConfig("Work");
     config.shareUserFolders = false;

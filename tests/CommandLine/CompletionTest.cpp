@@ -1,4 +1,6 @@
 // Presses Tab in real shells, among names that were made to harm.
+#include "Base/PathText.h"
+#include "LaunchKit/InstanceConfig.h"
 #include "Platform/files/FileSystem.h"
 #include "tests/CommandLine/InteractiveShell.h"
 #include "tests/support/AppBundles.h"
@@ -44,7 +46,7 @@ const Words names{
 
 // A shell with the completions, and a program of the command's name that only writes down with
 // which words it was called.
-class Completions : public ::testing::TestWithParam<std::string> {
+class CompletionTest : public ::testing::TestWithParam<std::string> {
 protected:
     void SetUp() override {
         const fs::path shell = "/bin/" + GetParam();
@@ -89,7 +91,8 @@ protected:
         }
         Words words;
         std::string bytes = testing::read(answer_);
-        for (std::size_t end = bytes.find('\0'); end != bytes.npos; end = bytes.find('\0')) {
+        for (std::size_t end = bytes.find('\0'); end != std::string_view::npos;
+             end = bytes.find('\0')) {
             words.push_back(bytes.substr(0, end));
             bytes.erase(0, end + 1);
         }
@@ -97,7 +100,7 @@ protected:
     }
 
     fs::path addClone(const std::string& name) {
-        return makeWrapper(applications_ / (name + ".app"), minimalConfig(name));
+        return makeWrapper(applications_ / (name + ".app"), name);
     }
 
     // Nothing but what the test itself has put there.
@@ -115,7 +118,7 @@ protected:
     std::optional<InteractiveShell> shell_{};
 };
 
-TEST_P(Completions, HandTheNameOfAnyCloneToTheProgramAsItIs) {
+TEST_P(CompletionTest, HandTheNameOfAnyCloneToTheProgramAsItIs) {
     for (const std::string& name : names) {
         const fs::path wrapper = addClone(name);
         EXPECT_THAT(called("quorvelctl delete \t\r"), ElementsAre("delete", wrapper.string()));
@@ -124,7 +127,7 @@ TEST_P(Completions, HandTheNameOfAnyCloneToTheProgramAsItIs) {
     }
 }
 
-TEST_P(Completions, GoOnFromWhatHasBeenTyped) {
+TEST_P(CompletionTest, GoOnFromWhatHasBeenTyped) {
     const fs::path wrapper = addClone("My $(touch PWNED) 'app'");
     for (const char* start : {"~/Applications/", "~/Applications/My", "~/Applications/My\\ \\$"}) {
         EXPECT_THAT(called("quorvelctl open " + std::string(start) + "\t\r"),
@@ -134,7 +137,7 @@ TEST_P(Completions, GoOnFromWhatHasBeenTyped) {
     expectNothingDone();
 }
 
-TEST_P(Completions, GoOnWithinQuotes) {
+TEST_P(CompletionTest, GoOnWithinQuotes) {
     for (const std::string& name : names) {
         const fs::path wrapper = addClone(name);
         for (const char* quote : {"'", "\""}) {
@@ -147,11 +150,11 @@ TEST_P(Completions, GoOnWithinQuotes) {
     expectNothingDone();
 }
 
-TEST_P(Completions, StopWhereSeveralNamesPart) {
+TEST_P(CompletionTest, StopWhereSeveralNamesPart) {
     for (const std::string& name : names) {
         const fs::path one = addClone(name + " one");
         const fs::path two = addClone(name + " $two");
-        // Bash could not go on from a control character.
+        // Bash can't continue after a control character.
         const auto* const control = std::find_if(name.data(), name.data() + name.size(),
                                                  [](char c) { return c >= 0 && c < ' '; });
         const bool whole = !isBash() || control == name.data() + name.size();
@@ -164,7 +167,7 @@ TEST_P(Completions, StopWhereSeveralNamesPart) {
     expectNothingDone();
 }
 
-TEST_P(Completions, GoOnAfterCharactersThatBreakWords) {
+TEST_P(CompletionTest, ContinueAfterCharactersThatBreakWords) {
     for (const char* start : {"a:", "a=", "a@", "a::b=$x:", ":"}) {
         const fs::path one = addClone(start + std::string("one it's"));
         const fs::path two = addClone(start + std::string("two it's"));
@@ -176,7 +179,7 @@ TEST_P(Completions, GoOnAfterCharactersThatBreakWords) {
     expectNothingDone();
 }
 
-TEST_P(Completions, NeverStopWithinACharacter) {
+TEST_P(CompletionTest, NeverStopWithinACharacter) {
     if (!isBash()) {
         GTEST_SKIP() << "what zsh's own editor makes of names in the C locale is not ours";
     }
@@ -187,12 +190,12 @@ TEST_P(Completions, NeverStopWithinACharacter) {
                 ElementsAre("open", (applications_ / "Caf").string()));
 }
 
-TEST_P(Completions, OfferNoOtherApplication) {
+TEST_P(CompletionTest, OfferNoOtherApplication) {
     fs::create_directories(applications_ / "Other.app/Contents/Resources");
     EXPECT_THAT(called("quorvelctl open \t\r"), ElementsAre("open"));
 }
 
-TEST_P(Completions, HandTheNameOfAnyFileToTheProgramAsItIs) {
+TEST_P(CompletionTest, HandTheNameOfAnyFileToTheProgramAsItIs) {
     for (const std::string& name : names) {
         fs::create_directories(work_ / name);
         const bool option = name.starts_with("-");
@@ -205,7 +208,7 @@ TEST_P(Completions, HandTheNameOfAnyFileToTheProgramAsItIs) {
     }
 }
 
-TEST_P(Completions, NeverOfferAFileThatWouldBeTakenForAnOption) {
+TEST_P(CompletionTest, NeverOfferAFileThatWouldBeTakenForAnOption) {
     fs::create_directories(work_ / "--json");
     const Words words = called("quorvelctl inspect \t\r");
     ASSERT_FALSE(words.empty());
@@ -213,14 +216,14 @@ TEST_P(Completions, NeverOfferAFileThatWouldBeTakenForAnOption) {
         << words.back();
 }
 
-TEST_P(Completions, KnowCommandsOptionsAndTheirValues) {
+TEST_P(CompletionTest, KnowCommandsOptionsAndTheirValues) {
     EXPECT_THAT(called("quorvelctl insp\t\r"), ElementsAre("inspect"));
     EXPECT_THAT(called("quorvelctl delete --incl\t\r"), ElementsAre("delete", "--including-data"));
     EXPECT_THAT(called("quorvelctl create --strategy wrap\t\r"),
                 ElementsAre("create", "--strategy", "wrapper-identity"));
 }
 
-INSTANTIATE_TEST_SUITE_P(Shells, Completions, ::testing::Values("bash", "zsh"),
+INSTANTIATE_TEST_SUITE_P(Shells, CompletionTest, ::testing::Values("bash", "zsh"),
                          [](const auto& test) { return test.param; });
 
 } // namespace

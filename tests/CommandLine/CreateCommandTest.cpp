@@ -4,6 +4,7 @@
 #include "tests/support/AppBundles.h"
 
 #include <gmock/gmock.h>
+#include <nlohmann/json.hpp>
 
 namespace quorvel {
 namespace {
@@ -12,7 +13,7 @@ using namespace testing;
 using ::testing::HasSubstr;
 namespace fs = std::filesystem;
 
-class CreateCommand : public ::testing::Test {
+class CreateCommandTest : public ::testing::Test {
 protected:
     CommandResult create(std::vector<std::string> arguments) {
         arguments.insert(arguments.begin(),
@@ -34,7 +35,7 @@ protected:
     CommandLineHarness harness;
 };
 
-TEST_F(CreateCommand, MakesAnAppCloneAndPrintsItsPath) {
+TEST_F(CreateCommandTest, MakesAnAppCloneAndPrintsItsPath) {
     const auto app = makeAppBundle(harness.home / "Chat.app");
     const CommandResult result = harness.run({"create", "--runner", runnerProgram().string(),
                                               "--target", app.string(), "--name", " Chat (Work) "});
@@ -46,7 +47,7 @@ TEST_F(CreateCommand, MakesAnAppCloneAndPrintsItsPath) {
               app.string());
 }
 
-TEST_F(CreateCommand, TakesTheEnginesArgumentsUnlessToldOtherwise) {
+TEST_F(CreateCommandTest, TakesTheEnginesArgumentsByDefault) {
     const auto app = makeAppBundle(harness.home / "Browser.app",
                                    {{"CFBundleIdentifier", "org.chromium.Chromium"}});
     const std::vector<std::string> words{"--target", app.string(), "--name", "B"};
@@ -63,7 +64,7 @@ TEST_F(CreateCommand, TakesTheEnginesArgumentsUnlessToldOtherwise) {
               2);
 }
 
-TEST_F(CreateCommand, CarriesEveryOptionIntoTheConfiguration) {
+TEST_F(CreateCommandTest, CarriesEveryOptionIntoTheConfiguration) {
     const auto json = configOf(commandWords({"--arg=-c",
                                              "--arg",
                                              "exit 1",
@@ -108,14 +109,14 @@ TEST_F(CreateCommand, CarriesEveryOptionIntoTheConfiguration) {
     EXPECT_EQ(json["shareUserFolders"], false);
 }
 
-TEST_F(CreateCommand, ValuesOfAnyLookComeThroughWhole) {
+TEST_F(CreateCommandTest, ValuesOfAnyLookComeThroughWhole) {
     const auto json = configOf(commandWords({"--arg=", "--arg=--flag", "--arg", "{}", "--arg",
                                              "[a,b]", "--arg=a=b", "--arg", "line\nbreak"}));
     EXPECT_EQ(json["commandArgs"],
               nlohmann::json({"", "--flag", "{}", "[a,b]", "a=b", "line\nbreak"}));
 }
 
-TEST_F(CreateCommand, MakesTheOtherKinds) {
+TEST_F(CreateCommandTest, MakesTheOtherKinds) {
     const auto web = configOf({"--kind", "web", "--name", "Mail", "--url", "https://mail.test/"});
     EXPECT_EQ(web["url"], "https://mail.test/");
     EXPECT_EQ(web["targetAppPath"], "");
@@ -123,18 +124,18 @@ TEST_F(CreateCommand, MakesTheOtherKinds) {
     EXPECT_EQ(file["openPath"], "~/Tax 2026/");
 }
 
-TEST_F(CreateCommand, RelativePathsAreMadeAbsolute) {
+TEST_F(CreateCommandTest, RelativePathsAreMadeAbsolute) {
     const auto json = configOf({"--kind", "file", "--name", "Here", "--open", "notes/../x.txt"});
     EXPECT_EQ(json["openPath"], (fs::current_path() / "x.txt").string());
 }
 
-TEST_F(CreateCommand, PutsTheCloneWhereItIsTold) {
+TEST_F(CreateCommandTest, PutsTheCloneIntoTheGivenFolder) {
     const CommandResult result =
         create(commandWords({"--output", (harness.home / "Elsewhere").string()}));
     EXPECT_EQ(result.json()["bundleURL"], (harness.home / "Elsewhere/Work.app").string());
 }
 
-TEST_F(CreateCommand, HidesTheDockIconAndTakesAnIconFile) {
+TEST_F(CreateCommandTest, HidesTheDockIconAndTakesAnIconFile) {
     write(harness.home / "icon.icns", "icon bytes");
     const auto json =
         create(commandWords({"--hide-icon", "--icon", (harness.home / "icon.icns").string()}))
@@ -145,7 +146,7 @@ TEST_F(CreateCommand, HidesTheDockIconAndTakesAnIconFile) {
     EXPECT_EQ(info->at("LSUIElement"), PropertyListValue(true));
 }
 
-TEST_F(CreateCommand, RefusesNamesThatWouldLeaveTheFolder) {
+TEST_F(CreateCommandTest, RefusesNamesThatWouldLeaveTheFolder) {
     for (const char* name : {"a/b", "/", ".", "..", " .. ", "../x"}) {
         const CommandResult result =
             create({"--kind", "command", "--command", "/bin/true", "--name", name});
@@ -155,7 +156,7 @@ TEST_F(CreateCommand, RefusesNamesThatWouldLeaveTheFolder) {
     EXPECT_FALSE(fs::exists(harness.home / "Applications"));
 }
 
-TEST_F(CreateCommand, RefusesNamesThatAreNoTextOrHoldControlCharacters) {
+TEST_F(CreateCommandTest, RefusesNamesThatAreNotTextOrContainControlCharacters) {
     for (const char* name : {"\xff\xfe", "bell\x07"}) {
         const CommandResult result =
             create({"--kind", "command", "--command", "/bin/true", "--name", name});
@@ -165,7 +166,7 @@ TEST_F(CreateCommand, RefusesNamesThatAreNoTextOrHoldControlCharacters) {
     EXPECT_FALSE(fs::exists(harness.home / "Applications"));
 }
 
-TEST_F(CreateCommand, TakesNamesWithQuotesMarkupAndLineBreaks) {
+TEST_F(CreateCommandTest, TakesNamesWithQuotesMarkupAndLineBreaks) {
     for (const char* name : {"it's \"quoted\"", "<img src=x><b>hi", "two\nlines", "工作 😀"}) {
         const auto json = configOf({"--kind", "command", "--command", "/bin/true", "--name", name});
         EXPECT_EQ(json["displayName"], name);
@@ -173,7 +174,7 @@ TEST_F(CreateCommand, TakesNamesWithQuotesMarkupAndLineBreaks) {
     }
 }
 
-TEST_F(CreateCommand, SaysWhatIsMissing) {
+TEST_F(CreateCommandTest, SaysWhatIsMissing) {
     EXPECT_EQ(create({"--target", "/x.app", "--name", " \t"}).errors,
               "The clone needs a non-empty name.\n");
     EXPECT_EQ(create({"--name", "Work"}).errors, "Not a readable .app: /\n");
@@ -186,7 +187,7 @@ TEST_F(CreateCommand, SaysWhatIsMissing) {
               "Runner binary not found: /no/runner\n");
 }
 
-TEST_F(CreateCommand, WrongWordsAreWrongUsage) {
+TEST_F(CreateCommandTest, InvalidValuesAreWrongUsage) {
     for (const std::vector<std::string>& words : {std::vector<std::string>{"--kind", "movie"},
                                                   {"--kind", "web", "--name", "x"},
                                                   {"--kind", "file", "--name", "x"},
@@ -199,13 +200,13 @@ TEST_F(CreateCommand, WrongWordsAreWrongUsage) {
     EXPECT_EQ(create(commandWords({"--plist", "=x"})).status, 2);
 }
 
-TEST_F(CreateCommand, MakingACloneAgainReplacesIt) {
+TEST_F(CreateCommandTest, MakingACloneAgainReplacesIt) {
     configOf(commandWords({"--arg", "1"}));
     EXPECT_EQ(configOf(commandWords({"--arg", "2"}))["commandArgs"], nlohmann::json({"2"}));
     EXPECT_EQ(harness.run({"list", "--json"}).json().size(), 1U);
 }
 
-TEST_F(CreateCommand, NeverReplacesAnApplicationThatIsNoClone) {
+TEST_F(CreateCommandTest, NeverReplacesAnApplicationThatIsNotAClone) {
     const auto app = makeAppBundle(harness.home / "Applications/Work.app");
     const auto before = treeOf(app);
     for (const char* name : {"Work", "Work ", " Work\n"}) {
@@ -217,7 +218,7 @@ TEST_F(CreateCommand, NeverReplacesAnApplicationThatIsNoClone) {
     }
 }
 
-TEST_F(CreateCommand, NeverReplacesAnythingElseOfThatName) {
+TEST_F(CreateCommandTest, NeverReplacesAnythingElseOfThatName) {
     write(harness.home / "Projects/Work.app/src/main.c", "int main;");
     write(harness.home / "Files/Work.app", "a file");
     for (const char* folder : {"Projects", "Files"}) {
@@ -227,13 +228,13 @@ TEST_F(CreateCommand, NeverReplacesAnythingElseOfThatName) {
     }
 }
 
-TEST_F(CreateCommand, ReplacesAWrapperThatWasNeverFinished) {
+TEST_F(CreateCommandTest, ReplacesAWrapperThatWasNeverFinished) {
     write(harness.home / "Applications/Work.app/Contents/MacOS/runner", "half");
     fs::create_directories(harness.home / "Applications/Work.app/Contents/Resources");
     EXPECT_EQ(create(commandWords()).status, 0);
 }
 
-TEST_F(CreateCommand, RefusesToUsePartsOfTheCloneThatItReplaces) {
+TEST_F(CreateCommandTest, RefusesToUsePartsOfTheCloneThatItReplaces) {
     const fs::path wrapper = create(commandWords()).json()["bundleURL"].get<std::string>();
     write(wrapper / "Contents/Resources/AppIcon.icns", "icon");
     const auto before = treeOf(wrapper);
@@ -250,7 +251,7 @@ TEST_F(CreateCommand, RefusesToUsePartsOfTheCloneThatItReplaces) {
     EXPECT_EQ(treeOf(wrapper), before);
 }
 
-TEST_F(CreateCommand, PrintsThePathEvenWhenTheCloneCantBeOpened) {
+TEST_F(CreateCommandTest, PrintsThePathEvenWhenTheCloneCantBeOpened) {
     harness.workspace.openError =
         PlatformError(std::make_error_code(std::errc::permission_denied), "/x/Work.app", "opened");
     const CommandResult result =
@@ -260,7 +261,7 @@ TEST_F(CreateCommand, PrintsThePathEvenWhenTheCloneCantBeOpened) {
     EXPECT_EQ(result.output, (harness.home / "Applications/Work.app").string() + "\n");
 }
 
-TEST_F(CreateCommand, ATextThatCantBeWrittenLeavesTheOldCloneAlone) {
+TEST_F(CreateCommandTest, ATextThatCantBeWrittenLeavesTheOldCloneAlone) {
     configOf(commandWords());
     const auto before = treeOf(harness.home / "Applications");
     EXPECT_EQ(create(commandWords({"--plist", "Key=\x01"})).status, 1);
@@ -268,7 +269,7 @@ TEST_F(CreateCommand, ATextThatCantBeWrittenLeavesTheOldCloneAlone) {
     EXPECT_EQ(treeOf(harness.home / "Applications"), before);
 }
 
-TEST_F(CreateCommand, LaunchesTheCloneWhenAsked) {
+TEST_F(CreateCommandTest, LaunchesTheCloneWhenAsked) {
     const auto json = create(commandWords({"--launch"})).json();
     EXPECT_EQ(harness.workspace.opened,
               std::vector<fs::path>{json["bundleURL"].get<std::string>()});

@@ -1,33 +1,69 @@
+#include "LaunchKit/CloneOptions.h"
 #include "tests/CommandLine/CommandLineHarness.h"
 #include "tests/support/AppBundles.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
 
 namespace quorvel {
 namespace {
 
 using namespace testing;
+using ::testing::ContainsRegex;
+using ::testing::HasSubstr;
+using ::testing::Not;
 
-TEST(CreateWords, EachSwitchSetsItsOwnFieldAlone) {
+TEST(CreateWordsTest, EachSwitchSetsItsOwnFieldAlone) {
     CommandLineHarness harness;
-    const std::map<std::string, std::string> switches{
-        {"--browser", "registerAsBrowser"},
-        {"--open-with", "openWithPassthrough"},
-        {"--menu-bar-icon", "menuBarIcon"},
-        {"--menu-bar-template", "menuBarIconTemplate"}};
-    for (const auto& [word, field] : switches) {
+    for (const CloneSwitch& set : cloneSwitches) {
         const auto json = harness
                               .run({"create", "--kind", "web", "--url", "https://a.test", "--name",
-                                    "W", "--runner", runnerProgram().string(), "--json", word})
+                                    "W", "--runner", runnerProgram().string(), "--json", set.flag})
                               .json();
-        for (const auto& [other, name] : switches) {
-            EXPECT_EQ(json["config"][name], word == other) << word << " " << name;
+        for (const CloneSwitch& each : cloneSwitches) {
+            EXPECT_EQ(json["config"][std::string(each.key)], each.defaultValue() != (&each == &set))
+                << set.flag << " " << each.key;
         }
-        EXPECT_EQ(json["config"]["shareUserFolders"], true);
     }
 }
 
-TEST(CreateWords, AValueThatIsAWordOfItsOwnMayLookLikeAnything) {
+TEST(CreateWordsTest, EachSwitchIsShownWhenItIsSet) {
+    CommandLineHarness harness;
+    std::vector<std::string> arguments{"create", "--kind",         "web",
+                                       "--url",  "https://a.test", "--name",
+                                       "W",      "--runner",       runnerProgram().string()};
+    ASSERT_EQ(harness.run(arguments).status, 0);
+    for (const CloneSwitch& each : cloneSwitches) {
+        EXPECT_THAT(harness.run({"show", "W"}).output,
+                    Not(HasSubstr(std::string(each.fact) + " ")));
+        if (!each.appsOnly) {
+            arguments.emplace_back(each.flag);
+        }
+    }
+    ASSERT_EQ(harness.run(arguments).status, 0);
+    const std::string output = harness.run({"show", "W"}).output;
+    for (const CloneSwitch& each : cloneSwitches) {
+        const auto row = ContainsRegex("\n" + std::string(each.fact) + "  +yes\n");
+        EXPECT_EQ(::testing::Value(output, row), !each.appsOnly) << each.fact << "\n" << output;
+    }
+}
+
+TEST(CreateWordsTest, RefusesUnknownChoicesAndNamesTheKnownOnes) {
+    CommandLineHarness harness;
+    const auto errorsOf = [&](const std::string& option) {
+        const CommandResult result = harness.run({"create", "--name", "W", option, "nonsense"});
+        EXPECT_EQ(result.status, 2);
+        return result.errors;
+    };
+    EXPECT_THAT(errorsOf("--kind"), HasSubstr("{app,web,file,command}"));
+    EXPECT_THAT(errorsOf("--strategy"), HasSubstr("{home-override,container-redirect,"
+                                                  "wrapper-identity,unsupported}"));
+    EXPECT_THAT(errorsOf("--label-position"), HasSubstr("{bottom,center,top}"));
+    EXPECT_THAT(harness.run({"create", "--help"}).output, HasSubstr("app, web, file or command"));
+}
+
+TEST(CreateWordsTest, AValueInAnArgumentOfItsOwnMayLookLikeAnything) {
     CommandLineHarness harness;
     const auto json = harness
                           .run({"create",    "--kind",    "command",

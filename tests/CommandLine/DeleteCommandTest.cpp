@@ -1,10 +1,12 @@
-#include "CommandLine/CloneTexts.h"
 #include "LaunchKit/HomeLock.h"
+#include "LaunchKit/InstanceConfig.h"
+#include "LaunchKit/InstanceRecord.h"
 #include "tests/CommandLine/CommandLineHarness.h"
 #include "tests/support/AppBundles.h"
-#include "tests/support/OrdinaryUser.h"
+#include "tests/support/UnprivilegedUser.h"
 
 #include <gmock/gmock.h>
+#include <nlohmann/json.hpp>
 
 namespace quorvel {
 namespace {
@@ -16,7 +18,7 @@ using ::testing::Not;
 using ::testing::StartsWith;
 namespace fs = std::filesystem;
 
-class DeleteCommand : public ::testing::Test {
+class DeleteCommandTest : public ::testing::Test {
 protected:
     fs::path addClone(const std::string& instanceHome = "~/QuorvelInstances/Work") const {
         InstanceConfig config = minimalConfig("Work");
@@ -38,7 +40,7 @@ protected:
     fs::path data = harness.home / "QuorvelInstances/Work";
 };
 
-TEST_F(DeleteCommand, AsksWithTheFolderThatIsMeant) {
+TEST_F(DeleteCommandTest, AsksWithTheFolderThatIsMeant) {
     addClone("~/alias/./Work");
     fs::create_directories(harness.home / "real/Work");
     fs::create_directory_symlink(harness.home / "real", harness.home / "alias");
@@ -53,14 +55,14 @@ TEST_F(DeleteCommand, AsksWithTheFolderThatIsMeant) {
                            (harness.home / "real/Work").string() + "? [y/N] "));
 }
 
-TEST_F(DeleteCommand, WarnsInTheQuestionWhenTheCloneRuns) {
+TEST_F(DeleteCommandTest, WarnsInTheQuestionWhenTheCloneRuns) {
     const fs::path wrapper = addClone();
     write(data / "file", "x");
     harness.workspace.running = {{"app.quorvel.instance.test", wrapper, 1}};
     harness.inputIsTerminal = true;
     harness.typed = "n\n";
     EXPECT_THAT(harness.run({"delete", "Work", "--including-data"}).errors,
-                HasSubstr("“Work” is running: it loses what it has open"));
+                HasSubstr("“Work” is running. It would lose what it has open"));
     EXPECT_THAT(harness.run({"delete", "Work"}).errors, Not(HasSubstr("is running")));
     harness.workspace.running.clear();
     EXPECT_THAT(harness.run({"delete", "Work", "--including-data"}).errors,
@@ -68,19 +70,19 @@ TEST_F(DeleteCommand, WarnsInTheQuestionWhenTheCloneRuns) {
     EXPECT_TRUE(fs::exists(data / "file"));
 }
 
-TEST_F(DeleteCommand, WarnsOnTheErrorsWhereNobodyIsAsked) {
+TEST_F(DeleteCommandTest, WarnsOnStandardErrorWhenItCannotAsk) {
     const fs::path wrapper = addClone();
     write(data / "file", "x");
     harness.workspace.running = {{"app.quorvel.instance.test", wrapper, 1}};
     const auto result = harness.run({"delete", "Work", "--including-data", "--yes", "--json"});
     EXPECT_EQ(result.status, 0);
     EXPECT_EQ(result.json()["deletedData"], true);
-    EXPECT_THAT(result.errors, StartsWith("“Work” is running: "));
+    EXPECT_THAT(result.errors, StartsWith("“Work” is running. "));
     addClone();
     EXPECT_EQ(harness.run({"delete", "Work", "--yes"}).errors, "");
 }
 
-TEST_F(DeleteCommand, WarnsWhenTheDataIsLockedThoughNoCloneIsSeenRunning) {
+TEST_F(DeleteCommandTest, WarnsWhenTheDataIsLockedThoughNoCloneIsSeenRunning) {
     addClone();
     write(data / "file", "x");
     harness.inputIsTerminal = true;
@@ -92,14 +94,15 @@ TEST_F(DeleteCommand, WarnsWhenTheDataIsLockedThoughNoCloneIsSeenRunning) {
     ASSERT_TRUE(lock);
     EXPECT_THAT(harness.run(words).errors, HasSubstr("“Work” is running"));
     lock.reset();
-    EXPECT_THAT(harness.run(words).errors, Not(HasSubstr("running"))) << "a lock nobody holds";
+    EXPECT_THAT(harness.run(words).errors, Not(HasSubstr("running")))
+        << "a lock that no process holds";
     lock = FileLock::tryTake(data / homeLockName);
     const auto result = harness.run({"delete", "Work", "--including-data", "--yes"});
     EXPECT_THAT(result.errors, StartsWith("“Work” is running"));
     EXPECT_EQ(result.status, 0);
 }
 
-TEST_F(DeleteCommand, SaysInTheQuestionThatWhatIsNoDataIsKept) {
+TEST_F(DeleteCommandTest, SaysInTheQuestionThatFoldersThatAreNotDataAreKept) {
     harness.inputIsTerminal = true;
     harness.workspace.running = {{"app.quorvel.instance.test", "/", 1}};
     const std::vector<std::string> words{"delete", "Work", "--including-data"};
@@ -114,7 +117,7 @@ TEST_F(DeleteCommand, SaysInTheQuestionThatWhatIsNoDataIsKept) {
     EXPECT_THAT(harness.run(words).errors, StartsWith("Delete “Work”? [y/N] "));
 }
 
-TEST_F(DeleteCommand, FindsACloneByItsNameInAWorkingFolderThatIsGone) {
+TEST_F(DeleteCommandTest, FindsACloneByItsNameInAWorkingFolderThatIsGone) {
     const fs::path wrapper = addClone();
     const fs::path before = fs::current_path();
     fs::create_directory(harness.home / "gone");
@@ -126,7 +129,7 @@ TEST_F(DeleteCommand, FindsACloneByItsNameInAWorkingFolderThatIsGone) {
     EXPECT_FALSE(fs::exists(wrapper));
 }
 
-TEST_F(DeleteCommand, ACloneThatLostItsConfigurationAloneIsDeletedByItsPath) {
+TEST_F(DeleteCommandTest, ACloneThatLostItsConfigurationAloneIsDeletedByItsPath) {
     const fs::path wrapper = addDamagedClone();
     fs::remove(wrapper / "Contents/Resources/instance.json");
     const auto result = harness.run({"delete", wrapper.string(), "--yes"});
@@ -134,9 +137,9 @@ TEST_F(DeleteCommand, ACloneThatLostItsConfigurationAloneIsDeletedByItsPath) {
     EXPECT_FALSE(fs::exists(wrapper));
 }
 
-TEST_F(DeleteCommand, SaysSoWhenOnlyAPartOfTheDataIsGone) {
+TEST_F(DeleteCommandTest, SaysSoWhenOnlyAPartOfTheDataIsGone) {
     const TemporaryFolder folder;
-    EXPECT_TRUE(asOrdinaryUser(folder.path(), [&] {
+    EXPECT_TRUE(asUnprivilegedUser(folder.path(), [&] {
         InstanceConfig config = minimalConfig("Work");
         config.instanceHome = (folder / "data").string();
         const fs::path wrapper = makeWrapper(folder / "Work.app", config);
@@ -152,9 +155,9 @@ TEST_F(DeleteCommand, SaysSoWhenOnlyAPartOfTheDataIsGone) {
     }));
 }
 
-TEST_F(DeleteCommand, SaysSoWhenNothingOfTheDataCouldGo) {
+TEST_F(DeleteCommandTest, SaysSoIfNoDataCouldBeRemoved) {
     const TemporaryFolder folder;
-    EXPECT_TRUE(asOrdinaryUser(folder.path(), [&] {
+    EXPECT_TRUE(asUnprivilegedUser(folder.path(), [&] {
         InstanceConfig config = minimalConfig("Work");
         config.instanceHome = (folder / "closed/data").string();
         const fs::path wrapper = makeWrapper(folder / "Work.app", config);
@@ -168,7 +171,7 @@ TEST_F(DeleteCommand, SaysSoWhenNothingOfTheDataCouldGo) {
     }));
 }
 
-TEST_F(DeleteCommand, RefusesAFolderThatIsNotTheClonesAlone) {
+TEST_F(DeleteCommandTest, RefusesAFolderThatIsNotTheClonesAlone) {
     const fs::path wrapper = addClone("~/Documents");
     write(harness.home / "Documents/precious", "x");
     const auto result = harness.run({"delete", "Work", "--including-data", "--yes", "--json"});
@@ -180,7 +183,7 @@ TEST_F(DeleteCommand, RefusesAFolderThatIsNotTheClonesAlone) {
     EXPECT_EQ(read(harness.home / "Documents/precious"), "x");
 }
 
-TEST_F(DeleteCommand, ADamagedCloneIsDeletedByItsPathAfterAQuestion) {
+TEST_F(DeleteCommandTest, ADamagedCloneIsDeletedByItsPathAfterAQuestion) {
     const fs::path wrapper = addDamagedClone();
     write(data / "file", "x");
     EXPECT_EQ(harness.run({"delete", "Work", "--yes"}).status, 1) << "it has no name any more";
@@ -197,7 +200,7 @@ TEST_F(DeleteCommand, ADamagedCloneIsDeletedByItsPathAfterAQuestion) {
     EXPECT_TRUE(fs::exists(data / "file"));
 }
 
-TEST_F(DeleteCommand, TheDataOfADamagedCloneIsNotGuessed) {
+TEST_F(DeleteCommandTest, TheDataOfADamagedCloneIsNotGuessed) {
     const fs::path wrapper = addDamagedClone();
     const auto result = harness.run({"delete", wrapper.string(), "--including-data", "--yes"});
     EXPECT_EQ(result.status, 1);
@@ -207,7 +210,7 @@ TEST_F(DeleteCommand, TheDataOfADamagedCloneIsNotGuessed) {
     EXPECT_FALSE(fs::exists(wrapper));
 }
 
-TEST_F(DeleteCommand, ADamagedCloneIsReplacedAfterAQuestion) {
+TEST_F(DeleteCommandTest, ADamagedCloneIsReplacedAfterAQuestion) {
     const fs::path wrapper = addDamagedClone();
     const std::vector<std::string> create{"create", "--kind",         "web",
                                           "--url",  "https://a.test", "--name",
@@ -224,7 +227,7 @@ TEST_F(DeleteCommand, ADamagedCloneIsReplacedAfterAQuestion) {
     EXPECT_TRUE(InstanceRegistry().record(wrapper));
 }
 
-TEST_F(DeleteCommand, CreateTakesASharedHomeOnlyWhenThatIsSaid) {
+TEST_F(DeleteCommandTest, CreateTakesASharedHomeOnlyWhenThatIsSaid) {
     addClone("~/QuorvelInstances/Shared");
     const auto create = [&](std::vector<std::string> more) {
         std::vector<std::string> words{"create",
@@ -250,7 +253,7 @@ TEST_F(DeleteCommand, CreateTakesASharedHomeOnlyWhenThatIsSaid) {
     EXPECT_TRUE(fs::exists(harness.home / "Applications/Other.app"));
 }
 
-TEST_F(DeleteCommand, ShowTellsTheSizeOfTheLog) {
+TEST_F(DeleteCommandTest, ShowPrintsTheSizeOfTheLog) {
     addClone();
     EXPECT_FALSE(harness.run({"show", "Work", "--json"}).json().contains("logSize"));
     EXPECT_THAT(harness.run({"show", "Work"}).output, Not(HasSubstr("Log")));
@@ -258,18 +261,6 @@ TEST_F(DeleteCommand, ShowTellsTheSizeOfTheLog) {
     EXPECT_EQ(harness.run({"show", "Work", "--json"}).json()["logSize"], 1534);
     EXPECT_THAT(harness.run({"show", "Work"}).output, ::testing::ContainsRegex("Log +1\\.5 kB\n"));
     EXPECT_FALSE(harness.run({"list", "--json"}).json()[0].contains("logSize"));
-}
-
-TEST(SizeText, IsInTheUnitThatReadsBest) {
-    EXPECT_EQ(sizeText(0), "0 bytes");
-    EXPECT_EQ(sizeText(1), "1 byte");
-    EXPECT_EQ(sizeText(999), "999 bytes");
-    EXPECT_EQ(sizeText(1'000), "1.0 kB");
-    EXPECT_EQ(sizeText(999'999), "999.9 kB");
-    EXPECT_EQ(sizeText(1'000'000), "1.0 MB");
-    EXPECT_EQ(sizeText(300'123'456), "300.1 MB");
-    EXPECT_EQ(sizeText(2'500'000'000), "2.5 GB");
-    EXPECT_EQ(sizeText(5'000'000'000'000'000), "5000.0 TB");
 }
 
 } // namespace

@@ -36,7 +36,7 @@ std::string manualForm(const std::string& option) {
     return std::regex_replace(option, std::regex("-"), "\\-");
 }
 
-TEST(Documentation, TheManualPageAndTheCompletionsKnowEveryCommandAndOption) {
+TEST(DocumentationTest, TheManualPageAndTheCompletionsKnowEveryCommandAndOption) {
     CommandLineHarness harness;
     const std::string manual = packaged("quorvelctl.1");
     const std::string bash = packaged("completions/quorvelctl.bash");

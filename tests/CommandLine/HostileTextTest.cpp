@@ -1,9 +1,12 @@
 // Texts from files that would steer a terminal, hide in it or fill it.
+#include "LaunchKit/InstanceConfig.h"
+#include "LaunchKit/InstanceRecord.h"
 #include "tests/CommandLine/CommandLineHarness.h"
 #include "tests/support/AppBundles.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
 
 namespace quorvel {
 namespace {
@@ -12,7 +15,7 @@ using namespace testing;
 using ::testing::HasSubstr;
 using ::testing::Not;
 
-class HostileTexts : public ::testing::Test {
+class HostileTextTest : public ::testing::Test {
 protected:
     void addClone(const std::string& file, const std::string& name) {
         makeWrapper(harness.home / ("Applications/" + file + ".app"), minimalConfig(name));
@@ -21,7 +24,7 @@ protected:
     CommandLineHarness harness;
 };
 
-TEST_F(HostileTexts, OneNameWithoutEndDoesNotFillTheList) {
+TEST_F(HostileTextTest, OneNameWithoutEndDoesNotFillTheList) {
     addClone("long", std::string(1'000'000, 'x'));
     for (int number = 0; number < 78; ++number) {
         addClone(std::to_string(number), "clone " + std::to_string(number));
@@ -32,7 +35,7 @@ TEST_F(HostileTexts, OneNameWithoutEndDoesNotFillTheList) {
     EXPECT_THAT(output, HasSubstr(std::string(60, 'x') + "…"));
 }
 
-TEST_F(HostileTexts, WithoutEndAreCutInEveryTextForPeople) {
+TEST_F(HostileTextTest, WithoutEndAreCutInEveryTextForPeople) {
     const std::string endless(1'000'000, 'x');
     addClone("long", endless);
     InstanceConfig config = minimalConfig("args");
@@ -47,7 +50,7 @@ TEST_F(HostileTexts, WithoutEndAreCutInEveryTextForPeople) {
         << "a script gets the whole";
 }
 
-TEST_F(HostileTexts, AreEscapedInJsonAndMeanTheSame) {
+TEST_F(HostileTextTest, AreEscapedInJsonAndMeanTheSame) {
     const std::string name = "a\u009b31m\u202eb\u200bc\x7f";
     addClone("evil", name);
     const CommandResult result = harness.run({"list", "--json"});
@@ -56,7 +59,7 @@ TEST_F(HostileTexts, AreEscapedInJsonAndMeanTheSame) {
     EXPECT_EQ(result.json()[0]["config"]["displayName"], name);
 }
 
-TEST_F(HostileTexts, ThatCantBeSeenAreShown) {
+TEST_F(HostileTextTest, ThatCantBeSeenAreShown) {
     addClone("one", "Work");
     addClone("two", "Work\u200b");
     EXPECT_THAT(harness.run({"list"}).output, HasSubstr("Work\\u{200b}"));

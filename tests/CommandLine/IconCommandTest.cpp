@@ -5,6 +5,7 @@
 
 #include <csignal>
 #include <gmock/gmock.h>
+#include <nlohmann/json.hpp>
 #include <sys/resource.h>
 
 namespace quorvel {
@@ -14,16 +15,16 @@ using namespace testing;
 using ::testing::HasSubstr;
 namespace fs = std::filesystem;
 
-class IconCommand : public ::testing::Test {
+class IconCommandTest : public ::testing::Test {
 protected:
-    IconCommand() { write(source, icnsOf({icnsEntry("ic07", pngOf(testPicture(128)))})); }
+    IconCommandTest() { write(source, icnsOf({icnsEntry("ic07", pngOf(testPicture(128)))})); }
 
     CommandLineHarness harness;
     fs::path source = harness.home / "source.icns";
     fs::path output = harness.home / "badged.icns";
 };
 
-TEST_F(IconCommand, DrawsALabelInEverySizeAndPrintsThePath) {
+TEST_F(IconCommandTest, DrawsALabelInEverySizeAndPrintsThePath) {
     const CommandResult result =
         harness.run({"icon", source.string(), "--label", "work", "--color", "#ff8800", "--position",
                      "top", "--output", output.string()});
@@ -38,7 +39,7 @@ TEST_F(IconCommand, DrawsALabelInEverySizeAndPrintsThePath) {
     EXPECT_EQ(sides, (std::vector{1024, 512, 256, 128, 64, 32, 16}));
 }
 
-TEST_F(IconCommand, AnIconThatFindsNoRoomLeavesTheOldFileWhole) {
+TEST_F(IconCommandTest, AFullDiskLeavesTheOldFileWhole) {
     const std::string old(900, 'o');
     write(harness.home / "icons/badged.icns", old);
     ::signal(SIGXFSZ, SIG_IGN);
@@ -56,7 +57,7 @@ TEST_F(IconCommand, AnIconThatFindsNoRoomLeavesTheOldFileWhole) {
               (std::map<std::string, std::string>{{"badged.icns", old}}));
 }
 
-TEST_F(IconCommand, ListsWhatAContainerHolds) {
+TEST_F(IconCommandTest, ListsWhatAContainerHolds) {
     const auto json = harness.run({"icon", source.string(), "--list", "--json"}).json();
     ASSERT_EQ(json.size(), 1U);
     EXPECT_EQ(json[0], nlohmann::json({{"type", "ic07"},
@@ -66,7 +67,7 @@ TEST_F(IconCommand, ListsWhatAContainerHolds) {
     EXPECT_THAT(harness.run({"icon", source.string(), "--list"}).output, HasSubstr("128 x 128"));
 }
 
-TEST_F(IconCommand, NeedsALabelAndAFileToWrite) {
+TEST_F(IconCommandTest, NeedsALabelAndAFileToWrite) {
     EXPECT_EQ(harness.run({"icon", source.string()}).status, 2);
     EXPECT_EQ(harness.run({"icon", source.string(), "--label", "X"}).status, 2);
     EXPECT_EQ(harness.run({"icon", source.string(), "--output", output.string()}).status, 2);
@@ -78,7 +79,7 @@ TEST_F(IconCommand, NeedsALabelAndAFileToWrite) {
     EXPECT_FALSE(fs::exists(output));
 }
 
-TEST_F(IconCommand, TellsWhatCantBeReadOrWritten) {
+TEST_F(IconCommandTest, SaysWhatCantBeReadOrWritten) {
     write(harness.home / "text.icns", "no icon");
     const std::string text = (harness.home / "text.icns").string();
     EXPECT_EQ(harness.run({"icon", text, "--label", "X", "--output", output.string()}).errors,
@@ -90,7 +91,7 @@ TEST_F(IconCommand, TellsWhatCantBeReadOrWritten) {
     EXPECT_EQ(result.errors, "Could not write the composited .icns\n");
 }
 
-TEST_F(IconCommand, CreateDrawsTheLabelOntoTheClonesIcon) {
+TEST_F(IconCommandTest, CreateDrawsTheLabelOntoTheClonesIcon) {
     const auto app = makeAppBundle(harness.home / "Chat.app", {{"CFBundleIconFile", "Chat"}});
     write(app / "Contents/Resources/Chat.icns", read(source));
     const auto json = harness

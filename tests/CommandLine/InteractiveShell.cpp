@@ -51,7 +51,7 @@ InteractiveShell::InteractiveShell(const std::vector<std::string>& command,
                                    const std::filesystem::path& folder)
     : terminal_(::posix_openpt(O_RDWR | O_NOCTTY)) {
     if (terminal_ < 0 || ::grantpt(terminal_) != 0 || ::unlockpt(terminal_) != 0) {
-        throw std::runtime_error("there is no terminal to have");
+        throw std::runtime_error("no pseudo-terminal is available");
     }
     ::fcntl(terminal_, F_SETFD, FD_CLOEXEC);
     winsize size{};

@@ -11,10 +11,11 @@
 
 namespace quorvel::testing {
 
-/// A program on a terminal of its own, as a person has it. Ended at the latest when this goes.
+/// A program on its own pseudo-terminal, as a user runs it. The destructor ends it.
 class InteractiveShell {
 public:
-    /// `command` starts with a path. Throws `std::runtime_error` when there is no terminal to have.
+    /// `command` starts with a path. Throws `std::runtime_error` if no pseudo-terminal is
+    /// available.
     InteractiveShell(const std::vector<std::string>& command, const Environment& environment,
                      const std::filesystem::path& folder);
     InteractiveShell(const InteractiveShell&) = delete;
@@ -24,8 +25,8 @@ public:
     /// Presses these keys: "\t" is Tab, "\r" is Return.
     void type(std::string_view keys);
 
-    /// Lets the program go on until `done` holds; false when that takes more than 20 seconds or the
-    /// program ends before.
+    /// Reads the program's output until `done` holds. Returns false if that takes more than 20
+    /// seconds or the program ends before.
     [[nodiscard]] bool goOnUntil(const std::function<bool()>& done);
 
     /// Everything that has appeared so far.

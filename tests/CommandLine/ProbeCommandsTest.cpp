@@ -3,8 +3,11 @@
 #include "CommandLine/ProbeTexts.h"
 #include "tests/ProbeKit/Trial.h"
 
+#include <nlohmann/json.hpp>
+
 #include <csignal>
 #include <gmock/gmock.h>
+#include <nlohmann/json.hpp>
 #include <sstream>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -27,12 +30,12 @@ std::string noEntitlements(const fs::path& /*bundle*/) {
 // The streams and the desktop of one command.
 struct Session {
     explicit Session(Workspace& workspace, bool onTerminal = false)
-        : with{input, output, errors, onTerminal, onTerminal, workspace} {}
+        : context{input, output, errors, onTerminal, onTerminal, workspace} {}
 
     std::istringstream input{};
     std::ostringstream output{};
     std::ostringstream errors{};
-    Surroundings with;
+    CommandContext context;
 
     [[nodiscard]] Json json() const { return Json::parse(output.str()); }
 };
@@ -41,14 +44,14 @@ ProbeOptions quickly(const Trial& trial) {
     return {0.5, 0.3, trial.library.string()};
 }
 
-TEST(AppsCommand, PrintsTheCatalog) {
+TEST(ProbeCommandsTest, AppsCommandPrintsTheCatalog) {
     const TemporaryFolder folder;
     makeAppBundle(folder / "Zoo.app", {{"CFBundleIconFile", "I"}});
     write(folder / "Zoo.app/Contents/Resources/I.icns", "icon");
     makeAppBundle(folder / "ark.app");
     StubWorkspace workspace;
     Session session(workspace);
-    appsCommand(session.with, {folder.path()}, true, noEntitlements);
+    appsCommand(session.context, {folder.path()}, true, noEntitlements);
     EXPECT_EQ(session.json(),
               Json::array(
                   {{{"url", folder / "ark.app"}, {"name", "ark"}, {"bundleId", "com.example.ark"}},
@@ -58,47 +61,47 @@ TEST(AppsCommand, PrintsTheCatalog) {
                     {"iconURL", folder / "Zoo.app/Contents/Resources/I.icns"}}}));
 }
 
-TEST(AppsCommand, KeepsControlCharactersFromTheTerminal) {
+TEST(ProbeCommandsTest, AppsCommandKeepsControlCharactersFromTheTerminal) {
     const TemporaryFolder folder;
     makeAppBundle(folder / "bad\x1b[31m\n.app",
                   {{"CFBundleExecutable", "x"}, {"CFBundleIdentifier", "com.example.bad"}});
     StubWorkspace workspace;
     Session session(workspace);
-    appsCommand(session.with, {folder.path()}, false, noEntitlements);
+    appsCommand(session.context, {folder.path()}, false, noEntitlements);
     EXPECT_THAT(session.output.str(), Not(HasSubstr("\x1b")));
     EXPECT_THAT(session.output.str(), HasSubstr("com.example.bad"));
 }
 
-TEST(AppsCommand, PrintsAnEmptyArrayForNothing) {
+TEST(ProbeCommandsTest, AppsCommandPrintsAnEmptyArrayForNoApps) {
     const TemporaryFolder folder;
     StubWorkspace workspace;
     Session session(workspace);
-    appsCommand(session.with, {folder.path()}, true, noEntitlements);
+    appsCommand(session.context, {folder.path()}, true, noEntitlements);
     EXPECT_EQ(session.json(), Json::array());
 }
 
-TEST(RunningCommand, PrintsAllOrThoseOfAnIdentifier) {
+TEST(ProbeCommandsTest, RunningCommandPrintsAllOrThoseOfAnIdentifier) {
     StubWorkspace workspace;
     workspace.running = {{"com.a", "/A.app", 7}, {"com.b", "/B.app", 8}};
     Session all(workspace);
-    runningCommand(all.with, std::nullopt, true);
+    runningCommand(all.context, std::nullopt, true);
     EXPECT_EQ(all.json().size(), 2U);
     Session one(workspace);
-    runningCommand(one.with, "com.b", true);
+    runningCommand(one.context, "com.b", true);
     EXPECT_EQ(one.json(),
               Json::array({{{"bundleId", "com.b"}, {"bundleURL", "/B.app"}, {"pid", 8}}}));
     Session text(workspace);
-    runningCommand(text.with, "com.b", false);
+    runningCommand(text.context, "com.b", false);
     EXPECT_EQ(text.output.str(), "8  com.b  /B.app\n");
 }
 
-TEST(ProbeCommand, PrintsTheProfileAndTheBuckets) {
+TEST(ProbeCommandsTest, ProbeCommandPrintsTheProfileAndTheBuckets) {
     Trial trial;
     const ScopedEnvironment temporary("TMPDIR", trial.temporary.string());
     const std::string leak = trial.library.string() + "/Preferences/com.example.notes.plist";
     trial.plan("write ~/file\nwrite " + leak + "\nwait\n");
     Session session(*trial.workspace);
-    probeCommand(session.with, trial.app, quickly(trial), true, noEntitlements);
+    probeCommand(session.context, trial.app, quickly(trial), true, noEntitlements);
     const Json json = session.json();
     EXPECT_EQ(json.size(), 3U);
     EXPECT_EQ(json["profile"].size(), 9U);
@@ -106,36 +109,36 @@ TEST(ProbeCommand, PrintsTheProfileAndTheBuckets) {
     EXPECT_EQ(json["profile"]["confidence"], "autoDetected");
     EXPECT_EQ(json["complete"], true);
     for (const auto& [name, paths] : json["buckets"].items()) {
-        EXPECT_TRUE(leakBucketFromRawString(name)) << name;
+        EXPECT_TRUE(caseNamed<LeakBucket>(name)) << name;
         EXPECT_TRUE(paths.is_array());
     }
     EXPECT_EQ(session.errors.str(), "") << "no bar without a terminal";
     EXPECT_EQ(::waitpid(-1, nullptr, WNOHANG), -1) << "no process is left";
 }
 
-TEST(ProbeCommand, DrawsABarOnATerminalAndTakesItAway) {
+TEST(ProbeCommandsTest, ProbeCommandDrawsABarOnATerminalAndTakesItAway) {
     Trial trial;
     const ScopedEnvironment temporary("TMPDIR", trial.temporary.string());
     trial.plan("wait\n");
     Session session(*trial.workspace, true);
-    probeCommand(session.with, trial.app, quickly(trial), false, noEntitlements);
+    probeCommand(session.context, trial.app, quickly(trial), false, noEntitlements);
     EXPECT_THAT(session.errors.str(), AllOf(HasSubstr("[####"), EndsWith(noProgressBar())));
     EXPECT_THAT(session.output.str(), HasSubstr("Recommendation"));
 }
 
-TEST(ProbeCommand, SaysWhatIsNoApp) {
+TEST(ProbeCommandsTest, ProbeCommandSaysWhatIsNotAnApp) {
     const TemporaryFolder folder;
     StubWorkspace workspace;
     Session session(workspace);
     try {
-        probeCommand(session.with, folder / "None.app", {}, false, noEntitlements);
+        probeCommand(session.context, folder / "None.app", {}, false, noEntitlements);
         FAIL() << "it was probed";
     } catch (const CommandError& error) {
         EXPECT_EQ(error.what(), "Not a readable .app bundle: " + (folder / "None.app").string());
     }
 }
 
-TEST(ProbeCommand, InterruptedEndsBothProcessesAndItself) {
+TEST(ProbeCommandsTest, ProbeCommandInterruptedEndsBothProcessesAndItself) {
     Trial trial;
     const fs::path numbers = trial.folder / "numbers";
     makeScriptedAppBundle(trial.app, "echo $$ >> '" + numbers.string() + "'; exec sleep 600");
@@ -143,7 +146,7 @@ TEST(ProbeCommand, InterruptedEndsBothProcessesAndItself) {
     if (command == 0) {
         ::setenv("TMPDIR", trial.temporary.c_str(), 1);
         Session session(*trial.workspace);
-        probeCommand(session.with, trial.app, {0.05, 600, trial.library.string()}, true,
+        probeCommand(session.context, trial.app, {0.05, 600, trial.library.string()}, true,
                      noEntitlements);
         ::_exit(0);
     }
@@ -151,7 +154,7 @@ TEST(ProbeCommand, InterruptedEndsBothProcessesAndItself) {
         const std::string text = read(numbers);
         return std::count(text.begin(), text.end(), '\n') == 2;
     };
-    EXPECT_TRUE(waitFor(started));
+    EXPECT_TRUE(waitUntil(started));
     ::kill(command, SIGINT);
     int status = 0;
     ::waitpid(command, &status, 0);
@@ -162,7 +165,7 @@ TEST(ProbeCommand, InterruptedEndsBothProcessesAndItself) {
     }
 }
 
-TEST(ProbeDescription, SaysWhatFellWhereWithThreeExamplesOfEachLeak) {
+TEST(ProbeCommandsTest, ProbeDescriptionSaysWhatFellWhereWithThreeExamplesOfEachLeak) {
     AppProfile profile;
     profile.bundleId = "com.example.Notes";
     profile.displayName = "Notes\x1b";
@@ -183,11 +186,11 @@ TEST(ProbeDescription, SaysWhatFellWhereWithThreeExamplesOfEachLeak) {
     EXPECT_THAT(text, Not(HasSubstr("\x1b")));
 }
 
-TEST(ProbeDescription, SaysThatTheRecordIsComplete) {
+TEST(ProbeCommandsTest, ProbeDescriptionSaysThatTheRecordIsComplete) {
     EXPECT_THAT(description(AppProfile{}, ProbeResult{}), HasSubstr("The record is complete."));
 }
 
-TEST(ProbeJson, ShowsPathsOfAnyBytes) {
+TEST(ProbeCommandsTest, ProbeJsonShowsPathsOfAnyBytes) {
     AppProfile profile;
     profile.displayName = "\xff";
     ProbeResult result;
@@ -195,7 +198,7 @@ TEST(ProbeJson, ShowsPathsOfAnyBytes) {
     EXPECT_EQ(jsonForm(profile, result)["profile"]["displayName"], "ÿ");
 }
 
-TEST(ProbeOfChromium, FindsThatAHomeOfItsOwnIsEnough) {
+TEST(ProbeCommandsTest, ProbeOfChromiumFindsThatAHomeOfItsOwnIsEnough) {
     if (!fs::exists("/usr/bin/chromium")) {
         GTEST_SKIP() << "the package chromium is not installed";
     }
@@ -211,7 +214,7 @@ TEST(ProbeOfChromium, FindsThatAHomeOfItsOwnIsEnough) {
             return fs::exists(home / "data/Local State");
         };
         ++trial.sleeps;
-        EXPECT_TRUE(waitFor(
+        EXPECT_TRUE(waitUntil(
             [&] {
                 const auto homes = trial.homes();
                 return std::count_if(homes.begin(), homes.end(), holdsProfile) >= trial.sleeps;

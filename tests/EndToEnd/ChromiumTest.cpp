@@ -3,6 +3,7 @@
 #include "tests/support/Waiting.h"
 
 #include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
 
 #include <csignal>
 
@@ -12,8 +13,8 @@ namespace {
 using namespace testing;
 namespace fs = std::filesystem;
 
-// A bundle as a browser's own would be, around the installed one. It keeps running, and says on
-// standard error where its debugger listens.
+// An application bundle around the installed browser. It keeps running, and prints on standard
+// error where its debugger listens.
 fs::path makeChromiumBundle(const fs::path& bundle) {
     return makeScriptedAppBundle(
         bundle,
@@ -40,7 +41,20 @@ std::map<std::string, std::string> realHomeWithoutClones(const fs::path& home) {
     return tree;
 }
 
-TEST(Chromium, TwoClonesRunSideBySideEachWithDataOfItsOwn) {
+// Waits until the clone is listed as running and its browser has written its data and its log.
+void expectRunning(QuorvelctlInAHome& quorvelctl, const std::string& name) {
+    EXPECT_TRUE(waitUntil([&] { return quorvelctl.isListedAsRunning(name); })) << name;
+    EXPECT_TRUE(
+        waitUntil([&] { return fs::exists(quorvelctl.data(name) / "QuorvelData/Local State"); },
+                  std::chrono::seconds(60)))
+        << name;
+    EXPECT_TRUE(waitUntil(
+        [&] { return quorvelctl.log(name).find("DevTools listening") != std::string::npos; },
+        std::chrono::seconds(60)))
+        << quorvelctl.log(name);
+}
+
+TEST(ChromiumTest, TwoClonesRunSideBySideEachWithDataOfItsOwn) {
     if (!fs::exists("/usr/bin/chromium")) {
         GTEST_SKIP() << "the package chromium is not installed";
     }
@@ -58,21 +72,13 @@ TEST(Chromium, TwoClonesRunSideBySideEachWithDataOfItsOwn) {
     }
 
     for (const std::string& name : names) {
-        EXPECT_TRUE(waitFor([&] { return quorvelctl.isListedAsRunning(name); })) << name;
-        EXPECT_TRUE(
-            waitFor([&] { return fs::exists(quorvelctl.data(name) / "QuorvelData/Local State"); },
-                    std::chrono::seconds(60)))
-            << name;
-        EXPECT_TRUE(waitFor(
-            [&] { return quorvelctl.log(name).find("DevTools listening") != std::string::npos; },
-            std::chrono::seconds(60)))
-            << quorvelctl.log(name);
+        expectRunning(quorvelctl, name);
     }
     EXPECT_FALSE(browsersWith(quorvelctl.data(names[0]) / "QuorvelData").empty());
     EXPECT_FALSE(browsersWith(quorvelctl.data(names[1]) / "QuorvelData").empty());
     EXPECT_NE(quorvelctl.log(names[0]), quorvelctl.log(names[1]));
 
-    // Opening one that runs starts no second browser.
+    // Opening a running clone does not start a second browser.
     const auto runner = runnerOf(quorvelctl.home / "Applications/Browser (Work).app");
     ASSERT_TRUE(runner.has_value());
     quorvelctl.run({"open", names[0]});
@@ -81,8 +87,8 @@ TEST(Chromium, TwoClonesRunSideBySideEachWithDataOfItsOwn) {
     // Asking the clone to quit ends its browser, and no other.
     ::kill(*runner, SIGTERM);
     EXPECT_TRUE(
-        waitFor([&] { return browsersWith(quorvelctl.data(names[0]) / "QuorvelData").empty(); }));
-    EXPECT_TRUE(waitFor([&] { return !quorvelctl.isListedAsRunning(names[0]); }));
+        waitUntil([&] { return browsersWith(quorvelctl.data(names[0]) / "QuorvelData").empty(); }));
+    EXPECT_TRUE(waitUntil([&] { return !quorvelctl.isListedAsRunning(names[0]); }));
     EXPECT_TRUE(quorvelctl.isListedAsRunning(names[1]));
     EXPECT_FALSE(browsersWith(quorvelctl.data(names[1]) / "QuorvelData").empty());
 

@@ -52,13 +52,13 @@ Desktop::Desktop() {
     // The server chooses a free number and writes it down.
     const fs::path numberFile = folder_ / "display";
     const int file = ::open(numberFile.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0600);
-    // With a reset when its last client leaves, whoever connects at that moment is thrown out.
+    // A server that resets when its last client leaves would drop a client that connects then.
     server_.emplace(
         quietly(serverProgram,
                 {"-displayfd", "1", "-noreset", "-screen", "0", "1280x1000x24", "-nolisten", "tcp"},
                 Process::ToFile{file}));
     ::close(file);
-    if (!waitFor([&] { return read(numberFile).ends_with('\n'); }, longestStart)) {
+    if (!waitUntil([&] { return read(numberFile).ends_with('\n'); }, longestStart)) {
         throw std::runtime_error("the X server does not come up");
     }
     const std::string number = read(numberFile);
@@ -69,7 +69,7 @@ Desktop::Desktop() {
     setVariable("NO_AT_BRIDGE", "0");
     bus_.emplace();
     windowManager_.emplace(quietly(windowManagerProgram, {"--sm-disable"}));
-    if (!waitFor(windowManagerRuns, longestStart)) {
+    if (!waitUntil(windowManagerRuns, longestStart)) {
         throw std::runtime_error("the window manager does not come up");
     }
 }

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "Platform/processes/Process.h"
-#include "tests/support/PrivateBus.h"
+#include "tests/support/SessionBus.h"
 
 #include <memory>
 #include <optional>
@@ -11,9 +11,9 @@
 
 namespace quorvel::testing {
 
-/// A desktop of our own that nobody sees: an X server with a window manager, and a session bus on
-/// which programs offer themselves to assistive technology. This process and what it starts find
-/// it, until the end.
+/// An invisible desktop: an X server with a window manager, and a session bus on which programs
+/// offer themselves to assistive technology. This process and its children use it while the object
+/// lives.
 class Desktop {
 public:
     /// The programs it needs that are not installed.
@@ -44,7 +44,7 @@ private:
     std::vector<std::unique_ptr<ScopedEnvironment>> variables_{};
     // In the order of their start; they end the other way round.
     std::optional<Program> server_{};
-    std::optional<PrivateBus> bus_{};
+    std::optional<SessionBus> bus_{};
     std::optional<Program> windowManager_{};
 };
 

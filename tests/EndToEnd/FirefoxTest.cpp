@@ -4,6 +4,7 @@
 
 #include <csignal>
 #include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
 
 namespace quorvel {
 namespace {
@@ -11,7 +12,7 @@ namespace {
 using namespace testing;
 namespace fs = std::filesystem;
 
-TEST(Firefox, AClonesProfileIsMadeAndUsed) {
+TEST(FirefoxTest, AClonesProfileIsMadeAndUsed) {
     if (!fs::exists("/usr/bin/firefox-esr")) {
         GTEST_SKIP() << "the package firefox-esr is not installed";
     }
@@ -29,14 +30,14 @@ TEST(Firefox, AClonesProfileIsMadeAndUsed) {
     // The second time shows that the first one's end left nothing in the way.
     for (const char* used : {"prefs.js", "places.sqlite"}) {
         quorvelctl.run({"open", "Fox (2)"});
-        EXPECT_TRUE(waitFor([&] { return fs::exists(profile / used); }, std::chrono::seconds(90)))
+        EXPECT_TRUE(waitUntil([&] { return fs::exists(profile / used); }, std::chrono::seconds(90)))
             << quorvelctl.log("Fox (2)");
-        EXPECT_TRUE(waitFor([&] { return fs::is_symlink(profile / "lock"); }))
+        EXPECT_TRUE(waitUntil([&] { return fs::is_symlink(profile / "lock"); }))
             << "the profile is in use";
         const auto runner = runnerOf(wrapper);
         ASSERT_TRUE(runner) << quorvelctl.log("Fox (2)");
         ::kill(*runner, SIGTERM);
-        EXPECT_TRUE(waitFor([&] { return !quorvelctl.isListedAsRunning("Fox (2)"); }));
+        EXPECT_TRUE(waitUntil([&] { return !quorvelctl.isListedAsRunning("Fox (2)"); }));
     }
 }
 

@@ -29,7 +29,7 @@ std::vector<std::string> filesBelow(const fs::path& folder) {
     return files;
 }
 
-TEST(InstalledTree, HasItsFilesWhereADesktopLooksForThem) {
+TEST(InstalledTest, HasItsFilesWhereADesktopLooksForThem) {
     const TemporaryFolder folder;
     installTo(folder.path());
     EXPECT_THAT(
@@ -45,7 +45,7 @@ TEST(InstalledTree, HasItsFilesWhereADesktopLooksForThem) {
 #endif
 }
 
-TEST(InstalledTree, MakesClonesThatRunWithoutIt) {
+TEST(InstalledTest, MakesClonesThatRunWithoutIt) {
     QuorvelctlInAHome quorvelctl;
     {
         const TemporaryFolder folder;

@@ -1,4 +1,5 @@
 // The built program, for users whose settings are odd.
+#include "LaunchKit/InstanceConfig.h"
 #include "tests/Packaging/Commands.h"
 #include "tests/support/AppBundles.h"
 
@@ -7,10 +8,10 @@
 namespace quorvel::testing {
 namespace {
 
-TEST(Locales, ThatAreNoneChangeNothing) {
+TEST(LocaleTest, AnInvalidLocaleChangesNothing) {
     const TemporaryHome home;
-    makeWrapper(home / "Applications/b.app", minimalConfig("beta"));
-    makeWrapper(home / "Applications/a.app", minimalConfig("Alpha"));
+    makeWrapper(home / "Applications/b.app", "beta");
+    makeWrapper(home / "Applications/a.app", "Alpha");
     for (const char* odd : {"englishlanguage", "xx_YY.UTF-8", "@@", ""}) {
         const Outcome listing =
             outcomeOf({QUORVEL_CTL, "list"}, Environment{{"CFFIXED_USER_HOME", home.path()},

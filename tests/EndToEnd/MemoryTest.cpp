@@ -100,7 +100,7 @@ void writeLargestRead(const std::string& app, const Maker& make) {
     ASSERT_TRUE(child > 0 && ::waitpid(child, &status, 0) == child && status == 0);
 }
 
-// In a home of its own, so that nobody's applications count.
+// In a throw-away home, so that the user's applications don't count.
 std::size_t peakOf(const TemporaryFolder& folder, std::vector<std::string> arguments) {
     arguments.insert(arguments.begin(), QUORVEL_CTL);
     return peakMemoryOf(std::move(arguments), {{"HOME", folder.path().string()},
@@ -109,7 +109,7 @@ std::size_t peakOf(const TemporaryFolder& folder, std::vector<std::string> argum
 }
 
 // A sanitizer's own memory would count.
-class HostileFiles : public ::testing::Test {
+class MemoryTest : public ::testing::Test {
 protected:
     void SetUp() override {
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
@@ -118,7 +118,7 @@ protected:
     }
 };
 
-TEST_F(HostileFiles, PropertyListsTakeNoMoreMemoryThanTheyMay) {
+TEST_F(MemoryTest, PropertyListsTakeNoMoreMemoryThanTheyMay) {
     const TemporaryFolder folder;
     const std::string app = (folder / "Hostile.app").string();
     write(app + "/Contents/Info.plist", binaryOf(BinaryList::text("small")));
@@ -132,7 +132,7 @@ TEST_F(HostileFiles, PropertyListsTakeNoMoreMemoryThanTheyMay) {
     }
 }
 
-TEST_F(HostileFiles, PropertyListsAreRefusedWhenTheyWouldTakeMore) {
+TEST_F(MemoryTest, PropertyListsAreRefusedWhenTheyWouldTakeMore) {
     const TemporaryFolder folder;
     const std::string app = (folder / "Hostile.app").string();
     // 240 megabytes, were it unfolded.
@@ -143,7 +143,7 @@ TEST_F(HostileFiles, PropertyListsAreRefusedWhenTheyWouldTakeMore) {
     EXPECT_LE(peakOf(folder, {"apps", "--search-dir", folder.path().string()}), allowance);
 }
 
-TEST_F(HostileFiles, ManyPropertyListsAreNotReadAllAtOnce) {
+TEST_F(MemoryTest, ManyPropertyListsAreNotReadAllAtOnce) {
     const TemporaryFolder folder;
     const std::size_t usual = peakOf(folder, {"apps", "--search-dir", folder.path().string()});
     const std::string app = (folder / "Hostile.app").string();
@@ -158,7 +158,7 @@ TEST_F(HostileFiles, ManyPropertyListsAreNotReadAllAtOnce) {
 }
 
 // A picture of one colour takes a few bytes, however large it is.
-TEST_F(HostileFiles, HugePicturesTakeNoMoreMemoryThanTheyMay) {
+TEST_F(MemoryTest, HugePicturesTakeNoMoreMemoryThanTheyMay) {
     const TemporaryFolder folder;
     const std::string source = (folder / "huge.jp2").string();
     const std::string output = (folder / "out.icns").string();

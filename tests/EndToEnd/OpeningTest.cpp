@@ -14,7 +14,7 @@ using namespace testing;
 using ::testing::HasSubstr;
 namespace fs = std::filesystem;
 
-class Opening : public ::testing::Test {
+class OpeningTest : public ::testing::Test {
 protected:
     // What a command that must fail printed, with its status.
     std::string failureOf(const std::vector<std::string>& arguments) {
@@ -29,7 +29,7 @@ protected:
     fs::path app_ = quorvelctl_.home / "Applications/Thing.app";
 };
 
-TEST_F(Opening, ACloneWhoseTargetCantStartFailsWithItsRunnersSentence) {
+TEST_F(OpeningTest, ACloneWhoseTargetCantStartFailsWithItsRunnersSentence) {
     makeAppBundle(app_);
     quorvelctl_.run({"create", "--target", app_.string(), "--name", "Work"});
     fs::remove(app_ / "Contents/MacOS/Thing");
@@ -44,7 +44,7 @@ TEST_F(Opening, ACloneWhoseTargetCantStartFailsWithItsRunnersSentence) {
               "quorvelctl open: Not a readable .app bundle: " + app_.string() + "\nFAILED 1\n");
 }
 
-TEST_F(Opening, AWebCloneFailsUntilThereIsAHostForIt) {
+TEST_F(OpeningTest, AWebCloneFailsUntilThereIsAHostForIt) {
     quorvelctl_.run({"create", "--kind", "web", "--url", "https://example.com", "--name", "Site"});
     EXPECT_EQ(failureOf({"open", "Site"}),
               "quorvelctl open: the web host for “Site” is not installed\nFAILED 1\n");
@@ -53,16 +53,16 @@ TEST_F(Opening, AWebCloneFailsUntilThereIsAHostForIt) {
                 HasSubstr("the web host for “Site 2” is not installed\nFAILED 1\n"));
 }
 
-TEST_F(Opening, ACloneWhoseTargetOutlivedItsRunnerIsNotStartedTwice) {
+TEST_F(OpeningTest, ACloneWhoseTargetOutlivedItsRunnerIsNotStartedTwice) {
     makeScriptedAppBundle(app_, "echo started; exec sleep 600");
     quorvelctl_.run({"create", "--target", app_.string(), "--name", "Work"});
     EXPECT_EQ(quorvelctl_.run({"open", "Work"}), "");
     EXPECT_EQ(quorvelctl_.run({"open", "Work"}), "") << "a clone that runs properly";
-    ASSERT_TRUE(waitFor([&] { return quorvelctl_.log("Work") == "started\n"; }));
+    ASSERT_TRUE(waitUntil([&] { return quorvelctl_.log("Work") == "started\n"; }));
     const auto runner = runnerOf(quorvelctl_.home / "Applications/Work.app");
     ASSERT_TRUE(runner);
     ::kill(*runner, SIGKILL);
-    ASSERT_TRUE(waitFor([&] { return !quorvelctl_.isListedAsRunning("Work"); }));
+    ASSERT_TRUE(waitUntil([&] { return !quorvelctl_.isListedAsRunning("Work"); }));
     EXPECT_EQ(failureOf({"open", "Work"}),
               "quorvelctl open: “Work” is still running, or a clone that shares its data folder "
               "is, or a program that it started\n"
@@ -74,10 +74,10 @@ TEST_F(Opening, ACloneWhoseTargetOutlivedItsRunnerIsNotStartedTwice) {
             ::kill(std::stoi(entry.path().filename()), SIGKILL);
         }
     }
-    EXPECT_TRUE(waitFor([&] { return failureOf({"open", "Work"}) == "worked: "; }));
+    EXPECT_TRUE(waitUntil([&] { return failureOf({"open", "Work"}) == "worked: "; }));
 }
 
-TEST_F(Opening, ACommandThatEndsAtOnceHasWorked) {
+TEST_F(OpeningTest, ACommandThatEndsAtOnceHasWorked) {
     quorvelctl_.run({"create", "--kind", "command", "--command", "/bin/false", "--name", "Job"});
     EXPECT_EQ(quorvelctl_.run({"open", "Job"}), "");
 }

@@ -8,9 +8,9 @@
 
 namespace quorvel::testing {
 
-/// Runs a program to its end and gives the most memory that it had at any time, in bytes, but no
-/// less than what this process has now. Its output goes nowhere. Throws `std::runtime_error` when
-/// it can't be run or a signal ends it.
+/// Runs a program to its end, discarding its output, and returns its peak resident memory in bytes,
+/// but at least the memory that this process uses now. Throws `std::runtime_error` if it can't be
+/// run or is ended by a signal.
 [[nodiscard]] std::size_t peakMemoryOf(std::vector<std::string> command, Environment environment);
 
 } // namespace quorvel::testing

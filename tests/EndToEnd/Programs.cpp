@@ -4,6 +4,7 @@
 
 #include <charconv>
 #include <csignal>
+#include <nlohmann/json.hpp>
 #include <stdexcept>
 #include <unistd.h>
 
@@ -13,7 +14,7 @@ namespace {
 
 constexpr std::size_t outputLimit = std::size_t{1} << 20U;
 
-// Every process below the throw-away home's clones, whoever its parent is by now.
+// Every process of the throw-away home's clones, including those with another parent.
 std::vector<pid_t> processesBelow(const fs::path& folder) {
     return processesWhose([&](const std::string& commandLine) {
         return commandLine.find(folder.string()) != std::string::npos;
@@ -36,8 +37,8 @@ QuorvelctlInAHome::~QuorvelctlInAHome() {
         for (const pid_t pid : processesBelow(home.path())) {
             ::kill(pid, signal);
         }
-        if (waitFor([&] { return processesBelow(home.path()).empty(); },
-                    std::chrono::seconds(10))) {
+        if (waitUntil([&] { return processesBelow(home.path()).empty(); },
+                      std::chrono::seconds(10))) {
             break;
         }
     }

@@ -3,7 +3,7 @@
 #include "Platform/processes/Process.h"
 #include "tests/support/TemporaryHome.h"
 
-#include <nlohmann/json.hpp>
+#include <nlohmann/json_fwd.hpp>
 
 #include <functional>
 #include <string>
@@ -11,7 +11,7 @@
 
 namespace quorvel::testing {
 
-/// The real `quorvelctl` in a throw-away home, which is all that its processes know of a home.
+/// The real `quorvelctl` in a throw-away home, the only home that its processes know.
 class QuorvelctlInAHome {
 public:
     QuorvelctlInAHome();
@@ -24,13 +24,15 @@ public:
     std::string run(const std::vector<std::string>& arguments);
     /// Runs it and returns what it printed, which ends with its exit status where that is not 0.
     std::string outcomeOf(const std::vector<std::string>& arguments);
+    /// Runs it with `--json` and returns what it printed. Throws if the exit status is not 0.
     nlohmann::json json(std::vector<std::string> arguments);
 
     /// Whether `list` shows the clone of that name as running.
     bool isListedAsRunning(const std::string& name);
 
-    /// The clone's data folder and log.
+    /// The path of the clone's data folder.
     [[nodiscard]] std::filesystem::path data(const std::string& name) const;
+    /// The content of the clone's log.
     [[nodiscard]] std::string log(const std::string& name) const;
 
     TemporaryHome home{};
@@ -42,7 +44,8 @@ public:
 [[nodiscard]] std::vector<pid_t>
 processesWhose(const std::function<bool(const std::string&)>& matches);
 
-/// The process number of the runner inside that wrapper, when it runs.
+/// The process number of the runner inside that wrapper. Returns `std::nullopt` if it does not
+/// run.
 [[nodiscard]] std::optional<pid_t> runnerOf(const std::filesystem::path& wrapper);
 
 } // namespace quorvel::testing

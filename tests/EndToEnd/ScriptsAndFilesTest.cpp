@@ -10,7 +10,7 @@ namespace {
 using namespace testing;
 namespace fs = std::filesystem;
 
-TEST(CommandClone, RunsAScriptWithItsArgumentsFolderAndEnvironment) {
+TEST(ScriptsAndFilesTest, CommandCloneRunsAScriptWithItsArgumentsFolderAndEnvironment) {
     QuorvelctlInAHome quorvelctl;
     const fs::path script = quorvelctl.home / "bin/report";
     write(script, "#!/bin/sh\necho \"in $(pwd) with $# arguments: $*\"\n"
@@ -24,16 +24,16 @@ TEST(CommandClone, RunsAScriptWithItsArgumentsFolderAndEnvironment) {
     const std::string expected = "in " + (quorvelctl.home / "a folder").string() +
                                  " with 2 arguments: --all two words\ncolour blue\ncache " +
                                  quorvelctl.data("Report").string() + "/cache\n";
-    EXPECT_TRUE(waitFor([&] { return quorvelctl.log("Report") == expected; }))
+    EXPECT_TRUE(waitUntil([&] { return quorvelctl.log("Report") == expected; }))
         << quorvelctl.log("Report");
 
     // Each start adds to the log.
-    EXPECT_TRUE(waitFor([&] { return !quorvelctl.isListedAsRunning("Report"); }));
+    EXPECT_TRUE(waitUntil([&] { return !quorvelctl.isListedAsRunning("Report"); }));
     quorvelctl.run({"open", "Report"});
-    EXPECT_TRUE(waitFor([&] { return quorvelctl.log("Report") == expected + expected; }));
+    EXPECT_TRUE(waitUntil([&] { return quorvelctl.log("Report") == expected + expected; }));
 }
 
-TEST(FileClone, OpensAFileThroughTheDesktopsOpener) {
+TEST(ScriptsAndFilesTest, FileCloneOpensAFileThroughTheDesktopsOpener) {
     if (!fs::exists("/usr/bin/open")) {
         GTEST_SKIP() << "there is no /usr/bin/open; the package xdg-utils brings one";
     }
@@ -48,11 +48,11 @@ TEST(FileClone, OpensAFileThroughTheDesktopsOpener) {
     quorvelctl.environment["BROWSER"] = opener.string();
     quorvelctl.run({"create", "--kind", "file", "--name", "Note", "--open", "~/a note.txt"});
     quorvelctl.run({"open", "Note"});
-    EXPECT_TRUE(waitFor([&] { return read(quorvelctl.home / "opened").ends_with("a note.txt"); }))
+    EXPECT_TRUE(waitUntil([&] { return read(quorvelctl.home / "opened").ends_with("a note.txt"); }))
         << read(quorvelctl.home / "opened");
 }
 
-TEST(WebClone, SaysThatTheWebHostIsNotInstalled) {
+TEST(ScriptsAndFilesTest, WebCloneSaysThatTheWebHostIsNotInstalled) {
     QuorvelctlInAHome quorvelctl;
     const std::string outcome = quorvelctl.outcomeOf(
         {"create", "--kind", "web", "--name", "Mail", "--url", "https://mail.test/", "--launch"});

@@ -1,8 +1,10 @@
-// The order of names in the locale of whoever runs the program.
+// The order of names in the user's locale.
+#include "LaunchKit/InstanceConfig.h"
 #include "tests/EndToEnd/Programs.h"
 #include "tests/support/AppBundles.h"
 
 #include <gmock/gmock.h>
+#include <nlohmann/json.hpp>
 
 namespace quorvel {
 namespace {
@@ -10,12 +12,12 @@ namespace {
 using namespace testing;
 using ::testing::ElementsAre;
 
-class Sorting : public ::testing::Test {
+class SortingTest : public ::testing::Test {
 protected:
-    Sorting() {
+    SortingTest() {
         for (const char* name : {"Zebra", "Öl", "ål", "aal", "apa"}) {
             const std::string file = std::string(name) + ".app";
-            makeWrapper(quorvelctl_.home / "Applications" / file, minimalConfig(name));
+            makeWrapper(quorvelctl_.home / "Applications" / file, name);
             makeAppBundle(quorvelctl_.home / "Programs" / file,
                           {{"CFBundleIdentifier", "com.example." + std::string(name)}});
         }
@@ -43,12 +45,12 @@ protected:
     QuorvelctlInAHome quorvelctl_;
 };
 
-TEST_F(Sorting, ClonesStandInTheOrderOfTheUsersLocale) {
+TEST_F(SortingTest, ClonesAreInTheOrderOfTheUsersLocale) {
     EXPECT_THAT(clonesIn("en_US.UTF-8"), ElementsAre("aal", "ål", "apa", "Öl", "Zebra"));
     EXPECT_THAT(clonesIn("sv_SE.UTF-8"), ElementsAre("aal", "apa", "Zebra", "ål", "Öl"));
 }
 
-TEST_F(Sorting, AppsStandInTheOrderOfTheUsersLocale) {
+TEST_F(SortingTest, AppsAreInTheOrderOfTheUsersLocale) {
     EXPECT_THAT(appsIn("en_US.UTF-8"), ElementsAre("aal", "ål", "apa", "Öl", "Zebra"));
     EXPECT_THAT(appsIn("sv_SE.UTF-8"), ElementsAre("aal", "apa", "Zebra", "ål", "Öl"));
 }

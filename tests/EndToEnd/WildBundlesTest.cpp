@@ -3,6 +3,7 @@
 #include "tests/support/Waiting.h"
 
 #include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
 
 namespace quorvel {
 namespace {
@@ -15,7 +16,7 @@ std::string xmlList(const std::string& body) {
            "</dict></plist>\n";
 }
 
-TEST(WildBundles, APropertyListInBinaryFormIsReadLikeAnyOther) {
+TEST(WildBundlesTest, APropertyListInBinaryFormIsReadLikeAnyOther) {
     if (!fs::exists("/usr/bin/plistutil")) {
         GTEST_SKIP() << "the package libplist-utils is not installed";
     }
@@ -32,12 +33,12 @@ TEST(WildBundles, APropertyListInBinaryFormIsReadLikeAnyOther) {
 
     EXPECT_EQ(quorvelctl.json({"inspect", app.string()})["bundleId"], "com.example.Chat");
     quorvelctl.run({"create", "--target", app.string(), "--name", "Work", "--launch"});
-    EXPECT_TRUE(waitFor([&] {
+    EXPECT_TRUE(waitUntil([&] {
         return quorvelctl.log("Work") == "I am " + (app / "Contents/MacOS/Chat").string() + "\n";
     })) << quorvelctl.log("Work");
 }
 
-TEST(WildBundles, WithoutIdentifierAndExecutableTheFolderNameServes) {
+TEST(WildBundlesTest, WithoutIdentifierAndExecutableTheFolderNameServes) {
     QuorvelctlInAHome quorvelctl;
     const fs::path app = quorvelctl.home / "Old Tool.app";
     write(app / "Contents/Info.plist", xmlList(""));
@@ -47,10 +48,10 @@ TEST(WildBundles, WithoutIdentifierAndExecutableTheFolderNameServes) {
     EXPECT_EQ(facts["bundleId"], "Old Tool");
     EXPECT_EQ(facts["executableName"], "Old Tool");
     quorvelctl.run({"create", "--target", app.string(), "--name", "Work", "--launch"});
-    EXPECT_TRUE(waitFor([&] { return quorvelctl.log("Work") == "it runs\n"; }));
+    EXPECT_TRUE(waitUntil([&] { return quorvelctl.log("Work") == "it runs\n"; }));
 }
 
-TEST(WildBundles, ADanglingExecutableIsReportedAndLogged) {
+TEST(WildBundlesTest, ADanglingExecutableIsReportedAndLogged) {
     QuorvelctlInAHome quorvelctl;
     const fs::path app = makeScriptedAppBundle(quorvelctl.home / "Gone.app", "true");
     fs::remove(app / "Contents/MacOS/Gone");
@@ -62,7 +63,7 @@ TEST(WildBundles, ADanglingExecutableIsReportedAndLogged) {
     EXPECT_NE(quorvelctl.log("Work").find(fault), std::string::npos) << quorvelctl.log("Work");
 }
 
-TEST(WildBundles, AnEmptyPropertyListIsNoReadableApplication) {
+TEST(WildBundlesTest, AnEmptyPropertyListIsNotAReadableApplication) {
     QuorvelctlInAHome quorvelctl;
     const fs::path app = quorvelctl.home / "Empty.app";
     write(app / "Contents/Info.plist", "");
@@ -72,7 +73,7 @@ TEST(WildBundles, AnEmptyPropertyListIsNoReadableApplication) {
     EXPECT_FALSE(fs::exists(quorvelctl.home / "Applications"));
 }
 
-TEST(WildBundles, Latin1BytesAreReadAsLatin1) {
+TEST(WildBundlesTest, Latin1BytesAreReadAsLatin1) {
     QuorvelctlInAHome quorvelctl;
     const fs::path app = quorvelctl.home / "Cafe.app";
     write(app / "Contents/Info.plist",

@@ -12,7 +12,7 @@ namespace {
 using namespace testing;
 namespace fs = std::filesystem;
 
-class AppBundles : public ::testing::Test {
+class AppBundleTest : public ::testing::Test {
 protected:
     [[nodiscard]] fs::path at(std::string_view name) const { return folder_ / name; }
 
@@ -38,7 +38,7 @@ protected:
     TemporaryFolder folder_;
 };
 
-TEST_F(AppBundles, FactsAreReadFromThePropertyList) {
+TEST_F(AppBundleTest, FactsAreReadFromThePropertyList) {
     const auto bundle = AppBundle::read(
         bundleWith({{"CFBundleIdentifier", "com.example.foo"}, {"CFBundleExecutable", "FooMain"}}));
     ASSERT_TRUE(bundle);
@@ -49,14 +49,14 @@ TEST_F(AppBundles, FactsAreReadFromThePropertyList) {
     EXPECT_FALSE(bundle->sandboxed);
 }
 
-TEST_F(AppBundles, WithoutAnIdentifierTheFoldersNameServes) {
+TEST_F(AppBundleTest, WithoutAnIdentifierTheFoldersNameServes) {
     const auto bundle = AppBundle::read(bundleWith({}));
     ASSERT_TRUE(bundle);
     EXPECT_EQ(bundle->bundleId, "Foo");
     EXPECT_EQ(bundle->executableName, "Foo");
 }
 
-TEST_F(AppBundles, AnIdentifierThatIsNoTextCountsAsMissing) {
+TEST_F(AppBundleTest, AnIdentifierThatIsNotAStringCountsAsMissing) {
     const auto bundle = AppBundle::read(bundleWith(
         {{"CFBundleIdentifier", std::int64_t{5}}, {"CFBundleExecutable", PropertyListArray{}}}));
     ASSERT_TRUE(bundle);
@@ -64,7 +64,7 @@ TEST_F(AppBundles, AnIdentifierThatIsNoTextCountsAsMissing) {
     EXPECT_EQ(bundle->executableName, "Foo");
 }
 
-TEST_F(AppBundles, AnEmptyIdentifierIsOneAllTheSame) {
+TEST_F(AppBundleTest, AnEmptyIdentifierIsOneAllTheSame) {
     const auto bundle =
         AppBundle::read(bundleWith({{"CFBundleIdentifier", ""}, {"CFBundleExecutable", ""}}));
     ASSERT_TRUE(bundle);
@@ -72,7 +72,7 @@ TEST_F(AppBundles, AnEmptyIdentifierIsOneAllTheSame) {
     EXPECT_EQ(bundle->executableName, "");
 }
 
-TEST_F(AppBundles, TheLocationStaysAsGiven) {
+TEST_F(AppBundleTest, TheLocationStaysAsGiven) {
     const fs::path given = bundleWith({}).string() + "/";
     const auto bundle = AppBundle::read(given);
     ASSERT_TRUE(bundle);
@@ -80,7 +80,7 @@ TEST_F(AppBundles, TheLocationStaysAsGiven) {
     EXPECT_EQ(bundle->bundleId, "Foo");
 }
 
-TEST_F(AppBundles, TheExecutableLiesInContentsMacOS) {
+TEST_F(AppBundleTest, TheExecutableLiesInContentsMacOS) {
     AppBundle bundle;
     bundle.url = "/A/B.app";
     bundle.executableName = "X";
@@ -89,7 +89,7 @@ TEST_F(AppBundles, TheExecutableLiesInContentsMacOS) {
     EXPECT_EQ(bundle.executableURL().native(), "/A/B.app/Contents/MacOS//bin/sh");
 }
 
-TEST_F(AppBundles, OnlyATrueBooleanProhibitsMultipleInstances) {
+TEST_F(AppBundleTest, OnlyATrueBooleanProhibitsMultipleInstances) {
     const auto prohibits = [&](const PropertyListValue& value) {
         return AppBundle::read(bundleWith({{"LSMultipleInstancesProhibited", value}}))
             ->prohibitsMultipleInstances;
@@ -103,7 +103,7 @@ TEST_F(AppBundles, OnlyATrueBooleanProhibitsMultipleInstances) {
     EXPECT_FALSE(prohibits("true"));
 }
 
-TEST_F(AppBundles, AFolderWithoutAPropertyListIsNoBundle) {
+TEST_F(AppBundleTest, AFolderWithoutAPropertyListIsNotABundle) {
     bool asked = false;
     const EntitlementReader never = [&](const fs::path&) {
         asked = true;
@@ -115,7 +115,7 @@ TEST_F(AppBundles, AFolderWithoutAPropertyListIsNoBundle) {
     EXPECT_FALSE(asked) << "the tool has nothing to look at";
 }
 
-TEST_F(AppBundles, APropertyListThatCantBeReadIsNone) {
+TEST_F(AppBundleTest, AnUnreadablePropertyListIsNotABundle) {
     EXPECT_FALSE(AppBundle::read(bundleOf("")));
     EXPECT_FALSE(AppBundle::read(bundleOf("<plist><array/></plist>")));
     EXPECT_FALSE(AppBundle::read(bundleOf("not a property list")));
@@ -131,7 +131,7 @@ TEST_F(AppBundles, APropertyListThatCantBeReadIsNone) {
     EXPECT_FALSE(AppBundle::read(at("Foo.app")));
 }
 
-TEST_F(AppBundles, Latin1BytesInThePropertyListAreRead) {
+TEST_F(AppBundleTest, Latin1BytesInThePropertyListAreRead) {
     const auto bundle = AppBundle::read(bundleOf(
         "<plist version=\"1.0\"><dict><key>CFBundleIdentifier</key><string>com.caf\xE9</string>"
         "<key>CFBundleExecutable</key><string>x</string></dict></plist>"));
@@ -139,14 +139,14 @@ TEST_F(AppBundles, Latin1BytesInThePropertyListAreRead) {
     EXPECT_EQ(bundle->bundleId, "com.café");
 }
 
-TEST_F(AppBundles, ADanglingExecutableDoesNotKeepTheFactsFromBeingRead) {
+TEST_F(AppBundleTest, ADanglingExecutableDoesNotKeepTheFactsFromBeingRead) {
     const fs::path app = bundleWith({{"CFBundleExecutable", "x"}});
     fs::create_directories(app / "Contents/MacOS");
     fs::create_symlink("nowhere", app / "Contents/MacOS/x");
     EXPECT_TRUE(AppBundle::read(app));
 }
 
-TEST_F(AppBundles, TheSandboxKeyAloneDecidesWhateverItsValueAndTheToolsStatus) {
+TEST_F(AppBundleTest, TheSandboxKeyDecidesForAnyValueAndExitStatus) {
     const fs::path app = bundleWith({});
     EXPECT_TRUE(
         AppBundle::read(app, toolPrinting("<key>com.apple.security.app-sandbox</key><true/>"))
@@ -159,25 +159,25 @@ TEST_F(AppBundles, TheSandboxKeyAloneDecidesWhateverItsValueAndTheToolsStatus) {
     EXPECT_FALSE(AppBundle::read(app, toolPrinting(""))->sandboxed);
 }
 
-TEST_F(AppBundles, OutputThatIsNoTextCountsAsNone) {
+TEST_F(AppBundleTest, OutputThatIsNotUtf8CountsAsEmpty) {
     EXPECT_FALSE(
         AppBundle::read(bundleWith({}), toolPrinting("com.apple.security.app-sandbox \xFF"))
             ->sandboxed);
 }
 
-TEST_F(AppBundles, TheToolIsAskedInExactlyThisWay) {
+TEST_F(AppBundleTest, TheToolIsAskedInExactlyThisWay) {
     const fs::path app = bundleWith({});
     ASSERT_TRUE(AppBundle::read(app, toolPrinting("")));
     EXPECT_EQ(read(at("arguments")), "-d\n--entitlements\n:-\n--xml\n" + app.string() + "\n");
 }
 
-TEST_F(AppBundles, AToolWithMoreToSayThanAPipeHoldsIsHeardOut) {
+TEST_F(AppBundleTest, AToolWithMoreToSayThanAPipeHoldsIsHeardOut) {
     EXPECT_TRUE(AppBundle::read(bundleWith({}), toolPrinting(std::string(300'000, ' ') +
                                                              "com.apple.security.app-sandbox"))
                     ->sandboxed);
 }
 
-TEST_F(AppBundles, WithoutTheToolNothingIsSandboxed) {
+TEST_F(AppBundleTest, WithoutTheToolNothingIsSandboxed) {
     const auto bundle = AppBundle::read(bundleWith({}), codeSigningTool("/no/such/codesign"));
     ASSERT_TRUE(bundle);
     EXPECT_FALSE(bundle->sandboxed);

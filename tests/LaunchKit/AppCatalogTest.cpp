@@ -1,5 +1,6 @@
 #include "LaunchKit/AppCatalog.h"
 
+#include "LaunchKit/InstanceConfig.h"
 #include "tests/support/AppBundles.h"
 #include "tests/support/TemporaryHome.h"
 
@@ -48,14 +49,14 @@ fs::path makeBundle(const fs::path& bundle) {
     return makeBundle(bundle, {{"CFBundleIdentifier", "com.example." + bundle.stem().string()}});
 }
 
-TEST(AppCatalog, LooksInTheUsualFoldersInOrder) {
+TEST(AppCatalogTest, LooksInTheUsualFoldersInOrder) {
     const TemporaryHome home;
     EXPECT_THAT(AppCatalog::defaultSearchDirs(),
                 ElementsAre("/Applications", "/Applications/Utilities", home / "Applications",
                             "/System/Applications"));
 }
 
-TEST(AppCatalog, ListsAnAppAsItWasFound) {
+TEST(AppCatalogTest, ListsAnAppAsItWasFound) {
     const TemporaryFolder folder;
     const fs::path app = makeBundle(folder / "Safari.app", {{"CFBundleIdentifier", "com.a.S"},
                                                             {"CFBundleDisplayName", "Other"},
@@ -63,17 +64,17 @@ TEST(AppCatalog, ListsAnAppAsItWasFound) {
     EXPECT_THAT(scan({folder.path()}), ElementsAre(InstalledApp{app, "Safari", "com.a.S"}));
 }
 
-TEST(AppCatalog, LeavesOutClones) {
+TEST(AppCatalogTest, LeavesOutClones) {
     const TemporaryFolder folder;
     makeBundle(folder / "App.app");
-    makeWrapper(makeBundle(folder / "Clone.app"), minimalConfig());
+    makeWrapper(makeBundle(folder / "Clone.app"), "Work");
     write(makeBundle(folder / "Broken Clone.app") / "Contents/Resources/instance.json", "");
     EXPECT_THAT(namesOf(scan({folder.path()})), ElementsAre("App"));
 }
 
-TEST(AppCatalog, DoesNotRunTheToolForAClone) {
+TEST(AppCatalogTest, DoesNotRunTheToolForAClone) {
     const TemporaryFolder folder;
-    makeWrapper(makeBundle(folder / "Clone.app"), minimalConfig());
+    makeWrapper(makeBundle(folder / "Clone.app"), "Work");
     std::atomic<int> calls{0};
     (void)AppCatalog::scan({folder.path()}, [&](const fs::path& /*bundle*/) {
         ++calls;
@@ -82,7 +83,7 @@ TEST(AppCatalog, DoesNotRunTheToolForAClone) {
     EXPECT_EQ(calls, 0);
 }
 
-TEST(AppCatalog, ListsAnIdentifierOnceFromTheFirstFolder) {
+TEST(AppCatalogTest, ListsAnIdentifierOnceFromTheFirstFolder) {
     const TemporaryFolder folder;
     const fs::path first = makeBundle(folder / "a/Safari.app", {{"CFBundleIdentifier", "com.a.S"}});
     makeBundle(folder / "b/Browser.app", {{"CFBundleIdentifier", "com.a.S"}});
@@ -90,7 +91,7 @@ TEST(AppCatalog, ListsAnIdentifierOnceFromTheFirstFolder) {
                 ElementsAre(InstalledApp{first, "Safari", "com.a.S"}));
 }
 
-TEST(AppCatalog, RunsTheToolForADuplicateToo) {
+TEST(AppCatalogTest, RunsTheToolForADuplicateToo) {
     const TemporaryFolder folder;
     makeBundle(folder / "a/A.app");
     makeBundle(folder / "b/A.app");
@@ -102,7 +103,7 @@ TEST(AppCatalog, RunsTheToolForADuplicateToo) {
     EXPECT_EQ(calls, 2);
 }
 
-TEST(AppCatalog, DoesNotLookIntoSubfolders) {
+TEST(AppCatalogTest, DoesNotLookIntoSubfolders) {
     const TemporaryFolder folder;
     makeBundle(folder / "Tools/Deep.app");
     makeBundle(folder / "Outer.app");
@@ -110,7 +111,7 @@ TEST(AppCatalog, DoesNotLookIntoSubfolders) {
     EXPECT_THAT(namesOf(scan({folder.path()})), ElementsAre("Outer"));
 }
 
-TEST(AppCatalog, SortsByNameWhateverTheCase) {
+TEST(AppCatalogTest, SortsByNameIgnoringCase) {
     const TemporaryFolder folder;
     for (const char* name : {"zoom.app", "Arc.app", "émile.app", "Fig.app"}) {
         makeBundle(folder / name);
@@ -118,7 +119,7 @@ TEST(AppCatalog, SortsByNameWhateverTheCase) {
     EXPECT_THAT(namesOf(scan({folder.path()})), ElementsAre("Arc", "émile", "Fig", "zoom"));
 }
 
-TEST(AppCatalog, KeepsEqualNamesInTheOrderOfTheFolders) {
+TEST(AppCatalogTest, KeepsEqualNamesInTheOrderOfTheFolders) {
     const TemporaryFolder folder;
     makeBundle(folder / "b/app.app", {{"CFBundleIdentifier", "1"}});
     makeBundle(folder / "a/App.app", {{"CFBundleIdentifier", "2"}});
@@ -128,7 +129,7 @@ TEST(AppCatalog, KeepsEqualNamesInTheOrderOfTheFolders) {
     EXPECT_EQ(apps[0].bundleId + apps[1].bundleId + apps[2].bundleId, "123");
 }
 
-TEST(AppCatalog, TakesTheFoldersNameWhereAnIdentifierIsMissing) {
+TEST(AppCatalogTest, TakesTheFoldersNameWhereAnIdentifierIsMissing) {
     const TemporaryFolder folder;
     const fs::path first = makeBundle(folder / "a/Plain.app", PropertyListDictionary{});
     makeBundle(folder / "b/Plain.app", PropertyListDictionary{});
@@ -136,7 +137,7 @@ TEST(AppCatalog, TakesTheFoldersNameWhereAnIdentifierIsMissing) {
                 ElementsAre(InstalledApp{first, "Plain", "Plain"}));
 }
 
-TEST(AppCatalog, TakesOnlyTheExactExtension) {
+TEST(AppCatalogTest, TakesOnlyTheExactExtension) {
     const TemporaryFolder folder;
     for (const char* name : {"A.APP", "B.app.bak", "C", "D.App", "app", ".app"}) {
         makeBundle(folder / name);
@@ -146,7 +147,7 @@ TEST(AppCatalog, TakesOnlyTheExactExtension) {
     EXPECT_THAT(namesOf(scan({folder.path()})), ElementsAre(".hidden", "E.tar"));
 }
 
-TEST(AppCatalog, SkipsWhatItCannotRead) {
+TEST(AppCatalogTest, SkipsWhatItCannotRead) {
     const TemporaryFolder folder;
     makeBundle(folder / "Good.app");
     write(folder / "File.app", "no folder");
@@ -164,7 +165,7 @@ TEST(AppCatalog, SkipsWhatItCannotRead) {
                 ElementsAre("Good"));
 }
 
-TEST(AppCatalog, FollowsALinkToAnApp) {
+TEST(AppCatalogTest, FollowsALinkToAnApp) {
     const TemporaryFolder folder;
     makeBundle(folder / "elsewhere/Real.app");
     fs::create_directories(folder / "apps");
@@ -173,18 +174,18 @@ TEST(AppCatalog, FollowsALinkToAnApp) {
                                                                   "Linked", "com.example.Real"}));
 }
 
-TEST(AppCatalog, BearsNamesOfAnyBytes) {
+TEST(AppCatalogTest, BearsNamesOfAnyBytes) {
     const TemporaryFolder folder;
     makeBundle(folder / "line\nbreak <b>\x1b[31m.app", {{"CFBundleIdentifier", "1"}});
     makeBundle(folder / "\xff\xfe.app", {{"CFBundleIdentifier", "2"}});
     EXPECT_EQ(scan({folder.path()}).size(), 2U);
 }
 
-TEST(AppCatalog, OfNoFoldersIsEmpty) {
+TEST(AppCatalogTest, OfNoFoldersIsEmpty) {
     EXPECT_THAT(scan({}), IsEmpty());
 }
 
-TEST(AppCatalog, ReadsSeveralBundlesAtATime) {
+TEST(AppCatalogTest, ReadsSeveralBundlesAtATime) {
     const TemporaryFolder folder;
     for (int number = 0; number < 12; ++number) {
         makeBundle(folder / (std::to_string(number) + ".app"));
@@ -209,7 +210,7 @@ TEST(AppCatalog, ReadsSeveralBundlesAtATime) {
 }
 
 // The order of the folders decides, not which bundle happens to be read first.
-TEST(AppCatalog, GivesTheOneByOneResultWhoeverIsFirst) {
+TEST(AppCatalogTest, ReturnsTheSequentialResultForAnyOrderOfThreads) {
     const TemporaryFolder folder;
     std::vector<fs::path> dirs;
     for (int dir = 0; dir < 4; ++dir) {
@@ -235,7 +236,7 @@ TEST(AppCatalog, GivesTheOneByOneResultWhoeverIsFirst) {
     }
 }
 
-TEST(AppCatalog, RunsTheGivenToolOnEachBundle) {
+TEST(AppCatalogTest, RunsTheGivenToolOnEachBundle) {
     const TemporaryFolder folder;
     makeBundle(folder / "apps/A.app");
     makeBundle(folder / "apps/B.app");
@@ -248,13 +249,13 @@ TEST(AppCatalog, RunsTheGivenToolOnEachBundle) {
     EXPECT_NE(calls.find("B.app\n"), std::string::npos);
 }
 
-TEST(AppCatalog, DoesWithoutATool) {
+TEST(AppCatalogTest, DoesWithoutATool) {
     const TemporaryFolder folder;
     makeBundle(folder / "apps/A.app");
     EXPECT_EQ(AppCatalog::scan({folder / "apps"}, codeSigningTool(folder / "none")).size(), 1U);
 }
 
-TEST(InstalledApp, IsIdentifiedByItsPathAndEqualInAllThree) {
+TEST(AppCatalogTest, InstalledAppIsIdentifiedByItsPathAndEqualInAllThree) {
     const InstalledApp app{"/A/Safari.app", "Safari", "com.a.S"};
     EXPECT_EQ(app.id(), "/A/Safari.app");
     EXPECT_EQ(app, (InstalledApp{"/A/Safari.app", "Safari", "com.a.S"}));
@@ -274,7 +275,7 @@ std::optional<fs::path> iconOf(const fs::path& bundle, const PropertyListDiction
     return InstalledApp{bundle, "A", "a"}.iconURL();
 }
 
-TEST(InstalledAppIcon, IsTheNamedFile) {
+TEST(AppCatalogTest, InstalledAppIconIsTheNamedFile) {
     const TemporaryFolder folder;
     const fs::path icon = folder / "A.app/Contents/Resources/AppIcon.icns";
     EXPECT_EQ(iconOf(folder / "A.app", {{"CFBundleIconFile", "AppIcon.icns"}}, "AppIcon.icns"),
@@ -282,7 +283,7 @@ TEST(InstalledAppIcon, IsTheNamedFile) {
     EXPECT_EQ(iconOf(folder / "A.app", {{"CFBundleIconFile", "AppIcon"}}, "AppIcon.icns"), icon);
 }
 
-TEST(InstalledAppIcon, GetsASecondExtensionBehindOneInUpperCase) {
+TEST(AppCatalogTest, InstalledAppIconGetsASecondExtensionAfterOneInUpperCase) {
     const TemporaryFolder folder;
     const PropertyListDictionary info{{"CFBundleIconFile", "AppIcon.ICNS"}};
     EXPECT_EQ(iconOf(folder / "A.app", info, "AppIcon.ICNS"), std::nullopt);
@@ -290,7 +291,7 @@ TEST(InstalledAppIcon, GetsASecondExtensionBehindOneInUpperCase) {
               folder / "B.app/Contents/Resources/AppIcon.ICNS.icns");
 }
 
-TEST(InstalledAppIcon, IsMissingWhereNoneIsNamedOrThere) {
+TEST(AppCatalogTest, InstalledAppIconIsMissingWhereNoneIsNamedOrThere) {
     const TemporaryFolder folder;
     EXPECT_EQ(iconOf(folder / "A.app", PropertyListDictionary{}, "AppIcon.icns"), std::nullopt);
     EXPECT_EQ(iconOf(folder / "B.app", {{"CFBundleIconFile", true}}, "AppIcon.icns"), std::nullopt);
@@ -299,7 +300,7 @@ TEST(InstalledAppIcon, IsMissingWhereNoneIsNamedOrThere) {
     EXPECT_EQ((InstalledApp{folder / "None.app", "A", "a"}.iconURL()), std::nullopt);
 }
 
-TEST(AppCatalog, AnAppsHashIsMadeOfEverythingThatMakesItEqual) {
+TEST(AppCatalogTest, AnAppsHashIsMadeOfEverythingThatMakesItEqual) {
     const std::hash<InstalledApp> hash;
     const InstalledApp app{"/A/Mail.app", "Mail", "com.example.mail"};
     EXPECT_EQ(hash(app), hash(InstalledApp(app)));

@@ -1,8 +1,10 @@
+#include "LaunchKit/AppEngine.h"
+
 #include "LaunchKit/WrapperFactory.h"
 
 #include "tests/support/AppBundles.h"
-#include "tests/support/OrdinaryUser.h"
 #include "tests/support/TemporaryHome.h"
+#include "tests/support/UnprivilegedUser.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -16,7 +18,7 @@ using namespace testing;
 using Engine = WrapperFactory::AppEngine;
 namespace fs = std::filesystem;
 
-class AppEngines : public ::testing::Test {
+class AppEngineTest : public ::testing::Test {
 protected:
     // A bundle with this identifier that holds these items.
     [[nodiscard]] fs::path app(const std::string& bundleId,
@@ -43,14 +45,14 @@ protected:
     int count_ = 0;
 };
 
-TEST_F(AppEngines, FilesTellAnEngine) {
+TEST_F(AppEngineTest, FilesIdentifyAnEngine) {
     EXPECT_EQ(engineOf("com.x", {electron}), Engine::electron);
     EXPECT_EQ(engineOf("com.x", {"Contents/Eclipse/eclipse.ini"}), Engine::eclipse);
     EXPECT_EQ(engineOf("com.x", {"Contents/MacOS/eclipse"}), Engine::eclipse);
     EXPECT_EQ(engineOf("com.x", {"Contents/Resources/application.ini"}), Engine::firefox);
 }
 
-TEST_F(AppEngines, IdentifiersTellAnEngineInAnyCase) {
+TEST_F(AppEngineTest, IdentifiersIdentifyAnEngineIgnoringCase) {
     EXPECT_EQ(engineOf("org.mozilla.firefox"), Engine::firefox);
     EXPECT_EQ(engineOf("ORG.Mozilla.nightly"), Engine::firefox);
     EXPECT_EQ(engineOf("net.TorBrowser.alpha"), Engine::firefox);
@@ -64,12 +66,12 @@ TEST_F(AppEngines, IdentifiersTellAnEngineInAnyCase) {
     }
 }
 
-TEST_F(AppEngines, PrefixesAreNoMorePrefixesInTheMiddle) {
+TEST_F(AppEngineTest, PrefixesDontMatchInTheMiddle) {
     EXPECT_EQ(engineOf("x.org.mozilla"), Engine::other);
     EXPECT_EQ(engineOf("x.com.google.chrome"), Engine::other);
 }
 
-TEST_F(AppEngines, AChromiumFrameworkTellsItsEngineCaseForCase) {
+TEST_F(AppEngineTest, AChromiumFrameworkIsMatchedCaseSensitively) {
     const std::string folder = "Contents/Frameworks/";
     EXPECT_EQ(engineOf("com.x", {folder + "Google Chrome Framework.framework"}), Engine::chromium);
     EXPECT_EQ(engineOf("com.x", {folder + "Chromium Embedded Framework.framework"}),
@@ -79,7 +81,7 @@ TEST_F(AppEngines, AChromiumFrameworkTellsItsEngineCaseForCase) {
     EXPECT_EQ(engineOf("com.x", {folder + "Other Framework.framework"}), Engine::other);
 }
 
-TEST_F(AppEngines, AChromiumFrameworkIsKnownByTheEndOfItsName) {
+TEST_F(AppEngineTest, AChromiumFrameworkIsKnownByTheEndOfItsName) {
     const std::string folder = "Contents/Frameworks/";
     for (const char* name : {"Google Chrome Framework.framework.old", "Chrome Framework",
                              "Chromium Framework.frameworks", "Chrome framework.framework"}) {
@@ -90,12 +92,12 @@ TEST_F(AppEngines, AChromiumFrameworkIsKnownByTheEndOfItsName) {
         << "whichever of them it is";
 }
 
-TEST_F(AppEngines, FrameworksThatCantBeListedTellNothing) {
+TEST_F(AppEngineTest, UnreadableFrameworksAreOther) {
     const fs::path file = app("com.x");
     write(file / "Contents/Frameworks", "a file");
     EXPECT_EQ(WrapperFactory::detectEngine(file, std::nullopt), Engine::other);
     const fs::path closed = app("com.x", {"Contents/Frameworks/Chrome Framework.framework"});
-    EXPECT_TRUE(asOrdinaryUser(folder_.path(), [&] {
+    EXPECT_TRUE(asUnprivilegedUser(folder_.path(), [&] {
         // A copy of its own, since permissions bind their owner like any other user.
         const fs::path own = folder_ / "own.app";
         fs::copy(closed, own, fs::copy_options::recursive);
@@ -107,13 +109,13 @@ TEST_F(AppEngines, FrameworksThatCantBeListedTellNothing) {
     }));
 }
 
-TEST_F(AppEngines, ElectronWinsOverEverything) {
+TEST_F(AppEngineTest, ElectronWinsOverEverything) {
     EXPECT_EQ(engineOf("com.x", {electron, "Contents/Eclipse/eclipse.ini"}), Engine::electron);
     EXPECT_EQ(engineOf("org.mozilla.firefox", {electron}), Engine::electron);
     EXPECT_EQ(engineOf("com.google.chrome", {electron}), Engine::electron);
 }
 
-TEST_F(AppEngines, EclipseWinsOverIdentifiersAndOtherFiles) {
+TEST_F(AppEngineTest, EclipseWinsOverIdentifiersAndOtherFiles) {
     for (const char* marker : {"Contents/MacOS/eclipse", "Contents/Eclipse/eclipse.ini"}) {
         EXPECT_EQ(engineOf("org.mozilla.x", {marker}), Engine::eclipse) << marker;
         EXPECT_EQ(engineOf("com.google.chrome", {marker}), Engine::eclipse) << marker;
@@ -122,7 +124,7 @@ TEST_F(AppEngines, EclipseWinsOverIdentifiersAndOtherFiles) {
     }
 }
 
-TEST_F(AppEngines, FirefoxWinsOverChromium) {
+TEST_F(AppEngineTest, FirefoxWinsOverChromium) {
     EXPECT_EQ(engineOf("com.google.chrome", {applicationIni}), Engine::firefox);
     EXPECT_EQ(engineOf("com.x", {applicationIni, chromeFramework}), Engine::firefox);
     for (const char* id : {"org.mozilla.x", "x.torbrowser", "x.librewolf", "x.waterfox"}) {
@@ -131,7 +133,7 @@ TEST_F(AppEngines, FirefoxWinsOverChromium) {
     EXPECT_EQ(engineOf("com.google.chrome.librewolf"), Engine::firefox);
 }
 
-TEST_F(AppEngines, EveryEngineHasItsRawString) {
+TEST_F(AppEngineTest, EveryEngineHasItsRawString) {
     const std::array<std::pair<Engine, std::string_view>, 5> names{{
         {Engine::electron, "electron"},
         {Engine::chromium, "chromium"},
@@ -141,36 +143,36 @@ TEST_F(AppEngines, EveryEngineHasItsRawString) {
     }};
     for (const auto& [engine, name] : names) {
         EXPECT_EQ(rawString(engine), name);
-        EXPECT_EQ(appEngineFromRawString(name), engine);
+        EXPECT_EQ(caseNamed<WrapperFactory::AppEngine>(name), engine);
     }
     for (const char* text : {"", "Electron", "electron ", "none"}) {
-        EXPECT_EQ(appEngineFromRawString(text), std::nullopt) << text;
+        EXPECT_EQ(caseNamed<WrapperFactory::AppEngine>(text), std::nullopt) << text;
     }
 }
 
-TEST_F(AppEngines, ABundleWithoutMarkersIsOfAnother) {
+TEST_F(AppEngineTest, ABundleWithoutMarkersIsOfAnother) {
     EXPECT_EQ(engineOf("com.x"), Engine::other);
     EXPECT_EQ(engineOf("com.x", {"Contents/Frameworks"}), Engine::other);
     EXPECT_EQ(WrapperFactory::detectEngine("/no/such.app", std::nullopt), Engine::other);
 }
 
-TEST_F(AppEngines, AnUnreadableBundleIsStillKnownByItsFiles) {
+TEST_F(AppEngineTest, AnUnreadableBundleIsStillKnownByItsFiles) {
     const fs::path bundle = folder_ / "bare.app";
     fs::create_directories(bundle / electron);
     EXPECT_EQ(WrapperFactory::detectEngine(bundle, std::nullopt), Engine::electron);
 }
 
-TEST_F(AppEngines, AGivenIdentifierGoesBeforeTheBundlesOwn) {
+TEST_F(AppEngineTest, AGivenIdentifierGoesBeforeTheBundlesOwn) {
     EXPECT_EQ(WrapperFactory::detectEngine(app("com.x"), "com.google.Chrome"), Engine::chromium);
     EXPECT_EQ(WrapperFactory::detectEngine(app("com.google.Chrome"), ""), Engine::other);
 }
 
-TEST_F(AppEngines, OnlyElectronIsElectron) {
+TEST_F(AppEngineTest, OnlyElectronIsElectron) {
     EXPECT_TRUE(WrapperFactory::isElectron(app("com.x", {electron})));
     EXPECT_FALSE(WrapperFactory::isElectron(app("com.google.Chrome")));
 }
 
-TEST_F(AppEngines, EveryEngineHasItsArguments) {
+TEST_F(AppEngineTest, EveryEngineHasItsArguments) {
     using ::testing::ElementsAre;
     const auto arguments = [&](const fs::path& bundle) {
         return WrapperFactory::autoDataDirArgs(bundle, std::nullopt);
@@ -186,7 +188,7 @@ TEST_F(AppEngines, EveryEngineHasItsArguments) {
     EXPECT_THAT(arguments(app("com.x")), ElementsAre());
 }
 
-TEST_F(AppEngines, AnIdentifierFragmentKeepsLettersAndDigitsOnly) {
+TEST_F(AppEngineTest, AnIdentifierFragmentKeepsLettersAndDigitsOnly) {
     EXPECT_EQ(WrapperFactory::idFragment("Work 2"), "work-2");
     EXPECT_EQ(WrapperFactory::idFragment("A.B"), "a-b");
     EXPECT_EQ(WrapperFactory::idFragment("My  App!"), "my--app-");
@@ -196,9 +198,22 @@ TEST_F(AppEngines, AnIdentifierFragmentKeepsLettersAndDigitsOnly) {
     EXPECT_EQ(WrapperFactory::idFragment(""), "");
 }
 
-TEST_F(AppEngines, ADefaultIdentifierIsThePrefixAndTheFragment) {
+TEST_F(AppEngineTest, ADefaultIdentifierIsThePrefixAndTheFragment) {
     EXPECT_EQ(WrapperFactory::defaultBundleId("Work 2"), "app.quorvel.instance.work-2");
     EXPECT_EQ(WrapperFactory::defaultBundleId(""), "app.quorvel.instance.");
+}
+
+TEST_F(AppEngineTest, ArgumentsPointIntoAGivenHome) {
+    using Arguments = std::vector<std::string>;
+    EXPECT_EQ(dataDirArgs(Engine::electron, "/h"), Arguments{"--user-data-dir=/h/QuorvelData"});
+    EXPECT_EQ(dataDirArgs(Engine::chromium, "/h"), dataDirArgs(Engine::electron, "/h"));
+    EXPECT_EQ(dataDirArgs(Engine::firefox, "/h"),
+              (Arguments{"-profile", "/h/FirefoxProfile", "-no-remote"}));
+    EXPECT_EQ(dataDirArgs(Engine::eclipse, "/h"), (Arguments{"-data", "/h/workspace"}));
+    EXPECT_EQ(dataDirArgs(Engine::other, "/h"), Arguments{});
+    EXPECT_EQ(electronArgs(app("com.x", {electron}), "/h"),
+              Arguments{"--user-data-dir=/h/QuorvelData"});
+    EXPECT_EQ(electronArgs(app("com.google.chrome"), "/h"), Arguments{});
 }
 
 } // namespace

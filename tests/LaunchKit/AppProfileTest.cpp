@@ -33,26 +33,26 @@ Confidence reconciled(Confidence confidence, const std::string& signature) {
     return found;
 }
 
-TEST(Reconciliation, KeepsTrustOnASystemWhereItWasConfirmed) {
+TEST(AppProfileTest, ReconciliationKeepsTrustOnASystemWhereItWasConfirmed) {
     EXPECT_EQ(reconciled(Confidence::verified, "macOS 14.5"), Confidence::verified);
     EXPECT_EQ(reconciled(Confidence::community, "macOS 14.5"), Confidence::community);
 }
 
-TEST(Reconciliation, LowersTrustOnAnyOtherSystem) {
+TEST(AppProfileTest, ReconciliationLowersTrustOnAnyOtherSystem) {
     EXPECT_EQ(reconciled(Confidence::verified, "macOS 15.0"), Confidence::autoDetected);
     EXPECT_EQ(reconciled(Confidence::community, "macOS 15.0"), Confidence::autoDetected);
     EXPECT_EQ(reconciled(Confidence::verified, "MACOS 14.5"), Confidence::autoDetected);
     EXPECT_EQ(reconciled(Confidence::verified, "macOS 14.50"), Confidence::autoDetected);
 }
 
-TEST(Reconciliation, LeavesWhatWasNotTrustedAlone) {
+TEST(AppProfileTest, ReconciliationLeavesWhatWasNotTrustedAlone) {
     for (const char* signature : {"macOS 14.5", "macOS 15.0"}) {
         EXPECT_EQ(reconciled(Confidence::broken, signature), Confidence::broken);
         EXPECT_EQ(reconciled(Confidence::autoDetected, signature), Confidence::autoDetected);
     }
 }
 
-TEST(ProfileJson, HasItsKeysInAlphabeticalOrder) {
+TEST(AppProfileTest, ProfileJsonHasItsKeysInAlphabeticalOrder) {
     EXPECT_EQ(ordinaryProfile().encodedJSON(), R"({
   "bundleId": "com.example.Notes",
   "confidence": "verified",
@@ -70,7 +70,7 @@ TEST(ProfileJson, HasItsKeysInAlphabeticalOrder) {
 })");
 }
 
-TEST(ProfileJson, ReadsWhatItWrote) {
+TEST(AppProfileTest, ProfileJsonReadsWhatItWrote) {
     EXPECT_EQ(AppProfile::fromJson(ordinaryProfile().encodedJSON()), ordinaryProfile());
     AppProfile odd;
     odd.displayName = "“Ä/\"\\\n\x01 <b>";
@@ -78,7 +78,7 @@ TEST(ProfileJson, ReadsWhatItWrote) {
     EXPECT_EQ(AppProfile::fromJson(odd.encodedJSON()), odd);
 }
 
-TEST(ProfileJson, CannotHoldTextThatIsNoUtf8) {
+TEST(AppProfileTest, ProfileJsonCannotHoldTextThatIsNoUtf8) {
     AppProfile profile = ordinaryProfile();
     profile.displayName = "\xff";
     EXPECT_THROW((void)profile.encodedJSON(), ProfileError);
@@ -99,7 +99,7 @@ std::string errorOf(const std::string& json) {
     }
 }
 
-TEST(ProfileJson, NeedsEveryKey) {
+TEST(AppProfileTest, ProfileJsonNeedsEveryKey) {
     for (const char* key : {"bundleId", "confidence", "displayName", "extraArgs", "prefsLeak",
                             "sandboxed", "singleton", "strategy"}) {
         EXPECT_EQ(errorOf(with(key, "")), "The key “" + std::string(key) + "” is missing.");
@@ -107,18 +107,18 @@ TEST(ProfileJson, NeedsEveryKey) {
     EXPECT_EQ(errorOf(with("verifiedOn", "\"x\": 1")), "The key “verifiedOn” is missing.");
 }
 
-TEST(ProfileJson, RefusesUnknownRawValues) {
+TEST(AppProfileTest, ProfileJsonRefusesUnknownRawValues) {
     for (const char* key : {"confidence", "singleton", "strategy"}) {
         for (const char* value : {"\"other\"", "\"\"", "\"Verified\"", "1", "null", "[]"}) {
             const std::string line = "\"" + std::string(key) + "\": " + value + ",";
             EXPECT_THROW((void)AppProfile::fromJson(with(key, line)), ProfileError) << line;
         }
         EXPECT_EQ(errorOf(with(key, "\"" + std::string(key) + "\": \"other\",")),
-                  "“other” is no known value.");
+                  "The value of “" + std::string(key) + "” is not known.");
     }
 }
 
-TEST(ProfileJson, RefusesValuesOfTheWrongType) {
+TEST(AppProfileTest, ProfileJsonRefusesValuesOfTheWrongType) {
     for (const char* line :
          {R"("bundleId": 1,)", R"("bundleId": null,)", R"("displayName": ["a"],)",
           R"("sandboxed": 1,)", R"("sandboxed": "true",)", R"("prefsLeak": null,)",
@@ -128,13 +128,31 @@ TEST(ProfileJson, RefusesValuesOfTheWrongType) {
     }
 }
 
-TEST(ProfileJson, PassesOverKeysItDoesNotKnow) {
+TEST(AppProfileTest, ProfileJsonReportsEveryFaultTogether) {
+    EXPECT_EQ(errorOf(R"({"bundleId":1,"strategy":"none","sandboxed":true,"confidence":"broken"})"),
+              "The value of “bundleId” is of the wrong type. "
+              "The value of “strategy” is not known. "
+              "The key “displayName” is missing. The key “extraArgs” is missing. "
+              "The key “prefsLeak” is missing. The key “singleton” is missing. "
+              "The key “verifiedOn” is missing.");
+}
+
+TEST(AppProfileTest, ProfileJsonIgnoresWhateverAnUnknownKeyHolds) {
+    for (const std::string& value : {std::string("1e999"), std::string(R"("\ud800")"),
+                                     std::string(5000, '[') + std::string(5000, ']')}) {
+        EXPECT_EQ(AppProfile::fromJson(with(
+                      "bundleId", R"("bundleId": "com.example.Notes", "new": )" + value + ",")),
+                  ordinaryProfile());
+    }
+}
+
+TEST(AppProfileTest, ProfileJsonPassesOverKeysItDoesNotKnow) {
     EXPECT_EQ(AppProfile::fromJson(
                   with("bundleId", R"("bundleId": "com.example.Notes", "new": {"a": [null]},)")),
               ordinaryProfile());
 }
 
-TEST(ProfileJson, RefusesWhatIsNoObject) {
+TEST(AppProfileTest, ProfileJsonRefusesWhatIsNoObject) {
     const std::string deep(200'000, '[');
     for (const std::string& text :
          {std::string(), std::string("null"), std::string("[]"), std::string("{"),
@@ -144,7 +162,7 @@ TEST(ProfileJson, RefusesWhatIsNoObject) {
     }
 }
 
-TEST(RawValues, AreTheNamesOfTheCases) {
+TEST(AppProfileTest, RawValuesAreTheNamesOfTheCases) {
     const std::vector<std::pair<SingletonTier, const char*>> tiers{
         {SingletonTier::none, "none"},
         {SingletonTier::lockFile, "lockFile"},
@@ -153,7 +171,7 @@ TEST(RawValues, AreTheNamesOfTheCases) {
         {SingletonTier::unknown, "unknown"}};
     for (const auto& [tier, name] : tiers) {
         EXPECT_EQ(rawString(tier), name);
-        EXPECT_EQ(singletonTierFromRawString(name), tier) << name;
+        EXPECT_EQ(caseNamed<SingletonTier>(name), tier) << name;
     }
     const std::vector<std::pair<Confidence, const char*>> confidences{
         {Confidence::verified, "verified"},
@@ -162,13 +180,13 @@ TEST(RawValues, AreTheNamesOfTheCases) {
         {Confidence::broken, "broken"}};
     for (const auto& [confidence, name] : confidences) {
         EXPECT_EQ(rawString(confidence), name);
-        EXPECT_EQ(confidenceFromRawString(name), confidence) << name;
+        EXPECT_EQ(caseNamed<Confidence>(name), confidence) << name;
     }
-    EXPECT_EQ(singletonTierFromRawString("None"), std::nullopt);
-    EXPECT_EQ(confidenceFromRawString(""), std::nullopt);
+    EXPECT_EQ(caseNamed<SingletonTier>("None"), std::nullopt);
+    EXPECT_EQ(caseNamed<Confidence>(""), std::nullopt);
 }
 
-TEST(SystemSignature, IsTheMajorAndTheMinorVersion) {
+TEST(AppProfileTest, SystemSignatureIsTheMajorAndTheMinorVersion) {
     EXPECT_EQ(operatingSystemSignature({14, 5}), "macOS 14.5");
     EXPECT_EQ(operatingSystemSignature({15, 0}), "macOS 15.0");
     EXPECT_EQ(operatingSystemSignature({6, 18, "Debian GNU/Linux 12"}), "Debian GNU/Linux 12");

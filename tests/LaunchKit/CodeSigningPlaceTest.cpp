@@ -18,7 +18,7 @@ namespace fs = std::filesystem;
 
 enum Answer { sandboxed = 0, notSandboxed = 1, notAllowed = 2 };
 
-// What a process answers in which the folder stands for /usr/bin.
+// Returns the output of a process that sees the folder as /usr/bin.
 int answerWith(const fs::path& programs, const fs::path& app) {
     const pid_t child = ::fork();
     if (child == 0) {
@@ -35,7 +35,7 @@ int answerWith(const fs::path& programs, const fs::path& app) {
     return WEXITSTATUS(status);
 }
 
-TEST(CodeSigningPlace, IsLookedForAtItsPlaceAlone) {
+TEST(CodeSigningPlaceTest, IsLookedForAtItsPlaceAlone) {
     const TemporaryFolder folder;
     // A tool that prints its arguments names the entitlement for a bundle of this name.
     const fs::path app = makeAppBundle(folder / "com.apple.security.app-sandbox.app");

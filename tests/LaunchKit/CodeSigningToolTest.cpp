@@ -1,5 +1,6 @@
 // Making a clone asks no tool about signatures. Shown with a tool in the system's own place, in a
 // mount namespace of this test's.
+#include "LaunchKit/InstanceConfig.h"
 #include "LaunchKit/WrapperGenerator.h"
 #include "tests/support/AppBundles.h"
 #include "tests/support/TemporaryHome.h"
@@ -46,14 +47,14 @@ Outcome outcomeOf(const TemporaryFolder& folder, const std::function<void()>& us
                : broken;
 }
 
-TEST(CodeSigningTool, IsNotRunToMakeAClone) {
+TEST(CodeSigningToolTest, IsNotRunToMakeAClone) {
     const TemporaryFolder folder;
     const fs::path app = makeAppBundle(folder / "Thing.app");
     const Outcome asked = outcomeOf(folder, [&] { (void)AppBundle::read(app); });
     if (asked == notPermitted) {
         GTEST_SKIP() << "mounting needs permission";
     }
-    ASSERT_EQ(asked, run) << "whoever asks about the sandbox gets the tool's answer";
+    ASSERT_EQ(asked, run) << "callers that need the sandbox flag get the tool's answer";
     fs::remove(folder / "ran");
     WrapperGenerator::Options options;
     options.config = minimalConfig();

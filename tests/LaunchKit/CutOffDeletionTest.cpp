@@ -1,4 +1,6 @@
 // Deletions that are cut off, at every system call that removes something.
+#include "LaunchKit/InstanceConfig.h"
+#include "LaunchKit/InstanceRecord.h"
 #include "LaunchKit/InstanceRegistry.h"
 #include "LaunchKit/RequestCheck.h"
 #include "LaunchKit/WrapperGenerator.h"
@@ -53,7 +55,7 @@ End killedBeforeRemoval(int count, const std::function<void()>& work) {
     }
 }
 
-class CutOffDeletion : public ::testing::Test {
+class CutOffDeletionTest : public ::testing::Test {
 protected:
     InstanceRecord makeClone(int files) const {
         InstanceConfig config = minimalConfig();
@@ -70,7 +72,8 @@ protected:
 
     [[nodiscard]] fs::path data() const { return home_ / "QuorvelInstances/Work"; }
 
-    // Deletes a clone with so many files, cut off before a removal, and then what is left of it.
+    // Deletes a clone with that many files, interrupted before a removal, and then what is left of
+    // it.
     End cutOffAndRetry(int files, int before) const {
         const InstanceRecord record = makeClone(files);
         const End end =
@@ -91,7 +94,7 @@ protected:
     TemporaryHome home_;
 };
 
-TEST_F(CutOffDeletion, LeavesACloneThatCanBeDeletedAgainWhereverItIsCutOff) {
+TEST_F(CutOffDeletionTest, LeavesACloneThatCanBeDeletedAgainWhereverItIsCutOff) {
     constexpr int files = 12;
     int before = 1;
     for (End end = End::killed; end == End::killed; ++before) {
@@ -103,7 +106,7 @@ TEST_F(CutOffDeletion, LeavesACloneThatCanBeDeletedAgainWhereverItIsCutOff) {
     EXPECT_GT(before, files) << "cut off at every item";
 }
 
-TEST_F(CutOffDeletion, LeavesACloneThatCanBeDeletedAgainInTheMidstOfAThousandFiles) {
+TEST_F(CutOffDeletionTest, LeavesACloneThatCanBeDeletedAgainInTheMidstOfAThousandFiles) {
     for (const int before : {6, 501, 1000}) {
         const End end = cutOffAndRetry(1000, before);
         if (end == End::notPermitted) {
@@ -113,7 +116,7 @@ TEST_F(CutOffDeletion, LeavesACloneThatCanBeDeletedAgainInTheMidstOfAThousandFil
     }
 }
 
-TEST_F(CutOffDeletion, AReplacementLeavesWhatCanBeReplacedWhereverItIsCutOff) {
+TEST_F(CutOffDeletionTest, AReplacementLeavesWhatCanBeReplacedWhereverItIsCutOff) {
     WrapperFactory::Request request;
     request.kind = ShortcutKind::web;
     request.displayName = "Work";
@@ -129,7 +132,7 @@ TEST_F(CutOffDeletion, AReplacementLeavesWhatCanBeReplacedWhereverItIsCutOff) {
             GTEST_SKIP() << "the kernel forbids tracing";
         }
         EXPECT_NO_THROW(checkRequest(request)) << before;
-        // The parts that tell a clone go before its configuration does.
+        // The parts that identify a clone are removed before its configuration.
         EXPECT_TRUE(InstanceRegistry().record(wrapper) ||
                     !fs::exists(wrapper / "Contents/MacOS/runner"))
             << before;

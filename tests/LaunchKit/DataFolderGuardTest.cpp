@@ -1,6 +1,8 @@
 // Which data folders may be deleted with a clone, and chosen for a new one.
 #include "LaunchKit/DataFolderGuard.h"
 
+#include "LaunchKit/InstanceConfig.h"
+#include "LaunchKit/InstanceRecord.h"
 #include "LaunchKit/RequestCheck.h"
 #include "Platform/files/PlatformError.h"
 #include "tests/support/AppBundles.h"
@@ -141,7 +143,7 @@ TEST_F(DataFolderGuardTest, AFolderInAnotherClonesDataIsSpared) {
     EXPECT_THAT(refusalOfNew("~/data/Play/new"), HasSubstr("lies in the data folder of “Play”"));
 }
 
-TEST_F(DataFolderGuardTest, AFolderInWhatIsNoClonesAloneMayGo) {
+TEST_F(DataFolderGuardTest, AFolderInsideASharedOneMayBeRemoved) {
     for (const char* shared : {"~", "/", "~/Documents", "~/QuorvelInstances"}) {
         cloneWithHome(shared, "Play");
         for (const char* own : {"~/Documents/Work", "~/QuorvelInstances/Work"}) {
@@ -236,7 +238,7 @@ TEST_F(DataFolderGuardTest, AnotherUsersHomeIsSpared) {
             const std::string ofDeletion = refusal(record);
             fs::remove_all(record.bundleURL);
             for (const std::string& text : {ofNew, ofDeletion}) {
-                if (path != folder_.path() && text.find(expected) == text.npos) {
+                if (path != folder_.path() && text.find(expected) == std::string::npos) {
                     return path + ": " + text;
                 }
                 if (text.empty()) {

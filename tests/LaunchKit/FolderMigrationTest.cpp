@@ -1,9 +1,10 @@
 #include "LaunchKit/InstanceLauncher.h"
+#include "Platform/files/FileHandle.h"
 
 #include "Platform/files/FileSystem.h"
 #include "tests/support/EveryStep.h"
-#include "tests/support/OrdinaryUser.h"
 #include "tests/support/OtherVolume.h"
+#include "tests/support/UnprivilegedUser.h"
 
 #include <fcntl.h>
 #include <gmock/gmock.h>
@@ -28,7 +29,7 @@ std::vector<std::string> reasonsOf(const Migration& migration) {
 }
 
 // The clone's home and the user's on one file system.
-class FolderMigration : public ::testing::Test {
+class FolderMigrationTest : public ::testing::Test {
 protected:
     [[nodiscard]] fs::path inClone(std::string_view name) const { return folder_ / "clone" / name; }
     [[nodiscard]] fs::path inReal(std::string_view name) const { return folder_ / "real" / name; }
@@ -40,14 +41,14 @@ protected:
     TemporaryFolder folder_;
 };
 
-TEST_F(FolderMigration, WhenAllHasMovedNothingIsTold) {
+TEST_F(FolderMigrationTest, WhenAllHasMovedNothingIsTold) {
     write(inClone("Documents/a"), "a");
     fs::create_directories(inClone("Desktop"));
     write(inClone("Downloads"), "a file instead of a folder");
     EXPECT_THAT(migrate().unmoved, ::testing::IsEmpty());
 }
 
-TEST_F(FolderMigration, EveryItemThatStaysIsNamedWithItsReason) {
+TEST_F(FolderMigrationTest, EveryItemThatStaysIsNamedWithItsReason) {
     write(inReal("Downloads"), "a file");
     write(inClone("Downloads/b"), "b");
     fs::create_directories(inReal("Documents"));
@@ -64,8 +65,8 @@ TEST_F(FolderMigration, EveryItemThatStaysIsNamedWithItsReason) {
     EXPECT_EQ(migration.moved, (std::map<std::string, int>{{"Downloads", 0}, {"Documents", 1}}));
 }
 
-TEST_F(FolderMigration, AFolderThatCantBeReadIsNamed) {
-    EXPECT_TRUE(asOrdinaryUser(folder_.path(), [&] {
+TEST_F(FolderMigrationTest, AFolderThatCantBeReadIsNamed) {
+    EXPECT_TRUE(asUnprivilegedUser(folder_.path(), [&] {
         write(inClone("Documents/a"), "x");
         fs::permissions(inClone("Documents"), fs::perms::none);
         const Migration migration = migrate();
@@ -75,16 +76,16 @@ TEST_F(FolderMigration, AFolderThatCantBeReadIsNamed) {
     }));
 }
 
-TEST_F(FolderMigration, JunkThatCantBeRemovedIsNamed) {
-    EXPECT_TRUE(asOrdinaryUser(folder_.path(), [&] {
+TEST_F(FolderMigrationTest, JunkThatCantBeRemovedIsNamed) {
+    EXPECT_TRUE(asUnprivilegedUser(folder_.path(), [&] {
         write(inClone("Documents/.DS_Store"), "x");
         fs::permissions(inClone("Documents"), fs::perms{0555});
         return reasonsOf(migrate()).size() == 1;
     }));
 }
 
-TEST_F(FolderMigration, AFolderThatCantMakeWayForALinkIsNamed) {
-    EXPECT_TRUE(asOrdinaryUser(folder_.path(), [&] {
+TEST_F(FolderMigrationTest, AFolderThatCantMakeWayForALinkIsNamed) {
+    EXPECT_TRUE(asUnprivilegedUser(folder_.path(), [&] {
         write(inClone("Documents/a"), "x");
         fs::create_directories(inReal("Documents"));
         fs::permissions(folder_ / "clone", fs::perms{0555});
@@ -97,7 +98,7 @@ TEST_F(FolderMigration, AFolderThatCantMakeWayForALinkIsNamed) {
 }
 
 // The clone's home on one file system and the user's on another.
-class FolderMigrationAcrossVolumes : public ::testing::Test {
+class FolderMigrationTestAcrossVolumes : public ::testing::Test {
 protected:
     void SetUp() override {
         if (!other_.exists()) {
@@ -116,9 +117,9 @@ protected:
     OtherVolume other_{folder_.path()};
 };
 
-TEST_F(FolderMigrationAcrossVolumes, WhatCantBeCopiedStaysAndTheRestMoves) {
+TEST_F(FolderMigrationTestAcrossVolumes, WhatCantBeCopiedStaysAndTheRestMoves) {
     fs::permissions(other_.path(), fs::perms{0777});
-    EXPECT_TRUE(asOrdinaryUser(folder_.path(), [&] {
+    EXPECT_TRUE(asUnprivilegedUser(folder_.path(), [&] {
         write(clone() / "Documents/folder/closed", "x");
         write(clone() / "Documents/fine", "f");
         fs::permissions(clone() / "Documents/folder/closed", fs::perms::none);
@@ -132,7 +133,7 @@ TEST_F(FolderMigrationAcrossVolumes, WhatCantBeCopiedStaysAndTheRestMoves) {
     }));
 }
 
-TEST_F(FolderMigrationAcrossVolumes, HardLinksBetweenTheFoldersStayHardLinks) {
+TEST_F(FolderMigrationTestAcrossVolumes, HardLinksBetweenTheFoldersStayHardLinks) {
     write(clone() / "Documents/a", "x");
     fs::create_directories(clone() / "Desktop");
     fs::create_hard_link(clone() / "Documents/a", clone() / "Desktop/b");
@@ -141,7 +142,7 @@ TEST_F(FolderMigrationAcrossVolumes, HardLinksBetweenTheFoldersStayHardLinks) {
 }
 
 // Killed at any moment, a migration loses nothing, and running it again makes no second copy.
-TEST_F(FolderMigrationAcrossVolumes, CutOffAtAnyMomentItIsFinishedByTheNextOne) {
+TEST_F(FolderMigrationTestAcrossVolumes, CutOffAtAnyMomentItIsFinishedByTheNextOne) {
     const Tree expected{{"Documents", "<folder>"},    {"Documents/a.txt", "taken"},
                         {"Documents/a (1).txt", "a"}, {"Documents/folder", "<folder>"},
                         {"Documents/folder/b", "b"},  {"Documents/folder/c", "-> b"}};
@@ -168,7 +169,7 @@ TEST_F(FolderMigrationAcrossVolumes, CutOffAtAnyMomentItIsFinishedByTheNextOne) 
 }
 
 // The same with the user's folders somewhere else by then: what was set aside comes back.
-TEST_F(FolderMigrationAcrossVolumes, CutOffAtAnyMomentNothingIsLostWhenTheFoldersAreElsewhere) {
+TEST_F(FolderMigrationTestAcrossVolumes, CutOffAtAnyMomentNothingIsLostWhenTheFoldersAreElsewhere) {
     int moments = 0;
     Kill kill = Kill::done;
     for (; kill == Kill::done; ++moments) {
@@ -187,7 +188,7 @@ TEST_F(FolderMigrationAcrossVolumes, CutOffAtAnyMomentNothingIsLostWhenTheFolder
     }
 }
 
-TEST_F(FolderMigrationAcrossVolumes, AMoveThatIsStillUnderWayIsLeftAlone) {
+TEST_F(FolderMigrationTestAcrossVolumes, AMoveThatIsStillUnderWayIsLeftAlone) {
     const fs::path leftover =
         clone() / "Documents/.quorvel-moving-3F2504E0-4F89-41D3-9A0C-0305E82C3301";
     fs::create_directories(leftover);
@@ -197,10 +198,10 @@ TEST_F(FolderMigrationAcrossVolumes, AMoveThatIsStillUnderWayIsLeftAlone) {
     EXPECT_TRUE(fs::exists(leftover));
 }
 
-TEST_F(FolderMigrationAcrossVolumes, AFolderWithMerelySuchANameIsMovedLikeAnyOther) {
-    write(clone() / "Documents/.quorvel-moving-house/file", "x");
+TEST_F(FolderMigrationTestAcrossVolumes, AFolderWithMerelySuchANameIsMovedLikeAnyOther) {
+    write(clone() / "Documents/.quorvel-moving-van/file", "x");
     EXPECT_EQ(migrate().moved.at("Documents"), 1);
-    EXPECT_EQ(read(real() / "Documents/.quorvel-moving-house/file"), "x");
+    EXPECT_EQ(read(real() / "Documents/.quorvel-moving-van/file"), "x");
 }
 
 } // namespace

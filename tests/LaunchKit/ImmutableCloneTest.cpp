@@ -1,4 +1,6 @@
 // Deleting clones whose configuration the file system protects from any change.
+#include "LaunchKit/InstanceConfig.h"
+#include "LaunchKit/InstanceRecord.h"
 #include "LaunchKit/InstanceRegistry.h"
 #include "Platform/files/PlatformError.h"
 #include "tests/support/AppBundles.h"
@@ -17,9 +19,9 @@ using namespace testing;
 using ::testing::HasSubstr;
 namespace fs = std::filesystem;
 
-class ImmutableClone : public ::testing::Test {
+class ImmutableCloneTest : public ::testing::Test {
 protected:
-    ImmutableClone() {
+    ImmutableCloneTest() {
         makeWrapper(wrapper_, minimalConfig());
         write(wrapper_ / "Contents/MacOS/runner", "x");
         for (int number = 0; number < 1000; ++number) {
@@ -33,7 +35,7 @@ protected:
     fs::path data_ = home_ / "QuorvelInstances/Work";
 };
 
-TEST_F(ImmutableClone, IsRefusedBeforeAnythingGoes) {
+TEST_F(ImmutableCloneTest, IsRefusedBeforeAnythingGoes) {
     const ImmutableFile immutable(configuration_);
     if (!immutable.isSet()) {
         GTEST_SKIP() << "no file can be made immutable here";
@@ -49,7 +51,7 @@ TEST_F(ImmutableClone, IsRefusedBeforeAnythingGoes) {
     EXPECT_EQ(treeOf(home_.path()), before);
 }
 
-TEST_F(ImmutableClone, ThatStaysThoughItsDataIsGoneIsTold) {
+TEST_F(ImmutableCloneTest, ThatStaysThoughItsDataIsGoneIsTold) {
     std::optional<ImmutableFile> immutable;
     std::atomic<bool> done = false;
     // The runner goes right before the data, whose thousands of files take a while.

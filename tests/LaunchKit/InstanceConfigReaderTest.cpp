@@ -34,7 +34,7 @@ std::string repeated(std::string_view text, std::size_t count) {
     return result;
 }
 
-TEST(InstanceConfigReader, TheThreeRequiredKeysAreRequired) {
+TEST(InstanceConfigReaderTest, TheThreeRequiredKeysAreRequired) {
     EXPECT_FALSE(decoded(R"({"bundleId":"b","instanceHome":"h"})"));
     EXPECT_FALSE(decoded(R"({"displayName":"N","instanceHome":"h"})"));
     EXPECT_FALSE(decoded(R"({"displayName":"N","bundleId":"b"})"));
@@ -43,7 +43,7 @@ TEST(InstanceConfigReader, TheThreeRequiredKeysAreRequired) {
     EXPECT_TRUE(decoded(R"({"displayName":"","bundleId":"","instanceHome":""})"));
 }
 
-TEST(InstanceConfigReader, AFaultInTheTextIsNamed) {
+TEST(InstanceConfigReaderTest, AFaultInTheTextIsNamed) {
     const auto failure = [](const std::string& json) -> std::string {
         try {
             (void)InstanceConfig::fromJson(json);
@@ -54,13 +54,29 @@ TEST(InstanceConfigReader, AFaultInTheTextIsNamed) {
     };
     const std::string start = "The configuration is not valid JSON: ";
     EXPECT_EQ(failure(with(R"("url":"x")") + std::string(1, '\0') + "more"),
-              start + "It holds a NUL byte.");
-    EXPECT_EQ(failure(with(R"("url":"x")") + std::string(1, '\0')), start + "It holds a NUL byte.");
+              start + "It contains a NUL byte.");
+    EXPECT_EQ(failure(with(R"("url":"x")") + std::string(1, '\0')),
+              start + "It contains a NUL byte.");
     EXPECT_EQ(failure(with(R"("url":"x")") + "more"),
               start + "The document root must not be followed by other values.");
 }
 
-TEST(InstanceConfigReader, NullMeansTheDefault) {
+TEST(InstanceConfigReaderTest, EveryFaultOfAFileIsReportedTogether) {
+    try {
+        (void)InstanceConfig::fromJson(
+            R"({"bundleId":7,"kind":"movie","iconLabel":{"text":"a","position":"left"},"x":[1]})");
+        FAIL() << "no error";
+    } catch (const ConfigError& error) {
+        EXPECT_EQ(error.description(), "The value of “bundleId” is of the wrong type. "
+                                       "The value of “kind” is not known. "
+                                       "The value of “iconLabel.position” is not known. "
+                                       "The key “iconLabel.colorHex” is missing. "
+                                       "The key “displayName” is missing. "
+                                       "The key “instanceHome” is missing.");
+    }
+}
+
+TEST(InstanceConfigReaderTest, NullMeansTheDefault) {
     for (const char* key : {"kind", "targetAppPath", "strategy", "extraArgs", "environment",
                             "infoPlistOverrides", "registerAsBrowser", "openWithPassthrough",
                             "iconLabel", "menuBarIcon", "menuBarIconTemplate", "shareUserFolders",
@@ -73,26 +89,26 @@ TEST(InstanceConfigReader, NullMeansTheDefault) {
     }
 }
 
-TEST(InstanceConfigReader, SharingIsOffOnlyWhenTheFileSaysSo) {
+TEST(InstanceConfigReaderTest, SharingIsOffOnlyWhenTheFileSaysSo) {
     EXPECT_FALSE(decoded(with(R"("shareUserFolders":false)"))->shareUserFolders);
     EXPECT_TRUE(decoded(with(R"("shareUserFolders":true)"))->shareUserFolders);
 }
 
-TEST(InstanceConfigReader, CompletenessForAKindIsNotItsBusiness) {
+TEST(InstanceConfigReaderTest, CompletenessForAKindIsNotItsBusiness) {
     const auto config = decoded(with(R"("kind":"command")"));
     ASSERT_TRUE(config);
     EXPECT_EQ(config->kind, ShortcutKind::command);
     EXPECT_EQ(config->commandPath, std::nullopt);
 }
 
-TEST(InstanceConfigReader, UnknownNamesAreNoValues) {
+TEST(InstanceConfigReaderTest, UnknownNamesAreNoValues) {
     EXPECT_FALSE(decoded(with(R"("strategy":"home_override")")));
     EXPECT_FALSE(decoded(with(R"("strategy":"")")));
     EXPECT_FALSE(decoded(with(R"("kind":"App")")));
     EXPECT_FALSE(decoded(with(R"("iconLabel":{"text":"a","colorHex":"b","position":"left"})")));
 }
 
-TEST(InstanceConfigReader, ALabelIsWholeOrTheFileIsNone) {
+TEST(InstanceConfigReaderTest, ALabelIsWholeOrTheFileIsNone) {
     EXPECT_TRUE(decoded(with(R"("iconLabel":{"text":"a","colorHex":"b","position":"top"})")));
     EXPECT_TRUE(
         decoded(with(R"("iconLabel":{"x":[{}],"text":"a","colorHex":"b","position":"top"})")));
@@ -105,7 +121,7 @@ TEST(InstanceConfigReader, ALabelIsWholeOrTheFileIsNone) {
     EXPECT_FALSE(decoded(with(R"("iconLabel":"a")")));
 }
 
-TEST(InstanceConfigReader, AValueOfTheWrongTypeIsNoFallback) {
+TEST(InstanceConfigReaderTest, AValueOfTheWrongTypeIsNoFallback) {
     for (const char* members : {R"("url":1)",
                                 R"("url":["a"])",
                                 R"("targetAppPath":true)",
@@ -131,7 +147,7 @@ TEST(InstanceConfigReader, AValueOfTheWrongTypeIsNoFallback) {
     EXPECT_FALSE(decoded(R"({"displayName":1,"bundleId":"b","instanceHome":"h"})"));
 }
 
-TEST(InstanceConfigReader, KeysThatItDoesNotKnowAreIgnored) {
+TEST(InstanceConfigReaderTest, KeysThatItDoesNotKnowAreIgnored) {
     const auto config = decoded(with(
         R"("x":1,"y":{"url":"no","deep":[[{"kind":[]}],null]},"z":[],"url":"yes","DisplayName":7)"));
     ASSERT_TRUE(config);
@@ -139,20 +155,20 @@ TEST(InstanceConfigReader, KeysThatItDoesNotKnowAreIgnored) {
     EXPECT_EQ(config->displayName, "N");
 }
 
-TEST(InstanceConfigReader, OnlyAnObjectIsAConfiguration) {
+TEST(InstanceConfigReaderTest, OnlyAnObjectIsAConfiguration) {
     for (const char* json : {"", " ", "[]", "null", "1", "\"text\"", "true", "{", "}", "[{}]",
                              "{\"displayName\"", "nonsense", "\xEF\xBB\xBF"}) {
         EXPECT_FALSE(decoded(json)) << json;
     }
 }
 
-TEST(InstanceConfigReader, NothingMayStandBehindTheObject) {
+TEST(InstanceConfigReaderTest, NothingMayStandBehindTheObject) {
     EXPECT_FALSE(decoded(with("\"url\":\"a\"") + "x"));
     EXPECT_FALSE(decoded(with("\"url\":\"a\"") + "{}"));
     EXPECT_TRUE(decoded(with("\"url\":\"a\"") + "\n\n"));
 }
 
-TEST(InstanceConfigReader, EveryTruncationIsNone) {
+TEST(InstanceConfigReaderTest, EveryTruncationIsNone) {
     const std::string whole =
         with(R"("iconLabel":{"text":"a","colorHex":"b","position":"top"},"extraArgs":["a"])");
     for (std::size_t length = 0; length < whole.size(); ++length) {
@@ -160,7 +176,7 @@ TEST(InstanceConfigReader, EveryTruncationIsNone) {
     }
 }
 
-TEST(InstanceConfigReader, OfAKeyThatStandsTwiceTheFirstCounts) {
+TEST(InstanceConfigReaderTest, OfAKeyThatStandsTwiceTheFirstCounts) {
     EXPECT_EQ(decoded(with(R"("url":"a","url":"b")")).value().url, "a");
     EXPECT_EQ(decoded(with(R"("url":"a","url":7,"url":{"x":[1]})")).value().url, "a");
     EXPECT_EQ(decoded(with(R"("displayName":"other")")).value().displayName, "N");
@@ -179,7 +195,7 @@ TEST(InstanceConfigReader, OfAKeyThatStandsTwiceTheFirstCounts) {
     EXPECT_EQ(label.value().iconLabel, (IconLabel{"a", "c", IconLabel::Position::top}));
 }
 
-TEST(InstanceConfigReader, AByteOrderMarkMeansNothing) {
+TEST(InstanceConfigReaderTest, AByteOrderMarkMeansNothing) {
     EXPECT_EQ(decoded("\xEF\xBB\xBF" + with(R"("url":"a")")).value().url, "a");
     EXPECT_FALSE(decoded("\xEF\xBB\xBF\xEF\xBB\xBF" + with(R"("url":"a")")));
 }
@@ -196,7 +212,7 @@ void expectIgnored(const std::string& member) {
     EXPECT_EQ(labelled->iconLabel, (IconLabel{"a", "c", IconLabel::Position::top}));
 }
 
-TEST(InstanceConfigReader, AnUnknownKeyMayHoldAnything) {
+TEST(InstanceConfigReaderTest, AnUnknownKeyMayHoldAnything) {
     for (const char* value :
          {"1e999", "-1E+999", "[1e999]", "99999999999999999999999999", "0.0000001e-9999",
           R"("\ud800")", R"("\udc00x")", R"({"\ud800":["\udfff"]})", R"([{"a":[]},{},[[]],""])"}) {
@@ -210,7 +226,7 @@ TEST(InstanceConfigReader, AnUnknownKeyMayHoldAnything) {
     expectIgnored("\"unknown\":-" + digits + "." + digits);
 }
 
-TEST(InstanceConfigReader, WhatIsNoJsonStaysNoneUnderAnUnknownKey) {
+TEST(InstanceConfigReaderTest, WhatIsNoJsonStaysNoneUnderAnUnknownKey) {
     for (const char* value :
          {"",          "1e",         "01",    "+1",   ".5",   "1.",     "-",       "0x10",
           "NaN",       "nul",        "tru",   "'a'",  "\"a",  "\"\t\"", R"("\x")", R"("\u12g4")",
@@ -224,28 +240,28 @@ TEST(InstanceConfigReader, WhatIsNoJsonStaysNoneUnderAnUnknownKey) {
     EXPECT_FALSE(decoded("[" + with("\"unknown\":1e999") + "]"));
 }
 
-TEST(InstanceConfigReader, NumbersOutOfRangeAreNone) {
+TEST(InstanceConfigReaderTest, NumbersOutOfRangeAreNone) {
     for (const char* number :
          {"1e999", "-1e999", "99999999999999999999999999", "1e", "0x10", "NaN", "01"}) {
         EXPECT_FALSE(decoded(with("\"menuBarIcon\":" + std::string(number)))) << number;
     }
 }
 
-TEST(InstanceConfigReader, TextThatIsNotUtf8IsNone) {
+TEST(InstanceConfigReaderTest, TextThatIsNotUtf8IsNone) {
     EXPECT_FALSE(decoded(with("\"url\":\"\xFF\"")));
     EXPECT_FALSE(decoded(with("\"url\":\"caf\xE9\"")));
     EXPECT_FALSE(decoded(with("\"\xC0\xAF\":\"a\"")));
     EXPECT_FALSE(decoded(with("\"unknown\":\"\xED\xA0\x80\"")));
 }
 
-TEST(InstanceConfigReader, LoneSurrogatesAreNone) {
+TEST(InstanceConfigReaderTest, LoneSurrogatesAreNone) {
     EXPECT_FALSE(decoded(with(R"("url":"\ud800")")));
     EXPECT_FALSE(decoded(with(R"("url":"\udc00x")")));
     EXPECT_FALSE(decoded(with(R"("url":"\ud800\ud800")")));
     EXPECT_EQ(decoded(with(R"("url":"\ud83d\ude00")"))->url, "😀");
 }
 
-TEST(InstanceConfigReader, EndlessNestingIsNoTrouble) {
+TEST(InstanceConfigReaderTest, EndlessNestingIsNoTrouble) {
     constexpr std::size_t deep = 100'000;
     EXPECT_FALSE(decoded(repeated("[", deep)));
     EXPECT_FALSE(decoded(repeated("{\"a\":", deep)));
@@ -255,14 +271,14 @@ TEST(InstanceConfigReader, EndlessNestingIsNoTrouble) {
     expectIgnored("\"unknown\":" + repeated("{\"a\":", deep) + "1" + repeated("}", deep));
 }
 
-TEST(InstanceConfigReader, AnUnknownValueMayNestAsItLikes) {
+TEST(InstanceConfigReaderTest, AnUnknownValueMayNestAsItLikes) {
     for (const std::size_t levels : {511U, 512U, 513U, 514U, 1'000'000U}) {
         expectIgnored("\"unknown\":" + repeated("[", levels) + repeated("]", levels));
     }
     expectIgnored("\"unknown\":[" + repeated("[[]],", 10'000) + "0]");
 }
 
-TEST(InstanceConfigReader, WhatIsNoReadableFileHoldsNoConfiguration) {
+TEST(InstanceConfigReaderTest, WhatIsNoReadableFileHoldsNoConfiguration) {
     const TemporaryFolder folder;
     ::mkfifo((folder / "fifo").c_str(), 0600);
     fs::create_symlink(folder / "loop", folder / "loop");
@@ -274,14 +290,14 @@ TEST(InstanceConfigReader, WhatIsNoReadableFileHoldsNoConfiguration) {
     EXPECT_FALSE(InstanceConfig::read("/dev/zero"));
 }
 
-TEST(InstanceConfigReader, AHugeFileHoldsNoConfiguration) {
+TEST(InstanceConfigReaderTest, AHugeFileHoldsNoConfiguration) {
     const TemporaryFolder folder;
     write(folder / "huge", with("\"url\":\"a\""));
     fs::resize_file(folder / "huge", std::uintmax_t{100} << 20U);
     EXPECT_FALSE(InstanceConfig::read(folder / "huge"));
 }
 
-TEST(InstanceConfigReader, AFileIsReadThroughALink) {
+TEST(InstanceConfigReaderTest, AFileIsReadThroughALink) {
     const TemporaryFolder folder;
     write(folder / "file", with("\"url\":\"a\""));
     fs::create_symlink("file", folder / "link");

@@ -36,7 +36,7 @@ InstanceConfig fullConfig() {
     return config;
 }
 
-TEST(InstanceConfig, AMinimalFileHasEveryDefault) {
+TEST(InstanceConfigTest, AMinimalFileHasEveryDefault) {
     const InstanceConfig config = InstanceConfig::fromJson(minimal);
     EXPECT_EQ(config.displayName, "N");
     EXPECT_EQ(config.bundleId, "b");
@@ -60,7 +60,7 @@ TEST(InstanceConfig, AMinimalFileHasEveryDefault) {
     EXPECT_EQ(config.workingDirectory, std::nullopt);
 }
 
-TEST(InstanceConfig, AMinimalFileIsWrittenWithItsFifteenKeysSorted) {
+TEST(InstanceConfigTest, AMinimalFileIsWrittenWithItsFifteenKeysSorted) {
     EXPECT_EQ(InstanceConfig::fromJson(minimal).json(), R"({
   "bundleId": "b",
   "commandArgs": [],
@@ -80,7 +80,7 @@ TEST(InstanceConfig, AMinimalFileIsWrittenWithItsFifteenKeysSorted) {
 })");
 }
 
-TEST(InstanceConfig, AFullFileIsWrittenWithAllKeysSorted) {
+TEST(InstanceConfigTest, AFullFileIsWrittenWithAllKeysSorted) {
     EXPECT_EQ(fullConfig().json(), R"({
   "bundleId": "app.quorvel.instance.test",
   "commandArgs": [
@@ -119,7 +119,7 @@ TEST(InstanceConfig, AFullFileIsWrittenWithAllKeysSorted) {
 })");
 }
 
-TEST(InstanceConfig, WhatIsWrittenIsReadBackTheSame) {
+TEST(InstanceConfigTest, WhatIsWrittenIsReadBackTheSame) {
     const InstanceConfig config = InstanceConfig::fromJson(fullConfig().json());
     EXPECT_EQ(config.json(), fullConfig().json());
     EXPECT_EQ(config.displayName, "Work \"1\" é");
@@ -128,7 +128,7 @@ TEST(InstanceConfig, WhatIsWrittenIsReadBackTheSame) {
     EXPECT_EQ(config.environment, fullConfig().environment);
 }
 
-TEST(InstanceConfig, TextOfAnyKindSurvivesWritingAndReading) {
+TEST(InstanceConfigTest, TextOfAnyKindSurvivesWritingAndReading) {
     InstanceConfig config = minimalConfig();
     config.displayName = "line\nbreak \t \x01 \\ / \" ' <b> 😀";
     config.displayName.push_back('\0');
@@ -138,7 +138,7 @@ TEST(InstanceConfig, TextOfAnyKindSurvivesWritingAndReading) {
     EXPECT_EQ(again.environment, config.environment);
 }
 
-TEST(InstanceConfig, TextThatIsNotUtf8CantBeWritten) {
+TEST(InstanceConfigTest, TextThatIsNotUtf8CantBeWritten) {
     InstanceConfig config = minimalConfig();
     config.extraArgs = {"\xFF"};
     EXPECT_THROW((void)config.json(), ConfigError);
@@ -147,7 +147,7 @@ TEST(InstanceConfig, TextThatIsNotUtf8CantBeWritten) {
     EXPECT_THROW((void)config.json(), ConfigError);
 }
 
-TEST(InstanceConfig, TheHomesTildeIsTheUsersHome) {
+TEST(InstanceConfigTest, TheHomesTildeIsTheUsersHome) {
     const ScopedEnvironment fixed("CFFIXED_USER_HOME", "/Users/u");
     InstanceConfig config = minimalConfig();
     config.instanceHome = "~/I";
@@ -156,7 +156,7 @@ TEST(InstanceConfig, TheHomesTildeIsTheUsersHome) {
     EXPECT_EQ(config.resolvedHome(), "/abs/~");
 }
 
-TEST(InstanceConfig, EveryPlaceholderBecomesTheResolvedHome) {
+TEST(InstanceConfigTest, EveryPlaceholderBecomesTheResolvedHome) {
     const ScopedEnvironment fixed("CFFIXED_USER_HOME", "/Users/u");
     InstanceConfig config = minimalConfig();
     config.instanceHome = "~/I";
@@ -178,38 +178,31 @@ TEST(InstanceConfig, EveryPlaceholderBecomesTheResolvedHome) {
         (std::map<std::string, std::string>{{"T", "~"}, {"{{instanceHome}}", "/Users/u/I/cache"}}));
 }
 
-TEST(InstanceConfig, AHomeThatHoldsThePlaceholderIsPutInOnce) {
+TEST(InstanceConfigTest, AHomeThatHoldsThePlaceholderIsPutInOnce) {
     EXPECT_EQ(expandingInstanceHome("{{instanceHome}}!", "/{{instanceHome}}"),
               "/{{instanceHome}}!");
     EXPECT_EQ(expandingInstanceHome("", "/h"), "");
 }
 
-TEST(InstanceConfig, TheTargetsPathIsNotExpanded) {
+TEST(InstanceConfigTest, TheTargetsPathIsNotExpanded) {
     InstanceConfig config = minimalConfig();
     config.targetAppPath = "~/A.app";
     EXPECT_EQ(config.targetAppURL(), "~/A.app");
 }
 
-TEST(InstanceConfig, EachSwitchHasAKeyOfItsOwn) {
-    const std::map<std::string, bool InstanceConfig::*> switches{
-        {"registerAsBrowser", &InstanceConfig::registerAsBrowser},
-        {"openWithPassthrough", &InstanceConfig::openWithPassthrough},
-        {"menuBarIcon", &InstanceConfig::menuBarIcon},
-        {"menuBarIconTemplate", &InstanceConfig::menuBarIconTemplate},
-        {"shareUserFolders", &InstanceConfig::shareUserFolders},
-    };
-    for (const auto& [set, field] : switches) {
+TEST(InstanceConfigTest, EachSwitchHasAKeyOfItsOwn) {
+    for (const CloneSwitch& set : cloneSwitches) {
         InstanceConfig config;
-        config.shareUserFolders = false;
-        config.*field = true;
+        config.*set.member = !set.defaultValue();
         const std::string json = config.json();
         const InstanceConfig back = InstanceConfig::fromJson(json);
-        for (const auto& [key, member] : switches) {
-            const bool expected = key == set;
-            EXPECT_NE(json.find("\"" + key + "\": " + (expected ? "true" : "false")),
-                      std::string::npos)
+        for (const CloneSwitch& each : cloneSwitches) {
+            const bool expected = each.valueIn(config);
+            EXPECT_NE(
+                json.find("\"" + std::string(each.key) + "\": " + (expected ? "true" : "false")),
+                std::string::npos)
                 << json;
-            EXPECT_EQ(back.*member, expected) << key;
+            EXPECT_EQ(each.valueIn(back), expected) << each.key;
         }
     }
 }

@@ -1,9 +1,11 @@
 #include "LaunchKit/InstanceRegistry.h"
 
+#include "LaunchKit/InstanceConfig.h"
+#include "LaunchKit/InstanceRecord.h"
 #include "Platform/files/PlatformError.h"
 #include "tests/support/AppBundles.h"
-#include "tests/support/OrdinaryUser.h"
 #include "tests/support/TemporaryHome.h"
+#include "tests/support/UnprivilegedUser.h"
 
 #include <gtest/gtest.h>
 
@@ -14,9 +16,9 @@ using namespace testing;
 using namespace std::string_literals;
 namespace fs = std::filesystem;
 
-class InstanceDeletion : public ::testing::Test {
+class InstanceDeletionTest : public ::testing::Test {
 protected:
-    InstanceDeletion() {
+    InstanceDeletionTest() {
         write(home_ / "Documents/precious", "x");
         write(home_ / "QuorvelInstances/Work/data", "x");
     }
@@ -46,14 +48,14 @@ protected:
     TemporaryHome home_;
 };
 
-TEST_F(InstanceDeletion, TakesTheWrapperAndLeavesTheData) {
+TEST_F(InstanceDeletionTest, TakesTheWrapperAndLeavesTheData) {
     const InstanceRecord record = recordWithHome("~/QuorvelInstances/Work");
     InstanceRegistry().remove(record, false);
     EXPECT_FALSE(fs::exists(record.bundleURL));
     EXPECT_TRUE(fs::exists(home_ / "QuorvelInstances/Work/data"));
 }
 
-TEST_F(InstanceDeletion, TakesTheDataWhenAsked) {
+TEST_F(InstanceDeletionTest, TakesTheDataWhenAsked) {
     const InstanceRecord record = recordWithHome("~/QuorvelInstances/Work");
     removeWithData(record);
     EXPECT_FALSE(fs::exists(record.bundleURL));
@@ -61,20 +63,20 @@ TEST_F(InstanceDeletion, TakesTheDataWhenAsked) {
     EXPECT_TRUE(fs::exists(home_ / "QuorvelInstances"));
 }
 
-TEST_F(InstanceDeletion, TakesTheDataOfAWrapperThatIsGoneAlready) {
+TEST_F(InstanceDeletionTest, TakesTheDataOfAWrapperThatIsGoneAlready) {
     const InstanceRecord record = recordWithHome("~/QuorvelInstances/Work");
     fs::remove_all(record.bundleURL);
     removeWithData(record);
     EXPECT_FALSE(fs::exists(home_ / "QuorvelInstances/Work"));
 }
 
-TEST_F(InstanceDeletion, SucceedsWithoutAnyData) {
+TEST_F(InstanceDeletionTest, SucceedsWithoutAnyData) {
     const InstanceRecord record = recordWithHome("~/QuorvelInstances/None");
     removeWithData(record);
     EXPECT_FALSE(fs::exists(record.bundleURL));
 }
 
-TEST_F(InstanceDeletion, NeverTakesTheHomeHoweverItIsWritten) {
+TEST_F(InstanceDeletionTest, NeverTakesTheHomeHoweverItIsWritten) {
     fs::create_directory_symlink(home_.path(), folder_ / "link");
     fs::create_directory_symlink(home_.path().parent_path(), folder_ / "middle");
     const std::string home = home_.path();
@@ -88,7 +90,7 @@ TEST_F(InstanceDeletion, NeverTakesTheHomeHoweverItIsWritten) {
     }
 }
 
-TEST_F(InstanceDeletion, NeverTakesTheHomeByARelativePath) {
+TEST_F(InstanceDeletionTest, NeverTakesTheHomeByARelativePath) {
     const fs::path before = fs::current_path();
     fs::current_path(home_.path());
     expectDataKept(".");
@@ -96,7 +98,7 @@ TEST_F(InstanceDeletion, NeverTakesTheHomeByARelativePath) {
     fs::current_path(before);
 }
 
-TEST_F(InstanceDeletion, ARelativeDataFolderStays) {
+TEST_F(InstanceDeletionTest, ARelativeDataFolderStays) {
     const fs::path before = fs::current_path();
     fs::current_path(home_.path());
     expectDataKept("QuorvelInstances/Work");
@@ -104,14 +106,14 @@ TEST_F(InstanceDeletion, ARelativeDataFolderStays) {
     fs::current_path(before);
 }
 
-TEST_F(InstanceDeletion, TakesNothingWhereTheConfigurationNamesNothing) {
+TEST_F(InstanceDeletionTest, TakesNothingWhereTheConfigurationNamesNothing) {
     expectDataKept("");
     expectDataKept(home_.path().string() + "/QuorvelInstances/Work\0x"s);
     expectDataKept("~\0"s);
     expectDataKept("~no-such-user-here");
 }
 
-TEST_F(InstanceDeletion, ADataFolderThatIsALinkLosesTheLinkAlone) {
+TEST_F(InstanceDeletionTest, ADataFolderThatIsALinkLosesTheLinkAlone) {
     write(folder_ / "kept/file", "x");
     fs::create_directory_symlink(folder_ / "kept", home_ / "QuorvelInstances/Link");
     removeWithData(recordWithHome("~/QuorvelInstances/Link/"));
@@ -119,7 +121,7 @@ TEST_F(InstanceDeletion, ADataFolderThatIsALinkLosesTheLinkAlone) {
     EXPECT_EQ(read(folder_ / "kept/file"), "x");
 }
 
-TEST_F(InstanceDeletion, LinksInTheDataAreNotFollowed) {
+TEST_F(InstanceDeletionTest, LinksInTheDataAreNotFollowed) {
     fs::create_directory_symlink(home_ / "Documents", home_ / "QuorvelInstances/Work/Documents");
     fs::create_directory_symlink(home_.path(), home_ / "QuorvelInstances/Work/home");
     removeWithData(recordWithHome("~/QuorvelInstances/Work"));
@@ -127,7 +129,7 @@ TEST_F(InstanceDeletion, LinksInTheDataAreNotFollowed) {
     EXPECT_EQ(read(home_ / "Documents/precious"), "x");
 }
 
-TEST_F(InstanceDeletion, AWrapperThatIsALinkLosesTheLinkAlone) {
+TEST_F(InstanceDeletionTest, AWrapperThatIsALinkLosesTheLinkAlone) {
     const InstanceRecord record = recordWithHome("~/none");
     fs::create_directory_symlink(record.bundleURL, folder_ / "Link.app");
     InstanceRegistry().remove({folder_ / "Link.app", record.config}, false);
@@ -136,13 +138,13 @@ TEST_F(InstanceDeletion, AWrapperThatIsALinkLosesTheLinkAlone) {
     EXPECT_TRUE(fs::exists(record.bundleURL / "Contents/Resources/instance.json"));
 }
 
-TEST_F(InstanceDeletion, ADanglingLinkForAWrapperGoes) {
+TEST_F(InstanceDeletionTest, ADanglingLinkForAWrapperGoes) {
     fs::create_directory_symlink("nowhere", folder_ / "Link.app");
     InstanceRegistry().remove({folder_ / "Link.app", minimalConfig()}, false);
     EXPECT_FALSE(fs::is_symlink(folder_ / "Link.app"));
 }
 
-TEST_F(InstanceDeletion, WhenTheWrapperMayNotGoTheDataStays) {
+TEST_F(InstanceDeletionTest, WhenTheWrapperMayNotGoTheDataStays) {
     InstanceConfig config = minimalConfig();
     config.instanceHome = home_ / "QuorvelInstances/Work";
     const auto before = treeOf(home_.path());
@@ -150,8 +152,8 @@ TEST_F(InstanceDeletion, WhenTheWrapperMayNotGoTheDataStays) {
     EXPECT_EQ(treeOf(home_.path()), before);
 }
 
-TEST_F(InstanceDeletion, WhenTheWrapperCantGoTheDataStays) {
-    EXPECT_TRUE(asOrdinaryUser(folder_.path(), [&] {
+TEST_F(InstanceDeletionTest, WhenTheWrapperCantGoTheDataStays) {
+    EXPECT_TRUE(asUnprivilegedUser(folder_.path(), [&] {
         InstanceConfig config = minimalConfig();
         config.instanceHome = folder_ / "data";
         write(folder_ / "data/file", "x");
@@ -168,8 +170,8 @@ TEST_F(InstanceDeletion, WhenTheWrapperCantGoTheDataStays) {
     }));
 }
 
-TEST_F(InstanceDeletion, WhenAPartOfTheWrapperCantGoTheDataStays) {
-    EXPECT_TRUE(asOrdinaryUser(folder_.path(), [&] {
+TEST_F(InstanceDeletionTest, WhenAPartOfTheWrapperCantGoTheDataStays) {
+    EXPECT_TRUE(asUnprivilegedUser(folder_.path(), [&] {
         InstanceConfig config = minimalConfig();
         config.instanceHome = folder_ / "data";
         write(folder_ / "data/file", "x");
@@ -192,7 +194,7 @@ TEST_F(InstanceDeletion, WhenAPartOfTheWrapperCantGoTheDataStays) {
     }));
 }
 
-TEST_F(InstanceDeletion, TellsWhatBecameOfTheData) {
+TEST_F(InstanceDeletionTest, ReportsWhatHappenedToTheData) {
     using Case = DeletedData::Case;
     const InstanceRegistry registry;
     EXPECT_EQ(registry.remove(recordWithHome("~/QuorvelInstances/Work"), false).outcome,
@@ -209,7 +211,7 @@ TEST_F(InstanceDeletion, TellsWhatBecameOfTheData) {
     EXPECT_EQ(removed.description(), "");
 }
 
-TEST_F(InstanceDeletion, TellsOfEveryFolderThatIsNoDataThatItWasSpared) {
+TEST_F(InstanceDeletionTest, ReportsEveryUnusableDataFolderAsSpared) {
     const fs::path before = fs::current_path();
     fs::current_path(home_.path());
     for (const std::string& written :
@@ -222,8 +224,8 @@ TEST_F(InstanceDeletion, TellsOfEveryFolderThatIsNoDataThatItWasSpared) {
     fs::current_path(before);
 }
 
-TEST_F(InstanceDeletion, TellsHowMuchOfTheDataIsLeftAndWhy) {
-    EXPECT_TRUE(asOrdinaryUser(folder_.path(), [&] {
+TEST_F(InstanceDeletionTest, ReportsHowMuchOfTheDataIsLeftAndWhy) {
+    EXPECT_TRUE(asUnprivilegedUser(folder_.path(), [&] {
         InstanceConfig config = minimalConfig();
         config.instanceHome = folder_ / "data";
         for (int number = 0; number < 300; ++number) {
@@ -240,7 +242,7 @@ TEST_F(InstanceDeletion, TellsHowMuchOfTheDataIsLeftAndWhy) {
     }));
 }
 
-TEST_F(InstanceDeletion, AnotherCloneInTheRecordsPlaceStaysWithAllData) {
+TEST_F(InstanceDeletionTest, AnotherCloneInTheRecordsPlaceStaysWithAllData) {
     const InstanceRecord listed = recordWithHome("~/QuorvelInstances/Work");
     const auto expectStale = [&](const std::function<void(InstanceConfig&)>& change) {
         InstanceConfig newer = listed.config;
@@ -261,7 +263,7 @@ TEST_F(InstanceDeletion, AnotherCloneInTheRecordsPlaceStaysWithAllData) {
     expectStale([](InstanceConfig& config) { config.commandPath = "/other"; });
 }
 
-TEST_F(InstanceDeletion, AnAppInTheRecordsPlaceStaysWithAllData) {
+TEST_F(InstanceDeletionTest, AnAppInTheRecordsPlaceStaysWithAllData) {
     const InstanceRecord listed = recordWithHome("~/QuorvelInstances/Work");
     fs::remove_all(listed.bundleURL);
     makeAppBundle(listed.bundleURL);
@@ -272,7 +274,7 @@ TEST_F(InstanceDeletion, AnAppInTheRecordsPlaceStaysWithAllData) {
     EXPECT_EQ(treeOf(home_.path()), before);
 }
 
-TEST_F(InstanceDeletion, ACloneThatWasDamagedMeanwhileGoes) {
+TEST_F(InstanceDeletionTest, ACloneThatWasDamagedMeanwhileGoes) {
     const InstanceRecord listed = recordWithHome("~/QuorvelInstances/Work");
     write(listed.bundleURL / "Contents/MacOS/runner", "x");
     write(listed.bundleURL / "Contents/Resources/instance.json", "{");
@@ -280,7 +282,7 @@ TEST_F(InstanceDeletion, ACloneThatWasDamagedMeanwhileGoes) {
     EXPECT_FALSE(fs::exists(listed.bundleURL));
 }
 
-TEST_F(InstanceDeletion, ACloneWhoseSettingsChangedMeanwhileIsStillTheSame) {
+TEST_F(InstanceDeletionTest, ACloneWhoseSettingsChangedMeanwhileIsStillTheSame) {
     const InstanceRecord listed = recordWithHome("~/QuorvelInstances/Work");
     InstanceConfig changed = listed.config;
     changed.shareUserFolders = !changed.shareUserFolders;
@@ -291,7 +293,7 @@ TEST_F(InstanceDeletion, ACloneWhoseSettingsChangedMeanwhileIsStillTheSame) {
     EXPECT_FALSE(fs::exists(home_ / "QuorvelInstances/Work"));
 }
 
-TEST_F(InstanceDeletion, AnAliasOfACloneThatIsListedSparesItsData) {
+TEST_F(InstanceDeletionTest, AnAliasOfACloneThatIsListedSparesItsData) {
     const InstanceRecord record = recordWithHome("~/QuorvelInstances/Work");
     fs::create_directory_symlink(record.bundleURL, home_ / "Applications/Alias.app");
     EXPECT_THROW(removeWithData({home_ / "Applications/Alias.app", record.config}),
@@ -299,8 +301,8 @@ TEST_F(InstanceDeletion, AnAliasOfACloneThatIsListedSparesItsData) {
     EXPECT_EQ(read(home_ / "QuorvelInstances/Work/data"), "x");
 }
 
-TEST_F(InstanceDeletion, DataThatCantGoIsNoError) {
-    EXPECT_TRUE(asOrdinaryUser(folder_.path(), [&] {
+TEST_F(InstanceDeletionTest, DataThatCantBeRemovedIsNotAnError) {
+    EXPECT_TRUE(asUnprivilegedUser(folder_.path(), [&] {
         InstanceConfig config = minimalConfig();
         config.instanceHome = folder_ / "closed/data";
         write(folder_ / "closed/data/file", "x");

@@ -1,5 +1,6 @@
 #include "LaunchKit/InstanceLauncher.h"
 
+#include "LaunchKit/InstanceConfig.h"
 #include "Platform/files/FileSystem.h"
 #include "Platform/files/PlatformError.h"
 #include "tests/support/AppBundles.h"
@@ -19,7 +20,7 @@ using ::testing::Not;
 using LaunchError = InstanceLauncher::LaunchError;
 namespace fs = std::filesystem;
 
-class Launching : public ::testing::Test {
+class InstanceLauncherTest : public ::testing::Test {
 protected:
     [[nodiscard]] fs::path at(std::string_view name) const { return folder_ / name; }
     [[nodiscard]] fs::path cloneHome() const { return home_ / "I"; }
@@ -60,29 +61,29 @@ protected:
     TemporaryHome home_;
 };
 
-TEST_F(Launching, AnAppRunsWithItsArgumentsAndNothingAdded) {
+TEST_F(InstanceLauncherTest, AnAppRunsWithItsArgumentsAndNothingAdded) {
     EXPECT_EQ(run(appConfig({"arguments", "a b", "{{instanceHome}}/d", ""})), 0);
     EXPECT_EQ(log(), "3\na b\n" + cloneHome().string() + "/d\n\n");
 }
 
-TEST_F(Launching, DocumentsFollowTheArgumentsAsTheyAre) {
+TEST_F(InstanceLauncherTest, DocumentsFollowTheArgumentsAsTheyAre) {
     EXPECT_EQ(run(appConfig({"arguments", "a"}), {"/doc {{instanceHome}}", "~/x"}), 0);
     EXPECT_EQ(log(), "3\na\n/doc {{instanceHome}}\n~/x\n");
 }
 
-TEST_F(Launching, AnAppFindsTheCloneHomeAsItsHome) {
+TEST_F(InstanceLauncherTest, AnAppFindsTheCloneHomeAsItsHome) {
     EXPECT_EQ(run(appConfig({"environment"})), 0);
     EXPECT_THAT(log(), HasSubstr("\nHOME=" + cloneHome().string() + "\n"));
     EXPECT_THAT(log(), HasSubstr("CFFIXED_USER_HOME=" + cloneHome().string() + "\n"));
 }
 
-TEST_F(Launching, AnAppGetsOurEnvironmentBesides) {
+TEST_F(InstanceLauncherTest, AnAppGetsOurEnvironmentBesides) {
     const ScopedEnvironment variable("QUORVEL_TEST_VARIABLE", "ours");
     EXPECT_EQ(run(appConfig({"environment"})), 0);
     EXPECT_THAT(log(), HasSubstr("QUORVEL_TEST_VARIABLE=ours\n"));
 }
 
-TEST_F(Launching, TheThreeStrategiesLaunchAlike) {
+TEST_F(InstanceLauncherTest, TheThreeStrategiesLaunchTheSameWay) {
     for (const Strategy strategy :
          {Strategy::homeOverride, Strategy::containerRedirect, Strategy::wrapperIdentity}) {
         InstanceConfig config = appConfig({"environment"});
@@ -93,7 +94,7 @@ TEST_F(Launching, TheThreeStrategiesLaunchAlike) {
     }
 }
 
-TEST_F(Launching, PlaceholdersAreExpandedInValuesAndNotInKeys) {
+TEST_F(InstanceLauncherTest, PlaceholdersAreExpandedInValuesAndNotInKeys) {
     InstanceConfig config = appConfig({"environment"});
     config.environment = {{"CACHE", "{{instanceHome}}/cache"}, {"K{{instanceHome}}", "v"}};
     EXPECT_EQ(run(config), 0);
@@ -101,7 +102,7 @@ TEST_F(Launching, PlaceholdersAreExpandedInValuesAndNotInKeys) {
     EXPECT_THAT(log(), HasSubstr("K{{instanceHome}}=v\n"));
 }
 
-TEST_F(Launching, ConfiguredVariablesWin) {
+TEST_F(InstanceLauncherTest, ConfiguredVariablesWin) {
     const ScopedEnvironment variable("QUORVEL_TEST_VARIABLE", "ours");
     InstanceConfig config = appConfig({"environment"});
     config.environment = {
@@ -113,21 +114,21 @@ TEST_F(Launching, ConfiguredVariablesWin) {
     EXPECT_THAT(log(), Not(HasSubstr("ours")));
 }
 
-TEST_F(Launching, OutputAndErrorsOfEveryRunAreCollectedInTheLog) {
+TEST_F(InstanceLauncherTest, OutputAndErrorsOfEveryRunAreCollectedInTheLog) {
     write(cloneHome() / "quorvel-instance.log", "earlier\n");
     EXPECT_EQ(run(appConfig({"print", "said", "complain", "complained"})), 0);
     EXPECT_EQ(run(appConfig({"print", "again"})), 0);
     EXPECT_EQ(log(), "earlier\nsaid\ncomplained\nagain\n");
 }
 
-TEST_F(Launching, ALogThatCantBeOpenedHoldsUpNobody) {
+TEST_F(InstanceLauncherTest, ALogThatCantBeOpenedHoldsUpNobody) {
     fs::create_directories(cloneHome());
     ::mkfifo((cloneHome() / "quorvel-instance.log").c_str(), 0600);
     EXPECT_FALSE(InstanceLauncher::instanceLogHandle(cloneHome()));
     EXPECT_EQ(run(appConfig({"exit", "4"})), 4);
 }
 
-TEST_F(Launching, SharedFoldersAreLinkedBeforeTheAppRunsWhenAsked) {
+TEST_F(InstanceLauncherTest, SharedFoldersAreLinkedBeforeTheAppRunsWhenAsked) {
     fs::create_directory(home_ / "Downloads");
     InstanceConfig config = appConfig({"write", "~/Downloads/file", "x"});
     EXPECT_EQ(run(config), 0);
@@ -138,7 +139,7 @@ TEST_F(Launching, SharedFoldersAreLinkedBeforeTheAppRunsWhenAsked) {
     EXPECT_FALSE(itemOrLinkExists(home_ / "J/Downloads"));
 }
 
-TEST_F(Launching, SharedFoldersAreLinkedEvenForATargetThatIsNoBundle) {
+TEST_F(InstanceLauncherTest, SharedFoldersAreLinkedEvenForATargetThatIsNotABundle) {
     fs::create_directory(home_ / "Downloads");
     InstanceConfig config = appConfig({});
     config.targetAppPath = "/no/such.app";
@@ -146,7 +147,7 @@ TEST_F(Launching, SharedFoldersAreLinkedEvenForATargetThatIsNoBundle) {
     EXPECT_EQ(fs::read_symlink(cloneHome() / "Downloads"), home_ / "Downloads");
 }
 
-TEST_F(Launching, TheKeychainsAreLinkedIntoTheInstanceHomeWhateverHomeIsConfigured) {
+TEST_F(InstanceLauncherTest, TheKeychainsAreLinkedIntoAnyConfiguredHome) {
     fs::create_directories(home_ / "Library/Keychains");
     InstanceConfig config = appConfig({"environment"});
     config.environment = {{"HOME", at("elsewhere").string()}};
@@ -156,7 +157,7 @@ TEST_F(Launching, TheKeychainsAreLinkedIntoTheInstanceHomeWhateverHomeIsConfigur
     EXPECT_FALSE(fs::exists(at("elsewhere")));
 }
 
-TEST_F(Launching, AProfilesFolderIsThereBeforeTheAppRuns) {
+TEST_F(InstanceLauncherTest, AProfilesFolderIsThereBeforeTheAppRuns) {
     for (const char* option : {"-profile", "--profile"}) {
         const InstanceConfig config = appConfig({"write", "~/Profile/deep/file", "x", option,
                                                  "{{instanceHome}}/Profile/deep", "-no-remote"});
@@ -166,7 +167,7 @@ TEST_F(Launching, AProfilesFolderIsThereBeforeTheAppRuns) {
     }
 }
 
-TEST_F(Launching, AProfilesFolderElsewhereIsNotMade) {
+TEST_F(InstanceLauncherTest, AProfilesFolderElsewhereIsNotMade) {
     fs::create_directory(at("outside"));
     fs::create_directories(cloneHome());
     fs::create_directory_symlink(at("outside"), cloneHome() / "link");
@@ -179,7 +180,7 @@ TEST_F(Launching, AProfilesFolderElsewhereIsNotMade) {
     EXPECT_FALSE(fs::exists(cloneHome() / "d"));
 }
 
-TEST_F(Launching, TheKeychainsAreLinkedWhenTheUserHasSome) {
+TEST_F(InstanceLauncherTest, TheKeychainsAreLinkedWhenTheUserHasSome) {
     EXPECT_EQ(run(appConfig({})), 0);
     EXPECT_FALSE(itemOrLinkExists(cloneHome() / "Library"));
     fs::create_directories(home_ / "Library/Keychains");
@@ -187,14 +188,14 @@ TEST_F(Launching, TheKeychainsAreLinkedWhenTheUserHasSome) {
     EXPECT_EQ(fs::read_symlink(cloneHome() / "Library/Keychains"), home_ / "Library/Keychains");
 }
 
-TEST_F(Launching, KeychainsOfTheClonesOwnStay) {
+TEST_F(InstanceLauncherTest, KeychainsOfTheClonesOwnStay) {
     fs::create_directories(home_ / "Library/Keychains");
     write(cloneHome() / "Library/Keychains/own", "x");
     InstanceLauncher::ensureKeychainAccess(cloneHome());
     EXPECT_EQ(read(cloneHome() / "Library/Keychains/own"), "x");
 }
 
-TEST_F(Launching, AnUnsupportedAppIsRefusedAfterItsHomeAndLogWereMade) {
+TEST_F(InstanceLauncherTest, AnUnsupportedAppIsRefusedAfterItsHomeAndLogWereMade) {
     InstanceConfig config = appConfig({"write", at("started"), "x"});
     config.strategy = Strategy::unsupported;
     fs::create_directories(home_ / "Library/Keychains");
@@ -205,7 +206,7 @@ TEST_F(Launching, AnUnsupportedAppIsRefusedAfterItsHomeAndLogWereMade) {
     EXPECT_FALSE(itemOrLinkExists(cloneHome() / "Library"));
 }
 
-TEST_F(Launching, ATargetThatIsNoBundleIsRefused) {
+TEST_F(InstanceLauncherTest, ATargetThatIsNotABundleIsRefused) {
     InstanceConfig config = appConfig({});
     config.targetAppPath = "/no/such.app";
     EXPECT_EQ(errorOf(config), "Not a readable .app bundle: /no/such.app");
@@ -218,14 +219,14 @@ TEST_F(Launching, ATargetThatIsNoBundleIsRefused) {
     }
 }
 
-TEST_F(Launching, ATargetsTildeIsNotExpanded) {
+TEST_F(InstanceLauncherTest, ATargetsTildeIsNotExpanded) {
     InstanceConfig config = appConfig({});
     makeAppBundle(home_ / "Thing.app");
     config.targetAppPath = "~/Thing.app";
     EXPECT_EQ(errorOf(config), "Not a readable .app bundle: ~/Thing.app");
 }
 
-TEST_F(Launching, AnAppsHomeThatCantBeMadeIsAnError) {
+TEST_F(InstanceLauncherTest, AnAppsHomeThatCantBeMadeIsAnError) {
     write(home_ / "file", "");
     for (const std::string& bad : {"~/file"s, "~/file/below"s, ""s, "~/x\0y"s}) {
         InstanceConfig config = appConfig({});
@@ -235,7 +236,7 @@ TEST_F(Launching, AnAppsHomeThatCantBeMadeIsAnError) {
     }
 }
 
-TEST_F(Launching, AnAppThatCantBeStartedIsAnError) {
+TEST_F(InstanceLauncherTest, AnAppThatCantBeStartedIsAnError) {
     const InstanceConfig config = appConfig({});
     fs::remove(at("Thing.app/Contents/MacOS/Thing"));
     EXPECT_THROW(run(config), PlatformError);
@@ -243,24 +244,24 @@ TEST_F(Launching, AnAppThatCantBeStartedIsAnError) {
     EXPECT_THROW(run(config), PlatformError);
 }
 
-TEST_F(Launching, AnAppCanBeLaunchedByItsLocation) {
+TEST_F(InstanceLauncherTest, AnAppCanBeLaunchedByItsLocation) {
     const fs::path bundle = makeAppBundle(at("Thing.app"));
-    Process process = InstanceLauncher().launch(bundle, cloneHome(), Strategy::homeOverride,
-                                                {"environment"}, {{"A", "{{instanceHome}}"}});
+    CloneOptions options;
+    options.environment = {{"A", "{{instanceHome}}"}};
+    Process process = InstanceLauncher().launch(bundle, cloneHome(), options, {"environment"});
     EXPECT_EQ(process.waitUntilExit(), 0);
     EXPECT_THAT(log(), HasSubstr("A={{instanceHome}}\n")) << "the values are ready here";
-    EXPECT_THROW((void)InstanceLauncher().launch(fs::path("/none.app"), cloneHome(),
-                                                 Strategy::homeOverride, {}, {}),
+    EXPECT_THROW((void)InstanceLauncher().launch(fs::path("/none.app"), cloneHome(), {}, {}),
                  LaunchError);
 }
 
-TEST_F(Launching, AWebShortcutIsNotLaunchedHere) {
+TEST_F(InstanceLauncherTest, AWebShortcutIsNotLaunchedHere) {
     InstanceConfig config = minimalConfig();
     config.kind = ShortcutKind::web;
     EXPECT_EQ(errorOf(config), "App not clonable: web shortcuts run in the runner's web host");
 }
 
-TEST_F(Launching, AFileShortcutNeedsAPath) {
+TEST_F(InstanceLauncherTest, AFileShortcutNeedsAPath) {
     InstanceConfig config = minimalConfig();
     config.kind = ShortcutKind::file;
     EXPECT_EQ(errorOf(config), "App not clonable: file shortcut has no target path");
@@ -268,7 +269,7 @@ TEST_F(Launching, AFileShortcutNeedsAPath) {
     EXPECT_EQ(errorOf(config), "App not clonable: file shortcut has no target path");
 }
 
-TEST_F(Launching, ACommandShortcutNeedsAnExecutable) {
+TEST_F(InstanceLauncherTest, ACommandShortcutNeedsAnExecutable) {
     InstanceConfig config = commandConfig({});
     config.commandPath = "";
     EXPECT_EQ(errorOf(config), "App not clonable: command shortcut has no executable");
@@ -277,12 +278,12 @@ TEST_F(Launching, ACommandShortcutNeedsAnExecutable) {
     EXPECT_FALSE(fs::exists(cloneHome()));
 }
 
-TEST_F(Launching, ACommandRunsWithItsArgumentsAndItsLog) {
+TEST_F(InstanceLauncherTest, ACommandRunsWithItsArgumentsAndItsLog) {
     EXPECT_EQ(run(commandConfig({"print", "{{instanceHome}}", "exit", "9"})), 9);
     EXPECT_EQ(log(), cloneHome().string() + "\n");
 }
 
-TEST_F(Launching, ACommandKeepsTheUsersHome) {
+TEST_F(InstanceLauncherTest, ACommandKeepsTheUsersHome) {
     const ScopedEnvironment variable("HOME", "/users/own");
     InstanceConfig config = commandConfig({"environment"});
     config.environment = {{"A", "{{instanceHome}}"}};
@@ -292,7 +293,7 @@ TEST_F(Launching, ACommandKeepsTheUsersHome) {
     EXPECT_THAT(log(), HasSubstr("A=" + cloneHome().string() + "\n"));
 }
 
-TEST_F(Launching, ACommandsConfiguredVariablesWin) {
+TEST_F(InstanceLauncherTest, ACommandsConfiguredVariablesWin) {
     const ScopedEnvironment variable("QUORVEL_TEST_VARIABLE", "ours");
     const ScopedEnvironment other("QUORVEL_OTHER_VARIABLE", "ours too");
     InstanceConfig config = commandConfig({"environment"});
@@ -304,12 +305,12 @@ TEST_F(Launching, ACommandsConfiguredVariablesWin) {
     EXPECT_THAT(log(), Not(HasSubstr("=ours\n")));
 }
 
-TEST_F(Launching, ACommandTakesNoDocuments) {
+TEST_F(InstanceLauncherTest, ACommandTakesNoDocuments) {
     EXPECT_EQ(run(commandConfig({"arguments"}), {"/doc"}), 0);
     EXPECT_EQ(log(), "0\n");
 }
 
-TEST_F(Launching, ACommandsPathsTildeIsExpanded) {
+TEST_F(InstanceLauncherTest, ACommandsPathsTildeIsExpanded) {
     InstanceConfig config = commandConfig({"directory"});
     fs::copy_file(helperProgram(), home_ / "tool");
     fs::create_directory(home_ / "folder");
@@ -319,14 +320,14 @@ TEST_F(Launching, ACommandsPathsTildeIsExpanded) {
     EXPECT_EQ(log(), (home_ / "folder").string() + "\n");
 }
 
-TEST_F(Launching, ACommandWithAnEmptyFolderRunsInOurs) {
+TEST_F(InstanceLauncherTest, ACommandWithAnEmptyFolderRunsInOurs) {
     InstanceConfig config = commandConfig({"directory"});
     config.workingDirectory = "";
     EXPECT_EQ(run(config), 0);
     EXPECT_EQ(log(), fs::current_path().string() + "\n");
 }
 
-TEST_F(Launching, ACommandWhoseHomeCantBeMadeStillStarts) {
+TEST_F(InstanceLauncherTest, ACommandWhoseHomeCantBeMadeStillStarts) {
     write(home_ / "I", "a file");
     EXPECT_EQ(run(commandConfig({"exit", "5"})), 5);
     InstanceConfig config = commandConfig({"exit", "6"});
@@ -334,7 +335,7 @@ TEST_F(Launching, ACommandWhoseHomeCantBeMadeStillStarts) {
     EXPECT_EQ(run(config), 6);
 }
 
-TEST_F(Launching, ACommandThatCantBeStartedIsAnError) {
+TEST_F(InstanceLauncherTest, ACommandThatCantBeStartedIsAnError) {
     InstanceConfig config = commandConfig({});
     config.commandPath = "/no/such/command";
     EXPECT_THROW(run(config), PlatformError);
@@ -343,7 +344,7 @@ TEST_F(Launching, ACommandThatCantBeStartedIsAnError) {
     EXPECT_THROW(run(config), PlatformError);
 }
 
-TEST_F(Launching, AFileShortcutOpensExactlyTheExpandedPath) {
+TEST_F(InstanceLauncherTest, AFileShortcutOpensExactlyTheExpandedPath) {
     if (!fs::exists("/usr/bin/xdg-open") ||
         fs::canonical("/usr/bin/open") != fs::canonical("/usr/bin/xdg-open")) {
         GTEST_SKIP() << "/usr/bin/open is not the desktop's";

@@ -1,9 +1,11 @@
 #include "LaunchKit/InstanceRegistry.h"
 
+#include "LaunchKit/InstanceConfig.h"
+#include "LaunchKit/InstanceRecord.h"
 #include "Platform/files/PlatformError.h"
 #include "tests/support/AppBundles.h"
-#include "tests/support/OrdinaryUser.h"
 #include "tests/support/TemporaryHome.h"
+#include "tests/support/UnprivilegedUser.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -17,7 +19,7 @@ using namespace std::string_literals;
 using ::testing::ElementsAre;
 namespace fs = std::filesystem;
 
-class Registry : public ::testing::Test {
+class InstanceRegistryTest : public ::testing::Test {
 protected:
     [[nodiscard]] fs::path at(std::string_view name) const { return folder_ / name; }
 
@@ -36,9 +38,9 @@ protected:
     TemporaryFolder folder_;
 };
 
-TEST_F(Registry, LooksInTheUsersApplicationsUnlessTold) {
+TEST_F(InstanceRegistryTest, LooksInTheUsersApplicationsUnlessTold) {
     const TemporaryHome home;
-    EXPECT_THAT(InstanceRegistry().searchDirs, ElementsAre(home / "Applications"));
+    EXPECT_THAT(InstanceRegistry().searchDirs(), ElementsAre(home / "Applications"));
     EXPECT_TRUE(InstanceRegistry().list().empty()) << "the folder is not even there";
     fs::create_directory(home / "Applications");
     EXPECT_TRUE(InstanceRegistry().list().empty());
@@ -46,13 +48,13 @@ TEST_F(Registry, LooksInTheUsersApplicationsUnlessTold) {
     EXPECT_EQ(InstanceRegistry().list().size(), 1U);
 }
 
-TEST_F(Registry, AnEmptyListOfFoldersStaysEmpty) {
+TEST_F(InstanceRegistryTest, AnEmptyListOfFoldersStaysEmpty) {
     const InstanceRegistry registry(std::vector<fs::path>{});
-    EXPECT_TRUE(registry.searchDirs.empty());
+    EXPECT_TRUE(registry.searchDirs().empty());
     EXPECT_TRUE(registry.list().empty());
 }
 
-TEST_F(Registry, ListsOnlyClones) {
+TEST_F(InstanceRegistryTest, ListsOnlyClones) {
     wrapper("Work.app", "Work");
     makeAppBundle(at("Mail.app"));
     write(at("Notes.txt"), "text");
@@ -64,7 +66,7 @@ TEST_F(Registry, ListsOnlyClones) {
     EXPECT_EQ(records[0].config.displayName, "Work");
 }
 
-TEST_F(Registry, TheExtensionCountsCaseForCase) {
+TEST_F(InstanceRegistryTest, TheExtensionCountsCaseForCase) {
     wrapper("Foo.APP", "upper");
     wrapper("Foo.app.bak", "backup");
     wrapper("Foo", "bare");
@@ -75,12 +77,12 @@ TEST_F(Registry, TheExtensionCountsCaseForCase) {
     EXPECT_THAT(names(), ElementsAre("bytes", "dots", "hidden", "line"));
 }
 
-TEST_F(Registry, DoesNotLookDeeper) {
+TEST_F(InstanceRegistryTest, DoesNotLookDeeper) {
     wrapper("folder/Work.app", "Work");
     EXPECT_TRUE(names().empty());
 }
 
-TEST_F(Registry, SortsByNameUpperAndLowerCaseAlike) {
+TEST_F(InstanceRegistryTest, SortsByNameIgnoringCase) {
     wrapper("1.app", "beta");
     wrapper("2.app", "Alpha");
     wrapper("3.app", "alpha");
@@ -94,7 +96,7 @@ TEST_F(Registry, SortsByNameUpperAndLowerCaseAlike) {
                 ElementsAre("beta", "Émile", "Zed"));
 }
 
-TEST_F(Registry, EqualNamesStayInTheOrderInWhichTheyWereFound) {
+TEST_F(InstanceRegistryTest, EqualNamesStayInTheOrderInWhichTheyWereFound) {
     for (const char* folder : {"c", "a", "b"}) {
         makeWrapper(at(folder) / "Same.app", minimalConfig(folder == "a"s ? "SAME" : "same"));
     }
@@ -105,12 +107,12 @@ TEST_F(Registry, EqualNamesStayInTheOrderInWhichTheyWereFound) {
     EXPECT_EQ(records[2].bundleURL, at("b/Same.app"));
 }
 
-TEST_F(Registry, AWrapperReachedTwiceIsListedTwice) {
+TEST_F(InstanceRegistryTest, AWrapperReachedTwiceIsListedTwice) {
     wrapper("Work.app", "Work");
     EXPECT_EQ(InstanceRegistry({folder_.path(), folder_.path()}).list().size(), 2U);
 }
 
-TEST_F(Registry, FoldersThatCantBeReadAreLeftOut) {
+TEST_F(InstanceRegistryTest, FoldersThatCantBeReadAreLeftOut) {
     wrapper("Work.app", "Work");
     write(at("file"), "");
     ::mkfifo(at("fifo").c_str(), 0600);
@@ -118,7 +120,7 @@ TEST_F(Registry, FoldersThatCantBeReadAreLeftOut) {
     EXPECT_EQ(registry.list().size(), 1U);
 }
 
-TEST_F(Registry, DamagedWrappersAreNoClones) {
+TEST_F(InstanceRegistryTest, DamagedWrappersAreNotListed) {
     const auto damaged = [&](const std::string& name) {
         const fs::path file = at(name) / "Contents/Resources/instance.json";
         fs::create_directories(file.parent_path());
@@ -136,7 +138,7 @@ TEST_F(Registry, DamagedWrappersAreNoClones) {
     EXPECT_THAT(names(), ElementsAre("Work"));
 }
 
-TEST_F(Registry, ARecordIsReadWhereverItLies) {
+TEST_F(InstanceRegistryTest, ARecordIsReadWhereverItLies) {
     wrapper("Odd.folder", "Odd");
     const auto record = InstanceRegistry().record(at("Odd.folder"));
     ASSERT_TRUE(record);
@@ -144,7 +146,7 @@ TEST_F(Registry, ARecordIsReadWhereverItLies) {
     EXPECT_FALSE(InstanceRegistry().record(at("none.app")));
 }
 
-TEST_F(Registry, ARecordsIdentityIsItsBundle) {
+TEST_F(InstanceRegistryTest, ARecordsIdentityIsItsBundle) {
     const InstanceRecord one{"/A/Work.app", minimalConfig("one")};
     const InstanceRecord other{"/A/Work.app", minimalConfig("other")};
     EXPECT_EQ(one, other);
@@ -152,7 +154,7 @@ TEST_F(Registry, ARecordsIdentityIsItsBundle) {
     EXPECT_NE(one, (InstanceRecord{"/B/Work.app", one.config}));
 }
 
-TEST_F(Registry, ARecordsHashTellsBundlesApart) {
+TEST_F(InstanceRegistryTest, RecordsOfDifferentBundlesHashDifferently) {
     const std::hash<InstanceRecord> hash;
     const InstanceConfig config = minimalConfig();
     EXPECT_EQ(hash({"/A/Work.app", config}), fs::hash_value("/A/Work.app"));
@@ -160,14 +162,14 @@ TEST_F(Registry, ARecordsHashTellsBundlesApart) {
     EXPECT_NE(hash({"/A/Work.app", config}), hash({"/A/Play.app", config}));
 }
 
-TEST_F(Registry, ARecordHasAnIconWhenThereIsOne) {
+TEST_F(InstanceRegistryTest, ARecordHasAnIconWhenThereIsOne) {
     const InstanceRecord record{wrapper("Work.app", "Work"), minimalConfig()};
     EXPECT_EQ(record.iconURL(), std::nullopt);
     write(at("Work.app/Contents/Resources/AppIcon.icns"), "icon");
     EXPECT_EQ(record.iconURL(), at("Work.app/Contents/Resources/AppIcon.icns"));
 }
 
-TEST_F(Registry, UpdatingRewritesTheConfigurationAlone) {
+TEST_F(InstanceRegistryTest, UpdatingRewritesTheConfigurationAlone) {
     const fs::path bundle = wrapper("Work.app", "Work");
     write(bundle / "Contents/Info.plist", "untouched");
     const InstanceRegistry registry({folder_.path()});
@@ -181,13 +183,13 @@ TEST_F(Registry, UpdatingRewritesTheConfigurationAlone) {
     EXPECT_THAT(names(), ElementsAre("Play"));
 }
 
-TEST_F(Registry, UpdatingAWrapperThatIsGoneMakesNothing) {
+TEST_F(InstanceRegistryTest, UpdatingAWrapperThatIsGoneMakesNothing) {
     const InstanceRecord record{at("Gone.app"), minimalConfig()};
     InstanceRegistry().update(record, [](InstanceConfig& config) { config.url = "x"; });
     EXPECT_FALSE(fs::exists(at("Gone.app")));
 }
 
-TEST_F(Registry, UpdatingToTextThatCantBeWrittenChangesNothing) {
+TEST_F(InstanceRegistryTest, UpdatingToTextThatCantBeWrittenChangesNothing) {
     const fs::path bundle = wrapper("Work.app", "Work");
     const std::string before = read(bundle / "Contents/Resources/instance.json");
     InstanceRegistry().update({bundle, minimalConfig()},
@@ -195,14 +197,14 @@ TEST_F(Registry, UpdatingToTextThatCantBeWrittenChangesNothing) {
     EXPECT_EQ(read(bundle / "Contents/Resources/instance.json"), before);
 }
 
-TEST_F(Registry, UpdatingAFifoHoldsUpNobody) {
+TEST_F(InstanceRegistryTest, UpdatingAFifoHoldsUpNobody) {
     const fs::path bundle = wrapper("Work.app", "Work");
     fs::remove(bundle / "Contents/Resources/instance.json");
     ::mkfifo((bundle / "Contents/Resources/instance.json").c_str(), 0600);
     InstanceRegistry().update({bundle, minimalConfig()}, [](InstanceConfig&) {});
 }
 
-TEST_F(Registry, SharingKeepsWhatAnotherProgramChangedMeanwhile) {
+TEST_F(InstanceRegistryTest, SharingKeepsWhatAnotherProgramChangedMeanwhile) {
     InstanceConfig config = minimalConfig();
     config.shareUserFolders = false;
     const InstanceRecord listed{makeWrapper(at("Work.app"), config), config};
@@ -216,19 +218,19 @@ TEST_F(Registry, SharingKeepsWhatAnotherProgramChangedMeanwhile) {
     registry.shareUserFolders(listed);
 }
 
-TEST_F(Registry, SharingFailsForACloneThatIsGoneOrCantBeChanged) {
+TEST_F(InstanceRegistryTest, SharingFailsForACloneThatIsGoneOrCantBeChanged) {
     InstanceConfig config = minimalConfig();
     config.shareUserFolders = false;
     const InstanceRecord gone{at("Work.app"), config};
     EXPECT_THROW(InstanceRegistry().shareUserFolders(gone), std::runtime_error);
     EXPECT_FALSE(fs::exists(gone.bundleURL));
-    EXPECT_TRUE(asOrdinaryUser(folder_.path(), [&] {
+    EXPECT_TRUE(asUnprivilegedUser(folder_.path(), [&] {
         makeWrapper(gone.bundleURL, config);
-        fs::permissions(instanceConfigFile(gone.bundleURL), fs::perms{0444});
+        fs::permissions(gone.bundleURL / "Contents/Resources/instance.json", fs::perms{0444});
         try {
             InstanceRegistry().shareUserFolders(gone);
         } catch (const std::runtime_error& error) {
-            return std::string_view(error.what()).ends_with("does not share the folders yet.");
+            return std::string_view(error.what()).ends_with("folder sharing is still off.");
         }
         return false;
     }));

@@ -1,7 +1,8 @@
 #include "LaunchKit/RequestCheck.h"
+#include "LaunchKit/InstanceConfig.h"
 #include "tests/support/AppBundles.h"
-#include "tests/support/OrdinaryUser.h"
 #include "tests/support/TemporaryHome.h"
+#include "tests/support/UnprivilegedUser.h"
 
 #include <gmock/gmock.h>
 
@@ -12,7 +13,7 @@ using namespace testing;
 using ::testing::HasSubstr;
 namespace fs = std::filesystem;
 
-class RequestCheck : public ::testing::Test {
+class RequestCheckTest : public ::testing::Test {
 protected:
     static WrapperFactory::Request request(const std::string& name = "Work") {
         WrapperFactory::Request request;
@@ -35,15 +36,15 @@ protected:
     fs::path place = home / "Applications/Work.app";
 };
 
-TEST_F(RequestCheck, PassesWhereNothingIsYet) {
+TEST_F(RequestCheckTest, PassesWhereNothingIsYet) {
     EXPECT_EQ(refusal(request()), "");
 }
 
-TEST_F(RequestCheck, LeavesAnEmptyNameToTheFactory) {
+TEST_F(RequestCheckTest, LeavesAnEmptyNameToTheFactory) {
     EXPECT_EQ(refusal(request(" \n")), "");
 }
 
-TEST_F(RequestCheck, RefusesNamesThatLeadElsewhere) {
+TEST_F(RequestCheckTest, RefusesNamesThatLeadElsewhere) {
     for (const char* name : {"a/b", ".", "..", " ../x"}) {
         EXPECT_THAT(refusal(request(name)), HasSubstr("can’t be used")) << name;
     }
@@ -51,14 +52,14 @@ TEST_F(RequestCheck, RefusesNamesThatLeadElsewhere) {
     EXPECT_THAT(refusal(request("\xff")), HasSubstr("not UTF-8"));
 }
 
-TEST_F(RequestCheck, NamesTheFirstFaultOfAName) {
+TEST_F(RequestCheckTest, NamesTheFirstFaultOfAName) {
     EXPECT_EQ(refusal(request(" a/\xff\x07 ")), "The name “a/\xff\x07” is not UTF-8 text.");
     EXPECT_EQ(refusal(request(" a/\x07 ")),
               "The name “a/\x07” can’t be used: it must not hold “/” and not be “.” or “..”.");
     EXPECT_EQ(refusal(request(" \x07 ")), "The name “\x07” holds control characters.");
 }
 
-TEST_F(RequestCheck, TellsControlCharactersFromOtherOnes) {
+TEST_F(RequestCheckTest, TellsControlCharactersFromOtherOnes) {
     for (const char* name : {"a\x01"
                              "b",
                              "a\x1F"
@@ -74,12 +75,12 @@ TEST_F(RequestCheck, TellsControlCharactersFromOtherOnes) {
     }
 }
 
-TEST_F(RequestCheck, LetsACloneBeMadeAgain) {
+TEST_F(RequestCheckTest, LetsACloneBeMadeAgain) {
     makeWrapper(place, minimalConfig());
     EXPECT_EQ(refusal(request()), "");
 }
 
-TEST_F(RequestCheck, RefusesToReplaceAnApplicationAFileOrALink) {
+TEST_F(RequestCheckTest, RefusesToReplaceAnApplicationAFileOrALink) {
     const std::string text =
         place.string() + " is not a clone; choose another name or folder for the new one.";
     makeAppBundle(place);
@@ -92,13 +93,13 @@ TEST_F(RequestCheck, RefusesToReplaceAnApplicationAFileOrALink) {
     EXPECT_EQ(refusal(request()), text);
 }
 
-TEST_F(RequestCheck, RefusesToReplaceABundleWhoseConfigurationCantBeRead) {
+TEST_F(RequestCheckTest, RefusesToReplaceABundleWhoseConfigurationCantBeRead) {
     makeAppBundle(place);
     write(place / "Contents/Resources/instance.json", "{");
     EXPECT_THAT(refusal(request()), HasSubstr("not a clone"));
 }
 
-TEST_F(RequestCheck, LetsWhatAGenerationLeftUnfinishedBeReplaced) {
+TEST_F(RequestCheckTest, LetsWhatAGenerationLeftUnfinishedBeReplaced) {
     for (const char* last : {"", "Contents", "Contents/MacOS", "Contents/Resources"}) {
         fs::create_directories(place / last);
         EXPECT_EQ(refusal(request()), "") << last;
@@ -111,7 +112,7 @@ TEST_F(RequestCheck, LetsWhatAGenerationLeftUnfinishedBeReplaced) {
     EXPECT_THAT(refusal(request()), HasSubstr("not a clone"));
 }
 
-TEST_F(RequestCheck, RefusesToReplaceWhatOnlyHasTheNamesOfAnUnfinishedWrapper) {
+TEST_F(RequestCheckTest, RefusesToReplaceWhatOnlyHasTheNamesOfAnUnfinishedWrapper) {
     write(place / "Contents/Resources/AppIcon.icns", "somebody's own");
     EXPECT_THAT(refusal(request()), HasSubstr("not a clone"));
     fs::remove_all(place);
@@ -119,7 +120,7 @@ TEST_F(RequestCheck, RefusesToReplaceWhatOnlyHasTheNamesOfAnUnfinishedWrapper) {
     EXPECT_THAT(refusal(request()), HasSubstr("not a clone"));
 }
 
-TEST_F(RequestCheck, RefusesToReplaceAnUnfinishedWrapperWithAnythingElseInIt) {
+TEST_F(RequestCheckTest, RefusesToReplaceAnUnfinishedWrapperWithAnythingElseInIt) {
     for (const char* folder : {"", "Contents", "Contents/MacOS", "Contents/Resources"}) {
         write(place / "Contents/MacOS/runner", "half");
         write(place / "Contents/Resources/instance.json", "half");
@@ -130,7 +131,7 @@ TEST_F(RequestCheck, RefusesToReplaceAnUnfinishedWrapperWithAnythingElseInIt) {
     }
 }
 
-TEST_F(RequestCheck, RefusesToReplaceAnUnfinishedWrapperWhoseFilesAreNone) {
+TEST_F(RequestCheckTest, RefusesToReplaceAnUnfinishedWrapperWhoseFilesAreNone) {
     for (const char* file : {"MacOS/runner", "Resources/instance.json", "Resources/AppIcon.icns"}) {
         write(place / "Contents/MacOS/runner", "half");
         fs::remove(place / "Contents" / file);
@@ -143,11 +144,11 @@ TEST_F(RequestCheck, RefusesToReplaceAnUnfinishedWrapperWhoseFilesAreNone) {
     }
 }
 
-TEST_F(RequestCheck, RefusesToReplaceAFolderThatItCantLookInto) {
+TEST_F(RequestCheckTest, RefusesToReplaceAFolderThatItCantLookInto) {
     const TemporaryFolder folder;
     WrapperFactory::Request elsewhere = request();
     elsewhere.outputDir = folder.path();
-    EXPECT_TRUE(asOrdinaryUser(folder.path(), [&] {
+    EXPECT_TRUE(asUnprivilegedUser(folder.path(), [&] {
         const fs::path contents = folder / "Work.app/Contents";
         fs::create_directories(contents);
         const bool passes = refusal(elsewhere).empty();
@@ -158,14 +159,14 @@ TEST_F(RequestCheck, RefusesToReplaceAFolderThatItCantLookInto) {
     }));
 }
 
-TEST_F(RequestCheck, FollowsNoLinkOfAnUnfinishedWrapper) {
+TEST_F(RequestCheckTest, FollowsNoLinkOfAnUnfinishedWrapper) {
     fs::create_directories(place);
     fs::create_directories(home / "Elsewhere");
     fs::create_symlink(home / "Elsewhere", place / "Contents");
     EXPECT_THAT(refusal(request()), HasSubstr("not a clone"));
 }
 
-TEST_F(RequestCheck, RefusesToUsePartsOfTheCloneThatItReplaces) {
+TEST_F(RequestCheckTest, RefusesToUsePartsOfTheCloneThatItReplaces) {
     makeWrapper(place, minimalConfig());
     const fs::path part = place / "Contents/Resources/AppIcon.icns";
     for (const fs::path& used : {part, place, place / "."}) {
@@ -180,7 +181,7 @@ TEST_F(RequestCheck, RefusesToUsePartsOfTheCloneThatItReplaces) {
     }
 }
 
-TEST_F(RequestCheck, KnowsAPartOfTheReplacedCloneBehindALink) {
+TEST_F(RequestCheckTest, KnowsAPartOfTheReplacedCloneBehindALink) {
     makeWrapper(place, minimalConfig());
     fs::create_directory_symlink(place / "Contents", home / "link");
     WrapperFactory::Request withIcon = request();
@@ -188,7 +189,7 @@ TEST_F(RequestCheck, KnowsAPartOfTheReplacedCloneBehindALink) {
     EXPECT_THAT(refusal(withIcon), HasSubstr("belongs to the clone"));
 }
 
-TEST_F(RequestCheck, LetsPartsOfOtherThingsBeUsed) {
+TEST_F(RequestCheckTest, LetsPartsOfOtherThingsBeUsed) {
     makeWrapper(place, minimalConfig());
     const fs::path other = makeWrapper(home / "Applications/Other.app", minimalConfig("Other"));
     WrapperFactory::Request parts = request();
@@ -198,7 +199,7 @@ TEST_F(RequestCheck, LetsPartsOfOtherThingsBeUsed) {
     EXPECT_EQ(refusal(parts, other / "Contents/Resources/instance.json"), "");
 }
 
-TEST_F(RequestCheck, NamesTheThingInTheWayBeforeWhatIsUsedOfIt) {
+TEST_F(RequestCheckTest, NamesTheThingInTheWayBeforeWhatIsUsedOfIt) {
     makeAppBundle(place);
     WrapperFactory::Request withTarget = request();
     withTarget.targetApp = place;

@@ -17,10 +17,10 @@ using namespace testing;
 using ::testing::ElementsAre;
 namespace fs = std::filesystem;
 
-class Runners : public ::testing::Test {
+class RunnerLocatorTest : public ::testing::Test {
 protected:
-    Runners() { fs::current_path(folder_.path()); }
-    ~Runners() override { fs::current_path(before_); }
+    RunnerLocatorTest() { fs::current_path(folder_.path()); }
+    ~RunnerLocatorTest() override { fs::current_path(before_); }
 
     [[nodiscard]] fs::path at(std::string_view name) const { return folder_ / name; }
 
@@ -41,46 +41,46 @@ protected:
     TemporaryFolder folder_;
 };
 
-TEST_F(Runners, AreLookedForInTheApplicationAndThenInTheBuilds) {
+TEST_F(RunnerLocatorTest, AreLookedForInTheApplicationAndThenInTheBuilds) {
     EXPECT_THAT(RunnerLocator::candidates({"/R", "/M"}),
                 ElementsAre("/R/quorvel-runner", "/M/quorvel-runner",
                             at(".build/debug/quorvel-runner"),
                             at(".build/release/quorvel-runner")));
 }
 
-TEST_F(Runners, AFolderThatIsNotKnownAddsNoPlace) {
+TEST_F(RunnerLocatorTest, AnUnknownFolderAddsNoCandidate) {
     EXPECT_THAT(RunnerLocator::candidates({}), ElementsAre(at(".build/debug/quorvel-runner"),
                                                            at(".build/release/quorvel-runner")));
     EXPECT_EQ(RunnerLocator::candidates({std::nullopt, "/M"}).front(), "/M/quorvel-runner");
 }
 
-TEST_F(Runners, TheOneInTheResourcesIsTheFirstChoice) {
+TEST_F(RunnerLocatorTest, TheOneInTheResourcesIsTheFirstChoice) {
     runner(".build/debug");
     runner("Contents/MacOS");
     const fs::path best = runner("Contents/Resources");
     EXPECT_EQ(found(), best);
 }
 
-TEST_F(Runners, OneThatMayNotBeExecutedIsPassedOver) {
+TEST_F(RunnerLocatorTest, OneThatMayNotBeExecutedIsPassedOver) {
     runner("Contents/Resources", false);
     EXPECT_EQ(found(), std::nullopt);
     const fs::path next = runner("Contents/MacOS");
     EXPECT_EQ(found(), next);
 }
 
-TEST_F(Runners, ADebugBuildGoesBeforeARelease) {
+TEST_F(RunnerLocatorTest, ADebugBuildGoesBeforeARelease) {
     const fs::path release = runner(".build/release");
     EXPECT_EQ(found(), release);
     const fs::path debug = runner(".build/debug");
     EXPECT_EQ(found(), debug);
 }
 
-TEST_F(Runners, AFolderOfThatNameIsNone) {
+TEST_F(RunnerLocatorTest, AFolderOfThatNameIsNotChosen) {
     fs::create_directories(at("Contents/Resources/quorvel-runner"));
     EXPECT_EQ(found(), std::nullopt);
 }
 
-TEST_F(Runners, ALinkToOneWillDo) {
+TEST_F(RunnerLocatorTest, ALinkToOneWillDo) {
     const fs::path real = runner("elsewhere");
     fs::create_directories(at("Contents/Resources"));
     fs::create_symlink(real, at("Contents/Resources/quorvel-runner"));
@@ -89,15 +89,15 @@ TEST_F(Runners, ALinkToOneWillDo) {
     EXPECT_EQ(found(), std::nullopt) << "a dangling link will not";
 }
 
-TEST_F(Runners, ACurrentFolderThatIsGoneAddsNoPlace) {
+TEST_F(RunnerLocatorTest, ACurrentFolderThatIsGoneAddsNoPlace) {
     fs::create_directory(at("gone"));
     fs::current_path(at("gone"));
     fs::remove(at("gone"));
     EXPECT_THAT(RunnerLocator::candidates({"/R", {}}), ElementsAre("/R/quorvel-runner"));
 }
 
-TEST_F(Runners, ThisProgramsOwnFolderIsSearched) {
-    const auto folders = ApplicationFolders::ofThisProgram();
+TEST_F(RunnerLocatorTest, ThisProgramsOwnFolderIsSearched) {
+    const auto folders = ApplicationFolders::current();
     ASSERT_TRUE(folders.executables && folders.resources);
     EXPECT_EQ(*folders.executables, mainExecutable().parent_path());
     EXPECT_EQ(*folders.resources, mainExecutable().parent_path().parent_path() / "libexec/quorvel");
@@ -106,9 +106,9 @@ TEST_F(Runners, ThisProgramsOwnFolderIsSearched) {
 // Set for copies of this program, which lie elsewhere.
 constexpr const char* expectedResources = "QUORVEL_TEST_EXPECTED_RESOURCES";
 
-TEST_F(Runners, AProgramInABundleHasItsRunnerAmongTheBundlesResources) {
+TEST_F(RunnerLocatorTest, AProgramInABundleHasItsRunnerAmongTheBundlesResources) {
     if (const char* expected = std::getenv(expectedResources)) {
-        EXPECT_EQ(ApplicationFolders::ofThisProgram().resources, fs::path(expected));
+        EXPECT_EQ(ApplicationFolders::current().resources, fs::path(expected));
         return;
     }
     const std::vector<std::pair<fs::path, fs::path>> places{
@@ -121,7 +121,7 @@ TEST_F(Runners, AProgramInABundleHasItsRunnerAmongTheBundlesResources) {
         Process::Options options;
         options.executable = folder / place / "program";
         fs::copy_file(mainExecutable(), options.executable);
-        options.arguments = {"--gtest_filter=Runners.AProgramInABundle*"};
+        options.arguments = {"--gtest_filter=RunnerLocatorTest.AProgramInABundle*"};
         options.environment = currentEnvironment();
         options.environment->insert_or_assign(expectedResources, (folder / resources).string());
         EXPECT_THAT(Process::capture(options, 1U << 16U),

@@ -1,7 +1,7 @@
 #include "LaunchKit/InstanceLauncher.h"
 
-#include "tests/support/OrdinaryUser.h"
 #include "tests/support/TemporaryHome.h"
+#include "tests/support/UnprivilegedUser.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -15,7 +15,7 @@ using namespace std::string_literals;
 namespace fs = std::filesystem;
 using Counts = std::map<std::string, int>;
 
-class SharedFolders : public ::testing::Test {
+class SharedUserFoldersTest : public ::testing::Test {
 protected:
     [[nodiscard]] fs::path at(std::string_view name) const { return folder_ / name; }
     [[nodiscard]] std::string clone() const { return folder_ / "clone"; }
@@ -44,23 +44,23 @@ protected:
     TemporaryFolder folder_;
 };
 
-TEST_F(SharedFolders, AreDownloadsDocumentsAndDesktop) {
+TEST_F(SharedUserFoldersTest, AreDownloadsDocumentsAndDesktop) {
     EXPECT_THAT(InstanceLauncher::sharedUserFolders,
                 ::testing::ElementsAre("Downloads", "Documents", "Desktop"));
 }
 
-TEST_F(SharedFolders, NoLinkIsMadeToWhatIsMissing) {
+TEST_F(SharedUserFoldersTest, NoLinkIsMadeToWhatIsMissing) {
     link(at("a/link"), at("none"));
     EXPECT_FALSE(fs::exists(at("a")));
 }
 
-TEST_F(SharedFolders, ALinkIsMadeWithTheFoldersAboveIt) {
+TEST_F(SharedUserFoldersTest, ALinkIsMadeWithTheFoldersAboveIt) {
     fs::create_directory(at("target"));
     link(at("a/b/link"), at("target"));
     EXPECT_TRUE(isLink(at("a/b/link"), at("target")));
 }
 
-TEST_F(SharedFolders, ALinkThatIsThereStaysWhereverItPoints) {
+TEST_F(SharedUserFoldersTest, ALinkThatIsThereStaysWhereverItPoints) {
     fs::create_directory(at("target"));
     fs::create_symlink("nowhere", at("dangling"));
     fs::create_symlink(folder_.path(), at("other"));
@@ -70,7 +70,7 @@ TEST_F(SharedFolders, ALinkThatIsThereStaysWhereverItPoints) {
     EXPECT_TRUE(isLink(at("other"), folder_.path()));
 }
 
-TEST_F(SharedFolders, AFolderWithContentIsNeverReplaced) {
+TEST_F(SharedUserFoldersTest, AFolderWithContentIsNeverReplaced) {
     fs::create_directory(at("target"));
     write(at("full/.DS_Store"), "");
     link(at("full"), at("target"));
@@ -78,7 +78,7 @@ TEST_F(SharedFolders, AFolderWithContentIsNeverReplaced) {
     EXPECT_TRUE(fs::exists(at("full/.DS_Store")));
 }
 
-TEST_F(SharedFolders, AnEmptyFolderAndAPlainFileAreReplaced) {
+TEST_F(SharedUserFoldersTest, AnEmptyFolderAndAPlainFileAreReplaced) {
     fs::create_directory(at("target"));
     fs::create_directory(at("empty"));
     write(at("file"), "x");
@@ -88,8 +88,8 @@ TEST_F(SharedFolders, AnEmptyFolderAndAPlainFileAreReplaced) {
     EXPECT_TRUE(isLink(at("file"), at("target")));
 }
 
-TEST_F(SharedFolders, AFolderThatCantBeListedStays) {
-    EXPECT_TRUE(asOrdinaryUser(folder_.path(), [&] {
+TEST_F(SharedUserFoldersTest, AFolderThatCantBeListedStays) {
+    EXPECT_TRUE(asUnprivilegedUser(folder_.path(), [&] {
         fs::create_directory(at("target"));
         write(at("closed/file"), "x");
         fs::permissions(at("closed"), fs::perms::none);
@@ -99,7 +99,7 @@ TEST_F(SharedFolders, AFolderThatCantBeListedStays) {
     }));
 }
 
-TEST_F(SharedFolders, ALinkThatCantBeMadeIsNoError) {
+TEST_F(SharedUserFoldersTest, ALinkThatCantBeMadeIsNotAnError) {
     fs::create_directory(at("target"));
     write(at("file"), "x");
     link(at("file/below"), at("target"));
@@ -107,7 +107,7 @@ TEST_F(SharedFolders, ALinkThatCantBeMadeIsNoError) {
     EXPECT_EQ(read(at("file")), "x");
 }
 
-TEST_F(SharedFolders, APathWithANulIsNotLinked) {
+TEST_F(SharedUserFoldersTest, APathWithANulIsNotLinked) {
     fs::create_directory(at("target"));
     InstanceLauncher::linkIfSafe(at("short").string() + "\0/link"s, at("target"));
     InstanceLauncher::linkIfSafe(at("link"), at("target").string() + "\0x"s);
@@ -115,7 +115,7 @@ TEST_F(SharedFolders, APathWithANulIsNotLinked) {
     EXPECT_FALSE(fs::is_symlink(at("link")));
 }
 
-TEST_F(SharedFolders, AFolderIsNeverReplacedByALinkToItself) {
+TEST_F(SharedUserFoldersTest, AFolderIsNeverReplacedByALinkToItself) {
     fs::create_directory(at("target"));
     fs::create_directory_symlink(folder_.path(), at("again"));
     link(at("target"), at("target"));
@@ -123,7 +123,7 @@ TEST_F(SharedFolders, AFolderIsNeverReplacedByALinkToItself) {
     EXPECT_TRUE(fs::is_directory(fs::symlink_status(at("target"))));
 }
 
-TEST_F(SharedFolders, SettingUpLinksWhatTheUserHas) {
+TEST_F(SharedUserFoldersTest, SettingUpLinksWhatTheUserHas) {
     const TemporaryHome home;
     fs::create_directory(home / "Downloads");
     fs::create_directory(home / "Documents");
@@ -134,7 +134,7 @@ TEST_F(SharedFolders, SettingUpLinksWhatTheUserHas) {
     EXPECT_FALSE(fs::is_symlink(inClone("Desktop"))) << "the user has none";
 }
 
-TEST_F(SharedFolders, SettingUpForTheRealHomeItselfChangesNothing) {
+TEST_F(SharedUserFoldersTest, SettingUpForTheRealHomeItselfChangesNothing) {
     const TemporaryHome home;
     fs::create_directory(home / "Downloads");
     write(home / "Documents/file", "x");
@@ -144,7 +144,7 @@ TEST_F(SharedFolders, SettingUpForTheRealHomeItselfChangesNothing) {
     EXPECT_EQ(treeOf(home.path()), before);
 }
 
-TEST_F(SharedFolders, MigrationIsNeededForAnythingThatIsNoLink) {
+TEST_F(SharedUserFoldersTest, MigrationIsNeededForAnythingThatIsNotALink) {
     EXPECT_FALSE(InstanceLauncher::needsSharedFolderMigration(clone()));
     fs::create_directories(inClone("Desktop"));
     EXPECT_TRUE(InstanceLauncher::needsSharedFolderMigration(clone())) << "even when it is empty";
@@ -155,7 +155,7 @@ TEST_F(SharedFolders, MigrationIsNeededForAnythingThatIsNoLink) {
     EXPECT_TRUE(InstanceLauncher::needsSharedFolderMigration(clone()));
 }
 
-TEST_F(SharedFolders, MigrationMovesEverythingAndLinks) {
+TEST_F(SharedUserFoldersTest, MigrationMovesEverythingAndLinks) {
     makeRealFolders();
     write(inClone("Downloads/a.txt"), "a");
     write(inClone("Downloads/folder/b"), "b");
@@ -171,7 +171,7 @@ TEST_F(SharedFolders, MigrationMovesEverythingAndLinks) {
     EXPECT_EQ(migrate(), Counts{});
 }
 
-TEST_F(SharedFolders, MigrationMakesAFolderThatTheUserLacks) {
+TEST_F(SharedUserFoldersTest, MigrationMakesAFolderThatTheUserLacks) {
     fs::create_directory(at("real"));
     write(inClone("Documents/a"), "a");
     EXPECT_EQ(migrate(), (Counts{{"Documents", 1}}));
@@ -180,7 +180,7 @@ TEST_F(SharedFolders, MigrationMakesAFolderThatTheUserLacks) {
     EXPECT_FALSE(fs::is_symlink(inClone("Desktop")));
 }
 
-TEST_F(SharedFolders, AFolderThatHoldsOnlyDsStoreIsEmptiedAndLinked) {
+TEST_F(SharedUserFoldersTest, AFolderThatHoldsOnlyDsStoreIsEmptiedAndLinked) {
     makeRealFolders();
     write(inClone("Downloads/.DS_Store"), "junk");
     EXPECT_EQ(migrate(), (Counts{{"Downloads", 0}}));
@@ -188,7 +188,7 @@ TEST_F(SharedFolders, AFolderThatHoldsOnlyDsStoreIsEmptiedAndLinked) {
     EXPECT_FALSE(fs::exists(inReal("Downloads/.DS_Store")));
 }
 
-TEST_F(SharedFolders, OnlyExactlyDsStoreIsNotMoved) {
+TEST_F(SharedUserFoldersTest, OnlyExactlyDsStoreIsNotMoved) {
     makeRealFolders();
     for (const char* name : {".DS_Store", ".ds_store", ".DS_Store ", ".DS_Stor", "x.DS_Store",
                              "DS_Store", ".DS_Store.txt", "folder/.DS_Store"}) {
@@ -202,7 +202,7 @@ TEST_F(SharedFolders, OnlyExactlyDsStoreIsNotMoved) {
     }
 }
 
-TEST_F(SharedFolders, NamesThatAreTakenGetTheNextNumber) {
+TEST_F(SharedUserFoldersTest, NamesThatAreTakenGetTheNextNumber) {
     for (const char* name : {"Documents/a.txt", "Documents/a (1).txt", "Documents/notes",
                              "Documents/x.tar.gz", "Documents/.rc", "Documents/end."}) {
         write(inReal(name), "old");
@@ -221,7 +221,7 @@ TEST_F(SharedFolders, NamesThatAreTakenGetTheNextNumber) {
     EXPECT_EQ(read(inReal("Documents/a (1).txt")), "old");
 }
 
-TEST_F(SharedFolders, NamesOfAnyKindAreMoved) {
+TEST_F(SharedUserFoldersTest, NamesOfAnyKindAreMoved) {
     makeRealFolders();
     for (const char* name : {"line\nbreak", "quote\"'", "no text \xFF", "<b>", "..."}) {
         write(inClone("Desktop") / name, name);
@@ -230,7 +230,7 @@ TEST_F(SharedFolders, NamesOfAnyKindAreMoved) {
     EXPECT_EQ(read(inReal("Desktop") / "no text \xFF"), "no text \xFF");
 }
 
-TEST_F(SharedFolders, WhatWouldReplaceADanglingLinkStaysWhereItIs) {
+TEST_F(SharedUserFoldersTest, WhatWouldReplaceADanglingLinkStaysWhereItIs) {
     fs::create_directories(inReal("Documents"));
     fs::create_symlink("nowhere", inReal("Documents/a"));
     write(inClone("Documents/a"), "mine");
@@ -242,7 +242,7 @@ TEST_F(SharedFolders, WhatWouldReplaceADanglingLinkStaysWhereItIs) {
     EXPECT_TRUE(fs::is_directory(fs::symlink_status(inClone("Documents")))) << "not linked";
 }
 
-TEST_F(SharedFolders, ALinkAmongTheFilesIsMovedAsALink) {
+TEST_F(SharedUserFoldersTest, ALinkAmongTheFilesIsMovedAsALink) {
     makeRealFolders();
     write(at("kept/file"), "x");
     fs::create_directories(inClone("Desktop"));
@@ -252,7 +252,7 @@ TEST_F(SharedFolders, ALinkAmongTheFilesIsMovedAsALink) {
     EXPECT_EQ(read(at("kept/file")), "x");
 }
 
-TEST_F(SharedFolders, AFolderThatIsALinkAlreadyIsPassedOver) {
+TEST_F(SharedUserFoldersTest, AFolderThatIsALinkAlreadyIsPassedOver) {
     makeRealFolders();
     write(at("elsewhere/file"), "x");
     write(at("elsewhere/.DS_Store"), "x");
@@ -265,14 +265,14 @@ TEST_F(SharedFolders, AFolderThatIsALinkAlreadyIsPassedOver) {
     EXPECT_TRUE(fs::is_empty(inReal("Downloads")));
 }
 
-TEST_F(SharedFolders, APlainFileInsteadOfAFolderIsReplacedByTheLink) {
+TEST_F(SharedUserFoldersTest, APlainFileInsteadOfAFolderIsReplacedByTheLink) {
     makeRealFolders();
     write(inClone("Documents"), "a file");
     EXPECT_EQ(migrate(), (Counts{{"Documents", 0}}));
     EXPECT_TRUE(isLink(inClone("Documents"), inReal("Documents")));
 }
 
-TEST_F(SharedFolders, MigratingTheRealHomeIntoItselfLosesNothing) {
+TEST_F(SharedUserFoldersTest, MigratingTheRealHomeIntoItselfLosesNothing) {
     makeRealFolders();
     write(inReal("Documents/a"), "x");
     write(inReal("Documents/.DS_Store"), "kept too");
@@ -285,14 +285,14 @@ TEST_F(SharedFolders, MigratingTheRealHomeIntoItselfLosesNothing) {
     }
 }
 
-TEST_F(SharedFolders, MigratingIntoAFolderOfItsOwnLosesNothing) {
+TEST_F(SharedUserFoldersTest, MigratingIntoAFolderOfItsOwnLosesNothing) {
     write(inClone("Documents/inner/file"), "x");
     EXPECT_EQ(InstanceLauncher::migrateSharedUserFolders(clone(), inClone("Documents/inner")).moved,
               (Counts{{"Documents", 0}}));
     EXPECT_EQ(read(inClone("Documents/inner/file")), "x");
 }
 
-TEST_F(SharedFolders, WhenTheRealFolderIsAFileNothingIsLost) {
+TEST_F(SharedUserFoldersTest, WhenTheRealFolderIsAFileNothingIsLost) {
     write(inReal("Documents"), "a file");
     write(inClone("Documents/a"), "x");
     EXPECT_EQ(migrate().at("Documents"), 0);
@@ -300,8 +300,8 @@ TEST_F(SharedFolders, WhenTheRealFolderIsAFileNothingIsLost) {
     EXPECT_EQ(read(inReal("Documents")), "a file");
 }
 
-TEST_F(SharedFolders, WhatMayNotBeMovedStays) {
-    EXPECT_TRUE(asOrdinaryUser(folder_.path(), [&] {
+TEST_F(SharedUserFoldersTest, WhatMayNotBeMovedStays) {
+    EXPECT_TRUE(asUnprivilegedUser(folder_.path(), [&] {
         fs::create_directories(inReal("Documents"));
         write(inClone("Documents/a"), "x");
         fs::permissions(inReal("Documents"), fs::perms{0555});
@@ -310,8 +310,8 @@ TEST_F(SharedFolders, WhatMayNotBeMovedStays) {
     }));
 }
 
-TEST_F(SharedFolders, AFolderThatMayNotBeReadIsNotMigratedAway) {
-    EXPECT_TRUE(asOrdinaryUser(folder_.path(), [&] {
+TEST_F(SharedUserFoldersTest, AFolderThatMayNotBeReadIsNotMigratedAway) {
+    EXPECT_TRUE(asUnprivilegedUser(folder_.path(), [&] {
         makeRealFolders();
         write(inClone("Documents/a"), "x");
         fs::permissions(inClone("Documents"), fs::perms::none);
@@ -321,7 +321,7 @@ TEST_F(SharedFolders, AFolderThatMayNotBeReadIsNotMigratedAway) {
     }));
 }
 
-TEST_F(SharedFolders, TheUsersOwnHomeIsTheDestinationUnlessToldOtherwise) {
+TEST_F(SharedUserFoldersTest, TheUsersOwnHomeIsTheDestinationUnlessToldOtherwise) {
     const TemporaryHome home;
     write(inClone("Documents/a"), "x");
     EXPECT_EQ(InstanceLauncher::migrateSharedUserFolders(clone()).moved,

@@ -9,7 +9,7 @@ std::int64_t count(std::string_view title) {
     return WebBadgeState::unreadCount(title);
 }
 
-TEST(WebBadge, ATitlesNumberInBracketsIsTheCount) {
+TEST(WebBadgeTest, ATitlesNumberInBracketsIsTheCount) {
     EXPECT_EQ(count("(3) Inbox"), 3);
     EXPECT_EQ(count("Inbox [12]"), 12);
     EXPECT_EQ(count("Inbox (99+)"), 99);
@@ -18,7 +18,7 @@ TEST(WebBadge, ATitlesNumberInBracketsIsTheCount) {
     EXPECT_EQ(count("[ 5+ ]"), 5);
 }
 
-TEST(WebBadge, ATitleWithoutSuchANumberCountsNothing) {
+TEST(WebBadgeTest, ATitleWithoutSuchANumberCountsNothing) {
     EXPECT_EQ(count("Inbox"), 0);
     EXPECT_EQ(count("(abc)"), 0);
     EXPECT_EQ(count("()"), 0);
@@ -29,16 +29,16 @@ TEST(WebBadge, ATitleWithoutSuchANumberCountsNothing) {
     EXPECT_EQ(count("\xFF\xFE"), 0);
 }
 
-TEST(WebBadge, OnlyTheFirstOfEachKindCounts) {
+TEST(WebBadgeTest, OnlyTheFirstOfEachKindCounts) {
     EXPECT_EQ(count("(2) of (5)"), 2);
     EXPECT_EQ(count("(x) (5)"), 5);
 }
 
-TEST(WebBadge, RoundBracketsWinWhereverTheyStand) {
+TEST(WebBadgeTest, RoundBracketsWinWhereverTheyStand) {
     EXPECT_EQ(count("[9] Chat (4)"), 4);
 }
 
-TEST(WebBadge, ANumberTooLargeFallsThroughToTheSquareBrackets) {
+TEST(WebBadgeTest, ANumberTooLargeFallsThroughToTheSquareBrackets) {
     EXPECT_EQ(count("(9223372036854775807)"), 9223372036854775807);
     EXPECT_EQ(count("(9223372036854775808) [6]"), 6);
     EXPECT_EQ(count("(99999999999999999999)"), 0);
@@ -46,23 +46,23 @@ TEST(WebBadge, ANumberTooLargeFallsThroughToTheSquareBrackets) {
     EXPECT_EQ(count("[99999999999999999999]"), 0);
 }
 
-TEST(WebBadge, DigitsOfOtherScriptsAreNoNumberThatIsRead) {
+TEST(WebBadgeTest, DigitsOfOtherScriptsAreNotRead) {
     EXPECT_EQ(count("(٣) Inbox"), 0);
 }
 
-TEST(WebBadge, AHugeTitleIsNoTrouble) {
+TEST(WebBadgeTest, AHugeTitleIsHandled) {
     EXPECT_EQ(count(std::string(1'000'000, '(') + "3)"), 3);
     EXPECT_EQ(count("(" + std::string(1'000'000, '1')), 0);
 }
 
-TEST(WebBadge, StartsWithoutAnything) {
+TEST(WebBadgeTest, StartsWithoutAnything) {
     const WebBadgeState state;
     EXPECT_EQ(state.apiBadge, std::nullopt);
     EXPECT_EQ(state.titleBadge, 0);
     EXPECT_EQ(state.label(), std::nullopt);
 }
 
-TEST(WebBadge, TheTitlesCountIsShownUntilThePageReportsOne) {
+TEST(WebBadgeTest, TheTitlesCountIsShownUntilThePageReportsOne) {
     WebBadgeState state;
     state.setTitle("(4) Mail");
     EXPECT_EQ(state.label(), "4");
@@ -73,14 +73,14 @@ TEST(WebBadge, TheTitlesCountIsShownUntilThePageReportsOne) {
     EXPECT_EQ(state.titleBadge, 5);
 }
 
-TEST(WebBadge, AReportOfNothingHidesTheTitlesCount) {
+TEST(WebBadgeTest, AReportOfNothingHidesTheTitlesCount) {
     WebBadgeState state;
     state.setTitle("(4) Mail");
     state.setAPIBadge(0);
     EXPECT_EQ(state.label(), std::nullopt);
 }
 
-TEST(WebBadge, ANegativeReportIsTakenAsNothing) {
+TEST(WebBadgeTest, ANegativeReportIsTakenAsNothing) {
     WebBadgeState state;
     state.setTitle("(4) Mail");
     state.setAPIBadge(-5);
@@ -88,14 +88,14 @@ TEST(WebBadge, ANegativeReportIsTakenAsNothing) {
     EXPECT_EQ(state.label(), std::nullopt);
 }
 
-TEST(WebBadge, ATitleWithoutACountClearsTheBadge) {
+TEST(WebBadgeTest, ATitleWithoutACountClearsTheBadge) {
     WebBadgeState state;
     state.setTitle("(4) Mail");
     state.setTitle("Mail");
     EXPECT_EQ(state.label(), std::nullopt);
 }
 
-TEST(WebBadge, EqualityLooksAtBothCounts) {
+TEST(WebBadgeTest, EqualityLooksAtBothCounts) {
     WebBadgeState a;
     WebBadgeState b;
     EXPECT_EQ(a, b);

@@ -1,5 +1,7 @@
 #include "LaunchKit/WrapperFactory.h"
 
+#include "LaunchKit/InstanceConfig.h"
+#include "LaunchKit/InstanceRecord.h"
 #include "LaunchKit/InstanceRegistry.h"
 #include "LaunchKit/WrapperGenerator.h"
 #include "Platform/files/PropertyListFile.h"
@@ -22,9 +24,9 @@ using ::testing::ElementsAre;
 using FactoryError = WrapperFactory::FactoryError;
 namespace fs = std::filesystem;
 
-class Factory : public ::testing::Test {
+class WrapperFactoryTest : public ::testing::Test {
 protected:
-    Factory() { write(folder_ / "runner", "runner"); }
+    WrapperFactoryTest() { write(folder_ / "runner", "runner"); }
 
     [[nodiscard]] fs::path at(std::string_view name) const { return folder_ / name; }
 
@@ -74,13 +76,13 @@ protected:
     TemporaryHome home_;
 };
 
-TEST_F(Factory, TellsBeforehandWhereTheCloneWillBe) {
+TEST_F(WrapperFactoryTest, TellsBeforehandWhereTheCloneWillBe) {
     const WrapperFactory::Request request = webRequest("  Work \n");
     EXPECT_EQ(WrapperFactory::wrapperURL(request), at("out") / "Work.app");
     EXPECT_EQ(WrapperFactory::wrapperURL(request), create(request));
 }
 
-TEST_F(Factory, SpaceAroundTheNameIsRemovedEverywhere) {
+TEST_F(WrapperFactoryTest, SpaceAroundTheNameIsRemovedEverywhere) {
     WrapperFactory::Request request = webRequest(" \t Work \n");
     EXPECT_EQ(create(request), at("out/Work.app"));
     const InstanceConfig config = created(request);
@@ -89,13 +91,13 @@ TEST_F(Factory, SpaceAroundTheNameIsRemovedEverywhere) {
     EXPECT_EQ(config.bundleId, "app.quorvel.instance.work");
 }
 
-TEST_F(Factory, PunctuationSurvivesInTheHomeAndNotInTheIdentifier) {
+TEST_F(WrapperFactoryTest, PunctuationSurvivesInTheHomeAndNotInTheIdentifier) {
     const InstanceConfig config = created(webRequest("My App (2)"));
     EXPECT_EQ(config.instanceHome, "~/QuorvelInstances/My App (2)");
     EXPECT_EQ(config.bundleId, "app.quorvel.instance.my-app--2-");
 }
 
-TEST_F(Factory, WritesIntoTheUsersApplicationsUnlessTold) {
+TEST_F(WrapperFactoryTest, WritesIntoTheUsersApplicationsUnlessTold) {
     WrapperFactory::Request request = webRequest("Work");
     request.outputDir.reset();
     EXPECT_EQ(WrapperFactory::defaultOutputDir(), home_ / "Applications");
@@ -103,7 +105,7 @@ TEST_F(Factory, WritesIntoTheUsersApplicationsUnlessTold) {
     EXPECT_EQ(InstanceRegistry().list().size(), 1U);
 }
 
-TEST_F(Factory, EngineArgumentsAreTheDefault) {
+TEST_F(WrapperFactoryTest, EngineArgumentsAreTheDefault) {
     WrapperFactory::Request request = appRequest(electronApp());
     EXPECT_THAT(created(request).extraArgs,
                 ElementsAre("--user-data-dir={{instanceHome}}/QuorvelData"));
@@ -113,14 +115,14 @@ TEST_F(Factory, EngineArgumentsAreTheDefault) {
     EXPECT_THAT(created(request).extraArgs, ElementsAre("--own"));
 }
 
-TEST_F(Factory, AnAppCloneRemembersItsTarget) {
+TEST_F(WrapperFactoryTest, AnAppCloneRemembersItsTarget) {
     const fs::path target = makeAppBundle(at("Thing.app"));
     const InstanceConfig config = created(appRequest(target));
     EXPECT_EQ(config.targetAppPath, target.string());
     EXPECT_THAT(config.extraArgs, ElementsAre());
 }
 
-TEST_F(Factory, SlashesAtTheEndOfPathsAreDropped) {
+TEST_F(WrapperFactoryTest, SlashesAtTheEndOfPathsAreDropped) {
     const fs::path app = makeAppBundle(at("Thing.app"));
     WrapperFactory::Request request = appRequest(app.native() + "//");
     request.outputDir = at("out").native() + "/";
@@ -133,7 +135,7 @@ TEST_F(Factory, SlashesAtTheEndOfPathsAreDropped) {
     EXPECT_EQ(listed.front().id(), wrapper.native());
 }
 
-TEST_F(Factory, AWebCloneNeedsNoTarget) {
+TEST_F(WrapperFactoryTest, AWebCloneNeedsNoTarget) {
     WrapperFactory::Request request = webRequest("Site");
     request.targetApp = electronApp();
     const InstanceConfig config = created(request);
@@ -143,7 +145,7 @@ TEST_F(Factory, AWebCloneNeedsNoTarget) {
     EXPECT_EQ(config.url, std::nullopt);
 }
 
-TEST_F(Factory, EverythingElseIsTakenOverUnchanged) {
+TEST_F(WrapperFactoryTest, EverythingElseIsTakenOverUnchanged) {
     WrapperFactory::Request request = webRequest("All");
     request.kind = ShortcutKind::command;
     request.url = "u";
@@ -204,7 +206,7 @@ constexpr std::array<Flag, 5> flags{{
      &InstanceConfig::shareUserFolders},
 }};
 
-TEST_F(Factory, EachFlagSetAloneIsTheOnlyOneSet) {
+TEST_F(WrapperFactoryTest, EachFlagSetAloneIsTheOnlyOneSet) {
     for (const Flag& set : flags) {
         WrapperFactory::Request request = webRequest("Flags");
         for (const Flag& flag : flags) {
@@ -221,7 +223,7 @@ TEST_F(Factory, EachFlagSetAloneIsTheOnlyOneSet) {
     }
 }
 
-TEST_F(Factory, HidingAloneSetsNoFlag) {
+TEST_F(WrapperFactoryTest, HidingAloneSetsNoFlag) {
     WrapperFactory::Request request = webRequest("Hidden");
     request.hideWrapperIcon = true;
     request.shareUserFolders = false;
@@ -231,7 +233,7 @@ TEST_F(Factory, HidingAloneSetsNoFlag) {
     }
 }
 
-TEST_F(Factory, IconAndHidingReachTheWrapper) {
+TEST_F(WrapperFactoryTest, IconAndHidingReachTheWrapper) {
     WrapperFactory::Request request = webRequest("Work");
     write(at("icon"), "icon bytes");
     request.customIcon = at("icon");
@@ -241,7 +243,7 @@ TEST_F(Factory, IconAndHidingReachTheWrapper) {
     EXPECT_EQ(readPropertyList(wrapper / "Contents/Info.plist")->at("LSUIElement"), true);
 }
 
-TEST_F(Factory, AGivenIdentifierIsKeptEvenWhereItCollides) {
+TEST_F(WrapperFactoryTest, AGivenIdentifierIsKeptEvenWhereItCollides) {
     WrapperFactory::Request first = webRequest("One");
     WrapperFactory::Request second = webRequest("Two");
     first.bundleId = second.bundleId = "same";
@@ -249,14 +251,14 @@ TEST_F(Factory, AGivenIdentifierIsKeptEvenWhereItCollides) {
     EXPECT_EQ(created(second).bundleId, "same");
 }
 
-TEST_F(Factory, ANameOfSpaceAloneIsRefused) {
+TEST_F(WrapperFactoryTest, ANameOfSpaceAloneIsRefused) {
     for (const char* name : {"", " \t\r\n"}) {
         EXPECT_EQ(errorOf(webRequest(name), FactoryError::Case::emptyName),
                   "The clone needs a non-empty name.");
     }
 }
 
-TEST_F(Factory, AnUnreadableTargetIsRefused) {
+TEST_F(WrapperFactoryTest, AnUnreadableTargetIsRefused) {
     EXPECT_EQ(errorOf(appRequest("/no/such.app"), FactoryError::Case::badTarget),
               "Not a readable .app: /no/such.app");
     fs::create_directories(at("Empty.app"));
@@ -267,7 +269,7 @@ TEST_F(Factory, AnUnreadableTargetIsRefused) {
     EXPECT_EQ(errorOf(request, FactoryError::Case::badTarget), "Not a readable .app: /");
 }
 
-TEST_F(Factory, ARefusedTargetIsNamedByItsError) {
+TEST_F(WrapperFactoryTest, ARefusedTargetIsNamedByItsError) {
     for (const std::optional<fs::path>& target :
          {std::optional<fs::path>("/no/such.app"), std::optional<fs::path>()}) {
         WrapperFactory::Request request = appRequest("");
@@ -283,13 +285,13 @@ TEST_F(Factory, ARefusedTargetIsNamedByItsError) {
     EXPECT_EQ(FactoryError::emptyName().url(), "");
 }
 
-TEST_F(Factory, AnEmptyNameIsReportedBeforeABadTarget) {
+TEST_F(WrapperFactoryTest, AnEmptyNameIsReportedBeforeABadTarget) {
     WrapperFactory::Request request = appRequest("/no/such.app");
     request.displayName = " ";
     EXPECT_EQ(errorOf(request, FactoryError::Case::emptyName), "The clone needs a non-empty name.");
 }
 
-TEST_F(Factory, TheRunnerBesideThisProgramIsFound) {
+TEST_F(WrapperFactoryTest, TheRunnerBesideThisProgramIsFound) {
     const fs::path beside = mainExecutable().parent_path() / "quorvel-runner";
     ASSERT_TRUE(fs::exists(beside));
     EXPECT_EQ(WrapperFactory().create(webRequest("Work")), at("out/Work.app"));
@@ -307,7 +309,7 @@ void expectRunnerNotFound(const WrapperFactory::Request& request) {
     EXPECT_FALSE(fs::exists(*request.outputDir)) << "nothing may be written";
 }
 
-TEST_F(Factory, WithoutARunnerThereIsNoCloneWhateverTheTarget) {
+TEST_F(WrapperFactoryTest, WithoutARunnerThereIsNoCloneWhateverTheTarget) {
     if (!fs::exists(mainExecutable().parent_path() / "quorvel-runner")) {
         expectRunnerNotFound(webRequest("Work"));
         expectRunnerNotFound(appRequest("/no/such.app"));
@@ -319,13 +321,13 @@ TEST_F(Factory, WithoutARunnerThereIsNoCloneWhateverTheTarget) {
     fs::copy_file(mainExecutable(), at("bin/program"));
     Process::Options options;
     options.executable = at("bin/program");
-    options.arguments = {"--gtest_filter=Factory.WithoutARunner*"};
+    options.arguments = {"--gtest_filter=WrapperFactoryTest.WithoutARunner*"};
     options.directory = at("bin");
     const std::string output = Process::capture(options, 1U << 16U);
     EXPECT_THAT(output, ::testing::HasSubstr("[  PASSED  ] 1 test.")) << output;
 }
 
-TEST_F(Factory, ARunnerThatVanishedIsTheGeneratorsError) {
+TEST_F(WrapperFactoryTest, ARunnerThatVanishedIsTheGeneratorsError) {
     EXPECT_THROW((void)WrapperFactory(at("none")).create(webRequest("Work")),
                  WrapperGenerator::GenError);
 }

@@ -1,5 +1,7 @@
 #include "LaunchKit/WrapperGenerator.h"
 
+#include "LaunchKit/InstanceConfig.h"
+#include "LaunchKit/WrapperPropertyList.h"
 #include "Platform/files/PlatformError.h"
 #include "Platform/files/PropertyListFile.h"
 #include "tests/support/AppBundles.h"
@@ -17,9 +19,9 @@ using namespace std::string_literals;
 using GenError = WrapperGenerator::GenError;
 namespace fs = std::filesystem;
 
-class Generator : public ::testing::Test {
+class WrapperGeneratorTest : public ::testing::Test {
 protected:
-    Generator() {
+    WrapperGeneratorTest() {
         write(folder_ / "runner-file", "runner\0bytes"s);
         fs::permissions(folder_ / "runner-file", fs::perms{0640});
     }
@@ -64,7 +66,7 @@ protected:
     TemporaryHome home_;
 };
 
-TEST_F(Generator, WritesExactlyTheBundlesFiles) {
+TEST_F(WrapperGeneratorTest, WritesExactlyTheBundlesFiles) {
     const WrapperGenerator::Options options = webOptions();
     const fs::path wrapper = generate(options);
     EXPECT_EQ(wrapper, at("out/Work.app"));
@@ -75,18 +77,18 @@ TEST_F(Generator, WritesExactlyTheBundlesFiles) {
         {"Contents/Resources", "<folder>"},
         {"Contents/Resources/instance.json", options.config.json()},
         {"Contents/Info.plist",
-         PropertyList::xml(WrapperGenerator::infoPlist(options, std::nullopt))},
+         PropertyList::xml(WrapperPropertyList::infoPlist(options, std::nullopt))},
         {"Contents/PkgInfo", "APPL????"},
     };
     EXPECT_EQ(treeOf(wrapper), expected);
 }
 
-TEST_F(Generator, TheRunnerIsExecutableWhateverTheSourceWas) {
+TEST_F(WrapperGeneratorTest, TheRunnerIsExecutableForAnyModeOfTheSource) {
     EXPECT_EQ(fs::status(generate(webOptions()) / "Contents/MacOS/runner").permissions(),
               fs::perms{0755});
 }
 
-TEST_F(Generator, EverythingElseHasTheUsersDefaultPermissions) {
+TEST_F(WrapperGeneratorTest, EverythingElseHasTheUsersDefaultPermissions) {
     for (const unsigned mask : {0022U, 0077U, 0002U}) {
         const mode_t before = ::umask(mask);
         const fs::path wrapper = generate(webOptions());
@@ -101,11 +103,11 @@ TEST_F(Generator, EverythingElseHasTheUsersDefaultPermissions) {
              {"Contents/Resources/instance.json", "Contents/Info.plist", "Contents/PkgInfo"}) {
             EXPECT_EQ(mode(file), 0666U & ~mask) << file;
         }
-        EXPECT_EQ(mode("Contents/MacOS/runner"), 0755U) << "whatever the user's default";
+        EXPECT_EQ(mode("Contents/MacOS/runner"), 0755U) << "for any umask";
     }
 }
 
-TEST_F(Generator, AWrapperOfTheSameNameIsReplacedWhole) {
+TEST_F(WrapperGeneratorTest, AWrapperOfTheSameNameIsReplacedWhole) {
     write(generate(webOptions()) / "Contents/Resources/left over", "x");
     WrapperGenerator::Options second = webOptions();
     second.config.url = "https://second";
@@ -115,7 +117,7 @@ TEST_F(Generator, AWrapperOfTheSameNameIsReplacedWhole) {
     EXPECT_EQ(std::distance(fs::directory_iterator(at("out")), fs::directory_iterator()), 1);
 }
 
-TEST_F(Generator, AFileOrALinkOfTheSameNameIsReplacedAndNotFollowed) {
+TEST_F(WrapperGeneratorTest, AFileOrALinkOfTheSameNameIsReplacedAndNotFollowed) {
     write(at("out/Work.app"), "a file");
     (void)generate(webOptions());
     EXPECT_TRUE(fs::is_directory(at("out/Work.app")));
@@ -130,14 +132,14 @@ TEST_F(Generator, AFileOrALinkOfTheSameNameIsReplacedAndNotFollowed) {
     EXPECT_EQ(read(at("kept/file")), "x");
 }
 
-TEST_F(Generator, AHomeInTheWrappersPlaceIsNotRemoved) {
+TEST_F(WrapperGeneratorTest, AHomeAtTheWrappersPathIsNotRemoved) {
     const ScopedEnvironment fixed("CFFIXED_USER_HOME", at("out/Work.app"));
     write(at("out/Work.app/precious"), "x");
     EXPECT_THROW((void)generate(webOptions()), PlatformError);
     EXPECT_EQ(read(at("out/Work.app/precious")), "x");
 }
 
-TEST_F(Generator, WithoutARunnerNothingIsWritten) {
+TEST_F(WrapperGeneratorTest, WithoutARunnerNothingIsWritten) {
     WrapperGenerator::Options options = webOptions();
     options.runnerBinary = at("none");
     try {
@@ -151,7 +153,7 @@ TEST_F(Generator, WithoutARunnerNothingIsWritten) {
     EXPECT_FALSE(fs::exists(at("out")));
 }
 
-TEST_F(Generator, WithoutAReadableTargetNothingIsWrittenNorRemoved) {
+TEST_F(WrapperGeneratorTest, WithoutAReadableTargetNothingIsWrittenNorRemoved) {
     write(at("out/Work.app/old"), "x");
     WrapperGenerator::Options options = webOptions();
     options.config.kind = ShortcutKind::app;
@@ -167,7 +169,7 @@ TEST_F(Generator, WithoutAReadableTargetNothingIsWrittenNorRemoved) {
     EXPECT_EQ(read(at("out/Work.app/old")), "x");
 }
 
-TEST_F(Generator, OtherKindsNeedNoTargetAndHaveNoIcon) {
+TEST_F(WrapperGeneratorTest, OtherKindsNeedNoTargetAndHaveNoIcon) {
     for (const ShortcutKind kind : {ShortcutKind::web, ShortcutKind::file, ShortcutKind::command}) {
         WrapperGenerator::Options options = webOptions();
         options.config.kind = kind;
@@ -175,7 +177,7 @@ TEST_F(Generator, OtherKindsNeedNoTargetAndHaveNoIcon) {
     }
 }
 
-TEST_F(Generator, TheTargetsIconIsFoundWithAndWithoutItsExtension) {
+TEST_F(WrapperGeneratorTest, TheTargetsIconIsFoundWithAndWithoutItsExtension) {
     WrapperGenerator::Options options = appOptions("AppIcon");
     targetIcon("AppIcon.icns", "icon bytes");
     EXPECT_EQ(iconOf(options), "icon bytes");
@@ -184,12 +186,12 @@ TEST_F(Generator, TheTargetsIconIsFoundWithAndWithoutItsExtension) {
     EXPECT_EQ(iconOf(appOptions("Other.ICNS")), "upper");
 }
 
-TEST_F(Generator, ATargetWithoutAnIconGivesNone) {
+TEST_F(WrapperGeneratorTest, ATargetWithoutAnIconLeavesTheWrapperWithoutOne) {
     EXPECT_EQ(iconOf(appOptions("Missing")), "none");
     EXPECT_EQ(iconOf(appOptions(std::int64_t{1})), "none");
 }
 
-TEST_F(Generator, ACustomIconGoesBeforeTheTargetsWhateverItsFormat) {
+TEST_F(WrapperGeneratorTest, ACustomIconOfAnyFormatReplacesTheTargets) {
     WrapperGenerator::Options options = appOptions("AppIcon");
     targetIcon("AppIcon.icns", "target's");
     write(at("custom.png"), "no icon \0 at all"s);
@@ -197,38 +199,38 @@ TEST_F(Generator, ACustomIconGoesBeforeTheTargetsWhateverItsFormat) {
     EXPECT_EQ(iconOf(options), "no icon \0 at all"s);
 }
 
-TEST_F(Generator, ACustomIconThatIsGoneIsReplacedByTheTargets) {
+TEST_F(WrapperGeneratorTest, ACustomIconThatIsGoneIsReplacedByTheTargets) {
     WrapperGenerator::Options options = appOptions("AppIcon");
     targetIcon("AppIcon.icns", "target's");
     options.customIcon = at("gone");
     EXPECT_EQ(iconOf(options), "target's");
 }
 
-TEST_F(Generator, ACustomIconThatIsALinkToNothingIsReplacedByTheTargets) {
+TEST_F(WrapperGeneratorTest, ACustomIconThatIsALinkToNothingIsReplacedByTheTargets) {
     WrapperGenerator::Options options = appOptions("AppIcon");
     targetIcon("AppIcon.icns", "target's");
     fs::create_symlink("nothing", at("dangling"));
     options.customIcon = at("dangling");
     EXPECT_EQ(iconOf(options), "target's");
-    write(at("nothing"), "behind the link");
-    EXPECT_EQ(iconOf(options), "behind the link");
+    write(at("nothing"), "the link's target");
+    EXPECT_EQ(iconOf(options), "the link's target");
 }
 
-TEST_F(Generator, ALabelOfSpacesCopiesTheIconUnchanged) {
+TEST_F(WrapperGeneratorTest, ALabelOfSpacesCopiesTheIconUnchanged) {
     WrapperGenerator::Options options = appOptions("AppIcon");
     targetIcon("AppIcon.icns", "icon bytes");
     options.config.iconLabel = IconLabel{" \t ", "ff0000", IconLabel::Position::top};
     EXPECT_EQ(iconOf(options), "icon bytes");
 }
 
-TEST_F(Generator, ALabelOnAnIconThatIsNoneCopiesItUnchanged) {
+TEST_F(WrapperGeneratorTest, ALabelOnAnInvalidIconCopiesItUnchanged) {
     WrapperGenerator::Options options = appOptions("AppIcon");
     targetIcon("AppIcon.icns", "not an icon");
     options.config.iconLabel = IconLabel{"W", "ff0000", IconLabel::Position::top};
     EXPECT_EQ(iconOf(options), "not an icon");
 }
 
-TEST_F(Generator, AnIconThatCantBeCopiedIsAnErrorAndHoldsUpNobody) {
+TEST_F(WrapperGeneratorTest, AnIconThatCantBeCopiedIsAnErrorAndHoldsUpNobody) {
     WrapperGenerator::Options options = webOptions();
     ::mkfifo(at("fifo").c_str(), 0600);
     for (const fs::path& icon : {at("fifo"), folder_.path()}) {
@@ -241,7 +243,7 @@ TEST_F(Generator, AnIconThatCantBeCopiedIsAnErrorAndHoldsUpNobody) {
     EXPECT_EQ(iconOf(options), "none") << "the next attempt replaces what was left";
 }
 
-TEST_F(Generator, AFolderThatCantBeMadeIsAnError) {
+TEST_F(WrapperGeneratorTest, AFolderThatCantBeMadeIsAnError) {
     write(at("out"), "a file");
     try {
         (void)generate(webOptions());
@@ -253,7 +255,7 @@ TEST_F(Generator, AFolderThatCantBeMadeIsAnError) {
     EXPECT_THROW((void)generate(webOptions(std::string(300, 'n'))), PlatformError);
 }
 
-TEST_F(Generator, ARunnerThatIsAFolderIsAnErrorThatLeavesNoClone) {
+TEST_F(WrapperGeneratorTest, ARunnerThatIsAFolderIsAnErrorThatLeavesNoClone) {
     WrapperGenerator::Options options = webOptions();
     options.runnerBinary = folder_.path();
     EXPECT_THROW((void)generate(options), PlatformError);
@@ -261,7 +263,7 @@ TEST_F(Generator, ARunnerThatIsAFolderIsAnErrorThatLeavesNoClone) {
         << "what has one is a clone";
 }
 
-TEST_F(Generator, ABadTargetIsReportedBeforeTextThatCantBeWritten) {
+TEST_F(WrapperGeneratorTest, ABadTargetIsReportedBeforeTextThatCantBeWritten) {
     WrapperGenerator::Options options = webOptions();
     options.config.extraArgs = {"\xFF"};
     options.config.infoPlistOverrides = {{"K", "\x01"}};
@@ -278,7 +280,7 @@ TEST_F(Generator, ABadTargetIsReportedBeforeTextThatCantBeWritten) {
     }
 }
 
-TEST_F(Generator, AnIconInsideTheWrapperThatIsReplacedIsGoneWithIt) {
+TEST_F(WrapperGeneratorTest, AnIconInsideTheWrapperThatIsReplacedIsGoneWithIt) {
     WrapperGenerator::Options options = appOptions("AppIcon");
     targetIcon("AppIcon.icns", "target's");
     write(at("custom"), "custom");
@@ -288,7 +290,7 @@ TEST_F(Generator, AnIconInsideTheWrapperThatIsReplacedIsGoneWithIt) {
     EXPECT_EQ(iconOf(options), "target's");
 }
 
-TEST_F(Generator, TextThatCantBeWrittenIsAnErrorThatTheNextCallCleansUp) {
+TEST_F(WrapperGeneratorTest, TextThatCantBeWrittenIsAnErrorThatTheNextCallCleansUp) {
     WrapperGenerator::Options options = webOptions();
     options.config.extraArgs = {"\xFF"};
     EXPECT_THROW((void)generate(options), ConfigError);
@@ -298,7 +300,7 @@ TEST_F(Generator, TextThatCantBeWrittenIsAnErrorThatTheNextCallCleansUp) {
     EXPECT_NO_THROW((void)generate(webOptions()));
 }
 
-TEST_F(Generator, TextThatAPropertyListCantHoldLeavesTheOldWrapperAlone) {
+TEST_F(WrapperGeneratorTest, TextThatAPropertyListCantHoldLeavesTheOldWrapperAlone) {
     (void)generate(webOptions());
     write(at("out/Work\x1B.app/Contents/PkgInfo"), "older");
     const auto before = treeOf(at("out"));
@@ -314,7 +316,7 @@ TEST_F(Generator, TextThatAPropertyListCantHoldLeavesTheOldWrapperAlone) {
     }
 }
 
-TEST_F(Generator, NamesArePassedThroughAsTheyStand) {
+TEST_F(WrapperGeneratorTest, NamesArePassedThroughAsTheyStand) {
     EXPECT_EQ(generate(webOptions("a/b")), at("out/a/b.app"));
     EXPECT_TRUE(fs::exists(at("out/a/b.app/Contents/PkgInfo")));
     EXPECT_TRUE(fs::exists(generate(webOptions("/etc")) / "Contents/PkgInfo"));
@@ -324,12 +326,12 @@ TEST_F(Generator, NamesArePassedThroughAsTheyStand) {
     }
 }
 
-TEST_F(Generator, ANameWithANulIsRefused) {
+TEST_F(WrapperGeneratorTest, ANameWithANulIsRefused) {
     EXPECT_THROW((void)generate(webOptions("a\0b"s)), std::invalid_argument);
     EXPECT_FALSE(fs::exists(at("out/a")));
 }
 
-TEST_F(Generator, ATextThatCantBeWrittenIsNamed) {
+TEST_F(WrapperGeneratorTest, ATextThatCantBeWrittenIsNamed) {
     const auto failure = [&](const std::function<void(InstanceConfig&)>& change) -> std::string {
         WrapperGenerator::Options options = webOptions();
         change(options.config);

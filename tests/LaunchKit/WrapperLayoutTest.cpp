@@ -1,5 +1,6 @@
 #include "LaunchKit/WrapperLayout.h"
 
+#include "LaunchKit/InstanceConfig.h"
 #include "LaunchKit/RequestCheck.h"
 #include "LaunchKit/WrapperGenerator.h"
 #include "tests/support/AppBundles.h"
@@ -13,9 +14,9 @@ namespace {
 using namespace testing;
 namespace fs = std::filesystem;
 
-class WrapperLayout : public ::testing::Test {
+class WrapperLayoutTest : public ::testing::Test {
 protected:
-    WrapperLayout() {
+    WrapperLayoutTest() {
         InstanceConfig config = minimalConfig();
         config.kind = ShortcutKind::web;
         wrapper_ = WrapperGenerator().generate(home_ / "Applications", {config, runnerProgram()});
@@ -26,19 +27,29 @@ protected:
     fs::path wrapper_;
 };
 
-TEST_F(WrapperLayout, AWholeCloneIsNotDamaged) {
+TEST_F(WrapperLayoutTest, KnowsWhereThePartsOfAWrapperAre) {
+    EXPECT_EQ(configOf(wrapper_), wrapper_ / "Contents/Resources/instance.json");
+    EXPECT_EQ(iconOf(wrapper_), wrapper_ / "Contents/Resources/AppIcon.icns");
+    EXPECT_EQ(runnerOf(wrapper_), wrapper_ / "Contents/MacOS/runner");
+    EXPECT_EQ(userApplicationsFolder(), home_ / "Applications");
+    EXPECT_EQ(wrapperPath(home_.path(), "/A"), home_.path().string() + "//A.app");
+    EXPECT_TRUE(fs::is_regular_file(configOf(wrapper_)));
+    EXPECT_TRUE(fs::is_regular_file(runnerOf(wrapper_)));
+}
+
+TEST_F(WrapperLayoutTest, AWholeCloneIsNotDamaged) {
     EXPECT_FALSE(isDamagedWrapper(wrapper_));
     EXPECT_FALSE(isDamagedWrapper(home_ / "none.app"));
 }
 
-TEST_F(WrapperLayout, ACloneWithoutAReadableConfigurationIsDamaged) {
+TEST_F(WrapperLayoutTest, ACloneWithoutAReadableConfigurationIsDamaged) {
     damage();
     EXPECT_TRUE(isDamagedWrapper(wrapper_));
     write(wrapper_ / "Contents/Resources/AppIcon.icns", "icon");
     EXPECT_TRUE(isDamagedWrapper(wrapper_));
 }
 
-TEST_F(WrapperLayout, AWholeCloneThatLostItsConfigurationAloneIsDamaged) {
+TEST_F(WrapperLayoutTest, AWholeCloneThatLostItsConfigurationAloneIsDamaged) {
     fs::remove(wrapper_ / "Contents/Resources/instance.json");
     EXPECT_TRUE(isDamagedWrapper(wrapper_));
     for (const char* part : {"MacOS/runner", "Info.plist", "PkgInfo"}) {
@@ -50,7 +61,7 @@ TEST_F(WrapperLayout, AWholeCloneThatLostItsConfigurationAloneIsDamaged) {
     EXPECT_FALSE(isDamagedWrapper(wrapper_));
 }
 
-TEST_F(WrapperLayout, AConfigurationThatIsNoFileMayHoldSomebodysOwn) {
+TEST_F(WrapperLayoutTest, AConfigurationThatIsNotAFileIsKept) {
     const fs::path config = wrapper_ / "Contents/Resources/instance.json";
     fs::remove(config);
     write(config / "notes.txt", "mine");
@@ -60,7 +71,7 @@ TEST_F(WrapperLayout, AConfigurationThatIsNoFileMayHoldSomebodysOwn) {
     EXPECT_FALSE(isDamagedWrapper(wrapper_));
 }
 
-TEST_F(WrapperLayout, WhatHoldsAnythingElseIsSomebodysOwn) {
+TEST_F(WrapperLayoutTest, WhatHoldsAnythingElseIsSomebodysOwn) {
     damage();
     for (const char* other : {"notes.txt", "Contents/Frameworks/library", "Contents/MacOS/other",
                               "Contents/Resources/notes.txt"}) {
@@ -76,7 +87,7 @@ TEST_F(WrapperLayout, WhatHoldsAnythingElseIsSomebodysOwn) {
     EXPECT_FALSE(isDamagedWrapper(wrapper_));
 }
 
-TEST_F(WrapperLayout, ADamagedCloneIsReplacedOnlyWhenThatIsMeant) {
+TEST_F(WrapperLayoutTest, ADamagedCloneIsReplacedOnlyWhenThatIsMeant) {
     damage();
     WrapperFactory::Request request;
     request.kind = ShortcutKind::web;

@@ -1,5 +1,6 @@
-#include "LaunchKit/WrapperGenerator.h"
+#include "LaunchKit/WrapperPropertyList.h"
 
+#include "LaunchKit/InstanceConfig.h"
 #include "Platform/files/PropertyListFile.h"
 #include "tests/support/AppBundles.h"
 #include "tests/support/TemporaryHome.h"
@@ -12,7 +13,7 @@ namespace {
 using namespace testing;
 
 PropertyListValue coerced(std::string_view text) {
-    return WrapperGenerator::coercePlistValue(text);
+    return WrapperPropertyList::coercePlistValue(text);
 }
 
 WrapperGenerator::Options plainOptions() {
@@ -22,10 +23,10 @@ WrapperGenerator::Options plainOptions() {
 }
 
 PropertyListDictionary infoPlist(const WrapperGenerator::Options& options) {
-    return WrapperGenerator::infoPlist(options, std::nullopt);
+    return WrapperPropertyList::infoPlist(options, std::nullopt);
 }
 
-TEST(WrapperPropertyList, APlainCloneHasExactlyTheTenFixedKeys) {
+TEST(WrapperPropertyListTest, APlainCloneHasExactlyTheTenFixedKeys) {
     EXPECT_EQ(infoPlist(plainOptions()), (PropertyListDictionary{
                                              {"CFBundleName", "Work"},
                                              {"CFBundleDisplayName", "Work"},
@@ -40,18 +41,18 @@ TEST(WrapperPropertyList, APlainCloneHasExactlyTheTenFixedKeys) {
                                          }));
 }
 
-TEST(WrapperPropertyList, AnInstalledIconIsNamed) {
-    EXPECT_EQ(WrapperGenerator::infoPlist(plainOptions(), "AppIcon").at("CFBundleIconFile"),
+TEST(WrapperPropertyListTest, AnInstalledIconIsNamed) {
+    EXPECT_EQ(WrapperPropertyList::infoPlist(plainOptions(), "AppIcon").at("CFBundleIconFile"),
               "AppIcon");
 }
 
-TEST(WrapperPropertyList, AHiddenWrapperIsAnAgent) {
+TEST(WrapperPropertyListTest, AHiddenWrapperIsAnAgent) {
     WrapperGenerator::Options options = plainOptions();
     options.hideWrapperIcon = true;
     EXPECT_EQ(infoPlist(options).at("LSUIElement"), true);
 }
 
-TEST(WrapperPropertyList, ABrowserDeclaresTheWebsSchemesUnderItsIdentifier) {
+TEST(WrapperPropertyListTest, ABrowserDeclaresTheWebsSchemesUnderItsIdentifier) {
     WrapperGenerator::Options options = plainOptions();
     options.config.registerAsBrowser = true;
     const PropertyListArray expected{PropertyListDictionary{
@@ -61,7 +62,7 @@ TEST(WrapperPropertyList, ABrowserDeclaresTheWebsSchemesUnderItsIdentifier) {
     EXPECT_EQ(infoPlist(options).at("CFBundleURLTypes"), expected);
 }
 
-TEST(WrapperPropertyList, PassthroughOffersToViewAnyDocument) {
+TEST(WrapperPropertyListTest, PassthroughOffersToViewAnyDocument) {
     WrapperGenerator::Options options = plainOptions();
     options.config.openWithPassthrough = true;
     const PropertyListArray expected{PropertyListDictionary{
@@ -73,7 +74,7 @@ TEST(WrapperPropertyList, PassthroughOffersToViewAnyDocument) {
     EXPECT_EQ(infoPlist(options).at("CFBundleDocumentTypes"), expected);
 }
 
-TEST(WrapperPropertyList, EachFlagAddsItsOwnKeyAlone) {
+TEST(WrapperPropertyListTest, EachFlagAddsItsOwnKeyAlone) {
     const std::size_t fixed = infoPlist(plainOptions()).size();
     WrapperGenerator::Options options = plainOptions();
     options.config.menuBarIcon = true;
@@ -90,7 +91,7 @@ TEST(WrapperPropertyList, EachFlagAddsItsOwnKeyAlone) {
     EXPECT_EQ(infoPlist(options).size(), fixed + 1);
 }
 
-TEST(WrapperPropertyList, OverridesReplaceEverything) {
+TEST(WrapperPropertyListTest, OverridesReplaceEverything) {
     WrapperGenerator::Options options = plainOptions();
     options.hideWrapperIcon = true;
     options.config.registerAsBrowser = true;
@@ -108,7 +109,7 @@ TEST(WrapperPropertyList, OverridesReplaceEverything) {
         {"", "an empty key"},
         {"New", "yes"},
     };
-    const PropertyListDictionary info = WrapperGenerator::infoPlist(options, "AppIcon");
+    const PropertyListDictionary info = WrapperPropertyList::infoPlist(options, "AppIcon");
     EXPECT_EQ(info.at("LSUIElement"), false);
     EXPECT_EQ(info.at("CFBundleURLTypes"), false);
     EXPECT_EQ(info.at("CFBundleDocumentTypes"), false);
@@ -122,7 +123,7 @@ TEST(WrapperPropertyList, OverridesReplaceEverything) {
     EXPECT_EQ(info.at("New"), true);
 }
 
-TEST(WrapperPropertyList, AnOverriddenIdentifierLeavesTheConfigurationAlone) {
+TEST(WrapperPropertyListTest, AnOverriddenIdentifierLeavesTheConfigurationAlone) {
     const TemporaryFolder folder;
     const TemporaryHome home;
     write(folder / "runner", "");
@@ -136,7 +137,7 @@ TEST(WrapperPropertyList, AnOverriddenIdentifierLeavesTheConfigurationAlone) {
               "app.quorvel.instance.test");
 }
 
-TEST(WrapperPropertyList, WordsForTrueAndFalseAreBooleans) {
+TEST(WrapperPropertyListTest, WordsForTrueAndFalseAreBooleans) {
     for (const char* text : {"true", "YES", " Yes\t", "True"}) {
         EXPECT_EQ(coerced(text), true) << text;
     }
@@ -145,7 +146,7 @@ TEST(WrapperPropertyList, WordsForTrueAndFalseAreBooleans) {
     }
 }
 
-TEST(WrapperPropertyList, WholeNumbersAreIntegers) {
+TEST(WrapperPropertyListTest, WholeNumbersAreIntegers) {
     EXPECT_EQ(coerced("42"), std::int64_t{42});
     EXPECT_EQ(coerced(" 7 "), std::int64_t{7});
     EXPECT_EQ(coerced("-7"), std::int64_t{-7});
@@ -155,7 +156,7 @@ TEST(WrapperPropertyList, WholeNumbersAreIntegers) {
     EXPECT_EQ(coerced("-9223372036854775808"), std::numeric_limits<std::int64_t>::min());
 }
 
-TEST(WrapperPropertyList, EverythingElseStaysTheTextItIs) {
+TEST(WrapperPropertyListTest, EverythingElseStaysTheTextItIs) {
     for (const char* text :
          {"",     " ",      " \t", " seven ", "1.5",   "0x10", "1e3",   "9223372036854775808",
           "-",    "+",      "+-5", "--5",     "- 5",   "1 2",  "1_000", "٣",

@@ -18,7 +18,7 @@ namespace {
 namespace fs = std::filesystem;
 
 // The application's bundle, laid out from this build.
-class StagedBundle : public ::testing::Test {
+class BundleTest : public ::testing::Test {
 protected:
     static void SetUpTestSuite() {
         folder_ = new TemporaryFolder;
@@ -41,9 +41,9 @@ protected:
     static TemporaryFolder* folder_;
 };
 
-TemporaryFolder* StagedBundle::folder_ = nullptr;
+TemporaryFolder* BundleTest::folder_ = nullptr;
 
-TEST_F(StagedBundle, HoldsTheseFilesAndNoOther) {
+TEST_F(BundleTest, HoldsTheseFilesAndNoOther) {
     std::set<std::string> files;
     for (const auto& entry : fs::recursive_directory_iterator(folder_->path())) {
         if (!entry.is_directory()) {
@@ -60,7 +60,7 @@ TEST_F(StagedBundle, HoldsTheseFilesAndNoOther) {
                      }));
 }
 
-TEST_F(StagedBundle, LetsItsProgramsAndNothingElseBeExecuted) {
+TEST_F(BundleTest, MakesOnlyItsProgramsExecutable) {
     for (const auto& entry : fs::recursive_directory_iterator(contents())) {
         const fs::path& file = entry.path();
         const bool isProgram =
@@ -71,7 +71,7 @@ TEST_F(StagedBundle, LetsItsProgramsAndNothingElseBeExecuted) {
     }
 }
 
-TEST_F(StagedBundle, SaysWhatItIs) {
+TEST_F(BundleTest, SaysWhatItIs) {
     EXPECT_EQ(info("CFBundleIdentifier"), "app.quorvel.Quorvel");
     EXPECT_EQ(info("CFBundleName"), "Quorvel");
     EXPECT_EQ(info("CFBundlePackageType"), "APPL");
@@ -85,18 +85,18 @@ TEST_F(StagedBundle, SaysWhatItIs) {
     EXPECT_EQ(dictionary->at("NSHighResolutionCapable"), true);
 }
 
-TEST_F(StagedBundle, HasANumberForItsBuild) {
+TEST_F(BundleTest, HasANumberForItsBuild) {
     const std::string number = info("CFBundleVersion");
     EXPECT_FALSE(number.empty());
     EXPECT_EQ(number.find_first_not_of("0123456789."), std::string::npos) << number;
 }
 
-TEST_F(StagedBundle, HasNoUpdatesUnlessAFeedIsGiven) {
+TEST_F(BundleTest, HasNoUpdatesWithoutAFeed) {
     EXPECT_EQ(info("SUFeedURL"), "");
     EXPECT_EQ(info("SUPublicEDKey"), "");
 }
 
-TEST_F(StagedBundle, HasAnInfoPlistThatTheSystemsOwnToolReads) {
+TEST_F(BundleTest, HasAnInfoPlistThatTheSystemsOwnToolReads) {
     const std::string file = (contents() / "Info.plist").string();
     const Outcome reading =
         itemExists("/usr/bin/plutil")
@@ -107,7 +107,7 @@ TEST_F(StagedBundle, HasAnInfoPlistThatTheSystemsOwnToolReads) {
         << reading.output;
 }
 
-TEST_F(StagedBundle, HasAnIconInEverySize) {
+TEST_F(BundleTest, HasAnIconInEverySize) {
     const auto icon = IcnsFile::read(contents() / "Resources/AppIcon.icns");
     ASSERT_TRUE(icon);
     std::map<std::string, int> sides;
@@ -127,7 +127,7 @@ TEST_F(StagedBundle, HasAnIconInEverySize) {
                                                  {"ic14", 512}}));
 }
 
-TEST_F(StagedBundle, HasTheIconThatIsDrawn) {
+TEST_F(BundleTest, HasTheIconThatIsDrawn) {
     const auto icon = IcnsFile::read(contents() / "Resources/AppIcon.icns");
     ASSERT_TRUE(icon);
     for (std::size_t index = 0; index < icon->entries().size(); ++index) {
@@ -143,7 +143,7 @@ TEST_F(StagedBundle, HasTheIconThatIsDrawn) {
     }
 }
 
-TEST_F(StagedBundle, HasACommandLineThatMakesClonesWithItsOwnRunner) {
+TEST_F(BundleTest, HasACommandLineThatMakesClonesWithItsOwnRunner) {
     const TemporaryHome home;
     const fs::path app = makeAppBundle(home / "Thing.app");
     const Outcome creating = outcomeOf({(contents() / "MacOS/quorvelctl").string(), "create",
@@ -154,7 +154,7 @@ TEST_F(StagedBundle, HasACommandLineThatMakesClonesWithItsOwnRunner) {
 }
 
 // The application's Info.plist for these settings of the build.
-class InfoPlist : public ::testing::Test {
+class BundleTestInfoPlist : public ::testing::Test {
 protected:
     Outcome made(std::vector<std::string> settings) {
         std::vector<std::string> command{QUORVEL_CMAKE, "-DQUORVEL_VERSION=1.2",
@@ -172,7 +172,7 @@ protected:
     fs::path file_ = folder_ / "Info.plist";
 };
 
-TEST_F(InfoPlist, NamesTheFeedOfUpdatesWhenThereIsOne) {
+TEST_F(BundleTestInfoPlist, NamesTheFeedOfUpdatesWhenThereIsOne) {
     const std::string feed = "https://example.com/feed?a=1&b=<2>";
     const Outcome making = made({"-DQUORVEL_BUILD_NUMBER=7", "-DQUORVEL_UPDATE_FEED=" + feed,
                                  "-DQUORVEL_UPDATE_KEY=a+b/c="});
@@ -183,12 +183,12 @@ TEST_F(InfoPlist, NamesTheFeedOfUpdatesWhenThereIsOne) {
     EXPECT_EQ(entry("CFBundleShortVersionString"), "1.2");
 }
 
-TEST_F(InfoPlist, NamesNoFeedWhenThereIsNone) {
+TEST_F(BundleTestInfoPlist, NamesNoFeedByDefault) {
     ASSERT_EQ(made({"-DQUORVEL_BUILD_NUMBER=7"}).status, 0);
     EXPECT_EQ(entry("SUFeedURL"), "none");
 }
 
-TEST_F(InfoPlist, RefusesANumberThatUpdatesCantBeToldApartBy) {
+TEST_F(BundleTestInfoPlist, RefusesANumberThatCannotTellUpdatesApart) {
     for (const char* number : {"", "seven", "7-beta", "1.2.3.4", "1."}) {
         const Outcome making = made({std::string("-DQUORVEL_BUILD_NUMBER=") + number});
         EXPECT_NE(making.status, 0) << number;
@@ -197,7 +197,7 @@ TEST_F(InfoPlist, RefusesANumberThatUpdatesCantBeToldApartBy) {
     EXPECT_EQ(entry("CFBundleVersion"), "no file");
 }
 
-TEST_F(InfoPlist, RefusesAKeyWithoutAFeed) {
+TEST_F(BundleTestInfoPlist, RefusesAKeyWithoutAFeed) {
     EXPECT_NE(made({"-DQUORVEL_BUILD_NUMBER=7", "-DQUORVEL_UPDATE_KEY=abc"}).status, 0);
 }
 

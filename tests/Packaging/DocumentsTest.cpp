@@ -34,7 +34,7 @@ bool isThere(const std::string& name) {
     return false;
 }
 
-TEST(Contributing, HasAtMostTwentyFiveRulesNumberedInOrder) {
+TEST(DocumentsTest, ContributingHasAtMostTwentyFiveRulesNumberedInOrder) {
     const auto numbers =
         matchesIn(section(read(sourceFolder + "/CONTRIBUTING.md"), "Rules"), "^([0-9]+)\\. ");
     EXPECT_GE(numbers.size(), 10U);
@@ -44,7 +44,7 @@ TEST(Contributing, HasAtMostTwentyFiveRulesNumberedInOrder) {
     }
 }
 
-TEST(Contributing, NamesOnlyFilesThatAreThere) {
+TEST(DocumentsTest, ContributingNamesOnlyFilesThatAreThere) {
     const auto names = matchesIn(read(sourceFolder + "/CONTRIBUTING.md"),
                                  "`((?:[A-Z][A-Za-z]+|docs|fuzz|scripts|tests|tools)/[\\w./-]+)`");
     EXPECT_GE(names.size(), 10U);
@@ -53,7 +53,7 @@ TEST(Contributing, NamesOnlyFilesThatAreThere) {
     }
 }
 
-TEST(Documents, LinkOnlyToFilesThatAreThere) {
+TEST(DocumentsTest, LinkOnlyToFilesThatAreThere) {
     for (const char* document : {"README.md", "CONTRIBUTING.md", "SECURITY.md", "CHANGELOG.md"}) {
         for (const std::string& target :
              matchesIn(read(sourceFolder + "/" + document), "\\]\\(([^)#:]+)\\)")) {

@@ -13,7 +13,7 @@ using ::testing::HasSubstr;
 using ::testing::IsEmpty;
 
 // A small tree of sources whose figures can be counted by hand.
-class Figures : public ::testing::Test {
+class FiguresTest : public ::testing::Test {
 protected:
     void source(const std::string& name, const std::string& text) { write(tree_ / name, text); }
 
@@ -45,11 +45,16 @@ protected:
         return result;
     }
 
+    void expectFunctions(const std::string& count, const std::string& lines) const {
+        EXPECT_EQ(figure("functions"), count);
+        EXPECT_EQ(figure("function lines median / p90 / max"), lines);
+    }
+
 private:
     TemporaryFolder tree_;
 };
 
-TEST_F(Figures, CountFilesAndLinesOfSourcesAndOfTests) {
+TEST_F(FiguresTest, CountFilesAndLinesOfSourcesAndOfTests) {
     source("Platform/A.h", "one\ntwo\n");
     source("Platform/A.cpp", "one\ntwo\nthree\n");
     source("tests/Platform/ATest.cpp", "TEST(A, Works) {\n}\n");
@@ -61,7 +66,7 @@ TEST_F(Figures, CountFilesAndLinesOfSourcesAndOfTests) {
     EXPECT_EQ(figure("tests"), "1");
 }
 
-TEST_F(Figures, MeasureAFunctionFromItsSignatureToItsLastBrace) {
+TEST_F(FiguresTest, MeasureAFunctionFromItsSignatureToItsLastBrace) {
     source("Platform/A.cpp", "namespace q {\n"
                              "int little() { return 1; }\n"
                              "\n"
@@ -72,12 +77,11 @@ TEST_F(Figures, MeasureAFunctionFromItsSignatureToItsLastBrace) {
                              "    return a;\n"
                              "}\n"
                              "}\n");
-    EXPECT_EQ(figure("functions"), "2");
-    EXPECT_EQ(figure("function lines median / p90 / max"), "1 / 5 / 5 (large, Platform/A.cpp)");
+    expectFunctions("2", "1 / 5 / 5 (large, Platform/A.cpp)");
     EXPECT_EQ(figure("most parameters"), "2 (large, Platform/A.cpp)");
 }
 
-TEST_F(Figures, FindConstructorsWhoseMembersAreInitialisedInBraces) {
+TEST_F(FiguresTest, FindConstructorsWhoseMembersAreInitialisedInBraces) {
     source("Platform/A.cpp", "A::A(int size)\n"
                              "    : size_{size}, name_(\"a\") {\n"
                              "    if (size) {\n"
@@ -85,11 +89,10 @@ TEST_F(Figures, FindConstructorsWhoseMembersAreInitialisedInBraces) {
                              "}\n"
                              "const std::map<int, int> table{{1, 2}};\n"
                              "const auto made = make({1, 2});\n");
-    EXPECT_EQ(figure("functions"), "1");
-    EXPECT_EQ(figure("function lines median / p90 / max"), "5 / 5 / 5 (A, Platform/A.cpp)");
+    expectFunctions("1", "5 / 5 / 5 (A, Platform/A.cpp)");
 }
 
-TEST_F(Figures, CountDecisionsButNotRvalueReferences) {
+TEST_F(FiguresTest, CountDecisionsButNotRvalueReferences) {
     source("Platform/A.cpp", "bool f(std::string&& text) {\n"
                              "    for (auto&& c : text) {\n"
                              "        if (c == 'a' && text != \"if\") { return true; }\n"
@@ -99,7 +102,7 @@ TEST_F(Figures, CountDecisionsButNotRvalueReferences) {
     EXPECT_EQ(figure("complexity median / p90 / p99 / max"), "5 / 5 / 5 / 5 (f, Platform/A.cpp)");
 }
 
-TEST_F(Figures, ListIncludesOfAHigherLayerAndOfAnotherFrontEnd) {
+TEST_F(FiguresTest, ListIncludesOfAHigherLayerAndOfAnotherFrontEnd) {
     source("Platform/A.h", "#include \"LaunchKit/B.h\"\n#include \"Platform/C.h\"\n");
     source("LaunchKit/B.h", "#include \"Platform/A.h\"\n");
     source("CommandLine/D.cpp", "#include \"QuorvelApp/E.h\"\n#include \"ProbeKit/F.h\"\n");
@@ -108,7 +111,7 @@ TEST_F(Figures, ListIncludesOfAHigherLayerAndOfAnotherFrontEnd) {
     EXPECT_EQ(figure("includes that go up"), "2");
 }
 
-TEST_F(Figures, ListOperatingSystemCodeOutsidePlatform) {
+TEST_F(FiguresTest, ListOperatingSystemCodeOutsidePlatform) {
     source("Platform/A.cpp", "#include <unistd.h>\n");
     source("Runner/View_linux.cpp", "#include <unistd.h>\n");
     source("LaunchKit/B.cpp", "#include <sys/stat.h>\n#include <string>\n");
@@ -118,7 +121,7 @@ TEST_F(Figures, ListOperatingSystemCodeOutsidePlatform) {
                             "LaunchKit/C.cpp: asks for the operating system while compiling"));
 }
 
-TEST_F(Figures, ListHeadersThatAreImplementedInASourceOfAnotherName) {
+TEST_F(FiguresTest, ListHeadersThatAreImplementedInASourceOfAnotherName) {
     source("Platform/A.h", "namespace q {\nint here();\nint there();\n"
                            "class Thing {\npublic:\n    void go();\n};\n}\n");
     source("Platform/A_linux.cpp", "#include \"Platform/A.h\"\nint q::here() { return 1; }\n");
@@ -130,7 +133,23 @@ TEST_F(Figures, ListHeadersThatAreImplementedInASourceOfAnotherName) {
     EXPECT_EQ(figure("headers / functions implemented elsewhere"), "1 / 2");
 }
 
-TEST_F(Figures, ListPublicFunctionsWithoutAComment) {
+TEST_F(FiguresTest, ListHeadersWithoutASourceOfTheirOwnName) {
+    const std::string declaration = "namespace q {\nint far();\n}\n";
+    source("Platform/Owned.h", declaration);
+    source("Platform/Owned_linux.cpp", "");
+    source("Platform/files/Other.h", declaration);
+    source("Platform/Other.cpp", "");
+    source("Platform/Alone.h", declaration);
+    source("Platform/NeedsNone.h", "inline int one() { return 1; }\n"
+                                   "class A {\npublic:\n    virtual void draw() = 0;\n"
+                                   "    A(const A&) = delete;\n    ~A() = default;\n"
+                                   "Q_SIGNALS:\n    void changed();\n};\n");
+    EXPECT_THAT(places("sourceless"),
+                ElementsAre("Platform/Alone.h: far", "Platform/files/Other.h: far"));
+    EXPECT_EQ(figure("headers without a source of their own name"), "2");
+}
+
+TEST_F(FiguresTest, ListPublicFunctionsWithoutAComment) {
     source("Platform/A.h", "/// A thing.\n"
                            "class A : public B {\n"
                            "    Q_OBJECT\n"
@@ -160,7 +179,7 @@ TEST_F(Figures, ListPublicFunctionsWithoutAComment) {
     EXPECT_EQ(figure("undocumented public functions / all of them"), "2 / 5");
 }
 
-TEST_F(Figures, CountLinesThatStandInTwoPlaces) {
+TEST_F(FiguresTest, CountLinesThatOccurTwice) {
     const std::string six = "a = 1;\nb = 2;\nc = 3;\nd = 4;\ne = 5;\nf = 6;\n";
     source("Platform/A.cpp", "#include <a>\n" + six);
     source("LaunchKit/B.cpp", "g = 7;\n" + six);
@@ -168,7 +187,7 @@ TEST_F(Figures, CountLinesThatStandInTwoPlaces) {
     EXPECT_EQ(figure("shared lines"), "12");
 }
 
-TEST_F(Figures, CountRawNewAndDeleteButNotDeletedFunctions) {
+TEST_F(FiguresTest, CountRawNewAndDeleteButNotDeletedFunctions) {
     source("QuorvelApp/A.cpp", "auto* a = new QLabel(this); // new Line\nauto b = \"new Text\";\n");
     source("LaunchKit/B.cpp", "auto* a = new Thing;\ndelete a;\nB(const B&) = delete;\n");
     EXPECT_EQ(figure("raw new in QuorvelApp"), "1");
@@ -176,13 +195,13 @@ TEST_F(Figures, CountRawNewAndDeleteButNotDeletedFunctions) {
     EXPECT_EQ(figure("raw delete"), "1");
 }
 
-TEST_F(Figures, SayNothingOfAnEmptyTree) {
+TEST_F(FiguresTest, AcceptAnEmptyTree) {
     EXPECT_EQ(figures().status, 0);
     EXPECT_EQ(figure("source files / lines"), "0 / 0");
     EXPECT_THAT(places("long"), IsEmpty());
 }
 
-TEST_F(Figures, RefuseAListThatTheyDontHave) {
+TEST_F(FiguresTest, RefuseAnUnknownList) {
     const Outcome refusal = figures({"--list", "beauty"});
     EXPECT_EQ(refusal.status, 2);
     EXPECT_THAT(refusal.output, HasSubstr("not beauty"));

@@ -10,8 +10,8 @@ namespace {
 namespace fs = std::filesystem;
 using ::testing::HasSubstr;
 
-// A repository of its own with this tree's hook enabled.
-class PreCommitHook : public ::testing::Test {
+// A new repository with this tree's hook enabled.
+class LintTestPreCommitHook : public ::testing::Test {
 protected:
     void SetUp() override {
         for (const char* program : {"git", "clang-format-14", "shellcheck"}) {
@@ -45,10 +45,17 @@ protected:
         return git({"rev-parse", "--verify", "--quiet", "HEAD"}).status == 0;
     }
 
+    // Expects that a commit fails with this text in its output.
+    void expectRefusal(const std::string& text) const {
+        const Outcome committing = commit();
+        EXPECT_NE(committing.status, 0);
+        EXPECT_THAT(committing.output, HasSubstr(text));
+    }
+
     TemporaryFolder tree_;
 };
 
-TEST_F(PreCommitHook, LetsWellFormedChangesThrough) {
+TEST_F(LintTestPreCommitHook, LetsWellFormedChangesThrough) {
     stage("a.cpp", "int one() {\n    return 1;\n}\n");
     stage("script", "#!/bin/sh\necho \"$1\"\n");
     const Outcome committing = commit();
@@ -56,15 +63,13 @@ TEST_F(PreCommitHook, LetsWellFormedChangesThrough) {
     EXPECT_TRUE(hasCommits());
 }
 
-TEST_F(PreCommitHook, RefusesASourceThatIsNotFormatted) {
+TEST_F(LintTestPreCommitHook, RefusesASourceThatIsNotFormatted) {
     stage("a.cpp", "int  one( ) { return 1;}\n");
-    const Outcome committing = commit();
-    EXPECT_NE(committing.status, 0);
-    EXPECT_THAT(committing.output, HasSubstr("a.cpp:1:"));
+    expectRefusal("a.cpp:1:");
     EXPECT_FALSE(hasCommits());
 }
 
-TEST_F(PreCommitHook, JudgesWhatIsStagedAndNotWhatLiesInTheFolder) {
+TEST_F(LintTestPreCommitHook, ChecksWhatIsStagedAndNotTheWorkingTree) {
     stage("a.cpp", "int one() {\n    return 1;\n}\n");
     write(tree_ / "a.cpp", "int  one( ) { return 1;}\n");
     EXPECT_EQ(commit().status, 0);
@@ -73,15 +78,13 @@ TEST_F(PreCommitHook, JudgesWhatIsStagedAndNotWhatLiesInTheFolder) {
     EXPECT_NE(commit().status, 0);
 }
 
-TEST_F(PreCommitHook, RefusesAScriptThatSplitsItsWords) {
+TEST_F(LintTestPreCommitHook, RefusesAScriptWithUnquotedExpansions) {
     stage("folder with space/script", "#!/bin/sh\nrm $1\n");
-    const Outcome committing = commit();
-    EXPECT_NE(committing.status, 0);
-    EXPECT_THAT(committing.output, HasSubstr("SC2086"));
+    expectRefusal("SC2086");
     EXPECT_FALSE(hasCommits());
 }
 
-TEST_F(PreCommitHook, ChecksAPieceThatIsSourcedWithWhatItSources) {
+TEST_F(LintTestPreCommitHook, ChecksASourcedScriptWithWhatItSources) {
     stage("part.sh", "# shellcheck shell=sh\nexport name=one\n");
     stage("script", "#!/bin/sh\n. \"$(dirname \"$0\")/part.sh\"\necho \"$name\"\n");
     const Outcome committing = commit();
@@ -90,7 +93,7 @@ TEST_F(PreCommitHook, ChecksAPieceThatIsSourcedWithWhatItSources) {
     EXPECT_NE(commit().status, 0);
 }
 
-TEST_F(PreCommitHook, RefusesWhatStaticAnalysisFindsInTheChange) {
+TEST_F(LintTestPreCommitHook, RefusesWhatStaticAnalysisFindsInTheChange) {
     if (outcomeOf({"/bin/sh", "-c", "command -v clang-tidy-diff-14.py"}).status != 0) {
         GTEST_SKIP() << "clang-tidy-14 is not installed";
     }
@@ -102,21 +105,19 @@ TEST_F(PreCommitHook, RefusesWhatStaticAnalysisFindsInTheChange) {
     stage("a.cpp", "struct A {\n    static int n;\n};\n");
     EXPECT_EQ(commit().status, 0);
     stage("a.cpp", "struct A {\n    static int n;\n};\nint f(A a) {\n    return a.n;\n}\n");
-    const Outcome committing = commit();
-    EXPECT_NE(committing.status, 0);
-    EXPECT_THAT(committing.output, HasSubstr("readability-static-accessed-through-instance"));
+    expectRefusal("readability-static-accessed-through-instance");
 }
 
-TEST(LintScript, RefusesACheckThatItDoesNotHave) {
+TEST(LintTest, RefusesACheckThatItDoesNotHave) {
     const Outcome refusal = outcomeOf({QUORVEL_SOURCE "/scripts/lint", "beauty"});
     EXPECT_EQ(refusal.status, 1);
     EXPECT_EQ(refusal.output, "usage: scripts/lint [format|shell|tidy|--staged]\n");
 }
 
-TEST(LintScript, FindsEveryShellScriptOfThisTreeInOrder) {
+TEST(LintTest, FindsEveryShellScriptOfThisTreeInOrder) {
     if (outcomeOf({"/bin/sh", "-c", "command -v git && command -v shellcheck"}).status != 0 ||
         !itemExists(QUORVEL_SOURCE "/.git")) {
-        GTEST_SKIP() << "git or shellcheck is not installed, or this is no checkout";
+        GTEST_SKIP() << "git or shellcheck is not installed, or this is not a checkout";
     }
     const Outcome checking = outcomeOf({QUORVEL_SOURCE "/scripts/lint", "shell"});
     EXPECT_EQ(checking.status, 0) << checking.output;

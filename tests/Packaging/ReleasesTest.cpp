@@ -11,7 +11,7 @@ using ::testing::Not;
 const std::string sourceFolder = QUORVEL_SOURCE;
 
 // AppStream metadata made from a changelog.
-class Releases : public ::testing::Test {
+class ReleasesTest : public ::testing::Test {
 protected:
     void SetUp() override {
         write(folder_ / "metainfo.xml", "<component>\n  <id>a</id>\n</component>\n");
@@ -37,7 +37,7 @@ protected:
     TemporaryFolder folder_;
 };
 
-TEST_F(Releases, AreListedWithTheirEntriesAndWhatIsUnreleasedIsNot) {
+TEST_F(ReleasesTest, AreListedWithTheirEntriesAndWhatIsUnreleasedIsNot) {
     const Outcome outcome =
         from("# Changelog\n\nAn introduction.\n\n"
              "## Unreleased\n\n- Not yet.\n\n"
@@ -60,12 +60,12 @@ TEST_F(Releases, AreListedWithTheirEntriesAndWhatIsUnreleasedIsNot) {
                               "</component>\n");
 }
 
-TEST_F(Releases, AreNoneBeforeTheFirst) {
+TEST_F(ReleasesTest, AreNoneBeforeTheFirst) {
     EXPECT_EQ(from("# Changelog\n\n## Unreleased\n\n- Not yet.\n").output,
               "<component>\n  <id>a</id>\n</component>\n");
 }
 
-TEST_F(Releases, MustHaveAHeadingOfTheirForm) {
+TEST_F(ReleasesTest, MustHaveAHeadingOfTheirForm) {
     EXPECT_EQ(errorOf("# Changelog\n\n## 1.0 - 2026-01-02\n"),
               "line 3: a section must be \"## Unreleased\" or \"## VERSION - YYYY-MM-DD\": "
               "## 1.0 - 2026-01-02\n");
@@ -73,22 +73,22 @@ TEST_F(Releases, MustHaveAHeadingOfTheirForm) {
     EXPECT_THAT(errorOf("## 1.0.0 - 2026-01-02\n## Unreleased\n"), HasSubstr("line 2:"));
 }
 
-TEST_F(Releases, MustBeOnADayThatExists) {
+TEST_F(ReleasesTest, MustBeOnADayThatExists) {
     EXPECT_THAT(errorOf("## 1.0.0 - 2026-02-30\n"), HasSubstr("line 1: day is out of range"));
 }
 
-TEST_F(Releases, MustComeInOrderAndNotBeNewerThanTheProject) {
+TEST_F(ReleasesTest, MustComeInOrderAndNotBeNewerThanTheProject) {
     EXPECT_THAT(errorOf("## 1.9.0 - 2026-01-02\n## 1.10.0 - 2026-01-03\n"),
                 HasSubstr("line 2: 1.10.0 comes after 1.9.0"));
     EXPECT_THAT(errorOf("## 2.0.1 - 2026-01-02\n"), HasSubstr("line 1: 2.0.1 is newer"));
 }
 
-TEST_F(Releases, HoldEntriesOnly) {
+TEST_F(ReleasesTest, HoldEntriesOnly) {
     EXPECT_THAT(errorOf("## 1.0.0 - 2026-01-02\nProse.\n"), HasSubstr("line 2: neither an entry"));
     EXPECT_THAT(errorOf("## Unreleased\n* Star.\n"), HasSubstr("line 2: neither an entry"));
 }
 
-TEST_F(Releases, NeedMetadataWithAComponentToGoInto) {
+TEST_F(ReleasesTest, NeedMetadataWithAComponentToGoInto) {
     const std::string file = (folder_ / "metainfo.xml").string() + ": ";
     write(folder_ / "metainfo.xml", "<other/>\n");
     const Outcome without = from("# Changelog\n");
@@ -100,7 +100,7 @@ TEST_F(Releases, NeedMetadataWithAComponentToGoInto) {
     EXPECT_EQ(missing.output, file + "No such file or directory\n");
 }
 
-TEST_F(Releases, OfThisTreeAreWellFormed) {
+TEST_F(ReleasesTest, OfThisTreeAreWellFormed) {
     const Outcome outcome =
         outcomeOf({sourceFolder + "/tools/appstream-releases", sourceFolder + "/CHANGELOG.md",
                    sourceFolder + "/packaging/app.quorvel.Quorvel.metainfo.xml", QUORVEL_VERSION,
@@ -109,7 +109,7 @@ TEST_F(Releases, OfThisTreeAreWellFormed) {
     EXPECT_THAT(outcome.output, Not(HasSubstr("Unreleased")));
 }
 
-TEST(Licence, IsSaidToBeMissingUntilOneIsChosen) {
+TEST_F(ReleasesTest, LicenceIsSaidToBeMissingUntilOneIsChosen) {
     const std::string statement = "No licence has been chosen yet";
     EXPECT_THAT(read(sourceFolder + "/README.md"), HasSubstr(statement));
     EXPECT_THAT(read(sourceFolder + "/packaging/app.quorvel.Quorvel.metainfo.xml"),

@@ -9,16 +9,16 @@
 namespace quorvel::testing {
 namespace {
 
-TEST(PackagingScript, SaysWhereThereIsNoMacThatItNeedsOne) {
+TEST(ScriptsTest, PackagingScriptSaysThatItNeedsAMac) {
     const Outcome outcome = outcomeOf({QUORVEL_SOURCE "/scripts/package-macos"});
     EXPECT_EQ(outcome.status, 1);
     EXPECT_EQ(outcome.output, "scripts/package-macos needs a Mac: the tools that sign and pack an "
                               "application are there only.\n");
 }
 
-class MutationScript : public ::testing::Test {
+class ScriptsTestMutations : public ::testing::Test {
 protected:
-    MutationScript() {
+    ScriptsTestMutations() {
         write(source_, "struct Pair {\n"
                        "    bool first; // no mutants: 1 < 2 && \"text\"\n"
                        "    bool second;\n"
@@ -53,7 +53,7 @@ protected:
     std::filesystem::path source_ = folder_ / "tiny.cpp";
 };
 
-TEST_F(MutationScript, ListsExactlyTheMutantsOfASource) {
+TEST_F(ScriptsTestMutations, ListsExactlyTheMutantsOfASource) {
     EXPECT_THAT(
         listed(),
         ::testing::ElementsAre(
@@ -72,7 +72,7 @@ TEST_F(MutationScript, ListsExactlyTheMutantsOfASource) {
             ":11  literal: pair.second ? limit : 2; → pair.second ? limit : 3;"));
 }
 
-TEST_F(MutationScript, ChoosesTheSameMutantsForASeed) {
+TEST_F(ScriptsTestMutations, ChoosesTheSameMutantsForASeed) {
     const std::vector<std::string> chosen{"--list", "--sample", "3", "--seed", "5"};
     const std::string output = run(chosen).output;
     EXPECT_EQ(std::count(output.begin(), output.end(), '\n'), 3);
@@ -80,13 +80,13 @@ TEST_F(MutationScript, ChoosesTheSameMutantsForASeed) {
     EXPECT_NE(run({"--list", "--sample", "3", "--seed", "6"}).output, output);
 }
 
-TEST_F(MutationScript, FindsAMutantByItsName) {
+TEST_F(ScriptsTestMutations, FindsAMutantByItsName) {
     const std::string all = run({"--list"}).output;
     const std::string last = all.substr(all.rfind('\n', all.size() - 2) + 1);
     EXPECT_EQ(run({"--list", "--only", last.substr(0, last.find(' '))}).output, last);
 }
 
-TEST_F(MutationScript, LeavesASourceOfNoLayerAlone) {
+TEST_F(ScriptsTestMutations, LeavesASourceOfNoLayerAlone) {
     const std::string before = read(source_);
     const Outcome outcome = run({});
     EXPECT_EQ(outcome.status, 1);
@@ -95,7 +95,7 @@ TEST_F(MutationScript, LeavesASourceOfNoLayerAlone) {
     EXPECT_EQ(read(source_), before);
 }
 
-TEST(TestSummary, TellsWhatWasSkippedAndWhyAndEndsWithTheCounts) {
+TEST(ScriptsTest, TestSummaryListsSkippedTestsWithReasonsAndEndsWithTheCounts) {
     const TemporaryFolder folder;
     write(folder / "CMakeLists.txt", R"(cmake_minimum_required(VERSION 3.20)
 project(Sample NONE)

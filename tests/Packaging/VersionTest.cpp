@@ -16,13 +16,13 @@ Outcome versionOf(const std::string& program) {
     return outcomeOf({program, "--version"}, Environment{});
 }
 
-TEST(Version, IsToldByTheCommandLine) {
+TEST(VersionTest, IsPrintedByTheCommandLine) {
     const Outcome telling = versionOf(QUORVEL_CTL);
     EXPECT_EQ(telling.output, "quorvelctl " QUORVEL_VERSION "\n");
     EXPECT_EQ(telling.status, 0);
 }
 
-TEST(Version, IsToldByTheWindowsProgramWithoutADisplay) {
+TEST(VersionTest, IsPrintedByTheWindowsProgramWithoutADisplay) {
     if (std::string_view(QUORVEL_WINDOW).empty()) {
         GTEST_SKIP() << "built without the window";
     }
@@ -31,13 +31,13 @@ TEST(Version, IsToldByTheWindowsProgramWithoutADisplay) {
     EXPECT_EQ(telling.status, 0);
 }
 
-TEST(Version, IsToldByTheRunnerOutsideAWrapper) {
+TEST(VersionTest, IsPrintedByTheRunnerOutsideAWrapper) {
     const Outcome telling = versionOf(runnerProgram());
     EXPECT_EQ(telling.output, "quorvel-runner " QUORVEL_VERSION "\n");
     EXPECT_EQ(telling.status, 0);
 }
 
-TEST(Version, OfTheTargetIsAskedForInsideAWrapper) {
+TEST(VersionTest, OfTheTargetIsAskedForInsideAWrapper) {
     const TemporaryHome home;
     WrapperGenerator::Options options;
     options.config.displayName = "Work";

@@ -18,7 +18,7 @@ WriteEvent writeTo(const std::string& path) {
 
 // A prober whose real Library is at /L; nothing is launched with it.
 AppProber proberFor(Trial& trial) {
-    AppProber::Surroundings with = trial.surroundings();
+    AppProber::Dependencies with = trial.dependencies();
     with.realLibrary = "/L";
     return std::move(*AppProber::forApp(trial.app, std::move(with)));
 }
@@ -31,40 +31,40 @@ LeakBucket bucketOf(const std::string& path, const std::string& bundleId = "com.
     return buckets.begin()->first;
 }
 
-TEST(Classification, AWriteInsideTheFakeHomeIsCaptured) {
+TEST(AppProberTest, ClassificationAWriteInsideTheFakeHomeIsCaptured) {
     EXPECT_EQ(bucketOf("/tmp/home/Library/Preferences/x"), LeakBucket::captured);
     EXPECT_EQ(bucketOf("/tmp/home"), LeakBucket::captured);
 }
 
-TEST(Classification, TheContainerOfTheAppIsAContainerLeak) {
+TEST(AppProberTest, ClassificationTheContainerOfTheAppIsAContainerLeak) {
     EXPECT_EQ(bucketOf("/L/Containers/com.example.Notes/Data/x"), LeakBucket::containerLeak);
     EXPECT_EQ(bucketOf("/L/Containers/com.example.Notes"), LeakBucket::containerLeak);
     EXPECT_EQ(bucketOf("/L/Containers/com.other/Data/x"), LeakBucket::irrelevant);
 }
 
-TEST(Classification, APreferenceThatMentionsTheAppIsAPrefsLeak) {
+TEST(AppProberTest, ClassificationAPreferenceThatMentionsTheAppIsAPrefsLeak) {
     EXPECT_EQ(bucketOf("/L/Preferences/com.example.notes.plist"), LeakBucket::prefsLeak);
     EXPECT_EQ(bucketOf("/L/Preferences/com.other.app.plist"), LeakBucket::irrelevant);
 }
 
-TEST(Classification, ApplicationSupportThatMentionsTheAppIsADataLeak) {
+TEST(AppProberTest, ClassificationApplicationSupportThatMentionsTheAppIsADataLeak) {
     EXPECT_EQ(bucketOf("/L/Application Support/notes/x.db"), LeakBucket::dataLeak);
     EXPECT_EQ(bucketOf("/L/Application Support/Other/x.db"), LeakBucket::irrelevant);
 }
 
-TEST(Classification, PrefixesArePlainText) {
+TEST(AppProberTest, ClassificationPrefixesArePlainText) {
     EXPECT_EQ(bucketOf("/L/PreferencesX/notes"), LeakBucket::prefsLeak);
     EXPECT_EQ(bucketOf("/L/Application SupportX/notes"), LeakBucket::dataLeak);
     EXPECT_EQ(bucketOf("/L/Containers/com.example.Notes2/x"), LeakBucket::containerLeak);
     EXPECT_EQ(bucketOf("/tmp/home2/x"), LeakBucket::captured);
 }
 
-TEST(Classification, AnythingElseIsIrrelevant) {
+TEST(AppProberTest, ClassificationAnythingElseIsIrrelevant) {
     EXPECT_EQ(bucketOf("/L/Caches/com.example.Notes/x"), LeakBucket::irrelevant);
     EXPECT_EQ(bucketOf("/elsewhere/notes"), LeakBucket::irrelevant);
 }
 
-TEST(Classification, TheLastPieceOfTheIdentifierNamesTheApp) {
+TEST(AppProberTest, ClassificationTheLastPieceOfTheIdentifierNamesTheApp) {
     EXPECT_EQ(bucketOf("/L/Preferences/NOTES", "com.example.Notes."), LeakBucket::prefsLeak);
     EXPECT_EQ(bucketOf("/L/Preferences/ÄPFEL", "com.example.Äpfel"), LeakBucket::prefsLeak);
     EXPECT_EQ(bucketOf("/L/Preferences/x", "Notes"), LeakBucket::irrelevant);
@@ -72,7 +72,7 @@ TEST(Classification, TheLastPieceOfTheIdentifierNamesTheApp) {
     EXPECT_EQ(bucketOf("/L/Preferences/x", ""), LeakBucket::irrelevant);
 }
 
-TEST(Classification, KeepsTheOrderAndEveryRepetition) {
+TEST(AppProberTest, ClassificationKeepsTheOrderAndEveryRepetition) {
     Trial trial;
     const AppProber prober = proberFor(trial);
     const LeakBuckets buckets =
@@ -82,7 +82,7 @@ TEST(Classification, KeepsTheOrderAndEveryRepetition) {
     EXPECT_THAT(prober.classify({}, "/h"), IsEmpty());
 }
 
-TEST(Classification, AResultWithoutAPathInABucketCountsNone) {
+TEST(AppProberTest, ClassificationAResultWithoutAPathInABucketCountsNone) {
     EXPECT_EQ(ProbeResult{}.count(LeakBucket::dataLeak), 0U);
     EXPECT_FALSE(ProbeResult{}.prefsLeak());
     ProbeResult result;
@@ -91,12 +91,12 @@ TEST(Classification, AResultWithoutAPathInABucketCountsNone) {
     EXPECT_TRUE(result.prefsLeak());
 }
 
-TEST(LeakBuckets, HaveTheirNames) {
+TEST(AppProberTest, LeakBucketsHaveTheirNames) {
     for (const LeakBucket bucket : allLeakBuckets) {
-        EXPECT_EQ(leakBucketFromRawString(rawString(bucket)), bucket);
+        EXPECT_EQ(caseNamed<LeakBucket>(rawString(bucket)), bucket);
     }
     EXPECT_EQ(rawString(LeakBucket::containerLeak), "containerLeak");
-    EXPECT_EQ(leakBucketFromRawString("other"), std::nullopt);
+    EXPECT_EQ(caseNamed<LeakBucket>("other"), std::nullopt);
 }
 
 Strategy recommended(std::vector<LeakBucket> leaks, SingletonTier singleton) {
@@ -108,7 +108,7 @@ Strategy recommended(std::vector<LeakBucket> leaks, SingletonTier singleton) {
     return AppProber::resolveStrategy(result);
 }
 
-TEST(Recommendation, TheFirstRuleThatAppliesWins) {
+TEST(AppProberTest, RecommendationTheFirstRuleThatAppliesWins) {
     using enum LeakBucket;
     EXPECT_EQ(recommended({containerLeak, dataLeak}, SingletonTier::machPort),
               Strategy::wrapperIdentity);
@@ -120,7 +120,7 @@ TEST(Recommendation, TheFirstRuleThatAppliesWins) {
     EXPECT_EQ(recommended({irrelevant}, SingletonTier::unknown), Strategy::homeOverride);
 }
 
-// The tier for a second process that runs or not, and so many running applications.
+// Returns the tier for a second process that runs or not, and a number of running applications.
 SingletonTier tier(bool runs, int running, PropertyListDictionary info = {}) {
     Trial trial;
     info.emplace("CFBundleIdentifier", "com.example.Notes");
@@ -142,48 +142,48 @@ SingletonTier tier(bool runs, int running, PropertyListDictionary info = {}) {
     return found;
 }
 
-TEST(SingletonTest, ASecondThatRunsBesideTheFirstMeansNone) {
+TEST(AppProberTest, SingletonASecondThatRunsBesideTheFirstMeansNone) {
     EXPECT_EQ(tier(true, 2), SingletonTier::none);
     EXPECT_EQ(tier(true, 3), SingletonTier::none);
 }
 
-TEST(SingletonTest, ASecondThatLivesButNeverCameUpMeansALock) {
+TEST(AppProberTest, SingletonASecondThatLivesButNeverCameUpMeansALock) {
     EXPECT_EQ(tier(true, 1), SingletonTier::lockFile);
     EXPECT_EQ(tier(true, 0), SingletonTier::lockFile);
 }
 
-TEST(SingletonTest, ASecondThatQuitWhileOneRunsMeansAHandOver) {
+TEST(AppProberTest, SingletonASecondThatQuitWhileOneRunsMeansAHandOver) {
     EXPECT_EQ(tier(false, 1), SingletonTier::machPort);
 }
 
-TEST(SingletonTest, ASecondThatQuitWithNoneRunningTellsNothing) {
+TEST(AppProberTest, SingletonASecondThatQuitWithNoneRunningIsUnknown) {
     EXPECT_EQ(tier(false, 0), SingletonTier::unknown);
 }
 
-TEST(SingletonTest, AProhibitionInTheBundleDecidesWhateverHappened) {
+TEST(AppProberTest, SingletonAProhibitionInTheBundleAlwaysDecides) {
     EXPECT_EQ(tier(true, 2, {{"LSMultipleInstancesProhibited", true}}),
               SingletonTier::lsProhibited);
     EXPECT_EQ(tier(false, 0, {{"LSMultipleInstancesProhibited", true}}),
               SingletonTier::lsProhibited);
 }
 
-TEST(Prober, HasItsDefaults) {
+TEST(AppProberTest, HasItsDefaults) {
     const TemporaryHome home;
     const Trial trial;
     const auto prober = AppProber::forApp(trial.app);
     ASSERT_TRUE(prober);
     EXPECT_EQ(prober->realLibrary(), (home / "Library").string());
-    EXPECT_EQ(prober->settleA.count(), 7.0);
-    EXPECT_EQ(prober->settleB.count(), 2.0);
+    EXPECT_EQ(AppProber::Options().settleA.count(), 7.0);
+    EXPECT_EQ(AppProber::Options().settleB.count(), 2.0);
     EXPECT_EQ(prober->bundle().bundleId, trial.bundleId);
 }
 
-TEST(Prober, CannotBeMadeForWhatIsNoBundle) {
+TEST(AppProberTest, CannotBeMadeForWhatIsNotABundle) {
     const TemporaryFolder folder;
     EXPECT_FALSE(AppProber::forApp(folder / "None.app"));
 }
 
-TEST(Prober, MakesANewHomeEachTime) {
+TEST(AppProberTest, MakesANewHomeEachTime) {
     Trial trial;
     const AppProber prober = trial.prober();
     const std::string home = prober.makeTempHome();
@@ -195,7 +195,7 @@ TEST(Prober, MakesANewHomeEachTime) {
     EXPECT_NE(prober.makeTempHome(), home);
 }
 
-TEST(Prober, KeepsItsHomesFromOtherUsers) {
+TEST(AppProberTest, KeepsItsHomesFromOtherUsers) {
     Trial trial;
     const mode_t before = ::umask(0);
     const std::string home = trial.prober().makeTempHome();
@@ -203,7 +203,7 @@ TEST(Prober, KeepsItsHomesFromOtherUsers) {
     EXPECT_EQ(fs::status(home).permissions(), fs::perms{0700});
 }
 
-TEST(Prober, MakesTheTemporaryFolderWhenItIsMissing) {
+TEST(AppProberTest, MakesTheTemporaryFolderWhenItIsMissing) {
     Trial trial;
     fs::remove(trial.temporary);
     EXPECT_TRUE(fs::is_directory(trial.prober().makeTempHome()));

@@ -15,7 +15,7 @@ using namespace testing;
 
 enum class Outcome { passed, failed, notPermitted };
 
-// Runs `check` in a process of its own whose trial has room for so many files and folders in its
+// Runs `check` in a process of its own whose trial has space for that many files and folders in its
 // temporary folder, and none for bytes beyond a page. What `check` says of a failure is printed.
 Outcome withRoomFor(int items, const std::function<std::string(Trial&)>& check) {
     const pid_t child = ::fork();
@@ -77,21 +77,21 @@ std::string expectNoLaunch(Trial& trial) {
         EXPECT_EQ(outcome, Outcome::passed);                                                       \
     } while (false)
 
-TEST(FullTemporaryFolder, WithoutRoomForAHomeNothingIsLaunched) {
+TEST(FullTemporaryFolderTest, WithoutRoomForAHomeNothingIsLaunched) {
     EXPECT_PASSED(withRoomFor(0, expectNoLaunch));
 }
 
-TEST(FullTemporaryFolder, WithoutRoomForTheSecondHomeNothingIsLaunched) {
+TEST(FullTemporaryFolderTest, WithoutRoomForTheSecondHomeNothingIsLaunched) {
     EXPECT_PASSED(withRoomFor(1, expectNoLaunch));
 }
 
-TEST(FullTemporaryFolder, AnAppThatCanWriteNothingThereStillGivesAResult) {
+TEST(FullTemporaryFolderTest, AnAppThatCanWriteNothingThereStillHasAResult) {
     EXPECT_PASSED(withRoomFor(2, [](Trial& trial) -> std::string {
         const std::filesystem::path leak = trial.library / "Application Support/Notes/leak";
         trial.plan("write ~/note\nwrite " + leak.string() + "\n" + trial.tellStep() + "\nwait\n");
         const ProbeResult result = trial.run();
         if (trial.homes().size() != 2 || !std::filesystem::is_empty(trial.homes()[0])) {
-            return "there was room";
+            return "there was space left";
         }
         if (result.count(LeakBucket::captured) != 0) {
             return "something was captured";
@@ -104,7 +104,7 @@ TEST(FullTemporaryFolder, AnAppThatCanWriteNothingThereStillGivesAResult) {
     }));
 }
 
-TEST(FullTemporaryFolder, AnAppThatFillsItGivesAResult) {
+TEST(FullTemporaryFolderTest, AnAppThatFillsItHasAResult) {
     EXPECT_PASSED(withRoomFor(8, [](Trial& trial) -> std::string {
         trial.plan("write ~/first\nwrite ~/second\n" + trial.tellStep() + "\nwait\n");
         const ProbeResult result = trial.run();

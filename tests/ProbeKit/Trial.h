@@ -1,7 +1,6 @@
 #pragma once
 
 #include "ProbeKit/AppProber.h"
-#include "ProbeKit/Farewell.h"
 #include "tests/support/AppBundles.h"
 #include "tests/support/StubWorkspace.h"
 #include "tests/support/TemporaryHome.h"
@@ -41,8 +40,8 @@ public:
 
     [[nodiscard]] std::string tellStep() const { return "tell " + told.string(); }
 
-    [[nodiscard]] AppProber::Surroundings surroundings() {
-        AppProber::Surroundings with;
+    [[nodiscard]] AppProber::Dependencies dependencies() {
+        AppProber::Dependencies with;
         with.workspace = workspace;
         with.realLibrary = library.string();
         with.temporary = temporary;
@@ -51,24 +50,22 @@ public:
         return with;
     }
 
-    [[nodiscard]] AppProber prober() {
-        auto prober = AppProber::forApp(app, surroundings());
-        prober->settleA = AppProber::Seconds(0.01);
-        prober->settleB = AppProber::Seconds(0.01);
-        return std::move(*prober);
-    }
+    [[nodiscard]] AppProber prober() { return std::move(*AppProber::forApp(app, dependencies())); }
 
-    [[nodiscard]] AppProber::Control control() {
-        AppProber::Control with;
+    /// Each wait is one call of `onSleep`.
+    [[nodiscard]] AppProber::Options options() {
+        AppProber::Options with;
+        with.settleA = AppProber::Seconds(0.01);
+        with.settleB = AppProber::Seconds(0.01);
         with.release = [this](TrialProcess trial) { released.push_back(std::move(trial)); };
         return with;
     }
 
-    ProbeResult run() { return prober().run(control()); }
+    ProbeResult run() { return prober().run(options()); }
 
     /// Waits until the application told as often as it was to.
     [[nodiscard]] bool hasTold(int times) const {
-        return waitFor(
+        return waitUntil(
             [&] {
                 const std::string text = read(told);
                 return std::count(text.begin(), text.end(), '\n') >= times;
@@ -76,7 +73,7 @@ public:
             std::chrono::minutes(2));
     }
 
-    void endAll() { waitForEnd(std::exchange(released, {}), std::chrono::seconds(5)); }
+    void endAll() { terminateAndWait(std::exchange(released, {}), std::chrono::seconds(5)); }
 
     /// The throw-away homes.
     [[nodiscard]] std::vector<std::filesystem::path> homes() const {

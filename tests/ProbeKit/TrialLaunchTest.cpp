@@ -36,7 +36,7 @@ std::vector<std::string> bucketPaths(const ProbeResult& result, LeakBucket bucke
     return paths == result.buckets.end() ? std::vector<std::string>{} : paths->second;
 }
 
-TEST(TrialOf, AnAppThatKeepsToItsHomeIsCaptured) {
+TEST(TrialLaunchTest, AnAppThatKeepsToItsHomeIsCaptured) {
     Trial trial;
     trial.plan("write ~/Library/Application Support/Notes/x.db\nwrite ~/.config/notes\n" +
                trial.tellStep() + "\nwait\n");
@@ -52,7 +52,7 @@ TEST(TrialOf, AnAppThatKeepsToItsHomeIsCaptured) {
     EXPECT_THAT(trial.homes(), SizeIs(2));
 }
 
-TEST(TrialOf, AnAppThatWritesIntoTheRealLibraryLeaks) {
+TEST(TrialLaunchTest, AnAppThatWritesIntoTheRealLibraryLeaks) {
     Trial trial("com.example.Notes");
     const std::string library = trial.library.string();
     trial.plan("write " + library + "/Application Support/notes/x.db\nwrite " + library +
@@ -69,7 +69,7 @@ TEST(TrialOf, AnAppThatWritesIntoTheRealLibraryLeaks) {
     EXPECT_TRUE(result.prefsLeak());
 }
 
-TEST(TrialOf, AnAppThatWritesIntoItsContainerNeedsAnIdentity) {
+TEST(TrialLaunchTest, AnAppThatWritesIntoItsContainerNeedsAnIdentity) {
     Trial trial;
     trial.plan("write " + trial.library.string() + "/Application Support/Notes/x\nwrite " +
                trial.library.string() + "/Containers/" + trial.bundleId + "/Data/x\n" +
@@ -77,13 +77,13 @@ TEST(TrialOf, AnAppThatWritesIntoItsContainerNeedsAnIdentity) {
     EXPECT_EQ(trial.run().recommendedStrategy, Strategy::wrapperIdentity);
 }
 
-TEST(TrialOf, AnAppThatHandsOverIsNotClonable) {
+TEST(TrialLaunchTest, AnAppThatHandsOverIsNotClonable) {
     Trial trial;
     trial.plan(trial.tellStep() + "\nhand-over " + (trial.folder / "lock").string() + "\nwait\n");
     trial.onSleep = [&](AppProber::Seconds /*time*/) {
         ASSERT_TRUE(trial.hasTold(++trial.sleeps));
         // The first holds the lock before the second comes, and the second quits.
-        ASSERT_TRUE(waitFor([&] {
+        ASSERT_TRUE(waitUntil([&] {
             return trial.sleeps == 1 ? fs::exists(trial.folder / "lock")
                                      : descendantsOf(::getpid()).size() == 1;
         }));
@@ -93,12 +93,12 @@ TEST(TrialOf, AnAppThatHandsOverIsNotClonable) {
     EXPECT_EQ(result.recommendedStrategy, Strategy::unsupported);
 }
 
-TEST(TrialOf, AnAppThatWaitsForALockNeverComesUp) {
+TEST(TrialLaunchTest, AnAppThatWaitsForALockNeverComesUp) {
     Trial trial;
     trial.plan(trial.tellStep() + "\nlock " + (trial.folder / "lock").string() + "\nwait\n");
     trial.onSleep = [&](AppProber::Seconds /*time*/) {
         ASSERT_TRUE(trial.hasTold(++trial.sleeps));
-        ASSERT_TRUE(waitFor([&] {
+        ASSERT_TRUE(waitUntil([&] {
             return fs::exists(trial.folder / "lock") &&
                    trial.workspace->runningApplications()
                            .withBundleIdentifier(trial.bundleId)
@@ -110,7 +110,7 @@ TEST(TrialOf, AnAppThatWaitsForALockNeverComesUp) {
     EXPECT_EQ(result.recommendedStrategy, Strategy::homeOverride);
 }
 
-TEST(TrialOf, AnAppOfSeveralProcessesThatWaitsForALockNeverComesUp) {
+TEST(TrialLaunchTest, AnAppOfSeveralProcessesThatWaitsForALockNeverComesUp) {
     Trial trial;
     const std::string lock = (trial.folder / "lock").string();
     const fs::path up = trial.folder / "up";
@@ -121,20 +121,20 @@ TEST(TrialOf, AnAppOfSeveralProcessesThatWaitsForALockNeverComesUp) {
     };
     trial.onSleep = [&](AppProber::Seconds /*time*/) {
         ASSERT_TRUE(trial.hasTold(++trial.sleeps));
-        ASSERT_TRUE(waitFor([&] { return fs::exists(up) && running().size() == 1; }));
+        ASSERT_TRUE(waitUntil([&] { return fs::exists(up) && running().size() == 1; }));
     };
     EXPECT_EQ(trial.run().singleton, SingletonTier::lockFile);
     trial.endAll();
-    EXPECT_TRUE(waitFor([&] { return running().empty(); })) << "the helpers end as well";
+    EXPECT_TRUE(waitUntil([&] { return running().empty(); })) << "the helpers end as well";
 }
 
-TEST(TrialOf, AnAppOfSeveralProcessesThatComesUpTwiceIsNoSingleton) {
+TEST(TrialLaunchTest, AnAppOfSeveralProcessesThatStartsTwiceIsNotASingleton) {
     Trial trial;
     trial.plan("helper\nhelper\n" + trial.tellStep() + "\nwait\n");
     EXPECT_EQ(trial.run().singleton, SingletonTier::none);
 }
 
-TEST(TrialOf, AnAppWhoseParentLeavesItsChildBehindCountsAsHandingOver) {
+TEST(TrialLaunchTest, AnAppWhoseParentOnlyStartsAChildCountsAsHandingOver) {
     Trial trial;
     const fs::path children = trial.folder / "children";
     trial.plan("fork " + children.string() + "\nwrite ~/from-child\n" + trial.tellStep() +
@@ -148,7 +148,7 @@ TEST(TrialOf, AnAppWhoseParentLeavesItsChildBehindCountsAsHandingOver) {
     }
 }
 
-TEST(TrialOf, AnAppThatWritesTwentyThousandFilesIsRecordedToTheLast) {
+TEST(TrialLaunchTest, AnAppThatWritesTwentyThousandFilesIsRecordedToTheLast) {
     Trial trial;
     trial.plan("many ~/data 20000\n" + trial.tellStep() + "\nwait\n");
     const ProbeResult result = trial.run();
@@ -165,12 +165,12 @@ TEST(TrialOf, AnAppThatWritesTwentyThousandFilesIsRecordedToTheLast) {
     EXPECT_EQ(files, 20000U);
 }
 
-TEST(TrialOf, AnAppThatEndsAtOnceTellsNothingOfASecond) {
+TEST(TrialLaunchTest, AnAppThatEndsAtOnceHasAnUnknownTier) {
     Trial trial;
     trial.plan(trial.tellStep() + "\nexit 3\n");
     trial.onSleep = [&](AppProber::Seconds /*time*/) {
         ASSERT_TRUE(trial.hasTold(++trial.sleeps));
-        ASSERT_TRUE(waitFor(
+        ASSERT_TRUE(waitUntil(
             [&] { return !trial.workspace->runningApplications().contains(trial.bundleId); }));
     };
     const ProbeResult result = trial.run();
@@ -178,12 +178,12 @@ TEST(TrialOf, AnAppThatEndsAtOnceTellsNothingOfASecond) {
     EXPECT_EQ(result.recommendedStrategy, Strategy::homeOverride);
 }
 
-TEST(TrialOf, AnAppThatCrashesTellsNothingOfASecond) {
+TEST(TrialLaunchTest, AnAppThatCrashesHasAnUnknownTier) {
     Trial trial;
     trial.plan(trial.tellStep() + "\ncrash\n");
     trial.onSleep = [&](AppProber::Seconds /*time*/) {
         ASSERT_TRUE(trial.hasTold(++trial.sleeps));
-        ASSERT_TRUE(waitFor(
+        ASSERT_TRUE(waitUntil(
             [&] { return !trial.workspace->runningApplications().contains(trial.bundleId); }));
     };
     EXPECT_EQ(trial.run().singleton, SingletonTier::unknown);
@@ -191,20 +191,20 @@ TEST(TrialOf, AnAppThatCrashesTellsNothingOfASecond) {
     EXPECT_TRUE(hasNoChildren());
 }
 
-TEST(TrialOf, AnAppThatIgnoresTerminationIsEndedByForce) {
+TEST(TrialLaunchTest, AnAppThatIgnoresTerminationIsEndedByForce) {
     Trial trial;
     trial.plan("ignore-termination\n" + trial.tellStep() + "\nwait\n");
     EXPECT_EQ(trial.run().singleton, SingletonTier::none);
     ASSERT_THAT(trial.released, SizeIs(2));
     const pid_t first = trial.released[0].process.identifier();
     const pid_t second = trial.released[1].process.identifier();
-    endInBackground(std::move(trial.released[0]), std::chrono::milliseconds(50));
-    endInBackground(std::move(trial.released[1]), std::chrono::milliseconds(50));
+    terminateInBackground(std::move(trial.released[0]), std::chrono::milliseconds(50));
+    terminateInBackground(std::move(trial.released[1]), std::chrono::milliseconds(50));
     trial.released.clear();
-    EXPECT_TRUE(waitFor([&] { return isGone(first) && isGone(second); }));
+    EXPECT_TRUE(waitUntil([&] { return isGone(first) && isGone(second); }));
 }
 
-// A script that starts another one, in a session of its own, which tells its number and what it
+// A script that starts another one, in a session of its own, which reports its pid and what it
 // was asked; it ends when asked, or does not.
 std::string scriptWithDaemon(const Trial& trial, const std::string& start, bool obedient) {
     const std::string number = (trial.folder / "daemons").string();
@@ -225,19 +225,19 @@ std::vector<pid_t> daemonsOf(const Trial& trial) {
     return daemons;
 }
 
-// Runs the trial of such an app and ends it; gives how often its daemons were asked to end.
+// Runs the trial of such an app and ends it; returns how often its daemons were asked to end.
 std::size_t askedDaemons(const std::string& start, bool obedient) {
     Trial trial;
     makeScriptedAppBundle(trial.app, scriptWithDaemon(trial, start, obedient));
     trial.onSleep = [&](AppProber::Seconds /*time*/) {
         ++trial.sleeps;
-        EXPECT_TRUE(waitFor(
+        EXPECT_TRUE(waitUntil(
             [&] { return daemonsOf(trial).size() == static_cast<std::size_t>(trial.sleeps); }));
     };
     (void)trial.run();
-    waitForEnd(std::exchange(trial.released, {}), std::chrono::milliseconds(300));
+    terminateAndWait(std::exchange(trial.released, {}), std::chrono::milliseconds(300));
     for (const pid_t daemon : daemonsOf(trial)) {
-        EXPECT_TRUE(waitFor([&] { return isGone(daemon); }, std::chrono::seconds(5)))
+        EXPECT_TRUE(waitUntil([&] { return isGone(daemon); }, std::chrono::seconds(5)))
             << daemon << " is left of: " << start;
         ::kill(daemon, SIGKILL);
     }
@@ -245,26 +245,26 @@ std::size_t askedDaemons(const std::string& start, bool obedient) {
     return static_cast<std::size_t>(std::count(asked.begin(), asked.end(), '\n'));
 }
 
-TEST(TrialOf, AnAppThatLeavesProcessesBehindHasThemAskedToEnd) {
+TEST(TrialLaunchTest, ProcessesLeftByAnAppAreAskedToEnd) {
     EXPECT_EQ(askedDaemons("", true), 2U) << "children";
     EXPECT_EQ(askedDaemons("setsid -f", true), 2U) << "without a parent, in sessions of their own";
     EXPECT_EQ(askedDaemons("env -i HOME=/ /usr/bin/setsid", true), 2U) << "of another home";
 }
 
-TEST(TrialOf, AnAppWhoseLeftoversIgnoreTheRequestHasThemEndedByForce) {
+TEST(TrialLaunchTest, AnAppWhoseLeftoversIgnoreTheRequestHasThemEndedByForce) {
     EXPECT_EQ(askedDaemons("setsid -f", false), 2U);
 }
 
-TEST(TrialOf, AnAppIsAskedToEndFirstAndItsLastWritesAreRecorded) {
+TEST(TrialLaunchTest, AnAppIsAskedToEndFirstAndItsLastWritesAreRecorded) {
     Trial trial;
     makeScriptedAppBundle(trial.app,
                           "trap 'echo > \"$HOME/last words\"; exit' TERM; echo told >> " +
                               trial.told.string() + "; while :; do sleep 0.05; done");
-    AppProber::Control control;
+    AppProber::Options options = trial.options();
     std::vector<std::string> homes;
-    control.release = [&](TrialProcess ended) {
+    options.release = [&](TrialProcess ended) {
         homes.push_back(ended.home);
-        EXPECT_TRUE(waitFor([&] { return fs::exists(fs::path(ended.home) / "last words"); }));
+        EXPECT_TRUE(waitUntil([&] { return fs::exists(fs::path(ended.home) / "last words"); }));
         // Two homes there are, and the second app has not been asked before the first.
         const auto all = trial.homes();
         EXPECT_EQ(
@@ -273,17 +273,17 @@ TEST(TrialOf, AnAppIsAskedToEndFirstAndItsLastWritesAreRecorded) {
             static_cast<std::ptrdiff_t>(homes.size()));
         trial.released.push_back(std::move(ended));
     };
-    const ProbeResult result = trial.prober().run(control);
+    const ProbeResult result = trial.prober().run(options);
     ASSERT_THAT(homes, SizeIs(2));
     EXPECT_THAT(bucketPaths(result, LeakBucket::captured), Contains(homes[0] + "/last words"));
 }
 
-TEST(TrialOf, AnAppFindsOurEnvironmentWithTheHomeReplacedAndNothingElse) {
+TEST(TrialLaunchTest, AnAppFindsOurEnvironmentWithTheHomeReplacedAndNothingElse) {
     Trial trial;
     makeAppBundle(trial.app, {{"CFBundleIdentifier", trial.bundleId}}, "/usr/bin/env");
     trial.onSleep = [&](AppProber::Seconds /*time*/) {
         ++trial.sleeps;
-        EXPECT_TRUE(waitFor([&] {
+        EXPECT_TRUE(waitUntil([&] {
             const auto homes = trial.homes();
             return std::count_if(homes.begin(), homes.end(), [](const fs::path& home) {
                        return !read(home / "quorvel-instance.log").empty();
@@ -308,7 +308,7 @@ TEST(TrialOf, AnAppFindsOurEnvironmentWithTheHomeReplacedAndNothingElse) {
     }
 }
 
-TEST(TrialOf, AnAppWhoseHomeLiesInTheLibraryIsCapturedAllTheSame) {
+TEST(TrialLaunchTest, AnAppWhoseHomeLiesInTheLibraryIsCapturedAllTheSame) {
     // What lies in two watched folders is reported under the first of them.
     Trial trial;
     fs::create_directory(trial.library / "tmp");
@@ -318,7 +318,7 @@ TEST(TrialOf, AnAppWhoseHomeLiesInTheLibraryIsCapturedAllTheSame) {
     EXPECT_THAT(bucketPaths(trial.run(), LeakBucket::captured), Contains(EndsWith("/file")));
 }
 
-TEST(TrialOf, AnAppThatFloodsItsOutputFloodsOnlyItsLog) {
+TEST(TrialLaunchTest, AnAppThatFloodsItsOutputFloodsOnlyItsLog) {
     Trial trial;
     trial.plan("flood 8000000\n" + trial.tellStep() + "\nwait\n");
     const ProbeResult result = trial.run();
@@ -327,7 +327,7 @@ TEST(TrialOf, AnAppThatFloodsItsOutputFloodsOnlyItsLog) {
     EXPECT_EQ(result.recommendedStrategy, Strategy::homeOverride);
 }
 
-TEST(TrialOf, AnAppThatDeletesItsHomeGivesAResult) {
+TEST(TrialLaunchTest, AnAppThatDeletesItsHomeHasAResult) {
     Trial trial;
     trial.plan("write ~/file\ndelete-home\n" + trial.tellStep() + "\nwait\n");
     const ProbeResult result = trial.run();
@@ -335,7 +335,7 @@ TEST(TrialOf, AnAppThatDeletesItsHomeGivesAResult) {
     EXPECT_THAT(trial.homes(), IsEmpty());
 }
 
-TEST(TrialOf, AnAppWithoutAnExecutableCannotBeLaunched) {
+TEST(TrialLaunchTest, AnAppWithoutAnExecutableCannotBeLaunched) {
     Trial trial;
     fs::remove(trial.app / "Contents/MacOS/Notes");
     try {
@@ -349,13 +349,13 @@ TEST(TrialOf, AnAppWithoutAnExecutableCannotBeLaunched) {
     EXPECT_TRUE(hasNoChildren());
 }
 
-TEST(TrialOf, AnAppThatVanishesBeforeItsSecondLaunchRunsOn) {
+TEST(TrialLaunchTest, AnAppThatVanishesBeforeItsSecondLaunchRunsOn) {
     Trial trial;
     trial.plan("fork " + (trial.folder / "c").string() + "\n");
     makeScriptedAppBundle(trial.app,
                           "echo $$ > '" + (trial.folder / "first").string() + "'; exec sleep 600");
     trial.onSleep = [&](AppProber::Seconds /*time*/) {
-        ASSERT_TRUE(waitFor([&] { return !read(trial.folder / "first").empty(); }));
+        ASSERT_TRUE(waitUntil([&] { return !read(trial.folder / "first").empty(); }));
         fs::remove(trial.app / "Contents/MacOS/Notes");
     };
     EXPECT_THROW((void)trial.run(), PlatformError);
@@ -363,25 +363,25 @@ TEST(TrialOf, AnAppThatVanishesBeforeItsSecondLaunchRunsOn) {
     const pid_t first = std::stoi(read(trial.folder / "first"));
     EXPECT_EQ(::kill(first, 0), 0);
     ::kill(first, SIGKILL);
-    EXPECT_TRUE(waitFor([&] { return isGone(first); }));
+    EXPECT_TRUE(waitUntil([&] { return isGone(first); }));
 }
 
-TEST(TrialOf, AnAppBelowAHomeThatCannotBeMadeIsNotLaunched) {
+TEST(TrialLaunchTest, AnAppWhoseHomeCannotBeMadeIsNotLaunched) {
     Trial trial;
     fs::remove(trial.temporary);
-    write(trial.temporary, "a file stands in the way");
+    write(trial.temporary, "a file is in the way");
     EXPECT_THROW((void)trial.run(), PlatformError);
     EXPECT_TRUE(hasNoChildren());
 }
 
-TEST(TrialOf, AnElectronAppGetsItsDataFolderInTheHome) {
+TEST(TrialLaunchTest, AnElectronAppGetsItsDataFolderInTheHome) {
     Trial trial;
     fs::create_directories(trial.app / "Contents/Frameworks/Electron Framework.framework");
     const std::string arguments = (trial.folder / "arguments").string();
     makeScriptedAppBundle(trial.app, "echo \"$#:$1:$HOME\" >> '" + arguments + "'");
     trial.onSleep = [&](AppProber::Seconds /*time*/) {
         ++trial.sleeps;
-        ASSERT_TRUE(waitFor([&] {
+        ASSERT_TRUE(waitUntil([&] {
             const std::string text = read(arguments);
             return std::count(text.begin(), text.end(), '\n') == trial.sleeps;
         }));
@@ -395,7 +395,7 @@ TEST(TrialOf, AnElectronAppGetsItsDataFolderInTheHome) {
     }
 }
 
-TEST(TrialOf, AnAppRunsUnderTwoHomesOfWhichOnlyTheFirstIsWatched) {
+TEST(TrialLaunchTest, AnAppRunsUnderTwoHomesOfWhichOnlyTheFirstIsWatched) {
     Trial trial;
     trial.plan("write ~/file\n" + trial.tellStep() + "\nwait\n");
     const ProbeResult result = trial.run();
@@ -408,7 +408,7 @@ TEST(TrialOf, AnAppRunsUnderTwoHomesOfWhichOnlyTheFirstIsWatched) {
     }
 }
 
-TEST(TrialOf, AnAppThatIsGivenUpEndsBothProcesses) {
+TEST(TrialLaunchTest, CancellingEndsBothProcesses) {
     Trial trial;
     trial.plan(trial.tellStep() + "\nwait\n");
     std::atomic<bool> cancelled{false};
@@ -416,16 +416,16 @@ TEST(TrialOf, AnAppThatIsGivenUpEndsBothProcesses) {
         ASSERT_TRUE(trial.hasTold(++trial.sleeps));
         cancelled = trial.sleeps == 2;
     };
-    AppProber::Control control = trial.control();
-    control.cancelled = &cancelled;
-    EXPECT_THROW((void)trial.prober().run(control), ProbeCancelled);
+    AppProber::Options options = trial.options();
+    options.cancelled = &cancelled;
+    EXPECT_THROW((void)trial.prober().run(options), ProbeCancelled);
     ASSERT_THAT(trial.released, SizeIs(2));
     for (TrialProcess& ended : trial.released) {
         EXPECT_EQ(ended.process.waitUntilExit(), 128 + SIGTERM);
     }
 }
 
-TEST(TrialOf, AnAppThatIsGivenUpHasEndedBeforeThatIsTold) {
+TEST(TrialLaunchTest, CancellingWaitsForTheEnd) {
     Trial trial;
     trial.plan("ignore-termination\n" + trial.tellStep() + "\nwait\n");
     std::atomic<bool> cancelled{false};
@@ -433,13 +433,14 @@ TEST(TrialOf, AnAppThatIsGivenUpHasEndedBeforeThatIsTold) {
         ASSERT_TRUE(trial.hasTold(1));
         cancelled = true;
     };
-    AppProber::Control control;
-    control.cancelled = &cancelled;
-    EXPECT_THROW((void)trial.prober().run(control), ProbeCancelled);
+    AppProber::Options options = trial.options();
+    options.cancelled = &cancelled;
+    options.release = {};
+    EXPECT_THROW((void)trial.prober().run(options), ProbeCancelled);
     EXPECT_TRUE(hasNoChildren());
 }
 
-TEST(TrialOf, AnAppThatIsGivenUpEarlyIsNotLaunchedAgain) {
+TEST(TrialLaunchTest, CancellingEarlyPreventsTheSecondLaunch) {
     Trial trial;
     trial.plan(trial.tellStep() + "\nwait\n");
     std::atomic<bool> cancelled{false};
@@ -447,45 +448,47 @@ TEST(TrialOf, AnAppThatIsGivenUpEarlyIsNotLaunchedAgain) {
         ASSERT_TRUE(trial.hasTold(1));
         cancelled = true;
     };
-    AppProber::Control control = trial.control();
-    control.cancelled = &cancelled;
-    EXPECT_THROW((void)trial.prober().run(control), ProbeCancelled);
+    AppProber::Options options = trial.options();
+    options.cancelled = &cancelled;
+    EXPECT_THROW((void)trial.prober().run(options), ProbeCancelled);
     EXPECT_THAT(trial.released, SizeIs(1));
 }
 
-TEST(TrialOf, AnAppTellsHowFarItIs) {
+TEST(TrialLaunchTest, ReportsItsProgress) {
     Trial trial;
     trial.plan("wait\n");
-    AppProber prober = trial.prober();
+    const AppProber prober = trial.prober();
     AppProber::Seconds slept{0};
     trial.onSleep = [&](AppProber::Seconds time) { slept += time; };
     std::vector<double> fractions;
-    AppProber::Control control = trial.control();
-    control.progress = [&](double fraction) { fractions.push_back(fraction); };
-    prober.settleA = AppProber::Seconds(0.7);
-    prober.settleB = AppProber::Seconds(0.2);
-    (void)prober.run(control);
+    AppProber::Options options = trial.options();
+    options.progress = [&](double fraction) { fractions.push_back(fraction); };
+    options.settleA = AppProber::Seconds(0.7);
+    options.settleB = AppProber::Seconds(0.2);
+    (void)prober.run(options);
     EXPECT_NEAR(slept.count(), 0.9, 1e-9);
     EXPECT_TRUE(std::is_sorted(fractions.begin(), fractions.end()));
     EXPECT_GE(fractions.size(), 18U);
     EXPECT_DOUBLE_EQ(fractions.back(), 1.0);
 }
 
-TEST(TrialOf, AnAppInTheUsersRealTimeTakesNineSeconds) {
+TEST(TrialLaunchTest, AnAppInTheUsersRealTimeTakesNineSeconds) {
     Trial trial;
     trial.plan("write ~/file\n" + trial.tellStep() + "\nwait\n");
-    AppProber::Surroundings with = trial.surroundings();
+    AppProber::Dependencies with = trial.dependencies();
     with.sleep = {};
     auto prober = AppProber::forApp(trial.app, with);
     ASSERT_TRUE(prober);
     const auto start = std::chrono::steady_clock::now();
-    const ProbeResult result = prober->run(trial.control());
+    AppProber::Options options;
+    options.release = trial.options().release;
+    const ProbeResult result = prober->run(options);
     EXPECT_GE(std::chrono::steady_clock::now() - start, std::chrono::seconds(9));
     EXPECT_EQ(result.singleton, SingletonTier::none);
     EXPECT_THAT(bucketPaths(result, LeakBucket::captured), Contains(EndsWith("/file")));
 }
 
-TEST(GeneratedProfile, HoldsWhatTheTrialShowed) {
+TEST(TrialLaunchTest, GeneratedProfileHoldsWhatTheTrialShowed) {
     AppBundle bundle;
     bundle.url = "/A/Notes.app";
     bundle.bundleId = "com.example.Notes";
@@ -506,14 +509,14 @@ TEST(GeneratedProfile, HoldsWhatTheTrialShowed) {
     EXPECT_EQ(profile.confidence, Confidence::autoDetected);
 }
 
-TEST(GeneratedProfile, OtherLeaksAreNoLeakOfPreferences) {
+TEST(TrialLaunchTest, GeneratedProfileOtherLeaksAreNotLeaksOfPreferences) {
     ProbeResult result;
     result.buckets[LeakBucket::dataLeak] = {"/d"};
     result.buckets[LeakBucket::containerLeak] = {"/c"};
     EXPECT_FALSE(ProfileGenerator::makeProfile(AppBundle{}, result, "macOS 14.5").prefsLeak);
 }
 
-TEST(GeneratedProfile, OfAnElectronAppHasItsDataArgument) {
+TEST(TrialLaunchTest, GeneratedProfileOfAnElectronAppHasItsDataArgument) {
     const TemporaryFolder folder;
     AppBundle bundle;
     bundle.url = folder / "Notes.app";

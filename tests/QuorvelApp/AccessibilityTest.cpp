@@ -15,7 +15,7 @@ using namespace Qt::StringLiterals;
 
 class AccessibilityTest : public WindowTest {};
 
-// Every control in view, with the role that a screen reader tells for it.
+// Every control in view, with the role that a screen reader announces.
 int checkedControls(QWidget* window) {
     int controls = 0;
     for (QWidget* widget : window->findChildren<QWidget*>()) {
@@ -48,7 +48,7 @@ int checkedControls(QWidget* window) {
 TEST_F(AccessibilityTest, EveryControlOfTheMainWindowHasANameAndARole) {
     open();
     EXPECT_GE(checkedControls(window.get()), 2) << "both ways to the first clone";
-    const InstanceRecord work = addClone("Work");
+    const InstanceRecord& work = addClone("Work");
     write(home / "QuorvelInstances/Work/Downloads/a", "x");
     stubs.model().reload();
     select(work);
@@ -67,7 +67,7 @@ TEST_F(AccessibilityTest, EveryControlOfTheSheetHasANameAndARole) {
               QAccessible::Dialog);
 }
 
-TEST_F(AccessibilityTest, AMessageIsADialogThatTellsItsTitleAndText) {
+TEST_F(AccessibilityTest, AMessageIsADialogNamedByItsTitleAndText) {
     open();
     stubs.model().setLastError("It did not work.");
     auto* message = QAccessible::queryAccessibleInterface(window->findChild<MessageSheet*>());
@@ -77,9 +77,9 @@ TEST_F(AccessibilityTest, AMessageIsADialogThatTellsItsTitleAndText) {
     EXPECT_GT(checkedControls(window.get()), 0);
 }
 
-TEST_F(AccessibilityTest, ItemsTellWhatTheirPicturesShow) {
-    const InstanceRecord work = addClone("Work");
-    stubs.workspace->running = {work.config.bundleId};
+TEST_F(AccessibilityTest, ItemsDescribeWhatTheirPicturesShow) {
+    const InstanceRecord& work = addClone("Work");
+    stubs.workspace->setRunning({WrapperFactory::defaultBundleId("Work")});
     stubs.sandboxed = {"/Applications/Mail.app"};
     addApps();
     open();
@@ -91,7 +91,9 @@ TEST_F(AccessibilityTest, ItemsTellWhatTheirPicturesShow) {
     ASSERT_TRUE(eventually([&] { return stubs.model().sandboxStatus().size() == 3; }));
     auto* apps = QAccessible::queryAccessibleInterface(window->findChild<AppGrid*>());
     EXPECT_EQ(apps->child(0)->text(QAccessible::Name), u"Mail"_s);
-    EXPECT_EQ(apps->child(0)->text(QAccessible::Description), AppTile::sandboxHelp());
+    EXPECT_EQ(apps->child(0)->text(QAccessible::Description),
+              u"Sandboxed — you'll get a separate Dock icon, but macOS won't let Quorvel isolate "
+              u"its data"_s);
 }
 
 TEST_F(AccessibilityTest, TheFocusStaysInTheSheet) {

@@ -1,9 +1,11 @@
 #include "LaunchKit/HomeLock.h"
+#include "LaunchKit/InstanceConfig.h"
 #include "LaunchKit/InstanceLauncher.h"
+#include "LaunchKit/InstanceRecord.h"
 #include "tests/QuorvelApp/StubServices.h"
 #include "tests/support/AppBundles.h"
-#include "tests/support/OrdinaryUser.h"
 #include "tests/support/TemporaryHome.h"
+#include "tests/support/UnprivilegedUser.h"
 
 #include <QCoreApplication>
 #include <QSignalSpy>
@@ -58,14 +60,14 @@ TEST_F(AppModelTest, BeginsEmptyAndLooksAtNothing) {
     EXPECT_FALSE(model().lastError());
     EXPECT_FALSE(model().statusMessage());
     EXPECT_FALSE(model().startNewCloneRequested());
-    EXPECT_EQ(stubbed.workspace->looks, 0);
+    EXPECT_EQ(stubbed.workspace->snapshots, 0);
     EXPECT_THAT(stubbed.tasks->priorities, IsEmpty());
 }
 
 TEST_F(AppModelTest, ReloadListsTheClonesAndThenWhatRuns) {
     addClone("Work");
     addClone("Home");
-    stubbed.workspace->running = {"app.quorvel.instance.work", "com.other"};
+    stubbed.workspace->setRunning({"app.quorvel.instance.work", "com.other"});
     std::vector<std::string> order;
     QObject::connect(&model(), &AppModel::clonesChanged, &model(),
                      [&] { order.push_back("clones"); });
@@ -75,12 +77,12 @@ TEST_F(AppModelTest, ReloadListsTheClonesAndThenWhatRuns) {
     EXPECT_THAT(names(), ElementsAre("Home", "Work"));
     EXPECT_THAT(model().runningBundleIds(), ElementsAre("app.quorvel.instance.work"));
     EXPECT_THAT(order, ElementsAre("clones", "running"));
-    EXPECT_EQ(stubbed.workspace->looks, 1) << "one look serves all clones";
+    EXPECT_EQ(stubbed.workspace->snapshots, 1) << "one look serves all clones";
 }
 
 TEST_F(AppModelTest, ARunningTargetDoesNotMakeItsCloneRun) {
     addClone("Work");
-    stubbed.workspace->running = {"com.example.Notes"};
+    stubbed.workspace->setRunning({"com.example.Notes"});
     model().reload();
     EXPECT_THAT(model().runningBundleIds(), IsEmpty());
 }
@@ -275,7 +277,7 @@ TEST_F(AppModelTest, AfterALaunchTheRunningStateIsLookedAtEightTenthsOfASecondLa
     ASSERT_TRUE(eventually([&] { return !stubbed.delayed.empty(); }));
     EXPECT_THAT(stubbed.delays, ElementsAre(std::chrono::milliseconds(800)));
     EXPECT_THAT(model().runningBundleIds(), IsEmpty());
-    stubbed.workspace->running = {record.config.bundleId};
+    stubbed.workspace->setRunning({record.config.bundleId});
     stubbed.delayed.front()();
     EXPECT_TRUE(model().isRunning(record));
     EXPECT_FALSE(model().lastError());
@@ -291,7 +293,7 @@ TEST_F(AppModelTest, AFailedLaunchIsReportedAndStillLooksAgain) {
 }
 
 TEST_F(AppModelTest, AWorkspaceThatThrowsIsReportedLikeAnAnswer) {
-    stubbed.workspace->throwing = true;
+    stubbed.workspace->throwsOpenError = true;
     stubbed.workspace->openError =
         PlatformError(std::make_error_code(std::errc::permission_denied), "/x/Work.app", "opened");
     model().launch(addClone("Work"));
@@ -301,14 +303,14 @@ TEST_F(AppModelTest, AWorkspaceThatThrowsIsReportedLikeAnAnswer) {
 }
 
 TEST_F(AppModelTest, AnAnswerOnAnotherThreadIsHandledOnTheMainThread) {
-    stubbed.workspace->answersElsewhere = true;
+    stubbed.workspace->completesOnThread = true;
     QThread* handled = nullptr;
     QObject::connect(&model(), &AppModel::lastErrorChanged, &model(),
                      [&] { handled = QThread::currentThread(); });
     stubbed.workspace->openError =
         PlatformError(std::make_error_code(std::errc::permission_denied), "/x/Work.app", "opened");
     model().launch(addClone("Work"));
-    EXPECT_EQ(handled, nullptr) << "the answer came on another thread, and nobody was called there";
+    EXPECT_EQ(handled, nullptr) << "the answer came on another thread, where nothing may be called";
     ASSERT_TRUE(eventually([&] { return handled != nullptr && !stubbed.delayed.empty(); }));
     EXPECT_EQ(handled, QCoreApplication::instance()->thread());
 }
@@ -361,7 +363,7 @@ TEST_F(AppModelTest, ACloneOutsideTheSearchFoldersGetsARecordMadeFromItsRequest)
     EXPECT_THAT(stubbed.workspace->opened, ElementsAre(fs::path("/elsewhere/Work.app")));
 }
 
-TEST_F(AppModelTest, ARequestsOwnIdentifierAndHomeStandInTheMadeUpRecord) {
+TEST_F(AppModelTest, ASynthesisedRecordHasTheRequestsIdentifierAndHome) {
     stubbed.create = [](const auto&) { return fs::path("/elsewhere/Work.app"); };
     WrapperFactory::Request request;
     request.displayName = "Work";
@@ -384,7 +386,7 @@ TEST_F(AppModelTest, AFailedCreationChangesNothingAndReachesTheCaller) {
     EXPECT_THAT(stubbed.workspace->opened, IsEmpty());
 }
 
-TEST_F(AppModelTest, DeletingRemovesTheWrapperAndListsAnew) {
+TEST_F(AppModelTest, DeletingRemovesTheWrapperAndListsAgain) {
     addClone("Home");
     const InstanceRecord record = addClone("Work");
     write(home / "QuorvelInstances/Work/data", "x");
@@ -416,7 +418,7 @@ TEST_F(AppModelTest, AFailedDeletionIsReportedAndKeepsTheList) {
 
 TEST_F(AppModelTest, DataThatStaysIsReportedAndTheListIsNew) {
     const TemporaryFolder place;
-    EXPECT_TRUE(asOrdinaryUser(place.path(), [&] {
+    EXPECT_TRUE(asUnprivilegedUser(place.path(), [&] {
         InstanceConfig config = minimalConfig();
         config.instanceHome = (place / "data").string();
         const InstanceRecord record{makeWrapper(place / "Work.app", config), config};
@@ -427,7 +429,7 @@ TEST_F(AppModelTest, DataThatStaysIsReportedAndTheListIsNew) {
         model().remove(record, true);
         const std::string error = model().lastError().value_or("");
         return listed.count() == 1 && error.starts_with("Couldn't delete: ") &&
-               error.find("1 item removed, 3 items left") != error.npos &&
+               error.find("1 item removed, 3 items left") != std::string::npos &&
                !fs::exists(record.bundleURL);
     }));
 }
@@ -498,7 +500,7 @@ TEST_F(AppModelTest, AMigrationOfACloneThatCantBeChangedIsAnErrorWithWhatWasMove
     EXPECT_EQ(model().lastError(),
               "Moved 1 from Downloads into your shared folders. The clone at " +
                   record.bundleURL.string() +
-                  " can’t be changed; it does not share the folders yet.");
+                  " couldn’t be changed, so folder sharing is still off.");
     EXPECT_EQ(read(home / "Downloads/a"), "a");
 }
 
@@ -560,7 +562,7 @@ TEST_F(AppModelTest, AWrapperThatIsGoneCantBeShown) {
     EXPECT_EQ(model().lastError(), "“Work.app” couldn’t be shown: no such file or directory");
 }
 
-TEST_F(AppModelTest, DeletingWhatIsGoneAlreadyListsAnew) {
+TEST_F(AppModelTest, DeletingWhatIsGoneAlreadyListsAgain) {
     const InstanceRecord record = addClone("Work");
     write(home / "QuorvelInstances/Work/data", "x");
     model().reload();
@@ -580,7 +582,7 @@ TEST_F(AppModelTest, AModelThatIsGoneIsNotReachedByLateResults) {
     EXPECT_TRUE(late.isCanceled());
 }
 
-TEST(OsSignature, IsTheMajorAndMinorVersion) {
+TEST_F(AppModelTest, OsSignatureIsTheMajorAndMinorVersion) {
     EXPECT_EQ(AppModel::osSignature(StubWorkspace()), "macOS 14.5");
 }
 

@@ -1,3 +1,6 @@
+#include "LaunchKit/InstanceConfig.h"
+#include "LaunchKit/InstanceRecord.h"
+#include "QuorvelApp/CloneDetailView.h"
 #include "QuorvelApp/widgets/MessageSheet.h"
 #include "tests/QuorvelApp/WindowFixture.h"
 
@@ -33,15 +36,15 @@ TEST_F(CloneDetailTest, AsksOnceMoreBeforeItDeletesTheDataOfACloneThatRuns) {
     write(home / "QuorvelInstances/Work/data", "x");
     open();
     select(work);
-    // Started elsewhere, so that nothing but a look can tell.
-    stubs.workspace->running = {work.config.bundleId};
+    // Started elsewhere, so only a refresh can notice.
+    stubs.workspace->setRunning({work.config.bundleId});
     const auto delayed = [&](const QString& answer) {
         button(u"Delete"_s)->click();
         button(u"Delete Clone and Its Data"_s)->click();
         EXPECT_TRUE(shown(u"“Work” is running"_s));
         EXPECT_EQ(window->findChildren<MessageSheet*>().constLast()->text(),
-                  u"Quit it before you delete its data. Otherwise it loses what it has open, and "
-                  u"may write to it again."_s);
+                  u"Quit it before you delete its data. It would lose what it has open, and might "
+                  u"write to its data again."_s);
         EXPECT_TRUE(fs::exists(home / "QuorvelInstances/Work/data"));
         button(answer)->click();
         EXPECT_FALSE(shown(u"“Work” is running"_s));
@@ -59,7 +62,7 @@ TEST_F(CloneDetailTest, EscapeAndReturnSpareTheDataOfACloneThatRuns) {
     write(home / "QuorvelInstances/Work/data", "x");
     open();
     select(work);
-    stubs.workspace->running = {work.config.bundleId};
+    stubs.workspace->setRunning({work.config.bundleId});
     for (const Qt::Key key : {Qt::Key_Escape, Qt::Key_Return}) {
         button(u"Delete"_s)->click();
         button(u"Delete Clone and Its Data"_s)->click();
@@ -73,7 +76,7 @@ TEST_F(CloneDetailTest, DoesNotAskOnceMoreWhereTheDataStays) {
     const InstanceRecord work = addClone("Work");
     open();
     select(work);
-    stubs.workspace->running = {work.config.bundleId};
+    stubs.workspace->setRunning({work.config.bundleId});
     button(u"Delete"_s)->click();
     button(u"Delete Clone Only"_s)->click();
     EXPECT_FALSE(shown(u"“Work” is running"_s));
@@ -98,7 +101,7 @@ TEST_F(CloneDetailTest, TheLaunchButtonFocusesWhatRuns) {
     select(work);
     button(u"Launch"_s)->click();
     EXPECT_THAT(stubs.workspace->opened, ElementsAre(work.bundleURL));
-    stubs.workspace->running = {work.config.bundleId};
+    stubs.workspace->setRunning({work.config.bundleId});
     stubs.model().refreshRunningState();
     EXPECT_TRUE(shown(u"Running"_s));
     button(u"Focus"_s)->click();
@@ -166,7 +169,7 @@ TEST_F(CloneDetailTest, AMigrationIsExplainedAndCanBeCancelled) {
     EXPECT_TRUE(shown(u"This clone keeps its own Downloads, Documents & Desktop"_s));
 }
 
-TEST_F(CloneDetailTest, TheOfferGoesOnceALaunchHasLinkedTheFolders) {
+TEST_F(CloneDetailTest, TheOfferDisappearsOnceALaunchHasLinkedTheFolders) {
     const InstanceRecord work = addClone("Work");
     const QString offer = u"This clone keeps its own Downloads, Documents & Desktop"_s;
     fs::create_directories(home / "Downloads");

@@ -1,6 +1,8 @@
+#include "LaunchKit/InstanceConfig.h"
+#include "LaunchKit/InstanceRecord.h"
 #include "QuorvelApp/model/CloneListModel.h"
+#include "QuorvelApp/model/DisplayText.h"
 #include "QuorvelApp/model/QtText.h"
-#include "QuorvelApp/model/ShownText.h"
 #include "tests/QuorvelApp/WindowFixture.h"
 
 #include <QLabel>
@@ -78,16 +80,16 @@ TEST_F(HostileInputTest, NoWidgetIsGivenAMegabyte) {
     button(u"Delete"_s)->click();
     (void)window->grab();
     for (const QLabel* label : window->findChildren<QLabel*>()) {
-        // Every character has a mark behind it.
-        EXPECT_LE(label->text().size(), 2 * (longestShownText + 1));
-        EXPECT_LE(label->accessibleName().size(), longestShownText + 100);
-        EXPECT_LE(label->toolTip().size(), longestShownText + 100);
+        // Every character is followed by a mark.
+        EXPECT_LE(label->text().size(), 2 * (longestDisplayText + 1));
+        EXPECT_LE(label->accessibleName().size(), longestDisplayText + 100);
+        EXPECT_LE(label->toolTip().size(), longestDisplayText + 100);
     }
     const QModelIndex row =
         window->content().sidebar().findChild<QListView*>()->model()->index(0, 0);
     for (const int role : {int(CloneListModel::NameRole), int(CloneListModel::SummaryRole),
                            int(Qt::AccessibleTextRole), int(Qt::AccessibleDescriptionRole)}) {
-        EXPECT_EQ(row.data(role).toString().size(), longestShownLine + 1);
+        EXPECT_EQ(row.data(role).toString().size(), longestDisplayLine + 1);
     }
 }
 
@@ -121,7 +123,7 @@ TEST_F(HostileInputTest, AnAppWithAHostileNameIsShownAndChosen) {
     }
 }
 
-TEST_F(HostileInputTest, EveryActionOnACloneThatIsGoneIsToldAndLosesNothing) {
+TEST_F(HostileInputTest, EveryActionOnAMissingCloneIsReportedAndLosesNothing) {
     InstanceConfig config = minimalConfig("Work");
     config.shareUserFolders = false;
     const InstanceRecord work = addClone("Work", config);
@@ -170,7 +172,7 @@ TEST_F(HostileInputTest, TwoProgramsOnOneFolderDoNotDisturbEachOther) {
     EXPECT_EQ(stubs.model().clones(), other.model().clones());
 }
 
-TEST_F(HostileInputTest, AFullDiskIsToldAndTheFormStays) {
+TEST_F(HostileInputTest, AFullDiskIsReportedAndTheFormStays) {
     stubs.create = [](const auto&) -> fs::path {
         throw PlatformError(std::make_error_code(std::errc::no_space_on_device), "/x/runner",
                             "copied");

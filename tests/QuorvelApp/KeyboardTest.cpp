@@ -1,3 +1,4 @@
+#include "LaunchKit/InstanceRecord.h"
 #include "QuorvelApp/widgets/MessageSheet.h"
 #include "tests/QuorvelApp/WindowFixture.h"
 
@@ -45,7 +46,7 @@ protected:
     }
 
     void makeClones() {
-        stubs.create = [&](const auto& request) { return addClone(request.displayName).bundleURL; };
+        stubs.create = [&](const auto& request) { return addWrapper(request.displayName); };
     }
     bool sheetIsGone() {
         return eventually([&] { return window->findChild<NewCloneView*>() == nullptr; });
@@ -70,7 +71,7 @@ TEST_F(KeyboardTest, TheAdvancedOptionsComeInTheirOwnOrder) {
                                         u"Choose…"_s,
                                         u"Choose .icns…"_s,
                                         u"Icon label"_s,
-                                        u"Badge colour"_s,
+                                        u"Badge color"_s,
                                         u"Launch arguments"_s,
                                         u"Environment variables"_s,
                                         u"Info.plist overrides"_s,
@@ -231,7 +232,7 @@ TEST_F(KeyboardTest, ReturnWhileCreatingDoesNotCreateTwice) {
     int made = 0;
     stubs.create = [&](const auto& request) {
         ++made;
-        return addClone(request.displayName).bundleURL;
+        return addWrapper(request.displayName);
     };
     openSheetWith(u"Notes"_s);
     stubs.tasks->holding = true;
@@ -258,7 +259,7 @@ TEST_F(KeyboardTest, EscapeCancelsFromEveryControl) {
     grid()->setFocus();
     press(Qt::Key_Escape);
     EXPECT_FALSE(window->content().showingNewClone());
-    EXPECT_TRUE(stubs.model().clones().empty());
+    EXPECT_EQ(cloneCount(), 0U);
 }
 
 TEST_F(KeyboardTest, TheCommandsHaveTheirShortcuts) {
@@ -266,7 +267,7 @@ TEST_F(KeyboardTest, TheCommandsHaveTheirShortcuts) {
     ASSERT_TRUE(QTest::qWaitForWindowActive(window.get()));
     addClone("Work");
     press(Qt::Key_R, Qt::ControlModifier);
-    EXPECT_EQ(stubs.model().clones().size(), 1U);
+    EXPECT_EQ(cloneCount(), 1U);
     press(Qt::Key_N, Qt::ControlModifier);
     EXPECT_TRUE(window->content().showingNewClone());
     EXPECT_FALSE(stubs.model().startNewCloneRequested());
@@ -275,7 +276,7 @@ TEST_F(KeyboardTest, TheCommandsHaveTheirShortcuts) {
 TEST_F(KeyboardTest, ArrowsAndTypingMoveInTheListOfClones) {
     addClone("Home");
     addClone("Play");
-    const InstanceRecord work = addClone("Work");
+    const InstanceRecord& work = addClone("Work");
     open();
     auto* list = window->content().sidebar().findChild<QListView*>();
     list->setFocus();
@@ -288,7 +289,7 @@ TEST_F(KeyboardTest, ArrowsAndTypingMoveInTheListOfClones) {
 }
 
 TEST_F(KeyboardTest, TheDialogOfADeletionBeginsAtItsCancelButton) {
-    const InstanceRecord work = addClone("Work");
+    const InstanceRecord& work = addClone("Work");
     open();
     select(work);
     button(u"Delete"_s)->click();
@@ -303,7 +304,7 @@ TEST_F(KeyboardTest, TheDialogOfADeletionBeginsAtItsCancelButton) {
 }
 
 TEST_F(KeyboardTest, TheDialogOfAMigrationBeginsAtItsFirstButton) {
-    const InstanceRecord work = addClone("Work");
+    const InstanceRecord& work = addClone("Work");
     write(home / "QuorvelInstances/Work/Downloads/a", "x");
     open();
     select(work);
@@ -312,7 +313,7 @@ TEST_F(KeyboardTest, TheDialogOfAMigrationBeginsAtItsFirstButton) {
 }
 
 TEST_F(KeyboardTest, ReturnPressesTheButtonThatHasTheRing) {
-    const InstanceRecord work = addClone("Work");
+    const InstanceRecord& work = addClone("Work");
     openSheetWith(u"Notes"_s);
     button(u"Cancel"_s)->setFocus();
     press(Qt::Key_Return);
@@ -339,11 +340,11 @@ TEST_F(KeyboardTest, TheDefaultButtonStaysSoOnceTheFocusHasLeftIt) {
     field(u"Name"_s)->setFocus();
     press(Qt::Key_Return);
     EXPECT_TRUE(sheetIsGone());
-    EXPECT_EQ(stubs.model().clones().size(), 1U);
+    EXPECT_EQ(cloneCount(), 1U);
 }
 
 TEST_F(KeyboardTest, ReturnInTheDialogOfADeletionDeletesNothing) {
-    const InstanceRecord work = addClone("Work");
+    const InstanceRecord& work = addClone("Work");
     open();
     select(work);
     button(u"Delete"_s)->click();
@@ -353,7 +354,7 @@ TEST_F(KeyboardTest, ReturnInTheDialogOfADeletionDeletesNothing) {
 }
 
 TEST_F(KeyboardTest, ReturnDismissesAMessageAndTheFocusGoesBack) {
-    const InstanceRecord work = addClone("Work");
+    const InstanceRecord& work = addClone("Work");
     open();
     select(work);
     button(u"Launch"_s)->setFocus();

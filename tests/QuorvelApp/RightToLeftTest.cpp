@@ -1,4 +1,5 @@
 #include "LaunchKit/Icons/IcnsWriter.h"
+#include "QuorvelApp/Components.h"
 #include "QuorvelApp/library/CloneRow.h"
 #include "tests/QuorvelApp/WindowFixture.h"
 
@@ -21,7 +22,7 @@ protected:
 
     int leftOf(const QWidget* widget) { return widget->mapTo(window.get(), QPoint()).x(); }
 
-    // The middle of all pixels of that colour; -1 when there are none.
+    // The middle of all pixels of that colour; -1 if there are none.
     static int middleOf(const QImage& image, const QColor& color) {
         qint64 sum = 0;
         qint64 count = 0;
@@ -44,11 +45,11 @@ TEST_F(RightToLeftTest, TheColumnsAreMirrored) {
 }
 
 TEST_F(RightToLeftTest, ARowBeginsWithItsIconAtTheRightAndEndsWithItsDotAtTheLeft) {
-    const InstanceRecord work = addClone("Work");
+    const InstanceRecord& work = addClone("Work");
     QImage magenta(64, 64, QImage::Format_ARGB32);
     magenta.fill(Qt::magenta);
     write(iconPathOf(work), icnsFile(std::array{icnsChunk(magenta)}));
-    stubs.workspace->running = {work.config.bundleId};
+    stubs.workspace->setRunning({WrapperFactory::defaultBundleId("Work")});
     open();
     const auto* list = window->content().sidebar().findChild<QListView*>();
     QImage row;
@@ -63,7 +64,7 @@ TEST_F(RightToLeftTest, ARowBeginsWithItsIconAtTheRightAndEndsWithItsDotAtTheLef
 }
 
 TEST_F(RightToLeftTest, TheDetailBeginsAtTheRight) {
-    const InstanceRecord work = addClone("Work");
+    const InstanceRecord& work = addClone("Work");
     open();
     select(work);
     EXPECT_GT(leftOf(button(u"Launch"_s)), leftOf(button(u"Reveal in Finder"_s)));

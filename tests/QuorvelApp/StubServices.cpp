@@ -8,39 +8,9 @@
 
 namespace quorvel::testing {
 
-void StubWorkspace::openApplication(const std::filesystem::path& bundle, bool activates,
-                                    Completion completion) {
-    if (throwing) {
-        throw PlatformError(*openError);
-    }
-    opened.push_back(bundle);
-    activated = activates;
-    if (answersElsewhere) {
-        std::thread([&] { completion(openError); }).join();
-    } else {
-        completion(openError);
-    }
-}
-
-void StubWorkspace::reveal(const std::filesystem::path& item) {
-    if (revealError) {
-        throw PlatformError(*revealError);
-    }
-    revealed.push_back(item);
-}
-
-RunningApplications StubWorkspace::runningApplications() {
-    ++looks;
-    std::vector<RunningApplication> applications;
-    for (const std::string& bundleId : running) {
-        applications.push_back({.bundleId = bundleId, .bundleURL = "/x.app", .pid = 1});
-    }
-    return RunningApplications(std::move(applications));
-}
-
 void StubUpdates::observe(std::function<void(bool)> changed) {
-    tell = std::move(changed);
-    tell(true);
+    canCheckChanged = std::move(changed);
+    canCheckChanged(true);
 }
 
 void RecordingTasks::start(TaskPriority priority, std::function<void()> work) {
@@ -108,7 +78,7 @@ void StubbedModel::worked() {
 }
 
 bool eventually(const std::function<bool()>& predicate, std::chrono::milliseconds deadline) {
-    return waitFor(
+    return waitUntil(
         [&] {
             QCoreApplication::processEvents();
             QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);

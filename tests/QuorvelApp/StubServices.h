@@ -2,6 +2,7 @@
 
 #include "QuorvelApp/AppModel.h"
 #include "QuorvelApp/Updater.h"
+#include "tests/support/StubWorkspace.h"
 
 #include <QThread>
 
@@ -14,34 +15,14 @@
 
 namespace quorvel::testing {
 
-/// A desktop on which nothing happens but what a test says.
-class StubWorkspace final : public Workspace {
-public:
-    void openApplication(const std::filesystem::path& bundle, bool activates,
-                         Completion completion) override;
-    void reveal(const std::filesystem::path& item) override;
-    RunningApplications runningApplications() override;
-    OperatingSystemVersion operatingSystemVersion() const override { return {14, 5}; }
-
-    std::vector<std::filesystem::path> opened{};
-    bool activated = false;
-    std::optional<PlatformError> openError{};
-    bool throwing = false;         ///< the error is thrown, not told
-    bool answersElsewhere = false; ///< on a thread of its own
-    std::optional<PlatformError> revealError{};
-    std::vector<std::filesystem::path> revealed{};
-    std::set<std::string> running{};
-    int looks = 0;
-};
-
-/// An updater that can check at first, and counts how often it was told to.
+/// An updater that can check at first, and counts its checks.
 class StubUpdates final : public UpdateService {
 public:
     void observe(std::function<void(bool)> changed) override;
     void checkForUpdates() override { ++checks; }
 
     int checks = 0;
-    std::function<void(bool)> tell{};
+    std::function<void(bool)> canCheckChanged{};
 };
 
 /// Runs work on real threads, and remembers at which priority each piece was started.
@@ -59,7 +40,7 @@ private:
     ThreadPoolTasks pool_{};
 };
 
-/// A model with stubs all around it, which the test may change at any time.
+/// A model whose services are stubs, which the test may change at any time.
 class StubbedModel {
 public:
     /// Clones are looked for in `folder`.
@@ -89,18 +70,18 @@ private:
     std::mutex mutex_{};
 
 public:
-    /// Stands below what its threads still write to, so that it waits for them first.
+    /// Declared after what its threads write to, so that it is destroyed first and waits for them.
     std::shared_ptr<RecordingTasks> tasks = std::make_shared<RecordingTasks>();
 
 private:
     std::unique_ptr<AppModel> model_{};
 };
 
-/// Handles events until `predicate` holds; false when it does not in time.
+/// Handles events until `predicate` holds. Returns false if it still does not at the deadline.
 [[nodiscard]] bool eventually(const std::function<bool()>& predicate,
                               std::chrono::milliseconds deadline = std::chrono::seconds(20));
 
-/// Waits for the future with events handled, then gives its result or throws its error.
+/// Handles events until the future has finished, then returns its result or throws its error.
 template<typename Result>
 Result resultOf(const QFuture<Result>& future) {
     if (!eventually([&] { return future.isFinished(); })) {

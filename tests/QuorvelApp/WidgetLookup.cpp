@@ -20,7 +20,7 @@ QString plain(QString text) {
 
 QPushButton* visibleButton(QWidget* root, const QString& text) {
     QPushButton* found = nullptr;
-    // Later widgets stand above earlier ones.
+    // Later widgets are drawn over earlier ones.
     for (QPushButton* button : root->findChildren<QPushButton*>()) {
         if (button->isVisible() && plain(button->text()) == text) {
             found = button;

@@ -11,16 +11,16 @@
 
 namespace quorvel::testing {
 
-/// The topmost visible button with that text, mnemonics apart; throws when there is none.
+/// The topmost visible button with that text, mnemonics apart; throws if there is none.
 [[nodiscard]] QPushButton* visibleButton(QWidget* root, const QString& text);
 
-/// The field with that accessible name; throws when there is none.
+/// The field with that accessible name; throws if there is none.
 [[nodiscard]] QLineEdit* fieldNamed(QWidget* root, const QString& name);
 
-/// The check box with that accessible name or text; throws when there is none.
+/// The check box with that accessible name or text; throws if there is none.
 [[nodiscard]] QCheckBox* checkBox(QWidget* root, const QString& name);
 
-/// Chooses the app of that name in the grid of the new-clone sheet; throws when there is none.
+/// Chooses the app of that name in the grid of the new-clone sheet; throws if there is none.
 void chooseApp(QWidget* root, const QString& name);
 
 /// The plain text of the tooltip that `view` shows for what is at that place of its viewport.

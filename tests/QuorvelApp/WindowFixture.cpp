@@ -1,4 +1,7 @@
 #include "tests/QuorvelApp/WindowFixture.h"
+#include "LaunchKit/InstanceConfig.h"
+
+#include "LaunchKit/InstanceRecord.h"
 
 #include <QMenu>
 #include <QMenuBar>
@@ -8,16 +11,33 @@
 
 namespace quorvel::testing {
 
-InstanceRecord WindowTest::addClone(const std::string& name) {
+WindowTest::WindowTest() = default;
+WindowTest::~WindowTest() = default;
+
+const InstanceRecord& WindowTest::addClone(const std::string& name) {
     InstanceConfig config = minimalConfig(name);
     config.bundleId = WrapperFactory::defaultBundleId(name);
     config.targetAppPath = "/Applications/Notes.app";
     return addClone(name, std::move(config));
 }
 
-InstanceRecord WindowTest::addClone(const std::string& fileName, InstanceConfig config) {
+const InstanceRecord& WindowTest::addClone(const std::string& fileName, InstanceConfig config) {
     const std::filesystem::path wrapper = makeWrapper(folder / (fileName + ".app"), config);
-    return {.bundleURL = wrapper, .config = std::move(config)};
+    added_.push_back(std::make_unique<InstanceRecord>(
+        InstanceRecord{.bundleURL = wrapper, .config = std::move(config)}));
+    return *added_.back();
+}
+
+std::filesystem::path WindowTest::addWrapper(const std::string& name) {
+    return addClone(name).bundleURL;
+}
+
+std::size_t WindowTest::cloneCount() {
+    return stubs.model().clones().size();
+}
+
+void WindowTest::select(const InstanceRecord& clone) {
+    window->content().sidebar().select(clone.id());
 }
 
 void WindowTest::addApps() {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "LaunchKit/InstanceConfig.h"
 #include "QuorvelApp/CloneDetailView.h"
 #include "QuorvelApp/NewCloneView.h"
 #include "QuorvelApp/app/MainWindow.h"
@@ -13,14 +14,24 @@
 
 #include <gtest/gtest.h>
 
+#include <memory>
+#include <vector>
+
 namespace quorvel::testing {
 
-/// A window on a throw-away home, with stubs behind the model.
+/// A window in a throw-away home, whose model uses stubs.
 class WindowTest : public ::testing::Test {
 protected:
+    WindowTest();
+    ~WindowTest() override;
+
     /// Writes an app clone of "Notes" with that name, which the window lists when it opens.
-    InstanceRecord addClone(const std::string& name);
-    InstanceRecord addClone(const std::string& fileName, InstanceConfig config);
+    const InstanceRecord& addClone(const std::string& name);
+    const InstanceRecord& addClone(const std::string& fileName, InstanceConfig config);
+    /// Adds one and returns its wrapper.
+    std::filesystem::path addWrapper(const std::string& name);
+    /// The clones that the model lists.
+    std::size_t cloneCount();
     /// Installs "Mail", "Notes" and "Zoom".
     void addApps();
 
@@ -32,9 +43,9 @@ protected:
     void choose(const QString& app) { chooseApp(window.get(), app); }
     /// The middle of that app's tile, in the grid's viewport.
     QPoint middleOfTile(const QString& app);
-    void select(const InstanceRecord& clone) { window->content().sidebar().select(clone.id()); }
+    void select(const InstanceRecord& clone);
 
-    /// The menus' command with these words; throws when there is none.
+    /// The menus' command with these words; throws if there is none.
     QAction* command(const QString& words);
     QPushButton* button(const QString& text) { return visibleButton(window.get(), text); }
     QLineEdit* field(const QString& name) { return fieldNamed(window.get(), name); }
@@ -47,6 +58,9 @@ protected:
     IconLoader icons{std::make_shared<ThreadPoolTasks>()};
     FilePanels panels{};
     std::unique_ptr<MainWindow> window;
+
+private:
+    std::vector<std::unique_ptr<InstanceRecord>> added_{};
 };
 
 } // namespace quorvel::testing

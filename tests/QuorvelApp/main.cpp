@@ -1,5 +1,5 @@
 #include "QuorvelApp/theme/Appearance.h"
-#include "QuorvelApp/widgets/FilePanels.h"
+#include "QuorvelApp/widgets/SystemFilePanels.h"
 
 #include <QApplication>
 #include <QStandardPaths>

@@ -1,7 +1,8 @@
 // Shows every state of the windows in a throw-away home and saves a picture of each.
-// Usage: quorvel_screenshots FOLDER
+// Usage: app_screenshots FOLDER
 #include "LaunchKit/IconComposer.h"
 #include "LaunchKit/Icons/IcnsWriter.h"
+#include "LaunchKit/InstanceConfig.h"
 #include "QuorvelApp/app/MainWindow.h"
 #include "QuorvelApp/library/Sidebar.h"
 #include "QuorvelApp/theme/Appearance.h"
@@ -90,8 +91,8 @@ public:
             makeClones();
         }
         window_.show();
-        stubs_.workspace->running = {"app.quorvel.instance.chat--work-",
-                                     "app.quorvel.instance.code---client-a"};
+        stubs_.workspace->setRunning(
+            {"app.quorvel.instance.chat--work-", "app.quorvel.instance.code---client-a"});
         stubs_.model().reload();
     }
 

@@ -1,9 +1,10 @@
-// One target per instance home, whatever becomes of the runner.
+// One target per instance home, even if the runner is killed.
 #include "LaunchKit/HomeLock.h"
+#include "LaunchKit/InstanceConfig.h"
 #include "Platform/files/FileSystem.h"
 #include "tests/Runner/RunnerFixture.h"
-#include "tests/support/OrdinaryUser.h"
 #include "tests/support/SmallDisk.h"
+#include "tests/support/UnprivilegedUser.h"
 #include "tests/support/Waiting.h"
 
 #include <cerrno>
@@ -22,9 +23,9 @@ namespace fs = std::filesystem;
 const std::string inUse = "quorvel-runner: “Work” is still running, or a clone that shares its "
                           "data folder is, or a program that it started\n";
 
-class OneTarget : public RunnerFixture {
+class OneTargetTest : public RunnerFixture {
 protected:
-    ~OneTarget() override {
+    ~OneTargetTest() override {
         for (const fs::path& file : {at("pid"), at("child")}) {
             if (const pid_t pid = numberIn(file); pid > 0) {
                 ::kill(pid, SIGKILL);
@@ -39,26 +40,26 @@ protected:
 
     [[nodiscard]] fs::path lockFile() const { return cloneHome() / homeLockName; }
 
-    // A clone of an app that is this script.
+    // Returns a clone of an app that runs this script.
     [[nodiscard]] InstanceConfig scripted(const std::string& script) const {
         InstanceConfig config = appConfig({});
         makeScriptedAppBundle(at("Thing.app"), script);
         return config;
     }
 
-    // One that runs until it is ended, and tells its number.
+    // Returns a clone of an app that reports its process number and runs until it is killed.
     [[nodiscard]] InstanceConfig lasting() const {
         return scripted("echo $$ > " + at("pid").string() + "; exec sleep 600");
     }
 
     [[nodiscard]] bool targetRuns() const {
-        return waitFor([&] { return numberIn(at("pid")) > 0; });
+        return waitUntil([&] { return numberIn(at("pid")) > 0; });
     }
 
-    // The status of a runner that is to end by itself; -1 when it does not.
+    // Returns the status of a runner that should end by itself, or -1 if it does not.
     [[nodiscard]] int statusOf(const fs::path& bundle) const {
         Process runner = start(bundle);
-        if (!waitFor([&] { return !runner.isRunning(); }, std::chrono::seconds(5))) {
+        if (!waitUntil([&] { return !runner.isRunning(); }, std::chrono::seconds(5))) {
             runner.terminate();
             return -1;
         }
@@ -67,11 +68,11 @@ protected:
 
     static bool ends(pid_t pid) {
         ::kill(pid, SIGKILL);
-        return waitFor([&] { return !fs::exists("/proc/" + std::to_string(pid) + "/exe"); });
+        return waitUntil([&] { return !fs::exists("/proc/" + std::to_string(pid) + "/exe"); });
     }
 };
 
-TEST_F(OneTarget, ATargetWhoseRunnerWasKilledKeepsItsHome) {
+TEST_F(OneTargetTest, ATargetWhoseRunnerWasKilledKeepsItsHome) {
     const fs::path bundle = wrapper(lasting());
     Process runner = start(bundle);
     ASSERT_TRUE(targetRuns());
@@ -93,13 +94,13 @@ TEST_F(OneTarget, ATargetWhoseRunnerWasKilledKeepsItsHome) {
     EXPECT_EQ(again.waitUntilExit(), 128 + SIGTERM);
 }
 
-TEST_F(OneTarget, ClonesThatShareAHomeRunOneAtATime) {
+TEST_F(OneTargetTest, ClonesThatShareAHomeRunOneAtATime) {
     InstanceConfig other = lasting();
     other.displayName = "Home";
     Process first = start(wrapper(other));
     ASSERT_TRUE(targetRuns());
     other.displayName = "Work";
-    other.instanceHome = (home_ / "I/").string(); // the same folder, spelt in another way
+    other.instanceHome = (home_ / "I/").string(); // the same folder, spelled differently
     const fs::path second = wrapper(other);
     EXPECT_EQ(statusOf(second), 75);
     EXPECT_EQ(read(errors()), inUse);
@@ -112,7 +113,7 @@ TEST_F(OneTarget, ClonesThatShareAHomeRunOneAtATime) {
     later.waitUntilExit();
 }
 
-TEST_F(OneTarget, ClonesWithHomesOfTheirOwnRunSideBySide) {
+TEST_F(OneTargetTest, ClonesWithDifferentHomesRunSideBySide) {
     InstanceConfig config = lasting();
     Process first = start(wrapper(config));
     ASSERT_TRUE(targetRuns());
@@ -128,17 +129,17 @@ TEST_F(OneTarget, ClonesWithHomesOfTheirOwnRunSideBySide) {
     }
 }
 
-TEST_F(OneTarget, AChildThatGoesOnInTheBackgroundStillHoldsTheHome) {
+TEST_F(OneTargetTest, AChildInTheBackgroundStillHoldsTheHome) {
     const fs::path bundle = wrapper(scripted(
         "setsid sleep 600 </dev/null >/dev/null 2>&1 & echo $! > " + at("child").string()));
     EXPECT_EQ(statusOf(bundle), 0);
-    ASSERT_TRUE(waitFor([&] { return numberIn(at("child")) > 0; }));
+    ASSERT_TRUE(waitUntil([&] { return numberIn(at("child")) > 0; }));
     EXPECT_EQ(statusOf(bundle), 75);
     ASSERT_TRUE(ends(numberIn(at("child"))));
     EXPECT_EQ(statusOf(bundle), 0);
 }
 
-TEST_F(OneTarget, AScriptMayRedirectLowNumbersWithoutLosingTheHome) {
+TEST_F(OneTargetTest, AScriptMayRedirectLowNumbersWithoutLosingTheHome) {
     const fs::path bundle =
         wrapper(scripted("exec 3>/dev/null 4>/dev/null 9>/dev/null 3>&- 9>&-; echo $$ > " +
                          at("pid").string() + "; exec sleep 600"));
@@ -149,14 +150,14 @@ TEST_F(OneTarget, AScriptMayRedirectLowNumbersWithoutLosingTheHome) {
     EXPECT_EQ(statusOf(bundle), 75);
 }
 
-TEST_F(OneTarget, TheTargetGetsNothingButTheLocksDescriptor) {
+TEST_F(OneTargetTest, TheTargetInheritsOnlyTheLocksDescriptor) {
     EXPECT_EQ(run(appConfig({"descriptors"})), 0);
     EXPECT_EQ(log(), "0\n1\n2\n30\n");
     EXPECT_EQ(run(scripted("readlink /proc/self/fd/30 > " + at("path").string())), 0);
     EXPECT_EQ(read(at("path")), lockFile().string() + "\n");
 }
 
-TEST_F(OneTarget, TheLocksFileIsHiddenAndTheUsersOwn) {
+TEST_F(OneTargetTest, TheLockFileIsHiddenAndForTheUserOnly) {
     EXPECT_EQ(run(appConfig({"exit", "0"})), 0);
     struct stat status {};
     ASSERT_EQ(::lstat(lockFile().c_str(), &status), 0);
@@ -166,7 +167,7 @@ TEST_F(OneTarget, TheLocksFileIsHiddenAndTheUsersOwn) {
     EXPECT_TRUE(lockFile().filename().string().starts_with('.'));
 }
 
-TEST_F(OneTarget, WhatStandsInTheLocksPlaceIsNotFollowed) {
+TEST_F(OneTargetTest, ALinkInPlaceOfTheLockIsNotFollowed) {
     fs::create_directories(cloneHome());
     write(at("foreign"), "kept");
     const fs::path bundle = wrapper(appConfig({"write", at("started"), "x"}));
@@ -182,15 +183,15 @@ TEST_F(OneTarget, WhatStandsInTheLocksPlaceIsNotFollowed) {
     EXPECT_FALSE(fs::exists(at("started")));
 }
 
-// Two starts of a clone whose home has no room for the lock's file.
-TEST_F(OneTarget, OnAFullDiskAHomeIsStillUsedByOneTargetAtATime) {
+// Starts a clone twice whose home has no space for the lock file.
+TEST_F(OneTargetTest, OnAFullDiskAHomeIsStillUsedByOneTargetAtATime) {
     fs::create_directories(cloneHome());
     const fs::path bundle = wrapper(lasting());
     const auto problem = onSmallDisk(cloneHome(), "size=4k,nr_inodes=1", [&]() -> std::string {
         Process runner = start(bundle);
         const bool runs = targetRuns();
         const int second = statusOf(bundle);
-        // With room again, the folder still counts.
+        // When there is space again, the lock on the folder still counts.
         ::mount("none", cloneHome().c_str(), "tmpfs", MS_REMOUNT, "size=64k,nr_inodes=10");
         const int third = statusOf(bundle);
         runner.terminate();
@@ -207,10 +208,10 @@ TEST_F(OneTarget, OnAFullDiskAHomeIsStillUsedByOneTargetAtATime) {
     EXPECT_EQ(*problem, "");
 }
 
-TEST_F(OneTarget, AHomeThatCantBeWrittenIsStillUsedByOneTargetAtATime) {
+TEST_F(OneTargetTest, AHomeThatCantBeWrittenIsStillUsedByOneTargetAtATime) {
     InstanceConfig config = minimalConfig();
     config.instanceHome = at("I").string();
-    EXPECT_TRUE(asOrdinaryUser(folder_.path(), [&] {
+    EXPECT_TRUE(asUnprivilegedUser(folder_.path(), [&] {
         fs::create_directories(config.resolvedHome());
         fs::permissions(config.resolvedHome(), fs::perms{0555});
         std::optional<FileLock> first = lockHome(config);
@@ -227,10 +228,8 @@ TEST_F(OneTarget, AHomeThatCantBeWrittenIsStillUsedByOneTargetAtATime) {
     }));
 }
 
-TEST_F(OneTarget, ACommandHoldsNothing) {
-    InstanceConfig config = minimalConfig();
-    config.kind = ShortcutKind::command;
-    config.instanceHome = "~/I";
+TEST_F(OneTargetTest, ACommandHoldsNoLock) {
+    InstanceConfig config = configOf(ShortcutKind::command);
     config.commandPath = helperProgram();
     config.commandArgs = {"descriptors"};
     EXPECT_EQ(run(config), 0);

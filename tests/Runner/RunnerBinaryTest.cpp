@@ -1,4 +1,4 @@
-// The runner is copied into every wrapper, so it has to be small and to stand alone.
+// The runner is copied into every wrapper, so it must be small and self-contained.
 #include "Platform/files/FileSystem.h"
 #include "Platform/processes/Process.h"
 #include "tests/support/AppBundles.h"
@@ -25,7 +25,7 @@ constexpr bool sanitized = false;
 constexpr bool sanitized = false;
 #endif
 
-class RunnerBinary : public ::testing::Test {
+class RunnerBinaryTest : public ::testing::Test {
 protected:
     void SetUp() override {
         if (sanitized) {
@@ -48,7 +48,7 @@ std::vector<std::string> neededLibraries() {
     return libraries;
 }
 
-TEST_F(RunnerBinary, NeedsFewLibraries) {
+TEST_F(RunnerBinaryTest, NeedsFewLibraries) {
     if (!isExecutableFile("/usr/bin/readelf")) {
         GTEST_SKIP() << "readelf is not installed";
     }
@@ -57,7 +57,7 @@ TEST_F(RunnerBinary, NeedsFewLibraries) {
     EXPECT_LE(libraries.size(), 6U);
 }
 
-TEST_F(RunnerBinary, LoadsNeitherQtNorIcu) {
+TEST_F(RunnerBinaryTest, LoadsNeitherQtNorIcu) {
     if (!isExecutableFile("/usr/bin/ldd")) {
         GTEST_SKIP() << "ldd is not installed";
     }
@@ -68,7 +68,7 @@ TEST_F(RunnerBinary, LoadsNeitherQtNorIcu) {
     EXPECT_EQ(loaded.find("libicu"), std::string::npos) << loaded;
 }
 
-TEST_F(RunnerBinary, IsSmallWithoutItsSymbols) {
+TEST_F(RunnerBinaryTest, IsSmallWithoutItsSymbols) {
 #ifndef NDEBUG
     GTEST_SKIP() << "a debug build is not what users get";
 #endif

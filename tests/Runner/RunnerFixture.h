@@ -1,5 +1,6 @@
 #pragma once
 
+#include "LaunchKit/InstanceConfig.h"
 #include "LaunchKit/WrapperGenerator.h"
 #include "Platform/processes/Process.h"
 #include "tests/support/AppBundles.h"
@@ -14,7 +15,7 @@
 
 namespace quorvel::testing {
 
-/// A throw-away home with clones whose wrappers hold the real runner.
+/// A temporary home with clones whose wrappers contain the real runner.
 class RunnerFixture : public ::testing::Test {
 protected:
     [[nodiscard]] std::filesystem::path at(std::string_view name) const { return folder_ / name; }
@@ -23,8 +24,7 @@ protected:
     [[nodiscard]] std::string log() const { return read(cloneHome() / "quorvel-instance.log"); }
 
     [[nodiscard]] InstanceConfig appConfig(std::vector<std::string> steps) const {
-        InstanceConfig config = minimalConfig();
-        config.instanceHome = "~/I";
+        InstanceConfig config = configOf(ShortcutKind::app);
         config.targetAppPath = at("Thing.app");
         config.extraArgs = std::move(steps);
         if (!std::filesystem::exists(at("Thing.app"))) {
@@ -33,9 +33,9 @@ protected:
         return config;
     }
 
-    [[nodiscard]] InstanceConfig webConfig() const {
+    [[nodiscard]] static InstanceConfig configOf(ShortcutKind kind) {
         InstanceConfig config = minimalConfig();
-        config.kind = ShortcutKind::web;
+        config.kind = kind;
         config.instanceHome = "~/I";
         return config;
     }

@@ -1,10 +1,12 @@
 // The real runner inside real wrappers.
+#include "LaunchKit/InstanceConfig.h"
 #include "tests/Runner/RunnerFixture.h"
 #include "tests/support/Waiting.h"
 
 #include <csignal>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <map>
 #include <sys/stat.h>
 
 namespace quorvel {
@@ -15,58 +17,56 @@ using namespace std::string_literals;
 using ::testing::HasSubstr;
 namespace fs = std::filesystem;
 
-class Runner : public RunnerFixture {};
+class RunnerTest : public RunnerFixture {};
 
-TEST_F(Runner, EndsWithTheStatusOfItsTarget) {
+TEST_F(RunnerTest, EndsWithTheStatusOfItsTarget) {
     EXPECT_EQ(run(appConfig({"exit", "0"})), 0);
     EXPECT_EQ(run(appConfig({"exit", "7"})), 7);
     EXPECT_EQ(run(appConfig({"exit", "255"})), 255);
 }
 
-TEST_F(Runner, ASignalThatEndsTheTargetIsAddedTo128) {
+TEST_F(RunnerTest, ASignalThatEndsTheTargetIsAddedTo128) {
     EXPECT_EQ(run(appConfig({"signal", "9"})), 128 + 9);
     EXPECT_EQ(run(appConfig({"signal", "15"})), 128 + 15);
 }
 
-TEST_F(Runner, StaysAliveAsLongAsItsTarget) {
+TEST_F(RunnerTest, StaysAliveAsLongAsItsTarget) {
     Process runner = start(wrapper(appConfig({"write", at("started"), "x", "wait"})));
-    ASSERT_TRUE(waitFor([&] { return fs::exists(at("started")); }));
+    ASSERT_TRUE(waitUntil([&] { return fs::exists(at("started")); }));
     EXPECT_TRUE(runner.isRunning());
     runner.terminate();
     EXPECT_EQ(runner.waitUntilExit(), 128 + SIGTERM);
 }
 
-class RunnerSignals : public Runner, public ::testing::WithParamInterface<int> {};
+class RunnerTestSignals : public RunnerTest, public ::testing::WithParamInterface<int> {};
 
-TEST_P(RunnerSignals, ArePassedOnToTheTarget) {
+TEST_P(RunnerTestSignals, AreForwardedToTheTarget) {
     Process runner =
         start(wrapper(appConfig({"trap", "~/caught", "write", at("ready"), "x", "wait"})));
-    ASSERT_TRUE(waitFor([&] { return fs::exists(at("ready")); }));
+    ASSERT_TRUE(waitUntil([&] { return fs::exists(at("ready")); }));
     runner.sendSignal(GetParam());
     EXPECT_EQ(runner.waitUntilExit(), 0) << "the target handled it and ended well";
     EXPECT_EQ(read(cloneHome() / "caught"), std::to_string(GetParam()));
 }
 
-INSTANTIATE_TEST_SUITE_P(Every, RunnerSignals, ::testing::Values(SIGTERM, SIGINT, SIGHUP));
+INSTANTIATE_TEST_SUITE_P(Every, RunnerTestSignals, ::testing::Values(SIGTERM, SIGINT, SIGHUP));
 
-TEST_F(Runner, SeveralSignalsInARowReachATargetThatGoesOn) {
-    InstanceConfig config = minimalConfig();
-    config.kind = ShortcutKind::command;
-    config.instanceHome = "~/I";
+TEST_F(RunnerTest, SeveralSignalsInARowReachATarget) {
+    InstanceConfig config = configOf(ShortcutKind::command);
     config.commandPath = "/bin/sh";
     config.commandArgs = {"-c", "n=0; trap 'n=$((n+1)); echo $n > " + at("count").string() +
                                     "' HUP; echo x > " + at("ready").string() +
                                     "; while [ $n -lt 2 ]; do sleep 0.05; done; exit 3"};
     Process runner = start(wrapper(config));
-    ASSERT_TRUE(waitFor([&] { return fs::exists(at("ready")); }));
+    ASSERT_TRUE(waitUntil([&] { return fs::exists(at("ready")); }));
     runner.sendSignal(SIGHUP);
-    ASSERT_TRUE(waitFor([&] { return read(at("count")) == "1\n"; }));
+    ASSERT_TRUE(waitUntil([&] { return read(at("count")) == "1\n"; }));
     EXPECT_TRUE(runner.isRunning());
     runner.sendSignal(SIGHUP);
     EXPECT_EQ(runner.waitUntilExit(), 3);
 }
 
-TEST_F(Runner, TellsTheStatusEvenWhereItsStarterIgnoresChildren) {
+TEST_F(RunnerTest, ReturnsTheStatusEvenIfItsParentIgnoresChildren) {
     const fs::path bundle = wrapper(appConfig({"exit", "7"}));
     Process::Options options;
     options.executable = "/bin/sh";
@@ -75,7 +75,7 @@ TEST_F(Runner, TellsTheStatusEvenWhereItsStarterIgnoresChildren) {
     EXPECT_EQ(Process::run(options).waitUntilExit(), 7);
 }
 
-TEST_F(Runner, GivesTheTargetItsHomeAndItsLog) {
+TEST_F(RunnerTest, SetsTheTargetsHomeAndLog) {
     EXPECT_EQ(run(appConfig({"environment", "complain", "complained"})), 0);
     EXPECT_THAT(log(), HasSubstr("\nHOME=" + cloneHome().string() + "\n"));
     EXPECT_THAT(log(), HasSubstr("CFFIXED_USER_HOME=" + cloneHome().string() + "\n"));
@@ -83,29 +83,27 @@ TEST_F(Runner, GivesTheTargetItsHomeAndItsLog) {
     EXPECT_EQ(read(errors()), "");
 }
 
-TEST_F(Runner, DocumentsStayBehindUnlessTheCloneTakesThem) {
+TEST_F(RunnerTest, DocumentsAreDroppedUnlessTheCloneAcceptsThem) {
     EXPECT_EQ(run(appConfig({"arguments", "own"}), {"/doc"}), 0);
     EXPECT_EQ(log(), "1\nown\n");
 }
 
-TEST_F(Runner, DocumentsFollowTheConfiguredArgumentsAsTheyAre) {
+TEST_F(RunnerTest, DocumentsFollowTheConfiguredArgumentsUnchanged) {
     InstanceConfig config = appConfig({"arguments", "{{instanceHome}}"});
     config.openWithPassthrough = true;
     EXPECT_EQ(run(config, {"/a b", "{{instanceHome}}", "~", "--flag"}), 0);
     EXPECT_EQ(log(), "5\n" + cloneHome().string() + "\n/a b\n{{instanceHome}}\n~\n--flag\n");
 }
 
-TEST_F(Runner, AddressesReachACloneThatIsABrowser) {
+TEST_F(RunnerTest, AddressesReachACloneThatIsABrowser) {
     InstanceConfig config = appConfig({"arguments"});
     config.registerAsBrowser = true;
     EXPECT_EQ(run(config, {"https://example.com/?a=b&c"}), 0);
     EXPECT_EQ(log(), "1\nhttps://example.com/?a=b&c\n");
 }
 
-TEST_F(Runner, RunsACommand) {
-    InstanceConfig config = minimalConfig();
-    config.kind = ShortcutKind::command;
-    config.instanceHome = "~/I";
+TEST_F(RunnerTest, RunsACommand) {
+    InstanceConfig config = configOf(ShortcutKind::command);
     config.openWithPassthrough = true;
     config.commandPath = helperProgram();
     config.commandArgs = {"arguments", "{{instanceHome}}"};
@@ -113,24 +111,24 @@ TEST_F(Runner, RunsACommand) {
     EXPECT_EQ(log(), "1\n" + cloneHome().string() + "\n") << "a command takes no documents";
 }
 
-TEST_F(Runner, AWebCloneSaysThatItsHostIsMissingHereAndInTheLog) {
-    EXPECT_EQ(run(webConfig()), 69);
+TEST_F(RunnerTest, AWebCloneReportsThatItsHostIsMissingHereAndInTheLog) {
+    EXPECT_EQ(run(configOf(ShortcutKind::web)), 69);
     const std::string line = "quorvel-runner: the web host for “Work” is not installed\n";
     EXPECT_EQ(read(errors()), line);
     EXPECT_EQ(log(), line);
-    EXPECT_EQ(run(webConfig()), 69);
+    EXPECT_EQ(run(configOf(ShortcutKind::web)), 69);
     EXPECT_EQ(log(), line + line) << "the log is continued";
 }
 
-TEST_F(Runner, AWebCloneWithoutARoomForItsLogSaysItHere) {
+TEST_F(RunnerTest, AWebCloneWithoutAWritableLogReportsItHere) {
     write(home_ / "I", "a file");
-    EXPECT_EQ(run(webConfig()), 69);
+    EXPECT_EQ(run(configOf(ShortcutKind::web)), 69);
     EXPECT_THAT(read(errors()), HasSubstr("is not installed"));
 }
 
-TEST_F(Runner, AMessageIsOneLineWhateverTheName) {
-    const fs::path bundle = wrapper(webConfig());
-    InstanceConfig config = webConfig();
+TEST_F(RunnerTest, AMessageIsOneLineForAnyName) {
+    const fs::path bundle = wrapper(configOf(ShortcutKind::web));
+    InstanceConfig config = configOf(ShortcutKind::web);
     config.displayName = "two\nlines\x1B[31m\r\x7F\u009b\u202e";
     write(bundle / "Contents/Resources/instance.json", config.json());
     EXPECT_EQ(start(bundle).waitUntilExit(), 69);
@@ -141,8 +139,8 @@ TEST_F(Runner, AMessageIsOneLineWhateverTheName) {
     EXPECT_EQ(log(), read(errors()));
 }
 
-TEST_F(Runner, WithoutAReadableConfigurationItSaysSoAndEnds) {
-    const fs::path bundle = wrapper(webConfig());
+TEST_F(RunnerTest, AnUnreadableConfigurationIsReported) {
+    const fs::path bundle = wrapper(configOf(ShortcutKind::web));
     const fs::path file = bundle / "Contents/Resources/instance.json";
     const auto expectRefused = [&](const char* what) {
         EXPECT_EQ(start(bundle).waitUntilExit(), 78) << what;
@@ -162,12 +160,12 @@ TEST_F(Runner, WithoutAReadableConfigurationItSaysSoAndEnds) {
     expectRefused("a link to itself");
     write(file, std::string(100'000, '['));
     expectRefused("endless nesting");
-    write(file, webConfig().json());
+    write(file, configOf(ShortcutKind::web).json());
     fs::resize_file(file, std::uintmax_t{100} << 20U);
     expectRefused("100 MiB");
 }
 
-TEST_F(Runner, ATargetThatCantStartIsToldHereAndInTheLog) {
+TEST_F(RunnerTest, ATargetThatCantStartIsReportedHereAndInTheLog) {
     const InstanceConfig config = appConfig({});
     const fs::path bundle = wrapper(config);
     fs::remove(at("Thing.app/Contents/MacOS/Thing"));
@@ -177,7 +175,7 @@ TEST_F(Runner, ATargetThatCantStartIsToldHereAndInTheLog) {
     EXPECT_EQ(log(), read(errors()));
 }
 
-TEST_F(Runner, ATargetThatIsGoneIsToldHereAndInTheLog) {
+TEST_F(RunnerTest, AMissingTargetIsReportedHereAndInTheLog) {
     const fs::path bundle = wrapper(appConfig({}));
     fs::remove_all(at("Thing.app"));
     EXPECT_EQ(start(bundle).waitUntilExit(), 71);
@@ -186,7 +184,7 @@ TEST_F(Runner, ATargetThatIsGoneIsToldHereAndInTheLog) {
     EXPECT_EQ(log(), read(errors()));
 }
 
-TEST_F(Runner, AnUnsupportedAppIsRefused) {
+TEST_F(RunnerTest, AnUnsupportedAppIsRefused) {
     InstanceConfig config = appConfig({});
     config.strategy = Strategy::unsupported;
     EXPECT_EQ(run(config), 71);
@@ -195,27 +193,18 @@ TEST_F(Runner, AnUnsupportedAppIsRefused) {
     EXPECT_EQ(log(), "");
 }
 
-TEST_F(Runner, AFileShortcutThatCantOpenMakesNoFolder) {
-    InstanceConfig config = minimalConfig();
-    config.kind = ShortcutKind::file;
-    config.instanceHome = "~/I";
-    EXPECT_EQ(run(config), 71);
-    EXPECT_EQ(read(errors()),
-              "quorvel-runner: App not clonable: file shortcut has no target path\n");
-    EXPECT_FALSE(fs::exists(cloneHome()));
+TEST_F(RunnerTest, AShortcutWithoutATargetMakesNoFolder) {
+    const std::map<ShortcutKind, std::string> reasons{
+        {ShortcutKind::file, "file shortcut has no target path"},
+        {ShortcutKind::command, "command shortcut has no executable"}};
+    for (const auto& [kind, reason] : reasons) {
+        EXPECT_EQ(run(configOf(kind)), 71) << reason;
+        EXPECT_EQ(read(errors()), "quorvel-runner: App not clonable: " + reason + "\n");
+        EXPECT_FALSE(fs::exists(cloneHome())) << reason;
+    }
 }
 
-TEST_F(Runner, ACommandWithoutAnExecutableMakesNoFolder) {
-    InstanceConfig config = minimalConfig();
-    config.kind = ShortcutKind::command;
-    config.instanceHome = "~/I";
-    EXPECT_EQ(run(config), 71);
-    EXPECT_EQ(read(errors()),
-              "quorvel-runner: App not clonable: command shortcut has no executable\n");
-    EXPECT_FALSE(fs::exists(cloneHome()));
-}
-
-TEST_F(Runner, ALogMayBeALinkToADevice) {
+TEST_F(RunnerTest, ALogMayBeALinkToADevice) {
     fs::create_directories(cloneHome());
     fs::create_symlink("/dev/null", cloneHome() / "quorvel-instance.log");
     EXPECT_EQ(run(appConfig({"print", "unwanted", "complain", "unwanted"})), 0);
@@ -223,7 +212,7 @@ TEST_F(Runner, ALogMayBeALinkToADevice) {
     EXPECT_EQ(fs::read_symlink(cloneHome() / "quorvel-instance.log"), "/dev/null");
 }
 
-TEST_F(Runner, FindsItsOwnWrapperThroughLinksAndFromAnywhere) {
+TEST_F(RunnerTest, FindsItsOwnWrapperThroughLinksAndFromAnywhere) {
     const fs::path bundle = wrapper(appConfig({"print", "found"}));
     fs::rename(bundle, at("Moved elsewhere.app"));
     fs::create_symlink(at("Moved elsewhere.app/Contents/MacOS/runner"), at("shortcut"));

@@ -1,5 +1,5 @@
-// Stands in for the desktop's file manager on the session bus: writes the addresses that it is
-// asked to show into the file given as its argument, one a line, after "ready" as the first.
+// Replaces the desktop's file manager on the session bus: writes the URLs that it is asked to show
+// into the file given as its argument, one per line, after "ready" as the first.
 #include <QtCore/QCoreApplication>
 #include <QtCore/QStringList>
 #include <QtDBus/QDBusConnection>

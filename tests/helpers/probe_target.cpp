@@ -1,15 +1,17 @@
-// An application to be probed. What it does stands in its bundle, in Contents/Resources/plan: one
-// step a line, in order; "~/" at the start of a path is $HOME.
+// An application to be probed. Its actions are listed in its bundle, in Contents/Resources/plan:
+// one step per line, in order; "~/" at the start of a path is $HOME.
 //   write FILE          writes a file, with the folders above it
-//   many FOLDER COUNT   writes that many files, a hundred a folder
+//   many FOLDER COUNT   writes that many files, a hundred per folder
 //   tell FILE           adds a line to a file
-//   lock FILE           holds a lock; while another does, waits for it
-//   hand-over FILE      holds a lock, or when another does quits
-//   fork FILE           goes on as a child, whose number is added to the file; the parent quits
+//   lock FILE           takes a lock, waiting while another process holds it
+//   hand-over FILE      takes a lock, or quits if another process holds it
+//   fork FILE           continues as a child, whose number is added to the file; the parent quits
 //   helper              starts a copy of itself that waits
 //   flood BYTES         prints that many bytes
 //   ignore-termination, delete-home, crash, wait
 //   exit STATUS
+#include "Platform/files/FileWriting.h"
+
 #include <algorithm>
 #include <csignal>
 #include <cstdlib>
@@ -109,10 +111,10 @@ int main() {
     const fs::path bundle = fs::canonical("/proc/self/exe").parent_path().parent_path();
     std::ifstream plan(bundle / "Resources" / "plan");
     for (std::string line; std::getline(plan, line);) {
-        // A path may hold spaces, so that the file's count stands behind the last one only.
+        // A path may contain spaces, so only what follows the last one is the count.
         const std::size_t space = line.find(' ');
         const std::string step = line.substr(0, space);
-        std::string argument = space == line.npos ? "" : line.substr(space + 1);
+        std::string argument = space == std::string::npos ? "" : line.substr(space + 1);
         int count = 0;
         if (step == "many") {
             count = std::stoi(argument.substr(argument.rfind(' ') + 1));

@@ -1,12 +1,12 @@
-// What a test needs another process to do, one word a step, in order:
+// Does what a test needs in another process, one step per word, in order:
 //   print TEXT, complain TEXT   a line on standard output, standard error
-//   arguments                   prints the number of arguments behind this word, then one a line
-//   environment                 prints the environment, sorted by nobody
+//   arguments                   prints the number of arguments after this word, then each on a line
+//   environment                 prints the environment, unsorted
 //   directory                   prints the working directory
 //   descriptors                 prints the numbers of the open file descriptors
 //   write FILE TEXT             writes a file; "~/" at its start is $HOME
 //   flood BYTES                 prints that many bytes
-//   exit STATUS, signal N       ends so
+//   exit STATUS, signal N       ends with that status or signal
 //   wait                        waits for a signal to end it
 //   trap FILE                   from now on SIGTERM, SIGINT and SIGHUP write their number into FILE
 //                               and end the process with status 0

@@ -1,5 +1,7 @@
 #include "tests/support/AppBundles.h"
+#include "LaunchKit/InstanceConfig.h"
 
+#include "LaunchKit/InstanceConfig.h"
 #include "tests/support/TemporaryHome.h"
 
 namespace quorvel::testing {
@@ -44,6 +46,10 @@ fs::path makeScriptedAppBundle(const fs::path& bundle, std::string_view script,
 fs::path makeWrapper(const fs::path& bundle, const InstanceConfig& config) {
     write(bundle / "Contents" / "Resources" / "instance.json", config.json());
     return bundle;
+}
+
+fs::path makeWrapper(const fs::path& bundle, const std::string& name) {
+    return makeWrapper(bundle, minimalConfig(name));
 }
 
 InstanceConfig minimalConfig(std::string name) {

@@ -1,11 +1,14 @@
 #pragma once
 
 #include "Base/PropertyList.h"
-#include "LaunchKit/InstanceConfig.h"
 
 #include <filesystem>
 #include <string>
 #include <string_view>
+
+namespace quorvel {
+struct InstanceConfig;
+}
 
 namespace quorvel::testing {
 
@@ -15,21 +18,24 @@ namespace quorvel::testing {
 /// The freshly built runner.
 [[nodiscard]] std::filesystem::path runnerProgram();
 
-/// Makes an application bundle at `bundle` with this property list (and, when it names none, an
-/// identifier and an executable made from the folder's name), whose executable is `executable`
-/// copied in. Gives `bundle`.
+/// Makes an application bundle at `bundle` with this property list (and, if it names none, an
+/// identifier and an executable named after the folder), whose executable is `executable`
+/// copied in. Returns `bundle`.
 std::filesystem::path makeAppBundle(const std::filesystem::path& bundle,
                                     PropertyListDictionary info = {},
                                     const std::filesystem::path& executable = helperProgram());
 
-/// The same with a shell script of this text (behind "#!/bin/sh") as its executable.
+/// The same with a shell script of this text (after "#!/bin/sh") as its executable.
 std::filesystem::path makeScriptedAppBundle(const std::filesystem::path& bundle,
                                             std::string_view script,
                                             PropertyListDictionary info = {});
 
-/// Makes a bundle that holds nothing but this configuration.
+/// Makes a bundle that contains only this configuration, and returns its path.
 std::filesystem::path makeWrapper(const std::filesystem::path& bundle,
                                   const InstanceConfig& config);
+
+/// The same with `minimalConfig(name)`.
+std::filesystem::path makeWrapper(const std::filesystem::path& bundle, const std::string& name);
 
 /// A configuration with the three required fields.
 [[nodiscard]] InstanceConfig minimalConfig(std::string name = "Work");

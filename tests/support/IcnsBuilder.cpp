@@ -60,7 +60,7 @@ std::string bitsOf(const QImage& image, IsSet isSet) {
     return bits;
 }
 
-// Alternating values for the forms of few colours.
+// Alternating values for the forms of few colors.
 std::string ramp(std::size_t size) {
     std::string bytes(size, '\0');
     for (std::size_t index = 0; index < size; ++index) {
@@ -157,7 +157,7 @@ std::string icnsOfEveryKind() {
         oldFamily(testPicture(48), "ich8", "ich4", "ich#"),
         icnsEntry("ICON", bitmapOf(picture32)),
         icnsEntry("icp4", rle24Of(picture16)),
-        icnsEntry("icp5", jp2(32, Jpeg2000Form::greyAlpha)),
+        icnsEntry("icp5", jp2(32, Jpeg2000Form::grayAlpha)),
         icnsEntry("icp6", jp2(64, Jpeg2000Form::ycc)),
         icnsEntry("ic04", argbOf(picture16)),
         icnsEntry("ic05", argbOf(picture32)),

@@ -17,11 +17,11 @@ namespace quorvel::testing {
 /// A container of these entries.
 [[nodiscard]] std::string icnsOf(const std::vector<std::string>& entries);
 
-/// A PNG file of the image in its own format (palette, grey, 16 bits and so on).
+/// A PNG file of the image in its own format (palette, gray, 16 bits and so on).
 [[nodiscard]] std::string pngOf(const QImage& image);
 
 /// What a JPEG 2000 image holds.
-enum class Jpeg2000Form { grey, greyAlpha, rgb, rgba, ycc };
+enum class Jpeg2000Form { gray, grayAlpha, rgb, rgba, ycc };
 
 /// A lossless JPEG 2000 image, as a file or as a bare codestream.
 [[nodiscard]] std::string jpeg2000Of(const QImage& image, Jpeg2000Form form,

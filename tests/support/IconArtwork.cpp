@@ -37,7 +37,7 @@ QLinearGradient downwards(QColor top, QColor bottom) {
     return gradient;
 }
 
-// The soft shadow that icons on a rounded square stand on.
+// The soft shadow below icons with a rounded square.
 void drawPlate(QPainter& painter, const QBrush& brush) {
     painter.setBrush(QColor(0, 0, 0, 2));
     for (double step = 5; step > 0; step -= 0.2) {

@@ -4,7 +4,7 @@
 
 #include <array>
 
-/// Application icons of our own, drawn at any size: what real icons look like.
+/// Application icons drawn at any size, made to resemble real ones.
 namespace quorvel::testing {
 
 [[nodiscard]] QImage chatIcon(int side);   ///< a saturated rounded square with a white bubble

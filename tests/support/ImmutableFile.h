@@ -4,7 +4,7 @@
 
 namespace quorvel::testing {
 
-/// Forbids all change to a file as `chattr +i` does, until the end.
+/// Makes a file immutable, as `chattr +i` does, while the object lives.
 class ImmutableFile {
 public:
     explicit ImmutableFile(std::filesystem::path file);
@@ -12,7 +12,7 @@ public:
     ImmutableFile& operator=(const ImmutableFile&) = delete;
     ~ImmutableFile();
 
-    /// False where the file system or the user's rights forbid it.
+    /// False if the file system or the user's permissions don't allow it.
     [[nodiscard]] bool isSet() const { return isSet_; }
 
 private:

@@ -35,9 +35,9 @@ struct MemoryWriter {
 
 OPJ_UINT32 componentsOf(Jpeg2000Form form) {
     switch (form) {
-    case Jpeg2000Form::grey:
+    case Jpeg2000Form::gray:
         return 1;
-    case Jpeg2000Form::greyAlpha:
+    case Jpeg2000Form::grayAlpha:
         return 2;
     case Jpeg2000Form::rgba:
         return 4;
@@ -59,8 +59,8 @@ std::array<int, 3> yccOf(QRgb pixel) {
 
 int sample(QRgb pixel, Jpeg2000Form form, OPJ_UINT32 component) {
     switch (form) {
-    case Jpeg2000Form::grey:
-    case Jpeg2000Form::greyAlpha:
+    case Jpeg2000Form::gray:
+    case Jpeg2000Form::grayAlpha:
         return component == 0 ? qGray(pixel) : qAlpha(pixel);
     case Jpeg2000Form::ycc:
         return yccOf(pixel).at(component);

@@ -8,7 +8,7 @@
 
 namespace quorvel::testing {
 
-/// A folder on a file system other than that of `here`, where the machine has one.
+/// A folder on a file system other than that of `here`, if the machine has one.
 class OtherVolume {
 public:
     explicit OtherVolume(const std::filesystem::path& here);

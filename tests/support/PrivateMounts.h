@@ -5,18 +5,18 @@
 #include <optional>
 #include <string>
 
-/// Real mounts that nobody else sees, and that are gone when their process ends.
+/// Real mounts in a private namespace, which disappear when their process ends.
 namespace quorvel::testing {
 
-/// Gives this process mounts of its own: as it is, or as the root of a user namespace. False where
-/// the kernel forbids both.
+/// Moves this process into a private mount namespace, as it is or as the root of a user namespace.
+/// Returns false if the kernel forbids both.
 [[nodiscard]] bool hasOwnMounts();
 
-/// Runs `check` in a child process with mounts of its own and gives the problem that it names, the
-/// empty text for none; nothing where the kernel forbids it.
+/// Runs `check` in a child process with private mounts and returns the problem that it names (empty
+/// for none). Returns `std::nullopt` if the kernel forbids private mounts.
 [[nodiscard]] std::optional<std::string> inPrivateMounts(const std::function<std::string()>& check);
 
-/// Shows the folder or file `source` at `at` too. Throws when that fails.
+/// Bind-mounts the folder or file `source` at `at`. Throws if that fails.
 void bindMount(const std::filesystem::path& source, const std::filesystem::path& at);
 
 } // namespace quorvel::testing

@@ -7,9 +7,9 @@
 
 namespace quorvel::testing {
 
-/// Runs `check` in a child process, where a file system in memory, with the options given
-/// ("size=64k"), lies over `folder`; nobody else sees it. Gives the problem that `check` names, the
-/// empty text for none; nothing where the kernel forbids it.
+/// Runs `check` in a child process where a private tmpfs with these options ("size=64k") is mounted
+/// over `folder`. Returns the problem that `check` names (empty for none), or `std::nullopt` if the
+/// kernel forbids private mounts.
 [[nodiscard]] std::optional<std::string> onSmallDisk(const std::filesystem::path& folder,
                                                      const std::string& options,
                                                      const std::function<std::string()>& check);

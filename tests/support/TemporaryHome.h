@@ -8,7 +8,7 @@
 
 namespace quorvel::testing {
 
-/// A folder of its own below the temporary folder, removed with everything in it at the end.
+/// A new folder in the temporary folder, removed with its content by the destructor.
 class TemporaryFolder {
 public:
     TemporaryFolder();
@@ -25,7 +25,7 @@ private:
     std::filesystem::path path_;
 };
 
-/// Sets a variable of this process's environment, and puts the old value back at the end.
+/// Sets a variable of this process's environment; the destructor restores the old value.
 class ScopedEnvironment {
 public:
     ScopedEnvironment(std::string name, const std::string& value);
@@ -38,7 +38,7 @@ private:
     std::optional<std::string> old_;
 };
 
-/// A throw-away home that every home lookup of this process finds, until the end.
+/// A throw-away home for every home lookup of this process while the object lives.
 class TemporaryHome {
 public:
     TemporaryHome();
@@ -54,10 +54,10 @@ private:
     ScopedEnvironment fixed_;
 };
 
-/// Writes a file, with the folders above it.
+/// Writes a file and creates its missing parent folders.
 void write(const std::filesystem::path& file, std::string_view bytes);
 
-/// The bytes of a file; empty when it can't be read.
+/// The bytes of a file; empty if it can't be read.
 [[nodiscard]] std::string read(const std::filesystem::path& file);
 
 /// Every item below a folder, as relative path and content ("<folder>", "-> target" for a link):

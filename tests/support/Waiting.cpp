@@ -4,7 +4,7 @@
 
 namespace quorvel::testing {
 
-bool waitFor(const std::function<bool()>& predicate, std::chrono::milliseconds deadline) {
+bool waitUntil(const std::function<bool()>& predicate, std::chrono::milliseconds deadline) {
     const auto end = std::chrono::steady_clock::now() + deadline;
     while (!predicate()) {
         if (std::chrono::steady_clock::now() >= end) {

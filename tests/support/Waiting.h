@@ -5,8 +5,8 @@
 
 namespace quorvel::testing {
 
-/// Waits until `predicate` holds; false when it still does not at the deadline.
-[[nodiscard]] bool waitFor(const std::function<bool()>& predicate,
-                           std::chrono::milliseconds deadline = std::chrono::seconds(20));
+/// Waits until `predicate` holds. Returns false if it still does not at the deadline.
+[[nodiscard]] bool waitUntil(const std::function<bool()>& predicate,
+                             std::chrono::milliseconds deadline = std::chrono::seconds(20));
 
 } // namespace quorvel::testing

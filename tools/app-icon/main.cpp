@@ -1,7 +1,8 @@
-// Draws the application's own icon, while it is built: quorvel-app-icon DRAWING.svg ICON.icns
+// Draws the application's own icon, while it is built: app_icon DRAWING.svg ICON.icns
 
 #include "LaunchKit/Icons/IcnsWriter.h"
-#include "Platform/files/FileSystem.h"
+#include "Platform/files/FileWriting.h"
+#include "Platform/files/PlatformError.h"
 
 #include <QGuiApplication>
 #include <QPainter>
@@ -33,7 +34,7 @@ std::vector<std::string> chunks(QSvgRenderer& drawing) {
 }
 
 int fail(const char* message) {
-    std::fprintf(stderr, "quorvel-app-icon: %s\n", message);
+    std::fprintf(stderr, "app_icon: %s\n", message);
     return 1;
 }
 
@@ -43,7 +44,7 @@ int main(int argc, char** argv) {
     qputenv("QT_QPA_PLATFORM", "offscreen"); // a build has no display
     const QGuiApplication application(argc, argv);
     if (argc != 3) {
-        return fail("usage: quorvel-app-icon DRAWING.svg ICON.icns");
+        return fail("usage: app_icon DRAWING.svg ICON.icns");
     }
     QSvgRenderer drawing(QString::fromLocal8Bit(argv[1]));
     if (!drawing.isValid()) {

@@ -38,7 +38,7 @@ make_archive() {
   echo "$archive"
 }
 
-# check_runner ARCHITECTURE ARCHIVE: links it as a program that stands alone.
+# check_runner ARCHITECTURE ARCHIVE: links it as a self-contained program.
 check_runner() {
   local arch=$1 runner=$out/quorvel-runner.$1 outside
   if ! link_for "$arch" "$runner" "$(result_of object "$arch" Runner/main.cpp)" "$2"; then
@@ -103,7 +103,7 @@ check_link_mistakes() {
   done
 }
 
-# check_foreign_library ARCHITECTURE: whether a program that needs Homebrew's is told apart.
+# check_foreign_library ARCHITECTURE: whether a program that needs Homebrew's libraries is detected.
 check_foreign_library() {
   local foreign=mistakes/foreign
   link_for "$1" "$out/mistake" -dylib -install_name /usr/lib/libmistake.dylib \

@@ -9,7 +9,7 @@ linker=ld64.lld-$version
 skip() { printf 'skipped: %s\n' "$*"; exit 77; }
 
 find_tools() {
-  [ "$(uname)" = Linux ] || skip "this check is for systems that are no Mac"
+  [ "$(uname)" = Linux ] || skip "this check is for Linux"
   local tool
   for tool in $compiler clang-$version $linker llvm-{ar,nm,objdump}-$version cmake ninja; do
     command -v "$tool" >/dev/null ||

@@ -42,7 +42,7 @@ def _change(source, edit):
 
 
 def mutants_of(path, text, records):
-    """Every mutant of a source in its order; of those that give the same text only the first."""
+    """Every mutant of a source in its order; of those with the same text only the first."""
     source = Source(text)
     edits = [edit for mutator in MUTATORS for edit in mutator(source, records)]
     seen = {text}

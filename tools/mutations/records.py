@@ -1,4 +1,4 @@
-"""Which fields and enumerators may stand for one another: those of one record and one type."""
+"""Which fields and enumerators may replace one another: those of one record and one type."""
 
 import re
 from collections import defaultdict

@@ -1,4 +1,4 @@
-"""Keeps what became of every mutant, so that a run that was cut off goes on; prints the table."""
+"""Records the verdict on every mutant, so that an interrupted run can continue; prints the table."""
 
 import json
 from collections import Counter
@@ -39,7 +39,7 @@ def _row(name, counts):
 
 
 def table(mutants, verdicts):
-    """Mutants that could not be built, or made no difference to the program, are none."""
+    """Mutants that could not be built, or made no difference to the program, are not counted."""
     by_file = {}
     for mutant in mutants:
         if mutant.id in verdicts:

@@ -1,7 +1,7 @@
 """Runs a program where it can harm nothing: a mutant may delete "/" or signal every process.
 
-Processes are numbered anew, so that only the program's own can be reached, and end with it. All
-that is mounted can only be read; /tmp alone can be written and is empty.
+The program has a PID namespace of its own: it can reach only its own processes, which end with it.
+Every mount is read-only, except for /tmp, which is empty.
 """
 
 import os

@@ -69,7 +69,7 @@ class Source:
         return bisect_right(self.line_starts, offset)
 
     def spaced(self, index):
-        """Whether blanks stand on both sides, as around an operator with two operands."""
+        """Whether there is a blank on both sides, as around a binary operator."""
         token = self.tokens[index]
         return self.text[token.start - 1].isspace() and self.text[token.end : token.end + 1].isspace()
 

@@ -8,9 +8,10 @@ from dataclasses import dataclass
 LAYERS = {
     "Base": {"base_tests": "*"},
     "Platform": {"platform_tests": "*"},
-    "LaunchKit": {"launchkit_tests": "*", "icon_tests": "WrapperIcon.*"},
-    "LaunchKit's icons": {"icon_tests": "*"},
+    "LaunchKit": {"launchkit_tests": "*", "icon_tests": "WrapperIconTest.*"},
+    "LaunchKit's icons": {"icon_tests": "*", "launchkit_tests": "IconComposerTest.*"},
     "ProbeKit": {"probe_tests": "*"},
+    "Presentation": {"presentation_tests": "*"},
     "Runner": {"runner_tests": "*"},
     "CommandLine": {"commandline_tests": "*"},
     "QuorvelApp": {"app_tests": "*"},
@@ -37,21 +38,21 @@ class Verdict:
 class Trials:
     """The tests of one layer. What fails without any mutant is left out."""
 
-    def __init__(self, workshop, shield, layer, tell):
+    def __init__(self, workshop, shield, layer, report):
         self.workshop = workshop
         self.shield = shield
         self.programs = LAYERS[layer]
         self.failing = {}
         self.seconds = {}
         for program in self.programs:
-            self._measure(program, tell)
+            self._measure(program, report)
 
     def _command(self, program, chosen, options=()):
         left_out = ":".join(sorted(self.failing.get(program, ())))
         place = self.workshop.build / "bin" / program
         return [place, f"--gtest_filter={chosen}-{left_out}", *options]
 
-    def _measure(self, program, tell):
+    def _measure(self, program, report):
         self.workshop.make(program)
         began = time.monotonic()
         status, output = self.shield.run(self._command(program, self.programs[program]), 1800)
@@ -59,9 +60,9 @@ class Trials:
         if status is None or (status != 0 and not CASE.search(output)):
             raise BaselineError(f"{program} does not get through its tests:\n{output[-2000:]}")
         self.failing[program] = set(CASE.findall(output))
-        tell(f"{program}: {self.seconds[program]:.1f} s")
+        report(f"{program}: {self.seconds[program]:.1f} s")
         for case in sorted(self.failing[program]):
-            tell(f"  left out, since it fails without any mutant: {case}")
+            report(f"  left out, since it fails without any mutant: {case}")
 
     def _own_suites(self, path):
         """The suites in the file that tests this source, which find most mutants at once."""

@@ -78,7 +78,7 @@ class Workshop:
         (self.tree / path).write_text(text, encoding="utf-8")
 
     def object_digest(self, path):
-        """What the compiler made of a source, to tell mutants that are none."""
+        """The object that a source compiles to, which identifies mutants that change nothing."""
         folder, name = os.path.split(path)
         found = (self.build / folder).glob(f"CMakeFiles/*.dir/{name}.o")
         return hashlib.sha256(b"".join(p.read_bytes() for p in sorted(found))).hexdigest()

@@ -9,7 +9,7 @@
 namespace quorvel {
 namespace {
 
-// The most threads that held so much at the same time.
+// Returns the largest number of threads that held that much at the same time.
 int mostAtOnce(std::size_t bytes) {
     std::atomic<int> holding = 0;
     std::atomic<int> most = 0;
@@ -30,16 +30,16 @@ int mostAtOnce(std::size_t bytes) {
     return most;
 }
 
-TEST(DecodingMemory, isSharedByAllThreads) {
+TEST(DecodingMemoryTest, IsSharedByAllThreads) {
     EXPECT_LE(mostAtOnce(DecodingMemory::all / 2), 2);
     EXPECT_EQ(mostAtOnce(DecodingMemory::all / 2 + 1), 1);
 }
 
-TEST(DecodingMemory, letsOneHaveMoreThanAllThereIs) {
+TEST(DecodingMemoryTest, LetsOneHaveMoreThanAllThereIs) {
     EXPECT_EQ(mostAtOnce(DecodingMemory::all * 10), 1);
 }
 
-TEST(DecodingMemory, keepsNobodyWaitingForLittle) {
+TEST(DecodingMemoryTest, KeepsNobodyWaitingForLittle) {
     EXPECT_GT(mostAtOnce(1000), 1);
 }
 

@@ -98,11 +98,12 @@ std::vector<Family> families() {
     };
 }
 
-class Icns2Png : public ::testing::TestWithParam<Family> {};
-INSTANTIATE_TEST_SUITE_P(ForeignSoftware, Icns2Png, ::testing::ValuesIn(families()),
+class ForeignSoftwareTestFamilies : public ::testing::TestWithParam<Family> {};
+INSTANTIATE_TEST_SUITE_P(ForeignSoftware, ForeignSoftwareTestFamilies,
+                         ::testing::ValuesIn(families()),
                          [](const auto& row) { return std::string(row.param.name); });
 
-TEST_P(Icns2Png, seesTheSamePicture) {
+TEST_P(ForeignSoftwareTestFamilies, Icns2PngSeesTheSamePicture) {
     if (!isInstalled("icns2png")) {
         GTEST_SKIP() << "icns2png (package icnsutils) is not installed";
     }
@@ -117,9 +118,9 @@ TEST_P(Icns2Png, seesTheSamePicture) {
     expectSamePicture(file->decode(index), images.at(GetParam().side));
 }
 
-class ComposedIcon : public ::testing::Test {
+class ForeignSoftwareTest : public ::testing::Test {
 protected:
-    ComposedIcon() {
+    ForeignSoftwareTest() {
         chatIcon(512).save(QString::fromStdString((folder_ / "source.png").string()));
         IconComposer::compose(folder_ / "source.png",
                               {"Work", "#FFD60A", IconLabel::Position::bottom},
@@ -131,7 +132,7 @@ protected:
     std::optional<IcnsFile> ours_;
 };
 
-TEST_F(ComposedIcon, isReadByIcns2Png) {
+TEST_F(ForeignSoftwareTest, IsReadByIcns2Png) {
     if (!isInstalled("icns2png")) {
         GTEST_SKIP() << "icns2png (package icnsutils) is not installed";
     }
@@ -142,7 +143,7 @@ TEST_F(ComposedIcon, isReadByIcns2Png) {
     }
 }
 
-TEST_F(ComposedIcon, isReadByQt) {
+TEST_F(ForeignSoftwareTest, IsReadByQt) {
     QImageReader reader(QString::fromStdString((folder_ / "composed.icns").string()), "icns");
     if (!QImageReader::supportedImageFormats().contains("icns")) {
         GTEST_SKIP() << "Qt's icns plugin (package qt6-image-formats-plugins) is not installed";
@@ -160,7 +161,7 @@ TEST_F(ComposedIcon, isReadByQt) {
     EXPECT_GE(known, 4);
 }
 
-TEST_F(ComposedIcon, holdsPngThatImageMagickReads) {
+TEST_F(ForeignSoftwareTest, HoldsPngThatImageMagickReads) {
     if (!isInstalled("convert")) {
         GTEST_SKIP() << "convert (package imagemagick) is not installed";
     }

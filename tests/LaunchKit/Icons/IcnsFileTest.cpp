@@ -62,10 +62,10 @@ struct SizedType {
     const char* type;
     int side;
 };
-class ModernType : public ::testing::TestWithParam<SizedType> {};
+class IcnsFileTestModernTypes : public ::testing::TestWithParam<SizedType> {};
 
 INSTANTIATE_TEST_SUITE_P(
-    IcnsFile, ModernType,
+    IcnsFile, IcnsFileTestModernTypes,
     ::testing::Values(SizedType{"icp4", 16}, SizedType{"icp5", 32}, SizedType{"icp6", 64},
                       SizedType{"ic04", 16}, SizedType{"ic05", 32}, SizedType{"icsb", 18},
                       SizedType{"icsB", 36}, SizedType{"sb24", 24}, SizedType{"SB24", 48},
@@ -74,7 +74,7 @@ INSTANTIATE_TEST_SUITE_P(
                       SizedType{"ic13", 256}, SizedType{"ic14", 512}),
     [](const auto& row) { return std::string(row.param.type); });
 
-TEST_P(ModernType, holdsPng) {
+TEST_P(IcnsFileTestModernTypes, HoldsPng) {
     const QImage picture = testPicture(GetParam().side);
     const IcnsFile file = fileOf({icnsEntry(GetParam().type, pngOf(picture))});
     EXPECT_THAT(file.entries(), ElementsAre(IcnsEntry{GetParam().type, IcnsEncoding::png,
@@ -82,7 +82,7 @@ TEST_P(ModernType, holdsPng) {
     EXPECT_EQ(file.decode(0), picture);
 }
 
-TEST_P(ModernType, holdsJpeg2000) {
+TEST_P(IcnsFileTestModernTypes, HoldsJpeg2000) {
     const QImage picture = testPicture(GetParam().side);
     const IcnsFile file =
         fileOf({icnsEntry(GetParam().type, jpeg2000Of(picture, Jpeg2000Form::rgba))});
@@ -91,14 +91,14 @@ TEST_P(ModernType, holdsJpeg2000) {
     EXPECT_EQ(file.decode(0), picture);
 }
 
-TEST_P(ModernType, holdsArgbPlanes) {
+TEST_P(IcnsFileTestModernTypes, HoldsArgbPlanes) {
     const QImage picture = testPicture(GetParam().side);
     const IcnsFile file = fileOf({icnsEntry(GetParam().type, argbOf(picture))});
     EXPECT_EQ(file.entries().at(0).encoding, IcnsEncoding::argb);
     EXPECT_EQ(file.decode(0), picture);
 }
 
-TEST_P(ModernType, refusesAnImageOfAnotherSize) {
+TEST_P(IcnsFileTestModernTypes, RefusesAnImageOfAnotherSize) {
     const QImage other = testPicture(GetParam().side + 1);
     EXPECT_TRUE(fileOf({icnsEntry(GetParam().type, pngOf(other))}).entries().empty());
     EXPECT_TRUE(fileOf({icnsEntry(GetParam().type, jpeg2000Of(other, Jpeg2000Form::rgb))})
@@ -106,7 +106,7 @@ TEST_P(ModernType, refusesAnImageOfAnotherSize) {
                     .empty());
 }
 
-TEST(IcnsFile, readsPngOfEveryColourTypeAndDepth) {
+TEST(IcnsFileTest, ReadsPngOfEveryColorTypeAndDepth) {
     const QImage picture = testPicture(32);
     const QImage opaque = opaquePicture(32);
     EXPECT_LE(
@@ -126,7 +126,7 @@ TEST(IcnsFile, readsPngOfEveryColourTypeAndDepth) {
     EXPECT_EQ(decodedEntry("ic11", pngOf(palette)), palette.convertToFormat(QImage::Format_ARGB32));
 }
 
-TEST(IcnsFile, readsJpeg2000WithAndWithoutAlpha) {
+TEST(IcnsFileTest, ReadsJpeg2000WithAndWithoutAlpha) {
     const QImage picture = testPicture(32);
     const QImage opaque = opaquePicture(32);
     EXPECT_EQ(decodedEntry("ic11", jpeg2000Of(opaque, Jpeg2000Form::rgb)), opaque);
@@ -134,10 +134,10 @@ TEST(IcnsFile, readsJpeg2000WithAndWithoutAlpha) {
     EXPECT_LE(difference(decodedEntry("ic11", jpeg2000Of(opaque, Jpeg2000Form::ycc)), opaque), 2);
 }
 
-TEST(IcnsFile, readsGreyJpeg2000) {
+TEST(IcnsFileTest, ReadsGreyJpeg2000) {
     const QImage picture = testPicture(16);
-    const QImage plain = decodedEntry("icp4", jpeg2000Of(picture, Jpeg2000Form::grey));
-    const QImage clear = decodedEntry("icp4", jpeg2000Of(picture, Jpeg2000Form::greyAlpha));
+    const QImage plain = decodedEntry("icp4", jpeg2000Of(picture, Jpeg2000Form::gray));
+    const QImage clear = decodedEntry("icp4", jpeg2000Of(picture, Jpeg2000Form::grayAlpha));
     const int level = qGray(picture.pixel(3, 5));
     EXPECT_EQ(plain.pixel(3, 5), qRgb(level, level, level));
     EXPECT_EQ(clear.pixel(3, 5), qRgba(level, level, level, qAlpha(picture.pixel(3, 5))));
@@ -149,7 +149,7 @@ struct RgbType {
     const char* bitmap;
     int side;
 };
-class ColourType : public ::testing::TestWithParam<RgbType> {
+class IcnsFileTestColorTypes : public ::testing::TestWithParam<RgbType> {
 protected:
     QImage picture_ = testPicture(GetParam().side);
     QImage opaque_ = opaquePicture(GetParam().side);
@@ -157,56 +157,56 @@ protected:
 };
 
 INSTANTIATE_TEST_SUITE_P(
-    IcnsFile, ColourType,
+    IcnsFile, IcnsFileTestColorTypes,
     ::testing::Values(RgbType{"is32", "s8mk", "ics#", 16}, RgbType{"il32", "l8mk", "ICN#", 32},
                       RgbType{"ih32", "h8mk", "ich#", 48}, RgbType{"it32", "t8mk", "", 128},
                       RgbType{"icp4", "s8mk", "ics#", 16}, RgbType{"icp5", "l8mk", "ICN#", 32}),
     [](const auto& row) { return std::string(row.param.type); });
 
-TEST_P(ColourType, takesItsAlphaFromTheMaskWhereverThatStands) {
-    const std::string colour = icnsEntry(GetParam().type, padding_ + rle24Of(picture_));
+TEST_P(IcnsFileTestColorTypes, TakesItsAlphaFromTheMaskBeforeOrAfterIt) {
+    const std::string color = icnsEntry(GetParam().type, padding_ + rle24Of(picture_));
     const std::string mask = icnsEntry(GetParam().mask, alphaMaskOf(picture_));
-    EXPECT_EQ(fileOf({colour, mask}).decode(0), picture_);
-    EXPECT_EQ(fileOf({mask, colour}).decode(0), picture_);
-    EXPECT_EQ(fileOf({mask, colour}).entries().at(0).encoding, IcnsEncoding::rle24);
+    EXPECT_EQ(fileOf({color, mask}).decode(0), picture_);
+    EXPECT_EQ(fileOf({mask, color}).decode(0), picture_);
+    EXPECT_EQ(fileOf({mask, color}).entries().at(0).encoding, IcnsEncoding::rle24);
 }
 
-TEST_P(ColourType, isOpaqueWithoutAMask) {
+TEST_P(IcnsFileTestColorTypes, IsOpaqueWithoutAMask) {
     EXPECT_EQ(decodedEntry(GetParam().type, padding_ + rle24Of(picture_)), opaque_);
 }
 
-TEST_P(ColourType, mayHoldPlainPixels) {
+TEST_P(IcnsFileTestColorTypes, MayHoldPlainPixels) {
     const IcnsFile file = fileOf({icnsEntry(GetParam().type, raw32Of(picture_)),
                                   icnsEntry(GetParam().mask, alphaMaskOf(picture_))});
     EXPECT_EQ(file.entries().at(0).encoding, IcnsEncoding::raw32);
     EXPECT_EQ(file.decode(0), picture_);
 }
 
-TEST_P(ColourType, fallsBackToTheOneBitMask) {
+TEST_P(IcnsFileTestColorTypes, FallsBackToTheOneBitMask) {
     if (std::string_view(GetParam().bitmap).empty()) {
         return;
     }
     const IcnsFile file =
         fileOf({icnsEntry(GetParam().bitmap, bitmapOf(picture_) + bitMaskOf(picture_)),
                 icnsEntry(GetParam().type, rle24Of(picture_))});
-    EXPECT_EQ(file.entries().at(0).type, GetParam().type) << "full colour is listed first";
+    EXPECT_EQ(file.entries().at(0).type, GetParam().type) << "full color is listed first";
     EXPECT_EQ(file.decode(0), withAlphaOf(picture_, picture_, true));
 }
 
-TEST(IcnsFile, readsTheLargestColourTypeWithoutItsPaddingToo) {
+TEST(IcnsFileTest, ReadsTheLargestColorTypeWithoutItsPaddingToo) {
     const QImage opaque = opaquePicture(128);
     EXPECT_EQ(decodedEntry("it32", rle24Of(opaque)), opaque);
     EXPECT_EQ(decodedEntry("it32", std::string(4, '\0') + raw32Of(opaque)), opaque);
 }
 
-TEST(IcnsFile, ignoresAMaskThatIsTooShort) {
+TEST(IcnsFileTest, IgnoresAMaskThatIsTooShort) {
     const QImage picture = testPicture(16);
     const IcnsFile file = fileOf(
         {icnsEntry("is32", rle24Of(picture)), icnsEntry("s8mk", alphaMaskOf(picture).substr(1))});
     EXPECT_EQ(file.decode(0), opaquePicture(16));
 }
 
-TEST(IcnsFile, readsBlackAndWhite) {
+TEST(IcnsFileTest, ReadsBlackAndWhite) {
     const QImage picture = testPicture(32);
     const QImage masked =
         fileOf({icnsEntry("ICN#", bitmapOf(picture) + bitMaskOf(picture))}).decode(0);
@@ -219,7 +219,7 @@ TEST(IcnsFile, readsBlackAndWhite) {
     }
 }
 
-TEST(IcnsFile, readsTheFixedColours) {
+TEST(IcnsFileTest, ReadsTheFixedColors) {
     const QImage eight = decodedEntry(
         "ics8", std::string("\x00\x05\x23\xD7\xE0\xE1\xEB\xF5\xFF", 9) + std::string(247, '\0'));
     EXPECT_EQ(eight.pixel(0, 0), qRgb(255, 255, 255));
@@ -238,7 +238,7 @@ TEST(IcnsFile, readsTheFixedColours) {
     EXPECT_EQ(four.pixel(3, 0), qRgb(0xC0, 0xC0, 0xC0));
 }
 
-TEST(IcnsFile, readsTheFlatOldTypesAtTheirOwnSize) {
+TEST(IcnsFileTest, ReadsTheFlatOldTypesAtTheirOwnSize) {
     const IcnsFile file = fileOf({icnsEntry("icm#", std::string(48, '\xFF')),
                                   icnsEntry("icm4", std::string(96, '\x11')),
                                   icnsEntry("icm8", std::string(192, '\x05'))});
@@ -250,7 +250,7 @@ TEST(IcnsFile, readsTheFlatOldTypesAtTheirOwnSize) {
     }
 }
 
-TEST(IcnsFile, passesOverWhatIsNoImage) {
+TEST(IcnsFileTest, SkipsWhatIsNotAnImage) {
     const QImage picture = testPicture(16);
     const IcnsFile file =
         fileOf({icnsEntry("TOC ", "ic04"), icnsEntry("icnV", "1234"), icnsEntry("info", "notes"),
@@ -260,7 +260,7 @@ TEST(IcnsFile, passesOverWhatIsNoImage) {
     EXPECT_EQ(file.decode(0), picture);
 }
 
-TEST(IcnsFile, readsNestedFamiliesAfterTheIconsOwnImages) {
+TEST(IcnsFileTest, ReadsNestedFamiliesAfterTheIconsOwnImages) {
     const std::string inner = icnsEntry("ic11", pngOf(testPicture(32, 1)));
     const std::string masked = icnsEntry("is32", rle24Of(testPicture(16, 2))) +
                                icnsEntry("s8mk", alphaMaskOf(testPicture(16, 2)));
@@ -273,7 +273,7 @@ TEST(IcnsFile, readsNestedFamiliesAfterTheIconsOwnImages) {
     EXPECT_EQ(file.decode(2), testPicture(16, 2));
 }
 
-TEST(IcnsFile, decodesEverythingInAFileOfEveryKind) {
+TEST(IcnsFileTest, DecodesEverythingInAFileOfEveryKind) {
     const auto file = IcnsFile::parse(icnsOfEveryKind());
     ASSERT_TRUE(file);
     EXPECT_EQ(file->entries().size(), 27U);
@@ -282,7 +282,7 @@ TEST(IcnsFile, decodesEverythingInAFileOfEveryKind) {
     }
 }
 
-TEST(IcnsFile, namesTheEncodings) {
+TEST(IcnsFileTest, NamesTheEncodings) {
     std::vector<std::string> names;
     for (int encoding = 0; encoding < 8; ++encoding) {
         names.emplace_back(rawString(static_cast<IcnsEncoding>(encoding)));
@@ -291,12 +291,12 @@ TEST(IcnsFile, namesTheEncodings) {
                 ElementsAre("png", "jpeg2000", "argb", "rle24", "raw32", "8bit", "4bit", "1bit"));
 }
 
-TEST(IcnsFile, choosesTheImageForASizeWithoutTouchingOthers) {
+TEST(IcnsFileTest, ChoosesTheImageForASizeWithoutTouchingOthers) {
     const auto entry = [](const char* type, int side) {
         return icnsEntry(type, pngOf(testPicture(side)));
     };
     const IcnsFile file = fileOf({entry("ic07", 128), entry("icp4", 16), entry("ic12", 64),
-                                  // Broken behind its header: decoding it would give nothing.
+                                  // Broken after its header: decoding it would fail.
                                   icnsEntry("ic10", pngOf(testPicture(1024)).substr(0, 100))});
     EXPECT_EQ(file.nearest(64).width(), 64);
     EXPECT_EQ(file.nearest(1).width(), 16);
@@ -307,7 +307,7 @@ TEST(IcnsFile, choosesTheImageForASizeWithoutTouchingOthers) {
     EXPECT_EQ(file.widest().width(), 128);
 }
 
-TEST(IcnsFile, takesTheFirstOfTwoEquallyWideImages) {
+TEST(IcnsFileTest, TakesTheFirstOfTwoEquallyWideImages) {
     const QImage first = testPicture(256, 1);
     const IcnsFile file =
         fileOf({icnsEntry("ic13", pngOf(first)), icnsEntry("ic08", pngOf(testPicture(256, 2)))});
@@ -315,7 +315,7 @@ TEST(IcnsFile, takesTheFirstOfTwoEquallyWideImages) {
     EXPECT_EQ(file.nearest(200), first);
 }
 
-TEST(IcnsFile, hasNoImageWithoutEntries) {
+TEST(IcnsFileTest, HasNoImageWithoutEntries) {
     const IcnsFile file = fileOf({});
     EXPECT_TRUE(file.entries().empty());
     EXPECT_TRUE(file.widest().isNull());
@@ -323,7 +323,7 @@ TEST(IcnsFile, hasNoImageWithoutEntries) {
     EXPECT_THROW((void)file.decode(0), std::out_of_range);
 }
 
-TEST(IcnsFile, readsFromDiskAndOutlivesTheFile) {
+TEST(IcnsFileTest, ReadsFromDiskAndOutlivesTheFile) {
     const TemporaryFolder folder;
     write(folder / "a.icns", icnsOf({icnsEntry("ic04", argbOf(testPicture(16)))}));
     const auto file = IcnsFile::read(folder / "a.icns");
@@ -335,7 +335,7 @@ TEST(IcnsFile, readsFromDiskAndOutlivesTheFile) {
     EXPECT_FALSE(IcnsFile::read(folder.path()));
 }
 
-TEST(IconImage, readsContainersAndOtherFiles) {
+TEST(IcnsFileTest, IconImageReadsContainersAndOtherFiles) {
     const TemporaryFolder folder;
     write(folder / "a.icns", icnsOf({icnsEntry("ic04", argbOf(testPicture(16))),
                                      icnsEntry("ic12", pngOf(testPicture(64)))}));

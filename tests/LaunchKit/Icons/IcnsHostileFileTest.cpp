@@ -33,38 +33,38 @@ std::string withNumber(std::string bytes, std::size_t at, std::uint32_t number) 
     return bytes;
 }
 
-TEST(HostileIcns, isNoContainerWithoutItsMark) {
+TEST(IcnsHostileFileTest, IsNotAContainerWithoutItsSignature) {
     EXPECT_FALSE(IcnsFile::parse(""));
     EXPECT_FALSE(IcnsFile::parse("icns"));
     EXPECT_FALSE(IcnsFile::parse("icnt" + good));
     EXPECT_FALSE(IcnsFile::parse(std::string("icns\0\0\0", 7)));
 }
 
-TEST(HostileIcns, isReadAsFarAsItGoesWhenItsOwnSizeLies) {
+TEST(IcnsHostileFileTest, IsReadAsFarAsItGoesWhenItsOwnSizeLies) {
     for (const std::uint32_t size : {0U, 7U, 0x7FFFFFFFU, 0xFFFFFFFFU}) {
         EXPECT_EQ(imagesIn(withNumber(icnsOf({good}), 4, size)), 1U) << size;
     }
     EXPECT_EQ(imagesIn(icnsOf({good}) + good), 1U) << "what follows the container is not its own";
 }
 
-class LyingChunk : public ::testing::TestWithParam<std::uint32_t> {};
-INSTANTIATE_TEST_SUITE_P(HostileIcns, LyingChunk,
+class IcnsHostileFileTestLyingChunks : public ::testing::TestWithParam<std::uint32_t> {};
+INSTANTIATE_TEST_SUITE_P(HostileIcns, IcnsHostileFileTestLyingChunks,
                          ::testing::Values(1, 7, 0x7FFFFFFF, 0x80000000, 0xFFFFFFFF, 0xFFFFFFF8));
 
-TEST_P(LyingChunk, endsItsFamilyAndKeepsWhatCameBefore) {
+TEST_P(IcnsHostileFileTestLyingChunks, EndsItsFamilyAndKeepsWhatCameBefore) {
     EXPECT_EQ(imagesIn(icnsOf({good, icnsEntry("ic11", png(32), GetParam()), good})), 1U);
     EXPECT_EQ(imagesIn(icnsOf({icnsEntry("slct", icnsEntry("ic11", png(32), GetParam())), good})),
               1U)
-        << "a lie inside a nested family is no matter of the outer one";
+        << "an invalid size inside a nested family does not affect the outer one";
 }
 
-TEST(HostileIcns, mayHoldAChunkOfNothing) {
+TEST(IcnsHostileFileTest, MayHoldAChunkOfNothing) {
     EXPECT_EQ(imagesIn(icnsOf({icnsEntry("ic11", ""), icnsEntry("is32", ""), icnsEntry("ics#", ""),
                                icnsEntry("slct", ""), good})),
               1U);
 }
 
-TEST(HostileIcns, isReadUpToWhereItIsCutOff) {
+TEST(IcnsHostileFileTest, IsReadUpToWhereItIsCutOff) {
     const std::string whole = icnsOf({good, icnsEntry("ic12", png(64)), good});
     std::size_t before = 0;
     for (std::size_t size = 0; size <= whole.size(); ++size) {
@@ -75,7 +75,7 @@ TEST(HostileIcns, isReadUpToWhereItIsCutOff) {
     EXPECT_EQ(before, 3U);
 }
 
-TEST(HostileIcns, givesNoImageForATruncatedPayload) {
+TEST(IcnsHostileFileTest, ReturnsNullForATruncatedPayload) {
     const QImage picture = testPicture(32);
     const QImage small = testPicture(16);
     const std::vector<std::pair<const char*, std::string>> payloads{
@@ -97,7 +97,7 @@ TEST(HostileIcns, givesNoImageForATruncatedPayload) {
     }
 }
 
-TEST(HostileIcns, survivesEveryBrokenByteOfASmallFile) {
+TEST(IcnsHostileFileTest, SurvivesEveryBrokenByteOfASmallFile) {
     const std::string whole =
         icnsOf({icnsEntry("ic11", png(32)), icnsEntry("is32", rle24Of(testPicture(16))),
                 icnsEntry("icp4", jpeg2000Of(testPicture(16), Jpeg2000Form::rgb))});
@@ -112,7 +112,7 @@ TEST(HostileIcns, survivesEveryBrokenByteOfASmallFile) {
     }
 }
 
-TEST(HostileIcns, isNotReadDeeperThanAFewFamilies) {
+TEST(IcnsHostileFileTest, IsNotReadDeeperThanAFewFamilies) {
     std::string nested = good;
     for (int depth = 0; depth < 10000; ++depth) {
         nested = icnsEntry("slct", nested);
@@ -121,7 +121,7 @@ TEST(HostileIcns, isNotReadDeeperThanAFewFamilies) {
     EXPECT_EQ(imagesIn(icnsOf({icnsEntry("slct", icnsEntry("over", good))})), 1U);
 }
 
-TEST(HostileIcns, givesABoundedNumberOfChunks) {
+TEST(IcnsHostileFileTest, ReturnsABoundedNumberOfChunks) {
     std::string many;
     for (int count = 0; count < 100000; ++count) {
         many += count % 2 == 0 ? icnsEntry("ic04", "") : icnsEntry("slct", icnsEntry("ic04", "x"));
@@ -133,7 +133,7 @@ TEST(HostileIcns, givesABoundedNumberOfChunks) {
     EXPECT_LE(chunks, maximumIcnsChunks);
 }
 
-TEST(HostileIcns, findsTheGoodImageAmongManyBrokenOnesOfItsOwn) {
+TEST(IcnsHostileFileTest, FindsTheGoodImageAmongManyBrokenOnesOfItsOwn) {
     std::vector<std::string> entries(20, icnsEntry("ic07", png(128).substr(0, 60)));
     entries.push_back(good);
     const auto file = IcnsFile::parse(icnsOf(entries));
@@ -141,7 +141,7 @@ TEST(HostileIcns, findsTheGoodImageAmongManyBrokenOnesOfItsOwn) {
     EXPECT_EQ(file->widest(), testPicture(16));
 }
 
-TEST(HostileIcns, refusesSizesThatAreNotTheTypesOwn) {
+TEST(IcnsHostileFileTest, RefusesSizesThatAreNotTheTypesOwn) {
     const auto pngOfSize = [](std::uint32_t width, std::uint32_t height) {
         return withNumber(withNumber(png(32), 16, width), 20, height);
     };
@@ -156,7 +156,7 @@ std::size_t sizePosition(const std::string& bytes, std::size_t index) {
     return bytes.find("\xFF\x4F\xFF\x51") + 8 + 4 * index;
 }
 
-TEST(HostileIcns, refusesJpeg2000OfAbsurdGeometry) {
+TEST(IcnsHostileFileTest, RefusesJpeg2000OfAbsurdGeometry) {
     const std::string bytes = jpeg2000Of(testPicture(16), Jpeg2000Form::rgba);
     EXPECT_EQ(jpeg2000Size(bytes), QSize(16, 16));
     const auto sizeWith = [&](std::size_t index, std::uint32_t number) {
@@ -176,7 +176,7 @@ TEST(HostileIcns, refusesJpeg2000OfAbsurdGeometry) {
     EXPECT_FALSE(jpeg2000Size(manyComponents).isValid());
 }
 
-TEST(HostileIcns, refusesAJpeg2000BoxWhoseSizeLies) {
+TEST(IcnsHostileFileTest, RefusesAJpeg2000BoxWhoseSizeLies) {
     const std::string bytes = jpeg2000Of(testPicture(16), Jpeg2000Form::rgb);
     const std::size_t box = bytes.find("jp2c") - 4;
     EXPECT_FALSE(jpeg2000Size(withNumber(bytes, 12, 7)).isValid());
@@ -184,7 +184,7 @@ TEST(HostileIcns, refusesAJpeg2000BoxWhoseSizeLies) {
     EXPECT_EQ(jpeg2000Size(withNumber(bytes, box, 0)), QSize(16, 16)) << "0: to the end";
 }
 
-TEST(HostileIcns, isNotReadBeyondSixtyFourMebibytes) {
+TEST(IcnsHostileFileTest, IsNotReadBeyondSixtyFourMebibytes) {
     const TemporaryFolder folder;
     write(folder / "large.icns", icnsOf({good}));
     std::filesystem::resize_file(folder / "large.icns", IcnsFile::maximumFileSize);
@@ -194,7 +194,7 @@ TEST(HostileIcns, isNotReadBeyondSixtyFourMebibytes) {
     EXPECT_TRUE(widestIconImage(folder / "large.icns").isNull());
 }
 
-TEST(HostileIcns, neverWaitsForAPipe) {
+TEST(IcnsHostileFileTest, NeverWaitsForAPipe) {
     const TemporaryFolder folder;
     ASSERT_EQ(::mkfifo((folder / "pipe.icns").c_str(), 0600), 0);
     EXPECT_FALSE(IcnsFile::read(folder / "pipe.icns"));

@@ -19,7 +19,7 @@ std::string packed(const Bytes& bytes) {
     return result;
 }
 
-TEST(RunLength, packsRunsOfThreeAndMore) {
+TEST(IcnsWriterTest, RunLengthPacksRunsOfThreeAndMore) {
     EXPECT_EQ(packed({}), "");
     EXPECT_EQ(packed({7, 7, 7}), std::string("\x80\x07", 2));
     EXPECT_EQ(packed({1, 1}), std::string("\x01\x01\x01", 3));
@@ -28,7 +28,7 @@ TEST(RunLength, packsRunsOfThreeAndMore) {
     EXPECT_EQ(packed(Bytes(131, 9)), std::string("\xFF\x09\x00\x09", 4));
 }
 
-TEST(RunLength, unpacksWhatItPacked) {
+TEST(IcnsWriterTest, RunLengthUnpacksWhatItPacked) {
     Bytes bytes;
     for (unsigned index = 0; index < 5000; ++index) {
         const unsigned run = index % 13 == 0 ? 150 : index % 5 == 0 ? 3 : 1;
@@ -38,14 +38,14 @@ TEST(RunLength, unpacksWhatItPacked) {
     EXPECT_FALSE(unpackRuns(packed(bytes), bytes.size() + 1));
 }
 
-TEST(RunLength, neverUnpacksMoreThanAsked) {
+TEST(IcnsWriterTest, RunLengthNeverUnpacksMoreThanAsked) {
     EXPECT_EQ(unpackRuns("\xFF\x09", 5), Bytes(5, 9));
     EXPECT_EQ(unpackRuns(std::string("\x04\x01\x02\x03\x04\x05", 6), 2), (Bytes{1, 2}));
     EXPECT_FALSE(unpackRuns("\xFF", 1)) << "a run of nothing";
     EXPECT_FALSE(unpackRuns("\x7F", 1));
 }
 
-TEST(IcnsWriter, writesEachSizeAsItsType) {
+TEST(IcnsWriterTest, WritesEachSizeAsItsType) {
     const std::vector<std::pair<int, std::string>> types{
         {1024, "ic10"}, {512, "ic09"}, {256, "ic08"}, {128, "ic07"},
         {64, "ic12"},   {32, "ic05"},  {16, "ic04"}};
@@ -59,7 +59,7 @@ TEST(IcnsWriter, writesEachSizeAsItsType) {
     }
 }
 
-TEST(IcnsWriter, writesEachSizeForScreensOfDoubleDensityAsItsType) {
+TEST(IcnsWriterTest, WritesEachSizeForScreensOfDoubleDensityAsItsType) {
     const std::vector<std::pair<int, std::string>> types{
         {1024, "ic10"}, {512, "ic14"}, {256, "ic13"}, {64, "ic12"}, {32, "ic11"}};
     for (const auto& [side, type] : types) {
@@ -72,7 +72,7 @@ TEST(IcnsWriter, writesEachSizeForScreensOfDoubleDensityAsItsType) {
     }
 }
 
-TEST(IcnsWriter, writesNoOtherSize) {
+TEST(IcnsWriterTest, WritesNoOtherSize) {
     for (const int side : {16, 48, 128}) {
         EXPECT_EQ(icnsDoubleChunk(testPicture(side)), "");
     }
@@ -82,7 +82,7 @@ TEST(IcnsWriter, writesNoOtherSize) {
     EXPECT_EQ(icnsChunk(QImage()), "");
 }
 
-TEST(IcnsWriter, endsPlanesWithAByteThatMayBeLost) {
+TEST(IcnsWriterTest, EndsPlanesWithAByteThatMayBeLost) {
     for (const int side : {16, 32}) {
         std::string bytes = icnsChunk(testPicture(side));
         EXPECT_EQ(bytes.back(), '\0');
@@ -94,14 +94,14 @@ TEST(IcnsWriter, endsPlanesWithAByteThatMayBeLost) {
     }
 }
 
-TEST(IcnsWriter, marksPngAsStandardColours) {
+TEST(IcnsWriterTest, MarksPngAsStandardColors) {
     const std::string bytes = pngBytes(testPicture(64));
     EXPECT_EQ(bytes.substr(33, 13), std::string("\0\0\0\1sRGB\0\xAE\xCE\x1C\xE9", 13));
     EXPECT_EQ(bytes.find("iCCP"), std::string::npos);
     EXPECT_EQ(bytes.substr(12, 4), "IHDR");
 }
 
-TEST(IcnsWriter, compressesItsPng) {
+TEST(IcnsWriterTest, CompressesItsPng) {
     QImage flat(1024, 1024, QImage::Format_ARGB32);
     flat.fill(Qt::blue);
     EXPECT_LT(pngBytes(flat).size(), 20000U);

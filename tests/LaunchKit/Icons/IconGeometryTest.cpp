@@ -67,13 +67,13 @@ double bottom(const QRect& box) {
     return box.y() + box.height();
 }
 
-class Geometry : public ::testing::TestWithParam<std::tuple<int, Position>> {
+class IconGeometryTestPlacements : public ::testing::TestWithParam<std::tuple<int, Position>> {
 protected:
     const int size_ = std::get<0>(GetParam());
     const double side_ = size_;
     const Position position_ = std::get<1>(GetParam());
 
-    Geometry() { ensureFontEngine(); }
+    IconGeometryTestPlacements() { ensureFontEngine(); }
 
     // Where the glyphs belong when they are so large.
     [[nodiscard]] QRectF glyphs(double width, double height) const {
@@ -104,7 +104,7 @@ protected:
     }
 };
 
-INSTANTIATE_TEST_SUITE_P(Icon, Geometry,
+INSTANTIATE_TEST_SUITE_P(Icon, IconGeometryTestPlacements,
                          ::testing::Combine(::testing::Values(1024, 512, 256, 128, 64, 32, 16),
                                             ::testing::Values(Position::bottom, Position::center,
                                                               Position::top)),
@@ -113,20 +113,20 @@ INSTANTIATE_TEST_SUITE_P(Icon, Geometry,
                                     std::to_string(std::get<0>(row.param));
                          });
 
-TEST_P(Geometry, keepsAShortLabelAtItsFontSize) {
+TEST_P(IconGeometryTestPlacements, KeepsAShortLabelAtItsFontSize) {
     const LabelText text = labelText("EH");
     const double font = 0.24 * side_;
     const double scale = font / text.fontSize;
     expectDrawn("eh", text.box.width() * scale, text.box.height() * scale, font);
 }
 
-TEST_P(Geometry, shrinksALongLabelToItsWidth) {
+TEST_P(IconGeometryTestPlacements, ShrinksALongLabelToItsWidth) {
     const LabelText text = labelText("HHHHHHH");
     const double scale = 0.86 * side_ / text.box.width();
     expectDrawn("HHHHHHH", 0.86 * side_, text.box.height() * scale, text.fontSize * scale);
 }
 
-TEST(IconGeometry, surroundsTheFillWithHalfAStroke) {
+TEST(IconGeometryTest, SurroundsTheFillWithHalfAStroke) {
     const DrawnIcon icon({"H", "#FF0000", Position::center}, 1024);
     const QRect fill = icon.fill();
     const QRect all = icon.lettering();
@@ -137,7 +137,7 @@ TEST(IconGeometry, surroundsTheFillWithHalfAStroke) {
     EXPECT_NEAR(bottom(all) - bottom(fill), reach, 1);
 }
 
-TEST(IconGeometry, roundsTheOutlinesCorners) {
+TEST(IconGeometryTest, RoundsTheOutlinesCorners) {
     const DrawnIcon icon({"I", "#FF0000", Position::center}, 1024);
     const QRect all = icon.lettering();
     const double radius = 0.18 * 0.24 * 1024 / 2;
@@ -147,7 +147,7 @@ TEST(IconGeometry, roundsTheOutlinesCorners) {
     EXPECT_GT(qAlpha(icon.image().pixel(all.topLeft() + QPoint(inset + 2, inset + 2))), 127);
 }
 
-TEST(IconGeometry, fillsWithTheColourAndOutlinesInDarkness) {
+TEST(IconGeometryTest, FillsWithTheColorAndOutlinesInDarkness) {
     const DrawnIcon icon({"I", "#12AB78", Position::center}, 1024);
     EXPECT_EQ(icon.image().pixel(512, 512), qRgb(0x12, 0xAB, 0x78));
     const LabelText text = labelText("I");
@@ -158,7 +158,7 @@ TEST(IconGeometry, fillsWithTheColourAndOutlinesInDarkness) {
     EXPECT_NEAR(qAlpha(outline), 255 * (1 - 0.1 * 0.55), 4);
 }
 
-TEST(IconGeometry, outlinesAShrunkLabelInProportionToWhatItShrankTo) {
+TEST(IconGeometryTest, OutlinesAShrunkLabelInProportionToWhatItShrankTo) {
     ensureFontEngine();
     for (const int side : {1024, 512}) {
         const LabelText text = labelText("HHHHHHH");
@@ -177,7 +177,7 @@ double expectedShadow(double distance, int side) {
     return 255 * 0.45 * 0.5 * std::erfc((distance - drop) / deviation / std::sqrt(2.0));
 }
 
-// Compares the shadow above and below the letter that stands at `x`.
+// Compares the shadow above and below the letter at `x`.
 void expectShadow(const DrawnIcon& icon, int x, const std::vector<int>& distances) {
     const int side = icon.image().width();
     const double lower = bottom(icon.lettering());
@@ -195,11 +195,11 @@ void expectShadow(const DrawnIcon& icon, int x, const std::vector<int>& distance
     EXPECT_EQ(qAlpha(icon.image().pixel(x, static_cast<int>(lower) + side / 25)), 0) << side;
 }
 
-TEST(IconGeometry, dropsASoftShadow) {
+TEST(IconGeometryTest, DropsASoftShadow) {
     expectShadow(DrawnIcon({"I", "#FF0000", Position::center}, 1024), 512, {2, 4, 7, 10, 14, 18});
 }
 
-TEST(IconGeometry, dropsTheSameShadowFromAShrunkLabel) {
+TEST(IconGeometryTest, DropsTheSameShadowFromAShrunkLabel) {
     const DrawnIcon icon({"HHHHHHH", "#FF0000", Position::center}, 1024);
     // The middle of the first letter's first leg.
     const int y = icon.fill().y() + 2;
@@ -210,11 +210,11 @@ TEST(IconGeometry, dropsTheSameShadowFromAShrunkLabel) {
     expectShadow(icon, (icon.fill().x() + x) / 2, {2, 4, 7, 10, 14, 18});
 }
 
-TEST(IconGeometry, dropsAShadowInProportionToTheIcon) {
+TEST(IconGeometryTest, DropsAShadowInProportionToTheIcon) {
     expectShadow(DrawnIcon({"I", "#FF0000", Position::center}, 512), 256, {2, 4, 7});
 }
 
-TEST(IconGeometry, mirrorsTheShadowSideways) {
+TEST(IconGeometryTest, MirrorsTheShadowSideways) {
     const DrawnIcon icon({"I", "#FF0000", Position::center}, 1024);
     const QRect all = icon.lettering();
     for (const int distance : {2, 5, 10}) {
@@ -223,7 +223,7 @@ TEST(IconGeometry, mirrorsTheShadowSideways) {
     }
 }
 
-TEST(IconGeometry, fillsWhereOutlinesOverlap) {
+TEST(IconGeometryTest, FillsWhereOutlinesOverlap) {
     ensureFontEngine();
     LabelText text = labelText("");
     text.fontSize = 256;
@@ -236,8 +236,8 @@ TEST(IconGeometry, fillsWhereOutlinesOverlap) {
     EXPECT_EQ(icon.pixel(256, 280), qRgb(255, 0, 0)) << "both rectangles cover the middle";
 }
 
-TEST(IconGeometry, coversOverlappingOutlinesOnce) {
-    // The strokes of neighbouring letters meet; where they do, they are no darker.
+TEST(IconGeometryTest, CoversOverlappingOutlinesOnce) {
+    // The strokes of neighbouring letters meet; where they do, they are not darker.
     const DrawnIcon icon({"HHH", "#FF0000", Position::center}, 512);
     int darkest = 0;
     for (int x = 0; x < 512; ++x) {

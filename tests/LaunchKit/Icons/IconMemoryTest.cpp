@@ -24,7 +24,7 @@ using ::testing::ElementsAre;
 
 const IconLabel work{"work", "#FFD60A", IconLabel::Position::bottom};
 
-// Set for a copy of this program that composes an icon with so many more bytes and ends.
+// Set for a copy of this program that composes an icon with that many more bytes and exits.
 constexpr const char* memoryLimit = "QUORVEL_TEST_MEMORY_LIMIT";
 
 void composeWithin(std::size_t bytes, const fs::path& source, const fs::path& out) {
@@ -47,7 +47,7 @@ void composeWithin(std::size_t bytes, const fs::path& source, const fs::path& ou
 std::vector<int> sizesWithin(std::size_t bytes, const fs::path& folder) {
     Process::Options options;
     options.executable = mainExecutable();
-    options.arguments = {"--gtest_filter=IconMemory.*"};
+    options.arguments = {"--gtest_filter=IconMemoryTest.*"};
     options.directory = folder;
     options.environment = currentEnvironment();
     options.environment->insert_or_assign(memoryLimit, std::to_string(bytes));
@@ -60,7 +60,7 @@ std::vector<int> sizesWithin(std::size_t bytes, const fs::path& folder) {
     return sizes;
 }
 
-TEST(IconMemory, bringsOutTheSizesThatFitIntoIt) {
+TEST(IconMemoryTest, BringsOutTheSizesThatFitIntoIt) {
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
     GTEST_SKIP() << "sanitizers take memory without bound";
 #endif

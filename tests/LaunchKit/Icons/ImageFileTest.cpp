@@ -46,7 +46,7 @@ std::string icoOf(const QImage& image, std::size_t side) {
            littleEndian(png.size(), 4) + littleEndian(22, 4) + png;
 }
 
-// An uncompressed TIFF file with a page of each size, in one shade of grey each.
+// An uncompressed TIFF file with a page of each size, in one shade of gray each.
 std::string tiffOf(const std::vector<std::pair<QSize, int>>& pages) {
     constexpr std::size_t tags = 8;
     constexpr std::size_t directorySize = 2 + 12 * tags + 4;
@@ -76,18 +76,18 @@ std::string tiffOf(const std::vector<std::pair<QSize, int>>& pages) {
     return file;
 }
 
-TEST(ImageFile, readsPngWhateverItIsCalled) {
+TEST(ImageFileTest, ReadsPngWithAnyFileName) {
     EXPECT_EQ(widestImage(pngOf(testPicture(50))), testPicture(50));
 }
 
-TEST(ImageFile, readsTheOtherFormatsOfPixels) {
+TEST(ImageFileTest, ReadsTheOtherFormatsOfPixels) {
     const QImage picture = opaquePicture(40);
     EXPECT_EQ(widestImage(encoded(picture, "bmp")), picture);
     EXPECT_EQ(widestImage(encoded(picture, "jpeg")).size(), QSize(40, 40));
     EXPECT_EQ(widestImage(jpeg2000Of(picture, Jpeg2000Form::rgb)), picture);
 }
 
-TEST(ImageFile, takesTheWidestOfSeveralImagesAndTheFirstOfEqualOnes) {
+TEST(ImageFileTest, TakesTheWidestOfSeveralImagesAndTheFirstOfEqualOnes) {
     if (!QImageReader::supportedImageFormats().contains("tiff")) {
         GTEST_SKIP() << "Qt has no plugin for TIFF here";
     }
@@ -97,7 +97,7 @@ TEST(ImageFile, takesTheWidestOfSeveralImagesAndTheFirstOfEqualOnes) {
     EXPECT_EQ(image.pixel(47, 8), qRgb(20, 20, 20));
 }
 
-TEST(ImageFile, takesTheNextWidestIfOneIsBeyondTheLimitsOrBroken) {
+TEST(ImageFileTest, TakesTheNextWidestIfOneIsBeyondTheLimitsOrBroken) {
     if (!QImageReader::supportedImageFormats().contains("tiff")) {
         GTEST_SKIP() << "Qt has no plugin for TIFF here";
     }
@@ -107,12 +107,12 @@ TEST(ImageFile, takesTheNextWidestIfOneIsBeyondTheLimitsOrBroken) {
     EXPECT_EQ(widestImage(bytes.substr(0, bytes.size() - 48 * 9)).size(), QSize(16, 9));
 }
 
-TEST(ImageFile, leavesFilesAloneWhoseDirectoryNeedNotGiveTheRealSize) {
+TEST(ImageFileTest, LeavesFilesAloneWhoseDirectoryNeedNotGiveTheRealSize) {
     EXPECT_TRUE(widestImage(icoOf(testPicture(16), 16)).isNull());
     EXPECT_TRUE(widestImage(icoOf(halves({maximumImageSide + 1, 1}), 16)).isNull());
 }
 
-TEST(ImageFile, leavesDrawingsAlone) {
+TEST(ImageFileTest, LeavesDrawingsAlone) {
     EXPECT_TRUE(
         widestImage("<svg xmlns='http://www.w3.org/2000/svg' width='9' height='9'/>").isNull());
     EXPECT_TRUE(widestImage("%PDF-1.4").isNull());
@@ -127,7 +127,7 @@ void expectHalves(const QImage& image, QSize size) {
     EXPECT_GT(qBlue(image.pixel(size.width() * 3 / 4, size.height() / 2)), 250);
 }
 
-TEST(ImageFile, scalesWhatIsLargerThan4096Pixels) {
+TEST(ImageFileTest, ScalesWhatIsLargerThan4096Pixels) {
     const QImage large = halves({maximumImageSide + 904, 2500});
     expectHalves(widestImage(pngOf(large)), {2048, 1024});
     expectHalves(widestImage(encoded(large, "jpeg")), {2048, 1024});
@@ -135,18 +135,18 @@ TEST(ImageFile, scalesWhatIsLargerThan4096Pixels) {
     expectHalves(widestImage(pngOf(high)), {409, 2048});
 }
 
-TEST(ImageFile, halvesAJpeg2000WhoseComponentsWouldTakeTooMuch) {
+TEST(ImageFileTest, HalvesAJpeg2000WhoseComponentsWouldTakeTooMuch) {
     expectHalves(widestImage(jpeg2000Of(halves({1401, 4000}), Jpeg2000Form::rgb)), {701, 2000});
     expectHalves(widestImage(jpeg2000Of(halves({1398, 4000}), Jpeg2000Form::rgb)), {1398, 4000});
     expectHalves(widestImage(jpeg2000Of(halves({1398, 4000}), Jpeg2000Form::rgba)), {699, 2000});
 }
 
-TEST(ImageFile, keepsWhatHas4096Pixels) {
+TEST(ImageFileTest, KeepsWhatHas4096Pixels) {
     const QImage wide = halves({maximumImageSide, 2});
     EXPECT_EQ(widestImage(pngOf(wide)).size(), wide.size());
 }
 
-TEST(ImageFile, refusesLargeOnesThatCantBeReadPieceByPiece) {
+TEST(ImageFileTest, RefusesLargeOnesThatCantBeReadPieceByPiece) {
     const QImage wide = halves({maximumImageSide + 1, 1});
     EXPECT_TRUE(widestImage(encoded(wide, "bmp")).isNull());
     EXPECT_TRUE(widestImage(encoded(wide, "jpeg", true)).isNull()) << "progressive";
@@ -154,13 +154,13 @@ TEST(ImageFile, refusesLargeOnesThatCantBeReadPieceByPiece) {
     EXPECT_FALSE(widestImage(pngOf(halves({maximumScaledSide, 1}))).isNull());
 }
 
-TEST(ImageFile, givesNothingForACutPng) {
+TEST(ImageFileTest, ReturnsNullForATruncatedPng) {
     const std::string bytes = pngOf(testPicture(64));
     EXPECT_TRUE(widestImage(bytes.substr(0, bytes.size() / 2)).isNull());
     EXPECT_TRUE(widestImage(bytes.substr(0, 40)).isNull());
 }
 
-TEST(ImageFile, convertsOtherColoursToTheStandardOnes) {
+TEST(ImageFileTest, ConvertsOtherColorsToTheStandardOnes) {
     QImage picture(8, 8, QImage::Format_ARGB32);
     picture.fill(qRgb(200, 100, 50));
     picture.setColorSpace(QColorSpace(QColorSpace::DisplayP3));

@@ -1,4 +1,5 @@
 #include "LaunchKit/Icons/IcnsFile.h"
+#include "LaunchKit/InstanceConfig.h"
 #include "LaunchKit/WrapperGenerator.h"
 #include "Platform/files/PlatformError.h"
 #include "tests/support/AppBundles.h"
@@ -17,9 +18,9 @@ namespace {
 
 namespace fs = std::filesystem;
 
-class WrapperIcon : public ::testing::Test {
+class WrapperIconTest : public ::testing::Test {
 protected:
-    WrapperIcon() {
+    WrapperIconTest() {
         write(folder_ / "runner", "#!/bin/sh\n");
         options_.runnerBinary = folder_ / "runner";
         options_.config = minimalConfig();
@@ -49,12 +50,12 @@ protected:
     WrapperGenerator::Options options_;
 };
 
-TEST_F(WrapperIcon, isTheTargetsOwnWithoutALabel) {
+TEST_F(WrapperIconTest, IsTheTargetsOwnWithoutALabel) {
     cloneAnAppWithIcon();
     EXPECT_EQ(read(generatedIcon()), plain_);
 }
 
-TEST_F(WrapperIcon, isBadgedWithALabel) {
+TEST_F(WrapperIconTest, IsBadgedWithALabel) {
     cloneAnAppWithIcon();
     label("Work");
     const auto icon = IcnsFile::read(generatedIcon());
@@ -62,7 +63,7 @@ TEST_F(WrapperIcon, isBadgedWithALabel) {
     EXPECT_EQ(icon->entries().size(), 7U);
 }
 
-TEST_F(WrapperIcon, isTheCustomOneBadgedWithALabel) {
+TEST_F(WrapperIconTest, IsTheCustomOneBadgedWithALabel) {
     cloneAnAppWithIcon();
     label("Work");
     const std::string badgedTarget = read(generatedIcon());
@@ -74,7 +75,7 @@ TEST_F(WrapperIcon, isTheCustomOneBadgedWithALabel) {
     EXPECT_NE(badgedCustom, badgedTarget);
 }
 
-TEST_F(WrapperIcon, isAPlainCopyForALabelOfSpacesAndTabs) {
+TEST_F(WrapperIconTest, IsAPlainCopyForALabelOfSpacesAndTabs) {
     options_.customIcon = folder_ / "custom.icns";
     for (const char* text : {"", " ", "\t \t", "\u00A0"}) {
         label(text);
@@ -82,20 +83,20 @@ TEST_F(WrapperIcon, isAPlainCopyForALabelOfSpacesAndTabs) {
     }
 }
 
-TEST_F(WrapperIcon, isRedrawnForALabelOfLineBreaks) {
+TEST_F(WrapperIconTest, IsRedrawnForALabelOfLineBreaks) {
     options_.customIcon = folder_ / "custom.icns";
     label("\n");
     EXPECT_EQ(IcnsFile::read(generatedIcon())->entries().size(), 7U);
 }
 
-TEST_F(WrapperIcon, isAPlainCopyWhenDrawingFails) {
+TEST_F(WrapperIconTest, IsAPlainCopyWhenDrawingFails) {
     write(folder_ / "custom.icns", "no image at all");
     options_.customIcon = folder_ / "custom.icns";
     label("Work");
     EXPECT_EQ(read(generatedIcon()), "no image at all");
 }
 
-TEST_F(WrapperIcon, isMissingWithoutASourceEvenWithALabel) {
+TEST_F(WrapperIconTest, IsMissingWithoutASourceEvenWithALabel) {
     label("Work");
     const fs::path icon = generatedIcon();
     EXPECT_FALSE(fs::exists(icon));
@@ -120,7 +121,7 @@ private:
     rlimit old_{};
 };
 
-TEST_F(WrapperIcon, isAPlainCopyWhereTheDrawnOneFindsNoRoom) {
+TEST_F(WrapperIconTest, IsAPlainCopyWhereTheDrawnOneFindsNoRoom) {
     options_.customIcon = folder_ / "custom.icns";
     label("Work");
     ASSERT_LT(plain_.size(), 16384U);
@@ -128,7 +129,7 @@ TEST_F(WrapperIcon, isAPlainCopyWhereTheDrawnOneFindsNoRoom) {
     EXPECT_EQ(read(generatedIcon()), plain_);
 }
 
-TEST_F(WrapperIcon, whereNeitherFindsRoomTheErrorSaysSo) {
+TEST_F(WrapperIconTest, WhereNeitherFindsRoomTheErrorSaysSo) {
     write(folder_ / "custom.icns", plain_ + std::string(20000, 'x'));
     options_.customIcon = folder_ / "custom.icns";
     label("Work");

@@ -1,6 +1,7 @@
-// Which of many processes stand for an application.
+// Which of many processes represent an application.
 #include "Platform/desktop/ApplicationTrees_linux.h"
 
+#include "Platform/desktop/Workspace.h"
 #include "Platform/processes/Process.h"
 #include "Platform/processes/ProcessFamily.h"
 #include "tests/support/AppBundles.h"
@@ -21,20 +22,9 @@ using ::testing::IsEmpty;
 using ::testing::SizeIs;
 namespace fs = std::filesystem;
 
-TEST(LockWaiters, AreThoseBehindAnArrow) {
-    EXPECT_THAT(lockWaiters("1: POSIX  ADVISORY  READ  101 fe:01:8000 128 128\n"
-                            "2: FLOCK  ADVISORY  WRITE 102 00:19:77 0 EOF\n"
-                            "2: -> FLOCK  ADVISORY  WRITE 103 00:19:77 0 EOF\n"
-                            "2: -> POSIX  ADVISORY  READ  104 00:19:77 0 EOF\n"
-                            "2:  -> FLOCK  ADVISORY  WRITE 105 00:19:77 0 EOF"),
-                ElementsAre(103, 104, 105));
-    EXPECT_THAT(lockWaiters(""), IsEmpty());
-    EXPECT_THAT(lockWaiters("-> FLOCK\n-> \n->\n2: -> a b c d e\n\n"), IsEmpty());
-}
-
-class ApplicationTrees : public ::testing::Test {
+class ApplicationTreesTest : public ::testing::Test {
 protected:
-    ~ApplicationTrees() override { end(); }
+    ~ApplicationTreesTest() override { end(); }
 
     void end() {
         for (Process& process : started_) {
@@ -42,7 +32,7 @@ protected:
             process.waitUntilExit();
         }
         started_.clear();
-        // Children of those outlive them.
+        // Their children outlive them.
         for (const RunningApplication& left : ours()) {
             ::kill(left.pid, SIGKILL);
         }
@@ -61,8 +51,8 @@ protected:
         return started_.back().identifier();
     }
 
-    // An application that starts another process of its own, by way of a shell elsewhere; both
-    // tell that they run.
+    // Starts an application that starts another process of its own through a shell elsewhere. Both
+    // report that they are running.
     [[nodiscard]] fs::path appWithHelper() const {
         const fs::path bundle = makeScriptedAppBundle(
             folder_ / "Thing.app",
@@ -73,7 +63,7 @@ protected:
 
     [[nodiscard]] fs::path told() const { return folder_ / "told"; }
     [[nodiscard]] bool hasTold(std::size_t times) const {
-        return waitFor([&] { return read(told()).size() >= 2 * times; });
+        return waitUntil([&] { return read(told()).size() >= 2 * times; });
     }
 
     TemporaryFolder folder_;
@@ -81,10 +71,21 @@ protected:
     std::vector<Process> started_{};
 };
 
-TEST_F(ApplicationTrees, AnApplicationOfSeveralProcessesCountsOnceByItsTopmost) {
+TEST_F(ApplicationTreesTest, LockWaitersAreMarkedByAnArrow) {
+    EXPECT_THAT(lockWaiters("1: POSIX  ADVISORY  READ  101 fe:01:8000 128 128\n"
+                            "2: FLOCK  ADVISORY  WRITE 102 00:19:77 0 EOF\n"
+                            "2: -> FLOCK  ADVISORY  WRITE 103 00:19:77 0 EOF\n"
+                            "2: -> POSIX  ADVISORY  READ  104 00:19:77 0 EOF\n"
+                            "2:  -> FLOCK  ADVISORY  WRITE 105 00:19:77 0 EOF"),
+                ElementsAre(103, 104, 105));
+    EXPECT_THAT(lockWaiters(""), IsEmpty());
+    EXPECT_THAT(lockWaiters("-> FLOCK\n-> \n->\n2: -> a b c d e\n\n"), IsEmpty());
+}
+
+TEST_F(ApplicationTreesTest, AnApplicationWithSeveralProcessesCountsOnceByItsTopmost) {
     const pid_t top = start(appWithHelper());
     ASSERT_TRUE(hasTold(2));
-    // A shell's child is a copy of the shell for a moment, and counts with its tree as well.
+    // Briefly, a shell's child is a copy of the shell, and also counts as part of its tree.
     for (int look = 0; look < 20; ++look) {
         const auto found = ours();
         ASSERT_THAT(found, SizeIs(1));
@@ -92,7 +93,7 @@ TEST_F(ApplicationTrees, AnApplicationOfSeveralProcessesCountsOnceByItsTopmost) 
     }
 }
 
-TEST_F(ApplicationTrees, TwoStartedApartCountTwice) {
+TEST_F(ApplicationTreesTest, TwoStartedSeparatelyCountTwice) {
     const fs::path bundle = appWithHelper();
     const pid_t first = start(bundle);
     const pid_t second = start(bundle);
@@ -102,7 +103,7 @@ TEST_F(ApplicationTrees, TwoStartedApartCountTwice) {
     EXPECT_EQ(std::set<pid_t>({found[0].pid, found[1].pid}), std::set<pid_t>({first, second}));
 }
 
-TEST_F(ApplicationTrees, OneThatWaitsForALockDoesNotCountBesideOneThatHoldsIt) {
+TEST_F(ApplicationTreesTest, AProcessThatWaitsForALockDoesNotCountIfAnotherHoldsIt) {
     const std::string lock = (folder_ / "lock").string();
     const fs::path bundle = makeAppBundle(folder_ / "Thing.app", {}, "/usr/bin/flock");
     const auto startLocking = [&] {
@@ -111,9 +112,9 @@ TEST_F(ApplicationTrees, OneThatWaitsForALockDoesNotCountBesideOneThatHoldsIt) {
         return started_.back().identifier();
     };
     const pid_t holder = startLocking();
-    ASSERT_TRUE(waitFor([&] { return !descendantsOf(holder).empty(); }));
+    ASSERT_TRUE(waitUntil([&] { return !descendantsOf(holder).empty(); }));
     const pid_t waiter = startLocking();
-    ASSERT_TRUE(waitFor([&] { return lockWaiters(read("/proc/locks")).contains(waiter); }));
+    ASSERT_TRUE(waitUntil([&] { return lockWaiters(read("/proc/locks")).contains(waiter); }));
     auto found = ours();
     ASSERT_THAT(found, SizeIs(1));
     EXPECT_EQ(found[0].pid, holder);

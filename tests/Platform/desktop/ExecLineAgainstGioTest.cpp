@@ -81,7 +81,7 @@ public:
 private:
     [[nodiscard]] Words recorded() const {
         const fs::path done = program() + ".done";
-        EXPECT_TRUE(waitFor([&] { return fs::exists(done); }));
+        EXPECT_TRUE(waitUntil([&] { return fs::exists(done); }));
         const std::string bytes = read(done);
         fs::remove(done);
         Words words;

@@ -1,7 +1,7 @@
 #include "Platform/desktop/Workspace.h"
 #include "Platform/processes/Process.h"
 
-#include "tests/support/PrivateBus.h"
+#include "tests/support/SessionBus.h"
 #include "tests/support/TemporaryHome.h"
 #include "tests/support/Waiting.h"
 
@@ -21,7 +21,7 @@ public:
         options.executable = QUORVEL_FILE_MANAGER;
         options.arguments = {log_.string()};
         process_.emplace(Process::run(options));
-        if (!waitFor([&] { return read(log_) == "ready\n"; })) {
+        if (!waitUntil([&] { return read(log_) == "ready\n"; })) {
             throw std::runtime_error("the file manager does not come up");
         }
     }
@@ -39,11 +39,11 @@ private:
     std::optional<Process> process_;
 };
 
-class Revealing : public ::testing::Test {
+class FileManagerTest : public ::testing::Test {
 protected:
     static void SetUpTestSuite() {
-        if (PrivateBus::isAvailable()) {
-            bus = std::make_unique<PrivateBus>();
+        if (SessionBus::isAvailable()) {
+            bus = std::make_unique<SessionBus>();
         }
     }
     static void TearDownTestSuite() { bus.reset(); }
@@ -54,36 +54,36 @@ protected:
         }
     }
 
-    static inline std::unique_ptr<PrivateBus> bus;
+    static inline std::unique_ptr<SessionBus> bus;
     TemporaryFolder folder_;
     std::unique_ptr<Workspace> workspace_ = makeSystemWorkspace();
 };
 
-TEST_F(Revealing, AsksTheFileManagerToShowTheItem) {
+TEST_F(FileManagerTest, AsksTheFileManagerToShowTheItem) {
     const FileManager manager(folder_ / "log");
     workspace_->reveal("/A/Work.app");
     EXPECT_EQ(manager.shown(), "file:///A/Work.app\n");
 }
 
-TEST_F(Revealing, AnAddressHoldsAnyName) {
+TEST_F(FileManagerTest, AnAddressCanContainAnyName) {
     const FileManager manager(folder_ / "log");
     workspace_->reveal("/A/a b#c?d%e\nf é.app");
     EXPECT_EQ(manager.shown(), "file:///A/a%20b%23c%3Fd%25e%0Af%20%C3%A9.app\n");
 }
 
-TEST_F(Revealing, AnAddressHoldsBytesThatAreNoText) {
+TEST_F(FileManagerTest, AnAddressCanContainInvalidText) {
     const FileManager manager(folder_ / "log");
     workspace_->reveal("/A/caf\xE9");
     EXPECT_EQ(manager.shown(), "file:///A/caf%E9\n");
 }
 
-TEST_F(Revealing, ARelativePathIsShownWhereItIs) {
+TEST_F(FileManagerTest, ARelativePathIsShownWhereItIs) {
     const FileManager manager(folder_ / "log");
     workspace_->reveal("Work.app");
     EXPECT_EQ(manager.shown(), "file://" + (fs::current_path() / "Work.app").string() + "\n");
 }
 
-TEST_F(Revealing, IsAnErrorWhenNoFileManagerAnswers) {
+TEST_F(FileManagerTest, IsAnErrorIfNoFileManagerReplies) {
     try {
         workspace_->reveal("/A/Work.app");
         FAIL() << "somebody answered";

@@ -189,7 +189,7 @@ TEST_F(IconThemeTest, FoldersComeFromTheSession) {
                             "/usr/share/pixmaps"));
 }
 
-TEST(InstalledIconsTest, AreFoundInTheSystemsTheme) {
+TEST(IconThemeTestInstalled, AreFoundInTheSystemsTheme) {
     IconTheme theme("hicolor");
     int found = 0;
     for (const auto& [name, entry, ending] :

@@ -174,7 +174,7 @@ TEST_F(InstalledApplicationsTest, FoldersComeFromTheSession) {
 }
 
 // What GIO shows and what the scan finds, as lines of the same form.
-class InstalledApplicationsAgainstGioTest : public ::testing::Test {
+class InstalledApplicationsTestAgainstGio : public ::testing::Test {
 protected:
     static std::vector<std::string> theirs() {
         std::vector<std::string> lines;
@@ -200,7 +200,7 @@ protected:
     }
 };
 
-TEST_F(InstalledApplicationsAgainstGioTest, WhatIsInstalledIsTheSame) {
+TEST_F(InstalledApplicationsTestAgainstGio, WhatIsInstalledIsTheSame) {
     const auto expected = theirs();
     if (expected.empty()) {
         GTEST_SKIP() << "no applications are installed";
@@ -211,7 +211,7 @@ TEST_F(InstalledApplicationsAgainstGioTest, WhatIsInstalledIsTheSame) {
     }
 }
 
-TEST_F(InstalledApplicationsAgainstGioTest, OddEntriesAreTheSame) {
+TEST_F(InstalledApplicationsTestAgainstGio, OddEntriesAreTheSame) {
     const TemporaryFolder folder;
     const ScopedEnvironment home("XDG_DATA_HOME", (folder / "home").string());
     const ScopedEnvironment others("XDG_DATA_DIRS",

@@ -1,4 +1,4 @@
-// What opening a clone learns from its runner.
+// What opening a clone finds out from its runner.
 #include "Platform/desktop/Workspace.h"
 #include "Platform/processes/StartReport.h"
 #include "tests/support/AppBundles.h"
@@ -20,13 +20,13 @@ using namespace testing;
 namespace fs = std::filesystem;
 using Clock = std::chrono::steady_clock;
 
-// How a script reports.
+// A script's report.
 const std::string report = " > /proc/self/fd/$QUORVEL_START_REPORT";
 const std::string waiting = "while :; do sleep 0.05; done";
 
-class OpeningARunner : public ::testing::Test {
+class StartWatchTest : public ::testing::Test {
 protected:
-    ~OpeningARunner() override {
+    ~StartWatchTest() override {
         const RunningApplications running = workspace_->runningApplications();
         for (const RunningApplication& application : running.all()) {
             if (application.bundleURL.string().starts_with(folder_.path().string())) {
@@ -41,7 +41,7 @@ protected:
             {{"CFBundleExecutable", "runner"}, {"CFBundleIdentifier", "com.example.Work"}});
     }
 
-    // The failure's text; empty when the opening worked.
+    // Returns the error's text, empty on success.
     std::string open(const std::string& script) {
         auto answer = std::make_shared<std::promise<std::string>>();
         auto answered = answer->get_future();
@@ -58,35 +58,35 @@ protected:
     std::unique_ptr<Workspace> workspace_ = makeSystemWorkspace();
 };
 
-TEST_F(OpeningARunner, AReportOfSuccessIsAllThatIsWaitedFor) {
+TEST_F(StartWatchTest, AReportOfSuccessEndsTheWait) {
     const auto start = Clock::now();
     EXPECT_EQ(open("printf .+" + report + "; " + waiting), "");
     EXPECT_LT(Clock::now() - start, std::chrono::milliseconds(900))
         << "as long as for a runner that says nothing";
 }
 
-TEST_F(OpeningARunner, AReportOfFailureIsPassedOnAsItStands) {
+TEST_F(StartWatchTest, AReportOfFailureIsPassedOnUnchanged) {
     EXPECT_EQ(open("printf '.-The target is “gone”.'" + report + "; exit 71"),
               "The target is “gone”.");
 }
 
-TEST_F(OpeningARunner, AReportMayTakeLongerThanAnOldRunnersSilence) {
+TEST_F(StartWatchTest, AnAnnouncedReportMayTakeLongerThanAnOldRunnersTimeout) {
     EXPECT_EQ(open("printf ." + report + "; sleep 1.4; printf '%s' -late" + report + "; exit 71"),
               "late");
 }
 
-TEST_F(OpeningARunner, WhoPromisesAReportAndEndsWithoutOneHasFailed) {
+TEST_F(StartWatchTest, ARunnerThatAnnouncesAReportAndEndsWithoutOneHasFailed) {
     EXPECT_EQ(open("printf ." + report + "; exit 3"),
               "“Work.app” couldn’t be opened: it ended at once, with status 3");
     EXPECT_EQ(open("printf ." + report + "; kill -SEGV $$"),
               "“Work.app” couldn’t be opened: it was ended at once, by signal 11");
 }
 
-TEST_F(OpeningARunner, AnOldRunnerThatFailsIsKnownByItsStatus) {
+TEST_F(StartWatchTest, AnOldRunnersFailureIsRecognizedByItsStatus) {
     EXPECT_EQ(open("exit 71"), "“Work.app” couldn’t be opened: it ended at once, with status 71");
 }
 
-TEST_F(OpeningARunner, ARunnerThatCantRunOrCrashesBeforeItReportsHasFailed) {
+TEST_F(StartWatchTest, ARunnerThatCantRunOrCrashesBeforeItReportsHasFailed) {
     for (const int status : {126, 127}) {
         EXPECT_EQ(open("exit " + std::to_string(status)),
                   "“Work.app” couldn’t be opened: it ended at once, with status " +
@@ -99,25 +99,25 @@ TEST_F(OpeningARunner, ARunnerThatCantRunOrCrashesBeforeItReportsHasFailed) {
     }
 }
 
-TEST_F(OpeningARunner, AnOldRunnerWhoseTargetHadLittleToDoHasWorked) {
+TEST_F(StartWatchTest, AnOldRunnerWhoseTargetEndsQuicklyHasSucceeded) {
     EXPECT_EQ(open("exit 0"), "");
     EXPECT_EQ(open("exit 7"), "");
     EXPECT_EQ(open("exit 130"), "");
     EXPECT_EQ(open("kill -TERM $$"), "");
 }
 
-TEST_F(OpeningARunner, AnOldRunnerThatLivesOnHasWorked) {
+TEST_F(StartWatchTest, AnOldRunnerThatKeepsRunningHasSucceeded) {
     EXPECT_EQ(open(waiting), "");
 }
 
-TEST_F(OpeningARunner, OneThatRunsAlreadyIsNotWaitedFor) {
+TEST_F(StartWatchTest, ARunningApplicationIsNotWaitedFor) {
     EXPECT_EQ(open("printf .+" + report + "; " + waiting), "");
     const auto start = Clock::now();
     EXPECT_EQ(open("exit 71"), "") << "no second one was started";
     EXPECT_LT(Clock::now() - start, std::chrono::milliseconds(900));
 }
 
-TEST_F(OpeningARunner, NobodyIsKeptWaitingWhenTheWorkspaceGoes) {
+TEST_F(StartWatchTest, DestroyingTheWorkspaceEndsTheWait) {
     std::promise<bool> answer;
     workspace_->openApplication(bundle("printf ." + report + "; " + waiting), true,
                                 [&](const auto& error) { answer.set_value(!error); });
@@ -127,7 +127,7 @@ TEST_F(OpeningARunner, NobodyIsKeptWaitingWhenTheWorkspaceGoes) {
     EXPECT_LT(Clock::now() - start, std::chrono::seconds(10));
 }
 
-TEST_F(OpeningARunner, AnAnswerComesOnAnotherThreadAndHoldsUpNobody) {
+TEST_F(StartWatchTest, TheCompletionIsCalledOnAnotherThread) {
     std::promise<std::thread::id> answer;
     const auto start = Clock::now();
     workspace_->openApplication(
@@ -137,7 +137,7 @@ TEST_F(OpeningARunner, AnAnswerComesOnAnotherThreadAndHoldsUpNobody) {
     EXPECT_NE(answer.get_future().get(), std::this_thread::get_id());
 }
 
-// A pipe whose writing end a report may find.
+// A pipe whose write end is passed to a report.
 struct Pipe {
     Pipe() {
         if (::pipe2(ends.data(), O_CLOEXEC) != 0) {
@@ -147,7 +147,7 @@ struct Pipe {
     std::array<int, 2> ends{};
 };
 
-TEST(StartReport, SaysWhatHappenedThroughThePipeItFinds) {
+TEST_F(StartWatchTest, StartReportUsesTheInheritedPipe) {
     using enum StartOutcome::Case;
     for (const bool works : {true, false}) {
         const Pipe pipe;
@@ -168,7 +168,7 @@ TEST(StartReport, SaysWhatHappenedThroughThePipeItFinds) {
     }
 }
 
-TEST(StartReport, OfALongSentenceIsCutAndStillAFailure) {
+TEST_F(StartWatchTest, ALongStartReportIsTruncatedAndStillAFailure) {
     const Pipe pipe;
     const FileHandle reading(pipe.ends[0]);
     const ScopedEnvironment variable(StartReport::variable, std::to_string(pipe.ends[1]));
@@ -180,7 +180,7 @@ TEST(StartReport, OfALongSentenceIsCutAndStillAFailure) {
     writer.join();
 }
 
-TEST(StartReport, GoesNowhereWithoutAPipeOfItsOwn) {
+TEST_F(StartWatchTest, StartReportsAreDiscardedWithoutAPipe) {
     const TemporaryFolder folder;
     write(folder / "file", "kept");
     const FileHandle file(::open((folder / "file").c_str(), O_WRONLY | O_CLOEXEC));
@@ -197,7 +197,7 @@ TEST(StartReport, GoesNowhereWithoutAPipeOfItsOwn) {
     EXPECT_GE(::fcntl(file.descriptor(), F_GETFD), 0) << "somebody else's file stays open";
 }
 
-TEST(StartReport, SurvivesThatNobodyListensAnyMore) {
+TEST_F(StartWatchTest, StartReportSurvivesAClosedPipe) {
     const Pipe pipe;
     ::close(pipe.ends[0]);
     const ScopedEnvironment variable(StartReport::variable, std::to_string(pipe.ends[1]));

@@ -44,7 +44,7 @@ TEST_F(UserLocaleTest, TheFirstVariableThatIsSetDecides) {
     EXPECT_EQ(UserLocale::forCase(), "de_DE");
 }
 
-TEST_F(UserLocaleTest, TheProgrammersLocaleIsNoLanguage) {
+TEST_F(UserLocaleTest, TheCLocaleIsNotALanguage) {
     for (const char* none : {"C", "POSIX", "C.UTF-8"}) {
         const ScopedEnvironment lang("LANG", "sv_SE.UTF-8");
         const ScopedEnvironment all("LC_ALL", none);
@@ -52,14 +52,14 @@ TEST_F(UserLocaleTest, TheProgrammersLocaleIsNoLanguage) {
     }
 }
 
-TEST_F(UserLocaleTest, NamesAreOrderedAsInTheUsersLanguage) {
+TEST_F(UserLocaleTest, NamesAreOrderedByTheUsersLanguage) {
     const ScopedEnvironment lang("LANG", "en_US.UTF-8");
     EXPECT_THAT(usersOrder({"zebra", "öl"}), ElementsAre(1, 0));
     const ScopedEnvironment collate("LC_COLLATE", "sv_SE.UTF-8");
     EXPECT_THAT(usersOrder({"öl", "zebra"}), ElementsAre(1, 0));
 }
 
-TEST_F(UserLocaleTest, WhatIsNoLocaleHasUnicodesOrder) {
+TEST_F(UserLocaleTest, AnUnknownLocaleUsesTheRootOrder) {
     for (const std::string odd :
          {"englishlanguage", "xx_YY", "en_US@@@", "%s%n", "../../etc", "_", "@", "\xff\xfe"}) {
         const ScopedEnvironment lang("LANG", odd);
@@ -70,7 +70,7 @@ TEST_F(UserLocaleTest, WhatIsNoLocaleHasUnicodesOrder) {
     EXPECT_THAT(usersOrder({"öl", "zebra", "Alpha"}), ElementsAre(2, 0, 1));
 }
 
-TEST_F(UserLocaleTest, LettersAreAlikeAsInTheUsersLanguage) {
+TEST_F(UserLocaleTest, LettersAreComparedByTheUsersLanguage) {
     EXPECT_TRUE(usersTextContains("TITLE", "title"));
     EXPECT_FALSE(usersTextContains("DIYAR", "dıyar"));
     const ScopedEnvironment lang("LANG", "tr_TR.UTF-8");

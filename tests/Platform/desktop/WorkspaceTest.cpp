@@ -21,20 +21,20 @@ namespace {
 using namespace testing;
 namespace fs = std::filesystem;
 
-const std::string waiting = "read line"; // a script that stays itself and waits
+const std::string waiting = "read line"; // waits without starting another process
 
-class SystemWorkspace : public ::testing::Test {
+class WorkspaceTest : public ::testing::Test {
 protected:
-    ~SystemWorkspace() override {
+    ~WorkspaceTest() override {
         for (const RunningApplication& application : ours()) {
             ::kill(application.pid, SIGKILL);
         }
-        EXPECT_TRUE(waitFor([&] { return ours().empty(); }));
+        EXPECT_TRUE(waitUntil([&] { return ours().empty(); }));
     }
 
     [[nodiscard]] fs::path at(std::string_view name) const { return folder_ / name; }
 
-    // Other tests, running at the same time, have applications of the same names elsewhere.
+    // Tests that run in parallel have applications with the same names elsewhere.
     [[nodiscard]] std::vector<RunningApplication>
     inOurFolder(std::vector<RunningApplication> applications) const {
         std::erase_if(applications, [&](const RunningApplication& application) {
@@ -62,7 +62,7 @@ protected:
         return result;
     }
 
-    // A program started by us with its input held open, ended when the object goes.
+    // A running program, which ends when the object is destroyed, because that closes its input.
     class Started {
     public:
         Started(const fs::path& program, std::vector<std::string> arguments) {
@@ -107,7 +107,7 @@ protected:
     std::unique_ptr<Workspace> workspace_ = makeSystemWorkspace();
 };
 
-TEST_F(SystemWorkspace, AProgramInABundleCountsForItsIdentifier) {
+TEST_F(WorkspaceTest, AProgramInABundleCountsForItsIdentifier) {
     const fs::path bundle = makeAppBundle(at("Thing.app"));
     const Started program(bundle / "Contents/MacOS/Thing", {"wait"});
     const auto found = running("com.example.Thing");
@@ -116,7 +116,7 @@ TEST_F(SystemWorkspace, AProgramInABundleCountsForItsIdentifier) {
     EXPECT_EQ(found[0].bundleURL, bundle);
 }
 
-TEST_F(SystemWorkspace, AProgramStartedThroughALinkCountsWhereItReallyIs) {
+TEST_F(WorkspaceTest, AProgramStartedThroughALinkCountsByItsRealPath) {
     const fs::path bundle = makeAppBundle(at("Thing.app"));
     fs::create_symlink(bundle / "Contents/MacOS/Thing", at("shortcut"));
     const Started program(at("shortcut"), {"wait"});
@@ -124,14 +124,14 @@ TEST_F(SystemWorkspace, AProgramStartedThroughALinkCountsWhereItReallyIs) {
     EXPECT_EQ(running("com.example.Thing")[0].bundleURL, bundle);
 }
 
-TEST_F(SystemWorkspace, ABundleWithoutAnIdentifierCountsByItsName) {
+TEST_F(WorkspaceTest, ABundleWithoutAnIdentifierCountsByItsName) {
     const fs::path bundle = makeAppBundle(at("Quorvel Unnamed Test.app"));
     write(bundle / "Contents/Info.plist", PropertyList::xml({}));
     const Started program(bundle / "Contents/MacOS/Quorvel Unnamed Test", {"wait"});
     EXPECT_EQ(running("Quorvel Unnamed Test").size(), 1U);
 }
 
-TEST_F(SystemWorkspace, ABundleWithoutAReadablePropertyListCountsForNothing) {
+TEST_F(WorkspaceTest, ABundleWithoutAReadablePropertyListDoesNotCount) {
     const fs::path bundle = makeAppBundle(at("Thing.app"));
     write(bundle / "Contents/Info.plist", "");
     const Started program(bundle / "Contents/MacOS/Thing", {"wait"});
@@ -140,7 +140,7 @@ TEST_F(SystemWorkspace, ABundleWithoutAReadablePropertyListCountsForNothing) {
     EXPECT_TRUE(ours().empty());
 }
 
-TEST_F(SystemWorkspace, AnIdentifierThatChangedIsReadAnew) {
+TEST_F(WorkspaceTest, AChangedIdentifierIsReadAgain) {
     const fs::path bundle = makeAppBundle(at("Thing.app"));
     const Started program(bundle / "Contents/MacOS/Thing", {"wait"});
     EXPECT_EQ(running("com.example.Thing").size(), 1U);
@@ -149,7 +149,7 @@ TEST_F(SystemWorkspace, AnIdentifierThatChangedIsReadAnew) {
     EXPECT_TRUE(running("com.example.Thing").empty());
 }
 
-TEST_F(SystemWorkspace, AProgramElsewhereInABundleDoesNotCount) {
+TEST_F(WorkspaceTest, AProgramElsewhereInABundleDoesNotCount) {
     const fs::path bundle = makeAppBundle(at("Thing.app"));
     fs::create_directories(bundle / "Contents/MacOS/deeper");
     fs::copy_file(helperProgram(), bundle / "Contents/MacOS/deeper/tool");
@@ -160,52 +160,52 @@ TEST_F(SystemWorkspace, AProgramElsewhereInABundleDoesNotCount) {
     EXPECT_TRUE(ours().empty());
 }
 
-TEST_F(SystemWorkspace, AScriptInABundleCountsThoughItsInterpreterRuns) {
+TEST_F(WorkspaceTest, AScriptInABundleCountsByItsInterpretersProcess) {
     const Started program(waitingApp("Script"), {"an argument"});
-    EXPECT_TRUE(waitFor([&] { return running("com.example.Script").size() == 1; }));
+    EXPECT_TRUE(waitUntil([&] { return running("com.example.Script").size() == 1; }));
 }
 
-TEST_F(SystemWorkspace, AScriptCountsWhoseFirstLineHasOptions) {
+TEST_F(WorkspaceTest, AScriptCountsWhoseFirstLineHasOptions) {
     const Started program(waitingApp("Script", "#! /bin/sh -u"), {});
-    EXPECT_TRUE(waitFor([&] { return running("com.example.Script").size() == 1; }));
+    EXPECT_TRUE(waitUntil([&] { return running("com.example.Script").size() == 1; }));
 }
 
-TEST_F(SystemWorkspace, AScriptCountsWhoseInterpreterEnvFinds) {
+TEST_F(WorkspaceTest, AScriptCountsWhoseInterpreterEnvFinds) {
     const Started program(waitingApp("Script", "#!/usr/bin/env sh"), {});
-    EXPECT_TRUE(waitFor([&] { return running("com.example.Script").size() == 1; }));
+    EXPECT_TRUE(waitUntil([&] { return running("com.example.Script").size() == 1; }));
 }
 
-TEST_F(SystemWorkspace, AScriptCountsWhoseInterpreterEnvFindsAndGivesOptions) {
+TEST_F(WorkspaceTest, AScriptCountsWhoseInterpreterEnvFindsWithOptions) {
     const Started program(waitingApp("Script", "#!/usr/bin/env -S LANG=C bash -u"), {});
-    EXPECT_TRUE(waitFor([&] { return running("com.example.Script").size() == 1; }));
+    EXPECT_TRUE(waitUntil([&] { return running("com.example.Script").size() == 1; }));
 }
 
-TEST_F(SystemWorkspace, AScriptCountsThatItsInterpreterWasGivenByHand) {
+TEST_F(WorkspaceTest, AScriptCountsThatWasPassedToItsInterpreter) {
     const Started program("/bin/sh", {waitingApp("Script").string()});
-    EXPECT_TRUE(waitFor([&] { return running("com.example.Script").size() == 1; }));
+    EXPECT_TRUE(waitUntil([&] { return running("com.example.Script").size() == 1; }));
 }
 
-TEST_F(SystemWorkspace, AProgramThatMerelyHasTheScriptAsAnArgumentDoesNotCount) {
+TEST_F(WorkspaceTest, AProgramThatMerelyHasTheScriptAsAnArgumentDoesNotCount) {
     const std::string script = waitingApp("Script");
     const std::string env = waitingApp("Env", "#!/usr/bin/env sh");
     const Started concatenating("/bin/cat", {"-", script});
     const Started reading("/usr/bin/tail", {"-f", script});
     const Started other("/usr/bin/tail", {"-f", env});
     const Started helper(helperProgram(), {script, "wait"});
-    EXPECT_TRUE(waitFor([&] {
+    EXPECT_TRUE(waitUntil([&] {
         return fs::read_symlink("/proc/" + std::to_string(helper.pid()) + "/exe") ==
                fs::canonical(helperProgram());
     }));
     EXPECT_TRUE(ours().empty());
 }
 
-TEST_F(SystemWorkspace, AProgramThatHasAnotherBundlesProgramAsAnArgumentDoesNotCount) {
+TEST_F(WorkspaceTest, AProgramThatHasAnotherBundlesProgramAsAnArgumentDoesNotCount) {
     const fs::path bundle = makeAppBundle(at("Thing.app"));
     const Started reading("/usr/bin/tail", {"-f", (bundle / "Contents/MacOS/Thing").string()});
     EXPECT_TRUE(ours().empty());
 }
 
-TEST_F(SystemWorkspace, AScriptThatIsAFifoHoldsUpNobody) {
+TEST_F(WorkspaceTest, AScriptThatIsAFifoDoesNotBlock) {
     const fs::path script = waitingApp("Script");
     fs::remove(script);
     ::mkfifo(script.c_str(), 0700);
@@ -213,7 +213,7 @@ TEST_F(SystemWorkspace, AScriptThatIsAFifoHoldsUpNobody) {
     EXPECT_TRUE(ours().empty());
 }
 
-TEST_F(SystemWorkspace, OneSnapshotStaysAsItWas) {
+TEST_F(WorkspaceTest, ASnapshotDoesNotChange) {
     const fs::path bundle = makeAppBundle(at("Thing.app"));
     RunningApplications snapshot;
     {
@@ -224,7 +224,7 @@ TEST_F(SystemWorkspace, OneSnapshotStaysAsItWas) {
     EXPECT_TRUE(running("com.example.Thing").empty());
 }
 
-TEST_F(SystemWorkspace, ManyThreadsMayAskAtOnce) {
+TEST_F(WorkspaceTest, ManyThreadsMayAskConcurrently) {
     const fs::path bundle = makeAppBundle(at("Thing.app"));
     const Started program(bundle / "Contents/MacOS/Thing", {"wait"});
     std::atomic<int> found = 0;
@@ -241,36 +241,36 @@ TEST_F(SystemWorkspace, ManyThreadsMayAskAtOnce) {
     EXPECT_EQ(found, 4);
 }
 
-TEST_F(SystemWorkspace, OpeningStartsTheProgramInASessionOfItsOwn) {
+TEST_F(WorkspaceTest, OpeningStartsTheProgramInItsOwnSession) {
     const fs::path bundle = makeScriptedAppBundle(
         at("Thing.app"), "echo $$ > " + at("pid").string() + "; while :; do sleep 0.1; done");
     ASSERT_FALSE(open(bundle));
-    ASSERT_TRUE(waitFor([&] { return running("com.example.Thing").size() == 1; }));
+    ASSERT_TRUE(waitUntil([&] { return running("com.example.Thing").size() == 1; }));
     const pid_t pid = running("com.example.Thing")[0].pid;
     EXPECT_EQ(::getsid(pid), pid);
     for (const char* stream : {"0", "1", "2"}) {
         EXPECT_EQ(fs::read_symlink("/proc/" + std::to_string(pid) + "/fd/" + stream), "/dev/null");
     }
     ::kill(pid, SIGKILL);
-    EXPECT_TRUE(waitFor([&] { return !fs::exists("/proc/" + std::to_string(pid)); }))
+    EXPECT_TRUE(waitUntil([&] { return !fs::exists("/proc/" + std::to_string(pid)); }))
         << "a zombie is left";
 }
 
-TEST_F(SystemWorkspace, OpeningDoesNotStartASecondTime) {
+TEST_F(WorkspaceTest, OpeningDoesNotStartASecondTime) {
     const fs::path bundle = makeScriptedAppBundle(
         at("Thing.app"), "echo started >> " + at("log").string() + "; while :; do sleep 0.1; done");
     fs::create_directory_symlink(bundle, at("Link.app"));
     ASSERT_FALSE(open(bundle));
-    ASSERT_TRUE(waitFor([&] { return read(at("log")) == "started\n"; }));
+    ASSERT_TRUE(waitUntil([&] { return read(at("log")) == "started\n"; }));
     EXPECT_FALSE(open(bundle));
     EXPECT_FALSE(open(bundle.string() + "/"));
     EXPECT_FALSE(open(at("Link.app")));
-    // For a moment, a shell's child is a copy of the shell.
-    EXPECT_TRUE(waitFor([&] { return running("com.example.Thing").size() == 1; }));
+    // Briefly, a shell's child is a copy of the shell.
+    EXPECT_TRUE(waitUntil([&] { return running("com.example.Thing").size() == 1; }));
     EXPECT_EQ(read(at("log")), "started\n");
 }
 
-TEST_F(SystemWorkspace, TwoWhoOpenTheSameBundleAtTheSameMomentStartItOnce) {
+TEST_F(WorkspaceTest, ConcurrentOpensStartABundleOnce) {
     ASSERT_EQ(::mkfifo(at("fifo").c_str(), 0600), 0);
     const fs::path bundle =
         makeScriptedAppBundle(at("Thing.app"), "read line < " + at("fifo").string());
@@ -278,7 +278,7 @@ TEST_F(SystemWorkspace, TwoWhoOpenTheSameBundleAtTheSameMomentStartItOnce) {
         std::barrier start(2);
         std::atomic<int> errors = 0;
         const auto openOnCue = [&] {
-            const auto own = makeSystemWorkspace(); // as another program would have
+            const auto own = makeSystemWorkspace(); // as in another program
             start.arrive_and_wait();
             own->openApplication(bundle, true, [&](const std::optional<PlatformError>& error) {
                 errors += error ? 1 : 0;
@@ -293,28 +293,28 @@ TEST_F(SystemWorkspace, TwoWhoOpenTheSameBundleAtTheSameMomentStartItOnce) {
         for (const RunningApplication& application : started) {
             ::kill(application.pid, SIGKILL);
         }
-        ASSERT_TRUE(waitFor([&] { return ours().empty(); }));
+        ASSERT_TRUE(waitUntil([&] { return ours().empty(); }));
     }
 }
 
-TEST_F(SystemWorkspace, ABundleThatSomebodyElseKeepsLockedIsOpenedAllTheSame) {
+TEST_F(WorkspaceTest, ABundleThatStaysLockedIsStillOpened) {
     const fs::path bundle =
         makeScriptedAppBundle(at("Thing.app"), "echo x > " + at("log").string());
     const FileHandle folder(::open(bundle.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
     ASSERT_EQ(::flock(folder.descriptor(), LOCK_EX), 0);
     EXPECT_FALSE(open(bundle));
-    EXPECT_TRUE(waitFor([&] { return read(at("log")) == "x\n"; }));
+    EXPECT_TRUE(waitUntil([&] { return read(at("log")) == "x\n"; }));
 }
 
-TEST_F(SystemWorkspace, ACopyElsewhereIsAnotherApplication) {
+TEST_F(WorkspaceTest, ACopyElsewhereIsAnotherApplication) {
     const fs::path first = makeAppBundle(at("a/Thing.app"));
     const fs::path second = makeScriptedAppBundle(at("b/Thing.app"), "while :; do sleep 0.1; done");
     const Started program(first / "Contents/MacOS/Thing", {"wait"});
     EXPECT_FALSE(open(second));
-    EXPECT_TRUE(waitFor([&] { return running("com.example.Thing").size() == 2; }));
+    EXPECT_TRUE(waitUntil([&] { return running("com.example.Thing").size() == 2; }));
 }
 
-TEST_F(SystemWorkspace, OpeningWhatCantStartIsAnErrorThatNamesIt) {
+TEST_F(WorkspaceTest, OpeningAnUnstartableBundleIsAnErrorThatNamesIt) {
     const fs::path missing = makeAppBundle(at("Missing.app"));
     fs::remove(missing / "Contents/MacOS/Missing");
     const auto error = open(missing);
@@ -331,7 +331,7 @@ TEST_F(SystemWorkspace, OpeningWhatCantStartIsAnErrorThatNamesIt) {
     EXPECT_EQ(open(dangling)->code(), std::errc::no_such_file_or_directory);
 }
 
-TEST_F(SystemWorkspace, OpeningWhatIsNoBundleIsAnErrorThatNamesIt) {
+TEST_F(WorkspaceTest, OpeningAFolderThatIsNotABundleIsAnErrorThatNamesIt) {
     fs::create_directories(at("Empty.app"));
     const auto error = open(at("Empty.app/"));
     ASSERT_TRUE(error);
@@ -343,7 +343,7 @@ TEST_F(SystemWorkspace, OpeningWhatIsNoBundleIsAnErrorThatNamesIt) {
     EXPECT_TRUE(open(at("Fifo.app")));
 }
 
-TEST_F(SystemWorkspace, TheSystemHasAVersion) {
+TEST_F(WorkspaceTest, TheSystemHasAVersion) {
     const OperatingSystemVersion version = workspace_->operatingSystemVersion();
     EXPECT_GT(version.major, 0);
     const std::string name = fs::exists("/etc/os-release") ? read("/etc/os-release") : "Linux";

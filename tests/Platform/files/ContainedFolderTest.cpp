@@ -12,9 +12,9 @@ using namespace testing;
 using namespace std::string_literals;
 namespace fs = std::filesystem;
 
-class FolderBelow : public ::testing::Test {
+class ContainedFolderTest : public ::testing::Test {
 protected:
-    FolderBelow() {
+    ContainedFolderTest() {
         fs::create_directory(base());
         fs::create_directory(folder_ / "outside");
     }
@@ -28,7 +28,7 @@ protected:
     TemporaryFolder folder_;
 };
 
-TEST_F(FolderBelow, IsMadeWithThoseAboveItForItsUserOnly) {
+TEST_F(ContainedFolderTest, IsCreatedWithItsParentsForItsUserOnly) {
     EXPECT_TRUE(make("/a/b c/.d"));
     for (const char* made : {"a", "a/b c", "a/b c/.d"}) {
         struct stat status {};
@@ -37,7 +37,7 @@ TEST_F(FolderBelow, IsMadeWithThoseAboveItForItsUserOnly) {
     }
 }
 
-TEST_F(FolderBelow, MayBeThereAlreadyAndKeepsWhatItHolds) {
+TEST_F(ContainedFolderTest, MayExistAlreadyAndKeepsItsContents) {
     write(base() / "a/file", "x");
     fs::permissions(base() / "a", fs::perms{0755});
     EXPECT_TRUE(make("/a"));
@@ -45,14 +45,14 @@ TEST_F(FolderBelow, MayBeThereAlreadyAndKeepsWhatItHolds) {
     EXPECT_EQ(fs::status(base() / "a").permissions(), fs::perms{0755});
 }
 
-TEST_F(FolderBelow, MayBeSpeltWithSlashesAndDots) {
+TEST_F(ContainedFolderTest, MayBeSpelledWithExtraSlashesAndDots) {
     EXPECT_TRUE(make("//a/./b//"));
     EXPECT_TRUE(fs::is_directory(base() / "a/b"));
     EXPECT_TRUE(ensureFolderBelow(base().string() + "/", base().string() + "/c"));
     EXPECT_TRUE(fs::is_directory(base() / "c"));
 }
 
-TEST_F(FolderBelow, IsNotMadeElsewhere) {
+TEST_F(ContainedFolderTest, IsNotCreatedElsewhere) {
     const auto before = tree();
     EXPECT_FALSE(ensureFolderBelow(base(), (folder_ / "outside/x").string()));
     EXPECT_FALSE(make("x/y")) << "base + x is another folder";
@@ -65,7 +65,7 @@ TEST_F(FolderBelow, IsNotMadeElsewhere) {
     EXPECT_EQ(tree(), before);
 }
 
-TEST_F(FolderBelow, IsNotMadeThroughALink) {
+TEST_F(ContainedFolderTest, IsNotCreatedThroughALink) {
     fs::create_directory_symlink(folder_ / "outside", base() / "link");
     fs::create_directory_symlink(folder_ / "outside/new", base() / "dangling");
     const auto before = tree();
@@ -75,7 +75,7 @@ TEST_F(FolderBelow, IsNotMadeThroughALink) {
     EXPECT_EQ(tree(), before);
 }
 
-TEST_F(FolderBelow, IsNotMadeInAFilesPlace) {
+TEST_F(ContainedFolderTest, IsNotCreatedInPlaceOfAFile) {
     write(base() / "file", "x");
     EXPECT_FALSE(make("/file"));
     EXPECT_FALSE(make("/file/x"));

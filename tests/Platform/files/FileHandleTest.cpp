@@ -18,7 +18,7 @@ bool isOpen(int descriptor) {
     return ::fcntl(descriptor, F_GETFD) >= 0;
 }
 
-TEST(FileHandle, ClosesItsDescriptor) {
+TEST(FileHandleTest, ClosesItsDescriptor) {
     int descriptor = -1;
     {
         const FileHandle handle(::open("/dev/null", O_RDONLY | O_CLOEXEC));
@@ -28,7 +28,7 @@ TEST(FileHandle, ClosesItsDescriptor) {
     EXPECT_FALSE(isOpen(descriptor));
 }
 
-TEST(FileHandle, HasOneOwnerAtATime) {
+TEST(FileHandleTest, HasOnlyOneOwner) {
     FileHandle first(::open("/dev/null", O_RDONLY | O_CLOEXEC));
     const int descriptor = first.descriptor();
     const FileHandle second = std::move(first);
@@ -37,7 +37,7 @@ TEST(FileHandle, HasOneOwnerAtATime) {
     EXPECT_TRUE(isOpen(descriptor));
 }
 
-TEST(FileHandle, WritesMoreThanAPipeHoldsAtOnce) {
+TEST(FileHandleTest, WritesMoreThanAPipeHoldsAtOnce) {
     int ends[2];
     ASSERT_EQ(::pipe(ends), 0);
     std::size_t received = 0;
@@ -57,7 +57,7 @@ TEST(FileHandle, WritesMoreThanAPipeHoldsAtOnce) {
     EXPECT_EQ(received, 1000000U);
 }
 
-TEST(FileHandle, TellsThatWritingFailed) {
+TEST(FileHandleTest, ReportsThatWritingFailed) {
     const FileHandle full(::open("/dev/full", O_WRONLY | O_CLOEXEC));
     EXPECT_FALSE(full.write("x"));
     EXPECT_EQ(errno, ENOSPC);

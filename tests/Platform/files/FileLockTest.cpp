@@ -14,7 +14,7 @@ namespace {
 using namespace testing;
 namespace fs = std::filesystem;
 
-TEST(FileLock, IsHeldByOneAtATime) {
+TEST(FileLockTest, IsHeldOnlyOnce) {
     const TemporaryFolder folder;
     auto first = FileLock::tryTake(folder / "lock");
     ASSERT_TRUE(first);
@@ -24,14 +24,14 @@ TEST(FileLock, IsHeldByOneAtATime) {
     EXPECT_TRUE(FileLock::tryTake(folder / "lock"));
 }
 
-TEST(FileLock, LeavesAnOldFilesBytesAlone) {
+TEST(FileLockTest, LeavesAnExistingFilesContentsUnchanged) {
     const TemporaryFolder folder;
     write(folder / "lock", "bytes");
     EXPECT_TRUE(FileLock::tryTake(folder / "lock"));
     EXPECT_EQ(read(folder / "lock"), "bytes");
 }
 
-TEST(FileLock, OfAFileThatWasRemovedMeanwhileCountsForNothing) {
+TEST(FileLockTest, OnARemovedFileDoesNotCount) {
     const TemporaryFolder folder;
     std::atomic<int> holders = 0;
     std::atomic<int> most = 0;
@@ -54,7 +54,7 @@ TEST(FileLock, OfAFileThatWasRemovedMeanwhileCountsForNothing) {
     EXPECT_EQ(most, 1);
 }
 
-TEST(FileLock, NeedsAFileItCanMake) {
+TEST(FileLockTest, IsAnErrorIfTheFileCantBeCreated) {
     const TemporaryFolder folder;
     EXPECT_THROW((void)FileLock::tryTake(folder / "no/such/folder"), PlatformError);
     EXPECT_THROW((void)FileLock::tryTake(folder.path()), PlatformError);

@@ -1,7 +1,9 @@
+#include "Platform/files/FileRemoval.h"
 #include "Platform/files/FileSystem.h"
+#include "Platform/files/PlatformError.h"
 
-#include "tests/support/OrdinaryUser.h"
 #include "tests/support/TemporaryHome.h"
+#include "tests/support/UnprivilegedUser.h"
 
 #include <gtest/gtest.h>
 #include <sys/stat.h>
@@ -13,7 +15,7 @@ using namespace testing;
 using namespace std::string_literals;
 namespace fs = std::filesystem;
 
-class FileRemoval : public ::testing::Test {
+class FileRemovalTest : public ::testing::Test {
 protected:
     [[nodiscard]] fs::path at(std::string_view name) const { return folder_ / name; }
 
@@ -28,7 +30,7 @@ protected:
     TemporaryHome home_;
 };
 
-TEST_F(FileRemoval, AFolderGoesWithEverythingInIt) {
+TEST_F(FileRemovalTest, AFolderIsRemovedWithEverythingInIt) {
     write(at("a/b/file"), "x");
     write(at("a/.hidden"), "x");
     ::mkfifo(at("a/fifo").c_str(), 0600);
@@ -36,11 +38,11 @@ TEST_F(FileRemoval, AFolderGoesWithEverythingInIt) {
     EXPECT_FALSE(itemOrLinkExists(at("a")));
 }
 
-TEST_F(FileRemoval, RemovingNothingIsAnError) {
+TEST_F(FileRemovalTest, RemovingNothingIsAnError) {
     EXPECT_THROW(removeItem(at("none")), PlatformError);
 }
 
-TEST_F(FileRemoval, ALinkGoesAndWhatItPointsToStays) {
+TEST_F(FileRemovalTest, ALinkIsRemovedAndItsTargetStays) {
     write(at("kept/file"), "x");
     fs::create_directory_symlink(at("kept"), at("link"));
     fs::create_directory_symlink(at("kept"), at("slashed"));
@@ -51,7 +53,7 @@ TEST_F(FileRemoval, ALinkGoesAndWhatItPointsToStays) {
     EXPECT_EQ(read(at("kept/file")), "x");
 }
 
-TEST_F(FileRemoval, LinksInsideAreNotFollowed) {
+TEST_F(FileRemovalTest, LinksInsideAreNotFollowed) {
     write(at("kept/file"), "x");
     fs::create_directory(at("gone"));
     fs::create_directory_symlink(at("kept"), at("gone/folder"));
@@ -62,19 +64,19 @@ TEST_F(FileRemoval, LinksInsideAreNotFollowed) {
     EXPECT_EQ(read(at("kept/file")), "x");
 }
 
-TEST_F(FileRemoval, ADanglingLinkGoes) {
+TEST_F(FileRemovalTest, ADanglingLinkIsRemoved) {
     fs::create_symlink("nowhere", at("link"));
     removeItem(at("link"));
     EXPECT_FALSE(itemOrLinkExists(at("link")));
 }
 
-TEST_F(FileRemoval, APathWithANulIsRefused) {
+TEST_F(FileRemovalTest, APathWithANulIsRefused) {
     write(at("file"), "x");
     EXPECT_THROW(removeItem(at("file").native() + "\0z"s), PlatformError);
     EXPECT_EQ(read(at("file")), "x");
 }
 
-TEST_F(FileRemoval, TheHomeIsRefusedHoweverItIsWritten) {
+TEST_F(FileRemovalTest, TheHomeIsRefusedHoweverItIsWritten) {
     const std::string home = home_.path();
     fs::create_directories(home_ / "sub");
     expectRefused(home);
@@ -86,7 +88,7 @@ TEST_F(FileRemoval, TheHomeIsRefusedHoweverItIsWritten) {
     expectRefused(home + "/sub/../../" + fs::path(home).filename().string());
 }
 
-TEST_F(FileRemoval, AFolderThatHoldsTheHomeIsRefused) {
+TEST_F(FileRemovalTest, AFolderThatContainsTheHomeIsRefused) {
     expectRefused(home_.path().parent_path());
     expectRefused(home_.path().parent_path().parent_path());
     expectRefused("/");
@@ -95,14 +97,14 @@ TEST_F(FileRemoval, AFolderThatHoldsTheHomeIsRefused) {
     expectRefused(home_ / "../.");
 }
 
-TEST_F(FileRemoval, TheHomeIsRefusedThroughALink) {
+TEST_F(FileRemovalTest, TheHomeIsRefusedThroughALink) {
     fs::create_directory_symlink(home_.path(), at("link"));
     expectRefused(at("link"));
     expectRefused(at("link/"));
     expectRefused(at("link/."));
 }
 
-TEST_F(FileRemoval, TheHomeIsRefusedThroughALinkInTheMiddle) {
+TEST_F(FileRemovalTest, TheHomeIsRefusedThroughALinkInTheMiddle) {
     fs::create_directory_symlink(home_.path().parent_path(), at("middle"));
     expectRefused(at("middle") / home_.path().filename());
     expectRefused(at("middle/."));
@@ -111,7 +113,7 @@ TEST_F(FileRemoval, TheHomeIsRefusedThroughALinkInTheMiddle) {
     expectRefused(at("into/.."));
 }
 
-TEST_F(FileRemoval, TheHomeIsRefusedWhenItIsALinkItself) {
+TEST_F(FileRemovalTest, TheHomeIsRefusedWhenItIsALinkItself) {
     fs::create_directory(at("real"));
     fs::create_directory_symlink(at("real"), at("home"));
     const ScopedEnvironment fixed("CFFIXED_USER_HOME", at("home"));
@@ -121,7 +123,7 @@ TEST_F(FileRemoval, TheHomeIsRefusedWhenItIsALinkItself) {
     EXPECT_TRUE(itemExists(at("home")));
 }
 
-TEST_F(FileRemoval, TheHomeIsRefusedFromWithin) {
+TEST_F(FileRemovalTest, TheHomeIsRefusedFromWithin) {
     const fs::path before = fs::current_path();
     fs::current_path(home_.path());
     expectRefused(".");
@@ -130,22 +132,22 @@ TEST_F(FileRemoval, TheHomeIsRefusedFromWithin) {
     fs::current_path(before);
 }
 
-TEST_F(FileRemoval, TheHomeOfTheVariableAndOfTheUserDatabaseAreRefusedToo) {
+TEST_F(FileRemovalTest, TheHomesOfTheVariableAndTheUserDatabaseAreRefusedToo) {
     fs::create_directory(at("other"));
     const ScopedEnvironment variable("HOME", at("other"));
     EXPECT_THROW(removeItem(at("other")), PlatformError);
     EXPECT_TRUE(itemExists(at("other")));
 }
 
-TEST_F(FileRemoval, AFolderInTheHomeMayGo) {
+TEST_F(FileRemovalTest, AFolderInTheHomeMayBeRemoved) {
     write(home_ / "QuorvelInstances/Work/file", "x");
     removeItem(home_ / "QuorvelInstances/Work");
     EXPECT_FALSE(itemExists(home_ / "QuorvelInstances/Work"));
     EXPECT_TRUE(itemExists(home_ / "QuorvelInstances"));
 }
 
-TEST_F(FileRemoval, WhatMayNotBeRemovedIsAnError) {
-    EXPECT_TRUE(asOrdinaryUser(folder_.path(), [&] {
+TEST_F(FileRemovalTest, AnItemThatMayNotBeRemovedIsAnError) {
+    EXPECT_TRUE(asUnprivilegedUser(folder_.path(), [&] {
         write(at("closed/file"), "x");
         fs::permissions(at("closed"), fs::perms{0555});
         try {
@@ -157,7 +159,7 @@ TEST_F(FileRemoval, WhatMayNotBeRemovedIsAnError) {
     }));
 }
 
-TEST_F(FileRemoval, AVeryDeepTreeGoes) {
+TEST_F(FileRemovalTest, AVeryDeepTreeIsRemoved) {
     const fs::path before = fs::current_path();
     fs::create_directory(at("deep"));
     fs::current_path(at("deep"));

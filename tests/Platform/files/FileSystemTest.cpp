@@ -1,9 +1,13 @@
 #include "Platform/files/FileSystem.h"
 
+#include "Platform/files/FileHandle.h"
+#include "Platform/files/FileReading.h"
+#include "Platform/files/FileWriting.h"
 #include "Platform/files/Folder.h"
+#include "Platform/files/PlatformError.h"
 #include "tests/support/AppBundles.h"
-#include "tests/support/OrdinaryUser.h"
 #include "tests/support/TemporaryHome.h"
+#include "tests/support/UnprivilegedUser.h"
 
 #include <fcntl.h>
 #include <gmock/gmock.h>
@@ -18,7 +22,7 @@ using namespace testing;
 using namespace std::string_literals;
 namespace fs = std::filesystem;
 
-class FileSystem : public ::testing::Test {
+class FileSystemTest : public ::testing::Test {
 protected:
     [[nodiscard]] fs::path at(std::string_view name) const { return folder_ / name; }
 
@@ -48,33 +52,19 @@ std::errc errorOf(const std::function<void()>& step) {
     return {};
 }
 
-TEST_F(FileSystem, JoiningAsTextNeverDropsTheBase) {
-    EXPECT_EQ(joinAsText("/a", "b").native(), "/a/b");
-    EXPECT_EQ(joinAsText("/a", "/etc/passwd").native(), "/a//etc/passwd");
-    EXPECT_EQ(joinAsText("/a", "").native(), "/a/");
-    EXPECT_EQ(joinAsText("", "b").native(), "/b");
-}
-
-TEST_F(FileSystem, SlashesAtTheEndAreDropped) {
-    EXPECT_EQ(withoutTrailingSlashes("/a/b//").native(), "/a/b");
-    EXPECT_EQ(withoutTrailingSlashes("/").native(), "/");
-    EXPECT_EQ(withoutTrailingSlashes("///").native(), "/");
-    EXPECT_EQ(withoutTrailingSlashes("").native(), "");
-}
-
-TEST_F(FileSystem, ADanglingLinkIsALinkButNoItem) {
+TEST_F(FileSystemTest, ADanglingLinkIsALinkButNotAnItem) {
     fs::create_symlink("nowhere", at("link"));
     EXPECT_FALSE(itemExists(at("link")));
     EXPECT_TRUE(itemOrLinkExists(at("link")));
     EXPECT_TRUE(isSymbolicLink(at("link")));
 }
 
-TEST_F(FileSystem, ALinkToItselfIsALinkButNoItem) {
+TEST_F(FileSystemTest, ALinkToItselfIsALinkButNotAnItem) {
     EXPECT_FALSE(itemExists(linkToItself()));
     EXPECT_TRUE(isSymbolicLink(at("loop")));
 }
 
-TEST_F(FileSystem, FilesAndFoldersExistAndAreNoLinks) {
+TEST_F(FileSystemTest, FilesAndFoldersExistAndAreNotLinks) {
     write(at("file"), "");
     EXPECT_TRUE(itemExists(at("file")));
     EXPECT_TRUE(itemExists(folder_.path()));
@@ -82,7 +72,7 @@ TEST_F(FileSystem, FilesAndFoldersExistAndAreNoLinks) {
     EXPECT_FALSE(itemExists(at("none")));
 }
 
-TEST_F(FileSystem, APathWithANulNamesNothing) {
+TEST_F(FileSystemTest, APathWithANulNamesNothing) {
     write(at("file"), "x");
     const fs::path path = nulBehind(at("file"));
     EXPECT_FALSE(itemExists(path));
@@ -100,7 +90,7 @@ TEST_F(FileSystem, APathWithANulNamesNothing) {
     EXPECT_FALSE(itemExists(at("new")));
 }
 
-TEST_F(FileSystem, TheSameItemIsKnownThroughLinks) {
+TEST_F(FileSystemTest, TheSameItemIsRecognizedThroughLinks) {
     fs::create_directory(at("real"));
     fs::create_directory_symlink(at("real"), at("link"));
     EXPECT_TRUE(isSameItem(at("real"), at("link")));
@@ -109,7 +99,7 @@ TEST_F(FileSystem, TheSameItemIsKnownThroughLinks) {
     EXPECT_FALSE(isSameItem(at("none"), at("none")));
 }
 
-TEST_F(FileSystem, OnlyAFileWithTheExecutePermissionIsExecutable) {
+TEST_F(FileSystemTest, OnlyAFileWithTheExecutePermissionIsExecutable) {
     write(at("file"), "");
     EXPECT_FALSE(isExecutableFile(at("file")));
     makeExecutable(at("file"));
@@ -120,7 +110,7 @@ TEST_F(FileSystem, OnlyAFileWithTheExecutePermissionIsExecutable) {
     EXPECT_FALSE(isExecutableFile(at("none")));
 }
 
-TEST_F(FileSystem, AFoldersEntriesIncludeHiddenOnes) {
+TEST_F(FileSystemTest, AFoldersEntriesIncludeHiddenOnes) {
     write(at(".hidden"), "");
     write(at("line\nbreak"), "");
     write(at("no \xFF text"), "");
@@ -128,7 +118,7 @@ TEST_F(FileSystem, AFoldersEntriesIncludeHiddenOnes) {
                 ::testing::UnorderedElementsAre(".hidden", "line\nbreak", "no \xFF text"));
 }
 
-TEST_F(FileSystem, AnOpenFolderListsAndReadsWhatLiesInIt) {
+TEST_F(FileSystemTest, AnOpenFolderListsAndReadsItsContents) {
     write(at("folder/deep/file"), "x");
     write(at("folder/other"), "yy");
     std::optional<Folder> folder = Folder::open(at("folder"));
@@ -147,7 +137,7 @@ TEST_F(FileSystem, AnOpenFolderListsAndReadsWhatLiesInIt) {
     EXPECT_FALSE(folder->read("other\0behind"s, 10, bytes));
 }
 
-TEST_F(FileSystem, AnOpenFolderStaysTheSameWhenItIsMoved) {
+TEST_F(FileSystemTest, AnOpenFolderStaysTheSameWhenItIsMoved) {
     write(at("folder/file"), "x");
     const std::optional<Folder> folder = Folder::open(at("folder"));
     fs::rename(at("folder"), at("moved"));
@@ -156,7 +146,7 @@ TEST_F(FileSystem, AnOpenFolderStaysTheSameWhenItIsMoved) {
     EXPECT_EQ(bytes, "x");
 }
 
-TEST_F(FileSystem, OnlyAFolderThatCanBeReadIsOpened) {
+TEST_F(FileSystemTest, OnlyAFolderThatCanBeReadIsOpened) {
     write(at("file"), "");
     EXPECT_FALSE(Folder::open(at("file")));
     EXPECT_FALSE(Folder::open(at("none")));
@@ -164,7 +154,7 @@ TEST_F(FileSystem, OnlyAFolderThatCanBeReadIsOpened) {
     EXPECT_FALSE(Folder::open(nulBehind(folder_.path())));
 }
 
-TEST_F(FileSystem, WhatIsNoFolderHasNoEntries) {
+TEST_F(FileSystemTest, AFileHasNoEntries) {
     write(at("file"), "");
     EXPECT_FALSE(directoryEntries(at("file")));
     EXPECT_FALSE(directoryEntries(at("none")));
@@ -172,37 +162,37 @@ TEST_F(FileSystem, WhatIsNoFolderHasNoEntries) {
     EXPECT_EQ(directoryEntries(fs::path("")), std::nullopt);
 }
 
-TEST_F(FileSystem, AFolderThatMayNotBeReadHasNoEntries) {
-    EXPECT_TRUE(asOrdinaryUser(folder_.path(), [&] {
+TEST_F(FileSystemTest, AnUnreadableFolderHasNoEntries) {
+    EXPECT_TRUE(asUnprivilegedUser(folder_.path(), [&] {
         fs::create_directory(at("closed"));
         fs::permissions(at("closed"), fs::perms::none);
         return !directoryEntries(at("closed"));
     }));
 }
 
-TEST_F(FileSystem, AFileIsReadWhole) {
+TEST_F(FileSystemTest, AFileIsReadCompletely) {
     const std::string bytes = "a\0b\n"s + std::string(100000, 'x');
     write(at("file"), bytes);
     EXPECT_EQ(readFile(at("file"), bytes.size()), bytes);
 }
 
-TEST_F(FileSystem, AnEmptyFileIsReadAsEmpty) {
+TEST_F(FileSystemTest, AnEmptyFileIsReadAsEmpty) {
     write(at("file"), "");
     EXPECT_EQ(readFile(at("file"), 10), "");
 }
 
-TEST_F(FileSystem, AFileOverTheLimitIsNotRead) {
+TEST_F(FileSystemTest, AFileOverTheLimitIsNotRead) {
     write(at("file"), "12345");
     EXPECT_EQ(readFile(at("file"), 5), "12345");
     EXPECT_EQ(readFile(at("file"), 4), std::nullopt);
 }
 
-TEST_F(FileSystem, AFileThatTellsNoSizeIsReadToItsEndOrTheLimit) {
+TEST_F(FileSystemTest, AFileWithoutASizeIsReadToItsEndOrTheLimit) {
     EXPECT_TRUE(readFile("/proc/self/status", 100000)->starts_with("Name:"));
     EXPECT_EQ(readFile("/proc/self/status", 10), std::nullopt);
 }
 
-TEST_F(FileSystem, ReadingNeverBlocksOnWhatIsNoFile) {
+TEST_F(FileSystemTest, ReadingNeverBlocksOnASpecialFile) {
     EXPECT_FALSE(readFile(fifo(), 10));
     EXPECT_FALSE(readFile("/dev/zero", 10));
     EXPECT_FALSE(readFile("/dev/tty", 10));
@@ -211,12 +201,12 @@ TEST_F(FileSystem, ReadingNeverBlocksOnWhatIsNoFile) {
     EXPECT_FALSE(readFile(at("none"), 10));
 }
 
-TEST_F(FileSystem, WritingMakesTheFile) {
+TEST_F(FileSystemTest, WritingCreatesTheFile) {
     writeFile(at("new"), "x");
     EXPECT_EQ(read(at("new")), "x");
 }
 
-TEST_F(FileSystem, WritingWhereNoFileCanBeIsAnError) {
+TEST_F(FileSystemTest, WritingToAnImpossiblePathIsAnError) {
     EXPECT_NE(errorOf([&] { writeFile(at("none/file"), "x"); }), std::errc{});
     EXPECT_NE(errorOf([&] { writeFile(folder_.path(), "x"); }), std::errc{});
     EXPECT_NE(errorOf([&] { writeFile(fifo(), "x"); }), std::errc{});
@@ -224,11 +214,11 @@ TEST_F(FileSystem, WritingWhereNoFileCanBeIsAnError) {
     EXPECT_NE(errorOf([&] { writeFile(at(std::string(300, 'n')), "x"); }), std::errc{});
 }
 
-TEST_F(FileSystem, ADiskThatIsFullIsAnError) {
+TEST_F(FileSystemTest, AFullDiskIsAnError) {
     EXPECT_NE(errorOf([] { writeFile("/dev/full", "x"); }), std::errc{});
 }
 
-TEST_F(FileSystem, FoldersAreMadeWithThoseAbove) {
+TEST_F(FileSystemTest, FoldersAreCreatedWithTheirParents) {
     createDirectories(at("a/b/c"));
     createDirectories(at("a/b/d//"));
     createDirectories(at("a/b/c"));
@@ -236,7 +226,7 @@ TEST_F(FileSystem, FoldersAreMadeWithThoseAbove) {
     EXPECT_TRUE(fs::is_directory(at("a/b/d")));
 }
 
-TEST_F(FileSystem, ALinkToAFolderIsGoodEnough) {
+TEST_F(FileSystemTest, ALinkToAFolderCountsAsTheFolder) {
     fs::create_directory(at("real"));
     fs::create_directory_symlink(at("real"), at("link"));
     createDirectories(at("link"));
@@ -244,7 +234,7 @@ TEST_F(FileSystem, ALinkToAFolderIsGoodEnough) {
     EXPECT_TRUE(fs::is_directory(at("real/below")));
 }
 
-TEST_F(FileSystem, AFolderThatCantBeMadeIsAnError) {
+TEST_F(FileSystemTest, AFolderThatCantBeCreatedIsAnError) {
     write(at("file"), "");
     EXPECT_NE(errorOf([&] { createDirectories(at("file")); }), std::errc{});
     EXPECT_NE(errorOf([&] { createDirectories(at("file/below")); }), std::errc{});
@@ -254,18 +244,18 @@ TEST_F(FileSystem, AFolderThatCantBeMadeIsAnError) {
               std::errc::filename_too_long);
 }
 
-TEST_F(FileSystem, AppendingKeepsWhatStandsThere) {
+TEST_F(FileSystemTest, AppendingKeepsTheContents) {
     write(at("log"), "before\n");
     ASSERT_TRUE(openForAppending(at("log"))->write("after\n"));
     EXPECT_EQ(read(at("log")), "before\nafter\n");
 }
 
-TEST_F(FileSystem, AppendingMakesTheFile) {
+TEST_F(FileSystemTest, AppendingCreatesTheFile) {
     ASSERT_TRUE(openForAppending(at("log")));
     EXPECT_TRUE(itemExists(at("log")));
 }
 
-TEST_F(FileSystem, AppendingNeverBlocksOnWhatIsNoFile) {
+TEST_F(FileSystemTest, AppendingNeverBlocksOnASpecialFile) {
     EXPECT_FALSE(openForAppending(fifo()));
     const FileHandle reader(::open(fifo().c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
     EXPECT_FALSE(openForAppending(fifo())) << "not even when somebody reads it";
@@ -274,7 +264,7 @@ TEST_F(FileSystem, AppendingNeverBlocksOnWhatIsNoFile) {
     EXPECT_FALSE(openForAppending(linkToItself()));
     fs::create_symlink("/dev/null", at("to-null"));
     const auto device = openForAppending(at("to-null"));
-    ASSERT_TRUE(device) << "a log that nobody wants";
+    ASSERT_TRUE(device) << "an unwanted log";
     EXPECT_TRUE(device->write("bytes"));
     EXPECT_EQ(::fcntl(device->descriptor(), F_GETFL) & O_NONBLOCK, 0);
 }

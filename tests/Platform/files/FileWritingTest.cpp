@@ -1,9 +1,11 @@
+#include "Platform/files/FileWriting.h"
 #include "Platform/files/FileSystem.h"
+#include "Platform/files/PlatformError.h"
 
 #include "tests/support/EveryStep.h"
-#include "tests/support/OrdinaryUser.h"
 #include "tests/support/SmallDisk.h"
 #include "tests/support/TemporaryHome.h"
+#include "tests/support/UnprivilegedUser.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -18,7 +20,7 @@ namespace {
 using namespace testing;
 namespace fs = std::filesystem;
 
-class FileWriting : public ::testing::Test {
+class FileWritingTest : public ::testing::Test {
 protected:
     [[nodiscard]] fs::path at(std::string_view name) const { return folder_ / name; }
 
@@ -35,27 +37,27 @@ struct stat statusOf(const fs::path& path) {
     return status;
 }
 
-TEST_F(FileWriting, AFileIsReplacedWithoutLeftovers) {
+TEST_F(FileWritingTest, AFileIsReplacedWithoutLeftovers) {
     write(at("file"), "a much longer text");
     writeFile(at("file"), "short");
     EXPECT_EQ(read(at("file")), "short");
     EXPECT_THAT(names(), ::testing::ElementsAre("file"));
 }
 
-TEST_F(FileWriting, WhoeverHasTheOldFileOpenKeepsItWhole) {
+TEST_F(FileWritingTest, OtherHardLinksKeepTheOldFile) {
     write(at("file"), "a much longer text");
     fs::create_hard_link(at("file"), at("other name"));
     writeFile(at("file"), "short");
     EXPECT_EQ(read(at("other name")), "a much longer text");
 }
 
-TEST_F(FileWriting, ANewFileIsNoCopy) {
+TEST_F(FileWritingTest, ANewFileIsWrittenDirectly) {
     writeFile(at("file"), "x");
     EXPECT_EQ(read(at("file")), "x");
     EXPECT_THAT(names(), ::testing::ElementsAre("file"));
 }
 
-TEST_F(FileWriting, TheFileThatLinksLeadToIsReplaced) {
+TEST_F(FileWritingTest, TheTargetOfLinksIsReplaced) {
     write(at("below/file"), "old");
     fs::create_symlink("below/file", at("link"));
     fs::create_symlink(at("link"), at("second"));
@@ -66,7 +68,7 @@ TEST_F(FileWriting, TheFileThatLinksLeadToIsReplaced) {
     EXPECT_THAT(directoryEntries(at("below")).value(), ::testing::ElementsAre("file"));
 }
 
-TEST_F(FileWriting, ThroughALinkToNothingItsTargetIsMade) {
+TEST_F(FileWritingTest, TheMissingTargetOfALinkIsCreated) {
     fs::create_directory(at("below"));
     fs::create_symlink("below/file", at("link"));
     fs::create_symlink("link", at("second"));
@@ -75,7 +77,7 @@ TEST_F(FileWriting, ThroughALinkToNothingItsTargetIsMade) {
     EXPECT_EQ(read(at("below/file")), "new");
 }
 
-TEST_F(FileWriting, ModeAndAttributesAreKept) {
+TEST_F(FileWritingTest, ModeAndAttributesAreKept) {
     write(at("file"), "old");
     ASSERT_EQ(::chmod(at("file").c_str(), 0642), 0);
     ASSERT_EQ(::setxattr(at("file").c_str(), "user.quorvel.test", "kept", 4, 0), 0);
@@ -86,7 +88,7 @@ TEST_F(FileWriting, ModeAndAttributesAreKept) {
     EXPECT_STREQ(value, "kept");
 }
 
-TEST_F(FileWriting, TheOwnerIsKept) {
+TEST_F(FileWritingTest, TheOwnerIsKept) {
     if (::getuid() != 0) {
         GTEST_SKIP() << "only root can give a file away";
     }
@@ -99,8 +101,30 @@ TEST_F(FileWriting, TheOwnerIsKept) {
     EXPECT_EQ(statusOf(at("file")).st_mode & 07777U, 06755U);
 }
 
-TEST_F(FileWriting, AFileThatMayNotBeWrittenIsNotReplaced) {
-    EXPECT_TRUE(asOrdinaryUser(folder_.path(), [&] {
+TEST_F(FileWritingTest, AnotherUsersFileThatTheGroupMayWriteIsReplaced) {
+    if (::getuid() != 0) {
+        GTEST_SKIP() << "only root can give a file away";
+    }
+    constexpr uid_t owner = 1234;
+    constexpr gid_t group = 65534; // the ordinary user's
+    constexpr gid_t otherGroup = 5678;
+    write(at("shared/file"), "old");
+    ASSERT_EQ(::chown(at("shared/file").c_str(), owner, group), 0);
+    ASSERT_EQ(::chmod(at("shared/file").c_str(), 06664), 0);
+    // New files in this folder belong to another group.
+    ASSERT_EQ(::chown(at("shared").c_str(), owner, otherGroup), 0);
+    ASSERT_EQ(::chmod(at("shared").c_str(), 02777), 0);
+    EXPECT_TRUE(asUnprivilegedUser(folder_.path(), [&] {
+        writeFile(at("shared/file"), "new");
+        return read(at("shared/file")) == "new";
+    }));
+    EXPECT_EQ(statusOf(at("shared/file")).st_gid, group);
+    EXPECT_EQ(statusOf(at("shared/file")).st_mode & 07777U, 0664U);
+    EXPECT_NE(statusOf(at("shared/file")).st_uid, owner);
+}
+
+TEST_F(FileWritingTest, AFileThatMayNotBeWrittenIsNotReplaced) {
+    EXPECT_TRUE(asUnprivilegedUser(folder_.path(), [&] {
         write(at("file"), "old");
         fs::permissions(at("file"), fs::perms{0444});
         try {
@@ -113,8 +137,8 @@ TEST_F(FileWriting, AFileThatMayNotBeWrittenIsNotReplaced) {
     }));
 }
 
-TEST_F(FileWriting, WhereTheFolderTakesNoNamesTheFileStaysWhole) {
-    EXPECT_TRUE(asOrdinaryUser(folder_.path(), [&] {
+TEST_F(FileWritingTest, AFileInAReadOnlyFolderIsUnchanged) {
+    EXPECT_TRUE(asUnprivilegedUser(folder_.path(), [&] {
         write(at("closed/file"), "old");
         fs::permissions(at("closed"), fs::perms{0555});
         try {
@@ -126,7 +150,7 @@ TEST_F(FileWriting, WhereTheFolderTakesNoNamesTheFileStaysWhole) {
     }));
 }
 
-TEST_F(FileWriting, AFullDiskLeavesTheOldFileWholeAndNothingBeside) {
+TEST_F(FileWritingTest, AFullDiskLeavesTheOldFileUnchangedAndNothingElse) {
     const auto result = onSmallDisk(folder_.path(), "size=64k", [&]() -> std::string {
         const std::string old(40000, 'o');
         write(at("file"), old);
@@ -151,7 +175,7 @@ TEST_F(FileWriting, AFullDiskLeavesTheOldFileWholeAndNothingBeside) {
     EXPECT_EQ(*result, "");
 }
 
-TEST_F(FileWriting, OfANewFileThatFindsNoRoomNothingIsLeft) {
+TEST_F(FileWritingTest, NothingIsLeftOfANewFileOnAFullDisk) {
     const auto result = onSmallDisk(folder_.path(), "size=64k", [&]() -> std::string {
         try {
             writeFile(at("file"), std::string(100000, 'n'));
@@ -167,7 +191,7 @@ TEST_F(FileWriting, OfANewFileThatFindsNoRoomNothingIsLeft) {
     EXPECT_EQ(*result, "");
 }
 
-TEST_F(FileWriting, KilledAtAnyMomentItLeavesTheOldFileOrTheNewOne) {
+TEST_F(FileWritingTest, AKillAtAnyMomentLeavesTheOldFileOrTheNewOne) {
     const std::string before(70000, 'o');
     const std::string after(50000, 'n');
     bool sawOld = false;

@@ -23,7 +23,7 @@ protected:
         return FileHandle(::open((folder_ / "root").c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
     }
 
-    // A chain of `depth` folders named "d" below the root; gives the path of the last.
+    // Creates a chain of `depth` folders named "d" below the root. Returns the path of the last.
     fs::path makeChain(int depth) const {
         fs::path path = folder_ / "root";
         for (int level = 0; level < depth; ++level) {
@@ -50,7 +50,7 @@ protected:
     TemporaryFolder folder_;
 };
 
-TEST_F(FolderWalkTest, MeetsWhatAFolderHoldsBeforeTheFolderAndFollowsNoLink) {
+TEST_F(FolderWalkTest, VisitsContentsBeforeTheFolderAndFollowsNoLink) {
     write(folder_ / "root/a/b/file", "x");
     write(folder_ / "other/file", "x");
     fs::create_directory_symlink(folder_ / "other", folder_ / "root/a/link");
@@ -65,7 +65,7 @@ TEST_F(FolderWalkTest, MeetsWhatAFolderHoldsBeforeTheFolderAndFollowsNoLink) {
     EXPECT_EQ(steps.back(), "left a");
 }
 
-TEST_F(FolderWalkTest, AnEmptyFolderGivesNothing) {
+TEST_F(FolderWalkTest, AnEmptyFolderHasNoSteps) {
     fs::create_directory(folder_ / "root");
     const FileHandle root = opened();
     FolderWalk walk(root.descriptor(), *mountOf(root.descriptor()));
@@ -73,9 +73,9 @@ TEST_F(FolderWalkTest, AnEmptyFolderGivesNothing) {
     EXPECT_FALSE(walk.next());
 }
 
-TEST_F(FolderWalkTest, KeepsFewFoldersOpenHoweverDeepTheTreeIs) {
+TEST_F(FolderWalkTest, KeepsFewFoldersOpenInADeepTree) {
     makeChain(400);
-    // The limit is the process's, so a child has it.
+    // The limit applies to the process, so a child sets it.
     const pid_t child = ::fork();
     if (child == 0) {
         const rlimit few{64, 64};
@@ -93,7 +93,7 @@ TEST_F(FolderWalkTest, KeepsFewFoldersOpenHoweverDeepTheTreeIs) {
     EXPECT_EQ(status, 0);
 }
 
-TEST_F(FolderWalkTest, TellsOfEveryFolderThatItCantListForWantOfDescriptors) {
+TEST_F(FolderWalkTest, ReportsEveryFolderThatItCantListForLackOfDescriptors) {
     write(makeChain(5) / "file", "x");
     const pid_t child = ::fork();
     if (child == 0) {
@@ -124,22 +124,22 @@ TEST_F(FolderWalkTest, TellsOfEveryFolderThatItCantListForWantOfDescriptors) {
     EXPECT_EQ(status, 0);
 }
 
-TEST_F(FolderWalkTest, DoesNotComeUpWhereAFolderWasMovedMeanwhile) {
+TEST_F(FolderWalkTest, DoesNotLeaveThroughAFolderThatWasMoved) {
     write(makeChain(100) / "file", "x");
     write(folder_ / "elsewhere/precious", "x");
     const FileHandle root = opened();
     FolderWalk walk(root.descriptor(), *mountOf(root.descriptor()));
     ASSERT_TRUE(walk.next());
-    // All that lies above the last few dozen folders is closed by now.
+    // All but the last few dozen folders are closed by now.
     fs::rename(folder_ / "root/d/d/d", folder_ / "elsewhere/d");
-    const auto elsewhere = identityOfItself(folder_ / "elsewhere");
+    const auto elsewhere = identityOf(folder_ / "elsewhere");
     ASSERT_TRUE(elsewhere);
     int unreadable = 0;
     while (const auto step = walk.next()) {
         struct stat status {};
         if (step->folder >= 0) {
             ASSERT_EQ(::fstat(step->folder, &status), 0);
-            EXPECT_NE(identityIn(status), *elsewhere) << walk.path();
+            EXPECT_NE(identityOf(status), *elsewhere) << walk.path();
         }
         if (step->kind == FolderWalk::Kind::unreadable) {
             ++unreadable;

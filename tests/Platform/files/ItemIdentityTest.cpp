@@ -10,9 +10,9 @@ namespace {
 using namespace testing;
 namespace fs = std::filesystem;
 
-class PlaceTest : public ::testing::Test {
+class ItemIdentityTest : public ::testing::Test {
 protected:
-    PlaceTest() {
+    ItemIdentityTest() {
         fs::create_directories(at("a/b/c"));
         fs::create_directories(at("ab"));
     }
@@ -21,53 +21,53 @@ protected:
     TemporaryFolder folder_;
 };
 
-TEST_F(PlaceTest, IsTheSameHoweverThePathIsWritten) {
+TEST_F(ItemIdentityTest, IsTheSameInEverySpelling) {
     const Place place(at("a/b"));
     for (const char* path : {"a/b", "a/b/", "a/./b", "a/b/.", "a/b/c/..", "ab/../a/b"}) {
-        EXPECT_EQ(place.towards(at(path)), Standing::same) << path;
+        EXPECT_EQ(place.relationTo(at(path)), Relation::same) << path;
     }
 }
 
-TEST_F(PlaceTest, IsAboveWhatLiesInItThereOrNot) {
+TEST_F(ItemIdentityTest, IsAnAncestorOfItsContentsExistingOrNot) {
     const Place place(at("a"));
     for (const char* path : {"a/b", "a/b/c/", "a/none", "a/none/deeper", "ab/../a/b"}) {
-        EXPECT_EQ(place.towards(at(path)), Standing::above) << path;
+        EXPECT_EQ(place.relationTo(at(path)), Relation::ancestor) << path;
     }
 }
 
-TEST_F(PlaceTest, IsApartFromWhatLiesBesideOrAbove) {
+TEST_F(ItemIdentityTest, IsUnrelatedToSiblingsAndParents) {
     const Place place(at("a/b"));
     for (const char* path : {"a", "ab", "ab/b", "none", "a/bc", "", "/"}) {
-        EXPECT_EQ(place.towards(at(path)), Standing::apart) << path;
+        EXPECT_EQ(place.relationTo(at(path)), Relation::unrelated) << path;
     }
-    EXPECT_EQ(place.towards(""), Standing::apart);
+    EXPECT_EQ(place.relationTo(""), Relation::unrelated);
 }
 
-TEST_F(PlaceTest, SeesThroughLinksToTheTargetAndOnTheWay) {
+TEST_F(ItemIdentityTest, ResolvesLinksAtTheEndAndOnTheWay) {
     fs::create_directory_symlink(at("a/b"), at("link"));
     const Place place(at("a"));
-    EXPECT_EQ(place.towards(at("link")), Standing::above);
-    EXPECT_EQ(place.towards(at("link/c")), Standing::above);
-    EXPECT_EQ(place.towards(at("link/none")), Standing::above);
-    EXPECT_EQ(Place(at("a/b")).towards(at("link")), Standing::same);
-    EXPECT_EQ(Place(at("link")).towards(at("a/b/c")), Standing::above);
+    EXPECT_EQ(place.relationTo(at("link")), Relation::ancestor);
+    EXPECT_EQ(place.relationTo(at("link/c")), Relation::ancestor);
+    EXPECT_EQ(place.relationTo(at("link/none")), Relation::ancestor);
+    EXPECT_EQ(Place(at("a/b")).relationTo(at("link")), Relation::same);
+    EXPECT_EQ(Place(at("link")).relationTo(at("a/b/c")), Relation::ancestor);
 }
 
-TEST_F(PlaceTest, AnIdentityStandsForTheItemAloneNotForWhatALinkLeadsTo) {
+TEST_F(ItemIdentityTest, AnIdentityIsThatOfTheLinkNotOfItsTarget) {
     fs::create_directory_symlink(at("a/b"), at("link"));
-    const Place place(at("link"), *identityOfItself(at("link")));
-    EXPECT_EQ(place.towards(at("a/b")), Standing::apart);
-    EXPECT_EQ(place.towards(at("link")), Standing::same);
-    EXPECT_EQ(place.towards(at("link/c")), Standing::above);
+    const Place place(at("link"), *identityOf(at("link")));
+    EXPECT_EQ(place.relationTo(at("a/b")), Relation::unrelated);
+    EXPECT_EQ(place.relationTo(at("link")), Relation::same);
+    EXPECT_EQ(place.relationTo(at("link/c")), Relation::ancestor);
 }
 
-TEST_F(PlaceTest, APlaceThatIsNotThereYetIsComparedByItsPath) {
+TEST_F(ItemIdentityTest, APlaceThatDoesNotExistIsComparedByItsPath) {
     fs::create_directory_symlink(at("a"), at("link"));
     const Place place(at("link/new/x/.."));
-    EXPECT_EQ(place.towards(at("a/new")), Standing::same);
-    EXPECT_EQ(place.towards(at("a/new/deeper")), Standing::above);
-    EXPECT_EQ(place.towards(at("a/newer")), Standing::apart);
-    EXPECT_EQ(place.towards(at("a")), Standing::apart);
+    EXPECT_EQ(place.relationTo(at("a/new")), Relation::same);
+    EXPECT_EQ(place.relationTo(at("a/new/deeper")), Relation::ancestor);
+    EXPECT_EQ(place.relationTo(at("a/newer")), Relation::unrelated);
+    EXPECT_EQ(place.relationTo(at("a")), Relation::unrelated);
 }
 
 } // namespace

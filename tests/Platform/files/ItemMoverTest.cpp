@@ -1,6 +1,7 @@
 #include "Platform/files/ItemMover.h"
 
 #include "Platform/files/FileSystem.h"
+#include "Platform/files/PlatformError.h"
 #include "tests/support/TemporaryHome.h"
 
 #include <cerrno>
@@ -20,11 +21,11 @@ ExclusiveRename answering(int error) {
     };
 }
 
-class Moving : public ::testing::Test {
+class ItemMoverTest : public ::testing::Test {
 protected:
     [[nodiscard]] fs::path at(std::string_view name) const { return folder_ / name; }
 
-    // Moves a folder that holds a file and a link.
+    // Moves a folder that contains a file and a link.
     void expectAFolderIsMoved(ItemMover mover) const {
         write(at("a/deep/file"), "x");
         fs::create_symlink("nowhere", at("a/link"));
@@ -34,7 +35,7 @@ protected:
         EXPECT_FALSE(itemOrLinkExists(at("a")));
     }
 
-    // Tries to move a file to where something is.
+    // Tries to move a file to an occupied path.
     void expectNothingIsReplaced(ItemMover mover) const {
         write(at("a"), "new");
         write(at("file"), "old");
@@ -55,45 +56,46 @@ protected:
     TemporaryFolder folder_;
 };
 
-TEST_F(Moving, MovesAFolderWithEverythingInIt) {
+TEST_F(ItemMoverTest, MovesAFolderWithEverythingInIt) {
     expectAFolderIsMoved(ItemMover());
 }
 
-TEST_F(Moving, ReplacesNothingNotEvenADanglingLink) {
+TEST_F(ItemMoverTest, ReplacesNothingNotEvenADanglingLink) {
     expectNothingIsReplaced(ItemMover());
 }
 
-// What network file systems answer.
-class MovingWithoutExclusiveRenaming : public Moving, public ::testing::WithParamInterface<int> {};
+// The result on network file systems.
+class ItemMoverTestWithoutExclusiveRenaming : public ItemMoverTest,
+                                              public ::testing::WithParamInterface<int> {};
 
-TEST_P(MovingWithoutExclusiveRenaming, MovesAllTheSame) {
+TEST_P(ItemMoverTestWithoutExclusiveRenaming, StillMoves) {
     expectAFolderIsMoved(ItemMover(answering(GetParam())));
 }
 
-TEST_P(MovingWithoutExclusiveRenaming, ReplacesNothingNotEvenADanglingLink) {
+TEST_P(ItemMoverTestWithoutExclusiveRenaming, ReplacesNothingNotEvenADanglingLink) {
     expectNothingIsReplaced(ItemMover(answering(GetParam())));
 }
 
-INSTANTIATE_TEST_SUITE_P(Moving, MovingWithoutExclusiveRenaming,
+INSTANTIATE_TEST_SUITE_P(ItemMoverTest, ItemMoverTestWithoutExclusiveRenaming,
                          ::testing::Values(EINVAL, ENOSYS, ENOTSUP));
 
-TEST_F(Moving, AnotherReasonNotToRenameIsNotWorkedAround) {
+TEST_F(ItemMoverTest, OtherErrorsOfTheRenameAreNotWorkedAround) {
     write(at("a"), "x");
     EXPECT_THROW(ItemMover(answering(EACCES)).move(at("a"), at("b")), PlatformError);
     EXPECT_EQ(treeOf(folder_.path()), (std::map<std::string, std::string>{{"a", "x"}}));
 }
 
-TEST_F(Moving, AFolderIntoItselfIsAnErrorThatLosesNothing) {
+TEST_F(ItemMoverTest, MovingAFolderIntoItselfIsAnErrorThatLosesNothing) {
     write(at("a/file"), "x");
     EXPECT_THROW(ItemMover().move(at("a"), at("a/b")), PlatformError);
     EXPECT_EQ(read(at("a/file")), "x");
 }
 
-TEST_F(Moving, NothingIsAnError) {
+TEST_F(ItemMoverTest, AMissingItemIsAnError) {
     EXPECT_THROW(ItemMover().move(at("none"), at("b")), PlatformError);
 }
 
-TEST_F(Moving, APathWithANulIsRefused) {
+TEST_F(ItemMoverTest, APathWithANulIsRefused) {
     write(at("a"), "x");
     EXPECT_THROW(ItemMover().move(at("a").native() + "\0z"s, at("b")), PlatformError);
     EXPECT_THROW(ItemMover().move(at("a"), at("b").native() + "\0z"s), PlatformError);

@@ -1,13 +1,14 @@
 #include "Platform/files/ItemMover.h"
+#include "Platform/files/PlatformError.h"
 
 #include "Platform/files/ExclusiveRename.h"
 #include "Platform/files/FileHandle.h"
 #include "Platform/files/FileSystem.h"
 #include "tests/support/EveryStep.h"
-#include "tests/support/OrdinaryUser.h"
 #include "tests/support/OtherVolume.h"
 #include "tests/support/PrivateMounts.h"
 #include "tests/support/SmallDisk.h"
+#include "tests/support/UnprivilegedUser.h"
 
 #include <algorithm>
 #include <array>
@@ -28,8 +29,8 @@ namespace {
 using namespace testing;
 namespace fs = std::filesystem;
 
-// From the temporary folder's file system to another one, or the other way round.
-class MovingAcrossVolumes : public ::testing::TestWithParam<bool> {
+// From the temporary folder's file system to another one, or vice versa.
+class ItemMoverVolumesTest : public ::testing::TestWithParam<bool> {
 protected:
     void SetUp() override {
         if (!other_.exists()) {
@@ -44,7 +45,7 @@ protected:
         return GetParam() ? other_ / name : folder_ / name;
     }
 
-    // The names beside the source and beside the destination.
+    // Returns the names beside the source and beside the destination.
     [[nodiscard]] std::vector<std::string> namesBesideBoth() const {
         std::vector<std::string> names;
         for (const fs::path& folder : {folder_.path(), other_.path()}) {
@@ -59,7 +60,7 @@ protected:
     OtherVolume other_{folder_.path()};
 };
 
-INSTANTIATE_TEST_SUITE_P(Both, MovingAcrossVolumes, ::testing::Bool(), [](const auto& direction) {
+INSTANTIATE_TEST_SUITE_P(Both, ItemMoverVolumesTest, ::testing::Bool(), [](const auto& direction) {
     return direction.param ? "FromTheTemporaryFolder" : "ToTheTemporaryFolder";
 });
 
@@ -102,7 +103,7 @@ std::string failureOf(const std::function<void()>& step) {
     return "no error";
 }
 
-TEST_P(MovingAcrossVolumes, AFolderArrivesWithEverythingInIt) {
+TEST_P(ItemMoverVolumesTest, AFolderArrivesWithEverythingInIt) {
     write(from("a/deep/file"), "x");
     write(from("a/empty file"), "");
     fs::create_directories(from("a/empty folder"));
@@ -113,14 +114,14 @@ TEST_P(MovingAcrossVolumes, AFolderArrivesWithEverythingInIt) {
     EXPECT_THAT(namesBesideBoth(), ::testing::ElementsAre("b"));
 }
 
-TEST_P(MovingAcrossVolumes, AFolderWithASlashAtItsEndIsTheSame) {
+TEST_P(ItemMoverVolumesTest, AFolderWithASlashAtItsEndIsTheSame) {
     write(from("a/file"), "x");
     ItemMover().move(from("a").native() + "/", to("b").native() + "//");
     EXPECT_EQ(read(to("b/file")), "x");
     EXPECT_THAT(namesBesideBoth(), ::testing::ElementsAre("b"));
 }
 
-TEST_P(MovingAcrossVolumes, DatesStayTheSameToTheNanosecond) {
+TEST_P(ItemMoverVolumesTest, DatesStayTheSameToTheNanosecond) {
     write(from("a/below/file"), "x");
     fs::create_symlink("nowhere", from("a/below/link"));
     ::mkfifo(from("a/below/fifo").c_str(), 0600);
@@ -137,7 +138,7 @@ TEST_P(MovingAcrossVolumes, DatesStayTheSameToTheNanosecond) {
     expectDates(to("a/below/file"), 1000000001, 123456789);
 }
 
-TEST_P(MovingAcrossVolumes, ModesAreKept) {
+TEST_P(ItemMoverVolumesTest, ModesAreKept) {
     write(from("a/below/file"), "x");
     write(from("a/program"), "x");
     ::mkfifo(from("a/fifo").c_str(), 0600);
@@ -154,7 +155,7 @@ TEST_P(MovingAcrossVolumes, ModesAreKept) {
     EXPECT_EQ(statusOf(to("a")).st_mode & 07777U, 0705U);
 }
 
-TEST_P(MovingAcrossVolumes, OwnersAreKept) {
+TEST_P(ItemMoverVolumesTest, OwnersAreKept) {
     if (::getuid() != 0) {
         GTEST_SKIP() << "only root can give files away";
     }
@@ -170,7 +171,7 @@ TEST_P(MovingAcrossVolumes, OwnersAreKept) {
     }
 }
 
-TEST_P(MovingAcrossVolumes, ExtendedAttributesAreKept) {
+TEST_P(ItemMoverVolumesTest, ExtendedAttributesAreKept) {
     write(from("a/below/file"), "x");
     setAttribute(from("a/below/file"), "of the file");
     setAttribute(from("a/below"), "of the folder");
@@ -181,7 +182,7 @@ TEST_P(MovingAcrossVolumes, ExtendedAttributesAreKept) {
     EXPECT_EQ(attribute(to("a")), "");
 }
 
-TEST_P(MovingAcrossVolumes, HardLinksInTheTreeStayHardLinks) {
+TEST_P(ItemMoverVolumesTest, HardLinksInTheTreeStayHardLinks) {
     write(from("a/one"), "x");
     fs::create_directories(from("a/below/deeper"));
     fs::create_hard_link(from("a/one"), from("a/below/deeper/two"));
@@ -195,7 +196,7 @@ TEST_P(MovingAcrossVolumes, HardLinksInTheTreeStayHardLinks) {
     EXPECT_EQ(read(to("a/below/deeper/two")), "x");
 }
 
-TEST_P(MovingAcrossVolumes, HardLinksBetweenItemsThatOneMoverMovesStayHardLinks) {
+TEST_P(ItemMoverVolumesTest, HardLinksBetweenItemsThatOneMoverMovesStayHardLinks) {
     write(from("one"), "x");
     fs::create_directory(from("folder"));
     fs::create_hard_link(from("one"), from("folder/two"));
@@ -208,7 +209,7 @@ TEST_P(MovingAcrossVolumes, HardLinksBetweenItemsThatOneMoverMovesStayHardLinks)
     EXPECT_TRUE(isSameItem(to("renamed"), to("three")));
 }
 
-TEST_P(MovingAcrossVolumes, AHardLinkWhoseFirstCopyWasReplacedIsCopied) {
+TEST_P(ItemMoverVolumesTest, AHardLinkWhoseFirstCopyWasReplacedIsCopied) {
     write(from("one"), "x");
     fs::create_hard_link(from("one"), from("two"));
     ItemMover mover;
@@ -220,7 +221,7 @@ TEST_P(MovingAcrossVolumes, AHardLinkWhoseFirstCopyWasReplacedIsCopied) {
     EXPECT_EQ(read(to("one")), "y");
 }
 
-TEST_P(MovingAcrossVolumes, HolesStayHoles) {
+TEST_P(ItemMoverVolumesTest, HolesStayHoles) {
     const off_t size = 64L << 20;
     {
         const FileHandle file(::open(from("a").c_str(), O_WRONLY | O_CREAT, 0600));
@@ -235,7 +236,7 @@ TEST_P(MovingAcrossVolumes, HolesStayHoles) {
     EXPECT_EQ(bytes.substr(static_cast<std::size_t>(size / 2), 7), std::string("middle\0", 7));
 }
 
-TEST_P(MovingAcrossVolumes, ALinkArrivesAsALink) {
+TEST_P(ItemMoverVolumesTest, ALinkArrivesAsALink) {
     write(from("kept/file"), "x");
     fs::create_directory_symlink(from("kept"), from("link"));
     ItemMover().move(from("link"), to("link"));
@@ -244,7 +245,7 @@ TEST_P(MovingAcrossVolumes, ALinkArrivesAsALink) {
     EXPECT_FALSE(itemOrLinkExists(from("link")));
 }
 
-TEST_P(MovingAcrossVolumes, AFifoAndASocketKeepNoFolderFromMoving) {
+TEST_P(ItemMoverVolumesTest, AFolderWithAFifoAndASocketIsMoved) {
     write(from("a/file"), "x");
     ::mkfifo(from("a/fifo").c_str(), 0600);
     const FileHandle socket(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0));
@@ -263,7 +264,7 @@ TEST_P(MovingAcrossVolumes, AFifoAndASocketKeepNoFolderFromMoving) {
     EXPECT_FALSE(itemOrLinkExists(from("a")));
 }
 
-TEST_P(MovingAcrossVolumes, NothingIsReplaced) {
+TEST_P(ItemMoverVolumesTest, NothingIsReplaced) {
     write(from("a"), "new");
     write(to("b"), "old");
     fs::create_symlink("nowhere", to("dangling"));
@@ -274,11 +275,11 @@ TEST_P(MovingAcrossVolumes, NothingIsReplaced) {
     EXPECT_EQ(read(from("a")), "new");
 }
 
-TEST_P(MovingAcrossVolumes, WhatCantBeReadStaysWholeAndIsNamed) {
+TEST_P(ItemMoverVolumesTest, AnUnreadableItemStaysAndIsNamed) {
     for (const fs::path& folder : {folder_.path(), other_.path()}) {
         fs::permissions(folder, fs::perms{0777});
     }
-    EXPECT_TRUE(asOrdinaryUser(from(""), [&] {
+    EXPECT_TRUE(asUnprivilegedUser(from(""), [&] {
         write(from("a/below/closed"), "x");
         write(from("a/file"), "y");
         fs::permissions(from("a/below/closed"), fs::perms::none);
@@ -290,11 +291,11 @@ TEST_P(MovingAcrossVolumes, WhatCantBeReadStaysWholeAndIsNamed) {
     }));
 }
 
-TEST_P(MovingAcrossVolumes, WhatCouldNotBeRemovedAfterwardsStaysWholeAndIsNamed) {
+TEST_P(ItemMoverVolumesTest, AnItemThatCouldNotBeRemovedAfterwardsStaysAndIsNamed) {
     for (const fs::path& folder : {folder_.path(), other_.path()}) {
         fs::permissions(folder, fs::perms{0777});
     }
-    EXPECT_TRUE(asOrdinaryUser(from(""), [&] {
+    EXPECT_TRUE(asUnprivilegedUser(from(""), [&] {
         write(from("a/fixed/file"), "x");
         fs::permissions(from("a/fixed"), fs::perms{0555});
         const std::string failure = failureOf([&] { ItemMover().move(from("a"), to("a")); });
@@ -304,10 +305,10 @@ TEST_P(MovingAcrossVolumes, WhatCouldNotBeRemovedAfterwardsStaysWholeAndIsNamed)
     }));
 }
 
-// Renames as ever, and calls `first` before the copied `source` is set aside.
+// Renames as usual, and calls `first` before the copied `source` is set aside.
 ExclusiveRename renamingAfter(const fs::path& source, const std::function<void()>& first) {
     return [=, calls = 0](const fs::path& from, const fs::path& to) mutable {
-        // The first of its renames only finds out that there is another file system.
+        // The first rename only finds that the destination is on another file system.
         if (from == source && ++calls == 2) {
             first();
         }
@@ -321,7 +322,7 @@ void overwrite(const fs::path& file, const std::string& text) {
               static_cast<ssize_t>(text.size()));
 }
 
-TEST_P(MovingAcrossVolumes, WhatIsWrittenInPlaceAfterItWasCopiedIsKept) {
+TEST_P(ItemMoverVolumesTest, WritesAfterTheCopyAreKept) {
     write(from("a/below/file"), "old");
     write(from("a/file"), "x");
     setDate(from("a/below/file"), 1000000001, 123456789);
@@ -334,7 +335,7 @@ TEST_P(MovingAcrossVolumes, WhatIsWrittenInPlaceAfterItWasCopiedIsKept) {
     EXPECT_EQ(read(to("a/below/file")), "new");
 }
 
-TEST_P(MovingAcrossVolumes, WhatIsAddedAfterTheCopyingIsKept) {
+TEST_P(ItemMoverVolumesTest, FilesAddedAfterTheCopyAreKept) {
     write(from("a/file"), "x");
     ItemMover mover(renamingAfter(from("a"), [this] { write(from("a/later"), "y"); }));
     EXPECT_EQ(failureOf([&] { mover.move(from("a"), to("a")); }),
@@ -343,7 +344,7 @@ TEST_P(MovingAcrossVolumes, WhatIsAddedAfterTheCopyingIsKept) {
     EXPECT_THAT(namesBesideBoth(), ::testing::ElementsAre("a"));
 }
 
-TEST_P(MovingAcrossVolumes, AFileThatChangedItselfIsNamedOnce) {
+TEST_P(ItemMoverVolumesTest, AMovedFileThatChangedIsNamedOnce) {
     write(from("a"), "old");
     setDate(from("a"), 1000000001, 123456789);
     ItemMover mover(renamingAfter(from("a"), [this] { overwrite(from("a"), "new"); }));
@@ -352,8 +353,8 @@ TEST_P(MovingAcrossVolumes, AFileThatChangedItselfIsNamedOnce) {
     EXPECT_EQ(read(from("a")), "new");
 }
 
-// Otherwise the item could be nowhere after a power loss.
-TEST_P(MovingAcrossVolumes, TheItemsNewNameIsOnTheDiskBeforeTheOriginalGoes) {
+// Otherwise a power failure could lose the item.
+TEST_P(ItemMoverVolumesTest, TheNewNameIsFlushedBeforeTheOriginalIsRemoved) {
     write(from("a/file"), "x");
     const std::vector<long> calls = systemCallsOf([this] { ItemMover().move(from("a"), to("a")); });
     if (calls.empty()) {
@@ -365,8 +366,8 @@ TEST_P(MovingAcrossVolumes, TheItemsNewNameIsOnTheDiskBeforeTheOriginalGoes) {
     EXPECT_NE(std::find(arrival, removal, SYS_syncfs), removal);
 }
 
-// A move that was cut off once the original was set aside, which had changed by then.
-TEST_P(MovingAcrossVolumes, ACopyThatIsOutOfDateIsNotTakenForTheItem) {
+// A move that was interrupted after the original was set aside, which has changed since.
+TEST_P(ItemMoverVolumesTest, AnOutdatedCopyDoesNotReplaceTheItem) {
     const std::string folder = ".quorvel-moving-3F2504E0-4F89-41D3-9A0C-0305E82C3301";
     write(from(folder) / "a", "new");
     write(to(folder) / "a", "old");
@@ -376,7 +377,7 @@ TEST_P(MovingAcrossVolumes, ACopyThatIsOutOfDateIsNotTakenForTheItem) {
     EXPECT_THAT(namesBesideBoth(), ::testing::ElementsAre("a"));
 }
 
-TEST_P(MovingAcrossVolumes, AFullDiskIsNamedAndLeavesTheItemWhole) {
+TEST_P(ItemMoverVolumesTest, AFullDiskIsReportedAndLeavesTheItemUnchanged) {
     write(from("a/file"), std::string(100000, 'x'));
     fs::create_directory(to("small"));
     const auto result = onSmallDisk(to("small"), "size=64k", [&]() -> std::string {
@@ -393,7 +394,7 @@ TEST_P(MovingAcrossVolumes, AFullDiskIsNamedAndLeavesTheItemWhole) {
     EXPECT_EQ(*result, "");
 }
 
-TEST_P(MovingAcrossVolumes, WhatIsMountedInsideStays) {
+TEST_P(ItemMoverVolumesTest, AnItemThatContainsAMountStays) {
     write(from("kept/foreign"), "y");
     write(from("kept file"), "z");
     write(from("a/file"), "x");
@@ -416,7 +417,7 @@ TEST_P(MovingAcrossVolumes, WhatIsMountedInsideStays) {
     EXPECT_THAT(namesBesideBoth(), ::testing::UnorderedElementsAre("kept", "kept file", "a", "b"));
 }
 
-TEST_P(MovingAcrossVolumes, WhatHoldsAnotherFileSystemStays) {
+TEST_P(ItemMoverVolumesTest, AnItemThatContainsAnotherFileSystemStays) {
     write(from("a/file"), "x");
     fs::create_directory(from("a/disk"));
     const auto result = onSmallDisk(from("a/disk"), "size=64k", [&]() -> std::string {

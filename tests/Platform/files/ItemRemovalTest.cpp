@@ -1,8 +1,9 @@
 #include "Platform/files/ItemRemoval.h"
 
-#include "Platform/files/FileSystem.h"
-#include "tests/support/OrdinaryUser.h"
+#include "Platform/files/FileHandle.h"
+#include "Platform/files/PlatformError.h"
 #include "tests/support/TemporaryHome.h"
+#include "tests/support/UnprivilegedUser.h"
 
 #include <atomic>
 #include <cstdio>
@@ -31,7 +32,7 @@ protected:
     TemporaryFolder folder_;
 };
 
-TEST_F(ItemRemovalTest, IsNothingWhereNothingIs) {
+TEST_F(ItemRemovalTest, IsAbsentIfThereIsNoItem) {
     write(at("file"), "x");
     EXPECT_FALSE(ItemRemoval::of(at("none")));
     EXPECT_FALSE(ItemRemoval::of(at("none/deeper")));
@@ -46,7 +47,7 @@ TEST_F(ItemRemovalTest, APathWithoutANameIsRefused) {
     EXPECT_TRUE(fs::exists(at("a/b")));
 }
 
-TEST_F(ItemRemovalTest, CountsWhatGoes) {
+TEST_F(ItemRemovalTest, CountsTheRemovedItems) {
     writeMany("tree/sub", 1500);
     write(at("tree/file"), "x");
     const RemovalReport report = ItemRemoval::of(at("tree"))->remove();
@@ -57,13 +58,13 @@ TEST_F(ItemRemovalTest, CountsWhatGoes) {
     EXPECT_FALSE(fs::exists(at("tree")));
 }
 
-TEST_F(ItemRemovalTest, GoesOnWhereAnItemStaysAndCountsBoth) {
-    EXPECT_TRUE(asOrdinaryUser(folder_.path(), [&] {
+TEST_F(ItemRemovalTest, ContinuesAfterAFailureAndCountsBoth) {
+    EXPECT_TRUE(asUnprivilegedUser(folder_.path(), [&] {
         writeMany("tree/open", 20);
         write(at("tree/closed/kept"), "x");
         fs::permissions(at("tree/closed"), fs::perms{0555});
         const RemovalReport report = ItemRemoval::of(at("tree"))->remove();
-        // Left are the file, the folder that it is in, and the whole.
+        // What remains: the file, its folder and the root.
         return report.removed == 21 && report.remaining == 3 && report.failure &&
                report.failure->path() == at("tree/closed/kept") &&
                report.failure->code() == std::errc::permission_denied &&
@@ -71,8 +72,8 @@ TEST_F(ItemRemovalTest, GoesOnWhereAnItemStaysAndCountsBoth) {
     }));
 }
 
-TEST_F(ItemRemovalTest, AFolderThatCantBeReadGoesOnlyWhenItIsEmpty) {
-    EXPECT_TRUE(asOrdinaryUser(folder_.path(), [&] {
+TEST_F(ItemRemovalTest, AnUnreadableFolderIsRemovedOnlyIfEmpty) {
+    EXPECT_TRUE(asUnprivilegedUser(folder_.path(), [&] {
         fs::create_directories(at("tree/empty"));
         fs::permissions(at("tree/empty"), fs::perms{});
         const bool emptyGoes = ItemRemoval::of(at("tree"))->remove().isComplete();
@@ -103,7 +104,7 @@ TEST_F(ItemRemovalTest, KeepsOneItemAndTheFoldersOnTheWayToIt) {
     EXPECT_FALSE(fs::exists(at("tree")));
 }
 
-TEST_F(ItemRemovalTest, WhatTookTheItemsPlaceStays) {
+TEST_F(ItemRemovalTest, AReplacementOfTheItemStays) {
     write(at("tree/file"), "x");
     write(at("link"), "x");
     const auto folder = ItemRemoval::of(at("tree"));
@@ -118,8 +119,8 @@ TEST_F(ItemRemovalTest, WhatTookTheItemsPlaceStays) {
     EXPECT_EQ(read(at("link")), "another");
 }
 
-TEST_F(ItemRemovalTest, SaysBeforehandWhenTheFolderAroundItCantBeChanged) {
-    EXPECT_TRUE(asOrdinaryUser(folder_.path(), [&] {
+TEST_F(ItemRemovalTest, RefusesAnItemInAReadOnlyFolder) {
+    EXPECT_TRUE(asUnprivilegedUser(folder_.path(), [&] {
         const auto isRefused = [&](const char* path, std::string_view kept) {
             try {
                 ItemRemoval::of(at(path))->refuseUnchangeable(kept);
@@ -142,23 +143,23 @@ TEST_F(ItemRemovalTest, SaysBeforehandWhenTheFolderAroundItCantBeChanged) {
     }));
 }
 
-TEST_F(ItemRemovalTest, SaysBeforehandWhenASharedFolderGivesTheItemToItsOwnerOnly) {
+TEST_F(ItemRemovalTest, RefusesAnItemThatOnlyItsOwnerMayRemove) {
     if (::geteuid() != 0) {
         GTEST_SKIP() << "only root can give items to several users";
     }
     write(at("shared/tree/file"), "x");
     fs::permissions(folder_.path(), fs::perms{0755});
     fs::permissions(at("shared"), fs::perms{01777});
-    EXPECT_TRUE(asOrdinaryUser(at("shared/tree"), [&] {
+    EXPECT_TRUE(asUnprivilegedUser(at("shared/tree"), [&] {
         try {
             ItemRemoval::of(at("shared/tree"))->refuseUnchangeable();
         } catch (const PlatformError&) {
-            return false; // it is this user's own
+            return false; // it would be this user's own
         }
         return true;
     }));
     ASSERT_EQ(::chown(at("shared/tree").c_str(), 4242, 4242), 0);
-    EXPECT_TRUE(asOrdinaryUser(at("shared/tree/file"), [&] {
+    EXPECT_TRUE(asUnprivilegedUser(at("shared/tree/file"), [&] {
         try {
             ItemRemoval::of(at("shared/tree"))->refuseUnchangeable();
         } catch (const PlatformError& error) {
@@ -168,8 +169,8 @@ TEST_F(ItemRemovalTest, SaysBeforehandWhenASharedFolderGivesTheItemToItsOwnerOnl
     }));
 }
 
-// One thread exchanges a folder and a link to a foreign folder, again and again, while another
-// removes: the foreign files bear the same names, and must all be there at the end.
+// One thread repeatedly exchanges a folder and a link to a foreign folder while another removes.
+// The foreign files have the same names, and must all exist at the end.
 TEST_F(ItemRemovalTest, ALinkSwappedInMeanwhileLeadsNowhere) {
     constexpr int files = 20;
     constexpr int rounds = 50;
@@ -197,13 +198,13 @@ TEST_F(ItemRemovalTest, ALinkSwappedInMeanwhileLeadsNowhere) {
     EXPECT_GT(swaps, rounds);
 }
 
-TEST_F(ItemRemovalTest, AFileWrittenIntoAFolderAfterTheLookIntoItGoesToo) {
+TEST_F(ItemRemovalTest, AFileCreatedAfterTheListingIsRemovedToo) {
     bool written = false;
     for (int attempt = 0; attempt < 10 && !written; ++attempt) {
         writeMany("tree/sub/many", 1000);
         std::atomic<bool> done = false;
         std::thread writing([&] {
-            // Below the folder removal has begun, so what the folder holds is listed already.
+            // The removal is below the folder, so the folder has been listed already.
             while (!done && fs::exists(at("tree/sub/many/0"))) {
             }
             written = FileHandle(::open(at("tree/sub/late").c_str(), O_CREAT | O_WRONLY, 0600))

@@ -1,6 +1,7 @@
 // Removing folders in which something is mounted, with real mounts.
-#include "Platform/files/FileSystem.h"
+#include "Platform/files/FileRemoval.h"
 #include "Platform/files/ItemRemoval.h"
+#include "Platform/files/PlatformError.h"
 #include "tests/support/PrivateMounts.h"
 #include "tests/support/TemporaryHome.h"
 
@@ -21,7 +22,7 @@ namespace {
 using namespace testing;
 namespace fs = std::filesystem;
 
-// Makes the system call answer with this error from now on, as older kernels and containers do.
+// Makes the system call fail with this error from now on, as in older kernels and containers.
 bool withoutSystemCall(unsigned number, unsigned error) {
     sock_filter filter[] = {
         BPF_STMT(BPF_LD | BPF_W | BPF_ABS, offsetof(seccomp_data, nr)),
@@ -47,9 +48,9 @@ const Kernel kernels[] = {
      [] { return withoutSystemCall(SYS_openat2, ENOSYS) && withoutSystemCall(SYS_statx, ENOSYS); }},
 };
 
-class MountedRemoval : public ::testing::TestWithParam<Kernel> {
+class MountedRemovalTest : public ::testing::TestWithParam<Kernel> {
 protected:
-    MountedRemoval() {
+    MountedRemovalTest() {
         write(at("foreign/precious"), "x");
         write(at("foreign/file"), "x");
         write(at("tree/a/mine"), "x");
@@ -58,7 +59,7 @@ protected:
     }
     [[nodiscard]] fs::path at(std::string_view name) const { return folder_ / name; }
 
-    // Mounts, then removes on this kernel; the check tells what is wrong then.
+    // Mounts, then runs the check, which returns what is wrong.
     void expectNoProblem(const std::function<std::string()>& check) const {
         const auto problem = inPrivateMounts([&]() -> std::string {
             return GetParam().restrict() ? check() : "the kernel takes no filter";
@@ -69,7 +70,7 @@ protected:
         EXPECT_EQ(*problem, "");
     }
 
-    // What is wrong after `removeItem` had to refuse `path`.
+    // Returns what is wrong after `removeItem` should have refused `path`.
     [[nodiscard]] std::string problemUnlessRefused(const fs::path& path,
                                                    const fs::path& mounted) const {
         const auto before = treeOf(folder_.path());
@@ -78,7 +79,7 @@ protected:
             return "removed";
         } catch (const PlatformError& error) {
             const std::string text = error.what();
-            if (text.find("mounted at " + mounted.string()) == text.npos) {
+            if (text.find("mounted at " + mounted.string()) == std::string::npos) {
                 return text;
             }
         }
@@ -88,24 +89,24 @@ protected:
     TemporaryFolder folder_;
 };
 
-INSTANTIATE_TEST_SUITE_P(OnAKernel, MountedRemoval, ::testing::ValuesIn(kernels),
+INSTANTIATE_TEST_SUITE_P(OnAKernel, MountedRemovalTest, ::testing::ValuesIn(kernels),
                          [](const auto& kernel) { return std::string(kernel.param.name); });
 
-TEST_P(MountedRemoval, AFolderMountedInsideIsRefusedBeforeAnythingGoes) {
+TEST_P(MountedRemovalTest, AMountedFolderIsRefusedBeforeAnythingIsRemoved) {
     expectNoProblem([&] {
         bindMount(at("foreign"), at("tree/m/point"));
         return problemUnlessRefused(at("tree"), at("tree/m/point"));
     });
 }
 
-TEST_P(MountedRemoval, AFileMountedInsideIsRefusedBeforeAnythingGoes) {
+TEST_P(MountedRemovalTest, AMountedFileIsRefusedBeforeAnythingIsRemoved) {
     expectNoProblem([&] {
         bindMount(at("foreign/file"), at("tree/z/file"));
         return problemUnlessRefused(at("tree"), at("tree/z/file"));
     });
 }
 
-TEST_P(MountedRemoval, AFileSystemMountedInsideIsRefusedBeforeAnythingGoes) {
+TEST_P(MountedRemovalTest, AMountedFileSystemIsRefusedBeforeAnythingIsRemoved) {
     expectNoProblem([&]() -> std::string {
         if (::mount("none", at("tree/m/point").c_str(), "tmpfs", 0, "size=64k") != 0) {
             return "can't mount";
@@ -115,14 +116,14 @@ TEST_P(MountedRemoval, AFileSystemMountedInsideIsRefusedBeforeAnythingGoes) {
     });
 }
 
-TEST_P(MountedRemoval, AMountPointItselfIsRefused) {
+TEST_P(MountedRemovalTest, AMountPointItselfIsRefused) {
     expectNoProblem([&] {
         bindMount(at("foreign"), at("tree/m"));
         return problemUnlessRefused(at("tree/m"), at("tree/m"));
     });
 }
 
-TEST_P(MountedRemoval, WhatIsMountedAfterTheLookStaysToo) {
+TEST_P(MountedRemovalTest, AMountAddedAfterTheCheckStaysToo) {
     expectNoProblem([&]() -> std::string {
         const auto removal = ItemRemoval::of(at("tree"));
         removal->refuseMounts();
@@ -141,7 +142,7 @@ TEST_P(MountedRemoval, WhatIsMountedAfterTheLookStaysToo) {
     });
 }
 
-TEST_P(MountedRemoval, AMountDeepInsideIsRefusedHoweverFewFilesMayBeOpen) {
+TEST_P(MountedRemovalTest, ADeepMountIsRefusedWithFewOpenFiles) {
     fs::create_directories(at("tree/d/d/d/d/d/d/point"));
     expectNoProblem([&]() -> std::string {
         bindMount(at("foreign"), at("tree/d/d/d/d/d/d/point"));
@@ -166,7 +167,7 @@ TEST_P(MountedRemoval, AMountDeepInsideIsRefusedHoweverFewFilesMayBeOpen) {
     });
 }
 
-TEST_P(MountedRemoval, ATreeOnAMountOfItsOwnGoesAsUsual) {
+TEST_P(MountedRemovalTest, ATreeOnItsOwnMountIsRemoved) {
     expectNoProblem([&]() -> std::string {
         bindMount(at("tree"), at("foreign"));
         fs::create_directory_symlink(at("tree/z"), at("foreign/a/link"));

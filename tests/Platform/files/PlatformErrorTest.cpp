@@ -6,14 +6,14 @@
 namespace quorvel {
 namespace {
 
-TEST(PlatformError, ReadsAsASentenceAboutTheItem) {
+TEST(PlatformErrorTest, ReadsAsASentenceAboutTheItem) {
     const PlatformError error(std::make_error_code(std::errc::permission_denied), "/A/Work.app",
                               "removed");
     EXPECT_EQ(error.description(), "“Work.app” couldn’t be removed: permission denied");
     EXPECT_STREQ(error.what(), error.description().c_str());
 }
 
-TEST(PlatformError, NamesAFolderWithoutItsTrailingSlash) {
+TEST(PlatformErrorTest, NamesAFolderWithoutItsTrailingSlash) {
     const auto code = std::make_error_code(std::errc::permission_denied);
     EXPECT_TRUE(PlatformError(code, "/A/Work.app//", "opened")
                     .description()
@@ -21,28 +21,28 @@ TEST(PlatformError, NamesAFolderWithoutItsTrailingSlash) {
     EXPECT_TRUE(PlatformError(code, "/", "opened").description().starts_with("“/” "));
 }
 
-TEST(PlatformError, KeepsTheCodeAndTheWholePath) {
+TEST(PlatformErrorTest, KeepsTheCodeAndTheWholePath) {
     errno = ENOTDIR;
     const PlatformError error = PlatformError::fromErrno("/A/b", "created");
     EXPECT_EQ(error.code(), std::errc::not_a_directory);
     EXPECT_EQ(error.path(), "/A/b");
 }
 
-TEST(PlatformError, EndsWithTheSystemsOwnReason) {
+TEST(PlatformErrorTest, EndsWithTheSystemsOwnReason) {
     const PlatformError error(std::make_error_code(std::errc::io_error), "x", "read");
     EXPECT_TRUE(error.description().ends_with(": Input/output error") ||
                 error.description().ends_with(": input/output error"))
         << error.description();
 }
 
-TEST(PlatformError, GivesAReasonThatHasNoCode) {
+TEST(PlatformErrorTest, CanHaveAReasonInsteadOfACode) {
     const PlatformError error = PlatformError::because("it is in use", "/A/Work.app", "moved");
     EXPECT_EQ(error.description(), "“Work.app” couldn’t be moved: it is in use");
     EXPECT_EQ(error.code(), std::errc::io_error);
     EXPECT_EQ(error.path(), "/A/Work.app");
 }
 
-TEST(PlatformError, NamesAnItemInside) {
+TEST(PlatformErrorTest, NamesAnItemInside) {
     const auto code = std::make_error_code(std::errc::permission_denied);
     const PlatformError error = PlatformError::inside(code, "2024/a.jpg", "/A/Photos", "moved");
     EXPECT_EQ(error.description(), "“Photos” couldn’t be moved: “2024/a.jpg”: permission denied");
@@ -51,9 +51,9 @@ TEST(PlatformError, NamesAnItemInside) {
               "“Photos” couldn’t be moved: permission denied");
 }
 
-TEST(PlatformError, PutsNoSecondSentenceBeforeTheSystemsOwn) {
+TEST(PlatformErrorTest, AddsNothingToACompleteSentence) {
     const PlatformError error =
-        PlatformError::told("The application “Work” can’t be opened.", "/A/Work.app");
+        PlatformError::withDescription("The application “Work” can’t be opened.", "/A/Work.app");
     EXPECT_EQ(error.description(), "The application “Work” can’t be opened.");
     EXPECT_EQ(error.code(), std::errc::io_error);
     EXPECT_EQ(error.path(), "/A/Work.app");

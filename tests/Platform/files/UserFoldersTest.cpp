@@ -12,7 +12,7 @@ using ::testing::Contains;
 using ::testing::IsEmpty;
 using ::testing::UnorderedElementsAre;
 
-TEST(UserFolders, AreThoseThatEveryUserHas) {
+TEST(UserFoldersTest, AreThoseThatEveryUserHas) {
     const TemporaryHome home;
     const auto folders = userFolders();
     for (const char* name : {"Desktop", "Documents", "Downloads", "Library", "Movies", "Music",
@@ -22,7 +22,7 @@ TEST(UserFolders, AreThoseThatEveryUserHas) {
     }
 }
 
-TEST(UserFolders, KnowTheNamesThatTheDesktopGave) {
+TEST(UserFoldersTest, IncludeTheNamesFromDesktopSettings) {
     const TemporaryHome home;
     const ScopedEnvironment settings("XDG_CONFIG_HOME", (home / "settings").string());
     write(home / ".config/user-dirs.dirs", "# made by the desktop\n"
@@ -37,7 +37,7 @@ TEST(UserFolders, KnowTheNamesThatTheDesktopGave) {
     EXPECT_THAT(userFolders(), Contains(home / "Dokumente"));
 }
 
-TEST(UserFolders, AreTheUsualOnesWhereTheDesktopSaysNothing) {
+TEST(UserFoldersTest, AreTheUsualOnesWithoutDesktopSettings) {
     const TemporaryHome home;
     const ScopedEnvironment settings("XDG_CONFIG_HOME", (home / "none").string());
     EXPECT_THAT(renamedUserFolders(home.path()), IsEmpty());

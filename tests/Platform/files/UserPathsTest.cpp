@@ -1,5 +1,6 @@
 #include "Platform/files/UserPaths.h"
 
+#include "Platform/files/HomeOrder.h"
 #include "tests/support/TemporaryHome.h"
 
 #include <gtest/gtest.h>
@@ -11,36 +12,46 @@ namespace {
 
 using namespace testing;
 
-TEST(UserPaths, TheFixedHomeComesBeforeTheUserDatabase) {
+TEST(UserPathsTest, TheFixedHomeComesBeforeTheUserDatabase) {
     const TemporaryHome home;
     EXPECT_EQ(UserPaths::home(), home.path());
 }
 
-TEST(UserPaths, TheUserDatabaseComesBeforeTheHomeVariable) {
+TEST(UserPathsTest, TheHomeVariableComesBeforeTheUserDatabaseWhereShellsBelieveIt) {
     const ScopedEnvironment fixed("CFFIXED_USER_HOME", "");
-    const ScopedEnvironment variable("HOME", "/somewhere/else");
-    EXPECT_EQ(UserPaths::home(), getpwuid(getuid())->pw_dir);
+    const ScopedEnvironment variable("HOME", "/somewhere/else/");
+    EXPECT_EQ(UserPaths::home(),
+              homeVariableComesFirst() ? "/somewhere/else" : getpwuid(getuid())->pw_dir);
 }
 
-TEST(UserPaths, ASlashAtTheEndOfTheHomeIsDropped) {
+TEST(UserPathsTest, ARelativeOrEmptyHomeVariableIsNotBelieved) {
+    const ScopedEnvironment fixed("CFFIXED_USER_HOME", "");
+    for (const char* odd : {"", "relative", "~"}) {
+        const ScopedEnvironment variable("HOME", odd);
+        EXPECT_EQ(UserPaths::home(), getpwuid(getuid())->pw_dir) << odd;
+    }
+}
+
+TEST(UserPathsTest, ATrailingSlashOfTheHomeIsRemoved) {
     const ScopedEnvironment fixed("CFFIXED_USER_HOME", "/Users/u//");
     EXPECT_EQ(UserPaths::home(), "/Users/u");
     EXPECT_EQ(UserPaths::expandTilde("~/I"), "/Users/u/I");
 }
 
-TEST(UserPaths, ARelativeFixedHomeIsNotBelieved) {
+TEST(UserPathsTest, ARelativeFixedHomeIsIgnored) {
     const ScopedEnvironment fixed("CFFIXED_USER_HOME", "relative");
+    const ScopedEnvironment variable("HOME", "");
     EXPECT_EQ(UserPaths::home(), getpwuid(getuid())->pw_dir);
 }
 
-TEST(UserPaths, ALeadingTildeIsTheHome) {
+TEST(UserPathsTest, ALeadingTildeIsTheHome) {
     const ScopedEnvironment fixed("CFFIXED_USER_HOME", "/Users/u");
     EXPECT_EQ(UserPaths::expandTilde("~"), "/Users/u");
     EXPECT_EQ(UserPaths::expandTilde("~/"), "/Users/u");
     EXPECT_EQ(UserPaths::expandTilde("~/a/~"), "/Users/u/a/~");
 }
 
-TEST(UserPaths, AnExpandedPathHasNoSlashAtItsEnd) {
+TEST(UserPathsTest, AnExpandedPathHasNoTrailingSlash) {
     const ScopedEnvironment fixed("CFFIXED_USER_HOME", "/Users/u");
     EXPECT_EQ(UserPaths::expandTilde("~/x/"), "/Users/u/x");
     EXPECT_EQ(UserPaths::expandTilde("~/x//"), "/Users/u/x");
@@ -55,13 +66,13 @@ TEST(UserPaths, AnExpandedPathHasNoSlashAtItsEnd) {
     EXPECT_EQ(UserPaths::expandTilde("~/x/"), "/x");
 }
 
-TEST(UserPaths, ATildeAnywhereElseStays) {
+TEST(UserPathsTest, ATildeAnywhereElseStays) {
     EXPECT_EQ(UserPaths::expandTilde("/a/~/b"), "/a/~/b");
     EXPECT_EQ(UserPaths::expandTilde("a~"), "a~");
     EXPECT_EQ(UserPaths::expandTilde(""), "");
 }
 
-TEST(UserPaths, ANamedUsersHomeComesFromTheUserDatabase) {
+TEST(UserPathsTest, ANamedUsersHomeComesFromTheUserDatabase) {
     const passwd* root = getpwnam("root");
     ASSERT_NE(root, nullptr);
     const std::string home = root->pw_dir;
@@ -69,16 +80,16 @@ TEST(UserPaths, ANamedUsersHomeComesFromTheUserDatabase) {
     EXPECT_EQ(UserPaths::expandTilde("~root/x"), home + "/x");
 }
 
-TEST(UserPaths, AnUnknownUsersPathStays) {
+TEST(UserPathsTest, AnUnknownUsersPathStays) {
     EXPECT_EQ(UserPaths::expandTilde("~no-such-user-here/x"), "~no-such-user-here/x");
 }
 
-TEST(UserPaths, TheTemporaryFolderFollowsTmpdir) {
+TEST(UserPathsTest, TheTemporaryFolderFollowsTmpdir) {
     const ScopedEnvironment variable("TMPDIR", "/var/folders/x/");
     EXPECT_EQ(UserPaths::temporaryFolder(), "/var/folders/x");
 }
 
-TEST(UserPaths, EveryHomeThatMayBeTheUsersIsListed) {
+TEST(UserPathsTest, EveryHomeThatMayBeTheUsersIsListed) {
     const TemporaryHome home;
     const ScopedEnvironment variable("HOME", "/somewhere/else");
     const auto homes = UserPaths::allHomes();

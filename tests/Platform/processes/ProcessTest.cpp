@@ -9,6 +9,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sstream>
+#include <sys/wait.h>
 #include <unistd.h>
 
 namespace quorvel {
@@ -60,29 +61,29 @@ std::string statusLine(const std::string& status, const std::string& key) {
     return status.substr(at, status.find('\n', at) - at);
 }
 
-TEST(Process, ArgumentsArriveAsTheyAre) {
+TEST(ProcessTest, ArgumentsArriveUnchanged) {
     EXPECT_EQ(output(helper({"arguments", "a b", "", "\"'$x\n", "--flag=*"})),
               "4\na b\n\n\"'$x\n\n--flag=*\n");
 }
 
-TEST(Process, EndsWithTheStatusOfTheProgram) {
+TEST(ProcessTest, EndsWithTheStatusOfTheProgram) {
     EXPECT_EQ(Process::run(helper({"exit", "7"})).waitUntilExit(), 7);
     EXPECT_EQ(Process::run(helper({"exit", "0"})).waitUntilExit(), 0);
 }
 
-TEST(Process, ASignalsNumberIsAddedTo128) {
+TEST(ProcessTest, ASignalsNumberIsAddedTo128) {
     EXPECT_EQ(Process::run(helper({"signal", "9"})).waitUntilExit(), 128 + 9);
     EXPECT_EQ(Process::run(helper({"signal", "15"})).waitUntilExit(), 128 + 15);
 }
 
-TEST(Process, TellsTheSameStatusAgain) {
+TEST(ProcessTest, ReturnsTheSameStatusAgain) {
     Process process = Process::run(helper({"exit", "3"}));
     EXPECT_EQ(process.waitUntilExit(), 3);
     EXPECT_FALSE(process.isRunning());
     EXPECT_EQ(process.waitUntilExit(), 3);
 }
 
-TEST(Process, RunsUntilItIsTerminated) {
+TEST(ProcessTest, RunsUntilItIsTerminated) {
     Process process = Process::run(helper({"wait"}));
     EXPECT_TRUE(process.isRunning());
     process.terminate();
@@ -90,39 +91,39 @@ TEST(Process, RunsUntilItIsTerminated) {
     process.terminate();
 }
 
-TEST(Process, GetsTheSignalThatIsSent) {
+TEST(ProcessTest, ReceivesASignal) {
     Process process = Process::run(helper({"wait"}));
     process.sendSignal(SIGHUP);
     EXPECT_EQ(process.waitUntilExit(), 128 + SIGHUP);
 }
 
-TEST(Process, AProgramThatIsMissingIsAnErrorAtTheStart) {
+TEST(ProcessTest, AMissingProgramIsAnErrorAtTheStart) {
     const TemporaryFolder folder;
     EXPECT_EQ(startError({.executable = folder / "none"}), std::errc::no_such_file_or_directory);
 }
 
-TEST(Process, AProgramThatMayNotBeExecutedIsAnErrorAtTheStart) {
+TEST(ProcessTest, AFileWithoutExecutePermissionIsAnErrorAtTheStart) {
     const TemporaryFolder folder;
     write(folder / "plain", "#!/bin/sh\n");
     EXPECT_EQ(startError({.executable = folder / "plain"}), std::errc::permission_denied);
     EXPECT_EQ(startError({.executable = folder.path()}), std::errc::permission_denied);
 }
 
-TEST(Process, AProgramThatIsNoneIsAnErrorAtTheStart) {
+TEST(ProcessTest, AFileThatIsNotAProgramIsAnErrorAtTheStart) {
     const TemporaryFolder folder;
     write(folder / "text", "neither a script nor a program");
     makeExecutable(folder / "text");
     EXPECT_EQ(startError({.executable = folder / "text"}), std::errc::executable_format_error);
 }
 
-TEST(Process, AScriptWhoseInterpreterIsMissingIsAnErrorAtTheStart) {
+TEST(ProcessTest, AMissingInterpreterIsAnErrorAtTheStart) {
     const TemporaryFolder folder;
     write(folder / "script", "#!/no/such/interpreter\n");
     makeExecutable(folder / "script");
     EXPECT_EQ(startError({.executable = folder / "script"}), std::errc::no_such_file_or_directory);
 }
 
-TEST(Process, TheErrorNamesTheProgram) {
+TEST(ProcessTest, TheErrorNamesTheProgram) {
     try {
         (void)Process::run({.executable = "/no/such/Tool"});
         FAIL() << "it started";
@@ -132,7 +133,7 @@ TEST(Process, TheErrorNamesTheProgram) {
     }
 }
 
-TEST(Process, AFolderThatIsMissingIsAnErrorAtTheStart) {
+TEST(ProcessTest, AMissingFolderIsAnErrorAtTheStart) {
     Process::Options options = helper({});
     options.directory = "/no/such/folder";
     EXPECT_EQ(startError(options), std::errc::no_such_file_or_directory);
@@ -146,7 +147,7 @@ TEST(Process, AFolderThatIsMissingIsAnErrorAtTheStart) {
     EXPECT_EQ(startFailure(options), "“program” couldn’t be started: no such file or directory");
 }
 
-TEST(Process, TextWithANulIsRefused) {
+TEST(ProcessTest, TextWithANulIsRefused) {
     EXPECT_EQ(startError(helper({"print", "a\0b"s})), std::errc::invalid_argument);
     EXPECT_EQ(startError({.executable = "/bin/true\0x"s}), std::errc::invalid_argument);
     Process::Options options = helper({});
@@ -157,7 +158,7 @@ TEST(Process, TextWithANulIsRefused) {
     EXPECT_EQ(startError(options), std::errc::invalid_argument);
 }
 
-TEST(Process, TheWholeEnvironmentIsWhatWasSet) {
+TEST(ProcessTest, TheEnvironmentIsExactlyTheGivenOne) {
     Process::Options options = helper({"environment"});
     options.environment = Environment{{"A", "1"}, {"EMPTY", ""}, {"TEXT", "x=y z"}};
     std::istringstream lines(output(options));
@@ -168,31 +169,31 @@ TEST(Process, TheWholeEnvironmentIsWhatWasSet) {
     EXPECT_THAT(entries, ::testing::UnorderedElementsAre("A=1", "EMPTY=", "TEXT=x=y z"));
 }
 
-TEST(Process, AnEmptyEnvironmentStaysEmpty) {
+TEST(ProcessTest, AnEmptyEnvironmentStaysEmpty) {
     Process::Options options = helper({"environment"});
     options.environment = Environment{};
     EXPECT_EQ(output(options), "");
 }
 
-TEST(Process, WithoutAnEnvironmentOursIsPassedOn) {
+TEST(ProcessTest, WithoutAnEnvironmentOursIsInherited) {
     const ScopedEnvironment variable("QUORVEL_TEST_VARIABLE", "passed on");
     EXPECT_THAT(output(helper({"environment"})),
                 ::testing::HasSubstr("QUORVEL_TEST_VARIABLE=passed on\n"));
     EXPECT_EQ(currentEnvironment().at("QUORVEL_TEST_VARIABLE"), "passed on");
 }
 
-TEST(Process, RunsInTheFolderThatWasSet) {
+TEST(ProcessTest, RunsInTheGivenFolder) {
     const TemporaryFolder folder;
     Process::Options options = helper({"directory"});
     options.directory = folder.path();
     EXPECT_EQ(output(options), folder.path().string() + "\n");
 }
 
-TEST(Process, WithoutAFolderItRunsInOurs) {
+TEST(ProcessTest, WithoutAFolderItRunsInOurs) {
     EXPECT_EQ(output(helper({"directory"})), fs::current_path().string() + "\n");
 }
 
-TEST(Process, ARelativeProgramIsFoundFromOurFolderWhereverItIsToRun) {
+TEST(ProcessTest, ARelativeProgramIsRelativeToOurFolder) {
     const TemporaryFolder folder;
     Process::Options options = helper({"directory"});
     options.executable = fs::relative(helperProgram());
@@ -200,7 +201,7 @@ TEST(Process, ARelativeProgramIsFoundFromOurFolderWhereverItIsToRun) {
     EXPECT_EQ(output(options), folder.path().string() + "\n");
 }
 
-TEST(Process, ARelativeProgramIsAnErrorWhenOurFolderIsGone) {
+TEST(ProcessTest, ARelativeProgramIsAnErrorIfOurFolderIsGone) {
     const fs::path before = fs::current_path();
     {
         const TemporaryFolder folder;
@@ -212,7 +213,7 @@ TEST(Process, ARelativeProgramIsAnErrorWhenOurFolderIsGone) {
     fs::current_path(before);
 }
 
-TEST(Process, NoDescriptorOfOursReachesTheChild) {
+TEST(ProcessTest, NoOtherDescriptorIsInherited) {
     const TemporaryFolder folder;
     write(folder / "file", "");
     const FileHandle file(::open((folder / "file").c_str(), O_RDONLY));
@@ -221,7 +222,7 @@ TEST(Process, NoDescriptorOfOursReachesTheChild) {
     EXPECT_EQ(output(helper({"descriptors"})), "0\n1\n2\n");
 }
 
-TEST(Process, SignalsAreDefaultEvenWhereWeBlockOrIgnoreThem) {
+TEST(ProcessTest, SignalsAreResetToTheirDefaults) {
     sigset_t blocked;
     sigset_t before;
     sigemptyset(&blocked);
@@ -239,33 +240,46 @@ TEST(Process, SignalsAreDefaultEvenWhereWeBlockOrIgnoreThem) {
     }
     pthread_sigmask(SIG_SETMASK, &before, nullptr);
     EXPECT_EQ(statusLine(status, "SigBlk"), "SigBlk:\t0000000000000000");
-    // The C library keeps signals 32 and 33 to itself and ignores them until it needs them.
+    // The C library reserves signals 32 and 33 and ignores them until it needs them.
     constexpr unsigned long kept = 0x180000000;
     EXPECT_EQ(std::stoul(statusLine(status, "SigIgn").substr(8), nullptr, 16) & ~kept, 0U)
         << status;
 }
 
-TEST(Process, ADroppedProcessGoesOnAndLeavesNoZombie) {
+TEST(ProcessTest, ADetachedProcessKeepsRunningAndLeavesNoZombie) {
     pid_t pid = 0;
     {
-        const Process process = Process::run(helper({"wait"}));
+        Process process = Process::run(helper({"wait"}));
         pid = process.identifier();
+        process.detach();
     }
     EXPECT_TRUE(processExists(pid));
     ASSERT_EQ(::kill(pid, SIGTERM), 0);
-    EXPECT_TRUE(waitFor([&] { return !processExists(pid); }));
+    EXPECT_TRUE(waitUntil([&] { return !processExists(pid); }));
 }
 
-TEST(Process, AProcessThatEndedBeforeItWasDroppedLeavesNoZombie) {
+TEST(ProcessTest, AProcessThatHasEndedIsReapedByItsDestructor) {
     pid_t pid = 0;
     {
         const Process process = Process::run(helper({"exit", "0"}));
         pid = process.identifier();
+        siginfo_t info{};
+        ASSERT_EQ(::waitid(P_PID, static_cast<id_t>(pid), &info, WEXITED | WNOWAIT), 0);
+        EXPECT_TRUE(processExists(pid));
     }
-    EXPECT_TRUE(waitFor([&] { return !processExists(pid); }));
+    EXPECT_FALSE(processExists(pid));
 }
 
-TEST(Process, MovingItMovesWhatIsWaitedFor) {
+TEST(ProcessTest, AProcessThatHasEndedCanBeDetached) {
+    Process process = Process::run(helper({"exit", "0"}));
+    const pid_t pid = process.identifier();
+    siginfo_t info{};
+    ASSERT_EQ(::waitid(P_PID, static_cast<id_t>(pid), &info, WEXITED | WNOWAIT), 0);
+    process.detach();
+    EXPECT_FALSE(processExists(pid));
+}
+
+TEST(ProcessTest, MovingMovesTheChild) {
     Process first = Process::run(helper({"exit", "5"}));
     Process second = std::move(first);
     EXPECT_EQ(second.waitUntilExit(), 5);
@@ -274,7 +288,7 @@ TEST(Process, MovingItMovesWhatIsWaitedFor) {
     EXPECT_EQ(third.waitUntilExit(), 5);
 }
 
-TEST(Process, ADetachedProcessHasItsOwnSessionAndNoInput) {
+TEST(ProcessTest, ADetachedProcessHasItsOwnSessionAndNoInput) {
     Process::Options options = helper({"wait"});
     options.detached = true;
     Process process = Process::run(options);
@@ -285,10 +299,10 @@ TEST(Process, ADetachedProcessHasItsOwnSessionAndNoInput) {
     process.waitUntilExit();
 }
 
-TEST(Process, ADescriptorToKeepIsTheOnlyOneOfOursThatTheChildHas) {
+TEST(ProcessTest, OnlyTheKeptDescriptorIsInherited) {
     const TemporaryFolder folder;
     write(folder / "kept", "");
-    // One below the child's number for it and one above, neither closed on execution.
+    // One descriptor below `keptDescriptor` and one above, both without FD_CLOEXEC.
     const FileHandle below(::open("/dev/null", O_RDONLY));
     const FileHandle above(::fcntl(below.descriptor(), F_DUPFD, Process::keptDescriptor + 1));
     const FileHandle kept(::open((folder / "kept").c_str(), O_RDONLY | O_CLOEXEC));
@@ -304,7 +318,7 @@ TEST(Process, ADescriptorToKeepIsTheOnlyOneOfOursThatTheChildHas) {
     EXPECT_EQ(output(options), (folder / "kept").string() + "\n") << "under its own number already";
 }
 
-TEST(Process, OutputAndErrorsGoIntoAFile) {
+TEST(ProcessTest, OutputAndErrorsGoIntoAFile) {
     const TemporaryFolder folder;
     const std::string file = folder / "log";
     {
@@ -317,19 +331,19 @@ TEST(Process, OutputAndErrorsGoIntoAFile) {
     EXPECT_EQ(read(file), "said\ncomplained\n");
 }
 
-TEST(Process, CapturingReadsMoreThanAPipeHolds) {
+TEST(ProcessTest, CapturingReadsMoreThanAPipeHolds) {
     EXPECT_EQ(output(helper({"flood", "3000000"})).size(), 3000000U);
 }
 
-TEST(Process, CapturingStopsKeepingAtTheLimitAndStillWaits) {
+TEST(ProcessTest, CapturingStopsKeepingAtTheLimitAndStillWaits) {
     EXPECT_EQ(Process::capture(helper({"flood", "3000000"}), 1000).size(), 1000U);
 }
 
-TEST(Process, CapturingLeavesErrorsOut) {
+TEST(ProcessTest, CapturingDiscardsStandardError) {
     EXPECT_EQ(output(helper({"complain", "quiet", "print", "loud"})), "loud\n");
 }
 
-TEST(Process, CapturingAProgramThatCantBeStartedIsAnError) {
+TEST(ProcessTest, CapturingAMissingProgramIsAnError) {
     EXPECT_THROW((void)Process::capture({.executable = "/no/such"}, plenty), PlatformError);
 }
 

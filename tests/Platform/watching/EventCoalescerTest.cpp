@@ -10,17 +10,17 @@ using namespace std::chrono_literals;
 
 const EventCoalescer::Clock::time_point start{1000s};
 
-TEST(EventCoalescer, HasNothingToDeliverAtFirst) {
+TEST(EventCoalescerTest, HasNothingToDeliverAtFirst) {
     EXPECT_EQ(EventCoalescer(100ms).due(), std::nullopt);
 }
 
-TEST(EventCoalescer, TheFirstEventOfAQuietPeriodIsDueAtOnce) {
+TEST(EventCoalescerTest, TheFirstEventAfterAQuietPeriodIsDueImmediately) {
     EventCoalescer coalescer(100ms);
     coalescer.add("/a", FSEventFlag::itemCreated);
     EXPECT_LE(coalescer.due(), start);
 }
 
-TEST(EventCoalescer, WhatFollowsIsGatheredForTheLatency) {
+TEST(EventCoalescerTest, LaterEventsAreCollectedForTheLatency) {
     EventCoalescer coalescer(100ms);
     coalescer.add("/a", FSEventFlag::itemCreated);
     EXPECT_THAT(coalescer.take(start).paths, ElementsAre("/a"));
@@ -29,7 +29,7 @@ TEST(EventCoalescer, WhatFollowsIsGatheredForTheLatency) {
     EXPECT_EQ(coalescer.due(), start + 100ms);
 }
 
-TEST(EventCoalescer, ChangesOfOneItemComeAsOneEventInTheOrderOfTheFirst) {
+TEST(EventCoalescerTest, ChangesOfOneItemAreOneEventAtThePositionOfTheFirst) {
     EventCoalescer coalescer(100ms);
     coalescer.add("/a", FSEventFlag::itemCreated);
     coalescer.add("/b", FSEventFlag::itemRenamed);
@@ -40,7 +40,7 @@ TEST(EventCoalescer, ChangesOfOneItemComeAsOneEventInTheOrderOfTheFirst) {
                                          FSEventFlag::itemRenamed));
 }
 
-TEST(EventCoalescer, ADeliveredItemsNextChangeIsANewEvent) {
+TEST(EventCoalescerTest, AChangeAfterTheDeliveryIsANewEvent) {
     EventCoalescer coalescer(100ms);
     coalescer.add("/a", FSEventFlag::itemCreated);
     (void)coalescer.take(start);

@@ -13,10 +13,10 @@ namespace fs = std::filesystem;
 using Paths = std::vector<std::string>;
 using Flags = std::vector<std::uint32_t>;
 
-// A folder that is also known by the name of a link, as /var is on macOS.
-class LinkedFolder : public ::testing::Test {
+// A folder that is also reachable through a link, as /var is on macOS.
+class FSEventTranslationTestLinkedFolder : public ::testing::Test {
 protected:
-    LinkedFolder() {
+    FSEventTranslationTestLinkedFolder() {
         fs::create_directories(real_ / "home");
         fs::create_directory_symlink(real_, linked_);
     }
@@ -26,54 +26,54 @@ protected:
     const fs::path linked_ = fs::canonical(folder_.path()) / "var";
 };
 
-TEST_F(LinkedFolder, IsWatchedWhereItReallyIs) {
+TEST_F(FSEventTranslationTestLinkedFolder, IsWatchedByItsRealPath) {
     EXPECT_EQ(FSEventTranslation({linked_ / "home"}).realRoots(), Paths{real_ / "home"});
 }
 
-TEST_F(LinkedFolder, IsReportedUnderTheNameThatWasGiven) {
+TEST_F(FSEventTranslationTestLinkedFolder, IsReportedUnderTheGivenName) {
     const FSEventTranslation translation({linked_ / "home"});
     EXPECT_EQ(translation.givenPath((real_ / "home/a/b.txt").string()), linked_ / "home/a/b.txt");
     EXPECT_EQ(translation.givenPath((real_ / "home").string()), linked_ / "home");
 }
 
-TEST_F(LinkedFolder, IsFoundBeforeItIsThere) {
+TEST_F(FSEventTranslationTestLinkedFolder, IsResolvedBeforeItExists) {
     const FSEventTranslation translation({linked_ / "later/home"});
     EXPECT_EQ(translation.realRoots(), Paths{real_ / "later/home"});
     EXPECT_EQ(translation.givenPath((real_ / "later/home/x").string()), linked_ / "later/home/x");
 }
 
-TEST_F(LinkedFolder, IsWatchedOnceUnderTwoNamesAndReportedUnderTheFirst) {
+TEST_F(FSEventTranslationTestLinkedFolder, IsWatchedOnceUnderTwoNamesAndReportedUnderTheFirst) {
     const FSEventTranslation translation({linked_ / "home", real_ / "home"});
     EXPECT_EQ(translation.realRoots(), Paths{real_ / "home"});
     EXPECT_EQ(translation.givenPath((real_ / "home/x").string()), linked_ / "home/x");
 }
 
-TEST_F(LinkedFolder, LosesTheSlashesAtTheEndOfItsName) {
+TEST_F(FSEventTranslationTestLinkedFolder, LosesItsTrailingSlashes) {
     const FSEventTranslation translation({linked_.string() + "/home//"});
     EXPECT_EQ(translation.realRoots(), Paths{real_ / "home"});
     EXPECT_EQ(translation.givenPath((real_ / "home/x").string()), linked_ / "home/x");
 }
 
-TEST(FSEventTranslation, LeavesWhatLiesInNoGivenFolderAsItIs) {
+TEST(FSEventTranslationTest, LeavesPathsOutsideTheGivenFoldersUnchanged) {
     const FSEventTranslation translation({"/nowhere/a"});
     EXPECT_EQ(translation.givenPath("/nowhere/ab/c"), "/nowhere/ab/c");
     EXPECT_EQ(translation.givenPath("/nowhere"), "/nowhere");
     EXPECT_EQ(translation.givenPath(""), "");
 }
 
-TEST(FSEventTranslation, TakesTheFirstOfTwoGivenFoldersThatHoldEachOther) {
+TEST(FSEventTranslationTest, UsesTheFirstOfTwoNestedFolders) {
     EXPECT_EQ(FSEventTranslation({"/nowhere/a", "/nowhere/a/b"}).givenPath("/nowhere/a/b/c"),
               "/nowhere/a/b/c");
 }
 
-TEST(FSEventTranslation, KnowsTheRootOfTheFileSystem) {
+TEST(FSEventTranslationTest, HandlesTheRootOfTheFileSystem) {
     const FSEventTranslation translation({"/"});
     EXPECT_EQ(translation.realRoots(), Paths{"/"});
     EXPECT_EQ(translation.givenPath("/nowhere/x"), "/nowhere/x");
     EXPECT_EQ(translation.givenPath("/"), "/");
 }
 
-TEST(FSEventTranslation, KeepsTheFlagsThatCallersKnowAndDropsTheOthers) {
+TEST(FSEventTranslationTest, KeepsKnownFlagsAndDropsOthers) {
     constexpr std::uint32_t known = FSEventFlag::itemCreated | FSEventFlag::itemRemoved |
                                     FSEventFlag::itemRenamed | FSEventFlag::itemModified |
                                     FSEventFlag::itemIsDir;
@@ -86,7 +86,7 @@ TEST(FSEventTranslation, KeepsTheFlagsThatCallersKnowAndDropsTheOthers) {
     EXPECT_EQ(translation.translated({"/nowhere/x"}, Flags{history}).flags, Flags{0});
 }
 
-TEST(FSEventTranslation, CountsEveryKindOfLossAsOne) {
+TEST(FSEventTranslationTest, ReportsAllKindsOfLossAsOneFlag) {
     const FSEventTranslation translation({"/nowhere"});
     for (const std::uint32_t loss : {0x1U, 0x2U, 0x4U, 0x7U}) {
         EXPECT_EQ(translation.translated({"/nowhere"}, Flags{loss}).flags,
@@ -94,7 +94,7 @@ TEST(FSEventTranslation, CountsEveryKindOfLossAsOne) {
     }
 }
 
-TEST(FSEventTranslation, DropsABatchWhoseListsDifferInLength) {
+TEST(FSEventTranslationTest, DropsABatchWhoseListsDifferInLength) {
     const FSEventTranslation translation({"/nowhere"});
     EXPECT_TRUE(translation.translated({"/nowhere/x"}, Flags{}).paths.empty());
     EXPECT_TRUE(translation.translated({}, Flags{FSEventFlag::itemCreated}).flags.empty());

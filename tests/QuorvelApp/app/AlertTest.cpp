@@ -1,3 +1,4 @@
+#include "LaunchKit/InstanceRecord.h"
 #include "QuorvelApp/widgets/MessageSheet.h"
 #include "QuorvelApp/widgets/Sheet.h"
 #include "tests/QuorvelApp/WindowFixture.h"

@@ -1,3 +1,5 @@
+#include "LaunchKit/InstanceConfig.h"
+#include "LaunchKit/InstanceRecord.h"
 #include "QuorvelApp/widgets/MessageSheet.h"
 #include "tests/QuorvelApp/WindowFixture.h"
 
@@ -119,7 +121,7 @@ TEST_F(MainWindowTest, TheNewCloneCommandOpensTheSheetOnce) {
     EXPECT_EQ(window->findChildren<NewCloneView*>().size(), 1);
 }
 
-TEST_F(MainWindowTest, ACloneThatChangesWhileShownShowsAnew) {
+TEST_F(MainWindowTest, ACloneThatChangesWhileShownIsShownAgain) {
     InstanceRecord work = addClone("Work");
     open();
     select(work);
@@ -129,16 +131,16 @@ TEST_F(MainWindowTest, ACloneThatChangesWhileShownShowsAnew) {
     EXPECT_TRUE(shown(u"Renamed"_s));
 }
 
-TEST_F(MainWindowTest, GivesTheListOfClonesItsIdealWidth) {
+TEST_F(MainWindowTest, TheListOfClonesHasItsIdealWidth) {
     addClone("Work");
     open();
     EXPECT_EQ(window->content().sidebar().width(), 280);
 }
 
-TEST_F(MainWindowTest, ARowTellsInATooltipThatItRunsAndWhatItHadToElide) {
+TEST_F(MainWindowTest, ATooltipSaysThatACloneRunsAndWhatItsRowHadToElide) {
     const InstanceRecord work = addClone("Work");
     addClone("Zoo & " + std::string(100, 'x'));
-    stubs.workspace->running = {work.config.bundleId};
+    stubs.workspace->setRunning({work.config.bundleId});
     open();
     auto* list = window->content().sidebar().findChild<QListView*>();
     const auto tip = [&](int row, bool atDot) {

@@ -11,17 +11,17 @@ namespace {
 
 using namespace Qt::StringLiterals;
 
-class Menus : public WindowTest {};
+class MenuTest : public WindowTest {};
 
 // Left to itself, macOS would guess from the words which command belongs into its own menu.
-TEST_F(Menus, SayOfEveryCommandWhereMacOSIsToPutIt) {
+TEST_F(MenuTest, SayOfEveryCommandWhereMacOSIsToPutIt) {
     open();
     EXPECT_EQ(command(u"Check for Updates…"_s)->menuRole(), QAction::ApplicationSpecificRole);
     EXPECT_EQ(command(u"New Clone…"_s)->menuRole(), QAction::NoRole);
     EXPECT_EQ(command(u"Refresh"_s)->menuRole(), QAction::NoRole);
 }
 
-TEST_F(Menus, TellAboutTheProgramInAPanelThatEscapeCloses) {
+TEST_F(MenuTest, DescribeTheProgramInAPanelThatEscapeCloses) {
     const QString before = QCoreApplication::applicationVersion();
     QCoreApplication::setApplicationVersion(u"9.8.7"_s);
     open();
@@ -43,14 +43,14 @@ TEST_F(Menus, TellAboutTheProgramInAPanelThatEscapeCloses) {
     QCoreApplication::setApplicationVersion(before);
 }
 
-TEST_F(Menus, KeepTheSearchForUpdatesDisabledWithoutAFeed) {
+TEST_F(MenuTest, KeepTheSearchForUpdatesDisabledWithoutAFeed) {
     open();
     QAction* check = command(u"Check for Updates…"_s);
     EXPECT_FALSE(check->isEnabled());
     check->trigger();
 }
 
-TEST_F(Menus, CheckForUpdatesAsSoonAndAsLongAsTheServiceCan) {
+TEST_F(MenuTest, CheckForUpdatesAsSoonAndAsLongAsTheServiceCan) {
     auto service = std::make_unique<StubUpdates>();
     StubUpdates& updates = *service;
     UpdaterController configured(std::move(service));
@@ -59,17 +59,17 @@ TEST_F(Menus, CheckForUpdatesAsSoonAndAsLongAsTheServiceCan) {
     EXPECT_TRUE(check->isEnabled());
     check->trigger();
     EXPECT_EQ(updates.checks, 1);
-    updates.tell(false);
+    updates.canCheckChanged(false);
     EXPECT_FALSE(check->isEnabled());
     check->trigger();
     EXPECT_EQ(updates.checks, 1);
-    updates.tell(true);
+    updates.canCheckChanged(true);
     EXPECT_TRUE(check->isEnabled());
     window.reset(); // before the controller
 }
 
-TEST_F(Menus, BelongToAWindowThatComesToTheFrontAtTheStart) {
-    AppServices services = AppServices::ofTheSystem();
+TEST_F(MenuTest, BelongToAWindowThatComesToTheFrontAtTheStart) {
+    AppServices services = AppServices::system();
     services.registry = InstanceRegistry({folder});
     services.workspace = stubs.workspace;
     QuorvelApp application(std::move(services));
@@ -84,7 +84,7 @@ TEST_F(Menus, BelongToAWindowThatComesToTheFrontAtTheStart) {
     EXPECT_EQ(QApplication::activeWindow(), &application.window());
 }
 
-TEST(SystemUpdates, AreNotConfiguredOutsideAnApplicationWithAFeed) {
+TEST_F(MenuTest, SystemUpdatesAreNotConfiguredOutsideAnApplicationWithAFeed) {
     EXPECT_EQ(makeSystemUpdateService(), nullptr);
     EXPECT_FALSE(UpdaterController(makeSystemUpdateService()).isConfigured());
 }

@@ -1,11 +1,13 @@
 #include "QuorvelApp/model/AppServices.h"
+#include "LaunchKit/InstanceConfig.h"
+#include "LaunchKit/InstanceRecord.h"
 #include "LaunchKit/RequestCheck.h"
 #include "LaunchKit/RunnerLocator.h"
 #include "QuorvelApp/AppModel.h"
 #include "tests/QuorvelApp/StubServices.h"
 #include "tests/support/AppBundles.h"
-#include "tests/support/OrdinaryUser.h"
 #include "tests/support/TemporaryHome.h"
+#include "tests/support/UnprivilegedUser.h"
 
 #include <QCoreApplication>
 #include <QProcess>
@@ -32,7 +34,7 @@ protected:
     // What creating fails with; empty when it does not.
     static std::string failure() {
         try {
-            (void)AppServices::ofTheSystem().createWrapper(request());
+            (void)AppServices::system().createWrapper(request());
             return {};
         } catch (const std::exception& error) {
             return error.what();
@@ -58,11 +60,11 @@ TEST_F(AppServicesTest, SaysSoWhenTheFolderOfClonesIsReadOnly) {
     const TemporaryFolder folder;
     const ScopedEnvironment elsewhere("CFFIXED_USER_HOME", folder.path().string());
     // Where that user can reach it, though the build may lie in a home that is closed to others.
-    const auto runner = RunnerLocator::locate(ApplicationFolders::ofThisProgram());
+    const auto runner = RunnerLocator::locate(ApplicationFolders::current());
     ASSERT_TRUE(runner);
     fs::create_directories(folder / ".build/release");
     fs::copy_file(*runner, folder / ".build/release/quorvel-runner");
-    EXPECT_TRUE(asOrdinaryUser(folder.path(), [&] {
+    EXPECT_TRUE(asUnprivilegedUser(folder.path(), [&] {
         fs::current_path(folder.path());
         fs::create_directories(folder / "Applications");
         fs::permissions(folder / "Applications", fs::perms{0555});
@@ -71,7 +73,7 @@ TEST_F(AppServicesTest, SaysSoWhenTheFolderOfClonesIsReadOnly) {
     }));
 }
 
-TEST_F(AppServicesTest, LeavesAnApplicationThatIsNoCloneAlone) {
+TEST_F(AppServicesTest, LeavesAnApplicationThatIsNotACloneAlone) {
     makeAppBundle(wrapper);
     const auto before = treeOf(wrapper);
     EXPECT_THAT(failure(), EndsWith("is not a clone; choose another name or folder for the new "
@@ -86,7 +88,7 @@ TEST_F(AppServicesTest, MakesACloneAgain) {
 }
 
 TEST_F(AppServicesTest, LaunchingACloneThatIsGoneIsAnError) {
-    AppModel model(AppServices::ofTheSystem());
+    AppModel model(AppServices::system());
     model.launch({.bundleURL = wrapper, .config = minimalConfig()});
     EXPECT_TRUE(eventually([&] { return model.lastError().has_value(); }));
     EXPECT_EQ(model.lastError(),
@@ -94,12 +96,12 @@ TEST_F(AppServicesTest, LaunchingACloneThatIsGoneIsAnError) {
 }
 
 // Runs only within the test below it, whose full disk it needs.
-TEST(FullDisk, DISABLED_Within) {
+TEST(AppServicesTestFullDisk, DISABLED_Within) {
     WrapperFactory::Request request;
     request.kind = ShortcutKind::web;
     request.displayName = "Work";
     try {
-        (void)AppServices::ofTheSystem().createWrapper(request);
+        (void)AppServices::system().createWrapper(request);
         FAIL() << "the disk was not full";
     } catch (const PlatformError& error) {
         EXPECT_EQ(error.code(), std::errc::no_space_on_device);
@@ -108,7 +110,7 @@ TEST(FullDisk, DISABLED_Within) {
     EXPECT_NO_THROW(checkRequest(request)) << "once there is room, it may be made";
 }
 
-TEST_F(AppServicesTest, AFullDiskIsToldAndTheCloneMayBeMadeLater) {
+TEST_F(AppServicesTest, AFullDiskIsReportedAndTheCloneMayBeMadeLater) {
     fs::create_directories(home / "Applications");
     const QString folder = QString::fromStdString((home / "Applications").string());
     const QString mount = u"mount -t tmpfs -o size=16k none '%1'"_s.arg(folder);
@@ -119,7 +121,7 @@ TEST_F(AppServicesTest, AFullDiskIsToldAndTheCloneMayBeMadeLater) {
         GTEST_SKIP() << "mounting a small disk needs permission";
     }
     EXPECT_EQ(inNamespace(mount + u" && exec '%1' --gtest_also_run_disabled_tests "
-                                  u"--gtest_filter=FullDisk.*"_s.arg(
+                                  u"--gtest_filter=AppServicesTestFullDisk.*"_s.arg(
                                       QCoreApplication::applicationFilePath())),
               0);
 }

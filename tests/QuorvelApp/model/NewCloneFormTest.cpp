@@ -18,7 +18,7 @@ NewCloneForm formFor(ShortcutKind kind) {
     return form;
 }
 
-TEST(NewCloneForm, BeginsWithItsDefaults) {
+TEST(NewCloneFormTest, BeginsWithItsDefaults) {
     const NewCloneForm form;
     EXPECT_EQ(form.shortcutType, ShortcutKind::app);
     EXPECT_FALSE(form.selected);
@@ -26,12 +26,12 @@ TEST(NewCloneForm, BeginsWithItsDefaults) {
     EXPECT_TRUE(form.launchAfter);
     EXPECT_TRUE(form.shareUserFolders);
     EXPECT_FALSE(form.showAdvanced);
-    EXPECT_EQ(form.iconLabelColor, QColor(Qt::white));
+    EXPECT_EQ(form.iconLabelColor, "#FFFFFF");
     EXPECT_FALSE(form.detectNote);
     EXPECT_FALSE(form.canCreate());
 }
 
-TEST(NewCloneForm, HasATargetOnceTheFieldOfItsKindIsMoreThanBlank) {
+TEST(NewCloneFormTest, HasATargetOnceTheFieldOfItsKindIsMoreThanBlank) {
     NewCloneForm form;
     EXPECT_FALSE(form.hasTarget());
     form.selected = notes;
@@ -50,7 +50,7 @@ TEST(NewCloneForm, HasATargetOnceTheFieldOfItsKindIsMoreThanBlank) {
     }
 }
 
-TEST(NewCloneForm, CanCreateWithTargetAndNameUnlessACreationIsUnderWay) {
+TEST(NewCloneFormTest, CanCreateWithTargetAndNameUnlessACreationIsUnderWay) {
     NewCloneForm form;
     form.selected = notes;
     EXPECT_FALSE(form.canCreate());
@@ -65,7 +65,7 @@ TEST(NewCloneForm, CanCreateWithTargetAndNameUnlessACreationIsUnderWay) {
     EXPECT_FALSE(form.canCreate());
 }
 
-TEST(NewCloneForm, TellsWhereTheCloneIsSaved) {
+TEST(NewCloneFormTest, SaysWhereTheCloneIsSaved) {
     NewCloneForm form;
     EXPECT_EQ(form.savedToText(), "Saved to ~/Applications/Name.app");
     form.cloneName = " Work\t";
@@ -73,7 +73,7 @@ TEST(NewCloneForm, TellsWhereTheCloneIsSaved) {
     EXPECT_EQ(form.savedToText(), "Saved to ~/Applications/Work.app");
 }
 
-TEST(NewCloneForm, SelectingAnAppNamesItAndSetsTheAdvancedOptionsBack) {
+TEST(NewCloneFormTest, SelectingAnAppNamesItAndSetsTheAdvancedOptionsBack) {
     NewCloneForm form;
     form.cloneName = "typed by hand";
     form.strategy = Strategy::wrapperIdentity;
@@ -81,9 +81,9 @@ TEST(NewCloneForm, SelectingAnAppNamesItAndSetsTheAdvancedOptionsBack) {
     form.selectedSandboxed = true;
     form.dataPath = form.argsText = form.envText = form.plistText = form.iconLabelText = "x";
     form.customIcon = "/x.icns";
-    form.hideDockIcon = form.registerBrowser = form.openWith = true;
-    form.menuBarIcon = form.menuBarTemplate = true;
-    form.iconLabelColor = Qt::red;
+    form.hideDockIcon = form.registerAsBrowser = form.openWithPassthrough = true;
+    form.menuBarIcon = form.menuBarIconTemplate = true;
+    form.iconLabelColor = "#FF0000";
     form.shareUserFolders = false;
     form.launchAfter = false;
     form.showAdvanced = true;
@@ -107,20 +107,30 @@ TEST(NewCloneForm, SelectingAnAppNamesItAndSetsTheAdvancedOptionsBack) {
     EXPECT_FALSE(request.menuBarIcon);
     EXPECT_FALSE(request.menuBarIconTemplate);
     EXPECT_TRUE(request.shareUserFolders);
-    EXPECT_EQ(form.iconLabelColor, QColor(Qt::white));
+    EXPECT_EQ(form.iconLabelColor, "#FFFFFF");
     EXPECT_FALSE(form.launchAfter) << "kept";
     EXPECT_TRUE(form.showAdvanced) << "kept";
     EXPECT_EQ(form.webURL, "kept");
 }
 
-TEST(NewCloneForm, ShowsTheWholeCatalogForABlankSearch) {
+TEST(NewCloneFormTest, SelectingAnAppSetsEverySwitchBack) {
+    for (const CloneSwitch& each : cloneSwitches) {
+        NewCloneForm form;
+        form.*each.member = !each.defaultValue();
+        EXPECT_NE(each.valueIn(form.makeRequest()), each.defaultValue()) << each.key;
+        form.select(notes, "Notes");
+        EXPECT_EQ(each.valueIn(form.makeRequest()), each.defaultValue()) << each.key;
+    }
+}
+
+TEST(NewCloneFormTest, ShowsTheWholeCatalogForABlankSearch) {
     NewCloneForm form;
     EXPECT_THAT(form.filtered({notes, zoom}), ElementsAre(notes, zoom));
     form.search = "  ";
     EXPECT_THAT(form.filtered({notes, zoom}), ElementsAre(notes, zoom));
 }
 
-TEST(NewCloneForm, SearchesNamesInUpperAndLowerCaseAlike) {
+TEST(NewCloneFormTest, SearchesNamesWhateverTheirCase) {
     NewCloneForm form;
     form.search = " NOTES ";
     EXPECT_THAT(form.filtered({notes, zoom}), ElementsAre(notes));
@@ -128,14 +138,14 @@ TEST(NewCloneForm, SearchesNamesInUpperAndLowerCaseAlike) {
     EXPECT_THAT(form.filtered({notes, zoom}), IsEmpty()) << "paths are not searched";
 }
 
-TEST(NewCloneForm, SaysThatNothingMatchesWithTheTextAsTyped) {
+TEST(NewCloneFormTest, SaysThatNothingMatchesWithTheTextAsTyped) {
     NewCloneForm form;
     EXPECT_EQ(form.noAppsText(), "No apps found.");
     form.search = " xyz ";
     EXPECT_EQ(form.noAppsText(), "No apps match \u201c xyz \u201d.");
 }
 
-TEST(NewCloneForm, AsksForAnAppByItsBundle) {
+TEST(NewCloneFormTest, AsksForAnAppByItsBundle) {
     NewCloneForm form;
     EXPECT_FALSE(form.makeRequest().targetApp);
     form.selected = notes;
@@ -151,7 +161,7 @@ TEST(NewCloneForm, AsksForAnAppByItsBundle) {
     EXPECT_FALSE(request.commandPath);
 }
 
-TEST(NewCloneForm, AsksForAWebAddressAsTyped) {
+TEST(NewCloneFormTest, AsksForAWebAddressAsTyped) {
     NewCloneForm form = formFor(ShortcutKind::web);
     form.selected = notes;
     form.webURL = " example.com ";
@@ -162,13 +172,13 @@ TEST(NewCloneForm, AsksForAWebAddressAsTyped) {
     EXPECT_THAT(request.commandArgs, IsEmpty());
 }
 
-TEST(NewCloneForm, AsksForAFile) {
+TEST(NewCloneFormTest, AsksForAFile) {
     NewCloneForm form = formFor(ShortcutKind::file);
     form.filePath = " /a b.pdf\t";
     EXPECT_EQ(form.makeRequest().openPath, "/a b.pdf");
 }
 
-TEST(NewCloneForm, AsksForACommandWithItsWords) {
+TEST(NewCloneFormTest, RequestsACommandWithItsArguments) {
     NewCloneForm form = formFor(ShortcutKind::command);
     form.commandPathText = " /bin/ls ";
     form.commandArgsText = " -l\t-a \n x";
@@ -178,7 +188,7 @@ TEST(NewCloneForm, AsksForACommandWithItsWords) {
     EXPECT_FALSE(request.workingDirectory);
 }
 
-TEST(NewCloneForm, PassesAWorkingDirectoryOnUntrimmed) {
+TEST(NewCloneFormTest, PassesAWorkingDirectoryOnUntrimmed) {
     NewCloneForm form = formFor(ShortcutKind::command);
     form.workdir = " /tmp";
     EXPECT_EQ(form.makeRequest().workingDirectory, " /tmp");
@@ -188,7 +198,7 @@ TEST(NewCloneForm, PassesAWorkingDirectoryOnUntrimmed) {
     EXPECT_FALSE(form.makeRequest().workingDirectory);
 }
 
-TEST(NewCloneForm, TakesBlankAsNoDataLocation) {
+TEST(NewCloneFormTest, TakesBlankAsNoDataLocation) {
     NewCloneForm form;
     form.dataPath = "   ";
     EXPECT_FALSE(form.makeRequest().instanceHome);
@@ -196,7 +206,7 @@ TEST(NewCloneForm, TakesBlankAsNoDataLocation) {
     EXPECT_EQ(form.makeRequest().instanceHome, "/data");
 }
 
-TEST(NewCloneForm, TakesNoWordsAsTheDefaultArguments) {
+TEST(NewCloneFormTest, NoArgumentsMeansTheDefaultArguments) {
     NewCloneForm form;
     form.argsText = " \n ";
     EXPECT_FALSE(form.makeRequest().extraArgs);
@@ -208,7 +218,7 @@ TEST(NewCloneForm, TakesNoWordsAsTheDefaultArguments) {
     EXPECT_TRUE(form.makeRequest().extraArgs) << "for every kind";
 }
 
-TEST(NewCloneForm, MakesAnIconLabelOfTextAndColour) {
+TEST(NewCloneFormTest, MakesAnIconLabelOfTextAndColour) {
     NewCloneForm form;
     form.iconLabelText = "  ";
     EXPECT_FALSE(form.makeRequest().iconLabel);
@@ -216,14 +226,14 @@ TEST(NewCloneForm, MakesAnIconLabelOfTextAndColour) {
     EXPECT_EQ(form.makeRequest().iconLabel,
               (IconLabel{
                   .text = "WORK", .colorHex = "#FFFFFF", .position = IconLabel::Position::bottom}));
-    form.iconLabelColor = QColor(255, 128, 0, 10);
+    form.iconLabelColor = "#FF8000";
     EXPECT_EQ(form.makeRequest().iconLabel->colorHex, "#FF8000");
 }
 
-TEST(NewCloneForm, PassesEverySwitchOn) {
+TEST(NewCloneFormTest, PassesEverySwitchOn) {
     NewCloneForm form;
-    form.hideDockIcon = form.registerBrowser = form.openWith = true;
-    form.menuBarIcon = form.menuBarTemplate = true;
+    form.hideDockIcon = form.registerAsBrowser = form.openWithPassthrough = true;
+    form.menuBarIcon = form.menuBarIconTemplate = true;
     form.shareUserFolders = false;
     form.customIcon = "/x.icns";
     form.strategy = Strategy::wrapperIdentity;
@@ -243,32 +253,32 @@ TEST(NewCloneForm, PassesEverySwitchOn) {
     EXPECT_THAT(request.infoPlistOverrides, ElementsAre(Pair("LSUIElement", "true")));
 }
 
-TEST(NewCloneForm, KeepsTheTemplateChoiceWithoutAMenuBarIcon) {
+TEST(NewCloneFormTest, KeepsTheTemplateChoiceWithoutAMenuBarIcon) {
     NewCloneForm form;
-    form.menuBarTemplate = true;
+    form.menuBarIconTemplate = true;
     EXPECT_FALSE(form.makeRequest().menuBarIcon);
     EXPECT_TRUE(form.makeRequest().menuBarIconTemplate);
 }
 
-TEST(ParseKeyValues, SkipsWhatIsNoEntryAndKeepsTheLastOfAKey) {
+TEST(NewCloneFormTest, ParseKeyValuesSkipsWhatIsNotAnEntryAndKeepsTheLastOfAKey) {
     EXPECT_THAT(parseKeyValues("A=1\n\n B = 2 \nnoequals\n=x\nA=3"),
                 ElementsAre(Pair("A", "3"), Pair("B", " 2 ")));
     EXPECT_THAT(parseKeyValues(" \t=x"), IsEmpty());
     EXPECT_THAT(parseKeyValues(""), IsEmpty());
 }
 
-TEST(ParseKeyValues, SplitsAtTheFirstEqualsSign) {
+TEST(NewCloneFormTest, ParseKeyValuesSplitsAtTheFirstEqualsSign) {
     EXPECT_THAT(parseKeyValues("KEY=a=b"), ElementsAre(Pair("KEY", "a=b")));
     EXPECT_THAT(parseKeyValues("KEY="), ElementsAre(Pair("KEY", "")));
 }
 
-TEST(ParseKeyValues, KnowsEveryLineBreak) {
+TEST(NewCloneFormTest, ParseKeyValuesKnowsEveryLineBreak) {
     EXPECT_THAT(parseKeyValues("A=1\rB=2\r\nC=3\vD=4\fE=5\u0085F=6\u2028G=7\u2029H=8"),
                 ElementsAre(Pair("A", "1"), Pair("B", "2"), Pair("C", "3"), Pair("D", "4"),
                             Pair("E", "5"), Pair("F", "6"), Pair("G", "7"), Pair("H", "8")));
 }
 
-TEST(AutomaticNaming, CapitalisesTheWordsOfAHost) {
+TEST(NewCloneFormTest, AutomaticNamingCapitalizesTheWordsOfAHost) {
     NewCloneForm form = formFor(ShortcutKind::web);
     form.webURL = "www.mail.host.test";
     form.autoNameIfNeeded();
@@ -280,7 +290,7 @@ struct Address {
     std::string name;
 };
 
-TEST(AutomaticNaming, TakesTheHostAlone) {
+TEST(NewCloneFormTest, AutomaticNamingTakesTheHostAlone) {
     for (const Address& address :
          std::vector<Address>{{"https://mail.example.org/inbox?x=www.a.b", "Mail.Example.Org"},
                               {"http://user:pw@www.example.org:8080/", "Example.Org"},
@@ -299,7 +309,7 @@ TEST(AutomaticNaming, TakesTheHostAlone) {
     }
 }
 
-TEST(AutomaticNaming, LeavesANameAlone) {
+TEST(NewCloneFormTest, AutomaticNamingLeavesANameAlone) {
     NewCloneForm form = formFor(ShortcutKind::web);
     form.cloneName = "Mine";
     form.webURL = "example.com";
@@ -307,10 +317,10 @@ TEST(AutomaticNaming, LeavesANameAlone) {
     EXPECT_EQ(form.cloneName, "Mine");
     form.cloneName = " ";
     form.autoNameIfNeeded();
-    EXPECT_EQ(form.cloneName, "Example.Com") << "a blank name is none";
+    EXPECT_EQ(form.cloneName, "Example.Com") << "a blank name counts as none";
 }
 
-TEST(AutomaticNaming, NamesACommandAfterItsFile) {
+TEST(NewCloneFormTest, AutomaticNamingNamesACommandAfterItsFile) {
     for (const Address& path : std::vector<Address>{{"/usr/local/bin/my-tool", "My-Tool"},
                                                     {"my_script.sh", "My_Script.Sh"},
                                                     {"/opt/o'neil's/it's", "It's"},
@@ -324,7 +334,7 @@ TEST(AutomaticNaming, NamesACommandAfterItsFile) {
     }
 }
 
-TEST(AutomaticNaming, DoesNothingForAppsAndFiles) {
+TEST(NewCloneFormTest, AutomaticNamingDoesNothingForAppsAndFiles) {
     for (const ShortcutKind kind : {ShortcutKind::app, ShortcutKind::file}) {
         NewCloneForm form = formFor(kind);
         form.webURL = "example.com";
@@ -335,7 +345,7 @@ TEST(AutomaticNaming, DoesNothingForAppsAndFiles) {
     }
 }
 
-TEST(Choosing, AFileNamesANamelessCloneAfterItsStem) {
+TEST(NewCloneFormTest, ChoosingAFileNamesANamelessCloneAfterItsStem) {
     NewCloneForm form = formFor(ShortcutKind::file);
     form.chooseFile("/Users/u/Report.pdf");
     EXPECT_EQ(form.filePath, "/Users/u/Report.pdf");
@@ -344,7 +354,7 @@ TEST(Choosing, AFileNamesANamelessCloneAfterItsStem) {
     EXPECT_EQ(form.cloneName, "Report") << "a name stays";
 }
 
-TEST(Choosing, ADataFolderGetsTheClonesNameBehindIt) {
+TEST(NewCloneFormTest, ChoosingADataFolderAppendsTheClonesName) {
     NewCloneForm form;
     form.chooseDataFolder("/Volumes/Ext");
     EXPECT_EQ(form.dataPath, "/Volumes/Ext/Name");
@@ -355,7 +365,7 @@ TEST(Choosing, ADataFolderGetsTheClonesNameBehindIt) {
     EXPECT_EQ(form.dataPath, "/Work");
 }
 
-TEST(Detection, TakesTheRecommendationAndSaysSo) {
+TEST(NewCloneFormTest, DetectionTakesTheRecommendationAndSaysSo) {
     NewCloneForm form;
     form.detectNote = "old";
     form.beginDetecting();
@@ -367,7 +377,7 @@ TEST(Detection, TakesTheRecommendationAndSaysSo) {
     EXPECT_EQ(form.strategyCaption(), "Detected: Container redirect (B).");
 }
 
-TEST(Detection, LeavesTheStrategyForAnAppThatResists) {
+TEST(NewCloneFormTest, DetectionLeavesTheStrategyForAnAppThatResists) {
     NewCloneForm form;
     form.strategy = Strategy::wrapperIdentity;
     form.beginDetecting();
@@ -378,7 +388,7 @@ TEST(Detection, LeavesTheStrategyForAnAppThatResists) {
     EXPECT_FALSE(form.detecting);
 }
 
-TEST(Detection, ShowsAFailure) {
+TEST(NewCloneFormTest, DetectionShowsAFailure) {
     NewCloneForm form;
     form.strategyReason = "reason";
     EXPECT_EQ(form.strategyCaption(), "reason");

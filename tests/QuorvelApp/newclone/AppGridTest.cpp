@@ -1,3 +1,4 @@
+#include "QuorvelApp/Components.h"
 #include "tests/QuorvelApp/WindowFixture.h"
 
 #include <QPainter>
@@ -161,7 +162,7 @@ TEST_F(AppGridTest, TheRingStaysOnItsAppWhenTheCatalogChanges) {
     EXPECT_EQ(chosen(), name.toStdString());
 }
 
-TEST_F(AppGridTest, AsMuchRoomIsBelowTheLastRowAsAboveTheFirst) {
+TEST_F(AppGridTest, TheSpaceBelowTheLastRowEqualsThatAboveTheFirst) {
     for (int number = 10; number < 60; ++number) {
         stubs.installed.push_back({.url = "/" + std::to_string(number), .name = "App"});
     }
@@ -180,7 +181,7 @@ TEST_F(AppGridTest, AsMuchRoomIsBelowTheLastRowAsAboveTheFirst) {
 }
 
 /// One tile, painted on its own at twice its size so that half points show.
-class AppTileTest : public ::testing::Test {
+class AppGridTestTile : public ::testing::Test {
 protected:
     static constexpr int ratio = 2;
     static constexpr int cellWidth = 108;
@@ -227,7 +228,7 @@ protected:
 constexpr int iconTop = 8 + 10;
 constexpr int iconLeft = (108 - 48) / 2;
 
-TEST_F(AppTileTest, FillsItsCellButForTheSpacing) {
+TEST_F(AppGridTestTile, FillsItsCellButForTheSpacing) {
     const QImage plain = painted(false, false);
     const QImage selected = painted(true, false);
     EXPECT_EQ(difference(plain, selected), QRect(16, 16, 2 * 92, 2 * 102));
@@ -239,7 +240,7 @@ TEST_F(AppTileTest, FillsItsCellButForTheSpacing) {
     EXPECT_EQ(selected.pixelColor(17, 17), plain.pixelColor(17, 17)) << "round corners";
 }
 
-TEST_F(AppTileTest, HasItsNameInAFrameOf28PointsBelowTheIcon) {
+TEST_F(AppGridTestTile, HasItsNameInAFrameOf28PointsBelowTheIcon) {
     const QRect name = difference(painted(false, false, " "),
                                   painted(false, false, "Wwwwg Mmmmg Wwwwg Mmmmg Wwwwwg"));
     const int top = iconTop + 48 + 6;
@@ -250,7 +251,7 @@ TEST_F(AppTileTest, HasItsNameInAFrameOf28PointsBelowTheIcon) {
     EXPECT_LE(name.right(), 2 * (8 + 92 - 10));
 }
 
-TEST_F(AppTileTest, HasALockOf15PointsAndARingThreePointsOutwardOfItsIcon) {
+TEST_F(AppGridTestTile, HasALockOf15PointsAndARingThreePointsOutwardOfItsIcon) {
     const QImage plain = painted(false, false);
     const QImage locked = painted(false, true);
     const int right = iconLeft + 48 + 3;
@@ -279,7 +280,7 @@ TEST_F(AppTileTest, HasALockOf15PointsAndARingThreePointsOutwardOfItsIcon) {
     EXPECT_EQ(icon.right() + 6, circle.right());
 }
 
-TEST_F(AppTileTest, HasNoLockUnlessItsAppIsKnownToBeSandboxed) {
+TEST_F(AppGridTestTile, HasNoLockUnlessItsAppIsKnownToBeSandboxed) {
     EXPECT_EQ(difference(painted(false, std::nullopt), painted(false, false)), QRect());
     const InstalledApp app{.url = "/Applications/Mail.app", .name = "Mail"};
     const std::map<std::string, bool> nothing;

@@ -85,7 +85,7 @@ TEST_F(ConfigurationPaneTest, DetectionShowsASpinnerThenItsOutcome) {
     EXPECT_TRUE(detect->isEnabled());
 }
 
-TEST_F(ConfigurationPaneTest, AFailedDetectionIsTold) {
+TEST_F(ConfigurationPaneTest, AFailedDetectionIsReported) {
     stubs.probe = [] { return std::nullopt; };
     openSheetWith(u"Notes"_s);
     button(u"Auto-detect"_s)->click();
@@ -203,7 +203,7 @@ TEST_F(ConfigurationPaneTest, ADetectionOfAnAppThatIsSelectedNoMoreIsDropped) {
         stubs.tasks->holding = true;
         button(u"Auto-detect"_s)->click();
         choose(u"Mail"_s);
-        EXPECT_TRUE(sheet.session().form().detecting) << "it goes on";
+        EXPECT_TRUE(sheet.session().form().detecting) << "it continues";
         stubs.tasks->release();
         ASSERT_TRUE(eventually([&] { return !sheet.session().form().detecting && hasProposal(); }));
         EXPECT_EQ(sheet.session().form().strategy, Strategy::homeOverride);
@@ -236,14 +236,14 @@ TEST_F(ConfigurationPaneTest, TheMonochromeBoxNeedsAMenuBarIcon) {
     monochrome->click();
     checkBox(window.get(), u"Show a menu-bar icon while running"_s)->click();
     EXPECT_FALSE(monochrome->isEnabled());
-    EXPECT_TRUE(sheet.session().form().menuBarTemplate) << "the choice is kept";
+    EXPECT_TRUE(sheet.session().form().menuBarIconTemplate) << "the choice is kept";
 }
 
 TEST_F(ConfigurationPaneTest, ACustomIconIsChosenShownAndCleared) {
     const std::filesystem::path icon = home / "mine.icns";
     write(icon, icnsFile(std::array{icnsChunk(chatIcon(64))}));
-    panels.icon = [&](QWidget*) { return std::optional(icon); };
-    panels.dataFolder = [](QWidget*) { return std::optional<std::filesystem::path>("/Volumes/E"); };
+    panels.icon = [&](QObject*) { return std::optional(icon); };
+    panels.dataFolder = [](QObject*) { return std::optional<std::filesystem::path>("/Volumes/E"); };
     NewCloneView& sheet = openSheetWith(u"Notes"_s);
     button(u"Advanced options"_s)->click();
     EXPECT_TRUE(shown(u"Uses the app's own icon"_s));

@@ -1,3 +1,4 @@
+#include "LaunchKit/InstanceRecord.h"
 #include "tests/QuorvelApp/WindowFixture.h"
 
 #include <QPlainTextEdit>
@@ -11,7 +12,7 @@ using namespace Qt::StringLiterals;
 
 class NewCloneSheetTest : public WindowTest {};
 
-TEST_F(NewCloneSheetTest, ASheetEndsWithEscapeAndBeginsAnew) {
+TEST_F(NewCloneSheetTest, ASheetEndsWithEscapeAndStartsOver) {
     addApps();
     open();
     NewCloneView& sheet = openSheet();
@@ -22,20 +23,20 @@ TEST_F(NewCloneSheetTest, ASheetEndsWithEscapeAndBeginsAnew) {
     EXPECT_EQ(openSheet().session().form().webURL, "");
 }
 
-TEST_F(NewCloneSheetTest, CreatingShowsThatItGoesOnAndThenClosesTheSheet) {
-    stubs.create = [&](const auto& request) { return addClone(request.displayName).bundleURL; };
+TEST_F(NewCloneSheetTest, CreatingShowsProgressAndThenClosesTheSheet) {
+    stubs.create = [&](const auto& request) { return addWrapper(request.displayName); };
     openSheetWith(u"Notes"_s);
     stubs.tasks->holding = true;
     button(u"Create Shortcut"_s)->click();
     EXPECT_FALSE(button(u"Creating…"_s)->isEnabled());
     stubs.tasks->release();
     ASSERT_TRUE(eventually([&] { return !window->content().showingNewClone(); }));
-    EXPECT_EQ(stubs.model().clones().size(), 1U);
+    EXPECT_EQ(cloneCount(), 1U);
     EXPECT_EQ(stubs.workspace->opened.size(), 1U) << "launched, as the box says";
 }
 
 TEST_F(NewCloneSheetTest, ClosesBeforeItsCreationCountsAsEnded) {
-    stubs.create = [&](const auto& request) { return addClone(request.displayName).bundleURL; };
+    stubs.create = [&](const auto& request) { return addWrapper(request.displayName); };
     NewCloneView& sheet = openSheetWith(u"Notes"_s);
     std::vector<std::string> order;
     QObject::connect(&sheet, &QDialog::accepted, &sheet, [&] {
@@ -52,8 +53,8 @@ TEST_F(NewCloneSheetTest, ClosesBeforeItsCreationCountsAsEnded) {
 }
 
 TEST_F(NewCloneSheetTest, EndsWhileAPanelIsOpenAndTheAnswerComesTooLate) {
-    stubs.create = [&](const auto& request) { return addClone(request.displayName).bundleURL; };
-    panels.fileOrFolder = [&](QWidget*) -> std::optional<fs::path> {
+    stubs.create = [&](const auto& request) { return addWrapper(request.displayName); };
+    panels.fileOrFolder = [&](QObject*) -> std::optional<fs::path> {
         stubs.tasks->release();
         EXPECT_TRUE(eventually([&] { return window->findChildren<NewCloneView*>().isEmpty(); }));
         return "/late";
@@ -67,21 +68,21 @@ TEST_F(NewCloneSheetTest, EndsWhileAPanelIsOpenAndTheAnswerComesTooLate) {
     button(u"Create Shortcut"_s)->click();
     button(u"Browse…"_s)->click();
     EXPECT_FALSE(window->content().showingNewClone());
-    EXPECT_EQ(stubs.model().clones().size(), 1U);
+    EXPECT_EQ(cloneCount(), 1U);
 }
 
 TEST_F(NewCloneSheetTest, KeepsTheMnemonicsOfWhatItCovers) {
-    const InstanceRecord work = addClone("Work");
+    const InstanceRecord& work = addClone("Work");
     open();
     window->activateWindow();
     ASSERT_TRUE(QTest::qWaitForWindowActive(window.get()));
-    window->content().sidebar().select(work.id());
+    select(work);
     QTest::keyClick(window.get(), Qt::Key_L, Qt::AltModifier);
     ASSERT_TRUE(eventually([&] { return stubs.workspace->opened.size() == 1; }));
     NewCloneView& sheet = openSheet();
     QTest::keyClick(&sheet, Qt::Key_L, Qt::AltModifier);
     QTest::qWait(200); // a button that was pressed by its mnemonic is released a moment later
-    EXPECT_EQ(stubs.workspace->opened.size(), 1U) << "the button lies below";
+    EXPECT_EQ(stubs.workspace->opened.size(), 1U) << "the button is below";
 }
 
 TEST_F(NewCloneSheetTest, TakesTheEditorsTextAsItWasTyped) {
@@ -110,7 +111,7 @@ TEST_F(NewCloneSheetTest, EditsDuringACreationDoNotReachTheRequest) {
     std::string made;
     stubs.create = [&](const auto& request) {
         made = request.displayName;
-        return addClone(request.displayName).bundleURL;
+        return addWrapper(request.displayName);
     };
     openSheetWith(u"Notes"_s);
     stubs.tasks->holding = true;
@@ -121,7 +122,7 @@ TEST_F(NewCloneSheetTest, EditsDuringACreationDoNotReachTheRequest) {
     EXPECT_EQ(made, "Notes (2)");
 }
 
-TEST_F(NewCloneSheetTest, AFailureAfterTheSheetWasCancelledIsStillTold) {
+TEST_F(NewCloneSheetTest, AFailureAfterTheSheetWasCancelledIsStillReported) {
     stubs.create = [](const auto&) -> fs::path {
         throw WrapperFactory::FactoryError::runnerNotFound();
     };
@@ -137,8 +138,8 @@ TEST_F(NewCloneSheetTest, AFailureAfterTheSheetWasCancelledIsStillTold) {
 TEST_F(NewCloneSheetTest, WarnsOfACloneThatWouldBeReplaced) {
     addClone("Notes (2)");
     openSheetWith(u"Notes"_s);
-    const QString warning = u"“Notes (2)” is there already. Creating this clone replaces it; its "
-                            u"data stays."_s;
+    const QString warning = u"“Notes (2)” already exists. Creating this clone will replace it; its "
+                            u"data is kept."_s;
     EXPECT_TRUE(shown(warning));
     field(u"Name"_s)->setText(u"Notes (3)"_s);
     EXPECT_FALSE(shown(warning));
@@ -148,10 +149,10 @@ TEST_F(NewCloneSheetTest, WarnsOfACloneThatWouldBeReplaced) {
     EXPECT_FALSE(shown(warning)) << "it is gone";
 }
 
-TEST_F(NewCloneSheetTest, SaysThatWhatStandsInThePlaceIsNoClone) {
+TEST_F(NewCloneSheetTest, SaysThatWhatIsInThePlaceIsNotAClone) {
     const fs::path mine = makeAppBundle(folder / "Mine.app");
     const auto before = treeOf(mine);
-    stubs.create = AppServices::ofTheSystem().createWrapper;
+    stubs.create = AppServices::system().createWrapper;
     open();
     openSheet();
     button(u"Web App"_s)->click();

@@ -69,7 +69,7 @@ TEST_F(TargetPaneTest, TheAppsStayInViewDuringAnotherScan) {
     EXPECT_TRUE(grid->isVisible());
     EXPECT_EQ(grid->model()->rowCount(), 3);
     field(u"Search apps"_s)->setText(u"xyz"_s);
-    EXPECT_TRUE(shown(u"No apps match “xyz”."_s)) << "rather than that a scan goes on";
+    EXPECT_TRUE(shown(u"No apps match “xyz”."_s)) << "rather than that a scan is running";
     stubs.tasks->release();
     EXPECT_TRUE(eventually([&] { return !stubs.model().catalogLoading(); }));
 }
@@ -105,7 +105,7 @@ TEST_F(TargetPaneTest, AWebAddressNamesItsCloneWhileItIsTyped) {
     QTest::keyClicks(field(u"Website URL"_s), u"https://www.other.test"_s);
     EXPECT_EQ(sheet.session().form().cloneName, "Other.Test");
     QTest::keyClicks(field(u"Website URL"_s), u" and more"_s);
-    EXPECT_EQ(sheet.session().form().cloneName, "") << "which is no address";
+    EXPECT_EQ(sheet.session().form().cloneName, "") << "which is not an address";
 }
 
 TEST_F(TargetPaneTest, ACommandNamesItsCloneWhileItIsTyped) {
@@ -119,7 +119,7 @@ TEST_F(TargetPaneTest, ACommandNamesItsCloneWhileItIsTyped) {
     EXPECT_EQ(sheet.session().form().cloneName, "My-Tool");
 }
 
-TEST_F(TargetPaneTest, ANameTypedByHandStaysWhateverIsTypedElsewhere) {
+TEST_F(TargetPaneTest, ANameTypedByHandStaysWhenOtherFieldsChange) {
     open();
     NewCloneView& sheet = openSheet();
     button(u"Web App"_s)->click();
@@ -137,7 +137,7 @@ TEST_F(TargetPaneTest, ANameTypedByHandStaysWhateverIsTypedElsewhere) {
 
 TEST_F(TargetPaneTest, PanelsFillTheirFieldsAndCancellingChangesNothing) {
     std::optional<fs::path> answer;
-    const auto panel = [&](QWidget*) { return answer; };
+    const auto panel = [&](QObject*) { return answer; };
     panels = {panel, panel, panel, panel, panel};
     open();
     NewCloneView& sheet = openSheet();
@@ -166,7 +166,7 @@ TEST_F(TargetPaneTest, TheGridsColumnsStayWithinTheirWidths) {
     }
 }
 
-TEST_F(TargetPaneTest, ATileTellsWhatItsLockMeansAndItsWholeName) {
+TEST_F(TargetPaneTest, ATilesTooltipExplainsItsLockAndHasItsWholeName) {
     stubs.installed = {{.url = "/Applications/Mail.app", .name = "Mail"},
                        {.url = "/Applications/L.app", .name = std::string(200, 'l')}};
     stubs.sandboxed = {"/Applications/Mail.app"};
@@ -189,7 +189,7 @@ TEST_F(TargetPaneTest, ATileTellsWhatItsLockMeansAndItsWholeName) {
 
 TEST_F(TargetPaneTest, ThePanelsOfACommandFillItsFields) {
     const auto answering = [](const char* path) {
-        return [path](QWidget*) { return std::optional<std::filesystem::path>(path); };
+        return [path](QObject*) { return std::optional<std::filesystem::path>(path); };
     };
     panels.file = answering("/usr/local/bin/my-tool");
     panels.folder = answering("/tmp");

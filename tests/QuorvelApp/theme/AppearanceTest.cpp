@@ -15,9 +15,9 @@ protected:
         addApps();
         stubs.sandboxed = {"/Applications/Mail.app"};
         write(home / "QuorvelInstances/Work/Downloads/a", "x");
-        work = addClone("Work");
+        work = &addClone("Work");
         addClone("Home");
-        stubs.workspace->running = {work.config.bundleId};
+        stubs.workspace->setRunning({WrapperFactory::defaultBundleId("Work")});
         QApplication::setCursorFlashTime(0);
     }
     ~AppearanceTest() override { Appearance::apply(ColorScheme::light); }
@@ -54,11 +54,11 @@ protected:
         EXPECT_EQ(dark, pictureAfter(ColorScheme::light, ColorScheme::dark, prepare));
     }
 
-    InstanceRecord work;
+    const InstanceRecord* work = nullptr;
 };
 
 TEST_F(AppearanceTest, TheMainWindowFollowsAtOnceAndWhole) {
-    expectNothingStale([this] { select(work); });
+    expectNothingStale([this] { select(*work); });
 }
 
 TEST_F(AppearanceTest, TheEmptyWindowFollows) {
@@ -95,7 +95,7 @@ TEST_F(AppearanceTest, TheFormsFollow) {
 
 TEST_F(AppearanceTest, AMessageFollows) {
     expectNothingStale([this] {
-        select(work);
+        select(*work);
         button(u"Delete"_s)->click();
     });
     expectNothingStale([this] { stubs.model().setLastError("It did not work."); });

@@ -1,3 +1,6 @@
+#include "LaunchKit/InstanceConfig.h"
+#include "LaunchKit/InstanceRecord.h"
+#include "QuorvelApp/Components.h"
 #include "QuorvelApp/library/CloneRow.h"
 #include "QuorvelApp/theme/Appearance.h"
 #include "QuorvelApp/widgets/ColorWell.h"
@@ -137,7 +140,7 @@ std::vector<QImage> controlsUnder(const QString& sheet) {
 TEST_F(LooksTest, ANativeStyleDrawsItsControlsItself) {
     const auto bare = controlsUnder({});
     EXPECT_EQ(controlsUnder(styleSheetFor(lightColors(), ControlLook::native)), bare);
-    const auto ours = controlsUnder(styleSheetFor(lightColors(), ControlLook::ours));
+    const auto ours = controlsUnder(styleSheetFor(lightColors(), ControlLook::styled));
     for (std::size_t index = 0; index < bare.size(); ++index) {
         EXPECT_NE(ours[index], bare[index]) << index;
     }

@@ -1,4 +1,5 @@
 #include "LaunchKit/Icons/IcnsWriter.h"
+#include "QuorvelApp/widgets/IconImage.h"
 #include "tests/QuorvelApp/WindowFixture.h"
 
 #include <QListView>
@@ -22,7 +23,7 @@ QImage pattern(int side) {
     return image;
 }
 
-/// The windows at whatever pixel ratio the tests run: once at 1, and again at 1.5 and 2.
+/// The windows at the pixel ratio of the process: 1, and in further runs 1.5 and 2.
 class PixelRatioTest : public WindowTest {
 protected:
     static void writePattern(const fs::path& file) {
@@ -48,7 +49,7 @@ protected:
     double ratio() const { return window->devicePixelRatioF(); }
 };
 
-TEST_F(PixelRatioTest, TheWindowHasTheRatioThatItWasGiven) {
+TEST_F(PixelRatioTest, TheWindowHasTheConfiguredRatio) {
     open();
     EXPECT_EQ(window->grab().devicePixelRatio(), ratio());
     if (qEnvironmentVariableIsSet("QT_SCALE_FACTOR")) {
@@ -57,7 +58,7 @@ TEST_F(PixelRatioTest, TheWindowHasTheRatioThatItWasGiven) {
 }
 
 TEST_F(PixelRatioTest, RowsAndTheDetailDrawIconsPixelForPixel) {
-    const InstanceRecord work = addClone("Work");
+    const InstanceRecord& work = addClone("Work");
     writePattern(iconPathOf(work));
     open();
     select(work);

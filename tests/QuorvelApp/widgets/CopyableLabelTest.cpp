@@ -21,7 +21,7 @@ QString copied(CopyableLabel& label) {
     return QApplication::clipboard()->text();
 }
 
-TEST(CopyableLabel, CopiesAPathAsItIsHoweverItIsWrapped) {
+TEST(CopyableLabelTest, CopiesAPathAsItIsHoweverItIsWrapped) {
     WrappingText label(TextStyle::body);
     const QString path = u"/Users/u/Applications/"_s + QString(200, u'x') + u".app"_s;
     label.setFullText(path);
@@ -31,7 +31,7 @@ TEST(CopyableLabel, CopiesAPathAsItIsHoweverItIsWrapped) {
     EXPECT_EQ(label.accessibleName(), path);
 }
 
-TEST(CopyableLabel, CopiesTheWholeOfWhatItHadToElide) {
+TEST(CopyableLabelTest, CopiesTheWholeOfWhatItHadToElide) {
     ElidedLabel label(TextStyle::body, Ink::text);
     const QString name(100, u'x');
     label.setFullText(name);
@@ -46,7 +46,7 @@ TEST(CopyableLabel, CopiesTheWholeOfWhatItHadToElide) {
     EXPECT_EQ(copied(label), name);
 }
 
-TEST(CopyableLabel, CopiesAPartWhereAPartIsSelected) {
+TEST(CopyableLabelTest, CopiesAPartWhereAPartIsSelected) {
     ElidedLabel label(TextStyle::body, Ink::text);
     label.setFullText(u"Work and play"_s);
     label.resize(label.sizeHint());
@@ -54,7 +54,7 @@ TEST(CopyableLabel, CopiesAPartWhereAPartIsSelected) {
     EXPECT_EQ(label.selectionToCopy(), u"Work"_s);
 }
 
-TEST(CopyableLabel, ItsMenuCopiesAndSelects) {
+TEST(CopyableLabelTest, ItsMenuCopiesAndSelects) {
     WrappingText label(TextStyle::body);
     label.setFullText(u"/a/b"_s);
     label.show();
@@ -69,7 +69,7 @@ TEST(CopyableLabel, ItsMenuCopiesAndSelects) {
     menu->close();
 }
 
-TEST(CopyableLabel, KeepsTheSelectionWhenTheSameTextIsSetAgain) {
+TEST(CopyableLabelTest, KeepsTheSelectionWhenTheSameTextIsSetAgain) {
     WrappingText label(TextStyle::body);
     label.setFullText(u"some text"_s);
     label.setSelection(0, 4);
@@ -77,8 +77,8 @@ TEST(CopyableLabel, KeepsTheSelectionWhenTheSameTextIsSetAgain) {
     EXPECT_TRUE(label.hasSelectedText());
 }
 
-TEST(InfoRow, TakesTheWidthThatIsThere) {
-    InfoRow row({.label = "Location", .value = std::string(300, 'x'), .mono = true});
+TEST(CopyableLabelTest, InfoRowTakesTheWidthThatIsThere) {
+    InfoRow row({.label = "Location", .lines = {std::string(300, 'x')}, .monospaced = true});
     row.resize(400, 100);
     EXPECT_LE(row.minimumSizeHint().width(), 200);
     EXPECT_EQ(row.value(), QString(300, u'x'));

@@ -78,7 +78,7 @@ protected:
     IconLoader icons{tasks};
 };
 
-TEST_F(IconLoaderTest, GivesThePixelsOfEveryScreenFromTheNearestImage) {
+TEST_F(IconLoaderTest, HasThePixelsOfEveryScreenFromTheNearestImage) {
     const fs::path file = iconFile();
     struct Row {
         double ratio;
@@ -95,7 +95,7 @@ TEST_F(IconLoaderTest, GivesThePixelsOfEveryScreenFromTheNearestImage) {
     }
 }
 
-TEST_F(IconLoaderTest, StandsInAtThePixelsOfEveryScreen) {
+TEST_F(IconLoaderTest, HasAPlaceholderAtThePixelsOfEveryScreen) {
     for (const double ratio : {1.0, 1.5, 2.0}) {
         const QPixmap icon = icons.icon(folder / "missing.app", 30, ratio);
         EXPECT_EQ(icon.size(), QSize(30, 30) * ratio);
@@ -116,7 +116,7 @@ TEST_F(IconLoaderTest, ReadsOffTheMainThreadAtUtilityPriorityAndOnce) {
     EXPECT_THAT(tasks->priorities, Each(TaskPriority::utility));
 }
 
-TEST_F(IconLoaderTest, ReadsAFileAnewOnlyAfterARefreshAndShowsTheOldOneUntilThen) {
+TEST_F(IconLoaderTest, ReadsAFileAgainOnlyAfterARefreshAndShowsTheOldOneUntilThen) {
     const fs::path file = iconFile();
     const QImage old = loaded(file, 48, 1).toImage();
     write(file, icnsFile(std::array{icnsChunk(filled(64, Qt::black))}));
@@ -134,7 +134,7 @@ TEST_F(IconLoaderTest, DrawsABundlesOwnIcon) {
     EXPECT_EQ(loaded(app, 32, 1).toImage().pixelColor(16, 16), QColor(Qt::red));
 }
 
-TEST_F(IconLoaderTest, AHostileFileShowsTheStandIn) {
+TEST_F(IconLoaderTest, AHostileFileShowsThePlaceholder) {
     const QImage standIn = loaded(folder / "missing.icns", 48, 1).toImage();
     const std::vector<std::pair<std::string, std::string>> files{
         {"empty.icns", ""},

@@ -1,0 +1,43 @@
+#include "CommandLine/OptionBinding.h"
+
+#include <CLI/CLI.hpp>
+
+namespace quorvel {
+namespace {
+
+// "a, b or c".
+std::string alternatives(const std::vector<std::string>& names) {
+    std::string text;
+    for (std::size_t index = 0; index < names.size(); ++index) {
+        text.append(index == 0 ? "" : index + 1 < names.size() ? ", " : " or ");
+        text.append(names[index]);
+    }
+    return text;
+}
+
+} // namespace
+
+void addRepeatable(CLI::App& command, const std::string& name, const std::string& help,
+                   const std::string& placeholder,
+                   const std::function<void(const std::string&)>& take) {
+    command.add_option_function<std::string>(name, take, help)
+        ->trigger_on_parse()
+        ->multi_option_policy(CLI::MultiOptionPolicy::TakeLast)
+        ->type_name(placeholder);
+}
+
+void addRepeatable(CLI::App& command, const std::string& name, const std::string& help,
+                   const std::string& placeholder, std::vector<std::string>& values) {
+    addRepeatable(command, name, help, placeholder,
+                  [&values](const std::string& value) { values.push_back(value); });
+}
+
+void addChoice(CLI::App& command, const std::string& name, const std::string& help,
+               const std::string& placeholder, const std::vector<std::string>& names,
+               const std::function<void(const std::string&)>& take) {
+    command.add_option_function<std::string>(name, take, help + ": " + alternatives(names))
+        ->type_name(placeholder)
+        ->check(CLI::IsMember(names).description(""));
+}
+
+} // namespace quorvel

@@ -1,0 +1,40 @@
+#pragma once
+
+#include "LaunchKit/Records/EnumNames.h"
+
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace CLI {
+class App;
+}
+
+/// Ties the options of a command to the values that they set.
+namespace quorvel {
+
+/// Adds an option that takes exactly one value, each time it is given, whatever that looks like.
+void addRepeatable(CLI::App& command, const std::string& name, const std::string& help,
+                   const std::string& placeholder,
+                   const std::function<void(const std::string&)>& take);
+
+/// The same with the values collected in `values`.
+void addRepeatable(CLI::App& command, const std::string& name, const std::string& help,
+                   const std::string& placeholder, std::vector<std::string>& values);
+
+/// Adds an option that takes one of `names`; `help` is followed by them: "HELP: a, b or c".
+void addChoice(CLI::App& command, const std::string& name, const std::string& help,
+               const std::string& placeholder, const std::vector<std::string>& names,
+               const std::function<void(const std::string&)>& take);
+
+/// The same for an enumeration by the names of its cases.
+template<NamedEnum Case>
+void addChoice(CLI::App& command, const std::string& name, const std::string& help,
+               const std::string& placeholder, Case& value) {
+    addChoice(command, name, help, placeholder, {enumNames<Case>.begin(), enumNames<Case>.end()},
+              [&value](const std::string& text) {
+                  value = caseNamed<Case>(text).value_or(value); // others were refused before
+              });
+}
+
+} // namespace quorvel

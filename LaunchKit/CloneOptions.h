@@ -1,0 +1,109 @@
+#pragma once
+
+#include "LaunchKit/IconLabel.h"
+#include "LaunchKit/Strategy.h"
+
+#include <array>
+#include <map>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+/// What the creator of a clone may choose: shared by the configuration, the request to make a clone
+/// and the window's form.
+namespace quorvel {
+
+/// The placeholder for a clone's data folder in arguments and environment values.
+inline constexpr std::string_view instanceHomePlaceholder = "{{instanceHome}}";
+
+/// What a clone opens.
+enum class ShortcutKind { app, web, file, command };
+
+template<>
+inline constexpr auto enumNames<ShortcutKind> = namesOfAllCases<ShortcutKind>({
+    {ShortcutKind::app, "app"},
+    {ShortcutKind::web, "web"},
+    {ShortcutKind::file, "file"},
+    {ShortcutKind::command, "command"},
+});
+
+/// What a clone opens, except for the application of an `app` clone.
+struct CloneTarget {
+    ShortcutKind kind = ShortcutKind::app;
+    std::optional<std::string> url{};
+    std::optional<std::string> openPath{};
+    std::optional<std::string> commandPath{};
+    std::vector<std::string> commandArgs{};
+    std::optional<std::string> workingDirectory{};
+};
+
+/// How a clone behaves. A new yes-or-no option is a member here and a row in `cloneSwitches`.
+struct CloneOptions {
+    Strategy strategy = Strategy::homeOverride;
+    std::map<std::string, std::string> environment{};
+    std::map<std::string, std::string> infoPlistOverrides{};
+    std::optional<IconLabel> iconLabel{};
+    bool registerAsBrowser = false;
+    bool openWithPassthrough = false;
+    bool menuBarIcon = false;
+    bool menuBarIconTemplate = false;
+    /// True where a file does not say: files older than the field belong to clones that share.
+    bool shareUserFolders = true;
+};
+
+/// A yes-or-no option of clones, as files, commands and the details of a clone name it.
+struct CloneSwitch {
+    bool CloneOptions::*member;
+    std::string_view key;  ///< in `instance.json`
+    const char* flag;      ///< of `quorvelctl create`; turns the default around
+    const char* help;      ///< what the flag does
+    std::string_view fact; ///< the row that shows it among a clone's facts
+    bool appsOnly = false;
+    bool inDetails = true; ///< whether the window's details show it too
+
+    [[nodiscard]] constexpr bool valueIn(const CloneOptions& options) const {
+        return options.*member;
+    }
+    [[nodiscard]] bool defaultValue() const { return valueIn(CloneOptions{}); }
+};
+
+inline constexpr std::array cloneSwitches{
+    CloneSwitch{.member = &CloneOptions::registerAsBrowser,
+                .key = "registerAsBrowser",
+                .flag = "--browser",
+                .help = "Register as a web browser",
+                .fact = "Web browser",
+                .inDetails = false},
+    CloneSwitch{.member = &CloneOptions::openWithPassthrough,
+                .key = "openWithPassthrough",
+                .flag = "--open-with",
+                .help = "Open any document with the clone",
+                .fact = "Opens documents",
+                .inDetails = false},
+    CloneSwitch{.member = &CloneOptions::menuBarIcon,
+                .key = "menuBarIcon",
+                .flag = "--menu-bar-icon",
+                .help = "Show an icon in the menu bar",
+                .fact = "Menu bar icon",
+                .inDetails = false},
+    CloneSwitch{.member = &CloneOptions::menuBarIconTemplate,
+                .key = "menuBarIconTemplate",
+                .flag = "--menu-bar-template",
+                .help = "Draw that icon in one colour",
+                .fact = "In one colour",
+                .inDetails = false},
+    CloneSwitch{.member = &CloneOptions::shareUserFolders,
+                .key = "shareUserFolders",
+                .flag = "--isolate-folders",
+                .help = "Own Downloads, Documents and Desktop instead of the user's",
+                .fact = "Shares folders",
+                .appsOnly = true,
+                .inDetails = false},
+};
+
+/// The switches worth showing for a clone of that kind: those that are on, or usually are.
+[[nodiscard]] std::vector<CloneSwitch> shownSwitches(ShortcutKind kind,
+                                                     const CloneOptions& options);
+
+} // namespace quorvel

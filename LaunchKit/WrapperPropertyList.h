@@ -1,0 +1,24 @@
+#pragma once
+
+#include "Base/PropertyList.h"
+#include "LaunchKit/WrapperGenerator.h"
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+/// The property list of a wrapper.
+namespace quorvel::WrapperPropertyList {
+
+/// Returns the whole dictionary. `iconFile` is the icon's name if one was installed.
+[[nodiscard]] PropertyListDictionary infoPlist(const WrapperGenerator::Options& options,
+                                               const std::optional<std::string>& iconFile);
+
+/// Throws `std::invalid_argument` if `infoPlist` would contain a text that can't be written.
+void requireWritableTexts(const InstanceConfig& config);
+
+/// Returns what a free text means in a property list: a boolean, a whole number, or the text
+/// itself.
+[[nodiscard]] PropertyListValue coercePlistValue(std::string_view text);
+
+} // namespace quorvel::WrapperPropertyList

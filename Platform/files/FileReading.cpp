@@ -1,0 +1,59 @@
+#include "Platform/files/FileReading.h"
+
+#include "Platform/files/RegularFile.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <unistd.h>
+
+namespace quorvel {
+namespace {
+
+bool readWhole(const RegularFile& file, std::size_t limit, std::string& bytes) {
+    if (!file.isOpen() || file.size > limit) {
+        return false;
+    }
+    // One byte more than the file has: notices a file that grows, and needs only one read.
+    bytes.resize(file.size + 1);
+    std::size_t length = 0;
+    while (true) {
+        const ssize_t count =
+            ::read(file.descriptor(), bytes.data() + length, bytes.size() - length);
+        if (count < 0 && errno == EINTR) {
+            continue;
+        }
+        if (count < 0) {
+            return false;
+        }
+        length += static_cast<std::size_t>(count);
+        if (length < bytes.size()) {
+            // Files in /proc report no size: only a read that returns nothing proves their end.
+            if (count == 0 || length == file.size) {
+                break;
+            }
+            continue;
+        }
+        if (length > limit) {
+            break;
+        }
+        bytes.resize(bytes.size() * 2 + 4096);
+    }
+    bytes.resize(std::min(length, bytes.size()));
+    return length <= limit;
+}
+
+} // namespace
+
+bool readFileIn(int folder, const std::string& path, std::size_t limit, std::string& bytes) {
+    return readWhole(openRegularFile(path, O_RDONLY, 0, folder), limit, bytes);
+}
+
+std::optional<std::string> readFile(const std::string& path, std::size_t limit) {
+    std::optional<std::string> bytes(std::in_place);
+    if (!readFileIn(AT_FDCWD, path, limit, *bytes)) {
+        bytes.reset();
+    }
+    return bytes;
+}
+
+} // namespace quorvel

@@ -1,0 +1,19 @@
+#pragma once
+
+#include <cstddef>
+#include <optional>
+#include <string>
+
+namespace quorvel {
+
+/// Returns the bytes of a regular file (links followed), or std::nullopt if it is unreadable, is
+/// not a regular file, or has more than `limit` bytes. Never blocks on a FIFO or a device. Takes
+/// the path as text, because parsing thousands of paths would cost more than reading the files.
+[[nodiscard]] std::optional<std::string> readFile(const std::string& path, std::size_t limit);
+
+/// Reads the file at `path`, relative to the open folder `folder`, into `bytes`. Returns false
+/// where `readFile` returns std::nullopt; `bytes` is unspecified then.
+[[nodiscard]] bool readFileIn(int folder, const std::string& path, std::size_t limit,
+                              std::string& bytes);
+
+} // namespace quorvel

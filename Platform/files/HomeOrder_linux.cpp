@@ -1,0 +1,9 @@
+#include "Platform/files/HomeOrder.h"
+
+namespace quorvel {
+
+bool homeVariableComesFirst() {
+    return true;
+}
+
+} // namespace quorvel

@@ -1,0 +1,191 @@
+#include "Platform/processes/IsolatedEnvironment.h"
+
+#include "Base/PathText.h"
+#include "Platform/files/ContainedFolder.h"
+#include "Platform/files/FileReading.h"
+#include "Platform/files/FileSystem.h"
+#include "Platform/files/FileWriting.h"
+#include "Platform/files/UserPaths.h"
+#include "Platform/files/XdgUserDirs_linux.h"
+
+#include <array>
+#include <cstdint>
+#include <cstdio>
+#include <string_view>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace quorvel {
+namespace fs = std::filesystem;
+namespace {
+
+constexpr std::string_view defaultDataFolders = "/usr/local/share:/usr/share";
+
+// What is written into a home says so, and what doesn't say so is not replaced.
+constexpr std::string_view userDirsMark =
+    "# Written by Quorvel at each start. Without this line, it is left as it is.\n";
+
+// An absolute path; the base directory specification has others ignored.
+std::string folderVariable(const Environment& session, const char* name,
+                           const std::string& otherwise) {
+    const auto found = session.find(name);
+    return found != session.end() && found->second.starts_with("/") ? found->second : otherwise;
+}
+
+// The same for a home at each start, short, and without characters that a path can't have.
+std::string shortName(std::string_view home) {
+    std::uint64_t hash = 14695981039346656037U; // FNV-1a
+    for (const char byte : home) {
+        hash = (hash ^ static_cast<unsigned char>(byte)) * 1099511628211U;
+    }
+    std::array<char, 17> digits{};
+    (void)std::snprintf(digits.data(), digits.size(), "%016llx",
+                        static_cast<unsigned long long>(hash));
+    return digits.data();
+}
+
+bool isOwnPrivateFolder(const std::string& path) {
+    struct stat status {};
+    return ::lstat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode) &&
+           status.st_uid == ::geteuid() && (status.st_mode & 0077U) == 0;
+}
+
+// Sockets are made in it whose whole path may have 107 bytes: Chromium's and Qt's names take about
+// 50, so a folder inside the home would often be too long.
+std::string temporaryFolderFor(const std::string& home, const Environment& session) {
+    constexpr std::size_t longest = 56;
+    const std::string name = shortName(home);
+    const std::string runtime = folderVariable(session, "XDG_RUNTIME_DIR", "");
+    const std::string own = runtime + "/quorvel";
+    std::string inRuntime = own + "/" + name;
+    if (!runtime.empty() && inRuntime.size() <= longest && ensureFolderBelow(runtime, inRuntime) &&
+        isOwnPrivateFolder(own) && isOwnPrivateFolder(inRuntime)) {
+        return inRuntime;
+    }
+    // Anybody may create a folder in /tmp first, so it is used only if it belongs to this user.
+    const std::string shared = "/tmp/quorvel-" + std::to_string(::geteuid());
+    const std::string inShared = shared + "/" + name;
+    return ensureFolderBelow("/tmp", inShared) && isOwnPrivateFolder(shared) &&
+                   isOwnPrivateFolder(inShared)
+               ? inShared
+               : "";
+}
+
+void renewLink(const std::string& link, const std::string& target) {
+    std::error_code ignored;
+    if (isSymbolicLink(link)) {
+        if (itemExists(target) && fs::read_symlink(link, ignored) == target) {
+            return;
+        }
+        fs::remove(link, ignored);
+    }
+    if (itemExists(target) && !itemOrLinkExists(link)) {
+        fs::create_symlink(target, link, ignored);
+    }
+}
+
+// The user's fonts, icons, themes and handlers, and nothing else of the user's data: applications
+// would find the original's data in the rest.
+std::string sessionDataFolder(const std::string& home, const std::string& sessionData) {
+    std::string folder = home + "/.local/share/quorvel/session-data";
+    if (!ensureFolderBelow(home, folder)) {
+        return "";
+    }
+    for (const char* name : {"applications", "fonts", "icons", "mime", "themes"}) {
+        renewLink(joinAsText(folder, name), joinAsText(sessionData, name));
+    }
+    return folder;
+}
+
+bool isShared(std::string_view name) {
+    return name == "DESKTOP" || name == "DOCUMENTS" || name == "DOWNLOAD";
+}
+
+// Without this file, GLib knows no Downloads or Documents at all.
+void writeUserDirs(const std::string& home, const std::string& sessionConfig,
+                   const IsolationOptions& options) {
+    constexpr std::size_t limit = 65536;
+    const std::string realHome = UserPaths::home();
+    std::vector<XdgUserDir> folders =
+        parseXdgUserDirs(readFile(sessionConfig + "/user-dirs.dirs", limit).value_or(""));
+    if (folders.empty()) {
+        folders = {{"DESKTOP", "$HOME/Desktop"},
+                   {"DOWNLOAD", "$HOME/Downloads"},
+                   {"DOCUMENTS", "$HOME/Documents"}};
+    }
+    for (XdgUserDir& each : folders) {
+        if (options.sharesUserFolders && isShared(each.name)) {
+            each.folder = withHomeExpanded(each.folder, realHome);
+        }
+    }
+    const std::string file = home + "/.config/user-dirs.dirs";
+    const std::string text = std::string(userDirsMark) + xdgUserDirsText(folders);
+    if (!ensureFolderBelow(home, home + "/.config") || isSymbolicLink(file)) {
+        return;
+    }
+    const std::optional<std::string> present = readFile(file, limit);
+    if (itemExists(file) && (!present || !present->starts_with(userDirsMark) || *present == text)) {
+        return;
+    }
+    try {
+        writeFile(file, text);
+    } catch (const PlatformError&) {
+        // The application works without its special folders.
+    }
+}
+
+std::string javaOption(std::string_view name, const std::string& value) {
+    const std::string option = "-D" + std::string(name) + "=" + value;
+    return option.find(' ') == std::string::npos ? option : "\"" + option + "\"";
+}
+
+std::string javaOptions(const Environment& session, const std::string& home,
+                        const std::string& temporary) {
+    const auto present = session.find("JAVA_TOOL_OPTIONS");
+    std::string options = present == session.end() ? "" : present->second + " ";
+    options += javaOption("user.home", home);
+    return temporary.empty() ? options : options + " " + javaOption("java.io.tmpdir", temporary);
+}
+
+} // namespace
+
+Environment isolatedEnvironment(const std::string& home, const Environment& session,
+                                const IsolationOptions& options) {
+    const std::string realHome = UserPaths::home();
+    if (isSameItem(home, realHome)) {
+        return {}; // the clone was told to use the user's own data
+    }
+    Environment set{
+        {"XDG_CONFIG_HOME", home + "/.config"},
+        {"XDG_DATA_HOME", home + "/.local/share"},
+        {"XDG_STATE_HOME", home + "/.local/state"},
+        {"XDG_CACHE_HOME", home + "/.cache"},
+        // Settings written through dconf's service would land in the real home.
+        {"GSETTINGS_BACKEND", "keyfile"},
+    };
+    const auto authority = session.find("XAUTHORITY");
+    if ((authority == session.end() || authority->second.empty()) &&
+        itemExists(realHome + "/.Xauthority")) {
+        // X clients look for it in HOME otherwise.
+        set["XAUTHORITY"] = realHome + "/.Xauthority";
+    }
+    const std::string temporary = temporaryFolderFor(home, session);
+    if (!temporary.empty()) {
+        set["TMPDIR"] = temporary;
+    }
+    const std::string data = sessionDataFolder(
+        home, folderVariable(session, "XDG_DATA_HOME", realHome + "/.local/share"));
+    if (!data.empty()) {
+        const auto folders = session.find("XDG_DATA_DIRS");
+        const bool given = folders != session.end() && !folders->second.empty();
+        set["XDG_DATA_DIRS"] =
+            data + ":" + (given ? folders->second : std::string(defaultDataFolders));
+    }
+    writeUserDirs(home, folderVariable(session, "XDG_CONFIG_HOME", realHome + "/.config"), options);
+    if (options.usesJava) {
+        set["JAVA_TOOL_OPTIONS"] = javaOptions(session, home, temporary);
+    }
+    return set;
+}
+
+} // namespace quorvel

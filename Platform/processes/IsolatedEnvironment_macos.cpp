@@ -1,0 +1,10 @@
+#include "Platform/processes/IsolatedEnvironment.h"
+
+namespace quorvel {
+
+Environment isolatedEnvironment(const std::string& /*home*/, const Environment& /*session*/,
+                                const IsolationOptions& /*options*/) {
+    return {};
+}
+
+} // namespace quorvel

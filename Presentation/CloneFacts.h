@@ -1,0 +1,49 @@
+#pragma once
+
+#include "LaunchKit/InstanceRegistry.h"
+#include "Presentation/Translation.h"
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+/// What the front ends say about a clone. UTF-8, no markup; what comes from files is as it is
+/// there.
+namespace quorvel {
+
+/// Returns what a clone runs, in one line: an app's name, an address, a path, or a command with its
+/// arguments.
+[[nodiscard]] std::string sourceSummary(const InstanceConfig& config);
+
+/// Returns the same with an app's whole path instead of its name.
+[[nodiscard]] std::string fullSource(const InstanceConfig& config);
+
+/// One thing that is known about a clone.
+struct Fact {
+    std::string label{};
+    std::vector<std::string> lines{}; ///< the value; a line may hold line breaks of its own
+    bool monospaced = false;
+
+    /// The lines, separated by line breaks.
+    [[nodiscard]] std::string value() const;
+
+    bool operator==(const Fact&) const = default;
+};
+
+/// Returns the rows of a clone's details, top to bottom.
+[[nodiscard]] std::vector<Fact> cloneDetails(const InstanceRecord& clone,
+                                             const Translate& translate = inEnglish);
+
+/// What is known about a clone beside its configuration.
+struct CloneState {
+    bool running = false;
+    std::optional<std::uintmax_t> logSize{}; ///< bytes; absent without a log
+};
+
+/// Returns all that is known about a clone: the rows of `cloneDetails`, with paths written out, and
+/// more between them.
+[[nodiscard]] std::vector<Fact> cloneReport(const InstanceRecord& clone, const CloneState& state,
+                                            const Translate& translate = inEnglish);
+
+} // namespace quorvel

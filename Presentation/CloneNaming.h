@@ -1,0 +1,26 @@
+#pragma once
+
+#include <optional>
+#include <set>
+#include <string>
+#include <string_view>
+
+/// Names that are proposed for new clones.
+namespace quorvel {
+
+/// Returns `appName` followed by the first number in parentheses, from " (2)" on, that makes a name
+/// missing in `taken`. While `appName` itself is not in `taken`, returns the one with " (2)"
+/// without looking for it.
+[[nodiscard]] std::string suggestedName(const std::string& appName,
+                                        const std::set<std::string>& taken);
+
+/// Returns the host of a web address, with or without a scheme: percent-encoding decoded, "www."
+/// removed, words capitalised. The host is what RFC 3986 takes for one, or one in another script.
+/// Returns std::nullopt if there is none.
+[[nodiscard]] std::optional<std::string> nameForWebAddress(std::string_view address);
+
+/// Returns a path's last component, words capitalised, or std::nullopt if there is none, as at the
+/// root.
+[[nodiscard]] std::optional<std::string> nameForCommand(std::string_view path);
+
+} // namespace quorvel

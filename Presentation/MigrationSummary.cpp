@@ -1,0 +1,73 @@
+#include "Presentation/MigrationSummary.h"
+
+#include <algorithm>
+
+namespace quorvel {
+namespace {
+
+// An alert has room for a few.
+constexpr std::size_t longestList = 5;
+
+// Empty if nothing was moved.
+std::string movedSentence(const InstanceLauncher::Migration& migration,
+                          const Translate& translate) {
+    std::string list;
+    for (const std::string& part : movedParts(migration, translate)) {
+        list += (list.empty() ? "" : ", ") + part;
+    }
+    return list.empty()
+               ? list
+               : filledIn(translate("Migration", "Moved %1 into your shared folders."), {list});
+}
+
+} // namespace
+
+std::vector<std::string> movedParts(const InstanceLauncher::Migration& migration,
+                                    const Translate& translate) {
+    std::vector<std::string> parts;
+    for (const std::string_view folder : InstanceLauncher::sharedUserFolders) {
+        const auto found = migration.moved.find(std::string(folder));
+        if (found != migration.moved.end() && found->second > 0) {
+            parts.push_back(filledIn(translate("Migration", "%1 from %2"),
+                                     {std::to_string(found->second), folder}));
+        }
+    }
+    return parts;
+}
+
+std::string sharingMessage(const std::string& name, const InstanceLauncher::Migration& migration,
+                           const Translate& translate) {
+    const std::string moved = movedSentence(migration, translate);
+    if (moved.empty()) {
+        return filledIn(translate("Migration",
+                                  "“%1” now shares Downloads, Documents & Desktop with your Mac — "
+                                  "nothing needed moving."),
+                        {name});
+    }
+    return moved + " " + filledIn(translate("Migration", "“%1” now saves there."), {name});
+}
+
+std::string failureMessage(const InstanceLauncher::Migration& migration, const std::string& reason,
+                           const Translate& translate) {
+    const std::string moved = movedSentence(migration, translate);
+    return moved.empty() ? reason : moved + " " + reason;
+}
+
+std::string unmovedItems(const InstanceLauncher::Migration& migration, const Translate& translate) {
+    const auto& items = migration.unmoved;
+    if (items.empty()) {
+        return {};
+    }
+    std::string text = translate(
+        "Migration", "Not everything could be moved, so the clone still has folders of its own:");
+    const std::size_t shown = std::min(items.size(), longestList);
+    for (std::size_t index = 0; index < shown; ++index) {
+        text += "\n" + items[index].reason;
+    }
+    return shown == items.size() ? text
+                                 : text + "\n" +
+                                       filledIn(translate("Migration", "… and %1 more"),
+                                                {std::to_string(items.size() - shown)});
+}
+
+} // namespace quorvel

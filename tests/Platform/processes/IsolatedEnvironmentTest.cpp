@@ -1,0 +1,188 @@
+#include "Platform/processes/IsolatedEnvironment.h"
+
+#include "tests/support/TemporaryHome.h"
+
+#include <gmock/gmock.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace quorvel {
+namespace {
+
+namespace fs = std::filesystem;
+using namespace testing;
+using ::testing::Contains;
+using ::testing::IsEmpty;
+using ::testing::Key;
+using ::testing::Not;
+using ::testing::StartsWith;
+using ::testing::UnorderedElementsAre;
+
+class IsolatedEnvironmentTest : public ::testing::Test {
+protected:
+    IsolatedEnvironmentTest() {
+        fs::create_directories(home);
+        fs::create_directory(runtime);
+        ::chmod(runtime.c_str(), 0700);
+    }
+
+    [[nodiscard]] Environment environment(const IsolationOptions& options = {}) const {
+        return isolatedEnvironment(home, session, options);
+    }
+    [[nodiscard]] std::string userDirs() const { return read(home + "/.config/user-dirs.dirs"); }
+    [[nodiscard]] static mode_t modeOf(const std::string& path) {
+        struct stat status {};
+        EXPECT_EQ(::lstat(path.c_str(), &status), 0) << path;
+        return status.st_mode & 07777U;
+    }
+
+    const TemporaryHome realHome;
+    const TemporaryFolder folder;
+    const std::string home = (folder / "clone").string();
+    const fs::path runtime = folder / "run";
+    Environment session{{"XDG_RUNTIME_DIR", runtime.string()}};
+};
+
+TEST_F(IsolatedEnvironmentTest, EveryDataFolderIsBelowTheHome) {
+    session["XDG_CONFIG_HOME"] = "/elsewhere/config";
+    const Environment expected{{"XDG_CONFIG_HOME", home + "/.config"},
+                               {"XDG_DATA_HOME", home + "/.local/share"},
+                               {"XDG_STATE_HOME", home + "/.local/state"},
+                               {"XDG_CACHE_HOME", home + "/.cache"},
+                               {"GSETTINGS_BACKEND", "keyfile"}};
+    const Environment set = environment();
+    for (const auto& variable : expected) {
+        EXPECT_THAT(set, Contains(variable));
+    }
+}
+
+TEST_F(IsolatedEnvironmentTest, NothingIsSetForTheUsersOwnHome) {
+    EXPECT_THAT(isolatedEnvironment(realHome.path(), session), IsEmpty());
+    EXPECT_TRUE(fs::is_empty(realHome.path()));
+}
+
+TEST_F(IsolatedEnvironmentTest, TheDisplaysKeyIsFoundInTheRealHome) {
+    EXPECT_THAT(environment(), Not(Contains(Key("XAUTHORITY"))));
+    write(realHome / ".Xauthority", "cookie");
+    EXPECT_EQ(environment().at("XAUTHORITY"), realHome / ".Xauthority");
+    session["XAUTHORITY"] = "/run/key";
+    EXPECT_THAT(environment(), Not(Contains(Key("XAUTHORITY"))));
+}
+
+TEST_F(IsolatedEnvironmentTest, TheTemporaryFolderIsShortPrivateAndAlwaysTheSame) {
+    const ScopedEnvironment elsewhere("TMPDIR", "/tmp"); // short names for the folders of the test
+    const TemporaryFolder place;
+    session["XDG_RUNTIME_DIR"] = place.path();
+    const std::string temporary = environment().at("TMPDIR");
+    ASSERT_THAT(temporary, StartsWith((place / "quorvel/").string()));
+    EXPECT_EQ(modeOf(temporary), 0700U);
+    EXPECT_EQ(environment().at("TMPDIR"), temporary);
+    const std::string other = (folder / "other").string();
+    fs::create_directory(other);
+    EXPECT_NE(isolatedEnvironment(other, session).at("TMPDIR"), temporary);
+}
+
+TEST_F(IsolatedEnvironmentTest, WithoutAUsableRuntimeFolderTheTemporaryFolderIsInTmp) {
+    const std::string own = "/tmp/quorvel-" + std::to_string(::geteuid()) + "/";
+    const bool wasThere = fs::exists(own);
+    for (const std::string& unusable :
+         {std::string(), std::string("relative"), (folder / "missing").string(),
+          (folder / std::string(60, 'x')).string()}) {
+        session["XDG_RUNTIME_DIR"] = unusable;
+        const std::string temporary = environment().at("TMPDIR");
+        EXPECT_THAT(temporary, StartsWith(own)) << unusable;
+        EXPECT_EQ(modeOf(temporary), 0700U);
+        fs::remove(temporary);
+    }
+    if (!wasThere) {
+        fs::remove(own);
+    }
+}
+
+TEST_F(IsolatedEnvironmentTest, AFolderThatOthersCanReadIsNotUsedAsTemporaryFolder) {
+    const ScopedEnvironment elsewhere("TMPDIR", "/tmp");
+    const TemporaryFolder place;
+    session["XDG_RUNTIME_DIR"] = place.path();
+    fs::create_directory(place / "quorvel");
+    ::chmod((place / "quorvel").c_str(), 0755);
+    const std::string temporary = environment().at("TMPDIR");
+    EXPECT_THAT(temporary, Not(StartsWith(place.path().string())));
+    fs::remove(temporary);
+}
+
+TEST_F(IsolatedEnvironmentTest, FontsAndThemesAreTheUsersAndOtherDataIsNot) {
+    for (const char* name : {"fonts", "icons", "katepart5", "gtksourceview-4"}) {
+        fs::create_directories(realHome / ".local/share" / name);
+    }
+    const std::string links = home + "/.local/share/quorvel/session-data";
+    EXPECT_EQ(environment().at("XDG_DATA_DIRS"), links + ":/usr/local/share:/usr/share");
+    std::vector<std::string> found;
+    for (const auto& item : fs::directory_iterator(links)) {
+        EXPECT_EQ(fs::read_symlink(item), realHome / ".local/share" / item.path().filename());
+        found.push_back(item.path().filename());
+    }
+    EXPECT_THAT(found, UnorderedElementsAre("fonts", "icons"));
+}
+
+TEST_F(IsolatedEnvironmentTest, LinksToTheUsersDataAreRenewedAtEachStart) {
+    fs::create_directories(realHome / ".local/share/fonts");
+    fs::create_directories(realHome / ".local/share/mime");
+    (void)environment();
+    session["XDG_DATA_HOME"] = (folder / "data").string();
+    session["XDG_DATA_DIRS"] = "/opt/share";
+    fs::create_directories(folder / "data/fonts");
+    const std::string links = home + "/.local/share/quorvel/session-data";
+    EXPECT_EQ(environment().at("XDG_DATA_DIRS"), links + ":/opt/share");
+    EXPECT_EQ(fs::read_symlink(links + "/fonts"), folder / "data/fonts");
+    EXPECT_FALSE(fs::is_symlink(links + "/mime"));
+}
+
+TEST_F(IsolatedEnvironmentTest, ALinkInTheHomeLeadsNothingElsewhere) {
+    fs::create_directories(folder / "elsewhere");
+    fs::create_directory_symlink(folder / "elsewhere", home + "/.local");
+    fs::create_directory_symlink(folder / "elsewhere", home + "/.config");
+    EXPECT_THAT(environment(), Not(Contains(Key("XDG_DATA_DIRS"))));
+    EXPECT_TRUE(fs::is_empty(folder / "elsewhere"));
+}
+
+TEST_F(IsolatedEnvironmentTest, SharedFoldersAreTheUsersOwnUnderTheirRealNames) {
+    write(realHome / ".config/user-dirs.dirs", "XDG_DOWNLOAD_DIR=\"$HOME/Téléchargements\"\n"
+                                               "XDG_MUSIC_DIR=\"$HOME/Musique\"\n"
+                                               "XDG_DOCUMENTS_DIR=\"/data/papers\"\n");
+    (void)environment();
+    EXPECT_THAT(userDirs(), ::testing::EndsWith("XDG_DOWNLOAD_DIR=\"" +
+                                                (realHome / "Téléchargements").string() +
+                                                "\"\nXDG_MUSIC_DIR=\"$HOME/Musique\"\n"
+                                                "XDG_DOCUMENTS_DIR=\"/data/papers\"\n"));
+}
+
+TEST_F(IsolatedEnvironmentTest, FoldersThatAreNotSharedStayInTheHome) {
+    (void)environment({.sharesUserFolders = false});
+    EXPECT_THAT(userDirs(), ::testing::EndsWith("XDG_DESKTOP_DIR=\"$HOME/Desktop\"\n"
+                                                "XDG_DOWNLOAD_DIR=\"$HOME/Downloads\"\n"
+                                                "XDG_DOCUMENTS_DIR=\"$HOME/Documents\"\n"));
+    (void)environment({.sharesUserFolders = true});
+    EXPECT_THAT(userDirs(), ::testing::HasSubstr((realHome / "Downloads").string()));
+}
+
+TEST_F(IsolatedEnvironmentTest, AFileThatSomebodyElseWroteStays) {
+    const std::string own = "XDG_DOWNLOAD_DIR=\"$HOME/mine\"\n";
+    write(home + "/.config/user-dirs.dirs", own);
+    (void)environment();
+    EXPECT_EQ(userDirs(), own);
+}
+
+TEST_F(IsolatedEnvironmentTest, JavaIsToldItsHomeOnlyWhereItIsUsed) {
+    EXPECT_THAT(environment(), Not(Contains(Key("JAVA_TOOL_OPTIONS"))));
+    session["JAVA_TOOL_OPTIONS"] = "-Xmx1g";
+    const Environment set = environment({.usesJava = true});
+    EXPECT_EQ(set.at("JAVA_TOOL_OPTIONS"),
+              "-Xmx1g -Duser.home=" + home + " -Djava.io.tmpdir=" + set.at("TMPDIR"));
+    const std::string spaced = (folder / "two words").string();
+    fs::create_directory(spaced);
+    EXPECT_THAT(isolatedEnvironment(spaced, session, {.usesJava = true}).at("JAVA_TOOL_OPTIONS"),
+                ::testing::HasSubstr("\"-Duser.home=" + spaced + "\""));
+}
+
+} // namespace
+} // namespace quorvel

@@ -1,0 +1,29 @@
+#pragma once
+
+#include "Platform/processes/Process.h"
+#include "tests/support/TemporaryHome.h"
+
+#include <optional>
+
+namespace quorvel::testing {
+
+/// A private session bus for this process and its children while the object lives. A process keeps
+/// the first bus that it connected to, so all tests of a program share one.
+class SessionBus {
+public:
+    /// Whether the daemon is installed.
+    [[nodiscard]] static bool isAvailable();
+
+    /// Throws `std::runtime_error` if the bus does not start.
+    SessionBus();
+    SessionBus(const SessionBus&) = delete;
+    SessionBus& operator=(const SessionBus&) = delete;
+    ~SessionBus();
+
+private:
+    TemporaryFolder folder_;
+    std::optional<Process> daemon_;
+    std::optional<ScopedEnvironment> address_;
+};
+
+} // namespace quorvel::testing
