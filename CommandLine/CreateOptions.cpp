@@ -11,19 +11,19 @@ namespace quorvel {
 namespace fs = std::filesystem;
 namespace {
 
-using Text = std::optional<std::string>;
+using OptionalText = std::optional<std::string>;
 
 // Each of these adds an option with one value; an empty one means that it was not given.
 struct ValueOptions {
     CLI::App& command;
 
-    void text(const char* name, Text& to, const char* help, const char* placeholder) const {
+    void text(const char* name, OptionalText& to, const char* help, const char* placeholder) const {
         add(
             name, help, placeholder, [&to](const std::string& value) { to = value; }, to);
     }
 
     // A path that is kept in the configuration, where "~" is the home of the user who opens it.
-    void path(const char* name, Text& to, const char* help, const char* placeholder) const {
+    void path(const char* name, OptionalText& to, const char* help, const char* placeholder) const {
         add(
             name, help, placeholder,
             [&to](const std::string& value) { to = absolutePath(value).string(); }, to);
@@ -55,15 +55,16 @@ private:
     }
 };
 
-void addPairs(CLI::App& create, const std::string& name, const char* help,
-              std::map<std::string, std::string>& to) {
-    addRepeatable(create, name, help, "K=V", [name, &to](const std::string& text) {
+// Later entries replace earlier ones of the same key.
+void addPairs(std::map<std::string, std::string>& to, const std::vector<std::string>& entries,
+              const std::string& option) {
+    for (const std::string& text : entries) {
         const std::size_t equals = text.find('=');
         if (equals == std::string::npos || equals == 0) {
-            throw UsageError(name + " takes KEY=VALUE, not " + text);
+            throw UsageError(option + " takes KEY=VALUE, not " + text);
         }
         to.insert_or_assign(text.substr(0, equals), text.substr(equals + 1));
-    });
+    }
 }
 
 void addTargetOptions(CLI::App& create, WrapperFactory::Request& request) {
@@ -94,9 +95,10 @@ void addArgumentOptions(CLI::App& create, CreateOptions& options) {
                   "An argument for the target (repeatable; default: what its engine needs)", "A",
                   options.extraArgs);
     create.add_flag("--no-extra-args", options.noExtraArgs, "No arguments for the target at all");
-    addPairs(create, "--env", "An environment variable (repeatable)", options.request.environment);
-    addPairs(create, "--plist", "An entry of the property list (repeatable)",
-             options.request.infoPlistOverrides);
+    addRepeatable(create, "--env", "An environment variable (repeatable)", "K=V",
+                  options.environment);
+    addRepeatable(create, "--plist", "An entry of the property list (repeatable)", "K=V",
+                  options.infoPlist);
 }
 
 void addSwitches(CLI::App& create, CloneOptions& options) {
@@ -108,7 +110,7 @@ void addSwitches(CLI::App& create, CloneOptions& options) {
 }
 
 void requireTarget(const WrapperFactory::Request& request) {
-    const auto require = [&](ShortcutKind needing, const Text& value, const char* option) {
+    const auto require = [&](ShortcutKind needing, const OptionalText& value, const char* option) {
         if (request.kind == needing && !value) {
             throw UsageError("--kind " + std::string(rawString(needing)) + " needs " + option);
         }
@@ -149,6 +151,8 @@ WrapperFactory::Request requestFrom(const CreateOptions& options) {
     if (options.noExtraArgs || !options.extraArgs.empty()) {
         request.extraArgs = options.extraArgs;
     }
+    addPairs(request.environment, options.environment, "--env");
+    addPairs(request.infoPlistOverrides, options.infoPlist, "--plist");
     if (!options.label.text.empty()) {
         request.iconLabel = options.label;
     }

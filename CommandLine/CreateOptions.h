@@ -15,7 +15,9 @@ namespace quorvel {
 
 /// What the options of `quorvelctl create` set.
 struct CreateOptions {
-    WrapperFactory::Request request{}; ///< but for what the next three add to it
+    WrapperFactory::Request request{};      ///< without what the next five add to it
+    std::vector<std::string> environment{}; ///< entries KEY=VALUE
+    std::vector<std::string> infoPlist{};   ///< entries KEY=VALUE
     IconLabel label{.colorHex = "#FFFFFF"};
     std::vector<std::string> extraArgs{};
     bool noExtraArgs = false;
@@ -24,13 +26,13 @@ struct CreateOptions {
     bool launch = false;
 };
 
-/// Adds the options of `create`, which set `options`; both must outlive the parsing, which throws
-/// `UsageError` for an entry without a key. An empty text means that the option was not given.
-/// Paths become absolute; those that the configuration keeps may begin with "~".
+/// Adds the options of `create`, which set `options`; both must outlive the parsing. An empty text
+/// means that the option was not given. Paths become absolute; those that the configuration keeps
+/// may begin with "~".
 void addCreateOptions(CLI::App& create, CreateOptions& options);
 
-/// Returns the whole request. Throws `UsageError` for options that don't fit together, and
-/// `RefusedRequest` for a name that can't be a clone's.
+/// Returns the whole request. Throws `UsageError` for options that don't fit together or an entry
+/// without a key, and `RefusedRequest` for a name that can't be a clone's.
 [[nodiscard]] WrapperFactory::Request requestFrom(const CreateOptions& options);
 
 } // namespace quorvel

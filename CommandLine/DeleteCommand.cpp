@@ -7,15 +7,13 @@
 #include "LaunchKit/CloneDeletion.h"
 #include "LaunchKit/DataFolderGuard.h"
 #include "LaunchKit/HomeLock.h"
+#include "LaunchKit/InstanceRecord.h"
 #include "Platform/files/FileRemoval.h"
 #include "Platform/files/FileSystem.h"
 #include "Presentation/DeletionWarning.h"
 
 #include <nlohmann/json.hpp>
 
-#include "LaunchKit/InstanceRecord.h"
-
-#include <nlohmann/json.hpp>
 #include <ostream>
 
 namespace quorvel {

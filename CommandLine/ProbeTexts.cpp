@@ -6,8 +6,6 @@
 
 #include <nlohmann/json.hpp>
 
-#include <nlohmann/json.hpp>
-
 #include <algorithm>
 #include <cmath>
 
@@ -84,7 +82,7 @@ AppProfile printable(AppProfile profile) {
 
 std::string writes(const ProbeResult& result) {
     std::string text = "Writes\n";
-    for (const LeakBucket bucket : allLeakBuckets) {
+    for (const LeakBucket bucket : allCases<LeakBucket>()) {
         const std::size_t count = result.count(bucket);
         std::string number = std::to_string(count);
         number.insert(0, 7 - std::min<std::size_t>(7, number.size()), ' ');

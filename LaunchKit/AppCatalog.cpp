@@ -5,12 +5,10 @@
 #include "LaunchKit/WrapperLayout.h"
 #include "Platform/files/FileSystem.h"
 #include "Platform/files/Folder.h"
+#include "Platform/processes/ParallelLoop.h"
 
 #include <algorithm>
-#include <atomic>
 #include <set>
-#include <system_error>
-#include <thread>
 
 namespace quorvel {
 namespace fs = std::filesystem;
@@ -42,36 +40,6 @@ std::vector<Candidate> candidatesIn(std::vector<Folder>& folders) {
         }
     }
     return candidates;
-}
-
-// Most of the time is spent waiting for the code-signing tool, so that more threads than cores
-// help.
-std::size_t workerCount(std::size_t items) {
-    const std::size_t cores = std::max(1U, std::thread::hardware_concurrency());
-    return std::min(items, std::clamp<std::size_t>(cores * 2, 4, 16));
-}
-
-// Calls `work` for every number below `count`, from several threads, or from this one alone if no
-// thread can be started.
-void forEachIndex(std::size_t count, const std::function<void(std::size_t)>& work) {
-    std::atomic<std::size_t> next{0};
-    const auto takeTurns = [&] {
-        for (std::size_t index = next++; index < count; index = next++) {
-            work(index);
-        }
-    };
-    std::vector<std::thread> workers;
-    try {
-        while (workers.size() + 1 < workerCount(count)) {
-            workers.emplace_back(takeTurns);
-        }
-    } catch (const std::system_error&) {
-        // The threads that were started are enough.
-    }
-    takeTurns();
-    for (std::thread& worker : workers) {
-        worker.join();
-    }
 }
 
 std::optional<InstalledApp> readApp(Candidate& candidate, const EntitlementReader& entitlements) {
@@ -114,7 +82,8 @@ std::vector<InstalledApp> AppCatalog::scan(const std::vector<fs::path>& dirs,
     std::vector<Folder> folders = opened(dirs);
     std::vector<Candidate> candidates = candidatesIn(folders);
     std::vector<std::optional<InstalledApp>> found(candidates.size());
-    forEachIndex(candidates.size(), [&](std::size_t index) {
+    // Most of the time is spent waiting for the code-signing tool.
+    forEachIndexWaiting(candidates.size(), [&](std::size_t index) {
         found[index] = readApp(candidates[index], entitlements);
     });
     return sortedByName(withoutDuplicates(std::move(found)), &InstalledApp::name);

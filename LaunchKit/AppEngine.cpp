@@ -4,7 +4,6 @@
 #include "Base/PathText.h"
 #include "Base/Text.h"
 #include "LaunchKit/AppBundle.h"
-#include "LaunchKit/WrapperFactory.h"
 #include "Platform/files/FileSystem.h"
 
 #include <algorithm>

@@ -1,7 +1,7 @@
 #include "LaunchKit/CloneDeletion.h"
-#include "LaunchKit/InstanceRecord.h"
 
 #include "LaunchKit/DataFolderGuard.h"
+#include "LaunchKit/InstanceRecord.h"
 #include "LaunchKit/WrapperLayout.h"
 #include "Platform/files/FileRemoval.h"
 #include "Platform/files/FileSystem.h"

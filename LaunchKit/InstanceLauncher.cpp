@@ -139,6 +139,15 @@ Process InstanceLauncher::launch(const AppBundle& app, const std::string& home,
     return Process::run(process);
 }
 
+Process InstanceLauncher::launch(const AppBundle& app, const std::string& home, Strategy strategy,
+                                 const std::vector<std::string>& extraArgs,
+                                 const std::map<std::string, std::string>& environment) const {
+    CloneOptions options;
+    options.strategy = strategy;
+    options.environment = environment;
+    return launch(app, home, options, extraArgs);
+}
+
 void InstanceLauncher::ensureKeychainAccess(const std::string& home) {
     linkIfSafe(home + "/Library/Keychains", UserPaths::expandTilde("~/Library/Keychains"));
 }

@@ -3,7 +3,6 @@
 #include "Base/Error.h"
 #include "LaunchKit/AppBundle.h"
 #include "LaunchKit/CloneOptions.h"
-#include "LaunchKit/InstanceConfig.h"
 #include "LaunchKit/SharedUserFolders.h"
 #include "Platform/files/FileHandle.h"
 #include "Platform/processes/Process.h"
@@ -61,6 +60,11 @@ public:
     [[nodiscard]] Process launch(const AppBundle& app, const std::string& home,
                                  const CloneOptions& options,
                                  const std::vector<std::string>& extraArgs, int kept = -1) const;
+
+    /// The same with only these options.
+    [[nodiscard]] Process launch(const AppBundle& app, const std::string& home, Strategy strategy,
+                                 const std::vector<std::string>& extraArgs,
+                                 const std::map<std::string, std::string>& environment) const;
 
     /// The same for a bundle that is still to be read.
     [[nodiscard]] Process launch(const std::filesystem::path& appURL, const std::string& home,

@@ -6,7 +6,6 @@
 #include "LaunchKit/InstanceRecord.h"
 #include "LaunchKit/NameOrder.h"
 #include "LaunchKit/WrapperLayout.h"
-#include "Platform/desktop/UserLocale.h"
 #include "Platform/desktop/Workspace.h"
 #include "Platform/files/FileSystem.h"
 #include "Platform/files/FileWriting.h"

@@ -4,7 +4,6 @@
 #include "LaunchKit/AppBundle.h"
 #include "LaunchKit/AppEngine.h"
 #include "LaunchKit/CloneOptions.h"
-#include "LaunchKit/InstanceConfig.h"
 
 #include <filesystem>
 #include <map>

@@ -3,8 +3,6 @@
 #include "Base/BundleLayout.h"
 #include "Base/PathText.h"
 #include "LaunchKit/InstanceConfig.h"
-#include "LaunchKit/InstanceRecord.h"
-#include "LaunchKit/InstanceRegistry.h"
 #include "Platform/files/FileSystem.h"
 #include "Platform/files/UserPaths.h"
 

@@ -125,6 +125,7 @@ ProbeResult AppProber::run(const Options& options) const {
         waiter.wait(options.settleA);
         launched.push_back(launch(homeB));
         waiter.wait(options.settleB);
+        result.singleton = classifySingleton(launched.back().process);
     } catch (const ProbeCancelled&) {
         if (options.release) {
             terminateAll(launched, options.release);
@@ -139,7 +140,6 @@ ProbeResult AppProber::run(const Options& options) const {
         }
         throw;
     }
-    result.singleton = classifySingleton(launched.back().process);
     terminateAll(launched, options.release);
     result.buckets = classify(recorder.stopAndDrain(), homeA);
     result.complete = recorder.isComplete();
@@ -148,7 +148,9 @@ ProbeResult AppProber::run(const Options& options) const {
 }
 
 TrialProcess AppProber::launch(const std::string& home) const {
-    return {launcher_.launch(bundle_, home, CloneOptions{}, electronArgs(bundle_.url, home)), home};
+    return {launcher_.launch(bundle_, home, Strategy::homeOverride, electronArgs(bundle_.url, home),
+                             {}),
+            home};
 }
 
 std::string AppProber::makeTempHome() const {

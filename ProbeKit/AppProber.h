@@ -22,9 +22,6 @@ namespace quorvel {
 /// A process that a probe launched.
 using TrialProcess = IsolatedProcess;
 
-/// A process that a probe launched.
-using TrialProcess = IsolatedProcess;
-
 /// Thrown when a probe is cancelled.
 class ProbeCancelled : public Error {
 public:

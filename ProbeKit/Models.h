@@ -31,10 +31,6 @@ enum class LeakBucket {
     irrelevant,    ///< anything else
 };
 
-inline constexpr std::array<LeakBucket, 5> allLeakBuckets{
-    LeakBucket::captured, LeakBucket::dataLeak, LeakBucket::prefsLeak, LeakBucket::containerLeak,
-    LeakBucket::irrelevant};
-
 template<>
 inline constexpr auto enumNames<LeakBucket> = namesOfAllCases<LeakBucket>({
     {LeakBucket::captured, "captured"},

@@ -1,7 +1,7 @@
 #include "QuorvelApp/AppModel.h"
 
 #include "LaunchKit/HomeLock.h"
-#include "LaunchKit/Icons/IcnsFile.h"
+#include "LaunchKit/IconCheck.h"
 #include "LaunchKit/InstanceLauncher.h"
 #include "LaunchKit/InstanceRecord.h"
 #include "Platform/files/FileSystem.h"
@@ -338,13 +338,8 @@ QFuture<void> AppModel::reveal(const InstanceRecord& record) {
 }
 
 QFuture<bool> AppModel::isIconFile(const std::filesystem::path& file) {
-    constexpr int side = 64; // of the picture that is decoded, where there are several
     return services_.tasks->detached(
-        TaskPriority::userInitiated, this,
-        [file] {
-            const auto container = IcnsFile::read(file);
-            return container && container->isDecodable(side);
-        },
+        TaskPriority::userInitiated, this, [file] { return isDrawableIcon(file); },
         [](bool isOne) { return isOne; });
 }
 

@@ -4,7 +4,6 @@
 #include "LaunchKit/Icons/ImageFile.h"
 #include "LaunchKit/Icons/Jpeg2000Image.h"
 #include "Platform/files/FileReading.h"
-#include "Platform/files/FileSystem.h"
 
 #include <algorithm>
 #include <numeric>

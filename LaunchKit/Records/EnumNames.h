@@ -65,6 +65,16 @@ concept NamedEnum = requires {
     enumNames<Case>.size();
 };
 
+/// Returns all cases, in their order.
+template<NamedEnum Case>
+[[nodiscard]] constexpr std::array<Case, caseCount<Case>> allCases() {
+    std::array<Case, caseCount<Case>> cases{};
+    for (std::size_t index = 0; index < cases.size(); ++index) {
+        cases[index] = static_cast<Case>(index);
+    }
+    return cases;
+}
+
 /// The name of a case.
 template<NamedEnum Case>
 [[nodiscard]] constexpr std::string_view rawString(Case value) {

@@ -1,11 +1,11 @@
 #include "Base/PathText.h"
 #include "Platform/desktop/ExecLine.h"
 #include "Platform/desktop/InstalledApplications.h"
-#include "Platform/desktop/ParallelLoop.h"
 #include "Platform/desktop/ProgramResolution.h"
 #include "Platform/desktop/XdgFolders_linux.h"
 #include "Platform/files/FileReading.h"
 #include "Platform/files/Folder.h"
+#include "Platform/processes/ParallelLoop.h"
 
 #include <algorithm>
 #include <cstdlib>
@@ -152,7 +152,8 @@ std::vector<InstalledApplication> installedApplications(const std::vector<fs::pa
     const std::vector<std::string> languages = desktopEntryLanguages();
     const std::vector<std::string> desktops = currentDesktops();
     std::vector<std::optional<Candidate>> candidates(files.files().size());
-    forEachIndex(candidates.size(), [&](std::size_t index) {
+    constexpr std::size_t share = 16; // one alone is soon done
+    forEachIndex(candidates.size(), share, [&](std::size_t index) {
         candidates[index] = candidateIn(files.files()[index], languages, desktops);
     });
     std::vector<InstalledApplication> found;

@@ -116,6 +116,8 @@ void writeUserDirs(const std::string& home, const std::string& sessionConfig,
     for (XdgUserDir& each : folders) {
         if (options.sharesUserFolders && isShared(each.name)) {
             each.folder = withHomeExpanded(each.folder, realHome);
+        } else if (each.folder.starts_with("/")) {
+            each.folder = "$HOME/" + lastPathComponent(each.folder);
         }
     }
     const std::string file = home + "/.config/user-dirs.dirs";

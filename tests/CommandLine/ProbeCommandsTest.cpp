@@ -7,7 +7,6 @@
 
 #include <csignal>
 #include <gmock/gmock.h>
-#include <nlohmann/json.hpp>
 #include <sstream>
 #include <sys/wait.h>
 #include <unistd.h>

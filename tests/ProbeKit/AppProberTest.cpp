@@ -92,7 +92,7 @@ TEST(AppProberTest, ClassificationAResultWithoutAPathInABucketCountsNone) {
 }
 
 TEST(AppProberTest, LeakBucketsHaveTheirNames) {
-    for (const LeakBucket bucket : allLeakBuckets) {
+    for (const LeakBucket bucket : allCases<LeakBucket>()) {
         EXPECT_EQ(caseNamed<LeakBucket>(rawString(bucket)), bucket);
     }
     EXPECT_EQ(rawString(LeakBucket::containerLeak), "containerLeak");

@@ -1,7 +1,6 @@
 #include "tests/support/AppBundles.h"
 #include "LaunchKit/InstanceConfig.h"
 
-#include "LaunchKit/InstanceConfig.h"
 #include "tests/support/TemporaryHome.h"
 
 namespace quorvel::testing {

@@ -165,6 +165,17 @@ TEST_F(IsolatedEnvironmentTest, FoldersThatAreNotSharedStayInTheHome) {
     EXPECT_THAT(userDirs(), ::testing::HasSubstr((realHome / "Downloads").string()));
 }
 
+TEST_F(IsolatedEnvironmentTest, FoldersOutsideTheUsersHomeAreNotSharedByAccident) {
+    write(realHome / ".config/user-dirs.dirs", "XDG_DOCUMENTS_DIR=\"/data/papers\"\n"
+                                               "XDG_MUSIC_DIR=\"/data/music/\"\n");
+    (void)environment({.sharesUserFolders = false});
+    EXPECT_THAT(userDirs(), ::testing::EndsWith("XDG_DOCUMENTS_DIR=\"$HOME/papers\"\n"
+                                                "XDG_MUSIC_DIR=\"$HOME/music\"\n"));
+    (void)environment({.sharesUserFolders = true});
+    EXPECT_THAT(userDirs(), ::testing::EndsWith("XDG_DOCUMENTS_DIR=\"/data/papers\"\n"
+                                                "XDG_MUSIC_DIR=\"$HOME/music\"\n"));
+}
+
 TEST_F(IsolatedEnvironmentTest, AFileThatSomebodyElseWroteStays) {
     const std::string own = "XDG_DOWNLOAD_DIR=\"$HOME/mine\"\n";
     write(home + "/.config/user-dirs.dirs", own);

@@ -1,4 +1,4 @@
-#include "Platform/desktop/ParallelLoop.h"
+#include "Platform/processes/ParallelLoop.h"
 
 #include <algorithm>
 #include <atomic>
@@ -7,9 +7,14 @@
 #include <vector>
 
 namespace quorvel {
+namespace {
 
-void forEachIndex(std::size_t count, const std::function<void(std::size_t)>& work) {
-    constexpr std::size_t share = 16; // taken at once, since one alone is soon done
+std::size_t processors() {
+    return std::max(1U, std::thread::hardware_concurrency());
+}
+
+void run(std::size_t count, std::size_t share, std::size_t threads,
+         const std::function<void(std::size_t)>& work) {
     std::atomic<std::size_t> next{0};
     const auto takeShares = [&] {
         for (std::size_t start = next.fetch_add(share); start < count;
@@ -19,11 +24,9 @@ void forEachIndex(std::size_t count, const std::function<void(std::size_t)>& wor
             }
         }
     };
-    const std::size_t useful = std::min<std::size_t>(
-        std::max(1U, std::thread::hardware_concurrency()), (count + share - 1) / share);
     std::vector<std::thread> workers;
     try {
-        while (workers.size() + 1 < useful) {
+        while (workers.size() + 1 < std::min(threads, (count + share - 1) / share)) {
             workers.emplace_back(takeShares);
         }
     } catch (const std::system_error&) {
@@ -33,6 +36,17 @@ void forEachIndex(std::size_t count, const std::function<void(std::size_t)>& wor
     for (std::thread& worker : workers) {
         worker.join();
     }
+}
+
+} // namespace
+
+void forEachIndex(std::size_t count, std::size_t share,
+                  const std::function<void(std::size_t)>& work) {
+    run(count, share, processors(), work);
+}
+
+void forEachIndexWaiting(std::size_t count, const std::function<void(std::size_t)>& work) {
+    run(count, 1, std::clamp<std::size_t>(processors() * 2, 4, 16), work);
 }
 
 } // namespace quorvel

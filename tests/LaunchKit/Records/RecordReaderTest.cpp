@@ -34,7 +34,7 @@ std::string repeated(std::string_view text, std::size_t count) {
     return result;
 }
 
-TEST(InstanceConfigReaderTest, TheThreeRequiredKeysAreRequired) {
+TEST(RecordReaderTest, TheThreeRequiredKeysAreRequired) {
     EXPECT_FALSE(decoded(R"({"bundleId":"b","instanceHome":"h"})"));
     EXPECT_FALSE(decoded(R"({"displayName":"N","instanceHome":"h"})"));
     EXPECT_FALSE(decoded(R"({"displayName":"N","bundleId":"b"})"));
@@ -43,7 +43,7 @@ TEST(InstanceConfigReaderTest, TheThreeRequiredKeysAreRequired) {
     EXPECT_TRUE(decoded(R"({"displayName":"","bundleId":"","instanceHome":""})"));
 }
 
-TEST(InstanceConfigReaderTest, AFaultInTheTextIsNamed) {
+TEST(RecordReaderTest, AFaultInTheTextIsNamed) {
     const auto failure = [](const std::string& json) -> std::string {
         try {
             (void)InstanceConfig::fromJson(json);
@@ -61,7 +61,7 @@ TEST(InstanceConfigReaderTest, AFaultInTheTextIsNamed) {
               start + "The document root must not be followed by other values.");
 }
 
-TEST(InstanceConfigReaderTest, EveryFaultOfAFileIsReportedTogether) {
+TEST(RecordReaderTest, EveryFaultOfAFileIsReportedTogether) {
     try {
         (void)InstanceConfig::fromJson(
             R"({"bundleId":7,"kind":"movie","iconLabel":{"text":"a","position":"left"},"x":[1]})");
@@ -76,7 +76,7 @@ TEST(InstanceConfigReaderTest, EveryFaultOfAFileIsReportedTogether) {
     }
 }
 
-TEST(InstanceConfigReaderTest, NullMeansTheDefault) {
+TEST(RecordReaderTest, NullMeansTheDefault) {
     for (const char* key : {"kind", "targetAppPath", "strategy", "extraArgs", "environment",
                             "infoPlistOverrides", "registerAsBrowser", "openWithPassthrough",
                             "iconLabel", "menuBarIcon", "menuBarIconTemplate", "shareUserFolders",
@@ -89,26 +89,26 @@ TEST(InstanceConfigReaderTest, NullMeansTheDefault) {
     }
 }
 
-TEST(InstanceConfigReaderTest, SharingIsOffOnlyWhenTheFileSaysSo) {
+TEST(RecordReaderTest, SharingIsOffOnlyWhenTheFileSaysSo) {
     EXPECT_FALSE(decoded(with(R"("shareUserFolders":false)"))->shareUserFolders);
     EXPECT_TRUE(decoded(with(R"("shareUserFolders":true)"))->shareUserFolders);
 }
 
-TEST(InstanceConfigReaderTest, CompletenessForAKindIsNotItsBusiness) {
+TEST(RecordReaderTest, CompletenessForAKindIsNotItsBusiness) {
     const auto config = decoded(with(R"("kind":"command")"));
     ASSERT_TRUE(config);
     EXPECT_EQ(config->kind, ShortcutKind::command);
     EXPECT_EQ(config->commandPath, std::nullopt);
 }
 
-TEST(InstanceConfigReaderTest, UnknownNamesAreNoValues) {
+TEST(RecordReaderTest, UnknownNamesAreNoValues) {
     EXPECT_FALSE(decoded(with(R"("strategy":"home_override")")));
     EXPECT_FALSE(decoded(with(R"("strategy":"")")));
     EXPECT_FALSE(decoded(with(R"("kind":"App")")));
     EXPECT_FALSE(decoded(with(R"("iconLabel":{"text":"a","colorHex":"b","position":"left"})")));
 }
 
-TEST(InstanceConfigReaderTest, ALabelIsWholeOrTheFileIsNone) {
+TEST(RecordReaderTest, ALabelIsWholeOrTheFileIsNone) {
     EXPECT_TRUE(decoded(with(R"("iconLabel":{"text":"a","colorHex":"b","position":"top"})")));
     EXPECT_TRUE(
         decoded(with(R"("iconLabel":{"x":[{}],"text":"a","colorHex":"b","position":"top"})")));
@@ -121,7 +121,7 @@ TEST(InstanceConfigReaderTest, ALabelIsWholeOrTheFileIsNone) {
     EXPECT_FALSE(decoded(with(R"("iconLabel":"a")")));
 }
 
-TEST(InstanceConfigReaderTest, AValueOfTheWrongTypeIsNoFallback) {
+TEST(RecordReaderTest, AValueOfTheWrongTypeIsNoFallback) {
     for (const char* members : {R"("url":1)",
                                 R"("url":["a"])",
                                 R"("targetAppPath":true)",
@@ -147,7 +147,7 @@ TEST(InstanceConfigReaderTest, AValueOfTheWrongTypeIsNoFallback) {
     EXPECT_FALSE(decoded(R"({"displayName":1,"bundleId":"b","instanceHome":"h"})"));
 }
 
-TEST(InstanceConfigReaderTest, KeysThatItDoesNotKnowAreIgnored) {
+TEST(RecordReaderTest, KeysThatItDoesNotKnowAreIgnored) {
     const auto config = decoded(with(
         R"("x":1,"y":{"url":"no","deep":[[{"kind":[]}],null]},"z":[],"url":"yes","DisplayName":7)"));
     ASSERT_TRUE(config);
@@ -155,20 +155,20 @@ TEST(InstanceConfigReaderTest, KeysThatItDoesNotKnowAreIgnored) {
     EXPECT_EQ(config->displayName, "N");
 }
 
-TEST(InstanceConfigReaderTest, OnlyAnObjectIsAConfiguration) {
+TEST(RecordReaderTest, OnlyAnObjectIsAConfiguration) {
     for (const char* json : {"", " ", "[]", "null", "1", "\"text\"", "true", "{", "}", "[{}]",
                              "{\"displayName\"", "nonsense", "\xEF\xBB\xBF"}) {
         EXPECT_FALSE(decoded(json)) << json;
     }
 }
 
-TEST(InstanceConfigReaderTest, NothingMayStandBehindTheObject) {
+TEST(RecordReaderTest, NothingMayStandBehindTheObject) {
     EXPECT_FALSE(decoded(with("\"url\":\"a\"") + "x"));
     EXPECT_FALSE(decoded(with("\"url\":\"a\"") + "{}"));
     EXPECT_TRUE(decoded(with("\"url\":\"a\"") + "\n\n"));
 }
 
-TEST(InstanceConfigReaderTest, EveryTruncationIsNone) {
+TEST(RecordReaderTest, EveryTruncationIsNone) {
     const std::string whole =
         with(R"("iconLabel":{"text":"a","colorHex":"b","position":"top"},"extraArgs":["a"])");
     for (std::size_t length = 0; length < whole.size(); ++length) {
@@ -176,7 +176,7 @@ TEST(InstanceConfigReaderTest, EveryTruncationIsNone) {
     }
 }
 
-TEST(InstanceConfigReaderTest, OfAKeyThatStandsTwiceTheFirstCounts) {
+TEST(RecordReaderTest, OfAKeyThatStandsTwiceTheFirstCounts) {
     EXPECT_EQ(decoded(with(R"("url":"a","url":"b")")).value().url, "a");
     EXPECT_EQ(decoded(with(R"("url":"a","url":7,"url":{"x":[1]})")).value().url, "a");
     EXPECT_EQ(decoded(with(R"("displayName":"other")")).value().displayName, "N");
@@ -195,7 +195,7 @@ TEST(InstanceConfigReaderTest, OfAKeyThatStandsTwiceTheFirstCounts) {
     EXPECT_EQ(label.value().iconLabel, (IconLabel{"a", "c", IconLabel::Position::top}));
 }
 
-TEST(InstanceConfigReaderTest, AByteOrderMarkMeansNothing) {
+TEST(RecordReaderTest, AByteOrderMarkMeansNothing) {
     EXPECT_EQ(decoded("\xEF\xBB\xBF" + with(R"("url":"a")")).value().url, "a");
     EXPECT_FALSE(decoded("\xEF\xBB\xBF\xEF\xBB\xBF" + with(R"("url":"a")")));
 }
@@ -212,7 +212,7 @@ void expectIgnored(const std::string& member) {
     EXPECT_EQ(labelled->iconLabel, (IconLabel{"a", "c", IconLabel::Position::top}));
 }
 
-TEST(InstanceConfigReaderTest, AnUnknownKeyMayHoldAnything) {
+TEST(RecordReaderTest, AnUnknownKeyMayHoldAnything) {
     for (const char* value :
          {"1e999", "-1E+999", "[1e999]", "99999999999999999999999999", "0.0000001e-9999",
           R"("\ud800")", R"("\udc00x")", R"({"\ud800":["\udfff"]})", R"([{"a":[]},{},[[]],""])"}) {
@@ -226,7 +226,7 @@ TEST(InstanceConfigReaderTest, AnUnknownKeyMayHoldAnything) {
     expectIgnored("\"unknown\":-" + digits + "." + digits);
 }
 
-TEST(InstanceConfigReaderTest, WhatIsNoJsonStaysNoneUnderAnUnknownKey) {
+TEST(RecordReaderTest, WhatIsNoJsonStaysNoneUnderAnUnknownKey) {
     for (const char* value :
          {"",          "1e",         "01",    "+1",   ".5",   "1.",     "-",       "0x10",
           "NaN",       "nul",        "tru",   "'a'",  "\"a",  "\"\t\"", R"("\x")", R"("\u12g4")",
@@ -240,28 +240,28 @@ TEST(InstanceConfigReaderTest, WhatIsNoJsonStaysNoneUnderAnUnknownKey) {
     EXPECT_FALSE(decoded("[" + with("\"unknown\":1e999") + "]"));
 }
 
-TEST(InstanceConfigReaderTest, NumbersOutOfRangeAreNone) {
+TEST(RecordReaderTest, NumbersOutOfRangeAreNone) {
     for (const char* number :
          {"1e999", "-1e999", "99999999999999999999999999", "1e", "0x10", "NaN", "01"}) {
         EXPECT_FALSE(decoded(with("\"menuBarIcon\":" + std::string(number)))) << number;
     }
 }
 
-TEST(InstanceConfigReaderTest, TextThatIsNotUtf8IsNone) {
+TEST(RecordReaderTest, TextThatIsNotUtf8IsNone) {
     EXPECT_FALSE(decoded(with("\"url\":\"\xFF\"")));
     EXPECT_FALSE(decoded(with("\"url\":\"caf\xE9\"")));
     EXPECT_FALSE(decoded(with("\"\xC0\xAF\":\"a\"")));
     EXPECT_FALSE(decoded(with("\"unknown\":\"\xED\xA0\x80\"")));
 }
 
-TEST(InstanceConfigReaderTest, LoneSurrogatesAreNone) {
+TEST(RecordReaderTest, LoneSurrogatesAreNone) {
     EXPECT_FALSE(decoded(with(R"("url":"\ud800")")));
     EXPECT_FALSE(decoded(with(R"("url":"\udc00x")")));
     EXPECT_FALSE(decoded(with(R"("url":"\ud800\ud800")")));
     EXPECT_EQ(decoded(with(R"("url":"\ud83d\ude00")"))->url, "😀");
 }
 
-TEST(InstanceConfigReaderTest, EndlessNestingIsNoTrouble) {
+TEST(RecordReaderTest, EndlessNestingIsNoTrouble) {
     constexpr std::size_t deep = 100'000;
     EXPECT_FALSE(decoded(repeated("[", deep)));
     EXPECT_FALSE(decoded(repeated("{\"a\":", deep)));
@@ -271,14 +271,14 @@ TEST(InstanceConfigReaderTest, EndlessNestingIsNoTrouble) {
     expectIgnored("\"unknown\":" + repeated("{\"a\":", deep) + "1" + repeated("}", deep));
 }
 
-TEST(InstanceConfigReaderTest, AnUnknownValueMayNestAsItLikes) {
+TEST(RecordReaderTest, AnUnknownValueMayNestAsItLikes) {
     for (const std::size_t levels : {511U, 512U, 513U, 514U, 1'000'000U}) {
         expectIgnored("\"unknown\":" + repeated("[", levels) + repeated("]", levels));
     }
     expectIgnored("\"unknown\":[" + repeated("[[]],", 10'000) + "0]");
 }
 
-TEST(InstanceConfigReaderTest, WhatIsNoReadableFileHoldsNoConfiguration) {
+TEST(RecordReaderTest, WhatIsNoReadableFileHoldsNoConfiguration) {
     const TemporaryFolder folder;
     ::mkfifo((folder / "fifo").c_str(), 0600);
     fs::create_symlink(folder / "loop", folder / "loop");
@@ -290,14 +290,14 @@ TEST(InstanceConfigReaderTest, WhatIsNoReadableFileHoldsNoConfiguration) {
     EXPECT_FALSE(InstanceConfig::read("/dev/zero"));
 }
 
-TEST(InstanceConfigReaderTest, AHugeFileHoldsNoConfiguration) {
+TEST(RecordReaderTest, AHugeFileHoldsNoConfiguration) {
     const TemporaryFolder folder;
     write(folder / "huge", with("\"url\":\"a\""));
     fs::resize_file(folder / "huge", std::uintmax_t{100} << 20U);
     EXPECT_FALSE(InstanceConfig::read(folder / "huge"));
 }
 
-TEST(InstanceConfigReaderTest, AFileIsReadThroughALink) {
+TEST(RecordReaderTest, AFileIsReadThroughALink) {
     const TemporaryFolder folder;
     write(folder / "file", with("\"url\":\"a\""));
     fs::create_symlink("file", folder / "link");

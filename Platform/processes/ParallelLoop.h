@@ -1,0 +1,17 @@
+#pragma once
+
+#include <cstddef>
+#include <functional>
+
+namespace quorvel {
+
+/// Calls `work`, which must not throw, for every number below `count`, from as many threads as
+/// there are processors, and returns when all is done. Each takes `share` numbers at a time: many
+/// where the work for one is short. If no thread can be started, the calling one does it all.
+void forEachIndex(std::size_t count, std::size_t share,
+                  const std::function<void(std::size_t)>& work);
+
+/// The same for work that mostly waits, so that more threads than processors help.
+void forEachIndexWaiting(std::size_t count, const std::function<void(std::size_t)>& work);
+
+} // namespace quorvel
