@@ -51,7 +51,7 @@ std::optional<std::uintmax_t> logSizeOf(const InstanceConfig& config) {
 void checkCreation(const CommandContext& context, const WrapperFactory::Request& request,
                    const std::optional<fs::path>& runner, bool sharedHome) {
     try {
-        checkRequest(request, runner, {.sharedHome = sharedHome});
+        validateRequest(request, runner, {.sharedHome = sharedHome});
     } catch (const SharedHome& refused) {
         throw CommandError(std::string(refused.what()) + " With --shared-home, it is used anyway.");
     } catch (const DamagedClone&) {
@@ -63,7 +63,7 @@ void checkCreation(const CommandContext& context, const WrapperFactory::Request&
                        "The clone at " + place.string() + " can’t be read any more. Replace it?")) {
             throw CommandError("Nothing was replaced.");
         }
-        checkRequest(request, runner, {.sharedHome = sharedHome, .damagedClone = true});
+        validateRequest(request, runner, {.sharedHome = sharedHome, .damagedClone = true});
     }
 }
 

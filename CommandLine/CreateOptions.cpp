@@ -142,7 +142,7 @@ void addCreateOptions(CLI::App& create, CreateOptions& options) {
 WrapperFactory::Request requestFrom(const CreateOptions& options) {
     WrapperFactory::Request request = options.request;
     requireTarget(request);
-    request.displayName = checkedCloneName(request.displayName);
+    request.displayName = validatedCloneName(request.displayName);
     if (options.noExtraArgs && !options.extraArgs.empty()) {
         throw UsageError("--no-extra-args and --extra-arg can’t be used together");
     }

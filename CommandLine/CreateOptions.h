@@ -30,7 +30,7 @@ struct CreateOptions {
 void addCreateOptions(CLI::App& create, CreateOptions& options);
 
 /// Returns the whole request. Throws `UsageError` for options that don't fit together, and
-/// `RefusedRequest` for a name that can't be a clone's.
+/// `InvalidRequest` for a name that can't be a clone's.
 [[nodiscard]] WrapperFactory::Request requestFrom(const CreateOptions& options);
 
 } // namespace quorvel

@@ -32,7 +32,7 @@ struct AppServices {
     std::shared_ptr<BackgroundTasks> tasks{};
     std::function<std::vector<InstalledApp>()> scanCatalog{};
     std::function<std::optional<AppBundle>(const std::filesystem::path&)> readBundle{};
-    /// Returns the new wrapper. Throws what the factory throws, and `RefusedRequest` rather than
+    /// Returns the new wrapper. Throws what the factory throws, and `InvalidRequest` rather than
     /// replace something that is not a clone.
     std::function<std::filesystem::path(const WrapperFactory::Request&)> createWrapper{};
     /// Returns std::nullopt if the bundle can't be probed at all; throws if the probe fails.

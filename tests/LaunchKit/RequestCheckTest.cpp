@@ -21,13 +21,13 @@ protected:
         request.displayName = name;
         return request;
     }
-    // What the check says; nothing when it lets the request pass.
+    // Returns why the request is refused; empty if it is not.
     static std::string refusal(const WrapperFactory::Request& request,
                                const std::optional<fs::path>& runner = std::nullopt) {
         try {
-            checkRequest(request, runner);
+            validateRequest(request, runner);
             return {};
-        } catch (const RefusedRequest& refused) {
+        } catch (const InvalidRequest& refused) {
             return refused.what();
         }
     }
@@ -55,8 +55,8 @@ TEST_F(RequestCheckTest, RefusesNamesThatLeadElsewhere) {
 TEST_F(RequestCheckTest, NamesTheFirstFaultOfAName) {
     EXPECT_EQ(refusal(request(" a/\xff\x07 ")), "The name “a/\xff\x07” is not UTF-8 text.");
     EXPECT_EQ(refusal(request(" a/\x07 ")),
-              "The name “a/\x07” can’t be used: it must not hold “/” and not be “.” or “..”.");
-    EXPECT_EQ(refusal(request(" \x07 ")), "The name “\x07” holds control characters.");
+              "The name “a/\x07” can’t be used: it must not contain “/” and not be “.” or “..”.");
+    EXPECT_EQ(refusal(request(" \x07 ")), "The name “\x07” contains control characters.");
 }
 
 TEST_F(RequestCheckTest, TellsControlCharactersFromOtherOnes) {
@@ -71,7 +71,7 @@ TEST_F(RequestCheckTest, TellsControlCharactersFromOtherOnes) {
     }
     for (const char* name : {"a b", "a\nb", "a\tb", "a~b", "é", "語", "...", ".a"}) {
         EXPECT_EQ(refusal(request(name)), "") << name;
-        EXPECT_EQ(checkedCloneName(std::string(" ") + name + "\n"), name);
+        EXPECT_EQ(validatedCloneName(std::string(" ") + name + "\n"), name);
     }
 }
 

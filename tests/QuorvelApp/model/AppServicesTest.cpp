@@ -107,7 +107,7 @@ TEST(AppServicesTestFullDisk, DISABLED_Within) {
         EXPECT_EQ(error.code(), std::errc::no_space_on_device);
         EXPECT_THAT(error.what(), EndsWith("no space left on device"));
     }
-    EXPECT_NO_THROW(checkRequest(request)) << "once there is room, it may be made";
+    EXPECT_NO_THROW(validateRequest(request)) << "once there is room, it may be made";
 }
 
 TEST_F(AppServicesTest, AFullDiskIsReportedAndTheCloneMayBeMadeLater) {
