@@ -13,7 +13,7 @@ namespace {
 
 using Text = std::optional<std::string>;
 
-// Each of these adds an option with one value; an empty one means that it was not given.
+// Each of these adds an option with one value; an empty value counts as an absent option.
 struct ValueOptions {
     CLI::App& command;
 

@@ -15,7 +15,7 @@ namespace quorvel {
 
 /// What the options of `quorvelctl create` set.
 struct CreateOptions {
-    WrapperFactory::Request request{}; ///< but for what the next three add to it
+    WrapperFactory::Request request{}; ///< without what the next three members add
     IconLabel label{.colorHex = "#FFFFFF"};
     std::vector<std::string> extraArgs{};
     bool noExtraArgs = false;
@@ -25,12 +25,12 @@ struct CreateOptions {
 };
 
 /// Adds the options of `create`, which set `options`; both must outlive the parsing, which throws
-/// `UsageError` for an entry without a key. An empty text means that the option was not given.
+/// `UsageError` for an entry without a key. An empty text counts as an absent option.
 /// Paths become absolute; those that the configuration keeps may begin with "~".
 void addCreateOptions(CLI::App& create, CreateOptions& options);
 
-/// Returns the whole request. Throws `UsageError` for options that don't fit together, and
-/// `InvalidRequest` for a name that can't be a clone's.
+/// Returns the complete request. Throws `UsageError` for missing or conflicting options, and
+/// `InvalidRequest` for an invalid name.
 [[nodiscard]] WrapperFactory::Request requestFrom(const CreateOptions& options);
 
 } // namespace quorvel

@@ -54,7 +54,7 @@ bool isLeak(LeakBucket bucket) {
            bucket == LeakBucket::containerLeak;
 }
 
-// A file that was written several times is listed as often; one example of it is enough.
+// A file written several times is recorded several times; one example is enough.
 std::vector<std::string> firstOf(const std::vector<std::string>& paths) {
     std::vector<std::string> chosen;
     for (const std::string& path : paths) {
