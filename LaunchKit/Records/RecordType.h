@@ -46,10 +46,9 @@ struct FieldType {
     using Locate = Place (*)(void* record);
 
     std::string_view key{};
-    bool required =
-        false; ///< must be present and not null; otherwise a missing value keeps its default
-    HasValue present = nullptr;         ///< returns whether it has a value to write
-    Locate place = nullptr;             ///< makes an absent optional present
+    bool required = false;      ///< present and not null; other keys keep their default if missing
+    HasValue present = nullptr; ///< returns whether it has a value to write
+    Locate place = nullptr;     ///< makes an absent optional present
     const RecordType* nested = nullptr; ///< the type of a record inside
 };
 

@@ -148,8 +148,7 @@ void AdvancedOptions::addMenuBarBoxes() {
     QVBoxLayout* second = makeColumn(0);
     QCheckBox* monochrome = addCheckBox(second, tr("Menu-bar icon as monochrome (template)"),
                                         &NewCloneForm::menuBarIconTemplate);
-    auto* indented =
-        new QHBoxLayout; // spacing is mirrored in right-to-left layouts, unlike margins
+    auto* indented = new QHBoxLayout; // unlike margins, its spacing is mirrored
     indented->setSpacing(0);
     indented->addSpacing(18);
     indented->addLayout(second);
