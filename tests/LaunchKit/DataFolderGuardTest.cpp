@@ -178,7 +178,7 @@ TEST_F(DataFolderGuardTest, TwoClonesOfOneNameInTwoFoldersAreNoticed) {
     second.outputDir = home_ / "Elsewhere";
     EXPECT_THROW(validateRequest(second), SharedHome);
     EXPECT_NO_THROW(validateRequest(request(std::nullopt))) << "the clone itself is replaced";
-    // The first lies where nobody looks but from beside it.
+    // The first is found only because it is beside the wrapper.
     fs::remove_all(home_ / "Applications/New.app");
     config.instanceHome = "~/QuorvelInstances/New";
     makeWrapper(home_ / "Elsewhere/Other.app", config);

@@ -1,4 +1,4 @@
-// What is no configuration, and above all what was made to harm: simply no clone.
+// Files that are not a configuration, malicious ones in particular: none is read as a clone.
 #include "LaunchKit/InstanceConfig.h"
 
 #include "tests/support/TemporaryHome.h"
@@ -12,7 +12,7 @@ namespace {
 using namespace testing;
 namespace fs = std::filesystem;
 
-// A valid file but for these members.
+// A valid file except for these members.
 std::string with(const std::string& members) {
     return R"({"displayName":"N","bundleId":"b","instanceHome":"~/I",)" + members + "}";
 }

@@ -349,7 +349,7 @@ TEST_F(InstanceLauncherTest, AFileShortcutOpensExactlyTheExpandedPath) {
         fs::canonical("/usr/bin/open") != fs::canonical("/usr/bin/xdg-open")) {
         GTEST_SKIP() << "/usr/bin/open is not the desktop's";
     }
-    // The desktop's tool hands an address to the browser that it is told of: here, to a script.
+    // The desktop's tool passes an address to the configured browser: here, a script.
     write(at("browser"), "#!/bin/sh\nprintf '%s\\n' \"$#\" \"$@\" \"$QUORVEL_TEST_VARIABLE\" "
                          "\"$QUORVEL_CONFIGURED_VARIABLE\" \"$HOME\" > " +
                              at("opened").string());

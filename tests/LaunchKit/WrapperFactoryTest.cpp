@@ -316,7 +316,7 @@ TEST_F(WrapperFactoryTest, WithoutARunnerThereIsNoCloneWhateverTheTarget) {
         EXPECT_EQ(create(webRequest("Work")), at("out/Work.app")) << "a given one will do";
         return;
     }
-    // There is one beside this program, so a copy of it goes on where there is none.
+    // There is a runner beside this program, so a copy of it continues where there is none.
     fs::create_directories(at("bin"));
     fs::copy_file(mainExecutable(), at("bin/program"));
     Process::Options options;
