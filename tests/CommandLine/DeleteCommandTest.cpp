@@ -227,7 +227,7 @@ TEST_F(DeleteCommandTest, ADamagedCloneIsReplacedAfterAQuestion) {
     EXPECT_TRUE(InstanceRegistry().record(wrapper));
 }
 
-TEST_F(DeleteCommandTest, CreateTakesASharedHomeOnlyWhenThatIsSaid) {
+TEST_F(DeleteCommandTest, CreateAcceptsASharedHomeOnlyWhenAsked) {
     addClone("~/QuorvelInstances/Shared");
     const auto create = [&](std::vector<std::string> more) {
         std::vector<std::string> words{"create",

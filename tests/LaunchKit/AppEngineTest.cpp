@@ -162,7 +162,7 @@ TEST_F(AppEngineTest, AnUnreadableBundleIsStillKnownByItsFiles) {
     EXPECT_EQ(WrapperFactory::detectEngine(bundle, std::nullopt), Engine::electron);
 }
 
-TEST_F(AppEngineTest, AGivenIdentifierGoesBeforeTheBundlesOwn) {
+TEST_F(AppEngineTest, AGivenIdentifierPrecedesTheBundlesOwn) {
     EXPECT_EQ(WrapperFactory::detectEngine(app("com.x"), "com.google.Chrome"), Engine::chromium);
     EXPECT_EQ(WrapperFactory::detectEngine(app("com.google.Chrome"), ""), Engine::other);
 }

@@ -91,7 +91,7 @@ TEST_F(DataFolderGuardTest, AFolderInOneOfThemMayGo) {
     }
 }
 
-TEST_F(DataFolderGuardTest, AFolderThatHoldsOneOfThemIsSpared) {
+TEST_F(DataFolderGuardTest, AFolderThatContainsOneOfThemIsSpared) {
     write(home_ / "mine/dokumente/precious", "x");
     write(home_ / ".config/user-dirs.dirs", "XDG_DOCUMENTS_DIR=\"$HOME/mine/dokumente\"\n");
     EXPECT_THAT(refusal(cloneWithHome("~/mine")), HasSubstr("contains your folder “dokumente”"));

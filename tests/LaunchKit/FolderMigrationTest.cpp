@@ -41,7 +41,7 @@ protected:
     TemporaryFolder folder_;
 };
 
-TEST_F(FolderMigrationTest, WhenAllHasMovedNothingIsTold) {
+TEST_F(FolderMigrationTest, NothingIsReportedIfEverythingWasMoved) {
     write(inClone("Documents/a"), "a");
     fs::create_directories(inClone("Desktop"));
     write(inClone("Downloads"), "a file instead of a folder");

@@ -101,14 +101,14 @@ TEST(InstanceConfigReaderTest, CompletenessForAKindIsNotItsBusiness) {
     EXPECT_EQ(config->commandPath, std::nullopt);
 }
 
-TEST(InstanceConfigReaderTest, UnknownNamesAreNoValues) {
+TEST(InstanceConfigReaderTest, UnknownNamesAreRefused) {
     EXPECT_FALSE(decoded(with(R"("strategy":"home_override")")));
     EXPECT_FALSE(decoded(with(R"("strategy":"")")));
     EXPECT_FALSE(decoded(with(R"("kind":"App")")));
     EXPECT_FALSE(decoded(with(R"("iconLabel":{"text":"a","colorHex":"b","position":"left"})")));
 }
 
-TEST(InstanceConfigReaderTest, ALabelIsWholeOrTheFileIsNone) {
+TEST(InstanceConfigReaderTest, AnIncompleteLabelInvalidatesTheFile) {
     EXPECT_TRUE(decoded(with(R"("iconLabel":{"text":"a","colorHex":"b","position":"top"})")));
     EXPECT_TRUE(
         decoded(with(R"("iconLabel":{"x":[{}],"text":"a","colorHex":"b","position":"top"})")));
@@ -121,7 +121,7 @@ TEST(InstanceConfigReaderTest, ALabelIsWholeOrTheFileIsNone) {
     EXPECT_FALSE(decoded(with(R"("iconLabel":"a")")));
 }
 
-TEST(InstanceConfigReaderTest, AValueOfTheWrongTypeIsNoFallback) {
+TEST(InstanceConfigReaderTest, AValueOfTheWrongTypeIsNotReplacedByTheDefault) {
     for (const char* members : {R"("url":1)",
                                 R"("url":["a"])",
                                 R"("targetAppPath":true)",
@@ -162,13 +162,13 @@ TEST(InstanceConfigReaderTest, OnlyAnObjectIsAConfiguration) {
     }
 }
 
-TEST(InstanceConfigReaderTest, NothingMayStandBehindTheObject) {
+TEST(InstanceConfigReaderTest, NothingMayFollowTheObject) {
     EXPECT_FALSE(decoded(with("\"url\":\"a\"") + "x"));
     EXPECT_FALSE(decoded(with("\"url\":\"a\"") + "{}"));
     EXPECT_TRUE(decoded(with("\"url\":\"a\"") + "\n\n"));
 }
 
-TEST(InstanceConfigReaderTest, EveryTruncationIsNone) {
+TEST(InstanceConfigReaderTest, EveryTruncationIsRefused) {
     const std::string whole =
         with(R"("iconLabel":{"text":"a","colorHex":"b","position":"top"},"extraArgs":["a"])");
     for (std::size_t length = 0; length < whole.size(); ++length) {
@@ -176,7 +176,7 @@ TEST(InstanceConfigReaderTest, EveryTruncationIsNone) {
     }
 }
 
-TEST(InstanceConfigReaderTest, OfAKeyThatStandsTwiceTheFirstCounts) {
+TEST(InstanceConfigReaderTest, TheFirstOfDuplicateKeysCounts) {
     EXPECT_EQ(decoded(with(R"("url":"a","url":"b")")).value().url, "a");
     EXPECT_EQ(decoded(with(R"("url":"a","url":7,"url":{"x":[1]})")).value().url, "a");
     EXPECT_EQ(decoded(with(R"("displayName":"other")")).value().displayName, "N");
@@ -195,7 +195,7 @@ TEST(InstanceConfigReaderTest, OfAKeyThatStandsTwiceTheFirstCounts) {
     EXPECT_EQ(label.value().iconLabel, (IconLabel{"a", "c", IconLabel::Position::top}));
 }
 
-TEST(InstanceConfigReaderTest, AByteOrderMarkMeansNothing) {
+TEST(InstanceConfigReaderTest, AByteOrderMarkIsIgnored) {
     EXPECT_EQ(decoded("\xEF\xBB\xBF" + with(R"("url":"a")")).value().url, "a");
     EXPECT_FALSE(decoded("\xEF\xBB\xBF\xEF\xBB\xBF" + with(R"("url":"a")")));
 }
@@ -226,7 +226,7 @@ TEST(InstanceConfigReaderTest, AnUnknownKeyMayHoldAnything) {
     expectIgnored("\"unknown\":-" + digits + "." + digits);
 }
 
-TEST(InstanceConfigReaderTest, WhatIsNoJsonStaysNoneUnderAnUnknownKey) {
+TEST(InstanceConfigReaderTest, InvalidJsonIsRefusedEvenUnderAnUnknownKey) {
     for (const char* value :
          {"",          "1e",         "01",    "+1",   ".5",   "1.",     "-",       "0x10",
           "NaN",       "nul",        "tru",   "'a'",  "\"a",  "\"\t\"", R"("\x")", R"("\u12g4")",
@@ -240,28 +240,28 @@ TEST(InstanceConfigReaderTest, WhatIsNoJsonStaysNoneUnderAnUnknownKey) {
     EXPECT_FALSE(decoded("[" + with("\"unknown\":1e999") + "]"));
 }
 
-TEST(InstanceConfigReaderTest, NumbersOutOfRangeAreNone) {
+TEST(InstanceConfigReaderTest, NumbersOutOfRangeAreRefused) {
     for (const char* number :
          {"1e999", "-1e999", "99999999999999999999999999", "1e", "0x10", "NaN", "01"}) {
         EXPECT_FALSE(decoded(with("\"menuBarIcon\":" + std::string(number)))) << number;
     }
 }
 
-TEST(InstanceConfigReaderTest, TextThatIsNotUtf8IsNone) {
+TEST(InstanceConfigReaderTest, TextThatIsNotUtf8IsRefused) {
     EXPECT_FALSE(decoded(with("\"url\":\"\xFF\"")));
     EXPECT_FALSE(decoded(with("\"url\":\"caf\xE9\"")));
     EXPECT_FALSE(decoded(with("\"\xC0\xAF\":\"a\"")));
     EXPECT_FALSE(decoded(with("\"unknown\":\"\xED\xA0\x80\"")));
 }
 
-TEST(InstanceConfigReaderTest, LoneSurrogatesAreNone) {
+TEST(InstanceConfigReaderTest, LoneSurrogatesAreRefused) {
     EXPECT_FALSE(decoded(with(R"("url":"\ud800")")));
     EXPECT_FALSE(decoded(with(R"("url":"\udc00x")")));
     EXPECT_FALSE(decoded(with(R"("url":"\ud800\ud800")")));
     EXPECT_EQ(decoded(with(R"("url":"\ud83d\ude00")"))->url, "😀");
 }
 
-TEST(InstanceConfigReaderTest, EndlessNestingIsNoTrouble) {
+TEST(InstanceConfigReaderTest, EndlessNestingIsHarmless) {
     constexpr std::size_t deep = 100'000;
     EXPECT_FALSE(decoded(repeated("[", deep)));
     EXPECT_FALSE(decoded(repeated("{\"a\":", deep)));
@@ -271,14 +271,14 @@ TEST(InstanceConfigReaderTest, EndlessNestingIsNoTrouble) {
     expectIgnored("\"unknown\":" + repeated("{\"a\":", deep) + "1" + repeated("}", deep));
 }
 
-TEST(InstanceConfigReaderTest, AnUnknownValueMayNestAsItLikes) {
+TEST(InstanceConfigReaderTest, AnUnknownValueMayNestToAnyDepth) {
     for (const std::size_t levels : {511U, 512U, 513U, 514U, 1'000'000U}) {
         expectIgnored("\"unknown\":" + repeated("[", levels) + repeated("]", levels));
     }
     expectIgnored("\"unknown\":[" + repeated("[[]],", 10'000) + "0]");
 }
 
-TEST(InstanceConfigReaderTest, WhatIsNoReadableFileHoldsNoConfiguration) {
+TEST(InstanceConfigReaderTest, AnUnreadableFileIsNotAConfiguration) {
     const TemporaryFolder folder;
     ::mkfifo((folder / "fifo").c_str(), 0600);
     fs::create_symlink(folder / "loop", folder / "loop");
@@ -290,7 +290,7 @@ TEST(InstanceConfigReaderTest, WhatIsNoReadableFileHoldsNoConfiguration) {
     EXPECT_FALSE(InstanceConfig::read("/dev/zero"));
 }
 
-TEST(InstanceConfigReaderTest, AHugeFileHoldsNoConfiguration) {
+TEST(InstanceConfigReaderTest, AHugeFileIsNotAConfiguration) {
     const TemporaryFolder folder;
     write(folder / "huge", with("\"url\":\"a\""));
     fs::resize_file(folder / "huge", std::uintmax_t{100} << 20U);

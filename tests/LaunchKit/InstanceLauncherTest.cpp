@@ -121,7 +121,7 @@ TEST_F(InstanceLauncherTest, OutputAndErrorsOfEveryRunAreCollectedInTheLog) {
     EXPECT_EQ(log(), "earlier\nsaid\ncomplained\nagain\n");
 }
 
-TEST_F(InstanceLauncherTest, ALogThatCantBeOpenedHoldsUpNobody) {
+TEST_F(InstanceLauncherTest, ALogThatCantBeOpenedDoesntBlock) {
     fs::create_directories(cloneHome());
     ::mkfifo((cloneHome() / "quorvel-instance.log").c_str(), 0600);
     EXPECT_FALSE(InstanceLauncher::instanceLogHandle(cloneHome()));

@@ -76,7 +76,7 @@ protected:
     TemporaryHome home_;
 };
 
-TEST_F(WrapperFactoryTest, TellsBeforehandWhereTheCloneWillBe) {
+TEST_F(WrapperFactoryTest, ReturnsInAdvanceWhereTheCloneWillBe) {
     const WrapperFactory::Request request = webRequest("  Work \n");
     EXPECT_EQ(WrapperFactory::wrapperURL(request), at("out") / "Work.app");
     EXPECT_EQ(WrapperFactory::wrapperURL(request), create(request));
@@ -309,7 +309,7 @@ void expectRunnerNotFound(const WrapperFactory::Request& request) {
     EXPECT_FALSE(fs::exists(*request.outputDir)) << "nothing may be written";
 }
 
-TEST_F(WrapperFactoryTest, WithoutARunnerThereIsNoCloneWhateverTheTarget) {
+TEST_F(WrapperFactoryTest, WithoutARunnerNoKindOfCloneIsMade) {
     if (!fs::exists(mainExecutable().parent_path() / "quorvel-runner")) {
         expectRunnerNotFound(webRequest("Work"));
         expectRunnerNotFound(appRequest("/no/such.app"));

@@ -71,7 +71,7 @@ TEST_F(WrapperLayoutTest, AConfigurationThatIsNotAFileIsKept) {
     EXPECT_FALSE(isDamagedWrapper(wrapper_));
 }
 
-TEST_F(WrapperLayoutTest, WhatHoldsAnythingElseIsSomebodysOwn) {
+TEST_F(WrapperLayoutTest, AFolderWithAnythingElseBelongsToSomeoneElse) {
     damage();
     for (const char* other : {"notes.txt", "Contents/Frameworks/library", "Contents/MacOS/other",
                               "Contents/Resources/notes.txt"}) {

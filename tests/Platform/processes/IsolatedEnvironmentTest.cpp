@@ -165,7 +165,7 @@ TEST_F(IsolatedEnvironmentTest, FoldersThatAreNotSharedStayInTheHome) {
     EXPECT_THAT(userDirs(), ::testing::HasSubstr((realHome / "Downloads").string()));
 }
 
-TEST_F(IsolatedEnvironmentTest, AFileThatSomebodyElseWroteStays) {
+TEST_F(IsolatedEnvironmentTest, AFileWrittenByAnotherProgramIsKept) {
     const std::string own = "XDG_DOWNLOAD_DIR=\"$HOME/mine\"\n";
     write(home + "/.config/user-dirs.dirs", own);
     (void)environment();

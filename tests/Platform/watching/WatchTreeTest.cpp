@@ -56,7 +56,7 @@ TEST_F(WatchTreeTest, ReportsNothingOfWhatIsThereAtTheStart) {
     EXPECT_THAT(reported(), ElementsAre(Key("/sub/file"))) << "folders below are watched";
 }
 
-TEST_F(WatchTreeTest, ReportsARootThatComesWithAllThatItHolds) {
+TEST_F(WatchTreeTest, ReportsARootThatAppearsWithAllItsContents) {
     watch();
     write(at("sub/file"), "text");
     EXPECT_THAT(reported(), IsEmpty()) << "a missing root is somebody else's to notice";
@@ -85,7 +85,7 @@ TEST_F(WatchTreeTest, KnowsARenamedFolderByItsNewName) {
     EXPECT_THAT(reported(), ElementsAre(Key("/new/sub/file")));
 }
 
-TEST_F(WatchTreeTest, LetsGoOfAFolderThatMovedOut) {
+TEST_F(WatchTreeTest, StopsWatchingAFolderThatMovedOut) {
     write(at("leaving/file"), "text");
     watch();
     EXPECT_FALSE(tree_.tidyDue());
