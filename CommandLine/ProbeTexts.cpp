@@ -22,7 +22,7 @@ std::string inWords(SingletonTier tier) {
     case SingletonTier::none:
         return "runs side by side with the first";
     case SingletonTier::lockFile:
-        return "stays alive but never comes up: a lock holds it back";
+        return "keeps running but never appears: it is waiting for a lock";
     case SingletonTier::machPort:
         return "hands over to the first and quits";
     case SingletonTier::lsProhibited:

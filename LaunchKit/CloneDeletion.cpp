@@ -47,8 +47,8 @@ bool isAnother(const std::optional<InstanceRecord>& now, const InstanceRecord& l
 void refuseAnother(const InstanceRegistry& registry, const InstanceRecord& record) {
     if (isAnother(registry.record(record.bundleURL), record)) {
         throw RefusedDeletion("The clone at " + record.bundleURL.string() +
-                              " is not the one that was listed any more, so nothing was deleted. "
-                              "List the clones again, and look at it first.");
+                              " is no longer the one that was listed, so nothing was deleted. "
+                              "List the clones again and check it first.");
     }
 }
 
