@@ -52,7 +52,7 @@ void addIconOptions(CLI::App& icon, IconOptions& o) {
     icon.add_option("SOURCE", o.source, "An icon, or any image")->required()->type_name("");
     icon.add_flag("--list", o.list, "Show the images in the icon instead");
     icon.add_option("--label", o.label, "The text to draw")->type_name("TEXT");
-    icon.add_option("--color", o.color, "Its colour (default: #FFFFFF)")->type_name("HEX");
+    icon.add_option("--color", o.color, "Its color (default: #FFFFFF)")->type_name("HEX");
     addChoice(icon, "--position", "Where it sits", "P", o.position);
     icon.add_option("--output", o.output, "The icon to write")->type_name("FILE");
 }

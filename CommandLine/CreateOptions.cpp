@@ -84,7 +84,7 @@ void addIconOptions(CLI::App& create, CreateOptions& options) {
                               "An icon file to use instead of the target's", "FILE");
     create.add_flag("--hide-icon", options.request.hideWrapperIcon, "Show no Dock icon");
     create.add_option("--label", options.label.text, "A short text on the icon")->type_name("TEXT");
-    create.add_option("--label-color", options.label.colorHex, "Its colour (default: #FFFFFF)")
+    create.add_option("--label-color", options.label.colorHex, "Its color (default: #FFFFFF)")
         ->type_name("HEX");
     addChoice(create, "--label-position", "Where it sits", "P", options.label.position);
 }

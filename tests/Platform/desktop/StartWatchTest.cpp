@@ -195,7 +195,7 @@ TEST_F(StartWatchTest, StartReportsAreDiscardedWithoutAPipe) {
         StartReport().failed("lost");
     }
     EXPECT_EQ(read(folder / "file"), "kept");
-    EXPECT_GE(::fcntl(file.descriptor(), F_GETFD), 0) << "somebody else's file stays open";
+    EXPECT_GE(::fcntl(file.descriptor(), F_GETFD), 0) << "a file of another owner stays open";
 }
 
 TEST_F(StartWatchTest, StartReportSurvivesAClosedPipe) {

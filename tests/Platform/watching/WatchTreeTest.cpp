@@ -59,7 +59,7 @@ TEST_F(WatchTreeTest, ReportsNothingOfWhatIsThereAtTheStart) {
 TEST_F(WatchTreeTest, ReportsARootThatAppearsWithAllItsContents) {
     watch();
     write(at("sub/file"), "text");
-    EXPECT_THAT(reported(), IsEmpty()) << "a missing root is somebody else's to notice";
+    EXPECT_THAT(reported(), IsEmpty()) << "a missing root is noticed elsewhere";
     tree_.settle(0, true);
     EXPECT_THAT(reported(), UnorderedElementsAre(Key(""), Key("/sub"), Key("/sub/file")));
 }
