@@ -1,6 +1,5 @@
 #pragma once
 
-#include "LaunchKit/InstanceRegistry.h"
 #include "Presentation/Translation.h"
 
 #include <cstdint>
@@ -11,6 +10,9 @@
 /// What the front ends say about a clone, in UTF-8 without markup. Texts from files are returned
 /// unchanged.
 namespace quorvel {
+
+struct InstanceConfig;
+struct InstanceRecord;
 
 /// Returns what a clone runs, in one line: an app's name, an address, a path, or a command with its
 /// arguments.

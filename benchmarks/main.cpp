@@ -21,7 +21,7 @@ int main(int count, char** arguments) {
         {"registry", registryRows}, {"generator", generatorRows},
         {"runner", runnerRows},     {"running", runningApplicationsRows},
         {"catalog", catalogRows},   {"recorder", recorderRows},
-        {"icons", iconRows},
+        {"icons", iconRows},        {"entries", entriesRows},
     };
     const std::vector<std::string> wanted(arguments + 1, arguments + count);
     for (const auto& [name, benchmark] : benchmarks) {

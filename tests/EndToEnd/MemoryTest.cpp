@@ -20,8 +20,9 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr std::size_t megabyte = std::size_t{1} << 20U;
-// The bytes of the file itself come on top of what a list may take.
-constexpr std::size_t allowance = PropertyListLimits::maximumBytes + 24 * megabyte;
+// Beside what a list may take: the file's bytes, up to twice as many as UTF-8, and the allocator's.
+constexpr std::size_t allowance =
+    PropertyListLimits::maximumBytes + 3 * PropertyList::maximumFileSize + 2 * megabyte;
 
 // A property list of a certain kind, the longer the larger `size` is.
 using Maker = std::function<std::string(std::size_t size)>;

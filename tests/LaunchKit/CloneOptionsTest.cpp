@@ -13,7 +13,7 @@ CloneOptions optionsWith(const CloneSwitch& set) {
     return options;
 }
 
-TEST(CloneOptions, EachSwitchHasItsOwnMemberKeyFlagAndFact) {
+TEST(CloneOptionsTest, EachSwitchHasItsOwnMemberKeyFlagAndFact) {
     std::set<std::string_view> keys;
     std::set<std::string_view> flags;
     std::set<std::string_view> facts;
@@ -39,7 +39,7 @@ std::set<std::string_view> shownKeys(ShortcutKind kind, const CloneOptions& opti
     return keys;
 }
 
-TEST(CloneOptions, SwitchesAreShownOnceTheyAreOnOrUsuallyAre) {
+TEST(CloneOptionsTest, SwitchesAreShownOnceTheyAreOnOrUsuallyAre) {
     using Keys = std::set<std::string_view>;
     CloneOptions options;
     EXPECT_EQ(shownKeys(ShortcutKind::app, options), Keys{"shareUserFolders"});

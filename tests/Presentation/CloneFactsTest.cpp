@@ -1,5 +1,6 @@
 #include "Presentation/CloneFacts.h"
 
+#include "LaunchKit/InstanceRecord.h"
 #include "tests/support/AppBundles.h"
 
 #include <gmock/gmock.h>

@@ -78,7 +78,7 @@ TEST_F(AccessibilityTest, AMessageIsADialogNamedByItsTitleAndText) {
 }
 
 TEST_F(AccessibilityTest, ItemsDescribeWhatTheirPicturesShow) {
-    const InstanceRecord& work = addClone("Work");
+    addClone("Work");
     stubs.workspace->setRunning({WrapperFactory::defaultBundleId("Work")});
     stubs.sandboxed = {"/Applications/Mail.app"};
     addApps();

@@ -50,7 +50,7 @@ TEST(EnumNamesTest, EnginesGoByTheirNames) {
 
 enum class Fruit { apple, pear2, plum };
 
-TEST(EnumNames, CountsTheCasesOfAnEnumeration) {
+TEST(EnumNamesTest, CountsTheCasesOfAnEnumeration) {
     EXPECT_EQ(caseCount<Fruit>, 3U);
     EXPECT_EQ(caseCount<Strategy>, 4U);
     EXPECT_EQ(caseCount<IconLabel::Position>, 3U);

@@ -66,7 +66,7 @@ std::string faultsOf(std::string json) {
     return readRecord(json, record);
 }
 
-TEST(RecordType, EachFieldOfOneEnumerationGetsItsOwnValue) {
+TEST(RecordTypeTest, EachFieldOfOneEnumerationGetsItsOwnValue) {
     const Outer record =
         read(R"({"first":"wrapper-identity","second":"container-redirect","third":"unsupported"})");
     EXPECT_EQ(record.first, Strategy::wrapperIdentity);
@@ -78,7 +78,7 @@ TEST(RecordType, EachFieldOfOneEnumerationGetsItsOwnValue) {
     EXPECT_EQ(partial.third, std::nullopt);
 }
 
-TEST(RecordType, EachFieldOfOneRecordTypeGetsItsOwnValue) {
+TEST(RecordTypeTest, EachFieldOfOneRecordTypeGetsItsOwnValue) {
     const Outer record = read(R"({"first":"unsupported","other":{"name":"b","position":"top"},)"
                               R"("inner":{"name":"a"}})");
     EXPECT_EQ(record.inner.name, "a");
@@ -88,7 +88,7 @@ TEST(RecordType, EachFieldOfOneRecordTypeGetsItsOwnValue) {
     EXPECT_EQ(record.other->position, IconLabel::Position::top);
 }
 
-TEST(RecordType, WhatIsWrittenIsReadBack) {
+TEST(RecordTypeTest, WhatIsWrittenIsReadBack) {
     Outer record;
     record.second = Strategy::unsupported;
     record.flag = false;
@@ -122,20 +122,20 @@ TEST(RecordType, WhatIsWrittenIsReadBack) {
     EXPECT_EQ(back.other.value().position, IconLabel::Position::center);
 }
 
-TEST(RecordType, WritingChangesNothing) {
+TEST(RecordTypeTest, WritingChangesNothing) {
     const Outer record;
     (void)writeRecord(record);
     EXPECT_FALSE(record.third);
     EXPECT_FALSE(record.other);
 }
 
-TEST(RecordType, TextThatIsNotUtf8IsNotWritten) {
+TEST(RecordTypeTest, TextThatIsNotUtf8IsNotWritten) {
     Outer record;
     record.inner.name = "\xff";
     EXPECT_EQ(writeRecord(record), std::nullopt);
 }
 
-TEST(RecordReader, EveryFaultOfAFileIsReported) {
+TEST(RecordTypeTestFaults, EveryFaultOfAFileIsReported) {
     EXPECT_EQ(
         faultsOf(R"({"second":"other","flag":1,"list":["a",2,[3],{"x":4}],"map":{"a":5},)"
                  R"("third":[[{"first":"unsupported"}]],"other":{"name":6,"position":"left"},)"
@@ -151,7 +151,7 @@ TEST(RecordReader, EveryFaultOfAFileIsReported) {
         "The key “first” is missing.");
 }
 
-TEST(RecordReader, FaultsBeforeASyntaxErrorAreReportedWithIt) {
+TEST(RecordTypeTestFaults, FaultsBeforeASyntaxErrorAreReportedWithIt) {
     EXPECT_EQ(faultsOf(R"({"flag":"yes","first":nonsense})"),
               "The value of “flag” is of the wrong type. "
               "The record is not valid JSON: Invalid value.");
@@ -161,7 +161,7 @@ TEST(RecordReader, FaultsBeforeASyntaxErrorAreReportedWithIt) {
               "The document root must not be followed by other values.");
 }
 
-TEST(RecordReader, ValuesAfterAFaultyOneAreStillRead) {
+TEST(RecordTypeTestFaults, ValuesAfterAFaultyOneAreStillRead) {
     std::string json = R"({"list":[["a"],"b"],"map":[{"a":"b"}],"inner":[],"first":"unsupported"})";
     Outer record;
     EXPECT_EQ(readRecord(json, record), "The value of “list” is of the wrong type. "
@@ -170,13 +170,13 @@ TEST(RecordReader, ValuesAfterAFaultyOneAreStillRead) {
     EXPECT_EQ(record.first, Strategy::unsupported);
 }
 
-TEST(RecordReader, HalfACharacterIsAFaultOfItsMember) {
+TEST(RecordTypeTestFaults, HalfACharacterIsAFaultOfItsMember) {
     EXPECT_EQ(faultsOf(R"({"first":"unsupported","list":["\udc00"],"map":{"\udc00":"a"}})"),
               "The value of “list” contains an unpaired surrogate. "
               "The value of “map” contains an unpaired surrogate.");
 }
 
-TEST(RecordReader, AFileThatIsNotAnObjectHasThatFaultAlone) {
+TEST(RecordTypeTestFaults, AFileThatIsNotAnObjectHasThatFaultAlone) {
     EXPECT_EQ(faultsOf("[1]"), "The record is not a JSON object.");
     EXPECT_EQ(faultsOf("\"text\""), "The record is not a JSON object.");
     EXPECT_EQ(faultsOf("\xff"), "The record is not valid UTF-8.");

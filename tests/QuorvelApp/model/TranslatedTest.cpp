@@ -1,5 +1,6 @@
 #include "QuorvelApp/model/Translated.h"
 
+#include "LaunchKit/InstanceRecord.h"
 #include "QuorvelApp/newclone/AppPicker.h"
 #include "QuorvelApp/widgets/MessageSheet.h"
 #include "QuorvelApp/widgets/SystemFilePanels.h"

@@ -1,0 +1,39 @@
+#pragma once
+
+#include <filesystem>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace quorvel {
+
+/// Finds the files of icons by their names, as the format of icon themes lays them out. Folders are
+/// listed when they are first needed, and kept: an object is for one round of look-ups.
+class IconTheme {
+public:
+    /// PNG images smaller than this come after a scalable icon.
+    static constexpr int smallest = 64;
+
+    /// Looks in the theme `name`, then in those that it inherits from, then in "hicolor", then
+    /// beside the themes. On macOS there are none.
+    explicit IconTheme(const std::string& name,
+                       std::vector<std::filesystem::path> folders = iconFolders());
+    IconTheme(IconTheme&&) noexcept;
+    IconTheme& operator=(IconTheme&&) noexcept;
+    ~IconTheme();
+
+    /// Returns the icon's file: of the first theme that has the icon, the largest PNG, else the
+    /// scalable SVG. An absolute path is the answer itself, if a PNG or SVG file is there.
+    /// std::nullopt if there is none.
+    [[nodiscard]] std::optional<std::filesystem::path> find(const std::string& icon);
+
+    /// The folders that hold themes, the most important first.
+    [[nodiscard]] static std::vector<std::filesystem::path> iconFolders();
+
+private:
+    class Lookup;
+    std::unique_ptr<Lookup> lookup_;
+};
+
+} // namespace quorvel

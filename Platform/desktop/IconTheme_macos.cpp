@@ -1,0 +1,21 @@
+#include "Platform/desktop/IconTheme.h"
+
+namespace quorvel {
+namespace fs = std::filesystem;
+
+class IconTheme::Lookup {};
+
+IconTheme::IconTheme(const std::string&, std::vector<fs::path>) {}
+IconTheme::IconTheme(IconTheme&&) noexcept = default;
+IconTheme& IconTheme::operator=(IconTheme&&) noexcept = default;
+IconTheme::~IconTheme() = default;
+
+std::optional<fs::path> IconTheme::find(const std::string&) {
+    return std::nullopt;
+}
+
+std::vector<fs::path> IconTheme::iconFolders() {
+    return {};
+}
+
+} // namespace quorvel

@@ -1,0 +1,14 @@
+#include "Platform/desktop/InstalledApplications.h"
+
+namespace quorvel {
+
+std::vector<std::filesystem::path> applicationEntryFolders() {
+    return {};
+}
+
+// Applications are bundles here.
+std::vector<InstalledApplication> installedApplications(const std::vector<std::filesystem::path>&) {
+    return {};
+}
+
+} // namespace quorvel

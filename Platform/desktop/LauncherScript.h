@@ -1,0 +1,27 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace quorvel {
+
+/// What can be told of a script by which a program is started, without running it.
+struct LauncherScript {
+    /// The name of the program that runs it, such as "sh" or "python3".
+    std::string interpreter{};
+    /// The words of a shell's script, quotes removed, variables replaced by what was assigned to
+    /// them before. Words with any other expansion are left out.
+    std::vector<std::string> words{};
+
+    /// `text` is the script, or its beginning. The interpreter is empty if it is none.
+    [[nodiscard]] static LauncherScript parse(std::string_view text);
+
+    /// Whether a word is Java's launcher, or seems to hold its path.
+    [[nodiscard]] bool mentionsJava() const;
+
+    /// Whether it starts an Electron that is installed apart, with an application's archive.
+    [[nodiscard]] bool startsElectron() const;
+};
+
+} // namespace quorvel

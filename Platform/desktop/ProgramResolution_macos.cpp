@@ -1,0 +1,24 @@
+#include "Platform/desktop/ProgramResolution.h"
+
+namespace quorvel {
+namespace fs = std::filesystem;
+
+const std::vector<fs::path>& applicationRoots() {
+    static const std::vector<fs::path> none;
+    return none;
+}
+
+std::optional<fs::path> findProgram(std::string_view) {
+    return std::nullopt;
+}
+
+std::optional<ResolvedProgram> resolveProgram(std::string_view, const std::vector<fs::path>&) {
+    return std::nullopt;
+}
+
+std::optional<ResolvedProgram> resolveProgram(const DesktopEntry&, const ExecLine&,
+                                              const std::vector<fs::path>&) {
+    return std::nullopt;
+}
+
+} // namespace quorvel

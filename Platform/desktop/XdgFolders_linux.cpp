@@ -1,0 +1,52 @@
+#include "Platform/desktop/XdgFolders_linux.h"
+
+#include "Base/PathText.h"
+#include "Platform/files/UserPaths.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <string>
+#include <string_view>
+
+namespace quorvel {
+namespace fs = std::filesystem;
+namespace {
+
+std::string_view environment(const char* name) {
+    const char* value = std::getenv(name);
+    return value == nullptr ? std::string_view() : value;
+}
+
+void addOnce(std::vector<fs::path>& folders, const fs::path& folder) {
+    const fs::path plain = withoutTrailingSlashes(folder);
+    if (plain.is_absolute() && std::find(folders.begin(), folders.end(), plain) == folders.end()) {
+        folders.push_back(plain);
+    }
+}
+
+} // namespace
+
+fs::path xdgDataHome() {
+    const std::string_view own = environment("XDG_DATA_HOME");
+    return own.starts_with('/') ? withoutTrailingSlashes(own)
+                                : fs::path(joinAsText(UserPaths::home(), ".local/share"));
+}
+
+std::vector<fs::path> xdgDataFolders() {
+    std::vector<fs::path> folders{xdgDataHome()};
+    std::string_view rest = environment("XDG_DATA_DIRS");
+    if (rest.empty()) {
+        rest = "/usr/local/share:/usr/share";
+    }
+    while (!rest.empty()) {
+        const std::size_t end = std::min(rest.find(':'), rest.size());
+        addOnce(folders, rest.substr(0, end));
+        rest.remove_prefix(std::min(end + 1, rest.size()));
+    }
+    addOnce(folders, joinAsText(folders.front(), "flatpak/exports/share"));
+    addOnce(folders, "/var/lib/flatpak/exports/share");
+    addOnce(folders, "/var/lib/snapd/desktop");
+    return folders;
+}
+
+} // namespace quorvel

@@ -1,0 +1,4 @@
+#!/bin/sh
+APP=chromium
+LIB=/usr/lib/$APP
+exec "${LIB}/$APP" $FLAGS "$@"
