@@ -22,14 +22,14 @@ namespace quorvel {
 namespace fs = std::filesystem;
 namespace {
 
-// A script gets the path as it is; a terminal must not be steered by what a name holds.
+// Scripts get the path unchanged; on a terminal, its control characters must be escaped.
 std::string shownPath(const CommandContext& context, const fs::path& path) {
     return context.outputIsTerminal ? terminalText(path.string()) : path.string();
 }
 
 void openWrapper(const CommandContext& context, const InstanceRecord& record) {
     InstanceLauncher::prepareHome(record.config);
-    // Shared, since the answer comes on another thread, which may finish with it after us.
+    // Shared: the answer comes on another thread, which may use it after this function returns.
     const auto opened = std::make_shared<std::promise<std::optional<PlatformError>>>();
     context.workspace.openApplication(
         record.bundleURL, true,
@@ -39,7 +39,7 @@ void openWrapper(const CommandContext& context, const InstanceRecord& record) {
     }
 }
 
-// In bytes; nothing where there is no log.
+// Returns the log's size in bytes; std::nullopt if there is no log.
 std::optional<std::uintmax_t> logSizeOf(const InstanceConfig& config) {
     std::error_code code;
     const std::uintmax_t size =
@@ -47,11 +47,11 @@ std::optional<std::uintmax_t> logSizeOf(const InstanceConfig& config) {
     return code ? std::nullopt : std::optional(size);
 }
 
-// Asks before it takes the place of a clone that can't be read, where somebody can be asked.
+// Asks before replacing a clone that can't be read, if the input is a terminal.
 void checkCreation(const CommandContext& context, const WrapperFactory::Request& request,
                    const std::optional<fs::path>& runner, bool sharedHome) {
     try {
-        checkRequest(request, runner, {.sharedHome = sharedHome});
+        validateRequest(request, runner, {.sharedHome = sharedHome});
     } catch (const SharedHome& refused) {
         throw CommandError(std::string(refused.what()) + " With --shared-home, it is used anyway.");
     } catch (const DamagedClone&) {
@@ -63,7 +63,7 @@ void checkCreation(const CommandContext& context, const WrapperFactory::Request&
                        "The clone at " + place.string() + " can’t be read any more. Replace it?")) {
             throw CommandError("Nothing was replaced.");
         }
-        checkRequest(request, runner, {.sharedHome = sharedHome, .damagedClone = true});
+        validateRequest(request, runner, {.sharedHome = sharedHome, .damagedClone = true});
     }
 }
 

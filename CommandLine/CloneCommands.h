@@ -6,8 +6,8 @@
 #include <string>
 #include <vector>
 
-/// The commands behind `quorvelctl`. Each prints its result and throws what goes wrong:
-/// `CommandError`, `UsageError` or an error of the layers below.
+/// The commands of `quorvelctl` about clones. Each prints its result, and throws `CommandError`,
+/// `UsageError` or an error of the layers below if it fails.
 namespace quorvel {
 
 /// Prints the facts about an application bundle.

@@ -32,7 +32,7 @@ InstanceRecord cloneAt(const InstanceRegistry& registry, const std::string& path
                                           : "There is no clone at " + bundle.string());
 }
 
-// A clone named like a path must not be taken for that path.
+// A clone whose name looks like a path must not be mistaken for that path.
 bool isPath(const std::string& words) {
     const auto starts = {"/", "~", "./", "../"};
     return std::any_of(starts.begin(), starts.end(),
@@ -49,7 +49,7 @@ fs::path absolutePath(const std::string& path) {
     if (std::find(whole.begin(), whole.end(), "..") == whole.end()) {
         return withoutTrailingSlashes(whole.lexically_normal());
     }
-    // A link before ".." decides where that leads; a link at the end is kept as it is.
+    // A link before ".." is resolved first; a link at the end is kept.
     const fs::path name = whole.filename();
     std::error_code code;
     const fs::path resolved = name == "." || name == ".."
@@ -63,7 +63,7 @@ fs::path absoluteFile(const std::string& path) {
 }
 
 std::optional<fs::path> findDamagedClone(const std::string& words) {
-    // In a working folder that was removed, no other words can become a path.
+    // If the working folder was removed, no relative path can be resolved.
     if (!isPath(words)) {
         return std::nullopt;
     }

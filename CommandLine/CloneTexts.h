@@ -10,7 +10,7 @@
 #include <string>
 #include <vector>
 
-/// The forms in which commands print what they found: JSON for scripts, text for readers.
+/// How commands print what they found: JSON for scripts, text for the user.
 namespace quorvel {
 
 /// Returns the record's bundle, configuration and icon, and whether its wrapper runs.
@@ -19,7 +19,7 @@ namespace quorvel {
 /// Returns what is known about an application, and the default arguments of its engine.
 [[nodiscard]] nlohmann::json jsonForm(const AppBundle& bundle);
 
-/// Returns the document as it goes to standard output, safe for a terminal, with a line break at
+/// Returns the document as printed on standard output, safe for a terminal, with a line break at
 /// its end. Bytes that are not UTF-8 become U+FFFD, since JSON has no other way to show them.
 [[nodiscard]] std::string document(const nlohmann::json& value);
 

@@ -19,7 +19,7 @@
 namespace quorvel {
 namespace {
 
-// Everything that the words of one command line may set.
+// Everything that one command line may set.
 struct Words {
     std::string operand{};
     std::vector<std::string> searchDirs{};
@@ -52,7 +52,7 @@ void addIconOptions(CLI::App& icon, IconOptions& o) {
     icon.add_option("SOURCE", o.source, "An icon, or any image")->required()->type_name("");
     icon.add_flag("--list", o.list, "Show the images in the icon instead");
     icon.add_option("--label", o.label, "The text to draw")->type_name("TEXT");
-    icon.add_option("--color", o.color, "Its colour (default: #FFFFFF)")->type_name("HEX");
+    icon.add_option("--color", o.color, "Its color (default: #FFFFFF)")->type_name("HEX");
     addChoice(icon, "--position", "Where it sits", "P", o.position);
     icon.add_option("--output", o.output, "The icon to write")->type_name("FILE");
 }
@@ -72,7 +72,7 @@ void addProbeOptions(CLI::App& probe, ProbeOptions& o) {
         ->type_name("DIR");
 }
 
-// The commands about applications that are no clones.
+// The commands about installed applications.
 void addAppCommands(CLI::App& program, Words& words, Command& chosen,
                     const CommandContext& context) {
     addAppOperand(addCommand(program, "inspect", "Show the facts about an application", words,
@@ -125,7 +125,7 @@ void addCloneCommands(CLI::App& program, Words& words, Command& chosen,
                    words.icon);
 }
 
-// The usage of the command that was typed, or of the whole when none was.
+// Returns the usage of the command given, or of the whole program if none was.
 std::string usage(const CLI::App& program) {
     const auto chosen = program.get_subcommands();
     return chosen.empty() ? program.help() : chosen.front()->help(program.get_name());
@@ -136,7 +136,7 @@ int showUsage(const CLI::App& program, const CommandContext& context, const std:
     return 2;
 }
 
-// The options that a value follows, of all commands.
+// Returns the options of all commands that take a value.
 std::set<std::string> optionsWithValue(const CLI::App& program) {
     std::set<std::string> names;
     for (const CLI::App* command : program.get_subcommands([](const CLI::App*) { return true; })) {
@@ -149,7 +149,7 @@ std::set<std::string> optionsWithValue(const CLI::App& program) {
     return names;
 }
 
-// The parser takes "--option=" for an option whose value follows; here the value is the empty text.
+// The parser expects the value of "--option=" in the next argument; here the value is empty.
 std::vector<std::string> withEmptyValues(const CLI::App& program,
                                          const std::vector<std::string>& arguments) {
     const std::set<std::string> withValue = optionsWithValue(program);

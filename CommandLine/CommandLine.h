@@ -7,8 +7,9 @@
 
 namespace quorvel {
 
-/// Runs `quorvelctl` with these arguments (without the program's name). Results go to the output,
-/// an error as one line to the errors. Gives the exit status: 0, 1 for an error, 2 for wrong usage.
+/// Runs `quorvelctl` with these arguments (without the program's name). Results go to the output
+/// stream, an error as one line to the error stream. Returns the exit status: 0 on success, 1 for
+/// an error, 2 for an invalid command line.
 [[nodiscard]] int runCommandLine(const std::vector<std::string>& arguments,
                                  const CommandContext& context);
 

@@ -13,7 +13,7 @@ namespace {
 
 using OptionalText = std::optional<std::string>;
 
-// Each of these adds an option with one value; an empty one means that it was not given.
+// Each of these adds an option with one value; an empty value counts as an absent option.
 struct ValueOptions {
     CLI::App& command;
 
@@ -85,7 +85,7 @@ void addIconOptions(CLI::App& create, CreateOptions& options) {
                               "An icon file to use instead of the target's", "FILE");
     create.add_flag("--hide-icon", options.request.hideWrapperIcon, "Show no Dock icon");
     create.add_option("--label", options.label.text, "A short text on the icon")->type_name("TEXT");
-    create.add_option("--label-color", options.label.colorHex, "Its colour (default: #FFFFFF)")
+    create.add_option("--label-color", options.label.colorHex, "Its color (default: #FFFFFF)")
         ->type_name("HEX");
     addChoice(create, "--label-position", "Where it sits", "P", options.label.position);
 }
@@ -144,7 +144,7 @@ void addCreateOptions(CLI::App& create, CreateOptions& options) {
 WrapperFactory::Request requestFrom(const CreateOptions& options) {
     WrapperFactory::Request request = options.request;
     requireTarget(request);
-    request.displayName = checkedCloneName(request.displayName);
+    request.displayName = validatedCloneName(request.displayName);
     if (options.noExtraArgs && !options.extraArgs.empty()) {
         throw UsageError("--no-extra-args and --extra-arg can’t be used together");
     }

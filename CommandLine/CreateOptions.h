@@ -27,12 +27,12 @@ struct CreateOptions {
 };
 
 /// Adds the options of `create`, which set `options`; both must outlive the parsing. An empty text
-/// means that the option was not given. Paths become absolute; those that the configuration keeps
-/// may begin with "~".
+/// counts as an absent option. Paths become absolute; those that the configuration keeps may begin
+/// with "~".
 void addCreateOptions(CLI::App& create, CreateOptions& options);
 
-/// Returns the whole request. Throws `UsageError` for options that don't fit together or an entry
-/// without a key, and `RefusedRequest` for a name that can't be a clone's.
+/// Returns the complete request. Throws `UsageError` for missing or conflicting options and for
+/// entries without a key, and `InvalidRequest` for an invalid name.
 [[nodiscard]] WrapperFactory::Request requestFrom(const CreateOptions& options);
 
 } // namespace quorvel

@@ -20,7 +20,7 @@ namespace quorvel {
 namespace fs = std::filesystem;
 namespace {
 
-// The warning before data of a running program is deleted; empty if none runs.
+// Returns the warning before deleting a running program's data; empty if none runs.
 std::string runningWarning(const CommandContext& context, const InstanceRecord& record) {
     if (!isHomeInUse(record.config) &&
         !context.workspace.runningApplications().contains(record.config.bundleId)) {
@@ -30,7 +30,7 @@ std::string runningWarning(const CommandContext& context, const InstanceRecord& 
     return warning.title + ". " + warning.text;
 }
 
-// Whether a deletion keeps it, even when asked to delete data.
+// Returns whether a deletion keeps the folder even if it includes data.
 bool keepsData(const DataFolder& data) {
     return data.isNone || holdsUserHome(data.path);
 }
@@ -66,7 +66,7 @@ nlohmann::json deletedDataForm(const DeletedData& data) {
     return data.outcome == DeletedData::Case::removed;
 }
 
-// It is unknown where such a clone's data is.
+// The location of such a clone's data is unknown.
 void deleteDamagedClone(const CommandContext& context, const fs::path& wrapper,
                         const DeleteOptions& options, bool json) {
     if (options.includingData) {

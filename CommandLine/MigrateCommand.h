@@ -6,9 +6,9 @@
 
 namespace quorvel {
 
-/// Moves what a clone keeps in its own Downloads, Documents and Desktop into the user's, and lets
-/// it share those if nothing had to stay. Prints what was moved, then throws `CommandError` if
-/// something stayed, or the registry's error.
+/// Moves the contents of a clone's own Downloads, Documents and Desktop into the user's, and makes
+/// the clone share those if everything could be moved. Prints what was moved, then throws
+/// `CommandError` if something could not be, or the registry's error.
 void migrateCommand(const CommandContext& context, const std::string& clone, bool json);
 
 } // namespace quorvel

@@ -10,15 +10,16 @@ namespace CLI {
 class App;
 }
 
-/// Ties the options of a command to the values that they set.
+/// Binds the options of a command to the values that they set.
 namespace quorvel {
 
-/// Adds an option that takes exactly one value, each time it is given, whatever that looks like.
+/// Adds an option that may be repeated and takes exactly one value each time, even one that looks
+/// like an option.
 void addRepeatable(CLI::App& command, const std::string& name, const std::string& help,
                    const std::string& placeholder,
                    const std::function<void(const std::string&)>& take);
 
-/// The same with the values collected in `values`.
+/// Adds such an option, with its values collected in `values`.
 void addRepeatable(CLI::App& command, const std::string& name, const std::string& help,
                    const std::string& placeholder, std::vector<std::string>& values);
 
@@ -27,7 +28,7 @@ void addChoice(CLI::App& command, const std::string& name, const std::string& he
                const std::string& placeholder, const std::vector<std::string>& names,
                const std::function<void(const std::string&)>& take);
 
-/// The same for an enumeration by the names of its cases.
+/// Adds such an option for an enumeration, by the names of its cases.
 template<NamedEnum Case>
 void addChoice(CLI::App& command, const std::string& name, const std::string& help,
                const std::string& placeholder, Case& value) {

@@ -33,7 +33,7 @@ void print(const CommandContext& context, const std::vector<Item>& items, bool j
 AppProber makeProber(const CommandContext& context, const std::string& app,
                      const ProbeOptions& options, const EntitlementReader& entitlements) {
     AppProber::Dependencies dependencies;
-    // The workspace belongs to the caller, who keeps it longer than the prober lives.
+    // The caller owns the workspace, which outlives the prober.
     dependencies.workspace = {std::shared_ptr<void>(), &context.workspace};
     dependencies.entitlements = entitlements;
     if (options.realLibrary) {

@@ -20,15 +20,16 @@ void appsCommand(const CommandContext& context, const std::vector<std::string>& 
 void runningCommand(const CommandContext& context, const std::optional<std::string>& bundleId,
                     bool json);
 
+/// The options of `quorvelctl probe`.
 struct ProbeOptions {
     std::optional<double> settleA{}; ///< seconds; absent: the prober's own
     std::optional<double> settleB{};
     std::optional<std::string> realLibrary{}; ///< absent: the user's
 };
 
-/// Tries an app out and prints what that showed; if the output is a terminal, a progress bar goes
-/// to the error stream. SIGINT, SIGTERM and SIGHUP end both launched processes, and then this one
-/// as if they had not been caught. Throws `CommandError` if `app` is not a readable bundle.
+/// Probes an app and prints the results; if the output is a terminal, a progress bar goes to the
+/// error stream. SIGINT, SIGTERM and SIGHUP end both launched processes, then this one, as if they
+/// had not been caught. Throws `CommandError` if `app` is not a readable bundle.
 void probeCommand(const CommandContext& context, const std::string& app,
                   const ProbeOptions& options, bool json,
                   const EntitlementReader& entitlements = codeSigningTool());

@@ -20,7 +20,7 @@ std::string inWords(SingletonTier tier) {
     case SingletonTier::none:
         return "runs side by side with the first";
     case SingletonTier::lockFile:
-        return "stays alive but never comes up: a lock holds it back";
+        return "keeps running but never appears: it is waiting for a lock";
     case SingletonTier::machPort:
         return "hands over to the first and quits";
     case SingletonTier::lsProhibited:
@@ -52,7 +52,7 @@ bool isLeak(LeakBucket bucket) {
            bucket == LeakBucket::containerLeak;
 }
 
-// A file that was written several times is listed as often; one example of it is enough.
+// A file written several times is recorded several times; one example is enough.
 std::vector<std::string> firstOf(const std::vector<std::string>& paths) {
     std::vector<std::string> chosen;
     for (const std::string& path : paths) {

@@ -24,12 +24,13 @@ namespace quorvel {
 /// Returns one line per application, safe for a terminal: the process id, the identifier, the path.
 [[nodiscard]] std::string listing(const std::vector<RunningApplication>& applications);
 
-/// Returns what the trial showed, safe for a terminal: the recommendation and the reasons for it.
+/// Returns the results of the trial, safe for a terminal: the recommendation and the reasons for
+/// it.
 [[nodiscard]] std::string description(const AppProfile& profile, const ProbeResult& result);
 
 /// Returns a bar of fixed width, filled to `fraction` (0 to 1), that overwrites the current line.
 [[nodiscard]] std::string progressBar(double fraction);
-/// Returns what erases such a bar.
+/// Returns the text that erases such a bar.
 [[nodiscard]] std::string noProgressBar();
 
 } // namespace quorvel

@@ -13,7 +13,7 @@ int main(int argc, char** argv) {
                                           *workspace,
                                           quorvel::InstanceRegistry()};
     const int status = quorvel::runCommandLine({argv + (argc > 0 ? 1 : 0), argv + argc}, context);
-    // A full disk or a closed pipe shows only when the last bytes go out.
+    // A full disk or a closed pipe shows only when the last bytes are written.
     if (!std::cout.flush()) {
         std::cerr << "The output couldn’t be written.\n";
         return 1;

@@ -14,8 +14,8 @@ using EntitlementReader = std::function<std::string(const std::filesystem::path&
 /// Returns a reader that runs `tool`, by default the system's own, and waits for it.
 [[nodiscard]] EntitlementReader codeSigningTool(std::filesystem::path tool = "/usr/bin/codesign");
 
-/// A reader that returns an empty text. Skips the code-signing tool, for callers that don't need
-/// the sandbox flag.
+/// An `EntitlementReader` that returns an empty text without running the code-signing tool, for
+/// callers that don't need the sandbox flag.
 [[nodiscard]] std::string noEntitlements(const std::filesystem::path& bundle);
 
 /// Facts about an application bundle, read once.

@@ -31,7 +31,7 @@ inline constexpr auto enumNames<AppEngine> = namesOfAllCases<AppEngine>({
 [[nodiscard]] std::vector<std::string> dataDirArgs(AppEngine engine,
                                                    std::string_view home = instanceHomePlaceholder);
 
-/// The same for an Electron application, and none for any other.
+/// Returns the same arguments for an Electron application, and none for any other.
 [[nodiscard]] std::vector<std::string>
 electronArgs(const std::filesystem::path& app, std::string_view home = instanceHomePlaceholder);
 

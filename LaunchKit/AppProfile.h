@@ -13,8 +13,8 @@ namespace quorvel {
 /// How an app prevents a second running copy.
 enum class SingletonTier {
     none,         ///< two copies run side by side
-    lockFile,     ///< the second lives on but never comes up as an application
-    machPort,     ///< the second hands over to the first and quits
+    lockFile,     ///< the second keeps running but never registers as an application
+    machPort,     ///< the second passes its request to the first and exits
     lsProhibited, ///< the bundle declares it
     unknown,      ///< the test was inconclusive
 };
@@ -67,10 +67,10 @@ struct AppProfile {
     /// is not valid UTF-8.
     [[nodiscard]] std::string encodedJSON() const;
 
-    /// Returns the profile whose JSON form this is. Unknown keys are ignored whatever they hold,
-    /// and of a key that appears several times the first counts. Throws a `ProfileError` that lists
-    /// every fault: malformed JSON, missing keys, values of the wrong type, unknown enumeration
-    /// strings.
+    /// Returns the profile whose JSON form this is. Unknown keys are ignored, whatever their
+    /// values, and of a key that appears several times the first counts. Throws a `ProfileError`
+    /// that lists every fault: malformed JSON, missing keys, values of the wrong type, unknown
+    /// enumeration strings.
     [[nodiscard]] static AppProfile fromJson(std::string_view json);
 };
 

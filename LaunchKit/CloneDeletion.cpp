@@ -47,8 +47,8 @@ bool isAnother(const std::optional<InstanceRecord>& now, const InstanceRecord& l
 void refuseAnother(const InstanceRegistry& registry, const InstanceRecord& record) {
     if (isAnother(registry.record(record.bundleURL), record)) {
         throw RefusedDeletion("The clone at " + record.bundleURL.string() +
-                              " is not the one that was listed any more, so nothing was deleted. "
-                              "List the clones again, and look at it first.");
+                              " is no longer the one that was listed, so nothing was deleted. "
+                              "List the clones again and check it first.");
     }
 }
 
@@ -63,7 +63,7 @@ DeletedData keptFor(const fs::path& folder, const PlatformError& error) {
 
 DataStep dataStep(const InstanceRegistry& registry, const InstanceRecord& record) {
     const DataFolder folder = dataFolderOf(record.config);
-    // A relative path would name a different folder than for the clone, which ran elsewhere.
+    // A relative path would name another folder here than it did for the clone.
     if (folder.isNone) {
         return {{.outcome = DeletedData::Case::spared, .folder = record.config.resolvedHome()}, {}};
     }
@@ -86,7 +86,7 @@ DataStep dataStep(const InstanceRegistry& registry, const InstanceRecord& record
     const DataFolderGuard guard(registry, record.bundleURL);
     const Place place(folder.path, step.removal->identity());
     if (guard.isInWrapper(place)) {
-        refuse(folder.path, "lies in the clone itself");
+        refuse(folder.path, "is inside the clone itself");
     }
     if (const auto reason = guard.objection(place)) {
         refuse(folder.path, *reason);

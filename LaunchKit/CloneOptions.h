@@ -48,20 +48,21 @@ struct CloneOptions {
     bool openWithPassthrough = false;
     bool menuBarIcon = false;
     bool menuBarIconTemplate = false;
-    /// True where a file does not say: files older than the field belong to clones that share.
+    /// True if a file lacks the key: files older than the key belong to clones that share.
     bool shareUserFolders = true;
 };
 
-/// A yes-or-no option of clones, as files, commands and the details of a clone name it.
+/// A yes-or-no option of clones, with its names in files, commands and the details of a clone.
 struct CloneSwitch {
     bool CloneOptions::*member;
     std::string_view key;  ///< in `instance.json`
-    const char* flag;      ///< of `quorvelctl create`; turns the default around
-    const char* help;      ///< what the flag does
+    const char* flag;      ///< of `quorvelctl create`; inverts the default
+    const char* help;      ///< the flag's description
     std::string_view fact; ///< the row that shows it among a clone's facts
     bool appsOnly = false;
     bool inDetails = true; ///< whether the window's details show it too
 
+    /// Returns the option's value in `options`.
     [[nodiscard]] constexpr bool valueIn(const CloneOptions& options) const {
         return options.*member;
     }
@@ -90,8 +91,8 @@ inline constexpr std::array cloneSwitches{
     CloneSwitch{.member = &CloneOptions::menuBarIconTemplate,
                 .key = "menuBarIconTemplate",
                 .flag = "--menu-bar-template",
-                .help = "Draw that icon in one colour",
-                .fact = "In one colour",
+                .help = "Draw that icon in one color",
+                .fact = "In one color",
                 .inDetails = false},
     CloneSwitch{.member = &CloneOptions::shareUserFolders,
                 .key = "shareUserFolders",
@@ -102,7 +103,8 @@ inline constexpr std::array cloneSwitches{
                 .inDetails = false},
 };
 
-/// The switches worth showing for a clone of that kind: those that are on, or usually are.
+/// Returns the switches worth showing for a clone of that kind: those that are on, now or by
+/// default.
 [[nodiscard]] std::vector<CloneSwitch> shownSwitches(ShortcutKind kind,
                                                      const CloneOptions& options);
 

@@ -34,14 +34,14 @@ std::string quoted(const std::string& name) {
     return "“" + name + "”";
 }
 
-// Returns "is WHAT" or "holds WHAT", if either is true.
-std::optional<std::string> isOrHolds(const Place& folder, const fs::path& target,
-                                     const std::string& what) {
+// Returns "is WHAT" or "contains WHAT", if either is true.
+std::optional<std::string> isOrContains(const Place& folder, const fs::path& target,
+                                        const std::string& what) {
     switch (folder.relationTo(target)) {
     case Relation::same:
         return "is " + what;
     case Relation::ancestor:
-        return "holds " + what;
+        return "contains " + what;
     case Relation::unrelated:
         break;
     }
@@ -56,8 +56,8 @@ std::vector<fs::path> foldersToSpare() {
     return folders;
 }
 
-// Whether the folder is or holds a home of the user's or one of the folders to spare: then it is
-// not one clone's alone, even if a configuration names it.
+// Returns whether the folder is or contains a home of the user's or one of the folders to spare:
+// then it is not one clone's alone, even if a configuration names it.
 bool holdsUsersOwn(const Place& folder) {
     std::vector<fs::path> owned = foldersToSpare();
     for (const std::string& home : UserPaths::allHomes()) {
@@ -101,13 +101,13 @@ bool DataFolderGuard::isInWrapper(const Place& folder) const {
 
 std::optional<std::string> DataFolderGuard::objection(const Place& folder) const {
     for (const std::string& home : UserPaths::allHomes()) {
-        if (auto reason = isOrHolds(folder, home, "your home")) {
+        if (auto reason = isOrContains(folder, home, "your home")) {
             return reason;
         }
     }
     for (const fs::path& spared : foldersToSpare()) {
         if (auto reason =
-                isOrHolds(folder, spared, "your folder " + quoted(spared.filename().string()))) {
+                isOrContains(folder, spared, "your folder " + quoted(spared.filename().string()))) {
             return reason;
         }
     }
@@ -117,18 +117,18 @@ std::optional<std::string> DataFolderGuard::objection(const Place& folder) const
         if (data.isNone) {
             continue;
         }
-        if (auto reason = isOrHolds(folder, data.path, what)) {
+        if (auto reason = isOrContains(folder, data.path, what)) {
             return reason;
         }
         const Place others(data.path);
         if (others.relationTo(folder.path()) == Relation::ancestor && !holdsUsersOwn(others)) {
-            return "lies in " + what;
+            return "is inside " + what;
         }
     }
     if (const auto owner = ownerOfHomeAround(folder)) {
-        return "is, holds or lies in the home of the user " + quoted(*owner);
+        return "is, contains or is inside the home of the user " + quoted(*owner);
     }
-    return isOrHolds(folder, wrapper_, "the clone itself");
+    return isOrContains(folder, wrapper_, "the clone itself");
 }
 
 DataFolder dataFolderOf(const InstanceConfig& config) {

@@ -11,20 +11,20 @@ std::string items(std::size_t count) {
 
 std::string DeletedData::description() const {
     if (!wrapperReason.empty()) {
-        const std::string gone = outcome == Case::removed
-                                     ? "The data folder " + folder.string() + " is gone"
-                                     : "Of the data folder " + folder.string() + " a part is gone";
-        return gone + ", but the clone could not be removed as a whole. " + wrapperReason +
+        const std::string gone =
+            outcome == Case::removed
+                ? "The data folder " + folder.string() + " was deleted"
+                : "Part of the data folder " + folder.string() + " was deleted";
+        return gone + ", but the clone could not be removed completely. " + wrapperReason +
                (reason.empty() ? "" : ". " + reason);
     }
     switch (outcome) {
     case Case::kept:
-        return "The clone is gone, but its data folder " + folder.string() + " is still there. " +
+        return "The clone was deleted, but its data folder " + folder.string() + " was not. " +
                reason;
     case Case::partly:
-        return "The clone is gone, but of its data folder " + folder.string() +
-               " only a part is: " + items(removedItems) + " removed, " + items(remainingItems) +
-               " left. " + reason;
+        return "The clone was deleted, but only part of its data folder " + folder.string() + ": " +
+               items(removedItems) + " removed, " + items(remainingItems) + " left. " + reason;
     case Case::spared:
         return "The data folder was kept: " + folder.string();
     case Case::untouched:

@@ -20,7 +20,7 @@ struct DeletedData {
     enum class Case {
         untouched, ///< not requested, or nothing existed
         spared,    ///< the configuration names the user's home, or no folder
-        kept,      ///< nothing of it could be removed
+        kept,      ///< none of it could be removed
         partly,    ///< some of it could not be removed
         removed
     };

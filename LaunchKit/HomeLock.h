@@ -25,7 +25,7 @@ public:
 /// as long as the lock's descriptor is open in any process. If the lock file can't be made, on a
 /// full disk for example, the home folder itself is locked. Returns `std::nullopt` if that fails
 /// too. Throws `HomeInUse`, or `PlatformError` if the home can't be made or the lock's path is
-/// taken by something else.
+/// occupied by something else.
 [[nodiscard]] std::optional<FileLock> lockHome(const InstanceConfig& config);
 
 /// Returns whether a target runs in the clone's instance home, perhaps without its runner.

@@ -31,13 +31,13 @@ struct InstanceConfig : CloneTarget, CloneOptions {
     static constexpr std::size_t maximumFileSize = std::size_t{4} << 20U;
 
     /// Returns the configuration whose JSON form this is, all or nothing; a byte-order mark may
-    /// lead it. Unknown keys are ignored whatever they hold, and of a key that appears several
+    /// lead it. Unknown keys are ignored, whatever their values, and of a key that appears several
     /// times the first counts. Throws a `ConfigError` that lists every fault: malformed JSON,
     /// missing required keys, values of the wrong type, unknown enumeration strings.
     [[nodiscard]] static InstanceConfig fromJson(std::string json);
 
-    /// The same into a fresh `config`, with `json` as working memory, for bulk readers. `config` is
-    /// unspecified if it throws.
+    /// Decodes into a default-constructed `config`, using `json` as its working memory, for bulk
+    /// readers. `config` is unspecified if it throws `ConfigError`.
     static void decode(std::string& json, InstanceConfig& config);
 
     /// Reads a file. Returns std::nullopt if it can't be read or decoded, is too large or not a

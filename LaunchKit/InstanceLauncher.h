@@ -18,8 +18,8 @@ namespace quorvel {
 
 struct InstanceConfig;
 
-/// Starts the target of a clone with its isolation applied, and keeps its data folder in order.
-/// Stateless; any thread.
+/// Starts a clone's target with its isolation applied, and prepares its data folder. Stateless; any
+/// thread.
 class InstanceLauncher : public SharedUserFolders {
 public:
     class LaunchError : public Error {
@@ -45,18 +45,18 @@ public:
         std::string payload_;
     };
 
-    /// Launches what the configuration describes. `documents` follow the configured arguments of an
-    /// `app` clone, as they are; the other kinds take none. The descriptor `kept` (-1: none) is
-    /// one that an app keeps open for as long as it lives, see `Process`; others don't get it.
-    /// Throws `LaunchError`, or `PlatformError` when the process can't be started.
+    /// Launches the clone's target and returns its process. For an `app` clone, `documents` are
+    /// appended unchanged to the configured arguments; other kinds ignore them. An app inherits the
+    /// descriptor `kept` (-1: none) and keeps it open while it runs, see `Process`; other targets
+    /// don't. Throws `LaunchError`, or `PlatformError` if the process can't be started.
     [[nodiscard]] Process launch(const InstanceConfig& config,
                                  const std::vector<std::string>& documents = {},
                                  int kept = -1) const;
 
-    /// Launches an application under `home` (already expanded), which is created where needed, and
-    /// so is a folder below it that an argument "-profile" names. The options' strategy and
-    /// environment apply as they are; the environment wins over what the launcher sets. Throws as
-    /// above.
+    /// Launches an application with `home` (already expanded) as its home. Creates `home` if it is
+    /// missing, and the folder inside it that follows an argument "-profile". The options' strategy
+    /// and environment are used unchanged; the environment overrides what the launcher sets. Throws
+    /// as above.
     [[nodiscard]] Process launch(const AppBundle& app, const std::string& home,
                                  const CloneOptions& options,
                                  const std::vector<std::string>& extraArgs, int kept = -1) const;
@@ -66,7 +66,7 @@ public:
                                  const std::vector<std::string>& extraArgs,
                                  const std::map<std::string, std::string>& environment) const;
 
-    /// The same for a bundle that is still to be read.
+    /// Reads the bundle at `appURL` first. Throws `LaunchError::badBundle` if it can't be read.
     [[nodiscard]] Process launch(const std::filesystem::path& appURL, const std::string& home,
                                  const CloneOptions& options,
                                  const std::vector<std::string>& extraArgs, int kept = -1) const;
@@ -83,6 +83,7 @@ public:
     [[nodiscard]] static std::optional<FileHandle> instanceLogHandle(const std::string& home);
 };
 
+/// The name of the clone's log in its home.
 inline constexpr std::string_view instanceLogName = "quorvel-instance.log";
 
 } // namespace quorvel

@@ -39,10 +39,11 @@ public:
     /// removed. Throws `PlatformError` if the wrapper can't be removed or something is mounted
     /// inside what would be, and `RefusedDeletion` if the data folder is not the clone's alone or
     /// the record's path now belongs to another clone; the data is untouched then. A data folder
-    /// that can't be removed doesn't throw but is reported in the result.
+    /// that can't be removed is reported in the result instead.
     DeletedData remove(const InstanceRecord& record, bool includingData) const;
 
-    /// Rewrites the wrapper's configuration after `change`. Failures are silent: list again to see.
+    /// Applies `change` to the wrapper's configuration and saves it. Failures are silent; list
+    /// again to see the outcome.
     void update(const InstanceRecord& record,
                 const std::function<void(InstanceConfig&)>& change) const;
 

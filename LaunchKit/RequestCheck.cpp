@@ -14,20 +14,20 @@ namespace quorvel {
 namespace fs = std::filesystem;
 namespace {
 
-bool holdsControlCharacters(const std::string& text) {
+bool containsControlCharacters(const std::string& text) {
     return std::any_of(text.begin(), text.end(), [](char c) {
         return (static_cast<unsigned char>(c) < 0x20 && c != '\n' && c != '\t') || c == 0x7F;
     });
 }
 
-// Making a clone again replaces it; anything else of that name is somebody's, and stays.
+// Making a clone again replaces it; anything else with that name belongs to someone and is kept.
 void refuseToReplaceOthers(const fs::path& wrapper, const RequestPermissions& permissions) {
     if (!itemOrLinkExists(wrapper) || InstanceRegistry().record(wrapper) ||
         isUnfinishedWrapper(wrapper)) {
         return;
     }
     if (!isDamagedWrapper(wrapper)) {
-        throw RefusedRequest(wrapper.string() +
+        throw InvalidRequest(wrapper.string() +
                              " is not a clone; choose another name or folder for the new one.");
     }
     if (!permissions.damagedClone) {
@@ -36,12 +36,12 @@ void refuseToReplaceOthers(const fs::path& wrapper, const RequestPermissions& pe
     }
 }
 
-// Two clones that use one folder are not apart, and deleting one would take the other's data.
+// Two clones with one data folder are not isolated, and deleting one would delete the other's data.
 void refuseToShareData(const WrapperFactory::Request& request, const fs::path& wrapper,
                        const RequestPermissions& permissions) {
     InstanceConfig config;
     config.instanceHome = request.instanceHome.value_or(
-        WrapperFactory::defaultInstanceHome(checkedCloneName(request.displayName)));
+        WrapperFactory::defaultInstanceHome(validatedCloneName(request.displayName)));
     const DataFolder data = dataFolderOf(config);
     if (data.isNone) {
         return;
@@ -50,45 +50,45 @@ void refuseToShareData(const WrapperFactory::Request& request, const fs::path& w
     const Place place(data.path);
     const std::string subject = "The data folder " + data.path.string() + " ";
     if (guard.isInWrapper(place)) {
-        throw RefusedRequest(subject + "lies in the clone itself; choose another one.");
+        throw InvalidRequest(subject + "is inside the clone itself; choose another one.");
     }
     if (const auto reason = permissions.sharedHome ? std::nullopt : guard.objection(place)) {
         throw SharedHome(subject + *reason + "; choose another one.");
     }
 }
 
-// The old wrapper is gone before the new one is written, so nothing of it can go into the new one.
+// The old wrapper is removed before the new one is written, so no part of it can be reused.
 void refuseToUsePartsOf(const fs::path& wrapper, const std::optional<fs::path>& part) {
     std::error_code code;
     for (fs::path at = part ? fs::weakly_canonical(*part, code) : fs::path();
          !code && at.has_relative_path(); at = at.parent_path()) {
         if (isSameItem(at, wrapper)) {
-            throw RefusedRequest(part->string() + " belongs to the clone that would be replaced.");
+            throw InvalidRequest(part->string() + " belongs to the clone that would be replaced.");
         }
     }
 }
 
 } // namespace
 
-std::string checkedCloneName(const std::string& name) {
+std::string validatedCloneName(const std::string& name) {
     std::string trimmed = Text::trimmingWhitespaceAndNewlines(name);
     if (!isUtf8(trimmed)) {
-        throw RefusedRequest("The name “" + trimmed + "” is not UTF-8 text.");
+        throw InvalidRequest("The name “" + trimmed + "” is not UTF-8 text.");
     }
     if (trimmed.find('/') != std::string::npos || trimmed == "." || trimmed == "..") {
-        throw RefusedRequest("The name “" + trimmed +
-                             "” can’t be used: it must not hold “/” and not be “.” or “..”.");
+        throw InvalidRequest("The name “" + trimmed +
+                             "” can’t be used: it must not contain “/” and not be “.” or “..”.");
     }
-    if (holdsControlCharacters(trimmed)) {
-        throw RefusedRequest("The name “" + trimmed + "” holds control characters.");
+    if (containsControlCharacters(trimmed)) {
+        throw InvalidRequest("The name “" + trimmed + "” contains control characters.");
     }
     return trimmed;
 }
 
-void checkRequest(const WrapperFactory::Request& request, const std::optional<fs::path>& runner,
-                  const RequestPermissions& permissions) {
-    if (checkedCloneName(request.displayName).empty()) {
-        return; // the factory refuses it by itself
+void validateRequest(const WrapperFactory::Request& request, const std::optional<fs::path>& runner,
+                     const RequestPermissions& permissions) {
+    if (validatedCloneName(request.displayName).empty()) {
+        return; // the factory itself refuses it
     }
     const fs::path place = WrapperFactory::wrapperURL(request);
     refuseToReplaceOthers(place, permissions);

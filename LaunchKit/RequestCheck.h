@@ -7,44 +7,45 @@
 #include <optional>
 #include <string>
 
-/// What the factory leaves to its callers: it makes a clone of any name, and replaces whatever is
-/// in its place. Any thread.
+/// Checks that the factory leaves to its callers: it accepts any name, and replaces anything that
+/// is already at the clone's path. Any thread.
 namespace quorvel {
 
-/// A request that would lose something that is no clone; the text is for the user.
-class RefusedRequest : public Error {
+/// A request that would overwrite something other than a clone, or whose name can't be used. The
+/// text is for the user.
+class InvalidRequest : public Error {
 public:
     using Error::Error;
 };
 
-/// The data folder is not the new clone's alone: it is another clone's, or the user's own.
-class SharedHome : public RefusedRequest {
+/// The data folder would not belong to the new clone alone: it is another clone's, or the user's.
+class SharedHome : public InvalidRequest {
 public:
-    using RefusedRequest::RefusedRequest;
+    using InvalidRequest::InvalidRequest;
 };
 
 /// The clone that would be replaced can't be read.
-class DamagedClone : public RefusedRequest {
+class DamagedClone : public InvalidRequest {
 public:
-    using RefusedRequest::RefusedRequest;
+    using InvalidRequest::InvalidRequest;
 };
 
-/// What the user has said to be meant.
+/// The checks that the user has chosen to skip.
 struct RequestPermissions {
-    bool sharedHome = false;   ///< no `SharedHome`
-    bool damagedClone = false; ///< no `DamagedClone`
+    bool sharedHome = false;   ///< don't throw `SharedHome`
+    bool damagedClone = false; ///< don't throw `DamagedClone`
 };
 
-/// The name without the white space around it. Throws `RefusedRequest` for a name that would lead
-/// out of the folder of clones, or that is no text.
-[[nodiscard]] std::string checkedCloneName(const std::string& name);
+/// Returns the name without surrounding white space. Throws `InvalidRequest` for a name that would
+/// lead out of the folder of clones, is not valid UTF-8 or contains control characters.
+[[nodiscard]] std::string validatedCloneName(const std::string& name);
 
-/// Throws `RefusedRequest` for a name as above, when something else than a clone is in the new
-/// one's place, when the new one is to be made of parts of the clone that it replaces, or when its
-/// data folder lies in its wrapper. Without permission, also `SharedHome` and
-/// `DamagedClone`.
-void checkRequest(const WrapperFactory::Request& request,
-                  const std::optional<std::filesystem::path>& runner = std::nullopt,
-                  const RequestPermissions& permissions = {});
+/// Throws `InvalidRequest` if the name is invalid as above, if something other than a clone is at
+/// the clone's path, if the target, the icon or the runner is inside the clone that would be
+/// replaced, or if the data folder is inside the wrapper. Throws `SharedHome` and `DamagedClone`
+/// unless `permissions` allow these cases.
+void validateRequest(const WrapperFactory::Request& request,
+                     const std::optional<std::filesystem::path>& runner = std::nullopt,
+                     const RequestPermissions& permissions = {});
 
 } // namespace quorvel

@@ -15,7 +15,7 @@ std::vector<std::string> entries(const fs::path& folder) {
     return directoryEntries(folder).value_or(std::vector<std::string>{});
 }
 
-// For steps that the caller can do without.
+// For steps whose failure doesn't matter to the caller.
 template<typename Step>
 void ignoringErrors(const Step& step) {
     try {

@@ -17,7 +17,7 @@ struct WebBadgeState {
 
     /// Sets the count that the page reports. A negative count is taken as 0.
     void setAPIBadge(std::int64_t count);
-    /// Takes the unread count from the page's title.
+    /// Sets the unread count found in the page's title.
     void setTitle(std::string_view title);
 
     /// Returns the badge's text; `std::nullopt` if there is no badge.

@@ -14,10 +14,10 @@
 
 namespace quorvel {
 
-/// Turns a request into a clone on disk. Holds nothing but the runner; usable on any thread.
+/// Makes clones from requests. Its only state is the path of the runner; any thread.
 class WrapperFactory {
 public:
-    /// What to make. An absent value means the default given beside it.
+    /// The clone to make. An absent value means the default noted beside it.
     struct Request : CloneTarget, CloneOptions {
         std::string displayName{};                        ///< white space around it is removed
         std::optional<std::filesystem::path> targetApp{}; ///< required for `app`, else ignored
@@ -26,7 +26,8 @@ public:
         std::optional<std::string> bundleId{};            ///< `defaultBundleId(name)`
         std::optional<std::filesystem::path> customIcon{};
         bool hideWrapperIcon = false;
-        std::optional<std::vector<std::string>> extraArgs{}; ///< what the target's engine needs
+        std::optional<std::vector<std::string>>
+            extraArgs{}; ///< those that the target's engine needs
     };
 
     /// A request that can't be carried out.
@@ -36,7 +37,7 @@ public:
 
         /// The target can't be read as an application bundle.
         [[nodiscard]] static FactoryError badTarget(const std::filesystem::path& target);
-        /// There is no runner to put into the clone.
+        /// The runner to copy into the clone was not found.
         [[nodiscard]] static FactoryError runnerNotFound();
         /// The name is empty or only white space.
         [[nodiscard]] static FactoryError emptyName();
@@ -57,11 +58,12 @@ public:
 
     using AppEngine = quorvel::AppEngine;
 
-    /// Without a runner, it is located at each `create`.
+    /// Without `runner`, each `create` locates it.
     explicit WrapperFactory(std::optional<std::filesystem::path> runner = std::nullopt)
         : runnerBinary(std::move(runner)) {}
 
-    std::optional<std::filesystem::path> runnerBinary; ///< to put into clones; absent: located
+    std::optional<std::filesystem::path>
+        runnerBinary; ///< copied into clones; if absent, located by each `create`
 
     /// Returns "~/Applications", expanded.
     [[nodiscard]] static std::filesystem::path defaultOutputDir();
@@ -76,8 +78,8 @@ public:
     /// `FactoryError`, or what `WrapperGenerator::generate` throws.
     [[nodiscard]] std::filesystem::path create(const Request& request) const;
 
-    /// Returns the engine that the bundle is built on. Without `bundleId`, the bundle's own is
-    /// read. Unreadable bundles are `other`.
+    /// Returns the engine that the bundle is built on. Reads the bundle's own identifier
+    /// if `bundleId` is absent. Returns `other` for an unreadable bundle.
     [[nodiscard]] static AppEngine detectEngine(const std::filesystem::path& app,
                                                 const std::optional<std::string>& bundleId);
     /// Returns whether `detectEngine` finds Electron.

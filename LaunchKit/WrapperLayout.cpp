@@ -17,7 +17,7 @@ constexpr std::string_view configName = "instance.json";
 constexpr std::string_view iconFileName = "AppIcon.icns";
 static_assert(iconFileName.starts_with(wrapperIconName));
 
-// Whether the folder is missing, or readable with no other entries than these.
+// Returns whether the folder is missing, or readable and without entries other than these.
 bool holdsAtMost(const fs::path& folder, std::initializer_list<std::string_view> names) {
     if (!itemOrLinkExists(folder)) {
         return true;
@@ -28,7 +28,7 @@ bool holdsAtMost(const fs::path& folder, std::initializer_list<std::string_view>
            });
 }
 
-// The same, where all entries must be regular files.
+// The same, but all entries must be regular files.
 bool holdsAtMostFiles(const fs::path& folder, std::initializer_list<std::string_view> names) {
     return holdsAtMost(folder, names) &&
            std::all_of(names.begin(), names.end(), [&](std::string_view name) {
@@ -38,7 +38,7 @@ bool holdsAtMostFiles(const fs::path& folder, std::initializer_list<std::string_
            });
 }
 
-// Whether what is in the two folders of a wrapper is a wrapper's.
+// Returns whether a wrapper's two folders contain only what a wrapper does.
 bool holdsAtMostWrapperFiles(const fs::path& wrapper) {
     return holdsAtMostFiles(executablesOf(wrapper), {wrapperExecutableName}) &&
            holdsAtMostFiles(resourcesOf(wrapper), {configName, iconFileName});

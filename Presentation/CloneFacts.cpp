@@ -50,7 +50,7 @@ std::string yesOrNo(bool value, const Translate& translate) {
     return value ? translate("CloneFacts", "yes") : translate("CloneFacts", "no");
 }
 
-// In the map's own order, that of the bytes, which in UTF-8 is that of the code points.
+// In the map's order: by bytes, which in UTF-8 is by code points.
 std::vector<std::string> environmentLines(const std::map<std::string, std::string>& environment) {
     std::vector<std::string> lines;
     for (const auto& [key, value] : environment) {
@@ -75,7 +75,7 @@ public:
         }
     }
 
-    // A row of the full report alone.
+    // Adds a row that only the full report has.
     void addInFull(std::string label, std::optional<std::string> value) {
         if (full_ && value) {
             add(std::move(label), std::move(*value));
@@ -99,7 +99,7 @@ std::optional<std::string> textIf(bool condition, std::string text) {
     return condition ? std::optional(std::move(text)) : std::nullopt;
 }
 
-// The one list of what is said about a clone. Without a state, the rows of the details alone.
+// The single list of facts about a clone. Without a state, only the rows of the details.
 std::vector<Fact> facts(const InstanceRecord& clone, const CloneState* state,
                         const Translate& translate) {
     const InstanceConfig& config = clone.config;

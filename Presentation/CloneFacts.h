@@ -7,8 +7,8 @@
 #include <string>
 #include <vector>
 
-/// What the front ends say about a clone. UTF-8, no markup; what comes from files is as it is
-/// there.
+/// What the front ends say about a clone, in UTF-8 without markup. Texts from files are returned
+/// unchanged.
 namespace quorvel {
 
 struct InstanceConfig;
@@ -21,13 +21,13 @@ struct InstanceRecord;
 /// Returns the same with an app's whole path instead of its name.
 [[nodiscard]] std::string fullSource(const InstanceConfig& config);
 
-/// One thing that is known about a clone.
+/// One fact about a clone.
 struct Fact {
     std::string label{};
-    std::vector<std::string> lines{}; ///< the value; a line may hold line breaks of its own
+    std::vector<std::string> lines{}; ///< the value; a line may itself contain line breaks
     bool monospaced = false;
 
-    /// The lines, separated by line breaks.
+    /// Returns the lines, separated by line breaks.
     [[nodiscard]] std::string value() const;
 
     bool operator==(const Fact&) const = default;
@@ -37,14 +37,14 @@ struct Fact {
 [[nodiscard]] std::vector<Fact> cloneDetails(const InstanceRecord& clone,
                                              const Translate& translate = inEnglish);
 
-/// What is known about a clone beside its configuration.
+/// What is known about a clone besides its configuration.
 struct CloneState {
     bool running = false;
     std::optional<std::uintmax_t> logSize{}; ///< bytes; absent without a log
 };
 
-/// Returns all that is known about a clone: the rows of `cloneDetails`, with paths written out, and
-/// more between them.
+/// Returns everything known about a clone: the rows of `cloneDetails`, with paths unabbreviated,
+/// and others between them.
 [[nodiscard]] std::vector<Fact> cloneReport(const InstanceRecord& clone, const CloneState& state,
                                             const Translate& translate = inEnglish);
 

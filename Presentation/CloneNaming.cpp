@@ -26,7 +26,7 @@ bool isScheme(std::string_view text) {
            });
 }
 
-// What a registered name may hold besides percent signs. Users type other scripts unencoded.
+// What a registered name may contain besides percent signs. Users type other scripts unencoded.
 bool isNameCharacter(char c) {
     constexpr std::string_view signs = "-._~!$&'()*+,;=";
     return isAsciiLetterOrDigit(c) || static_cast<unsigned char>(c) >= 0x80 ||

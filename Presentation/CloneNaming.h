@@ -15,8 +15,8 @@ namespace quorvel {
                                         const std::set<std::string>& taken);
 
 /// Returns the host of a web address, with or without a scheme: percent-encoding decoded, "www."
-/// removed, words capitalised. The host is what RFC 3986 takes for one, or one in another script.
-/// Returns std::nullopt if there is none.
+/// removed, words capitalised. The host is what RFC 3986 allows, or has unencoded letters of other
+/// scripts. Returns std::nullopt if there is none.
 [[nodiscard]] std::optional<std::string> nameForWebAddress(std::string_view address);
 
 /// Returns a path's last component, words capitalised, or std::nullopt if there is none, as at the

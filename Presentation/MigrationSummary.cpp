@@ -5,7 +5,7 @@
 namespace quorvel {
 namespace {
 
-// An alert has room for a few.
+// An alert has space for only a few.
 constexpr std::size_t longestList = 5;
 
 // Empty if nothing was moved.

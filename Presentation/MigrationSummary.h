@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-/// What a migration of a clone's own Downloads, Documents and Desktop came to.
+/// The outcome of moving a clone's own Downloads, Documents and Desktop into the user's.
 namespace quorvel {
 
 /// Returns "3 from Downloads" for each folder that something was moved from, in the order of
@@ -25,8 +25,8 @@ namespace quorvel {
                                          const std::string& reason,
                                          const Translate& translate = inEnglish);
 
-/// Returns what had to stay, one item per line, and how many more there are after the first few.
-/// Empty if nothing had to stay.
+/// Returns the items that could not be moved, one per line, and after the first few the number of
+/// others. Empty if everything was moved.
 [[nodiscard]] std::string unmovedItems(const InstanceLauncher::Migration& migration,
                                        const Translate& translate = inEnglish);
 

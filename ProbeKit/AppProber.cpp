@@ -32,7 +32,7 @@ std::string_view lastComponent(std::string_view bundleId) {
     return dot == trimmed.npos ? trimmed : trimmed.substr(dot + 1);
 }
 
-// Waits during a probe, reports its progress and notices that it is cancelled.
+// Waits during a probe, reports its progress and notices when it is cancelled.
 class Waiter {
 public:
     Waiter(const AppProber::Options& options, const std::function<void(Seconds)>& sleep,

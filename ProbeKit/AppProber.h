@@ -29,7 +29,7 @@ public:
 };
 
 /// Finds out by experiment where an app writes and whether it allows a second instance: launches it
-/// twice, each time under a throw-away home (which stays), and records the writes.
+/// twice, each time with a temporary home (which is not removed), and records the writes.
 class AppProber {
 public:
     using Seconds = std::chrono::duration<double>;
@@ -50,7 +50,7 @@ public:
         /// Cancels the run once it is true. May be set by any thread or by a signal handler. Null:
         /// can't be cancelled.
         const std::atomic<bool>* cancelled = nullptr;
-        /// Receives the elapsed share of the waiting, from 0 to 1, some twenty times a second, on
+        /// Receives the elapsed share of the waiting, from 0 to 1, about twenty times a second, on
         /// the thread that runs the probe.
         std::function<void(double)> progress{};
         /// Takes over each launched process after it was asked to end. Empty: it is waited for in
@@ -69,14 +69,14 @@ public:
     [[nodiscard]] const AppBundle& bundle() const { return bundle_; }
     [[nodiscard]] const std::string& realLibrary() const { return realLibrary_; }
 
-    /// Blocks for `settleA + settleB` and the launches. Throws `PlatformError` or
-    /// `InstanceLauncher::LaunchError` if a throw-away home can't be made or a launch fails (a
-    /// first process that was launched keeps running), and `ProbeCancelled`, with both processes
-    /// asked to end, within a twentieth of a second of the request.
+    /// Runs the probe and returns its result. Blocks for `settleA + settleB` and the launches.
+    /// Throws `PlatformError` or `InstanceLauncher::LaunchError` if a throw-away home can't be made
+    /// or a launch fails (a first process that was launched keeps running), and `ProbeCancelled`,
+    /// with both processes asked to end, within a twentieth of a second of the request.
     [[nodiscard]] ProbeResult run() const;
     [[nodiscard]] ProbeResult run(const Options& options) const;
 
-    /// Creates a folder, "quorvel-probe-" and a new UUID, and returns its path. Throws
+    /// Creates a folder named "quorvel-probe-" and a new UUID, and returns its path. Throws
     /// `PlatformError`.
     [[nodiscard]] std::string makeTempHome() const;
 
@@ -84,7 +84,7 @@ public:
     [[nodiscard]] LeakBuckets classify(const std::vector<WriteEvent>& events,
                                        const std::string& fakeHome) const;
 
-    /// Returns how the app reacted to the launch of a second instance, `procB`.
+    /// Returns how the app reacted to the launch of its second instance, `procB`.
     [[nodiscard]] SingletonTier classifySingleton(Process& procB) const;
 
     /// Returns the strategy to recommend, from the result's buckets and singleton tier alone.

@@ -11,7 +11,7 @@
 namespace quorvel {
 
 /// Records what is created, modified or renamed below a set of folders. Never fails: without an
-/// event stream it records nothing and reports that the record is not complete.
+/// event stream it records nothing and is not complete.
 class FSEventProbe {
 public:
     explicit FSEventProbe(std::vector<std::string> watching) : pathsToWatch_(std::move(watching)) {}
@@ -19,17 +19,17 @@ public:
     FSEventProbe& operator=(const FSEventProbe&) = delete;
     ~FSEventProbe() { stopAndDrain(); }
 
-    /// Records from now on. Starting a second time adds a second stream over the same list.
+    /// Starts recording. A second call adds a second stream over the same folders.
     void start();
 
-    /// Ends the recording, which includes every write made before this call, and returns everything
-    /// recorded so far. A second call returns the same again.
+    /// Ends the recording, which includes every write made before this call, and returns all
+    /// recorded events. A second call returns the same events.
     std::vector<WriteEvent> stopAndDrain();
 
     /// Returns whether nothing was missed. Final after `stopAndDrain()`.
     [[nodiscard]] bool isComplete() const;
 
-    /// Returns what `start` requests from a stream.
+    /// Returns the options with which `start` creates a stream.
     [[nodiscard]] FSEventStream::Options streamOptions() const;
 
     /// Called by the stream, on its own queue. A batch whose numbers of flags and paths differ is

@@ -22,7 +22,7 @@ struct WriteEvent {
     bool operator==(const WriteEvent&) const = default;
 };
 
-/// Where a recorded write fell.
+/// Where a recorded write went.
 enum class LeakBucket {
     captured,      ///< inside the fake home: isolation worked
     dataLeak,      ///< the real Application Support, under a name that mentions the app
@@ -42,7 +42,7 @@ inline constexpr auto enumNames<LeakBucket> = namesOfAllCases<LeakBucket>({
 
 using LeakBuckets = std::map<LeakBucket, std::vector<std::string>>;
 
-/// What a trial of an app showed.
+/// The result of probing an app.
 struct ProbeResult {
     LeakBuckets buckets{}; ///< every recorded path, in the order of events; no key without a path
     SingletonTier singleton = SingletonTier::unknown;

@@ -8,7 +8,7 @@
 
 namespace quorvel::ProfileGenerator {
 
-/// Returns the profile that follows from a probe's result. `osSignature` is the system on which the
+/// Returns the profile derived from a probe's result. `osSignature` is the system on which the
 /// probe ran.
 [[nodiscard]] AppProfile makeProfile(const AppBundle& bundle, const ProbeResult& result,
                                      const std::string& osSignature);

@@ -20,7 +20,7 @@ namespace {
 
 using namespace std::chrono_literals;
 
-// A wrapper needs a moment until it shows up among the running applications.
+// It takes a moment for a wrapper to appear among the running applications.
 constexpr auto launchSettleTime = 800ms;
 
 SandboxInfo proposal(const InstalledApp& app, bool sandboxed) {
@@ -58,7 +58,7 @@ struct Outcome {
     std::string failure{}; ///< for the user, if there is no result
 };
 
-// Work whose failure the model reports itself, since the future may never be read.
+// For work whose failure the model itself reports, since the future may never be read.
 template<typename Work>
 auto capturingErrors(Work work) {
     return [work = std::move(work)]() -> Outcome<std::invoke_result_t<Work>> {
@@ -92,7 +92,7 @@ AppProfile detect(const Detection& services) {
     return ProfileGenerator::makeProfile(*bundle, *result, services.osSignature);
 }
 
-// File managers show the folder, or nothing, for an item that is gone.
+// For a missing item, file managers show its folder or nothing.
 void revealExisting(Workspace& workspace, const std::filesystem::path& bundle) {
     if (!itemOrLinkExists(bundle)) {
         throw PlatformError(std::make_error_code(std::errc::no_such_file_or_directory), bundle,
@@ -101,7 +101,8 @@ void revealExisting(Workspace& workspace, const std::filesystem::path& bundle) {
     workspace.reveal(bundle);
 }
 
-// The record of a clone that the registry does not list, as far as its request determines it.
+// Returns the record of a clone that the registry does not list, as far as its request
+// determines it.
 InstanceRecord recordFrom(const WrapperFactory::Request& request,
                           const std::filesystem::path& wrapper) {
     InstanceConfig config;

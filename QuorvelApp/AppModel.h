@@ -24,10 +24,10 @@ struct SandboxInfo {
     std::string reason{}; ///< a sentence for the user
 };
 
-/// The application's one model: what the views show, and every action that changes something
-/// outside the application. Belongs to the main thread. Blocking work runs in the background and
-/// ends on the main thread; a future's error is an `Error`. Constructing a model lists and scans
-/// nothing.
+/// The application's only model: the state that views show, and every action that changes something
+/// outside the application. Main thread only. Blocking work runs in the background and finishes on
+/// the main thread; futures fail with an `Error`. Constructing a model neither lists clones nor
+/// scans apps.
 class AppModel : public QObject {
     Q_OBJECT
 
@@ -35,13 +35,13 @@ public:
     explicit AppModel(AppServices services, QObject* parent = nullptr);
     ~AppModel() override;
 
-    /// In the registry's order.
+    /// The clones in the registry's order.
     [[nodiscard]] const std::vector<InstanceRecord>& clones() const { return clones_; }
     /// The identifiers of the running wrappers, not of their targets.
     [[nodiscard]] const std::set<std::string>& runningBundleIds() const { return running_; }
     [[nodiscard]] const std::vector<InstalledApp>& catalog() const { return catalog_; }
     [[nodiscard]] bool catalogLoading() const { return catalogLoading_; }
-    /// By app path; only grows.
+    /// The known sandbox states by app path; entries are never removed.
     [[nodiscard]] const std::map<std::string, bool>& sandboxStatus() const { return sandbox_; }
     [[nodiscard]] const std::optional<std::string>& lastError() const { return lastError_; }
     [[nodiscard]] const std::optional<std::string>& statusMessage() const { return status_; }
@@ -50,32 +50,32 @@ public:
 
     /// Returns the clone with that identity, or null. Valid until the list changes.
     [[nodiscard]] const InstanceRecord* clone(const std::string& id) const;
-    /// Returns whether the clone's wrapper ran when that was last looked at.
+    /// Returns whether the clone's wrapper was running at the last refresh.
     [[nodiscard]] bool isRunning(const InstanceRecord& clone) const;
 
     /// Sets the text of the error alert; std::nullopt clears it.
     void setLastError(std::optional<std::string> text);
     /// Sets the text of the status alert; std::nullopt clears it.
     void setStatusMessage(std::optional<std::string> text);
-    /// Asks the window to open the new-clone sheet, or notes that it did.
+    /// Asks the window to open the new-clone sheet, or records that it did.
     void setStartNewCloneRequested(bool requested);
 
     /// Lists the clones again, then refreshes which of them run.
     void reload();
-    /// Looks at which clones run.
+    /// Updates which clones are running.
     void refreshRunningState();
 
     /// Scans the installed apps, unless a scan is under way. A failure becomes `lastError`, and the
     /// catalog stays as it was.
     void loadCatalog();
-    /// Finds out whether the app is sandboxed, once in the life of the model. The future ends once
-    /// `sandboxStatus` has the answer.
+    /// Determines whether the app is sandboxed, once per app in the model's lifetime. The future
+    /// finishes when `sandboxStatus` has the answer.
     QFuture<void> ensureSandboxStatus(const InstalledApp& app);
     /// Returns the proposal for a clone of the app. Never fails; an unreadable app counts as not
     /// sandboxed.
     [[nodiscard]] QFuture<SandboxInfo> sandboxInfo(const InstalledApp& app);
-    /// Launches the app under throw-away homes, for at least nine seconds, and returns the profile
-    /// made from that. Fails with `FactoryError` for an unreadable app, else with the probe's
+    /// Launches the app with temporary homes, for at least nine seconds, and returns the resulting
+    /// profile. Fails with `FactoryError` if the app is unreadable, otherwise with the probe's
     /// error.
     [[nodiscard]] QFuture<AppProfile> detectStrategy(const InstalledApp& app);
 
@@ -85,13 +85,13 @@ public:
     /// Opens the clone, or brings it to the front. A failure becomes `lastError`.
     void launch(const InstanceRecord& record);
     /// Creates a clone and returns its record, synthesised from the request if the registry does
-    /// not list it. Fails with the factory's error, and then changes nothing.
+    /// not list it. Fails with the factory's error, without having changed anything.
     QFuture<InstanceRecord> createClone(const WrapperFactory::Request& request, bool launchAfter);
     /// Deletes the clone. A failure becomes `lastError`, as does data that could not be removed.
     void remove(const InstanceRecord& record, bool includingData);
-    /// Moves what the clone saved in its own folders into the user's, and shares those from then
-    /// on. The outcome becomes `statusMessage`, or `lastError` if the clone can't be changed or
-    /// something had to stay; the clone then does not share the folders.
+    /// Moves the contents of the clone's own folders into the user's, and makes the clone share
+    /// those. The outcome becomes `statusMessage`, or `lastError` if the clone can't be changed or
+    /// something could not be moved; in that case the clone does not share the folders.
     QFuture<void> migrateSharedFolders(const InstanceRecord& record);
     /// Shows the clone's wrapper in the file manager. A failure becomes `lastError`.
     QFuture<void> reveal(const InstanceRecord& record);

@@ -22,7 +22,7 @@ namespace {
 
 using namespace Qt::StringLiterals;
 
-// As high as its content, however high the window is.
+// As high as its content, regardless of the window's height.
 QWidget* makeBand() {
     auto* band = new QWidget;
     band->setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
@@ -174,7 +174,7 @@ void CloneDetailView::confirmDelete() {
 }
 
 void CloneDetailView::removeWithData(const InstanceRecord& clone) {
-    // Clones that were started or ended elsewhere are not reported.
+    // There is no signal for clones that were started or ended elsewhere.
     model_.refreshRunningState();
     if (!model_.isRunning(clone) && !isHomeInUse(clone.config)) {
         model_.remove(clone, true);

@@ -18,19 +18,19 @@ struct InstanceRecord;
 class ElidedLabel;
 class MigrationCallout;
 
-/// One clone: what it is, what it runs, and what can be done with it. Follows the model and leaves
-/// unchanged rows alone.
+/// One clone: its facts and the actions on it. Follows the model and rebuilds only rows that
+/// changed.
 class CloneDetailView : public QWidget {
     Q_OBJECT
 
 public:
-    /// Both must outlive the widget. `sheets` is the widget over which dialogs show.
+    /// `model` and `icons` must outlive the widget. `sheets` is the widget over which dialogs show.
     CloneDetailView(AppModel& model, IconLoader& icons, QWidget* sheets, QWidget* parent = nullptr);
     ~CloneDetailView() override;
 
     /// Shows another clone, or another state of the same.
     void setClone(const InstanceRecord& clone);
-    /// Updates whether the clone runs, and what that may have changed in its home.
+    /// Updates whether the clone is running, and whether its home offers a migration.
     void refreshRunning();
 
 private:
@@ -40,7 +40,7 @@ private:
     void showCallout();
     void setRows(const std::vector<Fact>& rows);
     void confirmDelete();
-    /// Asks once more when the clone runs.
+    /// Asks again if the clone is running.
     void removeWithData(const InstanceRecord& clone);
     void confirmMigration();
 

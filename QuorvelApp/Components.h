@@ -1,6 +1,6 @@
 #pragma once
 
-// The small pieces that the panes are made of.
+// The small widgets of which the panes consist.
 #include "Presentation/CloneFacts.h"
 #include "Presentation/StrategyTexts.h"
 #include "QuorvelApp/widgets/AppIcon.h"

@@ -52,7 +52,7 @@ QWidget* ContentView::makeToolbar() {
     return bar;
 }
 
-// Changing a widget's parent styles it and its children again, so each gets its parent at once.
+// Reparenting restyles a widget and its children, so each gets its final parent at once.
 QWidget* ContentView::makeColumns() {
     auto* columns = new QSplitter(Qt::Horizontal, this);
     columns->setHandleWidth(1);

@@ -17,8 +17,8 @@ class ModelAlert;
 class Sheet;
 class Sidebar;
 
-/// The main window's content: the clones at one side, the selected one at the other, the sheet for
-/// new ones and the model's alerts above.
+/// The main window's content: the list of clones, the details of the selected one, and above them
+/// the new-clone sheet and the model's alerts.
 class ContentView : public QWidget {
     Q_OBJECT
 

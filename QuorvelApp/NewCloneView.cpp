@@ -75,7 +75,7 @@ QWidget* NewCloneView::makeFooter() {
     makeDefault(create_);
     connect(create_, &QPushButton::clicked, &session_, &NewCloneSession::create);
     create_->setText(tr("Create Shortcut"));
-    create_->setFixedSize(create_->sizeHint()); // whatever it reads
+    create_->setFixedSize(create_->sizeHint()); // for either of its texts
     creating_ = new Spinner(14, Ink::secondary, create_);
     auto* row = new QHBoxLayout(footer);
     row->setContentsMargins(20, 14, 20, 14);
@@ -95,7 +95,7 @@ void NewCloneView::refresh() {
     placeSpinner();
 }
 
-// Beside the text, which stands in the button's middle.
+// Places it beside the text, which is centred in the button.
 void NewCloneView::placeSpinner() {
     const QRect all = create_->rect();
     const int text = create_->fontMetrics().horizontalAdvance(create_->text());

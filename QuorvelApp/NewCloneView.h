@@ -21,6 +21,7 @@ public:
     /// Both must outlive the sheet.
     NewCloneView(AppModel& model, IconLoader& icons, FilePanels panels);
 
+    /// Returns the sheet's session, which lives as long as the sheet.
     [[nodiscard]] NewCloneSession& session() { return session_; }
 
 private:

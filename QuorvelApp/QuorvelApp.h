@@ -11,7 +11,7 @@
 
 namespace quorvel {
 
-/// The application: its one model, its updater and its window. Lives as long as the process.
+/// The application: its only model, its updater and its window. Lives as long as the process.
 class QuorvelApp {
 public:
     explicit QuorvelApp(AppServices services = AppServices::system(),
@@ -24,9 +24,11 @@ public:
     /// Shows the window and brings it to the front.
     void start();
 
-    /// The parts that live as long as the application.
+    /// Returns the model, which lives as long as the application.
     [[nodiscard]] AppModel& model() { return model_; }
+    /// Returns the updater, which lives as long as the application.
     [[nodiscard]] UpdaterController& updater() { return updater_; }
+    /// Returns the window, which lives as long as the application.
     [[nodiscard]] MainWindow& window() { return window_; }
 
 private:

@@ -1,6 +1,6 @@
-// How quick the window is, next to an empty Qt window in the same run.
+// How fast the window is, beside an empty Qt window in the same run.
 //   app_benchmarks            runs everything and prints a table
-// Draws on the display where there is one, else on none. Works in a throw-away home.
+// Draws on the display if there is one, otherwise offscreen. Works in a throw-away home.
 #include "LaunchKit/Icons/IcnsWriter.h"
 #include "LaunchKit/InstanceConfig.h"
 #include "LaunchKit/InstanceRecord.h"
@@ -184,7 +184,8 @@ void measureStart() {
     const ChildFigures app = runChild(QStringLiteral("application"));
     reportRatio("first paint with 500 clones, against an empty window", app.start, empty.start,
                 "ms", 1.5);
-    // An empty window never loads a font, which takes longer than all else that Qt does then.
+    // An empty window never loads a font, which takes longer than everything else that Qt does at
+    // that point.
     reportRatio("first paint with 500 clones, against a window of one button", app.start,
                 button.start, "ms", 1.5);
     reportRatio("memory with 500 clones and the sheet, against an empty window", app.memory,
@@ -237,7 +238,7 @@ void measureSheet() {
     report("search field with 2,000 apps: slowest key", slowest, "ms", 10);
 }
 
-/// Knows how long the main thread was busy with one event at the longest.
+/// Measures the longest time that the main thread was busy with one event.
 class MeasuringApplication : public QApplication {
 public:
     using QApplication::QApplication;

@@ -36,7 +36,7 @@ void copy(const std::string& from, const std::string& to) {
     ::close(in);
 }
 
-// The same files as a wrapper has, made and taken away with nothing but system calls.
+// The files of a wrapper, created and removed with system calls alone.
 void makeTree(const std::string& wrapper, const std::string& json, const std::string& info) {
     for (const char* folder : {"", "/Contents", "/Contents/MacOS", "/Contents/Resources"}) {
         ::mkdir((wrapper + folder).c_str(), 0777);

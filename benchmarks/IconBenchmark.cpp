@@ -28,7 +28,7 @@ namespace fs = std::filesystem;
 
 const IconLabel label{"Work", "#FFFFFF", IconLabel::Position::bottom};
 
-// A figure for work that failed would be none.
+// A figure for failed work would be meaningless.
 void require(bool done) {
     if (!done) {
         throw std::runtime_error("an icon could not be made or read");
@@ -46,7 +46,7 @@ void writeModernIcon(const fs::path& file, IconArtist artist) {
     write(file, icnsFile(chunks));
 }
 
-// The images that a composed icon holds as PNG files.
+// The images that a composed icon contains as PNG files.
 std::vector<QImage> pngImagesOf(const fs::path& composed) {
     const auto file = IcnsFile::read(composed);
     std::vector<QImage> images;
@@ -75,7 +75,7 @@ Row composeAgainstEncoding(const fs::path& folder, std::size_t artwork) {
         1.5, 15);
 }
 
-// What someone would write by hand. png2icns takes no 64 pixels, so the script does one size less.
+// A script as written by hand. png2icns rejects 64 pixels, so the script makes one size less.
 constexpr const char* handScript = R"(set -e
 cd "$0"
 for side in 1024 512 256 128 32 16; do

@@ -34,7 +34,7 @@ void makeFile(const std::string& path) {
     ::close(file);
 }
 
-// Chains of folders in one another, each with its files as soon as it is there.
+// Chains of nested folders, each filled with files as soon as it exists.
 void makeStorm(const std::string& base) {
     std::string folder = base;
     for (int number = 0; number < folderCount; ++number) {
@@ -114,7 +114,7 @@ std::optional<std::size_t> missedByOther(const fs::path& base, const fs::path& f
     Process other = Process::run(options);
     waitUntil([&] { return contents(folder / "errors").find("established") != std::string::npos; });
     makeStorm(base.string());
-    // It has caught up when its output grows no more.
+    // It has caught up when its output no longer grows.
     std::uintmax_t size = 0;
     do {
         size = fs::file_size(folder / "seen");

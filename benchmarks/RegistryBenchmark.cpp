@@ -33,7 +33,7 @@ void makeWrappers(const fs::path& folder, int count) {
     }
 }
 
-// What any listing has to do: look through the folder, open each file and read it.
+// The least that a listing has to do: list the folder, open each file and read it.
 std::size_t readAll(const fs::path& folder) {
     std::size_t bytes = 0;
     DIR* stream = ::opendir(folder.c_str());
@@ -77,7 +77,7 @@ std::vector<Row> registryRows(const fs::path& folder) {
             },
             2, 15));
     }
-    // The system itself takes longer for each file where its caches no longer hold them all.
+    // The system itself takes longer for each file once its caches no longer hold all of them.
     const double growth = rows[1].figure / rows[0].figure;
     const double floorGrowth = rows[1].floor / rows[0].floor;
     constexpr double goal = 1.2;

@@ -41,7 +41,7 @@ Process sleeping(const fs::path& program) {
     return Process::run(options);
 }
 
-// What any look at the running programs has to do: go through /proc and follow each link.
+// The least that any search of the running programs has to do: list /proc and follow each link.
 int readLinks() {
     int count = 0;
     DIR* table = ::opendir("/proc");

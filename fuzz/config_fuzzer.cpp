@@ -1,4 +1,4 @@
-// Reads configurations; what could be read is written and read again without a change.
+// Reads configurations; what could be read must survive being written and read again.
 #include "LaunchKit/InstanceConfig.h"
 
 #include <cstdint>
@@ -13,7 +13,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
             std::abort();
         }
     } catch (const ConfigError&) {
-        // The one way to say no.
+        // The only way in which it may refuse an input.
     }
     return 0;
 }

@@ -17,7 +17,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         (void)PropertyList::stringFor(*dictionary, key);
     }
     try {
-        // Numbers may come back rounded; what was written must be a list again all the same.
+        // Numbers may be rounded, but what was written must still be a list.
         if (!PropertyList::parseDictionary(PropertyList::xml(*dictionary))) {
             std::abort();
         }

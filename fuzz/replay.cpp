@@ -19,7 +19,7 @@ int main(int argc, char** argv) {
     for (const auto& entry : std::filesystem::directory_iterator(argv[1])) {
         std::ifstream file(entry.path(), std::ios::binary);
         const std::string bytes{std::istreambuf_iterator<char>(file), {}};
-        std::cout << entry.path().filename() << std::endl; // seen even when this one ends it
+        std::cout << entry.path().filename() << std::endl; // flushed, in case the input crashes it
         LLVMFuzzerTestOneInput(reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size());
         ++count;
     }

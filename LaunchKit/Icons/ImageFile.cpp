@@ -34,13 +34,14 @@ QSize scaledToFit(QSize size) {
     return size.scaled(side, side, Qt::KeepAspectRatio).expandedTo(QSize(1, 1));
 }
 
-// Whether the PNG's rows are stored once and in order.
+// Returns whether the PNG's rows are stored once and in order.
 bool isPlainPng(std::string_view bytes) {
     constexpr std::size_t interlacing = 28;
     return isPng(bytes) && bytes.size() > interlacing && bytes[interlacing] == 0;
 }
 
-// Whether the JPEG's blocks are stored once and in order: one sequential scan of all components.
+// Returns whether the JPEG's blocks are stored once and in order: one sequential scan of all
+// components.
 bool isPlainJpeg(std::string_view bytes) {
     std::size_t components = 0;
     for (std::size_t at = 2; bytes.starts_with("\xFF\xD8") && at + 10 <= bytes.size();) {

@@ -25,10 +25,11 @@ inline constexpr int maximumScaledSide = 16384;
 [[nodiscard]] QImage pngImage(std::string_view bytes, QSize size);
 
 /// Returns the widest image in a PNG, JPEG, JPEG 2000, GIF, BMP, TIFF or WebP file that can be
-/// decoded, in the format of `pngImage`; the first of equally wide ones. Null if there is none, or
-/// if Qt lacks the format. Beyond `maximumImageSide` only PNG and JPEG that can be decoded piece by
-/// piece (not interlaced) are read, scaled to fit 2048 pixels. JPEG 2000 has its own limits, those
-/// of `jpeg2000Image`. Formats that contain drawings or scripts, not pixels, are not read.
+/// decoded, in the format of `pngImage`; the first of equally wide ones. Returns null if there
+/// is none or Qt lacks the format. Beyond `maximumImageSide` only PNG and JPEG that can be decoded
+/// piece by piece (not interlaced) are read, scaled to fit 2048 pixels. JPEG 2000 has its own
+/// limits, those of `jpeg2000Image`. Formats that contain drawings or scripts, not pixels, are not
+/// read.
 [[nodiscard]] QImage widestImage(std::string_view bytes);
 
 /// Returns `image` as 8-bit sRGB pixels with straight alpha.

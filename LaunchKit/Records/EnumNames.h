@@ -14,7 +14,8 @@ using EnumName = std::pair<Case, std::string_view>;
 
 namespace detail {
 
-// The compiler spells a value that is a case by the case's name, and any other as a number.
+/// Returns whether `value` is one of its enumeration's cases, which the compiler writes by name;
+/// any other value it writes as a number.
 template<auto value>
 constexpr bool isCase() {
     const std::string_view signature = __PRETTY_FUNCTION__;
@@ -24,6 +25,7 @@ constexpr bool isCase() {
     return first != '-' && (first < '0' || first > '9');
 }
 
+/// Returns how many cases follow each other from `count` on, plus `count`.
 template<typename Case, std::size_t count = 0>
 constexpr std::size_t countCases() {
     if constexpr (isCase<static_cast<Case>(count)>()) {
@@ -35,12 +37,12 @@ constexpr std::size_t countCases() {
 
 } // namespace detail
 
-/// How many cases an enumeration has. They must be numbered from 0 without a gap.
+/// The number of an enumeration's cases, which must be numbered from 0 without a gap.
 template<typename Case>
 inline constexpr std::size_t caseCount = detail::countCases<Case>();
 
-/// The names of all cases, in the order of the cases. Does not compile if one is missing, out of
-/// order or without a name.
+/// Returns the names of all cases, in the order of the cases. Does not compile if one is missing,
+/// out of order or has no name.
 template<typename Case, std::size_t count>
 [[nodiscard]] consteval std::array<std::string_view, count>
 namesOfAllCases(const EnumName<Case> (&rows)[count]) {
@@ -48,7 +50,8 @@ namesOfAllCases(const EnumName<Case> (&rows)[count]) {
     std::array<std::string_view, count> names{};
     for (std::size_t index = 0; index < count; ++index) {
         if (rows[index].first != static_cast<Case>(index) || rows[index].second.empty()) {
-            throw "the names must be in the order of the cases"; // no constant, so an error here
+            throw "the names must be in the order of the cases"; // not a constant expression, so an
+                                                                 // error here
         }
         names[index] = rows[index].second;
     }
@@ -75,13 +78,13 @@ template<NamedEnum Case>
     return cases;
 }
 
-/// The name of a case.
+/// Returns the name of a case.
 template<NamedEnum Case>
 [[nodiscard]] constexpr std::string_view rawString(Case value) {
     return enumNames<Case>.at(static_cast<std::size_t>(value));
 }
 
-/// The case of that name. Returns std::nullopt for any other text.
+/// Returns the case with that name; std::nullopt for any other text.
 template<NamedEnum Case>
 [[nodiscard]] constexpr std::optional<Case> caseNamed(std::string_view name) {
     for (std::size_t index = 0; index < enumNames<Case>.size(); ++index) {

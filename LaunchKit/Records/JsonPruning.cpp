@@ -10,7 +10,7 @@ namespace {
 constexpr std::string_view digits = "0123456789";
 constexpr std::string_view hexadecimals = "0123456789abcdefABCDEF";
 
-// Goes over JSON without a call for each level. A false answer: the text is none.
+// Scans JSON without recursion. Functions return false if the text is not JSON.
 class JsonWalker {
 public:
     explicit JsonWalker(std::string_view json) : json_(json) {}
@@ -25,14 +25,14 @@ public:
         return takeIf(expected);
     }
 
-    /// A string with its quotes as it stands.
+    /// Returns a string as written, quotes included.
     [[nodiscard]] std::optional<std::string_view> string() {
         skipBlanks();
         const std::size_t start = at_;
         return skipString() ? std::optional(json_.substr(start, at_ - start)) : std::nullopt;
     }
 
-    /// Any value as it stands.
+    /// Returns any value as written.
     [[nodiscard]] std::optional<std::string_view> value() {
         skipBlanks();
         const std::size_t start = at_;
@@ -46,7 +46,7 @@ public:
     }
 
 private:
-    // Up to the next place where a value has to stand, or to the end of the outermost one.
+    // Advances to the next position where a value must follow, or to the end of the outermost one.
     bool closeAll(std::vector<char>& open) {
         while (!open.empty() && !opened_) {
             if (skip(',')) {
@@ -144,10 +144,10 @@ private:
 
     std::string_view json_;
     std::size_t at_ = 0;
-    bool opened_ = false; ///< a bracket was just opened, behind which a value stands
+    bool opened_ = false; ///< a bracket was just opened, so a value follows
 };
 
-// The text between the quotes; escapes beyond ASCII, which no key of ours has, as "?".
+// Returns the text between the quotes; escapes beyond ASCII, which our keys never need, become "?".
 std::string plainKey(std::string_view quoted) {
     std::string key;
     for (std::size_t at = 1; at + 1 < quoted.size(); ++at) {

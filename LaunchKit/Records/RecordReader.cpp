@@ -19,7 +19,7 @@ struct OpenRecord {
     void* record;
     std::uint64_t seen = 0;   // one bit per field
     std::size_t field = 0;    // the one whose value is read
-    std::size_t expected = 0; // files have their keys in order, so the next is mostly this one
+    std::size_t expected = 0; // files have their keys in order, so usually the next one
 
     [[nodiscard]] const FieldType& current() const { return type->fields[field]; }
     [[nodiscard]] bool hasSeen(std::size_t index) const { return ((seen >> index) & 1U) != 0; }
@@ -37,7 +37,7 @@ struct OpenRecord {
 };
 
 // Fills a record straight from the parser's events. No tree is built: listing thousands of clones
-// spends its time here. A false answer ends the parsing.
+// spends its time here. Returning false ends the parsing.
 class RecordReader {
 public:
     RecordReader(void* record, const RecordType& type, bool checksTexts)
@@ -58,7 +58,7 @@ public:
     }
 
     bool Null() {
-        // As good as not written where the key may be left out; never inside a list or a map.
+        // A null counts as a missing optional key; it is never valid inside a list or a map.
         return skipped() || (inRecord() && !open_.back().current().required) || mistyped();
     }
 
@@ -76,7 +76,7 @@ public:
         return mistyped();
     }
 
-    // No value of a record is a number.
+    // No member of a record is a number.
     bool Int(int /*value*/) { return skipped() || mistyped(); }
     bool Uint(unsigned /*value*/) { return skipped() || mistyped(); }
     bool Int64(std::int64_t /*value*/) { return skipped() || mistyped(); }
@@ -212,10 +212,10 @@ private:
         return !checksTexts_ || isUtf8(value);
     }
 
-    // The value of an unknown key is passed over whole.
+    // The whole value of an unknown key is skipped.
     bool skipped() { return skipping_ > 0 || std::exchange(skipNext_, false); }
 
-    // The parser calls itself for each level, so that what goes deeper must end it here.
+    // The parser recurses for each level, so deeper nesting must stop it here.
     bool descend() {
         constexpr std::size_t maximumDepth = 512;
         if (++skipping_ > maximumDepth) {
@@ -259,7 +259,7 @@ private:
         return fault("is of the wrong type.");
     }
 
-    // One for each member; what follows it in the file is still read.
+    // One fault for each member; the rest of the file is still read.
     bool fault(const char* predicate) {
         if (!std::exchange(faulty_, true)) {
             addFault({"The value of “", pathOf(open_.back().current()), "” ", predicate});
@@ -281,7 +281,7 @@ private:
     bool skipNext_ = false;
 };
 
-// Works in place: the text is used up.
+// Works in place, which overwrites the text.
 std::string parse(char* json, std::size_t length, void* record, const RecordType& type) {
     RecordReader handler(record, type,
                          std::string_view(json, length).find("\\u") != std::string::npos);
@@ -294,13 +294,13 @@ std::string parse(char* json, std::size_t length, void* record, const RecordType
     if (result.IsError() && result.Code() != rapidjson::kParseErrorTermination) {
         handler.addFault({"The ", type.name, notJson, rapidjson::GetParseError_En(result.Code())});
     } else if (!result.IsError() && stream.Tell() != length) {
-        // To the parser a NUL is the end of the text; here it is a byte like any other.
+        // The parser takes a NUL for the end of the text, but here it is a byte like any other.
         handler.addFault({"The ", type.name, notJson, "It contains a NUL byte."});
     }
     return handler.faults();
 }
 
-// The same without members that mean nothing; std::nullopt if it is not a JSON object.
+// Returns the text without members of unknown keys; std::nullopt if it is not a JSON object.
 std::optional<std::string> withKnownMembersOnly(std::string_view json, const RecordType& type) {
     std::vector<std::string_view> keys;
     for (const FieldType& field : type.fields) {
@@ -329,7 +329,7 @@ std::string readRecord(std::string& json, void* record, const RecordType& type) 
     if (faults.empty()) {
         return faults;
     }
-    // What an unknown key holds may be too much for the parser.
+    // The parser may reject the value of an unknown key.
     std::optional<std::string> pruned = withKnownMembersOnly(whole, type);
     if (!pruned) {
         return faults;

@@ -23,9 +23,12 @@ struct RecordType;
 
 /// An enumeration in a record, read and written by the names of its cases.
 struct EnumPlace {
+    using Assign = bool (*)(void* value, std::string_view name);
+    using Name = std::string_view (*)(const void* value);
+
     void* value;
-    bool (*assign)(void* value, std::string_view name); ///< false for an unknown name
-    std::string_view (*name)(const void* value);
+    Assign assign; ///< returns false for an unknown name
+    Name name;     ///< returns the name of the value's case
 };
 
 /// A record inside another one.
@@ -39,18 +42,23 @@ using Place = std::variant<bool*, std::string*, std::vector<std::string>*,
 
 /// One row of a table.
 struct FieldType {
+    using HasValue = bool (*)(const void* record);
+    using Locate = Place (*)(void* record);
+
     std::string_view key{};
-    bool required = false; ///< must be there and not null; else a missing value keeps its default
-    bool (*present)(const void* record) = nullptr; ///< whether it has a value to write
-    Place (*place)(void* record) = nullptr;        ///< makes an absent optional present
-    const RecordType* nested = nullptr;            ///< the type of a record inside
+    bool required = false;      ///< present and not null; other keys keep their default if missing
+    HasValue present = nullptr; ///< returns whether it has a value to write
+    Locate place = nullptr;     ///< makes an absent optional present
+    const RecordType* nested = nullptr; ///< the type of a record inside
 };
 
 /// A record's table, with the keys in ascending order.
 struct RecordType {
-    std::string_view name{}; ///< what messages call it: "configuration"
+    using Reset = void (*)(void* record);
+
+    std::string_view name{}; ///< as messages name it: "configuration"
     std::span<const FieldType> fields{};
-    void (*reset)(void* record) = nullptr; ///< every member back to its default
+    Reset reset = nullptr; ///< resets every member to its default
 };
 
 /// Specialise for a record with `static constexpr std::string_view name` and `static constexpr
@@ -89,6 +97,8 @@ inline constexpr bool isPlain = std::is_same_v<Value, bool> || std::is_same_v<Va
 template<typename Value>
 inline constexpr bool isNested = !isPlain<Value> && !std::is_enum_v<Value>;
 
+/// Sets the enumeration at `value` to the case with that name. Returns false, and leaves it
+/// unchanged, if there is no such case.
 template<NamedEnum Case>
 bool assignNamed(void* value, std::string_view name) {
     const std::optional<Case> known = caseNamed<Case>(name);
@@ -98,11 +108,13 @@ bool assignNamed(void* value, std::string_view name) {
     return known.has_value();
 }
 
+/// Returns the name of the case at `value`.
 template<NamedEnum Case>
 std::string_view nameOf(const void* value) {
     return rawString(*static_cast<const Case*>(value));
 }
 
+/// Returns the place of a member, by its type. An absent optional becomes present.
 template<typename Value>
 Place placeOf(Value& value) {
     if constexpr (isOptional<Value>) {
@@ -124,13 +136,13 @@ using MemberOf = std::remove_reference_t<decltype(std::declval<Record&>().*membe
 /// Makes the rows of a record's table: `Row<Record>::of<&Record::member>("key")`.
 template<typename Record>
 struct Row {
-    /// The row of a member that may be missing in a file.
+    /// Returns the row of a member that may be missing in a file.
     template<auto member>
     [[nodiscard]] static constexpr FieldType of(std::string_view key) {
         return row<member>(key, false);
     }
 
-    /// The row of a member without which a file can't be read.
+    /// Returns the row of a member that every file must have.
     template<auto member>
     [[nodiscard]] static constexpr FieldType required(std::string_view key) {
         return row<member>(key, true);
@@ -159,7 +171,8 @@ private:
     }
 };
 
-/// The rows in the order that `RecordType` wants. Does not compile if a key appears twice.
+/// Returns the rows in ascending order of their keys, as `RecordType` requires. Does not compile if
+/// a key appears twice.
 template<std::size_t count>
 [[nodiscard]] consteval std::array<FieldType, count>
 sortedByKey(std::array<FieldType, count> rows) {

@@ -11,6 +11,7 @@ namespace quorvel {
 /// optional members left out. Returns std::nullopt if a text is not valid UTF-8.
 [[nodiscard]] std::optional<std::string> writeRecord(const void* record, const RecordType& type);
 
+/// Writes a record by its own table, as above.
 template<typename Record>
 [[nodiscard]] std::optional<std::string> writeRecord(const Record& record) {
     return writeRecord(&record, recordType<Record>);

@@ -58,9 +58,9 @@ bool indicatesFailure(int status) {
 std::string reasonFor(int status) {
     constexpr int signalled = 128;
     if (status > signalled) {
-        return "it was ended at once, by signal " + std::to_string(status - signalled);
+        return "it was ended immediately by signal " + std::to_string(status - signalled);
     }
-    return "it ended at once, with status " + std::to_string(status);
+    return "it ended immediately with status " + std::to_string(status);
 }
 
 // Without a report, only some statuses prove a failure: a target may end quickly.

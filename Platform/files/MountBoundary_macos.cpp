@@ -6,7 +6,7 @@
 #include <fcntl.h>
 #include <sys/stat.h>
 
-// macOS has no bind mounts: whatever is mounted is another device.
+// macOS has no bind mounts, so every mount is another device.
 namespace quorvel {
 
 int openFolderForNames(const std::filesystem::path& path) {

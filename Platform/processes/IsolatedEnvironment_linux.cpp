@@ -155,7 +155,7 @@ Environment isolatedEnvironment(const std::string& home, const Environment& sess
                                 const IsolationOptions& options) {
     const std::string realHome = UserPaths::home();
     if (isSameItem(home, realHome)) {
-        return {}; // the clone was told to use the user's own data
+        return {}; // the clone is configured to use the user's own data
     }
     Environment set{
         {"XDG_CONFIG_HOME", home + "/.config"},

@@ -6,7 +6,7 @@
 
 namespace quorvel {
 
-/// One clone in the sidebar: icon, name, what it runs, and a dot while it runs.
+/// Paints a clone in the sidebar: icon, name, target, and a dot while it is running.
 class CloneRow : public QStyledItemDelegate {
     Q_OBJECT
 

@@ -4,7 +4,7 @@
 
 namespace quorvel {
 
-/// Offers to move what a clone saved in its own folders into the user's.
+/// Offers to move the contents of a clone's own folders into the user's.
 class MigrationCallout : public QFrame {
     Q_OBJECT
 

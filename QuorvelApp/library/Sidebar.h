@@ -15,7 +15,7 @@ class QStackedLayout;
 
 namespace quorvel {
 
-/// The clones, or an invitation to make the first.
+/// The list of clones, or an invitation to create the first.
 class Sidebar : public QWidget {
     Q_OBJECT
 

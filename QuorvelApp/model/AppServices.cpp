@@ -32,7 +32,7 @@ AppServices AppServices::system() {
     services.scanCatalog = [] { return AppCatalog::scan(); };
     services.readBundle = [](const std::filesystem::path& app) { return AppBundle::read(app); };
     services.createWrapper = [](const WrapperFactory::Request& request) {
-        checkRequest(request);
+        validateRequest(request);
         return WrapperFactory().create(request);
     };
     services.probe = [workspace = services.workspace,

@@ -20,8 +20,8 @@
 
 namespace quorvel {
 
-/// Everything the model does outside itself, passed in so that tests can watch and replace it. The
-/// functions are called off the main thread, `after` on it.
+/// Everything the model does outside itself, passed in so that tests can observe and replace it.
+/// `after` is called on the main thread, the other functions on worker threads.
 struct AppServices {
     /// Calls `then` on `context`'s thread once `time` has passed, unless `context` is gone.
     using Delay = std::function<void(std::chrono::milliseconds time, QObject* context,
@@ -32,13 +32,13 @@ struct AppServices {
     std::shared_ptr<BackgroundTasks> tasks{};
     std::function<std::vector<InstalledApp>()> scanCatalog{};
     std::function<std::optional<AppBundle>(const std::filesystem::path&)> readBundle{};
-    /// Returns the new wrapper. Throws what the factory throws, and `RefusedRequest` rather than
+    /// Returns the new wrapper. Throws what the factory throws, and `InvalidRequest` rather than
     /// replace something that is not a clone.
     std::function<std::filesystem::path(const WrapperFactory::Request&)> createWrapper{};
     /// Returns std::nullopt if the bundle can't be probed at all; throws if the probe fails.
     std::function<std::optional<ProbeResult>(const std::filesystem::path&)> probe{};
     Delay after{};
-    /// Set when the application ends: a probe under way gives up. Never null in `system()`.
+    /// Set when the application quits, which cancels a running probe. Never null in `system()`.
     std::shared_ptr<std::atomic<bool>> quitting{};
 
     /// Returns the services of this computer.

@@ -18,7 +18,8 @@ namespace quorvel {
 /// How urgently the user waits for the result.
 enum class TaskPriority { userInitiated, utility };
 
-/// Runs work off the main thread and brings its result back: the only place where threads meet.
+/// Runs work off the main thread and delivers its result to the main thread: the only place where
+/// threads interact.
 class BackgroundTasks {
 public:
     BackgroundTasks() = default;
@@ -62,8 +63,8 @@ private:
         return attempt;
     }
 
-    // The promise is kept on the main thread: a future whose continuation is run by one thread
-    // while another lets go of it is not safe in every Qt.
+    // The promise stays on the main thread: in some versions of Qt, it is unsafe for one thread to
+    // run a future's continuation while another releases the future.
     template<typename Result>
     static void deliver(std::shared_ptr<QPromise<Result>> promise, Attempt<Result> attempt) {
         QMetaObject::invokeMethod(

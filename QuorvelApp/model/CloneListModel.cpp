@@ -21,14 +21,14 @@ std::unordered_set<std::string> idsOf(const std::vector<InstanceRecord>& clones)
     return ids;
 }
 
-// Never in a listing of one folder; but two search folders may be the same one.
+// Two search folders may be the same one, which repeats its clones.
 bool hasRepeated(const std::vector<InstanceRecord>& clones) {
     return idsOf(clones).size() != clones.size();
 }
 
 } // namespace
 
-// Without a look at the disk: this is asked at each painting.
+// Does not access the disk, since it is called at each painting.
 std::filesystem::path iconPathOf(const InstanceRecord& clone) {
     return iconOf(clone.id());
 }
@@ -52,7 +52,7 @@ void CloneListModel::setClones(const std::vector<InstanceRecord>& clones) {
     }
 }
 
-// Whether the clones that stay are in the same order in both lists.
+// Returns whether the remaining clones are in the same order in both lists.
 bool CloneListModel::keepsOrder(const std::vector<InstanceRecord>& clones) const {
     std::unordered_map<std::string, std::size_t> place;
     for (std::size_t row = 0; row < clones.size(); ++row) {

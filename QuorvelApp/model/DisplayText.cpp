@@ -13,7 +13,7 @@ namespace {
 
 using namespace Qt::StringLiterals;
 
-// A word of that length fits into the narrowest label.
+// A word of this length fits into the narrowest label.
 constexpr int longestWord = 24;
 
 bool isLineBreak(char32_t scalar) {
@@ -21,7 +21,7 @@ bool isLineBreak(char32_t scalar) {
            scalar == 0x2029;
 }
 
-// The beginning of `text`, of at most `limit` UTF-16 units before the "…".
+// Returns the beginning of `text`, at most `limit` UTF-16 units, followed by "…".
 QString beginning(std::string_view text, qsizetype limit) {
     // No unit takes more than three bytes, so a truncated last character is beyond the limit.
     const auto enough = static_cast<std::size_t>(3 * (limit + 2));
@@ -32,7 +32,7 @@ QString beginning(std::string_view text, qsizetype limit) {
     QTextBoundaryFinder characters(QTextBoundaryFinder::Grapheme, start);
     characters.setPosition(limit);
     qsizetype end = characters.isAtBoundary() ? limit : characters.toPreviousBoundary();
-    if (end <= 0) { // one character without an end
+    if (end <= 0) { // a single endless character
         end = start[limit].isLowSurrogate() ? limit - 1 : limit;
     }
     return start.left(end) + u'…';
@@ -47,7 +47,7 @@ QString harmless(const QString& text, char16_t lineBreak) {
         const char32_t scalar = scalars[index];
         const bool isUnsafe =
             unsafe.isUnsafeForDisplay(scalar, std::u32string_view(scalars).substr(index + 1));
-        // A return with a line feed after it is one break.
+        // A carriage return and a line feed are one line break.
         if (isLineBreak(scalar)) {
             if (scalar != U'\n' || !afterReturn) {
                 result += QChar(lineBreak);
@@ -63,7 +63,7 @@ QString harmless(const QString& text, char16_t lineBreak) {
     return result;
 }
 
-// Marks every few characters of a long word; never within one that is made of several.
+// Inserts a mark every few characters of a long word, never inside a combined character.
 QString brokenWord(const QString& word) {
     if (word.size() <= longestWord) {
         return word;

@@ -4,7 +4,7 @@
 
 #include <string_view>
 
-/// Makes texts from files safe to show: plain, and unable to affect what is around them.
+/// Makes texts from files safe to show: plain, and unable to affect the text around them.
 namespace quorvel {
 
 /// Longer texts are cut, in UTF-16 units: laying them out would block the window.
@@ -16,14 +16,14 @@ inline constexpr qsizetype longestDisplayLine = 500;
 /// character and ends with "…".
 [[nodiscard]] QString displayText(std::string_view text);
 
-/// Returns the same on one line, for names and other parts of a sentence, cut after
-/// `longestDisplayLine`.
+/// Returns `text` made safe in the same way but on one line, for names and other parts of a
+/// sentence, cut after `longestDisplayLine`.
 [[nodiscard]] QString displayLine(std::string_view text);
 
 /// Returns `text` with a `breakMark` wherever a word that is longer than a line may be broken.
 [[nodiscard]] QString breakable(const QString& text);
 
-/// A space without width.
+/// A zero-width space.
 inline constexpr QChar breakMark{0x200B};
 
 /// Returns `text` for a tooltip, which would otherwise guess whether it is markup.

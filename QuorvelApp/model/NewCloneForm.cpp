@@ -69,7 +69,7 @@ void fillTarget(WrapperFactory::Request& request, const NewCloneForm& form) {
     case ShortcutKind::command:
         request.commandPath = trimmingWhitespace(form.commandPathText);
         request.commandArgs = splitIntoWords(form.commandArgsText);
-        // Only this text is taken as it was typed, blanks and all.
+        // Only this text is used as typed, including its spaces.
         request.workingDirectory = nothingIfEmpty(form.workdir);
         break;
     }

@@ -18,9 +18,9 @@ namespace quorvel {
 
 struct InstanceRecord;
 
-/// What the sheet's advanced options and its strategy hold. All of it returns to these defaults
-/// when another app is chosen. Of the `CloneOptions`, texts and icon label follow from the texts
-/// here.
+/// The values of the sheet's advanced options and its strategy, all of which are reset to these
+/// defaults when another app is chosen. The environment, the property-list overrides and the icon
+/// label of the `CloneOptions` are derived from the texts here.
 struct AppSettings : CloneOptions {
     std::string dataPath{};
     std::string argsText{};
@@ -34,8 +34,8 @@ struct AppSettings : CloneOptions {
     bool selectedSandboxed = false;
 };
 
-/// What the new-clone sheet holds, and what follows from it: a value without any widget. A new
-/// sheet begins with these defaults.
+/// The state of the new-clone sheet and what follows from it: a value without any widget. A new
+/// sheet starts with these defaults.
 struct NewCloneForm : AppSettings {
     Q_DECLARE_TR_FUNCTIONS(NewCloneForm)
 
@@ -56,7 +56,7 @@ public:
     std::string strategyReason{};
     bool detecting = false; ///< a detection is under way
 
-    /// Returns whether there is something to run.
+    /// Returns whether a target is chosen or entered.
     [[nodiscard]] bool hasTarget() const;
     /// Returns whether there is a target and a name, and no creation is under way.
     [[nodiscard]] bool canCreate() const;
@@ -66,9 +66,10 @@ public:
     [[nodiscard]] std::string savedToText() const;
     /// Returns the warning that the clone replaces one of these; empty if it does not.
     [[nodiscard]] std::string replacementText(const std::vector<InstanceRecord>& clones) const;
-    /// Returns the caption of the strategy: how the detection went, else why it is proposed.
+    /// Returns the caption of the strategy: the detection's outcome, else the reason for the
+    /// proposal.
     [[nodiscard]] std::string strategyCaption() const;
-    /// Returns the request that the form amounts to. Can't fail; the factory validates it.
+    /// Returns the request that the form describes. Can't fail; the factory validates it.
     [[nodiscard]] WrapperFactory::Request makeRequest() const;
 
     /// Returns the apps whose name contains the trimmed search text, in their order.
@@ -77,25 +78,25 @@ public:
     /// Returns what is shown instead of the grid when `filtered` is empty.
     [[nodiscard]] std::string noAppsText() const;
 
-    /// Takes the app as target under that name, with all `AppSettings` back at their defaults.
+    /// Makes the app the target, names the clone, and resets all `AppSettings` to their defaults.
     void select(const InstalledApp& app, std::string suggestedName);
-    /// Names a web or command clone after its target, unless it has a name from elsewhere. A target
-    /// that gives no name takes an earlier one's back.
+    /// Names a web or command clone after its target, unless it has a name of its own. If the
+    /// target yields no name, removes an earlier automatic one.
     void autoNameIfNeeded();
-    /// The name is the user's from here on.
+    /// Records that the user edited the name.
     void nameEdited();
-    /// `file` becomes the target, and names a clone that has no name.
+    /// Makes `file` the target, and names the clone after it if it has no name.
     void chooseFile(const std::filesystem::path& file);
-    /// `command` becomes the target, and names the clone as `autoNameIfNeeded` does.
+    /// Makes `command` the target, and names the clone as `autoNameIfNeeded` does.
     void chooseCommand(const std::filesystem::path& command);
-    /// `folder` followed by the clone's name becomes the data location.
+    /// Sets the data location to `folder` followed by the clone's name.
     void chooseDataFolder(const std::filesystem::path& folder);
 
-    /// A detection begins.
+    /// Records that a detection has started.
     void beginDetecting();
-    /// It ended with this recommendation, which is taken over unless it is `unsupported`.
+    /// Records the detection's recommendation, which is adopted unless it is `unsupported`.
     void detected(Strategy recommended);
-    /// It failed with this error.
+    /// Records that the detection failed with this error.
     void detectionFailed(std::string_view description);
 };
 

@@ -37,7 +37,7 @@ void NewCloneSession::chooseIcon(QObject* window) {
 
 void NewCloneSession::enterIcon(const std::filesystem::path& icon) {
     const int choice = ++iconChoices_;
-    // Counts at once: the clone may be created before the answer.
+    // Entered at once: the clone may be created before the answer.
     edit([&](NewCloneForm& form) { form.customIcon = icon; });
     model_.isIconFile(icon).then(this, [this, icon, choice](bool isIcon) {
         if (choice != iconChoices_) {
@@ -67,7 +67,7 @@ void NewCloneSession::select(const InstalledApp& app) {
     forgetIcons();
     edit([&](NewCloneForm& form) { form.select(app, model_.suggestedName(app)); });
     model_.sandboxInfo(app).then(this, [this, app](const SandboxInfo& info) {
-        // An answer for an app that is no longer selected comes too late.
+        // Ignore an answer about an app that is no longer selected.
         if (form_.selected != app) {
             return;
         }

@@ -10,8 +10,8 @@
 
 namespace quorvel {
 
-/// One showing of the new-clone sheet: its form, and what the form asks of the model. The panes
-/// change the form here and read it again at each `changed`.
+/// The state of one new-clone sheet: its form, and the requests it makes of the model. The panes
+/// edit the form here and read it again at each `changed`.
 class NewCloneSession : public QObject {
     Q_OBJECT
 
@@ -29,8 +29,8 @@ public:
 
     /// Changes the form, then emits `changed`.
     void edit(const std::function<void(NewCloneForm&)>& change);
-    /// Shows one of the panels over `window` and has `take` enter the answer. The sheet, and this
-    /// session with it, may be gone when the panel closes.
+    /// Shows one of the panels over `window` and calls `take` with the answer. The sheet, and this
+    /// session with it, may no longer exist when the panel closes.
     void choose(FilePanels::Panel panel, QObject* window,
                 const std::function<void(NewCloneForm&, const std::filesystem::path&)>& take);
     /// Shows the panel for an icon file over `window` and enters the answer. If it turns out not to
@@ -38,11 +38,11 @@ public:
     void chooseIcon(QObject* window);
     /// Returns to the target's own icon.
     void clearIcon();
-    /// Takes the app as target and finds out how it stores its data.
+    /// Makes the app the target, and requests the proposal for it.
     void select(const InstalledApp& app);
-    /// Has the clone made. Ends with `created`, or with the model's `lastError`.
+    /// Creates the clone. Ends with `created`, or with the model's `lastError`.
     void create();
-    /// Has the selected app's strategy detected.
+    /// Detects the selected app's strategy.
     void detect();
 
 Q_SIGNALS:
@@ -56,7 +56,7 @@ private:
     AppModel& model_;
     FilePanels panels_;
     NewCloneForm form_{};
-    int iconChoices_ = 0; ///< made so far; an answer about an earlier one comes too late
+    int iconChoices_ = 0; ///< the number made; answers about earlier ones are ignored
     std::optional<std::filesystem::path> checkedIcon_{}; ///< the last one known to be an icon file
 };
 

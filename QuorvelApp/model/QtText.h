@@ -13,11 +13,11 @@ namespace quorvel {
     return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
 }
 
-/// The same for a text in a string.
+/// Returns a UTF-8 string as a QString, as above.
 [[nodiscard]] inline QString qtText(const std::string& text) {
     return qtText(std::string_view(text));
 }
-/// Returns a path as a QString, to be shown: it may not name the file any more.
+/// Returns a path as a QString for display only: invalid bytes are replaced.
 [[nodiscard]] inline QString qtText(const std::filesystem::path& path) {
     return qtText(std::string_view(path.native()));
 }

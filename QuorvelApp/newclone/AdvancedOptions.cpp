@@ -148,7 +148,7 @@ void AdvancedOptions::addMenuBarBoxes() {
     QVBoxLayout* second = makeColumn(0);
     QCheckBox* monochrome = addCheckBox(second, tr("Menu-bar icon as monochrome (template)"),
                                         &NewCloneForm::menuBarIconTemplate);
-    auto* indented = new QHBoxLayout; // whose spacing mirrors, as margins do not
+    auto* indented = new QHBoxLayout; // unlike margins, its spacing is mirrored
     indented->setSpacing(0);
     indented->addSpacing(18);
     indented->addLayout(second);
@@ -177,7 +177,7 @@ void AdvancedOptions::addIsolation() {
         widget->setVisible(session_.form().shortcutType == ShortcutKind::app);
     };
     connect(&session_, &NewCloneSession::changed, widget, show);
-    column_->addWidget(widget); // before it is shown, or it would be a window of its own
+    column_->addWidget(widget); // before it is shown, or it would be a top-level window
     show();
 }
 

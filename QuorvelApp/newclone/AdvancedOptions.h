@@ -12,7 +12,7 @@ class QVBoxLayout;
 
 namespace quorvel {
 
-/// The options that most people never need, top to bottom.
+/// The options that most users never need, top to bottom.
 class AdvancedOptions : public QWidget {
     Q_OBJECT
 

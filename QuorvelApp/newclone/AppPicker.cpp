@@ -52,7 +52,7 @@ QModelIndex AppGrid::indexAt(const QPoint& point) const {
 
 QItemSelectionModel::SelectionFlags AppGrid::selectionCommand(const QModelIndex&,
                                                               const QEvent*) const {
-    return QItemSelectionModel::NoUpdate; // what moves the ring selects nothing
+    return QItemSelectionModel::NoUpdate; // moving the focus ring selects nothing
 }
 
 void AppGrid::press(const QModelIndex& index) {
@@ -60,8 +60,8 @@ void AppGrid::press(const QModelIndex& index) {
     selectionModel()->select(index, QItemSelectionModel::ClearAndSelect);
 }
 
-// The ring begins at the selected tile, or at the first one; not where a press is on its way, under
-// which the tiles would be scrolled away.
+// The ring starts at the selected tile or the first one, except on a mouse press, where scrolling
+// would move the tiles away from under the pointer.
 void AppGrid::focusInEvent(QFocusEvent* event) {
     const bool hadRing = currentIndex().isValid();
     QListView::focusInEvent(event);
@@ -102,18 +102,18 @@ void AppGrid::mouseMoveEvent(QMouseEvent* event) {
 
 void AppGrid::updateGeometries() {
     QListView::updateGeometries();
-    // Below the last row is as much room as above the first.
+    // The space below the last row equals that above the first.
     const int beyond = contentsSize().height() + AppTile::spacing / 2 - viewport()->height();
     verticalScrollBar()->setMaximum(std::max(0, beyond));
 }
 
 void AppGrid::resizeEvent(QResizeEvent* event) {
-    // The layout keeps room for a scroll bar, whether it shows or not.
-    const int room = maximumViewportSize().width() -
-                     style()->pixelMetric(QStyle::PM_ScrollBarExtent, nullptr, this) - 1;
-    const int columns = std::max(1, room / (AppTile::minimumWidth + AppTile::spacing));
-    const int width =
-        std::clamp(room / columns - AppTile::spacing, AppTile::minimumWidth, AppTile::maximumWidth);
+    // The layout reserves space for a scroll bar, visible or not.
+    const int available = maximumViewportSize().width() -
+                          style()->pixelMetric(QStyle::PM_ScrollBarExtent, nullptr, this) - 1;
+    const int columns = std::max(1, available / (AppTile::minimumWidth + AppTile::spacing));
+    const int width = std::clamp(available / columns - AppTile::spacing, AppTile::minimumWidth,
+                                 AppTile::maximumWidth);
     tiles_->setWidth(width);
     setGridSize({width + AppTile::spacing, AppTile::height + AppTile::spacing});
     QListView::resizeEvent(event);
@@ -162,7 +162,7 @@ void AppPicker::refresh() {
                                                                                : 2);
 }
 
-// Where the tiles are scrolled to is the user's own choice.
+// The scroll position is the user's choice.
 void AppPicker::showRing(int row) {
     if (row >= 0) {
         grid_->setAutoScroll(false);
@@ -190,7 +190,7 @@ void AppPicker::tileSelected() {
 
 void AppPicker::tileAppeared(const QModelIndex& tile) {
     const InstalledApp& app = apps_.app(tile.row());
-    // Asked once a sheet: a tile is painted over and over.
+    // Requested once per sheet, since tiles are painted repeatedly.
     if (asked_.insert(app.id()).second) {
         session_.model().ensureSandboxStatus(app);
     }

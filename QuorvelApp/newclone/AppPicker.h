@@ -15,16 +15,16 @@ class QStackedLayout;
 
 namespace quorvel {
 
-/// A grid of tiles that are pressed like buttons: a click on one, and Space or Return on the one
-/// with the ring, selects it. The arrows and typing move the ring alone. The columns take up the
-/// width, between the tiles' narrowest and widest.
+/// A grid of tiles that act like buttons: clicking one, or pressing Space or Return on the focused
+/// one, selects it. The arrow keys and typing move only the focus ring. The columns fill the width,
+/// within the tiles' minimum and maximum widths.
 class AppGrid : public QListView {
     Q_OBJECT
 
 public:
     explicit AppGrid(AppTile* tiles);
 
-    /// Invalid between the tiles.
+    /// Returns an invalid index between the tiles.
     [[nodiscard]] QModelIndex indexAt(const QPoint& point) const override;
 
 protected:

@@ -7,7 +7,7 @@
 
 namespace quorvel {
 
-/// One app of the picker: icon, a lock where it is sandboxed, and its name.
+/// Paints an app of the picker: icon, a lock if it is sandboxed, and name.
 class AppTile : public QStyledItemDelegate {
     Q_OBJECT
 
@@ -20,10 +20,10 @@ public:
 
     explicit AppTile(IconLoader& icons, QObject* parent = nullptr);
 
-    /// Where the tile is in its cell, which has the spacing around it.
+    /// Returns the tile's rectangle in its cell, which includes the spacing around it.
     [[nodiscard]] static QRect tileRect(const QRect& cell);
 
-    /// The width of a tile; the view's cells are wider by `spacing`.
+    /// Sets the width of a tile; the view's cells are wider by `spacing`.
     void setWidth(int width) { width_ = width; }
 
     void paint(QPainter* painter, const QStyleOptionViewItem& option,
@@ -34,7 +34,7 @@ public:
                    const QModelIndex& index) override;
 
 Q_SIGNALS:
-    /// The tile of `index` was painted, so it is in view.
+    /// Emitted when the tile of `index` was painted, and so is in view.
     void appeared(const QModelIndex& index) const;
 
 private:

@@ -11,7 +11,7 @@ class AppIcon;
 class ElidedLabel;
 class SymbolView;
 
-/// What was chosen: the app with its icon, or a symbol for the other kinds.
+/// The chosen target: the app with its icon, or a symbol for the other kinds.
 class ConfigurationHeader : public QWidget {
     Q_OBJECT
 

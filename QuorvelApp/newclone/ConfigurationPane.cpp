@@ -59,7 +59,7 @@ ConfigurationPane::ConfigurationPane(NewCloneSession& session, IconLoader& icons
     auto* padding = new QVBoxLayout(this);
     padding->setContentsMargins(8, 8, 0, 8);
     padding->addLayout(states_);
-    // Only now: the first page is shown at once, and would be a window of its own.
+    // Only now: the first page is shown at once, and would be a top-level window.
     states_->addWidget(makePrompt());
     states_->addWidget(makeSettings(icons));
     connect(&session_, &NewCloneSession::changed, this, &ConfigurationPane::refresh);

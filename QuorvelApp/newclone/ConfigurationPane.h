@@ -14,7 +14,7 @@ namespace quorvel {
 class SymbolView;
 class WrappingText;
 
-/// How the clone is to be: a prompt until there is a target, then all of its settings.
+/// The clone's settings, or a prompt while there is no target.
 class ConfigurationPane : public QWidget {
     Q_OBJECT
 

@@ -10,16 +10,18 @@
 
 #include <string>
 
-/// Ties a control to a field of the form, both ways. `edited` runs after each change by hand.
+/// Binds the controls of the new-clone sheet to the fields of its form, in both directions.
+/// Controls and session belong to the same sheet.
 namespace quorvel {
 
 using FormAction = void (NewCloneForm::*)();
 
+/// Binds a line of text to a field. `edited`, if not null, is called after each edit by the user.
 inline void bindField(NewCloneSession& session, QLineEdit* control,
                       std::string NewCloneForm::*field, FormAction edited = nullptr) {
     const auto show = [&session, control, field] {
         const QString text = qtText(session.form().*field);
-        // The cursor stays where it is while a person types.
+        // Setting the text would move the cursor while the user types.
         if (control->text() != text) {
             const QSignalBlocker quiet(control);
             control->setText(text);
@@ -38,7 +40,7 @@ inline void bindField(NewCloneSession& session, QLineEdit* control,
     show();
 }
 
-/// What the editor holds as it was typed; `toPlainText` would give other spaces for some.
+/// Returns the editor's text as typed; `toPlainText` would replace non-breaking spaces.
 inline QString typedText(const QPlainTextEdit* control) {
     return control->document()
         ->toRawText()
@@ -46,6 +48,7 @@ inline QString typedText(const QPlainTextEdit* control) {
         .replace(QChar::LineSeparator, u'\n');
 }
 
+/// Binds a text editor to a field.
 inline void bindField(NewCloneSession& session, QPlainTextEdit* control,
                       std::string NewCloneForm::*field) {
     const auto show = [&session, control, field] {
@@ -62,7 +65,7 @@ inline void bindField(NewCloneSession& session, QPlainTextEdit* control,
     show();
 }
 
-/// A box that is checked when the field is `whenChecked`.
+/// Binds a check box to a field. The box is checked if the field equals `whenChecked`.
 inline void bindField(NewCloneSession& session, QCheckBox* control, bool NewCloneForm::*field,
                       bool whenChecked = true) {
     const auto show = [&session, control, field, whenChecked] {

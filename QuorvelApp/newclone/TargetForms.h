@@ -10,7 +10,7 @@ class QVBoxLayout;
 
 namespace quorvel {
 
-/// What the three forms have in common: a heading with a symbol, rows, and a caption below.
+/// The base of the three forms: a heading with a symbol, rows, and a caption below.
 class TargetForm : public QWidget {
     Q_OBJECT
 
@@ -30,6 +30,7 @@ private:
     QVBoxLayout* column_;
 };
 
+/// The address of a web clone.
 class WebForm : public TargetForm {
     Q_OBJECT
 
@@ -37,6 +38,7 @@ public:
     explicit WebForm(NewCloneSession& session);
 };
 
+/// The file or folder of a file clone.
 class FileForm : public TargetForm {
     Q_OBJECT
 
@@ -47,6 +49,7 @@ private:
     void chooseFile();
 };
 
+/// The program, arguments and working directory of a command clone.
 class CommandForm : public TargetForm {
     Q_OBJECT
 

@@ -7,8 +7,8 @@
 
 namespace quorvel {
 
-/// Where the target is chosen: the app picker, or the form of the other kinds. All four stay as
-/// they are while another one shows.
+/// Chooses the target: the app picker, or the form of another kind. All four keep their state while
+/// hidden.
 class TargetPane : public QWidget {
     Q_OBJECT
 

@@ -16,7 +16,7 @@ class Appearance : public QObject {
 public:
     explicit Appearance(QObject* parent = nullptr);
 
-    /// Applies this appearance, regardless of the desktop's, until that changes.
+    /// Applies this appearance instead of the desktop's, until the desktop's changes.
     static void apply(ColorScheme scheme);
 
 protected:

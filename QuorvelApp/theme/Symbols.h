@@ -8,15 +8,15 @@
 
 namespace quorvel {
 
-/// Which of the palette's colors a symbol or a text has.
+/// The colors of the palette that symbols and texts use.
 enum class Ink { text, secondary, tertiary, accent, onAccent, orange, danger };
 
 /// Returns an ink's color.
 [[nodiscard]] QColor inkColor(Ink ink, const Colors& colors);
 
-/// Returns one of our symbols (`symbols/NAME.svg`) as an icon, in the colors of the application's
-/// palette at each painting, and crisp at every size and pixel ratio. An icon that points along the
-/// reading direction may be `mirrored` for right-to-left layouts.
+/// Returns one of our symbols (`symbols/NAME.svg`) as an icon, painted in the current colors of
+/// the application's palette, and crisp at every size and pixel ratio. An icon that points along
+/// the reading direction may be `mirrored` for right-to-left layouts.
 [[nodiscard]] QIcon symbolIcon(const QString& name, Ink ink = Ink::text, bool mirrored = false);
 
 /// A decorative symbol, ignored by screen readers.

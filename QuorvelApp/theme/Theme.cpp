@@ -58,7 +58,7 @@ QString resourceText(const QString& path) {
     return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString();
 }
 
-// Looks up whole names, so that no name may be mistaken for the beginning of another.
+// Matches whole names, since one name may be the beginning of another.
 QString withColors(const QString& sheet, const Colors& colors) {
     static const QRegularExpression names(QStringLiteral("@([a-z-]+)"));
     QString result;
@@ -90,7 +90,7 @@ const Colors& darkColors() {
 }
 
 bool isDark(const QPalette& palette) {
-    // A styled widget's background may be transparent; the text is never.
+    // A styled widget's background may be transparent; its text never is.
     return palette.color(QPalette::Active, QPalette::WindowText).lightnessF() > 0.5F;
 }
 

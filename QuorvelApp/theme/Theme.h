@@ -38,8 +38,8 @@ struct Colors {
 /// Returns the colors of the dark appearance.
 [[nodiscard]] const Colors& darkColors();
 
-/// Returns the colors that belong to a palette, by its lightness. Widgets and delegates ask at each
-/// painting, so that a change of appearance needs nothing else.
+/// Returns the colors that belong to a palette, by its lightness. Widgets and delegates call
+/// this at each painting, so a change of appearance needs nothing else.
 [[nodiscard]] const Colors& colorsFor(const QPalette& palette);
 
 /// Returns whether a palette has light text on a dark background.
@@ -48,7 +48,7 @@ struct Colors {
 /// Returns the palette for controls in those colors.
 [[nodiscard]] QPalette paletteFor(const Colors& colors);
 
-/// Whether controls look as the style sheet says or as the system's own style draws them.
+/// Whether controls are drawn by the style sheet or by the system's own style.
 enum class ControlLook { styled, native };
 
 /// Returns the style sheet in those colors, without rules for controls if their look is native.

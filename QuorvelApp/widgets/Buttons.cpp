@@ -39,7 +39,8 @@ QPushButton* makeButton(const QString& text, ButtonLook look, const QString& sym
     button->setAutoDefault(true);
     if (!symbol.isEmpty()) {
         button->setIcon(symbolIcon(symbol, inkOn(look)));
-        // The style puts the text too close; what is beside the symbol stays empty.
+        // The style leaves too little space beside the symbol, so the icon is wider than the
+        // symbol.
         button->setIconSize({text.isEmpty() ? 16 : 22, 16});
     }
     return button;
@@ -47,7 +48,7 @@ QPushButton* makeButton(const QString& text, ButtonLook look, const QString& sym
 
 void makeDefault(QPushButton* button) {
     button->setDefault(true);
-    // One that becomes the default by its focus would cease to be with it.
+    // An auto-default button would stop being the default when it loses the focus.
     button->setAutoDefault(false);
 }
 

@@ -5,6 +5,7 @@
 
 namespace quorvel {
 
+/// How a button is drawn.
 enum class ButtonLook { standard, small, prominent, destructive, tool };
 
 /// Returns a button; "&" in `text` marks its mnemonic, `symbol` may be empty. Return presses it
@@ -12,7 +13,7 @@ enum class ButtonLook { standard, small, prominent, destructive, tool };
 [[nodiscard]] QPushButton* makeButton(const QString& text, ButtonLook look,
                                       const QString& symbol = {});
 
-/// Lets Return press `button` from everywhere in its dialog where Return has no other meaning.
+/// Makes `button` its dialog's default: Return presses it unless the focused control uses Return.
 void makeDefault(QPushButton* button);
 
 /// Returns `text` for a button, menu or check box in which nothing is a mnemonic.

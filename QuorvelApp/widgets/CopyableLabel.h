@@ -8,15 +8,15 @@
 
 namespace quorvel {
 
-/// A label whose text can be selected. What is copied is the text itself, without the changes that
-/// make it fit the screen.
+/// A label whose text can be selected. Copying yields the full text, without the changes
+/// that make it fit the screen.
 class CopyableLabel : public QLabel {
     Q_OBJECT
 
 public:
     CopyableLabel(TextStyle style, Ink ink);
 
-    /// Shows another text, and copies that.
+    /// Sets the text to show and to copy.
     virtual void setFullText(const QString& text);
     [[nodiscard]] QString fullText() const { return full_; }
     /// Returns what copying the selection yields; empty if nothing is selected.
@@ -33,7 +33,7 @@ private:
     QString full_{};
 };
 
-/// Text that wraps over as many lines as it needs, also within long words.
+/// Text that wraps over as many lines as it needs, even inside long words.
 class WrappingText : public CopyableLabel {
     Q_OBJECT
 
@@ -43,8 +43,8 @@ public:
     void setFullText(const QString& text) override;
 };
 
-/// One line, elided in the middle or at the end if there is no space for it; a tooltip then shows
-/// the whole.
+/// One line, elided in the middle or at the end if it doesn't fit; a tooltip then shows the full
+/// text.
 class ElidedLabel : public CopyableLabel {
     Q_OBJECT
 

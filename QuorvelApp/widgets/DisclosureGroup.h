@@ -6,7 +6,7 @@ class QPushButton;
 
 namespace quorvel {
 
-/// A title that shows and hides its content; collapsed to begin with.
+/// A title that shows and hides its content; initially collapsed.
 class DisclosureGroup : public QWidget {
     Q_OBJECT
 

@@ -6,7 +6,7 @@
 namespace quorvel {
 namespace {
 
-// The file that holds a bundle's picture, or the path itself if it is not a bundle.
+// Returns the file of a bundle's icon, or the path itself if it is not a bundle.
 std::filesystem::path iconFileOf(const std::filesystem::path& path) {
     return path.extension() == ".app"
                ? InstalledApp{.url = path}.iconURL().value_or(std::filesystem::path())

@@ -33,7 +33,7 @@ QString symbolFor(const std::filesystem::path& path) {
     return app ? u"app"_s : u"doc"_s;
 }
 
-// The desktop's icon for a file's type, by its name alone; null if it has none.
+// Returns the desktop's icon for a file's type, by its name alone; null if it has none.
 QPixmap typeIcon(const std::filesystem::path& path, int size, double ratio) {
     if (path.extension() == ".app" || path.extension() == ".icns") {
         return {};
@@ -44,8 +44,8 @@ QPixmap typeIcon(const std::filesystem::path& path, int size, double ratio) {
                : QIcon::fromTheme(types.front().iconName()).pixmap(QSize(size, size), ratio);
 }
 
-// macOS has an icon for every file, even for a bundle whose own we can't read. Null on other
-// systems.
+// macOS has an icon for every file, even for a bundle whose own we can't read. Returns null on
+// other systems.
 QPixmap systemIcon(const std::filesystem::path& path, int size, double ratio) {
     if (QOperatingSystemVersion::currentType() != QOperatingSystemVersion::MacOS) {
         return {};
@@ -81,7 +81,7 @@ IconLoader::IconLoader(std::shared_ptr<BackgroundTasks> tasks, QObject* parent)
 QPixmap IconLoader::icon(const std::filesystem::path& path, int size, double ratio) {
     const int pixels = qCeil(size * ratio);
     const QString key = keyFor(path, pixels, {});
-    // An icon that had to make room for others is read again.
+    // An icon evicted from the cache is read again.
     if ((!fresh_.contains(key) || !known_.contains(key)) && !underWay_.contains(key)) {
         load(path, key, pixels, ratio);
     }

@@ -13,19 +13,19 @@
 
 namespace quorvel {
 
-/// Returns icons at once, and better ones as soon as they are read: the files are opened and
-/// decoded off the main thread, at the size shown, and cached.
+/// Returns icons immediately, and better ones once they are loaded: files are read and decoded off
+/// the main thread, at the size shown, and cached.
 class IconLoader : public QObject {
     Q_OBJECT
 
 public:
     explicit IconLoader(std::shared_ptr<BackgroundTasks> tasks, QObject* parent = nullptr);
 
-    /// Returns the icon for a square of `size` points at that pixel ratio: a stand-in until
-    /// `loaded` reports that the file was read, and for good if it has no icon.
+    /// Returns the icon for a square of `size` points at that pixel ratio: a placeholder
+    /// until `loaded` reports that the file was read, and permanently if it has no icon.
     [[nodiscard]] QPixmap icon(const std::filesystem::path& path, int size, double ratio);
 
-    /// Has files read again when they are next shown; until then, what was read before is shown.
+    /// Marks all icons to be read again when next shown; the cached ones are shown until then.
     void refresh();
 
 Q_SIGNALS:

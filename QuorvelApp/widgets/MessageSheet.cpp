@@ -15,7 +15,7 @@ constexpr int textWidth = 400;
 constexpr int leastHeight = 40;
 constexpr int greatestHeight = 300;
 
-// As high as its texts need; one too high for any window is scrolled, also by the keyboard.
+// As high as its texts; if that is too high for the window, it can be scrolled, also by keyboard.
 class MessageText final : public QScrollArea {
 public:
     explicit MessageText(const std::vector<QWidget*>& texts) {
@@ -103,7 +103,7 @@ QString MessageSheet::text() const {
     return text_->fullText();
 }
 
-// Not sooner: a widget loses the focus when its parent changes.
+// Not earlier, since reparenting takes away the focus.
 void MessageSheet::showEvent(QShowEvent* event) {
     QDialog::showEvent(event);
     if (default_ != nullptr) {

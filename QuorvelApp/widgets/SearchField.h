@@ -8,7 +8,7 @@ class QLineEdit;
 
 namespace quorvel {
 
-/// Filters the app picker.
+/// The text field that filters the app picker.
 class SearchField : public QFrame {
     Q_OBJECT
 

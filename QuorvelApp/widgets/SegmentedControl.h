@@ -7,7 +7,7 @@ class QButtonGroup;
 
 namespace quorvel {
 
-/// A row of segments of which exactly one is selected, the first one to begin with.
+/// A row of segments of which exactly one is selected, initially the first.
 class SegmentedControl : public QWidget {
     Q_OBJECT
 

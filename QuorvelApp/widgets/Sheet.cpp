@@ -87,9 +87,9 @@ bool Sheet::covers(const QObject* watched) const {
 
 void Sheet::arrange() {
     setGeometry(parentWidget()->rect());
-    const QSize room = size() - QSize(2 * margin, place_ == Place::top ? margin : 2 * margin);
+    const QSize available = size() - QSize(2 * margin, place_ == Place::top ? margin : 2 * margin);
     const QSize wanted = ideal_.isValid() ? ideal_ : dialog_->sizeHint();
-    const QSize given = wanted.boundedTo(room);
+    const QSize given = wanted.boundedTo(available);
     const int left = (width() - given.width()) / 2;
     const int top = place_ == Place::top ? std::min(44, (height() - given.height()) / 2)
                                          : (height() - given.height()) * 2 / 5;

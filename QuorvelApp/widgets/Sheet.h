@@ -6,10 +6,10 @@
 
 namespace quorvel {
 
-/// A dialog inside its window: the window darkens, and nothing below takes the mouse or the focus
-/// until the dialog ends. Shows itself, and deletes itself and the dialog afterwards. Dialogs in
-/// the middle stay above those at the top. The focus is in the topmost one; after the
-/// last it goes back to where it was before the first.
+/// A dialog inside its window: the window darkens, and nothing below receives mouse or focus until
+/// the dialog ends. Shows itself, and deletes itself and the dialog afterwards. Dialogs in the
+/// middle stay above those at the top. The topmost one has the focus; when the last one closes, the
+/// focus returns to where it was before the first.
 class Sheet : public QWidget {
     Q_OBJECT
 
@@ -29,9 +29,9 @@ protected:
     void paintEvent(QPaintEvent* event) override;
 
 private:
-    /// Whether it is a button of the window's that lies below.
+    /// Returns whether it is a widget of the window below the sheet.
     [[nodiscard]] bool covers(const QObject* watched) const;
-    /// The sheets of the same window that are shown, this one included, from the lowest up.
+    /// Returns the visible sheets of the same window, this one included, bottom to top.
     [[nodiscard]] QList<Sheet*> shownSheets() const;
     void takePlace();
     void takeFocus();

@@ -6,7 +6,7 @@
 
 namespace quorvel {
 
-/// Turns while it is visible.
+/// An activity indicator that spins while it is visible.
 class Spinner : public QWidget {
     Q_OBJECT
 

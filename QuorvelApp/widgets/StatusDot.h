@@ -4,7 +4,7 @@
 
 namespace quorvel {
 
-/// Green while the clone runs.
+/// A dot that is green while the clone is running.
 class StatusDot : public QWidget {
     Q_OBJECT
 

@@ -16,7 +16,7 @@ namespace {
 
 using namespace Qt::StringLiterals;
 
-// Its button always reads the same; Qt's own would offer to open a selected folder.
+// The button's text never changes, whereas Qt's own would offer to open a selected folder.
 class PromptingDialog : public QFileDialog {
     Q_DECLARE_TR_FUNCTIONS(PromptingDialog)
 
@@ -134,7 +134,7 @@ FilePanels::Panel panel(QFileDialog::FileMode mode, bool mayCreate, const QStrin
 } // namespace
 
 void keepNoDialogState() {
-    // No folder can be made below what is not a folder.
+    // Folders can only be created inside a folder.
     QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, u"/dev/null"_s);
 }
 

@@ -4,11 +4,11 @@
 
 namespace quorvel {
 
-/// Returns the panels of the desktop, or of Qt where the desktop has none.
+/// Returns the desktop's panels, or Qt's if the desktop has none.
 [[nodiscard]] FilePanels systemFilePanels();
 
-/// Keeps Qt's own dialogs from recording, in the user's home, where they have been. To be called
-/// before any of them is made.
+/// Keeps Qt's own dialogs from saving their history in the user's home. Must be called before any
+/// of them is created.
 void keepNoDialogState();
 
 } // namespace quorvel

@@ -11,8 +11,8 @@ namespace quorvel::TileText {
 
 inline constexpr int maximumLines = 2;
 
-/// Returns the lines for that width, in points; the last one ends with an ellipsis if the name is
-/// longer.
+/// Returns the lines for a width in points; the last one ends with an ellipsis if the name is too
+/// long.
 [[nodiscard]] QStringList lines(const QString& name, int width);
 
 /// Returns whether the lines for that width leave out a part of the name.

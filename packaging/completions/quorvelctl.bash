@@ -45,7 +45,7 @@ _quorvelctl_quote() {
   done
 }
 
-# Makes patterns match files whatever the user's shell options are. Call it in a subshell.
+# Makes patterns match files regardless of the user's shell options. Call it in a subshell.
 _quorvelctl_plain_patterns() {
   set +f
   shopt -u failglob nocaseglob dotglob

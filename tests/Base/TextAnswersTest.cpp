@@ -49,8 +49,8 @@ TEST_F(TextAnswersTest, AreEqualForTheOrderOfNames) {
         for (std::size_t first = 0; first < second; ++first) {
             const std::vector<std::size_t> order =
                 Text::sortedOrder({names[second], names[first]}, locale);
-            const bool alike = Text::upperCased(names[first]) == Text::upperCased(names[second]);
-            EXPECT_EQ(order.front(), alike ? 0U : 1U) << names[first] << " " << names[second];
+            const bool equal = Text::upperCased(names[first]) == Text::upperCased(names[second]);
+            EXPECT_EQ(order.front(), equal ? 0U : 1U) << names[first] << " " << names[second];
         }
     }
 }

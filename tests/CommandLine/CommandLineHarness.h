@@ -12,7 +12,7 @@
 
 namespace quorvel::testing {
 
-/// What one command line gave.
+/// The result of one command line.
 struct CommandResult {
     int status = 0;
     std::string output{};

@@ -267,7 +267,7 @@ TEST(CommandLineTest, DeleteAsksOnATerminalAndTakesNoForAnAnswer) {
     EXPECT_FALSE(std::filesystem::exists(wrapper));
 }
 
-TEST(CommandLineTest, DeleteTakesTheDataOnlyWhenAsked) {
+TEST(CommandLineTest, DeleteRemovesTheDataOnlyWhenAsked) {
     CommandLineHarness harness;
     addClone(harness, "Work");
     const auto data = harness.home / "QuorvelInstances/Work";
@@ -280,7 +280,7 @@ TEST(CommandLineTest, DeleteTakesTheDataOnlyWhenAsked) {
     EXPECT_FALSE(std::filesystem::exists(data));
 }
 
-TEST(CommandLineTest, DeleteNeverTakesTheUsersHome) {
+TEST(CommandLineTest, DeleteNeverRemovesTheUsersHome) {
     CommandLineHarness harness;
     InstanceConfig config = minimalConfig("Work");
     config.instanceHome = "~/Documents/..";

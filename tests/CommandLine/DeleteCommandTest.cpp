@@ -166,7 +166,7 @@ TEST_F(DeleteCommandTest, SaysSoIfNoDataCouldBeRemoved) {
         const auto result =
             harness.run({"delete", wrapper.string(), "--including-data", "--yes", "--json"});
         return result.status == 1 && result.json()["deletedData"] == false &&
-               result.errors.find("is still there") != std::string::npos &&
+               result.errors.find(" was not. ") != std::string::npos &&
                read(folder / "closed/data/file") == "x" && !fs::exists(wrapper);
     }));
 }
@@ -227,7 +227,7 @@ TEST_F(DeleteCommandTest, ADamagedCloneIsReplacedAfterAQuestion) {
     EXPECT_TRUE(InstanceRegistry().record(wrapper));
 }
 
-TEST_F(DeleteCommandTest, CreateTakesASharedHomeOnlyWhenThatIsSaid) {
+TEST_F(DeleteCommandTest, CreateAcceptsASharedHomeOnlyWhenAsked) {
     addClone("~/QuorvelInstances/Shared");
     const auto create = [&](std::vector<std::string> more) {
         std::vector<std::string> words{"create",

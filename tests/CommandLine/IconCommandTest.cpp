@@ -57,7 +57,7 @@ TEST_F(IconCommandTest, AFullDiskLeavesTheOldFileWhole) {
               (std::map<std::string, std::string>{{"badged.icns", old}}));
 }
 
-TEST_F(IconCommandTest, ListsWhatAContainerHolds) {
+TEST_F(IconCommandTest, ListsTheContentsOfAContainer) {
     const auto json = harness.run({"icon", source.string(), "--list", "--json"}).json();
     ASSERT_EQ(json.size(), 1U);
     EXPECT_EQ(json[0], nlohmann::json({{"type", "ic07"},

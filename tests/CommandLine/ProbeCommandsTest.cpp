@@ -115,7 +115,7 @@ TEST(ProbeCommandsTest, ProbeCommandPrintsTheProfileAndTheBuckets) {
     EXPECT_EQ(::waitpid(-1, nullptr, WNOHANG), -1) << "no process is left";
 }
 
-TEST(ProbeCommandsTest, ProbeCommandDrawsABarOnATerminalAndTakesItAway) {
+TEST(ProbeCommandsTest, ProbeCommandDrawsABarOnATerminalAndErasesIt) {
     Trial trial;
     const ScopedEnvironment temporary("TMPDIR", trial.temporary.string());
     trial.plan("wait\n");

@@ -158,7 +158,7 @@ TEST_F(MemoryTest, ManyPropertyListsAreNotReadAllAtOnce) {
               usual + 2 * allowance);
 }
 
-// A picture of one colour takes a few bytes, however large it is.
+// A picture of one color takes a few bytes, however large it is.
 TEST_F(MemoryTest, HugePicturesTakeNoMoreMemoryThanTheyMay) {
     const TemporaryFolder folder;
     const std::string source = (folder / "huge.jp2").string();

@@ -50,7 +50,7 @@ public:
     /// Presses a key with modifiers, such as "ctrl+n" or "Return".
     static void press(const std::string& keys);
 
-    /// Whether a pixel of exactly that colour ("#30C057") is within the element's bounds.
+    /// Whether a pixel of exactly that color ("#30C057") is within the element's bounds.
     [[nodiscard]] static bool hasColor(const Element& element, const std::string& color);
 
 private:

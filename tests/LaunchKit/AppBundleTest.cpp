@@ -80,7 +80,7 @@ TEST_F(AppBundleTest, TheLocationStaysAsGiven) {
     EXPECT_EQ(bundle->bundleId, "Foo");
 }
 
-TEST_F(AppBundleTest, TheExecutableLiesInContentsMacOS) {
+TEST_F(AppBundleTest, TheExecutableIsInContentsMacOS) {
     AppBundle bundle;
     bundle.url = "/A/B.app";
     bundle.executableName = "X";
@@ -171,7 +171,7 @@ TEST_F(AppBundleTest, TheToolIsAskedInExactlyThisWay) {
     EXPECT_EQ(read(at("arguments")), "-d\n--entitlements\n:-\n--xml\n" + app.string() + "\n");
 }
 
-TEST_F(AppBundleTest, AToolWithMoreToSayThanAPipeHoldsIsHeardOut) {
+TEST_F(AppBundleTest, AToolsOutputIsReadEvenIfItExceedsAPipe) {
     EXPECT_TRUE(AppBundle::read(bundleWith({}), toolPrinting(std::string(300'000, ' ') +
                                                              "com.apple.security.app-sandbox"))
                     ->sandboxed);

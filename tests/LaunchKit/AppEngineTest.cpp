@@ -20,7 +20,7 @@ namespace fs = std::filesystem;
 
 class AppEngineTest : public ::testing::Test {
 protected:
-    // A bundle with this identifier that holds these items.
+    // A bundle with this identifier that contains these items.
     [[nodiscard]] fs::path app(const std::string& bundleId,
                                const std::vector<std::string>& items = {}) {
         const fs::path bundle = folder_ / (std::to_string(++count_) + ".app");
@@ -162,7 +162,7 @@ TEST_F(AppEngineTest, AnUnreadableBundleIsStillKnownByItsFiles) {
     EXPECT_EQ(WrapperFactory::detectEngine(bundle, std::nullopt), Engine::electron);
 }
 
-TEST_F(AppEngineTest, AGivenIdentifierGoesBeforeTheBundlesOwn) {
+TEST_F(AppEngineTest, AGivenIdentifierPrecedesTheBundlesOwn) {
     EXPECT_EQ(WrapperFactory::detectEngine(app("com.x"), "com.google.Chrome"), Engine::chromium);
     EXPECT_EQ(WrapperFactory::detectEngine(app("com.google.Chrome"), ""), Engine::other);
 }

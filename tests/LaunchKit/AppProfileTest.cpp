@@ -78,7 +78,7 @@ TEST(AppProfileTest, ProfileJsonReadsWhatItWrote) {
     EXPECT_EQ(AppProfile::fromJson(odd.encodedJSON()), odd);
 }
 
-TEST(AppProfileTest, ProfileJsonCannotHoldTextThatIsNoUtf8) {
+TEST(AppProfileTest, ProfileJsonCannotContainInvalidUtf8) {
     AppProfile profile = ordinaryProfile();
     profile.displayName = "\xff";
     EXPECT_THROW((void)profile.encodedJSON(), ProfileError);
@@ -137,7 +137,7 @@ TEST(AppProfileTest, ProfileJsonReportsEveryFaultTogether) {
               "The key “verifiedOn” is missing.");
 }
 
-TEST(AppProfileTest, ProfileJsonIgnoresWhateverAnUnknownKeyHolds) {
+TEST(AppProfileTest, ProfileJsonIgnoresAnyValueOfAnUnknownKey) {
     for (const std::string& value : {std::string("1e999"), std::string(R"("\ud800")"),
                                      std::string(5000, '[') + std::string(5000, ']')}) {
         EXPECT_EQ(AppProfile::fromJson(with(
@@ -152,7 +152,7 @@ TEST(AppProfileTest, ProfileJsonPassesOverKeysItDoesNotKnow) {
               ordinaryProfile());
 }
 
-TEST(AppProfileTest, ProfileJsonRefusesWhatIsNoObject) {
+TEST(AppProfileTest, ProfileJsonRefusesAnythingButAnObject) {
     const std::string deep(200'000, '[');
     for (const std::string& text :
          {std::string(), std::string("null"), std::string("[]"), std::string("{"),

@@ -54,8 +54,8 @@ protected:
     static std::string refusalOfNew(const std::optional<std::string>& instanceHome,
                                     bool shared = false) {
         try {
-            checkRequest(request(instanceHome), std::nullopt, {.sharedHome = shared});
-        } catch (const RefusedRequest& refused) {
+            validateRequest(request(instanceHome), std::nullopt, {.sharedHome = shared});
+        } catch (const InvalidRequest& refused) {
             return refused.what();
         }
         return {};
@@ -91,12 +91,12 @@ TEST_F(DataFolderGuardTest, AFolderInOneOfThemMayGo) {
     }
 }
 
-TEST_F(DataFolderGuardTest, AFolderThatHoldsOneOfThemIsSpared) {
+TEST_F(DataFolderGuardTest, AFolderThatContainsOneOfThemIsSpared) {
     write(home_ / "mine/dokumente/precious", "x");
     write(home_ / ".config/user-dirs.dirs", "XDG_DOCUMENTS_DIR=\"$HOME/mine/dokumente\"\n");
-    EXPECT_THAT(refusal(cloneWithHome("~/mine")), HasSubstr("holds your folder “dokumente”"));
+    EXPECT_THAT(refusal(cloneWithHome("~/mine")), HasSubstr("contains your folder “dokumente”"));
     EXPECT_THAT(refusal(cloneWithHome("~/mine/dokumente")), HasSubstr("is your folder"));
-    EXPECT_THAT(refusalOfNew("~/mine"), HasSubstr("holds your folder “dokumente”"));
+    EXPECT_THAT(refusalOfNew("~/mine"), HasSubstr("contains your folder “dokumente”"));
 }
 
 TEST_F(DataFolderGuardTest, TheyAreSparedHoweverTheyAreWritten) {
@@ -113,7 +113,7 @@ TEST_F(DataFolderGuardTest, TheyAreSparedHoweverTheyAreWritten) {
 
 TEST_F(DataFolderGuardTest, TheUsersHomeIsRefusedForANewClone) {
     EXPECT_THAT(refusalOfNew("~"), HasSubstr("is your home"));
-    EXPECT_THAT(refusalOfNew("/"), HasSubstr("holds your home"));
+    EXPECT_THAT(refusalOfNew("/"), HasSubstr("contains your home"));
     EXPECT_EQ(refusalOfNew("~", true), "");
 }
 
@@ -126,8 +126,8 @@ TEST_F(DataFolderGuardTest, AnotherClonesDataIsSpared) {
         EXPECT_THAT(refusalOfNew(shared), HasSubstr("is the data folder of “Play”"));
         EXPECT_EQ(refusalOfNew(shared, true), "") << "said to be meant";
     }
-    EXPECT_THAT(refusal(cloneWithHome("~/data")), HasSubstr("holds the data folder of “Play”"));
-    EXPECT_THAT(refusalOfNew("~/data"), HasSubstr("holds the data folder of “Play”"));
+    EXPECT_THAT(refusal(cloneWithHome("~/data")), HasSubstr("contains the data folder of “Play”"));
+    EXPECT_THAT(refusalOfNew("~/data"), HasSubstr("contains the data folder of “Play”"));
     EXPECT_EQ(refusal(cloneWithHome("~/data/Play2")), "");
 }
 
@@ -136,11 +136,13 @@ TEST_F(DataFolderGuardTest, AFolderInAnotherClonesDataIsSpared) {
     write(home_ / "data/Play/saves/Work/save", "x");
     fs::create_directory_symlink(home_ / "data/Play", home_ / "alias");
     for (const char* inside : {"~/data/Play/saves", "~/data/Play/saves/Work", "~/alias/saves"}) {
-        EXPECT_THAT(refusalOfNew(inside), HasSubstr("lies in the data folder of “Play”")) << inside;
+        EXPECT_THAT(refusalOfNew(inside), HasSubstr("is inside the data folder of “Play”"))
+            << inside;
         EXPECT_EQ(refusalOfNew(inside, true), "") << "said to be meant";
-        EXPECT_THAT(refusal(cloneWithHome(inside)), HasSubstr("lies in the data folder of “Play”"));
+        EXPECT_THAT(refusal(cloneWithHome(inside)),
+                    HasSubstr("is inside the data folder of “Play”"));
     }
-    EXPECT_THAT(refusalOfNew("~/data/Play/new"), HasSubstr("lies in the data folder of “Play”"));
+    EXPECT_THAT(refusalOfNew("~/data/Play/new"), HasSubstr("is inside the data folder of “Play”"));
 }
 
 TEST_F(DataFolderGuardTest, AFolderInsideASharedOneMayBeRemoved) {
@@ -164,7 +166,7 @@ TEST_F(DataFolderGuardTest, AnotherClonesDataIsSparedWhereItIsReachedByALink) {
 TEST_F(DataFolderGuardTest, AFolderThatIsToBeMadeIsComparedByItsPath) {
     cloneWithHome("~/data/Play", "Play");
     EXPECT_THAT(refusalOfNew("~/data/Play/"), HasSubstr("is the data folder of “Play”"));
-    EXPECT_THAT(refusalOfNew("~/data"), HasSubstr("holds the data folder of “Play”"));
+    EXPECT_THAT(refusalOfNew("~/data"), HasSubstr("contains the data folder of “Play”"));
     EXPECT_EQ(refusalOfNew("~/data/Playing"), "");
     EXPECT_THAT(refusalOfNew("~/Movies"), HasSubstr("is your folder “Movies”"));
 }
@@ -174,28 +176,28 @@ TEST_F(DataFolderGuardTest, TwoClonesOfOneNameInTwoFoldersAreNoticed) {
     makeWrapper(home_ / "Applications/New.app", config);
     WrapperFactory::Request second = request(std::nullopt);
     second.outputDir = home_ / "Elsewhere";
-    EXPECT_THROW(checkRequest(second), SharedHome);
-    EXPECT_NO_THROW(checkRequest(request(std::nullopt))) << "the clone itself is replaced";
-    // The first lies where nobody looks but from beside it.
+    EXPECT_THROW(validateRequest(second), SharedHome);
+    EXPECT_NO_THROW(validateRequest(request(std::nullopt))) << "the clone itself is replaced";
+    // The first is found only because it is beside the wrapper.
     fs::remove_all(home_ / "Applications/New.app");
     config.instanceHome = "~/QuorvelInstances/New";
     makeWrapper(home_ / "Elsewhere/Other.app", config);
-    EXPECT_THROW(checkRequest(second), SharedHome);
-    EXPECT_NO_THROW(checkRequest(request(std::nullopt)));
+    EXPECT_THROW(validateRequest(second), SharedHome);
+    EXPECT_NO_THROW(validateRequest(request(std::nullopt)));
 }
 
 TEST_F(DataFolderGuardTest, DataInTheCloneItselfOrAroundItIsRefused) {
     const std::string inside = "~/Applications/Work.app/Contents/data";
     write(home_ / "Applications/Work.app/Contents/data/file", "x");
-    EXPECT_THAT(refusal(cloneWithHome(inside)), HasSubstr("lies in the clone itself"));
+    EXPECT_THAT(refusal(cloneWithHome(inside)), HasSubstr("is inside the clone itself"));
     EXPECT_THAT(refusal(cloneWithHome("~/Applications/Work.app")),
-                HasSubstr("lies in the clone itself"));
+                HasSubstr("is inside the clone itself"));
     EXPECT_THAT(refusalOfNew("~/Applications/New.app/data", true),
-                HasSubstr("lies in the clone itself"));
+                HasSubstr("is inside the clone itself"));
     InstanceConfig config = minimalConfig();
     config.instanceHome = (home_ / "around").string();
     EXPECT_THAT(refusal({makeWrapper(home_ / "around/apps/Work.app", config), config}),
-                HasSubstr("holds the clone itself"));
+                HasSubstr("contains the clone itself"));
 }
 
 TEST_F(DataFolderGuardTest, WhatALinkLeadsToIsSpared) {

@@ -41,7 +41,7 @@ protected:
     TemporaryFolder folder_;
 };
 
-TEST_F(FolderMigrationTest, WhenAllHasMovedNothingIsTold) {
+TEST_F(FolderMigrationTest, NothingIsReportedIfEverythingWasMoved) {
     write(inClone("Documents/a"), "a");
     fs::create_directories(inClone("Desktop"));
     write(inClone("Downloads"), "a file instead of a folder");
@@ -124,10 +124,10 @@ TEST_F(FolderMigrationTestAcrossVolumes, WhatCantBeCopiedStaysAndTheRestMoves) {
         write(clone() / "Documents/fine", "f");
         fs::permissions(clone() / "Documents/folder/closed", fs::perms::none);
         const Migration migration = migrate();
-        const bool told =
+        const bool reported =
             reasonsOf(migration) ==
             std::vector<std::string>{"“folder” couldn’t be moved: “closed”: permission denied"};
-        return told && migration.moved.at("Documents") == 1 &&
+        return reported && migration.moved.at("Documents") == 1 &&
                treeOf(real()) == Tree{{"Documents", "<folder>"}, {"Documents/fine", "f"}} &&
                fs::is_directory(fs::symlink_status(clone() / "Documents"));
     }));
@@ -168,7 +168,7 @@ TEST_F(FolderMigrationTestAcrossVolumes, CutOffAtAnyMomentItIsFinishedByTheNextO
     EXPECT_GT(moments, 50);
 }
 
-// The same with the user's folders somewhere else by then: what was set aside comes back.
+// The same with the user's folders somewhere else afterwards: what was set aside is restored.
 TEST_F(FolderMigrationTestAcrossVolumes, CutOffAtAnyMomentNothingIsLostWhenTheFoldersAreElsewhere) {
     int moments = 0;
     Kill kill = Kill::done;

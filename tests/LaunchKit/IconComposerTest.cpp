@@ -207,7 +207,7 @@ TEST_F(IconComposerTest, MayReplaceItsOwnSource) {
     EXPECT_EQ(composed(destination(), work).size(), 7U);
 }
 
-TEST_F(IconComposerTest, SaysWhichSourceHoldsNoImage) {
+TEST_F(IconComposerTest, NamesASourceWithoutAnImage) {
     const auto expectNoSource = [&](const fs::path& path) {
         try {
             IconComposer::compose(path, work, destination());
@@ -269,7 +269,7 @@ TEST_F(IconComposerTest, WorksOnManyThreadsAtOnce) {
     }
 }
 
-TEST_F(IconComposerTest, TakesALongLabelInItsStride) {
+TEST_F(IconComposerTest, HandlesALongLabel) {
     EXPECT_EQ(composed(source(pngOf(chatIcon(64))),
                        {std::string(500, 'W'), "#FFFFFF", IconLabel::Position::top})
                   .size(),

@@ -76,7 +76,7 @@ TEST_F(ImmutableCloneTest, ThatStaysThoughItsDataIsGoneIsTold) {
     EXPECT_TRUE(fs::exists(configuration_));
     EXPECT_EQ(data->outcome, DeletedData::Case::removed);
     EXPECT_TRUE(data->isFailure());
-    EXPECT_THAT(data->description(), HasSubstr(data_.string() + " is gone"));
+    EXPECT_THAT(data->description(), HasSubstr(data_.string() + " was deleted"));
     EXPECT_THAT(data->description(), HasSubstr("“instance.json” couldn’t be removed"));
 }
 

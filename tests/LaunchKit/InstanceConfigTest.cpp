@@ -178,7 +178,7 @@ TEST(InstanceConfigTest, EveryPlaceholderBecomesTheResolvedHome) {
         (std::map<std::string, std::string>{{"T", "~"}, {"{{instanceHome}}", "/Users/u/I/cache"}}));
 }
 
-TEST(InstanceConfigTest, AHomeThatHoldsThePlaceholderIsPutInOnce) {
+TEST(InstanceConfigTest, AHomeThatContainsThePlaceholderIsInsertedOnce) {
     EXPECT_EQ(expandingInstanceHome("{{instanceHome}}!", "/{{instanceHome}}"),
               "/{{instanceHome}}!");
     EXPECT_EQ(expandingInstanceHome("", "/h"), "");

@@ -48,14 +48,14 @@ protected:
     TemporaryHome home_;
 };
 
-TEST_F(InstanceDeletionTest, TakesTheWrapperAndLeavesTheData) {
+TEST_F(InstanceDeletionTest, RemovesTheWrapperAndKeepsTheData) {
     const InstanceRecord record = recordWithHome("~/QuorvelInstances/Work");
     InstanceRegistry().remove(record, false);
     EXPECT_FALSE(fs::exists(record.bundleURL));
     EXPECT_TRUE(fs::exists(home_ / "QuorvelInstances/Work/data"));
 }
 
-TEST_F(InstanceDeletionTest, TakesTheDataWhenAsked) {
+TEST_F(InstanceDeletionTest, DeletesTheDataWhenAsked) {
     const InstanceRecord record = recordWithHome("~/QuorvelInstances/Work");
     removeWithData(record);
     EXPECT_FALSE(fs::exists(record.bundleURL));
@@ -63,7 +63,7 @@ TEST_F(InstanceDeletionTest, TakesTheDataWhenAsked) {
     EXPECT_TRUE(fs::exists(home_ / "QuorvelInstances"));
 }
 
-TEST_F(InstanceDeletionTest, TakesTheDataOfAWrapperThatIsGoneAlready) {
+TEST_F(InstanceDeletionTest, DeletesTheDataOfAMissingWrapper) {
     const InstanceRecord record = recordWithHome("~/QuorvelInstances/Work");
     fs::remove_all(record.bundleURL);
     removeWithData(record);
@@ -76,7 +76,7 @@ TEST_F(InstanceDeletionTest, SucceedsWithoutAnyData) {
     EXPECT_FALSE(fs::exists(record.bundleURL));
 }
 
-TEST_F(InstanceDeletionTest, NeverTakesTheHomeHoweverItIsWritten) {
+TEST_F(InstanceDeletionTest, NeverDeletesTheHomeHoweverItIsSpelled) {
     fs::create_directory_symlink(home_.path(), folder_ / "link");
     fs::create_directory_symlink(home_.path().parent_path(), folder_ / "middle");
     const std::string home = home_.path();
@@ -90,7 +90,7 @@ TEST_F(InstanceDeletionTest, NeverTakesTheHomeHoweverItIsWritten) {
     }
 }
 
-TEST_F(InstanceDeletionTest, NeverTakesTheHomeByARelativePath) {
+TEST_F(InstanceDeletionTest, NeverDeletesTheHomeByARelativePath) {
     const fs::path before = fs::current_path();
     fs::current_path(home_.path());
     expectDataKept(".");
@@ -106,7 +106,7 @@ TEST_F(InstanceDeletionTest, ARelativeDataFolderStays) {
     fs::current_path(before);
 }
 
-TEST_F(InstanceDeletionTest, TakesNothingWhereTheConfigurationNamesNothing) {
+TEST_F(InstanceDeletionTest, DeletesNoDataIfTheConfigurationNamesNone) {
     expectDataKept("");
     expectDataKept(home_.path().string() + "/QuorvelInstances/Work\0x"s);
     expectDataKept("~\0"s);

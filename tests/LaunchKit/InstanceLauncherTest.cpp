@@ -121,7 +121,7 @@ TEST_F(InstanceLauncherTest, OutputAndErrorsOfEveryRunAreCollectedInTheLog) {
     EXPECT_EQ(log(), "earlier\nsaid\ncomplained\nagain\n");
 }
 
-TEST_F(InstanceLauncherTest, ALogThatCantBeOpenedHoldsUpNobody) {
+TEST_F(InstanceLauncherTest, ALogThatCantBeOpenedDoesntBlock) {
     fs::create_directories(cloneHome());
     ::mkfifo((cloneHome() / "quorvel-instance.log").c_str(), 0600);
     EXPECT_FALSE(InstanceLauncher::instanceLogHandle(cloneHome()));
@@ -349,7 +349,7 @@ TEST_F(InstanceLauncherTest, AFileShortcutOpensExactlyTheExpandedPath) {
         fs::canonical("/usr/bin/open") != fs::canonical("/usr/bin/xdg-open")) {
         GTEST_SKIP() << "/usr/bin/open is not the desktop's";
     }
-    // The desktop's tool hands an address to the browser that it is told of: here, to a script.
+    // The desktop's tool passes an address to the configured browser: here, a script.
     write(at("browser"), "#!/bin/sh\nprintf '%s\\n' \"$#\" \"$@\" \"$QUORVEL_TEST_VARIABLE\" "
                          "\"$QUORVEL_CONFIGURED_VARIABLE\" \"$HOME\" > " +
                              at("opened").string());

@@ -138,7 +138,7 @@ TEST_F(InstanceRegistryTest, DamagedWrappersAreNotListed) {
     EXPECT_THAT(names(), ElementsAre("Work"));
 }
 
-TEST_F(InstanceRegistryTest, ARecordIsReadWhereverItLies) {
+TEST_F(InstanceRegistryTest, ARecordIsReadFromAnyFolder) {
     wrapper("Odd.folder", "Odd");
     const auto record = InstanceRegistry().record(at("Odd.folder"));
     ASSERT_TRUE(record);
@@ -197,7 +197,7 @@ TEST_F(InstanceRegistryTest, UpdatingToTextThatCantBeWrittenChangesNothing) {
     EXPECT_EQ(read(bundle / "Contents/Resources/instance.json"), before);
 }
 
-TEST_F(InstanceRegistryTest, UpdatingAFifoHoldsUpNobody) {
+TEST_F(InstanceRegistryTest, UpdatingAFifoDoesntBlock) {
     const fs::path bundle = wrapper("Work.app", "Work");
     fs::remove(bundle / "Contents/Resources/instance.json");
     ::mkfifo((bundle / "Contents/Resources/instance.json").c_str(), 0600);

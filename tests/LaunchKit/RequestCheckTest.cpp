@@ -21,13 +21,13 @@ protected:
         request.displayName = name;
         return request;
     }
-    // What the check says; nothing when it lets the request pass.
+    // Returns why the request is refused; empty if it is not.
     static std::string refusal(const WrapperFactory::Request& request,
                                const std::optional<fs::path>& runner = std::nullopt) {
         try {
-            checkRequest(request, runner);
+            validateRequest(request, runner);
             return {};
-        } catch (const RefusedRequest& refused) {
+        } catch (const InvalidRequest& refused) {
             return refused.what();
         }
     }
@@ -36,7 +36,7 @@ protected:
     fs::path place = home / "Applications/Work.app";
 };
 
-TEST_F(RequestCheckTest, PassesWhereNothingIsYet) {
+TEST_F(RequestCheckTest, PassesIfNothingExistsThere) {
     EXPECT_EQ(refusal(request()), "");
 }
 
@@ -55,11 +55,11 @@ TEST_F(RequestCheckTest, RefusesNamesThatLeadElsewhere) {
 TEST_F(RequestCheckTest, NamesTheFirstFaultOfAName) {
     EXPECT_EQ(refusal(request(" a/\xff\x07 ")), "The name “a/\xff\x07” is not UTF-8 text.");
     EXPECT_EQ(refusal(request(" a/\x07 ")),
-              "The name “a/\x07” can’t be used: it must not hold “/” and not be “.” or “..”.");
-    EXPECT_EQ(refusal(request(" \x07 ")), "The name “\x07” holds control characters.");
+              "The name “a/\x07” can’t be used: it must not contain “/” and not be “.” or “..”.");
+    EXPECT_EQ(refusal(request(" \x07 ")), "The name “\x07” contains control characters.");
 }
 
-TEST_F(RequestCheckTest, TellsControlCharactersFromOtherOnes) {
+TEST_F(RequestCheckTest, DistinguishesControlCharactersFromOthers) {
     for (const char* name : {"a\x01"
                              "b",
                              "a\x1F"
@@ -71,11 +71,11 @@ TEST_F(RequestCheckTest, TellsControlCharactersFromOtherOnes) {
     }
     for (const char* name : {"a b", "a\nb", "a\tb", "a~b", "é", "語", "...", ".a"}) {
         EXPECT_EQ(refusal(request(name)), "") << name;
-        EXPECT_EQ(checkedCloneName(std::string(" ") + name + "\n"), name);
+        EXPECT_EQ(validatedCloneName(std::string(" ") + name + "\n"), name);
     }
 }
 
-TEST_F(RequestCheckTest, LetsACloneBeMadeAgain) {
+TEST_F(RequestCheckTest, AllowsMakingACloneAgain) {
     makeWrapper(place, minimalConfig());
     EXPECT_EQ(refusal(request()), "");
 }
@@ -99,7 +99,7 @@ TEST_F(RequestCheckTest, RefusesToReplaceABundleWhoseConfigurationCantBeRead) {
     EXPECT_THAT(refusal(request()), HasSubstr("not a clone"));
 }
 
-TEST_F(RequestCheckTest, LetsWhatAGenerationLeftUnfinishedBeReplaced) {
+TEST_F(RequestCheckTest, AllowsReplacingAnUnfinishedWrapper) {
     for (const char* last : {"", "Contents", "Contents/MacOS", "Contents/Resources"}) {
         fs::create_directories(place / last);
         EXPECT_EQ(refusal(request()), "") << last;
@@ -131,7 +131,7 @@ TEST_F(RequestCheckTest, RefusesToReplaceAnUnfinishedWrapperWithAnythingElseInIt
     }
 }
 
-TEST_F(RequestCheckTest, RefusesToReplaceAnUnfinishedWrapperWhoseFilesAreNone) {
+TEST_F(RequestCheckTest, RefusesToReplaceAnUnfinishedWrapperWithoutRegularFiles) {
     for (const char* file : {"MacOS/runner", "Resources/instance.json", "Resources/AppIcon.icns"}) {
         write(place / "Contents/MacOS/runner", "half");
         fs::remove(place / "Contents" / file);
@@ -144,7 +144,7 @@ TEST_F(RequestCheckTest, RefusesToReplaceAnUnfinishedWrapperWhoseFilesAreNone) {
     }
 }
 
-TEST_F(RequestCheckTest, RefusesToReplaceAFolderThatItCantLookInto) {
+TEST_F(RequestCheckTest, RefusesToReplaceAFolderThatItCantRead) {
     const TemporaryFolder folder;
     WrapperFactory::Request elsewhere = request();
     elsewhere.outputDir = folder.path();
@@ -181,7 +181,7 @@ TEST_F(RequestCheckTest, RefusesToUsePartsOfTheCloneThatItReplaces) {
     }
 }
 
-TEST_F(RequestCheckTest, KnowsAPartOfTheReplacedCloneBehindALink) {
+TEST_F(RequestCheckTest, RecognizesAPartOfTheReplacedCloneThroughALink) {
     makeWrapper(place, minimalConfig());
     fs::create_directory_symlink(place / "Contents", home / "link");
     WrapperFactory::Request withIcon = request();
@@ -189,7 +189,7 @@ TEST_F(RequestCheckTest, KnowsAPartOfTheReplacedCloneBehindALink) {
     EXPECT_THAT(refusal(withIcon), HasSubstr("belongs to the clone"));
 }
 
-TEST_F(RequestCheckTest, LetsPartsOfOtherThingsBeUsed) {
+TEST_F(RequestCheckTest, AllowsPartsOfOtherBundles) {
     makeWrapper(place, minimalConfig());
     const fs::path other = makeWrapper(home / "Applications/Other.app", minimalConfig("Other"));
     WrapperFactory::Request parts = request();
@@ -199,7 +199,7 @@ TEST_F(RequestCheckTest, LetsPartsOfOtherThingsBeUsed) {
     EXPECT_EQ(refusal(parts, other / "Contents/Resources/instance.json"), "");
 }
 
-TEST_F(RequestCheckTest, NamesTheThingInTheWayBeforeWhatIsUsedOfIt) {
+TEST_F(RequestCheckTest, ReportsTheOccupiedPathBeforeThePartsUsed) {
     makeAppBundle(place);
     WrapperFactory::Request withTarget = request();
     withTarget.targetApp = place;

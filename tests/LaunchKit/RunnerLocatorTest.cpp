@@ -103,7 +103,7 @@ TEST_F(RunnerLocatorTest, ThisProgramsOwnFolderIsSearched) {
     EXPECT_EQ(*folders.resources, mainExecutable().parent_path().parent_path() / "libexec/quorvel");
 }
 
-// Set for copies of this program, which lie elsewhere.
+// Set for copies of this program, which are elsewhere.
 constexpr const char* expectedResources = "QUORVEL_TEST_EXPECTED_RESOURCES";
 
 TEST_F(RunnerLocatorTest, AProgramInABundleHasItsRunnerAmongTheBundlesResources) {

@@ -180,7 +180,7 @@ TEST_F(SharedUserFoldersTest, MigrationMakesAFolderThatTheUserLacks) {
     EXPECT_FALSE(fs::is_symlink(inClone("Desktop")));
 }
 
-TEST_F(SharedUserFoldersTest, AFolderThatHoldsOnlyDsStoreIsEmptiedAndLinked) {
+TEST_F(SharedUserFoldersTest, AFolderWithOnlyDsStoreIsEmptiedAndLinked) {
     makeRealFolders();
     write(inClone("Downloads/.DS_Store"), "junk");
     EXPECT_EQ(migrate(), (Counts{{"Downloads", 0}}));

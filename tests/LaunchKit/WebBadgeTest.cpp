@@ -80,7 +80,7 @@ TEST(WebBadgeTest, AReportOfNothingHidesTheTitlesCount) {
     EXPECT_EQ(state.label(), std::nullopt);
 }
 
-TEST(WebBadgeTest, ANegativeReportIsTakenAsNothing) {
+TEST(WebBadgeTest, ANegativeReportCountsAsZero) {
     WebBadgeState state;
     state.setTitle("(4) Mail");
     state.setAPIBadge(-5);

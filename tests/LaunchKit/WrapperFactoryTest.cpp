@@ -74,7 +74,7 @@ protected:
     TemporaryHome home_;
 };
 
-TEST_F(WrapperFactoryTest, TellsBeforehandWhereTheCloneWillBe) {
+TEST_F(WrapperFactoryTest, ReturnsInAdvanceWhereTheCloneWillBe) {
     const WrapperFactory::Request request = webRequest("  Work \n");
     EXPECT_EQ(WrapperFactory::wrapperURL(request), at("out") / "Work.app");
     EXPECT_EQ(WrapperFactory::wrapperURL(request), create(request));
@@ -307,14 +307,14 @@ void expectRunnerNotFound(const WrapperFactory::Request& request) {
     EXPECT_FALSE(fs::exists(*request.outputDir)) << "nothing may be written";
 }
 
-TEST_F(WrapperFactoryTest, WithoutARunnerThereIsNoCloneWhateverTheTarget) {
+TEST_F(WrapperFactoryTest, WithoutARunnerNoKindOfCloneIsMade) {
     if (!fs::exists(mainExecutable().parent_path() / "quorvel-runner")) {
         expectRunnerNotFound(webRequest("Work"));
         expectRunnerNotFound(appRequest("/no/such.app"));
         EXPECT_EQ(create(webRequest("Work")), at("out/Work.app")) << "a given one will do";
         return;
     }
-    // There is one beside this program, so a copy of it goes on where there is none.
+    // There is a runner beside this program, so a copy of it continues where there is none.
     fs::create_directories(at("bin"));
     fs::copy_file(mainExecutable(), at("bin/program"));
     Process::Options options;

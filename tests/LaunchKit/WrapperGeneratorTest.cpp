@@ -230,7 +230,7 @@ TEST_F(WrapperGeneratorTest, ALabelOnAnInvalidIconCopiesItUnchanged) {
     EXPECT_EQ(iconOf(options), "not an icon");
 }
 
-TEST_F(WrapperGeneratorTest, AnIconThatCantBeCopiedIsAnErrorAndHoldsUpNobody) {
+TEST_F(WrapperGeneratorTest, AnIconThatCantBeCopiedIsAnErrorAndDoesntBlock) {
     WrapperGenerator::Options options = webOptions();
     ::mkfifo(at("fifo").c_str(), 0600);
     for (const fs::path& icon : {at("fifo"), folder_.path()}) {

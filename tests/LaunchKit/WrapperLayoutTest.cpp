@@ -71,7 +71,7 @@ TEST_F(WrapperLayoutTest, AConfigurationThatIsNotAFileIsKept) {
     EXPECT_FALSE(isDamagedWrapper(wrapper_));
 }
 
-TEST_F(WrapperLayoutTest, WhatHoldsAnythingElseIsSomebodysOwn) {
+TEST_F(WrapperLayoutTest, AFolderWithAnythingElseBelongsToSomeoneElse) {
     damage();
     for (const char* other : {"notes.txt", "Contents/Frameworks/library", "Contents/MacOS/other",
                               "Contents/Resources/notes.txt"}) {
@@ -92,10 +92,10 @@ TEST_F(WrapperLayoutTest, ADamagedCloneIsReplacedOnlyWhenThatIsMeant) {
     WrapperFactory::Request request;
     request.kind = ShortcutKind::web;
     request.displayName = "Work";
-    EXPECT_THROW(checkRequest(request), DamagedClone);
-    EXPECT_NO_THROW(checkRequest(request, std::nullopt, {.damagedClone = true}));
+    EXPECT_THROW(validateRequest(request), DamagedClone);
+    EXPECT_NO_THROW(validateRequest(request, std::nullopt, {.damagedClone = true}));
     write(wrapper_ / "notes.txt", "mine");
-    EXPECT_THROW(checkRequest(request, std::nullopt, {.damagedClone = true}), RefusedRequest);
+    EXPECT_THROW(validateRequest(request, std::nullopt, {.damagedClone = true}), InvalidRequest);
 }
 
 } // namespace

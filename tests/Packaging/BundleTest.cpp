@@ -43,7 +43,7 @@ protected:
 
 TemporaryFolder* BundleTest::folder_ = nullptr;
 
-TEST_F(BundleTest, HoldsTheseFilesAndNoOther) {
+TEST_F(BundleTest, ContainsTheseFilesAndNoOther) {
     std::set<std::string> files;
     for (const auto& entry : fs::recursive_directory_iterator(folder_->path())) {
         if (!entry.is_directory()) {

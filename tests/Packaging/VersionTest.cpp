@@ -17,24 +17,24 @@ Outcome versionOf(const std::string& program) {
 }
 
 TEST(VersionTest, IsPrintedByTheCommandLine) {
-    const Outcome telling = versionOf(QUORVEL_CTL);
-    EXPECT_EQ(telling.output, "quorvelctl " QUORVEL_VERSION "\n");
-    EXPECT_EQ(telling.status, 0);
+    const Outcome printed = versionOf(QUORVEL_CTL);
+    EXPECT_EQ(printed.output, "quorvelctl " QUORVEL_VERSION "\n");
+    EXPECT_EQ(printed.status, 0);
 }
 
 TEST(VersionTest, IsPrintedByTheWindowsProgramWithoutADisplay) {
     if (std::string_view(QUORVEL_WINDOW).empty()) {
         GTEST_SKIP() << "built without the window";
     }
-    const Outcome telling = versionOf(QUORVEL_WINDOW);
-    EXPECT_EQ(telling.output, "quorvel " QUORVEL_VERSION "\n");
-    EXPECT_EQ(telling.status, 0);
+    const Outcome printed = versionOf(QUORVEL_WINDOW);
+    EXPECT_EQ(printed.output, "quorvel " QUORVEL_VERSION "\n");
+    EXPECT_EQ(printed.status, 0);
 }
 
 TEST(VersionTest, IsPrintedByTheRunnerOutsideAWrapper) {
-    const Outcome telling = versionOf(runnerProgram());
-    EXPECT_EQ(telling.output, "quorvel-runner " QUORVEL_VERSION "\n");
-    EXPECT_EQ(telling.status, 0);
+    const Outcome printed = versionOf(runnerProgram());
+    EXPECT_EQ(printed.output, "quorvel-runner " QUORVEL_VERSION "\n");
+    EXPECT_EQ(printed.status, 0);
 }
 
 TEST(VersionTest, OfTheTargetIsAskedForInsideAWrapper) {

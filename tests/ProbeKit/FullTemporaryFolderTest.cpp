@@ -51,7 +51,7 @@ Outcome withRoomFor(int items, const std::function<std::string(Trial&)>& check) 
 
 // A home can't be made: the run ends with the system's own error before anything is launched.
 std::string expectNoLaunch(Trial& trial) {
-    trial.plan(trial.tellStep() + "\nwait\n");
+    trial.plan(trial.reportStep() + "\nwait\n");
     try {
         (void)trial.run();
         return "the run went on";
@@ -65,7 +65,7 @@ std::string expectNoLaunch(Trial& trial) {
             return "an unclear message: " + text;
         }
     }
-    return trial.released.empty() && read(trial.told).empty() ? "" : "something was launched";
+    return trial.released.empty() && read(trial.reports).empty() ? "" : "something was launched";
 }
 
 #define EXPECT_PASSED(expression)                                                                  \
@@ -88,7 +88,7 @@ TEST(FullTemporaryFolderTest, WithoutRoomForTheSecondHomeNothingIsLaunched) {
 TEST(FullTemporaryFolderTest, AnAppThatCanWriteNothingThereStillHasAResult) {
     EXPECT_PASSED(withRoomFor(2, [](Trial& trial) -> std::string {
         const std::filesystem::path leak = trial.library / "Application Support/Notes/leak";
-        trial.plan("write ~/note\nwrite " + leak.string() + "\n" + trial.tellStep() + "\nwait\n");
+        trial.plan("write ~/note\nwrite " + leak.string() + "\n" + trial.reportStep() + "\nwait\n");
         const ProbeResult result = trial.run();
         if (trial.homes().size() != 2 || !std::filesystem::is_empty(trial.homes()[0])) {
             return "there was space left";
@@ -106,7 +106,7 @@ TEST(FullTemporaryFolderTest, AnAppThatCanWriteNothingThereStillHasAResult) {
 
 TEST(FullTemporaryFolderTest, AnAppThatFillsItHasAResult) {
     EXPECT_PASSED(withRoomFor(8, [](Trial& trial) -> std::string {
-        trial.plan("write ~/first\nwrite ~/second\n" + trial.tellStep() + "\nwait\n");
+        trial.plan("write ~/first\nwrite ~/second\n" + trial.reportStep() + "\nwait\n");
         const ProbeResult result = trial.run();
         if (result.count(LeakBucket::captured) == 0 || !result.complete) {
             return "what was captured is missing";

@@ -16,12 +16,12 @@
 
 namespace quorvel::testing {
 
-/// An application with a plan of its own (see tests/helpers), everything that a prober needs around
-/// it, and the clean-up behind it. Each wait of the probe lasts until the application told that it
-/// is so far.
+/// An application with its own plan (see tests/helpers), everything that a prober needs to run it,
+/// and the clean-up afterwards. Each wait of the probe lasts until the application has reported
+/// that it is ready.
 class Trial {
 public:
-    // Running applications are counted by identifier, and tests run beside each other.
+    // Running applications are counted by identifier, and tests run in parallel.
     explicit Trial(std::string identifier = "com.example.Notes" + std::to_string(::getpid()))
         : bundleId(std::move(identifier)) {
         makeAppBundle(app, {{"CFBundleIdentifier", bundleId}}, QUORVEL_PROBE_TARGET);
@@ -38,7 +38,7 @@ public:
     Trial(const Trial&) = delete;
     Trial& operator=(const Trial&) = delete;
 
-    [[nodiscard]] std::string tellStep() const { return "tell " + told.string(); }
+    [[nodiscard]] std::string reportStep() const { return "report " + reports.string(); }
 
     [[nodiscard]] AppProber::Dependencies dependencies() {
         AppProber::Dependencies with;
@@ -63,11 +63,11 @@ public:
 
     ProbeResult run() { return prober().run(options()); }
 
-    /// Waits until the application told as often as it was to.
-    [[nodiscard]] bool hasTold(int times) const {
+    /// Waits until the application has reported that many times.
+    [[nodiscard]] bool hasReported(int times) const {
         return waitUntil(
             [&] {
-                const std::string text = read(told);
+                const std::string text = read(reports);
                 return std::count(text.begin(), text.end(), '\n') >= times;
             },
             std::chrono::minutes(2));
@@ -88,12 +88,12 @@ public:
     std::filesystem::path app = folder / "Notes.app";
     std::filesystem::path library = folder / "Library";
     std::filesystem::path temporary = folder / "tmp";
-    std::filesystem::path told = folder / "told";
+    std::filesystem::path reports = folder / "reports";
     std::shared_ptr<Workspace> workspace = makeSystemWorkspace();
     std::vector<TrialProcess> released{};
     int sleeps = 0;
     std::function<void(AppProber::Seconds)> onSleep = [this](AppProber::Seconds /*time*/) {
-        (void)hasTold(++sleeps);
+        (void)hasReported(++sleeps);
     };
 };
 

@@ -39,7 +39,7 @@ std::vector<std::string> bucketPaths(const ProbeResult& result, LeakBucket bucke
 TEST(TrialLaunchTest, AnAppThatKeepsToItsHomeIsCaptured) {
     Trial trial;
     trial.plan("write ~/Library/Application Support/Notes/x.db\nwrite ~/.config/notes\n" +
-               trial.tellStep() + "\nwait\n");
+               trial.reportStep() + "\nwait\n");
     const ProbeResult result = trial.run();
     EXPECT_EQ(result.buckets.size(), 1U);
     EXPECT_THAT(bucketPaths(result, LeakBucket::captured),
@@ -57,7 +57,7 @@ TEST(TrialLaunchTest, AnAppThatWritesIntoTheRealLibraryLeaks) {
     const std::string library = trial.library.string();
     trial.plan("write " + library + "/Application Support/notes/x.db\nwrite " + library +
                "/Preferences/com.example.notes.plist\nwrite " + library +
-               "/Preferences/com.other.plist\n" + trial.tellStep() + "\nwait\n");
+               "/Preferences/com.other.plist\n" + trial.reportStep() + "\nwait\n");
     const ProbeResult result = trial.run();
     EXPECT_THAT(bucketPaths(result, LeakBucket::dataLeak),
                 Contains(library + "/Application Support/notes/x.db"));
@@ -73,15 +73,15 @@ TEST(TrialLaunchTest, AnAppThatWritesIntoItsContainerNeedsAnIdentity) {
     Trial trial;
     trial.plan("write " + trial.library.string() + "/Application Support/Notes/x\nwrite " +
                trial.library.string() + "/Containers/" + trial.bundleId + "/Data/x\n" +
-               trial.tellStep() + "\nwait\n");
+               trial.reportStep() + "\nwait\n");
     EXPECT_EQ(trial.run().recommendedStrategy, Strategy::wrapperIdentity);
 }
 
 TEST(TrialLaunchTest, AnAppThatHandsOverIsNotClonable) {
     Trial trial;
-    trial.plan(trial.tellStep() + "\nhand-over " + (trial.folder / "lock").string() + "\nwait\n");
+    trial.plan(trial.reportStep() + "\nhand-over " + (trial.folder / "lock").string() + "\nwait\n");
     trial.onSleep = [&](AppProber::Seconds /*time*/) {
-        ASSERT_TRUE(trial.hasTold(++trial.sleeps));
+        ASSERT_TRUE(trial.hasReported(++trial.sleeps));
         // The first holds the lock before the second comes, and the second quits.
         ASSERT_TRUE(waitUntil([&] {
             return trial.sleeps == 1 ? fs::exists(trial.folder / "lock")
@@ -95,9 +95,9 @@ TEST(TrialLaunchTest, AnAppThatHandsOverIsNotClonable) {
 
 TEST(TrialLaunchTest, AnAppThatWaitsForALockNeverComesUp) {
     Trial trial;
-    trial.plan(trial.tellStep() + "\nlock " + (trial.folder / "lock").string() + "\nwait\n");
+    trial.plan(trial.reportStep() + "\nlock " + (trial.folder / "lock").string() + "\nwait\n");
     trial.onSleep = [&](AppProber::Seconds /*time*/) {
-        ASSERT_TRUE(trial.hasTold(++trial.sleeps));
+        ASSERT_TRUE(trial.hasReported(++trial.sleeps));
         ASSERT_TRUE(waitUntil([&] {
             return fs::exists(trial.folder / "lock") &&
                    trial.workspace->runningApplications()
@@ -114,13 +114,13 @@ TEST(TrialLaunchTest, AnAppOfSeveralProcessesThatWaitsForALockNeverComesUp) {
     Trial trial;
     const std::string lock = (trial.folder / "lock").string();
     const fs::path up = trial.folder / "up";
-    trial.plan("helper\n" + trial.tellStep() + "\nlock " + lock + "\nwrite " + up.string() +
+    trial.plan("helper\n" + trial.reportStep() + "\nlock " + lock + "\nwrite " + up.string() +
                "\nwait\n");
     const auto running = [&] {
         return trial.workspace->runningApplications().withBundleIdentifier(trial.bundleId);
     };
     trial.onSleep = [&](AppProber::Seconds /*time*/) {
-        ASSERT_TRUE(trial.hasTold(++trial.sleeps));
+        ASSERT_TRUE(trial.hasReported(++trial.sleeps));
         ASSERT_TRUE(waitUntil([&] { return fs::exists(up) && running().size() == 1; }));
     };
     EXPECT_EQ(trial.run().singleton, SingletonTier::lockFile);
@@ -130,14 +130,14 @@ TEST(TrialLaunchTest, AnAppOfSeveralProcessesThatWaitsForALockNeverComesUp) {
 
 TEST(TrialLaunchTest, AnAppOfSeveralProcessesThatStartsTwiceIsNotASingleton) {
     Trial trial;
-    trial.plan("helper\nhelper\n" + trial.tellStep() + "\nwait\n");
+    trial.plan("helper\nhelper\n" + trial.reportStep() + "\nwait\n");
     EXPECT_EQ(trial.run().singleton, SingletonTier::none);
 }
 
 TEST(TrialLaunchTest, AnAppWhoseParentOnlyStartsAChildCountsAsHandingOver) {
     Trial trial;
     const fs::path children = trial.folder / "children";
-    trial.plan("fork " + children.string() + "\nwrite ~/from-child\n" + trial.tellStep() +
+    trial.plan("fork " + children.string() + "\nwrite ~/from-child\n" + trial.reportStep() +
                "\nwait\n");
     const ProbeResult result = trial.run();
     EXPECT_EQ(result.singleton, SingletonTier::machPort);
@@ -150,7 +150,7 @@ TEST(TrialLaunchTest, AnAppWhoseParentOnlyStartsAChildCountsAsHandingOver) {
 
 TEST(TrialLaunchTest, AnAppThatWritesTwentyThousandFilesIsRecordedToTheLast) {
     Trial trial;
-    trial.plan("many ~/data 20000\n" + trial.tellStep() + "\nwait\n");
+    trial.plan("many ~/data 20000\n" + trial.reportStep() + "\nwait\n");
     const ProbeResult result = trial.run();
     EXPECT_TRUE(result.complete);
     const auto captured = bucketPaths(result, LeakBucket::captured);
@@ -167,9 +167,9 @@ TEST(TrialLaunchTest, AnAppThatWritesTwentyThousandFilesIsRecordedToTheLast) {
 
 TEST(TrialLaunchTest, AnAppThatEndsAtOnceHasAnUnknownTier) {
     Trial trial;
-    trial.plan(trial.tellStep() + "\nexit 3\n");
+    trial.plan(trial.reportStep() + "\nexit 3\n");
     trial.onSleep = [&](AppProber::Seconds /*time*/) {
-        ASSERT_TRUE(trial.hasTold(++trial.sleeps));
+        ASSERT_TRUE(trial.hasReported(++trial.sleeps));
         ASSERT_TRUE(waitUntil(
             [&] { return !trial.workspace->runningApplications().contains(trial.bundleId); }));
     };
@@ -180,9 +180,9 @@ TEST(TrialLaunchTest, AnAppThatEndsAtOnceHasAnUnknownTier) {
 
 TEST(TrialLaunchTest, AnAppThatCrashesHasAnUnknownTier) {
     Trial trial;
-    trial.plan(trial.tellStep() + "\ncrash\n");
+    trial.plan(trial.reportStep() + "\ncrash\n");
     trial.onSleep = [&](AppProber::Seconds /*time*/) {
-        ASSERT_TRUE(trial.hasTold(++trial.sleeps));
+        ASSERT_TRUE(trial.hasReported(++trial.sleeps));
         ASSERT_TRUE(waitUntil(
             [&] { return !trial.workspace->runningApplications().contains(trial.bundleId); }));
     };
@@ -193,7 +193,7 @@ TEST(TrialLaunchTest, AnAppThatCrashesHasAnUnknownTier) {
 
 TEST(TrialLaunchTest, AnAppThatIgnoresTerminationIsEndedByForce) {
     Trial trial;
-    trial.plan("ignore-termination\n" + trial.tellStep() + "\nwait\n");
+    trial.plan("ignore-termination\n" + trial.reportStep() + "\nwait\n");
     EXPECT_EQ(trial.run().singleton, SingletonTier::none);
     ASSERT_THAT(trial.released, SizeIs(2));
     const pid_t first = trial.released[0].process.identifier();
@@ -213,7 +213,8 @@ std::string scriptWithDaemon(const Trial& trial, const std::string& start, bool 
                                        "' TERM; echo $$ >> " + number +
                                        "; while :; do sleep 0.05; done");
     return start + " /bin/sh " + (trial.folder / "daemon").string() +
-           " </dev/null >/dev/null 2>&1 & echo told >> " + trial.told.string() + "; exec sleep 600";
+           " </dev/null >/dev/null 2>&1 & echo reported >> " + trial.reports.string() +
+           "; exec sleep 600";
 }
 
 std::vector<pid_t> daemonsOf(const Trial& trial) {
@@ -258,8 +259,8 @@ TEST(TrialLaunchTest, AnAppWhoseLeftoversIgnoreTheRequestHasThemEndedByForce) {
 TEST(TrialLaunchTest, AnAppIsAskedToEndFirstAndItsLastWritesAreRecorded) {
     Trial trial;
     makeScriptedAppBundle(trial.app,
-                          "trap 'echo > \"$HOME/last words\"; exit' TERM; echo told >> " +
-                              trial.told.string() + "; while :; do sleep 0.05; done");
+                          "trap 'echo > \"$HOME/last words\"; exit' TERM; echo reported >> " +
+                              trial.reports.string() + "; while :; do sleep 0.05; done");
     AppProber::Options options = trial.options();
     std::vector<std::string> homes;
     options.release = [&](TrialProcess ended) {
@@ -309,18 +310,18 @@ TEST(TrialLaunchTest, AnAppFindsOurEnvironmentWithTheHomeReplacedAndNothingElse)
 }
 
 TEST(TrialLaunchTest, AnAppWhoseHomeLiesInTheLibraryIsCapturedAllTheSame) {
-    // What lies in two watched folders is reported under the first of them.
+    // An item in two watched folders is reported under the first of them.
     Trial trial;
     fs::create_directory(trial.library / "tmp");
     fs::remove(trial.temporary);
     fs::create_directory_symlink(trial.library / "tmp", trial.temporary);
-    trial.plan("write ~/file\n" + trial.tellStep() + "\nwait\n");
+    trial.plan("write ~/file\n" + trial.reportStep() + "\nwait\n");
     EXPECT_THAT(bucketPaths(trial.run(), LeakBucket::captured), Contains(EndsWith("/file")));
 }
 
 TEST(TrialLaunchTest, AnAppThatFloodsItsOutputFloodsOnlyItsLog) {
     Trial trial;
-    trial.plan("flood 8000000\n" + trial.tellStep() + "\nwait\n");
+    trial.plan("flood 8000000\n" + trial.reportStep() + "\nwait\n");
     const ProbeResult result = trial.run();
     EXPECT_THAT(bucketPaths(result, LeakBucket::captured),
                 Contains(EndsWith("/quorvel-instance.log")));
@@ -329,7 +330,7 @@ TEST(TrialLaunchTest, AnAppThatFloodsItsOutputFloodsOnlyItsLog) {
 
 TEST(TrialLaunchTest, AnAppThatDeletesItsHomeHasAResult) {
     Trial trial;
-    trial.plan("write ~/file\ndelete-home\n" + trial.tellStep() + "\nwait\n");
+    trial.plan("write ~/file\ndelete-home\n" + trial.reportStep() + "\nwait\n");
     const ProbeResult result = trial.run();
     EXPECT_THAT(bucketPaths(result, LeakBucket::captured), Contains(EndsWith("/file")));
     EXPECT_THAT(trial.homes(), IsEmpty());
@@ -397,7 +398,7 @@ TEST(TrialLaunchTest, AnElectronAppGetsItsDataFolderInTheHome) {
 
 TEST(TrialLaunchTest, AnAppRunsUnderTwoHomesOfWhichOnlyTheFirstIsWatched) {
     Trial trial;
-    trial.plan("write ~/file\n" + trial.tellStep() + "\nwait\n");
+    trial.plan("write ~/file\n" + trial.reportStep() + "\nwait\n");
     const ProbeResult result = trial.run();
     const auto captured = bucketPaths(result, LeakBucket::captured);
     ASSERT_FALSE(captured.empty());
@@ -410,10 +411,10 @@ TEST(TrialLaunchTest, AnAppRunsUnderTwoHomesOfWhichOnlyTheFirstIsWatched) {
 
 TEST(TrialLaunchTest, CancellingEndsBothProcesses) {
     Trial trial;
-    trial.plan(trial.tellStep() + "\nwait\n");
+    trial.plan(trial.reportStep() + "\nwait\n");
     std::atomic<bool> cancelled{false};
     trial.onSleep = [&](AppProber::Seconds /*time*/) {
-        ASSERT_TRUE(trial.hasTold(++trial.sleeps));
+        ASSERT_TRUE(trial.hasReported(++trial.sleeps));
         cancelled = trial.sleeps == 2;
     };
     AppProber::Options options = trial.options();
@@ -427,10 +428,10 @@ TEST(TrialLaunchTest, CancellingEndsBothProcesses) {
 
 TEST(TrialLaunchTest, CancellingWaitsForTheEnd) {
     Trial trial;
-    trial.plan("ignore-termination\n" + trial.tellStep() + "\nwait\n");
+    trial.plan("ignore-termination\n" + trial.reportStep() + "\nwait\n");
     std::atomic<bool> cancelled{false};
     trial.onSleep = [&](AppProber::Seconds /*time*/) {
-        ASSERT_TRUE(trial.hasTold(1));
+        ASSERT_TRUE(trial.hasReported(1));
         cancelled = true;
     };
     AppProber::Options options = trial.options();
@@ -442,10 +443,10 @@ TEST(TrialLaunchTest, CancellingWaitsForTheEnd) {
 
 TEST(TrialLaunchTest, CancellingEarlyPreventsTheSecondLaunch) {
     Trial trial;
-    trial.plan(trial.tellStep() + "\nwait\n");
+    trial.plan(trial.reportStep() + "\nwait\n");
     std::atomic<bool> cancelled{false};
     trial.onSleep = [&](AppProber::Seconds /*time*/) {
-        ASSERT_TRUE(trial.hasTold(1));
+        ASSERT_TRUE(trial.hasReported(1));
         cancelled = true;
     };
     AppProber::Options options = trial.options();
@@ -474,7 +475,7 @@ TEST(TrialLaunchTest, ReportsItsProgress) {
 
 TEST(TrialLaunchTest, AnAppInTheUsersRealTimeTakesNineSeconds) {
     Trial trial;
-    trial.plan("write ~/file\n" + trial.tellStep() + "\nwait\n");
+    trial.plan("write ~/file\n" + trial.reportStep() + "\nwait\n");
     AppProber::Dependencies with = trial.dependencies();
     with.sleep = {};
     auto prober = AppProber::forApp(trial.app, with);

@@ -409,7 +409,7 @@ TEST_F(AppModelTest, AFailedDeletionIsReportedAndKeepsTheList) {
     addClone("Work");
     model().reload();
     InstanceRecord record = model().clones().front();
-    // A wrapper whose removal is refused, for every user: it holds the user's home.
+    // A wrapper whose removal is refused, for every user: it contains the user's home.
     record.bundleURL = home.path();
     model().remove(record, true);
     EXPECT_THAT(*model().lastError(), StartsWith("Couldn't delete: "));

@@ -28,7 +28,7 @@ protected:
     AppGrid* grid() { return window->findChild<AppGrid*>(); }
     QString ring() { return grid()->currentIndex().data().toString(); }
 
-    // The names of what the tabulator reaches, from the first control on until it is there again.
+    // The names of the controls in tab order, from the first one until it has the focus again.
     std::vector<QString> tabOrder() {
         std::vector<QString> names;
         for (const QWidget* first = window->focusWidget(); names.size() < 40;) {

@@ -22,7 +22,7 @@ protected:
 
     int leftOf(const QWidget* widget) { return widget->mapTo(window.get(), QPoint()).x(); }
 
-    // The middle of all pixels of that colour; -1 if there are none.
+    // The middle of all pixels of that color; -1 if there are none.
     static int middleOf(const QImage& image, const QColor& color) {
         qint64 sum = 0;
         qint64 count = 0;

@@ -2,7 +2,7 @@
 // one step per line, in order; "~/" at the start of a path is $HOME.
 //   write FILE          writes a file, with the folders above it
 //   many FOLDER COUNT   writes that many files, a hundred per folder
-//   tell FILE           adds a line to a file
+//   report FILE         appends a line to a file
 //   lock FILE           takes a lock, waiting while another process holds it
 //   hand-over FILE      takes a lock, or quits if another process holds it
 //   fork FILE           continues as a child, whose number is added to the file; the parent quits
@@ -42,7 +42,7 @@ void writeMany(const fs::path& folder, int count) {
     }
 }
 
-void tell(const fs::path& file, const std::string& text) {
+void report(const fs::path& file, const std::string& text) {
     std::ofstream(file, std::ios::app) << text << std::endl;
 }
 
@@ -75,8 +75,8 @@ void take(const std::string& step, const std::string& argument, int count) {
         writeFile(expanded(argument));
     } else if (step == "many") {
         writeMany(expanded(argument), count);
-    } else if (step == "tell") {
-        tell(expanded(argument), "told");
+    } else if (step == "report") {
+        report(expanded(argument), "reported");
     } else if (step == "lock") {
         waitForLock(expanded(argument));
     } else if (step == "helper") {
@@ -89,7 +89,7 @@ void take(const std::string& step, const std::string& argument, int count) {
         if (::fork() != 0) {
             std::exit(0);
         }
-        tell(expanded(argument), std::to_string(::getpid()));
+        report(expanded(argument), std::to_string(::getpid()));
     } else if (step == "flood") {
         flood(std::stol(argument));
     } else if (step == "ignore-termination") {

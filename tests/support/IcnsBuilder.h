@@ -7,7 +7,7 @@
 #include <string_view>
 #include <vector>
 
-/// Writes icon containers of every kind, right and wrong ones.
+/// Writes icon containers of every kind, valid and invalid ones.
 namespace quorvel::testing {
 
 /// An entry: type, size and payload. `declaredSize` goes in place of the true size when not 0.
@@ -20,7 +20,7 @@ namespace quorvel::testing {
 /// A PNG file of the image in its own format (palette, gray, 16 bits and so on).
 [[nodiscard]] std::string pngOf(const QImage& image);
 
-/// What a JPEG 2000 image holds.
+/// The content of a JPEG 2000 image.
 enum class Jpeg2000Form { gray, grayAlpha, rgb, rgba, ycc };
 
 /// A lossless JPEG 2000 image, as a file or as a bare codestream.
@@ -35,7 +35,7 @@ enum class Jpeg2000Form { gray, grayAlpha, rgb, rgba, ycc };
 [[nodiscard]] std::string bitmapOf(const QImage& image);  ///< black where dark, without the mask
 [[nodiscard]] std::string bitMaskOf(const QImage& image); ///< set where the alpha is above half
 
-/// A container with an entry of each kind that there is, nested families included.
+/// A container with an entry of every kind, nested families included.
 [[nodiscard]] std::string icnsOfEveryKind();
 
 /// A square picture with gradients, flat parts, and alpha from none to full; `seed` varies it.

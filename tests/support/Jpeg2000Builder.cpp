@@ -9,7 +9,7 @@
 namespace quorvel::testing {
 namespace {
 
-// Memory that OpenJPEG writes into as into a file.
+// Memory that OpenJPEG writes to like a file.
 struct MemoryWriter {
     std::string bytes{};
     std::size_t position = 0;

@@ -1,8 +1,8 @@
-# Lets CMake prepare a build for macOS, to see that its files name the right sources.
+# Has CMake configure a build for macOS, to check that its files name the right sources.
 # The variables are those of tools/macos-check/check.
 # shellcheck shell=bash disable=SC2154
 
-# configure_for_macos: prints the sources of the program that would be built, one a line.
+# configure_for_macos: prints the sources of the program that would be built, one per line.
 configure_for_macos() {
   local build=$out/build
   rm -rf "$build"

@@ -21,7 +21,7 @@ find_tools() {
   qt=${qt%/QtWidgets}
 }
 
-# libc_headers ARCHITECTURE: the folders of the C library's headers, one a line; none if missing.
+# libc_headers ARCHITECTURE: the folders of the C library's headers, one per line; none if missing.
 libc_headers() {
   local triple=${1/arm64/aarch64}-linux-gnu
   if [ -d "/usr/include/$triple/bits" ]; then
@@ -31,7 +31,7 @@ libc_headers() {
   fi
 }
 
-# compiler_flags ARCHITECTURE: one a line. Three are there for glibc's headers: clang defines
+# compiler_flags ARCHITECTURE: one per line. Three are there for glibc's headers: clang defines
 # __nonnull for macOS, which is a macro of theirs; they hide much without _GNU_SOURCE; and their
 # character tables know no locale of libc++'s.
 compiler_flags() {

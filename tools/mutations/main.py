@@ -34,7 +34,7 @@ def arguments():
 
 
 def relative(path):
-    """Below the tree as it is in the checkout; as given where it lies elsewhere."""
+    """Returns the path relative to the checkout, or as given if it is elsewhere."""
     path = Path(path).resolve()
     return str(path.relative_to(ROOT)) if path.is_relative_to(ROOT) else str(path)
 
@@ -50,7 +50,7 @@ def chosen_mutants(options):
 
 
 def try_out(mutant, workshop, trials, objects):
-    """The verdict, and which test gave it."""
+    """Returns the verdict, and the test that decided it."""
     try:
         workshop.make_object(mutant.path)
     except BuildError:
@@ -97,7 +97,7 @@ def run(options, mutants):
 
 
 def main():
-    # A polite end restores the copy as an interruption does.
+    # SIGTERM restores the copy, as an interruption does.
     signal.signal(signal.SIGTERM, lambda *_: sys.exit(143))
     options = arguments()
     try:

@@ -1,4 +1,4 @@
-"""Makes the mutants of a source: each with a name that stays while the source does."""
+"""Makes the mutants of a source, each with a name that is stable while the source is unchanged."""
 
 import hashlib
 import random
@@ -30,7 +30,7 @@ def _shown(text):
 
 
 def _change(source, edit):
-    """What was there and what is there now, with the words around a change of a sign."""
+    """Describes the old and the new text, with the words around a changed operator."""
     start, end = edit.start, edit.end
     before, after = source.text[start:end], edit.text
     if "\n" not in before and len(before) < 4:
@@ -42,7 +42,7 @@ def _change(source, edit):
 
 
 def mutants_of(path, text, records):
-    """Every mutant of a source in its order; of those with the same text only the first."""
+    """Returns the mutants of a source in order; of those with equal text only the first."""
     source = Source(text)
     edits = [edit for mutator in MUTATORS for edit in mutator(source, records)]
     seen = {text}
@@ -57,7 +57,7 @@ def mutants_of(path, text, records):
 
 
 def sample(mutants, number, seed):
-    """A random choice that a seed repeats, in the order of the sources."""
+    """Returns a random choice, repeatable by its seed, in the order of the sources."""
     if number is None or number >= len(mutants):
         return mutants
     chosen = set(random.Random(seed).sample([mutant.id for mutant in mutants], number))

@@ -1,4 +1,4 @@
-"""The small changes that a source's tests should notice, one function a kind."""
+"""The small changes that a source's tests should notice, one function per kind."""
 
 import re
 from dataclasses import dataclass
@@ -66,7 +66,7 @@ def _has_an_opposite(source, first, last):
 
 
 def _parenthesis(source, index):
-    """Of an `if` or `while`, whether or not `constexpr` stands between."""
+    """Returns the parenthesis of an `if` or `while`, with or without `constexpr` in between."""
     return index + 1 if source.word(index + 1) == "(" else index + 2
 
 
@@ -88,7 +88,7 @@ def negated_conditions(source, _):
 
 
 def _expression_end(source, index):
-    """The last token of what stands from here to the end of its statement, argument or bracket."""
+    """Returns the last token from here to the end of the statement, argument or bracket."""
     while source.word(index) not in (",", ";", ")", "]", "}", ":", ""):
         index = source.partners.get(index, index) + 1
     return index - 1
@@ -109,7 +109,7 @@ def swapped_choices(source, _):
 
 
 def removed_guards(source, _):
-    """Without an `if` whose body ends by leaving."""
+    """Removes an `if` whose body leaves the function or loop."""
     for block in source.blocks():
         for begin, end in source.statements(*block):
             if source.word(begin) != "if" or source.word(begin - 1) == "else":
@@ -127,7 +127,7 @@ def _mentions(name, text):
 
 
 def _order_matters(first, second):
-    """Not where the compiler would refuse, nor where two independent assignments change places."""
+    """Returns false if the compiler would refuse the swap, or for two independent assignments."""
     declared = DECLARATION.match(first)
     if declared and not re.match(r"(?:return|delete)\b", first) and _mentions(declared[1], second):
         return False

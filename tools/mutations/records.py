@@ -50,7 +50,7 @@ def _enumerators(source, first, last):
 
 
 def _with_headers(root, text):
-    """A source and every header of the tree that it includes, also by way of another."""
+    """A source and every header of the tree that it includes, directly or not."""
     texts, names = [text], INCLUDE.findall(text)
     for name in names:
         if (root / name).is_file():
@@ -60,7 +60,7 @@ def _with_headers(root, text):
 
 
 class Records:
-    """What a source knows of."""
+    """The records and enumerations that a source can see."""
 
     def __init__(self, root, text):
         self.fields = defaultdict(set)

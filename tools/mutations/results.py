@@ -5,7 +5,7 @@ from collections import Counter
 
 
 class Results:
-    """One line of JSON a mutant. Survivors count only while no file has changed since."""
+    """One line of JSON per mutant. Survivors count only while no file has changed."""
 
     def __init__(self, path, fingerprint):
         self.path = path

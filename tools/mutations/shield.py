@@ -1,4 +1,4 @@
-"""Runs a program where it can harm nothing: a mutant may delete "/" or signal every process.
+"""Runs a program where it can do no harm: a mutant may delete "/" or signal every process.
 
 The program has a PID namespace of its own: it can reach only its own processes, which end with it.
 Every mount is read-only, except for /tmp, which is empty.
@@ -40,7 +40,7 @@ class Shield:
                 "unshare", *ids, "--", *program]  # fmt: skip
 
     def run(self, program, seconds):
-        """The status and the output; no status where the time ran out."""
+        """Returns the status and the output; no status if the time ran out."""
         shutil.rmtree(self.folder, ignore_errors=True)
         (self.folder / "home").mkdir(parents=True)
         self.folder.chmod(0o1777)

@@ -46,12 +46,12 @@ class Source:
         self.tokens = [t for t in found if t.kind not in ("space", "comment", "directive")]
 
     def word(self, index):
-        """The text of a token, or nothing beyond both ends."""
+        """Returns the text of a token; an empty text beyond either end."""
         return self.tokens[index].text if 0 <= index < len(self.tokens) else ""
 
     @cached_property
     def partners(self):
-        """The index of every bracket's other half."""
+        """The index of every bracket's counterpart."""
         partners, opened = {}, []
         for index, token in enumerate(self.tokens):
             if token.text in PAIRS:

@@ -36,7 +36,7 @@ class Verdict:
 
 
 class Trials:
-    """The tests of one layer. What fails without any mutant is left out."""
+    """The tests of one layer. Tests that fail without any mutant are left out."""
 
     def __init__(self, workshop, shield, layer, report):
         self.workshop = workshop

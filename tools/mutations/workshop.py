@@ -1,4 +1,4 @@
-"""A copy of the tree with a build of its own, where mutants live. The checkout is never changed."""
+"""A copy of the tree with its own build, in which mutants are made. The checkout is never changed."""
 
 import hashlib
 import os
@@ -30,7 +30,7 @@ class Workshop:
         self.jobs = jobs
 
     def prepare(self):
-        """Brings the copy in step with the checkout; what has not changed isn't built again."""
+        """Synchronises the copy with the checkout; unchanged files are not built again."""
         names = self._names()
         for name in names:
             self._copy(name)
@@ -61,7 +61,7 @@ class Workshop:
         self._run(command, "Configuring failed")
 
     def _run(self, command, failure):
-        # Mutants would only push out of the compiler cache what others need from it.
+        # Mutants would only evict useful entries from the compiler cache.
         environment = {**os.environ, "CCACHE_DISABLE": "1"}
         done = subprocess.run(command, env=environment, stdout=subprocess.PIPE,
                               stderr=subprocess.STDOUT, text=True, errors="replace")  # fmt: skip

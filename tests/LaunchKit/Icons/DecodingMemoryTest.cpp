@@ -35,11 +35,11 @@ TEST(DecodingMemoryTest, IsSharedByAllThreads) {
     EXPECT_EQ(mostAtOnce(DecodingMemory::all / 2 + 1), 1);
 }
 
-TEST(DecodingMemoryTest, LetsOneHaveMoreThanAllThereIs) {
+TEST(DecodingMemoryTest, AllowsAShareLargerThanTheTotal) {
     EXPECT_EQ(mostAtOnce(DecodingMemory::all * 10), 1);
 }
 
-TEST(DecodingMemoryTest, KeepsNobodyWaitingForLittle) {
+TEST(DecodingMemoryTest, SmallSharesDontWait) {
     EXPECT_GT(mostAtOnce(1000), 1);
 }
 

@@ -161,7 +161,7 @@ TEST_F(ForeignSoftwareTest, IsReadByQt) {
     EXPECT_GE(known, 4);
 }
 
-TEST_F(ForeignSoftwareTest, HoldsPngThatImageMagickReads) {
+TEST_F(ForeignSoftwareTest, ContainsPngThatImageMagickReads) {
     if (!isInstalled("convert")) {
         GTEST_SKIP() << "convert (package imagemagick) is not installed";
     }

@@ -74,7 +74,7 @@ INSTANTIATE_TEST_SUITE_P(
                       SizedType{"ic13", 256}, SizedType{"ic14", 512}),
     [](const auto& row) { return std::string(row.param.type); });
 
-TEST_P(IcnsFileTestModernTypes, HoldsPng) {
+TEST_P(IcnsFileTestModernTypes, ContainsPng) {
     const QImage picture = testPicture(GetParam().side);
     const IcnsFile file = fileOf({icnsEntry(GetParam().type, pngOf(picture))});
     EXPECT_THAT(file.entries(), ElementsAre(IcnsEntry{GetParam().type, IcnsEncoding::png,
@@ -82,7 +82,7 @@ TEST_P(IcnsFileTestModernTypes, HoldsPng) {
     EXPECT_EQ(file.decode(0), picture);
 }
 
-TEST_P(IcnsFileTestModernTypes, HoldsJpeg2000) {
+TEST_P(IcnsFileTestModernTypes, ContainsJpeg2000) {
     const QImage picture = testPicture(GetParam().side);
     const IcnsFile file =
         fileOf({icnsEntry(GetParam().type, jpeg2000Of(picture, Jpeg2000Form::rgba))});
@@ -91,7 +91,7 @@ TEST_P(IcnsFileTestModernTypes, HoldsJpeg2000) {
     EXPECT_EQ(file.decode(0), picture);
 }
 
-TEST_P(IcnsFileTestModernTypes, HoldsArgbPlanes) {
+TEST_P(IcnsFileTestModernTypes, ContainsArgbPlanes) {
     const QImage picture = testPicture(GetParam().side);
     const IcnsFile file = fileOf({icnsEntry(GetParam().type, argbOf(picture))});
     EXPECT_EQ(file.entries().at(0).encoding, IcnsEncoding::argb);

@@ -40,25 +40,25 @@ TEST(IcnsHostileFileTest, IsNotAContainerWithoutItsSignature) {
     EXPECT_FALSE(IcnsFile::parse(std::string("icns\0\0\0", 7)));
 }
 
-TEST(IcnsHostileFileTest, IsReadAsFarAsItGoesWhenItsOwnSizeLies) {
+TEST(IcnsHostileFileTest, IsReadToItsEndIfItsDeclaredSizeIsWrong) {
     for (const std::uint32_t size : {0U, 7U, 0x7FFFFFFFU, 0xFFFFFFFFU}) {
         EXPECT_EQ(imagesIn(withNumber(icnsOf({good}), 4, size)), 1U) << size;
     }
     EXPECT_EQ(imagesIn(icnsOf({good}) + good), 1U) << "what follows the container is not its own";
 }
 
-class IcnsHostileFileTestLyingChunks : public ::testing::TestWithParam<std::uint32_t> {};
-INSTANTIATE_TEST_SUITE_P(HostileIcns, IcnsHostileFileTestLyingChunks,
+class IcnsHostileFileTestInvalidSizes : public ::testing::TestWithParam<std::uint32_t> {};
+INSTANTIATE_TEST_SUITE_P(HostileIcns, IcnsHostileFileTestInvalidSizes,
                          ::testing::Values(1, 7, 0x7FFFFFFF, 0x80000000, 0xFFFFFFFF, 0xFFFFFFF8));
 
-TEST_P(IcnsHostileFileTestLyingChunks, EndsItsFamilyAndKeepsWhatCameBefore) {
+TEST_P(IcnsHostileFileTestInvalidSizes, EndsItsFamilyAndKeepsWhatCameBefore) {
     EXPECT_EQ(imagesIn(icnsOf({good, icnsEntry("ic11", png(32), GetParam()), good})), 1U);
     EXPECT_EQ(imagesIn(icnsOf({icnsEntry("slct", icnsEntry("ic11", png(32), GetParam())), good})),
               1U)
         << "an invalid size inside a nested family does not affect the outer one";
 }
 
-TEST(IcnsHostileFileTest, MayHoldAChunkOfNothing) {
+TEST(IcnsHostileFileTest, MayContainAnEmptyChunk) {
     EXPECT_EQ(imagesIn(icnsOf({icnsEntry("ic11", ""), icnsEntry("is32", ""), icnsEntry("ics#", ""),
                                icnsEntry("slct", ""), good})),
               1U);
@@ -176,7 +176,7 @@ TEST(IcnsHostileFileTest, RefusesJpeg2000OfAbsurdGeometry) {
     EXPECT_FALSE(jpeg2000Size(manyComponents).isValid());
 }
 
-TEST(IcnsHostileFileTest, RefusesAJpeg2000BoxWhoseSizeLies) {
+TEST(IcnsHostileFileTest, RefusesAJpeg2000BoxOfAnInvalidSize) {
     const std::string bytes = jpeg2000Of(testPicture(16), Jpeg2000Form::rgb);
     const std::size_t box = bytes.find("jp2c") - 4;
     EXPECT_FALSE(jpeg2000Size(withNumber(bytes, 12, 7)).isValid());

@@ -187,7 +187,7 @@ void expectShadow(const DrawnIcon& icon, int x, const std::vector<int>& distance
         const auto above = static_cast<int>(upper) - 1 - distance;
         EXPECT_NEAR(qAlpha(icon.image().pixel(x, below)), expectedShadow(distance + 0.5, side), 6)
             << distance << " below, " << side;
-        // Above, the shadow's edge lies inside by as much as it lies outside below.
+        // Above, the shadow's edge is as far inside as it is outside below.
         EXPECT_NEAR(qAlpha(icon.image().pixel(x, above)),
                     expectedShadow(distance + 0.5 + 2 * 0.004 * side, side), 6)
             << distance << " above, " << side;

@@ -121,7 +121,7 @@ private:
     rlimit old_{};
 };
 
-TEST_F(WrapperIconTest, IsAPlainCopyWhereTheDrawnOneFindsNoRoom) {
+TEST_F(WrapperIconTest, IsAPlainCopyIfThereIsNoSpaceForTheDrawnOne) {
     options_.customIcon = folder_ / "custom.icns";
     label("Work");
     ASSERT_LT(plain_.size(), 16384U);
@@ -129,7 +129,7 @@ TEST_F(WrapperIconTest, IsAPlainCopyWhereTheDrawnOneFindsNoRoom) {
     EXPECT_EQ(read(generatedIcon()), plain_);
 }
 
-TEST_F(WrapperIconTest, WhereNeitherFindsRoomTheErrorSaysSo) {
+TEST_F(WrapperIconTest, IfThereIsNoSpaceForEitherTheErrorSaysSo) {
     write(folder_ / "custom.icns", plain_ + std::string(20000, 'x'));
     options_.customIcon = folder_ / "custom.icns";
     label("Work");

@@ -1,4 +1,4 @@
-// What is no configuration, and above all what was made to harm: simply no clone.
+// Files that are not a configuration, malicious ones in particular: none is read as a clone.
 #include "LaunchKit/InstanceConfig.h"
 
 #include "tests/support/TemporaryHome.h"
@@ -12,7 +12,7 @@ namespace {
 using namespace testing;
 namespace fs = std::filesystem;
 
-// A valid file but for these members.
+// A valid file except for these members.
 std::string with(const std::string& members) {
     return R"({"displayName":"N","bundleId":"b","instanceHome":"~/I",)" + members + "}";
 }
@@ -101,14 +101,14 @@ TEST(RecordReaderTest, CompletenessForAKindIsNotItsBusiness) {
     EXPECT_EQ(config->commandPath, std::nullopt);
 }
 
-TEST(RecordReaderTest, UnknownNamesAreNoValues) {
+TEST(RecordReaderTest, UnknownNamesAreRefused) {
     EXPECT_FALSE(decoded(with(R"("strategy":"home_override")")));
     EXPECT_FALSE(decoded(with(R"("strategy":"")")));
     EXPECT_FALSE(decoded(with(R"("kind":"App")")));
     EXPECT_FALSE(decoded(with(R"("iconLabel":{"text":"a","colorHex":"b","position":"left"})")));
 }
 
-TEST(RecordReaderTest, ALabelIsWholeOrTheFileIsNone) {
+TEST(RecordReaderTest, AnIncompleteLabelInvalidatesTheFile) {
     EXPECT_TRUE(decoded(with(R"("iconLabel":{"text":"a","colorHex":"b","position":"top"})")));
     EXPECT_TRUE(
         decoded(with(R"("iconLabel":{"x":[{}],"text":"a","colorHex":"b","position":"top"})")));
@@ -121,7 +121,7 @@ TEST(RecordReaderTest, ALabelIsWholeOrTheFileIsNone) {
     EXPECT_FALSE(decoded(with(R"("iconLabel":"a")")));
 }
 
-TEST(RecordReaderTest, AValueOfTheWrongTypeIsNoFallback) {
+TEST(RecordReaderTest, AValueOfTheWrongTypeIsNotReplacedByTheDefault) {
     for (const char* members : {R"("url":1)",
                                 R"("url":["a"])",
                                 R"("targetAppPath":true)",
@@ -162,13 +162,13 @@ TEST(RecordReaderTest, OnlyAnObjectIsAConfiguration) {
     }
 }
 
-TEST(RecordReaderTest, NothingMayStandBehindTheObject) {
+TEST(RecordReaderTest, NothingMayFollowTheObject) {
     EXPECT_FALSE(decoded(with("\"url\":\"a\"") + "x"));
     EXPECT_FALSE(decoded(with("\"url\":\"a\"") + "{}"));
     EXPECT_TRUE(decoded(with("\"url\":\"a\"") + "\n\n"));
 }
 
-TEST(RecordReaderTest, EveryTruncationIsNone) {
+TEST(RecordReaderTest, EveryTruncationIsRefused) {
     const std::string whole =
         with(R"("iconLabel":{"text":"a","colorHex":"b","position":"top"},"extraArgs":["a"])");
     for (std::size_t length = 0; length < whole.size(); ++length) {
@@ -176,7 +176,7 @@ TEST(RecordReaderTest, EveryTruncationIsNone) {
     }
 }
 
-TEST(RecordReaderTest, OfAKeyThatStandsTwiceTheFirstCounts) {
+TEST(RecordReaderTest, TheFirstOfDuplicateKeysCounts) {
     EXPECT_EQ(decoded(with(R"("url":"a","url":"b")")).value().url, "a");
     EXPECT_EQ(decoded(with(R"("url":"a","url":7,"url":{"x":[1]})")).value().url, "a");
     EXPECT_EQ(decoded(with(R"("displayName":"other")")).value().displayName, "N");
@@ -195,7 +195,7 @@ TEST(RecordReaderTest, OfAKeyThatStandsTwiceTheFirstCounts) {
     EXPECT_EQ(label.value().iconLabel, (IconLabel{"a", "c", IconLabel::Position::top}));
 }
 
-TEST(RecordReaderTest, AByteOrderMarkMeansNothing) {
+TEST(RecordReaderTest, AByteOrderMarkIsIgnored) {
     EXPECT_EQ(decoded("\xEF\xBB\xBF" + with(R"("url":"a")")).value().url, "a");
     EXPECT_FALSE(decoded("\xEF\xBB\xBF\xEF\xBB\xBF" + with(R"("url":"a")")));
 }
@@ -226,7 +226,7 @@ TEST(RecordReaderTest, AnUnknownKeyMayHoldAnything) {
     expectIgnored("\"unknown\":-" + digits + "." + digits);
 }
 
-TEST(RecordReaderTest, WhatIsNoJsonStaysNoneUnderAnUnknownKey) {
+TEST(RecordReaderTest, InvalidJsonIsRefusedEvenUnderAnUnknownKey) {
     for (const char* value :
          {"",          "1e",         "01",    "+1",   ".5",   "1.",     "-",       "0x10",
           "NaN",       "nul",        "tru",   "'a'",  "\"a",  "\"\t\"", R"("\x")", R"("\u12g4")",
@@ -240,28 +240,28 @@ TEST(RecordReaderTest, WhatIsNoJsonStaysNoneUnderAnUnknownKey) {
     EXPECT_FALSE(decoded("[" + with("\"unknown\":1e999") + "]"));
 }
 
-TEST(RecordReaderTest, NumbersOutOfRangeAreNone) {
+TEST(RecordReaderTest, NumbersOutOfRangeAreRefused) {
     for (const char* number :
          {"1e999", "-1e999", "99999999999999999999999999", "1e", "0x10", "NaN", "01"}) {
         EXPECT_FALSE(decoded(with("\"menuBarIcon\":" + std::string(number)))) << number;
     }
 }
 
-TEST(RecordReaderTest, TextThatIsNotUtf8IsNone) {
+TEST(RecordReaderTest, TextThatIsNotUtf8IsRefused) {
     EXPECT_FALSE(decoded(with("\"url\":\"\xFF\"")));
     EXPECT_FALSE(decoded(with("\"url\":\"caf\xE9\"")));
     EXPECT_FALSE(decoded(with("\"\xC0\xAF\":\"a\"")));
     EXPECT_FALSE(decoded(with("\"unknown\":\"\xED\xA0\x80\"")));
 }
 
-TEST(RecordReaderTest, LoneSurrogatesAreNone) {
+TEST(RecordReaderTest, LoneSurrogatesAreRefused) {
     EXPECT_FALSE(decoded(with(R"("url":"\ud800")")));
     EXPECT_FALSE(decoded(with(R"("url":"\udc00x")")));
     EXPECT_FALSE(decoded(with(R"("url":"\ud800\ud800")")));
     EXPECT_EQ(decoded(with(R"("url":"\ud83d\ude00")"))->url, "😀");
 }
 
-TEST(RecordReaderTest, EndlessNestingIsNoTrouble) {
+TEST(RecordReaderTest, EndlessNestingIsHarmless) {
     constexpr std::size_t deep = 100'000;
     EXPECT_FALSE(decoded(repeated("[", deep)));
     EXPECT_FALSE(decoded(repeated("{\"a\":", deep)));
@@ -271,14 +271,14 @@ TEST(RecordReaderTest, EndlessNestingIsNoTrouble) {
     expectIgnored("\"unknown\":" + repeated("{\"a\":", deep) + "1" + repeated("}", deep));
 }
 
-TEST(RecordReaderTest, AnUnknownValueMayNestAsItLikes) {
+TEST(RecordReaderTest, AnUnknownValueMayNestToAnyDepth) {
     for (const std::size_t levels : {511U, 512U, 513U, 514U, 1'000'000U}) {
         expectIgnored("\"unknown\":" + repeated("[", levels) + repeated("]", levels));
     }
     expectIgnored("\"unknown\":[" + repeated("[[]],", 10'000) + "0]");
 }
 
-TEST(RecordReaderTest, WhatIsNoReadableFileHoldsNoConfiguration) {
+TEST(RecordReaderTest, AnUnreadableFileIsNotAConfiguration) {
     const TemporaryFolder folder;
     ::mkfifo((folder / "fifo").c_str(), 0600);
     fs::create_symlink(folder / "loop", folder / "loop");
@@ -290,7 +290,7 @@ TEST(RecordReaderTest, WhatIsNoReadableFileHoldsNoConfiguration) {
     EXPECT_FALSE(InstanceConfig::read("/dev/zero"));
 }
 
-TEST(RecordReaderTest, AHugeFileHoldsNoConfiguration) {
+TEST(RecordReaderTest, AHugeFileIsNotAConfiguration) {
     const TemporaryFolder folder;
     write(folder / "huge", with("\"url\":\"a\""));
     fs::resize_file(folder / "huge", std::uintmax_t{100} << 20U);

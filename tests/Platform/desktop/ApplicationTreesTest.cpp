@@ -57,13 +57,13 @@ protected:
         const fs::path bundle = makeScriptedAppBundle(
             folder_ / "Thing.app",
             "if [ -z \"$AGAIN\" ]; then AGAIN=1 /bin/sh -c \"'$0'; :\" & fi; echo x >> '" +
-                told().string() + "'; while :; do sleep 0.05; done");
+                reports().string() + "'; while :; do sleep 0.05; done");
         return bundle;
     }
 
-    [[nodiscard]] fs::path told() const { return folder_ / "told"; }
-    [[nodiscard]] bool hasTold(std::size_t times) const {
-        return waitUntil([&] { return read(told()).size() >= 2 * times; });
+    [[nodiscard]] fs::path reports() const { return folder_ / "reports"; }
+    [[nodiscard]] bool hasReported(std::size_t times) const {
+        return waitUntil([&] { return read(reports()).size() >= 2 * times; });
     }
 
     TemporaryFolder folder_;
@@ -84,7 +84,7 @@ TEST_F(ApplicationTreesTest, LockWaitersAreMarkedByAnArrow) {
 
 TEST_F(ApplicationTreesTest, AnApplicationWithSeveralProcessesCountsOnceByItsTopmost) {
     const pid_t top = start(appWithHelper());
-    ASSERT_TRUE(hasTold(2));
+    ASSERT_TRUE(hasReported(2));
     // Briefly, a shell's child is a copy of the shell, and also counts as part of its tree.
     for (int look = 0; look < 20; ++look) {
         const auto found = ours();
@@ -97,7 +97,7 @@ TEST_F(ApplicationTreesTest, TwoStartedSeparatelyCountTwice) {
     const fs::path bundle = appWithHelper();
     const pid_t first = start(bundle);
     const pid_t second = start(bundle);
-    ASSERT_TRUE(hasTold(4));
+    ASSERT_TRUE(hasReported(4));
     const auto found = ours();
     ASSERT_THAT(found, SizeIs(2));
     EXPECT_EQ(std::set<pid_t>({found[0].pid, found[1].pid}), std::set<pid_t>({first, second}));

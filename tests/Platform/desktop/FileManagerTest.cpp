@@ -86,7 +86,7 @@ TEST_F(FileManagerTest, ARelativePathIsShownWhereItIs) {
 TEST_F(FileManagerTest, IsAnErrorIfNoFileManagerReplies) {
     try {
         workspace_->reveal("/A/Work.app");
-        FAIL() << "somebody answered";
+        FAIL() << "a file manager answered";
     } catch (const PlatformError& error) {
         EXPECT_TRUE(
             error.description().starts_with("“Work.app” couldn’t be shown in the file manager"))

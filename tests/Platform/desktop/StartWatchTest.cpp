@@ -77,24 +77,25 @@ TEST_F(StartWatchTest, AnAnnouncedReportMayTakeLongerThanAnOldRunnersTimeout) {
 
 TEST_F(StartWatchTest, ARunnerThatAnnouncesAReportAndEndsWithoutOneHasFailed) {
     EXPECT_EQ(open("printf ." + report + "; exit 3"),
-              "“Work.app” couldn’t be opened: it ended at once, with status 3");
+              "“Work.app” couldn’t be opened: it ended immediately with status 3");
     EXPECT_EQ(open("printf ." + report + "; kill -SEGV $$"),
-              "“Work.app” couldn’t be opened: it was ended at once, by signal 11");
+              "“Work.app” couldn’t be opened: it was ended immediately by signal 11");
 }
 
 TEST_F(StartWatchTest, AnOldRunnersFailureIsRecognizedByItsStatus) {
-    EXPECT_EQ(open("exit 71"), "“Work.app” couldn’t be opened: it ended at once, with status 71");
+    EXPECT_EQ(open("exit 71"),
+              "“Work.app” couldn’t be opened: it ended immediately with status 71");
 }
 
 TEST_F(StartWatchTest, ARunnerThatCantRunOrCrashesBeforeItReportsHasFailed) {
     for (const int status : {126, 127}) {
         EXPECT_EQ(open("exit " + std::to_string(status)),
-                  "“Work.app” couldn’t be opened: it ended at once, with status " +
+                  "“Work.app” couldn’t be opened: it ended immediately with status " +
                       std::to_string(status));
     }
     for (const int signal : {SIGILL, SIGABRT, SIGBUS, SIGFPE, SIGSEGV, SIGSYS}) {
         EXPECT_EQ(open("kill -" + std::to_string(signal) + " $$"),
-                  "“Work.app” couldn’t be opened: it was ended at once, by signal " +
+                  "“Work.app” couldn’t be opened: it was ended immediately by signal " +
                       std::to_string(signal));
     }
 }
@@ -194,7 +195,7 @@ TEST_F(StartWatchTest, StartReportsAreDiscardedWithoutAPipe) {
         StartReport().failed("lost");
     }
     EXPECT_EQ(read(folder / "file"), "kept");
-    EXPECT_GE(::fcntl(file.descriptor(), F_GETFD), 0) << "somebody else's file stays open";
+    EXPECT_GE(::fcntl(file.descriptor(), F_GETFD), 0) << "a file of another owner stays open";
 }
 
 TEST_F(StartWatchTest, StartReportSurvivesAClosedPipe) {

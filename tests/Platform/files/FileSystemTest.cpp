@@ -258,7 +258,7 @@ TEST_F(FileSystemTest, AppendingCreatesTheFile) {
 TEST_F(FileSystemTest, AppendingNeverBlocksOnASpecialFile) {
     EXPECT_FALSE(openForAppending(fifo()));
     const FileHandle reader(::open(fifo().c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
-    EXPECT_FALSE(openForAppending(fifo())) << "not even when somebody reads it";
+    EXPECT_FALSE(openForAppending(fifo())) << "not even if another process reads it";
     EXPECT_FALSE(openForAppending(folder_.path()));
     EXPECT_FALSE(openForAppending(at("none/log")));
     EXPECT_FALSE(openForAppending(linkToItself()));

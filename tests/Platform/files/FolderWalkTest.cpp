@@ -104,13 +104,13 @@ TEST_F(FolderWalkTest, ReportsEveryFolderThatItCantListForLackOfDescriptors) {
             ::setrlimit(RLIMIT_NOFILE, &few);
             FolderWalk walk(root.descriptor(), mount);
             bool file = false;
-            bool told = false;
+            bool reported = false;
             while (const auto step = walk.next()) {
                 file = file || step->kind == FolderWalk::Kind::item;
-                told =
-                    told || (step->kind == FolderWalk::Kind::unreadable && step->error == EMFILE);
+                reported = reported ||
+                           (step->kind == FolderWalk::Kind::unreadable && step->error == EMFILE);
             }
-            return file != told;
+            return file != reported;
         };
         for (rlim_t more = 0; more < 12; ++more) {
             if (!fits(more)) {
@@ -130,7 +130,7 @@ TEST_F(FolderWalkTest, DoesNotLeaveThroughAFolderThatWasMoved) {
     const FileHandle root = opened();
     FolderWalk walk(root.descriptor(), *mountOf(root.descriptor()));
     ASSERT_TRUE(walk.next());
-    // All but the last few dozen folders are closed by now.
+    // All but the last few dozen folders are closed at this point.
     fs::rename(folder_ / "root/d/d/d", folder_ / "elsewhere/d");
     const auto elsewhere = identityOf(folder_ / "elsewhere");
     ASSERT_TRUE(elsewhere);

@@ -131,7 +131,7 @@ TEST_P(MountedRemovalTest, AMountAddedAfterTheCheckStaysToo) {
         bindMount(at("foreign/file"), at("tree/z/file"));
         const RemovalReport report = removal->remove();
         if (report.isComplete() || !report.failure) {
-            return "told that all is gone";
+            return "reported that everything was removed";
         }
         if (fs::exists(at("tree/a"))) {
             return "the rest was not removed";

@@ -176,7 +176,7 @@ TEST_F(IsolatedEnvironmentTest, FoldersOutsideTheUsersHomeAreNotSharedByAccident
                                                 "XDG_MUSIC_DIR=\"$HOME/music\"\n"));
 }
 
-TEST_F(IsolatedEnvironmentTest, AFileThatSomebodyElseWroteStays) {
+TEST_F(IsolatedEnvironmentTest, AFileWrittenByAnotherProgramIsKept) {
     const std::string own = "XDG_DOWNLOAD_DIR=\"$HOME/mine\"\n";
     write(home + "/.config/user-dirs.dirs", own);
     (void)environment();

@@ -28,7 +28,7 @@ public:
     }
     ~HeldStream() { letGo(); }
 
-    /// Waits until an event has come, behind which all others queue up.
+    /// Waits until an event has arrived; all others queue up after it.
     [[nodiscard]] bool holds() {
         return waitUntil([&] { return holding_.load(); });
     }

@@ -10,7 +10,7 @@ namespace {
 using namespace testing;
 namespace fs = std::filesystem;
 
-// Makes folders as deep as six, with files in all of them; gives every path.
+// Makes folders as deep as six, with files in all of them, and returns every path.
 std::vector<std::string> makeStorm(const fs::path& base, int folders, int filesInEach) {
     std::vector<std::string> made;
     std::vector<fs::path> places{base};

@@ -43,7 +43,7 @@ private:
 /// Records the changes below some folders from its construction on.
 class Recording {
 public:
-    /// Throws `std::runtime_error` if the system gives no stream.
+    /// Throws `std::runtime_error` if no stream can be created.
     explicit Recording(const std::vector<std::filesystem::path>& folders);
     explicit Recording(const std::filesystem::path& folder) : Recording(std::vector{folder}) {}
 

@@ -19,7 +19,7 @@ protected:
     TemporaryFolder folder_;
 };
 
-TEST_F(RootSentinelsTest, NoticesARootThatComesGoesAndIsReplaced) {
+TEST_F(RootSentinelsTest, NoticesARootThatAppearsDisappearsAndIsReplaced) {
     RootSentinels sentinels({at("root")});
     ASSERT_TRUE(sentinels.works());
     EXPECT_THAT(sentinels.takeChanged(), IsEmpty());

@@ -56,10 +56,10 @@ TEST_F(WatchTreeTest, ReportsNothingOfWhatIsThereAtTheStart) {
     EXPECT_THAT(reported(), ElementsAre(Key("/sub/file"))) << "folders below are watched";
 }
 
-TEST_F(WatchTreeTest, ReportsARootThatComesWithAllThatItHolds) {
+TEST_F(WatchTreeTest, ReportsARootThatAppearsWithAllItsContents) {
     watch();
     write(at("sub/file"), "text");
-    EXPECT_THAT(reported(), IsEmpty()) << "a missing root is somebody else's to notice";
+    EXPECT_THAT(reported(), IsEmpty()) << "a missing root is noticed elsewhere";
     tree_.settle(0, true);
     EXPECT_THAT(reported(), UnorderedElementsAre(Key(""), Key("/sub"), Key("/sub/file")));
 }
@@ -85,7 +85,7 @@ TEST_F(WatchTreeTest, KnowsARenamedFolderByItsNewName) {
     EXPECT_THAT(reported(), ElementsAre(Key("/new/sub/file")));
 }
 
-TEST_F(WatchTreeTest, LetsGoOfAFolderThatMovedOut) {
+TEST_F(WatchTreeTest, StopsWatchingAFolderThatMovedOut) {
     write(at("leaving/file"), "text");
     watch();
     EXPECT_FALSE(tree_.tidyDue());

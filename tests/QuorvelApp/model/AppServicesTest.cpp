@@ -31,7 +31,7 @@ protected:
         request.url = "https://example.com";
         return request;
     }
-    // What creating fails with; empty when it does not.
+    // The error's text; empty if creating succeeds.
     static std::string failure() {
         try {
             (void)AppServices::system().createWrapper(request());
@@ -59,7 +59,7 @@ TEST_F(AppServicesTest, SaysSoWhenTheFolderOfClonesCantBeMade) {
 TEST_F(AppServicesTest, SaysSoWhenTheFolderOfClonesIsReadOnly) {
     const TemporaryFolder folder;
     const ScopedEnvironment elsewhere("CFFIXED_USER_HOME", folder.path().string());
-    // Where that user can reach it, though the build may lie in a home that is closed to others.
+    // Where that user can reach it, since the build may be in a home that others can't enter.
     const auto runner = RunnerLocator::locate(ApplicationFolders::current());
     ASSERT_TRUE(runner);
     fs::create_directories(folder / ".build/release");
@@ -107,7 +107,7 @@ TEST(AppServicesTestFullDisk, DISABLED_Within) {
         EXPECT_EQ(error.code(), std::errc::no_space_on_device);
         EXPECT_THAT(error.what(), EndsWith("no space left on device"));
     }
-    EXPECT_NO_THROW(checkRequest(request)) << "once there is room, it may be made";
+    EXPECT_NO_THROW(validateRequest(request)) << "once there is space, it may be created";
 }
 
 TEST_F(AppServicesTest, AFullDiskIsReportedAndTheCloneMayBeMadeLater) {

@@ -63,13 +63,12 @@ TEST(DisplayTextTest, IsCutBetweenWholeCharacters) {
     for (int mark = 0; mark < 100000; ++mark) {
         endless += "\u0301";
     }
-    EXPECT_EQ(displayLine(endless).size(), longestDisplayLine + 1)
-        << "one character, without an end";
-    std::string faces;
-    for (int face = 0; face < 100000; ++face) {
-        faces += "工";
+    EXPECT_EQ(displayLine(endless).size(), longestDisplayLine + 1) << "a single endless character";
+    std::string wide;
+    for (int count = 0; count < 100000; ++count) {
+        wide += "工";
     }
-    EXPECT_EQ(displayLine(faces), QString(longestDisplayLine, u'工') + u'…');
+    EXPECT_EQ(displayLine(wide), QString(longestDisplayLine, u'工') + u'…');
 }
 
 TEST(DisplayTextTest, BreakableMarksPathsAfterTheirSeparators) {

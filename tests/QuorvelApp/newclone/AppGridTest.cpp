@@ -257,7 +257,7 @@ TEST_F(AppGridTestTile, HasALockOf15PointsAndARingThreePointsOutwardOfItsIcon) {
     const int right = iconLeft + 48 + 3;
     const int bottom = iconTop + 48 + 3;
     const QRect circle(2 * (right - 15), 2 * (bottom - 15), 2 * 15, 2 * 15);
-    // The ring is of the ground's colour, so that it shows over the icon alone.
+    // The ring is of the ground's color, so that it shows over the icon alone.
     EXPECT_EQ(difference(plain, locked), circle.adjusted(-3, -3, 0, 0));
     QRect orange;
     QRect white;

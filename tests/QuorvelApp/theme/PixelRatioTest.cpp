@@ -12,7 +12,7 @@ namespace {
 namespace fs = std::filesystem;
 using namespace Qt::StringLiterals;
 
-/// Every pixel of the picture is another colour, so that one that was drawn at another size shows.
+/// Every pixel of the picture is another color, so that one that was drawn at another size shows.
 QImage pattern(int side) {
     QImage image(side, side, QImage::Format_ARGB32);
     for (int y = 0; y < side; ++y) {

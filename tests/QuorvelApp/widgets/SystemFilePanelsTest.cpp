@@ -27,16 +27,16 @@ protected:
         fs::create_directories(folder / "inside");
     }
 
-    /// Opens the panel, has `person` use it, and returns what was chosen.
+    /// Opens the panel, calls `act` with it as the user would use it, and returns the choice.
     std::optional<fs::path> use(const FilePanels::Panel& panel,
-                                const std::function<void(QFileDialog&)>& person) {
+                                const std::function<void(QFileDialog&)>& act) {
         bool used = false;
         QTimer::singleShot(0, qApp, [&] {
             auto* dialog = qobject_cast<QFileDialog*>(QApplication::activeModalWidget());
             ASSERT_NE(dialog, nullptr);
             dialog->setDirectory(QString::fromStdString(folder.path().string()));
             used = true;
-            person(*dialog);
+            act(*dialog);
             if (dialog->isVisible()) {
                 dialog->reject();
             }

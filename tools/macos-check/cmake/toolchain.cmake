@@ -1,4 +1,4 @@
-# Lets CMake take this for a build on a Mac, as far as configuring goes. Nothing is built with it.
+# Makes CMake configure as on a Mac. Nothing is built with it.
 set(CMAKE_SYSTEM_NAME Darwin)
 set(CMAKE_SYSTEM_VERSION 22.0)
 set(CMAKE_SYSTEM_PROCESSOR arm64)

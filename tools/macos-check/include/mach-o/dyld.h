@@ -2,7 +2,7 @@
 
 #include <stdint.h>
 
-/// Fails, and tells the size that is needed, when the buffer is too small.
+/// Fails if the buffer is too small, and sets the size to the one needed.
 #ifdef __cplusplus
 extern "C" {
 #endif

@@ -6,7 +6,7 @@
 #define st_atimespec st_atim
 #define st_mtimespec st_mtim
 
-// An item's flags, in room that this system's structure keeps free.
+// An item's flags, in space that this system's structure reserves.
 #define st_flags __glibc_reserved[0]
 #define UF_IMMUTABLE 0x00000002U
 #define UF_APPEND 0x00000004U
