@@ -4,12 +4,12 @@
 
 namespace quorvel {
 
-/// What the files of a folder say about the engine of the program `name` in it. Java is not told
-/// by files alone, so it is never the answer.
+/// Returns the engine of the program `name` as the files beside it indicate. Never Java, which
+/// files alone don't indicate.
 [[nodiscard]] ResolvedProgram::Engine engineIn(const std::filesystem::path& folder,
                                                const std::string& name);
 
-/// Whether a Java archive lies in the folder.
+/// Returns whether the folder contains a Java archive.
 [[nodiscard]] bool hasJar(const std::filesystem::path& folder);
 
 /// The name of the Firefox family's program in a folder, by which its windows are known.

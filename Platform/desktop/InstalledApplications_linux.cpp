@@ -93,7 +93,7 @@ struct Candidate {
     std::string program{};
 };
 
-// What can be told of an entry without looking for its programs.
+// Decided without looking for the entry's programs.
 bool isWanted(const DesktopEntry& entry, const std::vector<std::string>& desktops) {
     return entry.type == "Application" && !entry.name.empty() && !entry.hidden &&
            !entry.noDisplay && !entry.terminal && entry.cloneId.empty() &&

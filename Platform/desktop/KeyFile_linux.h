@@ -13,32 +13,40 @@ namespace quorvel {
 /// Where a group or a key is missing, or a value is not UTF-8, the answer is as if it were empty.
 class KeyFile {
 public:
-    /// Returns std::nullopt if a line is none of that form, or if the text holds a NUL byte. Of the
-    /// translations, only those into `languages` are kept ("de_DE", "de"). Lists are divided by
-    /// `separator`.
+    /// Returns std::nullopt if a line has another form or the text contains a NUL byte. Only the
+    /// translations into `languages` are kept ("de_DE", "de"). `separator` divides lists.
     [[nodiscard]] static std::optional<KeyFile>
     parse(std::string_view text, const std::vector<std::string>& languages, char separator = ';');
 
     KeyFile();
+    /// Sets the value of a key; creates the group if it is missing.
     void set(const std::string& group, const char* key, const std::string& value);
+    /// Sets "true" or "false".
     void set(const std::string& group, const char* key, bool value);
+    /// Sets a list, each entry followed by the separator.
     void set(const std::string& group, const char* key, const std::vector<std::string>& values);
 
+    /// Returns whether the group exists.
     [[nodiscard]] bool hasGroup(const std::string& group) const;
+    /// Returns whether the group exists and has the key.
     [[nodiscard]] bool has(const std::string& group, const char* key) const;
 
+    /// Returns the value with its escapes resolved.
     [[nodiscard]] std::string text(const std::string& group, const char* key) const;
+    /// Returns the entries of a list.
     [[nodiscard]] std::vector<std::string> list(const std::string& group, const char* key) const;
+    /// Returns true for "true" only.
     [[nodiscard]] bool boolean(const std::string& group, const char* key) const;
-    /// 0 for what is no whole number.
+    /// Returns 0 if the value is not a whole number.
     [[nodiscard]] int number(const std::string& group, const char* key) const;
 
-    /// In the first of the languages there is, else not translated.
+    /// Returns the value in the first of the languages that has one, else untranslated.
     [[nodiscard]] std::string translated(const std::string& group, const char* key) const;
+    /// Returns the entries of the list that `translated` would return.
     [[nodiscard]] std::vector<std::string> translatedList(const std::string& group,
                                                           const char* key) const;
 
-    /// The file's text.
+    /// Returns the text of the whole file.
     [[nodiscard]] std::string text() const;
 
 private:

@@ -6,7 +6,7 @@
 
 namespace quorvel {
 
-/// What can be told of a script by which a program is started, without running it.
+/// What a script that starts a program reveals without being run.
 struct LauncherScript {
     /// The name of the program that runs it, such as "sh" or "python3".
     std::string interpreter{};
