@@ -233,7 +233,7 @@ TEST_F(DataFolderGuardTest, AnotherUsersHomeIsSpared) {
         bindMount(folder_ / "passwd", "/etc/passwd");
         for (const std::string& path : {(folder_ / "mallory/data").string(),
                                         (folder_ / "mallory").string(), folder_.path().string()}) {
-            const std::string expected = "in the home of the user “mallory”";
+            const std::string expected = "inside the home of the user “mallory”";
             // Asked first, since the clone that is made then has the folder, too.
             const std::string ofNew = refusalOfNew(path);
             const InstanceRecord record = cloneWithHome(path);
