@@ -1,6 +1,5 @@
 // Presses Tab in real shells, among names that were made to harm.
 #include "Base/PathText.h"
-#include "LaunchKit/InstanceConfig.h"
 #include "Platform/files/FileSystem.h"
 #include "tests/CommandLine/InteractiveShell.h"
 #include "tests/support/AppBundles.h"

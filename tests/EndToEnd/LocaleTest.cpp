@@ -1,5 +1,4 @@
 // The built program, for users whose settings are odd.
-#include "LaunchKit/InstanceConfig.h"
 #include "tests/Packaging/Commands.h"
 #include "tests/support/AppBundles.h"
 

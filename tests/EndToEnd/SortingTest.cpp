@@ -1,5 +1,4 @@
 // The order of names in the user's locale.
-#include "LaunchKit/InstanceConfig.h"
 #include "tests/EndToEnd/Programs.h"
 #include "tests/support/AppBundles.h"
 

@@ -1,6 +1,5 @@
 #include "LaunchKit/AppCatalog.h"
 
-#include "LaunchKit/InstanceConfig.h"
 #include "tests/support/AppBundles.h"
 #include "tests/support/TemporaryHome.h"
 

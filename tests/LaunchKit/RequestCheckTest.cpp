@@ -1,5 +1,4 @@
 #include "LaunchKit/RequestCheck.h"
-#include "LaunchKit/InstanceConfig.h"
 #include "tests/support/AppBundles.h"
 #include "tests/support/TemporaryHome.h"
 #include "tests/support/UnprivilegedUser.h"
@@ -76,7 +75,7 @@ TEST_F(RequestCheckTest, DistinguishesControlCharactersFromOthers) {
 }
 
 TEST_F(RequestCheckTest, AllowsMakingACloneAgain) {
-    makeWrapper(place, minimalConfig());
+    makeWrapper(place, "Work");
     EXPECT_EQ(refusal(request()), "");
 }
 
@@ -167,7 +166,7 @@ TEST_F(RequestCheckTest, FollowsNoLinkOfAnUnfinishedWrapper) {
 }
 
 TEST_F(RequestCheckTest, RefusesToUsePartsOfTheCloneThatItReplaces) {
-    makeWrapper(place, minimalConfig());
+    makeWrapper(place, "Work");
     const fs::path part = place / "Contents/Resources/AppIcon.icns";
     for (const fs::path& used : {part, place, place / "."}) {
         const std::string text = used.string() + " belongs to the clone that would be replaced.";
@@ -182,7 +181,7 @@ TEST_F(RequestCheckTest, RefusesToUsePartsOfTheCloneThatItReplaces) {
 }
 
 TEST_F(RequestCheckTest, RecognizesAPartOfTheReplacedCloneThroughALink) {
-    makeWrapper(place, minimalConfig());
+    makeWrapper(place, "Work");
     fs::create_directory_symlink(place / "Contents", home / "link");
     WrapperFactory::Request withIcon = request();
     withIcon.customIcon = home / "link/Resources/instance.json";
@@ -190,8 +189,8 @@ TEST_F(RequestCheckTest, RecognizesAPartOfTheReplacedCloneThroughALink) {
 }
 
 TEST_F(RequestCheckTest, AllowsPartsOfOtherBundles) {
-    makeWrapper(place, minimalConfig());
-    const fs::path other = makeWrapper(home / "Applications/Other.app", minimalConfig("Other"));
+    makeWrapper(place, "Work");
+    const fs::path other = makeWrapper(home / "Applications/Other.app", "Other");
     WrapperFactory::Request parts = request();
     parts.targetApp = other;
     parts.customIcon = home / "nowhere/icon.png";

@@ -1,6 +1,5 @@
 #pragma once
 
-#include "LaunchKit/InstanceConfig.h"
 #include "QuorvelApp/CloneDetailView.h"
 #include "QuorvelApp/NewCloneView.h"
 #include "QuorvelApp/app/MainWindow.h"
@@ -16,6 +15,11 @@
 
 #include <memory>
 #include <vector>
+
+namespace quorvel {
+struct InstanceConfig;
+struct InstanceRecord;
+} // namespace quorvel
 
 namespace quorvel::testing {
 
