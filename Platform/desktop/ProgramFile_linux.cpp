@@ -29,7 +29,9 @@ template<typename Record>
 std::vector<Record> recordsAt(const ProgramFile& file, std::uint64_t offset, std::size_t count) {
     const std::string bytes = file.bytesAt(offset, count * sizeof(Record));
     std::vector<Record> records(bytes.size() / sizeof(Record));
-    std::memcpy(records.data(), bytes.data(), records.size() * sizeof(Record));
+    if (!records.empty()) { // else there is no memory to copy to
+        std::memcpy(records.data(), bytes.data(), records.size() * sizeof(Record));
+    }
     return records;
 }
 
