@@ -1,8 +1,9 @@
 #include "CommandLine/CloneTexts.h"
 
 #include "Base/TerminalText.h"
+#include "LaunchKit/AppEngine.h"
 #include "LaunchKit/InstanceRecord.h"
-#include "LaunchKit/WrapperFactory.h"
+#include "Presentation/JoinedText.h"
 
 #include <nlohmann/json.hpp>
 #include <unicode/uchar.h>
@@ -74,6 +75,7 @@ nlohmann::json jsonForm(const InstanceRecord& record, const RunningApplications&
 }
 
 nlohmann::json jsonForm(const AppBundle& bundle) {
+    const AppEngine engine = detectEngine(bundle.url, bundle.bundleId);
     return {
         {"url", bundle.url.string()},
         {"bundleId", bundle.bundleId},
@@ -81,8 +83,8 @@ nlohmann::json jsonForm(const AppBundle& bundle) {
         {"executableURL", bundle.executableURL().string()},
         {"sandboxed", bundle.sandboxed},
         {"prohibitsMultipleInstances", bundle.prohibitsMultipleInstances},
-        {"engine", rawString(WrapperFactory::detectEngine(bundle.url, bundle.bundleId))},
-        {"defaultArguments", WrapperFactory::autoDataDirArgs(bundle.url, bundle.bundleId)},
+        {"engine", rawString(engine)},
+        {"defaultArguments", dataDirArgs(engine)},
     };
 }
 
@@ -115,18 +117,15 @@ std::string description(const InstanceRecord& record, const CloneState& state) {
 }
 
 std::string description(const AppBundle& bundle) {
+    const AppEngine engine = detectEngine(bundle.url, bundle.bundleId);
     std::vector<Fact> facts{
         {"Bundle id", {bundle.bundleId}},
         {"Executable", {bundle.executableURL().string()}},
         {"Sandboxed", {yesOrNo(bundle.sandboxed)}},
         {"One copy only", {yesOrNo(bundle.prohibitsMultipleInstances)}},
-        {"Engine",
-         {std::string(rawString(WrapperFactory::detectEngine(bundle.url, bundle.bundleId)))}},
+        {"Engine", {std::string(rawString(engine))}},
     };
-    std::string arguments;
-    for (const std::string& word : WrapperFactory::autoDataDirArgs(bundle.url, bundle.bundleId)) {
-        arguments += (arguments.empty() ? "" : " ") + word;
-    }
+    const std::string arguments = joined(dataDirArgs(engine), " ");
     if (!arguments.empty()) {
         facts.push_back({"Default arguments", {arguments}});
     }

@@ -18,18 +18,13 @@ std::string alternatives(const std::vector<std::string>& names) {
 } // namespace
 
 void addRepeatable(CLI::App& command, const std::string& name, const std::string& help,
-                   const std::string& placeholder,
-                   const std::function<void(const std::string&)>& take) {
-    command.add_option_function<std::string>(name, take, help)
+                   const std::string& placeholder, std::vector<std::string>& values) {
+    command
+        .add_option_function<std::string>(
+            name, [&values](const std::string& value) { values.push_back(value); }, help)
         ->trigger_on_parse()
         ->multi_option_policy(CLI::MultiOptionPolicy::TakeLast)
         ->type_name(placeholder);
-}
-
-void addRepeatable(CLI::App& command, const std::string& name, const std::string& help,
-                   const std::string& placeholder, std::vector<std::string>& values) {
-    addRepeatable(command, name, help, placeholder,
-                  [&values](const std::string& value) { values.push_back(value); });
 }
 
 void addChoice(CLI::App& command, const std::string& name, const std::string& help,

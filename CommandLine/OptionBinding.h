@@ -14,12 +14,7 @@ class App;
 namespace quorvel {
 
 /// Adds an option that may be repeated and takes exactly one value each time, even one that looks
-/// like an option.
-void addRepeatable(CLI::App& command, const std::string& name, const std::string& help,
-                   const std::string& placeholder,
-                   const std::function<void(const std::string&)>& take);
-
-/// Adds such an option, with its values collected in `values`.
+/// like an option. The values are appended to `values`.
 void addRepeatable(CLI::App& command, const std::string& name, const std::string& help,
                    const std::string& placeholder, std::vector<std::string>& values);
 
@@ -28,7 +23,7 @@ void addChoice(CLI::App& command, const std::string& name, const std::string& he
                const std::string& placeholder, const std::vector<std::string>& names,
                const std::function<void(const std::string&)>& take);
 
-/// Adds such an option for an enumeration, by the names of its cases.
+/// Adds an option for an enumeration, by the names of its cases.
 template<NamedEnum Case>
 void addChoice(CLI::App& command, const std::string& name, const std::string& help,
                const std::string& placeholder, Case& value) {

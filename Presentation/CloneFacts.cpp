@@ -2,6 +2,7 @@
 
 #include "Base/BundleName.h"
 #include "LaunchKit/InstanceRecord.h"
+#include "Presentation/JoinedText.h"
 #include "Presentation/SizeText.h"
 #include "Presentation/StrategyTexts.h"
 
@@ -9,14 +10,6 @@
 
 namespace quorvel {
 namespace {
-
-std::string joined(const std::vector<std::string>& parts, const char* separator) {
-    std::string result;
-    for (std::size_t index = 0; index < parts.size(); ++index) {
-        result += (index == 0 ? "" : separator) + parts[index];
-    }
-    return result;
-}
 
 std::string kindLabel(ShortcutKind kind, const Translate& translate) {
     switch (kind) {

@@ -1,5 +1,7 @@
 #include "Presentation/MigrationSummary.h"
 
+#include "Presentation/JoinedText.h"
+
 #include <algorithm>
 
 namespace quorvel {
@@ -11,10 +13,7 @@ constexpr std::size_t longestList = 5;
 // Empty if nothing was moved.
 std::string movedSentence(const InstanceLauncher::Migration& migration,
                           const Translate& translate) {
-    std::string list;
-    for (const std::string& part : movedParts(migration, translate)) {
-        list += (list.empty() ? "" : ", ") + part;
-    }
+    const std::string list = joined(movedParts(migration, translate), ", ");
     return list.empty()
                ? list
                : filledIn(translate("Migration", "Moved %1 into your shared folders."), {list});
