@@ -9,6 +9,7 @@
 #include "LaunchKit/InstanceLauncher.h"
 #include "LaunchKit/InstanceRecord.h"
 #include "LaunchKit/RequestCheck.h"
+#include "LaunchKit/ShippedProfiles.h"
 #include "Platform/files/PlatformError.h"
 
 #include <nlohmann/json.hpp>
@@ -68,6 +69,16 @@ void checkCreation(const CommandContext& context, const WrapperFactory::Request&
     }
 }
 
+// What the user set comes first.
+void addSuggestedEnvironment(WrapperFactory::Request& request) {
+    const auto app = request.kind == ShortcutKind::app && request.targetApp
+                         ? AppBundle::read(*request.targetApp, noEntitlements)
+                         : std::nullopt;
+    if (app) {
+        request.environment.merge(ShippedProfiles::suggestedEnvironment(*app));
+    }
+}
+
 } // namespace
 
 void inspectCommand(const CommandContext& context, const std::string& app, bool json) {
@@ -117,6 +128,9 @@ void createCommand(const CommandContext& context, const CreateOptions& options, 
     WrapperFactory::Request request = requestFrom(options);
     if (options.target) {
         request.targetApp = findApp(*options.target);
+    }
+    if (!options.noDefaultEnvironment) {
+        addSuggestedEnvironment(request);
     }
     const WrapperFactory factory(options.runner);
     checkCreation(context, request, factory.runnerBinary, options.sharedHome);

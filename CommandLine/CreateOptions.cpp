@@ -99,6 +99,8 @@ void addArgumentOptions(CLI::App& create, CreateOptions& options) {
     create.add_flag("--no-extra-args", options.noExtraArgs, "No arguments for the target at all");
     addRepeatable(create, "--env", "An environment variable (repeatable)", "K=V",
                   options.environment);
+    create.add_flag("--no-default-env", options.noDefaultEnvironment,
+                    "Without the variables that the target is known to need");
     addRepeatable(create, "--plist", "An entry of the property list (repeatable)", "K=V",
                   options.infoPlist);
 }
