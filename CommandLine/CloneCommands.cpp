@@ -2,12 +2,14 @@
 
 #include "Base/PathText.h"
 #include "Base/TerminalText.h"
+#include "CommandLine/AppLookup.h"
 #include "CommandLine/CloneLookup.h"
 #include "CommandLine/CloneTexts.h"
 #include "CommandLine/Confirmation.h"
 #include "LaunchKit/InstanceLauncher.h"
 #include "LaunchKit/InstanceRecord.h"
 #include "LaunchKit/RequestCheck.h"
+#include "LaunchKit/ShippedProfiles.h"
 #include "Platform/files/PlatformError.h"
 
 #include <nlohmann/json.hpp>
@@ -67,10 +69,20 @@ void checkCreation(const CommandContext& context, const WrapperFactory::Request&
     }
 }
 
+// What the user set comes first.
+void addSuggestedEnvironment(WrapperFactory::Request& request) {
+    const auto app = request.kind == ShortcutKind::app && request.targetApp
+                         ? AppBundle::read(*request.targetApp, noEntitlements)
+                         : std::nullopt;
+    if (app) {
+        request.environment.merge(ShippedProfiles::suggestedEnvironment(*app));
+    }
+}
+
 } // namespace
 
 void inspectCommand(const CommandContext& context, const std::string& app, bool json) {
-    const fs::path url = absoluteFile(app);
+    const fs::path url = findApp(app);
     const std::optional<AppBundle> bundle = AppBundle::read(url);
     if (!bundle) {
         throw WrapperFactory::FactoryError::badTarget(url);
@@ -113,7 +125,13 @@ void showCommand(const CommandContext& context, const std::string& clone, bool j
 }
 
 void createCommand(const CommandContext& context, const CreateOptions& options, bool json) {
-    const WrapperFactory::Request request = requestFrom(options);
+    WrapperFactory::Request request = requestFrom(options);
+    if (options.target) {
+        request.targetApp = findApp(*options.target);
+    }
+    if (!options.noDefaultEnvironment) {
+        addSuggestedEnvironment(request);
+    }
     const WrapperFactory factory(options.runner);
     checkCreation(context, request, factory.runnerBinary, options.sharedHome);
     const fs::path wrapper = factory.create(request);
