@@ -22,6 +22,7 @@ struct CreateOptions {
     std::vector<std::string> extraArgs{};
     bool noExtraArgs = false;
     bool sharedHome = false;
+    bool replace = false;
     std::optional<std::filesystem::path> runner{};
     bool launch = false;
 };
