@@ -136,6 +136,7 @@ void addCreateOptions(CLI::App& create, CreateOptions& options) {
                     "The data folder may be another clone's, or the user's own");
     add.file("--output", request.outputDir, "Where the clone is put (default: ~/Applications)",
              "DIR");
+    create.add_flag("--replace", options.replace, "Replace a clone of that name; its data stays");
     add.text("--bundle-id", request.bundleId, "The clone's bundle identifier", "ID");
     addChoice(create, "--strategy", "How its data is kept apart", "STRATEGY", request.strategy);
     addIconOptions(create, options);
