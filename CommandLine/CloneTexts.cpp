@@ -4,6 +4,7 @@
 #include "LaunchKit/AppEngine.h"
 #include "LaunchKit/InstanceRecord.h"
 #include "Presentation/JoinedText.h"
+#include "Presentation/SystemWords.h"
 
 #include <nlohmann/json.hpp>
 #include <unicode/uchar.h>
@@ -113,7 +114,7 @@ std::string listing(const std::vector<InstanceRecord>& records,
 }
 
 std::string description(const InstanceRecord& record, const CloneState& state) {
-    return factLines(cloneReport(record, state));
+    return factLines(cloneReport(record, state, inSystemWords));
 }
 
 std::string description(const AppBundle& bundle) {
