@@ -6,6 +6,7 @@
 #include "LaunchKit/CloneOptions.h"
 
 #include <filesystem>
+#include <functional>
 #include <map>
 #include <optional>
 #include <string>
@@ -35,7 +36,7 @@ public:
     public:
         enum class Case { badTarget, runnerNotFound, emptyName };
 
-        /// The target can't be read as an application bundle.
+        /// The target can't be read as an application.
         [[nodiscard]] static FactoryError badTarget(const std::filesystem::path& target);
         /// The runner to copy into the clone was not found.
         [[nodiscard]] static FactoryError runnerNotFound();
@@ -74,9 +75,14 @@ public:
     /// Returns the path at which `create` makes the clone.
     [[nodiscard]] static std::filesystem::path wrapperURL(const Request& request);
 
+    /// Called with the wrapper's path before anything is changed.
+    using BeforeWriting = std::function<void(const std::filesystem::path& wrapper)>;
+
     /// Makes the clone, replacing one of the same name, and returns the wrapper's path. Throws
-    /// `FactoryError`, or what `WrapperGenerator::generate` throws.
-    [[nodiscard]] std::filesystem::path create(const Request& request) const;
+    /// `FactoryError`, `PlatformError` if the target has an obstacle, or what
+    /// `WrapperGenerator::generate` or `beforeWriting` throws.
+    [[nodiscard]] std::filesystem::path create(const Request& request,
+                                               const BeforeWriting& beforeWriting = {}) const;
 
     /// Returns the engine that the bundle is built on. Reads the bundle's own identifier
     /// if `bundleId` is absent. Returns `other` for an unreadable bundle.

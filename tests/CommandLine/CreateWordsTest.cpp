@@ -22,10 +22,11 @@ std::string factOf(const CloneSwitch& each) {
 TEST(CreateWordsTest, EachSwitchSetsItsOwnFieldAlone) {
     CommandLineHarness harness;
     for (const CloneSwitch& set : cloneSwitches) {
-        const auto json = harness
-                              .run({"create", "--kind", "web", "--url", "https://a.test", "--name",
-                                    "W", "--runner", runnerProgram().string(), "--json", set.flag})
-                              .json();
+        const auto json =
+            harness
+                .run({"create", "--kind", "web", "--url", "https://a.test", "--name", "W",
+                      "--replace", "--runner", runnerProgram().string(), "--json", set.flag})
+                .json();
         for (const CloneSwitch& each : cloneSwitches) {
             EXPECT_EQ(json["config"][std::string(each.key)], each.defaultValue() != (&each == &set))
                 << set.flag << " " << each.key;
@@ -39,6 +40,7 @@ TEST(CreateWordsTest, EachSwitchIsShownWhenItIsSet) {
                                        "--url",  "https://a.test", "--name",
                                        "W",      "--runner",       runnerProgram().string()};
     ASSERT_EQ(harness.run(arguments).status, 0);
+    arguments.emplace_back("--replace");
     for (const CloneSwitch& each : cloneSwitches) {
         EXPECT_THAT(harness.run({"show", "W"}).output, Not(HasSubstr(factOf(each) + " ")));
         if (!each.appsOnly) {
