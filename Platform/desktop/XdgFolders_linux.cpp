@@ -24,29 +24,54 @@ void addOnce(std::vector<fs::path>& folders, const fs::path& folder) {
     }
 }
 
+fs::path ownFolder(const char* variable, std::string_view otherwise) {
+    const std::string_view own = environment(variable);
+    return own.starts_with('/') ? withoutTrailingSlashes(own)
+                                : fs::path(joinAsText(UserPaths::home(), otherwise));
+}
+
+// The parts of a list like that of PATH.
+template<typename Take>
+void forEachPart(std::string_view list, const Take& take) {
+    while (!list.empty()) {
+        const std::size_t end = std::min(list.find(':'), list.size());
+        take(list.substr(0, end));
+        list.remove_prefix(std::min(end + 1, list.size()));
+    }
+}
+
+void addFolders(std::vector<fs::path>& folders, const char* variable, std::string_view otherwise) {
+    const std::string_view list = environment(variable);
+    forEachPart(list.empty() ? otherwise : list,
+                [&](std::string_view folder) { addOnce(folders, folder); });
+}
+
 } // namespace
 
 fs::path xdgDataHome() {
-    const std::string_view own = environment("XDG_DATA_HOME");
-    return own.starts_with('/') ? withoutTrailingSlashes(own)
-                                : fs::path(joinAsText(UserPaths::home(), ".local/share"));
+    return ownFolder("XDG_DATA_HOME", ".local/share");
 }
 
 std::vector<fs::path> xdgDataFolders() {
     std::vector<fs::path> folders{xdgDataHome()};
-    std::string_view rest = environment("XDG_DATA_DIRS");
-    if (rest.empty()) {
-        rest = "/usr/local/share:/usr/share";
-    }
-    while (!rest.empty()) {
-        const std::size_t end = std::min(rest.find(':'), rest.size());
-        addOnce(folders, rest.substr(0, end));
-        rest.remove_prefix(std::min(end + 1, rest.size()));
-    }
+    addFolders(folders, "XDG_DATA_DIRS", "/usr/local/share:/usr/share");
     addOnce(folders, joinAsText(folders.front(), "flatpak/exports/share"));
     addOnce(folders, "/var/lib/flatpak/exports/share");
     addOnce(folders, "/var/lib/snapd/desktop");
     return folders;
+}
+
+std::vector<fs::path> xdgConfigFolders() {
+    std::vector<fs::path> folders{ownFolder("XDG_CONFIG_HOME", ".config")};
+    addFolders(folders, "XDG_CONFIG_DIRS", "/etc/xdg");
+    return folders;
+}
+
+std::vector<std::string> xdgCurrentDesktops() {
+    std::vector<std::string> desktops;
+    forEachPart(environment("XDG_CURRENT_DESKTOP"),
+                [&](std::string_view name) { desktops.emplace_back(name); });
+    return desktops;
 }
 
 } // namespace quorvel

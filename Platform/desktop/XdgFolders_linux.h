@@ -1,6 +1,7 @@
 #pragma once
 
 #include <filesystem>
+#include <string>
 #include <vector>
 
 namespace quorvel {
@@ -12,5 +13,12 @@ namespace quorvel {
 /// of `XDG_DATA_DIRS` ("/usr/local/share" and "/usr/share" if it is empty), and what Flatpak and
 /// Snap export to, which a session may have left out. Each once; they need not exist.
 [[nodiscard]] std::vector<std::filesystem::path> xdgDataFolders();
+
+/// Where settings are: `XDG_CONFIG_HOME` (".config" in the user's home if it is not an absolute
+/// path) and each folder of `XDG_CONFIG_DIRS` ("/etc/xdg" if it is empty). Each once.
+[[nodiscard]] std::vector<std::filesystem::path> xdgConfigFolders();
+
+/// The names of the running desktop, from `XDG_CURRENT_DESKTOP`, the most specific first.
+[[nodiscard]] std::vector<std::string> xdgCurrentDesktops();
 
 } // namespace quorvel
