@@ -2,6 +2,7 @@
 
 #include "Base/PathText.h"
 #include "Base/TerminalText.h"
+#include "CommandLine/AppLookup.h"
 #include "CommandLine/CloneLookup.h"
 #include "CommandLine/CloneTexts.h"
 #include "CommandLine/Confirmation.h"
@@ -70,7 +71,7 @@ void checkCreation(const CommandContext& context, const WrapperFactory::Request&
 } // namespace
 
 void inspectCommand(const CommandContext& context, const std::string& app, bool json) {
-    const fs::path url = absoluteFile(app);
+    const fs::path url = findApp(app);
     const std::optional<AppBundle> bundle = AppBundle::read(url);
     if (!bundle) {
         throw WrapperFactory::FactoryError::badTarget(url);
@@ -113,7 +114,10 @@ void showCommand(const CommandContext& context, const std::string& clone, bool j
 }
 
 void createCommand(const CommandContext& context, const CreateOptions& options, bool json) {
-    const WrapperFactory::Request request = requestFrom(options);
+    WrapperFactory::Request request = requestFrom(options);
+    if (options.target) {
+        request.targetApp = findApp(*options.target);
+    }
     const WrapperFactory factory(options.runner);
     checkCreation(context, request, factory.runnerBinary, options.sharedHome);
     const fs::path wrapper = factory.create(request);

@@ -67,11 +67,13 @@ void addPairs(std::map<std::string, std::string>& to, const std::vector<std::str
     }
 }
 
-void addTargetOptions(CLI::App& create, WrapperFactory::Request& request) {
+void addTargetOptions(CLI::App& create, CreateOptions& options) {
     const ValueOptions add{create};
+    WrapperFactory::Request& request = options.request;
     addChoice(create, "--kind", "What the clone opens", "KIND", request.kind);
     create.add_option("--name", request.displayName, "The clone's name")->type_name("NAME");
-    add.file("--target", request.targetApp, "The application to clone", "APP");
+    add.text("--target", options.target, "The application to clone: a path, or an id or name",
+             "APP");
     add.text("--url", request.url, "The address that a web clone opens", "URL");
     add.path("--open", request.openPath, "The file or folder that a file clone opens", "PATH");
     add.path("--command", request.commandPath, "The program that a command clone runs", "PATH");
@@ -125,7 +127,7 @@ void requireTarget(const WrapperFactory::Request& request) {
 void addCreateOptions(CLI::App& create, CreateOptions& options) {
     WrapperFactory::Request& request = options.request;
     const ValueOptions add{create};
-    addTargetOptions(create, request);
+    addTargetOptions(create, options);
     add.path("--home", request.instanceHome, "The data folder (default: ~/QuorvelInstances/NAME)",
              "DIR");
     create.add_flag("--shared-home", options.sharedHome,

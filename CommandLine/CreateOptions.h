@@ -15,7 +15,8 @@ namespace quorvel {
 
 /// What the options of `quorvelctl create` set.
 struct CreateOptions {
-    WrapperFactory::Request request{};      ///< without what the next five add to it
+    WrapperFactory::Request request{};      ///< without what the next six add to it
+    std::optional<std::string> target{};    ///< as `findApp` takes it
     std::vector<std::string> environment{}; ///< entries KEY=VALUE
     std::vector<std::string> infoPlist{};   ///< entries KEY=VALUE
     IconLabel label{.colorHex = "#FFFFFF"};

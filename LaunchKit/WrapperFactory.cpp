@@ -6,6 +6,7 @@
 #include "LaunchKit/RunnerLocator.h"
 #include "LaunchKit/WrapperGenerator.h"
 #include "LaunchKit/WrapperLayout.h"
+#include "Platform/files/PlatformError.h"
 
 namespace quorvel {
 namespace fs = std::filesystem;
@@ -13,8 +14,13 @@ namespace {
 
 // Whether the target is sandboxed changes nothing here, so its signature is not looked at.
 fs::path readableTarget(const WrapperFactory::Request& request) {
-    if (!request.targetApp || !AppBundle::read(*request.targetApp, noEntitlements)) {
+    const auto app =
+        request.targetApp ? AppBundle::read(*request.targetApp, noEntitlements) : std::nullopt;
+    if (!app) {
         throw WrapperFactory::FactoryError::badTarget(request.targetApp.value_or("/"));
+    }
+    if (const auto obstacle = app->obstacle()) {
+        throw PlatformError::because(*obstacle, *request.targetApp, "cloned");
     }
     return withoutTrailingSlashes(*request.targetApp);
 }
@@ -46,7 +52,7 @@ fs::path folderOf(const WrapperFactory::Request& request) {
 } // namespace
 
 WrapperFactory::FactoryError WrapperFactory::FactoryError::badTarget(const fs::path& target) {
-    return {Case::badTarget, "Not a readable .app: " + target.string(), target};
+    return {Case::badTarget, unreadableAppText(target, "Not a readable .app: "), target};
 }
 
 WrapperFactory::FactoryError WrapperFactory::FactoryError::runnerNotFound() {

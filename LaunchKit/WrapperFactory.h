@@ -35,7 +35,7 @@ public:
     public:
         enum class Case { badTarget, runnerNotFound, emptyName };
 
-        /// The target can't be read as an application bundle.
+        /// The target can't be read as an application.
         [[nodiscard]] static FactoryError badTarget(const std::filesystem::path& target);
         /// The runner to copy into the clone was not found.
         [[nodiscard]] static FactoryError runnerNotFound();
@@ -75,7 +75,8 @@ public:
     [[nodiscard]] static std::filesystem::path wrapperURL(const Request& request);
 
     /// Makes the clone, replacing one of the same name, and returns the wrapper's path. Throws
-    /// `FactoryError`, or what `WrapperGenerator::generate` throws.
+    /// `FactoryError`, `PlatformError` if the target has an obstacle, or what
+    /// `WrapperGenerator::generate` throws.
     [[nodiscard]] std::filesystem::path create(const Request& request) const;
 
     /// Returns the engine that the bundle is built on. Reads the bundle's own identifier

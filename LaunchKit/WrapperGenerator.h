@@ -26,15 +26,15 @@ public:
 
         /// The runner's file doesn't exist.
         [[nodiscard]] static GenError runnerMissing(const std::filesystem::path& runner);
-        /// The target's bundle can't be read.
+        /// The target can't be read.
         [[nodiscard]] static GenError badTarget(const std::filesystem::path& target);
 
         [[nodiscard]] Case kind() const noexcept { return case_; }
         [[nodiscard]] const std::filesystem::path& url() const noexcept { return url_; }
 
     private:
-        GenError(Case kind, const std::string& prefix, std::filesystem::path url)
-            : Error(prefix + url.string()),
+        GenError(Case kind, const std::string& text, std::filesystem::path url)
+            : Error(text),
               case_(kind),
               url_(std::move(url)) {}
 
