@@ -8,8 +8,11 @@
 #include "LinkDoor/LinkSession.h"
 #include "Platform/files/FileSystem.h"
 #include "Platform/processes/ProcessReplacement.h"
+#include "Platform/processes/ReportedStart.h"
+#include "Platform/processes/StartReport.h"
 
 #include <charconv>
+#include <chrono>
 #include <cstdio>
 
 namespace quorvel {
@@ -63,23 +66,42 @@ LinkSession sessionOf(const std::string& home, const Environment& clone, const R
     return guessedLinkSession(home, clone);
 }
 
-bool startOpener(const std::string& program, const std::string& address) {
+// Returns why the clone's runner did not open the address; empty if it did.
+std::string failureOf(const std::string& runner, const std::string& address) {
+    constexpr std::chrono::seconds silence{1}; // of a runner too old to report
+    constexpr std::chrono::seconds longest{30};
+    Process::Options options;
+    options.executable = runner;
+    options.arguments = {address};
+    options.directory = "/"; // as a desktop does
     try {
-        startDetached(program, {address});
-        return true;
-    } catch (const PlatformError&) {
-        return false;
+        const ReportedStart start = startReporting(options);
+        const StartOutcome outcome =
+            readStartReport(start.reports.descriptor(), -1, silence, longest);
+        switch (outcome.kind) {
+        case StartOutcome::Case::failed:
+            return outcome.sentence;
+        case StartOutcome::Case::ended:
+            return "it ended at once";
+        case StartOutcome::Case::started:
+        case StartOutcome::Case::nothingHeard:
+            break;
+        }
+        return {};
+    } catch (const PlatformError& error) {
+        return error.description();
     }
 }
 
 bool startSomething(const LinkSession& session, const std::string& scheme,
                     const std::string& address, const Reporter& reporter) {
     if (!session.opener.empty()) {
-        if (startOpener(session.opener, address)) {
+        const std::string failure = failureOf(session.opener, address);
+        if (failure.empty()) {
             return true;
         }
-        reporter.say("the clone for links can’t be started, its program is " + session.opener +
-                     "; the link is opened with the default browser");
+        reporter.say("the clone that is chosen for links can’t open one, " + failure +
+                     "; the default browser is used");
     }
     return openWithDefault(scheme, address);
 }

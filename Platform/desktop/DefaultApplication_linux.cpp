@@ -1,5 +1,6 @@
 #include "Base/PathText.h"
 #include "Platform/desktop/DefaultApplication.h"
+#include "Platform/desktop/EntryFolders.h"
 #include "Platform/desktop/ExecLine.h"
 #include "Platform/desktop/MimeAppsList.h"
 #include "Platform/desktop/ProgramResolution.h"
@@ -7,7 +8,7 @@
 #include "Platform/files/FileReading.h"
 #include "Platform/files/FileSystem.h"
 
-#include <algorithm>
+#include <cstdlib>
 
 namespace quorvel {
 namespace fs = std::filesystem;
@@ -21,21 +22,6 @@ std::vector<fs::path> listFolders() {
     const std::vector<fs::path> entries = applicationEntryFolders();
     folders.insert(folders.end(), entries.begin(), entries.end());
     return folders;
-}
-
-// The names that a list may have in each folder, the most important first.
-std::vector<std::string> listNames() {
-    std::vector<std::string> names;
-    for (std::string desktop : xdgCurrentDesktops()) {
-        std::transform(desktop.begin(), desktop.end(), desktop.begin(), [](char letter) {
-            return letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter - 'A' + 'a') : letter;
-        });
-        if (desktop.find('/') == std::string::npos) {
-            names.push_back(desktop + "-mimeapps.list");
-        }
-    }
-    names.emplace_back("mimeapps.list");
-    return names;
 }
 
 // An id's hyphens may each be a subfolder: "kde-app.desktop" is "kde/app.desktop" too.
@@ -88,7 +74,8 @@ bool linksStayInsideClones() noexcept {
 }
 
 std::optional<InstalledApplication> defaultApplication(const std::string& mimeType) {
-    const std::vector<std::string> names = listNames();
+    const char* desktops = std::getenv("XDG_CURRENT_DESKTOP");
+    const std::vector<std::string> names = mimeAppsListNames(desktops == nullptr ? "" : desktops);
     for (const fs::path& folder : listFolders()) {
         for (const std::string& name : names) {
             const auto list = readFile(joinAsText(folder, name).native(), maxListSize);

@@ -7,6 +7,7 @@
 #include "Platform/processes/ParallelLoop.h"
 
 #include <algorithm>
+#include <cstdlib>
 #include <map>
 #include <set>
 #include <sys/stat.h>
@@ -18,6 +19,17 @@ namespace {
 
 constexpr std::string_view ending = ".desktop";
 constexpr std::string_view ownId = "app.quorvel.Quorvel.desktop";
+
+std::vector<std::string> currentDesktops() {
+    const char* variable = std::getenv("XDG_CURRENT_DESKTOP");
+    std::vector<std::string> desktops;
+    for (std::string_view rest = variable == nullptr ? "" : variable; !rest.empty();) {
+        const std::size_t end = std::min(rest.find(':'), rest.size());
+        desktops.emplace_back(rest.substr(0, end));
+        rest.remove_prefix(std::min(end + 1, rest.size()));
+    }
+    return desktops;
+}
 
 struct EntryFile {
     std::string id{};
@@ -129,7 +141,7 @@ std::vector<InstalledApplication> installedApplications(const std::vector<fs::pa
         files.addFolder(folder);
     }
     const std::vector<std::string> languages = desktopEntryLanguages();
-    const std::vector<std::string> desktops = xdgCurrentDesktops();
+    const std::vector<std::string> desktops = currentDesktops();
     std::vector<std::optional<Candidate>> candidates(files.files().size());
     constexpr std::size_t share = 16; // one alone is soon done
     forEachIndex(candidates.size(), share, [&](std::size_t index) {

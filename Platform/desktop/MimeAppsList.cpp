@@ -34,7 +34,7 @@ std::vector<Line> linesOf(std::string_view list) {
         if (content.starts_with('[')) {
             inDefaults = content == defaultsHeader;
             line.isDefaultsHeader = inDefaults;
-        } else if (inDefaults && !content.starts_with('#') && equals != std::string_view::npos) {
+        } else if (inDefaults && equals != std::string_view::npos) {
             line.key = trimmed(content.substr(0, equals));
             line.value = trimmed(content.substr(equals + 1));
         }
@@ -80,6 +80,22 @@ void endLine(std::string& text) {
 }
 
 } // namespace
+
+std::vector<std::string> mimeAppsListNames(std::string_view currentDesktops) {
+    std::vector<std::string> names;
+    while (!currentDesktops.empty()) {
+        std::string desktop(currentDesktops.substr(0, currentDesktops.find(':')));
+        currentDesktops.remove_prefix(std::min(desktop.size() + 1, currentDesktops.size()));
+        std::transform(desktop.begin(), desktop.end(), desktop.begin(), [](char letter) {
+            return letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter - 'A' + 'a') : letter;
+        });
+        if (!desktop.empty() && desktop.find('/') == std::string::npos) {
+            names.push_back(desktop.append("-").append(commonMimeAppsList));
+        }
+    }
+    names.emplace_back(commonMimeAppsList);
+    return names;
+}
 
 std::vector<std::string> defaultHandlersIn(std::string_view list, std::string_view mimeType) {
     return handlersIn(linesOf(list), mimeType);

@@ -9,6 +9,13 @@
 /// opened. Applications are given by the ids of their desktop entries.
 namespace quorvel {
 
+/// The list for every desktop.
+inline constexpr std::string_view commonMimeAppsList = "mimeapps.list";
+
+/// Returns the names of the lists that count in one folder, the most important first: those for the
+/// desktops that `currentDesktops` (the value of `XDG_CURRENT_DESKTOP`) names, then the common one.
+[[nodiscard]] std::vector<std::string> mimeAppsListNames(std::string_view currentDesktops);
+
 /// Returns the applications that the list names as the default for a type, the best first.
 [[nodiscard]] std::vector<std::string> defaultHandlersIn(std::string_view list,
                                                          std::string_view mimeType);

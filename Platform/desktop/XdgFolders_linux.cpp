@@ -30,20 +30,16 @@ fs::path ownFolder(const char* variable, std::string_view otherwise) {
                                 : fs::path(joinAsText(UserPaths::home(), otherwise));
 }
 
-// The parts of a list like that of PATH.
-template<typename Take>
-void forEachPart(std::string_view list, const Take& take) {
-    while (!list.empty()) {
-        const std::size_t end = std::min(list.find(':'), list.size());
-        take(list.substr(0, end));
-        list.remove_prefix(std::min(end + 1, list.size()));
-    }
-}
-
 void addFolders(std::vector<fs::path>& folders, const char* variable, std::string_view otherwise) {
-    const std::string_view list = environment(variable);
-    forEachPart(list.empty() ? otherwise : list,
-                [&](std::string_view folder) { addOnce(folders, folder); });
+    std::string_view rest = environment(variable);
+    if (rest.empty()) {
+        rest = otherwise;
+    }
+    while (!rest.empty()) {
+        const std::size_t end = std::min(rest.find(':'), rest.size());
+        addOnce(folders, rest.substr(0, end));
+        rest.remove_prefix(std::min(end + 1, rest.size()));
+    }
 }
 
 } // namespace
@@ -65,13 +61,6 @@ std::vector<fs::path> xdgConfigFolders() {
     std::vector<fs::path> folders{ownFolder("XDG_CONFIG_HOME", ".config")};
     addFolders(folders, "XDG_CONFIG_DIRS", "/etc/xdg");
     return folders;
-}
-
-std::vector<std::string> xdgCurrentDesktops() {
-    std::vector<std::string> desktops;
-    forEachPart(environment("XDG_CURRENT_DESKTOP"),
-                [&](std::string_view name) { desktops.emplace_back(name); });
-    return desktops;
 }
 
 } // namespace quorvel

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <filesystem>
-#include <string>
 #include <vector>
 
 namespace quorvel {
@@ -17,8 +16,5 @@ namespace quorvel {
 /// Where settings are: `XDG_CONFIG_HOME` (".config" in the user's home if it is not an absolute
 /// path) and each folder of `XDG_CONFIG_DIRS` ("/etc/xdg" if it is empty). Each once.
 [[nodiscard]] std::vector<std::filesystem::path> xdgConfigFolders();
-
-/// The names of the running desktop, from `XDG_CURRENT_DESKTOP`, the most specific first.
-[[nodiscard]] std::vector<std::string> xdgCurrentDesktops();
 
 } // namespace quorvel

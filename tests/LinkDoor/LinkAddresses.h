@@ -37,6 +37,7 @@ inline std::vector<HostileAddress> hostileAddresses() {
         {"http://user:secret@/", "no host"},
         {"http://:80/", "no host"},
         {"http://user@:80/", "no host"},
+        {"http://user@good.test@/", "no host"},
         {"http://[]/", "no host"},
         {"http://[::1/", "no host"},
         {"http://good.test evil.test/", "blank"},

@@ -247,6 +247,8 @@ TEST_F(LinkDoorTest, WithoutASessionFileTheUsualSessionIsUsedAndThatIsLogged) {
 
 TEST_F(LinkDoorTest, AChosenCloneGetsTheAddress) {
     installBrowser("opener.desktop", "opener", "");
+    // It reports as a runner does, and goes on running.
+    write(bin / "opener", read(bin / "opener") + "printf .+ >/proc/self/fd/30\nsleep 5\n");
     writeSession((bin / "opener").string());
     EXPECT_EQ(open({"https://good.test/"}), 0);
     EXPECT_THAT(argumentsOf("opener"), ElementsAre("https://good.test/"));
@@ -254,11 +256,18 @@ TEST_F(LinkDoorTest, AChosenCloneGetsTheAddress) {
     EXPECT_TRUE(nothingWasStarted());
 }
 
-TEST_F(LinkDoorTest, TheDefaultBrowserTakesOverForACloneThatIsGone) {
+TEST_F(LinkDoorTest, TheDefaultBrowserTakesOverForACloneThatCanNotOpenIt) {
     writeSession((folder / "gone").string());
     EXPECT_EQ(open({"https://good.test/"}), 0);
     EXPECT_THAT(argumentsOf("browser"), ElementsAre("https://good.test/"));
-    EXPECT_THAT(log(), HasSubstr("can’t be started"));
+    EXPECT_THAT(log(), HasSubstr("“gone” couldn’t be started"));
+
+    installBrowser("opener.desktop", "opener", "");
+    write(bin / "opener", "#!/bin/sh\nprintf '.-it is busy' >/proc/self/fd/30\n");
+    writeSession((bin / "opener").string());
+    EXPECT_EQ(open({"https://good.test/2"}), 0);
+    EXPECT_THAT(argumentsOf("browser"), ElementsAre("https://good.test/2"));
+    EXPECT_THAT(log(), HasSubstr("it is busy"));
 }
 
 class LinkDoorTestXdgOpen : public LinkDoorTest {
