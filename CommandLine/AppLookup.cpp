@@ -1,5 +1,6 @@
 #include "CommandLine/AppLookup.h"
 
+#include "Base/Text.h"
 #include "CommandLine/CloneLookup.h"
 #include "CommandLine/CommandContext.h"
 #include "LaunchKit/AppCatalog.h"
@@ -18,14 +19,21 @@ std::vector<InstalledApp> appsThat(const std::vector<InstalledApp>& apps, Predic
     return found;
 }
 
-// The identifier comes first, since no two applications share it.
+// The identifier comes first, since no two applications share it; then the name as it is written.
 std::vector<InstalledApp> appsCalled(const std::string& words) {
     const std::vector<InstalledApp> apps = AppCatalog::scan(noEntitlements);
     auto found = appsThat(apps, [&](const InstalledApp& app) {
         return app.bundleId == words || app.bundleId == words + ".desktop";
     });
-    return found.empty() ? appsThat(apps, [&](const auto& app) { return app.name == words; })
-                         : found;
+    if (found.empty()) {
+        found = appsThat(apps, [&](const auto& app) { return app.name == words; });
+    }
+    if (found.empty()) {
+        found = appsThat(apps, [name = Text::lowerCased(words)](const auto& app) {
+            return Text::lowerCased(app.name) == name;
+        });
+    }
+    return found;
 }
 
 } // namespace

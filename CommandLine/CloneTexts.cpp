@@ -3,6 +3,7 @@
 #include "Base/TerminalText.h"
 #include "LaunchKit/AppEngine.h"
 #include "LaunchKit/InstanceRecord.h"
+#include "Presentation/AppTexts.h"
 #include "Presentation/JoinedText.h"
 
 #include <nlohmann/json.hpp>
@@ -134,6 +135,9 @@ std::string description(const AppBundle& bundle) {
     };
     addArguments("Own arguments", bundle.arguments);
     addArguments("Default arguments", dataDirArgs(engine));
+    if (auto reason = snapReason(bundle)) {
+        facts.push_back({"Note", {std::move(*reason)}});
+    }
     return factLines(facts);
 }
 

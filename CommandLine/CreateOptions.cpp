@@ -99,6 +99,8 @@ void addArgumentOptions(CLI::App& create, CreateOptions& options) {
     create.add_flag("--no-extra-args", options.noExtraArgs, "No arguments for the target at all");
     addRepeatable(create, "--env", "An environment variable (repeatable)", "K=V",
                   options.environment);
+    create.add_flag("--no-default-env", options.noDefaultEnvironment,
+                    "Without the variables that the target is known to need");
     addRepeatable(create, "--plist", "An entry of the property list (repeatable)", "K=V",
                   options.infoPlist);
 }
@@ -134,6 +136,7 @@ void addCreateOptions(CLI::App& create, CreateOptions& options) {
                     "The data folder may be another clone's, or the user's own");
     add.file("--output", request.outputDir, "Where the clone is put (default: ~/Applications)",
              "DIR");
+    create.add_flag("--replace", options.replace, "Replace a clone of that name; its data stays");
     add.text("--bundle-id", request.bundleId, "The clone's bundle identifier", "ID");
     addChoice(create, "--strategy", "How its data is kept apart", "STRATEGY", request.strategy);
     addIconOptions(create, options);

@@ -132,7 +132,7 @@ Process InstanceLauncher::launch(const InstanceConfig& config,
         if (config.shareUserFolders) {
             ensureSharedUserFolders(home);
         }
-        CloneOptions options = config;
+        auto options = static_cast<const CloneOptions&>(config);
         options.environment = config.resolvedEnvironment();
         return launch(config.targetAppURL(), home, options, config.resolvedArgs(), documents, kept);
     }
