@@ -39,12 +39,20 @@ struct CloneTarget {
     std::optional<std::string> workingDirectory{};
 };
 
+/// What `CloneOptions::links` may be besides a clone.
+inline constexpr std::string_view linksDefault = "default";
+inline constexpr std::string_view linksInside = "inside";
+
 /// How a clone behaves. A new yes-or-no option is a member here and a row in `cloneSwitches`.
 struct CloneOptions {
     Strategy strategy = Strategy::homeOverride;
     std::map<std::string, std::string> environment{};
     std::map<std::string, std::string> infoPlistOverrides{};
     std::optional<IconLabel> iconLabel{};
+    /// What opens the links that are clicked in the clone: `linksInside` for the clone itself,
+    /// another clone's path or bundle identifier; absent or `linksDefault` for the user's default
+    /// browser.
+    std::optional<std::string> links{};
     bool registerAsBrowser = false;
     bool openWithPassthrough = false;
     bool menuBarIcon = false;
