@@ -1,4 +1,4 @@
-#include "Platform/desktop/XdgFolders_linux.h"
+#include "Platform/files/XdgFolders_linux.h"
 
 #include "Base/PathText.h"
 #include "Platform/files/UserPaths.h"
@@ -24,19 +24,27 @@ void addOnce(std::vector<fs::path>& folders, const fs::path& folder) {
     }
 }
 
+fs::path ownFolder(const char* variable, std::string_view otherwise) {
+    const std::string_view own = environment(variable);
+    return own.starts_with('/') ? fs::path(withoutTrailingSlashes(own))
+                                : fs::path(joinAsText(UserPaths::home(), otherwise));
+}
+
 } // namespace
 
+fs::path xdgConfigHome() {
+    return ownFolder("XDG_CONFIG_HOME", ".config");
+}
+
 fs::path xdgDataHome() {
-    const std::string_view own = environment("XDG_DATA_HOME");
-    return own.starts_with('/') ? withoutTrailingSlashes(own)
-                                : fs::path(joinAsText(UserPaths::home(), ".local/share"));
+    return ownFolder("XDG_DATA_HOME", ".local/share");
 }
 
 std::vector<fs::path> xdgDataFolders() {
     std::vector<fs::path> folders{xdgDataHome()};
     std::string_view rest = environment("XDG_DATA_DIRS");
     if (rest.empty()) {
-        rest = "/usr/local/share:/usr/share";
+        rest = defaultXdgDataDirs;
     }
     while (!rest.empty()) {
         const std::size_t end = std::min(rest.find(':'), rest.size());
