@@ -6,11 +6,11 @@
 #include "CommandLine/CloneLookup.h"
 #include "CommandLine/CloneTexts.h"
 #include "CommandLine/Confirmation.h"
+#include "LaunchKit/CloneCreation.h"
 #include "LaunchKit/InstanceLauncher.h"
 #include "LaunchKit/InstanceRecord.h"
-#include "LaunchKit/RequestCheck.h"
 #include "LaunchKit/ShippedProfiles.h"
-#include "Platform/files/PlatformError.h"
+#include "Platform/desktop/ActivationError.h"
 
 #include <nlohmann/json.hpp>
 
@@ -36,7 +36,10 @@ void openWrapper(const CommandContext& context, const InstanceRecord& record) {
     context.workspace.openApplication(
         record.bundleURL, true,
         [opened](std::optional<PlatformError> error) { opened->set_value(std::move(error)); });
-    if (const auto error = opened->get_future().get()) {
+    const auto error = opened->get_future().get();
+    if (error && isActivationError(*error)) {
+        context.errors << terminalText(error->description()) << "\n"; // but it is open
+    } else if (error) {
         throw *error;
     }
 }
@@ -49,23 +52,19 @@ std::optional<std::uintmax_t> logSizeOf(const InstanceConfig& config) {
     return code ? std::nullopt : std::optional(size);
 }
 
-// Asks before replacing a clone that can't be read, if the input is a terminal.
-void checkCreation(const CommandContext& context, const WrapperFactory::Request& request,
-                   const std::optional<fs::path>& runner, bool sharedHome) {
+CommandError withHint(const InvalidRequest& refused, const char* hint) {
+    return CommandError(refused.what() + std::string(" ") + hint);
+}
+
+// Refusals say which option allows what was asked for.
+fs::path madeClone(const WrapperFactory& factory, const WrapperFactory::Request& request,
+                   const RequestPermissions& permissions) {
     try {
-        validateRequest(request, runner, {.sharedHome = sharedHome});
+        return createClone(factory, request, permissions);
     } catch (const SharedHome& refused) {
-        throw CommandError(std::string(refused.what()) + " With --shared-home, it is used anyway.");
-    } catch (const DamagedClone&) {
-        if (!context.inputIsTerminal) {
-            throw;
-        }
-        const fs::path place = WrapperFactory::wrapperURL(request);
-        if (!confirmed(context,
-                       "The clone at " + place.string() + " can’t be read any more. Replace it?")) {
-            throw CommandError("Nothing was replaced.");
-        }
-        validateRequest(request, runner, {.sharedHome = sharedHome, .damagedClone = true});
+        throw withHint(refused, "With --shared-home, it is used anyway.");
+    } catch (const CloneExists& refused) {
+        throw withHint(refused, "With --replace, it is replaced, and its data stays.");
     }
 }
 
@@ -77,6 +76,26 @@ void addSuggestedEnvironment(WrapperFactory::Request& request) {
     if (app) {
         request.environment.merge(ShippedProfiles::suggestedEnvironment(*app));
     }
+}
+
+// Asks before replacing a clone that can't be read, if the input is a terminal.
+fs::path madeCloneAfterQuestion(const CommandContext& context, const WrapperFactory& factory,
+                                const WrapperFactory::Request& request,
+                                RequestPermissions permissions) {
+    try {
+        return madeClone(factory, request, permissions);
+    } catch (const DamagedClone& refused) {
+        if (!context.inputIsTerminal) {
+            throw withHint(refused, "With --replace, it is replaced.");
+        }
+    }
+    const fs::path place = WrapperFactory::wrapperURL(request);
+    if (!confirmed(context,
+                   "The clone at " + place.string() + " can’t be read any more. Replace it?")) {
+        throw CommandError("Nothing was replaced.");
+    }
+    permissions.damagedClone = true;
+    return madeClone(factory, request, permissions);
 }
 
 } // namespace
@@ -132,9 +151,11 @@ void createCommand(const CommandContext& context, const CreateOptions& options, 
     if (!options.noDefaultEnvironment) {
         addSuggestedEnvironment(request);
     }
-    const WrapperFactory factory(options.runner);
-    checkCreation(context, request, factory.runnerBinary, options.sharedHome);
-    const fs::path wrapper = factory.create(request);
+    const fs::path wrapper =
+        madeCloneAfterQuestion(context, WrapperFactory(options.runner), request,
+                               {.sharedHome = options.sharedHome,
+                                .existingClone = options.replace,
+                                .damagedClone = options.replace});
     const std::optional<InstanceRecord> record = context.registry.record(wrapper);
     if (!record) {
         throw CommandError("The clone at " + wrapper.string() + " can’t be read back.");

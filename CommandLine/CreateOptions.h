@@ -24,6 +24,7 @@ struct CreateOptions {
     bool noExtraArgs = false;
     bool noDefaultEnvironment = false;
     bool sharedHome = false;
+    bool replace = false;
     std::optional<std::filesystem::path> runner{};
     bool launch = false;
 };

@@ -75,7 +75,7 @@ fs::path WrapperFactory::wrapperURL(const Request& request) {
     return quorvel::wrapperPath(folderOf(request), nameOf(request));
 }
 
-fs::path WrapperFactory::create(const Request& request) const {
+fs::path WrapperFactory::create(const Request& request, const BeforeWriting& beforeWriting) const {
     const std::string name = nameOf(request);
     if (name.empty()) {
         throw FactoryError::emptyName();
@@ -86,7 +86,8 @@ fs::path WrapperFactory::create(const Request& request) const {
         throw FactoryError::runnerNotFound();
     }
     const WrapperGenerator::Options options{configuration(request, name), *runner,
-                                            request.customIcon, request.hideWrapperIcon};
+                                            request.customIcon, request.hideWrapperIcon,
+                                            beforeWriting};
     return WrapperGenerator().generate(folderOf(request), options);
 }
 

@@ -6,6 +6,7 @@
 #include "LaunchKit/CloneOptions.h"
 
 #include <filesystem>
+#include <functional>
 #include <map>
 #include <optional>
 #include <string>
@@ -74,10 +75,14 @@ public:
     /// Returns the path at which `create` makes the clone.
     [[nodiscard]] static std::filesystem::path wrapperURL(const Request& request);
 
+    /// Called with the wrapper's path before anything is changed.
+    using BeforeWriting = std::function<void(const std::filesystem::path& wrapper)>;
+
     /// Makes the clone, replacing one of the same name, and returns the wrapper's path. Throws
     /// `FactoryError`, `PlatformError` if the target has an obstacle, or what
-    /// `WrapperGenerator::generate` throws.
-    [[nodiscard]] std::filesystem::path create(const Request& request) const;
+    /// `WrapperGenerator::generate` or `beforeWriting` throws.
+    [[nodiscard]] std::filesystem::path create(const Request& request,
+                                               const BeforeWriting& beforeWriting = {}) const;
 
     /// Returns the engine that the bundle is built on. Reads the bundle's own identifier
     /// if `bundleId` is absent. Returns `other` for an unreadable bundle.

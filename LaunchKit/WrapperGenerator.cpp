@@ -104,6 +104,9 @@ fs::path WrapperGenerator::generate(const fs::path& directory, const Options& op
     const std::string json = options.config.json();
     WrapperPropertyList::requireWritableTexts(options.config);
     fs::path wrapper = wrapperPath(directory, options.config.displayName);
+    if (options.beforeWriting) {
+        options.beforeWriting(wrapper);
+    }
     if (itemOrLinkExists(wrapper)) {
         removeWrapper(wrapper);
     }

@@ -5,6 +5,7 @@
 #include "LaunchKit/InstanceConfig.h"
 
 #include <filesystem>
+#include <functional>
 #include <optional>
 #include <string>
 
@@ -18,6 +19,9 @@ public:
         std::filesystem::path runnerBinary{};
         std::optional<std::filesystem::path> customIcon{}; ///< replaces the target's own icon
         bool hideWrapperIcon = false;                      ///< no Dock icon
+        /// If set, called with the wrapper's path before anything is changed. What it throws is
+        /// passed on.
+        std::function<void(const std::filesystem::path& wrapper)> beforeWriting{};
     };
 
     class GenError : public Error {

@@ -26,8 +26,20 @@ void addOnce(std::vector<fs::path>& folders, const fs::path& folder) {
 
 fs::path ownFolder(const char* variable, std::string_view otherwise) {
     const std::string_view own = environment(variable);
-    return own.starts_with('/') ? fs::path(withoutTrailingSlashes(own))
+    return own.starts_with('/') ? withoutTrailingSlashes(own)
                                 : fs::path(joinAsText(UserPaths::home(), otherwise));
+}
+
+void addFolders(std::vector<fs::path>& folders, const char* variable, std::string_view otherwise) {
+    std::string_view rest = environment(variable);
+    if (rest.empty()) {
+        rest = otherwise;
+    }
+    while (!rest.empty()) {
+        const std::size_t end = std::min(rest.find(':'), rest.size());
+        addOnce(folders, rest.substr(0, end));
+        rest.remove_prefix(std::min(end + 1, rest.size()));
+    }
 }
 
 } // namespace
@@ -42,18 +54,16 @@ fs::path xdgDataHome() {
 
 std::vector<fs::path> xdgDataFolders() {
     std::vector<fs::path> folders{xdgDataHome()};
-    std::string_view rest = environment("XDG_DATA_DIRS");
-    if (rest.empty()) {
-        rest = defaultXdgDataDirs;
-    }
-    while (!rest.empty()) {
-        const std::size_t end = std::min(rest.find(':'), rest.size());
-        addOnce(folders, rest.substr(0, end));
-        rest.remove_prefix(std::min(end + 1, rest.size()));
-    }
+    addFolders(folders, "XDG_DATA_DIRS", defaultXdgDataDirs);
     addOnce(folders, joinAsText(folders.front(), "flatpak/exports/share"));
     addOnce(folders, "/var/lib/flatpak/exports/share");
     addOnce(folders, "/var/lib/snapd/desktop");
+    return folders;
+}
+
+std::vector<fs::path> xdgConfigFolders() {
+    std::vector<fs::path> folders{xdgConfigHome()};
+    addFolders(folders, "XDG_CONFIG_DIRS", "/etc/xdg");
     return folders;
 }
 

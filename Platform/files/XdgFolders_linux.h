@@ -20,4 +20,8 @@ inline constexpr std::string_view defaultXdgDataDirs = "/usr/local/share:/usr/sh
 /// Snap export to, which a session may have left out. Each once; they need not exist.
 [[nodiscard]] std::vector<std::filesystem::path> xdgDataFolders();
 
+/// Where settings are: `XDG_CONFIG_HOME` (".config" in the user's home if it is not an absolute
+/// path) and each folder of `XDG_CONFIG_DIRS` ("/etc/xdg" if it is empty). Each once.
+[[nodiscard]] std::vector<std::filesystem::path> xdgConfigFolders();
+
 } // namespace quorvel

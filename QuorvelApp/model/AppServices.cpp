@@ -1,6 +1,6 @@
 #include "QuorvelApp/model/AppServices.h"
 
-#include "LaunchKit/RequestCheck.h"
+#include "LaunchKit/CloneCreation.h"
 #include "ProbeKit/AppProber.h"
 
 #include <QTimer>
@@ -32,8 +32,8 @@ AppServices AppServices::system() {
     services.scanCatalog = [] { return AppCatalog::scan(); };
     services.readBundle = [](const std::filesystem::path& app) { return AppBundle::read(app); };
     services.createWrapper = [](const WrapperFactory::Request& request) {
-        validateRequest(request);
-        return WrapperFactory().create(request);
+        // The form has warned that a clone of that name is replaced.
+        return createClone(WrapperFactory(), request, {.existingClone = true});
     };
     services.probe = [workspace = services.workspace,
                       quitting = services.quitting](const std::filesystem::path& app) {
