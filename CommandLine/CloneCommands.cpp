@@ -7,6 +7,7 @@
 #include "CommandLine/Confirmation.h"
 #include "LaunchKit/InstanceLauncher.h"
 #include "LaunchKit/InstanceRecord.h"
+#include "LaunchKit/MenuEntries.h"
 #include "LaunchKit/RequestCheck.h"
 #include "Platform/files/PlatformError.h"
 
@@ -116,7 +117,10 @@ void createCommand(const CommandContext& context, const CreateOptions& options, 
     const WrapperFactory::Request request = requestFrom(options);
     const WrapperFactory factory(options.runner);
     checkCreation(context, request, factory.runnerBinary, options.sharedHome);
-    const fs::path wrapper = factory.create(request);
+    const fs::path wrapper = factory.create(request, [&](const std::string& warning) {
+        context.errors << terminalText(warning) << "\n" << std::flush;
+    });
+    repairMenu(context.registry.list());
     const std::optional<InstanceRecord> record = context.registry.record(wrapper);
     if (!record) {
         throw CommandError("The clone at " + wrapper.string() + " can’t be read back.");

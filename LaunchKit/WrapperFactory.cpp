@@ -2,7 +2,8 @@
 
 #include "Base/PathText.h"
 #include "Base/Text.h"
-#include "LaunchKit/InstanceConfig.h"
+#include "LaunchKit/InstanceRecord.h"
+#include "LaunchKit/MenuEntries.h"
 #include "LaunchKit/RunnerLocator.h"
 #include "LaunchKit/WrapperGenerator.h"
 #include "LaunchKit/WrapperLayout.h"
@@ -33,6 +34,18 @@ InstanceConfig configuration(const WrapperFactory::Request& request, const std::
         }
     }
     return config;
+}
+
+// A clone that is not in the menu is a clone all the same.
+void publish(const InstanceRecord& record, const WrapperFactory::Warning& warn) {
+    try {
+        publishInMenu(record);
+    } catch (const std::exception& error) {
+        if (warn) {
+            warn("“" + record.config.displayName +
+                 "” was made, but it couldn’t be added to the menu: " + error.what());
+        }
+    }
 }
 
 std::string nameOf(const WrapperFactory::Request& request) {
@@ -69,7 +82,7 @@ fs::path WrapperFactory::wrapperURL(const Request& request) {
     return quorvel::wrapperPath(folderOf(request), nameOf(request));
 }
 
-fs::path WrapperFactory::create(const Request& request) const {
+fs::path WrapperFactory::create(const Request& request, const Warning& warn) const {
     const std::string name = nameOf(request);
     if (name.empty()) {
         throw FactoryError::emptyName();
@@ -81,7 +94,9 @@ fs::path WrapperFactory::create(const Request& request) const {
     }
     const WrapperGenerator::Options options{configuration(request, name), *runner,
                                             request.customIcon, request.hideWrapperIcon};
-    return WrapperGenerator().generate(folderOf(request), options);
+    const fs::path wrapper = WrapperGenerator().generate(folderOf(request), options);
+    publish({wrapper, options.config}, warn);
+    return wrapper;
 }
 
 AppEngine WrapperFactory::detectEngine(const fs::path& app,

@@ -6,6 +6,7 @@
 #include "LaunchKit/CloneOptions.h"
 
 #include <filesystem>
+#include <functional>
 #include <map>
 #include <optional>
 #include <string>
@@ -74,9 +75,14 @@ public:
     /// Returns the path at which `create` makes the clone.
     [[nodiscard]] static std::filesystem::path wrapperURL(const Request& request);
 
-    /// Makes the clone, replacing one of the same name, and returns the wrapper's path. Throws
-    /// `FactoryError`, or what `WrapperGenerator::generate` throws.
-    [[nodiscard]] std::filesystem::path create(const Request& request) const;
+    /// Takes a sentence for the user about what went wrong although the clone was made.
+    using Warning = std::function<void(const std::string& sentence)>;
+
+    /// Makes the clone, replacing one of the same name, publishes it in the user's menu, and
+    /// returns the wrapper's path. Throws `FactoryError`, or what `WrapperGenerator::generate`
+    /// throws. If it can't be published, `warn` is called.
+    [[nodiscard]] std::filesystem::path create(const Request& request,
+                                               const Warning& warn = {}) const;
 
     /// Returns the engine that the bundle is built on. Reads the bundle's own identifier
     /// if `bundleId` is absent. Returns `other` for an unreadable bundle.

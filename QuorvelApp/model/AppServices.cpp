@@ -1,5 +1,7 @@
 #include "QuorvelApp/model/AppServices.h"
 
+#include "LaunchKit/InstanceRecord.h"
+#include "LaunchKit/MenuEntries.h"
 #include "LaunchKit/RequestCheck.h"
 #include "ProbeKit/AppProber.h"
 
@@ -31,10 +33,12 @@ AppServices AppServices::system() {
     services.quitting = std::make_shared<std::atomic<bool>>(false);
     services.scanCatalog = [] { return AppCatalog::scan(); };
     services.readBundle = [](const std::filesystem::path& app) { return AppBundle::read(app); };
-    services.createWrapper = [](const WrapperFactory::Request& request) {
+    services.createWrapper = [](const WrapperFactory::Request& request,
+                                const WrapperFactory::Warning& warn) {
         validateRequest(request);
-        return WrapperFactory().create(request);
+        return WrapperFactory().create(request, warn);
     };
+    services.repairMenu = [](const std::vector<InstanceRecord>& clones) { repairMenu(clones); };
     services.probe = [workspace = services.workspace,
                       quitting = services.quitting](const std::filesystem::path& app) {
         return probeApp(app, workspace, *quitting);
