@@ -2,13 +2,15 @@
 
 #include "Base/PathText.h"
 #include "Base/TerminalText.h"
+#include "CommandLine/AppLookup.h"
 #include "CommandLine/CloneLookup.h"
 #include "CommandLine/CloneTexts.h"
 #include "CommandLine/Confirmation.h"
+#include "LaunchKit/CloneCreation.h"
 #include "LaunchKit/InstanceLauncher.h"
 #include "LaunchKit/InstanceRecord.h"
 #include "LaunchKit/MenuEntries.h"
-#include "LaunchKit/RequestCheck.h"
+#include "LaunchKit/ShippedProfiles.h"
 #include "Platform/files/PlatformError.h"
 
 #include <nlohmann/json.hpp>
@@ -48,30 +50,58 @@ std::optional<std::uintmax_t> logSizeOf(const InstanceConfig& config) {
     return code ? std::nullopt : std::optional(size);
 }
 
-// Asks before replacing a clone that can't be read, if the input is a terminal.
-void checkCreation(const CommandContext& context, const WrapperFactory::Request& request,
-                   const std::optional<fs::path>& runner, bool sharedHome) {
+CommandError withHint(const InvalidRequest& refused, const char* hint) {
+    return CommandError(refused.what() + std::string(" ") + hint);
+}
+
+// Refusals say which option allows what was asked for.
+fs::path madeClone(const CommandContext& context, const WrapperFactory& factory,
+                   const WrapperFactory::Request& request, const RequestPermissions& permissions) {
     try {
-        validateRequest(request, runner, {.sharedHome = sharedHome});
+        return createClone(factory, request, permissions, [&](const std::string& warning) {
+            context.errors << terminalText(warning) << "\n" << std::flush;
+        });
     } catch (const SharedHome& refused) {
-        throw CommandError(std::string(refused.what()) + " With --shared-home, it is used anyway.");
-    } catch (const DamagedClone&) {
-        if (!context.inputIsTerminal) {
-            throw;
-        }
-        const fs::path place = WrapperFactory::wrapperURL(request);
-        if (!confirmed(context,
-                       "The clone at " + place.string() + " can’t be read any more. Replace it?")) {
-            throw CommandError("Nothing was replaced.");
-        }
-        validateRequest(request, runner, {.sharedHome = sharedHome, .damagedClone = true});
+        throw withHint(refused, "With --shared-home, it is used anyway.");
+    } catch (const CloneExists& refused) {
+        throw withHint(refused, "With --replace, it is replaced, and its data stays.");
     }
+}
+
+// What the user set comes first.
+void addSuggestedEnvironment(WrapperFactory::Request& request) {
+    const auto app = request.kind == ShortcutKind::app && request.targetApp
+                         ? AppBundle::read(*request.targetApp, noEntitlements)
+                         : std::nullopt;
+    if (app) {
+        request.environment.merge(ShippedProfiles::suggestedEnvironment(*app));
+    }
+}
+
+// Asks before replacing a clone that can't be read, if the input is a terminal.
+fs::path madeCloneAfterQuestion(const CommandContext& context, const WrapperFactory& factory,
+                                const WrapperFactory::Request& request,
+                                RequestPermissions permissions) {
+    try {
+        return madeClone(context, factory, request, permissions);
+    } catch (const DamagedClone& refused) {
+        if (!context.inputIsTerminal) {
+            throw withHint(refused, "With --replace, it is replaced.");
+        }
+    }
+    const fs::path place = WrapperFactory::wrapperURL(request);
+    if (!confirmed(context,
+                   "The clone at " + place.string() + " can’t be read any more. Replace it?")) {
+        throw CommandError("Nothing was replaced.");
+    }
+    permissions.damagedClone = true;
+    return madeClone(context, factory, request, permissions);
 }
 
 } // namespace
 
 void inspectCommand(const CommandContext& context, const std::string& app, bool json) {
-    const fs::path url = absoluteFile(app);
+    const fs::path url = findApp(app);
     const std::optional<AppBundle> bundle = AppBundle::read(url);
     if (!bundle) {
         throw WrapperFactory::FactoryError::badTarget(url);
@@ -114,12 +144,18 @@ void showCommand(const CommandContext& context, const std::string& clone, bool j
 }
 
 void createCommand(const CommandContext& context, const CreateOptions& options, bool json) {
-    const WrapperFactory::Request request = requestFrom(options);
-    const WrapperFactory factory(options.runner);
-    checkCreation(context, request, factory.runnerBinary, options.sharedHome);
-    const fs::path wrapper = factory.create(request, [&](const std::string& warning) {
-        context.errors << terminalText(warning) << "\n" << std::flush;
-    });
+    WrapperFactory::Request request = requestFrom(options);
+    if (options.target) {
+        request.targetApp = findApp(*options.target);
+    }
+    if (!options.noDefaultEnvironment) {
+        addSuggestedEnvironment(request);
+    }
+    const fs::path wrapper =
+        madeCloneAfterQuestion(context, WrapperFactory(options.runner), request,
+                               {.sharedHome = options.sharedHome,
+                                .existingClone = options.replace,
+                                .damagedClone = options.replace});
     repairMenu(context.registry.list());
     const std::optional<InstanceRecord> record = context.registry.record(wrapper);
     if (!record) {

@@ -32,14 +32,14 @@ InstanceRecord cloneAt(const InstanceRegistry& registry, const std::string& path
                                           : "There is no clone at " + bundle.string());
 }
 
+} // namespace
+
 // A clone whose name looks like a path must not be mistaken for that path.
 bool isPath(const std::string& words) {
     const auto starts = {"/", "~", "./", "../"};
     return std::any_of(starts.begin(), starts.end(),
                        [&](const char* start) { return words.starts_with(start); });
 }
-
-} // namespace
 
 fs::path absolutePath(const std::string& path) {
     if (path.empty() || path.front() == '~') {

@@ -12,6 +12,9 @@ namespace quorvel {
 /// `CommandError` if there is none, or if several have the name; its text then lists their paths.
 [[nodiscard]] InstanceRecord findClone(const InstanceRegistry& registry, const std::string& words);
 
+/// Returns whether the words are a path whatever exists: they begin with "/", "~", "./" or "../".
+[[nodiscard]] bool isPath(const std::string& words);
+
 /// Returns the wrapper at that path if its configuration can't be read, so that `findClone` does
 /// not find it; otherwise std::nullopt.
 [[nodiscard]] std::optional<std::filesystem::path> findDamagedClone(const std::string& words);

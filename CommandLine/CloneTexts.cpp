@@ -3,6 +3,7 @@
 #include "Base/TerminalText.h"
 #include "LaunchKit/AppEngine.h"
 #include "LaunchKit/InstanceRecord.h"
+#include "Presentation/AppTexts.h"
 #include "Presentation/JoinedText.h"
 
 #include <nlohmann/json.hpp>
@@ -75,9 +76,11 @@ nlohmann::json jsonForm(const InstanceRecord& record, const RunningApplications&
 }
 
 nlohmann::json jsonForm(const AppBundle& bundle) {
-    const AppEngine engine = detectEngine(bundle.url, bundle.bundleId);
+    const AppEngine engine = detectEngine(bundle);
     return {
         {"url", bundle.url.string()},
+        {"format", rawString(bundle.format)},
+        {"arguments", bundle.arguments},
         {"bundleId", bundle.bundleId},
         {"executableName", bundle.executableName},
         {"executableURL", bundle.executableURL().string()},
@@ -117,7 +120,7 @@ std::string description(const InstanceRecord& record, const CloneState& state) {
 }
 
 std::string description(const AppBundle& bundle) {
-    const AppEngine engine = detectEngine(bundle.url, bundle.bundleId);
+    const AppEngine engine = detectEngine(bundle);
     std::vector<Fact> facts{
         {"Bundle id", {bundle.bundleId}},
         {"Executable", {bundle.executableURL().string()}},
@@ -125,9 +128,15 @@ std::string description(const AppBundle& bundle) {
         {"One copy only", {yesOrNo(bundle.prohibitsMultipleInstances)}},
         {"Engine", {std::string(rawString(engine))}},
     };
-    const std::string arguments = joined(dataDirArgs(engine), " ");
-    if (!arguments.empty()) {
-        facts.push_back({"Default arguments", {arguments}});
+    const auto addArguments = [&](const char* label, const std::vector<std::string>& arguments) {
+        if (!arguments.empty()) {
+            facts.push_back({label, {joined(arguments, " ")}});
+        }
+    };
+    addArguments("Own arguments", bundle.arguments);
+    addArguments("Default arguments", dataDirArgs(engine));
+    if (auto reason = snapReason(bundle)) {
+        facts.push_back({"Note", {std::move(*reason)}});
     }
     return factLines(facts);
 }

@@ -58,7 +58,11 @@ void addIconOptions(CLI::App& icon, IconOptions& o) {
 }
 
 void addAppOperand(CLI::App& command, Words& words) {
-    command.add_option("APP", words.operand, "The application bundle")->required()->type_name("");
+    command
+        .add_option("APP", words.operand,
+                    "A path to an application, or the id or name of an installed one")
+        ->required()
+        ->type_name("");
 }
 
 void addProbeOptions(CLI::App& probe, ProbeOptions& o) {

@@ -67,11 +67,13 @@ void addPairs(std::map<std::string, std::string>& to, const std::vector<std::str
     }
 }
 
-void addTargetOptions(CLI::App& create, WrapperFactory::Request& request) {
+void addTargetOptions(CLI::App& create, CreateOptions& options) {
     const ValueOptions add{create};
+    WrapperFactory::Request& request = options.request;
     addChoice(create, "--kind", "What the clone opens", "KIND", request.kind);
     create.add_option("--name", request.displayName, "The clone's name")->type_name("NAME");
-    add.file("--target", request.targetApp, "The application to clone", "APP");
+    add.text("--target", options.target, "The application to clone: a path, or an id or name",
+             "APP");
     add.text("--url", request.url, "The address that a web clone opens", "URL");
     add.path("--open", request.openPath, "The file or folder that a file clone opens", "PATH");
     add.path("--command", request.commandPath, "The program that a command clone runs", "PATH");
@@ -97,6 +99,8 @@ void addArgumentOptions(CLI::App& create, CreateOptions& options) {
     create.add_flag("--no-extra-args", options.noExtraArgs, "No arguments for the target at all");
     addRepeatable(create, "--env", "An environment variable (repeatable)", "K=V",
                   options.environment);
+    create.add_flag("--no-default-env", options.noDefaultEnvironment,
+                    "Without the variables that the target is known to need");
     addRepeatable(create, "--plist", "An entry of the property list (repeatable)", "K=V",
                   options.infoPlist);
 }
@@ -125,13 +129,14 @@ void requireTarget(const WrapperFactory::Request& request) {
 void addCreateOptions(CLI::App& create, CreateOptions& options) {
     WrapperFactory::Request& request = options.request;
     const ValueOptions add{create};
-    addTargetOptions(create, request);
+    addTargetOptions(create, options);
     add.path("--home", request.instanceHome, "The data folder (default: ~/QuorvelInstances/NAME)",
              "DIR");
     create.add_flag("--shared-home", options.sharedHome,
                     "The data folder may be another clone's, or the user's own");
     add.file("--output", request.outputDir, "Where the clone is put (default: ~/Applications)",
              "DIR");
+    create.add_flag("--replace", options.replace, "Replace a clone of that name; its data stays");
     add.text("--bundle-id", request.bundleId, "The clone's bundle identifier", "ID");
     addChoice(create, "--strategy", "How its data is kept apart", "STRATEGY", request.strategy);
     addIconOptions(create, options);

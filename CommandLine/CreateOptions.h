@@ -15,13 +15,16 @@ namespace quorvel {
 
 /// What the options of `quorvelctl create` set.
 struct CreateOptions {
-    WrapperFactory::Request request{};      ///< without what the next five add to it
+    WrapperFactory::Request request{};      ///< without what the next members add to it
+    std::optional<std::string> target{};    ///< as `findApp` takes it
     std::vector<std::string> environment{}; ///< entries KEY=VALUE
     std::vector<std::string> infoPlist{};   ///< entries KEY=VALUE
     IconLabel label{.colorHex = "#FFFFFF"};
     std::vector<std::string> extraArgs{};
     bool noExtraArgs = false;
+    bool noDefaultEnvironment = false;
     bool sharedHome = false;
+    bool replace = false;
     std::optional<std::filesystem::path> runner{};
     bool launch = false;
 };

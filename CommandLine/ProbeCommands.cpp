@@ -1,5 +1,6 @@
 #include "CommandLine/ProbeCommands.h"
 
+#include "CommandLine/AppLookup.h"
 #include "CommandLine/CloneLookup.h"
 #include "CommandLine/CloneTexts.h"
 #include "CommandLine/ProbeTexts.h"
@@ -39,10 +40,10 @@ AppProber makeProber(const CommandContext& context, const std::string& app,
     if (options.realLibrary) {
         dependencies.realLibrary = absoluteFile(*options.realLibrary).string();
     }
-    auto prober = AppProber::forApp(absoluteFile(app), std::move(dependencies));
+    const std::filesystem::path url = findApp(app);
+    auto prober = AppProber::forApp(url, std::move(dependencies));
     if (!prober) {
-        throw CommandError(
-            InstanceLauncher::LaunchError::badBundle(absoluteFile(app)).description());
+        throw CommandError(InstanceLauncher::LaunchError::badBundle(url).description());
     }
     return std::move(*prober);
 }
@@ -101,7 +102,7 @@ void appsCommand(const CommandContext& context, const std::vector<std::string>& 
     std::vector<std::filesystem::path> dirs;
     std::transform(searchDirs.begin(), searchDirs.end(), std::back_inserter(dirs), absoluteFile);
     print(context,
-          AppCatalog::scan(dirs.empty() ? AppCatalog::defaultSearchDirs() : dirs, entitlements),
+          dirs.empty() ? AppCatalog::scan(entitlements) : AppCatalog::scan(dirs, entitlements),
           json);
 }
 

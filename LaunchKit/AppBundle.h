@@ -1,9 +1,13 @@
 #pragma once
 
+#include "LaunchKit/DesktopTarget.h"
+#include "LaunchKit/Records/EnumNames.h"
+
 #include <filesystem>
 #include <functional>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace quorvel {
 
@@ -18,22 +22,46 @@ using EntitlementReader = std::function<std::string(const std::filesystem::path&
 /// callers that don't need the sandbox flag.
 [[nodiscard]] std::string noEntitlements(const std::filesystem::path& bundle);
 
-/// Facts about an application bundle, read once.
+/// What an application is described by.
+enum class AppFormat { bundle, desktopEntry, appImage };
+
+template<>
+inline constexpr auto enumNames<AppFormat> = namesOfAllCases<AppFormat>({
+    {AppFormat::bundle, "bundle"},
+    {AppFormat::desktopEntry, "desktop-entry"},
+    {AppFormat::appImage, "appimage"},
+});
+
+/// Facts about an application, read once.
 struct AppBundle {
     std::filesystem::path url{}; ///< as given
-    std::string bundleId{};
+    std::string bundleId{};      ///< of a desktop entry, its id: "org.example.App.desktop"
     std::string executableName{};
-    bool sandboxed = false;
+    bool sandboxed = false; ///< so that its data can't be kept apart; for a Snap, too
     bool prohibitsMultipleInstances = false;
+    AppFormat format = AppFormat::bundle;
+    std::vector<std::string> arguments{};   ///< a desktop entry's own, with their field codes
+    std::optional<DesktopTarget> desktop{}; ///< absent for a bundle
 
     /// Returns `std::nullopt` if `Info.plist` can't be read as a dictionary; the tool is not run
-    /// then. Blocks until the tool has exited.
+    /// then. Blocks until the tool has exited. A file named *.desktop is read as a desktop entry,
+    /// any other that is an AppImage as that; both only on Linux, and only if they can be started.
     [[nodiscard]] static std::optional<AppBundle>
     read(const std::filesystem::path& appURL,
          const EntitlementReader& entitlements = codeSigningTool());
 
+    /// Returns the main executable; of a desktop entry, the real file behind links and scripts.
     [[nodiscard]] std::filesystem::path executableURL() const;
+
+    /// Returns why a clone of it could not work, as the end of a sentence; `std::nullopt` if it
+    /// can.
+    [[nodiscard]] std::optional<std::string> obstacle() const;
 };
+
+/// Returns what to tell the user about a file or folder that `AppBundle::read` can't read: the
+/// reason for a desktop entry or an AppImage, for anything else `otherwise` followed by its path.
+[[nodiscard]] std::string unreadableAppText(const std::filesystem::path& appURL,
+                                            const std::string& otherwise);
 
 /// Returns the icon file that the bundle's property list names; `std::nullopt` if it names none or
 /// the file doesn't exist.

@@ -1,8 +1,11 @@
 #include "LaunchKit/AppCatalog.h"
 
 #include "Base/BundleName.h"
+#include "LaunchKit/AppIcon.h"
 #include "LaunchKit/NameOrder.h"
 #include "LaunchKit/WrapperLayout.h"
+#include "Platform/desktop/IconTheme.h"
+#include "Platform/desktop/InstalledApplications.h"
 #include "Platform/files/FileSystem.h"
 #include "Platform/files/Folder.h"
 #include "Platform/processes/ParallelLoop.h"
@@ -54,8 +57,30 @@ std::optional<InstalledApp> readApp(Candidate& candidate, const EntitlementReade
                         std::move(read->bundleId)};
 }
 
+using FoundApps = std::vector<std::optional<InstalledApp>>;
+
+FoundApps bundlesIn(const std::vector<fs::path>& dirs, const EntitlementReader& entitlements) {
+    std::vector<Folder> folders = opened(dirs);
+    std::vector<Candidate> candidates = candidatesIn(folders);
+    FoundApps found(candidates.size());
+    // Most of the time is spent waiting for the code-signing tool.
+    forEachIndexWaiting(candidates.size(), [&](std::size_t index) {
+        found[index] = readApp(candidates[index], entitlements);
+    });
+    return found;
+}
+
+void addInstalledApplications(FoundApps& found) {
+    IconTheme icons(IconTheme::chosenTheme());
+    for (InstalledApplication& installed : installedApplications()) {
+        auto icon = icons.find(installed.entry.icon);
+        found.emplace_back(InstalledApp{std::move(installed.file), std::move(installed.entry.name),
+                                        std::move(installed.id), std::move(icon)});
+    }
+}
+
 // Keeps the first of each identifier.
-std::vector<InstalledApp> withoutDuplicates(std::vector<std::optional<InstalledApp>> found) {
+std::vector<InstalledApp> withoutDuplicates(FoundApps found) {
     std::vector<InstalledApp> apps;
     std::set<std::string> seen;
     for (std::optional<InstalledApp>& app : found) {
@@ -69,7 +94,7 @@ std::vector<InstalledApp> withoutDuplicates(std::vector<std::optional<InstalledA
 } // namespace
 
 std::optional<fs::path> InstalledApp::iconURL() const {
-    return bundleIconFile(url);
+    return themeIcon ? themeIcon : appIconFile(url);
 }
 
 std::vector<fs::path> AppCatalog::defaultSearchDirs() {
@@ -79,13 +104,12 @@ std::vector<fs::path> AppCatalog::defaultSearchDirs() {
 
 std::vector<InstalledApp> AppCatalog::scan(const std::vector<fs::path>& dirs,
                                            const EntitlementReader& entitlements) {
-    std::vector<Folder> folders = opened(dirs);
-    std::vector<Candidate> candidates = candidatesIn(folders);
-    std::vector<std::optional<InstalledApp>> found(candidates.size());
-    // Most of the time is spent waiting for the code-signing tool.
-    forEachIndexWaiting(candidates.size(), [&](std::size_t index) {
-        found[index] = readApp(candidates[index], entitlements);
-    });
+    return sortedByName(withoutDuplicates(bundlesIn(dirs, entitlements)), &InstalledApp::name);
+}
+
+std::vector<InstalledApp> AppCatalog::scan(const EntitlementReader& entitlements) {
+    FoundApps found = bundlesIn(defaultSearchDirs(), entitlements);
+    addInstalledApplications(found);
     return sortedByName(withoutDuplicates(std::move(found)), &InstalledApp::name);
 }
 

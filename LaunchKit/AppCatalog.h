@@ -13,15 +13,20 @@ namespace quorvel {
 
 /// An application that can be cloned.
 struct InstalledApp {
-    std::filesystem::path url{}; ///< the bundle, as found
-    std::string name{};          ///< the folder's name without ".app"
+    std::filesystem::path url{}; ///< the bundle or desktop entry, as found
+    std::string name{};          ///< the bundle's name without ".app", or the entry's
     std::string bundleId{};
+    /// Of a desktop entry, its icon as the scan found it: a PNG or SVG file.
+    std::optional<std::filesystem::path> themeIcon{};
 
     [[nodiscard]] std::string id() const { return url.string(); }
-    /// Returns the app's icon file; `std::nullopt` if its property list names none that exists.
+    /// Returns the app's icon file, an icon container or what `themeIcon` is; `std::nullopt` if the
+    /// app names none that exists.
     [[nodiscard]] std::optional<std::filesystem::path> iconURL() const;
 
-    bool operator==(const InstalledApp&) const = default;
+    bool operator==(const InstalledApp& other) const {
+        return url == other.url && name == other.name && bundleId == other.bundleId;
+    }
 };
 
 namespace AppCatalog {
@@ -34,8 +39,12 @@ namespace AppCatalog {
 /// while the code-signing tool runs once for each bundle; several run in parallel, and
 /// `entitlements` is called from several threads.
 [[nodiscard]] std::vector<InstalledApp>
-scan(const std::vector<std::filesystem::path>& dirs = defaultSearchDirs(),
+scan(const std::vector<std::filesystem::path>& dirs,
      const EntitlementReader& entitlements = codeSigningTool());
+
+/// Returns the same for `defaultSearchDirs()`, followed on Linux by `installedApplications()`.
+[[nodiscard]] std::vector<InstalledApp>
+scan(const EntitlementReader& entitlements = codeSigningTool());
 
 } // namespace AppCatalog
 } // namespace quorvel

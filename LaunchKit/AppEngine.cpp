@@ -60,15 +60,39 @@ AppEngine classify(const fs::path& app, const std::string& lowerId) {
     return AppEngine::other;
 }
 
-std::string identifierOf(const fs::path& app) {
-    const auto bundle = AppBundle::read(app, noEntitlements);
-    return bundle ? bundle->bundleId : std::string{};
+AppEngine engineOf(const ResolvedProgram& program) {
+    switch (program.engine) {
+    case ResolvedProgram::Engine::electron:
+        return AppEngine::electron;
+    case ResolvedProgram::Engine::chromium:
+        return AppEngine::chromium;
+    case ResolvedProgram::Engine::firefox:
+        return AppEngine::firefox;
+    case ResolvedProgram::Engine::eclipse:
+        return AppEngine::eclipse;
+    case ResolvedProgram::Engine::java:
+    case ResolvedProgram::Engine::libreOffice:
+    case ResolvedProgram::Engine::other:
+        break; // the environment alone keeps their data apart
+    }
+    return AppEngine::other;
 }
 
 } // namespace
 
 AppEngine detectEngine(const fs::path& app, const std::optional<std::string>& bundleId) {
-    return classify(app, Text::lowerCased(bundleId ? *bundleId : identifierOf(app)));
+    std::error_code ignored;
+    if (!bundleId || !fs::is_directory(app, ignored)) {
+        if (const auto read = AppBundle::read(app, noEntitlements)) {
+            return detectEngine(*read);
+        }
+    }
+    return classify(app, Text::lowerCased(bundleId.value_or("")));
+}
+
+AppEngine detectEngine(const AppBundle& app) {
+    return app.desktop ? engineOf(app.desktop->program)
+                       : classify(app.url, Text::lowerCased(app.bundleId));
 }
 
 std::vector<std::string> dataDirArgs(AppEngine engine, std::string_view home) {

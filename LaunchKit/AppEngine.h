@@ -22,10 +22,16 @@ inline constexpr auto enumNames<AppEngine> = namesOfAllCases<AppEngine>({
     {AppEngine::other, "other"},
 });
 
-/// Returns the engine of an application bundle, `other` if it is unknown or the bundle can't be
-/// read. Reads the bundle's own identifier if `bundleId` is absent. Any thread.
+struct AppBundle;
+
+/// Returns the engine of an application, `other` if it is unknown or the application can't be
+/// read. Of a bundle, reads its own identifier if `bundleId` is absent. Of a desktop entry, looks
+/// at the real program behind links and scripts. Any thread.
 [[nodiscard]] AppEngine detectEngine(const std::filesystem::path& app,
                                      const std::optional<std::string>& bundleId = std::nullopt);
+
+/// Returns the same for an application that has been read.
+[[nodiscard]] AppEngine detectEngine(const AppBundle& app);
 
 /// Returns the arguments that make the engine keep its data below `home`; none for `other`.
 [[nodiscard]] std::vector<std::string> dataDirArgs(AppEngine engine,

@@ -26,6 +26,7 @@ struct RecordTable<AppProfile> {
         ProfileRow::required<&AppProfile::extraArgs>("extraArgs"),
         ProfileRow::required<&AppProfile::verifiedOn>("verifiedOn"),
         ProfileRow::required<&AppProfile::confidence>("confidence"),
+        ProfileRow::of<&AppProfile::environment>("environment"),
     });
 };
 

@@ -4,6 +4,8 @@
 #include "LaunchKit/Strategy.h"
 #include "Platform/desktop/Workspace.h"
 
+#include <map>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -56,6 +58,8 @@ struct AppProfile {
     std::vector<std::string> extraArgs{};  ///< may contain "{{instanceHome}}"
     std::vector<std::string> verifiedOn{}; ///< operating-system signatures
     Confidence confidence = Confidence::autoDetected;
+    /// The variables that a clone needs to run beside the original. Shipped profiles have it.
+    std::optional<std::map<std::string, std::string>> environment{};
 
     bool operator==(const AppProfile&) const = default;
 

@@ -1,5 +1,6 @@
 #include "LaunchKit/IconComposer.h"
 
+#include "LaunchKit/Icons/AppIconImage.h"
 #include "LaunchKit/Icons/FontEngine.h"
 #include "LaunchKit/Icons/IcnsWriter.h"
 #include "LaunchKit/Icons/IconImage.h"
@@ -7,6 +8,8 @@
 #include "LaunchKit/Icons/LabelText.h"
 #include "Platform/files/FileWriting.h"
 #include "Platform/files/PlatformError.h"
+
+#include <QPainter>
 
 #include <algorithm>
 #include <array>
@@ -47,35 +50,66 @@ std::string chunkOrNothing(const Drawing& drawing, int side) {
 }
 
 // The largest takes longer than all others together, so it is drawn concurrently with them.
-Chunks badgedChunks(const Drawing& drawing) {
+Chunks badgedChunks(const Drawing& drawing, std::size_t first) {
     Chunks chunks;
     const auto make = [&](std::size_t index) {
         chunks[index] = chunkOrNothing(drawing, sides[index]);
     };
     const std::future<void> largest =
-        std::async(std::launch::async | std::launch::deferred, make, 0U);
-    for (std::size_t index = 1; index < sides.size(); ++index) {
+        std::async(std::launch::async | std::launch::deferred, make, first);
+    for (std::size_t index = first + 1; index < sides.size(); ++index) {
         make(index);
     }
     largest.wait();
     return chunks;
 }
 
-// Returns the image premultiplied, as scaling needs it; null if there is none.
-QImage sourceImage(const std::filesystem::path& source) {
+// Returns the image premultiplied, as scaling needs it. Throws if there is none.
+template<typename Read>
+QImage sourceImage(const std::filesystem::path& source, Read read) {
+    QImage image;
     try {
-        return widestIconImage(source).convertToFormat(QImage::Format_ARGB32_Premultiplied);
+        image = read(source).convertToFormat(QImage::Format_ARGB32_Premultiplied);
     } catch (const std::bad_alloc&) {
-        return {};
+        image = QImage();
     }
+    if (image.isNull()) {
+        throw ComposeError::noSourceImage(source);
+    }
+    return image;
 }
 
-std::string badgedIcon(const QImage& source, const IconLabel& label) {
+std::string badgedIcon(const QImage& source, const IconLabel& label, std::size_t first) {
     if (!ensureFontEngine()) {
         throw ComposeError::destinationFailed();
     }
-    return icnsFile(
-        badgedChunks({source, labelText(label.text), labelColor(label.colorHex), label.position}));
+    try {
+        return icnsFile(badgedChunks(
+            {source, labelText(label.text), labelColor(label.colorHex), label.position}, first));
+    } catch (const std::bad_alloc&) {
+        throw ComposeError::destinationFailed();
+    }
+}
+
+// The smallest that loses nothing of an image of this width.
+std::size_t largestFor(int width) {
+    std::size_t index = 0;
+    while (index + 1 < sides.size() && sides[index + 1] >= width) {
+        ++index;
+    }
+    return index;
+}
+
+// As a square, so that scaling doesn't distort it.
+QImage squared(const QImage& image) {
+    const int side = std::max(image.width(), image.height());
+    if (image.size() == QSize(side, side)) {
+        return image;
+    }
+    QImage square(side, side, QImage::Format_ARGB32_Premultiplied);
+    square.fill(Qt::transparent);
+    QPainter(&square).drawImage((side - image.width()) / 2, (side - image.height()) / 2, image);
+    return square;
 }
 
 } // namespace
@@ -90,17 +124,17 @@ ComposeError ComposeError::destinationFailed() {
 
 void compose(const std::filesystem::path& source, const IconLabel& label,
              const std::filesystem::path& destination) {
-    const QImage image = sourceImage(source);
-    if (image.isNull()) {
-        throw ComposeError::noSourceImage(source);
-    }
+    const std::string icon = badgedIcon(sourceImage(source, widestIconImage), label, 0);
     try {
-        writeFile(destination, badgedIcon(image, label));
+        writeFile(destination, icon);
     } catch (const PlatformError&) {
         throw ComposeError::destinationFailed();
-    } catch (const std::bad_alloc&) {
-        throw ComposeError::destinationFailed();
     }
+}
+
+std::string converted(const std::filesystem::path& source, const std::optional<IconLabel>& label) {
+    const QImage image = squared(sourceImage(source, widestAppIconImage));
+    return badgedIcon(image, label.value_or(IconLabel{}), largestFor(image.width()));
 }
 
 } // namespace quorvel::IconComposer

@@ -4,6 +4,7 @@
 #include "LaunchKit/IconLabel.h"
 
 #include <filesystem>
+#include <optional>
 #include <string>
 
 /// Draws a label onto an icon.
@@ -41,5 +42,11 @@ private:
 /// text needs the font engine, see `ensureFontEngine`.
 void compose(const std::filesystem::path& source, const IconLabel& label,
              const std::filesystem::path& destination);
+
+/// Returns the icon of an application, in any form that `widestAppIconImage` reads, as an icon
+/// container; with the label, if it has visible text. Images larger than the source are left out,
+/// except for one. Throws `ComposeError`. Any thread.
+[[nodiscard]] std::string converted(const std::filesystem::path& source,
+                                    const std::optional<IconLabel>& label);
 
 } // namespace quorvel::IconComposer

@@ -7,6 +7,7 @@
 #include "Platform/files/FileSystem.h"
 #include "Platform/files/PlatformError.h"
 #include "Platform/files/UserPaths.h"
+#include "Platform/processes/IsolatedEnvironment.h"
 
 namespace quorvel {
 namespace {
@@ -36,6 +37,45 @@ void ensureProfileFolders(const std::string& home, const std::vector<std::string
             ensureFolderBelow(home, arguments[index]);
         }
     }
+}
+
+void setProgram(const AppBundle& app, const std::vector<std::string>& extraArgs,
+                const std::vector<std::string>& documents, Process::Options& process) {
+    if (!app.desktop) {
+        process.executable = app.executableURL();
+        process.arguments = extraArgs;
+        process.arguments.insert(process.arguments.end(), documents.begin(), documents.end());
+        return;
+    }
+    process.executable = app.desktop->program.launcher;
+    process.arguments = app.desktop->arguments(extraArgs, documents);
+    if (!app.desktop->entry.path.empty()) {
+        process.directory = app.desktop->entry.path;
+    }
+}
+
+IsolationOptions isolationOf(const AppBundle& app, const CloneOptions& options) {
+    IsolationOptions isolation{.sharesUserFolders = options.shareUserFolders};
+    if (app.desktop) {
+        const ResolvedProgram& program = app.desktop->program;
+        isolation.usesJava = program.engine == ResolvedProgram::Engine::java;
+        isolation.usesFlatpak = program.packaging == ResolvedProgram::Packaging::flatpak;
+    }
+    return isolation;
+}
+
+Environment environmentFor(const AppBundle& app, const std::string& home,
+                           const CloneOptions& options) {
+    Environment environment = currentEnvironment();
+    if (app.desktop) {
+        app.desktop->applyTo(environment);
+    }
+    const Environment isolated = isolatedEnvironment(home, environment, isolationOf(app, options));
+    environment["HOME"] = home;
+    environment["CFFIXED_USER_HOME"] = home;
+    overwrite(environment, isolated);
+    overwrite(environment, options.environment);
+    return environment;
 }
 
 Process launchFile(const InstanceConfig& config) {
@@ -75,12 +115,12 @@ Process launchCommand(const InstanceConfig& config) {
 
 InstanceLauncher::LaunchError
 InstanceLauncher::LaunchError::badBundle(const std::filesystem::path& url) {
-    return {Case::badBundle, "Not a readable .app bundle: ", url.string()};
+    return {Case::badBundle, unreadableAppText(url, "Not a readable .app bundle: "), url.string()};
 }
 
 InstanceLauncher::LaunchError
 InstanceLauncher::LaunchError::unsupported(const std::string& message) {
-    return {Case::unsupported, "App not clonable: ", message};
+    return {Case::unsupported, "App not clonable: " + message, message};
 }
 
 Process InstanceLauncher::launch(const InstanceConfig& config,
@@ -91,11 +131,9 @@ Process InstanceLauncher::launch(const InstanceConfig& config,
         if (config.shareUserFolders) {
             ensureSharedUserFolders(home);
         }
-        std::vector<std::string> arguments = config.resolvedArgs();
-        arguments.insert(arguments.end(), documents.begin(), documents.end());
-        CloneOptions options = config;
+        auto options = static_cast<const CloneOptions&>(config);
         options.environment = config.resolvedEnvironment();
-        return launch(config.targetAppURL(), home, options, arguments, kept);
+        return launch(config.targetAppURL(), home, options, config.resolvedArgs(), documents, kept);
     }
     case ShortcutKind::web:
         throw LaunchError::unsupported("web shortcuts run in the runner's web host");
@@ -109,32 +147,33 @@ Process InstanceLauncher::launch(const InstanceConfig& config,
 
 Process InstanceLauncher::launch(const std::filesystem::path& appURL, const std::string& home,
                                  const CloneOptions& options,
-                                 const std::vector<std::string>& extraArgs, int kept) const {
+                                 const std::vector<std::string>& extraArgs,
+                                 const std::vector<std::string>& documents, int kept) const {
     const std::optional<AppBundle> app = AppBundle::read(appURL, noEntitlements);
     if (!app) {
         throw LaunchError::badBundle(appURL);
     }
-    return launch(*app, home, options, extraArgs, kept);
+    return launch(*app, home, options, extraArgs, documents, kept);
 }
 
 Process InstanceLauncher::launch(const AppBundle& app, const std::string& home,
                                  const CloneOptions& options,
-                                 const std::vector<std::string>& extraArgs, int kept) const {
+                                 const std::vector<std::string>& extraArgs,
+                                 const std::vector<std::string>& documents, int kept) const {
     createDirectories(home);
     Process::Options process;
-    process.executable = app.executableURL();
-    process.arguments = extraArgs;
+    setProgram(app, extraArgs, documents, process);
     process.kept = kept;
     const std::optional<FileHandle> log = instanceLogHandle(home);
     sendOutputTo(log, process);
-    process.environment = currentEnvironment();
     if (options.strategy == Strategy::unsupported) {
         throw LaunchError::unsupported(app.bundleId);
     }
-    (*process.environment)["HOME"] = home;
-    (*process.environment)["CFFIXED_USER_HOME"] = home;
+    if (const auto obstacle = app.obstacle()) {
+        throw LaunchError::unsupported(app.bundleId + ": " + *obstacle);
+    }
     ensureKeychainAccess(home);
-    overwrite(*process.environment, options.environment);
+    process.environment = environmentFor(app, home, options);
     ensureProfileFolders(home, extraArgs);
     return Process::run(process);
 }
@@ -144,6 +183,7 @@ Process InstanceLauncher::launch(const AppBundle& app, const std::string& home, 
                                  const std::map<std::string, std::string>& environment) const {
     CloneOptions options;
     options.strategy = strategy;
+    options.shareUserFolders = false;
     options.environment = environment;
     return launch(app, home, options, extraArgs);
 }

@@ -26,18 +26,18 @@ public:
     public:
         enum class Case { badBundle, unsupported };
 
-        /// The app's bundle can't be read.
+        /// The app can't be read.
         [[nodiscard]] static LaunchError badBundle(const std::filesystem::path& url);
         /// The configuration has no target, or the app can't be isolated.
         [[nodiscard]] static LaunchError unsupported(const std::string& message);
 
         [[nodiscard]] Case kind() const noexcept { return case_; }
-        /// The bundle's path, or the message.
+        /// The app's path, or the message.
         [[nodiscard]] const std::string& payload() const noexcept { return payload_; }
 
     private:
-        LaunchError(Case kind, const std::string& prefix, std::string payload)
-            : Error(prefix + payload),
+        LaunchError(Case kind, const std::string& text, std::string payload)
+            : Error(text),
               case_(kind),
               payload_(std::move(payload)) {}
 
@@ -46,7 +46,8 @@ public:
     };
 
     /// Launches the clone's target and returns its process. For an `app` clone, `documents` are
-    /// appended unchanged to the configured arguments; other kinds ignore them. An app inherits the
+    /// appended unchanged to the configured arguments, or passed as the app's desktop entry says;
+    /// other kinds ignore them. An app inherits the
     /// descriptor `kept` (-1: none) and keeps it open while it runs, see `Process`; other targets
     /// don't. Throws `LaunchError`, or `PlatformError` if the process can't be started.
     [[nodiscard]] Process launch(const InstanceConfig& config,
@@ -55,21 +56,25 @@ public:
 
     /// Launches an application with `home` (already expanded) as its home. Creates `home` if it is
     /// missing, and the folder inside it that follows an argument "-profile". The options' strategy
-    /// and environment are used unchanged; the environment overrides what the launcher sets. Throws
-    /// as above.
+    /// and environment are used unchanged; the environment overrides what the launcher sets, and
+    /// that overrides what a desktop entry sets. Throws as above.
     [[nodiscard]] Process launch(const AppBundle& app, const std::string& home,
                                  const CloneOptions& options,
-                                 const std::vector<std::string>& extraArgs, int kept = -1) const;
+                                 const std::vector<std::string>& extraArgs,
+                                 const std::vector<std::string>& documents = {},
+                                 int kept = -1) const;
 
-    /// The same with only these options.
+    /// The same with only these options, for a home that shares no folders.
     [[nodiscard]] Process launch(const AppBundle& app, const std::string& home, Strategy strategy,
                                  const std::vector<std::string>& extraArgs,
                                  const std::map<std::string, std::string>& environment) const;
 
-    /// Reads the bundle at `appURL` first. Throws `LaunchError::badBundle` if it can't be read.
+    /// Reads the app at `appURL` first. Throws `LaunchError::badBundle` if it can't be read.
     [[nodiscard]] Process launch(const std::filesystem::path& appURL, const std::string& home,
                                  const CloneOptions& options,
-                                 const std::vector<std::string>& extraArgs, int kept = -1) const;
+                                 const std::vector<std::string>& extraArgs,
+                                 const std::vector<std::string>& documents = {},
+                                 int kept = -1) const;
 
     /// Links the user's keychains into `home`. Never fails.
     static void ensureKeychainAccess(const std::string& home);

@@ -20,22 +20,6 @@ bool containsControlCharacters(const std::string& text) {
     });
 }
 
-// Making a clone again replaces it; anything else with that name belongs to someone and is kept.
-void refuseToReplaceOthers(const fs::path& wrapper, const RequestPermissions& permissions) {
-    if (!itemOrLinkExists(wrapper) || InstanceRegistry().record(wrapper) ||
-        isUnfinishedWrapper(wrapper)) {
-        return;
-    }
-    if (!isDamagedWrapper(wrapper)) {
-        throw InvalidRequest(wrapper.string() +
-                             " is not a clone; choose another name or folder for the new one.");
-    }
-    if (!permissions.damagedClone) {
-        throw DamagedClone("The clone at " + wrapper.string() +
-                           " can’t be read any more; delete it first, or choose another name.");
-    }
-}
-
 // Two clones with one data folder are not isolated, and deleting one would delete the other's data.
 void refuseToShareData(const WrapperFactory::Request& request, const fs::path& wrapper,
                        const RequestPermissions& permissions) {
@@ -85,13 +69,34 @@ std::string validatedCloneName(const std::string& name) {
     return trimmed;
 }
 
+void requireReplaceable(const fs::path& wrapper, const RequestPermissions& permissions) {
+    if (const auto record = InstanceRegistry().record(wrapper)) {
+        if (!permissions.existingClone) {
+            throw CloneExists("“" + record->config.displayName + "” already exists at " +
+                              wrapper.string() + "; choose another name or folder.");
+        }
+        return;
+    }
+    if (!itemOrLinkExists(wrapper) || isUnfinishedWrapper(wrapper)) {
+        return;
+    }
+    if (!isDamagedWrapper(wrapper)) {
+        throw InvalidRequest(wrapper.string() +
+                             " is not a clone; choose another name or folder for the new one.");
+    }
+    if (!permissions.damagedClone) {
+        throw DamagedClone("The clone at " + wrapper.string() +
+                           " can’t be read any more; delete it first, or choose another name.");
+    }
+}
+
 void validateRequest(const WrapperFactory::Request& request, const std::optional<fs::path>& runner,
                      const RequestPermissions& permissions) {
     if (validatedCloneName(request.displayName).empty()) {
         return; // the factory itself refuses it
     }
     const fs::path place = WrapperFactory::wrapperURL(request);
-    refuseToReplaceOthers(place, permissions);
+    requireReplaceable(place, permissions);
     for (const auto& part : {request.targetApp, request.customIcon, runner}) {
         refuseToUsePartsOf(place, part);
     }

@@ -2,11 +2,13 @@
 
 #include "Base/PathText.h"
 #include "Base/Text.h"
+#include "LaunchKit/AppIcon.h"
 #include "LaunchKit/InstanceRecord.h"
 #include "LaunchKit/MenuEntries.h"
 #include "LaunchKit/RunnerLocator.h"
 #include "LaunchKit/WrapperGenerator.h"
 #include "LaunchKit/WrapperLayout.h"
+#include "Platform/files/PlatformError.h"
 
 namespace quorvel {
 namespace fs = std::filesystem;
@@ -14,8 +16,13 @@ namespace {
 
 // Whether the target is sandboxed changes nothing here, so its signature is not looked at.
 fs::path readableTarget(const WrapperFactory::Request& request) {
-    if (!request.targetApp || !AppBundle::read(*request.targetApp, noEntitlements)) {
+    const auto app =
+        request.targetApp ? AppBundle::read(*request.targetApp, noEntitlements) : std::nullopt;
+    if (!app) {
         throw WrapperFactory::FactoryError::badTarget(request.targetApp.value_or("/"));
+    }
+    if (const auto obstacle = app->obstacle()) {
+        throw PlatformError::because(*obstacle, *request.targetApp, "cloned");
     }
     return withoutTrailingSlashes(*request.targetApp);
 }
@@ -36,10 +43,20 @@ InstanceConfig configuration(const WrapperFactory::Request& request, const std::
     return config;
 }
 
+// Returns the drawing that shows the same as the clone's icon, if there is one.
+std::optional<fs::path> drawingFor(const WrapperFactory::Request& request) {
+    if (request.kind != ShortcutKind::app || request.iconLabel || request.customIcon) {
+        return std::nullopt;
+    }
+    auto icon = appIconFile(*request.targetApp);
+    return icon && icon->extension() == ".svg" ? icon : std::nullopt;
+}
+
 // A clone that is not in the menu is a clone all the same.
-void publish(const InstanceRecord& record, const WrapperFactory::Warning& warn) {
+void publish(const WrapperFactory::Request& request, const InstanceRecord& record,
+             const WrapperFactory::Warning& warn) {
     try {
-        publishInMenu(record);
+        publishInMenu(record, drawingFor(request));
     } catch (const std::exception& error) {
         if (warn) {
             warn("“" + record.config.displayName +
@@ -59,7 +76,7 @@ fs::path folderOf(const WrapperFactory::Request& request) {
 } // namespace
 
 WrapperFactory::FactoryError WrapperFactory::FactoryError::badTarget(const fs::path& target) {
-    return {Case::badTarget, "Not a readable .app: " + target.string(), target};
+    return {Case::badTarget, unreadableAppText(target, "Not a readable .app: "), target};
 }
 
 WrapperFactory::FactoryError WrapperFactory::FactoryError::runnerNotFound() {
@@ -82,7 +99,8 @@ fs::path WrapperFactory::wrapperURL(const Request& request) {
     return quorvel::wrapperPath(folderOf(request), nameOf(request));
 }
 
-fs::path WrapperFactory::create(const Request& request, const Warning& warn) const {
+fs::path WrapperFactory::create(const Request& request, const BeforeWriting& beforeWriting,
+                                const Warning& warn) const {
     const std::string name = nameOf(request);
     if (name.empty()) {
         throw FactoryError::emptyName();
@@ -93,9 +111,10 @@ fs::path WrapperFactory::create(const Request& request, const Warning& warn) con
         throw FactoryError::runnerNotFound();
     }
     const WrapperGenerator::Options options{configuration(request, name), *runner,
-                                            request.customIcon, request.hideWrapperIcon};
+                                            request.customIcon, request.hideWrapperIcon,
+                                            beforeWriting};
     const fs::path wrapper = WrapperGenerator().generate(folderOf(request), options);
-    publish({wrapper, options.config}, warn);
+    publish(request, {wrapper, options.config}, warn);
     return wrapper;
 }
 

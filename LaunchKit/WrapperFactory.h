@@ -36,7 +36,7 @@ public:
     public:
         enum class Case { badTarget, runnerNotFound, emptyName };
 
-        /// The target can't be read as an application bundle.
+        /// The target can't be read as an application.
         [[nodiscard]] static FactoryError badTarget(const std::filesystem::path& target);
         /// The runner to copy into the clone was not found.
         [[nodiscard]] static FactoryError runnerNotFound();
@@ -75,13 +75,18 @@ public:
     /// Returns the path at which `create` makes the clone.
     [[nodiscard]] static std::filesystem::path wrapperURL(const Request& request);
 
+    /// Called with the wrapper's path before anything is changed.
+    using BeforeWriting = std::function<void(const std::filesystem::path& wrapper)>;
+
     /// Takes a sentence for the user about what went wrong although the clone was made.
     using Warning = std::function<void(const std::string& sentence)>;
 
     /// Makes the clone, replacing one of the same name, publishes it in the user's menu, and
-    /// returns the wrapper's path. Throws `FactoryError`, or what `WrapperGenerator::generate`
-    /// throws. If it can't be published, `warn` is called.
+    /// returns the wrapper's path. Throws `FactoryError`, `PlatformError` if the target has an
+    /// obstacle, or what `WrapperGenerator::generate` or `beforeWriting` throws. If the clone can't
+    /// be published, `warn` is called.
     [[nodiscard]] std::filesystem::path create(const Request& request,
+                                               const BeforeWriting& beforeWriting = {},
                                                const Warning& warn = {}) const;
 
     /// Returns the engine that the bundle is built on. Reads the bundle's own identifier

@@ -3,6 +3,7 @@
 #include "Base/BundleLayout.h"
 #include "Base/PathText.h"
 #include "Base/Text.h"
+#include "LaunchKit/AppIcon.h"
 #include "LaunchKit/CloneDeletion.h"
 #include "LaunchKit/IconComposer.h"
 #include "LaunchKit/WrapperLayout.h"
@@ -16,12 +17,32 @@ namespace quorvel {
 namespace fs = std::filesystem;
 namespace {
 
-std::optional<fs::path> iconSource(const WrapperGenerator::Options& options,
-                                   const std::optional<AppBundle>& target) {
-    if (options.customIcon && itemExists(*options.customIcon)) {
-        return options.customIcon;
+struct WrapperIcon {
+    fs::path source{};
+    std::string converted{}; ///< of a source that is not an icon container, with its label
+};
+
+std::optional<WrapperIcon> iconOfEntry(const AppBundle& target,
+                                       const std::optional<IconLabel>& label) {
+    const auto file = appIconFile(target);
+    try {
+        return file ? std::optional(WrapperIcon{*file, IconComposer::converted(*file, label)})
+                    : std::nullopt;
+    } catch (const IconComposer::ComposeError&) {
+        return std::nullopt; // a clone without an icon is better than none
     }
-    return target ? bundleIconFile(target->url) : std::nullopt;
+}
+
+std::optional<WrapperIcon> wrapperIcon(const WrapperGenerator::Options& options,
+                                       const std::optional<AppBundle>& target) {
+    if (options.customIcon && itemExists(*options.customIcon)) {
+        return WrapperIcon{*options.customIcon};
+    }
+    if (target && target->desktop) {
+        return iconOfEntry(*target, options.config.iconLabel);
+    }
+    const auto file = target ? appIconFile(*target) : std::nullopt;
+    return file ? std::optional(WrapperIcon{*file}) : std::nullopt;
 }
 
 // Returns false if there is nothing to draw, or if drawing fails.
@@ -38,10 +59,12 @@ bool installBadgedIcon(const fs::path& source, const std::optional<IconLabel>& l
     }
 }
 
-void installIcon(const fs::path& source, const std::optional<IconLabel>& label,
+void installIcon(const WrapperIcon& icon, const std::optional<IconLabel>& label,
                  const fs::path& destination) {
-    if (!installBadgedIcon(source, label, destination)) {
-        copyFile(source, destination);
+    if (!icon.converted.empty()) {
+        writeFile(destination, icon.converted);
+    } else if (!installBadgedIcon(icon.source, label, destination)) {
+        copyFile(icon.source, destination);
     }
 }
 
@@ -58,12 +81,12 @@ void installRunner(const fs::path& runner, const fs::path& destination) {
 
 WrapperGenerator::GenError
 WrapperGenerator::GenError::runnerMissing(const std::filesystem::path& runner) {
-    return {Case::runnerMissing, "Runner binary not found: ", runner};
+    return {Case::runnerMissing, "Runner binary not found: " + runner.string(), runner};
 }
 
 WrapperGenerator::GenError
 WrapperGenerator::GenError::badTarget(const std::filesystem::path& target) {
-    return {Case::badTarget, "Not a readable target .app: ", target};
+    return {Case::badTarget, unreadableAppText(target, "Not a readable target .app: "), target};
 }
 
 fs::path WrapperGenerator::generate(const fs::path& directory, const Options& options) const {
@@ -81,11 +104,14 @@ fs::path WrapperGenerator::generate(const fs::path& directory, const Options& op
     const std::string json = options.config.json();
     WrapperPropertyList::requireWritableTexts(options.config);
     fs::path wrapper = wrapperPath(directory, options.config.displayName);
+    if (options.beforeWriting) {
+        options.beforeWriting(wrapper);
+    }
     if (itemOrLinkExists(wrapper)) {
         removeWrapper(wrapper);
     }
     // Only now: an icon inside the older wrapper has been removed with it.
-    const std::optional<fs::path> icon = iconSource(options, target);
+    const std::optional<WrapperIcon> icon = wrapperIcon(options, target);
     const std::string info = PropertyList::xml(WrapperPropertyList::infoPlist(
         options, icon ? std::optional<std::string>(wrapperIconName) : std::nullopt));
     createDirectories(wrapper); // separately, so that an error names it

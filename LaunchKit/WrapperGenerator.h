@@ -5,6 +5,7 @@
 #include "LaunchKit/InstanceConfig.h"
 
 #include <filesystem>
+#include <functional>
 #include <optional>
 #include <string>
 
@@ -18,6 +19,9 @@ public:
         std::filesystem::path runnerBinary{};
         std::optional<std::filesystem::path> customIcon{}; ///< replaces the target's own icon
         bool hideWrapperIcon = false;                      ///< no Dock icon
+        /// If set, called with the wrapper's path before anything is changed. What it throws is
+        /// passed on.
+        std::function<void(const std::filesystem::path& wrapper)> beforeWriting{};
     };
 
     class GenError : public Error {
@@ -26,15 +30,15 @@ public:
 
         /// The runner's file doesn't exist.
         [[nodiscard]] static GenError runnerMissing(const std::filesystem::path& runner);
-        /// The target's bundle can't be read.
+        /// The target can't be read.
         [[nodiscard]] static GenError badTarget(const std::filesystem::path& target);
 
         [[nodiscard]] Case kind() const noexcept { return case_; }
         [[nodiscard]] const std::filesystem::path& url() const noexcept { return url_; }
 
     private:
-        GenError(Case kind, const std::string& prefix, std::filesystem::path url)
-            : Error(prefix + url.string()),
+        GenError(Case kind, const std::string& text, std::filesystem::path url)
+            : Error(text),
               case_(kind),
               url_(std::move(url)) {}
 

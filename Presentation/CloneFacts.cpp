@@ -2,6 +2,7 @@
 
 #include "Base/BundleName.h"
 #include "LaunchKit/InstanceRecord.h"
+#include "Presentation/AppTexts.h"
 #include "Presentation/JoinedText.h"
 #include "Presentation/SizeText.h"
 #include "Presentation/StrategyTexts.h"
@@ -117,6 +118,9 @@ std::vector<Fact> facts(const InstanceRecord& clone, const CloneState* state,
     }
     list.addMonospaced(translate("CloneFacts", "Environment"),
                        environmentLines(config.environment));
+    if (auto cost = environmentCost(config.environment, translate)) {
+        list.add(translate("CloneFacts", "Note"), std::move(*cost));
+    }
     list.addInFull(translate("CloneFacts", "Working directory"), config.workingDirectory);
     list.addInFull(
         translate("CloneFacts", "Icon label"),

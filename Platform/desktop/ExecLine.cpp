@@ -157,6 +157,19 @@ std::size_t takeEnv(const std::vector<ExecLine::Word>& words, std::size_t index,
     return index;
 }
 
+bool hasCode(const std::vector<ExecLine::Word>& words, std::string_view codes) {
+    return std::any_of(words.begin(), words.end(), [&](const ExecLine::Word& word) {
+        for (std::size_t at = word.text.find('%'); at != std::string::npos;
+             at = word.text.find('%', at + 2)) {
+            if (at + 1 < word.text.size() &&
+                codes.find(word.text[at + 1]) != std::string_view::npos) {
+                return true;
+            }
+        }
+        return false;
+    });
+}
+
 } // namespace
 
 ExecLine ExecLine::parse(std::string_view exec) {
@@ -184,17 +197,12 @@ std::vector<std::string> ExecLine::toArguments(const std::vector<std::string>& i
     return expansion.finish();
 }
 
+bool ExecLine::takesItems() const {
+    return hasCode(words, "fFuU");
+}
+
 bool ExecLine::takesSeveral() const {
-    return std::any_of(words.begin(), words.end(), [](const Word& word) {
-        for (std::size_t at = word.text.find('%'); at != std::string::npos;
-             at = word.text.find('%', at + 2)) {
-            const char code = at + 1 < word.text.size() ? word.text[at + 1] : '\0';
-            if (code == 'F' || code == 'U') {
-                return true;
-            }
-        }
-        return false;
-    });
+    return hasCode(words, "FU");
 }
 
 std::size_t ExecLine::engineArgumentsIndex(const std::vector<std::string>& arguments) const {

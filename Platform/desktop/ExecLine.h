@@ -48,6 +48,9 @@ struct ExecLine {
     [[nodiscard]] std::vector<std::string> toArguments(const std::vector<std::string>& items,
                                                        const Fields& fields) const;
 
+    /// Whether a start takes items, one at least.
+    [[nodiscard]] bool takesItems() const;
+
     /// Whether one start takes all items. Otherwise it takes only the first.
     [[nodiscard]] bool takesSeveral() const;
 

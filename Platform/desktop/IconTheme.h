@@ -28,6 +28,9 @@ public:
     /// std::nullopt if there is none.
     [[nodiscard]] std::optional<std::filesystem::path> find(const std::string& icon);
 
+    /// Returns the theme that the user's desktop shows, as far as a file says it; else "hicolor".
+    [[nodiscard]] static std::string chosenTheme();
+
     /// The folders that hold themes, the most important first.
     [[nodiscard]] static std::vector<std::filesystem::path> iconFolders();
 

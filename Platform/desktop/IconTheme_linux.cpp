@@ -101,6 +101,10 @@ std::optional<fs::path> IconTheme::find(const std::string& icon) {
     return file || name == icon ? file : lookup_->find(icon);
 }
 
+std::string IconTheme::chosenTheme() {
+    return fallbackTheme;
+}
+
 std::vector<fs::path> IconTheme::iconFolders() {
     std::vector<fs::path> data = xdgDataFolders();
     std::vector<fs::path> folders{joinAsText(data.front(), "icons"),

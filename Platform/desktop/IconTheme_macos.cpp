@@ -14,6 +14,10 @@ std::optional<fs::path> IconTheme::find(const std::string&) {
     return std::nullopt;
 }
 
+std::string IconTheme::chosenTheme() {
+    return {};
+}
+
 std::vector<fs::path> IconTheme::iconFolders() {
     return {};
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Platform/desktop/DesktopEntry.h"
+#include "Platform/desktop/EntryFolders.h"
 
 #include <filesystem>
 #include <string>
@@ -14,9 +15,6 @@ struct InstalledApplication {
     std::filesystem::path file{};
     DesktopEntry entry{};
 };
-
-/// The folders in which desktop entries are installed, the most important first.
-[[nodiscard]] std::vector<std::filesystem::path> applicationEntryFolders();
 
 /// The applications whose entries lie in these folders and the folders inside them, in no
 /// particular order. Of several entries with one id the first counts, even if it can't be read.

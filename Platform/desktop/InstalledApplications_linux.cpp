@@ -2,7 +2,6 @@
 #include "Platform/desktop/ExecLine.h"
 #include "Platform/desktop/InstalledApplications.h"
 #include "Platform/desktop/ProgramResolution.h"
-#include "Platform/desktop/XdgFolders_linux.h"
 #include "Platform/files/FileReading.h"
 #include "Platform/files/Folder.h"
 #include "Platform/processes/ParallelLoop.h"
@@ -135,14 +134,6 @@ private:
 };
 
 } // namespace
-
-std::vector<fs::path> applicationEntryFolders() {
-    std::vector<fs::path> folders = xdgDataFolders();
-    for (fs::path& folder : folders) {
-        folder = joinAsText(folder, "applications");
-    }
-    return folders;
-}
 
 std::vector<InstalledApplication> installedApplications(const std::vector<fs::path>& folders) {
     EntryFiles files;

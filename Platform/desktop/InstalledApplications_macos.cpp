@@ -2,10 +2,6 @@
 
 namespace quorvel {
 
-std::vector<std::filesystem::path> applicationEntryFolders() {
-    return {};
-}
-
 // Applications are bundles here.
 std::vector<InstalledApplication> installedApplications(const std::vector<std::filesystem::path>&) {
     return {};

@@ -36,6 +36,10 @@ struct ResolvedProgram {
 /// `PATH`. std::nullopt if there is none.
 [[nodiscard]] std::optional<std::filesystem::path> findProgram(std::string_view program);
 
+/// Returns whether the file is an AppImage: a program with a file-system image behind it. On macOS
+/// there are none.
+[[nodiscard]] bool isAppImage(const std::filesystem::path& file);
+
 /// Follows the program through links and wrapper scripts to the real file, and looks at what lies
 /// beside it. Nothing is run. std::nullopt if the program isn't found; on macOS always.
 [[nodiscard]] std::optional<ResolvedProgram>

@@ -154,6 +154,11 @@ std::optional<fs::path> findProgram(std::string_view program) {
     return std::nullopt;
 }
 
+bool isAppImage(const fs::path& file) {
+    const auto opened = ProgramFile::open(file);
+    return opened && opened->isAppImage();
+}
+
 std::optional<ResolvedProgram> resolveProgram(std::string_view program,
                                               const std::vector<fs::path>& roots) {
     ResolvedProgram result;

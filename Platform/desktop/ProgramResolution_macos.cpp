@@ -12,6 +12,10 @@ std::optional<fs::path> findProgram(std::string_view) {
     return std::nullopt;
 }
 
+bool isAppImage(const fs::path&) {
+    return false;
+}
+
 std::optional<ResolvedProgram> resolveProgram(std::string_view, const std::vector<fs::path>&) {
     return std::nullopt;
 }

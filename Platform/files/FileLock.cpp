@@ -9,6 +9,7 @@
 #include <fcntl.h>
 #include <sys/file.h>
 #include <sys/stat.h>
+#include <thread>
 
 namespace quorvel {
 namespace {
@@ -75,6 +76,18 @@ std::optional<FileLock> FileLock::tryTakeFolder(const std::filesystem::path& pat
         return std::nullopt;
     }
     return FileLock(std::move(folder));
+}
+
+std::optional<FileLock> FileLock::takeFolder(const std::filesystem::path& path,
+                                             std::chrono::milliseconds patience) {
+    constexpr std::chrono::milliseconds pause{5};
+    const auto end = std::chrono::steady_clock::now() + patience;
+    std::optional<FileLock> lock = tryTakeFolder(path);
+    while (!lock && std::chrono::steady_clock::now() < end) {
+        std::this_thread::sleep_for(pause);
+        lock = tryTakeFolder(path);
+    }
+    return lock;
 }
 
 bool FileLock::isHeld(const std::filesystem::path& path) {

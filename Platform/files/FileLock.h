@@ -2,6 +2,7 @@
 
 #include "Platform/files/FileHandle.h"
 
+#include <chrono>
 #include <filesystem>
 #include <optional>
 
@@ -20,6 +21,11 @@ public:
 
     /// Locks a folder itself in the same way, without needing write permission.
     [[nodiscard]] static std::optional<FileLock> tryTakeFolder(const std::filesystem::path& path);
+
+    /// Locks a folder itself, waiting at most `patience` for it. Returns std::nullopt if the lock
+    /// is still held then.
+    [[nodiscard]] static std::optional<FileLock> takeFolder(const std::filesystem::path& path,
+                                                            std::chrono::milliseconds patience);
 
     /// Returns whether any process, including this one, holds a lock on the file or folder. Returns
     /// false if it can't be opened. Creates nothing.

@@ -1,6 +1,6 @@
 #include "Platform/files/XdgUserDirs_linux.h"
 
-#include <sstream>
+#include <algorithm>
 #include <string_view>
 
 namespace quorvel {
@@ -42,8 +42,10 @@ bool isBelowHome(std::string_view folder) {
 
 std::vector<XdgUserDir> parseXdgUserDirs(const std::string& text) {
     std::vector<XdgUserDir> folders;
-    std::istringstream lines(text);
-    for (std::string line; std::getline(lines, line);) {
+    for (std::size_t at = 0; at < text.size();) {
+        const std::size_t lineEnd = std::min(text.find('\n', at), text.size());
+        const std::string line = text.substr(at, lineEnd - at);
+        at = lineEnd + 1;
         const std::size_t name = line.find_first_not_of(" \t");
         const std::size_t value = line.find(middle);
         const std::size_t end = line.rfind('"');

@@ -12,6 +12,8 @@ struct IsolationOptions {
     bool sharesUserFolders = true;
     /// The application runs in a Java virtual machine, which doesn't take its home from `HOME`.
     bool usesJava = false;
+    /// The application is started by Flatpak, which looks for what the user installed below `HOME`.
+    bool usesFlatpak = false;
 };
 
 /// Returns the variables, beside `HOME`, that keep the data of an application below `home`

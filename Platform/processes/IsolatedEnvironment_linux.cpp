@@ -162,8 +162,9 @@ Environment isolatedEnvironment(const std::string& home, const Environment& sess
     if (!temporary.empty()) {
         set["TMPDIR"] = temporary;
     }
-    const std::string data = sessionDataFolder(
-        home, folderVariable(session, "XDG_DATA_HOME", realHome + "/.local/share"));
+    const std::string sessionData =
+        folderVariable(session, "XDG_DATA_HOME", realHome + "/.local/share");
+    const std::string data = sessionDataFolder(home, sessionData);
     if (!data.empty()) {
         const auto folders = session.find("XDG_DATA_DIRS");
         const bool given = folders != session.end() && !folders->second.empty();
@@ -171,6 +172,10 @@ Environment isolatedEnvironment(const std::string& home, const Environment& sess
             data + ":" + (given ? folders->second : std::string(defaultDataFolders));
     }
     writeUserDirs(home, folderVariable(session, "XDG_CONFIG_HOME", realHome + "/.config"), options);
+    if (options.usesFlatpak) {
+        set["FLATPAK_USER_DIR"] =
+            folderVariable(session, "FLATPAK_USER_DIR", sessionData + "/flatpak");
+    }
     if (options.usesJava) {
         set["JAVA_TOOL_OPTIONS"] = javaOptions(session, home, temporary);
     }

@@ -1,8 +1,8 @@
 #include "QuorvelApp/model/AppServices.h"
 
+#include "LaunchKit/CloneCreation.h"
 #include "LaunchKit/InstanceRecord.h"
 #include "LaunchKit/MenuEntries.h"
-#include "LaunchKit/RequestCheck.h"
 #include "ProbeKit/AppProber.h"
 
 #include <QTimer>
@@ -35,10 +35,12 @@ AppServices AppServices::system() {
     services.readBundle = [](const std::filesystem::path& app) { return AppBundle::read(app); };
     services.createWrapper = [](const WrapperFactory::Request& request,
                                 const WrapperFactory::Warning& warn) {
-        validateRequest(request);
-        return WrapperFactory().create(request, warn);
+        // The form has warned that a clone of that name is replaced.
+        return createClone(WrapperFactory(), request, {.existingClone = true}, warn);
     };
-    services.repairMenu = [](const std::vector<InstanceRecord>& clones) { repairMenu(clones); };
+    services.repairMenu = [](const std::vector<InstanceRecord>& clones) {
+        (void)quorvel::repairMenu(clones);
+    };
     services.probe = [workspace = services.workspace,
                       quitting = services.quitting](const std::filesystem::path& app) {
         return probeApp(app, workspace, *quitting);

@@ -71,7 +71,9 @@ TEST(CommandLineTest, InspectPrintsTheFactsAboutAnApplication) {
     EXPECT_EQ(json["engine"], "chromium");
     EXPECT_EQ(json["defaultArguments"],
               nlohmann::json::array({"--user-data-dir={{instanceHome}}/QuorvelData"}));
-    EXPECT_EQ(json.size(), 8U);
+    EXPECT_EQ(json["format"], "bundle");
+    EXPECT_EQ(json["arguments"], nlohmann::json::array());
+    EXPECT_EQ(json.size(), 10U);
 }
 
 TEST(CommandLineTest, InspectRefusesWhatIsNotAnApplication) {

@@ -11,6 +11,7 @@ namespace {
 
 using namespace testing;
 using ::testing::HasSubstr;
+using ::testing::StartsWith;
 namespace fs = std::filesystem;
 
 class CreateCommandTest : public ::testing::Test {
@@ -50,7 +51,7 @@ TEST_F(CreateCommandTest, MakesAnAppCloneAndPrintsItsPath) {
 TEST_F(CreateCommandTest, TakesTheEnginesArgumentsByDefault) {
     const auto app = makeAppBundle(harness.home / "Browser.app",
                                    {{"CFBundleIdentifier", "org.chromium.Chromium"}});
-    const std::vector<std::string> words{"--target", app.string(), "--name", "B"};
+    const std::vector<std::string> words{"--target", app.string(), "--name", "B", "--replace"};
     const auto with = [&](std::vector<std::string> more) {
         more.insert(more.begin(), words.begin(), words.end());
         return configOf(more)["extraArgs"];
@@ -59,7 +60,7 @@ TEST_F(CreateCommandTest, TakesTheEnginesArgumentsByDefault) {
     EXPECT_EQ(with({"--no-extra-args"}), nlohmann::json::array());
     EXPECT_EQ(with({"--extra-arg=--flag", "--extra-arg", "two words"}),
               nlohmann::json({"--flag", "two words"}));
-    EXPECT_EQ(create({"--target", app.string(), "--name", "B", "--no-extra-args", "--extra-arg=x"})
+    EXPECT_EQ(create({"--target", app.string(), "--name", "C", "--no-extra-args", "--extra-arg=x"})
                   .status,
               2);
 }
@@ -200,21 +201,79 @@ TEST_F(CreateCommandTest, InvalidValuesAreWrongUsage) {
     EXPECT_EQ(create(commandWords({"--plist", "=x"})).status, 2);
 }
 
-TEST_F(CreateCommandTest, MakingACloneAgainReplacesIt) {
+TEST_F(CreateCommandTest, RefusesTheNameOfACloneAndNamesIt) {
     configOf(commandWords({"--arg", "1"}));
-    EXPECT_EQ(configOf(commandWords({"--arg", "2"}))["commandArgs"], nlohmann::json({"2"}));
+    const fs::path wrapper = harness.home / "Applications/Work.app";
+    const auto before = treeOf(harness.home.path());
+    for (const bool terminal : {false, true}) {
+        harness.inputIsTerminal = terminal;
+        for (const char* name : {"Work", " Work\n"}) {
+            const CommandResult result =
+                create({"--kind", "command", "--command", "/bin/false", "--name", name});
+            EXPECT_EQ(result.status, 1);
+            EXPECT_EQ(result.output, "");
+            EXPECT_EQ(result.errors, "“Work” already exists at " + wrapper.string() +
+                                         "; choose another name or folder. With --replace, it is "
+                                         "replaced, and its data stays.\n");
+            EXPECT_EQ(treeOf(harness.home.path()), before);
+        }
+    }
+}
+
+TEST_F(CreateCommandTest, ReplacesACloneWhenAskedAndKeepsItsData) {
+    configOf(commandWords({"--arg", "1", "--label", "OLD"}));
+    write(harness.home / "QuorvelInstances/Work/file", "mine");
+    const auto json = configOf(commandWords({"--arg", "2", "--replace"}));
+    EXPECT_EQ(json["commandArgs"], nlohmann::json({"2"}));
+    EXPECT_FALSE(json.contains("iconLabel"));
     EXPECT_EQ(harness.run({"list", "--json"}).json().size(), 1U);
+    EXPECT_EQ(read(harness.home / "QuorvelInstances/Work/file"), "mine");
+}
+
+TEST_F(CreateCommandTest, ReplaceIsNoErrorWhereNothingIs) {
+    EXPECT_EQ(create(commandWords({"--replace"})).status, 0);
+}
+
+TEST_F(CreateCommandTest, NamesThatDifferInCaseOrFormAreDifferentClonesWhereTheirPathsAre) {
+    const std::string composed = "Caf\xC3\xA9";
+    const std::string decomposed = "Cafe\xCC\x81";
+    std::size_t made = 0;
+    for (const std::string& name :
+         {std::string("Work"), std::string("work"), composed, decomposed}) {
+        const bool isThere = fs::exists(harness.home / "Applications" / (name + ".app"));
+        const CommandResult result =
+            create({"--kind", "command", "--command", "/bin/true", "--name", name});
+        EXPECT_EQ(result.status == 0, !isThere) << result.errors;
+        made += isThere ? 0 : 1;
+        EXPECT_EQ(harness.run({"list", "--json"}).json().size(), made);
+    }
+    EXPECT_GE(made, 2U);
+}
+
+TEST_F(CreateCommandTest, AnotherSpellingOfAClonesPathNamesThatClone) {
+    configOf(commandWords());
+    const fs::path folder = harness.home / "Applications";
+    // What a file system that ignores case does.
+    fs::create_symlink("Work.app", folder / "WORK.app");
+    const std::vector<std::string> words{"--kind",    "command", "--command",
+                                         "/bin/true", "--name",  "WORK"};
+    const CommandResult result = create(words);
+    EXPECT_EQ(result.status, 1);
+    EXPECT_THAT(result.errors, StartsWith("“Work” already exists at " + folder.string()));
+    EXPECT_TRUE(fs::is_symlink(folder / "WORK.app"));
 }
 
 TEST_F(CreateCommandTest, NeverReplacesAnApplicationThatIsNotAClone) {
     const auto app = makeAppBundle(harness.home / "Applications/Work.app");
     const auto before = treeOf(app);
     for (const char* name : {"Work", "Work ", " Work\n"}) {
-        const CommandResult result =
-            create({"--kind", "command", "--command", "/bin/true", "--name", name});
-        EXPECT_EQ(result.status, 1);
-        EXPECT_THAT(result.errors, HasSubstr("not a clone"));
-        EXPECT_EQ(treeOf(app), before);
+        for (const char* more : {"--shared-home", "--replace"}) {
+            const CommandResult result =
+                create({"--kind", "command", "--command", "/bin/true", "--name", name, more});
+            EXPECT_EQ(result.status, 1);
+            EXPECT_THAT(result.errors, HasSubstr("not a clone"));
+            EXPECT_EQ(treeOf(app), before);
+        }
     }
 }
 
@@ -223,8 +282,12 @@ TEST_F(CreateCommandTest, NeverReplacesAnythingElseOfThatName) {
     write(harness.home / "Files/Work.app", "a file");
     for (const char* folder : {"Projects", "Files"}) {
         const auto before = treeOf(harness.home / folder);
-        EXPECT_EQ(create(commandWords({"--output", (harness.home / folder).string()})).status, 1);
-        EXPECT_EQ(treeOf(harness.home / folder), before);
+        for (const char* more : {"--shared-home", "--replace"}) {
+            EXPECT_EQ(
+                create(commandWords({"--output", (harness.home / folder).string(), more})).status,
+                1);
+            EXPECT_EQ(treeOf(harness.home / folder), before);
+        }
     }
 }
 
@@ -238,14 +301,14 @@ TEST_F(CreateCommandTest, RefusesToUsePartsOfTheCloneThatItReplaces) {
     const fs::path wrapper = create(commandWords()).json()["bundleURL"].get<std::string>();
     write(wrapper / "Contents/Resources/AppIcon.icns", "icon");
     const auto before = treeOf(wrapper);
-    EXPECT_EQ(create({"--target", wrapper.string(), "--name", "Work"}).status, 1);
-    EXPECT_EQ(
-        create(commandWords({"--icon", (wrapper / "Contents/Resources/AppIcon.icns").string()}))
-            .status,
-        1);
+    EXPECT_EQ(create({"--target", wrapper.string(), "--name", "Work", "--replace"}).status, 1);
+    EXPECT_EQ(create(commandWords({"--replace", "--icon",
+                                   (wrapper / "Contents/Resources/AppIcon.icns").string()}))
+                  .status,
+              1);
     EXPECT_EQ(harness
                   .run({"create", "--kind", "command", "--command", "/bin/true", "--name", "Work",
-                        "--runner", (wrapper / "Contents/MacOS/runner").string()})
+                        "--replace", "--runner", (wrapper / "Contents/MacOS/runner").string()})
                   .status,
               1);
     EXPECT_EQ(treeOf(wrapper), before);
@@ -264,8 +327,8 @@ TEST_F(CreateCommandTest, PrintsThePathEvenWhenTheCloneCantBeOpened) {
 TEST_F(CreateCommandTest, ATextThatCantBeWrittenLeavesTheOldCloneAlone) {
     configOf(commandWords());
     const auto before = treeOf(harness.home / "Applications");
-    EXPECT_EQ(create(commandWords({"--plist", "Key=\x01"})).status, 1);
-    EXPECT_EQ(create(commandWords({"--arg", "\xff"})).status, 1);
+    EXPECT_EQ(create(commandWords({"--replace", "--plist", "Key=\x01"})).status, 1);
+    EXPECT_EQ(create(commandWords({"--replace", "--arg", "\xff"})).status, 1);
     EXPECT_EQ(treeOf(harness.home / "Applications"), before);
 }
 
@@ -274,7 +337,7 @@ TEST_F(CreateCommandTest, LaunchesTheCloneWhenAsked) {
     EXPECT_EQ(harness.workspace.opened,
               std::vector<fs::path>{json["bundleURL"].get<std::string>()});
     harness.workspace.opened.clear();
-    create(commandWords());
+    EXPECT_EQ(create(commandWords({"--replace"})).status, 0);
     EXPECT_TRUE(harness.workspace.opened.empty());
 }
 

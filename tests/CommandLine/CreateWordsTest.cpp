@@ -17,10 +17,11 @@ using ::testing::Not;
 TEST(CreateWordsTest, EachSwitchSetsItsOwnFieldAlone) {
     CommandLineHarness harness;
     for (const CloneSwitch& set : cloneSwitches) {
-        const auto json = harness
-                              .run({"create", "--kind", "web", "--url", "https://a.test", "--name",
-                                    "W", "--runner", runnerProgram().string(), "--json", set.flag})
-                              .json();
+        const auto json =
+            harness
+                .run({"create", "--kind", "web", "--url", "https://a.test", "--name", "W",
+                      "--replace", "--runner", runnerProgram().string(), "--json", set.flag})
+                .json();
         for (const CloneSwitch& each : cloneSwitches) {
             EXPECT_EQ(json["config"][std::string(each.key)], each.defaultValue() != (&each == &set))
                 << set.flag << " " << each.key;
@@ -34,6 +35,7 @@ TEST(CreateWordsTest, EachSwitchIsShownWhenItIsSet) {
                                        "--url",  "https://a.test", "--name",
                                        "W",      "--runner",       runnerProgram().string()};
     ASSERT_EQ(harness.run(arguments).status, 0);
+    arguments.emplace_back("--replace");
     for (const CloneSwitch& each : cloneSwitches) {
         EXPECT_THAT(harness.run({"show", "W"}).output,
                     Not(HasSubstr(std::string(each.fact) + " ")));

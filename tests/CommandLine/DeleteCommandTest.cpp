@@ -218,6 +218,7 @@ TEST_F(DeleteCommandTest, ADamagedCloneIsReplacedAfterAQuestion) {
     const auto refused = harness.run(create);
     EXPECT_EQ(refused.status, 1);
     EXPECT_THAT(refused.errors, HasSubstr("delete it first"));
+    EXPECT_THAT(refused.errors, EndsWith(" With --replace, it is replaced.\n"));
     harness.inputIsTerminal = true;
     harness.typed = "n\n";
     EXPECT_THAT(harness.run(create).errors, HasSubstr("Replace it? [y/N] "));
@@ -225,6 +226,17 @@ TEST_F(DeleteCommandTest, ADamagedCloneIsReplacedAfterAQuestion) {
     harness.typed = "y\n";
     EXPECT_EQ(harness.run(create).status, 0);
     EXPECT_TRUE(InstanceRegistry().record(wrapper));
+}
+
+TEST_F(DeleteCommandTest, ADamagedCloneIsReplacedWithoutAQuestionWhenAsked) {
+    const fs::path wrapper = addDamagedClone();
+    write(data / "file", "mine");
+    const CommandResult result =
+        harness.run({"create", "--kind", "web", "--url", "https://a.test", "--name", "Work",
+                     "--runner", runnerProgram().string(), "--replace"});
+    EXPECT_EQ(result.errors, "");
+    EXPECT_TRUE(InstanceRegistry().record(wrapper));
+    EXPECT_EQ(read(data / "file"), "mine");
 }
 
 TEST_F(DeleteCommandTest, CreateAcceptsASharedHomeOnlyWhenAsked) {

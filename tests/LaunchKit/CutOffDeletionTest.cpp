@@ -131,7 +131,7 @@ TEST_F(CutOffDeletionTest, AReplacementLeavesWhatCanBeReplacedWhereverItIsCutOff
         if (end == End::notPermitted) {
             GTEST_SKIP() << "the kernel forbids tracing";
         }
-        EXPECT_NO_THROW(validateRequest(request)) << before;
+        EXPECT_NO_THROW(validateRequest(request, std::nullopt, {.existingClone = true})) << before;
         // The parts that identify a clone are removed before its configuration.
         EXPECT_TRUE(InstanceRegistry().record(wrapper) ||
                     !fs::exists(wrapper / "Contents/MacOS/runner"))

@@ -177,7 +177,8 @@ TEST_F(DataFolderGuardTest, TwoClonesOfOneNameInTwoFoldersAreNoticed) {
     WrapperFactory::Request second = request(std::nullopt);
     second.outputDir = home_ / "Elsewhere";
     EXPECT_THROW(validateRequest(second), SharedHome);
-    EXPECT_NO_THROW(validateRequest(request(std::nullopt))) << "the clone itself is replaced";
+    EXPECT_NO_THROW(validateRequest(request(std::nullopt), std::nullopt, {.existingClone = true}))
+        << "the clone itself is replaced";
     // The first is found only because it is beside the wrapper.
     fs::remove_all(home_ / "Applications/New.app");
     config.instanceHome = "~/QuorvelInstances/New";

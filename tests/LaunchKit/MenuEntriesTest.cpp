@@ -291,11 +291,11 @@ TEST_F(MenuEntriesTest, CreatingAndDeletingThroughTheFactoryPublishesAndWithdraw
     const WrapperFactory factory(runnerProgram());
     std::vector<std::string> warnings;
     const auto warn = [&](const std::string& text) { warnings.push_back(text); };
-    (void)factory.create(request, warn);
+    (void)factory.create(request, {}, warn);
     const auto first = menu();
     // Another picture, and so another name.
     write(home_ / "icon.png", pngOf(planetIcon(64)));
-    const fs::path wrapper = factory.create(request, warn);
+    const fs::path wrapper = factory.create(request, {}, warn);
     EXPECT_THAT(warnings, IsEmpty());
     const InstanceRecord record = InstanceRegistry().record(wrapper).value();
     ASSERT_TRUE(fs::exists(published(record)));
@@ -317,7 +317,7 @@ TEST_F(MenuEntriesTest, ACloneThatCannotBePublishedIsMadeAndTheCallerIsTold) {
     request.displayName = "Work";
     std::vector<std::string> warnings;
     const fs::path wrapper =
-        WrapperFactory(runnerProgram()).create(request, [&](const std::string& text) {
+        WrapperFactory(runnerProgram()).create(request, {}, [&](const std::string& text) {
             warnings.push_back(text);
         });
     EXPECT_TRUE(InstanceRegistry().record(wrapper));

@@ -1,4 +1,5 @@
 #include "LaunchKit/RequestCheck.h"
+#include "LaunchKit/InstanceConfig.h"
 #include "tests/support/AppBundles.h"
 #include "tests/support/TemporaryHome.h"
 #include "tests/support/UnprivilegedUser.h"
@@ -22,9 +23,10 @@ protected:
     }
     // Returns why the request is refused; empty if it is not.
     static std::string refusal(const WrapperFactory::Request& request,
-                               const std::optional<fs::path>& runner = std::nullopt) {
+                               const std::optional<fs::path>& runner = std::nullopt,
+                               const RequestPermissions& permissions = {.existingClone = true}) {
         try {
-            validateRequest(request, runner);
+            validateRequest(request, runner, permissions);
             return {};
         } catch (const InvalidRequest& refused) {
             return refused.what();
@@ -77,6 +79,15 @@ TEST_F(RequestCheckTest, DistinguishesControlCharactersFromOthers) {
 TEST_F(RequestCheckTest, AllowsMakingACloneAgain) {
     makeWrapper(place, "Work");
     EXPECT_EQ(refusal(request()), "");
+}
+
+TEST_F(RequestCheckTest, NamesTheCloneThatMustNotBeReplaced) {
+    makeWrapper(place, minimalConfig("Older name"));
+    EXPECT_EQ(refusal(request(), std::nullopt, {.sharedHome = true, .damagedClone = true}),
+              "“Older name” already exists at " + place.string() +
+                  "; choose another name or folder.");
+    EXPECT_THROW(requireReplaceable(place, {}), CloneExists);
+    EXPECT_NO_THROW(requireReplaceable(home / "Applications/Other.app", {}));
 }
 
 TEST_F(RequestCheckTest, RefusesToReplaceAnApplicationAFileOrALink) {

@@ -54,6 +54,23 @@ TEST(FileLockTest, OnARemovedFileDoesNotCount) {
     EXPECT_EQ(most, 1);
 }
 
+TEST(FileLockTest, OnAFolderIsWaitedForAWhile) {
+    const TemporaryFolder folder;
+    std::optional<FileLock> held = FileLock::tryTakeFolder(folder.path());
+    ASSERT_TRUE(held);
+    EXPECT_FALSE(FileLock::takeFolder(folder.path(), std::chrono::milliseconds(20)));
+    std::atomic<bool> released = false;
+    std::thread waiting([&] {
+        EXPECT_TRUE(FileLock::takeFolder(folder.path(), std::chrono::seconds(60)));
+        EXPECT_TRUE(released);
+    });
+    released = true;
+    held.reset();
+    waiting.join();
+    EXPECT_THROW((void)FileLock::takeFolder(folder / "none", std::chrono::seconds(60)),
+                 PlatformError);
+}
+
 TEST(FileLockTest, IsAnErrorIfTheFileCantBeCreated) {
     const TemporaryFolder folder;
     EXPECT_THROW((void)FileLock::tryTake(folder / "no/such/folder"), PlatformError);

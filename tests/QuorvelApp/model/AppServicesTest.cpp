@@ -107,7 +107,8 @@ TEST(AppServicesTestFullDisk, DISABLED_Within) {
         EXPECT_EQ(error.code(), std::errc::no_space_on_device);
         EXPECT_THAT(error.what(), EndsWith("no space left on device"));
     }
-    EXPECT_NO_THROW(validateRequest(request)) << "once there is space, it may be created";
+    EXPECT_NO_THROW(validateRequest(request, std::nullopt, {.existingClone = true}))
+        << "once there is space, it may be created";
 }
 
 TEST_F(AppServicesTest, AFullDiskIsReportedAndTheCloneMayBeMadeLater) {

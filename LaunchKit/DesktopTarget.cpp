@@ -1,0 +1,98 @@
+#include "LaunchKit/DesktopTarget.h"
+
+#include "Base/BundleName.h"
+#include "Base/PathText.h"
+#include "Platform/files/PlatformError.h"
+
+namespace quorvel {
+namespace fs = std::filesystem;
+namespace {
+
+// A program is shown as the entry names it.
+std::string missing(const std::string& program) {
+    return "its program “" + program + "” is not installed";
+}
+
+// Returns why the entry is not an application that can be started.
+std::optional<std::string> objection(const DesktopEntry& entry) {
+    if (entry.type != "Application") {
+        return "it is not an application";
+    }
+    if (entry.hidden) {
+        return "it is marked as deleted";
+    }
+    if (!entry.tryExec.empty() && !findProgram(entry.tryExec)) {
+        return missing(entry.tryExec);
+    }
+    return std::nullopt;
+}
+
+DesktopTarget resolved(const fs::path& file, DesktopEntry entry) {
+    if (const auto reason = objection(entry)) {
+        throw PlatformError::because(*reason, file, "used");
+    }
+    ExecLine line = ExecLine::parse(entry.exec);
+    auto program = resolveProgram(entry, line);
+    if (!program) {
+        throw PlatformError::because(missing(line.program), file, "used");
+    }
+    return {file, std::move(entry), std::move(line), std::move(*program)};
+}
+
+} // namespace
+
+DesktopTarget DesktopTarget::readEntry(const fs::path& file) {
+    DesktopEntry entry = readDesktopEntry(file);
+    try {
+        return resolved(file, std::move(entry));
+    } catch (const ExecLineError& error) {
+        throw PlatformError::because("in its command, " + error.description(), file, "used");
+    }
+}
+
+DesktopTarget DesktopTarget::readAppImage(const fs::path& file) {
+    auto program = resolveProgram(file.native());
+    if (!program) {
+        throw PlatformError::because("it is not marked as executable", file, "used");
+    }
+    DesktopTarget target{file, {}, {}, std::move(*program)};
+    target.entry.name = bundleFallbackName(file);
+    target.line.program = file.native();
+    return target;
+}
+
+std::optional<std::string> DesktopTarget::obstacle() const {
+    if (entry.terminal) {
+        return "it runs in a terminal";
+    }
+    if (!program.portableFolders.empty()) {
+        return "it would use “" + program.portableFolders.front().string() +
+               "” instead of the clone’s own folder; rename or remove that first";
+    }
+    return std::nullopt;
+}
+
+std::vector<std::string> DesktopTarget::arguments(const std::vector<std::string>& engineArguments,
+                                                  const std::vector<std::string>& documents) const {
+    const ExecLine::Fields fields{entry.icon, entry.name, file.native()};
+    const bool takesItems = line.takesItems();
+    auto all = line.toArguments(takesItems ? documents : std::vector<std::string>{}, fields);
+    const auto place = static_cast<std::ptrdiff_t>(line.engineArgumentsIndex(all));
+    all.insert(all.begin() + place, engineArguments.begin(), engineArguments.end());
+    if (!takesItems) {
+        all.insert(all.end(), documents.begin(), documents.end());
+    }
+    return all;
+}
+
+void DesktopTarget::applyTo(Environment& environment) const {
+    for (const std::string& name : line.unset) {
+        environment.erase(name);
+    }
+    for (const std::string& assignment : line.environment) {
+        const std::size_t equals = assignment.find('=');
+        environment.insert_or_assign(assignment.substr(0, equals), assignment.substr(equals + 1));
+    }
+}
+
+} // namespace quorvel

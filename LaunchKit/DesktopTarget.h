@@ -1,0 +1,44 @@
+#pragma once
+
+#include "Platform/desktop/DesktopEntry.h"
+#include "Platform/desktop/ExecLine.h"
+#include "Platform/desktop/ProgramResolution.h"
+#include "Platform/processes/Process.h"
+
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace quorvel {
+
+/// What a desktop entry or an AppImage starts, as its files are now.
+struct DesktopTarget {
+    std::filesystem::path file{};
+    DesktopEntry entry{}; ///< of an AppImage, only a name
+    ExecLine line{};
+    ResolvedProgram program{};
+
+    /// Throws `PlatformError`, whose text says why the entry is not an application that can be
+    /// started: it can't be read, its command is malformed, or its program is missing.
+    [[nodiscard]] static DesktopTarget readEntry(const std::filesystem::path& file);
+
+    /// Throws `PlatformError` if the file can't be executed.
+    [[nodiscard]] static DesktopTarget readAppImage(const std::filesystem::path& file);
+
+    /// Returns why a clone of it could not work, as the end of a sentence; `std::nullopt` if it
+    /// can.
+    [[nodiscard]] std::optional<std::string> obstacle() const;
+
+    /// Returns the arguments of a start: `engineArguments` directly after the program, then the
+    /// entry's own, with the documents in place of its field codes. An entry that takes one
+    /// document gets the first. An entry without a field code gets all of them at its end.
+    [[nodiscard]] std::vector<std::string>
+    arguments(const std::vector<std::string>& engineArguments,
+              const std::vector<std::string>& documents) const;
+
+    /// Changes the variables that the entry's "env" changes.
+    void applyTo(Environment& environment) const;
+};
+
+} // namespace quorvel

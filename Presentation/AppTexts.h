@@ -1,0 +1,25 @@
+#pragma once
+
+#include "Presentation/Translation.h"
+
+#include <map>
+#include <optional>
+#include <string>
+
+/// What the front ends say about an application that is to be cloned.
+namespace quorvel {
+
+struct AppBundle;
+
+/// Returns what a clone gives up for variables in its environment, in one sentence;
+/// `std::nullopt` if it gives up nothing.
+[[nodiscard]] std::optional<std::string>
+environmentCost(const std::map<std::string, std::string>& environment,
+                const Translate& translate = inEnglish);
+
+/// Returns why the data of a Snap can't be kept apart, and the two commands that install it a
+/// second time; `std::nullopt` for any other application.
+[[nodiscard]] std::optional<std::string> snapReason(const AppBundle& app,
+                                                    const Translate& translate = inEnglish);
+
+} // namespace quorvel

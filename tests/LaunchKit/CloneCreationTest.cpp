@@ -1,0 +1,89 @@
+#include "LaunchKit/CloneCreation.h"
+
+#include "LaunchKit/InstanceRecord.h"
+#include "LaunchKit/InstanceRegistry.h"
+#include "LaunchKit/WrapperGenerator.h"
+#include "Platform/files/FileLock.h"
+#include "tests/support/AppBundles.h"
+#include "tests/support/TemporaryHome.h"
+
+#include <gmock/gmock.h>
+
+#include <future>
+
+namespace quorvel {
+namespace {
+
+using namespace testing;
+namespace fs = std::filesystem;
+
+class CloneCreationTest : public ::testing::Test {
+protected:
+    static WrapperFactory::Request request(const std::string& url = "https://a.test") {
+        WrapperFactory::Request request;
+        request.kind = ShortcutKind::web;
+        request.displayName = "Work";
+        request.url = url;
+        return request;
+    }
+    std::future<fs::path> creation(const RequestPermissions& permissions) {
+        return std::async(std::launch::async, [this, permissions] {
+            return createClone(factory, request("https://late.test"), permissions);
+        });
+    }
+    [[nodiscard]] std::string urlOfClone() const {
+        const auto record = InstanceRegistry().record(place);
+        return record ? record->config.url.value_or("none") : "no clone";
+    }
+
+    TemporaryHome home;
+    fs::path place = home / "Applications/Work.app";
+    WrapperFactory factory{runnerProgram()};
+};
+
+TEST_F(CloneCreationTest, MakesTheFolderOfClonesAndLeavesNoLock) {
+    EXPECT_EQ(createClone(factory, request(), {}), place);
+    EXPECT_EQ(urlOfClone(), "https://a.test");
+    EXPECT_FALSE(FileLock::isHeld(home / "Applications"));
+    EXPECT_EQ(std::distance(fs::directory_iterator(home / "Applications"), {}), 1);
+}
+
+TEST_F(CloneCreationTest, LeavesNoFolderWhenTheRequestCantBeCarriedOut) {
+    EXPECT_THROW((void)createClone(WrapperFactory(home / "no-runner"), request(), {}),
+                 WrapperGenerator::GenError);
+    EXPECT_FALSE(fs::exists(home / "Applications"));
+}
+
+TEST_F(CloneCreationTest, WaitsForAnotherCreationAndThenSeesItsClone) {
+    fs::create_directories(home / "Applications");
+    for (const bool mayReplace : {false, true}) {
+        fs::remove_all(place);
+        std::optional<FileLock> other = FileLock::tryTakeFolder(home / "Applications");
+        ASSERT_TRUE(other);
+        std::future<fs::path> late = creation({.existingClone = mayReplace});
+        EXPECT_EQ(late.wait_for(std::chrono::milliseconds(100)), std::future_status::timeout);
+        (void)factory.create(request("https://first.test"));
+        other.reset();
+        if (mayReplace) {
+            EXPECT_EQ(late.get(), place);
+            EXPECT_EQ(urlOfClone(), "https://late.test");
+        } else {
+            EXPECT_THROW((void)late.get(), CloneExists);
+            EXPECT_EQ(urlOfClone(), "https://first.test");
+        }
+    }
+}
+
+TEST_F(CloneCreationTest, ReplacesNothingThatAppearedWhileItWaited) {
+    fs::create_directories(home / "Applications");
+    std::optional<FileLock> other = FileLock::tryTakeFolder(home / "Applications");
+    std::future<fs::path> late = creation({.existingClone = true, .damagedClone = true});
+    EXPECT_EQ(late.wait_for(std::chrono::milliseconds(100)), std::future_status::timeout);
+    write(place / "notes.txt", "mine");
+    other.reset();
+    EXPECT_THROW((void)late.get(), InvalidRequest);
+    EXPECT_EQ(read(place / "notes.txt"), "mine");
+}
+
+} // namespace
+} // namespace quorvel
