@@ -1,6 +1,7 @@
 #include "Platform/processes/IsolatedEnvironment.h"
 
 #include "Base/PathText.h"
+#include "Base/StableHash.h"
 #include "Platform/files/ContainedFolder.h"
 #include "Platform/files/FileReading.h"
 #include "Platform/files/FileSystem.h"
@@ -11,9 +12,6 @@
 #include "Platform/files/XdgUserDirs_linux.h"
 
 #include <algorithm>
-#include <array>
-#include <cstdint>
-#include <cstdio>
 #include <string_view>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -33,18 +31,6 @@ std::string folderVariable(const Environment& session, const char* name,
     return found != session.end() && found->second.starts_with("/") ? found->second : otherwise;
 }
 
-// The same for a home at each start, short, and without characters that a path can't have.
-std::string shortName(std::string_view home) {
-    std::uint64_t hash = 14695981039346656037U; // FNV-1a
-    for (const char byte : home) {
-        hash = (hash ^ static_cast<unsigned char>(byte)) * 1099511628211U;
-    }
-    std::array<char, 17> digits{};
-    (void)std::snprintf(digits.data(), digits.size(), "%016llx",
-                        static_cast<unsigned long long>(hash));
-    return digits.data();
-}
-
 bool isOwnPrivateFolder(const std::string& path) {
     struct stat status {};
     return ::lstat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode) &&
@@ -55,7 +41,8 @@ bool isOwnPrivateFolder(const std::string& path) {
 // 50, so a folder inside the home would often be too long.
 std::string temporaryFolderFor(const std::string& home, const Environment& session) {
     constexpr std::size_t longest = 56;
-    const std::string name = shortName(home);
+    // The same at each start, short, and without characters that a path can't have.
+    const std::string name = stableHash(home);
     const std::string runtime = folderVariable(session, "XDG_RUNTIME_DIR", "");
     const std::string own = runtime + "/quorvel";
     std::string inRuntime = own + "/" + name;
