@@ -101,6 +101,23 @@ fs::path madeCloneAfterQuestion(const CommandContext& context, const WrapperFact
     return madeClone(context, factory, request, permissions);
 }
 
+// Another clone is kept by its path: its name may be taken by a second one later.
+std::optional<std::string> linksChoice(const CommandContext& context,
+                                       const std::optional<std::string>& words) {
+    if (!words || *words == linksDefault) {
+        return std::nullopt;
+    }
+    if (*words == linksInside) {
+        return words;
+    }
+    for (const InstanceRecord& record : context.registry.list()) {
+        if (record.config.bundleId == *words) {
+            return record.bundleURL.string();
+        }
+    }
+    return findClone(context.registry, *words).bundleURL.string();
+}
+
 } // namespace
 
 void inspectCommand(const CommandContext& context, const std::string& app, bool json) {
@@ -148,6 +165,7 @@ void showCommand(const CommandContext& context, const std::string& clone, bool j
 
 void createCommand(const CommandContext& context, const CreateOptions& options, bool json) {
     WrapperFactory::Request request = requestFrom(options);
+    request.links = linksChoice(context, request.links);
     if (options.target) {
         request.targetApp = findApp(*options.target);
     }

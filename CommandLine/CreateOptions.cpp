@@ -144,6 +144,9 @@ void addCreateOptions(CLI::App& create, CreateOptions& options) {
     addIconOptions(create, options);
     addArgumentOptions(create, options);
     addSwitches(create, request);
+    add.text("--links", request.links,
+             "What opens its links: default (the default browser), inside, or another clone",
+             "default|inside|CLONE");
     add.file("--runner", options.runner, "The runner to put into the clone", "FILE");
     create.add_flag("--launch", options.launch, "Open the clone at once");
 }
