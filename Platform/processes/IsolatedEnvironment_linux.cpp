@@ -7,6 +7,7 @@
 #include "Platform/files/FileWriting.h"
 #include "Platform/files/UserPaths.h"
 #include "Platform/files/XdgUserDirs_linux.h"
+#include "Platform/processes/FolderVariable_linux.h"
 
 #include <array>
 #include <cstdint>
@@ -24,13 +25,6 @@ constexpr std::string_view defaultDataFolders = "/usr/local/share:/usr/share";
 // What is written into a home says so, and what doesn't say so is not replaced.
 constexpr std::string_view userDirsMark =
     "# Written by Quorvel at each start. Without this line, it is left as it is.\n";
-
-// An absolute path; the base directory specification has others ignored.
-std::string folderVariable(const Environment& session, const char* name,
-                           const std::string& otherwise) {
-    const auto found = session.find(name);
-    return found != session.end() && found->second.starts_with("/") ? found->second : otherwise;
-}
 
 // The same for a home at each start, short, and without characters that a path can't have.
 std::string shortName(std::string_view home) {
