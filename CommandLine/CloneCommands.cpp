@@ -10,7 +10,7 @@
 #include "LaunchKit/InstanceLauncher.h"
 #include "LaunchKit/InstanceRecord.h"
 #include "LaunchKit/ShippedProfiles.h"
-#include "Platform/files/PlatformError.h"
+#include "Platform/desktop/ActivationError.h"
 
 #include <nlohmann/json.hpp>
 
@@ -36,7 +36,10 @@ void openWrapper(const CommandContext& context, const InstanceRecord& record) {
     context.workspace.openApplication(
         record.bundleURL, true,
         [opened](std::optional<PlatformError> error) { opened->set_value(std::move(error)); });
-    if (const auto error = opened->get_future().get()) {
+    const auto error = opened->get_future().get();
+    if (error && isActivationError(*error)) {
+        context.errors << terminalText(error->description()) << "\n"; // but it is open
+    } else if (error) {
         throw *error;
     }
 }

@@ -11,6 +11,7 @@
 #include "Platform/files/FileRemoval.h"
 #include "Platform/files/FileSystem.h"
 #include "Presentation/DeletionWarning.h"
+#include "Presentation/SystemWords.h"
 
 #include <nlohmann/json.hpp>
 
@@ -26,7 +27,7 @@ std::string runningWarning(const CommandContext& context, const InstanceRecord& 
         !context.workspace.runningApplications().contains(record.config.bundleId)) {
         return {};
     }
-    const DeletionWarning warning = deletionWarning(record.config.displayName);
+    const DeletionWarning warning = deletionWarning(record.config.displayName, inSystemWords);
     return warning.title + ". " + warning.text;
 }
 

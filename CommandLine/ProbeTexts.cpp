@@ -4,6 +4,7 @@
 #include "Base/Utf8.h"
 #include "Presentation/AppTexts.h"
 #include "Presentation/StrategyTexts.h"
+#include "Presentation/SystemWords.h"
 
 #include <nlohmann/json.hpp>
 
@@ -146,7 +147,7 @@ std::string description(const AppProfile& profile, const ProbeResult& result) {
     std::string text;
     text += line("App", terminalText(profile.displayName + " (" + profile.bundleId + ")"));
     text += line("Recommendation", std::string(rawString(profile.strategy)) + ": " +
-                                       strategyReason(profile.strategy));
+                                       strategyReason(profile.strategy, inSystemWords));
     text += line("A second copy", inWords(profile.singleton));
     text += line("Sandboxed", profile.sandboxed ? "yes" : "no");
     for (const std::string& argument : profile.extraArgs) {

@@ -110,7 +110,7 @@ std::vector<Fact> facts(const InstanceRecord& clone, const CloneState* state,
                  strategyLabel(rawString(config.strategy), translate));
     }
     for (const CloneSwitch& each : shownSwitches(config.kind, config)) {
-        list.addIf(full || each.inDetails, translate("CloneFacts", each.fact.data()),
+        list.addIf(full || each.inDetails, translate(switchContext, each.fact),
                    yesOrNo(each.valueIn(config), translate));
     }
     if (!config.extraArgs.empty()) {

@@ -4,6 +4,7 @@
 #include "LaunchKit/IconCheck.h"
 #include "LaunchKit/InstanceLauncher.h"
 #include "LaunchKit/InstanceRecord.h"
+#include "Platform/desktop/ActivationError.h"
 #include "Platform/files/FileSystem.h"
 #include "Platform/files/PlatformError.h"
 #include "Presentation/CloneNaming.h"
@@ -229,7 +230,7 @@ void AppModel::launch(const InstanceRecord& record) {
         InstanceLauncher::prepareHome(record.config);
         openWrapper(record.bundleURL);
     } catch (const std::exception& failure) {
-        opened(failure.what());
+        opened(PlatformError::withDescription(failure.what(), record.bundleURL));
     }
 }
 
@@ -241,16 +242,19 @@ void AppModel::openWrapper(const std::filesystem::path& wrapper) {
                 QCoreApplication::instance(),
                 [model, error = std::move(error)] {
                     if (model) {
-                        model->opened(error ? std::optional(error->description()) : std::nullopt);
+                        model->opened(error);
                     }
                 },
                 Qt::QueuedConnection);
         });
 }
 
-void AppModel::opened(const std::optional<std::string>& failure) {
-    if (failure) {
-        setLastError(sentence(tr("Couldn't launch: %1"), {*failure}));
+void AppModel::opened(const std::optional<PlatformError>& error) {
+    if (error) {
+        // A clone that only stays in the background was launched before.
+        setLastError(isActivationError(*error)
+                         ? error->description()
+                         : sentence(tr("Couldn't launch: %1"), {error->description()}));
     }
     services_.after(launchSettleTime, this, [this] { refreshRunningState(); });
 }

@@ -15,6 +15,7 @@
 
 namespace quorvel {
 
+class PlatformError;
 struct InstanceRecord;
 
 /// What `AppModel::sandboxInfo` proposes for an app.
@@ -114,7 +115,7 @@ Q_SIGNALS:
 
 private:
     void openWrapper(const std::filesystem::path& wrapper);
-    void opened(const std::optional<std::string>& failure);
+    void opened(const std::optional<PlatformError>& error);
     [[nodiscard]] InstanceRecord created(const std::filesystem::path& wrapper,
                                          const WrapperFactory::Request& request, bool launchAfter);
     void migrated(const InstanceRecord& record, const InstanceLauncher::Migration& migration);

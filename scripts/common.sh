@@ -10,13 +10,13 @@ fail() { printf '%s\n' "$*" >&2; exit 1; }
 
 # What is needed to build, and what the tests need on top of that.
 debian_build=(g++ python3 cmake ninja-build pkg-config nlohmann-json3-dev rapidjson-dev libplist-dev libicu-dev
-  libcli11-dev libglib2.0-dev qt6-base-dev libqt6svg6-dev libopenjp2-7-dev fontconfig fonts-urw-base35 procps)
+  libcli11-dev libglib2.0-dev libxcb1-dev qt6-base-dev libqt6svg6-dev libopenjp2-7-dev fontconfig fonts-urw-base35 procps)
 debian_test=(libgtest-dev libgmock-dev chromium firefox-esr xdg-utils libplist-utils
   dbus dbus-daemon binutils file git clang-format-14 shellcheck
   shared-mime-info icnsutils imagemagick inotify-tools xvfb xauth
-  xdotool openbox at-spi2-core libatspi2.0-dev fonts-inter
+  xdotool openbox xfwm4 sway foot x11-utils at-spi2-core libatspi2.0-dev fonts-inter
   fonts-dejavu-core fonts-noto-color-emoji fonts-wqy-microhei qt6-image-formats-plugins
-  clang-16 lld-16 llvm-16 libc++-16-dev zsh desktop-file-utils)
+  clang-16 lld-16 llvm-16 libc++-16-dev zsh desktop-file-utils qt6-l10n-tools)
 # The C library headers for the other processor of Macs.
 case "$(uname -m)" in
   x86_64) debian_test+=(libc6-dev-arm64-cross) ;;

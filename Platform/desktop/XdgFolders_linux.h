@@ -13,4 +13,8 @@ namespace quorvel {
 /// Snap export to, which a session may have left out. Each once; they need not exist.
 [[nodiscard]] std::vector<std::filesystem::path> xdgDataFolders();
 
+/// Where settings are: `XDG_CONFIG_HOME` (".config" in the user's home if it is not an absolute
+/// path) and each folder of `XDG_CONFIG_DIRS` ("/etc/xdg" if it is empty). Each once.
+[[nodiscard]] std::vector<std::filesystem::path> xdgConfigFolders();
+
 } // namespace quorvel

@@ -1,4 +1,5 @@
 #include "LaunchKit/CloneOptions.h"
+#include "Presentation/SystemWords.h"
 #include "tests/CommandLine/CommandLineHarness.h"
 #include "tests/support/AppBundles.h"
 
@@ -13,6 +14,10 @@ using namespace testing;
 using ::testing::ContainsRegex;
 using ::testing::HasSubstr;
 using ::testing::Not;
+
+std::string factOf(const CloneSwitch& each) {
+    return inSystemWords(switchContext, each.fact);
+}
 
 TEST(CreateWordsTest, EachSwitchSetsItsOwnFieldAlone) {
     CommandLineHarness harness;
@@ -37,8 +42,7 @@ TEST(CreateWordsTest, EachSwitchIsShownWhenItIsSet) {
     ASSERT_EQ(harness.run(arguments).status, 0);
     arguments.emplace_back("--replace");
     for (const CloneSwitch& each : cloneSwitches) {
-        EXPECT_THAT(harness.run({"show", "W"}).output,
-                    Not(HasSubstr(std::string(each.fact) + " ")));
+        EXPECT_THAT(harness.run({"show", "W"}).output, Not(HasSubstr(factOf(each) + " ")));
         if (!each.appsOnly) {
             arguments.emplace_back(each.flag);
         }
@@ -46,8 +50,19 @@ TEST(CreateWordsTest, EachSwitchIsShownWhenItIsSet) {
     ASSERT_EQ(harness.run(arguments).status, 0);
     const std::string output = harness.run({"show", "W"}).output;
     for (const CloneSwitch& each : cloneSwitches) {
-        const auto row = ContainsRegex("\n" + std::string(each.fact) + "  +yes\n");
+        const auto row = ContainsRegex("\n" + factOf(each) + "  +yes\n");
         EXPECT_EQ(::testing::Value(output, row), !each.appsOnly) << each.fact << "\n" << output;
+    }
+}
+
+TEST(CreateWordsTest, TheHelpIsInThisSystemsWords) {
+    CommandLineHarness harness;
+    const std::string help = harness.run({"create", "--help"}).output;
+    EXPECT_THAT(help, HasSubstr(inSystemWords("CreateOptions", "Show no Dock icon")));
+    EXPECT_EQ(help.find("Dock") == std::string::npos,
+              systemWords("CreateOptions", "Show no Dock icon") != nullptr);
+    for (const CloneSwitch& each : cloneSwitches) {
+        EXPECT_THAT(help, HasSubstr(inSystemWords(switchContext, each.help)));
     }
 }
 

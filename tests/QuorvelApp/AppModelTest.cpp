@@ -2,6 +2,7 @@
 #include "LaunchKit/InstanceConfig.h"
 #include "LaunchKit/InstanceLauncher.h"
 #include "LaunchKit/InstanceRecord.h"
+#include "Platform/desktop/ActivationError.h"
 #include "tests/QuorvelApp/StubServices.h"
 #include "tests/support/AppBundles.h"
 #include "tests/support/TemporaryHome.h"
@@ -290,6 +291,13 @@ TEST_F(AppModelTest, AFailedLaunchIsReportedAndStillLooksAgain) {
     ASSERT_TRUE(eventually([&] { return !stubbed.delayed.empty(); }));
     EXPECT_EQ(model().lastError(),
               "Couldn't launch: " + stubbed.workspace->openError->description());
+}
+
+TEST_F(AppModelTest, ACloneThatRunsButStaysInTheBackgroundWasNotAFailedLaunch) {
+    stubbed.workspace->openError = activationError(ActivationFailure::notAllowed, "/x/Work.app");
+    model().launch(addClone("Work"));
+    ASSERT_TRUE(eventually([&] { return !stubbed.delayed.empty(); }));
+    EXPECT_EQ(model().lastError(), stubbed.workspace->openError->description());
 }
 
 TEST_F(AppModelTest, AWorkspaceThatThrowsIsReportedLikeAnAnswer) {
