@@ -2,7 +2,7 @@
 
 #include "Base/PathText.h"
 #include "Platform/desktop/MimeDatabase_linux.h"
-#include "Platform/desktop/XdgFolders_linux.h"
+#include "Platform/files/XdgFolders_linux.h"
 #include "Platform/files/FileReading.h"
 #include "Platform/files/FileSystem.h"
 #include "Platform/files/FileWriting.h"

@@ -10,6 +10,7 @@
 #include "Platform/files/UserPaths.h"
 #include "Platform/files/XdgFolders_linux.h"
 #include "Platform/files/XdgUserDirs_linux.h"
+#include "Platform/processes/FolderVariable_linux.h"
 
 #include <algorithm>
 #include <string_view>
@@ -23,13 +24,6 @@ namespace {
 // What is written into a home says so, and what doesn't say so is not replaced.
 constexpr std::string_view userDirsMark =
     "# Written by Quorvel at each start. Without this line, it is left as it is.\n";
-
-// An absolute path; the base directory specification has others ignored.
-std::string folderVariable(const Environment& session, const char* name,
-                           const std::string& otherwise) {
-    const auto found = session.find(name);
-    return found != session.end() && found->second.starts_with("/") ? found->second : otherwise;
-}
 
 bool isOwnPrivateFolder(const std::string& path) {
     struct stat status {};
