@@ -62,7 +62,8 @@ void addPairs(std::map<std::string, std::string>& to, const std::vector<std::str
     for (const std::string& text : entries) {
         const std::size_t equals = text.find('=');
         if (equals == std::string::npos || equals == 0) {
-            throw UsageError(option + " takes KEY=VALUE, not " + text);
+            std::string message = option;
+            throw UsageError(message.append(" takes KEY=VALUE, not ").append(text));
         }
         to.insert_or_assign(text.substr(0, equals), text.substr(equals + 1));
     }

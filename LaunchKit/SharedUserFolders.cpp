@@ -44,7 +44,8 @@ std::string uniqueDestination(const std::string& path) {
     const std::string stem = folder + (bare ? name : name.stem()).string() + " (";
     const std::string extension = bare ? "" : name.extension().string();
     for (int number = 1;; ++number) {
-        std::string candidate = stem + std::to_string(number) + ")" + extension;
+        std::string candidate = stem;
+        candidate.append(std::to_string(number)).append(")").append(extension);
         if (!itemExists(candidate)) {
             return candidate;
         }

@@ -28,7 +28,8 @@ fs::path readableTarget(const WrapperFactory::Request& request) {
 }
 
 InstanceConfig configuration(const WrapperFactory::Request& request, const std::string& name) {
-    InstanceConfig config{request, request};
+    InstanceConfig config{static_cast<const CloneTarget&>(request),
+                          static_cast<const CloneOptions&>(request)};
     config.displayName = name;
     config.bundleId = request.bundleId.value_or(WrapperFactory::defaultBundleId(name));
     config.instanceHome = request.instanceHome.value_or(WrapperFactory::defaultInstanceHome(name));

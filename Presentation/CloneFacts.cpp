@@ -47,8 +47,11 @@ std::string yesOrNo(bool value, const Translate& translate) {
 // In the map's order: by bytes, which in UTF-8 is by code points.
 std::vector<std::string> environmentLines(const std::map<std::string, std::string>& environment) {
     std::vector<std::string> lines;
+    lines.reserve(environment.size());
     for (const auto& [key, value] : environment) {
-        lines.push_back(key + "=" + value);
+        std::string& line = lines.emplace_back(key);
+        line += '=';
+        line += value;
     }
     return lines;
 }

@@ -14,12 +14,12 @@ namespace {
 // "com.example.Notes".
 std::string_view lastComponent(std::string_view bundleId) {
     const std::size_t end = bundleId.find_last_not_of('.');
-    if (end == bundleId.npos) {
+    if (end == std::string_view::npos) {
         return bundleId;
     }
     const std::string_view trimmed = bundleId.substr(0, end + 1);
     const std::size_t dot = trimmed.rfind('.');
-    return dot == trimmed.npos ? trimmed : trimmed.substr(dot + 1);
+    return dot == std::string_view::npos ? trimmed : trimmed.substr(dot + 1);
 }
 
 // Names that many applications' files contain, or programs that run many applications.
@@ -45,7 +45,7 @@ std::string withoutEnding(std::string name, std::string_view ending) {
 std::string tellingComponent(const std::string& identifier) {
     std::string_view rest = identifier;
     std::string_view last = lastComponent(rest);
-    while (saysNothing(last) && rest.find('.') != rest.npos) {
+    while (saysNothing(last) && rest.find('.') != std::string_view::npos) {
         rest = rest.substr(0, rest.rfind('.'));
         last = lastComponent(rest);
     }
