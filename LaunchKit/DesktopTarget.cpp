@@ -82,6 +82,11 @@ std::vector<std::string> DesktopTarget::arguments(const std::vector<std::string>
     if (!takesItems) {
         all.insert(all.end(), documents.begin(), documents.end());
     }
+    if (program.packaging == ResolvedProgram::Packaging::flatpak && !all.empty() &&
+        all.front() == "run") {
+        // Otherwise the application goes on when the clone is asked to quit.
+        all.insert(all.begin() + 1, "--die-with-parent");
+    }
     return all;
 }
 

@@ -32,7 +32,8 @@ struct DesktopTarget {
 
     /// Returns the arguments of a start: `engineArguments` directly after the program, then the
     /// entry's own, with the documents in place of its field codes. An entry that takes one
-    /// document gets the first. An entry without a field code gets all of them at its end.
+    /// document gets the first. An entry without a field code gets all of them at its end. A
+    /// Flatpak is also told to end with the program that started it.
     [[nodiscard]] std::vector<std::string>
     arguments(const std::vector<std::string>& engineArguments,
               const std::vector<std::string>& documents) const;

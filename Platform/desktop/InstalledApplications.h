@@ -20,7 +20,8 @@ struct InstalledApplication {
 /// particular order. Of several entries with one id the first counts, even if it can't be read.
 /// Left out are entries that are hidden, not to be shown on this desktop, for a terminal, no
 /// applications, or whose program is missing, and Quorvel and its clones. Of a folder tree at most
-/// `maxEntryFiles` files, `maxEntryDepth` folders deep, are looked at. On macOS, none.
+/// `maxEntryFiles` files, `maxEntryDepth` folders deep, are looked at. Programs in a folder that
+/// does not answer within two seconds count as missing. On macOS, none.
 [[nodiscard]] std::vector<InstalledApplication> installedApplications(
     const std::vector<std::filesystem::path>& folders = applicationEntryFolders());
 constexpr std::size_t maxEntryFiles = 20000;

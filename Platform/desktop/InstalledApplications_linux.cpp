@@ -7,10 +7,15 @@
 #include "Platform/processes/ParallelLoop.h"
 
 #include <algorithm>
+#include <chrono>
+#include <condition_variable>
 #include <cstdlib>
 #include <map>
+#include <memory>
+#include <mutex>
 #include <set>
 #include <sys/stat.h>
+#include <thread>
 #include <unordered_set>
 
 namespace quorvel {
@@ -118,20 +123,72 @@ std::optional<Candidate> candidateIn(const EntryFile& file,
     }
 }
 
-// Many entries name the same program.
+// Looks for programs in several folders at a time: one that doesn't answer, such as that of a
+// server that is gone, delays no other, and its programs count as missing.
 class ProgramLookup {
 public:
-    [[nodiscard]] bool has(const std::string& program) {
-        const auto [known, isNew] = programs_.try_emplace(program, false);
-        if (isNew) {
-            known->second = findProgram(program).has_value();
+    explicit ProgramLookup(const std::set<std::string>& programs) {
+        std::map<fs::path, std::vector<std::string>> folders; // none for what is in `PATH`
+        for (const std::string& program : programs) {
+            folders[fs::path(program).parent_path()].push_back(program);
         }
-        return known->second;
+        std::vector<std::vector<std::string>> shares(std::min(folders.size(), maxThreads));
+        std::size_t next = 0;
+        for (auto& [folder, names] : folders) {
+            auto& share = shares[next++ % shares.size()];
+            share.insert(share.end(), names.begin(), names.end());
+        }
+        answers_->waitingFor = shares.size();
+        for (std::vector<std::string>& share : shares) {
+            std::thread(look, answers_, std::move(share)).detach();
+        }
+        std::unique_lock lock(answers_->guard);
+        (void)answers_->changed.wait_for(lock, patience, [&] { return answers_->waitingFor == 0; });
+        present_ = answers_->present;
     }
 
+    [[nodiscard]] bool has(const std::string& program) const { return present_.contains(program); }
+
 private:
-    std::map<std::string, bool> programs_{};
+    static constexpr std::size_t maxThreads = 32;
+    static constexpr std::chrono::seconds patience{2};
+
+    struct Answers {
+        std::mutex guard{};
+        std::condition_variable changed{};
+        std::set<std::string> present{};
+        std::size_t waitingFor = 0;
+    };
+
+    static void look(const std::shared_ptr<Answers>& answers,
+                     const std::vector<std::string>& programs) {
+        for (const std::string& program : programs) {
+            if (findProgram(program)) {
+                const std::lock_guard lock(answers->guard);
+                answers->present.insert(program);
+            }
+        }
+        const std::lock_guard lock(answers->guard);
+        --answers->waitingFor;
+        answers->changed.notify_one();
+    }
+
+    std::shared_ptr<Answers> answers_ = std::make_shared<Answers>(); // outlives what still waits
+    std::set<std::string> present_{};
 };
+
+std::set<std::string> programsOf(const std::vector<std::optional<Candidate>>& candidates) {
+    std::set<std::string> programs;
+    for (const auto& candidate : candidates) {
+        if (candidate) {
+            programs.insert(candidate->program);
+            if (!candidate->entry.tryExec.empty()) {
+                programs.insert(candidate->entry.tryExec);
+            }
+        }
+    }
+    return programs;
+}
 
 } // namespace
 
@@ -149,7 +206,7 @@ std::vector<InstalledApplication> installedApplications(const std::vector<fs::pa
     });
     std::vector<InstalledApplication> found;
     found.reserve(candidates.size());
-    ProgramLookup programs;
+    const ProgramLookup programs(programsOf(candidates));
     for (std::size_t index = 0; index < candidates.size(); ++index) {
         auto& candidate = candidates[index];
         if (candidate && programs.has(candidate->program) &&

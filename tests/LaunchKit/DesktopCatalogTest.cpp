@@ -2,11 +2,15 @@
 #include "Platform/files/FileSystem.h"
 #include "tests/support/AppBundles.h"
 #include "tests/support/DesktopApps.h"
+#include "tests/support/PrivateMounts.h"
 
 #include <gmock/gmock.h>
 
 #include <chrono>
+#include <fcntl.h>
+#include <sys/mount.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 namespace quorvel {
 namespace {
@@ -124,6 +128,42 @@ TEST_F(DesktopCatalogTest, HundredThousandActionsTakeNoTime) {
     const auto start = std::chrono::steady_clock::now();
     EXPECT_THAT(ids(), ElementsAre("many.desktop"));
     EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(5));
+}
+
+// A file system whose server never answers.
+bool mountWithoutAnswers(const fs::path& at) {
+    const int device = ::open("/dev/fuse", O_RDWR | O_CLOEXEC);
+    const std::string options = "fd=" + std::to_string(device) +
+                                ",rootmode=40000,user_id=" + std::to_string(::getuid()) +
+                                ",group_id=" + std::to_string(::getgid());
+    return device >= 0 && ::mount("none", at.c_str(), "fuse", 0, options.c_str()) == 0;
+}
+
+TEST_F(DesktopCatalogTest, AFolderThatDoesNotAnswerDelaysTheOthersLittle) {
+    const fs::path slow = apps.at("slow");
+    fs::create_directory(slow);
+    apps.addEntry("good", "app");
+    apps.addEntry("absolute", apps.at("bin/app").string());
+    for (int number = 0; number < 50; ++number) {
+        apps.addEntry("slow" + std::to_string(number), "app",
+                      "TryExec=" + (slow / std::to_string(number)).string() + "\n");
+    }
+    const auto problem = inPrivateMounts([&]() -> std::string {
+        if (!mountWithoutAnswers(slow)) {
+            return "skip";
+        }
+        const auto start = std::chrono::steady_clock::now();
+        const std::vector<std::string> found = ids();
+        const auto passed = std::chrono::steady_clock::now() - start;
+        if (found != std::vector<std::string>{"absolute.desktop", "good.desktop"}) {
+            return "found " + std::to_string(found.size());
+        }
+        return passed < std::chrono::seconds(10) ? "" : "it took too long";
+    });
+    if (!problem || *problem == "skip") {
+        GTEST_SKIP() << "the system allows no mounts";
+    }
+    EXPECT_EQ(*problem, "");
 }
 
 TEST_F(DesktopCatalogTest, AThemeThatInheritsItselfEnds) {

@@ -191,8 +191,8 @@ TEST_F(DesktopTargetTest, ArgumentsComeDirectlyAfterTheProgram) {
     apps.addProgram("flatpak", helperProgram());
     EXPECT_THAT(
         arguments("flatpak run --branch=stable --file-forwarding org.a.B @@u %U @@", {"/a"}),
-        ElementsAre("run", "--branch=stable", "--file-forwarding", "org.a.B", "-e", "E", "@@u",
-                    "/a", "@@"));
+        ElementsAre("run", "--die-with-parent", "--branch=stable", "--file-forwarding", "org.a.B",
+                    "-e", "E", "@@u", "/a", "@@"));
 }
 
 } // namespace

@@ -1,0 +1,101 @@
+#include "LaunchKit/InstanceRecord.h"
+#include "Platform/processes/Process.h"
+#include "tests/EndToEnd/Programs.h"
+#include "tests/support/SessionBus.h"
+#include "tests/support/Waiting.h"
+#include "tests/support/XServer.h"
+
+#include <gmock/gmock.h>
+
+#include <csignal>
+#include <sstream>
+
+namespace quorvel {
+namespace {
+
+using namespace testing;
+using ::testing::HasSubstr;
+using ::testing::IsEmpty;
+namespace fs = std::filesystem;
+
+constexpr const char* tracer = "/usr/bin/strace";
+
+// A font that is installed, under another name.
+std::string anyFont() {
+    std::error_code ignored;
+    for (const auto& item : fs::recursive_directory_iterator("/usr/share/fonts", ignored)) {
+        if (item.path().extension() == ".ttf" || item.path().extension() == ".otf" ||
+            item.path().extension() == ".t1") {
+            return read(item);
+        }
+    }
+    return {};
+}
+
+// The lines of a trace in which a file with that name was opened.
+std::vector<std::string> openedIn(const std::string& trace, const std::string& name) {
+    std::vector<std::string> opened;
+    std::istringstream lines(trace);
+    for (std::string line; std::getline(lines, line);) {
+        if (line.find("openat(") != std::string::npos && line.find(name) != std::string::npos &&
+            line.find("= -1") == std::string::npos) {
+            opened.push_back(line);
+        }
+    }
+    return opened;
+}
+
+TEST(OwnDataTest, AnEditorUsesTheUsersFontsButNotTheUsersData) {
+    for (const char* program : {"/usr/bin/gedit", tracer}) {
+        if (!fs::exists(program)) {
+            GTEST_SKIP() << program << " is not installed";
+        }
+    }
+    if (!XServer::missingPrograms().empty() || !SessionBus::isAvailable() || anyFont().empty()) {
+        GTEST_SKIP() << "there is no display, bus or font";
+    }
+    QuorvelctlInAHome quorvelctl;
+    const fs::path data = quorvelctl.home / ".local/share";
+    write(data / "fonts/marker.ttf", anyFont());
+    write(data / "gtksourceview-4/language-specs/marker.lang", "marker");
+    write(data / "katepart5/syntax/marker.xml", "marker");
+    const SessionBus bus;
+    const XServer server;
+    quorvelctl.run({"create", "--target", "/usr/share/applications/org.gnome.gedit.desktop",
+                    "--name", "Editor"});
+
+    const fs::path wrapper = quorvelctl.home / "Applications/Editor.app";
+    const fs::path trace = quorvelctl.home / "trace";
+    Process::Options options;
+    options.executable = tracer;
+    options.arguments = {"-f",
+                         "-qq",
+                         "-e",
+                         "trace=openat,execve",
+                         "-o",
+                         trace.string(),
+                         (wrapper / "Contents/MacOS/runner").string()};
+    options.environment = currentEnvironment();
+    options.environment->insert_or_assign("HOME", quorvelctl.home.path().string());
+    options.environment->insert_or_assign("CFFIXED_USER_HOME", quorvelctl.home.path().string());
+    Process editor = Process::run(options);
+    const bool isUp = waitUntil(
+        [&] {
+            const std::string seen = read(trace);
+            return !openedIn(seen, "marker.ttf").empty() &&
+                   !openedIn(seen, "gtksourceview-4/language-specs").empty();
+        },
+        std::chrono::seconds(120));
+    if (const auto runner = runnerOf(wrapper)) {
+        ::kill(*runner, SIGTERM); // the tracer ends with what it traces
+    }
+    (void)editor.waitUntilExit();
+    const std::string seen = read(trace);
+    ASSERT_TRUE(isUp) << seen.substr(seen.size() - std::min<std::size_t>(seen.size(), 2000));
+    EXPECT_THAT(openedIn(seen, "marker.ttf").front(), HasSubstr("session-data/fonts"));
+    EXPECT_THAT(openedIn(seen, "marker.lang"), IsEmpty());
+    EXPECT_THAT(openedIn(seen, "katepart5"), IsEmpty());
+}
+
+} // namespace
+} // namespace quorvel
