@@ -11,6 +11,7 @@
 #include "LaunchKit/InstanceRecord.h"
 #include "LaunchKit/MenuEntries.h"
 #include "LaunchKit/ShippedProfiles.h"
+#include "LaunchKit/WindowIdentity.h"
 #include "Platform/desktop/ActivationError.h"
 
 #include <nlohmann/json.hpp>
@@ -152,8 +153,9 @@ void showCommand(const CommandContext& context, const std::string& clone, bool j
     const RunningApplications running = context.workspace.runningApplications();
     const auto logSize = logSizeOf(record.config);
     if (!json) {
-        context.output << description(
-            record, {.running = running.contains(record.config.bundleId), .logSize = logSize});
+        context.output << description(record, {.running = running.contains(record.config.bundleId),
+                                               .logSize = logSize,
+                                               .grouping = windowGroupingOf(record.config)});
         return;
     }
     nlohmann::json object = jsonForm(record, running);

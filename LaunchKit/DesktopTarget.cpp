@@ -41,6 +41,16 @@ DesktopTarget resolved(const fs::path& file, DesktopEntry entry) {
 
 } // namespace
 
+std::optional<std::vector<ExecLine::Word>> actionWords(const ExecLine& main,
+                                                       const DesktopAction& action) {
+    try {
+        ExecLine line = ExecLine::parse(action.exec);
+        return line.program == main.program ? std::optional(std::move(line.words)) : std::nullopt;
+    } catch (const ExecLineError&) {
+        return std::nullopt;
+    }
+}
+
 DesktopTarget DesktopTarget::readEntry(const fs::path& file) {
     DesktopEntry entry = readDesktopEntry(file);
     try {
@@ -88,6 +98,17 @@ std::vector<std::string> DesktopTarget::arguments(const std::vector<std::string>
         all.insert(all.begin() + 1, "--die-with-parent");
     }
     return all;
+}
+
+void DesktopTarget::chooseAction(const std::string& id) {
+    for (const DesktopAction& action : entry.actions) {
+        if (action.id != id) {
+            continue;
+        }
+        if (auto words = actionWords(line, action)) {
+            line.words = std::move(*words);
+        }
+    }
 }
 
 void DesktopTarget::applyTo(Environment& environment) const {

@@ -12,6 +12,11 @@
 
 namespace quorvel {
 
+/// Returns what an action passes to the program that `main` starts; `std::nullopt` if it starts
+/// another program or can't be started.
+[[nodiscard]] std::optional<std::vector<ExecLine::Word>> actionWords(const ExecLine& main,
+                                                                     const DesktopAction& action);
+
 /// What a desktop entry or an AppImage starts, as its files are now.
 struct DesktopTarget {
     std::filesystem::path file{};
@@ -37,6 +42,10 @@ struct DesktopTarget {
     [[nodiscard]] std::vector<std::string>
     arguments(const std::vector<std::string>& engineArguments,
               const std::vector<std::string>& documents) const;
+
+    /// Has `arguments` return those of one of the entry's actions instead of the entry's own.
+    /// Changes nothing if there is no such action, or if it starts another program.
+    void chooseAction(const std::string& id);
 
     /// Changes the variables that the entry's "env" changes.
     void applyTo(Environment& environment) const;

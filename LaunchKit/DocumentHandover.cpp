@@ -1,7 +1,6 @@
 #include "LaunchKit/DocumentHandover.h"
 
 #include "LaunchKit/InstanceConfig.h"
-#include "LaunchKit/InstanceLauncher.h"
 
 #include <chrono>
 #include <thread>
@@ -43,11 +42,12 @@ bool endsInTime(Process& process) {
 
 } // namespace
 
-bool handOver(const InstanceConfig& config, const std::vector<std::string>& documents) {
-    if (documents.empty() || !passesOnWhatItIsGiven(config)) {
+bool handOver(const InstanceConfig& config, const std::vector<std::string>& documents,
+              const StartDetails& details) {
+    if ((documents.empty() && details.action.empty()) || !passesOnWhatItIsGiven(config)) {
         return false;
     }
-    Process second = InstanceLauncher().launch(config, documents);
+    Process second = InstanceLauncher().launch(config, documents, details);
     if (endsInTime(second)) {
         return true;
     }

@@ -3,6 +3,7 @@
 #include "Base/PathText.h"
 #include "LaunchKit/InstanceConfig.h"
 #include "LaunchKit/LinkDoorSetup.h"
+#include "LaunchKit/WindowIdentity.h"
 #include "Platform/files/ContainedFolder.h"
 #include "Platform/files/FileHandle.h"
 #include "Platform/files/FileSystem.h"
@@ -125,7 +126,8 @@ InstanceLauncher::LaunchError::unsupported(const std::string& message) {
 }
 
 Process InstanceLauncher::launch(const InstanceConfig& config,
-                                 const std::vector<std::string>& documents, int kept) const {
+                                 const std::vector<std::string>& documents,
+                                 const StartDetails& details) const {
     switch (config.kind) {
     case ShortcutKind::app: {
         const std::string home = config.resolvedHome();
@@ -134,7 +136,8 @@ Process InstanceLauncher::launch(const InstanceConfig& config,
         }
         auto options = static_cast<const CloneOptions&>(config);
         options.environment = config.resolvedEnvironment();
-        return launch(config.targetAppURL(), home, options, config.resolvedArgs(), documents, kept);
+        return launch(config.targetAppURL(), home, options, config.resolvedArgs(), documents,
+                      details);
     }
     case ShortcutKind::web:
         throw LaunchError::unsupported("web shortcuts run in the runner's web host");
@@ -149,22 +152,30 @@ Process InstanceLauncher::launch(const InstanceConfig& config,
 Process InstanceLauncher::launch(const std::filesystem::path& appURL, const std::string& home,
                                  const CloneOptions& options,
                                  const std::vector<std::string>& extraArgs,
-                                 const std::vector<std::string>& documents, int kept) const {
-    const std::optional<AppBundle> app = AppBundle::read(appURL, noEntitlements);
+                                 const std::vector<std::string>& documents,
+                                 const StartDetails& details) const {
+    std::optional<AppBundle> app = AppBundle::read(appURL, noEntitlements);
     if (!app) {
         throw LaunchError::badBundle(appURL);
     }
-    return launch(*app, home, options, extraArgs, documents, kept);
+    if (app->desktop && !details.action.empty()) {
+        app->desktop->chooseAction(details.action);
+    }
+    return launch(*app, home, options, extraArgs, documents, details);
 }
 
 Process InstanceLauncher::launch(const AppBundle& app, const std::string& home,
                                  const CloneOptions& options,
                                  const std::vector<std::string>& extraArgs,
-                                 const std::vector<std::string>& documents, int kept) const {
+                                 const std::vector<std::string>& documents,
+                                 const StartDetails& details) const {
     createDirectories(home);
     Process::Options process;
     setProgram(app, extraArgs, documents, process);
-    process.kept = kept;
+    if (app.desktop && !details.windowWord.empty()) {
+        applyWindowIdentity(*app.desktop, details.windowWord, process);
+    }
+    process.kept = details.kept;
     const std::optional<FileHandle> log = instanceLogHandle(home);
     sendOutputTo(log, process);
     if (options.strategy == Strategy::unsupported) {

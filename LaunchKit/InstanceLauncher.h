@@ -19,6 +19,15 @@ namespace quorvel {
 
 struct InstanceConfig;
 
+/// What is particular to one start of an app.
+struct StartDetails {
+    /// A descriptor that the app inherits and keeps open while it runs, see `Process`; -1: none.
+    int kept = -1;
+    /// The following are for apps that are started by a desktop entry.
+    std::string windowWord{}; ///< what its windows are to be known by, if not empty
+    std::string action{};     ///< of the entry, in place of its own command, if not empty
+};
+
 /// Starts a clone's target with its isolation applied, and prepares its data folder. Stateless; any
 /// thread.
 class InstanceLauncher : public SharedUserFolders {
@@ -48,12 +57,11 @@ public:
 
     /// Launches the clone's target and returns its process. For an `app` clone, `documents` are
     /// appended unchanged to the configured arguments, or passed as the app's desktop entry says;
-    /// other kinds ignore them. An app inherits the
-    /// descriptor `kept` (-1: none) and keeps it open while it runs, see `Process`; other targets
-    /// don't. Throws `LaunchError`, or `PlatformError` if the process can't be started.
+    /// other kinds ignore them, and the details too. Throws `LaunchError`, or `PlatformError` if
+    /// the process can't be started.
     [[nodiscard]] Process launch(const InstanceConfig& config,
                                  const std::vector<std::string>& documents = {},
-                                 int kept = -1) const;
+                                 const StartDetails& details = {}) const;
 
     /// Launches an application with `home` (already expanded) as its home. Creates `home` if it is
     /// missing, and the folder inside it that follows an argument "-profile". The options' strategy
@@ -63,7 +71,7 @@ public:
                                  const CloneOptions& options,
                                  const std::vector<std::string>& extraArgs,
                                  const std::vector<std::string>& documents = {},
-                                 int kept = -1) const;
+                                 const StartDetails& details = {}) const;
 
     /// The same with only these options, for a home that shares no folders.
     [[nodiscard]] Process launch(const AppBundle& app, const std::string& home, Strategy strategy,
@@ -75,7 +83,7 @@ public:
                                  const CloneOptions& options,
                                  const std::vector<std::string>& extraArgs,
                                  const std::vector<std::string>& documents = {},
-                                 int kept = -1) const;
+                                 const StartDetails& details = {}) const;
 
     /// Links the user's keychains into `home`. Never fails.
     static void ensureKeychainAccess(const std::string& home);

@@ -4,6 +4,7 @@
 #include "Base/PathText.h"
 #include "LaunchKit/AppBundle.h"
 #include "LaunchKit/CloneOptions.h"
+#include "LaunchKit/HelperProgram.h"
 #include "LaunchKit/LinkOpener.h"
 #include "LinkDoor/LinkSession.h"
 #include "Platform/desktop/DefaultApplication.h"
@@ -161,15 +162,7 @@ LinkRoute linkRouteOf(const AppBundle& app, const CloneOptions& options, bool sy
 }
 
 std::optional<fs::path> linkDoorProgram(const Environment& session) {
-    const std::string name = "quorvel-link-door";
-    for (const std::string& path :
-         {valueOf(session, "QUORVEL_LINK_DOOR"), QUORVEL_LIBEXEC "/" + name,
-          "/usr/libexec/quorvel/" + name, "/usr/local/libexec/quorvel/" + name}) {
-        if (path.starts_with('/') && isExecutableFile(path)) {
-            return path;
-        }
-    }
-    return std::nullopt;
+    return helperProgram("quorvel-link-door", "QUORVEL_LINK_DOOR", session);
 }
 
 void setUpLinks(const AppBundle& app, const std::string& home, const CloneOptions& options,

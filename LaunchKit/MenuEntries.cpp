@@ -68,10 +68,13 @@ std::string genericIcon(ShortcutKind kind) {
 }
 
 // GIO looks for a program under its name as written, so a name with "%%" in it isn't found.
-std::string execOf(const std::string& runner, const std::string& codes) {
-    std::string exec = ExecLine::text({runner}, codes);
-    return runner.find('%') == std::string::npos ? exec
-                                                 : ExecLine::text({"/usr/bin/env", runner}, codes);
+std::string execOf(std::vector<std::string> command, const std::string& codes) {
+    std::string exec = ExecLine::text(command, codes);
+    if (command.front().find('%') == std::string::npos) {
+        return exec;
+    }
+    command.insert(command.begin(), "/usr/bin/env");
+    return ExecLine::text(command, codes);
 }
 
 DesktopEntry entryFor(const InstanceRecord& record, const MenuTarget& target,
@@ -86,7 +89,7 @@ DesktopEntry entryFor(const InstanceRecord& record, const MenuTarget& target,
         entry.name = word;
     }
     entry.comment = shownText(commentFor(config, target));
-    entry.exec = execOf(runner, target.codes);
+    entry.exec = execOf({runner}, target.codes);
     entry.tryExec = runner;
     entry.icon = pictureName(word, iconOf(identity));
     if (entry.icon.empty()) {
@@ -98,6 +101,11 @@ DesktopEntry entryFor(const InstanceRecord& record, const MenuTarget& target,
     entry.mimeTypes = target.mimeTypes;
     entry.keywords = target.keywords;
     entry.cloneId = identity;
+    for (DesktopAction action : target.actions) {
+        action.name = shownText(action.name);
+        action.exec = execOf({runner, std::string(actionOption) + action.id}, "");
+        entry.actions.push_back(std::move(action));
+    }
     return entry;
 }
 

@@ -1,6 +1,7 @@
 #include "LaunchKit/MenuTarget.h"
 
 #include "Base/BundleName.h"
+#include "LaunchKit/DesktopTarget.h"
 #include "LaunchKit/InstanceConfig.h"
 #include "Platform/desktop/DesktopEntry.h"
 #include "Platform/desktop/ExecLine.h"
@@ -84,6 +85,21 @@ std::string codesFor(const InstanceConfig& config, const std::optional<DesktopEn
     return config.registerAsBrowser ? "%U" : "%F";
 }
 
+std::vector<DesktopAction> actionsOf(const DesktopEntry& entry) {
+    std::vector<DesktopAction> actions;
+    try {
+        const ExecLine main = ExecLine::parse(entry.exec);
+        for (const DesktopAction& action : entry.actions) {
+            if (actionWords(main, action)) {
+                actions.push_back(action);
+            }
+        }
+    } catch (const ExecLineError&) {
+        // An entry that can't be started has no actions either.
+    }
+    return actions;
+}
+
 } // namespace
 
 MenuTarget menuTargetOf(const InstanceConfig& config) {
@@ -100,6 +116,7 @@ MenuTarget menuTargetOf(const InstanceConfig& config) {
     if (config.kind == ShortcutKind::app && !target.name.empty()) {
         addOnce(target.keywords, target.name);
     }
+    target.actions = entry ? actionsOf(*entry) : std::vector<DesktopAction>{};
     return target;
 }
 

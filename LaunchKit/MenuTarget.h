@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Platform/desktop/DesktopEntry.h"
+
 #include <string>
 #include <vector>
 
@@ -16,6 +18,7 @@ struct MenuTarget {
     std::vector<std::string> categories{};
     std::vector<std::string> mimeTypes{}; ///< those that the clone is to open
     std::vector<std::string> keywords{};
+    std::vector<DesktopAction> actions{}; ///< those that the clone can start
 };
 
 /// Reads the target's own desktop entry if it has one.

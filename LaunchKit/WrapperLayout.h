@@ -14,6 +14,9 @@ inline constexpr std::string_view wrapperIconName = "AppIcon";
 /// The name of a wrapper's executable.
 inline constexpr std::string_view wrapperExecutableName = "runner";
 
+/// What a wrapper's executable is told to start one of its target's actions with: this and an id.
+inline constexpr std::string_view actionOption = "--action=";
+
 /// Returns the path of a wrapper's configuration, "instance.json" in its resources.
 [[nodiscard]] std::string configOf(const std::string& wrapper);
 

@@ -15,6 +15,20 @@ std::optional<std::string> environmentCost(const std::map<std::string, std::stri
                      "notifications and can’t use the desktop’s portals and keyring.");
 }
 
+std::optional<std::string> groupingNote(WindowGrouping grouping, const Translate& translate) {
+    switch (grouping) {
+    case WindowGrouping::own:
+        return std::nullopt;
+    case WindowGrouping::ownOnX11:
+        return translate("AppTexts", "On Wayland, the dock may show the clone’s windows together "
+                                     "with those of the original.");
+    case WindowGrouping::shared:
+        break;
+    }
+    return translate("AppTexts",
+                     "The dock may show the clone’s windows together with those of the original.");
+}
+
 std::optional<std::string> snapReason(const AppBundle& app, const Translate& translate) {
     if (!app.desktop || app.desktop->program.packaging != ResolvedProgram::Packaging::snap) {
         return std::nullopt;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "LaunchKit/WindowIdentity.h"
 #include "Presentation/Translation.h"
 
 #include <map>
@@ -16,6 +17,11 @@ struct AppBundle;
 [[nodiscard]] std::optional<std::string>
 environmentCost(const std::map<std::string, std::string>& environment,
                 const Translate& translate = inEnglish);
+
+/// Returns where the dock shows a clone's windows with the original's, in one sentence;
+/// `std::nullopt` if it does so nowhere.
+[[nodiscard]] std::optional<std::string> groupingNote(WindowGrouping grouping,
+                                                      const Translate& translate = inEnglish);
 
 /// Returns why the data of a Snap can't be kept apart, and the two commands that install it a
 /// second time; `std::nullopt` for any other application.

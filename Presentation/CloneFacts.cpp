@@ -140,6 +140,8 @@ std::vector<Fact> facts(const InstanceRecord& clone, const CloneState* state,
     if (auto cost = environmentCost(config.environment, translate)) {
         list.add(translate("CloneFacts", "Note"), std::move(*cost));
     }
+    list.addInFull(translate("CloneFacts", "Windows"),
+                   groupingNote(full ? state->grouping : WindowGrouping::own, translate));
     list.addInFull(translate("CloneFacts", "Working directory"), config.workingDirectory);
     list.addInFull(
         translate("CloneFacts", "Icon label"),

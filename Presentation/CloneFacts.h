@@ -1,5 +1,6 @@
 #pragma once
 
+#include "LaunchKit/WindowIdentity.h"
 #include "Presentation/Translation.h"
 
 #include <cstdint>
@@ -41,6 +42,7 @@ struct Fact {
 struct CloneState {
     bool running = false;
     std::optional<std::uintmax_t> logSize{}; ///< bytes; absent without a log
+    WindowGrouping grouping = WindowGrouping::own;
 };
 
 /// Returns everything known about a clone: the rows of `cloneDetails`, with paths unabbreviated,

@@ -5,11 +5,14 @@
 #include "LaunchKit/HomeLock.h"
 #include "LaunchKit/InstanceConfig.h"
 #include "LaunchKit/InstanceLauncher.h"
+#include "LaunchKit/WindowNaming.h"
+#include "LaunchKit/WindowWord.h"
 #include "LaunchKit/WrapperLayout.h"
 #include "LinkDoor/LinkAddress.h"
 #include "LinkDoor/LinkSession.h"
 #include "Platform/files/FileSystem.h"
 #include "Platform/files/PlatformError.h"
+#include "Platform/processes/ProcessAdoption.h"
 #include "Platform/processes/SignalForwarder.h"
 #include "Platform/processes/StartReport.h"
 
@@ -43,9 +46,10 @@ void addToLog(const InstanceConfig& config, const std::string& message) {
     }
 }
 
-bool handedOver(const InstanceConfig& config, const std::vector<std::string>& documents) {
+bool handedOver(const InstanceConfig& config, const std::vector<std::string>& documents,
+                const StartDetails& details) {
     try {
-        return handOver(config, documents);
+        return handOver(config, documents, details);
     } catch (const std::runtime_error&) {
         return false;
     }
@@ -57,8 +61,16 @@ bool isLinkFromAClone(const std::vector<std::string>& arguments) {
            hasLinkScheme(arguments.front());
 }
 
+// Returns the action that the clone's menu entry asks for; empty if it asks for none.
+std::string actionIn(const std::vector<std::string>& arguments) {
+    return arguments.size() == 1 && arguments.front().starts_with(actionOption)
+               ? arguments.front().substr(actionOption.size())
+               : std::string();
+}
+
 int launchAndSupervise(const InstanceConfig& config, const std::vector<std::string>& documents,
-                       const StartReport& report, const SignalForwarder& signals) {
+                       StartDetails details, const StartReport& report,
+                       const SignalForwarder& signals) {
     if (config.kind == ShortcutKind::web) {
         const std::string message =
             "the web host for “" + config.displayName + "” is not installed";
@@ -68,12 +80,13 @@ int launchAndSupervise(const InstanceConfig& config, const std::vector<std::stri
     try {
         const std::optional<FileLock> lock =
             config.kind == ShortcutKind::app ? lockHome(config) : std::nullopt;
-        Process target =
-            InstanceLauncher().launch(config, documents, lock ? lock->descriptor() : -1);
+        details.kept = lock ? lock->descriptor() : -1;
+        Process target = InstanceLauncher().launch(config, documents, details);
         report.started();
-        return signals.waitUntilExit(target);
+        std::optional<Process> naming = startWindowNaming(config, details.windowWord);
+        return signals.waitUntilExit(target, naming ? &*naming : nullptr);
     } catch (const HomeInUse& error) {
-        if (handedOver(config, documents)) {
+        if (handedOver(config, documents, details)) {
             report.started();
             return 0;
         }
@@ -98,6 +111,7 @@ int launchAndSupervise(const InstanceConfig& config, const std::vector<std::stri
 int runClone(const fs::path& executable, const std::vector<std::string>& arguments) {
     const StartReport report;
     const SignalForwarder signals;
+    adoptOrphans();
 
     const fs::path wrapper = executable.parent_path().parent_path().parent_path();
     const fs::path file = configOf(wrapper);
@@ -105,10 +119,13 @@ int runClone(const fs::path& executable, const std::vector<std::string>& argumen
     if (!config) {
         return fail(report, "no readable configuration at " + file.string(), runnerBadConfig);
     }
+    const StartDetails details{.windowWord = windowWord(cloneIdentity(wrapper)),
+                               .action = actionIn(arguments)};
     const bool passesDocuments =
-        config->openWithPassthrough || config->registerAsBrowser || isLinkFromAClone(arguments);
+        details.action.empty() &&
+        (config->openWithPassthrough || config->registerAsBrowser || isLinkFromAClone(arguments));
     return launchAndSupervise(*config, passesDocuments ? arguments : std::vector<std::string>{},
-                              report, signals);
+                              details, report, signals);
 }
 
 } // namespace quorvel

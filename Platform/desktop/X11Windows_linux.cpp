@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cstdlib>
 #include <cstring>
+#include <poll.h>
 #include <string_view>
 
 namespace quorvel {
@@ -121,6 +122,30 @@ std::vector<X11Window> X11Windows::list() const {
 std::uint32_t X11Windows::active() const {
     const auto found = numbers(root_, "_NET_ACTIVE_WINDOW");
     return found.empty() ? 0 : found.front();
+}
+
+void X11Windows::setIdentity(std::uint32_t window, const std::string& word) const {
+    std::string both = word;
+    both.append(1, '\0').append(word).append(1, '\0');
+    const auto set = [&](xcb_atom_t name, xcb_atom_t type, const std::string& bytes) {
+        xcb_change_property(connection_.get(), XCB_PROP_MODE_REPLACE, window, name, type, 8,
+                            static_cast<std::uint32_t>(bytes.size()), bytes.data());
+    };
+    set(XCB_ATOM_WM_CLASS, XCB_ATOM_STRING, both);
+    set(atom("_KDE_NET_WM_DESKTOP_FILE"), atom("UTF8_STRING"), word);
+    xcb_flush(connection_.get());
+}
+
+bool X11Windows::waitForChanges(std::chrono::milliseconds limit) const {
+    const std::uint32_t wanted = XCB_EVENT_MASK_PROPERTY_CHANGE;
+    xcb_change_window_attributes(connection_.get(), root_, XCB_CW_EVENT_MASK, &wanted);
+    xcb_flush(connection_.get());
+    pollfd waiting{xcb_get_file_descriptor(connection_.get()), POLLIN, 0};
+    (void)::poll(&waiting, 1, static_cast<int>(limit.count()));
+    using Event = std::unique_ptr<xcb_generic_event_t, Free>;
+    while (Event(xcb_poll_for_event(connection_.get()))) {
+    }
+    return xcb_connection_has_error(connection_.get()) == 0;
 }
 
 void X11Windows::activate(std::uint32_t window) const {

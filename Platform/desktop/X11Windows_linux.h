@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <cstdint>
 #include <memory>
 #include <optional>
@@ -31,6 +32,14 @@ public:
 
     /// Returns the window with the focus; 0 if none has it.
     [[nodiscard]] std::uint32_t active() const;
+
+    /// Has desktops match the window to the menu entry of that name, as the application itself
+    /// could: by its class, and by what KDE asks for first.
+    void setIdentity(std::uint32_t window, const std::string& word) const;
+
+    /// Waits until windows come or go, or the limit has passed. Returns false if the server is
+    /// gone.
+    [[nodiscard]] bool waitForChanges(std::chrono::milliseconds limit) const;
 
     /// Asks the window manager, as a pager does, to bring the window to the front.
     void activate(std::uint32_t window) const;

@@ -151,7 +151,7 @@ Environment currentEnvironment() {
 
 Process Process::run(const Options& options) {
     StringBlock arguments;
-    arguments.add(options.executable.native());
+    arguments.add(options.programName.value_or(options.executable.native()));
     for (const std::string& argument : options.arguments) {
         arguments.add(argument);
     }

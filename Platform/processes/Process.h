@@ -34,6 +34,7 @@ public:
 
     struct Options {
         std::filesystem::path executable{};
+        std::optional<std::string> programName{};         ///< absent: the executable's path
         std::vector<std::string> arguments{};             ///< without the program name
         std::optional<Environment> environment{};         ///< complete; absent: ours
         std::optional<std::filesystem::path> directory{}; ///< absent: ours

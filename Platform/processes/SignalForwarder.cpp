@@ -1,8 +1,51 @@
 #include "Platform/processes/SignalForwarder.h"
 
+#include "Platform/processes/ProcessAdoption.h"
+
+#include <cerrno>
 #include <pthread.h>
+#include <set>
+#include <sys/wait.h>
+#include <vector>
 
 namespace quorvel {
+namespace {
+
+// Children that this process adopted must not stay zombies. The process itself is reaped by its
+// owner, who needs its status.
+void reapOthersThan(const Process& process) {
+    while (true) {
+        siginfo_t ended{};
+        if (::waitid(P_ALL, 0, &ended, WEXITED | WNOHANG | WNOWAIT) != 0 || ended.si_pid == 0 ||
+            ended.si_pid == process.identifier()) {
+            return;
+        }
+        (void)::waitpid(ended.si_pid, nullptr, WNOHANG);
+    }
+}
+
+// Returns the children but for the companion, after reaping those that have ended.
+std::vector<pid_t> othersThan(Process* companion) {
+    for (pid_t ended = 1; ended > 0 || (ended < 0 && errno == EINTR);) {
+        ended = ::waitpid(-1, nullptr, WNOHANG);
+    }
+    std::vector<pid_t> children = runningChildren();
+    if (companion != nullptr) {
+        std::erase(children, companion->identifier());
+    }
+    return children;
+}
+
+// Until it is reaped, a child's number cannot belong to another process.
+void sendOnce(int signal, const std::vector<pid_t>& children, std::set<pid_t>& asked) {
+    for (const pid_t child : children) {
+        if (signal != 0 && asked.insert(child).second) {
+            ::kill(child, signal);
+        }
+    }
+}
+
+} // namespace
 
 SignalForwarder::SignalForwarder() {
     // Our parent may have ignored SIGCHLD, which would discard the child's exit status. Without a
@@ -15,15 +58,34 @@ SignalForwarder::SignalForwarder() {
     pthread_sigmask(SIG_BLOCK, &signals_, nullptr);
 }
 
-int SignalForwarder::waitUntilExit(Process& process) const {
+int SignalForwarder::nextSignal() const {
+    int signal = 0;
+    sigwait(&signals_, &signal);
+    return signal == SIGCHLD ? 0 : signal;
+}
+
+int SignalForwarder::waitUntilExit(Process& process, Process* companion) const {
+    int last = 0;
     while (process.isRunning()) {
-        int signal = 0;
-        sigwait(&signals_, &signal);
-        if (signal != SIGCHLD) {
+        if (const int signal = nextSignal(); signal != 0) {
+            last = signal;
             process.sendSignal(signal);
         }
+        reapOthersThan(process);
     }
-    return process.waitUntilExit();
+    const int status = process.waitUntilExit();
+    std::set<pid_t> asked;
+    for (auto left = othersThan(companion); !left.empty(); left = othersThan(companion)) {
+        sendOnce(last, left, asked);
+        if (const int signal = nextSignal(); signal != 0) {
+            last = signal;
+            asked.clear();
+        }
+    }
+    if (companion != nullptr) {
+        companion->terminate();
+    }
+    return status;
 }
 
 } // namespace quorvel

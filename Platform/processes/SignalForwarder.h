@@ -6,18 +6,24 @@
 
 namespace quorvel {
 
-/// Passes requests to end this process on to a child. From its construction on, SIGTERM, SIGINT,
-/// SIGHUP and SIGCHLD are blocked in the calling thread and stay so: none is lost before the child
-/// is started. To be constructed before any other thread is.
+/// Passes requests to end this process on to a child, and to those that it left behind. From its
+/// construction on, SIGTERM, SIGINT, SIGHUP and SIGCHLD are blocked in the calling thread and stay
+/// so: none is lost before the child is started. To be constructed before any other thread is.
 class SignalForwarder {
 public:
     SignalForwarder();
 
-    /// Waits for the process and sends it every signal that arrives meanwhile. Returns its exit
-    /// status, or 128 + N if signal N ended it. Call it in the thread that constructed this.
-    [[nodiscard]] int waitUntilExit(Process& process) const;
+    /// Waits for the process and sends it every signal that arrives meanwhile. Then waits in the
+    /// same way for the other children of this process, those that it adopted: they get the last
+    /// signal too, even if it arrived before. Returns the exit status of `process`, or 128 + N if
+    /// signal N ended it. A companion is a child that only serves the others: it is not waited for,
+    /// but ended after them. Call it in the thread that constructed this.
+    [[nodiscard]] int waitUntilExit(Process& process, Process* companion = nullptr) const;
 
 private:
+    // Waits for a signal that is not about a child.
+    [[nodiscard]] int nextSignal() const;
+
     sigset_t signals_{};
 };
 

@@ -57,5 +57,13 @@ TEST(TerminalTextTest, JsonForTerminalsEscapesUnsafeCharacters) {
     EXPECT_EQ(escapingUnsafe(long_ + "é"), long_ + "é");
 }
 
+TEST(TerminalTextTest, ControlsAndBrokenBytesCanBeLeftOut) {
+    EXPECT_EQ(withoutControls("a\nb\t\u202Ec\u2069\u200F\u061C\u0085d"), "abcd");
+    EXPECT_EQ(withoutControls("é \u200B\u200D 👩‍👧"), "é \u200B\u200D 👩‍👧")
+        << "nothing else";
+    EXPECT_EQ(withoutControls("a\xFF\xC3(b"), "a(b");
+    EXPECT_EQ(withoutControls(""), "");
+}
+
 } // namespace
 } // namespace quorvel

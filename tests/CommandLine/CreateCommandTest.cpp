@@ -1,5 +1,6 @@
 #include "tests/CommandLine/CommandLineHarness.h"
 
+#include "Platform/desktop/MenuEntry.h"
 #include "Platform/files/PropertyListFile.h"
 #include "tests/support/AppBundles.h"
 
@@ -46,6 +47,34 @@ TEST_F(CreateCommandTest, MakesAnAppCloneAndPrintsItsPath) {
     EXPECT_TRUE(fs::exists(wrapper / "Contents/MacOS/runner"));
     EXPECT_EQ(harness.run({"show", "Chat (Work)", "--json"}).json()["config"]["targetAppPath"],
               app.string());
+}
+
+TEST_F(CreateCommandTest, PutsTheCloneIntoTheMenuAndDeletingTakesItOut) {
+    if (!hasMenu()) {
+        GTEST_SKIP() << "this system has no such menu";
+    }
+    EXPECT_EQ(create(commandWords()).status, 0);
+    const auto published = publishedMenuEntries();
+    ASSERT_EQ(published.size(), 1U);
+    EXPECT_EQ(published[0].entry.name, "Work");
+    fs::remove(harness.home / ".local/share/applications" / published[0].fileName);
+    EXPECT_EQ(create({"--kind", "web", "--name", "Other", "--url", "https://example.com"}).status,
+              0);
+    EXPECT_EQ(publishedMenuEntries().size(), 2U) << "the one that was missing is repaired";
+    EXPECT_EQ(harness.run({"delete", "Work", "--yes"}).status, 0);
+    ASSERT_EQ(publishedMenuEntries().size(), 1U);
+    EXPECT_EQ(publishedMenuEntries()[0].entry.name, "Other");
+}
+
+TEST_F(CreateCommandTest, ACloneThatCannotGoIntoTheMenuIsMadeWithAWarning) {
+    if (!hasMenu()) {
+        GTEST_SKIP() << "this system has no such menu";
+    }
+    write(harness.home / ".local/share/applications", "not a folder");
+    const CommandResult result = create(commandWords());
+    EXPECT_EQ(result.status, 0);
+    EXPECT_THAT(result.errors, StartsWith("“Work” was made, but it couldn’t be added to the menu"));
+    EXPECT_TRUE(fs::exists(harness.home / "Applications/Work.app"));
 }
 
 TEST_F(CreateCommandTest, TakesTheEnginesArgumentsByDefault) {

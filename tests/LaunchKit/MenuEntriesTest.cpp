@@ -162,6 +162,22 @@ TEST_F(MenuEntriesTest, ACloneThatOpensDocumentsTakesWhatItsTargetTakes) {
     EXPECT_THAT(browser.categories, ElementsAre("Network", "WebBrowser"));
 }
 
+TEST_F(MenuEntriesTest, TheTargetsActionsAreOfferedAsFarAsTheCloneCanStartThem) {
+    write(target(), targetEntry + "Actions=private;other;broken;\n"
+                                  "[Desktop Action private]\nName=New \u202EPrivate Window\n"
+                                  "Exec=/bin/true --private %u\n"
+                                  "[Desktop Action other]\nName=Settings\nExec=settings\n"
+                                  "[Desktop Action broken]\nName=Broken\nExec=/bin/true \"a\n");
+    const InstanceRecord record = made(reader());
+    publishInMenu(record);
+    EXPECT_EQ(objections(published(record)), "");
+    const DesktopEntry entry = readDesktopEntry(published(record));
+    ASSERT_THAT(entry.actions, SizeIs(1));
+    EXPECT_EQ(entry.actions[0].id, "private");
+    EXPECT_EQ(entry.actions[0].name, "New Private Window");
+    EXPECT_EQ(entry.actions[0].exec, entry.exec + " --action=private");
+}
+
 TEST_F(MenuEntriesTest, AFlatpaksEntryBeginsWithItsId) {
     write(target(), targetEntry + "X-Flatpak=org.example.Reader\n");
     const MenuEntry entry = menuEntryOf(made(reader()));

@@ -18,6 +18,14 @@ TEST(AppTextsTest, SaysWhatACloneWithoutTheBusGivesUp) {
     EXPECT_EQ(environmentCost({{"A", "disabled:"}}), std::nullopt);
 }
 
+TEST(AppTextsTest, SaysWhereTheDockMixesTheWindows) {
+    EXPECT_EQ(groupingNote(WindowGrouping::own), std::nullopt);
+    const std::string onWayland = groupingNote(WindowGrouping::ownOnX11).value_or("");
+    const std::string everywhere = groupingNote(WindowGrouping::shared).value_or("");
+    EXPECT_THAT(onWayland, ::testing::StartsWith("On Wayland, the dock may show"));
+    EXPECT_THAT(everywhere, ::testing::StartsWith("The dock may show"));
+}
+
 TEST(AppTextsTest, SaysHowToInstallASnapTwice) {
     AppBundle app;
     EXPECT_EQ(snapReason(app), std::nullopt);

@@ -1,5 +1,7 @@
 #include "Presentation/CloneFacts.h"
 
+#include "Presentation/AppTexts.h"
+
 #include "LaunchKit/InstanceRecord.h"
 #include "tests/support/AppBundles.h"
 
@@ -140,6 +142,9 @@ TEST(CloneFactsTest, TheReportHasEveryDetailAndMore) {
 
 TEST(CloneFactsTest, TheReportOfACommandNamesItsWorkingDirectory) {
     InstanceRecord clone = cloneOf(ShortcutKind::command);
+    EXPECT_EQ(valueOf(cloneReport(clone, {}), "Windows"), "no such row");
+    EXPECT_EQ(valueOf(cloneReport(clone, {.grouping = WindowGrouping::shared}), "Windows"),
+              groupingNote(WindowGrouping::shared));
     EXPECT_EQ(valueOf(cloneReport(clone, {}), "Working directory"), "no such row");
     clone.config.workingDirectory = "/tmp";
     EXPECT_EQ(valueOf(cloneReport(clone, {}), "Working directory"), "/tmp");

@@ -56,6 +56,16 @@ protected:
         return waitUntil([&] { return numberIn(at("pid")) > 0; });
     }
 
+    // Returns what starts a command in a session of its own, and ends its parent.
+    [[nodiscard]] std::string detached(const std::string& command) const {
+        return "(setsid bash -c 'echo $$ > " + at("child").string() + "; exec " + command +
+               "' </dev/null >/dev/null 2>&1 &)";
+    }
+
+    [[nodiscard]] bool childRuns() const {
+        return waitUntil([&] { return numberIn(at("child")) > 0; });
+    }
+
     // Returns the status of a runner that should end by itself, or -1 if it does not.
     [[nodiscard]] int statusOf(const fs::path& bundle) const {
         Process runner = start(bundle);
@@ -129,14 +139,65 @@ TEST_F(OneTargetTest, ClonesWithDifferentHomesRunSideBySide) {
     }
 }
 
-TEST_F(OneTargetTest, AChildInTheBackgroundStillHoldsTheHome) {
-    const fs::path bundle = wrapper(scripted(
-        "setsid sleep 600 </dev/null >/dev/null 2>&1 & echo $! > " + at("child").string()));
-    EXPECT_EQ(statusOf(bundle), 0);
-    ASSERT_TRUE(waitUntil([&] { return numberIn(at("child")) > 0; }));
+TEST_F(OneTargetTest, AChildInTheBackgroundStillHoldsTheHomeIfTheRunnerIsKilled) {
+    const fs::path bundle = wrapper(scripted(detached("sleep 600")));
+    Process runner = start(bundle);
+    ASSERT_TRUE(childRuns());
+    runner.sendSignal(SIGKILL);
+    runner.waitUntilExit();
     EXPECT_EQ(statusOf(bundle), 75);
     ASSERT_TRUE(ends(numberIn(at("child"))));
+    write(at("Thing.app/Contents/MacOS/Thing"), "#!/bin/sh\n");
     EXPECT_EQ(statusOf(bundle), 0);
+}
+
+// Such as a browser that goes on in another process after a crash.
+TEST_F(OneTargetTest, ARunnerStaysUntilWhatDetachedItselfHasEndedToo) {
+    // It is in a session of its own, its parent ends, and it has closed what it inherited.
+    const fs::path bundle = wrapper(scripted(detached("sleep 600 30>&-") + "; exit 7"));
+    Process runner = start(bundle);
+    ASSERT_TRUE(childRuns());
+    const std::string stat = "/proc/" + std::to_string(numberIn(at("child"))) + "/stat";
+    EXPECT_TRUE(waitUntil([&] {
+        return read(stat).find(" " + std::to_string(runner.identifier()) + " ") !=
+               std::string::npos;
+    })) << "the runner is its parent";
+    EXPECT_TRUE(runner.isRunning());
+    EXPECT_EQ(statusOf(bundle), 75) << "the home is still used";
+    ASSERT_TRUE(ends(numberIn(at("child"))));
+    EXPECT_EQ(runner.waitUntilExit(), 7) << "the target's own status";
+    fs::remove(at("child"));
+}
+
+TEST_F(OneTargetTest, WhatDetachedItselfIsStoppedWithTheTarget) {
+    const fs::path bundle = wrapper(scripted(detached("sleep 600") + "; exec sleep 600"));
+    Process runner = start(bundle);
+    ASSERT_TRUE(childRuns());
+    runner.terminate();
+    EXPECT_EQ(runner.waitUntilExit(), 128 + SIGTERM);
+    EXPECT_FALSE(fs::exists("/proc/" + std::to_string(numberIn(at("child"))) + "/exe"));
+}
+
+TEST_F(OneTargetTest, WhatDetachedItselfIsStoppedAfterTheTarget) {
+    const fs::path bundle = wrapper(scripted(detached("sleep 600")));
+    Process runner = start(bundle);
+    ASSERT_TRUE(childRuns());
+    runner.sendSignal(SIGHUP);
+    EXPECT_EQ(runner.waitUntilExit(), 0);
+    EXPECT_FALSE(fs::exists("/proc/" + std::to_string(numberIn(at("child"))) + "/exe"));
+}
+
+TEST_F(OneTargetTest, WhatDetachedItselfAndEndsLeavesNoZombie) {
+    const fs::path bundle = wrapper(
+        scripted(detached("true") + "; echo $$ > " + at("pid").string() + "; exec sleep 600"));
+    Process runner = start(bundle);
+    ASSERT_TRUE(targetRuns());
+    ASSERT_TRUE(childRuns());
+    EXPECT_TRUE(
+        waitUntil([&] { return !fs::exists("/proc/" + std::to_string(numberIn(at("child")))); }));
+    EXPECT_TRUE(runner.isRunning());
+    runner.terminate();
+    runner.waitUntilExit();
 }
 
 TEST_F(OneTargetTest, AScriptMayRedirectLowNumbersWithoutLosingTheHome) {

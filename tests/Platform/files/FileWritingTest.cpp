@@ -57,6 +57,38 @@ TEST_F(FileWritingTest, ANewFileIsWrittenDirectly) {
     EXPECT_THAT(names(), ::testing::ElementsAre("file"));
 }
 
+TEST_F(FileWritingTest, AWholeFileIsNeverSeenHalf) {
+    for (int step = 0;; ++step) {
+        fs::remove(at("file"));
+        const Kill kill = killedBefore(step, [&] { writeWholeFile(at("file"), "new text"); });
+        if (kill == Kill::notPermitted) {
+            GTEST_SKIP() << "the kernel forbids tracing";
+        }
+        EXPECT_TRUE(!fs::exists(at("file")) || read(at("file")) == "new text") << step;
+        if (kill == Kill::ended) {
+            EXPECT_TRUE(fs::exists(at("file")));
+            break;
+        }
+    }
+    EXPECT_GT(names().size(), 1U) << "interruptions left temporary files";
+    removeUnfinishedFiles(folder_.path());
+    EXPECT_GT(names().size(), 1U) << "which may be another program's";
+    for (const std::string& name : names()) {
+        fs::last_write_time(at(name), fs::file_time_type::clock::now() - std::chrono::minutes(2));
+    }
+    removeUnfinishedFiles(folder_.path());
+    EXPECT_THAT(names(), ::testing::ElementsAre("file"));
+}
+
+TEST_F(FileWritingTest, AWholeFileReplacesALinkItself) {
+    write(at("mine"), "mine");
+    fs::create_symlink(at("mine"), at("link"));
+    writeWholeFile(at("link"), "new");
+    EXPECT_EQ(read(at("mine")), "mine");
+    EXPECT_FALSE(fs::is_symlink(at("link")));
+    EXPECT_THROW(writeWholeFile(at("missing/file"), "x"), PlatformError);
+}
+
 TEST_F(FileWritingTest, TheTargetOfLinksIsReplaced) {
     write(at("below/file"), "old");
     fs::create_symlink("below/file", at("link"));

@@ -1,0 +1,18 @@
+#pragma once
+
+#include "Platform/processes/Process.h"
+
+#include <optional>
+#include <string>
+
+namespace quorvel {
+
+struct InstanceConfig;
+
+/// Starts a program that gives the X11 windows of this process's children the clone's word, if the
+/// clone's application has such windows and can't be told the word itself. It ends when this
+/// process does. Returns `std::nullopt` if none is needed, or none is installed. Never throws.
+[[nodiscard]] std::optional<Process> startWindowNaming(const InstanceConfig& config,
+                                                       const std::string& word);
+
+} // namespace quorvel

@@ -1,0 +1,44 @@
+// quorvel-window-names WORD: gives the X11 windows of its parent's other children, and theirs, the
+// class WORD, for applications that can't be told to. Ends with its parent.
+#include "Platform/desktop/X11Windows_linux.h"
+#include "Platform/processes/ProcessFamily.h"
+
+#include <csignal>
+#include <set>
+#include <sys/prctl.h>
+#include <unistd.h>
+
+namespace quorvel {
+namespace {
+
+void nameWindows(const X11Windows& windows, pid_t parent, const std::string& word) {
+    std::set<pid_t> processes;
+    for (const ProcessIdentity& process : descendantsOf(parent)) {
+        processes.insert(process.pid);
+    }
+    for (const X11Window& window : windows.list()) {
+        // An application may set its own again.
+        if (processes.contains(window.pid) &&
+            (window.instance != word || window.className != word)) {
+            windows.setIdentity(window.id, word);
+        }
+    }
+}
+
+int run(const std::string& word) {
+    constexpr std::chrono::milliseconds longest{5000};
+    const pid_t parent = ::getppid();
+    (void)::prctl(PR_SET_PDEATHSIG, static_cast<unsigned long>(SIGTERM));
+    const auto windows = X11Windows::connect();
+    while (windows && ::getppid() == parent && windows->waitForChanges(longest)) {
+        nameWindows(*windows, parent, word);
+    }
+    return 0;
+}
+
+} // namespace
+} // namespace quorvel
+
+int main(int argc, char** argv) {
+    return argc == 2 ? quorvel::run(argv[1]) : 2;
+}

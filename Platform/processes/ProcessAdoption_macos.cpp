@@ -1,0 +1,11 @@
+#include "Platform/processes/ProcessAdoption.h"
+
+namespace quorvel {
+
+void adoptOrphans() noexcept {}
+
+std::vector<pid_t> runningChildren() {
+    return {};
+}
+
+} // namespace quorvel
