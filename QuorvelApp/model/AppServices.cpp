@@ -1,6 +1,7 @@
 #include "QuorvelApp/model/AppServices.h"
 
 #include "LaunchKit/CloneCreation.h"
+#include "LaunchKit/ShippedProfiles.h"
 #include "ProbeKit/AppProber.h"
 
 #include <QTimer>
@@ -31,6 +32,9 @@ AppServices AppServices::system() {
     services.quitting = std::make_shared<std::atomic<bool>>(false);
     services.scanCatalog = [] { return AppCatalog::scan(); };
     services.readBundle = [](const std::filesystem::path& app) { return AppBundle::read(app); };
+    services.suggestEnvironment = [](const AppBundle& app) {
+        return ShippedProfiles::suggestedEnvironment(app);
+    };
     services.createWrapper = [](const WrapperFactory::Request& request) {
         // The form has warned that a clone of that name is replaced.
         return createClone(WrapperFactory(), request, {.existingClone = true});
