@@ -62,7 +62,8 @@ void addPairs(std::map<std::string, std::string>& to, const std::vector<std::str
     for (const std::string& text : entries) {
         const std::size_t equals = text.find('=');
         if (equals == std::string::npos || equals == 0) {
-            throw UsageError(option + " takes KEY=VALUE, not " + text);
+            std::string message = option;
+            throw UsageError(message.append(" takes KEY=VALUE, not ").append(text));
         }
         to.insert_or_assign(text.substr(0, equals), text.substr(equals + 1));
     }
@@ -144,6 +145,9 @@ void addCreateOptions(CLI::App& create, CreateOptions& options) {
     addIconOptions(create, options);
     addArgumentOptions(create, options);
     addSwitches(create, request);
+    add.text("--links", request.links,
+             "What opens its links: default (the default browser), inside, or another clone",
+             "default|inside|CLONE");
     add.file("--runner", options.runner, "The runner to put into the clone", "FILE");
     create.add_flag("--launch", options.launch, "Open the clone at once");
 }

@@ -2,6 +2,7 @@
 
 #include "Base/TerminalText.h"
 #include "Base/Utf8.h"
+#include "Presentation/AppTexts.h"
 #include "Presentation/StrategyTexts.h"
 #include "Presentation/SystemWords.h"
 
@@ -37,9 +38,9 @@ std::string inWords(LeakBucket bucket) {
     case LeakBucket::captured:
         return "inside the trial's home folder";
     case LeakBucket::dataLeak:
-        return "into your Application Support";
+        return "into your own application data";
     case LeakBucket::prefsLeak:
-        return "into your Preferences";
+        return "into your own settings";
     case LeakBucket::containerLeak:
         return "into its sandbox container";
     case LeakBucket::irrelevant:
@@ -151,6 +152,13 @@ std::string description(const AppProfile& profile, const ProbeResult& result) {
     text += line("Sandboxed", profile.sandboxed ? "yes" : "no");
     for (const std::string& argument : profile.extraArgs) {
         text += line("Argument", terminalText(argument));
+    }
+    const auto environment = profile.environment.value_or(std::map<std::string, std::string>{});
+    for (const auto& [key, value] : environment) {
+        text += line("Variable", terminalText(key + "=" + value));
+    }
+    if (const auto cost = environmentCost(environment)) {
+        text += *cost + "\n";
     }
     text += writes(result);
     text += result.complete

@@ -47,8 +47,11 @@ std::string yesOrNo(bool value, const Translate& translate) {
 // In the map's order: by bytes, which in UTF-8 is by code points.
 std::vector<std::string> environmentLines(const std::map<std::string, std::string>& environment) {
     std::vector<std::string> lines;
+    lines.reserve(environment.size());
     for (const auto& [key, value] : environment) {
-        lines.push_back(key + "=" + value);
+        std::string& line = lines.emplace_back(key);
+        line += '=';
+        line += value;
     }
     return lines;
 }
@@ -93,6 +96,19 @@ std::optional<std::string> textIf(bool condition, std::string text) {
     return condition ? std::optional(std::move(text)) : std::nullopt;
 }
 
+// What opens the links that are clicked in the clone; std::nullopt if that is nothing special.
+std::optional<std::string> linksText(const InstanceConfig& config, bool full,
+                                     const Translate& translate) {
+    const std::string links = config.links.value_or("");
+    if (config.kind != ShortcutKind::app || links.empty() || links == linksDefault) {
+        return std::nullopt;
+    }
+    if (links == linksInside) {
+        return translate("CloneFacts", "this clone");
+    }
+    return full || links.find('/') == std::string::npos ? links : bundleFallbackName(links);
+}
+
 // The single list of facts about a clone. Without a state, only the rows of the details.
 std::vector<Fact> facts(const InstanceRecord& clone, const CloneState* state,
                         const Translate& translate) {
@@ -112,6 +128,9 @@ std::vector<Fact> facts(const InstanceRecord& clone, const CloneState* state,
     for (const CloneSwitch& each : shownSwitches(config.kind, config)) {
         list.addIf(full || each.inDetails, translate(switchContext, each.fact),
                    yesOrNo(each.valueIn(config), translate));
+    }
+    if (const auto links = linksText(config, full, translate)) {
+        list.add(translate("CloneFacts", "Links open in"), *links);
     }
     if (!config.extraArgs.empty()) {
         list.addMonospaced(translate("CloneFacts", "Arguments"), {joined(config.extraArgs, " ")});

@@ -124,6 +124,11 @@ AppProfile detect(const Detection& services) {
     return ProfileGenerator::makeProfile(*bundle, *result, services.osSignature);
 }
 
+struct CreatedWrapper {
+    std::filesystem::path path{};
+    std::optional<std::string> warning{}; ///< for the user
+};
+
 // For a missing item, file managers show its folder or nothing.
 void revealExisting(Workspace& workspace, const std::filesystem::path& bundle) {
     if (!itemOrLinkExists(bundle)) {
@@ -186,6 +191,16 @@ void AppModel::reload() {
     clones_ = services_.registry.list();
     Q_EMIT clonesChanged();
     refreshRunningState();
+}
+
+void AppModel::repairMenu() {
+    services_.tasks->detached(
+        TaskPriority::utility, this,
+        [repair = services_.repairMenu, clones = clones_] {
+            repair(clones);
+            return true;
+        },
+        [](bool) {});
 }
 
 void AppModel::refreshRunningState() {
@@ -293,9 +308,17 @@ QFuture<InstanceRecord> AppModel::createClone(const WrapperFactory::Request& req
                                               bool launchAfter) {
     return services_.tasks->detached(
         TaskPriority::userInitiated, this,
-        [create = services_.createWrapper, request] { return create(request); },
-        [this, request, launchAfter](const std::filesystem::path& wrapper) {
-            return created(wrapper, request, launchAfter);
+        [create = services_.createWrapper, request] {
+            CreatedWrapper made;
+            made.path = create(request, [&](const std::string& text) { made.warning = text; });
+            return made;
+        },
+        [this, request, launchAfter](const CreatedWrapper& made) {
+            InstanceRecord record = created(made.path, request, launchAfter);
+            if (made.warning) {
+                setLastError(made.warning);
+            }
+            return record;
         });
 }
 

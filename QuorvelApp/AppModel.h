@@ -64,6 +64,8 @@ public:
 
     /// Lists the clones again, then refreshes which of them run.
     void reload();
+    /// Repairs the listed clones' entries in the user's menu, in the background.
+    void repairMenu();
     /// Updates which clones are running.
     void refreshRunningState();
 

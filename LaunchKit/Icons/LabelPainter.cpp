@@ -74,7 +74,7 @@ QImage blackLayer(const QImage& stroke, const QImage& shadow) {
             const double opacity = strokeOpacity * above[x] / 255;
             const double dimmed = shadowOpacity * strokeOpacity * below[x] / 255;
             const double both = 1 - (1 - opacity) * (1 - dimmed);
-            line[x] = static_cast<QRgb>(both * 255 + 0.5) << 24U;
+            line[x] = static_cast<QRgb>(std::lround(both * 255)) << 24U;
         }
     }
     return layer;

@@ -47,7 +47,7 @@ bool hasUprightBold(const QString& family) {
 
 // Some systems have the same typeface from several foundries, of which older ones lack kerning.
 QString labelFamily() {
-    const QString named = QStringLiteral("Helvetica");
+    QString named = QStringLiteral("Helvetica");
     if (hasKerning(fontOf(named))) {
         return named;
     }

@@ -80,6 +80,7 @@ void MainWindow::showEvent(QShowEvent* event) {
     QMainWindow::showEvent(event);
     if (!std::exchange(listed_, true)) {
         model_.reload();
+        model_.repairMenu();
     }
 }
 

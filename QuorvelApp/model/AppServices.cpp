@@ -1,6 +1,8 @@
 #include "QuorvelApp/model/AppServices.h"
 
 #include "LaunchKit/CloneCreation.h"
+#include "LaunchKit/InstanceRecord.h"
+#include "LaunchKit/MenuEntries.h"
 #include "LaunchKit/ShippedProfiles.h"
 #include "ProbeKit/AppProber.h"
 
@@ -35,9 +37,13 @@ AppServices AppServices::system() {
     services.suggestEnvironment = [](const AppBundle& app) {
         return ShippedProfiles::suggestedEnvironment(app);
     };
-    services.createWrapper = [](const WrapperFactory::Request& request) {
+    services.createWrapper = [](const WrapperFactory::Request& request,
+                                const WrapperFactory::Warning& warn) {
         // The form has warned that a clone of that name is replaced.
-        return createClone(WrapperFactory(), request, {.existingClone = true});
+        return createClone(WrapperFactory(), request, {.existingClone = true}, warn);
+    };
+    services.repairMenu = [](const std::vector<InstanceRecord>& clones) {
+        (void)quorvel::repairMenu(clones);
     };
     services.probe = [workspace = services.workspace,
                       quitting = services.quitting](const std::filesystem::path& app) {

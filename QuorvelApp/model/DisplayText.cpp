@@ -25,7 +25,7 @@ bool isLineBreak(char32_t scalar) {
 QString beginning(std::string_view text, qsizetype limit) {
     // No unit takes more than three bytes, so a truncated last character is beyond the limit.
     const auto enough = static_cast<std::size_t>(3 * (limit + 2));
-    const QString start = qtText(text.substr(0, enough));
+    QString start = qtText(text.substr(0, enough));
     if (start.size() <= limit) {
         return start;
     }

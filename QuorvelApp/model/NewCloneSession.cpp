@@ -18,7 +18,7 @@ void NewCloneSession::edit(const std::function<void(NewCloneForm&)>& change) {
 }
 
 void NewCloneSession::choose(
-    FilePanels::Panel panel, QObject* window,
+    const FilePanels::Panel& panel, QObject* window,
     const std::function<void(NewCloneForm&, const std::filesystem::path&)>& take) {
     const QPointer<NewCloneSession> self(this);
     const auto chosen = panel(window);

@@ -31,7 +31,7 @@ public:
     void edit(const std::function<void(NewCloneForm&)>& change);
     /// Shows one of the panels over `window` and calls `take` with the answer. The sheet, and this
     /// session with it, may no longer exist when the panel closes.
-    void choose(FilePanels::Panel panel, QObject* window,
+    void choose(const FilePanels::Panel& panel, QObject* window,
                 const std::function<void(NewCloneForm&, const std::filesystem::path&)>& take);
     /// Shows the panel for an icon file over `window` and enters the answer. If it turns out not to
     /// be an icon file, that becomes the model's `lastError`, and the previous icon returns.

@@ -30,8 +30,10 @@ private:
     [[nodiscard]] QWidget* makeArguments();
     [[nodiscard]] QWidget* makeEditor(const QString& name, std::string NewCloneForm::*field);
     void addEnvironmentCost();
+    void addLinks();
     void addMenuBarBoxes();
     void addIsolation();
+    void addForAppsOnly(QWidget* widget);
 
     NewCloneSession& session_;
     QVBoxLayout* column_;

@@ -69,9 +69,8 @@ QList<Sheet*> Sheet::shownSheets() const {
 }
 
 bool Sheet::eventFilter(QObject* watched, QEvent* event) {
-    if (watched == parentWidget() && event->type() == QEvent::Resize) {
-        arrange();
-    } else if (watched == dialog_ && event->type() == QEvent::LayoutRequest) {
+    const bool resized = watched == parentWidget() && event->type() == QEvent::Resize;
+    if (resized || (watched == dialog_ && event->type() == QEvent::LayoutRequest)) {
         arrange();
     } else if (event->type() == QEvent::Shortcut && covers(watched)) {
         return true; // a mnemonic of a button that can't be clicked

@@ -66,6 +66,30 @@ TEST(CreateWordsTest, TheHelpIsInThisSystemsWords) {
     }
 }
 
+TEST(CreateWordsTest, LinksGoToABrowserTheCloneItselfOrAnotherClone) {
+    CommandLineHarness harness;
+    const std::string other = makeWrapper(harness.home / "Applications/Browser.app", "Browser");
+    const auto linksOf = [&](const std::vector<std::string>& more) {
+        std::vector<std::string> arguments{"create", "--kind",         "web",
+                                           "--url",  "https://a.test", "--name",
+                                           "W",      "--runner",       runnerProgram().string(),
+                                           "--json", "--replace"};
+        arguments.insert(arguments.end(), more.begin(), more.end());
+        return harness.run(arguments).json()["config"].value("links", "absent");
+    };
+    EXPECT_EQ(linksOf({}), "absent");
+    EXPECT_EQ(linksOf({"--links", "default"}), "absent");
+    EXPECT_EQ(linksOf({"--links", ""}), "absent");
+    EXPECT_EQ(linksOf({"--links", "inside"}), "inside");
+    EXPECT_EQ(linksOf({"--links", "Browser"}), other);
+    EXPECT_EQ(linksOf({"--links", other}), other);
+    EXPECT_EQ(linksOf({"--links", "app.quorvel.instance.test"}), other);
+    const CommandResult missing = harness.run(
+        {"create", "--kind", "web", "--url", "https://a.test", "--name", "V", "--links", "Nobody"});
+    EXPECT_EQ(missing.status, 1);
+    EXPECT_THAT(missing.errors, HasSubstr("There is no clone named “Nobody”."));
+}
+
 TEST(CreateWordsTest, RefusesUnknownChoicesAndNamesTheKnownOnes) {
     CommandLineHarness harness;
     const auto errorsOf = [&](const std::string& option) {

@@ -129,6 +129,24 @@ TEST_F(DesktopLaunchTest, FlatpakFindsWhatTheUserInstalled) {
                 Not(Contains(Key("FLATPAK_USER_DIR"))));
 }
 
+TEST_F(DesktopLaunchTest, SharedFoldersAreTheUsersOwnWhateverTheirNames) {
+    const ScopedEnvironment settings("XDG_CONFIG_HOME", (home / "settings").string());
+    write(home / "settings/user-dirs.dirs", "XDG_DOCUMENTS_DIR=\"$HOME/Dokumente\"\n");
+    fs::create_directories(home / "Dokumente");
+    fs::create_directories(home / "Documents");
+    InstanceConfig config = clone(apps.addEntry("a", "app"));
+    EXPECT_EQ(run(config), "");
+    EXPECT_EQ(fs::read_symlink(cloneHome() + "/Documents"), home / "Dokumente");
+    EXPECT_THAT(read(cloneHome() + "/.config/user-dirs.dirs"),
+                HasSubstr("XDG_DOCUMENTS_DIR=\"" + (home / "Dokumente").string() + "\"\n"));
+    fs::remove_all(cloneHome());
+    config.shareUserFolders = false;
+    EXPECT_EQ(run(config), "");
+    EXPECT_FALSE(fs::exists(cloneHome() + "/Documents"));
+    EXPECT_THAT(read(cloneHome() + "/.config/user-dirs.dirs"),
+                HasSubstr("XDG_DOCUMENTS_DIR=\"$HOME/Documents\"\n"));
+}
+
 TEST_F(DesktopLaunchTest, TheEntrysFolderIsTheWorkingFolder) {
     fs::create_directory(apps.at("work"));
     const std::string folder = apps.at("work").string();

@@ -394,6 +394,24 @@ TEST_F(AppModelTest, AFailedCreationChangesNothingAndReachesTheCaller) {
     EXPECT_THAT(stubbed.workspace->opened, IsEmpty());
 }
 
+TEST_F(AppModelTest, ACloneThatIsNotInTheMenuIsMadeAllTheSameAndTheUserIsTold) {
+    stubbed.create = [&](const auto& request) { return addClone(request.displayName).bundleURL; };
+    stubbed.creationWarning = "It is not in the menu.";
+    WrapperFactory::Request request;
+    request.displayName = "Work";
+    EXPECT_EQ(resultOf(model().createClone(request, false)).bundleURL, folder / "Work.app");
+    EXPECT_EQ(model().lastError(), "It is not in the menu.");
+}
+
+TEST_F(AppModelTest, RepairsTheMenuForTheListedClonesInTheBackground) {
+    addClone("Home");
+    addClone("Work");
+    model().reload();
+    model().repairMenu();
+    EXPECT_TRUE(eventually([&] { return stubbed.clonesInMenu == 2; }));
+    EXPECT_THAT(stubbed.tasks->priorities, ElementsAre(TaskPriority::utility));
+}
+
 TEST_F(AppModelTest, DeletingRemovesTheWrapperAndListsAgain) {
     addClone("Home");
     const InstanceRecord record = addClone("Work");

@@ -58,6 +58,8 @@ public:
     /// The variables that apps need, by path.
     std::map<std::filesystem::path, std::map<std::string, std::string>> suggested{};
     std::function<std::filesystem::path(const WrapperFactory::Request&)> create{};
+    std::optional<std::string> creationWarning{};
+    std::atomic<int> clonesInMenu = -1; ///< those that the menu was repaired for
     std::function<std::optional<ProbeResult>()> probe{};
     std::vector<std::chrono::milliseconds> delays{};
     std::vector<std::function<void()>> delayed{}; ///< what waits for a delay to pass

@@ -71,7 +71,8 @@ std::string ramp(std::size_t size) {
 
 std::string oldFamily(const QImage& picture, const char* eight, const char* four,
                       const char* bits) {
-    const auto pixels = static_cast<std::size_t>(picture.width() * picture.height());
+    const auto pixels =
+        static_cast<std::size_t>(picture.width()) * static_cast<std::size_t>(picture.height());
     return icnsEntry(eight, ramp(pixels)) + icnsEntry(four, ramp(pixels / 2)) +
            icnsEntry(bits, bitmapOf(picture) + bitMaskOf(picture));
 }

@@ -40,7 +40,8 @@ QLinearGradient downwards(QColor top, QColor bottom) {
 // The soft shadow below icons with a rounded square.
 void drawPlate(QPainter& painter, const QBrush& brush) {
     painter.setBrush(QColor(0, 0, 0, 2));
-    for (double step = 5; step > 0; step -= 0.2) {
+    for (int line = 25; line > 0; --line) {
+        const double step = line * 0.2;
         painter.drawRoundedRect(QRectF(10, 11.5, 80, 80).adjusted(-step, -step, step, step),
                                 18 + step, 18 + step);
     }
@@ -82,7 +83,7 @@ QImage paperIcon(int side) {
         painter.setClipPath(plate);
         painter.fillRect(QRectF(10, 10, 80, 17),
                          downwards(QColor(0xFF, 0xC8, 0x3D), QColor(0xFF, 0xA0, 0x20)));
-        for (double y = 38; y < 88; y += 10) {
+        for (int y = 38; y < 88; y += 10) {
             painter.fillRect(QRectF(10, y, 80, 0.8), QColor(0xC3, 0xCB, 0xD8));
         }
         painter.fillRect(QRectF(24, 27, 0.8, 63), QColor(0xF0, 0x8A, 0x8A));

@@ -188,7 +188,7 @@ TEST_F(LabelTextTest, LabelColorIsWhiteForEveryOtherText) {
           "FF 800", "+-0000", "--0000", "#FF8800\n", "\nFF8800", "ÄÄÄ", "ＦＦ", "12345\xFF"}) {
         EXPECT_EQ(labelColor(text), QColor(Qt::white)) << text;
     }
-    EXPECT_EQ(labelColor(std::string("FF88\0", 6)), QColor(Qt::white));
+    EXPECT_EQ(labelColor(std::string("FF88\0\0", 6)), QColor(Qt::white));
 }
 
 } // namespace

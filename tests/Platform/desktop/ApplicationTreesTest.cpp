@@ -54,11 +54,10 @@ protected:
     // Starts an application that starts another process of its own through a shell elsewhere. Both
     // report that they are running.
     [[nodiscard]] fs::path appWithHelper() const {
-        const fs::path bundle = makeScriptedAppBundle(
+        return makeScriptedAppBundle(
             folder_ / "Thing.app",
             "if [ -z \"$AGAIN\" ]; then AGAIN=1 /bin/sh -c \"'$0'; :\" & fi; echo x >> '" +
                 reports().string() + "'; while :; do sleep 0.05; done");
-        return bundle;
     }
 
     [[nodiscard]] fs::path reports() const { return folder_ / "reports"; }

@@ -78,7 +78,7 @@ protected:
             removeItem(path);
             return "removed";
         } catch (const PlatformError& error) {
-            const std::string text = error.what();
+            std::string text = error.what();
             if (text.find("mounted at " + mounted.string()) == std::string::npos) {
                 return text;
             }

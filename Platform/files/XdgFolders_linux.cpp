@@ -1,4 +1,4 @@
-#include "Platform/desktop/XdgFolders_linux.h"
+#include "Platform/files/XdgFolders_linux.h"
 
 #include "Base/PathText.h"
 #include "Platform/files/UserPaths.h"
@@ -44,13 +44,17 @@ void addFolders(std::vector<fs::path>& folders, const char* variable, std::strin
 
 } // namespace
 
+fs::path xdgConfigHome() {
+    return ownFolder("XDG_CONFIG_HOME", ".config");
+}
+
 fs::path xdgDataHome() {
     return ownFolder("XDG_DATA_HOME", ".local/share");
 }
 
 std::vector<fs::path> xdgDataFolders() {
     std::vector<fs::path> folders{xdgDataHome()};
-    addFolders(folders, "XDG_DATA_DIRS", "/usr/local/share:/usr/share");
+    addFolders(folders, "XDG_DATA_DIRS", defaultXdgDataDirs);
     addOnce(folders, joinAsText(folders.front(), "flatpak/exports/share"));
     addOnce(folders, "/var/lib/flatpak/exports/share");
     addOnce(folders, "/var/lib/snapd/desktop");
@@ -58,7 +62,7 @@ std::vector<fs::path> xdgDataFolders() {
 }
 
 std::vector<fs::path> xdgConfigFolders() {
-    std::vector<fs::path> folders{ownFolder("XDG_CONFIG_HOME", ".config")};
+    std::vector<fs::path> folders{xdgConfigHome()};
     addFolders(folders, "XDG_CONFIG_DIRS", "/etc/xdg");
     return folders;
 }
