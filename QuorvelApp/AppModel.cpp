@@ -7,6 +7,7 @@
 #include "Platform/desktop/ActivationError.h"
 #include "Platform/files/FileSystem.h"
 #include "Platform/files/PlatformError.h"
+#include "Presentation/AppTexts.h"
 #include "Presentation/CloneNaming.h"
 #include "Presentation/MigrationSummary.h"
 #include "ProbeKit/ProfileGenerator.h"
@@ -24,33 +25,63 @@ using namespace std::chrono_literals;
 // It takes a moment for a wrapper to appear among the running applications.
 constexpr auto launchSettleTime = 800ms;
 
-SandboxInfo proposal(const InstalledApp& app, bool sandboxed) {
-    if (!sandboxed) {
+// What is to be known about an app before it is cloned.
+struct AppFacts {
+    bool sandboxed = false;
+    std::optional<std::string> snapReason{};
+    std::map<std::string, std::string> environment{};
+};
+
+SandboxInfo proposal(const InstalledApp& app, const AppFacts& facts) {
+    if (!facts.sandboxed) {
         return {.sandboxed = false,
                 .strategy = Strategy::homeOverride,
                 .reason = sentence(AppModel::tr("“%1” isn’t sandboxed → Home override (A), the "
                                                 "reliable path most apps use."),
-                                   {app.name})};
+                                   {app.name}),
+                .environment = facts.environment};
     }
+    const std::string reason =
+        sentence(AppModel::tr("“%1” is sandboxed. macOS confines it to a shared, "
+                              "protected container that can't be redirected, so two "
+                              "copies would share the same data and account. Quorvel "
+                              "can still make a separate Dock launcher, but it won't "
+                              "isolate the data."),
+                 {app.name});
     return {.sandboxed = true,
             .strategy = Strategy::containerRedirect,
-            .reason = sentence(AppModel::tr("“%1” is sandboxed. macOS confines it to a shared, "
-                                            "protected container that can't be redirected, so two "
-                                            "copies would share the same data and account. Quorvel "
-                                            "can still make a separate Dock launcher, but it won't "
-                                            "isolate the data."),
-                               {app.name})};
+            .reason = facts.snapReason.value_or(reason),
+            .environment = facts.environment};
+}
+
+// Returns a function that answers a question about the app's bundle, for one that can't be read
+// with a default.
+template<typename Question>
+auto aboutBundle(const AppServices& services, const InstalledApp& app, Question question) {
+    using Answer = std::invoke_result_t<Question, const AppBundle&>;
+    return [read = services.readBundle, url = app.url, question = std::move(question)]() -> Answer {
+        try {
+            if (const auto bundle = read(url)) {
+                return question(*bundle);
+            }
+        } catch (const std::exception&) {
+            // Like any app that can't be read.
+        }
+        return {};
+    };
 }
 
 auto sandboxCheck(const AppServices& services, const InstalledApp& app) {
-    return [read = services.readBundle, url = app.url] {
-        try {
-            const auto bundle = read(url);
-            return bundle && bundle->sandboxed;
-        } catch (const std::exception&) {
-            return false; // like any app that can't be read
-        }
-    };
+    return aboutBundle(services, app, [](const AppBundle& bundle) { return bundle.sandboxed; });
+}
+
+auto factsCheck(const AppServices& services, const InstalledApp& app) {
+    return aboutBundle(services, app,
+                       [suggest = services.suggestEnvironment](const AppBundle& bundle) {
+                           return AppFacts{.sandboxed = bundle.sandboxed,
+                                           .snapReason = snapReason(bundle, translated),
+                                           .environment = suggest(bundle)};
+                       });
 }
 
 template<typename Result>
@@ -217,9 +248,8 @@ QFuture<void> AppModel::ensureSandboxStatus(const InstalledApp& app) {
 }
 
 QFuture<SandboxInfo> AppModel::sandboxInfo(const InstalledApp& app) {
-    return services_.tasks->detached(TaskPriority::userInitiated, this,
-                                     sandboxCheck(services_, app),
-                                     [app](bool sandboxed) { return proposal(app, sandboxed); });
+    return services_.tasks->detached(TaskPriority::userInitiated, this, factsCheck(services_, app),
+                                     [app](const AppFacts& facts) { return proposal(app, facts); });
 }
 
 QFuture<AppProfile> AppModel::detectStrategy(const InstalledApp& app) {

@@ -22,7 +22,8 @@ struct InstanceRecord;
 struct SandboxInfo {
     bool sandboxed = false;
     Strategy strategy = Strategy::homeOverride;
-    std::string reason{}; ///< a sentence for the user
+    std::string reason{};                             ///< a sentence for the user
+    std::map<std::string, std::string> environment{}; ///< the variables that the app needs
 };
 
 /// The application's only model: the state that views show, and every action that changes something

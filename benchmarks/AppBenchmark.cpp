@@ -9,7 +9,9 @@
 #include "QuorvelApp/library/Sidebar.h"
 #include "QuorvelApp/newclone/AppPicker.h"
 #include "QuorvelApp/theme/Appearance.h"
+#include "benchmarks/AppMeasuring.h"
 #include "benchmarks/Comparison.h"
+#include "benchmarks/SheetBenchmark.h"
 #include "tests/support/AppBundles.h"
 #include "tests/support/TemporaryHome.h"
 
@@ -55,28 +57,9 @@ double residentMegabytes() {
     return 0;
 }
 
-double median(std::vector<double> values) {
-    std::sort(values.begin(), values.end());
-    return values[values.size() / 2];
-}
-
-void report(const char* what, double value, const char* unit, double goal) {
-    print(
-        {what, value, 0, unit, decimals(value, unit), "<= " + decimals(goal, unit), value <= goal});
-}
-
 void reportRatio(const char* what, double value, double floor, const char* unit, double goal) {
     print({what, value, floor, unit, decimals(value / floor, "x"), "<= " + decimals(goal, "x"),
            value <= goal * floor});
-}
-
-bool waitUntil(const std::function<bool()>& holds) {
-    QElapsedTimer timer;
-    timer.start();
-    while (!holds() && timer.elapsed() < 60000) {
-        QApplication::processEvents(QEventLoop::AllEvents, 5);
-    }
-    return holds();
 }
 
 void makeClones(const fs::path& home, int count) {
@@ -238,31 +221,6 @@ void measureSheet() {
     report("search field with 2,000 apps: slowest key", slowest, "ms", 10);
 }
 
-/// Measures the longest time that the main thread was busy with one event.
-class MeasuringApplication : public QApplication {
-public:
-    using QApplication::QApplication;
-
-    bool notify(QObject* receiver, QEvent* event) override {
-        if (std::exchange(busy_, true)) {
-            return QApplication::notify(receiver, event);
-        }
-        QElapsedTimer timer;
-        timer.start();
-        const bool handled = QApplication::notify(receiver, event);
-        longest_ = std::max(longest_, static_cast<double>(timer.nsecsElapsed()) / 1e6);
-        busy_ = false;
-        return handled;
-    }
-
-    /// In milliseconds, since the last call.
-    double takeLongest() { return std::exchange(longest_, 0); }
-
-private:
-    bool busy_ = false;
-    double longest_ = 0;
-};
-
 void clickButton(QWidget& window, const QString& text) {
     for (QAbstractButton* button : window.findChildren<QAbstractButton*>()) {
         if (button->isVisible() && button->text().remove(u'&') == text) {
@@ -343,7 +301,7 @@ int main(int argc, char** argv) {
         qputenv("QT_QPA_PLATFORM", "offscreen");
     }
     QStandardPaths::setTestModeEnabled(true);
-    quorvel::MeasuringApplication application(argc, argv);
+    quorvel::benchmarks::MeasuringApplication application(argc, argv);
     const QString mode = application.arguments().value(1);
     if (mode == QLatin1String("empty")) {
         return quorvel::showPlain(false);
@@ -357,6 +315,7 @@ int main(int argc, char** argv) {
     quorvel::measureStart();
     const quorvel::Appearance appearance;
     quorvel::measureSheet();
+    quorvel::benchmarks::measureFilledGrid(application);
     quorvel::measureHolds(application);
     return 0;
 }

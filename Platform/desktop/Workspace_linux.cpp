@@ -3,6 +3,7 @@
 #include "Base/BundleLayout.h"
 #include "Base/BundleName.h"
 #include "Platform/desktop/FileManager_linux.h"
+#include "Platform/desktop/MenuEntry.h"
 #include "Platform/desktop/OsRelease_linux.h"
 #include "Platform/desktop/ProcessTable_linux.h"
 #include "Platform/desktop/StartWatch_linux.h"
@@ -70,9 +71,22 @@ bool hasJustStarted(pid_t process) {
                startsWithin;
 }
 
-// Every process of the application whose topmost one this is.
-WindowOwner ownerOf(pid_t topmost) {
-    WindowOwner owner{.processes = {topmost}};
+// Returns the class by which the desktop matches a clone's windows to its menu entry; empty for any
+// other application.
+std::string windowClassOf(const std::filesystem::path& bundle) {
+    std::error_code code;
+    const std::string clone = std::filesystem::canonical(bundle, code).string();
+    for (const PublishedEntry& published : publishedMenuEntries()) {
+        if (!code && published.entry.cloneId == clone) {
+            return published.entry.startupWmClass;
+        }
+    }
+    return {};
+}
+
+// Every process of the application in the bundle, whose topmost one this is.
+WindowOwner ownerOf(pid_t topmost, const std::filesystem::path& bundle) {
+    WindowOwner owner{.processes = {topmost}, .windowClass = windowClassOf(bundle)};
     for (const ProcessIdentity& process : descendantsOf(topmost)) {
         owner.processes.insert(process.pid);
     }
@@ -146,7 +160,7 @@ private:
         });
         activations_.push_back(
             std::async(std::launch::async, [process, bundle, completion = std::move(completion)] {
-                const auto failure = bringToFront(ownerOf(process));
+                const auto failure = bringToFront(ownerOf(process, bundle));
                 completion(failure && !hasJustStarted(process)
                                ? std::optional(activationError(*failure, bundle))
                                : std::nullopt);

@@ -4,6 +4,10 @@
 
 namespace quorvel {
 
+std::filesystem::path iconSource(const InstalledApp& app) {
+    return app.themeIcon.value_or(app.url);
+}
+
 AppGridModel::AppGridModel(const std::map<std::string, bool>& sandboxStatus, QObject* parent)
     : QAbstractListModel(parent),
       status_(sandboxStatus) {}
@@ -51,8 +55,8 @@ QVariant AppGridModel::data(const QModelIndex& index, int role) const {
     switch (role) {
     case Qt::DisplayRole:
         return displayLine(item.name);
-    case PathRole:
-        return QVariant::fromValue(item.url);
+    case IconPathRole:
+        return QVariant::fromValue(iconSource(item));
     case SandboxedRole:
         return isSandboxed(item);
     case Qt::AccessibleDescriptionRole:

@@ -4,6 +4,7 @@
 
 #include <QAbstractListModel>
 
+#include <filesystem>
 #include <map>
 #include <string>
 #include <unordered_map>
@@ -11,14 +12,17 @@
 
 namespace quorvel {
 
+/// Returns what to load the app's icon from: the file that the scan found, or else the app itself.
+[[nodiscard]] std::filesystem::path iconSource(const InstalledApp& app);
+
 /// The apps of the picker as items.
 class AppGridModel : public QAbstractListModel {
     Q_OBJECT
 
 public:
-    /// `PathRole` is the bundle's `std::filesystem::path`. The accessible description is the help
-    /// for sandboxed apps.
-    enum Role { SandboxedRole = Qt::UserRole, PathRole };
+    /// `IconPathRole` is the `iconSource`. The accessible description is the help for sandboxed
+    /// apps.
+    enum Role { SandboxedRole = Qt::UserRole, IconPathRole };
 
     /// `sandboxStatus` is by app path and must outlive the model; a missing app's status is
     /// unknown.

@@ -3,6 +3,7 @@
 #include "LaunchKit/CloneCreation.h"
 #include "LaunchKit/InstanceRecord.h"
 #include "LaunchKit/MenuEntries.h"
+#include "LaunchKit/ShippedProfiles.h"
 #include "ProbeKit/AppProber.h"
 
 #include <QTimer>
@@ -33,6 +34,9 @@ AppServices AppServices::system() {
     services.quitting = std::make_shared<std::atomic<bool>>(false);
     services.scanCatalog = [] { return AppCatalog::scan(); };
     services.readBundle = [](const std::filesystem::path& app) { return AppBundle::read(app); };
+    services.suggestEnvironment = [](const AppBundle& app) {
+        return ShippedProfiles::suggestedEnvironment(app);
+    };
     services.createWrapper = [](const WrapperFactory::Request& request,
                                 const WrapperFactory::Warning& warn) {
         // The form has warned that a clone of that name is replaced.

@@ -14,8 +14,10 @@
 #include <chrono>
 #include <filesystem>
 #include <functional>
+#include <map>
 #include <memory>
 #include <optional>
+#include <string>
 #include <vector>
 
 namespace quorvel {
@@ -34,6 +36,8 @@ struct AppServices {
     std::shared_ptr<BackgroundTasks> tasks{};
     std::function<std::vector<InstalledApp>()> scanCatalog{};
     std::function<std::optional<AppBundle>(const std::filesystem::path&)> readBundle{};
+    /// Returns the variables to propose for a clone of the app.
+    std::function<std::map<std::string, std::string>(const AppBundle&)> suggestEnvironment{};
     /// Returns the new wrapper. Throws what the factory throws, and `InvalidRequest` rather than
     /// replace something that is not a clone.
     std::function<std::filesystem::path(const WrapperFactory::Request&,

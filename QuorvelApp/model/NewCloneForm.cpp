@@ -4,6 +4,7 @@
 #include "Base/Text.h"
 #include "LaunchKit/InstanceRecord.h"
 #include "Platform/desktop/UserLocale.h"
+#include "Presentation/AppTexts.h"
 #include "Presentation/CloneNaming.h"
 #include "Presentation/StrategyTexts.h"
 #include "QuorvelApp/model/QtText.h"
@@ -160,6 +161,19 @@ void NewCloneForm::select(const InstalledApp& app, std::string suggestedName) {
     automaticName.clear();
     strategyReason = sentence(tr("Checking how %1 stores its data…"), {app.name});
     static_cast<AppSettings&>(*this) = AppSettings{};
+}
+
+void NewCloneForm::suggestEnvironment(const std::map<std::string, std::string>& variables) {
+    if (!envText.empty()) {
+        return;
+    }
+    for (const auto& [name, value] : variables) {
+        envText += (envText.empty() ? "" : "\n") + name + "=" + value;
+    }
+}
+
+std::string NewCloneForm::environmentCostText() const {
+    return environmentCost(parseKeyValues(envText), translated).value_or("");
 }
 
 void NewCloneForm::autoNameIfNeeded() {

@@ -80,6 +80,11 @@ public:
 
     /// Makes the app the target, names the clone, and resets all `AppSettings` to their defaults.
     void select(const InstalledApp& app, std::string suggestedName);
+    /// Enters variables that the app needs, unless the user has entered some.
+    void suggestEnvironment(const std::map<std::string, std::string>& variables);
+    /// Returns what the clone gives up for the variables entered, in one sentence; empty if
+    /// nothing.
+    [[nodiscard]] std::string environmentCostText() const;
     /// Names a web or command clone after its target, unless it has a name of its own. If the
     /// target yields no name, removes an earlier automatic one.
     void autoNameIfNeeded();

@@ -75,6 +75,7 @@ void NewCloneSession::select(const InstalledApp& app) {
             form.strategy = info.strategy;
             form.strategyReason = info.reason;
             form.selectedSandboxed = info.sandboxed;
+            form.suggestEnvironment(info.environment);
         });
     });
 }

@@ -46,6 +46,7 @@ AdvancedOptions::AdvancedOptions(NewCloneSession& session, IconLoader& icons)
     addBlock(tr("Environment variables"),
              makeEditor(tr("Environment variables"), &NewCloneForm::envText),
              tr("One KEY=VALUE per line. {{instanceHome}} expands to the data location."));
+    addEnvironmentCost();
     addBlock(tr("Info.plist overrides"),
              makeEditor(tr("Info.plist overrides"), &NewCloneForm::plistText),
              tr("One KEY=VALUE per line, e.g. LSUIElement=true. Merged into the wrapper's "
@@ -145,6 +146,18 @@ QWidget* AdvancedOptions::makeEditor(const QString& name, std::string NewCloneFo
     editor->setAccessibleName(name);
     bindField(session_, editor, field);
     return editor;
+}
+
+void AdvancedOptions::addEnvironmentCost() {
+    auto* cost = makeWrappingLabel({}, TextStyle::caption, Ink::secondary);
+    const auto show = [this, cost] {
+        const QString text = qtText(session_.form().environmentCostText());
+        cost->setText(text);
+        cost->setVisible(!text.isEmpty());
+    };
+    connect(&session_, &NewCloneSession::changed, cost, show);
+    column_->addWidget(cost);
+    show();
 }
 
 void AdvancedOptions::addMenuBarBoxes() {

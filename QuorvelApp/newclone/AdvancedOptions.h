@@ -29,6 +29,7 @@ private:
     [[nodiscard]] QWidget* makeIconLabel();
     [[nodiscard]] QWidget* makeArguments();
     [[nodiscard]] QWidget* makeEditor(const QString& name, std::string NewCloneForm::*field);
+    void addEnvironmentCost();
     void addLinks();
     void addMenuBarBoxes();
     void addIsolation();

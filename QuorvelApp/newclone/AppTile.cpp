@@ -91,7 +91,7 @@ QRect AppTile::badgeRect(const QStyleOptionViewItem& option) {
 void AppTile::paint(QPainter* painter, const QStyleOptionViewItem& option,
                     const QModelIndex& index) const {
     const Colors& colors = colorsFor(option.palette);
-    const auto path = index.data(AppGridModel::PathRole).value<std::filesystem::path>();
+    const auto path = index.data(AppGridModel::IconPathRole).value<std::filesystem::path>();
     painter->save();
     painter->setRenderHint(QPainter::Antialiasing);
     paintGround(painter, option, colors);

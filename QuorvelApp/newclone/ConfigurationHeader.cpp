@@ -1,6 +1,7 @@
 #include "QuorvelApp/newclone/ConfigurationHeader.h"
 
 #include "QuorvelApp/Components.h"
+#include "QuorvelApp/model/AppGridModel.h"
 #include "QuorvelApp/model/DisplayText.h"
 #include "QuorvelApp/widgets/CopyableLabel.h"
 
@@ -67,7 +68,7 @@ void ConfigurationHeader::refresh() {
     icon_->setVisible(isApp);
     symbol_->setVisible(!isApp);
     if (isApp && form.selected) {
-        icon_->setPath(form.selected->url);
+        icon_->setPath(iconSource(*form.selected));
     }
     symbol_->setSymbol(summary.symbol);
     title_->setFullText(summary.title);

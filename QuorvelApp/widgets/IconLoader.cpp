@@ -11,6 +11,9 @@
 #include <QPainter>
 #include <QtMath>
 
+#include <algorithm>
+#include <array>
+
 namespace quorvel {
 namespace {
 
@@ -28,14 +31,19 @@ QString keyFor(const std::filesystem::path& path, int pixels, const QString& var
     return qtText(path) + u'\n' + QString::number(pixels) + variant;
 }
 
+// Whether it is an app, or the icon of one.
+bool isOfApp(const std::filesystem::path& path) {
+    static constexpr std::array endings{".app", ".icns", ".desktop", ".AppImage", ".png", ".svg"};
+    return std::find(endings.begin(), endings.end(), path.extension()) != endings.end();
+}
+
 QString symbolFor(const std::filesystem::path& path) {
-    const bool app = path.extension() == ".app" || path.extension() == ".icns";
-    return app ? u"app"_s : u"doc"_s;
+    return isOfApp(path) ? u"app"_s : u"doc"_s;
 }
 
 // Returns the desktop's icon for a file's type, by its name alone; null if it has none.
 QPixmap typeIcon(const std::filesystem::path& path, int size, double ratio) {
-    if (path.extension() == ".app" || path.extension() == ".icns") {
+    if (isOfApp(path)) {
         return {};
     }
     const auto types = QMimeDatabase().mimeTypesForFileName(qtText(path.filename()));

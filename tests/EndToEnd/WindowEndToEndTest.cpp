@@ -7,6 +7,7 @@
 #include "tests/support/IconArtwork.h"
 #include "tests/support/Waiting.h"
 
+#include <algorithm>
 #include <array>
 #include <csignal>
 #include <gmock/gmock.h>
@@ -267,12 +268,42 @@ TEST_F(WindowEndToEndTest, FocusBringsTheClonesOwnWindowToTheFront) {
         screen->activate(own);
         (void)ui.waitFor(Control::button, "Focus");
     }
-    ui.click(Control::row, "First");
+    ui.click(Control::row, "First, Running");
     ui.click(Control::button, "Focus");
     EXPECT_TRUE(waitUntil([&] { return isInFront("First"); }));
     quorvelctl.environment["DISPLAY"] = currentEnvironment().at("DISPLAY");
     quorvelctl.run({"open", "Second"});
     EXPECT_TRUE(isInFront("Second"));
+}
+
+TEST_F(WindowEndToEndTest, MakesACloneOfAnInstalledApplicationThatTheDesktopLists) {
+    const fs::path share = quorvelctl.home / ".local/share";
+    write(share / "applications/org.example.Viewer.desktop",
+          "[Desktop Entry]\nType=Application\nName=Example Viewer\nIcon=example-viewer\nExec=" +
+              std::string(QUORVEL_X11_WINDOW) + " window Viewer\n");
+    write(share / "icons/hicolor/scalable/apps/example-viewer.svg",
+          R"(<svg xmlns="http://www.w3.org/2000/svg" viewBox="0 0 10 10">)"
+          R"(<rect width="10" height="10" fill="#00c8ff"/></svg>)");
+    open();
+    UiDriver::press("ctrl+n");
+    ui.fill("Search apps", "example v");
+    const Element tile = ui.waitFor(Control::row, "Example Viewer");
+    EXPECT_TRUE(waitUntil([&] { return UiDriver::hasColor(tile, "#00C8FF"); })) << "its icon";
+    ui.click(Control::row, "Example Viewer");
+    EXPECT_TRUE(
+        waitUntil([&] { return ui.waitFor(Control::field, "Name").text == "Example Viewer (2)"; }));
+    ui.fill("Name", "Viewer Work");
+    create();
+    EXPECT_EQ(configuration("Viewer Work")["targetAppPath"],
+              (share / "applications/org.example.Viewer.desktop").string());
+    EXPECT_TRUE(waitUntil([&] {
+        const auto runner = runnerOf(wrapper("Viewer Work"));
+        const auto screen = X11Windows::connect();
+        const auto windows = screen->list();
+        return runner && std::any_of(windows.begin(), windows.end(), [](const X11Window& window) {
+                   return window.className == "Viewer";
+               });
+    }));
 }
 
 TEST_F(WindowEndToEndTest, HasTheIdentityOfItsMenuEntryAndItsIconAlsoFromTheBuildFolder) {
@@ -282,8 +313,8 @@ TEST_F(WindowEndToEndTest, HasTheIdentityOfItsMenuEntryAndItsIconAlsoFromTheBuil
     const std::string entry =
         read(fs::path(QUORVEL_SOURCE_DIR) / "packaging" / "app.quorvel.Quorvel.desktop");
     EXPECT_THAT(entry, HasSubstr("\nStartupWMClass=" + window->className + "\n"));
-    const std::string icon = outputOf(
-        "/usr/bin/xprop", {"-id", std::to_string(window->id), "-len", "100", "_NET_WM_ICON"});
+    const std::string icon =
+        outputOf("/usr/bin/xprop", {"-id", std::to_string(window->id), "_NET_WM_ICON"});
     EXPECT_THAT(icon, HasSubstr("Icon (")) << "the icon in the program";
 }
 

@@ -58,6 +58,11 @@ StubbedModel::StubbedModel(const std::filesystem::path& folder) {
                          .executableName = url.stem().string(),
                          .sandboxed = sandboxed.contains(url.string())};
     };
+    services.suggestEnvironment = [this](const AppBundle& app) {
+        worked();
+        return suggested.contains(app.url) ? suggested.at(app.url)
+                                           : std::map<std::string, std::string>{};
+    };
     services.createWrapper = [this](const WrapperFactory::Request& request,
                                     const WrapperFactory::Warning& warn) {
         worked();

@@ -9,6 +9,7 @@
 #include <atomic>
 #include <chrono>
 #include <functional>
+#include <map>
 #include <mutex>
 #include <string>
 #include <vector>
@@ -54,6 +55,8 @@ public:
     std::set<std::string> unreadable{};
     std::filesystem::path poisoned{}; ///< reading this app throws
     std::atomic<int> bundlesRead = 0;
+    /// The variables that apps need, by path.
+    std::map<std::filesystem::path, std::map<std::string, std::string>> suggested{};
     std::function<std::filesystem::path(const WrapperFactory::Request&)> create{};
     std::optional<std::string> creationWarning{};
     std::atomic<int> clonesInMenu = -1; ///< those that the menu was repaired for

@@ -5,6 +5,7 @@
 #include "LaunchKit/InstanceConfig.h"
 #include "QuorvelApp/app/MainWindow.h"
 #include "QuorvelApp/library/Sidebar.h"
+#include "QuorvelApp/model/SystemTranslator.h"
 #include "QuorvelApp/theme/Appearance.h"
 #include "tests/QuorvelApp/StubServices.h"
 #include "tests/QuorvelApp/WidgetLookup.h"
@@ -282,6 +283,8 @@ int main(int argc, char** argv) {
     if (QFontDatabase::families().contains(QStringLiteral("Inter"))) {
         QApplication::setFont(QFont(QStringLiteral("Inter"), 10));
     }
+    quorvel::SystemTranslator words;
+    QApplication::installTranslator(&words);
     const quorvel::Appearance appearance;
     return quorvel::testing::run(argc, argv);
 }

@@ -1,5 +1,6 @@
 #include "Platform/desktop/WindowActivation_linux.h"
 
+#include "Platform/desktop/MenuEntry.h"
 #include "Platform/desktop/Workspace.h"
 #include "Platform/desktop/X11Windows_linux.h"
 #include "Platform/processes/ProcessFamily.h"
@@ -152,6 +153,22 @@ TEST_P(OpeningAgain, BringsTheWindowOfTheProgramThatTheWrapperStartedToTheFront)
     const fs::path bundle = makeScriptedAppBundle(
         folder_ / "Clone.app",
         std::string(QUORVEL_X11_WINDOW) + " " + (folder_ / "Clone").string() + " Clone & wait");
+    EXPECT_EQ(open(bundle), std::nullopt);
+    ASSERT_TRUE(comesToFront("Clone"));
+    openWindow("Other");
+    EXPECT_EQ(open(bundle), std::nullopt);
+    EXPECT_TRUE(isInFront("Clone"));
+}
+
+TEST_P(OpeningAgain, FindsAWindowWithoutAProcessByTheClassInTheMenuEntryOfTheClone) {
+    const ScopedEnvironment data("XDG_DATA_HOME", (folder_ / "data").string());
+    const fs::path bundle = makeScriptedAppBundle(
+        folder_ / "Clone.app", std::string(QUORVEL_X11_WINDOW) + " " +
+                                   (folder_ / "Clone").string() + " Quorvel-1 anonymous & wait");
+    DesktopEntry entry{.type = "Application", .name = "Clone", .exec = "/bin/true"};
+    entry.startupWmClass = "Quorvel-1";
+    entry.cloneId = fs::canonical(bundle).string();
+    publishMenuEntry({.word = "Quorvel-1", .fileName = "Quorvel-1.desktop", .entry = entry}, {});
     EXPECT_EQ(open(bundle), std::nullopt);
     ASSERT_TRUE(comesToFront("Clone"));
     openWindow("Other");

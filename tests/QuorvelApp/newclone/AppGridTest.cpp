@@ -72,6 +72,30 @@ protected:
     AppGrid* grid = nullptr;
 };
 
+TEST_F(AppGridTest, ShowsTheIconThatTheScanFound) {
+    write(home / "green.svg", R"(<svg xmlns="http://www.w3.org/2000/svg" viewBox="0 0 10 10">)"
+                              R"(<rect width="10" height="10" fill="#00ff00"/></svg>)");
+    stubs.installed.push_back({.url = "/usr/share/applications/a.desktop",
+                               .name = "Ångström",
+                               .bundleId = "a.desktop",
+                               .themeIcon = home / "green.svg"});
+    openGrid();
+    const QRect tile = grid->visualRect(grid->model()->index(0, 0));
+    const QPoint icon(tile.center().x(),
+                      AppTile::tileRect(tile).top() + 10 + AppTile::iconSize / 2);
+    EXPECT_TRUE(eventually([&] {
+        return grid->viewport()->grab().toImage().pixelColor(icon * window->devicePixelRatioF()) ==
+               QColor(Qt::green);
+    }));
+    sheet->session().edit([](NewCloneForm& form) { form.search = "ång"; });
+    EXPECT_EQ(grid->model()->rowCount(), 1);
+    choose(u"Ångström"_s);
+    const auto* header = window->findChild<ConfigurationPane*>()->findChild<AppIcon*>();
+    EXPECT_EQ(header->path(), home / "green.svg");
+    EXPECT_EQ(sheet->session().form().cloneName, "Ångström (2)");
+    EXPECT_EQ(sheet->session().form().makeRequest().targetApp, "/usr/share/applications/a.desktop");
+}
+
 TEST_F(AppGridTest, AClickSelectsWhenTheButtonIsReleased) {
     openGrid();
     press(middleOfTile(u"Notes"_s));

@@ -126,6 +126,30 @@ TEST_F(ConfigurationPaneTest, AdvancedOptionsAreFoldedAwayAndBoundToTheForm) {
     EXPECT_EQ(field(u"Data location"_s)->placeholderText(), u"~/QuorvelInstances/Notes (2)"_s);
 }
 
+TEST_F(ConfigurationPaneTest, TheVariablesThatAnAppNeedsAreShownWithTheirCostAndCanBeChanged) {
+    stubs.suggested = {{"/Applications/Notes.app", {{"DBUS_SESSION_BUS_ADDRESS", "disabled:"}}}};
+    const QString cost =
+        u"Without the session bus, the clone runs beside the original, but shows no "
+        u"notifications and can’t use the desktop’s portals and keyring."_s;
+    NewCloneView& sheet = openSheetWith(u"Notes"_s);
+    button(u"Advanced options"_s)->click();
+    QPlainTextEdit* editor = nullptr;
+    for (auto* found : window->findChildren<QPlainTextEdit*>()) {
+        editor = found->accessibleName() == u"Environment variables"_s ? found : editor;
+    }
+    ASSERT_TRUE(eventually(
+        [&] { return editor->toPlainText() == u"DBUS_SESSION_BUS_ADDRESS=disabled:"_s; }));
+    EXPECT_TRUE(shown(cost));
+    EXPECT_EQ(sheet.session().form().makeRequest().environment,
+              (std::map<std::string, std::string>{{"DBUS_SESSION_BUS_ADDRESS", "disabled:"}}));
+    editor->clear();
+    EXPECT_FALSE(shown(cost));
+    EXPECT_TRUE(sheet.session().form().makeRequest().environment.empty());
+    choose(u"Mail"_s);
+    ASSERT_TRUE(eventually([&] { return stubs.bundlesRead > 1; }));
+    EXPECT_EQ(editor->toPlainText(), QString()) << "of an app that needs none";
+}
+
 TEST_F(ConfigurationPaneTest, TheAdvancedOptionsExplainThemselves) {
     openSheetWith(u"Notes"_s);
     button(u"Advanced options"_s)->click();

@@ -95,6 +95,49 @@ TEST_F(IconLoaderTest, HasThePixelsOfEveryScreenFromTheNearestImage) {
     }
 }
 
+constexpr std::string_view greenDrawing =
+    R"(<svg xmlns="http://www.w3.org/2000/svg" viewBox="0 0 10 10">)"
+    R"(<rect width="10" height="10" fill="#00ff00"/></svg>)";
+
+TEST_F(IconLoaderTest, DrawsThePicturesOfIconThemes) {
+    write(folder / "a.png", pngOf(filled(256, Qt::blue)));
+    write(folder / "a.svg", greenDrawing);
+    for (const double ratio : {1.0, 2.0}) {
+        const QPixmap picture = loaded(folder / "a.png", 48, ratio);
+        EXPECT_EQ(picture.size(), QSize(48, 48) * ratio);
+        EXPECT_EQ(picture.toImage().pixelColor(24, 24), QColor(Qt::blue));
+        const QPixmap drawing = loaded(folder / "a.svg", 48, ratio);
+        EXPECT_EQ(drawing.size(), QSize(48, 48) * ratio);
+        EXPECT_EQ(drawing.toImage().pixelColor(24, 24), QColor(Qt::green));
+    }
+}
+
+// Ten times ten times ten ...
+std::string drawingBomb() {
+    std::string text = R"(<svg xmlns="http://www.w3.org/2000/svg" )"
+                       R"(xmlns:xlink="http://www.w3.org/1999/xlink" viewBox="0 0 10 10"><defs>)"
+                       R"(<rect id="a0" width="10" height="10"/>)";
+    for (int level = 1; level < 12; ++level) {
+        text += "<g id=\"a" + std::to_string(level) + "\">";
+        for (int time = 0; time < 10; ++time) {
+            text += "<use xlink:href=\"#a" + std::to_string(level - 1) + "\"/>";
+        }
+        text += "</g>";
+    }
+    return text + R"(</defs><use xlink:href="#a11"/></svg>)";
+}
+
+TEST_F(IconLoaderTest, ShowsThePlaceholderOfAnAppForAnIconThatIsABombOrBroken) {
+    write(folder / "bomb.svg", drawingBomb());
+    write(folder / "broken.svg", "<svg");
+    write(folder / "bomb.png", pngBomb());
+    ASSERT_EQ(::mkfifo((folder / "pipe.svg").c_str(), 0600), 0);
+    const QImage placeholder = icons.icon(folder / "missing.app", 48, 1).toImage();
+    for (const char* name : {"bomb.svg", "broken.svg", "bomb.png", "pipe.svg"}) {
+        EXPECT_EQ(loaded(folder / name, 48, 1).toImage(), placeholder) << name;
+    }
+}
+
 TEST_F(IconLoaderTest, HasAPlaceholderAtThePixelsOfEveryScreen) {
     for (const double ratio : {1.0, 1.5, 2.0}) {
         const QPixmap icon = icons.icon(folder / "missing.app", 30, ratio);
