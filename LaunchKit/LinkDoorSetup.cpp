@@ -56,7 +56,11 @@ public:
     }
 
     void prepare(const fs::path& door) const {
-        replaceLinkBelow(home_, joinAsText(programs(), "xdg-open"), door);
+        const std::string program = joinAsText(programs(), "xdg-open");
+        std::error_code code;
+        if (fs::read_symlink(program, code) != door) {
+            replaceLinkBelow(home_, program, door);
+        }
         if (const std::string entry = entryText(door); !entry.empty()) {
             replaceIfOther(entry_, entry);
             editLists([](const std::string& list) {
@@ -70,7 +74,9 @@ public:
     }
 
     void writeSession(const LinkSession& session) const {
-        replaceFileBelow(home_, linkSessionFile(home_), session.text());
+        if (readLinkSession(home_) != session) {
+            replaceFileBelow(home_, linkSessionFile(home_), session.text());
+        }
     }
 
     [[nodiscard]] std::string programs() const { return joinAsText(links_, "bin"); }

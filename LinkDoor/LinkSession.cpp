@@ -22,6 +22,9 @@ constexpr char openerMark = '@';
 constexpr std::array<std::string_view, 4> keptVariables{"DESKTOP_STARTUP_ID", "DISPLAY",
                                                         "WAYLAND_DISPLAY", "XDG_ACTIVATION_TOKEN"};
 
+// What a browser can't do without: programs in the clone may change these for themselves.
+constexpr std::array<const char*, 3> essentialVariables{"DBUS_SESSION_BUS_ADDRESS", "HOME", "PATH"};
+
 bool isKept(std::string_view name) {
     return std::find(keptVariables.begin(), keptVariables.end(), name) != keptVariables.end();
 }
@@ -82,6 +85,11 @@ LinkSession LinkSession::between(const Environment& session, const Environment& 
         if (!clone.contains(name)) {
             result.variables[name] = value;
         }
+    }
+    for (const char* name : essentialVariables) {
+        const auto value = session.find(name);
+        result.variables[name] =
+            value == session.end() ? std::nullopt : std::optional(value->second);
     }
     std::erase_if(result.variables, [](const auto& each) { return isOwn(each.first); });
     return result;

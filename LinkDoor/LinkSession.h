@@ -22,8 +22,8 @@ inline constexpr std::string_view ownVariablePrefix = "QUORVEL_";
 
 /// What a clone's session file contains.
 struct LinkSession {
-    /// Of every variable that differs in the clone, the session's value; std::nullopt if it is not
-    /// set in the session.
+    /// Of every variable that differs in the clone, and of those that no browser can do without,
+    /// the session's value; std::nullopt if it is not set in the session.
     std::map<std::string, std::optional<std::string>> variables{};
     /// The program of the clone that opens the links; empty for the default browser.
     std::string opener{};

@@ -32,11 +32,11 @@ std::vector<std::string> filesBelow(const fs::path& folder) {
 TEST(InstalledTest, HasItsFilesWhereADesktopLooksForThem) {
     const TemporaryFolder folder;
     installTo(folder.path());
-    EXPECT_THAT(
-        filesBelow(folder.path()),
-        IsSupersetOf({"bin/quorvelctl", "libexec/quorvel/quorvel-runner",
-                      "share/man/man1/quorvelctl.1", "share/bash-completion/completions/quorvelctl",
-                      "share/zsh/site-functions/_quorvelctl"}));
+    EXPECT_THAT(filesBelow(folder.path()),
+                IsSupersetOf({"bin/quorvelctl", "libexec/quorvel/quorvel-link-door",
+                              "libexec/quorvel/quorvel-runner", "share/man/man1/quorvelctl.1",
+                              "share/bash-completion/completions/quorvelctl",
+                              "share/zsh/site-functions/_quorvelctl"}));
 #ifdef QUORVEL_WITH_APP
     EXPECT_THAT(filesBelow(folder.path()),
                 IsSupersetOf({"bin/quorvel", "share/applications/app.quorvel.Quorvel.desktop",

@@ -33,7 +33,8 @@ std::vector<std::string> UserSession::missingPrograms() {
     return missing;
 }
 
-UserSession::UserSession() : home(folder_ / "home") {
+UserSession::UserSession() {
+    home = folder_ / "home";
     fs::permissions(folder_.path(), fs::perms{0755});
     fs::create_directory(home);
     fs::create_directory(folder_ / "run");

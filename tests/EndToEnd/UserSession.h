@@ -46,7 +46,7 @@ public:
     [[nodiscard]] std::string log() const { return read(folder_ / "log"); }
 
     const std::filesystem::path& folder() const { return folder_.path(); }
-    std::filesystem::path home;
+    std::filesystem::path home{};
     Environment environment{};
 
 private:

@@ -51,6 +51,17 @@ TEST(LinkSessionTest, KeepsTheSessionsValueOfEveryVariableThatDiffers) {
                                          {"XDG_ACTIVATION_TOKEN", std::nullopt}}));
 }
 
+TEST(LinkSessionTest, ProgramsInTheCloneMayChangeWhatTheRunnerLeftAlone) {
+    Environment inside = session;
+    const LinkSession between = LinkSession::between(session, inside);
+    inside["HOME"] = "/elsewhere";
+    inside["PATH"] = "/elsewhere";
+    inside["DBUS_SESSION_BUS_ADDRESS"] = "disabled:";
+    EXPECT_EQ(between.outside(inside), session);
+    EXPECT_THAT(LinkSession::between({}, {}).outside(inside),
+                Not(Contains(Key("DBUS_SESSION_BUS_ADDRESS"))));
+}
+
 TEST(LinkSessionTest, OutsideIsTheSessionExceptForTheClick) {
     Environment expected = session;
     expected["DISPLAY"] = ":1";

@@ -1,0 +1,12 @@
+user_pref('network.proxy.type', 1);
+user_pref('network.proxy.http', '127.0.0.1');
+user_pref('network.proxy.http_port', 40747);
+user_pref('network.proxy.ssl', '127.0.0.1');
+user_pref('network.proxy.ssl_port', 40747);
+user_pref('dom.security.https_first', false);
+user_pref('dom.security.https_first_schemeless', false);
+user_pref('browser.shell.checkDefaultBrowser', false);
+user_pref('browser.aboutwelcome.enabled', false);
+user_pref('datareporting.policy.dataSubmissionEnabled', false);
+user_pref('startup.homepage_welcome_url', '');
+user_pref('browser.sessionstore.resume_from_crash', false);
