@@ -16,7 +16,8 @@ debian_test=(libgtest-dev libgmock-dev chromium firefox-esr xdg-utils libplist-u
   shared-mime-info icnsutils imagemagick inotify-tools xvfb xauth
   xdotool openbox at-spi2-core libatspi2.0-dev fonts-inter
   fonts-dejavu-core fonts-noto-color-emoji fonts-wqy-microhei qt6-image-formats-plugins
-  clang-16 lld-16 llvm-16 libc++-16-dev zsh desktop-file-utils)
+  clang-16 lld-16 llvm-16 libc++-16-dev zsh desktop-file-utils
+  x11-utils libglib2.0-bin dconf-gsettings-backend gedit gnome-calculator)
 # The C library headers for the other processor of Macs.
 case "$(uname -m)" in
   x86_64) debian_test+=(libc6-dev-arm64-cross) ;;
