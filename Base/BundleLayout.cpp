@@ -58,8 +58,8 @@ std::string bundleOfExecutable(std::string_view executable) {
     static const std::string inside = executableOf(".app", "");
     const std::size_t at = executable.rfind(inside);
     const std::size_t name = at + inside.size();
-    if (at == executable.npos || name == executable.size() ||
-        executable.find('/', name) != executable.npos) {
+    if (at == std::string_view::npos || name == executable.size() ||
+        executable.find('/', name) != std::string_view::npos) {
         return {};
     }
     return std::string(executable.substr(0, executable.find('/', at)));

@@ -112,6 +112,17 @@ std::string terminalText(std::string_view text, std::size_t most) {
     return result;
 }
 
+std::string withoutControls(std::string_view text) {
+    std::string result;
+    for (Character next = firstOf(text); !next.bytes.empty(); next = firstOf(text)) {
+        text.remove_prefix(next.bytes.size());
+        if (next.scalar >= 0 && !UnsafeText::isControl(static_cast<char32_t>(next.scalar))) {
+            result += next.bytes;
+        }
+    }
+    return result;
+}
+
 std::string escapingUnsafe(std::string_view json) {
     constexpr unsigned char lastPlain = 0x7E;
     if (std::all_of(json.begin(), json.end(),

@@ -14,6 +14,10 @@ inline constexpr std::size_t longestDisplayed = 4096;
 /// "\n" or "\u{1b}".
 [[nodiscard]] std::string terminalText(std::string_view text, std::size_t most = longestDisplayed);
 
+/// Returns `text` without the characters for which `UnsafeText::isControl` is true and without
+/// bytes that are not UTF-8, for places that show texts as they are.
+[[nodiscard]] std::string withoutControls(std::string_view text);
+
 /// Returns the same JSON with every character that is unsafe for a terminal escaped. Nothing is
 /// truncated.
 [[nodiscard]] std::string escapingUnsafe(std::string_view json);

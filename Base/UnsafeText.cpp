@@ -138,9 +138,13 @@ bool hasVisibleEffect(char32_t before, char32_t scalar, std::u32string_view foll
 
 } // namespace
 
+bool UnsafeText::isControl(char32_t scalar) noexcept {
+    return isIn(controls, scalar);
+}
+
 bool UnsafeText::isUnsafeAfter(char32_t before, char32_t scalar,
                                std::u32string_view following) noexcept {
-    return isIn(controls, scalar) ||
+    return isControl(scalar) ||
            (isIn(invisible, scalar) && !hasVisibleEffect(before, scalar, following));
 }
 

@@ -15,6 +15,10 @@ public:
     /// The number of following characters that are needed to judge one.
     static constexpr std::size_t lookAhead = 6;
 
+    /// Returns whether it is a control character, a line or paragraph separator, a bidirectional
+    /// control character, or no character at all.
+    [[nodiscard]] static bool isControl(char32_t scalar) noexcept;
+
     /// Returns whether the text's next character is unsafe. Takes the characters of one text in
     /// order, each with the `lookAhead` characters that follow it, or fewer at the end.
     [[nodiscard]] bool isUnsafeForDisplay(char32_t scalar, std::u32string_view following) noexcept {

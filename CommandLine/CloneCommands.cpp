@@ -9,8 +9,9 @@
 #include "LaunchKit/CloneCreation.h"
 #include "LaunchKit/InstanceLauncher.h"
 #include "LaunchKit/InstanceRecord.h"
+#include "LaunchKit/MenuEntries.h"
 #include "LaunchKit/ShippedProfiles.h"
-#include "Platform/files/PlatformError.h"
+#include "Platform/desktop/ActivationError.h"
 
 #include <nlohmann/json.hpp>
 
@@ -36,7 +37,10 @@ void openWrapper(const CommandContext& context, const InstanceRecord& record) {
     context.workspace.openApplication(
         record.bundleURL, true,
         [opened](std::optional<PlatformError> error) { opened->set_value(std::move(error)); });
-    if (const auto error = opened->get_future().get()) {
+    const auto error = opened->get_future().get();
+    if (error && isActivationError(*error)) {
+        context.errors << terminalText(error->description()) << "\n"; // but it is open
+    } else if (error) {
         throw *error;
     }
 }
@@ -54,10 +58,12 @@ CommandError withHint(const InvalidRequest& refused, const char* hint) {
 }
 
 // Refusals say which option allows what was asked for.
-fs::path madeClone(const WrapperFactory& factory, const WrapperFactory::Request& request,
-                   const RequestPermissions& permissions) {
+fs::path madeClone(const CommandContext& context, const WrapperFactory& factory,
+                   const WrapperFactory::Request& request, const RequestPermissions& permissions) {
     try {
-        return createClone(factory, request, permissions);
+        return createClone(factory, request, permissions, [&](const std::string& warning) {
+            context.errors << terminalText(warning) << "\n" << std::flush;
+        });
     } catch (const SharedHome& refused) {
         throw withHint(refused, "With --shared-home, it is used anyway.");
     } catch (const CloneExists& refused) {
@@ -80,7 +86,7 @@ fs::path madeCloneAfterQuestion(const CommandContext& context, const WrapperFact
                                 const WrapperFactory::Request& request,
                                 RequestPermissions permissions) {
     try {
-        return madeClone(factory, request, permissions);
+        return madeClone(context, factory, request, permissions);
     } catch (const DamagedClone& refused) {
         if (!context.inputIsTerminal) {
             throw withHint(refused, "With --replace, it is replaced.");
@@ -92,7 +98,24 @@ fs::path madeCloneAfterQuestion(const CommandContext& context, const WrapperFact
         throw CommandError("Nothing was replaced.");
     }
     permissions.damagedClone = true;
-    return madeClone(factory, request, permissions);
+    return madeClone(context, factory, request, permissions);
+}
+
+// Another clone is kept by its path: its name may be taken by a second one later.
+std::optional<std::string> linksChoice(const CommandContext& context,
+                                       const std::optional<std::string>& words) {
+    if (!words || *words == linksDefault) {
+        return std::nullopt;
+    }
+    if (*words == linksInside) {
+        return words;
+    }
+    for (const InstanceRecord& record : context.registry.list()) {
+        if (record.config.bundleId == *words) {
+            return record.bundleURL.string();
+        }
+    }
+    return findClone(context.registry, *words).bundleURL.string();
 }
 
 } // namespace
@@ -142,6 +165,7 @@ void showCommand(const CommandContext& context, const std::string& clone, bool j
 
 void createCommand(const CommandContext& context, const CreateOptions& options, bool json) {
     WrapperFactory::Request request = requestFrom(options);
+    request.links = linksChoice(context, request.links);
     if (options.target) {
         request.targetApp = findApp(*options.target);
     }
@@ -153,6 +177,7 @@ void createCommand(const CommandContext& context, const CreateOptions& options, 
                                {.sharedHome = options.sharedHome,
                                 .existingClone = options.replace,
                                 .damagedClone = options.replace});
+    repairMenu(context.registry.list());
     const std::optional<InstanceRecord> record = context.registry.record(wrapper);
     if (!record) {
         throw CommandError("The clone at " + wrapper.string() + " can’t be read back.");

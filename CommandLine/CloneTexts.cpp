@@ -5,6 +5,7 @@
 #include "LaunchKit/InstanceRecord.h"
 #include "Presentation/AppTexts.h"
 #include "Presentation/JoinedText.h"
+#include "Presentation/SystemWords.h"
 
 #include <nlohmann/json.hpp>
 #include <unicode/uchar.h>
@@ -116,7 +117,7 @@ std::string listing(const std::vector<InstanceRecord>& records,
 }
 
 std::string description(const InstanceRecord& record, const CloneState& state) {
-    return factLines(cloneReport(record, state));
+    return factLines(cloneReport(record, state, inSystemWords));
 }
 
 std::string description(const AppBundle& bundle) {

@@ -4,6 +4,7 @@
 #include "CommandLine/CommandContext.h"
 #include "CommandLine/OptionBinding.h"
 #include "LaunchKit/RequestCheck.h"
+#include "Presentation/SystemWords.h"
 
 #include <CLI/CLI.hpp>
 
@@ -85,7 +86,8 @@ void addTargetOptions(CLI::App& create, CreateOptions& options) {
 void addIconOptions(CLI::App& create, CreateOptions& options) {
     ValueOptions{create}.file("--icon", options.request.customIcon,
                               "An icon file to use instead of the target's", "FILE");
-    create.add_flag("--hide-icon", options.request.hideWrapperIcon, "Show no Dock icon");
+    create.add_flag("--hide-icon", options.request.hideWrapperIcon,
+                    inSystemWords("CreateOptions", "Show no Dock icon"));
     create.add_option("--label", options.label.text, "A short text on the icon")->type_name("TEXT");
     create.add_option("--label-color", options.label.colorHex, "Its color (default: #FFFFFF)")
         ->type_name("HEX");
@@ -109,7 +111,7 @@ void addSwitches(CLI::App& create, CloneOptions& options) {
     for (const CloneSwitch& each : cloneSwitches) {
         create.add_flag_callback(
             each.flag, [&options, &each] { options.*each.member = !each.defaultValue(); },
-            each.help);
+            inSystemWords(switchContext, each.help));
     }
 }
 
@@ -142,6 +144,9 @@ void addCreateOptions(CLI::App& create, CreateOptions& options) {
     addIconOptions(create, options);
     addArgumentOptions(create, options);
     addSwitches(create, request);
+    add.text("--links", request.links,
+             "What opens its links: default (the default browser), inside, or another clone",
+             "default|inside|CLONE");
     add.file("--runner", options.runner, "The runner to put into the clone", "FILE");
     create.add_flag("--launch", options.launch, "Open the clone at once");
 }

@@ -8,9 +8,11 @@
 #include "LaunchKit/DataFolderGuard.h"
 #include "LaunchKit/HomeLock.h"
 #include "LaunchKit/InstanceRecord.h"
+#include "LaunchKit/MenuEntries.h"
 #include "Platform/files/FileRemoval.h"
 #include "Platform/files/FileSystem.h"
 #include "Presentation/DeletionWarning.h"
+#include "Presentation/SystemWords.h"
 
 #include <nlohmann/json.hpp>
 
@@ -26,7 +28,7 @@ std::string runningWarning(const CommandContext& context, const InstanceRecord& 
         !context.workspace.runningApplications().contains(record.config.bundleId)) {
         return {};
     }
-    const DeletionWarning warning = deletionWarning(record.config.displayName);
+    const DeletionWarning warning = deletionWarning(record.config.displayName, inSystemWords);
     return warning.title + ". " + warning.text;
 }
 
@@ -78,6 +80,7 @@ void deleteDamagedClone(const CommandContext& context, const fs::path& wrapper,
             "The configuration of " + wrapper.string() +
                 " can’t be read, so its data folder is not known and stays. Delete the clone?");
     removeWrapper(wrapper);
+    repairMenu(context.registry.list());
     if (json) {
         context.output << document({{"bundleURL", wrapper.string()}, {"deletedData", false}});
     }
@@ -99,6 +102,7 @@ void deleteCommand(const CommandContext& context, const std::string& clone,
         context.errors << terminalText(warning) << "\n" << std::flush;
     }
     const DeletedData data = context.registry.remove(record, options.includingData);
+    repairMenu(context.registry.list());
     if (json) {
         nlohmann::json form{{"bundleURL", record.bundleURL.string()},
                             {"deletedData", deletedDataForm(data)}};

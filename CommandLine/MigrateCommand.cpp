@@ -7,6 +7,7 @@
 #include "LaunchKit/InstanceLauncher.h"
 #include "LaunchKit/InstanceRecord.h"
 #include "Presentation/MigrationSummary.h"
+#include "Presentation/SystemWords.h"
 
 #include <nlohmann/json.hpp>
 
@@ -28,7 +29,7 @@ nlohmann::json jsonForm(const InstanceLauncher::Migration& migration) {
 
 std::string movedLines(const InstanceLauncher::Migration& migration) {
     std::string lines;
-    for (const std::string& part : movedParts(migration)) {
+    for (const std::string& part : movedParts(migration, inSystemWords)) {
         lines += "Moved " + part + "\n";
     }
     return lines;

@@ -2,7 +2,9 @@
 
 #include "Base/TerminalText.h"
 #include "Base/Utf8.h"
+#include "Presentation/AppTexts.h"
 #include "Presentation/StrategyTexts.h"
+#include "Presentation/SystemWords.h"
 
 #include <nlohmann/json.hpp>
 
@@ -36,9 +38,9 @@ std::string inWords(LeakBucket bucket) {
     case LeakBucket::captured:
         return "inside the trial's home folder";
     case LeakBucket::dataLeak:
-        return "into your Application Support";
+        return "into your own application data";
     case LeakBucket::prefsLeak:
-        return "into your Preferences";
+        return "into your own settings";
     case LeakBucket::containerLeak:
         return "into its sandbox container";
     case LeakBucket::irrelevant:
@@ -145,11 +147,18 @@ std::string description(const AppProfile& profile, const ProbeResult& result) {
     std::string text;
     text += line("App", terminalText(profile.displayName + " (" + profile.bundleId + ")"));
     text += line("Recommendation", std::string(rawString(profile.strategy)) + ": " +
-                                       strategyReason(profile.strategy));
+                                       strategyReason(profile.strategy, inSystemWords));
     text += line("A second copy", inWords(profile.singleton));
     text += line("Sandboxed", profile.sandboxed ? "yes" : "no");
     for (const std::string& argument : profile.extraArgs) {
         text += line("Argument", terminalText(argument));
+    }
+    const auto environment = profile.environment.value_or(std::map<std::string, std::string>{});
+    for (const auto& [key, value] : environment) {
+        text += line("Variable", terminalText(key + "=" + value));
+    }
+    if (const auto cost = environmentCost(environment)) {
+        text += *cost + "\n";
     }
     text += writes(result);
     text += result.complete

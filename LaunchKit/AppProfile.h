@@ -58,7 +58,7 @@ struct AppProfile {
     std::vector<std::string> extraArgs{};  ///< may contain "{{instanceHome}}"
     std::vector<std::string> verifiedOn{}; ///< operating-system signatures
     Confidence confidence = Confidence::autoDetected;
-    /// The variables that a clone needs to run beside the original. Shipped profiles have it.
+    /// The variables that a clone needs to run beside the original; absent if it needs none.
     std::optional<std::map<std::string, std::string>> environment{};
 
     bool operator==(const AppProfile&) const = default;

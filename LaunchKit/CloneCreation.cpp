@@ -29,14 +29,15 @@ std::optional<FileLock> lockForCreation(const fs::path& folder) {
 } // namespace
 
 fs::path createClone(const WrapperFactory& factory, const WrapperFactory::Request& request,
-                     const RequestPermissions& permissions) {
+                     const RequestPermissions& permissions, const WrapperFactory::Warning& warn) {
     validateRequest(request, factory.runnerBinary, permissions);
     std::optional<FileLock> lock;
-    return factory.create(request, [&](const fs::path& wrapper) {
+    const auto beforeWriting = [&](const fs::path& wrapper) {
         lock = lockForCreation(wrapper.parent_path());
         // Another creation may have been faster since the request was validated.
         requireReplaceable(wrapper, permissions);
-    });
+    };
+    return factory.create(request, beforeWriting, warn);
 }
 
 } // namespace quorvel

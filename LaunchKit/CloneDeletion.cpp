@@ -2,6 +2,8 @@
 
 #include "LaunchKit/DataFolderGuard.h"
 #include "LaunchKit/InstanceRecord.h"
+#include "LaunchKit/MenuEntries.h"
+#include "LaunchKit/WindowWord.h"
 #include "LaunchKit/WrapperLayout.h"
 #include "Platform/files/FileRemoval.h"
 #include "Platform/files/FileSystem.h"
@@ -132,6 +134,15 @@ void removeRest(const ItemRemoval& wrapper, DeletedData& data) {
     }
 }
 
+// Without its runner, an entry that stays is not shown, and the next repair removes it.
+void withdraw(const std::string& identity) {
+    try {
+        withdrawFromMenu(identity);
+    } catch (const PlatformError&) {
+        return;
+    }
+}
+
 } // namespace
 
 DeletedData deleteClone(const InstanceRegistry& registry, const InstanceRecord& record,
@@ -144,6 +155,7 @@ DeletedData deleteClone(const InstanceRegistry& registry, const InstanceRecord& 
         wrapper->refuseUnchangeable(relativeConfig());
     }
     refuseAnother(registry, record);
+    const std::string identity = cloneIdentity(record.bundleURL);
     DataStep data = includingData ? dataStep(registry, record) : DataStep();
     if (wrapper) {
         throwFailure(wrapper->removeAllBut(relativeConfig()));
@@ -152,6 +164,7 @@ DeletedData deleteClone(const InstanceRegistry& registry, const InstanceRecord& 
     if (wrapper) {
         removeRest(*wrapper, data.data);
     }
+    withdraw(identity);
     return data.data;
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Base/Translatable.h"
 #include "LaunchKit/IconLabel.h"
 #include "LaunchKit/Strategy.h"
 
@@ -38,12 +39,20 @@ struct CloneTarget {
     std::optional<std::string> workingDirectory{};
 };
 
+/// What `CloneOptions::links` may be besides a clone.
+inline constexpr std::string_view linksDefault = "default";
+inline constexpr std::string_view linksInside = "inside";
+
 /// How a clone behaves. A new yes-or-no option is a member here and a row in `cloneSwitches`.
 struct CloneOptions {
     Strategy strategy = Strategy::homeOverride;
     std::map<std::string, std::string> environment{};
     std::map<std::string, std::string> infoPlistOverrides{};
     std::optional<IconLabel> iconLabel{};
+    /// What opens the links that are clicked in the clone: `linksInside` for the clone itself,
+    /// another clone's path or bundle identifier; absent or `linksDefault` for the user's default
+    /// browser.
+    std::optional<std::string> links{};
     bool registerAsBrowser = false;
     bool openWithPassthrough = false;
     bool menuBarIcon = false;
@@ -52,13 +61,16 @@ struct CloneOptions {
     bool shareUserFolders = true;
 };
 
+/// The translations' context of the texts in `cloneSwitches`.
+inline constexpr const char* switchContext = "CloneSwitch";
+
 /// A yes-or-no option of clones, with its names in files, commands and the details of a clone.
 struct CloneSwitch {
     bool CloneOptions::*member;
-    std::string_view key;  ///< in `instance.json`
-    const char* flag;      ///< of `quorvelctl create`; inverts the default
-    const char* help;      ///< the flag's description
-    std::string_view fact; ///< the row that shows it among a clone's facts
+    std::string_view key; ///< in `instance.json`
+    const char* flag;     ///< of `quorvelctl create`; inverts the default
+    const char* help;     ///< the flag's description, to be translated as `switchContext`
+    const char* fact;     ///< the row that shows it among a clone's facts, likewise
     bool appsOnly = false;
     bool inDetails = true; ///< whether the window's details show it too
 
@@ -73,32 +85,33 @@ inline constexpr std::array cloneSwitches{
     CloneSwitch{.member = &CloneOptions::registerAsBrowser,
                 .key = "registerAsBrowser",
                 .flag = "--browser",
-                .help = "Register as a web browser",
-                .fact = "Web browser",
+                .help = translatable("CloneSwitch", "Register as a web browser"),
+                .fact = translatable("CloneSwitch", "Web browser"),
                 .inDetails = false},
     CloneSwitch{.member = &CloneOptions::openWithPassthrough,
                 .key = "openWithPassthrough",
                 .flag = "--open-with",
-                .help = "Open any document with the clone",
-                .fact = "Opens documents",
+                .help = translatable("CloneSwitch", "Open any document with the clone"),
+                .fact = translatable("CloneSwitch", "Opens documents"),
                 .inDetails = false},
     CloneSwitch{.member = &CloneOptions::menuBarIcon,
                 .key = "menuBarIcon",
                 .flag = "--menu-bar-icon",
-                .help = "Show an icon in the menu bar",
-                .fact = "Menu bar icon",
+                .help = translatable("CloneSwitch", "Show an icon in the menu bar"),
+                .fact = translatable("CloneSwitch", "Menu bar icon"),
                 .inDetails = false},
     CloneSwitch{.member = &CloneOptions::menuBarIconTemplate,
                 .key = "menuBarIconTemplate",
                 .flag = "--menu-bar-template",
-                .help = "Draw that icon in one color",
-                .fact = "In one color",
+                .help = translatable("CloneSwitch", "Draw that icon in one color"),
+                .fact = translatable("CloneSwitch", "In one color"),
                 .inDetails = false},
     CloneSwitch{.member = &CloneOptions::shareUserFolders,
                 .key = "shareUserFolders",
                 .flag = "--isolate-folders",
-                .help = "Own Downloads, Documents and Desktop instead of the user's",
-                .fact = "Shares folders",
+                .help = translatable("CloneSwitch",
+                                     "Own Downloads, Documents and Desktop instead of the user's"),
+                .fact = translatable("CloneSwitch", "Shares folders"),
                 .appsOnly = true,
                 .inDetails = false},
 };

@@ -91,7 +91,7 @@ std::optional<std::string> ownerOfHomeAround(const Place& folder) {
 
 } // namespace
 
-DataFolderGuard::DataFolderGuard(const InstanceRegistry& registry, fs::path wrapper)
+DataFolderGuard::DataFolderGuard(const InstanceRegistry& registry, const fs::path& wrapper)
     : wrapper_(withoutTrailingSlashes(wrapper)),
       others_(clonesBeside(registry, wrapper_)) {}
 

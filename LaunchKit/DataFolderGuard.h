@@ -17,7 +17,7 @@ class DataFolderGuard {
 public:
     /// For the clone at `wrapper`, which need not exist yet. The other clones are those that the
     /// registry lists, and those beside the wrapper.
-    DataFolderGuard(const InstanceRegistry& registry, std::filesystem::path wrapper);
+    DataFolderGuard(const InstanceRegistry& registry, const std::filesystem::path& wrapper);
 
     /// Returns why the folder is not the clone's alone, to be read after "The data folder …";
     /// `std::nullopt` if it is. `folder` is compared as an item on disk.

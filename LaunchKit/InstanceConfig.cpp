@@ -50,6 +50,7 @@ struct RecordTable<InstanceConfig> {
             ConfigRow::of<&InstanceConfig::environment>("environment"),
             ConfigRow::of<&InstanceConfig::infoPlistOverrides>("infoPlistOverrides"),
             ConfigRow::of<&InstanceConfig::iconLabel>("iconLabel"),
+            ConfigRow::of<&InstanceConfig::links>("links"),
             ConfigRow::of<&InstanceConfig::url>("url"),
             ConfigRow::of<&InstanceConfig::openPath>("openPath"),
             ConfigRow::of<&InstanceConfig::commandPath>("commandPath"),

@@ -2,6 +2,7 @@
 
 #include "Base/PathText.h"
 #include "LaunchKit/InstanceConfig.h"
+#include "LaunchKit/LinkDoorSetup.h"
 #include "Platform/files/ContainedFolder.h"
 #include "Platform/files/FileHandle.h"
 #include "Platform/files/FileSystem.h"
@@ -131,7 +132,7 @@ Process InstanceLauncher::launch(const InstanceConfig& config,
         if (config.shareUserFolders) {
             ensureSharedUserFolders(home);
         }
-        CloneOptions options = config;
+        auto options = static_cast<const CloneOptions&>(config);
         options.environment = config.resolvedEnvironment();
         return launch(config.targetAppURL(), home, options, config.resolvedArgs(), documents, kept);
     }
@@ -174,6 +175,7 @@ Process InstanceLauncher::launch(const AppBundle& app, const std::string& home,
     }
     ensureKeychainAccess(home);
     process.environment = environmentFor(app, home, options);
+    setUpLinks(app, home, options, currentEnvironment(), *process.environment);
     ensureProfileFolders(home, extraArgs);
     return Process::run(process);
 }
@@ -184,6 +186,7 @@ Process InstanceLauncher::launch(const AppBundle& app, const std::string& home, 
     CloneOptions options;
     options.strategy = strategy;
     options.shareUserFolders = false;
+    options.links = linksInside; // a trial run must not open anything for the user
     options.environment = environment;
     return launch(app, home, options, extraArgs);
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Base/CloneLayout.h"
 #include "Base/Error.h"
 #include "LaunchKit/AppBundle.h"
 #include "LaunchKit/CloneOptions.h"
@@ -87,8 +88,5 @@ public:
     /// opened.
     [[nodiscard]] static std::optional<FileHandle> instanceLogHandle(const std::string& home);
 };
-
-/// The name of the clone's log in its home.
-inline constexpr std::string_view instanceLogName = "quorvel-instance.log";
 
 } // namespace quorvel

@@ -5,6 +5,7 @@
 #include "Platform/files/FileSystem.h"
 #include "Platform/files/ItemMover.h"
 #include "Platform/files/PlatformError.h"
+#include "Platform/files/UserFolders.h"
 #include "Platform/files/UserPaths.h"
 
 namespace quorvel {
@@ -151,7 +152,7 @@ void SharedUserFolders::linkIfSafe(const std::string& link, const std::string& t
 void SharedUserFolders::ensureSharedUserFolders(const std::string& home) {
     const std::string realHome = UserPaths::home();
     for (const std::string_view name : sharedUserFolders) {
-        linkIfSafe(joinAsText(home, name), joinAsText(realHome, name));
+        linkIfSafe(joinAsText(home, name), userFolder(name, realHome));
     }
 }
 
@@ -175,7 +176,7 @@ SharedUserFolders::migrateSharedUserFolders(const std::string& home, const std::
     ItemMover mover;
     for (const std::string_view name : sharedUserFolders) {
         const std::string source = joinAsText(home, name);
-        const std::string destination = joinAsText(realHome, name);
+        const std::string destination = userFolder(name, realHome);
         // The user's own folder can't be moved into itself.
         if (isSymbolicLink(source) || isSameItem(source, destination)) {
             continue;

@@ -2,7 +2,9 @@
 
 #include "Base/PathText.h"
 #include "Base/Text.h"
-#include "LaunchKit/InstanceConfig.h"
+#include "LaunchKit/AppIcon.h"
+#include "LaunchKit/InstanceRecord.h"
+#include "LaunchKit/MenuEntries.h"
 #include "LaunchKit/RunnerLocator.h"
 #include "LaunchKit/WrapperGenerator.h"
 #include "LaunchKit/WrapperLayout.h"
@@ -41,6 +43,28 @@ InstanceConfig configuration(const WrapperFactory::Request& request, const std::
     return config;
 }
 
+// Returns the drawing that shows the same as the clone's icon, if there is one.
+std::optional<fs::path> drawingFor(const WrapperFactory::Request& request) {
+    if (request.kind != ShortcutKind::app || request.iconLabel || request.customIcon) {
+        return std::nullopt;
+    }
+    auto icon = appIconFile(*request.targetApp);
+    return icon && icon->extension() == ".svg" ? icon : std::nullopt;
+}
+
+// A clone that is not in the menu is a clone all the same.
+void publish(const WrapperFactory::Request& request, const InstanceRecord& record,
+             const WrapperFactory::Warning& warn) {
+    try {
+        publishInMenu(record, drawingFor(request));
+    } catch (const std::exception& error) {
+        if (warn) {
+            warn("“" + record.config.displayName +
+                 "” was made, but it couldn’t be added to the menu: " + error.what());
+        }
+    }
+}
+
 std::string nameOf(const WrapperFactory::Request& request) {
     return Text::trimmingWhitespaceAndNewlines(request.displayName);
 }
@@ -75,7 +99,8 @@ fs::path WrapperFactory::wrapperURL(const Request& request) {
     return quorvel::wrapperPath(folderOf(request), nameOf(request));
 }
 
-fs::path WrapperFactory::create(const Request& request, const BeforeWriting& beforeWriting) const {
+fs::path WrapperFactory::create(const Request& request, const BeforeWriting& beforeWriting,
+                                const Warning& warn) const {
     const std::string name = nameOf(request);
     if (name.empty()) {
         throw FactoryError::emptyName();
@@ -88,7 +113,9 @@ fs::path WrapperFactory::create(const Request& request, const BeforeWriting& bef
     const WrapperGenerator::Options options{configuration(request, name), *runner,
                                             request.customIcon, request.hideWrapperIcon,
                                             beforeWriting};
-    return WrapperGenerator().generate(folderOf(request), options);
+    const fs::path wrapper = WrapperGenerator().generate(folderOf(request), options);
+    publish(request, {wrapper, options.config}, warn);
+    return wrapper;
 }
 
 AppEngine WrapperFactory::detectEngine(const fs::path& app,

@@ -78,11 +78,16 @@ public:
     /// Called with the wrapper's path before anything is changed.
     using BeforeWriting = std::function<void(const std::filesystem::path& wrapper)>;
 
-    /// Makes the clone, replacing one of the same name, and returns the wrapper's path. Throws
-    /// `FactoryError`, `PlatformError` if the target has an obstacle, or what
-    /// `WrapperGenerator::generate` or `beforeWriting` throws.
+    /// Takes a sentence for the user about what went wrong although the clone was made.
+    using Warning = std::function<void(const std::string& sentence)>;
+
+    /// Makes the clone, replacing one of the same name, publishes it in the user's menu, and
+    /// returns the wrapper's path. Throws `FactoryError`, `PlatformError` if the target has an
+    /// obstacle, or what `WrapperGenerator::generate` or `beforeWriting` throws. If the clone can't
+    /// be published, `warn` is called.
     [[nodiscard]] std::filesystem::path create(const Request& request,
-                                               const BeforeWriting& beforeWriting = {}) const;
+                                               const BeforeWriting& beforeWriting = {},
+                                               const Warning& warn = {}) const;
 
     /// Returns the engine that the bundle is built on. Reads the bundle's own identifier
     /// if `bundleId` is absent. Returns `other` for an unreadable bundle.

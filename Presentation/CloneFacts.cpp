@@ -93,6 +93,19 @@ std::optional<std::string> textIf(bool condition, std::string text) {
     return condition ? std::optional(std::move(text)) : std::nullopt;
 }
 
+// What opens the links that are clicked in the clone; std::nullopt if that is nothing special.
+std::optional<std::string> linksText(const InstanceConfig& config, bool full,
+                                     const Translate& translate) {
+    const std::string links = config.links.value_or("");
+    if (config.kind != ShortcutKind::app || links.empty() || links == linksDefault) {
+        return std::nullopt;
+    }
+    if (links == linksInside) {
+        return translate("CloneFacts", "this clone");
+    }
+    return full || links.find('/') == std::string::npos ? links : bundleFallbackName(links);
+}
+
 // The single list of facts about a clone. Without a state, only the rows of the details.
 std::vector<Fact> facts(const InstanceRecord& clone, const CloneState* state,
                         const Translate& translate) {
@@ -110,8 +123,11 @@ std::vector<Fact> facts(const InstanceRecord& clone, const CloneState* state,
                  strategyLabel(rawString(config.strategy), translate));
     }
     for (const CloneSwitch& each : shownSwitches(config.kind, config)) {
-        list.addIf(full || each.inDetails, translate("CloneFacts", each.fact.data()),
+        list.addIf(full || each.inDetails, translate(switchContext, each.fact),
                    yesOrNo(each.valueIn(config), translate));
+    }
+    if (const auto links = linksText(config, full, translate)) {
+        list.add(translate("CloneFacts", "Links open in"), *links);
     }
     if (!config.extraArgs.empty()) {
         list.addMonospaced(translate("CloneFacts", "Arguments"), {joined(config.extraArgs, " ")});

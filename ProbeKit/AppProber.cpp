@@ -2,11 +2,10 @@
 
 #include "Base/PathText.h"
 #include "Base/RandomUuid.h"
-#include "Base/Text.h"
 #include "LaunchKit/AppEngine.h"
-#include "Platform/desktop/UserLocale.h"
 #include "Platform/files/FileSystem.h"
 #include "Platform/files/UserPaths.h"
+#include "ProbeKit/CopyTrial.h"
 #include "ProbeKit/FSEventProbe.h"
 
 #include <algorithm>
@@ -19,18 +18,6 @@ using Seconds = AppProber::Seconds;
 
 // Short enough that cancelling feels immediate.
 constexpr Seconds slice{0.05};
-
-// Apps name their folders after the last component of their identifier, "Notes" for
-// "com.example.Notes".
-std::string_view lastComponent(std::string_view bundleId) {
-    const std::size_t end = bundleId.find_last_not_of('.');
-    if (end == bundleId.npos) {
-        return bundleId;
-    }
-    const std::string_view trimmed = bundleId.substr(0, end + 1);
-    const std::size_t dot = trimmed.rfind('.');
-    return dot == trimmed.npos ? trimmed : trimmed.substr(dot + 1);
-}
 
 // Waits during a probe, reports its progress and notices when it is cancelled.
 class Waiter {
@@ -81,6 +68,15 @@ void terminateAll(std::vector<TrialProcess>& trials,
     trials.clear();
 }
 
+void abandon(std::vector<TrialProcess>& trials, const AppProber::Options& options) {
+    if (options.release) {
+        terminateAll(trials, options.release);
+    } else {
+        // The caller may quit now, which a background thread would not survive.
+        terminateAndWait(std::exchange(trials, {}), AppProber::grace);
+    }
+}
+
 } // namespace
 
 std::optional<AppProber> AppProber::forApp(const std::filesystem::path& appURL) {
@@ -98,9 +94,10 @@ std::optional<AppProber> AppProber::forApp(const std::filesystem::path& appURL,
 
 AppProber::AppProber(AppBundle bundle, Dependencies dependencies)
     : bundle_(std::move(bundle)),
-      realLibrary_(withoutTrailingSlashes(dependencies.realLibrary
-                                              ? *dependencies.realLibrary
-                                              : UserPaths::expandTilde("~/Library"))),
+      rules_(bundle_,
+             withoutTrailingSlashes(dependencies.realLibrary ? *dependencies.realLibrary
+                                                             : UserPaths::expandTilde("~/Library")),
+             dataPlaces(UserPaths::home(), currentEnvironment())),
       temporary_(dependencies.temporary.value_or(UserPaths::temporaryFolder())),
       workspace_(dependencies.workspace ? std::move(dependencies.workspace)
                                         : makeSystemWorkspace()),
@@ -114,27 +111,22 @@ ProbeResult AppProber::run() const {
 ProbeResult AppProber::run(const Options& options) const {
     const std::string homeA = makeTempHome();
     const std::string homeB = makeTempHome();
-    FSEventProbe recorder({homeA, realLibrary_});
+    FSEventProbe recorder(rules_.watchedFolders(homeA), [this, homeA](const std::string& folder) {
+        return rules_.isOfInterest(folder, homeA);
+    });
     recorder.start();
 
-    Waiter waiter(options, sleep_, options.settleA + options.settleB);
     std::vector<TrialProcess> launched;
     ProbeResult result;
-    launched.push_back(launch(homeA));
     try {
-        waiter.wait(options.settleA);
-        launched.push_back(launch(homeB));
-        waiter.wait(options.settleB);
-        result.singleton = classifySingleton(launched.back().process);
+        launchCopies({homeA, homeB}, options, launched, result);
     } catch (const ProbeCancelled&) {
-        if (options.release) {
-            terminateAll(launched, options.release);
-        } else {
-            // The caller may quit now, which a background thread would not survive.
-            terminateAndWait(std::move(launched), grace);
-        }
+        abandon(launched, options);
         throw;
     } catch (...) {
+        if (bundle_.desktop) {
+            abandon(launched, options);
+        }
         for (TrialProcess& trial : launched) {
             trial.process.detach();
         }
@@ -147,9 +139,37 @@ ProbeResult AppProber::run(const Options& options) const {
     return result;
 }
 
-TrialProcess AppProber::launch(const std::string& home) const {
+void AppProber::launchCopies(const Homes& homes, const Options& options,
+                             std::vector<TrialProcess>& launched, ProbeResult& result) const {
+    Waiter waiter(options, sleep_, options.settleA + options.settleB);
+    if (!bundle_.desktop) {
+        launched.push_back(launch(homes.first, {}));
+        waiter.wait(options.settleA);
+        launched.push_back(launch(homes.second, {}));
+        waiter.wait(options.settleB);
+        result.singleton = classifySingleton(launched.back().process);
+        return;
+    }
+    CopyTrial::Steps steps;
+    steps.launch = [this](const std::string& home, const CopyTrial::Variables& variables) {
+        return launch(home, variables);
+    };
+    steps.wait = [&waiter](Seconds time) { waiter.wait(time); };
+    steps.homeA = homes.first;
+    steps.homeB = homes.second;
+    steps.settleA = options.settleA;
+    steps.settleB = options.settleB;
+    steps.patience = options.settleA;
+    CopyTrial trial(bundle_, std::move(steps), launched);
+    trial.run();
+    result.singleton = trial.singleton();
+    result.environment = trial.environment();
+}
+
+TrialProcess AppProber::launch(const std::string& home,
+                               const std::map<std::string, std::string>& environment) const {
     return {launcher_.launch(bundle_, home, Strategy::homeOverride, electronArgs(bundle_.url, home),
-                             {}),
+                             environment),
             home};
 }
 
@@ -164,35 +184,9 @@ LeakBuckets AppProber::classify(const std::vector<WriteEvent>& events,
                                 const std::string& fakeHome) const {
     LeakBuckets buckets;
     for (const WriteEvent& event : events) {
-        buckets[bucketOf(event.path, fakeHome)].push_back(event.path);
+        buckets[rules_.bucketOf(event.path, fakeHome)].push_back(event.path);
     }
     return buckets;
-}
-
-LeakBucket AppProber::bucketOf(const std::string& path, const std::string& fakeHome) const {
-    const auto below = [&](std::string_view folder) {
-        return path.starts_with(realLibrary_) &&
-               std::string_view(path).substr(realLibrary_.size()).starts_with(folder);
-    };
-    if (path.starts_with(fakeHome)) {
-        return LeakBucket::captured;
-    }
-    if (below("/Containers/" + bundle_.bundleId)) {
-        return LeakBucket::containerLeak;
-    }
-    if (below("/Preferences") && pathMentions(path)) {
-        return LeakBucket::prefsLeak;
-    }
-    if (below("/Application Support") && pathMentions(path)) {
-        return LeakBucket::dataLeak;
-    }
-    return LeakBucket::irrelevant;
-}
-
-bool AppProber::pathMentions(std::string_view path) const {
-    const std::string locale = UserLocale::forCase();
-    return Text::containsIgnoringCase(path, lastComponent(bundle_.bundleId), locale) ||
-           Text::containsIgnoringCase(path, bundle_.bundleId, locale);
 }
 
 SingletonTier AppProber::classifySingleton(Process& procB) const {
@@ -201,10 +195,7 @@ SingletonTier AppProber::classifySingleton(Process& procB) const {
     }
     const std::size_t running =
         workspace_->runningApplications().withBundleIdentifier(bundle_.bundleId).size();
-    if (procB.isRunning()) {
-        return running < 2 ? SingletonTier::lockFile : SingletonTier::none;
-    }
-    return running < 1 ? SingletonTier::unknown : SingletonTier::machPort;
+    return singletonTier(procB.isRunning(), running);
 }
 
 Strategy AppProber::resolveStrategy(const ProbeResult& result) {
@@ -214,8 +205,9 @@ Strategy AppProber::resolveStrategy(const ProbeResult& result) {
     if (result.count(LeakBucket::dataLeak) > 0) {
         return Strategy::containerRedirect;
     }
-    return result.singleton == SingletonTier::machPort ? Strategy::unsupported
-                                                       : Strategy::homeOverride;
+    return result.singleton == SingletonTier::machPort && result.environment.empty()
+               ? Strategy::unsupported
+               : Strategy::homeOverride;
 }
 
 } // namespace quorvel

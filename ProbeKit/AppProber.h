@@ -5,16 +5,18 @@
 #include "LaunchKit/InstanceLauncher.h"
 #include "Platform/desktop/Workspace.h"
 #include "Platform/processes/ProcessShutdown.h"
+#include "ProbeKit/LeakRules.h"
 #include "ProbeKit/Models.h"
 
 #include <atomic>
 #include <chrono>
 #include <filesystem>
 #include <functional>
+#include <map>
 #include <memory>
 #include <optional>
 #include <string>
-#include <string_view>
+#include <utility>
 #include <vector>
 
 namespace quorvel {
@@ -29,7 +31,8 @@ public:
 };
 
 /// Finds out by experiment where an app writes and whether it allows a second instance: launches it
-/// twice, each time with a temporary home (which is not removed), and records the writes.
+/// twice, each time with a temporary home (which is not removed), and records the writes. Writes of
+/// other programs are told apart by their paths.
 class AppProber {
 public:
     using Seconds = std::chrono::duration<double>;
@@ -67,12 +70,14 @@ public:
                                                          Dependencies dependencies);
 
     [[nodiscard]] const AppBundle& bundle() const { return bundle_; }
-    [[nodiscard]] const std::string& realLibrary() const { return realLibrary_; }
+    [[nodiscard]] const std::string& realLibrary() const { return rules_.realLibrary(); }
 
-    /// Runs the probe and returns its result. Blocks for `settleA + settleB` and the launches.
-    /// Throws `PlatformError` or `InstanceLauncher::LaunchError` if a throw-away home can't be made
-    /// or a launch fails (a first process that was launched keeps running), and `ProbeCancelled`,
-    /// with both processes asked to end, within a twentieth of a second of the request.
+    /// Runs the probe and returns its result. Blocks for `settleA + settleB` and the launches; for
+    /// an application that is not a bundle, longer if it takes longer to start, and for another
+    /// start if the second copy handed over to the first (see `CopyTrial`). Throws `PlatformError`
+    /// or `InstanceLauncher::LaunchError` if a throw-away home can't be made or a launch fails (a
+    /// bundle's first process that was launched keeps running), and `ProbeCancelled`, with both
+    /// processes asked to end, within a twentieth of a second of the request.
     [[nodiscard]] ProbeResult run() const;
     [[nodiscard]] ProbeResult run(const Options& options) const;
 
@@ -87,18 +92,22 @@ public:
     /// Returns how the app reacted to the launch of its second instance, `procB`.
     [[nodiscard]] SingletonTier classifySingleton(Process& procB) const;
 
-    /// Returns the strategy to recommend, from the result's buckets and singleton tier alone.
+    /// Returns the strategy to recommend, from the result's buckets, singleton tier and environment
+    /// alone.
     [[nodiscard]] static Strategy resolveStrategy(const ProbeResult& result);
 
 private:
     AppProber(AppBundle bundle, Dependencies dependencies);
 
-    [[nodiscard]] bool pathMentions(std::string_view path) const;
-    [[nodiscard]] TrialProcess launch(const std::string& home) const;
-    [[nodiscard]] LeakBucket bucketOf(const std::string& path, const std::string& fakeHome) const;
+    using Homes = std::pair<std::string, std::string>;
+
+    void launchCopies(const Homes& homes, const Options& options,
+                      std::vector<TrialProcess>& launched, ProbeResult& result) const;
+    [[nodiscard]] TrialProcess launch(const std::string& home,
+                                      const std::map<std::string, std::string>& environment) const;
 
     AppBundle bundle_;
-    std::string realLibrary_;
+    LeakRules rules_;
     std::filesystem::path temporary_;
     std::shared_ptr<Workspace> workspace_;
     std::function<void(Seconds)> sleep_;

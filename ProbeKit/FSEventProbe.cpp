@@ -19,6 +19,7 @@ WriteEvent writeEvent(std::string path, std::uint32_t flags) {
 FSEventStream::Options FSEventProbe::streamOptions() const {
     FSEventStream::Options options;
     options.paths = pathsToWatch_;
+    options.isOfInterest = isOfInterest_;
     options.latency = std::chrono::milliseconds(100);
     options.queueLabel = "app.quorvel.fsprobe";
     return options;

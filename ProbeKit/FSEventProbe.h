@@ -14,7 +14,12 @@ namespace quorvel {
 /// event stream it records nothing and is not complete.
 class FSEventProbe {
 public:
-    explicit FSEventProbe(std::vector<std::string> watching) : pathsToWatch_(std::move(watching)) {}
+    using FolderFilter = decltype(FSEventStream::Options::isOfInterest);
+
+    /// With a filter, writes in folders that it doesn't want may not be recorded.
+    explicit FSEventProbe(std::vector<std::string> watching, FolderFilter isOfInterest = {})
+        : pathsToWatch_(std::move(watching)),
+          isOfInterest_(std::move(isOfInterest)) {}
     FSEventProbe(const FSEventProbe&) = delete;
     FSEventProbe& operator=(const FSEventProbe&) = delete;
     ~FSEventProbe() { stopAndDrain(); }
@@ -42,6 +47,7 @@ private:
     std::vector<WriteEvent> events_{};
     bool complete_ = true;
     std::vector<std::string> pathsToWatch_;
+    FolderFilter isOfInterest_;
 };
 
 } // namespace quorvel

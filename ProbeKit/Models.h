@@ -22,7 +22,8 @@ struct WriteEvent {
     bool operator==(const WriteEvent&) const = default;
 };
 
-/// Where a recorded write went.
+/// Where a recorded write went. For an application that is not a bundle, `DataPlace` says what
+/// takes the place of the Library's folders.
 enum class LeakBucket {
     captured,      ///< inside the fake home: isolation worked
     dataLeak,      ///< the real Application Support, under a name that mentions the app
@@ -46,6 +47,8 @@ using LeakBuckets = std::map<LeakBucket, std::vector<std::string>>;
 struct ProbeResult {
     LeakBuckets buckets{}; ///< every recorded path, in the order of events; no key without a path
     SingletonTier singleton = SingletonTier::unknown;
+    /// The variables with which a second copy runs beside the first, if it doesn't without.
+    std::map<std::string, std::string> environment{};
     Strategy recommendedStrategy = Strategy::unsupported;
     /// False if writes may have been missed. Does not affect the recommendation.
     bool complete = true;

@@ -17,6 +17,9 @@ AppProfile ProfileGenerator::makeProfile(const AppBundle& bundle, const ProbeRes
     profile.extraArgs = electronArgs(bundle.url);
     profile.verifiedOn = {osSignature};
     profile.confidence = Confidence::autoDetected;
+    if (!result.environment.empty()) {
+        profile.environment = result.environment;
+    }
     return profile;
 }
 

@@ -4,6 +4,7 @@
 #include "LaunchKit/IconCheck.h"
 #include "LaunchKit/InstanceLauncher.h"
 #include "LaunchKit/InstanceRecord.h"
+#include "Platform/desktop/ActivationError.h"
 #include "Platform/files/FileSystem.h"
 #include "Platform/files/PlatformError.h"
 #include "Presentation/CloneNaming.h"
@@ -92,6 +93,11 @@ AppProfile detect(const Detection& services) {
     return ProfileGenerator::makeProfile(*bundle, *result, services.osSignature);
 }
 
+struct CreatedWrapper {
+    std::filesystem::path path{};
+    std::optional<std::string> warning{}; ///< for the user
+};
+
 // For a missing item, file managers show its folder or nothing.
 void revealExisting(Workspace& workspace, const std::filesystem::path& bundle) {
     if (!itemOrLinkExists(bundle)) {
@@ -154,6 +160,16 @@ void AppModel::reload() {
     clones_ = services_.registry.list();
     Q_EMIT clonesChanged();
     refreshRunningState();
+}
+
+void AppModel::repairMenu() {
+    services_.tasks->detached(
+        TaskPriority::utility, this,
+        [repair = services_.repairMenu, clones = clones_] {
+            repair(clones);
+            return true;
+        },
+        [](bool) {});
 }
 
 void AppModel::refreshRunningState() {
@@ -229,7 +245,7 @@ void AppModel::launch(const InstanceRecord& record) {
         InstanceLauncher::prepareHome(record.config);
         openWrapper(record.bundleURL);
     } catch (const std::exception& failure) {
-        opened(failure.what());
+        opened(PlatformError::withDescription(failure.what(), record.bundleURL));
     }
 }
 
@@ -241,16 +257,19 @@ void AppModel::openWrapper(const std::filesystem::path& wrapper) {
                 QCoreApplication::instance(),
                 [model, error = std::move(error)] {
                     if (model) {
-                        model->opened(error ? std::optional(error->description()) : std::nullopt);
+                        model->opened(error);
                     }
                 },
                 Qt::QueuedConnection);
         });
 }
 
-void AppModel::opened(const std::optional<std::string>& failure) {
-    if (failure) {
-        setLastError(sentence(tr("Couldn't launch: %1"), {*failure}));
+void AppModel::opened(const std::optional<PlatformError>& error) {
+    if (error) {
+        // A clone that only stays in the background was launched before.
+        setLastError(isActivationError(*error)
+                         ? error->description()
+                         : sentence(tr("Couldn't launch: %1"), {error->description()}));
     }
     services_.after(launchSettleTime, this, [this] { refreshRunningState(); });
 }
@@ -259,9 +278,17 @@ QFuture<InstanceRecord> AppModel::createClone(const WrapperFactory::Request& req
                                               bool launchAfter) {
     return services_.tasks->detached(
         TaskPriority::userInitiated, this,
-        [create = services_.createWrapper, request] { return create(request); },
-        [this, request, launchAfter](const std::filesystem::path& wrapper) {
-            return created(wrapper, request, launchAfter);
+        [create = services_.createWrapper, request] {
+            CreatedWrapper made;
+            made.path = create(request, [&](const std::string& text) { made.warning = text; });
+            return made;
+        },
+        [this, request, launchAfter](const CreatedWrapper& made) {
+            InstanceRecord record = created(made.path, request, launchAfter);
+            if (made.warning) {
+                setLastError(made.warning);
+            }
+            return record;
         });
 }
 

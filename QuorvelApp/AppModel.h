@@ -15,6 +15,7 @@
 
 namespace quorvel {
 
+class PlatformError;
 struct InstanceRecord;
 
 /// What `AppModel::sandboxInfo` proposes for an app.
@@ -62,6 +63,8 @@ public:
 
     /// Lists the clones again, then refreshes which of them run.
     void reload();
+    /// Repairs the listed clones' entries in the user's menu, in the background.
+    void repairMenu();
     /// Updates which clones are running.
     void refreshRunningState();
 
@@ -114,7 +117,7 @@ Q_SIGNALS:
 
 private:
     void openWrapper(const std::filesystem::path& wrapper);
-    void opened(const std::optional<std::string>& failure);
+    void opened(const std::optional<PlatformError>& error);
     [[nodiscard]] InstanceRecord created(const std::filesystem::path& wrapper,
                                          const WrapperFactory::Request& request, bool launchAfter);
     void migrated(const InstanceRecord& record, const InstanceLauncher::Migration& migration);

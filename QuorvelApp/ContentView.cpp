@@ -46,7 +46,6 @@ QWidget* ContentView::makeToolbar() {
     connect(add, &QPushButton::clicked, this, &ContentView::showNewClone);
     auto* row = new QHBoxLayout(bar);
     row->setContentsMargins(14, 7, 12, 7);
-    row->addWidget(makeLabel(u"Quorvel"_s, TextStyle::headline));
     row->addStretch();
     row->addWidget(add);
     return bar;

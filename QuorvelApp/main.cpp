@@ -1,4 +1,5 @@
 #include "QuorvelApp/QuorvelApp.h"
+#include "QuorvelApp/model/SystemTranslator.h"
 #include "QuorvelApp/theme/Appearance.h"
 #include "QuorvelApp/widgets/SystemFilePanels.h"
 
@@ -27,6 +28,8 @@ int main(int argc, char** argv) {
         QApplication::setWindowIcon(QIcon(QStringLiteral(":/packaging/app.quorvel.Quorvel.svg")));
     }
     QApplication::setQuitOnLastWindowClosed(true);
+    quorvel::SystemTranslator words;
+    QApplication::installTranslator(&words);
     const quorvel::Appearance appearance;
     quorvel::QuorvelApp quorvel(quorvel::AppServices::system(), quorvel::makeSystemUpdateService());
     quorvel.start();

@@ -1,16 +1,20 @@
 #include "Runner/Runner.h"
 
 #include "Base/TerminalText.h"
+#include "LaunchKit/DocumentHandover.h"
 #include "LaunchKit/HomeLock.h"
 #include "LaunchKit/InstanceConfig.h"
 #include "LaunchKit/InstanceLauncher.h"
 #include "LaunchKit/WrapperLayout.h"
+#include "LinkDoor/LinkAddress.h"
+#include "LinkDoor/LinkSession.h"
 #include "Platform/files/FileSystem.h"
 #include "Platform/files/PlatformError.h"
 #include "Platform/processes/SignalForwarder.h"
 #include "Platform/processes/StartReport.h"
 
 #include <cstdio>
+#include <cstdlib>
 
 namespace quorvel {
 namespace fs = std::filesystem;
@@ -39,6 +43,20 @@ void addToLog(const InstanceConfig& config, const std::string& message) {
     }
 }
 
+bool handedOver(const InstanceConfig& config, const std::vector<std::string>& documents) {
+    try {
+        return handOver(config, documents);
+    } catch (const std::runtime_error&) {
+        return false;
+    }
+}
+
+// A clone that links are sent to opens them, whatever else it was made for.
+bool isLinkFromAClone(const std::vector<std::string>& arguments) {
+    return std::getenv(linkHopsVariable) != nullptr && arguments.size() == 1 &&
+           hasLinkScheme(arguments.front());
+}
+
 int launchAndSupervise(const InstanceConfig& config, const std::vector<std::string>& documents,
                        const StartReport& report, const SignalForwarder& signals) {
     if (config.kind == ShortcutKind::web) {
@@ -55,6 +73,10 @@ int launchAndSupervise(const InstanceConfig& config, const std::vector<std::stri
         report.started();
         return signals.waitUntilExit(target);
     } catch (const HomeInUse& error) {
+        if (handedOver(config, documents)) {
+            report.started();
+            return 0;
+        }
         addToLog(config, error.what());
         return fail(report, error.what(), runnerHomeInUse);
     } catch (const InstanceLauncher::LaunchError& error) {
@@ -83,7 +105,8 @@ int runClone(const fs::path& executable, const std::vector<std::string>& argumen
     if (!config) {
         return fail(report, "no readable configuration at " + file.string(), runnerBadConfig);
     }
-    const bool passesDocuments = config->openWithPassthrough || config->registerAsBrowser;
+    const bool passesDocuments =
+        config->openWithPassthrough || config->registerAsBrowser || isLinkFromAClone(arguments);
     return launchAndSupervise(*config, passesDocuments ? arguments : std::vector<std::string>{},
                               report, signals);
 }

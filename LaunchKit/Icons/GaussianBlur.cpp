@@ -43,11 +43,15 @@ void addShifted(const float* source, float* target, int length, int shift, float
     }
 }
 
+// Where line `y` begins.
+std::size_t lineStart(int y, int width) {
+    return static_cast<std::size_t>(y) * static_cast<std::size_t>(width);
+}
+
 void blurRows(const Plane& source, Plane& target, int width, int height, const Kernel& kernel) {
     for (int y = 0; y < height; ++y) {
         for (int shift = -kernel.radius; shift <= kernel.radius; ++shift) {
-            addShifted(&source[static_cast<std::size_t>(y) * width],
-                       &target[static_cast<std::size_t>(y) * width], width, shift,
+            addShifted(&source[lineStart(y, width)], &target[lineStart(y, width)], width, shift,
                        kernel.weights[static_cast<std::size_t>(shift + kernel.radius)]);
         }
     }
@@ -58,8 +62,7 @@ void blurColumns(const Plane& source, Plane& target, int width, int height, cons
         for (int shift = -kernel.radius; shift <= kernel.radius; ++shift) {
             const int from = y - shift;
             if (from >= 0 && from < height) {
-                addShifted(&source[static_cast<std::size_t>(from) * width],
-                           &target[static_cast<std::size_t>(y) * width], width, 0,
+                addShifted(&source[lineStart(from, width)], &target[lineStart(y, width)], width, 0,
                            kernel.weights[static_cast<std::size_t>(shift + kernel.radius)]);
             }
         }

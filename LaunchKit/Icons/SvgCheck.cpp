@@ -87,35 +87,38 @@ private:
         const QString id = attributes.value(QLatin1String("id")).toString();
         opened_.push_back(opened_.empty() ? QString() : id);
         for (const QString& each : opened_) {
-            if (!each.isEmpty() || &each == &opened_.front()) {
+            if (isPart(each)) {
                 ++parts_[each].elements;
             }
         }
         const bool isPicture = reader.name() == QLatin1String("image");
         for (const QXmlStreamAttribute& attribute : attributes) {
+            const bool isLink = attribute.name() == QLatin1String("href");
             const QString value = attribute.value().toString();
-            if (isPicture && attribute.name() == QLatin1String("href") &&
-                !isHarmlessPicture(value)) {
+            if (isPicture && isLink && !isHarmlessPicture(value)) {
                 return false;
             }
-            addReferences(value);
+            addReferences(isLink ? QStringLiteral("url(") + value + QLatin1Char(')') : value);
         }
         return true;
     }
 
-    // "#id", or "url(#id)" anywhere; a color that looks like an id refers to nothing.
     void addReferences(const QString& value) {
-        static const QRegularExpression reference(
-            QStringLiteral("(?:^|url\\(\\s*['\"]?)#([^)'\"]+)"));
+        static const QRegularExpression reference(QStringLiteral("url\\(\\s*['\"]?#([^)'\"]+)"));
         auto matches = reference.globalMatch(value);
         while (matches.hasNext()) {
             const QString id = matches.next().captured(1);
             for (const QString& each : opened_) {
-                if ((!each.isEmpty() || &each == &opened_.front()) && each != id) {
+                if (isPart(each)) {
                     parts_[each].repeated.push_back(id);
                 }
             }
         }
+    }
+
+    // Only the whole drawing and elements with an id can be asked for.
+    [[nodiscard]] bool isPart(const QString& opened) const {
+        return !opened.isEmpty() || &opened == &opened_.front();
     }
 
     std::map<QString, Part> parts_{}; ///< by id; the whole drawing by an empty one

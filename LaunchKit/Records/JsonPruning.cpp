@@ -133,7 +133,8 @@ private:
     }
 
     bool takeAny(std::string_view characters) {
-        const bool found = at_ < json_.size() && characters.find(json_[at_]) != characters.npos;
+        const bool found =
+            at_ < json_.size() && characters.find(json_[at_]) != std::string_view::npos;
         at_ += found ? 1U : 0U;
         return found;
     }

@@ -1,7 +1,7 @@
 #include "Platform/desktop/EntryFolders.h"
 
 #include "Base/PathText.h"
-#include "Platform/desktop/XdgFolders_linux.h"
+#include "Platform/files/XdgFolders_linux.h"
 
 #include <algorithm>
 

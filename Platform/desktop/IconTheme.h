@@ -16,7 +16,7 @@ public:
     static constexpr int smallest = 64;
 
     /// Looks in the theme `name`, then in those that it inherits from, then in "hicolor", then
-    /// beside the themes. On macOS there are none.
+    /// beside the themes, then in the themes that desktops come with. On macOS there are none.
     explicit IconTheme(const std::string& name,
                        std::vector<std::filesystem::path> folders = iconFolders());
     IconTheme(IconTheme&&) noexcept;
@@ -28,7 +28,8 @@ public:
     /// std::nullopt if there is none.
     [[nodiscard]] std::optional<std::filesystem::path> find(const std::string& icon);
 
-    /// Returns the theme that the user's desktop shows, as far as a file says it; else "hicolor".
+    /// Returns the theme that the user chose, if it is in a settings file of KDE or GTK; otherwise
+    /// "hicolor".
     [[nodiscard]] static std::string chosenTheme();
 
     /// The folders that hold themes, the most important first.

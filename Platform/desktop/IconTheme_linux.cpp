@@ -1,10 +1,15 @@
 #include "Base/PathText.h"
 #include "Platform/desktop/IconTheme.h"
 #include "Platform/desktop/IconThemeFolder_linux.h"
-#include "Platform/desktop/XdgFolders_linux.h"
+#include "Platform/desktop/KeyFile_linux.h"
+#include "Platform/files/FileReading.h"
 #include "Platform/files/UserPaths.h"
+#include "Platform/files/XdgFolders_linux.h"
 
 #include <algorithm>
+#include <array>
+#include <cstdlib>
+#include <span>
 
 namespace quorvel {
 namespace fs = std::filesystem;
@@ -12,6 +17,9 @@ namespace {
 
 constexpr std::size_t maxThemes = 32;
 constexpr const char* fallbackTheme = "hicolor";
+
+// They have the icons of applications that bring none of their own.
+constexpr std::array desktopThemes{"Adwaita", "breeze", "gnome"};
 
 bool isFile(const fs::path& path) {
     std::error_code error;
@@ -54,10 +62,25 @@ public:
                 }
             }
         }
-        return std::nullopt;
+        return findInDesktopThemes(icon);
     }
 
 private:
+    // Most icons are found before, so these are opened only when they are needed.
+    std::optional<fs::path> findInDesktopThemes(const std::string& icon) {
+        if (desktopThemes_.empty()) {
+            for (const char* name : desktopThemes) {
+                desktopThemes_.emplace_back(name, folders_);
+            }
+        }
+        for (IconThemeFolder& theme : desktopThemes_) {
+            if (auto file = theme.find(icon)) {
+                return file;
+            }
+        }
+        return std::nullopt;
+    }
+
     // Each theme once, those that inherit before what they inherit from.
     void addThemes(const std::string& first) {
         std::vector<std::string> names{first};
@@ -80,6 +103,7 @@ private:
 
     std::vector<fs::path> folders_;
     std::vector<IconThemeFolder> themes_{};
+    std::vector<IconThemeFolder> desktopThemes_{};
 };
 
 IconTheme::IconTheme(const std::string& name, std::vector<fs::path> folders)
@@ -102,6 +126,25 @@ std::optional<fs::path> IconTheme::find(const std::string& icon) {
 }
 
 std::string IconTheme::chosenTheme() {
+    struct Setting {
+        const char* file;
+        const char* group;
+        const char* key;
+    };
+    constexpr Setting settings[] = {{"kdeglobals", "Icons", "Theme"},
+                                    {"gtk-4.0/settings.ini", "Settings", "gtk-icon-theme-name"},
+                                    {"gtk-3.0/settings.ini", "Settings", "gtk-icon-theme-name"}};
+    // Its programs leave that file behind on other desktops, too.
+    const char* desktop = std::getenv("XDG_CURRENT_DESKTOP");
+    const bool isKde = desktop != nullptr && std::string_view(desktop) == "KDE";
+    constexpr std::size_t limit = 65536;
+    for (const auto& [name, group, key] : std::span(settings).subspan(isKde ? 0 : 1)) {
+        const auto text = readFile(joinAsText(xdgConfigHome(), name), limit);
+        const auto file = text ? KeyFile::parse(*text, {}) : std::nullopt;
+        if (file && !file->text(group, key).empty()) {
+            return file->text(group, key);
+        }
+    }
     return fallbackTheme;
 }
 

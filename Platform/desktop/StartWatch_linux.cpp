@@ -4,11 +4,9 @@
 
 #include <cerrno>
 #include <csignal>
-#include <fcntl.h>
 #include <sys/eventfd.h>
 #include <sysexits.h>
 #include <system_error>
-#include <unistd.h>
 
 namespace quorvel {
 namespace {
@@ -95,22 +93,13 @@ StartedProgram startProgram(const std::filesystem::path& executable) {
     Process::Options options;
     options.executable = executable;
     options.directory = "/"; // as a desktop does; our folder may be removed
+    if (executable.filename() == runnerName) {
+        return startReporting(options);
+    }
     options.standardOutput = Process::Discard{};
     options.standardError = Process::Discard{};
     options.detached = true;
-    if (executable.filename() != runnerName) {
-        return {Process::run(options), FileHandle(-1)};
-    }
-    int ends[2];
-    if (::pipe2(ends, O_CLOEXEC) != 0) {
-        throw PlatformError::fromErrno(executable, "started");
-    }
-    FileHandle reading(ends[0]);
-    const FileHandle writing(ends[1]);
-    options.kept = writing.descriptor();
-    options.environment = currentEnvironment();
-    (*options.environment)[StartReport::variable] = std::to_string(Process::keptDescriptor);
-    return {Process::run(options), std::move(reading)};
+    return {Process::run(options), FileHandle(-1)};
 }
 
 StartWatch::StartWatch() : wake_(::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)) {}

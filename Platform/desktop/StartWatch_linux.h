@@ -2,7 +2,7 @@
 
 #include "Platform/desktop/Workspace.h"
 #include "Platform/files/FileHandle.h"
-#include "Platform/processes/Process.h"
+#include "Platform/processes/ReportedStart.h"
 
 #include <filesystem>
 #include <list>
@@ -11,11 +11,9 @@
 
 namespace quorvel {
 
-/// A program that was just started, with the pipe through which it may report.
-struct StartedProgram {
-    Process process;
-    FileHandle reports; ///< closed for a program that does not report
-};
+/// A program that was just started, with the pipe through which it may report: closed for one that
+/// does not.
+using StartedProgram = ReportedStart;
 
 /// Starts the executable of a bundle as a desktop does. Passes a clone's runner a pipe for its
 /// `StartReport`. Returns the process and the pipe. Throws `PlatformError` if it can't be started.

@@ -31,7 +31,8 @@ public:
     virtual ~Workspace() = default;
 
     /// Opens an application bundle asynchronously. Does not start it again if it is running.
-    /// `activates` asks for its windows to be brought to the front.
+    /// `activates` brings its topmost window to the front. If that can't be done for an application
+    /// that was running, the error is one of `isActivationError`.
     virtual void openApplication(const std::filesystem::path& bundle, bool activates,
                                  Completion completion) = 0;
 

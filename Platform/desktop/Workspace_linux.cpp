@@ -6,20 +6,28 @@
 #include "Platform/desktop/OsRelease_linux.h"
 #include "Platform/desktop/ProcessTable_linux.h"
 #include "Platform/desktop/StartWatch_linux.h"
+#include "Platform/desktop/WindowActivation_linux.h"
 #include "Platform/files/FileHandle.h"
 #include "Platform/files/PlatformError.h"
 #include "Platform/files/PropertyListFile.h"
 #include "Platform/processes/Process.h"
+#include "Platform/processes/ProcessFamily.h"
+#include "Platform/processes/ProcessStat_linux.h"
 
 #include <cerrno>
 #include <cstdio>
 #include <fcntl.h>
 #include <sys/file.h>
 #include <sys/utsname.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <chrono>
+#include <ctime>
+#include <future>
+#include <mutex>
 #include <thread>
+#include <vector>
 
 namespace quorvel {
 namespace {
@@ -49,16 +57,43 @@ FileHandle lockBundle(const std::filesystem::path& bundle) {
     return folder;
 }
 
+// The window of an application that was started this recently comes to the front by itself.
+constexpr double startsWithin = 10; // seconds
+
+bool hasJustStarted(pid_t process) {
+    timespec now{};
+    const auto stat = processStat(process);
+    ::clock_gettime(CLOCK_BOOTTIME, &now);
+    return stat &&
+           static_cast<double>(now.tv_sec) - static_cast<double>(stat->started) /
+                                                 static_cast<double>(::sysconf(_SC_CLK_TCK)) <
+               startsWithin;
+}
+
+// Every process of the application whose topmost one this is.
+WindowOwner ownerOf(pid_t topmost) {
+    WindowOwner owner{.processes = {topmost}};
+    for (const ProcessIdentity& process : descendantsOf(topmost)) {
+        owner.processes.insert(process.pid);
+    }
+    return owner;
+}
+
 class LinuxWorkspace final : public Workspace {
 public:
     // Starting a process is quick enough for the calling thread. Its report, and its end, are
     // waited for in the background.
-    void openApplication(const std::filesystem::path& bundle, bool /*activates*/,
+    void openApplication(const std::filesystem::path& bundle, bool activates,
                          Completion completion) override {
         std::optional<PlatformError> error;
         try {
             const FileHandle lock = lockBundle(bundle);
-            if (!isRunning(bundle)) {
+            const std::optional<pid_t> running = runningProcess(bundle);
+            if (running && activates) {
+                activate(*running, bundle, std::move(completion));
+                return;
+            }
+            if (!running) {
                 StartedProgram program = startProgram(executableIn(bundle));
                 awaitCommandLine(program.process.identifier());
                 starts_.watch(std::move(program), bundle, std::move(completion));
@@ -92,17 +127,36 @@ public:
     }
 
 private:
-    bool isRunning(const std::filesystem::path& bundle) {
+    std::optional<pid_t> runningProcess(const std::filesystem::path& bundle) {
         std::error_code code;
         const std::filesystem::path resolved = std::filesystem::canonical(bundle, code);
         const auto running = processes_.applications();
-        return !code && std::any_of(running.begin(), running.end(), [&](const auto& application) {
-            return application.bundleURL == resolved;
+        const auto found =
+            std::find_if(running.begin(), running.end(), [&](const auto& application) {
+                return application.bundleURL == resolved;
+            });
+        return code || found == running.end() ? std::nullopt : std::optional(found->pid);
+    }
+
+    // In the background: a window manager takes its time.
+    void activate(pid_t process, const std::filesystem::path& bundle, Completion completion) {
+        const std::lock_guard guard(mutex_);
+        std::erase_if(activations_, [](const std::future<void>& activation) {
+            return activation.wait_for(std::chrono::seconds(0)) == std::future_status::ready;
         });
+        activations_.push_back(
+            std::async(std::launch::async, [process, bundle, completion = std::move(completion)] {
+                const auto failure = bringToFront(ownerOf(process));
+                completion(failure && !hasJustStarted(process)
+                               ? std::optional(activationError(*failure, bundle))
+                               : std::nullopt);
+            }));
     }
 
     ProcessTable processes_;
     StartWatch starts_;
+    std::mutex mutex_{};
+    std::vector<std::future<void>> activations_{}; ///< their destructors wait
 };
 
 } // namespace

@@ -1,19 +1,23 @@
 #include "Platform/files/ContainedFolder.h"
 
 #include "Base/PathText.h"
-#include "Platform/files/FileHandle.h"
+#include "Base/RandomUuid.h"
 
 #include <algorithm>
+#include <cstdio>
 #include <fcntl.h>
 #include <string>
 #include <sys/stat.h>
+#include <unistd.h>
 
 namespace quorvel {
+namespace {
 
-bool ensureFolderBelow(const std::filesystem::path& base, std::string_view path) {
+// The folder at `path` below `base`, created if missing; nothing is open if that fails.
+FileHandle openFolderBelow(const std::filesystem::path& base, std::string_view path) {
     const std::string prefix = withoutTrailingSlashes(base).native() + "/";
     if (!path.starts_with(prefix) || hasNul(std::filesystem::path(path))) {
-        return false;
+        return FileHandle(-1);
     }
     FileHandle folder(::open(prefix.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
     for (path.remove_prefix(prefix.size()); !path.empty() && folder.descriptor() >= 0;) {
@@ -23,13 +27,62 @@ bool ensureFolderBelow(const std::filesystem::path& base, std::string_view path)
             continue;
         }
         if (name == "..") {
-            return false;
+            return FileHandle(-1);
         }
         ::mkdirat(folder.descriptor(), name.c_str(), 0700); // it may exist
         folder = FileHandle(::openat(folder.descriptor(), name.c_str(),
                                      O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
     }
-    return folder.descriptor() >= 0;
+    return folder;
+}
+
+// Has `make` create an item under another name beside `path`, and renames it.
+template<typename Make>
+bool replaceBelow(const std::filesystem::path& base, std::string_view path, const Make& make) {
+    const std::size_t slash = path.rfind('/');
+    const std::string name(path.substr(slash + 1)); // npos + 1 is 0
+    if (slash == std::string_view::npos || name.empty() || name == "." || name == "..") {
+        return false;
+    }
+    // A slash at its end makes the base itself a folder below it.
+    const FileHandle folder = openFolderBelow(base, path.substr(0, slash + 1));
+    const std::string beside = ".quorvel-" + randomUuid();
+    if (folder.descriptor() < 0 || !make(folder.descriptor(), beside.c_str())) {
+        return false;
+    }
+    if (::renameat(folder.descriptor(), beside.c_str(), folder.descriptor(), name.c_str()) == 0) {
+        return true;
+    }
+    (void)::unlinkat(folder.descriptor(), beside.c_str(), 0);
+    return false;
+}
+
+} // namespace
+
+bool ensureFolderBelow(const std::filesystem::path& base, std::string_view path) {
+    return openFolderBelow(base, path).descriptor() >= 0;
+}
+
+bool replaceFileBelow(const std::filesystem::path& base, std::string_view path,
+                      std::string_view bytes) {
+    return replaceBelow(base, path, [&](int folder, const char* name) {
+        const FileHandle file(
+            ::openat(folder, name, O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0600));
+        if (file.descriptor() >= 0 && file.write(bytes)) {
+            return true;
+        }
+        if (file.descriptor() >= 0) {
+            (void)::unlinkat(folder, name, 0);
+        }
+        return false;
+    });
+}
+
+bool replaceLinkBelow(const std::filesystem::path& base, std::string_view path,
+                      const std::filesystem::path& target) {
+    return !hasNul(target) && replaceBelow(base, path, [&](int folder, const char* name) {
+        return ::symlinkat(target.c_str(), folder, name) == 0;
+    });
 }
 
 } // namespace quorvel

@@ -3,11 +3,13 @@
 #include "Base/PathText.h"
 #include "Base/RandomUuid.h"
 #include "Platform/files/FileHandle.h"
+#include "Platform/files/FileSystem.h"
 #include "Platform/files/ItemAttributes.h"
 #include "Platform/files/PlatformError.h"
 
 #include <cerrno>
 #include <cstdio>
+#include <ctime>
 #include <fcntl.h>
 #include <optional>
 #include <sys/stat.h>
@@ -43,6 +45,12 @@ private:
     bool kept_ = false;
 };
 
+constexpr std::string_view temporaryPrefix = ".quorvel-";
+
+fs::path temporaryBeside(const fs::path& path) {
+    return path.parent_path() / (std::string(temporaryPrefix) + randomUuid());
+}
+
 bool writeNew(const FileHandle& file, const fs::path& path, std::string_view bytes) {
     UnfinishedFile unfinished(path);
     if (!file.write(bytes)) {
@@ -55,7 +63,7 @@ bool writeNew(const FileHandle& file, const fs::path& path, std::string_view byt
 // `path` must not be a link, which renaming would replace.
 bool replace(const fs::path& path, const FileHandle& old, const struct stat& facts,
              std::string_view bytes) {
-    const fs::path beside = path.parent_path() / (".quorvel-" + randomUuid());
+    const fs::path beside = temporaryBeside(path);
     const FileHandle file(::open(beside.c_str(), creating, 0600));
     if (file.descriptor() < 0) {
         return false;
@@ -117,6 +125,37 @@ void writeFile(const fs::path& path, std::string_view bytes) {
     }
     if (!written) {
         throw PlatformError::fromErrno(path, "written");
+    }
+}
+
+void writeWholeFile(const fs::path& path, std::string_view bytes) {
+    if (hasNul(path)) {
+        throw PlatformError(std::make_error_code(std::errc::invalid_argument), path, "written");
+    }
+    const fs::path beside = temporaryBeside(path);
+    const FileHandle file(::open(beside.c_str(), creating, 0666));
+    if (file.descriptor() < 0) {
+        throw PlatformError::fromErrno(path, "written");
+    }
+    UnfinishedFile unfinished(beside);
+    if (!file.write(bytes) || ::rename(beside.c_str(), path.c_str()) != 0) {
+        throw PlatformError::fromErrno(path, "written");
+    }
+    unfinished.keep();
+}
+
+void removeUnfinishedFiles(const fs::path& folder) {
+    constexpr std::time_t minute = 60;
+    const std::size_t length = temporaryPrefix.size() + randomUuid().size();
+    for (const std::string& name : directoryEntries(folder).value_or(std::vector<std::string>())) {
+        const fs::path file = folder / name;
+        struct stat facts {};
+        // A younger one may be another program's, which is about to rename it.
+        if (name.starts_with(temporaryPrefix) && name.size() == length &&
+            ::lstat(file.c_str(), &facts) == 0 && S_ISREG(facts.st_mode) &&
+            facts.st_mtime + minute < std::time(nullptr)) {
+            (void)::unlink(file.c_str());
+        }
     }
 }
 

@@ -12,4 +12,13 @@ namespace quorvel {
 /// an existing file is unchanged, and nothing is left of a new one.
 void writeFile(const std::filesystem::path& path, std::string_view bytes);
 
+/// Writes a regular file that other programs may read at any moment: they find the old one, or the
+/// new one as a whole. What is at `path` is replaced, a link itself instead of its target. Not
+/// flushed to the disk. Throws `PlatformError`; then the old file is unchanged.
+void writeWholeFile(const std::filesystem::path& path, std::string_view bytes);
+
+/// Removes what interrupted writers left in the folder: their temporary files, if older than a
+/// minute. Failures are ignored.
+void removeUnfinishedFiles(const std::filesystem::path& folder);
+
 } // namespace quorvel

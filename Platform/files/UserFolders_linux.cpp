@@ -1,22 +1,45 @@
+#include "Base/PathText.h"
 #include "Platform/files/UserFolders.h"
-
-#include "Platform/files/FileReading.h"
+#include "Platform/files/UserPaths.h"
+#include "Platform/files/XdgFolders_linux.h"
 #include "Platform/files/XdgUserDirs_linux.h"
-
-#include <cstdlib>
 
 namespace quorvel {
 namespace fs = std::filesystem;
+namespace {
+
+// The session's settings are about the user's home, even if they are elsewhere.
+std::vector<fs::path> settingsFolders(const std::string& home) {
+    std::vector<fs::path> folders{home + "/.config"};
+    if (xdgConfigHome() != folders.front()) {
+        folders.insert(folders.begin(), xdgConfigHome());
+    }
+    return folders;
+}
+
+std::string_view xdgNameOf(std::string_view kind) {
+    return kind == "Downloads" ? "DOWNLOAD" : kind == "Documents" ? "DOCUMENTS" : "DESKTOP";
+}
+
+} // namespace
+
+std::string userFolder(std::string_view kind, const std::string& home) {
+    for (const fs::path& settings : settingsFolders(home)) {
+        for (const XdgUserDir& named : readXdgUserDirs(settings)) {
+            const std::string folder = withoutTrailingSlashes(withHomeExpanded(named.folder, home));
+            // A folder that the user switched off is set to the home itself.
+            if (named.name == xdgNameOf(kind) && folder != home) {
+                return folder;
+            }
+        }
+    }
+    return joinAsText(home, kind);
+}
 
 std::vector<fs::path> renamedUserFolders(const std::string& home) {
-    constexpr std::size_t limit = 65536;
-    std::vector<std::string> files{home + "/.config/user-dirs.dirs"};
-    if (const char* settings = std::getenv("XDG_CONFIG_HOME"); settings && settings[0] == '/') {
-        files.push_back(std::string(settings) + "/user-dirs.dirs");
-    }
     std::vector<fs::path> folders;
-    for (const std::string& file : files) {
-        for (const XdgUserDir& named : parseXdgUserDirs(readFile(file, limit).value_or(""))) {
+    for (const fs::path& settings : settingsFolders(home)) {
+        for (const XdgUserDir& named : readXdgUserDirs(settings)) {
             folders.emplace_back(withHomeExpanded(named.folder, home));
         }
     }

@@ -68,6 +68,10 @@ std::string home() {
     return variable.value_or("/");
 }
 
+std::optional<std::string> listedHome() {
+    return currentUsersHome();
+}
+
 std::string expandTilde(std::string_view path) {
     if (path.empty() || path.front() != '~') {
         return std::string(path);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <filesystem>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -12,6 +13,9 @@ namespace quorvel::UserPaths {
 /// otherwise `HOME` (on Linux) or the user database's entry (on macOS), otherwise the other of
 /// these two, otherwise "/". Reads the environment on each call.
 [[nodiscard]] std::string home();
+
+/// Returns the user's home according to the user database; std::nullopt without an entry.
+[[nodiscard]] std::optional<std::string> listedHome();
 
 /// Replaces a leading "~" by `home()` or "~name" by that user's home, and removes trailing slashes.
 /// Returns any other path, and one that names an unknown user, unchanged.

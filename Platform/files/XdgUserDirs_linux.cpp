@@ -1,5 +1,7 @@
 #include "Platform/files/XdgUserDirs_linux.h"
 
+#include "Platform/files/FileReading.h"
+
 #include <algorithm>
 #include <string_view>
 
@@ -65,6 +67,11 @@ std::vector<XdgUserDir> parseXdgUserDirs(const std::string& text) {
         }
     }
     return folders;
+}
+
+std::vector<XdgUserDir> readXdgUserDirs(const std::filesystem::path& settings) {
+    constexpr std::size_t limit = 65536;
+    return parseXdgUserDirs(readFile(settings.native() + "/user-dirs.dirs", limit).value_or(""));
 }
 
 std::string xdgUserDirsText(const std::vector<XdgUserDir>& folders) {

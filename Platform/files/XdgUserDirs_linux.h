@@ -1,5 +1,6 @@
 #pragma once
 
+#include <filesystem>
 #include <string>
 #include <vector>
 
@@ -15,6 +16,10 @@ struct XdgUserDir {
 
 /// Returns the folders that a `user-dirs.dirs` names, in its order; other lines are ignored.
 [[nodiscard]] std::vector<XdgUserDir> parseXdgUserDirs(const std::string& text);
+
+/// Returns the folders that the file "user-dirs.dirs" in a folder of settings names; none if it
+/// can't be read.
+[[nodiscard]] std::vector<XdgUserDir> readXdgUserDirs(const std::filesystem::path& settings);
 
 /// Returns the text of a `user-dirs.dirs` that names these folders.
 [[nodiscard]] std::string xdgUserDirsText(const std::vector<XdgUserDir>& folders);

@@ -1,16 +1,18 @@
 #include "Platform/processes/IsolatedEnvironment.h"
 
 #include "Base/PathText.h"
+#include "Base/StableHash.h"
 #include "Platform/files/ContainedFolder.h"
 #include "Platform/files/FileReading.h"
 #include "Platform/files/FileSystem.h"
 #include "Platform/files/FileWriting.h"
+#include "Platform/files/UserFolders.h"
 #include "Platform/files/UserPaths.h"
+#include "Platform/files/XdgFolders_linux.h"
 #include "Platform/files/XdgUserDirs_linux.h"
+#include "Platform/processes/FolderVariable_linux.h"
 
-#include <array>
-#include <cstdint>
-#include <cstdio>
+#include <algorithm>
 #include <string_view>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -19,30 +21,9 @@ namespace quorvel {
 namespace fs = std::filesystem;
 namespace {
 
-constexpr std::string_view defaultDataFolders = "/usr/local/share:/usr/share";
-
 // What is written into a home says so, and what doesn't say so is not replaced.
 constexpr std::string_view userDirsMark =
     "# Written by Quorvel at each start. Without this line, it is left as it is.\n";
-
-// An absolute path; the base directory specification has others ignored.
-std::string folderVariable(const Environment& session, const char* name,
-                           const std::string& otherwise) {
-    const auto found = session.find(name);
-    return found != session.end() && found->second.starts_with("/") ? found->second : otherwise;
-}
-
-// The same for a home at each start, short, and without characters that a path can't have.
-std::string shortName(std::string_view home) {
-    std::uint64_t hash = 14695981039346656037U; // FNV-1a
-    for (const char byte : home) {
-        hash = (hash ^ static_cast<unsigned char>(byte)) * 1099511628211U;
-    }
-    std::array<char, 17> digits{};
-    (void)std::snprintf(digits.data(), digits.size(), "%016llx",
-                        static_cast<unsigned long long>(hash));
-    return digits.data();
-}
 
 bool isOwnPrivateFolder(const std::string& path) {
     struct stat status {};
@@ -54,7 +35,8 @@ bool isOwnPrivateFolder(const std::string& path) {
 // 50, so a folder inside the home would often be too long.
 std::string temporaryFolderFor(const std::string& home, const Environment& session) {
     constexpr std::size_t longest = 56;
-    const std::string name = shortName(home);
+    // The same at each start, short, and without characters that a path can't have.
+    const std::string name = stableHash(home);
     const std::string runtime = folderVariable(session, "XDG_RUNTIME_DIR", "");
     const std::string own = runtime + "/quorvel";
     std::string inRuntime = own + "/" + name;
@@ -102,29 +84,35 @@ bool isShared(std::string_view name) {
 }
 
 // Without this file, GLib knows no Downloads or Documents at all.
-void writeUserDirs(const std::string& home, const std::string& sessionConfig,
-                   const IsolationOptions& options) {
-    constexpr std::size_t limit = 65536;
-    const std::string realHome = UserPaths::home();
-    std::vector<XdgUserDir> folders =
-        parseXdgUserDirs(readFile(sessionConfig + "/user-dirs.dirs", limit).value_or(""));
-    if (folders.empty()) {
-        folders = {{"DESKTOP", "$HOME/Desktop"},
-                   {"DOWNLOAD", "$HOME/Downloads"},
-                   {"DOCUMENTS", "$HOME/Documents"}};
+std::vector<XdgUserDir> userDirsFor(const std::string& realHome, const IsolationOptions& options) {
+    std::vector<XdgUserDir> folders = readXdgUserDirs(xdgConfigHome());
+    for (const auto& [name, kind] :
+         {std::pair{"DESKTOP", "Desktop"}, {"DOWNLOAD", "Downloads"}, {"DOCUMENTS", "Documents"}}) {
+        const auto present =
+            std::find_if(folders.begin(), folders.end(),
+                         [name = name](const XdgUserDir& each) { return each.name == name; });
+        XdgUserDir& each = present == folders.end() ? folders.emplace_back() : *present;
+        // The clone's own have the names by which they are found when they are to be shared.
+        each = {name, options.sharesUserFolders ? userFolder(kind, realHome)
+                                                : "$HOME/" + std::string(kind)};
     }
     for (XdgUserDir& each : folders) {
-        if (options.sharesUserFolders && isShared(each.name)) {
-            each.folder = withHomeExpanded(each.folder, realHome);
-        } else if (each.folder.starts_with("/")) {
+        if (!isShared(each.name) && each.folder.starts_with("/")) {
             each.folder = "$HOME/" + lastPathComponent(each.folder);
         }
     }
+    return folders;
+}
+
+void writeUserDirs(const std::string& home, const std::string& realHome,
+                   const IsolationOptions& options) {
     const std::string file = home + "/.config/user-dirs.dirs";
-    const std::string text = std::string(userDirsMark) + xdgUserDirsText(folders);
+    const std::string text =
+        std::string(userDirsMark) + xdgUserDirsText(userDirsFor(realHome, options));
     if (!ensureFolderBelow(home, home + "/.config") || isSymbolicLink(file)) {
         return;
     }
+    constexpr std::size_t limit = 65536;
     const std::optional<std::string> present = readFile(file, limit);
     if (itemExists(file) && (!present || !present->starts_with(userDirsMark) || *present == text)) {
         return;
@@ -175,16 +163,15 @@ Environment isolatedEnvironment(const std::string& home, const Environment& sess
     if (!temporary.empty()) {
         set["TMPDIR"] = temporary;
     }
-    const std::string sessionData =
-        folderVariable(session, "XDG_DATA_HOME", realHome + "/.local/share");
+    const std::string sessionData = xdgDataHome();
     const std::string data = sessionDataFolder(home, sessionData);
     if (!data.empty()) {
         const auto folders = session.find("XDG_DATA_DIRS");
         const bool given = folders != session.end() && !folders->second.empty();
         set["XDG_DATA_DIRS"] =
-            data + ":" + (given ? folders->second : std::string(defaultDataFolders));
+            data + ":" + (given ? folders->second : std::string(defaultXdgDataDirs));
     }
-    writeUserDirs(home, folderVariable(session, "XDG_CONFIG_HOME", realHome + "/.config"), options);
+    writeUserDirs(home, realHome, options);
     if (options.usesFlatpak) {
         set["FLATPAK_USER_DIR"] =
             folderVariable(session, "FLATPAK_USER_DIR", sessionData + "/flatpak");

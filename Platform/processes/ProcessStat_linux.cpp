@@ -8,6 +8,16 @@
 #include <sstream>
 
 namespace quorvel {
+namespace {
+
+void skip(std::istream& fields, int count) {
+    std::string skipped;
+    for (int field = 0; field < count; ++field) {
+        fields >> skipped;
+    }
+}
+
+} // namespace
 
 std::optional<ProcessStat> processStat(pid_t pid) {
     constexpr std::size_t limit = 4096;
@@ -20,11 +30,14 @@ std::optional<ProcessStat> processStat(pid_t pid) {
     std::istringstream fields(text->substr(nameEnd + 1));
     ProcessStat stat;
     fields >> stat.state >> stat.parent;
-    constexpr int betweenParentAndStart = 17;
-    std::string skipped;
-    for (int field = 0; field < betweenParentAndStart; ++field) {
-        fields >> skipped;
-    }
+    constexpr int betweenParentAndTimes = 9;
+    constexpr int betweenTimesAndStart = 6;
+    skip(fields, betweenParentAndTimes);
+    std::uint64_t inUser = 0;
+    std::uint64_t inSystem = 0;
+    fields >> inUser >> inSystem;
+    stat.cpuTime = inUser + inSystem;
+    skip(fields, betweenTimesAndStart);
     fields >> stat.started;
     return fields ? std::optional(stat) : std::nullopt;
 }

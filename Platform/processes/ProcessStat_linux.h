@@ -11,6 +11,7 @@ namespace quorvel {
 struct ProcessStat {
     char state = 'X'; ///< 'Z' and 'X' mean that it has ended
     pid_t parent = 0;
+    std::uint64_t cpuTime = 0; ///< in clock ticks
     std::uint64_t started = 0; ///< in clock ticks since the system was started
 };
 

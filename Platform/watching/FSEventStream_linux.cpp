@@ -42,9 +42,12 @@ public:
           wake_(::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)),
           coalescer_(options.latency),
           sentinels_(trimmed(options.paths)),
-          tree_(trimmed(std::move(options.paths)), [this](std::string path, std::uint32_t flags) {
-              coalescer_.add(std::move(path), flags);
-          }) {}
+          tree_(
+              trimmed(std::move(options.paths)),
+              [this](std::string path, std::uint32_t flags) {
+                  coalescer_.add(std::move(path), flags);
+              },
+              std::move(options.isOfInterest)) {}
 
     ~InotifyStream() override { stop(); }
 

@@ -26,9 +26,10 @@ bool hasVanished(int error) {
 
 } // namespace
 
-WatchTree::WatchTree(std::vector<std::string> roots, Report report)
+WatchTree::WatchTree(std::vector<std::string> roots, Report report, Filter filter)
     : roots_(std::move(roots)),
       report_(std::move(report)),
+      filter_(std::move(filter)),
       inotify_(::inotify_init1(IN_NONBLOCK | IN_CLOEXEC)),
       clock_(ChangeClock::start()),
       rootWatches_(roots_.size(), -1) {
@@ -92,6 +93,10 @@ void WatchTree::tidy(bool everything) {
     }
 }
 
+bool WatchTree::passes(const std::string& folder) const {
+    return !filter_ || filter_(folder);
+}
+
 void WatchTree::handle(const InotifyEvent& event) {
     if ((event.mask & IN_Q_OVERFLOW) != 0) {
         overflowed_ = true;
@@ -131,16 +136,19 @@ void WatchTree::handleInside(Node& folder, const InotifyEvent& event, std::strin
         report_(std::move(path), FSEventFlag::itemRemoved | dirFlag(isDir));
     } else if ((event.mask & IN_CREATE) != 0) {
         report_(path, FSEventFlag::itemCreated | dirFlag(isDir));
+        if (!isDir || !passes(path)) {
+            return;
+        }
         bool isNew = false;
-        Node* child = isDir ? watchFolder(&folder, event.name, path, isNew) : nullptr;
-        if (isDir && (isNew || (child == nullptr && limitReached_))) {
+        Node* child = watchFolder(&folder, event.name, path, isNew);
+        if (isNew || (child == nullptr && limitReached_)) {
             visit({child, std::move(path), Arrival::created});
         }
     } else if ((event.mask & (IN_MOVED_FROM | IN_MOVED_TO)) != 0) {
         report_(path, FSEventFlag::itemRenamed | dirFlag(isDir));
         if (isDir && (event.mask & IN_MOVED_FROM) != 0) {
             depart(folder, event);
-        } else if (isDir) {
+        } else if (isDir && passes(path)) {
             arrive(folder, event, path);
         }
     }
@@ -250,12 +258,16 @@ void WatchTree::visitItem(const Visit& folder, const FolderItem& item, std::vect
 
 void WatchTree::visitFolder(const Visit& folder, const std::string& name, const std::string& path,
                             std::vector<Visit>& next) {
+    Arrival arrival = folder.arrival;
+    if (!passes(path)) {
+        reportItem(path, true, arrival);
+        return;
+    }
     bool isNew = false;
     Node* node = watchFolder(folder.node, name, path, isNew);
     if (node != nullptr && (node->isRoot || node->parent != folder.node)) {
         return;
     }
-    Arrival arrival = folder.arrival;
     if (arrival == Arrival::known && isNew) {
         arrival = Arrival::created;
     }

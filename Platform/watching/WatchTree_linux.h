@@ -24,9 +24,12 @@ class WatchTree {
 public:
     /// Receives what happened to a path, as bits of `FSEventFlag`.
     using Report = std::function<void(std::string path, std::uint32_t flags)>;
+    /// Returns whether a folder below a root is watched.
+    using Filter = std::function<bool(const std::string& folder)>;
     using Clock = std::chrono::steady_clock;
 
-    WatchTree(std::vector<std::string> roots, Report report);
+    /// Without a filter, all folders are watched.
+    WatchTree(std::vector<std::string> roots, Report report, Filter filter = {});
     WatchTree(const WatchTree&) = delete;
     WatchTree& operator=(const WatchTree&) = delete;
     ~WatchTree();
@@ -82,6 +85,7 @@ private:
         Arrival arrival = Arrival::atStart;
     };
 
+    [[nodiscard]] bool passes(const std::string& folder) const;
     void handle(const InotifyEvent& event);
     void handleInside(Node& folder, const InotifyEvent& event, std::string path);
     void depart(Node& folder, const InotifyEvent& event);
@@ -112,6 +116,7 @@ private:
 
     std::vector<std::string> roots_;
     Report report_;
+    Filter filter_;
     FileHandle inotify_;
     ChangeClock clock_;
     std::vector<int> rootWatches_;

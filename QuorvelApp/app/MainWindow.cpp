@@ -1,9 +1,10 @@
 #include "QuorvelApp/app/MainWindow.h"
 
+#include "QuorvelApp/app/EditMenu.h"
 #include "QuorvelApp/widgets/MessageSheet.h"
 #include "QuorvelApp/widgets/Sheet.h"
 
-#include <QCoreApplication>
+#include <QApplication>
 #include <QMenuBar>
 
 #include <utility>
@@ -23,27 +24,43 @@ MainWindow::MainWindow(AppModel& model, UpdaterController& updater, IconLoader& 
     addCommands(updater);
 }
 
+// Without roles, macOS would guess from a command's text which menu it belongs in. Its own menu
+// takes those of the application from wherever they are.
 void MainWindow::addCommands(UpdaterController& updater) {
-    // Without roles, macOS would guess from a command's text which menu it belongs in.
-    QAction* check = menuBar()->addMenu(tr("&Quorvel"))->addAction(tr("&Check for Updates…"));
-    check->setMenuRole(QAction::ApplicationSpecificRole);
-    check->setEnabled(updater.canCheckForUpdates());
-    connect(&updater, &UpdaterController::canCheckForUpdatesChanged, check, &QAction::setEnabled);
-    connect(check, &QAction::triggered, &updater, &UpdaterController::checkForUpdates);
-
-    QAction* add = menuBar()->addMenu(tr("&File"))->addAction(tr("&New Clone…"));
-    add->setMenuRole(QAction::NoRole);
-    add->setShortcut(QKeySequence::New);
-    connect(add, &QAction::triggered, this, [this] { model_.setStartNewCloneRequested(true); });
+    addFileMenu();
+    menuBar()->addMenu(new EditMenu(this));
 
     QAction* refresh = menuBar()->addMenu(tr("&View"))->addAction(tr("&Refresh"));
     refresh->setMenuRole(QAction::NoRole);
     refresh->setShortcut(Qt::CTRL | Qt::Key_R);
     connect(refresh, &QAction::triggered, &model_, &AppModel::reload);
 
-    QAction* about = menuBar()->addMenu(tr("&Help"))->addAction(tr("&About Quorvel"));
+    QMenu* help = menuBar()->addMenu(tr("&Help"));
+    QAction* check = help->addAction(tr("&Check for Updates…"));
+    check->setMenuRole(QAction::ApplicationSpecificRole);
+    check->setEnabled(updater.canCheckForUpdates());
+    connect(&updater, &UpdaterController::canCheckForUpdatesChanged, check, &QAction::setEnabled);
+    connect(check, &QAction::triggered, &updater, &UpdaterController::checkForUpdates);
+    QAction* about = help->addAction(tr("&About Quorvel"));
     about->setMenuRole(QAction::AboutRole);
     connect(about, &QAction::triggered, this, &MainWindow::showAbout);
+}
+
+void MainWindow::addFileMenu() {
+    QMenu* file = menuBar()->addMenu(tr("&File"));
+    QAction* add = file->addAction(tr("&New Clone…"));
+    add->setMenuRole(QAction::NoRole);
+    add->setShortcut(QKeySequence::New);
+    connect(add, &QAction::triggered, this, [this] { model_.setStartNewCloneRequested(true); });
+    file->addSeparator();
+    QAction* close = file->addAction(tr("&Close"));
+    close->setMenuRole(QAction::NoRole);
+    close->setShortcut(Qt::CTRL | Qt::Key_W); // the standard keys differ between desktops
+    connect(close, &QAction::triggered, this, &QWidget::close);
+    QAction* quit = file->addAction(tr("&Quit"));
+    quit->setMenuRole(QAction::QuitRole);
+    quit->setShortcut(Qt::CTRL | Qt::Key_Q);
+    connect(quit, &QAction::triggered, qApp, &QApplication::quit);
 }
 
 void MainWindow::showAbout() {
@@ -63,6 +80,7 @@ void MainWindow::showEvent(QShowEvent* event) {
     QMainWindow::showEvent(event);
     if (!std::exchange(listed_, true)) {
         model_.reload();
+        model_.repairMenu();
     }
 }
 

@@ -29,6 +29,7 @@ protected:
 
 private:
     void addCommands(UpdaterController& updater);
+    void addFileMenu();
     void showAbout();
 
     AppModel& model_;

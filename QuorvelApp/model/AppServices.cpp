@@ -1,6 +1,8 @@
 #include "QuorvelApp/model/AppServices.h"
 
 #include "LaunchKit/CloneCreation.h"
+#include "LaunchKit/InstanceRecord.h"
+#include "LaunchKit/MenuEntries.h"
 #include "ProbeKit/AppProber.h"
 
 #include <QTimer>
@@ -31,9 +33,13 @@ AppServices AppServices::system() {
     services.quitting = std::make_shared<std::atomic<bool>>(false);
     services.scanCatalog = [] { return AppCatalog::scan(); };
     services.readBundle = [](const std::filesystem::path& app) { return AppBundle::read(app); };
-    services.createWrapper = [](const WrapperFactory::Request& request) {
+    services.createWrapper = [](const WrapperFactory::Request& request,
+                                const WrapperFactory::Warning& warn) {
         // The form has warned that a clone of that name is replaced.
-        return createClone(WrapperFactory(), request, {.existingClone = true});
+        return createClone(WrapperFactory(), request, {.existingClone = true}, warn);
+    };
+    services.repairMenu = [](const std::vector<InstanceRecord>& clones) {
+        (void)quorvel::repairMenu(clones);
     };
     services.probe = [workspace = services.workspace,
                       quitting = services.quitting](const std::filesystem::path& app) {

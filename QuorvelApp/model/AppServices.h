@@ -20,6 +20,8 @@
 
 namespace quorvel {
 
+struct InstanceRecord;
+
 /// Everything the model does outside itself, passed in so that tests can observe and replace it.
 /// `after` is called on the main thread, the other functions on worker threads.
 struct AppServices {
@@ -34,7 +36,11 @@ struct AppServices {
     std::function<std::optional<AppBundle>(const std::filesystem::path&)> readBundle{};
     /// Returns the new wrapper. Throws what the factory throws, and `InvalidRequest` rather than
     /// replace something that is not a clone.
-    std::function<std::filesystem::path(const WrapperFactory::Request&)> createWrapper{};
+    std::function<std::filesystem::path(const WrapperFactory::Request&,
+                                        const WrapperFactory::Warning&)>
+        createWrapper{};
+    /// Brings the user's menu into line with the clones. Never throws.
+    std::function<void(const std::vector<InstanceRecord>&)> repairMenu{};
     /// Returns std::nullopt if the bundle can't be probed at all; throws if the probe fails.
     std::function<std::optional<ProbeResult>(const std::filesystem::path&)> probe{};
     Delay after{};

@@ -120,7 +120,8 @@ std::string NewCloneForm::strategyCaption() const {
 }
 
 WrapperFactory::Request NewCloneForm::makeRequest() const {
-    WrapperFactory::Request request{CloneTarget{.kind = shortcutType}, *this};
+    WrapperFactory::Request request{CloneTarget{.kind = shortcutType},
+                                    static_cast<const CloneOptions&>(*this)};
     fillTarget(request, *this);
     request.displayName = trimmingWhitespace(cloneName);
     request.instanceHome = nothingIfEmpty(trimmingWhitespace(dataPath));

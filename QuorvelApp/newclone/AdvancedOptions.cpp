@@ -1,8 +1,10 @@
 #include "QuorvelApp/newclone/AdvancedOptions.h"
 
+#include "Platform/desktop/DefaultApplication.h"
 #include "QuorvelApp/Components.h"
 #include "QuorvelApp/newclone/CustomIconRow.h"
 #include "QuorvelApp/newclone/FormBindings.h"
+#include "QuorvelApp/newclone/LinksRow.h"
 #include "QuorvelApp/widgets/ColorWell.h"
 
 #include <QHBoxLayout>
@@ -55,6 +57,9 @@ AdvancedOptions::AdvancedOptions(NewCloneSession& session, IconLoader& icons)
                 &NewCloneForm::registerAsBrowser);
     addCheckBox(column_, tr("Show in Finder's “Open With”"), &NewCloneForm::openWithPassthrough);
     addIsolation();
+    if (linksStayInsideClones()) {
+        addLinks();
+    }
 }
 
 void AdvancedOptions::addBlock(const QString& label, QWidget* control, const QString& help) {
@@ -173,6 +178,25 @@ void AdvancedOptions::addIsolation() {
            "own, inside its data folder — for a sandboxed or automated clone you don't want "
            "touching your files."),
         TextStyle::caption, Ink::secondary));
+    addForAppsOnly(widget);
+}
+
+void AdvancedOptions::addLinks() {
+    auto* widget = new QWidget;
+    auto* column = new QVBoxLayout(widget);
+    column->setContentsMargins(0, 0, 0, 0);
+    column->setSpacing(4);
+    auto* links = new LinksRow(session_);
+    QLabel* heading = makeLabel(tr("Links"), TextStyle::captionMedium);
+    heading->setBuddy(links);
+    column->addWidget(heading);
+    column->addWidget(links);
+    column->addWidget(makeWrappingLabel(tr("What opens the links that you click in this clone."),
+                                        TextStyle::caption, Ink::secondary));
+    addForAppsOnly(widget);
+}
+
+void AdvancedOptions::addForAppsOnly(QWidget* widget) {
     const auto show = [this, widget] {
         widget->setVisible(session_.form().shortcutType == ShortcutKind::app);
     };

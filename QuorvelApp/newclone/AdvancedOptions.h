@@ -29,8 +29,10 @@ private:
     [[nodiscard]] QWidget* makeIconLabel();
     [[nodiscard]] QWidget* makeArguments();
     [[nodiscard]] QWidget* makeEditor(const QString& name, std::string NewCloneForm::*field);
+    void addLinks();
     void addMenuBarBoxes();
     void addIsolation();
+    void addForAppsOnly(QWidget* widget);
 
     NewCloneSession& session_;
     QVBoxLayout* column_;

@@ -162,6 +162,12 @@ _quorvelctl() {
       _quorvelctl_offer_words "$current" \
         "home-override container-redirect wrapper-identity unsupported"
       return ;;
+    --links)
+      case $current in
+        [/~.]*) _quorvelctl_offer "$current" _quorvelctl_clones ;;
+        *) _quorvelctl_offer_words "$current" "default inside" ;;
+      esac
+      return ;;
     --label-position | --position)
       _quorvelctl_offer_words "$current" "bottom center top"; return ;;
     --workdir | --home | --output | --search-dir | --real-library)
@@ -178,7 +184,7 @@ _quorvelctl() {
     running) options="--help --json" ;;
     list) options="--help --json --search-dir" ;;
     show) options="--help --json" ;;
-    create) options="--help --json --kind --name --target --url --open --command --arg --workdir --home --shared-home --output --replace --bundle-id --strategy --icon --hide-icon --extra-arg --no-extra-args --env --no-default-env --plist --browser --open-with --label --label-color --label-position --menu-bar-icon --menu-bar-template --isolate-folders --runner --launch" ;;
+    create) options="--help --json --kind --name --target --url --open --command --arg --workdir --home --shared-home --output --replace --bundle-id --strategy --icon --hide-icon --extra-arg --no-extra-args --env --no-default-env --plist --browser --open-with --label --label-color --label-position --menu-bar-icon --menu-bar-template --isolate-folders --links --runner --launch" ;;
     open) options="--help --json" ;;
     delete) options="--help --json --including-data --yes" ;;
     migrate) options="--help --json" ;;

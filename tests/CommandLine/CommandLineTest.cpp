@@ -1,6 +1,7 @@
 #include "LaunchKit/HomeLock.h"
 #include "LaunchKit/InstanceConfig.h"
 #include "LaunchKit/InstanceRecord.h"
+#include "Platform/desktop/ActivationError.h"
 #include "tests/CommandLine/CommandLineHarness.h"
 #include "tests/support/AppBundles.h"
 #include "tests/support/UnprivilegedUser.h"
@@ -240,6 +241,16 @@ TEST(CommandLineTest, OpenSaysWhyACloneCantBeOpened) {
     EXPECT_EQ(result.status, 1);
     EXPECT_EQ(result.output, "");
     EXPECT_EQ(result.errors, "“Work.app” couldn’t be opened: permission denied\n");
+}
+
+TEST(CommandLineTest, OpenSucceedsForACloneThatRunsButStaysInTheBackground) {
+    CommandLineHarness harness;
+    addClone(harness, "Work");
+    harness.workspace.openError = activationError(ActivationFailure::notAllowed, "/x/Work.app");
+    const CommandResult result = harness.run({"open", "Work"});
+    EXPECT_EQ(result.status, 0);
+    EXPECT_EQ(result.output, "");
+    EXPECT_EQ(result.errors, harness.workspace.openError->description() + "\n");
 }
 
 TEST(CommandLineTest, DeleteNeedsYesWhenInputIsNotATerminal) {

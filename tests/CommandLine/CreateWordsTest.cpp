@@ -1,4 +1,5 @@
 #include "LaunchKit/CloneOptions.h"
+#include "Presentation/SystemWords.h"
 #include "tests/CommandLine/CommandLineHarness.h"
 #include "tests/support/AppBundles.h"
 
@@ -13,6 +14,10 @@ using namespace testing;
 using ::testing::ContainsRegex;
 using ::testing::HasSubstr;
 using ::testing::Not;
+
+std::string factOf(const CloneSwitch& each) {
+    return inSystemWords(switchContext, each.fact);
+}
 
 TEST(CreateWordsTest, EachSwitchSetsItsOwnFieldAlone) {
     CommandLineHarness harness;
@@ -37,8 +42,7 @@ TEST(CreateWordsTest, EachSwitchIsShownWhenItIsSet) {
     ASSERT_EQ(harness.run(arguments).status, 0);
     arguments.emplace_back("--replace");
     for (const CloneSwitch& each : cloneSwitches) {
-        EXPECT_THAT(harness.run({"show", "W"}).output,
-                    Not(HasSubstr(std::string(each.fact) + " ")));
+        EXPECT_THAT(harness.run({"show", "W"}).output, Not(HasSubstr(factOf(each) + " ")));
         if (!each.appsOnly) {
             arguments.emplace_back(each.flag);
         }
@@ -46,9 +50,44 @@ TEST(CreateWordsTest, EachSwitchIsShownWhenItIsSet) {
     ASSERT_EQ(harness.run(arguments).status, 0);
     const std::string output = harness.run({"show", "W"}).output;
     for (const CloneSwitch& each : cloneSwitches) {
-        const auto row = ContainsRegex("\n" + std::string(each.fact) + "  +yes\n");
+        const auto row = ContainsRegex("\n" + factOf(each) + "  +yes\n");
         EXPECT_EQ(::testing::Value(output, row), !each.appsOnly) << each.fact << "\n" << output;
     }
+}
+
+TEST(CreateWordsTest, TheHelpIsInThisSystemsWords) {
+    CommandLineHarness harness;
+    const std::string help = harness.run({"create", "--help"}).output;
+    EXPECT_THAT(help, HasSubstr(inSystemWords("CreateOptions", "Show no Dock icon")));
+    EXPECT_EQ(help.find("Dock") == std::string::npos,
+              systemWords("CreateOptions", "Show no Dock icon") != nullptr);
+    for (const CloneSwitch& each : cloneSwitches) {
+        EXPECT_THAT(help, HasSubstr(inSystemWords(switchContext, each.help)));
+    }
+}
+
+TEST(CreateWordsTest, LinksGoToABrowserTheCloneItselfOrAnotherClone) {
+    CommandLineHarness harness;
+    const std::string other = makeWrapper(harness.home / "Applications/Browser.app", "Browser");
+    const auto linksOf = [&](const std::vector<std::string>& more) {
+        std::vector<std::string> arguments{"create", "--kind",         "web",
+                                           "--url",  "https://a.test", "--name",
+                                           "W",      "--runner",       runnerProgram().string(),
+                                           "--json", "--replace"};
+        arguments.insert(arguments.end(), more.begin(), more.end());
+        return harness.run(arguments).json()["config"].value("links", "absent");
+    };
+    EXPECT_EQ(linksOf({}), "absent");
+    EXPECT_EQ(linksOf({"--links", "default"}), "absent");
+    EXPECT_EQ(linksOf({"--links", ""}), "absent");
+    EXPECT_EQ(linksOf({"--links", "inside"}), "inside");
+    EXPECT_EQ(linksOf({"--links", "Browser"}), other);
+    EXPECT_EQ(linksOf({"--links", other}), other);
+    EXPECT_EQ(linksOf({"--links", "app.quorvel.instance.test"}), other);
+    const CommandResult missing = harness.run(
+        {"create", "--kind", "web", "--url", "https://a.test", "--name", "V", "--links", "Nobody"});
+    EXPECT_EQ(missing.status, 1);
+    EXPECT_THAT(missing.errors, HasSubstr("There is no clone named “Nobody”."));
 }
 
 TEST(CreateWordsTest, RefusesUnknownChoicesAndNamesTheKnownOnes) {

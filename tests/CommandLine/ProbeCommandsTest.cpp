@@ -177,7 +177,7 @@ TEST(ProbeCommandsTest, ProbeDescriptionSaysWhatFellWhereWithThreeExamplesOfEach
     const std::string text = description(profile, result);
     EXPECT_THAT(text, HasSubstr("container-redirect: it writes data outside its home folder"));
     EXPECT_THAT(text, HasSubstr("hands over to the first and quits"));
-    EXPECT_THAT(text, HasSubstr("      5 into your Application Support\n"));
+    EXPECT_THAT(text, HasSubstr("      5 into your own application data\n"));
     EXPECT_THAT(text, HasSubstr("      1 inside the trial's home folder\n"));
     EXPECT_THAT(text, AllOf(HasSubstr("/b\n"), HasSubstr("/c\n"), Not(HasSubstr("/d\n"))));
     EXPECT_THAT(text, Not(HasSubstr("/home/captured")));

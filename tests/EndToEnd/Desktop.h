@@ -1,12 +1,11 @@
 #pragma once
 
-#include "Platform/processes/Process.h"
 #include "tests/support/SessionBus.h"
+#include "tests/support/XServer.h"
 
 #include <memory>
 #include <optional>
 #include <string>
-#include <utility>
 #include <vector>
 
 namespace quorvel::testing {
@@ -26,26 +25,13 @@ public:
     ~Desktop() = default;
 
 private:
-    /// A process that ends with this object.
-    class Program {
-    public:
-        explicit Program(Process process) : process_(std::move(process)) {}
-        Program(const Program&) = delete;
-        Program& operator=(const Program&) = delete;
-        ~Program();
-
-    private:
-        Process process_;
-    };
-
     void setVariable(const std::string& name, const std::string& value);
 
     TemporaryFolder folder_;
     std::vector<std::unique_ptr<ScopedEnvironment>> variables_{};
     // In the order of their start; they end the other way round.
-    std::optional<Program> server_{};
     std::optional<SessionBus> bus_{};
-    std::optional<Program> windowManager_{};
+    std::optional<XServer> screen_{};
 };
 
 } // namespace quorvel::testing

@@ -1,4 +1,5 @@
 #include "LaunchKit/Icons/IcnsWriter.h"
+#include "Platform/desktop/X11Windows_linux.h"
 #include "tests/EndToEnd/Desktop.h"
 #include "tests/EndToEnd/Programs.h"
 #include "tests/EndToEnd/UiDriver.h"
@@ -8,6 +9,7 @@
 
 #include <array>
 #include <csignal>
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
@@ -16,6 +18,8 @@ namespace {
 
 using namespace testing;
 namespace fs = std::filesystem;
+
+using ::testing::HasSubstr;
 
 constexpr auto runningGreen = "#30C057"; // of the light theme
 
@@ -218,6 +222,79 @@ TEST_F(WindowEndToEndTest, DeletesACloneWithAndWithoutItsData) {
     EXPECT_FALSE(fs::exists(wrapper("Drop")));
     EXPECT_FALSE(fs::exists(quorvelctl.data("Drop")));
     EXPECT_TRUE(fs::exists(applications / "Chat.app"));
+}
+
+// The window of a process, as the window manager knows it.
+std::optional<X11Window> windowOf(pid_t process) {
+    const auto screen = X11Windows::connect();
+    for (const X11Window& window : screen->list()) {
+        if (window.pid == process) {
+            return window;
+        }
+    }
+    return std::nullopt;
+}
+
+std::string outputOf(const std::string& command, std::vector<std::string> arguments) {
+    Process::Options options;
+    options.executable = command;
+    options.arguments = std::move(arguments);
+    return Process::capture(options, std::size_t{1} << 20U);
+}
+
+TEST_F(WindowEndToEndTest, FocusBringsTheClonesOwnWindowToTheFront) {
+    makeScriptedAppBundle(applications / "Viewer.app",
+                          std::string("exec ") + QUORVEL_X11_WINDOW + " \"$HOME/window\" Viewer");
+    for (const char* name : {"First", "Second"}) {
+        quorvelctl.run(
+            {"create", "--name", name, "--target", (applications / "Viewer.app").string()});
+    }
+    const auto window = [&](const std::string& clone) {
+        const std::string text = read(quorvelctl.data(clone) / "window");
+        return text.ends_with('\n') ? static_cast<std::uint32_t>(std::stoul(text)) : 0;
+    };
+    const auto screen = X11Windows::connect();
+    const auto isInFront = [&](const std::string& clone) {
+        return window(clone) != 0 && screen->active() == window(clone);
+    };
+    open();
+    const std::uint32_t own = screen->active();
+    for (const char* name : {"First", "Second"}) {
+        screen->activate(own);
+        ui.click(Control::row, name);
+        ui.click(Control::button, "Launch");
+        ASSERT_TRUE(waitUntil([&] { return isInFront(name); })) << name;
+        screen->activate(own);
+        (void)ui.waitFor(Control::button, "Focus");
+    }
+    ui.click(Control::row, "First");
+    ui.click(Control::button, "Focus");
+    EXPECT_TRUE(waitUntil([&] { return isInFront("First"); }));
+    quorvelctl.environment["DISPLAY"] = currentEnvironment().at("DISPLAY");
+    quorvelctl.run({"open", "Second"});
+    EXPECT_TRUE(isInFront("Second"));
+}
+
+TEST_F(WindowEndToEndTest, HasTheIdentityOfItsMenuEntryAndItsIconAlsoFromTheBuildFolder) {
+    open();
+    const auto window = windowOf(program->identifier());
+    ASSERT_TRUE(window);
+    const std::string entry =
+        read(fs::path(QUORVEL_SOURCE_DIR) / "packaging" / "app.quorvel.Quorvel.desktop");
+    EXPECT_THAT(entry, HasSubstr("\nStartupWMClass=" + window->className + "\n"));
+    const std::string icon = outputOf(
+        "/usr/bin/xprop", {"-id", std::to_string(window->id), "-len", "100", "_NET_WM_ICON"});
+    EXPECT_THAT(icon, HasSubstr("Icon (")) << "the icon in the program";
+}
+
+TEST_F(WindowEndToEndTest, SpeaksOfThisSystemAndQuitsWithItsKey) {
+    quorvelctl.run({"create", "--name", "Work", "--target", (applications / "Chat.app").string()});
+    open();
+    ui.click(Control::row, "Work");
+    (void)ui.waitFor(Control::button, "Reveal in File Manager");
+    UiDriver::press("ctrl+q");
+    ASSERT_TRUE(waitUntil([&] { return !program->isRunning(); }));
+    EXPECT_EQ(program->waitUntilExit(), 0);
 }
 
 TEST_F(WindowEndToEndTest, ShowsAnErrorAndContinuesWhenItIsDismissed) {

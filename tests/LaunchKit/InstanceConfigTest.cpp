@@ -80,6 +80,22 @@ TEST(InstanceConfigTest, AMinimalFileIsWrittenWithItsFifteenKeysSorted) {
 })");
 }
 
+TEST(InstanceConfigTest, WhatOpensLinksIsAnyTextAndWrittenIfThereIsOne) {
+    const auto with = [](const std::string& value) {
+        return InstanceConfig::fromJson(
+            R"({"displayName": "N", "bundleId": "b", "instanceHome": "/h", "links": )" + value +
+            "}");
+    };
+    EXPECT_EQ(with("null").links, std::nullopt);
+    for (const char* text : {"default", "inside", "/Apps/Browser.app", "a.clone.that.is.gone"}) {
+        const InstanceConfig config = with("\"" + std::string(text) + "\"");
+        EXPECT_EQ(config.links, text);
+        EXPECT_EQ(InstanceConfig::fromJson(config.json()).links, text);
+    }
+    EXPECT_THROW((void)with("true"), ConfigError);
+    EXPECT_EQ(with("null").json().find("links"), std::string::npos);
+}
+
 TEST(InstanceConfigTest, AFullFileIsWrittenWithAllKeysSorted) {
     EXPECT_EQ(fullConfig().json(), R"({
   "bundleId": "app.quorvel.instance.test",

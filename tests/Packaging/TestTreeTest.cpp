@@ -14,7 +14,7 @@ using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 namespace fs = std::filesystem;
 
-constexpr std::array layers{"Base",         "Platform",    "LaunchKit",  "ProbeKit",
+constexpr std::array layers{"Base",         "Platform",    "LinkDoor",   "LaunchKit", "ProbeKit",
                             "Presentation", "CommandLine", "QuorvelApp", "Runner"};
 
 // "Workspace" for Workspace.h, Workspace_linux.cpp and Workspace_macos.mm.

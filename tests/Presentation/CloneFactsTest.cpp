@@ -44,6 +44,26 @@ TEST(CloneFactsTest, TheSourceOfAnAppIsItsNameOrItsWholePath) {
     EXPECT_EQ(sourceSummary(config), "");
 }
 
+TEST(CloneFactsTest, WhatOpensLinksIsShownIfItIsNotTheDefaultBrowser) {
+    InstanceRecord clone = cloneOf(ShortcutKind::app);
+    const std::string label = "Links open in";
+    const auto detail = [&] { return valueOf(cloneDetails(clone), label); };
+    const auto report = [&] { return valueOf(cloneReport(clone, {}), label); };
+    EXPECT_EQ(detail(), "no such row");
+    clone.config.links = "default";
+    EXPECT_EQ(report(), "no such row");
+    clone.config.links = "inside";
+    EXPECT_EQ(detail(), "this clone");
+    EXPECT_EQ(report(), "this clone");
+    clone.config.links = "/Apps/Browser (2).app";
+    EXPECT_EQ(detail(), "Browser (2)");
+    EXPECT_EQ(report(), "/Apps/Browser (2).app");
+    clone.config.links = "app.quorvel.instance.browser";
+    EXPECT_EQ(detail(), "app.quorvel.instance.browser");
+    clone.config.kind = ShortcutKind::command;
+    EXPECT_EQ(report(), "no such row") << "nothing is done about the links of commands";
+}
+
 TEST(CloneFactsTest, TheSourceOfAWebOrFileCloneIsWhatItOpens) {
     InstanceConfig web = cloneOf(ShortcutKind::web).config;
     EXPECT_EQ(sourceSummary(web), "");

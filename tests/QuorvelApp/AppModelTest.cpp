@@ -2,6 +2,7 @@
 #include "LaunchKit/InstanceConfig.h"
 #include "LaunchKit/InstanceLauncher.h"
 #include "LaunchKit/InstanceRecord.h"
+#include "Platform/desktop/ActivationError.h"
 #include "tests/QuorvelApp/StubServices.h"
 #include "tests/support/AppBundles.h"
 #include "tests/support/TemporaryHome.h"
@@ -292,6 +293,13 @@ TEST_F(AppModelTest, AFailedLaunchIsReportedAndStillLooksAgain) {
               "Couldn't launch: " + stubbed.workspace->openError->description());
 }
 
+TEST_F(AppModelTest, ACloneThatRunsButStaysInTheBackgroundWasNotAFailedLaunch) {
+    stubbed.workspace->openError = activationError(ActivationFailure::notAllowed, "/x/Work.app");
+    model().launch(addClone("Work"));
+    ASSERT_TRUE(eventually([&] { return !stubbed.delayed.empty(); }));
+    EXPECT_EQ(model().lastError(), stubbed.workspace->openError->description());
+}
+
 TEST_F(AppModelTest, AWorkspaceThatThrowsIsReportedLikeAnAnswer) {
     stubbed.workspace->throwsOpenError = true;
     stubbed.workspace->openError =
@@ -384,6 +392,24 @@ TEST_F(AppModelTest, AFailedCreationChangesNothingAndReachesTheCaller) {
     EXPECT_EQ(listed.count(), 0);
     EXPECT_FALSE(model().lastError());
     EXPECT_THAT(stubbed.workspace->opened, IsEmpty());
+}
+
+TEST_F(AppModelTest, ACloneThatIsNotInTheMenuIsMadeAllTheSameAndTheUserIsTold) {
+    stubbed.create = [&](const auto& request) { return addClone(request.displayName).bundleURL; };
+    stubbed.creationWarning = "It is not in the menu.";
+    WrapperFactory::Request request;
+    request.displayName = "Work";
+    EXPECT_EQ(resultOf(model().createClone(request, false)).bundleURL, folder / "Work.app");
+    EXPECT_EQ(model().lastError(), "It is not in the menu.");
+}
+
+TEST_F(AppModelTest, RepairsTheMenuForTheListedClonesInTheBackground) {
+    addClone("Home");
+    addClone("Work");
+    model().reload();
+    model().repairMenu();
+    EXPECT_TRUE(eventually([&] { return stubbed.clonesInMenu == 2; }));
+    EXPECT_THAT(stubbed.tasks->priorities, ElementsAre(TaskPriority::utility));
 }
 
 TEST_F(AppModelTest, DeletingRemovesTheWrapperAndListsAgain) {

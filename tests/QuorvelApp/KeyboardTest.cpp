@@ -80,6 +80,7 @@ TEST_F(KeyboardTest, TheAdvancedOptionsComeInTheirOwnOrder) {
                                         u"Register as a browser / URL handler"_s,
                                         u"Show in Finder's “Open With”"_s,
                                         u"Isolate this clone's Downloads, Documents & Desktop"_s,
+                                        u"Links"_s,
                                         u"Launch after creating"_s};
     ASSERT_GE(order.size(), expected.size());
     EXPECT_THAT(std::vector(order.begin(), order.begin() + static_cast<long>(expected.size())),

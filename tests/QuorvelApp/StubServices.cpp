@@ -1,5 +1,6 @@
 #include "tests/QuorvelApp/StubServices.h"
 
+#include "LaunchKit/InstanceRecord.h"
 #include "tests/support/Waiting.h"
 
 #include <QCoreApplication>
@@ -57,9 +58,16 @@ StubbedModel::StubbedModel(const std::filesystem::path& folder) {
                          .executableName = url.stem().string(),
                          .sandboxed = sandboxed.contains(url.string())};
     };
-    services.createWrapper = [this](const WrapperFactory::Request& request) {
+    services.createWrapper = [this](const WrapperFactory::Request& request,
+                                    const WrapperFactory::Warning& warn) {
         worked();
+        if (creationWarning) {
+            warn(*creationWarning);
+        }
         return create(request);
+    };
+    services.repairMenu = [this](const std::vector<InstanceRecord>& clones) {
+        clonesInMenu = static_cast<int>(clones.size());
     };
     services.probe = [this](const std::filesystem::path&) {
         worked();

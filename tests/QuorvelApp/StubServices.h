@@ -55,6 +55,8 @@ public:
     std::filesystem::path poisoned{}; ///< reading this app throws
     std::atomic<int> bundlesRead = 0;
     std::function<std::filesystem::path(const WrapperFactory::Request&)> create{};
+    std::optional<std::string> creationWarning{};
+    std::atomic<int> clonesInMenu = -1; ///< those that the menu was repaired for
     std::function<std::optional<ProbeResult>()> probe{};
     std::vector<std::chrono::milliseconds> delays{};
     std::vector<std::function<void()>> delayed{}; ///< what waits for a delay to pass

@@ -1,8 +1,11 @@
 #include "tests/QuorvelApp/WidgetLookup.h"
 
+#include <QAbstractButton>
 #include <QApplication>
+#include <QComboBox>
 #include <QHelpEvent>
 #include <QLabel>
+#include <QRegularExpression>
 #include <QTextDocumentFragment>
 #include <QToolTip>
 
@@ -72,6 +75,26 @@ bool shows(QWidget* root, const QString& text) {
     return std::any_of(labels.begin(), labels.end(), [&](const QLabel* label) {
         return label->isVisible() && QString(label->text()).remove(QChar(0x200B)) == text;
     });
+}
+
+QStringList shownTexts(const QWidget* root) {
+    QStringList texts{root->windowTitle()};
+    for (const QWidget* widget : root->findChildren<QWidget*>()) {
+        if (!widget->isVisibleTo(root)) {
+            continue;
+        }
+        texts << widget->accessibleName() << widget->accessibleDescription() << widget->toolTip();
+        if (const auto* label = qobject_cast<const QLabel*>(widget)) {
+            texts << label->text();
+        } else if (const auto* button = qobject_cast<const QAbstractButton*>(widget)) {
+            texts << button->text();
+        } else if (const auto* field = qobject_cast<const QLineEdit*>(widget)) {
+            texts << field->placeholderText();
+        } else if (const auto* choices = qobject_cast<const QComboBox*>(widget)) {
+            texts << choices->itemText(0);
+        }
+    }
+    return texts.filter(QRegularExpression(QStringLiteral("\\p{L}")));
 }
 
 } // namespace quorvel::testing

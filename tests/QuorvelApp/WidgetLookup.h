@@ -7,6 +7,7 @@
 #include <QCheckBox>
 #include <QLineEdit>
 #include <QPushButton>
+#include <QStringList>
 #include <QWidget>
 
 namespace quorvel::testing {
@@ -25,6 +26,9 @@ void chooseApp(QWidget* root, const QString& name);
 
 /// The plain text of the tooltip that `view` shows for what is at that place of its viewport.
 [[nodiscard]] QString tooltipAt(QAbstractItemView* view, QPoint place);
+
+/// All that the user can see, hear or hover over in the visible widgets.
+[[nodiscard]] QStringList shownTexts(const QWidget* root);
 
 /// Whether a label with exactly that text shows.
 [[nodiscard]] bool shows(QWidget* root, const QString& text);

@@ -16,6 +16,11 @@ bool SessionBus::isAvailable() {
     return fs::exists(daemonProgram);
 }
 
+SessionBus& SessionBus::shared() {
+    static SessionBus bus;
+    return bus;
+}
+
 SessionBus::SessionBus() {
     const std::string address = "unix:path=" + (folder_ / "bus").string();
     Process::Options options;

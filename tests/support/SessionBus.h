@@ -14,6 +14,9 @@ public:
     /// Whether the daemon is installed.
     [[nodiscard]] static bool isAvailable();
 
+    /// The one bus of a test program, which lives as long as the program.
+    [[nodiscard]] static SessionBus& shared();
+
     /// Throws `std::runtime_error` if the bus does not start.
     SessionBus();
     SessionBus(const SessionBus&) = delete;

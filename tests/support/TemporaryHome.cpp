@@ -8,6 +8,18 @@
 namespace quorvel::testing {
 namespace fs = std::filesystem;
 
+namespace {
+
+void set(const std::string& name, const std::optional<std::string>& value) {
+    if (value) {
+        ::setenv(name.c_str(), value->c_str(), 1);
+    } else {
+        ::unsetenv(name.c_str());
+    }
+}
+
+} // namespace
+
 TemporaryFolder::TemporaryFolder() {
     std::string pattern = (fs::temp_directory_path() / "quorvel-test-XXXXXX").string();
     if (::mkdtemp(pattern.data()) == nullptr) {
@@ -29,25 +41,22 @@ TemporaryFolder::~TemporaryFolder() {
     fs::remove_all(path_, ignored);
 }
 
-ScopedEnvironment::ScopedEnvironment(std::string name, const std::string& value)
+ScopedEnvironment::ScopedEnvironment(std::string name, const std::optional<std::string>& value)
     : name_(std::move(name)) {
     if (const char* old = std::getenv(name_.c_str())) {
         old_ = old;
     }
-    ::setenv(name_.c_str(), value.c_str(), 1);
+    set(name_, value);
 }
 
 ScopedEnvironment::~ScopedEnvironment() {
-    if (old_) {
-        ::setenv(name_.c_str(), old_->c_str(), 1);
-    } else {
-        ::unsetenv(name_.c_str());
-    }
+    set(name_, old_);
 }
 
 TemporaryHome::TemporaryHome()
     : path_(folder_ / "home"),
-      fixed_("CFFIXED_USER_HOME", path_.string()) {
+      fixed_("CFFIXED_USER_HOME", path_.string()),
+      data_("XDG_DATA_HOME", std::nullopt) {
     fs::create_directory(path_);
 }
 

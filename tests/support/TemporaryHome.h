@@ -25,10 +25,11 @@ private:
     std::filesystem::path path_;
 };
 
-/// Sets a variable of this process's environment; the destructor restores the old value.
+/// Sets a variable of this process's environment, or unsets it if `value` is absent; the destructor
+/// restores the old value.
 class ScopedEnvironment {
 public:
-    ScopedEnvironment(std::string name, const std::string& value);
+    ScopedEnvironment(std::string name, const std::optional<std::string>& value);
     ScopedEnvironment(const ScopedEnvironment&) = delete;
     ScopedEnvironment& operator=(const ScopedEnvironment&) = delete;
     ~ScopedEnvironment();
@@ -52,6 +53,7 @@ private:
     TemporaryFolder folder_;
     std::filesystem::path path_;
     ScopedEnvironment fixed_;
+    ScopedEnvironment data_; ///< the session's own would lead out of the home
 };
 
 /// Writes a file and creates its missing parent folders.

@@ -8,6 +8,7 @@ from dataclasses import dataclass
 LAYERS = {
     "Base": {"base_tests": "*"},
     "Platform": {"platform_tests": "*"},
+    "LinkDoor": {"link_door_tests": "*"},
     "LaunchKit": {"launchkit_tests": "*", "icon_tests": "WrapperIconTest.*"},
     "LaunchKit's icons": {"icon_tests": "*", "launchkit_tests": "IconComposerTest.*"},
     "ProbeKit": {"probe_tests": "*"},

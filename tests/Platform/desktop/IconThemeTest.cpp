@@ -178,6 +178,30 @@ TEST_F(IconThemeTest, AHugeIndexTakesNoTime) {
     EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(3));
 }
 
+TEST_F(IconThemeTest, TheChosenThemeIsThatOfTheDesktopsSettings) {
+    const TemporaryHome home;
+    const ScopedEnvironment settings("XDG_CONFIG_HOME", (home / "settings").string());
+    const ScopedEnvironment desktop("XDG_CURRENT_DESKTOP", "GNOME");
+    EXPECT_EQ(IconTheme::chosenTheme(), "hicolor");
+    write(home / "settings/kdeglobals", "[Icons]\nTheme=breeze-dark\n");
+    EXPECT_EQ(IconTheme::chosenTheme(), "hicolor");
+    write(home / "settings/gtk-3.0/settings.ini", "[Settings]\ngtk-icon-theme-name=Papirus\n");
+    EXPECT_EQ(IconTheme::chosenTheme(), "Papirus");
+    const ScopedEnvironment kde("XDG_CURRENT_DESKTOP", "KDE");
+    EXPECT_EQ(IconTheme::chosenTheme(), "breeze-dark");
+}
+
+TEST_F(IconThemeTest, TheThemesOfDesktopsComeLast) {
+    theme("own/hicolor");
+    theme("own/Adwaita");
+    icons({"own/hicolor/48/apps/both.png", "own/Adwaita/256/apps/both.png", "own/beside.png",
+           "own/Adwaita/48/apps/beside.png", "own/Adwaita/48/apps/other.png"});
+    EXPECT_EQ(find("both"), "own/hicolor/48/apps/both.png");
+    EXPECT_EQ(find("beside"), "own/beside.png");
+    EXPECT_EQ(find("other"), "own/Adwaita/48/apps/other.png");
+    EXPECT_EQ(find("missing"), "none");
+}
+
 TEST_F(IconThemeTest, FoldersComeFromTheSession) {
     const TemporaryHome home;
     const ScopedEnvironment dataHome("XDG_DATA_HOME", "/data");

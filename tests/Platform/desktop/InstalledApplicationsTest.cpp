@@ -1,6 +1,6 @@
 #include "Platform/desktop/InstalledApplications.h"
 
-#include "Platform/desktop/XdgFolders_linux.h"
+#include "Platform/files/XdgFolders_linux.h"
 #include "tests/support/TemporaryHome.h"
 
 #include <gmock/gmock.h>

@@ -37,6 +37,40 @@ TEST_F(ContainedFolderTest, IsCreatedWithItsParentsForItsUserOnly) {
     }
 }
 
+TEST_F(ContainedFolderTest, FilesAndLinksAreReplacedAndNotFollowed) {
+    const std::string file = base().string() + "/a/file";
+    const std::string link = base().string() + "/a/link";
+    EXPECT_TRUE(replaceFileBelow(base(), file, "first"));
+    EXPECT_TRUE(replaceFileBelow(base(), file, "second"));
+    EXPECT_EQ(read(file), "second");
+    EXPECT_EQ(fs::status(file).permissions(), fs::perms{0600});
+    write(folder_ / "outside/kept", "kept");
+    for (const std::string& path : {file, link}) {
+        fs::remove(path);
+        fs::create_symlink(folder_ / "outside/kept", path);
+    }
+    EXPECT_TRUE(replaceFileBelow(base(), file, "third"));
+    EXPECT_TRUE(replaceLinkBelow(base(), link, "/somewhere"));
+    EXPECT_EQ(read(file), "third");
+    EXPECT_EQ(fs::read_symlink(link), "/somewhere");
+    EXPECT_EQ(read(folder_ / "outside/kept"), "kept");
+    EXPECT_TRUE(replaceFileBelow(base(), base().string() + "/top", "x")) << "in the base itself";
+}
+
+TEST_F(ContainedFolderTest, NothingIsReplacedOutsideOrInPlaceOfAFolder) {
+    fs::create_directory(base() / "folder");
+    fs::create_directory_symlink(folder_ / "outside", base() / "link");
+    const auto before = tree();
+    for (const std::string& path :
+         {base().string() + "/folder", base().string() + "/link/file", base().string() + "/..",
+          base().string() + "/../file", base().string() + "/", (folder_ / "outside/file").string(),
+          base().string() + "/nul\0"s, "file"s, ""s}) {
+        EXPECT_FALSE(replaceFileBelow(base(), path, "x")) << path;
+        EXPECT_FALSE(replaceLinkBelow(base(), path, "/x")) << path;
+    }
+    EXPECT_EQ(tree(), before);
+}
+
 TEST_F(ContainedFolderTest, MayExistAlreadyAndKeepsItsContents) {
     write(base() / "a/file", "x");
     fs::permissions(base() / "a", fs::perms{0755});

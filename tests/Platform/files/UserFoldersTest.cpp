@@ -37,6 +37,18 @@ TEST(UserFoldersTest, IncludeTheNamesFromDesktopSettings) {
     EXPECT_THAT(userFolders(), Contains(home / "Dokumente"));
 }
 
+TEST(UserFoldersTest, EachKindHasTheNameThatTheDesktopGaveIt) {
+    const TemporaryHome home;
+    const ScopedEnvironment settings("XDG_CONFIG_HOME", (home / "settings").string());
+    write(home / ".config/user-dirs.dirs", "XDG_DOWNLOAD_DIR=\"$HOME/old\"\n"
+                                           "XDG_DOCUMENTS_DIR=\"/data/Dokumente/\"\n");
+    write(home / "settings/user-dirs.dirs", "XDG_DOWNLOAD_DIR=\"$HOME/Herunter\"\n"
+                                            "XDG_DESKTOP_DIR=\"$HOME/\"\n");
+    EXPECT_EQ(userFolder("Downloads", home.path()), home / "Herunter");
+    EXPECT_EQ(userFolder("Documents", home.path()), "/data/Dokumente");
+    EXPECT_EQ(userFolder("Desktop", home.path()), home / "Desktop"); // not the home itself
+}
+
 TEST(UserFoldersTest, AreTheUsualOnesWithoutDesktopSettings) {
     const TemporaryHome home;
     const ScopedEnvironment settings("XDG_CONFIG_HOME", (home / "none").string());

@@ -128,7 +128,7 @@ TEST_F(IsolatedEnvironmentTest, LinksToTheUsersDataAreRenewedAtEachStart) {
     fs::create_directories(realHome / ".local/share/fonts");
     fs::create_directories(realHome / ".local/share/mime");
     (void)environment();
-    session["XDG_DATA_HOME"] = (folder / "data").string();
+    const ScopedEnvironment data("XDG_DATA_HOME", (folder / "data").string());
     session["XDG_DATA_DIRS"] = "/opt/share";
     fs::create_directories(folder / "data/fonts");
     const std::string links = home + "/.local/share/quorvel/session-data";
@@ -145,6 +145,23 @@ TEST_F(IsolatedEnvironmentTest, ALinkInTheHomeLeadsNothingElsewhere) {
     EXPECT_TRUE(fs::is_empty(folder / "elsewhere"));
 }
 
+TEST_F(IsolatedEnvironmentTest, AFolderThatTheUserSwitchedOffIsNotTheWholeHome) {
+    write(realHome / ".config/user-dirs.dirs", "XDG_DOCUMENTS_DIR=\"$HOME/\"\n"
+                                               "XDG_MUSIC_DIR=\"$HOME/\"\n");
+    (void)environment();
+    EXPECT_THAT(userDirs(), ::testing::HasSubstr("XDG_DOCUMENTS_DIR=\"" +
+                                                 (realHome / "Documents").string() + "\"\n"));
+    EXPECT_THAT(userDirs(), ::testing::HasSubstr("XDG_MUSIC_DIR=\"$HOME/\"\n"));
+}
+
+TEST_F(IsolatedEnvironmentTest, FlatpakIsToldWhereTheUsersApplicationsAre) {
+    EXPECT_THAT(environment(), Not(Contains(Key("FLATPAK_USER_DIR"))));
+    EXPECT_EQ(environment({.usesFlatpak = true}).at("FLATPAK_USER_DIR"),
+              realHome / ".local/share/flatpak");
+    session["FLATPAK_USER_DIR"] = "/data/flatpak";
+    EXPECT_EQ(environment({.usesFlatpak = true}).at("FLATPAK_USER_DIR"), "/data/flatpak");
+}
+
 TEST_F(IsolatedEnvironmentTest, SharedFoldersAreTheUsersOwnUnderTheirRealNames) {
     write(realHome / ".config/user-dirs.dirs", "XDG_DOWNLOAD_DIR=\"$HOME/Téléchargements\"\n"
                                                "XDG_MUSIC_DIR=\"$HOME/Musique\"\n"
@@ -153,7 +170,9 @@ TEST_F(IsolatedEnvironmentTest, SharedFoldersAreTheUsersOwnUnderTheirRealNames) 
     EXPECT_THAT(userDirs(), ::testing::EndsWith("XDG_DOWNLOAD_DIR=\"" +
                                                 (realHome / "Téléchargements").string() +
                                                 "\"\nXDG_MUSIC_DIR=\"$HOME/Musique\"\n"
-                                                "XDG_DOCUMENTS_DIR=\"/data/papers\"\n"));
+                                                "XDG_DOCUMENTS_DIR=\"/data/papers\"\n"
+                                                "XDG_DESKTOP_DIR=\"" +
+                                                (realHome / "Desktop").string() + "\"\n"));
 }
 
 TEST_F(IsolatedEnvironmentTest, FoldersThatAreNotSharedStayInTheHome) {
@@ -169,11 +188,12 @@ TEST_F(IsolatedEnvironmentTest, FoldersOutsideTheUsersHomeAreNotSharedByAccident
     write(realHome / ".config/user-dirs.dirs", "XDG_DOCUMENTS_DIR=\"/data/papers\"\n"
                                                "XDG_MUSIC_DIR=\"/data/music/\"\n");
     (void)environment({.sharesUserFolders = false});
-    EXPECT_THAT(userDirs(), ::testing::EndsWith("XDG_DOCUMENTS_DIR=\"$HOME/papers\"\n"
-                                                "XDG_MUSIC_DIR=\"$HOME/music\"\n"));
+    // Under the name by which a migration finds it.
+    EXPECT_THAT(userDirs(), ::testing::HasSubstr("XDG_DOCUMENTS_DIR=\"$HOME/Documents\"\n"
+                                                 "XDG_MUSIC_DIR=\"$HOME/music\"\n"));
     (void)environment({.sharesUserFolders = true});
-    EXPECT_THAT(userDirs(), ::testing::EndsWith("XDG_DOCUMENTS_DIR=\"/data/papers\"\n"
-                                                "XDG_MUSIC_DIR=\"$HOME/music\"\n"));
+    EXPECT_THAT(userDirs(), ::testing::HasSubstr("XDG_DOCUMENTS_DIR=\"/data/papers\"\n"
+                                                 "XDG_MUSIC_DIR=\"$HOME/music\"\n"));
 }
 
 TEST_F(IsolatedEnvironmentTest, AFileWrittenByAnotherProgramIsKept) {

@@ -5,6 +5,7 @@
 #include <QAction>
 #include <QLabel>
 #include <QTest>
+#include <QTimer>
 
 namespace quorvel::testing {
 namespace {
@@ -19,6 +20,9 @@ TEST_F(MenuTest, SayOfEveryCommandWhereMacOSIsToPutIt) {
     EXPECT_EQ(command(u"Check for Updates…"_s)->menuRole(), QAction::ApplicationSpecificRole);
     EXPECT_EQ(command(u"New Clone…"_s)->menuRole(), QAction::NoRole);
     EXPECT_EQ(command(u"Refresh"_s)->menuRole(), QAction::NoRole);
+    EXPECT_EQ(command(u"Close"_s)->menuRole(), QAction::NoRole);
+    EXPECT_EQ(command(u"Quit"_s)->menuRole(), QAction::QuitRole);
+    EXPECT_EQ(command(u"Copy"_s)->menuRole(), QAction::NoRole);
 }
 
 TEST_F(MenuTest, DescribeTheProgramInAPanelThatEscapeCloses) {
@@ -41,6 +45,24 @@ TEST_F(MenuTest, DescribeTheProgramInAPanelThatEscapeCloses) {
         EXPECT_TRUE(eventually([&] { return window->findChildren<MessageSheet*>().isEmpty(); }));
     }
     QCoreApplication::setApplicationVersion(before);
+}
+
+TEST_F(MenuTest, CloseTheWindowWithItsKey) {
+    open();
+    QTest::keyClick(window.get(), Qt::Key_W, Qt::ControlModifier);
+    EXPECT_FALSE(window->isVisible());
+}
+
+TEST_F(MenuTest, QuitWithItsKey) {
+    open();
+    bool quitting = false;
+    QObject::connect(qApp, &QCoreApplication::aboutToQuit, window.get(), [&] { quitting = true; });
+    QTimer::singleShot(0, window.get(),
+                       [this] { QTest::keyClick(window.get(), Qt::Key_Q, Qt::ControlModifier); });
+    QTimer::singleShot(20'000, window.get(), [] { QCoreApplication::exit(1); });
+    EXPECT_EQ(QCoreApplication::exec(), 0);
+    EXPECT_TRUE(quitting);
+    EXPECT_FALSE(window->isVisible());
 }
 
 TEST_F(MenuTest, KeepTheSearchForUpdatesDisabledWithoutAFeed) {

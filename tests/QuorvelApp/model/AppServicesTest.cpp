@@ -34,7 +34,7 @@ protected:
     // The error's text; empty if creating succeeds.
     static std::string failure() {
         try {
-            (void)AppServices::system().createWrapper(request());
+            (void)AppServices::system().createWrapper(request(), {});
             return {};
         } catch (const std::exception& error) {
             return error.what();
@@ -101,7 +101,7 @@ TEST(AppServicesTestFullDisk, DISABLED_Within) {
     request.kind = ShortcutKind::web;
     request.displayName = "Work";
     try {
-        (void)AppServices::system().createWrapper(request);
+        (void)AppServices::system().createWrapper(request, {});
         FAIL() << "the disk was not full";
     } catch (const PlatformError& error) {
         EXPECT_EQ(error.code(), std::errc::no_space_on_device);

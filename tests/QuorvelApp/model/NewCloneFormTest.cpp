@@ -123,6 +123,15 @@ TEST(NewCloneFormTest, SelectingAnAppSetsEverySwitchBack) {
     }
 }
 
+TEST(NewCloneFormTest, LinksAreRequestedAndSetBackWithTheRest) {
+    NewCloneForm form;
+    EXPECT_EQ(form.makeRequest().links, std::nullopt);
+    form.links = "inside";
+    EXPECT_EQ(form.makeRequest().links, "inside");
+    form.select(notes, "Notes");
+    EXPECT_EQ(form.makeRequest().links, std::nullopt);
+}
+
 TEST(NewCloneFormTest, ShowsTheWholeCatalogForABlankSearch) {
     NewCloneForm form;
     EXPECT_THAT(form.filtered({notes, zoom}), ElementsAre(notes, zoom));

@@ -156,7 +156,9 @@ TEST_F(NewCloneSheetTest, WarnsOfACloneThatWouldBeReplaced) {
 TEST_F(NewCloneSheetTest, SaysThatWhatIsInThePlaceIsNotAClone) {
     const fs::path mine = makeAppBundle(folder / "Mine.app");
     const auto before = treeOf(mine);
-    stubs.create = AppServices::system().createWrapper;
+    stubs.create = [](const WrapperFactory::Request& request) {
+        return AppServices::system().createWrapper(request, {});
+    };
     open();
     openSheet();
     button(u"Web App"_s)->click();

@@ -1,4 +1,4 @@
-#include "Platform/desktop/XdgFolders_linux.h"
+#include "Platform/files/XdgFolders_linux.h"
 
 #include "Base/PathText.h"
 #include "Platform/files/UserPaths.h"
@@ -24,28 +24,46 @@ void addOnce(std::vector<fs::path>& folders, const fs::path& folder) {
     }
 }
 
-} // namespace
-
-fs::path xdgDataHome() {
-    const std::string_view own = environment("XDG_DATA_HOME");
+fs::path ownFolder(const char* variable, std::string_view otherwise) {
+    const std::string_view own = environment(variable);
     return own.starts_with('/') ? withoutTrailingSlashes(own)
-                                : fs::path(joinAsText(UserPaths::home(), ".local/share"));
+                                : fs::path(joinAsText(UserPaths::home(), otherwise));
 }
 
-std::vector<fs::path> xdgDataFolders() {
-    std::vector<fs::path> folders{xdgDataHome()};
-    std::string_view rest = environment("XDG_DATA_DIRS");
+void addFolders(std::vector<fs::path>& folders, const char* variable, std::string_view otherwise) {
+    std::string_view rest = environment(variable);
     if (rest.empty()) {
-        rest = "/usr/local/share:/usr/share";
+        rest = otherwise;
     }
     while (!rest.empty()) {
         const std::size_t end = std::min(rest.find(':'), rest.size());
         addOnce(folders, rest.substr(0, end));
         rest.remove_prefix(std::min(end + 1, rest.size()));
     }
+}
+
+} // namespace
+
+fs::path xdgConfigHome() {
+    return ownFolder("XDG_CONFIG_HOME", ".config");
+}
+
+fs::path xdgDataHome() {
+    return ownFolder("XDG_DATA_HOME", ".local/share");
+}
+
+std::vector<fs::path> xdgDataFolders() {
+    std::vector<fs::path> folders{xdgDataHome()};
+    addFolders(folders, "XDG_DATA_DIRS", defaultXdgDataDirs);
     addOnce(folders, joinAsText(folders.front(), "flatpak/exports/share"));
     addOnce(folders, "/var/lib/flatpak/exports/share");
     addOnce(folders, "/var/lib/snapd/desktop");
+    return folders;
+}
+
+std::vector<fs::path> xdgConfigFolders() {
+    std::vector<fs::path> folders{xdgConfigHome()};
+    addFolders(folders, "XDG_CONFIG_DIRS", "/etc/xdg");
     return folders;
 }
 

@@ -1,0 +1,14 @@
+#pragma once
+
+#include <string_view>
+
+/// Where a clone keeps what is Quorvel's in its data folder, as relative paths.
+namespace quorvel {
+
+/// The clone's log.
+inline constexpr std::string_view instanceLogName = "quorvel-instance.log";
+
+/// The folder of what the links that are clicked in the clone need.
+inline constexpr std::string_view linkFolderName = ".local/share/quorvel/links";
+
+} // namespace quorvel

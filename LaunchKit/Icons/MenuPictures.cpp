@@ -1,0 +1,55 @@
+#include "LaunchKit/Icons/MenuPictures.h"
+
+#include "LaunchKit/Icons/IconImage.h"
+
+#include <QBuffer>
+#include <QPainter>
+
+#include <new>
+
+namespace quorvel {
+namespace {
+
+constexpr int largest = 256;
+
+QImage fitted(const QImage& image, int side) {
+    QImage square(side, side, QImage::Format_ARGB32_Premultiplied);
+    square.fill(Qt::transparent);
+    const QImage scaled = image.scaled(side, side, Qt::KeepAspectRatio, Qt::SmoothTransformation);
+    QPainter painter(&square);
+    painter.drawImage((side - scaled.width()) / 2, (side - scaled.height()) / 2, scaled);
+    return square;
+}
+
+std::string pngBytes(const QImage& image) {
+    QByteArray bytes;
+    QBuffer buffer(&bytes);
+    image.save(&buffer, "PNG");
+    return bytes.toStdString();
+}
+
+std::vector<MenuPicture> picturesIn(const std::filesystem::path& icon) {
+    // Averaging colors needs them premultiplied.
+    const QImage image =
+        iconImageNear(icon, largest).convertToFormat(QImage::Format_ARGB32_Premultiplied);
+    if (image.isNull()) {
+        return {};
+    }
+    std::vector<MenuPicture> pictures;
+    for (const int side : {48, 128, largest}) {
+        pictures.push_back({side, pngBytes(fitted(image, side))});
+    }
+    return pictures;
+}
+
+} // namespace
+
+std::vector<MenuPicture> menuPictures(const std::filesystem::path& icon) {
+    try {
+        return picturesIn(icon);
+    } catch (const std::bad_alloc&) {
+        return {};
+    }
+}
+
+} // namespace quorvel

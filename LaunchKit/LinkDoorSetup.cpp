@@ -1,0 +1,197 @@
+#include "LaunchKit/LinkDoorSetup.h"
+
+#include "Base/CloneLayout.h"
+#include "Base/PathText.h"
+#include "LaunchKit/AppBundle.h"
+#include "LaunchKit/CloneOptions.h"
+#include "LaunchKit/LinkOpener.h"
+#include "LinkDoor/LinkSession.h"
+#include "Platform/desktop/DefaultApplication.h"
+#include "Platform/desktop/MimeAppsList.h"
+#include "Platform/files/ContainedFolder.h"
+#include "Platform/files/FileReading.h"
+#include "Platform/files/FileSystem.h"
+#include "Platform/files/UserPaths.h"
+
+#include <algorithm>
+#include <array>
+
+namespace quorvel {
+namespace fs = std::filesystem;
+namespace {
+
+constexpr std::string_view doorEntryId = "quorvel-links.desktop";
+
+// What a browser is the default application for, on desktops of every kind.
+constexpr std::array<std::string_view, 5> linkTypes{
+    "x-scheme-handler/http", "x-scheme-handler/https", "text/html", "application/xhtml+xml",
+    "x-scheme-handler/mailto"};
+
+std::string valueOf(const Environment& environment, const char* name) {
+    const auto found = environment.find(name);
+    return found == environment.end() ? std::string() : found->second;
+}
+
+std::string folderOf(const Environment& clone, const char* variable, std::string_view otherwise) {
+    const std::string value = valueOf(clone, variable);
+    return value.starts_with('/') ? value : joinAsText(valueOf(clone, "HOME"), otherwise);
+}
+
+// One home's part in opening links.
+class LinkHome {
+public:
+    LinkHome(const std::string& home, const Environment& clone)
+        : home_(home),
+          links_(joinAsText(home, linkFolderName)),
+          config_(folderOf(clone, "XDG_CONFIG_HOME", ".config")),
+          entry_(joinAsText(
+              joinAsText(folderOf(clone, "XDG_DATA_HOME", ".local/share"), "applications"),
+              doorEntryId)) {
+        for (const std::string& list : mimeAppsListNames(valueOf(clone, "XDG_CURRENT_DESKTOP"))) {
+            if (list == commonMimeAppsList || itemOrLinkExists(joinAsText(config_, list))) {
+                lists_.push_back(list);
+            }
+        }
+    }
+
+    void prepare(const fs::path& door) const {
+        replaceLinkBelow(home_, joinAsText(programs(), "xdg-open"), door);
+        if (const std::string entry = entryText(door); !entry.empty()) {
+            replaceIfOther(entry_, entry);
+            editLists([](const std::string& list) {
+                return preferringHandler(list, linkTypes, doorEntryId);
+            });
+        }
+    }
+
+    void takeBack() const {
+        editLists([](const std::string& list) { return withoutHandler(list, doorEntryId); });
+    }
+
+    void writeSession(const LinkSession& session) const {
+        replaceFileBelow(home_, linkSessionFile(home_), session.text());
+    }
+
+    [[nodiscard]] std::string programs() const { return joinAsText(links_, "bin"); }
+
+private:
+    // Unchanged files keep their dates, which desktops watch.
+    void replaceIfOther(const std::string& file, const std::string& text) const {
+        constexpr std::size_t limit = 65536;
+        if (isSymbolicLink(file) || readFile(file, limit) != text) {
+            replaceFileBelow(home_, file, text);
+        }
+    }
+
+    template<typename Edit>
+    void editLists(const Edit& edit) const {
+        constexpr std::size_t limit = std::size_t{1} << 20U;
+        for (const std::string& name : lists_) {
+            const std::string file = joinAsText(config_, name);
+            const auto before = readFile(file, limit);
+            // A link is somebody's wish, and what can't be read can't be kept.
+            if (isSymbolicLink(file) || (!before && itemExists(file))) {
+                continue;
+            }
+            const std::string after = edit(before.value_or(""));
+            if (after != before.value_or("")) {
+                replaceFileBelow(home_, file, after);
+            }
+        }
+    }
+
+    static std::string entryText(const fs::path& door) {
+        DesktopEntry entry;
+        entry.type = "Application";
+        entry.name = "Links";
+        entry.comment = "Opens links outside of this clone";
+        entry.noDisplay = true;
+        entry.mimeTypes.assign(linkTypes.begin(), linkTypes.end());
+        try {
+            entry.tryExec = door.string();
+            entry.exec = ExecLine::text({door.string()}, "%u");
+            return desktopEntryText(entry);
+        } catch (const Error&) {
+            return {}; // a path that no entry can hold
+        }
+    }
+
+    std::string home_;
+    std::string links_;
+    std::string config_;
+    std::string entry_;
+    std::vector<std::string> lists_{};
+};
+
+// A browser's name is taken apart at blanks and colons, and "%s" in it has a meaning.
+bool isPlainCommand(std::string_view path) {
+    return path.find_first_of(" :%\t\n\"'\\") == std::string_view::npos;
+}
+
+void changeEnvironment(const LinkHome& links, const fs::path& door, const std::string& home,
+                       const CloneOptions& options, Environment& clone) {
+    if (!options.environment.contains("BROWSER")) {
+        clone["BROWSER"] = isPlainCommand(door.native()) ? door.string() : "xdg-open";
+    }
+    const std::string programs = links.programs();
+    if (programs.find(':') == std::string::npos) {
+        const std::string path = valueOf(clone, "PATH");
+        clone["PATH"] = programs + ":" + (path.empty() ? "/usr/local/bin:/usr/bin:/bin" : path);
+    }
+    clone[cloneHomeVariable] = home;
+}
+
+} // namespace
+
+bool isWebBrowser(const AppBundle& app) {
+    if (!app.desktop) {
+        return false;
+    }
+    const auto engine = app.desktop->program.engine;
+    const std::vector<std::string>& types = app.desktop->entry.mimeTypes;
+    return (engine == ResolvedProgram::Engine::firefox ||
+            engine == ResolvedProgram::Engine::chromium) &&
+           std::find(types.begin(), types.end(), linkTypes.front()) != types.end();
+}
+
+LinkRoute linkRouteOf(const AppBundle& app, const CloneOptions& options, bool systemOpensOutside) {
+    const bool staysInside = systemOpensOutside || options.links == linksInside ||
+                             options.registerAsBrowser || isWebBrowser(app);
+    return staysInside ? LinkRoute::inside : LinkRoute::outside;
+}
+
+std::optional<fs::path> linkDoorProgram(const Environment& session) {
+    const std::string name = "quorvel-link-door";
+    for (const std::string& path :
+         {valueOf(session, "QUORVEL_LINK_DOOR"), QUORVEL_LIBEXEC "/" + name,
+          "/usr/libexec/quorvel/" + name, "/usr/local/libexec/quorvel/" + name}) {
+        if (path.starts_with('/') && isExecutableFile(path)) {
+            return path;
+        }
+    }
+    return std::nullopt;
+}
+
+void setUpLinks(const AppBundle& app, const std::string& home, const CloneOptions& options,
+                const Environment& session, Environment& clone) {
+    if (isSameItem(home, UserPaths::home())) {
+        return; // the user's own settings
+    }
+    try {
+        const LinkHome links(home, clone);
+        const auto door = linkDoorProgram(session);
+        if (!door || linkRouteOf(app, options, !linksStayInsideClones()) == LinkRoute::inside) {
+            links.takeBack();
+            return;
+        }
+        links.prepare(*door);
+        changeEnvironment(links, *door, home, options, clone);
+        LinkSession record = LinkSession::between(session, clone);
+        record.opener = linkOpenerProgram(options.links);
+        links.writeSession(record);
+    } catch (const std::exception&) {
+        // The application is started without.
+    }
+}
+
+} // namespace quorvel

@@ -1,0 +1,215 @@
+#include "LaunchKit/MenuEntries.h"
+
+#include "Base/BundleLayout.h"
+#include "Base/StableHash.h"
+#include "Base/TerminalText.h"
+#include "Base/Text.h"
+#include "LaunchKit/Icons/MenuPictures.h"
+#include "LaunchKit/InstanceRecord.h"
+#include "LaunchKit/MenuTarget.h"
+#include "LaunchKit/WindowWord.h"
+#include "LaunchKit/WrapperLayout.h"
+#include "Platform/desktop/ExecLine.h"
+#include "Platform/desktop/MenuEntry.h"
+#include "Platform/files/FileReading.h"
+#include "Platform/files/FileSystem.h"
+
+#include <map>
+#include <sys/stat.h>
+
+namespace quorvel {
+namespace fs = std::filesystem;
+namespace {
+
+// Menus show what they are given, so it must not be able to disguise itself.
+std::string shownText(const std::string& text) {
+    return Text::trimmingWhitespaceAndNewlines(withoutControls(text));
+}
+
+// Another name for each picture, without reading it.
+std::string pictureName(const std::string& word, const fs::path& icon) {
+    struct stat facts {};
+    if (::stat(icon.c_str(), &facts) != 0) {
+        return {};
+    }
+    const std::string state = std::to_string(facts.st_size) + " " + std::to_string(facts.st_mtime) +
+                              " " +
+                              std::to_string(fs::last_write_time(icon).time_since_epoch().count());
+    return word + "-" + stableHash(state);
+}
+
+std::string commentFor(const InstanceConfig& config, const MenuTarget& target) {
+    switch (config.kind) {
+    case ShortcutKind::app:
+        return "Clone of " + target.name;
+    case ShortcutKind::web:
+        return "Opens " + config.url.value_or("");
+    case ShortcutKind::file:
+        return "Opens " + config.openPath.value_or("");
+    case ShortcutKind::command:
+        break;
+    }
+    return "Runs " + config.commandPath.value_or("");
+}
+
+// Names that every icon theme has.
+std::string genericIcon(ShortcutKind kind) {
+    switch (kind) {
+    case ShortcutKind::app:
+        return "application-x-executable";
+    case ShortcutKind::web:
+        return "web-browser";
+    case ShortcutKind::file:
+        return "text-x-generic";
+    case ShortcutKind::command:
+        break;
+    }
+    return "utilities-terminal";
+}
+
+// GIO looks for a program under its name as written, so a name with "%%" in it isn't found.
+std::string execOf(const std::string& runner, const std::string& codes) {
+    std::string exec = ExecLine::text({runner}, codes);
+    return runner.find('%') == std::string::npos ? exec
+                                                 : ExecLine::text({"/usr/bin/env", runner}, codes);
+}
+
+DesktopEntry entryFor(const InstanceRecord& record, const MenuTarget& target,
+                      const std::string& identity) {
+    const InstanceConfig& config = record.config;
+    const std::string word = windowWord(identity);
+    const std::string runner = runnerOf(identity);
+    DesktopEntry entry;
+    entry.type = "Application";
+    entry.name = shownText(config.displayName);
+    if (entry.name.empty()) {
+        entry.name = word;
+    }
+    entry.comment = shownText(commentFor(config, target));
+    entry.exec = execOf(runner, target.codes);
+    entry.tryExec = runner;
+    entry.icon = pictureName(word, iconOf(identity));
+    if (entry.icon.empty()) {
+        entry.icon = genericIcon(config.kind);
+    }
+    entry.startupWmClass = word;
+    entry.startupNotify = target.notifiesOfStart;
+    entry.categories = target.categories;
+    entry.mimeTypes = target.mimeTypes;
+    entry.keywords = target.keywords;
+    entry.cloneId = identity;
+    return entry;
+}
+
+// GNOME matches a sandboxed app's windows only to entries whose id begins with the app's.
+std::string fileName(const MenuTarget& target, const std::string& identity) {
+    return (target.flatpakId.empty() ? windowWord(identity)
+                                     : target.flatpakId + ".quorvel-" + stableHash(identity)) +
+           ".desktop";
+}
+
+// Whether the published icon is one that the user chose, or the right one.
+bool showsRight(const DesktopEntry& published, const MenuEntry& wanted) {
+    return !published.icon.starts_with(wanted.word + "-") ||
+           (published.icon == wanted.entry.icon && hasMenuPicture(published.icon));
+}
+
+// Whether the clone was made again after its entry was published.
+bool isOlderThanWrapper(const PublishedEntry& published) {
+    std::error_code code;
+    const fs::file_time_type made = fs::last_write_time(infoPlistOf(published.entry.cloneId), code);
+    return !code && published.written < made;
+}
+
+bool isRight(const PublishedEntry& published, const MenuEntry& wanted) {
+    return published.fileName == wanted.fileName && published.entry.exec == wanted.entry.exec &&
+           published.entry.tryExec == wanted.entry.tryExec && showsRight(published.entry, wanted) &&
+           !isOlderThanWrapper(published);
+}
+
+// Not the same as unreadable: what the user might still repair or mount again stays published.
+bool isGone(const std::string& identity) {
+    return itemExists(fs::path(identity).parent_path()) && !itemOrLinkExists(configOf(identity)) &&
+           !itemOrLinkExists(runnerOf(identity));
+}
+
+using Published = std::multimap<std::string, PublishedEntry>;
+
+void withdrawOrphans(const Published& published, MenuRepair& repair) {
+    for (auto entry = published.begin(); entry != published.end();
+         entry = published.upper_bound(entry->first)) {
+        if (isGone(entry->first)) {
+            withdrawFromMenu(entry->first);
+            ++repair.withdrawn;
+        }
+    }
+}
+
+void publishUnlessRight(const InstanceRecord& record, const Published& published,
+                        MenuRepair& repair) {
+    const MenuEntry wanted = menuEntryOf(record);
+    const auto [first, last] = published.equal_range(wanted.entry.cloneId);
+    // Nothing is drawn unless something is wrong.
+    if (std::distance(first, last) != 1 || !isRight(first->second, wanted)) {
+        publishInMenu(record);
+        ++repair.published;
+    }
+}
+
+template<typename Work>
+void collectingProblems(MenuRepair& repair, const Work& work) {
+    try {
+        work();
+    } catch (const std::exception& error) {
+        repair.problems.emplace_back(error.what());
+    }
+}
+
+} // namespace
+
+MenuEntry menuEntryOf(const InstanceRecord& record) {
+    const std::string identity = cloneIdentity(record.bundleURL);
+    const MenuTarget target = menuTargetOf(record.config);
+    return {windowWord(identity), fileName(target, identity), entryFor(record, target, identity)};
+}
+
+void publishInMenu(const InstanceRecord& record, const std::optional<fs::path>& drawing) {
+    if (!hasMenu()) {
+        return;
+    }
+    constexpr std::size_t largestDrawing = std::size_t{4} << 20U;
+    MenuEntry entry = menuEntryOf(record);
+    std::vector<MenuPicture> pictures = menuPictures(iconOf(entry.entry.cloneId));
+    if (pictures.empty()) {
+        entry.entry.icon = genericIcon(record.config.kind);
+    } else if (drawing) {
+        if (auto bytes = readFile(drawing->native(), largestDrawing)) {
+            pictures.push_back({0, std::move(*bytes)});
+        }
+    }
+    publishMenuEntry(entry, pictures);
+}
+
+void withdrawFromMenu(const std::string& identity) {
+    withdrawMenuEntry(identity, windowWord(identity));
+}
+
+MenuRepair repairMenu(const std::vector<InstanceRecord>& records) {
+    MenuRepair repair;
+    if (!hasMenu()) {
+        return repair;
+    }
+    removeMenuLeftovers();
+    Published published;
+    for (PublishedEntry& entry : publishedMenuEntries()) {
+        std::string identity = entry.entry.cloneId;
+        published.emplace(std::move(identity), std::move(entry));
+    }
+    collectingProblems(repair, [&] { withdrawOrphans(published, repair); });
+    for (const InstanceRecord& record : records) {
+        collectingProblems(repair, [&] { publishUnlessRight(record, published, repair); });
+    }
+    return repair;
+}
+
+} // namespace quorvel

@@ -1,0 +1,127 @@
+#include "LinkDoor/DefaultBrowser.h"
+
+#include "Base/PathText.h"
+#include "Platform/desktop/DefaultApplication.h"
+#include "Platform/desktop/ExecLine.h"
+#include "Platform/desktop/ProgramResolution.h"
+#include "Platform/files/FileSystem.h"
+#include "Platform/files/UserPaths.h"
+#include "Platform/processes/MainExecutable.h"
+#include "Platform/processes/Process.h"
+
+#include <algorithm>
+#include <cstdlib>
+
+namespace quorvel {
+namespace fs = std::filesystem;
+namespace {
+
+// Takes a command line apart once more, unlike any browser.
+bool isShell(const fs::path& program) {
+    std::error_code code;
+    const fs::path resolved = fs::canonical(program, code);
+    for (const fs::path& name : {program.filename(), resolved.filename()}) {
+        if (name == "sh" || name == "bash" || name == "dash" || name == "ksh" || name == "zsh") {
+            return true;
+        }
+    }
+    return false;
+}
+
+bool isPartOf(const std::vector<std::string>& arguments, const std::string& address) {
+    return std::any_of(arguments.begin(), arguments.end(), [&](const std::string& argument) {
+        return argument != address && argument.find(address) != std::string::npos;
+    });
+}
+
+bool isAmong(const std::vector<std::string>& arguments, const std::string& address) {
+    return std::find(arguments.begin(), arguments.end(), address) != arguments.end();
+}
+
+// As an "env" before the entry's program would.
+void applyEnvironment(const ExecLine& line) {
+    for (const std::string& name : line.unset) {
+        ::unsetenv(name.c_str());
+    }
+    for (const std::string& entry : line.environment) {
+        const std::size_t equals = entry.find('=');
+        ::setenv(entry.substr(0, equals).c_str(), entry.substr(equals + 1).c_str(), 1);
+    }
+}
+
+enum class Outcome { started, failed, refused };
+
+Outcome startApplication(const InstalledApplication& application, const std::string& address) {
+    const ExecLine line = ExecLine::parse(application.entry.exec);
+    const auto program = findProgram(line.program);
+    if (!program) {
+        return Outcome::failed;
+    }
+    std::vector<std::string> arguments = line.toArguments(
+        {address}, {application.entry.icon, application.entry.name, application.file.string()});
+    const bool isEmbedded = isPartOf(arguments, address);
+    if (isEmbedded && isShell(*program)) {
+        return Outcome::refused;
+    }
+    if (!isEmbedded && !isAmong(arguments, address)) {
+        arguments.push_back(address); // an entry without a code for addresses
+    }
+    applyEnvironment(line);
+    startDetached(*program, arguments);
+    return Outcome::started;
+}
+
+} // namespace
+
+void startDetached(const fs::path& program, const std::vector<std::string>& arguments) {
+    Process::Options options;
+    options.executable = program;
+    options.arguments = arguments;
+    options.standardOutput = Process::Discard{};
+    options.standardError = Process::Discard{};
+    options.detached = true;
+    const fs::path home = UserPaths::home();
+    options.directory = itemExists(home) ? home : fs::path("/");
+    (void)Process::run(options);
+}
+
+std::optional<fs::path> realXdgOpen() {
+    const char* variable = std::getenv("PATH");
+    std::string_view folders = variable == nullptr ? "/usr/local/bin:/usr/bin:/bin" : variable;
+    const fs::path own = mainExecutable();
+    while (!folders.empty()) {
+        const std::string_view folder = folders.substr(0, folders.find(':'));
+        folders.remove_prefix(std::min(folder.size() + 1, folders.size()));
+        const fs::path file = joinAsText(std::string(folder), "xdg-open");
+        if (folder.starts_with('/') && isExecutableFile(file) && !isSameItem(file, own)) {
+            return file;
+        }
+    }
+    return std::nullopt;
+}
+
+bool openWithDefault(const std::string& scheme, const std::string& address) {
+    try {
+        const auto application = defaultApplication("x-scheme-handler/" + scheme);
+        const Outcome outcome = application && !application->entry.terminal
+                                    ? startApplication(*application, address)
+                                    : Outcome::failed;
+        if (outcome != Outcome::failed) {
+            return outcome == Outcome::started;
+        }
+    } catch (const Error&) {
+        // It can't be started after all.
+    }
+    const auto program = realXdgOpen();
+    if (!program) {
+        return false;
+    }
+    try {
+        startDetached(*program, {address});
+        return true;
+    } catch (const PlatformError&) {
+        return false;
+    }
+}
+
+} // namespace quorvel

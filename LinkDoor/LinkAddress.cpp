@@ -1,0 +1,104 @@
+#include "LinkDoor/LinkAddress.h"
+
+#include "Base/Utf8.h"
+
+#include <algorithm>
+#include <array>
+#include <optional>
+
+namespace quorvel {
+namespace {
+
+constexpr std::array<std::string_view, 3> linkSchemes{"http", "https", "mailto"};
+
+char lowerCased(char letter) {
+    return letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter - 'A' + 'a') : letter;
+}
+
+// What comes before the first colon, if it is one of ours.
+std::optional<std::string> linkSchemeOf(std::string_view text) {
+    std::string scheme(text.substr(0, std::min(text.find(':'), std::size_t{8})));
+    std::transform(scheme.begin(), scheme.end(), scheme.begin(), lowerCased);
+    const bool isKnown =
+        std::find(linkSchemes.begin(), linkSchemes.end(), scheme) != linkSchemes.end();
+    return isKnown && scheme.size() < text.size() ? std::optional(scheme) : std::nullopt;
+}
+
+// Of valid UTF-8. Beside the control characters proper, those that end lines or turn the direction
+// of text, so that an address would look like another one.
+bool containsControlCharacters(std::string_view text) {
+    constexpr std::array<std::string_view, 14> others{
+        "\u061c", "\u200e", "\u200f", "\u2028", "\u2029", "\u202a", "\u202b",
+        "\u202c", "\u202d", "\u202e", "\u2066", "\u2067", "\u2068", "\u2069"};
+    for (std::size_t index = 0; index < text.size(); ++index) {
+        const auto byte = static_cast<unsigned char>(text[index]);
+        const std::string_view rest = text.substr(index);
+        if (byte < 0x20 || byte == 0x7F ||
+            (byte == 0xC2 && static_cast<unsigned char>(rest[1]) < 0xA0)) {
+            return true;
+        }
+        if (byte >= 0xD8 && std::any_of(others.begin(), others.end(), [&](std::string_view other) {
+                return rest.starts_with(other);
+            })) {
+            return true;
+        }
+    }
+    return false;
+}
+
+// The host in "user@host:port", or in "[host]:port".
+std::string_view hostIn(std::string_view authority) {
+    authority.remove_prefix(authority.rfind('@') + 1); // npos + 1 is 0
+    if (authority.starts_with('[')) {
+        const std::size_t end = authority.find(']');
+        return end == std::string_view::npos ? std::string_view() : authority.substr(1, end - 1);
+    }
+    return authority.substr(0, authority.find(':'));
+}
+
+void requireHost(std::string_view afterScheme) {
+    if (!afterScheme.starts_with("//")) {
+        throw LinkAddressError("the address has no host");
+    }
+    afterScheme.remove_prefix(2);
+    const std::string_view authority = afterScheme.substr(0, afterScheme.find_first_of("/?#"));
+    if (authority.find(' ') != std::string_view::npos) {
+        throw LinkAddressError("the address has a blank in its host");
+    }
+    const std::string_view host = hostIn(authority);
+    if (host.empty() || host.find(']') != std::string_view::npos) {
+        throw LinkAddressError("the address has no host");
+    }
+}
+
+} // namespace
+
+bool hasLinkScheme(std::string_view text) noexcept {
+    return linkSchemeOf(text).has_value();
+}
+
+std::string checkedLinkScheme(std::string_view address) {
+    if (address.size() > longestLinkAddress) {
+        throw LinkAddressError("the address is longer than 32 KiB");
+    }
+    if (!isUtf8(address)) {
+        throw LinkAddressError("the address is not valid UTF-8");
+    }
+    if (containsControlCharacters(address)) {
+        throw LinkAddressError("the address contains control characters");
+    }
+    const std::optional<std::string> scheme = linkSchemeOf(address);
+    if (!scheme) {
+        throw LinkAddressError("it is not a web or mail address");
+    }
+    const std::string_view beforeQuery = address.substr(0, address.find_first_of("?#"));
+    if (beforeQuery.find('\\') != std::string_view::npos) {
+        throw LinkAddressError("the address contains a backslash");
+    }
+    if (*scheme != "mailto") {
+        requireHost(address.substr(scheme->size() + 1));
+    }
+    return *scheme;
+}
+
+} // namespace quorvel

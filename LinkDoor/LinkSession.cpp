@@ -1,0 +1,166 @@
+#include "LinkDoor/LinkSession.h"
+
+#include "Base/CloneLayout.h"
+#include "Base/PathText.h"
+#include "Platform/files/FileSystem.h"
+#include "Platform/files/PrivateFile.h"
+#include "Platform/files/UserPaths.h"
+
+#include <algorithm>
+#include <array>
+
+namespace quorvel {
+namespace {
+
+// Every record ends with a NUL byte, the only one that neither a variable nor a path contains.
+constexpr std::string_view header = "quorvel link session 1";
+constexpr char setMark = '=';
+constexpr char unsetMark = '-';
+constexpr char openerMark = '@';
+
+// They belong to the click, or to the display that it was made on.
+constexpr std::array<std::string_view, 4> keptVariables{"DESKTOP_STARTUP_ID", "DISPLAY",
+                                                        "WAYLAND_DISPLAY", "XDG_ACTIVATION_TOKEN"};
+
+bool isKept(std::string_view name) {
+    return std::find(keptVariables.begin(), keptVariables.end(), name) != keptVariables.end();
+}
+
+bool isOwn(std::string_view name) {
+    return name.starts_with(ownVariablePrefix);
+}
+
+std::string record(char mark, std::string_view text) {
+    return std::string(1, mark).append(text).append(1, '\0');
+}
+
+bool isBelow(std::string_view path, const std::string& folder) {
+    return path.starts_with(folder) && (path.size() == folder.size() || path[folder.size()] == '/');
+}
+
+// Drops the folders below `home` from a list like that of PATH.
+std::string withoutFoldersBelow(std::string_view list, const std::string& home) {
+    std::string kept;
+    while (!list.empty()) {
+        const std::size_t end = std::min(list.find(':'), list.size());
+        const std::string_view folder = list.substr(0, end);
+        if (!isBelow(folder, home)) {
+            kept.append(kept.empty() ? "" : ":").append(folder);
+        }
+        list.remove_prefix(std::min(end + 1, list.size()));
+    }
+    return kept;
+}
+
+std::optional<std::string> nothingIfEmpty(std::string text) {
+    return text.empty() ? std::nullopt : std::optional(std::move(text));
+}
+
+// The bus of a login session; std::nullopt leaves it to the program to look for one.
+std::optional<std::string> usualSessionBus(const Environment& clone) {
+    const auto runtime = clone.find("XDG_RUNTIME_DIR");
+    if (runtime == clone.end() || !runtime->second.starts_with('/') ||
+        !itemExists(runtime->second + "/bus")) {
+        return std::nullopt;
+    }
+    return "unix:path=" + runtime->second + "/bus";
+}
+
+} // namespace
+
+LinkSession LinkSession::between(const Environment& session, const Environment& clone) {
+    LinkSession result;
+    for (const auto& [name, value] : clone) {
+        const auto before = session.find(name);
+        if (before == session.end()) {
+            result.variables[name] = std::nullopt;
+        } else if (before->second != value) {
+            result.variables[name] = before->second;
+        }
+    }
+    for (const auto& [name, value] : session) {
+        if (!clone.contains(name)) {
+            result.variables[name] = value;
+        }
+    }
+    std::erase_if(result.variables, [](const auto& each) { return isOwn(each.first); });
+    return result;
+}
+
+std::optional<LinkSession> LinkSession::parse(std::string_view text) {
+    if (!text.starts_with(header) || !text.substr(header.size()).starts_with('\0') ||
+        !text.ends_with('\0')) {
+        return std::nullopt;
+    }
+    LinkSession session;
+    for (text.remove_prefix(header.size() + 1); !text.empty();) {
+        const std::string_view line = text.substr(0, text.find('\0'));
+        text.remove_prefix(line.size() + 1);
+        const std::string_view rest = line.substr(line.empty() ? 0 : 1);
+        const std::size_t equals = rest.find('=');
+        const char mark = line.empty() ? '\0' : line.front();
+        if (mark == openerMark) {
+            session.opener = rest;
+        } else if (mark == unsetMark && !rest.empty() && equals == std::string_view::npos) {
+            session.variables[std::string(rest)] = std::nullopt;
+        } else if (mark == setMark && equals != std::string_view::npos && equals > 0) {
+            session.variables[std::string(rest.substr(0, equals))] = rest.substr(equals + 1);
+        } else {
+            return std::nullopt;
+        }
+    }
+    return session;
+}
+
+std::string LinkSession::text() const {
+    std::string text = std::string(header).append(1, '\0');
+    for (const auto& [name, value] : variables) {
+        text += value ? record(setMark, name + "=" + *value) : record(unsetMark, name);
+    }
+    return opener.empty() ? text : text + record(openerMark, opener);
+}
+
+Environment LinkSession::outside(const Environment& clone) const {
+    Environment environment = clone;
+    for (const auto& [name, value] : variables) {
+        if (isKept(name)) {
+            continue;
+        }
+        if (value) {
+            environment[name] = *value;
+        } else {
+            environment.erase(name);
+        }
+    }
+    std::erase_if(environment, [](const auto& each) { return isOwn(each.first); });
+    return environment;
+}
+
+std::string linkSessionFile(const std::string& cloneHome) {
+    return joinAsText(joinAsText(cloneHome, linkFolderName), "session");
+}
+
+std::optional<LinkSession> readLinkSession(const std::string& cloneHome) {
+    constexpr std::size_t limit = std::size_t{4} << 20U; // more than an environment may have
+    const auto text = readPrivateFile(linkSessionFile(cloneHome), limit);
+    return text ? LinkSession::parse(*text) : std::nullopt;
+}
+
+LinkSession guessedLinkSession(const std::string& cloneHome, const Environment& clone) {
+    LinkSession session;
+    for (const char* name :
+         {"BROWSER", "CFFIXED_USER_HOME", "GSETTINGS_BACKEND", "JAVA_TOOL_OPTIONS", "TMPDIR",
+          "XDG_CACHE_HOME", "XDG_CONFIG_HOME", "XDG_DATA_HOME", "XDG_STATE_HOME"}) {
+        session.variables[name] = std::nullopt;
+    }
+    session.variables["HOME"] = UserPaths::listedHome();
+    session.variables["DBUS_SESSION_BUS_ADDRESS"] = usualSessionBus(clone);
+    for (const char* name : {"PATH", "XDG_DATA_DIRS", "XDG_CONFIG_DIRS"}) {
+        if (const auto list = clone.find(name); list != clone.end()) {
+            session.variables[name] = nothingIfEmpty(withoutFoldersBelow(list->second, cloneHome));
+        }
+    }
+    return session;
+}
+
+} // namespace quorvel

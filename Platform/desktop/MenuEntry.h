@@ -1,0 +1,59 @@
+#pragma once
+
+#include "Platform/desktop/DesktopEntry.h"
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+/// What the user's own menu shows of a clone: a desktop entry, and pictures in the theme that every
+/// other theme falls back to. An entry is recognised by its `cloneId`, the pictures by their name,
+/// which begins with the clone's own word. On macOS there is no such menu: nothing is written.
+namespace quorvel {
+
+/// One size of an icon.
+struct MenuPicture {
+    int side = 0;        ///< of a PNG, in pixels; 0: an SVG
+    std::string bytes{}; ///< the file
+
+    bool operator==(const MenuPicture&) const = default;
+};
+
+struct MenuEntry {
+    std::string word{};     ///< the clone's own: letters, digits and "-"
+    std::string fileName{}; ///< "WORD.desktop", or with a prefix
+    /// `cloneId` is not empty. `icon` is empty, or the pictures' name: "WORD-…", another for each
+    /// new picture, since desktops keep the picture that they know by a name.
+    DesktopEntry entry{};
+};
+
+/// An entry that was published for some clone.
+struct PublishedEntry {
+    std::string fileName{};
+    DesktopEntry entry{}; ///< without translations
+    std::filesystem::file_time_type written{};
+};
+
+/// Returns whether there is a menu to publish in.
+[[nodiscard]] bool hasMenu() noexcept;
+
+/// Publishes the entry in place of the clone's older one: first the pictures, so that no desktop
+/// looks for one that isn't there yet. Whoever reads meanwhile finds the old entry or the new one.
+/// Pictures that are no longer named are removed. Throws `PlatformError`, also if the file's name
+/// belongs to an entry of somebody else, and `DesktopEntryError`; the older entry then remains.
+void publishMenuEntry(const MenuEntry& entry, const std::vector<MenuPicture>& pictures);
+
+/// Removes the clone's entries, whatever their file is called, and its pictures. Nothing published
+/// is fine. Throws `PlatformError`.
+void withdrawMenuEntry(const std::string& cloneId, const std::string& word);
+
+/// Removes the temporary files that interrupted publications left.
+void removeMenuLeftovers();
+
+/// Returns all entries that were published for clones. Those that can't be read are left out.
+[[nodiscard]] std::vector<PublishedEntry> publishedMenuEntries();
+
+/// Returns whether there is a picture of this name in any size.
+[[nodiscard]] bool hasMenuPicture(const std::string& icon);
+
+} // namespace quorvel

@@ -1,0 +1,184 @@
+#include "Platform/desktop/MenuEntry.h"
+
+#include "Base/PathText.h"
+#include "Platform/desktop/MimeDatabase_linux.h"
+#include "Platform/files/XdgFolders_linux.h"
+#include "Platform/files/FileReading.h"
+#include "Platform/files/FileSystem.h"
+#include "Platform/files/FileWriting.h"
+#include "Platform/files/PlatformError.h"
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace quorvel {
+namespace fs = std::filesystem;
+namespace {
+
+constexpr std::string_view entryEnding = ".desktop";
+constexpr std::string_view mark = "X-Quorvel-Clone=";
+
+fs::path entryFolder() {
+    return joinAsText(xdgDataHome(), "applications");
+}
+
+fs::path themeFolder() {
+    return joinAsText(xdgDataHome(), "icons/hicolor");
+}
+
+fs::path pictureFolder(int side) {
+    const std::string size = std::to_string(side);
+    return joinAsText(themeFolder(), side == 0 ? "scalable/apps" : size + "x" + size + "/apps");
+}
+
+std::string pictureName(const std::string& icon, int side) {
+    return icon + (side == 0 ? ".svg" : ".png");
+}
+
+// Every size that was ever published.
+constexpr std::array pictureSides{0, 48, 128, 256};
+
+// Returns the entry in a file if it is of a clone.
+std::optional<DesktopEntry> cloneEntryIn(const fs::path& file) {
+    const auto text = readFile(file.native(), maxDesktopEntrySize);
+    if (!text || text->find(mark) == std::string::npos) {
+        return std::nullopt;
+    }
+    try {
+        DesktopEntry entry = parseDesktopEntry(*text, {});
+        return entry.cloneId.empty() ? std::nullopt : std::optional(std::move(entry));
+    } catch (const DesktopEntryError&) {
+        return std::nullopt;
+    }
+}
+
+void removeFile(const fs::path& file) {
+    if (::unlink(file.c_str()) != 0 && errno != ENOENT) {
+        throw PlatformError::fromErrno(file, "removed");
+    }
+}
+
+// Removes the clone's pictures except those of the icon `kept`.
+void removePictures(const std::string& word, const std::string& kept) {
+    for (const int side : pictureSides) {
+        const fs::path folder = pictureFolder(side);
+        for (const std::string& name :
+             directoryEntries(folder).value_or(std::vector<std::string>{})) {
+            if (name.starts_with(word + "-") && name != pictureName(kept, side)) {
+                removeFile(joinAsText(folder, name));
+            }
+        }
+    }
+}
+
+// Desktops that keep a list of a theme's icons make it again when the theme's folder changes.
+void touchTheme() {
+    (void)::utimensat(AT_FDCWD, themeFolder().c_str(), nullptr, 0);
+}
+
+void writePictures(const std::string& icon, const std::vector<MenuPicture>& pictures) {
+    for (const MenuPicture& picture : pictures) {
+        const fs::path folder = pictureFolder(picture.side);
+        createDirectories(folder);
+        writeWholeFile(joinAsText(folder, pictureName(icon, picture.side)), picture.bytes);
+    }
+    if (!pictures.empty()) {
+        touchTheme();
+    }
+}
+
+void requireOwn(const fs::path& file, const std::string& cloneId) {
+    const auto old = cloneEntryIn(file);
+    if (itemOrLinkExists(file) && (!old || old->cloneId != cloneId)) {
+        throw PlatformError::because("it belongs to something else", file, "replaced");
+    }
+}
+
+std::vector<PublishedEntry> entriesOf(const std::string& cloneId) {
+    std::vector<PublishedEntry> entries = publishedMenuEntries();
+    std::erase_if(entries, [&](const PublishedEntry& published) {
+        return published.entry.cloneId != cloneId;
+    });
+    return entries;
+}
+
+bool hadTypes(const std::vector<PublishedEntry>& entries) {
+    return std::any_of(entries.begin(), entries.end(), [](const PublishedEntry& published) {
+        return !published.entry.mimeTypes.empty();
+    });
+}
+
+void removeEntriesBut(const std::vector<PublishedEntry>& entries, const std::string& kept) {
+    for (const PublishedEntry& published : entries) {
+        if (published.fileName != kept) {
+            removeFile(joinAsText(entryFolder(), published.fileName));
+        }
+    }
+}
+
+} // namespace
+
+bool hasMenu() noexcept {
+    return true;
+}
+
+void publishMenuEntry(const MenuEntry& entry, const std::vector<MenuPicture>& pictures) {
+    const fs::path file = joinAsText(entryFolder(), entry.fileName);
+    const std::string text = desktopEntryText(entry.entry);
+    requireOwn(file, entry.entry.cloneId);
+    const std::vector<PublishedEntry> older = entriesOf(entry.entry.cloneId);
+    writePictures(entry.entry.icon, pictures);
+    createDirectories(entryFolder());
+    writeWholeFile(file, text);
+    removeEntriesBut(older, entry.fileName);
+    removePictures(entry.word, entry.entry.icon);
+    if (hadTypes(older) || !entry.entry.mimeTypes.empty()) {
+        updateMimeDatabase(entryFolder());
+    }
+}
+
+void withdrawMenuEntry(const std::string& cloneId, const std::string& word) {
+    const std::vector<PublishedEntry> entries = entriesOf(cloneId);
+    // The entries last: while one is there, an interrupted withdrawal can be finished.
+    removePictures(word, "");
+    removeEntriesBut(entries, "");
+    if (hadTypes(entries)) {
+        updateMimeDatabase(entryFolder());
+    }
+}
+
+void removeMenuLeftovers() {
+    removeUnfinishedFiles(entryFolder());
+    for (const int side : pictureSides) {
+        removeUnfinishedFiles(pictureFolder(side));
+    }
+}
+
+std::vector<PublishedEntry> publishedMenuEntries() {
+    const fs::path folder = entryFolder();
+    std::vector<PublishedEntry> found;
+    for (std::string& name : directoryEntries(folder).value_or(std::vector<std::string>{})) {
+        if (!name.ends_with(entryEnding)) {
+            continue;
+        }
+        const fs::path file = joinAsText(folder, name);
+        if (auto entry = cloneEntryIn(file)) {
+            std::error_code ignored;
+            found.push_back(
+                {std::move(name), std::move(*entry), fs::last_write_time(file, ignored)});
+        }
+    }
+    return found;
+}
+
+bool hasMenuPicture(const std::string& icon) {
+    return std::any_of(pictureSides.begin(), pictureSides.end(), [&](int side) {
+        return itemExists(joinAsText(pictureFolder(side), pictureName(icon, side)));
+    });
+}
+
+} // namespace quorvel

@@ -1,0 +1,23 @@
+#include "Platform/desktop/MenuEntry.h"
+
+namespace quorvel {
+
+bool hasMenu() noexcept {
+    return false;
+}
+
+void publishMenuEntry(const MenuEntry& /*entry*/, const std::vector<MenuPicture>& /*pictures*/) {}
+
+void withdrawMenuEntry(const std::string& /*cloneId*/, const std::string& /*word*/) {}
+
+void removeMenuLeftovers() {}
+
+std::vector<PublishedEntry> publishedMenuEntries() {
+    return {};
+}
+
+bool hasMenuPicture(const std::string& /*icon*/) {
+    return false;
+}
+
+} // namespace quorvel

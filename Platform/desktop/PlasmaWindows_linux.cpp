@@ -1,0 +1,86 @@
+#include "Platform/desktop/PlasmaWindows_linux.h"
+
+#include <QtCore/QStringList>
+#include <QtCore/QVariantMap>
+#include <QtDBus/QDBusArgument>
+#include <QtDBus/QDBusConnection>
+#include <QtDBus/QDBusConnectionInterface>
+#include <QtDBus/QDBusMessage>
+
+namespace quorvel {
+namespace {
+
+const auto service = QStringLiteral("org.kde.KWin");
+const auto runnerPath = QStringLiteral("/WindowsRunner");
+const auto runner = QStringLiteral("org.kde.krunner1");
+constexpr int patience = 2000; // milliseconds, for each call
+
+QDBusMessage ask(const QString& path, const QString& interface, const QString& method,
+                 const QVariantList& arguments) {
+    QDBusMessage call = QDBusMessage::createMethodCall(service, path, interface, method);
+    call.setArguments(arguments);
+    return QDBusConnection::sessionBus().call(call, QDBus::Block, patience);
+}
+
+// Returns the identifiers of what the search finds: an action, "_" and the window's own. An empty
+// search finds every window, some of them twice.
+QStringList matches() {
+    const QDBusMessage reply = ask(runnerPath, runner, QStringLiteral("Match"), {QString()});
+    QStringList ids;
+    if (reply.type() != QDBusMessage::ReplyMessage || reply.arguments().isEmpty() ||
+        reply.signature() != QStringLiteral("a(sssida{sv})")) {
+        return ids;
+    }
+    const auto list = reply.arguments().constFirst().value<QDBusArgument>();
+    list.beginArray();
+    while (!list.atEnd()) {
+        QString id;
+        QString text;
+        QString icon;
+        int kind = 0;
+        double relevance = 0;
+        QVariantMap properties;
+        list.beginStructure();
+        list >> id >> text >> icon >> kind >> relevance >> properties;
+        list.endStructure();
+        ids.append(id);
+    }
+    list.endArray();
+    ids.removeDuplicates();
+    return ids;
+}
+
+bool isOwnedBy(const WindowOwner& owner, const QString& id) {
+    const QString window = id.mid(id.indexOf(u'_') + 1);
+    const QDBusMessage reply =
+        ask(QStringLiteral("/KWin"), service, QStringLiteral("getWindowInfo"), {window});
+    if (reply.type() != QDBusMessage::ReplyMessage || reply.arguments().isEmpty()) {
+        return false;
+    }
+    const auto facts = qdbus_cast<QVariantMap>(reply.arguments().constFirst());
+    const auto fact = [&](const char* name) {
+        return facts.value(QString::fromLatin1(name)).toString().toStdString();
+    };
+    return owner.hasProcess(facts.value(QStringLiteral("pid")).toInt()) ||
+           owner.hasClass(fact("desktopFile")) || owner.hasClass(fact("resourceClass")) ||
+           owner.hasClass(fact("resourceName"));
+}
+
+} // namespace
+
+bool activateInPlasma(const WindowOwner& owner) {
+    const QDBusConnection bus = QDBusConnection::sessionBus();
+    if (!bus.isConnected() || !bus.interface()->isServiceRegistered(service)) {
+        return false;
+    }
+    for (const QString& id : matches()) {
+        if (isOwnedBy(owner, id)) {
+            const QDBusMessage reply =
+                ask(runnerPath, runner, QStringLiteral("Run"), {id, QString()});
+            return reply.type() == QDBusMessage::ReplyMessage;
+        }
+    }
+    return false;
+}
+
+} // namespace quorvel

@@ -1,0 +1,15 @@
+#pragma once
+
+#include "Platform/desktop/ActivationError.h"
+#include "Platform/desktop/WindowOwner_linux.h"
+
+#include <optional>
+
+namespace quorvel {
+
+/// Brings the topmost window of that application to the front, in the way that this desktop allows.
+/// Waits up to a few seconds for it. Returns why it can't be done; std::nullopt if it was, or if
+/// there is no desktop to do it on.
+[[nodiscard]] std::optional<ActivationFailure> bringToFront(const WindowOwner& owner);
+
+} // namespace quorvel

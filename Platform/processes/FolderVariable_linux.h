@@ -1,0 +1,14 @@
+#pragma once
+
+#include "Platform/processes/Process.h"
+
+#include <string>
+
+namespace quorvel {
+
+/// Returns a variable that names a folder, without slashes at its end; `otherwise` if it is not an
+/// absolute path, which the base directory specification has ignored.
+[[nodiscard]] std::string folderVariable(const Environment& session, const char* name,
+                                         const std::string& otherwise);
+
+} // namespace quorvel

@@ -1,0 +1,13 @@
+#include "Platform/processes/ProcessActivity.h"
+
+namespace quorvel {
+
+ProcessActivity activityOf(pid_t /*process*/) {
+    return {};
+}
+
+bool isRunningWithHome(const std::filesystem::path& /*executable*/, const std::string& /*home*/) {
+    return false;
+}
+
+} // namespace quorvel

@@ -1,0 +1,9 @@
+#include "Platform/watching/DataPlaces.h"
+
+namespace quorvel {
+
+std::vector<DataPlace> dataPlaces(const std::string& /*home*/, const Environment& /*session*/) {
+    return {};
+}
+
+} // namespace quorvel

@@ -1,0 +1,26 @@
+#pragma once
+
+#include "QuorvelApp/model/NewCloneSession.h"
+
+#include <QWidget>
+
+namespace quorvel {
+
+class PaneComboBox;
+
+/// The choice of what opens the links that are clicked in the new clone: the user's default
+/// browser, the clone itself, or one of the existing clones.
+class LinksRow : public QWidget {
+    Q_OBJECT
+
+public:
+    explicit LinksRow(NewCloneSession& session);
+
+private:
+    void refresh();
+
+    NewCloneSession& session_;
+    PaneComboBox* choices_;
+};
+
+} // namespace quorvel

@@ -1,0 +1,130 @@
+#include "tests/CommandLine/CommandLineHarness.h"
+#include "tests/support/AppBundles.h"
+#include "tests/support/DesktopApps.h"
+
+#include <gmock/gmock.h>
+#include <nlohmann/json.hpp>
+
+namespace quorvel {
+namespace {
+
+using namespace testing;
+using ::testing::HasSubstr;
+using ::testing::Not;
+namespace fs = std::filesystem;
+
+class DesktopCommandsTest : public ::testing::Test {
+protected:
+    DesktopCommandsTest() {
+        apps.addProgram("app", helperProgram());
+        write(apps.at("runner"), "runner");
+    }
+
+    // Returns the configuration of the clone that these options make.
+    [[nodiscard]] nlohmann::json created(std::vector<std::string> options) {
+        options.insert(options.begin(), {"create", "--json", "--name", "Work", "--runner",
+                                         apps.at("runner").string()});
+        const CommandResult result = harness.run(options);
+        EXPECT_EQ(result.status, 0) << result.errors;
+        return result.json()["config"];
+    }
+
+    CommandLineHarness harness;
+    DesktopApps apps;
+};
+
+TEST_F(DesktopCommandsTest, InspectTellsWhatAnEntrySays) {
+    const fs::path entry = apps.addEntry("org.a.Thing", "app --own %U");
+    const nlohmann::json json = harness.run({"inspect", entry, "--json"}).json();
+    EXPECT_EQ(json["format"], "desktop-entry");
+    EXPECT_EQ(json["arguments"], (nlohmann::json{"--own", "%U"}));
+    EXPECT_EQ(json["bundleId"], "org.a.Thing.desktop");
+    EXPECT_EQ(json["executableURL"], apps.at("bin/app").string());
+    const std::string text = harness.run({"inspect", entry}).output;
+    EXPECT_THAT(text, HasSubstr("Own arguments  --own %U\n"));
+}
+
+TEST_F(DesktopCommandsTest, ApplicationsAreFoundByIdAndName) {
+    const fs::path entry = apps.addEntry("org.a.Thing", "app");
+    apps.addEntry("other", "app");
+    for (const char* words : {"org.a.Thing", "org.a.Thing.desktop", "ORG.a.thing"}) {
+        EXPECT_EQ(harness.run({"inspect", words, "--json"}).json()["url"], entry.string()) << words;
+        EXPECT_EQ(created({"--target", words})["targetAppPath"], entry.string()) << words;
+    }
+}
+
+TEST_F(DesktopCommandsTest, AFileComesBeforeAnInstalledApplicationOfThatName) {
+    apps.addEntry("thing", "app");
+    const fs::path old = fs::current_path();
+    fs::current_path(apps.at(""));
+    const fs::path bundle = makeAppBundle(apps.at("thing"));
+    EXPECT_EQ(harness.run({"inspect", "thing", "--json"}).json()["format"], "bundle");
+    fs::current_path(old);
+}
+
+TEST_F(DesktopCommandsTest, OfSeveralApplicationsWithOneNameThePathsAreListed) {
+    const fs::path one = apps.addEntry("one", "app");
+    const fs::path two = apps.addEntry("two", "app");
+    for (const fs::path& entry : {one, two}) {
+        write(entry, "[Desktop Entry]\nType=Application\nName=Same\nExec=app\n");
+    }
+    const CommandResult result = harness.run({"inspect", "Same"});
+    EXPECT_EQ(result.status, 1);
+    EXPECT_EQ(result.errors, "Several applications are named “Same”; give a path: " + one.string() +
+                                 " " + two.string() + "\n");
+}
+
+TEST_F(DesktopCommandsTest, WordsThatNameNothingAreAPath) {
+    const fs::path folder = fs::current_path();
+    EXPECT_EQ(harness.run({"inspect", "nothing"}).errors,
+              "Not a readable .app: " + (folder / "nothing").string() + "\n");
+}
+
+TEST_F(DesktopCommandsTest, SaysWhyAnEntryIsNotAnApplication) {
+    const fs::path entry = apps.addEntry("a", "nothing");
+    EXPECT_EQ(harness.run({"inspect", entry}).errors,
+              "“a.desktop” couldn’t be used: its program “nothing” is not installed\n");
+}
+
+TEST_F(DesktopCommandsTest, AppsListsEntriesWithTheirIcons) {
+    const fs::path icon = apps.addIcon("48x48", "picture.png", "x");
+    const fs::path entry = apps.addEntry("org.a.Thing", "app", "Icon=picture\n");
+    EXPECT_THAT(harness.run({"apps"}).output,
+                HasSubstr("org.a.Thing  org.a.Thing.desktop  " + entry.string() + "\n"));
+    for (const nlohmann::json& app : harness.run({"apps", "--json"}).json()) {
+        if (app["url"] == entry.string()) {
+            EXPECT_EQ(app["iconURL"], icon.string());
+            return;
+        }
+    }
+    ADD_FAILURE() << "the application is not listed";
+}
+
+TEST_F(DesktopCommandsTest, KnownVariablesAreSetUnlessTheUserSaysOtherwise) {
+    apps.addEntry("org.gnome.gedit", "app");
+    const std::string variable = "DBUS_SESSION_BUS_ADDRESS";
+    const std::vector<std::string> target{"--target", "org.gnome.gedit"};
+    EXPECT_EQ(created(target)["environment"], (nlohmann::json{{variable, "disabled:"}}));
+    EXPECT_EQ(created({"--target", "org.gnome.gedit", "--env", variable + "=own", "--env",
+                       "A=b"})["environment"],
+              (nlohmann::json{{variable, "own"}, {"A", "b"}}));
+    EXPECT_EQ(created({"--target", "org.gnome.gedit", "--no-default-env"})["environment"],
+              nlohmann::json::object());
+}
+
+TEST_F(DesktopCommandsTest, ShowSaysWhatTheVariablesCost) {
+    apps.addEntry("org.gnome.gedit", "app");
+    (void)created({"--target", "org.gnome.gedit"});
+    EXPECT_THAT(harness.run({"show", "Work"}).output, HasSubstr("Without the session bus"));
+    (void)created({"--target", "org.gnome.gedit", "--no-default-env"});
+    EXPECT_THAT(harness.run({"show", "Work"}).output, Not(HasSubstr("Without the session bus")));
+}
+
+TEST_F(DesktopCommandsTest, InspectSaysHowToInstallASnapTwice) {
+    const fs::path entry = apps.addEntry("s", "app", "X-SnapInstanceName=thing\n");
+    EXPECT_THAT(harness.run({"inspect", entry}).output, HasSubstr("sudo snap install thing_2"));
+    EXPECT_EQ(harness.run({"inspect", entry, "--json"}).json()["sandboxed"], true);
+}
+
+} // namespace
+} // namespace quorvel

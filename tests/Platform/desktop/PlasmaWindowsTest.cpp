@@ -1,0 +1,50 @@
+#include "Platform/desktop/PlasmaWindows_linux.h"
+
+#include "tests/support/BusProgram.h"
+
+#include <gtest/gtest.h>
+
+namespace quorvel {
+namespace {
+
+using namespace testing;
+
+class PlasmaWindowsTest : public ::testing::Test {
+protected:
+    void SetUp() override {
+        if (!SessionBus::isAvailable()) {
+            GTEST_SKIP() << "dbus-daemon is not installed";
+        }
+        (void)SessionBus::shared();
+    }
+
+    TemporaryFolder folder_;
+};
+
+TEST_F(PlasmaWindowsTest, FindsAWindowByItsClassAndShowsIt) {
+    const BusProgram desktop(QUORVEL_WINDOW_SEARCH, folder_ / "log");
+    EXPECT_TRUE(activateInPlasma({.processes = {1}, .windowClass = "Two"}));
+    EXPECT_EQ(desktop.asked(), "Run 0_{two}\n");
+    EXPECT_TRUE(activateInPlasma({.processes = {1}, .windowClass = "One"}));
+    EXPECT_EQ(desktop.asked(), "Run 0_{two}\nRun 0_{one}\n");
+}
+
+TEST_F(PlasmaWindowsTest, FindsAWindowByItsProcessWhereTheDesktopNamesIt) {
+    const BusProgram desktop(QUORVEL_WINDOW_SEARCH, folder_ / "log");
+    EXPECT_TRUE(activateInPlasma({.processes = {12, 4711}}));
+    EXPECT_EQ(desktop.asked(), "Run 0_{two}\n");
+}
+
+TEST_F(PlasmaWindowsTest, ShowsNoWindowOfAnother) {
+    const BusProgram desktop(QUORVEL_WINDOW_SEARCH, folder_ / "log");
+    EXPECT_FALSE(activateInPlasma({.processes = {12}}));
+    EXPECT_FALSE(activateInPlasma({.processes = {12}, .windowClass = "Three"}));
+    EXPECT_EQ(desktop.asked(), "");
+}
+
+TEST_F(PlasmaWindowsTest, FindsNothingOnAnotherDesktop) {
+    EXPECT_FALSE(activateInPlasma({.processes = {4711}, .windowClass = "One"}));
+}
+
+} // namespace
+} // namespace quorvel

@@ -1,0 +1,98 @@
+// Replaces KWin's search for windows on the session bus: it knows two windows, and writes the one
+// that it is asked to show into the file given as its argument, one per line, after "ready" as the
+// first.
+#include <QtCore/QCoreApplication>
+#include <QtCore/QVariantMap>
+#include <QtDBus/QDBusArgument>
+#include <QtDBus/QDBusConnection>
+#include <QtDBus/QDBusMessage>
+#include <QtDBus/QDBusMetaType>
+#include <QtDBus/QDBusVirtualObject>
+
+#include <fstream>
+
+struct Match {
+    QString id{};
+    QString text{};
+    QString icon{};
+    int kind = 100;
+    double relevance = 1;
+    QVariantMap properties{};
+};
+Q_DECLARE_METATYPE(Match)
+
+QDBusArgument& operator<<(QDBusArgument& argument, const Match& match) {
+    argument.beginStructure();
+    argument << match.id << match.text << match.icon << match.kind << match.relevance
+             << match.properties;
+    argument.endStructure();
+    return argument;
+}
+
+const QDBusArgument& operator>>(const QDBusArgument& argument, Match& match) {
+    argument.beginStructure();
+    argument >> match.id >> match.text >> match.icon >> match.kind >> match.relevance >>
+        match.properties;
+    argument.endStructure();
+    return argument;
+}
+
+namespace {
+
+class WindowSearch final : public QDBusVirtualObject {
+public:
+    explicit WindowSearch(const char* file) : file_(file, std::ios::app) {}
+
+    void say(const std::string& line) { file_ << line << std::endl; }
+
+    [[nodiscard]] QString introspect(const QString& /*path*/) const override { return {}; }
+
+    bool handleMessage(const QDBusMessage& message, const QDBusConnection& connection) override {
+        const QString text = message.arguments().value(0).toString();
+        if (message.member() == QStringLiteral("Match")) {
+            const QList<Match> all{{.id = QStringLiteral("0_{one}")},
+                                   {.id = QStringLiteral("0_{two}")},
+                                   {.id = QStringLiteral("0_{one}")}};
+            return connection.send(
+                message.createReply(QVariant::fromValue(text.isEmpty() ? all : QList<Match>())));
+        }
+        if (message.member() == QStringLiteral("getWindowInfo")) {
+            const bool first = text == QStringLiteral("{one}");
+            const QString name = first ? QStringLiteral("One") : QStringLiteral("Two");
+            QVariantMap facts{{QStringLiteral("resourceClass"), name},
+                              {QStringLiteral("desktopFile"), name}};
+            if (!first) {
+                facts.insert(QStringLiteral("pid"), 4711);
+            }
+            return connection.send(message.createReply(facts));
+        }
+        say(message.member().toStdString() + " " + text.toStdString());
+        return connection.send(message.createReply());
+    }
+
+private:
+    std::ofstream file_;
+};
+
+} // namespace
+
+int main(int argc, char** argv) {
+    const QCoreApplication application(argc, argv);
+    if (argc < 2) {
+        return 2;
+    }
+    qDBusRegisterMetaType<Match>();
+    qDBusRegisterMetaType<QList<Match>>();
+    WindowSearch search(argv[1]);
+    QDBusConnection bus = QDBusConnection::sessionBus();
+    for (const char* path : {"/WindowsRunner", "/KWin"}) {
+        if (!bus.registerVirtualObject(QString::fromLatin1(path), &search)) {
+            return 1;
+        }
+    }
+    if (!bus.registerService(QStringLiteral("org.kde.KWin"))) {
+        return 1;
+    }
+    search.say("ready");
+    return QCoreApplication::exec();
+}
