@@ -6,6 +6,7 @@
 
 #include <nlohmann/json.hpp>
 
+#include <algorithm>
 #include <stdexcept>
 #include <thread>
 #include <utility>
@@ -19,28 +20,37 @@ constexpr auto longestEnd = std::chrono::seconds(30);
 constexpr auto firstName = "First";
 constexpr auto secondName = "Second";
 
-// Ends the processes of the program $0.
-constexpr auto endProgram = R"sh(
-for process in /proc/[0-9]*; do
-  [ "$(readlink "$process/exe")" != "$0" ] || kill "${process#/proc/}"
-done)sh";
-
 // The user's files that belong to clones.
 bool belongsToAClone(const std::string& file) {
     return file.starts_with("home/QuorvelInstances") || file.starts_with("home/Applications");
 }
 
-bool isEmptyFolder(const fs::path& path) {
-    return fs::is_directory(fs::symlink_status(path)) && fs::is_empty(path);
+// Folders that clones, entries and icons are in stay: they are the user's as soon as they exist.
+bool isFile(const fs::path& path) {
+    const fs::file_status status = fs::symlink_status(path);
+    return fs::exists(status) && !fs::is_directory(status);
+}
+
+// The value of StartupWMClass in the entry that was published for the clone with that runner.
+std::string wordOfEntry(const fs::path& applications, const std::string& runner) {
+    for (const auto& entry : fs::directory_iterator(applications)) {
+        const std::string text = "\n" + read(entry.path());
+        constexpr std::string_view key = "\nStartupWMClass=";
+        const std::size_t at = text.find(key);
+        if (text.find("\nTryExec=" + runner + "\n") != std::string::npos &&
+            at != std::string::npos) {
+            const std::size_t begin = at + key.size();
+            return text.substr(begin, text.find('\n', begin) - begin);
+        }
+    }
+    return {};
 }
 
 } // namespace
 
-AppTrial::AppTrial(OrdinarySession::DataFolders dataFolders, std::string entry,
-                   std::vector<std::string> arguments)
+AppTrial::AppTrial(OrdinarySession::DataFolders dataFolders, std::string entry)
     : session_(dataFolders),
-      entry_(std::move(entry)),
-      arguments_(std::move(arguments)) {
+      entry_(std::move(entry)) {
     // Where that user can reach them, wherever the build is.
     const fs::path installed = session_.folder() / "quorvel";
     fs::create_directories(installed / "bin");
@@ -64,7 +74,8 @@ std::string AppTrial::succeed(std::vector<std::string> arguments) const {
     return std::move(outcome.output);
 }
 
-AppTrialReport AppTrial::run() {
+AppTrialReport AppTrial::run(const std::vector<std::string>& arguments) {
+    arguments_ = arguments;
     try {
         findApplication();
         if (report_.name.empty()) {
@@ -73,8 +84,8 @@ AppTrialReport AppTrial::run() {
         const FileStates before = session_.userFiles();
         const std::string settingsBefore = settings();
         const std::set<std::string> sharedBefore = session_.sharedFiles();
-        report_.first.home = create(firstName);
-        report_.second.home = create(secondName);
+        create(firstName, report_.first);
+        create(secondName, report_.second);
         const FileStates created = session_.userFiles();
         open(firstName, report_.first);
         open(secondName, report_.second);
@@ -95,10 +106,7 @@ AppTrialReport AppTrial::run() {
         remove(firstName, report_.first);
         remove(secondName, report_.second);
         for (const auto& [file, state] : created) {
-            const fs::path path = session_.folder() / "user" / file;
-            // The folders that clones are in are the user's as soon as they exist.
-            if (!before.contains(file) && fs::exists(fs::symlink_status(path)) &&
-                !isEmptyFolder(path)) {
+            if (!before.contains(file) && isFile(session_.folder() / "user" / file)) {
                 report_.left.push_back(file);
             }
         }
@@ -117,7 +125,7 @@ void AppTrial::findApplication() {
     }
 }
 
-std::string AppTrial::create(const std::string& name) const {
+void AppTrial::create(const std::string& name, CopyReport& copy) const {
     std::vector<std::string> command{"create", "--target", entry_, "--name",
                                      name,     "--label",  name,   "--json"};
     nlohmann::json clone = nlohmann::json::parse(succeed(command));
@@ -131,7 +139,10 @@ std::string AppTrial::create(const std::string& name) const {
         clone = nlohmann::json::parse(succeed(command));
     }
     // The home begins with "~".
-    return session_.home().string() + clone["config"]["instanceHome"].get<std::string>().substr(1);
+    copy.home =
+        session_.home().string() + clone["config"]["instanceHome"].get<std::string>().substr(1);
+    copy.runner = clone["bundleURL"].get<std::string>() + "/Contents/MacOS/runner";
+    copy.word = wordOfEntry(session_.dataHome() / "applications", copy.runner);
 }
 
 void AppTrial::open(const std::string& name, CopyReport& copy) {
@@ -161,8 +172,20 @@ void AppTrial::openOriginal() {
 
 // A copy that handed its work to another has ended by now, or has lost its window.
 void AppTrial::lookAround() {
+    const std::map<pid_t, SessionProcess> processes = session_.processes();
     for (CopyReport* copy : {&report_.first, &report_.second, &report_.original}) {
         copy->window = windowOf(copy->home);
+        const auto program = [&](const CopyReport& one) {
+            return one.window && processes.contains(one.window->process)
+                       ? processes.at(one.window->process).executable
+                       : std::string();
+        };
+        copy->runs = std::any_of(processes.begin(), processes.end(), [&](const auto& process) {
+            // The session's own programs run in the original's home too.
+            return homeOf(process.first, processes) == copy->home &&
+                   (copy != &report_.original || process.second.executable == program(*copy) ||
+                    process.second.executable == program(report_.first));
+        });
     }
     for (CopyReport* copy : {&report_.first, &report_.second}) {
         for (const auto& item : fs::recursive_directory_iterator(copy->home)) {
@@ -172,16 +195,16 @@ void AppTrial::lookAround() {
 }
 
 void AppTrial::remove(const std::string& name, const CopyReport& copy) {
-    const fs::path runner =
-        session_.home() / ("Applications/" + name + ".app") / "Contents/MacOS/runner";
-    static_cast<void>(session_.run({"/bin/sh", "-c", endProgram, runner.string()}));
-    const auto ended = [&] {
-        for (const auto& [process, home] : session_.processes()) {
-            if (home == copy.home) {
-                return false;
-            }
+    for (const auto& [number, process] : session_.processes()) {
+        if (process.executable == copy.runner) {
+            static_cast<void>(session_.run({"/bin/kill", std::to_string(number)}));
         }
-        return true;
+    }
+    const auto ended = [&] {
+        const auto processes = session_.processes();
+        return std::none_of(processes.begin(), processes.end(), [&](const auto& process) {
+            return homeOf(process.first, processes) == copy.home;
+        });
     };
     if (!waitUntil(ended, longestEnd)) {
         report_.left.push_back("a process of " + name);
@@ -189,11 +212,27 @@ void AppTrial::remove(const std::string& name, const CopyReport& copy) {
     succeed({"delete", name, "--including-data", "--yes"});
 }
 
+// A program that overwrites its environment, as Chromium does, has the home of its parent.
+std::string AppTrial::homeOf(pid_t number, const std::map<pid_t, SessionProcess>& processes) const {
+    for (auto process = processes.find(number); process != processes.end();
+         process = processes.find(process->second.parent)) {
+        for (const CopyReport* copy : {&report_.first, &report_.second}) {
+            if (process->second.executable == copy->runner && process->first != number) {
+                return copy->home;
+            }
+        }
+        if (!process->second.home.empty()) {
+            return process->second.home;
+        }
+    }
+    return session_.home();
+}
+
 std::optional<SessionWindow> AppTrial::windowOf(const std::string& home) const {
-    const std::map<pid_t, std::string> homes = session_.processes();
+    const std::map<pid_t, SessionProcess> processes = session_.processes();
     for (const SessionWindow& window : session_.windows()) {
-        const auto process = homes.find(window.process);
-        if (process != homes.end() && process->second == home && !window.isDialog) {
+        if (!window.isDialog && processes.contains(window.process) &&
+            homeOf(window.process, processes) == home) {
             return window;
         }
     }

@@ -2,6 +2,7 @@
 
 #include "tests/support/Waiting.h"
 
+#include <algorithm>
 #include <array>
 #include <csignal>
 #include <fcntl.h>
@@ -17,6 +18,7 @@ namespace {
 
 constexpr auto longestStart = std::chrono::seconds(60); // of a machine that is busy
 constexpr auto userName = "tester";
+constexpr auto nobodysHome = "/nonexistent";
 // Any: it protects nothing.
 constexpr auto cookie = "0123456789abcdef0123456789abcdef";
 
@@ -28,11 +30,18 @@ mount --bind "$1" "$1/tmp/${1##*/}" && mount --rbind "$1/tmp" /tmp &&
 mount -t tmpfs -o mode=1777 none /dev/shm && mount -t tmpfs -o mode=1777 none /var/tmp &&
 : > "$1/ready" && exec sleep infinity)";
 
+// A line that begins with "/proc/NUMBER" for each fact. A process that belongs to somebody else has
+// no executable that can be seen.
+constexpr auto listProcesses = R"(
+find /proc/[0-9]* -maxdepth 1 -name exe -lname '/*' -printf '%p %l\n' 2>/dev/null
+grep -as '^PPid:' /proc/[0-9]*/status
+grep -zas '^HOME=' /proc/[0-9]*/environ | tr '\000' '\n')";
+
 // One line per property, after a line for each window.
 constexpr auto listWindows = R"(
 for window in $(xprop -root _NET_CLIENT_LIST | grep -o '0x[0-9a-f]*'); do
   echo window
-  xprop -id "$window" _NET_WM_PID WM_CLASS _NET_WM_WINDOW_TYPE WM_TRANSIENT_FOR WM_NAME 2>/dev/null
+  xprop -id "$window" _NET_WM_PID WM_CLASS _NET_WM_WINDOW_TYPE WM_TRANSIENT_FOR _NET_WM_NAME WM_NAME 2>/dev/null
 done)";
 
 constexpr std::array programs{"/usr/bin/Xvfb",        "/usr/bin/openbox", "/usr/bin/xprop",
@@ -60,6 +69,11 @@ std::vector<std::string> linesOf(const std::string& text) {
     return lines;
 }
 
+std::optional<std::string> after(std::string_view mark, const std::string& line) {
+    const std::size_t at = line.find(mark);
+    return at == std::string::npos ? std::nullopt : std::optional(line.substr(at + mark.size()));
+}
+
 // The texts between double quotes.
 std::vector<std::string> quoted(const std::string& line) {
     std::vector<std::string> texts;
@@ -79,7 +93,8 @@ void readProperty(SessionWindow& window, const std::string& line) {
     } else if (line.starts_with("WM_CLASS") && texts.size() == 2) {
         window.instance = texts[0];
         window.className = texts[1];
-    } else if (line.starts_with("WM_NAME") && !texts.empty()) {
+    } else if ((line.starts_with("WM_NAME") || line.starts_with("_NET_WM_NAME")) &&
+               !texts.empty()) {
         window.title = texts[0];
     } else if (line.starts_with("_NET_WM_WINDOW_TYPE")) {
         window.isDialog |= line.find("_TYPE_DIALOG") != std::string::npos ||
@@ -116,6 +131,9 @@ OrdinarySession::OrdinarySession(DataFolders dataFolders) : user_(unusedUser()) 
     fs::permissions(folder_.path(), fs::perms(0755));
     giveTo(folder_ / "user", user_, 0755);
     giveTo(home(), user_, 0700);
+    for (const char* folder : {"Desktop", "Documents", "Downloads"}) {
+        giveTo(home() / folder, user_, 0755);
+    }
     giveTo(folder_ / "run", user_, 0700);
     environment_ = {{"HOME", home()},
                     {"USER", userName},
@@ -152,7 +170,7 @@ OrdinarySession::~OrdinarySession() {
     // The user may signal only its own processes.
     for (const char* signal : {"TERM", "KILL"}) {
         static_cast<void>(run({"/bin/sh", "-c", "kill -s \"$0\" -1", signal}));
-        if (waitUntil([&] { return processes().empty(); }, std::chrono::seconds(10))) {
+        if (waitUntil([&] { return !hasProcesses(); }, std::chrono::seconds(10))) {
             break;
         }
     }
@@ -165,6 +183,17 @@ OrdinarySession::~OrdinarySession() {
         std::error_code ignored;
         fs::remove_all(file, ignored);
     }
+}
+
+fs::path OrdinarySession::dataHome() const {
+    const auto variable = environment_.find("XDG_DATA_HOME");
+    return variable == environment_.end() ? home() / ".local/share" : fs::path(variable->second);
+}
+
+bool OrdinarySession::hasProcesses() const {
+    const auto all = processes();
+    return std::any_of(all.begin(), all.end(),
+                       [](const auto& one) { return !one.second.executable.empty(); });
 }
 
 void OrdinarySession::makeNamespaces() {
@@ -277,22 +306,27 @@ void OrdinarySession::startWindowManager() {
     }
 }
 
-std::map<pid_t, std::string> OrdinarySession::processes() const {
-    Environment withoutHome = environment_; // so that the search does not find itself
-    withoutHome.erase("HOME");
-    const Outcome found = outcomeOf(
-        inside({"/bin/sh", "-c", "grep -zas '^HOME=' /proc/[0-9]*/environ | tr '\\000' '\\n'"}),
-        withoutHome);
-    std::map<pid_t, std::string> homes;
-    for (const std::string& line : linesOf(found.output)) {
-        constexpr std::string_view before = "/proc/";
-        constexpr std::string_view between = "/environ:HOME=";
-        const std::size_t at = line.find(between);
-        if (line.starts_with(before) && at != std::string::npos) {
-            homes[std::stoi(line.substr(before.size()))] = line.substr(at + between.size());
+std::map<pid_t, SessionProcess> OrdinarySession::processes() const {
+    Environment environment = environment_;
+    environment["HOME"] = nobodysHome; // so that the question can be told from the answer
+    std::map<pid_t, SessionProcess> found;
+    const std::string proc = "/proc/";
+    for (const std::string& line :
+         linesOf(outcomeOf(inside({"/bin/sh", "-c", listProcesses}), environment).output)) {
+        if (!line.starts_with(proc)) {
+            continue;
+        }
+        SessionProcess& process = found[std::stoi(line.substr(proc.size()))];
+        if (const auto parent = after("/status:PPid:", line)) {
+            process.parent = std::stoi(*parent);
+        } else if (const auto home = after("/environ:HOME=", line)) {
+            process.home = *home;
+        } else if (const auto executable = after("/exe ", line)) {
+            process.executable = *executable;
         }
     }
-    return homes;
+    std::erase_if(found, [](const auto& one) { return one.second.home == nobodysHome; });
+    return found;
 }
 
 std::vector<SessionWindow> OrdinarySession::windows() const {

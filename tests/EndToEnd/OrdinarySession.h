@@ -12,6 +12,12 @@
 
 namespace quorvel::testing {
 
+struct SessionProcess {
+    pid_t parent = 0;
+    std::string home{};       ///< with which it was started; empty if it has overwritten that
+    std::string executable{}; ///< empty if that is not to be seen
+};
+
 /// A window that the window manager manages.
 struct SessionWindow {
     pid_t process = 0; ///< 0 if it does not say
@@ -48,14 +54,16 @@ public:
     /// Where files for the session can be put, which are not the user's own.
     [[nodiscard]] const std::filesystem::path& folder() const { return folder_.path(); }
     [[nodiscard]] std::filesystem::path home() const { return folder_ / "user/home"; }
+    /// Where programs of the user keep their data.
+    [[nodiscard]] std::filesystem::path dataHome() const;
 
     /// Runs a program to its end, which must come within two minutes.
     [[nodiscard]] Outcome run(std::vector<std::string> command) const;
     /// Starts a program.
     void start(std::vector<std::string> command);
 
-    /// The processes of the user, each with the home that it was started with.
-    [[nodiscard]] std::map<pid_t, std::string> processes() const;
+    /// The processes of the user, apart from those that this question takes.
+    [[nodiscard]] std::map<pid_t, SessionProcess> processes() const;
     [[nodiscard]] std::vector<SessionWindow> windows() const;
 
     /// The user's files, in the home and beside it.
@@ -64,6 +72,7 @@ public:
     [[nodiscard]] std::set<std::string> sharedFiles() const;
 
 private:
+    [[nodiscard]] bool hasProcesses() const;
     void makeNamespaces();
     void startServer();
     void startBus();
