@@ -11,13 +11,15 @@ fail() { printf '%s\n' "$*" >&2; exit 1; }
 # What is needed to build, and what the tests need on top of that.
 debian_build=(g++ python3 cmake ninja-build pkg-config nlohmann-json3-dev rapidjson-dev libplist-dev libicu-dev
   libcli11-dev libglib2.0-dev libxcb1-dev qt6-base-dev libqt6svg6-dev libopenjp2-7-dev fontconfig fonts-urw-base35 procps)
-debian_test=(libgtest-dev libgmock-dev chromium firefox-esr xdg-utils libplist-utils
+debian_test=(libgtest-dev libgmock-dev xdg-utils libplist-utils
   dbus dbus-daemon binutils file git clang-format-14 shellcheck
   shared-mime-info icnsutils imagemagick inotify-tools xvfb xauth
   xdotool openbox xfwm4 sway foot x11-utils at-spi2-core libatspi2.0-dev fonts-inter
   fonts-dejavu-core fonts-noto-color-emoji fonts-wqy-microhei qt6-image-formats-plugins
   clang-16 lld-16 llvm-16 libc++-16-dev zsh desktop-file-utils qt6-l10n-tools flatpak strace
-  libglib2.0-bin evince)
+  libglib2.0-bin dconf-gsettings-backend evince)
+# The applications that tests clone. Some distributions lack some; their tests are skipped there.
+debian_apps=(firefox-esr chromium gedit gnome-calculator kcalc keepassxc meld transmission-gtk)
 # The C library headers for the other processor of Macs.
 case "$(uname -m)" in
   x86_64) debian_test+=(libc6-dev-arm64-cross) ;;
@@ -45,6 +47,15 @@ install_debian() {
     "${missing[@]}"
 }
 
+# Installs those of the packages that the distribution has.
+install_available() {
+  local available=() package
+  for package in "$@"; do
+    apt-cache show "$package" >/dev/null 2>&1 && available+=("$package")
+  done
+  install_debian "${available[@]}"
+}
+
 install_homebrew() {
   local missing=() package
   command -v brew >/dev/null || fail "Homebrew is needed to install $*: see https://brew.sh"
@@ -67,7 +78,10 @@ install_packages() {
   elif command -v apt-get >/dev/null; then
     install_debian "${debian_build[@]}"
     case "$1" in
-      test) install_debian "${debian_test[@]}" ;;
+      test)
+        install_debian "${debian_test[@]}"
+        install_available "${debian_apps[@]}"
+        ;;
       fuzz) install_debian "${debian_fuzz[@]}" ;;
     esac
   else
