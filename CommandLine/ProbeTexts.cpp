@@ -122,7 +122,8 @@ nlohmann::json jsonForm(const AppProfile& profile, const ProbeResult& result) {
     }
     return {{"profile", nlohmann::json::parse(printable(profile).encodedJSON())},
             {"buckets", std::move(buckets)},
-            {"complete", result.complete}};
+            {"complete", result.complete},
+            {"inUse", result.isInUse}};
 }
 
 std::string listing(const std::vector<InstalledApp>& apps) {
@@ -161,6 +162,9 @@ std::string description(const AppProfile& profile, const ProbeResult& result) {
         text += *cost + "\n";
     }
     text += writes(result);
+    if (result.isInUse) {
+        text += "You have the app open. What it wrote meanwhile is counted, too.\n";
+    }
     text += result.complete
                 ? "The record is complete.\n"
                 : "The record may be incomplete: the system could not report every write.\n";

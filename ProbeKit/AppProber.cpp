@@ -5,6 +5,7 @@
 #include "LaunchKit/AppEngine.h"
 #include "Platform/files/FileSystem.h"
 #include "Platform/files/UserPaths.h"
+#include "Platform/processes/ProcessActivity.h"
 #include "ProbeKit/CopyTrial.h"
 #include "ProbeKit/FSEventProbe.h"
 
@@ -118,6 +119,8 @@ ProbeResult AppProber::run(const Options& options) const {
 
     std::vector<TrialProcess> launched;
     ProbeResult result;
+    result.isInUse =
+        bundle_.desktop && isRunningWithHome(bundle_.executableURL(), UserPaths::home());
     try {
         launchCopies({homeA, homeB}, options, launched, result);
     } catch (const ProbeCancelled&) {
@@ -159,7 +162,7 @@ void AppProber::launchCopies(const Homes& homes, const Options& options,
     steps.homeB = homes.second;
     steps.settleA = options.settleA;
     steps.settleB = options.settleB;
-    steps.patience = options.settleA;
+    steps.patience = options.patience;
     CopyTrial trial(bundle_, std::move(steps), launched);
     trial.run();
     result.singleton = trial.singleton();

@@ -50,6 +50,8 @@ public:
     struct Options {
         Seconds settleA{7.0}; ///< the wait after the first launch
         Seconds settleB{2.0}; ///< the wait after the second
+        /// How much longer to wait at most for a copy that is still starting. Not for bundles.
+        Seconds patience{10.0};
         /// Cancels the run once it is true. May be set by any thread or by a signal handler. Null:
         /// can't be cancelled.
         const std::atomic<bool>* cancelled = nullptr;

@@ -52,6 +52,8 @@ struct ProbeResult {
     Strategy recommendedStrategy = Strategy::unsupported;
     /// False if writes may have been missed. Does not affect the recommendation.
     bool complete = true;
+    /// The user has the application open, whose own writes look like leaks.
+    bool isInUse = false;
 
     /// Returns the number of paths in a bucket.
     [[nodiscard]] std::size_t count(LeakBucket bucket) const;

@@ -4,12 +4,20 @@
 #include "LaunchKit/AppEngine.h"
 
 namespace quorvel {
+namespace {
+
+std::string nameOf(const AppBundle& app) {
+    return app.desktop && !app.desktop->entry.name.empty() ? app.desktop->entry.name
+                                                           : bundleFallbackName(app.url);
+}
+
+} // namespace
 
 AppProfile ProfileGenerator::makeProfile(const AppBundle& bundle, const ProbeResult& result,
                                          const std::string& osSignature) {
     AppProfile profile;
     profile.bundleId = bundle.bundleId;
-    profile.displayName = bundleFallbackName(bundle.url);
+    profile.displayName = nameOf(bundle);
     profile.sandboxed = bundle.sandboxed;
     profile.strategy = result.recommendedStrategy;
     profile.singleton = result.singleton;

@@ -234,6 +234,19 @@ void NewCloneForm::detected(Strategy recommended) {
     detecting = false;
 }
 
+void NewCloneForm::addEnvironment(const std::map<std::string, std::string>& variables) {
+    const auto present = parseKeyValues(envText);
+    for (const auto& [key, value] : variables) {
+        if (present.contains(key)) {
+            continue;
+        }
+        if (!envText.empty() && !envText.ends_with('\n')) {
+            envText += '\n';
+        }
+        envText += key + "=" + value;
+    }
+}
+
 void NewCloneForm::detectionFailed(std::string_view description) {
     detectNote = sentence(tr("Couldn't detect: %1"), {description});
     detecting = false;

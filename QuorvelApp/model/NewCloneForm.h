@@ -101,6 +101,9 @@ public:
     void beginDetecting();
     /// Records the detection's recommendation, which is adopted unless it is `unsupported`.
     void detected(Strategy recommended);
+    /// Adds the variables that a detection found to the text of the environment, except those that
+    /// it sets already.
+    void addEnvironment(const std::map<std::string, std::string>& variables);
     /// Records that the detection failed with this error.
     void detectionFailed(std::string_view description);
 };

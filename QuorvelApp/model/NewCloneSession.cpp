@@ -119,7 +119,11 @@ void NewCloneSession::detect() {
                     return; // the result is about another app than the one selected now
                 }
                 try {
-                    form.detected(outcome.result().strategy);
+                    const AppProfile profile = outcome.result();
+                    form.detected(profile.strategy);
+                    if (profile.environment) {
+                        form.addEnvironment(*profile.environment);
+                    }
                 } catch (const std::exception& error) {
                     form.detectionFailed(error.what());
                 }

@@ -102,7 +102,8 @@ TEST(ProbeCommandsTest, ProbeCommandPrintsTheProfileAndTheBuckets) {
     Session session(*trial.workspace);
     probeCommand(session.context, trial.app, quickly(trial), true, noEntitlements);
     const Json json = session.json();
-    EXPECT_EQ(json.size(), 3U);
+    EXPECT_EQ(json.size(), 4U);
+    EXPECT_EQ(json["inUse"], false);
     EXPECT_EQ(json["profile"].size(), 9U);
     EXPECT_EQ(json["profile"]["bundleId"], trial.bundleId);
     EXPECT_EQ(json["profile"]["confidence"], "autoDetected");
@@ -183,6 +184,27 @@ TEST(ProbeCommandsTest, ProbeDescriptionSaysWhatFellWhereWithThreeExamplesOfEach
     EXPECT_THAT(text, Not(HasSubstr("/home/captured")));
     EXPECT_THAT(text, HasSubstr("may be incomplete"));
     EXPECT_THAT(text, Not(HasSubstr("\x1b")));
+}
+
+TEST(ProbeCommandsTest, ProbeDescriptionShowsTheVariablesAndWhatTheyCost) {
+    AppProfile profile;
+    EXPECT_THAT(description(profile, ProbeResult{}), Not(HasSubstr("Variable")));
+    profile.environment = {{"DBUS_SESSION_BUS_ADDRESS", "disabled:"}};
+    EXPECT_THAT(description(profile, ProbeResult{}),
+                AllOf(HasSubstr("Variable          DBUS_SESSION_BUS_ADDRESS=disabled:\n"),
+                      HasSubstr("Without the session bus")));
+    profile.environment = {{"A", "1\x1b"}};
+    EXPECT_THAT(description(profile, ProbeResult{}),
+                AllOf(HasSubstr("Variable          A=1"), Not(HasSubstr("\x1b")),
+                      Not(HasSubstr("Without the session bus"))));
+}
+
+TEST(ProbeCommandsTest, ProbeDescriptionSaysThatTheAppIsInUse) {
+    ProbeResult result;
+    EXPECT_THAT(description(AppProfile{}, result), Not(HasSubstr("You have the app open")));
+    result.isInUse = true;
+    EXPECT_THAT(description(AppProfile{}, result), HasSubstr("You have the app open"));
+    EXPECT_EQ(jsonForm(AppProfile{}, result)["inUse"], true);
 }
 
 TEST(ProbeCommandsTest, ProbeDescriptionSaysThatTheRecordIsComplete) {

@@ -1,3 +1,4 @@
+#include "Platform/processes/IsolatedEnvironment.h"
 #include "ProbeKit/ProfileGenerator.h"
 #include "tests/ProbeKit/Trial.h"
 
@@ -279,7 +280,7 @@ TEST(TrialLaunchTest, AnAppIsAskedToEndFirstAndItsLastWritesAreRecorded) {
     EXPECT_THAT(bucketPaths(result, LeakBucket::captured), Contains(homes[0] + "/last words"));
 }
 
-TEST(TrialLaunchTest, AnAppFindsOurEnvironmentWithTheHomeReplacedAndNothingElse) {
+TEST(TrialLaunchTest, AnAppFindsOurEnvironmentAsACloneWouldAndNothingElse) {
     Trial trial;
     makeAppBundle(trial.app, {{"CFBundleIdentifier", trial.bundleId}}, "/usr/bin/env");
     trial.onSleep = [&](AppProber::Seconds /*time*/) {
@@ -296,6 +297,9 @@ TEST(TrialLaunchTest, AnAppFindsOurEnvironmentWithTheHomeReplacedAndNothingElse)
         Environment expected = currentEnvironment();
         expected["HOME"] = home;
         expected["CFFIXED_USER_HOME"] = home;
+        for (const auto& [key, value] : isolatedEnvironment(home, currentEnvironment())) {
+            expected[key] = value;
+        }
         std::multiset<std::string> lines;
         for (const auto& [key, value] : expected) {
             lines.insert(key + "=" + value);

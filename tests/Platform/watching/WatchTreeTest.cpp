@@ -22,9 +22,17 @@ protected:
     void watch() { tree_.settle(0, false); }
 
     // What was reported since the last call, with paths from the root on ("" is the root itself).
-    std::map<std::string, std::uint32_t> reported() {
-        drainInotifyQueue(tree_.descriptor(), [&] { return tree_.readQueue(); });
+    std::map<std::string, std::uint32_t> reported() { return reported(tree_); }
+    std::map<std::string, std::uint32_t> reported(WatchTree& tree) {
+        drainInotifyQueue(tree.descriptor(), [&] { return tree.readQueue(); });
         return std::exchange(reported_, {});
+    }
+
+    // A tree that watches the root, but does not look into folders named "skipped".
+    WatchTree treeWithoutSkipped() {
+        return {{root_.string()}, report_, [](const std::string& folder) {
+                    return !folder.ends_with("/skipped");
+                }};
     }
 
     // The number of folders that the system watches for this tree.
@@ -43,9 +51,10 @@ protected:
     TemporaryFolder folder_;
     fs::path root_ = folder_ / "root";
     std::map<std::string, std::uint32_t> reported_{};
-    WatchTree tree_{{root_.string()}, [this](const std::string& path, std::uint32_t flags) {
-                        reported_[path.substr(root_.string().size())] |= flags;
-                    }};
+    WatchTree::Report report_ = [this](const std::string& path, std::uint32_t flags) {
+        reported_[path.substr(root_.string().size())] |= flags;
+    };
+    WatchTree tree_{{root_.string()}, report_};
 };
 
 TEST_F(WatchTreeTest, ReportsNothingOfWhatIsThereAtTheStart) {
@@ -129,6 +138,37 @@ TEST_F(WatchTreeTest, ReportsWhatItCannotWatch) {
         tree.tidy(true);
         return (flags & FSEventFlag::mustScanSubDirs) != 0;
     }));
+}
+
+TEST_F(WatchTreeTest, FilteredDoesNotLookIntoWhatWasThereAtTheStart) {
+    write(at("skipped/sub/file"), "text");
+    write(at("other/sub/file"), "text");
+    WatchTree filtered = treeWithoutSkipped();
+    write(at("skipped/sub/file"), "more");
+    write(at("skipped/new"), "text");
+    write(at("other/sub/file"), "more");
+    EXPECT_THAT(reported(filtered), ElementsAre(Key("/other/sub/file")));
+}
+
+TEST_F(WatchTreeTest, FilteredReportsANewFolderButNotItsContents) {
+    fs::create_directories(root_);
+    WatchTree filtered = treeWithoutSkipped();
+    write(at("skipped/sub/file"), "text");
+    write(at("other/skipped/file"), "text");
+    EXPECT_THAT(reported(filtered),
+                UnorderedElementsAre(Key("/skipped"), Key("/other"), Key("/other/skipped")));
+    write(at("skipped/sub/file"), "more");
+    EXPECT_THAT(reported(filtered), IsEmpty());
+}
+
+TEST_F(WatchTreeTest, FilteredReportsAFolderThatIsRenamedButNotItsContents) {
+    write(at("other/sub/file"), "text");
+    WatchTree filtered = treeWithoutSkipped();
+    fs::rename(at("other"), at("skipped"));
+    EXPECT_THAT(reported(filtered), UnorderedElementsAre(Key("/other"), Key("/skipped")));
+    filtered.tidy(true);
+    write(at("skipped/sub/file"), "more");
+    EXPECT_THAT(reported(filtered), IsEmpty());
 }
 
 } // namespace

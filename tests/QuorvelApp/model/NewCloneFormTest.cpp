@@ -398,6 +398,19 @@ TEST(NewCloneFormTest, DetectionLeavesTheStrategyForAnAppThatResists) {
     EXPECT_FALSE(form.detecting);
 }
 
+TEST(NewCloneFormTest, DetectionAddsTheVariablesThatAreNotSet) {
+    NewCloneForm form;
+    form.addEnvironment({{"A", "1"}, {"B", "x=y"}});
+    EXPECT_EQ(form.envText, "A=1\nB=x=y");
+    form.envText = "B=mine";
+    form.addEnvironment({{"A", "1"}, {"B", "2"}});
+    EXPECT_EQ(form.envText, "B=mine\nA=1");
+    form.addEnvironment({{"C", "3"}});
+    form.envText += "\n";
+    form.addEnvironment({{"D", "4"}});
+    EXPECT_EQ(form.envText, "B=mine\nA=1\nC=3\nD=4");
+}
+
 TEST(NewCloneFormTest, DetectionShowsAFailure) {
     NewCloneForm form;
     form.strategyReason = "reason";

@@ -85,6 +85,21 @@ TEST_F(ConfigurationPaneTest, DetectionShowsASpinnerThenItsOutcome) {
     EXPECT_TRUE(detect->isEnabled());
 }
 
+TEST_F(ConfigurationPaneTest, DetectionEntersTheVariablesThatACloneNeeds) {
+    stubs.probe = [] {
+        return ProbeResult{.singleton = SingletonTier::machPort,
+                           .environment = {{"DBUS_SESSION_BUS_ADDRESS", "disabled:"}},
+                           .recommendedStrategy = Strategy::homeOverride};
+    };
+    NewCloneView& sheet = openSheetWith(u"Notes"_s);
+    button(u"Advanced options"_s)->click();
+    button(u"Auto-detect"_s)->click();
+    ASSERT_TRUE(eventually([&] { return shown(u"Detected: Home override (A)."_s); }));
+    EXPECT_EQ(sheet.session().form().envText, "DBUS_SESSION_BUS_ADDRESS=disabled:");
+    EXPECT_EQ(window->findChildren<QPlainTextEdit*>()[0]->toPlainText(),
+              u"DBUS_SESSION_BUS_ADDRESS=disabled:"_s);
+}
+
 TEST_F(ConfigurationPaneTest, AFailedDetectionIsReported) {
     stubs.probe = [] { return std::nullopt; };
     openSheetWith(u"Notes"_s);
