@@ -22,6 +22,8 @@ case "$(uname -m)" in
   x86_64) debian_test+=(libc6-dev-arm64-cross) ;;
   aarch64) debian_test+=(libc6-dev-amd64-cross) ;;
 esac
+# What packing needs on top of what it takes to build; the tests try it.
+debian_package=(dpkg-dev file gzip lintian)
 # What the fuzzers need on top of what it takes to build. Clang only recommends its own runtime.
 debian_fuzz=(clang-16 libclang-rt-16-dev)
 homebrew_build=(cmake ninja pkg-config nlohmann-json rapidjson libplist icu4c cli11 qt openjpeg)
@@ -55,7 +57,7 @@ install_homebrew() {
   brew install "${missing[@]}"
 }
 
-# install_packages build|test|fuzz
+# install_packages build|test|fuzz|package
 install_packages() {
   if [ "$(uname)" = Darwin ]; then
     install_homebrew "${homebrew_build[@]}"
@@ -66,7 +68,8 @@ install_packages() {
   elif command -v apt-get >/dev/null; then
     install_debian "${debian_build[@]}"
     case "$1" in
-      test) install_debian "${debian_test[@]}" ;;
+      test) install_debian "${debian_test[@]}" "${debian_package[@]}" ;;
+      package) install_debian "${debian_package[@]}" ;;
       fuzz) install_debian "${debian_fuzz[@]}" ;;
     esac
   else
