@@ -29,7 +29,8 @@ std::string shellOutput(const std::string& script, const std::vector<std::string
 class DebianPackageTest : public ::testing::Test {
 protected:
     void SetUp() override {
-        for (const char* program : {"cpack", "dpkg-deb", "dpkg-shlibdeps", "file", "lintian"}) {
+        for (const char* program :
+             {"cpack", "dpkg-deb", "dpkg-shlibdeps", "file", "lintian", "readelf"}) {
             if (outcomeOf({"/bin/sh", "-c", "command -v \"$0\"", program}).status != 0) {
                 GTEST_SKIP() << program << " is not installed";
             }
@@ -80,6 +81,20 @@ TEST_F(DebianPackageTest, HasWhatDesktopsAndDebianLookFor) {
     EXPECT_THAT(field("Version"), ::testing::StartsWith(QUORVEL_VERSION));
     EXPECT_THAT(field("Depends"), AllOf(HasSubstr("libc6 ("), HasSubstr("libqt6widgets6 ("),
                                         HasSubstr("libplist3 (")));
+}
+
+TEST_F(DebianPackageTest, HasProgramsThatAreHardenedAndStripped) {
+    const fs::path root = folder_ / "root";
+    shellOutput(R"(dpkg-deb -x "$1" "$2")", {package_.string(), root.string()});
+    for (const char* program :
+         {"usr/bin/quorvel", "usr/bin/quorvelctl", "usr/libexec/quorvel/quorvel-runner"}) {
+        const std::string facts =
+            shellOutput(R"(readelf -SdW --dyn-syms "$1")", {(root / program).string()});
+        EXPECT_THAT(facts, ::testing::ContainsRegex("Flags: NOW PIE\n")) << program;
+        EXPECT_THAT(facts, HasSubstr(" __stack_chk_fail@")) << program;
+        EXPECT_THAT(facts, ::testing::ContainsRegex(" __[a-z]+_chk@")) << program << ": fortified";
+        EXPECT_THAT(facts, Not(HasSubstr(" .symtab "))) << program;
+    }
 }
 
 TEST_F(DebianPackageTest, SatisfiesLintian) {
