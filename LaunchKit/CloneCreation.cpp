@@ -1,20 +1,21 @@
 #include "LaunchKit/CloneCreation.h"
 
 #include "Platform/files/FileLock.h"
+#include "Platform/files/FileSystem.h"
 #include "Platform/files/PlatformError.h"
 
 #include <chrono>
+#include <functional>
 #include <optional>
 
 namespace quorvel {
 namespace fs = std::filesystem;
 namespace {
 
-// Returns std::nullopt where the folder can't be locked: not every file system has locks.
+// Returns std::nullopt if the folder is missing or can't be locked: not every file system has
+// locks.
 std::optional<FileLock> lockForCreation(const fs::path& folder) {
     constexpr std::chrono::seconds patience{30};
-    std::error_code ignored; // whatever is wrong, writing the wrapper reports it
-    fs::create_directories(folder, ignored);
     try {
         if (std::optional<FileLock> lock = FileLock::takeFolder(folder, patience)) {
             return lock;
@@ -26,16 +27,40 @@ std::optional<FileLock> lockForCreation(const fs::path& folder) {
                          "; try again once that is done.");
 }
 
+// Locked before anything is looked at: a wrapper that is still being written does not look like a
+// clone.
+std::optional<FileLock> lockAndValidate(const fs::path& folder,
+                                        const std::function<void()>& validate) {
+    std::optional<FileLock> lock = lockForCreation(folder);
+    try {
+        validate();
+        return lock;
+    } catch (const InvalidRequest&) {
+        if (lock || !itemExists(folder)) {
+            throw;
+        }
+    }
+    // Another creation may have made the folder just then.
+    lock = lockForCreation(folder);
+    validate();
+    return lock;
+}
+
 } // namespace
 
 fs::path createClone(const WrapperFactory& factory, const WrapperFactory::Request& request,
                      const RequestPermissions& permissions, const WrapperFactory::Warning& warn) {
-    validateRequest(request, factory.runnerBinary, permissions);
-    std::optional<FileLock> lock;
+    const fs::path folder = WrapperFactory::wrapperURL(request).parent_path();
+    std::optional<FileLock> lock = lockAndValidate(
+        folder, [&] { validateRequest(request, factory.runnerBinary, permissions); });
     const auto beforeWriting = [&](const fs::path& wrapper) {
-        lock = lockForCreation(wrapper.parent_path());
-        // Another creation may have been faster since the request was validated.
-        requireReplaceable(wrapper, permissions);
+        if (!lock) {
+            std::error_code ignored; // whatever is wrong, writing the wrapper reports it
+            fs::create_directories(folder, ignored);
+            lock = lockForCreation(folder);
+            // Another creation may have made the folder, and this clone in it.
+            requireReplaceable(wrapper, permissions);
+        }
     };
     return factory.create(request, beforeWriting, warn);
 }

@@ -1,9 +1,13 @@
 # What all targets share: the language, the warnings, the sanitizers.
 
+include(CheckCXXCompilerFlag)
+include(CheckPIESupported)
+
 set(CMAKE_CXX_STANDARD 20)
 set(CMAKE_CXX_STANDARD_REQUIRED ON)
 set(CMAKE_CXX_EXTENSIONS OFF)
 set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+check_pie_supported(LANGUAGES CXX)
 set(CMAKE_RUNTIME_OUTPUT_DIRECTORY "${PROJECT_BINARY_DIR}/bin")
 
 # macOS is "macos" in file names, every other system is "linux".
@@ -29,6 +33,22 @@ target_compile_options(quorvel_options INTERFACE
 target_compile_definitions(quorvel_options INTERFACE
   QT_NO_CAST_FROM_ASCII QT_NO_CAST_TO_ASCII QT_NO_CAST_FROM_BYTEARRAY QT_NO_CONTEXTLESS_CONNECT
   QT_NO_URL_CAST_FROM_STRING QT_NO_NARROWING_CONVERSIONS_IN_CONNECT QT_NO_KEYWORDS)
+# What distributions build their programs with. Sanitizers check more, and so replace it.
+if(NOT APPLE AND NOT QUORVEL_SANITIZE)
+  set(hardening -fstack-protector-strong -fstack-clash-protection
+    -U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=2)
+  # Each processor has its own way to check where jumps lead.
+  foreach(flag -fcf-protection -mbranch-protection=standard)
+    string(MAKE_C_IDENTIFIER "QUORVEL_HAS${flag}" known)
+    check_cxx_compiler_flag(${flag} ${known})
+    if(${known})
+      list(APPEND hardening ${flag})
+    endif()
+  endforeach()
+  target_compile_options(quorvel_options INTERFACE "$<$<CONFIG:Release>:${hardening}>")
+  target_link_options(quorvel_options INTERFACE LINKER:-z,relro LINKER:-z,now)
+endif()
+
 if(QUORVEL_SANITIZE)
   target_compile_options(quorvel_options INTERFACE
     -fsanitize=${QUORVEL_SANITIZE} -fno-omit-frame-pointer

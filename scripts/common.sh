@@ -25,6 +25,8 @@ case "$(uname -m)" in
   x86_64) debian_test+=(libc6-dev-arm64-cross) ;;
   aarch64) debian_test+=(libc6-dev-amd64-cross) ;;
 esac
+# What packing needs on top of what it takes to build; the tests try it.
+debian_package=(dpkg-dev file gzip lintian)
 # What the fuzzers need on top of what it takes to build. Clang only recommends its own runtime.
 debian_fuzz=(clang-16 libclang-rt-16-dev)
 homebrew_build=(cmake ninja pkg-config nlohmann-json rapidjson libplist icu4c cli11 qt openjpeg)
@@ -67,7 +69,7 @@ install_homebrew() {
   brew install "${missing[@]}"
 }
 
-# install_packages build|test|fuzz
+# install_packages build|test|fuzz|package
 install_packages() {
   if [ "$(uname)" = Darwin ]; then
     install_homebrew "${homebrew_build[@]}"
@@ -79,9 +81,10 @@ install_packages() {
     install_debian "${debian_build[@]}"
     case "$1" in
       test)
-        install_debian "${debian_test[@]}"
+        install_debian "${debian_test[@]}" "${debian_package[@]}"
         install_available "${debian_apps[@]}"
         ;;
+      package) install_debian "${debian_package[@]}" ;;
       fuzz) install_debian "${debian_fuzz[@]}" ;;
     esac
   else

@@ -2,6 +2,7 @@
 
 #include "Platform/files/VolumeTransfer.h"
 
+#include <tuple>
 #include <unistd.h>
 
 namespace quorvel {
@@ -25,7 +26,7 @@ bool copyAttributes(int original, int copy, const struct stat& facts) {
                            ::fchown(copy, facts.st_uid, facts.st_gid) == 0;
     if (!sameOwner) {
         // Only root may give a file away, but anyone may give it to a group of their own.
-        (void)::fchown(copy, static_cast<uid_t>(-1), facts.st_gid);
+        std::ignore = ::fchown(copy, static_cast<uid_t>(-1), facts.st_gid);
     }
     // The mode last: a change of the owner clears some of its bits.
     return VolumeTransfer::copyExtendedAttributes(original, copy) &&

@@ -10,6 +10,7 @@
 
 #include <cerrno>
 #include <fcntl.h>
+#include <tuple>
 #include <unistd.h>
 
 namespace quorvel {
@@ -155,7 +156,8 @@ void TreeCopy::copyLink(const Place& place, const struct stat& facts) {
                     AT_SYMLINK_NOFOLLOW) != 0) {
         fail(place, errno);
     }
-    (void)::fchownat(place.to, place.name.c_str(), facts.st_uid, facts.st_gid, AT_SYMLINK_NOFOLLOW);
+    std::ignore =
+        ::fchownat(place.to, place.name.c_str(), facts.st_uid, facts.st_gid, AT_SYMLINK_NOFOLLOW);
 }
 
 void TreeCopy::copyNode(const Place& place, const struct stat& facts) {

@@ -39,7 +39,11 @@ TEST(InstalledTest, HasItsFilesWhereADesktopLooksForThem) {
                               "share/zsh/site-functions/_quorvelctl"}));
 #ifdef QUORVEL_WITH_APP
     EXPECT_THAT(filesBelow(folder.path()),
-                IsSupersetOf({"bin/quorvel", "share/applications/app.quorvel.Quorvel.desktop",
+                IsSupersetOf({"bin/quorvel", "share/man/man1/quorvel.1",
+                              "share/icons/hicolor/16x16/apps/app.quorvel.Quorvel.png",
+                              "share/icons/hicolor/48x48/apps/app.quorvel.Quorvel.png",
+                              "share/icons/hicolor/512x512/apps/app.quorvel.Quorvel.png",
+                              "share/applications/app.quorvel.Quorvel.desktop",
                               "share/metainfo/app.quorvel.Quorvel.metainfo.xml",
                               "share/icons/hicolor/scalable/apps/app.quorvel.Quorvel.svg"}));
 #endif

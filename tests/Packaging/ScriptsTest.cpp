@@ -16,6 +16,12 @@ TEST(ScriptsTest, PackagingScriptSaysThatItNeedsAMac) {
                               "application are there only.\n");
 }
 
+TEST(ScriptsTest, PackagingScriptsTakeNoOtherWords) {
+    const Outcome outcome = outcomeOf({QUORVEL_SOURCE "/scripts/package-linux", "--help"});
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_EQ(outcome.output, "usage: scripts/package-linux\n");
+}
+
 class ScriptsTestMutations : public ::testing::Test {
 protected:
     ScriptsTestMutations() {

@@ -1,4 +1,5 @@
-// Draws the application's own icon, while it is built: app_icon DRAWING.svg ICON.icns
+// Draws the application's own icon, while it is built:
+//   app_icon DRAWING.svg ICON.icns SIDExSIDE/.../NAME.png...
 
 #include "LaunchKit/Icons/IcnsWriter.h"
 #include "Platform/files/FileWriting.h"
@@ -9,8 +10,12 @@
 #include <QSvgRenderer>
 
 #include <cstdio>
+#include <cstdlib>
+#include <filesystem>
 #include <string>
 #include <vector>
+
+namespace fs = std::filesystem;
 
 namespace {
 
@@ -33,6 +38,25 @@ std::vector<std::string> chunks(QSvgRenderer& drawing) {
     return result;
 }
 
+// The path says how wide the image is: one of its folders is named "48x48".
+int sideIn(const fs::path& file) {
+    for (const fs::path& part : file) {
+        const std::string name = part.string();
+        const int side = std::atoi(name.c_str());
+        if (side > 0 && name == std::to_string(side) + "x" + std::to_string(side)) {
+            return side;
+        }
+    }
+    return 0;
+}
+
+bool writeImage(QSvgRenderer& drawing, const fs::path& file) {
+    const int side = sideIn(file);
+    std::error_code code;
+    fs::create_directories(file.parent_path(), code);
+    return side > 0 && drawn(drawing, side).save(QString::fromLocal8Bit(file.c_str()), "PNG");
+}
+
 int fail(const char* message) {
     std::fprintf(stderr, "app_icon: %s\n", message);
     return 1;
@@ -43,8 +67,8 @@ int fail(const char* message) {
 int main(int argc, char** argv) {
     qputenv("QT_QPA_PLATFORM", "offscreen"); // a build has no display
     const QGuiApplication application(argc, argv);
-    if (argc != 3) {
-        return fail("usage: app_icon DRAWING.svg ICON.icns");
+    if (argc < 3) {
+        return fail("usage: app_icon DRAWING.svg ICON.icns [SIDExSIDE/NAME.png...]");
     }
     QSvgRenderer drawing(QString::fromLocal8Bit(argv[1]));
     if (!drawing.isValid()) {
@@ -60,6 +84,11 @@ int main(int argc, char** argv) {
         quorvel::writeFile(argv[2], quorvel::icnsFile(entries));
     } catch (const quorvel::PlatformError& error) {
         return fail(error.what());
+    }
+    for (int index = 3; index < argc; ++index) {
+        if (!writeImage(drawing, argv[index])) {
+            return fail("an image of the theme can't be written");
+        }
     }
     return 0;
 }

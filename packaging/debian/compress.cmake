@@ -1,0 +1,7 @@
+# Run by CPack before it packs: Debian has manual pages and changelogs compressed.
+set(root "${CPACK_TEMPORARY_DIRECTORY}")
+file(GLOB_RECURSE pages "${root}/usr/share/man/*.[1-9]")
+file(GLOB changelogs "${root}/usr/share/doc/*/changelog" "${root}/usr/share/doc/*/changelog.Debian")
+foreach(file IN LISTS pages changelogs)
+  execute_process(COMMAND gzip -9nf "${file}" COMMAND_ERROR_IS_FATAL ANY)
+endforeach()
