@@ -77,6 +77,10 @@ int launchAndSupervise(const InstanceConfig& config, const std::vector<std::stri
         addToLog(config, message);
         return fail(report, message, runnerUnavailable);
     }
+    if (config.kind == ShortcutKind::app) {
+        // What a file or a command opens is not part of the clone.
+        adoptOrphans();
+    }
     try {
         const std::optional<FileLock> lock =
             config.kind == ShortcutKind::app ? lockHome(config) : std::nullopt;
@@ -111,7 +115,6 @@ int launchAndSupervise(const InstanceConfig& config, const std::vector<std::stri
 int runClone(const fs::path& executable, const std::vector<std::string>& arguments) {
     const StartReport report;
     const SignalForwarder signals;
-    adoptOrphans();
 
     const fs::path wrapper = executable.parent_path().parent_path().parent_path();
     const fs::path file = configOf(wrapper);

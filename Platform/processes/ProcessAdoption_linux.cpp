@@ -1,7 +1,8 @@
 #include "Platform/processes/ProcessAdoption.h"
 
-#include "Platform/processes/ProcessStat_linux.h"
+#include "Platform/processes/ProcessFamily.h"
 
+#include <cstdlib>
 #include <sys/prctl.h>
 #include <unistd.h>
 
@@ -12,11 +13,11 @@ void adoptOrphans() noexcept {
 }
 
 std::vector<pid_t> runningChildren() {
+    const char* home = std::getenv("HOME");
     std::vector<pid_t> children;
-    for (const pid_t pid : allProcesses()) {
-        const auto stat = processStat(pid);
-        if (stat && stat->parent == ::getpid() && stat->state != 'Z') {
-            children.push_back(pid);
+    for (const ProcessIdentity& child : childrenOf(::getpid())) {
+        if (home == nullptr || !hasHome(child.pid, home)) {
+            children.push_back(child.pid);
         }
     }
     return children;

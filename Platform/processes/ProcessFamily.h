@@ -19,6 +19,13 @@ struct ProcessIdentity {
 /// Returns the running processes below that one: its children, their children, and so on.
 [[nodiscard]] std::vector<ProcessIdentity> descendantsOf(pid_t root);
 
+/// Returns the running children of that process.
+[[nodiscard]] std::vector<ProcessIdentity> childrenOf(pid_t parent);
+
+/// Returns whether the process was started with this value of HOME. False if that can't be read,
+/// and on macOS.
+[[nodiscard]] bool hasHome(pid_t pid, const std::string& home);
+
 /// Returns the running processes of this user that were started with this value of HOME. Returns
 /// none on macOS, which has no reliable way to find them.
 [[nodiscard]] std::vector<ProcessIdentity> processesWithHome(const std::string& home);

@@ -41,17 +41,30 @@ std::vector<ProcessIdentity> descendantsOf(pid_t root) {
     return found;
 }
 
-std::vector<ProcessIdentity> processesWithHome(const std::string& home) {
-    constexpr std::size_t limit = std::size_t{8} << 20U;
-    std::string wanted(1, '\0');
-    wanted += "HOME=" + home + '\0';
+std::vector<ProcessIdentity> childrenOf(pid_t parent) {
     std::vector<ProcessIdentity> found;
     for (const pid_t pid : allProcesses()) {
         const auto stat = processStat(pid);
-        const auto environment =
-            stat ? readFile("/proc/" + std::to_string(pid) + "/environ", limit) : std::nullopt;
-        if (environment && !hasEnded(*stat) &&
-            ('\0' + *environment + '\0').find(wanted) != std::string::npos) {
+        if (stat && stat->parent == parent && !hasEnded(*stat)) {
+            found.push_back({pid, stat->started});
+        }
+    }
+    return found;
+}
+
+bool hasHome(pid_t pid, const std::string& home) {
+    constexpr std::size_t limit = std::size_t{8} << 20U;
+    std::string wanted(1, '\0');
+    wanted += "HOME=" + home + '\0';
+    const auto environment = readFile("/proc/" + std::to_string(pid) + "/environ", limit);
+    return environment && ('\0' + *environment + '\0').find(wanted) != std::string::npos;
+}
+
+std::vector<ProcessIdentity> processesWithHome(const std::string& home) {
+    std::vector<ProcessIdentity> found;
+    for (const pid_t pid : allProcesses()) {
+        const auto stat = processStat(pid);
+        if (stat && !hasEnded(*stat) && hasHome(pid, home)) {
             found.push_back({pid, stat->started});
         }
     }

@@ -20,21 +20,32 @@ std::optional<ProcessIdentity> identityOf(pid_t pid) {
 
 } // namespace
 
-std::vector<ProcessIdentity> descendantsOf(pid_t root) {
-    constexpr std::size_t most = 4096; // children of one process, and descendants altogether
-    std::vector<ProcessIdentity> found;
+std::vector<ProcessIdentity> childrenOf(pid_t parent) {
+    constexpr std::size_t most = 4096;
     std::vector<pid_t> children(most);
-    for (std::size_t next = 0; next <= found.size() && found.size() < most; ++next) {
-        const pid_t parent = next == 0 ? root : found[next - 1].pid;
-        const int count = proc_listchildpids(parent, children.data(),
-                                             static_cast<int>(children.size() * sizeof(pid_t)));
-        for (int index = 0; index < count; ++index) {
-            if (const auto child = identityOf(children[static_cast<std::size_t>(index)])) {
-                found.push_back(*child);
-            }
+    const int count = proc_listchildpids(parent, children.data(),
+                                         static_cast<int>(children.size() * sizeof(pid_t)));
+    std::vector<ProcessIdentity> found;
+    for (int index = 0; index < count; ++index) {
+        if (const auto child = identityOf(children[static_cast<std::size_t>(index)])) {
+            found.push_back(*child);
         }
     }
     return found;
+}
+
+std::vector<ProcessIdentity> descendantsOf(pid_t root) {
+    constexpr std::size_t most = 4096;
+    std::vector<ProcessIdentity> found;
+    for (std::size_t next = 0; next <= found.size() && found.size() < most; ++next) {
+        const auto children = childrenOf(next == 0 ? root : found[next - 1].pid);
+        found.insert(found.end(), children.begin(), children.end());
+    }
+    return found;
+}
+
+bool hasHome(pid_t /*pid*/, const std::string& /*home*/) {
+    return false;
 }
 
 std::vector<ProcessIdentity> processesWithHome(const std::string& /*home*/) {

@@ -14,7 +14,7 @@ public:
     SignalForwarder();
 
     /// Waits for the process and sends it every signal that arrives meanwhile. Then waits in the
-    /// same way for the other children of this process, those that it adopted: they get the last
+    /// same way for the other `runningChildren`, those that it adopted: they get the last
     /// signal too, even if it arrived before. Returns the exit status of `process`, or 128 + N if
     /// signal N ended it. A companion is a child that only serves the others: it is not waited for,
     /// but ended after them. Call it in the thread that constructed this.

@@ -187,6 +187,30 @@ TEST_F(OneTargetTest, WhatDetachedItselfIsStoppedAfterTheTarget) {
     EXPECT_FALSE(fs::exists("/proc/" + std::to_string(numberIn(at("child"))) + "/exe"));
 }
 
+// Such as the user's browser, in which a link was opened.
+TEST_F(OneTargetTest, WhatHasTheUsersHomeIsNotPartOfTheClone) {
+    const std::string ofTheUser = "HOME='" + home_.path().string() + "'; export HOME; ";
+    const fs::path bundle =
+        wrapper(scripted("(" + ofTheUser + detached("sleep 600 30>&-") + "); echo $$ > " +
+                         at("pid").string() + "; exec sleep 600"));
+    Process runner = start(bundle);
+    ASSERT_TRUE(targetRuns());
+    ASSERT_TRUE(childRuns());
+    runner.terminate();
+    EXPECT_EQ(runner.waitUntilExit(), 128 + SIGTERM);
+    EXPECT_EQ(::kill(numberIn(at("child")), 0), 0) << "it goes on";
+    EXPECT_EQ(statusOf(wrapper(scripted("exit 0"))), 0) << "and the home is free";
+}
+
+TEST_F(OneTargetTest, WhatACommandLeavesBehindIsNotWaitedFor) {
+    InstanceConfig config = configOf(ShortcutKind::command);
+    config.commandPath = "/bin/sh";
+    config.commandArgs = {"-c", detached("sleep 600")};
+    EXPECT_EQ(statusOf(wrapper(config)), 0);
+    ASSERT_TRUE(childRuns());
+    EXPECT_EQ(::kill(numberIn(at("child")), 0), 0);
+}
+
 TEST_F(OneTargetTest, WhatDetachedItselfAndEndsLeavesNoZombie) {
     const fs::path bundle = wrapper(
         scripted(detached("true") + "; echo $$ > " + at("pid").string() + "; exec sleep 600"));
