@@ -189,11 +189,11 @@ TEST(ProbeCommandsTest, ProbeDescriptionSaysWhatFellWhereWithThreeExamplesOfEach
 TEST(ProbeCommandsTest, ProbeDescriptionShowsTheVariablesAndWhatTheyCost) {
     AppProfile profile;
     EXPECT_THAT(description(profile, ProbeResult{}), Not(HasSubstr("Variable")));
-    profile.environment = {{"DBUS_SESSION_BUS_ADDRESS", "disabled:"}};
+    profile.environment.emplace()["DBUS_SESSION_BUS_ADDRESS"] = "disabled:";
     EXPECT_THAT(description(profile, ProbeResult{}),
                 AllOf(HasSubstr("Variable          DBUS_SESSION_BUS_ADDRESS=disabled:\n"),
                       HasSubstr("Without the session bus")));
-    profile.environment = {{"A", "1\x1b"}};
+    profile.environment.emplace()["A"] = "1\x1b";
     EXPECT_THAT(description(profile, ProbeResult{}),
                 AllOf(HasSubstr("Variable          A=1"), Not(HasSubstr("\x1b")),
                       Not(HasSubstr("Without the session bus"))));

@@ -44,7 +44,13 @@ TEST(AppNamesTest, OfAnEntryPassOverComponentsThatSayNothing) {
     const AppBundle telegram = entry("org.telegram.desktop", "x1");
     EXPECT_TRUE(mentions(telegram, "TelegramDesktop/log.txt"));
     EXPECT_FALSE(mentions(telegram, "applications/other.desktop"));
-    EXPECT_FALSE(mentions(entry("desktop", "x1"), "desktop"));
+    for (const char* word :
+         {"app", "application", "bash", "browser", "client", "desktop", "electron", "env",
+          "flatpak", "gnome", "java", "kde", "launcher", "main", "node", "snap", "python3"}) {
+        EXPECT_FALSE(mentions(entry(word, "x1"), word)) << word;
+    }
+    EXPECT_TRUE(mentions(entry("vlc", "x1"), "vlc/rc")) << "short, but long enough";
+    EXPECT_FALSE(mentions(entry("vi", "x1"), "vi/rc"));
 }
 
 TEST(AppNamesTest, OfAnEntryIncludeThoseOfItsProgram) {
@@ -71,7 +77,10 @@ TEST(AppNamesTest, OfAnEntryIncludeTheWordsThatItsTitleAndItsProgramShare) {
     EXPECT_TRUE(mentions(editor, "org.gnome.TextEditor/session"));
     EXPECT_TRUE(mentions(editor, "gnome-text-editor"));
     EXPECT_FALSE(mentions(entry("gimp", "gimp-2.10", "Image Program"), "image/program"));
-    EXPECT_TRUE(mentions(entry("calc", "x1", "Calc Two"), "calc"));
+    EXPECT_FALSE(mentions(firefox, "fire/rules")) << "whole words";
+    EXPECT_TRUE(mentions(entry("x1", "gnome-notes", "My Notes"), "notes/db"));
+    EXPECT_TRUE(mentions(entry("x1", "notes-gnome", "Notes of Mine"), "notes/db"));
+    EXPECT_FALSE(mentions(entry("x1", "the-set", "The Set"), "set/db")) << "too short";
 }
 
 TEST(AppNamesTest, OfAFlatpakAreNotThoseOfTheProgramThatStartsIt) {
@@ -101,6 +110,9 @@ TEST(AppNamesTest, OfAnAppImageLeaveItsVersionOut) {
     app.desktop->program.packaging = Packaging::appImage;
     EXPECT_TRUE(mentions(app, ".config/notes/x"));
     EXPECT_FALSE(mentions(app, ".config/x86_64/x"));
+    app.bundleId = "Note";
+    EXPECT_TRUE(mentions(app, ".config/note/x"));
+    EXPECT_FALSE(mentions(app, ".config/not/x"));
 }
 
 TEST(AppNamesTest, AreNeverEmpty) {
