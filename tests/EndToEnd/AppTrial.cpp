@@ -231,7 +231,7 @@ std::string AppTrial::homeOf(pid_t number, const std::map<pid_t, SessionProcess>
 std::optional<SessionWindow> AppTrial::windowOf(const std::string& home) const {
     const std::map<pid_t, SessionProcess> processes = session_.processes();
     for (const SessionWindow& window : session_.windows()) {
-        if (!window.isDialog && processes.contains(window.process) &&
+        if (!window.isSecondary && processes.contains(window.process) &&
             homeOf(window.process, processes) == home) {
             return window;
         }

@@ -42,6 +42,7 @@ constexpr auto listWindows = R"(
 for window in $(xprop -root _NET_CLIENT_LIST | grep -o '0x[0-9a-f]*'); do
   echo window
   xprop -id "$window" _NET_WM_PID WM_CLASS _NET_WM_WINDOW_TYPE WM_TRANSIENT_FOR _NET_WM_NAME WM_NAME 2>/dev/null
+  echo # a window that closes meanwhile may leave half a line
 done)";
 
 constexpr std::array programs{"/usr/bin/Xvfb",        "/usr/bin/openbox", "/usr/bin/xprop",
@@ -97,10 +98,11 @@ void readProperty(SessionWindow& window, const std::string& line) {
                !texts.empty()) {
         window.title = texts[0];
     } else if (line.starts_with("_NET_WM_WINDOW_TYPE")) {
-        window.isDialog |= line.find("_TYPE_DIALOG") != std::string::npos ||
-                           line.find("_TYPE_SPLASH") != std::string::npos;
-    } else if (line.starts_with("WM_TRANSIENT_FOR") && line.find("0x") != std::string::npos) {
-        window.isDialog = true;
+        window.isDialog = line.find("_TYPE_DIALOG") != std::string::npos;
+        window.isSecondary |= line.find("_TYPE_SPLASH") != std::string::npos;
+    } else if (line.starts_with("WM_TRANSIENT_FOR") && line.find("# 0x") != std::string::npos &&
+               !line.ends_with("# 0x0")) {
+        window.isSecondary = true;
     }
 }
 
@@ -155,21 +157,29 @@ OrdinarySession::OrdinarySession(DataFolders dataFolders) : user_(unusedUser()) 
         environment_["XAUTHORITY"] = authority;
     }
     makeNamespaces();
-    environment_["DISPLAY"] = ":0"; // of the server's own cookie
-    startServer();
-    const Outcome added = run(
-        {"/usr/bin/xauth", "-f", authority.string(), "add", environment_["DISPLAY"], ".", cookie});
-    if (added.status != 0) {
-        throw std::runtime_error("no X cookie: " + added.output);
+    try {
+        startServer(authority);
+        startBus();
+        startWindowManager();
+    } catch (...) {
+        end();
+        throw;
     }
-    startBus();
-    startWindowManager();
 }
 
 OrdinarySession::~OrdinarySession() {
-    // The user may signal only its own processes.
+    end();
+}
+
+void OrdinarySession::end() {
     for (const char* signal : {"TERM", "KILL"}) {
-        static_cast<void>(run({"/bin/sh", "-c", "kill -s \"$0\" -1", signal}));
+        std::vector<std::string> command{"/bin/kill", "-s", signal};
+        for (const auto& [number, process] : processes()) {
+            if (!process.executable.empty()) {
+                command.push_back(std::to_string(number));
+            }
+        }
+        static_cast<void>(run(command));
         if (waitUntil([&] { return !hasProcesses(); }, std::chrono::seconds(10))) {
             break;
         }
@@ -268,11 +278,18 @@ void OrdinarySession::start(std::vector<std::string> command) {
     programs_.push_back(launch(std::move(command)));
 }
 
-void OrdinarySession::startServer() {
-    const fs::path authority = folder_ / "run/server";
-    if (run({"/usr/bin/xauth", "-f", authority.string(), "add", ":0", ".", cookie}).status != 0) {
-        throw std::runtime_error("no X cookie for the server");
+// Its own cookie is for display 0, which it doesn't compare; that of the programs must be right.
+void OrdinarySession::addCookie(const fs::path& authority, const std::string& display) const {
+    const Outcome added =
+        run({"/usr/bin/xauth", "-f", authority.string(), "add", display, ".", cookie});
+    if (added.status != 0) {
+        throw std::runtime_error("no X cookie: " + added.output);
     }
+}
+
+void OrdinarySession::startServer(const fs::path& usersAuthority) {
+    const fs::path authority = folder_ / "run/server";
+    addCookie(authority, ":0");
     // The server chooses a free number and writes it down.
     const fs::path numberFile = folder_ / "display";
     const int file = ::open(numberFile.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0600);
@@ -285,10 +302,13 @@ void OrdinarySession::startServer() {
     }
     const std::string number = read(numberFile);
     environment_["DISPLAY"] = ":" + number.substr(0, number.size() - 1);
+    addCookie(usersAuthority, environment_["DISPLAY"]);
 }
 
 void OrdinarySession::startBus() {
-    start({"/usr/bin/dbus-daemon", "--session", "--nofork", "--nopidfile", "--nosyslog",
+    // Without this variable the daemon asks the user database, where the user may not be.
+    start({"/usr/bin/env", "XDG_DATA_HOME=" + dataHome().string(), "/usr/bin/dbus-daemon",
+           "--session", "--nofork", "--nopidfile", "--nosyslog",
            "--address=" + environment_["DBUS_SESSION_BUS_ADDRESS"]});
     if (!waitUntil([&] { return fs::exists(folder_ / "run/bus"); }, longestStart)) {
         throw std::runtime_error("the session bus does not come up");

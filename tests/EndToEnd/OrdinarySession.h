@@ -24,7 +24,8 @@ struct SessionWindow {
     std::string instance{};
     std::string className{};
     std::string title{};
-    bool isDialog = false; ///< a dialog, a splash screen, or a window that belongs to another
+    bool isDialog = false;
+    bool isSecondary = false; ///< a splash screen, or a window that belongs to another
 };
 
 /// What a file is like: two equal values mean that it was not written in between.
@@ -73,8 +74,10 @@ public:
 
 private:
     [[nodiscard]] bool hasProcesses() const;
+    void end();
     void makeNamespaces();
-    void startServer();
+    void addCookie(const std::filesystem::path& authority, const std::string& display) const;
+    void startServer(const std::filesystem::path& usersAuthority);
     void startBus();
     void startWindowManager();
     [[nodiscard]] std::vector<std::string> inside(std::vector<std::string> command) const;

@@ -44,6 +44,7 @@ constexpr RealApp transmission{"Transmission", "transmission-gtk.desktop", "tran
 
 void expectOwn(const CopyReport& copy, const RealApp& app) {
     ASSERT_TRUE(copy.window.has_value()) << copy.home;
+    EXPECT_FALSE(copy.window->isDialog) << copy.window->title;
     EXPECT_THAT(copy.window->title, HasSubstr(app.title)) << copy.home;
     EXPECT_THAT(copy.data, Contains(app.data)) << copy.home;
 }

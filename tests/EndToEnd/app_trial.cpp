@@ -63,6 +63,17 @@ std::string places(const std::vector<std::string>& files) {
     return places.empty() ? "nothing" : joined(places);
 }
 
+// What came up may be no more than a question or an error.
+std::string dialogs(const AppTrialReport& report) {
+    std::set<std::string> titles;
+    for (const CopyReport* copy : {&report.first, &report.second, &report.original}) {
+        if (copy->window && copy->window->isDialog) {
+            titles.insert("“" + copy->window->title + "”");
+        }
+    }
+    return titles.empty() ? "" : ", the dialog " + joined(titles);
+}
+
 std::string identity(const AppTrialReport& report) {
     const std::optional<SessionWindow>& window = report.first.window;
     if (report.first.hasOwnIdentity() && report.second.hasOwnIdentity()) {
@@ -90,7 +101,8 @@ std::string row(const AppTrialReport& report) {
     }
     return report.name + " | " + verdict(copies, [](const CopyReport& copy) { return copy.runs; }) +
            " | " + verdict(copies, [](const CopyReport& copy) { return copy.window.has_value(); }) +
-           " | " + verdict(clones, hasData) + " | " + outside + " | " + identity(report);
+           dialogs(report) + " | " + verdict(clones, hasData) + " | " + outside + " | " +
+           identity(report);
 }
 
 } // namespace
