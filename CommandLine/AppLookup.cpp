@@ -39,7 +39,8 @@ std::vector<InstalledApp> appsCalled(const std::string& words) {
 } // namespace
 
 fs::path findApp(const std::string& words) {
-    if (isPath(words) || words.find('/') != std::string::npos || itemExists(words)) {
+    if (isPath(words) || words.find('/') != std::string::npos ||
+        AppBundle::read(absoluteFile(words), noEntitlements)) {
         return absoluteFile(words);
     }
     const std::vector<InstalledApp> found = appsCalled(words);

@@ -72,12 +72,24 @@ fs::path madeClone(const CommandContext& context, const WrapperFactory& factory,
     }
 }
 
+std::optional<AppBundle> targetOf(const WrapperFactory::Request& request) {
+    return request.kind == ShortcutKind::app && request.targetApp
+               ? AppBundle::read(*request.targetApp, noEntitlements)
+               : std::nullopt;
+}
+
+// A clone of it would share the original's data.
+void refuseSnap(const WrapperFactory::Request& request) {
+    const auto app = targetOf(request);
+    const auto reason = app ? snapReason(*app) : std::nullopt;
+    if (reason && request.strategy != Strategy::unsupported) {
+        throw CommandError(*reason);
+    }
+}
+
 // What the user set comes first.
 void addSuggestedEnvironment(WrapperFactory::Request& request) {
-    const auto app = request.kind == ShortcutKind::app && request.targetApp
-                         ? AppBundle::read(*request.targetApp, noEntitlements)
-                         : std::nullopt;
-    if (app) {
+    if (const auto app = targetOf(request)) {
         request.environment.merge(ShippedProfiles::suggestedEnvironment(*app));
     }
 }
@@ -171,6 +183,7 @@ void createCommand(const CommandContext& context, const CreateOptions& options, 
     if (options.target) {
         request.targetApp = findApp(*options.target);
     }
+    refuseSnap(request);
     if (!options.noDefaultEnvironment) {
         addSuggestedEnvironment(request);
     }

@@ -164,7 +164,10 @@ DeletedData deleteClone(const InstanceRegistry& registry, const InstanceRecord& 
     if (wrapper) {
         removeRest(*wrapper, data.data);
     }
-    withdraw(identity);
+    // After a link to a wrapper was removed, the clone itself is still there.
+    if (!itemOrLinkExists(identity)) {
+        withdraw(identity);
+    }
     return data.data;
 }
 

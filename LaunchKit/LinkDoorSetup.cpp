@@ -23,10 +23,9 @@ namespace {
 
 constexpr std::string_view doorEntryId = "quorvel-links.desktop";
 
-// What a browser is the default application for, on desktops of every kind.
-constexpr std::array<std::string_view, 5> linkTypes{
-    "x-scheme-handler/http", "x-scheme-handler/https", "text/html", "application/xhtml+xml",
-    "x-scheme-handler/mailto"};
+// Pages in files are not among them: what a clone wrote is opened inside it.
+constexpr std::array<std::string_view, 3> linkTypes{
+    "x-scheme-handler/http", "x-scheme-handler/https", "x-scheme-handler/mailto"};
 
 std::string valueOf(const Environment& environment, const char* name) {
     const auto found = environment.find(name);

@@ -14,6 +14,8 @@
 #include "Platform/files/FileReading.h"
 #include "Platform/files/FileSystem.h"
 
+#include <chrono>
+#include <cstdint>
 #include <map>
 #include <sys/stat.h>
 
@@ -32,9 +34,11 @@ std::string pictureName(const std::string& word, const fs::path& icon) {
     if (::stat(icon.c_str(), &facts) != 0) {
         return {};
     }
-    const std::string state = std::to_string(facts.st_size) + " " + std::to_string(facts.st_mtime) +
-                              " " +
-                              std::to_string(fs::last_write_time(icon).time_since_epoch().count());
+    std::error_code code;
+    const auto written = std::chrono::duration_cast<std::chrono::nanoseconds>(
+        fs::last_write_time(icon, code).time_since_epoch());
+    const std::string state =
+        std::to_string(facts.st_size) + " " + std::to_string(std::int64_t{written.count()});
     return word + "-" + stableHash(state);
 }
 
@@ -99,10 +103,20 @@ DesktopEntry entryFor(const InstanceRecord& record, const MenuTarget& target,
     entry.startupNotify = target.notifiesOfStart;
     entry.categories = target.categories;
     entry.mimeTypes = target.mimeTypes;
-    entry.keywords = target.keywords;
+    for (const std::string& keyword : target.keywords) {
+        if (std::string shown = shownText(keyword); !shown.empty()) {
+            entry.keywords.push_back(std::move(shown));
+        }
+    }
     entry.cloneId = identity;
     for (DesktopAction action : target.actions) {
         action.name = shownText(action.name);
+        if (action.name.empty()) {
+            continue;
+        }
+        if (action.icon.find_first_of("\r\n") != std::string::npos) {
+            action.icon.clear();
+        }
         action.exec = execOf({runner, std::string(actionOption) + action.id}, "");
         entry.actions.push_back(std::move(action));
     }
@@ -135,9 +149,11 @@ bool isRight(const PublishedEntry& published, const MenuEntry& wanted) {
            !isOlderThanWrapper(published);
 }
 
-// Not the same as unreadable: what the user might still repair or mount again stays published.
+// Not the same as unreadable: what the user might still repair or mount again stays published. So
+// does a clone elsewhere, whose folder may be an empty mount point.
 bool isGone(const std::string& identity) {
-    return itemExists(fs::path(identity).parent_path()) && !itemOrLinkExists(configOf(identity)) &&
+    return fs::path(identity).parent_path() == cloneIdentity(userApplicationsFolder()) &&
+           itemExists(fs::path(identity).parent_path()) && !itemOrLinkExists(configOf(identity)) &&
            !itemOrLinkExists(runnerOf(identity));
 }
 

@@ -79,6 +79,10 @@ std::string codesFor(const InstanceConfig& config, const std::optional<DesktopEn
         return {};
     }
     const std::string own = entry ? codeIn(entry->exec) : std::string();
+    // A browser is given addresses, which a code for files would drop.
+    if (config.registerAsBrowser && (own == "%f" || own == "%F")) {
+        return "%U";
+    }
     if (!own.empty()) {
         return own;
     }
@@ -100,6 +104,14 @@ std::vector<DesktopAction> actionsOf(const DesktopEntry& entry) {
     return actions;
 }
 
+// Whether an entry may be named after it: it comes from a file that anybody may have written.
+bool isFileNamePart(const std::string& id) {
+    constexpr std::size_t longest = 200;
+    return !id.starts_with('.') && id.size() <= longest &&
+           id.find_first_not_of("ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz"
+                                "0123456789._-") == std::string::npos;
+}
+
 } // namespace
 
 MenuTarget menuTargetOf(const InstanceConfig& config) {
@@ -109,7 +121,7 @@ MenuTarget menuTargetOf(const InstanceConfig& config) {
     target.codes = codesFor(config, entry);
     const bool hasWindow = config.kind == ShortcutKind::app || config.kind == ShortcutKind::web;
     target.notifiesOfStart = entry ? entry->startupNotify.value_or(true) : hasWindow;
-    target.flatpakId = entry ? entry->flatpakId : std::string();
+    target.flatpakId = entry && isFileNamePart(entry->flatpakId) ? entry->flatpakId : "";
     target.categories = categoriesFor(config, entry);
     target.mimeTypes = mimeTypesFor(config, entry);
     target.keywords = entry ? entry->keywords : Texts{};

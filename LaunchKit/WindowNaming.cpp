@@ -5,13 +5,15 @@
 #include "LaunchKit/InstanceConfig.h"
 
 #include <string_view>
+#include <unistd.h>
 
 namespace quorvel {
 namespace {
 
-bool has(const Environment& environment, const char* name, std::string_view value) {
+// The values are lists, of which the first that works is taken.
+bool prefers(const Environment& environment, const char* name, std::string_view value) {
     const auto found = environment.find(name);
-    return found != environment.end() && found->second.find(value) != std::string::npos;
+    return found != environment.end() && found->second.starts_with(value);
 }
 
 bool isSet(const Environment& environment, const char* name) {
@@ -21,10 +23,10 @@ bool isSet(const Environment& environment, const char* name) {
 
 // Under Wayland, connecting to the X server could start it for nothing.
 bool hasX11Windows(const ResolvedProgram& program, const Environment& environment) {
-    return isSet(environment, "DISPLAY") &&
-           (!isSet(environment, "WAYLAND_DISPLAY") ||
-            program.engine == ResolvedProgram::Engine::java ||
-            has(environment, "GDK_BACKEND", "x11") || has(environment, "QT_QPA_PLATFORM", "xcb"));
+    return isSet(environment, "DISPLAY") && (!isSet(environment, "WAYLAND_DISPLAY") ||
+                                             program.engine == ResolvedProgram::Engine::java ||
+                                             prefers(environment, "GDK_BACKEND", "x11") ||
+                                             prefers(environment, "QT_QPA_PLATFORM", "xcb"));
 }
 
 bool namesItsWindows(const ResolvedProgram& program) {
@@ -55,9 +57,15 @@ std::optional<Process> startWindowNaming(const InstanceConfig& config, const std
     if (!program || !hasX11Windows(app->desktop->program, environment)) {
         return std::nullopt;
     }
+    // The display is the clone's, the home the runner's: by that, it is no part of the clone.
+    const Environment own = currentEnvironment();
+    if (const auto home = own.find("HOME"); home != own.end()) {
+        environment.insert_or_assign("HOME", home->second);
+    }
     try {
         return Process::run({.executable = *program,
-                             .arguments = {word},
+                             .arguments = {word, std::to_string(::getpid())},
+                             .environment = environment,
                              .standardOutput = Process::Discard{},
                              .standardError = Process::Discard{}});
     } catch (const PlatformError&) {

@@ -52,6 +52,7 @@ install_debian() {
 # Installs those of the packages that the distribution has.
 install_available() {
   local available=() package
+  dpkg-query -W -f='' "$@" 2>/dev/null || as_root apt-get update -q
   for package in "$@"; do
     apt-cache show "$package" >/dev/null 2>&1 && available+=("$package")
   done

@@ -17,6 +17,9 @@ namespace {
 constexpr std::size_t maximumDepth = 200;
 
 // A part of the drawing that other parts can repeat.
+// Far more than drawings have, and they take a few megabytes.
+constexpr std::size_t maximumReferences = 100000;
+
 struct Part {
     std::size_t elements = 0;
     std::vector<QString> repeated{};
@@ -98,22 +101,30 @@ private:
             if (isPicture && isLink && !isHarmlessPicture(value)) {
                 return false;
             }
-            addReferences(isLink ? QStringLiteral("url(") + value + QLatin1Char(')') : value);
+            if (!addReferences(isLink ? QStringLiteral("url(") + value + QLatin1Char(')')
+                                      : value)) {
+                return false;
+            }
         }
         return true;
     }
 
-    void addReferences(const QString& value) {
+    // Returns false if there are too many to remember.
+    bool addReferences(const QString& value) {
         static const QRegularExpression reference(QStringLiteral("url\\(\\s*['\"]?#([^)'\"]+)"));
         auto matches = reference.globalMatch(value);
         while (matches.hasNext()) {
             const QString id = matches.next().captured(1);
             for (const QString& each : opened_) {
                 if (isPart(each)) {
+                    if (++references_ > maximumReferences) {
+                        return false;
+                    }
                     parts_[each].repeated.push_back(id);
                 }
             }
         }
+        return true;
     }
 
     // Only the whole drawing and elements with an id can be asked for.
@@ -124,6 +135,7 @@ private:
     std::map<QString, Part> parts_{}; ///< by id; the whole drawing by an empty one
     std::vector<QString> opened_{};   ///< the ids of the elements around the current one
     std::size_t total_ = 0;
+    std::size_t references_ = 0; ///< once for each part that they are in
 };
 
 } // namespace

@@ -2,11 +2,11 @@
 
 #include "Base/PathText.h"
 #include "Platform/desktop/MimeDatabase_linux.h"
-#include "Platform/files/XdgFolders_linux.h"
 #include "Platform/files/FileReading.h"
 #include "Platform/files/FileSystem.h"
 #include "Platform/files/FileWriting.h"
 #include "Platform/files/PlatformError.h"
+#include "Platform/files/XdgFolders_linux.h"
 
 #include <algorithm>
 #include <array>
@@ -127,6 +127,11 @@ bool hasMenu() noexcept {
 }
 
 void publishMenuEntry(const MenuEntry& entry, const std::vector<MenuPicture>& pictures) {
+    for (const std::string& name : {entry.fileName, entry.entry.icon}) {
+        if (name.find('/') != std::string::npos) {
+            throw DesktopEntryError("“" + name + "” is no name of a file");
+        }
+    }
     const fs::path file = joinAsText(entryFolder(), entry.fileName);
     const std::string text = desktopEntryText(entry.entry);
     requireOwn(file, entry.entry.cloneId);

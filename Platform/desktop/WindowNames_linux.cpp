@@ -1,9 +1,10 @@
-// quorvel-window-names WORD: gives the X11 windows of its parent's other children, and theirs, the
-// class WORD, for applications that can't be told to. Ends with its parent.
+// quorvel-window-names WORD PID: gives the X11 windows of the clone whose runner is PID, its
+// parent, the class WORD, for applications that can't be told to. Ends with its parent.
 #include "Platform/desktop/X11Windows_linux.h"
 #include "Platform/processes/ProcessFamily.h"
 
 #include <csignal>
+#include <cstdlib>
 #include <set>
 #include <sys/prctl.h>
 #include <unistd.h>
@@ -13,7 +14,7 @@ namespace {
 
 void nameWindows(const X11Windows& windows, pid_t parent, const std::string& word) {
     std::set<pid_t> processes;
-    for (const ProcessIdentity& process : descendantsOf(parent)) {
+    for (const ProcessIdentity& process : cloneProcesses(parent)) {
         processes.insert(process.pid);
     }
     for (const X11Window& window : windows.list()) {
@@ -25,9 +26,10 @@ void nameWindows(const X11Windows& windows, pid_t parent, const std::string& wor
     }
 }
 
-int run(const std::string& word) {
+int run(const std::string& word, const std::string& runner) {
     constexpr std::chrono::milliseconds longest{5000};
-    const pid_t parent = ::getppid();
+    // Not asked for here: the runner may have ended already.
+    const pid_t parent = std::atoi(runner.c_str());
     (void)::prctl(PR_SET_PDEATHSIG, static_cast<unsigned long>(SIGTERM));
     const auto windows = X11Windows::connect();
     while (windows && ::getppid() == parent && windows->waitForChanges(longest)) {
@@ -40,5 +42,5 @@ int run(const std::string& word) {
 } // namespace quorvel
 
 int main(int argc, char** argv) {
-    return argc == 2 ? quorvel::run(argv[1]) : 2;
+    return argc == 3 ? quorvel::run(argv[1], argv[2]) : 2;
 }

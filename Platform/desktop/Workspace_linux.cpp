@@ -87,7 +87,7 @@ std::string windowClassOf(const std::filesystem::path& bundle) {
 // Every process of the application in the bundle, whose topmost one this is.
 WindowOwner ownerOf(pid_t topmost, const std::filesystem::path& bundle) {
     WindowOwner owner{.processes = {topmost}, .windowClass = windowClassOf(bundle)};
-    for (const ProcessIdentity& process : descendantsOf(topmost)) {
+    for (const ProcessIdentity& process : cloneProcesses(topmost)) {
         owner.processes.insert(process.pid);
     }
     return owner;

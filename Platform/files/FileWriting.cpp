@@ -145,15 +145,16 @@ void writeWholeFile(const fs::path& path, std::string_view bytes) {
 }
 
 void removeUnfinishedFiles(const fs::path& folder) {
-    constexpr std::time_t minute = 60;
+    const auto before = fs::file_time_type::clock::now() - std::chrono::minutes(1);
     const std::size_t length = temporaryPrefix.size() + randomUuid().size();
     for (const std::string& name : directoryEntries(folder).value_or(std::vector<std::string>())) {
         const fs::path file = folder / name;
         struct stat facts {};
+        std::error_code code;
         // A younger one may be another program's, which is about to rename it.
         if (name.starts_with(temporaryPrefix) && name.size() == length &&
             ::lstat(file.c_str(), &facts) == 0 && S_ISREG(facts.st_mode) &&
-            facts.st_mtime + minute < std::time(nullptr)) {
+            fs::last_write_time(file, code) < before && !code) {
             (void)::unlink(file.c_str());
         }
     }

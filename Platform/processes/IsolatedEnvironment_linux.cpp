@@ -31,12 +31,12 @@ bool isOwnPrivateFolder(const std::string& path) {
            status.st_uid == ::geteuid() && (status.st_mode & 0077U) == 0;
 }
 
-// Sockets are made in it whose whole path may have 107 bytes: Chromium's and Qt's names take about
-// 50, so a folder inside the home would often be too long.
+// Sockets are made in it whose whole path may have 107 bytes: Telegram's names take 72, so a folder
+// inside the home would often be too long.
 std::string temporaryFolderFor(const std::string& home, const Environment& session) {
-    constexpr std::size_t longest = 56;
+    constexpr std::size_t longest = 35;
     // The same at each start, short, and without characters that a path can't have.
-    const std::string name = stableHash(home);
+    const std::string name = stableHash(home).substr(0, 10);
     const std::string runtime = folderVariable(session, "XDG_RUNTIME_DIR", "");
     const std::string own = runtime + "/quorvel";
     std::string inRuntime = own + "/" + name;

@@ -10,9 +10,8 @@ namespace quorvel {
 /// it. Does nothing on macOS, which has no such thing.
 void adoptOrphans() noexcept;
 
-/// Returns the children of this process that still run, without those that have been given its own
-/// HOME: they are the user's, not the clone's, such as the browser that a link was opened in.
-/// Returns none on macOS.
+/// Returns the children of this process that still run, without those that have left the clone
+/// (`hasLeftClone`). Returns none on macOS.
 [[nodiscard]] std::vector<pid_t> runningChildren();
 
 } // namespace quorvel

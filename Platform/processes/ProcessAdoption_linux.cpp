@@ -2,7 +2,6 @@
 
 #include "Platform/processes/ProcessFamily.h"
 
-#include <cstdlib>
 #include <sys/prctl.h>
 #include <unistd.h>
 
@@ -13,10 +12,9 @@ void adoptOrphans() noexcept {
 }
 
 std::vector<pid_t> runningChildren() {
-    const char* home = std::getenv("HOME");
     std::vector<pid_t> children;
     for (const ProcessIdentity& child : childrenOf(::getpid())) {
-        if (home == nullptr || !hasHome(child.pid, home)) {
+        if (!hasLeftClone(child.pid, ::getpid())) {
             children.push_back(child.pid);
         }
     }

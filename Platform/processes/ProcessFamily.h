@@ -22,9 +22,14 @@ struct ProcessIdentity {
 /// Returns the running children of that process.
 [[nodiscard]] std::vector<ProcessIdentity> childrenOf(pid_t parent);
 
-/// Returns whether the process was started with this value of HOME. False if that can't be read,
-/// and on macOS.
-[[nodiscard]] bool hasHome(pid_t pid, const std::string& home);
+/// Returns whether a child of `runner`, a clone's, is the user's and not the clone's: it has the
+/// runner's own HOME and a session of its own, like the browser that a link was opened in. False if
+/// that can't be told, and on macOS.
+[[nodiscard]] bool hasLeftClone(pid_t child, pid_t runner);
+
+/// Returns the descendants of a clone's runner, without the children that have left the clone and
+/// theirs.
+[[nodiscard]] std::vector<ProcessIdentity> cloneProcesses(pid_t runner);
 
 /// Returns the running processes of this user that were started with this value of HOME. Returns
 /// none on macOS, which has no reliable way to find them.

@@ -12,6 +12,20 @@ bool hasEnded(const ProcessStat& stat) {
     return stat.state == 'Z' || stat.state == 'X';
 }
 
+// Returns the HOME that the process was started with.
+std::optional<std::string> homeOf(pid_t pid) {
+    constexpr std::size_t limit = std::size_t{8} << 20U;
+    const auto environment = readFile("/proc/" + std::to_string(pid) + "/environ", limit);
+    const std::string text = '\0' + environment.value_or(std::string()) + '\0';
+    const std::string name("\0HOME=", 6);
+    const std::size_t start = text.find(name);
+    if (start == std::string::npos) {
+        return std::nullopt;
+    }
+    const std::size_t value = start + name.size();
+    return text.substr(value, text.find('\0', value) - value);
+}
+
 } // namespace
 
 std::vector<ProcessIdentity> descendantsOf(pid_t root) {
@@ -52,19 +66,28 @@ std::vector<ProcessIdentity> childrenOf(pid_t parent) {
     return found;
 }
 
-bool hasHome(pid_t pid, const std::string& home) {
-    constexpr std::size_t limit = std::size_t{8} << 20U;
-    std::string wanted(1, '\0');
-    wanted += "HOME=" + home + '\0';
-    const auto environment = readFile("/proc/" + std::to_string(pid) + "/environ", limit);
-    return environment && ('\0' + *environment + '\0').find(wanted) != std::string::npos;
+bool hasLeftClone(pid_t child, pid_t runner) {
+    const auto home = homeOf(runner);
+    return home && ::getsid(child) != ::getsid(runner) && homeOf(child) == home;
+}
+
+std::vector<ProcessIdentity> cloneProcesses(pid_t runner) {
+    std::vector<ProcessIdentity> found;
+    for (const ProcessIdentity& child : childrenOf(runner)) {
+        if (!hasLeftClone(child.pid, runner)) {
+            found.push_back(child);
+            const auto below = descendantsOf(child.pid);
+            found.insert(found.end(), below.begin(), below.end());
+        }
+    }
+    return found;
 }
 
 std::vector<ProcessIdentity> processesWithHome(const std::string& home) {
     std::vector<ProcessIdentity> found;
     for (const pid_t pid : allProcesses()) {
         const auto stat = processStat(pid);
-        if (stat && !hasEnded(*stat) && hasHome(pid, home)) {
+        if (stat && !hasEnded(*stat) && homeOf(pid) == home) {
             found.push_back({pid, stat->started});
         }
     }

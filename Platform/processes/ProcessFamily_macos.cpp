@@ -44,8 +44,12 @@ std::vector<ProcessIdentity> descendantsOf(pid_t root) {
     return found;
 }
 
-bool hasHome(pid_t /*pid*/, const std::string& /*home*/) {
+bool hasLeftClone(pid_t /*child*/, pid_t /*runner*/) {
     return false;
+}
+
+std::vector<ProcessIdentity> cloneProcesses(pid_t runner) {
+    return descendantsOf(runner);
 }
 
 std::vector<ProcessIdentity> processesWithHome(const std::string& /*home*/) {

@@ -3,6 +3,7 @@
 #include "Platform/processes/ProcessAdoption.h"
 
 #include <cerrno>
+#include <chrono>
 #include <pthread.h>
 #include <set>
 #include <sys/wait.h>
@@ -65,15 +66,23 @@ int SignalForwarder::nextSignal() const {
 }
 
 int SignalForwarder::waitUntilExit(Process& process, Process* companion) const {
+    using Clock = std::chrono::steady_clock;
+    constexpr std::chrono::seconds recently{10};
     int last = 0;
+    Clock::time_point lastAt;
     while (process.isRunning()) {
         if (const int signal = nextSignal(); signal != 0) {
             last = signal;
+            lastAt = Clock::now();
             process.sendSignal(signal);
         }
         reapOthersThan(process);
     }
     const int status = process.waitUntilExit();
+    // What the process survived long ago was not what ended it.
+    if (Clock::now() - lastAt > recently) {
+        last = 0;
+    }
     std::set<pid_t> asked;
     for (auto left = othersThan(companion); !left.empty(); left = othersThan(companion)) {
         sendOnce(last, left, asked);

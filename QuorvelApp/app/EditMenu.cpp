@@ -6,6 +6,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QMenuBar>
+#include <QMimeData>
 #include <QPlainTextEdit>
 
 namespace quorvel {
@@ -50,7 +51,7 @@ bool canDo(QKeySequence::StandardKey key, const Editing& editing) {
     case QKeySequence::Copy:
         return editing.selection;
     case QKeySequence::Paste:
-        return editing.editable && !QApplication::clipboard()->text().isEmpty();
+        return editing.editable && QApplication::clipboard()->mimeData()->hasText();
     default:
         return editing.text;
     }

@@ -240,7 +240,11 @@ std::optional<SessionWindow> AppTrial::windowOf(const std::string& home) const {
 }
 
 std::string AppTrial::settings() const {
-    return session_.run({"/usr/bin/gsettings", "list-recursively"}).output;
+    const auto listed = session_.run({"/usr/bin/gsettings", "list-recursively"});
+    if (listed.status != 0) {
+        throw std::runtime_error("the settings can't be listed: " + listed.output);
+    }
+    return listed.output;
 }
 
 std::vector<std::string> AppTrial::newFiles(const FileStates& before) const {

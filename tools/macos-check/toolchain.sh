@@ -43,7 +43,9 @@ compiler_flags() {
     "$qt" "$qt"/Qt{Core,Gui,Widgets,Svg} $(compgen -G '/usr/include/openjpeg-*'); do
     printf '%s\n' -isystem "$folder"
   done
-  printf '%s\n' -I "$root" '-DQUORVEL_VERSION=\"0\"' \
+  # Tables that the build makes for Linux are empty.
+  printf '%s\n' -I "$root" -I "$here/generated" '-DQUORVEL_VERSION=\"0\"' \
+    '-DQUORVEL_LIBEXEC=\"/usr/local/libexec/quorvel\"' \
     -DQT_NO_{CAST_{FROM_ASCII,TO_ASCII,FROM_BYTEARRAY},CONTEXTLESS_CONNECT,URL_CAST_FROM_STRING} \
     -DQT_NO_{NARROWING_CONVERSIONS_IN_CONNECT,KEYWORDS} \
     -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -Woverloaded-virtual -Werror \

@@ -43,6 +43,25 @@ protected:
     Environment session{{"XDG_RUNTIME_DIR", runtime.string()}};
 };
 
+// Stands in for a runtime folder, whose path is short.
+class ShortFolder {
+public:
+    ShortFolder() {
+        if (::mkdtemp(path_.data()) == nullptr) {
+            throw std::runtime_error("no folder could be made in /tmp");
+        }
+    }
+    ShortFolder(const ShortFolder&) = delete;
+    ShortFolder& operator=(const ShortFolder&) = delete;
+    ~ShortFolder() { fs::remove_all(path_); }
+
+    [[nodiscard]] const std::string& path() const { return path_; }
+    [[nodiscard]] fs::path operator/(std::string_view name) const { return fs::path(path_) / name; }
+
+private:
+    std::string path_ = "/tmp/qXXXXXX";
+};
+
 TEST_F(IsolatedEnvironmentTest, EveryDataFolderIsBelowTheHome) {
     session["XDG_CONFIG_HOME"] = "/elsewhere/config";
     const Environment expected{{"XDG_CONFIG_HOME", home + "/.config"},
@@ -70,12 +89,12 @@ TEST_F(IsolatedEnvironmentTest, TheDisplaysKeyIsFoundInTheRealHome) {
 }
 
 TEST_F(IsolatedEnvironmentTest, TheTemporaryFolderIsShortPrivateAndAlwaysTheSame) {
-    const ScopedEnvironment elsewhere("TMPDIR", "/tmp"); // short names for the folders of the test
-    const TemporaryFolder place;
+    const ShortFolder place;
     session["XDG_RUNTIME_DIR"] = place.path();
     const std::string temporary = environment().at("TMPDIR");
     ASSERT_THAT(temporary, StartsWith((place / "quorvel/").string()));
     EXPECT_EQ(modeOf(temporary), 0700U);
+    EXPECT_EQ(temporary.size(), (place / "quorvel/").string().size() + 10);
     EXPECT_EQ(environment().at("TMPDIR"), temporary);
     const std::string other = (folder / "other").string();
     fs::create_directory(other);
@@ -100,13 +119,12 @@ TEST_F(IsolatedEnvironmentTest, WithoutAUsableRuntimeFolderTheTemporaryFolderIsI
 }
 
 TEST_F(IsolatedEnvironmentTest, AFolderThatOthersCanReadIsNotUsedAsTemporaryFolder) {
-    const ScopedEnvironment elsewhere("TMPDIR", "/tmp");
-    const TemporaryFolder place;
+    const ShortFolder place;
     session["XDG_RUNTIME_DIR"] = place.path();
     fs::create_directory(place / "quorvel");
     ::chmod((place / "quorvel").c_str(), 0755);
     const std::string temporary = environment().at("TMPDIR");
-    EXPECT_THAT(temporary, Not(StartsWith(place.path().string())));
+    EXPECT_THAT(temporary, Not(StartsWith(place.path())));
     fs::remove(temporary);
 }
 
