@@ -43,7 +43,7 @@ compiler_flags() {
     "$qt" "$qt"/Qt{Core,Gui,Widgets,Svg} $(compgen -G '/usr/include/openjpeg-*'); do
     printf '%s\n' -isystem "$folder"
   done
-  printf '%s\n' -I "$root" '-DQUORVEL_VERSION=\"0\"' \
+  printf '%s\n' -I "$root" '-DQUORVEL_VERSION=\"0\"' '-DQUORVEL_LIBEXEC=\"/libexec\"' \
     -DQT_NO_{CAST_{FROM_ASCII,TO_ASCII,FROM_BYTEARRAY},CONTEXTLESS_CONNECT,URL_CAST_FROM_STRING} \
     -DQT_NO_{NARROWING_CONVERSIONS_IN_CONNECT,KEYWORDS} \
     -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -Woverloaded-virtual -Werror \
