@@ -13,6 +13,7 @@
 #include "LaunchKit/ShippedProfiles.h"
 #include "LaunchKit/WindowIdentity.h"
 #include "Platform/desktop/ActivationError.h"
+#include "Presentation/AppTexts.h"
 
 #include <nlohmann/json.hpp>
 

@@ -4,6 +4,8 @@
 #include "Platform/processes/ProcessStat_linux.h"
 
 #include <map>
+#include <optional>
+#include <unistd.h>
 
 namespace quorvel {
 namespace {

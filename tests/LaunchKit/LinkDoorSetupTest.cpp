@@ -116,7 +116,8 @@ TEST_F(LinkDoorSetupTestHome, TheDoorIsTheDefaultForWebAndMailAddresses) {
          {"x-scheme-handler/http", "x-scheme-handler/https", "x-scheme-handler/mailto"}) {
         EXPECT_EQ(firstOf(list(), type), "quorvel-links.desktop") << type;
     }
-    EXPECT_THAT(defaultHandlersIn(list(), "text/html"), IsEmpty()) << "pages in files stay inside";
+    EXPECT_THAT(defaultHandlersIn(list(), "text/html"), ::testing::IsEmpty())
+        << "pages in files stay inside";
     const DesktopEntry entry = readDesktopEntry(entryFile);
     EXPECT_EQ(entry.exec, door.string() + " %u");
     EXPECT_TRUE(entry.noDisplay);
