@@ -14,7 +14,7 @@ debian_build=(g++ python3 cmake ninja-build pkg-config nlohmann-json3-dev rapidj
 debian_test=(libgtest-dev libgmock-dev xdg-utils libplist-utils
   dbus dbus-daemon binutils file git clang-format-14 shellcheck
   shared-mime-info icnsutils imagemagick inotify-tools xvfb xauth
-  xdotool openbox xfwm4 sway foot x11-utils at-spi2-core libatspi2.0-dev fonts-inter
+  xdotool openbox xfwm4 xfconf sway foot x11-utils at-spi2-core libatspi2.0-dev fonts-inter
   fonts-dejavu-core fonts-noto-color-emoji fonts-wqy-microhei qt6-image-formats-plugins
   clang-16 lld-16 llvm-16 libc++-16-dev zsh desktop-file-utils qt6-l10n-tools flatpak strace
   libglib2.0-bin dconf-gsettings-backend evince)

@@ -41,7 +41,8 @@ template<typename Make>
 bool replaceBelow(const std::filesystem::path& base, std::string_view path, const Make& make) {
     const std::size_t slash = path.rfind('/');
     const std::string name(path.substr(slash + 1)); // npos + 1 is 0
-    if (slash == std::string_view::npos || name.empty() || name == "." || name == "..") {
+    if (slash == std::string_view::npos || name.empty() || name == "." || name == ".." ||
+        name.find('\0') != std::string::npos) {
         return false;
     }
     // A slash at its end makes the base itself a folder below it.

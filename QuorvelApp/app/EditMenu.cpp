@@ -40,6 +40,12 @@ Editing editingIn(QWidget* widget) {
     return {.selection = label != nullptr && label->hasSelectedText()};
 }
 
+// Without asking for the text, which another program would have to send.
+bool clipboardHasText() {
+    const QMimeData* data = QApplication::clipboard()->mimeData();
+    return data != nullptr && data->hasText();
+}
+
 bool canDo(QKeySequence::StandardKey key, const Editing& editing) {
     switch (key) {
     case QKeySequence::Undo:
@@ -51,7 +57,7 @@ bool canDo(QKeySequence::StandardKey key, const Editing& editing) {
     case QKeySequence::Copy:
         return editing.selection;
     case QKeySequence::Paste:
-        return editing.editable && QApplication::clipboard()->mimeData()->hasText();
+        return editing.editable && clipboardHasText();
     default:
         return editing.text;
     }

@@ -22,8 +22,8 @@ protected:
 
     // Returns the configuration of the clone that these options make.
     [[nodiscard]] nlohmann::json created(std::vector<std::string> options) {
-        options.insert(options.begin(), {"create", "--json", "--name", "Work", "--runner",
-                                         apps.at("runner").string()});
+        options.insert(options.begin(), {"create", "--json", "--replace", "--name", "Work",
+                                         "--runner", apps.at("runner").string()});
         const CommandResult result = harness.run(options);
         EXPECT_EQ(result.status, 0) << result.errors;
         return result.json()["config"];

@@ -2,7 +2,7 @@
 #include "tests/support/AppBundles.h"
 #include "tests/support/Waiting.h"
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 #include <nlohmann/json.hpp>
 
 #include <csignal>
@@ -34,7 +34,8 @@ std::map<std::string, std::string> realHomeWithoutClones(const fs::path& home) {
     std::map<std::string, std::string> tree;
     for (const auto& entry : fs::directory_iterator(home)) {
         const std::string name = entry.path().filename().string();
-        if (name != "QuorvelInstances" && name != "Applications") {
+        // Clones are in the menu, too.
+        if (name != "QuorvelInstances" && name != "Applications" && name != ".local") {
             tree[name] = entry.is_directory() ? "<folder>" : read(entry.path());
         }
     }
@@ -93,6 +94,12 @@ TEST(ChromiumTest, TwoClonesRunSideBySideEachWithDataOfItsOwn) {
     EXPECT_FALSE(browsersWith(quorvelctl.data(names[1]) / "QuorvelData").empty());
 
     EXPECT_EQ(realHomeWithoutClones(quorvelctl.home.path()), before);
+    for (const char* folder : {".local", ".local/share"}) {
+        for (const auto& entry : fs::directory_iterator(quorvelctl.home / folder)) {
+            EXPECT_THAT((std::vector<std::string>{"share", "applications", "icons"}),
+                        ::testing::Contains(entry.path().filename().string()));
+        }
+    }
 
     const auto deleted = quorvelctl.json({"delete", names[0], "--including-data", "--yes"});
     EXPECT_EQ(deleted["deletedData"], true);

@@ -9,6 +9,7 @@
 
 #include <cerrno>
 #include <csignal>
+#include <cstdlib>
 #include <gmock/gmock.h>
 #include <sys/mount.h>
 #include <sys/stat.h>
@@ -189,7 +190,7 @@ TEST_F(OneTargetTest, WhatDetachedItselfIsStoppedAfterTheTarget) {
 
 // Such as the user's browser, in which a link was opened.
 TEST_F(OneTargetTest, WhatHasTheUsersHomeIsNotPartOfTheClone) {
-    const std::string ofTheUser = "HOME='" + home_.path().string() + "'; export HOME; ";
+    const std::string ofTheUser = std::string("HOME='") + std::getenv("HOME") + "'; export HOME; ";
     const fs::path bundle =
         wrapper(scripted("(" + ofTheUser + detached("sleep 600 30>&-") + "); echo $$ > " +
                          at("pid").string() + "; exec sleep 600"));

@@ -5,6 +5,7 @@
 #include "Platform/desktop/X11Windows_linux.h"
 #include "Platform/processes/ProcessFamily.h"
 #include "tests/support/AppBundles.h"
+#include "tests/support/SessionBus.h"
 #include "tests/support/Waiting.h"
 #include "tests/support/XServer.h"
 
@@ -30,6 +31,7 @@ protected:
         }
         wayland_.emplace("WAYLAND_DISPLAY", "");
         sway_.emplace("SWAYSOCK", "");
+        (void)SessionBus::shared(); // xfwm4 has its settings from a service
         server_.emplace(GetParam());
         screen_ = X11Windows::connect();
         ASSERT_TRUE(screen_);
@@ -123,7 +125,7 @@ TEST_P(WindowActivationTest, IsOfNoUseForAProcessWithoutAWindow) {
 }
 
 /// Wrappers that are opened again.
-class OpeningAgain : public WindowActivationTest {
+class WindowActivationTestOpeningAgain : public WindowActivationTest {
 protected:
     void TearDown() override {
         const RunningApplications running = workspace_->runningApplications();
@@ -149,7 +151,8 @@ protected:
     std::unique_ptr<Workspace> workspace_ = makeSystemWorkspace();
 };
 
-TEST_P(OpeningAgain, BringsTheWindowOfTheProgramThatTheWrapperStartedToTheFront) {
+TEST_P(WindowActivationTestOpeningAgain,
+       BringsTheWindowOfTheProgramThatTheWrapperStartedToTheFront) {
     const fs::path bundle = makeScriptedAppBundle(
         folder_ / "Clone.app",
         std::string(QUORVEL_X11_WINDOW) + " " + (folder_ / "Clone").string() + " Clone & wait");
@@ -160,7 +163,8 @@ TEST_P(OpeningAgain, BringsTheWindowOfTheProgramThatTheWrapperStartedToTheFront)
     EXPECT_TRUE(isInFront("Clone"));
 }
 
-TEST_P(OpeningAgain, FindsAWindowWithoutAProcessByTheClassInTheMenuEntryOfTheClone) {
+TEST_P(WindowActivationTestOpeningAgain,
+       FindsAWindowWithoutAProcessByTheClassInTheMenuEntryOfTheClone) {
     const ScopedEnvironment data("XDG_DATA_HOME", (folder_ / "data").string());
     const fs::path bundle = makeScriptedAppBundle(
         folder_ / "Clone.app", std::string(QUORVEL_X11_WINDOW) + " " +
@@ -176,7 +180,7 @@ TEST_P(OpeningAgain, FindsAWindowWithoutAProcessByTheClassInTheMenuEntryOfTheClo
     EXPECT_TRUE(isInFront("Clone"));
 }
 
-TEST_P(OpeningAgain, SaysThatThereIsNoWindowOnceTheProgramHadTimeToOpenOne) {
+TEST_P(WindowActivationTestOpeningAgain, SaysThatThereIsNoWindowOnceTheProgramHadTimeToOpenOne) {
     const fs::path bundle = makeScriptedAppBundle(folder_ / "Clone.app", "sleep 600 & wait");
     EXPECT_EQ(open(bundle), std::nullopt);
     EXPECT_EQ(open(bundle), std::nullopt) << "as when the user clicks twice";
@@ -198,10 +202,11 @@ TEST_P(WindowActivationTest, SaysThatTheDesktopRefusesWhereNoWindowManagerListen
 constexpr auto nameOf = [](const auto& manager) { return std::string(manager.param); };
 INSTANTIATE_TEST_SUITE_P(WindowManagers, WindowActivationTest,
                          ::testing::Values("openbox", "xfwm4"), nameOf);
-INSTANTIATE_TEST_SUITE_P(WindowManagers, OpeningAgain, ::testing::Values("openbox"), nameOf);
+INSTANTIATE_TEST_SUITE_P(WindowManagers, WindowActivationTestOpeningAgain,
+                         ::testing::Values("openbox"), nameOf);
 
 /// A Wayland compositor without a screen, whose windows no X server knows.
-class SwayActivationTest : public ::testing::Test {
+class WindowActivationTestSway : public ::testing::Test {
 protected:
     void SetUp() override {
         for (const char* program : {"/usr/bin/sway", "/usr/bin/swaymsg", "/usr/bin/foot"}) {
@@ -280,7 +285,7 @@ protected:
     std::vector<std::unique_ptr<BackgroundProgram>> windows_{};
 };
 
-TEST_F(SwayActivationTest, BringsTheWindowOfThatProcessToTheFront) {
+TEST_F(WindowActivationTestSway, BringsTheWindowOfThatProcessToTheFront) {
     const pid_t first = openWindow();
     const pid_t second = openWindow();
     EXPECT_EQ(bringToFront({.processes = {1, first}}), std::nullopt);

@@ -9,6 +9,7 @@
 #include <barrier>
 #include <csignal>
 #include <fcntl.h>
+#include <future>
 #include <gtest/gtest.h>
 #include <sys/file.h>
 #include <sys/stat.h>
@@ -52,14 +53,11 @@ protected:
     }
 
     std::optional<PlatformError> open(const fs::path& bundle) {
-        int calls = 0;
-        std::optional<PlatformError> result;
+        std::promise<std::optional<PlatformError>> outcome;
         workspace_->openApplication(bundle, true, [&](std::optional<PlatformError> error) {
-            ++calls;
-            result = std::move(error);
+            outcome.set_value(std::move(error));
         });
-        EXPECT_EQ(calls, 1);
-        return result;
+        return outcome.get_future().get();
     }
 
     // A running program, which ends when the object is destroyed, because that closes its input.
