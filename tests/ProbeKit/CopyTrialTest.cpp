@@ -192,9 +192,9 @@ TEST_F(CopyTrialTest, AFlatpakIsNotTriedWithoutTheBusThatItNeeds) {
 }
 
 TEST_F(CopyTrialTest, ACopyThatIsStillStartingIsWaitedFor) {
-    // It computes for more than a second before it looks for another copy.
+    // It computes for about a second before it looks for another copy.
     const ProbeResult result =
-        probe(entry("i=0; while [ $i -lt 3000000 ]; do i=$((i + 1)); done\n" +
+        probe(entry("i=0; while [ $i -lt 600000 ]; do i=$((i + 1)); done\n" +
                     std::string(claimNameOnBus) + wait),
               Seconds(0.01));
     EXPECT_EQ(result.singleton, SingletonTier::machPort);
