@@ -186,6 +186,57 @@ TEST_F(MenuEntriesTest, AFlatpaksEntryBeginsWithItsId) {
     EXPECT_EQ(entry.entry.startupWmClass, entry.word);
 }
 
+TEST_F(MenuEntriesTest, AnIdThatLeadsOutOfTheMenuIsNotUsed) {
+    for (const char* id : {"../../../evil", "a/b", ".hidden", "a b", "ä"}) {
+        write(target(), targetEntry + "X-Flatpak=" + id + "\n");
+        const InstanceRecord record = made(reader());
+        EXPECT_THAT(menuEntryOf(record).fileName, ::testing::StartsWith("Quorvel-")) << id;
+        publishInMenu(record);
+        EXPECT_FALSE(fs::exists(home_ / "evil.quorvel"));
+        fs::remove_all(record.bundleURL);
+    }
+    EXPECT_THAT(treeOf(entries()), SizeIs(1));
+    MenuEntry outside = menuEntryOf(made(reader()));
+    outside.fileName = "../outside.desktop";
+    EXPECT_THROW(publishMenuEntry(outside, {}), DesktopEntryError);
+    EXPECT_FALSE(fs::exists(entries().parent_path() / "outside.desktop"));
+}
+
+TEST_F(MenuEntriesTest, OddActionsAndKeywordsAreLeftOut) {
+    write(target(), targetEntry + "Actions=unseen;odd;\n"
+                                  "[Desktop Action unseen]\nName=\u202E\nExec=/bin/true\n"
+                                  "[Desktop Action odd]\nName=Odd\nIcon=a\\nb\nExec=/bin/true\n");
+    const InstanceRecord record = made(reader());
+    const DesktopEntry entry = entryOf(record);
+    ASSERT_THAT(entry.actions, SizeIs(1));
+    EXPECT_EQ(entry.actions[0].name, "Odd");
+    EXPECT_EQ(entry.actions[0].icon, "");
+    publishInMenu(record);
+    EXPECT_TRUE(fs::exists(published(record)));
+}
+
+TEST_F(MenuEntriesTest, ABrowserIsGivenAddresses) {
+    write(target(), "[Desktop Entry]\nType=Application\nName=Reader\nExec=/bin/true %F\n");
+    InstanceConfig config = reader();
+    config.registerAsBrowser = true;
+    EXPECT_TRUE(entryOf(made(config)).exec.ends_with(" %U"));
+    config.registerAsBrowser = false;
+    config.openWithPassthrough = true;
+    EXPECT_TRUE(entryOf(made(config)).exec.ends_with(" %F"));
+}
+
+TEST_F(MenuEntriesTest, DeletingALinkToACloneLeavesItsEntry) {
+    InstanceConfig config = command("Real");
+    const InstanceRecord record = made(config);
+    publishInMenu(record);
+    const fs::path link = clones() / "Link.app";
+    fs::create_symlink(record.bundleURL, link);
+    const InstanceRegistry registry;
+    EXPECT_FALSE(deleteClone(registry, {link, config}, false).isFailure());
+    EXPECT_FALSE(itemOrLinkExists(link));
+    EXPECT_TRUE(fs::exists(published(record)));
+}
+
 TEST_F(MenuEntriesTest, NoTwoClonesShareAWord) {
     // Both have the same identifier.
     const InstanceRecord one = made(command("A B"));
