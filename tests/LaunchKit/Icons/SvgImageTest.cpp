@@ -87,6 +87,27 @@ TEST(SvgImageTest, DeepAndLongDrawingsAreNotDrawn) {
     EXPECT_FALSE(isDrawn(many + "</svg>"));
 }
 
+TEST(SvgImageTest, ReferencesAreNotRememberedWithoutEnd) {
+    // Each is in all the parts around it.
+    const auto nested = [](int parts, int references) {
+        std::string drawing = head;
+        for (int part = 0; part < parts; ++part) {
+            drawing += "<g id='p" + std::to_string(part) + "'>";
+        }
+        drawing += "<path fill='";
+        for (int reference = 0; reference < references; ++reference) {
+            drawing += "url(#a)";
+        }
+        drawing += "'/>";
+        for (int part = 0; part < parts; ++part) {
+            drawing += "</g>";
+        }
+        return drawing + redSquare.substr(head.size());
+    };
+    EXPECT_TRUE(isDrawn(nested(20, 100)));
+    EXPECT_FALSE(isDrawn(nested(150, 1000)));
+}
+
 TEST(SvgImageTest, DashesWithoutEndTakeNoTime) {
     const auto start = std::chrono::steady_clock::now();
     (void)isDrawn(head + "<path d='M0 0 L1000000 1000000' stroke='red' stroke-width='1' "
