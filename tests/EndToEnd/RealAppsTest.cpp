@@ -47,6 +47,7 @@ void expectOwn(const CopyReport& copy, const RealApp& app) {
     EXPECT_FALSE(copy.window->isDialog) << copy.window->title;
     EXPECT_THAT(copy.window->title, HasSubstr(app.title)) << copy.home;
     EXPECT_THAT(copy.data, Contains(app.data)) << copy.home;
+    EXPECT_TRUE(copy.hasOwnIdentity()) << "its window is not found by the clone's menu entry";
 }
 
 // What Chromium needs beside its own arguments on this machine. Containers may forbid the
