@@ -74,6 +74,7 @@ protected:
                        "cat /proc/$$/environ >" +
                            record +
                            ".environment\n"
+                           "sleep 0.5\n" // until the door has ended
                            "cut -d ' ' -f 4-6 /proc/$$/stat >" +
                            record +
                            ".stat\n"
