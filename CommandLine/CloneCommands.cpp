@@ -73,24 +73,20 @@ fs::path madeClone(const CommandContext& context, const WrapperFactory& factory,
     }
 }
 
-std::optional<AppBundle> targetOf(const WrapperFactory::Request& request) {
-    return request.kind == ShortcutKind::app && request.targetApp
-               ? AppBundle::read(*request.targetApp, noEntitlements)
-               : std::nullopt;
-}
-
-// A clone of it would share the original's data.
-void refuseSnap(const WrapperFactory::Request& request) {
-    const auto app = targetOf(request);
-    const auto reason = app ? snapReason(*app) : std::nullopt;
+// Refuses a Snap, of which a clone would share the original's data. Then adds the variables that
+// the app needs; what the user set comes first.
+void considerTarget(WrapperFactory::Request& request, bool addsEnvironment) {
+    const auto app = request.kind == ShortcutKind::app && request.targetApp
+                         ? AppBundle::read(*request.targetApp, noEntitlements)
+                         : std::nullopt;
+    if (!app) {
+        return;
+    }
+    const auto reason = snapReason(*app);
     if (reason && request.strategy != Strategy::unsupported) {
         throw CommandError(*reason);
     }
-}
-
-// What the user set comes first.
-void addSuggestedEnvironment(WrapperFactory::Request& request) {
-    if (const auto app = targetOf(request)) {
+    if (addsEnvironment) {
         request.environment.merge(ShippedProfiles::suggestedEnvironment(*app));
     }
 }
@@ -184,10 +180,7 @@ void createCommand(const CommandContext& context, const CreateOptions& options, 
     if (options.target) {
         request.targetApp = findApp(*options.target);
     }
-    refuseSnap(request);
-    if (!options.noDefaultEnvironment) {
-        addSuggestedEnvironment(request);
-    }
+    considerTarget(request, !options.noDefaultEnvironment);
     const fs::path wrapper =
         madeCloneAfterQuestion(context, WrapperFactory(options.runner), request,
                                {.sharedHome = options.sharedHome,
