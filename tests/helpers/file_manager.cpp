@@ -1,22 +1,12 @@
 // Replaces the desktop's file manager on the session bus: writes the URLs that it is asked to show
-// into the file given as its argument, one per line, after "ready" as the first.
-#include <QtCore/QCoreApplication>
-#include <QtCore/QStringList>
-#include <QtDBus/QDBusConnection>
-#include <QtDBus/QDBusMessage>
-#include <QtDBus/QDBusVirtualObject>
-
-#include <fstream>
+// into the file given as its argument.
+#include "tests/helpers/BusRecorder.h"
 
 namespace {
 
-class FileManager final : public QDBusVirtualObject {
+class FileManager final : public BusRecorder {
 public:
-    explicit FileManager(const char* file) : file_(file, std::ios::app) {}
-
-    void say(const std::string& line) { file_ << line << std::endl; }
-
-    [[nodiscard]] QString introspect(const QString& /*path*/) const override { return {}; }
+    using BusRecorder::BusRecorder;
 
     bool handleMessage(const QDBusMessage& message, const QDBusConnection& connection) override {
         if (message.interface() != QStringLiteral("org.freedesktop.FileManager1") ||
@@ -28,9 +18,6 @@ public:
         }
         return connection.send(message.createReply());
     }
-
-private:
-    std::ofstream file_;
 };
 
 } // namespace
@@ -40,12 +27,6 @@ int main(int argc, char** argv) {
     if (argc < 2) {
         return 2;
     }
-    FileManager manager(argv[1]);
-    QDBusConnection bus = QDBusConnection::sessionBus();
-    if (!bus.registerVirtualObject(QStringLiteral("/org/freedesktop/FileManager1"), &manager) ||
-        !bus.registerService(QStringLiteral("org.freedesktop.FileManager1"))) {
-        return 1;
-    }
-    manager.say("ready");
-    return QCoreApplication::exec();
+    return FileManager(argv[1]).serve(QStringLiteral("org.freedesktop.FileManager1"),
+                                      {QStringLiteral("/org/freedesktop/FileManager1")});
 }

@@ -1,15 +1,10 @@
 // Replaces KWin's search for windows on the session bus: it knows two windows, and writes the one
-// that it is asked to show into the file given as its argument, one per line, after "ready" as the
-// first.
-#include <QtCore/QCoreApplication>
+// that it is asked to show into the file given as its argument.
+#include "tests/helpers/BusRecorder.h"
+
 #include <QtCore/QVariantMap>
 #include <QtDBus/QDBusArgument>
-#include <QtDBus/QDBusConnection>
-#include <QtDBus/QDBusMessage>
 #include <QtDBus/QDBusMetaType>
-#include <QtDBus/QDBusVirtualObject>
-
-#include <fstream>
 
 struct Match {
     QString id{};
@@ -39,13 +34,9 @@ const QDBusArgument& operator>>(const QDBusArgument& argument, Match& match) {
 
 namespace {
 
-class WindowSearch final : public QDBusVirtualObject {
+class WindowSearch final : public BusRecorder {
 public:
-    explicit WindowSearch(const char* file) : file_(file, std::ios::app) {}
-
-    void say(const std::string& line) { file_ << line << std::endl; }
-
-    [[nodiscard]] QString introspect(const QString& /*path*/) const override { return {}; }
+    using BusRecorder::BusRecorder;
 
     bool handleMessage(const QDBusMessage& message, const QDBusConnection& connection) override {
         const QString text = message.arguments().value(0).toString();
@@ -69,9 +60,6 @@ public:
         say(message.member().toStdString() + " " + text.toStdString());
         return connection.send(message.createReply());
     }
-
-private:
-    std::ofstream file_;
 };
 
 } // namespace
@@ -83,16 +71,6 @@ int main(int argc, char** argv) {
     }
     qDBusRegisterMetaType<Match>();
     qDBusRegisterMetaType<QList<Match>>();
-    WindowSearch search(argv[1]);
-    QDBusConnection bus = QDBusConnection::sessionBus();
-    for (const char* path : {"/WindowsRunner", "/KWin"}) {
-        if (!bus.registerVirtualObject(QString::fromLatin1(path), &search)) {
-            return 1;
-        }
-    }
-    if (!bus.registerService(QStringLiteral("org.kde.KWin"))) {
-        return 1;
-    }
-    search.say("ready");
-    return QCoreApplication::exec();
+    return WindowSearch(argv[1]).serve(QStringLiteral("org.kde.KWin"),
+                                       {QStringLiteral("/WindowsRunner"), QStringLiteral("/KWin")});
 }

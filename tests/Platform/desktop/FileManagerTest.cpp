@@ -1,7 +1,6 @@
 #include "Platform/desktop/Workspace.h"
 
-#include "tests/support/BusProgram.h"
-#include "tests/support/TemporaryHome.h"
+#include "tests/support/BusTest.h"
 
 #include <gtest/gtest.h>
 
@@ -11,16 +10,8 @@ namespace {
 using namespace testing;
 namespace fs = std::filesystem;
 
-class FileManagerTest : public ::testing::Test {
+class FileManagerTest : public BusTest {
 protected:
-    void SetUp() override {
-        if (!SessionBus::isAvailable()) {
-            GTEST_SKIP() << "dbus-daemon is not installed";
-        }
-        (void)SessionBus::shared();
-    }
-
-    TemporaryFolder folder_;
     std::unique_ptr<Workspace> workspace_ = makeSystemWorkspace();
 };
 

@@ -1,6 +1,6 @@
 #include "Platform/desktop/PlasmaWindows_linux.h"
 
-#include "tests/support/BusProgram.h"
+#include "tests/support/BusTest.h"
 
 #include <gtest/gtest.h>
 
@@ -9,17 +9,7 @@ namespace {
 
 using namespace testing;
 
-class PlasmaWindowsTest : public ::testing::Test {
-protected:
-    void SetUp() override {
-        if (!SessionBus::isAvailable()) {
-            GTEST_SKIP() << "dbus-daemon is not installed";
-        }
-        (void)SessionBus::shared();
-    }
-
-    TemporaryFolder folder_;
-};
+class PlasmaWindowsTest : public BusTest {};
 
 TEST_F(PlasmaWindowsTest, FindsAWindowByItsClassAndShowsIt) {
     const BusProgram desktop(QUORVEL_WINDOW_SEARCH, folder_ / "log");
