@@ -111,14 +111,4 @@ void DesktopTarget::chooseAction(const std::string& id) {
     }
 }
 
-void DesktopTarget::applyTo(Environment& environment) const {
-    for (const std::string& name : line.unset) {
-        environment.erase(name);
-    }
-    for (const std::string& assignment : line.environment) {
-        const std::size_t equals = assignment.find('=');
-        environment.insert_or_assign(assignment.substr(0, equals), assignment.substr(equals + 1));
-    }
-}
-
 } // namespace quorvel

@@ -46,9 +46,6 @@ struct DesktopTarget {
     /// Has `arguments` return those of one of the entry's actions instead of the entry's own.
     /// Changes nothing if there is no such action, or if it starts another program.
     void chooseAction(const std::string& id);
-
-    /// Changes the variables that the entry's "env" changes.
-    void applyTo(Environment& environment) const;
 };
 
 } // namespace quorvel

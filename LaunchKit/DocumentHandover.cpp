@@ -3,7 +3,6 @@
 #include "LaunchKit/InstanceConfig.h"
 
 #include <chrono>
-#include <thread>
 
 namespace quorvel {
 namespace {
@@ -29,17 +28,6 @@ bool passesOnWhatItIsGiven(const InstanceConfig& config) {
     }
 }
 
-bool endsInTime(Process& process) {
-    const auto limit = std::chrono::steady_clock::now() + longest;
-    while (process.isRunning()) {
-        if (std::chrono::steady_clock::now() > limit) {
-            return false;
-        }
-        std::this_thread::sleep_for(std::chrono::milliseconds(20));
-    }
-    return process.waitUntilExit() == 0;
-}
-
 } // namespace
 
 bool handOver(const InstanceConfig& config, const std::vector<std::string>& documents,
@@ -48,7 +36,7 @@ bool handOver(const InstanceConfig& config, const std::vector<std::string>& docu
         return false;
     }
     Process second = InstanceLauncher().launch(config, documents, details);
-    if (endsInTime(second)) {
+    if (second.waitUntilExit(longest) == 0) {
         return true;
     }
     second.terminate();

@@ -70,7 +70,7 @@ Environment environmentFor(const AppBundle& app, const std::string& home,
                            const CloneOptions& options) {
     Environment environment = currentEnvironment();
     if (app.desktop) {
-        app.desktop->applyTo(environment);
+        app.desktop->line.applyTo(environment);
     }
     const Environment isolated = isolatedEnvironment(home, environment, isolationOf(app, options));
     environment["HOME"] = home;

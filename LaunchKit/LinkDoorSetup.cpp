@@ -13,6 +13,7 @@
 #include "Platform/files/FileReading.h"
 #include "Platform/files/FileSystem.h"
 #include "Platform/files/UserPaths.h"
+#include "Platform/processes/FolderVariable.h"
 
 #include <algorithm>
 #include <array>
@@ -33,8 +34,7 @@ std::string valueOf(const Environment& environment, const char* name) {
 }
 
 std::string folderOf(const Environment& clone, const char* variable, std::string_view otherwise) {
-    const std::string value = valueOf(clone, variable);
-    return value.starts_with('/') ? value : joinAsText(valueOf(clone, "HOME"), otherwise);
+    return folderVariable(clone, variable, joinAsText(valueOf(clone, "HOME"), otherwise));
 }
 
 // One home's part in opening links.

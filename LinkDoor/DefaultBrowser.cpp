@@ -1,16 +1,13 @@
 #include "LinkDoor/DefaultBrowser.h"
 
-#include "Base/PathText.h"
 #include "Platform/desktop/DefaultApplication.h"
 #include "Platform/desktop/ExecLine.h"
 #include "Platform/desktop/ProgramResolution.h"
 #include "Platform/files/FileSystem.h"
 #include "Platform/files/UserPaths.h"
 #include "Platform/processes/MainExecutable.h"
-#include "Platform/processes/Process.h"
 
 #include <algorithm>
-#include <cstdlib>
 
 namespace quorvel {
 namespace fs = std::filesystem;
@@ -38,17 +35,6 @@ bool isAmong(const std::vector<std::string>& arguments, const std::string& addre
     return std::find(arguments.begin(), arguments.end(), address) != arguments.end();
 }
 
-// As an "env" before the entry's program would.
-void applyEnvironment(const ExecLine& line) {
-    for (const std::string& name : line.unset) {
-        ::unsetenv(name.c_str());
-    }
-    for (const std::string& entry : line.environment) {
-        const std::size_t equals = entry.find('=');
-        ::setenv(entry.substr(0, equals).c_str(), entry.substr(equals + 1).c_str(), 1);
-    }
-}
-
 enum class Outcome { started, failed, refused };
 
 Outcome startApplication(const InstalledApplication& application, const std::string& address) {
@@ -66,17 +52,20 @@ Outcome startApplication(const InstalledApplication& application, const std::str
     if (!isEmbedded && !isAmong(arguments, address)) {
         arguments.push_back(address); // an entry without a code for addresses
     }
-    applyEnvironment(line);
-    startDetached(*program, arguments);
+    Environment environment = currentEnvironment();
+    line.applyTo(environment);
+    startDetached(*program, arguments, environment);
     return Outcome::started;
 }
 
 } // namespace
 
-void startDetached(const fs::path& program, const std::vector<std::string>& arguments) {
+void startDetached(const fs::path& program, const std::vector<std::string>& arguments,
+                   const std::optional<Environment>& environment) {
     Process::Options options;
     options.executable = program;
     options.arguments = arguments;
+    options.environment = environment;
     options.standardOutput = Process::Discard{};
     options.standardError = Process::Discard{};
     options.detached = true;
@@ -86,18 +75,7 @@ void startDetached(const fs::path& program, const std::vector<std::string>& argu
 }
 
 std::optional<fs::path> realXdgOpen() {
-    const char* variable = std::getenv("PATH");
-    std::string_view folders = variable == nullptr ? "/usr/local/bin:/usr/bin:/bin" : variable;
-    const fs::path own = mainExecutable();
-    while (!folders.empty()) {
-        const std::string_view folder = folders.substr(0, folders.find(':'));
-        folders.remove_prefix(std::min(folder.size() + 1, folders.size()));
-        const fs::path file = joinAsText(std::string(folder), "xdg-open");
-        if (folder.starts_with('/') && isExecutableFile(file) && !isSameItem(file, own)) {
-            return file;
-        }
-    }
-    return std::nullopt;
+    return findProgram("xdg-open", mainExecutable());
 }
 
 bool openWithDefault(const std::string& scheme, const std::string& address) {

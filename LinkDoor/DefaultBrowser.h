@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Platform/files/PlatformError.h"
+#include "Platform/processes/Process.h"
 
 #include <filesystem>
 #include <optional>
@@ -11,8 +12,9 @@
 namespace quorvel {
 
 /// Starts a program that outlives this process, in a session of its own and in the user's home, and
-/// discards its output. Throws `PlatformError`.
-void startDetached(const std::filesystem::path& program, const std::vector<std::string>& arguments);
+/// discards its output. Without an environment, it gets this process's. Throws `PlatformError`.
+void startDetached(const std::filesystem::path& program, const std::vector<std::string>& arguments,
+                   const std::optional<Environment>& environment = std::nullopt);
 
 /// Returns the first `xdg-open` in `PATH` that is not this program; std::nullopt if there is none.
 [[nodiscard]] std::optional<std::filesystem::path> realXdgOpen();

@@ -2,9 +2,11 @@
 
 #include "Base/CloneLayout.h"
 #include "Base/PathText.h"
+#include "Base/SplitText.h"
 #include "Platform/files/FileSystem.h"
 #include "Platform/files/PrivateFile.h"
 #include "Platform/files/UserPaths.h"
+#include "Platform/processes/FolderVariable.h"
 
 #include <algorithm>
 #include <array>
@@ -45,12 +47,10 @@ bool isBelow(std::string_view path, const std::string& folder) {
 std::string withoutFoldersBelow(std::string_view list, const std::string& home) {
     std::string kept;
     while (!list.empty()) {
-        const std::size_t end = std::min(list.find(':'), list.size());
-        const std::string_view folder = list.substr(0, end);
+        const std::string_view folder = takePart(list, ':');
         if (!isBelow(folder, home)) {
             kept.append(kept.empty() ? "" : ":").append(folder);
         }
-        list.remove_prefix(std::min(end + 1, list.size()));
     }
     return kept;
 }
@@ -61,12 +61,9 @@ std::optional<std::string> nothingIfEmpty(std::string text) {
 
 // The bus of a login session; std::nullopt leaves it to the program to look for one.
 std::optional<std::string> usualSessionBus(const Environment& clone) {
-    const auto runtime = clone.find("XDG_RUNTIME_DIR");
-    if (runtime == clone.end() || !runtime->second.starts_with('/') ||
-        !itemExists(runtime->second + "/bus")) {
-        return std::nullopt;
-    }
-    return "unix:path=" + runtime->second + "/bus";
+    const std::string runtime = folderVariable(clone, "XDG_RUNTIME_DIR", "");
+    const std::string bus = joinAsText(runtime, "bus");
+    return !runtime.empty() && itemExists(bus) ? std::optional("unix:path=" + bus) : std::nullopt;
 }
 
 } // namespace
@@ -102,8 +99,7 @@ std::optional<LinkSession> LinkSession::parse(std::string_view text) {
     }
     LinkSession session;
     for (text.remove_prefix(header.size() + 1); !text.empty();) {
-        const std::string_view line = text.substr(0, text.find('\0'));
-        text.remove_prefix(line.size() + 1);
+        const std::string_view line = takePart(text, '\0');
         const std::string_view rest = line.substr(line.empty() ? 0 : 1);
         const std::size_t equals = rest.find('=');
         const char mark = line.empty() ? '\0' : line.front();

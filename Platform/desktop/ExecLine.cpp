@@ -201,6 +201,16 @@ bool ExecLine::takesItems() const {
     return hasCode(words, "fFuU");
 }
 
+void ExecLine::applyTo(Environment& variables) const {
+    for (const std::string& name : unset) {
+        variables.erase(name);
+    }
+    for (const std::string& assignment : environment) {
+        const std::size_t equals = assignment.find('=');
+        variables.insert_or_assign(assignment.substr(0, equals), assignment.substr(equals + 1));
+    }
+}
+
 bool ExecLine::takesSeveral() const {
     return hasCode(words, "FU");
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Base/Error.h"
+#include "Platform/processes/Process.h"
 
 #include <string>
 #include <string_view>
@@ -50,6 +51,9 @@ struct ExecLine {
 
     /// Whether a start takes items, one at least.
     [[nodiscard]] bool takesItems() const;
+
+    /// Changes the variables that the "env" before the program changes.
+    void applyTo(Environment& variables) const;
 
     /// Whether one start takes all items. Otherwise it takes only the first.
     [[nodiscard]] bool takesSeveral() const;

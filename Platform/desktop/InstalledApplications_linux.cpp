@@ -1,4 +1,5 @@
 #include "Base/PathText.h"
+#include "Base/SplitText.h"
 #include "Platform/desktop/ExecLine.h"
 #include "Platform/desktop/InstalledApplications.h"
 #include "Platform/desktop/ProgramResolution.h"
@@ -29,9 +30,7 @@ std::vector<std::string> currentDesktops() {
     const char* variable = std::getenv("XDG_CURRENT_DESKTOP");
     std::vector<std::string> desktops;
     for (std::string_view rest = variable == nullptr ? "" : variable; !rest.empty();) {
-        const std::size_t end = std::min(rest.find(':'), rest.size());
-        desktops.emplace_back(rest.substr(0, end));
-        rest.remove_prefix(std::min(end + 1, rest.size()));
+        desktops.emplace_back(takePart(rest, ':'));
     }
     return desktops;
 }

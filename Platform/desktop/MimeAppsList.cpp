@@ -1,5 +1,7 @@
 #include "Platform/desktop/MimeAppsList.h"
 
+#include "Base/SplitText.h"
+
 #include <algorithm>
 
 namespace quorvel {
@@ -46,12 +48,10 @@ std::vector<Line> linesOf(std::string_view list) {
 // Each of a value's ids once, in their order.
 void addIds(std::string_view value, std::vector<std::string>& ids) {
     while (!value.empty()) {
-        const std::size_t end = std::min(value.find(';'), value.size());
-        const std::string_view id = trimmed(value.substr(0, end));
+        const std::string_view id = trimmed(takePart(value, ';'));
         if (!id.empty() && std::find(ids.begin(), ids.end(), id) == ids.end()) {
             ids.emplace_back(id);
         }
-        value.remove_prefix(std::min(end + 1, value.size()));
     }
 }
 
@@ -84,8 +84,7 @@ void endLine(std::string& text) {
 std::vector<std::string> mimeAppsListNames(std::string_view currentDesktops) {
     std::vector<std::string> names;
     while (!currentDesktops.empty()) {
-        std::string desktop(currentDesktops.substr(0, currentDesktops.find(':')));
-        currentDesktops.remove_prefix(std::min(desktop.size() + 1, currentDesktops.size()));
+        std::string desktop(takePart(currentDesktops, ':'));
         std::transform(desktop.begin(), desktop.end(), desktop.begin(), [](char letter) {
             return letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter - 'A' + 'a') : letter;
         });

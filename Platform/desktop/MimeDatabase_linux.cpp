@@ -5,13 +5,11 @@
 #include "Platform/processes/Process.h"
 
 #include <chrono>
-#include <thread>
 
 namespace quorvel {
 
 void updateMimeDatabase(const std::filesystem::path& entryFolder) {
     constexpr std::chrono::milliseconds limit{2000};
-    constexpr std::chrono::milliseconds nap{1};
     const auto tool = findProgram("update-desktop-database");
     if (!tool) {
         return;
@@ -21,13 +19,8 @@ void updateMimeDatabase(const std::filesystem::path& entryFolder) {
                                         .arguments = {entryFolder.native()},
                                         .standardOutput = Process::Discard{},
                                         .standardError = Process::Discard{}});
-        const auto deadline = std::chrono::steady_clock::now() + limit;
-        while (process.isRunning()) {
-            if (std::chrono::steady_clock::now() > deadline) {
-                process.detach();
-                return;
-            }
-            std::this_thread::sleep_for(nap);
+        if (!process.waitUntilExit(limit)) {
+            process.detach();
         }
     } catch (const PlatformError&) {
         // The entry is in the menu all the same.

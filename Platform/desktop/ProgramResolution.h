@@ -33,8 +33,10 @@ struct ResolvedProgram {
 [[nodiscard]] const std::vector<std::filesystem::path>& applicationRoots();
 
 /// Returns the executable file that `program` names: an absolute path, or a name to look up in
-/// `PATH`. std::nullopt if there is none.
-[[nodiscard]] std::optional<std::filesystem::path> findProgram(std::string_view program);
+/// `PATH`. std::nullopt if there is none. In `PATH`, a file that is `except` is passed over.
+[[nodiscard]] std::optional<std::filesystem::path>
+findProgram(std::string_view program,
+            const std::optional<std::filesystem::path>& except = std::nullopt);
 
 /// Returns whether the file is an AppImage: a program with a file-system image behind it. On macOS
 /// there are none.

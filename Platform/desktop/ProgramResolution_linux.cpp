@@ -1,4 +1,5 @@
 #include "Base/PathText.h"
+#include "Base/SplitText.h"
 #include "Platform/desktop/EngineMarks_linux.h"
 #include "Platform/desktop/LauncherScript.h"
 #include "Platform/desktop/ProgramFile_linux.h"
@@ -135,7 +136,8 @@ const std::vector<fs::path>& applicationRoots() {
     return roots;
 }
 
-std::optional<fs::path> findProgram(std::string_view program) {
+std::optional<fs::path> findProgram(std::string_view program,
+                                    const std::optional<fs::path>& except) {
     if (program.find('/') != std::string_view::npos) {
         const fs::path file(program);
         return file.is_absolute() && isExecutableFile(file) ? std::optional(file) : std::nullopt;
@@ -143,11 +145,10 @@ std::optional<fs::path> findProgram(std::string_view program) {
     const char* variable = std::getenv("PATH");
     std::string_view folders = variable == nullptr ? "/usr/local/bin:/usr/bin:/bin" : variable;
     while (!program.empty() && !folders.empty()) {
-        const std::size_t end = std::min(folders.find(':'), folders.size());
-        const std::string_view folder = folders.substr(0, end);
-        folders.remove_prefix(std::min(end + 1, folders.size()));
+        const std::string_view folder = takePart(folders, ':');
         const fs::path file = joinAsText(std::string(folder), program);
-        if (folder.starts_with('/') && isExecutableFile(file)) {
+        if (folder.starts_with('/') && isExecutableFile(file) &&
+            !(except && isSameItem(file, *except))) {
             return file;
         }
     }

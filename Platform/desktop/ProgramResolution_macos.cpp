@@ -8,7 +8,7 @@ const std::vector<fs::path>& applicationRoots() {
     return none;
 }
 
-std::optional<fs::path> findProgram(std::string_view) {
+std::optional<fs::path> findProgram(std::string_view, const std::optional<fs::path>&) {
     return std::nullopt;
 }
 

@@ -22,17 +22,6 @@ constexpr milliseconds timeout{30'000};
 // A process closes its files slightly before it can be waited for.
 constexpr milliseconds exitTimeout{1000};
 
-std::optional<int> statusAtEnd(Process& process) {
-    const auto limit = std::chrono::steady_clock::now() + exitTimeout;
-    while (process.isRunning()) {
-        if (std::chrono::steady_clock::now() > limit) {
-            return std::nullopt;
-        }
-        std::this_thread::sleep_for(milliseconds(2));
-    }
-    return process.waitUntilExit();
-}
-
 // Whether that status indicates a crash or a program that could not be run.
 bool indicatesFailure(int status) {
     constexpr int cantBeRun = 126;
@@ -64,7 +53,7 @@ std::string reasonFor(int status) {
 // Without a report, only some statuses prove a failure: a target may end quickly.
 std::optional<PlatformError> failureAtEnd(Process& process, bool announced,
                                           const std::filesystem::path& bundle) {
-    const std::optional<int> status = statusAtEnd(process);
+    const std::optional<int> status = process.waitUntilExit(exitTimeout);
     if (!status || (!announced && !indicatesFailure(*status))) {
         return std::nullopt;
     }

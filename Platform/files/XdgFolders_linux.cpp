@@ -1,6 +1,7 @@
 #include "Platform/files/XdgFolders_linux.h"
 
 #include "Base/PathText.h"
+#include "Base/SplitText.h"
 #include "Platform/files/UserPaths.h"
 
 #include <algorithm>
@@ -36,9 +37,7 @@ void addFolders(std::vector<fs::path>& folders, const char* variable, std::strin
         rest = otherwise;
     }
     while (!rest.empty()) {
-        const std::size_t end = std::min(rest.find(':'), rest.size());
-        addOnce(folders, rest.substr(0, end));
-        rest.remove_prefix(std::min(end + 1, rest.size()));
+        addOnce(folders, takePart(rest, ':'));
     }
 }
 

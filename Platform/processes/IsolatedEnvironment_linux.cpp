@@ -10,7 +10,7 @@
 #include "Platform/files/UserPaths.h"
 #include "Platform/files/XdgFolders_linux.h"
 #include "Platform/files/XdgUserDirs_linux.h"
-#include "Platform/processes/FolderVariable_linux.h"
+#include "Platform/processes/FolderVariable.h"
 
 #include <algorithm>
 #include <string_view>

@@ -287,4 +287,16 @@ int Process::waitUntilExit() {
     return *status_;
 }
 
+std::optional<int> Process::waitUntilExit(std::chrono::milliseconds limit) {
+    constexpr std::chrono::milliseconds nap{2};
+    const auto deadline = std::chrono::steady_clock::now() + limit;
+    while (isRunning()) {
+        if (std::chrono::steady_clock::now() > deadline) {
+            return std::nullopt;
+        }
+        std::this_thread::sleep_for(nap);
+    }
+    return status_;
+}
+
 } // namespace quorvel

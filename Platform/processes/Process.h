@@ -3,6 +3,7 @@
 #include "Platform/files/FileHandle.h"
 #include "Platform/files/PlatformError.h"
 
+#include <chrono>
 #include <filesystem>
 #include <map>
 #include <optional>
@@ -83,6 +84,9 @@ public:
 
     /// Waits for its end. Returns the exit status, or 128 + N if signal N ended it.
     int waitUntilExit();
+
+    /// The same for as long as `limit`. Returns std::nullopt if it is still running then.
+    [[nodiscard]] std::optional<int> waitUntilExit(std::chrono::milliseconds limit);
 
 private:
     explicit Process(pid_t pid) noexcept : pid_(pid) {}

@@ -1,7 +1,7 @@
 #include "Platform/watching/DataPlaces.h"
 
 #include "Base/PathText.h"
-#include "Platform/processes/FolderVariable_linux.h"
+#include "Platform/processes/FolderVariable.h"
 
 namespace quorvel {
 

@@ -1,4 +1,4 @@
-#include "Platform/processes/FolderVariable_linux.h"
+#include "Platform/processes/FolderVariable.h"
 
 #include "Base/PathText.h"
 
