@@ -4,6 +4,8 @@
 set -euo pipefail
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 cd "$root"
+# Without it, a compiler cache takes nothing that has a precompiled header.
+export CCACHE_SLOPPINESS=${CCACHE_SLOPPINESS-pch_defines,time_macros}
 
 say() { printf '\n==> %s\n' "$*"; }
 fail() { printf '%s\n' "$*" >&2; exit 1; }
