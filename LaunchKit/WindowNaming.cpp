@@ -57,7 +57,7 @@ std::optional<Process> startWindowNaming(const InstanceConfig& config, const std
     if (!program || !hasX11Windows(app->desktop->program, environment)) {
         return std::nullopt;
     }
-    // The display is the clone's, the home the runner's: by that, it is no part of the clone.
+    // The display is the clone's, the home the runner's: so it does not count as part of the clone.
     const Environment own = currentEnvironment();
     if (const auto home = own.find("HOME"); home != own.end()) {
         environment.insert_or_assign("HOME", home->second);
