@@ -54,8 +54,7 @@ TEST(SvgImageTest, PartsThatRepeatOneAnotherAreCounted) {
         std::string svg = head + "<defs><rect id='a0' width='1' height='1'/>";
         for (int level = 1; level <= levels; ++level) {
             const std::string use = "<use xlink:href='#a" + std::to_string(level - 1) + "'/>";
-            svg.append("<g id='a").append(std::to_string(level)).append("'>");
-            svg.append(use).append(use).append("</g>");
+            svg += "<g id='a" + std::to_string(level) + "'>" + use + use + "</g>";
         }
         return svg + "</defs><use xlink:href='#a" + std::to_string(levels) + "'/></svg>";
     };
