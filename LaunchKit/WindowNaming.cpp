@@ -3,9 +3,9 @@
 #include "LaunchKit/AppBundle.h"
 #include "LaunchKit/HelperProgram.h"
 #include "LaunchKit/InstanceConfig.h"
+#include "Platform/processes/ProcessFamily.h"
 
 #include <string_view>
-#include <unistd.h>
 
 namespace quorvel {
 namespace {
@@ -64,7 +64,7 @@ std::optional<Process> startWindowNaming(const InstanceConfig& config, const std
     }
     try {
         return Process::run({.executable = *program,
-                             .arguments = {word, std::to_string(::getpid())},
+                             .arguments = {word, std::to_string(ownPid())},
                              .environment = environment,
                              .standardOutput = Process::Discard{},
                              .standardError = Process::Discard{}});
