@@ -12,7 +12,7 @@ namespace quorvel {
 /// `CommandError` if there is none, or if several have the name; its text then lists their paths.
 [[nodiscard]] InstanceRecord findClone(const InstanceRegistry& registry, const std::string& words);
 
-/// Returns whether the words are a path whatever exists: they begin with "/", "~", "./" or "../".
+/// Returns whether the words are a path, existing or not: they begin with "/", "~", "./" or "../".
 [[nodiscard]] bool isPath(const std::string& words);
 
 /// Returns the wrapper at that path if its configuration can't be read, so that `findClone` does

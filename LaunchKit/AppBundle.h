@@ -50,7 +50,8 @@ struct AppBundle {
     read(const std::filesystem::path& appURL,
          const EntitlementReader& entitlements = codeSigningTool());
 
-    /// Returns the main executable; of a desktop entry, the real file behind links and scripts.
+    /// Returns the main executable; of a desktop entry, the real file that links and scripts lead
+    /// to.
     [[nodiscard]] std::filesystem::path executableURL() const;
 
     /// Returns why a clone of it could not work, as the end of a sentence; `std::nullopt` if it

@@ -26,7 +26,7 @@ struct AppBundle;
 
 /// Returns the engine of an application, `other` if it is unknown or the application can't be
 /// read. Of a bundle, reads its own identifier if `bundleId` is absent. Of a desktop entry, looks
-/// at the real program behind links and scripts. Any thread.
+/// at the program that links and scripts lead to. Any thread.
 [[nodiscard]] AppEngine detectEngine(const std::filesystem::path& app,
                                      const std::optional<std::string>& bundleId = std::nullopt);
 

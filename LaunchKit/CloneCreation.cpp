@@ -55,7 +55,7 @@ fs::path createClone(const WrapperFactory& factory, const WrapperFactory::Reques
         folder, [&] { validateRequest(request, factory.runnerBinary, permissions); });
     const auto beforeWriting = [&](const fs::path& wrapper) {
         if (!lock) {
-            std::error_code ignored; // whatever is wrong, writing the wrapper reports it
+            std::error_code ignored; // writing the wrapper reports it
             fs::create_directories(folder, ignored);
             lock = lockForCreation(folder);
             // Another creation may have made the folder, and this clone in it.

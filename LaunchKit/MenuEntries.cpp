@@ -17,7 +17,6 @@
 #include <chrono>
 #include <cstdint>
 #include <map>
-#include <sys/stat.h>
 
 namespace quorvel {
 namespace fs = std::filesystem;
@@ -30,15 +29,15 @@ std::string shownText(const std::string& text) {
 
 // Another name for each picture, without reading it.
 std::string pictureName(const std::string& word, const fs::path& icon) {
-    struct stat facts {};
-    if (::stat(icon.c_str(), &facts) != 0) {
+    std::error_code code;
+    const std::uintmax_t size = fs::file_size(icon, code);
+    if (code) {
         return {};
     }
-    std::error_code code;
     const auto written = std::chrono::duration_cast<std::chrono::nanoseconds>(
         fs::last_write_time(icon, code).time_since_epoch());
     const std::string state =
-        std::to_string(facts.st_size) + " " + std::to_string(std::int64_t{written.count()});
+        std::to_string(size) + " " + std::to_string(std::int64_t{written.count()});
     return word + "-" + stableHash(state);
 }
 

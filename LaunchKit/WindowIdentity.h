@@ -26,7 +26,7 @@ struct WindowIdentity {
 [[nodiscard]] WindowIdentity windowIdentity(const ResolvedProgram& program,
                                             const std::string& word);
 
-/// Gives a start of the target this identity, unless its arguments name one already.
+/// Adds this identity to a start of the target, unless its arguments name one already.
 void applyWindowIdentity(const DesktopTarget& target, const std::string& word,
                          Process::Options& start);
 

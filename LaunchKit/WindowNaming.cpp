@@ -3,9 +3,9 @@
 #include "LaunchKit/AppBundle.h"
 #include "LaunchKit/HelperProgram.h"
 #include "LaunchKit/InstanceConfig.h"
+#include "Platform/processes/ProcessFamily.h"
 
 #include <string_view>
-#include <unistd.h>
 
 namespace quorvel {
 namespace {
@@ -57,14 +57,14 @@ std::optional<Process> startWindowNaming(const InstanceConfig& config, const std
     if (!program || !hasX11Windows(app->desktop->program, environment)) {
         return std::nullopt;
     }
-    // The display is the clone's, the home the runner's: by that, it is no part of the clone.
+    // The display is the clone's, the home the runner's: so it does not count as part of the clone.
     const Environment own = currentEnvironment();
     if (const auto home = own.find("HOME"); home != own.end()) {
         environment.insert_or_assign("HOME", home->second);
     }
     try {
         return Process::run({.executable = *program,
-                             .arguments = {word, std::to_string(::getpid())},
+                             .arguments = {word, std::to_string(ownPid())},
                              .environment = environment,
                              .standardOutput = Process::Discard{},
                              .standardError = Process::Discard{}});

@@ -9,8 +9,8 @@ namespace quorvel {
 
 struct InstanceConfig;
 
-/// Starts a program that gives the X11 windows of this process's children the clone's word, if the
-/// clone's application has such windows and can't be told the word itself. It ends when this
+/// Starts a program that sets the clone's word on the X11 windows of this process's children, if
+/// the clone's application has such windows and takes no word itself. It ends when this
 /// process does. Returns `std::nullopt` if none is needed, or none is installed. Never throws.
 [[nodiscard]] std::optional<Process> startWindowNaming(const InstanceConfig& config,
                                                        const std::string& word);

@@ -15,7 +15,7 @@ char lowerCased(char letter) {
     return letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter - 'A' + 'a') : letter;
 }
 
-// What comes before the first colon, if it is one of ours.
+// What comes before the first colon, if it is a scheme that is handed on.
 std::optional<std::string> linkSchemeOf(std::string_view text) {
     std::string scheme(text.substr(0, std::min(text.find(':'), std::size_t{8})));
     std::transform(scheme.begin(), scheme.end(), scheme.begin(), lowerCased);

@@ -17,7 +17,7 @@ inline constexpr const char* cloneHomeVariable = "QUORVEL_CLONE_HOME";
 /// How many times one address was handed from clone to clone.
 inline constexpr const char* linkHopsVariable = "QUORVEL_LINK_HOPS";
 
-/// What all variables of ours begin with. None of them leaves a clone.
+/// What all our variables begin with. None of them leaves a clone.
 inline constexpr std::string_view ownVariablePrefix = "QUORVEL_";
 
 /// What a clone's session file contains.

@@ -66,7 +66,7 @@ private:
     Variables environment_{};
 };
 
-/// Returns the tier for a second copy that is running or not, if so many copies have come up.
+/// Returns the tier for a second copy that is running or not, if that many copies have come up.
 [[nodiscard]] SingletonTier singletonTier(bool secondIsRunning, std::size_t running);
 
 } // namespace quorvel

@@ -55,7 +55,7 @@ bool handedOver(const InstanceConfig& config, const std::vector<std::string>& do
     }
 }
 
-// A clone that links are sent to opens them, whatever else it was made for.
+// A clone of any kind opens the links that are sent to it.
 bool isLinkFromAClone(const std::vector<std::string>& arguments) {
     return std::getenv(linkHopsVariable) != nullptr && arguments.size() == 1 &&
            hasLinkScheme(arguments.front());

@@ -52,7 +52,7 @@ void makeBundles(const fs::path& folder, int count) {
 }
 
 fs::path makeTool(const fs::path& folder) {
-    const fs::path tool = folder / "codesign";
+    fs::path tool = folder / "codesign";
     writeFile(tool, "#!/bin/sh\nexec sleep 0.02\n");
     fs::permissions(tool, fs::perms{0755});
     return tool;

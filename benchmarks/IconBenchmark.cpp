@@ -124,6 +124,7 @@ Row listImageAgainstLargest(const fs::path& folder, std::size_t artwork) {
 std::vector<Row> iconRows(const fs::path& folder) {
     ensureFontEngine();
     std::vector<Row> rows;
+    rows.reserve(iconArtists.size() + 1);
     for (std::size_t artwork = 0; artwork < iconArtists.size(); ++artwork) {
         rows.push_back(composeAgainstEncoding(folder, artwork));
     }

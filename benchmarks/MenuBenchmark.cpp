@@ -33,6 +33,7 @@ std::vector<Row> menuRows(const fs::path& folder) {
     const InstanceRecord clone = makeClone(folder);
     const testing::ScopedEnvironment data("XDG_DATA_HOME", (folder / "data").string());
     std::vector<double> times;
+    times.reserve(rounds);
     for (int round = 0; round < rounds; ++round) {
         times.push_back(secondsOf([&] { publishInMenu(clone); }) * milliseconds);
     }

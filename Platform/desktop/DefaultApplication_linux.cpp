@@ -4,9 +4,9 @@
 #include "Platform/desktop/ExecLine.h"
 #include "Platform/desktop/MimeAppsList.h"
 #include "Platform/desktop/ProgramResolution.h"
-#include "Platform/files/XdgFolders_linux.h"
 #include "Platform/files/FileReading.h"
 #include "Platform/files/FileSystem.h"
+#include "Platform/files/XdgFolders_linux.h"
 
 #include <cstdlib>
 

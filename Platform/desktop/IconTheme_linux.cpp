@@ -134,7 +134,7 @@ std::string IconTheme::chosenTheme() {
     constexpr Setting settings[] = {{"kdeglobals", "Icons", "Theme"},
                                     {"gtk-4.0/settings.ini", "Settings", "gtk-icon-theme-name"},
                                     {"gtk-3.0/settings.ini", "Settings", "gtk-icon-theme-name"}};
-    // Its programs leave that file behind on other desktops, too.
+    // KDE's programs write that file on other desktops, too.
     const char* desktop = std::getenv("XDG_CURRENT_DESKTOP");
     const bool isKde = desktop != nullptr && std::string_view(desktop) == "KDE";
     constexpr std::size_t limit = 65536;

@@ -38,13 +38,14 @@ struct PublishedEntry {
 [[nodiscard]] bool hasMenu() noexcept;
 
 /// Publishes the entry in place of the clone's older one: first the pictures, so that no desktop
-/// looks for one that isn't there yet. Whoever reads meanwhile finds the old entry or the new one.
+/// looks for one that isn't there yet. A concurrent reader finds the old entry or the new one.
 /// Pictures that are no longer named are removed. Throws `PlatformError`, also if the file's name
-/// belongs to an entry of somebody else, and `DesktopEntryError`; the older entry then remains.
+/// belongs to an entry that is not the clone's, and `DesktopEntryError`; the older entry then
+/// remains.
 void publishMenuEntry(const MenuEntry& entry, const std::vector<MenuPicture>& pictures);
 
-/// Removes the clone's entries, whatever their file is called, and its pictures. Nothing published
-/// is fine. Throws `PlatformError`.
+/// Removes the clone's entries, also under other file names, and its pictures. Does nothing if
+/// there are none. Throws `PlatformError`.
 void withdrawMenuEntry(const std::string& cloneId, const std::string& word);
 
 /// Removes the temporary files that interrupted publications left.

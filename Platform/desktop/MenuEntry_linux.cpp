@@ -129,7 +129,7 @@ bool hasMenu() noexcept {
 void publishMenuEntry(const MenuEntry& entry, const std::vector<MenuPicture>& pictures) {
     for (const std::string& name : {entry.fileName, entry.entry.icon}) {
         if (name.find('/') != std::string::npos) {
-            throw DesktopEntryError("“" + name + "” is no name of a file");
+            throw DesktopEntryError("“" + name + "” is not a file name");
         }
     }
     const fs::path file = joinAsText(entryFolder(), entry.fileName);

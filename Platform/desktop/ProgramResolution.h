@@ -38,7 +38,7 @@ struct ResolvedProgram {
 findProgram(std::string_view program,
             const std::optional<std::filesystem::path>& except = std::nullopt);
 
-/// Returns whether the file is an AppImage: a program with a file-system image behind it. On macOS
+/// Returns whether the file is an AppImage: a program followed by a file-system image. On macOS
 /// there are none.
 [[nodiscard]] bool isAppImage(const std::filesystem::path& file);
 

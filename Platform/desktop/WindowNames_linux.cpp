@@ -1,5 +1,5 @@
-// quorvel-window-names WORD PID: gives the X11 windows of the clone whose runner is PID, its
-// parent, the class WORD, for applications that can't be told to. Ends with its parent.
+// quorvel-window-names WORD PID: sets the class WORD on the X11 windows of the clone whose runner
+// is PID, its parent, for applications that have no option for it. Ends with its parent.
 #include "Platform/desktop/X11Windows_linux.h"
 #include "Platform/processes/ProcessFamily.h"
 

@@ -11,7 +11,7 @@
 namespace quorvel {
 namespace {
 
-// Longer properties are cut: no desktop has so many windows, no window so long a class.
+// Longer properties are truncated: no desktop has that many windows, no window a class that long.
 constexpr std::uint32_t longestProperty = 16384; // in units of four bytes
 
 struct Free {

@@ -15,7 +15,7 @@ namespace quorvel {
 bool ensureFolderBelow(const std::filesystem::path& base, std::string_view path);
 
 /// Makes the regular file `path` below `base` contain `bytes`, with mode 0600, creating missing
-/// folders as `ensureFolderBelow` does. Whatever is at `path` is replaced as a whole, a link
+/// folders as `ensureFolderBelow` does. An item at `path` is replaced as a whole, a link
 /// itself and not its target; a folder is not. Returns whether that succeeded; if not, what was
 /// there remains.
 bool replaceFileBelow(const std::filesystem::path& base, std::string_view path,

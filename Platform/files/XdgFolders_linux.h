@@ -6,7 +6,7 @@
 
 namespace quorvel {
 
-/// What an empty `XDG_DATA_DIRS` stands for.
+/// The value of an empty `XDG_DATA_DIRS`.
 inline constexpr std::string_view defaultXdgDataDirs = "/usr/local/share:/usr/share";
 
 /// Returns `XDG_CONFIG_HOME` if it is an absolute path, else ".config" in the user's home.

@@ -19,6 +19,7 @@ void replaceProcess(const std::filesystem::path& program,
     std::vector<std::string> texts{program.native()};
     texts.insert(texts.end(), arguments.begin(), arguments.end());
     std::vector<char*> words;
+    words.reserve(texts.size() + 1);
     for (std::string& text : texts) {
         words.push_back(text.data());
     }

@@ -6,9 +6,9 @@
 
 namespace quorvel {
 
-/// Passes requests to end this process on to a child, and to those that it left behind. From its
-/// construction on, SIGTERM, SIGINT, SIGHUP and SIGCHLD are blocked in the calling thread and stay
-/// so: none is lost before the child is started. To be constructed before any other thread is.
+/// Passes requests to end this process on to a child, and to the processes that outlive it. From
+/// its construction on, SIGTERM, SIGINT, SIGHUP and SIGCHLD are blocked in the calling thread and
+/// stay so: none is lost before the child is started. To be constructed before any other thread is.
 class SignalForwarder {
 public:
     SignalForwarder();

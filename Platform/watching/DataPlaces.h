@@ -14,14 +14,14 @@ struct DataPlace {
 
     std::string folder{}; ///< absolute, without a trailing slash; need not exist
     Kind kind = Kind::data;
-    /// Down to this level below `folder`, folders are watched whatever their names are.
+    /// Down to this level below `folder`, folders are watched under any name.
     std::size_t levels = 1;
     bool hiddenOnly = false; ///< of the items in `folder`, only those whose names begin with "."
     /// All applications write to the same files, whose names don't say for whom.
     bool isShared = false;
 };
 
-/// Returns where applications that are no bundles keep the data of the user with that home, in an
+/// Returns where applications that are not bundles keep the data of the user with that home, in an
 /// environment of the session; the first that contains a path says what it is. Empty on macOS.
 [[nodiscard]] std::vector<DataPlace> dataPlaces(const std::string& home,
                                                 const Environment& session);

@@ -5,9 +5,23 @@
 # Completion of quorvelctl for bash 4.4 or later. File names are data here: they pass between
 # functions ended by NULs, go into the line quoted by us, and no shell ever expands them.
 
+# Appends what the text between $' and ' spells to typed.
+_quorvelctl_spell() {
+  local index pair escaped='' spelled
+  for ((index = 0; index < ${#1}; index++)); do
+    pair=${1:index:1}
+    [[ $pair != '\' ]] || { ((++index)); pair+=${1:index:1}; }
+    # %b would keep these backslashes.
+    [[ $pair != '\'[\"?] ]] || pair=${pair:1}
+    escaped+=$pair
+  done
+  printf -v spelled %b "$escaped"
+  typed+=$spelled
+}
+
 # Sets typed to a word without its quotes and backslashes, and quote to the one that is still open.
 _quorvelctl_unquote() {
-  local text=$1 character index
+  local text=$1 character index spelling="^'(([^\\']|\\\\.)*)'"
   typed='' quote=''
   if [[ $text == '~/'* ]]; then
     typed=$HOME/
@@ -21,6 +35,13 @@ _quorvelctl_unquote() {
         # Within double quotes a backslash is literal before most characters.
         [[ -z $quote || ${text:index:1} == [\$\`\"\\] ]] || typed+=$character
         typed+=${text:index:1}
+        ;;
+      '$')
+        [[ ${text:index+1} =~ $spelling ]] || { typed+=$; continue; }
+        # The shell's editor takes such a quote for the end.
+        [[ ${BASH_REMATCH[1]} != *"\\'"* ]] || { quote="'"; return; }
+        _quorvelctl_spell "${BASH_REMATCH[1]}"
+        ((index += ${#BASH_REMATCH[0]}))
         ;;
       "'" | '"') quote=$character ;;
       "''" | '""') quote='' ;;

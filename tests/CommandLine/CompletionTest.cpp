@@ -207,6 +207,23 @@ TEST_P(CompletionTest, HandTheNameOfAnyFileToTheProgramAsItIs) {
     }
 }
 
+TEST_P(CompletionTest, GoOnFromWhatTheyThemselvesHaveSpelled) {
+    if (!isBash()) {
+        GTEST_SKIP() << "zsh stops after its own $''";
+    }
+    const fs::path file = work_ / "a\n\t\\\"?/b\n/$(touch PWNED)";
+    write(file, "");
+    EXPECT_THAT(called("quorvelctl inspect \t\t\t\r"),
+                ElementsAre("inspect", file.lexically_relative(work_).string()));
+    expectNothingDone();
+}
+
+TEST_P(CompletionTest, NeverAddANameToOneThatTheEditorCantRead) {
+    write(work_ / "it's\n/file", "");
+    EXPECT_THAT(called("quorvelctl inspect \t\t\r"),
+                ElementsAre("inspect", isBash() ? "it's\n/" : "it's\n"));
+}
+
 TEST_P(CompletionTest, NeverOfferAFileThatWouldBeTakenForAnOption) {
     fs::create_directories(work_ / "--json");
     const Words words = called("quorvelctl inspect \t\r");

@@ -31,7 +31,7 @@ protected:
         const auto made = harness.run({"create", "--kind", "web", "--url", "https://a.test",
                                        "--name", "Work", "--runner", runnerProgram().string()});
         EXPECT_EQ(made.status, 0) << made.errors;
-        const fs::path wrapper = harness.home / "Applications/Work.app";
+        fs::path wrapper = harness.home / "Applications/Work.app";
         write(wrapper / "Contents/Resources/instance.json", "{\"displayName\": }");
         return wrapper;
     }

@@ -61,6 +61,7 @@ InteractiveShell::InteractiveShell(const std::vector<std::string>& command,
     const std::string line = ::ptsname(terminal_);
     std::vector<std::string> words = command;
     std::vector<std::string> settings;
+    settings.reserve(environment.size());
     for (const auto& [name, value] : environment) {
         settings.push_back(name + "=" + value);
     }

@@ -170,7 +170,7 @@ void AppTrial::openOriginal() {
     awaitWindow(copy);
 }
 
-// A copy that handed its work to another has ended by now, or has lost its window.
+// A copy that handed its work to another has ended, or has lost its window.
 void AppTrial::lookAround() {
     const std::map<pid_t, SessionProcess> processes = session_.processes();
     for (CopyReport* copy : {&report_.first, &report_.second, &report_.original}) {

@@ -42,6 +42,16 @@ std::map<std::string, std::string> realHomeWithoutClones(const fs::path& home) {
     return tree;
 }
 
+// Expects that only the clones' menu entries are among the user's data.
+void expectOnlyMenuData(const fs::path& home) {
+    for (const char* folder : {".local", ".local/share"}) {
+        for (const auto& entry : fs::directory_iterator(home / folder)) {
+            EXPECT_THAT((std::vector<std::string>{"share", "applications", "icons"}),
+                        ::testing::Contains(entry.path().filename().string()));
+        }
+    }
+}
+
 // Waits until the clone is listed as running and its browser has written its data and its log.
 void expectRunning(QuorvelctlInAHome& quorvelctl, const std::string& name) {
     EXPECT_TRUE(waitUntil([&] { return quorvelctl.isListedAsRunning(name); })) << name;
@@ -94,12 +104,7 @@ TEST(ChromiumTest, TwoClonesRunSideBySideEachWithDataOfItsOwn) {
     EXPECT_FALSE(browsersWith(quorvelctl.data(names[1]) / "QuorvelData").empty());
 
     EXPECT_EQ(realHomeWithoutClones(quorvelctl.home.path()), before);
-    for (const char* folder : {".local", ".local/share"}) {
-        for (const auto& entry : fs::directory_iterator(quorvelctl.home / folder)) {
-            EXPECT_THAT((std::vector<std::string>{"share", "applications", "icons"}),
-                        ::testing::Contains(entry.path().filename().string()));
-        }
-    }
+    expectOnlyMenuData(quorvelctl.home.path());
 
     const auto deleted = quorvelctl.json({"delete", names[0], "--including-data", "--yes"});
     EXPECT_EQ(deleted["deletedData"], true);

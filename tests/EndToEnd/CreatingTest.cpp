@@ -29,6 +29,7 @@ protected:
                                            [this, words] { return quorvelctl_.outcomeOf(words); }));
         }
         std::vector<std::string> outcomes;
+        outcomes.reserve(creations.size());
         for (auto& creation : creations) {
             outcomes.push_back(creation.get());
         }

@@ -139,7 +139,7 @@ protected:
     }
     // The package as an older version: with another runner, and a file that is gone since.
     [[nodiscard]] std::string olderPackage() const {
-        const std::string older = folder_ / "older.deb";
+        std::string older = folder_ / "older.deb";
         shellOutput(R"(dpkg-deb -R "$1" "$2" && cd "$2" &&
                        sed -i 's/^Version: .*/Version: 0.0.1-1/' DEBIAN/control &&
                        printf older >>usr/libexec/quorvel/quorvel-runner &&

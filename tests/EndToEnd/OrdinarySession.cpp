@@ -144,7 +144,7 @@ OrdinarySession::OrdinarySession(DataFolders dataFolders) : user_(unusedUser()) 
                     {"PATH", "/usr/local/bin:/usr/bin:/bin:/usr/local/games:/usr/games"},
                     {"XDG_RUNTIME_DIR", folder_ / "run"},
                     {"DBUS_SESSION_BUS_ADDRESS", "unix:path=" + (folder_ / "run/bus").string()},
-                    // Where the kernel permits no network of our own, nobody is reached either.
+                    // Where the kernel permits no network namespace, nothing is reached either.
                     {"http_proxy", "http://127.0.0.1:9"},
                     {"https_proxy", "http://127.0.0.1:9"}};
     fs::path authority = home() / ".Xauthority";

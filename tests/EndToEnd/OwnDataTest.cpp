@@ -8,6 +8,7 @@
 #include <gmock/gmock.h>
 
 #include <csignal>
+#include <optional>
 #include <sstream>
 
 namespace quorvel {
@@ -45,20 +46,45 @@ std::vector<std::string> openedIn(const std::string& trace, const std::string& n
     return opened;
 }
 
-TEST(OwnDataTest, AnEditorUsesTheUsersFontsButNotTheUsersData) {
+// Returns why this machine can't trace an application with a window; std::nullopt if it can.
+std::optional<std::string> obstacle() {
     for (const char* program : {"/usr/bin/gedit", tracer}) {
         if (!fs::exists(program)) {
-            GTEST_SKIP() << program << " is not installed";
+            return std::string(program) + " is not installed";
         }
     }
     if (!XServer::missingPrograms().empty() || !SessionBus::isAvailable() || anyFont().empty()) {
-        GTEST_SKIP() << "there is no display, bus or font";
+        return "there is no display, bus or font";
     }
     Process::Options trial;
     trial.executable = tracer;
     trial.arguments = {"-o", "/dev/null", "/bin/true"};
     if (Process::run(trial).waitUntilExit() != 0) {
-        GTEST_SKIP() << "no process may be traced here";
+        return "no process may be traced here";
+    }
+    return std::nullopt;
+}
+
+// Starts a clone's runner so that the files that its processes open are written to `trace`.
+Process startTraced(const fs::path& wrapper, const fs::path& home, const fs::path& trace) {
+    Process::Options options;
+    options.executable = tracer;
+    options.arguments = {"-f",
+                         "-qq",
+                         "-e",
+                         "trace=openat,execve",
+                         "-o",
+                         trace.string(),
+                         (wrapper / "Contents/MacOS/runner").string()};
+    options.environment = currentEnvironment();
+    options.environment->insert_or_assign("HOME", home.string());
+    options.environment->insert_or_assign("CFFIXED_USER_HOME", home.string());
+    return Process::run(options);
+}
+
+TEST(OwnDataTest, AnEditorUsesTheUsersFontsButNotTheUsersData) {
+    if (const auto reason = obstacle()) {
+        GTEST_SKIP() << *reason;
     }
     QuorvelctlInAHome quorvelctl;
     const fs::path data = quorvelctl.home / ".local/share";
@@ -72,19 +98,7 @@ TEST(OwnDataTest, AnEditorUsesTheUsersFontsButNotTheUsersData) {
 
     const fs::path wrapper = quorvelctl.home / "Applications/Editor.app";
     const fs::path trace = quorvelctl.home / "trace";
-    Process::Options options;
-    options.executable = tracer;
-    options.arguments = {"-f",
-                         "-qq",
-                         "-e",
-                         "trace=openat,execve",
-                         "-o",
-                         trace.string(),
-                         (wrapper / "Contents/MacOS/runner").string()};
-    options.environment = currentEnvironment();
-    options.environment->insert_or_assign("HOME", quorvelctl.home.path().string());
-    options.environment->insert_or_assign("CFFIXED_USER_HOME", quorvelctl.home.path().string());
-    Process editor = Process::run(options);
+    Process editor = startTraced(wrapper, quorvelctl.home.path(), trace);
     const bool isUp = waitUntil(
         [&] {
             const std::string seen = read(trace);

@@ -12,6 +12,7 @@ namespace {
 
 std::vector<char*> pointersTo(std::vector<std::string>& texts) {
     std::vector<char*> pointers;
+    pointers.reserve(texts.size() + 1);
     for (std::string& text : texts) {
         pointers.push_back(text.data());
     }
@@ -23,6 +24,7 @@ std::vector<char*> pointersTo(std::vector<std::string>& texts) {
 
 std::size_t peakMemoryOf(std::vector<std::string> command, Environment environment) {
     std::vector<std::string> settings;
+    settings.reserve(environment.size());
     for (const auto& [name, value] : environment) {
         settings.push_back(name + "=" + value);
     }

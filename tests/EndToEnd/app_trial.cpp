@@ -34,7 +34,7 @@ std::string verdict(std::span<const CopyReport* const> copies, Predicate predica
     return without.empty() ? "yes" : "not the " + joined(without);
 }
 
-// What every clone has, whatever it is a clone of.
+// What every clone has, of any application.
 bool isQuorvels(const std::string& file) {
     constexpr std::array own{".quorvel-lock", "quorvel-instance.log", ".config/user-dirs.dirs",
                              ".config/mimeapps.list"};

@@ -32,6 +32,7 @@ std::vector<InstalledApp> scan(const std::vector<fs::path>& dirs) {
 
 std::vector<std::string> namesOf(const std::vector<InstalledApp>& apps) {
     std::vector<std::string> names;
+    names.reserve(apps.size());
     for (const InstalledApp& app : apps) {
         names.push_back(app.name);
     }

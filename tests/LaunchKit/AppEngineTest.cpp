@@ -23,7 +23,7 @@ protected:
     // A bundle with this identifier that contains these items.
     [[nodiscard]] fs::path app(const std::string& bundleId,
                                const std::vector<std::string>& items = {}) {
-        const fs::path bundle = folder_ / (std::to_string(++count_) + ".app");
+        fs::path bundle = folder_ / (std::to_string(++count_) + ".app");
         write(bundle / "Contents/Info.plist",
               PropertyList::xml({{"CFBundleIdentifier", bundleId}}));
         for (const std::string& item : items) {

@@ -35,7 +35,7 @@ protected:
     }
 
     [[nodiscard]] fs::path addImage(const std::string& name) const {
-        const fs::path file = apps.addProgram(name, helperProgram());
+        fs::path file = apps.addProgram(name, helperProgram());
         std::string bytes = read(file);
         bytes.replace(8, 3, "AI\x02");
         write(file, bytes);

@@ -257,6 +257,7 @@ TEST_F(IconComposerTest, WorksOnManyThreadsAtOnce) {
     };
     std::vector<std::string> parallel(texts.size());
     std::vector<std::thread> threads;
+    threads.reserve(texts.size());
     for (std::size_t index = 0; index < texts.size(); ++index) {
         threads.emplace_back(
             [&, index] { parallel[index] = outputOf(texts[index], std::to_string(index)); });

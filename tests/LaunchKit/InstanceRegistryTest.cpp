@@ -122,7 +122,7 @@ TEST_F(InstanceRegistryTest, FoldersThatCantBeReadAreLeftOut) {
 
 TEST_F(InstanceRegistryTest, DamagedWrappersAreNotListed) {
     const auto damaged = [&](const std::string& name) {
-        const fs::path file = at(name) / "Contents/Resources/instance.json";
+        fs::path file = at(name) / "Contents/Resources/instance.json";
         fs::create_directories(file.parent_path());
         return file;
     };

@@ -25,7 +25,7 @@ protected:
     [[nodiscard]] fs::path at(std::string_view name) const { return folder_ / name; }
 
     fs::path runner(const std::string& folder, bool executable = true) const {
-        const fs::path file = at(folder) / "quorvel-runner";
+        fs::path file = at(folder) / "quorvel-runner";
         write(file, "");
         if (executable) {
             makeExecutable(file);

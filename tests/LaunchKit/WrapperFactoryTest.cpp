@@ -44,7 +44,7 @@ protected:
     }
 
     [[nodiscard]] fs::path electronApp() const {
-        const fs::path app = makeAppBundle(at("Chat.app"));
+        fs::path app = makeAppBundle(at("Chat.app"));
         fs::create_directories(app / "Contents/Frameworks/Electron Framework.framework");
         return app;
     }

@@ -11,8 +11,8 @@ namespace {
 using namespace testing;
 namespace fs = std::filesystem;
 
-// A session whose default browser has this command; PROGRAM stands for one that records its
-// arguments, a line each.
+// A session whose default browser has this command; PROGRAM is replaced by one that records its
+// arguments, one per line.
 class DefaultBrowserTest : public ::testing::Test {
 protected:
     DefaultBrowserTest() {

@@ -190,7 +190,7 @@ TEST_F(LinkDoorTest, TakesExactlyOneAddress) {
 }
 
 TEST_F(LinkDoorTest, TheBrowserLeavesTheCloneBehind) {
-    // As the runner does; without it, whoever adopts orphans would become the parent.
+    // As the runner does; without it, another process would adopt the browser.
     ASSERT_EQ(::prctl(PR_SET_CHILD_SUBREAPER, 1), 0);
     const auto lock = openForAppending(folder / "lock");
     ASSERT_TRUE(lock);

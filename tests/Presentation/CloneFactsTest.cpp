@@ -20,6 +20,7 @@ InstanceRecord cloneOf(ShortcutKind kind) {
 
 std::vector<std::string> labelsOf(const std::vector<Fact>& facts) {
     std::vector<std::string> labels;
+    labels.reserve(facts.size());
     for (const Fact& fact : facts) {
         labels.push_back(fact.label);
     }

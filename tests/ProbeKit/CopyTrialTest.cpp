@@ -193,10 +193,9 @@ TEST_F(CopyTrialTest, AFlatpakIsNotTriedWithoutTheBusThatItNeeds) {
 
 TEST_F(CopyTrialTest, ACopyThatIsStillStartingIsWaitedFor) {
     // It computes for about a second before it looks for another copy.
-    const ProbeResult result =
-        probe(entry("i=0; while [ $i -lt 600000 ]; do i=$((i + 1)); done\n" +
-                    std::string(claimNameOnBus) + wait),
-              Seconds(0.01));
+    const ProbeResult result = probe(entry("i=0; while [ $i -lt 600000 ]; do i=$((i + 1)); done\n" +
+                                           std::string(claimNameOnBus) + wait),
+                                     Seconds(0.01));
     EXPECT_EQ(result.singleton, SingletonTier::machPort);
     EXPECT_THAT(result.environment, withoutBus);
 }

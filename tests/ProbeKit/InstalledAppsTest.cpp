@@ -82,6 +82,7 @@ protected:
         options.release = [&](TrialProcess copy) { copies.push_back(std::move(copy)); };
         const ProbeResult result = AppProber::forApp(app)->run(options);
         std::vector<std::string> homes;
+        homes.reserve(copies.size());
         for (const TrialProcess& copy : copies) {
             homes.push_back(copy.home);
         }

@@ -44,20 +44,7 @@ StubbedModel::StubbedModel(const std::filesystem::path& folder) {
         }
         return installed;
     };
-    services.readBundle = [this](const std::filesystem::path& url) -> std::optional<AppBundle> {
-        worked();
-        ++bundlesRead;
-        if (url == poisoned) {
-            throw std::runtime_error("unreadable");
-        }
-        if (unreadable.contains(url.string())) {
-            return std::nullopt;
-        }
-        return AppBundle{.url = url,
-                         .bundleId = "com.example." + url.stem().string(),
-                         .executableName = url.stem().string(),
-                         .sandboxed = sandboxed.contains(url.string())};
-    };
+    services.readBundle = [this](const std::filesystem::path& url) { return bundleAt(url); };
     services.suggestEnvironment = [this](const AppBundle& app) {
         worked();
         return suggested.contains(app.url) ? suggested.at(app.url)
@@ -83,6 +70,21 @@ StubbedModel::StubbedModel(const std::filesystem::path& folder) {
         delayed.push_back(std::move(then));
     };
     model_ = std::make_unique<AppModel>(std::move(services));
+}
+
+std::optional<AppBundle> StubbedModel::bundleAt(const std::filesystem::path& url) {
+    worked();
+    ++bundlesRead;
+    if (url == poisoned) {
+        throw std::runtime_error("unreadable");
+    }
+    if (unreadable.contains(url.string())) {
+        return std::nullopt;
+    }
+    return AppBundle{.url = url,
+                     .bundleId = "com.example." + url.stem().string(),
+                     .executableName = url.stem().string(),
+                     .sandboxed = sandboxed.contains(url.string())};
 }
 
 void StubbedModel::worked() {

@@ -71,6 +71,7 @@ public:
 
 private:
     void worked();
+    std::optional<AppBundle> bundleAt(const std::filesystem::path& url);
 
     std::mutex mutex_{};
 

@@ -9,8 +9,8 @@
 #include <fstream>
 #include <string>
 
-/// Stands in for one of the desktop's services on the session bus, and writes what it is asked for
-/// into a file, one request a line, after "ready" as the first.
+/// Replaces one of the desktop's services on the session bus, and writes what it is asked for
+/// into a file, one request per line, after "ready" as the first.
 class BusRecorder : public QDBusVirtualObject {
 public:
     explicit BusRecorder(const char* file) : file_(file, std::ios::app) {}

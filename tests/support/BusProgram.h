@@ -8,7 +8,7 @@
 
 namespace quorvel::testing {
 
-/// A program that stands in for one of the desktop's on the session bus while the object lives. It
+/// A program that replaces one of the desktop's on the session bus while the object lives. It
 /// writes down what it is asked for.
 class BusProgram {
 public:

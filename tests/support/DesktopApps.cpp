@@ -16,14 +16,14 @@ DesktopApps::DesktopApps()
 }
 
 fs::path DesktopApps::addProgram(const std::string& name, const fs::path& program) const {
-    const fs::path file = at("bin/" + name);
+    fs::path file = at("bin/" + name);
     fs::copy_file(program, file, fs::copy_options::overwrite_existing);
     makeExecutable(file);
     return file;
 }
 
 fs::path DesktopApps::addScript(const std::string& name, const std::string& text) const {
-    const fs::path file = at("bin/" + name);
+    fs::path file = at("bin/" + name);
     write(file, "#!/bin/sh\n" + text);
     makeExecutable(file);
     return file;
@@ -31,14 +31,14 @@ fs::path DesktopApps::addScript(const std::string& name, const std::string& text
 
 fs::path DesktopApps::addEntry(const std::string& id, const std::string& exec,
                                const std::string& keys) const {
-    const fs::path file = at("share/applications/" + id + ".desktop");
+    fs::path file = at("share/applications/" + id + ".desktop");
     write(file, "[Desktop Entry]\nType=Application\nName=" + id + "\nExec=" + exec + "\n" + keys);
     return file;
 }
 
 fs::path DesktopApps::addIcon(const std::string& size, const std::string& fileName,
                               const std::string& bytes) const {
-    const fs::path file = at("share/icons/hicolor/" + size + "/apps/" + fileName);
+    fs::path file = at("share/icons/hicolor/" + size + "/apps/" + fileName);
     write(file, bytes);
     return file;
 }

@@ -4,7 +4,7 @@ import hashlib
 import os
 import shutil
 import subprocess
-from pathlib import Path
+from pathlib import Path, PurePath
 
 CONFIGURATION = [
     "-G", "Ninja",
@@ -78,10 +78,13 @@ class Workshop:
         (self.tree / path).write_text(text, encoding="utf-8")
 
     def object_digest(self, path):
-        """The object that a source compiles to, which identifies mutants that change nothing."""
-        folder, name = os.path.split(path)
-        found = (self.build / folder).glob(f"CMakeFiles/*.dir/{name}.o")
-        return hashlib.sha256(b"".join(p.read_bytes() for p in sorted(found))).hexdigest()
+        """The objects that a source compiles to, which identify mutants that change nothing."""
+        found = sorted(item for folder in PurePath(path).parents
+                       for item in (self.build / folder).glob(
+                           f"CMakeFiles/*.dir/{PurePath(path).relative_to(folder)}.o"))  # fmt: skip
+        if not found:
+            raise BuildError(f"{path} compiles to no object below {self.build}")
+        return hashlib.sha256(b"".join(p.read_bytes() for p in found)).hexdigest()
 
     def fingerprint(self):
         """Changes with any file of the copy, so also with any test."""

@@ -14,6 +14,7 @@ int mostAtOnce(std::size_t bytes) {
     std::atomic<int> holding = 0;
     std::atomic<int> most = 0;
     std::vector<std::thread> threads;
+    threads.reserve(12);
     for (int number = 0; number < 12; ++number) {
         threads.emplace_back([&] {
             const DecodingMemory memory(bytes);

@@ -284,6 +284,7 @@ TEST(IcnsFileTest, DecodesEverythingInAFileOfEveryKind) {
 
 TEST(IcnsFileTest, NamesTheEncodings) {
     std::vector<std::string> names;
+    names.reserve(8);
     for (int encoding = 0; encoding < 8; ++encoding) {
         names.emplace_back(rawString(static_cast<IcnsEncoding>(encoding)));
     }

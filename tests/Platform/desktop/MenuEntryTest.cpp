@@ -245,7 +245,8 @@ TEST_F(MenuEntryTest, AFolderThatCannotBeWrittenLeavesTheOlderEntry) {
         }
         return false;
     }));
-    EXPECT_EQ(readDesktopEntry(folder.path() / "applications" / (word + ".desktop")), menuEntry().entry);
+    EXPECT_EQ(readDesktopEntry(folder.path() / "applications" / (word + ".desktop")),
+              menuEntry().entry);
     EXPECT_TRUE(hasMenuPicture(word + "-1"));
 }
 

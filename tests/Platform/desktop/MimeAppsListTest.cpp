@@ -58,7 +58,7 @@ TEST(MimeAppsListTest, AHandlerIsTakenBackAndWhatWasThereRemains) {
     const std::string list = "[Default Applications]\ntext/html=a.desktop;b.desktop;\n"
                              "image/png=p.desktop\n[Added Associations]\ntext/html=us.desktop\n";
     EXPECT_EQ(withoutHandler(preferringHandler(list, types, "us.desktop"), "us.desktop"), list);
-    EXPECT_EQ(withoutHandler(list, "us.desktop"), list) << "an association is no default";
+    EXPECT_EQ(withoutHandler(list, "us.desktop"), list) << "an association is not a default";
     EXPECT_EQ(withoutHandler(preferringHandler("", types, "us.desktop"), "us.desktop"),
               "[Default Applications]\n");
 }

@@ -95,7 +95,7 @@ protected:
 
     fs::path waitingApp(const std::string& name, std::string_view firstLine = "#!/bin/sh") {
         const fs::path bundle = makeScriptedAppBundle(at(name + ".app"), "");
-        const fs::path script = bundle / "Contents/MacOS" / name;
+        fs::path script = bundle / "Contents/MacOS" / name;
         write(script, std::string(firstLine) + "\n" + waiting + "\n");
         makeExecutable(script);
         return script;
@@ -228,6 +228,7 @@ TEST_F(WorkspaceTest, ManyThreadsMayAskConcurrently) {
     std::atomic<int> found = 0;
     {
         std::vector<std::thread> threads;
+        threads.reserve(4);
         for (int index = 0; index < 4; ++index) {
             threads.emplace_back(
                 [&] { found += static_cast<int>(running("com.example.Thing").size()); });

@@ -36,6 +36,7 @@ TEST(FileLockTest, OnARemovedFileDoesNotCount) {
     std::atomic<int> holders = 0;
     std::atomic<int> most = 0;
     std::vector<std::thread> threads;
+    threads.reserve(4);
     for (int number = 0; number < 4; ++number) {
         threads.emplace_back([&] {
             for (int turn = 0; turn < 5000; ++turn) {

@@ -381,7 +381,7 @@ TEST_P(ItemMoverVolumesTest, AFullDiskIsReportedAndLeavesTheItemUnchanged) {
     write(from("a/file"), std::string(100000, 'x'));
     fs::create_directory(to("small"));
     const auto result = onSmallDisk(to("small"), "size=64k", [&]() -> std::string {
-        const std::string failure = failureOf([&] { ItemMover().move(from("a"), to("small/a")); });
+        std::string failure = failureOf([&] { ItemMover().move(from("a"), to("small/a")); });
         if (failure != "“a” couldn’t be moved: “file”: no space left on device") {
             return failure;
         }
@@ -422,7 +422,7 @@ TEST_P(ItemMoverVolumesTest, AnItemThatContainsAnotherFileSystemStays) {
     fs::create_directory(from("a/disk"));
     const auto result = onSmallDisk(from("a/disk"), "size=64k", [&]() -> std::string {
         write(from("a/disk/foreign"), "y");
-        const std::string failure = failureOf([&] { ItemMover().move(from("a"), to("a")); });
+        std::string failure = failureOf([&] { ItemMover().move(from("a"), to("a")); });
         if (failure != "“a” couldn’t be moved: “disk” is another file system") {
             return failure;
         }

@@ -18,6 +18,7 @@ namespace fs = std::filesystem;
 std::vector<std::pair<std::string, bool>> listed(const fs::path& folder) {
     const std::vector<FolderItem> found = listFolder(folder, false).value();
     std::vector<std::pair<std::string, bool>> items;
+    items.reserve(found.size());
     for (const FolderItem& item : found) {
         items.emplace_back(item.name, item.isDir);
     }
