@@ -23,10 +23,10 @@ bool isSet(const Environment& environment, const char* name) {
 
 // Under Wayland, connecting to the X server could start it for nothing.
 bool hasX11Windows(const ResolvedProgram& program, const Environment& environment) {
-    return isSet(environment, "DISPLAY") && (!isSet(environment, "WAYLAND_DISPLAY") ||
-                                             program.engine == ResolvedProgram::Engine::java ||
-                                             prefers(environment, "GDK_BACKEND", "x11") ||
-                                             prefers(environment, "QT_QPA_PLATFORM", "xcb"));
+    return !isSet(environment, "WAYLAND_DISPLAY") ||
+           program.engine == ResolvedProgram::Engine::java ||
+           prefers(environment, "GDK_BACKEND", "x11") ||
+           prefers(environment, "QT_QPA_PLATFORM", "xcb");
 }
 
 bool namesItsWindows(const ResolvedProgram& program) {
@@ -40,13 +40,16 @@ bool namesItsWindows(const ResolvedProgram& program) {
     }
 }
 
+bool needsNaming(const InstanceConfig& config, const Environment& environment) {
+    const auto app = AppBundle::read(config.targetAppURL(), noEntitlements);
+    return app && app->desktop && !namesItsWindows(app->desktop->program) &&
+           hasX11Windows(app->desktop->program, environment);
+}
+
 } // namespace
 
 std::optional<Process> startWindowNaming(const InstanceConfig& config, const std::string& word) {
-    const auto app = config.kind == ShortcutKind::app
-                         ? AppBundle::read(config.targetAppURL(), noEntitlements)
-                         : std::nullopt;
-    if (!app || !app->desktop || namesItsWindows(app->desktop->program)) {
+    if (config.kind != ShortcutKind::app) {
         return std::nullopt;
     }
     Environment environment = currentEnvironment();
@@ -54,7 +57,8 @@ std::optional<Process> startWindowNaming(const InstanceConfig& config, const std
         environment.insert_or_assign(name, value);
     }
     const auto program = helperProgram("quorvel-window-names", "QUORVEL_WINDOW_NAMES", environment);
-    if (!program || !hasX11Windows(app->desktop->program, environment)) {
+    // The application is read last, since that takes longest.
+    if (!program || !isSet(environment, "DISPLAY") || !needsNaming(config, environment)) {
         return std::nullopt;
     }
     // The display is the clone's, the home the runner's: so it does not count as part of the clone.

@@ -1,5 +1,6 @@
 // How fast the window is, beside an empty Qt window in the same run.
-//   app_benchmarks            runs everything and prints a table
+//   app_benchmarks [NAME]...  runs everything, or what is named (start, sheet, grid, holds), and
+//                             prints a table
 // Draws on the display if there is one, otherwise offscreen. Works in a throw-away home.
 #include "LaunchKit/Icons/IcnsWriter.h"
 #include "LaunchKit/InstanceConfig.h"
@@ -312,10 +313,21 @@ int main(int argc, char** argv) {
     if (mode == QLatin1String("application")) {
         return quorvel::showApplication();
     }
-    quorvel::measureStart();
+    const auto isWanted = [wanted = application.arguments().mid(1)](QLatin1String name) {
+        return wanted.isEmpty() || wanted.contains(name);
+    };
+    if (isWanted(QLatin1String("start"))) {
+        quorvel::measureStart();
+    }
     const quorvel::Appearance appearance;
-    quorvel::measureSheet();
-    quorvel::benchmarks::measureFilledGrid(application);
-    quorvel::measureHolds(application);
+    if (isWanted(QLatin1String("sheet"))) {
+        quorvel::measureSheet();
+    }
+    if (isWanted(QLatin1String("grid"))) {
+        quorvel::benchmarks::measureFilledGrid(application);
+    }
+    if (isWanted(QLatin1String("holds"))) {
+        quorvel::measureHolds(application);
+    }
     return 0;
 }

@@ -4,14 +4,21 @@
 #include "Base/RandomUuid.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <cstdio>
 #include <fcntl.h>
 #include <string>
 #include <sys/stat.h>
 #include <unistd.h>
+#include <utility>
 
 namespace quorvel {
 namespace {
+
+FileHandle openSubfolder(const FileHandle& folder, const char* name) {
+    return FileHandle(
+        ::openat(folder.descriptor(), name, O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
+}
 
 // The folder at `path` below `base`, created if missing; nothing is open if that fails.
 FileHandle openFolderBelow(const std::filesystem::path& base, std::string_view path) {
@@ -29,9 +36,12 @@ FileHandle openFolderBelow(const std::filesystem::path& base, std::string_view p
         if (name == "..") {
             return FileHandle(-1);
         }
-        ::mkdirat(folder.descriptor(), name.c_str(), 0700); // it may exist
-        folder = FileHandle(::openat(folder.descriptor(), name.c_str(),
-                                     O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
+        FileHandle next = openSubfolder(folder, name.c_str());
+        if (next.descriptor() < 0 && errno == ENOENT) {
+            ::mkdirat(folder.descriptor(), name.c_str(), 0700); // another process may be faster
+            next = openSubfolder(folder, name.c_str());
+        }
+        folder = std::move(next);
     }
     return folder;
 }

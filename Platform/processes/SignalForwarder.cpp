@@ -27,8 +27,12 @@ void reapOthersThan(const Process& process) {
 
 // Returns the children but for the companion, after reaping those that have ended.
 std::vector<pid_t> othersThan(Process* companion) {
-    for (pid_t ended = 1; ended > 0 || (ended < 0 && errno == EINTR);) {
+    pid_t ended = 1;
+    while (ended > 0 || (ended < 0 && errno == EINTR)) {
         ended = ::waitpid(-1, nullptr, WNOHANG);
+    }
+    if (ended < 0) {
+        return {}; // Without children, all of the system's processes need not be searched for them.
     }
     std::vector<pid_t> children = runningChildren();
     if (companion != nullptr) {
