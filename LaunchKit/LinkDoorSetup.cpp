@@ -140,7 +140,7 @@ void changeEnvironment(const LinkHome& links, const fs::path& door, const std::s
         clone["BROWSER"] = isPlainCommand(door.native()) ? door.string() : "xdg-open";
     }
     const std::string programs = links.programs();
-    if (programs.find(':') == std::string::npos) {
+    if (!options.environment.contains("PATH") && programs.find(':') == std::string::npos) {
         const std::string path = valueOf(clone, "PATH");
         clone["PATH"] = programs + ":" + (path.empty() ? "/usr/local/bin:/usr/bin:/bin" : path);
     }
