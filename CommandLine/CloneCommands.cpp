@@ -60,8 +60,8 @@ CommandError withHint(const InvalidRequest& refused, const char* hint) {
 }
 
 // Refusals say which option allows what was asked for.
-fs::path madeClone(const CommandContext& context, const WrapperFactory& factory,
-                   const WrapperFactory::Request& request, const RequestPermissions& permissions) {
+MadeClone madeClone(const CommandContext& context, const WrapperFactory& factory,
+                    const WrapperFactory::Request& request, const RequestPermissions& permissions) {
     try {
         return createClone(factory, request, permissions, [&](const std::string& warning) {
             context.errors << terminalText(warning) << "\n" << std::flush;
@@ -92,7 +92,7 @@ void considerTarget(WrapperFactory::Request& request, bool addsEnvironment) {
 }
 
 // Asks before replacing a clone that can't be read, if the input is a terminal.
-fs::path madeCloneAfterQuestion(const CommandContext& context, const WrapperFactory& factory,
+MadeClone madeCloneAfterQuestion(const CommandContext& context, const WrapperFactory& factory,
                                 const WrapperFactory::Request& request,
                                 RequestPermissions permissions) {
     try {
@@ -181,13 +181,12 @@ void createCommand(const CommandContext& context, const CreateOptions& options, 
         request.targetApp = findApp(*options.target);
     }
     considerTarget(request, !options.noDefaultEnvironment);
-    const fs::path wrapper =
+    const auto [wrapper, record] =
         madeCloneAfterQuestion(context, WrapperFactory(options.runner), request,
                                {.sharedHome = options.sharedHome,
                                 .existingClone = options.replace,
                                 .damagedClone = options.replace});
     repairMenu(context.registry.list());
-    const std::optional<InstanceRecord> record = context.registry.record(wrapper);
     if (!record) {
         throw CommandError("The clone at " + wrapper.string() + " can’t be read back.");
     }

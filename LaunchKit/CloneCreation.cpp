@@ -1,5 +1,6 @@
 #include "LaunchKit/CloneCreation.h"
 
+#include "LaunchKit/InstanceRegistry.h"
 #include "Platform/files/FileLock.h"
 #include "Platform/files/FileSystem.h"
 #include "Platform/files/PlatformError.h"
@@ -48,7 +49,7 @@ std::optional<FileLock> lockAndValidate(const fs::path& folder,
 
 } // namespace
 
-fs::path createClone(const WrapperFactory& factory, const WrapperFactory::Request& request,
+MadeClone createClone(const WrapperFactory& factory, const WrapperFactory::Request& request,
                      const RequestPermissions& permissions, const WrapperFactory::Warning& warn) {
     const fs::path folder = WrapperFactory::wrapperURL(request).parent_path();
     std::optional<FileLock> lock = lockAndValidate(
@@ -62,7 +63,9 @@ fs::path createClone(const WrapperFactory& factory, const WrapperFactory::Reques
             requireReplaceable(wrapper, permissions);
         }
     };
-    return factory.create(request, beforeWriting, warn);
+    MadeClone made{.wrapper = factory.create(request, beforeWriting, warn)};
+    made.record = InstanceRegistry().record(made.wrapper);
+    return made;
 }
 
 } // namespace quorvel

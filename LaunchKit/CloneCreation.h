@@ -1,20 +1,28 @@
 #pragma once
 
+#include "LaunchKit/InstanceRecord.h"
 #include "LaunchKit/RequestCheck.h"
 #include "LaunchKit/WrapperFactory.h"
 
 #include <filesystem>
+#include <optional>
 
 namespace quorvel {
 
+/// A clone as it was made, whatever has replaced it since.
+struct MadeClone {
+    std::filesystem::path wrapper{};
+    std::optional<InstanceRecord> record{}; ///< std::nullopt if it can't be read back
+};
+
 /// Validates the request and makes the clone. Creations in one folder wait for each other, and each
 /// checks what is at the clone's path when its turn comes: of two that are not allowed to replace a
-/// clone, one fails. Returns the wrapper's path. Calls `warn` as `create` does. Throws what
+/// clone, one fails. The result is read back before the next creation begins. Calls `warn` as `create` does. Throws what
 /// `validateRequest` and `WrapperFactory::create` throw, and `InvalidRequest` if another creation
 /// takes too long. Any thread.
-[[nodiscard]] std::filesystem::path createClone(const WrapperFactory& factory,
-                                                const WrapperFactory::Request& request,
-                                                const RequestPermissions& permissions,
-                                                const WrapperFactory::Warning& warn = {});
+[[nodiscard]] MadeClone createClone(const WrapperFactory& factory,
+                                    const WrapperFactory::Request& request,
+                                    const RequestPermissions& permissions,
+                                    const WrapperFactory::Warning& warn = {});
 
 } // namespace quorvel

@@ -1,6 +1,7 @@
 #include "LaunchKit/CloneDeletion.h"
 
 #include "LaunchKit/DataFolderGuard.h"
+#include "LaunchKit/HomeLock.h"
 #include "LaunchKit/InstanceRecord.h"
 #include "LaunchKit/MenuEntries.h"
 #include "LaunchKit/WindowWord.h"
@@ -9,6 +10,7 @@
 #include "Platform/files/FileSystem.h"
 #include "Platform/files/ItemRemoval.h"
 #include "Platform/files/PlatformError.h"
+#include "Platform/processes/IsolatedEnvironment.h"
 
 #include <optional>
 #include <string_view>
@@ -143,6 +145,12 @@ void withdraw(const std::string& identity) {
     }
 }
 
+// A running application has sockets in it.
+bool leavesTemporaryFolder(const InstanceConfig& config) {
+    return config.kind == ShortcutKind::app && config.resolvedHome().starts_with('/') &&
+           !isHomeInUse(config);
+}
+
 } // namespace
 
 DeletedData deleteClone(const InstanceRegistry& registry, const InstanceRecord& record,
@@ -156,6 +164,7 @@ DeletedData deleteClone(const InstanceRegistry& registry, const InstanceRecord& 
     }
     refuseAnother(registry, record);
     const std::string identity = cloneIdentity(record.bundleURL);
+    const bool isIdle = leavesTemporaryFolder(record.config);
     DataStep data = includingData ? dataStep(registry, record) : DataStep();
     if (wrapper) {
         throwFailure(wrapper->removeAllBut(relativeConfig()));
@@ -167,6 +176,9 @@ DeletedData deleteClone(const InstanceRegistry& registry, const InstanceRecord& 
     // After a link to a wrapper was removed, the clone itself is still there.
     if (!itemOrLinkExists(identity)) {
         withdraw(identity);
+    }
+    if (isIdle) {
+        removeTemporaryFolder(record.config.resolvedHome(), currentEnvironment());
     }
     return data.data;
 }

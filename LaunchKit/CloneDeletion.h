@@ -7,7 +7,8 @@ namespace quorvel {
 
 /// Deletes a clone, and its data if `includingData`, in an order in which an interrupted deletion
 /// leaves a clone that is still listed and can be deleted again: the wrapper except its
-/// configuration first, then the data, then the rest, and at last its entry in the menu. Throws
+/// configuration first, then the data, then the rest, and at last its entry in the menu and, unless
+/// it is running, its temporary files. Throws
 /// `RefusedDeletion`, or `PlatformError` if the wrapper can't be removed; both leave the data
 /// untouched. If the rest of the wrapper can't be removed after the data, the result reports that.
 DeletedData deleteClone(const InstanceRegistry& registry, const InstanceRecord& record,

@@ -8,6 +8,7 @@ namespace quorvel {
 namespace {
 
 constexpr std::chrono::seconds longest{15};
+constexpr std::chrono::milliseconds period{100};
 
 // Any other second start would be a second application in one home.
 bool passesOnWhatItIsGiven(const InstanceConfig& config) {
@@ -30,17 +31,27 @@ bool passesOnWhatItIsGiven(const InstanceConfig& config) {
 
 } // namespace
 
-bool handOver(const InstanceConfig& config, const std::vector<std::string>& documents,
-              const StartDetails& details) {
+Handover handOver(const InstanceConfig& config, const std::vector<std::string>& documents,
+                  const StartDetails& details) {
     if ((documents.empty() && details.action.empty()) || !passesOnWhatItIsGiven(config)) {
-        return false;
+        return {};
     }
-    Process second = InstanceLauncher().launch(config, documents, details);
-    if (second.waitUntilExit(longest) == 0) {
-        return true;
+    std::optional<PendingHomeLock> claim = PendingHomeLock::of(config);
+    StartDetails start = details;
+    start.kept = claim ? claim->descriptor() : -1;
+    Process second = InstanceLauncher().launch(config, documents, start);
+    const auto end = std::chrono::steady_clock::now() + longest;
+    while (std::chrono::steady_clock::now() < end) {
+        if (const auto status = second.waitUntilExit(period)) {
+            return {.isTaken = status == 0};
+        }
+        // The first one was ending when the second was started.
+        if (claim && claim->tryTake()) {
+            return {.successor = std::move(second), .claim = std::move(claim)};
+        }
     }
     second.terminate();
-    return false;
+    return {};
 }
 
 } // namespace quorvel

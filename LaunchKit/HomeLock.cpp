@@ -74,6 +74,38 @@ std::optional<FileLock> lockHome(const InstanceConfig& config) {
     throw HomeInUse(config.displayName);
 }
 
+std::optional<PendingHomeLock> PendingHomeLock::of(const InstanceConfig& config) {
+    const fs::path home = config.resolvedHome();
+    const fs::path file = joinAsText(home, homeLockName);
+    try {
+        return PendingHomeLock(PendingLock::onFile(file), home);
+    } catch (const PlatformError& error) {
+        if (!meansNoFile(error.code())) {
+            return std::nullopt;
+        }
+    }
+    try {
+        return PendingHomeLock(PendingLock::onFolder(home), file);
+    } catch (const PlatformError&) {
+        return std::nullopt;
+    }
+}
+
+bool PendingHomeLock::tryTake() noexcept {
+    try {
+        if (!lock_.tryTake()) {
+            return false;
+        }
+    } catch (const std::exception&) {
+        return false;
+    }
+    if (FileLock::isHeld(other_)) {
+        lock_.release();
+        return false;
+    }
+    return true;
+}
+
 bool isHomeInUse(const InstanceConfig& config) {
     const std::string home = config.resolvedHome();
     return home.starts_with('/') &&

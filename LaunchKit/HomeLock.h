@@ -3,6 +3,7 @@
 #include "Base/Error.h"
 #include "Platform/files/FileLock.h"
 
+#include <filesystem>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -27,6 +28,28 @@ public:
 /// too. Throws `HomeInUse`, or `PlatformError` if the home can't be made or the lock's path is
 /// occupied by something else.
 [[nodiscard]] std::optional<FileLock> lockHome(const InstanceConfig& config);
+
+/// A claim on a home in which another target runs still. A target that inherits the descriptor
+/// shares the claim once it is made.
+class PendingHomeLock {
+public:
+    /// Opens what `lockHome` would lock. Returns std::nullopt if nothing can be locked there.
+    [[nodiscard]] static std::optional<PendingHomeLock> of(const InstanceConfig& config);
+
+    /// Claims the home, without waiting. Returns false while another target runs in it. Never
+    /// throws.
+    [[nodiscard]] bool tryTake() noexcept;
+
+    [[nodiscard]] int descriptor() const noexcept { return lock_.descriptor(); }
+
+private:
+    PendingHomeLock(PendingLock lock, std::filesystem::path other) noexcept
+        : lock_(std::move(lock)),
+          other_(std::move(other)) {}
+
+    PendingLock lock_;
+    std::filesystem::path other_; // what an earlier target may have locked instead
+};
 
 /// Returns whether a target runs in the clone's instance home, perhaps without its runner.
 [[nodiscard]] bool isHomeInUse(const InstanceConfig& config);

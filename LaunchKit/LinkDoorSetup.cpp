@@ -2,6 +2,7 @@
 
 #include "Base/CloneLayout.h"
 #include "Base/PathText.h"
+#include "Base/SplitText.h"
 #include "LaunchKit/AppBundle.h"
 #include "LaunchKit/CloneOptions.h"
 #include "LaunchKit/HelperProgram.h"
@@ -140,11 +141,47 @@ void changeEnvironment(const LinkHome& links, const fs::path& door, const std::s
         clone["BROWSER"] = isPlainCommand(door.native()) ? door.string() : "xdg-open";
     }
     const std::string programs = links.programs();
-    if (programs.find(':') == std::string::npos) {
+    if (!options.environment.contains("PATH") && programs.find(':') == std::string::npos) {
         const std::string path = valueOf(clone, "PATH");
         clone["PATH"] = programs + ":" + (path.empty() ? "/usr/local/bin:/usr/bin:/bin" : path);
     }
     clone[cloneHomeVariable] = home;
+}
+
+std::string withoutFolder(std::string_view list, const std::string& folder) {
+    std::string kept;
+    while (!list.empty()) {
+        const std::string_view part = takePart(list, ':');
+        if (part != folder) {
+            kept.append(kept.empty() ? "" : ":").append(part);
+        }
+    }
+    return kept;
+}
+
+// Another clone in which this one was started has a door, too, which would lead outside.
+void leaveOtherClone(const std::optional<fs::path>& door, const CloneOptions& options,
+                     Environment& clone) {
+    const std::string other = valueOf(clone, cloneHomeVariable);
+    clone.erase(cloneHomeVariable);
+    clone.erase(linkHopsVariable);
+    if (!other.starts_with('/')) {
+        return;
+    }
+    if (!options.environment.contains("PATH")) {
+        clone["PATH"] = withoutFolder(valueOf(clone, "PATH"), LinkHome(other, clone).programs());
+    }
+    const std::string browser = valueOf(clone, "BROWSER");
+    if (options.environment.contains("BROWSER") || (browser != "xdg-open" && browser != door)) {
+        return;
+    }
+    clone.erase("BROWSER");
+    if (const auto session = readLinkSession(other)) {
+        const auto before = session->variables.find("BROWSER");
+        if (before != session->variables.end() && before->second) {
+            clone["BROWSER"] = *before->second;
+        }
+    }
 }
 
 } // namespace
@@ -178,7 +215,12 @@ void setUpLinks(const AppBundle& app, const std::string& home, const CloneOption
     try {
         const LinkHome links(home, clone);
         const auto door = linkDoorProgram(session);
-        if (!door || linkRouteOf(app, options, !linksStayInsideClones()) == LinkRoute::inside) {
+        const bool staysInside =
+            linkRouteOf(app, options, !linksStayInsideClones()) == LinkRoute::inside;
+        if (staysInside) {
+            leaveOtherClone(door, options, clone);
+        }
+        if (!door || staysInside) {
             links.takeBack();
             return;
         }

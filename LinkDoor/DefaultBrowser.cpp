@@ -1,5 +1,6 @@
 #include "LinkDoor/DefaultBrowser.h"
 
+#include "LinkDoor/LinkSession.h"
 #include "Platform/desktop/DefaultApplication.h"
 #include "Platform/desktop/ExecLine.h"
 #include "Platform/desktop/ProgramResolution.h"
@@ -35,6 +36,28 @@ bool isAmong(const std::vector<std::string>& arguments, const std::string& addre
     return std::find(arguments.begin(), arguments.end(), address) != arguments.end();
 }
 
+// Whether what is started opens the address itself. A clone or a script may hand it on, perhaps
+// back to where it came from.
+bool isLastStop(const InstalledApplication& application, const ExecLine& line) {
+    const auto resolved = resolveProgram(application.entry, line);
+    if (!resolved || !application.entry.cloneId.empty() || isShell(resolved->launcher)) {
+        return false;
+    }
+    switch (resolved->engine) {
+    case ResolvedProgram::Engine::chromium:
+    case ResolvedProgram::Engine::electron:
+    case ResolvedProgram::Engine::firefox:
+        return true;
+    default:
+        break;
+    }
+    const std::vector<std::string>& categories = application.entry.categories;
+    return resolved->interpreter.empty() &&
+           std::any_of(categories.begin(), categories.end(), [](const std::string& category) {
+               return category == "WebBrowser" || category == "Email";
+           });
+}
+
 enum class Outcome { started, failed, refused };
 
 Outcome startApplication(const InstalledApplication& application, const std::string& address) {
@@ -54,6 +77,10 @@ Outcome startApplication(const InstalledApplication& application, const std::str
     }
     Environment environment = currentEnvironment();
     line.applyTo(environment);
+    if (isLastStop(application, line)) {
+        // It would count for all links that are clicked in it later.
+        environment.erase(linkHopsVariable);
+    }
     startDetached(*program, arguments, environment);
     return Outcome::started;
 }

@@ -46,12 +46,12 @@ void addToLog(const InstanceConfig& config, const std::string& message) {
     }
 }
 
-bool handedOver(const InstanceConfig& config, const std::vector<std::string>& documents,
-                const StartDetails& details) {
+Handover handedOver(const InstanceConfig& config, const std::vector<std::string>& documents,
+                    const StartDetails& details) {
     try {
         return handOver(config, documents, details);
     } catch (const std::runtime_error&) {
-        return false;
+        return {};
     }
 }
 
@@ -66,6 +66,30 @@ std::string actionIn(const std::vector<std::string>& arguments) {
     return arguments.size() == 1 && arguments.front().starts_with(actionOption)
                ? arguments.front().substr(actionOption.size())
                : std::string();
+}
+
+int supervise(Process target, const InstanceConfig& config, const std::string& windowWord,
+              const StartReport& report, const SignalForwarder& signals) {
+    report.started();
+    std::optional<Process> naming = startWindowNaming(config, windowWord);
+    return signals.waitUntilExit(target, naming ? &*naming : nullptr);
+}
+
+// For a clone whose application runs already.
+int handOverOrSupervise(const InstanceConfig& config, const std::vector<std::string>& documents,
+                        const StartDetails& details, const HomeInUse& obstacle,
+                        const StartReport& report, const SignalForwarder& signals) {
+    Handover handover = handedOver(config, documents, details);
+    if (handover.successor) {
+        return supervise(std::move(*handover.successor), config, details.windowWord, report,
+                         signals);
+    }
+    if (handover.isTaken) {
+        report.started();
+        return 0;
+    }
+    addToLog(config, obstacle.what());
+    return fail(report, obstacle.what(), runnerHomeInUse);
 }
 
 int launchAndSupervise(const InstanceConfig& config, const std::vector<std::string>& documents,
@@ -85,17 +109,10 @@ int launchAndSupervise(const InstanceConfig& config, const std::vector<std::stri
         const std::optional<FileLock> lock =
             config.kind == ShortcutKind::app ? lockHome(config) : std::nullopt;
         details.kept = lock ? lock->descriptor() : -1;
-        Process target = InstanceLauncher().launch(config, documents, details);
-        report.started();
-        std::optional<Process> naming = startWindowNaming(config, details.windowWord);
-        return signals.waitUntilExit(target, naming ? &*naming : nullptr);
+        return supervise(InstanceLauncher().launch(config, documents, details), config,
+                         details.windowWord, report, signals);
     } catch (const HomeInUse& error) {
-        if (handedOver(config, documents, details)) {
-            report.started();
-            return 0;
-        }
-        addToLog(config, error.what());
-        return fail(report, error.what(), runnerHomeInUse);
+        return handOverOrSupervise(config, documents, details, error, report, signals);
     } catch (const InstanceLauncher::LaunchError& error) {
         // A refused launch must not write to the log that the launcher left empty.
         if (error.kind() != InstanceLauncher::LaunchError::Case::unsupported) {

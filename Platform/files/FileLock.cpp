@@ -32,50 +32,71 @@ FileHandle openRegular(const std::filesystem::path& path) {
     return file;
 }
 
+} // namespace
+
+PendingLock PendingLock::onFile(const std::filesystem::path& path) {
+    return {openRegular(path), path};
+}
+
+PendingLock PendingLock::onFolder(const std::filesystem::path& path) {
+    FileHandle folder(::open(path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    if (folder.descriptor() < 0) {
+        throw PlatformError::fromErrno(path, "locked");
+    }
+    return {std::move(folder), path};
+}
+
+bool PendingLock::tryTake() {
+    if (!lockNow()) {
+        return false;
+    }
+    if (isStillThere()) {
+        return true;
+    }
+    release();
+    return false;
+}
+
+void PendingLock::release() noexcept {
+    (void)::flock(file_.descriptor(), LOCK_UN);
+}
+
 // Returns false if the lock is held already.
-bool lockNow(const FileHandle& file, const std::filesystem::path& path) {
-    while (::flock(file.descriptor(), LOCK_EX | LOCK_NB) != 0) {
+bool PendingLock::lockNow() const {
+    while (::flock(file_.descriptor(), LOCK_EX | LOCK_NB) != 0) {
         if (errno == EWOULDBLOCK) {
             return false;
         }
         if (errno != EINTR) {
-            throw PlatformError::fromErrno(path, "locked");
+            throw PlatformError::fromErrno(path_, "locked");
         }
     }
     return true;
 }
 
-bool isStillAt(const std::filesystem::path& path, const FileHandle& file) {
+// The lock on a file that was removed or replaced in between protects nothing.
+bool PendingLock::isStillThere() const {
     struct stat open {};
-    return ::fstat(file.descriptor(), &open) == 0 && identityOf(path) == identityOf(open);
+    return ::fstat(file_.descriptor(), &open) == 0 && identityOf(path_) == identityOf(open);
 }
-
-} // namespace
 
 std::optional<FileLock> FileLock::tryTake(const std::filesystem::path& path) {
     constexpr int attempts = 100;
     for (int attempt = 0; attempt < attempts; ++attempt) {
-        FileHandle file = openRegular(path);
-        if (!lockNow(file, path)) {
+        PendingLock file = PendingLock::onFile(path);
+        if (!file.lockNow()) {
             return std::nullopt;
         }
-        // The lock on a file that was removed or replaced in between protects nothing.
-        if (isStillAt(path, file)) {
-            return FileLock(std::move(file));
+        if (file.isStillThere()) {
+            return FileLock(std::move(file.file_));
         }
     }
     throw PlatformError::because("it is being replaced constantly", path, "locked");
 }
 
 std::optional<FileLock> FileLock::tryTakeFolder(const std::filesystem::path& path) {
-    FileHandle folder(::open(path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-    if (folder.descriptor() < 0) {
-        throw PlatformError::fromErrno(path, "locked");
-    }
-    if (!lockNow(folder, path)) {
-        return std::nullopt;
-    }
-    return FileLock(std::move(folder));
+    PendingLock folder = PendingLock::onFolder(path);
+    return folder.lockNow() ? std::optional(FileLock(std::move(folder.file_))) : std::nullopt;
 }
 
 std::optional<FileLock> FileLock::takeFolder(const std::filesystem::path& path,

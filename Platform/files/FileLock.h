@@ -8,6 +8,38 @@
 
 namespace quorvel {
 
+/// A file that is open but not locked yet. A child that inherits the descriptor will share the
+/// lock.
+class PendingLock {
+public:
+    /// Opens the file, which is created with mode 0600 if it is missing. Throws `PlatformError` as
+    /// `FileLock::tryTake` does.
+    [[nodiscard]] static PendingLock onFile(const std::filesystem::path& path);
+
+    /// Opens a folder, to lock it itself.
+    [[nodiscard]] static PendingLock onFolder(const std::filesystem::path& path);
+
+    /// Takes the lock, without waiting. Returns false if another process holds it, or if the item
+    /// was removed or replaced since it was opened. Throws `PlatformError`.
+    [[nodiscard]] bool tryTake();
+
+    /// Gives the lock back, if it was taken, for every process that shares it.
+    void release() noexcept;
+
+    [[nodiscard]] int descriptor() const noexcept { return file_.descriptor(); }
+
+private:
+    friend class FileLock;
+    PendingLock(FileHandle file, std::filesystem::path path) noexcept
+        : file_(std::move(file)),
+          path_(std::move(path)) {}
+    [[nodiscard]] bool lockNow() const;
+    [[nodiscard]] bool isStillThere() const;
+
+    FileHandle file_;
+    std::filesystem::path path_;
+};
+
 /// An exclusive lock on a file. It is held as long as any copy of its descriptor is open, in this
 /// process or in a child that inherited one. The system releases it when the last copy is closed,
 /// so that a crash leaves no lock.

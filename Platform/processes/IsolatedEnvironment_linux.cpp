@@ -6,6 +6,7 @@
 #include "Platform/files/FileReading.h"
 #include "Platform/files/FileSystem.h"
 #include "Platform/files/FileWriting.h"
+#include "Platform/files/ItemRemoval.h"
 #include "Platform/files/UserFolders.h"
 #include "Platform/files/UserPaths.h"
 #include "Platform/files/XdgFolders_linux.h"
@@ -31,26 +32,44 @@ bool isOwnPrivateFolder(const std::string& path) {
            status.st_uid == ::geteuid() && (status.st_mode & 0077U) == 0;
 }
 
-// Sockets are made in it whose whole path may have 107 bytes: Telegram's names take 72, so a folder
-// inside the home would often be too long.
-std::string temporaryFolderFor(const std::string& home, const Environment& session) {
+// A folder for one home's temporary files, and the one that has those of all clones. Anybody may
+// create a folder in /tmp first, so both are used only if they belong to this user.
+struct TemporaryPlace {
+    std::string base{};
+    std::string shared{};
+    std::string own{};
+
+    [[nodiscard]] bool isUsable() const {
+        return isOwnPrivateFolder(shared) && isOwnPrivateFolder(own);
+    }
+};
+
+// Returns where such a folder may be, the best place first. Sockets are made in it whose whole path
+// may have 107 bytes: Telegram's names take 72, so a folder inside the home would often be too
+// long.
+std::vector<TemporaryPlace> temporaryPlaces(const std::string& home, const Environment& session) {
     constexpr std::size_t longest = 35;
     // The same at each start, short, and without characters that a path can't have.
     const std::string name = stableHash(home).substr(0, 10);
+    const auto place = [&](const std::string& base, const std::string& shared) {
+        return TemporaryPlace{base, base + "/" + shared, base + "/" + shared + "/" + name};
+    };
+    std::vector<TemporaryPlace> places{place("/tmp", "quorvel-" + std::to_string(::geteuid()))};
     const std::string runtime = folderVariable(session, "XDG_RUNTIME_DIR", "");
-    const std::string own = runtime + "/quorvel";
-    std::string inRuntime = own + "/" + name;
-    if (!runtime.empty() && inRuntime.size() <= longest && ensureFolderBelow(runtime, inRuntime) &&
-        isOwnPrivateFolder(own) && isOwnPrivateFolder(inRuntime)) {
-        return inRuntime;
+    const TemporaryPlace inRuntime = place(runtime, "quorvel");
+    if (!runtime.empty() && inRuntime.own.size() <= longest) {
+        places.insert(places.begin(), inRuntime);
     }
-    // Anybody may create a folder in /tmp first, so it is used only if it belongs to this user.
-    const std::string shared = "/tmp/quorvel-" + std::to_string(::geteuid());
-    const std::string inShared = shared + "/" + name;
-    return ensureFolderBelow("/tmp", inShared) && isOwnPrivateFolder(shared) &&
-                   isOwnPrivateFolder(inShared)
-               ? inShared
-               : "";
+    return places;
+}
+
+std::string temporaryFolderFor(const std::string& home, const Environment& session) {
+    for (const TemporaryPlace& place : temporaryPlaces(home, session)) {
+        if (ensureFolderBelow(place.base, place.own) && place.isUsable()) {
+            return place.own;
+        }
+    }
+    return "";
 }
 
 void renewLink(const std::string& link, const std::string& target) {
@@ -180,6 +199,21 @@ Environment isolatedEnvironment(const std::string& home, const Environment& sess
         set["JAVA_TOOL_OPTIONS"] = javaOptions(session, home, temporary);
     }
     return set;
+}
+
+void removeTemporaryFolder(const std::string& home, const Environment& session) noexcept {
+    for (const TemporaryPlace& place : temporaryPlaces(home, session)) {
+        try {
+            const auto removal =
+                place.isUsable() ? ItemRemoval::of(place.own) : std::optional<ItemRemoval>{};
+            if (removal) {
+                removal->refuseMounts();
+                (void)removal->remove();
+            }
+        } catch (const std::exception&) {
+            continue; // it is small, and gone with the session at the latest
+        }
+    }
 }
 
 } // namespace quorvel

@@ -7,4 +7,6 @@ Environment isolatedEnvironment(const std::string& /*home*/, const Environment& 
     return {};
 }
 
+void removeTemporaryFolder(const std::string& /*home*/, const Environment& /*session*/) noexcept {}
+
 } // namespace quorvel

@@ -1,5 +1,7 @@
 #include "Platform/processes/ProcessShutdown.h"
 
+#include "Platform/processes/IsolatedEnvironment.h"
+
 #include <algorithm>
 #include <csignal>
 #include <set>
@@ -41,6 +43,8 @@ public:
                      });
         return found;
     }
+
+    [[nodiscard]] const std::set<std::string>& homes() const { return homes_; }
 
 private:
     std::set<std::string> homes_{};
@@ -107,6 +111,9 @@ void terminateAndWait(std::vector<IsolatedProcess> processes, milliseconds grace
         std::this_thread::sleep_for(nap);
     }
     killAll(processes, started);
+    for (const std::string& home : started.homes()) {
+        removeTemporaryFolder(home, currentEnvironment());
+    }
 }
 
 void terminateInBackground(IsolatedProcess process, milliseconds grace) {

@@ -23,7 +23,8 @@ struct IsolatedProcess {
 
 /// Asks the processes to end, unless that was done before, and waits up to `grace` for them. Then
 /// asks what they started and left running, in other sessions too. Kills what still runs after the
-/// rest of `grace`, but not within a second. Nothing is left running, and all children are reaped.
+/// rest of `grace`, but not within a second. Nothing is left running, all children are reaped, and
+/// the homes' temporary folders are removed.
 void terminateAndWait(std::vector<IsolatedProcess> processes, std::chrono::milliseconds grace);
 
 /// Does the same for one process without making the caller wait.

@@ -40,7 +40,7 @@ AppServices AppServices::system() {
     services.createWrapper = [](const WrapperFactory::Request& request,
                                 const WrapperFactory::Warning& warn) {
         // The form has warned that a clone of that name is replaced.
-        return createClone(WrapperFactory(), request, {.existingClone = true}, warn);
+        return createClone(WrapperFactory(), request, {.existingClone = true}, warn).wrapper;
     };
     services.repairMenu = [](const std::vector<InstanceRecord>& clones) {
         (void)quorvel::repairMenu(clones);

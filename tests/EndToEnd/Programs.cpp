@@ -1,5 +1,6 @@
 #include "tests/EndToEnd/Programs.h"
 
+#include "Platform/files/FileReading.h"
 #include "tests/support/Waiting.h"
 
 #include <charconv>
@@ -90,8 +91,12 @@ std::vector<pid_t> processesWhose(const std::function<bool(const std::string&)>&
         const std::string name = entry.path().filename().string();
         pid_t pid = 0;
         const auto result = std::from_chars(name.data(), name.data() + name.size(), pid);
-        if (result.ptr == name.data() + name.size() && pid != ::getpid() &&
-            matches(read(entry.path() / "cmdline"))) {
+        if (result.ptr != name.data() + name.size() || pid == ::getpid()) {
+            continue;
+        }
+        // It may have ended just then.
+        const auto commandLine = readFile(entry.path() / "cmdline", outputLimit);
+        if (commandLine && matches(*commandLine)) {
             found.push_back(pid);
         }
     }

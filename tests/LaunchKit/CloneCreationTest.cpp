@@ -26,7 +26,7 @@ protected:
         request.url = url;
         return request;
     }
-    std::future<fs::path> creation(const RequestPermissions& permissions) {
+    std::future<MadeClone> creation(const RequestPermissions& permissions) {
         return std::async(std::launch::async, [this, permissions] {
             return createClone(factory, request("https://late.test"), permissions);
         });
@@ -42,7 +42,7 @@ protected:
 };
 
 TEST_F(CloneCreationTest, MakesTheFolderOfClonesAndLeavesNoLock) {
-    EXPECT_EQ(createClone(factory, request(), {}), place);
+    EXPECT_EQ(createClone(factory, request(), {}).wrapper, place);
     EXPECT_EQ(urlOfClone(), "https://a.test");
     EXPECT_FALSE(FileLock::isHeld(home / "Applications"));
     EXPECT_EQ(std::distance(fs::directory_iterator(home / "Applications"), {}), 1);
@@ -60,12 +60,12 @@ TEST_F(CloneCreationTest, WaitsForAnotherCreationAndThenSeesItsClone) {
         fs::remove_all(place);
         std::optional<FileLock> other = FileLock::tryTakeFolder(home / "Applications");
         ASSERT_TRUE(other);
-        std::future<fs::path> late = creation({.existingClone = mayReplace});
+        std::future<MadeClone> late = creation({.existingClone = mayReplace});
         EXPECT_EQ(late.wait_for(std::chrono::milliseconds(100)), std::future_status::timeout);
         (void)factory.create(request("https://first.test"));
         other.reset();
         if (mayReplace) {
-            EXPECT_EQ(late.get(), place);
+            EXPECT_EQ(late.get().wrapper, place);
             EXPECT_EQ(urlOfClone(), "https://late.test");
         } else {
             EXPECT_THROW((void)late.get(), CloneExists);
@@ -74,10 +74,30 @@ TEST_F(CloneCreationTest, WaitsForAnotherCreationAndThenSeesItsClone) {
     }
 }
 
+TEST_F(CloneCreationTest, ReportsItsOwnCloneThoughOthersReplaceItAtOnce) {
+    constexpr int rounds = 40;
+    const auto createOften = [&](int creator) {
+        int ownClones = 0;
+        for (int round = 0; round < rounds; ++round) {
+            const std::string url = "https://" + std::to_string(creator * rounds + round) + ".test";
+            const auto record = createClone(factory, request(url), {.existingClone = true}).record;
+            ownClones += record && record->config.url == url ? 1 : 0;
+        }
+        return ownClones;
+    };
+    std::vector<std::future<int>> creators;
+    for (int creator = 0; creator < 4; ++creator) {
+        creators.push_back(std::async(std::launch::async, createOften, creator));
+    }
+    for (std::future<int>& creator : creators) {
+        EXPECT_EQ(creator.get(), rounds);
+    }
+}
+
 TEST_F(CloneCreationTest, ReplacesNothingThatAppearedWhileItWaited) {
     fs::create_directories(home / "Applications");
     std::optional<FileLock> other = FileLock::tryTakeFolder(home / "Applications");
-    std::future<fs::path> late = creation({.existingClone = true, .damagedClone = true});
+    std::future<MadeClone> late = creation({.existingClone = true, .damagedClone = true});
     EXPECT_EQ(late.wait_for(std::chrono::milliseconds(100)), std::future_status::timeout);
     write(place / "notes.txt", "mine");
     other.reset();

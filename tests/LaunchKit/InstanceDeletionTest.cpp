@@ -1,8 +1,10 @@
 #include "LaunchKit/InstanceRegistry.h"
 
+#include "LaunchKit/HomeLock.h"
 #include "LaunchKit/InstanceConfig.h"
 #include "LaunchKit/InstanceRecord.h"
 #include "Platform/files/PlatformError.h"
+#include "Platform/processes/IsolatedEnvironment.h"
 #include "tests/support/AppBundles.h"
 #include "tests/support/TemporaryHome.h"
 #include "tests/support/UnprivilegedUser.h"
@@ -74,6 +76,25 @@ TEST_F(InstanceDeletionTest, SucceedsWithoutAnyData) {
     const InstanceRecord record = recordWithHome("~/QuorvelInstances/None");
     removeWithData(record);
     EXPECT_FALSE(fs::exists(record.bundleURL));
+}
+
+TEST_F(InstanceDeletionTest, RemovesTheTemporaryFolderUnlessTheCloneRuns) {
+    const std::string data = (home_ / "QuorvelInstances/Work").string();
+    for (const bool includingData : {false, true}) {
+        const InstanceRecord record = recordWithHome("~/QuorvelInstances/Work");
+        fs::create_directories(data);
+        const Environment isolated = isolatedEnvironment(data, currentEnvironment());
+        if (!isolated.contains("TMPDIR")) {
+            GTEST_SKIP() << "this system has none";
+        }
+        const fs::path temporary = isolated.at("TMPDIR");
+        std::optional<FileLock> running = FileLock::tryTake(fs::path(data) / homeLockName);
+        InstanceRegistry().remove(record, includingData);
+        EXPECT_TRUE(fs::exists(temporary)) << "its sockets are in it";
+        running.reset();
+        InstanceRegistry().remove(recordWithHome("~/QuorvelInstances/Work"), includingData);
+        EXPECT_FALSE(fs::exists(temporary));
+    }
 }
 
 TEST_F(InstanceDeletionTest, NeverDeletesTheHomeHoweverItIsSpelled) {

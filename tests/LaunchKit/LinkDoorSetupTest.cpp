@@ -207,12 +207,66 @@ TEST_F(LinkDoorSetupTestHome, TheUsersOwnSettingsAreLeftAlone) {
     EXPECT_TRUE(fs::is_empty(realHome.path())) << "settings that are not in the clone's home";
 }
 
-TEST_F(LinkDoorSetupTestHome, AConfiguredBrowserWins) {
+TEST_F(LinkDoorSetupTestHome, AConfiguredBrowserAndPathWin) {
     options.environment = {{"BROWSER", "mine"}, {"PATH", "/mine"}};
     const Environment clone = setUp();
     EXPECT_THAT(clone, Contains(Pair("BROWSER", "mine")));
-    EXPECT_THAT(clone, Contains(Pair("PATH", links + "/bin:/mine")));
+    EXPECT_THAT(clone, Contains(Pair("PATH", "/mine")));
     EXPECT_EQ(readLinkSession(home)->variables.at("BROWSER"), "firefox");
+}
+
+// A second clone that is started by a program in the first.
+class LinkDoorSetupTestInAClone : public LinkDoorSetupTestHome {
+protected:
+    Environment setUpInside(const Environment& firstsOwn) {
+        Environment second = firstsOwn;
+        second["HOME"] = secondHome;
+        second["XDG_CONFIG_HOME"] = secondHome + "/.config";
+        second["XDG_DATA_HOME"] = secondHome + "/.local/share";
+        for (const auto& [name, value] : secondOptions.environment) {
+            second[name] = value;
+        }
+        fs::create_directories(secondHome);
+        setUpLinks(appWith(ResolvedProgram::Engine::other, {}), secondHome, secondOptions,
+                   firstsOwn, second);
+        return second;
+    }
+
+    const std::string secondHome = (folder / "second").string();
+    CloneOptions secondOptions{.links = "inside"};
+};
+
+TEST_F(LinkDoorSetupTestInAClone, KeepsItsLinksInsideIfThatIsItsOwnSetting) {
+    Environment first = setUp();
+    first[linkHopsVariable] = "1";
+    const Environment second = setUpInside(first);
+    EXPECT_THAT(second, Contains(Pair("PATH", "/usr/bin:/bin")));
+    EXPECT_THAT(second, Contains(Pair("BROWSER", "firefox"))) << "as in the session of the first";
+    EXPECT_THAT(second, Not(Contains(Key(cloneHomeVariable))));
+    EXPECT_THAT(second, Not(Contains(Key(linkHopsVariable))));
+
+    fs::remove(linkSessionFile(home));
+    EXPECT_THAT(setUpInside(first), Not(Contains(Key("BROWSER"))));
+    first["BROWSER"] = "another";
+    EXPECT_THAT(setUpInside(first), Contains(Pair("BROWSER", "another"))) << "no door of ours";
+}
+
+TEST_F(LinkDoorSetupTestInAClone, ItsConfiguredVariablesWin) {
+    const Environment first = setUp();
+    secondOptions.environment = {{"BROWSER", door.string()}, {"PATH", links + "/bin:/mine"}};
+    const Environment second = setUpInside(first);
+    EXPECT_THAT(second, Contains(Pair("BROWSER", door.string())));
+    EXPECT_THAT(second, Contains(Pair("PATH", links + "/bin:/mine")));
+}
+
+TEST_F(LinkDoorSetupTestInAClone, ItsOwnDoorLeadsBackToTheFirst) {
+    Environment first = setUp();
+    first[linkHopsVariable] = "1";
+    secondOptions.links.reset();
+    const Environment second = setUpInside(first);
+    EXPECT_THAT(second, Contains(Pair(cloneHomeVariable, secondHome)));
+    EXPECT_THAT(second, Contains(Pair(linkHopsVariable, "1"))) << "a loop must end";
+    EXPECT_EQ(readLinkSession(secondHome)->variables.at("PATH"), links + "/bin:/usr/bin:/bin");
 }
 
 TEST_F(LinkDoorSetupTestHome, AnotherCloneIsFoundByItsPathOrIdentifier) {

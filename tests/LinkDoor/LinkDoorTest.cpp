@@ -220,6 +220,32 @@ TEST_F(LinkDoorTest, ALoopEndsAtTheThirdHop) {
     EXPECT_EQ(read(folder / "hops"), "x\nx\nx\n");
 }
 
+TEST_F(LinkDoorTest, ABrowserThatOpensTheAddressItselfDoesNotInheritTheCounter) {
+    const auto entry = [&](const std::string& more) {
+        write(folder / "data/applications/browser.desktop",
+              "[Desktop Entry]\nType=Application\nName=browser\nExec=" +
+                  (bin / "browser").string() + " %u\n" + more);
+    };
+    const auto counterInBrowser = [&] {
+        EXPECT_EQ(open({"https://good.test/"}), 0);
+        (void)argumentsOf("browser");
+        const auto environment = environmentOf("browser");
+        return std::count(environment.begin(), environment.end(), "QUORVEL_LINK_HOPS=1");
+    };
+    entry("Categories=WebBrowser;\n");
+    EXPECT_EQ(counterInBrowser(), 1) << "a script may call anything";
+    // The script starts a browser in machine code.
+    write(folder / "fox/fox", read("/bin/true"));
+    for (const char* mark : {"application.ini", "libxul.so"}) {
+        write(folder / "fox" / mark, "[App]\n");
+    }
+    write(bin / "browser", read(bin / "browser") + ": " + (folder / "fox/fox").string() + "\n");
+    entry("");
+    EXPECT_EQ(counterInBrowser(), 0);
+    entry("X-Quorvel-Clone=/Apps/Work.app\n");
+    EXPECT_EQ(counterInBrowser(), 1) << "a clone may have a door of its own";
+}
+
 TEST_F(LinkDoorTest, ACounterThatIsNoNumberCountsAsALoop) {
     for (const char* text : {"3", "4", "-1", "many", "1x", "99999999999999999999"}) {
         clone[linkHopsVariable] = text;

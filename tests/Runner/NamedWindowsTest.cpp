@@ -76,7 +76,7 @@ TEST_F(NamedWindowsTest, AWindowThatNoOptionReachesIsTheClonesOwn) {
     }
     runner.terminate();
     EXPECT_EQ(runner.waitUntilExit(), 128 + SIGTERM) << "nothing else is waited for";
-    EXPECT_EQ(screen_->list().size(), 1U);
+    EXPECT_TRUE(waitUntil([&] { return screen_->list().size() == 1; }));
 }
 
 TEST_F(NamedWindowsTest, WhatNamesWindowsEndsWithItsRunner) {

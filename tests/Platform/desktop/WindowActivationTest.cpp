@@ -50,6 +50,10 @@ protected:
             arguments.emplace_back("anonymous");
         }
         windows_.push_back(std::make_unique<BackgroundProgram>(QUORVEL_X11_WINDOW, arguments));
+        // On a busy machine, a window manager may leave the focus where it is.
+        if (!comesToFront(name, std::chrono::seconds(5))) {
+            xdotool("windowactivate", name);
+        }
         EXPECT_TRUE(comesToFront(name)) << "a new window does not get the focus";
         return *windows_.back();
     }
@@ -63,15 +67,21 @@ protected:
         return window(name) != 0 && screen_->active() == window(name);
     }
 
-    [[nodiscard]] bool comesToFront(const std::string& name) const {
-        return waitUntil([&] { return isInFront(name); });
+    [[nodiscard]] bool
+    comesToFront(const std::string& name,
+                 std::chrono::milliseconds deadline = std::chrono::seconds(20)) const {
+        return waitUntil([&] { return isInFront(name); }, deadline);
+    }
+
+    void xdotool(const std::string& command, const std::string& name) const {
+        Process::Options options;
+        options.executable = "/usr/bin/xdotool";
+        options.arguments = {command, std::to_string(window(name))};
+        (void)Process::capture(options, 64);
     }
 
     void minimize(const std::string& name) {
-        Process::Options options;
-        options.executable = "/usr/bin/xdotool";
-        options.arguments = {"windowminimize", std::to_string(window(name))};
-        (void)Process::capture(options, 64);
+        xdotool("windowminimize", name);
         ASSERT_TRUE(waitUntil([&] { return !isInFront(name); }));
     }
 

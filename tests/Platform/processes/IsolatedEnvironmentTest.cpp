@@ -1,5 +1,6 @@
 #include "Platform/processes/IsolatedEnvironment.h"
 
+#include "tests/support/PrivateMounts.h"
 #include "tests/support/TemporaryHome.h"
 
 #include <gmock/gmock.h>
@@ -231,6 +232,48 @@ TEST_F(IsolatedEnvironmentTest, JavaIsToldItsHomeOnlyWhereItIsUsed) {
     fs::create_directory(spaced);
     EXPECT_THAT(isolatedEnvironment(spaced, session, {.usesJava = true}).at("JAVA_TOOL_OPTIONS"),
                 ::testing::HasSubstr("\"-Duser.home=" + spaced + "\""));
+}
+
+TEST_F(IsolatedEnvironmentTest, TheTemporaryFolderIsRemovedWithEverythingInIt) {
+    write(folder / "outside/file", "x");
+    for (const ShortFolder runtimeFolder; const char* place : {"", "/somewhere/else"}) {
+        session["XDG_RUNTIME_DIR"] = *place == '\0' ? runtimeFolder.path() : place;
+        const fs::path temporary = environment().at("TMPDIR");
+        const std::string other =
+            isolatedEnvironment((folder / "other").string(), session).at("TMPDIR");
+        write(temporary / "a/file", "x");
+        fs::create_directory_symlink(folder / "outside", temporary / "link");
+        removeTemporaryFolder(home, session);
+        EXPECT_FALSE(fs::exists(temporary)) << temporary;
+        EXPECT_TRUE(fs::exists(other)) << "another home's";
+        EXPECT_TRUE(fs::exists(folder / "outside/file"));
+        removeTemporaryFolder(home, session);
+        removeTemporaryFolder((folder / "other").string(), session);
+    }
+}
+
+TEST_F(IsolatedEnvironmentTest, ATemporaryFolderBehindALinkOrWithAMountInItStays) {
+    const ShortFolder runtimeFolder;
+    session["XDG_RUNTIME_DIR"] = runtimeFolder.path();
+    const fs::path temporary = environment().at("TMPDIR");
+    write(temporary / "mine", "x");
+    fs::rename(temporary.parent_path(), folder / "real");
+    fs::create_directory_symlink(folder / "real", temporary.parent_path());
+    removeTemporaryFolder(home, session);
+    EXPECT_TRUE(fs::exists(temporary / "mine"));
+
+    fs::remove(temporary.parent_path());
+    fs::rename(folder / "real", temporary.parent_path());
+    write(folder / "foreign/file", "x");
+    fs::create_directory(temporary / "point");
+    const auto problem = inPrivateMounts([&]() -> std::string {
+        bindMount(folder / "foreign", temporary / "point");
+        removeTemporaryFolder(home, session);
+        return fs::exists(folder / "foreign/file") && fs::exists(temporary / "mine") ? "" : "gone";
+    });
+    EXPECT_EQ(problem.value_or(""), "");
+    removeTemporaryFolder(home, session);
+    EXPECT_FALSE(fs::exists(temporary)) << "once nothing is mounted";
 }
 
 } // namespace

@@ -1,5 +1,6 @@
 #include "Platform/processes/ProcessShutdown.h"
 
+#include "Platform/processes/IsolatedEnvironment.h"
 #include "tests/support/TemporaryHome.h"
 #include "tests/support/Waiting.h"
 
@@ -62,6 +63,15 @@ TEST_F(ProcessShutdownTest, AProcessThatStaysIsKilledWithAllThatItStarted) {
     EXPECT_GE(running(), 2U);
     terminateAndWait(listOf(std::move(process)), milliseconds(100));
     EXPECT_EQ(running(), 0U);
+}
+
+TEST_F(ProcessShutdownTest, TheHomesTemporaryFolderGoesWithTheProcesses) {
+    const Environment isolated = isolatedEnvironment(home_.path(), currentEnvironment());
+    if (!isolated.contains("TMPDIR")) {
+        GTEST_SKIP() << "this system has none";
+    }
+    terminateAndWait(listOf(start("> ready; sleep 60")), milliseconds(10'000));
+    EXPECT_FALSE(fs::exists(isolated.at("TMPDIR")));
 }
 
 TEST_F(ProcessShutdownTest, InTheBackgroundTheCallerDoesNotWait) {

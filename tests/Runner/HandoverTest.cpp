@@ -1,0 +1,122 @@
+// What is opened in a clone that runs already.
+#include "LaunchKit/HomeLock.h"
+#include "tests/Runner/RunnerFixture.h"
+#include "tests/support/DesktopApps.h"
+#include "tests/support/Waiting.h"
+
+#include <csignal>
+#include <gmock/gmock.h>
+
+namespace quorvel {
+namespace {
+
+using namespace testing;
+using ::testing::HasSubstr;
+namespace fs = std::filesystem;
+
+class HandoverTest : public RunnerFixture {
+protected:
+    ~HandoverTest() override {
+        for (const char* name : {"first", "second"}) {
+            if (const pid_t pid = numberIn(name); pid > 0) {
+                ::kill(pid, SIGKILL);
+            }
+        }
+    }
+
+    // Returns a clone of a Firefox that runs until it is ended; with a link, it does what `second`
+    // says.
+    [[nodiscard]] fs::path cloneOfBrowser(const std::string& second) const {
+        const fs::path program = apps_.at("lib/fox/fox");
+        write(program, read(helperProgram()));
+        makeExecutable(program);
+        write(program.parent_path() / "application.ini", "[App]\nRemotingName=fox\n");
+        write(program.parent_path() / "libxul.so", "x");
+        apps_.addScript("fox", "program=" + program.string() +
+                                   "\ncase \"$*\" in *http*) echo $$ > " + at("second").string() +
+                                   "; " + second + " ;; esac\necho $$ > " + at("first").string() +
+                                   "\nexec /bin/sleep 600\n");
+        InstanceConfig config = configOf(ShortcutKind::app);
+        config.targetAppPath = apps_.addEntry("fox", "fox %u");
+        config.registerAsBrowser = true;
+        return wrapper(config);
+    }
+
+    [[nodiscard]] pid_t numberIn(const char* name) const {
+        const std::string text = read(at(name));
+        return text.ends_with('\n') ? std::stoi(text) : 0;
+    }
+
+    [[nodiscard]] bool runs(const char* name) const {
+        return waitUntil([&] { return numberIn(name) > 0; });
+    }
+
+    [[nodiscard]] bool isHomeLocked() const { return FileLock::isHeld(cloneHome() / homeLockName); }
+
+    [[nodiscard]] Process open(const fs::path& clone) const {
+        return start(clone, {"http://link.test/"});
+    }
+
+    DesktopApps apps_;
+};
+
+TEST_F(HandoverTest, TheRunningApplicationTakesALink) {
+    const fs::path clone = cloneOfBrowser("exit 0");
+    Process runner = start(clone);
+    ASSERT_TRUE(runs("first"));
+    EXPECT_EQ(open(clone).waitUntilExit(), 0) << log();
+    EXPECT_TRUE(runs("second"));
+    EXPECT_TRUE(runner.isRunning());
+    EXPECT_EQ(log(), "");
+    runner.terminate();
+    runner.waitUntilExit();
+}
+
+TEST_F(HandoverTest, ASecondStartThatFindsTheFirstEndingBecomesTheClone) {
+    const fs::path clone = cloneOfBrowser("exec /bin/sleep 600");
+    Process first = start(clone);
+    ASSERT_TRUE(runs("first"));
+    Process second = open(clone);
+    ASSERT_TRUE(runs("second"));
+    first.terminate();
+    first.waitUntilExit();
+    EXPECT_TRUE(waitUntil([&] { return isHomeLocked(); })) << "the home is its own";
+    EXPECT_EQ(start(clone).waitUntilExit(), 75) << "no third one is started";
+
+    second.sendSignal(SIGKILL);
+    second.waitUntilExit();
+    EXPECT_EQ(::kill(numberIn("second"), 0), 0);
+    EXPECT_TRUE(isHomeLocked()) << "even without its runner";
+    ::kill(numberIn("second"), SIGKILL);
+    EXPECT_TRUE(waitUntil([&] { return !isHomeLocked(); }));
+}
+
+TEST_F(HandoverTest, ItsRunnerEndsWithIt) {
+    const fs::path clone = cloneOfBrowser("exec /bin/sleep 600");
+    Process first = start(clone);
+    ASSERT_TRUE(runs("first"));
+    Process second = open(clone);
+    ASSERT_TRUE(runs("second"));
+    first.terminate();
+    first.waitUntilExit();
+    ASSERT_TRUE(waitUntil([&] { return isHomeLocked(); }));
+    second.terminate();
+    EXPECT_EQ(second.waitUntilExit(), 128 + SIGTERM);
+    EXPECT_FALSE(isHomeLocked());
+}
+
+TEST_F(HandoverTest, ASecondStartThatOnlyWaitsIsEnded) {
+    const fs::path clone = cloneOfBrowser("exec /bin/sleep 600");
+    Process first = start(clone);
+    ASSERT_TRUE(runs("first"));
+    EXPECT_EQ(open(clone).waitUntilExit(), 75);
+    EXPECT_THAT(log(), HasSubstr("is still running"));
+    EXPECT_TRUE(waitUntil(
+        [&] { return !fs::exists("/proc/" + std::to_string(numberIn("second")) + "/exe"); }));
+    EXPECT_TRUE(first.isRunning());
+    first.terminate();
+    first.waitUntilExit();
+}
+
+} // namespace
+} // namespace quorvel
