@@ -20,7 +20,7 @@ void nameWindows(const X11Windows& windows, pid_t parent, const std::string& wor
     for (const X11Window& window : windows.list()) {
         // An application may set its own again.
         if (processes.contains(window.pid) &&
-            (window.instance != word || window.className != word)) {
+            (window.instance != word || window.className != word || window.desktopFile != word)) {
             windows.setIdentity(window.id, word);
         }
     }

@@ -6,7 +6,6 @@
 #include <cstdlib>
 #include <cstring>
 #include <poll.h>
-#include <string_view>
 
 namespace quorvel {
 namespace {
@@ -78,6 +77,15 @@ std::vector<std::uint32_t> X11Windows::numbers(std::uint32_t window, const char*
     return result;
 }
 
+std::string X11Windows::text(std::uint32_t window, std::uint32_t name) const {
+    const auto reply = property(connection_.get(), window, name);
+    if (!reply || reply->format != 8) {
+        return {};
+    }
+    return {static_cast<const char*>(xcb_get_property_value(reply.get())),
+            static_cast<std::size_t>(xcb_get_property_value_length(reply.get()))};
+}
+
 bool X11Windows::isOfDesktop(std::uint32_t window) const {
     const std::vector<std::uint32_t> types = numbers(window, "_NET_WM_WINDOW_TYPE");
     const std::uint32_t dock = atom("_NET_WM_WINDOW_TYPE_DOCK");
@@ -91,17 +99,13 @@ X11Window X11Windows::describe(std::uint32_t window) const {
     if (const auto pids = numbers(window, "_NET_WM_PID"); !pids.empty()) {
         described.pid = static_cast<pid_t>(pids.front());
     }
-    const auto reply = property(connection_.get(), window, XCB_ATOM_WM_CLASS);
-    if (reply && reply->format == 8) {
-        // Two strings, each with a NUL after it.
-        const std::string_view both(
-            static_cast<const char*>(xcb_get_property_value(reply.get())),
-            static_cast<std::size_t>(xcb_get_property_value_length(reply.get())));
-        const std::size_t end = std::min(both.find('\0'), both.size());
-        described.instance = both.substr(0, end);
-        const std::string_view second = both.substr(std::min(end + 1, both.size()));
-        described.className = second.substr(0, std::min(second.find('\0'), second.size()));
-    }
+    // Two strings, each with a NUL after it.
+    const std::string both = text(window, XCB_ATOM_WM_CLASS);
+    const std::size_t end = std::min(both.find('\0'), both.size());
+    described.instance = both.substr(0, end);
+    const std::string second = both.substr(std::min(end + 1, both.size()));
+    described.className = second.substr(0, second.find('\0'));
+    described.desktopFile = text(window, atom("_KDE_NET_WM_DESKTOP_FILE"));
     return described;
 }
 

@@ -18,6 +18,7 @@ struct X11Window {
     pid_t pid = 0; ///< 0 if the window does not say
     std::string instance{};
     std::string className{};
+    std::string desktopFile{}; ///< the menu entry that KDE finds for it before it asks for a class
 };
 
 /// A connection to the X server of this session, which may be one for X11 programs on Wayland.
@@ -53,6 +54,7 @@ private:
     [[nodiscard]] std::uint32_t atom(const char* name) const;
     [[nodiscard]] std::vector<std::uint32_t> numbers(std::uint32_t window,
                                                      const char* property) const;
+    [[nodiscard]] std::string text(std::uint32_t window, std::uint32_t property) const;
     [[nodiscard]] X11Window describe(std::uint32_t window) const;
     [[nodiscard]] bool isOfDesktop(std::uint32_t window) const;
 

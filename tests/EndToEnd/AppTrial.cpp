@@ -56,6 +56,12 @@ AppTrial::AppTrial(OrdinarySession::DataFolders dataFolders, std::string entry)
     fs::create_directories(installed / "bin");
     fs::copy_file(QUORVEL_CTL, installed / "bin/quorvelctl");
     fs::copy_file(runnerProgram(), installed / "bin/quorvel-runner");
+    for (const auto& [variable, program] :
+         {std::pair("QUORVEL_WINDOW_NAMES", fs::path(QUORVEL_WINDOW_NAMES_PROGRAM)),
+          std::pair("QUORVEL_LINK_DOOR", fs::path(QUORVEL_LINK_DOOR_PROGRAM))}) {
+        fs::copy_file(program, installed / "bin" / program.filename());
+        session_.set(variable, installed / "bin" / program.filename());
+    }
     fs::copy(fs::path(QUORVEL_CTL).parent_path() / "../share", installed / "share",
              fs::copy_options::recursive);
 }

@@ -41,7 +41,7 @@ grep -zas '^HOME=' /proc/[0-9]*/environ | tr '\000' '\n')";
 constexpr auto listWindows = R"(
 for window in $(xprop -root _NET_CLIENT_LIST | grep -o '0x[0-9a-f]*'); do
   echo window
-  xprop -id "$window" _NET_WM_PID WM_CLASS _NET_WM_WINDOW_TYPE WM_TRANSIENT_FOR _NET_WM_NAME WM_NAME 2>/dev/null
+  xprop -id "$window" _NET_WM_PID WM_CLASS _KDE_NET_WM_DESKTOP_FILE _NET_WM_WINDOW_TYPE WM_TRANSIENT_FOR _NET_WM_NAME WM_NAME 2>/dev/null
   echo # a window that closes meanwhile may leave half a line
 done)";
 
@@ -94,6 +94,8 @@ void readProperty(SessionWindow& window, const std::string& line) {
     } else if (line.starts_with("WM_CLASS") && texts.size() == 2) {
         window.instance = texts[0];
         window.className = texts[1];
+    } else if (line.starts_with("_KDE_NET_WM_DESKTOP_FILE") && !texts.empty()) {
+        window.desktopFile = texts[0];
     } else if ((line.starts_with("WM_NAME") || line.starts_with("_NET_WM_NAME")) &&
                !texts.empty()) {
         window.title = texts[0];
@@ -198,6 +200,10 @@ void OrdinarySession::end() {
 fs::path OrdinarySession::dataHome() const {
     const auto variable = environment_.find("XDG_DATA_HOME");
     return variable == environment_.end() ? home() / ".local/share" : fs::path(variable->second);
+}
+
+void OrdinarySession::set(const std::string& variable, const std::string& value) {
+    environment_[variable] = value;
 }
 
 bool OrdinarySession::hasProcesses() const {

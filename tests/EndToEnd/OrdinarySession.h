@@ -24,6 +24,7 @@ struct SessionWindow {
     std::string instance{};
     std::string className{};
     std::string title{};
+    std::string desktopFile{}; ///< what KDE asks for before the class
     bool isDialog = false;
     bool isSecondary = false; ///< a splash screen, or a window that belongs to another
 };
@@ -58,6 +59,8 @@ public:
     /// Where programs of the user keep their data.
     [[nodiscard]] std::filesystem::path dataHome() const;
 
+    /// Sets a variable for the programs that are run or started from now on.
+    void set(const std::string& variable, const std::string& value);
     /// Runs a program to its end, which must come within two minutes.
     [[nodiscard]] Outcome run(std::vector<std::string> command) const;
     /// Starts a program.

@@ -18,8 +18,9 @@ namespace fs = std::filesystem;
 const char* const disabledBus = "disabled:";
 
 TEST(ShippedProfilesTest, AppsThatWouldHandOverToARunningCopyAreKnown) {
-    for (const char* id : {"org.gnome.gedit", "org.gnome.TextEditor", "org.gnome.Meld",
-                           "org.inkscape.Inkscape", "gimp", "vlc"}) {
+    for (const char* id :
+         {"org.gnome.gedit", "org.gnome.TextEditor", "org.gnome.Meld", "org.inkscape.Inkscape",
+          "org.xfce.mousepad", "featherpad", "gimp", "vlc"}) {
         const auto profile = ShippedProfiles::find(std::string(id) + ".desktop");
         ASSERT_TRUE(profile) << id;
         EXPECT_EQ(profile->singleton, SingletonTier::machPort);

@@ -32,13 +32,17 @@ protected:
 
     void TearDown() override { screen_.reset(); }
 
-    // A clone of an application behind a script, which shows a window of the class "Original".
+    // A clone of an application behind a script, which shows a window of that class.
     [[nodiscard]] fs::path clone() const {
         InstanceConfig config = configOf(ShortcutKind::app);
-        apps_->addScript("original",
-                         "exec " QUORVEL_X11_WINDOW " " + at("window").string() + " Original\n");
+        setClass("Original");
         config.targetAppPath = apps_->addEntry("original", "original").string();
         return wrapper(config);
+    }
+
+    void setClass(const std::string& name) const {
+        apps_->addScript("original", "exec " QUORVEL_X11_WINDOW " " + at("window").string() + " " +
+                                         name + "\n");
     }
 
     // Returns what desktops see of the window.
@@ -77,6 +81,21 @@ TEST_F(NamedWindowsTest, AWindowThatNoOptionReachesIsTheClonesOwn) {
     runner.terminate();
     EXPECT_EQ(runner.waitUntilExit(), 128 + SIGTERM) << "nothing else is waited for";
     EXPECT_TRUE(waitUntil([&] { return screen_->list().size() == 1; }));
+}
+
+// KDE finds the original's entry by what GTK sets beside the class, unless it is told another.
+TEST_F(NamedWindowsTest, AWindowOfTheRightClassIsTheClonesOwnForKdeToo) {
+    const fs::path bundle = clone();
+    const std::string word = windowWord(cloneIdentity(bundle));
+    setClass(word);
+    Process runner = start(bundle);
+    EXPECT_TRUE(waitUntil([&] {
+        const auto windows = screen_->list();
+        return windows.size() == 1 && windows.front().desktopFile == word;
+    })) << shownClass();
+    EXPECT_EQ(shownClass(), word + " " + word);
+    runner.terminate();
+    runner.waitUntilExit();
 }
 
 TEST_F(NamedWindowsTest, WhatNamesWindowsEndsWithItsRunner) {

@@ -1,0 +1,210 @@
+#!/usr/bin/python3
+"""Clones installed applications in a desktop's session, and prints what the desktop makes of them.
+Usage: trial.py BUILD DESKTOP [APPLICATION...] [--json] [--without-focus]"""
+import json
+import os
+import shlex
+import signal
+import subprocess
+import sys
+import time
+
+from gi.repository import Gio
+
+sys.dont_write_bytecode = True
+
+from desktop import Forbidden, wait_for
+from gnome import Gnome, GnomeX11
+from others import Sway, Xfce
+from plasma import Plasma, PlasmaX11
+
+DESKTOPS = {desktop.name: desktop for desktop in (Gnome, GnomeX11, Plasma, PlasmaX11, Xfce, Sway)}
+NO_BUS = "DBUS_SESSION_BUS_ADDRESS=disabled:"
+# Name, desktop entry, what is configured beside what `quorvelctl create` chooses.
+APPS = {
+    "gedit": ("gedit (GTK 3)", "org.gnome.gedit", []),
+    "mousepad": ("Mousepad (GTK 3)", "org.xfce.mousepad", []),
+    "text-editor": ("Text Editor (GTK 4)", "org.gnome.TextEditor", []),
+    "calculator": ("Calculator (GTK 4, with the bus)", "org.gnome.Calculator", []),
+    "calculator-no-bus": ("Calculator, `" + NO_BUS + "`", "org.gnome.Calculator", ["--env", NO_BUS]),
+    "featherpad": ("FeatherPad (Qt)", "featherpad", []),
+    "kcalc": ("KCalc (KDE)", "org.kde.kcalc", []),
+    "kcalc-x11": ("KCalc, `QT_QPA_PLATFORM=xcb`", "org.kde.kcalc", ["--env", "QT_QPA_PLATFORM=xcb"]),
+    "firefox": ("Firefox", "firefox-esr", []),
+    "chromium": ("Chromium", "chromium", []),
+}
+LONGEST_START = 60
+JUST_STARTED = 11  # seconds in which "open" reports success for a clone, since its window is coming
+
+
+class Clone:
+    def __init__(self, session, name, colour, record):
+        self.name = name
+        self.colour = colour
+        self.bundle = record["bundleURL"]
+        folder = session.home + "/.local/share/applications/"
+        for file in os.listdir(folder):
+            with open(folder + file) as text:
+                facts = dict(line.rstrip("\n").split("=", 1) for line in text if "=" in line)
+            if facts.get("X-Quorvel-Clone") == self.bundle:
+                self.entry, self.word, self.icon = file, facts["StartupWMClass"], facts["Icon"]
+
+
+def install(build, session):
+    """Quorvel, where such a build is installed if no other prefix is chosen."""
+    subprocess.run(["cmake", "--install", build, "--prefix", session.base + "/quorvel"], check=True,
+                   stdout=subprocess.DEVNULL)
+
+
+def create(desktop, app):
+    _, entry, options = APPS[app]
+    clones = []
+    for word, colour in (("Work", "#FF00FF"), ("Home", "#00FF00")):
+        name = f"{app} {word}"  # no two with one name: desktops read their entries now and then only
+        command = ["quorvelctl", "create", "--target", entry + ".desktop", "--name", name, "--label", word[0],
+                   "--label-color", colour, "--replace", "--json", *options]
+        record = json.loads(desktop.session.output_of(command))
+        if entry == "chromium" and desktop.session.run(["unshare", "--user", "true"]).returncode != 0:
+            arguments = [*record["config"]["extraArgs"], "--no-sandbox"]  # containers may forbid it
+            record = json.loads(desktop.session.output_of(command + ["--extra-arg=" + one for one in arguments]))
+        clones.append(Clone(desktop.session, name, colour, record))
+    wait_for(lambda: all(desktop.knows(clone.entry) for clone in clones), 30)
+    return clones
+
+
+def new_window(desktop, before):
+    """The window that came last, when no more are coming."""
+    known = {one.id for one in before}
+
+    def found():
+        return [one for one in desktop.windows() if one.id not in known]
+    if not wait_for(found, LONGEST_START, 0.3):
+        return None
+    time.sleep(2)
+    return (found() or [None])[-1]
+
+
+def open_all(desktop, clones, entry):
+    """The windows of the clones, and that of the application itself, which comes last."""
+    windows = []
+    for clone in clones:
+        before = desktop.windows()
+        desktop.session.output_of(["quorvelctl", "open", clone.name])
+        windows.append(new_window(desktop, before))
+    before = desktop.windows()
+    info = Gio.DesktopAppInfo.new_from_filename(f"/usr/share/applications/{entry}.desktop")
+    command = [word for word in shlex.split(info.get_commandline()) if not word.startswith("%")]
+    desktop.session.start(command, log="original")
+    windows.append(new_window(desktop, before))
+    return windows
+
+
+def refreshed(desktop, windows):
+    """A desktop may change its mind when more windows come."""
+    now = {one.id: one for one in desktop.windows()}
+    return [one and now.get(one.id) for one in windows]
+
+
+def match(desktop, clone, window):
+    """How the desktop sees a clone's window: facts that are true, false, or None if it has none."""
+    if window is None:
+        return {"window": False}
+    if not desktop.matches_entries:
+        return {"window": True, "entry": clone.word in (window.app_id, window.instance), "name": None, "icon": None}
+    return {"window": True, "entry": window.entry == clone.entry, "name": window.name == clone.name,
+            "icon": window.icon == clone.icon and desktop.has_colour(clone.entry, clone.colour)}
+
+
+def focus(desktop, clone, window):
+    """Whether opening a running clone brings its window to the front, and whether that is what is reported."""
+    if window is None:
+        return None
+    answer = desktop.session.run(["quorvelctl", "open", clone.name])
+    done = bool(wait_for(lambda: any(one.focused and one.id == window.id for one in desktop.windows()), 2))
+    text = (answer.stderr or answer.stdout).strip()
+    return {"done": done, "reported": answer.returncode == 0 and not text, "text": text}
+
+
+def end_all(desktop, others):
+    for number in desktop.session.processes():
+        if number not in others:
+            try:
+                os.kill(number, signal.SIGKILL)
+            except ProcessLookupError:
+                pass
+
+
+def try_app(desktop, app, with_focus=True):
+    others = desktop.session.processes()
+    clones = create(desktop, app)
+    windows = refreshed(desktop, open_all(desktop, clones, APPS[app][1]))
+    original = windows[-1]
+    report = {"desktop": desktop.title, "application": APPS[app][0],
+              "clones": [match(desktop, clone, one) for clone, one in zip(clones, windows)],
+              "original": original is not None and (not desktop.matches_entries or original.entry == APPS[app][1] + ".desktop"),
+              "windows": [vars(one) if one else None for one in windows]}
+    if with_focus:
+        time.sleep(JUST_STARTED if desktop.wayland else 2)
+        report["focus"] = [focus(desktop, clone, one) for clone, one in zip(clones, windows)]
+    for clone in clones:
+        desktop.session.run(["quorvelctl", "delete", clone.name, "--including-data", "--yes"])
+    end_all(desktop, others)
+    wait_for(lambda: not {one.id for one in windows if one} & {one.id for one in desktop.windows()}, 10)
+    return report
+
+
+def verdict(facts, key):
+    values = [clone.get(key) for clone in facts["clones"]]
+    if not all(clone["window"] for clone in facts["clones"]):
+        return "no window"
+    if None in values:
+        return "-"
+    return "own" if all(values) else "first only" if values[0] else "second only" if values[1] else "the original's"
+
+
+def focus_verdict(facts):
+    tried = [one for one in facts.get("focus", []) if one]
+    if not tried:
+        return "-"
+    if tried and all(one["done"] for one in tried):
+        return "yes"
+    return "no, as it says" if all(not one["reported"] for one in tried if not one["done"]) else "no, but reported"
+
+
+def row(facts):
+    entry = verdict(facts, "entry") + ("" if facts["original"] else "; the original is not under its own")
+    return " | ".join(["", facts["application"], facts["desktop"], entry, verdict(facts, "name"),
+                       verdict(facts, "icon"), focus_verdict(facts), "-", ""]).strip()
+
+
+def end(*_):
+    signal.signal(signal.SIGTERM, signal.SIG_IGN)  # nothing may interrupt the end
+    sys.exit(1)
+
+
+def main(arguments):
+    options = [one for one in arguments if one.startswith("--")]
+    build, name, *apps = [one for one in arguments if not one.startswith("--")]
+    signal.signal(signal.SIGTERM, end)
+    desktop = DESKTOPS[name]()
+    missing = desktop.missing()
+    if missing:
+        sys.exit(f"{desktop.title}: {', '.join(missing)} not installed")
+    try:
+        desktop.start(lambda session: install(build, session))
+        for app in apps or APPS:
+            if not os.path.exists(f"/usr/share/applications/{APPS[app][1]}.desktop"):
+                print(f"{APPS[app][1]} is not installed", file=sys.stderr)
+                continue
+            facts = try_app(desktop, app, "--without-focus" not in options)
+            print(json.dumps(facts) if "--json" in options else row(facts), flush=True)
+    except Forbidden as reason:
+        print(f"no namespaces: {reason}", file=sys.stderr)
+        return 77
+    finally:
+        desktop.stop()
+    return 0
+
+
+if __name__ == "__main__":
+    sys.exit(main(sys.argv[1:]))
