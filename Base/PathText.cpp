@@ -1,5 +1,7 @@
 #include "Base/PathText.h"
 
+#include "Base/SplitText.h"
+
 namespace quorvel {
 namespace fs = std::filesystem;
 namespace {
@@ -35,6 +37,21 @@ std::string lastPathComponent(const fs::path& path) {
     const std::string_view text = trimmed(path.native());
     const std::size_t slash = text == "/" ? std::string_view::npos : text.rfind('/');
     return std::string(text.substr(slash + 1));
+}
+
+bool isAtOrBelow(std::string_view path, std::string_view folder) noexcept {
+    return path.starts_with(folder) && (path.size() == folder.size() || path[folder.size()] == '/');
+}
+
+std::string withoutFoldersBelow(std::string_view list, std::string_view folder) {
+    std::string kept;
+    while (!list.empty()) {
+        const std::string_view each = takePart(list, ':');
+        if (!isAtOrBelow(each, folder)) {
+            kept.append(kept.empty() ? "" : ":").append(each);
+        }
+    }
+    return kept;
 }
 
 bool hasNul(const std::string& text) noexcept {

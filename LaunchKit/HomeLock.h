@@ -29,8 +29,8 @@ public:
 /// occupied by something else.
 [[nodiscard]] std::optional<FileLock> lockHome(const InstanceConfig& config);
 
-/// A claim on a home in which another target runs still. A target that inherits the descriptor
-/// shares the claim once it is made.
+/// A claim on a home in which another target is still running. A target that inherits the
+/// descriptor shares the claim once it is taken.
 class PendingHomeLock {
 public:
     /// Opens what `lockHome` would lock. Returns std::nullopt if nothing can be locked there.

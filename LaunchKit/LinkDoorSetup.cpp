@@ -2,7 +2,6 @@
 
 #include "Base/CloneLayout.h"
 #include "Base/PathText.h"
-#include "Base/SplitText.h"
 #include "LaunchKit/AppBundle.h"
 #include "LaunchKit/CloneOptions.h"
 #include "LaunchKit/HelperProgram.h"
@@ -23,6 +22,7 @@ namespace quorvel {
 namespace fs = std::filesystem;
 namespace {
 
+constexpr const char* linkDoorName = "quorvel-link-door";
 constexpr std::string_view doorEntryId = "quorvel-links.desktop";
 
 // Pages in files are not among them: what a clone wrote is opened inside it.
@@ -148,39 +148,35 @@ void changeEnvironment(const LinkHome& links, const fs::path& door, const std::s
     clone[cloneHomeVariable] = home;
 }
 
-std::string withoutFolder(std::string_view list, const std::string& folder) {
-    std::string kept;
-    while (!list.empty()) {
-        const std::string_view part = takePart(list, ':');
-        if (part != folder) {
-            kept.append(kept.empty() ? "" : ":").append(part);
-        }
+// The value that the session outside of a clone had, std::nullopt if it had none or can't be told.
+std::optional<std::string> valueOutside(const std::string& cloneHome, const std::string& name) {
+    const auto session = readLinkSession(cloneHome);
+    if (!session) {
+        return std::nullopt;
     }
-    return kept;
+    const auto before = session->variables.find(name);
+    return before == session->variables.end() ? std::nullopt : before->second;
 }
 
-// Another clone in which this one was started has a door, too, which would lead outside.
-void leaveOtherClone(const std::optional<fs::path>& door, const CloneOptions& options,
-                     Environment& clone) {
+// A clone in which this one is started has a door, too, which would lead outside.
+void leaveOtherClone(const CloneOptions& options, Environment& clone) {
     const std::string other = valueOf(clone, cloneHomeVariable);
     clone.erase(cloneHomeVariable);
     clone.erase(linkHopsVariable);
     if (!other.starts_with('/')) {
         return;
     }
-    if (!options.environment.contains("PATH")) {
-        clone["PATH"] = withoutFolder(valueOf(clone, "PATH"), LinkHome(other, clone).programs());
+    if (!options.environment.contains("PATH") && clone.contains("PATH")) {
+        clone["PATH"] = withoutFoldersBelow(clone["PATH"], LinkHome(other, clone).programs());
     }
-    const std::string browser = valueOf(clone, "BROWSER");
-    if (options.environment.contains("BROWSER") || (browser != "xdg-open" && browser != door)) {
+    const std::string browser = fs::path(valueOf(clone, "BROWSER")).filename();
+    if (options.environment.contains("BROWSER") ||
+        (browser != "xdg-open" && browser != linkDoorName)) {
         return;
     }
     clone.erase("BROWSER");
-    if (const auto session = readLinkSession(other)) {
-        const auto before = session->variables.find("BROWSER");
-        if (before != session->variables.end() && before->second) {
-            clone["BROWSER"] = *before->second;
-        }
+    if (const auto before = valueOutside(other, "BROWSER")) {
+        clone["BROWSER"] = *before;
     }
 }
 
@@ -204,7 +200,7 @@ LinkRoute linkRouteOf(const AppBundle& app, const CloneOptions& options, bool sy
 }
 
 std::optional<fs::path> linkDoorProgram(const Environment& session) {
-    return helperProgram("quorvel-link-door", "QUORVEL_LINK_DOOR", session);
+    return helperProgram(linkDoorName, "QUORVEL_LINK_DOOR", session);
 }
 
 void setUpLinks(const AppBundle& app, const std::string& home, const CloneOptions& options,
@@ -218,7 +214,7 @@ void setUpLinks(const AppBundle& app, const std::string& home, const CloneOption
         const bool staysInside =
             linkRouteOf(app, options, !linksStayInsideClones()) == LinkRoute::inside;
         if (staysInside) {
-            leaveOtherClone(door, options, clone);
+            leaveOtherClone(options, clone);
         }
         if (!door || staysInside) {
             links.takeBack();

@@ -33,8 +33,9 @@ enum class LinkRoute {
 /// `clone`, its otherwise complete environment, so that programs that it asks to open a link find
 /// the way. `session` is the environment outside. Takes back what an earlier start wrote if the
 /// links stay inside. Nothing is written through a link or outside of `home`, and what can't be
-/// written is left out. A variable that the clone configures stays as it is. What another clone set
-/// up, in which this one is started, does not count where links stay inside. Never throws.
+/// written is left out. A variable that the clone configures stays as it is. If the clone is
+/// started inside another one and keeps its links inside, the other one's door is removed. Never
+/// throws.
 void setUpLinks(const AppBundle& app, const std::string& home, const CloneOptions& options,
                 const Environment& session, Environment& clone);
 

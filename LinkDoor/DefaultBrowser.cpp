@@ -1,5 +1,6 @@
 #include "LinkDoor/DefaultBrowser.h"
 
+#include "Base/PathText.h"
 #include "LinkDoor/LinkSession.h"
 #include "Platform/desktop/DefaultApplication.h"
 #include "Platform/desktop/ExecLine.h"
@@ -36,11 +37,23 @@ bool isAmong(const std::vector<std::string>& arguments, const std::string& addre
     return std::find(arguments.begin(), arguments.end(), address) != arguments.end();
 }
 
+// Distributions start browsers through scripts. A user's own script may choose among several.
+bool isDistributionsScript(const fs::path& script) {
+    return isAtOrBelow(script.native(), "/opt") ||
+           (isAtOrBelow(script.native(), "/usr") && !isAtOrBelow(script.native(), "/usr/local"));
+}
+
 // Whether what is started opens the address itself. A clone or a script may hand it on, perhaps
 // back to where it came from.
 bool isLastStop(const InstalledApplication& application, const ExecLine& line) {
     const auto resolved = resolveProgram(application.entry, line);
     if (!resolved || !application.entry.cloneId.empty() || isShell(resolved->launcher)) {
+        return false;
+    }
+    std::error_code code;
+    const fs::path launcher = fs::canonical(resolved->launcher, code);
+    const bool isScript = !resolved->interpreter.empty() || launcher != resolved->executable;
+    if (isScript && !isDistributionsScript(launcher)) {
         return false;
     }
     switch (resolved->engine) {
@@ -52,10 +65,9 @@ bool isLastStop(const InstalledApplication& application, const ExecLine& line) {
         break;
     }
     const std::vector<std::string>& categories = application.entry.categories;
-    return resolved->interpreter.empty() &&
-           std::any_of(categories.begin(), categories.end(), [](const std::string& category) {
-               return category == "WebBrowser" || category == "Email";
-           });
+    return std::any_of(categories.begin(), categories.end(), [](const std::string& category) {
+        return category == "WebBrowser" || category == "Email";
+    });
 }
 
 enum class Outcome { started, failed, refused };

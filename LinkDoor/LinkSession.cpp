@@ -39,22 +39,6 @@ std::string record(char mark, std::string_view text) {
     return std::string(1, mark).append(text).append(1, '\0');
 }
 
-bool isBelow(std::string_view path, const std::string& folder) {
-    return path.starts_with(folder) && (path.size() == folder.size() || path[folder.size()] == '/');
-}
-
-// Drops the folders below `home` from a list like that of PATH.
-std::string withoutFoldersBelow(std::string_view list, const std::string& home) {
-    std::string kept;
-    while (!list.empty()) {
-        const std::string_view folder = takePart(list, ':');
-        if (!isBelow(folder, home)) {
-            kept.append(kept.empty() ? "" : ":").append(folder);
-        }
-    }
-    return kept;
-}
-
 std::optional<std::string> nothingIfEmpty(std::string text) {
     return text.empty() ? std::nullopt : std::optional(std::move(text));
 }

@@ -313,7 +313,16 @@ int main(int argc, char** argv) {
     if (mode == QLatin1String("application")) {
         return quorvel::showApplication();
     }
-    const auto isWanted = [wanted = application.arguments().mid(1)](QLatin1String name) {
+    const QStringList wanted = application.arguments().mid(1);
+    const QStringList known{QStringLiteral("start"), QStringLiteral("sheet"),
+                            QStringLiteral("grid"), QStringLiteral("holds")};
+    for (const QString& name : wanted) {
+        if (!known.contains(name)) {
+            qCritical("There is no measurement named %s", qUtf8Printable(name));
+            return EXIT_FAILURE;
+        }
+    }
+    const auto isWanted = [&wanted](QLatin1String name) {
         return wanted.isEmpty() || wanted.contains(name);
     };
     if (isWanted(QLatin1String("start"))) {

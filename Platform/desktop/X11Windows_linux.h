@@ -18,7 +18,7 @@ struct X11Window {
     pid_t pid = 0; ///< 0 if the window does not say
     std::string instance{};
     std::string className{};
-    std::string desktopFile{}; ///< the menu entry that KDE finds for it before it asks for a class
+    std::string desktopFile{}; ///< KDE's hint for the menu entry, which precedes the class
 };
 
 /// A connection to the X server of this session, which may be one for X11 programs on Wayland.

@@ -23,7 +23,7 @@ public:
     /// was removed or replaced since it was opened. Throws `PlatformError`.
     [[nodiscard]] bool tryTake();
 
-    /// Gives the lock back, if it was taken, for every process that shares it.
+    /// Releases the lock, if it was taken, for every process that shares it.
     void release() noexcept;
 
     [[nodiscard]] int descriptor() const noexcept { return file_.descriptor(); }

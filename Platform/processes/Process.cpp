@@ -149,6 +149,10 @@ Environment currentEnvironment() {
     return result;
 }
 
+pid_t ownPid() {
+    return ::getpid();
+}
+
 Process Process::run(const Options& options) {
     StringBlock arguments;
     arguments.add(options.programName.value_or(options.executable.native()));

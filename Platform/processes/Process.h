@@ -19,6 +19,9 @@ using Environment = std::map<std::string, std::string>;
 /// Returns the current environment of this process.
 [[nodiscard]] Environment currentEnvironment();
 
+/// Returns the number of this process.
+[[nodiscard]] pid_t ownPid();
+
 /// A child process. It starts with default signal dispositions and an empty signal mask, and
 /// inherits no descriptors except its three standard streams and `Options::kept`.
 class Process {

@@ -13,8 +13,8 @@ void adoptOrphans() noexcept {
 
 std::vector<pid_t> runningChildren() {
     std::vector<pid_t> children;
-    for (const ProcessIdentity& child : childrenOf(::getpid())) {
-        if (!hasLeftClone(child.pid, ::getpid())) {
+    for (const ProcessIdentity& child : childrenOf(ownPid())) {
+        if (!hasLeftClone(child.pid, ownPid())) {
             children.push_back(child.pid);
         }
     }

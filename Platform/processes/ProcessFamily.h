@@ -16,9 +16,6 @@ struct ProcessIdentity {
     auto operator<=>(const ProcessIdentity&) const = default;
 };
 
-/// Returns the number of this process.
-[[nodiscard]] pid_t ownPid();
-
 /// Returns the running processes below that one: its children, their children, and so on.
 [[nodiscard]] std::vector<ProcessIdentity> descendantsOf(pid_t root);
 

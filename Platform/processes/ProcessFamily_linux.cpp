@@ -30,10 +30,6 @@ std::optional<std::string> homeOf(pid_t pid) {
 
 } // namespace
 
-pid_t ownPid() {
-    return ::getpid();
-}
-
 std::vector<ProcessIdentity> descendantsOf(pid_t root) {
     std::map<pid_t, ProcessStat> table;
     std::multimap<pid_t, pid_t> children;

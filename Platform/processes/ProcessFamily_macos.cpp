@@ -2,7 +2,6 @@
 
 #include <libproc.h>
 #include <optional>
-#include <unistd.h>
 
 namespace quorvel {
 namespace {
@@ -20,10 +19,6 @@ std::optional<ProcessIdentity> identityOf(pid_t pid) {
 }
 
 } // namespace
-
-pid_t ownPid() {
-    return ::getpid();
-}
 
 std::vector<ProcessIdentity> childrenOf(pid_t parent) {
     constexpr std::size_t most = 4096;

@@ -13,6 +13,11 @@ _quorvelctl_spell() {
     [[ $pair != '\' ]] || { ((++index)); pair+=${1:index:1}; }
     # %b would keep these backslashes.
     [[ $pair != '\'[\"?] ]] || pair=${pair:1}
+    # %b takes one digit more after a zero.
+    if [[ $pair == '\0' && ${1:index+1:2} =~ ^[0-7]{1,2} ]]; then
+      ((index += ${#BASH_REMATCH[0]}))
+      printf -v pair '\\x%02x' "0${BASH_REMATCH[0]}"
+    fi
     escaped+=$pair
   done
   printf -v spelled %b "$escaped"

@@ -34,6 +34,15 @@ TEST(PathTextTest, TheLastComponentIgnoresTrailingSlashes) {
     EXPECT_EQ(lastPathComponent(""), "");
 }
 
+TEST(PathTextTest, AFolderWhoseNameOnlyBeginsAlikeIsNotBelow) {
+    EXPECT_TRUE(isAtOrBelow("/a/b", "/a/b"));
+    EXPECT_TRUE(isAtOrBelow("/a/b/c", "/a/b"));
+    EXPECT_FALSE(isAtOrBelow("/a/bc", "/a/b"));
+    EXPECT_FALSE(isAtOrBelow("/a", "/a/b"));
+    EXPECT_EQ(withoutFoldersBelow("/a/b:/usr/bin:/a/b/c:/a/bc", "/a/b"), "/usr/bin:/a/bc");
+    EXPECT_EQ(withoutFoldersBelow("/a/b", "/a/b"), "");
+}
+
 TEST(PathTextTest, ANulIsFoundAnywhere) {
     EXPECT_TRUE(hasNul("\0a"s));
     EXPECT_TRUE(hasNul("a\0"s));

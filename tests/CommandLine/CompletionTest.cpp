@@ -211,7 +211,7 @@ TEST_P(CompletionTest, GoOnFromWhatTheyThemselvesHaveSpelled) {
     if (!isBash()) {
         GTEST_SKIP() << "zsh stops after its own $''";
     }
-    const fs::path file = work_ / "a\n\t\\\"?/b\n/$(touch PWNED)";
+    const fs::path file = work_ / "a\n\t\\\"?\0017/b\n/$(touch PWNED)";
     write(file, "");
     EXPECT_THAT(called("quorvelctl inspect \t\t\t\r"),
                 ElementsAre("inspect", file.lexically_relative(work_).string()));

@@ -20,8 +20,10 @@ void set(const std::string& name, const std::optional<std::string>& value) {
 
 } // namespace
 
-TemporaryFolder::TemporaryFolder() {
-    std::string pattern = (fs::temp_directory_path() / "quorvel-test-XXXXXX").string();
+TemporaryFolder::TemporaryFolder()
+    : TemporaryFolder((fs::temp_directory_path() / "quorvel-test-XXXXXX").string()) {}
+
+TemporaryFolder::TemporaryFolder(std::string pattern) {
     if (::mkdtemp(pattern.data()) == nullptr) {
         throw std::runtime_error("no temporary folder at " + pattern);
     }
@@ -56,7 +58,9 @@ ScopedEnvironment::~ScopedEnvironment() {
 TemporaryHome::TemporaryHome()
     : path_(folder_ / "home"),
       fixed_("CFFIXED_USER_HOME", path_.string()),
-      data_("XDG_DATA_HOME", std::nullopt) {
+      data_("XDG_DATA_HOME", std::nullopt),
+      runtime_("/tmp/q-XXXXXX"),
+      runtimeVariable_("XDG_RUNTIME_DIR", runtime_.path()) {
     fs::create_directory(path_);
 }
 

@@ -12,6 +12,8 @@ namespace quorvel::testing {
 class TemporaryFolder {
 public:
     TemporaryFolder();
+    /// In the folder of `pattern`, whose last six characters are replaced.
+    explicit TemporaryFolder(std::string pattern);
     TemporaryFolder(const TemporaryFolder&) = delete;
     TemporaryFolder& operator=(const TemporaryFolder&) = delete;
     ~TemporaryFolder();
@@ -54,6 +56,8 @@ private:
     std::filesystem::path path_;
     ScopedEnvironment fixed_;
     ScopedEnvironment data_; ///< the session's own would lead out of the home
+    TemporaryFolder runtime_; ///< what clones leave there goes; short, since it has sockets
+    ScopedEnvironment runtimeVariable_;
 };
 
 /// Writes a file and creates its missing parent folders.
