@@ -9,7 +9,6 @@ namespace {
 using namespace testing;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
-using ::testing::MatchesRegex;
 namespace fs = std::filesystem;
 
 WriteEvent writeTo(const std::string& path) {
