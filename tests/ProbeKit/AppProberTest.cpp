@@ -98,7 +98,7 @@ TEST(AppProberTest, LeakBucketsHaveTheirNames) {
     EXPECT_EQ(caseNamed<LeakBucket>("other"), std::nullopt);
 }
 
-Strategy recommended(std::vector<LeakBucket> leaks, SingletonTier singleton) {
+Strategy recommended(const std::vector<LeakBucket>& leaks, SingletonTier singleton) {
     ProbeResult result;
     for (const LeakBucket leak : leaks) {
         result.buckets[leak] = {"/path"};
