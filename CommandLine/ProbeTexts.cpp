@@ -156,7 +156,7 @@ std::string description(const AppProfile& profile, const ProbeResult& result) {
     }
     const auto environment = profile.environment.value_or(std::map<std::string, std::string>{});
     for (const auto& [key, value] : environment) {
-        text += line("Variable", terminalText(key + "=" + value));
+        text += line("Variable", terminalText(std::string(key).append("=").append(value)));
     }
     if (const auto cost = environmentCost(environment)) {
         text += *cost + "\n";

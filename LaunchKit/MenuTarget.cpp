@@ -78,7 +78,7 @@ std::string codesFor(const InstanceConfig& config, const std::optional<DesktopEn
     if (!config.registerAsBrowser && !config.openWithPassthrough) {
         return {};
     }
-    const std::string own = entry ? codeIn(entry->exec) : std::string();
+    std::string own = entry ? codeIn(entry->exec) : std::string();
     // A browser is given addresses, which a code for files would drop.
     if (config.registerAsBrowser && (own == "%f" || own == "%F")) {
         return "%U";

@@ -114,7 +114,7 @@ fs::path WrapperFactory::create(const Request& request, const BeforeWriting& bef
     const WrapperGenerator::Options options{configuration(request, name), *runner,
                                             request.customIcon, request.hideWrapperIcon,
                                             beforeWriting};
-    const fs::path wrapper = WrapperGenerator().generate(folderOf(request), options);
+    fs::path wrapper = WrapperGenerator().generate(folderOf(request), options);
     publish(request, {wrapper, options.config}, warn);
     return wrapper;
 }

@@ -1,7 +1,6 @@
 #include "ProbeKit/CopyTrial.h"
 
 #include "LaunchKit/AppBundle.h"
-#include "Platform/processes/ProcessActivity.h"
 
 #include <utility>
 
@@ -63,10 +62,10 @@ void CopyTrial::waitWhileStarting(std::size_t copy) {
     constexpr Seconds period{0.5};
     constexpr double idleShare = 0.1;
     Process& process = copies_[copy].process;
-    ProcessActivity before = activityOf(process.identifier());
+    ProcessActivity before = steps_.activity(process.identifier());
     for (Seconds waited{0}; waited < steps_.patience && process.isRunning(); waited += period) {
         steps_.wait(period);
-        const ProcessActivity now = activityOf(process.identifier());
+        const ProcessActivity now = steps_.activity(process.identifier());
         const bool isIdle = now.cpuTime - before.cpuTime < period * idleShare;
         if (isIdle && !now.wantsToRun) {
             return;
@@ -78,8 +77,8 @@ void CopyTrial::waitWhileStarting(std::size_t copy) {
 CopyTrial::State CopyTrial::stateOf(std::size_t copy) {
     IsolatedProcess& started = copies_[copy];
     if (started.process.isRunning()) {
-        return activityOf(started.process.identifier()).waitsForLock ? State::waitsForLock
-                                                                     : State::up;
+        return steps_.activity(started.process.identifier()).waitsForLock ? State::waitsForLock
+                                                                          : State::up;
     }
     if (isRunningWithHome(app_.executableURL(), started.home)) {
         return State::up; // it goes on in another process

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "LaunchKit/AppProfile.h"
+#include "Platform/processes/ProcessActivity.h"
 #include "Platform/processes/ProcessShutdown.h"
 
 #include <chrono>
@@ -30,6 +31,7 @@ public:
         Seconds settleA{0};
         Seconds settleB{0};
         Seconds patience{0}; ///< how much longer to wait for a copy that is still starting
+        std::function<ProcessActivity(pid_t)> activity = activityOf;
     };
 
     /// What `run` launches is added to `copies`, also if it throws.

@@ -42,7 +42,8 @@ void makeApplications(const fs::path& data) {
     for (const std::string& size : sizes) {
         createDirectories(theme / size / "apps");
         list += size + "/apps,";
-        groups += "[" + size + "/apps]\nSize=" + std::to_string(std::atoi(size.c_str())) + "\n";
+        groups += "[" + size +
+                  "/apps]\nSize=" + std::to_string(std::strtol(size.c_str(), nullptr, 10)) + "\n";
     }
     writeFile(theme / "index.theme",
               "[Icon Theme]\nName=hicolor\nDirectories=" + list + "\n" + groups);

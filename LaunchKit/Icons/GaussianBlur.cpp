@@ -11,6 +11,11 @@ namespace {
 struct Kernel {
     int radius = 0;
     std::vector<float> weights{};
+
+    [[nodiscard]] float at(int offset) const {
+        const int index = offset + radius;
+        return weights[static_cast<std::size_t>(index)];
+    }
 };
 
 // Each weight is the Gaussian integrated over the pixel, so that a narrow one is exact.
@@ -52,7 +57,7 @@ void blurRows(const Plane& source, Plane& target, int width, int height, const K
     for (int y = 0; y < height; ++y) {
         for (int shift = -kernel.radius; shift <= kernel.radius; ++shift) {
             addShifted(&source[lineStart(y, width)], &target[lineStart(y, width)], width, shift,
-                       kernel.weights[static_cast<std::size_t>(shift + kernel.radius)]);
+                       kernel.at(shift));
         }
     }
 }
@@ -63,7 +68,7 @@ void blurColumns(const Plane& source, Plane& target, int width, int height, cons
             const int from = y - shift;
             if (from >= 0 && from < height) {
                 addShifted(&source[lineStart(from, width)], &target[lineStart(y, width)], width, 0,
-                           kernel.weights[static_cast<std::size_t>(shift + kernel.radius)]);
+                           kernel.at(shift));
             }
         }
     }

@@ -26,7 +26,8 @@ public:
     /// Moves an item. Throws `PlatformError`, also if anything is at `destination`; then the item
     /// is still complete at `source`, including what was written into it meanwhile, or the error
     /// says that it was copied but part of the original can't be removed. Keeps hard links between
-    /// the items that one mover moves.
+    /// the items that one mover moves. Another one, after an interruption, doesn't know them: of
+    /// the items that share a file, those that it moves share a second one.
     void move(const std::filesystem::path& source, const std::filesystem::path& destination);
 
     /// Returns whether an interrupted move leaves a folder of that name beside its original.

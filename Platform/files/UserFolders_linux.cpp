@@ -26,7 +26,7 @@ std::string_view xdgNameOf(std::string_view kind) {
 std::string userFolder(std::string_view kind, const std::string& home) {
     for (const fs::path& settings : settingsFolders(home)) {
         for (const XdgUserDir& named : readXdgUserDirs(settings)) {
-            const std::string folder = withoutTrailingSlashes(withHomeExpanded(named.folder, home));
+            std::string folder = withoutTrailingSlashes(withHomeExpanded(named.folder, home));
             // A folder that the user switched off is set to the home itself.
             if (named.name == xdgNameOf(kind) && folder != home) {
                 return folder;

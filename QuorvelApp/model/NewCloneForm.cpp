@@ -243,7 +243,7 @@ void NewCloneForm::addEnvironment(const std::map<std::string, std::string>& vari
         if (!envText.empty() && !envText.ends_with('\n')) {
             envText += '\n';
         }
-        envText += key + "=" + value;
+        envText.append(key).append("=").append(value);
     }
 }
 

@@ -17,7 +17,7 @@ using ::testing::Not;
 
 class HostileTextTest : public ::testing::Test {
 protected:
-    void addClone(const std::string& file, const std::string& name) {
+    void addClone(const std::string& file, const std::string& name) const {
         makeWrapper(harness.home / ("Applications/" + file + ".app"), minimalConfig(name));
     }
 

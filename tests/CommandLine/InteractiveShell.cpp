@@ -81,7 +81,7 @@ InteractiveShell::~InteractiveShell() {
     ::close(terminal_);
 }
 
-void InteractiveShell::type(std::string_view keys) {
+void InteractiveShell::type(std::string_view keys) const {
     while (!keys.empty()) {
         const ssize_t count = ::write(terminal_, keys.data(), keys.size());
         if (count <= 0) {

@@ -23,7 +23,7 @@ public:
     ~InteractiveShell();
 
     /// Presses these keys: "\t" is Tab, "\r" is Return.
-    void type(std::string_view keys);
+    void type(std::string_view keys) const;
 
     /// Reads the program's output until `done` holds. Returns false if that takes more than 20
     /// seconds or the program ends before.

@@ -22,7 +22,7 @@ std::vector<char*> pointersTo(std::vector<std::string>& texts) {
 
 } // namespace
 
-std::size_t peakMemoryOf(std::vector<std::string> command, Environment environment) {
+std::size_t peakMemoryOf(std::vector<std::string> command, const Environment& environment) {
     std::vector<std::string> settings;
     settings.reserve(environment.size());
     for (const auto& [name, value] : environment) {

@@ -6,8 +6,6 @@
 namespace quorvel {
 namespace {
 
-using ::testing::ElementsAre;
-using ::testing::HasSubstr;
 
 AppProfile ordinaryProfile() {
     AppProfile profile;

@@ -16,7 +16,6 @@ namespace quorvel {
 namespace {
 
 using namespace testing;
-using ::testing::Contains;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 namespace fs = std::filesystem;

@@ -14,7 +14,6 @@ namespace {
 
 using namespace testing;
 using ::testing::ElementsAre;
-using ::testing::EndsWith;
 using ::testing::IsEmpty;
 namespace fs = std::filesystem;
 

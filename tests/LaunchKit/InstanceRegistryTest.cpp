@@ -197,11 +197,13 @@ TEST_F(InstanceRegistryTest, UpdatingToTextThatCantBeWrittenChangesNothing) {
     EXPECT_EQ(read(bundle / "Contents/Resources/instance.json"), before);
 }
 
-TEST_F(InstanceRegistryTest, UpdatingAFifoDoesntBlock) {
+TEST_F(InstanceRegistryTest, UpdatingAFifoNeitherBlocksNorReplacesIt) {
     const fs::path bundle = wrapper("Work.app", "Work");
-    fs::remove(bundle / "Contents/Resources/instance.json");
-    ::mkfifo((bundle / "Contents/Resources/instance.json").c_str(), 0600);
+    const fs::path file = bundle / "Contents/Resources/instance.json";
+    fs::remove(file);
+    ASSERT_EQ(::mkfifo(file.c_str(), 0600), 0);
     InstanceRegistry().update({bundle, minimalConfig()}, [](InstanceConfig&) {});
+    EXPECT_TRUE(fs::is_fifo(file));
 }
 
 TEST_F(InstanceRegistryTest, SharingKeepsWhatAnotherProgramChangedMeanwhile) {

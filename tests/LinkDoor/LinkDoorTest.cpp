@@ -23,10 +23,7 @@ using ::testing::AllOf;
 using ::testing::Contains;
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
-using ::testing::IsEmpty;
-using ::testing::Key;
 using ::testing::Not;
-using ::testing::Pair;
 namespace fs = std::filesystem;
 
 std::vector<std::string> recordsIn(const std::string& text) {

@@ -9,7 +9,6 @@ namespace {
 using namespace testing;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
-using ::testing::MatchesRegex;
 namespace fs = std::filesystem;
 
 WriteEvent writeTo(const std::string& path) {
@@ -99,7 +98,7 @@ TEST(AppProberTest, LeakBucketsHaveTheirNames) {
     EXPECT_EQ(caseNamed<LeakBucket>("other"), std::nullopt);
 }
 
-Strategy recommended(std::vector<LeakBucket> leaks, SingletonTier singleton) {
+Strategy recommended(const std::vector<LeakBucket>& leaks, SingletonTier singleton) {
     ProbeResult result;
     for (const LeakBucket leak : leaks) {
         result.buckets[leak] = {"/path"};

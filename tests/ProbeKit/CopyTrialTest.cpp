@@ -282,6 +282,41 @@ TEST_F(CopyTrialTest, OfAHomeWithManyFoldersFewAreWatched) {
     EXPECT_TRUE(result.complete);
 }
 
+// How often, half a second each, a copy is waited for that is seen to do this in turn, and from
+// then on nothing.
+std::size_t timesWaited(const AppBundle& app, std::vector<ProcessActivity> seen, Seconds patience) {
+    std::vector<IsolatedProcess> copies;
+    std::size_t waited = 0;
+    std::size_t looked = 0;
+    CopyTrial::Steps steps;
+    steps.launch = [](const std::string& home, const CopyTrial::Variables&) -> IsolatedProcess {
+        return {Process::run({.executable = "/bin/sleep", .arguments = {"600"}}), home};
+    };
+    steps.wait = [&](Seconds time) {
+        waited += copies.size() == 1 && time == Seconds(0.5) ? 1U : 0U;
+    };
+    steps.patience = patience;
+    steps.activity = [&](pid_t) { return seen[std::min(looked++, seen.size() - 1)]; };
+    CopyTrial(app, std::move(steps), copies).run();
+    terminateAndWait(std::move(copies), std::chrono::milliseconds(500));
+    return waited;
+}
+
+TEST_F(CopyTrialTest, ACopyThatComputesOrIsKeptFromItIsWaitedFor) {
+    using namespace std::chrono_literals;
+    const AppBundle app = AppBundle::read(entry(wait)).value();
+    const ProcessActivity idle{.cpuTime = 70ms};
+    EXPECT_EQ(timesWaited(app, {idle}, Seconds(5)), 1U);
+    // A tenth of the time is no longer idle.
+    EXPECT_EQ(timesWaited(app, {{}, {.cpuTime = 50ms}, {.cpuTime = 99ms}}, Seconds(5)), 2U);
+    // It has no processor yet.
+    const ProcessActivity ready{.cpuTime = 70ms, .wantsToRun = true};
+    EXPECT_EQ(timesWaited(app, {idle, ready, ready, idle}, Seconds(5)), 3U);
+    const ProcessActivity waiting{.cpuTime = 70ms, .waitsForLock = true};
+    EXPECT_EQ(timesWaited(app, {idle, waiting}, Seconds(5)), 1U);
+    EXPECT_EQ(timesWaited(app, {ready}, Seconds(2)), 4U);
+}
+
 TEST_F(CopyTrialTest, TiersFollowFromTheCopiesThatAreUp) {
     EXPECT_EQ(singletonTier(true, 2), SingletonTier::none);
     EXPECT_EQ(singletonTier(true, 1), SingletonTier::lockFile);

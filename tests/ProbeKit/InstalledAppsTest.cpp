@@ -19,7 +19,6 @@ using namespace testing;
 using ::testing::Contains;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
-using ::testing::SizeIs;
 namespace fs = std::filesystem;
 
 /// What a probe found, as an ordinary user of a desktop of their own.

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 #include <stdexcept>
 
 namespace quorvel::testing {
@@ -52,7 +53,7 @@ std::array<int, 3> yccOf(QRgb pixel) {
     const double red = qRed(pixel);
     const double green = qGreen(pixel);
     const double blue = qBlue(pixel);
-    return {static_cast<int>(0.299 * red + 0.587 * green + 0.114 * blue + 0.5),
+    return {static_cast<int>(std::lround(0.299 * red + 0.587 * green + 0.114 * blue)),
             static_cast<int>(-0.168736 * red - 0.331264 * green + 0.5 * blue + 128.5),
             static_cast<int>(0.5 * red - 0.418688 * green - 0.081312 * blue + 128.5)};
 }

@@ -42,7 +42,7 @@ std::vector<std::string> chunks(QSvgRenderer& drawing) {
 int sideIn(const fs::path& file) {
     for (const fs::path& part : file) {
         const std::string name = part.string();
-        const int side = std::atoi(name.c_str());
+        const auto side = static_cast<int>(std::strtol(name.c_str(), nullptr, 10));
         if (side > 0 && name == std::to_string(side) + "x" + std::to_string(side)) {
             return side;
         }

@@ -173,7 +173,7 @@ TEST_F(ForeignSoftwareTest, ContainsPngThatImageMagickReads) {
               0);
     const std::string raw = read(folder_ / "image.rgba");
     ASSERT_EQ(raw.size(), 256U * 256U * 4U);
-    const QImage image(reinterpret_cast<const uchar*>(raw.data()), 256, 256, 256 * 4,
+    const QImage image(reinterpret_cast<const uchar*>(raw.data()), 256, 256, qsizetype{256} * 4,
                        QImage::Format_RGBA8888);
     expectSamePicture(ours_->nearest(256), image.convertToFormat(QImage::Format_ARGB32));
 }

@@ -327,11 +327,12 @@ TEST(IcnsFileTest, HasNoImageWithoutEntries) {
 TEST(IcnsFileTest, ReadsFromDiskAndOutlivesTheFile) {
     const TemporaryFolder folder;
     write(folder / "a.icns", icnsOf({icnsEntry("ic04", argbOf(testPicture(16)))}));
-    const auto file = IcnsFile::read(folder / "a.icns");
+    std::optional<IcnsFile> file = IcnsFile::read(folder / "a.icns");
     ASSERT_TRUE(file);
     std::filesystem::remove(folder / "a.icns");
-    const IcnsFile copy = *file;
-    EXPECT_EQ(copy.decode(0), testPicture(16));
+    const IcnsFile moved = std::move(*file);
+    file.reset();
+    EXPECT_EQ(moved.decode(0), testPicture(16));
     EXPECT_FALSE(IcnsFile::read(folder / "a.icns"));
     EXPECT_FALSE(IcnsFile::read(folder.path()));
 }

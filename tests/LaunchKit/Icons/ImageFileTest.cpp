@@ -104,7 +104,8 @@ TEST(ImageFileTest, TakesTheNextWidestIfOneIsBeyondTheLimitsOrBroken) {
     const std::string bytes =
         tiffOf({{{16, 9}, 10}, {{maximumImageSide + 1, 1}, 20}, {{48, 9}, 30}});
     EXPECT_EQ(widestImage(bytes).size(), QSize(48, 9));
-    EXPECT_EQ(widestImage(bytes.substr(0, bytes.size() - 48 * 9)).size(), QSize(16, 9));
+    EXPECT_EQ(widestImage(bytes.substr(0, bytes.size() - std::size_t{48} * 9)).size(),
+              QSize(16, 9));
 }
 
 TEST(ImageFileTest, LeavesFilesAloneWhoseDirectoryNeedNotGiveTheRealSize) {

@@ -13,7 +13,6 @@ namespace quorvel {
 namespace {
 
 using namespace testing;
-using ::testing::ElementsAre;
 using ::testing::UnorderedElementsAre;
 namespace fs = std::filesystem;
 

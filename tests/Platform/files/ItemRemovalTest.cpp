@@ -16,7 +16,6 @@ namespace quorvel {
 namespace {
 
 using namespace testing;
-using ::testing::HasSubstr;
 namespace fs = std::filesystem;
 
 class ItemRemovalTest : public ::testing::Test {

@@ -10,7 +10,6 @@ namespace {
 
 using namespace testing;
 using ::testing::IsEmpty;
-using ::testing::Optional;
 using ::testing::Pair;
 using ::testing::UnorderedElementsAre;
 namespace fs = std::filesystem;
