@@ -1,6 +1,7 @@
 #include "Base/PropertyList.h"
 
 #include "Base/PropertyListLimits.h"
+#include "Base/PropertyListPruning.h"
 #include "Base/PropertyListXml.h"
 #include "Base/Utf8.h"
 
@@ -194,7 +195,10 @@ std::optional<PropertyListDictionary> parsedOneAtATime(Parser parser, std::strin
 std::optional<PropertyListDictionary> parsedXml(std::string_view document,
                                                 PropertyList::Keys keys) {
     if (const auto needed = PropertyListLimits::neededBytes(document)) {
-        return parsedOneAtATime(plist_from_xml, document, keys, needed);
+        return keys.size() == 0
+                   ? parsedOneAtATime(plist_from_xml, document, keys, needed)
+                   : parsedOneAtATime(plist_from_xml, PropertyListPruning::pruned(document, keys),
+                                      keys, needed);
     }
     // Exceeds the limits, or is written in a way that the parser may misread.
     const auto plain = PropertyListXml::simplified(document);

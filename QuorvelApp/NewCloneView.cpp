@@ -57,13 +57,13 @@ QWidget* NewCloneView::makeHeader() {
 }
 
 QWidget* NewCloneView::makePanes(IconLoader& icons) {
-    auto* panes = new QWidget;
+    auto* panes = new QWidget(this);
     auto* row = new QHBoxLayout(panes);
     row->setContentsMargins(0, 0, 0, 0);
     row->setSpacing(0);
-    row->addWidget(new TargetPane(session_, icons), 1);
+    row->addWidget(new TargetPane(session_, icons, panes), 1);
     row->addWidget(makeDivider(Qt::Vertical));
-    row->addWidget(new ConfigurationPane(session_, icons));
+    row->addWidget(new ConfigurationPane(session_, icons, panes));
     return panes;
 }
 

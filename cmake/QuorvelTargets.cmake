@@ -79,6 +79,11 @@ function(quorvel_library name)
   target_link_libraries(${name} PUBLIC quorvel_options)
 endfunction()
 
+# quorvel_compile_for_size(SOURCES...): for what runs once when a clone starts. Each clone has a copy.
+function(quorvel_compile_for_size)
+  set_property(SOURCE ${ARGN} APPEND PROPERTY COMPILE_OPTIONS $<$<CONFIG:Release>:-Os>)
+endfunction()
+
 # quorvel_executable(NAME SOURCES...)
 function(quorvel_executable name)
   add_executable(${name} ${ARGN})

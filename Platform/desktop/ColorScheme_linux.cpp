@@ -4,6 +4,7 @@
 
 #include <QDBusConnection>
 #include <QDBusMessage>
+#include <QFile>
 
 namespace quorvel {
 namespace {
@@ -32,9 +33,19 @@ std::optional<ColorScheme> schemeFrom(const QVariant& value) {
     return number == 1 ? ColorScheme::dark : ColorScheme::light;
 }
 
+// Looked for as libdbus does, which would start a bus of its own if there is none.
+bool hasSessionBus() {
+    const QByteArray runtime = qgetenv("XDG_RUNTIME_DIR");
+    return !qEnvironmentVariableIsEmpty("DBUS_SESSION_BUS_ADDRESS") ||
+           (!runtime.isEmpty() && QFile::exists(QFile::decodeName(runtime + "/bus")));
+}
+
 } // namespace
 
 PortalColorScheme::PortalColorScheme(std::function<void()> changed) : changed_(std::move(changed)) {
+    if (!hasSessionBus()) {
+        return;
+    }
     QDBusConnection bus = QDBusConnection::sessionBus();
     if (!bus.isConnected()) {
         return;

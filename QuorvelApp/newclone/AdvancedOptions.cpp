@@ -28,8 +28,9 @@ QVBoxLayout* makeColumn(int spacing) {
 
 } // namespace
 
-AdvancedOptions::AdvancedOptions(NewCloneSession& session, IconLoader& icons)
-    : session_(session),
+AdvancedOptions::AdvancedOptions(NewCloneSession& session, IconLoader& icons, QWidget* parent)
+    : QWidget(parent),
+      session_(session),
       column_(new QVBoxLayout(this)) {
     column_->setContentsMargins(0, 0, 0, 0);
     column_->setSpacing(12);
@@ -195,11 +196,11 @@ void AdvancedOptions::addIsolation() {
 }
 
 void AdvancedOptions::addLinks() {
-    auto* widget = new QWidget;
+    auto* widget = new QWidget(this);
     auto* column = new QVBoxLayout(widget);
     column->setContentsMargins(0, 0, 0, 0);
     column->setSpacing(4);
-    auto* links = new LinksRow(session_);
+    auto* links = new LinksRow(session_, widget);
     QLabel* heading = makeLabel(tr("Links"), TextStyle::captionMedium);
     heading->setBuddy(links);
     column->addWidget(heading);

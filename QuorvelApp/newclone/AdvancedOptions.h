@@ -19,7 +19,7 @@ class AdvancedOptions : public QWidget {
 public:
     static constexpr int editorHeight = 54;
 
-    AdvancedOptions(NewCloneSession& session, IconLoader& icons);
+    AdvancedOptions(NewCloneSession& session, IconLoader& icons, QWidget* parent);
 
 private:
     void addBlock(const QString& label, QWidget* control, const QString& help);

@@ -119,8 +119,9 @@ void AppGrid::resizeEvent(QResizeEvent* event) {
     QListView::resizeEvent(event);
 }
 
-AppPicker::AppPicker(NewCloneSession& session, IconLoader& icons)
-    : session_(session),
+AppPicker::AppPicker(NewCloneSession& session, IconLoader& icons, QWidget* parent)
+    : QWidget(parent),
+      session_(session),
       apps_(session.model().sandboxStatus()),
       states_(new QStackedLayout(this)),
       nothing_(makeWrappingLabel({}, TextStyle::body, Ink::secondary)) {

@@ -48,7 +48,7 @@ class AppPicker : public QWidget {
     Q_OBJECT
 
 public:
-    AppPicker(NewCloneSession& session, IconLoader& icons);
+    AppPicker(NewCloneSession& session, IconLoader& icons, QWidget* parent);
 
 private:
     void refresh();

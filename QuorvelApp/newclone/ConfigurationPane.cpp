@@ -52,8 +52,9 @@ QFrame* makeWarning(WrappingText* text) {
 
 } // namespace
 
-ConfigurationPane::ConfigurationPane(NewCloneSession& session, IconLoader& icons)
-    : session_(session),
+ConfigurationPane::ConfigurationPane(NewCloneSession& session, IconLoader& icons, QWidget* parent)
+    : QWidget(parent),
+      session_(session),
       states_(new QStackedLayout) {
     setFixedWidth(paneWidth);
     auto* padding = new QVBoxLayout(this);
@@ -81,8 +82,10 @@ QWidget* ConfigurationPane::makePrompt() {
     return page;
 }
 
+// The large parts get their final parents at once, since reparenting restyles all that is in them.
 QWidget* ConfigurationPane::makeSettings(IconLoader& icons) {
-    auto* page = new QWidget;
+    auto* scroll = new QScrollArea(this);
+    auto* page = new QWidget(scroll->viewport());
     auto* column = new QVBoxLayout(page);
     column->setContentsMargins(6, 6, 14, 6);
     column->setSpacing(14);
@@ -95,19 +98,18 @@ QWidget* ConfigurationPane::makeSettings(IconLoader& icons) {
     strategy_ = new StrategySection(session_);
     auto* launch = new QCheckBox(tr("La&unch after creating"));
     bindField(session_, launch, &NewCloneForm::launchAfter);
-    auto* advanced =
-        new DisclosureGroup(tr("&Advanced options"), new AdvancedOptions(session_, icons));
-    connect(advanced, &DisclosureGroup::toggled, this, [this](bool expanded) {
-        session_.edit([&](NewCloneForm& form) { form.showAdvanced = expanded; });
-    });
     column->addWidget(new ConfigurationHeader(session_, icons));
     column->addWidget(warning_);
     column->addWidget(makeNameSection());
     column->addWidget(strategy_);
+    auto* advanced = new DisclosureGroup(tr("&Advanced options"), page);
+    advanced->setContent(new AdvancedOptions(session_, icons, advanced));
+    connect(advanced, &DisclosureGroup::toggled, this, [this](bool expanded) {
+        session_.edit([&](NewCloneForm& form) { form.showAdvanced = expanded; });
+    });
     column->addWidget(advanced);
     column->addWidget(launch);
     column->addStretch();
-    auto* scroll = new QScrollArea;
     scroll->setWidget(page);
     scroll->setWidgetResizable(true);
     scroll->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);

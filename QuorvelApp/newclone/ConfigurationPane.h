@@ -21,7 +21,7 @@ class ConfigurationPane : public QWidget {
 public:
     static constexpr int paneWidth = 300;
 
-    ConfigurationPane(NewCloneSession& session, IconLoader& icons);
+    ConfigurationPane(NewCloneSession& session, IconLoader& icons, QWidget* parent);
 
 private:
     [[nodiscard]] QWidget* makePrompt();

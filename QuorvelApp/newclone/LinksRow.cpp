@@ -5,6 +5,7 @@
 #include "QuorvelApp/model/QtText.h"
 #include "QuorvelApp/widgets/PaneComboBox.h"
 
+#include <QListView>
 #include <QSignalBlocker>
 #include <QStyledItemDelegate>
 #include <QVBoxLayout>
@@ -13,9 +14,15 @@
 
 namespace quorvel {
 
-LinksRow::LinksRow(NewCloneSession& session) : session_(session), choices_(new PaneComboBox) {
+LinksRow::LinksRow(NewCloneSession& session, QWidget* parent)
+    : QWidget(parent),
+      session_(session),
+      choices_(new PaneComboBox(this)) {
     choices_->setAccessibleName(tr("Links"));
     choices_->setItemDelegate(new QStyledItemDelegate(choices_)); // so that the style sheet applies
+    if (auto* list = qobject_cast<QListView*>(choices_->view())) {
+        list->setUniformItemSizes(true); // or each clone is measured whenever the sheet changes
+    }
     choices_->addItem(tr("The default browser"), QString());
     choices_->addItem(tr("This clone"), qtText(linksInside));
     for (const InstanceRecord& clone : session_.model().clones()) {

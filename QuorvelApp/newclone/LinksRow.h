@@ -14,7 +14,7 @@ class LinksRow : public QWidget {
     Q_OBJECT
 
 public:
-    explicit LinksRow(NewCloneSession& session);
+    LinksRow(NewCloneSession& session, QWidget* parent);
 
 private:
     void refresh();

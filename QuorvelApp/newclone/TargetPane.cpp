@@ -7,10 +7,11 @@
 
 namespace quorvel {
 
-TargetPane::TargetPane(NewCloneSession& session, IconLoader& icons) {
+TargetPane::TargetPane(NewCloneSession& session, IconLoader& icons, QWidget* parent)
+    : QWidget(parent) {
     // In the order of the kinds.
     auto* pages = new QStackedLayout(this);
-    pages->addWidget(new AppPicker(session, icons));
+    pages->addWidget(new AppPicker(session, icons, this));
     pages->addWidget(new WebForm(session));
     pages->addWidget(new FileForm(session));
     pages->addWidget(new CommandForm(session));

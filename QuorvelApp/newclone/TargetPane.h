@@ -13,7 +13,7 @@ class TargetPane : public QWidget {
     Q_OBJECT
 
 public:
-    TargetPane(NewCloneSession& session, IconLoader& icons);
+    TargetPane(NewCloneSession& session, IconLoader& icons, QWidget* parent);
 };
 
 } // namespace quorvel

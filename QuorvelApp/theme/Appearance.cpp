@@ -1,5 +1,6 @@
 #include "QuorvelApp/theme/Appearance.h"
 
+#include "QuorvelApp/theme/Symbols.h"
 #include "QuorvelApp/theme/Theme.h"
 
 #include <QApplication>
@@ -8,6 +9,7 @@
 #include <QOperatingSystemVersion>
 #include <QProxyStyle>
 #include <QStyleFactory>
+#include <QStyleOption>
 #include <QWidget>
 
 // A static library's resources must be initialised by name, outside any namespace.
@@ -22,7 +24,7 @@ ColorScheme schemeOf(const QPalette& palette) {
     return isDark(palette) ? ColorScheme::dark : ColorScheme::light;
 }
 
-// Mnemonics are underlined only while they can be used.
+// Fusion, with mnemonics underlined only while they can be used.
 class Style final : public QProxyStyle {
 public:
     Style() : QProxyStyle(QStyleFactory::create(QStringLiteral("Fusion"))) {}
@@ -32,6 +34,16 @@ public:
         return hint == SH_UnderlineShortcut
                    ? int(QApplication::queryKeyboardModifiers().testFlag(Qt::AltModifier))
                    : QProxyStyle::styleHint(hint, option, widget, data);
+    }
+
+    QIcon standardIcon(StandardPixmap icon, const QStyleOption* option,
+                       const QWidget* widget) const override {
+        // Every menu bar has it, for when it is too narrow. Fusion's is a picture, for which all
+        // plugins for images would be loaded before the window opens.
+        return icon == SP_ToolBarHorizontalExtensionButton
+                   ? symbolIcon(QStringLiteral("chevron.right"), Ink::text,
+                                option != nullptr && option->direction == Qt::RightToLeft)
+                   : QProxyStyle::standardIcon(icon, option, widget);
     }
 };
 

@@ -8,9 +8,9 @@ namespace quorvel {
 
 using namespace Qt::StringLiterals;
 
-DisclosureGroup::DisclosureGroup(const QString& title, QWidget* content)
-    : title_(new QPushButton(title)),
-      content_(content) {
+DisclosureGroup::DisclosureGroup(const QString& title, QWidget* parent)
+    : QWidget(parent),
+      title_(new QPushButton(title)) {
     title_->setProperty("look", u"disclosure"_s);
     title_->setAutoDefault(true);
     title_->setCheckable(true);
@@ -20,7 +20,6 @@ DisclosureGroup::DisclosureGroup(const QString& title, QWidget* content)
     column->setContentsMargins(0, 0, 0, 0);
     column->setSpacing(Spacing::normal);
     column->addWidget(title_, 0, Qt::AlignLeft);
-    column->addWidget(content_);
     connect(title_, &QPushButton::toggled, this, [this](bool expanded) {
         show(expanded);
         Q_EMIT toggled(expanded);
@@ -28,11 +27,19 @@ DisclosureGroup::DisclosureGroup(const QString& title, QWidget* content)
     show(false);
 }
 
+void DisclosureGroup::setContent(QWidget* content) {
+    content_ = content;
+    content_->setVisible(title_->isChecked());
+    layout()->addWidget(content_);
+}
+
 void DisclosureGroup::show(bool expanded) {
     title_->setIcon(symbolIcon(expanded ? u"chevron.down"_s : u"chevron.right"_s, Ink::text,
                                !expanded && layoutDirection() == Qt::RightToLeft));
     title_->setAccessibleDescription(expanded ? tr("expanded") : tr("collapsed"));
-    content_->setVisible(expanded);
+    if (content_ != nullptr) {
+        content_->setVisible(expanded);
+    }
 }
 
 } // namespace quorvel

@@ -11,8 +11,11 @@ class DisclosureGroup : public QWidget {
     Q_OBJECT
 
 public:
-    /// Takes ownership of `content`. "&" in `title` marks its mnemonic.
-    DisclosureGroup(const QString& title, QWidget* content);
+    /// "&" in `title` marks its mnemonic.
+    DisclosureGroup(const QString& title, QWidget* parent);
+
+    /// Sets what is shown below the title, once. Best given this group as its parent.
+    void setContent(QWidget* content);
 
 Q_SIGNALS:
     void toggled(bool expanded);
@@ -21,7 +24,7 @@ private:
     void show(bool expanded);
 
     QPushButton* title_;
-    QWidget* content_;
+    QWidget* content_ = nullptr;
 };
 
 } // namespace quorvel

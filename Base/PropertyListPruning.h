@@ -1,0 +1,17 @@
+#pragma once
+
+#include "Base/PropertyList.h"
+
+#include <string>
+#include <string_view>
+
+/// Shortens documents before they are parsed, since the parser spends most of its time on values
+/// that nobody asked for.
+namespace quorvel::PropertyListPruning {
+
+/// Returns the XML document without the top-level values of other keys, as far as these are
+/// written plainly: any parser reads them as valid and passes over them. From the first that is
+/// not, everything stays as it is.
+[[nodiscard]] std::string pruned(std::string_view document, PropertyList::Keys keys);
+
+} // namespace quorvel::PropertyListPruning
