@@ -11,15 +11,11 @@ constexpr std::chrono::seconds longest{15};
 constexpr std::chrono::milliseconds period{100};
 
 // Any other second start would be a second application in one home.
-bool passesOnWhatItIsGiven(const InstanceConfig& config) {
-    if (config.kind != ShortcutKind::app) {
+bool passesOnWhatItIsGiven(const AppBundle& app) {
+    if (!app.desktop) {
         return false;
     }
-    const auto app = AppBundle::read(config.targetAppURL(), noEntitlements);
-    if (!app || !app->desktop) {
-        return false;
-    }
-    switch (app->desktop->program.engine) {
+    switch (app.desktop->program.engine) {
     case ResolvedProgram::Engine::chromium:
     case ResolvedProgram::Engine::electron:
     case ResolvedProgram::Engine::firefox:
@@ -33,13 +29,17 @@ bool passesOnWhatItIsGiven(const InstanceConfig& config) {
 
 Handover handOver(const InstanceConfig& config, const std::vector<std::string>& documents,
                   const StartDetails& details) {
-    if ((documents.empty() && details.action.empty()) || !passesOnWhatItIsGiven(config)) {
+    if (config.kind != ShortcutKind::app || (documents.empty() && details.action.empty())) {
+        return {};
+    }
+    const AppBundle app = InstanceLauncher::targetOf(config);
+    if (!passesOnWhatItIsGiven(app)) {
         return {};
     }
     std::optional<PendingHomeLock> claim = PendingHomeLock::of(config);
     StartDetails start = details;
     start.kept = claim ? claim->descriptor() : -1;
-    Process second = InstanceLauncher().launch(config, documents, start);
+    Process second = InstanceLauncher().launch(app, config, documents, start);
     const auto end = std::chrono::steady_clock::now() + longest;
     while (std::chrono::steady_clock::now() < end) {
         if (const auto status = second.waitUntilExit(period)) {

@@ -66,6 +66,13 @@ IsolationOptions isolationOf(const AppBundle& app, const CloneOptions& options) 
     return isolation;
 }
 
+AppBundle readApp(const std::filesystem::path& url) {
+    if (auto app = AppBundle::read(url, noEntitlements)) {
+        return std::move(*app);
+    }
+    throw InstanceLauncher::LaunchError::badBundle(url);
+}
+
 Environment environmentFor(const AppBundle& app, const std::string& home,
                            const CloneOptions& options) {
     Environment environment = currentEnvironment();
@@ -129,16 +136,8 @@ Process InstanceLauncher::launch(const InstanceConfig& config,
                                  const std::vector<std::string>& documents,
                                  const StartDetails& details) const {
     switch (config.kind) {
-    case ShortcutKind::app: {
-        const std::string home = config.resolvedHome();
-        if (config.shareUserFolders) {
-            ensureSharedUserFolders(home);
-        }
-        auto options = static_cast<const CloneOptions&>(config);
-        options.environment = config.resolvedEnvironment();
-        return launch(config.targetAppURL(), home, options, config.resolvedArgs(), documents,
-                      details);
-    }
+    case ShortcutKind::app:
+        return launch(targetOf(config), config, documents, details);
     case ShortcutKind::web:
         throw LaunchError::unsupported("web shortcuts run in the runner's web host");
     case ShortcutKind::file:
@@ -149,19 +148,28 @@ Process InstanceLauncher::launch(const InstanceConfig& config,
     return launchCommand(config);
 }
 
+AppBundle InstanceLauncher::targetOf(const InstanceConfig& config) {
+    if (config.shareUserFolders) {
+        ensureSharedUserFolders(config.resolvedHome());
+    }
+    return readApp(config.targetAppURL());
+}
+
+Process InstanceLauncher::launch(const AppBundle& target, const InstanceConfig& config,
+                                 const std::vector<std::string>& documents,
+                                 const StartDetails& details) const {
+    auto options = static_cast<const CloneOptions&>(config);
+    options.environment = config.resolvedEnvironment();
+    return launch(target, config.resolvedHome(), options, config.resolvedArgs(), documents,
+                  details);
+}
+
 Process InstanceLauncher::launch(const std::filesystem::path& appURL, const std::string& home,
                                  const CloneOptions& options,
                                  const std::vector<std::string>& extraArgs,
                                  const std::vector<std::string>& documents,
                                  const StartDetails& details) const {
-    std::optional<AppBundle> app = AppBundle::read(appURL, noEntitlements);
-    if (!app) {
-        throw LaunchError::badBundle(appURL);
-    }
-    if (app->desktop && !details.action.empty()) {
-        app->desktop->chooseAction(details.action);
-    }
-    return launch(*app, home, options, extraArgs, documents, details);
+    return launch(readApp(appURL), home, options, extraArgs, documents, details);
 }
 
 Process InstanceLauncher::launch(const AppBundle& app, const std::string& home,
@@ -169,6 +177,13 @@ Process InstanceLauncher::launch(const AppBundle& app, const std::string& home,
                                  const std::vector<std::string>& extraArgs,
                                  const std::vector<std::string>& documents,
                                  const StartDetails& details) const {
+    if (app.desktop && !details.action.empty()) {
+        AppBundle chosen = app;
+        chosen.desktop->chooseAction(details.action);
+        StartDetails others = details;
+        others.action.clear();
+        return launch(chosen, home, options, extraArgs, documents, others);
+    }
     createDirectories(home);
     Process::Options process;
     setProgram(app, extraArgs, documents, process);

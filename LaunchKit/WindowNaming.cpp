@@ -42,11 +42,9 @@ bool namesItsWindows(const ResolvedProgram& program) {
 
 } // namespace
 
-std::optional<Process> startWindowNaming(const InstanceConfig& config, const std::string& word) {
-    const auto app = config.kind == ShortcutKind::app
-                         ? AppBundle::read(config.targetAppURL(), noEntitlements)
-                         : std::nullopt;
-    if (!app || !app->desktop || namesItsWindows(app->desktop->program)) {
+std::optional<Process> startWindowNaming(const AppBundle& target, const InstanceConfig& config,
+                                         const std::string& word) {
+    if (!target.desktop || namesItsWindows(target.desktop->program)) {
         return std::nullopt;
     }
     Environment environment = currentEnvironment();
@@ -54,7 +52,7 @@ std::optional<Process> startWindowNaming(const InstanceConfig& config, const std
         environment.insert_or_assign(name, value);
     }
     const auto program = helperProgram("quorvel-window-names", "QUORVEL_WINDOW_NAMES", environment);
-    if (!program || !hasX11Windows(app->desktop->program, environment)) {
+    if (!program || !hasX11Windows(target.desktop->program, environment)) {
         return std::nullopt;
     }
     // The display is the clone's, the home the runner's: by that, it is no part of the clone.

@@ -7,12 +7,14 @@
 
 namespace quorvel {
 
+struct AppBundle;
 struct InstanceConfig;
 
-/// Starts a program that gives the X11 windows of this process's children the clone's word, if the
-/// clone's application has such windows and can't be told the word itself. It ends when this
-/// process does. Returns `std::nullopt` if none is needed, or none is installed. Never throws.
-[[nodiscard]] std::optional<Process> startWindowNaming(const InstanceConfig& config,
-                                                       const std::string& word);
+/// Starts a program that gives the X11 windows of this process's children the clone's word, if
+/// `target`, the clone's application, has such windows and can't be told the word itself. It ends
+/// when this process does. Returns `std::nullopt` if none is needed, or none is installed. Never
+/// throws.
+[[nodiscard]] std::optional<Process>
+startWindowNaming(const AppBundle& target, const InstanceConfig& config, const std::string& word);
 
 } // namespace quorvel

@@ -6,6 +6,8 @@
 
 #include <csignal>
 #include <gmock/gmock.h>
+#include <sys/inotify.h>
+#include <unistd.h>
 
 namespace quorvel {
 namespace {
@@ -116,6 +118,19 @@ TEST_F(HandoverTest, ASecondStartThatOnlyWaitsIsEnded) {
     EXPECT_TRUE(first.isRunning());
     first.terminate();
     first.waitUntilExit();
+}
+
+// A target that is read twice could be another one the second time.
+TEST_F(HandoverTest, AStartReadsItsTargetOnce) {
+    apps_.addScript("fox", "exit 0");
+    InstanceConfig config = configOf(ShortcutKind::app);
+    config.targetAppPath = apps_.addEntry("fox", "fox");
+    const fs::path clone = wrapper(config);
+    const FileHandle events(::inotify_init1(IN_NONBLOCK | IN_CLOEXEC));
+    ASSERT_GE(::inotify_add_watch(events.descriptor(), config.targetAppPath.c_str(), IN_OPEN), 0);
+    EXPECT_EQ(start(clone).waitUntilExit(), 0) << log();
+    inotify_event event[8];
+    EXPECT_EQ(::read(events.descriptor(), event, sizeof event), ssize_t{sizeof event[0]});
 }
 
 } // namespace
