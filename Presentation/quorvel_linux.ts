@@ -28,6 +28,17 @@
     </message>
 </context>
 <context>
+    <name>ProbeTexts</name>
+    <message>
+        <source>into your Application Support</source>
+        <translation>into your own application data</translation>
+    </message>
+    <message>
+        <source>into your Preferences</source>
+        <translation>into your own settings</translation>
+    </message>
+</context>
+<context>
     <name>quorvel::AdvancedOptions</name>
     <message>
         <source>Draws a short text badge on the Dock icon to tell clones apart.</source>
