@@ -86,7 +86,8 @@ std::vector<std::string> DesktopTarget::arguments(const std::vector<std::string>
                                                   const std::vector<std::string>& documents) const {
     const ExecLine::Fields fields{entry.icon, entry.name, file.native()};
     const bool takesItems = line.takesItems();
-    auto all = line.toArguments(takesItems ? documents : std::vector<std::string>{}, fields);
+    auto all =
+        lineForDocuments().toArguments(takesItems ? documents : std::vector<std::string>{}, fields);
     const auto place = static_cast<std::ptrdiff_t>(line.engineArgumentsIndex(all));
     all.insert(all.begin() + place, engineArguments.begin(), engineArguments.end());
     if (!takesItems) {
@@ -98,6 +99,18 @@ std::vector<std::string> DesktopTarget::arguments(const std::vector<std::string>
         all.insert(all.begin() + 1, "--die-with-parent");
     }
     return all;
+}
+
+// Desktops start an entry once for each document where it takes one. Of a clone, one start must do.
+ExecLine DesktopTarget::lineForDocuments() const {
+    const bool isBrowser = program.engine == ResolvedProgram::Engine::chromium ||
+                           program.engine == ResolvedProgram::Engine::firefox;
+    return isBrowser ? line.takingSeveral() : line;
+}
+
+std::size_t DesktopTarget::documentsLeftOut(std::size_t count) const {
+    const bool takesOne = line.takesItems() && !lineForDocuments().takesSeveral();
+    return takesOne && count > 1 ? count - 1 : 0;
 }
 
 void DesktopTarget::chooseAction(const std::string& id) {

@@ -25,17 +25,21 @@ bool passesOnWhatItIsGiven(const AppBundle& app) {
     }
 }
 
-} // namespace
+// What one start is given: everything, or one document each time where that is all it takes.
+std::vector<std::vector<std::string>> partsOf(const std::vector<std::string>& documents,
+                                              const DesktopTarget& target) {
+    if (target.documentsLeftOut(documents.size()) == 0) {
+        return {documents};
+    }
+    std::vector<std::vector<std::string>> parts;
+    for (const std::string& document : documents) {
+        parts.push_back({document});
+    }
+    return parts;
+}
 
-Handover handOver(const InstanceConfig& config, const std::vector<std::string>& documents,
-                  const StartDetails& details) {
-    if (config.kind != ShortcutKind::app || (documents.empty() && details.action.empty())) {
-        return {};
-    }
-    const AppBundle app = InstanceLauncher::targetOf(config);
-    if (!passesOnWhatItIsGiven(app)) {
-        return {};
-    }
+Handover handOverPart(const AppBundle& app, const InstanceConfig& config,
+                      const std::vector<std::string>& documents, const StartDetails& details) {
     std::optional<PendingHomeLock> claim = PendingHomeLock::of(config);
     StartDetails start = details;
     start.kept = claim ? claim->descriptor() : -1;
@@ -52,6 +56,26 @@ Handover handOver(const InstanceConfig& config, const std::vector<std::string>& 
     }
     second.terminate();
     return {};
+}
+
+} // namespace
+
+Handover handOver(const InstanceConfig& config, const std::vector<std::string>& documents,
+                  const StartDetails& details) {
+    if (config.kind != ShortcutKind::app || (documents.empty() && details.action.empty())) {
+        return {};
+    }
+    const AppBundle app = InstanceLauncher::targetOf(config);
+    if (!passesOnWhatItIsGiven(app)) {
+        return {};
+    }
+    const auto parts = partsOf(documents, *app.desktop);
+    Handover handover{.isTaken = true};
+    for (std::size_t part = 0; part < parts.size() && handover.isTaken; ++part) {
+        handover = handOverPart(app, config, parts[part], details);
+        handover.leftOut = parts.size() - part - 1;
+    }
+    return handover;
 }
 
 } // namespace quorvel

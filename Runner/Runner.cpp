@@ -68,6 +68,15 @@ std::string actionIn(const std::vector<std::string>& arguments) {
                : std::string();
 }
 
+// The desktop would have started the application once for each document.
+void reportLeftOut(const InstanceConfig& config, std::size_t leftOut) {
+    if (leftOut > 0) {
+        addToLog(config, "documents that were left out, since the application takes one at a time "
+                         "and runs once in a clone: " +
+                             std::to_string(leftOut));
+    }
+}
+
 // Launches the clone's application in a home that nobody else uses, and waits for its end.
 int superviseApp(const InstanceConfig& config, const std::vector<std::string>& documents,
                  StartDetails details, const StartReport& report, const SignalForwarder& signals) {
@@ -76,6 +85,7 @@ int superviseApp(const InstanceConfig& config, const std::vector<std::string>& d
     const AppBundle app = InstanceLauncher::targetOf(config);
     Process target = InstanceLauncher().launch(app, config, documents, details);
     report.started();
+    reportLeftOut(config, app.desktop ? app.desktop->documentsLeftOut(documents.size()) : 0);
     std::optional<Process> naming = startWindowNaming(app, config, details.windowWord);
     return signals.waitUntilExit(target, naming ? &*naming : nullptr);
 }
@@ -87,6 +97,7 @@ int handOverOrSupervise(const InstanceConfig& config, const std::vector<std::str
     Handover handover = handedOver(config, documents, details);
     if (handover.isTaken || handover.successor) {
         report.started();
+        reportLeftOut(config, handover.leftOut);
         return handover.successor ? signals.waitUntilExit(*handover.successor) : 0;
     }
     addToLog(config, obstacle.what());

@@ -13,7 +13,9 @@ namespace quorvel {
 namespace {
 
 using namespace testing;
+using ::testing::EndsWith;
 using ::testing::HasSubstr;
+using ::testing::Not;
 namespace fs = std::filesystem;
 
 class HandoverTest : public RunnerFixture {
@@ -118,6 +120,19 @@ TEST_F(HandoverTest, ASecondStartThatOnlyWaitsIsEnded) {
     EXPECT_TRUE(first.isRunning());
     first.terminate();
     first.waitUntilExit();
+}
+
+TEST_F(HandoverTest, WhatTakesOneDocumentSaysHowManyOthersWereLeftOut) {
+    apps_.addScript("viewer", "echo \"$@\"");
+    InstanceConfig config = configOf(ShortcutKind::app);
+    config.targetAppPath = apps_.addEntry("viewer", "viewer %f");
+    config.openWithPassthrough = true;
+    EXPECT_EQ(run(config, {"/a"}), 0);
+    EXPECT_EQ(log(), "/a\n");
+    EXPECT_EQ(run(config, {"/a", "/b", "/c"}), 0);
+    EXPECT_THAT(log(), HasSubstr("quorvel-runner: documents that were left out"));
+    EXPECT_THAT(log(), EndsWith(" a clone: 2\n"));
+    EXPECT_THAT(log(), Not(HasSubstr("/b")));
 }
 
 // A target that is read twice could be another one the second time.
