@@ -83,7 +83,8 @@ std::optional<std::string> DesktopTarget::obstacle() const {
 }
 
 std::vector<std::string> DesktopTarget::arguments(const std::vector<std::string>& engineArguments,
-                                                  const std::vector<std::string>& documents) const {
+                                                  const std::vector<std::string>& documents,
+                                                  bool withoutBus) const {
     const ExecLine::Fields fields{entry.icon, entry.name, file.native()};
     const bool takesItems = line.takesItems();
     auto all =
@@ -95,8 +96,13 @@ std::vector<std::string> DesktopTarget::arguments(const std::vector<std::string>
     }
     if (program.packaging == ResolvedProgram::Packaging::flatpak && !all.empty() &&
         all.front() == "run") {
+        std::vector<std::string> options;
+        if (withoutBus) {
+            options = {"--no-session-bus", "--nosocket=session-bus"};
+        }
         // Otherwise the application goes on when the clone is asked to quit.
-        all.insert(all.begin() + 1, "--die-with-parent");
+        options.emplace_back("--die-with-parent");
+        all.insert(all.begin() + 1, options.begin(), options.end());
     }
     return all;
 }

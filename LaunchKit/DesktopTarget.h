@@ -39,10 +39,10 @@ struct DesktopTarget {
     /// entry's own, with the documents in place of its field codes. An entry that takes one
     /// document gets the first, except of a browser, which can open several. An entry without a
     /// field code gets all of them at its end. A Flatpak is also told to end with the program that
-    /// started it.
+    /// started it and, if `withoutBus`, to show the application no session bus.
     [[nodiscard]] std::vector<std::string>
     arguments(const std::vector<std::string>& engineArguments,
-              const std::vector<std::string>& documents) const;
+              const std::vector<std::string>& documents, bool withoutBus = false) const;
 
     /// Returns how many of that many documents `arguments` leaves out.
     [[nodiscard]] std::size_t documentsLeftOut(std::size_t count) const;

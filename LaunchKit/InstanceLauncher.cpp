@@ -3,6 +3,7 @@
 #include "Base/PathText.h"
 #include "LaunchKit/InstanceConfig.h"
 #include "LaunchKit/LinkDoorSetup.h"
+#include "LaunchKit/NoSessionBus.h"
 #include "LaunchKit/WindowIdentity.h"
 #include "Platform/files/ContainedFolder.h"
 #include "Platform/files/FileHandle.h"
@@ -41,7 +42,14 @@ void ensureProfileFolders(const std::string& home, const std::vector<std::string
     }
 }
 
-void setProgram(const AppBundle& app, const std::vector<std::string>& extraArgs,
+// Flatpak itself needs the bus that an application in its sandbox is to do without.
+bool hidesBusInSandbox(const AppBundle& app, const CloneOptions& options) {
+    return app.desktop && app.desktop->program.packaging == ResolvedProgram::Packaging::flatpak &&
+           takeBusAway(options.environment);
+}
+
+void setProgram(const AppBundle& app, const CloneOptions& options,
+                const std::vector<std::string>& extraArgs,
                 const std::vector<std::string>& documents, Process::Options& process) {
     if (!app.desktop) {
         process.executable = app.executableURL();
@@ -50,7 +58,8 @@ void setProgram(const AppBundle& app, const std::vector<std::string>& extraArgs,
         return;
     }
     process.executable = app.desktop->program.launcher;
-    process.arguments = app.desktop->arguments(extraArgs, documents);
+    process.arguments =
+        app.desktop->arguments(extraArgs, documents, hidesBusInSandbox(app, options));
     if (!app.desktop->entry.path.empty()) {
         process.directory = app.desktop->entry.path;
     }
@@ -83,7 +92,11 @@ Environment environmentFor(const AppBundle& app, const std::string& home,
     environment["HOME"] = home;
     environment["CFFIXED_USER_HOME"] = home;
     overwrite(environment, isolated);
-    overwrite(environment, options.environment);
+    std::map<std::string, std::string> configured = options.environment;
+    if (hidesBusInSandbox(app, options)) {
+        configured.erase(sessionBusVariable);
+    }
+    overwrite(environment, configured);
     return environment;
 }
 
@@ -186,7 +199,7 @@ Process InstanceLauncher::launch(const AppBundle& app, const std::string& home,
     }
     createDirectories(home);
     Process::Options process;
-    setProgram(app, extraArgs, documents, process);
+    setProgram(app, options, extraArgs, documents, process);
     if (app.desktop && !details.windowWord.empty()) {
         applyWindowIdentity(*app.desktop, details.windowWord, process);
     }
