@@ -21,6 +21,13 @@
     </message>
 </context>
 <context>
+    <name>Deletion</name>
+    <message>
+        <source>It goes on until you quit it, perhaps under the original’s icon in the Dock.</source>
+        <translation>It goes on until you quit it, without its menu entry and perhaps under the original’s icon.</translation>
+    </message>
+</context>
+<context>
     <name>Migration</name>
     <message>
         <source>“%1” now shares Downloads, Documents &amp; Desktop with your Mac — nothing needed moving.</source>
