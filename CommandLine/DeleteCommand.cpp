@@ -22,13 +22,15 @@ namespace quorvel {
 namespace fs = std::filesystem;
 namespace {
 
-// Returns the warning before deleting a running program's data; empty if none runs.
-std::string runningWarning(const CommandContext& context, const InstanceRecord& record) {
+// Returns the warning before deleting a running clone; empty if it does not run.
+std::string runningWarning(const CommandContext& context, const InstanceRecord& record,
+                           bool includingData) {
     if (!isHomeInUse(record.config) &&
         !context.workspace.runningApplications().contains(record.config.bundleId)) {
         return {};
     }
-    const DeletionWarning warning = deletionWarning(record.config.displayName, inSystemWords);
+    const DeletionWarning warning =
+        deletionWarning(record.config.displayName, includingData, inSystemWords);
     return warning.title + ". " + warning.text;
 }
 
@@ -37,8 +39,7 @@ bool keepsData(const DataFolder& data) {
     return data.isNone || holdsUserHome(data.path);
 }
 
-std::string question(const InstanceRecord& record, const DeleteOptions& options,
-                     const std::string& warning) {
+std::string question(const InstanceRecord& record, const DeleteOptions& options) {
     const std::string text = "Delete “" + record.config.displayName + "”";
     const DataFolder data = dataFolderOf(record.config);
     const std::string folder = data.isNone ? record.config.resolvedHome() : data.path.string();
@@ -49,7 +50,7 @@ std::string question(const InstanceRecord& record, const DeleteOptions& options,
         return text + "? Its data folder " + folder + " is kept.";
     }
     return text + (isSymbolicLink(data.path) ? " and the symbolic link " : " and everything in ") +
-           folder + "?" + (warning.empty() ? "" : " " + warning);
+           folder + "?";
 }
 
 void confirm(const CommandContext& context, const DeleteOptions& options, const std::string& text) {
@@ -96,8 +97,8 @@ void deleteCommand(const CommandContext& context, const std::string& clone,
     }
     const InstanceRecord record = findClone(context.registry, clone);
     const bool takesData = options.includingData && !keepsData(dataFolderOf(record.config));
-    const std::string warning = takesData ? runningWarning(context, record) : "";
-    confirm(context, options, question(record, options, warning));
+    const std::string warning = runningWarning(context, record, takesData);
+    confirm(context, options, question(record, options) + (warning.empty() ? "" : " " + warning));
     if (options.yes && !warning.empty()) {
         context.errors << terminalText(warning) << "\n" << std::flush;
     }

@@ -4,7 +4,6 @@
 #include "Base/Utf8.h"
 #include "Presentation/AppTexts.h"
 #include "Presentation/StrategyTexts.h"
-#include "Presentation/SystemWords.h"
 
 #include <nlohmann/json.hpp>
 
@@ -33,14 +32,14 @@ std::string inWords(SingletonTier tier) {
     return "is unclear: no copy was running at the end of the trial";
 }
 
-std::string inWords(LeakBucket bucket) {
+std::string inWords(LeakBucket bucket, const Translate& translate) {
     switch (bucket) {
     case LeakBucket::captured:
         return "inside the trial's home folder";
     case LeakBucket::dataLeak:
-        return "into your own application data";
+        return translate("ProbeTexts", "into your Application Support");
     case LeakBucket::prefsLeak:
-        return "into your own settings";
+        return translate("ProbeTexts", "into your Preferences");
     case LeakBucket::containerLeak:
         return "into its sandbox container";
     case LeakBucket::irrelevant:
@@ -82,13 +81,13 @@ AppProfile printable(AppProfile profile) {
     return profile;
 }
 
-std::string writes(const ProbeResult& result) {
+std::string writes(const ProbeResult& result, const Translate& translate) {
     std::string text = "Writes\n";
     for (const LeakBucket bucket : allCases<LeakBucket>()) {
         const std::size_t count = result.count(bucket);
         std::string number = std::to_string(count);
         number.insert(0, 7 - std::min<std::size_t>(7, number.size()), ' ');
-        text += number + " " + inWords(bucket) + "\n";
+        text += number + " " + inWords(bucket, translate) + "\n";
         if (count > 0 && isLeak(bucket)) {
             for (const std::string& path : firstOf(result.buckets.at(bucket))) {
                 text += "          " + terminalText(path) + "\n";
@@ -144,11 +143,12 @@ std::string listing(const std::vector<RunningApplication>& applications) {
     return text;
 }
 
-std::string description(const AppProfile& profile, const ProbeResult& result) {
+std::string description(const AppProfile& profile, const ProbeResult& result,
+                        const Translate& translate) {
     std::string text;
     text += line("App", terminalText(profile.displayName + " (" + profile.bundleId + ")"));
     text += line("Recommendation", std::string(rawString(profile.strategy)) + ": " +
-                                       strategyReason(profile.strategy, inSystemWords));
+                                       strategyReason(profile.strategy, translate));
     text += line("A second copy", inWords(profile.singleton));
     text += line("Sandboxed", profile.sandboxed ? "yes" : "no");
     for (const std::string& argument : profile.extraArgs) {
@@ -161,7 +161,7 @@ std::string description(const AppProfile& profile, const ProbeResult& result) {
     if (const auto cost = environmentCost(environment)) {
         text += *cost + "\n";
     }
-    text += writes(result);
+    text += writes(result, translate);
     if (result.isInUse) {
         text += "You have the app open. What it wrote meanwhile is counted, too.\n";
     }

@@ -2,6 +2,8 @@
 
 #include "LaunchKit/AppCatalog.h"
 #include "Platform/desktop/Workspace.h"
+#include "Presentation/SystemWords.h"
+#include "Presentation/Translation.h"
 #include "ProbeKit/Models.h"
 
 #include <nlohmann/json_fwd.hpp>
@@ -26,7 +28,8 @@ namespace quorvel {
 
 /// Returns the results of the trial, safe for a terminal: the recommendation and the reasons for
 /// it.
-[[nodiscard]] std::string description(const AppProfile& profile, const ProbeResult& result);
+[[nodiscard]] std::string description(const AppProfile& profile, const ProbeResult& result,
+                                      const Translate& translate = inSystemWords);
 
 /// Returns a bar of fixed width, filled to `fraction` (0 to 1), that overwrites the current line.
 [[nodiscard]] std::string progressBar(double fraction);

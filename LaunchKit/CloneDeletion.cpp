@@ -136,11 +136,15 @@ void removeRest(const ItemRemoval& wrapper, DeletedData& data) {
     }
 }
 
-// Without its runner, an entry that stays is not shown, and the next repair removes it.
-void withdraw(const std::string& identity) {
+// After a link to a wrapper was removed, the clone itself is still there, and a new one may have
+// taken its place. Without its runner, an entry that stays is not shown, and the next repair
+// removes it.
+void withdrawIfGone(const std::string& identity) noexcept {
     try {
-        withdrawFromMenu(identity);
-    } catch (const PlatformError&) {
+        if (!itemOrLinkExists(identity)) {
+            withdrawFromMenu(identity);
+        }
+    } catch (const std::exception&) {
         return;
     }
 }
@@ -154,7 +158,7 @@ bool leavesTemporaryFolder(const InstanceConfig& config) {
 } // namespace
 
 DeletedData deleteClone(const InstanceRegistry& registry, const InstanceRecord& record,
-                        bool includingData) {
+                        bool includingData, const InstanceRegistry::Deferral& later) {
     // Opened before its configuration is read, so that the wrapper removed is the one that was
     // read.
     const std::optional<ItemRemoval> wrapper = ItemRemoval::of(record.bundleURL);
@@ -173,9 +177,10 @@ DeletedData deleteClone(const InstanceRegistry& registry, const InstanceRecord& 
     if (wrapper) {
         removeRest(*wrapper, data.data);
     }
-    // After a link to a wrapper was removed, the clone itself is still there.
-    if (!itemOrLinkExists(identity)) {
-        withdraw(identity);
+    if (later) {
+        later([identity] { withdrawIfGone(identity); });
+    } else {
+        withdrawIfGone(identity);
     }
     if (isIdle) {
         removeTemporaryFolder(record.config.resolvedHome(), currentEnvironment());

@@ -11,8 +11,9 @@ namespace quorvel {
 /// it is running, its temporary files. Throws
 /// `RefusedDeletion`, or `PlatformError` if the wrapper can't be removed; both leave the data
 /// untouched. If the rest of the wrapper can't be removed after the data, the result reports that.
+/// The entry is withdrawn by `later`.
 DeletedData deleteClone(const InstanceRegistry& registry, const InstanceRecord& record,
-                        bool includingData);
+                        bool includingData, const InstanceRegistry::Deferral& later = {});
 
 /// Removes a wrapper without checking its contents. Its configuration is removed last, so that an
 /// interrupted removal leaves what is still recognised as a clone. Throws `PlatformError`, also if

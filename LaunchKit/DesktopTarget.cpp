@@ -83,10 +83,12 @@ std::optional<std::string> DesktopTarget::obstacle() const {
 }
 
 std::vector<std::string> DesktopTarget::arguments(const std::vector<std::string>& engineArguments,
-                                                  const std::vector<std::string>& documents) const {
+                                                  const std::vector<std::string>& documents,
+                                                  bool withoutBus) const {
     const ExecLine::Fields fields{entry.icon, entry.name, file.native()};
     const bool takesItems = line.takesItems();
-    auto all = line.toArguments(takesItems ? documents : std::vector<std::string>{}, fields);
+    auto all =
+        lineForDocuments().toArguments(takesItems ? documents : std::vector<std::string>{}, fields);
     const auto place = static_cast<std::ptrdiff_t>(line.engineArgumentsIndex(all));
     all.insert(all.begin() + place, engineArguments.begin(), engineArguments.end());
     if (!takesItems) {
@@ -94,10 +96,27 @@ std::vector<std::string> DesktopTarget::arguments(const std::vector<std::string>
     }
     if (program.packaging == ResolvedProgram::Packaging::flatpak && !all.empty() &&
         all.front() == "run") {
+        std::vector<std::string> options;
+        if (withoutBus) {
+            options = {"--no-session-bus", "--nosocket=session-bus"};
+        }
         // Otherwise the application goes on when the clone is asked to quit.
-        all.insert(all.begin() + 1, "--die-with-parent");
+        options.emplace_back("--die-with-parent");
+        all.insert(all.begin() + 1, options.begin(), options.end());
     }
     return all;
+}
+
+// Desktops start an entry once for each document where it takes one. Of a clone, one start must do.
+ExecLine DesktopTarget::lineForDocuments() const {
+    const bool isBrowser = program.engine == ResolvedProgram::Engine::chromium ||
+                           program.engine == ResolvedProgram::Engine::firefox;
+    return isBrowser ? line.takingSeveral() : line;
+}
+
+std::size_t DesktopTarget::documentsLeftOut(std::size_t count) const {
+    const bool takesOne = line.takesItems() && !lineForDocuments().takesSeveral();
+    return takesOne && count > 1 ? count - 1 : 0;
 }
 
 void DesktopTarget::chooseAction(const std::string& id) {

@@ -37,15 +37,22 @@ struct DesktopTarget {
 
     /// Returns the arguments of a start: `engineArguments` directly after the program, then the
     /// entry's own, with the documents in place of its field codes. An entry that takes one
-    /// document gets the first. An entry without a field code gets all of them at its end. A
-    /// Flatpak is also told to end with the program that started it.
+    /// document gets the first, except of a browser, which can open several. An entry without a
+    /// field code gets all of them at its end. A Flatpak is also told to end with the program that
+    /// started it and, if `withoutBus`, to show the application no session bus.
     [[nodiscard]] std::vector<std::string>
     arguments(const std::vector<std::string>& engineArguments,
-              const std::vector<std::string>& documents) const;
+              const std::vector<std::string>& documents, bool withoutBus = false) const;
+
+    /// Returns how many of that many documents `arguments` leaves out.
+    [[nodiscard]] std::size_t documentsLeftOut(std::size_t count) const;
 
     /// Has `arguments` return those of one of the entry's actions instead of the entry's own.
     /// Changes nothing if there is no such action, or if it starts another program.
     void chooseAction(const std::string& id);
+
+private:
+    [[nodiscard]] ExecLine lineForDocuments() const;
 };
 
 } // namespace quorvel

@@ -11,15 +11,11 @@ constexpr std::chrono::seconds longest{15};
 constexpr std::chrono::milliseconds period{100};
 
 // Any other second start would be a second application in one home.
-bool passesOnWhatItIsGiven(const InstanceConfig& config) {
-    if (config.kind != ShortcutKind::app) {
+bool passesOnWhatItIsGiven(const AppBundle& app) {
+    if (!app.desktop) {
         return false;
     }
-    const auto app = AppBundle::read(config.targetAppURL(), noEntitlements);
-    if (!app || !app->desktop) {
-        return false;
-    }
-    switch (app->desktop->program.engine) {
+    switch (app.desktop->program.engine) {
     case ResolvedProgram::Engine::chromium:
     case ResolvedProgram::Engine::electron:
     case ResolvedProgram::Engine::firefox:
@@ -29,17 +25,25 @@ bool passesOnWhatItIsGiven(const InstanceConfig& config) {
     }
 }
 
-} // namespace
-
-Handover handOver(const InstanceConfig& config, const std::vector<std::string>& documents,
-                  const StartDetails& details) {
-    if ((documents.empty() && details.action.empty()) || !passesOnWhatItIsGiven(config)) {
-        return {};
+// What one start is given: everything, or one document each time where that is all it takes.
+std::vector<std::vector<std::string>> partsOf(const std::vector<std::string>& documents,
+                                              const DesktopTarget& target) {
+    if (target.documentsLeftOut(documents.size()) == 0) {
+        return {documents};
     }
+    std::vector<std::vector<std::string>> parts;
+    for (const std::string& document : documents) {
+        parts.push_back({document});
+    }
+    return parts;
+}
+
+Handover handOverPart(const AppBundle& app, const InstanceConfig& config,
+                      const std::vector<std::string>& documents, const StartDetails& details) {
     std::optional<PendingHomeLock> claim = PendingHomeLock::of(config);
     StartDetails start = details;
     start.kept = claim ? claim->descriptor() : -1;
-    Process second = InstanceLauncher().launch(config, documents, start);
+    Process second = InstanceLauncher().launch(app, config, documents, start);
     const auto end = std::chrono::steady_clock::now() + longest;
     while (std::chrono::steady_clock::now() < end) {
         if (const auto status = second.waitUntilExit(period)) {
@@ -52,6 +56,26 @@ Handover handOver(const InstanceConfig& config, const std::vector<std::string>& 
     }
     second.terminate();
     return {};
+}
+
+} // namespace
+
+Handover handOver(const InstanceConfig& config, const std::vector<std::string>& documents,
+                  const StartDetails& details) {
+    if (config.kind != ShortcutKind::app || (documents.empty() && details.action.empty())) {
+        return {};
+    }
+    const AppBundle app = InstanceLauncher::targetOf(config);
+    if (!passesOnWhatItIsGiven(app)) {
+        return {};
+    }
+    const auto parts = partsOf(documents, *app.desktop);
+    Handover handover{.isTaken = true};
+    for (std::size_t part = 0; part < parts.size() && handover.isTaken; ++part) {
+        handover = handOverPart(app, config, parts[part], details);
+        handover.leftOut = parts.size() - part - 1;
+    }
+    return handover;
 }
 
 } // namespace quorvel

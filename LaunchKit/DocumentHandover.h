@@ -4,6 +4,7 @@
 #include "LaunchKit/InstanceLauncher.h"
 #include "Platform/processes/Process.h"
 
+#include <cstddef>
 #include <optional>
 #include <string>
 #include <vector>
@@ -19,6 +20,7 @@ struct Handover {
     /// home is claimed for as long as it or `claim` exists.
     std::optional<Process> successor{};
     std::optional<PendingHomeLock> claim{};
+    std::size_t leftOut = 0; ///< how many documents were not handed over in the end
 };
 
 /// Hands documents, addresses or an action to the application of a clone that is running already,

@@ -3,6 +3,7 @@
 #include "Base/PathText.h"
 #include "LaunchKit/InstanceConfig.h"
 #include "LaunchKit/LinkDoorSetup.h"
+#include "LaunchKit/NoSessionBus.h"
 #include "LaunchKit/WindowIdentity.h"
 #include "Platform/files/ContainedFolder.h"
 #include "Platform/files/FileHandle.h"
@@ -41,7 +42,14 @@ void ensureProfileFolders(const std::string& home, const std::vector<std::string
     }
 }
 
-void setProgram(const AppBundle& app, const std::vector<std::string>& extraArgs,
+// Flatpak itself needs the bus that an application in its sandbox is to do without.
+bool hidesBusInSandbox(const AppBundle& app, const CloneOptions& options) {
+    return app.desktop && app.desktop->program.packaging == ResolvedProgram::Packaging::flatpak &&
+           takeBusAway(options.environment);
+}
+
+void setProgram(const AppBundle& app, const CloneOptions& options,
+                const std::vector<std::string>& extraArgs,
                 const std::vector<std::string>& documents, Process::Options& process) {
     if (!app.desktop) {
         process.executable = app.executableURL();
@@ -50,7 +58,8 @@ void setProgram(const AppBundle& app, const std::vector<std::string>& extraArgs,
         return;
     }
     process.executable = app.desktop->program.launcher;
-    process.arguments = app.desktop->arguments(extraArgs, documents);
+    process.arguments =
+        app.desktop->arguments(extraArgs, documents, hidesBusInSandbox(app, options));
     if (!app.desktop->entry.path.empty()) {
         process.directory = app.desktop->entry.path;
     }
@@ -66,6 +75,13 @@ IsolationOptions isolationOf(const AppBundle& app, const CloneOptions& options) 
     return isolation;
 }
 
+AppBundle readApp(const std::filesystem::path& url) {
+    if (auto app = AppBundle::read(url, noEntitlements)) {
+        return std::move(*app);
+    }
+    throw InstanceLauncher::LaunchError::badBundle(url);
+}
+
 Environment environmentFor(const AppBundle& app, const std::string& home,
                            const CloneOptions& options) {
     Environment environment = currentEnvironment();
@@ -76,7 +92,11 @@ Environment environmentFor(const AppBundle& app, const std::string& home,
     environment["HOME"] = home;
     environment["CFFIXED_USER_HOME"] = home;
     overwrite(environment, isolated);
-    overwrite(environment, options.environment);
+    std::map<std::string, std::string> configured = options.environment;
+    if (hidesBusInSandbox(app, options)) {
+        configured.erase(sessionBusVariable);
+    }
+    overwrite(environment, configured);
     return environment;
 }
 
@@ -129,16 +149,8 @@ Process InstanceLauncher::launch(const InstanceConfig& config,
                                  const std::vector<std::string>& documents,
                                  const StartDetails& details) const {
     switch (config.kind) {
-    case ShortcutKind::app: {
-        const std::string home = config.resolvedHome();
-        if (config.shareUserFolders) {
-            ensureSharedUserFolders(home);
-        }
-        auto options = static_cast<const CloneOptions&>(config);
-        options.environment = config.resolvedEnvironment();
-        return launch(config.targetAppURL(), home, options, config.resolvedArgs(), documents,
-                      details);
-    }
+    case ShortcutKind::app:
+        return launch(targetOf(config), config, documents, details);
     case ShortcutKind::web:
         throw LaunchError::unsupported("web shortcuts run in the runner's web host");
     case ShortcutKind::file:
@@ -149,19 +161,28 @@ Process InstanceLauncher::launch(const InstanceConfig& config,
     return launchCommand(config);
 }
 
+AppBundle InstanceLauncher::targetOf(const InstanceConfig& config) {
+    if (config.shareUserFolders) {
+        ensureSharedUserFolders(config.resolvedHome());
+    }
+    return readApp(config.targetAppURL());
+}
+
+Process InstanceLauncher::launch(const AppBundle& target, const InstanceConfig& config,
+                                 const std::vector<std::string>& documents,
+                                 const StartDetails& details) const {
+    auto options = static_cast<const CloneOptions&>(config);
+    options.environment = config.resolvedEnvironment();
+    return launch(target, config.resolvedHome(), options, config.resolvedArgs(), documents,
+                  details);
+}
+
 Process InstanceLauncher::launch(const std::filesystem::path& appURL, const std::string& home,
                                  const CloneOptions& options,
                                  const std::vector<std::string>& extraArgs,
                                  const std::vector<std::string>& documents,
                                  const StartDetails& details) const {
-    std::optional<AppBundle> app = AppBundle::read(appURL, noEntitlements);
-    if (!app) {
-        throw LaunchError::badBundle(appURL);
-    }
-    if (app->desktop && !details.action.empty()) {
-        app->desktop->chooseAction(details.action);
-    }
-    return launch(*app, home, options, extraArgs, documents, details);
+    return launch(readApp(appURL), home, options, extraArgs, documents, details);
 }
 
 Process InstanceLauncher::launch(const AppBundle& app, const std::string& home,
@@ -169,9 +190,16 @@ Process InstanceLauncher::launch(const AppBundle& app, const std::string& home,
                                  const std::vector<std::string>& extraArgs,
                                  const std::vector<std::string>& documents,
                                  const StartDetails& details) const {
+    if (app.desktop && !details.action.empty()) {
+        AppBundle chosen = app;
+        chosen.desktop->chooseAction(details.action);
+        StartDetails others = details;
+        others.action.clear();
+        return launch(chosen, home, options, extraArgs, documents, others);
+    }
     createDirectories(home);
     Process::Options process;
-    setProgram(app, extraArgs, documents, process);
+    setProgram(app, options, extraArgs, documents, process);
     if (app.desktop && !details.windowWord.empty()) {
         applyWindowIdentity(*app.desktop, details.windowWord, process);
     }

@@ -63,6 +63,15 @@ public:
                                  const std::vector<std::string>& documents = {},
                                  const StartDetails& details = {}) const;
 
+    /// Reads the app of an `app` clone, once the folders are shared that the clone is to share.
+    /// Throws `LaunchError::badBundle` if it can't be read.
+    [[nodiscard]] static AppBundle targetOf(const InstanceConfig& config);
+
+    /// Launches that app for the clone, as above.
+    [[nodiscard]] Process launch(const AppBundle& target, const InstanceConfig& config,
+                                 const std::vector<std::string>& documents = {},
+                                 const StartDetails& details = {}) const;
+
     /// Launches an application with `home` (already expanded) as its home. Creates `home` if it is
     /// missing, and the folder inside it that follows an argument "-profile". The options' strategy
     /// and environment are used unchanged; the environment overrides what the launcher sets, and

@@ -66,8 +66,9 @@ std::optional<InstanceRecord> InstanceRegistry::record(const fs::path& bundleURL
     return InstanceRecord{bundle, std::move(*config)};
 }
 
-DeletedData InstanceRegistry::remove(const InstanceRecord& record, bool includingData) const {
-    return deleteClone(*this, record, includingData);
+DeletedData InstanceRegistry::remove(const InstanceRecord& record, bool includingData,
+                                     const Deferral& later) const {
+    return deleteClone(*this, record, includingData, later);
 }
 
 void InstanceRegistry::update(const InstanceRecord& record,

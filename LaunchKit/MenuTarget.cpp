@@ -25,14 +25,16 @@ std::optional<DesktopEntry> entryOf(const InstanceConfig& config) {
     }
 }
 
-// The code for files or addresses that a command contains; there is at most one.
+// The code for files or addresses that a command contains, of which there is at most one, in its
+// form for several: a desktop would otherwise start the clone several times at once.
 std::string codeIn(const std::string& exec) {
     try {
         for (const ExecLine::Word& word : ExecLine::parse(exec).words) {
-            for (const char* code : {"%U", "%u", "%F", "%f"}) {
-                if (word.text == code) {
-                    return code;
-                }
+            if (word.text == "%U" || word.text == "%u") {
+                return "%U";
+            }
+            if (word.text == "%F" || word.text == "%f") {
+                return "%F";
             }
         }
     } catch (const ExecLineError&) {
@@ -80,7 +82,7 @@ std::string codesFor(const InstanceConfig& config, const std::optional<DesktopEn
     }
     std::string own = entry ? codeIn(entry->exec) : std::string();
     // A browser is given addresses, which a code for files would drop.
-    if (config.registerAsBrowser && (own == "%f" || own == "%F")) {
+    if (config.registerAsBrowser && own == "%F") {
         return "%U";
     }
     if (!own.empty()) {

@@ -57,9 +57,6 @@ std::optional<AppProfile> find(const std::string& bundleId, const std::vector<fs
 }
 
 std::map<std::string, std::string> suggestedEnvironment(const AppBundle& app) {
-    if (app.desktop && app.desktop->program.packaging == ResolvedProgram::Packaging::flatpak) {
-        return {};
-    }
     const auto profile = find(app.bundleId);
     return profile ? profile->environment.value_or(std::map<std::string, std::string>{})
                    : std::map<std::string, std::string>{};

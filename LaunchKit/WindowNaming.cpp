@@ -3,7 +3,7 @@
 #include "LaunchKit/AppBundle.h"
 #include "LaunchKit/HelperProgram.h"
 #include "LaunchKit/InstanceConfig.h"
-#include "Platform/processes/ProcessFamily.h"
+#include "Platform/processes/Process.h"
 
 #include <string_view>
 
@@ -40,16 +40,11 @@ bool namesItsWindows(const ResolvedProgram& program) {
     }
 }
 
-bool needsNaming(const InstanceConfig& config, const Environment& environment) {
-    const auto app = AppBundle::read(config.targetAppURL(), noEntitlements);
-    return app && app->desktop && !namesItsWindows(app->desktop->program) &&
-           hasX11Windows(app->desktop->program, environment);
-}
-
 } // namespace
 
-std::optional<Process> startWindowNaming(const InstanceConfig& config, const std::string& word) {
-    if (config.kind != ShortcutKind::app) {
+std::optional<Process> startWindowNaming(const AppBundle& target, const InstanceConfig& config,
+                                         const std::string& word) {
+    if (!target.desktop || namesItsWindows(target.desktop->program)) {
         return std::nullopt;
     }
     Environment environment = currentEnvironment();
@@ -57,8 +52,8 @@ std::optional<Process> startWindowNaming(const InstanceConfig& config, const std
         environment.insert_or_assign(name, value);
     }
     const auto program = helperProgram("quorvel-window-names", "QUORVEL_WINDOW_NAMES", environment);
-    // The application is read last, since that takes longest.
-    if (!program || !isSet(environment, "DISPLAY") || !needsNaming(config, environment)) {
+    if (!program || !isSet(environment, "DISPLAY") ||
+        !hasX11Windows(target.desktop->program, environment)) {
         return std::nullopt;
     }
     // The display is the clone's, the home the runner's: so it does not count as part of the clone.

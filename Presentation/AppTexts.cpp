@@ -1,13 +1,13 @@
 #include "Presentation/AppTexts.h"
 
 #include "LaunchKit/AppBundle.h"
+#include "LaunchKit/NoSessionBus.h"
 
 namespace quorvel {
 
 std::optional<std::string> environmentCost(const std::map<std::string, std::string>& environment,
                                            const Translate& translate) {
-    const auto bus = environment.find("DBUS_SESSION_BUS_ADDRESS");
-    if (bus == environment.end() || bus->second != "disabled:") {
+    if (!takeBusAway(environment)) {
         return std::nullopt;
     }
     return translate("AppTexts",

@@ -6,14 +6,15 @@
 
 namespace quorvel {
 
-/// Why the data of a running clone should not be deleted.
+/// What to know before a running clone is deleted.
 struct DeletionWarning {
     std::string title{}; ///< without a full stop
     std::string text{};
 };
 
-/// Returns the warning about the running clone `name`.
-[[nodiscard]] DeletionWarning deletionWarning(const std::string& name,
+/// Returns the warning about the running clone `name`, whose data is deleted, too, if
+/// `includingData`.
+[[nodiscard]] DeletionWarning deletionWarning(const std::string& name, bool includingData,
                                               const Translate& translate = inEnglish);
 
 } // namespace quorvel

@@ -21,10 +21,28 @@
     </message>
 </context>
 <context>
+    <name>Deletion</name>
+    <message>
+        <source>It goes on until you quit it, perhaps under the original’s icon in the Dock.</source>
+        <translation>It goes on until you quit it, without its menu entry and perhaps under the original’s icon.</translation>
+    </message>
+</context>
+<context>
     <name>Migration</name>
     <message>
         <source>“%1” now shares Downloads, Documents &amp; Desktop with your Mac — nothing needed moving.</source>
         <translation>“%1” now shares your Downloads, Documents &amp; Desktop — nothing needed moving.</translation>
+    </message>
+</context>
+<context>
+    <name>ProbeTexts</name>
+    <message>
+        <source>into your Application Support</source>
+        <translation>into your own application data</translation>
+    </message>
+    <message>
+        <source>into your Preferences</source>
+        <translation>into your own settings</translation>
     </message>
 </context>
 <context>

@@ -112,6 +112,7 @@ ProbeResult AppProber::run() const {
 ProbeResult AppProber::run(const Options& options) const {
     const std::string homeA = makeTempHome();
     const std::string homeB = makeTempHome();
+    const std::optional<Settings> before = rules_.sharedSettings();
     FSEventProbe recorder(rules_.watchedFolders(homeA), [this, homeA](const std::string& folder) {
         return rules_.isOfInterest(folder, homeA);
     });
@@ -137,6 +138,7 @@ ProbeResult AppProber::run(const Options& options) const {
     }
     terminateAll(launched, options.release);
     result.buckets = classify(recorder.stopAndDrain(), homeA);
+    rules_.setOthersSettingsAside(before, rules_.sharedSettings(), result.buckets);
     result.complete = recorder.isComplete();
     result.recommendedStrategy = resolveStrategy(result);
     return result;

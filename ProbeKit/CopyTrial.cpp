@@ -1,21 +1,16 @@
 #include "ProbeKit/CopyTrial.h"
 
 #include "LaunchKit/AppBundle.h"
+#include "LaunchKit/NoSessionBus.h"
 
 #include <utility>
 
 namespace quorvel {
 namespace {
 
-// Applications that find a running copy by a name on the session's bus don't find it without one.
 const CopyTrial::Variables& withoutBus() {
-    static const CopyTrial::Variables variables{{"DBUS_SESSION_BUS_ADDRESS", "disabled:"}};
+    static const CopyTrial::Variables variables{{sessionBusVariable, noSessionBus}};
     return variables;
-}
-
-// Flatpak itself needs the bus to start an application.
-bool runsWithoutBus(const AppBundle& app) {
-    return app.desktop->program.packaging != ResolvedProgram::Packaging::flatpak;
 }
 
 } // namespace
@@ -28,7 +23,7 @@ CopyTrial::CopyTrial(const AppBundle& app, Steps steps, std::vector<IsolatedProc
 void CopyTrial::run() {
     Variables variables;
     std::size_t first = start(steps_.homeA, variables, steps_.settleA);
-    if (stateOf(first) == State::handedOver && runsWithoutBus(app_)) {
+    if (stateOf(first) == State::handedOver) {
         // Perhaps to a copy that was running before, such as the user's own.
         variables = withoutBus();
         first = start(steps_.homeA, variables, steps_.settleA);
@@ -40,7 +35,7 @@ void CopyTrial::run() {
             singleton_ = SingletonTier::machPort;
             environment_ = variables;
         }
-    } else if (isUp(first) && stateOf(second) == State::handedOver && runsWithoutBus(app_)) {
+    } else if (isUp(first) && stateOf(second) == State::handedOver) {
         const std::size_t third = start(steps_.homeB, withoutBus(), steps_.settleB);
         if (isUp(first) && isUp(third)) {
             environment_ = withoutBus();

@@ -3,6 +3,7 @@
 #include "LaunchKit/AppBundle.h"
 
 #include <algorithm>
+#include <iterator>
 
 namespace quorvel {
 namespace {
@@ -81,6 +82,56 @@ LeakBucket LeakRules::bucketOf(const std::string& path, const std::string& fakeH
         return LeakBucket::captured;
     }
     return isBundle_ ? bucketInLibrary(path) : bucketInPlaces(path);
+}
+
+std::optional<Settings> LeakRules::sharedSettings() const {
+    Settings all;
+    for (const DataPlace& place : places_) {
+        if (!place.isShared || isBundle_) {
+            continue;
+        }
+        auto settings = quorvel::sharedSettings(place);
+        if (!settings) {
+            return std::nullopt;
+        }
+        all.merge(*settings);
+    }
+    return all;
+}
+
+void LeakRules::setOthersSettingsAside(const std::optional<Settings>& before,
+                                       const std::optional<Settings>& after,
+                                       LeakBuckets& buckets) const {
+    const auto found = buckets.find(LeakBucket::prefsLeak);
+    if (isBundle_ || found == buckets.end() || !before || !after ||
+        ownSettingsDiffer(*before, *after) || ownSettingsDiffer(*after, *before)) {
+        return;
+    }
+    std::vector<std::string>& leaks = found->second;
+    const auto others =
+        std::stable_partition(leaks.begin(), leaks.end(),
+                              [this](const std::string& path) { return !isSharedFile(path); });
+    std::vector<std::string>& irrelevant = buckets[LeakBucket::irrelevant];
+    irrelevant.insert(irrelevant.end(), std::make_move_iterator(others),
+                      std::make_move_iterator(leaks.end()));
+    leaks.erase(others, leaks.end());
+    if (leaks.empty()) {
+        buckets.erase(found);
+    }
+}
+
+bool LeakRules::isSharedFile(const std::string& path) const {
+    const DataPlace* place = placeOf(places_, path).place;
+    return place != nullptr && place->isShared;
+}
+
+// Whether a setting of the application's in `one` is missing or another one in `other`.
+bool LeakRules::ownSettingsDiffer(const Settings& one, const Settings& other) const {
+    return std::any_of(one.begin(), one.end(), [&](const auto& setting) {
+        const auto counterpart = other.find(setting.first);
+        return names_.appearIn(setting.first) &&
+               (counterpart == other.end() || counterpart->second != setting.second);
+    });
 }
 
 LeakBucket LeakRules::bucketInLibrary(const std::string& path) const {

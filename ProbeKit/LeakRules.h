@@ -27,11 +27,22 @@ public:
     /// Returns where a write went; the first matching rule decides.
     [[nodiscard]] LeakBucket bucketOf(const std::string& path, const std::string& fakeHome) const;
 
+    /// The settings that all applications keep in the same files; std::nullopt if some can't be
+    /// read.
+    [[nodiscard]] std::optional<Settings> sharedSettings() const;
+
+    /// Moves the writes to those files to the irrelevant ones, unless a setting whose name mentions
+    /// the application differs between the two states. Without both states, that can't be told.
+    void setOthersSettingsAside(const std::optional<Settings>& before,
+                                const std::optional<Settings>& after, LeakBuckets& buckets) const;
+
     [[nodiscard]] const std::string& realLibrary() const { return realLibrary_; }
 
 private:
     [[nodiscard]] LeakBucket bucketInLibrary(const std::string& path) const;
     [[nodiscard]] LeakBucket bucketInPlaces(const std::string& path) const;
+    [[nodiscard]] bool isSharedFile(const std::string& path) const;
+    [[nodiscard]] bool ownSettingsDiffer(const Settings& one, const Settings& other) const;
 
     bool isBundle_;
     std::string bundleId_;

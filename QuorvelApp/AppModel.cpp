@@ -336,7 +336,10 @@ InstanceRecord AppModel::created(const std::filesystem::path& wrapper,
 void AppModel::remove(const InstanceRecord& record, bool includingData) {
     DeletedData data;
     try {
-        data = services_.registry.remove(record, includingData);
+        // A desktop's list of applications may take seconds to be made again.
+        data = services_.registry.remove(record, includingData, [this](std::function<void()> work) {
+            services_.tasks->start(TaskPriority::userInitiated, std::move(work));
+        });
     } catch (const std::exception& failure) {
         setLastError(sentence(tr("Couldn't delete: %1"), {failure.what()}));
         return;

@@ -165,7 +165,7 @@ void CloneDetailView::confirmDelete() {
             .arg(displayLine(clone_->config.instanceHome)),
         {{.label = tr("Delete Clone Only"),
           .look = ButtonLook::destructive,
-          .chosen = [this, clone = *clone_] { model_.remove(clone, false); }},
+          .chosen = [this, clone = *clone_] { removeWithoutData(clone); }},
          {.label = tr("Delete Clone and Its Data"),
           .look = ButtonLook::destructive,
           .chosen = [this, clone = *clone_] { removeWithData(clone); }},
@@ -173,15 +173,28 @@ void CloneDetailView::confirmDelete() {
     new Sheet(question, sheets_, Sheet::Place::middle);
 }
 
-void CloneDetailView::removeWithData(const InstanceRecord& clone) {
-    // There is no signal for clones that were started or ended elsewhere.
+bool CloneDetailView::isRunningNow(const InstanceRecord& clone) {
     model_.refreshRunningState();
-    if (!model_.isRunning(clone) && !isHomeInUse(clone.config)) {
+    return model_.isRunning(clone) || isHomeInUse(clone.config);
+}
+
+void CloneDetailView::removeWithoutData(const InstanceRecord& clone) {
+    const bool runs = isRunningNow(clone);
+    model_.remove(clone, false);
+    if (runs && !model_.lastError()) {
+        const DeletionWarning note =
+            deletionWarning(displayLine(clone.config.displayName).toStdString(), false, translated);
+        model_.setStatusMessage(note.title + ". " + note.text);
+    }
+}
+
+void CloneDetailView::removeWithData(const InstanceRecord& clone) {
+    if (!isRunningNow(clone)) {
         model_.remove(clone, true);
         return;
     }
     const DeletionWarning warning =
-        deletionWarning(displayLine(clone.config.displayName).toStdString(), translated);
+        deletionWarning(displayLine(clone.config.displayName).toStdString(), true, translated);
     auto* question =
         new MessageSheet(u"exclamationmark.triangle.fill"_s, Ink::orange, qtText(warning.title),
                          tr("Quit it before you delete its data.") + u' ' + qtText(warning.text),

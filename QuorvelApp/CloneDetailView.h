@@ -40,6 +40,10 @@ private:
     void showCallout();
     void setRows(const std::vector<Fact>& rows);
     void confirmDelete();
+    /// Refreshes which clones run, since there is no signal for those started or ended elsewhere.
+    [[nodiscard]] bool isRunningNow(const InstanceRecord& clone);
+    /// Says what happens to the clone if it is running.
+    void removeWithoutData(const InstanceRecord& clone);
     /// Asks again if the clone is running.
     void removeWithData(const InstanceRecord& clone);
     void confirmMigration();

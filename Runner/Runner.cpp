@@ -68,10 +68,25 @@ std::string actionIn(const std::vector<std::string>& arguments) {
                : std::string();
 }
 
-int supervise(Process target, const InstanceConfig& config, const std::string& windowWord,
-              const StartReport& report, const SignalForwarder& signals) {
+// The desktop would have started the application once for each document.
+void reportLeftOut(const InstanceConfig& config, std::size_t leftOut) {
+    if (leftOut > 0) {
+        addToLog(config, "documents that were left out, since the application takes one at a time "
+                         "and runs once in a clone: " +
+                             std::to_string(leftOut));
+    }
+}
+
+// Launches the clone's application in a home that nobody else uses, and waits for its end.
+int superviseApp(const InstanceConfig& config, const std::vector<std::string>& documents,
+                 StartDetails details, const StartReport& report, const SignalForwarder& signals) {
+    const std::optional<FileLock> lock = lockHome(config);
+    details.kept = lock ? lock->descriptor() : -1;
+    const AppBundle app = InstanceLauncher::targetOf(config);
+    Process target = InstanceLauncher().launch(app, config, documents, details);
     report.started();
-    std::optional<Process> naming = startWindowNaming(config, windowWord);
+    reportLeftOut(config, app.desktop ? app.desktop->documentsLeftOut(documents.size()) : 0);
+    std::optional<Process> naming = startWindowNaming(app, config, details.windowWord);
     return signals.waitUntilExit(target, naming ? &*naming : nullptr);
 }
 
@@ -80,20 +95,17 @@ int handOverOrSupervise(const InstanceConfig& config, const std::vector<std::str
                         const StartDetails& details, const HomeInUse& obstacle,
                         const StartReport& report, const SignalForwarder& signals) {
     Handover handover = handedOver(config, documents, details);
-    if (handover.successor) {
-        return supervise(std::move(*handover.successor), config, details.windowWord, report,
-                         signals);
-    }
-    if (handover.isTaken) {
+    if (handover.isTaken || handover.successor) {
         report.started();
-        return 0;
+        reportLeftOut(config, handover.leftOut);
+        return handover.successor ? signals.waitUntilExit(*handover.successor) : 0;
     }
     addToLog(config, obstacle.what());
     return fail(report, obstacle.what(), runnerHomeInUse);
 }
 
 int launchAndSupervise(const InstanceConfig& config, const std::vector<std::string>& documents,
-                       StartDetails details, const StartReport& report,
+                       const StartDetails& details, const StartReport& report,
                        const SignalForwarder& signals) {
     if (config.kind == ShortcutKind::web) {
         const std::string message =
@@ -101,16 +113,15 @@ int launchAndSupervise(const InstanceConfig& config, const std::vector<std::stri
         addToLog(config, message);
         return fail(report, message, runnerUnavailable);
     }
-    if (config.kind == ShortcutKind::app) {
-        // What a file or a command opens is not part of the clone.
-        adoptOrphans();
-    }
     try {
-        const std::optional<FileLock> lock =
-            config.kind == ShortcutKind::app ? lockHome(config) : std::nullopt;
-        details.kept = lock ? lock->descriptor() : -1;
-        return supervise(InstanceLauncher().launch(config, documents, details), config,
-                         details.windowWord, report, signals);
+        if (config.kind == ShortcutKind::app) {
+            // What a file or a command opens is not part of the clone.
+            adoptOrphans();
+            return superviseApp(config, documents, details, report, signals);
+        }
+        Process target = InstanceLauncher().launch(config);
+        report.started();
+        return signals.waitUntilExit(target);
     } catch (const HomeInUse& error) {
         return handOverOrSupervise(config, documents, details, error, report, signals);
     } catch (const InstanceLauncher::LaunchError& error) {

@@ -215,6 +215,16 @@ bool ExecLine::takesSeveral() const {
     return hasCode(words, "FU");
 }
 
+ExecLine ExecLine::takingSeveral() const {
+    ExecLine line = *this;
+    for (Word& word : line.words) {
+        if (word.text == "%f" || word.text == "%u") {
+            word.text = word.text == "%f" ? "%F" : "%U";
+        }
+    }
+    return line;
+}
+
 std::size_t ExecLine::engineArgumentsIndex(const std::vector<std::string>& arguments) const {
     if (baseName(program) != "flatpak" || arguments.empty() || arguments.front() != "run") {
         return 0;

@@ -58,6 +58,9 @@ struct ExecLine {
     /// Whether one start takes all items. Otherwise it takes only the first.
     [[nodiscard]] bool takesSeveral() const;
 
+    /// Returns this line with codes that take all items where a word takes one.
+    [[nodiscard]] ExecLine takingSeveral() const;
+
     /// Where an engine's own arguments belong among `arguments`: directly behind the program, since
     /// what follows "--" is a file; for Flatpak's "run" behind the application's id.
     [[nodiscard]] std::size_t engineArgumentsIndex(const std::vector<std::string>& arguments) const;

@@ -7,7 +7,7 @@
 namespace quorvel {
 
 /// Returns a variable that names a folder, without slashes at its end; `otherwise` if it is not an
-/// absolute path: the variables of the XDG base directories are to be ignored then.
+/// absolute path: desktops ignore such values.
 [[nodiscard]] std::string folderVariable(const Environment& session, const char* name,
                                          const std::string& otherwise);
 

@@ -3,6 +3,8 @@
 #include "Platform/processes/Process.h"
 
 #include <cstddef>
+#include <map>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -20,6 +22,13 @@ struct DataPlace {
     /// All applications write to the same files, whose names don't say for whom.
     bool isShared = false;
 };
+
+/// Settings by their names, which say whose they are, and their values as they are stored.
+using Settings = std::map<std::string, std::string>;
+
+/// Returns the settings in a place that `isShared`, none if it is missing; std::nullopt if they
+/// can't be read.
+[[nodiscard]] std::optional<Settings> sharedSettings(const DataPlace& place);
 
 /// Returns where applications that are not bundles keep the data of the user with that home, in an
 /// environment of the session; the first that contains a path says what it is. Empty on macOS.

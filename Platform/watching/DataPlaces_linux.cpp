@@ -1,9 +1,22 @@
 #include "Platform/watching/DataPlaces.h"
 
 #include "Base/PathText.h"
+#include "Platform/files/FileReading.h"
+#include "Platform/files/FileSystem.h"
 #include "Platform/processes/FolderVariable.h"
+#include "Platform/watching/DconfDatabase_linux.h"
 
 namespace quorvel {
+
+std::optional<Settings> sharedSettings(const DataPlace& place) {
+    constexpr std::size_t limit = std::size_t{4} << 20U;
+    const std::string database = joinAsText(place.folder, "user");
+    if (!itemExists(database)) {
+        return Settings();
+    }
+    const auto bytes = readFile(database, limit);
+    return bytes ? dconfSettings(*bytes) : std::nullopt;
+}
 
 std::vector<DataPlace> dataPlaces(const std::string& home, const Environment& session) {
     using enum DataPlace::Kind;

@@ -6,4 +6,8 @@ std::vector<DataPlace> dataPlaces(const std::string& /*home*/, const Environment
     return {};
 }
 
+std::optional<Settings> sharedSettings(const DataPlace& /*place*/) {
+    return std::nullopt;
+}
+
 } // namespace quorvel

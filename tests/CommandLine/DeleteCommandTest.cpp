@@ -1,6 +1,7 @@
 #include "LaunchKit/HomeLock.h"
 #include "LaunchKit/InstanceConfig.h"
 #include "LaunchKit/InstanceRecord.h"
+#include "Presentation/SystemWords.h"
 #include "tests/CommandLine/CommandLineHarness.h"
 #include "tests/support/AppBundles.h"
 #include "tests/support/UnprivilegedUser.h"
@@ -17,6 +18,10 @@ using ::testing::HasSubstr;
 using ::testing::Not;
 using ::testing::StartsWith;
 namespace fs = std::filesystem;
+
+// In this system's words.
+const std::string goesOn = inSystemWords(
+    "Deletion", "It goes on until you quit it, perhaps under the original’s icon in the Dock.");
 
 class DeleteCommandTest : public ::testing::Test {
 protected:
@@ -63,7 +68,8 @@ TEST_F(DeleteCommandTest, WarnsInTheQuestionWhenTheCloneRuns) {
     harness.typed = "n\n";
     EXPECT_THAT(harness.run({"delete", "Work", "--including-data"}).errors,
                 HasSubstr("“Work” is running. It would lose what it has open"));
-    EXPECT_THAT(harness.run({"delete", "Work"}).errors, Not(HasSubstr("is running")));
+    EXPECT_THAT(harness.run({"delete", "Work"}).errors,
+                StartsWith("Delete “Work”? “Work” is running. " + goesOn + " [y/N] "));
     harness.workspace.running.clear();
     EXPECT_THAT(harness.run({"delete", "Work", "--including-data"}).errors,
                 Not(HasSubstr("is running")));
@@ -79,6 +85,10 @@ TEST_F(DeleteCommandTest, WarnsOnStandardErrorWhenItCannotAsk) {
     EXPECT_EQ(result.json()["deletedData"], true);
     EXPECT_THAT(result.errors, StartsWith("“Work” is running. "));
     addClone();
+    EXPECT_EQ(harness.run({"delete", "Work", "--yes"}).errors,
+              "“Work” is running. " + goesOn + "\n");
+    addClone();
+    harness.workspace.running.clear();
     EXPECT_EQ(harness.run({"delete", "Work", "--yes"}).errors, "");
 }
 
@@ -109,7 +119,8 @@ TEST_F(DeleteCommandTest, SaysInTheQuestionThatFoldersThatAreNotDataAreKept) {
     addClone("~");
     EXPECT_THAT(harness.run(words).errors,
                 StartsWith("Delete “Work”? Its data folder " + harness.home.path().string() +
-                           " is kept. [y/N] "));
+                           " is kept. “Work” is running. " + goesOn + " [y/N] "));
+    harness.workspace.running.clear();
     addClone("relative/folder");
     EXPECT_THAT(harness.run(words).errors,
                 StartsWith("Delete “Work”? Its data folder relative/folder is kept. [y/N] "));

@@ -174,16 +174,30 @@ TEST(ProbeCommandsTest, ProbeDescriptionSaysWhatFellWhereWithThreeExamplesOfEach
     ProbeResult result;
     result.buckets[LeakBucket::captured] = {"/home/captured"};
     result.buckets[LeakBucket::dataLeak] = {"/a\x1b[2J", "/a\x1b[2J", "/b", "/c", "/d"};
+    result.buckets[LeakBucket::prefsLeak] = {"/p"};
     result.complete = false;
-    const std::string text = description(profile, result);
+    const std::string text = description(profile, result, inEnglish);
     EXPECT_THAT(text, HasSubstr("container-redirect: it writes data outside its home folder"));
     EXPECT_THAT(text, HasSubstr("hands over to the first and quits"));
-    EXPECT_THAT(text, HasSubstr("      5 into your own application data\n"));
+    EXPECT_THAT(text, HasSubstr("      5 into your Application Support\n"));
+    EXPECT_THAT(text, HasSubstr("      1 into your Preferences\n"));
     EXPECT_THAT(text, HasSubstr("      1 inside the trial's home folder\n"));
     EXPECT_THAT(text, AllOf(HasSubstr("/b\n"), HasSubstr("/c\n"), Not(HasSubstr("/d\n"))));
     EXPECT_THAT(text, Not(HasSubstr("/home/captured")));
     EXPECT_THAT(text, HasSubstr("may be incomplete"));
     EXPECT_THAT(text, Not(HasSubstr("\x1b")));
+}
+
+TEST(ProbeCommandsTest, ProbeDescriptionSpeaksOfFoldersAsThisSystemDoes) {
+    const auto marked = [](const char* context, const char* text) {
+        return context == std::string_view("ProbeTexts") ? "<" + std::string(text) + ">" : text;
+    };
+    const std::string text = description(AppProfile{}, ProbeResult{}, marked);
+    const std::string own = description(AppProfile{}, ProbeResult{});
+    for (const char* folder : {"into your Application Support", "into your Preferences"}) {
+        EXPECT_THAT(text, HasSubstr(" <" + std::string(folder) + ">\n"));
+        EXPECT_THAT(own, HasSubstr(" " + inSystemWords("ProbeTexts", folder) + "\n"));
+    }
 }
 
 TEST(ProbeCommandsTest, ProbeDescriptionShowsTheVariablesAndWhatTheyCost) {

@@ -1,3 +1,4 @@
+#include "Platform/processes/ProcessFamily.h"
 #include "tests/EndToEnd/Programs.h"
 #include "tests/support/AppBundles.h"
 #include "tests/support/Waiting.h"
@@ -39,6 +40,88 @@ TEST(FirefoxTest, AClonesProfileIsMadeAndUsed) {
         ::kill(*runner, SIGTERM);
         EXPECT_TRUE(waitUntil([&] { return !quorvelctl.isListedAsRunning("Fox (2)"); }));
     }
+}
+
+// Asks Firefox to restart itself, as its menus do, by the protocol of its test drivers.
+constexpr const char* restart = R"(
+import json, socket, sys
+driver = socket.create_connection(('127.0.0.1', int(open(sys.argv[1]).read())), 60)
+stream = driver.makefile('rb')
+def receive():
+    length = b''
+    while not length.endswith(b':'):
+        length += stream.read(1)
+    return json.loads(stream.read(int(length[:-1])))
+def ask(number, command, parameters):
+    text = json.dumps([0, number, command, parameters])
+    driver.sendall(f'{len(text)}:{text}'.encode())
+    return receive()
+receive()
+ask(1, 'WebDriver:NewSession', {})
+print(ask(2, 'Marionette:Quit', {'flags': ['eForceQuit', 'eRestart']})[3]['cause'])
+)";
+
+// The processes that the runner waits for, but for those that only look after a crash.
+std::vector<pid_t> browsersOf(pid_t runner) {
+    std::vector<pid_t> found;
+    for (const ProcessIdentity& child : childrenOf(runner)) {
+        const std::string process = "/proc/" + std::to_string(child.pid);
+        std::error_code code;
+        if (fs::read_symlink(process + "/exe", code).filename() == "firefox-esr") {
+            found.push_back(child.pid);
+        }
+    }
+    return found;
+}
+
+TEST(FirefoxTest, ACloneRunsOnInTheProcessInWhichFirefoxStartsItselfAgain) {
+    for (const char* program : {"/usr/bin/firefox-esr", "/usr/bin/python3"}) {
+        if (!fs::exists(program)) {
+            GTEST_SKIP() << program << " is not installed";
+        }
+    }
+    QuorvelctlInAHome quorvelctl;
+    quorvelctl.run({"create", "--target", "firefox-esr.desktop", "--name", "Fox", "--env",
+                    "MOZ_HEADLESS=1", "--env", "MOZ_MARIONETTE=1"});
+    const fs::path home = quorvelctl.data("Fox");
+    const fs::path profile = home / "FirefoxProfile";
+    write(profile / "user.js", "user_pref('marionette.port', 0);\n");
+    quorvelctl.run({"open", "Fox"});
+    const auto port = profile / "MarionetteActivePort";
+    ASSERT_TRUE(waitUntil([&] { return fs::exists(port); }, std::chrono::seconds(90)))
+        << quorvelctl.log("Fox");
+    const auto runner = runnerOf(quorvelctl.home / "Applications/Fox.app");
+    ASSERT_TRUE(runner);
+    const std::vector<pid_t> first = browsersOf(*runner);
+    ASSERT_EQ(first.size(), 1U);
+
+    Process::Options driver;
+    driver.executable = "/usr/bin/python3";
+    driver.arguments = {"-c", restart, port.string()};
+    EXPECT_EQ(Process::capture(driver, 100), "restart\n");
+    ASSERT_TRUE(waitUntil(
+        [&] {
+            const std::vector<pid_t> now = browsersOf(*runner);
+            return now.size() == 1 && now != first;
+        },
+        std::chrono::seconds(60)))
+        << "it goes on in another process, which its runner has adopted";
+    EXPECT_TRUE(waitUntil([&] { return ::kill(first.front(), 0) != 0; }));
+    const std::vector<pid_t> second = browsersOf(*runner);
+    EXPECT_TRUE(quorvelctl.isListedAsRunning("Fox"));
+    (void)quorvelctl.outcomeOf({"open", "Fox"}); // it has no window to bring to the front
+    EXPECT_EQ(browsersOf(*runner), second);
+    Process::Options again;
+    again.executable = quorvelctl.home / "Applications/Fox.app/Contents/MacOS/runner";
+    again.environment = quorvelctl.environment;
+    again.standardError = Process::Discard{};
+    EXPECT_EQ(Process::run(again).waitUntilExit(), 75) << "one target in a home";
+
+    ::kill(*runner, SIGTERM);
+    EXPECT_TRUE(waitUntil([&] { return processesWithHome(home.string()).empty(); },
+                          std::chrono::seconds(60)));
+    EXPECT_TRUE(waitUntil([&] { return !quorvelctl.isListedAsRunning("Fox"); }));
+    EXPECT_TRUE(waitUntil([&] { return ::kill(second.front(), 0) != 0; }));
 }
 
 } // namespace

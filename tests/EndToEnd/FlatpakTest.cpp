@@ -15,16 +15,17 @@ using namespace testing;
 using ::testing::HasSubstr;
 namespace fs = std::filesystem;
 
-// Makes a runtime and an application out of the system's own programs, and installs both for the
+// Makes a runtime out of the system's own programs and two applications, and installs them for the
 // user.
 constexpr const char* install = R"(
 set -e
 cd "$1"
 mkdir -p runtime/files runtime/usr/bin runtime/usr/lib64 "runtime/usr/lib/$(uname -m)-linux-gnu"
-mkdir -p app/files/bin app/export/share/applications
-for program in dash cat mkdir sleep; do
-  cp "/usr/bin/$program" runtime/usr/bin/
-  for library in $(ldd "/usr/bin/$program" | grep -o '/lib[^ ]*'); do
+for app in app single; do mkdir -p $app/files/bin $app/export/share/applications; done
+cp "$2" single/files/bin/single
+for program in /usr/bin/dash /usr/bin/cat /usr/bin/mkdir /usr/bin/sleep "$2"; do
+  [ "$program" = "$2" ] || cp "$program" runtime/usr/bin/
+  for library in $(ldd "$program" | grep -o '/lib[^ ]*'); do
     case $library in
       */ld-*) cp "$library" runtime/usr/lib64/ ;;
       *) cp "$library" "runtime/usr/lib/$(uname -m)-linux-gnu/" ;;
@@ -47,9 +48,13 @@ chmod +x app/files/bin/boxed
 printf '[Desktop Entry]\nType=Application\nName=Boxed\nExec=boxed --own %%U\n' \
   >app/export/share/applications/org.example.Boxed.desktop
 flatpak build-export --runtime repo runtime stable
+printf '[Application]\nname=org.example.Single\nruntime=%s\ncommand=single\n' "$name" >single/metadata
+printf '[Desktop Entry]\nType=Application\nName=Single\nExec=single\n' \
+  >single/export/share/applications/org.example.Single.desktop
 flatpak build-export repo app stable
+flatpak build-export repo single stable
 flatpak --user remote-add --no-gpg-verify test repo
-flatpak --user install -y --noninteractive test org.example.Boxed
+flatpak --user install -y --noninteractive test org.example.Boxed org.example.Single
 )";
 
 std::vector<pid_t> boxedProcesses() {
@@ -75,8 +80,8 @@ protected:
     [[nodiscard]] std::string installPackage() const {
         Process::Options options;
         options.executable = "/bin/sh";
-        options.arguments = {"-c", "sh -c \"$0\" sh \"$1\" 2>&1 && echo installed", install,
-                             (folder / "build").string()};
+        options.arguments = {"-c", "sh -c \"$0\" sh \"$1\" \"$2\" 2>&1 && echo installed", install,
+                             (folder / "build").string(), QUORVEL_SINGLE_INSTANCE};
         options.environment = quorvelctl.environment;
         return Process::capture(options, 65536);
     }
@@ -113,6 +118,38 @@ TEST_F(FlatpakTest, TwoClonesRunEachWithDataOfItsOwn) {
     }
     EXPECT_TRUE(waitUntil([] { return boxedProcesses().empty(); }));
     EXPECT_FALSE(fs::exists("/.flatpak-info"));
+}
+
+TEST_F(FlatpakTest, ASingleInstanceApplicationRunsOncePerCloneWithoutTheBus) {
+    if (!fs::exists("/usr/bin/flatpak")) {
+        GTEST_SKIP() << "the package flatpak is not installed";
+    }
+    const std::string installed = installPackage();
+    ASSERT_THAT(installed, ::testing::EndsWith("installed\n"));
+    const auto open = [&](const std::string& name, const std::vector<std::string>& more) {
+        std::vector<std::string> words{"create", "--name", name, "--target", "Single"};
+        words.insert(words.end(), more.begin(), more.end());
+        quorvelctl.run(words);
+        (void)quorvelctl.outcomeOf({"open", name});
+    };
+    const auto logBecomes = [&](const std::string& name, const std::string& text) {
+        return waitUntil([&] { return quorvelctl.log(name) == text; }, std::chrono::seconds(60));
+    };
+    open("First", {});
+    EXPECT_TRUE(logBecomes("First", "activated\n")) << quorvelctl.log("First");
+    open("Swallowed", {});
+    EXPECT_TRUE(logBecomes("First", "activated\nactivated\n")) << "why a variable is needed";
+
+    const auto probed = quorvelctl.json({"probe", "Single"});
+    EXPECT_EQ(probed["profile"]["environment"],
+              (nlohmann::json{{"DBUS_SESSION_BUS_ADDRESS", "disabled:"}}));
+    for (const char* name : {"Second", "Third"}) {
+        open(name, {"--env", "DBUS_SESSION_BUS_ADDRESS=disabled:"});
+        EXPECT_TRUE(logBecomes(name, "activated\n")) << quorvelctl.log(name);
+    }
+    for (const char* name : {"First", "Second", "Third"}) {
+        EXPECT_TRUE(quorvelctl.isListedAsRunning(name)) << name;
+    }
 }
 
 } // namespace

@@ -75,7 +75,7 @@ TEST_F(CloneCreationTest, WaitsForAnotherCreationAndThenSeesItsClone) {
 }
 
 TEST_F(CloneCreationTest, ReportsItsOwnCloneThoughOthersReplaceItAtOnce) {
-    constexpr int rounds = 40;
+    constexpr int rounds = 10;
     const auto createOften = [&](int creator) {
         int ownClones = 0;
         for (int round = 0; round < rounds; ++round) {
@@ -86,7 +86,7 @@ TEST_F(CloneCreationTest, ReportsItsOwnCloneThoughOthersReplaceItAtOnce) {
         return ownClones;
     };
     std::vector<std::future<int>> creators;
-    for (int creator = 0; creator < 4; ++creator) {
+    for (int creator = 0; creator < 16; ++creator) {
         creators.push_back(std::async(std::launch::async, createOften, creator));
     }
     for (std::future<int>& creator : creators) {

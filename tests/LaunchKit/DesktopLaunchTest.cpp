@@ -118,6 +118,19 @@ TEST_F(DesktopLaunchTest, JavaIsToldItsHome) {
                 Not(Contains(Key("JAVA_TOOL_OPTIONS"))));
 }
 
+TEST_F(DesktopLaunchTest, OnlyTheApplicationOfAFlatpakDoesWithoutTheBus) {
+    const ScopedEnvironment bus("DBUS_SESSION_BUS_ADDRESS", "unix:path=/session/bus");
+    apps.addScript("flatpak", "echo \"$DBUS_SESSION_BUS_ADDRESS $*\"");
+    InstanceConfig config =
+        clone(apps.addEntry("f", "flatpak run org.example.App", "X-Flatpak=org.example.App\n"));
+    EXPECT_EQ(run(config), "unix:path=/session/bus run --die-with-parent org.example.App\n");
+    config.environment["DBUS_SESSION_BUS_ADDRESS"] = "disabled:";
+    EXPECT_EQ(run(config), "unix:path=/session/bus run --no-session-bus --nosocket=session-bus "
+                           "--die-with-parent org.example.App\n");
+    config.environment["DBUS_SESSION_BUS_ADDRESS"] = "unix:path=/other/bus";
+    EXPECT_EQ(run(config), "unix:path=/other/bus run --die-with-parent org.example.App\n");
+}
+
 TEST_F(DesktopLaunchTest, FlatpakFindsWhatTheUserInstalled) {
     apps.addProgram("flatpak", helperProgram());
     const fs::path entry =

@@ -175,6 +175,30 @@ TEST_F(DesktopTargetTest, TheEngineIsThatOfTheRealProgram) {
     EXPECT_EQ(detectEngine(boxed), AppEngine::other);
 }
 
+TEST_F(DesktopTargetTest, WhatTakesOneDocumentIsABrowserOrLeavesTheOthersOut) {
+    const std::vector<std::string> documents{"/a", "https://b", "/c"};
+    const auto target = [&](const std::string& exec) {
+        return DesktopTarget::readEntry(apps.addEntry("x", exec));
+    };
+    EXPECT_THAT(target("app %f").arguments({}, documents), ElementsAre("/a"));
+    EXPECT_EQ(target("app %f").documentsLeftOut(3), 2U);
+    EXPECT_EQ(target("app %u").documentsLeftOut(1), 0U);
+    EXPECT_EQ(target("app %u").documentsLeftOut(0), 0U);
+    EXPECT_EQ(target("app %F").documentsLeftOut(3), 0U);
+    EXPECT_EQ(target("app").documentsLeftOut(3), 0U);
+
+    write(apps.at("lib/fox/fox"), read(helperProgram()));
+    makeExecutable(apps.at("lib/fox/fox"));
+    write(apps.at("lib/fox/application.ini"), "[App]\n");
+    write(apps.at("lib/fox/libxul.so"), "x");
+    fs::create_symlink(apps.at("lib/fox/fox"), apps.at("bin/fox"));
+    EXPECT_THAT(target("fox -- %u").arguments({}, documents),
+                ElementsAre("--", "/a", "https://b", "/c"));
+    EXPECT_EQ(target("fox -- %u").documentsLeftOut(3), 0U);
+    EXPECT_THAT(target("fox --open=%u").arguments({}, documents), ElementsAre("--open=/a"));
+    EXPECT_EQ(target("fox --open=%u").documentsLeftOut(3), 2U);
+}
+
 TEST_F(DesktopTargetTest, ArgumentsComeDirectlyAfterTheProgram) {
     const auto arguments = [&](const std::string& exec, const std::vector<std::string>& documents) {
         return DesktopTarget::readEntry(apps.addEntry("x", exec)).arguments({"-e", "E"}, documents);

@@ -3,6 +3,8 @@
 #include "LaunchKit/HomeLock.h"
 #include "LaunchKit/InstanceConfig.h"
 #include "LaunchKit/InstanceRecord.h"
+#include "LaunchKit/WindowWord.h"
+#include "Platform/desktop/MenuEntry.h"
 #include "Platform/files/PlatformError.h"
 #include "Platform/processes/IsolatedEnvironment.h"
 #include "tests/support/AppBundles.h"
@@ -76,6 +78,28 @@ TEST_F(InstanceDeletionTest, SucceedsWithoutAnyData) {
     const InstanceRecord record = recordWithHome("~/QuorvelInstances/None");
     removeWithData(record);
     EXPECT_FALSE(fs::exists(record.bundleURL));
+}
+
+TEST_F(InstanceDeletionTest, ALateWithdrawalLeavesTheEntryOfANewCloneInThatPlace) {
+    if (!hasMenu()) {
+        GTEST_SKIP() << "this system has none";
+    }
+    const InstanceRecord record = recordWithHome("~/QuorvelInstances/Work");
+    DesktopEntry entry{.type = "Application", .name = "Work", .exec = "/bin/true"};
+    entry.cloneId = cloneIdentity(record.bundleURL);
+    const std::string word = windowWord(entry.cloneId);
+    publishMenuEntry({.word = word, .fileName = word + ".desktop", .entry = entry}, {});
+    std::vector<std::function<void()>> late;
+    const auto later = [&](std::function<void()> work) { late.push_back(std::move(work)); };
+    InstanceRegistry().remove(record, false, later);
+    ASSERT_EQ(late.size(), 1U);
+    EXPECT_EQ(publishedMenuEntries().size(), 1U);
+    makeWrapper(record.bundleURL, record.config);
+    late.front()();
+    EXPECT_EQ(publishedMenuEntries().size(), 1U);
+    fs::remove_all(record.bundleURL);
+    late.front()();
+    EXPECT_EQ(publishedMenuEntries().size(), 0U);
 }
 
 TEST_F(InstanceDeletionTest, RemovesTheTemporaryFolderUnlessTheCloneRuns) {

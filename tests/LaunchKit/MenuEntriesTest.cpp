@@ -146,7 +146,7 @@ TEST_F(MenuEntriesTest, ACloneThatOpensDocumentsTakesWhatItsTargetTakes) {
     InstanceConfig config = reader();
     config.openWithPassthrough = true;
     const InstanceRecord record = made(config);
-    EXPECT_THAT(entryOf(record).exec, ::testing::EndsWith("runner %u"));
+    EXPECT_THAT(entryOf(record).exec, ::testing::EndsWith("runner %U"));
     EXPECT_THAT(entryOf(record).mimeTypes, ElementsAre("application/pdf", "image/png"));
     publishInMenu(record);
     EXPECT_EQ(objections(published(record)), "");

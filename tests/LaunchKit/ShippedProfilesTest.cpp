@@ -55,7 +55,7 @@ TEST(ShippedProfilesTest, TheFirstThatCanBeReadCounts) {
     EXPECT_FALSE(ShippedProfiles::find("", places));
 }
 
-TEST(ShippedProfilesTest, VariablesAreSuggestedExceptForAFlatpak) {
+TEST(ShippedProfilesTest, VariablesAreSuggestedForAFlatpakToo) {
     const TemporaryHome home;
     const DesktopApps apps;
     apps.addProgram("app", helperProgram());
@@ -66,7 +66,7 @@ TEST(ShippedProfilesTest, VariablesAreSuggestedExceptForAFlatpak) {
     EXPECT_THAT(suggested(apps.addEntry("org.gnome.gedit", "app")),
                 ElementsAre(Pair("DBUS_SESSION_BUS_ADDRESS", disabledBus)));
     EXPECT_THAT(suggested(apps.addEntry("org.gnome.gedit", "app", "X-Flatpak=org.gnome.gedit\n")),
-                IsEmpty());
+                ElementsAre(Pair("DBUS_SESSION_BUS_ADDRESS", disabledBus)));
     EXPECT_THAT(suggested(apps.addEntry("org.example.Other", "app")), IsEmpty());
 }
 

@@ -13,6 +13,9 @@ TEST(SystemWordsTest, ATextThatNamesAnotherSystemIsSaidInThisOnesWords) {
     EXPECT_EQ(inSystemWords("CloneSwitch", "Menu bar icon"), "Tray icon");
     EXPECT_THAT(systemWords("CreateOptions", "Show no Dock icon"),
                 StrEq("Show no icon in the taskbar"));
+    EXPECT_EQ(inSystemWords("ProbeTexts", "into your Application Support"),
+              "into your own application data");
+    EXPECT_EQ(inSystemWords("ProbeTexts", "into your Preferences"), "into your own settings");
     EXPECT_EQ(inSystemWords("Migration", "“%1” now shares Downloads, Documents & Desktop with your "
                                          "Mac — nothing needed moving."),
               "“%1” now shares your Downloads, Documents & Desktop — nothing needed moving.");

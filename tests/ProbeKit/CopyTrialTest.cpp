@@ -180,15 +180,18 @@ TEST_F(CopyTrialTest, AnAppThatEndsByItselfTellsNothing) {
     EXPECT_EQ(result.recommendedStrategy, Strategy::homeOverride);
 }
 
-TEST_F(CopyTrialTest, AFlatpakIsNotTriedWithoutTheBusThatItNeeds) {
-    apps_.addScript("flatpak", "exec notes-program");
+TEST_F(CopyTrialTest, AFlatpaksApplicationIsTriedWithoutTheBusThatFlatpakItselfNeeds) {
+    apps_.addScript("flatpak", "[ \"$DBUS_SESSION_BUS_ADDRESS\" = disabled: ] && exit 1\n"
+                               "case \"$*\" in *--no-session-bus*)\n"
+                               "export DBUS_SESSION_BUS_ADDRESS=disabled: ;; esac\n"
+                               "exec notes-program");
     entry(claimNameOnBus + std::string(wait));
     const fs::path app = apps_.addEntry("org.example.Notes", "flatpak run org.example.Notes",
                                         "X-Flatpak=org.example.Notes\n");
     const ProbeResult result = probe(app);
     EXPECT_EQ(result.singleton, SingletonTier::machPort);
-    EXPECT_THAT(result.environment, IsEmpty());
-    EXPECT_EQ(starts(), 2);
+    EXPECT_THAT(result.environment, withoutBus);
+    EXPECT_EQ(starts(), 3);
 }
 
 TEST_F(CopyTrialTest, ACopyThatIsStillStartingIsWaitedFor) {

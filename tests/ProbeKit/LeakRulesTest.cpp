@@ -63,6 +63,39 @@ TEST(LeakRulesTest, SharedSettingsCountWithoutAName) {
     EXPECT_EQ(bucketOf("/h/notes/.config/dconf2/user"), LeakBucket::irrelevant);
 }
 
+TEST(LeakRulesTest, SharedSettingsCountOnlyIfOneOfTheAppsHasChanged) {
+    const std::string database = "/h/notes/.config/dconf/user";
+    const Settings before{{"/org/example/notes/size", "1"}, {"/org/other/size", "1"}};
+    const auto leaksAfter = [&](const std::optional<Settings>& first,
+                                const std::optional<Settings>& last) {
+        LeakBuckets buckets{
+            {LeakBucket::prefsLeak, {database, "/h/notes/.config/dconf/user.X", database}},
+            {LeakBucket::irrelevant, {"/x"}}};
+        rulesOfEntry().setOthersSettingsAside(first, last, buckets);
+        const std::size_t irrelevant = buckets[LeakBucket::irrelevant].size();
+        EXPECT_EQ(irrelevant, buckets.contains(LeakBucket::prefsLeak) ? 1U : 4U);
+        return buckets.contains(LeakBucket::prefsLeak);
+    };
+    Settings after = before;
+    EXPECT_FALSE(leaksAfter(before, after));
+    after["/org/other/size"] = "2";
+    after["/org/other/new"] = "1";
+    EXPECT_FALSE(leaksAfter(before, after)) << "another program's";
+    after["/org/example/notes/size"] = "2";
+    EXPECT_TRUE(leaksAfter(before, after));
+    after.erase("/org/example/notes/size");
+    EXPECT_TRUE(leaksAfter(before, after));
+    EXPECT_TRUE(leaksAfter(Settings(), Settings{{"/org/example/notes/new", "1"}}));
+    EXPECT_TRUE(leaksAfter(std::nullopt, before)) << "it can't be told";
+    EXPECT_TRUE(leaksAfter(before, std::nullopt));
+}
+
+TEST(LeakRulesTest, OtherLeaksStayLeaksWhateverHasChanged) {
+    LeakBuckets buckets{{LeakBucket::prefsLeak, {"/h/notes/.config/notes/settings"}}};
+    rulesOfEntry().setOthersSettingsAside(Settings(), Settings(), buckets);
+    EXPECT_EQ(buckets[LeakBucket::prefsLeak].size(), 1U);
+}
+
 TEST(LeakRulesTest, PlacesThemselvesAndTheirNeighboursAreIrrelevant) {
     EXPECT_EQ(bucketOf("/h/notes/.config/dconf"), LeakBucket::irrelevant);
     EXPECT_EQ(bucketOf("/h/notes2/.notes"), LeakBucket::irrelevant);

@@ -2,7 +2,9 @@
 #include "LaunchKit/InstanceConfig.h"
 #include "LaunchKit/InstanceLauncher.h"
 #include "LaunchKit/InstanceRecord.h"
+#include "LaunchKit/WindowWord.h"
 #include "Platform/desktop/ActivationError.h"
+#include "Platform/desktop/MenuEntry.h"
 #include "tests/QuorvelApp/StubServices.h"
 #include "tests/support/AppBundles.h"
 #include "tests/support/TemporaryHome.h"
@@ -420,6 +422,24 @@ TEST_F(AppModelTest, DeletingRemovesTheWrapperAndListsAgain) {
     model().remove(record, false);
     EXPECT_THAT(names(), ElementsAre("Home"));
     EXPECT_TRUE(fs::exists(home / "QuorvelInstances/Work/data"));
+}
+
+TEST_F(AppModelTest, DeletingWithdrawsFromTheMenuInTheBackground) {
+    if (!hasMenu()) {
+        GTEST_SKIP() << "this system has none";
+    }
+    const InstanceRecord record = addClone("Work");
+    const std::string identity = cloneIdentity(record.bundleURL);
+    DesktopEntry entry{.type = "Application", .name = "Work", .exec = "/bin/true"};
+    entry.cloneId = identity;
+    const std::string word = windowWord(identity);
+    publishMenuEntry({.word = word, .fileName = word + ".desktop", .entry = entry}, {});
+    stubbed.tasks->holding = true;
+    model().remove(record, false);
+    EXPECT_FALSE(fs::exists(record.bundleURL));
+    EXPECT_EQ(publishedMenuEntries().size(), 1U);
+    stubbed.tasks->release();
+    EXPECT_TRUE(eventually([] { return publishedMenuEntries().empty(); }));
 }
 
 TEST_F(AppModelTest, DeletingWithDataRemovesBoth) {

@@ -72,15 +72,25 @@ TEST_F(CloneDetailTest, EscapeAndReturnSpareTheDataOfACloneThatRuns) {
     }
 }
 
-TEST_F(CloneDetailTest, DoesNotAskOnceMoreWhereTheDataStays) {
-    const InstanceRecord work = addClone("Work");
-    open();
-    select(work);
-    stubs.workspace->setRunning({work.config.bundleId});
-    button(u"Delete"_s)->click();
-    button(u"Delete Clone Only"_s)->click();
-    EXPECT_FALSE(shown(u"“Work” is running"_s));
-    EXPECT_FALSE(fs::exists(work.bundleURL));
+TEST_F(CloneDetailTest, DoesNotAskOnceMoreWhereTheDataStaysButSaysWhatGoesOn) {
+    for (const bool runs : {true, false}) {
+        const InstanceRecord work = addClone("Work");
+        open();
+        select(work);
+        stubs.workspace->running.clear();
+        if (runs) {
+            stubs.workspace->setRunning({work.config.bundleId});
+        }
+        button(u"Delete"_s)->click();
+        button(u"Delete Clone Only"_s)->click();
+        EXPECT_FALSE(shown(u"“Work” is running"_s));
+        EXPECT_FALSE(fs::exists(work.bundleURL));
+        EXPECT_EQ(stubs.model().statusMessage().value_or("nothing"),
+                  runs ? "“Work” is running. It goes on until you quit it, perhaps under the "
+                         "original’s icon in the Dock."
+                       : "nothing");
+        stubs.model().setStatusMessage(std::nullopt);
+    }
 }
 
 TEST_F(CloneDetailTest, ADeletionCanBeCancelledByButtonAndByEscape) {

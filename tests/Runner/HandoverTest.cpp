@@ -6,12 +6,16 @@
 
 #include <csignal>
 #include <gmock/gmock.h>
+#include <sys/inotify.h>
+#include <unistd.h>
 
 namespace quorvel {
 namespace {
 
 using namespace testing;
+using ::testing::EndsWith;
 using ::testing::HasSubstr;
+using ::testing::Not;
 namespace fs = std::filesystem;
 
 class HandoverTest : public RunnerFixture {
@@ -116,6 +120,32 @@ TEST_F(HandoverTest, ASecondStartThatOnlyWaitsIsEnded) {
     EXPECT_TRUE(first.isRunning());
     first.terminate();
     first.waitUntilExit();
+}
+
+TEST_F(HandoverTest, WhatTakesOneDocumentSaysHowManyOthersWereLeftOut) {
+    apps_.addScript("viewer", "echo \"$@\"");
+    InstanceConfig config = configOf(ShortcutKind::app);
+    config.targetAppPath = apps_.addEntry("viewer", "viewer %f");
+    config.openWithPassthrough = true;
+    EXPECT_EQ(run(config, {"/a"}), 0);
+    EXPECT_EQ(log(), "/a\n");
+    EXPECT_EQ(run(config, {"/a", "/b", "/c"}), 0);
+    EXPECT_THAT(log(), HasSubstr("quorvel-runner: documents that were left out"));
+    EXPECT_THAT(log(), EndsWith(" a clone: 2\n"));
+    EXPECT_THAT(log(), Not(HasSubstr("/b")));
+}
+
+// A target that is read twice could be another one the second time.
+TEST_F(HandoverTest, AStartReadsItsTargetOnce) {
+    apps_.addScript("fox", "exit 0");
+    InstanceConfig config = configOf(ShortcutKind::app);
+    config.targetAppPath = apps_.addEntry("fox", "fox");
+    const fs::path clone = wrapper(config);
+    const FileHandle events(::inotify_init1(IN_NONBLOCK | IN_CLOEXEC));
+    ASSERT_GE(::inotify_add_watch(events.descriptor(), config.targetAppPath.c_str(), IN_OPEN), 0);
+    EXPECT_EQ(start(clone).waitUntilExit(), 0) << log();
+    inotify_event event[8];
+    EXPECT_EQ(::read(events.descriptor(), event, sizeof event), ssize_t{sizeof event[0]});
 }
 
 } // namespace

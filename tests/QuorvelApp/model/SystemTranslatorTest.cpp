@@ -29,7 +29,8 @@ using ::testing::Not;
 using ::testing::SizeIs;
 
 // What only macOS has.
-constexpr auto foreignWords = "Finder|\\bMacs?\\b|macOS|\\bDock\\b|[Mm]enu.[Bb]ar|⌘";
+constexpr auto foreignWords = "Finder|\\bMacs?\\b|macOS|\\bDock\\b|[Mm]enu.[Bb]ar|⌘|"
+                              "Application Support|\\bPreferences\\b";
 
 using Texts = std::set<std::pair<std::string, std::string>>; // with their contexts
 
