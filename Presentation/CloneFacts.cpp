@@ -111,7 +111,7 @@ std::optional<std::string> linksText(const InstanceConfig& config, bool full,
 
 // The single list of facts about a clone. Without a state, only the rows of the details.
 std::vector<Fact> facts(const InstanceRecord& clone, const CloneState* state,
-                        const Translate& translate) {
+                        WindowGrouping grouping, const Translate& translate) {
     const InstanceConfig& config = clone.config;
     const bool full = state != nullptr;
     const bool isApp = config.kind == ShortcutKind::app;
@@ -140,8 +140,9 @@ std::vector<Fact> facts(const InstanceRecord& clone, const CloneState* state,
     if (auto cost = environmentCost(config.environment, translate)) {
         list.add(translate("CloneFacts", "Note"), std::move(*cost));
     }
-    list.addInFull(translate("CloneFacts", "Windows"),
-                   groupingNote(full ? state->grouping : WindowGrouping::own, translate));
+    if (auto note = groupingNote(grouping, translate)) {
+        list.add(translate("CloneFacts", "Windows"), std::move(*note));
+    }
     list.addInFull(translate("CloneFacts", "Working directory"), config.workingDirectory);
     list.addInFull(
         translate("CloneFacts", "Icon label"),
@@ -188,13 +189,14 @@ std::string Fact::value() const {
     return joined(lines, "\n");
 }
 
-std::vector<Fact> cloneDetails(const InstanceRecord& clone, const Translate& translate) {
-    return facts(clone, nullptr, translate);
+std::vector<Fact> cloneDetails(const InstanceRecord& clone, const Translate& translate,
+                               WindowGrouping grouping) {
+    return facts(clone, nullptr, grouping, translate);
 }
 
 std::vector<Fact> cloneReport(const InstanceRecord& clone, const CloneState& state,
                               const Translate& translate) {
-    return facts(clone, &state, translate);
+    return facts(clone, &state, state.grouping, translate);
 }
 
 } // namespace quorvel

@@ -36,7 +36,8 @@ struct Fact {
 
 /// Returns the rows of a clone's details, top to bottom.
 [[nodiscard]] std::vector<Fact> cloneDetails(const InstanceRecord& clone,
-                                             const Translate& translate = inEnglish);
+                                             const Translate& translate = inEnglish,
+                                             WindowGrouping grouping = WindowGrouping::own);
 
 /// What is known about a clone besides its configuration.
 struct CloneState {

@@ -398,6 +398,12 @@ QFuture<void> AppModel::reveal(const InstanceRecord& record) {
         });
 }
 
+QFuture<WindowGrouping> AppModel::windowGrouping(const InstanceRecord& record) {
+    return services_.tasks->detached(
+        TaskPriority::utility, this, [config = record.config] { return windowGroupingOf(config); },
+        [](WindowGrouping grouping) { return grouping; });
+}
+
 QFuture<bool> AppModel::isIconFile(const std::filesystem::path& file) {
     return services_.tasks->detached(
         TaskPriority::userInitiated, this, [file] { return isDrawableIcon(file); },

@@ -2,6 +2,7 @@
 
 #include "LaunchKit/AppProfile.h"
 #include "LaunchKit/InstanceLauncher.h"
+#include "LaunchKit/WindowIdentity.h"
 #include "QuorvelApp/model/AppServices.h"
 
 #include <QFuture>
@@ -100,6 +101,8 @@ public:
     /// Shows the clone's wrapper in the file manager. A failure becomes `lastError`.
     QFuture<void> reveal(const InstanceRecord& record);
 
+    /// Returns where the dock shows the clone's windows under the clone's own name.
+    [[nodiscard]] QFuture<WindowGrouping> windowGrouping(const InstanceRecord& record);
     /// Returns whether the file is an icon container (".icns") with an image that can be decoded.
     [[nodiscard]] QFuture<bool> isIconFile(const std::filesystem::path& file);
 

@@ -113,11 +113,21 @@ QWidget* CloneDetailView::makeActions() {
 }
 
 void CloneDetailView::setClone(const InstanceRecord& clone) {
+    if (clone.bundleURL != clone_->bundleURL) {
+        grouping_ = WindowGrouping::own; // until it is found out
+    }
     *clone_ = clone;
     icon_->setPath(iconPathOf(clone));
     name_->setFullText(displayLine(clone.config.displayName));
-    setRows(cloneDetails(clone, translated));
+    setRows(cloneDetails(clone, translated, grouping_));
     refreshRunning();
+    model_.windowGrouping(clone).then(this,
+                                      [this, wrapper = clone.bundleURL](WindowGrouping grouping) {
+                                          if (wrapper == clone_->bundleURL) {
+                                              grouping_ = grouping;
+                                              setRows(cloneDetails(*clone_, translated, grouping_));
+                                          }
+                                      });
 }
 
 void CloneDetailView::launch() {

@@ -51,6 +51,7 @@ private:
     AppModel& model_;
     QWidget* sheets_;
     std::unique_ptr<InstanceRecord> clone_; ///< empty until the first `setClone`, never null
+    WindowGrouping grouping_ = WindowGrouping::own;
     std::vector<Fact> rows_{};
     AppIcon* icon_ = nullptr;
     ElidedLabel* name_ = nullptr;

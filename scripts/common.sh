@@ -19,7 +19,8 @@ debian_test=(libgtest-dev libgmock-dev xdg-utils libplist-utils
   xdotool openbox xfwm4 xfconf sway foot x11-utils at-spi2-core libatspi2.0-dev fonts-inter
   fonts-dejavu-core fonts-noto-color-emoji fonts-wqy-microhei qt6-image-formats-plugins
   clang-16 lld-16 llvm-16 libc++-16-dev zsh desktop-file-utils qt6-l10n-tools flatpak strace
-  libglib2.0-bin dconf-gsettings-backend evince gnome-shell xwayland python3-gi iproute2)
+  libglib2.0-bin dconf-gsettings-backend evince gnome-shell xwayland python3-gi iproute2
+  thunar)
 # The applications that tests clone. Some distributions lack some; their tests are skipped there.
 debian_apps=(firefox-esr chromium gedit gnome-calculator kcalc keepassxc meld transmission-gtk)
 # The C library headers for the other processor of Macs.

@@ -11,6 +11,7 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <ctime>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -75,9 +76,18 @@ void removePictures(const std::string& word, const std::string& kept) {
     }
 }
 
-// Desktops that keep a list of a theme's icons make it again when the theme's folder changes.
+// Desktops that keep a list of a theme's icons make it again when the theme's folder has another
+// time, which they compare in whole seconds.
 void touchTheme() {
-    (void)::utimensat(AT_FDCWD, themeFolder().c_str(), nullptr, 0);
+    const fs::path folder = themeFolder();
+    struct stat status {};
+    timespec time{};
+    ::clock_gettime(CLOCK_REALTIME, &time);
+    if (::stat(folder.c_str(), &status) == 0 && status.st_mtim.tv_sec >= time.tv_sec) {
+        time = {.tv_sec = status.st_mtim.tv_sec + 1, .tv_nsec = 0};
+    }
+    const std::array<timespec, 2> times{time, time};
+    (void)::utimensat(AT_FDCWD, folder.c_str(), times.data(), 0);
 }
 
 void writePictures(const std::string& icon, const std::vector<MenuPicture>& pictures) {

@@ -1,6 +1,9 @@
 #include "Platform/desktop/PlasmaWindows_linux.h"
 
+#include <QtCore/QCoreApplication>
+#include <QtCore/QDir>
 #include <QtCore/QStringList>
+#include <QtCore/QTemporaryFile>
 #include <QtCore/QVariantMap>
 #include <QtDBus/QDBusArgument>
 #include <QtDBus/QDBusConnection>
@@ -13,10 +16,28 @@ namespace {
 const auto service = QStringLiteral("org.kde.KWin");
 const auto runnerPath = QStringLiteral("/WindowsRunner");
 const auto runner = QStringLiteral("org.kde.krunner1");
+const auto scripting = QStringLiteral("/Scripting");
+const auto scripts = QStringLiteral("org.kde.kwin.Scripting");
 constexpr int patience = 2000; // milliseconds, for each call
 
+// Shows the topmost window of these processes. A script that fails is unloaded.
+constexpr auto showingScript = R"(
+const processes = [%1];
+const all = workspace.windowList ? workspace.windowList() : workspace.clientList();
+const found = all.filter(one => processes.includes(one.pid) && one.normalWindow);
+if (found.length === 0) {
+    throw new Error("no such window");
+}
+const topmost = found[found.length - 1];
+if (workspace.windowList) {
+    workspace.activeWindow = topmost;
+} else {
+    workspace.activeClient = topmost;
+}
+)";
+
 QDBusMessage ask(const QString& path, const QString& interface, const QString& method,
-                 const QVariantList& arguments) {
+                 const QVariantList& arguments = {}) {
     QDBusMessage call = QDBusMessage::createMethodCall(service, path, interface, method);
     call.setArguments(arguments);
     return QDBusConnection::sessionBus().call(call, QDBus::Block, patience);
@@ -66,6 +87,37 @@ bool isOwnedBy(const WindowOwner& owner, const QString& id) {
            owner.hasClass(fact("resourceName"));
 }
 
+// KWin tells its scripts the process of every window, and older ones tell nobody else.
+bool activateByScript(const WindowOwner& owner) {
+    QStringList processes;
+    for (const pid_t process : owner.processes) {
+        processes.append(QString::number(process));
+    }
+    QTemporaryFile file(QDir::tempPath() + QStringLiteral("/quorvel-XXXXXX.js"));
+    if (!file.open() ||
+        file.write(QString::fromLatin1(showingScript).arg(processes.join(u',')).toUtf8()) < 0 ||
+        !file.flush()) {
+        return false;
+    }
+    const QString name = QStringLiteral("quorvel-%1").arg(QCoreApplication::applicationPid());
+    const QDBusMessage loaded =
+        ask(scripting, scripts, QStringLiteral("loadScript"), {file.fileName(), name});
+    const int number = loaded.arguments().value(0, -1).toInt();
+    if (number < 0) {
+        return false;
+    }
+    // Its path depends on the version.
+    for (const QString& path : {scripting + QStringLiteral("/Script%1"), QStringLiteral("/%1")}) {
+        ask(path.arg(number), QStringLiteral("org.kde.kwin.Script"), QStringLiteral("run"));
+    }
+    const bool done = ask(scripting, scripts, QStringLiteral("isScriptLoaded"), {name})
+                          .arguments()
+                          .value(0)
+                          .toBool();
+    ask(scripting, scripts, QStringLiteral("unloadScript"), {name});
+    return done;
+}
+
 } // namespace
 
 bool activateInPlasma(const WindowOwner& owner) {
@@ -80,7 +132,7 @@ bool activateInPlasma(const WindowOwner& owner) {
             return reply.type() == QDBusMessage::ReplyMessage;
         }
     }
-    return false;
+    return activateByScript(owner);
 }
 
 } // namespace quorvel

@@ -4,9 +4,9 @@
 
 namespace quorvel {
 
-/// Asks KWin over D-Bus, as the desktop's search does, to bring a window of the owner to the front.
-/// Returns false if KWin does not run, or knows no such window. Before Plasma 6 it does not say
-/// which process a window belongs to: there, only the class counts.
+/// Asks KWin over D-Bus to bring a window of the owner to the front: as the desktop's search does,
+/// else by a script, since the search of Plasma 5 tells windows apart by their class only. Returns
+/// false if KWin does not run, or knows no such window.
 [[nodiscard]] bool activateInPlasma(const WindowOwner& owner);
 
 } // namespace quorvel

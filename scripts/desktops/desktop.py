@@ -83,12 +83,15 @@ class Desktop:
         desktop draws none by itself: the icon's name has to do there."""
         if not hasattr(self, "picture_of_icon"):
             return True
+        return bool(wait_for(lambda: self.count_in_icon(entry, colour) > 10, 5))  # it may be loaded late
+
+    def count_in_icon(self, entry, colour):
         picture = self.session.base + "/out/own-icon.png"
         self.picture_of_icon(entry, picture)
         count = subprocess.run(["convert", picture, "-fuzz", "12%", "-fill", "black", "+opaque", colour,
                                 "-fill", "white", "-opaque", colour, "-format", "%[fx:mean*w*h]", "info:"],
                                check=True, capture_output=True, text=True).stdout
-        return float(count) > 10
+        return float(count)
 
     def call(self, name, path, interface, method, arguments=None):
         if self.connection is None:

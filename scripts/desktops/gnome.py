@@ -112,6 +112,31 @@ class Gnome(Desktop):
         self.evaluate("global.quorvelIcon.destroy()")
         shutil.move(inside, path)
 
+    def on_window(self, one, action):
+        """Evaluates an expression about a window, which it calls `one`."""
+        return self.evaluate("""(() => { for (const actor of global.get_window_actors()) { const one = actor.meta_window;
+          if (one.get_stable_sequence() === %s) return %s; } })()""" % (one.id, action))
+
+    def place(self, one, x, y, width, height):
+        self.on_window(one, f"one.move_resize_frame(true, {x}, {y}, {width}, {height})")
+
+    def frame(self, one):
+        return self.on_window(one, "(r => [r.x, r.y, r.width, r.height])(one.get_frame_rect())")
+
+    def clear_notices(self):
+        """Takes away what the shell says about the machine that it runs on."""
+        self.evaluate("imports.ui.main.messageTray.getSources().forEach(source => source.destroy())")
+
+    def hold_switcher(self):
+        """Presses the keys that show the open applications, and doesn't release the first."""
+        self.evaluate("""(() => { const {Clutter, GLib} = imports.gi;
+          const keys = Clutter.get_default_backend().get_default_seat().create_virtual_device(Clutter.InputDeviceType.KEYBOARD_DEVICE);
+          global.quorvelKeys = keys;
+          const now = GLib.get_monotonic_time();
+          keys.notify_keyval(now, Clutter.KEY_Alt_L, Clutter.KeyState.PRESSED);
+          keys.notify_keyval(now + 1000, Clutter.KEY_Tab, Clutter.KeyState.PRESSED);
+          keys.notify_keyval(now + 2000, Clutter.KEY_Tab, Clutter.KeyState.RELEASED); })()""")
+
     def click(self, x, y):
         self.evaluate("""(() => { const {Clutter, GLib} = imports.gi;
           const seat = Clutter.get_default_backend().get_default_seat();

@@ -117,5 +117,9 @@ class PlasmaX11(Plasma):
         self.session.start(["kwin_x11", "--replace"], log="compositor")
         self.await_name("org.kde.KWin")
 
+    def place(self, one, x, y, width, height):
+        self.session.output_of(["xdotool", "windowsize", "--sync", one.id, str(width), str(height),
+                                "windowmove", one.id, str(x), str(y)])
+
     def screenshot(self, path):
         self.picture_of_x_server(path)

@@ -114,12 +114,11 @@ class Session:
     def close(self):
         if self.init:
             try:
-                os.kill(int(self.init), 9)  # the kernel ends the rest
+                os.kill(int(self.init), 9)  # the kernel ends the rest, before its parent learns of it
             except ProcessLookupError:
                 pass
             self.init = None
         if self.first:
-            self.first.kill()
             self.first.wait()
             self.first.stdout.close()
             self.first.stderr.close()

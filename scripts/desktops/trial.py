@@ -1,6 +1,7 @@
 #!/usr/bin/python3
-"""Clones installed applications in a desktop's session, and prints what the desktop makes of them.
-Usage: trial.py BUILD DESKTOP [APPLICATION...] [--json] [--without-focus]"""
+"""Clones installed applications in a desktop's session, and prints what the desktop makes of them, one line of
+JSON for each. table.py makes a table of such lines.
+Usage: trial.py BUILD DESKTOP [APPLICATION...] [--without-focus]"""
 import json
 import os
 import shlex
@@ -110,7 +111,8 @@ def match(desktop, clone, window):
     if window is None:
         return {"window": False}
     if not desktop.matches_entries:
-        return {"window": True, "entry": clone.word in (window.app_id, window.instance), "name": None, "icon": None}
+        names = (clone.word, clone.entry.removesuffix(".desktop"))
+        return {"window": True, "entry": window.app_id in names or window.instance in names, "name": None, "icon": None}
     return {"window": True, "entry": window.entry == clone.entry, "name": window.name == clone.name,
             "icon": window.icon == clone.icon and desktop.has_colour(clone.entry, clone.colour)}
 
@@ -120,7 +122,7 @@ def focus(desktop, clone, window):
     if window is None:
         return None
     answer = desktop.session.run(["quorvelctl", "open", clone.name])
-    done = bool(wait_for(lambda: any(one.focused and one.id == window.id for one in desktop.windows()), 2))
+    done = bool(wait_for(lambda: any(one.focused and one.id == window.id for one in desktop.windows()), 5))
     text = (answer.stderr or answer.stdout).strip()
     return {"done": done, "reported": answer.returncode == 0 and not text, "text": text}
 
@@ -141,7 +143,7 @@ def try_app(desktop, app, with_focus=True):
     original = windows[-1]
     report = {"desktop": desktop.title, "application": APPS[app][0],
               "clones": [match(desktop, clone, one) for clone, one in zip(clones, windows)],
-              "original": original is not None and (not desktop.matches_entries or original.entry == APPS[app][1] + ".desktop"),
+              "original": original is not None and original.entry not in [clone.entry for clone in clones],
               "windows": [vars(one) if one else None for one in windows]}
     if with_focus:
         time.sleep(JUST_STARTED if desktop.wayland else 2)
@@ -153,28 +155,23 @@ def try_app(desktop, app, with_focus=True):
     return report
 
 
-def verdict(facts, key):
-    values = [clone.get(key) for clone in facts["clones"]]
-    if not all(clone["window"] for clone in facts["clones"]):
-        return "no window"
-    if None in values:
-        return "-"
-    return "own" if all(values) else "first only" if values[0] else "second only" if values[1] else "the original's"
+class Own:
+    """What Quorvel's own menu entry says."""
+    name, entry, icon, word, colour = "Quorvel", "app.quorvel.Quorvel.desktop", "app.quorvel.Quorvel", "quorvel", "#FFFFFF"
 
 
-def focus_verdict(facts):
-    tried = [one for one in facts.get("focus", []) if one]
-    if not tried:
-        return "-"
-    if tried and all(one["done"] for one in tried):
-        return "yes"
-    return "no, as it says" if all(not one["reported"] for one in tried if not one["done"]) else "no, but reported"
-
-
-def row(facts):
-    entry = verdict(facts, "entry") + ("" if facts["original"] else "; the original is not under its own")
-    return " | ".join(["", facts["application"], facts["desktop"], entry, verdict(facts, "name"),
-                       verdict(facts, "icon"), focus_verdict(facts), "-", ""]).strip()
+def try_quorvel(desktop):
+    """Quorvel's own window."""
+    others = desktop.session.processes()
+    wait_for(lambda: desktop.knows(Own.entry), 30)
+    before = desktop.windows()
+    desktop.session.start(["quorvel"])
+    shown = new_window(desktop, before)
+    report = {"desktop": desktop.title, "application": "Quorvel itself", "clones": [match(desktop, Own, shown)],
+              "original": True, "windows": [vars(shown) if shown else None]}
+    end_all(desktop, others)
+    wait_for(lambda: len(desktop.windows()) <= len(before), 10)
+    return report
 
 
 def end(*_):
@@ -192,12 +189,14 @@ def main(arguments):
         sys.exit(f"{desktop.title}: {', '.join(missing)} not installed")
     try:
         desktop.start(lambda session: install(build, session))
-        for app in apps or APPS:
+        for app in apps or ["quorvel", *APPS]:
+            if app == "quorvel":
+                print(json.dumps(try_quorvel(desktop)), flush=True)
+                continue
             if not os.path.exists(f"/usr/share/applications/{APPS[app][1]}.desktop"):
                 print(f"{APPS[app][1]} is not installed", file=sys.stderr)
                 continue
-            facts = try_app(desktop, app, "--without-focus" not in options)
-            print(json.dumps(facts) if "--json" in options else row(facts), flush=True)
+            print(json.dumps(try_app(desktop, app, "--without-focus" not in options)), flush=True)
     except Forbidden as reason:
         print(f"no namespaces: {reason}", file=sys.stderr)
         return 77

@@ -26,7 +26,7 @@ TEST(GnomeShellTest, ShowsTwoClonesAndTheOriginalUnderTheirOwnEntries) {
     }
     const Outcome trial =
         outcomeOf({"/usr/bin/timeout", "200", "/usr/bin/python3", QUORVEL_DESKTOP_TRIAL,
-                   QUORVEL_BUILD, "gnome", "gedit", "--json", "--without-focus"});
+                   QUORVEL_BUILD, "gnome", "gedit", "--without-focus"});
     if (trial.status == noNamespaces) {
         GTEST_SKIP() << trial.output;
     }

@@ -110,6 +110,15 @@ TEST(CloneFactsTest, ArgumentsAndEnvironmentAreDetailsWhereThereAreSome) {
     EXPECT_EQ(valueOf(cloneDetails(clone), "Environment"), "A=1\nB=2\na=3");
 }
 
+TEST(CloneFactsTest, DetailsSayWhatTheDockCantTellApart) {
+    const InstanceRecord clone = cloneOf(ShortcutKind::app);
+    EXPECT_EQ(valueOf(cloneDetails(clone, inEnglish, WindowGrouping::ownOnX11), "Windows"),
+              "On Wayland, the dock may show the clone’s windows together with those of the "
+              "original.");
+    EXPECT_THAT(labelsOf(cloneDetails(clone, inEnglish, WindowGrouping::own)),
+                ::testing::Not(::testing::Contains("Windows")));
+}
+
 TEST(CloneFactsTest, TheOtherKindsHaveNoStrategy) {
     EXPECT_THAT(labelsOf(cloneDetails(cloneOf(ShortcutKind::web))),
                 ElementsAre("Kind", "URL", "Data home", "Bundle id", "Location"));

@@ -3,6 +3,7 @@
 #include "QuorvelApp/CloneDetailView.h"
 #include "QuorvelApp/widgets/MessageSheet.h"
 #include "tests/QuorvelApp/WindowFixture.h"
+#include "tests/support/DesktopApps.h"
 
 #include <QListView>
 #include <QTest>
@@ -17,6 +18,25 @@ using namespace Qt::StringLiterals;
 using ::testing::ElementsAre;
 
 class CloneDetailTest : public WindowTest {};
+
+TEST_F(CloneDetailTest, SaysWhereAClonesWindowsCantBeToldFromTheOriginals) {
+    const DesktopApps apps;
+    const auto sentence =
+        u"The dock may show the clone’s windows together with those of the original."_s;
+    InstanceConfig config;
+    config.displayName = "Scripted";
+    config.bundleId = "app.quorvel.instance.scripted";
+    apps.addScript("scripted", "exit\n"); // which passes no name on
+    config.targetAppPath = apps.addEntry("scripted", "scripted").string();
+    const InstanceRecord scripted = addClone("Scripted", config);
+    const InstanceRecord work = addClone("Work");
+    open();
+    select(scripted);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return shown(sentence); }));
+    select(work);
+    QCoreApplication::processEvents();
+    EXPECT_FALSE(shown(sentence));
+}
 
 TEST_F(CloneDetailTest, DeletesTheDataOnlyWhenAsked) {
     for (const bool withData : {false, true}) {

@@ -2,6 +2,8 @@
 // that it is asked to show into the file given as its argument.
 #include "tests/helpers/BusRecorder.h"
 
+#include <QtCore/QFile>
+#include <QtCore/QRegularExpression>
 #include <QtCore/QVariantMap>
 #include <QtDBus/QDBusArgument>
 #include <QtDBus/QDBusMetaType>
@@ -57,9 +59,33 @@ public:
             }
             return connection.send(message.createReply(facts));
         }
+        if (message.member() == QStringLiteral("loadScript")) {
+            QFile file(text);
+            loaded_ = file.open(QIODevice::ReadOnly);
+            script_ = QString::fromUtf8(file.readAll());
+            return connection.send(message.createReply(7));
+        }
+        if (message.member() == QStringLiteral("run")) {
+            // A window of process 815, which no search tells; a script that fails is unloaded.
+            loaded_ = script_.contains(QRegularExpression(QStringLiteral("\\[(.*,)?815(,.*)?\\]")));
+            say("run " + std::string(loaded_ ? "found" : "failed"));
+            return connection.send(message.createReply());
+        }
+        if (message.member() == QStringLiteral("isScriptLoaded")) {
+            return connection.send(message.createReply(loaded_));
+        }
+        if (message.member() == QStringLiteral("unloadScript")) {
+            loaded_ = false;
+            say("unloaded");
+            return connection.send(message.createReply(true));
+        }
         say(message.member().toStdString() + " " + text.toStdString());
         return connection.send(message.createReply());
     }
+
+private:
+    QString script_{};
+    bool loaded_ = false;
 };
 
 } // namespace
@@ -72,5 +98,6 @@ int main(int argc, char** argv) {
     qDBusRegisterMetaType<Match>();
     qDBusRegisterMetaType<QList<Match>>();
     return WindowSearch(argv[1]).serve(QStringLiteral("org.kde.KWin"),
-                                       {QStringLiteral("/WindowsRunner"), QStringLiteral("/KWin")});
+                                       {QStringLiteral("/WindowsRunner"), QStringLiteral("/KWin"),
+                                        QStringLiteral("/Scripting"), QStringLiteral("/7")});
 }

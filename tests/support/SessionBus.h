@@ -11,14 +11,21 @@ namespace quorvel::testing {
 /// the first bus that it connected to, so all tests of a program share one.
 class SessionBus {
 public:
+    /// What the bus starts when it is asked for a service that isn't on it.
+    enum class Services {
+        Installed, ///< what happens to be installed for it
+        Chosen     ///< Xfce's settings, without which its window manager does not start
+    };
+
     /// Whether the daemon is installed.
     [[nodiscard]] static bool isAvailable();
 
-    /// The one bus of a test program, which lives as long as the program.
+    /// The one bus of a test program, which starts only `Services::Chosen` and lives as long as
+    /// the program.
     [[nodiscard]] static SessionBus& shared();
 
     /// Throws `std::runtime_error` if the bus does not start.
-    SessionBus();
+    explicit SessionBus(Services services = Services::Installed);
     SessionBus(const SessionBus&) = delete;
     SessionBus& operator=(const SessionBus&) = delete;
     ~SessionBus();

@@ -102,6 +102,21 @@ TEST_F(MenuEntryTest, TheThemesFolderIsTouchedWhenAPictureIsNew) {
     EXPECT_GT(fs::last_write_time(theme()), before);
 }
 
+TEST_F(MenuEntryTest, TheThemesFolderHasAnotherSecondAfterEachNewPicture) {
+    const auto second = [&] {
+        struct stat status {};
+        EXPECT_EQ(::stat(theme().c_str(), &status), 0);
+        return status.st_mtim.tv_sec;
+    };
+    publish();
+    time_t before = second();
+    for (const char* picture : {"-2", "-3", "-4"}) {
+        publish(menuEntry(word + picture));
+        EXPECT_NE(second(), before) << picture;
+        before = second();
+    }
+}
+
 TEST_F(MenuEntryTest, APictureIsThereBeforeTheEntryThatNamesIt) {
     publish();
     for (int step = 0;; ++step) {

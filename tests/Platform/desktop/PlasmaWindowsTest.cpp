@@ -29,7 +29,13 @@ TEST_F(PlasmaWindowsTest, ShowsNoWindowOfAnother) {
     const BusProgram desktop(QUORVEL_WINDOW_SEARCH, folder_ / "log");
     EXPECT_FALSE(activateInPlasma({.processes = {12}}));
     EXPECT_FALSE(activateInPlasma({.processes = {12}, .windowClass = "Three"}));
-    EXPECT_EQ(desktop.asked(), "");
+    EXPECT_EQ(desktop.asked(), "run failed\nunloaded\nrun failed\nunloaded\n");
+}
+
+TEST_F(PlasmaWindowsTest, FindsAWindowThatLooksLikeTheOriginalsByItsProcess) {
+    const BusProgram desktop(QUORVEL_WINDOW_SEARCH, folder_ / "log");
+    EXPECT_TRUE(activateInPlasma({.processes = {12, 815}, .windowClass = "Three"}));
+    EXPECT_EQ(desktop.asked(), "run found\nunloaded\n");
 }
 
 TEST_F(PlasmaWindowsTest, FindsNothingOnAnotherDesktop) {

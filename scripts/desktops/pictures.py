@@ -1,0 +1,146 @@
+#!/usr/bin/python3
+"""Takes the pictures of real desktops that the documents show.
+Usage: pictures.py BUILD FOLDER [grid] [gnome] [plasma]"""
+import json
+import os
+import shlex
+import signal
+import subprocess
+import sys
+import threading
+import time
+
+from gi.repository import Gio, GLib
+
+sys.dont_write_bytecode = True
+from gnome import Gnome, GnomeX11  # noqa: E402
+from plasma import PlasmaX11  # noqa: E402
+from trial import end, install, new_window  # noqa: E402
+
+SETTINGS = """<node><interface name="org.freedesktop.portal.Settings">
+<method name="Read"><arg direction="in" type="s"/><arg direction="in" type="s"/><arg direction="out" type="v"/></method>
+</interface></node>"""
+APP = ("org.xfce.mousepad", "Mousepad")
+NOTES = {"Work": "Signed in as anna@office.example\n\nMeeting at ten\n",
+         "Home": "Signed in as anna@family.example\n\nBread, milk, apples\n",
+         None: "The original, as it always was\n"}
+
+
+def announce_dark(desktop):
+    """Answers, as a portal does, that the user prefers dark windows."""
+    desktop.is_on_bus("org.freedesktop.portal.Desktop")  # which connects
+
+    def answer(connection, sender, path, interface, method, arguments, invocation):
+        invocation.return_value(GLib.Variant("(v)", (GLib.Variant("v", GLib.Variant("u", 1)),)))
+    interface = Gio.DBusNodeInfo.new_for_xml(SETTINGS).interfaces[0]
+    desktop.connection.register_object("/org/freedesktop/portal/desktop", interface, answer, None, None)
+    desktop.call("org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus", "RequestName",
+                 GLib.Variant("(su)", ("org.freedesktop.portal.Desktop", 0)))
+    threading.Thread(target=GLib.MainLoop().run, daemon=True).start()
+
+
+def create(desktop, name, label, colour, *options):
+    record = json.loads(desktop.session.output_of(["quorvelctl", "create", "--name", name, "--label", label,
+                                                   "--label-color", colour, "--json", *options]))
+    return record["bundleURL"]
+
+
+def save(desktop, path, area=None):
+    desktop.screenshot(path)
+    if area:
+        x, y, width, height = area
+        subprocess.run(["convert", path, "-crop", f"{width}x{height}+{x}+{y}", "+repage", path], check=True)
+    subprocess.run(["pngquant", "--force", "--skip-if-larger", "--output", path, path], check=False)
+    subprocess.run(["optipng", "-quiet", path], check=True)
+    print(path, os.path.getsize(path), flush=True)
+
+
+def take_grid(build, path, dark):
+    """Quorvel's own window with the applications that are installed."""
+    desktop = GnomeX11()
+    try:
+        desktop.start(lambda session: install(build, session))
+        if dark:
+            announce_dark(desktop)
+        create(desktop, "Firefox (Work)", "WORK", "#F5C211", "--target", "firefox-esr.desktop")
+        create(desktop, "Firefox (Home)", "HOME", "#57E389", "--target", "firefox-esr.desktop")
+        create(desktop, "Text Editor (Work)", "WORK", "#F5C211", "--target", "org.gnome.TextEditor.desktop")
+        before = desktop.windows()
+        desktop.session.start(["quorvel"])
+        quorvel = new_window(desktop, before)
+        desktop.session.output_of(["xdotool", "key", "ctrl+n"])
+        time.sleep(8)  # until all icons are drawn
+        x, y, width, height = desktop.frame(quorvel)
+        save(desktop, path, (x, y, width, height))
+    finally:
+        desktop.stop()
+
+
+def open_three(desktop, entry, name):
+    """Two clones and the application itself, each with a note in its own home."""
+    windows = []
+    for word, text in NOTES.items():
+        clone = f"{name} {word}"
+        home = f"{desktop.session.home}/QuorvelInstances/{clone}" if word else desktop.session.home
+        note = f"{home}/{(word or 'Original').lower()}.txt"
+        if word:
+            create(desktop, clone, word.upper(), "#F5C211" if word == "Work" else "#57E389",
+                   "--target", entry + ".desktop", "--extra-arg", note)
+            time.sleep(6)  # until the desktop has read the entry
+        desktop.session.write(note, text)
+        desktop.session.give_to_user()
+        before = desktop.windows()
+        if word:
+            desktop.session.output_of(["quorvelctl", "open", clone])
+        else:
+            info = Gio.DesktopAppInfo.new_from_filename(f"/usr/share/applications/{entry}.desktop")
+            command = [one for one in shlex.split(info.get_commandline()) if not one.startswith("%")]
+            desktop.session.start([*command, note], log="original")
+        windows.append(new_window(desktop, before))
+    return windows
+
+
+def take_gnome(build, path, dark):
+    desktop = Gnome()
+    try:
+        desktop.start(lambda session: install(build, session))
+        if dark:
+            desktop.session.environment["GTK_THEME"] = "Adwaita:dark"
+        for index, one in enumerate(open_three(desktop, *APP)):
+            desktop.place(one, 10 + index * 425, 50, 410, 270)
+        time.sleep(2)
+        desktop.clear_notices()
+        time.sleep(1)
+        desktop.hold_switcher()  # which shows each with its name
+        time.sleep(2)
+        save(desktop, path)
+    finally:
+        desktop.stop()
+
+
+def take_plasma(build, path):
+    desktop = PlasmaX11()
+    try:
+        desktop.start(lambda session: install(build, session))
+        for index, one in enumerate(open_three(desktop, *APP)):
+            desktop.place(one, 10 + index * 425, 40, 410, 400)
+        time.sleep(3)
+        save(desktop, path)
+    finally:
+        desktop.stop()
+
+
+def main(build, folder, *names):
+    signal.signal(signal.SIGTERM, end)
+    os.makedirs(folder, exist_ok=True)
+    for name in names or ("grid", "gnome", "plasma"):
+        if name == "plasma":
+            take_plasma(build, f"{folder}/plasma.png")
+            continue
+        take, file = {"grid": (take_grid, "grid"), "gnome": (take_gnome, "side-by-side")}[name]
+        for look in ("light", "dark"):
+            take(build, f"{folder}/{file}-{look}.png", look == "dark")
+
+
+if __name__ == "__main__":
+    main(*sys.argv[1:])

@@ -1,0 +1,46 @@
+#!/usr/bin/python3
+"""Reads what trial.py printed, for one desktop or several, and prints it as a table. Desktops that do the same with
+an application share a row."""
+import json
+import sys
+
+
+def verdict(facts, key):
+    clones = facts["clones"]
+    if not all(clone["window"] for clone in clones):
+        return "no window"
+    values = [clone[key] for clone in clones]
+    if None in values:
+        return "-"
+    if all(values):
+        return "own"
+    return "the original’s" if not any(values) else f"own: {values.count(True)} of {len(values)}"
+
+
+def focus(facts):
+    tried = [one for one in facts.get("focus", []) if one]
+    if not tried:
+        return "-"
+    if all(one["done"] for one in tried):
+        return "yes"
+    return "no, but reported" if any(one["reported"] and not one["done"] for one in tried) else "no, and says so"
+
+
+def main():
+    rows = {}
+    for line in sys.stdin:
+        facts = json.loads(line)
+        entry = verdict(facts, "entry")
+        if not facts["original"]:
+            entry += "; the original is not under its own"
+        cells = (facts["application"], entry, verdict(facts, "name"), verdict(facts, "icon"), focus(facts), "-")
+        rows.setdefault(cells, []).append(facts["desktop"])
+    order = list(dict.fromkeys(cells[0] for cells in rows))
+    print("| application | desktop | entry | name | icon | focus | badge |")
+    print("|---|---|---|---|---|---|---|")
+    for cells, desktops in sorted(rows.items(), key=lambda row: order.index(row[0][0])):
+        print("| " + " | ".join([cells[0], "; ".join(desktops), *cells[1:]]) + " |")
+
+
+if __name__ == "__main__":
+    main()
