@@ -93,8 +93,8 @@ void considerTarget(WrapperFactory::Request& request, bool addsEnvironment) {
 
 // Asks before replacing a clone that can't be read, if the input is a terminal.
 MadeClone madeCloneAfterQuestion(const CommandContext& context, const WrapperFactory& factory,
-                                const WrapperFactory::Request& request,
-                                RequestPermissions permissions) {
+                                 const WrapperFactory::Request& request,
+                                 RequestPermissions permissions) {
     try {
         return madeClone(context, factory, request, permissions);
     } catch (const DamagedClone& refused) {

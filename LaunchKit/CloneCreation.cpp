@@ -50,7 +50,7 @@ std::optional<FileLock> lockAndValidate(const fs::path& folder,
 } // namespace
 
 MadeClone createClone(const WrapperFactory& factory, const WrapperFactory::Request& request,
-                     const RequestPermissions& permissions, const WrapperFactory::Warning& warn) {
+                      const RequestPermissions& permissions, const WrapperFactory::Warning& warn) {
     const fs::path folder = WrapperFactory::wrapperURL(request).parent_path();
     std::optional<FileLock> lock = lockAndValidate(
         folder, [&] { validateRequest(request, factory.runnerBinary, permissions); });

@@ -25,8 +25,8 @@ struct IsolationOptions {
                                               const IsolationOptions& options = {});
 
 /// Removes the temporary folder that `isolatedEnvironment` made for `home` outside of it, with
-/// everything in it, unless something is mounted there. To be called once nothing runs in `home` any
-/// more. What can't be removed stays. Does nothing on macOS. Never throws.
+/// everything in it, unless something is mounted there. To be called once nothing runs in `home`
+/// any more. What can't be removed stays. Does nothing on macOS. Never throws.
 void removeTemporaryFolder(const std::string& home, const Environment& session) noexcept;
 
 } // namespace quorvel
