@@ -61,6 +61,22 @@ ask(1, 'WebDriver:NewSession', {})
 print(ask(2, 'Marionette:Quit', {'flags': ['eForceQuit', 'eRestart']})[3]['cause'])
 )";
 
+// Firefox drops its arguments when it restarts, so that only its home tells whose it is.
+class ProcessesWithHome {
+public:
+    explicit ProcessesWithHome(std::string home) : home_(std::move(home)) {}
+    ProcessesWithHome(const ProcessesWithHome&) = delete;
+    ProcessesWithHome& operator=(const ProcessesWithHome&) = delete;
+    ~ProcessesWithHome() {
+        for (const ProcessIdentity& process : processesWithHome(home_)) {
+            ::kill(process.pid, SIGKILL);
+        }
+    }
+
+private:
+    std::string home_;
+};
+
 // The processes that the runner waits for, but for those that only look after a crash.
 std::vector<pid_t> browsersOf(pid_t runner) {
     std::vector<pid_t> found;
@@ -84,6 +100,7 @@ TEST(FirefoxTest, ACloneRunsOnInTheProcessInWhichFirefoxStartsItselfAgain) {
     quorvelctl.run({"create", "--target", "firefox-esr.desktop", "--name", "Fox", "--env",
                     "MOZ_HEADLESS=1", "--env", "MOZ_MARIONETTE=1"});
     const fs::path home = quorvelctl.data("Fox");
+    const ProcessesWithHome ending(home.string());
     const fs::path profile = home / "FirefoxProfile";
     write(profile / "user.js", "user_pref('marionette.port', 0);\n");
     quorvelctl.run({"open", "Fox"});

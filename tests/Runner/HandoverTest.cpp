@@ -84,7 +84,7 @@ TEST_F(HandoverTest, ASecondStartThatFindsTheFirstEndingBecomesTheClone) {
     ASSERT_TRUE(runs("second"));
     first.terminate();
     first.waitUntilExit();
-    EXPECT_TRUE(waitUntil([&] { return isHomeLocked(); })) << "the home is its own";
+    ASSERT_TRUE(waitUntil([&] { return isHomeLocked(); })) << "the home is its own";
     EXPECT_EQ(start(clone).waitUntilExit(), 75) << "no third one is started";
 
     second.sendSignal(SIGKILL);
