@@ -182,7 +182,7 @@ DeletedData deleteClone(const InstanceRegistry& registry, const InstanceRecord& 
     } else {
         withdrawIfGone(identity);
     }
-    if (isIdle) {
+    if (isIdle && leavesTemporaryFolder(record.config)) {
         removeTemporaryFolder(record.config.resolvedHome(), currentEnvironment());
     }
     return data.data;

@@ -8,7 +8,8 @@ namespace quorvel {
 namespace {
 
 constexpr std::chrono::seconds longest{15};
-constexpr std::chrono::milliseconds period{100};
+// While the home is free, another start could take it.
+constexpr std::chrono::milliseconds period{5};
 
 // Any other second start would be a second application in one home.
 bool passesOnWhatItIsGiven(const AppBundle& app) {

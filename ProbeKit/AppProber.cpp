@@ -5,6 +5,7 @@
 #include "LaunchKit/AppEngine.h"
 #include "Platform/files/FileSystem.h"
 #include "Platform/files/UserPaths.h"
+#include "Platform/processes/IsolatedEnvironment.h"
 #include "Platform/processes/ProcessActivity.h"
 #include "ProbeKit/CopyTrial.h"
 #include "ProbeKit/FSEventProbe.h"
@@ -173,9 +174,14 @@ void AppProber::launchCopies(const Homes& homes, const Options& options,
 
 TrialProcess AppProber::launch(const std::string& home,
                                const std::map<std::string, std::string>& environment) const {
-    return {launcher_.launch(bundle_, home, Strategy::homeOverride, electronArgs(bundle_.url, home),
-                             environment),
-            home};
+    try {
+        return {launcher_.launch(bundle_, home, Strategy::homeOverride,
+                                 electronArgs(bundle_.url, home), environment),
+                home};
+    } catch (const Error&) {
+        removeTemporaryFolder(home, currentEnvironment());
+        throw;
+    }
 }
 
 std::string AppProber::makeTempHome() const {

@@ -211,7 +211,7 @@ void removeTemporaryFolder(const std::string& home, const Environment& session) 
                 (void)removal->remove();
             }
         } catch (const std::exception&) {
-            continue; // it is small, and gone with the session at the latest
+            continue; // it is small, and gone after a restart at the latest
         }
     }
 }

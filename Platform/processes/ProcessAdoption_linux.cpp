@@ -1,9 +1,9 @@
 #include "Platform/processes/ProcessAdoption.h"
 
+#include "Platform/processes/Process.h"
 #include "Platform/processes/ProcessFamily.h"
 
 #include <sys/prctl.h>
-#include <unistd.h>
 
 namespace quorvel {
 

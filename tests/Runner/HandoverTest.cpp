@@ -1,5 +1,6 @@
 // What is opened in a clone that runs already.
 #include "LaunchKit/HomeLock.h"
+#include "Platform/processes/ProcessFamily.h"
 #include "tests/Runner/RunnerFixture.h"
 #include "tests/support/DesktopApps.h"
 #include "tests/support/Waiting.h"
@@ -21,10 +22,9 @@ namespace fs = std::filesystem;
 class HandoverTest : public RunnerFixture {
 protected:
     ~HandoverTest() override {
-        for (const char* name : {"first", "second"}) {
-            if (const pid_t pid = numberIn(name); pid > 0) {
-                ::kill(pid, SIGKILL);
-            }
+        // By their home, since a number may belong to another process by now.
+        for (const ProcessIdentity& process : processesWithHome(cloneHome().string())) {
+            ::kill(process.pid, SIGKILL);
         }
     }
 
