@@ -33,6 +33,7 @@ std::vector<std::vector<std::string>> partsOf(const std::vector<std::string>& do
         return {documents};
     }
     std::vector<std::vector<std::string>> parts;
+    parts.reserve(documents.size());
     for (const std::string& document : documents) {
         parts.push_back({document});
     }

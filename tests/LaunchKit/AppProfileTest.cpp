@@ -6,7 +6,6 @@
 namespace quorvel {
 namespace {
 
-
 AppProfile ordinaryProfile() {
     AppProfile profile;
     profile.bundleId = "com.example.Notes";

@@ -86,6 +86,7 @@ TEST_F(CloneCreationTest, ReportsItsOwnCloneThoughOthersReplaceItAtOnce) {
         return ownClones;
     };
     std::vector<std::future<int>> creators;
+    creators.reserve(16);
     for (int creator = 0; creator < 16; ++creator) {
         creators.push_back(std::async(std::launch::async, createOften, creator));
     }

@@ -55,7 +55,7 @@ private:
     TemporaryFolder folder_;
     std::filesystem::path path_;
     ScopedEnvironment fixed_;
-    ScopedEnvironment data_; ///< the session's own would lead out of the home
+    ScopedEnvironment data_;  ///< the session's own would lead out of the home
     TemporaryFolder runtime_; ///< what clones leave there goes; short, since it has sockets
     ScopedEnvironment runtimeVariable_;
 };
