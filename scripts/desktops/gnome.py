@@ -137,15 +137,6 @@ class Gnome(Desktop):
           keys.notify_keyval(now + 1000, Clutter.KEY_Tab, Clutter.KeyState.PRESSED);
           keys.notify_keyval(now + 2000, Clutter.KEY_Tab, Clutter.KeyState.RELEASED); })()""")
 
-    def click(self, x, y):
-        self.evaluate("""(() => { const {Clutter, GLib} = imports.gi;
-          const seat = Clutter.get_default_backend().get_default_seat();
-          const mouse = global.quorvelMouse ||= seat.create_virtual_device(Clutter.InputDeviceType.POINTER_DEVICE);
-          const now = GLib.get_monotonic_time();
-          mouse.notify_absolute_motion(now, %d, %d);
-          mouse.notify_button(now + 1000, Clutter.BUTTON_PRIMARY, Clutter.ButtonState.PRESSED);
-          mouse.notify_button(now + 2000, Clutter.BUTTON_PRIMARY, Clutter.ButtonState.RELEASED); })()""" % (x, y))
-
 
 class GnomeX11(Gnome):
     name = "gnome-x11"

@@ -3,7 +3,6 @@
 Usage: pictures.py BUILD FOLDER [grid] [gnome] [plasma]"""
 import json
 import os
-import shlex
 import signal
 import subprocess
 import sys
@@ -15,7 +14,7 @@ from gi.repository import Gio, GLib
 sys.dont_write_bytecode = True
 from gnome import Gnome, GnomeX11  # noqa: E402
 from plasma import PlasmaX11  # noqa: E402
-from trial import end, install, new_window  # noqa: E402
+from trial import end, install, new_window, start_original  # noqa: E402
 
 SETTINGS = """<node><interface name="org.freedesktop.portal.Settings">
 <method name="Read"><arg direction="in" type="s"/><arg direction="in" type="s"/><arg direction="out" type="v"/></method>
@@ -93,9 +92,7 @@ def open_three(desktop, entry, name):
         if word:
             desktop.session.output_of(["quorvelctl", "open", clone])
         else:
-            info = Gio.DesktopAppInfo.new_from_filename(f"/usr/share/applications/{entry}.desktop")
-            command = [one for one in shlex.split(info.get_commandline()) if not one.startswith("%")]
-            desktop.session.start([*command, note], log="original")
+            start_original(desktop, entry, note)
         windows.append(new_window(desktop, before))
     return windows
 

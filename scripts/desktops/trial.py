@@ -85,6 +85,13 @@ def new_window(desktop, before):
     return (found() or [None])[-1]
 
 
+def start_original(desktop, entry, *documents):
+    """Starts the application itself as a menu would."""
+    info = Gio.DesktopAppInfo.new_from_filename(f"/usr/share/applications/{entry}.desktop")
+    command = [word for word in shlex.split(info.get_commandline()) if not word.startswith("%")]
+    desktop.session.start([*command, *documents], log="original")
+
+
 def open_all(desktop, clones, entry):
     """The windows of the clones, and that of the application itself, which comes last."""
     windows = []
@@ -93,9 +100,7 @@ def open_all(desktop, clones, entry):
         desktop.session.output_of(["quorvelctl", "open", clone.name])
         windows.append(new_window(desktop, before))
     before = desktop.windows()
-    info = Gio.DesktopAppInfo.new_from_filename(f"/usr/share/applications/{entry}.desktop")
-    command = [word for word in shlex.split(info.get_commandline()) if not word.startswith("%")]
-    desktop.session.start(command, log="original")
+    start_original(desktop, entry)
     windows.append(new_window(desktop, before))
     return windows
 
