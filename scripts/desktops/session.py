@@ -10,8 +10,8 @@ import time
 USER = "tester"
 
 # The folder stays where it is while a new /tmp covers the old one. Without the folder that says that
-# systemd runs the machine, desktops do without its services. What is to be installed appears where programs look for what the
-# system's packages don't contain. The last line collects orphans.
+# systemd runs the machine, desktops do without its services. The build is mounted on /usr/local.
+# The last line collects orphans.
 FIRST_PROCESS = r"""
 base=$1
 mkdir -p "$base/tmp${base#/tmp}" "$base/tmp/.X11-unix" "$base/tmp/.ICE-unix"
@@ -47,7 +47,7 @@ class Forbidden(Exception):
 
 
 def wait_for(condition, seconds, pause=0.1):
-    """What the condition returns as soon as that is something, or None."""
+    """Returns the first true result, or None after the timeout."""
     end = time.monotonic() + seconds
     while True:
         try:
@@ -100,7 +100,10 @@ class Session:
              "/bin/sh", "-c", FIRST_PROCESS, "sh", self.base],
             stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=subprocess.PIPE, text=True)
         if self.first.stdout.readline() != "ready\n":
-            raise Forbidden(self.first.stderr.read().strip() or "no namespaces")
+            reason = self.first.stderr.read().strip()
+            allowed = subprocess.run(["unshare", "--mount", "--net", "--pid", "--ipc", "--fork", "true"],
+                                     stderr=subprocess.DEVNULL).returncode == 0
+            raise (RuntimeError if allowed else Forbidden)(reason or "the session's first process does not start")
         with open(f"/proc/{self.first.pid}/task/{self.first.pid}/children") as children:
             self.init = children.read().split()[0]
         for kind, name, services in (("session", "bus", "<standard_session_servicedirs/>"), ("system", "system", "")):

@@ -14,7 +14,11 @@ def verdict(facts, key):
         return "-"
     if all(values):
         return "own"
-    return "the original’s" if not any(values) else f"own: {values.count(True)} of {len(values)}"
+    if any(values):
+        return f"own: {values.count(True)} of {len(values)}"
+    *windows, original = facts["windows"]
+    grouped = original and original["entry"] and all(one["entry"] == original["entry"] for one in windows)
+    return "the original’s" if grouped else "none"
 
 
 def focus(facts):
@@ -33,11 +37,11 @@ def main():
         entry = verdict(facts, "entry")
         if not facts["original"]:
             entry += "; the original is not under its own"
-        cells = (facts["application"], entry, verdict(facts, "name"), verdict(facts, "icon"), focus(facts), "-")
+        cells = (facts["application"], entry, verdict(facts, "name"), verdict(facts, "icon"), focus(facts))
         rows.setdefault(cells, []).append(facts["desktop"])
     order = list(dict.fromkeys(cells[0] for cells in rows))
-    print("| application | desktop | entry | name | icon | focus | badge |")
-    print("|---|---|---|---|---|---|---|")
+    print("| application | desktop | entry | name | icon | focus |")
+    print("|---|---|---|---|---|---|")
     for cells, desktops in sorted(rows.items(), key=lambda row: order.index(row[0][0])):
         print("| " + " | ".join([cells[0], "; ".join(desktops), *cells[1:]]) + " |")
 

@@ -46,7 +46,8 @@ class Clone:
         folder = session.home + "/.local/share/applications/"
         for file in os.listdir(folder):
             with open(folder + file) as text:
-                facts = dict(line.rstrip("\n").split("=", 1) for line in text if "=" in line)
+                own = text.read().split("\n[")[0]  # without its actions
+            facts = dict(line.split("=", 1) for line in own.splitlines() if "=" in line)
             if facts.get("X-Quorvel-Clone") == self.bundle:
                 self.entry, self.word, self.icon = file, facts["StartupWMClass"], facts["Icon"]
 
@@ -61,7 +62,7 @@ def create(desktop, app):
     _, entry, options = APPS[app]
     clones = []
     for word, colour in (("Work", "#FF00FF"), ("Home", "#00FF00")):
-        name = f"{app} {word}"  # no two with one name: desktops read their entries now and then only
+        name = f"{app} {word}"  # unique, since desktops reread entries only now and then
         command = ["quorvelctl", "create", "--target", entry + ".desktop", "--name", name, "--label", word[0],
                    "--label-color", colour, "--replace", "--json", *options]
         record = json.loads(desktop.session.output_of(command))
@@ -69,7 +70,8 @@ def create(desktop, app):
             arguments = [*record["config"]["extraArgs"], "--no-sandbox"]  # containers may forbid it
             record = json.loads(desktop.session.output_of(command + ["--extra-arg=" + one for one in arguments]))
         clones.append(Clone(desktop.session, name, colour, record))
-    wait_for(lambda: all(desktop.knows(clone.entry) for clone in clones), 30)
+    if not wait_for(lambda: all(desktop.knows(clone.entry) for clone in clones), 60):
+        raise RuntimeError(f"{desktop.title} does not know the entries of the clones")
     return clones
 
 
@@ -191,7 +193,8 @@ def main(arguments):
     desktop = DESKTOPS[name]()
     missing = desktop.missing()
     if missing:
-        sys.exit(f"{desktop.title}: {', '.join(missing)} not installed")
+        print(f"{desktop.title}: {', '.join(missing)} not installed", file=sys.stderr)
+        return 77
     try:
         desktop.start(lambda session: install(build, session))
         for app in apps or ["quorvel", *APPS]:
