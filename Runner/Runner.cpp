@@ -100,7 +100,10 @@ int runClone(const fs::path& executable, const std::vector<std::string>& argumen
     const std::vector<std::string> documents =
         passesDocuments ? arguments : std::vector<std::string>{};
     if (config->kind == ShortcutKind::web) {
-        return runWebClone({*config, file, details.windowWord, documents}, report, signals);
+        // The host replaces the home that "~" stands for.
+        InstanceConfig resolved = *config;
+        resolved.instanceHome = config->resolvedHome();
+        return runWebClone({resolved, file, details.windowWord, documents}, report, signals);
     }
     return launchAndSupervise(*config, documents, details, report, signals);
 }

@@ -4,8 +4,10 @@
 
 namespace quorvel {
 
+// Windows that pages open get the same scripts, but have no badge: they may be anybody's.
 // Without a number it is a flag, for which 1 is shown.
 const char* const badgePageScript = R"((() => {
+  if (window.opener) return;
   const dispatch = document.dispatchEvent.bind(document), Message = CustomEvent;
   const report = count => { dispatch(new Message('quorvel-badge', {detail: count})); };
   const add = (name, value) => Object.defineProperty(Navigator.prototype, name,
@@ -20,7 +22,8 @@ const char* const badgePageScript = R"((() => {
   add('clearAppBadge', async function clearAppBadge() { report(0); });
 })();)";
 
-const char* const badgeListenerScript = R"(document.addEventListener('quorvel-badge', event => {
+const char* const badgeListenerScript =
+    R"(if (!window.opener) document.addEventListener('quorvel-badge', event => {
   if (typeof event.detail === 'number')
     window.webkit.messageHandlers.badge.postMessage(event.detail);
 });)";

@@ -220,6 +220,7 @@ void HostPage::showStatus(const std::string& html, const std::string& address) {
 
 gboolean HostPage::loadFailed(WebKitWebView* /*view*/, WebKitLoadEvent /*event*/, char* address,
                               GError* error, gpointer self) {
+    of(self).awaited_.clear();
     // A download interrupts its page, and a link that is opened elsewhere does, too.
     if (error->domain == WEBKIT_POLICY_ERROR ||
         g_error_matches(error, WEBKIT_NETWORK_ERROR, WEBKIT_NETWORK_ERROR_CANCELLED) == TRUE) {
@@ -242,7 +243,12 @@ void HostPage::crashed(WebKitWebView* view, WebKitWebProcessTerminationReason /*
                        gpointer self) {
     HostPage& page = of(self);
     if (page.reloads_.admits(FloodClock::now())) {
-        webkit_web_view_reload(view);
+        // A reload would show the page before the one that is still on its way.
+        if (page.awaited_.empty()) {
+            webkit_web_view_reload(view);
+        } else {
+            page.load(std::string(page.awaited_));
+        }
     } else {
         page.showStatus(crashPage(page.address()), page.address());
     }
@@ -250,7 +256,10 @@ void HostPage::crashed(WebKitWebView* view, WebKitWebProcessTerminationReason /*
 
 void HostPage::loadChanged(WebKitWebView* /*view*/, WebKitLoadEvent event, gpointer self) {
     HostPage& page = of(self);
-    if (event == WEBKIT_LOAD_COMMITTED) {
+    if (event == WEBKIT_LOAD_STARTED || event == WEBKIT_LOAD_REDIRECTED) {
+        page.awaited_ = page.address();
+    } else if (event == WEBKIT_LOAD_COMMITTED) {
+        page.awaited_.clear();
         page.isClosing_ = false;
         page.dialogs_.reset();
         page.permissions_.reset();

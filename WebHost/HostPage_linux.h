@@ -82,6 +82,7 @@ private:
     PageDialogs dialogs_;
     PagePermissions permissions_;
     RateCap reloads_ = reloadCap();
+    std::string awaited_{}; ///< the address of a page that is on its way
     bool isClosing_ = false;
 };
 

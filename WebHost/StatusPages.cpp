@@ -11,7 +11,7 @@ constexpr std::string_view head =
 body{font:16px system-ui,sans-serif;display:flex;min-height:90vh;align-items:center;justify-content:center}
 main{max-width:32em;padding:2em}h1{font-size:1.5em}p{line-height:1.5;overflow-wrap:anywhere}
 a{display:inline-block;padding:.5em 1.2em;border-radius:.5em;background:#3367d6;color:#fff;text-decoration:none}
-a:focus-visible{outline:3px solid}</style><title></title></head><body><main>)";
+a:focus-visible{outline:3px solid}</style>)";
 
 struct Page {
     std::string heading{};
@@ -21,7 +21,8 @@ struct Page {
 };
 
 std::string htmlOf(const Page& page) {
-    std::string html = std::string(head) + "<h1>" + htmlText(page.heading) + "</h1><p>" +
+    std::string html = std::string(head) + "<title>" + htmlText(page.heading) +
+                       "</title></head><body><main><h1>" + htmlText(page.heading) + "</h1><p>" +
                        htmlText(page.text) + "</p>";
     if (isWebAddress(page.address)) {
         html += "<p><a href=\"" + htmlText(page.address) + "\">" + htmlText(page.link) + "</a></p>";

@@ -194,10 +194,9 @@ void WebHost::openMainWindow() {
 
 WebKitWebView* WebHost::openPopup(HostPage& opener) {
     if (!popupCap_.admits(gestures(), popups_.size())) {
-        log("a page may open one window per click, and " + std::to_string(mostPopups) + " in all");
         return nullptr;
     }
-    // It has no badge, but the same settings, which it would not inherit.
+    // It would not inherit the settings.
     auto* const view = WEBKIT_WEB_VIEW(g_object_new(
         WEBKIT_TYPE_WEB_VIEW, "related-view", opener.view(), "settings", settings_.get(), nullptr));
     WindowState state;
