@@ -7,9 +7,11 @@
 #include <chrono>
 #include <csignal>
 #include <gmock/gmock.h>
+#include <netinet/in.h>
 #include <optional>
 #include <regex>
-#include <sstream>
+#include <stdexcept>
+#include <sys/socket.h>
 #include <sys/stat.h>
 
 namespace quorvel {
@@ -32,7 +34,7 @@ bool isGone(pid_t process) {
 }
 
 // A user with a site of their own.
-class WebCloneTest : public ::testing::Test {
+class WebClonesTest : public ::testing::Test {
 protected:
     void SetUp() override {
         if (const auto missing = UserSession::missingPrograms(); !missing.empty()) {
@@ -178,6 +180,20 @@ std::string idIn(const std::string& line) {
     return line.substr(line.find("&id=") + 4, line.rfind("&webkit") - line.find("&id=") - 4);
 }
 
+std::string unusedPort() {
+    const FileHandle socket(::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0));
+    sockaddr_in address{};
+    address.sin_family = AF_INET;
+    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    socklen_t size = sizeof address;
+    auto* const general = reinterpret_cast<sockaddr*>(&address);
+    if (::bind(socket.descriptor(), general, size) != 0 ||
+        ::getsockname(socket.descriptor(), general, &size) != 0) {
+        throw std::runtime_error("no port is free");
+    }
+    return std::to_string(ntohs(address.sin_port));
+}
+
 // What other users could read or write.
 std::vector<std::string> openToOthers(const fs::path& folder) {
     std::vector<std::string> found;
@@ -191,7 +207,7 @@ std::vector<std::string> openToOthers(const fs::path& folder) {
     return found;
 }
 
-TEST_F(WebCloneTest, TwoClonesOfOneSiteShareNothingAndLoseNothing) {
+TEST_F(WebClonesTest, TwoClonesOfOneSiteShareNothingAndLoseNothing) {
     std::vector<std::string> ids;
     for (const char* name : {"Work", "Play"}) {
         create(name);
@@ -223,7 +239,7 @@ TEST_F(WebCloneTest, TwoClonesOfOneSiteShareNothingAndLoseNothing) {
     }
 }
 
-TEST_F(WebCloneTest, ASecondOpeningReachesTheFirst) {
+TEST_F(WebClonesTest, ASecondOpeningReachesTheFirst) {
     create("Work", "", {"--open-with"});
     ASSERT_EQ(open("Work"), 0) << session->log();
     request("/seen");
@@ -243,6 +259,9 @@ TEST_F(WebCloneTest, ASecondOpeningReachesTheFirst) {
     request("/moved");
     fs::rename(wrapper("Moved"), wrapper("Work"));
     EXPECT_EQ(session->run({runner("Work"), "file:///etc/passwd"}), 64);
+    // Nobody answers there.
+    ASSERT_EQ(session->run({runner("Work"), "http://127.0.0.1:" + unusedPort() + "/"}), 0);
+    window("Can’t open 127.0.0.1.* — Work");
     // A page whose process dies is back at once, and after several times there is a page instead.
     const std::size_t before = read(requests()).size();
     ASSERT_EQ(handOver("Work", "crash"), 0);
@@ -259,7 +278,7 @@ TEST_F(WebCloneTest, ASecondOpeningReachesTheFirst) {
     EXPECT_EQ(process("Work"), first);
 }
 
-TEST_F(WebCloneTest, PagesReachTheDesktopAsTheClone) {
+TEST_F(WebClonesTest, PagesReachTheDesktopAsTheClone) {
     create("Work", "", {"--open-with"});
     const std::string word = windowWord(cloneIdentity(wrapper("Work")));
     const std::string origin = address("").substr(0, address("").size() - 1);
@@ -297,7 +316,7 @@ TEST_F(WebCloneTest, PagesReachTheDesktopAsTheClone) {
     EXPECT_THAT(all, HasSubstr("\"count-visible\" variant boolean true"));
 }
 
-TEST_F(WebCloneTest, ADownloadReplacesNothing) {
+TEST_F(WebClonesTest, ADownloadReplacesNothing) {
     session->write(session->home / "Downloads/precious.txt", "precious");
     create("Work", "downloads");
     ASSERT_EQ(open("Work"), 0) << session->log();
@@ -313,7 +332,7 @@ TEST_F(WebCloneTest, ADownloadReplacesNothing) {
     EXPECT_EQ(facts.st_mode & 0777U, 0600U);
 }
 
-TEST_F(WebCloneTest, ClicksLeadWhereTheyShould) {
+TEST_F(WebClonesTest, ClicksLeadWhereTheyShould) {
     session->writeProgram(session->home / "bin/browser", "printf '%s %s\\n' \"$1\" \"$HOME\" >\"" +
                                                              (session->home / "browsed").string() +
                                                              "\"");
@@ -351,7 +370,7 @@ TEST_F(WebCloneTest, ClicksLeadWhereTheyShould) {
     window("^127\\.0\\.0\\.1 — .*Sign in.* — Work");
 }
 
-TEST_F(WebCloneTest, WithoutASessionBusItIsRefused) {
+TEST_F(WebClonesTest, WithoutASessionBusItIsRefused) {
     create("Work");
     session->environment["DBUS_SESSION_BUS_ADDRESS"] = "unix:path=/nonexistent/bus";
     const std::string sentence =
