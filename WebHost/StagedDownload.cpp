@@ -1,16 +1,13 @@
 #include "WebHost/StagedDownload.h"
 
+#include "Base/RandomUuid.h"
 #include "Platform/files/ExclusiveRename.h"
-#include "Platform/files/FileHandle.h"
 #include "Platform/files/FileSystem.h"
 #include "Platform/files/PlatformError.h"
 #include "WebHost/DownloadName.h"
 
 #include <cerrno>
-#include <cstdlib>
-#include <fcntl.h>
-#include <sys/stat.h>
-#include <unistd.h>
+#include <system_error>
 #include <utility>
 #include <vector>
 
@@ -22,11 +19,16 @@ std::string prefixOf(const std::string& mark) {
     return ".quorvel-" + mark + "-";
 }
 
-// Some file systems can't rename exclusively. There the name is claimed by an empty file first.
-int renameOntoClaim(const fs::path& source, const fs::path& destination) {
-    const FileHandle claim(
-        ::open(destination.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0600));
-    return claim.descriptor() < 0 ? -1 : ::rename(source.c_str(), destination.c_str());
+// Some file systems can't rename exclusively; a second name is never given to what exists.
+int renameByLink(const fs::path& source, const fs::path& destination) {
+    std::error_code code;
+    fs::create_hard_link(source, destination, code);
+    if (code) {
+        errno = code.value();
+        return -1;
+    }
+    fs::remove(source, code);
+    return 0;
 }
 
 bool isUnsupported(int error) {
@@ -40,10 +42,8 @@ StagedDownload::StagedDownload(const fs::path& downloads, const std::string& mar
     : downloads_(downloads),
       name_(safeDownloadName(suggested)) {
     createDirectories(downloads);
-    std::string folder = (downloads / (prefixOf(mark) + "XXXXXX")).string();
-    if (::mkdtemp(folder.data()) == nullptr) {
-        throw PlatformError::fromErrno(downloads, "written");
-    }
+    const fs::path folder = downloads / (prefixOf(mark) + randomUuid());
+    createPrivateFolder(folder);
     stage_ = folder;
 }
 
@@ -56,27 +56,26 @@ StagedDownload::~StagedDownload() {
     if (stage_.empty()) {
         return;
     }
+    std::error_code ignored;
     for (const std::string& name : directoryEntries(stage_).value_or(std::vector<std::string>())) {
-        (void)::unlink((stage_ / name).c_str());
+        fs::remove(stage_ / name, ignored);
     }
-    (void)::rmdir(stage_.c_str());
+    fs::remove(stage_, ignored);
 }
 
 fs::path StagedDownload::publish() {
     constexpr int mostCopies = 10'000;
-    struct stat facts {};
-    if (::lstat(file().c_str(), &facts) != 0) {
-        throw PlatformError::fromErrno(file(), "read");
+    std::error_code code;
+    if (fs::symlink_status(file(), code).type() != fs::file_type::regular) {
+        throw PlatformError(code ? code : std::make_error_code(std::errc::invalid_argument), file(),
+                            "read");
     }
-    if (!S_ISREG(facts.st_mode)) {
-        throw PlatformError(std::make_error_code(std::errc::invalid_argument), file(), "read");
-    }
-    (void)::chmod(file().c_str(), 0600);
+    fs::permissions(file(), fs::perms::owner_read | fs::perms::owner_write, code);
     for (int number = 1; number < mostCopies; ++number) {
         const fs::path target = downloads_ / numberedName(name_, number);
         int result = renameExclusively(file(), target);
         if (result != 0 && isUnsupported(errno)) {
-            result = renameOntoClaim(file(), target);
+            result = renameByLink(file(), target);
         }
         if (result == 0) {
             return target;
@@ -91,10 +90,14 @@ fs::path StagedDownload::publish() {
 
 void StagedDownload::removeLeftovers(const fs::path& downloads, const std::string& mark) {
     const std::string prefix = prefixOf(mark);
+    const std::size_t length = randomUuid().size();
     for (const std::string& name :
          directoryEntries(downloads).value_or(std::vector<std::string>())) {
-        if (name.starts_with(prefix) && name.size() == prefix.size() + 6) {
-            (void)::rmdir((downloads / name).c_str()); // one with a file in it stays
+        if (name.starts_with(prefix) && name.size() == prefix.size() + length) {
+            std::error_code ignored;
+            if (fs::is_directory(fs::symlink_status(downloads / name, ignored))) {
+                fs::remove(downloads / name, ignored); // fails if there is a file in it
+            }
         }
     }
 }

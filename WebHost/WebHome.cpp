@@ -7,8 +7,8 @@
 
 #include <algorithm>
 #include <array>
+#include <filesystem>
 #include <string_view>
-#include <sys/stat.h>
 
 namespace quorvel {
 namespace {
@@ -34,8 +34,10 @@ bool isKeptFromPages(const std::string& name) {
 }
 
 void makePrivate(const std::string& folder) {
-    if (::chmod(folder.c_str(), 0700) != 0) {
-        throw PlatformError::fromErrno(folder, "changed");
+    std::error_code code;
+    std::filesystem::permissions(folder, std::filesystem::perms::owner_all, code);
+    if (code) {
+        throw PlatformError(code, folder, "changed");
     }
 }
 

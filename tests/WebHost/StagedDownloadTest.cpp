@@ -1,5 +1,6 @@
 #include "WebHost/StagedDownload.h"
 
+#include "Base/RandomUuid.h"
 #include "Platform/files/PlatformError.h"
 #include "tests/WebHost/HostileNames.h"
 #include "tests/support/TemporaryHome.h"
@@ -14,7 +15,6 @@ namespace {
 
 using namespace testing;
 using ::testing::ElementsAre;
-using ::testing::UnorderedElementsAre;
 namespace fs = std::filesystem;
 
 std::set<std::string> namesIn(const fs::path& folder) {
@@ -97,15 +97,18 @@ TEST(StagedDownloadTest, ALinkIsNotPublished) {
 
 TEST(StagedDownloadTest, OnlyItsOwnEmptyLeftoversAreRemoved) {
     const TemporaryFolder folder;
-    for (const char* name :
-         {".quorvel-mark-abcdef", ".quorvel-other-abcdef", ".quorvel-mark-long12345"}) {
+    const std::string id = randomUuid();
+    for (const std::string& name :
+         {".quorvel-mark-" + id, ".quorvel-other-" + id, ".quorvel-mark-x" + id}) {
         fs::create_directory(folder / name);
     }
-    write(folder / ".quorvel-mark-ghijkl/file", "half");
+    const std::string filled = ".quorvel-mark-" + randomUuid();
+    write(folder / filled / "file", "half");
+    write(folder / (".quorvel-mark-" + randomUuid()), "a file");
     StagedDownload::removeLeftovers(folder.path(), "mark");
-    EXPECT_THAT(namesIn(folder.path()),
-                UnorderedElementsAre(".quorvel-other-abcdef", ".quorvel-mark-long12345",
-                                     ".quorvel-mark-ghijkl"));
+    EXPECT_THAT(namesIn(folder.path()), ::testing::SizeIs(4));
+    EXPECT_FALSE(fs::exists(folder / (".quorvel-mark-" + id)));
+    EXPECT_TRUE(fs::exists(folder / filled / "file"));
     StagedDownload::removeLeftovers(folder / "missing", "mark");
 }
 
