@@ -97,8 +97,8 @@ int show(const WebCloneStart& start, const std::filesystem::path& module, const 
     request.context = &reporting;
     request.started = reportStart;
     request.failed = reportFailure;
-    return reinterpret_cast<QuorvelWebHostRun>(loaded.function)(
-        &request); // NOLINT: as dlsym has it
+    using Run = QuorvelWebHostRun;
+    return reinterpret_cast<Run>(loaded.function)(&request); // NOLINT: as the loader has it
 }
 
 } // namespace
