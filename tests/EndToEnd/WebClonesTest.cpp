@@ -38,6 +38,10 @@ protected:
         }
         ASSERT_FALSE(fs::exists("/.flatpak-info")) << "it switches the sandbox off";
         session.emplace();
+        if (session->run({"/usr/bin/bwrap", "--unshare-user", "--unshare-pid", "--ro-bind", "/",
+                          "/", "/bin/true"}) != 0) {
+            GTEST_SKIP() << "this machine has no sandboxes for ordinary users";
+        }
         session->environment["QUORVEL_WEB_HOST"] = QUORVEL_WEB_HOST;
         session->environment["QUORVEL_LINK_DOOR"] = QUORVEL_LINK_DOOR;
         // Compiling shaders without a graphics card takes seconds.
