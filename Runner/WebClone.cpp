@@ -121,8 +121,8 @@ int runWebClone(const WebCloneStart& start, const StartReport& report,
         const std::optional<FileLock> lock = lockHome(start.config);
         return show(start, *module, report, signals);
     } catch (const HomeInUse& error) {
-        const Handover handover{start.addresses.empty() ? "" : start.addresses.front(),
-                                activationToken()};
+        const WebHandover handover{start.addresses.empty() ? "" : start.addresses.front(),
+                                   activationToken()};
         if (sendHandover(start.config.resolvedHome(), handover, patience)) {
             report.started();
             return 0;

@@ -59,7 +59,7 @@ private:
     void showBadge();
     void showTitle();
     void checkSandbox();
-    void handedOver(const Handover& handover);
+    void handedOver(const WebHandover& handover);
     void saveState() const;
     void quit();
 
