@@ -123,6 +123,20 @@ std::string withoutControls(std::string_view text) {
     return result;
 }
 
+std::string withoutUnsafe(std::string_view text, std::size_t most) {
+    std::string result;
+    std::size_t count = 0;
+    forEachCharacter(text, [&](const Character& character, bool isUnsafe) {
+        if (isUnsafe) {
+            return true;
+        }
+        const bool isFull = count++ == most;
+        result += isFull ? std::string_view("…") : character.bytes;
+        return !isFull;
+    });
+    return result;
+}
+
 std::string escapingUnsafe(std::string_view json) {
     constexpr unsigned char lastPlain = 0x7E;
     if (std::all_of(json.begin(), json.end(),

@@ -18,6 +18,10 @@ inline constexpr std::size_t longestDisplayed = 4096;
 /// bytes that are not UTF-8, for places that show texts as they are.
 [[nodiscard]] std::string withoutControls(std::string_view text);
 
+/// Returns `text` without the characters that `UnsafeText` finds and without bytes that are not
+/// UTF-8, and truncated with "…" after `most` characters.
+[[nodiscard]] std::string withoutUnsafe(std::string_view text, std::size_t most = longestDisplayed);
+
 /// Returns the same JSON with every character that is unsafe for a terminal escaped. Nothing is
 /// truncated.
 [[nodiscard]] std::string escapingUnsafe(std::string_view json);

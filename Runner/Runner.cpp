@@ -1,6 +1,5 @@
 #include "Runner/Runner.h"
 
-#include "Base/TerminalText.h"
 #include "LaunchKit/DocumentHandover.h"
 #include "LaunchKit/HomeLock.h"
 #include "LaunchKit/InstanceConfig.h"
@@ -10,41 +9,18 @@
 #include "LaunchKit/WrapperLayout.h"
 #include "LinkDoor/LinkAddress.h"
 #include "LinkDoor/LinkSession.h"
-#include "Platform/files/FileSystem.h"
 #include "Platform/files/PlatformError.h"
 #include "Platform/processes/ProcessAdoption.h"
 #include "Platform/processes/SignalForwarder.h"
 #include "Platform/processes/StartReport.h"
+#include "Runner/RunnerMessages.h"
+#include "Runner/WebClone.h"
 
-#include <cstdio>
 #include <cstdlib>
 
 namespace quorvel {
 namespace fs = std::filesystem;
 namespace {
-
-std::string lineOf(const std::string& message) {
-    return "quorvel-runner: " + terminalText(message) + "\n";
-}
-
-int fail(const StartReport& report, const std::string& message, RunnerStatus status) {
-    std::fputs(lineOf(message).c_str(), stderr);
-    report.failed(message);
-    return status;
-}
-
-// Nobody sees the standard error of a program that the desktop opened.
-void addToLog(const InstanceConfig& config, const std::string& message) {
-    const std::string home = config.resolvedHome();
-    try {
-        createDirectories(home);
-    } catch (const PlatformError&) {
-        return;
-    }
-    if (const auto log = InstanceLauncher::instanceLogHandle(home)) {
-        log->write(lineOf(message));
-    }
-}
 
 Handover handedOver(const InstanceConfig& config, const std::vector<std::string>& documents,
                     const StartDetails& details) {
@@ -101,18 +77,12 @@ int handOverOrSupervise(const InstanceConfig& config, const std::vector<std::str
         return handover.successor ? signals.waitUntilExit(*handover.successor) : 0;
     }
     addToLog(config, obstacle.what());
-    return fail(report, obstacle.what(), runnerHomeInUse);
+    return failWith(report, obstacle.what(), runnerHomeInUse);
 }
 
 int launchAndSupervise(const InstanceConfig& config, const std::vector<std::string>& documents,
                        const StartDetails& details, const StartReport& report,
                        const SignalForwarder& signals) {
-    if (config.kind == ShortcutKind::web) {
-        const std::string message =
-            "the web host for “" + config.displayName + "” is not installed";
-        addToLog(config, message);
-        return fail(report, message, runnerUnavailable);
-    }
     try {
         if (config.kind == ShortcutKind::app) {
             // What a file or a command opens is not part of the clone.
@@ -129,12 +99,12 @@ int launchAndSupervise(const InstanceConfig& config, const std::vector<std::stri
         if (error.kind() != InstanceLauncher::LaunchError::Case::unsupported) {
             addToLog(config, error.what());
         }
-        return fail(report, error.what(), runnerCannotStart);
+        return failWith(report, error.what(), runnerCannotStart);
     } catch (const std::runtime_error& error) {
         if (config.kind != ShortcutKind::file) {
             addToLog(config, error.what());
         }
-        return fail(report, error.what(), runnerCannotStart);
+        return failWith(report, error.what(), runnerCannotStart);
     }
 }
 
@@ -148,15 +118,22 @@ int runClone(const fs::path& executable, const std::vector<std::string>& argumen
     const fs::path file = configOf(wrapper);
     const std::optional<InstanceConfig> config = InstanceConfig::read(file);
     if (!config) {
-        return fail(report, "no readable configuration at " + file.string(), runnerBadConfig);
+        return failWith(report, "no readable configuration at " + file.string(), runnerBadConfig);
     }
     const StartDetails details{.windowWord = windowWord(cloneIdentity(wrapper)),
                                .action = actionIn(arguments)};
     const bool passesDocuments =
         details.action.empty() &&
         (config->openWithPassthrough || config->registerAsBrowser || isLinkFromAClone(arguments));
-    return launchAndSupervise(*config, passesDocuments ? arguments : std::vector<std::string>{},
-                              details, report, signals);
+    const std::vector<std::string> documents =
+        passesDocuments ? arguments : std::vector<std::string>{};
+    if (config->kind == ShortcutKind::web) {
+        // The host replaces the home that "~" stands for.
+        InstanceConfig resolved = *config;
+        resolved.instanceHome = config->resolvedHome();
+        return runWebClone({resolved, file, details.windowWord, documents}, report, signals);
+    }
+    return launchAndSupervise(*config, documents, details, report, signals);
 }
 
 } // namespace quorvel

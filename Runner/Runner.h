@@ -8,6 +8,7 @@ namespace quorvel {
 
 /// The runner's own exit statuses, with the values of <sysexits.h>. Others are the target's.
 enum RunnerStatus {
+    runnerBadAddress = 64,  ///< EX_USAGE: what a web clone is to open is not a web address
     runnerUnavailable = 69, ///< EX_UNAVAILABLE: what the clone needs is not installed
     runnerCannotStart = 71, ///< EX_OSERR: the target could not be started
     runnerHomeInUse = 75,   ///< EX_TEMPFAIL: a target is already running in the instance home

@@ -63,6 +63,11 @@ SignalForwarder::SignalForwarder() {
     pthread_sigmask(SIG_BLOCK, &signals_, nullptr);
 }
 
+void SignalForwarder::stop() const {
+    std::signal(SIGCHLD, SIG_DFL);
+    pthread_sigmask(SIG_UNBLOCK, &signals_, nullptr);
+}
+
 int SignalForwarder::nextSignal() const {
     int signal = 0;
     sigwait(&signals_, &signal);

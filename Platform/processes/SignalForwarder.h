@@ -20,6 +20,10 @@ public:
     /// but ended after them. Call it in the thread that constructed this.
     [[nodiscard]] int waitUntilExit(Process& process, Process* companion = nullptr) const;
 
+    /// Ends that: these signals have their default effect again in the calling thread, and in what
+    /// it starts. For a process that goes on without a child.
+    void stop() const;
+
 private:
     // Waits for a signal that is not about a child.
     [[nodiscard]] int nextSignal() const;

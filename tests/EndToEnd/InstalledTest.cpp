@@ -37,6 +37,9 @@ TEST(InstalledTest, HasItsFilesWhereADesktopLooksForThem) {
                               "libexec/quorvel/quorvel-runner", "share/man/man1/quorvelctl.1",
                               "share/bash-completion/completions/quorvelctl",
                               "share/zsh/site-functions/_quorvelctl"}));
+#ifdef QUORVEL_WITH_WEB_HOST
+    EXPECT_THAT(filesBelow(folder.path()), IsSupersetOf({"libexec/quorvel/quorvel-web-host.so"}));
+#endif
 #ifdef QUORVEL_WITH_APP
     EXPECT_THAT(filesBelow(folder.path()),
                 IsSupersetOf({"bin/quorvel", "share/man/man1/quorvel.1",

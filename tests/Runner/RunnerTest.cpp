@@ -14,10 +14,15 @@ namespace {
 
 using namespace testing;
 using namespace std::string_literals;
+using ::testing::EndsWith;
 using ::testing::HasSubstr;
 namespace fs = std::filesystem;
 
-class RunnerTest : public RunnerFixture {};
+class RunnerTest : public RunnerFixture {
+protected:
+    // The one that is installed would open windows.
+    ScopedEnvironment webHost_{"QUORVEL_WEB_HOST", "/nonexistent"};
+};
 
 TEST_F(RunnerTest, EndsWithTheStatusOfItsTarget) {
     EXPECT_EQ(run(appConfig({"exit", "0"})), 0);
@@ -113,7 +118,9 @@ TEST_F(RunnerTest, RunsACommand) {
 
 TEST_F(RunnerTest, AWebCloneReportsThatItsHostIsMissingHereAndInTheLog) {
     EXPECT_EQ(run(configOf(ShortcutKind::web)), 69);
-    const std::string line = "quorvel-runner: the web host for “Work” is not installed\n";
+    const std::string line =
+        "quorvel-runner: the web host for “Work” is not installed; on Linux, the "
+        "packages quorvel and libwebkitgtk-6.0-4 contain it\n";
     EXPECT_EQ(read(errors()), line);
     EXPECT_EQ(log(), line);
     EXPECT_EQ(run(configOf(ShortcutKind::web)), 69);
@@ -126,6 +133,48 @@ TEST_F(RunnerTest, AWebCloneWithoutAWritableLogReportsItHere) {
     EXPECT_THAT(read(errors()), HasSubstr("is not installed"));
 }
 
+TEST_F(RunnerTest, AWebHostThatCantBeLoadedIsReportedWithItsPackage) {
+    write(at("broken.so"), "not a module");
+    const ScopedEnvironment module("QUORVEL_WEB_HOST", at("broken.so").string());
+    EXPECT_EQ(run(configOf(ShortcutKind::web)), 69);
+    const std::string line = "quorvel-runner: the web host for “Work” can’t be loaded; install the "
+                             "package libwebkitgtk-6.0-4\n";
+    EXPECT_EQ(read(errors()), line);
+    EXPECT_THAT(log(), EndsWith(line));
+    EXPECT_THAT(log(), HasSubstr(at("broken.so").string() + ": ")) << "the loader's own words";
+}
+
+TEST_F(RunnerTest, AWebHostIsNotSearchedFor) {
+    write(at("quorvel-web-host.so"), "not a module");
+    const ScopedEnvironment libraries("LD_LIBRARY_PATH", at("").string());
+    InstanceConfig config = configOf(ShortcutKind::web);
+    config.environment = {{"QUORVEL_WEB_HOST", at("quorvel-web-host.so").string()}};
+    for (const char* relative : {"quorvel-web-host.so", "./quorvel-web-host.so"}) {
+        const ScopedEnvironment module("QUORVEL_WEB_HOST", relative);
+        EXPECT_EQ(run(config), 69) << relative;
+        EXPECT_THAT(read(errors()), HasSubstr("is not installed")) << relative;
+    }
+}
+
+TEST_F(RunnerTest, AWebCloneOpensWebAddressesOnly) {
+    InstanceConfig config = configOf(ShortcutKind::web);
+    config.url = "file:///etc/passwd";
+    EXPECT_EQ(run(config), 78);
+    EXPECT_EQ(read(errors()),
+              "quorvel-runner: “Work” can’t be opened at its address: it is not a web "
+              "address\n");
+    EXPECT_EQ(log(), read(errors()));
+    config.url = "example.com";
+    config.openWithPassthrough = true;
+    for (const char* address :
+         {"javascript:alert(1)", "file:///etc/passwd", "/etc/passwd", "a.b", ""}) {
+        EXPECT_EQ(run(config, {address}), 64) << address;
+    }
+    EXPECT_EQ(run(config, {"https://example.com/"}), 69) << "only the host is missing";
+    config.openWithPassthrough = false;
+    EXPECT_EQ(run(config, {"javascript:alert(1)"}), 69) << "what it doesn't accept is dropped";
+}
+
 TEST_F(RunnerTest, AMessageIsOneLineForAnyName) {
     const fs::path bundle = wrapper(configOf(ShortcutKind::web));
     InstanceConfig config = configOf(ShortcutKind::web);
@@ -135,7 +184,7 @@ TEST_F(RunnerTest, AMessageIsOneLineForAnyName) {
     EXPECT_EQ(
         read(errors()),
         "quorvel-runner: the web host for “two\\nlines\\u{1b}[31m\\u{d}\\u{7f}\\u{9b}\\u{202e}” "
-        "is not installed\n");
+        "is not installed; on Linux, the packages quorvel and libwebkitgtk-6.0-4 contain it\n");
     EXPECT_EQ(log(), read(errors()));
 }
 

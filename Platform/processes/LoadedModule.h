@@ -1,0 +1,18 @@
+#pragma once
+
+#include <filesystem>
+#include <string>
+
+namespace quorvel {
+
+/// A function of a module that was loaded into this process, where it stays.
+struct LoadedModule {
+    void* function = nullptr; ///< null if it can't be loaded
+    std::string problem{};    ///< then, why: for the log
+};
+
+/// Loads the module at that path, all of it at once and visible to nobody else, and finds the
+/// function. A path that is not absolute is refused. None can be loaded on macOS so far.
+[[nodiscard]] LoadedModule loadModule(const std::filesystem::path& module, const char* function);
+
+} // namespace quorvel

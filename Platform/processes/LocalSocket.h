@@ -1,0 +1,22 @@
+#pragma once
+
+#include "Platform/files/FileHandle.h"
+
+#include <chrono>
+#include <filesystem>
+#include <string>
+
+/// Sockets in a folder of the user's, by which programs of the same user talk to each other. None
+/// can be made on macOS, where the system passes on what a running application is to open.
+namespace quorvel::LocalSocket {
+
+/// Makes a socket of that name in the folder, which may have a path of any length, and listens on
+/// it. Replaces a socket that is there, and nothing else. Nothing is open if that fails.
+[[nodiscard]] FileHandle listenIn(const std::filesystem::path& folder, const std::string& name);
+
+/// Sends a text to who listens on that socket, and returns the short answer; empty if nobody does,
+/// or nobody answers within `patience`.
+[[nodiscard]] std::string ask(const std::filesystem::path& folder, const std::string& name,
+                              const std::string& text, std::chrono::milliseconds patience);
+
+} // namespace quorvel::LocalSocket

@@ -1,0 +1,136 @@
+#include "Runner/WebClone.h"
+
+#include "LaunchKit/HelperProgram.h"
+#include "LaunchKit/HomeLock.h"
+#include "LaunchKit/InstanceConfig.h"
+#include "Platform/files/PlatformError.h"
+#include "Platform/processes/LoadedModule.h"
+#include "Runner/RunnerMessages.h"
+#include "WebHost/Handover.h"
+#include "WebHost/WebAddress.h"
+#include "WebHost/WebHostModule.h"
+
+#include <cstdlib>
+
+namespace quorvel {
+namespace {
+
+// What the module's functions are given.
+struct Reporting {
+    const InstanceConfig& config;
+    const StartReport& report;
+};
+
+void reportStart(void* context) {
+    static_cast<Reporting*>(context)->report.started();
+}
+
+void reportFailure(void* context, const char* sentence) {
+    const auto& reporting = *static_cast<Reporting*>(context);
+    addToLog(reporting.config, sentence);
+    (void)failWith(reporting.report, sentence, runnerUnavailable);
+}
+
+std::string variable(const char* name) {
+    const char* const value = std::getenv(name);
+    return value == nullptr ? "" : value;
+}
+
+// The click that started this process is to bring the other one's window to the front.
+std::string activationToken() {
+    const std::string token = variable("XDG_ACTIVATION_TOKEN");
+    return token.empty() ? variable("DESKTOP_STARTUP_ID") : token;
+}
+
+// Why the clone can't be shown, and the status that says so.
+struct Refusal {
+    std::string reason;
+    RunnerStatus status;
+};
+
+std::string quoted(const InstanceConfig& config) {
+    return "“" + config.displayName + "”";
+}
+
+std::optional<Refusal> addressRefusal(const WebCloneStart& start) {
+    const StartAddress own = startAddress(start.config.url);
+    if (own.kind == StartAddress::Case::refused) {
+        return Refusal{quoted(start.config) + " can’t be opened at its address: " + own.text,
+                       runnerBadConfig};
+    }
+    if (start.addresses.empty()) {
+        return std::nullopt;
+    }
+    const StartAddress given = startAddress(start.addresses.front());
+    if (given.kind != StartAddress::Case::page || given.text != start.addresses.front()) {
+        return Refusal{quoted(start.config) + " can’t open “" + start.addresses.front() +
+                           "”: it is not a web address",
+                       runnerBadAddress};
+    }
+    return std::nullopt;
+}
+
+int fail(const WebCloneStart& start, const StartReport& report, const Refusal& refusal) {
+    addToLog(start.config, refusal.reason);
+    return failWith(report, refusal.reason, refusal.status);
+}
+
+int show(const WebCloneStart& start, const std::filesystem::path& module, const StartReport& report,
+         const SignalForwarder& signals) {
+    const FileHandle listener = listenForHandovers(start.config.resolvedHome());
+    const LoadedModule loaded = loadModule(module, webHostFunction);
+    if (loaded.function == nullptr) {
+        addToLog(start.config, loaded.problem);
+        return fail(start, report,
+                    {"the web host for " + quoted(start.config) +
+                         " can’t be loaded; install the package libwebkitgtk-6.0-4",
+                     runnerUnavailable});
+    }
+    signals.stop();
+    Reporting reporting{start.config, report};
+    QuorvelWebHostRequest request{};
+    request.abi = webHostAbi;
+    request.configFile = start.configFile.c_str();
+    request.windowWord = start.windowWord.c_str();
+    request.address = start.addresses.empty() ? nullptr : start.addresses.front().c_str();
+    request.listener = listener.descriptor();
+    request.context = &reporting;
+    request.started = reportStart;
+    request.failed = reportFailure;
+    using Run = QuorvelWebHostRun;
+    return reinterpret_cast<Run>(loaded.function)(&request); // NOLINT: as the loader has it
+}
+
+} // namespace
+
+int runWebClone(const WebCloneStart& start, const StartReport& report,
+                const SignalForwarder& signals) {
+    constexpr std::chrono::seconds patience{15}; // with one that is just starting
+    if (const auto refusal = addressRefusal(start)) {
+        return fail(start, report, *refusal);
+    }
+    const auto module = helperModule(webHostModule, webHostVariable, currentEnvironment());
+    if (!module) {
+        return fail(start, report,
+                    {"the web host for " + quoted(start.config) +
+                         " is not installed; on Linux, the packages quorvel and "
+                         "libwebkitgtk-6.0-4 contain it",
+                     runnerUnavailable});
+    }
+    try {
+        const std::optional<FileLock> lock = lockHome(start.config);
+        return show(start, *module, report, signals);
+    } catch (const HomeInUse& error) {
+        const WebHandover handover{start.addresses.empty() ? "" : start.addresses.front(),
+                                   activationToken()};
+        if (sendHandover(start.config.resolvedHome(), handover, patience)) {
+            report.started();
+            return 0;
+        }
+        return fail(start, report, {error.what(), runnerHomeInUse});
+    } catch (const PlatformError& error) {
+        return fail(start, report, {error.what(), runnerCannotStart});
+    }
+}
+
+} // namespace quorvel

@@ -1,0 +1,272 @@
+#include "WebHost/HostPage_linux.h"
+
+#include "WebHost/GtkTypes_linux.h"
+#include "WebHost/StatusPages.h"
+#include "WebHost/WebAddress.h"
+
+#include <libsoup/soup.h>
+
+namespace quorvel {
+namespace {
+
+HostPage& of(gpointer self) {
+    return *static_cast<HostPage*>(self);
+}
+
+std::string addressOf(WebKitNavigationAction* action) {
+    std::string address =
+        textOf(webkit_uri_request_get_uri(webkit_navigation_action_get_request(action)));
+    return address.empty() ? "about:blank" : address;
+}
+
+bool isAttachment(WebKitURIResponse* response) {
+    SoupMessageHeaders* const headers = webkit_uri_response_get_http_headers(response);
+    char* disposition = nullptr;
+    GHashTable* parameters = nullptr;
+    if (headers == nullptr ||
+        soup_message_headers_get_content_disposition(headers, &disposition, &parameters) == FALSE) {
+        return false;
+    }
+    g_hash_table_unref(parameters);
+    return takeText(disposition) == "attachment";
+}
+
+std::string certificateReason(GTlsCertificateFlags flags) {
+    if ((flags & G_TLS_CERTIFICATE_EXPIRED) != 0) {
+        return "Its certificate has expired.";
+    }
+    if ((flags & G_TLS_CERTIFICATE_NOT_ACTIVATED) != 0) {
+        return "Its certificate is not valid yet. Is this computer’s clock right?";
+    }
+    if ((flags & G_TLS_CERTIFICATE_BAD_IDENTITY) != 0) {
+        return "Its certificate belongs to another site.";
+    }
+    if ((flags & G_TLS_CERTIFICATE_REVOKED) != 0) {
+        return "Its certificate was revoked.";
+    }
+    if ((flags & G_TLS_CERTIFICATE_UNKNOWN_CA) != 0) {
+        return "Nobody who is trusted here has signed its certificate.";
+    }
+    return "Its certificate is not valid.";
+}
+
+HostWindow::Actions windowActions(const HostPage::Callbacks& callbacks, std::function<void()> close,
+                                  std::function<void()> quit) {
+    return {callbacks.home, callbacks.forgetPermissions, std::move(quit), std::move(close)};
+}
+
+} // namespace
+
+HostPage::HostPage(WebKitWebView* view, const PageServices& services, Callbacks callbacks,
+                   const WindowState& state)
+    : view_(view),
+      services_(services),
+      callbacks_(std::move(callbacks)),
+      window_(view,
+              windowActions(
+                  callbacks_, [this] { closeRequested(); }, services.quit),
+              state, services.iconName),
+      dialogs_(view, window_.widget()),
+      permissions_(view, *services.permissions,
+                   [this](HostQuestion question) { window_.ask(std::move(question)); }) {
+    connect();
+}
+
+HostPage::~HostPage() {
+    g_signal_handlers_disconnect_by_data(view_, this);
+}
+
+void HostPage::connect() {
+    onSignal(view_, "decide-policy", policyWanted, this);
+    onSignal(view_, "create", created, this);
+    onSignal(view_, "load-changed", loadChanged, this);
+    onSignal(view_, "load-failed", loadFailed, this);
+    onSignal(view_, "load-failed-with-tls-errors", certificateFailed, this);
+    onSignal(view_, "web-process-terminated", crashed, this);
+    onSignal(
+        view_, "notify::title",
+        [](WebKitWebView*, GParamSpec*, gpointer self) { of(self).callbacks_.titleChanged(); },
+        this);
+    onSignal(
+        view_, "notify::uri",
+        [](WebKitWebView*, GParamSpec*, gpointer self) {
+            of(self).window_.updateLocation();
+            of(self).callbacks_.titleChanged();
+        },
+        this);
+    onSignal(
+        view_, "show-notification",
+        [](WebKitWebView*, WebKitNotification* notification, gpointer self) -> gboolean {
+            of(self).services_.notify(notification);
+            return TRUE;
+        },
+        this);
+    onSignal(
+        view_, "close", [](WebKitWebView*, gpointer self) { of(self).callbacks_.closed(); }, this);
+}
+
+void HostPage::load(const std::string& address) {
+    if (address.empty()) {
+        webkit_web_view_load_html(view_, noAddressPage(services_.name).c_str(), nullptr);
+    } else {
+        webkit_web_view_load_uri(view_, address.c_str());
+    }
+}
+
+std::string HostPage::address() const {
+    return textOf(webkit_web_view_get_uri(view_));
+}
+
+std::string HostPage::title() const {
+    return textOf(webkit_web_view_get_title(view_));
+}
+
+// A page may ask whether to leave it. One that hangs can't, and is closed at the second attempt.
+void HostPage::closeRequested() {
+    if (isClosing_) {
+        callbacks_.closed();
+        return;
+    }
+    isClosing_ = true;
+    webkit_web_view_try_close(view_);
+}
+
+void HostPage::openOther(const std::string& address) {
+    const std::string scheme = schemeOf(address);
+    const std::string origin = originOf(this->address());
+    permissions_.decide(origin.empty() ? "other" : origin, "open-" + scheme,
+                        hostOf(this->address()) + " wants to open a “" + scheme +
+                            "” link with another program.",
+                        [this, address](bool isAllowed) {
+                            if (isAllowed && !services_.links->open(address)) {
+                                window_.showMessage("No program opens this link");
+                            }
+                        });
+}
+
+// Returns whether the engine goes on with it.
+bool HostPage::routes(WebKitNavigationAction* action, bool isNewWindow) {
+    const std::string address = addressOf(action);
+    const std::string page = this->address();
+    const bool isGesture = webkit_navigation_action_is_user_gesture(action) == TRUE;
+    const LinkRequest request{
+        .address = address,
+        .page = page,
+        .home = services_.homeAddress,
+        .isGesture = isGesture,
+        .isLinkClick = webkit_navigation_action_get_navigation_type(action) ==
+                       WEBKIT_NAVIGATION_TYPE_LINK_CLICKED,
+        // The engine doesn't say which frame it is; what loads by itself may be any.
+        .isMainFrame = isGesture || isNewWindow || isWebAddress(address),
+        .isNewWindow = isNewWindow,
+        .isPopup = isPopup()};
+    switch (routeOf(request, services_.siteOf)) {
+    case LinkDecision::here:
+        return true;
+    case LinkDecision::outside:
+        if (!services_.links->open(address)) {
+            window_.showMessage("No program opens this link");
+        }
+        return false;
+    case LinkDecision::ask:
+        openOther(address);
+        return false;
+    case LinkDecision::refuse:
+        break;
+    }
+    return false;
+}
+
+bool HostPage::takesResponse(WebKitResponsePolicyDecision* decision) const {
+    const bool isPage =
+        webkit_response_policy_decision_is_main_frame_main_resource(decision) == TRUE;
+    const bool isShown = webkit_response_policy_decision_is_mime_type_supported(decision) == TRUE;
+    return !isPage ||
+           (isShown && !isAttachment(webkit_response_policy_decision_get_response(decision)));
+}
+
+gboolean HostPage::policyWanted(WebKitWebView* /*view*/, WebKitPolicyDecision* decision,
+                                WebKitPolicyDecisionType type, gpointer self) {
+    HostPage& page = of(self);
+    if (type == WEBKIT_POLICY_DECISION_TYPE_RESPONSE) {
+        if (page.takesResponse(WEBKIT_RESPONSE_POLICY_DECISION(decision))) {
+            return FALSE;
+        }
+        webkit_policy_decision_download(decision);
+        return TRUE;
+    }
+    WebKitNavigationAction* const action = webkit_navigation_policy_decision_get_navigation_action(
+        WEBKIT_NAVIGATION_POLICY_DECISION(decision));
+    const bool isNewWindow = type == WEBKIT_POLICY_DECISION_TYPE_NEW_WINDOW_ACTION;
+    if (page.routes(action, isNewWindow)) {
+        return FALSE;
+    }
+    webkit_policy_decision_ignore(decision);
+    return TRUE;
+}
+
+WebKitWebView* HostPage::created(WebKitWebView* /*view*/, WebKitNavigationAction* action,
+                                 gpointer self) {
+    HostPage& page = of(self);
+    // Links were routed when the decision about them was wanted; scripts get here alone.
+    const bool isAllowed =
+        webkit_navigation_action_is_user_gesture(action) == TRUE && page.routes(action, true);
+    return isAllowed ? page.services_.openPopup(page) : nullptr;
+}
+
+void HostPage::showStatus(const std::string& html, const std::string& address) {
+    webkit_web_view_load_alternate_html(view_, html.c_str(), address.c_str(), nullptr);
+}
+
+gboolean HostPage::loadFailed(WebKitWebView* /*view*/, WebKitLoadEvent /*event*/, char* address,
+                              GError* error, gpointer self) {
+    of(self).awaited_.clear();
+    // A download interrupts its page, and a link that is opened elsewhere does, too.
+    if (error->domain == WEBKIT_POLICY_ERROR ||
+        g_error_matches(error, WEBKIT_NETWORK_ERROR, WEBKIT_NETWORK_ERROR_CANCELLED) == TRUE) {
+        return FALSE;
+    }
+    of(self).showStatus(offlinePage(textOf(address), textOf(error->message) + "."),
+                        textOf(address));
+    return TRUE;
+}
+
+gboolean HostPage::certificateFailed(WebKitWebView* /*view*/, char* address,
+                                     GTlsCertificate* /*found*/, GTlsCertificateFlags flags,
+                                     gpointer self) {
+    of(self).showStatus(certificatePage(textOf(address), certificateReason(flags)),
+                        textOf(address));
+    return TRUE;
+}
+
+void HostPage::crashed(WebKitWebView* view, WebKitWebProcessTerminationReason /*reason*/,
+                       gpointer self) {
+    HostPage& page = of(self);
+    if (page.reloads_.admits(FloodClock::now())) {
+        // A reload would show the page before the one that is still on its way.
+        if (page.awaited_.empty()) {
+            webkit_web_view_reload(view);
+        } else {
+            page.load(std::string(page.awaited_));
+        }
+    } else {
+        page.showStatus(crashPage(page.address()), page.address());
+    }
+}
+
+void HostPage::loadChanged(WebKitWebView* /*view*/, WebKitLoadEvent event, gpointer self) {
+    HostPage& page = of(self);
+    if (event == WEBKIT_LOAD_STARTED || event == WEBKIT_LOAD_REDIRECTED) {
+        page.awaited_ = page.address();
+    } else if (event == WEBKIT_LOAD_COMMITTED) {
+        page.awaited_.clear();
+        page.isClosing_ = false;
+        page.dialogs_.reset();
+        page.permissions_.reset();
+    } else if (event == WEBKIT_LOAD_FINISHED) {
+        page.services_.loaded();
+    }
+    page.window_.updateLocation();
+}
+
+} // namespace quorvel

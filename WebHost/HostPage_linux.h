@@ -1,0 +1,89 @@
+#pragma once
+
+#include "WebHost/FloodCaps.h"
+#include "WebHost/HostWindow_linux.h"
+#include "WebHost/LinkRouting.h"
+#include "WebHost/OutsideLinks.h"
+#include "WebHost/PageDialogs_linux.h"
+#include "WebHost/PagePermissions_linux.h"
+
+#include <webkit/webkit.h>
+
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+
+namespace quorvel {
+
+/// What all pages of a clone share.
+struct PageServices {
+    std::string name{};        ///< the clone's
+    std::string homeAddress{}; ///< empty if the clone has none
+    std::string iconName{};
+    SiteOf siteOf{};
+    PermissionStore* permissions = nullptr;
+    const OutsideLinks* links = nullptr;
+    /// Opens a window for a page that asks for one; null if it may not.
+    std::function<WebKitWebView*(class HostPage& opener)> openPopup{};
+    std::function<void(WebKitNotification*)> notify{};
+    std::function<void()> loaded{}; ///< a page is there
+    std::function<void()> quit{};
+};
+
+/// A page in its window, and what becomes of its requests.
+class HostPage {
+public:
+    struct Callbacks {
+        std::function<void()> home{}; ///< absent in pop-ups
+        std::function<void()> forgetPermissions{};
+        std::function<void()> titleChanged{};
+        std::function<void()> closed{}; ///< destroys this
+    };
+
+    /// `view` is new and belongs to the page's window from now on.
+    HostPage(WebKitWebView* view, const PageServices& services, Callbacks callbacks,
+             const WindowState& state);
+    HostPage(const HostPage&) = delete;
+    HostPage& operator=(const HostPage&) = delete;
+    ~HostPage();
+
+    void load(const std::string& address);
+    [[nodiscard]] HostWindow& window() { return window_; }
+    [[nodiscard]] WebKitWebView* view() const { return view_; }
+    [[nodiscard]] bool isPopup() const { return !callbacks_.home; }
+    [[nodiscard]] std::string address() const;
+    [[nodiscard]] std::string title() const;
+
+private:
+    static gboolean policyWanted(WebKitWebView* view, WebKitPolicyDecision* decision,
+                                 WebKitPolicyDecisionType type, gpointer self);
+    static WebKitWebView* created(WebKitWebView* view, WebKitNavigationAction* action,
+                                  gpointer self);
+    static gboolean loadFailed(WebKitWebView* view, WebKitLoadEvent event, char* address,
+                               GError* error, gpointer self);
+    static gboolean certificateFailed(WebKitWebView* view, char* address, GTlsCertificate* found,
+                                      GTlsCertificateFlags flags, gpointer self);
+    static void crashed(WebKitWebView* view, WebKitWebProcessTerminationReason reason,
+                        gpointer self);
+    static void loadChanged(WebKitWebView* view, WebKitLoadEvent event, gpointer self);
+
+    void connect();
+    void closeRequested();
+    void openOther(const std::string& address);
+    [[nodiscard]] bool routes(WebKitNavigationAction* action, bool isNewWindow);
+    [[nodiscard]] bool takesResponse(WebKitResponsePolicyDecision* decision) const;
+    void showStatus(const std::string& html, const std::string& address);
+
+    WebKitWebView* view_;
+    const PageServices& services_;
+    Callbacks callbacks_;
+    HostWindow window_;
+    PageDialogs dialogs_;
+    PagePermissions permissions_;
+    RateCap reloads_ = reloadCap();
+    std::string awaited_{}; ///< the address of a page that is on its way
+    bool isClosing_ = false;
+};
+
+} // namespace quorvel

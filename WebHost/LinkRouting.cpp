@@ -1,0 +1,63 @@
+#include "WebHost/LinkRouting.h"
+
+#include "WebHost/WebAddress.h"
+
+#include <algorithm>
+#include <array>
+
+namespace quorvel {
+namespace {
+
+// What the engine itself shows in a window or a frame.
+constexpr std::array<std::string_view, 2> innerSchemes{"about", "blob"};
+
+// Would make another program open a file or run something.
+constexpr std::array<std::string_view, 12> refusedSchemes{
+    "data",    "file",     "filesystem", "ftp",      "javascript",  "jar",
+    "quorvel", "resource", "smb",        "vbscript", "view-source", "webkit"};
+
+template<typename Schemes>
+bool isAmong(const Schemes& schemes, const std::string& scheme) {
+    return std::find(schemes.begin(), schemes.end(), scheme) != schemes.end();
+}
+
+std::string siteOfAddress(std::string_view address, const SiteOf& siteOf) {
+    const std::string host = hostOf(address);
+    std::string site = siteOf(host);
+    return site.empty() ? host : site;
+}
+
+bool leavesTheSite(const LinkRequest& request, const SiteOf& siteOf) {
+    return !request.home.empty() && !isSameSite(request.address, request.home, siteOf) &&
+           !isSameSite(request.address, request.page, siteOf);
+}
+
+} // namespace
+
+bool isSameSite(std::string_view a, std::string_view b, const SiteOf& siteOf) {
+    return isWebAddress(a) && isWebAddress(b) && !hostOf(a).empty() &&
+           siteOfAddress(a, siteOf) == siteOfAddress(b, siteOf);
+}
+
+LinkDecision routeOf(const LinkRequest& request, const SiteOf& siteOf) {
+    if (!request.isMainFrame && !request.isNewWindow) {
+        const std::string scheme = schemeOf(request.address);
+        return isWebAddress(request.address) || isAmong(innerSchemes, scheme) || scheme == "data"
+                   ? LinkDecision::here
+                   : LinkDecision::refuse;
+    }
+    if (isWebAddress(request.address)) {
+        const bool mayLeave =
+            request.isLinkClick && request.isGesture && (request.isNewWindow || !request.isPopup);
+        return mayLeave && leavesTheSite(request, siteOf) ? LinkDecision::outside
+                                                          : LinkDecision::here;
+    }
+    const std::string scheme = schemeOf(request.address);
+    if (isAmong(innerSchemes, scheme)) {
+        return LinkDecision::here;
+    }
+    const bool isOtherPrograms = !scheme.empty() && !isAmong(refusedSchemes, scheme);
+    return isOtherPrograms && request.isGesture ? LinkDecision::ask : LinkDecision::refuse;
+}
+
+} // namespace quorvel

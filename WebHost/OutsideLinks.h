@@ -1,0 +1,29 @@
+#pragma once
+
+#include "Platform/processes/Process.h"
+
+#include <filesystem>
+#include <optional>
+#include <string>
+
+namespace quorvel {
+
+/// Opens addresses outside of a web clone: in the session that it was started in.
+class OutsideLinks {
+public:
+    /// Writes the session down for the program that opens links, which is looked for in `session`.
+    /// `host` is the clone's own environment, and `links` its setting (`CloneOptions::links`).
+    OutsideLinks(std::string home, const std::optional<std::string>& links,
+                 const Environment& session, const Environment& host);
+
+    /// Opens a web or mail address with the user's default program, or as the clone's setting says;
+    /// any other with `xdg-open`. Returns false if nothing can be started for it.
+    [[nodiscard]] bool open(const std::string& address) const;
+
+private:
+    std::optional<std::filesystem::path> door_;
+    Environment doorEnvironment_;
+    Environment outside_;
+};
+
+} // namespace quorvel

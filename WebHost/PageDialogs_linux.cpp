@@ -1,0 +1,101 @@
+#include "WebHost/PageDialogs_linux.h"
+
+#include "Base/TerminalText.h"
+#include "WebHost/GtkTypes_linux.h"
+#include "WebHost/WebAddress.h"
+
+#include <memory>
+
+namespace quorvel {
+namespace {
+
+constexpr int stopping = 1; // a response of our own
+
+// A dialog that is shown.
+struct Open {
+    WebKitScriptDialog* dialog;
+    GtkWidget* entry; ///< null unless a text is asked for
+    DialogCap* cap;
+};
+
+void answered(GtkDialog* widget, int response, gpointer data) {
+    const std::unique_ptr<Open> open(static_cast<Open*>(data));
+    const bool agreed = response == GTK_RESPONSE_OK;
+    switch (webkit_script_dialog_get_dialog_type(open->dialog)) {
+    case WEBKIT_SCRIPT_DIALOG_CONFIRM:
+        webkit_script_dialog_confirm_set_confirmed(open->dialog, agreed ? TRUE : FALSE);
+        break;
+    case WEBKIT_SCRIPT_DIALOG_PROMPT:
+        if (agreed) {
+            webkit_script_dialog_prompt_set_text(open->dialog,
+                                                 gtk_editable_get_text(GTK_EDITABLE(open->entry)));
+        }
+        break;
+    default:
+        break;
+    }
+    if (response == stopping) {
+        open->cap->stop();
+    }
+    webkit_script_dialog_close(open->dialog);
+    webkit_script_dialog_unref(open->dialog);
+    gtk_window_destroy(GTK_WINDOW(widget));
+}
+
+} // namespace
+
+PageDialogs::PageDialogs(WebKitWebView* view, GtkWindow* window) : view_(view), window_(window) {
+    onSignal(view, "script-dialog", opened, this);
+}
+
+PageDialogs::~PageDialogs() {
+    g_signal_handlers_disconnect_by_data(view_, this);
+}
+
+gboolean PageDialogs::opened(WebKitWebView* /*view*/, WebKitScriptDialog* dialog, gpointer self) {
+    auto& dialogs = *static_cast<PageDialogs*>(self);
+    if (webkit_script_dialog_get_dialog_type(dialog) ==
+        WEBKIT_SCRIPT_DIALOG_BEFORE_UNLOAD_CONFIRM) {
+        return FALSE; // the engine's own contains no text of the page
+    }
+    if (dialogs.cap_.admits()) {
+        dialogs.show(dialog);
+    }
+    return TRUE;
+}
+
+void PageDialogs::show(WebKitScriptDialog* dialog) {
+    const bool asks = webkit_script_dialog_get_dialog_type(dialog) != WEBKIT_SCRIPT_DIALOG_ALERT;
+    const std::string host = hostOf(textOf(webkit_web_view_get_uri(view_)));
+    const std::string text =
+        withoutUnsafe(textOf(webkit_script_dialog_get_message(dialog)), longestDialogText);
+    GtkWidget* const widget = gtk_message_dialog_new(
+        window_, static_cast<GtkDialogFlags>(GTK_DIALOG_MODAL | GTK_DIALOG_DESTROY_WITH_PARENT),
+        GTK_MESSAGE_OTHER, GTK_BUTTONS_NONE, "%s", (host + " says").c_str());
+    gtk_message_dialog_format_secondary_text(GTK_MESSAGE_DIALOG(widget), "%s", text.c_str());
+    if (cap_.offersToStop()) {
+        gtk_dialog_add_button(GTK_DIALOG(widget), "Stop Dialogs from This Page", stopping);
+    }
+    if (asks) {
+        gtk_dialog_add_button(GTK_DIALOG(widget), "Cancel", GTK_RESPONSE_CANCEL);
+    }
+    gtk_dialog_add_button(GTK_DIALOG(widget), "OK", GTK_RESPONSE_OK);
+    gtk_dialog_set_default_response(GTK_DIALOG(widget), GTK_RESPONSE_OK);
+    GtkWidget* entry = nullptr;
+    if (webkit_script_dialog_get_dialog_type(dialog) == WEBKIT_SCRIPT_DIALOG_PROMPT) {
+        entry = gtk_entry_new();
+        gtk_editable_set_text(
+            GTK_EDITABLE(entry),
+            withoutUnsafe(textOf(webkit_script_dialog_prompt_get_default_text(dialog)),
+                          longestDialogText)
+                .c_str());
+        gtk_entry_set_activates_default(GTK_ENTRY(entry), TRUE);
+        gtk_box_append(GTK_BOX(gtk_message_dialog_get_message_area(GTK_MESSAGE_DIALOG(widget))),
+                       entry);
+    }
+    onSignal(widget, "response", answered,
+             new Open{webkit_script_dialog_ref(dialog), entry, &cap_});
+    gtk_window_present(GTK_WINDOW(widget));
+}
+
+} // namespace quorvel

@@ -1,0 +1,148 @@
+#include "WebHost/PagePermissions_linux.h"
+
+#include "WebHost/GtkTypes_linux.h"
+#include "WebHost/WebAddress.h"
+
+#include <optional>
+
+namespace quorvel {
+namespace {
+
+// What is asked for: the word in the file, and in the question.
+struct Wish {
+    std::string kind{};
+    std::string text{};
+};
+
+Wish mediaWish(WebKitUserMediaPermissionRequest* request) {
+    if (webkit_user_media_permission_is_for_display_device(request) == TRUE) {
+        return {"screen", "record the screen"};
+    }
+    const bool sound = webkit_user_media_permission_is_for_audio_device(request) == TRUE;
+    const bool picture = webkit_user_media_permission_is_for_video_device(request) == TRUE;
+    return sound && picture ? Wish{"camera+microphone", "use the camera and the microphone"}
+           : sound          ? Wish{"microphone", "use the microphone"}
+                            : Wish{"camera", "use the camera"};
+}
+
+std::optional<Wish> wishOf(WebKitPermissionRequest* request) {
+    if (WEBKIT_IS_NOTIFICATION_PERMISSION_REQUEST(request)) {
+        return Wish{notificationKind, "show notifications"};
+    }
+    if (WEBKIT_IS_GEOLOCATION_PERMISSION_REQUEST(request)) {
+        return Wish{"location", "know where you are"};
+    }
+    if (WEBKIT_IS_USER_MEDIA_PERMISSION_REQUEST(request)) {
+        return mediaWish(WEBKIT_USER_MEDIA_PERMISSION_REQUEST(request));
+    }
+    if (WEBKIT_IS_CLIPBOARD_PERMISSION_REQUEST(request)) {
+        return Wish{"clipboard", "read the clipboard"};
+    }
+    if (WEBKIT_IS_POINTER_LOCK_PERMISSION_REQUEST(request)) {
+        return Wish{"pointer-lock", "hide and hold the pointer"};
+    }
+    if (WEBKIT_IS_MEDIA_KEY_SYSTEM_PERMISSION_REQUEST(request)) {
+        return Wish{"protected-media", "play protected media"};
+    }
+    if (WEBKIT_IS_WEBSITE_DATA_ACCESS_PERMISSION_REQUEST(request)) {
+        const std::string domain =
+            textOf(webkit_website_data_access_permission_request_get_requesting_domain(
+                WEBKIT_WEBSITE_DATA_ACCESS_PERMISSION_REQUEST(request)));
+        return Wish{"data-of-" + domain, "let " + domain + " use its cookies here"};
+    }
+    return std::nullopt; // refused
+}
+
+// Kinds by the names that pages query them by.
+std::string kindOfQuery(const std::string& name) {
+    return name == "geolocation" ? "location" : name == "clipboard-read" ? "clipboard" : name;
+}
+
+} // namespace
+
+PagePermissions::PagePermissions(WebKitWebView* view, PermissionStore& store, Ask ask)
+    : view_(view),
+      store_(store),
+      ask_(std::move(ask)) {
+    onSignal(view, "permission-request", requested, this);
+    onSignal(view, "query-permission-state", queried, this);
+}
+
+PagePermissions::~PagePermissions() {
+    g_signal_handlers_disconnect_by_data(view_, this);
+}
+
+void PagePermissions::decide(const std::string& origin, const std::string& kind,
+                             const std::string& text, std::function<void(bool)> done) {
+    const auto known = store_.answer(origin, kind);
+    if (known || closed_.contains(origin + " " + kind)) {
+        done(known.value_or(false));
+        return;
+    }
+    ask_({text, "Allow", "Don’t Allow",
+          [this, origin, kind, done = std::move(done)](std::optional<bool> answer) {
+              if (answer) {
+                  store_.remember(origin, kind, *answer);
+              } else {
+                  closed_.insert(origin + " " + kind);
+              }
+              done(answer.value_or(false));
+          }});
+}
+
+gboolean PagePermissions::requested(WebKitWebView* view, WebKitPermissionRequest* request,
+                                    gpointer self) {
+    const std::string address = textOf(webkit_web_view_get_uri(view));
+    const std::string origin = originOf(address);
+    const auto wish = wishOf(request);
+    if (!wish || origin.empty()) {
+        webkit_permission_request_deny(request);
+        return TRUE;
+    }
+    const std::shared_ptr<WebKitPermissionRequest> kept = keep(request);
+    static_cast<PagePermissions*>(self)->decide(origin, wish->kind,
+                                                hostOf(address) + " wants to " + wish->text + ".",
+                                                [kept](bool isAllowed) {
+                                                    if (isAllowed) {
+                                                        webkit_permission_request_allow(kept.get());
+                                                    } else {
+                                                        webkit_permission_request_deny(kept.get());
+                                                    }
+                                                });
+    return TRUE;
+}
+
+gboolean PagePermissions::queried(WebKitWebView* /*view*/, WebKitPermissionStateQuery* query,
+                                  gpointer self) {
+    const std::string origin = originOf(takeText(webkit_security_origin_to_string(
+        webkit_permission_state_query_get_security_origin(query))));
+    const std::string name = textOf(webkit_permission_state_query_get_name(query));
+    const auto known =
+        static_cast<PagePermissions*>(self)->store_.answer(origin, kindOfQuery(name));
+    // Keeping the screen on harms nobody, and the window shows who does it.
+    const bool isHarmless = name == "screen-wake-lock";
+    webkit_permission_state_query_finish(query, known.value_or(isHarmless)
+                                                    ? WEBKIT_PERMISSION_STATE_GRANTED
+                                                : known ? WEBKIT_PERMISSION_STATE_DENIED
+                                                        : WEBKIT_PERMISSION_STATE_PROMPT);
+    return TRUE;
+}
+
+void PagePermissions::initialize(WebKitWebContext* context, const PermissionStore& store) {
+    GList* allowed = nullptr;
+    GList* refused = nullptr;
+    for (const PermissionStore::Answer& answer : store.list()) {
+        if (answer.kind == notificationKind) {
+            GList*& list = answer.isAllowed ? allowed : refused;
+            list = g_list_prepend(list, webkit_security_origin_new_for_uri(answer.origin.c_str()));
+        }
+    }
+    webkit_web_context_initialize_notification_permissions(context, allowed, refused);
+    for (GList* list : {allowed, refused}) {
+        g_list_free_full(list, [](gpointer origin) {
+            webkit_security_origin_unref(static_cast<WebKitSecurityOrigin*>(origin));
+        });
+    }
+}
+
+} // namespace quorvel

@@ -1,0 +1,118 @@
+#include "WebHost/WebHostModule.h"
+
+#include "LaunchKit/InstanceConfig.h"
+#include "LaunchKit/InstanceLauncher.h"
+#include "LaunchKit/WindowWord.h"
+#include "Platform/desktop/MenuEntry.h"
+#include "Platform/files/UserFolders.h"
+#include "Platform/files/UserPaths.h"
+#include "Platform/processes/ProcessReplacement.h"
+#include "WebHost/SessionBus_linux.h"
+#include "WebHost/WebAddress.h"
+#include "WebHost/WebHost_linux.h"
+
+#include <gtk/gtk.h>
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace quorvel {
+namespace {
+
+constexpr int unavailable = 69; // the runner's status
+
+// Why the window can't be shown, as a sentence.
+class HostError : public Error {
+public:
+    using Error::Error;
+};
+
+std::string quoted(const InstanceConfig& config) {
+    return "“" + config.displayName + "”";
+}
+
+// What the menu shows of the clone, which is not to be seen from the clone's own folders.
+void findMenuEntry(const QuorvelWebHostRequest& request, WebHostOptions& options) {
+    options.desktopId = textOf(request.windowWord) + ".desktop";
+    const auto wrapper =
+        std::filesystem::path(request.configFile).parent_path().parent_path().parent_path();
+    const std::string identity = cloneIdentity(wrapper);
+    for (const PublishedEntry& published : publishedMenuEntries()) {
+        if (published.entry.cloneId == identity) {
+            options.desktopId = published.fileName;
+            options.icon = published.entry.icon;
+        }
+    }
+}
+
+// What the engine and its processes print belongs into the log.
+void printToLog(const std::string& home) {
+    if (const auto log = InstanceLauncher::instanceLogHandle(home)) {
+        (void)::dup2(log->descriptor(), STDOUT_FILENO);
+        (void)::dup2(log->descriptor(), STDERR_FILENO);
+    }
+}
+
+ObjectRef<GDBusConnection> requireBus(const InstanceConfig& config) {
+    ObjectRef<GDBusConnection> bus = connectToSessionBus();
+    if (!bus) {
+        throw HostError(quoted(config) + " needs a session bus, and none answers; install the "
+                                         "package dbus-user-session, and log in again");
+    }
+    return bus;
+}
+
+void requireDisplay(const InstanceConfig& config, const std::string& word) {
+    g_set_prgname(word.c_str());
+    g_set_application_name(config.displayName.c_str());
+    if (gtk_init_check() == FALSE) {
+        throw HostError(quoted(config) + " needs a display, and none can be opened");
+    }
+}
+
+void show(const QuorvelWebHostRequest& request) {
+    const auto config = InstanceConfig::read(request.configFile);
+    if (!config) {
+        throw HostError("no readable configuration at " + textOf(request.configFile));
+    }
+    // All that depends on the user's own folders comes before they are replaced.
+    const StartAddress start = startAddress(config->url);
+    WebHostOptions options{.name = config->displayName,
+                           .homeAddress = start.kind == StartAddress::Case::page ? start.text : "",
+                           .address = textOf(request.address),
+                           .home = WebHome{config->resolvedHome()},
+                           .downloads = userFolder("Downloads", UserPaths::home()),
+                           .listener = request.listener};
+    findMenuEntry(request, options);
+    ::umask(077);
+    options.home.create();
+    const Environment session = currentEnvironment();
+    const Environment environment =
+        webEnvironment(options.home.home, session, config->resolvedEnvironment());
+    const OutsideLinks links(options.home.home, config->links, session, environment);
+    options.links = &links;
+    replaceEnvironment(environment);
+    const ObjectRef<GDBusConnection> bus = requireBus(*config);
+    options.bus = bus.get();
+    requireDisplay(*config, textOf(request.windowWord));
+    printToLog(options.home.home);
+    options.started = [&request] { request.started(request.context); };
+    WebHost(std::move(options)).run();
+}
+
+} // namespace
+} // namespace quorvel
+
+extern "C" __attribute__((visibility("default"))) int
+quorvel_web_host_run(const QuorvelWebHostRequest* request) {
+    if (request->abi != quorvel::webHostAbi) {
+        return quorvel::unavailable; // nothing else of the request is understood
+    }
+    try {
+        quorvel::show(*request);
+        return 0;
+    } catch (const std::exception& error) {
+        request->failed(request->context, error.what());
+        return quorvel::unavailable;
+    }
+}

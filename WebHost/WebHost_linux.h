@@ -1,0 +1,88 @@
+#pragma once
+
+#include "LaunchKit/WebBadge.h"
+#include "WebHost/DockBadge_linux.h"
+#include "WebHost/DownloadList_linux.h"
+#include "WebHost/Handover.h"
+#include "WebHost/HostPage_linux.h"
+#include "WebHost/PageNotices_linux.h"
+#include "WebHost/WebHome.h"
+
+#include <filesystem>
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace quorvel {
+
+/// Everything about a clone that its host needs.
+struct WebHostOptions {
+    std::string name{};
+    std::string homeAddress{}; ///< empty if the clone has none
+    std::string address{};     ///< to open instead; empty for none
+    WebHome home;
+    std::filesystem::path downloads{};
+    std::string desktopId{}; ///< its menu entry's file name
+    std::string icon{};      ///< the entry's
+    int listener = -1;       ///< for handovers
+    GDBusConnection* bus = nullptr;
+    const OutsideLinks* links = nullptr;
+    std::function<void()> started{};
+};
+
+/// Shows a web clone: its window, its pop-ups, and what they do on the desktop.
+class WebHost {
+public:
+    explicit WebHost(WebHostOptions options);
+    WebHost(const WebHost&) = delete;
+    WebHost& operator=(const WebHost&) = delete;
+    ~WebHost();
+
+    /// Shows the window until it is closed, or until SIGTERM, SIGINT or SIGHUP.
+    void run();
+
+private:
+    void openSession();
+    void addBadgeScripts();
+    void addServices();
+    void openMainWindow();
+    [[nodiscard]] DownloadList::Callbacks downloadCallbacks();
+    [[nodiscard]] std::string firstAddress() const;
+    [[nodiscard]] WebKitWebView* openPopup(HostPage& opener);
+    [[nodiscard]] std::vector<std::unique_ptr<HostPage>>::iterator popupWith(WebKitWebView* view);
+    void showPopupTitle(WebKitWebView* view);
+    void closePopup(WebKitWebView* view);
+    /// Returns the number of clicks and key presses in all windows.
+    [[nodiscard]] std::uint64_t gestures() const;
+    void badgeReported(std::int64_t count);
+    void showBadge();
+    void showTitle();
+    void checkSandbox();
+    void handedOver(const WebHandover& handover);
+    void saveState() const;
+    void quit();
+
+    WebHostOptions options_;
+    PermissionStore permissions_;
+    GMainLoop* loop_ = g_main_loop_new(nullptr, FALSE);
+    ObjectRef<WebKitNetworkSession> session_{};
+    ObjectRef<WebKitWebContext> context_{};
+    ObjectRef<WebKitUserContentManager> content_{};
+    ObjectRef<WebKitSettings> settings_{};
+    DockBadge badge_;
+    PageNotices notices_;
+    std::unique_ptr<DownloadList> downloads_{};
+    PageServices services_{};
+    std::unique_ptr<HostPage> main_{};
+    std::vector<std::unique_ptr<HostPage>> popups_{};
+    PopupCap popupCap_{};
+    std::uint64_t closedGestures_ = 0; ///< in windows that are closed
+    WebBadgeState badgeState_{};
+    std::optional<std::int64_t> nextBadge_{}; ///< reported, but not shown yet
+    guint badgeTimer_ = 0;
+    bool isSandboxChecked_ = false;
+    std::vector<guint> sources_{};
+};
+
+} // namespace quorvel

@@ -1,0 +1,69 @@
+"""The web site of the tests: site.py PORT_FILE LOG_FILE. Logs every request as a line."""
+import http.server
+import os
+import sys
+
+# A visitor is known by what the browser keeps of the first visit.
+HOME = """<title>(3) Inbox</title><h1>Site</h1><script>
+const cookie = document.cookie || 'none', kept = localStorage.id || 'none';
+localStorage.id = kept === 'none' ? Math.random() : kept;
+document.cookie = 'id=' + localStorage.id + ';max-age=9999';
+fetch(`/seen?cookie=${cookie}&kept=${kept}&id=${localStorage.id}&webkit=${typeof window.webkit}`);
+</script>"""
+PAGES = {
+    '/': HOME,
+    '/badge': """<title>Chat</title><script>
+(async () => {
+  let refused = '';
+  for (const count of [-1, 1e300, 'x'])
+    await navigator.setAppBadge(count).catch(error => { refused += error.name + ';'; });
+  document.dispatchEvent(new CustomEvent('quorvel-badge', {detail: 1.5}));
+  document.dispatchEvent(new CustomEvent('quorvel-badge', {detail: '99'}));
+  for (let count = 1; count <= 1000; ++count) navigator.setAppBadge(count);
+  await navigator.setAppBadge(7);
+  fetch('/badge-set?refused=' + refused);
+})();</script>""",
+    '/badge-cleared': "<title>(5) Chat</title><script>navigator.clearAppBadge()</script>",
+    '/notice': """<title>Notice</title><script>
+for (let count = 0; count < 20; ++count) new Notification('Hello ' + count, {body: '<b>you</b>'});
+fetch('/notified?' + Notification.permission);</script>""",
+    '/downloads': "<title>Downloads</title><script>location = '/file'</script>",
+    '/crash': "<title>Crash</title><script>fetch('/shown')</script>",
+    '/link': "<title>Link</title><a href='http://localhost:PORT/elsewhere' "
+             "style='position:fixed;inset:0;background:#ccc'>Leave</a>",
+    '/popups': """<title>Popups</title><body style='position:fixed;inset:0;background:#ccc'><script>
+onmessage = event => fetch('/signed-in?' + event.data);
+onclick = () => { let open = 0;
+  for (let count = 0; count < 100; ++count) open += window.open('/sign-in?' + count) ? 1 : 0;
+  fetch('/opened?' + open); };
+</script>""",
+    '/sign-in': "<title>Sign in</title><script>opener.postMessage('as-me', '*');"
+                "fetch('/asked?badge=' + typeof navigator.setAppBadge)</script>",
+}
+
+
+class Site(http.server.BaseHTTPRequestHandler):
+    def do_GET(self):
+        path = self.path.split('?')[0]
+        page = PAGES.get(path, '').replace('PORT', str(self.server.server_port)).encode()
+        if path == '/file':
+            page = b'downloaded'
+        self.send_response(200)
+        self.send_header('Content-Type', 'text/plain' if path == '/file' else 'text/html')
+        if path == '/file':
+            self.send_header('Content-Disposition', 'attachment; filename="../../precious.txt"')
+        self.send_header('Cache-Control', 'no-store')
+        self.send_header('Content-Length', str(len(page)))
+        self.end_headers()
+        self.wfile.write(page)
+
+    def log_message(self, *_):
+        log.write(self.path + '\n')
+
+
+log = open(sys.argv[2], 'a', buffering=1, encoding='utf-8')
+server = http.server.ThreadingHTTPServer(('127.0.0.1', 0), Site)
+with open(sys.argv[1] + '.part', 'w', encoding='utf-8') as file:
+    file.write(str(server.server_port))
+os.rename(sys.argv[1] + '.part', sys.argv[1])
+server.serve_forever()
