@@ -12,7 +12,8 @@ namespace {
 
 using namespace testing;
 
-constexpr int notPossibleHere = 77; // the exit status that says so, for want of a program or a right
+constexpr int notPossibleHere =
+    77; // the exit status that says so, for want of a program or a right
 
 // What the shell says about a window.
 std::string shown(const nlohmann::json& window, const char* key) {

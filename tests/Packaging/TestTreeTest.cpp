@@ -15,7 +15,7 @@ using ::testing::IsEmpty;
 namespace fs = std::filesystem;
 
 constexpr std::array layers{"Base",         "Platform",    "LinkDoor",   "LaunchKit", "ProbeKit",
-                            "Presentation", "CommandLine", "QuorvelApp", "Runner",     "WebHost"};
+                            "Presentation", "CommandLine", "QuorvelApp", "Runner",    "WebHost"};
 
 // "Workspace" for Workspace.h, Workspace_linux.cpp and Workspace_macos.mm.
 std::string stemOf(const fs::path& file) {
