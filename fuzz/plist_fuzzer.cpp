@@ -10,11 +10,11 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const std::string_view bytes(reinterpret_cast<const char*>(data), size);
     const auto dictionary = PropertyList::parseDictionary(bytes);
     // What is left out of the document because nobody asked for it must make no difference.
-    const char* const key = "CFBundleIdentifier";
-    const auto part = PropertyList::parseDictionary(bytes, {key});
+    const char* const wanted = "CFBundleIdentifier";
+    const auto part = PropertyList::parseDictionary(bytes, {wanted});
     if (part.has_value() != dictionary.has_value() ||
         (part &&
-         PropertyList::stringFor(*part, key) != PropertyList::stringFor(*dictionary, key))) {
+         PropertyList::stringFor(*part, wanted) != PropertyList::stringFor(*dictionary, wanted))) {
         std::abort();
     }
     if (!dictionary) {
