@@ -159,7 +159,8 @@ std::optional<std::string> valueOutside(const std::string& cloneHome, const std:
 }
 
 // A clone in which this one is started has a door, too, which would lead outside.
-void leaveOtherClone(const CloneOptions& options, Environment& clone) {
+void leaveOtherClone(const std::optional<fs::path>& door, const CloneOptions& options,
+                     Environment& clone) {
     const std::string other = valueOf(clone, cloneHomeVariable);
     clone.erase(cloneHomeVariable);
     clone.erase(linkHopsVariable);
@@ -169,9 +170,11 @@ void leaveOtherClone(const CloneOptions& options, Environment& clone) {
     if (!options.environment.contains("PATH") && clone.contains("PATH")) {
         clone["PATH"] = withoutFoldersBelow(clone["PATH"], LinkHome(other, clone).programs());
     }
-    const std::string browser = fs::path(valueOf(clone, "BROWSER")).filename();
-    if (options.environment.contains("BROWSER") ||
-        (browser != "xdg-open" && browser != linkDoorName)) {
+    const fs::path browser = valueOf(clone, "BROWSER");
+    // The other clone's door may be that of another installation.
+    const bool leadsToDoor =
+        browser == "xdg-open" || browser == door || browser.filename() == linkDoorName;
+    if (options.environment.contains("BROWSER") || !leadsToDoor) {
         return;
     }
     clone.erase("BROWSER");
@@ -214,7 +217,7 @@ void setUpLinks(const AppBundle& app, const std::string& home, const CloneOption
         const bool staysInside =
             linkRouteOf(app, options, !linksStayInsideClones()) == LinkRoute::inside;
         if (staysInside) {
-            leaveOtherClone(options, clone);
+            leaveOtherClone(door, options, clone);
         }
         if (!door || staysInside) {
             links.takeBack();

@@ -44,13 +44,16 @@ TEST_F(OpeningTest, ACloneWhoseTargetCantStartFailsWithItsRunnersSentence) {
               "quorvelctl open: Not a readable .app bundle: " + app_.string() + "\nFAILED 1\n");
 }
 
-TEST_F(OpeningTest, AWebCloneFailsUntilThereIsAHostForIt) {
+TEST_F(OpeningTest, AWebCloneFailsWithoutItsHost) {
     quorvelctl_.run({"create", "--kind", "web", "--url", "https://example.com", "--name", "Site"});
     EXPECT_EQ(failureOf({"open", "Site"}),
-              "quorvelctl open: the web host for “Site” is not installed\nFAILED 1\n");
+              "quorvelctl open: the web host for “Site” is not installed; on Linux, the packages "
+              "quorvel and libwebkitgtk-6.0-4 contain it\nFAILED 1\n");
     EXPECT_THAT(failureOf({"create", "--kind", "web", "--url", "https://example.com", "--name",
                            "Site 2", "--launch"}),
-                HasSubstr("the web host for “Site 2” is not installed\nFAILED 1\n"));
+                HasSubstr("the web host for “Site 2” is not installed; on Linux, the packages "
+                          "quorvel and libwebkitgtk-6.0-4 contain it\nFAILED 1\n"));
+    EXPECT_THAT(quorvelctl_.log("Site"), HasSubstr("is not installed"));
 }
 
 TEST_F(OpeningTest, ACloneWhoseTargetOutlivedItsRunnerIsNotStartedTwice) {

@@ -52,14 +52,5 @@ TEST(ScriptsAndFilesTest, FileCloneOpensAFileThroughTheDesktopsOpener) {
         << read(quorvelctl.home / "opened");
 }
 
-TEST(ScriptsAndFilesTest, WebCloneSaysThatTheWebHostIsNotInstalled) {
-    QuorvelctlInAHome quorvelctl;
-    const std::string outcome = quorvelctl.outcomeOf(
-        {"create", "--kind", "web", "--name", "Mail", "--url", "https://mail.test/", "--launch"});
-    EXPECT_NE(outcome.find("the web host for “Mail” is not installed\nFAILED 1"), std::string::npos)
-        << outcome;
-    EXPECT_NE(quorvelctl.log("Mail").find("is not installed"), std::string::npos);
-}
-
 } // namespace
 } // namespace quorvel

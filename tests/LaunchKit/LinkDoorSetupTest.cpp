@@ -245,6 +245,9 @@ TEST_F(LinkDoorSetupTestInAClone, KeepsItsLinksInsideIfThatIsItsOwnSetting) {
     EXPECT_THAT(second, Not(Contains(Key(cloneHomeVariable))));
     EXPECT_THAT(second, Not(Contains(Key(linkHopsVariable))));
 
+    first["BROWSER"] = "/opt/older/libexec/quorvel-link-door";
+    EXPECT_THAT(setUpInside(first), Contains(Pair("BROWSER", "firefox")))
+        << "another installation's door";
     fs::remove(linkSessionFile(home));
     EXPECT_THAT(setUpInside(first), Not(Contains(Key("BROWSER"))));
     first["BROWSER"] = "another";

@@ -67,6 +67,13 @@ protected:
         return waitUntil([&] { return numberIn(at("child")) > 0; });
     }
 
+    // The runner is the child's parent once the target, which started it, has ended.
+    [[nodiscard]] bool isAdoptedBy(const Process& runner) const {
+        const std::string stat = "/proc/" + std::to_string(numberIn(at("child"))) + "/stat";
+        const std::string parent = " " + std::to_string(runner.identifier()) + " ";
+        return waitUntil([&] { return read(stat).find(parent) != std::string::npos; });
+    }
+
     // Returns the status of a runner that should end by itself, or -1 if it does not.
     [[nodiscard]] int statusOf(const fs::path& bundle) const {
         Process runner = start(bundle);
@@ -158,11 +165,7 @@ TEST_F(OneTargetTest, ARunnerStaysUntilWhatDetachedItselfHasEndedToo) {
     const fs::path bundle = wrapper(scripted(detached("sleep 600 30>&-") + "; exit 7"));
     Process runner = start(bundle);
     ASSERT_TRUE(childRuns());
-    const std::string stat = "/proc/" + std::to_string(numberIn(at("child"))) + "/stat";
-    EXPECT_TRUE(waitUntil([&] {
-        return read(stat).find(" " + std::to_string(runner.identifier()) + " ") !=
-               std::string::npos;
-    })) << "the runner is its parent";
+    EXPECT_TRUE(isAdoptedBy(runner));
     EXPECT_TRUE(runner.isRunning());
     EXPECT_EQ(statusOf(bundle), 75) << "the home is still used";
     ASSERT_TRUE(ends(numberIn(at("child"))));
@@ -183,6 +186,7 @@ TEST_F(OneTargetTest, WhatDetachedItselfIsStoppedAfterTheTarget) {
     const fs::path bundle = wrapper(scripted(detached("sleep 600")));
     Process runner = start(bundle);
     ASSERT_TRUE(childRuns());
+    ASSERT_TRUE(isAdoptedBy(runner)) << "the target has ended";
     runner.sendSignal(SIGHUP);
     EXPECT_EQ(runner.waitUntilExit(), 0);
     EXPECT_FALSE(fs::exists("/proc/" + std::to_string(numberIn(at("child"))) + "/exe"));

@@ -19,9 +19,9 @@ using ::testing::HasSubstr;
 using ::testing::Not;
 namespace fs = std::filesystem;
 
-class HandoverTest : public RunnerFixture {
+class SecondStartTest : public RunnerFixture {
 protected:
-    ~HandoverTest() override {
+    ~SecondStartTest() override {
         // By their home, since a number may belong to another process by now.
         for (const ProcessIdentity& process : processesWithHome(cloneHome().string())) {
             ::kill(process.pid, SIGKILL);
@@ -64,7 +64,7 @@ protected:
     DesktopApps apps_;
 };
 
-TEST_F(HandoverTest, TheRunningApplicationTakesALink) {
+TEST_F(SecondStartTest, TheRunningApplicationTakesALink) {
     const fs::path clone = cloneOfBrowser("exit 0");
     Process runner = start(clone);
     ASSERT_TRUE(runs("first"));
@@ -76,7 +76,7 @@ TEST_F(HandoverTest, TheRunningApplicationTakesALink) {
     runner.waitUntilExit();
 }
 
-TEST_F(HandoverTest, ASecondStartThatFindsTheFirstEndingBecomesTheClone) {
+TEST_F(SecondStartTest, ASecondStartThatFindsTheFirstEndingBecomesTheClone) {
     const fs::path clone = cloneOfBrowser("exec /bin/sleep 600");
     Process first = start(clone);
     ASSERT_TRUE(runs("first"));
@@ -95,7 +95,7 @@ TEST_F(HandoverTest, ASecondStartThatFindsTheFirstEndingBecomesTheClone) {
     EXPECT_TRUE(waitUntil([&] { return !isHomeLocked(); }));
 }
 
-TEST_F(HandoverTest, ItsRunnerEndsWithIt) {
+TEST_F(SecondStartTest, ItsRunnerEndsWithIt) {
     const fs::path clone = cloneOfBrowser("exec /bin/sleep 600");
     Process first = start(clone);
     ASSERT_TRUE(runs("first"));
@@ -109,7 +109,7 @@ TEST_F(HandoverTest, ItsRunnerEndsWithIt) {
     EXPECT_FALSE(isHomeLocked());
 }
 
-TEST_F(HandoverTest, ASecondStartThatOnlyWaitsIsEnded) {
+TEST_F(SecondStartTest, ASecondStartThatOnlyWaitsIsEnded) {
     const fs::path clone = cloneOfBrowser("exec /bin/sleep 600");
     Process first = start(clone);
     ASSERT_TRUE(runs("first"));
@@ -122,7 +122,7 @@ TEST_F(HandoverTest, ASecondStartThatOnlyWaitsIsEnded) {
     first.waitUntilExit();
 }
 
-TEST_F(HandoverTest, WhatTakesOneDocumentSaysHowManyOthersWereLeftOut) {
+TEST_F(SecondStartTest, WhatTakesOneDocumentSaysHowManyOthersWereLeftOut) {
     apps_.addScript("viewer", "echo \"$@\"");
     InstanceConfig config = configOf(ShortcutKind::app);
     config.targetAppPath = apps_.addEntry("viewer", "viewer %f");
@@ -136,7 +136,7 @@ TEST_F(HandoverTest, WhatTakesOneDocumentSaysHowManyOthersWereLeftOut) {
 }
 
 // A target that is read twice could be another one the second time.
-TEST_F(HandoverTest, AStartReadsItsTargetOnce) {
+TEST_F(SecondStartTest, AStartReadsItsTargetOnce) {
     apps_.addScript("fox", "exit 0");
     InstanceConfig config = configOf(ShortcutKind::app);
     config.targetAppPath = apps_.addEntry("fox", "fox");
