@@ -45,8 +45,8 @@ _quorvelctl_unquote() {
         [[ ${text:index+1} =~ $spelling ]] || { typed+=$; continue; }
         # The shell's editor takes such a quote for the end.
         [[ ${BASH_REMATCH[1]} != *"\\'"* ]] || { quote="'"; return; }
-        _quorvelctl_spell "${BASH_REMATCH[1]}"
         ((index += ${#BASH_REMATCH[0]}))
+        _quorvelctl_spell "${BASH_REMATCH[1]}"
         ;;
       "'" | '"') quote=$character ;;
       "''" | '""') quote='' ;;
