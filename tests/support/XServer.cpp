@@ -40,6 +40,19 @@ bool windowManagerRuns() {
     return !count.empty() && count != "0\n";
 }
 
+bool isAnyWindowManaged() {
+    Process::Options options;
+    options.executable = "/usr/bin/xprop";
+    options.arguments = {"-root", "_NET_CLIENT_LIST"};
+    return Process::capture(options, 4096).find("0x") != std::string::npos;
+}
+
+// Openbox misses a window that appears at a certain moment of its start.
+bool managesNewWindows(const fs::path& note) {
+    const BackgroundProgram window(QUORVEL_X11_WINDOW, {note.string(), "Trial"});
+    return waitUntil(isAnyWindowManaged, std::chrono::seconds(1));
+}
+
 } // namespace
 
 BackgroundProgram::BackgroundProgram(const std::string& program, std::vector<std::string> arguments)
@@ -53,7 +66,8 @@ BackgroundProgram::~BackgroundProgram() {
 std::vector<std::string> XServer::missingPrograms(const std::string& windowManager) {
     std::vector<std::string> missing;
     for (const std::string& program :
-         {std::string(serverProgram), programOf(windowManager), std::string("/usr/bin/xdotool")}) {
+         {std::string(serverProgram), programOf(windowManager), std::string("/usr/bin/xdotool"),
+          std::string("/usr/bin/xprop")}) {
         if (!fs::exists(program)) {
             missing.push_back(program);
         }
@@ -77,7 +91,9 @@ XServer::XServer(const std::string& windowManager) {
     const std::string number = read(numberFile);
     display_.emplace("DISPLAY", ":" + number.substr(0, number.size() - 1));
     windowManager_.emplace(programOf(windowManager), withoutSession(windowManager));
-    if (!waitUntil(windowManagerRuns, longestStart)) {
+    if (!waitUntil(windowManagerRuns, longestStart) ||
+        !waitUntil([&] { return managesNewWindows(folder_ / "trial"); }, longestStart) ||
+        !waitUntil([] { return !isAnyWindowManaged(); }, longestStart)) {
         throw std::runtime_error("the window manager does not come up");
     }
 }
