@@ -2,6 +2,7 @@
 
 #include "Base/TerminalText.h"
 #include "WebHost/GtkTypes_linux.h"
+#include "WebHost/PageText.h"
 #include "WebHost/WebAddress.h"
 
 #include <memory>
@@ -44,7 +45,12 @@ void answered(GtkDialog* widget, int response, gpointer data) {
 
 } // namespace
 
-PageDialogs::PageDialogs(WebKitWebView* view, GtkWindow* window) : view_(view), window_(window) {
+PageDialogs::PageDialogs(WebKitWebView* view, GtkWindow* window, const ShownAddress& shown,
+                         Callbacks callbacks)
+    : view_(view),
+      window_(window),
+      shown_(shown),
+      callbacks_(std::move(callbacks)) {
     onSignal(view, "script-dialog", opened, this);
 }
 
@@ -56,9 +62,11 @@ gboolean PageDialogs::opened(WebKitWebView* /*view*/, WebKitScriptDialog* dialog
     auto& dialogs = *static_cast<PageDialogs*>(self);
     if (webkit_script_dialog_get_dialog_type(dialog) ==
         WEBKIT_SCRIPT_DIALOG_BEFORE_UNLOAD_CONFIRM) {
-        return FALSE; // the engine's own contains no text of the page
+        dialogs.callbacks_.leavingAsked();
+        return FALSE; // the engine asks, in words of its own
     }
     if (dialogs.cap_.admits()) {
+        dialogs.callbacks_.shown();
         dialogs.show(dialog);
     }
     return TRUE;
@@ -66,12 +74,13 @@ gboolean PageDialogs::opened(WebKitWebView* /*view*/, WebKitScriptDialog* dialog
 
 void PageDialogs::show(WebKitScriptDialog* dialog) {
     const bool asks = webkit_script_dialog_get_dialog_type(dialog) != WEBKIT_SCRIPT_DIALOG_ALERT;
-    const std::string host = hostOf(textOf(webkit_web_view_get_uri(view_)));
+    const std::string host = hostOf(shown_.text());
     const std::string text =
-        withoutUnsafe(textOf(webkit_script_dialog_get_message(dialog)), longestDialogText);
+        pageText(textOf(webkit_script_dialog_get_message(dialog)), longestDialogText);
     GtkWidget* const widget = gtk_message_dialog_new(
         window_, static_cast<GtkDialogFlags>(GTK_DIALOG_MODAL | GTK_DIALOG_DESTROY_WITH_PARENT),
-        GTK_MESSAGE_OTHER, GTK_BUTTONS_NONE, "%s", (host + " says").c_str());
+        GTK_MESSAGE_OTHER, GTK_BUTTONS_NONE, "%s",
+        (host.empty() ? "This page says" : host + " says").c_str());
     gtk_message_dialog_format_secondary_text(GTK_MESSAGE_DIALOG(widget), "%s", text.c_str());
     if (cap_.offersToStop()) {
         gtk_dialog_add_button(GTK_DIALOG(widget), "Stop Dialogs from This Page", stopping);
