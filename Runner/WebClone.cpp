@@ -105,8 +105,9 @@ int show(const WebCloneStart& start, const std::filesystem::path& module, const 
     request.context = &reporting;
     request.started = reportStart;
     request.failed = reportFailure;
+    using Run = QuorvelWebHostRun;
     const int status =
-        reinterpret_cast<QuorvelWebHostRun>(loaded.function)(&request); // NOLINT: as dlsym has it
+        reinterpret_cast<Run>(loaded.function)(&request); // NOLINT: as the loader has it
     if (status == runnerUnavailable && !reporting.hasFailed) {
         return fail(start, report,
                     {quoted(start.config) + " was made by another version of Quorvel than the web "
@@ -118,8 +119,8 @@ int show(const WebCloneStart& start, const std::filesystem::path& module, const 
 
 // Returns whether a process that shows the clone already has taken over.
 bool handedOver(const WebCloneStart& start, const StartReport& report, Clock::duration patience) {
-    const Handover handover{start.addresses.empty() ? "" : start.addresses.front(),
-                            activationToken()};
+    const WebHandover handover{start.addresses.empty() ? "" : start.addresses.front(),
+                               activationToken()};
     const bool isTaken = sendHandover(start.config.resolvedHome(), handover,
                                       std::chrono::ceil<std::chrono::milliseconds>(std::max(
                                           patience, Clock::duration(std::chrono::seconds(1)))));

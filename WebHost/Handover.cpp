@@ -10,11 +10,11 @@ constexpr const char* socketName = ".quorvel-web-socket";
 
 } // namespace
 
-std::string Handover::text() const {
+std::string WebHandover::text() const {
     return address + "\n" + token + "\n";
 }
 
-std::optional<Handover> Handover::parse(std::string_view text) {
+std::optional<WebHandover> WebHandover::parse(std::string_view text) {
     const std::size_t first = text.find('\n');
     if (first == std::string_view::npos || text.size() > longestHandover) {
         return std::nullopt;
@@ -23,8 +23,8 @@ std::optional<Handover> Handover::parse(std::string_view text) {
     if (rest.empty() || rest.find('\n') != rest.size() - 1) {
         return std::nullopt;
     }
-    Handover handover{std::string(text.substr(0, first)),
-                      std::string(rest.substr(0, rest.size() - 1))};
+    WebHandover handover{std::string(text.substr(0, first)),
+                         std::string(rest.substr(0, rest.size() - 1))};
     const bool isGood =
         handover.address.empty() ||
         startAddress(handover.address) == StartAddress{StartAddress::Case::page, handover.address};
@@ -35,7 +35,7 @@ FileHandle listenForHandovers(const std::string& home) {
     return LocalSocket::listenIn(home, socketName);
 }
 
-bool sendHandover(const std::string& home, const Handover& handover,
+bool sendHandover(const std::string& home, const WebHandover& handover,
                   std::chrono::milliseconds patience) {
     return LocalSocket::ask(home, socketName, handover.text(), patience) == "1";
 }

@@ -12,17 +12,17 @@
 namespace quorvel {
 
 /// What the second one passes on.
-struct Handover {
+struct WebHandover {
     std::string address{}; ///< empty: only show the window
     std::string token{};   ///< with which the desktop lets the window come to the front, or empty
 
-    bool operator==(const Handover&) const = default;
+    bool operator==(const WebHandover&) const = default;
 
     /// Returns the form in which it is sent.
     [[nodiscard]] std::string text() const;
     /// Returns what was sent; std::nullopt if it is not in that form, or the address is not a web
     /// address.
-    [[nodiscard]] static std::optional<Handover> parse(std::string_view text);
+    [[nodiscard]] static std::optional<WebHandover> parse(std::string_view text);
 };
 
 /// The longest text of a handover, in bytes.
@@ -34,7 +34,7 @@ inline constexpr std::size_t longestHandover = std::size_t{64} << 10U;
 
 /// Passes it to the clone that runs in the data folder. Returns whether that has taken it within
 /// `patience`.
-[[nodiscard]] bool sendHandover(const std::string& home, const Handover& handover,
+[[nodiscard]] bool sendHandover(const std::string& home, const WebHandover& handover,
                                 std::chrono::milliseconds patience);
 
 } // namespace quorvel

@@ -14,7 +14,7 @@ constexpr std::size_t mostClients = 16;
 
 } // namespace
 
-HandoverService::HandoverService(int listener, std::function<void(const Handover&)> taken)
+HandoverService::HandoverService(int listener, std::function<void(const WebHandover&)> taken)
     : taken_(std::move(taken)) {
     if (listener >= 0) {
         source_ = g_unix_fd_add(listener, G_IO_IN, arrived, this);
@@ -53,7 +53,7 @@ gboolean HandoverService::sent(int socket, GIOCondition /*condition*/, gpointer 
         client.text.append(part.data(), static_cast<std::size_t>(count));
         return G_SOURCE_CONTINUE;
     }
-    const auto handover = count == 0 ? Handover::parse(client.text) : std::nullopt;
+    const auto handover = count == 0 ? WebHandover::parse(client.text) : std::nullopt;
     if (handover) {
         (void)::send(socket, "1", 1, MSG_NOSIGNAL);
     }

@@ -14,7 +14,7 @@ namespace quorvel {
 class HandoverService {
 public:
     /// `listener` is the socket, or -1.
-    HandoverService(int listener, std::function<void(const Handover&)> taken);
+    HandoverService(int listener, std::function<void(const WebHandover&)> taken);
     HandoverService(const HandoverService&) = delete;
     HandoverService& operator=(const HandoverService&) = delete;
     ~HandoverService();
@@ -29,7 +29,7 @@ private:
     static gboolean arrived(int listener, GIOCondition condition, gpointer self);
     static gboolean sent(int socket, GIOCondition condition, gpointer self);
 
-    std::function<void(const Handover&)> taken_;
+    std::function<void(const WebHandover&)> taken_;
     guint source_ = 0;
     std::map<int, Client> clients_{};
 };

@@ -299,7 +299,7 @@ void WebHost::checkSandbox() {
     }
 }
 
-void WebHost::handedOver(const Handover& handover) {
+void WebHost::handedOver(const WebHandover& handover) {
     if (!handover.address.empty()) {
         main_->load(handover.address);
     }
@@ -346,7 +346,7 @@ void WebHost::run() {
         sources_.push_back(g_unix_signal_add(signal, stop, this));
     }
     HandoverService handovers(options_.listener,
-                              [this](const Handover& handover) { handedOver(handover); });
+                              [this](const WebHandover& handover) { handedOver(handover); });
     const ColorSchemeFollower scheme(options_.bus);
     main_->window().show();
     options_.started();

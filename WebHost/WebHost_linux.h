@@ -60,7 +60,7 @@ private:
     void titleChanged();
     void showTitle();
     void checkSandbox();
-    void handedOver(const Handover& handover);
+    void handedOver(const WebHandover& handover);
     void saveState() const;
     /// Quits, unless the user wants to stay.
     void leave();

@@ -29,10 +29,6 @@ using Clock = std::chrono::steady_clock;
 
 constexpr auto longest = 60s; // of a machine that is busy
 
-bool isGone(pid_t process) {
-    return ::kill(process, 0) != 0;
-}
-
 // A user with a site of their own.
 class WebClonesTest : public ::testing::Test {
 protected:
@@ -42,6 +38,10 @@ protected:
         }
         ASSERT_FALSE(fs::exists("/.flatpak-info")) << "it switches the sandbox off";
         session.emplace();
+        if (session->run({"/usr/bin/bwrap", "--unshare-user", "--unshare-pid", "--ro-bind", "/",
+                          "/", "/bin/true"}) != 0) {
+            GTEST_SKIP() << "this machine has no sandboxes for ordinary users";
+        }
         session->environment["QUORVEL_WEB_HOST"] = QUORVEL_WEB_HOST;
         session->environment["QUORVEL_LINK_DOOR"] = QUORVEL_LINK_DOOR;
         // Compiling shaders without a graphics card takes seconds.
@@ -101,7 +101,7 @@ protected:
         const pid_t runner = process(name);
         const auto begin = Clock::now();
         ::kill(runner, SIGTERM);
-        EXPECT_TRUE(waitUntil([&] { return isGone(runner); }, longest));
+        EXPECT_TRUE(waitUntil([&] { return process(name) != runner; }, longest));
         return std::chrono::duration_cast<std::chrono::milliseconds>(Clock::now() - begin);
     }
 
@@ -224,7 +224,7 @@ TEST_F(WebClonesTest, TwoClonesOfOneSiteShareNothingAndLoseNothing) {
     }
     EXPECT_EQ(pagesProcesses().size(), 2U);
     for (const char* name : {"Work", "Play"}) {
-        EXPECT_LE(end(name), 5s);
+        EXPECT_LE(end(name), 2s);
         EXPECT_THAT(openToOthers(data(name)), IsEmpty());
         EXPECT_THAT(log(name), Not(HasSubstr("sandbox")));
     }

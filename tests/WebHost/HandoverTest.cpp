@@ -37,9 +37,10 @@ std::string takeOne(const FileHandle& listener) {
 }
 
 TEST(HandoverTest, IsReadAsItWasWritten) {
-    for (const Handover& handover :
-         {Handover{}, Handover{"https://example.com/a?b=c", "token-1"}, Handover{"", "token"}}) {
-        EXPECT_EQ(Handover::parse(handover.text()), handover);
+    for (const WebHandover& handover :
+         {WebHandover{}, WebHandover{"https://example.com/a?b=c", "token-1"},
+          WebHandover{"", "token"}}) {
+        EXPECT_EQ(WebHandover::parse(handover.text()), handover);
     }
 }
 
@@ -47,16 +48,16 @@ TEST(HandoverTest, AnythingElseIsRefused) {
     for (const char* text : {"", "\n", "\n\n\n", "https://example.com/", "https://example.com/\n",
                              "file:///etc/passwd\n\n", "javascript:alert(1)\n\n", "example.com\n\n",
                              "https://example.com/\nt\nmore\n"}) {
-        EXPECT_EQ(Handover::parse(text), std::nullopt) << text;
+        EXPECT_EQ(WebHandover::parse(text), std::nullopt) << text;
     }
-    EXPECT_EQ(Handover::parse("\n" + std::string(longestHandover, 'x') + "\n"), std::nullopt);
+    EXPECT_EQ(WebHandover::parse("\n" + std::string(longestHandover, 'x') + "\n"), std::nullopt);
 }
 
 TEST(HandoverTest, ReachesWhoListensInAHomeWithAnyPath) {
     const TemporaryFolder folder;
     const fs::path home = folder / std::string(200, 'h');
     fs::create_directory(home);
-    const Handover handover{"https://example.com/" + std::string(20'000, 'x'), "token"};
+    const WebHandover handover{"https://example.com/" + std::string(20'000, 'x'), "token"};
     EXPECT_FALSE(sendHandover(home, handover, 1s)) << "nobody listens";
     {
         const FileHandle listener = listenForHandovers(home);

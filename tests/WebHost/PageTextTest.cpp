@@ -15,7 +15,7 @@ TEST(PageTextTest, UnsafeCharactersGo) {
 }
 
 TEST(PageTextTest, AllLinesTogetherAreNoLongerThanTheLimit) {
-    EXPECT_EQ(pageText("abc\ndefgh", 6), "abc\nd…");
+    EXPECT_EQ(pageText("abc\ndefgh", 6), "abc\nde…");
     EXPECT_EQ(pageText("äöü\nä", 5), "äöü\nä");
     EXPECT_EQ(pageText(std::string(1000, '\n'), 5), "\n\n\n\n\n…");
 }
