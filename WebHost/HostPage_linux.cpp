@@ -1,5 +1,6 @@
 #include "WebHost/HostPage_linux.h"
 
+#include "WebHost/BadgeScript.h"
 #include "WebHost/GtkTypes_linux.h"
 #include "WebHost/StatusPages.h"
 #include "WebHost/WebAddress.h"
@@ -274,6 +275,10 @@ void HostPage::committed() {
     if (visit_.begins(hostOf(address()), window_.gestures())) {
         dialogs_.reset();
         questions_.reset();
+    }
+    if (!isPopup()) {
+        webkit_web_view_evaluate_javascript(view_, badgeMainScript, -1, badgeWorld, nullptr,
+                                            nullptr, nullptr, nullptr);
     }
     callbacks_.titleChanged();
 }

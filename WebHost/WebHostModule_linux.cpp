@@ -31,7 +31,7 @@ std::string quoted(const InstanceConfig& config) {
     return "“" + config.displayName + "”";
 }
 
-// What the menu shows of the clone, which is not to be seen from the clone's own folders.
+// What the menu shows of the clone, which can't be found from the clone's own folders.
 void findMenuEntry(const QuorvelWebHostRequest& request, WebHostOptions& options) {
     options.desktopId = textOf(request.windowWord) + ".desktop";
     const auto wrapper =

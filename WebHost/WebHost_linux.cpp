@@ -204,11 +204,9 @@ WebKitWebView* WebHost::openPopup(HostPage& opener) {
     if (!popupCap_.admits(gestures(), popups_.size())) {
         return nullptr;
     }
-    // It would not inherit the settings, and must not have the scripts for the badge.
-    const ObjectRef<WebKitUserContentManager> content(webkit_user_content_manager_new());
-    auto* const view = WEBKIT_WEB_VIEW(
-        g_object_new(WEBKIT_TYPE_WEB_VIEW, "related-view", opener.view(), "user-content-manager",
-                     content.get(), "settings", settings_.get(), nullptr));
+    // It would not inherit the settings.
+    auto* const view = WEBKIT_WEB_VIEW(g_object_new(
+        WEBKIT_TYPE_WEB_VIEW, "related-view", opener.view(), "settings", settings_.get(), nullptr));
     WindowState state;
     state.width = 640;
     state.height = 720;
@@ -318,16 +316,15 @@ void WebHost::leave() {
         return;
     }
     main_->window().present("");
-    isLeavingAsked_ =
-        isLeavingAsked_ ||
-        main_->window().ask({"Files are being downloaded.", "Cancel Them and Quit",
-                             "Keep Downloading", [this](std::optional<bool> isMeant) {
-                                 isLeavingAsked_ = false;
-                                 if (isMeant == true) {
-                                     downloads_->cancelAll();
-                                     main_->close();
-                                 }
-                             }});
+    isLeavingAsked_ = isLeavingAsked_ ||
+                      main_->window().ask({"Files are being downloaded.", "Cancel Them and Quit",
+                                           "Keep Downloading", [this](std::optional<bool> isMeant) {
+                                               isLeavingAsked_ = false;
+                                               if (isMeant == true) {
+                                                   downloads_->cancelAll();
+                                                   main_->close();
+                                               }
+                                           }});
 }
 
 void WebHost::quit() {
