@@ -42,7 +42,7 @@ onclick = () => { let open = 0;
     '/opens-slow': """<title>Opens</title><body style='position:fixed;inset:0;background:#ccc'>
 <script>onclick = () => { window.open('/slow'); };</script>""",
     '/slow': """<title>Slow</title><script>
-location = 'http://localhost:PORT/never-answers';
+location = '/redirect-to-slow';
 setTimeout(() => { document.title = 'Still here'; setTimeout(() => alert('I'), 0); }, 1000);
 </script>""",
     '/redirecting': "<title>Redirecting</title><a href='/redirect' "
@@ -67,14 +67,17 @@ const timer = setInterval(() => {
     '/sign-in': "<title>Sign in</title><script>opener.postMessage('as-me', '*');"
                 "fetch('/asked?badge=' + typeof navigator.setAppBadge)</script>",
 }
+REDIRECTS = {'/redirect': '/elsewhere', '/redirect-to-slow': '/never-answers'}
 
 
 class Site(http.server.BaseHTTPRequestHandler):
     def do_GET(self):
         path = self.path.split('?')[0]
-        if path == '/redirect':
-            self.send_response(302)
-            self.send_header('Location', f'http://localhost:{self.server.server_port}/elsewhere')
+        if path in REDIRECTS:
+            self.log_message()
+            self.send_response_only(302)
+            port = self.server.server_port
+            self.send_header('Location', f'http://localhost:{port}{REDIRECTS[path]}')
             self.send_header('Content-Length', '0')
             self.end_headers()
             return
