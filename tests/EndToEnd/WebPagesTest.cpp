@@ -1,6 +1,4 @@
 // What pages of web clones may do, with the real engine.
-#include "Platform/processes/LoadedModule.h"
-#include "WebHost/WebHostModule.h"
 #include "tests/EndToEnd/WebCloneFixture.h"
 
 #include <gmock/gmock.h>
@@ -100,16 +98,6 @@ TEST_F(WebPagesTest, PagesWithoutASandboxAreReportedInTheLog) {
     EXPECT_TRUE(waitUntil(
         [&] { return log("Work").find("pages run without their sandbox\n") != std::string::npos; },
         longestWait));
-}
-
-TEST(WebHostModuleTest, ARequestOfAnotherVersionIsRefused) {
-    const LoadedModule module = loadModule(QUORVEL_WEB_HOST, webHostFunction);
-    ASSERT_NE(module.function, nullptr) << module.problem;
-    QuorvelWebHostRequest request{};
-    request.abi = webHostAbi + 1;
-    EXPECT_EQ(reinterpret_cast<QuorvelWebHostRun>(module.function)(&request), 69);
-    EXPECT_EQ(loadModule("quorvel-web-host.so", webHostFunction).problem,
-              "its path is not absolute");
 }
 
 } // namespace
