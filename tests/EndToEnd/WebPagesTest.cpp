@@ -1,15 +1,10 @@
 // What pages of web clones may do, with the real engine.
 #include "tests/EndToEnd/WebCloneFixture.h"
 
-#include <gmock/gmock.h>
-
 namespace quorvel {
 namespace {
 
 using namespace testing;
-using namespace std::chrono_literals;
-using ::testing::HasSubstr;
-using ::testing::Not;
 namespace fs = std::filesystem;
 
 class WebPagesTest : public WebCloneFixture {
