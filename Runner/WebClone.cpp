@@ -8,17 +8,24 @@
 #include "Runner/RunnerMessages.h"
 #include "WebHost/Handover.h"
 #include "WebHost/WebAddress.h"
+#include "WebHost/WebHome.h"
 #include "WebHost/WebHostModule.h"
 
+#include <algorithm>
+#include <chrono>
 #include <cstdlib>
+#include <thread>
 
 namespace quorvel {
 namespace {
+
+using Clock = std::chrono::steady_clock;
 
 // What the module's functions are given.
 struct Reporting {
     const InstanceConfig& config;
     const StartReport& report;
+    bool hasFailed = false;
 };
 
 void reportStart(void* context) {
@@ -26,7 +33,8 @@ void reportStart(void* context) {
 }
 
 void reportFailure(void* context, const char* sentence) {
-    const auto& reporting = *static_cast<Reporting*>(context);
+    auto& reporting = *static_cast<Reporting*>(context);
+    reporting.hasFailed = true;
     addToLog(reporting.config, sentence);
     (void)failWith(reporting.report, sentence, runnerUnavailable);
 }
@@ -98,14 +106,60 @@ int show(const WebCloneStart& start, const std::filesystem::path& module, const 
     request.started = reportStart;
     request.failed = reportFailure;
     using Run = QuorvelWebHostRun;
-    return reinterpret_cast<Run>(loaded.function)(&request); // NOLINT: as the loader has it
+    const int status =
+        reinterpret_cast<Run>(loaded.function)(&request); // NOLINT: as the loader has it
+    if (status == runnerUnavailable && !reporting.hasFailed) {
+        return fail(start, report,
+                    {quoted(start.config) + " was made by another version of Quorvel than the web "
+                                            "host that is installed; create it again",
+                     runnerUnavailable});
+    }
+    return status;
+}
+
+// Returns whether a process that shows the clone already has taken over.
+bool handedOver(const WebCloneStart& start, const StartReport& report, Clock::duration patience) {
+    const WebHandover handover{start.addresses.empty() ? "" : start.addresses.front(),
+                               activationToken()};
+    const bool isTaken = sendHandover(start.config.resolvedHome(), handover,
+                                      std::chrono::ceil<std::chrono::milliseconds>(std::max(
+                                          patience, Clock::duration(std::chrono::seconds(1)))));
+    if (isTaken) {
+        report.started();
+    }
+    return isTaken;
+}
+
+// Shows the clone here or there. One that holds the folder may just be starting or ending, and then
+// doesn't answer.
+int showOnce(const WebCloneStart& start, const std::filesystem::path& module,
+             const StartReport& report, const SignalForwarder& signals) {
+    constexpr std::chrono::seconds patience{15};
+    constexpr std::chrono::milliseconds pause{50};
+    const auto deadline = Clock::now() + patience;
+    while (true) {
+        try {
+            const std::optional<FileLock> lock = lockHome(start.config);
+            // Without locks, only its answer tells that there is another one.
+            return !lock && handedOver(start, report, patience)
+                       ? 0
+                       : show(start, module, report, signals);
+        } catch (const HomeInUse& error) {
+            if (handedOver(start, report, deadline - Clock::now())) {
+                return 0;
+            }
+            if (Clock::now() >= deadline) {
+                return fail(start, report, {error.what(), runnerHomeInUse});
+            }
+        }
+        std::this_thread::sleep_for(pause);
+    }
 }
 
 } // namespace
 
 int runWebClone(const WebCloneStart& start, const StartReport& report,
                 const SignalForwarder& signals) {
-    constexpr std::chrono::seconds patience{15}; // with one that is just starting
     if (const auto refusal = addressRefusal(start)) {
         return fail(start, report, *refusal);
     }
@@ -118,16 +172,8 @@ int runWebClone(const WebCloneStart& start, const StartReport& report,
                      runnerUnavailable});
     }
     try {
-        const std::optional<FileLock> lock = lockHome(start.config);
-        return show(start, *module, report, signals);
-    } catch (const HomeInUse& error) {
-        const WebHandover handover{start.addresses.empty() ? "" : start.addresses.front(),
-                                   activationToken()};
-        if (sendHandover(start.config.resolvedHome(), handover, patience)) {
-            report.started();
-            return 0;
-        }
-        return fail(start, report, {error.what(), runnerHomeInUse});
+        WebHome{start.config.resolvedHome()}.createHome();
+        return showOnce(start, *module, report, signals);
     } catch (const PlatformError& error) {
         return fail(start, report, {error.what(), runnerCannotStart});
     }

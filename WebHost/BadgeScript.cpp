@@ -4,7 +4,8 @@
 
 namespace quorvel {
 
-// Windows that pages open get the same scripts, but have no badge: they may be anybody's.
+// Windows that pages open get the same scripts, but have no badge: they may be anybody's. What
+// listens waits until it is told that its window is the clone's own, since not every opener shows.
 // Without a number it is a flag, for which 1 is shown.
 const char* const badgePageScript = R"((() => {
   if (window.opener) return;
@@ -23,10 +24,15 @@ const char* const badgePageScript = R"((() => {
 })();)";
 
 const char* const badgeListenerScript =
-    R"(if (!window.opener) document.addEventListener('quorvel-badge', event => {
-  if (typeof event.detail === 'number')
-    window.webkit.messageHandlers.badge.postMessage(event.detail);
+    R"(document.addEventListener('quorvel-badge', event => {
+  if (typeof event.detail !== 'number') return;
+  globalThis.quorvelBadge = event.detail;
+  if (globalThis.quorvelIsMain) window.webkit.messageHandlers.badge.postMessage(event.detail);
 });)";
+
+const char* const badgeMainScript = R"(globalThis.quorvelIsMain = true;
+if (globalThis.quorvelBadge !== undefined)
+  window.webkit.messageHandlers.badge.postMessage(globalThis.quorvelBadge);)";
 
 std::optional<std::int64_t> reportedBadge(double message) {
     constexpr double most = 9'007'199'254'740'991.0;

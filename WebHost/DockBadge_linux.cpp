@@ -35,7 +35,7 @@ void DockBadge::setCount(std::optional<std::int64_t> count) {
     if (count == count_) {
         return;
     }
-    const bool isUrgent = !count_ && count;
+    const bool isUrgent = !count_ && count && urgency_.admits(FloodClock::now());
     count_ = count;
     hasSent_ = true;
     send(isUrgent);

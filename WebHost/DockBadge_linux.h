@@ -1,5 +1,7 @@
 #pragma once
 
+#include "WebHost/FloodCaps.h"
+
 #include <gio/gio.h>
 
 #include <cstdint>
@@ -33,6 +35,7 @@ private:
     std::string path_;
     std::optional<std::int64_t> count_{};
     std::optional<double> progress_{};
+    RateCap urgency_ = urgencyCap();
     bool hasSent_ = false;
     guint watch_;
 };

@@ -34,6 +34,7 @@ public:
     ~DownloadList();
 
     void cancelAll();
+    [[nodiscard]] bool isRunning() const { return running() > 0; }
 
 private:
     struct Item {

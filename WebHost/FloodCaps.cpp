@@ -21,6 +21,12 @@ bool PopupCap::admits(std::uint64_t gesture, std::size_t open) {
     return true;
 }
 
+bool PageVisit::begins(const std::string& host, std::uint64_t gesture) {
+    const bool isNew = host != host_ || gesture > used_;
+    host_ = host;
+    return isNew;
+}
+
 bool DialogCap::admits() {
     if (isStopped_) {
         return false;

@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <deque>
+#include <string>
 
 /// How much of something a page may do.
 namespace quorvel {
@@ -38,6 +39,10 @@ inline constexpr std::size_t longestDialogText = 2000;
 [[nodiscard]] inline RateCap unaskedDownloadCap() {
     return {1, std::chrono::seconds(10)};
 }
+/// How often a dock is told that a new count is urgent.
+[[nodiscard]] inline RateCap urgencyCap() {
+    return {1, std::chrono::seconds(10)};
+}
 /// How often a page that crashed is shown again by itself.
 [[nodiscard]] inline RateCap reloadCap() {
     return {3, std::chrono::seconds(60)};
@@ -54,7 +59,21 @@ private:
     std::uint64_t last_ = 0;
 };
 
-/// The dialogs of one page.
+/// Decides when a page may ask and show things anew: not by loading itself again.
+class PageVisit {
+public:
+    /// The page has shown something that is limited, after that many gestures of the user.
+    void used(std::uint64_t gesture) { used_ = gesture; }
+    /// A page of that host is there. Returns whether its limits start anew: it is another host's,
+    /// or the user has done something since.
+    [[nodiscard]] bool begins(const std::string& host, std::uint64_t gesture);
+
+private:
+    std::string host_{};
+    std::uint64_t used_ = 0;
+};
+
+/// The dialogs of one visit.
 class DialogCap {
 public:
     /// Returns whether a dialog may be shown, and counts it.
@@ -62,7 +81,7 @@ public:
     /// Returns whether the dialog just admitted should offer to stop further ones.
     [[nodiscard]] bool offersToStop() const { return shown_ > 2; }
     void stop() { isStopped_ = true; }
-    /// Another page is shown.
+    /// See `PageVisit`.
     void reset() { *this = DialogCap(); }
 
 private:

@@ -1,5 +1,6 @@
 #include "WebHost/HostPage_linux.h"
 
+#include "WebHost/BadgeScript.h"
 #include "WebHost/GtkTypes_linux.h"
 #include "WebHost/StatusPages.h"
 #include "WebHost/WebAddress.h"
@@ -45,14 +46,9 @@ std::string certificateReason(GTlsCertificateFlags flags) {
         return "Its certificate was revoked.";
     }
     if ((flags & G_TLS_CERTIFICATE_UNKNOWN_CA) != 0) {
-        return "Nobody who is trusted here has signed its certificate.";
+        return "Its certificate was not issued by a trusted authority.";
     }
     return "Its certificate is not valid.";
-}
-
-HostWindow::Actions windowActions(const HostPage::Callbacks& callbacks, std::function<void()> close,
-                                  std::function<void()> quit) {
-    return {callbacks.home, callbacks.forgetPermissions, std::move(quit), std::move(close)};
 }
 
 } // namespace
@@ -63,12 +59,25 @@ HostPage::HostPage(WebKitWebView* view, const PageServices& services, Callbacks 
       services_(services),
       callbacks_(std::move(callbacks)),
       window_(view,
-              windowActions(
-                  callbacks_, [this] { closeRequested(); }, services.quit),
+              {.home = callbacks_.home,
+               .forgetPermissions = callbacks_.forgetPermissions,
+               .quit = services.quit,
+               .closeRequested =
+                   [this] {
+                       if (isPopup()) {
+                           close();
+                       } else {
+                           services_.quit();
+                       }
+                   }},
               state, services.iconName),
-      dialogs_(view, window_.widget()),
-      permissions_(view, *services.permissions,
-                   [this](HostQuestion question) { window_.ask(std::move(question)); }) {
+      dialogs_(view, window_.widget(), shown_,
+               {[this] { visit_.used(window_.gestures()); }, [this] { closeGuard_.reacted(); }}),
+      questions_(
+          *services.permissions,
+          [this](HostQuestion question) { return window_.ask(std::move(question)); },
+          [this] { visit_.used(window_.gestures()); }),
+      permissions_(view, shown_, questions_) {
     connect();
 }
 
@@ -89,15 +98,17 @@ void HostPage::connect() {
         this);
     onSignal(
         view_, "notify::uri",
-        [](WebKitWebView*, GParamSpec*, gpointer self) {
-            of(self).window_.updateLocation();
-            of(self).callbacks_.titleChanged();
+        [](WebKitWebView* view, GParamSpec*, gpointer self) {
+            HostPage& page = of(self);
+            page.shown_.reported(textOf(webkit_web_view_get_uri(view)));
+            page.window_.updateLocation(page.address());
+            page.callbacks_.titleChanged();
         },
         this);
     onSignal(
         view_, "show-notification",
         [](WebKitWebView*, WebKitNotification* notification, gpointer self) -> gboolean {
-            of(self).services_.notify(notification);
+            of(self).notificationWanted(notification);
             return TRUE;
         },
         this);
@@ -113,53 +124,56 @@ void HostPage::load(const std::string& address) {
     }
 }
 
-std::string HostPage::address() const {
-    return textOf(webkit_web_view_get_uri(view_));
-}
-
 std::string HostPage::title() const {
     return textOf(webkit_web_view_get_title(view_));
 }
 
-// A page may ask whether to leave it. One that hangs can't, and is closed at the second attempt.
-void HostPage::closeRequested() {
-    if (isClosing_) {
+void HostPage::close() {
+    if (closeGuard_.closesAtOnce()) {
         callbacks_.closed();
-        return;
+    } else {
+        webkit_web_view_try_close(view_);
     }
-    isClosing_ = true;
-    webkit_web_view_try_close(view_);
+}
+
+// The engine remembers permissions for as long as it runs, but the user may have taken it back.
+void HostPage::notificationWanted(WebKitNotification* notification) {
+    if (services_.permissions->answer(originOf(address()), notificationKind) == true) {
+        services_.notify(notification);
+    } else {
+        webkit_notification_close(notification);
+    }
 }
 
 void HostPage::openOther(const std::string& address) {
     const std::string scheme = schemeOf(address);
     const std::string origin = originOf(this->address());
-    permissions_.decide(origin.empty() ? "other" : origin, "open-" + scheme,
-                        hostOf(this->address()) + " wants to open a “" + scheme +
-                            "” link with another program.",
-                        [this, address](bool isAllowed) {
-                            if (isAllowed && !services_.links->open(address)) {
-                                window_.showMessage("No program opens this link");
-                            }
-                        });
+    questions_.decide(origin.empty() ? "other" : origin, "open-" + scheme,
+                      otherProgramQuestion(hostOf(this->address()), scheme),
+                      [this, address](bool isAllowed) {
+                          if (isAllowed && !services_.links->open(address)) {
+                              window_.showMessage("No program opens this link");
+                          }
+                      });
 }
 
 // Returns whether the engine goes on with it.
 bool HostPage::routes(WebKitNavigationAction* action, bool isNewWindow) {
     const std::string address = addressOf(action);
-    const std::string page = this->address();
     const bool isGesture = webkit_navigation_action_is_user_gesture(action) == TRUE;
-    const LinkRequest request{
-        .address = address,
-        .page = page,
-        .home = services_.homeAddress,
-        .isGesture = isGesture,
-        .isLinkClick = webkit_navigation_action_get_navigation_type(action) ==
-                       WEBKIT_NAVIGATION_TYPE_LINK_CLICKED,
-        // The engine doesn't say which frame it is; what loads by itself may be any.
-        .isMainFrame = isGesture || isNewWindow || isWebAddress(address),
-        .isNewWindow = isNewWindow,
-        .isPopup = isPopup()};
+    const LinkRequest request{.address = address,
+                              .page = this->address(),
+                              .home = services_.homeAddress,
+                              .isGesture = isGesture,
+                              .isLinkClick = webkit_navigation_action_get_navigation_type(action) ==
+                                             WEBKIT_NAVIGATION_TYPE_LINK_CLICKED,
+                              .isRedirect = webkit_navigation_action_is_redirect(action) == TRUE,
+                              // The engine doesn't say which frame it is; what loads by itself may
+                              // be any, and what is clicked counts as the page's own.
+                              .isMainFrame = isGesture || isNewWindow || isWebAddress(address),
+                              .isNewWindow = isNewWindow,
+                              .isPopup = isPopup(),
+                              .staysInside = services_.keepsLinks};
     switch (routeOf(request, services_.siteOf)) {
     case LinkDecision::here:
         return true;
@@ -254,19 +268,31 @@ void HostPage::crashed(WebKitWebView* view, WebKitWebProcessTerminationReason /*
     }
 }
 
-void HostPage::loadChanged(WebKitWebView* /*view*/, WebKitLoadEvent event, gpointer self) {
+void HostPage::committed() {
+    shown_.committed(textOf(webkit_web_view_get_uri(view_)));
+    awaited_.clear();
+    closeGuard_.reacted();
+    if (visit_.begins(hostOf(address()), window_.gestures())) {
+        dialogs_.reset();
+        questions_.reset();
+    }
+    if (!isPopup()) {
+        webkit_web_view_evaluate_javascript(view_, badgeMainScript, -1, badgeWorld, nullptr,
+                                            nullptr, nullptr, nullptr);
+    }
+    callbacks_.titleChanged();
+}
+
+void HostPage::loadChanged(WebKitWebView* view, WebKitLoadEvent event, gpointer self) {
     HostPage& page = of(self);
     if (event == WEBKIT_LOAD_STARTED || event == WEBKIT_LOAD_REDIRECTED) {
-        page.awaited_ = page.address();
+        page.awaited_ = textOf(webkit_web_view_get_uri(view));
     } else if (event == WEBKIT_LOAD_COMMITTED) {
-        page.awaited_.clear();
-        page.isClosing_ = false;
-        page.dialogs_.reset();
-        page.permissions_.reset();
+        page.committed();
     } else if (event == WEBKIT_LOAD_FINISHED) {
         page.services_.loaded();
     }
-    page.window_.updateLocation();
+    page.window_.updateLocation(page.address());
 }
 
 } // namespace quorvel

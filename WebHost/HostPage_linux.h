@@ -1,11 +1,14 @@
 #pragma once
 
+#include "WebHost/CloseGuard.h"
 #include "WebHost/FloodCaps.h"
 #include "WebHost/HostWindow_linux.h"
 #include "WebHost/LinkRouting.h"
 #include "WebHost/OutsideLinks.h"
 #include "WebHost/PageDialogs_linux.h"
 #include "WebHost/PagePermissions_linux.h"
+#include "WebHost/PermissionQuestions.h"
+#include "WebHost/ShownAddress.h"
 
 #include <webkit/webkit.h>
 
@@ -21,6 +24,7 @@ struct PageServices {
     std::string name{};        ///< the clone's
     std::string homeAddress{}; ///< empty if the clone has none
     std::string iconName{};
+    bool keepsLinks = false; ///< links to other sites open in the clone
     SiteOf siteOf{};
     PermissionStore* permissions = nullptr;
     const OutsideLinks* links = nullptr;
@@ -28,7 +32,7 @@ struct PageServices {
     std::function<WebKitWebView*(class HostPage& opener)> openPopup{};
     std::function<void(WebKitNotification*)> notify{};
     std::function<void()> loaded{}; ///< a page is there
-    std::function<void()> quit{};
+    std::function<void()> quit{};   ///< the user wants to end the clone
 };
 
 /// A page in its window, and what becomes of its requests.
@@ -49,10 +53,16 @@ public:
     ~HostPage();
 
     void load(const std::string& address);
+    /// The user closes it. The page may ask whether to leave it; one that hangs can't, and is
+    /// closed at the second attempt.
+    void close();
+    /// What the user has not answered may be asked again.
+    void forgetQuestions() { questions_.reset(); }
     [[nodiscard]] HostWindow& window() { return window_; }
     [[nodiscard]] WebKitWebView* view() const { return view_; }
     [[nodiscard]] bool isPopup() const { return !callbacks_.home; }
-    [[nodiscard]] std::string address() const;
+    /// Returns the address of the page that is shown, and not of one that is on its way.
+    [[nodiscard]] const std::string& address() const { return shown_.text(); }
     [[nodiscard]] std::string title() const;
 
 private:
@@ -69,7 +79,8 @@ private:
     static void loadChanged(WebKitWebView* view, WebKitLoadEvent event, gpointer self);
 
     void connect();
-    void closeRequested();
+    void committed();
+    void notificationWanted(WebKitNotification* notification);
     void openOther(const std::string& address);
     [[nodiscard]] bool routes(WebKitNavigationAction* action, bool isNewWindow);
     [[nodiscard]] bool takesResponse(WebKitResponsePolicyDecision* decision) const;
@@ -78,12 +89,15 @@ private:
     WebKitWebView* view_;
     const PageServices& services_;
     Callbacks callbacks_;
+    ShownAddress shown_{};
+    PageVisit visit_{};
+    CloseGuard closeGuard_{};
     HostWindow window_;
     PageDialogs dialogs_;
+    PermissionQuestions questions_;
     PagePermissions permissions_;
     RateCap reloads_ = reloadCap();
     std::string awaited_{}; ///< the address of a page that is on its way
-    bool isClosing_ = false;
 };
 
 } // namespace quorvel

@@ -33,6 +33,10 @@ HostWindow::HostWindow(WebKitWebView* view, Actions actions, const WindowState& 
       view_(view),
       actions_(std::move(actions)),
       state_(state) {
+    // The dialogs of its page must not hold up the other windows.
+    GtkWindowGroup* const group = gtk_window_group_new();
+    gtk_window_group_add_window(group, window_);
+    g_object_unref(group);
     gtk_window_set_default_size(window_, state.width, state.height);
     if (!iconName.empty()) {
         gtk_window_set_icon_name(window_, iconName.c_str());
@@ -46,6 +50,7 @@ HostWindow::HostWindow(WebKitWebView* view, Actions actions, const WindowState& 
     g_object_unref(group_);
     addNavigation();
     addCommands();
+    enable("header", static_cast<bool>(actions_.home)); // a pop-up always shows its host
     addHostShortcuts(GTK_WIDGET(window_));
     countGestures();
     watch();
@@ -249,7 +254,8 @@ void HostWindow::watch() {
     onSignal(
         view_, "enter-fullscreen",
         [](WebKitWebView*, gpointer self) -> gboolean {
-            of(self).showMessage("This page is full screen. Press Esc to leave.");
+            of(self).showMessage(textOf(g_get_application_name()) +
+                                 " is full screen. Press Esc to leave.");
             return FALSE;
         },
         this);
@@ -277,21 +283,19 @@ void HostWindow::setTitle(const std::string& windowTitle, const std::string& pag
     gtk_label_set_text(GTK_LABEL(title_), pageTitle.c_str());
 }
 
-void HostWindow::updateLocation() {
-    const std::string address = textOf(webkit_web_view_get_uri(view_));
+void HostWindow::updateLocation(const std::string& address) {
+    address_ = address;
+    const std::string host = hostOf(address);
     // Without encryption, whoever is on the way can read and change the page.
-    const std::string shown = hostOf(address);
-    gtk_label_set_text(GTK_LABEL(host_), (schemeOf(address) == "http" && shown != "localhost" &&
-                                                  !shown.starts_with("127.")
-                                              ? shown + " — not encrypted"
-                                              : shown)
-                                             .c_str());
-    const auto enable = [&](const char* name, bool isEnabled) {
-        GAction* const action = g_action_map_lookup_action(G_ACTION_MAP(group_), name);
-        g_simple_action_set_enabled(G_SIMPLE_ACTION(action), isEnabled ? TRUE : FALSE);
-    };
+    const bool isOpen = schemeOf(address) == "http" && !isThisComputer(host);
+    gtk_label_set_text(GTK_LABEL(host_), (isOpen ? host + " — not encrypted" : host).c_str());
     enable("back", webkit_web_view_can_go_back(view_) == TRUE);
     enable("forward", webkit_web_view_can_go_forward(view_) == TRUE);
+}
+
+void HostWindow::enable(const char* action, bool isEnabled) {
+    GAction* const found = g_action_map_lookup_action(G_ACTION_MAP(group_), action);
+    g_simple_action_set_enabled(G_SIMPLE_ACTION(found), isEnabled ? TRUE : FALSE);
 }
 
 void HostWindow::showDownloads(const std::string& text, std::function<void()> cancelled) {
@@ -323,7 +327,9 @@ WindowState HostWindow::state() const {
         gtk_window_get_default_size(window_, &now.width, &now.height);
     }
     now.isMaximized = gtk_window_is_maximized(window_) == TRUE;
-    now.page = textOf(webkit_web_view_get_uri(view_));
+    if (!address_.empty()) {
+        now.page = address_;
+    }
     return now;
 }
 
@@ -383,8 +389,7 @@ void HostWindow::print() {
 }
 
 void HostWindow::copyAddress() {
-    gdk_clipboard_set_text(gtk_widget_get_clipboard(GTK_WIDGET(window_)),
-                           textOf(webkit_web_view_get_uri(view_)).c_str());
+    gdk_clipboard_set_text(gtk_widget_get_clipboard(GTK_WIDGET(window_)), address_.c_str());
     showMessage("Link copied");
 }
 

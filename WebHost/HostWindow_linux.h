@@ -34,9 +34,10 @@ public:
     /// Brings the window to the front, as far as the desktop allows it with that token.
     void present(const std::string& token);
     void setTitle(const std::string& windowTitle, const std::string& pageTitle);
-    /// Shows the page's host, and whether it can be navigated.
-    void updateLocation();
-    void ask(HostQuestion question) { questions_.ask(std::move(question)); }
+    /// Shows the host of the page at that address, and whether it can be navigated.
+    void updateLocation(const std::string& address);
+    /// Returns false if too many questions wait.
+    [[nodiscard]] bool ask(HostQuestion question) { return questions_.ask(std::move(question)); }
     /// Shows what is being downloaded; `cancelled` may be empty. An empty text hides the bar.
     void showDownloads(const std::string& text, std::function<void()> cancelled);
     /// Shows a message for a few seconds.
@@ -59,6 +60,7 @@ private:
     void addActions(std::span<const Action> actions);
     void addNavigation();
     void addCommands();
+    void enable(const char* action, bool isEnabled);
     void countGestures();
     void watch();
     void zoomTo(int percent);
@@ -73,6 +75,7 @@ private:
     WebKitWebView* view_;
     Actions actions_;
     WindowState state_;
+    std::string address_{};
     std::uint64_t gestures_ = 0;
     QuestionBar questions_{};
     std::function<void()> downloadsCancelled_{};

@@ -47,8 +47,9 @@ LinkDecision routeOf(const LinkRequest& request, const SiteOf& siteOf) {
                    : LinkDecision::refuse;
     }
     if (isWebAddress(request.address)) {
+        const bool isFollowed = request.isLinkClick && request.isGesture && !request.isRedirect;
         const bool mayLeave =
-            request.isLinkClick && request.isGesture && (request.isNewWindow || !request.isPopup);
+            isFollowed && !request.staysInside && (request.isNewWindow || !request.isPopup);
         return mayLeave && leavesTheSite(request, siteOf) ? LinkDecision::outside
                                                           : LinkDecision::here;
     }

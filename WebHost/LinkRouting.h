@@ -20,10 +20,12 @@ struct LinkRequest {
     std::string_view page{};    ///< the address of the page that asks
     std::string_view home{};    ///< the clone's own address; empty if it has none
     bool isGesture = false;     ///< the user clicked or pressed a key
-    bool isLinkClick = false;   ///< and not a redirect, a form or a script's doing
+    bool isLinkClick = false;   ///< and not a form's or a script's doing
+    bool isRedirect = false;    ///< by a server, of what was asked for before
     bool isMainFrame = true;
     bool isNewWindow = false; ///< a window is asked for
     bool isPopup = false;     ///< it is asked for in a pop-up window
+    bool staysInside = false; ///< links to other sites open in the clone
 };
 
 /// Returns the part of a host that all hosts of its site share: "example.co.uk" for
@@ -36,7 +38,7 @@ using SiteOf = std::function<std::string(const std::string& host)>;
 
 /// Decides where a link leads. A click on a link that leaves the site goes outside. Redirects,
 /// forms and scripts stay, since signing in is made of them, as does what happens in pop-ups. Other
-/// schemes need a gesture in the main frame.
+/// schemes need a gesture, and are not for what is known to be a frame within a page.
 [[nodiscard]] LinkDecision routeOf(const LinkRequest& request, const SiteOf& siteOf);
 
 } // namespace quorvel

@@ -7,14 +7,16 @@
 #include "LinkDoor/LinkSession.h"
 #include "Platform/files/ContainedFolder.h"
 #include "Platform/files/PlatformError.h"
+#include "Platform/processes/FileMask.h"
 #include "WebHost/WebAddress.h"
 
 namespace quorvel {
 
 OutsideLinks::OutsideLinks(std::string home, const std::optional<std::string>& links,
-                           const Environment& session, const Environment& host)
+                           const Environment& session, const Environment& host, mode_t fileMask)
     : door_(linkDoorProgram(session)),
-      doorEnvironment_(host) {
+      doorEnvironment_(host),
+      fileMask_(fileMask) {
     LinkSession record = LinkSession::between(session, host);
     outside_ = record.outside(host);
     record.opener = linkOpenerProgram(links);
@@ -32,6 +34,7 @@ bool OutsideLinks::open(const std::string& address) const {
     if (schemeOf(address).empty() || address.size() > longestLinkAddress) {
         return false;
     }
+    const ScopedFileMask mask(fileMask_);
     try {
         if (door_ && hasLinkScheme(address)) {
             startDetached(*door_, {address}, doorEnvironment_);

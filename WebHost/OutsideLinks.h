@@ -13,8 +13,9 @@ class OutsideLinks {
 public:
     /// Writes the session down for the program that opens links, which is looked for in `session`.
     /// `host` is the clone's own environment, and `links` its setting (`CloneOptions::links`).
+    /// `fileMask` is the session's mask for new files: the browser's are not the clone's.
     OutsideLinks(std::string home, const std::optional<std::string>& links,
-                 const Environment& session, const Environment& host);
+                 const Environment& session, const Environment& host, mode_t fileMask);
 
     /// Opens a web or mail address with the user's default program, or as the clone's setting says;
     /// any other with `xdg-open`. Returns false if nothing can be started for it.
@@ -24,6 +25,7 @@ private:
     std::optional<std::filesystem::path> door_;
     Environment doorEnvironment_;
     Environment outside_;
+    mode_t fileMask_;
 };
 
 } // namespace quorvel

@@ -1,9 +1,12 @@
 #pragma once
 
 #include "WebHost/FloodCaps.h"
+#include "WebHost/ShownAddress.h"
 
 #include <gtk/gtk.h>
 #include <webkit/webkit.h>
+
+#include <functional>
 
 namespace quorvel {
 
@@ -11,12 +14,19 @@ namespace quorvel {
 /// end.
 class PageDialogs {
 public:
-    PageDialogs(WebKitWebView* view, GtkWindow* window);
+    struct Callbacks {
+        std::function<void()> shown{}; ///< a dialog was shown
+        std::function<void()>
+            leavingAsked{}; ///< the page asks whether to leave it; and the answer is there
+    };
+
+    PageDialogs(WebKitWebView* view, GtkWindow* window, const ShownAddress& shown,
+                Callbacks callbacks);
     PageDialogs(const PageDialogs&) = delete;
     PageDialogs& operator=(const PageDialogs&) = delete;
     ~PageDialogs();
 
-    /// Another page is loaded.
+    /// Dialogs may be shown again.
     void reset() { cap_.reset(); }
 
 private:
@@ -25,6 +35,8 @@ private:
 
     WebKitWebView* view_;
     GtkWindow* window_;
+    const ShownAddress& shown_;
+    Callbacks callbacks_;
     DialogCap cap_{};
 };
 

@@ -1,6 +1,7 @@
 #include "WebHost/PageNotices_linux.h"
 
 #include "Base/TerminalText.h"
+#include "WebHost/PageText.h"
 #include "WebHost/StatusPages.h"
 
 #include <algorithm>
@@ -38,10 +39,11 @@ PageNotices::~PageNotices() {
     }
 }
 
-void PageNotices::call(const char* method, GVariant* arguments, GAsyncReadyCallback done,
-                       gpointer data) {
-    g_dbus_connection_call(bus_, busName, objectPath, busName, method, arguments, nullptr,
-                           G_DBUS_CALL_FLAGS_NONE, -1, cancellable_.get(), done, data);
+void PageNotices::call(const char* method, GVariant* arguments, const char* reply,
+                       GAsyncReadyCallback done, gpointer data) {
+    g_dbus_connection_call(bus_, busName, objectPath, busName, method, arguments,
+                           G_VARIANT_TYPE(reply), G_DBUS_CALL_FLAGS_NONE, -1, cancellable_.get(),
+                           done, data);
 }
 
 void PageNotices::capabilitiesKnown(GObject* source, GAsyncResult* result, gpointer self) {
@@ -62,7 +64,7 @@ GVariant* PageNotices::messageFor(WebKitNotification* notification) const {
     const std::string summary =
         withoutUnsafe(textOf(webkit_notification_get_title(notification)), longestSummary);
     const std::string plain =
-        withoutUnsafe(textOf(webkit_notification_get_body(notification)), longestBody);
+        pageText(textOf(webkit_notification_get_body(notification)), longestBody);
     const std::string body = showsMarkup_ ? htmlText(plain) : plain;
     GVariantBuilder actions;
     g_variant_builder_init(&actions, G_VARIANT_TYPE("as"));
@@ -82,8 +84,8 @@ void PageNotices::show(WebKitNotification* notification) {
         webkit_notification_close(notification);
         return;
     }
-    call("GetCapabilities", nullptr, capabilitiesKnown, this);
-    call("Notify", messageFor(notification), replied, new Shown{this, keep(notification)});
+    call("GetCapabilities", nullptr, "(as)", capabilitiesKnown, this);
+    call("Notify", messageFor(notification), "(u)", replied, new Shown{this, keep(notification)});
 }
 
 void PageNotices::replied(GObject* source, GAsyncResult* result, gpointer data) {
@@ -109,7 +111,8 @@ void PageNotices::closedByPage(WebKitNotification* notification, gpointer self) 
         std::find_if(notices.shown_.begin(), notices.shown_.end(),
                      [&](const auto& one) { return one.second.get() == notification; });
     if (found != notices.shown_.end()) {
-        notices.call("CloseNotification", g_variant_new("(u)", found->first), nullptr, nullptr);
+        notices.call("CloseNotification", g_variant_new("(u)", found->first), "()", nullptr,
+                     nullptr);
         g_signal_handlers_disconnect_by_data(notification, self);
         notices.shown_.erase(found);
     }

@@ -38,7 +38,8 @@ private:
                           gpointer self);
     static void closedByPage(WebKitNotification* notification, gpointer self);
 
-    void call(const char* method, GVariant* arguments, GAsyncReadyCallback done, gpointer data);
+    void call(const char* method, GVariant* arguments, const char* reply, GAsyncReadyCallback done,
+              gpointer data);
     [[nodiscard]] GVariant* messageFor(WebKitNotification* notification) const;
 
     GDBusConnection* bus_;

@@ -60,10 +60,11 @@ std::string kindOfQuery(const std::string& name) {
 
 } // namespace
 
-PagePermissions::PagePermissions(WebKitWebView* view, PermissionStore& store, Ask ask)
+PagePermissions::PagePermissions(WebKitWebView* view, const ShownAddress& shown,
+                                 PermissionQuestions& questions)
     : view_(view),
-      store_(store),
-      ask_(std::move(ask)) {
+      shown_(shown),
+      questions_(questions) {
     onSignal(view, "permission-request", requested, this);
     onSignal(view, "query-permission-state", queried, this);
 }
@@ -72,27 +73,10 @@ PagePermissions::~PagePermissions() {
     g_signal_handlers_disconnect_by_data(view_, this);
 }
 
-void PagePermissions::decide(const std::string& origin, const std::string& kind,
-                             const std::string& text, std::function<void(bool)> done) {
-    const auto known = store_.answer(origin, kind);
-    if (known || closed_.contains(origin + " " + kind)) {
-        done(known.value_or(false));
-        return;
-    }
-    ask_({text, "Allow", "Don’t Allow",
-          [this, origin, kind, done = std::move(done)](std::optional<bool> answer) {
-              if (answer) {
-                  store_.remember(origin, kind, *answer);
-              } else {
-                  closed_.insert(origin + " " + kind);
-              }
-              done(answer.value_or(false));
-          }});
-}
-
-gboolean PagePermissions::requested(WebKitWebView* view, WebKitPermissionRequest* request,
+gboolean PagePermissions::requested(WebKitWebView* /*view*/, WebKitPermissionRequest* request,
                                     gpointer self) {
-    const std::string address = textOf(webkit_web_view_get_uri(view));
+    const auto& permissions = *static_cast<PagePermissions*>(self);
+    const std::string address = permissions.shown_.text();
     const std::string origin = originOf(address);
     const auto wish = wishOf(request);
     if (!wish || origin.empty()) {
@@ -100,15 +84,15 @@ gboolean PagePermissions::requested(WebKitWebView* view, WebKitPermissionRequest
         return TRUE;
     }
     const std::shared_ptr<WebKitPermissionRequest> kept = keep(request);
-    static_cast<PagePermissions*>(self)->decide(origin, wish->kind,
-                                                hostOf(address) + " wants to " + wish->text + ".",
-                                                [kept](bool isAllowed) {
-                                                    if (isAllowed) {
-                                                        webkit_permission_request_allow(kept.get());
-                                                    } else {
-                                                        webkit_permission_request_deny(kept.get());
-                                                    }
-                                                });
+    permissions.questions_.decide(origin, wish->kind,
+                                  hostOf(address) + " wants to " + wish->text + ".",
+                                  [kept](bool isAllowed) {
+                                      if (isAllowed) {
+                                          webkit_permission_request_allow(kept.get());
+                                      } else {
+                                          webkit_permission_request_deny(kept.get());
+                                      }
+                                  });
     return TRUE;
 }
 
@@ -118,7 +102,7 @@ gboolean PagePermissions::queried(WebKitWebView* /*view*/, WebKitPermissionState
         webkit_permission_state_query_get_security_origin(query))));
     const std::string name = textOf(webkit_permission_state_query_get_name(query));
     const auto known =
-        static_cast<PagePermissions*>(self)->store_.answer(origin, kindOfQuery(name));
+        static_cast<PagePermissions*>(self)->questions_.store().answer(origin, kindOfQuery(name));
     // Keeping the screen on harms nobody, and the window shows who does it.
     const bool isHarmless = name == "screen-wake-lock";
     webkit_permission_state_query_finish(query, known.value_or(isHarmless)

@@ -39,15 +39,39 @@ QuestionBar::QuestionBar()
     });
 }
 
-void QuestionBar::ask(HostQuestion question) {
+QuestionBar::~QuestionBar() {
+    if (delay_ != 0) {
+        g_source_remove(delay_);
+    }
+}
+
+bool QuestionBar::ask(HostQuestion question) {
     if (questions_.size() >= mostWaitingQuestions) {
-        question.answered(std::nullopt);
-        return;
+        return false;
     }
     questions_.push_back(std::move(question));
     if (questions_.size() == 1) {
         showFirst();
     }
+    return true;
+}
+
+// Otherwise the second click of two, or one that was meant for the page, would answer.
+void QuestionBar::delayButtons() {
+    constexpr guint milliseconds = 500;
+    gtk_widget_set_sensitive(bar_, FALSE);
+    if (delay_ != 0) {
+        g_source_remove(delay_);
+    }
+    delay_ = g_timeout_add(
+        milliseconds,
+        [](gpointer self) -> gboolean {
+            auto& bar = *static_cast<QuestionBar*>(self);
+            bar.delay_ = 0;
+            gtk_widget_set_sensitive(bar.bar_, TRUE);
+            return G_SOURCE_REMOVE;
+        },
+        this);
 }
 
 void QuestionBar::showFirst() {
@@ -57,6 +81,7 @@ void QuestionBar::showFirst() {
         gtk_label_set_text(GTK_LABEL(text_), question.text.c_str());
         gtk_button_set_label(GTK_BUTTON(yes_), question.yes.c_str());
         gtk_button_set_label(GTK_BUTTON(no_), question.no.c_str());
+        delayButtons();
     }
     gtk_widget_set_visible(bar_, isThere ? TRUE : FALSE);
 }

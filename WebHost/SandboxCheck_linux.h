@@ -1,17 +1,17 @@
 #pragma once
 
-#include <optional>
 #include <string>
 #include <string_view>
 
 namespace quorvel {
 
-/// Returns the mode of the filter for system calls in the text of /proc/PID/status: 0 for none, 2
-/// for a filter; std::nullopt if it is not in there.
-[[nodiscard]] std::optional<int> seccompModeIn(std::string_view status);
+/// Returns whether the process whose /proc/PID/status is `page` is in a sandbox that the process of
+/// `own` is not in: its system calls are filtered, and it has process numbers of its own. A filter
+/// alone may be the whole container's.
+[[nodiscard]] bool isSandboxed(std::string_view page, std::string_view own);
 
-/// Returns why a page's process, a descendant of this one, runs without its sandbox, as a sentence;
-/// empty if all run in theirs.
+/// Returns why the pages' processes, descendants of this one, are not known to be in their sandbox,
+/// as a sentence; empty if all are.
 [[nodiscard]] std::string sandboxProblem();
 
 } // namespace quorvel

@@ -1,6 +1,6 @@
 #include "WebHost/StatusPages.h"
 
-#include "Base/TerminalText.h"
+#include "WebHost/PageText.h"
 #include "WebHost/WebAddress.h"
 
 namespace quorvel {
@@ -34,7 +34,7 @@ std::string htmlOf(const Page& page) {
 
 std::string htmlText(std::string_view text) {
     std::string result;
-    for (const char byte : withoutUnsafe(text, text.size())) {
+    for (const char byte : pageText(text, text.size())) {
         switch (byte) {
         case '&':
             result += "&amp;";
@@ -61,7 +61,7 @@ std::string htmlText(std::string_view text) {
 std::string noAddressPage(std::string_view cloneName) {
     return htmlOf({"No address",
                    "“" + std::string(cloneName) +
-                       "” has no address to open. Make the clone again and give it one.",
+                       "” has no address to open. Create it again with an address.",
                    {},
                    {}});
 }
@@ -73,7 +73,7 @@ std::string offlinePage(std::string_view address, std::string_view reason) {
 std::string certificatePage(std::string_view address, std::string_view reason) {
     return htmlOf(
         {"The connection to " + hostOf(address) + " is not secure",
-         std::string(reason) + " Somebody could be reading along. The page was not opened.",
+         std::string(reason) + " Someone may be intercepting it. The page was not opened.",
          "Try Again", address});
 }
 

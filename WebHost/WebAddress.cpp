@@ -96,6 +96,13 @@ std::string originOf(std::string_view address) {
     return scheme + "://" + place;
 }
 
+bool isThisComputer(std::string_view host) {
+    return host == "localhost" ||
+           (host.starts_with("127.") && std::all_of(host.begin(), host.end(), [](char byte) {
+                return isDigit(byte) || byte == '.';
+            }));
+}
+
 bool isWebAddress(std::string_view address) {
     const std::string scheme = schemeOf(address);
     return scheme == "http" || scheme == "https";

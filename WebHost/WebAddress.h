@@ -34,6 +34,9 @@ struct StartAddress {
 /// permissions are kept; empty for any other address.
 [[nodiscard]] std::string originOf(std::string_view address);
 
+/// Returns whether the host is this computer: "localhost", or an IPv4 address that begins with 127.
+[[nodiscard]] bool isThisComputer(std::string_view host);
+
 /// Returns whether the address is one of the web: its scheme is "http" or "https".
 [[nodiscard]] bool isWebAddress(std::string_view address);
 

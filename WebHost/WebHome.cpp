@@ -13,24 +13,28 @@
 namespace quorvel {
 namespace {
 
-// Ways to the user's keys, and switches that turn the sandbox off.
-constexpr std::array<std::string_view, 6> removedVariables{
-    "GPG_AGENT_INFO",       "SSH_AGENT_PID",
-    "SSH_AUTH_SOCK",        "WEBKIT_DISABLE_SANDBOX_THIS_IS_DANGEROUS",
-    "WEBKIT_FORCE_SANDBOX", "WEBKIT_INSPECTOR_SERVER"};
-constexpr std::array<std::string_view, 5> secretMarks{"API_KEY", "CREDENTIAL", "PASSWORD", "SECRET",
-                                                      "TOKEN"};
-// Has one of the marks in its name, and says which click asked for the window.
-constexpr std::string_view activationToken = "XDG_ACTIVATION_TOKEN";
+// What a window needs of the session. All else may be secret, or lead to the user's keys.
+constexpr std::array<std::string_view, 17> wantedVariables{
+    "DESKTOP_STARTUP_ID", "DISPLAY",       "DRI_PRIME", "HOME",   "LANG", "LANGUAGE", "LOGNAME",
+    "NO_AT_BRIDGE",       "PATH",          "SHELL",     "TMPDIR", "TZ",   "USER",     "XAUTHORITY",
+    "XCURSOR_SIZE",       "XCURSOR_THEME", "XMODIFIERS"};
+constexpr std::array<std::string_view, 20> wantedBeginnings{
+    "DBUS_", "EGL_",     "FONTCONFIG_", "GDK_",   "GIO_",   "GSK_",      "GST_",
+    "GTK_",  "LC_",      "LIBGL_",      "LIBVA_", "MESA_",  "PIPEWIRE_", "PULSE_",
+    "VK_",   "WAYLAND_", "WEBKIT_",     "XDG_",   "__EGL_", "__GLX_"};
+constexpr std::array<std::string_view, 2> wantedEnds{"_proxy", "_PROXY"};
+// Switches that turn the sandbox off, or let others look into it.
+constexpr std::array<std::string_view, 3> removedVariables{
+    "WEBKIT_DISABLE_SANDBOX_THIS_IS_DANGEROUS", "WEBKIT_FORCE_SANDBOX", "WEBKIT_INSPECTOR_SERVER"};
 
-bool isKeptFromPages(const std::string& name) {
-    return name.starts_with("QUORVEL_") ||
-           std::find(removedVariables.begin(), removedVariables.end(), name) !=
-               removedVariables.end() ||
-           (name != activationToken &&
-            std::any_of(secretMarks.begin(), secretMarks.end(), [&](std::string_view mark) {
-                return name.find(mark) != std::string::npos;
-            }));
+bool isForPages(std::string_view name) {
+    const auto isIt = [&](std::string_view other) { return name == other; };
+    return std::none_of(removedVariables.begin(), removedVariables.end(), isIt) &&
+           (std::any_of(wantedVariables.begin(), wantedVariables.end(), isIt) ||
+            std::any_of(wantedBeginnings.begin(), wantedBeginnings.end(),
+                        [&](std::string_view part) { return name.starts_with(part); }) ||
+            std::any_of(wantedEnds.begin(), wantedEnds.end(),
+                        [&](std::string_view part) { return name.ends_with(part); }));
 }
 
 void makePrivate(const std::string& folder) {
@@ -43,9 +47,15 @@ void makePrivate(const std::string& folder) {
 
 } // namespace
 
+void WebHome::createHome() const {
+    if (!itemExists(home)) {
+        createDirectories(home);
+        makePrivate(home);
+    }
+}
+
 void WebHome::create() const {
-    createDirectories(home);
-    makePrivate(home);
+    createHome();
     for (const std::string& part : {data, cache}) {
         if (!ensureFolderBelow(home, part)) {
             throw PlatformError(std::make_error_code(std::errc::not_a_directory), part, "created");
@@ -59,7 +69,9 @@ void WebHome::create() const {
 Environment webEnvironment(const std::string& home, const Environment& session,
                            const std::map<std::string, std::string>& own) {
     Environment environment = session;
-    std::erase_if(environment, [](const auto& entry) { return isKeptFromPages(entry.first); });
+    std::erase_if(environment, [](const auto& entry) { return !isForPages(entry.first); });
+    // In the user's own home nothing is replaced, but the engine opens the cache to pages.
+    environment.insert_or_assign("XDG_CACHE_HOME", WebHome{home}.folder + "/pages");
     for (const auto& [name, value] : isolatedEnvironment(home, session)) {
         environment.insert_or_assign(name, value);
     }

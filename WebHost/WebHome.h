@@ -18,12 +18,15 @@ struct WebHome {
     std::string permissions = folder + "/permissions.json";
     std::string windowState = folder + "/window.json";
 
-    /// Makes the home and the folders, closed to other users. Throws `PlatformError`.
+    /// Makes the home if it is missing, closed to other users. One that is there keeps its
+    /// permissions. Throws `PlatformError`.
+    void createHome() const;
+    /// Makes the home and the folders, which are closed to other users. Throws `PlatformError`.
     void create() const;
 };
 
 /// Returns the environment of a web clone's host, which its web processes inherit: `session`'s with
-/// all data folders below `home`, and without what a page's process must not know; then `own`, the
+/// all data folders below `home`, and of the rest only what a window needs; then `own`, the
 /// clone's. Makes the folders that the variables name.
 [[nodiscard]] Environment webEnvironment(const std::string& home, const Environment& session,
                                          const std::map<std::string, std::string>& own);

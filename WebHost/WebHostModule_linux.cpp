@@ -6,6 +6,7 @@
 #include "Platform/desktop/MenuEntry.h"
 #include "Platform/files/UserFolders.h"
 #include "Platform/files/UserPaths.h"
+#include "Platform/processes/FileMask.h"
 #include "Platform/processes/ProcessReplacement.h"
 #include "WebHost/SessionBus_linux.h"
 #include "WebHost/WebAddress.h"
@@ -13,7 +14,6 @@
 
 #include <gtk/gtk.h>
 
-#include <sys/stat.h>
 #include <unistd.h>
 
 namespace quorvel {
@@ -31,7 +31,7 @@ std::string quoted(const InstanceConfig& config) {
     return "“" + config.displayName + "”";
 }
 
-// What the menu shows of the clone, which is not to be seen from the clone's own folders.
+// What the menu shows of the clone, which can't be found from the clone's own folders.
 void findMenuEntry(const QuorvelWebHostRequest& request, WebHostOptions& options) {
     options.desktopId = textOf(request.windowWord) + ".desktop";
     const auto wrapper =
@@ -45,7 +45,7 @@ void findMenuEntry(const QuorvelWebHostRequest& request, WebHostOptions& options
     }
 }
 
-// What the engine and its processes print belongs into the log.
+// What the engine and its processes print belongs in the log.
 void printToLog(const std::string& home) {
     if (const auto log = InstanceLauncher::instanceLogHandle(home)) {
         (void)::dup2(log->descriptor(), STDOUT_FILENO);
@@ -81,15 +81,18 @@ void show(const QuorvelWebHostRequest& request) {
                            .homeAddress = start.kind == StartAddress::Case::page ? start.text : "",
                            .address = textOf(request.address),
                            .home = WebHome{config->resolvedHome()},
-                           .downloads = userFolder("Downloads", UserPaths::home()),
+                           .downloads = config->shareUserFolders
+                                            ? userFolder("Downloads", UserPaths::home())
+                                            : config->resolvedHome() + "/Downloads",
+                           .keepsLinks = config->links == linksInside,
                            .listener = request.listener};
     findMenuEntry(request, options);
-    ::umask(077);
+    const mode_t userMask = setFileMask(077);
     options.home.create();
     const Environment session = currentEnvironment();
     const Environment environment =
         webEnvironment(options.home.home, session, config->resolvedEnvironment());
-    const OutsideLinks links(options.home.home, config->links, session, environment);
+    const OutsideLinks links(options.home.home, config->links, session, environment, userMask);
     options.links = &links;
     replaceEnvironment(environment);
     const ObjectRef<GDBusConnection> bus = requireBus(*config);

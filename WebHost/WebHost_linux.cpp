@@ -77,8 +77,8 @@ WebHost::~WebHost() {
     for (const guint source : sources_) {
         g_source_remove(source);
     }
-    if (badgeTimer_ != 0) {
-        g_source_remove(badgeTimer_);
+    if (titleTimer_ != 0) {
+        g_source_remove(titleTimer_);
     }
     downloads_.reset();
     popups_.clear();
@@ -124,7 +124,8 @@ void WebHost::addBadgeScripts() {
                                    ? reportedBadge(jsc_value_to_double(value))
                                    : std::nullopt;
             if (count) {
-                of(self).badgeReported(*count);
+                of(self).badgeState_.setAPIBadge(*count);
+                of(self).titleChanged();
             }
         },
         this);
@@ -144,17 +145,20 @@ void WebHost::addServices() {
         checkSandbox();
         saveState();
     };
-    services_.quit = [this] { quit(); };
+    services_.keepsLinks = options_.keepsLinks;
+    services_.quit = [this] { leave(); };
 }
 
 DownloadList::Callbacks WebHost::downloadCallbacks() {
     DownloadList::Callbacks callbacks;
-    callbacks.ask = [this](const std::string& name, std::function<void(bool)> answered) {
-        main_->window().ask({"This page wants to download another file, “" + name + "”.",
-                             "Download", "Don’t Download",
-                             [answered = std::move(answered)](std::optional<bool> isWanted) {
-                                 answered(isWanted.value_or(false));
-                             }});
+    callbacks.ask = [this](const std::string& name, const std::function<void(bool)>& answered) {
+        const bool isAsked = main_->window().ask(
+            {"This page wants to download another file, “" + name + "”.", "Download",
+             "Don’t Download",
+             [answered](std::optional<bool> isWanted) { answered(isWanted.value_or(false)); }});
+        if (!isAsked) {
+            answered(false);
+        }
     };
     callbacks.changed = [this](const std::string& text, std::optional<double> progress) {
         main_->window().showDownloads(text, progress ? [this] { downloads_->cancelAll(); }
@@ -183,8 +187,12 @@ void WebHost::openMainWindow() {
         if (!permissions_.forgetAll()) {
             log("the permissions can’t be written");
         }
+        main_->forgetQuestions();
+        for (const auto& popup : popups_) {
+            popup->forgetQuestions();
+        }
     };
-    callbacks.titleChanged = [this] { showTitle(); };
+    callbacks.titleChanged = [this] { titleChanged(); };
     callbacks.closed = [this] { quit(); };
     main_ = std::make_unique<HostPage>(view, services_, std::move(callbacks),
                                        readWindowState(options_.home.windowState));
@@ -245,37 +253,31 @@ std::uint64_t WebHost::gestures() const {
     return all;
 }
 
-void WebHost::badgeReported(std::int64_t count) {
+void WebHost::titleChanged() {
     constexpr guint shortestTime = 250; // four a second
-    nextBadge_ = count;
-    if (badgeTimer_ != 0) {
+    isTitleOld_ = true;
+    if (titleTimer_ != 0) {
         return;
     }
-    showBadge();
-    badgeTimer_ = g_timeout_add(
+    showTitle();
+    titleTimer_ = g_timeout_add(
         shortestTime,
         [](gpointer self) -> gboolean {
-            if (!of(self).nextBadge_) {
-                of(self).badgeTimer_ = 0;
+            if (!of(self).isTitleOld_) {
+                of(self).titleTimer_ = 0;
                 return G_SOURCE_REMOVE;
             }
-            of(self).showBadge();
+            of(self).showTitle();
             return G_SOURCE_CONTINUE;
         },
         this);
-}
-
-void WebHost::showBadge() {
-    if (nextBadge_) {
-        badgeState_.setAPIBadge(*std::exchange(nextBadge_, std::nullopt));
-    }
-    showTitle();
 }
 
 void WebHost::showTitle() {
     if (!main_) {
         return;
     }
+    isTitleOld_ = false;
     const std::string title = main_->title();
     badgeState_.setTitle(title);
     const auto label = badgeState_.label();
@@ -306,6 +308,23 @@ void WebHost::saveState() const {
     if (!writeWindowState(options_.home.home, options_.home.windowState, main_->window().state())) {
         log("the state of the window can’t be written");
     }
+}
+
+void WebHost::leave() {
+    if (!downloads_->isRunning()) {
+        main_->close();
+        return;
+    }
+    main_->window().present("");
+    isLeavingAsked_ = isLeavingAsked_ ||
+                      main_->window().ask({"Files are being downloaded.", "Cancel Them and Quit",
+                                           "Keep Downloading", [this](std::optional<bool> isMeant) {
+                                               isLeavingAsked_ = false;
+                                               if (isMeant == true) {
+                                                   downloads_->cancelAll();
+                                                   main_->close();
+                                               }
+                                           }});
 }
 
 void WebHost::quit() {

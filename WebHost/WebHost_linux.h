@@ -23,6 +23,7 @@ struct WebHostOptions {
     std::string address{};     ///< to open instead; empty for none
     WebHome home;
     std::filesystem::path downloads{};
+    bool keepsLinks = false; ///< links to other sites open in the clone
     std::string desktopId{}; ///< its menu entry's file name
     std::string icon{};      ///< the entry's
     int listener = -1;       ///< for handovers
@@ -55,12 +56,14 @@ private:
     void closePopup(WebKitWebView* view);
     /// Returns the number of clicks and key presses in all windows.
     [[nodiscard]] std::uint64_t gestures() const;
-    void badgeReported(std::int64_t count);
-    void showBadge();
+    /// The title or the badge is another one. Shows it at once, but not too often.
+    void titleChanged();
     void showTitle();
     void checkSandbox();
     void handedOver(const WebHandover& handover);
     void saveState() const;
+    /// Quits, unless the user wants to stay.
+    void leave();
     void quit();
 
     WebHostOptions options_;
@@ -79,9 +82,10 @@ private:
     PopupCap popupCap_{};
     std::uint64_t closedGestures_ = 0; ///< in windows that are closed
     WebBadgeState badgeState_{};
-    std::optional<std::int64_t> nextBadge_{}; ///< reported, but not shown yet
-    guint badgeTimer_ = 0;
+    bool isTitleOld_ = false; ///< what is shown is not what was reported last
+    guint titleTimer_ = 0;
     bool isSandboxChecked_ = false;
+    bool isLeavingAsked_ = false;
     std::vector<guint> sources_{};
 };
 

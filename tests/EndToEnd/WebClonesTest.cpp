@@ -1,15 +1,9 @@
 // Web clones with the real engine, in a session of an ordinary user.
 #include "LaunchKit/WindowWord.h"
-#include "tests/EndToEnd/Programs.h"
-#include "tests/EndToEnd/UserSession.h"
-#include "tests/support/Waiting.h"
+#include "tests/EndToEnd/WebCloneFixture.h"
 
-#include <chrono>
-#include <csignal>
 #include <gmock/gmock.h>
 #include <netinet/in.h>
-#include <optional>
-#include <regex>
 #include <stdexcept>
 #include <sys/socket.h>
 #include <sys/stat.h>
@@ -20,161 +14,13 @@ namespace {
 using namespace testing;
 using namespace std::chrono_literals;
 using ::testing::AllOf;
-using ::testing::ElementsAre;
+using ::testing::ContainsRegex;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
 using ::testing::Not;
 namespace fs = std::filesystem;
-using Clock = std::chrono::steady_clock;
 
-constexpr auto longest = 60s; // of a machine that is busy
-
-// A user with a site of their own.
-class WebClonesTest : public ::testing::Test {
-protected:
-    void SetUp() override {
-        if (const auto missing = UserSession::missingPrograms(); !missing.empty()) {
-            GTEST_SKIP() << missing.front() << " is not installed";
-        }
-        ASSERT_FALSE(fs::exists("/.flatpak-info")) << "it switches the sandbox off";
-        session.emplace();
-        if (session->run({"/usr/bin/bwrap", "--unshare-user", "--unshare-pid", "--ro-bind", "/",
-                          "/", "/bin/true"}) != 0) {
-            GTEST_SKIP() << "this machine has no sandboxes for ordinary users";
-        }
-        session->environment["QUORVEL_WEB_HOST"] = QUORVEL_WEB_HOST;
-        session->environment["QUORVEL_LINK_DOOR"] = QUORVEL_LINK_DOOR;
-        // Compiling shaders without a graphics card takes seconds.
-        session->environment["GSK_RENDERER"] = "cairo";
-        session->write(session->home / "site.py", read(QUORVEL_SITE));
-        session
-            ->start({"/usr/bin/python3", (session->home / "site.py").string(),
-                     (session->home / "port").string(), requests().string()})
-            .detach();
-        ASSERT_TRUE(waitUntil([&] { return fs::exists(session->home / "port"); }, longest));
-    }
-
-    void TearDown() override {
-        if (session) {
-            if (HasFailure()) {
-                std::fputs((session->log() + log("Work") + read(requests())).c_str(), stderr);
-            }
-            EXPECT_FALSE(fs::exists("/.flatpak-info")) << "it would switch the sandbox off";
-        }
-    }
-
-    void create(const std::string& name, const std::string& page = "",
-                const std::vector<std::string>& more = {}) {
-        std::vector<std::string> command{QUORVEL_CTL, "create", "--kind", "web",
-                                         "--name",    name,     "--url",  address(page)};
-        command.insert(command.end(), more.begin(), more.end());
-        ASSERT_EQ(session->run(command), 0) << session->log();
-    }
-
-    int open(const std::string& name) { return session->run({QUORVEL_CTL, "open", name}); }
-
-    // Has the running clone open a page of the site.
-    int handOver(const std::string& name, const std::string& page) {
-        return session->run({runner(name), address(page)});
-    }
-
-    // Returns the process that shows the clone.
-    [[nodiscard]] pid_t process(const std::string& name) const {
-        return runnerOf(wrapper(name)).value_or(-1);
-    }
-
-    [[nodiscard]] std::vector<pid_t> pagesProcesses() const {
-        std::vector<pid_t> found;
-        for (const pid_t pid : processesWhose([](const std::string& line) {
-                 return line.find("/WebKitWebProcess") < line.find('\0');
-             })) {
-            if (read("/proc/" + std::to_string(pid) + "/environ")
-                    .find(session->folder().string()) != std::string::npos) {
-                found.push_back(pid);
-            }
-        }
-        return found;
-    }
-
-    // Ends the clone, and returns how long it took.
-    std::chrono::milliseconds end(const std::string& name) {
-        const pid_t runner = process(name);
-        const auto begin = Clock::now();
-        ::kill(runner, SIGTERM);
-        EXPECT_TRUE(waitUntil([&] { return process(name) != runner; }, longest));
-        return std::chrono::duration_cast<std::chrono::milliseconds>(Clock::now() - begin);
-    }
-
-    // Waits for a request that matches, after the first `skipped` bytes; returns its line.
-    std::string request(const std::string& pattern, std::size_t skipped = 0) {
-        std::smatch found;
-        std::string text;
-        const std::regex expression(pattern + ".*");
-        EXPECT_TRUE(waitUntil(
-            [&] {
-                text = read(requests()).substr(skipped);
-                return std::regex_search(text, found, expression);
-            },
-            longest))
-            << pattern;
-        return found.empty() ? "" : found.str(0);
-    }
-
-    // Waits for a window of the clone with such a title; returns its number.
-    std::string window(const std::string& title) {
-        std::string found;
-        EXPECT_TRUE(waitUntil(
-            [&] {
-                found = session->outputOf(
-                    {"/usr/bin/xdotool", "search", "--onlyvisible", "--name", title});
-                return !found.empty();
-            },
-            longest))
-            << title;
-        return found.substr(0, found.find('\n'));
-    }
-
-    void click(const std::string& window) {
-        session->run(
-            {"/usr/bin/xdotool", "mousemove", "--window", window, "400", "400", "click", "1"});
-    }
-
-    // Records what is sent on the bus, in a file.
-    void recordBus(const std::string& rule) {
-        session
-            ->start({"/bin/sh", "-c", "exec dbus-monitor --session \"$0\" >\"$1\" 2>&1", rule,
-                     bus().string()})
-            .detach();
-        ASSERT_TRUE(waitUntil([&] { return !read(bus()).empty(); }, longest));
-    }
-
-    [[nodiscard]] std::string busText() const {
-        return std::regex_replace(read(bus()), std::regex("\\s+"), " ");
-    }
-    [[nodiscard]] bool isOnBus(const std::string& text) const {
-        return waitUntil([&] { return busText().find(text) != std::string::npos; }, longest);
-    }
-
-    [[nodiscard]] std::string address(const std::string& page) const {
-        return "http://127.0.0.1:" + read(session->home / "port") + "/" + page;
-    }
-    [[nodiscard]] fs::path wrapper(const std::string& name) const {
-        return session->home / "Applications" / (name + ".app");
-    }
-    [[nodiscard]] std::string runner(const std::string& name) const {
-        return (wrapper(name) / "Contents/MacOS/runner").string();
-    }
-    [[nodiscard]] fs::path data(const std::string& name) const {
-        return session->home / "QuorvelInstances" / name;
-    }
-    [[nodiscard]] std::string log(const std::string& name) const {
-        return read(data(name) / "quorvel-instance.log");
-    }
-    [[nodiscard]] fs::path requests() const { return session->home / "requests"; }
-    [[nodiscard]] fs::path bus() const { return session->folder() / "home/bus"; }
-
-    std::optional<UserSession> session{};
-};
+class WebClonesTest : public WebCloneFixture {};
 
 std::string idIn(const std::string& line) {
     return line.substr(line.find("&id=") + 4, line.rfind("&webkit") - line.find("&id=") - 4);
@@ -220,11 +66,13 @@ TEST_F(WebClonesTest, TwoClonesOfOneSiteShareNothingAndLoseNothing) {
     }
     EXPECT_NE(ids.at(0), ids.at(1));
     for (const pid_t pid : pagesProcesses()) {
-        EXPECT_THAT(read("/proc/" + std::to_string(pid) + "/status"), HasSubstr("\nSeccomp:\t2\n"));
+        const std::string status = read("/proc/" + std::to_string(pid) + "/status");
+        EXPECT_THAT(status, HasSubstr("\nSeccomp:\t2\n"));
+        EXPECT_THAT(status, ContainsRegex("\nNSpid:\t[0-9]+\t[0-9]+")) << "a namespace of its own";
     }
     EXPECT_EQ(pagesProcesses().size(), 2U);
     for (const char* name : {"Work", "Play"}) {
-        EXPECT_LE(end(name), 2s);
+        EXPECT_LE(end(name), 10s);
         EXPECT_THAT(openToOthers(data(name)), IsEmpty());
         EXPECT_THAT(log(name), Not(HasSubstr("sandbox")));
     }
@@ -244,7 +92,18 @@ TEST_F(WebClonesTest, ASecondOpeningReachesTheFirst) {
     ASSERT_EQ(open("Work"), 0) << session->log();
     request("/seen");
     const pid_t first = process("Work");
-    const std::string shown = window("Inbox");
+    const std::string shown = window("Inbox.* — Work");
+    create("Play");
+    ASSERT_EQ(open("Play"), 0) << session->log();
+    const std::string other = window("Inbox.* — Play");
+    const auto isActive = [&](const std::string& window) {
+        return waitUntil(
+            [&] {
+                return session->outputOf({"/usr/bin/xdotool", "getactivewindow"}) == window + "\n";
+            },
+            longestWait);
+    };
+    EXPECT_TRUE(isActive(other));
     const std::string word = windowWord(cloneIdentity(wrapper("Work")));
     EXPECT_THAT(session->outputOf({"/usr/bin/xprop", "-id", shown, "WM_CLASS"}),
                 HasSubstr("\"" + word + "\", \"" + word + "\""));
@@ -252,7 +111,8 @@ TEST_F(WebClonesTest, ASecondOpeningReachesTheFirst) {
     EXPECT_EQ(handOver("Work", "handed-over?a=b&c"), 0);
     request("/handed-over\\?a=b&c");
     EXPECT_EQ(process("Work"), first);
-    EXPECT_THAT(session->outputOf({"/usr/bin/xdotool", "getactivewindow"}), HasSubstr(shown));
+    EXPECT_TRUE(isActive(shown));
+    end("Play");
     // The data folder decides, and not the wrapper.
     fs::rename(wrapper("Work"), wrapper("Moved"));
     EXPECT_EQ(handOver("Moved", "moved"), 0);
@@ -263,14 +123,24 @@ TEST_F(WebClonesTest, ASecondOpeningReachesTheFirst) {
     const std::size_t before = read(requests()).size();
     ASSERT_EQ(handOver("Work", "crash"), 0);
     request("/shown", before);
-    for (int time = 0; time < 3; ++time) {
-        const std::size_t sofar = read(requests()).size();
-        ASSERT_TRUE(waitUntil([&] { return pagesProcesses().size() == 1; }, longest));
-        ::kill(pagesProcesses().front(), SIGKILL);
-        request("/shown", sofar);
+    std::string sofar = read(requests());
+    const auto isCrashPage = [&] {
+        return !session->outputOf({"/usr/bin/xdotool", "search", "--name", "keeps crashing"})
+                    .empty();
+    };
+    int kills = 0;
+    // On a slow machine the first of them are a minute ago when the fourth is killed.
+    for (; kills < 40 && !isCrashPage(); ++kills) {
+        const auto processes = pagesProcesses();
+        if (processes.size() == 1) {
+            ::kill(processes.front(), SIGKILL);
+        }
+        // One that was ending anyway is not replaced again.
+        (void)waitUntil([&] { return read(requests()).size() > sofar.size() || isCrashPage(); },
+                        5s);
+        sofar = read(requests());
     }
-    ASSERT_TRUE(waitUntil([&] { return pagesProcesses().size() == 1; }, longest));
-    ::kill(pagesProcesses().front(), SIGKILL);
+    EXPECT_GE(kills, 4);
     window("keeps crashing");
     // Nobody answers there.
     ASSERT_EQ(session->run({runner("Work"), "http://127.0.0.1:" + unusedPort() + "/"}), 0);
@@ -308,12 +178,14 @@ TEST_F(WebClonesTest, PagesReachTheDesktopAsTheClone) {
     ASSERT_EQ(handOver("Work", ""), 0);
     ASSERT_EQ(handOver("Work", "badge"), 0);
     window("^\\(7\\) .*Chat.* — Work");
+    const std::string isShown = "\"count-visible\" variant boolean true";
+    const std::string isHidden = "\"count-visible\" variant boolean false";
+    EXPECT_TRUE(waitUntil(
+        [&] { return busText().rfind(isShown) + 1 > busText().rfind(isHidden) + 1; }, longestWait));
     end("Work");
-    const std::string all = busText();
-    EXPECT_GT(all.rfind("\"count-visible\" variant boolean false"),
-              all.rfind("\"count-visible\" variant boolean true"))
+    EXPECT_TRUE(waitUntil(
+        [&] { return busText().rfind(isHidden) + 1 > busText().rfind(isShown) + 1; }, longestWait))
         << "the badge is taken back";
-    EXPECT_THAT(all, HasSubstr("\"count-visible\" variant boolean true"));
 }
 
 TEST_F(WebClonesTest, ADownloadReplacesNothing) {
@@ -321,7 +193,7 @@ TEST_F(WebClonesTest, ADownloadReplacesNothing) {
     create("Work", "downloads");
     ASSERT_EQ(open("Work"), 0) << session->log();
     const fs::path saved = session->home / "Downloads/precious (2).txt";
-    EXPECT_TRUE(waitUntil([&] { return fs::exists(saved); }, longest));
+    EXPECT_TRUE(waitUntil([&] { return fs::exists(saved); }, longestWait));
     EXPECT_EQ(read(saved), "downloaded");
     EXPECT_EQ(read(session->home / "Downloads/precious.txt"), "precious");
     EXPECT_TRUE(waitUntil([&] {
@@ -333,37 +205,24 @@ TEST_F(WebClonesTest, ADownloadReplacesNothing) {
 }
 
 TEST_F(WebClonesTest, ClicksLeadWhereTheyShould) {
-    session->writeProgram(session->home / "bin/browser", "printf '%s %s\\n' \"$1\" \"$HOME\" >\"" +
-                                                             (session->home / "browsed").string() +
-                                                             "\"");
-    session->write(session->home / ".local/share/applications/browser.desktop",
-                   "[Desktop Entry]\nType=Application\nName=Browser\nExec=" +
-                       (session->home / "bin/browser").string() + " %u\n");
-    session->write(session->home / ".config/mimeapps.list",
-                   "[Default Applications]\nx-scheme-handler/http=browser.desktop\n");
+    addBrowser();
     create("Work", "link", {"--open-with"});
     ASSERT_EQ(open("Work"), 0) << session->log();
     const std::string shown = window("Link.* — Work");
     EXPECT_TRUE(waitUntil(
         [&] {
             click(shown);
-            return waitUntil([&] { return fs::exists(session->home / "browsed"); }, 2s);
+            return waitUntil([&] { return read(browsed()).ends_with('\n'); }, 2s);
         },
-        longest));
-    EXPECT_THAT(
-        read(session->home / "browsed"),
-        AllOf(HasSubstr("http://localhost:"), HasSubstr("/elsewhere " + session->home.string())));
+        longestWait));
+    EXPECT_THAT(read(browsed()),
+                AllOf(HasSubstr("http://localhost:"),
+                      HasSubstr("/elsewhere " + session->home.string() + " 0022\n")));
     EXPECT_THAT(read(requests()), Not(HasSubstr("/elsewhere"))) << "the clone stays where it is";
     // A click opens one window, which keeps its opener and says where it is.
     ASSERT_EQ(handOver("Work", "popups"), 0);
     window("Popups.* — Work");
-    EXPECT_TRUE(waitUntil(
-        [&] {
-            click(shown);
-            return waitUntil([&] { return read(requests()).find("/opened") != std::string::npos; },
-                             2s);
-        },
-        longest));
+    clickUntil(shown, "/opened");
     EXPECT_EQ(request("/opened"), "/opened?1");
     request("/signed-in\\?as-me");
     EXPECT_EQ(request("/asked"), "/asked?badge=undefined");

@@ -2,6 +2,7 @@
 import http.server
 import os
 import sys
+import threading
 
 # A visitor is known by what the browser keeps of the first visit.
 HOME = """<title>(3) Inbox</title><h1>Site</h1><script>
@@ -19,7 +20,7 @@ PAGES = {
     await navigator.setAppBadge(count).catch(error => { refused += error.name + ';'; });
   document.dispatchEvent(new CustomEvent('quorvel-badge', {detail: 1.5}));
   document.dispatchEvent(new CustomEvent('quorvel-badge', {detail: '99'}));
-  for (let count = 1; count <= 1000; ++count) navigator.setAppBadge(count);
+  for (let count = 1001; count <= 2000; ++count) navigator.setAppBadge(count);
   await navigator.setAppBadge(7);
   fetch('/badge-set?refused=' + refused);
 })();</script>""",
@@ -37,14 +38,52 @@ onclick = () => { let open = 0;
   for (let count = 0; count < 100; ++count) open += window.open('/sign-in?' + count) ? 1 : 0;
   fetch('/opened?' + open); };
 </script>""",
+    # Its window goes to a page that never comes, and goes on speaking.
+    '/opens-slow': """<title>Opens</title><body style='position:fixed;inset:0;background:#ccc'>
+<script>onclick = () => { window.open('/slow'); };</script>""",
+    '/slow': """<title>Slow</title><script>
+location = '/redirect-to-slow';
+setTimeout(() => { document.title = 'Still here'; setTimeout(() => alert('I'), 0); }, 1000);
+</script>""",
+    '/redirecting': "<title>Redirecting</title><a href='/redirect' "
+                    "style='position:fixed;inset:0;background:#ccc'>Sign in</a>",
+    '/noopener': """<title>Noopener</title><body style='position:fixed;inset:0;background:#ccc'>
+<script>onclick = () => { window.open('/by-itself', '', 'noopener'); };</script>""",
+    '/by-itself': "<title>Alone</title><script>navigator.setAppBadge?.(66);"
+                  "fetch('/alone?opener=' + window.opener)</script>",
+    '/draft': """<title>Draft</title><body style='position:fixed;inset:0;background:#ccc'><script>
+let count = 0;
+onclick = () => fetch('/typed');
+onbeforeunload = event => { navigator.sendBeacon('/leaving?' + ++count); event.preventDefault();
+                            return 'wait'; };
+</script>""",
+    '/flashing': """<title>Flashing</title><script>
+let count = 0;
+const timer = setInterval(() => {
+  document.title = ++count % 2 ? '(1) Flashing' : 'Flashing';
+  if (count === 200) { clearInterval(timer); document.title = 'Done'; }
+}, 10);
+</script>""",
     '/sign-in': "<title>Sign in</title><script>opener.postMessage('as-me', '*');"
                 "fetch('/asked?badge=' + typeof navigator.setAppBadge)</script>",
 }
+REDIRECTS = {'/redirect': '/elsewhere', '/redirect-to-slow': '/never-answers'}
 
 
 class Site(http.server.BaseHTTPRequestHandler):
     def do_GET(self):
         path = self.path.split('?')[0]
+        if path in REDIRECTS:
+            self.log_message()
+            self.send_response_only(302)
+            port = self.server.server_port
+            self.send_header('Location', f'http://localhost:{port}{REDIRECTS[path]}')
+            self.send_header('Content-Length', '0')
+            self.end_headers()
+            return
+        if path == '/never-answers':
+            self.log_message()
+            threading.Event().wait()
         page = PAGES.get(path, '').replace('PORT', str(self.server.server_port)).encode()
         if path == '/file':
             page = b'downloaded'
@@ -56,6 +95,8 @@ class Site(http.server.BaseHTTPRequestHandler):
         self.send_header('Content-Length', str(len(page)))
         self.end_headers()
         self.wfile.write(page)
+
+    do_POST = do_GET
 
     def log_message(self, *_):
         log.write(self.path + '\n')

@@ -70,5 +70,16 @@ TEST(FloodCapsTest, DialogsCanBeStoppedFromTheThirdOn) {
     EXPECT_FALSE(cap.offersToStop());
 }
 
+TEST(FloodCapsTest, APageDoesNotStartAnewByLoadingItself) {
+    PageVisit visit;
+    EXPECT_TRUE(visit.begins("a.example", 0));
+    visit.used(2);
+    EXPECT_FALSE(visit.begins("a.example", 2));
+    EXPECT_TRUE(visit.begins("a.example", 3)) << "the user did something";
+    visit.used(3);
+    EXPECT_TRUE(visit.begins("b.example", 3)) << "another host";
+    EXPECT_FALSE(visit.begins("b.example", 3));
+}
+
 } // namespace
 } // namespace quorvel

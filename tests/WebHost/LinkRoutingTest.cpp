@@ -52,8 +52,11 @@ TEST(LinkRoutingTest, AClickThatLeavesTheSiteGoesOutside) {
 
 TEST(LinkRoutingTest, SigningInOnAnotherSiteStays) {
     LinkRequest redirect = click(signIn);
-    redirect.isLinkClick = false;
-    EXPECT_EQ(decide(redirect), LinkDecision::here);
+    redirect.isRedirect = true;
+    EXPECT_EQ(decide(redirect), LinkDecision::here) << "the click itself was on this site";
+    LinkRequest form = click(signIn);
+    form.isLinkClick = false;
+    EXPECT_EQ(decide(form), LinkDecision::here);
     EXPECT_EQ(decide(click("https://help.identity.net/", signIn)), LinkDecision::here);
     EXPECT_EQ(decide(click(home, signIn)), LinkDecision::here) << "the way back";
     EXPECT_EQ(decide(click(elsewhere, signIn)), LinkDecision::outside);
@@ -68,6 +71,16 @@ TEST(LinkRoutingTest, APopupMayGoAnywhereButItsOwnNewWindowsMayNot) {
     EXPECT_EQ(decide(request), LinkDecision::here);
     request.isNewWindow = true;
     EXPECT_EQ(decide(request), LinkDecision::outside);
+}
+
+TEST(LinkRoutingTest, LinksStayInsideWhereTheCloneSaysSo) {
+    LinkRequest request = click(elsewhere);
+    request.staysInside = true;
+    EXPECT_EQ(decide(request), LinkDecision::here);
+    request.isNewWindow = true;
+    EXPECT_EQ(decide(request), LinkDecision::here);
+    request.address = "mailto:a@b.c";
+    EXPECT_EQ(decide(request), LinkDecision::ask) << "which the clone can't show";
 }
 
 TEST(LinkRoutingTest, WithoutAnAddressOfItsOwnNothingLeaves) {

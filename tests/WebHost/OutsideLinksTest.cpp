@@ -1,6 +1,7 @@
 #include "WebHost/OutsideLinks.h"
 
 #include "LinkDoor/LinkSession.h"
+#include "Platform/processes/FileMask.h"
 #include "tests/support/TemporaryHome.h"
 #include "tests/support/Waiting.h"
 
@@ -37,7 +38,7 @@ protected:
     }
 
     [[nodiscard]] std::string cloneHome() const { return (folder_ / "clone").string(); }
-    [[nodiscard]] OutsideLinks links() const { return {cloneHome(), {}, session_, clone_}; }
+    [[nodiscard]] OutsideLinks links() const { return {cloneHome(), {}, session_, clone_, 022}; }
 
     TemporaryFolder folder_{};
     ScopedEnvironment path_{"PATH", folder_.path().string() + ":/usr/bin:/bin"};
@@ -67,6 +68,19 @@ TEST_F(OutsideLinksTest, WithoutThatProgramXdgOpenIsAsked) {
     }
     EXPECT_TRUE(links().open("https://example.com/"));
     EXPECT_EQ(called("xdg-open"), "/home/user\n\n1\nhttps://example.com/\n");
+}
+
+TEST_F(OutsideLinksTest, TheBrowserMakesFilesAsTheSessionDoes) {
+    for (const char* name : {"door", "xdg-open"}) {
+        write(folder_ / name, "#!/bin/sh\numask >\"$0.part\" && mv \"$0.part\" \"$0.called\"\n");
+    }
+    const OutsideLinks outside = links();
+    const ScopedFileMask closed(077);
+    EXPECT_TRUE(outside.open("https://example.com/"));
+    EXPECT_EQ(called("door"), "0022\n");
+    EXPECT_TRUE(outside.open("tel:1"));
+    EXPECT_EQ(called("xdg-open"), "0022\n");
+    EXPECT_EQ(setFileMask(077), 077U) << "ours stays";
 }
 
 TEST_F(OutsideLinksTest, WhatIsNoAddressStartsNothing) {

@@ -30,5 +30,9 @@ TEST(StatusPagesTest, ThePageCanBeTriedAgain) {
     EXPECT_THAT(certificatePage(address, "It is too old."), HasSubstr("It is too old."));
 }
 
+TEST(StatusPagesTest, LinesOfATextStayLines) {
+    EXPECT_EQ(htmlText("a\n<b>\u202ec"), "a\n&lt;b&gt;c");
+}
+
 } // namespace
 } // namespace quorvel

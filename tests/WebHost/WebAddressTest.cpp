@@ -80,5 +80,14 @@ TEST(WebAddressTest, ASchemeIsLettersFirst) {
     EXPECT_FALSE(isWebAddress("httpsx://x"));
 }
 
+TEST(WebAddressTest, OnlyNumbersAndLocalhostAreThisComputer) {
+    EXPECT_TRUE(isThisComputer("localhost"));
+    EXPECT_TRUE(isThisComputer("127.0.0.1"));
+    for (const char* host :
+         {"127.evil.org", "127.0.0.1.evil.org", "localhost.evil.org", "10.0.0.1", ""}) {
+        EXPECT_FALSE(isThisComputer(host)) << host;
+    }
+}
+
 } // namespace
 } // namespace quorvel

@@ -23,5 +23,13 @@ TEST(WebFoldersTest, EveryFolderOfTheSessionIsReplaced) {
     EXPECT_EQ(environment.at("LANG"), "de_DE");
 }
 
+TEST(WebFoldersTest, InTheUsersOwnHomeTheCacheIsNotOpenedToPages) {
+    const TemporaryHome user;
+    const Environment environment = webEnvironment(
+        user.path().string(), {{"HOME", user.path().string()}, {"XDG_CACHE_HOME", "/x"}}, {});
+    EXPECT_EQ(environment.at("XDG_CACHE_HOME"),
+              user.path().string() + "/.local/share/quorvel/web/pages");
+}
+
 } // namespace
 } // namespace quorvel

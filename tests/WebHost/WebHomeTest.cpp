@@ -31,6 +31,16 @@ TEST(WebHomeTest, AllWebDataIsBelowTheHomeAndClosedToOthers) {
     EXPECT_THAT(home.windowState, StartsWith(home.folder + "/"));
 }
 
+TEST(WebHomeTest, AHomeThatIsThereKeepsItsPermissions) {
+    const TemporaryFolder folder;
+    const WebHome home{(folder / "shared").string()};
+    fs::create_directory(home.home);
+    fs::permissions(home.home, fs::perms{0750});
+    home.create();
+    EXPECT_EQ(fs::status(home.home).permissions(), fs::perms{0750});
+    EXPECT_EQ(fs::status(home.folder).permissions(), fs::perms{0700});
+}
+
 TEST(WebHomeTest, AFolderThatIsALinkIsRefused) {
     const TemporaryFolder folder;
     const WebHome home{(folder / "I").string()};
@@ -42,17 +52,21 @@ TEST(WebHomeTest, AFolderThatIsALinkIsRefused) {
 
 TEST(WebHomeTest, PagesProcessesDontGetSecretsUnlessTheCloneSaysSo) {
     const TemporaryHome user;
-    Environment session{{"DISPLAY", ":1"}, {"XDG_ACTIVATION_TOKEN", "x"}};
+    const Environment wanted{{"DISPLAY", ":1"},          {"WAYLAND_DISPLAY", "w"},
+                             {"LC_TIME", "de_DE.UTF-8"}, {"XDG_ACTIVATION_TOKEN", "x"},
+                             {"GDK_BACKEND", "x11"},     {"https_proxy", "http://p:1"}};
+    Environment session = wanted;
     for (const char* name :
          {"SSH_AUTH_SOCK", "GITHUB_TOKEN", "MY_API_KEY", "DB_PASSWORD", "AWS_SECRET_ACCESS_KEY",
-          "QUORVEL_WEB_HOST", "WEBKIT_DISABLE_SANDBOX_THIS_IS_DANGEROUS", "GPG_AGENT_INFO"}) {
+          "AWS_ACCESS_KEY_ID", "PGPASSFILE", "MYSQL_PWD", "DB_PASS", "GITHUB_PAT", "DATABASE_URL",
+          "my_token", "QUORVEL_WEB_HOST", "WEBKIT_DISABLE_SANDBOX_THIS_IS_DANGEROUS",
+          "WEBKIT_INSPECTOR_SERVER", "GPG_AGENT_INFO"}) {
         session[name] = "x";
     }
     const std::string home = (user / "I").string();
     const Environment environment = webEnvironment(home, session, {{"APP_TOKEN", "wanted"}});
     for (const auto& [name, value] : session) {
-        EXPECT_EQ(environment.contains(name), name == "DISPLAY" || name == "XDG_ACTIVATION_TOKEN")
-            << name;
+        EXPECT_EQ(environment.contains(name), wanted.contains(name)) << name;
     }
     EXPECT_EQ(environment.at("APP_TOKEN"), "wanted");
 }

@@ -1,0 +1,47 @@
+#pragma once
+
+#include "WebHost/HostQuestion.h"
+#include "WebHost/PermissionStore.h"
+
+#include <functional>
+#include <map>
+#include <set>
+#include <string>
+#include <vector>
+
+namespace quorvel {
+
+/// Answers what a page asks for: as the user answered before, or by asking. What is asked for
+/// several times is one question, and one that was closed is not asked again until `reset`.
+class PermissionQuestions {
+public:
+    /// Shows the question later or at once. Returns false if it can't, and forgets it.
+    using Ask = std::function<bool(HostQuestion)>;
+
+    /// `closed` is called whenever the user closes a question.
+    PermissionQuestions(PermissionStore& store, Ask ask, std::function<void()> closed);
+
+    /// Questions that were closed may be asked again.
+    void reset() { closed_.clear(); }
+
+    /// Has `done` called with the answer to a question about an origin, now or later.
+    void decide(const std::string& origin, const std::string& kind, const std::string& text,
+                std::function<void(bool)> done);
+
+    [[nodiscard]] const PermissionStore& store() const { return store_; }
+
+private:
+    void finish(const std::string& key, bool isAllowed);
+
+    PermissionStore& store_;
+    Ask ask_;
+    std::function<void()> whenClosed_;
+    std::set<std::string> closed_{};
+    std::map<std::string, std::vector<std::function<void(bool)>>> waiting_{};
+};
+
+/// Returns what the user is asked when a page of that host has a link for another program. Both may
+/// be what the page likes.
+[[nodiscard]] std::string otherProgramQuestion(const std::string& host, const std::string& scheme);
+
+} // namespace quorvel

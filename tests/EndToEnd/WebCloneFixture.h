@@ -1,0 +1,205 @@
+#pragma once
+
+#include "tests/EndToEnd/Programs.h"
+#include "tests/EndToEnd/UserSession.h"
+#include "tests/support/Waiting.h"
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <csignal>
+#include <cstdio>
+#include <filesystem>
+#include <optional>
+#include <regex>
+#include <string>
+#include <vector>
+
+namespace quorvel::testing {
+
+inline constexpr std::chrono::seconds longestWait{90}; ///< on a machine that is busy
+
+/// A user with a site of their own and clones of it, in a session of an ordinary user.
+class WebCloneFixture : public ::testing::Test {
+protected:
+    void SetUp() override {
+        if (const auto missing = UserSession::missingPrograms(); !missing.empty()) {
+            GTEST_SKIP() << missing.front() << " is not installed";
+        }
+        for (const char* program :
+             {"/usr/bin/bwrap", "/usr/bin/dbus-monitor", "/usr/bin/python3", "/usr/bin/xprop"}) {
+            if (!std::filesystem::exists(program)) {
+                GTEST_SKIP() << program << " is not installed";
+            }
+        }
+        ASSERT_FALSE(std::filesystem::exists("/.flatpak-info")) << "it switches the sandbox off";
+        session.emplace();
+        if (session->run({"/usr/bin/bwrap", "--unshare-user", "--unshare-pid", "--ro-bind", "/",
+                          "/", "/bin/true"}) != 0) {
+            GTEST_SKIP() << "this machine has no sandboxes for ordinary users";
+        }
+        session->environment["QUORVEL_WEB_HOST"] = QUORVEL_WEB_HOST;
+        session->environment["QUORVEL_LINK_DOOR"] = QUORVEL_LINK_DOOR;
+        // Compiling shaders without a graphics card takes seconds.
+        session->environment["GSK_RENDERER"] = "cairo";
+        session->write(session->home / "site.py", read(QUORVEL_SITE));
+        session
+            ->start({"/usr/bin/python3", (session->home / "site.py").string(),
+                     (session->home / "port").string(), requests().string()})
+            .detach();
+        ASSERT_TRUE(waitUntil([&] { return std::filesystem::exists(session->home / "port"); },
+                              longestWait));
+    }
+
+    void TearDown() override {
+        if (session) {
+            if (HasFailure()) {
+                std::fputs((session->log() + log("Work") + read(requests())).c_str(), stderr);
+            }
+            EXPECT_FALSE(std::filesystem::exists("/.flatpak-info"))
+                << "it would switch the sandbox off";
+        }
+    }
+
+    void create(const std::string& name, const std::string& page = "",
+                const std::vector<std::string>& more = {}) {
+        std::vector<std::string> command{QUORVEL_CTL, "create", "--kind", "web",
+                                         "--name",    name,     "--url",  address(page)};
+        command.insert(command.end(), more.begin(), more.end());
+        ASSERT_EQ(session->run(command), 0) << session->log();
+    }
+
+    int open(const std::string& name) { return session->run({QUORVEL_CTL, "open", name}); }
+
+    // Has the running clone open a page of the site.
+    int handOver(const std::string& name, const std::string& page) {
+        return session->run({runner(name), address(page)});
+    }
+
+    // Returns the process that shows the clone.
+    [[nodiscard]] pid_t process(const std::string& name) const {
+        return runnerOf(wrapper(name)).value_or(-1);
+    }
+
+    [[nodiscard]] std::vector<pid_t> pagesProcesses() const {
+        std::vector<pid_t> found;
+        for (const pid_t pid : processesWhose([](const std::string& line) {
+                 return line.find("/WebKitWebProcess") < line.find('\0');
+             })) {
+            if (read("/proc/" + std::to_string(pid) + "/environ")
+                    .find(session->folder().string()) != std::string::npos) {
+                found.push_back(pid);
+            }
+        }
+        return found;
+    }
+
+    // Ends the clone, and returns how long it took.
+    std::chrono::milliseconds end(const std::string& name) {
+        const pid_t runner = process(name);
+        const auto begin = std::chrono::steady_clock::now();
+        ::kill(runner, SIGTERM);
+        EXPECT_TRUE(waitUntil([&] { return process(name) != runner; }, longestWait));
+        return std::chrono::duration_cast<std::chrono::milliseconds>(
+            std::chrono::steady_clock::now() - begin);
+    }
+
+    // Waits for a request that matches, after the first `skipped` bytes; returns its line.
+    std::string request(const std::string& pattern, std::size_t skipped = 0) {
+        std::smatch found;
+        std::string text;
+        const std::regex expression(pattern + ".*");
+        EXPECT_TRUE(waitUntil(
+            [&] {
+                text = read(requests()).substr(skipped);
+                return std::regex_search(text, found, expression);
+            },
+            longestWait))
+            << pattern;
+        return found.empty() ? "" : found.str(0);
+    }
+
+    // Waits for a window of the clone with such a title; returns its number.
+    std::string window(const std::string& title) {
+        std::string found;
+        EXPECT_TRUE(waitUntil(
+            [&] {
+                found = session->outputOf(
+                    {"/usr/bin/xdotool", "search", "--onlyvisible", "--name", title});
+                return !found.empty();
+            },
+            longestWait))
+            << title;
+        return found.substr(0, found.find('\n'));
+    }
+
+    void click(const std::string& window) {
+        session->run(
+            {"/usr/bin/xdotool", "mousemove", "--window", window, "400", "400", "click", "1"});
+    }
+
+    void press(const std::string& keys) { session->run({"/usr/bin/xdotool", "key", keys}); }
+
+    // Clicks until the site gets such a request.
+    void clickUntil(const std::string& window, const std::string& text) {
+        EXPECT_TRUE(waitUntil(
+            [&] {
+                click(window);
+                return waitUntil([&] { return read(requests()).find(text) != std::string::npos; },
+                                 std::chrono::seconds(2));
+            },
+            longestWait))
+            << text;
+    }
+
+    // Makes a program the default browser that writes what it is given to "browsed".
+    void addBrowser() {
+        session->writeProgram(session->home / "bin/browser",
+                              "printf '%s %s %s\\n' \"$1\" \"$HOME\" \"$(umask)\" >\"" +
+                                  browsed().string() + "\"");
+        session->write(session->home / ".local/share/applications/browser.desktop",
+                       "[Desktop Entry]\nType=Application\nName=Browser\nExec=" +
+                           (session->home / "bin/browser").string() + " %u\n");
+        session->write(session->home / ".config/mimeapps.list",
+                       "[Default Applications]\nx-scheme-handler/http=browser.desktop\n");
+    }
+    [[nodiscard]] std::filesystem::path browsed() const { return session->home / "browsed"; }
+
+    // Records what is sent on the bus, in a file.
+    void recordBus(const std::string& rule) {
+        session
+            ->start({"/bin/sh", "-c", "exec dbus-monitor --session \"$0\" >\"$1\" 2>&1", rule,
+                     bus().string()})
+            .detach();
+        ASSERT_TRUE(waitUntil([&] { return !read(bus()).empty(); }, longestWait));
+    }
+
+    [[nodiscard]] std::string busText() const {
+        return std::regex_replace(read(bus()), std::regex("\\s+"), " ");
+    }
+    [[nodiscard]] bool isOnBus(const std::string& text) const {
+        return waitUntil([&] { return busText().find(text) != std::string::npos; }, longestWait);
+    }
+
+    [[nodiscard]] std::string address(const std::string& page) const {
+        return "http://127.0.0.1:" + read(session->home / "port") + "/" + page;
+    }
+    [[nodiscard]] std::filesystem::path wrapper(const std::string& name) const {
+        return session->home / "Applications" / (name + ".app");
+    }
+    [[nodiscard]] std::string runner(const std::string& name) const {
+        return (wrapper(name) / "Contents/MacOS/runner").string();
+    }
+    [[nodiscard]] std::filesystem::path data(const std::string& name) const {
+        return session->home / "QuorvelInstances" / name;
+    }
+    [[nodiscard]] std::string log(const std::string& name) const {
+        return read(data(name) / "quorvel-instance.log");
+    }
+    [[nodiscard]] std::filesystem::path requests() const { return session->home / "requests"; }
+    [[nodiscard]] std::filesystem::path bus() const { return session->folder() / "home/bus"; }
+
+    std::optional<UserSession> session{};
+};
+
+} // namespace quorvel::testing

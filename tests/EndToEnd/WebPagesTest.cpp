@@ -1,0 +1,99 @@
+// What pages of web clones may do, with the real engine.
+#include "tests/EndToEnd/WebCloneFixture.h"
+
+namespace quorvel {
+namespace {
+
+using namespace testing;
+namespace fs = std::filesystem;
+
+class WebPagesTest : public WebCloneFixture {
+protected:
+    // Opens a clone with such a page; returns its window.
+    std::string openPage(const std::string& page, const std::string& title,
+                         const std::vector<std::string>& more = {}) {
+        create("Work", page, more);
+        EXPECT_EQ(open("Work"), 0) << session->log();
+        return window(title + ".* — Work");
+    }
+};
+
+TEST_F(WebPagesTest, APageCantSpeakForOneThatIsOnItsWay) {
+    const std::string shown = openPage("opens-slow", "Opens");
+    clickUntil(shown, "/never-answers");
+    window("^127\\.0\\.0\\.1 — .*Still here.* — Work");
+    window("^127\\.0\\.0\\.1 says");
+}
+
+TEST_F(WebPagesTest, ARedirectAfterAClickStays) {
+    addBrowser();
+    clickUntil(openPage("redirecting", "Redirecting"), "/elsewhere");
+    EXPECT_FALSE(fs::exists(browsed())) << read(browsed());
+}
+
+TEST_F(WebPagesTest, LinksStayInsideWhereTheCloneSaysSo) {
+    addBrowser();
+    clickUntil(openPage("link", "Link", {"--links", "inside"}), "/elsewhere");
+    EXPECT_FALSE(fs::exists(browsed())) << read(browsed());
+}
+
+TEST_F(WebPagesTest, AWindowWithoutAnOpenerHasNoBadge) {
+    recordBus("interface='com.canonical.Unity.LauncherEntry'");
+    clickUntil(openPage("noopener", "Noopener", {"--open-with"}), "/alone");
+    EXPECT_EQ(request("/alone"), "/alone?opener=null");
+    ASSERT_EQ(handOver("Work", "badge"), 0);
+    EXPECT_TRUE(isOnBus("int64 7 ")) << "the clone's own window has one";
+    EXPECT_EQ(busText().find("int64 66 "), std::string::npos);
+}
+
+TEST_F(WebPagesTest, APageThatWasNotLeftAsksAgain) {
+    const std::string shown = openPage("draft", "Draft");
+    clickUntil(shown, "/typed");
+    const pid_t host = process("Work");
+    for (const char* time : {"1", "2"}) {
+        press("ctrl+w");
+        request(std::string("/leaving\\?") + time);
+        const std::string dialog = window("^Leave this page");
+        press("Escape");
+        EXPECT_TRUE(waitUntil(
+            [&] {
+                return session
+                    ->outputOf({"/usr/bin/xdotool", "search", "--onlyvisible", "--name",
+                                "^Leave this page"})
+                    .empty();
+            },
+            longestWait));
+    }
+    EXPECT_EQ(process("Work"), host);
+}
+
+TEST_F(WebPagesTest, ATitleThatFlashesDoesNotFloodTheDock) {
+    recordBus("interface='com.canonical.Unity.LauncherEntry'");
+    const auto begin = std::chrono::steady_clock::now();
+    openPage("flashing", "Done");
+    const auto seconds =
+        std::chrono::ceil<std::chrono::seconds>(std::chrono::steady_clock::now() - begin);
+    end("Work");
+    const std::string all = busText();
+    const auto countOf = [&](const std::string& text) {
+        long count = 0;
+        for (std::size_t at = all.find(text); at != std::string::npos;
+             at = all.find(text, at + 1)) {
+            ++count;
+        }
+        return count;
+    };
+    EXPECT_GE(countOf("member=Update"), 1);
+    EXPECT_LE(countOf("member=Update"), 4 * seconds.count() + 4);
+    EXPECT_LE(countOf("\"urgent\" variant boolean true"), seconds.count() / 10 + 1);
+}
+
+TEST_F(WebPagesTest, PagesWithoutASandboxAreReportedInTheLog) {
+    openPage("", "Inbox", {"--env", "WEBKIT_DISABLE_SANDBOX_THIS_IS_DANGEROUS=1"});
+    EXPECT_TRUE(waitUntil(
+        [&] { return log("Work").find("pages run without their sandbox\n") != std::string::npos; },
+        longestWait));
+}
+
+} // namespace
+} // namespace quorvel
