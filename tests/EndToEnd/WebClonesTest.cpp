@@ -55,7 +55,7 @@ std::vector<std::string> openToOthers(const fs::path& folder) {
 
 TEST_F(WebClonesTest, TwoClonesOfOneSiteShareNothingAndLoseNothing) {
     std::vector<std::string> ids;
-    for (const char* name : {"Work", "Play"}) {
+    for (const char* name : {"Portal", "Forum"}) {
         create(name);
         const std::size_t before = read(requests()).size();
         ASSERT_EQ(open(name), 0) << session->log();
@@ -71,14 +71,14 @@ TEST_F(WebClonesTest, TwoClonesOfOneSiteShareNothingAndLoseNothing) {
         EXPECT_THAT(status, ContainsRegex("\nNSpid:\t[0-9]+\t[0-9]+")) << "a namespace of its own";
     }
     EXPECT_EQ(pagesProcesses().size(), 2U);
-    for (const char* name : {"Work", "Play"}) {
+    for (const char* name : {"Portal", "Forum"}) {
         EXPECT_LE(end(name), 10s);
         EXPECT_THAT(openToOthers(data(name)), IsEmpty());
         EXPECT_THAT(log(name), Not(HasSubstr("sandbox")));
     }
     EXPECT_TRUE(waitUntil([&] { return pagesProcesses().empty(); })) << "nothing is left";
     for (std::size_t clone = 0; clone < 2; ++clone) {
-        const std::string name = clone == 0 ? "Work" : "Play";
+        const std::string name = clone == 0 ? "Portal" : "Forum";
         const std::size_t before = read(requests()).size();
         ASSERT_EQ(open(name), 0) << session->log();
         const std::string seen = request("/seen", before);
@@ -88,14 +88,14 @@ TEST_F(WebClonesTest, TwoClonesOfOneSiteShareNothingAndLoseNothing) {
 }
 
 TEST_F(WebClonesTest, ASecondOpeningReachesTheFirst) {
-    create("Work", "", {"--open-with"});
-    ASSERT_EQ(open("Work"), 0) << session->log();
+    create("Portal", "", {"--open-with"});
+    ASSERT_EQ(open("Portal"), 0) << session->log();
     request("/seen");
-    const pid_t first = process("Work");
-    const std::string shown = window("Inbox.* — Work");
-    create("Play");
-    ASSERT_EQ(open("Play"), 0) << session->log();
-    const std::string other = window("Inbox.* — Play");
+    const pid_t first = process("Portal");
+    const std::string shown = window("Inbox.* — Portal");
+    create("Forum");
+    ASSERT_EQ(open("Forum"), 0) << session->log();
+    const std::string other = window("Inbox.* — Forum");
     const auto isActive = [&](const std::string& window) {
         return waitUntil(
             [&] {
@@ -104,24 +104,24 @@ TEST_F(WebClonesTest, ASecondOpeningReachesTheFirst) {
             longestWait);
     };
     EXPECT_TRUE(isActive(other));
-    const std::string word = windowWord(cloneIdentity(wrapper("Work")));
+    const std::string word = windowWord(cloneIdentity(wrapper("Portal")));
     EXPECT_THAT(session->outputOf({"/usr/bin/xprop", "-id", shown, "WM_CLASS"}),
                 HasSubstr("\"" + word + "\", \"" + word + "\""));
     EXPECT_TRUE(fs::exists(session->home / ".local/share/applications" / (word + ".desktop")));
-    EXPECT_EQ(handOver("Work", "handed-over?a=b&c"), 0);
+    EXPECT_EQ(handOver("Portal", "handed-over?a=b&c"), 0);
     request("/handed-over\\?a=b&c");
-    EXPECT_EQ(process("Work"), first);
+    EXPECT_EQ(process("Portal"), first);
     EXPECT_TRUE(isActive(shown));
-    end("Play");
+    end("Forum");
     // The data folder decides, and not the wrapper.
-    fs::rename(wrapper("Work"), wrapper("Moved"));
+    fs::rename(wrapper("Portal"), wrapper("Moved"));
     EXPECT_EQ(handOver("Moved", "moved"), 0);
     request("/moved");
-    fs::rename(wrapper("Moved"), wrapper("Work"));
-    EXPECT_EQ(session->run({runner("Work"), "file:///etc/passwd"}), 64);
+    fs::rename(wrapper("Moved"), wrapper("Portal"));
+    EXPECT_EQ(session->run({runner("Portal"), "file:///etc/passwd"}), 64);
     // A page whose process dies is back at once, and after several times there is a page instead.
     const std::size_t before = read(requests()).size();
-    ASSERT_EQ(handOver("Work", "crash"), 0);
+    ASSERT_EQ(handOver("Portal", "crash"), 0);
     request("/shown", before);
     std::string sofar = read(requests());
     const auto isCrashPage = [&] {
@@ -143,46 +143,46 @@ TEST_F(WebClonesTest, ASecondOpeningReachesTheFirst) {
     EXPECT_GE(kills, 4);
     window("keeps crashing");
     // Nobody answers there.
-    ASSERT_EQ(session->run({runner("Work"), "http://127.0.0.1:" + unusedPort() + "/"}), 0);
-    window("Can’t open 127.0.0.1.* — Work");
-    EXPECT_EQ(process("Work"), first);
+    ASSERT_EQ(session->run({runner("Portal"), "http://127.0.0.1:" + unusedPort() + "/"}), 0);
+    window("Can’t open 127.0.0.1.* — Portal");
+    EXPECT_EQ(process("Portal"), first);
 }
 
 TEST_F(WebClonesTest, PagesReachTheDesktopAsTheClone) {
-    create("Work", "", {"--open-with"});
-    const std::string word = windowWord(cloneIdentity(wrapper("Work")));
+    create("Portal", "", {"--open-with"});
+    const std::string word = windowWord(cloneIdentity(wrapper("Portal")));
     const std::string origin = address("").substr(0, address("").size() - 1);
-    session->write(data("Work") / ".local/share/quorvel/web/permissions.json",
+    session->write(data("Portal") / ".local/share/quorvel/web/permissions.json",
                    R"({"permissions":{")" + origin + R"( notifications":"allow"}})");
     recordBus("eavesdrop=true");
-    ASSERT_EQ(open("Work"), 0) << session->log();
+    ASSERT_EQ(open("Portal"), 0) << session->log();
     request("/seen");
     EXPECT_TRUE(isOnBus("\"application://" + word + ".desktop\""));
     EXPECT_TRUE(isOnBus("int64 3 ")) << "the count in the title";
-    window("\\(3\\) Inbox.* — Work");
-    ASSERT_EQ(handOver("Work", "badge"), 0);
+    window("\\(3\\) Inbox.* — Portal");
+    ASSERT_EQ(handOver("Portal", "badge"), 0);
     EXPECT_EQ(request("/badge-set"), "/badge-set?refused=TypeError;TypeError;TypeError;");
-    window("^\\(7\\) .*Chat.* — Work");
+    window("^\\(7\\) .*Chat.* — Portal");
     EXPECT_TRUE(isOnBus("int64 7 "));
     EXPECT_EQ(busText().find("int64 99 "), std::string::npos);
-    ASSERT_EQ(handOver("Work", "notice"), 0);
+    ASSERT_EQ(handOver("Portal", "notice"), 0);
     EXPECT_EQ(request("/notified"), "/notified?granted");
-    EXPECT_TRUE(isOnBus("string \"Hello 4 — Work\""));
+    EXPECT_TRUE(isOnBus("string \"Hello 4 — Portal\""));
     EXPECT_TRUE(isOnBus("string \"&lt;b&gt;you&lt;/b&gt;\""));
     EXPECT_TRUE(isOnBus("string \"desktop-entry\" variant string \"" + word));
-    ASSERT_EQ(handOver("Work", "badge-cleared"), 0);
-    window("\\(5\\) Chat.* — Work");
+    ASSERT_EQ(handOver("Portal", "badge-cleared"), 0);
+    window("\\(5\\) Chat.* — Portal");
     EXPECT_EQ(busText().find("int64 5 "), std::string::npos) << "the page's own count is 0";
-    EXPECT_EQ(read(bus()).find("Hello 5 — Work"), std::string::npos) << "five a minute";
+    EXPECT_EQ(read(bus()).find("Hello 5 — Portal"), std::string::npos) << "five a minute";
     EXPECT_EQ(read(bus()).find("member=SearchItems"), std::string::npos);
-    ASSERT_EQ(handOver("Work", ""), 0);
-    ASSERT_EQ(handOver("Work", "badge"), 0);
-    window("^\\(7\\) .*Chat.* — Work");
+    ASSERT_EQ(handOver("Portal", ""), 0);
+    ASSERT_EQ(handOver("Portal", "badge"), 0);
+    window("^\\(7\\) .*Chat.* — Portal");
     const std::string isShown = "\"count-visible\" variant boolean true";
     const std::string isHidden = "\"count-visible\" variant boolean false";
     EXPECT_TRUE(waitUntil(
         [&] { return busText().rfind(isShown) + 1 > busText().rfind(isHidden) + 1; }, longestWait));
-    end("Work");
+    end("Portal");
     EXPECT_TRUE(waitUntil(
         [&] { return busText().rfind(isHidden) + 1 > busText().rfind(isShown) + 1; }, longestWait))
         << "the badge is taken back";
@@ -190,8 +190,8 @@ TEST_F(WebClonesTest, PagesReachTheDesktopAsTheClone) {
 
 TEST_F(WebClonesTest, ADownloadReplacesNothing) {
     session->write(session->home / "Downloads/precious.txt", "precious");
-    create("Work", "downloads");
-    ASSERT_EQ(open("Work"), 0) << session->log();
+    create("Portal", "downloads");
+    ASSERT_EQ(open("Portal"), 0) << session->log();
     const fs::path saved = session->home / "Downloads/precious (2).txt";
     EXPECT_TRUE(waitUntil([&] { return fs::exists(saved); }, longestWait));
     EXPECT_EQ(read(saved), "downloaded");
@@ -206,9 +206,9 @@ TEST_F(WebClonesTest, ADownloadReplacesNothing) {
 
 TEST_F(WebClonesTest, ClicksLeadWhereTheyShould) {
     addBrowser();
-    create("Work", "link", {"--open-with"});
-    ASSERT_EQ(open("Work"), 0) << session->log();
-    const std::string shown = window("Link.* — Work");
+    create("Portal", "link", {"--open-with"});
+    ASSERT_EQ(open("Portal"), 0) << session->log();
+    const std::string shown = window("Link.* — Portal");
     EXPECT_TRUE(waitUntil(
         [&] {
             click(shown);
@@ -220,30 +220,30 @@ TEST_F(WebClonesTest, ClicksLeadWhereTheyShould) {
                       HasSubstr("/elsewhere " + session->home.string() + " 0022\n")));
     EXPECT_THAT(read(requests()), Not(HasSubstr("/elsewhere"))) << "the clone stays where it is";
     // A click opens one window, which keeps its opener and says where it is.
-    ASSERT_EQ(handOver("Work", "popups"), 0);
-    window("Popups.* — Work");
+    ASSERT_EQ(handOver("Portal", "popups"), 0);
+    window("Popups.* — Portal");
     clickUntil(shown, "/opened");
     EXPECT_EQ(request("/opened"), "/opened?1");
     request("/signed-in\\?as-me");
     EXPECT_EQ(request("/asked"), "/asked?badge=undefined");
-    window("^127\\.0\\.0\\.1 — .*Sign in.* — Work");
+    window("^127\\.0\\.0\\.1 — .*Sign in.* — Portal");
 }
 
 TEST_F(WebClonesTest, WithoutASessionBusItIsRefused) {
-    create("Work");
+    create("Portal");
     session->environment["DBUS_SESSION_BUS_ADDRESS"] = "unix:path=/nonexistent/bus";
     const std::string sentence =
         "“Work” needs a session bus, and none answers; install the package "
         "dbus-user-session, and log in again\n";
-    EXPECT_EQ(session->run({runner("Work")}), 69);
+    EXPECT_EQ(session->run({runner("Portal")}), 69);
     EXPECT_THAT(session->log(), HasSubstr("quorvel-runner: " + sentence));
-    EXPECT_EQ(log("Work"), "quorvel-runner: " + sentence);
-    EXPECT_NE(open("Work"), 0);
+    EXPECT_EQ(log("Portal"), "quorvel-runner: " + sentence);
+    EXPECT_NE(open("Portal"), 0);
     EXPECT_THAT(session->log(), HasSubstr(sentence));
     // Nor is one started where the variable is missing.
     session->environment.erase("DBUS_SESSION_BUS_ADDRESS");
     session->environment["XDG_RUNTIME_DIR"] = session->home.string();
-    EXPECT_EQ(session->run({runner("Work")}), 69);
+    EXPECT_EQ(session->run({runner("Portal")}), 69);
     EXPECT_THAT(pagesProcesses(), IsEmpty());
 }
 

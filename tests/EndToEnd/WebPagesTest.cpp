@@ -12,16 +12,16 @@ protected:
     // Opens a clone with such a page; returns its window.
     std::string openPage(const std::string& page, const std::string& title,
                          const std::vector<std::string>& more = {}) {
-        create("Work", page, more);
-        EXPECT_EQ(open("Work"), 0) << session->log();
-        return window(title + ".* — Work");
+        create("Portal", page, more);
+        EXPECT_EQ(open("Portal"), 0) << session->log();
+        return window(title + ".* — Portal");
     }
 };
 
 TEST_F(WebPagesTest, APageCantSpeakForOneThatIsOnItsWay) {
     const std::string shown = openPage("opens-slow", "Opens");
     clickUntil(shown, "/never-answers");
-    window("^127\\.0\\.0\\.1 — .*Still here.* — Work");
+    window("^127\\.0\\.0\\.1 — .*Still here.* — Portal");
     window("^127\\.0\\.0\\.1 says");
 }
 
@@ -41,7 +41,7 @@ TEST_F(WebPagesTest, AWindowWithoutAnOpenerHasNoBadge) {
     recordBus("interface='com.canonical.Unity.LauncherEntry'");
     clickUntil(openPage("noopener", "Noopener", {"--open-with"}), "/alone");
     EXPECT_EQ(request("/alone"), "/alone?opener=null");
-    ASSERT_EQ(handOver("Work", "badge"), 0);
+    ASSERT_EQ(handOver("Portal", "badge"), 0);
     EXPECT_TRUE(isOnBus("int64 7 ")) << "the clone's own window has one";
     EXPECT_EQ(busText().find("int64 66 "), std::string::npos);
 }
@@ -49,7 +49,7 @@ TEST_F(WebPagesTest, AWindowWithoutAnOpenerHasNoBadge) {
 TEST_F(WebPagesTest, APageThatWasNotLeftAsksAgain) {
     const std::string shown = openPage("draft", "Draft");
     clickUntil(shown, "/typed");
-    const pid_t host = process("Work");
+    const pid_t host = process("Portal");
     for (const char* time : {"1", "2"}) {
         press("ctrl+w");
         request(std::string("/leaving\\?") + time);
@@ -64,7 +64,7 @@ TEST_F(WebPagesTest, APageThatWasNotLeftAsksAgain) {
             },
             longestWait));
     }
-    EXPECT_EQ(process("Work"), host);
+    EXPECT_EQ(process("Portal"), host);
 }
 
 TEST_F(WebPagesTest, ATitleThatFlashesDoesNotFloodTheDock) {
@@ -73,7 +73,7 @@ TEST_F(WebPagesTest, ATitleThatFlashesDoesNotFloodTheDock) {
     openPage("flashing", "Done");
     const auto seconds =
         std::chrono::ceil<std::chrono::seconds>(std::chrono::steady_clock::now() - begin);
-    end("Work");
+    end("Portal");
     const std::string all = busText();
     const auto countOf = [&](const std::string& text) {
         long count = 0;
@@ -91,7 +91,9 @@ TEST_F(WebPagesTest, ATitleThatFlashesDoesNotFloodTheDock) {
 TEST_F(WebPagesTest, PagesWithoutASandboxAreReportedInTheLog) {
     openPage("", "Inbox", {"--env", "WEBKIT_DISABLE_SANDBOX_THIS_IS_DANGEROUS=1"});
     EXPECT_TRUE(waitUntil(
-        [&] { return log("Work").find("pages run without their sandbox\n") != std::string::npos; },
+        [&] {
+            return log("Portal").find("pages run without their sandbox\n") != std::string::npos;
+        },
         longestWait));
 }
 
