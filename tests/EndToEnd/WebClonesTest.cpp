@@ -233,7 +233,7 @@ TEST_F(WebClonesTest, WithoutASessionBusItIsRefused) {
     create("Portal");
     session->environment["DBUS_SESSION_BUS_ADDRESS"] = "unix:path=/nonexistent/bus";
     const std::string sentence =
-        "“Work” needs a session bus, and none answers; install the package "
+        "“Portal” needs a session bus, and none answers; install the package "
         "dbus-user-session, and log in again\n";
     EXPECT_EQ(session->run({runner("Portal")}), 69);
     EXPECT_THAT(session->log(), HasSubstr("quorvel-runner: " + sentence));
