@@ -7,7 +7,7 @@
 namespace quorvel {
 namespace {
 
-TEST(WebHostModuleTest, ARequestOfAnotherVersionIsRefused) {
+TEST(LoadedWebHostTest, ARequestOfAnotherVersionIsRefused) {
     const LoadedModule module = loadModule(QUORVEL_WEB_HOST, webHostFunction);
     ASSERT_NE(module.function, nullptr) << module.problem;
     QuorvelWebHostRequest request{};
