@@ -14,7 +14,6 @@ namespace quorvel {
 namespace {
 
 using namespace testing;
-using ::testing::EndsWith;
 using ::testing::HasSubstr;
 using ::testing::Not;
 namespace fs = std::filesystem;
@@ -131,7 +130,7 @@ TEST_F(SecondStartTest, WhatTakesOneDocumentSaysHowManyOthersWereLeftOut) {
     EXPECT_EQ(log(), "/a\n");
     EXPECT_EQ(run(config, {"/a", "/b", "/c"}), 0);
     EXPECT_THAT(log(), HasSubstr("quorvel-runner: documents that were left out"));
-    EXPECT_THAT(log(), EndsWith(" a clone: 2\n"));
+    EXPECT_THAT(log(), HasSubstr(" a clone: 2\n"));
     EXPECT_THAT(log(), Not(HasSubstr("/b")));
 }
 
