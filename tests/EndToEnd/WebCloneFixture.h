@@ -54,7 +54,7 @@ protected:
     void TearDown() override {
         if (session) {
             if (HasFailure()) {
-                std::fputs((session->log() + log("Work") + read(requests())).c_str(), stderr);
+                std::fputs((session->log() + log("Portal") + read(requests())).c_str(), stderr);
             }
             EXPECT_FALSE(std::filesystem::exists("/.flatpak-info"))
                 << "it would switch the sandbox off";
@@ -92,6 +92,14 @@ protected:
             }
         }
         return found;
+    }
+
+    void killPages() const {
+        const std::vector<pid_t> processes = pagesProcesses();
+        EXPECT_FALSE(processes.empty());
+        for (const pid_t pid : processes) {
+            ::kill(pid, SIGKILL);
+        }
     }
 
     // Ends the clone, and returns how long it took.
