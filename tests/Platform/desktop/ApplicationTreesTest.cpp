@@ -124,6 +124,7 @@ TEST_F(ApplicationTreesTest, AProcessThatWaitsForALockDoesNotCountIfAnotherHolds
     found = ours();
     ASSERT_THAT(found, SizeIs(1)) << "alone, it counts even while it waits";
     EXPECT_EQ(found[0].pid, waiter);
+    ASSERT_TRUE(waitUntil([&] { return !descendantsOf(waiter).empty(); })) << "it has the lock";
     for (const ProcessIdentity& child : descendantsOf(waiter)) {
         ::kill(child.pid, SIGKILL);
     }
