@@ -75,7 +75,7 @@ TEST_F(CloneCreationTest, WaitsForAnotherCreationAndThenSeesItsClone) {
 }
 
 TEST_F(CloneCreationTest, ReportsItsOwnCloneThoughOthersReplaceItAtOnce) {
-    constexpr int rounds = 10;
+    constexpr int rounds = 4;
     const auto createOften = [&](int creator) {
         int ownClones = 0;
         for (int round = 0; round < rounds; ++round) {
