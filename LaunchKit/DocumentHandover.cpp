@@ -13,17 +13,7 @@ constexpr std::chrono::milliseconds period{5};
 
 // Any other second start would be a second application in one home.
 bool passesOnWhatItIsGiven(const AppBundle& app) {
-    if (!app.desktop) {
-        return false;
-    }
-    switch (app.desktop->program.engine) {
-    case ResolvedProgram::Engine::chromium:
-    case ResolvedProgram::Engine::electron:
-    case ResolvedProgram::Engine::firefox:
-        return true;
-    default:
-        return false;
-    }
+    return app.desktop && isBrowserEngine(app.desktop->program.engine);
 }
 
 // What one start is given: everything, or one document each time where that is all it takes.

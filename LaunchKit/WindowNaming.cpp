@@ -29,22 +29,12 @@ bool hasX11Windows(const ResolvedProgram& program, const Environment& environmen
            prefers(environment, "QT_QPA_PLATFORM", "xcb");
 }
 
-bool namesItsWindows(const ResolvedProgram& program) {
-    switch (program.engine) {
-    case ResolvedProgram::Engine::chromium:
-    case ResolvedProgram::Engine::electron:
-    case ResolvedProgram::Engine::firefox:
-        return true;
-    default:
-        return false; // even GTK, whose property for KDE comes from the application's id
-    }
-}
-
 } // namespace
 
 std::optional<Process> startWindowNaming(const AppBundle& target, const InstanceConfig& config,
                                          const std::string& word) {
-    if (!target.desktop || namesItsWindows(target.desktop->program)) {
+    // Not even GTK is enough, whose property for KDE comes from the application's id.
+    if (!target.desktop || isBrowserEngine(target.desktop->program.engine)) {
         return std::nullopt;
     }
     Environment environment = currentEnvironment();

@@ -56,13 +56,8 @@ bool isLastStop(const InstalledApplication& application, const ExecLine& line) {
     if (isScript && !isDistributionsScript(launcher)) {
         return false;
     }
-    switch (resolved->engine) {
-    case ResolvedProgram::Engine::chromium:
-    case ResolvedProgram::Engine::electron:
-    case ResolvedProgram::Engine::firefox:
+    if (isBrowserEngine(resolved->engine)) {
         return true;
-    default:
-        break;
     }
     const std::vector<std::string>& categories = application.entry.categories;
     return std::any_of(categories.begin(), categories.end(), [](const std::string& category) {

@@ -28,6 +28,13 @@ struct ResolvedProgram {
     std::vector<std::filesystem::path> portableFolders{};
 };
 
+/// Returns whether the engine is a browser's: such a program takes the words for its windows as
+/// arguments, and passes on to the running one what a second start is given.
+[[nodiscard]] constexpr bool isBrowserEngine(ResolvedProgram::Engine engine) noexcept {
+    using Engine = ResolvedProgram::Engine;
+    return engine == Engine::chromium || engine == Engine::electron || engine == Engine::firefox;
+}
+
 /// Where the parts of applications are installed whose launcher doesn't say it: a folder named
 /// after the launcher in one of these.
 [[nodiscard]] const std::vector<std::filesystem::path>& applicationRoots();

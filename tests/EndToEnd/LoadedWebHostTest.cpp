@@ -1,6 +1,6 @@
 // The module itself, without a window.
-#include "WebHost/WebHostModule.h"
 #include "Platform/processes/LoadedModule.h"
+#include "WebHost/WebHostModule.h"
 
 #include <gtest/gtest.h>
 

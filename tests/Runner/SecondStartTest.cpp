@@ -60,6 +60,17 @@ protected:
         return start(clone, {"http://link.test/"});
     }
 
+    // Opens a link in a clone whose application ends meanwhile, and returns the second runner.
+    [[nodiscard]] Process openWhileItEnds(const fs::path& clone) const {
+        Process first = start(clone);
+        EXPECT_TRUE(runs("first"));
+        Process second = open(clone);
+        EXPECT_TRUE(runs("second"));
+        first.terminate();
+        first.waitUntilExit();
+        return second;
+    }
+
     DesktopApps apps_;
 };
 
@@ -77,12 +88,8 @@ TEST_F(SecondStartTest, TheRunningApplicationTakesALink) {
 
 TEST_F(SecondStartTest, ASecondStartThatFindsTheFirstEndingBecomesTheClone) {
     const fs::path clone = cloneOfBrowser("exec /bin/sleep 600");
-    Process first = start(clone);
-    ASSERT_TRUE(runs("first"));
-    Process second = open(clone);
-    ASSERT_TRUE(runs("second"));
-    first.terminate();
-    first.waitUntilExit();
+    Process second = openWhileItEnds(clone);
+    ASSERT_FALSE(HasFailure());
     ASSERT_TRUE(waitUntil([&] { return isHomeLocked(); })) << "the home is its own";
     EXPECT_EQ(start(clone).waitUntilExit(), 75) << "no third one is started";
 
@@ -96,12 +103,8 @@ TEST_F(SecondStartTest, ASecondStartThatFindsTheFirstEndingBecomesTheClone) {
 
 TEST_F(SecondStartTest, ItsRunnerEndsWithIt) {
     const fs::path clone = cloneOfBrowser("exec /bin/sleep 600");
-    Process first = start(clone);
-    ASSERT_TRUE(runs("first"));
-    Process second = open(clone);
-    ASSERT_TRUE(runs("second"));
-    first.terminate();
-    first.waitUntilExit();
+    Process second = openWhileItEnds(clone);
+    ASSERT_FALSE(HasFailure());
     ASSERT_TRUE(waitUntil([&] { return isHomeLocked(); }));
     second.terminate();
     EXPECT_EQ(second.waitUntilExit(), 128 + SIGTERM);
