@@ -1,21 +1,10 @@
-#include "LaunchKit/HomeLock.h"
-#include "LaunchKit/InstanceConfig.h"
 #include "LaunchKit/InstanceLauncher.h"
-#include "LaunchKit/InstanceRecord.h"
-#include "LaunchKit/WindowWord.h"
 #include "Platform/desktop/ActivationError.h"
-#include "Platform/desktop/MenuEntry.h"
-#include "tests/QuorvelApp/StubServices.h"
-#include "tests/support/AppBundles.h"
-#include "tests/support/TemporaryHome.h"
-#include "tests/support/UnprivilegedUser.h"
+#include "tests/QuorvelApp/AppModelFixture.h"
 
 #include <QCoreApplication>
-#include <QSignalSpy>
 
 #include <gmock/gmock.h>
-
-#include <algorithm>
 
 namespace quorvel::testing {
 namespace {
@@ -25,35 +14,11 @@ using ::testing::Each;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 using ::testing::Ne;
-using ::testing::StartsWith;
 
 const InstalledApp notes{
     .url = "/Applications/Notes.app", .name = "Notes", .bundleId = "com.example.Notes"};
 
-class AppModelTest : public ::testing::Test {
-protected:
-    InstanceRecord addClone(const std::string& name, ShortcutKind kind = ShortcutKind::app) {
-        InstanceConfig config = minimalConfig(name);
-        config.kind = kind;
-        config.bundleId = WrapperFactory::defaultBundleId(name);
-        makeWrapper(folder / (name + ".app"), config);
-        return {.bundleURL = folder / (name + ".app"), .config = config};
-    }
-
-    std::vector<std::string> names() {
-        std::vector<std::string> result;
-        for (const InstanceRecord& record : model().clones()) {
-            result.push_back(record.config.displayName);
-        }
-        return result;
-    }
-
-    AppModel& model() { return stubbed.model(); }
-
-    TemporaryHome home;
-    fs::path folder = home / "Applications";
-    StubbedModel stubbed{folder};
-};
+class AppModelTest : public AppModelFixture {};
 
 TEST_F(AppModelTest, BeginsEmptyAndLooksAtNothing) {
     addClone("Work");
@@ -325,86 +290,6 @@ TEST_F(AppModelTest, AnAnswerOnAnotherThreadIsHandledOnTheMainThread) {
     EXPECT_EQ(handled, QCoreApplication::instance()->thread());
 }
 
-TEST_F(AppModelTest, ANewCloneIsListedFoundAndLaunched) {
-    stubbed.create = [&](const WrapperFactory::Request& request) {
-        return addClone(request.displayName).bundleURL;
-    };
-    WrapperFactory::Request request;
-    request.displayName = "Work";
-    const InstanceRecord record = resultOf(model().createClone(request, true));
-    EXPECT_EQ(record.bundleURL, folder / "Work.app");
-    EXPECT_THAT(names(), ElementsAre("Work"));
-    EXPECT_THAT(stubbed.workspace->opened, ElementsAre(folder / "Work.app"));
-    EXPECT_THAT(stubbed.tasks->priorities, ElementsAre(TaskPriority::userInitiated));
-    EXPECT_THAT(stubbed.workedOn, Each(Ne(QThread::currentThread())));
-}
-
-TEST_F(AppModelTest, ANewCloneIsNotLaunchedUnasked) {
-    stubbed.create = [&](const auto& request) { return addClone(request.displayName).bundleURL; };
-    WrapperFactory::Request request;
-    request.displayName = "Work";
-    resultOf(model().createClone(request, false));
-    EXPECT_THAT(stubbed.workspace->opened, IsEmpty());
-}
-
-TEST_F(AppModelTest, ACloneOutsideTheSearchFoldersGetsARecordMadeFromItsRequest) {
-    stubbed.create = [](const auto&) { return fs::path("/elsewhere/Work.app"); };
-    WrapperFactory::Request request;
-    request.kind = ShortcutKind::web;
-    request.displayName = " Work ";
-    request.targetApp = "/Applications/Notes.app";
-    request.strategy = Strategy::wrapperIdentity;
-    request.extraArgs = {"--a"};
-    request.environment = {{"A", "1"}};
-    request.registerAsBrowser = true;
-    request.menuBarIcon = true;
-    request.shareUserFolders = false;
-    request.url = "example.com";
-    const InstanceRecord record = resultOf(model().createClone(request, true));
-    InstanceConfig expected;
-    expected.displayName = " Work ";
-    expected.bundleId = WrapperFactory::defaultBundleId(" Work ");
-    expected.kind = ShortcutKind::web;
-    expected.targetAppPath = "/Applications/Notes.app";
-    expected.instanceHome = "~/QuorvelInstances/ Work ";
-    expected.strategy = Strategy::wrapperIdentity;
-    EXPECT_EQ(record.config.json(), expected.json());
-    EXPECT_THAT(model().clones(), IsEmpty()) << "it is not added to the list";
-    EXPECT_THAT(stubbed.workspace->opened, ElementsAre(fs::path("/elsewhere/Work.app")));
-}
-
-TEST_F(AppModelTest, ASynthesisedRecordHasTheRequestsIdentifierAndHome) {
-    stubbed.create = [](const auto&) { return fs::path("/elsewhere/Work.app"); };
-    WrapperFactory::Request request;
-    request.displayName = "Work";
-    request.bundleId = "com.example.mine";
-    request.instanceHome = "/data/work";
-    const InstanceRecord record = resultOf(model().createClone(request, false));
-    EXPECT_EQ(record.config.bundleId, "com.example.mine");
-    EXPECT_EQ(record.config.instanceHome, "/data/work");
-    EXPECT_EQ(record.config.targetAppPath, "");
-}
-
-TEST_F(AppModelTest, AFailedCreationChangesNothingAndReachesTheCaller) {
-    stubbed.create = [](const auto&) -> fs::path {
-        throw WrapperFactory::FactoryError::emptyName();
-    };
-    QSignalSpy listed(&model(), &AppModel::clonesChanged);
-    EXPECT_THROW((void)resultOf(model().createClone({}, true)), WrapperFactory::FactoryError);
-    EXPECT_EQ(listed.count(), 0);
-    EXPECT_FALSE(model().lastError());
-    EXPECT_THAT(stubbed.workspace->opened, IsEmpty());
-}
-
-TEST_F(AppModelTest, ACloneThatIsNotInTheMenuIsMadeAllTheSameAndTheUserIsTold) {
-    stubbed.create = [&](const auto& request) { return addClone(request.displayName).bundleURL; };
-    stubbed.creationWarning = "It is not in the menu.";
-    WrapperFactory::Request request;
-    request.displayName = "Work";
-    EXPECT_EQ(resultOf(model().createClone(request, false)).bundleURL, folder / "Work.app");
-    EXPECT_EQ(model().lastError(), "It is not in the menu.");
-}
-
 TEST_F(AppModelTest, RepairsTheMenuForTheListedClonesInTheBackground) {
     addClone("Home");
     addClone("Work");
@@ -412,174 +297,6 @@ TEST_F(AppModelTest, RepairsTheMenuForTheListedClonesInTheBackground) {
     model().repairMenu();
     EXPECT_TRUE(eventually([&] { return stubbed.clonesInMenu == 2; }));
     EXPECT_THAT(stubbed.tasks->priorities, ElementsAre(TaskPriority::utility));
-}
-
-TEST_F(AppModelTest, DeletingRemovesTheWrapperAndListsAgain) {
-    addClone("Home");
-    const InstanceRecord record = addClone("Work");
-    write(home / "QuorvelInstances/Work/data", "x");
-    model().reload();
-    model().remove(record, false);
-    EXPECT_THAT(names(), ElementsAre("Home"));
-    EXPECT_TRUE(fs::exists(home / "QuorvelInstances/Work/data"));
-}
-
-TEST_F(AppModelTest, DeletingWithdrawsFromTheMenuInTheBackground) {
-    if (!hasMenu()) {
-        GTEST_SKIP() << "this system has none";
-    }
-    const InstanceRecord record = addClone("Work");
-    const std::string identity = cloneIdentity(record.bundleURL);
-    DesktopEntry entry{.type = "Application", .name = "Work", .exec = "/bin/true"};
-    entry.cloneId = identity;
-    const std::string word = windowWord(identity);
-    publishMenuEntry({.word = word, .fileName = word + ".desktop", .entry = entry}, {});
-    stubbed.tasks->holding = true;
-    model().remove(record, false);
-    EXPECT_FALSE(fs::exists(record.bundleURL));
-    EXPECT_EQ(publishedMenuEntries().size(), 1U);
-    stubbed.tasks->release();
-    EXPECT_TRUE(eventually([] { return publishedMenuEntries().empty(); }));
-}
-
-TEST_F(AppModelTest, DeletingWithDataRemovesBoth) {
-    const InstanceRecord record = addClone("Work");
-    write(home / "QuorvelInstances/Work/data", "x");
-    model().reload();
-    model().remove(record, true);
-    EXPECT_THAT(model().clones(), IsEmpty());
-    EXPECT_FALSE(fs::exists(home / "QuorvelInstances/Work"));
-}
-
-TEST_F(AppModelTest, AFailedDeletionIsReportedAndKeepsTheList) {
-    addClone("Work");
-    model().reload();
-    InstanceRecord record = model().clones().front();
-    // A wrapper whose removal is refused, for every user: it contains the user's home.
-    record.bundleURL = home.path();
-    model().remove(record, true);
-    EXPECT_THAT(*model().lastError(), StartsWith("Couldn't delete: "));
-    EXPECT_THAT(names(), ElementsAre("Work"));
-}
-
-TEST_F(AppModelTest, DataThatStaysIsReportedAndTheListIsNew) {
-    const TemporaryFolder place;
-    EXPECT_TRUE(asUnprivilegedUser(place.path(), [&] {
-        InstanceConfig config = minimalConfig();
-        config.instanceHome = (place / "data").string();
-        const InstanceRecord record{makeWrapper(place / "Work.app", config), config};
-        write(place / "data/closed/file", "x");
-        write(place / "data/file", "x");
-        fs::permissions(place / "data/closed", fs::perms{0555});
-        QSignalSpy listed(&model(), &AppModel::clonesChanged);
-        model().remove(record, true);
-        const std::string error = model().lastError().value_or("");
-        return listed.count() == 1 && error.starts_with("Couldn't delete: ") &&
-               error.find("1 item removed, 3 items left") != std::string::npos &&
-               !fs::exists(record.bundleURL);
-    }));
-}
-
-TEST_F(AppModelTest, AStaleRecordDeletesNothing) {
-    const InstanceRecord record = addClone("Work");
-    model().reload();
-    InstanceConfig newer = record.config;
-    newer.instanceHome = "~/QuorvelInstances/Newer";
-    makeWrapper(record.bundleURL, newer);
-    write(home / "QuorvelInstances/Work/data", "x");
-    model().remove(record, true);
-    EXPECT_THAT(model().lastError().value_or(""), StartsWith("Couldn't delete: "));
-    EXPECT_TRUE(fs::exists(record.bundleURL));
-    EXPECT_TRUE(fs::exists(home / "QuorvelInstances/Work/data"));
-}
-
-TEST_F(AppModelTest, MigrationMovesFilesSwitchesToSharingAndSaysHowMany) {
-    InstanceRecord record = addClone("Work");
-    record.config.shareUserFolders = false;
-    makeWrapper(record.bundleURL, record.config);
-    write(home / "QuorvelInstances/Work/Downloads/a", "a");
-    write(home / "QuorvelInstances/Work/Downloads/b", "b");
-    model().reload();
-    resultOf(model().migrateSharedFolders(record));
-    EXPECT_EQ(model().statusMessage(), "Moved 2 from Downloads into your shared folders. "
-                                       "\u201cWork\u201d now saves there.");
-    EXPECT_TRUE(model().clones().front().config.shareUserFolders);
-    EXPECT_EQ(read(home / "Downloads/a"), "a");
-    EXPECT_THAT(stubbed.tasks->priorities, ElementsAre(TaskPriority::userInitiated));
-}
-
-TEST_F(AppModelTest, MigrationNamesTheFoldersInTheirOwnOrder) {
-    const InstanceRecord record = addClone("Work");
-    write(home / "QuorvelInstances/Work/Desktop/a", "a");
-    write(home / "QuorvelInstances/Work/Documents/b", "b");
-    resultOf(model().migrateSharedFolders(record));
-    EXPECT_EQ(model().statusMessage(),
-              "Moved 1 from Documents, 1 from Desktop into your shared folders. "
-              "\u201cWork\u201d now saves there.");
-}
-
-TEST_F(AppModelTest, NothingIsMigratedWhileATargetRunsInTheHome) {
-    const InstanceRecord record = addClone("Work");
-    const fs::path document = home / "QuorvelInstances/Work/Documents/a";
-    write(document, "a");
-    const std::optional<FileLock> running = lockHome(record.config);
-    resultOf(model().migrateSharedFolders(record));
-    EXPECT_EQ(model().lastError(), "Couldn't move the files: " + HomeInUse("Work").description());
-    EXPECT_EQ(read(document), "a");
-}
-
-TEST_F(AppModelTest, AMigrationWithNothingToMoveSaysSo) {
-    resultOf(model().migrateSharedFolders(addClone("Work")));
-    EXPECT_EQ(model().statusMessage(),
-              "\u201cWork\u201d now shares Downloads, Documents & Desktop with your Mac \u2014 "
-              "nothing needed moving.");
-    EXPECT_FALSE(model().lastError());
-}
-
-TEST_F(AppModelTest, AMigrationOfACloneThatCantBeChangedIsAnErrorWithWhatWasMoved) {
-    InstanceRecord record = addClone("Work");
-    record.config.shareUserFolders = false;
-    fs::remove_all(record.bundleURL);
-    write(home / "QuorvelInstances/Work/Downloads/a", "a");
-    resultOf(model().migrateSharedFolders(record));
-    EXPECT_FALSE(model().statusMessage());
-    EXPECT_EQ(model().lastError(),
-              "Moved 1 from Downloads into your shared folders. The clone at " +
-                  record.bundleURL.string() +
-                  " couldn’t be changed, so folder sharing is still off.");
-    EXPECT_EQ(read(home / "Downloads/a"), "a");
-}
-
-TEST_F(AppModelTest, AMigrationThatHadToLeaveItemsNamesThemAndDoesNotShare) {
-    InstanceRecord record = addClone("Work");
-    record.config.shareUserFolders = false;
-    makeWrapper(record.bundleURL, record.config);
-    write(home / "QuorvelInstances/Work/Documents/fine", "f");
-    for (const char* name : {"1", "2", "3", "4", "5", "6", "7"}) {
-        write(home / "QuorvelInstances/Work/Downloads" / name, "x");
-    }
-    write(home / "Downloads", "a file in the way");
-    model().reload();
-    resultOf(model().migrateSharedFolders(record));
-    EXPECT_FALSE(model().statusMessage());
-    EXPECT_THAT(*model().lastError(),
-                StartsWith("Moved 1 from Documents into your shared folders. Not everything could "
-                           "be moved, so the clone still has folders of its own:\n“"));
-    EXPECT_THAT(*model().lastError(),
-                ::testing::EndsWith("” couldn’t be moved: not a directory\n… and 2 more"));
-    EXPECT_FALSE(model().clones().front().config.shareUserFolders);
-    EXPECT_EQ(read(home / "QuorvelInstances/Work/Downloads/7"), "x");
-}
-
-TEST_F(AppModelTest, AMigrationKeepsWhatAnotherProgramChanged) {
-    InstanceRecord record = addClone("Work");
-    record.config.shareUserFolders = false;
-    InstanceConfig changed = record.config;
-    changed.displayName = "Renamed";
-    makeWrapper(record.bundleURL, changed);
-    resultOf(model().migrateSharedFolders(record));
-    EXPECT_THAT(names(), ElementsAre("Renamed"));
-    EXPECT_TRUE(model().clones().front().config.shareUserFolders);
 }
 
 TEST_F(AppModelTest, MessagesStayUntilTheyAreReplaced) {
@@ -606,17 +323,6 @@ TEST_F(AppModelTest, AWrapperThatIsGoneCantBeShown) {
     resultOf(model().reveal(record));
     EXPECT_THAT(stubbed.workspace->revealed, IsEmpty());
     EXPECT_EQ(model().lastError(), "“Work.app” couldn’t be shown: no such file or directory");
-}
-
-TEST_F(AppModelTest, DeletingWhatIsGoneAlreadyListsAgain) {
-    const InstanceRecord record = addClone("Work");
-    write(home / "QuorvelInstances/Work/data", "x");
-    model().reload();
-    fs::remove_all(record.bundleURL);
-    model().remove(record, true);
-    EXPECT_FALSE(model().lastError());
-    EXPECT_THAT(model().clones(), IsEmpty());
-    EXPECT_FALSE(fs::exists(home / "QuorvelInstances/Work"));
 }
 
 TEST_F(AppModelTest, AModelThatIsGoneIsNotReachedByLateResults) {
