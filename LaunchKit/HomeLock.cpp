@@ -6,6 +6,7 @@
 #include "Platform/files/PlatformError.h"
 
 #include <cerrno>
+#include <utility>
 
 namespace quorvel {
 namespace fs = std::filesystem;
@@ -30,25 +31,27 @@ bool meansNoLocks(const std::error_code& code) {
            code == std::errc::function_not_supported;
 }
 
-// Locks the file or, if none can be made, the folder. A running target may have locked the other
-// one.
-std::optional<FileLock> lockFileOrFolder(const fs::path& home) {
+// Opens or locks the file or, if none can be made, the folder. The second result is the other one,
+// which a running target may have locked.
+template<typename OnFile, typename OnFolder>
+auto fileOrFolder(const fs::path& home, OnFile onFile, OnFolder onFolder) {
     const fs::path file = joinAsText(home, homeLockName);
-    fs::path other = home;
-    std::optional<FileLock> lock;
     try {
-        lock = FileLock::tryTake(file);
+        return std::pair(onFile(file), home);
     } catch (const PlatformError& error) {
         if (!meansNoFile(error.code())) {
             throw;
         }
-        lock = FileLock::tryTakeFolder(home);
-        other = file;
     }
+    return std::pair(onFolder(home), file);
+}
+
+std::optional<FileLock> lockFileOrFolder(const fs::path& home) {
+    auto [lock, other] = fileOrFolder(home, FileLock::tryTake, FileLock::tryTakeFolder);
     if (lock && FileLock::isHeld(other)) {
         lock.reset();
     }
-    return lock;
+    return std::move(lock);
 }
 
 } // namespace
@@ -75,17 +78,10 @@ std::optional<FileLock> lockHome(const InstanceConfig& config) {
 }
 
 std::optional<PendingHomeLock> PendingHomeLock::of(const InstanceConfig& config) {
-    const fs::path home = config.resolvedHome();
-    const fs::path file = joinAsText(home, homeLockName);
     try {
-        return PendingHomeLock(PendingLock::onFile(file), home);
-    } catch (const PlatformError& error) {
-        if (!meansNoFile(error.code())) {
-            return std::nullopt;
-        }
-    }
-    try {
-        return PendingHomeLock(PendingLock::onFolder(home), file);
+        auto [lock, other] =
+            fileOrFolder(config.resolvedHome(), PendingLock::onFile, PendingLock::onFolder);
+        return PendingHomeLock(std::move(lock), std::move(other));
     } catch (const PlatformError&) {
         return std::nullopt;
     }
