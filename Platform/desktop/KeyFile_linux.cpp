@@ -11,20 +11,21 @@ using OwnedTexts = std::unique_ptr<char*, decltype(&g_strfreev)>;
 
 // The language of a line KEY[LANGUAGE]=VALUE; empty for any other.
 std::string_view languageOf(std::string_view line) {
-    std::size_t bracket = 0;
-    while (bracket < line.size() && (g_ascii_isalnum(line[bracket]) || line[bracket] == '-')) {
-        ++bracket;
+    const char* at = line.data();
+    const char* const end = at + line.size();
+    while (at != end && (g_ascii_isalnum(*at) || *at == '-')) {
+        ++at;
     }
-    if (bracket == 0 || bracket == line.size() || line[bracket] != '[') {
+    if (at == line.data() || at == end || *at != '[') {
         return {};
     }
-    const std::size_t start = bracket + 1;
-    std::size_t end = start;
-    while (end < line.size() && line[end] != ']' && line[end] != '[' && line[end] != '=') {
-        ++end;
+    const char* const start = ++at;
+    while (at != end && *at != ']' && *at != '[' && *at != '=') {
+        ++at;
     }
-    const bool isClosed = line.substr(std::min(end, line.size()), 2) == "]=";
-    return isClosed ? line.substr(start, end - start) : std::string_view{};
+    const bool isClosed = end - at >= 2 && at[0] == ']' && at[1] == '=';
+    return isClosed ? std::string_view(start, static_cast<std::size_t>(at - start))
+                    : std::string_view{};
 }
 
 // Most lines of an ordinary entry are translations that nobody will read. To leave them out first
@@ -33,6 +34,7 @@ std::string withoutForeignTranslations(std::string_view text,
                                        const std::vector<std::string>& languages,
                                        std::vector<std::string>& present) {
     std::string kept;
+    kept.reserve(text.size());
     std::vector<bool> isPresent(languages.size());
     std::size_t start = 0; // of lines that are kept
     std::size_t end = 0;
