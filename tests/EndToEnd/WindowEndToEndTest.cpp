@@ -246,7 +246,7 @@ std::string outputOf(const std::string& command, std::vector<std::string> argume
 TEST_F(WindowEndToEndTest, FocusBringsTheClonesOwnWindowToTheFront) {
     makeScriptedAppBundle(applications / "Viewer.app",
                           std::string("exec ") + QUORVEL_X11_WINDOW + " \"$HOME/window\" Viewer");
-    for (const char* name : {"First", "Second"}) {
+    for (const char* name : {"Left", "Right"}) {
         quorvelctl.run(
             {"create", "--name", name, "--target", (applications / "Viewer.app").string()});
     }
@@ -260,7 +260,7 @@ TEST_F(WindowEndToEndTest, FocusBringsTheClonesOwnWindowToTheFront) {
     };
     open();
     const std::uint32_t own = screen->active();
-    for (const char* name : {"First", "Second"}) {
+    for (const char* name : {"Left", "Right"}) {
         screen->activate(own);
         ui.click(Control::row, name);
         ui.click(Control::button, "Launch");
@@ -268,12 +268,12 @@ TEST_F(WindowEndToEndTest, FocusBringsTheClonesOwnWindowToTheFront) {
         screen->activate(own);
         (void)ui.waitFor(Control::button, "Focus");
     }
-    ui.click(Control::row, "First, Running");
+    ui.click(Control::row, "Left, Running");
     ui.click(Control::button, "Focus");
-    EXPECT_TRUE(waitUntil([&] { return isInFront("First"); }));
+    EXPECT_TRUE(waitUntil([&] { return isInFront("Left"); }));
     quorvelctl.environment["DISPLAY"] = currentEnvironment().at("DISPLAY");
-    quorvelctl.run({"open", "Second"});
-    EXPECT_TRUE(isInFront("Second"));
+    quorvelctl.run({"open", "Right"});
+    EXPECT_TRUE(isInFront("Right"));
 }
 
 TEST_F(WindowEndToEndTest, MakesACloneOfAnInstalledApplicationThatTheDesktopLists) {
