@@ -76,12 +76,8 @@ bool hasJustStarted(pid_t process) {
 std::string windowClassOf(const std::filesystem::path& bundle) {
     std::error_code code;
     const std::string clone = std::filesystem::canonical(bundle, code).string();
-    for (const PublishedEntry& published : publishedMenuEntries()) {
-        if (!code && published.entry.cloneId == clone) {
-            return published.entry.startupWmClass;
-        }
-    }
-    return {};
+    const auto published = code ? std::nullopt : publishedEntryOf(clone);
+    return published ? published->entry.startupWmClass : std::string();
 }
 
 // Every process of the application in the bundle, whose topmost one this is.
