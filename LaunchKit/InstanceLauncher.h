@@ -27,6 +27,7 @@ struct StartDetails {
     /// The following are for apps that are started by a desktop entry.
     std::string windowWord{}; ///< what its windows are to be known by, if not empty
     std::string action{};     ///< of the entry, in place of its own command, if not empty
+    bool onlyFocuses = false; ///< if the app runs already, it is only to come to the front
 };
 
 /// Starts a clone's target with its isolation applied, and prepares its data folder. Stateless; any

@@ -11,6 +11,7 @@
 #include "LinkDoor/LinkAddress.h"
 #include "LinkDoor/LinkSession.h"
 #include "Platform/files/PlatformError.h"
+#include "Platform/processes/FocusRequest.h"
 #include "Platform/processes/ProcessAdoption.h"
 #include "Platform/processes/SignalForwarder.h"
 #include "Platform/processes/StartReport.h"
@@ -43,6 +44,13 @@ std::string actionIn(const std::vector<std::string>& arguments) {
     return arguments.size() == 1 && arguments.front().starts_with(actionOption)
                ? arguments.front().substr(actionOption.size())
                : std::string();
+}
+
+// What this process starts must not take the request for its own.
+bool takeFocusRequest() {
+    const bool isThere = std::getenv(focusVariable) != nullptr;
+    ::unsetenv(focusVariable);
+    return isThere;
 }
 
 // The desktop would have started the application once for each document.
@@ -137,8 +145,10 @@ int runClone(const fs::path& executable, const std::vector<std::string>& argumen
         return failWith(report, "no readable configuration at " + file.string(), runnerBadConfig);
     }
     const std::string identity = cloneIdentity(wrapper);
-    const StartDetails details{
-        .identity = identity, .windowWord = windowWord(identity), .action = actionIn(arguments)};
+    const StartDetails details{.identity = identity,
+                               .windowWord = windowWord(identity),
+                               .action = actionIn(arguments),
+                               .onlyFocuses = takeFocusRequest()};
     const bool passesDocuments =
         details.action.empty() &&
         (config->openWithPassthrough || config->registerAsBrowser || isLinkFromAClone(arguments));
