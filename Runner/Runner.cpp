@@ -97,7 +97,9 @@ int handOverOrSupervise(const InstanceConfig& config, const std::vector<std::str
         reportLeftOut(config, handover.leftOut);
         return handover.successor ? signals.waitUntilExit(*handover.successor) : 0;
     }
-    addToLog(config, obstacle.what());
+    if (!details.onlyFocuses) {
+        addToLog(config, obstacle.what());
+    }
     return failWith(report, obstacle.what(), runnerHomeInUse);
 }
 

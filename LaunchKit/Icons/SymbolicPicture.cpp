@@ -73,11 +73,12 @@ std::string symbolicPicture(const QImage& picture) {
                              .convertToFormat(QImage::Format_ARGB32);
     const Range range = rangeOf(image);
     const std::string size = std::to_string(side);
-    // The class is what KDE recolors; GTK recolors by the file's name.
+    // The class is what KDE recolors; GTK recolors by the file's name. Any other tray shows a color
+    // that is seen on dark and light.
     std::string drawing =
         R"(<svg xmlns="http://www.w3.org/2000/svg" width="16" height="16" viewBox="0 0 )" + size +
         " " + size +
-        R"("><style id="current-color-scheme" type="text/css">.ColorScheme-Text{color:#232629}</style>)";
+        R"("><style id="current-color-scheme" type="text/css">.ColorScheme-Text{color:#909090}</style>)";
     for (int step = 1; step <= steps; ++step) {
         if (const std::string path = outline(image, range, step); !path.empty()) {
             drawing += R"(<path class="ColorScheme-Text" fill="currentColor" fill-opacity=")" +
