@@ -1,10 +1,17 @@
 #include "CommandLine/CommandLine.h"
 #include "Platform/processes/StandardStreams.h"
 
+#include <cstdlib>
 #include <iostream>
+#include <string>
 
 int main(int argc, char** argv) {
-    const std::unique_ptr<quorvel::Workspace> workspace = quorvel::makeSystemWorkspace();
+    // Such as a tray sets, or a desktop for what it starts.
+    const std::unique_ptr<quorvel::Workspace> workspace = quorvel::makeSystemWorkspace([] {
+        const char* const token =
+            std::getenv("XDG_ACTIVATION_TOKEN"); // NOLINT(concurrency-mt-unsafe)
+        return std::string(token == nullptr ? "" : token);
+    });
     const quorvel::CommandContext context{std::cin,
                                           std::cout,
                                           std::cerr,

@@ -30,6 +30,13 @@ std::vector<std::vector<std::string>> partsOf(const std::vector<std::string>& do
     return parts;
 }
 
+// Those that are sure not to run twice in one home, and that show a new window for a second start.
+bool comesToFront(const AppBundle& app) {
+    using Engine = ResolvedProgram::Engine;
+    return app.desktop && (app.desktop->program.engine == Engine::chromium ||
+                           app.desktop->program.engine == Engine::firefox);
+}
+
 Handover handOverPart(const AppBundle& app, const InstanceConfig& config,
                       const std::vector<std::string>& documents, const StartDetails& details) {
     std::optional<PendingHomeLock> claim = PendingHomeLock::of(config);
@@ -54,11 +61,12 @@ Handover handOverPart(const AppBundle& app, const InstanceConfig& config,
 
 Handover handOver(const InstanceConfig& config, const std::vector<std::string>& documents,
                   const StartDetails& details) {
-    if (config.kind != ShortcutKind::app || (documents.empty() && details.action.empty())) {
+    const bool isEmpty = documents.empty() && details.action.empty() && !details.onlyFocuses;
+    if (config.kind != ShortcutKind::app || isEmpty) {
         return {};
     }
     const AppBundle app = InstanceLauncher::targetOf(config);
-    if (!passesOnWhatItIsGiven(app)) {
+    if (details.onlyFocuses ? !comesToFront(app) : !passesOnWhatItIsGiven(app)) {
         return {};
     }
     const auto parts = partsOf(documents, *app.desktop);

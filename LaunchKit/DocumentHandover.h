@@ -23,11 +23,11 @@ struct Handover {
     std::size_t leftOut = 0; ///< how many documents were not handed over in the end
 };
 
-/// Hands documents, addresses or an action to the application of a clone that is running already,
-/// by starting it a second time in the same home and environment: applications of some engines pass
-/// on to the first what the second one is given. Leaves nothing running, unless it is the
-/// successor, if the application is of another engine or does not pass them on within a few
-/// seconds. Throws what `launch` throws.
+/// Hands documents, addresses, an action, or that it is to come to the front, to the application of
+/// a clone that is running already, by starting it a second time in the same home and environment:
+/// applications of some engines pass on to the first what the second one is given. Leaves nothing
+/// running, unless it is the successor, if the application is of another engine or does not pass
+/// them on within a few seconds. Throws what `launch` throws.
 [[nodiscard]] Handover handOver(const InstanceConfig& config,
                                 const std::vector<std::string>& documents,
                                 const StartDetails& details = {});

@@ -23,9 +23,11 @@ struct InstanceConfig;
 struct StartDetails {
     /// A descriptor that the app inherits and keeps open while it runs, see `Process`; -1: none.
     int kept = -1;
+    std::string identity{}; ///< the clone's `cloneIdentity`
     /// The following are for apps that are started by a desktop entry.
     std::string windowWord{}; ///< what its windows are to be known by, if not empty
     std::string action{};     ///< of the entry, in place of its own command, if not empty
+    bool onlyFocuses = false; ///< if the app runs already, it is only to come to the front
 };
 
 /// Starts a clone's target with its isolation applied, and prepares its data folder. Stateless; any

@@ -73,6 +73,12 @@ public:
         editLists([](const std::string& list) { return withoutHandler(list, doorEntryId); });
     }
 
+    // Hides the entry of the same name that another clone has in its own data folder, which is
+    // among the shared ones of a clone that is started there.
+    void hideOtherDoor() const {
+        replaceIfOther(entry_, "[Desktop Entry]\nType=Application\nName=Links\nHidden=true\n");
+    }
+
     void writeSession(const LinkSession& session) const {
         if (readLinkSession(home_) != session) {
             replaceFileBelow(home_, linkSessionFile(home_), session.text());
@@ -159,14 +165,15 @@ std::optional<std::string> valueOutside(const std::string& cloneHome, const std:
 }
 
 // A clone in which this one is started has a door, too, which would lead outside.
-void leaveOtherClone(const std::optional<fs::path>& door, const CloneOptions& options,
-                     Environment& clone) {
+void leaveOtherClone(const LinkHome& own, const std::optional<fs::path>& door,
+                     const CloneOptions& options, Environment& clone) {
     const std::string other = valueOf(clone, cloneHomeVariable);
     clone.erase(cloneHomeVariable);
     clone.erase(linkHopsVariable);
     if (!other.starts_with('/')) {
         return;
     }
+    own.hideOtherDoor();
     if (!options.environment.contains("PATH") && clone.contains("PATH")) {
         clone["PATH"] = withoutFoldersBelow(clone["PATH"], LinkHome(other, clone).programs());
     }
@@ -217,7 +224,7 @@ void setUpLinks(const AppBundle& app, const std::string& home, const CloneOption
         const bool staysInside =
             linkRouteOf(app, options, !linksStayInsideClones()) == LinkRoute::inside;
         if (staysInside) {
-            leaveOtherClone(door, options, clone);
+            leaveOtherClone(links, door, options, clone);
         }
         if (!door || staysInside) {
             links.takeBack();

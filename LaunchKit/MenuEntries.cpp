@@ -4,6 +4,8 @@
 #include "Base/StableHash.h"
 #include "Base/TerminalText.h"
 #include "Base/Text.h"
+#include "LaunchKit/AppIcon.h"
+#include "LaunchKit/IconComposer.h"
 #include "LaunchKit/Icons/MenuPictures.h"
 #include "LaunchKit/InstanceRecord.h"
 #include "LaunchKit/MenuTarget.h"
@@ -14,6 +16,7 @@
 #include "Platform/files/FileReading.h"
 #include "Platform/files/FileSystem.h"
 
+#include <algorithm>
 #include <chrono>
 #include <cstdint>
 #include <map>
@@ -21,6 +24,8 @@
 namespace quorvel {
 namespace fs = std::filesystem;
 namespace {
+
+constexpr std::size_t largestDrawing = std::size_t{4} << 20U;
 
 // Menus show what they are given, so it must not be able to disguise itself.
 std::string shownText(const std::string& text) {
@@ -129,10 +134,19 @@ std::string fileName(const MenuTarget& target, const std::string& identity) {
            ".desktop";
 }
 
+bool needsSymbolicPicture(const InstanceConfig& config) {
+    return config.menuBarIcon && config.menuBarIconTemplate;
+}
+
 // Whether the published icon is one that the user chose, or the right one.
-bool showsRight(const DesktopEntry& published, const MenuEntry& wanted) {
-    return !published.icon.starts_with(wanted.word + "-") ||
-           (published.icon == wanted.entry.icon && hasMenuPicture(published.icon));
+bool showsRight(const DesktopEntry& published, const MenuEntry& wanted,
+                const InstanceConfig& config) {
+    const std::string& icon = published.icon;
+    return !icon.starts_with(wanted.word + "-") ||
+           (icon == wanted.entry.icon &&
+            std::all_of(menuPictureSides.begin(), menuPictureSides.end(),
+                        [&](int side) { return hasMenuPicture(icon, side); }) &&
+            (!needsSymbolicPicture(config) || hasMenuPicture(icon, MenuPicture::symbolic)));
 }
 
 // Whether the clone was made again after its entry was published.
@@ -142,10 +156,11 @@ bool isOlderThanWrapper(const PublishedEntry& published) {
     return !code && published.written < made;
 }
 
-bool isRight(const PublishedEntry& published, const MenuEntry& wanted) {
+bool isRight(const PublishedEntry& published, const MenuEntry& wanted,
+             const InstanceConfig& config) {
     return published.fileName == wanted.fileName && published.entry.exec == wanted.entry.exec &&
-           published.entry.tryExec == wanted.entry.tryExec && showsRight(published.entry, wanted) &&
-           !isOlderThanWrapper(published);
+           published.entry.tryExec == wanted.entry.tryExec &&
+           showsRight(published.entry, wanted, config) && !isOlderThanWrapper(published);
 }
 
 // Not the same as unreadable: what the user might still repair or mount again stays published. So
@@ -173,9 +188,28 @@ void publishUnlessRight(const InstanceRecord& record, const Published& published
     const MenuEntry wanted = menuEntryOf(record);
     const auto [first, last] = published.equal_range(wanted.entry.cloneId);
     // Nothing is drawn unless something is wrong.
-    if (std::distance(first, last) != 1 || !isRight(first->second, wanted)) {
+    if (std::distance(first, last) != 1 || !isRight(first->second, wanted, record.config)) {
         publishInMenu(record);
         ++repair.published;
+    }
+}
+
+// Returns the application's drawing if the clone's icon is what is made of it.
+std::optional<fs::path> drawingOf(const InstanceRecord& record) {
+    const InstanceConfig& config = record.config;
+    if (config.kind != ShortcutKind::app || config.iconLabel) {
+        return std::nullopt;
+    }
+    const auto drawing = appIconFile(config.targetAppURL());
+    if (!drawing || drawing->extension() != ".svg") {
+        return std::nullopt;
+    }
+    try {
+        const auto icon = readFile(iconOf(record.bundleURL), largestDrawing);
+        return icon && *icon == IconComposer::converted(*drawing, std::nullopt) ? drawing
+                                                                                : std::nullopt;
+    } catch (const IconComposer::ComposeError&) {
+        return std::nullopt;
     }
 }
 
@@ -200,9 +234,9 @@ void publishInMenu(const InstanceRecord& record, const std::optional<fs::path>& 
     if (!hasMenu()) {
         return;
     }
-    constexpr std::size_t largestDrawing = std::size_t{4} << 20U;
     MenuEntry entry = menuEntryOf(record);
-    std::vector<MenuPicture> pictures = menuPictures(iconOf(entry.entry.cloneId));
+    std::vector<MenuPicture> pictures =
+        menuPictures(iconOf(entry.entry.cloneId), needsSymbolicPicture(record.config));
     if (pictures.empty()) {
         entry.entry.icon = genericIcon(record.config.kind);
     } else if (drawing) {
@@ -211,6 +245,10 @@ void publishInMenu(const InstanceRecord& record, const std::optional<fs::path>& 
         }
     }
     publishMenuEntry(entry, pictures);
+}
+
+void publishInMenu(const InstanceRecord& record) {
+    publishInMenu(record, hasMenu() ? drawingOf(record) : std::nullopt);
 }
 
 void withdrawFromMenu(const std::string& identity) {

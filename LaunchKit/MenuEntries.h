@@ -19,7 +19,10 @@ struct MenuEntry;
 /// Publishes the clone's entry and icon, in place of older ones. `drawing` is an SVG file that
 /// shows the same as the clone's icon. Throws `Error`, whose text says why not.
 void publishInMenu(const InstanceRecord& record,
-                   const std::optional<std::filesystem::path>& drawing = std::nullopt);
+                   const std::optional<std::filesystem::path>& drawing);
+
+/// The same with the drawing of the application, if the clone's icon is still made from it.
+void publishInMenu(const InstanceRecord& record);
 
 /// Removes what was published for the clone with this `cloneIdentity`. Throws `PlatformError`.
 void withdrawFromMenu(const std::string& identity);

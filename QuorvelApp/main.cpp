@@ -1,3 +1,4 @@
+#include "Platform/desktop/ActivationTokens.h"
 #include "QuorvelApp/QuorvelApp.h"
 #include "QuorvelApp/model/SystemTranslator.h"
 #include "QuorvelApp/theme/Appearance.h"
@@ -31,7 +32,9 @@ int main(int argc, char** argv) {
     quorvel::SystemTranslator words;
     QApplication::installTranslator(&words);
     const quorvel::Appearance appearance;
-    quorvel::QuorvelApp quorvel(quorvel::AppServices::system(), quorvel::makeSystemUpdateService());
+    const quorvel::ActivationTokens tokens;
+    quorvel::QuorvelApp quorvel(quorvel::AppServices::system([&] { return tokens.take(); }),
+                                quorvel::makeSystemUpdateService());
     quorvel.start();
     return QApplication::exec();
 }

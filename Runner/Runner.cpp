@@ -4,12 +4,14 @@
 #include "LaunchKit/HomeLock.h"
 #include "LaunchKit/InstanceConfig.h"
 #include "LaunchKit/InstanceLauncher.h"
+#include "LaunchKit/StatusItemStart.h"
 #include "LaunchKit/WindowNaming.h"
 #include "LaunchKit/WindowWord.h"
 #include "LaunchKit/WrapperLayout.h"
 #include "LinkDoor/LinkAddress.h"
 #include "LinkDoor/LinkSession.h"
 #include "Platform/files/PlatformError.h"
+#include "Platform/processes/FocusRequest.h"
 #include "Platform/processes/ProcessAdoption.h"
 #include "Platform/processes/SignalForwarder.h"
 #include "Platform/processes/StartReport.h"
@@ -44,6 +46,13 @@ std::string actionIn(const std::vector<std::string>& arguments) {
                : std::string();
 }
 
+// What this process starts must not take the request for its own.
+bool takeFocusRequest() {
+    const bool isThere = std::getenv(focusVariable) != nullptr;
+    ::unsetenv(focusVariable);
+    return isThere;
+}
+
 // The desktop would have started the application once for each document.
 void reportLeftOut(const InstanceConfig& config, std::size_t leftOut) {
     if (leftOut > 0) {
@@ -51,6 +60,19 @@ void reportLeftOut(const InstanceConfig& config, std::size_t leftOut) {
                          "and runs once in a clone: " +
                              std::to_string(leftOut));
     }
+}
+
+// What serves the clone while it runs, and ends with it.
+std::vector<Process> companionsOf(const AppBundle* app, const InstanceConfig& config,
+                                  const StartDetails& details) {
+    std::vector<Process> companions;
+    if (auto item = startStatusItem(config, details.identity)) {
+        companions.push_back(std::move(*item));
+    }
+    if (auto naming = app ? startWindowNaming(*app, config, details.windowWord) : std::nullopt) {
+        companions.push_back(std::move(*naming));
+    }
+    return companions;
 }
 
 // Launches the clone's application in a home that nobody else uses, and waits for its end.
@@ -62,8 +84,7 @@ int superviseApp(const InstanceConfig& config, const std::vector<std::string>& d
     Process target = InstanceLauncher().launch(app, config, documents, details);
     report.started();
     reportLeftOut(config, app.desktop ? app.desktop->documentsLeftOut(documents.size()) : 0);
-    std::optional<Process> naming = startWindowNaming(app, config, details.windowWord);
-    return signals.waitUntilExit(target, naming ? &*naming : nullptr);
+    return signals.waitUntilExit(target, companionsOf(&app, config, details));
 }
 
 // For a clone whose application runs already.
@@ -76,7 +97,9 @@ int handOverOrSupervise(const InstanceConfig& config, const std::vector<std::str
         reportLeftOut(config, handover.leftOut);
         return handover.successor ? signals.waitUntilExit(*handover.successor) : 0;
     }
-    addToLog(config, obstacle.what());
+    if (!details.onlyFocuses) {
+        addToLog(config, obstacle.what());
+    }
     return failWith(report, obstacle.what(), runnerHomeInUse);
 }
 
@@ -91,7 +114,10 @@ int launchAndSupervise(const InstanceConfig& config, const std::vector<std::stri
         }
         Process target = InstanceLauncher().launch(config);
         report.started();
-        return signals.waitUntilExit(target);
+        // What a file clone opens lasts longer than the runner.
+        return signals.waitUntilExit(target, config.kind == ShortcutKind::command
+                                                 ? companionsOf(nullptr, config, details)
+                                                 : std::vector<Process>{});
     } catch (const HomeInUse& error) {
         return handOverOrSupervise(config, documents, details, error, report, signals);
     } catch (const InstanceLauncher::LaunchError& error) {
@@ -120,8 +146,11 @@ int runClone(const fs::path& executable, const std::vector<std::string>& argumen
     if (!config) {
         return failWith(report, "no readable configuration at " + file.string(), runnerBadConfig);
     }
-    const StartDetails details{.windowWord = windowWord(cloneIdentity(wrapper)),
-                               .action = actionIn(arguments)};
+    const std::string identity = cloneIdentity(wrapper);
+    const StartDetails details{.identity = identity,
+                               .windowWord = windowWord(identity),
+                               .action = actionIn(arguments),
+                               .onlyFocuses = takeFocusRequest()};
     const bool passesDocuments =
         details.action.empty() &&
         (config->openWithPassthrough || config->registerAsBrowser || isLinkFromAClone(arguments));

@@ -4,6 +4,7 @@
 #include "WebHost/HostMenu_linux.h"
 #include "WebHost/WebAddress.h"
 
+#include <gdk/wayland/gdkwayland.h>
 #include <gdk/x11/gdkx.h>
 
 #include <algorithm>
@@ -268,6 +269,11 @@ void HostWindow::show() {
 void HostWindow::present(const std::string& token) {
     if (!token.empty()) {
         gtk_window_set_startup_id(window_, token.c_str());
+        // Older versions of the toolkit use only what the display knows.
+        GdkDisplay* const display = gtk_widget_get_display(GTK_WIDGET(window_));
+        if (GDK_IS_WAYLAND_DISPLAY(display)) {
+            gdk_wayland_display_set_startup_notification_id(display, token.c_str());
+        }
     }
     GdkSurface* const surface = gtk_native_get_surface(GTK_NATIVE(window_));
     if (surface != nullptr && GDK_IS_X11_SURFACE(surface)) {

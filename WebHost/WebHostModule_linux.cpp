@@ -4,11 +4,11 @@
 #include "LaunchKit/InstanceLauncher.h"
 #include "LaunchKit/WindowWord.h"
 #include "Platform/desktop/MenuEntry.h"
+#include "Platform/desktop/SessionBus_linux.h"
 #include "Platform/files/UserFolders.h"
 #include "Platform/files/UserPaths.h"
 #include "Platform/processes/FileMask.h"
 #include "Platform/processes/ProcessReplacement.h"
-#include "WebHost/SessionBus_linux.h"
 #include "WebHost/WebAddress.h"
 #include "WebHost/WebHost_linux.h"
 
@@ -37,11 +37,9 @@ void findMenuEntry(const QuorvelWebHostRequest& request, WebHostOptions& options
     const auto wrapper =
         std::filesystem::path(request.configFile).parent_path().parent_path().parent_path();
     const std::string identity = cloneIdentity(wrapper);
-    for (const PublishedEntry& published : publishedMenuEntries()) {
-        if (published.entry.cloneId == identity) {
-            options.desktopId = published.fileName;
-            options.icon = published.entry.icon;
-        }
+    if (const auto published = publishedEntryOf(identity)) {
+        options.desktopId = published->fileName;
+        options.icon = published->entry.icon;
     }
 }
 
@@ -87,6 +85,10 @@ void show(const QuorvelWebHostRequest& request) {
                            .keepsLinks = config->links == linksInside,
                            .listener = request.listener};
     findMenuEntry(request, options);
+    if (config->menuBarIcon) {
+        options.statusIcon =
+            config->menuBarIconTemplate ? symbolicIconName(options.icon) : options.icon;
+    }
     const mode_t userMask = setFileMask(077);
     options.home.create();
     const Environment session = currentEnvironment();

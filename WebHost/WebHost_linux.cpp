@@ -67,6 +67,7 @@ WebHost::WebHost(WebHostOptions options)
     openSession();
     addBadgeScripts();
     addServices();
+    addStatusItem();
     downloads_ = std::make_unique<DownloadList>(session_.get(), options_.downloads,
                                                 stableHash(options_.home.home).substr(0, 8),
                                                 downloadCallbacks());
@@ -147,6 +148,19 @@ void WebHost::addServices() {
     };
     services_.keepsLinks = options_.keepsLinks;
     services_.quit = [this] { leave(); };
+}
+
+void WebHost::addStatusItem() {
+    if (options_.statusIcon) {
+        statusItem_ = std::make_unique<StatusItem>(
+            options_.bus,
+            StatusItemOptions{
+                .id = options_.desktopId,
+                .title = options_.name,
+                .icon = *options_.statusIcon,
+                .show = [this](const std::string& token) { main_->window().present(token); },
+                .quit = [this] { leave(); }});
+    }
 }
 
 DownloadList::Callbacks WebHost::downloadCallbacks() {
@@ -283,6 +297,9 @@ void WebHost::showTitle() {
     const auto label = badgeState_.label();
     main_->window().setTitle(windowTitle(title, options_.name, label),
                              title.empty() ? options_.name : pageTitle(title));
+    if (statusItem_) {
+        statusItem_->setLabel(label.value_or(""));
+    }
     badge_.setCount(label ? std::optional(badgeState_.apiBadge.value_or(badgeState_.titleBadge))
                           : std::nullopt);
 }

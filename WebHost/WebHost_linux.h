@@ -1,6 +1,7 @@
 #pragma once
 
 #include "LaunchKit/WebBadge.h"
+#include "Platform/desktop/StatusItem_linux.h"
 #include "WebHost/DockBadge_linux.h"
 #include "WebHost/DownloadList_linux.h"
 #include "WebHost/Handover.h"
@@ -11,6 +12,7 @@
 #include <filesystem>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -23,10 +25,11 @@ struct WebHostOptions {
     std::string address{};     ///< to open instead; empty for none
     WebHome home;
     std::filesystem::path downloads{};
-    bool keepsLinks = false; ///< links to other sites open in the clone
-    std::string desktopId{}; ///< its menu entry's file name
-    std::string icon{};      ///< the entry's
-    int listener = -1;       ///< for handovers
+    bool keepsLinks = false;                 ///< links to other sites open in the clone
+    std::string desktopId{};                 ///< its menu entry's file name
+    std::string icon{};                      ///< the entry's
+    std::optional<std::string> statusIcon{}; ///< the icon for the tray; absent: not there
+    int listener = -1;                       ///< for handovers
     GDBusConnection* bus = nullptr;
     const OutsideLinks* links = nullptr;
     std::function<void()> started{};
@@ -47,6 +50,7 @@ private:
     void openSession();
     void addBadgeScripts();
     void addServices();
+    void addStatusItem();
     void openMainWindow();
     [[nodiscard]] DownloadList::Callbacks downloadCallbacks();
     [[nodiscard]] std::string firstAddress() const;
@@ -74,6 +78,7 @@ private:
     ObjectRef<WebKitUserContentManager> content_{};
     ObjectRef<WebKitSettings> settings_{};
     DockBadge badge_;
+    std::unique_ptr<StatusItem> statusItem_{};
     PageNotices notices_;
     std::unique_ptr<DownloadList> downloads_{};
     PageServices services_{};

@@ -1,6 +1,7 @@
 #include "LaunchKit/Icons/MenuPictures.h"
 
 #include "LaunchKit/Icons/IconImage.h"
+#include "LaunchKit/Icons/SymbolicPicture.h"
 
 #include <QBuffer>
 #include <QPainter>
@@ -9,8 +10,6 @@
 
 namespace quorvel {
 namespace {
-
-constexpr int largest = 256;
 
 QImage fitted(const QImage& image, int side) {
     QImage square(side, side, QImage::Format_ARGB32_Premultiplied);
@@ -28,25 +27,29 @@ std::string pngBytes(const QImage& image) {
     return bytes.toStdString();
 }
 
-std::vector<MenuPicture> picturesIn(const std::filesystem::path& icon) {
+std::vector<MenuPicture> picturesIn(const std::filesystem::path& icon, bool isSymbolic) {
     // Averaging colors needs them premultiplied.
-    const QImage image =
-        iconImageNear(icon, largest).convertToFormat(QImage::Format_ARGB32_Premultiplied);
+    const QImage image = iconImageNear(icon, menuPictureSides.back())
+                             .convertToFormat(QImage::Format_ARGB32_Premultiplied);
     if (image.isNull()) {
         return {};
     }
     std::vector<MenuPicture> pictures;
-    for (const int side : {48, 128, largest}) {
+    for (const int side : menuPictureSides) {
         pictures.push_back({side, pngBytes(fitted(image, side))});
+    }
+    if (isSymbolic) {
+        pictures.push_back(
+            {MenuPicture::symbolic, symbolicPicture(fitted(image, menuPictureSides.front()))});
     }
     return pictures;
 }
 
 } // namespace
 
-std::vector<MenuPicture> menuPictures(const std::filesystem::path& icon) {
+std::vector<MenuPicture> menuPictures(const std::filesystem::path& icon, bool isSymbolic) {
     try {
-        return picturesIn(icon);
+        return picturesIn(icon, isSymbolic);
     } catch (const std::bad_alloc&) {
         return {};
     }

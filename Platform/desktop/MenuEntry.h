@@ -3,6 +3,7 @@
 #include "Platform/desktop/DesktopEntry.h"
 
 #include <filesystem>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -13,8 +14,10 @@ namespace quorvel {
 
 /// One size of an icon.
 struct MenuPicture {
-    int side = 0;        ///< of a PNG, in pixels; 0: an SVG
+    int side = 0;        ///< of a PNG, in pixels; 0: an SVG; `symbolic`: an SVG in one color
     std::string bytes{}; ///< the file
+
+    static constexpr int symbolic = -1;
 
     bool operator==(const MenuPicture&) const = default;
 };
@@ -54,7 +57,16 @@ void removeMenuLeftovers();
 /// Returns all entries that were published for clones. Those that can't be read are left out.
 [[nodiscard]] std::vector<PublishedEntry> publishedMenuEntries();
 
-/// Returns whether there is a picture of this name in any size.
-[[nodiscard]] bool hasMenuPicture(const std::string& icon);
+/// Returns the entry that was published for the clone, if there is one.
+[[nodiscard]] std::optional<PublishedEntry> publishedEntryOf(const std::string& cloneId);
+
+/// Returns whether there is a picture of this name of that `MenuPicture::side`.
+[[nodiscard]] bool hasMenuPicture(const std::string& icon, int side);
+
+/// Returns the name of the icon's picture in one color, which desktops draw in the color of their
+/// texts.
+[[nodiscard]] inline std::string symbolicIconName(const std::string& icon) {
+    return icon + "-symbolic";
+}
 
 } // namespace quorvel

@@ -33,15 +33,18 @@ fs::path themeFolder() {
 
 fs::path pictureFolder(int side) {
     const std::string size = std::to_string(side);
-    return joinAsText(themeFolder(), side == 0 ? "scalable/apps" : size + "x" + size + "/apps");
+    return joinAsText(themeFolder(), side == MenuPicture::symbolic ? "symbolic/apps"
+                                     : side == 0                   ? "scalable/apps"
+                                                                   : size + "x" + size + "/apps");
 }
 
 std::string pictureName(const std::string& icon, int side) {
-    return icon + (side == 0 ? ".svg" : ".png");
+    return side == MenuPicture::symbolic ? symbolicIconName(icon) + ".svg"
+                                         : icon + (side == 0 ? ".svg" : ".png");
 }
 
 // Every size that was ever published.
-constexpr std::array pictureSides{0, 48, 128, 256};
+constexpr std::array pictureSides{MenuPicture::symbolic, 0, 48, 128, 256};
 
 // Returns the entry in a file if it is of a clone.
 std::optional<DesktopEntry> cloneEntryIn(const fs::path& file) {
@@ -190,10 +193,13 @@ std::vector<PublishedEntry> publishedMenuEntries() {
     return found;
 }
 
-bool hasMenuPicture(const std::string& icon) {
-    return std::any_of(pictureSides.begin(), pictureSides.end(), [&](int side) {
-        return itemExists(joinAsText(pictureFolder(side), pictureName(icon, side)));
-    });
+std::optional<PublishedEntry> publishedEntryOf(const std::string& cloneId) {
+    std::vector<PublishedEntry> entries = entriesOf(cloneId);
+    return entries.empty() ? std::nullopt : std::optional(std::move(entries.front()));
+}
+
+bool hasMenuPicture(const std::string& icon, int side) {
+    return itemExists(joinAsText(pictureFolder(side), pictureName(icon, side)));
 }
 
 } // namespace quorvel

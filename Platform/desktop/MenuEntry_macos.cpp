@@ -16,7 +16,11 @@ std::vector<PublishedEntry> publishedMenuEntries() {
     return {};
 }
 
-bool hasMenuPicture(const std::string& /*icon*/) {
+std::optional<PublishedEntry> publishedEntryOf(const std::string& /*cloneId*/) {
+    return std::nullopt;
+}
+
+bool hasMenuPicture(const std::string& /*icon*/, int /*side*/) {
     return false;
 }
 

@@ -78,9 +78,11 @@ std::optional<PlatformError> failureOf(StartedProgram& program, int wake,
 
 } // namespace
 
-StartedProgram startProgram(const std::filesystem::path& executable) {
+StartedProgram startProgram(const std::filesystem::path& executable, const Environment& variables) {
     Process::Options options;
     options.executable = executable;
+    options.environment = variables;
+    options.environment->merge(currentEnvironment());
     options.directory = "/"; // as a desktop does; our folder may be removed
     if (executable.filename() == runnerName) {
         return startReporting(options);
@@ -89,6 +91,18 @@ StartedProgram startProgram(const std::filesystem::path& executable) {
     options.standardError = Process::Discard{};
     options.detached = true;
     return {Process::run(options), FileHandle(-1)};
+}
+
+bool startAndWait(const std::filesystem::path& executable, const Environment& variables) {
+    constexpr int neverWoken = -1;
+    if (executable.filename() != runnerName) {
+        return false;
+    }
+    StartedProgram program = startProgram(executable, variables);
+    const StartOutcome outcome =
+        readStartReport(program.reports.descriptor(), neverWoken, oldRunnerTimeout, timeout);
+    program.process.detach();
+    return outcome.kind == StartOutcome::Case::started;
 }
 
 StartWatch::StartWatch() : wake_(::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)) {}

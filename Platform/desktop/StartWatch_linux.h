@@ -15,9 +15,17 @@ namespace quorvel {
 /// does not.
 using StartedProgram = ReportedStart;
 
-/// Starts the executable of a bundle as a desktop does. Passes a clone's runner a pipe for its
-/// `StartReport`. Returns the process and the pipe. Throws `PlatformError` if it can't be started.
-[[nodiscard]] StartedProgram startProgram(const std::filesystem::path& executable);
+/// Starts the executable of a bundle as a desktop does, with these variables besides ours. Passes a
+/// clone's runner a pipe for its `StartReport`. Returns the process and the pipe. Throws
+/// `PlatformError` if it can't be started.
+[[nodiscard]] StartedProgram startProgram(const std::filesystem::path& executable,
+                                          const Environment& variables = {});
+
+/// Starts a clone's runner in the same way, and waits for its report. Returns whether it reports
+/// that it has done what it was told; false for the executable of any other bundle, which is not
+/// started.
+[[nodiscard]] bool startAndWait(const std::filesystem::path& executable,
+                                const Environment& variables);
 
 /// Waits in the background for the reports of started programs.
 class StartWatch {

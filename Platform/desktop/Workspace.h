@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Platform/desktop/ActivationTokens.h"
 #include "Platform/desktop/RunningApplications.h"
 #include "Platform/files/PlatformError.h"
 
@@ -47,7 +48,8 @@ public:
     [[nodiscard]] virtual OperatingSystemVersion operatingSystemVersion() const = 0;
 };
 
-/// Returns the services of the running system.
-[[nodiscard]] std::unique_ptr<Workspace> makeSystemWorkspace();
+/// Returns the services of the running system. Applications are opened with tokens of `tokens`,
+/// which is called by the thread that opens them.
+[[nodiscard]] std::unique_ptr<Workspace> makeSystemWorkspace(ActivationTokenSource tokens = {});
 
 } // namespace quorvel

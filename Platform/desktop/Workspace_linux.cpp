@@ -11,6 +11,7 @@
 #include "Platform/files/FileHandle.h"
 #include "Platform/files/PlatformError.h"
 #include "Platform/files/PropertyListFile.h"
+#include "Platform/processes/FocusRequest.h"
 #include "Platform/processes/Process.h"
 #include "Platform/processes/ProcessFamily.h"
 #include "Platform/processes/ProcessStat_linux.h"
@@ -76,12 +77,8 @@ bool hasJustStarted(pid_t process) {
 std::string windowClassOf(const std::filesystem::path& bundle) {
     std::error_code code;
     const std::string clone = std::filesystem::canonical(bundle, code).string();
-    for (const PublishedEntry& published : publishedMenuEntries()) {
-        if (!code && published.entry.cloneId == clone) {
-            return published.entry.startupWmClass;
-        }
-    }
-    return {};
+    const auto published = code ? std::nullopt : publishedEntryOf(clone);
+    return published ? published->entry.startupWmClass : std::string();
 }
 
 // Every process of the application in the bundle, whose topmost one this is.
@@ -93,22 +90,62 @@ WindowOwner ownerOf(pid_t topmost, const std::filesystem::path& bundle) {
     return owner;
 }
 
+// A window that is to come to the front.
+struct Activation {
+    pid_t process;
+    std::filesystem::path bundle;
+    std::string token;
+};
+
+// Lets a window come to the front that the started program shows, or asks another to show.
+Environment variablesWith(const std::string& token) {
+    return token.empty()
+               ? Environment{}
+               : Environment{{"XDG_ACTIVATION_TOKEN", token}, {"DESKTOP_STARTUP_ID", token}};
+}
+
+// The clone itself may know how to use the token: one that runs is told by a second start.
+bool bringsItselfToFront(const Activation& activation) {
+    if (activation.token.empty()) {
+        return false;
+    }
+    Environment variables = variablesWith(activation.token);
+    variables.emplace(focusVariable, "1");
+    try {
+        return startAndWait(executableIn(activation.bundle), variables);
+    } catch (const PlatformError&) {
+        return false;
+    }
+}
+
+std::optional<PlatformError> failureOf(const Activation& activation) {
+    const auto failure = bringToFront(ownerOf(activation.process, activation.bundle));
+    if (!failure || hasJustStarted(activation.process) ||
+        (*failure == ActivationFailure::notAllowed && bringsItselfToFront(activation))) {
+        return std::nullopt;
+    }
+    return activationError(*failure, activation.bundle);
+}
+
 class LinuxWorkspace final : public Workspace {
 public:
+    explicit LinuxWorkspace(ActivationTokenSource tokens) : tokens_(std::move(tokens)) {}
+
     // Starting a process is quick enough for the calling thread. Its report, and its end, are
     // waited for in the background.
     void openApplication(const std::filesystem::path& bundle, bool activates,
                          Completion completion) override {
         std::optional<PlatformError> error;
         try {
+            const std::string token = activates && tokens_ ? tokens_() : std::string();
             const FileHandle lock = lockBundle(bundle);
             const std::optional<pid_t> running = runningProcess(bundle);
             if (running && activates) {
-                activate(*running, bundle, std::move(completion));
+                activate({*running, bundle, token}, std::move(completion));
                 return;
             }
             if (!running) {
-                StartedProgram program = startProgram(executableIn(bundle));
+                StartedProgram program = startProgram(executableIn(bundle), variablesWith(token));
                 awaitCommandLine(program.process.identifier());
                 starts_.watch(std::move(program), bundle, std::move(completion));
                 return;
@@ -153,20 +190,18 @@ private:
     }
 
     // In the background: a window manager takes its time.
-    void activate(pid_t process, const std::filesystem::path& bundle, Completion completion) {
+    void activate(const Activation& activation, Completion completion) {
         const std::lock_guard guard(mutex_);
-        std::erase_if(activations_, [](const std::future<void>& activation) {
-            return activation.wait_for(std::chrono::seconds(0)) == std::future_status::ready;
+        std::erase_if(activations_, [](const std::future<void>& earlier) {
+            return earlier.wait_for(std::chrono::seconds(0)) == std::future_status::ready;
         });
         activations_.push_back(
-            std::async(std::launch::async, [process, bundle, completion = std::move(completion)] {
-                const auto failure = bringToFront(ownerOf(process, bundle));
-                completion(failure && !hasJustStarted(process)
-                               ? std::optional(activationError(*failure, bundle))
-                               : std::nullopt);
+            std::async(std::launch::async, [activation, completion = std::move(completion)] {
+                completion(failureOf(activation));
             }));
     }
 
+    ActivationTokenSource tokens_;
     ProcessTable processes_;
     StartWatch starts_;
     std::mutex mutex_{};
@@ -175,8 +210,8 @@ private:
 
 } // namespace
 
-std::unique_ptr<Workspace> makeSystemWorkspace() {
-    return std::make_unique<LinuxWorkspace>();
+std::unique_ptr<Workspace> makeSystemWorkspace(ActivationTokenSource tokens) {
+    return std::make_unique<LinuxWorkspace>(std::move(tokens));
 }
 
 } // namespace quorvel

@@ -12,6 +12,11 @@
 namespace quorvel {
 namespace {
 
+// Reaps the companions that have ended, each by its object, which then knows.
+void reap(std::vector<Process>& companions) {
+    std::erase_if(companions, [](Process& companion) { return !companion.isRunning(); });
+}
+
 // Children that this process adopted must not stay zombies. The process itself is reaped by its
 // owner, who needs its status.
 void reapOthersThan(const Process& process) {
@@ -25,8 +30,9 @@ void reapOthersThan(const Process& process) {
     }
 }
 
-// Returns the children but for the companion, after reaping those that have ended.
-std::vector<pid_t> othersThan(Process* companion) {
+// Returns the children but for the companions, after reaping those that have ended.
+std::vector<pid_t> othersThan(std::vector<Process>& companions) {
+    reap(companions);
     pid_t ended = 1;
     while (ended > 0 || (ended < 0 && errno == EINTR)) {
         ended = ::waitpid(-1, nullptr, WNOHANG);
@@ -35,8 +41,8 @@ std::vector<pid_t> othersThan(Process* companion) {
         return {}; // Without children, all of the system's processes need not be searched for them.
     }
     std::vector<pid_t> children = runningChildren();
-    if (companion != nullptr) {
-        std::erase(children, companion->identifier());
+    for (const Process& companion : companions) {
+        std::erase(children, companion.identifier());
     }
     return children;
 }
@@ -74,7 +80,7 @@ int SignalForwarder::nextSignal() const {
     return signal == SIGCHLD ? 0 : signal;
 }
 
-int SignalForwarder::waitUntilExit(Process& process, Process* companion) const {
+int SignalForwarder::waitUntilExit(Process& process, std::vector<Process> companions) const {
     using Clock = std::chrono::steady_clock;
     constexpr std::chrono::seconds recently{10};
     int last = 0;
@@ -85,6 +91,7 @@ int SignalForwarder::waitUntilExit(Process& process, Process* companion) const {
             lastAt = Clock::now();
             process.sendSignal(signal);
         }
+        reap(companions);
         reapOthersThan(process);
     }
     const int status = process.waitUntilExit();
@@ -93,15 +100,15 @@ int SignalForwarder::waitUntilExit(Process& process, Process* companion) const {
         last = 0;
     }
     std::set<pid_t> asked;
-    for (auto left = othersThan(companion); !left.empty(); left = othersThan(companion)) {
+    for (auto left = othersThan(companions); !left.empty(); left = othersThan(companions)) {
         sendOnce(last, left, asked);
         if (const int signal = nextSignal(); signal != 0) {
             last = signal;
             asked.clear();
         }
     }
-    if (companion != nullptr) {
-        companion->terminate();
+    for (Process& companion : companions) {
+        companion.terminate();
     }
     return status;
 }

@@ -3,6 +3,7 @@
 #include "Platform/processes/Process.h"
 
 #include <csignal>
+#include <vector>
 
 namespace quorvel {
 
@@ -16,9 +17,9 @@ public:
     /// Waits for the process and sends it every signal that arrives meanwhile. Then waits in the
     /// same way for the other `runningChildren`, those that it adopted: they get the last
     /// signal too, even if it arrived before. Returns the exit status of `process`, or 128 + N if
-    /// signal N ended it. A companion is a child that only serves the others: it is not waited for,
-    /// but ended after them. Call it in the thread that constructed this.
-    [[nodiscard]] int waitUntilExit(Process& process, Process* companion = nullptr) const;
+    /// signal N ended it. Companions are children that only serve the others: they are not waited
+    /// for, but ended after them. Call it in the thread that constructed this.
+    [[nodiscard]] int waitUntilExit(Process& process, std::vector<Process> companions = {}) const;
 
     /// Ends that: these signals have their default effect again in the calling thread, and in what
     /// it starts. For a process that goes on without a child.

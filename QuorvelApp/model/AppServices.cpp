@@ -27,9 +27,9 @@ std::optional<ProbeResult> probeApp(const std::filesystem::path& app,
 
 } // namespace
 
-AppServices AppServices::system() {
+AppServices AppServices::system(ActivationTokenSource tokens) {
     AppServices services;
-    services.workspace = makeSystemWorkspace();
+    services.workspace = makeSystemWorkspace(std::move(tokens));
     services.tasks = std::make_shared<ThreadPoolTasks>();
     services.quitting = std::make_shared<std::atomic<bool>>(false);
     services.scanCatalog = [] { return AppCatalog::scan(); };

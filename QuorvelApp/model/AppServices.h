@@ -52,7 +52,7 @@ struct AppServices {
     std::shared_ptr<std::atomic<bool>> quitting{};
 
     /// Returns the services of this computer.
-    [[nodiscard]] static AppServices system();
+    [[nodiscard]] static AppServices system(ActivationTokenSource tokens = {});
 };
 
 } // namespace quorvel

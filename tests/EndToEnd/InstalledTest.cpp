@@ -32,11 +32,13 @@ std::vector<std::string> filesBelow(const fs::path& folder) {
 TEST(InstalledTest, HasItsFilesWhereADesktopLooksForThem) {
     const TemporaryFolder folder;
     installTo(folder.path());
-    EXPECT_THAT(filesBelow(folder.path()),
-                IsSupersetOf({"bin/quorvelctl", "libexec/quorvel/quorvel-link-door",
-                              "libexec/quorvel/quorvel-runner", "share/man/man1/quorvelctl.1",
-                              "share/bash-completion/completions/quorvelctl",
-                              "share/zsh/site-functions/_quorvelctl"}));
+    EXPECT_THAT(
+        filesBelow(folder.path()),
+        IsSupersetOf({"bin/quorvelctl", "libexec/quorvel/quorvel-link-door",
+                      "libexec/quorvel/quorvel-runner", "libexec/quorvel/quorvel-status-item",
+                      "libexec/quorvel/quorvel-window-names", "share/man/man1/quorvelctl.1",
+                      "share/bash-completion/completions/quorvelctl",
+                      "share/zsh/site-functions/_quorvelctl"}));
 #ifdef QUORVEL_WITH_WEB_HOST
     EXPECT_THAT(filesBelow(folder.path()), IsSupersetOf({"libexec/quorvel/quorvel-web-host.so"}));
 #endif

@@ -189,6 +189,25 @@ protected:
         return waitUntil([&] { return busText().find(text) != std::string::npos; }, longestWait);
     }
 
+    // Returns the properties of the one item in the tray.
+    [[nodiscard]] std::string statusItem() {
+        const auto call = [&](const std::string& name, const std::string& path,
+                              const std::string& method, const std::vector<std::string>& more) {
+            std::vector<std::string> command{"/usr/bin/gdbus", "call", "--session", "--dest", name,
+                                             "--object-path",  path,   "--method",  method};
+            command.insert(command.end(), more.begin(), more.end());
+            return session->outputOf(command);
+        };
+        const std::string names =
+            call("org.freedesktop.DBus", "/", "org.freedesktop.DBus.ListNames", {});
+        const std::regex pattern("org\\.kde\\.StatusNotifierItem-[0-9]+-1");
+        std::smatch found;
+        return std::regex_search(names, found, pattern)
+                   ? call(found.str(), "/StatusNotifierItem",
+                          "org.freedesktop.DBus.Properties.GetAll", {"org.kde.StatusNotifierItem"})
+                   : "";
+    }
+
     [[nodiscard]] std::string address(const std::string& page) const {
         return "http://127.0.0.1:" + read(session->home / "port") + "/" + page;
     }

@@ -141,7 +141,7 @@ TEST_F(WebClonesTest, ASecondOpeningReachesTheFirst) {
 }
 
 TEST_F(WebClonesTest, PagesReachTheDesktopAsTheClone) {
-    create("Portal", "", {"--open-with"});
+    create("Portal", "", {"--open-with", "--menu-bar-icon"});
     const std::string word = windowWord(cloneIdentity(wrapper("Portal")));
     const std::string origin = address("").substr(0, address("").size() - 1);
     session->write(data("Portal") / ".local/share/quorvel/web/permissions.json",
@@ -157,6 +157,10 @@ TEST_F(WebClonesTest, PagesReachTheDesktopAsTheClone) {
     window("^\\(7\\) .*Chat.* — Portal");
     EXPECT_TRUE(isOnBus("int64 7 "));
     EXPECT_EQ(busText().find("int64 99 "), std::string::npos);
+    EXPECT_THAT(statusItem(),
+                AllOf(HasSubstr("'Title': <'Portal (7)'>"), HasSubstr("'XAyatanaLabel': <'7'>"),
+                      HasSubstr("'IconName': <'web-browser'>")));
+    EXPECT_TRUE(isOnBus("member=XAyatanaNewLabel string \"7\""));
     ASSERT_EQ(handOver("Portal", "notice"), 0);
     EXPECT_EQ(request("/notified"), "/notified?granted");
     EXPECT_TRUE(isOnBus("string \"Hello 4 — Portal\""));

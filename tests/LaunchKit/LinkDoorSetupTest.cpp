@@ -254,6 +254,27 @@ TEST_F(LinkDoorSetupTestInAClone, KeepsItsLinksInsideIfThatIsItsOwnSetting) {
     EXPECT_THAT(setUpInside(first), Contains(Pair("BROWSER", "another"))) << "no door of ours";
 }
 
+// Desktops that read the cache find the first one's door without asking for a default.
+TEST_F(LinkDoorSetupTestInAClone, DoesNotFindTheFirstOnesDoorByItsCacheOfTypes) {
+    const std::string applications = home + "/.local/share/applications";
+    const Environment first = setUp();
+    write(applications + "/mimeinfo.cache",
+          "[MIME Cache]\nx-scheme-handler/http=quorvel-links.desktop;\n");
+    const auto handlers = [&](Environment clone) {
+        // As a clone's shared folders contain the session's entries.
+        clone["XDG_DATA_DIRS"] = home + "/.local/share";
+        return Process::capture({.executable = "/usr/bin/gio",
+                                 .arguments = {"mime", "x-scheme-handler/http"},
+                                 .environment = clone},
+                                4096);
+    };
+    EXPECT_THAT(handlers(first), HasSubstr("quorvel-links.desktop"));
+    EXPECT_THAT(handlers(setUpInside(first)), Not(HasSubstr("quorvel-links.desktop")));
+    secondOptions.links.reset();
+    EXPECT_THAT(handlers(setUpInside(first)), HasSubstr("quorvel-links.desktop"))
+        << "its own, which is not hidden";
+}
+
 TEST_F(LinkDoorSetupTestInAClone, ItsConfiguredVariablesWin) {
     const Environment first = setUp();
     secondOptions.environment = {{"BROWSER", door.string()}, {"PATH", links + "/bin:/mine"}};

@@ -19,6 +19,8 @@
 #include <gmock/gmock.h>
 
 #include <QImage>
+#include <QPainter>
+#include <QSvgRenderer>
 
 namespace quorvel::testing {
 namespace {
@@ -340,6 +342,48 @@ TEST_F(MenuEntriesTest, ADrawingIsPublishedBesideThePictures) {
     EXPECT_TRUE(fs::exists(pictures("256x256") / (icon + ".png")));
 }
 
+// A picture with a dark half, a light half, and a gap between.
+QImage halves() {
+    QImage image(48, 48, QImage::Format_ARGB32);
+    image.fill(Qt::transparent);
+    for (int y = 0; y < 48; ++y) {
+        for (int x = 0; x < 48; ++x) {
+            if (x < 20 || x >= 28) {
+                image.setPixelColor(x, y, x < 20 ? QColor(10, 0, 0) : QColor(255, 255, 200));
+            }
+        }
+    }
+    return image;
+}
+
+TEST_F(MenuEntriesTest, AMonochromeTrayIconIsPublishedAndRepaired) {
+    InstanceConfig config = command("Work");
+    config.menuBarIconTemplate = true; // alone, it says nothing
+    addIcon(made(config), pngOf(halves()));
+    publishInMenu(made(config));
+    EXPECT_FALSE(fs::exists(pictures("symbolic")));
+    config.menuBarIcon = true;
+    const InstanceRecord record = made(config);
+    EXPECT_EQ(repairMenu({record}).published, 1U);
+    const fs::path drawing =
+        pictures("symbolic") / (readDesktopEntry(published(record)).icon + "-symbolic.svg");
+    QImage drawn(48, 48, QImage::Format_ARGB32);
+    drawn.fill(Qt::transparent);
+    QPainter painter(&drawn);
+    QSvgRenderer(QString::fromStdString(drawing.string())).render(&painter);
+    painter.end();
+    EXPECT_EQ(drawn.pixelColor(10, 24).alpha(), 255) << "dark";
+    EXPECT_EQ(drawn.pixelColor(24, 24).alpha(), 0) << "the gap";
+    EXPECT_NEAR(drawn.pixelColor(38, 24).alpha(), 64, 2) << "light";
+    EXPECT_NEAR(drawn.pixelColor(10, 24).blue(), drawn.pixelColor(38, 24).blue(), 2) << "one color";
+    EXPECT_EQ(repairMenu({record}).published, 0U);
+    fs::remove(drawing);
+    EXPECT_EQ(repairMenu({record}).published, 1U);
+    EXPECT_TRUE(fs::exists(drawing));
+    withdrawFromMenu(record.bundleURL);
+    EXPECT_FALSE(fs::exists(drawing));
+}
+
 TEST_F(MenuEntriesTest, APictureThatIsNoneLeavesAGenericOne) {
     const InstanceRecord record = made(command("Work"));
     addIcon(record, "not a picture");
@@ -409,10 +453,35 @@ TEST_F(MenuEntriesTest, RepairsWhatAKilledPublicationLeaves) {
         }
         EXPECT_THAT(repairMenu({record}).problems, IsEmpty());
         ASSERT_TRUE(fs::exists(published(record))) << steps;
-        ASSERT_TRUE(hasMenuPicture(readDesktopEntry(published(record)).icon)) << steps;
+        ASSERT_TRUE(hasMenuPicture(readDesktopEntry(published(record)).icon, 128)) << steps;
         EXPECT_EQ(repairMenu({record}).published, 0U) << "nothing is left to repair";
     }
     EXPECT_GT(steps, 20);
+}
+
+TEST_F(MenuEntriesTest, TheApplicationsDrawingIsRepairedAsLongAsTheIconIsMadeOfIt) {
+    const std::string red = R"(<svg xmlns="http://www.w3.org/2000/svg" width="48" height="48">)"
+                            R"(<rect width="48" height="48" fill="red"/></svg>)";
+    write(home_ / "reader.svg", red);
+    write(target(), targetEntry + "Icon=" + (home_ / "reader.svg").string() + "\n");
+    WrapperFactory::Request request;
+    request.targetApp = target();
+    request.displayName = "Work";
+    request.outputDir = clones();
+    const fs::path wrapper = WrapperFactory(runnerProgram()).create(request);
+    const InstanceRecord record = InstanceRegistry().record(wrapper).value();
+    const auto drawing = [&] {
+        return pictures("scalable") / (readDesktopEntry(published(record)).icon + ".svg");
+    };
+    ASSERT_EQ(read(drawing()), red);
+    fs::remove_all(home_ / ".local/share/icons");
+    EXPECT_EQ(repairMenu({record}).published, 1U);
+    EXPECT_EQ(read(drawing()), red);
+    addIcon(record, pngOf(chatIcon(64)));
+    EXPECT_EQ(repairMenu({record}).published, 1U) << "another icon";
+    EXPECT_FALSE(fs::exists(drawing()));
+    EXPECT_TRUE(fs::exists(pictures("48x48") / drawing().filename().replace_extension("png")));
+    EXPECT_EQ(repairMenu({record}).published, 0U);
 }
 
 TEST_F(MenuEntriesTest, RepairsWhatAKilledWithdrawalLeaves) {

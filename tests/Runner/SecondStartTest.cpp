@@ -124,6 +124,40 @@ TEST_F(SecondStartTest, ASecondStartThatOnlyWaitsIsEnded) {
     first.waitUntilExit();
 }
 
+TEST_F(SecondStartTest, ABrowserIsToldToComeToTheFrontByItsToken) {
+    const fs::path clone = cloneOfBrowser("exit 0");
+    Process first = start(clone);
+    ASSERT_TRUE(runs("first"));
+    // As it is told from now on.
+    apps_.addScript("fox", "program=" + apps_.at("lib/fox/fox").string() +
+                               "\necho \"$XDG_ACTIVATION_TOKEN $QUORVEL_FOCUS\" > " +
+                               at("second").string() + "\nexit 0\n");
+    const ScopedEnvironment token("XDG_ACTIVATION_TOKEN", "token-1");
+    EXPECT_EQ(start(clone).waitUntilExit(), 75) << "the menu's second start is another matter";
+    EXPECT_FALSE(fs::exists(at("second")));
+    const ScopedEnvironment focus("QUORVEL_FOCUS", "1");
+    EXPECT_EQ(start(clone).waitUntilExit(), 0) << log();
+    EXPECT_EQ(read(at("second")), "token-1 \n");
+    EXPECT_TRUE(first.isRunning());
+    first.terminate();
+    first.waitUntilExit();
+}
+
+TEST_F(SecondStartTest, AnyOtherApplicationIsNotStartedTwiceToComeToTheFront) {
+    apps_.addScript("viewer", "echo once >> " + at("first").string() + "\nexec /bin/sleep 600\n");
+    InstanceConfig config = configOf(ShortcutKind::app);
+    config.targetAppPath = apps_.addEntry("viewer", "viewer %f");
+    const fs::path clone = wrapper(config);
+    Process first = start(clone);
+    ASSERT_TRUE(waitUntil([&] { return fs::exists(at("first")); }));
+    const ScopedEnvironment focus("QUORVEL_FOCUS", "1");
+    EXPECT_EQ(start(clone).waitUntilExit(), 75);
+    EXPECT_EQ(read(at("first")), "once\n");
+    EXPECT_EQ(log(), "") << "it is no fault of the clone";
+    first.terminate();
+    first.waitUntilExit();
+}
+
 TEST_F(SecondStartTest, WhatTakesOneDocumentSaysHowManyOthersWereLeftOut) {
     apps_.addScript("viewer", "echo \"$@\"");
     InstanceConfig config = configOf(ShortcutKind::app);

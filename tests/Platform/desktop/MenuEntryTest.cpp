@@ -90,8 +90,8 @@ TEST_F(MenuEntryTest, ANewPictureTakesThePlaceOfTheOldUnderItsOwnName) {
     publishMenuEntry(menuEntry(word + "-2"), {{128, "new"}});
     EXPECT_THAT(files(), ElementsAre("applications/" + word + ".desktop",
                                      "icons/hicolor/128x128/apps/" + word + "-2.png"));
-    EXPECT_TRUE(hasMenuPicture(word + "-2"));
-    EXPECT_FALSE(hasMenuPicture(word + "-1"));
+    EXPECT_TRUE(hasMenuPicture(word + "-2", 128));
+    EXPECT_FALSE(hasMenuPicture(word + "-1", 48));
 }
 
 TEST_F(MenuEntryTest, TheThemesFolderIsTouchedWhenAPictureIsNew) {
@@ -125,7 +125,7 @@ TEST_F(MenuEntryTest, APictureIsThereBeforeTheEntryThatNamesIt) {
             GTEST_SKIP() << "the kernel forbids tracing";
         }
         const DesktopEntry entry = readDesktopEntry(applications() / (word + ".desktop"));
-        ASSERT_TRUE(hasMenuPicture(entry.icon)) << entry.icon << " at step " << step;
+        ASSERT_TRUE(hasMenuPicture(entry.icon, 48)) << entry.icon << " at step " << step;
         for (const char* size : {"48x48", "256x256"}) {
             ASSERT_TRUE(fs::exists(theme() / size / "apps" / (entry.icon + ".png"))) << step;
         }
@@ -262,7 +262,7 @@ TEST_F(MenuEntryTest, AFolderThatCannotBeWrittenLeavesTheOlderEntry) {
     }));
     EXPECT_EQ(readDesktopEntry(folder.path() / "applications" / (word + ".desktop")),
               menuEntry().entry);
-    EXPECT_TRUE(hasMenuPicture(word + "-1"));
+    EXPECT_TRUE(hasMenuPicture(word + "-1", 48));
 }
 
 TEST_F(MenuEntryTest, ListsOnlyEntriesOfClones) {

@@ -1,4 +1,5 @@
 // What opening a clone finds out from its runner.
+#include "Platform/desktop/StartWatch_linux.h"
 #include "Platform/desktop/Workspace.h"
 #include "Platform/processes/StartReport.h"
 #include "tests/support/AppBundles.h"
@@ -116,6 +117,28 @@ TEST_F(StartWatchTest, ARunningApplicationIsNotWaitedFor) {
     const auto start = Clock::now();
     EXPECT_EQ(open("exit 71"), "") << "no second one was started";
     EXPECT_LT(Clock::now() - start, std::chrono::milliseconds(900));
+}
+
+TEST_F(StartWatchTest, TheDesktopsTokenReachesWhatIsOpened) {
+    workspace_ = makeSystemWorkspace([] { return std::string("token-1"); });
+    EXPECT_EQ(open("printf \"%s %s\" \"$XDG_ACTIVATION_TOKEN\" \"$DESKTOP_STARTUP_ID\" >" +
+                   (folder_ / "told").string() + "; printf .+" + report),
+              "");
+    EXPECT_EQ(read(folder_ / "told"), "token-1 token-1");
+}
+
+TEST_F(StartWatchTest, ARunnerThatIsToldSomethingIsWaitedFor) {
+    const auto told = [&](const std::string& script) {
+        const std::filesystem::path program = bundle(script) / "Contents/MacOS/runner";
+        return startAndWait(program, {{"QUORVEL_FOCUS", "1"}});
+    };
+    EXPECT_TRUE(told("[ \"$QUORVEL_FOCUS\" = 1 ] && printf .+" + report));
+    EXPECT_FALSE(told("printf '.-no'" + report + "; exit 75"));
+    EXPECT_FALSE(told("exit 0"));
+    const auto other =
+        makeScriptedAppBundle(folder_ / "Other.app", "touch " + (folder_ / "started").string());
+    EXPECT_FALSE(startAndWait(other / "Contents/MacOS/Other", {}));
+    EXPECT_FALSE(std::filesystem::exists(folder_ / "started")) << "it would run twice";
 }
 
 TEST_F(StartWatchTest, DestroyingTheWorkspaceEndsTheWait) {

@@ -1,4 +1,4 @@
-#include "WebHost/SessionBus_linux.h"
+#include "Platform/desktop/SessionBus_linux.h"
 
 #include "Platform/files/FileSystem.h"
 

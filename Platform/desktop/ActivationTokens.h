@@ -1,0 +1,31 @@
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <string>
+
+namespace quorvel {
+
+/// Returns a token by which the desktop knows that the user wants another program's window in
+/// front; empty if there is none.
+using ActivationTokenSource = std::function<std::string()>;
+
+/// Gets such tokens from the compositor, for the last click or key in one of this program's
+/// windows. Only Wayland has them, and only a build with Qt's private headers can ask for them.
+class ActivationTokens {
+public:
+    /// After the `QGuiApplication`, before its windows.
+    ActivationTokens();
+    ActivationTokens(const ActivationTokens&) = delete;
+    ActivationTokens& operator=(const ActivationTokens&) = delete;
+    ~ActivationTokens();
+
+    /// Waits for the compositor's answer, at most for a quarter of a second. Main thread only.
+    [[nodiscard]] std::string take() const;
+
+private:
+    class Clicks;
+    std::unique_ptr<Clicks> clicks_;
+};
+
+} // namespace quorvel

@@ -1,0 +1,168 @@
+// The icon in the tray, which the runner has a program show while the clone runs.
+#include "LaunchKit/InstanceRecord.h"
+#include "LaunchKit/MenuEntries.h"
+#include "LaunchKit/WindowWord.h"
+#include "Platform/desktop/DesktopEntry.h"
+#include "Platform/desktop/MenuEntry.h"
+#include "Platform/desktop/X11Windows_linux.h"
+#include "Platform/processes/ProcessFamily.h"
+#include "tests/Runner/RunnerFixture.h"
+#include "tests/Runner/Tray.h"
+#include "tests/support/SessionBus.h"
+#include "tests/support/XServer.h"
+
+#include <algorithm>
+#include <csignal>
+#include <gmock/gmock.h>
+
+namespace quorvel {
+namespace {
+
+using namespace testing;
+using ::testing::HasSubstr;
+namespace fs = std::filesystem;
+
+class StatusItemTest : public RunnerFixture {
+protected:
+    void SetUp() override {
+        if (!SessionBus::isAvailable()) {
+            GTEST_SKIP() << "dbus-daemon is not installed";
+        }
+        bus_.emplace();
+    }
+
+    [[nodiscard]] fs::path clone(bool isTemplate = false) const {
+        InstanceConfig config = configOf(ShortcutKind::command);
+        config.displayName = "Wörk & <b>";
+        config.commandPath = helperProgram();
+        config.commandArgs = {"wait"};
+        config.menuBarIcon = true;
+        config.menuBarIconTemplate = isTemplate;
+        const fs::path bundle = wrapper(config);
+        publishInMenu({bundle, config});
+        return bundle;
+    }
+
+    ScopedEnvironment program_{"QUORVEL_STATUS_ITEM", QUORVEL_STATUS_ITEM_PROGRAM};
+    std::optional<SessionBus> bus_{};
+};
+
+TEST_F(StatusItemTest, ShowsTheClonesNameIconAndMenuWhileItRuns) {
+    Tray tray;
+    const fs::path bundle = clone();
+    Process runner = start(bundle);
+    const std::string item = tray.item();
+    EXPECT_EQ(tray.tooEarly(), 0);
+    EXPECT_EQ(tray.property(item, "Title"), "(<'Wörk & <b>'>,)");
+    EXPECT_EQ(tray.property(item, "IconName"), "(<'utilities-terminal'>,)");
+    EXPECT_EQ(tray.property(item, "Id"), "(<'" + windowWord(cloneIdentity(bundle)) + "'>,)");
+    EXPECT_EQ(tray.property(item, "Status"), "(<'Active'>,)");
+    EXPECT_EQ(tray.property(item, "Menu"), "(<objectpath '/StatusNotifierItem/Menu'>,)");
+    EXPECT_EQ(tray.callMenu(item, "GetLayout", "(0, -1, @as [])"),
+              "(1, (0, {'children-display': <'submenu'>}, [<(1, {'label': <'Show'>}, @av [])>, "
+              "<(2, {'label': <'Quit'>}, @av [])>]))");
+    EXPECT_EQ(tray.callMenu(item, "GetGroupProperties", "([2], @as [])"),
+              "([(2, {'label': <'Quit'>})],)");
+    runner.terminate();
+    EXPECT_EQ(runner.waitUntilExit(), 128 + SIGTERM);
+    EXPECT_TRUE(waitUntil([&] { return !tray.has(item); }));
+}
+
+TEST_F(StatusItemTest, QuitEndsTheClone) {
+    Tray tray;
+    Process runner = start(clone());
+    const std::string item = tray.item();
+    ASSERT_NE(item, "");
+    EXPECT_EQ(tray.callMenu(item, "AboutToShow", "(0,)"), "(false,)");
+    EXPECT_TRUE(tray.callMenu(item, "Event", "(2, 'hovered', <0>, uint32 0)"));
+    EXPECT_TRUE(tray.callMenu(item, "Event", "(0, 'clicked', <0>, uint32 0)"));
+    EXPECT_TRUE(tray.callMenu(item, "Event", "(-7, 'clicked', <0>, uint32 0)"));
+    EXPECT_FALSE(tray.callMenu(item, "GetLayout", "(99, -1, @as [])"));
+    EXPECT_FALSE(tray.callMenu(item, "GetProperty", "(99, 'label')"));
+    EXPECT_TRUE(runner.isRunning());
+    EXPECT_TRUE(tray.callMenu(item, "EventGroup", "([(2, 'clicked', <0>, uint32 0)],)"));
+    EXPECT_EQ(runner.waitUntilExit(), 128 + SIGTERM);
+}
+
+TEST_F(StatusItemTest, ATrayThatStartsLaterOrAgainShowsIt) {
+    Process runner = start(clone(true));
+    for (int round = 0; round < 2; ++round) {
+        Tray tray;
+        const std::string item = tray.item();
+        EXPECT_EQ(tray.property(item, "IconName"), "(<'utilities-terminal-symbolic'>,)") << round;
+    }
+    EXPECT_TRUE(runner.isRunning()) << "no tray is not an error";
+    runner.terminate();
+    runner.waitUntilExit();
+}
+
+TEST_F(StatusItemTest, ItEndsWithARunnerThatIsKilled) {
+    Tray tray;
+    Process runner = start(clone());
+    const std::string item = tray.item();
+    ASSERT_TRUE(tray.has(item));
+    const std::vector<ProcessIdentity> below = descendantsOf(runner.identifier());
+    runner.sendSignal(SIGKILL);
+    runner.waitUntilExit();
+    EXPECT_TRUE(waitUntil([&] { return !tray.has(item); }));
+    for (const ProcessIdentity& process : below) {
+        ::kill(process.pid, SIGKILL);
+    }
+}
+
+TEST_F(StatusItemTest, AnyOtherCloneHasNone) {
+    InstanceConfig config = appConfig({"wait"});
+    config.menuBarIconTemplate = true;
+    Process runner = start(wrapper(config));
+    ASSERT_TRUE(waitUntil([&] { return !descendantsOf(runner.identifier()).empty(); }));
+    EXPECT_EQ(descendantsOf(runner.identifier()).size(), 1U);
+    runner.terminate();
+    runner.waitUntilExit();
+}
+
+TEST_F(StatusItemTest, WithoutABusTheCloneRunsAllTheSame) {
+    const ScopedEnvironment address("DBUS_SESSION_BUS_ADDRESS", "unix:path=/nonexistent/bus");
+    Process runner = start(clone());
+    ASSERT_TRUE(waitUntil([&] { return !descendantsOf(runner.identifier()).empty(); }));
+    EXPECT_TRUE(
+        waitUntil([&] { return descendantsOf(runner.identifier()).size() == 1; })) // the target
+        << "without a bus there is no tray";
+    EXPECT_TRUE(runner.isRunning());
+    runner.terminate();
+    EXPECT_EQ(runner.waitUntilExit(), 128 + SIGTERM);
+}
+
+TEST_F(StatusItemTest, AClickBringsTheClonesWindowToTheFront) {
+    if (const auto missing = XServer::missingPrograms(); !missing.empty()) {
+        GTEST_SKIP() << missing.front() << " is not installed";
+    }
+    const ScopedEnvironment wayland("WAYLAND_DISPLAY", std::nullopt);
+    const XServer server;
+    const auto screen = X11Windows::connect();
+    ASSERT_TRUE(screen);
+    Tray tray;
+    InstanceConfig config = configOf(ShortcutKind::app);
+    const fs::path entry = home_ / "original.desktop";
+    write(entry, "[Desktop Entry]\nType=Application\nName=Original\nExec=" QUORVEL_X11_WINDOW " " +
+                     at("window").string() + " Original\n");
+    config.targetAppPath = entry.string();
+    config.menuBarIcon = true;
+    Process runner = start(wrapper(config));
+    const std::string item = tray.item();
+    ASSERT_TRUE(waitUntil([&] { return screen->list().size() == 1; }));
+    const BackgroundProgram other(QUORVEL_X11_WINDOW, {at("other").string(), "Other"});
+    const auto isInFront = [&](const std::string& className) {
+        const auto windows = screen->list();
+        return std::any_of(windows.begin(), windows.end(), [&](const X11Window& window) {
+            return window.id == screen->active() && window.className == className;
+        });
+    };
+    ASSERT_TRUE(waitUntil([&] { return isInFront("Other"); }));
+    EXPECT_TRUE(tray.call(item, "Activate", "(0, 0)"));
+    EXPECT_TRUE(waitUntil([&] { return isInFront("Original"); }));
+    runner.terminate();
+    runner.waitUntilExit();
+}
+
+} // namespace
+} // namespace quorvel
