@@ -2,6 +2,7 @@
 
 #include <glib-object.h>
 
+#include <functional>
 #include <memory>
 #include <string>
 #include <utility>
@@ -38,6 +39,15 @@ template<typename Type>
 template<typename Function>
 void onSignal(gpointer object, const char* signal, Function function, gpointer data) {
     g_signal_connect(object, signal, G_CALLBACK(+function), data);
+}
+
+/// Connects a function with captures to a signal whose arguments don't matter.
+inline void onEvent(gpointer object, const char* signal, std::function<void()> act) {
+    GClosure* const closure = g_cclosure_new_swap(
+        G_CALLBACK(+[](gpointer data) { (*static_cast<std::function<void()>*>(data))(); }),
+        new std::function<void()>(std::move(act)),
+        [](gpointer data, GClosure*) { delete static_cast<std::function<void()>*>(data); });
+    g_signal_connect_closure(object, signal, closure, FALSE);
 }
 
 } // namespace quorvel

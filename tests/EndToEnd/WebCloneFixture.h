@@ -26,8 +26,8 @@ protected:
         if (const auto missing = UserSession::missingPrograms(); !missing.empty()) {
             GTEST_SKIP() << missing.front() << " is not installed";
         }
-        for (const char* program :
-             {"/usr/bin/bwrap", "/usr/bin/dbus-monitor", "/usr/bin/python3", "/usr/bin/xprop"}) {
+        for (const char* program : {"/usr/bin/bwrap", "/usr/bin/dbus-monitor", "/usr/bin/openssl",
+                                    "/usr/bin/python3", "/usr/bin/xprop"}) {
             if (!std::filesystem::exists(program)) {
                 GTEST_SKIP() << program << " is not installed";
             }
@@ -43,12 +43,17 @@ protected:
         // Compiling shaders without a graphics card takes seconds.
         session->environment["GSK_RENDERER"] = "cairo";
         session->write(session->home / "site.py", read(QUORVEL_SITE));
-        session
-            ->start({"/usr/bin/python3", (session->home / "site.py").string(),
-                     (session->home / "port").string(), requests().string()})
-            .detach();
-        ASSERT_TRUE(waitUntil([&] { return std::filesystem::exists(session->home / "port"); },
-                              longestWait));
+        ASSERT_TRUE(startSite("port", {}));
+    }
+
+    // Starts the site once more if there is one already.
+    bool startSite(const std::string& portFile, const std::vector<std::string>& more) {
+        std::vector<std::string> command{"/usr/bin/python3", (session->home / "site.py").string(),
+                                         (session->home / portFile).string(), requests().string()};
+        command.insert(command.end(), more.begin(), more.end());
+        session->start(command).detach();
+        return waitUntil([&] { return std::filesystem::exists(session->home / portFile); },
+                         longestWait);
     }
 
     void TearDown() override {
@@ -144,6 +149,27 @@ protected:
     void click(const std::string& window) {
         session->run(
             {"/usr/bin/xdotool", "mousemove", "--window", window, "400", "400", "click", "1"});
+    }
+
+    // Clicks with the secondary button.
+    void openMenu(const std::string& window) {
+        session->run(
+            {"/usr/bin/xdotool", "mousemove", "--window", window, "400", "400", "click", "3"});
+    }
+
+    void type(const std::string& text) {
+        session->run({"/usr/bin/xdotool", "type", "--delay", "5", text});
+    }
+
+    // Waits until no window has such a title.
+    [[nodiscard]] bool isGone(const std::string& title) const {
+        return waitUntil(
+            [&] {
+                return session
+                    ->outputOf({"/usr/bin/xdotool", "search", "--onlyvisible", "--name", title})
+                    .empty();
+            },
+            longestWait);
     }
 
     void press(const std::string& keys) { session->run({"/usr/bin/xdotool", "key", keys}); }

@@ -1,6 +1,12 @@
-"""The web site of the tests: site.py PORT_FILE LOG_FILE. Logs every request as a line."""
+"""The web site of the tests: site.py PORT_FILE LOG_FILE [TLS_FOLDER]. Logs every request as a line.
+
+With a folder, the site is also on three ports whose certificates are bad, which are made there: the
+folder then contains the files "expired", "other" and "self" with their ports."""
+import base64
 import http.server
 import os
+import ssl
+import subprocess
 import sys
 import threading
 
@@ -64,6 +70,15 @@ const timer = setInterval(() => {
   if (count === 200) { clearInterval(timer); document.title = 'Done'; }
 }, 10);
 </script>""",
+    '/facts': """<title>Facts</title><script>
+fetch('/facts-seen?dark=' + matchMedia('(prefers-color-scheme: dark)').matches +
+      '&wide=' + (innerWidth > 900) + '&agent=' + navigator.userAgent);</script>""",
+    '/menu': "<title>Menu</title><a href='http://localhost:PORT/file' "
+             "style='position:fixed;inset:0;background:#ccc'>Link</a>",
+    '/members': "<title>Members</title><script>fetch('/member')</script>",
+    '/misspelt': """<title>Misspelt</title><textarea autofocus
+style='position:fixed;inset:0;width:100%;height:100%;font:100px serif'>Wrod Wrod Wrod Wrod Wrod Wrod
+Wrod Wrod Wrod Wrod Wrod Wrod Wrod Wrod Wrod Wrod Wrod Wrod Wrod Wrod</textarea>""",
     '/sign-in': "<title>Sign in</title><script>opener.postMessage('as-me', '*');"
                 "fetch('/asked?badge=' + typeof navigator.setAppBadge)</script>",
 }
@@ -78,6 +93,14 @@ class Site(http.server.BaseHTTPRequestHandler):
             self.send_response_only(302)
             port = self.server.server_port
             self.send_header('Location', f'http://localhost:{port}{REDIRECTS[path]}')
+            self.send_header('Content-Length', '0')
+            self.end_headers()
+            return
+        login = base64.b64encode(b'me:secret').decode()
+        if path == '/members' and self.headers.get('Authorization') != 'Basic ' + login:
+            self.log_message()
+            self.send_response_only(401)
+            self.send_header('WWW-Authenticate', 'Basic realm="Members. Safe, says your bank"')
             self.send_header('Content-Length', '0')
             self.end_headers()
             return
@@ -102,8 +125,58 @@ class Site(http.server.BaseHTTPRequestHandler):
         log.write(self.path + '\n')
 
 
+CA = """[ca]
+default_ca=c
+[c]
+database=index
+new_certs_dir=.
+serial=serial
+default_md=sha256
+policy=p
+[p]
+commonName=supplied
+[req]
+distinguished_name=d
+[d]
+"""
+
+
+def add_tls(folder):
+    """Serves the site with certificates that prove nothing."""
+    os.makedirs(folder)
+
+    def write(name, text):
+        with open(f'{folder}/{name}', 'w', encoding='utf-8') as made:
+            made.write(text)
+
+    def openssl(*arguments):
+        subprocess.run(['openssl', *arguments], cwd=folder, check=True, capture_output=True)
+
+    write('ca.cnf', CA)
+    write('serial', '01')
+    for name, host, end in (('expired', 'IP:127.0.0.1', '2021'), ('self', 'IP:127.0.0.1', '2048'),
+                            ('other', 'DNS:other.test', '2048')):
+        write('index', '')
+        write('ext', 'subjectAltName=' + host)
+        openssl('req', '-new', '-newkey', 'ec', '-pkeyopt', 'ec_paramgen_curve:P-256', '-nodes',
+                '-keyout', name + '.key', '-subj', '/CN=' + name, '-config', 'ca.cnf',
+                '-out', 'request')
+        openssl('ca', '-batch', '-notext', '-selfsign', '-config', 'ca.cnf', '-extfile', 'ext',
+                '-keyfile', name + '.key', '-in', 'request', '-startdate', '20200101000000Z',
+                '-enddate', end + '0101000000Z', '-out', name + '.cert')
+        context = ssl.SSLContext(ssl.PROTOCOL_TLS_SERVER)
+        context.load_cert_chain(f'{folder}/{name}.cert', f'{folder}/{name}.key')
+        secured = http.server.ThreadingHTTPServer(('127.0.0.1', 0), Site)
+        secured.socket = context.wrap_socket(secured.socket, server_side=True,
+                                             do_handshake_on_connect=False)
+        threading.Thread(target=secured.serve_forever, daemon=True).start()
+        write(name, str(secured.server_port))
+
+
 log = open(sys.argv[2], 'a', buffering=1, encoding='utf-8')
 server = http.server.ThreadingHTTPServer(('127.0.0.1', 0), Site)
+if len(sys.argv) > 3:
+    add_tls(sys.argv[3])
 with open(sys.argv[1] + '.part', 'w', encoding='utf-8') as file:
     file.write(str(server.server_port))
 os.rename(sys.argv[1] + '.part', sys.argv[1])

@@ -1,0 +1,22 @@
+#pragma once
+
+#include "WebHost/SiteSettings.h"
+
+#include <webkit/webkit.h>
+
+namespace quorvel {
+
+/// What of the engine a clone's settings change.
+struct SettingsTarget {
+    WebKitWebContext* context;
+    WebKitNetworkSession* session;
+    WebKitSettings* settings; ///< of the pages
+};
+
+/// Has the engine do as the settings say, from the next page on.
+void applySiteSettings(const SettingsTarget& target, const SiteSettings& settings);
+
+/// Tells pages the user's languages.
+void setPageLanguages(WebKitWebContext* context);
+
+} // namespace quorvel
