@@ -65,6 +65,15 @@ void applySiteSettings(const SettingsTarget& target, const SiteSettings& setting
     applyProxy(target.session, settings);
 }
 
+void restrictPages(WebKitSettings* settings) {
+    webkit_settings_set_allow_file_access_from_file_urls(settings, FALSE);
+    webkit_settings_set_allow_universal_access_from_file_urls(settings, FALSE);
+    webkit_settings_set_allow_top_navigation_to_data_urls(settings, FALSE);
+    webkit_settings_set_disable_web_security(settings, FALSE);
+    webkit_settings_set_enable_developer_extras(settings, FALSE);
+    webkit_settings_set_javascript_can_open_windows_automatically(settings, FALSE);
+}
+
 void setPageLanguages(WebKitWebContext* context) {
     std::vector<std::string> languages = userLanguages();
     for (std::string& language : languages) {

@@ -16,6 +16,10 @@ struct SettingsTarget {
 /// Has the engine do as the settings say, from the next page on.
 void applySiteSettings(const SettingsTarget& target, const SiteSettings& settings);
 
+/// Switches off what would let a page read files, other sites or the inspector, whatever the
+/// engine's defaults are.
+void restrictPages(WebKitSettings* settings);
+
 /// Tells pages the user's languages.
 void setPageLanguages(WebKitWebContext* context);
 

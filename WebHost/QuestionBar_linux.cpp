@@ -48,6 +48,11 @@ QuestionBar::~QuestionBar() {
 }
 
 bool QuestionBar::ask(HostQuestion question) {
+    if (question.isUrgent) {
+        questions_.push_front(std::move(question));
+        showFirst();
+        return true;
+    }
     if (questions_.size() >= mostWaitingQuestions) {
         return false;
     }

@@ -100,6 +100,7 @@ void WebHost::openSession() {
         },
         this);
     settings_.reset(webkit_settings_new());
+    restrictPages(settings_.get());
     content_.reset(webkit_user_content_manager_new());
     applySettings();
 }
@@ -335,15 +336,20 @@ void WebHost::leave() {
         return;
     }
     main_->window().present("");
-    isLeavingAsked_ = isLeavingAsked_ ||
-                      main_->window().ask({"Files are being downloaded.", "Cancel Them and Quit",
-                                           "Keep Downloading", [this](std::optional<bool> isMeant) {
-                                               isLeavingAsked_ = false;
-                                               if (isMeant == true) {
-                                                   downloads_->cancelAll();
-                                                   main_->close();
-                                               }
-                                           }});
+    if (!std::exchange(isLeavingAsked_, true)) {
+        (void)main_->window().ask({.text = "Files are being downloaded.",
+                                   .yes = "Cancel Them and Quit",
+                                   .no = "Keep Downloading",
+                                   .answered =
+                                       [this](std::optional<bool> isMeant) {
+                                           isLeavingAsked_ = false;
+                                           if (isMeant == true) {
+                                               downloads_->cancelAll();
+                                               main_->close();
+                                           }
+                                       },
+                                   .isUrgent = true});
+    }
 }
 
 void WebHost::quit() {

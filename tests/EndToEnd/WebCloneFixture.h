@@ -172,7 +172,28 @@ protected:
             longestWait);
     }
 
-    void press(const std::string& keys) { session->run({"/usr/bin/xdotool", "key", keys}); }
+#ifdef QUORVEL_ACCESSIBLE
+    // Returns the roles and names of all controls, as assistive technology sees them.
+    [[nodiscard]] std::string controls() const {
+        return session->outputOf({QUORVEL_ACCESSIBLE, "names"});
+    }
+    [[nodiscard]] bool isShown(const std::string& text) const {
+        return waitUntil([&] { return controls().find(text) != std::string::npos; }, longestWait);
+    }
+    void activate(const std::string& name) {
+        EXPECT_TRUE(waitUntil(
+            [&] {
+                return session->run({QUORVEL_ACCESSIBLE, "press", name}) == 0;
+            },
+            longestWait))
+            << name << "\n"
+            << controls();
+    }
+#endif
+
+    void press(const std::string& keys) {
+        session->run({"/usr/bin/xdotool", "key", keys});
+    }
 
     // Clicks until the site gets such a request.
     void clickUntil(const std::string& window, const std::string& text) {
@@ -197,7 +218,9 @@ protected:
         session->write(session->home / ".config/mimeapps.list",
                        "[Default Applications]\nx-scheme-handler/http=browser.desktop\n");
     }
-    [[nodiscard]] std::filesystem::path browsed() const { return session->home / "browsed"; }
+    [[nodiscard]] std::filesystem::path browsed() const {
+        return session->home / "browsed";
+    }
 
     // Records what is sent on the bus, in a file.
     void recordBus(const std::string& rule) {
@@ -230,8 +253,12 @@ protected:
     [[nodiscard]] std::string log(const std::string& name) const {
         return read(data(name) / "quorvel-instance.log");
     }
-    [[nodiscard]] std::filesystem::path requests() const { return session->home / "requests"; }
-    [[nodiscard]] std::filesystem::path bus() const { return session->folder() / "home/bus"; }
+    [[nodiscard]] std::filesystem::path requests() const {
+        return session->home / "requests";
+    }
+    [[nodiscard]] std::filesystem::path bus() const {
+        return session->folder() / "home/bus";
+    }
 
     std::optional<UserSession> session{};
 };

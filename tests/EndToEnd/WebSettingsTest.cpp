@@ -49,20 +49,6 @@ protected:
     int handOverAddress(const std::string& address) {
         return session->run({runner("Portal"), address});
     }
-
-    // Returns the roles and names of all controls, as assistive technology sees them.
-    [[nodiscard]] std::string controls() const {
-        return session->outputOf({QUORVEL_ACCESSIBLE, "names"});
-    }
-    void activate(const std::string& name) {
-        EXPECT_TRUE(waitUntil(
-            [&] {
-                return session->run({QUORVEL_ACCESSIBLE, "press", name}) == 0;
-            },
-            longestWait))
-            << name << "\n"
-            << controls();
-    }
 };
 
 TEST_F(WebSettingsTest, WhatIsChosenInThePanelHoldsAndIsKept) {
@@ -78,9 +64,7 @@ TEST_F(WebSettingsTest, WhatIsChosenInThePanelHoldsAndIsKept) {
     const std::string shown = window("Facts.* — Portal");
     press("ctrl+comma");
     window("^Site Settings — Portal");
-    EXPECT_TRUE(waitUntil(
-        [&] { return controls().find("Remove the data of 127.0.0.1") != std::string::npos; },
-        longestWait));
+    EXPECT_TRUE(isShown("Remove the data of 127.0.0.1"));
     const std::string names = controls();
     for (const char* name : {"Zoom in percent", "Colors", "Check spelling", "Spelling languages",
                              "User agent", "Proxy", "Proxy address", "Host", "Links to it",
@@ -96,8 +80,7 @@ TEST_F(WebSettingsTest, WhatIsChosenInThePanelHoldsAndIsKept) {
     enter("u", "Test/1.0 (me)");
     EXPECT_TRUE(isKept("settings.json", "Test\\/1.0 (me)"));
     enter("a", "nonsense");
-    EXPECT_TRUE(waitUntil(
-        [&] { return controls().find("address must be like") != std::string::npos; }, longestWait));
+    EXPECT_TRUE(isShown("address must be like"));
     EXPECT_THAT(read(kept("settings.json")), Not(HasSubstr("nonsense")));
     enter("z", "150");
     // A list that has just opened takes no keys yet.
@@ -152,9 +135,6 @@ TEST_F(WebSettingsTest, ABadCertificateIsAcceptedForItsHostAlone) {
     create("Portal", "", {"--open-with"});
     ASSERT_EQ(open("Portal"), 0) << session->log();
     request("/seen");
-    const auto isSaid = [&](const std::string& text) {
-        return waitUntil([&] { return controls().find(text) != std::string::npos; }, longestWait);
-    };
     const std::string dialog = "^Open 127.0.0.1 although it is not secure";
     const auto ask = [&] {
         activate("Open Anyway…");
@@ -165,9 +145,9 @@ TEST_F(WebSettingsTest, ABadCertificateIsAcceptedForItsHostAlone) {
                                         std::pair("expired", "has expired")}) {
         ASSERT_EQ(handOverAddress(secure(which)), 0);
         window("The connection to 127.0.0.1 is not secure.* — Portal");
-        EXPECT_TRUE(isSaid("The connection to 127.0.0.1 is not secure."));
+        EXPECT_TRUE(isShown("The connection to 127.0.0.1 is not secure."));
         ask();
-        EXPECT_TRUE(isSaid(reason)) << which << controls();
+        EXPECT_TRUE(isShown(reason)) << which << controls();
         press("Return"); // what it begins with is the safe answer
         EXPECT_TRUE(isGone(dialog));
         EXPECT_FALSE(fs::exists(kept("certificates.json")));
@@ -183,7 +163,7 @@ TEST_F(WebSettingsTest, ABadCertificateIsAcceptedForItsHostAlone) {
     EXPECT_THAT(controls(), AllOf(HasSubstr("SHA-256: "), HasSubstr("Valid until: 2021-01-01")));
     press("alt+a");
     request("/facts-seen", before);
-    EXPECT_TRUE(isSaid("127.0.0.1 — not verified"));
+    EXPECT_TRUE(isShown("127.0.0.1 — not verified"));
     EXPECT_THAT(read(kept("certificates.json")), HasSubstr("\"127.0.0.1\": \""));
 
     // It holds after a restart, and not for another certificate.
@@ -194,7 +174,7 @@ TEST_F(WebSettingsTest, ABadCertificateIsAcceptedForItsHostAlone) {
     request("/facts-seen", before);
     before = read(requests()).size();
     ASSERT_EQ(handOverAddress(secure("self") + "facts"), 0);
-    EXPECT_TRUE(isSaid("Open Anyway…"));
+    EXPECT_TRUE(isShown("Open Anyway…"));
     EXPECT_THAT(read(requests()).substr(before), Not(HasSubstr("/facts")));
 }
 

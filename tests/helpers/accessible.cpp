@@ -41,6 +41,13 @@ std::string nameOf(AtspiAccessible* item) {
     return taken(atspi_accessible_get_name(item, nullptr));
 }
 
+// A dialog's buttons have their text twice, and their labels do nothing.
+bool isNamed(AtspiAccessible* item, const std::string& wanted) {
+    const std::string name = nameOf(item);
+    return (name == wanted || name == wanted + " " + wanted) &&
+           atspi_accessible_get_role(item, nullptr) != ATSPI_ROLE_LABEL;
+}
+
 bool press(AtspiAccessible* item) {
     AtspiAction* action = atspi_accessible_get_action_iface(item);
     const bool isDone = action != nullptr && atspi_action_do_action(action, 0, nullptr) == TRUE;
@@ -52,7 +59,7 @@ bool press(AtspiAccessible* item) {
 
 int main(int argc, char** argv) {
     const std::string_view command = argc > 1 ? argv[1] : "names";
-    const std::string_view wanted = argc > 2 ? argv[2] : "";
+    const std::string wanted = argc > 2 ? argv[2] : "";
     if (atspi_init() != 0) {
         std::fputs("no assistive technology\n", stderr);
         return 1;
@@ -62,7 +69,7 @@ int main(int argc, char** argv) {
         desktop.get(),
         [&](AtspiAccessible* item) {
             if (command == "press") {
-                return nameOf(item) == wanted && press(item);
+                return isNamed(item, wanted) && press(item);
             }
             std::printf("%s\t%s\n", taken(atspi_accessible_get_role_name(item, nullptr)).c_str(),
                         nameOf(item).c_str());
