@@ -137,8 +137,7 @@ protected:
         std::string found;
         EXPECT_TRUE(waitUntil(
             [&] {
-                found = session->outputOf(
-                    {"/usr/bin/xdotool", "search", "--onlyvisible", "--name", title});
+                found = windowsNamed(title);
                 return !found.empty();
             },
             longestWait))
@@ -161,15 +160,13 @@ protected:
         session->run({"/usr/bin/xdotool", "type", "--delay", "5", text});
     }
 
+    // Returns the numbers of the windows with such a title, a line for each.
+    [[nodiscard]] std::string windowsNamed(const std::string& title) const {
+        return session->outputOf({"/usr/bin/xdotool", "search", "--onlyvisible", "--name", title});
+    }
     // Waits until no window has such a title.
     [[nodiscard]] bool isGone(const std::string& title) const {
-        return waitUntil(
-            [&] {
-                return session
-                    ->outputOf({"/usr/bin/xdotool", "search", "--onlyvisible", "--name", title})
-                    .empty();
-            },
-            longestWait);
+        return waitUntil([&] { return windowsNamed(title).empty(); }, longestWait);
     }
 
 #ifdef QUORVEL_ACCESSIBLE

@@ -25,8 +25,7 @@ protected:
     }
 
     [[nodiscard]] std::ptrdiff_t windows() const {
-        const std::string all = session->outputOf(
-            {"/usr/bin/xdotool", "search", "--onlyvisible", "--name", " — Portal$"});
+        const std::string all = windowsNamed(" — Portal$");
         return std::count(all.begin(), all.end(), '\n');
     }
 
