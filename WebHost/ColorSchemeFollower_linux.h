@@ -1,6 +1,7 @@
 #pragma once
 
 #include "WebHost/GtkTypes_linux.h"
+#include "WebHost/SiteSettings.h"
 
 #include <gio/gio.h>
 
@@ -14,9 +15,21 @@ public:
     ColorSchemeFollower& operator=(const ColorSchemeFollower&) = delete;
     ~ColorSchemeFollower();
 
+    /// Has them always light or dark, or as the desktop's setting says.
+    void setColors(PageColors colors);
+
 private:
+    static void answered(GObject* source, GAsyncResult* result, gpointer self);
+    static void changed(GDBusConnection* bus, const char* sender, const char* path,
+                        const char* interface, const char* signal, GVariant* values, gpointer self);
+
+    void desktopSays(GVariant* value);
+    void apply() const;
+
     GDBusConnection* bus_;
     ObjectRef<GCancellable> cancellable_{g_cancellable_new()};
+    PageColors colors_ = PageColors::system;
+    bool isDesktopDark_;
     guint subscription_;
 };
 

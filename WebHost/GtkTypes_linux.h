@@ -2,6 +2,9 @@
 
 #include "Platform/desktop/GObjects_linux.h"
 
+#include <functional>
+#include <memory>
+#include <string>
 #include <utility>
 
 /// What the toolkit's interface needs everywhere in the host.
@@ -11,6 +14,15 @@ namespace quorvel {
 template<typename Function>
 void onSignal(gpointer object, const char* signal, Function function, gpointer data) {
     g_signal_connect(object, signal, G_CALLBACK(+function), data);
+}
+
+/// Connects a function with captures to a signal whose arguments don't matter.
+inline void onEvent(gpointer object, const char* signal, std::function<void()> act) {
+    GClosure* const closure = g_cclosure_new_swap(
+        G_CALLBACK(+[](gpointer data) { (*static_cast<std::function<void()>*>(data))(); }),
+        new std::function<void()>(std::move(act)),
+        [](gpointer data, GClosure*) { delete static_cast<std::function<void()>*>(data); });
+    g_signal_connect_closure(object, signal, closure, FALSE);
 }
 
 } // namespace quorvel

@@ -1,5 +1,7 @@
 #include "WebHost/HostMenu_linux.h"
 
+#include "WebHost/SettingsRows_linux.h"
+
 #include <array>
 
 namespace quorvel {
@@ -23,7 +25,7 @@ GMenuModel* menuModel(bool isMain) {
              {"Show Header", "win.header"},
              {"Mute", "win.mute"}});
     if (isMain) {
-        section({{"Ask for Permissions Again", "win.forget-permissions"}});
+        section({{"Site Settings…", "win.settings"}});
     }
     section({{"Close", "win.close"}, {"Quit", "win.quit"}});
     return G_MENU_MODEL(menu);
@@ -35,6 +37,7 @@ GtkWidget* newHostMenuButton(bool isMainWindow) {
     GtkWidget* const menu = gtk_menu_button_new();
     gtk_menu_button_set_icon_name(GTK_MENU_BUTTON(menu), "open-menu-symbolic");
     gtk_widget_set_tooltip_text(menu, "Menu");
+    nameControl(menu, "Menu");
     GMenuModel* const model = menuModel(isMainWindow);
     gtk_menu_button_set_menu_model(GTK_MENU_BUTTON(menu), model);
     g_object_unref(model);
@@ -42,7 +45,7 @@ GtkWidget* newHostMenuButton(bool isMainWindow) {
 }
 
 void addHostShortcuts(GtkWidget* window) {
-    static constexpr std::array<std::array<const char*, 2>, 22> shortcuts{{
+    static constexpr std::array<std::array<const char*, 2>, 23> shortcuts{{
         {"<Alt>Left", "win.back"},
         {"<Alt>Right", "win.forward"},
         {"<Control>r", "win.reload"},
@@ -63,6 +66,7 @@ void addHostShortcuts(GtkWidget* window) {
         {"<Control><Shift>c", "win.copy-link"},
         {"<Control>m", "win.mute"},
         {"<Control><Shift>h", "win.header"},
+        {"<Control>comma", "win.settings"},
         {"<Control>w", "win.close"},
         {"<Control>q", "win.quit"},
     }};
@@ -81,6 +85,7 @@ void addHostShortcuts(GtkWidget* window) {
 GtkWidget* newHostButton(const char* icon, const char* tooltip, const char* action) {
     GtkWidget* const made = gtk_button_new_from_icon_name(icon);
     gtk_widget_set_tooltip_text(made, tooltip);
+    nameControl(made, tooltip);
     gtk_actionable_set_action_name(GTK_ACTIONABLE(made), action);
     return made;
 }

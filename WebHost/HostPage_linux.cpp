@@ -32,25 +32,6 @@ bool isAttachment(WebKitURIResponse* response) {
     return takeText(disposition) == "attachment";
 }
 
-std::string certificateReason(GTlsCertificateFlags flags) {
-    if ((flags & G_TLS_CERTIFICATE_EXPIRED) != 0) {
-        return "Its certificate has expired.";
-    }
-    if ((flags & G_TLS_CERTIFICATE_NOT_ACTIVATED) != 0) {
-        return "Its certificate is not valid yet. Is this computer’s clock right?";
-    }
-    if ((flags & G_TLS_CERTIFICATE_BAD_IDENTITY) != 0) {
-        return "Its certificate belongs to another site.";
-    }
-    if ((flags & G_TLS_CERTIFICATE_REVOKED) != 0) {
-        return "Its certificate was revoked.";
-    }
-    if ((flags & G_TLS_CERTIFICATE_UNKNOWN_CA) != 0) {
-        return "Its certificate was not issued by a trusted authority.";
-    }
-    return "Its certificate is not valid.";
-}
-
 } // namespace
 
 HostPage::HostPage(WebKitWebView* view, const PageServices& services, Callbacks callbacks,
@@ -60,7 +41,7 @@ HostPage::HostPage(WebKitWebView* view, const PageServices& services, Callbacks 
       callbacks_(std::move(callbacks)),
       window_(view,
               {.home = callbacks_.home,
-               .forgetPermissions = callbacks_.forgetPermissions,
+               .settings = callbacks_.settings,
                .quit = services.quit,
                .closeRequested =
                    [this] {
@@ -77,7 +58,13 @@ HostPage::HostPage(WebKitWebView* view, const PageServices& services, Callbacks 
           *services.permissions,
           [this](HostQuestion question) { return window_.ask(std::move(question)); },
           [this] { visit_.used(window_.gestures()); }),
-      permissions_(view, shown_, questions_) {
+      permissions_(view, shown_, questions_),
+      certificates_(view, window_, *services.certificates,
+                    [this](const std::string& html, const std::string& address) {
+                        showStatus(html, address);
+                    }),
+      passwords_(view, window_.widget(), shown_, [this] { visit_.used(window_.gestures()); }),
+      menu_(view, [this](const std::string& address) { openOutside(address); }) {
     connect();
 }
 
@@ -90,7 +77,6 @@ void HostPage::connect() {
     onSignal(view_, "create", created, this);
     onSignal(view_, "load-changed", loadChanged, this);
     onSignal(view_, "load-failed", loadFailed, this);
-    onSignal(view_, "load-failed-with-tls-errors", certificateFailed, this);
     onSignal(view_, "web-process-terminated", crashed, this);
     onSignal(
         view_, "notify::title",
@@ -101,7 +87,7 @@ void HostPage::connect() {
         [](WebKitWebView* view, GParamSpec*, gpointer self) {
             HostPage& page = of(self);
             page.shown_.reported(textOf(webkit_web_view_get_uri(view)));
-            page.window_.updateLocation(page.address());
+            page.updateLocation();
             page.callbacks_.titleChanged();
         },
         this);
@@ -148,13 +134,23 @@ void HostPage::notificationWanted(WebKitNotification* notification) {
 void HostPage::openOther(const std::string& address) {
     const std::string scheme = schemeOf(address);
     const std::string origin = originOf(this->address());
-    questions_.decide(origin.empty() ? "other" : origin, "open-" + scheme,
+    questions_.decide(origin.empty() ? "other" : origin, linkPermissionKind(scheme),
                       otherProgramQuestion(hostOf(this->address()), scheme),
                       [this, address](bool isAllowed) {
-                          if (isAllowed && !services_.links->open(address)) {
-                              window_.showMessage("No program opens this link");
+                          if (isAllowed) {
+                              openOutside(address);
                           }
                       });
+}
+
+void HostPage::openOutside(const std::string& address) {
+    if (!services_.links->open(address)) {
+        window_.showMessage("No program opens this link");
+    }
+}
+
+void HostPage::updateLocation() {
+    window_.updateLocation(address(), services_.certificates->accepts(hostOf(address())));
 }
 
 // Returns whether the engine goes on with it.
@@ -173,14 +169,13 @@ bool HostPage::routes(WebKitNavigationAction* action, bool isNewWindow) {
                               .isMainFrame = isGesture || isNewWindow || isWebAddress(address),
                               .isNewWindow = isNewWindow,
                               .isPopup = isPopup(),
-                              .staysInside = services_.keepsLinks};
+                              .staysInside = services_.keepsLinks,
+                              .rule = ruleFor(services_.settings->settings(), hostOf(address))};
     switch (routeOf(request, services_.siteOf)) {
     case LinkDecision::here:
         return true;
     case LinkDecision::outside:
-        if (!services_.links->open(address)) {
-            window_.showMessage("No program opens this link");
-        }
+        openOutside(address);
         return false;
     case LinkDecision::ask:
         openOther(address);
@@ -245,14 +240,6 @@ gboolean HostPage::loadFailed(WebKitWebView* /*view*/, WebKitLoadEvent /*event*/
     return TRUE;
 }
 
-gboolean HostPage::certificateFailed(WebKitWebView* /*view*/, char* address,
-                                     GTlsCertificate* /*found*/, GTlsCertificateFlags flags,
-                                     gpointer self) {
-    of(self).showStatus(certificatePage(textOf(address), certificateReason(flags)),
-                        textOf(address));
-    return TRUE;
-}
-
 void HostPage::crashed(WebKitWebView* view, WebKitWebProcessTerminationReason /*reason*/,
                        gpointer self) {
     HostPage& page = of(self);
@@ -275,6 +262,7 @@ void HostPage::committed() {
     if (visit_.begins(hostOf(address()), window_.gestures())) {
         dialogs_.reset();
         questions_.reset();
+        passwords_.reset();
     }
     if (!isPopup()) {
         webkit_web_view_evaluate_javascript(view_, badgeMainScript, -1, badgeWorld, nullptr,
@@ -287,12 +275,15 @@ void HostPage::loadChanged(WebKitWebView* view, WebKitLoadEvent event, gpointer 
     HostPage& page = of(self);
     if (event == WEBKIT_LOAD_STARTED || event == WEBKIT_LOAD_REDIRECTED) {
         page.awaited_ = textOf(webkit_web_view_get_uri(view));
+        if (event == WEBKIT_LOAD_STARTED) {
+            page.certificates_.loadStarted();
+        }
     } else if (event == WEBKIT_LOAD_COMMITTED) {
         page.committed();
     } else if (event == WEBKIT_LOAD_FINISHED) {
         page.services_.loaded();
     }
-    page.window_.updateLocation(page.address());
+    page.updateLocation();
 }
 
 } // namespace quorvel

@@ -1,14 +1,18 @@
 #pragma once
 
+#include "WebHost/CertificateGuard_linux.h"
 #include "WebHost/CloseGuard.h"
 #include "WebHost/FloodCaps.h"
 #include "WebHost/HostWindow_linux.h"
 #include "WebHost/LinkRouting.h"
 #include "WebHost/OutsideLinks.h"
 #include "WebHost/PageDialogs_linux.h"
+#include "WebHost/PageMenu_linux.h"
+#include "WebHost/PagePasswords_linux.h"
 #include "WebHost/PagePermissions_linux.h"
 #include "WebHost/PermissionQuestions.h"
 #include "WebHost/ShownAddress.h"
+#include "WebHost/SiteSettings.h"
 
 #include <webkit/webkit.h>
 
@@ -27,6 +31,8 @@ struct PageServices {
     bool keepsLinks = false; ///< links to other sites open in the clone
     SiteOf siteOf{};
     PermissionStore* permissions = nullptr;
+    CertificateExceptions* certificates = nullptr;
+    const SiteSettingsStore* settings = nullptr;
     const OutsideLinks* links = nullptr;
     /// Opens a window for a page that asks for one; null if it may not.
     std::function<WebKitWebView*(class HostPage& opener)> openPopup{};
@@ -39,8 +45,8 @@ struct PageServices {
 class HostPage {
 public:
     struct Callbacks {
-        std::function<void()> home{}; ///< absent in pop-ups
-        std::function<void()> forgetPermissions{};
+        std::function<void()> home{};     ///< absent in pop-ups
+        std::function<void()> settings{}; ///< absent in pop-ups
         std::function<void()> titleChanged{};
         std::function<void()> closed{}; ///< destroys this
     };
@@ -72,8 +78,6 @@ private:
                                   gpointer self);
     static gboolean loadFailed(WebKitWebView* view, WebKitLoadEvent event, char* address,
                                GError* error, gpointer self);
-    static gboolean certificateFailed(WebKitWebView* view, char* address, GTlsCertificate* found,
-                                      GTlsCertificateFlags flags, gpointer self);
     static void crashed(WebKitWebView* view, WebKitWebProcessTerminationReason reason,
                         gpointer self);
     static void loadChanged(WebKitWebView* view, WebKitLoadEvent event, gpointer self);
@@ -82,6 +86,8 @@ private:
     void committed();
     void notificationWanted(WebKitNotification* notification);
     void openOther(const std::string& address);
+    void openOutside(const std::string& address);
+    void updateLocation();
     [[nodiscard]] bool routes(WebKitNavigationAction* action, bool isNewWindow);
     [[nodiscard]] bool takesResponse(WebKitResponsePolicyDecision* decision) const;
     void showStatus(const std::string& html, const std::string& address);
@@ -96,6 +102,9 @@ private:
     PageDialogs dialogs_;
     PermissionQuestions questions_;
     PagePermissions permissions_;
+    CertificateGuard certificates_;
+    PagePasswords passwords_;
+    PageMenu menu_;
     RateCap reloads_ = reloadCap();
     std::string awaited_{}; ///< the address of a page that is on its way
 };

@@ -13,6 +13,7 @@ struct HostQuestion {
     std::string no{};
     /// Called once: with the answer, or with std::nullopt if the bar was closed.
     std::function<void(std::optional<bool>)> answered{};
+    bool isUrgent = false; ///< comes before all others, however many wait
 };
 
 } // namespace quorvel

@@ -2,7 +2,8 @@
 
 #include "WebHost/GtkTypes_linux.h"
 #include "WebHost/HostMenu_linux.h"
-#include "WebHost/WebAddress.h"
+#include "WebHost/PageTitle.h"
+#include "WebHost/SettingsRows_linux.h"
 
 #include <gdk/wayland/gdkwayland.h>
 #include <gdk/x11/gdkx.h>
@@ -95,6 +96,7 @@ void HostWindow::buildBars() {
     GtkWidget* const box = gtk_box_new(GTK_ORIENTATION_VERTICAL, 0);
     findBar_ = gtk_search_bar_new();
     findEntry_ = gtk_search_entry_new();
+    nameControl(findEntry_, "Find");
     gtk_search_bar_set_child(GTK_SEARCH_BAR(findBar_), findEntry_);
     gtk_search_bar_connect_entry(GTK_SEARCH_BAR(findBar_), GTK_EDITABLE(findEntry_));
     gtk_search_bar_set_show_close_button(GTK_SEARCH_BAR(findBar_), TRUE);
@@ -102,6 +104,7 @@ void HostWindow::buildBars() {
     downloadBar_ = newHostBar(downloadText_);
     GtkWidget* const cancel = gtk_button_new_from_icon_name("window-close-symbolic");
     gtk_widget_set_tooltip_text(cancel, "Cancel or Close");
+    nameControl(cancel, "Cancel or Close");
     gtk_box_append(GTK_BOX(downloadBar_), cancel);
     onSignal(
         cancel, "clicked",
@@ -123,7 +126,8 @@ void HostWindow::buildBars() {
     gtk_widget_set_visible(message_, FALSE);
     gtk_overlay_add_overlay(GTK_OVERLAY(overlay), message_);
     gtk_widget_set_vexpand(overlay, TRUE);
-    for (GtkWidget* each : {questions_.widget(), findBar_, overlay, downloadBar_}) {
+    for (GtkWidget* each :
+         {offer_.widget(), questions_.widget(), findBar_, overlay, downloadBar_}) {
         gtk_box_append(GTK_BOX(box), each);
     }
     gtk_window_set_child(window_, box);
@@ -194,11 +198,10 @@ void HostWindow::addCommands() {
              webkit_web_view_set_is_muted(w.view_, w.state_.isMuted ? TRUE : FALSE);
              w.showMessage(w.state_.isMuted ? "Sound off" : "Sound on");
          }},
-        {"forget-permissions",
+        {"settings",
          [](HostWindow& w) {
-             if (w.actions_.forgetPermissions) {
-                 w.actions_.forgetPermissions();
-                 w.showMessage("Pages have to ask for permissions again");
+             if (w.actions_.settings) {
+                 w.actions_.settings();
              }
          }},
         {"close", [](HostWindow& w) { w.actions_.closeRequested(); }},
@@ -289,12 +292,9 @@ void HostWindow::setTitle(const std::string& windowTitle, const std::string& pag
     gtk_label_set_text(GTK_LABEL(title_), pageTitle.c_str());
 }
 
-void HostWindow::updateLocation(const std::string& address) {
+void HostWindow::updateLocation(const std::string& address, bool isExcepted) {
     address_ = address;
-    const std::string host = hostOf(address);
-    // Without encryption, whoever is on the way can read and change the page.
-    const bool isOpen = schemeOf(address) == "http" && !isThisComputer(host);
-    gtk_label_set_text(GTK_LABEL(host_), (isOpen ? host + " — not encrypted" : host).c_str());
+    gtk_label_set_text(GTK_LABEL(host_), shownHost(address, isExcepted).c_str());
     enable("back", webkit_web_view_can_go_back(view_) == TRUE);
     enable("forward", webkit_web_view_can_go_forward(view_) == TRUE);
 }

@@ -18,8 +18,8 @@ class HostWindow {
 public:
     /// What the window can't do by itself.
     struct Actions {
-        std::function<void()> home{};              ///< absent in pop-ups
-        std::function<void()> forgetPermissions{}; ///< absent in pop-ups
+        std::function<void()> home{};     ///< absent in pop-ups
+        std::function<void()> settings{}; ///< absent in pop-ups
         std::function<void()> quit{};
         std::function<void()> closeRequested{}; ///< by the user; has to end in `destroy`
     };
@@ -34,15 +34,23 @@ public:
     /// Brings the window to the front, as far as the desktop allows it with that token.
     void present(const std::string& token);
     void setTitle(const std::string& windowTitle, const std::string& pageTitle);
-    /// Shows the host of the page at that address, and whether it can be navigated.
-    void updateLocation(const std::string& address);
+    /// Shows the host of the page at that address, and whether it can be navigated. `isExcepted` as
+    /// in `shownHost`.
+    void updateLocation(const std::string& address, bool isExcepted);
     /// Returns false if too many questions wait.
     [[nodiscard]] bool ask(HostQuestion question) { return questions_.ask(std::move(question)); }
+    /// Offers something about the page, until `hideOffer`.
+    void showOffer(const std::string& text, const std::string& button,
+                   std::function<void()> chosen) {
+        offer_.show(text, button, std::move(chosen));
+    }
+    void hideOffer() { offer_.hide(); }
     /// Shows what is being downloaded; `cancelled` may be empty. An empty text hides the bar.
     void showDownloads(const std::string& text, std::function<void()> cancelled);
     /// Shows a message for a few seconds.
     void showMessage(const std::string& text);
 
+    void zoomTo(int percent);
     /// Returns the state, with the page's address.
     [[nodiscard]] WindowState state() const;
     /// Returns the number of clicks and key presses so far.
@@ -63,7 +71,6 @@ private:
     void enable(const char* action, bool isEnabled);
     void countGestures();
     void watch();
-    void zoomTo(int percent);
     void find(bool forward);
     void toggleHeader();
     void toggleFullScreen();
@@ -78,6 +85,7 @@ private:
     std::string address_{};
     std::uint64_t gestures_ = 0;
     QuestionBar questions_{};
+    OfferBar offer_{};
     std::function<void()> downloadsCancelled_{};
     guint messageTimer_ = 0;
 

@@ -48,10 +48,10 @@ LinkDecision routeOf(const LinkRequest& request, const SiteOf& siteOf) {
     }
     if (isWebAddress(request.address)) {
         const bool isFollowed = request.isLinkClick && request.isGesture && !request.isRedirect;
-        const bool mayLeave =
-            isFollowed && !request.staysInside && (request.isNewWindow || !request.isPopup);
-        return mayLeave && leavesTheSite(request, siteOf) ? LinkDecision::outside
-                                                          : LinkDecision::here;
+        const bool mayLeave = isFollowed && (request.isNewWindow || !request.isPopup);
+        const bool leaves = request.rule ? *request.rule == LinkPlace::outside
+                                         : !request.staysInside && leavesTheSite(request, siteOf);
+        return mayLeave && leaves ? LinkDecision::outside : LinkDecision::here;
     }
     const std::string scheme = schemeOf(request.address);
     if (isAmong(innerSchemes, scheme)) {

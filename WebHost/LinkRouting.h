@@ -1,6 +1,9 @@
 #pragma once
 
+#include "WebHost/SiteSettings.h"
+
 #include <functional>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -23,9 +26,10 @@ struct LinkRequest {
     bool isLinkClick = false;   ///< and not a form's or a script's doing
     bool isRedirect = false;    ///< by a server, of what was asked for before
     bool isMainFrame = true;
-    bool isNewWindow = false; ///< a window is asked for
-    bool isPopup = false;     ///< it is asked for in a pop-up window
-    bool staysInside = false; ///< links to other sites open in the clone
+    bool isNewWindow = false;        ///< a window is asked for
+    bool isPopup = false;            ///< it is asked for in a pop-up window
+    bool staysInside = false;        ///< links to other sites open in the clone
+    std::optional<LinkPlace> rule{}; ///< the user's, for the host of `address`
 };
 
 /// Returns the part of a host that all hosts of its site share: "example.co.uk" for
@@ -36,7 +40,8 @@ using SiteOf = std::function<std::string(const std::string& host)>;
 /// its own host.
 [[nodiscard]] bool isSameSite(std::string_view a, std::string_view b, const SiteOf& siteOf);
 
-/// Decides where a link leads. A click on a link that leaves the site goes outside. Redirects,
+/// Decides where a link leads. A click on a link that leaves the site goes outside, unless the
+/// user has a rule for its host. Redirects,
 /// forms and scripts stay, since signing in is made of them, as does what happens in pop-ups. Other
 /// schemes need a gesture, and are not for what is known to be a frame within a page.
 [[nodiscard]] LinkDecision routeOf(const LinkRequest& request, const SiteOf& siteOf);

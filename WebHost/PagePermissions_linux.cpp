@@ -3,54 +3,44 @@
 #include "WebHost/GtkTypes_linux.h"
 #include "WebHost/WebAddress.h"
 
-#include <optional>
-
 namespace quorvel {
 namespace {
 
-// What is asked for: the word in the file, and in the question.
-struct Wish {
-    std::string kind{};
-    std::string text{};
-};
-
-Wish mediaWish(WebKitUserMediaPermissionRequest* request) {
+std::string mediaKind(WebKitUserMediaPermissionRequest* request) {
     if (webkit_user_media_permission_is_for_display_device(request) == TRUE) {
-        return {"screen", "record the screen"};
+        return "screen";
     }
     const bool sound = webkit_user_media_permission_is_for_audio_device(request) == TRUE;
     const bool picture = webkit_user_media_permission_is_for_video_device(request) == TRUE;
-    return sound && picture ? Wish{"camera+microphone", "use the camera and the microphone"}
-           : sound          ? Wish{"microphone", "use the microphone"}
-                            : Wish{"camera", "use the camera"};
+    return sound && picture ? "camera+microphone" : sound ? "microphone" : "camera";
 }
 
-std::optional<Wish> wishOf(WebKitPermissionRequest* request) {
+// The kind of what is asked for; empty if it is refused.
+std::string kindOf(WebKitPermissionRequest* request) {
     if (WEBKIT_IS_NOTIFICATION_PERMISSION_REQUEST(request)) {
-        return Wish{notificationKind, "show notifications"};
+        return notificationKind;
     }
     if (WEBKIT_IS_GEOLOCATION_PERMISSION_REQUEST(request)) {
-        return Wish{"location", "know where you are"};
+        return "location";
     }
     if (WEBKIT_IS_USER_MEDIA_PERMISSION_REQUEST(request)) {
-        return mediaWish(WEBKIT_USER_MEDIA_PERMISSION_REQUEST(request));
+        return mediaKind(WEBKIT_USER_MEDIA_PERMISSION_REQUEST(request));
     }
     if (WEBKIT_IS_CLIPBOARD_PERMISSION_REQUEST(request)) {
-        return Wish{"clipboard", "read the clipboard"};
+        return "clipboard";
     }
     if (WEBKIT_IS_POINTER_LOCK_PERMISSION_REQUEST(request)) {
-        return Wish{"pointer-lock", "hide and hold the pointer"};
+        return "pointer-lock";
     }
     if (WEBKIT_IS_MEDIA_KEY_SYSTEM_PERMISSION_REQUEST(request)) {
-        return Wish{"protected-media", "play protected media"};
+        return "protected-media";
     }
     if (WEBKIT_IS_WEBSITE_DATA_ACCESS_PERMISSION_REQUEST(request)) {
-        const std::string domain =
+        return dataPermissionKind(
             textOf(webkit_website_data_access_permission_request_get_requesting_domain(
-                WEBKIT_WEBSITE_DATA_ACCESS_PERMISSION_REQUEST(request)));
-        return Wish{"data-of-" + domain, "let " + domain + " use its cookies here"};
+                WEBKIT_WEBSITE_DATA_ACCESS_PERMISSION_REQUEST(request))));
     }
-    return std::nullopt; // refused
+    return {};
 }
 
 // Kinds by the names that pages query them by.
@@ -78,14 +68,14 @@ gboolean PagePermissions::requested(WebKitWebView* /*view*/, WebKitPermissionReq
     const auto& permissions = *static_cast<PagePermissions*>(self);
     const std::string address = permissions.shown_.text();
     const std::string origin = originOf(address);
-    const auto wish = wishOf(request);
-    if (!wish || origin.empty()) {
+    const std::string kind = kindOf(request);
+    if (kind.empty() || origin.empty()) {
         webkit_permission_request_deny(request);
         return TRUE;
     }
     const std::shared_ptr<WebKitPermissionRequest> kept = keep(request);
-    permissions.questions_.decide(origin, wish->kind,
-                                  hostOf(address) + " wants to " + wish->text + ".",
+    permissions.questions_.decide(origin, kind,
+                                  hostOf(address) + " wants to " + permissionWords(kind) + ".",
                                   [kept](bool isAllowed) {
                                       if (isAllowed) {
                                           webkit_permission_request_allow(kept.get());

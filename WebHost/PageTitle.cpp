@@ -45,4 +45,14 @@ std::string popupTitle(std::string_view address, std::string_view rawTitle,
            followedBy(title, withoutUnsafe(cloneName));
 }
 
+std::string shownHost(std::string_view address, bool isExcepted) {
+    const std::string host = hostOf(address);
+    const std::string scheme = schemeOf(address);
+    if (scheme == "https" && isExcepted) {
+        return host + " — not verified";
+    }
+    // Without encryption, anybody on the way can read and change the page.
+    return scheme == "http" && !isThisComputer(host) ? host + " — not encrypted" : host;
+}
+
 } // namespace quorvel

@@ -21,4 +21,8 @@ namespace quorvel {
 [[nodiscard]] std::string popupTitle(std::string_view address, std::string_view rawTitle,
                                      std::string_view cloneName);
 
+/// Returns what a header says about where the page is from: its host, and why that is not certain.
+/// `isExcepted` if the user accepted a certificate of the host that proves nothing.
+[[nodiscard]] std::string shownHost(std::string_view address, bool isExcepted);
+
 } // namespace quorvel

@@ -2,9 +2,54 @@
 
 #include "Base/TerminalText.h"
 
+#include <algorithm>
+#include <array>
+#include <string_view>
 #include <utility>
 
 namespace quorvel {
+namespace {
+
+constexpr std::string_view linkKind = "open-";
+constexpr std::string_view dataKind = "data-of-";
+
+constexpr std::array<std::pair<std::string_view, std::string_view>, 9> words{{
+    {"camera", "use the camera"},
+    {"camera+microphone", "use the camera and the microphone"},
+    {"clipboard", "read the clipboard"},
+    {"location", "know where you are"},
+    {"microphone", "use the microphone"},
+    {"notifications", "show notifications"},
+    {"pointer-lock", "hide and hold the pointer"},
+    {"protected-media", "play protected media"},
+    {"screen", "record the screen"},
+}};
+
+} // namespace
+
+std::string permissionWords(const std::string& kind) {
+    const auto* const found = std::find_if(words.begin(), words.end(),
+                                           [&](const auto& one) { return one.first == kind; });
+    if (found != words.end()) {
+        return std::string(found->second);
+    }
+    if (kind.starts_with(linkKind)) {
+        return "open “" + withoutUnsafe(kind.substr(linkKind.size())) +
+               "” links with another program";
+    }
+    if (kind.starts_with(dataKind)) {
+        return "let " + withoutUnsafe(kind.substr(dataKind.size())) + " use its cookies here";
+    }
+    return withoutUnsafe(kind);
+}
+
+std::string linkPermissionKind(const std::string& scheme) {
+    return std::string(linkKind) + scheme;
+}
+
+std::string dataPermissionKind(const std::string& domain) {
+    return std::string(dataKind) + domain;
+}
 
 PermissionQuestions::PermissionQuestions(PermissionStore& store, Ask ask,
                                          std::function<void()> closed)

@@ -40,6 +40,15 @@ private:
     std::map<std::string, std::vector<std::function<void(bool)>>> waiting_{};
 };
 
+/// Returns what a page may do that was allowed this kind, as it continues "NAME may ".
+[[nodiscard]] std::string permissionWords(const std::string& kind);
+
+/// Returns the kind of the permission to open links of that scheme with another program.
+[[nodiscard]] std::string linkPermissionKind(const std::string& scheme);
+
+/// Returns the kind of the permission of another site to use its cookies in this one's pages.
+[[nodiscard]] std::string dataPermissionKind(const std::string& domain);
+
 /// Returns what the user is asked when a page of that host has a link for another program. Both may
 /// be what the page likes.
 [[nodiscard]] std::string otherProgramQuestion(const std::string& host, const std::string& scheme);

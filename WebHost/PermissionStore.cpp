@@ -1,7 +1,5 @@
 #include "WebHost/PermissionStore.h"
 
-#include "WebHost/WebRecords.h"
-
 #include <utility>
 
 namespace quorvel {
@@ -29,17 +27,14 @@ struct RecordTable<Answers> {
 };
 
 PermissionStore::PermissionStore(std::filesystem::path home, std::string path)
-    : home_(std::move(home)),
-      path_(std::move(path)) {
+    : file_(std::move(home), std::move(path)) {
     Answers kept;
-    problem_ = readWebRecord(path_, kept);
-    if (problem_.empty()) {
-        answers_ = std::move(kept.permissions);
-        std::erase_if(answers_, [](const auto& one) {
-            return (one.second != allowed && one.second != denied) ||
-                   one.first.find(' ') == std::string::npos;
-        });
-    }
+    file_.read(kept);
+    answers_ = std::move(kept.permissions);
+    std::erase_if(answers_, [](const auto& one) {
+        return (one.second != allowed && one.second != denied) ||
+               one.first.find(' ') == std::string::npos;
+    });
 }
 
 std::optional<bool> PermissionStore::answer(const std::string& origin,
@@ -72,8 +67,8 @@ std::vector<PermissionStore::Answer> PermissionStore::list() const {
     return all;
 }
 
-bool PermissionStore::save() const {
-    return writeWebRecord(home_, path_, Answers{answers_});
+bool PermissionStore::save() {
+    return file_.write(Answers{answers_});
 }
 
 } // namespace quorvel

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "WebHost/WebRecords.h"
+
 #include <filesystem>
 #include <map>
 #include <optional>
@@ -21,11 +23,11 @@ public:
     };
 
     /// Reads the file `path` below `home`. A missing file has no answers, and neither has one that
-    /// can't be read: see `problem`.
+    /// can't be read: see `problem`. That one is renamed when there is an answer to keep.
     PermissionStore(std::filesystem::path home, std::string path);
 
     /// Returns why the file could not be read, as a sentence; empty if it could.
-    [[nodiscard]] const std::string& problem() const { return problem_; }
+    [[nodiscard]] const std::string& problem() const { return file_.problem(); }
 
     /// Returns the answer; std::nullopt if the user has not been asked.
     [[nodiscard]] std::optional<bool> answer(const std::string& origin,
@@ -43,11 +45,9 @@ public:
     [[nodiscard]] std::vector<Answer> list() const;
 
 private:
-    [[nodiscard]] bool save() const;
+    [[nodiscard]] bool save();
 
-    std::filesystem::path home_;
-    std::string path_;
-    std::string problem_{};
+    KeptWebFile file_;
     std::map<std::string, std::string> answers_{}; ///< "ORIGIN KIND": "allow" or "deny"
 };
 

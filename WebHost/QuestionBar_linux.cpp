@@ -2,6 +2,7 @@
 
 #include "WebHost/FloodCaps.h"
 #include "WebHost/GtkTypes_linux.h"
+#include "WebHost/SettingsRows_linux.h"
 
 namespace quorvel {
 
@@ -26,6 +27,7 @@ QuestionBar::QuestionBar()
       no_(gtk_button_new()) {
     GtkWidget* const close = gtk_button_new_from_icon_name("window-close-symbolic");
     gtk_widget_set_tooltip_text(close, "Decide Later");
+    nameControl(close, "Decide Later");
     for (GtkWidget* each : {no_, yes_, close}) {
         gtk_box_append(GTK_BOX(bar_), each);
     }
@@ -46,6 +48,11 @@ QuestionBar::~QuestionBar() {
 }
 
 bool QuestionBar::ask(HostQuestion question) {
+    if (question.isUrgent) {
+        questions_.push_front(std::move(question));
+        showFirst();
+        return true;
+    }
     if (questions_.size() >= mostWaitingQuestions) {
         return false;
     }
@@ -94,6 +101,32 @@ void QuestionBar::answer(std::optional<bool> yes) {
     questions_.pop_front();
     showFirst();
     question.answered(yes);
+}
+
+OfferBar::OfferBar() : bar_(newHostBar(text_)), button_(gtk_button_new()) {
+    gtk_box_append(GTK_BOX(bar_), button_);
+    onSignal(
+        button_, "clicked",
+        [](GtkButton*, gpointer self) {
+            // It may hide the bar, and with it itself.
+            if (const auto chosen = static_cast<OfferBar*>(self)->chosen_) {
+                chosen();
+            }
+        },
+        this);
+}
+
+void OfferBar::show(const std::string& text, const std::string& button,
+                    std::function<void()> chosen) {
+    chosen_ = std::move(chosen);
+    gtk_label_set_text(GTK_LABEL(text_), text.c_str());
+    gtk_button_set_label(GTK_BUTTON(button_), button.c_str());
+    gtk_widget_set_visible(bar_, TRUE);
+}
+
+void OfferBar::hide() {
+    chosen_ = {};
+    gtk_widget_set_visible(bar_, FALSE);
 }
 
 } // namespace quorvel

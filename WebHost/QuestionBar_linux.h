@@ -34,6 +34,24 @@ private:
     guint delay_ = 0; ///< until the buttons work
 };
 
+/// Offers something about the page that is shown, with one button.
+class OfferBar {
+public:
+    OfferBar();
+    OfferBar(const OfferBar&) = delete;
+    OfferBar& operator=(const OfferBar&) = delete;
+
+    [[nodiscard]] GtkWidget* widget() const { return bar_; }
+    void show(const std::string& text, const std::string& button, std::function<void()> chosen);
+    void hide();
+
+private:
+    GtkWidget* bar_;
+    GtkWidget* text_;
+    GtkWidget* button_;
+    std::function<void()> chosen_{};
+};
+
 /// Returns a bar for such texts, hidden, with a label that `label` is set to.
 [[nodiscard]] GtkWidget* newHostBar(GtkWidget*& label);
 

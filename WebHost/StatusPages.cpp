@@ -9,7 +9,7 @@ namespace {
 constexpr std::string_view head =
     R"(<!DOCTYPE html><html><head><meta charset="utf-8"><meta http-equiv="Content-Security-Policy" content="default-src 'none'; style-src 'unsafe-inline'"><meta name="color-scheme" content="light dark"><style>
 body{font:16px system-ui,sans-serif;display:flex;min-height:90vh;align-items:center;justify-content:center}
-main{max-width:32em;padding:2em}h1{font-size:1.5em}p{line-height:1.5;overflow-wrap:anywhere}
+main{max-width:32em;padding:2em}h1{font-size:1.5em}p{line-height:1.5;overflow-wrap:anywhere;white-space:pre-line}
 a{display:inline-block;padding:.5em 1.2em;border-radius:.5em;background:#3367d6;color:#fff;text-decoration:none}
 a:focus-visible{outline:3px solid}</style>)";
 
@@ -70,11 +70,13 @@ std::string offlinePage(std::string_view address, std::string_view reason) {
     return htmlOf({"Can’t open " + hostOf(address), std::string(reason), "Try Again", address});
 }
 
-std::string certificatePage(std::string_view address, std::string_view reason) {
-    return htmlOf(
-        {"The connection to " + hostOf(address) + " is not secure",
-         std::string(reason) + " Someone may be intercepting it. The page was not opened.",
-         "Try Again", address});
+std::string certificatePage(std::string_view address, std::string_view reason,
+                            std::string_view details) {
+    return htmlOf({"The connection to " + hostOf(address) + " is not secure",
+                   std::string(reason) +
+                       " Someone may be intercepting it. The page was not opened.\n\n" +
+                       std::string(details),
+                   "Try Again", address});
 }
 
 std::string crashPage(std::string_view address) {

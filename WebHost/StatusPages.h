@@ -10,8 +10,9 @@ namespace quorvel {
 [[nodiscard]] std::string noAddressPage(std::string_view cloneName);
 /// The page can't be loaded, for this reason (a sentence).
 [[nodiscard]] std::string offlinePage(std::string_view address, std::string_view reason);
-/// The server doesn't prove who it is; the reason is a sentence.
-[[nodiscard]] std::string certificatePage(std::string_view address, std::string_view reason);
+/// The server doesn't prove who it is; the reason is a sentence, and the details are lines.
+[[nodiscard]] std::string certificatePage(std::string_view address, std::string_view reason,
+                                          std::string_view details);
 /// The page crashed again and again.
 [[nodiscard]] std::string crashPage(std::string_view address);
 

@@ -16,6 +16,8 @@ struct WebHome {
     std::string data = folder + "/data";
     std::string cache = folder + "/cache";
     std::string permissions = folder + "/permissions.json";
+    std::string settings = folder + "/settings.json";
+    std::string certificates = folder + "/certificates.json";
     std::string windowState = folder + "/window.json";
 
     /// Makes the home if it is missing, closed to other users. One that is there keeps its

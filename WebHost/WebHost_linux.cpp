@@ -3,7 +3,6 @@
 #include "Base/StableHash.h"
 #include "Base/TerminalText.h"
 #include "WebHost/BadgeScript.h"
-#include "WebHost/ColorSchemeFollower_linux.h"
 #include "WebHost/HandoverService_linux.h"
 #include "WebHost/PageTitle.h"
 #include "WebHost/SandboxCheck_linux.h"
@@ -32,38 +31,18 @@ std::string siteOfHost(const std::string& host) {
     return textOf(soup_tld_get_base_domain(host.c_str(), nullptr));
 }
 
-// The user's languages, as pages are told them.
-void setLanguages(WebKitWebContext* context) {
-    std::vector<std::string> languages;
-    for (const char* const* name = g_get_language_names(); *name != nullptr; ++name) {
-        std::string language = *name;
-        std::replace(language.begin(), language.end(), '_', '-');
-        if (language != "C" && language.find_first_of(".@") == std::string::npos) {
-            languages.push_back(language);
-        }
-    }
-    if (languages.empty()) {
-        languages.emplace_back("en-US");
-    }
-    std::vector<const char*> list;
-    for (const std::string& language : languages) {
-        list.push_back(language.c_str());
-    }
-    list.push_back(nullptr);
-    webkit_web_context_set_preferred_languages(context, list.data());
-}
-
 } // namespace
 
 WebHost::WebHost(WebHostOptions options)
     : options_(std::move(options)),
       permissions_(options_.home.home, options_.home.permissions),
+      siteSettings_(options_.home.home, options_.home.settings),
+      certificates_(options_.home.home, options_.home.certificates),
+      colors_(options_.bus),
       badge_(options_.bus, options_.desktopId),
       notices_(options_.bus, {options_.name, options_.desktopId, options_.icon},
                [this](const std::string& token) { main_->window().present(token); }) {
-    if (!permissions_.problem().empty()) {
-        log(options_.home.permissions + ": " + permissions_.problem());
-    }
+    reportProblems();
     openSession();
     addBadgeScripts();
     addServices();
@@ -81,10 +60,28 @@ WebHost::~WebHost() {
     if (titleTimer_ != 0) {
         g_source_remove(titleTimer_);
     }
+    panel_.reset();
+    siteData_.reset();
     downloads_.reset();
     popups_.clear();
     main_.reset();
     g_main_loop_unref(loop_);
+}
+
+void WebHost::reportProblems() const {
+    for (const auto& [file, problem] :
+         {std::pair(options_.home.permissions, permissions_.problem()),
+          std::pair(options_.home.settings, siteSettings_.problem()),
+          std::pair(options_.home.certificates, certificates_.problem())}) {
+        if (!problem.empty()) {
+            log(file + ": " + problem);
+        }
+    }
+}
+
+void WebHost::applySettings() {
+    colors_.setColors(siteSettings_.settings().colors);
+    applySiteSettings({context_.get(), session_.get(), settings_.get()}, siteSettings_.settings());
 }
 
 void WebHost::openSession() {
@@ -96,7 +93,7 @@ void WebHost::openSession() {
         webkit_network_session_get_cookie_manager(session_.get()),
         (home.data + "/cookies.sqlite").c_str(), WEBKIT_COOKIE_PERSISTENT_STORAGE_SQLITE);
     context_.reset(webkit_web_context_new());
-    setLanguages(context_.get());
+    setPageLanguages(context_.get());
     onSignal(
         context_.get(), "initialize-notification-permissions",
         [](WebKitWebContext* context, gpointer self) {
@@ -104,7 +101,9 @@ void WebHost::openSession() {
         },
         this);
     settings_.reset(webkit_settings_new());
+    restrictPages(settings_.get());
     content_.reset(webkit_user_content_manager_new());
+    applySettings();
 }
 
 void WebHost::addBadgeScripts() {
@@ -139,6 +138,8 @@ void WebHost::addServices() {
     services_.iconName = options_.icon;
     services_.siteOf = siteOfHost;
     services_.permissions = &permissions_;
+    services_.certificates = &certificates_;
+    services_.settings = &siteSettings_;
     services_.links = options_.links;
     services_.openPopup = [this](HostPage& opener) { return openPopup(opener); };
     services_.notify = [this](WebKitNotification* shown) { notices_.show(shown); };
@@ -197,21 +198,40 @@ void WebHost::openMainWindow() {
         "user-content-manager", content_.get(), "settings", settings_.get(), nullptr));
     HostPage::Callbacks callbacks;
     callbacks.home = [this] { main_->load(options_.homeAddress); };
-    callbacks.forgetPermissions = [this] {
-        if (!permissions_.forgetAll()) {
-            log("the permissions can’t be written");
-        }
-        main_->forgetQuestions();
-        for (const auto& popup : popups_) {
-            popup->forgetQuestions();
-        }
-    };
+    callbacks.settings = [this] { showSettings(); };
     callbacks.titleChanged = [this] { titleChanged(); };
     callbacks.closed = [this] { quit(); };
     main_ = std::make_unique<HostPage>(view, services_, std::move(callbacks),
                                        readWindowState(options_.home.windowState));
     showTitle();
     main_->load(firstAddress());
+}
+
+void WebHost::forgetQuestions() {
+    main_->forgetQuestions();
+    for (const auto& popup : popups_) {
+        popup->forgetQuestions();
+    }
+}
+
+void WebHost::showSettings() {
+    if (!panel_) {
+        siteData_ = std::make_unique<SiteDataList>(
+            session_.get(), options_.name, [this] { webkit_web_view_reload(main_->view()); });
+        panel_ = std::make_unique<SettingsPanel>(
+            main_->window().widget(),
+            SettingsPanel::Services{.name = options_.name,
+                                    .settings = &siteSettings_,
+                                    .permissions = &permissions_,
+                                    .certificates = &certificates_,
+                                    .settingsChanged = [this] { applySettings(); },
+                                    .permissionsChanged = [this] { forgetQuestions(); },
+                                    .zoom = [this] { return main_->window().state().zoom; },
+                                    .zoomTo = [this](int zoom) { main_->window().zoomTo(zoom); }},
+            siteData_->widget());
+    }
+    siteData_->refresh();
+    panel_->show();
 }
 
 WebKitWebView* WebHost::openPopup(HostPage& opener) {
@@ -333,15 +353,20 @@ void WebHost::leave() {
         return;
     }
     main_->window().present("");
-    isLeavingAsked_ = isLeavingAsked_ ||
-                      main_->window().ask({"Files are being downloaded.", "Cancel Them and Quit",
-                                           "Keep Downloading", [this](std::optional<bool> isMeant) {
-                                               isLeavingAsked_ = false;
-                                               if (isMeant == true) {
-                                                   downloads_->cancelAll();
-                                                   main_->close();
-                                               }
-                                           }});
+    if (!std::exchange(isLeavingAsked_, true)) {
+        (void)main_->window().ask({.text = "Files are being downloaded.",
+                                   .yes = "Cancel Them and Quit",
+                                   .no = "Keep Downloading",
+                                   .answered =
+                                       [this](std::optional<bool> isMeant) {
+                                           isLeavingAsked_ = false;
+                                           if (isMeant == true) {
+                                               downloads_->cancelAll();
+                                               main_->close();
+                                           }
+                                       },
+                                   .isUrgent = true});
+    }
 }
 
 void WebHost::quit() {
@@ -361,7 +386,6 @@ void WebHost::run() {
     }
     HandoverService handovers(options_.listener,
                               [this](const WebHandover& handover) { handedOver(handover); });
-    const ColorSchemeFollower scheme(options_.bus);
     main_->window().show();
     options_.started();
     g_main_loop_run(loop_);

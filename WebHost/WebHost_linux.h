@@ -2,11 +2,17 @@
 
 #include "LaunchKit/WebBadge.h"
 #include "Platform/desktop/StatusItem_linux.h"
+#include "WebHost/AppliedSettings_linux.h"
+#include "WebHost/CertificateExceptions.h"
+#include "WebHost/ColorSchemeFollower_linux.h"
 #include "WebHost/DockBadge_linux.h"
 #include "WebHost/DownloadList_linux.h"
 #include "WebHost/Handover.h"
 #include "WebHost/HostPage_linux.h"
 #include "WebHost/PageNotices_linux.h"
+#include "WebHost/SettingsPanel_linux.h"
+#include "WebHost/SiteDataList_linux.h"
+#include "WebHost/SiteSettings.h"
 #include "WebHost/WebHome.h"
 
 #include <filesystem>
@@ -47,11 +53,15 @@ public:
     void run();
 
 private:
+    void reportProblems() const;
     void openSession();
     void addBadgeScripts();
     void addServices();
     void addStatusItem();
     void openMainWindow();
+    void applySettings();
+    void forgetQuestions();
+    void showSettings();
     [[nodiscard]] DownloadList::Callbacks downloadCallbacks();
     [[nodiscard]] std::string firstAddress() const;
     [[nodiscard]] WebKitWebView* openPopup(HostPage& opener);
@@ -72,11 +82,14 @@ private:
 
     WebHostOptions options_;
     PermissionStore permissions_;
+    SiteSettingsStore siteSettings_;
+    CertificateExceptions certificates_;
     GMainLoop* loop_ = g_main_loop_new(nullptr, FALSE);
     ObjectRef<WebKitNetworkSession> session_{};
     ObjectRef<WebKitWebContext> context_{};
     ObjectRef<WebKitUserContentManager> content_{};
     ObjectRef<WebKitSettings> settings_{};
+    ColorSchemeFollower colors_;
     DockBadge badge_;
     std::unique_ptr<StatusItem> statusItem_{};
     PageNotices notices_;
@@ -84,6 +97,8 @@ private:
     PageServices services_{};
     std::unique_ptr<HostPage> main_{};
     std::vector<std::unique_ptr<HostPage>> popups_{};
+    std::unique_ptr<SiteDataList> siteData_{};
+    std::unique_ptr<SettingsPanel> panel_{};
     PopupCap popupCap_{};
     std::uint64_t closedGestures_ = 0; ///< in windows that are closed
     WebBadgeState badgeState_{};

@@ -33,4 +33,46 @@ template<typename Record>
     return json && replaceFileBelow(home, file, *json);
 }
 
+/// A record that the user may have changed by hand: one that can't be read is never overwritten,
+/// but renamed before a new one is written.
+class KeptWebFile {
+public:
+    KeptWebFile(std::filesystem::path home, std::string path)
+        : home_(std::move(home)),
+          path_(std::move(path)) {}
+
+    /// Reads the file into `record`, which has its default values, and keeps them if it can't be
+    /// read: see `problem`.
+    template<typename Record>
+    void read(Record& record) {
+        problem_ = readWebRecord(path_, record);
+        if (!problem_.empty()) {
+            record = Record();
+        }
+    }
+    /// Writes the file as a whole, mode 0600. Returns whether that succeeded.
+    template<typename Record>
+    [[nodiscard]] bool write(const Record& record) {
+        if ((!problem_.empty() && !setAside()) || !writeWebRecord(home_, path_, record)) {
+            return false;
+        }
+        problem_.clear();
+        return true;
+    }
+    /// What was read makes no sense, for this reason.
+    void refuse(std::string problem) { problem_ = std::move(problem); }
+
+    /// Returns why the file's contents don't count, as a sentence; empty if they do.
+    [[nodiscard]] const std::string& problem() const { return problem_; }
+    [[nodiscard]] const std::string& path() const { return path_; }
+
+private:
+    /// Renames what can't be read to "NAME.damaged-1". Returns whether nothing is in the way.
+    [[nodiscard]] bool setAside() const;
+
+    std::filesystem::path home_;
+    std::string path_;
+    std::string problem_{};
+};
+
 } // namespace quorvel

@@ -26,8 +26,8 @@ protected:
         if (const auto missing = UserSession::missingPrograms(); !missing.empty()) {
             GTEST_SKIP() << missing.front() << " is not installed";
         }
-        for (const char* program :
-             {"/usr/bin/bwrap", "/usr/bin/dbus-monitor", "/usr/bin/python3", "/usr/bin/xprop"}) {
+        for (const char* program : {"/usr/bin/bwrap", "/usr/bin/dbus-monitor", "/usr/bin/openssl",
+                                    "/usr/bin/python3", "/usr/bin/xprop"}) {
             if (!std::filesystem::exists(program)) {
                 GTEST_SKIP() << program << " is not installed";
             }
@@ -43,12 +43,17 @@ protected:
         // Compiling shaders without a graphics card takes seconds.
         session->environment["GSK_RENDERER"] = "cairo";
         session->write(session->home / "site.py", read(QUORVEL_SITE));
-        session
-            ->start({"/usr/bin/python3", (session->home / "site.py").string(),
-                     (session->home / "port").string(), requests().string()})
-            .detach();
-        ASSERT_TRUE(waitUntil([&] { return std::filesystem::exists(session->home / "port"); },
-                              longestWait));
+        ASSERT_TRUE(startSite("port", {}));
+    }
+
+    // Starts the site once more if there is one already.
+    bool startSite(const std::string& portFile, const std::vector<std::string>& more) {
+        std::vector<std::string> command{"/usr/bin/python3", (session->home / "site.py").string(),
+                                         (session->home / portFile).string(), requests().string()};
+        command.insert(command.end(), more.begin(), more.end());
+        session->start(command).detach();
+        return waitUntil([&] { return std::filesystem::exists(session->home / portFile); },
+                         longestWait);
     }
 
     void TearDown() override {
@@ -132,8 +137,7 @@ protected:
         std::string found;
         EXPECT_TRUE(waitUntil(
             [&] {
-                found = session->outputOf(
-                    {"/usr/bin/xdotool", "search", "--onlyvisible", "--name", title});
+                found = windowsNamed(title);
                 return !found.empty();
             },
             longestWait))
@@ -146,7 +150,47 @@ protected:
             {"/usr/bin/xdotool", "mousemove", "--window", window, "400", "400", "click", "1"});
     }
 
-    void press(const std::string& keys) { session->run({"/usr/bin/xdotool", "key", keys}); }
+    // Clicks with the secondary button.
+    void openMenu(const std::string& window) {
+        session->run(
+            {"/usr/bin/xdotool", "mousemove", "--window", window, "400", "400", "click", "3"});
+    }
+
+    void type(const std::string& text) {
+        session->run({"/usr/bin/xdotool", "type", "--delay", "5", text});
+    }
+
+    // Returns the numbers of the windows with such a title, a line for each.
+    [[nodiscard]] std::string windowsNamed(const std::string& title) const {
+        return session->outputOf({"/usr/bin/xdotool", "search", "--onlyvisible", "--name", title});
+    }
+    // Waits until no window has such a title.
+    [[nodiscard]] bool isGone(const std::string& title) const {
+        return waitUntil([&] { return windowsNamed(title).empty(); }, longestWait);
+    }
+
+#ifdef QUORVEL_ACCESSIBLE
+    // Returns the roles and names of all controls, as assistive technology sees them.
+    [[nodiscard]] std::string controls() const {
+        return session->outputOf({QUORVEL_ACCESSIBLE, "names"});
+    }
+    [[nodiscard]] bool isShown(const std::string& text) const {
+        return waitUntil([&] { return controls().find(text) != std::string::npos; }, longestWait);
+    }
+    void activate(const std::string& name) {
+        EXPECT_TRUE(waitUntil(
+            [&] {
+                return session->run({QUORVEL_ACCESSIBLE, "press", name}) == 0;
+            },
+            longestWait))
+            << name << "\n"
+            << controls();
+    }
+#endif
+
+    void press(const std::string& keys) {
+        session->run({"/usr/bin/xdotool", "key", keys});
+    }
 
     // Clicks until the site gets such a request.
     void clickUntil(const std::string& window, const std::string& text) {
@@ -171,7 +215,9 @@ protected:
         session->write(session->home / ".config/mimeapps.list",
                        "[Default Applications]\nx-scheme-handler/http=browser.desktop\n");
     }
-    [[nodiscard]] std::filesystem::path browsed() const { return session->home / "browsed"; }
+    [[nodiscard]] std::filesystem::path browsed() const {
+        return session->home / "browsed";
+    }
 
     // Records what is sent on the bus, in a file.
     void recordBus(const std::string& rule) {
@@ -223,8 +269,12 @@ protected:
     [[nodiscard]] std::string log(const std::string& name) const {
         return read(data(name) / "quorvel-instance.log");
     }
-    [[nodiscard]] std::filesystem::path requests() const { return session->home / "requests"; }
-    [[nodiscard]] std::filesystem::path bus() const { return session->folder() / "home/bus"; }
+    [[nodiscard]] std::filesystem::path requests() const {
+        return session->home / "requests";
+    }
+    [[nodiscard]] std::filesystem::path bus() const {
+        return session->folder() / "home/bus";
+    }
 
     std::optional<UserSession> session{};
 };

@@ -55,14 +55,7 @@ TEST_F(WebPagesTest, APageThatWasNotLeftAsksAgain) {
         request(std::string("/leaving\\?") + time);
         const std::string dialog = window("^Leave this page");
         press("Escape");
-        EXPECT_TRUE(waitUntil(
-            [&] {
-                return session
-                    ->outputOf({"/usr/bin/xdotool", "search", "--onlyvisible", "--name",
-                                "^Leave this page"})
-                    .empty();
-            },
-            longestWait));
+        EXPECT_TRUE(isGone("^Leave this page"));
     }
     EXPECT_EQ(process("Portal"), host);
 }

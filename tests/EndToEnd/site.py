@@ -1,8 +1,15 @@
-"""The web site of the tests: site.py PORT_FILE LOG_FILE. Logs every request as a line."""
+"""The web site of the tests: site.py PORT_FILE LOG_FILE [TLS_FOLDER]. Logs every request as a line.
+
+With a folder, the site is also on three ports whose certificates are bad, which are made there: the
+folder then contains the files "expired", "other" and "self" with their ports."""
+import base64
 import http.server
 import os
+import ssl
+import subprocess
 import sys
 import threading
+import time
 
 # A visitor is known by what the browser keeps of the first visit.
 HOME = """<title>(3) Inbox</title><h1>Site</h1><script>
@@ -64,6 +71,100 @@ const timer = setInterval(() => {
   if (count === 200) { clearInterval(timer); document.title = 'Done'; }
 }, 10);
 </script>""",
+    '/painted': """<title>Painted</title><h1>Page</h1><script>
+requestAnimationFrame(() => requestAnimationFrame(() => fetch('/was-painted')));</script>""",
+    '/facts': """<title>Facts</title><script>
+fetch('/facts-seen?dark=' + matchMedia('(prefers-color-scheme: dark)').matches +
+      '&wide=' + (innerWidth > 900) + '&agent=' + navigator.userAgent);</script>""",
+    '/menu': "<title>Menu</title><a href='http://localhost:PORT/file' "
+             "style='position:fixed;inset:0;background:#ccc'>Link</a>",
+    '/members': "<title>Members</title><script>fetch('/member')</script>",
+    '/misspelt': """<title>Misspelt</title><textarea autofocus
+style='position:fixed;inset:0;width:100%;height:100%;font:100px serif'>Wrod Wrod Wrod Wrod Wrod Wrod
+Wrod Wrod Wrod Wrod Wrod Wrod Wrod Wrod Wrod Wrod Wrod Wrod Wrod Wrod</textarea>""",
+    # Reads what each kind of storage has of an earlier visit, then leaves its number in all of them.
+    '/storage': """<title>Storage</title><script>
+const done = request => new Promise(then => { request.onsuccess = () => then(request.result); });
+(async () => {
+  const open = indexedDB.open('kept', 1);
+  open.onupgradeneeded = () => open.result.createObjectStore('ids');
+  const database = await done(open), cache = await caches.open('kept');
+  const ids = mode => database.transaction('ids', mode).objectStore('ids');
+  const workers = await navigator.serviceWorker.getRegistrations();
+  const cached = await cache.match('/kept');
+  const found = {
+    cookie: (document.cookie.match(/long=([0-9]+)/) || [])[1],
+    short: (document.cookie.match(/short=([0-9]+)/) || [])[1],
+    local: localStorage.id, session: sessionStorage.id,
+    database: await done(ids('readonly').get('id')),
+    cache: cached && await cached.text(),
+    worker: workers.length ? workers[0].active.scriptURL.split('=')[1] : undefined,
+    files: navigator.storage && navigator.storage.getDirectory ? 'there' : 'no',
+  };
+  const id = found.local || String(Date.now()) + Math.floor(Math.random() * 1e6);
+  document.cookie = 'long=' + id + ';max-age=9999';
+  document.cookie = 'short=' + id;
+  localStorage.id = sessionStorage.id = id;
+  await done(ids('readwrite').put(id, 'id'));
+  await cache.put('/kept', new Response(id));
+  await navigator.serviceWorker.register('/worker.js?id=' + id);
+  await navigator.serviceWorker.ready;
+  const text = Object.entries(found).map(([kind, value]) => kind + '=' + (value || 'none'));
+  fetch('/stored?' + text.join('&') + '&id=' + id + '&');
+})();</script>""",
+    '/worker.js': "oninstall = () => skipWaiting();",
+    '/login': """<title>Login</title><body style='position:fixed;inset:0;background:#ccc'><script>
+onmessage = event => fetch('/logged-in?' + event.data + '&' + document.cookie);
+onclick = () => open('/login-form');</script>""",
+    '/login-form': """<title>Form</title><script>document.cookie = 'who=me';
+opener.postMessage('done', '*'); close();</script>""",
+    # A thousand of each, one kind after the other; each part says when it is over.
+    '/flood': """<title>Flood</title><body style='position:fixed;inset:0;background:#ccc'><script>
+const many = act => { for (let count = 1; count <= 1000; ++count) act(count); };
+onclick = () => {
+  onclick = null;
+  let open = 0, refused = 0;
+  many(count => { open += window.open('/alone?' + count) ? 1 : 0; });
+  many(count => { document.title = '(' + count + ') Flood'; });
+  many(count => navigator.setAppBadge(count));
+  many(() => navigator.geolocation.getCurrentPosition(() => {}, () => {
+    if (++refused === 1000) fetch('/all-refused'); }));
+  many(count => setTimeout(() => { const link = document.createElement('a');
+    link.href = '/named?' + count; link.download = ''; link.click(); }, 2 * count));
+  fetch('/flooded?' + open);
+};</script>""",
+    '/dialogs': """<title>Dialogs</title><script>setTimeout(() => {
+for (let count = 1; count <= 1000; ++count) alert('Dialog ' + count);
+fetch('/dialogs-over'); }, 0)</script>""",
+    '/slow-downloads': """<title>Many</title><body><script>
+for (let count = 1; count <= 5; ++count) { const frame = document.createElement('iframe');
+  frame.src = '/slow-file?' + count; document.body.append(frame); }</script>""",
+    # What a page of the web must not get.
+    '/hostile': """<title>Hostile \u202e\u2066 — Bank</title>
+<body style='position:fixed;inset:0;background:#ccc'><script>
+const tried = [];
+window.note = (name, value) => tried.push(name + '=' + value);
+for (const where of ['file:///etc/passwd', 'data:text/html,<title>Data</title>', 'quorvel:x',
+                     'webkit://x', 'zoommtg://x', 'smb://x/y', 'view-source:http://127.0.0.1/'])
+  try { location.href = where; } catch (error) { note('error', error.name); }
+const frame = document.createElement('iframe');
+frame.srcdoc = "<script>parent.note('frame', typeof navigator.setAppBadge)</scr" + "ipt>";
+document.body.append(frame);
+const file = document.createElement('iframe');
+file.src = 'file:///etc/passwd';
+document.body.append(file);
+setTimeout(async () => {
+  let read = 'no';
+  for (const where of ['file:///etc/passwd', 'webkit:about', 'resource:///org'])
+    await fetch(where).then(() => { read = where; }, () => {});
+  note('read', read);
+  note('webkit', typeof window.webkit);
+  try { note('inner', file.contentDocument === null ? 'closed' : file.contentDocument.title); }
+  catch (error) { note('inner', 'closed'); }
+  fetch('/tried?' + tried.join('&') + '&');
+}, 500);
+onclick = () => { onclick = null; document.body.requestFullscreen(); };
+</script>""",
     '/sign-in': "<title>Sign in</title><script>opener.postMessage('as-me', '*');"
                 "fetch('/asked?badge=' + typeof navigator.setAppBadge)</script>",
 }
@@ -81,14 +182,28 @@ class Site(http.server.BaseHTTPRequestHandler):
             self.send_header('Content-Length', '0')
             self.end_headers()
             return
+        login = base64.b64encode(b'me:secret').decode()
+        if path == '/members' and self.headers.get('Authorization') != 'Basic ' + login:
+            self.log_message()
+            self.send_response_only(401)
+            self.send_header('WWW-Authenticate', 'Basic realm="Members. Safe, says your bank"')
+            self.send_header('Content-Length', '0')
+            self.end_headers()
+            return
         if path == '/never-answers':
             self.log_message()
             threading.Event().wait()
         page = PAGES.get(path, '').replace('PORT', str(self.server.server_port)).encode()
         if path == '/file':
             page = b'downloaded'
+        if path == '/slow-file':
+            self.send_slowly()
+            return
+        if path == '/named':
+            page = b'named'
         self.send_response(200)
-        self.send_header('Content-Type', 'text/plain' if path == '/file' else 'text/html')
+        kinds = {'/file': 'text/plain', '/named': 'text/plain', '/worker.js': 'text/javascript'}
+        self.send_header('Content-Type', kinds.get(path, 'text/html;charset=utf-8'))
         if path == '/file':
             self.send_header('Content-Disposition', 'attachment; filename="../../precious.txt"')
         self.send_header('Cache-Control', 'no-store')
@@ -96,14 +211,77 @@ class Site(http.server.BaseHTTPRequestHandler):
         self.end_headers()
         self.wfile.write(page)
 
+    def send_slowly(self):
+        """Sends half of a file, and the rest once there is a file "release" beside the log."""
+        self.log_message()
+        self.send_response(200)
+        self.send_header('Content-Disposition', 'attachment; filename="slow.bin"')
+        self.send_header('Content-Length', '200000')
+        self.end_headers()
+        self.wfile.write(b'x' * 100000)
+        self.wfile.flush()
+        while not os.path.exists(os.path.join(os.path.dirname(sys.argv[2]), 'release')):
+            time.sleep(0.05)
+        self.wfile.write(b'x' * 100000)
+
     do_POST = do_GET
 
     def log_message(self, *_):
         log.write(self.path + '\n')
 
 
+CA = """[ca]
+default_ca=c
+[c]
+database=index
+new_certs_dir=.
+serial=serial
+default_md=sha256
+policy=p
+[p]
+commonName=supplied
+[req]
+distinguished_name=d
+[d]
+"""
+
+
+def add_tls(folder):
+    """Serves the site with certificates that prove nothing."""
+    os.makedirs(folder)
+
+    def write(name, text):
+        with open(f'{folder}/{name}', 'w', encoding='utf-8') as made:
+            made.write(text)
+
+    def openssl(*arguments):
+        subprocess.run(['openssl', *arguments], cwd=folder, check=True, capture_output=True)
+
+    write('ca.cnf', CA)
+    write('serial', '01')
+    for name, host, end in (('expired', 'IP:127.0.0.1', '2021'), ('self', 'IP:127.0.0.1', '2048'),
+                            ('other', 'DNS:other.test', '2048')):
+        write('index', '')
+        write('ext', 'subjectAltName=' + host)
+        openssl('req', '-new', '-newkey', 'ec', '-pkeyopt', 'ec_paramgen_curve:P-256', '-nodes',
+                '-keyout', name + '.key', '-subj', '/CN=' + name, '-config', 'ca.cnf',
+                '-out', 'request')
+        openssl('ca', '-batch', '-notext', '-selfsign', '-config', 'ca.cnf', '-extfile', 'ext',
+                '-keyfile', name + '.key', '-in', 'request', '-startdate', '20200101000000Z',
+                '-enddate', end + '0101000000Z', '-out', name + '.cert')
+        context = ssl.SSLContext(ssl.PROTOCOL_TLS_SERVER)
+        context.load_cert_chain(f'{folder}/{name}.cert', f'{folder}/{name}.key')
+        secured = http.server.ThreadingHTTPServer(('127.0.0.1', 0), Site)
+        secured.socket = context.wrap_socket(secured.socket, server_side=True,
+                                             do_handshake_on_connect=False)
+        threading.Thread(target=secured.serve_forever, daemon=True).start()
+        write(name, str(secured.server_port))
+
+
 log = open(sys.argv[2], 'a', buffering=1, encoding='utf-8')
 server = http.server.ThreadingHTTPServer(('127.0.0.1', 0), Site)
+if len(sys.argv) > 3:
+    add_tls(sys.argv[3])
 with open(sys.argv[1] + '.part', 'w', encoding='utf-8') as file:
     file.write(str(server.server_port))
 os.rename(sys.argv[1] + '.part', sys.argv[1])

@@ -1,4 +1,5 @@
 // Opening web clones, with another module in the web host's place.
+#include "WebHost/WebHostModule.h"
 #include "tests/Runner/RunnerFixture.h"
 #include "tests/support/Waiting.h"
 
@@ -13,10 +14,22 @@ protected:
     [[nodiscard]] std::string shown() const { return read(at("shown")); }
 
     ScopedEnvironment webHost_{"QUORVEL_WEB_HOST", QUORVEL_WEB_HOST_STUB};
+    ScopedEnvironment version_{"STUB_ABI", std::to_string(webHostAbi)};
 };
 
+TEST_F(WebCloneTest, AHostOfTheSameVersionIsUsed) {
+    const ScopedEnvironment stub("STUB", at("").string());
+    write(at("end"), "");
+    EXPECT_EQ(run(configOf(ShortcutKind::web)), 0) << read(errors());
+    EXPECT_EQ(shown(), "shown\n");
+}
+
 TEST_F(WebCloneTest, AHostOfAnotherVersionIsReported) {
+    const ScopedEnvironment stub("STUB", at("").string());
+    const ScopedEnvironment version("STUB_ABI", std::to_string(webHostAbi + 1));
+    write(at("end"), "");
     EXPECT_EQ(run(configOf(ShortcutKind::web)), 69);
+    EXPECT_EQ(shown(), "");
     const std::string line = "quorvel-runner: “Work” was made by another version of Quorvel than "
                              "the web host that is installed; create it again\n";
     EXPECT_EQ(read(errors()), line);
@@ -24,6 +37,7 @@ TEST_F(WebCloneTest, AHostOfAnotherVersionIsReported) {
 }
 
 TEST_F(WebCloneTest, AHomeThatItMakesIsClosedToOthers) {
+    const ScopedEnvironment version("STUB_ABI", "");
     EXPECT_EQ(run(configOf(ShortcutKind::web)), 69);
     EXPECT_EQ(fs::status(cloneHome()).permissions(), fs::perms{0700});
     fs::permissions(cloneHome(), fs::perms{0750});

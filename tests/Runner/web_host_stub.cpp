@@ -1,4 +1,5 @@
-// A module in the web host's place: shows nothing, and does what STUB says.
+// A module in the web host's place, of the version STUB_ABI: shows nothing, and does what STUB
+// says.
 #include "WebHost/WebHostModule.h"
 
 #include <chrono>
@@ -10,11 +11,15 @@
 
 extern "C" __attribute__((visibility("default"))) int
 quorvel_web_host_run(const QuorvelWebHostRequest* request) {
-    const char* const stub = std::getenv("STUB");
-    const std::string folder = stub == nullptr ? "" : stub;
-    if (folder.empty()) {
-        return 69; // as for a request of another version
+    const auto variable = [](const char* name) {
+        const char* const value = std::getenv(name);
+        return std::string(value == nullptr ? "" : value);
+    };
+    // As the real one does with a request of another version.
+    if (std::to_string(request->abi) != variable("STUB_ABI")) {
+        return 69;
     }
+    const std::string folder = variable("STUB");
     // Runs until there is a file "end", without ever answering on its socket.
     request->started(request->context);
     std::ofstream(folder + "/shown", std::ios::app) << "shown\n";

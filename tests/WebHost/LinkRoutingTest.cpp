@@ -50,6 +50,25 @@ TEST(LinkRoutingTest, AClickThatLeavesTheSiteGoesOutside) {
     EXPECT_EQ(decide(blank), LinkDecision::outside) << "from a frame, too";
 }
 
+TEST(LinkRoutingTest, ARuleOfTheUserCounts) {
+    LinkRequest inside = click(elsewhere);
+    inside.rule = LinkPlace::inside;
+    EXPECT_EQ(decide(inside), LinkDecision::here);
+    LinkRequest outside = click("https://docs.example.com/x");
+    outside.rule = LinkPlace::outside;
+    EXPECT_EQ(decide(outside), LinkDecision::outside);
+    outside.staysInside = true;
+    EXPECT_EQ(decide(outside), LinkDecision::outside) << "it is more exact than the clone's option";
+    outside.isRedirect = true;
+    EXPECT_EQ(decide(outside), LinkDecision::here) << "it is for clicks alone";
+    outside.isRedirect = false;
+    outside.isPopup = true;
+    EXPECT_EQ(decide(outside), LinkDecision::here) << "where signing in may be going on";
+    LinkRequest other = click("file:///etc/passwd");
+    other.rule = LinkPlace::inside;
+    EXPECT_EQ(decide(other), LinkDecision::refuse);
+}
+
 TEST(LinkRoutingTest, SigningInOnAnotherSiteStays) {
     LinkRequest redirect = click(signIn);
     redirect.isRedirect = true;

@@ -42,5 +42,15 @@ TEST(PageTitleTest, APopupShowsItsHostFirst) {
     EXPECT_EQ(popupTitle("about:blank", "", "Work"), "about:blank — Work");
 }
 
+TEST(PageTitleTest, AHostThatIsNotCertainIsMarked) {
+    EXPECT_EQ(shownHost("https://a.b/x", false), "a.b");
+    EXPECT_EQ(shownHost("https://a.b/x", true), "a.b — not verified");
+    EXPECT_EQ(shownHost("http://a.b/x", false), "a.b — not encrypted");
+    EXPECT_EQ(shownHost("http://a.b/x", true), "a.b — not encrypted");
+    EXPECT_EQ(shownHost("http://127.0.0.1:80/x", false), "127.0.0.1");
+    EXPECT_EQ(shownHost("http://localhost/x", false), "localhost");
+    EXPECT_EQ(shownHost("about:blank", false), "");
+}
+
 } // namespace
 } // namespace quorvel

@@ -107,5 +107,13 @@ TEST_F(PermissionQuestionsTest, TheTextsOfPagesAreCut) {
                                                                    "…” link with another program.");
 }
 
+TEST_F(PermissionQuestionsTest, EveryKindHasWords) {
+    EXPECT_EQ(permissionWords("camera+microphone"), "use the camera and the microphone");
+    EXPECT_EQ(permissionWords(linkPermissionKind("mailto")),
+              "open “mailto” links with another program");
+    EXPECT_EQ(permissionWords(dataPermissionKind("a.b")), "let a.b use its cookies here");
+    EXPECT_EQ(permissionWords("new\u202eone"), "newone");
+}
+
 } // namespace
 } // namespace quorvel

@@ -79,6 +79,17 @@ TEST_F(PermissionStoreTest, WhatCantBeReadHasNoAnswers) {
     EXPECT_EQ(store().problem(), "");
 }
 
+TEST_F(PermissionStoreTest, WhatCantBeReadIsKeptUnderAnotherName) {
+    write(file(), "{damaged");
+    write(file() + ".damaged-1", "another");
+    PermissionStore damaged = store();
+    EXPECT_TRUE(damaged.remember("https://a.b", "camera", true));
+    EXPECT_EQ(damaged.problem(), "");
+    EXPECT_EQ(read(file() + ".damaged-2"), "{damaged");
+    EXPECT_EQ(read(file() + ".damaged-1"), "another");
+    EXPECT_EQ(store().answer("https://a.b", "camera"), true);
+}
+
 TEST_F(PermissionStoreTest, ALinkIsNeitherReadNorWrittenThrough) {
     write(home_ / "elsewhere", R"({"permissions":{"https://a.b camera":"allow"}})");
     fs::create_directory(home_ / "web");

@@ -5,6 +5,7 @@
 namespace quorvel {
 namespace {
 
+using ::testing::AllOf;
 using ::testing::HasSubstr;
 using ::testing::Not;
 
@@ -19,15 +20,16 @@ TEST(StatusPagesTest, TextsAreShownAsTheyAre) {
 TEST(StatusPagesTest, ThePageCanBeTriedAgain) {
     const std::string address = "https://a.b/?" + std::string(10'000, 'x');
     for (const std::string& page :
-         {offlinePage(address, "No answer."), certificatePage(address, "It is too old."),
-          crashPage(address)}) {
+         {offlinePage(address, "No answer."),
+          certificatePage(address, "It is too old.", "Of: <b>\nBy: you"), crashPage(address)}) {
         EXPECT_THAT(page, HasSubstr("href=\"" + address + "\""));
         EXPECT_THAT(page, HasSubstr("a.b"));
         EXPECT_THAT(page, HasSubstr("default-src 'none'"));
     }
     EXPECT_THAT(crashPage("javascript:alert(1)"), Not(HasSubstr("href")));
     EXPECT_THAT(offlinePage(address, "No answer."), HasSubstr("No answer."));
-    EXPECT_THAT(certificatePage(address, "It is too old."), HasSubstr("It is too old."));
+    EXPECT_THAT(certificatePage(address, "It is too old.", "Of: <b>\nBy: you"),
+                AllOf(HasSubstr("It is too old."), HasSubstr("Of: &lt;b&gt;\nBy: you")));
 }
 
 TEST(StatusPagesTest, LinesOfATextStayLines) {

@@ -1,0 +1,74 @@
+#pragma once
+
+#include <cstddef>
+#include <functional>
+#include <map>
+#include <optional>
+#include <set>
+#include <string>
+#include <vector>
+
+/// The names and passwords that servers ask for, by HTTP.
+namespace quorvel {
+
+/// Who asks.
+struct PasswordAsker {
+    std::string host{};
+    unsigned port = 0;
+    std::string realm{}; ///< whatever the server likes
+    bool isProxy = false;
+    bool isEncrypted = false;
+    std::string pageHost{}; ///< of the page that is shown; empty for none
+
+    /// Returns what is equal for questions with one answer.
+    [[nodiscard]] std::string key() const;
+};
+
+struct PasswordText {
+    std::string heading{};
+    std::string text{};
+};
+
+/// Returns what the user is asked: the host first, and what the server says as a quotation.
+[[nodiscard]] PasswordText passwordText(const PasswordAsker& asker, bool wasWrong);
+
+/// A user's name and password.
+struct Login {
+    std::string user{};
+    std::string password{};
+};
+
+/// Answers servers that want a password, by asking the user: one question after the other, one for
+/// all that are equal, and no more after three wrong answers or a refusal until `reset`.
+class PasswordQuestions {
+public:
+    using Answered = std::function<void(std::optional<Login>)>;
+    /// Shows a question; the answer comes later.
+    using Ask = std::function<void(const PasswordText&, Answered)>;
+
+    explicit PasswordQuestions(Ask ask) : ask_(std::move(ask)) {}
+
+    /// Has `done` called with the answer, now or later; std::nullopt if there is none.
+    void decide(const PasswordAsker& asker, bool wasWrong, Answered done);
+    /// The server has taken an answer.
+    void accepted(const PasswordAsker& asker) { tries_.erase(asker.key()); }
+    /// The user may be asked again.
+    void reset();
+
+private:
+    struct Waiting {
+        PasswordText text{};
+        std::vector<Answered> done{};
+    };
+
+    void showNext();
+    void finish(const std::string& key, const std::optional<Login>& login);
+
+    Ask ask_;
+    std::map<std::string, std::size_t> tries_{};
+    std::set<std::string> refused_{};
+    std::vector<std::string> order_{}; ///< of the questions; the first is shown
+    std::map<std::string, Waiting> waiting_{};
+};
+
+} // namespace quorvel

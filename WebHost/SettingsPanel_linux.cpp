@@ -1,0 +1,269 @@
+#include "WebHost/SettingsPanel_linux.h"
+
+#include "Base/TerminalText.h"
+#include "WebHost/PermissionQuestions.h"
+#include "WebHost/SettingsRows_linux.h"
+#include "WebHost/WindowState.h"
+
+#include <utility>
+
+namespace quorvel {
+namespace {
+
+std::string textIn(GtkWidget* field) {
+    return gtk_editable_get_text(GTK_EDITABLE(field));
+}
+
+template<typename Case>
+Case chosenIn(GtkWidget* choice) {
+    return static_cast<Case>(gtk_drop_down_get_selected(GTK_DROP_DOWN(choice)));
+}
+
+GtkWidget* addList(GtkWidget* section) {
+    GtkWidget* const list = gtk_box_new(GTK_ORIENTATION_VERTICAL, 4);
+    gtk_box_append(GTK_BOX(section), list);
+    return list;
+}
+
+void closeWithEscape(GtkWindow* window) {
+    GtkEventController* const keys = gtk_shortcut_controller_new();
+    gtk_shortcut_controller_add_shortcut(
+        GTK_SHORTCUT_CONTROLLER(keys), gtk_shortcut_new(gtk_shortcut_trigger_parse_string("Escape"),
+                                                        gtk_named_action_new("window.close")));
+    gtk_widget_add_controller(GTK_WIDGET(window), keys);
+}
+
+} // namespace
+
+SettingsPanel::SettingsPanel(GtkWindow* parent, Services services, GtkWidget* data)
+    : window_(GTK_WINDOW(gtk_window_new())),
+      services_(std::move(services)) {
+    constexpr int width = 560;
+    constexpr int height = 700;
+    constexpr int margin = 18;
+    gtk_window_set_title(window_, ("Site Settings — " + withoutUnsafe(services_.name)).c_str());
+    gtk_window_set_default_size(window_, width, height);
+    gtk_window_set_transient_for(window_, parent);
+    gtk_window_set_hide_on_close(window_, TRUE);
+    closeWithEscape(window_);
+    GtkWidget* const page = gtk_box_new(GTK_ORIENTATION_VERTICAL, 0);
+    for (const auto set : {gtk_widget_set_margin_start, gtk_widget_set_margin_end,
+                           gtk_widget_set_margin_top, gtk_widget_set_margin_bottom}) {
+        set(page, margin);
+    }
+    problem_ = addHint(page, "");
+    gtk_widget_remove_css_class(problem_, "dim-label");
+    gtk_widget_add_css_class(problem_, "error");
+    addPages(page);
+    addConnection(page);
+    addLinks(page);
+    addLists(page);
+    gtk_box_append(GTK_BOX(page), data);
+    GtkWidget* const scrolled = gtk_scrolled_window_new();
+    gtk_scrolled_window_set_policy(GTK_SCROLLED_WINDOW(scrolled), GTK_POLICY_NEVER,
+                                   GTK_POLICY_AUTOMATIC);
+    gtk_scrolled_window_set_child(GTK_SCROLLED_WINDOW(scrolled), page);
+    gtk_window_set_child(window_, scrolled);
+}
+
+SettingsPanel::~SettingsPanel() {
+    isUpdating_ = true; // what loses the focus now is not to be saved
+    gtk_window_destroy(window_);
+}
+
+void SettingsPanel::addPages(GtkWidget* page) {
+    static constexpr const char* colors[] = {"Like the desktop", "Light", "Dark", nullptr};
+    constexpr double step = 10;
+    GtkWidget* const section = addSection(page, "Pages");
+    zoom_ = addSetting(section, "_Zoom in percent",
+                       gtk_spin_button_new_with_range(smallestZoom, largestZoom, step));
+    onEvent(zoom_, "value-changed", [this] {
+        if (!isUpdating_) {
+            services_.zoomTo(gtk_spin_button_get_value_as_int(GTK_SPIN_BUTTON(zoom_)));
+        }
+    });
+    colors_ = addSetting(
+        section, "_Colors", newChoice(colors, 0, [this] {
+            change([this](SiteSettings& all) { all.colors = chosenIn<PageColors>(colors_); });
+        }));
+    spelling_ = addSetting(section, "Check _spelling", gtk_switch_new());
+    onEvent(spelling_, "notify::active", [this] {
+        change([this](SiteSettings& all) {
+            all.checksSpelling = gtk_switch_get_active(GTK_SWITCH(spelling_)) == TRUE;
+        });
+    });
+    languages_ = addSetting(section, "Spelling _languages", newField("en_US, de_DE", [this] {
+                                change([this](SiteSettings& all) {
+                                    all.spellingLanguages = languagesIn(textIn(languages_));
+                                });
+                            }));
+    userAgent_ =
+        addSetting(section, "_User agent", newField("The usual one", [this] {
+                       change([this](SiteSettings& all) { all.userAgent = textIn(userAgent_); });
+                   }));
+    addHint(section, "The user agent is what sites are told about the browser; some refuse those "
+                     "they don’t know. It holds for pages that are loaded from now on.");
+}
+
+void SettingsPanel::addConnection(GtkWidget* page) {
+    static constexpr const char* proxies[] = {"Like the system", "None", "This address:", nullptr};
+    const auto changed = [this] {
+        change([this](SiteSettings& all) {
+            all.proxy = chosenIn<ProxyUse>(proxy_);
+            all.proxyAddress = textIn(proxyAddress_);
+        });
+    };
+    GtkWidget* const section = addSection(page, "Connection");
+    proxy_ = addSetting(section, "Pro_xy", newChoice(proxies, 0, changed));
+    proxyAddress_ = addSetting(section, "Proxy _address", newField("http://host:8080", changed));
+}
+
+void SettingsPanel::addLinks(GtkWidget* page) {
+    static constexpr const char* places[] = {"Open in this window", "Open in the browser", nullptr};
+    GtkWidget* const section = addSection(page, "Links");
+    addHint(section, "Links to these sites open as you say, whichever site they are on.");
+    links_ = addList(section);
+    ruleHost_ = addSetting(section, "_Host", gtk_entry_new());
+    gtk_entry_set_placeholder_text(GTK_ENTRY(ruleHost_), "example.com");
+    onEvent(ruleHost_, "activate", [this] { addRule(); });
+    rulePlace_ = addSetting(section, "Lin_ks to it", newChoice(places, 0, [] {}));
+    GtkWidget* const add = gtk_button_new_with_mnemonic("Add _Rule");
+    gtk_widget_set_halign(add, GTK_ALIGN_END);
+    onEvent(add, "clicked", [this] { addRule(); });
+    gtk_box_append(GTK_BOX(section), add);
+}
+
+void SettingsPanel::addLists(GtkWidget* page) {
+    GtkWidget* const answers = addSection(page, "Permissions");
+    permissions_ = addList(answers);
+    GtkWidget* const forget = gtk_button_new_with_mnemonic("Remove All _Permissions");
+    gtk_widget_set_halign(forget, GTK_ALIGN_END);
+    onEvent(forget, "clicked", [this] {
+        showProblem(services_.permissions->forgetAll() ? "" : "The permissions can’t be written.");
+        services_.permissionsChanged();
+        listPermissions();
+    });
+    gtk_box_append(GTK_BOX(answers), forget);
+    GtkWidget* const certificates = addSection(page, "Accepted Certificates");
+    addHint(certificates,
+            "A certificate that you remove is refused from the next start of this window on.");
+    certificates_ = addList(certificates);
+}
+
+void SettingsPanel::change(const std::function<void(SiteSettings&)>& edit) {
+    if (isUpdating_) {
+        return;
+    }
+    SiteSettings next = services_.settings->settings();
+    edit(next);
+    if (next == services_.settings->settings()) {
+        showProblem("");
+        return;
+    }
+    showProblem(services_.settings->change(std::move(next)));
+    services_.settingsChanged();
+}
+
+void SettingsPanel::addRule() {
+    const std::string host = ruleHost(textIn(ruleHost_));
+    if (host.empty()) {
+        showProblem("A rule for links must name a host such as “example.com”.");
+        return;
+    }
+    change(
+        [&](SiteSettings& all) { all.links[host] = rawString(chosenIn<LinkPlace>(rulePlace_)); });
+    setText(ruleHost_, "");
+    listLinks();
+}
+
+void SettingsPanel::showProblem(const std::string& problem) {
+    gtk_label_set_text(GTK_LABEL(problem_), problem.c_str());
+    gtk_widget_set_visible(problem_, problem.empty() ? FALSE : TRUE);
+}
+
+void SettingsPanel::setText(GtkWidget* field, const std::string& text) {
+    gtk_editable_set_text(GTK_EDITABLE(field), text.c_str());
+}
+
+void SettingsPanel::listLinks() {
+    std::vector<RemovableRow> rows;
+    for (const auto& [host, place] : services_.settings->settings().links) {
+        const bool isInside = caseNamed<LinkPlace>(place) == LinkPlace::inside;
+        rows.push_back({host + (isInside ? ": in this window" : ": in the browser"),
+                        "Remove the rule for " + host, [this, host = host] {
+                            change([&](SiteSettings& all) { all.links.erase(host); });
+                            listLinks();
+                        }});
+    }
+    fillList(links_, rows, "There are no rules.");
+}
+
+void SettingsPanel::listPermissions() {
+    std::vector<RemovableRow> rows;
+    for (const PermissionStore::Answer& answer : services_.permissions->list()) {
+        const std::string what = withoutUnsafe(answer.origin) +
+                                 (answer.isAllowed ? " may " : " may not ") +
+                                 permissionWords(answer.kind);
+        rows.push_back({what, "Remove: " + what, [this, answer] {
+                            const bool isKept =
+                                services_.permissions->forget(answer.origin, answer.kind);
+                            showProblem(isKept ? "" : "The permissions can’t be written.");
+                            services_.permissionsChanged();
+                            listPermissions();
+                        }});
+    }
+    fillList(permissions_, rows, "No site has asked for anything.");
+}
+
+void SettingsPanel::listCertificates() {
+    constexpr std::size_t shownDigits = 16;
+    std::vector<RemovableRow> rows;
+    for (const CertificateExceptions::Exception& one : services_.certificates->list()) {
+        const std::string host = withoutUnsafe(one.host);
+        rows.push_back({host + " (SHA-256 " + one.fingerprint.substr(0, shownDigits) + "…)",
+                        "Remove the certificate of " + host, [this, kept = one.host] {
+                            showProblem(services_.certificates->remove(kept)
+                                            ? ""
+                                            : "The certificates can’t be written.");
+                            listCertificates();
+                        }});
+    }
+    fillList(certificates_, rows, "No certificate was accepted.");
+}
+
+void SettingsPanel::update() {
+    isUpdating_ = true;
+    const SiteSettings& now = services_.settings->settings();
+    gtk_spin_button_set_value(GTK_SPIN_BUTTON(zoom_), services_.zoom());
+    gtk_drop_down_set_selected(GTK_DROP_DOWN(colors_), static_cast<guint>(now.colors));
+    gtk_switch_set_active(GTK_SWITCH(spelling_), now.checksSpelling ? TRUE : FALSE);
+    std::string languages;
+    for (const std::string& language : now.spellingLanguages) {
+        languages += (languages.empty() ? "" : ", ") + language;
+    }
+    setText(languages_, languages);
+    setText(userAgent_, now.userAgent);
+    gtk_drop_down_set_selected(GTK_DROP_DOWN(proxy_), static_cast<guint>(now.proxy));
+    setText(proxyAddress_, now.proxyAddress);
+    isUpdating_ = false;
+    listLinks();
+    listPermissions();
+    listCertificates();
+    std::string problem;
+    for (const std::string& one : {services_.settings->problem(), services_.permissions->problem(),
+                                   services_.certificates->problem()}) {
+        if (!one.empty()) {
+            problem = "A file of these settings can’t be used, and is kept under another name "
+                      "as soon as you change something: " +
+                      one;
+        }
+    }
+    showProblem(problem);
+}
+
+void SettingsPanel::show() {
+    update();
+    gtk_window_present(window_);
+}
+
+} // namespace quorvel

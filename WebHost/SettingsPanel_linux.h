@@ -1,0 +1,71 @@
+#pragma once
+
+#include "WebHost/CertificateExceptions.h"
+#include "WebHost/GtkTypes_linux.h"
+#include "WebHost/PermissionStore.h"
+#include "WebHost/SiteSettings.h"
+
+#include <gtk/gtk.h>
+
+#include <functional>
+#include <string>
+
+namespace quorvel {
+
+/// The window with a clone's Site Settings. Whatever is chosen there holds at once.
+class SettingsPanel {
+public:
+    struct Services {
+        std::string name{}; ///< the clone's
+        SiteSettingsStore* settings = nullptr;
+        PermissionStore* permissions = nullptr;
+        CertificateExceptions* certificates = nullptr;
+        std::function<void()> settingsChanged{};
+        std::function<void()> permissionsChanged{};
+        std::function<int()> zoom{}; ///< in percent
+        std::function<void(int)> zoomTo{};
+    };
+
+    /// `data` is shown as the last section, and is this window's from now on.
+    SettingsPanel(GtkWindow* parent, Services services, GtkWidget* data);
+    SettingsPanel(const SettingsPanel&) = delete;
+    SettingsPanel& operator=(const SettingsPanel&) = delete;
+    ~SettingsPanel();
+
+    /// Shows the window with what holds now.
+    void show();
+
+private:
+    void addPages(GtkWidget* page);
+    void addConnection(GtkWidget* page);
+    void addLinks(GtkWidget* page);
+    void addLists(GtkWidget* page);
+    void update();
+    void listLinks();
+    void listPermissions();
+    void listCertificates();
+    void addRule();
+    void setText(GtkWidget* field, const std::string& text);
+    /// Changes the settings, unless this is only about showing them.
+    void change(const std::function<void(SiteSettings&)>& edit);
+    void showProblem(const std::string& problem);
+
+    GtkWindow* window_;
+    Services services_;
+    bool isUpdating_ = false;
+    GtkWidget* problem_ = nullptr;
+    GtkWidget* zoom_ = nullptr;
+    GtkWidget* colors_ = nullptr;
+    GtkWidget* spelling_ = nullptr;
+    GtkWidget* languages_ = nullptr;
+    GtkWidget* userAgent_ = nullptr;
+    GtkWidget* proxy_ = nullptr;
+    GtkWidget* proxyAddress_ = nullptr;
+    GtkWidget* ruleHost_ = nullptr;
+    GtkWidget* rulePlace_ = nullptr;
+    GtkWidget* links_ = nullptr;
+    GtkWidget* permissions_ = nullptr;
+    GtkWidget* certificates_ = nullptr;
+};
+
+} // namespace quorvel
