@@ -1,0 +1,21 @@
+#pragma once
+
+#include <filesystem>
+
+/// Moving a data folder while a configuration changes from its old path to its new one, so that the
+/// configuration's path leads to the data at every moment.
+namespace quorvel {
+
+/// Makes `newHome` a link to the folder `home`. Throws `PlatformError`, also if anything is at
+/// `newHome`, or if `home` is not a folder that can be moved there by renaming.
+void prepareHomeMove(const std::filesystem::path& home, const std::filesystem::path& newHome);
+
+/// Puts the folder in the place of the link, however far an interrupted call came. Does nothing if
+/// `newHome` is a folder already. Throws `PlatformError`.
+void completeHomeMove(const std::filesystem::path& home, const std::filesystem::path& newHome);
+
+/// Removes the link that `prepareHomeMove` made, if it is there.
+void cancelHomeMove(const std::filesystem::path& home,
+                    const std::filesystem::path& newHome) noexcept;
+
+} // namespace quorvel
