@@ -57,7 +57,7 @@ protected:
         bool wasAway = false;
         for (int step = 0;; ++step) {
             makeOld();
-            const Kill kill = killedBefore(step, [&] { publish(exchange); });
+            const Kill kill = withFault(step, {}, [&] { publish(exchange); }).kill;
             if (kill == Kill::notPermitted) {
                 GTEST_SKIP() << "the kernel forbids tracing";
             }
@@ -84,6 +84,29 @@ TEST_F(StagedChangeTest, AReplacementIsTheOldItemOrTheNewOneWhereverItIsCutOff) 
 
 TEST_F(StagedChangeTest, WithoutAnExchangeTheNextCleanupPutsTheOldItemBack) {
     interruptEverywhere(withoutExchange, true);
+}
+
+TEST_F(StagedChangeTest, ACallThatFailsLeavesTheOldItemAndAnErrorOrTheNewOne) {
+    const Tree oldTree{{"inside", "<folder>"}, {"inside/a", "old"}, {"b", "old"}};
+    for (const auto& exchange :
+         {StagedChange::Exchange(exchangeItems), StagedChange::Exchange(withoutExchange)}) {
+        bool failed = false;
+        for (int step = 0;; ++step) {
+            makeOld();
+            const FaultOutcome outcome = withFault(step, {EIO}, [&] { publish(exchange); });
+            if (outcome.kill == Kill::notPermitted) {
+                GTEST_SKIP() << "the kernel forbids tracing";
+            }
+            failed = failed || outcome.status != 0;
+            EXPECT_EQ(treeOf(at("item")) == oldTree, outcome.status != 0) << step;
+            (void)StagedChange::interruptedIn(folder_.path());
+            EXPECT_THAT(names(), ElementsAre("item")) << step;
+            if (outcome.kill == Kill::ended) {
+                break;
+            }
+        }
+        EXPECT_TRUE(failed);
+    }
 }
 
 TEST_F(StagedChangeTest, AnItemIsMadeWhereNothingIs) {
