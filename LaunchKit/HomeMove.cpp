@@ -25,11 +25,9 @@ bool isRealFolder(const fs::path& path) {
     return fs::symlink_status(path, code).type() == fs::file_type::directory;
 }
 
-void flushFolderOf(const fs::path& item) {
+bool flushFolderOf(const fs::path& item) {
     const FileHandle folder(openFolderForNames(item.parent_path()));
-    if (folder.descriptor() < 0 || !flushFolder(folder.descriptor())) {
-        throw PlatformError::fromErrno(item, "moved");
-    }
+    return folder.descriptor() >= 0 && flushFolder(folder.descriptor());
 }
 
 void requireMovable(const fs::path& home, const fs::path& newHome) {
@@ -62,11 +60,10 @@ void prepareHomeMove(const fs::path& home, const fs::path& newHome) {
     if (::symlink(home.c_str(), newHome.c_str()) != 0) {
         throw PlatformError::fromErrno(newHome, "created");
     }
-    try {
-        flushFolderOf(newHome);
-    } catch (const PlatformError&) {
+    if (!flushFolderOf(newHome)) {
+        const PlatformError error = PlatformError::fromErrno(newHome, "created");
         cancelHomeMove(home, newHome);
-        throw;
+        throw PlatformError(error);
     }
 }
 
@@ -78,12 +75,13 @@ void completeHomeMove(const fs::path& home, const fs::path& newHome) {
             throw PlatformError::fromErrno(home, "moved");
         }
     }
-    // The link that has taken the folder's place leads to itself.
-    if (isLinkTo(home, home) && ::unlink(home.c_str()) != 0) {
-        throw PlatformError::fromErrno(home, "moved");
+    // The link that has taken the folder's place leads to itself. Whatever of the rest is lost in a
+    // power failure, the new path leads to the data.
+    if (isLinkTo(home, home)) {
+        (void)::unlink(home.c_str());
     }
-    flushFolderOf(newHome);
-    flushFolderOf(home);
+    (void)flushFolderOf(newHome);
+    (void)flushFolderOf(home);
 }
 
 void cancelHomeMove(const fs::path& home, const fs::path& newHome) noexcept {

@@ -10,8 +10,9 @@ namespace quorvel {
 /// `newHome`, or if `home` is not a folder that can be moved there by renaming.
 void prepareHomeMove(const std::filesystem::path& home, const std::filesystem::path& newHome);
 
-/// Puts the folder in the place of the link, however far an interrupted call came. Does nothing if
-/// `newHome` is a folder already. Throws `PlatformError`.
+/// Puts the folder in the place of the link, however far an interrupted call came. Throws
+/// `PlatformError`; the link still leads to the folder then. A link that remains at `home`, since
+/// it couldn't be removed, is removed by the next call.
 void completeHomeMove(const std::filesystem::path& home, const std::filesystem::path& newHome);
 
 /// Removes the link that `prepareHomeMove` made, if it is there.

@@ -51,7 +51,7 @@ void writeNotes(const WrapperContents& contents, const fs::path& wrapper) {
         return;
     }
     WrapperNotes notes = *contents.notes;
-    notes.writtenList = stableHash(contents.list);
+    notes.writtenList = contents.hasUsersEntries ? "" : stableHash(contents.list);
     if (!contents.keepsIcon) {
         notes.writtenIcon = fileHash(iconOf(wrapper));
     }

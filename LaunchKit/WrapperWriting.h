@@ -18,6 +18,7 @@ struct WrapperContents {
     bool keepsIcon = false;                        ///< the old one stays
     std::optional<WrapperIcon> icon{};
     std::optional<IconLabel> label{};
+    bool hasUsersEntries = false; ///< some of the property list are the user's
     /// Absent: none are written. `writtenIcon` and `writtenList` are filled in.
     std::optional<WrapperNotes> notes{};
 };
