@@ -1,3 +1,5 @@
+#include "LaunchKit/ChangeRecovery.h"
+#include "LaunchKit/InstanceRegistry.h"
 #include "QuorvelApp/QuorvelApp.h"
 #include "QuorvelApp/model/SystemTranslator.h"
 #include "QuorvelApp/theme/Appearance.h"
@@ -31,6 +33,7 @@ int main(int argc, char** argv) {
     quorvel::SystemTranslator words;
     QApplication::installTranslator(&words);
     const quorvel::Appearance appearance;
+    quorvel::finishInterruptedChanges(quorvel::InstanceRegistry::defaultSearchDirs());
     quorvel::QuorvelApp quorvel(quorvel::AppServices::system(), quorvel::makeSystemUpdateService());
     quorvel.start();
     return QApplication::exec();
