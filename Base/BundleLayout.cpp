@@ -24,6 +24,18 @@ std::string joined(std::string_view base, std::initializer_list<std::string_view
     return path;
 }
 
+// "/A/B.app" for "/A/.quorvel-change-ID/B.app".
+std::string withoutChangeFolder(std::string bundle) {
+    const std::size_t name = bundle.rfind('/');
+    const std::size_t folder =
+        name == 0 || name == std::string::npos ? std::string::npos : bundle.rfind('/', name - 1);
+    if (folder != std::string::npos &&
+        std::string_view(bundle).substr(folder + 1).starts_with(changeFolderPrefix)) {
+        bundle.erase(folder, name - folder);
+    }
+    return bundle;
+}
+
 } // namespace
 
 std::string contentsOf(const std::string& bundle) {
@@ -62,7 +74,7 @@ std::string bundleOfExecutable(std::string_view executable) {
         executable.find('/', name) != std::string_view::npos) {
         return {};
     }
-    return std::string(executable.substr(0, executable.find('/', at)));
+    return withoutChangeFolder(std::string(executable.substr(0, executable.find('/', at))));
 }
 
 } // namespace quorvel

@@ -40,8 +40,13 @@ inline constexpr std::string_view pkgInfo = "PkgInfo";
 /// Returns `bundle`/Contents/Frameworks.
 [[nodiscard]] std::string frameworksOf(const std::string& bundle);
 
+/// How the names of the hidden folders begin in which bundles are while they are replaced. An
+/// identifier follows.
+inline constexpr std::string_view changeFolderPrefix = ".quorvel-change-";
+
 /// Returns the application bundle in whose Contents/MacOS the executable is, "/A/B.app" for
-/// "/A/B.app/Contents/MacOS/x"; empty for any other path.
+/// "/A/B.app/Contents/MacOS/x"; empty for any other path. An executable that was replaced while it
+/// ran is in such a hidden folder, and belongs to the bundle that took its place beside it.
 [[nodiscard]] std::string bundleOfExecutable(std::string_view executable);
 
 } // namespace quorvel

@@ -3,6 +3,7 @@
 #include "Base/PathText.h"
 #include "Base/TerminalText.h"
 #include "CommandLine/AppLookup.h"
+#include "CommandLine/ChangeCommands.h"
 #include "CommandLine/CloneLookup.h"
 #include "CommandLine/CloneTexts.h"
 #include "CommandLine/Confirmation.h"
@@ -26,11 +27,6 @@
 namespace quorvel {
 namespace fs = std::filesystem;
 namespace {
-
-// Scripts get the path unchanged; on a terminal, its control characters must be escaped.
-std::string shownPath(const CommandContext& context, const fs::path& path) {
-    return context.outputIsTerminal ? terminalText(path.string()) : path.string();
-}
 
 void openWrapper(const CommandContext& context, const InstanceRecord& record) {
     InstanceLauncher::prepareHome(record.config);
@@ -111,23 +107,6 @@ MadeClone madeCloneAfterQuestion(const CommandContext& context, const WrapperFac
     return madeClone(context, factory, request, permissions);
 }
 
-// Another clone is kept by its path: its name may be taken by a second one later.
-std::optional<std::string> linksChoice(const CommandContext& context,
-                                       const std::optional<std::string>& words) {
-    if (!words || *words == linksDefault) {
-        return std::nullopt;
-    }
-    if (*words == linksInside) {
-        return words;
-    }
-    for (const InstanceRecord& record : context.registry.list()) {
-        if (record.config.bundleId == *words) {
-            return record.bundleURL.string();
-        }
-    }
-    return findClone(context.registry, *words).bundleURL.string();
-}
-
 } // namespace
 
 void inspectCommand(const CommandContext& context, const std::string& app, bool json) {
@@ -139,12 +118,17 @@ void inspectCommand(const CommandContext& context, const std::string& app, bool 
     context.output << (json ? document(jsonForm(*bundle)) : description(*bundle));
 }
 
-void listCommand(const CommandContext& context, const std::vector<std::string>& searchDirs,
-                 bool json) {
+void listCommand(const CommandContext& context, const ListOptions& options, bool json) {
     std::vector<fs::path> folders;
-    std::transform(searchDirs.begin(), searchDirs.end(), std::back_inserter(folders), absoluteFile);
-    const std::vector<InstanceRecord> records =
-        (folders.empty() ? context.registry : InstanceRegistry(std::move(folders))).list();
+    std::transform(options.searchDirs.begin(), options.searchDirs.end(),
+                   std::back_inserter(folders), absoluteFile);
+    const InstanceRegistry registry =
+        folders.empty() ? context.registry : InstanceRegistry(std::move(folders));
+    if (options.stale) {
+        listStaleCommand(context, registry, json);
+        return;
+    }
+    const std::vector<InstanceRecord> records = registry.list();
     const RunningApplications running = context.workspace.runningApplications();
     if (!json) {
         context.output << listing(records, running);
@@ -176,7 +160,7 @@ void showCommand(const CommandContext& context, const std::string& clone, bool j
 
 void createCommand(const CommandContext& context, const CreateOptions& options, bool json) {
     WrapperFactory::Request request = requestFrom(options);
-    request.links = linksChoice(context, request.links);
+    request.links = linksChoice(context.registry, request.links);
     if (options.target) {
         request.targetApp = findApp(*options.target);
     }

@@ -12,9 +12,15 @@ namespace quorvel {
 
 /// Prints the facts about an application bundle.
 void inspectCommand(const CommandContext& context, const std::string& app, bool json);
-/// Prints the clones in the folders; without any, those in ~/Applications.
-void listCommand(const CommandContext& context, const std::vector<std::string>& searchDirs,
-                 bool json);
+
+/// The options of `quorvelctl list`.
+struct ListOptions {
+    std::vector<std::string> searchDirs{}; ///< empty: ~/Applications
+    bool stale = false;                    ///< only those that `refresh` would change
+};
+
+/// Prints the clones in the folders.
+void listCommand(const CommandContext& context, const ListOptions& options, bool json);
 /// Prints one clone's facts.
 void showCommand(const CommandContext& context, const std::string& clone, bool json);
 /// Makes a clone, prints its path and opens it if the options say so.

@@ -92,4 +92,20 @@ InstanceRecord findClone(const InstanceRegistry& registry, const std::string& wo
     throw CommandError("There is no clone named “" + words + "”.");
 }
 
+std::optional<std::string> linksChoice(const InstanceRegistry& registry,
+                                       const std::optional<std::string>& words) {
+    if (!words || *words == linksDefault) {
+        return std::nullopt;
+    }
+    if (*words == linksInside) {
+        return words;
+    }
+    for (const InstanceRecord& record : registry.list()) {
+        if (record.config.bundleId == *words) {
+            return record.bundleURL.string();
+        }
+    }
+    return findClone(registry, *words).bundleURL.string();
+}
+
 } // namespace quorvel

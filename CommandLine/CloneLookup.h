@@ -12,6 +12,12 @@ namespace quorvel {
 /// `CommandError` if there is none, or if several have the name; its text then lists their paths.
 [[nodiscard]] InstanceRecord findClone(const InstanceRegistry& registry, const std::string& words);
 
+/// Returns the value of `CloneOptions::links` for the words of `--links`; std::nullopt for the
+/// default browser. Another clone is kept by its path: its name may be taken by a second one later.
+/// Throws as `findClone` does.
+[[nodiscard]] std::optional<std::string> linksChoice(const InstanceRegistry& registry,
+                                                     const std::optional<std::string>& words);
+
 /// Returns whether the words are a path, existing or not: they begin with "/", "~", "./" or "../".
 [[nodiscard]] bool isPath(const std::string& words);
 

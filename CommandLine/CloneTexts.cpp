@@ -99,6 +99,10 @@ std::string document(const nlohmann::json& value) {
            "\n";
 }
 
+std::string shownPath(const CommandContext& context, const std::filesystem::path& path) {
+    return context.outputIsTerminal ? terminalText(path.string()) : path.string();
+}
+
 std::string listing(const std::vector<InstanceRecord>& records,
                     const RunningApplications& running) {
     std::size_t width = 0;

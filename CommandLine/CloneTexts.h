@@ -1,5 +1,6 @@
 #pragma once
 
+#include "CommandLine/CommandContext.h"
 #include "LaunchKit/AppBundle.h"
 #include "LaunchKit/InstanceRegistry.h"
 #include "Platform/desktop/Workspace.h"
@@ -7,6 +8,7 @@
 
 #include <nlohmann/json_fwd.hpp>
 
+#include <filesystem>
 #include <string>
 #include <vector>
 
@@ -22,6 +24,10 @@ namespace quorvel {
 /// Returns the document as printed on standard output, safe for a terminal, with a line break at
 /// its end. Bytes that are not UTF-8 become U+FFFD, since JSON has no other way to show them.
 [[nodiscard]] std::string document(const nlohmann::json& value);
+
+/// Returns a path as printed: unchanged for scripts, with control characters escaped on a terminal.
+[[nodiscard]] std::string shownPath(const CommandContext& context,
+                                    const std::filesystem::path& path);
 
 /// Returns a table with one line per clone, safe for a terminal.
 [[nodiscard]] std::string listing(const std::vector<InstanceRecord>& records,

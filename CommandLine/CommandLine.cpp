@@ -1,12 +1,15 @@
 #include "CommandLine/CommandLine.h"
 
 #include "Base/TerminalText.h"
+#include "CommandLine/ChangeCommands.h"
 #include "CommandLine/CloneCommands.h"
+#include "CommandLine/CloneLookup.h"
 #include "CommandLine/DeleteCommand.h"
 #include "CommandLine/IconCommand.h"
 #include "CommandLine/MigrateCommand.h"
 #include "CommandLine/OptionBinding.h"
 #include "CommandLine/ProbeCommands.h"
+#include "LaunchKit/ChangeRecovery.h"
 
 #include <CLI/CLI.hpp>
 
@@ -23,7 +26,11 @@ namespace {
 struct Words {
     std::string operand{};
     std::vector<std::string> searchDirs{};
+    ListOptions list{};
     CreateOptions create{};
+    EditOptions edit{};
+    RenameOptions rename{};
+    RefreshOptions refresh{};
     DeleteOptions remove{};
     IconOptions icon{};
     ProbeOptions probe{};
@@ -97,12 +104,48 @@ void addAppCommands(CLI::App& program, Words& words, Command& chosen,
         ->type_name("");
 }
 
+void addRefreshOptions(CLI::App& refresh, RefreshOptions& options) {
+    refresh.add_option("CLONE", options.clones, "Paths to wrappers, or names of listed clones")
+        ->type_name("");
+    refresh.add_flag("--all", options.all, "Every listed clone");
+    refresh
+        .add_option_function<std::string>(
+            "--runner",
+            [&options](const std::string& value) { options.runner = absoluteFile(value); },
+            "The runner to put into the clones")
+        ->type_name("FILE");
+}
+
+// The commands that change clones that exist.
+void addChangeCommands(CLI::App& program, Words& words, Command& chosen,
+                       const CommandContext& context) {
+    CLI::App& edit =
+        addCommand(program, "edit", "Change a clone; what is not given stays", words, chosen,
+                   [&] { editCommand(context, words.operand, words.edit, words.json); });
+    addCloneOperand(edit, words);
+    addEditOptions(edit, words.edit);
+    CLI::App& rename =
+        addCommand(program, "rename", "Give a clone another name", words, chosen,
+                   [&] { renameCommand(context, words.operand, words.rename, words.json); });
+    addCloneOperand(rename, words);
+    rename.add_option("NAME", words.rename.name, "Its new name")->required()->type_name("");
+    rename.add_flag("--move-data", words.rename.moveData,
+                    "Give its data folder that name, too; the clone must not run");
+    addRefreshOptions(
+        addCommand(program, "refresh", "Bring clones up to date with Quorvel and their targets",
+                   words, chosen, [&] { refreshCommand(context, words.refresh, words.json); }),
+        words.refresh);
+}
+
 void addCloneCommands(CLI::App& program, Words& words, Command& chosen,
                       const CommandContext& context) {
-    addRepeatable(addCommand(program, "list", "List the clones", words, chosen,
-                             [&] { listCommand(context, words.searchDirs, words.json); }),
-                  "--search-dir", "A folder to look in instead of ~/Applications (repeatable)",
-                  "DIR", words.searchDirs);
+    CLI::App& list = addCommand(program, "list", "List the clones", words, chosen,
+                                [&] { listCommand(context, words.list, words.json); });
+    addRepeatable(list, "--search-dir",
+                  "A folder to look in instead of ~/Applications (repeatable)", "DIR",
+                  words.list.searchDirs);
+    list.add_flag("--stale", words.list.stale,
+                  "Only those that refresh would change, and what of them");
     addCloneOperand(addCommand(program, "show", "Show one clone", words, chosen,
                                [&] { showCommand(context, words.operand, words.json); }),
                     words);
@@ -118,6 +161,7 @@ void addCloneCommands(CLI::App& program, Words& words, Command& chosen,
     addCloneOperand(remove, words);
     remove.add_flag("--including-data", words.remove.includingData, "Delete its data folder too");
     remove.add_flag("--yes", words.remove.yes, "Don't ask");
+    addChangeCommands(program, words, chosen, context);
     addCloneOperand(addCommand(program, "migrate",
                                "Move a clone's own Downloads, Documents and Desktop files into "
                                "the user's folders, and share these from now on",
@@ -133,6 +177,14 @@ void addCloneCommands(CLI::App& program, Words& words, Command& chosen,
 std::string usage(const CLI::App& program) {
     const auto chosen = program.get_subcommands();
     return chosen.empty() ? program.help() : chosen.front()->help(program.get_name());
+}
+
+// These begin with putting right what an interrupted one left.
+bool changesClones(const CLI::App& program) {
+    const std::set<std::string> commands{"create", "edit",    "rename",
+                                         "delete", "migrate", "refresh"};
+    const auto given = program.get_subcommands();
+    return !given.empty() && commands.contains(given.front()->get_name());
 }
 
 int showUsage(const CLI::App& program, const CommandContext& context, const std::string& message) {
@@ -191,6 +243,9 @@ int runCommandLine(const std::vector<std::string>& arguments, const CommandConte
         std::vector<std::string> reversed = withEmptyValues(program, arguments);
         std::reverse(reversed.begin(), reversed.end());
         program.parse(std::move(reversed));
+        if (changesClones(program)) {
+            finishInterruptedChanges(context.registry.searchDirs());
+        }
         chosen();
         return 0;
     } catch (const CLI::CallForHelp&) {

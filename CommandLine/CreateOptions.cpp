@@ -60,12 +60,7 @@ private:
 void addPairs(std::map<std::string, std::string>& to, const std::vector<std::string>& entries,
               const std::string& option) {
     for (const std::string& text : entries) {
-        const std::size_t equals = text.find('=');
-        if (equals == std::string::npos || equals == 0) {
-            std::string message = option;
-            throw UsageError(message.append(" takes KEY=VALUE, not ").append(text));
-        }
-        to.insert_or_assign(text.substr(0, equals), text.substr(equals + 1));
+        setPair(to, text, option);
     }
 }
 

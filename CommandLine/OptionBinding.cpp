@@ -1,5 +1,7 @@
 #include "CommandLine/OptionBinding.h"
 
+#include "CommandLine/CommandContext.h"
+
 #include <CLI/CLI.hpp>
 
 namespace quorvel {
@@ -25,6 +27,16 @@ void addRepeatable(CLI::App& command, const std::string& name, const std::string
         ->trigger_on_parse()
         ->multi_option_policy(CLI::MultiOptionPolicy::TakeLast)
         ->type_name(placeholder);
+}
+
+void setPair(std::map<std::string, std::string>& pairs, const std::string& text,
+             const std::string& option) {
+    const std::size_t equals = text.find('=');
+    if (equals == std::string::npos || equals == 0) {
+        std::string message = option;
+        throw UsageError(message.append(" takes KEY=VALUE, not ").append(text));
+    }
+    pairs.insert_or_assign(text.substr(0, equals), text.substr(equals + 1));
 }
 
 void addChoice(CLI::App& command, const std::string& name, const std::string& help,

@@ -3,6 +3,7 @@
 #include "LaunchKit/Records/EnumNames.h"
 
 #include <functional>
+#include <map>
 #include <string>
 #include <vector>
 
@@ -17,6 +18,11 @@ namespace quorvel {
 /// like an option. The values are appended to `values`.
 void addRepeatable(CLI::App& command, const std::string& name, const std::string& help,
                    const std::string& placeholder, std::vector<std::string>& values);
+
+/// Sets an entry from the text "KEY=VALUE" that was given to `option`, in place of one of the same
+/// key. Throws `UsageError` for a text without a key.
+void setPair(std::map<std::string, std::string>& pairs, const std::string& text,
+             const std::string& option);
 
 /// Adds an option that takes one of `names`; `help` is followed by them: "HELP: a, b or c".
 void addChoice(CLI::App& command, const std::string& name, const std::string& help,

@@ -1,11 +1,10 @@
 #include "LaunchKit/CloneCreation.h"
 
+#include "LaunchKit/ClonesLock.h"
 #include "LaunchKit/InstanceRegistry.h"
 #include "Platform/files/FileLock.h"
 #include "Platform/files/FileSystem.h"
-#include "Platform/files/PlatformError.h"
 
-#include <chrono>
 #include <functional>
 #include <optional>
 
@@ -13,26 +12,11 @@ namespace quorvel {
 namespace fs = std::filesystem;
 namespace {
 
-// Returns std::nullopt if the folder is missing or can't be locked: not every file system has
-// locks.
-std::optional<FileLock> lockForCreation(const fs::path& folder) {
-    constexpr std::chrono::seconds patience{30};
-    try {
-        if (std::optional<FileLock> lock = FileLock::takeFolder(folder, patience)) {
-            return lock;
-        }
-    } catch (const PlatformError&) {
-        return std::nullopt;
-    }
-    throw InvalidRequest("Another clone is being made in " + folder.string() +
-                         "; try again once that is done.");
-}
-
 // Locked before anything is looked at: a wrapper that is still being written does not look like a
 // clone.
 std::optional<FileLock> lockAndValidate(const fs::path& folder,
                                         const std::function<void()>& validate) {
-    std::optional<FileLock> lock = lockForCreation(folder);
+    std::optional<FileLock> lock = lockClones(folder);
     try {
         validate();
         return lock;
@@ -42,7 +26,7 @@ std::optional<FileLock> lockAndValidate(const fs::path& folder,
         }
     }
     // Another creation may have made the folder just then.
-    lock = lockForCreation(folder);
+    lock = lockClones(folder);
     validate();
     return lock;
 }
@@ -58,7 +42,7 @@ MadeClone createClone(const WrapperFactory& factory, const WrapperFactory::Reque
         if (!lock) {
             std::error_code ignored; // writing the wrapper reports it
             fs::create_directories(folder, ignored);
-            lock = lockForCreation(folder);
+            lock = lockClones(folder);
             // Another creation may have made the folder, and this clone in it.
             requireReplaceable(wrapper, permissions);
         }

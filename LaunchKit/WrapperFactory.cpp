@@ -66,6 +66,11 @@ void publish(const WrapperFactory::Request& request, const InstanceRecord& recor
     }
 }
 
+ArgumentSource sourceOfArguments(const WrapperFactory::Request& request) {
+    return request.extraArgs || request.kind != ShortcutKind::app ? ArgumentSource::typed
+                                                                  : ArgumentSource::engine;
+}
+
 std::string nameOf(const WrapperFactory::Request& request) {
     return Text::trimmingWhitespaceAndNewlines(request.displayName);
 }
@@ -112,8 +117,8 @@ fs::path WrapperFactory::create(const Request& request, const BeforeWriting& bef
         throw FactoryError::runnerNotFound();
     }
     const WrapperGenerator::Options options{configuration(request, name), *runner,
-                                            request.customIcon, request.hideWrapperIcon,
-                                            beforeWriting};
+                                            request.customIcon,           request.hideWrapperIcon,
+                                            sourceOfArguments(request),   beforeWriting};
     fs::path wrapper = WrapperGenerator().generate(folderOf(request), options);
     publish(request, {wrapper, options.config}, warn);
     return wrapper;

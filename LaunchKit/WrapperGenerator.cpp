@@ -1,79 +1,68 @@
 #include "LaunchKit/WrapperGenerator.h"
 
-#include "Base/BundleLayout.h"
 #include "Base/PathText.h"
-#include "Base/Text.h"
-#include "LaunchKit/AppIcon.h"
-#include "LaunchKit/CloneDeletion.h"
-#include "LaunchKit/IconComposer.h"
 #include "LaunchKit/WrapperLayout.h"
 #include "LaunchKit/WrapperPropertyList.h"
-#include "Platform/files/FileCopy.h"
+#include "LaunchKit/WrapperWriting.h"
 #include "Platform/files/FileSystem.h"
-#include "Platform/files/FileWriting.h"
+#include "Platform/files/ItemIdentity.h"
+#include "Platform/files/ItemRemoval.h"
 #include "Platform/files/PlatformError.h"
+#include "Platform/files/StagedChange.h"
 
 namespace quorvel {
 namespace fs = std::filesystem;
 namespace {
 
-struct WrapperIcon {
-    fs::path source{};
-    std::string converted{}; ///< of a source that is not an icon container, with its label
-};
+// An icon inside the older wrapper is gone with it.
+std::optional<fs::path> chosenIcon(const WrapperGenerator::Options& options,
+                                   const fs::path& wrapper) {
+    const bool isLost =
+        options.customIcon && Place(wrapper).relationTo(*options.customIcon) != Relation::unrelated;
+    return isLost ? std::nullopt : options.customIcon;
+}
 
-std::optional<WrapperIcon> iconOfEntry(const AppBundle& target,
-                                       const std::optional<IconLabel>& label) {
-    const auto file = appIconFile(target);
+std::optional<WrapperNotes> notesFor(const WrapperGenerator::Options& options,
+                                     const std::optional<WrapperIcon>& icon) {
+    if (!options.arguments) {
+        return std::nullopt;
+    }
+    WrapperNotes notes;
+    notes.version = QUORVEL_VERSION;
+    notes.arguments = *options.arguments;
+    notes.hidesIcon = options.hideWrapperIcon;
+    notes.icon = icon ? icon->source : IconSource::target;
+    notes.targetIcon = icon && icon->source == IconSource::target ? fileState(icon->file) : "";
+    return notes;
+}
+
+WrapperContents contentsFor(const WrapperGenerator::Options& options,
+                            const std::optional<AppBundle>& target, const fs::path& wrapper) {
+    WrapperContents contents;
+    contents.runner = options.runnerBinary;
+    contents.config = options.config.json();
+    contents.label = options.config.iconLabel;
+    contents.icon = wrapperIcon(chosenIcon(options, wrapper), target, contents.label);
+    contents.list = PropertyList::xml(WrapperPropertyList::infoPlist(
+        options, contents.icon ? std::optional<std::string>(wrapperIconName) : std::nullopt));
+    contents.notes = notesFor(options, contents.icon);
+    return contents;
+}
+
+// What is replaced is removed afterwards, so that must be possible.
+void requireRemovable(const fs::path& wrapper) {
+    if (const auto old = ItemRemoval::of(wrapper)) {
+        old->refuseMounts();
+        old->refuseUnchangeable(configOf("").substr(1));
+    }
+}
+
+// Creates the folder of wrappers if it is missing.
+void createFolderFor(const fs::path& wrapper) {
     try {
-        return file ? std::optional(WrapperIcon{*file, IconComposer::converted(*file, label)})
-                    : std::nullopt;
-    } catch (const IconComposer::ComposeError&) {
-        return std::nullopt; // a clone without an icon is better than none
-    }
-}
-
-std::optional<WrapperIcon> wrapperIcon(const WrapperGenerator::Options& options,
-                                       const std::optional<AppBundle>& target) {
-    if (options.customIcon && itemExists(*options.customIcon)) {
-        return WrapperIcon{*options.customIcon};
-    }
-    if (target && target->desktop) {
-        return iconOfEntry(*target, options.config.iconLabel);
-    }
-    const auto file = target ? appIconFile(*target) : std::nullopt;
-    return file ? std::optional(WrapperIcon{*file}) : std::nullopt;
-}
-
-// Returns false if there is nothing to draw, or if drawing fails.
-bool installBadgedIcon(const fs::path& source, const std::optional<IconLabel>& label,
-                       const fs::path& destination) {
-    if (!label || Text::trimmingWhitespace(label->text).empty()) {
-        return false;
-    }
-    try {
-        IconComposer::compose(source, *label, destination);
-        return true;
-    } catch (const IconComposer::ComposeError&) {
-        return false;
-    }
-}
-
-void installIcon(const WrapperIcon& icon, const std::optional<IconLabel>& label,
-                 const fs::path& destination) {
-    if (!icon.converted.empty()) {
-        writeFile(destination, icon.converted);
-    } else if (!installBadgedIcon(icon.source, label, destination)) {
-        copyFile(icon.source, destination);
-    }
-}
-
-void installRunner(const fs::path& runner, const fs::path& destination) {
-    copyFile(runner, destination);
-    std::error_code code;
-    fs::permissions(destination, fs::perms{0755}, code);
-    if (code) {
-        throw PlatformError(code, destination, "made executable");
+        createDirectories(wrapper.parent_path());
+    } catch (const PlatformError& error) {
+        throw PlatformError(error.code(), wrapper, "created");
     }
 }
 
@@ -101,29 +90,18 @@ fs::path WrapperGenerator::generate(const fs::path& directory, const Options& op
         }
     }
     // Unwritable texts are found before an older wrapper is touched.
-    const std::string json = options.config.json();
+    (void)options.config.json();
     WrapperPropertyList::requireWritableTexts(options.config);
     fs::path wrapper = wrapperPath(directory, options.config.displayName);
     if (options.beforeWriting) {
         options.beforeWriting(wrapper);
     }
-    if (itemOrLinkExists(wrapper)) {
-        removeWrapper(wrapper);
-    }
-    // Only now: an icon inside the older wrapper has been removed with it.
-    const std::optional<WrapperIcon> icon = wrapperIcon(options, target);
-    const std::string info = PropertyList::xml(WrapperPropertyList::infoPlist(
-        options, icon ? std::optional<std::string>(wrapperIconName) : std::nullopt));
-    createDirectories(wrapper); // separately, so that an error names it
-    createDirectories(executablesOf(wrapper));
-    createDirectories(resourcesOf(wrapper));
-    installRunner(options.runnerBinary, runnerOf(wrapper));
-    writeFile(configOf(wrapper), json);
-    if (icon) {
-        installIcon(*icon, options.config.iconLabel, iconOf(wrapper));
-    }
-    writeFile(infoPlistOf(wrapper), info);
-    writeFile(joinAsText(contentsOf(wrapper), BundleItem::pkgInfo), "APPL????");
+    requireRemovable(wrapper);
+    createFolderFor(wrapper);
+    StagedChange change(wrapper.parent_path());
+    const std::string name = wrapper.filename();
+    writeWrapper(joinAsText(change.path(), name), contentsFor(options, target, wrapper));
+    change.publish(name, name);
     return wrapper;
 }
 

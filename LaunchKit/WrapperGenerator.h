@@ -3,6 +3,7 @@
 #include "Base/Error.h"
 #include "LaunchKit/AppBundle.h"
 #include "LaunchKit/InstanceConfig.h"
+#include "LaunchKit/WrapperNotes.h"
 
 #include <filesystem>
 #include <functional>
@@ -19,6 +20,9 @@ public:
         std::filesystem::path runnerBinary{};
         std::optional<std::filesystem::path> customIcon{}; ///< replaces the target's own icon
         bool hideWrapperIcon = false;                      ///< no Dock icon
+        /// Where the arguments for the target come from. If set, the wrapper gets notes of what its
+        /// configuration can't hold.
+        std::optional<ArgumentSource> arguments{};
         /// If set, called with the wrapper's path before anything is changed. What it throws is
         /// passed on.
         std::function<void(const std::filesystem::path& wrapper)> beforeWriting{};
@@ -46,10 +50,10 @@ public:
         std::filesystem::path url_;
     };
 
-    /// Writes `directory`/NAME.app, replacing an existing one, and returns its path. Throws
-    /// `GenError`, `ConfigError` (a text that is not valid UTF-8) or `std::invalid_argument` (a
-    /// text that a property list can't contain) before anything is changed, and `PlatformError`,
-    /// after which a part of the wrapper may remain.
+    /// Writes `directory`/NAME.app, replacing an existing one, and returns its path. What is there
+    /// is the old wrapper or the new one at any moment. Throws `GenError`, `ConfigError` (a text
+    /// that is not valid UTF-8), `std::invalid_argument` (a text that a property list can't
+    /// contain) or `PlatformError`; nothing has changed then.
     [[nodiscard]] std::filesystem::path generate(const std::filesystem::path& directory,
                                                  const Options& options) const;
 };

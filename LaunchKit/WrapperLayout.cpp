@@ -15,6 +15,8 @@ namespace {
 
 constexpr std::string_view configName = "instance.json";
 constexpr std::string_view iconFileName = "AppIcon.icns";
+constexpr std::string_view notesName = "wrapper.json";
+constexpr std::string_view chosenIconName = "ChosenIcon";
 static_assert(iconFileName.starts_with(wrapperIconName));
 
 // Returns whether the folder is missing, or readable and without entries other than these.
@@ -41,7 +43,8 @@ bool holdsAtMostFiles(const fs::path& folder, std::initializer_list<std::string_
 // Returns whether a wrapper's two folders contain only what a wrapper does.
 bool holdsAtMostWrapperFiles(const fs::path& wrapper) {
     return holdsAtMostFiles(executablesOf(wrapper), {wrapperExecutableName}) &&
-           holdsAtMostFiles(resourcesOf(wrapper), {configName, iconFileName});
+           holdsAtMostFiles(resourcesOf(wrapper),
+                            {configName, iconFileName, notesName, chosenIconName});
 }
 
 } // namespace
@@ -52,6 +55,14 @@ std::string configOf(const std::string& wrapper) {
 
 std::string iconOf(const std::string& wrapper) {
     return resourceOf(wrapper, iconFileName);
+}
+
+std::string notesOf(const std::string& wrapper) {
+    return resourceOf(wrapper, notesName);
+}
+
+std::string chosenIconOf(const std::string& wrapper) {
+    return resourceOf(wrapper, chosenIconName);
 }
 
 std::string runnerOf(const std::string& wrapper) {

@@ -23,6 +23,13 @@ inline constexpr std::string_view actionOption = "--action=";
 /// Returns the path of a wrapper's icon, which need not exist.
 [[nodiscard]] std::string iconOf(const std::string& wrapper);
 
+/// Returns the path of what Quorvel notes about a wrapper, "wrapper.json" in its resources, which
+/// need not exist.
+[[nodiscard]] std::string notesOf(const std::string& wrapper);
+
+/// Returns the path of a chosen icon without the label that is drawn onto it, which need not exist.
+[[nodiscard]] std::string chosenIconOf(const std::string& wrapper);
+
 /// Returns the path of a wrapper's executable.
 [[nodiscard]] std::string runnerOf(const std::string& wrapper);
 

@@ -107,4 +107,31 @@ PropertyListDictionary WrapperPropertyList::infoPlist(const WrapperGenerator::Op
     return info;
 }
 
+PropertyListDictionary WrapperPropertyList::withUsersChanges(PropertyListDictionary wanted,
+                                                             const PropertyListDictionary& written,
+                                                             const PropertyListDictionary& found,
+                                                             std::vector<std::string>& kept) {
+    for (const auto& [key, value] : found) {
+        const auto old = written.find(key);
+        if (old != written.end() && old->second == value) {
+            continue;
+        }
+        try {
+            (void)PropertyList::xml({{key, value}});
+        } catch (const std::invalid_argument&) {
+            throw Error("The entry “" + key +
+                        "” of the clone’s Info.plist can’t be kept; remove it first.");
+        }
+        kept.push_back("“" + key + "” in Info.plist");
+        wanted[key] = value;
+    }
+    for (const auto& [key, value] : written) {
+        if (!found.contains(key)) {
+            kept.push_back("“" + key + "” in Info.plist");
+            wanted.erase(key);
+        }
+    }
+    return wanted;
+}
+
 } // namespace quorvel

@@ -6,6 +6,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 /// The property list of a wrapper.
 namespace quorvel::WrapperPropertyList {
@@ -16,6 +17,14 @@ namespace quorvel::WrapperPropertyList {
 
 /// Throws `std::invalid_argument` if `infoPlist` would contain a text that can't be written.
 void requireWritableTexts(const InstanceConfig& config);
+
+/// Returns `wanted` with the user's changes of an older list: where `found` differs from what was
+/// `written`. Appends the names of the entries to `kept`, as "KEY in Info.plist". Throws `Error` if
+/// such an entry can't be written again.
+[[nodiscard]] PropertyListDictionary withUsersChanges(PropertyListDictionary wanted,
+                                                      const PropertyListDictionary& written,
+                                                      const PropertyListDictionary& found,
+                                                      std::vector<std::string>& kept);
 
 /// Returns what a free text means in a property list: a boolean, a whole number, or the text
 /// itself.

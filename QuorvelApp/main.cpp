@@ -1,3 +1,5 @@
+#include "LaunchKit/ChangeRecovery.h"
+#include "LaunchKit/InstanceRegistry.h"
 #include "Platform/desktop/ActivationTokens.h"
 #include "QuorvelApp/QuorvelApp.h"
 #include "QuorvelApp/model/SystemTranslator.h"
@@ -32,6 +34,7 @@ int main(int argc, char** argv) {
     quorvel::SystemTranslator words;
     QApplication::installTranslator(&words);
     const quorvel::Appearance appearance;
+    quorvel::finishInterruptedChanges(quorvel::InstanceRegistry::defaultSearchDirs());
     const quorvel::ActivationTokens tokens;
     quorvel::QuorvelApp quorvel(quorvel::AppServices::system([&] { return tokens.take(); }),
                                 quorvel::makeSystemUpdateService());

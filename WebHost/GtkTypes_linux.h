@@ -3,8 +3,6 @@
 #include "Platform/desktop/GObjects_linux.h"
 
 #include <functional>
-#include <memory>
-#include <string>
 #include <utility>
 
 /// What the toolkit's interface needs everywhere in the host.

@@ -9,4 +9,12 @@ namespace quorvel {
 [[nodiscard]] int renameExclusively(const std::filesystem::path& source,
                                     const std::filesystem::path& destination);
 
+/// Does the same with items of open folders.
+[[nodiscard]] int renameExclusivelyAt(int sourceFolder, const char* source, int destinationFolder,
+                                      const char* destination);
+
+/// Exchanges two items of open folders atomically, without following links. Returns as above.
+[[nodiscard]] int exchangeItems(int folder, const char* name, int otherFolder,
+                                const char* otherName);
+
 } // namespace quorvel

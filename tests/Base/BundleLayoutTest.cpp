@@ -33,5 +33,13 @@ TEST(BundleLayoutTest, AnExecutableBelongsToTheInnermostBundle) {
     }
 }
 
+TEST(BundleLayoutTest, AnExecutableThatWasReplacedBelongsToWhatTookItsPlace) {
+    EXPECT_EQ(bundleOfExecutable("/A/.quorvel-change-1/B.app/Contents/MacOS/x (deleted)"),
+              "/A/B.app");
+    EXPECT_EQ(bundleOfExecutable("/A/quorvel-change-1/B.app/Contents/MacOS/x"),
+              "/A/quorvel-change-1/B.app");
+    EXPECT_EQ(bundleOfExecutable("/B.app/Contents/MacOS/x"), "/B.app");
+}
+
 } // namespace
 } // namespace quorvel

@@ -12,7 +12,8 @@ using namespace testing;
 using ::testing::HasSubstr;
 
 const std::vector<std::string> commands{"inspect", "list", "show", "create", "open",   "delete",
-                                        "migrate", "icon", "apps", "probe",  "running"};
+                                        "migrate", "icon", "apps", "probe",  "running",
+                                        "edit",    "rename", "refresh"};
 
 std::set<std::string> optionsIn(const std::string& help) {
     static const std::regex option("--[a-z][a-z-]*");

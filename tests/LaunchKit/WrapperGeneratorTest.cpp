@@ -117,6 +117,48 @@ TEST_F(WrapperGeneratorTest, AWrapperOfTheSameNameIsReplacedWhole) {
     EXPECT_EQ(std::distance(fs::directory_iterator(at("out")), fs::directory_iterator()), 1);
 }
 
+TEST_F(WrapperGeneratorTest, AFailureLeavesTheOldWrapperAsItIs) {
+    (void)generate(webOptions());
+    const auto before = treeOf(at("out"));
+    WrapperGenerator::Options second = webOptions();
+    second.config.url = "https://second";
+    second.customIcon = folder_.path();
+    EXPECT_THROW((void)generate(second), PlatformError);
+    EXPECT_EQ(treeOf(at("out")), before);
+}
+
+TEST_F(WrapperGeneratorTest, NotesAreWrittenOnlyIfAskedFor) {
+    WrapperGenerator::Options options = appOptions("AppIcon");
+    targetIcon("AppIcon.icns", "target's");
+    EXPECT_FALSE(WrapperNotes::read(generate(options)));
+    options.arguments = ArgumentSource::engine;
+    options.hideWrapperIcon = true;
+    const fs::path wrapper = generate(options);
+    const auto notes = WrapperNotes::read(wrapper);
+    ASSERT_TRUE(notes);
+    EXPECT_EQ(notes->arguments, ArgumentSource::engine);
+    EXPECT_EQ(notes->icon, IconSource::target);
+    EXPECT_TRUE(notes->hidesIcon);
+    EXPECT_NE(notes->version, "");
+    EXPECT_EQ(notes->writtenIcon, fileHash(wrapper / "Contents/Resources/AppIcon.icns"));
+    EXPECT_EQ(notes->writtenList, fileHash(wrapper / "Contents/Info.plist"));
+    EXPECT_EQ(notes->targetIcon, fileState(at("Thing.app/Contents/Resources/AppIcon.icns")));
+    EXPECT_NE(notes->targetIcon, "");
+}
+
+TEST_F(WrapperGeneratorTest, AChosenIconIsKeptWithoutTheLabelThatIsDrawnOntoIt) {
+    WrapperGenerator::Options options = webOptions();
+    write(at("chosen"), "not an image");
+    options.customIcon = at("chosen");
+    options.arguments = ArgumentSource::typed;
+    EXPECT_FALSE(fs::exists(generate(options) / "Contents/Resources/ChosenIcon"));
+    options.config.iconLabel = IconLabel{"W", "ff0000", IconLabel::Position::top};
+    const fs::path wrapper = generate(options);
+    EXPECT_EQ(read(wrapper / "Contents/Resources/ChosenIcon"), "not an image");
+    EXPECT_EQ(WrapperNotes::read(wrapper)->icon, IconSource::chosen);
+    EXPECT_EQ(WrapperNotes::read(wrapper)->targetIcon, "");
+}
+
 TEST_F(WrapperGeneratorTest, AFileOrALinkOfTheSameNameIsReplacedAndNotFollowed) {
     write(at("out/Work.app"), "a file");
     (void)generate(webOptions());
@@ -236,11 +278,8 @@ TEST_F(WrapperGeneratorTest, AnIconThatCantBeCopiedIsAnErrorAndDoesntBlock) {
     for (const fs::path& icon : {at("fifo"), folder_.path()}) {
         options.customIcon = icon;
         EXPECT_THROW((void)generate(options), PlatformError) << icon;
-        EXPECT_TRUE(fs::exists(at("out/Work.app/Contents/Resources/instance.json")));
-        EXPECT_FALSE(fs::exists(at("out/Work.app/Contents/Info.plist")));
+        EXPECT_TRUE(fs::is_empty(at("out"))) << "nothing is left of it";
     }
-    options.customIcon.reset();
-    EXPECT_EQ(iconOf(options), "none") << "the next attempt replaces what was left";
 }
 
 TEST_F(WrapperGeneratorTest, AFolderThatCantBeMadeIsAnError) {

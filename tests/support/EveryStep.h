@@ -17,6 +17,22 @@ enum class Kill {
 /// Throws `std::runtime_error` if `work` itself fails. `work` must start no threads.
 [[nodiscard]] Kill killedBefore(int step, const std::function<void()>& work);
 
+/// What happens to a system call that changes something on disk.
+struct Fault {
+    int error = 0; ///< the call fails with this, once, without effect; 0: the process is killed
+};
+
+/// The outcome of `withFault`.
+struct FaultOutcome {
+    Kill kill = Kill::done; ///< `ended` if there are not as many calls, whatever the status
+    int status = 0;         ///< the exit status, if not killed; 1 if `work` threw
+};
+
+/// Runs `work` in a child process in which the system call number `step`, among those that may
+/// change something on disk, meets with the fault. Numbers from 0 on until `ended` leave none out.
+[[nodiscard]] FaultOutcome withFault(int step, const Fault& fault,
+                                     const std::function<void()>& work);
+
 /// The numbers of the system calls that `work` makes in a child process, in order. Empty if this
 /// system does not permit tracing.
 [[nodiscard]] std::vector<long> systemCallsOf(const std::function<void()>& work);

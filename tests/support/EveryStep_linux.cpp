@@ -1,10 +1,20 @@
 #include "tests/support/EveryStep.h"
 
+#include <array>
 #include <csignal>
+#include <cstddef>
 #include <cstdlib>
+#include <elf.h>
+#include <fcntl.h>
+#include <linux/filter.h>
+#include <linux/seccomp.h>
 #include <stdexcept>
 #include <string>
+#include <sys/prctl.h>
 #include <sys/ptrace.h>
+#include <sys/syscall.h>
+#include <sys/uio.h>
+#include <sys/user.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -61,7 +71,88 @@ Kill endedWith(int status) {
     return Kill::ended;
 }
 
+// The calls that may change something on disk, besides that which creates files.
+constexpr std::array changingCalls {
+    SYS_write, SYS_pwrite64, SYS_writev, SYS_renameat, SYS_renameat2, SYS_mkdirat, SYS_unlinkat,
+        SYS_symlinkat, SYS_linkat, SYS_fchmod, SYS_fchmodat, SYS_fchown, SYS_fchownat, SYS_fsync,
+        SYS_fdatasync, SYS_syncfs, SYS_ftruncate, SYS_utimensat, SYS_fsetxattr, SYS_sendfile,
+        SYS_copy_file_range,
+#if defined(__x86_64__)
+        SYS_rename, SYS_mkdir, SYS_unlink, SYS_rmdir, SYS_symlink, SYS_link, SYS_chmod,
+#endif
+};
+
+// Makes the kernel stop this process at these calls only, which is far quicker than at all.
+bool stopAtChangingCalls() {
+    std::vector<sock_filter> program{
+        BPF_STMT(BPF_LD | BPF_W | BPF_ABS, offsetof(seccomp_data, nr)),
+    };
+    for (const long call : changingCalls) {
+        program.push_back(BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, static_cast<unsigned>(call), 0, 1));
+        program.push_back(BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_TRACE));
+    }
+    program.push_back(BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, SYS_openat, 0, 3));
+    program.push_back(BPF_STMT(BPF_LD | BPF_W | BPF_ABS, offsetof(seccomp_data, args[2])));
+    program.push_back(BPF_JUMP(BPF_JMP | BPF_JSET | BPF_K, O_CREAT, 0, 1));
+    program.push_back(BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_TRACE));
+    program.push_back(BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ALLOW));
+    const sock_fprog filter{static_cast<unsigned short>(program.size()), program.data()};
+    return ::prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0) == 0 &&
+           ::prctl(PR_SET_SECCOMP, SECCOMP_MODE_FILTER, &filter) == 0;
+}
+
+// Skips the call that is about to begin, and lets it return this.
+#if defined(__aarch64__)
+void skipCall(pid_t child, long result) {
+    int none = -1;
+    iovec call{&none, sizeof none};
+    ::ptrace(PTRACE_SETREGSET, child, NT_ARM_SYSTEM_CALL, &call);
+    user_regs_struct registers{};
+    iovec all{&registers, sizeof registers};
+    ::ptrace(PTRACE_GETREGSET, child, NT_PRSTATUS, &all);
+    registers.regs[0] = static_cast<unsigned long long>(result);
+    ::ptrace(PTRACE_SETREGSET, child, NT_PRSTATUS, &all);
+}
+#else
+void skipCall(pid_t child, long result) {
+    user_regs_struct registers{};
+    ::ptrace(PTRACE_GETREGS, child, nullptr, &registers);
+    registers.orig_rax = static_cast<unsigned long long>(-1L);
+    registers.rax = static_cast<unsigned long long>(result);
+    ::ptrace(PTRACE_SETREGS, child, nullptr, &registers);
+}
+#endif
+
+bool isAtChangingCall(int status) {
+    return WIFSTOPPED(status) && status >> 8 == (SIGTRAP | (PTRACE_EVENT_SECCOMP << 8));
+}
+
 } // namespace
+
+FaultOutcome withFault(int step, const Fault& fault, const std::function<void()>& task) {
+    const pid_t child = start([&] {
+        if (!stopAtChangingCalls()) {
+            std::_Exit(refused);
+        }
+        task();
+    });
+    int status = nextStop(child);
+    ::ptrace(PTRACE_SETOPTIONS, child, nullptr, PTRACE_O_TRACESECCOMP | PTRACE_O_EXITKILL);
+    Kill outcome = Kill::ended;
+    for (int calls = 0; WIFSTOPPED(status); status = nextStop(child)) {
+        if (isAtChangingCall(status) && calls++ == step) {
+            outcome = Kill::done;
+            if (fault.error == 0) {
+                kill(child);
+                return {outcome};
+            }
+            skipCall(child, -fault.error);
+        }
+        ::ptrace(PTRACE_CONT, child, nullptr, nullptr);
+    }
+    const int result = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+    return {result == refused ? Kill::notPermitted : outcome, result};
+}
 
 Kill killedBefore(int step, const std::function<void()>& task) {
     const pid_t child = start(task);

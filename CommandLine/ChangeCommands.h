@@ -1,0 +1,41 @@
+#pragma once
+
+#include "CommandLine/CommandContext.h"
+#include "CommandLine/EditOptions.h"
+
+#include <string>
+#include <vector>
+
+/// The commands of `quorvelctl` that change clones that exist. Each prints the paths of the clones
+/// that it changed, and what the user should know besides on the error stream. Each throws
+/// `CommandError`, `UsageError` or an error of the layers below if it fails.
+namespace quorvel {
+
+/// Edits a clone.
+void editCommand(const CommandContext& context, const std::string& clone,
+                 const EditOptions& options, bool json);
+
+/// The options of `quorvelctl rename`.
+struct RenameOptions {
+    std::string name{};
+    bool moveData = false;
+};
+
+/// Gives a clone another name.
+void renameCommand(const CommandContext& context, const std::string& clone,
+                   const RenameOptions& options, bool json);
+
+/// The options of `quorvelctl refresh`.
+struct RefreshOptions {
+    std::vector<std::string> clones{};
+    bool all = false;
+    std::optional<std::filesystem::path> runner{};
+};
+
+/// Brings clones up to date; goes on with the others if one fails.
+void refreshCommand(const CommandContext& context, const RefreshOptions& options, bool json);
+
+/// Prints the clones that `refresh` would change, and what of them.
+void listStaleCommand(const CommandContext& context, const InstanceRegistry& registry, bool json);
+
+} // namespace quorvel

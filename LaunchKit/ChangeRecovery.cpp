@@ -1,0 +1,89 @@
+#include "LaunchKit/ChangeRecovery.h"
+
+#include "LaunchKit/ChangeJournal.h"
+#include "LaunchKit/HomeMove.h"
+#include "Platform/files/FileLock.h"
+#include "Platform/files/FileSystem.h"
+#include "Platform/files/ItemIdentity.h"
+#include "Platform/files/StagedChange.h"
+
+#include <algorithm>
+#include <exception>
+#include <string>
+
+namespace quorvel {
+namespace fs = std::filesystem;
+namespace {
+
+bool isItem(const StagedChange& change, const std::string& name, const std::string& number) {
+    const auto found = change.numberOf(name);
+    return found && std::to_string(*found) == number;
+}
+
+// The clone has its new name as soon as its wrapper has been replaced.
+void finishRenaming(StagedChange& change, const ChangeJournal& journal) {
+    const bool isReplaced = isItem(change, journal.wrapper, journal.number);
+    const bool isRenamed = isItem(change, journal.newWrapper, journal.number);
+    if (!journal.home.empty()) {
+        if (isReplaced || isRenamed) {
+            completeHomeMove(journal.home, journal.newHome);
+        } else {
+            cancelHomeMove(journal.home, journal.newHome);
+        }
+    }
+    // If something else has taken the new place, the clone stays where it is.
+    if (isReplaced && !change.numberOf(journal.newWrapper)) {
+        change.rename(journal.wrapper, journal.newWrapper);
+    }
+}
+
+// The clone is deleted as soon as its data has left its place.
+void finishDeletion(StagedChange& change, const ChangeJournal& journal) {
+    const auto home = identityOf(fs::path(journal.home));
+    const bool isDataThere = home && std::to_string(home->inode) == journal.number;
+    if (isDataThere && change.holds(journal.wrapper)) {
+        change.restore(journal.wrapper, journal.wrapper);
+    }
+    ChangeJournal::forget(change);
+    (void)StagedChange::interruptedIn(fs::path(journal.home).parent_path());
+}
+
+bool hasHiddenFolder(const fs::path& folder) {
+    const auto names = directoryEntries(folder);
+    return names && std::any_of(names->begin(), names->end(), StagedChange::isHiddenFolder);
+}
+
+} // namespace
+
+void finishInterruptedChanges(const fs::path& folder) noexcept {
+    try {
+        for (StagedChange& change : StagedChange::interruptedIn(folder)) {
+            try {
+                if (const auto journal = ChangeJournal::of(change)) {
+                    journal->newWrapper.empty() ? finishDeletion(change, *journal)
+                                                : finishRenaming(change, *journal);
+                }
+            } catch (const std::exception&) {
+                change.keep();
+            }
+        }
+    } catch (const std::exception&) {
+        return; // the next call tries again
+    }
+}
+
+void finishInterruptedChanges(const std::vector<fs::path>& folders) noexcept {
+    for (const fs::path& folder : folders) {
+        try {
+            const auto lock = hasHiddenFolder(folder) ? FileLock::tryTakeFolder(folder)
+                                                      : std::optional<FileLock>();
+            if (lock) {
+                finishInterruptedChanges(folder);
+            }
+        } catch (const std::exception&) {
+            continue;
+        }
+    }
+}
+
+} // namespace quorvel

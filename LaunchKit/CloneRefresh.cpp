@@ -1,0 +1,65 @@
+#include "LaunchKit/CloneRefresh.h"
+
+#include "LaunchKit/CloneRevision.h"
+#include "LaunchKit/RunnerLocator.h"
+#include "LaunchKit/WrapperFactory.h"
+#include "LaunchKit/WrapperLayout.h"
+#include "Platform/files/FileReading.h"
+#include "Platform/files/PlatformError.h"
+
+namespace quorvel {
+namespace {
+
+constexpr std::size_t largestRunner = std::size_t{64} << 20U;
+
+std::filesystem::path runnerOrLocated(const std::optional<std::filesystem::path>& runner) {
+    auto found = runner ? runner : RunnerLocator::locate(ApplicationFolders::current());
+    if (!found) {
+        throw WrapperFactory::FactoryError::runnerNotFound();
+    }
+    return *found;
+}
+
+} // namespace
+
+CloneRefresh::CloneRefresh(const std::optional<std::filesystem::path>& runner)
+    : runner_(runnerOrLocated(runner)) {
+    auto bytes = readFile(runner_, largestRunner);
+    if (!bytes) {
+        throw PlatformError::fromErrno(runner_, "read");
+    }
+    bytes_ = std::move(*bytes);
+}
+
+bool CloneRefresh::hasOldRunner(const std::filesystem::path& wrapper) const {
+    return readFile(runnerOf(wrapper), largestRunner) != bytes_;
+}
+
+std::vector<StaleReason> CloneRefresh::reasonsFor(const InstanceRecord& record) const {
+    std::vector<StaleReason> reasons;
+    if (hasOldRunner(record.bundleURL)) {
+        reasons.push_back(StaleReason::runner);
+    }
+    const WrapperRevision wrapper(record.bundleURL);
+    const CloneSettings& settings = wrapper.settings();
+    if (completedSettings(wrapper, settings).config.extraArgs != settings.config.extraArgs) {
+        reasons.push_back(StaleReason::arguments);
+    }
+    if (wrapper.hasOldTargetIcon()) {
+        reasons.push_back(StaleReason::icon);
+    }
+    return reasons;
+}
+
+ChangedClone CloneRefresh::refresh(const std::filesystem::path& wrapper) const {
+    const CloneRevision clone(wrapper);
+    WrapperRevision::Changes changes;
+    changes.settings = completedSettings(clone.old(), clone.old().settings());
+    changes.refreshesIcon = true;
+    if (hasOldRunner(clone.wrapper())) {
+        changes.settings.runner = runner_;
+    }
+    return clone.replace(changes);
+}
+
+} // namespace quorvel

@@ -1,0 +1,46 @@
+#pragma once
+
+#include "LaunchKit/CloneChange.h"
+#include "LaunchKit/Records/EnumNames.h"
+
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace quorvel {
+
+/// Why a clone should be refreshed.
+enum class StaleReason { runner, arguments, icon };
+
+template<>
+inline constexpr auto enumNames<StaleReason> = namesOfAllCases<StaleReason>({
+    {StaleReason::runner, "runner"},
+    {StaleReason::arguments, "arguments"},
+    {StaleReason::icon, "icon"},
+});
+
+/// Brings clones up to date with Quorvel and with their targets. Reads the runner once.
+class CloneRefresh {
+public:
+    /// Without `runner`, it is located. Throws `WrapperFactory::FactoryError` if it isn't found,
+    /// and `PlatformError` if it can't be read.
+    explicit CloneRefresh(const std::optional<std::filesystem::path>& runner = std::nullopt);
+
+    /// Returns what of a clone would be different if it were made now; empty if nothing. Throws
+    /// `Error` if it is not a clone any more.
+    [[nodiscard]] std::vector<StaleReason> reasonsFor(const InstanceRecord& record) const;
+
+    /// Gives the clone at `wrapper` the current runner, its engine's arguments unless others were
+    /// typed, and its target's icon unless another was chosen. Throws `Error`; the clone is as it
+    /// was then.
+    [[nodiscard]] ChangedClone refresh(const std::filesystem::path& wrapper) const;
+
+private:
+    [[nodiscard]] bool hasOldRunner(const std::filesystem::path& wrapper) const;
+
+    std::filesystem::path runner_;
+    std::string bytes_{};
+};
+
+} // namespace quorvel

@@ -1,0 +1,41 @@
+#pragma once
+
+#include "LaunchKit/CloneChange.h"
+#include "LaunchKit/WrapperRevision.h"
+#include "Platform/files/FileLock.h"
+#include "Platform/files/StagedChange.h"
+
+#include <filesystem>
+#include <optional>
+
+namespace quorvel {
+
+/// A clone that is being changed: locked, and read as it is.
+class CloneRevision {
+public:
+    /// Waits for other changes beside the wrapper. Throws `Error` if it is not a clone.
+    explicit CloneRevision(const std::filesystem::path& wrapper);
+
+    /// Returns the wrapper's path without links.
+    [[nodiscard]] const std::filesystem::path& wrapper() const { return wrapper_; }
+    [[nodiscard]] const WrapperRevision& old() const { return old_; }
+
+    /// Replaces the wrapper at once if anything changes, and publishes the clone in the menu.
+    /// Throws `Error`.
+    [[nodiscard]] ChangedClone replace(const WrapperRevision::Changes& changes) const;
+
+private:
+    std::filesystem::path wrapper_;
+    std::optional<FileLock> lock_;
+    WrapperRevision old_;
+};
+
+/// Returns the settings with what editing leaves as it is: the identifier, the data folder, the
+/// kind, the target and the name; with the engine's arguments, if that is where they come from.
+[[nodiscard]] CloneSettings completedSettings(const WrapperRevision& old, CloneSettings settings);
+
+/// Returns the clone after a change, published in the menu under its own picture.
+[[nodiscard]] ChangedClone published(const std::filesystem::path& wrapper,
+                                     std::vector<std::string> kept);
+
+} // namespace quorvel

@@ -1,0 +1,33 @@
+#include "LaunchKit/ClonesLock.h"
+
+#include "LaunchKit/ChangeRecovery.h"
+#include "LaunchKit/RequestCheck.h"
+#include "Platform/files/PlatformError.h"
+
+#include <chrono>
+
+namespace quorvel {
+namespace {
+
+std::optional<FileLock> waitForLock(const std::filesystem::path& folder) {
+    constexpr std::chrono::seconds patience{30};
+    try {
+        if (std::optional<FileLock> lock = FileLock::takeFolder(folder, patience)) {
+            return lock;
+        }
+    } catch (const PlatformError&) {
+        return std::nullopt;
+    }
+    throw InvalidRequest("Another clone is being made or changed in " + folder.string() +
+                         "; try again once that is done.");
+}
+
+} // namespace
+
+std::optional<FileLock> lockClones(const std::filesystem::path& folder) {
+    std::optional<FileLock> lock = waitForLock(folder);
+    finishInterruptedChanges(folder);
+    return lock;
+}
+
+} // namespace quorvel

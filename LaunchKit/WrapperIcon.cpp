@@ -1,0 +1,68 @@
+#include "LaunchKit/WrapperIcon.h"
+
+#include "Base/Text.h"
+#include "LaunchKit/AppIcon.h"
+#include "LaunchKit/IconComposer.h"
+#include "Platform/files/FileCopy.h"
+#include "Platform/files/FileSystem.h"
+#include "Platform/files/FileWriting.h"
+
+namespace quorvel {
+namespace fs = std::filesystem;
+namespace {
+
+std::optional<WrapperIcon> iconOfEntry(const AppBundle& target,
+                                       const std::optional<IconLabel>& label) {
+    const auto file = appIconFile(target);
+    try {
+        return file ? std::optional(WrapperIcon{*file, IconSource::target,
+                                                IconComposer::converted(*file, label)})
+                    : std::nullopt;
+    } catch (const IconComposer::ComposeError&) {
+        return std::nullopt; // a clone without an icon is better than none
+    }
+}
+
+// Returns false if there is nothing to draw, or if drawing fails.
+bool installBadgedIcon(const fs::path& source, const std::optional<IconLabel>& label,
+                       const fs::path& destination) {
+    if (!isVisible(label)) {
+        return false;
+    }
+    try {
+        IconComposer::compose(source, *label, destination);
+        return true;
+    } catch (const IconComposer::ComposeError&) {
+        return false;
+    }
+}
+
+} // namespace
+
+bool isVisible(const std::optional<IconLabel>& label) {
+    return label && !Text::trimmingWhitespace(label->text).empty();
+}
+
+std::optional<WrapperIcon> wrapperIcon(const std::optional<fs::path>& chosen,
+                                       const std::optional<AppBundle>& target,
+                                       const std::optional<IconLabel>& label) {
+    if (chosen && itemExists(*chosen)) {
+        return WrapperIcon{*chosen, IconSource::chosen};
+    }
+    if (target && target->desktop) {
+        return iconOfEntry(*target, label);
+    }
+    const auto file = target ? appIconFile(*target) : std::nullopt;
+    return file ? std::optional(WrapperIcon{*file}) : std::nullopt;
+}
+
+void installIcon(const WrapperIcon& icon, const std::optional<IconLabel>& label,
+                 const fs::path& destination) {
+    if (!icon.converted.empty()) {
+        writeFile(destination, icon.converted);
+    } else if (!installBadgedIcon(icon.file, label, destination)) {
+        copyFile(icon.file, destination);
+    }
+}
+
+} // namespace quorvel

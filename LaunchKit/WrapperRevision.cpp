@@ -1,0 +1,218 @@
+#include "LaunchKit/WrapperRevision.h"
+
+#include "Base/BundleLayout.h"
+#include "Base/PathText.h"
+#include "LaunchKit/AppIcon.h"
+#include "LaunchKit/WrapperGenerator.h"
+#include "LaunchKit/WrapperLayout.h"
+#include "LaunchKit/WrapperPropertyList.h"
+#include "LaunchKit/WrapperWriting.h"
+#include "Platform/files/FileHandle.h"
+#include "Platform/files/FileSystem.h"
+#include "Platform/files/ItemIdentity.h"
+#include "Platform/files/MountBoundary.h"
+#include "Platform/files/PlatformError.h"
+#include "Platform/files/PropertyListFile.h"
+#include "Platform/files/TreeCopy.h"
+
+#include <utility>
+
+namespace quorvel {
+namespace fs = std::filesystem;
+namespace {
+
+constexpr const char* hidingKey = "LSUIElement";
+
+// Without notes, only the property list says it.
+bool hidesIcon(const PropertyListDictionary& list, const InstanceConfig& config) {
+    const auto value = list.find(hidingKey);
+    return value != list.end() && value->second.boolean().value_or(false) &&
+           !config.infoPlistOverrides.contains(hidingKey);
+}
+
+PropertyListDictionary listFor(const CloneSettings& settings, bool hasIcon) {
+    WrapperGenerator::Options options;
+    options.config = settings.config;
+    options.hideWrapperIcon = settings.hidesIcon;
+    return WrapperPropertyList::infoPlist(
+        options, hasIcon ? std::optional<std::string>(wrapperIconName) : std::nullopt);
+}
+
+void copyWrapper(const fs::path& wrapper, const StagedChange& change, const std::string& name) {
+    const FileHandle from(openFolderForNames(wrapper.parent_path()));
+    const FileHandle to(openFolderForNames(change.path()));
+    const std::string oldName = wrapper.filename();
+    TreeCopy().copy(from.descriptor(), to.descriptor(), oldName, wrapper);
+    if (name != oldName) {
+        std::error_code code;
+        fs::rename(change.path() / oldName, change.path() / name, code);
+        if (code) {
+            throw PlatformError(code, wrapper, "renamed");
+        }
+    }
+}
+
+std::string textOf(const std::optional<IconLabel>& label) {
+    return isVisible(label) ? label->text + "\n" + label->colorHex + "\n" +
+                                  std::string(rawString(label->position))
+                            : std::string();
+}
+
+} // namespace
+
+struct WrapperRevision::IconPlan {
+    bool keeps = true;
+    std::optional<WrapperIcon> icon{};
+    IconSource source = IconSource::chosen;
+};
+
+WrapperRevision::WrapperRevision(fs::path wrapper) : wrapper_(std::move(wrapper)) {
+    auto config = InstanceConfig::read(configOf(wrapper_));
+    if (!config) {
+        throw Error("The clone at " + wrapper_.string() + " is not there any more.");
+    }
+    if (Place(wrapper_).relationTo(config->resolvedHome()) != Relation::unrelated) {
+        throw Error("The data folder of “" + config->displayName +
+                    "” is inside the clone itself, so the clone can’t be changed.");
+    }
+    settings_.config = std::move(*config);
+    notes_ = WrapperNotes::read(wrapper_);
+    list_ = readPropertyList(infoPlistOf(wrapper_));
+    settings_.hidesIcon =
+        notes_ ? notes_->hidesIcon : list_ && ::quorvel::hidesIcon(*list_, settings_.config);
+    settings_.arguments = notes_ ? notes_->arguments : ArgumentSource::typed;
+    if (settings_.config.kind == ShortcutKind::app) {
+        target_ = AppBundle::read(settings_.config.targetAppURL(), noEntitlements);
+    }
+}
+
+bool WrapperRevision::isUsersIcon() const {
+    return notes_ && notes_->writtenIcon != fileHash(iconOf(wrapper_));
+}
+
+bool WrapperRevision::hasOldTargetIcon() const {
+    if (!notes_ || notes_->icon != IconSource::target || !target_ || isUsersIcon()) {
+        return false;
+    }
+    const auto file = appIconFile(*target_);
+    return file && fileState(*file) != notes_->targetIcon;
+}
+
+// Whether the icon is what the target's gives with the clone's label.
+bool WrapperRevision::isTargetsIcon(const StagedChange& change) const {
+    const auto& label = settings_.config.iconLabel;
+    const auto icon = wrapperIcon(std::nullopt, target_, label);
+    if (!icon) {
+        return false;
+    }
+    const fs::path drawn = change.path() / "compared-icon";
+    installIcon(*icon, label, drawn);
+    return fileHash(drawn) == fileHash(iconOf(wrapper_));
+}
+
+WrapperRevision::IconPlan WrapperRevision::iconPlan(const StagedChange& change,
+                                                    const Changes& changes, Kept& kept) const {
+    const CloneSettings& wanted = changes.settings;
+    switch (wanted.icon) {
+    case IconChoice::file:
+        if (!itemExists(wanted.iconFile)) {
+            throw PlatformError(std::make_error_code(std::errc::no_such_file_or_directory),
+                                wanted.iconFile, "read");
+        }
+        return {false, WrapperIcon{wanted.iconFile, IconSource::chosen}, IconSource::chosen};
+    case IconChoice::target:
+        return {false, wrapperIcon(std::nullopt, target_, wanted.config.iconLabel),
+                IconSource::target};
+    case IconChoice::keep:
+        break;
+    }
+    return keptIconPlan(change, changes, kept);
+}
+
+WrapperRevision::IconPlan WrapperRevision::keptIconPlan(const StagedChange& change,
+                                                        const Changes& changes, Kept& kept) const {
+    const auto& label = changes.settings.config.iconLabel;
+    const bool hasIcon = itemExists(iconOf(wrapper_));
+    const bool relabels = textOf(label) != textOf(settings_.config.iconLabel);
+    const bool fromTarget =
+        notes_ ? notes_->icon == IconSource::target : !hasIcon || isTargetsIcon(change);
+    const IconPlan keeping{true, {}, fromTarget ? IconSource::target : IconSource::chosen};
+    if (!relabels && !(changes.refreshesIcon && hasOldTargetIcon())) {
+        return keeping;
+    }
+    const fs::path chosen =
+        itemExists(chosenIconOf(wrapper_)) ? chosenIconOf(wrapper_) : iconOf(wrapper_);
+    // The picture below a label is known only where it was kept.
+    const bool isLost = !notes_ && !fromTarget && isVisible(settings_.config.iconLabel);
+    if (isUsersIcon() || isLost) {
+        kept.emplace_back("the icon");
+        return keeping;
+    }
+    if (!fromTarget) {
+        return {false, WrapperIcon{chosen, IconSource::chosen}, IconSource::chosen};
+    }
+    auto icon = wrapperIcon(std::nullopt, target_, label);
+    // If the target is gone, its icon is not.
+    return icon || !hasIcon ? IconPlan{false, std::move(icon), IconSource::target} : keeping;
+}
+
+std::string WrapperRevision::propertyList(const CloneSettings& settings, bool hasIcon,
+                                          Kept& kept) const {
+    PropertyListDictionary list = listFor(settings, hasIcon);
+    const bool isOurs = notes_ && notes_->writtenList == fileHash(infoPlistOf(wrapper_));
+    if (list_ && !isOurs) {
+        const auto written = listFor(settings_, list_->contains("CFBundleIconFile"));
+        list = WrapperPropertyList::withUsersChanges(std::move(list), written, *list_, kept);
+    }
+    return PropertyList::xml(list);
+}
+
+WrapperNotes WrapperRevision::newNotes(const CloneSettings& settings, const IconPlan& plan) const {
+    WrapperNotes notes = notes_.value_or(WrapperNotes());
+    notes.version = QUORVEL_VERSION;
+    notes.arguments = settings.arguments;
+    notes.hidesIcon = settings.hidesIcon;
+    notes.icon = plan.source;
+    if (plan.keeps && notes_) {
+        return notes;
+    }
+    const bool isTargets = plan.source == IconSource::target;
+    const auto file = isTargets && target_ ? appIconFile(*target_) : std::nullopt;
+    notes.targetIcon = file ? fileState(*file) : "";
+    // Without its hash, an icon is never drawn again: a label may be on it already.
+    const bool isDrawn = !isTargets && isVisible(settings_.config.iconLabel);
+    notes.writtenIcon = isDrawn ? "unknown" : fileHash(iconOf(wrapper_));
+    return notes;
+}
+
+std::vector<std::string> WrapperRevision::stage(const StagedChange& change, const std::string& name,
+                                                const Changes& changes) const {
+    Kept kept;
+    const IconPlan plan = iconPlan(change, changes, kept);
+    WrapperContents contents;
+    contents.config = changes.settings.config.json();
+    WrapperPropertyList::requireWritableTexts(changes.settings.config);
+    contents.runner = changes.settings.runner;
+    contents.keepsIcon = plan.keeps;
+    contents.icon = plan.icon;
+    contents.label = changes.settings.config.iconLabel;
+    contents.notes = newNotes(changes.settings, plan);
+    const bool hasIcon = plan.keeps ? itemExists(iconOf(wrapper_)) : plan.icon.has_value();
+    Kept entries;
+    contents.list = propertyList(changes.settings, hasIcon, entries);
+    contents.hasUsersEntries = !entries.empty();
+    kept.insert(kept.end(), entries.begin(), entries.end());
+    copyWrapper(wrapper_, change, name);
+    writeWrapper(change.path() / name, contents);
+    return kept;
+}
+
+bool WrapperRevision::isChangedBy(const Changes& changes) const {
+    const CloneSettings& wanted = changes.settings;
+    return wanted.runner || wanted.icon != IconChoice::keep ||
+           wanted.hidesIcon != settings_.hidesIcon || wanted.arguments != settings_.arguments ||
+           wanted.config.json() != settings_.config.json() ||
+           (changes.refreshesIcon && hasOldTargetIcon());
+}
+
+} // namespace quorvel

@@ -1,0 +1,133 @@
+#include "LaunchKit/CloneRefresh.h"
+
+#include "tests/LaunchKit/ChangedClones.h"
+
+#include <gmock/gmock.h>
+
+namespace quorvel {
+namespace {
+
+using namespace testing;
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+namespace fs = std::filesystem;
+
+class CloneRefreshTest : public ::testing::Test, protected ChangedClones {
+protected:
+    [[nodiscard]] std::vector<StaleReason> reasons(const fs::path& wrapper) const {
+        return refresh.reasonsFor(*InstanceRegistry().record(wrapper));
+    }
+    // As an update of the target does.
+    void changeTargetsIcon() const {
+        fs::rename(writePicture("new.png", 64, 0xFFC03030U),
+                   home / "Thing.app/Contents/Resources/Icon.icns");
+    }
+
+    CloneRefresh refresh{runnerProgram()};
+};
+
+TEST_F(CloneRefreshTest, ANewCloneIsNotStaleAndStaysAsItIs) {
+    const fs::path wrapper = make(appRequest());
+    const auto before = treeOf(wrapper);
+    EXPECT_THAT(reasons(wrapper), IsEmpty());
+    EXPECT_FALSE(refresh.refresh(wrapper).isChanged);
+    EXPECT_TRUE(treeOf(wrapper) == before);
+}
+
+TEST_F(CloneRefreshTest, AnOldRunnerIsReplacedAndNothingElse) {
+    const fs::path wrapper = make(appRequest());
+    auto before = treeOf(wrapper);
+    write(wrapper / "Contents/MacOS/runner", "an older one");
+    EXPECT_THAT(reasons(wrapper), ElementsAre(StaleReason::runner));
+    EXPECT_TRUE(refresh.refresh(wrapper).isChanged);
+    EXPECT_TRUE(treeOf(wrapper) == before);
+    EXPECT_EQ(fs::status(wrapper / "Contents/MacOS/runner").permissions(), fs::perms{0755});
+    EXPECT_THAT(reasons(wrapper), IsEmpty());
+}
+
+TEST_F(CloneRefreshTest, TheTargetsNewIconIsTakenWithTheClonesLabel) {
+    const fs::path wrapper = make(appRequest());
+    setLabel(wrapper, "A");
+    const std::string old = iconIn(wrapper);
+    changeTargetsIcon();
+    EXPECT_THAT(reasons(wrapper), ElementsAre(StaleReason::icon));
+    EXPECT_TRUE(refresh.refresh(wrapper).isChanged);
+    EXPECT_NE(iconIn(wrapper), old);
+    EXPECT_NE(iconIn(wrapper), fileHash(home / "Thing.app/Contents/Resources/Icon.icns"));
+    EXPECT_THAT(reasons(wrapper), IsEmpty());
+}
+
+TEST_F(CloneRefreshTest, AChosenIconStays) {
+    WrapperFactory::Request request = appRequest();
+    request.customIcon = writePicture("chosen.png", 200, 0xFF30A030U);
+    request.hideWrapperIcon = true;
+    const fs::path wrapper = make(request);
+    const std::string chosen = iconIn(wrapper);
+    changeTargetsIcon();
+    EXPECT_THAT(reasons(wrapper), IsEmpty());
+    write(wrapper / "Contents/MacOS/runner", "an older one");
+    EXPECT_TRUE(refresh.refresh(wrapper).isChanged);
+    EXPECT_EQ(iconIn(wrapper), chosen);
+    EXPECT_THAT(read(wrapper / "Contents/Info.plist"), ::testing::HasSubstr("LSUIElement"));
+}
+
+TEST_F(CloneRefreshTest, AnIconThatTheUserReplacedStays) {
+    const fs::path wrapper = make(appRequest());
+    write(wrapper / "Contents/Resources/AppIcon.icns", "the user's own");
+    changeTargetsIcon();
+    EXPECT_THAT(reasons(wrapper), IsEmpty());
+    write(wrapper / "Contents/MacOS/runner", "an older one");
+    (void)refresh.refresh(wrapper);
+    EXPECT_EQ(read(wrapper / "Contents/Resources/AppIcon.icns"), "the user's own");
+}
+
+TEST_F(CloneRefreshTest, TheEnginesArgumentsAreTakenUnlessOthersWereTyped) {
+    const WrapperFactory::Request request = appRequest();
+    for (const bool typed : {false, true}) {
+        WrapperFactory::Request own = request;
+        if (typed) {
+            own.extraArgs = {"--mine"};
+            own.displayName = "Typed";
+        }
+        const fs::path wrapper = make(own);
+        fs::create_directories(home / "Thing.app/Contents/Frameworks/Electron Framework.framework");
+        EXPECT_EQ(reasons(wrapper).size(), typed ? 0U : 1U);
+        EXPECT_EQ(refresh.refresh(wrapper).isChanged, !typed);
+        const auto arguments = InstanceRegistry().record(wrapper)->config.extraArgs;
+        EXPECT_THAT(arguments,
+                    ElementsAre(typed ? "--mine" : "--user-data-dir={{instanceHome}}/QuorvelData"));
+        fs::remove_all(home / "Thing.app/Contents/Frameworks");
+    }
+}
+
+TEST_F(CloneRefreshTest, ACloneWhoseTargetIsGoneGetsTheRunnerAndKeepsTheRest) {
+    const fs::path wrapper = make(appRequest());
+    const std::string icon = iconIn(wrapper);
+    fs::remove_all(home / "Thing.app");
+    write(wrapper / "Contents/MacOS/runner", "an older one");
+    EXPECT_TRUE(refresh.refresh(wrapper).isChanged);
+    EXPECT_EQ(fileHash(wrapper / "Contents/MacOS/runner"), fileHash(runnerProgram()));
+    EXPECT_EQ(iconIn(wrapper), icon);
+}
+
+TEST_F(CloneRefreshTest, AWrapperWithoutNotesKeepsWhatItsConfigurationCantHold) {
+    WrapperFactory::Request request = appRequest();
+    request.customIcon = writePicture("chosen.png", 200, 0xFF30A030U);
+    request.hideWrapperIcon = true;
+    request.extraArgs = {"--mine"};
+    const fs::path wrapper = make(request);
+    forgetNotes(wrapper);
+    auto before = treeOf(wrapper);
+    write(wrapper / "Contents/MacOS/runner", "an older one");
+    EXPECT_TRUE(refresh.refresh(wrapper).isChanged);
+    auto after = treeOf(wrapper);
+    after.erase("Contents/Resources/wrapper.json");
+    EXPECT_TRUE(after == before);
+}
+
+TEST_F(CloneRefreshTest, ARunnerThatCantBeReadIsAnError) {
+    EXPECT_THROW((void)CloneRefresh(home / "none"), Error);
+}
+
+} // namespace
+} // namespace quorvel
