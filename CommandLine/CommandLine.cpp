@@ -4,9 +4,11 @@
 #include "CommandLine/CloneCommands.h"
 #include "CommandLine/DeleteCommand.h"
 #include "CommandLine/IconCommand.h"
+#include "CommandLine/LogCommand.h"
 #include "CommandLine/MigrateCommand.h"
 #include "CommandLine/OptionBinding.h"
 #include "CommandLine/ProbeCommands.h"
+#include "CommandLine/StopCommand.h"
 
 #include <CLI/CLI.hpp>
 
@@ -27,6 +29,8 @@ struct Words {
     DeleteOptions remove{};
     IconOptions icon{};
     ProbeOptions probe{};
+    StopCommandOptions stop{};
+    bool follow = false;
     std::optional<std::string> bundleId{};
     bool json = false;
 };
@@ -129,6 +133,24 @@ void addCloneCommands(CLI::App& program, Words& words, Command& chosen,
                    words.icon);
 }
 
+// The commands about a clone's run.
+void addRunCommands(CLI::App& program, Words& words, Command& chosen,
+                    const CommandContext& context) {
+    CLI::App& stop =
+        addCommand(program, "stop", "End everything that a clone runs", words, chosen,
+                   [&] { stopCommand(context, words.operand, words.stop, words.json); });
+    addCloneOperand(stop, words);
+    stop.add_flag("--force", words.stop.force, "Kill what does not end when asked to");
+    stop.add_option("--wait", words.stop.wait, "Seconds to wait before that (default: 10)")
+        ->type_name("S")
+        ->check(CLI::Range(0.0, 3600.0).description(""));
+    CLI::App& log = addCommand(program, "log", "Print a clone's log", words, chosen, [&] {
+        logCommand(context, words.operand, words.follow, words.json);
+    });
+    addCloneOperand(log, words);
+    log.add_flag("--follow", words.follow, "Go on with what is added, until interrupted");
+}
+
 // Returns the usage of the command given, or of the whole program if none was.
 std::string usage(const CLI::App& program) {
     const auto chosen = program.get_subcommands();
@@ -187,6 +209,7 @@ int runCommandLine(const std::vector<std::string>& arguments, const CommandConte
     Command chosen;
     addAppCommands(program, words, chosen, context);
     addCloneCommands(program, words, chosen, context);
+    addRunCommands(program, words, chosen, context);
     try {
         std::vector<std::string> reversed = withEmptyValues(program, arguments);
         std::reverse(reversed.begin(), reversed.end());

@@ -4,6 +4,7 @@
 #include "LaunchKit/HomeLock.h"
 #include "LaunchKit/InstanceConfig.h"
 #include "LaunchKit/InstanceLauncher.h"
+#include "LaunchKit/LogRotation.h"
 #include "LaunchKit/WindowNaming.h"
 #include "LaunchKit/WindowWord.h"
 #include "LaunchKit/WrapperLayout.h"
@@ -57,6 +58,7 @@ void reportLeftOut(const InstanceConfig& config, std::size_t leftOut) {
 int superviseApp(const InstanceConfig& config, const std::vector<std::string>& documents,
                  StartDetails details, const StartReport& report, const SignalForwarder& signals) {
     const std::optional<FileLock> lock = lockHome(config);
+    setAsideLargeLog(config.resolvedHome());
     details.kept = lock ? lock->descriptor() : -1;
     const AppBundle app = InstanceLauncher::targetOf(config);
     Process target = InstanceLauncher().launch(app, config, documents, details);
@@ -89,6 +91,7 @@ int launchAndSupervise(const InstanceConfig& config, const std::vector<std::stri
             adoptOrphans();
             return superviseApp(config, documents, details, report, signals);
         }
+        setAsideLargeLog(config.resolvedHome());
         Process target = InstanceLauncher().launch(config);
         report.started();
         return signals.waitUntilExit(target);

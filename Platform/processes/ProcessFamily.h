@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <filesystem>
 #include <string>
 #include <sys/types.h>
 #include <vector>
@@ -34,6 +35,14 @@ struct ProcessIdentity {
 /// Returns the running processes of this user that were started with this value of HOME. Returns
 /// none on macOS, which has no reliable way to find them.
 [[nodiscard]] std::vector<ProcessIdentity> processesWithHome(const std::string& home);
+
+/// Returns the running processes whose program is that file, also if it was removed since. Skips
+/// those of other users.
+[[nodiscard]] std::vector<ProcessIdentity> processesOf(const std::filesystem::path& program);
+
+/// Returns the running processes that inherited that file or folder as `Process::keptDescriptor`.
+/// Returns none on macOS.
+[[nodiscard]] std::vector<ProcessIdentity> processesKeeping(const std::filesystem::path& item);
 
 /// Returns whether the process is still running. A zombie is not.
 [[nodiscard]] bool isRunning(const ProcessIdentity& process);

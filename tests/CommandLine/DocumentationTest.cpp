@@ -11,8 +11,9 @@ namespace {
 using namespace testing;
 using ::testing::HasSubstr;
 
-const std::vector<std::string> commands{"inspect", "list", "show", "create", "open",   "delete",
-                                        "migrate", "icon", "apps", "probe",  "running"};
+const std::vector<std::string> commands{"inspect", "list",    "show", "create", "open",
+                                        "delete",  "migrate", "icon", "apps",   "probe",
+                                        "running", "stop",    "log"};
 
 std::set<std::string> optionsIn(const std::string& help) {
     static const std::regex option("--[a-z][a-z-]*");
