@@ -3,6 +3,7 @@
 #include "Base/TerminalText.h"
 #include "CommandLine/CloneCommands.h"
 #include "CommandLine/DeleteCommand.h"
+#include "CommandLine/DuplicateCommand.h"
 #include "CommandLine/IconCommand.h"
 #include "CommandLine/LogCommand.h"
 #include "CommandLine/MigrateCommand.h"
@@ -29,6 +30,7 @@ struct Words {
     DeleteOptions remove{};
     IconOptions icon{};
     ProbeOptions probe{};
+    DuplicateOptions duplicate{};
     StopCommandOptions stop{};
     bool follow = false;
     std::optional<std::string> bundleId{};
@@ -133,6 +135,20 @@ void addCloneCommands(CLI::App& program, Words& words, Command& chosen,
                    words.icon);
 }
 
+void addDuplicateCommand(CLI::App& program, Words& words, Command& chosen,
+                         const CommandContext& context) {
+    CLI::App& duplicate =
+        addCommand(program, "duplicate", "Make a second clone like the first", words, chosen,
+                   [&] { duplicateCommand(context, words.operand, words.duplicate, words.json); });
+    addCloneOperand(duplicate, words);
+    duplicate.add_option("NAME", words.duplicate.name, "The name of the new one")
+        ->required()
+        ->type_name("");
+    duplicate.add_flag("--with-data", words.duplicate.withData, "Copy the data folder, too");
+    duplicate.add_option("--runner", words.duplicate.runner, "The runner to put into the clone")
+        ->type_name("FILE");
+}
+
 // The commands about a clone's run.
 void addRunCommands(CLI::App& program, Words& words, Command& chosen,
                     const CommandContext& context) {
@@ -209,6 +225,7 @@ int runCommandLine(const std::vector<std::string>& arguments, const CommandConte
     Command chosen;
     addAppCommands(program, words, chosen, context);
     addCloneCommands(program, words, chosen, context);
+    addDuplicateCommand(program, words, chosen, context);
     addRunCommands(program, words, chosen, context);
     try {
         std::vector<std::string> reversed = withEmptyValues(program, arguments);

@@ -33,6 +33,10 @@ std::vector<ProcessIdentity> orphansOf(const InstanceRegistry& registry,
 
 } // namespace
 
+bool isCloneRunning(const InstanceRecord& record) {
+    return isHomeInUse(record.config) || !runnersOf(record).empty();
+}
+
 StoppedClone stopClone(const InstanceRegistry& registry, const InstanceRecord& record,
                        const StopOptions& options) {
     using Case = StoppedClone::Case;

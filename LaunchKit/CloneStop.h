@@ -33,6 +33,9 @@ struct StoppedClone {
     std::size_t left = 0;  ///< processes
 };
 
+/// Returns whether anything of the clone runs, or anything else uses its data folder.
+[[nodiscard]] bool isCloneRunning(const InstanceRecord& record);
+
 /// Ends everything that the clone runs: its runner's processes, and what an earlier runner that was
 /// killed left behind in a data folder that is the clone's alone. The user's own browser that a
 /// link was opened in is left out. Blocks. Any thread.

@@ -1,11 +1,13 @@
 #include "LaunchKit/HomeLock.h"
 
+#include "Base/CloneLayout.h"
 #include "Base/PathText.h"
 #include "LaunchKit/InstanceConfig.h"
 #include "Platform/files/FileSystem.h"
 #include "Platform/files/PlatformError.h"
 
 #include <cerrno>
+#include <unistd.h>
 
 namespace quorvel {
 namespace fs = std::filesystem;
@@ -63,6 +65,8 @@ std::optional<FileLock> lockHome(const InstanceConfig& config) {
     createDirectories(home);
     try {
         if (std::optional<FileLock> lock = lockFileOrFolder(home)) {
+            // It is in use, so it is some clone's.
+            (void)::unlink(joinAsText(home, copiedMarkName).c_str());
             return lock;
         }
     } catch (const PlatformError& error) {

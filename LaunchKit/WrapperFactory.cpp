@@ -112,8 +112,8 @@ fs::path WrapperFactory::create(const Request& request, const BeforeWriting& bef
         throw FactoryError::runnerNotFound();
     }
     const WrapperGenerator::Options options{configuration(request, name), *runner,
-                                            request.customIcon, request.hideWrapperIcon,
-                                            beforeWriting};
+                                            request.customIcon,           request.hideWrapperIcon,
+                                            request.iconHasLabel,         beforeWriting};
     fs::path wrapper = WrapperGenerator().generate(folderOf(request), options);
     publish(request, {wrapper, options.config}, warn);
     return wrapper;

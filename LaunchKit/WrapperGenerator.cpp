@@ -120,7 +120,8 @@ fs::path WrapperGenerator::generate(const fs::path& directory, const Options& op
     installRunner(options.runnerBinary, runnerOf(wrapper));
     writeFile(configOf(wrapper), json);
     if (icon) {
-        installIcon(*icon, options.config.iconLabel, iconOf(wrapper));
+        installIcon(*icon, options.iconHasLabel ? std::nullopt : options.config.iconLabel,
+                    iconOf(wrapper));
     }
     writeFile(infoPlistOf(wrapper), info);
     writeFile(joinAsText(contentsOf(wrapper), BundleItem::pkgInfo), "APPL????");

@@ -19,6 +19,7 @@ public:
         std::filesystem::path runnerBinary{};
         std::optional<std::filesystem::path> customIcon{}; ///< replaces the target's own icon
         bool hideWrapperIcon = false;                      ///< no Dock icon
+        bool iconHasLabel = false;                         ///< `customIcon` is drawn already
         /// If set, called with the wrapper's path before anything is changed. What it throws is
         /// passed on.
         std::function<void(const std::filesystem::path& wrapper)> beforeWriting{};

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <ctime>
 #include <filesystem>
 #include <string>
 #include <sys/types.h>
@@ -43,6 +44,10 @@ struct ProcessIdentity {
 /// Returns the running processes that inherited that file or folder as `Process::keptDescriptor`.
 /// Returns none on macOS.
 [[nodiscard]] std::vector<ProcessIdentity> processesKeeping(const std::filesystem::path& item);
+
+/// Returns whether a process of this number is running that was started before that date, in
+/// seconds since 1970. One that was started later has got another one's number.
+[[nodiscard]] bool isRunningSince(pid_t pid, std::time_t date);
 
 /// Returns whether the process is still running. A zombie is not.
 [[nodiscard]] bool isRunning(const ProcessIdentity& process);

@@ -134,6 +134,20 @@ std::vector<ProcessIdentity> processesKeeping(const std::filesystem::path& item)
     });
 }
 
+bool isRunningSince(pid_t pid, std::time_t date) {
+    constexpr std::time_t inaccuracy = 2;
+    const auto stat = processStat(pid);
+    timespec sinceStart{};
+    timespec now{};
+    if (!stat || hasEnded(*stat) || ::clock_gettime(CLOCK_BOOTTIME, &sinceStart) != 0 ||
+        ::clock_gettime(CLOCK_REALTIME, &now) != 0) {
+        return false;
+    }
+    const auto ticks = static_cast<std::uint64_t>(::sysconf(_SC_CLK_TCK));
+    const auto started = static_cast<std::time_t>(stat->started / ticks);
+    return now.tv_sec - sinceStart.tv_sec + started <= date + inaccuracy;
+}
+
 bool isRunning(const ProcessIdentity& process) {
     const auto stat = processStat(process.pid);
     return stat && stat->started == process.started && !hasEnded(*stat);

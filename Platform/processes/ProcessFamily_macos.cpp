@@ -78,6 +78,14 @@ std::vector<ProcessIdentity> processesKeeping(const std::filesystem::path& /*ite
     return {};
 }
 
+bool isRunningSince(pid_t pid, std::time_t date) {
+    constexpr std::uint64_t microseconds = 1'000'000;
+    constexpr std::uint64_t inaccuracy = 2;
+    const auto process = identityOf(pid);
+    return process &&
+           process->started / microseconds <= static_cast<std::uint64_t>(date) + inaccuracy;
+}
+
 bool isRunning(const ProcessIdentity& process) {
     return identityOf(process.pid) == process;
 }

@@ -203,7 +203,7 @@ _quorvelctl() {
   esac
   case $command in
     "") _quorvelctl_offer_words "$current" \
-      "inspect apps probe running list show create open stop log delete migrate icon --help --version"; return ;;
+      "inspect apps probe running list show create open stop log duplicate delete migrate icon --help --version"; return ;;
     inspect) options="--help --json" ;;
     apps) options="--help --json --search-dir" ;;
     probe) options="--help --json --settle-a --settle-b --real-library" ;;
@@ -212,6 +212,7 @@ _quorvelctl() {
     show) options="--help --json" ;;
     create) options="--help --json --kind --name --target --url --open --command --arg --workdir --home --shared-home --output --replace --bundle-id --strategy --icon --hide-icon --extra-arg --no-extra-args --env --no-default-env --plist --browser --open-with --label --label-color --label-position --menu-bar-icon --menu-bar-template --isolate-folders --links --runner --launch" ;;
     open) options="--help --json" ;;
+    duplicate) options="--help --json --with-data --runner" ;;
     stop) options="--help --json --force --wait" ;;
     log) options="--help --json --follow" ;;
     delete) options="--help --json --including-data --yes" ;;
@@ -222,7 +223,7 @@ _quorvelctl() {
     _quorvelctl_offer_words "$current" "$options"
   elif [[ $command == @(inspect|probe|icon) ]]; then
     _quorvelctl_offer "$current" _quorvelctl_files
-  elif [[ $command == @(show|open|stop|log|delete|migrate) ]]; then
+  elif [[ $command == @(show|open|stop|log|duplicate|delete|migrate) ]]; then
     _quorvelctl_offer "$current" _quorvelctl_clones
   fi
 }
