@@ -41,6 +41,10 @@ struct ProcessIdentity {
 /// those of other users.
 [[nodiscard]] std::vector<ProcessIdentity> processesOf(const std::filesystem::path& program);
 
+/// Returns the running processes whose first or second argument is that script, which interpreters
+/// get there. Returns none on macOS.
+[[nodiscard]] std::vector<ProcessIdentity> processesOfScript(const std::filesystem::path& script);
+
 /// Returns the running processes that inherited that file or folder as `Process::keptDescriptor`.
 /// Returns none on macOS.
 [[nodiscard]] std::vector<ProcessIdentity> processesKeeping(const std::filesystem::path& item);

@@ -124,6 +124,22 @@ std::vector<ProcessIdentity> processesOf(const std::filesystem::path& program) {
     });
 }
 
+std::vector<ProcessIdentity> processesOfScript(const std::filesystem::path& script) {
+    constexpr std::size_t limit = std::size_t{4} << 20U;
+    return processesWhere([&](pid_t pid) {
+        const std::string words = readFile(placeInProc(pid, "cmdline"), limit).value_or("");
+        std::size_t start = words.find('\0');
+        for (int word = 0; word < 2 && start != std::string::npos; ++word) {
+            const std::size_t end = words.find('\0', start + 1);
+            if (words.substr(start + 1, end - start - 1) == script) {
+                return true;
+            }
+            start = end;
+        }
+        return false;
+    });
+}
+
 std::vector<ProcessIdentity> processesKeeping(const std::filesystem::path& item) {
     const auto wanted = identityOf(item);
     const std::string name = "fd/" + std::to_string(Process::keptDescriptor);

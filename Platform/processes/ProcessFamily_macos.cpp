@@ -74,6 +74,10 @@ std::vector<ProcessIdentity> processesOf(const std::filesystem::path& program) {
     return found;
 }
 
+std::vector<ProcessIdentity> processesOfScript(const std::filesystem::path& /*script*/) {
+    return {};
+}
+
 std::vector<ProcessIdentity> processesKeeping(const std::filesystem::path& /*item*/) {
     return {};
 }

@@ -210,7 +210,7 @@ _quorvelctl() {
     running) options="--help --json" ;;
     list) options="--help --json --search-dir" ;;
     show) options="--help --json" ;;
-    create) options="--help --json --kind --name --target --url --open --command --arg --workdir --home --shared-home --output --replace --bundle-id --strategy --icon --hide-icon --extra-arg --no-extra-args --env --no-default-env --plist --browser --open-with --label --label-color --label-position --menu-bar-icon --menu-bar-template --isolate-folders --links --runner --launch" ;;
+    create) options="--help --json --kind --name --target --url --open --command --arg --workdir --home --shared-home --output --replace --seed --bundle-id --strategy --icon --hide-icon --extra-arg --no-extra-args --env --no-default-env --plist --browser --open-with --label --label-color --label-position --menu-bar-icon --menu-bar-template --isolate-folders --links --runner --launch" ;;
     open) options="--help --json" ;;
     duplicate) options="--help --json --with-data --runner" ;;
     stop) options="--help --json --force --wait" ;;
