@@ -7,7 +7,9 @@
 #include "CommandLine/CloneLookup.h"
 #include "CommandLine/CloneTexts.h"
 #include "CommandLine/Confirmation.h"
-#include "LaunchKit/CloneCreation.h"
+#include "CommandLine/CopyTexts.h"
+#include "LaunchKit/CloneWithData.h"
+#include "LaunchKit/DataSeed.h"
 #include "LaunchKit/InstanceLauncher.h"
 #include "LaunchKit/InstanceRecord.h"
 #include "LaunchKit/MenuEntries.h"
@@ -55,13 +57,38 @@ CommandError withHint(const InvalidRequest& refused, const char* hint) {
     return CommandError(refused.what() + std::string(" ") + hint);
 }
 
-// Refusals say which option allows what was asked for.
-MadeClone madeClone(const CommandContext& context, const WrapperFactory& factory,
-                    const WrapperFactory::Request& request, const RequestPermissions& permissions) {
+// What to make, and what to begin with; absent: an empty data folder.
+struct Creation {
+    WrapperFactory factory{};
+    WrapperFactory::Request request{};
+    std::optional<std::vector<DataPart>> seed{};
+};
+
+MadeClone madeWithSeed(const CommandContext& context, const Creation& creation,
+                       const RequestPermissions& permissions, const WrapperFactory::Warning& warn) {
+    CopyBar bar(context);
     try {
-        return createClone(factory, request, permissions, [&](const std::string& warning) {
-            context.errors << terminalText(warning) << "\n" << std::flush;
-        });
+        CloneWithData made = createCloneWithData(creation.factory, creation.request, permissions,
+                                                 *creation.seed, bar.options(), warn);
+        bar.erase();
+        context.errors << copyLine(made.data) << std::flush;
+        return std::move(made.clone);
+    } catch (const CopyCancelled&) {
+        bar.erase();
+        bar.deliverInterrupt();
+        throw;
+    }
+}
+
+// Refusals say which option allows what was asked for.
+MadeClone madeClone(const CommandContext& context, const Creation& creation,
+                    const RequestPermissions& permissions) {
+    const auto warn = [&](const std::string& warning) {
+        context.errors << terminalText(warning) << "\n" << std::flush;
+    };
+    try {
+        return creation.seed ? madeWithSeed(context, creation, permissions, warn)
+                             : createClone(creation.factory, creation.request, permissions, warn);
     } catch (const SharedHome& refused) {
         throw withHint(refused, "With --shared-home, it is used anyway.");
     } catch (const CloneExists& refused) {
@@ -88,23 +115,22 @@ void considerTarget(WrapperFactory::Request& request, bool addsEnvironment) {
 }
 
 // Asks before replacing a clone that can't be read, if the input is a terminal.
-MadeClone madeCloneAfterQuestion(const CommandContext& context, const WrapperFactory& factory,
-                                 const WrapperFactory::Request& request,
+MadeClone madeCloneAfterQuestion(const CommandContext& context, const Creation& creation,
                                  RequestPermissions permissions) {
     try {
-        return madeClone(context, factory, request, permissions);
+        return madeClone(context, creation, permissions);
     } catch (const DamagedClone& refused) {
         if (!context.inputIsTerminal) {
             throw withHint(refused, "With --replace, it is replaced.");
         }
     }
-    const fs::path place = WrapperFactory::wrapperURL(request);
+    const fs::path place = WrapperFactory::wrapperURL(creation.request);
     if (!confirmed(context,
                    "The clone at " + place.string() + " can’t be read any more. Replace it?")) {
         throw CommandError("Nothing was replaced.");
     }
     permissions.damagedClone = true;
-    return madeClone(context, factory, request, permissions);
+    return madeClone(context, creation, permissions);
 }
 
 } // namespace
@@ -165,11 +191,14 @@ void createCommand(const CommandContext& context, const CreateOptions& options, 
         request.targetApp = findApp(*options.target);
     }
     considerTarget(request, !options.noDefaultEnvironment);
-    const auto [wrapper, record] =
-        madeCloneAfterQuestion(context, WrapperFactory(options.runner), request,
-                               {.sharedHome = options.sharedHome,
-                                .existingClone = options.replace,
-                                .damagedClone = options.replace});
+    Creation creation{.factory = WrapperFactory(options.runner), .request = request};
+    if (options.seed) {
+        creation.seed = seedFor(request);
+    }
+    const auto [wrapper, record] = madeCloneAfterQuestion(context, creation,
+                                                          {.sharedHome = options.sharedHome,
+                                                           .existingClone = options.replace,
+                                                           .damagedClone = options.replace});
     repairMenu(context.registry.list());
     if (!record) {
         throw CommandError("The clone at " + wrapper.string() + " can’t be read back.");

@@ -5,10 +5,13 @@
 #include "CommandLine/CloneCommands.h"
 #include "CommandLine/CloneLookup.h"
 #include "CommandLine/DeleteCommand.h"
+#include "CommandLine/DuplicateCommand.h"
 #include "CommandLine/IconCommand.h"
+#include "CommandLine/LogCommand.h"
 #include "CommandLine/MigrateCommand.h"
 #include "CommandLine/OptionBinding.h"
 #include "CommandLine/ProbeCommands.h"
+#include "CommandLine/StopCommand.h"
 #include "LaunchKit/ChangeRecovery.h"
 
 #include <CLI/CLI.hpp>
@@ -34,6 +37,9 @@ struct Words {
     DeleteOptions remove{};
     IconOptions icon{};
     ProbeOptions probe{};
+    DuplicateOptions duplicate{};
+    StopCommandOptions stop{};
+    bool follow = false;
     std::optional<std::string> bundleId{};
     bool json = false;
 };
@@ -173,6 +179,38 @@ void addCloneCommands(CLI::App& program, Words& words, Command& chosen,
                    words.icon);
 }
 
+void addDuplicateCommand(CLI::App& program, Words& words, Command& chosen,
+                         const CommandContext& context) {
+    CLI::App& duplicate =
+        addCommand(program, "duplicate", "Make a second clone like the first", words, chosen,
+                   [&] { duplicateCommand(context, words.operand, words.duplicate, words.json); });
+    addCloneOperand(duplicate, words);
+    duplicate.add_option("NAME", words.duplicate.name, "The name of the new one")
+        ->required()
+        ->type_name("");
+    duplicate.add_flag("--with-data", words.duplicate.withData, "Copy the data folder, too");
+    duplicate.add_option("--runner", words.duplicate.runner, "The runner to put into the clone")
+        ->type_name("FILE");
+}
+
+// The commands about a clone's run.
+void addRunCommands(CLI::App& program, Words& words, Command& chosen,
+                    const CommandContext& context) {
+    CLI::App& stop =
+        addCommand(program, "stop", "End everything that a clone runs", words, chosen,
+                   [&] { stopCommand(context, words.operand, words.stop, words.json); });
+    addCloneOperand(stop, words);
+    stop.add_flag("--force", words.stop.force, "Kill what does not end when asked to");
+    stop.add_option("--wait", words.stop.wait, "Seconds to wait before that (default: 10)")
+        ->type_name("S")
+        ->check(CLI::Range(0.0, 3600.0).description(""));
+    CLI::App& log = addCommand(program, "log", "Print a clone's log", words, chosen, [&] {
+        logCommand(context, words.operand, words.follow, words.json);
+    });
+    addCloneOperand(log, words);
+    log.add_flag("--follow", words.follow, "Go on with what is added, until interrupted");
+}
+
 // Returns the usage of the command given, or of the whole program if none was.
 std::string usage(const CLI::App& program) {
     const auto chosen = program.get_subcommands();
@@ -239,6 +277,8 @@ int runCommandLine(const std::vector<std::string>& arguments, const CommandConte
     Command chosen;
     addAppCommands(program, words, chosen, context);
     addCloneCommands(program, words, chosen, context);
+    addDuplicateCommand(program, words, chosen, context);
+    addRunCommands(program, words, chosen, context);
     try {
         std::vector<std::string> reversed = withEmptyValues(program, arguments);
         std::reverse(reversed.begin(), reversed.end());

@@ -135,6 +135,7 @@ void addCreateOptions(CLI::App& create, CreateOptions& options) {
     add.file("--output", request.outputDir, "Where the clone is put (default: ~/Applications)",
              "DIR");
     create.add_flag("--replace", options.replace, "Replace a clone of that name; its data stays");
+    create.add_flag("--seed", options.seed, "Start with a copy of the original's data");
     add.text("--bundle-id", request.bundleId, "The clone's bundle identifier", "ID");
     addChoice(create, "--strategy", "How its data is kept apart", "STRATEGY", request.strategy);
     addIconOptions(create, options);
@@ -151,6 +152,9 @@ WrapperFactory::Request requestFrom(const CreateOptions& options) {
     WrapperFactory::Request request = options.request;
     requireTarget(request);
     request.displayName = validatedCloneName(request.displayName);
+    if (options.seed && request.kind != ShortcutKind::app) {
+        throw UsageError("--seed is for clones of applications");
+    }
     if (options.noExtraArgs && !options.extraArgs.empty()) {
         throw UsageError("--no-extra-args and --extra-arg can’t be used together");
     }

@@ -25,6 +25,7 @@ struct CreateOptions {
     bool noDefaultEnvironment = false;
     bool sharedHome = false;
     bool replace = false;
+    bool seed = false;
     std::optional<std::filesystem::path> runner{};
     bool launch = false;
 };

@@ -27,6 +27,7 @@ struct RecordTable<AppProfile> {
         ProfileRow::required<&AppProfile::verifiedOn>("verifiedOn"),
         ProfileRow::required<&AppProfile::confidence>("confidence"),
         ProfileRow::of<&AppProfile::environment>("environment"),
+        ProfileRow::of<&AppProfile::dataFolders>("dataFolders"),
     });
 };
 

@@ -61,6 +61,10 @@ struct AppProfile {
     /// The variables that a clone needs to run beside the original; absent if it needs none.
     std::optional<std::map<std::string, std::string>> environment{};
 
+    /// Where the app keeps its data, relative to the home, such as ".config/app"; absent if that is
+    /// not known.
+    std::optional<std::vector<std::string>> dataFolders{};
+
     bool operator==(const AppProfile&) const = default;
 
     /// Returns the profile as it applies on the system with this signature: confidence not

@@ -34,11 +34,12 @@ std::optional<FileLock> lockAndValidate(const fs::path& folder,
 } // namespace
 
 MadeClone createClone(const WrapperFactory& factory, const WrapperFactory::Request& request,
-                      const RequestPermissions& permissions, const WrapperFactory::Warning& warn) {
+                      const RequestPermissions& permissions, const WrapperFactory::Warning& warn,
+                      const WrapperFactory::BeforeWriting& beforeWriting) {
     const fs::path folder = WrapperFactory::wrapperURL(request).parent_path();
     std::optional<FileLock> lock = lockAndValidate(
         folder, [&] { validateRequest(request, factory.runnerBinary, permissions); });
-    const auto beforeWriting = [&](const fs::path& wrapper) {
+    const auto lockLate = [&](const fs::path& wrapper) {
         if (!lock) {
             std::error_code ignored; // writing the wrapper reports it
             fs::create_directories(folder, ignored);
@@ -46,8 +47,11 @@ MadeClone createClone(const WrapperFactory& factory, const WrapperFactory::Reque
             // Another creation may have made the folder, and this clone in it.
             requireReplaceable(wrapper, permissions);
         }
+        if (beforeWriting) {
+            beforeWriting(wrapper);
+        }
     };
-    MadeClone made{.wrapper = factory.create(request, beforeWriting, warn)};
+    MadeClone made{.wrapper = factory.create(request, lockLate, warn)};
     made.record = InstanceRegistry().record(made.wrapper);
     return made;
 }

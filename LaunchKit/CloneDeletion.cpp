@@ -1,5 +1,7 @@
 #include "LaunchKit/CloneDeletion.h"
 
+#include "Base/CloneLayout.h"
+#include "Base/PathText.h"
 #include "LaunchKit/DataFolderGuard.h"
 #include "LaunchKit/HomeLock.h"
 #include "LaunchKit/InstanceRecord.h"
@@ -15,6 +17,7 @@
 #include <optional>
 #include <string_view>
 #include <tuple>
+#include <unistd.h>
 
 namespace quorvel {
 namespace fs = std::filesystem;
@@ -167,6 +170,8 @@ DeletedData deleteClone(const InstanceRegistry& registry, const InstanceRecord& 
         wrapper->refuseUnchangeable(relativeConfig());
     }
     refuseAnother(registry, record);
+    // Data that is kept must not be taken for what an interrupted copy left.
+    (void)::unlink(joinAsText(record.config.resolvedHome(), copiedMarkName).c_str());
     const std::string identity = cloneIdentity(record.bundleURL);
     const bool isIdle = leavesTemporaryFolder(record.config);
     DataStep data = includingData ? dataStep(registry, record) : DataStep();

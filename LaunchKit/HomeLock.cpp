@@ -1,11 +1,13 @@
 #include "LaunchKit/HomeLock.h"
 
+#include "Base/CloneLayout.h"
 #include "Base/PathText.h"
 #include "LaunchKit/InstanceConfig.h"
 #include "Platform/files/FileSystem.h"
 #include "Platform/files/PlatformError.h"
 
 #include <cerrno>
+#include <unistd.h>
 #include <utility>
 
 namespace quorvel {
@@ -66,6 +68,8 @@ std::optional<FileLock> lockHome(const InstanceConfig& config) {
     createDirectories(home);
     try {
         if (std::optional<FileLock> lock = lockFileOrFolder(home)) {
+            // It is in use, so it is some clone's.
+            (void)::unlink(joinAsText(home, copiedMarkName).c_str());
             return lock;
         }
     } catch (const PlatformError& error) {

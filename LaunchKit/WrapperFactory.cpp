@@ -116,9 +116,16 @@ fs::path WrapperFactory::create(const Request& request, const BeforeWriting& bef
     if (!runner) {
         throw FactoryError::runnerNotFound();
     }
-    const WrapperGenerator::Options options{configuration(request, name), *runner,
-                                            request.customIcon,           request.hideWrapperIcon,
-                                            sourceOfArguments(request),   beforeWriting};
+    // A picture that has the label already says nothing about the icon before.
+    const auto arguments =
+        request.iconHasLabel ? std::nullopt : std::optional(sourceOfArguments(request));
+    const WrapperGenerator::Options options{.config = configuration(request, name),
+                                            .runnerBinary = *runner,
+                                            .customIcon = request.customIcon,
+                                            .hideWrapperIcon = request.hideWrapperIcon,
+                                            .iconHasLabel = request.iconHasLabel,
+                                            .arguments = arguments,
+                                            .beforeWriting = beforeWriting};
     fs::path wrapper = WrapperGenerator().generate(folderOf(request), options);
     publish(request, {wrapper, options.config}, warn);
     return wrapper;

@@ -26,6 +26,7 @@ public:
         std::optional<std::filesystem::path> outputDir{}; ///< `defaultOutputDir()`
         std::optional<std::string> bundleId{};            ///< `defaultBundleId(name)`
         std::optional<std::filesystem::path> customIcon{};
+        bool iconHasLabel = false; ///< `customIcon` is drawn already
         bool hideWrapperIcon = false;
         std::optional<std::vector<std::string>>
             extraArgs{}; ///< those that the target's engine needs

@@ -41,7 +41,7 @@ WrapperContents contentsFor(const WrapperGenerator::Options& options,
     WrapperContents contents;
     contents.runner = options.runnerBinary;
     contents.config = options.config.json();
-    contents.label = options.config.iconLabel;
+    contents.label = options.iconHasLabel ? std::nullopt : options.config.iconLabel;
     contents.icon = wrapperIcon(chosenIcon(options, wrapper), target, contents.label);
     contents.list = PropertyList::xml(WrapperPropertyList::infoPlist(
         options, contents.icon ? std::optional<std::string>(wrapperIconName) : std::nullopt));

@@ -20,6 +20,7 @@ public:
         std::filesystem::path runnerBinary{};
         std::optional<std::filesystem::path> customIcon{}; ///< replaces the target's own icon
         bool hideWrapperIcon = false;                      ///< no Dock icon
+        bool iconHasLabel = false;                         ///< `customIcon` is drawn already
         /// Where the arguments for the target come from. If set, the wrapper gets notes of what its
         /// configuration can't hold.
         std::optional<ArgumentSource> arguments{};

@@ -7,6 +7,8 @@
 #include "Platform/files/FileSystem.h"
 #include "Platform/files/FileWriting.h"
 
+#include <utility>
+
 namespace quorvel {
 namespace fs = std::filesystem;
 namespace {
@@ -14,10 +16,12 @@ namespace {
 std::optional<WrapperIcon> iconOfEntry(const AppBundle& target,
                                        const std::optional<IconLabel>& label) {
     const auto file = appIconFile(target);
+    if (!file) {
+        return std::nullopt;
+    }
     try {
-        return file ? std::optional(WrapperIcon{*file, IconSource::target,
-                                                IconComposer::converted(*file, label)})
-                    : std::nullopt;
+        std::string converted = IconComposer::converted(*file, label);
+        return WrapperIcon{*file, IconSource::target, std::move(converted)};
     } catch (const IconComposer::ComposeError&) {
         return std::nullopt; // a clone without an icon is better than none
     }

@@ -4,6 +4,7 @@
 #include "LaunchKit/HomeLock.h"
 #include "LaunchKit/InstanceConfig.h"
 #include "LaunchKit/InstanceLauncher.h"
+#include "LaunchKit/LogRotation.h"
 #include "LaunchKit/StatusItemStart.h"
 #include "LaunchKit/WindowNaming.h"
 #include "LaunchKit/WindowWord.h"
@@ -79,6 +80,7 @@ std::vector<Process> companionsOf(const AppBundle* app, const InstanceConfig& co
 int superviseApp(const InstanceConfig& config, const std::vector<std::string>& documents,
                  StartDetails details, const StartReport& report, const SignalForwarder& signals) {
     const std::optional<FileLock> lock = lockHome(config);
+    setAsideLargeLog(config.resolvedHome());
     details.kept = lock ? lock->descriptor() : -1;
     const AppBundle app = InstanceLauncher::targetOf(config);
     Process target = InstanceLauncher().launch(app, config, documents, details);
@@ -112,6 +114,7 @@ int launchAndSupervise(const InstanceConfig& config, const std::vector<std::stri
             adoptOrphans();
             return superviseApp(config, documents, details, report, signals);
         }
+        setAsideLargeLog(config.resolvedHome());
         Process target = InstanceLauncher().launch(config);
         report.started();
         // What a file clone opens lasts longer than the runner.

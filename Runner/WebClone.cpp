@@ -3,6 +3,7 @@
 #include "LaunchKit/HelperProgram.h"
 #include "LaunchKit/HomeLock.h"
 #include "LaunchKit/InstanceConfig.h"
+#include "LaunchKit/LogRotation.h"
 #include "Platform/files/PlatformError.h"
 #include "Platform/processes/LoadedModule.h"
 #include "Runner/RunnerMessages.h"
@@ -140,6 +141,7 @@ int showOnce(const WebCloneStart& start, const std::filesystem::path& module,
     while (true) {
         try {
             const std::optional<FileLock> lock = lockHome(start.config);
+            setAsideLargeLog(start.config.resolvedHome());
             // Without locks, only its answer tells that there is another one.
             return !lock && handedOver(start, report, patience)
                        ? 0

@@ -22,7 +22,7 @@ int main(int count, char** arguments) {
         {"runner", runnerRows},     {"running", runningApplicationsRows},
         {"catalog", catalogRows},   {"recorder", recorderRows},
         {"icons", iconRows},        {"entries", entriesRows},
-        {"menu", menuRows},
+        {"menu", menuRows},         {"copy", copyRows},
     };
     const std::vector<std::string> wanted(arguments + 1, arguments + count);
     for (const auto& [name, benchmark] : benchmarks) {

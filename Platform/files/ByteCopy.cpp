@@ -1,5 +1,7 @@
 #include "Platform/files/ByteCopy.h"
 
+#include "Platform/files/FileCloning.h"
+
 #include <algorithm>
 #include <array>
 #include <cerrno>
@@ -8,6 +10,8 @@
 
 namespace quorvel {
 namespace {
+
+using Observer = std::function<void(std::size_t)>;
 
 struct Range {
     off_t start = 0;
@@ -41,7 +45,24 @@ bool writeAll(const FileHandle& to, const char* bytes, std::size_t count, off_t 
     return true;
 }
 
-bool copyRange(const FileHandle& from, const FileHandle& to, Range range) {
+// Copies as much as the system does itself, and moves the range's start behind that.
+void copyInSystem(const FileHandle& from, const FileHandle& to, Range& range,
+                  const Observer& copied) {
+    constexpr std::size_t most = std::size_t{8} << 20U;
+    while (range.start < range.end) {
+        const auto wanted = std::min(most, static_cast<std::size_t>(range.end - range.start));
+        const ssize_t count = copyRange(from.descriptor(), to.descriptor(), range.start, wanted);
+        if (count <= 0) {
+            return;
+        }
+        range.start += count;
+        if (copied) {
+            copied(static_cast<std::size_t>(count));
+        }
+    }
+}
+
+bool copyRest(const FileHandle& from, const FileHandle& to, Range range, const Observer& copied) {
     std::array<char, 65536> buffer; // NOLINT(cppcoreguidelines-pro-type-member-init): read into
     while (range.start < range.end) {
         const auto wanted =
@@ -57,22 +78,34 @@ bool copyRange(const FileHandle& from, const FileHandle& to, Range range) {
             return false;
         }
         range.start += count;
+        if (copied) {
+            copied(static_cast<std::size_t>(count));
+        }
     }
     return true;
 }
 
+// Asking for holes takes longer than copying a small file.
+bool mayHaveHoles(const struct stat& facts) {
+    constexpr off_t unit = 512;
+    return facts.st_blocks * unit < facts.st_size;
+}
+
 } // namespace
 
-bool copyBytes(const FileHandle& from, const FileHandle& to) {
+bool copyBytes(const FileHandle& from, const FileHandle& to, const Observer& copied) {
     struct stat facts {};
     if (::fstat(from.descriptor(), &facts) != 0) {
         return false;
     }
     off_t written = 0;
     for (Range range{}; range.end < facts.st_size;) {
-        range = nextBytes(from, range.end, facts.st_size);
+        range = mayHaveHoles(facts) ? nextBytes(from, range.end, facts.st_size)
+                                    : Range{0, facts.st_size};
         if (range.start < range.end) {
-            if (!copyRange(from, to, range)) {
+            Range rest = range;
+            copyInSystem(from, to, rest, copied);
+            if (!copyRest(from, to, rest, copied)) {
                 return false;
             }
             written = range.end;

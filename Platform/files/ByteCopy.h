@@ -2,10 +2,15 @@
 
 #include "Platform/files/FileHandle.h"
 
+#include <cstddef>
+#include <functional>
+
 namespace quorvel {
 
 /// Copies the bytes of an open regular file into an empty one. Holes are kept where the file
-/// systems support them. Returns false if that fails (`errno` says why).
-[[nodiscard]] bool copyBytes(const FileHandle& from, const FileHandle& to);
+/// systems support them. Calls `copied` now and then with the number of bytes that were copied
+/// since; what it throws is passed on. Returns false if the copy fails (`errno` says why).
+[[nodiscard]] bool copyBytes(const FileHandle& from, const FileHandle& to,
+                             const std::function<void(std::size_t)>& copied = {});
 
 } // namespace quorvel

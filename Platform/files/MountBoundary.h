@@ -31,4 +31,9 @@ struct Mount {
 /// EXDEV if it is not on `mount`, ENOTDIR or ELOOP if it is not a folder.
 [[nodiscard]] int openFolderOnMount(int folder, const char* name, const Mount& mount);
 
+/// Opens the file `name` in an open folder for reading, without waiting for the other end of a
+/// FIFO. Returns a descriptor, or -1 with `errno`: EXDEV if it is not on `mount`, ELOOP if it is a
+/// link.
+[[nodiscard]] int openFileOnMount(int folder, const char* name, const Mount& mount);
+
 } // namespace quorvel

@@ -15,6 +15,7 @@
 namespace quorvel {
 namespace {
 
+constexpr int fileFlags = O_RDONLY | O_NOFOLLOW | O_CLOEXEC | O_NONBLOCK | O_NOCTTY;
 constexpr int folderFlags = O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC | O_NONBLOCK;
 
 // Before Linux 5.8, the mount id of an open item is available only here.
@@ -73,21 +74,33 @@ std::optional<Mount> mountOf(int folder, const char* name) {
     return item.descriptor() < 0 ? std::nullopt : mountOf(item.descriptor());
 }
 
-int openFolderOnMount(int folder, const char* name, const Mount& mount) {
+namespace {
+
+int openOnMount(int folder, const char* name, int flags, const Mount& mount) {
     open_how how{};
-    how.flags = folderFlags;
+    how.flags = static_cast<std::uint64_t>(flags);
     how.resolve = RESOLVE_NO_XDEV | RESOLVE_NO_SYMLINKS;
     const auto opened = static_cast<int>(::syscall(SYS_openat2, folder, name, &how, sizeof how));
     // Older kernels lack the call, and containers may forbid it.
     if (opened >= 0 || (errno != ENOSYS && errno != EPERM)) {
         return opened;
     }
-    FileHandle handle(::openat(folder, name, folderFlags));
+    FileHandle handle(::openat(folder, name, flags));
     if (handle.descriptor() >= 0 && mountOf(handle.descriptor()) != mount) {
         errno = EXDEV;
         return -1;
     }
     return handle.release();
+}
+
+} // namespace
+
+int openFolderOnMount(int folder, const char* name, const Mount& mount) {
+    return openOnMount(folder, name, folderFlags, mount);
+}
+
+int openFileOnMount(int folder, const char* name, const Mount& mount) {
+    return openOnMount(folder, name, fileFlags, mount);
 }
 
 } // namespace quorvel

@@ -29,14 +29,27 @@ std::optional<Mount> mountOf(int folder, const char* name) {
     return Mount{.id = static_cast<std::uint64_t>(facts.st_dev), .isDevice = true};
 }
 
-int openFolderOnMount(int folder, const char* name, const Mount& mount) {
-    FileHandle opened(
-        ::openat(folder, name, O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC | O_NONBLOCK));
+namespace {
+
+constexpr int fileFlags = O_RDONLY | O_NOFOLLOW | O_CLOEXEC | O_NONBLOCK | O_NOCTTY;
+
+int openOnMount(int folder, const char* name, int flags, const Mount& mount) {
+    FileHandle opened(::openat(folder, name, flags));
     if (opened.descriptor() >= 0 && mountOf(opened.descriptor()) != mount) {
         errno = EXDEV;
         return -1;
     }
     return opened.release();
+}
+
+} // namespace
+
+int openFolderOnMount(int folder, const char* name, const Mount& mount) {
+    return openOnMount(folder, name, fileFlags | O_DIRECTORY, mount);
+}
+
+int openFileOnMount(int folder, const char* name, const Mount& mount) {
+    return openOnMount(folder, name, fileFlags, mount);
 }
 
 } // namespace quorvel

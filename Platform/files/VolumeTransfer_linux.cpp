@@ -46,6 +46,10 @@ std::array<timespec, 2> datesIn(const struct stat& status) {
     return {status.st_atim, status.st_mtim};
 }
 
+timespec changeIn(const struct stat& status) {
+    return status.st_ctim;
+}
+
 bool copyExtendedAttributes(int from, int to) {
     const auto names =
         bytesFrom([&](char* bytes, std::size_t size) { return ::flistxattr(from, bytes, size); });

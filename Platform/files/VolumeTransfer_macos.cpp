@@ -9,6 +9,10 @@ std::array<timespec, 2> datesIn(const struct stat& status) {
     return {status.st_atimespec, status.st_mtimespec};
 }
 
+timespec changeIn(const struct stat& status) {
+    return status.st_ctimespec;
+}
+
 bool copyExtendedAttributes(int from, int to) {
     return ::fcopyfile(from, to, nullptr, COPYFILE_XATTR | COPYFILE_ACL) == 0;
 }

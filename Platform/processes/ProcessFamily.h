@@ -1,6 +1,8 @@
 #pragma once
 
 #include <cstdint>
+#include <ctime>
+#include <filesystem>
 #include <string>
 #include <sys/types.h>
 #include <vector>
@@ -34,6 +36,22 @@ struct ProcessIdentity {
 /// Returns the running processes of this user that were started with this value of HOME. Returns
 /// none on macOS, which has no reliable way to find them.
 [[nodiscard]] std::vector<ProcessIdentity> processesWithHome(const std::string& home);
+
+/// Returns the running processes whose program is that file, also if it was removed since. Skips
+/// those of other users.
+[[nodiscard]] std::vector<ProcessIdentity> processesOf(const std::filesystem::path& program);
+
+/// Returns the running processes whose first or second argument is that script, which interpreters
+/// get there. Returns none on macOS.
+[[nodiscard]] std::vector<ProcessIdentity> processesOfScript(const std::filesystem::path& script);
+
+/// Returns the running processes that inherited that file or folder as `Process::keptDescriptor`.
+/// Returns none on macOS.
+[[nodiscard]] std::vector<ProcessIdentity> processesKeeping(const std::filesystem::path& item);
+
+/// Returns whether a process of this number is running that was started before that date, in
+/// seconds since 1970. One that was started later has got another one's number.
+[[nodiscard]] bool isRunningSince(pid_t pid, std::time_t date);
 
 /// Returns whether the process is still running. A zombie is not.
 [[nodiscard]] bool isRunning(const ProcessIdentity& process);

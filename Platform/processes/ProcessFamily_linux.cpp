@@ -1,10 +1,14 @@
 #include "Platform/processes/ProcessFamily.h"
 
 #include "Platform/files/FileReading.h"
+#include "Platform/files/ItemIdentity.h"
+#include "Platform/processes/Process.h"
 #include "Platform/processes/ProcessStat_linux.h"
 
 #include <map>
 #include <optional>
+#include <string_view>
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace quorvel {
@@ -14,10 +18,29 @@ bool hasEnded(const ProcessStat& stat) {
     return stat.state == 'Z' || stat.state == 'X';
 }
 
+std::string placeInProc(pid_t pid, const std::string& name) {
+    return "/proc/" + std::to_string(pid) + "/" + name;
+}
+
+template<typename Predicate>
+std::vector<ProcessIdentity> processesWhere(const Predicate& matches) {
+    std::vector<ProcessIdentity> found;
+    for (const pid_t pid : allProcesses()) {
+        if (!matches(pid)) {
+            continue;
+        }
+        const auto stat = processStat(pid);
+        if (stat && !hasEnded(*stat)) {
+            found.push_back({pid, stat->started});
+        }
+    }
+    return found;
+}
+
 // Returns the HOME that the process was started with.
 std::optional<std::string> homeOf(pid_t pid) {
     constexpr std::size_t limit = std::size_t{8} << 20U;
-    const auto environment = readFile("/proc/" + std::to_string(pid) + "/environ", limit);
+    const auto environment = readFile(placeInProc(pid, "environ"), limit);
     const std::string text = '\0' + environment.value_or(std::string()) + '\0';
     const std::string name("\0HOME=", 6);
     const std::size_t start = text.find(name);
@@ -89,14 +112,56 @@ std::vector<ProcessIdentity> cloneProcesses(pid_t runner) {
 }
 
 std::vector<ProcessIdentity> processesWithHome(const std::string& home) {
-    std::vector<ProcessIdentity> found;
-    for (const pid_t pid : allProcesses()) {
-        const auto stat = processStat(pid);
-        if (stat && !hasEnded(*stat) && homeOf(pid) == home) {
-            found.push_back({pid, stat->started});
+    return processesWhere([&](pid_t pid) { return homeOf(pid) == home; });
+}
+
+std::vector<ProcessIdentity> processesOf(const std::filesystem::path& program) {
+    return processesWhere([&](pid_t pid) {
+        char file[4096];
+        const ssize_t length = ::readlink(placeInProc(pid, "exe").c_str(), file, sizeof file);
+        const std::string_view path(file, length < 0 ? 0 : static_cast<std::size_t>(length));
+        return path == program.native() || path == program.native() + " (deleted)";
+    });
+}
+
+std::vector<ProcessIdentity> processesOfScript(const std::filesystem::path& script) {
+    constexpr std::size_t limit = std::size_t{4} << 20U;
+    return processesWhere([&](pid_t pid) {
+        const std::string words = readFile(placeInProc(pid, "cmdline"), limit).value_or("");
+        std::size_t start = words.find('\0');
+        for (int word = 0; word < 2 && start != std::string::npos; ++word) {
+            const std::size_t end = words.find('\0', start + 1);
+            if (words.substr(start + 1, end - start - 1) == script) {
+                return true;
+            }
+            start = end;
         }
+        return false;
+    });
+}
+
+std::vector<ProcessIdentity> processesKeeping(const std::filesystem::path& item) {
+    const auto wanted = identityOf(item);
+    const std::string name = "fd/" + std::to_string(Process::keptDescriptor);
+    return processesWhere([&](pid_t pid) {
+        struct stat status {};
+        return wanted && ::stat(placeInProc(pid, name).c_str(), &status) == 0 &&
+               identityOf(status) == *wanted;
+    });
+}
+
+bool isRunningSince(pid_t pid, std::time_t date) {
+    constexpr std::time_t inaccuracy = 2;
+    const auto stat = processStat(pid);
+    timespec sinceStart{};
+    timespec now{};
+    if (!stat || hasEnded(*stat) || ::clock_gettime(CLOCK_BOOTTIME, &sinceStart) != 0 ||
+        ::clock_gettime(CLOCK_REALTIME, &now) != 0) {
+        return false;
     }
-    return found;
+    const auto ticks = static_cast<std::uint64_t>(::sysconf(_SC_CLK_TCK));
+    const auto started = static_cast<std::time_t>(stat->started / ticks);
+    return now.tv_sec - sinceStart.tv_sec + started <= date + inaccuracy;
 }
 
 bool isRunning(const ProcessIdentity& process) {

@@ -56,6 +56,40 @@ std::vector<ProcessIdentity> processesWithHome(const std::string& /*home*/) {
     return {};
 }
 
+std::vector<ProcessIdentity> processesOf(const std::filesystem::path& program) {
+    constexpr std::size_t most = 16384;
+    std::vector<pid_t> all(most);
+    const int count = proc_listallpids(all.data(), static_cast<int>(all.size() * sizeof(pid_t)));
+    std::vector<ProcessIdentity> found;
+    for (int index = 0; index < count; ++index) {
+        const pid_t pid = all[static_cast<std::size_t>(index)];
+        char file[PROC_PIDPATHINFO_MAXSIZE];
+        const auto process = proc_pidpath(pid, file, sizeof file) > 0 && program == file
+                                 ? identityOf(pid)
+                                 : std::nullopt;
+        if (process) {
+            found.push_back(*process);
+        }
+    }
+    return found;
+}
+
+std::vector<ProcessIdentity> processesOfScript(const std::filesystem::path& /*script*/) {
+    return {};
+}
+
+std::vector<ProcessIdentity> processesKeeping(const std::filesystem::path& /*item*/) {
+    return {};
+}
+
+bool isRunningSince(pid_t pid, std::time_t date) {
+    constexpr std::uint64_t microseconds = 1'000'000;
+    constexpr std::uint64_t inaccuracy = 2;
+    const auto process = identityOf(pid);
+    return process &&
+           process->started / microseconds <= static_cast<std::uint64_t>(date) + inaccuracy;
+}
+
 bool isRunning(const ProcessIdentity& process) {
     return identityOf(process.pid) == process;
 }

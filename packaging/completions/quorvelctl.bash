@@ -203,18 +203,21 @@ _quorvelctl() {
   esac
   case $command in
     "") _quorvelctl_offer_words "$current" \
-      "inspect apps probe running list show create edit rename refresh open delete migrate icon --help --version"; return ;;
+      "inspect apps probe running list show create edit rename refresh open stop log duplicate delete migrate icon --help --version"; return ;;
     inspect) options="--help --json" ;;
     apps) options="--help --json --search-dir" ;;
     probe) options="--help --json --settle-a --settle-b --real-library" ;;
     running) options="--help --json" ;;
     list) options="--help --json --search-dir --stale" ;;
     show) options="--help --json" ;;
-    create) options="--help --json --kind --name --target --url --open --command --arg --workdir --home --shared-home --output --replace --bundle-id --strategy --icon --hide-icon --extra-arg --no-extra-args --env --no-default-env --plist --browser --open-with --label --label-color --label-position --menu-bar-icon --menu-bar-template --isolate-folders --links --runner --launch" ;;
+    create) options="--help --json --kind --name --target --url --open --command --arg --workdir --home --shared-home --output --replace --seed --bundle-id --strategy --icon --hide-icon --extra-arg --no-extra-args --env --no-default-env --plist --browser --open-with --label --label-color --label-position --menu-bar-icon --menu-bar-template --isolate-folders --links --runner --launch" ;;
     edit) options="--help --json --url --open --command --no-args --arg --workdir --strategy --icon --hide-icon --no-hide-icon --label --label-color --label-position --extra-arg --no-extra-args --default-extra-args --env --unset-env --plist --unset-plist --browser --no-browser --open-with --no-open-with --menu-bar-icon --no-menu-bar-icon --menu-bar-template --no-menu-bar-template --isolate-folders --no-isolate-folders --links --runner" ;;
     rename) options="--help --json --move-data" ;;
     refresh) options="--help --json --all --runner" ;;
     open) options="--help --json" ;;
+    duplicate) options="--help --json --with-data --runner" ;;
+    stop) options="--help --json --force --wait" ;;
+    log) options="--help --json --follow" ;;
     delete) options="--help --json --including-data --yes" ;;
     migrate) options="--help --json" ;;
     icon) options="--help --json --list --label --color --position --output" ;;
@@ -223,7 +226,7 @@ _quorvelctl() {
     _quorvelctl_offer_words "$current" "$options"
   elif [[ $command == @(inspect|probe|icon) ]]; then
     _quorvelctl_offer "$current" _quorvelctl_files
-  elif [[ $command == @(show|edit|rename|refresh|open|delete|migrate) ]]; then
+  elif [[ $command == @(show|edit|rename|refresh|open|stop|log|duplicate|delete|migrate) ]]; then
     _quorvelctl_offer "$current" _quorvelctl_clones
   fi
 }

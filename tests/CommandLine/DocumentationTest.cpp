@@ -11,9 +11,9 @@ namespace {
 using namespace testing;
 using ::testing::HasSubstr;
 
-const std::vector<std::string> commands{"inspect", "list", "show", "create", "open",   "delete",
-                                        "migrate", "icon", "apps", "probe",  "running",
-                                        "edit",    "rename", "refresh"};
+const std::vector<std::string> commands{
+    "inspect", "list",    "show", "create", "open",    "delete", "migrate", "icon",     "apps",
+    "probe",   "running", "edit", "rename", "refresh", "stop",   "log",     "duplicate"};
 
 std::set<std::string> optionsIn(const std::string& help) {
     static const std::regex option("--[a-z][a-z-]*");

@@ -4,6 +4,7 @@
 #include "tests/support/Waiting.h"
 
 #include <csignal>
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
@@ -11,6 +12,7 @@ namespace quorvel {
 namespace {
 
 using namespace testing;
+using ::testing::HasSubstr;
 namespace fs = std::filesystem;
 
 TEST(FirefoxTest, AClonesProfileIsMadeAndUsed) {
@@ -35,10 +37,10 @@ TEST(FirefoxTest, AClonesProfileIsMadeAndUsed) {
             << quorvelctl.log("Fox (2)");
         EXPECT_TRUE(waitUntil([&] { return fs::is_symlink(profile / "lock"); }))
             << "the profile is in use";
-        const auto runner = runnerOf(wrapper);
-        ASSERT_TRUE(runner) << quorvelctl.log("Fox (2)");
-        ::kill(*runner, SIGTERM);
-        EXPECT_TRUE(waitUntil([&] { return !quorvelctl.isListedAsRunning("Fox (2)"); }));
+        ASSERT_TRUE(runnerOf(wrapper)) << quorvelctl.log("Fox (2)");
+        EXPECT_THAT(quorvelctl.run({"stop", "Fox (2)"}), HasSubstr("has ended: "));
+        EXPECT_FALSE(quorvelctl.isListedAsRunning("Fox (2)"));
+        EXPECT_TRUE(processesWithHome(quorvelctl.data("Fox (2)").string()).empty());
     }
 }
 
@@ -134,10 +136,9 @@ TEST(FirefoxTest, ACloneRunsOnInTheProcessInWhichFirefoxStartsItselfAgain) {
     again.standardError = Process::Discard{};
     EXPECT_EQ(Process::run(again).waitUntilExit(), 75) << "one target in a home";
 
-    ::kill(*runner, SIGTERM);
-    EXPECT_TRUE(waitUntil([&] { return processesWithHome(home.string()).empty(); },
-                          std::chrono::seconds(60)));
-    EXPECT_TRUE(waitUntil([&] { return !quorvelctl.isListedAsRunning("Fox"); }));
+    EXPECT_THAT(quorvelctl.run({"stop", "Fox"}), HasSubstr("has ended: "));
+    EXPECT_TRUE(processesWithHome(home.string()).empty());
+    EXPECT_FALSE(quorvelctl.isListedAsRunning("Fox"));
     EXPECT_TRUE(waitUntil([&] { return ::kill(second.front(), 0) != 0; }));
 }
 

@@ -24,48 +24,9 @@ namespace fs = std::filesystem;
 const std::string inUse = "quorvel-runner: “Work” is still running, or a clone that shares its "
                           "data folder is, or a program that it started\n";
 
-class OneTargetTest : public RunnerFixture {
+class OneTargetTest : public ScriptedRunnerFixture {
 protected:
-    ~OneTargetTest() override {
-        for (const fs::path& file : {at("pid"), at("child")}) {
-            if (const pid_t pid = numberIn(file); pid > 0) {
-                ::kill(pid, SIGKILL);
-            }
-        }
-    }
-
-    [[nodiscard]] static pid_t numberIn(const fs::path& file) {
-        const std::string text = read(file);
-        return text.ends_with('\n') ? std::stoi(text) : 0;
-    }
-
     [[nodiscard]] fs::path lockFile() const { return cloneHome() / homeLockName; }
-
-    // Returns a clone of an app that runs this script.
-    [[nodiscard]] InstanceConfig scripted(const std::string& script) const {
-        InstanceConfig config = appConfig({});
-        makeScriptedAppBundle(at("Thing.app"), script);
-        return config;
-    }
-
-    // Returns a clone of an app that reports its process number and runs until it is killed.
-    [[nodiscard]] InstanceConfig lasting() const {
-        return scripted("echo $$ > " + at("pid").string() + "; exec sleep 600");
-    }
-
-    [[nodiscard]] bool targetRuns() const {
-        return waitUntil([&] { return numberIn(at("pid")) > 0; });
-    }
-
-    // Returns what starts a command in a session of its own, and ends its parent.
-    [[nodiscard]] std::string detached(const std::string& command) const {
-        return "(setsid bash -c 'echo $$ > " + at("child").string() + "; exec " + command +
-               "' </dev/null >/dev/null 2>&1 &)";
-    }
-
-    [[nodiscard]] bool childRuns() const {
-        return waitUntil([&] { return numberIn(at("child")) > 0; });
-    }
 
     // The runner is the child's parent once the target, which started it, has ended.
     [[nodiscard]] bool isAdoptedBy(const Process& runner) const {

@@ -5,7 +5,9 @@
 #include "Platform/processes/Process.h"
 #include "tests/support/AppBundles.h"
 #include "tests/support/TemporaryHome.h"
+#include "tests/support/Waiting.h"
 
+#include <csignal>
 #include <fcntl.h>
 #include <gtest/gtest.h>
 
@@ -65,6 +67,49 @@ protected:
 
     TemporaryFolder folder_;
     TemporaryHome home_;
+};
+
+/// Clones of apps that are shell scripts, whose processes write their numbers into files.
+class ScriptedRunnerFixture : public RunnerFixture {
+protected:
+    ~ScriptedRunnerFixture() override {
+        for (const std::filesystem::path& file : {at("pid"), at("child")}) {
+            if (const pid_t pid = numberIn(file); pid > 0) {
+                ::kill(pid, SIGKILL);
+            }
+        }
+    }
+
+    [[nodiscard]] static pid_t numberIn(const std::filesystem::path& file) {
+        const std::string text = read(file);
+        return text.ends_with('\n') ? std::stoi(text) : 0;
+    }
+
+    // Returns a clone of an app that runs this script.
+    [[nodiscard]] InstanceConfig scripted(const std::string& script) const {
+        InstanceConfig config = appConfig({});
+        makeScriptedAppBundle(at("Thing.app"), script);
+        return config;
+    }
+
+    // Returns a clone of an app that reports its process number and runs until it is killed.
+    [[nodiscard]] InstanceConfig lasting() const {
+        return scripted("echo $$ > " + at("pid").string() + "; exec sleep 600");
+    }
+
+    [[nodiscard]] bool targetRuns() const {
+        return waitUntil([&] { return numberIn(at("pid")) > 0; });
+    }
+
+    // Returns what starts a command in a session of its own, and ends its parent.
+    [[nodiscard]] std::string detached(const std::string& command) const {
+        return "(setsid bash -c 'echo $$ > " + at("child").string() + "; exec " + command +
+               "' </dev/null >/dev/null 2>&1 &)";
+    }
+
+    [[nodiscard]] bool childRuns() const {
+        return waitUntil([&] { return numberIn(at("child")) > 0; });
+    }
 };
 
 } // namespace quorvel::testing

@@ -1,0 +1,47 @@
+#pragma once
+
+#include "CommandLine/CommandContext.h"
+#include "LaunchKit/CopyFindings.h"
+#include "Platform/files/FolderCopy.h"
+#include "Platform/processes/InterruptFlag.h"
+
+#include <nlohmann/json_fwd.hpp>
+
+#include <string>
+
+/// How commands show the copying of data.
+namespace quorvel {
+
+/// Shows a bar on the error stream while data is copied, if the output is a terminal, and lets an
+/// interrupt cancel the copy. The destructor erases the bar.
+class CopyBar {
+public:
+    explicit CopyBar(const CommandContext& context) : context_(context) {}
+    CopyBar(const CopyBar&) = delete;
+    CopyBar& operator=(const CopyBar&) = delete;
+    ~CopyBar() { erase(); }
+
+    /// Returns the options for the copy; valid as long as this is.
+    [[nodiscard]] FolderCopyOptions options();
+
+    void erase();
+
+    /// Ends this program as the interrupt would have, if there was one.
+    void deliverInterrupt() { interrupt_.deliver(); }
+
+private:
+    const CommandContext& context_;
+    InterruptFlag interrupt_{};
+    bool isShown_ = false;
+};
+
+/// Returns how the data was copied and how many bytes that took, as a line.
+[[nodiscard]] std::string copyLine(const FolderCopyReport& report);
+
+/// Returns what the user should know, as lines; empty if there is nothing.
+[[nodiscard]] std::string findingLines(const CopyFindings& findings);
+
+/// Returns both for scripts.
+[[nodiscard]] nlohmann::json jsonForm(const FolderCopyReport& report, const CopyFindings& findings);
+
+} // namespace quorvel

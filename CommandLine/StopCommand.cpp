@@ -1,0 +1,95 @@
+#include "CommandLine/StopCommand.h"
+
+#include "Base/TerminalText.h"
+#include "CommandLine/CloneLookup.h"
+#include "CommandLine/CloneTexts.h"
+#include "CommandLine/Confirmation.h"
+#include "LaunchKit/CloneStop.h"
+
+#include <nlohmann/json.hpp>
+
+#include <chrono>
+#include <ostream>
+
+namespace quorvel {
+namespace {
+
+std::string processes(std::size_t count) {
+    return std::to_string(count) + (count == 1 ? " process" : " processes");
+}
+
+std::string quoted(const InstanceRecord& record) {
+    return "“" + record.config.displayName + "”";
+}
+
+std::string stillRunning(const InstanceRecord& record, std::size_t left) {
+    return quoted(record) + " was asked to end, but " + processes(left) +
+           (left == 1 ? " is" : " are") + " still running.";
+}
+
+const char* rawOutcome(StoppedClone::Case outcome) {
+    switch (outcome) {
+    case StoppedClone::Case::ended:
+        return "ended";
+    case StoppedClone::Case::forced:
+        return "forced";
+    case StoppedClone::Case::running:
+        return "running";
+    case StoppedClone::Case::notRunning:
+    case StoppedClone::Case::elsewhere:
+        break;
+    }
+    return "notRunning";
+}
+
+std::string sentence(const InstanceRecord& record, const StoppedClone& stopped) {
+    switch (stopped.outcome) {
+    case StoppedClone::Case::ended:
+        return quoted(record) + " has ended: " + processes(stopped.ended) + ".";
+    case StoppedClone::Case::forced:
+        return quoted(record) + " was ended by force: " + processes(stopped.ended) + ".";
+    case StoppedClone::Case::notRunning:
+    case StoppedClone::Case::elsewhere:
+    case StoppedClone::Case::running:
+        break;
+    }
+    return quoted(record) + " is not running.";
+}
+
+} // namespace
+
+void stopCommand(const CommandContext& context, const std::string& clone,
+                 const StopCommandOptions& options, bool json) {
+    using Case = StoppedClone::Case;
+    const InstanceRecord record = findClone(context.registry, clone);
+    const auto mayForce = [&](std::size_t left) {
+        return options.force || (context.inputIsTerminal &&
+                                 confirmed(context, stillRunning(record, left) +
+                                                        " End it by force? What is not saved is "
+                                                        "lost."));
+    };
+    const std::chrono::duration<double> wait(options.wait);
+    const StoppedClone stopped =
+        stopClone(context.registry, record,
+                  {.patience = std::chrono::duration_cast<std::chrono::milliseconds>(wait),
+                   .mayForce = mayForce});
+    if (json) {
+        context.output << document({{"bundleURL", record.bundleURL.string()},
+                                    {"outcome", rawOutcome(stopped.outcome)},
+                                    {"ended", stopped.ended},
+                                    {"left", stopped.left}});
+    }
+    if (stopped.outcome == Case::running) {
+        throw CommandError(stillRunning(record, stopped.left) +
+                           (options.force ? "" : " With --force, it is ended by force."));
+    }
+    if (stopped.outcome == Case::elsewhere) {
+        throw CommandError(quoted(record) + " is not running, but a program that may be another "
+                                            "clone’s uses its data folder.");
+    }
+    if (!json) {
+        context.output << terminalText(sentence(record, stopped)) << "\n";
+    }
+}
+
+} // namespace quorvel

@@ -1,0 +1,102 @@
+#include "LaunchKit/CloneDuplication.h"
+
+#include "Base/BundleLayout.h"
+#include "LaunchKit/CloneStop.h"
+#include "LaunchKit/CloneWithData.h"
+#include "LaunchKit/DataFolderGuard.h"
+#include "LaunchKit/HomeLock.h"
+#include "LaunchKit/WrapperLayout.h"
+#include "Platform/files/FileRemoval.h"
+#include "Platform/files/FileSystem.h"
+#include "Platform/files/PropertyListFile.h"
+
+#include <algorithm>
+
+namespace quorvel {
+namespace fs = std::filesystem;
+namespace {
+
+// Two names may differ only in what an identifier can't contain.
+std::string freeIdentifier(const InstanceRegistry& registry, const std::string& name) {
+    const std::vector<InstanceRecord> clones = registry.list();
+    const auto isTaken = [&](const std::string& identifier) {
+        return std::any_of(clones.begin(), clones.end(), [&](const InstanceRecord& clone) {
+            return clone.config.bundleId == identifier;
+        });
+    };
+    const std::string first = WrapperFactory::defaultBundleId(name);
+    std::string identifier = first;
+    for (int number = 2; isTaken(identifier); ++number) {
+        identifier = first + "-" + std::to_string(number);
+    }
+    return identifier;
+}
+
+bool hidesIcon(const fs::path& wrapper) {
+    const auto list = readPropertyList(infoPlistOf(wrapper.string()), {"LSUIElement"});
+    const auto entry = list ? list->find("LSUIElement") : PropertyListDictionary::const_iterator();
+    return list && entry != list->end() && entry->second.boolean().value_or(false);
+}
+
+// Returns the data to copy; none if the clone has none yet.
+std::vector<DataPart> partsOf(const InstanceRecord& original) {
+    const DataFolder data = dataFolderOf(original.config);
+    if (data.isNone || data.isBehindLink || holdsUserHome(data.path)) {
+        throw DataCopyError("“" + original.config.displayName +
+                            "” has no data folder of its own that could be copied.");
+    }
+    return itemOrLinkExists(data.path) ? std::vector<DataPart>{{.from = data.path}}
+                                       : std::vector<DataPart>();
+}
+
+DuplicatedClone duplicateWithData(const WrapperFactory& factory, const InstanceRecord& original,
+                                  const WrapperFactory::Request& request,
+                                  const DuplicationOptions& options) {
+    const std::vector<DataPart> parts = partsOf(original);
+    if (isCloneRunning(original)) {
+        throw HomeInUse(original.config.displayName);
+    }
+    // Held until the copy is complete, so that the clone can't be started meanwhile.
+    const std::optional<FileLock> lock = parts.empty() ? std::nullopt : lockHome(original.config);
+    CloneWithData made =
+        createCloneWithData(factory, request, {}, parts, options.copy, options.warn);
+    DuplicatedClone duplicate{.clone = std::move(made.clone), .data = made.data};
+    if (!parts.empty()) {
+        duplicate.findings = findingsIn(dataFolderFor(request), {parts.front().from});
+    }
+    return duplicate;
+}
+
+} // namespace
+
+WrapperFactory::Request duplicateRequest(const InstanceRegistry& registry,
+                                         const InstanceRecord& original, const std::string& name) {
+    const InstanceConfig& config = original.config;
+    WrapperFactory::Request request{static_cast<const CloneTarget&>(config),
+                                    static_cast<const CloneOptions&>(config)};
+    request.displayName = validatedCloneName(name);
+    if (config.kind == ShortcutKind::app) {
+        request.targetApp = config.targetAppURL();
+    }
+    request.outputDir = original.bundleURL.parent_path();
+    request.bundleId = freeIdentifier(registry, request.displayName);
+    request.infoPlistOverrides.erase("CFBundleIdentifier");
+    request.customIcon = original.iconURL();
+    request.iconHasLabel = true;
+    request.hideWrapperIcon = hidesIcon(original.bundleURL);
+    request.extraArgs = config.extraArgs;
+    return request;
+}
+
+DuplicatedClone duplicateClone(const WrapperFactory& factory, const InstanceRegistry& registry,
+                               const InstanceRecord& original, const DuplicationOptions& options) {
+    const WrapperFactory::Request request = duplicateRequest(registry, original, options.name);
+    if (options.withData) {
+        return duplicateWithData(factory, original, request, options);
+    }
+    validateRequest(request, factory.runnerBinary);
+    CopiedData::requireFree(dataFolderFor(request));
+    return {.clone = createClone(factory, request, {}, options.warn)};
+}
+
+} // namespace quorvel

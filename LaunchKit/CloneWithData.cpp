@@ -1,0 +1,41 @@
+#include "LaunchKit/CloneWithData.h"
+
+#include "LaunchKit/DataFolderGuard.h"
+
+namespace quorvel {
+namespace fs = std::filesystem;
+
+fs::path dataFolderFor(const WrapperFactory::Request& request) {
+    InstanceConfig config;
+    config.instanceHome = request.instanceHome.value_or(
+        WrapperFactory::defaultInstanceHome(validatedCloneName(request.displayName)));
+    const DataFolder folder = dataFolderOf(config);
+    if (folder.isNone || folder.isBehindLink) {
+        throw DataCopyError("The new clone has no data folder of its own to copy data to.");
+    }
+    return folder.path;
+}
+
+CloneWithData
+createCloneWithData(const WrapperFactory& factory, const WrapperFactory::Request& request,
+                    const RequestPermissions& permissions, const std::vector<DataPart>& parts,
+                    const FolderCopyOptions& options, const WrapperFactory::Warning& warn) {
+    // Checked before and after the copy, which may take long and must not keep others waiting.
+    validateRequest(request, factory.runnerBinary, permissions);
+    const fs::path home = dataFolderFor(request);
+    CopiedData::removeUnfinished(home.parent_path());
+    CopiedData data(home, parts, options);
+    CloneWithData made;
+    try {
+        made.clone = createClone(factory, request, permissions, warn,
+                                 [&](const fs::path& wrapper) { data.publish(wrapper); });
+    } catch (...) {
+        data.withdraw();
+        throw;
+    }
+    data.finish();
+    made.data = data.report();
+    return made;
+}
+
+} // namespace quorvel

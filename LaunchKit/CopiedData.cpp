@@ -1,0 +1,117 @@
+#include "LaunchKit/CopiedData.h"
+
+#include "Base/CloneLayout.h"
+#include "Base/PathText.h"
+#include "LaunchKit/DataCopyRules.h"
+#include "LaunchKit/DataFolderGuard.h"
+#include "LaunchKit/InstanceRegistry.h"
+#include "Platform/files/FileLock.h"
+#include "Platform/files/FileReading.h"
+#include "Platform/files/FileRemoval.h"
+#include "Platform/files/FileSystem.h"
+#include "Platform/files/FileWriting.h"
+#include "Platform/files/PlatformError.h"
+
+#include <algorithm>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace quorvel {
+namespace fs = std::filesystem;
+namespace {
+
+void requireUnused(const fs::path& folder) {
+    if (const auto lock = lockInUse(folder)) {
+        throw DataCopyError("The data in " + folder.string() + " is in use: “" + *lock +
+                            "” belongs to a program that is running. Close it first.");
+    }
+}
+
+FileHandle folderIn(const StagedFolder& folder, const std::string& below) {
+    const fs::path path = joinAsText(folder.path(), below);
+    createDirectories(path);
+    FileHandle opened(::open(path.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
+    if (opened.descriptor() < 0) {
+        throw PlatformError::fromErrno(path, "opened");
+    }
+    return opened;
+}
+
+// A copy of the folder has another number, so that its mark says nothing about it.
+std::string markFor(int folder, const fs::path& wrapper) {
+    struct stat facts {};
+    (void)::fstat(folder, &facts);
+    return std::to_string(facts.st_ino) + " " + wrapper.string();
+}
+
+bool isDataOf(const fs::path& wrapper, const fs::path& folder) {
+    const auto record = InstanceRegistry().record(wrapper);
+    return record && isSameItem(dataFolderOf(record->config).path, folder);
+}
+
+void settle(const fs::path& folder) {
+    constexpr std::size_t limit = 65536;
+    const fs::path mark = joinAsText(folder, copiedMarkName);
+    const auto text =
+        isSymbolicLink(folder) || isSymbolicLink(mark) ? std::nullopt : readFile(mark, limit);
+    // Locked by the program that is still making the clone.
+    const auto lock = text ? FileLock::tryTakeFolder(folder) : std::nullopt;
+    if (!lock || !itemOrLinkExists(mark)) {
+        return;
+    }
+    const std::string wrapper = text->substr(std::min(text->find(' ') + 1, text->size()));
+    if (isDataOf(wrapper, folder)) {
+        (void)::unlink(mark.c_str());
+    } else if (*text == markFor(lock->descriptor(), wrapper)) {
+        removeItem(folder);
+    }
+}
+
+} // namespace
+
+CopiedData::CopiedData(const fs::path& home, const std::vector<DataPart>& parts,
+                       const FolderCopyOptions& options)
+    : folder_((requireFree(home), home)) {
+    FolderCopyOptions complete = options;
+    complete.leavesOut = staysBehind;
+    for (const DataPart& part : parts) {
+        requireUnused(part.from);
+        const FileHandle to =
+            part.to.empty() ? FileHandle(::dup(folder_.descriptor())) : folderIn(folder_, part.to);
+        report_ += FolderCopy(part.from, complete).copyInto(to.descriptor());
+        requireUnused(part.from);
+    }
+}
+
+void CopiedData::requireFree(const fs::path& home) {
+    const auto names = directoryEntries(home);
+    if (isSymbolicLink(home) || (names ? !names->empty() : itemOrLinkExists(home))) {
+        throw DataCopyError("There is something at " + home.string() +
+                            " already, where the new clone’s data would be.");
+    }
+}
+
+void CopiedData::publish(const fs::path& wrapper) {
+    writeWholeFile(joinAsText(folder_.path(), copiedMarkName),
+                   markFor(folder_.descriptor(), wrapper));
+    folder_.publish();
+}
+
+void CopiedData::finish() noexcept {
+    (void)::unlinkat(folder_.descriptor(), copiedMarkName.data(), 0);
+}
+
+void CopiedData::removeUnfinished(const fs::path& parent) noexcept {
+    StagedFolder::removeAbandoned(parent);
+    try {
+        const auto names = directoryEntries(parent);
+        for (const std::string& name : names ? *names : std::vector<std::string>()) {
+            settle(joinAsText(parent, name));
+        }
+    } catch (const std::exception&) {
+        return; // the next one tries again
+    }
+}
+
+} // namespace quorvel

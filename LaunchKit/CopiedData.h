@@ -1,0 +1,58 @@
+#pragma once
+
+#include "Base/Error.h"
+#include "Platform/files/FolderCopy.h"
+#include "Platform/files/StagedFolder.h"
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+namespace quorvel {
+
+/// Data that can't be copied; the text is for the user.
+class DataCopyError : public Error {
+public:
+    using Error::Error;
+};
+
+/// A folder of which a new clone gets a copy.
+struct DataPart {
+    std::filesystem::path from{};
+    std::string to{}; ///< relative to the clone's data folder; empty for the folder itself
+};
+
+/// The data folder of a clone that is yet to be made, with copies in it. The folder gets its place
+/// before the clone does, and a mark until the clone is there: without one, nobody would know whose
+/// it is, and `removeUnfinished` removes it.
+class CopiedData {
+public:
+    /// Copies the parts, beside `home`. Throws `DataCopyError` if something is at `home` other than
+    /// an empty folder, or if a part is in use; and what `FolderCopy` throws.
+    CopiedData(const std::filesystem::path& home, const std::vector<DataPart>& parts,
+               const FolderCopyOptions& options);
+
+    [[nodiscard]] const FolderCopyReport& report() const { return report_; }
+
+    /// Moves everything to `home`, for the clone at `wrapper`. Throws `PlatformError`.
+    void publish(const std::filesystem::path& wrapper);
+
+    /// Records that the clone is there.
+    void finish() noexcept;
+
+    /// Removes everything again.
+    void withdraw() noexcept { folder_.withdraw(); }
+
+    /// Removes what interrupted copies left in that folder, and their marks from the data of clones
+    /// that are there. Never fails.
+    static void removeUnfinished(const std::filesystem::path& parent) noexcept;
+
+    /// Throws `DataCopyError` if something is at `home` other than an empty folder.
+    static void requireFree(const std::filesystem::path& home);
+
+private:
+    StagedFolder folder_;
+    FolderCopyReport report_{};
+};
+
+} // namespace quorvel

@@ -1,0 +1,21 @@
+#pragma once
+
+#include "LaunchKit/CopiedData.h"
+#include "LaunchKit/WrapperFactory.h"
+#include "Platform/processes/Process.h"
+
+#include <vector>
+
+namespace quorvel {
+
+/// Returns which of the user's folders a clone made from the request would begin with as its data,
+/// and where it would look for them: of Firefox and its relatives the default profile, of Chromium
+/// and Electron the whole folder of user data, of others those that are known. Of an application
+/// that is not described by a desktop entry or an AppImage, nothing is known. Throws
+/// `DataCopyError` if it is not known where the original keeps its data or where the clone would
+/// look for it, if there is no data, or if the original is running. `session` is the environment of
+/// the session.
+[[nodiscard]] std::vector<DataPart> seedFor(const WrapperFactory::Request& request,
+                                            const Environment& session = currentEnvironment());
+
+} // namespace quorvel

@@ -1,0 +1,13 @@
+#pragma once
+
+#include <filesystem>
+#include <optional>
+#include <string>
+
+namespace quorvel {
+
+/// Returns the name under which an Electron application keeps its data, which its package says, in
+/// the folder of its program; std::nullopt if there is none that can be read.
+[[nodiscard]] std::optional<std::string> electronName(const std::filesystem::path& folder);
+
+} // namespace quorvel

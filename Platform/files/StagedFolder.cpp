@@ -1,0 +1,114 @@
+#include "Platform/files/StagedFolder.h"
+
+#include "Base/PathText.h"
+#include "Base/RandomUuid.h"
+#include "Platform/files/ExclusiveRename.h"
+#include "Platform/files/FileRemoval.h"
+#include "Platform/files/FileSystem.h"
+#include "Platform/files/ItemIdentity.h"
+#include "Platform/files/PlatformError.h"
+#include "Platform/files/VolumeTransfer.h"
+
+#include <cerrno>
+#include <fcntl.h>
+#include <string_view>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <unistd.h>
+#include <utility>
+
+namespace quorvel {
+namespace fs = std::filesystem;
+namespace {
+
+constexpr std::string_view prefix = ".quorvel-copying-";
+
+// Returns a handle that is not open if the folder is another program's, or gone.
+FileHandle lockedFolder(const fs::path& path) {
+    FileHandle folder(::open(path.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
+    struct stat facts {};
+    const bool isOurs =
+        folder.descriptor() >= 0 &&
+        // On a file system without locks, no one can hold one.
+        (::flock(folder.descriptor(), LOCK_EX | LOCK_NB) == 0 || errno != EWOULDBLOCK) &&
+        ::fstat(folder.descriptor(), &facts) == 0 && identityOf(path) == identityOf(facts);
+    return isOurs ? std::move(folder) : FileHandle(-1);
+}
+
+void removeQuietly(const fs::path& path) noexcept {
+    try {
+        removeItem(path);
+    } catch (const std::exception&) {
+        return; // the next one tries again
+    }
+}
+
+} // namespace
+
+StagedFolder::StagedFolder(fs::path destination) : destination_(std::move(destination)) {
+    const fs::path parent = destination_.parent_path();
+    createDirectories(parent);
+    // Another program may take it for abandoned before it is locked.
+    constexpr int attempts = 10;
+    for (int attempt = 0; attempt < attempts && folder_.descriptor() < 0; ++attempt) {
+        path_ = joinAsText(parent, std::string(prefix) + randomUuid());
+        createPrivateFolder(path_);
+        folder_ = lockedFolder(path_);
+    }
+    if (folder_.descriptor() < 0) {
+        removeQuietly(path_);
+        throw PlatformError::because("it is being removed constantly", path_, "opened");
+    }
+}
+
+StagedFolder::~StagedFolder() {
+    if (folder_.descriptor() >= 0 && !isPublished_ && !path_.empty()) {
+        removeQuietly(path_);
+    }
+}
+
+void StagedFolder::publish() {
+    if (!VolumeTransfer::flushFileSystem(folder_.descriptor())) {
+        throw PlatformError::fromErrno(destination_, "flushed");
+    }
+    (void)::rmdir(destination_.c_str()); // succeeds only if it is empty
+    int result = renameExclusively(path_, destination_);
+    if (result != 0 && (errno == EINVAL || errno == ENOSYS || errno == ENOTSUP)) {
+        // Network file systems have no exclusive rename; checking first has to do.
+        errno = EEXIST;
+        result =
+            itemOrLinkExists(destination_) ? -1 : ::rename(path_.c_str(), destination_.c_str());
+    }
+    if (result != 0) {
+        throw PlatformError::fromErrno(destination_, "created");
+    }
+    path_ = destination_;
+    isPublished_ = true;
+    const FileHandle parent(
+        ::open(destination_.parent_path().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    (void)::fsync(parent.descriptor());
+}
+
+void StagedFolder::withdraw() noexcept {
+    struct stat facts {};
+    if (::fstat(folder_.descriptor(), &facts) == 0 && identityOf(path_) == identityOf(facts)) {
+        removeQuietly(path_);
+    }
+    path_.clear();
+}
+
+void StagedFolder::removeAbandoned(const fs::path& parent) noexcept {
+    try {
+        const auto names = directoryEntries(parent);
+        for (const std::string& name : names ? *names : std::vector<std::string>()) {
+            const fs::path path = joinAsText(parent, name);
+            if (name.starts_with(prefix) && lockedFolder(path).descriptor() >= 0) {
+                removeQuietly(path);
+            }
+        }
+    } catch (const std::exception&) {
+        return;
+    }
+}
+
+} // namespace quorvel

@@ -1,0 +1,105 @@
+#include "Platform/processes/TreeShutdown.h"
+
+#include "Platform/processes/Process.h"
+
+#include <algorithm>
+#include <csignal>
+#include <iterator>
+#include <thread>
+#include <utility>
+
+namespace quorvel {
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+constexpr std::chrono::milliseconds nap{20};
+
+// Its number may belong to another process by now.
+void send(int signal, const ProcessIdentity& process) {
+    if (isRunning(process)) {
+        ::kill(process.pid, signal);
+    }
+}
+
+} // namespace
+
+TreeShutdown::TreeShutdown(std::vector<ProcessIdentity> runners,
+                           std::vector<ProcessIdentity> others)
+    : runners_(std::move(runners)),
+      others_(std::move(others)) {
+    known_.insert(runners_.begin(), runners_.end());
+    known_.insert(others_.begin(), others_.end());
+    lookAround();
+}
+
+void TreeShutdown::lookAround() {
+    for (const ProcessIdentity& runner : runners_) {
+        if (isRunning(runner)) {
+            const auto below = cloneProcesses(runner.pid);
+            known_.insert(below.begin(), below.end());
+        }
+    }
+    for (const ProcessIdentity& other : others_) {
+        if (isRunning(other)) {
+            const auto below = descendantsOf(other.pid);
+            known_.insert(below.begin(), below.end());
+        }
+    }
+}
+
+std::vector<ProcessIdentity> TreeShutdown::running() {
+    lookAround();
+    std::vector<ProcessIdentity> found;
+    // A terminal that runs in the clone must not take the program along that stops it.
+    std::copy_if(known_.begin(), known_.end(), std::back_inserter(found),
+                 [](const ProcessIdentity& process) {
+                     return process.pid != ownPid() && isRunning(process);
+                 });
+    return found;
+}
+
+bool TreeShutdown::anyMainRuns() const {
+    return std::any_of(runners_.begin(), runners_.end(), isRunning) ||
+           std::any_of(others_.begin(), others_.end(), isRunning);
+}
+
+void TreeShutdown::askToEnd(std::chrono::milliseconds patience) {
+    const auto end = Clock::now() + patience;
+    std::set<ProcessIdentity> asked;
+    const auto ask = [&](const ProcessIdentity& process) {
+        if (asked.insert(process).second) {
+            send(SIGTERM, process);
+        }
+    };
+    std::for_each(runners_.begin(), runners_.end(), ask);
+    std::for_each(others_.begin(), others_.end(), ask);
+    for (auto left = running(); !left.empty() && Clock::now() < end; left = running()) {
+        // A browser's helpers end by themselves, and better so.
+        if (!anyMainRuns()) {
+            std::for_each(left.begin(), left.end(), ask);
+        }
+        std::this_thread::sleep_for(nap);
+    }
+}
+
+void TreeShutdown::kill() {
+    // A process may fork while the list is made; its child is found in the next round. The runners
+    // are the last: they keep what detaches itself where it is found.
+    constexpr int rounds = 50;
+    const std::set<ProcessIdentity> last(runners_.begin(), runners_.end());
+    for (int round = 0; round < rounds; ++round) {
+        const auto left = running();
+        if (left.empty()) {
+            return;
+        }
+        for (const ProcessIdentity& process : left) {
+            if (round >= rounds / 2 || !last.contains(process)) {
+                send(SIGKILL, process);
+            }
+        }
+        std::this_thread::sleep_for(nap);
+    }
+}
+
+} // namespace quorvel

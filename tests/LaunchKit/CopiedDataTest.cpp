@@ -1,0 +1,124 @@
+#include "LaunchKit/CopiedData.h"
+
+#include "LaunchKit/HomeLock.h"
+#include "LaunchKit/InstanceConfig.h"
+#include "LaunchKit/InstanceRecord.h"
+#include "LaunchKit/InstanceRegistry.h"
+#include "tests/support/AppBundles.h"
+#include "tests/support/TemporaryHome.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <optional>
+
+namespace quorvel {
+namespace {
+
+using namespace testing;
+namespace fs = std::filesystem;
+
+class CopiedDataTest : public ::testing::Test {
+protected:
+    CopiedDataTest() { write(home_ / "original/deep/file", "data"); }
+
+    [[nodiscard]] fs::path place() const { return home_ / "QuorvelInstances/Work"; }
+    [[nodiscard]] fs::path wrapper() const { return home_ / "Applications/Work.app"; }
+    [[nodiscard]] fs::path mark() const { return place() / ".quorvel-copied"; }
+
+    [[nodiscard]] CopiedData copy(const std::string& to = "") const {
+        return {place(), {{.from = home_ / "original", .to = to}}, {}};
+    }
+
+    // As a program would leave it that was killed then.
+    void leaveUnfinished() const {
+        CopiedData data = copy();
+        data.publish(wrapper());
+    }
+
+    void settle() const { CopiedData::removeUnfinished(place().parent_path()); }
+
+    TemporaryHome home_{};
+};
+
+TEST_F(CopiedDataTest, TheMarkIsThereUntilTheCloneIs) {
+    CopiedData data = copy();
+    EXPECT_FALSE(fs::exists(place()));
+    data.publish(wrapper());
+    EXPECT_TRUE(fs::exists(mark()));
+    settle();
+    EXPECT_TRUE(fs::exists(mark())) << "the clone is still being made";
+    data.finish();
+    EXPECT_FALSE(fs::exists(mark()));
+    EXPECT_EQ(read(place() / "deep/file"), "data");
+    EXPECT_EQ(data.report().items, 2U);
+}
+
+TEST_F(CopiedDataTest, PartsGetTheirPlaces) {
+    CopiedData data = copy("a/b");
+    data.publish(wrapper());
+    EXPECT_EQ(read(place() / "a/b/deep/file"), "data");
+}
+
+TEST_F(CopiedDataTest, WithoutACloneItIsRemovedLater) {
+    leaveUnfinished();
+    settle();
+    EXPECT_FALSE(fs::exists(place()));
+}
+
+TEST_F(CopiedDataTest, WithACloneItStaysAndLosesItsMark) {
+    leaveUnfinished();
+    makeWrapper(wrapper(), "Work");
+    settle();
+    EXPECT_FALSE(fs::exists(mark()));
+    EXPECT_EQ(read(place() / "deep/file"), "data");
+    fs::remove_all(wrapper());
+    settle();
+    EXPECT_TRUE(fs::exists(place() / "deep/file")) << "kept by the user";
+}
+
+TEST_F(CopiedDataTest, ACloneWithOtherDataDoesNotCount) {
+    leaveUnfinished();
+    InstanceConfig config = minimalConfig();
+    config.instanceHome = "~/Elsewhere";
+    makeWrapper(wrapper(), config);
+    settle();
+    EXPECT_FALSE(fs::exists(place()));
+}
+
+TEST_F(CopiedDataTest, AMarkThatWasCopiedSaysNothing) {
+    leaveUnfinished();
+    fs::copy(place(), home_ / "QuorvelInstances/Backup", fs::copy_options::recursive);
+    settle();
+    EXPECT_TRUE(fs::exists(home_ / "QuorvelInstances/Backup/deep/file"));
+}
+
+TEST_F(CopiedDataTest, DataThatIsUsedLosesItsMark) {
+    leaveUnfinished();
+    (void)lockHome(minimalConfig());
+    settle();
+    EXPECT_TRUE(fs::exists(place() / "deep/file"));
+}
+
+TEST_F(CopiedDataTest, DeletingACloneKeepsItsDataForGood) {
+    leaveUnfinished();
+    makeWrapper(wrapper(), "Work");
+    const InstanceRegistry registry;
+    (void)registry.remove(registry.record(wrapper()).value(), false);
+    settle();
+    EXPECT_TRUE(fs::exists(place() / "deep/file"));
+}
+
+TEST_F(CopiedDataTest, NothingIsReplaced) {
+    write(place() / "file", "");
+    EXPECT_THROW((void)copy(), DataCopyError);
+    fs::remove_all(place());
+    fs::create_directory_symlink(home_ / "original", place());
+    EXPECT_THROW((void)copy(), DataCopyError);
+    fs::remove(place());
+    fs::create_directory(place());
+    EXPECT_NO_THROW((void)copy());
+}
+
+} // namespace
+} // namespace quorvel

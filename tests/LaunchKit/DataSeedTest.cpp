@@ -1,0 +1,187 @@
+#include "LaunchKit/DataSeed.h"
+
+#include "LaunchKit/CloneWithData.h"
+#include "tests/support/AppBundles.h"
+#include "tests/support/DesktopApps.h"
+#include "tests/support/Waiting.h"
+
+#include <csignal>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+namespace quorvel {
+namespace {
+
+using namespace testing;
+using ::testing::HasSubstr;
+namespace fs = std::filesystem;
+
+const std::vector<std::string> chromiumMarks{"icudtl.dat", "resources.pak",
+                                             "chrome_100_percent.pak"};
+const std::vector<std::string> firefoxMarks{"libxul.so"};
+
+class DataSeedTest : public ::testing::Test {
+protected:
+    // Installs a program with these files beside it, and returns a request to clone it.
+    [[nodiscard]] WrapperFactory::Request appWith(const std::string& program,
+                                                  const std::vector<std::string>& files,
+                                                  const std::string& id = "org.example.App") const {
+        const fs::path file = apps_.at("opt/" + program);
+        write(file, read(helperProgram()));
+        makeExecutable(file);
+        for (const std::string& name : files) {
+            write(file.parent_path() / name, "");
+        }
+        WrapperFactory::Request request;
+        request.displayName = "Second";
+        request.targetApp = apps_.addEntry(id, file.string());
+        return request;
+    }
+
+    [[nodiscard]] WrapperFactory::Request firefox() const {
+        const WrapperFactory::Request request = appWith("firefox/firefox", firefoxMarks);
+        write(apps_.at("opt/firefox/application.ini"), "[App]\nRemotingName=firefox-esr\n");
+        return request;
+    }
+
+    [[nodiscard]] static std::string errorOf(const WrapperFactory::Request& request) {
+        try {
+            (void)seedFor(request, {});
+            return "no error";
+        } catch (const DataCopyError& error) {
+            return error.what();
+        }
+    }
+
+    // Returns the only part of a seed.
+    static void expectPart(const WrapperFactory::Request& request, const fs::path& from,
+                           const std::string& to, const Environment& session = {}) {
+        const std::vector<DataPart> parts = seedFor(request, session);
+        ASSERT_EQ(parts.size(), 1U);
+        EXPECT_EQ(parts.front().from, from);
+        EXPECT_EQ(parts.front().to, to);
+    }
+
+    TemporaryHome home_{};
+    DesktopApps apps_{};
+};
+
+TEST_F(DataSeedTest, OfFirefoxItIsTheDefaultProfile) {
+    write(home_ / ".mozilla/firefox/profiles.ini",
+          "[Profile0]\nPath=one.default\nIsRelative=1\nDefault=1\n"
+          "[Profile1]\nPath=two.esr\nIsRelative=1\n[Install1234]\nDefault=two.esr\n");
+    write(home_ / ".mozilla/firefox/two.esr/prefs.js", "");
+    expectPart(firefox(), home_ / ".mozilla/firefox/two.esr", "FirefoxProfile");
+}
+
+TEST_F(DataSeedTest, AFirefoxOfTheConfigurationFolderIsFoundToo) {
+    const fs::path config = home_ / "elsewhere/mozilla/firefox";
+    write(config / "profiles.ini", "[Profile0]\nPath=p\nIsRelative=1\n");
+    fs::create_directory(config / "p");
+    expectPart(firefox(), config / "p", "FirefoxProfile",
+               {{"XDG_CONFIG_HOME", (home_ / "elsewhere").string()}});
+}
+
+TEST_F(DataSeedTest, AProfileThatCantBeToldIsAnError) {
+    EXPECT_THAT(errorOf(firefox()), HasSubstr(" has no data at "));
+    write(home_ / ".mozilla/firefox/profiles.ini",
+          "[Profile0]\nPath=a\nIsRelative=1\n[Profile1]\nPath=b\nIsRelative=1\n");
+    fs::create_directories(home_ / ".mozilla/firefox/a");
+    EXPECT_THAT(errorOf(firefox()), HasSubstr("It can’t be told which profile in "));
+}
+
+TEST_F(DataSeedTest, OfChromiumItIsTheWholeFolder) {
+    const auto request = appWith("chromium", chromiumMarks);
+    EXPECT_THAT(errorOf(request), HasSubstr("“org.example.App” has no data at "));
+    write(home_ / ".config/chromium/Local State", "{}");
+    expectPart(request, home_ / ".config/chromium", "QuorvelData");
+}
+
+TEST_F(DataSeedTest, AnUnknownBrowserIsAnError) {
+    const auto request = appWith("mystery", chromiumMarks);
+    write(home_ / ".config/mystery/Local State", "{}");
+    EXPECT_EQ(errorOf(request), "It is not known where “org.example.App” keeps its data, so a "
+                                "clone can’t start with it.");
+}
+
+TEST_F(DataSeedTest, OfElectronItIsTheFolderNamedAsThePackageSays) {
+    auto files = chromiumMarks;
+    const auto request = appWith("chat/chat", files);
+    write(apps_.at("opt/chat/resources/app/package.json"),
+          R"({"name": "chat-desktop", "productName": "Chat"})");
+    write(home_ / ".config/Chat/Preferences", "{}");
+    fs::create_directory(home_ / ".config/chat-desktop");
+    expectPart(request, home_ / ".config/Chat", "QuorvelData");
+    write(apps_.at("opt/chat/resources/app/package.json"), R"({"name": "../x"})");
+    EXPECT_THAT(errorOf(request), HasSubstr("It is not known where "));
+}
+
+TEST_F(DataSeedTest, OfOthersItIsWhatIsKnown) {
+    const auto request = appWith("vlc", {}, "vlc");
+    EXPECT_THAT(errorOf(request), HasSubstr(" has no data at "));
+    write(home_ / ".config/vlc/vlcrc", "");
+    write(home_ / "data/vlc/ml.xspf", "");
+    write(home_ / ".config/other/file", "");
+    const std::vector<DataPart> parts =
+        seedFor(request, {{"XDG_DATA_HOME", (home_ / "data").string()}});
+    ASSERT_EQ(parts.size(), 2U);
+    EXPECT_EQ(parts[0].from, home_ / ".config/vlc");
+    EXPECT_EQ(parts[0].to, ".config/vlc");
+    EXPECT_EQ(parts[1].from, home_ / "data/vlc");
+    EXPECT_EQ(parts[1].to, ".local/share/vlc");
+    EXPECT_THAT(errorOf(appWith("unknown", {})), HasSubstr("It is not known where "));
+}
+
+TEST_F(DataSeedTest, TheOriginalMustNotRun) {
+    const auto request = appWith("vlc", {}, "vlc");
+    write(home_ / ".config/vlc/vlcrc", "");
+    Environment environment = currentEnvironment();
+    environment["HOME"] = home_.path();
+    const auto start = [&](const fs::path& home) {
+        environment["HOME"] = home;
+        return Process::run(
+            {.executable = apps_.at("opt/vlc"), .arguments = {"wait"}, .environment = environment});
+    };
+    Process ofAClone = start(home_ / "QuorvelInstances/Other");
+    EXPECT_EQ(errorOf(request), "no error");
+    Process original = start(home_.path());
+    EXPECT_TRUE(waitUntil([&] {
+        return errorOf(request) ==
+               "“vlc” is running. Close it first, so that its data can be copied.";
+    }));
+    for (Process* process : {&ofAClone, &original}) {
+        process->sendSignal(SIGKILL);
+        process->waitUntilExit();
+    }
+    EXPECT_EQ(errorOf(request), "no error");
+}
+
+TEST_F(DataSeedTest, WhereTheCloneLooksForItsDataMustBeKnown) {
+    write(home_ / ".config/chromium/Local State", "{}");
+    auto request = appWith("chromium", chromiumMarks);
+    request.extraArgs = {"--incognito"};
+    EXPECT_THAT(errorOf(request), HasSubstr("With arguments of its own, "));
+    request.kind = ShortcutKind::command;
+    EXPECT_THAT(errorOf(request), HasSubstr("Only a clone of an application "));
+}
+
+TEST_F(DataSeedTest, ACloneIsMadeWithACopyAndTheOriginalStaysAsItIs) {
+    const auto request = appWith("chromium", chromiumMarks);
+    const fs::path original = home_ / ".config/chromium";
+    write(original / "Local State", "{}");
+    write(original / "Default/Preferences", "{}");
+    fs::create_symlink("host-1", original / "SingletonLock");
+    const auto before = treeOf(original);
+    const CloneWithData made =
+        createCloneWithData(WrapperFactory(runnerProgram()), request, {}, seedFor(request, {}), {});
+    const fs::path data = home_ / "QuorvelInstances/Second";
+    auto expected = before;
+    expected.erase("SingletonLock");
+    EXPECT_EQ(treeOf(data / "QuorvelData"), expected);
+    EXPECT_EQ(treeOf(original), before);
+    EXPECT_EQ(made.clone.record->config.extraArgs,
+              std::vector<std::string>{"--user-data-dir={{instanceHome}}/QuorvelData"});
+}
+
+} // namespace
+} // namespace quorvel
