@@ -135,7 +135,7 @@ GVariant* StatusItem::property(GDBusConnection* /*bus*/, const char* /*sender*/,
     if (asked == "ItemIsMenu") {
         return g_variant_new_boolean(FALSE);
     }
-    if (asked == "Menuu") {
+    if (asked == "Menu") {
         return g_variant_new_object_path(StatusMenu::path);
     }
     if (asked == "ToolTip") {
