@@ -12,7 +12,8 @@ fail() { printf '%s\n' "$*" >&2; exit 1; }
 
 # What is needed to build, and what the tests need on top of that.
 debian_build=(g++ python3 cmake ninja-build pkg-config nlohmann-json3-dev rapidjson-dev libplist-dev libicu-dev
-  libcli11-dev libglib2.0-dev libsqlite3-dev libxcb1-dev qt6-base-dev libqt6svg6-dev libopenjp2-7-dev libwebkitgtk-6.0-dev fontconfig fonts-urw-base35 procps)
+  libcli11-dev libglib2.0-dev libsqlite3-dev libxcb1-dev qt6-base-dev qt6-base-private-dev libqt6svg6-dev
+  libwayland-dev wayland-protocols libopenjp2-7-dev libwebkitgtk-6.0-dev fontconfig fonts-urw-base35 procps)
 debian_test=(libgtest-dev libgmock-dev xdg-utils libplist-utils
   dbus dbus-daemon binutils file git clang-format-14 shellcheck
   shared-mime-info icnsutils imagemagick inotify-tools xvfb xauth

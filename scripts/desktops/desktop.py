@@ -26,6 +26,7 @@ class Desktop:
     needs = ()
     matches_entries = True
     wayland = True
+    needs_click = False  # whether only a click permits a program to bring another's window to the front
 
     def __init__(self):
         self.session = None
@@ -130,11 +131,6 @@ class Desktop:
         if not wait_for(lambda: self.session.run(["xprop", "-root"]).returncode == 0, 30):
             raise RuntimeError("no X server: " + self.session.log_text("xserver"))
 
-    def picture_of_x_server(self, path):
-        inside = self.session.base + "/out/picture.png"
-        self.session.output_of(["import", "-window", "root", inside])
-        shutil.move(inside, path)
-
     def x_windows(self):
         """The windows of the X server's window manager, which says nothing about menu entries."""
         root = self.session.output_of(["xprop", "-root", "_NET_CLIENT_LIST", "_NET_ACTIVE_WINDOW"])
@@ -151,3 +147,13 @@ class Desktop:
                                 instance=classes[1] if classes else None,
                                 focused=bool(re.search(rf"\b{number}\b", active))))
         return found
+
+
+class OnXServer:
+    """What desktops on an X server of their own do in the same way. Comes before the desktop's other class."""
+    wayland = False
+
+    def screenshot(self, path):
+        inside = self.session.base + "/out/picture.png"
+        self.session.output_of(["import", "-window", "root", inside])
+        shutil.move(inside, path)

@@ -6,7 +6,7 @@ import time
 
 from gi.repository import GLib
 
-from desktop import SIZE, Desktop, wait_for, window
+from desktop import SIZE, Desktop, OnXServer, wait_for, window
 
 # Evaluated in the shell: its windows, with the application that it found for each.
 WINDOWS = """
@@ -23,6 +23,16 @@ WINDOWS = """
               entry: known ? app.get_id() : null, name: known ? app.get_name() : null,
               icon: known && app.get_icon() ? app.get_icon().to_string() : null};
     });
+})()
+"""
+
+# Made once, at the start: programs get no keys of a keyboard that they have not been told of.
+DEVICES = """
+(() => {
+  const {Clutter} = imports.gi;
+  const seat = Clutter.get_default_backend().get_default_seat();
+  global.quorvelKeys = seat.create_virtual_device(Clutter.InputDeviceType.KEYBOARD_DEVICE);
+  global.quorvelPointer = seat.create_virtual_device(Clutter.InputDeviceType.POINTER_DEVICE);
 })()
 """
 
@@ -51,6 +61,7 @@ class Gnome(Desktop):
     name = "gnome"
     title = "GNOME, Wayland"
     needs = ("gnome-shell", "Xwayland")
+    needs_click = True
     # Unsafe only in that it lets programs of this session ask what the shell shows.
     command = ["gnome-shell", "--headless", "--wayland", "--virtual-monitor", "%dx%d" % SIZE, "--unsafe-mode",
                "--sm-disable", "--mode=user"]
@@ -74,6 +85,7 @@ class Gnome(Desktop):
                 self.session.environment["XAUTHORITY"] = authority
         self.tell_bus()
         self.evaluate("imports.ui.main.overview.hide()")
+        self.evaluate(DEVICES)
 
     def evaluate(self, script):
         done, answer = self.call("org.gnome.Shell", "/org/gnome/Shell", "org.gnome.Shell", "Eval",
@@ -89,9 +101,6 @@ class Gnome(Desktop):
         return self.evaluate(f"!!imports.gi.Shell.AppSystem.get_default().lookup_app({json.dumps(entry)})")
 
     def screenshot(self, path):
-        if not self.wayland:
-            self.picture_of_x_server(path)
-            return
         inside = self.session.base + "/out/picture.png"
         _, used = self.call("org.gnome.Shell.Screenshot", "/org/gnome/Shell/Screenshot",
                             "org.gnome.Shell.Screenshot", "Screenshot", GLib.Variant("(bbs)", (False, False, inside)))
@@ -127,20 +136,35 @@ class Gnome(Desktop):
         """Takes away what the shell says about the machine that it runs on."""
         self.evaluate("imports.ui.main.messageTray.getSources().forEach(source => source.destroy())")
 
+    def use(self, device, action):
+        self.evaluate("(() => { const {Clutter, GLib} = imports.gi; global.quorvel%s.notify_%s; })()" %
+                      (device, action % "GLib.get_monotonic_time()"))
+        time.sleep(0.1)
+
+    def key(self, name, state):
+        self.use("Keys", f"keyval(%s, Clutter.KEY_{name}, Clutter.KeyState.{state})")
+
+    def press(self, *names):
+        """Presses keys together."""
+        for name in names:
+            self.key(name, "PRESSED")
+        for name in reversed(names):
+            self.key(name, "RELEASED")
+
+    def click(self, x, y):
+        self.use("Pointer", f"absolute_motion(%s, {x}, {y})")
+        for state in ("PRESSED", "RELEASED"):
+            self.use("Pointer", f"button(%s, Clutter.BUTTON_PRIMARY, Clutter.ButtonState.{state})")
+
     def hold_switcher(self):
         """Presses the keys that show the open applications, and doesn't release the first."""
-        self.evaluate("""(() => { const {Clutter, GLib} = imports.gi;
-          const keys = Clutter.get_default_backend().get_default_seat().create_virtual_device(Clutter.InputDeviceType.KEYBOARD_DEVICE);
-          global.quorvelKeys = keys;
-          const now = GLib.get_monotonic_time();
-          keys.notify_keyval(now, Clutter.KEY_Alt_L, Clutter.KeyState.PRESSED);
-          keys.notify_keyval(now + 1000, Clutter.KEY_Tab, Clutter.KeyState.PRESSED);
-          keys.notify_keyval(now + 2000, Clutter.KEY_Tab, Clutter.KeyState.RELEASED); })()""")
+        self.key("Alt_L", "PRESSED")
+        self.press("Tab")
 
 
-class GnomeX11(Gnome):
+class GnomeX11(OnXServer, Gnome):
     name = "gnome-x11"
     title = "GNOME, X11"
     needs = ("gnome-shell", "Xvfb")
-    wayland = False
+    needs_click = False
     command = ["gnome-shell", "--x11", "--unsafe-mode", "--sm-disable", "--mode=user"]

@@ -3,15 +3,14 @@ import json
 import os
 import shutil
 
-from desktop import SIZE, Desktop, wait_for, window
+from desktop import SIZE, Desktop, OnXServer, wait_for, window
 
 
-class Xfce(Desktop):
+class Xfce(OnXServer, Desktop):
     name = "xfce"
     title = "Xfce, X11"
     needs = ("xfwm4", "xfce4-panel", "xfsettingsd", "Xvfb")
     matches_entries = False
-    wayland = False
 
     def configure(self):
         self.session.environment.update(XDG_SESSION_TYPE="x11", XDG_CURRENT_DESKTOP="XFCE", XDG_MENU_PREFIX="xfce-",
@@ -31,9 +30,6 @@ class Xfce(Desktop):
 
     def windows(self):
         return self.x_windows()
-
-    def screenshot(self, path):
-        self.picture_of_x_server(path)
 
 
 class Sway(Desktop):

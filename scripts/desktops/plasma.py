@@ -9,7 +9,7 @@ import time
 
 from gi.repository import Gio, GLib
 
-from desktop import SIZE, Desktop, wait_for, window
+from desktop import SIZE, Desktop, OnXServer, wait_for, window
 
 HERE = os.path.dirname(os.path.abspath(__file__))
 
@@ -106,11 +106,10 @@ class Plasma(Desktop):
                         path], input=data, check=True)
 
 
-class PlasmaX11(Plasma):
+class PlasmaX11(OnXServer, Plasma):
     name = "plasma-x11"
     title = "Plasma, X11"
     needs = ("kwin_x11", "plasmashell", "Xvfb")
-    wayland = False
 
     def start_compositor(self):
         self.start_x_server()
@@ -120,6 +119,3 @@ class PlasmaX11(Plasma):
     def place(self, one, x, y, width, height):
         self.session.output_of(["xdotool", "windowsize", "--sync", one.id, str(width), str(height),
                                 "windowmove", one.id, str(x), str(y)])
-
-    def screenshot(self, path):
-        self.picture_of_x_server(path)

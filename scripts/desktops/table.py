@@ -5,6 +5,11 @@ import json
 import sys
 
 
+def shown_as(window):
+    """The menu entry that a desktop found, or the name of the window where desktops look for none."""
+    return window["entry"] or window["app_id"]
+
+
 def verdict(facts, key):
     clones = facts["clones"]
     if not all(clone["window"] for clone in clones):
@@ -17,7 +22,7 @@ def verdict(facts, key):
     if any(values):
         return f"own: {values.count(True)} of {len(values)}"
     *windows, original = facts["windows"]
-    grouped = original and original["entry"] and all(one["entry"] == original["entry"] for one in windows)
+    grouped = original and shown_as(original) and all(shown_as(one) == shown_as(original) for one in windows)
     return "the original’s" if grouped else "none"
 
 
@@ -26,7 +31,9 @@ def focus(facts):
     if not tried:
         return "-"
     if all(one["done"] for one in tried):
-        return "yes"
+        if any(one.get("new") for one in tried):
+            return "by the button, as a new window"
+        return "by the button" if any(one.get("button") for one in tried) else "yes"
     return "no, but reported" if any(one["reported"] and not one["done"] for one in tried) else "no, and says so"
 
 

@@ -33,6 +33,7 @@ APPS = {
     "kcalc-x11": ("KCalc, `QT_QPA_PLATFORM=xcb`", "org.kde.kcalc", ["--env", "QT_QPA_PLATFORM=xcb"]),
     "firefox": ("Firefox", "firefox-esr", []),
     "chromium": ("Chromium", "chromium", []),
+    "web": ("a web clone", None, ["--kind", "web", "--url", "http://127.0.0.1:8123/"]),
 }
 LONGEST_START = 60
 JUST_STARTED = 11  # seconds in which "open" reports success for a clone, since its window is coming
@@ -58,13 +59,23 @@ def install(build, session):
                    stdout=subprocess.DEVNULL)
 
 
+def picture_of(session, colour):
+    """An icon for clones whose targets have none."""
+    picture = f"{session.base}/out/{colour[1:]}.png"
+    subprocess.run(["convert", "-size", "64x64", "xc:" + colour, picture], check=True)
+    return picture
+
+
 def create(desktop, app):
     _, entry, options = APPS[app]
+    if entry is None:
+        desktop.session.start(["python3", "-m", "http.server", "8123", "-d", desktop.session.runtime], log="site")
     clones = []
     for word, colour in (("Work", "#FF00FF"), ("Home", "#00FF00")):
         name = f"{app} {word}"  # unique, since desktops reread entries only now and then
-        command = ["quorvelctl", "create", "--target", entry + ".desktop", "--name", name, "--label", word[0],
-                   "--label-color", colour, "--replace", "--json", *options]
+        looks = ["--target", entry + ".desktop", "--label", word[0], "--label-color", colour] if entry else \
+            ["--icon", picture_of(desktop.session, colour)]
+        command = ["quorvelctl", "create", "--name", name, *looks, "--replace", "--json", *options]
         record = json.loads(desktop.session.output_of(command))
         if entry == "chromium" and desktop.session.run(["unshare", "--user", "true"]).returncode != 0:
             arguments = [*record["config"]["extraArgs"], "--no-sandbox"]  # containers may forbid it
@@ -102,8 +113,9 @@ def open_all(desktop, clones, entry):
         desktop.session.output_of(["quorvelctl", "open", clone.name])
         windows.append(new_window(desktop, before))
     before = desktop.windows()
-    start_original(desktop, entry)
-    windows.append(new_window(desktop, before))
+    if entry:
+        start_original(desktop, entry)
+    windows.append(new_window(desktop, before) if entry else None)
     return windows
 
 
@@ -134,6 +146,26 @@ def focus(desktop, clone, window):
     return {"done": done, "reported": answer.returncode == 0 and not text, "text": text}
 
 
+def focus_by_button(desktop, clones):
+    """As a user does it, since some desktops permit it only for a click. Whether it brings a clone's window to the
+    front: "done", "new" if that is another window than before, or None."""
+    before = desktop.windows()
+    desktop.session.start(["quorvel"])
+    own = new_window(desktop, before)
+    left, top, *_ = desktop.frame(own)
+    found = {}
+    for row, clone in enumerate(sorted(clones, key=lambda one: one.name)):
+        desktop.click(left + 100, top + 149 + 38 * row)  # its row in the list
+        time.sleep(1)
+        desktop.click(left + 354, top + 220)  # the button
+        front = wait_for(lambda: [one for one in desktop.windows() if one.focused and one.entry == clone.entry], 8)
+        found[clone.name] = front and ("done" if front[0].id in [one.id for one in before] else "new")
+        desktop.press("Escape")  # what it says if it can't
+        desktop.on_window(own, "one.activate(global.get_current_time())")
+        time.sleep(1)
+    return [found[clone.name] for clone in clones]
+
+
 def end_all(desktop, others):
     for number in desktop.session.processes():
         if number not in others:
@@ -150,11 +182,16 @@ def try_app(desktop, app, with_focus=True):
     original = windows[-1]
     report = {"desktop": desktop.title, "application": APPS[app][0],
               "clones": [match(desktop, clone, one) for clone, one in zip(clones, windows)],
-              "original": original is not None and original.entry not in [clone.entry for clone in clones],
+              "original": APPS[app][1] is None or
+              original is not None and original.entry not in [clone.entry for clone in clones],
               "windows": [vars(one) if one else None for one in windows]}
     if with_focus:
         time.sleep(JUST_STARTED if desktop.wayland else 2)
         report["focus"] = [focus(desktop, clone, one) for clone, one in zip(clones, windows)]
+        if desktop.needs_click:
+            for facts, result in zip(report["focus"], focus_by_button(desktop, clones)):
+                if facts and result:
+                    facts.update(done=True, button=True, new=result == "new")
     for clone in clones:
         desktop.session.run(["quorvelctl", "delete", clone.name, "--including-data", "--yes"])
     end_all(desktop, others)
@@ -201,7 +238,7 @@ def main(arguments):
             if app == "quorvel":
                 print(json.dumps(try_quorvel(desktop)), flush=True)
                 continue
-            if not os.path.exists(f"/usr/share/applications/{APPS[app][1]}.desktop"):
+            if APPS[app][1] and not os.path.exists(f"/usr/share/applications/{APPS[app][1]}.desktop"):
                 print(f"{APPS[app][1]} is not installed", file=sys.stderr)
                 continue
             print(json.dumps(try_app(desktop, app, "--without-focus" not in options)), flush=True)

@@ -120,10 +120,20 @@ TEST_F(DesktopCommandsTest, ShowSaysWhatTheVariablesCost) {
     EXPECT_THAT(harness.run({"show", "Work"}).output, Not(HasSubstr("Without the session bus")));
 }
 
-TEST_F(DesktopCommandsTest, InspectSaysHowToInstallASnapTwice) {
-    const fs::path entry = apps.addEntry("s", "app", "X-SnapInstanceName=thing\n");
-    EXPECT_THAT(harness.run({"inspect", entry}).output, HasSubstr("sudo snap install thing_2"));
-    EXPECT_EQ(harness.run({"inspect", entry, "--json"}).json()["sandboxed"], true);
+// The entries are as snapd 2.57 writes them, for an application of the snap's name and for another.
+TEST_F(DesktopCommandsTest, ASnapIsRefusedAndInspectSaysHowToInstallItTwice) {
+    for (const std::string program : {"/snap/bin/thing", "/snap/bin/thing.editor"}) {
+        const fs::path entry = apps.at("thing_thing.desktop");
+        write(entry, "[Desktop Entry]\nX-SnapInstanceName=thing\nType=Application\nName=Thing\n"
+                     "Exec=env BAMF_DESKTOP_FILE_HINT=/var/lib/snapd/desktop/applications/"
+                     "thing_thing.desktop " +
+                         program + " %U\nIcon=/snap/thing/x1/meta/gui/icon.png\n");
+        EXPECT_THAT(harness.run({"inspect", entry}).output, HasSubstr("sudo snap install thing_2"));
+        EXPECT_EQ(harness.run({"inspect", entry, "--json"}).json()["sandboxed"], true);
+        const auto refused = harness.run({"create", "--name", "Work", "--target", entry});
+        EXPECT_EQ(refused.status, 1);
+        EXPECT_THAT(refused.errors, HasSubstr("It is a Snap"));
+    }
 }
 
 } // namespace
