@@ -404,6 +404,14 @@ QFuture<WindowGrouping> AppModel::windowGrouping(const InstanceRecord& record) {
         [](WindowGrouping grouping) { return grouping; });
 }
 
+QFuture<SitePreview> AppModel::previewSite(const std::string& address,
+                                           const std::filesystem::path& folder) {
+    return services_.tasks->detached(
+        TaskPriority::userInitiated, this,
+        [preview = services_.previewSite, address, folder] { return preview(address, folder); },
+        [](const SitePreview& found) { return found; });
+}
+
 QFuture<bool> AppModel::isIconFile(const std::filesystem::path& file) {
     return services_.tasks->detached(
         TaskPriority::userInitiated, this, [file] { return isDrawableIcon(file); },

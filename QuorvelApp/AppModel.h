@@ -103,6 +103,11 @@ public:
 
     /// Returns where the dock shows the clone's windows under the clone's own name.
     [[nodiscard]] QFuture<WindowGrouping> windowGrouping(const InstanceRecord& record);
+    /// Returns whether sites can be asked for their title and icon.
+    [[nodiscard]] bool canPreviewSites() const { return static_cast<bool>(services_.previewSite); }
+    /// Asks a site for them; the icon becomes a file in `folder`. Fails with an `Error`.
+    [[nodiscard]] QFuture<SitePreview> previewSite(const std::string& address,
+                                                   const std::filesystem::path& folder);
     /// Returns whether the file is an icon container (".icns") with an image that can be decoded.
     [[nodiscard]] QFuture<bool> isIconFile(const std::filesystem::path& file);
 

@@ -35,9 +35,11 @@ public:
             .start({"/usr/bin/python3", (session_.home / "site.py").string(),
                     (session_.home / "port").string(), requests().string()})
             .detach();
-        require(waitUntil([&] { return fs::exists(session_.home / "port"); }, longestWait));
+        require(waitUntil([&] { return fs::exists(session_.home / "port"); }, longestWait),
+                "starting the site");
         require(session_.run({QUORVEL_CTL, "create", "--kind", "web", "--name", "Portal", "--url",
-                              page()}) == 0);
+                              page()}) == 0,
+                "creating the clone");
     }
 
     [[nodiscard]] std::string page() const {
@@ -67,10 +69,10 @@ public:
 
     // Seconds that a second opening takes: until its process has ended.
     double openAgain() {
-        return secondsOf([&] { require(session_.run(clone()) == 0); });
+        return secondsOf([&] { require(session_.run(clone()) == 0, "opening it again"); });
     }
     double startNothing() {
-        return secondsOf([&] { require(session_.run({"/bin/true"}) == 0); });
+        return secondsOf([&] { require(session_.run({"/bin/true"}) == 0, "/bin/true"); });
     }
 
     // Ends the program; returns the seconds until all its processes are gone.
@@ -79,7 +81,7 @@ public:
             for (const pid_t pid : processes()) {
                 ::kill(pid, SIGTERM);
             }
-            require(waitUntil([&] { return processes().empty(); }, longestWait));
+            require(waitUntil([&] { return processes().empty(); }, longestWait), "ending a window");
         });
     }
 
@@ -120,12 +122,13 @@ private:
 
     void waitForRequest(const std::string& text, std::size_t before) const {
         require(waitUntil([&] { return read(requests()).find(text, before) != std::string::npos; },
-                          longestWait));
+                          longestWait),
+                "showing a window: " + session_.log());
     }
 
-    static void require(bool isDone) {
+    static void require(bool isDone, const std::string& what) {
         if (!isDone) {
-            throw std::runtime_error("a window does not come up, or does not end");
+            throw std::runtime_error(what + " failed");
         }
     }
 

@@ -49,6 +49,12 @@ AppServices AppServices::system(ActivationTokenSource tokens) {
                       quitting = services.quitting](const std::filesystem::path& app) {
         return probeApp(app, workspace, *quitting);
     };
+    if (const auto program = sitePreviewProgram(currentEnvironment())) {
+        services.previewSite = [program = *program](const std::string& address,
+                                                    const std::filesystem::path& folder) {
+            return fetchSitePreview(program, address, folder);
+        };
+    }
     services.after = [](std::chrono::milliseconds time, QObject* context,
                         std::function<void()> then) {
         QTimer::singleShot(time, context, std::move(then));

@@ -3,6 +3,7 @@
 #include "LaunchKit/AppBundle.h"
 #include "LaunchKit/AppCatalog.h"
 #include "LaunchKit/InstanceRegistry.h"
+#include "LaunchKit/SitePreview.h"
 #include "LaunchKit/WrapperFactory.h"
 #include "Platform/desktop/Workspace.h"
 #include "ProbeKit/Models.h"
@@ -47,6 +48,10 @@ struct AppServices {
     std::function<void(const std::vector<InstanceRecord>&)> repairMenu{};
     /// Returns std::nullopt if the bundle can't be probed at all; throws if the probe fails.
     std::function<std::optional<ProbeResult>(const std::filesystem::path&)> probe{};
+    /// Asks a site for its title and icon, which becomes a file in that folder. Throws. Absent if
+    /// nothing is installed that can.
+    std::function<SitePreview(const std::string& address, const std::filesystem::path& folder)>
+        previewSite{};
     Delay after{};
     /// Set when the application quits, which cancels a running probe. Never null in `system()`.
     std::shared_ptr<std::atomic<bool>> quitting{};

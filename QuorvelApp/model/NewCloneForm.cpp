@@ -193,6 +193,14 @@ void NewCloneForm::autoNameIfNeeded() {
     automaticName = name.value_or("");
 }
 
+void NewCloneForm::siteNamed(const std::string& title) {
+    const bool automatic = !automaticName.empty() && cloneName == automaticName;
+    if (!title.empty() && (automatic || isBlank(cloneName))) {
+        cloneName = title;
+        automaticName = title;
+    }
+}
+
 void NewCloneForm::nameEdited() {
     automaticName.clear();
 }

@@ -44,6 +44,7 @@ public:
     std::string search{}; ///< the app picker's filter
     std::optional<InstalledApp> selected{};
     std::string webURL{};
+    bool askingSite = false; ///< for its title and icon
     std::string filePath{};
     std::string commandPathText{};
     std::string commandArgsText{};
@@ -88,6 +89,8 @@ public:
     /// Names a web or command clone after its target, unless it has a name of its own. If the
     /// target yields no name, removes an earlier automatic one.
     void autoNameIfNeeded();
+    /// Names the clone after the title of its site, unless it has a name of its own.
+    void siteNamed(const std::string& title);
     /// Records that the user edited the name.
     void nameEdited();
     /// Makes `file` the target, and names the clone after it if it has no name.

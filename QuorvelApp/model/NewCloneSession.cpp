@@ -87,23 +87,52 @@ void NewCloneSession::create() {
     edit([](NewCloneForm& form) { form.creating = true; });
     // The outcome is reported even if the sheet has been closed meanwhile.
     model_.createClone(form_.makeRequest(), form_.launchAfter)
-        .then(&model_,
-              [&model = model_, self = QPointer(this)](const QFuture<InstanceRecord>& outcome) {
-                  std::optional<std::string> failure;
-                  try {
-                      (void)outcome.result();
-                  } catch (const std::exception& error) {
-                      failure = error.what();
-                  }
-                  if (failure) {
-                      model.setLastError(failure);
-                  } else if (self) {
-                      Q_EMIT self->created();
-                  }
-                  if (self) {
-                      self->edit([](NewCloneForm& form) { form.creating = false; });
-                  }
-              });
+        .then(&model_, [&model = model_, self = QPointer(this),
+                        icon = siteFolder_](const QFuture<InstanceRecord>& outcome) {
+            std::optional<std::string> failure;
+            try {
+                (void)outcome.result();
+            } catch (const std::exception& error) {
+                failure = error.what();
+            }
+            if (failure) {
+                model.setLastError(failure);
+            } else if (self) {
+                Q_EMIT self->created();
+            }
+            if (self) {
+                self->edit([](NewCloneForm& form) { form.creating = false; });
+            }
+        });
+}
+
+void NewCloneSession::askSite() {
+    const std::string address = form_.webURL;
+    siteFolder_ = std::make_shared<QTemporaryDir>();
+    edit([](NewCloneForm& form) { form.askingSite = true; });
+    model_.previewSite(address, siteFolder_->path().toStdString())
+        .then(this, [this, address, folder = siteFolder_](const QFuture<SitePreview>& outcome) {
+            std::optional<std::string> failure;
+            edit([](NewCloneForm& form) { form.askingSite = false; });
+            try {
+                siteAnswered(address, outcome.result());
+            } catch (const std::exception& error) {
+                failure = error.what();
+            }
+            if (failure) {
+                model_.setLastError(sentence(tr("Couldn't ask the site: %1"), {*failure}));
+            }
+        });
+}
+
+void NewCloneSession::siteAnswered(const std::string& address, const SitePreview& preview) {
+    if (form_.webURL != address || form_.shortcutType != ShortcutKind::web) {
+        return; // the answer is about another site than the one entered now
+    }
+    edit([&](NewCloneForm& form) { form.siteNamed(preview.title); });
+    if (preview.icon) {
+        enterIcon(*preview.icon);
+    }
 }
 
 void NewCloneSession::detect() {

@@ -5,8 +5,10 @@
 #include "QuorvelApp/model/NewCloneForm.h"
 
 #include <QObject>
+#include <QTemporaryDir>
 
 #include <functional>
+#include <memory>
 
 namespace quorvel {
 
@@ -44,6 +46,8 @@ public:
     void create();
     /// Detects the selected app's strategy.
     void detect();
+    /// Asks the web clone's site for its title and icon, and enters them.
+    void askSite();
 
 Q_SIGNALS:
     void changed();
@@ -52,10 +56,12 @@ Q_SIGNALS:
 private:
     void enterIcon(const std::filesystem::path& icon);
     void forgetIcons();
+    void siteAnswered(const std::string& address, const SitePreview& preview);
 
     AppModel& model_;
     FilePanels panels_;
     NewCloneForm form_{};
+    std::shared_ptr<QTemporaryDir> siteFolder_{}; ///< contains the site's icon
     int iconChoices_ = 0; ///< the number made; answers about earlier ones are ignored
     std::optional<std::filesystem::path> checkedIcon_{}; ///< the last one known to be an icon file
 };

@@ -52,11 +52,23 @@ void TargetForm::addCaption(const QString& text) {
     column_->addStretch();
 }
 
-WebForm::WebForm(NewCloneSession& session) : TargetForm(session, u"globe"_s, tr("Website URL")) {
-    bindField(session, addField(u"example.com"_s, tr("Website URL")), &NewCloneForm::webURL,
+WebForm::WebForm(NewCloneSession& session)
+    : TargetForm(session, u"globe"_s, tr("Website URL")),
+      ask_(makeButton(tr("&Get Icon and Title"), ButtonLook::standard)) {
+    bindField(session, addField(u"example.com"_s, tr("Website URL"), ask_), &NewCloneForm::webURL,
               &NewCloneForm::autoNameIfNeeded);
+    connect(ask_, &QPushButton::clicked, &session, &NewCloneSession::askSite);
+    connect(&session, &NewCloneSession::changed, this, &WebForm::refresh);
+    refresh();
     addCaption(tr("Opens in its own WebKit window with isolated cookies and logins — no Electron. "
                   "Great for a second WhatsApp, Teams, or Gmail."));
+}
+
+void WebForm::refresh() {
+    const NewCloneForm& form = session().form();
+    ask_->setVisible(session().model().canPreviewSites());
+    ask_->setEnabled(form.hasTarget() && !form.askingSite);
+    ask_->setText(form.askingSite ? tr("Asking the site…") : tr("&Get Icon and Title"));
 }
 
 FileForm::FileForm(NewCloneSession& session)

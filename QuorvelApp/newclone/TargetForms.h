@@ -36,6 +36,11 @@ class WebForm : public TargetForm {
 
 public:
     explicit WebForm(NewCloneSession& session);
+
+private:
+    void refresh();
+
+    QPushButton* ask_;
 };
 
 /// The file or folder of a file clone.

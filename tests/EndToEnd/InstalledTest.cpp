@@ -40,7 +40,8 @@ TEST(InstalledTest, HasItsFilesWhereADesktopLooksForThem) {
                       "share/bash-completion/completions/quorvelctl",
                       "share/zsh/site-functions/_quorvelctl"}));
 #ifdef QUORVEL_WITH_WEB_HOST
-    EXPECT_THAT(filesBelow(folder.path()), IsSupersetOf({"libexec/quorvel/quorvel-web-host.so"}));
+    EXPECT_THAT(filesBelow(folder.path()), IsSupersetOf({"libexec/quorvel/quorvel-site-preview",
+                                                         "libexec/quorvel/quorvel-web-host.so"}));
 #endif
 #ifdef QUORVEL_WITH_APP
     EXPECT_THAT(filesBelow(folder.path()),

@@ -65,6 +65,10 @@ StubbedModel::StubbedModel(const std::filesystem::path& folder) {
         worked();
         return probe();
     };
+    services.previewSite = [this](const std::string& address, const std::filesystem::path& icons) {
+        ++sitesAsked;
+        return previewSite(address, icons);
+    };
     services.after = [this](std::chrono::milliseconds time, QObject*, std::function<void()> then) {
         delays.push_back(time);
         delayed.push_back(std::move(then));

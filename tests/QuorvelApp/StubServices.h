@@ -61,6 +61,9 @@ public:
     std::optional<std::string> creationWarning{};
     std::atomic<int> clonesInMenu = -1; ///< those that the menu was repaired for
     std::function<std::optional<ProbeResult>()> probe{};
+    std::function<SitePreview(const std::string& address, const std::filesystem::path& folder)>
+        previewSite{};
+    std::atomic<int> sitesAsked = 0;
     std::vector<std::chrono::milliseconds> delays{};
     std::vector<std::function<void()>> delayed{}; ///< what waits for a delay to pass
     std::vector<QThread*> workedOn{};             ///< the thread of every background call

@@ -108,6 +108,58 @@ TEST_F(TargetPaneTest, AWebAddressNamesItsCloneWhileItIsTyped) {
     EXPECT_EQ(sheet.session().form().cloneName, "") << "which is not an address";
 }
 
+TEST_F(TargetPaneTest, ASiteIsAskedForItsIconAndTitleOnlyAtTheButton) {
+    const QString ask = u"Get Icon and Title"_s;
+    stubs.previewSite = [](const std::string& address, const std::filesystem::path& place) {
+        if (address != "mail.test") {
+            throw SitePreviewError("nobody answers");
+        }
+        write(place / "site.icns", "not an icon");
+        return SitePreview{"Mail for all", place / "site.icns"};
+    };
+    open();
+    NewCloneView& sheet = openSheet();
+    button(u"Web App"_s)->click();
+    EXPECT_FALSE(button(ask)->isEnabled()) << "there is no address";
+    QTest::keyClicks(field(u"Website URL"_s), u"mail.test"_s);
+    EXPECT_TRUE(button(ask)->isEnabled());
+    EXPECT_EQ(stubs.sitesAsked, 0) << "nothing is asked for while the user types";
+    button(ask)->click();
+    EXPECT_TRUE(eventually([&] { return sheet.session().form().cloneName == "Mail for all"; }));
+    EXPECT_EQ(stubs.sitesAsked, 1);
+    EXPECT_TRUE(eventually([&] { return stubs.model().lastError().has_value(); }))
+        << "an icon is checked like one that is chosen";
+    EXPECT_EQ(sheet.session().form().customIcon, std::nullopt);
+    stubs.model().setLastError(std::nullopt);
+
+    // A name of the user's own stays, and a failure is said.
+    QTest::keyClicks(field(u"Name"_s), u"!"_s);
+    QTest::keyClicks(field(u"Website URL"_s), u"x"_s);
+    button(ask)->click();
+    EXPECT_TRUE(eventually([&] { return stubs.model().lastError().has_value(); }));
+    EXPECT_EQ(stubs.model().lastError(), "Couldn't ask the site: nobody answers");
+    EXPECT_EQ(sheet.session().form().cloneName, "Mail for all!");
+    EXPECT_FALSE(sheet.session().form().askingSite);
+    stubs.model().setLastError(std::nullopt);
+}
+
+TEST_F(TargetPaneTest, AnAnswerAboutAnotherSiteIsIgnored) {
+    stubs.previewSite = [](const std::string&, const std::filesystem::path&) {
+        return SitePreview{"Late", std::nullopt};
+    };
+    open();
+    NewCloneView& sheet = openSheet();
+    button(u"Web App"_s)->click();
+    QTest::keyClicks(field(u"Website URL"_s), u"mail.test"_s);
+    stubs.tasks->holding = true;
+    button(u"Get Icon and Title"_s)->click();
+    EXPECT_FALSE(button(u"Asking the site…"_s)->isEnabled());
+    QTest::keyClicks(field(u"Website URL"_s), u"x"_s);
+    stubs.tasks->release();
+    EXPECT_TRUE(eventually([&] { return !sheet.session().form().askingSite; }));
+    EXPECT_EQ(sheet.session().form().cloneName, "Mail.Testx");
+}
+
 TEST_F(TargetPaneTest, ACommandNamesItsCloneWhileItIsTyped) {
     open();
     NewCloneView& sheet = openSheet();

@@ -1,0 +1,96 @@
+#include "LaunchKit/SitePreview.h"
+
+#include "Base/TerminalText.h"
+#include "LaunchKit/HelperProgram.h"
+#include "LaunchKit/IconComposer.h"
+#include "Platform/files/FileHandle.h"
+#include "Platform/files/FileReading.h"
+#include "Platform/files/FileWriting.h"
+
+#include <algorithm>
+#include <chrono>
+#include <csignal>
+#include <fcntl.h>
+
+namespace quorvel {
+namespace {
+
+constexpr std::size_t longestName = 40;
+constexpr std::size_t largestTitle = 4096;
+
+std::string withoutLineEnd(std::string text) {
+    while (text.ends_with('\n')) {
+        text.pop_back();
+    }
+    return text;
+}
+
+// Returns what the program printed if it failed.
+std::optional<std::string> failureOf(const std::filesystem::path& program,
+                                     const std::string& address,
+                                     const std::filesystem::path& folder) {
+    constexpr std::chrono::seconds patience{20};
+    const std::string reasonFile = folder / "reason";
+    const FileHandle output(
+        ::open(reasonFile.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600));
+    Process::Options options;
+    options.executable = program;
+    options.arguments = {address, folder};
+    options.standardOutput = Process::ToFile{output.descriptor()};
+    options.standardError = Process::Discard{};
+    Process process = Process::run(options);
+    const auto status = process.waitUntilExit(patience);
+    if (status == 0) {
+        return std::nullopt;
+    }
+    if (!status) {
+        ::kill(process.identifier(), SIGKILL);
+        (void)process.waitUntilExit();
+    }
+    const std::string reason =
+        withoutLineEnd(readFile(reasonFile, largestTitle).value_or(std::string()));
+    return reason.empty() ? "the site takes too long" : reason;
+}
+
+} // namespace
+
+std::optional<std::filesystem::path> sitePreviewProgram(const Environment& session) {
+    return helperProgram("quorvel-site-preview", "QUORVEL_SITE_PREVIEW", session);
+}
+
+std::string nameFromTitle(const std::string& title) {
+    std::string name = withoutUnsafe(title, longestName);
+    for (char& byte : name) {
+        byte = byte == '/' || byte == ':' || byte == '\\' ? ' ' : byte;
+    }
+    const std::size_t first = name.find_first_not_of(" .");
+    name.erase(0, std::min(first, name.size()));
+    name.erase(name.find_last_not_of(' ') + 1);
+    return name;
+}
+
+SitePreview fetchSitePreview(const std::filesystem::path& program, const std::string& address,
+                             const std::filesystem::path& folder) {
+    try {
+        // The same as the clone will do with it.
+        const std::string whole =
+            address.find("://") == std::string::npos ? "https://" + address : address;
+        if (const auto failure = failureOf(program, whole, folder)) {
+            throw SitePreviewError(*failure);
+        }
+        SitePreview preview{
+            nameFromTitle(readFile(folder / "title", largestTitle).value_or(std::string())), {}};
+        try {
+            const std::string icon = IconComposer::converted(folder / "icon", std::nullopt);
+            writeFile(folder / "site.icns", icon);
+            preview.icon = folder / "site.icns";
+        } catch (const IconComposer::ComposeError&) {
+            // A site without an icon is better than none.
+        }
+        return preview;
+    } catch (const PlatformError& error) {
+        throw SitePreviewError(error.description());
+    }
+}
+
+} // namespace quorvel

@@ -1,0 +1,36 @@
+#pragma once
+
+#include "Base/Error.h"
+#include "Platform/processes/Process.h"
+
+#include <filesystem>
+#include <optional>
+#include <string>
+
+namespace quorvel {
+
+/// What a site offers for the clone that is made of it.
+struct SitePreview {
+    std::string title{};                         ///< as a name; empty if there is none
+    std::optional<std::filesystem::path> icon{}; ///< an icon container
+};
+
+class SitePreviewError : public Error {
+public:
+    using Error::Error;
+};
+
+/// Returns the program that asks sites, `std::nullopt` if it is not installed.
+[[nodiscard]] std::optional<std::filesystem::path> sitePreviewProgram(const Environment& session);
+
+/// Asks the site at the address, by that program, within 20 seconds. The icon becomes a file in
+/// `folder`. Throws `SitePreviewError`. Any thread.
+[[nodiscard]] SitePreview fetchSitePreview(const std::filesystem::path& program,
+                                           const std::string& address,
+                                           const std::filesystem::path& folder);
+
+/// Returns a page's title as a name for a clone: on one line, without characters that file names
+/// can't have, and not too long.
+[[nodiscard]] std::string nameFromTitle(const std::string& title);
+
+} // namespace quorvel

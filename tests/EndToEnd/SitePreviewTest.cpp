@@ -1,0 +1,97 @@
+// Asking sites for their icon and title, with the real program and a site of the tests' own.
+#include "LaunchKit/SitePreview.h"
+#include "LaunchKit/IconCheck.h"
+#include "tests/support/TemporaryHome.h"
+#include "tests/support/Waiting.h"
+
+#include <gmock/gmock.h>
+
+#include <chrono>
+#include <csignal>
+
+namespace quorvel {
+namespace {
+
+using namespace testing;
+using namespace std::chrono_literals;
+using ::testing::HasSubstr;
+using ::testing::Not;
+namespace fs = std::filesystem;
+
+class SitePreviewTest : public ::testing::Test {
+protected:
+    void SetUp() override {
+        if (!fs::exists("/usr/bin/python3")) {
+            GTEST_SKIP() << "python3 is not installed";
+        }
+        Process::Options options;
+        options.executable = "/usr/bin/python3";
+        options.arguments = {QUORVEL_PREVIEW_SITE, folder_ / "port", folder_ / "log"};
+        server_.emplace(Process::run(options));
+        ASSERT_TRUE(waitUntil([&] { return fs::exists(folder_ / "port"); }, 60s));
+    }
+    void TearDown() override {
+        if (server_) {
+            ::kill(server_->identifier(), SIGKILL);
+            (void)server_->waitUntilExit();
+        }
+    }
+
+    SitePreview preview(const std::string& page) {
+        fs::remove_all(folder_ / "own");
+        fs::create_directory(folder_ / "own");
+        return fetchSitePreview(QUORVEL_SITE_PREVIEW, site() + page, folder_ / "own");
+    }
+    // Why it fails.
+    std::string failure(const std::string& page) {
+        try {
+            (void)preview(page);
+            return "it does not";
+        } catch (const SitePreviewError& error) {
+            return error.description();
+        }
+    }
+    [[nodiscard]] std::string site() const { return "http://127.0.0.1:" + read(folder_ / "port"); }
+
+    TemporaryFolder folder_;
+    std::optional<Process> server_{};
+};
+
+TEST_F(SitePreviewTest, ASiteOffersItsTitleAndItsIcon) {
+    const SitePreview found = preview("/mail/");
+    EXPECT_EQ(found.title, "Mail & more");
+    ASSERT_TRUE(found.icon);
+    EXPECT_TRUE(isDrawableIcon(*found.icon));
+    EXPECT_EQ(preview("/moved/1").title, "Moved");
+    EXPECT_THAT(read(folder_ / "log"), Not(HasSubstr("id=1"))) << "no cookie is sent back";
+}
+
+TEST_F(SitePreviewTest, WhatAHostileSiteOffersIsHarmless) {
+    const SitePreview hostile = preview("/hostile");
+    EXPECT_EQ(hostile.title, "evil [31m");
+    EXPECT_TRUE(hostile.icon) << "the one that is a file of the web";
+    for (const char* page : {"/broken-icon", "/bomb-icon", "/huge-icon"}) {
+        EXPECT_EQ(preview(page).icon, std::nullopt) << page;
+    }
+    EXPECT_EQ(preview("/endless-page").title, "Endless") << "only the beginning is read";
+    EXPECT_LE(fs::file_size(folder_ / "own/title"), 1000U);
+}
+
+TEST_F(SitePreviewTest, ASiteThatDoesNotAnswerIsReported) {
+    EXPECT_EQ(failure("/nothing-there"), "the server answers 404");
+    EXPECT_EQ(failure("/round/1"), "it leads from one address to the next");
+    EXPECT_NE(failure("/to-file"), "it does not");
+    EXPECT_THROW((void)fetchSitePreview(QUORVEL_SITE_PREVIEW, "file:///etc/passwd", folder_.path()),
+                 SitePreviewError);
+    EXPECT_THROW(
+        (void)fetchSitePreview(QUORVEL_SITE_PREVIEW, "http://127.0.0.1:1/", folder_.path()),
+        SitePreviewError);
+    EXPECT_THROW((void)fetchSitePreview("/nonexistent", site() + "/mail/", folder_.path()),
+                 SitePreviewError);
+    const auto begin = std::chrono::steady_clock::now();
+    EXPECT_NE(failure("/never"), "it does not");
+    EXPECT_LE(std::chrono::steady_clock::now() - begin, 25s);
+}
+
+} // namespace
+} // namespace quorvel
