@@ -1,9 +1,13 @@
 #include "LaunchKit/ChangeRecovery.h"
 
+#include "Base/BundleLayout.h"
+#include "Base/BundleName.h"
+#include "Base/PathText.h"
 #include "LaunchKit/ChangeJournal.h"
 #include "LaunchKit/HomeMove.h"
 #include "Platform/files/FileLock.h"
 #include "Platform/files/FileSystem.h"
+#include "Platform/files/FileWriting.h"
 #include "Platform/files/ItemIdentity.h"
 #include "Platform/files/StagedChange.h"
 
@@ -48,9 +52,23 @@ void finishDeletion(StagedChange& change, const ChangeJournal& journal) {
     (void)StagedChange::interruptedIn(fs::path(journal.home).parent_path());
 }
 
-bool hasHiddenFolder(const fs::path& folder) {
-    const auto names = directoryEntries(folder);
-    return names && std::any_of(names->begin(), names->end(), StagedChange::isHiddenFolder);
+// What was written when a configuration was to be replaced.
+void removeUnfinishedConfigurations(const fs::path& folder, const std::vector<std::string>& names) {
+    for (const std::string& name : names) {
+        if (isAppBundleName(name)) {
+            removeUnfinishedFiles(resourcesOf(joinAsText(folder, name)));
+        }
+    }
+}
+
+void finishIn(const fs::path& folder) {
+    const auto names = directoryEntries(folder).value_or(std::vector<std::string>());
+    if (std::any_of(names.begin(), names.end(), StagedChange::isHiddenFolder)) {
+        if (const auto lock = FileLock::tryTakeFolder(folder)) {
+            finishInterruptedChanges(folder);
+        }
+    }
+    removeUnfinishedConfigurations(folder, names);
 }
 
 } // namespace
@@ -75,11 +93,7 @@ void finishInterruptedChanges(const fs::path& folder) noexcept {
 void finishInterruptedChanges(const std::vector<fs::path>& folders) noexcept {
     for (const fs::path& folder : folders) {
         try {
-            const auto lock = hasHiddenFolder(folder) ? FileLock::tryTakeFolder(folder)
-                                                      : std::optional<FileLock>();
-            if (lock) {
-                finishInterruptedChanges(folder);
-            }
+            finishIn(folder);
         } catch (const std::exception&) {
             continue;
         }

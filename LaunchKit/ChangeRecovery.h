@@ -11,7 +11,8 @@ namespace quorvel {
 void finishInterruptedChanges(const std::filesystem::path& folder) noexcept;
 
 /// Does that in several folders, each while no other change is made in it; leaves out those in
-/// which one is. Quick where there is nothing to do. Never throws.
+/// which one is. Also removes configurations that were not written completely, if older than a
+/// minute. Quick where there is nothing to do. Never throws.
 void finishInterruptedChanges(const std::vector<std::filesystem::path>& folders) noexcept;
 
 } // namespace quorvel

@@ -2,6 +2,8 @@
 
 #include "Base/CloneLayout.h"
 #include "Base/PathText.h"
+#include "LaunchKit/ChangeJournal.h"
+#include "LaunchKit/ClonesLock.h"
 #include "LaunchKit/DataFolderGuard.h"
 #include "LaunchKit/HomeLock.h"
 #include "LaunchKit/InstanceRecord.h"
@@ -12,6 +14,7 @@
 #include "Platform/files/FileSystem.h"
 #include "Platform/files/ItemRemoval.h"
 #include "Platform/files/PlatformError.h"
+#include "Platform/files/StagedChange.h"
 #include "Platform/processes/IsolatedEnvironment.h"
 
 #include <optional>
@@ -139,6 +142,74 @@ void removeRest(const ItemRemoval& wrapper, DeletedData& data) {
     }
 }
 
+// Removes the data from the hidden folder. What can't be removed is put back where it was.
+void removeMovedData(DataStep& step, StagedChange& trash, const std::string& name) {
+    step.removal = ItemRemoval::of(joinAsText(trash.path(), name));
+    removeData(step);
+    if (!trash.holds(name)) {
+        return;
+    }
+    try {
+        trash.restore(name, name);
+    } catch (const PlatformError&) {
+        trash.keep();
+    }
+}
+
+// Moves the wrapper away, and the data if `trash` is for it. Returns false, with everything in its
+// place, if that is not possible. Throws `PlatformError` if it is not either; the next start puts
+// it there.
+bool moveAway(StagedChange& change, StagedChange* trash, const std::string& wrapper,
+              const std::string& data) {
+    try {
+        change.withdraw(wrapper, wrapper);
+    } catch (const PlatformError&) {
+        return false;
+    }
+    try {
+        if (trash != nullptr) {
+            trash->withdraw(data, data);
+        }
+        return true;
+    } catch (const PlatformError&) {
+        change.keep();
+        change.restore(wrapper, wrapper);
+        return false;
+    }
+}
+
+// Moves the wrapper and the data out of their places, each in one step, and removes them then. If
+// that is interrupted before the data has moved, the next start puts the wrapper back; afterwards,
+// it removes the rest. Returns false, with everything in its place, if there is no room for that.
+bool removeAtOnce(const fs::path& bundle, DataStep& step, std::optional<FileLock>& lock) {
+    const std::string name = bundle.filename();
+    const std::string dataName = step.data.folder.filename();
+    std::optional<StagedChange> change;
+    std::optional<StagedChange> trash;
+    try {
+        change.emplace(bundle.parent_path());
+        if (step.removal) {
+            ChangeJournal{.wrapper = name,
+                          .number = std::to_string(step.removal->identity().inode),
+                          .home = step.data.folder}
+                .keepWith(*change);
+            trash.emplace(step.data.folder.parent_path()); // which the journal leads to
+        }
+    } catch (const PlatformError&) {
+        return false;
+    }
+    if (!moveAway(*change, trash ? &*trash : nullptr, name, dataName)) {
+        return false;
+    }
+    lock.reset(); // what remains to do concerns no one else
+    if (trash) {
+        removeMovedData(step, *trash, dataName);
+        trash.reset();
+        ChangeJournal::forget(*change);
+    }
+    return true;
+}
+
 // After a link to a wrapper was removed, the clone itself is still there, and a new one may have
 // taken its place. Without its runner, an entry that stays is not shown, and the next repair
 // removes it.
@@ -152,6 +223,17 @@ void withdrawIfGone(const std::string& identity) noexcept {
     }
 }
 
+// In an order in which an interruption leaves a clone that can be deleted again.
+void removeInPlace(const std::optional<ItemRemoval>& wrapper, DataStep& data) {
+    if (wrapper) {
+        throwFailure(wrapper->removeAllBut(relativeConfig()));
+    }
+    removeData(data);
+    if (wrapper) {
+        removeRest(*wrapper, data.data);
+    }
+}
+
 // A running application has sockets in it.
 bool leavesTemporaryFolder(const InstanceConfig& config) {
     return config.kind == ShortcutKind::app && config.resolvedHome().starts_with('/') &&
@@ -162,12 +244,14 @@ bool leavesTemporaryFolder(const InstanceConfig& config) {
 
 DeletedData deleteClone(const InstanceRegistry& registry, const InstanceRecord& record,
                         bool includingData, const InstanceRegistry::Deferral& later) {
+    std::optional<FileLock> lock = lockClones(record.bundleURL.parent_path());
     // Opened before its configuration is read, so that the wrapper removed is the one that was
     // read.
     const std::optional<ItemRemoval> wrapper = ItemRemoval::of(record.bundleURL);
     if (wrapper) {
         wrapper->refuseMounts();
         wrapper->refuseUnchangeable(relativeConfig());
+        wrapper->refuseClosedFolders();
     }
     refuseAnother(registry, record);
     // Data that is kept must not be taken for what an interrupted copy left.
@@ -175,12 +259,8 @@ DeletedData deleteClone(const InstanceRegistry& registry, const InstanceRecord& 
     const std::string identity = cloneIdentity(record.bundleURL);
     const bool isIdle = leavesTemporaryFolder(record.config);
     DataStep data = includingData ? dataStep(registry, record) : DataStep();
-    if (wrapper) {
-        throwFailure(wrapper->removeAllBut(relativeConfig()));
-    }
-    removeData(data);
-    if (wrapper) {
-        removeRest(*wrapper, data.data);
+    if (!wrapper || !removeAtOnce(withoutTrailingSlashes(record.bundleURL), data, lock)) {
+        removeInPlace(wrapper, data);
     }
     if (later) {
         later([identity] { withdrawIfGone(identity); });

@@ -5,13 +5,15 @@
 
 namespace quorvel {
 
-/// Deletes a clone, and its data if `includingData`, in an order in which an interrupted deletion
-/// leaves a clone that is still listed and can be deleted again: the wrapper except its
-/// configuration first, then the data, then the rest, and at last its entry in the menu and, unless
-/// it is running, its temporary files. Throws
-/// `RefusedDeletion`, or `PlatformError` if the wrapper can't be removed; both leave the data
-/// untouched. If the rest of the wrapper can't be removed after the data, the result reports that.
-/// The entry is withdrawn by `later`.
+/// Deletes a clone, and its data if `includingData`: both leave their places, each in one step, and
+/// are removed then. Interrupted, it leaves the clone as it was or none, as soon as
+/// `finishInterruptedChanges` has been called. Where there is no room for that, such as on a full
+/// disk, everything is removed where it is, in an order in which an interruption leaves a clone
+/// that is still listed and can be deleted again. Its entry in the menu and, unless it is running,
+/// its temporary files follow. Waits for other changes beside the wrapper. Throws
+/// `RefusedDeletion`, `InvalidRequest` if another change takes too long, or `PlatformError` if the
+/// wrapper can't be removed; all leave the data untouched. If the rest of the wrapper can't be
+/// removed after the data, the result reports that. The entry is withdrawn by `later`.
 DeletedData deleteClone(const InstanceRegistry& registry, const InstanceRecord& record,
                         bool includingData, const InstanceRegistry::Deferral& later = {});
 

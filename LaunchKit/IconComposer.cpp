@@ -124,12 +124,16 @@ ComposeError ComposeError::destinationFailed() {
 
 void compose(const std::filesystem::path& source, const IconLabel& label,
              const std::filesystem::path& destination) {
-    const std::string icon = badgedIcon(sourceImage(source, widestIconImage), label, 0);
+    const std::string icon = composed(source, label);
     try {
         writeFile(destination, icon);
     } catch (const PlatformError&) {
         throw ComposeError::destinationFailed();
     }
+}
+
+std::string composed(const std::filesystem::path& source, const IconLabel& label) {
+    return badgedIcon(sourceImage(source, widestIconImage), label, 0);
 }
 
 std::string converted(const std::filesystem::path& source, const std::optional<IconLabel>& label) {

@@ -43,6 +43,9 @@ private:
 void compose(const std::filesystem::path& source, const IconLabel& label,
              const std::filesystem::path& destination);
 
+/// Returns what `compose` writes. Throws `ComposeError`.
+[[nodiscard]] std::string composed(const std::filesystem::path& source, const IconLabel& label);
+
 /// Returns the icon of an application, in any form that `widestAppIconImage` reads, as an icon
 /// container; with the label, if it has visible text. Images larger than the source are left out,
 /// except for one. Throws `ComposeError`. Any thread.

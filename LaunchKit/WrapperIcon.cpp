@@ -27,17 +27,15 @@ std::optional<WrapperIcon> iconOfEntry(const AppBundle& target,
     }
 }
 
-// Returns false if there is nothing to draw, or if drawing fails.
-bool installBadgedIcon(const fs::path& source, const std::optional<IconLabel>& label,
-                       const fs::path& destination) {
-    if (!isVisible(label)) {
-        return false;
+// Returns the icon with its label; empty if there is nothing to draw, or if drawing fails.
+std::string labelledIcon(const WrapperIcon& icon, const std::optional<IconLabel>& label) {
+    if (!icon.converted.empty()) {
+        return icon.converted;
     }
     try {
-        IconComposer::compose(source, *label, destination);
-        return true;
+        return isVisible(label) ? IconComposer::composed(icon.file, *label) : std::string();
     } catch (const IconComposer::ComposeError&) {
-        return false;
+        return {};
     }
 }
 
@@ -62,10 +60,11 @@ std::optional<WrapperIcon> wrapperIcon(const std::optional<fs::path>& chosen,
 
 void installIcon(const WrapperIcon& icon, const std::optional<IconLabel>& label,
                  const fs::path& destination) {
-    if (!icon.converted.empty()) {
-        writeFile(destination, icon.converted);
-    } else if (!installBadgedIcon(icon.file, label, destination)) {
+    const std::string labelled = labelledIcon(icon, label);
+    if (labelled.empty()) {
         copyFile(icon.file, destination);
+    } else {
+        writeFile(destination, labelled);
     }
 }
 

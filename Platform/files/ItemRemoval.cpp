@@ -173,6 +173,26 @@ void ItemRemoval::refuseUnchangeable(std::string_view kept) const {
     }
 }
 
+void ItemRemoval::refuseClosedFolders() const {
+    if (!isFolder_ || isMountPoint_) {
+        return;
+    }
+    if (folder_.descriptor() < 0 || !canChange(folder_.descriptor())) {
+        throw PlatformError(systemError(EACCES), path_, "removed");
+    }
+    FolderWalk walk(folder_.descriptor(), mount_);
+    while (const auto step = walk.next()) {
+        if (step->kind == FolderWalk::Kind::unreadable) {
+            throw failureAt(walk.path(), step->error);
+        }
+        if (step->kind == FolderWalk::Kind::folderLeft &&
+            ::faccessat(step->folder, step->name, W_OK | X_OK, AT_EACCESS) != 0) {
+            throw failureAt(walk.path(), errno);
+        }
+        refuseProtected(step->folder, step->name, walk.path());
+    }
+}
+
 void ItemRemoval::removeContents(std::string_view kept, Pass& pass) const {
     FolderWalk walk(folder_.descriptor(), mount_);
     while (const auto step = walk.next()) {
@@ -221,8 +241,10 @@ RemovalReport ItemRemoval::inPasses(std::string_view kept, bool withItself) cons
         report.remaining = pass.remaining;
         report.failure =
             pass.remaining > 0 ? std::optional(failureAt(pass.below, pass.error)) : std::nullopt;
-        // Running programs may have written into folders after they were emptied.
-        if (pass.remaining == 0 || !pass.onlyNotEmpty || number == mostPasses) {
+        // Running programs may have written into folders after they were emptied. Any other failure
+        // is tried once more.
+        const int passes = pass.onlyNotEmpty ? mostPasses : 2;
+        if (pass.remaining == 0 || number >= passes) {
             return report;
         }
     }

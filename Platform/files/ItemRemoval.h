@@ -45,6 +45,10 @@ public:
     /// change its parent folder or a folder on the way to `kept`, or one of these is protected.
     void refuseUnchangeable(std::string_view kept = {}) const;
 
+    /// Throws `PlatformError` if it is certain that something in the folder can't be removed: one
+    /// of the folders in it may not be read or changed by the user, or something is protected.
+    void refuseClosedFolders() const;
+
     /// Removes everything in the folder except the item at the relative path `kept` and the folders
     /// on the way to it. Continues if something can't be removed. Removes nothing if the item is
     /// not a folder. Returns what was removed and what remains.

@@ -97,5 +97,33 @@ TEST_F(ChangeRecoveryTest, ARenamingInWhichACallFailsIsMadeOrReportedAndTakenBac
     }
 }
 
+TEST_F(ChangeRecoveryTest, ADeletionIsCompletedOrTakenBackWhereverItIsCutOff) {
+    bool wasKept = false;
+    for (int step = 0;; ++step) {
+        const fs::path wrapper = makeSmall();
+        const auto before = treeOf(home.path());
+        const auto record = InstanceRegistry().record(wrapper);
+        const FaultOutcome outcome =
+            withFault(step, {}, [&] { InstanceRegistry().remove(*record, true); });
+        if (outcome.kill == Kill::notPermitted) {
+            GTEST_SKIP() << "the kernel forbids tracing";
+        }
+        finishInterruptedChanges(InstanceRegistry().searchDirs());
+        const bool isKept = fs::exists(wrapper);
+        wasKept = wasKept || isKept;
+        if (isKept) {
+            EXPECT_TRUE(treeOf(home.path()) == before) << step;
+        } else {
+            EXPECT_THAT(namesIn("Applications"), ::testing::IsEmpty()) << step;
+            EXPECT_THAT(namesIn("QuorvelInstances"), ::testing::IsEmpty()) << step;
+        }
+        if (outcome.kill == Kill::ended) {
+            EXPECT_FALSE(isKept);
+            break;
+        }
+    }
+    EXPECT_TRUE(wasKept);
+}
+
 } // namespace
 } // namespace quorvel

@@ -3,12 +3,15 @@
 #include "LaunchKit/CloneCreation.h"
 #include "LaunchKit/HomeLock.h"
 #include "LaunchKit/WrapperNotes.h"
+#include "Platform/files/FileSystem.h"
 #include "Platform/files/PropertyListFile.h"
 #include "tests/LaunchKit/ChangedClones.h"
 
 #include <gmock/gmock.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
 #include <sys/xattr.h>
+#include <unistd.h>
 
 #include <future>
 
@@ -213,6 +216,54 @@ TEST_F(CloneChangeTest, WhatIsNotACloneIsRefused) {
         EXPECT_THROW((void)editClone(home / name, [](CloneSettings&) {}), Error) << name;
     }
     EXPECT_EQ(read(home / "Applications/Mine.app/file"), "x");
+}
+
+TEST_F(CloneChangeTest, ManyProcessesThatMakeEditAndDeleteOneCloneLeaveItWholeOrNone) {
+    constexpr int processes = 20;
+    constexpr int rounds = 5;
+    const WrapperFactory factory(runnerProgram());
+    const auto tryOne = [&](int kind) {
+        const fs::path wrapper = home / "Applications/Work.app";
+        try {
+            if (kind == 0) {
+                (void)createClone(factory, webRequest(), {.existingClone = true});
+            } else if (kind == 1) {
+                (void)editClone(wrapper, [](CloneSettings& s) {
+                    s.config.environment["K"] += "x";
+                    s.hidesIcon = !s.hidesIcon;
+                });
+            } else if (const auto record = InstanceRegistry().record(wrapper)) {
+                InstanceRegistry().remove(*record, false);
+            }
+        } catch (const Error&) {
+            return; // another one was first
+        }
+    };
+    std::vector<pid_t> children;
+    for (int number = 0; number < processes; ++number) {
+        children.push_back(::fork());
+        if (children.back() == 0) {
+            for (int round = 0; round < rounds; ++round) {
+                tryOne((number + round) % 3);
+            }
+            std::_Exit(0);
+        }
+    }
+    for (const pid_t child : children) {
+        int status = -1;
+        ASSERT_EQ(::waitpid(child, &status, 0), child);
+        EXPECT_EQ(status, 0);
+    }
+    const auto clones = InstanceRegistry().list();
+    const auto items = directoryEntries(home / "Applications").value();
+    EXPECT_EQ(items.size(), clones.size()) << "nothing half is left";
+    for (const InstanceRecord& clone : clones) {
+        EXPECT_TRUE(WrapperNotes::read(clone.bundleURL));
+        const auto list = readPropertyList(clone.bundleURL / "Contents/Info.plist");
+        ASSERT_TRUE(list);
+        EXPECT_EQ(list->contains("LSUIElement"), WrapperNotes::read(clone.bundleURL)->hidesIcon);
+        EXPECT_EQ(fileHash(clone.bundleURL / "Contents/MacOS/runner"), fileHash(runnerProgram()));
+    }
 }
 
 TEST_F(CloneChangeTest, EditsAtTheSameTimeAreAllMade) {
