@@ -2,14 +2,18 @@
 
 #include "Platform/files/DatabaseCount.h"
 #include "Platform/files/FileHandle.h"
+#include "Platform/files/FileSystem.h"
 #include "Platform/files/FolderWalk.h"
+#include "Platform/files/PlatformError.h"
 #include "Platform/files/RegularFile.h"
+#include "Platform/files/StagedFolder.h"
 
 #include <algorithm>
 #include <array>
 #include <cctype>
 #include <cerrno>
 #include <fcntl.h>
+#include <memory>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -72,10 +76,18 @@ std::string readText(int folder, const char* name) {
     if (!file.isOpen() || file.size > largestText) {
         return {};
     }
-    std::string bytes(file.size, '\0');
-    const ssize_t count = ::pread(file.descriptor(), bytes.data(), bytes.size(), 0);
-    bytes.resize(count < 0 ? 0 : static_cast<std::size_t>(count));
-    return bytes.find('\0') == std::string::npos ? bytes : std::string();
+    // The beginning of most files that are no text says so, and the rest need not be read.
+    constexpr std::size_t head = 4096;
+    std::string bytes;
+    for (const std::size_t size : {std::min(head, file.size), file.size}) {
+        bytes.resize(size);
+        const ssize_t count = ::pread(file.descriptor(), bytes.data(), bytes.size(), 0);
+        bytes.resize(count < 0 ? 0 : static_cast<std::size_t>(count));
+        if (bytes.find('\0') != std::string::npos) {
+            return {};
+        }
+    }
+    return bytes;
 }
 
 std::string linkTarget(int folder, const char* name) {
@@ -85,18 +97,31 @@ std::string linkTarget(int folder, const char* name) {
 }
 
 // The first bytes of Chromium's encrypted values say whose key it is: "v11" is the keyring's.
-void countLocked(const fs::path& file, CopyFindings& findings) {
+void countLocked(const fs::path& file, const fs::path& scratch, CopyFindings& findings) {
     const fs::path name = file.filename();
+    if (isSymbolicLink(file)) {
+        return; // it may lead to the original
+    }
     if (name == "Cookies") {
-        findings.lockedCookies +=
-            countInDatabase(file, "SELECT count(*) FROM cookies "
-                                  "WHERE substr(encrypted_value, 1, 3) = x'763131'")
-                .value_or(0);
+        findings.lockedCookies += countInDatabase(file, scratch,
+                                                  "SELECT count(*) FROM cookies "
+                                                  "WHERE substr(encrypted_value, 1, 3) = x'763131'")
+                                      .value_or(0);
     } else if (name == "Login Data") {
         findings.lockedPasswords +=
-            countInDatabase(file, "SELECT count(*) FROM logins "
-                                  "WHERE substr(password_value, 1, 3) = x'763131'")
+            countInDatabase(file, scratch,
+                            "SELECT count(*) FROM logins "
+                            "WHERE substr(password_value, 1, 3) = x'763131'")
                 .value_or(0);
+    }
+}
+
+// What an interruption leaves there, the next copy removes.
+std::unique_ptr<StagedFolder> scratchBeside(const fs::path& copy) {
+    try {
+        return std::make_unique<StagedFolder>(copy);
+    } catch (const PlatformError&) {
+        return nullptr;
     }
 }
 
@@ -110,6 +135,7 @@ CopyFindings findingsIn(const fs::path& copy, const std::vector<fs::path>& origi
         return findings;
     }
     const std::vector<std::string> spellings = spellingsOf(originals);
+    const std::unique_ptr<StagedFolder> scratch = scratchBeside(copy);
     FolderWalk walk(root.descriptor(), *mount);
     while (const auto step = walk.next()) {
         if (step->kind != FolderWalk::Kind::item) {
@@ -119,7 +145,9 @@ CopyFindings findingsIn(const fs::path& copy, const std::vector<fs::path>& origi
             names(readText(step->folder, step->name), spellings)) {
             findings.namingOriginal.push_back(walk.path());
         }
-        countLocked(copy / walk.path(), findings);
+        if (scratch) {
+            countLocked(copy / walk.path(), scratch->path(), findings);
+        }
     }
     std::sort(findings.namingOriginal.begin(), findings.namingOriginal.end());
     return findings;

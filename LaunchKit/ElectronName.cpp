@@ -15,7 +15,7 @@ namespace quorvel {
 namespace fs = std::filesystem;
 namespace {
 
-constexpr std::size_t largestPart = std::size_t{16} << 20U;
+constexpr std::size_t largestPart = std::size_t{8} << 20U;
 
 std::string readAt(const RegularFile& file, std::uint64_t offset, std::uint64_t size) {
     if (size > largestPart || offset > file.size || size > file.size - offset) {

@@ -1,53 +1,43 @@
 #include "Platform/files/DatabaseCount.h"
 
-#include "Base/PathText.h"
-#include "Base/RandomUuid.h"
 #include "Platform/files/FileCopy.h"
-#include "Platform/files/FileRemoval.h"
 #include "Platform/files/FileSystem.h"
-#include "Platform/files/PlatformError.h"
 
+#include <array>
 #include <memory>
 #include <sqlite3.h>
+#include <unistd.h>
 
 namespace quorvel {
 namespace fs = std::filesystem;
 namespace {
 
-// A private folder with a copy of the database.
+// The files of a database, which SQLite may add to.
+constexpr std::array<const char*, 4> parts{"", "-wal", "-journal", "-shm"};
+
+// A copy of a database, with its journals.
 class DatabaseCopy {
 public:
-    explicit DatabaseCopy(const fs::path& database)
-        : folder_(fs::temp_directory_path() / ("quorvel-count-" + randomUuid())) {
-        createPrivateFolder(folder_);
-        try {
-            for (const char* end : {"", "-wal", "-journal"}) {
-                const fs::path part = database.native() + end;
-                if (*end == '\0' || itemExists(part)) {
-                    copyFile(part, file().native() + end);
-                }
+    DatabaseCopy(const fs::path& database, const fs::path& scratch) : file_(scratch / "database") {
+        for (const char* end : {"", "-wal", "-journal"}) {
+            const fs::path part = database.native() + end;
+            if (*end == '\0' || itemExists(part)) {
+                copyFile(part, file_.native() + end);
             }
-        } catch (...) {
-            remove();
-            throw;
         }
     }
     DatabaseCopy(const DatabaseCopy&) = delete;
     DatabaseCopy& operator=(const DatabaseCopy&) = delete;
-    ~DatabaseCopy() { remove(); }
-
-    [[nodiscard]] fs::path file() const { return folder_ / "database"; }
-
-private:
-    void remove() noexcept {
-        try {
-            removeItem(folder_);
-        } catch (const std::exception&) {
-            return; // the system empties the temporary folder
+    ~DatabaseCopy() {
+        for (const char* end : parts) {
+            (void)::unlink((file_.native() + end).c_str());
         }
     }
 
-    fs::path folder_;
+    [[nodiscard]] const fs::path& file() const { return file_; }
+
+private:
+    fs::path file_;
 };
 
 std::optional<std::size_t> answer(sqlite3* database, const char* query) {
@@ -64,7 +54,8 @@ std::optional<std::size_t> answer(sqlite3* database, const char* query) {
 
 } // namespace
 
-std::optional<std::size_t> countInDatabase(const fs::path& database, const char* query) {
+std::optional<std::size_t> countInDatabase(const fs::path& database, const fs::path& scratch,
+                                           const char* query) {
     constexpr std::uintmax_t largest = std::uintmax_t{256} << 20U;
     std::error_code code;
     const std::uintmax_t size = fs::file_size(database, code);
@@ -72,7 +63,7 @@ std::optional<std::size_t> countInDatabase(const fs::path& database, const char*
         return std::nullopt;
     }
     try {
-        const DatabaseCopy copy(database);
+        const DatabaseCopy copy(database, scratch);
         sqlite3* opened = nullptr;
         const int status =
             sqlite3_open_v2(copy.file().c_str(), &opened, SQLITE_OPEN_READWRITE, nullptr);

@@ -361,6 +361,17 @@ TEST_F(CreateCommandTest, ATextThatCantBeWrittenLeavesTheOldCloneAlone) {
     EXPECT_EQ(treeOf(harness.home / "Applications"), before);
 }
 
+TEST_F(CreateCommandTest, NothingIsMadeIfTheOriginalsDataIsUnknown) {
+    EXPECT_EQ(create(commandWords({"--seed"})).status, 2);
+    makeAppBundle(harness.home / "Chat.app");
+    const CommandResult result =
+        create({"--target", (harness.home / "Chat.app").string(), "--name", "Seeded", "--seed"});
+    EXPECT_EQ(result.status, 1);
+    EXPECT_THAT(result.errors, HasSubstr("It is not known where "));
+    EXPECT_FALSE(fs::exists(harness.home / "Applications/Seeded.app"));
+    EXPECT_FALSE(fs::exists(harness.home / "QuorvelInstances"));
+}
+
 TEST_F(CreateCommandTest, LaunchesTheCloneWhenAsked) {
     const auto json = create(commandWords({"--launch"})).json();
     EXPECT_EQ(harness.workspace.opened,

@@ -87,6 +87,10 @@ TEST_F(CopyFindingsTest, WhatIsNoDatabaseIsSkipped) {
     write(folder_ / "Default/Cookies", "not a database");
     run("Other/Cookies", "create table something(other);");
     fs::create_symlink("/etc/passwd", folder_ / "Login Data");
+    run("elsewhere/database", "create table cookies(name, encrypted_value blob);"
+                              "insert into cookies values('locked', x'763131aa');");
+    fs::create_directory(folder_ / "Linked");
+    fs::create_symlink(folder_ / "elsewhere/database", folder_ / "Linked/Cookies");
     EXPECT_EQ(findings().lockedCookies, 0U);
     EXPECT_EQ(findings().lockedPasswords, 0U);
 }
