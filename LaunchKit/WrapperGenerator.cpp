@@ -77,6 +77,15 @@ void installRunner(const fs::path& runner, const fs::path& destination) {
     }
 }
 
+// A missing module is no reason not to make the clone: when it is opened, it says what is missing.
+void installWebHost(const WrapperGenerator::Options& options, const fs::path& wrapper) {
+    const fs::path module = options.runnerBinary.parent_path() / webHostModule;
+    if (options.config.kind == ShortcutKind::web && options.containsWebHost && itemExists(module)) {
+        createDirectories(frameworksOf(wrapper));
+        copyFile(module, webHostOf(wrapper));
+    }
+}
+
 } // namespace
 
 WrapperGenerator::GenError
@@ -118,6 +127,7 @@ fs::path WrapperGenerator::generate(const fs::path& directory, const Options& op
     createDirectories(executablesOf(wrapper));
     createDirectories(resourcesOf(wrapper));
     installRunner(options.runnerBinary, runnerOf(wrapper));
+    installWebHost(options, wrapper);
     writeFile(configOf(wrapper), json);
     if (icon) {
         installIcon(*icon, options.config.iconLabel, iconOf(wrapper));

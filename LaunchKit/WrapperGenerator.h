@@ -3,6 +3,7 @@
 #include "Base/Error.h"
 #include "LaunchKit/AppBundle.h"
 #include "LaunchKit/InstanceConfig.h"
+#include "Platform/processes/LoadedModule.h"
 
 #include <filesystem>
 #include <functional>
@@ -19,6 +20,9 @@ public:
         std::filesystem::path runnerBinary{};
         std::optional<std::filesystem::path> customIcon{}; ///< replaces the target's own icon
         bool hideWrapperIcon = false;                      ///< no Dock icon
+        /// Whether the wrapper of a web clone contains the module that shows it, from beside the
+        /// runner, and what the system wants to know about it.
+        bool containsWebHost = modulesBelongToBundles();
         /// If set, called with the wrapper's path before anything is changed. What it throws is
         /// passed on.
         std::function<void(const std::filesystem::path& wrapper)> beforeWriting{};
