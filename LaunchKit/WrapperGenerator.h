@@ -20,12 +20,12 @@ public:
         std::filesystem::path runnerBinary{};
         std::optional<std::filesystem::path> customIcon{}; ///< replaces the target's own icon
         bool hideWrapperIcon = false;                      ///< no Dock icon
-        /// Whether the wrapper of a web clone contains the module that shows it, from beside the
-        /// runner, and what the system wants to know about it.
-        bool containsWebHost = modulesBelongToBundles();
         /// If set, called with the wrapper's path before anything is changed. What it throws is
         /// passed on.
         std::function<void(const std::filesystem::path& wrapper)> beforeWriting{};
+        /// Whether the wrapper of a web clone contains the module that shows it, from beside the
+        /// runner.
+        bool containsWebHost = modulesBelongToBundles();
     };
 
     class GenError : public Error {
