@@ -40,6 +40,9 @@ WrapperContents contentsFor(const WrapperGenerator::Options& options,
                             const std::optional<AppBundle>& target, const fs::path& wrapper) {
     WrapperContents contents;
     contents.runner = options.runnerBinary;
+    if (options.config.kind == ShortcutKind::web && options.containsWebHost) {
+        contents.webHost = webHostBeside(options.runnerBinary);
+    }
     contents.config = options.config.json();
     contents.label = options.iconHasLabel ? std::nullopt : options.config.iconLabel;
     contents.icon = wrapperIcon(chosenIcon(options, wrapper), target, contents.label);

@@ -4,6 +4,7 @@
 #include "LaunchKit/AppBundle.h"
 #include "LaunchKit/InstanceConfig.h"
 #include "LaunchKit/WrapperNotes.h"
+#include "Platform/processes/LoadedModule.h"
 
 #include <filesystem>
 #include <functional>
@@ -27,6 +28,9 @@ public:
         /// If set, called with the wrapper's path before anything is changed. What it throws is
         /// passed on.
         std::function<void(const std::filesystem::path& wrapper)> beforeWriting{};
+        /// Whether the wrapper of a web clone contains the module that shows it, from beside the
+        /// runner.
+        bool containsWebHost = modulesBelongToBundles();
     };
 
     class GenError : public Error {

@@ -40,11 +40,12 @@ bool holdsAtMostFiles(const fs::path& folder, std::initializer_list<std::string_
            });
 }
 
-// Returns whether a wrapper's two folders contain only what a wrapper does.
+// Returns whether a wrapper's folders contain only what a wrapper does.
 bool holdsAtMostWrapperFiles(const fs::path& wrapper) {
     return holdsAtMostFiles(executablesOf(wrapper), {wrapperExecutableName}) &&
            holdsAtMostFiles(resourcesOf(wrapper),
-                            {configName, iconFileName, notesName, chosenIconName});
+                            {configName, iconFileName, notesName, chosenIconName}) &&
+           holdsAtMostFiles(frameworksOf(wrapper), {webHostModule});
 }
 
 } // namespace
@@ -69,6 +70,10 @@ std::string runnerOf(const std::string& wrapper) {
     return executableOf(wrapper, wrapperExecutableName);
 }
 
+std::string webHostOf(const std::string& wrapper) {
+    return joinAsText(frameworksOf(wrapper), webHostModule);
+}
+
 fs::path wrapperPath(const fs::path& directory, std::string_view displayName) {
     return joinAsText(directory, std::string(displayName) + ".app");
 }
@@ -80,7 +85,8 @@ fs::path userApplicationsFolder() {
 bool isUnfinishedWrapper(const fs::path& wrapper) {
     // The runner is written first; resources without it belong to someone else.
     return holdsAtMost(wrapper, {BundleItem::contents}) &&
-           holdsAtMost(contentsOf(wrapper), {BundleItem::executables, BundleItem::resources}) &&
+           holdsAtMost(contentsOf(wrapper),
+                       {BundleItem::executables, BundleItem::resources, BundleItem::frameworks}) &&
            holdsAtMostWrapperFiles(wrapper) &&
            (itemExists(runnerOf(wrapper)) || holdsAtMost(resourcesOf(wrapper), {}));
 }
@@ -92,8 +98,9 @@ bool isDamagedWrapper(const fs::path& wrapper) {
                           itemExists(joinAsText(contentsOf(wrapper), BundleItem::pkgInfo)));
     return isWhole && !InstanceConfig::read(configOf(wrapper)) && itemExists(runnerOf(wrapper)) &&
            holdsAtMost(wrapper, {BundleItem::contents}) &&
-           holdsAtMost(contentsOf(wrapper), {BundleItem::executables, BundleItem::resources,
-                                             BundleItem::infoPlist, BundleItem::pkgInfo}) &&
+           holdsAtMost(contentsOf(wrapper),
+                       {BundleItem::executables, BundleItem::resources, BundleItem::frameworks,
+                        BundleItem::infoPlist, BundleItem::pkgInfo}) &&
            holdsAtMostWrapperFiles(wrapper);
 }
 

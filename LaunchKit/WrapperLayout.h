@@ -14,6 +14,9 @@ inline constexpr std::string_view wrapperIconName = "AppIcon";
 /// The name of a wrapper's executable.
 inline constexpr std::string_view wrapperExecutableName = "runner";
 
+/// The file name of the module that shows web clones, installed or in a wrapper.
+inline constexpr std::string_view webHostModule = "quorvel-web-host.so";
+
 /// What a wrapper's executable is told to start one of its target's actions with: this and an id.
 inline constexpr std::string_view actionOption = "--action=";
 
@@ -32,6 +35,9 @@ inline constexpr std::string_view actionOption = "--action=";
 
 /// Returns the path of a wrapper's executable.
 [[nodiscard]] std::string runnerOf(const std::string& wrapper);
+
+/// Returns the path of the module in a wrapper that contains it.
+[[nodiscard]] std::string webHostOf(const std::string& wrapper);
 
 /// Returns the path of the wrapper of a clone with that name: `directory`/`displayName`.app.
 [[nodiscard]] std::filesystem::path wrapperPath(const std::filesystem::path& directory,

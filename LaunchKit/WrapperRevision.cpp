@@ -14,6 +14,7 @@
 #include "Platform/files/PlatformError.h"
 #include "Platform/files/PropertyListFile.h"
 #include "Platform/files/TreeCopy.h"
+#include "Platform/processes/LoadedModule.h"
 
 #include <utility>
 
@@ -193,6 +194,10 @@ std::vector<std::string> WrapperRevision::stage(const StagedChange& change, cons
     contents.config = changes.settings.config.json();
     WrapperPropertyList::requireWritableTexts(changes.settings.config);
     contents.runner = changes.settings.runner;
+    if (contents.runner && changes.settings.config.kind == ShortcutKind::web &&
+        modulesBelongToBundles()) {
+        contents.webHost = webHostBeside(*contents.runner);
+    }
     contents.keepsIcon = plan.keeps;
     contents.icon = plan.icon;
     contents.label = changes.settings.config.iconLabel;

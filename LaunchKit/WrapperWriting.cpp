@@ -11,6 +11,7 @@
 
 #include <cerrno>
 #include <unistd.h>
+#include <utility>
 
 namespace quorvel {
 namespace fs = std::filesystem;
@@ -30,6 +31,12 @@ void replaceRunner(const fs::path& runner, const fs::path& destination) {
     if (code) {
         throw PlatformError(code, destination, "made executable");
     }
+}
+
+void replaceWebHost(const fs::path& module, const fs::path& wrapper) {
+    createDirectories(frameworksOf(wrapper));
+    removeOldFile(webHostOf(wrapper));
+    copyFile(module, webHostOf(wrapper));
 }
 
 void replaceIcon(const WrapperContents& contents, const fs::path& wrapper) {
@@ -60,12 +67,20 @@ void writeNotes(const WrapperContents& contents, const fs::path& wrapper) {
 
 } // namespace
 
+std::optional<fs::path> webHostBeside(const fs::path& runner) {
+    fs::path module = runner.parent_path() / webHostModule;
+    return itemExists(module) ? std::optional(std::move(module)) : std::nullopt;
+}
+
 void writeWrapper(const fs::path& wrapper, const WrapperContents& contents) {
     createDirectories(wrapper); // separately, so that an error names it
     createDirectories(executablesOf(wrapper));
     createDirectories(resourcesOf(wrapper));
     if (contents.runner) {
         replaceRunner(*contents.runner, runnerOf(wrapper));
+    }
+    if (contents.webHost) {
+        replaceWebHost(*contents.webHost, wrapper);
     }
     writeFile(configOf(wrapper), contents.config);
     if (!contents.keepsIcon) {

@@ -4,6 +4,8 @@
 #include "LaunchKit/HomeLock.h"
 #include "LaunchKit/InstanceConfig.h"
 #include "LaunchKit/LogRotation.h"
+#include "LaunchKit/WrapperLayout.h"
+#include "Platform/files/FileSystem.h"
 #include "Platform/files/PlatformError.h"
 #include "Platform/processes/LoadedModule.h"
 #include "Runner/RunnerMessages.h"
@@ -61,6 +63,22 @@ std::string quoted(const InstanceConfig& config) {
     return "“" + config.displayName + "”";
 }
 
+// The module of the clone itself, where it has to be a part of that, or the one that is installed.
+std::optional<std::filesystem::path> moduleFor(const WebCloneStart& start) {
+    const Environment session = currentEnvironment();
+    if (!modulesBelongToBundles() || session.contains(webHostVariable)) {
+        return helperModule(std::string(webHostModule), webHostVariable, session);
+    }
+    const auto resources = std::filesystem::path(start.configFile).parent_path();
+    const std::filesystem::path own = webHostOf(resources.parent_path().parent_path());
+    return itemExists(own) ? std::optional(own) : std::nullopt;
+}
+
+// What to do about a missing module, where it is a package's.
+std::string remedy(const std::string& ofPackages) {
+    return modulesBelongToBundles() ? "create the clone again" : ofPackages;
+}
+
 std::optional<Refusal> addressRefusal(const WebCloneStart& start) {
     const StartAddress own = startAddress(start.config.url);
     if (own.kind == StartAddress::Case::refused) {
@@ -91,8 +109,8 @@ int show(const WebCloneStart& start, const std::filesystem::path& module, const 
     if (loaded.function == nullptr) {
         addToLog(start.config, loaded.problem);
         return fail(start, report,
-                    {"the web host for " + quoted(start.config) +
-                         " can’t be loaded; install the package libwebkitgtk-6.0-4",
+                    {"the web host for " + quoted(start.config) + " can’t be loaded; " +
+                         remedy("install the package libwebkitgtk-6.0-4"),
                      runnerUnavailable});
     }
     signals.stop();
@@ -165,12 +183,11 @@ int runWebClone(const WebCloneStart& start, const StartReport& report,
     if (const auto refusal = addressRefusal(start)) {
         return fail(start, report, *refusal);
     }
-    const auto module = helperModule(webHostModule, webHostVariable, currentEnvironment());
+    const auto module = moduleFor(start);
     if (!module) {
         return fail(start, report,
-                    {"the web host for " + quoted(start.config) +
-                         " is not installed; on Linux, the packages quorvel and "
-                         "libwebkitgtk-6.0-4 contain it",
+                    {"the web host for " + quoted(start.config) + " is not installed; " +
+                         remedy("on Linux, the packages quorvel and libwebkitgtk-6.0-4 contain it"),
                      runnerUnavailable});
     }
     try {

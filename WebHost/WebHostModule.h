@@ -28,7 +28,6 @@ namespace quorvel {
 /// Changes with every change of the request.
 inline constexpr std::uint32_t webHostAbi = 1;
 inline constexpr const char* webHostFunction = "quorvel_web_host_run";
-inline constexpr const char* webHostModule = "quorvel-web-host.so";
 /// In the session's environment, the path of another module.
 inline constexpr const char* webHostVariable = "QUORVEL_WEB_HOST";
 

@@ -12,7 +12,11 @@ struct LoadedModule {
 };
 
 /// Loads the module at that path, all of it at once and visible to nobody else, and finds the
-/// function. A path that is not absolute is refused. None can be loaded on macOS so far.
+/// function. A path that is not absolute is refused.
 [[nodiscard]] LoadedModule loadModule(const std::filesystem::path& module, const char* function);
+
+/// Returns whether a module has to be a part of the bundle of the program that loads it: on macOS
+/// the installed one may be moved, and belongs to another application.
+[[nodiscard]] bool modulesBelongToBundles() noexcept;
 
 } // namespace quorvel

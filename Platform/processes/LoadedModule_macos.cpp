@@ -2,8 +2,8 @@
 
 namespace quorvel {
 
-LoadedModule loadModule(const std::filesystem::path& /*module*/, const char* /*function*/) {
-    return {nullptr, "no module is loaded on macOS"};
+bool modulesBelongToBundles() noexcept {
+    return true;
 }
 
 } // namespace quorvel

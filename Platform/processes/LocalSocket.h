@@ -6,12 +6,11 @@
 #include <filesystem>
 #include <string>
 
-/// Sockets in a folder of the user's, by which programs of the same user talk to each other. None
-/// can be made on macOS, where the system passes on what a running application is to open.
+/// Sockets in a folder of the user's, by which programs of the same user talk to each other.
 namespace quorvel::LocalSocket {
 
-/// Makes a socket of that name in the folder, which may have a path of any length, and listens on
-/// it. Replaces a socket that is there, and nothing else. Nothing is open if that fails.
+/// Makes a socket of that name in the folder, whose path may be of any length except on macOS, and
+/// listens on it. Replaces a socket that is there, and nothing else. Nothing is open if that fails.
 [[nodiscard]] FileHandle listenIn(const std::filesystem::path& folder, const std::string& name);
 
 /// Sends a text to whoever listens on that socket, and returns the short answer; empty if nobody

@@ -83,6 +83,19 @@ TEST_F(WrapperGeneratorTest, WritesExactlyTheBundlesFiles) {
     EXPECT_EQ(treeOf(wrapper), expected);
 }
 
+TEST_F(WrapperGeneratorTest, OnlyAWebCloneContainsTheWebHostFromBesideTheRunner) {
+    write(at("quorvel-web-host.so"), "module");
+    WrapperGenerator::Options web = webOptions();
+    web.containsWebHost = true;
+    WrapperGenerator::Options app = appOptions("none");
+    app.containsWebHost = true;
+    const char* const module = "Contents/Frameworks/quorvel-web-host.so";
+    EXPECT_FALSE(fs::exists(generate(app) / "Contents/Frameworks"));
+    EXPECT_EQ(read(generate(web) / module), "module");
+    fs::remove(at("quorvel-web-host.so"));
+    EXPECT_FALSE(fs::exists(generate(web) / "Contents/Frameworks"));
+}
+
 TEST_F(WrapperGeneratorTest, TheRunnerIsExecutableForAnyModeOfTheSource) {
     EXPECT_EQ(fs::status(generate(webOptions()) / "Contents/MacOS/runner").permissions(),
               fs::perms{0755});

@@ -49,6 +49,15 @@ TEST_F(WrapperLayoutTest, ACloneWithoutAReadableConfigurationIsDamaged) {
     EXPECT_TRUE(isDamagedWrapper(wrapper_));
 }
 
+TEST_F(WrapperLayoutTest, TheWebHostIsAPartOfAWrapper) {
+    damage();
+    write(webHostOf(wrapper_), "module");
+    EXPECT_EQ(webHostOf(wrapper_), wrapper_ / "Contents/Frameworks/quorvel-web-host.so");
+    EXPECT_TRUE(isDamagedWrapper(wrapper_));
+    write(wrapper_ / "Contents/Frameworks/other.so", "mine");
+    EXPECT_FALSE(isDamagedWrapper(wrapper_));
+}
+
 TEST_F(WrapperLayoutTest, AWholeCloneThatLostItsConfigurationAloneIsDamaged) {
     fs::remove(wrapper_ / "Contents/Resources/instance.json");
     EXPECT_TRUE(isDamagedWrapper(wrapper_));

@@ -9,7 +9,7 @@ link_failed() { failed "$1"; head -20 "$out/link.log" | sed 's/^/    /' >>"$out/
 link_for() {
   local arch=$1 output=$2 framework frameworks=()
   shift 2
-  for framework in AppKit CoreFoundation CoreServices Foundation; do
+  for framework in AppKit CoreFoundation CoreServices Foundation UserNotifications WebKit; do
     frameworks+=(-framework "$framework")
   done
   "$linker" -arch "$arch" -platform_version macos 13.0 13.0 -syslibroot "$here/libraries" \
@@ -57,7 +57,8 @@ linked_files() {
   shift
   for file in "$@"; do
     name=$(result_of object "$arch" "$file")
-    ! grep -qF "${name##*/}" "$out"/{quorvel-runner,platform}."$arch.map" || echo "$file"
+    ! grep -qF "${name##*/}" "$out"/{quorvel-runner,platform,quorvel-web-host}."$arch.map" ||
+      echo "$file"
   done
 }
 
@@ -68,6 +69,25 @@ check_system_files() {
   for file in "$@"; do objects+=("$(result_of object "$arch" "$file")"); done
   link_for "$arch" "$out/platform.$arch" -dylib "${objects[@]}" "$archive" ||
     link_failed "the macOS files do not link for $arch"
+}
+
+# check_web_host ARCHITECTURE ARCHIVE FILES...: links it as the module that the runner loads. It is
+# copied into clones, too.
+check_web_host() {
+  local arch=$1 archive=$2 module=$out/quorvel-web-host.$1 file outside objects=()
+  shift 2
+  for file in "$@"; do objects+=("$(result_of object "$arch" "$file")"); done
+  if ! link_for "$arch" "$module" -bundle -exported_symbol _quorvel_web_host_run "${objects[@]}" \
+    "$archive"; then
+    link_failed "the web host does not link for $arch"
+    return
+  fi
+  outside=$(outside_libraries "$module")
+  [ -z "$outside" ] || failed "the web host needs what is not the system's: $outside"
+  ! "llvm-objdump-$version" --macho --dylibs-used "$out/quorvel-runner.$arch" | grep -q WebKit ||
+    failed "the runner itself needs the web engine"
+  [ "$("llvm-nm-$version" -gU "$module" | sed 's/.* //')" = _quorvel_web_host_run ] ||
+    failed "the web host has other functions than the one that the runner calls"
 }
 
 # listed_symbols [FOLDER]: what the lists name.

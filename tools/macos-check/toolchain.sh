@@ -11,7 +11,7 @@ skip() { printf 'skipped: %s\n' "$*"; exit 77; }
 find_tools() {
   [ "$(uname)" = Linux ] || skip "this check is for Linux"
   local tool
-  for tool in $compiler clang-$version $linker llvm-{ar,nm,objdump}-$version cmake ninja; do
+  for tool in $compiler clang-$version $linker llvm-{ar,nm,objdump}-$version cmake ninja python3; do
     command -v "$tool" >/dev/null ||
       skip "$tool is missing (Debian: clang-16 lld-16 llvm-16 libc++-16-dev)"
   done

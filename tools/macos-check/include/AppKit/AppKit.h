@@ -2,6 +2,8 @@
 
 #include <Foundation/Foundation.h>
 
+#include <AppKit/NSApplications.h>
+
 NS_ASSUME_NONNULL_BEGIN
 
 @interface NSRunningApplication : NSObject
@@ -25,11 +27,14 @@ NS_ASSUME_NONNULL_BEGIN
            completionHandler:(void (^_Nullable)(NSRunningApplication* _Nullable application,
                                                 NSError* _Nullable error))handler
     SINCE_MACOS(10.15);
+- (BOOL)openURL:(NSURL*)url;
+- (void)openURLs:(NSArray<NSURL*>*)urls
+    withApplicationAtURL:(NSURL*)application
+           configuration:(NSWorkspaceOpenConfiguration*)configuration
+       completionHandler:(void (^_Nullable)(NSRunningApplication* _Nullable application,
+                                            NSError* _Nullable error))handler SINCE_MACOS(10.15);
 - (void)activateFileViewerSelectingURLs:(NSArray<NSURL*>*)urls SINCE_MACOS(10.6);
 @end
-
-typedef NSInteger NSModalResponse;
-static const NSModalResponse NSModalResponseOK = 1;
 
 // To be used on the main thread.
 @interface NSOpenPanel : NSObject
@@ -38,8 +43,12 @@ static const NSModalResponse NSModalResponseOK = 1;
 @property BOOL canChooseDirectories;
 @property BOOL allowsMultipleSelection;
 @property(null_resettable, copy) NSString* prompt;
+@property(null_resettable, copy) NSString* message;
 @property(nullable, readonly, copy) NSURL* URL;
+@property(readonly, copy) NSArray<NSURL*>* URLs;
 - (NSModalResponse)runModal;
+- (void)beginSheetModalForWindow:(NSWindow*)window
+               completionHandler:(void (^)(NSModalResponse result))handler SINCE_MACOS(10.6);
 @end
 
 NS_ASSUME_NONNULL_END

@@ -23,6 +23,19 @@ typedef int32_t SInt32;
 typedef uint64_t UInt64;
 typedef long CFIndex;
 typedef double CFTimeInterval;
+typedef double CGFloat;
+typedef struct CGPoint {
+    CGFloat x;
+    CGFloat y;
+} CGPoint;
+typedef struct CGSize {
+    CGFloat width;
+    CGFloat height;
+} CGSize;
+typedef struct CGRect {
+    CGPoint origin;
+    CGSize size;
+} CGRect;
 typedef const void* CFTypeRef;
 typedef const struct BRIDGED_TO(NSString) __CFString* CFStringRef;
 typedef const struct BRIDGED_TO(NSArray) __CFArray* CFArrayRef;

@@ -44,6 +44,11 @@ void FSEventStreamStop(FSEventStreamRef stream) SINCE_MACOS(10.5);
 void FSEventStreamInvalidate(FSEventStreamRef stream) SINCE_MACOS(10.5);
 void FSEventStreamRelease(FSEventStreamRef stream) SINCE_MACOS(10.5);
 
+// Where a file is from, which the system checks before it is opened.
+extern const CFStringRef kLSQuarantineTypeKey SINCE_MACOS(10.5);
+extern const CFStringRef kLSQuarantineTypeWebDownload SINCE_MACOS(10.5);
+extern const CFStringRef kLSQuarantineDataURLKey SINCE_MACOS(10.5);
+
 #ifdef __cplusplus
 }
 #endif

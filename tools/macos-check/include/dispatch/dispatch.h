@@ -8,10 +8,17 @@
 @end
 typedef NSObject<OS_dispatch_queue>* dispatch_queue_t;
 typedef NSObject* dispatch_queue_attr_t;
+@protocol OS_dispatch_source <NSObject>
+@end
+typedef NSObject<OS_dispatch_source>* dispatch_source_t;
+typedef dispatch_source_t dispatch_object_t;
 #else
 typedef struct dispatch_queue_s* dispatch_queue_t;
 typedef struct dispatch_queue_attr_s* dispatch_queue_attr_t;
+typedef struct dispatch_source_s* dispatch_source_t;
+typedef dispatch_source_t dispatch_object_t;
 #endif
+#include <stdint.h>
 
 typedef void (*dispatch_function_t)(void* context);
 typedef void (^dispatch_block_t)(void);
@@ -33,6 +40,22 @@ void dispatch_release(dispatch_queue_t queue); // under ARC, queues are objects 
 
 void dispatch_async(dispatch_queue_t queue, dispatch_block_t block);
 void dispatch_sync_f(dispatch_queue_t queue, void* context, dispatch_function_t work);
+
+struct dispatch_source_type_s;
+typedef const struct dispatch_source_type_s* dispatch_source_type_t;
+extern const struct dispatch_source_type_s _dispatch_source_type_read;
+extern const struct dispatch_source_type_s _dispatch_source_type_signal;
+#define DISPATCH_SOURCE_TYPE_READ (&_dispatch_source_type_read)
+#define DISPATCH_SOURCE_TYPE_SIGNAL (&_dispatch_source_type_signal)
+dispatch_source_t dispatch_source_create(dispatch_source_type_t type, uintptr_t handle,
+                                         uintptr_t mask, dispatch_queue_t queue)
+    __attribute__((ns_returns_retained)) SINCE_MACOS(10.6);
+void dispatch_source_set_event_handler(dispatch_source_t source, dispatch_block_t handler)
+    SINCE_MACOS(10.6);
+void dispatch_source_set_cancel_handler(dispatch_source_t source, dispatch_block_t handler)
+    SINCE_MACOS(10.6);
+void dispatch_source_cancel(dispatch_source_t source) SINCE_MACOS(10.6);
+void dispatch_resume(dispatch_object_t object) SINCE_MACOS(10.6);
 #ifdef __cplusplus
 }
 #endif

@@ -23,6 +23,7 @@ NS_ASSUME_NONNULL_BEGIN
 
 @protocol NSObject
 - (BOOL)isEqual:(nullable id)object;
+- (BOOL)isKindOfClass:(Class)kind;
 - (BOOL)respondsToSelector:(SEL)selector;
 - (instancetype)self;
 @end
@@ -33,6 +34,7 @@ __attribute__((objc_root_class))
 + (Class)class;
 + (BOOL)instancesRespondToSelector:(SEL)selector;
 - (instancetype)init;
+- (id)copy;
 - (void)dealloc;
 @end
 

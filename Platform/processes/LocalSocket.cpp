@@ -1,14 +1,14 @@
 #include "Platform/processes/LocalSocket.h"
 
+#include "Platform/processes/LocalSocketParts.h"
+
 #include <algorithm>
 #include <cerrno>
-#include <cstring>
 #include <fcntl.h>
 #include <poll.h>
 #include <string_view>
 #include <sys/socket.h>
 #include <sys/stat.h>
-#include <sys/un.h>
 #include <unistd.h>
 
 namespace quorvel::LocalSocket {
@@ -16,25 +16,8 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-FileHandle openFolder(const std::filesystem::path& folder) {
-    return FileHandle(::open(folder.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC));
-}
-
-// A socket's path has at most 107 bytes, and a home's may be longer.
-sockaddr_un addressOf(const FileHandle& folder, const std::string& name) {
-    sockaddr_un address{};
-    address.sun_family = AF_UNIX;
-    const std::string path = "/proc/self/fd/" + std::to_string(folder.descriptor()) + "/" + name;
-    std::memcpy(address.sun_path, path.data(), std::min(path.size(), sizeof address.sun_path - 1));
-    return address;
-}
-
 const sockaddr* general(const sockaddr_un& address) {
     return reinterpret_cast<const sockaddr*>(&address); // NOLINT: as the interface wants it
-}
-
-FileHandle newSocket() {
-    return FileHandle(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0));
 }
 
 void removeOldSocket(const FileHandle& folder, const std::string& name) {
@@ -59,7 +42,7 @@ bool waitFor(const FileHandle& socket, short events, Clock::time_point deadline)
 
 bool sendAll(const FileHandle& socket, std::string_view text, Clock::time_point deadline) {
     while (!text.empty()) {
-        const ssize_t sent = ::send(socket.descriptor(), text.data(), text.size(), MSG_NOSIGNAL);
+        const ssize_t sent = ::send(socket.descriptor(), text.data(), text.size(), sendingFlags);
         if (sent > 0) {
             text.remove_prefix(static_cast<std::size_t>(sent));
         } else if ((errno != EAGAIN && errno != EINTR) || !waitFor(socket, POLLOUT, deadline)) {
@@ -73,15 +56,14 @@ bool sendAll(const FileHandle& socket, std::string_view text, Clock::time_point 
 
 FileHandle listenIn(const std::filesystem::path& folder, const std::string& name) {
     constexpr int waiting = 16;
-    const FileHandle opened = openFolder(folder);
+    const auto place = placeOf(folder, name);
     FileHandle socket = newSocket();
-    if (opened.descriptor() < 0 || socket.descriptor() < 0) {
+    if (!place || socket.descriptor() < 0) {
         return FileHandle(-1);
     }
-    removeOldSocket(opened, name);
-    const sockaddr_un address = addressOf(opened, name);
-    if (::bind(socket.descriptor(), general(address), sizeof address) != 0 ||
-        ::fchmodat(opened.descriptor(), name.c_str(), 0600, 0) != 0 ||
+    removeOldSocket(place->folder, name);
+    if (::bind(socket.descriptor(), general(place->address), sizeof place->address) != 0 ||
+        ::fchmodat(place->folder.descriptor(), name.c_str(), 0600, 0) != 0 ||
         ::listen(socket.descriptor(), waiting) != 0) {
         return FileHandle(-1);
     }
@@ -91,11 +73,10 @@ FileHandle listenIn(const std::filesystem::path& folder, const std::string& name
 std::string ask(const std::filesystem::path& folder, const std::string& name,
                 const std::string& text, std::chrono::milliseconds patience) {
     const auto deadline = Clock::now() + patience;
-    const FileHandle opened = openFolder(folder);
+    const auto place = placeOf(folder, name);
     const FileHandle socket = newSocket();
-    const sockaddr_un address = addressOf(opened, name);
-    if (opened.descriptor() < 0 || socket.descriptor() < 0 ||
-        ::connect(socket.descriptor(), general(address), sizeof address) != 0 ||
+    if (!place || socket.descriptor() < 0 ||
+        ::connect(socket.descriptor(), general(place->address), sizeof place->address) != 0 ||
         !sendAll(socket, text, deadline) || !waitFor(socket, POLLIN, deadline)) {
         return {};
     }

@@ -1,0 +1,14 @@
+#pragma once
+
+#import <AppKit/AppKit.h>
+#import <WebKit/WebKit.h>
+
+/// Finds text in a page.
+@interface QuorvelFindBar : NSObject
+- (nonnull instancetype)initWithPage:(nonnull WKWebView*)page;
+@property(nonatomic, readonly, nonnull) NSView* view;
+- (void)show;
+- (void)hide;
+/// Finds what was entered once more.
+- (void)findForward:(BOOL)isForward;
+@end

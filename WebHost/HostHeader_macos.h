@@ -1,0 +1,27 @@
+#pragma once
+
+#import <AppKit/AppKit.h>
+#import <WebKit/WebKit.h>
+
+#include <string>
+
+/// The row above a page: where it comes from, and how to get elsewhere.
+@interface QuorvelHostHeader : NSObject
+/// The window's commands go to `target`.
+- (nonnull instancetype)initWithPage:(nonnull WKWebView*)page
+                              target:(nonnull id)target
+                             hasHome:(BOOL)hasHome;
+@property(nonatomic, readonly, nonnull) NSView* view;
+- (void)showTitle:(const std::string&)title;
+/// Shows the host of the page at that address.
+- (void)showAddress:(const std::string&)address;
+/// Enables the buttons that do something now.
+- (void)update;
+@end
+
+namespace quorvel {
+
+/// Returns where a page at that address comes from, as its window says it.
+[[nodiscard]] std::string shownHost(const std::string& address);
+
+} // namespace quorvel
