@@ -109,6 +109,8 @@ class MacWorkspace final : public Workspace {
 
 } // namespace
 
-std::unique_ptr<Workspace> makeSystemWorkspace(ActivationTokenSource /*tokens*/) { return std::make_unique<MacWorkspace>(); }
+std::unique_ptr<Workspace> makeSystemWorkspace(ActivationTokenSource /*tokens*/) {
+    return std::make_unique<MacWorkspace>();
+}
 
 } // namespace quorvel

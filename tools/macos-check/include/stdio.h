@@ -11,8 +11,8 @@
 extern "C" {
 #endif
 extern FILE* __stderrp;
-int renameatx_np(int from_folder, const char* from, int to_folder, const char* to, unsigned int flags)
-    SINCE_MACOS(10.12);
+int renameatx_np(int from_folder, const char* from, int to_folder, const char* to,
+                 unsigned int flags) SINCE_MACOS(10.12);
 #ifdef __cplusplus
 }
 #endif
