@@ -2,6 +2,8 @@
 
 #include "Platform/desktop/ExportedObject_linux.h"
 
+#include <string_view>
+
 namespace quorvel {
 namespace {
 
@@ -83,58 +85,67 @@ GVariant* StatusMenu::layoutOf(int id, bool withItems) const {
     return g_variant_new("(i@a{sv}av)", id, propertiesOf(id), &items);
 }
 
-void StatusMenu::handle(int id, const std::string& event) const {
-    if (event == "clicked" && id != root && has(id)) {
+// Of the items that are asked for, or all of them.
+GVariant* StatusMenu::groupProperties(GVariant* arguments) const {
+    GVariantBuilder all;
+    g_variant_builder_init(&all, G_VARIANT_TYPE("a(ia{sv})"));
+    const VariantRef asked(g_variant_get_child_value(arguments, 0));
+    const bool isForAll = g_variant_n_children(asked.get()) == 0;
+    for (int item = root; isForAll && has(item); ++item) {
+        g_variant_builder_add(&all, "(i@a{sv})", item, propertiesOf(item));
+    }
+    for (gsize index = 0; index < g_variant_n_children(asked.get()); ++index) {
+        int id = root;
+        g_variant_get_child(asked.get(), index, "i", &id);
+        if (has(id)) {
+            g_variant_builder_add(&all, "(i@a{sv})", id, propertiesOf(id));
+        }
+    }
+    return g_variant_new("(a(ia{sv}))", &all);
+}
+
+GVariant* StatusMenu::propertyOf(GVariant* arguments) const {
+    int id = root;
+    const char* name = nullptr;
+    g_variant_get(arguments, "(i&s)", &id, &name);
+    const VariantRef properties(has(id) ? g_variant_ref_sink(propertiesOf(id)) : nullptr);
+    const VariantRef value(properties ? g_variant_lookup_value(properties.get(), name, nullptr)
+                                      : nullptr);
+    return value ? g_variant_new("(v)", value.get()) : nullptr;
+}
+
+void StatusMenu::handle(GVariant* event) const {
+    int id = root;
+    const char* kind = nullptr;
+    g_variant_get(event, "(i&s@vu)", &id, &kind, nullptr, nullptr);
+    if (std::string_view(kind) == "clicked" && id != root && has(id)) {
         items_[static_cast<std::size_t>(id - 1)].chosen();
     }
 }
 
-// Returns what a method replies; null for one that a hostile caller asked for what isn't there.
+// Returns what a method replies; null if it was asked about what isn't there.
 GVariant* StatusMenu::answer(const std::string& method, GVariant* arguments) const {
-    int id = root;
     if (method == "GetLayout") {
+        int id = root;
         int depth = 0;
         g_variant_get(arguments, "(ii@as)", &id, &depth, nullptr);
         return has(id) ? g_variant_new("(u@(ia{sv}av))", revision, layoutOf(id, depth != 0))
                        : nullptr;
     }
     if (method == "GetGroupProperties") {
-        GVariantBuilder all;
-        g_variant_builder_init(&all, G_VARIANT_TYPE("a(ia{sv})"));
-        const VariantRef asked(g_variant_get_child_value(arguments, 0));
-        const bool isForAll = g_variant_n_children(asked.get()) == 0;
-        for (int item = root; isForAll && has(item); ++item) {
-            g_variant_builder_add(&all, "(i@a{sv})", item, propertiesOf(item));
-        }
-        for (gsize index = 0; index < g_variant_n_children(asked.get()); ++index) {
-            g_variant_get_child(asked.get(), index, "i", &id);
-            if (has(id)) {
-                g_variant_builder_add(&all, "(i@a{sv})", id, propertiesOf(id));
-            }
-        }
-        return g_variant_new("(a(ia{sv}))", &all);
+        return groupProperties(arguments);
     }
     if (method == "GetProperty") {
-        const char* name = nullptr;
-        g_variant_get(arguments, "(i&s)", &id, &name);
-        const VariantRef properties(has(id) ? g_variant_ref_sink(propertiesOf(id)) : nullptr);
-        const VariantRef value(properties ? g_variant_lookup_value(properties.get(), name, nullptr)
-                                          : nullptr);
-        return value ? g_variant_new("(v)", value.get()) : nullptr;
+        return propertyOf(arguments);
     }
     if (method == "Event") {
-        const char* event = nullptr;
-        g_variant_get(arguments, "(i&s@vu)", &id, &event, nullptr, nullptr);
-        handle(id, event);
+        handle(arguments);
         return g_variant_new("()");
     }
     if (method == "EventGroup") {
         const VariantRef events(g_variant_get_child_value(arguments, 0));
         for (gsize index = 0; index < g_variant_n_children(events.get()); ++index) {
-            const char* event = nullptr;
-            const VariantRef one(g_variant_get_child_value(events.get(), index));
-            g_variant_get(one.get(), "(i&s@vu)", &id, &event, nullptr, nullptr);
-            handle(id, event);
+            handle(VariantRef(g_variant_get_child_value(events.get(), index)).get());
         }
         return g_variant_new("(ai)", nullptr);
     }

@@ -37,7 +37,9 @@ private:
     [[nodiscard]] GVariant* layoutOf(int id, bool withItems) const;
     [[nodiscard]] GVariant* answer(const std::string& method, GVariant* arguments) const;
     [[nodiscard]] bool has(int id) const;
-    void handle(int id, const std::string& event) const;
+    [[nodiscard]] GVariant* groupProperties(GVariant* arguments) const;
+    [[nodiscard]] GVariant* propertyOf(GVariant* arguments) const;
+    void handle(GVariant* event) const;
 
     GDBusConnection* bus_;
     std::vector<Item> items_;
