@@ -1,9 +1,26 @@
 #include "LaunchKit/CloneWithData.h"
 
+#include "LaunchKit/AppBundle.h"
 #include "LaunchKit/DataFolderGuard.h"
+#include "LaunchKit/RunnerLocator.h"
 
 namespace quorvel {
 namespace fs = std::filesystem;
+
+namespace {
+
+// What the factory itself would find missing only after the copy.
+void requireParts(const WrapperFactory& factory, const WrapperFactory::Request& request) {
+    if (!factory.runnerBinary && !RunnerLocator::locate(ApplicationFolders::current())) {
+        throw WrapperFactory::FactoryError::runnerNotFound();
+    }
+    if (request.kind == ShortcutKind::app &&
+        (!request.targetApp || !AppBundle::read(*request.targetApp, noEntitlements))) {
+        throw WrapperFactory::FactoryError::badTarget(request.targetApp.value_or("/"));
+    }
+}
+
+} // namespace
 
 fs::path dataFolderFor(const WrapperFactory::Request& request) {
     InstanceConfig config;
@@ -22,6 +39,7 @@ createCloneWithData(const WrapperFactory& factory, const WrapperFactory::Request
                     const FolderCopyOptions& options, const WrapperFactory::Warning& warn) {
     // Checked before and after the copy, which may take long and must not keep others waiting.
     validateRequest(request, factory.runnerBinary, permissions);
+    requireParts(factory, request);
     const fs::path home = dataFolderFor(request);
     CopiedData::removeUnfinished(home.parent_path());
     CopiedData data(home, parts, options);

@@ -188,6 +188,20 @@ TEST_F(CloneDuplicationTest, ACancelledCopyLeavesNothing) {
     EXPECT_EQ(registry_.list().size(), 1U);
 }
 
+TEST_F(CloneDuplicationTest, ATargetThatIsGoneIsFoundBeforeAnythingIsCopied) {
+    InstanceRecord original = makeWithData();
+    original.config.kind = ShortcutKind::app;
+    original.config.targetAppPath = home_ / "Gone.app";
+    bool isCopying = false;
+    const DuplicationOptions options{
+        .name = "Second",
+        .withData = true,
+        .copy = {.progress = [&](const CopyProgress& /*progress*/) { isCopying = true; }}};
+    EXPECT_THROW((void)duplicateClone(factory_, registry_, original, options),
+                 WrapperFactory::FactoryError);
+    EXPECT_FALSE(isCopying);
+}
+
 TEST_F(CloneDuplicationTest, IfTheWrapperCantBeWrittenTheDataGoesToo) {
     const InstanceRecord original = makeWithData();
     fs::permissions(home_ / "Applications", fs::perms{0555});

@@ -4,6 +4,7 @@
 
 // What macOS calls the dates to the nanosecond.
 #define st_atimespec st_atim
+#define st_ctimespec st_ctim
 #define st_mtimespec st_mtim
 
 // An item's flags, in space that this system's structure reserves.
