@@ -71,8 +71,6 @@ const timer = setInterval(() => {
   if (count === 200) { clearInterval(timer); document.title = 'Done'; }
 }, 10);
 </script>""",
-    '/painted': """<title>Painted</title><h1>Page</h1><script>
-requestAnimationFrame(() => requestAnimationFrame(() => fetch('/was-painted')));</script>""",
     '/facts': """<title>Facts</title><script>
 fetch('/facts-seen?dark=' + matchMedia('(prefers-color-scheme: dark)').matches +
       '&wide=' + (innerWidth > 900) + '&agent=' + navigator.userAgent);</script>""",
