@@ -120,20 +120,18 @@ TEST_F(DesktopCommandsTest, ShowSaysWhatTheVariablesCost) {
     EXPECT_THAT(harness.run({"show", "Work"}).output, Not(HasSubstr("Without the session bus")));
 }
 
-// The entries are as snapd 2.57 writes them, for an application of the snap's name and for another.
+// The entry is as snapd 2.57 writes it, but for the program's folder.
 TEST_F(DesktopCommandsTest, ASnapIsRefusedAndInspectSaysHowToInstallItTwice) {
-    for (const std::string program : {"/snap/bin/thing", "/snap/bin/thing.editor"}) {
-        const fs::path entry = apps.at("thing_thing.desktop");
-        write(entry, "[Desktop Entry]\nX-SnapInstanceName=thing\nType=Application\nName=Thing\n"
-                     "Exec=env BAMF_DESKTOP_FILE_HINT=/var/lib/snapd/desktop/applications/"
-                     "thing_thing.desktop " +
-                         program + " %U\nIcon=/snap/thing/x1/meta/gui/icon.png\n");
-        EXPECT_THAT(harness.run({"inspect", entry}).output, HasSubstr("sudo snap install thing_2"));
-        EXPECT_EQ(harness.run({"inspect", entry, "--json"}).json()["sandboxed"], true);
-        const auto refused = harness.run({"create", "--name", "Work", "--target", entry});
-        EXPECT_EQ(refused.status, 1);
-        EXPECT_THAT(refused.errors, HasSubstr("It is a Snap"));
-    }
+    const fs::path entry = apps.at("thing_thing.desktop");
+    write(entry, "[Desktop Entry]\nX-SnapInstanceName=thing\nType=Application\nName=Thing\n"
+                 "Exec=env BAMF_DESKTOP_FILE_HINT=/var/lib/snapd/desktop/applications/"
+                 "thing_thing.desktop " +
+                     apps.at("bin/app").string() + " %U\nIcon=/snap/thing/x1/meta/gui/icon.png\n");
+    EXPECT_THAT(harness.run({"inspect", entry}).output, HasSubstr("sudo snap install thing_2"));
+    EXPECT_EQ(harness.run({"inspect", entry, "--json"}).json()["sandboxed"], true);
+    const auto refused = harness.run({"create", "--name", "Work", "--target", entry});
+    EXPECT_EQ(refused.status, 1);
+    EXPECT_THAT(refused.errors, HasSubstr("It is a Snap"));
 }
 
 } // namespace

@@ -79,7 +79,7 @@ TEST_F(StatusItemTest, QuitEndsTheClone) {
     EXPECT_TRUE(tray.callMenu(item, "Event", "(-7, 'clicked', <0>, uint32 0)"));
     EXPECT_FALSE(tray.callMenu(item, "GetLayout", "(99, -1, @as [])"));
     EXPECT_FALSE(tray.callMenu(item, "GetProperty", "(99, 'label')"));
-    EXPECT_TRUE(runner.isRunning());
+    EXPECT_FALSE(waitUntil([&] { return !runner.isRunning(); }, std::chrono::milliseconds(300)));
     EXPECT_TRUE(tray.callMenu(item, "EventGroup", "([(2, 'clicked', <0>, uint32 0)],)"));
     EXPECT_EQ(runner.waitUntilExit(), 128 + SIGTERM);
 }
