@@ -6,6 +6,7 @@
 #include "Platform/files/FileCopy.h"
 #include "Platform/files/FileSystem.h"
 #include "Platform/files/FileWriting.h"
+#include "Platform/files/PlatformError.h"
 
 #include <utility>
 
@@ -29,13 +30,19 @@ std::optional<WrapperIcon> iconOfEntry(const AppBundle& target,
 
 // Returns the icon with its label; empty if there is nothing to draw, or if drawing fails.
 std::string labelledIcon(const WrapperIcon& icon, const std::optional<IconLabel>& label) {
-    if (!icon.converted.empty()) {
-        return icon.converted;
-    }
     try {
         return isVisible(label) ? IconComposer::composed(icon.file, *label) : std::string();
     } catch (const IconComposer::ComposeError&) {
         return {};
+    }
+}
+
+bool isWritten(const fs::path& file, const std::string& bytes) {
+    try {
+        writeFile(file, bytes);
+        return true;
+    } catch (const PlatformError&) {
+        return false;
     }
 }
 
@@ -60,11 +67,15 @@ std::optional<WrapperIcon> wrapperIcon(const std::optional<fs::path>& chosen,
 
 void installIcon(const WrapperIcon& icon, const std::optional<IconLabel>& label,
                  const fs::path& destination) {
+    if (!icon.converted.empty()) {
+        writeFile(destination, icon.converted);
+        return;
+    }
     const std::string labelled = labelledIcon(icon, label);
-    if (labelled.empty()) {
+    // A failure that passes is not one; where the drawn icon has no room, the plain one may have.
+    if (labelled.empty() ||
+        (!isWritten(destination, labelled) && !isWritten(destination, labelled))) {
         copyFile(icon.file, destination);
-    } else {
-        writeFile(destination, labelled);
     }
 }
 
