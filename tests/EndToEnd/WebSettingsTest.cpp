@@ -162,7 +162,17 @@ TEST_F(WebSettingsTest, ABadCertificateIsAcceptedForItsHostAlone) {
     // A page in between has taken the offer back.
     EXPECT_TRUE(waitUntil([&] { return controls().find("Open Anyway…") == std::string::npos; },
                           longestWait));
+    // A dialog is for the host that it names: it goes with the page.
+    ASSERT_EQ(handOverAddress(secure("expired")), 0);
+    ask();
+    const std::string elsewhere =
+        std::regex_replace(secure("self"), std::regex("127\\.0\\.0\\.1"), "localhost");
+    ASSERT_EQ(handOverAddress(elsewhere), 0);
+    window("The connection to localhost is not secure.* — Portal");
+    EXPECT_TRUE(isGone(dialog));
+    EXPECT_FALSE(fs::exists(kept("certificates.json")));
     ASSERT_EQ(handOverAddress(secure("expired") + "facts"), 0);
+    EXPECT_TRUE(isShown("The connection to 127.0.0.1 is not secure."));
     std::size_t before = read(requests()).size();
     ask();
     EXPECT_THAT(controls(), AllOf(HasSubstr("SHA-256: "), HasSubstr("Valid until: 2021-01-01")));
