@@ -164,9 +164,10 @@ void CertificateGuard::answered(int response) {
 
 void CertificateGuard::open() {
     const Refused opened = std::move(*std::exchange(refused_, std::nullopt));
+    const std::string host = hostOf(opened.address);
+    exceptions_.engineAccepts(host);
     webkit_network_session_allow_tls_certificate_for_host(
-        webkit_web_view_get_network_session(view_), opened.certificate.get(),
-        hostOf(opened.address).c_str());
+        webkit_web_view_get_network_session(view_), opened.certificate.get(), host.c_str());
     webkit_web_view_load_uri(view_, opened.address.c_str());
 }
 

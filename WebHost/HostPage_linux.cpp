@@ -150,7 +150,8 @@ void HostPage::openOutside(const std::string& address) {
 }
 
 void HostPage::updateLocation() {
-    window_.updateLocation(address(), services_.certificates->accepts(hostOf(address())));
+    window_.updateLocation(address(),
+                           services_.certificates->isAcceptedByEngine(hostOf(address())));
 }
 
 // Returns whether the engine goes on with it.

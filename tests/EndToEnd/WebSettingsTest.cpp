@@ -181,6 +181,20 @@ TEST_F(WebSettingsTest, ABadCertificateIsAcceptedForItsHostAlone) {
     EXPECT_TRUE(isShown("127.0.0.1 — not verified"));
     EXPECT_THAT(read(kept("certificates.json")), HasSubstr("\"127.0.0.1\": \""));
 
+    // Without it, the engine accepts the certificate until it ends.
+    const std::string accepted = read(kept("certificates.json"));
+    press("ctrl+comma");
+    window("^Site Settings — Portal");
+    activate("Remove the certificate of 127.0.0.1");
+    EXPECT_TRUE(isShown("No certificate was accepted."));
+    press("Escape");
+    EXPECT_TRUE(isGone("^Site Settings"));
+    before = read(requests()).size();
+    ASSERT_EQ(handOverAddress(secure("expired") + "facts"), 0);
+    request("/facts-seen", before);
+    EXPECT_TRUE(isShown("127.0.0.1 — not verified"));
+    session->write(kept("certificates.json"), accepted);
+
     // It holds after a restart, and not for another certificate.
     end("Portal");
     before = read(requests()).size();
