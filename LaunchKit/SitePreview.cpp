@@ -71,6 +71,9 @@ std::string nameFromTitle(const std::string& title) {
 
 SitePreview fetchSitePreview(const std::filesystem::path& program, const std::string& address,
                              const std::filesystem::path& folder) {
+    if (!folder.is_absolute()) {
+        throw SitePreviewError("there is no folder for what it sends");
+    }
     try {
         // The same as the clone will do with it.
         const std::string whole =

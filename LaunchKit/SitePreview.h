@@ -24,7 +24,7 @@ public:
 [[nodiscard]] std::optional<std::filesystem::path> sitePreviewProgram(const Environment& session);
 
 /// Asks the site at the address, by that program, within 20 seconds. The icon becomes a file in
-/// `folder`. Throws `SitePreviewError`. Any thread.
+/// `folder`, an absolute path. Throws `SitePreviewError`. Any thread.
 [[nodiscard]] SitePreview fetchSitePreview(const std::filesystem::path& program,
                                            const std::string& address,
                                            const std::filesystem::path& folder);

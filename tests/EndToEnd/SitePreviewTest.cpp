@@ -86,6 +86,9 @@ TEST_F(SitePreviewTest, ASiteThatDoesNotAnswerIsReported) {
     EXPECT_THROW(
         (void)fetchSitePreview(QUORVEL_SITE_PREVIEW, "http://127.0.0.1:1/", folder_.path()),
         SitePreviewError);
+    EXPECT_THROW((void)fetchSitePreview(QUORVEL_SITE_PREVIEW, site() + "/mail/", ""),
+                 SitePreviewError);
+    EXPECT_FALSE(fs::exists("reason")) << "in the folder where the program was started";
     EXPECT_THROW((void)fetchSitePreview("/nonexistent", site() + "/mail/", folder_.path()),
                  SitePreviewError);
     const auto begin = std::chrono::steady_clock::now();
