@@ -23,7 +23,9 @@ std::string placeOf(const PasswordAsker& asker) {
 } // namespace
 
 std::string PasswordAsker::key() const {
-    return (isProxy ? "proxy " : "") + host + ":" + std::to_string(port) + " " + realm;
+    // What is meant for an encrypted connection must not be sent over another one.
+    return std::string(isProxy ? "proxy " : "") + (isEncrypted ? "https://" : "http://") + host +
+           ":" + std::to_string(port) + " " + realm;
 }
 
 PasswordText passwordText(const PasswordAsker& asker, bool wasWrong) {

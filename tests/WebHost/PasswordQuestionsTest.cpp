@@ -69,6 +69,17 @@ TEST_F(PasswordQuestionsTest, EqualQuestionsAreOne) {
     EXPECT_EQ(texts_.size(), 1U);
 }
 
+TEST_F(PasswordQuestionsTest, AnAnswerForAnEncryptedConnectionIsForNoOther) {
+    PasswordAsker open = asker();
+    open.isEncrypted = false;
+    decide(asker());
+    decide(open);
+    answer(Login{"me", "secret"});
+    EXPECT_EQ(answers_, (std::vector<std::string>{"me:secret"}));
+    ASSERT_EQ(texts_.size(), 2U);
+    EXPECT_THAT(texts_.at(1).text, HasSubstr("without encryption"));
+}
+
 TEST_F(PasswordQuestionsTest, OneIsShownAfterTheOther) {
     decide(asker("one"));
     decide(asker("two"));
