@@ -19,7 +19,9 @@ namespace quorvel {
 namespace {
 
 using namespace testing;
+using ::testing::AllOf;
 using ::testing::HasSubstr;
+using ::testing::Not;
 namespace fs = std::filesystem;
 
 class StatusItemTest : public RunnerFixture {
@@ -43,7 +45,15 @@ protected:
         return bundle;
     }
 
+    // Has a script take the place of the program that shows the icon.
+    void replaceProgram(const std::string& script) {
+        write(at("stand-in"), "#!/bin/sh\n" + script + "\n");
+        makeExecutable(at("stand-in"));
+        standIn_.emplace("QUORVEL_STATUS_ITEM", at("stand-in").string());
+    }
+
     ScopedEnvironment program_{"QUORVEL_STATUS_ITEM", QUORVEL_STATUS_ITEM_PROGRAM};
+    std::optional<ScopedEnvironment> standIn_{};
     std::optional<SessionBus> bus_{};
 };
 
@@ -116,6 +126,20 @@ TEST_F(StatusItemTest, AnyOtherCloneHasNone) {
     Process runner = start(wrapper(config));
     ASSERT_TRUE(waitUntil([&] { return !descendantsOf(runner.identifier()).empty(); }));
     EXPECT_EQ(descendantsOf(runner.identifier()).size(), 1U);
+    runner.terminate();
+    runner.waitUntilExit();
+}
+
+TEST_F(StatusItemTest, ItDoesNotKnowTheTokenOfTheClonesStart) {
+    replaceProgram("env > " + at("part").string() + "; mv " + at("part").string() + " " +
+                   at("environment").string());
+    const ScopedEnvironment token("XDG_ACTIVATION_TOKEN", "stale-1");
+    const ScopedEnvironment startup("DESKTOP_STARTUP_ID", "stale-2");
+    const ScopedEnvironment other("QUORVEL_OTHER", "kept");
+    Process runner = start(clone());
+    ASSERT_TRUE(waitUntil([&] { return fs::exists(at("environment")); }));
+    EXPECT_THAT(read(at("environment")),
+                AllOf(HasSubstr("QUORVEL_OTHER=kept\n"), Not(HasSubstr("stale"))));
     runner.terminate();
     runner.waitUntilExit();
 }
