@@ -116,18 +116,28 @@ TEST_F(StatusItemTest, ItEndsWithARunnerThatIsKilled) {
     runner.waitUntilExit();
     EXPECT_TRUE(waitUntil([&] { return !tray.has(item); }));
     for (const ProcessIdentity& process : below) {
-        ::kill(process.pid, SIGKILL);
+        if (isRunning(process)) {
+            ::kill(process.pid, SIGKILL);
+        }
     }
 }
 
 TEST_F(StatusItemTest, AnyOtherCloneHasNone) {
-    InstanceConfig config = appConfig({"wait"});
-    config.menuBarIconTemplate = true;
-    Process runner = start(wrapper(config));
-    ASSERT_TRUE(waitUntil([&] { return !descendantsOf(runner.identifier()).empty(); }));
-    EXPECT_EQ(descendantsOf(runner.identifier()).size(), 1U);
-    runner.terminate();
-    runner.waitUntilExit();
+    replaceProgram("trap '' TERM; touch " + at("shown").string());
+    for (const bool isWanted : {true, false}) {
+        fs::remove(at("shown"));
+        // The target lasts until the item is there, or would be.
+        write(at("target"), "#!/bin/sh\nfor i in $(seq " + std::string(isWanted ? "500" : "25") +
+                                "); do [ -e " + at("shown").string() +
+                                " ] && exit; sleep 0.02; done\n");
+        makeExecutable(at("target"));
+        InstanceConfig config = configOf(ShortcutKind::command);
+        config.commandPath = at("target").string();
+        config.menuBarIcon = isWanted;
+        config.menuBarIconTemplate = true;
+        EXPECT_EQ(run(config), 0);
+        EXPECT_EQ(fs::exists(at("shown")), isWanted);
+    }
 }
 
 TEST_F(StatusItemTest, ItDoesNotKnowTheTokenOfTheClonesStart) {
@@ -146,10 +156,9 @@ TEST_F(StatusItemTest, ItDoesNotKnowTheTokenOfTheClonesStart) {
 
 TEST_F(StatusItemTest, WithoutABusTheCloneRunsAllTheSame) {
     const ScopedEnvironment address("DBUS_SESSION_BUS_ADDRESS", "unix:path=/nonexistent/bus");
+    replaceProgram(QUORVEL_STATUS_ITEM_PROGRAM " \"$@\"; echo $? > " + at("status").string());
     Process runner = start(clone());
-    ASSERT_TRUE(waitUntil([&] { return !descendantsOf(runner.identifier()).empty(); }));
-    EXPECT_TRUE(
-        waitUntil([&] { return descendantsOf(runner.identifier()).size() == 1; })) // the target
+    EXPECT_TRUE(waitUntil([&] { return read(at("status")) == "0\n"; }))
         << "without a bus there is no tray";
     EXPECT_TRUE(runner.isRunning());
     runner.terminate();
