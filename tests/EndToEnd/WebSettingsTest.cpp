@@ -135,6 +135,26 @@ TEST_F(WebSettingsTest, WhatIsChosenInThePanelHoldsAndIsKept) {
     EXPECT_THAT(log("Portal"), HasSubstr("certificates.json: "));
 }
 
+TEST_F(WebSettingsTest, NothingIsLoadedBeforeTheUserKnowsThatAProxyIsNotInUse) {
+    create("Portal", "facts", {"--open-with"});
+    session->write(kept("settings.json"), R"({"proxy":"address","proxyAddress":"damaged"})");
+    ASSERT_EQ(open("Portal"), 0) << session->log();
+    EXPECT_TRUE(isShown("A proxy that it names is not in use."));
+    ASSERT_EQ(handOver("Portal", "link"), 0);
+    EXPECT_TRUE(isShown("Site Settings…"));
+    EXPECT_EQ(read(requests()), "");
+    // A button takes no click in its first moment.
+    EXPECT_TRUE(waitUntil(
+        [&] {
+            (void)session->run({QUORVEL_ACCESSIBLE, "press", "Load Without It"});
+            return waitUntil([&] { return read(requests()).find("/link") != std::string::npos; },
+                             2s);
+        },
+        longestWait))
+        << controls();
+    EXPECT_EQ(read(requests()).find("/facts"), std::string::npos) << "the last address counts";
+}
+
 TEST_F(WebSettingsTest, ABadCertificateIsAcceptedForItsHostAlone) {
     ASSERT_TRUE(startSite("other-port", {(session->home / "tls").string()}));
     create("Portal", "", {"--open-with"});
