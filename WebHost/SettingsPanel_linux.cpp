@@ -176,7 +176,19 @@ void SettingsPanel::addRule() {
     listLinks();
 }
 
-void SettingsPanel::showProblem(const std::string& problem) {
+SiteSettings SettingsPanel::entered() const {
+    SiteSettings all = services_.settings->settings();
+    all.spellingLanguages = languagesIn(textIn(languages_));
+    all.userAgent = textIn(userAgent_);
+    all.proxy = chosenIn<ProxyUse>(proxy_);
+    all.proxyAddress = textIn(proxyAddress_);
+    return all;
+}
+
+void SettingsPanel::showProblem(std::string problem) {
+    if (problem.empty()) {
+        problem = problemIn(entered());
+    }
     gtk_label_set_text(GTK_LABEL(problem_), problem.c_str());
     gtk_widget_set_visible(problem_, problem.empty() ? FALSE : TRUE);
 }

@@ -48,7 +48,10 @@ private:
     void setText(GtkWidget* field, const std::string& text);
     /// Changes the settings, unless this is only about showing them.
     void change(const std::function<void(SiteSettings&)>& edit);
-    void showProblem(const std::string& problem);
+    /// Returns the settings as they are in the fields, whether they can be used or not.
+    [[nodiscard]] SiteSettings entered() const;
+    /// Shows what went wrong or, if nothing did, what is wrong in the fields.
+    void showProblem(std::string problem);
 
     GtkWindow* window_;
     Services services_;

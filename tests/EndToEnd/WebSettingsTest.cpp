@@ -85,6 +85,7 @@ TEST_F(WebSettingsTest, WhatIsChosenInThePanelHoldsAndIsKept) {
     enter("z", "150");
     enter("h", "localhost");
     EXPECT_TRUE(isKept("settings.json", "\"localhost\": \"inside\""));
+    EXPECT_TRUE(isShown("address must be like")) << "the field is still wrong";
     // A list that has just opened takes no keys yet.
     EXPECT_TRUE(waitUntil(
         [&] {
