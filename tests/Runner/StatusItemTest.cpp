@@ -78,6 +78,19 @@ TEST_F(StatusItemTest, ShowsTheClonesNameIconAndMenuWhileItRuns) {
     EXPECT_TRUE(waitUntil([&] { return !tray.has(item); }));
 }
 
+TEST_F(StatusItemTest, WithoutAMenuEntryItHasAPlainNameAndAUsualIcon) {
+    Tray tray;
+    const fs::path bundle = clone(true);
+    const fs::path moved = bundle.parent_path() / "A\u202eB\n\xff.app";
+    fs::rename(bundle, moved);
+    Process runner = start(moved);
+    const std::string item = tray.item();
+    EXPECT_EQ(tray.property(item, "Title"), "(<'AB'>,)");
+    EXPECT_EQ(tray.property(item, "IconName"), "(<'application-x-executable-symbolic'>,)");
+    runner.terminate();
+    runner.waitUntilExit();
+}
+
 TEST_F(StatusItemTest, QuitEndsTheClone) {
     Tray tray;
     Process runner = start(clone());
