@@ -7,6 +7,8 @@
 
 #include <libsoup/soup.h>
 
+#include <algorithm>
+
 namespace quorvel {
 namespace {
 
@@ -128,6 +130,22 @@ void HostPage::notificationWanted(WebKitNotification* notification) {
         services_.notify(notification);
     } else {
         webkit_notification_close(notification);
+    }
+}
+
+void HostPage::permissionsTaken(const std::vector<PermissionStore::Answer>& taken) {
+    questions_.reset();
+    const bool isUsed = std::any_of(taken.begin(), taken.end(), [&](const auto& answer) {
+        return answer.isAllowed && answer.origin == originOf(address()) &&
+               lastsUntilReload(answer.kind);
+    });
+    if (isUsed) {
+        for (const auto set : {webkit_web_view_set_camera_capture_state,
+                               webkit_web_view_set_microphone_capture_state,
+                               webkit_web_view_set_display_capture_state}) {
+            set(view_, WEBKIT_MEDIA_CAPTURE_STATE_NONE);
+        }
+        webkit_web_view_reload(view_);
     }
 }
 

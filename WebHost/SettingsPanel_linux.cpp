@@ -135,12 +135,15 @@ void SettingsPanel::addLinks(GtkWidget* page) {
 
 void SettingsPanel::addLists(GtkWidget* page) {
     GtkWidget* const answers = addSection(page, "Permissions");
+    addHint(answers, "A page that has lost a permission to see, hear or locate you is loaded "
+                     "again.");
     permissions_ = addList(answers);
     GtkWidget* const forget = gtk_button_new_with_mnemonic("Remove All _Permissions");
     gtk_widget_set_halign(forget, GTK_ALIGN_END);
     onEvent(forget, "clicked", [this] {
+        const auto taken = services_.permissions->list();
         showProblem(services_.permissions->forgetAll() ? "" : "The permissions can’t be written.");
-        services_.permissionsChanged();
+        services_.permissionsTaken(taken);
         listPermissions();
     });
     gtk_box_append(GTK_BOX(answers), forget);
@@ -220,7 +223,7 @@ void SettingsPanel::listPermissions() {
                             const bool isKept =
                                 services_.permissions->forget(answer.origin, answer.kind);
                             showProblem(isKept ? "" : "The permissions can’t be written.");
-                            services_.permissionsChanged();
+                            services_.permissionsTaken({answer});
                             listPermissions();
                         }});
     }

@@ -21,7 +21,8 @@ public:
         PermissionStore* permissions = nullptr;
         CertificateExceptions* certificates = nullptr;
         std::function<void()> settingsChanged{};
-        std::function<void()> permissionsChanged{};
+        /// These answers were taken back.
+        std::function<void(const std::vector<PermissionStore::Answer>&)> permissionsTaken{};
         std::function<int()> zoom{}; ///< in percent
         std::function<void(int)> zoomTo{};
     };

@@ -218,10 +218,10 @@ void WebHost::openMainWindow() {
     gate_.load(firstAddress());
 }
 
-void WebHost::forgetQuestions() {
-    main_->forgetQuestions();
+void WebHost::permissionsTaken(const std::vector<PermissionStore::Answer>& taken) {
+    main_->permissionsTaken(taken);
     for (const auto& popup : popups_) {
-        popup->forgetQuestions();
+        popup->permissionsTaken(taken);
     }
 }
 
@@ -231,14 +231,15 @@ void WebHost::showSettings() {
             session_.get(), options_.name, [this] { webkit_web_view_reload(main_->view()); });
         panel_ = std::make_unique<SettingsPanel>(
             main_->window().widget(),
-            SettingsPanel::Services{.name = options_.name,
-                                    .settings = &siteSettings_,
-                                    .permissions = &permissions_,
-                                    .certificates = &certificates_,
-                                    .settingsChanged = [this] { settingsChanged(); },
-                                    .permissionsChanged = [this] { forgetQuestions(); },
-                                    .zoom = [this] { return main_->window().state().zoom; },
-                                    .zoomTo = [this](int zoom) { main_->window().zoomTo(zoom); }},
+            SettingsPanel::Services{
+                .name = options_.name,
+                .settings = &siteSettings_,
+                .permissions = &permissions_,
+                .certificates = &certificates_,
+                .settingsChanged = [this] { settingsChanged(); },
+                .permissionsTaken = [this](const auto& taken) { permissionsTaken(taken); },
+                .zoom = [this] { return main_->window().state().zoom; },
+                .zoomTo = [this](int zoom) { main_->window().zoomTo(zoom); }},
             siteData_->widget());
     }
     siteData_->refresh();

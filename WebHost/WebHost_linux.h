@@ -62,7 +62,7 @@ private:
     void openMainWindow();
     void applySettings();
     void settingsChanged();
-    void forgetQuestions();
+    void permissionsTaken(const std::vector<PermissionStore::Answer>& taken);
     void showSettings();
     [[nodiscard]] DownloadList::Callbacks downloadCallbacks();
     [[nodiscard]] std::string firstAddress() const;
