@@ -161,7 +161,8 @@ TEST_F(SecondStartTest, AnyOtherApplicationIsNotStartedTwiceToComeToTheFront) {
 // It locks no home that would tell that it runs.
 TEST_F(SecondStartTest, ACommandIsNotRunTwiceToComeToTheFront) {
     InstanceConfig config = configOf(ShortcutKind::command);
-    write(at("once"), "#!/bin/sh\necho once >> " + at("first").string() + "\nexec sleep 600\n");
+    write(at("once"),
+          "#!/bin/sh\necho once >> " + at("first").string() + "\nexec /bin/sleep 600\n");
     makeExecutable(at("once"));
     config.commandPath = at("once").string();
     const fs::path clone = wrapper(config);

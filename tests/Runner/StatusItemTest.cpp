@@ -140,9 +140,9 @@ TEST_F(StatusItemTest, AnyOtherCloneHasNone) {
     for (const bool isWanted : {true, false}) {
         fs::remove(at("shown"));
         // The target lasts until the item is there, or would be.
-        write(at("target"), "#!/bin/sh\nfor i in $(seq " + std::string(isWanted ? "500" : "25") +
-                                "); do [ -e " + at("shown").string() +
-                                " ] && exit; sleep 0.02; done\n");
+        write(at("target"), "#!/bin/sh\nfor i in $(/usr/bin/seq " +
+                                std::string(isWanted ? "500" : "25") + "); do [ -e " +
+                                at("shown").string() + " ] && exit; /bin/sleep 0.02; done\n");
         makeExecutable(at("target"));
         InstanceConfig config = configOf(ShortcutKind::command);
         config.commandPath = at("target").string();
