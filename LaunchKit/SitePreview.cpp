@@ -28,11 +28,14 @@ std::string withoutLineEnd(std::string text) {
 // Returns what the program printed if it failed.
 std::optional<std::string> failureOf(const std::filesystem::path& program,
                                      const std::string& address,
-                                     const std::filesystem::path& folder) {
-    constexpr std::chrono::seconds patience{20};
+                                     const std::filesystem::path& folder,
+                                     std::chrono::milliseconds patience) {
     const std::string reasonFile = folder / "reason";
     const FileHandle output(
         ::open(reasonFile.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600));
+    if (output.descriptor() < 0) {
+        throw PlatformError::fromErrno(reasonFile, "written");
+    }
     Process::Options options;
     options.executable = program;
     options.arguments = {address, folder};
@@ -44,12 +47,18 @@ std::optional<std::string> failureOf(const std::filesystem::path& program,
         return std::nullopt;
     }
     if (!status) {
-        ::kill(process.identifier(), SIGKILL);
+        process.sendSignal(SIGKILL);
         (void)process.waitUntilExit();
+    }
+    // It sets itself a time, too.
+    if (!status || *status == 128 + SIGALRM) {
+        return "the site takes too long";
     }
     const std::string reason =
         withoutLineEnd(readFile(reasonFile, largestTitle).value_or(std::string()));
-    return reason.empty() ? "the site takes too long" : reason;
+    return reason.empty()
+               ? "the program that asks it has failed, with status " + std::to_string(*status)
+               : reason;
 }
 
 } // namespace
@@ -70,12 +79,16 @@ std::string nameFromTitle(const std::string& title) {
 }
 
 SitePreview fetchSitePreview(const std::filesystem::path& program, const std::string& address,
-                             const std::filesystem::path& folder) {
+                             const std::filesystem::path& folder,
+                             std::chrono::milliseconds patience) {
+    if (!folder.is_absolute()) {
+        throw SitePreviewError("there is no folder for what it sends");
+    }
     try {
         // The same as the clone will do with it.
         const std::string whole =
             address.find("://") == std::string::npos ? "https://" + address : address;
-        if (const auto failure = failureOf(program, whole, folder)) {
+        if (const auto failure = failureOf(program, whole, folder, patience)) {
             throw SitePreviewError(*failure);
         }
         SitePreview preview{

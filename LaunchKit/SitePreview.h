@@ -3,6 +3,7 @@
 #include "Base/Error.h"
 #include "Platform/processes/Process.h"
 
+#include <chrono>
 #include <filesystem>
 #include <optional>
 #include <string>
@@ -23,11 +24,12 @@ public:
 /// Returns the program that asks sites, `std::nullopt` if it is not installed.
 [[nodiscard]] std::optional<std::filesystem::path> sitePreviewProgram(const Environment& session);
 
-/// Asks the site at the address, by that program, within 20 seconds. The icon becomes a file in
-/// `folder`. Throws `SitePreviewError`. Any thread.
-[[nodiscard]] SitePreview fetchSitePreview(const std::filesystem::path& program,
-                                           const std::string& address,
-                                           const std::filesystem::path& folder);
+/// Asks the site at the address, by that program, within that time. The icon becomes a file in
+/// `folder`, an absolute path. Throws `SitePreviewError`. Any thread.
+[[nodiscard]] SitePreview
+fetchSitePreview(const std::filesystem::path& program, const std::string& address,
+                 const std::filesystem::path& folder,
+                 std::chrono::milliseconds patience = std::chrono::seconds(20));
 
 /// Returns a page's title as a name for a clone: on one line, without characters that file names
 /// can't have, and not too long.

@@ -105,6 +105,17 @@ int handOverOrSupervise(const InstanceConfig& config, const std::vector<std::str
     return failWith(report, obstacle.what(), runnerHomeInUse);
 }
 
+// For a clone that runs already and is only to come to the front: nothing is launched beside it.
+int focus(const InstanceConfig& config, const StartDetails& details, const StartReport& report,
+          const SignalForwarder& signals) {
+    const HomeInUse obstacle(config.displayName);
+    if (config.kind != ShortcutKind::app || !isHomeInUse(config)) {
+        return failWith(report, obstacle.what(), runnerHomeInUse);
+    }
+    adoptOrphans(); // if the application just ends, its successor is the clone
+    return handOverOrSupervise(config, {}, details, obstacle, report, signals);
+}
+
 int launchAndSupervise(const InstanceConfig& config, const std::vector<std::string>& documents,
                        const StartDetails& details, const StartReport& report,
                        const SignalForwarder& signals) {
@@ -165,7 +176,8 @@ int runClone(const fs::path& executable, const std::vector<std::string>& argumen
         resolved.instanceHome = config->resolvedHome();
         return runWebClone({resolved, file, details.windowWord, documents}, report, signals);
     }
-    return launchAndSupervise(*config, documents, details, report, signals);
+    return details.onlyFocuses ? focus(*config, details, report, signals)
+                               : launchAndSupervise(*config, documents, details, report, signals);
 }
 
 } // namespace quorvel

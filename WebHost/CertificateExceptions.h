@@ -4,6 +4,7 @@
 
 #include <filesystem>
 #include <map>
+#include <set>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -58,13 +59,18 @@ public:
 
     /// Returns whether exactly this certificate was accepted for that host.
     [[nodiscard]] bool accepts(const std::string& host, std::string_view fingerprint) const;
-    /// Returns whether some certificate was.
-    [[nodiscard]] bool accepts(const std::string& host) const { return exceptions_.contains(host); }
 
     /// Keeps an exception, in place of another one for the host. Returns false if the file can't be
     /// written; it then holds for this process only.
     bool add(const std::string& host, const std::string& fingerprint);
     bool remove(const std::string& host);
+
+    /// The engine was told to accept a certificate of the host, which it can't be made to forget.
+    void engineAccepts(const std::string& host) { acceptedByEngine_.insert(host); }
+    /// Returns whether it was, since this process started: the host need not prove who it is.
+    [[nodiscard]] bool isAcceptedByEngine(const std::string& host) const {
+        return acceptedByEngine_.contains(host);
+    }
 
     /// Returns all exceptions, sorted by host.
     [[nodiscard]] std::vector<Exception> list() const;
@@ -74,6 +80,7 @@ private:
 
     KeptWebFile file_;
     std::map<std::string, std::string> exceptions_{}; ///< host: fingerprint
+    std::set<std::string> acceptedByEngine_{};        ///< hosts
 };
 
 } // namespace quorvel

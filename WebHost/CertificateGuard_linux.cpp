@@ -50,6 +50,10 @@ CertificateDetails detailsOf(GTlsCertificate* certificate) {
 
 } // namespace
 
+std::string CertificateGuard::Refused::key() const {
+    return hostOf(address) + " " + fingerprint;
+}
+
 CertificateGuard::CertificateGuard(WebKitWebView* view, HostWindow& window,
                                    CertificateExceptions& exceptions, ShowPage showPage)
     : view_(view),
@@ -61,6 +65,7 @@ CertificateGuard::CertificateGuard(WebKitWebView* view, HostWindow& window,
 
 CertificateGuard::~CertificateGuard() {
     g_signal_handlers_disconnect_by_data(view_, this);
+    closeDialog();
 }
 
 gboolean CertificateGuard::failed(WebKitWebView* /*view*/, char* address, GTlsCertificate* found,
@@ -72,7 +77,8 @@ gboolean CertificateGuard::failed(WebKitWebView* /*view*/, char* address, GTlsCe
     const std::string host = hostOf(refused.address);
     // One that fails although it was accepted must not be tried again and again.
     if (guard.exceptions_.accepts(host, details.fingerprint) && canBeExcepted(faults) &&
-        guard.used_.insert(host + " " + details.fingerprint).second) {
+        guard.used_.insert(refused.key()).second) {
+        guard.withdraw();
         guard.refused_ = std::move(refused);
         guard.open();
     } else {
@@ -87,7 +93,7 @@ void CertificateGuard::refuse(Refused refused, const CertificateFaults& faults,
     const std::string facts = certificateText(details);
     const std::string address = refused.address;
     refused.text = reasons + "\n\n" + facts;
-    refused_.reset();
+    withdraw();
     isPageComing_ = true;
     showPage_(certificatePage(address, reasons, facts), address);
     if (canBeExcepted(faults)) {
@@ -99,17 +105,30 @@ void CertificateGuard::refuse(Refused refused, const CertificateFaults& faults,
 
 void CertificateGuard::loadStarted() {
     if (!std::exchange(isPageComing_, false)) {
-        refused_.reset();
-        window_.hideOffer();
+        withdraw();
+    }
+}
+
+void CertificateGuard::withdraw() {
+    refused_.reset();
+    window_.hideOffer();
+    closeDialog();
+}
+
+void CertificateGuard::closeDialog() {
+    if (GtkWidget* const dialog = dialog_) {
+        g_clear_weak_pointer(&dialog_);
+        gtk_window_destroy(GTK_WINDOW(dialog));
     }
 }
 
 void CertificateGuard::confirm() {
-    if (!refused_) {
+    if (!refused_ || dialog_ != nullptr) {
         return;
     }
     const std::string host = hostOf(refused_->address);
     const std::string heading = "Open " + host + " although it is not secure?";
+    asked_ = refused_->key();
     GtkWidget* const dialog = gtk_message_dialog_new(
         window_.widget(),
         static_cast<GtkDialogFlags>(GTK_DIALOG_MODAL | GTK_DIALOG_DESTROY_WITH_PARENT),
@@ -125,28 +144,30 @@ void CertificateGuard::confirm() {
     gtk_dialog_set_default_response(GTK_DIALOG(dialog), GTK_RESPONSE_CANCEL);
     onSignal(
         dialog, "response",
-        [](GtkDialog* widget, int response, gpointer self) {
-            gtk_window_destroy(GTK_WINDOW(widget));
-            CertificateGuard& guard = of(self);
-            // The page may have gone elsewhere meanwhile.
-            if (response == GTK_RESPONSE_OK && guard.refused_) {
-                const std::string accepted = hostOf(guard.refused_->address);
-                guard.used_.insert(accepted + " " + guard.refused_->fingerprint);
-                if (!guard.exceptions_.add(accepted, guard.refused_->fingerprint)) {
-                    guard.window_.showMessage("The certificate can’t be remembered");
-                }
-                guard.open();
-            }
-        },
-        this);
+        [](GtkDialog*, int response, gpointer self) { of(self).answered(response); }, this);
+    g_set_weak_pointer(&dialog_, dialog);
     gtk_window_present(GTK_WINDOW(dialog));
+}
+
+void CertificateGuard::answered(int response) {
+    closeDialog();
+    // The user has agreed to what the dialog said, and to nothing that came after it.
+    if (response != GTK_RESPONSE_OK || !refused_ || refused_->key() != asked_) {
+        return;
+    }
+    used_.insert(asked_);
+    if (!exceptions_.add(hostOf(refused_->address), refused_->fingerprint)) {
+        window_.showMessage("The certificate can’t be remembered");
+    }
+    open();
 }
 
 void CertificateGuard::open() {
     const Refused opened = std::move(*std::exchange(refused_, std::nullopt));
+    const std::string host = hostOf(opened.address);
+    exceptions_.engineAccepts(host);
     webkit_network_session_allow_tls_certificate_for_host(
-        webkit_web_view_get_network_session(view_), opened.certificate.get(),
-        hostOf(opened.address).c_str());
+        webkit_web_view_get_network_session(view_), opened.certificate.get(), host.c_str());
     webkit_web_view_load_uri(view_, opened.address.c_str());
 }
 

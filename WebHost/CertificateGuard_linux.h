@@ -35,6 +35,9 @@ private:
         ObjectRef<GTlsCertificate> certificate{};
         std::string text{}; ///< the reasons, and what the certificate says
         std::string fingerprint{};
+
+        /// Returns the host and the certificate.
+        [[nodiscard]] std::string key() const;
     };
 
     static gboolean failed(WebKitWebView* view, char* address, GTlsCertificate* found,
@@ -42,7 +45,11 @@ private:
 
     void refuse(Refused refused, const CertificateFaults& faults,
                 const CertificateDetails& details);
+    /// What was offered holds no more.
+    void withdraw();
     void confirm();
+    void answered(int response);
+    void closeDialog();
     void open();
 
     WebKitWebView* view_;
@@ -50,6 +57,8 @@ private:
     CertificateExceptions& exceptions_;
     ShowPage showPage_;
     std::optional<Refused> refused_{};
+    GtkWidget* dialog_ = nullptr; ///< asks about `asked_`
+    std::string asked_{};         ///< the host and the certificate
     bool isPageComing_ = false;
     std::set<std::string> used_{}; ///< exceptions that the engine knows
 };

@@ -7,6 +7,8 @@
 
 #include <libsoup/soup.h>
 
+#include <algorithm>
+
 namespace quorvel {
 namespace {
 
@@ -131,6 +133,22 @@ void HostPage::notificationWanted(WebKitNotification* notification) {
     }
 }
 
+void HostPage::permissionsTaken(const std::vector<PermissionStore::Answer>& taken) {
+    questions_.reset();
+    const bool isUsed = std::any_of(taken.begin(), taken.end(), [&](const auto& answer) {
+        return answer.isAllowed && answer.origin == originOf(address()) &&
+               lastsUntilReload(answer.kind);
+    });
+    if (isUsed) {
+        for (const auto set : {webkit_web_view_set_camera_capture_state,
+                               webkit_web_view_set_microphone_capture_state,
+                               webkit_web_view_set_display_capture_state}) {
+            set(view_, WEBKIT_MEDIA_CAPTURE_STATE_NONE);
+        }
+        webkit_web_view_reload(view_);
+    }
+}
+
 void HostPage::openOther(const std::string& address) {
     const std::string scheme = schemeOf(address);
     const std::string origin = originOf(this->address());
@@ -150,7 +168,8 @@ void HostPage::openOutside(const std::string& address) {
 }
 
 void HostPage::updateLocation() {
-    window_.updateLocation(address(), services_.certificates->accepts(hostOf(address())));
+    window_.updateLocation(address(),
+                           services_.certificates->isAcceptedByEngine(hostOf(address())));
 }
 
 // Returns whether the engine goes on with it.
@@ -232,7 +251,8 @@ gboolean HostPage::loadFailed(WebKitWebView* /*view*/, WebKitLoadEvent /*event*/
     of(self).awaited_.clear();
     // A download interrupts its page, and a link that is opened elsewhere does, too.
     if (error->domain == WEBKIT_POLICY_ERROR ||
-        g_error_matches(error, WEBKIT_NETWORK_ERROR, WEBKIT_NETWORK_ERROR_CANCELLED) == TRUE) {
+        g_error_matches(error, WEBKIT_NETWORK_ERROR, WEBKIT_NETWORK_ERROR_CANCELLED) == TRUE ||
+        g_error_matches(error, G_IO_ERROR, G_IO_ERROR_CANCELLED) == TRUE) {
         return FALSE;
     }
     of(self).showStatus(offlinePage(textOf(address), textOf(error->message) + "."),

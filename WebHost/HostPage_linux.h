@@ -20,6 +20,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace quorvel {
 
@@ -62,8 +63,8 @@ public:
     /// The user closes it. The page may ask whether to leave it; one that hangs can't, and is
     /// closed at the second attempt.
     void close();
-    /// What the user has not answered may be asked again.
-    void forgetQuestions() { questions_.reset(); }
+    /// The user has taken these answers back. What was asked for may be asked for again.
+    void permissionsTaken(const std::vector<PermissionStore::Answer>& taken);
     [[nodiscard]] HostWindow& window() { return window_; }
     [[nodiscard]] WebKitWebView* view() const { return view_; }
     [[nodiscard]] bool isPopup() const { return !callbacks_.home; }

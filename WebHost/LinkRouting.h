@@ -40,10 +40,10 @@ using SiteOf = std::function<std::string(const std::string& host)>;
 /// its own host.
 [[nodiscard]] bool isSameSite(std::string_view a, std::string_view b, const SiteOf& siteOf);
 
-/// Decides where a link leads. A click on a link that leaves the site goes outside, unless the
-/// user has a rule for its host. Redirects,
-/// forms and scripts stay, since signing in is made of them, as does what happens in pop-ups. Other
-/// schemes need a gesture, and are not for what is known to be a frame within a page.
+/// Decides where a link leads. A click on a link that leaves the site goes outside, unless the user
+/// has a rule for its host. Redirects, forms and scripts stay, since signing in is made of them, as
+/// does what happens in pop-ups. Other schemes need a gesture, and are not for what is known to be
+/// a frame within a page.
 [[nodiscard]] LinkDecision routeOf(const LinkRequest& request, const SiteOf& siteOf);
 
 } // namespace quorvel

@@ -59,12 +59,14 @@ PagePasswords::PagePasswords(WebKitWebView* view, GtkWindow* window, const Shown
       questions_(std::make_shared<PasswordQuestions>(
           [this](const PasswordText& text, PasswordQuestions::Answered answered) {
               show(text, std::move(answered));
-          })) {
+          },
+          [this] { closeDialog(); })) {
     onSignal(view, "authenticate", wanted, this);
 }
 
 PagePasswords::~PagePasswords() {
     g_signal_handlers_disconnect_by_data(view_, this);
+    closeDialog();
 }
 
 PasswordAsker PagePasswords::askerOf(WebKitAuthenticationRequest* request) const {
@@ -87,21 +89,22 @@ gboolean PagePasswords::wanted(WebKitWebView* /*view*/, WebKitAuthenticationRequ
         return TRUE;
     }
     const PasswordAsker asker = passwords.askerOf(request);
-    // Of those that the engine takes back, nobody wants an answer any more.
-    const auto isOpen = std::make_shared<bool>(true);
-    onEvent(request, "cancelled", [isOpen] { *isOpen = false; });
     const std::shared_ptr<WebKitAuthenticationRequest> kept = keep(request);
-    onEvent(request, "authenticated", [questions = std::weak_ptr(passwords.questions_), asker] {
+    const std::weak_ptr questions(passwords.questions_);
+    onEvent(request, "authenticated", [questions, asker] {
         if (const auto known = questions.lock()) {
             known->accepted(asker);
         }
     });
-    passwords.questions_->decide(asker, webkit_authentication_request_is_retry(request) == TRUE,
-                                 [kept, isOpen](const std::optional<Login>& login) {
-                                     if (*isOpen) {
-                                         answer(kept.get(), login);
-                                     }
-                                 });
+    const std::size_t number = passwords.questions_->decide(
+        asker, webkit_authentication_request_is_retry(request) == TRUE,
+        [kept](const std::optional<Login>& login) { answer(kept.get(), login); });
+    // Of what the engine takes back, nobody wants an answer any more.
+    onEvent(request, "cancelled", [questions, number] {
+        if (const auto known = questions.lock()) {
+            known->withdraw(number);
+        }
+    });
     return TRUE;
 }
 
@@ -117,6 +120,7 @@ void PagePasswords::show(const PasswordText& text, PasswordQuestions::Answered a
     gtk_dialog_add_button(GTK_DIALOG(dialog), "_Log In", GTK_RESPONSE_OK);
     gtk_dialog_set_default_response(GTK_DIALOG(dialog), GTK_RESPONSE_OK);
     onSignal(dialog, "response", responded, this);
+    g_set_weak_pointer(&dialog_, dialog);
     gtk_window_present(GTK_WINDOW(dialog));
     gtk_widget_grab_focus(user_);
 }
@@ -131,7 +135,15 @@ void PagePasswords::addFields(GtkMessageDialog* dialog) {
     }
 }
 
-void PagePasswords::responded(GtkDialog* dialog, int response, gpointer self) {
+void PagePasswords::closeDialog() {
+    answered_ = {};
+    if (GtkWidget* const dialog = dialog_) {
+        g_clear_weak_pointer(&dialog_);
+        gtk_window_destroy(GTK_WINDOW(dialog));
+    }
+}
+
+void PagePasswords::responded(GtkDialog* /*dialog*/, int response, gpointer self) {
     PagePasswords& passwords = of(self);
     std::optional<Login> login;
     if (response == GTK_RESPONSE_OK) {
@@ -140,8 +152,8 @@ void PagePasswords::responded(GtkDialog* dialog, int response, gpointer self) {
     } else {
         passwords.refused_();
     }
-    gtk_window_destroy(GTK_WINDOW(dialog));
     const auto answered = std::exchange(passwords.answered_, {});
+    passwords.closeDialog();
     answered(login);
 }
 

@@ -32,6 +32,7 @@ private:
     static void responded(GtkDialog* dialog, int response, gpointer self);
 
     void show(const PasswordText& text, PasswordQuestions::Answered answered);
+    void closeDialog();
     void addFields(GtkMessageDialog* dialog);
     [[nodiscard]] PasswordAsker askerOf(WebKitAuthenticationRequest* request) const;
 
@@ -40,7 +41,8 @@ private:
     const ShownAddress& shown_;
     std::function<void()> refused_;
     std::shared_ptr<PasswordQuestions> questions_; ///< requests may outlive this object
-    GtkWidget* user_ = nullptr;                    ///< of the dialog that is shown
+    GtkWidget* dialog_ = nullptr;                  ///< the one that is shown
+    GtkWidget* user_ = nullptr;                    ///< its fields
     GtkWidget* password_ = nullptr;
     PasswordQuestions::Answered answered_{};
 };

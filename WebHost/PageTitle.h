@@ -22,7 +22,7 @@ namespace quorvel {
                                      std::string_view cloneName);
 
 /// Returns what a header says about where the page is from: its host, and why that is not certain.
-/// `isExcepted` if the user accepted a certificate of the host that proves nothing.
+/// `isExcepted` if a certificate of the host is accepted that proves nothing.
 [[nodiscard]] std::string shownHost(std::string_view address, bool isExcepted);
 
 } // namespace quorvel

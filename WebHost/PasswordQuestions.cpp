@@ -3,6 +3,7 @@
 #include "Base/TerminalText.h"
 #include "WebHost/FloodCaps.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace quorvel {
@@ -23,7 +24,9 @@ std::string placeOf(const PasswordAsker& asker) {
 } // namespace
 
 std::string PasswordAsker::key() const {
-    return (isProxy ? "proxy " : "") + host + ":" + std::to_string(port) + " " + realm;
+    // What is meant for an encrypted connection must not be sent over another one.
+    return std::string(isProxy ? "proxy " : "") + (isEncrypted ? "https://" : "http://") + host +
+           ":" + std::to_string(port) + " " + realm;
 }
 
 PasswordText passwordText(const PasswordAsker& asker, bool wasWrong) {
@@ -47,21 +50,45 @@ PasswordText passwordText(const PasswordAsker& asker, bool wasWrong) {
     return result;
 }
 
-void PasswordQuestions::decide(const PasswordAsker& asker, bool wasWrong, Answered done) {
+std::size_t PasswordQuestions::decide(const PasswordAsker& asker, bool wasWrong, Answered done) {
     const std::string key = asker.key();
+    const std::size_t number = ++last_;
     if (const auto found = waiting_.find(key); found != waiting_.end()) {
-        found->second.done.push_back(std::move(done));
-        return;
+        found->second.done.emplace(number, std::move(done));
+        return number;
     }
     if (refused_.contains(key) || tries_[key] >= mostTries ||
         order_.size() >= mostWaitingQuestions) {
         done(std::nullopt);
-        return;
+        return number;
     }
     ++tries_[key];
-    waiting_[key] = Waiting{passwordText(asker, wasWrong), {std::move(done)}};
+    Waiting& waiting = waiting_[key];
+    waiting.text = passwordText(asker, wasWrong);
+    waiting.done.emplace(number, std::move(done));
     order_.push_back(key);
     if (order_.size() == 1) {
+        showNext();
+    }
+    return number;
+}
+
+void PasswordQuestions::withdraw(std::size_t number) {
+    const auto found = std::find_if(waiting_.begin(), waiting_.end(), [&](const auto& one) {
+        return one.second.done.contains(number);
+    });
+    if (found == waiting_.end()) {
+        return;
+    }
+    found->second.done.erase(number);
+    if (!found->second.done.empty()) {
+        return;
+    }
+    const bool isShown = order_.front() == found->first;
+    std::erase(order_, found->first);
+    waiting_.erase(found);
+    if (isShown) {
+        hide_();
         showNext();
     }
 }
@@ -85,7 +112,7 @@ void PasswordQuestions::finish(const std::string& key, const std::optional<Login
     }
     const auto answered = waiting_.extract(key);
     order_.erase(order_.begin());
-    for (const Answered& done : answered.mapped().done) {
+    for (const auto& [number, done] : answered.mapped().done) {
         done(login);
     }
     showNext();

@@ -45,11 +45,17 @@ public:
     using Answered = std::function<void(std::optional<Login>)>;
     /// Shows a question; the answer comes later.
     using Ask = std::function<void(const PasswordText&, Answered)>;
+    /// Takes away the question that is shown, which is not answered then.
+    using Hide = std::function<void()>;
 
-    explicit PasswordQuestions(Ask ask) : ask_(std::move(ask)) {}
+    PasswordQuestions(Ask ask, Hide hide) : ask_(std::move(ask)), hide_(std::move(hide)) {}
 
-    /// Has `done` called with the answer, now or later; std::nullopt if there is none.
-    void decide(const PasswordAsker& asker, bool wasWrong, Answered done);
+    /// Has `done` called with the answer, now or later; std::nullopt if there is none. Returns a
+    /// number for `withdraw`.
+    std::size_t decide(const PasswordAsker& asker, bool wasWrong, Answered done);
+    /// Nobody waits for that answer any more: `done` is not called. A question that all have
+    /// withdrawn is not asked, but counts as one of the three. Does nothing after the answer.
+    void withdraw(std::size_t number);
     /// The server has taken an answer.
     void accepted(const PasswordAsker& asker) { tries_.erase(asker.key()); }
     /// The user may be asked again.
@@ -58,13 +64,15 @@ public:
 private:
     struct Waiting {
         PasswordText text{};
-        std::vector<Answered> done{};
+        std::map<std::size_t, Answered> done{}; ///< by their numbers
     };
 
     void showNext();
     void finish(const std::string& key, const std::optional<Login>& login);
 
     Ask ask_;
+    Hide hide_;
+    std::size_t last_ = 0; ///< the number given last
     std::map<std::string, std::size_t> tries_{};
     std::set<std::string> refused_{};
     std::vector<std::string> order_{}; ///< of the questions; the first is shown

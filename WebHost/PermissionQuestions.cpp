@@ -43,6 +43,12 @@ std::string permissionWords(const std::string& kind) {
     return withoutUnsafe(kind);
 }
 
+bool lastsUntilReload(const std::string& kind) {
+    constexpr std::array<std::string_view, 5> kinds{"camera", "camera+microphone", "location",
+                                                    "microphone", "screen"};
+    return std::find(kinds.begin(), kinds.end(), kind) != kinds.end();
+}
+
 std::string linkPermissionKind(const std::string& scheme) {
     return std::string(linkKind) + scheme;
 }

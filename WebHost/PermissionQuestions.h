@@ -43,6 +43,9 @@ private:
 /// Returns what a page may do that was allowed this kind, as it continues "NAME may ".
 [[nodiscard]] std::string permissionWords(const std::string& kind);
 
+/// Returns whether a page goes on with what it was allowed of this kind until it is loaded again.
+[[nodiscard]] bool lastsUntilReload(const std::string& kind);
+
 /// Returns the kind of the permission to open links of that scheme with another program.
 [[nodiscard]] std::string linkPermissionKind(const std::string& scheme);
 

@@ -135,12 +135,15 @@ void SettingsPanel::addLinks(GtkWidget* page) {
 
 void SettingsPanel::addLists(GtkWidget* page) {
     GtkWidget* const answers = addSection(page, "Permissions");
+    addHint(answers, "A page that has lost a permission to see, hear or locate you is loaded "
+                     "again.");
     permissions_ = addList(answers);
     GtkWidget* const forget = gtk_button_new_with_mnemonic("Remove All _Permissions");
     gtk_widget_set_halign(forget, GTK_ALIGN_END);
     onEvent(forget, "clicked", [this] {
+        const auto taken = services_.permissions->list();
         showProblem(services_.permissions->forgetAll() ? "" : "The permissions can’t be written.");
-        services_.permissionsChanged();
+        services_.permissionsTaken(taken);
         listPermissions();
     });
     gtk_box_append(GTK_BOX(answers), forget);
@@ -176,7 +179,19 @@ void SettingsPanel::addRule() {
     listLinks();
 }
 
-void SettingsPanel::showProblem(const std::string& problem) {
+SiteSettings SettingsPanel::entered() const {
+    SiteSettings all = services_.settings->settings();
+    all.spellingLanguages = languagesIn(textIn(languages_));
+    all.userAgent = textIn(userAgent_);
+    all.proxy = chosenIn<ProxyUse>(proxy_);
+    all.proxyAddress = textIn(proxyAddress_);
+    return all;
+}
+
+void SettingsPanel::showProblem(std::string problem) {
+    if (problem.empty()) {
+        problem = problemIn(entered());
+    }
     gtk_label_set_text(GTK_LABEL(problem_), problem.c_str());
     gtk_widget_set_visible(problem_, problem.empty() ? FALSE : TRUE);
 }
@@ -208,7 +223,7 @@ void SettingsPanel::listPermissions() {
                             const bool isKept =
                                 services_.permissions->forget(answer.origin, answer.kind);
                             showProblem(isKept ? "" : "The permissions can’t be written.");
-                            services_.permissionsChanged();
+                            services_.permissionsTaken({answer});
                             listPermissions();
                         }});
     }

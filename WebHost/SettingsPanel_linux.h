@@ -21,7 +21,8 @@ public:
         PermissionStore* permissions = nullptr;
         CertificateExceptions* certificates = nullptr;
         std::function<void()> settingsChanged{};
-        std::function<void()> permissionsChanged{};
+        /// These answers were taken back.
+        std::function<void(const std::vector<PermissionStore::Answer>&)> permissionsTaken{};
         std::function<int()> zoom{}; ///< in percent
         std::function<void(int)> zoomTo{};
     };
@@ -48,7 +49,10 @@ private:
     void setText(GtkWidget* field, const std::string& text);
     /// Changes the settings, unless this is only about showing them.
     void change(const std::function<void(SiteSettings&)>& edit);
-    void showProblem(const std::string& problem);
+    /// Returns the settings as they are in the fields, whether they can be used or not.
+    [[nodiscard]] SiteSettings entered() const;
+    /// Shows what went wrong or, if nothing did, what is wrong in the fields.
+    void showProblem(std::string problem);
 
     GtkWindow* window_;
     Services services_;

@@ -202,7 +202,7 @@ SiteHead siteHead(std::string_view html) {
             break;
         }
         if (isTag(html, "title") && head.title.empty()) {
-            html.remove_prefix(std::min(html.find('>') + 1, html.size()));
+            html.remove_prefix(std::min(endOfTag(html) + 1, html.size()));
             head.title = textBefore("<", html);
         } else if (isTag(html, "link")) {
             const std::size_t end = endOfTag(html);

@@ -1,6 +1,7 @@
 // quorvel-site-preview ADDRESS FOLDER: writes a site's title and icon into the folder, as the files
 // "title" and "icon". Knows no user: no cookies, no passwords. What it reads is not looked into
 // here, except for the page's head.
+#include "Base/Error.h"
 #include "Base/TerminalText.h"
 #include "WebHost/SiteHead.h"
 #include "WebHost/WebAddress.h"
@@ -31,6 +32,12 @@ struct Releaser {
 };
 template<typename Type>
 using Object = std::unique_ptr<Type, Releaser>;
+
+// Why a site can't be asked.
+class PreviewError : public Error {
+public:
+    using Error::Error;
+};
 
 struct Answer {
     std::string address{}; ///< after redirects
@@ -67,7 +74,6 @@ std::string readUpTo(GInputStream* stream, std::size_t limit, bool& isWhole) {
 void countRedirect(SoupMessage* message, gpointer count) {
     auto& redirects = *static_cast<guint*>(count);
     if (++redirects > mostRedirects) {
-        g_object_set_data(G_OBJECT(message), "stopped", message);
         g_cancellable_cancel(
             static_cast<GCancellable*>(g_object_get_data(G_OBJECT(message), "cancellable")));
     }
@@ -78,7 +84,7 @@ Answer fetch(SoupSession* session, const std::string& address, std::size_t limit
     const Object<SoupMessage> message(
         isWebAddress(address) ? soup_message_new("GET", address.c_str()) : nullptr);
     if (!message) {
-        throw std::string("it is not a web address");
+        throw PreviewError("it is not a web address");
     }
     const Object<GCancellable> cancellable(g_cancellable_new());
     guint redirects = 0;
@@ -91,11 +97,11 @@ Answer fetch(SoupSession* session, const std::string& address, std::size_t limit
         const std::string reason =
             redirects > mostRedirects ? "it leads from one address to the next" : error->message;
         g_error_free(error);
-        throw reason;
+        throw PreviewError(reason);
     }
     if (soup_message_get_status(message.get()) != SOUP_STATUS_OK) {
-        throw "the server answers " +
-            std::to_string(static_cast<int>(soup_message_get_status(message.get())));
+        throw PreviewError("the server answers " + std::to_string(static_cast<int>(
+                                                       soup_message_get_status(message.get()))));
     }
     Answer answer;
     char* const last = g_uri_to_string(soup_message_get_uri(message.get()));
@@ -127,7 +133,7 @@ std::optional<std::string> fetchIcon(SoupSession* session, const Answer& page,
             if (answer.isWhole && !answer.bytes.empty()) {
                 return std::move(answer.bytes);
             }
-        } catch (const std::string&) {
+        } catch (const PreviewError&) {
             continue; // perhaps the next one
         }
     }
@@ -135,8 +141,12 @@ std::optional<std::string> fetchIcon(SoupSession* session, const Answer& page,
 }
 
 void write(const std::string& file, const std::string& bytes) {
-    std::ofstream(file, std::ios::binary)
-        .write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+    std::ofstream stream(file, std::ios::binary);
+    stream.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+    stream.close();
+    if (!stream) {
+        throw PreviewError("what the site sends can’t be written");
+    }
 }
 
 void preview(const std::string& address, const std::string& folder) {
@@ -168,8 +178,8 @@ int main(int count, char** arguments) {
     try {
         quorvel::preview(arguments[1], arguments[2]);
         return 0;
-    } catch (const std::string& reason) {
-        std::fprintf(stdout, "%s\n", quorvel::terminalText(reason, 300).c_str());
+    } catch (const std::exception& error) {
+        std::fprintf(stdout, "%s\n", quorvel::terminalText(error.what(), 300).c_str());
         return unavailable;
     }
 }

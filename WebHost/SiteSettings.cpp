@@ -28,6 +28,19 @@ bool isHost(std::string_view text) {
            });
 }
 
+// As pages' hosts are compared. The file may have been written by hand.
+std::map<std::string, std::string> inSmallLetters(const std::map<std::string, std::string>& links) {
+    std::map<std::string, std::string> result;
+    for (const auto& [host, place] : links) {
+        std::string small = host;
+        std::transform(small.begin(), small.end(), small.begin(), [](char byte) {
+            return byte >= 'A' && byte <= 'Z' ? static_cast<char>(byte - 'A' + 'a') : byte;
+        });
+        result.emplace(std::move(small), place);
+    }
+    return result;
+}
+
 bool isLanguage(std::string_view text) {
     constexpr std::size_t longest = 20;
     return text.size() >= 2 && text.size() <= longest &&
@@ -144,6 +157,7 @@ std::optional<LinkPlace> ruleFor(const SiteSettings& settings, std::string_view 
 SiteSettingsStore::SiteSettingsStore(std::filesystem::path home, std::string path)
     : file_(std::move(home), std::move(path)) {
     file_.read(settings_);
+    settings_.links = inSmallLetters(settings_.links);
     if (std::string problem = problemIn(settings_); !problem.empty()) {
         file_.refuse(std::move(problem));
         settings_ = SiteSettings();

@@ -86,8 +86,7 @@ void show(const QuorvelWebHostRequest& request) {
                            .listener = request.listener};
     findMenuEntry(request, options);
     if (config->menuBarIcon) {
-        options.statusIcon =
-            config->menuBarIconTemplate ? symbolicIconName(options.icon) : options.icon;
+        options.statusIcon = statusIconName(options.icon, config->menuBarIconTemplate);
     }
     const mode_t userMask = setFileMask(077);
     options.home.create();

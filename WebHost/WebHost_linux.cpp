@@ -41,7 +41,11 @@ WebHost::WebHost(WebHostOptions options)
       colors_(options_.bus),
       badge_(options_.bus, options_.desktopId),
       notices_(options_.bus, {options_.name, options_.desktopId, options_.icon},
-               [this](const std::string& token) { main_->window().present(token); }) {
+               [this](const std::string& token) { main_->window().present(token); }),
+      gate_(!siteSettings_.problem().empty(),
+            {[this](const std::string& address) { main_->load(address); },
+             [this](HostQuestion question) { (void)main_->window().ask(std::move(question)); },
+             [this] { showSettings(); }}) {
     reportProblems();
     openSession();
     addBadgeScripts();
@@ -82,6 +86,13 @@ void WebHost::reportProblems() const {
 void WebHost::applySettings() {
     colors_.setColors(siteSettings_.settings().colors);
     applySiteSettings({context_.get(), session_.get(), settings_.get()}, siteSettings_.settings());
+}
+
+void WebHost::settingsChanged() {
+    applySettings();
+    if (siteSettings_.problem().empty()) {
+        gate_.open();
+    }
 }
 
 void WebHost::openSession() {
@@ -197,20 +208,20 @@ void WebHost::openMainWindow() {
         WEBKIT_TYPE_WEB_VIEW, "web-context", context_.get(), "network-session", session_.get(),
         "user-content-manager", content_.get(), "settings", settings_.get(), nullptr));
     HostPage::Callbacks callbacks;
-    callbacks.home = [this] { main_->load(options_.homeAddress); };
+    callbacks.home = [this] { gate_.load(options_.homeAddress); };
     callbacks.settings = [this] { showSettings(); };
     callbacks.titleChanged = [this] { titleChanged(); };
     callbacks.closed = [this] { quit(); };
     main_ = std::make_unique<HostPage>(view, services_, std::move(callbacks),
                                        readWindowState(options_.home.windowState));
     showTitle();
-    main_->load(firstAddress());
+    gate_.load(firstAddress());
 }
 
-void WebHost::forgetQuestions() {
-    main_->forgetQuestions();
+void WebHost::permissionsTaken(const std::vector<PermissionStore::Answer>& taken) {
+    main_->permissionsTaken(taken);
     for (const auto& popup : popups_) {
-        popup->forgetQuestions();
+        popup->permissionsTaken(taken);
     }
 }
 
@@ -220,14 +231,15 @@ void WebHost::showSettings() {
             session_.get(), options_.name, [this] { webkit_web_view_reload(main_->view()); });
         panel_ = std::make_unique<SettingsPanel>(
             main_->window().widget(),
-            SettingsPanel::Services{.name = options_.name,
-                                    .settings = &siteSettings_,
-                                    .permissions = &permissions_,
-                                    .certificates = &certificates_,
-                                    .settingsChanged = [this] { applySettings(); },
-                                    .permissionsChanged = [this] { forgetQuestions(); },
-                                    .zoom = [this] { return main_->window().state().zoom; },
-                                    .zoomTo = [this](int zoom) { main_->window().zoomTo(zoom); }},
+            SettingsPanel::Services{
+                .name = options_.name,
+                .settings = &siteSettings_,
+                .permissions = &permissions_,
+                .certificates = &certificates_,
+                .settingsChanged = [this] { settingsChanged(); },
+                .permissionsTaken = [this](const auto& taken) { permissionsTaken(taken); },
+                .zoom = [this] { return main_->window().state().zoom; },
+                .zoomTo = [this](int zoom) { main_->window().zoomTo(zoom); }},
             siteData_->widget());
     }
     siteData_->refresh();
@@ -336,13 +348,15 @@ void WebHost::checkSandbox() {
 
 void WebHost::handedOver(const WebHandover& handover) {
     if (!handover.address.empty()) {
-        main_->load(handover.address);
+        gate_.load(handover.address);
     }
     main_->window().present(handover.token);
 }
 
 void WebHost::saveState() const {
-    if (!writeWindowState(options_.home.home, options_.home.windowState, main_->window().state())) {
+    // While nothing is loaded, the last page is still the one before.
+    if (!gate_.isClosed() &&
+        !writeWindowState(options_.home.home, options_.home.windowState, main_->window().state())) {
         log("the state of the window can’t be written");
     }
 }

@@ -9,6 +9,7 @@
 #include "WebHost/DownloadList_linux.h"
 #include "WebHost/Handover.h"
 #include "WebHost/HostPage_linux.h"
+#include "WebHost/LoadGate.h"
 #include "WebHost/PageNotices_linux.h"
 #include "WebHost/SettingsPanel_linux.h"
 #include "WebHost/SiteDataList_linux.h"
@@ -60,7 +61,8 @@ private:
     void addStatusItem();
     void openMainWindow();
     void applySettings();
-    void forgetQuestions();
+    void settingsChanged();
+    void permissionsTaken(const std::vector<PermissionStore::Answer>& taken);
     void showSettings();
     [[nodiscard]] DownloadList::Callbacks downloadCallbacks();
     [[nodiscard]] std::string firstAddress() const;
@@ -96,6 +98,7 @@ private:
     std::unique_ptr<DownloadList> downloads_{};
     PageServices services_{};
     std::unique_ptr<HostPage> main_{};
+    LoadGate gate_; ///< of `main_`
     std::vector<std::unique_ptr<HostPage>> popups_{};
     std::unique_ptr<SiteDataList> siteData_{};
     std::unique_ptr<SettingsPanel> panel_{};

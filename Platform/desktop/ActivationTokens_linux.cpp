@@ -74,7 +74,14 @@ public:
             },
             [](void*, wl_registry*, std::uint32_t) {}};
         wl_registry_add_listener(registry_.get(), &globals, this);
-        if (!waitFor([this] { return activation_ != nullptr; })) {
+        // Answered after all globals: a compositor that has no tokens is not waited for.
+        sync_.reset(wl_display_sync(wrapper_.get()));
+        static constexpr wl_callback_listener all{[](void* self, wl_callback*, std::uint32_t) {
+            static_cast<TokenRequest*>(self)->hasAllGlobals_ = true;
+        }};
+        wl_callback_add_listener(sync_.get(), &all, this);
+        if (!waitFor([this] { return activation_ != nullptr || hasAllGlobals_; }) ||
+            activation_ == nullptr) {
             return;
         }
         token_.reset(xdg_activation_v1_get_activation_token(activation_.get()));
@@ -95,7 +102,6 @@ private:
     // A roundtrip would wait without end for a compositor that hangs.
     template<typename Condition>
     [[nodiscard]] bool waitFor(const Condition& isDone) {
-        const auto end = std::chrono::steady_clock::now() + patience;
         while (!isDone()) {
             if (wl_display_prepare_read_queue(display_, queue_.get()) != 0) {
                 if (wl_display_dispatch_queue_pending(display_, queue_.get()) < 0) {
@@ -105,7 +111,7 @@ private:
             }
             (void)wl_display_flush(display_);
             const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(
-                end - std::chrono::steady_clock::now());
+                end_ - std::chrono::steady_clock::now());
             pollfd events{wl_display_get_fd(display_), POLLIN, 0};
             if (left.count() <= 0 || ::poll(&events, 1, static_cast<int>(left.count())) <= 0) {
                 wl_display_cancel_read(display_);
@@ -118,10 +124,13 @@ private:
         return true;
     }
 
+    const std::chrono::steady_clock::time_point end_ = std::chrono::steady_clock::now() + patience;
     wl_display* display_;
     Owned<wl_event_queue, wl_event_queue_destroy> queue_;
     Owned<wl_display, releaseWrapper> wrapper_;
     Owned<wl_registry, wl_registry_destroy> registry_{};
+    Owned<wl_callback, wl_callback_destroy> sync_{};
+    bool hasAllGlobals_ = false;
     Owned<xdg_activation_v1, xdg_activation_v1_destroy> activation_{};
     Owned<xdg_activation_token_v1, xdg_activation_token_v1_destroy> token_{};
     std::string answer_{};

@@ -48,8 +48,7 @@ StatusItemOptions optionsFor(const std::string& identity, bool isSymbolic) {
     options.id = published ? published->entry.startupWmClass : identity;
     options.title =
         published ? published->entry.name : std::filesystem::path(identity).stem().string();
-    const std::string icon = published ? published->entry.icon : "application-x-executable";
-    options.icon = isSymbolic ? symbolicIconName(icon) : icon;
+    options.icon = statusIconName(published ? published->entry.icon : "", isSymbolic);
     return options;
 }
 

@@ -1,6 +1,8 @@
 #include "Platform/desktop/StatusItem_linux.h"
 
+#include "Base/TerminalText.h"
 #include "Platform/desktop/ExportedObject_linux.h"
+#include "Platform/desktop/MenuEntry.h"
 
 #include <unistd.h>
 
@@ -37,9 +39,7 @@ constexpr const char* interfaceText = R"xml(<node><interface name="org.kde.Statu
   <method name="Scroll"><arg type="i" direction="in"/><arg type="s" direction="in"/></method>
   <method name="ProvideXdgActivationToken"><arg type="s" direction="in"/></method>
   <signal name="NewTitle"/>
-  <signal name="NewIcon"/>
   <signal name="NewToolTip"/>
-  <signal name="NewStatus"><arg type="s"/></signal>
   <signal name="XAyatanaNewLabel"><arg type="s"/><arg type="s"/></signal>
 </interface></node>)xml";
 
@@ -48,6 +48,11 @@ StatusItem& of(gpointer self) {
 }
 
 } // namespace
+
+std::string statusIconName(const std::string& entryIcon, bool isSymbolic) {
+    const std::string icon = entryIcon.empty() ? "application-x-executable" : entryIcon;
+    return isSymbolic ? symbolicIconName(icon) : icon;
+}
 
 StatusItem::StatusItem(GDBusConnection* bus, StatusItemOptions options)
     : bus_(bus),
@@ -87,7 +92,8 @@ void StatusItem::trayAppeared(GDBusConnection* bus, const char* /*name*/, const 
 }
 
 std::string StatusItem::title() const {
-    return label_.empty() ? options_.title : options_.title + " (" + label_ + ")";
+    const std::string title = withoutUnsafe(options_.title);
+    return label_.empty() ? title : title + " (" + label_ + ")";
 }
 
 void StatusItem::setLabel(const std::string& label) {
@@ -143,7 +149,7 @@ GVariant* StatusItem::property(GDBusConnection* /*bus*/, const char* /*sender*/,
     }
     const std::array<std::pair<const char*, std::string>, 6> texts{{
         {"Category", "ApplicationStatus"},
-        {"Id", item.options_.id},
+        {"Id", withoutUnsafe(item.options_.id)},
         {"Title", item.title()},
         {"Status", "Active"},
         {"IconName", item.options_.icon},

@@ -13,12 +13,16 @@ namespace quorvel {
 /// What a status item is and does.
 struct StatusItemOptions {
     std::string id{};    ///< always the same for the same clone
-    std::string title{}; ///< plain text
-    std::string icon{};  ///< a name in the icon theme
+    std::string title{}; ///< any text; shown without what is unsafe in it
+    std::string icon{};  ///< a `statusIconName`
     /// The user wants to see the window; with the desktop's activation token, or an empty one.
     std::function<void(const std::string& token)> show{};
     std::function<void()> quit{};
 };
+
+/// Returns the name in the icon theme for a clone whose menu entry has that icon, which is empty if
+/// it has none.
+[[nodiscard]] std::string statusIconName(const std::string& entryIcon, bool isSymbolic);
 
 /// An icon in the tray, with a menu, as `org.kde.StatusNotifierItem` has it, while the object
 /// lives. Appears as soon as there is a tray, also one that starts later or again.

@@ -3,6 +3,7 @@
 #include "LaunchKit/InstanceRecord.h"
 #include "QuorvelApp/model/Translated.h"
 
+#include <QDir>
 #include <QPointer>
 
 namespace quorvel {
@@ -88,7 +89,7 @@ void NewCloneSession::create() {
     // The outcome is reported even if the sheet has been closed meanwhile.
     model_.createClone(form_.makeRequest(), form_.launchAfter)
         .then(&model_, [&model = model_, self = QPointer(this),
-                        icon = siteFolder_](const QFuture<InstanceRecord>& outcome) {
+                        icons = siteFolders_](const QFuture<InstanceRecord>& outcome) {
             std::optional<std::string> failure;
             try {
                 (void)outcome.result();
@@ -106,12 +107,29 @@ void NewCloneSession::create() {
         });
 }
 
+std::optional<std::filesystem::path> NewCloneSession::newSiteFolder() {
+    if (!siteFolders_) {
+        siteFolders_ = std::make_shared<QTemporaryDir>();
+    }
+    const QString folder = siteFolders_->filePath(QString::number(++sitesAsked_));
+    if (siteFolders_->isValid() && QDir().mkdir(folder)) {
+        return folder.toStdString();
+    }
+    siteFolders_.reset();
+    return std::nullopt;
+}
+
 void NewCloneSession::askSite() {
     const std::string address = form_.webURL;
-    siteFolder_ = std::make_shared<QTemporaryDir>();
+    const auto folder = newSiteFolder();
+    if (!folder) {
+        model_.setLastError(
+            sentence(tr("Couldn't ask the site: no folder can be made for its icon"), {}));
+        return;
+    }
     edit([](NewCloneForm& form) { form.askingSite = true; });
-    model_.previewSite(address, siteFolder_->path().toStdString())
-        .then(this, [this, address, folder = siteFolder_](const QFuture<SitePreview>& outcome) {
+    model_.previewSite(address, *folder)
+        .then(this, [this, address, kept = siteFolders_](const QFuture<SitePreview>& outcome) {
             std::optional<std::string> failure;
             edit([](NewCloneForm& form) { form.askingSite = false; });
             try {

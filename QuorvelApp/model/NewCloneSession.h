@@ -56,12 +56,15 @@ Q_SIGNALS:
 private:
     void enterIcon(const std::filesystem::path& icon);
     void forgetIcons();
+    [[nodiscard]] std::optional<std::filesystem::path> newSiteFolder();
     void siteAnswered(const std::string& address, const SitePreview& preview);
 
     AppModel& model_;
     FilePanels panels_;
     NewCloneForm form_{};
-    std::shared_ptr<QTemporaryDir> siteFolder_{}; ///< contains the site's icon
+    /// Contains a folder for each site that was asked: an icon of an earlier one may be chosen.
+    std::shared_ptr<QTemporaryDir> siteFolders_{};
+    int sitesAsked_ = 0;
     int iconChoices_ = 0; ///< the number made; answers about earlier ones are ignored
     std::optional<std::filesystem::path> checkedIcon_{}; ///< the last one known to be an icon file
 };

@@ -37,15 +37,15 @@ protected:
         }
     }
 
-    SitePreview preview(const std::string& page) {
+    SitePreview preview(const std::string& page, std::chrono::milliseconds patience = 20s) {
         fs::remove_all(folder_ / "own");
         fs::create_directory(folder_ / "own");
-        return fetchSitePreview(QUORVEL_SITE_PREVIEW, site() + page, folder_ / "own");
+        return fetchSitePreview(QUORVEL_SITE_PREVIEW, site() + page, folder_ / "own", patience);
     }
     // Why it fails.
-    std::string failure(const std::string& page) {
+    std::string failure(const std::string& page, std::chrono::milliseconds patience = 20s) {
         try {
-            (void)preview(page);
+            (void)preview(page, patience);
             return "it does not";
         } catch (const SitePreviewError& error) {
             return error.description();
@@ -86,11 +86,34 @@ TEST_F(SitePreviewTest, ASiteThatDoesNotAnswerIsReported) {
     EXPECT_THROW(
         (void)fetchSitePreview(QUORVEL_SITE_PREVIEW, "http://127.0.0.1:1/", folder_.path()),
         SitePreviewError);
+    EXPECT_THROW((void)fetchSitePreview(QUORVEL_SITE_PREVIEW, site() + "/mail/", ""),
+                 SitePreviewError);
+    EXPECT_FALSE(fs::exists("reason")) << "in the folder where the program was started";
     EXPECT_THROW((void)fetchSitePreview("/nonexistent", site() + "/mail/", folder_.path()),
                  SitePreviewError);
-    const auto begin = std::chrono::steady_clock::now();
-    EXPECT_NE(failure("/never"), "it does not");
-    EXPECT_LE(std::chrono::steady_clock::now() - begin, 25s);
+    EXPECT_EQ(failure("/never", 300ms), "the site takes too long");
+}
+
+TEST_F(SitePreviewTest, AProgramThatFailsIsNoSlowSite) {
+    const auto failureOf = [&](const std::string& script) {
+        write(folder_ / "stand-in", "#!/bin/sh\n" + script + "\n");
+        fs::permissions(folder_ / "stand-in", fs::perms::owner_all);
+        try {
+            (void)fetchSitePreview(folder_ / "stand-in", site(), folder_.path());
+            return std::string("it does not");
+        } catch (const SitePreviewError& error) {
+            return error.description();
+        }
+    };
+    EXPECT_EQ(failureOf("exit 3"), "the program that asks it has failed, with status 3");
+    EXPECT_EQ(failureOf("kill -ALRM $$"), "the site takes too long");
+    EXPECT_EQ(failureOf("echo because; exit 3"), "because");
+    fs::create_directory(folder_ / "own");
+    fs::create_directory(folder_ / "own/title");
+    EXPECT_THROW((void)fetchSitePreview(QUORVEL_SITE_PREVIEW, site() + "/mail/", folder_ / "own"),
+                 SitePreviewError)
+        << "the title can't be written";
+    EXPECT_EQ(read(folder_ / "own/reason"), "what the site sends can’t be written\n");
 }
 
 } // namespace

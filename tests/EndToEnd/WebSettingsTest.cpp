@@ -72,7 +72,9 @@ TEST_F(WebSettingsTest, WhatIsChosenInThePanelHoldsAndIsKept) {
                              "can’t be used, and is kept under another name"}) {
         EXPECT_THAT(names, HasSubstr(name));
     }
+    std::size_t before = read(requests()).size();
     activate("Remove: " + origin + " may use the camera");
+    request("/facts-seen", before); // it must not go on with it
     EXPECT_TRUE(waitUntil(
         [&] { return read(kept("permissions.json")).find("camera") == std::string::npos; },
         longestWait));
@@ -85,6 +87,7 @@ TEST_F(WebSettingsTest, WhatIsChosenInThePanelHoldsAndIsKept) {
     enter("z", "150");
     enter("h", "localhost");
     EXPECT_TRUE(isKept("settings.json", "\"localhost\": \"inside\""));
+    EXPECT_TRUE(isShown("address must be like")) << "the field is still wrong";
     // A list that has just opened takes no keys yet.
     EXPECT_TRUE(waitUntil(
         [&] {
@@ -111,7 +114,7 @@ TEST_F(WebSettingsTest, WhatIsChosenInThePanelHoldsAndIsKept) {
     EXPECT_EQ(read(kept("certificates.json")), "{damaged");
 
     // All data of the site, after a question.
-    std::size_t before = read(requests()).size();
+    before = read(requests()).size();
     ASSERT_EQ(handOver("Portal", ""), 0);
     request("/seen", before);
     before = read(requests()).size();
@@ -133,6 +136,26 @@ TEST_F(WebSettingsTest, WhatIsChosenInThePanelHoldsAndIsKept) {
     EXPECT_THAT(request("/facts-seen", before),
                 HasSubstr("dark=true&wide=false&agent=Test/1.0%20(me)"));
     EXPECT_THAT(log("Portal"), HasSubstr("certificates.json: "));
+}
+
+TEST_F(WebSettingsTest, NothingIsLoadedBeforeTheUserKnowsThatAProxyIsNotInUse) {
+    create("Portal", "facts", {"--open-with"});
+    session->write(kept("settings.json"), R"({"proxy":"address","proxyAddress":"damaged"})");
+    ASSERT_EQ(open("Portal"), 0) << session->log();
+    EXPECT_TRUE(isShown("A proxy that it names is not in use."));
+    ASSERT_EQ(handOver("Portal", "link"), 0);
+    EXPECT_TRUE(isShown("Site Settings…"));
+    EXPECT_EQ(read(requests()), "");
+    // A button takes no click in its first moment.
+    EXPECT_TRUE(waitUntil(
+        [&] {
+            (void)session->run({QUORVEL_ACCESSIBLE, "press", "Load Without It"});
+            return waitUntil([&] { return read(requests()).find("/link") != std::string::npos; },
+                             2s);
+        },
+        longestWait))
+        << controls();
+    EXPECT_EQ(read(requests()).find("/facts"), std::string::npos) << "the last address counts";
 }
 
 TEST_F(WebSettingsTest, ABadCertificateIsAcceptedForItsHostAlone) {
@@ -162,7 +185,17 @@ TEST_F(WebSettingsTest, ABadCertificateIsAcceptedForItsHostAlone) {
     // A page in between has taken the offer back.
     EXPECT_TRUE(waitUntil([&] { return controls().find("Open Anyway…") == std::string::npos; },
                           longestWait));
+    // A dialog is for the host that it names: it goes with the page.
+    ASSERT_EQ(handOverAddress(secure("expired")), 0);
+    ask();
+    const std::string elsewhere =
+        std::regex_replace(secure("self"), std::regex("127\\.0\\.0\\.1"), "localhost");
+    ASSERT_EQ(handOverAddress(elsewhere), 0);
+    window("The connection to localhost is not secure.* — Portal");
+    EXPECT_TRUE(isGone(dialog));
+    EXPECT_FALSE(fs::exists(kept("certificates.json")));
     ASSERT_EQ(handOverAddress(secure("expired") + "facts"), 0);
+    EXPECT_TRUE(isShown("The connection to 127.0.0.1 is not secure."));
     std::size_t before = read(requests()).size();
     ask();
     EXPECT_THAT(controls(), AllOf(HasSubstr("SHA-256: "), HasSubstr("Valid until: 2021-01-01")));
@@ -170,6 +203,20 @@ TEST_F(WebSettingsTest, ABadCertificateIsAcceptedForItsHostAlone) {
     request("/facts-seen", before);
     EXPECT_TRUE(isShown("127.0.0.1 — not verified"));
     EXPECT_THAT(read(kept("certificates.json")), HasSubstr("\"127.0.0.1\": \""));
+
+    // Without it, the engine accepts the certificate until it ends.
+    const std::string accepted = read(kept("certificates.json"));
+    press("ctrl+comma");
+    window("^Site Settings — Portal");
+    activate("Remove the certificate of 127.0.0.1");
+    EXPECT_TRUE(isShown("No certificate was accepted."));
+    press("Escape");
+    EXPECT_TRUE(isGone("^Site Settings"));
+    before = read(requests()).size();
+    ASSERT_EQ(handOverAddress(secure("expired") + "facts"), 0);
+    request("/facts-seen", before);
+    EXPECT_TRUE(isShown("127.0.0.1 — not verified"));
+    session->write(kept("certificates.json"), accepted);
 
     // It holds after a restart, and not for another certificate.
     end("Portal");
@@ -179,7 +226,7 @@ TEST_F(WebSettingsTest, ABadCertificateIsAcceptedForItsHostAlone) {
     request("/facts-seen", before);
     before = read(requests()).size();
     ASSERT_EQ(handOverAddress(secure("self") + "facts"), 0);
-    EXPECT_TRUE(isShown("Open Anyway…"));
+    EXPECT_TRUE(isShown("Open Anyway…")) << controls();
     EXPECT_THAT(read(requests()).substr(before), Not(HasSubstr("/facts")));
 }
 
@@ -212,6 +259,10 @@ TEST_F(WebSettingsTest, APasswordIsAskedForInTheHostsName) {
     // Nothing of it is left for the next start.
     end("Portal");
     ASSERT_EQ(open("Portal"), 0) << session->log();
+    ASSERT_EQ(handOver("Portal", "members"), 0);
+    window(dialog);
+    ASSERT_EQ(handOver("Portal", "facts"), 0);
+    EXPECT_TRUE(isGone(dialog)) << "nobody waits for the answer any more";
     ASSERT_EQ(handOver("Portal", "members"), 0);
     window(dialog);
     press("Escape");

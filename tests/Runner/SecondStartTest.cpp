@@ -158,6 +158,36 @@ TEST_F(SecondStartTest, AnyOtherApplicationIsNotStartedTwiceToComeToTheFront) {
     first.waitUntilExit();
 }
 
+// It locks no home that would tell that it runs.
+TEST_F(SecondStartTest, ACommandIsNotRunTwiceToComeToTheFront) {
+    InstanceConfig config = configOf(ShortcutKind::command);
+    write(at("once"),
+          "#!/bin/sh\necho once >> " + at("first").string() + "\nexec /bin/sleep 600\n");
+    makeExecutable(at("once"));
+    config.commandPath = at("once").string();
+    const fs::path clone = wrapper(config);
+    Process first = start(clone);
+    ASSERT_TRUE(waitUntil([&] { return read(at("first")) == "once\n"; }));
+    const ScopedEnvironment focus("QUORVEL_FOCUS", "1");
+    Process second = start(clone);
+    EXPECT_EQ(second.waitUntilExit(std::chrono::seconds(20)), 75) << "it has started another one";
+    second.terminate();
+    EXPECT_EQ(read(at("first")), "once\n");
+    EXPECT_EQ(log(), "");
+    EXPECT_TRUE(first.isRunning());
+    first.terminate();
+    first.waitUntilExit();
+}
+
+TEST_F(SecondStartTest, AnApplicationThatHasEndedIsNotStartedToComeToTheFront) {
+    const fs::path clone = cloneOfBrowser("exit 0");
+    const ScopedEnvironment focus("QUORVEL_FOCUS", "1");
+    Process runner = start(clone);
+    EXPECT_EQ(runner.waitUntilExit(std::chrono::seconds(20)), 75);
+    EXPECT_FALSE(fs::exists(at("first")));
+    runner.terminate();
+}
+
 TEST_F(SecondStartTest, WhatTakesOneDocumentSaysHowManyOthersWereLeftOut) {
     apps_.addScript("viewer", "echo \"$@\"");
     InstanceConfig config = configOf(ShortcutKind::app);

@@ -19,7 +19,9 @@ namespace quorvel {
 namespace {
 
 using namespace testing;
+using ::testing::AllOf;
 using ::testing::HasSubstr;
+using ::testing::Not;
 namespace fs = std::filesystem;
 
 class StatusItemTest : public RunnerFixture {
@@ -43,7 +45,15 @@ protected:
         return bundle;
     }
 
+    // Has a script take the place of the program that shows the icon.
+    void replaceProgram(const std::string& script) {
+        write(at("stand-in"), "#!/bin/sh\n" + script + "\n");
+        makeExecutable(at("stand-in"));
+        standIn_.emplace("QUORVEL_STATUS_ITEM", at("stand-in").string());
+    }
+
     ScopedEnvironment program_{"QUORVEL_STATUS_ITEM", QUORVEL_STATUS_ITEM_PROGRAM};
+    std::optional<ScopedEnvironment> standIn_{};
     std::optional<SessionBus> bus_{};
 };
 
@@ -66,6 +76,19 @@ TEST_F(StatusItemTest, ShowsTheClonesNameIconAndMenuWhileItRuns) {
     runner.terminate();
     EXPECT_EQ(runner.waitUntilExit(), 128 + SIGTERM);
     EXPECT_TRUE(waitUntil([&] { return !tray.has(item); }));
+}
+
+TEST_F(StatusItemTest, WithoutAMenuEntryItHasAPlainNameAndAUsualIcon) {
+    Tray tray;
+    const fs::path bundle = clone(true);
+    const fs::path moved = bundle.parent_path() / "A\u202eB\n\xff.app";
+    fs::rename(bundle, moved);
+    Process runner = start(moved);
+    const std::string item = tray.item();
+    EXPECT_EQ(tray.property(item, "Title"), "(<'AB'>,)");
+    EXPECT_EQ(tray.property(item, "IconName"), "(<'application-x-executable-symbolic'>,)");
+    runner.terminate();
+    runner.waitUntilExit();
 }
 
 TEST_F(StatusItemTest, QuitEndsTheClone) {
@@ -106,26 +129,49 @@ TEST_F(StatusItemTest, ItEndsWithARunnerThatIsKilled) {
     runner.waitUntilExit();
     EXPECT_TRUE(waitUntil([&] { return !tray.has(item); }));
     for (const ProcessIdentity& process : below) {
-        ::kill(process.pid, SIGKILL);
+        if (isRunning(process)) {
+            ::kill(process.pid, SIGKILL);
+        }
     }
 }
 
 TEST_F(StatusItemTest, AnyOtherCloneHasNone) {
-    InstanceConfig config = appConfig({"wait"});
-    config.menuBarIconTemplate = true;
-    Process runner = start(wrapper(config));
-    ASSERT_TRUE(waitUntil([&] { return !descendantsOf(runner.identifier()).empty(); }));
-    EXPECT_EQ(descendantsOf(runner.identifier()).size(), 1U);
+    replaceProgram("trap '' TERM; touch " + at("shown").string());
+    for (const bool isWanted : {true, false}) {
+        fs::remove(at("shown"));
+        // The target lasts until the item is there, or would be.
+        write(at("target"), "#!/bin/sh\nfor i in $(/usr/bin/seq " +
+                                std::string(isWanted ? "500" : "25") + "); do [ -e " +
+                                at("shown").string() + " ] && exit; /bin/sleep 0.02; done\n");
+        makeExecutable(at("target"));
+        InstanceConfig config = configOf(ShortcutKind::command);
+        config.commandPath = at("target").string();
+        config.menuBarIcon = isWanted;
+        config.menuBarIconTemplate = true;
+        EXPECT_EQ(run(config), 0);
+        EXPECT_EQ(fs::exists(at("shown")), isWanted);
+    }
+}
+
+TEST_F(StatusItemTest, ItDoesNotKnowTheTokenOfTheClonesStart) {
+    replaceProgram("env > " + at("part").string() + "; mv " + at("part").string() + " " +
+                   at("environment").string());
+    const ScopedEnvironment token("XDG_ACTIVATION_TOKEN", "stale-1");
+    const ScopedEnvironment startup("DESKTOP_STARTUP_ID", "stale-2");
+    const ScopedEnvironment other("QUORVEL_OTHER", "kept");
+    Process runner = start(clone());
+    ASSERT_TRUE(waitUntil([&] { return fs::exists(at("environment")); }));
+    EXPECT_THAT(read(at("environment")),
+                AllOf(HasSubstr("QUORVEL_OTHER=kept\n"), Not(HasSubstr("stale"))));
     runner.terminate();
     runner.waitUntilExit();
 }
 
 TEST_F(StatusItemTest, WithoutABusTheCloneRunsAllTheSame) {
     const ScopedEnvironment address("DBUS_SESSION_BUS_ADDRESS", "unix:path=/nonexistent/bus");
+    replaceProgram(QUORVEL_STATUS_ITEM_PROGRAM " \"$@\"; echo $? > " + at("status").string());
     Process runner = start(clone());
-    ASSERT_TRUE(waitUntil([&] { return !descendantsOf(runner.identifier()).empty(); }));
-    EXPECT_TRUE(
-        waitUntil([&] { return descendantsOf(runner.identifier()).size() == 1; })) // the target
+    EXPECT_TRUE(waitUntil([&] { return read(at("status")) == "0\n"; }))
         << "without a bus there is no tray";
     EXPECT_TRUE(runner.isRunning());
     runner.terminate();

@@ -32,10 +32,8 @@ TEST_F(CertificateExceptionsTest, OneHostAndOneCertificateAreExcepted) {
     EXPECT_TRUE(first.add("a.b", one));
     const CertificateExceptions second = store();
     EXPECT_TRUE(second.accepts("a.b", one));
-    EXPECT_TRUE(second.accepts("a.b"));
     EXPECT_FALSE(second.accepts("a.b", two)) << "another certificate";
     EXPECT_FALSE(second.accepts("x.a.b", one)) << "another host";
-    EXPECT_FALSE(second.accepts("x.a.b"));
     EXPECT_FALSE(second.accepts("a.b", ""));
 }
 
@@ -46,8 +44,19 @@ TEST_F(CertificateExceptionsTest, AnExceptionCanBeReplacedAndRemoved) {
     first.add("a.b", two);
     EXPECT_THAT(store().list(), ElementsAre(Exception{"a.b", two}, Exception{"c.d", one}));
     EXPECT_TRUE(first.remove("a.b"));
-    EXPECT_FALSE(store().accepts("a.b"));
+    EXPECT_FALSE(store().accepts("a.b", two));
     EXPECT_TRUE(store().accepts("c.d", one));
+}
+
+TEST_F(CertificateExceptionsTest, WhatTheEngineAcceptsIsKnownUntilTheEnd) {
+    CertificateExceptions first = store();
+    first.add("a.b", one);
+    EXPECT_FALSE(first.isAcceptedByEngine("a.b")) << "the host may have a better one by now";
+    first.engineAccepts("a.b");
+    first.remove("a.b");
+    EXPECT_TRUE(first.isAcceptedByEngine("a.b")) << "it forgets none";
+    EXPECT_FALSE(first.isAcceptedByEngine("x.a.b"));
+    EXPECT_FALSE(store().isAcceptedByEngine("a.b"));
 }
 
 TEST_F(CertificateExceptionsTest, ADamagedFileExceptsNothingAndIsKept) {

@@ -19,8 +19,8 @@ PasswordAsker asker(const std::string& realm = "Staff") {
 class PasswordQuestionsTest : public ::testing::Test {
 protected:
     // Asks, and notes the answer: "user:password", "none", or nothing yet.
-    void decide(const PasswordAsker& who, bool wasWrong = false) {
-        questions_.decide(who, wasWrong, [this](const std::optional<Login>& login) {
+    std::size_t decide(const PasswordAsker& who, bool wasWrong = false) {
+        return questions_.decide(who, wasWrong, [this](const std::optional<Login>& login) {
             answers_.push_back(login ? login->user + ":" + login->password : "none");
         });
     }
@@ -38,6 +38,10 @@ protected:
             ASSERT_FALSE(shown_) << "one question after the other";
             texts_.push_back(text);
             shown_ = std::move(answered);
+        },
+        [this] {
+            ASSERT_TRUE(shown_) << "no question is shown";
+            shown_ = {};
         }};
 };
 
@@ -69,6 +73,17 @@ TEST_F(PasswordQuestionsTest, EqualQuestionsAreOne) {
     EXPECT_EQ(texts_.size(), 1U);
 }
 
+TEST_F(PasswordQuestionsTest, AnAnswerForAnEncryptedConnectionIsForNoOther) {
+    PasswordAsker open = asker();
+    open.isEncrypted = false;
+    decide(asker());
+    decide(open);
+    answer(Login{"me", "secret"});
+    EXPECT_EQ(answers_, (std::vector<std::string>{"me:secret"}));
+    ASSERT_EQ(texts_.size(), 2U);
+    EXPECT_THAT(texts_.at(1).text, HasSubstr("without encryption"));
+}
+
 TEST_F(PasswordQuestionsTest, OneIsShownAfterTheOther) {
     decide(asker("one"));
     decide(asker("two"));
@@ -77,6 +92,35 @@ TEST_F(PasswordQuestionsTest, OneIsShownAfterTheOther) {
     EXPECT_EQ(texts_.size(), 2U);
     answer(Login{"me", "x"});
     EXPECT_EQ(answers_, (std::vector<std::string>{"none", "me:x"}));
+}
+
+TEST_F(PasswordQuestionsTest, AQuestionGoesWithTheLastWhoWaitsForItsAnswer) {
+    const std::size_t first = decide(asker("one"));
+    const std::size_t second = decide(asker("one"));
+    const std::size_t hidden = decide(asker("two"));
+    decide(asker("three"));
+    questions_.withdraw(first);
+    EXPECT_TRUE(shown_) << "one still waits";
+    questions_.withdraw(first);
+    questions_.withdraw(hidden);
+    EXPECT_EQ(texts_.size(), 1U);
+    questions_.withdraw(second);
+    ASSERT_EQ(texts_.size(), 2U) << "the next one is shown";
+    EXPECT_THAT(texts_.at(1).text, HasSubstr("three"));
+    answer(Login{"me", "x"});
+    EXPECT_EQ(answers_, (std::vector<std::string>{"me:x"}));
+    questions_.withdraw(hidden);
+    decide(asker("one"));
+    EXPECT_TRUE(shown_) << "it was not refused";
+    questions_.withdraw(decide(asker("one"), true));
+    EXPECT_TRUE(shown_);
+}
+
+TEST_F(PasswordQuestionsTest, WhatIsTakenBackAgainAndAgainIsNotAskedWithoutEnd) {
+    for (int attempt = 0; attempt < 10; ++attempt) {
+        questions_.withdraw(decide(asker()));
+    }
+    EXPECT_EQ(texts_.size(), 3U);
 }
 
 TEST_F(PasswordQuestionsTest, ARefusalHoldsUntilTheReset) {

@@ -107,6 +107,14 @@ TEST_F(PermissionQuestionsTest, TheTextsOfPagesAreCut) {
                                                                    "…” link with another program.");
 }
 
+TEST_F(PermissionQuestionsTest, WhatIsLiveEndsWithThePage) {
+    for (const char* kind : {"camera", "camera+microphone", "microphone", "screen", "location"}) {
+        EXPECT_TRUE(lastsUntilReload(kind)) << kind;
+    }
+    EXPECT_FALSE(lastsUntilReload("notifications"));
+    EXPECT_FALSE(lastsUntilReload(linkPermissionKind("mailto")));
+}
+
 TEST_F(PermissionQuestionsTest, EveryKindHasWords) {
     EXPECT_EQ(permissionWords("camera+microphone"), "use the camera and the microphone");
     EXPECT_EQ(permissionWords(linkPermissionKind("mailto")),

@@ -30,8 +30,10 @@ TEST(SiteHeadTest, AQuotationMayContainTheEndOfATag) {
 
 TEST(SiteHeadTest, WhatIsCutOffOrTooMuchIsNoTrouble) {
     EXPECT_EQ(siteHead("<title>Half").title, "Half");
-    for (const char* html : {"", "<", "<title", "<title>", "<link", "<link rel", "<link rel=",
-                             "<link rel='", "<link rel='icon' href='", "<link / = >", "&", "<&"}) {
+    EXPECT_EQ(siteHead("<title lang='>'>Whole</title>").title, "Whole");
+    for (const char* html :
+         {"", "<", "<title", "<title>", "<title ", "<title lang='x", "<link", "<link rel",
+          "<link rel=", "<link rel='", "<link rel='icon' href='", "<link / = >", "&", "<&"}) {
         EXPECT_EQ(siteHead(html).title, "") << html;
         EXPECT_THAT(siteHead(html).icons, IsEmpty()) << html;
     }

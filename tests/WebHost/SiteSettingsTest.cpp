@@ -125,6 +125,11 @@ TEST_F(SiteSettingsTest, ARuleIsForAHostAndThoseBelow) {
     EXPECT_EQ(ruleFor(settings, "b.c"), std::nullopt);
 }
 
+TEST_F(SiteSettingsTest, ARuleWrittenByHandMayHaveCapitals) {
+    write(file(), R"({"links":{"Example.COM":"outside"}})");
+    EXPECT_EQ(ruleFor(store().settings(), "www.example.com"), LinkPlace::outside);
+}
+
 TEST_F(SiteSettingsTest, WhatTheUserTypesIsUnderstood) {
     EXPECT_EQ(ruleHost("Example.COM"), "example.com");
     EXPECT_EQ(ruleHost(" https://example.com:81/x?y "), "example.com");

@@ -1,8 +1,12 @@
+#include "LaunchKit/Icons/IcnsWriter.h"
 #include "tests/QuorvelApp/WindowFixture.h"
+#include "tests/support/IconArtwork.h"
 
 #include <QComboBox>
 #include <QTest>
 #include <QToolTip>
+
+#include <array>
 
 namespace quorvel::testing {
 namespace {
@@ -141,6 +145,51 @@ TEST_F(TargetPaneTest, ASiteIsAskedForItsIconAndTitleOnlyAtTheButton) {
     EXPECT_EQ(sheet.session().form().cloneName, "Mail for all!");
     EXPECT_FALSE(sheet.session().form().askingSite);
     stubs.model().setLastError(std::nullopt);
+}
+
+TEST_F(TargetPaneTest, AnIconThatWasChosenOutlivesTheNextRequest) {
+    stubs.previewSite = [](const std::string& address, const std::filesystem::path& place) {
+        if (address == "mail.test") {
+            write(place / "site.icns", icnsFile(std::array{icnsChunk(chatIcon(64))}));
+            return SitePreview{"Mail", place / "site.icns"};
+        }
+        throw SitePreviewError("nobody answers");
+    };
+    open();
+    NewCloneView& sheet = openSheet();
+    const NewCloneForm& form = sheet.session().form();
+    button(u"Web App"_s)->click();
+    QTest::keyClicks(field(u"Website URL"_s), u"mail.test"_s);
+    button(u"Get Icon and Title"_s)->click();
+    ASSERT_TRUE(eventually([&] { return sheet.session().checkedIcon().has_value(); }));
+    QTest::keyClicks(field(u"Website URL"_s), u"x"_s);
+    button(u"Get Icon and Title"_s)->click();
+    ASSERT_TRUE(eventually([&] { return stubs.model().lastError().has_value(); }));
+    stubs.model().setLastError(std::nullopt);
+    ASSERT_TRUE(form.customIcon);
+    EXPECT_TRUE(std::filesystem::exists(*form.customIcon)) << "it is still what the clone will get";
+}
+
+TEST_F(TargetPaneTest, WithoutATemporaryFolderNoSiteIsAsked) {
+    stubs.previewSite = [](const std::string&, const std::filesystem::path&) {
+        return SitePreview{"Mail", std::nullopt};
+    };
+    open();
+    NewCloneView& sheet = openSheet();
+    button(u"Web App"_s)->click();
+    QTest::keyClicks(field(u"Website URL"_s), u"mail.test"_s);
+    {
+        const ScopedEnvironment folder("TMPDIR", "/nonexistent");
+        button(u"Get Icon and Title"_s)->click();
+    }
+    EXPECT_EQ(stubs.model().lastError(),
+              "Couldn't ask the site: no folder can be made for its icon");
+    EXPECT_FALSE(sheet.session().form().askingSite);
+    EXPECT_EQ(stubs.sitesAsked, 0);
+    stubs.model().setLastError(std::nullopt);
+    button(u"Get Icon and Title"_s)->click();
+    EXPECT_TRUE(eventually([&] { return stubs.sitesAsked == 1; })) << "there is one again";
+    EXPECT_TRUE(eventually([&] { return !sheet.session().form().askingSite; }));
 }
 
 TEST_F(TargetPaneTest, AnAnswerAboutAnotherSiteIsIgnored) {
