@@ -120,7 +120,7 @@ bool isAttachment(NSURLResponse* response) {
         _state->showStatus(quorvel::offlinePage(address, failure.reason), address);
         return;
     case quorvel::LoadFailure::Case::certificate:
-        _state->showStatus(quorvel::certificatePage(address, failure.reason), address);
+        _state->showStatus(quorvel::certificatePage(address, failure.reason, {}), address);
         return;
     }
 }

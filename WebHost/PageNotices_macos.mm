@@ -131,7 +131,8 @@ UNMutableNotificationContent* contentOf(NSDictionary* notice) {
     }
     __weak QuorvelPageNotices* const weakSelf = self;
     [page decide:noticeKind
-            text:quorvel::hostOf([page address]) + " wants to show notifications."
+            text:quorvel::hostOf([page address]) + " wants to " +
+                 quorvel::permissionWords(noticeKind) + "."
             done:[weakSelf](bool isAllowed) {
                 [weakSelf tellPermission];
                 if (isAllowed) {

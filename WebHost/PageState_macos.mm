@@ -110,7 +110,7 @@ void PageState::openOutside(const std::string& address) {
 void PageState::openOther(const std::string& address) {
     const std::string scheme = schemeOf(address);
     const std::string origin = originOf(this->address());
-    questions_.decide(origin.empty() ? "other" : origin, "open-" + scheme,
+    questions_.decide(origin.empty() ? "other" : origin, linkPermissionKind(scheme),
                       otherProgramQuestion(hostOf(this->address()), scheme),
                       [this, address](bool isAllowed) {
                           if (isAllowed) {
