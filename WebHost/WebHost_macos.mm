@@ -271,6 +271,7 @@ void log(const std::string& message) {
             [weakSelf openAddress:handover.address];
         });
     [_main.window present];
+    quorvel::removeAbandonedStores();
     _options.started();
 }
 

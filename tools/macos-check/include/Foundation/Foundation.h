@@ -119,7 +119,8 @@ typedef struct {
 @end
 
 @interface NSUUID : NSObject
-- (instancetype)initWithUUIDBytes:(const unsigned char[_Nullable 16])bytes SINCE_MACOS(10.8);
+- (nullable instancetype)initWithUUIDString:(NSString*)text SINCE_MACOS(10.8);
+@property(readonly, copy) NSString* UUIDString SINCE_MACOS(10.8);
 @end
 
 @interface NSUserDefaults : NSObject
