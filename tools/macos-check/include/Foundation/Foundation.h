@@ -24,7 +24,6 @@ static const NSInteger NSNotFound = __LONG_MAX__;
 + (nullable instancetype)stringWithUTF8String:(const char*)text;
 @property(nullable, readonly) const char* UTF8String;
 @property(readonly) NSUInteger length;
-@property(readonly) long long longLongValue SINCE_MACOS(10.5);
 @property(readonly, copy) NSString* lowercaseString;
 - (BOOL)isEqualToString:(NSString*)other;
 - (NSString*)stringByAppendingString:(NSString*)other;
@@ -34,7 +33,6 @@ static const NSInteger NSNotFound = __LONG_MAX__;
 
 @interface NSNumber : NSObject
 @property(readonly) double doubleValue;
-@property(readonly) long long longLongValue;
 @end
 
 @class NSSet<Element>;
