@@ -1,6 +1,7 @@
 #include "WebHost/PageState_macos.h"
 
 #include "WebHost/NSText_macos.h"
+#include "WebHost/PasswordQuestion_macos.h"
 #include "WebHost/StatusPages.h"
 #include "WebHost/WebAddress.h"
 
@@ -14,7 +15,8 @@ PageState::PageState(WKWebView* view, QuorvelWindow* window, const PageServices&
       questions_(
           *services.permissions,
           [this](HostQuestion question) { return [window_ ask:std::move(question)] == YES; },
-          [this] { usedVisit(); }) {}
+          [this] { usedVisit(); }),
+      passwords_(newPasswordQuestions(window)) {}
 
 void PageState::load(const std::string& address) {
     NSURL* const target = [NSURL URLWithString:nsText(address)];
@@ -46,6 +48,7 @@ void PageState::committed() {
     if (visit_.begins(hostOf(address()), window_.gestures)) {
         dialogs_.reset();
         questions_.reset();
+        passwords_->reset();
     }
     [window_ updateLocation:address()];
     callbacks_.titleChanged();
