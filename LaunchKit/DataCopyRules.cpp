@@ -1,6 +1,7 @@
 #include "LaunchKit/DataCopyRules.h"
 
 #include "Base/CloneLayout.h"
+#include "Base/WebCloneLayout.h"
 #include "LaunchKit/HomeLock.h"
 #include "Platform/files/FolderWalk.h"
 #include "Platform/files/RegularFile.h"
@@ -117,7 +118,8 @@ bool isInUse(int folder, const char* name) {
 
 bool staysBehind(const CopiedItem& item) {
     if (item.path == homeLockName || item.path == copiedMarkName || item.path == linkFolderName ||
-        isLog(item.path) || (contains(alwaysLocks, item.name) && !S_ISDIR(item.facts.st_mode))) {
+        item.path == webStoreName || isLog(item.path) ||
+        (contains(alwaysLocks, item.name) && !S_ISDIR(item.facts.st_mode))) {
         return true;
     }
     if (S_ISREG(item.facts.st_mode)) {

@@ -18,10 +18,3 @@
 /// Enables the buttons that do something now.
 - (void)update;
 @end
-
-namespace quorvel {
-
-/// Returns where a page at that address comes from, as its window says it.
-[[nodiscard]] std::string shownHost(const std::string& address);
-
-} // namespace quorvel

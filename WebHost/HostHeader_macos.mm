@@ -1,21 +1,9 @@
 #include "WebHost/HostHeader_macos.h"
 
-#include "Base/TerminalText.h"
 #include "WebHost/HostMenu_macos.h"
 #include "WebHost/NSText_macos.h"
-#include "WebHost/WebAddress.h"
+#include "WebHost/PageTitle.h"
 #include "WebHost/WindowBars_macos.h"
-
-namespace quorvel {
-
-std::string shownHost(const std::string& address) {
-    const std::string host = hostOf(address);
-    // Without encryption, whoever is on the way can read and change the page.
-    const bool isOpen = schemeOf(address) == "http" && !isThisComputer(host);
-    return withoutUnsafe(host) + (isOpen ? " — not encrypted" : "");
-}
-
-} // namespace quorvel
 
 @implementation QuorvelHostHeader {
     WKWebView* __weak _page;
@@ -62,7 +50,7 @@ std::string shownHost(const std::string& address) {
 }
 
 - (void)showAddress:(const std::string&)address {
-    _host.stringValue = quorvel::nsText(quorvel::shownHost(address));
+    _host.stringValue = quorvel::nsText(quorvel::shownHost(address, false));
 }
 
 - (void)update {

@@ -36,7 +36,7 @@ struct WindowActions {
 - (void)setTitle:(const std::string&)windowTitle pageTitle:(const std::string&)pageTitle;
 /// Shows the host of the page at that address, and whether it can be navigated.
 - (void)updateLocation:(const std::string&)address;
-/// Returns NO if too many questions wait.
+/// Returns NO if too many questions wait, and this one is not urgent.
 - (BOOL)ask:(quorvel::HostQuestion)question;
 /// Shows what is being downloaded; `cancelled` may be empty. An empty text hides the bar.
 - (void)showDownloads:(const std::string&)text cancelled:(std::function<void()>)cancelled;

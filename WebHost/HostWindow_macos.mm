@@ -6,6 +6,7 @@
 #include "WebHost/HostMenu_macos.h"
 #include "WebHost/MessagePanel_macos.h"
 #include "WebHost/NSText_macos.h"
+#include "WebHost/PageTitle.h"
 #include "WebHost/WindowBars_macos.h"
 
 #include <algorithm>
@@ -117,7 +118,7 @@ NSWindow* newWindow(const quorvel::WindowState& state) {
 
 - (void)updateLocation:(const std::string&)address {
     _address = address;
-    _window.subtitle = quorvel::nsText(quorvel::shownHost(address));
+    _window.subtitle = quorvel::nsText(quorvel::shownHost(address, false));
     [_header showAddress:address];
     [_header update];
 }

@@ -9,7 +9,6 @@ namespace quorvel {
 /// What a page wants to record with.
 struct MediaWish {
     std::string kind{};    ///< the word by which the answer is kept
-    std::string text{};    ///< the end of the question
     std::string problem{}; ///< why it can't be granted, as a message; or empty
 };
 

@@ -1,6 +1,7 @@
 #include "WebHost/MediaWish_macos.h"
 
 #include "WebHost/NSText_macos.h"
+#include "WebHost/PermissionQuestions.h"
 #include "WebHost/WebAddress.h"
 
 namespace quorvel {
@@ -11,24 +12,27 @@ bool hasWordsFor(NSString* key) {
     return [[NSBundle.mainBundle objectForInfoDictionaryKey:key] isKindOfClass:[NSString class]];
 }
 
-bool canAskFor(WKMediaCaptureType type) {
-    const bool usesCamera = type != WKMediaCaptureTypeMicrophone;
-    const bool usesMicrophone = type != WKMediaCaptureTypeCamera;
-    return (!usesCamera || hasWordsFor(@"NSCameraUsageDescription")) &&
-           (!usesMicrophone || hasWordsFor(@"NSMicrophoneUsageDescription"));
+NSString* missingWords(WKMediaCaptureType type) {
+    NSString* const camera = @"NSCameraUsageDescription";
+    NSString* const microphone = @"NSMicrophoneUsageDescription";
+    if (type != WKMediaCaptureTypeMicrophone && !hasWordsFor(camera)) {
+        return camera;
+    }
+    return type != WKMediaCaptureTypeCamera && !hasWordsFor(microphone) ? microphone : nil;
 }
 
 } // namespace
 
 MediaWish mediaWishOf(WKMediaCaptureType type) {
-    MediaWish wish{"camera+microphone", "use the camera and the microphone"};
+    MediaWish wish{"camera+microphone"};
     if (type == WKMediaCaptureTypeCamera) {
-        wish = {"camera", "use the camera"};
+        wish.kind = "camera";
     } else if (type == WKMediaCaptureTypeMicrophone) {
-        wish = {"microphone", "use the microphone"};
+        wish.kind = "microphone";
     }
-    if (!canAskFor(type)) {
-        wish.problem = "This clone can’t use camera and microphone. Create it again";
+    if (NSString* const missing = missingWords(type)) {
+        wish.problem = "This clone can’t " + permissionWords(wish.kind) +
+                       ": its Info.plist has no " + textOf(missing);
     }
     return wish;
 }

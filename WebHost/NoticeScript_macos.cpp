@@ -71,13 +71,26 @@ const char* const noticePageScript = R"((() => {
   send({kind: 'state'});
 })();)";
 
-const char* const noticeListenerScript =
-    R"(document.addEventListener('quorvel-notice', event => {
-  if (typeof event.detail === 'string' && event.detail.length <= 10000)
-    window.webkit.messageHandlers.notice.postMessage(JSON.parse(event.detail));
-});)";
+// Each document counts its notifications from 1, so that the system knows them by a name that
+// begins with the document's own. Pages can't see it, and have none but their own.
+const char* const noticeListenerScript = R"((() => {
+  const own = [...crypto.getRandomValues(new Uint32Array(3))].join('.');
+  globalThis.quorvelNoticeDocument = own;
+  document.addEventListener('quorvel-notice', event => {
+    if (typeof event.detail !== 'string' || event.detail.length > 10000) return;
+    const notice = {...JSON.parse(event.detail)};
+    notice.name = own + '.' + (Math.trunc(notice.id) || 0);
+    window.webkit.messageHandlers.notice.postMessage(notice);
+  });
+})();)";
 
-const char* const noticeAnswerScript =
-    R"(document.dispatchEvent(new CustomEvent('quorvel-notice-answer', {detail: answer}));)";
+const char* const noticeAnswerScript = R"(const {name, ...told} = JSON.parse(answer);
+if (name) {
+  const end = name.lastIndexOf('.');
+  if (name.slice(0, end) !== globalThis.quorvelNoticeDocument) return;
+  told.id = Number(name.slice(end + 1));
+}
+document.dispatchEvent(
+  new CustomEvent('quorvel-notice-answer', {detail: JSON.stringify(told)}));)";
 
 } // namespace quorvel

@@ -120,7 +120,7 @@ bool isAttachment(NSURLResponse* response) {
         _state->showStatus(quorvel::offlinePage(address, failure.reason), address);
         return;
     case quorvel::LoadFailure::Case::certificate:
-        _state->showStatus(quorvel::certificatePage(address, failure.reason), address);
+        _state->showStatus(quorvel::certificatePage(address, failure.reason, {}), address);
         return;
     }
 }
@@ -153,11 +153,15 @@ bool isAttachment(NSURLResponse* response) {
     const quorvel::PasswordAnswer answer = quorvel::answerOnce(
         completionHandler, NSURLSessionAuthChallengeCancelAuthenticationChallenge, nil);
     (void)view;
-    QuorvelWindow* const window = _state->window();
-    if (window == nil) {
-        return;
-    }
-    quorvel::answerChallenge(challenge, window.window, answer);
+    const std::weak_ptr<quorvel::PageState> state = _state;
+    quorvel::answerChallenge(
+        challenge, _state->passwords(), quorvel::hostOf(_state->address()),
+        [state] {
+            if (const auto page = state.lock()) {
+                page->usedVisit();
+            }
+        },
+        answer);
 }
 
 @end

@@ -25,6 +25,12 @@ std::string jsonOf(const std::string& key, const std::string& value) {
     return "\"" + key + "\":\"" + value + "\"";
 }
 
+bool isName(const std::string& text) {
+    constexpr std::size_t longest = 64;
+    return !text.empty() && text.size() <= longest &&
+           text.find_first_not_of("0123456789.") == std::string::npos;
+}
+
 UNMutableNotificationContent* contentOf(NSDictionary* notice) {
     UNMutableNotificationContent* const content = [[UNMutableNotificationContent alloc] init];
     content.title =
@@ -81,22 +87,16 @@ UNMutableNotificationContent* contentOf(NSDictionary* notice) {
     }
     NSDictionary* const notice = (NSDictionary*)message.body;
     const std::string kind = quorvel::textIn(notice[@"kind"]);
-    const id number = notice[@"id"];
-    const long long identifier =
-        [number isKindOfClass:[NSNumber class]] ? ((NSNumber*)number).longLongValue : 0;
+    const std::string name = quorvel::textIn(notice[@"name"]);
     if (kind == "state") {
         [self tellPermission];
     } else if (kind == "ask") {
         [self askOn:page];
-    } else if (kind == "show") {
-        [self show:notice identifier:identifier];
-    } else if (kind == "close") {
-        [_center removeDeliveredNotificationsWithIdentifiers:@[ [self nameOf:identifier] ]];
+    } else if (kind == "show" && isName(name)) {
+        [self show:notice name:name];
+    } else if (kind == "close" && isName(name)) {
+        [_center removeDeliveredNotificationsWithIdentifiers:@[ quorvel::nsText(name) ]];
     }
-}
-
-- (NSString*)nameOf:(long long)identifier {
-    return quorvel::nsText(std::to_string(identifier));
 }
 
 // The text consists of our own words and numbers only.
@@ -109,8 +109,8 @@ UNMutableNotificationContent* contentOf(NSDictionary* notice) {
           completionHandler:nil];
 }
 
-- (void)tellEvent:(const char*)event identifier:(long long)identifier {
-    [self tell:jsonOf("event", event) + ",\"id\":" + std::to_string(identifier)];
+- (void)tellEvent:(const char*)event name:(const std::string&)name {
+    [self tell:jsonOf("event", event) + "," + jsonOf("name", name)];
 }
 
 - (std::optional<bool>)answer {
@@ -131,7 +131,8 @@ UNMutableNotificationContent* contentOf(NSDictionary* notice) {
     }
     __weak QuorvelPageNotices* const weakSelf = self;
     [page decide:noticeKind
-            text:quorvel::hostOf([page address]) + " wants to show notifications."
+            text:quorvel::hostOf([page address]) + " wants to " +
+                 quorvel::permissionWords(noticeKind) + "."
             done:[weakSelf](bool isAllowed) {
                 [weakSelf tellPermission];
                 if (isAllowed) {
@@ -149,28 +150,31 @@ UNMutableNotificationContent* contentOf(NSDictionary* notice) {
                            }];
 }
 
-- (void)show:(NSDictionary*)notice identifier:(long long)identifier {
+- (void)show:(NSDictionary*)notice name:(const std::string&)name {
     if (_center == nil || [self answer] != true || !_cap->admits(quorvel::FloodClock::now())) {
-        [self tellEvent:"error" identifier:identifier];
+        [self tellEvent:"error" name:name];
         return;
     }
     UNNotificationRequest* const request =
-        [UNNotificationRequest requestWithIdentifier:[self nameOf:identifier]
+        [UNNotificationRequest requestWithIdentifier:quorvel::nsText(name)
                                              content:contentOf(notice)
                                              trigger:nil];
     __weak QuorvelPageNotices* const weakSelf = self;
+    const std::string asked = name;
     [_center addNotificationRequest:request
               withCompletionHandler:^(NSError* error) {
                 // On a queue of the system's.
                 dispatch_async(dispatch_get_main_queue(), ^{
-                  [weakSelf tellEvent:error == nil ? "show" : "error" identifier:identifier];
+                  [weakSelf tellEvent:error == nil ? "show" : "error" name:asked];
                 });
               }];
 }
 
-- (void)clicked:(long long)identifier {
+- (void)clicked:(const std::string&)name {
     _callbacks.clicked();
-    [self tellEvent:"click" identifier:identifier];
+    if (isName(name)) {
+        [self tellEvent:"click" name:name];
+    }
 }
 
 - (void)userNotificationCenter:(UNUserNotificationCenter*)center
@@ -188,10 +192,10 @@ UNMutableNotificationContent* contentOf(NSDictionary* notice) {
              withCompletionHandler:(void (^)(void))completionHandler {
     const auto answer = quorvel::answerOnce(completionHandler);
     (void)center;
-    const long long identifier = response.notification.request.identifier.longLongValue;
+    const std::string name = quorvel::textOf(response.notification.request.identifier);
     __weak QuorvelPageNotices* const weakSelf = self;
     dispatch_async(dispatch_get_main_queue(), ^{
-      [weakSelf clicked:identifier];
+      [weakSelf clicked:name];
       answer();
     });
 }

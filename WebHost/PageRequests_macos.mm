@@ -116,7 +116,8 @@
         return;
     }
     _state->questions().decide(
-        asking, wish.kind, quorvel::hostOf(asking) + " wants to " + wish.text + ".",
+        asking, wish.kind,
+        quorvel::hostOf(asking) + " wants to " + quorvel::permissionWords(wish.kind) + ".",
         [answer](bool isAllowed) {
             answer(isAllowed ? WKPermissionDecisionGrant : WKPermissionDecisionDeny);
         });

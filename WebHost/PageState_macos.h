@@ -4,12 +4,14 @@
 #include "WebHost/HostWindow_macos.h"
 #include "WebHost/LinkRouting.h"
 #include "WebHost/OutsideOpener_macos.h"
+#include "WebHost/PasswordQuestions.h"
 #include "WebHost/PermissionQuestions.h"
 #include "WebHost/ShownAddress.h"
 
 #import <WebKit/WebKit.h>
 
 #include <functional>
+#include <memory>
 #include <string>
 
 namespace quorvel {
@@ -49,6 +51,7 @@ public:
     [[nodiscard]] const PageServices& services() const { return services_; }
     [[nodiscard]] const PageCallbacks& callbacks() const { return callbacks_; }
     [[nodiscard]] PermissionQuestions& questions() { return questions_; }
+    [[nodiscard]] PasswordQuestions& passwords() { return *passwords_; }
     [[nodiscard]] DialogCap& dialogs() { return dialogs_; }
     [[nodiscard]] bool isPopup() const { return !callbacks_.home; }
     /// Returns the address of the page that is shown, and not of one that is on its way.
@@ -86,6 +89,7 @@ private:
     const PageServices& services_;
     PageCallbacks callbacks_;
     PermissionQuestions questions_;
+    std::shared_ptr<PasswordQuestions> passwords_;
     DialogCap dialogs_{};
     ShownAddress shown_{};
     PageVisit visit_{};

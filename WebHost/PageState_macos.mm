@@ -1,6 +1,7 @@
 #include "WebHost/PageState_macos.h"
 
 #include "WebHost/NSText_macos.h"
+#include "WebHost/PasswordQuestion_macos.h"
 #include "WebHost/StatusPages.h"
 #include "WebHost/WebAddress.h"
 
@@ -14,7 +15,8 @@ PageState::PageState(WKWebView* view, QuorvelWindow* window, const PageServices&
       questions_(
           *services.permissions,
           [this](HostQuestion question) { return [window_ ask:std::move(question)] == YES; },
-          [this] { usedVisit(); }) {}
+          [this] { usedVisit(); }),
+      passwords_(newPasswordQuestions(window)) {}
 
 void PageState::load(const std::string& address) {
     NSURL* const target = [NSURL URLWithString:nsText(address)];
@@ -46,6 +48,7 @@ void PageState::committed() {
     if (visit_.begins(hostOf(address()), window_.gestures)) {
         dialogs_.reset();
         questions_.reset();
+        passwords_->reset();
     }
     [window_ updateLocation:address()];
     callbacks_.titleChanged();
@@ -110,7 +113,7 @@ void PageState::openOutside(const std::string& address) {
 void PageState::openOther(const std::string& address) {
     const std::string scheme = schemeOf(address);
     const std::string origin = originOf(this->address());
-    questions_.decide(origin.empty() ? "other" : origin, "open-" + scheme,
+    questions_.decide(origin.empty() ? "other" : origin, linkPermissionKind(scheme),
                       otherProgramQuestion(hostOf(this->address()), scheme),
                       [this, address](bool isAllowed) {
                           if (isAllowed) {

@@ -46,7 +46,7 @@ std::string popupTitle(std::string_view address, std::string_view rawTitle,
 }
 
 std::string shownHost(std::string_view address, bool isExcepted) {
-    const std::string host = hostOf(address);
+    const std::string host = withoutUnsafe(hostOf(address));
     const std::string scheme = schemeOf(address);
     if (scheme == "https" && isExcepted) {
         return host + " — not verified";

@@ -1,16 +1,26 @@
 #pragma once
 
+#include "WebHost/HostWindow_macos.h"
 #include "WebHost/OneAnswer.h"
+#include "WebHost/PasswordQuestions.h"
 
 #import <AppKit/AppKit.h>
+
+#include <memory>
+#include <string>
 
 namespace quorvel {
 
 using PasswordAnswer = OneAnswer<NSURLSessionAuthChallengeDisposition, NSURLCredential*>;
 
-/// Asks the user for the name and password that a server wants, a few times; what is entered lasts
-/// as long as the process. Everything else that can be asked, the system answers.
-void answerChallenge(NSURLAuthenticationChallenge* challenge, NSWindow* window,
+/// Returns questions that are shown as sheets of that window; once it has ended, they are refused.
+[[nodiscard]] std::shared_ptr<PasswordQuestions> newPasswordQuestions(QuorvelWindow* window);
+
+/// Answers what a server wants: a name and password are the user's to give, and last as long as the
+/// process. Certificates and tickets of the user are not given to servers, since the keychain is
+/// shared by all clones. `refused` is called if the user gives no password.
+void answerChallenge(NSURLAuthenticationChallenge* challenge, PasswordQuestions& questions,
+                     const std::string& pageHost, const std::function<void()>& refused,
                      const PasswordAnswer& answer);
 
 } // namespace quorvel

@@ -1,12 +1,9 @@
 #include "WebHost/PasswordQuestion_macos.h"
 
-#include "Base/TerminalText.h"
 #include "WebHost/NSText_macos.h"
 
 namespace quorvel {
 namespace {
-
-constexpr NSInteger mostAttempts = 3;
 
 bool wantsPassword(NSURLProtectionSpace* space) {
     NSArray<NSString*>* const methods = @[
@@ -16,14 +13,17 @@ bool wantsPassword(NSURLProtectionSpace* space) {
     return [methods containsObject:space.authenticationMethod] == YES;
 }
 
-// The server's own words come last, and in quotes.
-std::string explanation(NSURLProtectionSpace* space, bool isRepeated) {
-    constexpr std::size_t longestRealm = 100;
-    std::string text = isRepeated ? "That was not accepted. " : "";
-    text += space.receivesCredentialSecurely ? "The password is sent encrypted."
-                                             : "The password can be read on the way.";
-    const std::string realm = withoutUnsafe(textOf(space.realm), longestRealm);
-    return realm.empty() ? text : text + " The server calls the place “" + realm + "”.";
+bool wantsProofOfServer(NSURLProtectionSpace* space) {
+    return [space.authenticationMethod isEqualToString:NSURLAuthenticationMethodServerTrust] == YES;
+}
+
+PasswordAsker askerOf(NSURLProtectionSpace* space, const std::string& pageHost) {
+    return {.host = textOf(space.host),
+            .port = space.port > 0 ? static_cast<unsigned>(space.port) : 0,
+            .realm = textOf(space.realm),
+            .isProxy = space.isProxy == YES,
+            .isEncrypted = [space.protocol isEqualToString:NSURLProtectionSpaceHTTPS] == YES,
+            .pageHost = pageHost};
 }
 
 struct Fields {
@@ -47,44 +47,84 @@ Fields newFields() {
     return {name, password, view};
 }
 
-void ask(NSURLAuthenticationChallenge* challenge, NSWindow* window, const PasswordAnswer& answer) {
-    NSURLProtectionSpace* const space = challenge.protectionSpace;
+// `answered` gets std::nullopt if it is cancelled, and `isOver` is set if the window ends.
+void ask(NSWindow* window, const PasswordText& text, const std::shared_ptr<bool>& isOver,
+         const PasswordQuestions::Answered& answered) {
     const Fields fields = newFields();
     NSAlert* const alert = [[NSAlert alloc] init];
-    const std::string host = withoutUnsafe(textOf(space.host)) + ":" + std::to_string(space.port);
-    alert.messageText = nsText((space.isProxy ? "The proxy " : "") + host + " wants a password");
-    alert.informativeText = nsText(explanation(space, challenge.previousFailureCount > 0));
+    alert.messageText = nsText(text.heading);
+    alert.informativeText = nsText(text.text);
     alert.accessoryView = fields.view;
-    [alert addButtonWithTitle:@"Sign In"];
+    [alert addButtonWithTitle:@"Log In"];
     [alert addButtonWithTitle:@"Cancel"];
     alert.window.initialFirstResponder = fields.name;
-    const PasswordAnswer given = answer;
+    const auto given = answered;
+    const auto over = isOver;
     [alert beginSheetModalForWindow:window
                   completionHandler:^(NSModalResponse response) {
-                    if (response != NSAlertFirstButtonReturn) {
-                        given(NSURLSessionAuthChallengeCancelAuthenticationChallenge, nil);
-                        return;
-                    }
-                    // The keychain is shared by all clones.
-                    NSURLCredential* const credential =
-                        [NSURLCredential credentialWithUser:fields.name.stringValue
-                                                   password:fields.password.stringValue
-                                                persistence:NSURLCredentialPersistenceForSession];
-                    given(NSURLSessionAuthChallengeUseCredential, credential);
+                    *over = *over || response == NSModalResponseAbort;
+                    given(response == NSAlertFirstButtonReturn
+                              ? std::optional(Login{textOf(fields.name.stringValue),
+                                                    textOf(fields.password.stringValue)})
+                              : std::nullopt);
                   }];
+}
+
+void give(const std::optional<Login>& login, const PasswordAnswer& answer) {
+    if (!login) {
+        answer(NSURLSessionAuthChallengeCancelAuthenticationChallenge, nil);
+        return;
+    }
+    // The keychain is shared by all clones.
+    answer(NSURLSessionAuthChallengeUseCredential,
+           [NSURLCredential credentialWithUser:nsText(login->user)
+                                      password:nsText(login->password)
+                                   persistence:NSURLCredentialPersistenceForSession]);
 }
 
 } // namespace
 
-void answerChallenge(NSURLAuthenticationChallenge* challenge, NSWindow* window,
+std::shared_ptr<PasswordQuestions> newPasswordQuestions(QuorvelWindow* window) {
+    __weak QuorvelWindow* const weakWindow = window;
+    const auto isOver = std::make_shared<bool>(false);
+    const auto self = std::make_shared<std::weak_ptr<PasswordQuestions>>();
+    auto questions = std::make_shared<PasswordQuestions>(
+        [weakWindow, isOver, self](const PasswordText& text, PasswordQuestions::Answered answered) {
+            QuorvelWindow* const asking = weakWindow;
+            if (asking == nil || *isOver) {
+                answered(std::nullopt);
+                return;
+            }
+            // A sheet may be answered when the page is gone.
+            ask(asking.window, text, isOver,
+                [kept = self->lock(), answered](const std::optional<Login>& login) {
+                    answered(login);
+                });
+        });
+    *self = questions;
+    return questions;
+}
+
+void answerChallenge(NSURLAuthenticationChallenge* challenge, PasswordQuestions& questions,
+                     const std::string& pageHost, const std::function<void()>& refused,
                      const PasswordAnswer& answer) {
-    if (!wantsPassword(challenge.protectionSpace)) {
+    NSURLProtectionSpace* const space = challenge.protectionSpace;
+    if (wantsProofOfServer(space)) {
         answer(NSURLSessionAuthChallengePerformDefaultHandling, nil);
-    } else if (challenge.previousFailureCount < mostAttempts) {
-        ask(challenge, window, answer);
-    } else {
-        answer(NSURLSessionAuthChallengeCancelAuthenticationChallenge, nil);
+        return;
     }
+    if (!wantsPassword(space)) {
+        // The server may do without.
+        answer(NSURLSessionAuthChallengeRejectProtectionSpace, nil);
+        return;
+    }
+    questions.decide(askerOf(space, pageHost), challenge.previousFailureCount > 0,
+                     [answer, refused](const std::optional<Login>& login) {
+                         if (!login) {
+                             refused();
+                         }
+                         give(login, answer);
+                     });
 }
 
 } // namespace quorvel

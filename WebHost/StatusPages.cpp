@@ -74,8 +74,8 @@ std::string certificatePage(std::string_view address, std::string_view reason,
                             std::string_view details) {
     return htmlOf({"The connection to " + hostOf(address) + " is not secure",
                    std::string(reason) +
-                       " Someone may be intercepting it. The page was not opened.\n\n" +
-                       std::string(details),
+                       " Someone may be intercepting it. The page was not opened." +
+                       (details.empty() ? "" : "\n\n" + std::string(details)),
                    "Try Again", address});
 }
 

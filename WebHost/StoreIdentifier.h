@@ -1,13 +1,26 @@
 #pragma once
 
-#include <array>
-#include <cstdint>
-#include <string_view>
+#include <filesystem>
+#include <functional>
+#include <string>
+#include <vector>
 
+/// The stores in which the system, and not the data folder, keeps a clone's web data.
 namespace quorvel {
 
-/// Returns the 16 bytes of the UUID by which the system keeps the web data of the clone with that
-/// data folder. It depends on the folder's path, so that a copy of a folder has data of its own.
-[[nodiscard]] std::array<std::uint8_t, 16> storeIdentifier(std::string_view home);
+/// Returns the data folder that a store was opened for last; an empty text if that is unknown.
+using StoreOwner = std::function<std::string(const std::string& store)>;
+
+/// Returns the UUID of the store of the clone with that data folder, from a file in it, so that it
+/// goes with the folder and a new clone never finds what another one left. It is a new one if there
+/// is none, or if the folder is a copy of one that is still there. Throws `PlatformError` if it
+/// can't be kept.
+[[nodiscard]] std::string storeIdentifier(const std::filesystem::path& home,
+                                          const StoreOwner& ownerOf);
+
+/// Returns those of the stores whose data folder is removed, or has another store by now. What is
+/// not known for certain is not among them: a folder on a disk that is not connected, say.
+[[nodiscard]] std::vector<std::string> abandonedStores(const std::vector<std::string>& stores,
+                                                       const StoreOwner& ownerOf);
 
 } // namespace quorvel

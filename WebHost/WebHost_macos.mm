@@ -271,6 +271,7 @@ void log(const std::string& message) {
             [weakSelf openAddress:handover.address];
         });
     [_main.window present];
+    quorvel::removeAbandonedStores();
     _options.started();
 }
 
@@ -313,11 +314,15 @@ void log(const std::string& message) {
     [_main.window present];
     __weak QuorvelHost* const weakSelf = self;
     if (!_isLeavingAsked) {
-        _isLeavingAsked =
-            [_main.window ask:{"Files are being downloaded.", "Cancel Them and Quit",
-                               "Keep Downloading", [weakSelf](std::optional<bool> isMeant) {
-                                   [weakSelf leavingAnswered:isMeant == true];
-                               }}];
+        // Pages must not prevent it with questions of their own.
+        _isLeavingAsked = [_main.window ask:{.text = "Files are being downloaded.",
+                                             .yes = "Cancel Them and Quit",
+                                             .no = "Keep Downloading",
+                                             .answered =
+                                                 [weakSelf](std::optional<bool> isMeant) {
+                                                     [weakSelf leavingAnswered:isMeant == true];
+                                                 },
+                                             .isUrgent = true}];
     }
     return NSTerminateCancel;
 }

@@ -13,8 +13,12 @@ struct WebStore {
 };
 
 /// Opens the store of the clone with that data folder. Before macOS 14 there is one for each bundle
-/// identifier, and a second clone with the same identifier is refused. To be called once.
+/// identifier, and a second clone with the same identifier is refused. To be called once. Throws
+/// `PlatformError`.
 [[nodiscard]] WebStore openWebStore(const std::string& home, const std::string& name);
+
+/// Has the stores removed whose clones are deleted, as far as they had this bundle identifier.
+void removeAbandonedStores();
 
 /// Removes everything that pages have stored, and then calls `done`.
 void clearWebStore(WKWebsiteDataStore* _Nonnull store, void (^_Nonnull done)(void));

@@ -22,7 +22,8 @@ namespace quorvel {
 /// Shows one question after the other.
 @interface QuorvelQuestionBar : NSObject
 @property(nonatomic, readonly, nonnull) NSView* view;
-/// Asks, after the questions that wait already. Returns NO if those are too many.
+/// Asks, after the questions that wait already, unless it is urgent. Returns NO if those are too
+/// many.
 - (BOOL)ask:(quorvel::HostQuestion)question;
 /// Answers all questions as if the user had closed them.
 - (void)closeAll;

@@ -63,6 +63,11 @@ NSButton* newBarButton(NSString* symbol, NSString* words, id target, SEL action)
 }
 
 - (BOOL)ask:(quorvel::HostQuestion)question {
+    if (question.isUrgent) {
+        _questions.push_front(std::move(question));
+        [self showFirst];
+        return YES;
+    }
     if (_questions.size() >= quorvel::mostWaitingQuestions) {
         return NO;
     }

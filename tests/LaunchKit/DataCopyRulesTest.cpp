@@ -71,6 +71,7 @@ TEST_F(DataCopyRulesTest, LocksStayBehind) {
     write(from(".quorvel-lock"), "");
     write(from(".quorvel-copied"), "");
     write(from(".local/share/quorvel/links/session"), "");
+    write(from(".local/share/quorvel/web/store.json"), "{}");
     for (const char* end : {"", ".1", ".2", ".3"}) {
         write(from("quorvel-instance.log" + std::string(end)), "");
     }

@@ -50,6 +50,7 @@ TEST(PageTitleTest, AHostThatIsNotCertainIsMarked) {
     EXPECT_EQ(shownHost("http://127.0.0.1:80/x", false), "127.0.0.1");
     EXPECT_EQ(shownHost("http://localhost/x", false), "localhost");
     EXPECT_EQ(shownHost("about:blank", false), "");
+    EXPECT_EQ(shownHost("https://a\u202eb/x", false), "ab");
 }
 
 } // namespace

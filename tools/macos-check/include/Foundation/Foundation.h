@@ -24,7 +24,6 @@ static const NSInteger NSNotFound = __LONG_MAX__;
 + (nullable instancetype)stringWithUTF8String:(const char*)text;
 @property(nullable, readonly) const char* UTF8String;
 @property(readonly) NSUInteger length;
-@property(readonly) long long longLongValue SINCE_MACOS(10.5);
 @property(readonly, copy) NSString* lowercaseString;
 - (BOOL)isEqualToString:(NSString*)other;
 - (NSString*)stringByAppendingString:(NSString*)other;
@@ -34,7 +33,6 @@ static const NSInteger NSNotFound = __LONG_MAX__;
 
 @interface NSNumber : NSObject
 @property(readonly) double doubleValue;
-@property(readonly) long long longLongValue;
 @end
 
 @class NSSet<Element>;
@@ -119,7 +117,8 @@ typedef struct {
 @end
 
 @interface NSUUID : NSObject
-- (instancetype)initWithUUIDBytes:(const unsigned char[_Nullable 16])bytes SINCE_MACOS(10.8);
+- (nullable instancetype)initWithUUIDString:(NSString*)text SINCE_MACOS(10.8);
+@property(readonly, copy) NSString* UUIDString SINCE_MACOS(10.8);
 @end
 
 @interface NSUserDefaults : NSObject

@@ -33,13 +33,15 @@ extern NSString* const NSURLAuthenticationMethodDefault;
 extern NSString* const NSURLAuthenticationMethodHTTPBasic;
 extern NSString* const NSURLAuthenticationMethodHTTPDigest;
 extern NSString* const NSURLAuthenticationMethodNTLM SINCE_MACOS(10.5);
+extern NSString* const NSURLAuthenticationMethodServerTrust SINCE_MACOS(10.6);
+extern NSString* const NSURLProtectionSpaceHTTPS;
 
 @interface NSURLProtectionSpace : NSObject
 @property(readonly, copy) NSString* authenticationMethod;
 @property(readonly, copy) NSString* host;
 @property(readonly) NSInteger port;
 @property(nullable, readonly, copy) NSString* realm;
-@property(readonly) BOOL receivesCredentialSecurely;
+@property(nullable, readonly, copy) NSString* protocol;
 - (BOOL)isProxy;
 @end
 
@@ -61,7 +63,8 @@ typedef enum NSURLCredentialPersistence : NSUInteger {
 typedef enum NSURLSessionAuthChallengeDisposition : NSInteger {
     NSURLSessionAuthChallengeUseCredential = 0,
     NSURLSessionAuthChallengePerformDefaultHandling = 1,
-    NSURLSessionAuthChallengeCancelAuthenticationChallenge = 2
+    NSURLSessionAuthChallengeCancelAuthenticationChallenge = 2,
+    NSURLSessionAuthChallengeRejectProtectionSpace = 3
 } NSURLSessionAuthChallengeDisposition;
 
 NS_ASSUME_NONNULL_END

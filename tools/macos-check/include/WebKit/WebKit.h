@@ -12,6 +12,11 @@ SINCE_MACOS(10.11)
 @interface WKWebsiteDataStore : NSObject
 + (WKWebsiteDataStore*)defaultDataStore;
 + (WKWebsiteDataStore*)dataStoreForIdentifier:(NSUUID*)identifier SINCE_MACOS(14.0);
++ (void)fetchAllDataStoreIdentifiers:(void (^)(NSArray<NSUUID*>* identifiers))completionHandler
+    SINCE_MACOS(14.0);
++ (void)removeDataStoreForIdentifier:(NSUUID*)identifier
+                   completionHandler:(void (^)(NSError* _Nullable error))completionHandler
+    SINCE_MACOS(14.0);
 + (NSSet<NSString*>*)allWebsiteDataTypes;
 - (void)removeDataOfTypes:(NSSet<NSString*>*)types
             modifiedSince:(NSDate*)date
