@@ -44,7 +44,7 @@ public:
     void withdraw() noexcept { folder_.withdraw(); }
 
     /// Removes what interrupted copies left in that folder, and their marks from the data of clones
-    /// that are there. Never fails.
+    /// that are there, under whatever name. What may be a clone's stays. Never fails.
     static void removeUnfinished(const std::filesystem::path& parent) noexcept;
 
     /// Throws `DataCopyError` if something is at `home` other than an empty folder.

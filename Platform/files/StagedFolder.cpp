@@ -10,6 +10,7 @@
 #include "Platform/files/VolumeTransfer.h"
 
 #include <cerrno>
+#include <cstdio>
 #include <fcntl.h>
 #include <string_view>
 #include <sys/file.h>
@@ -23,16 +24,22 @@ namespace {
 
 constexpr std::string_view prefix = ".quorvel-copying-";
 
+enum class WithoutLocks { isOurs, mayBeInUse };
+
 // Returns a handle that is not open if the folder is another program's, or gone.
-FileHandle lockedFolder(const fs::path& path) {
+FileHandle lockedFolder(const fs::path& path, WithoutLocks otherwise) {
     FileHandle folder(::open(path.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
     struct stat facts {};
-    const bool isOurs =
-        folder.descriptor() >= 0 &&
-        // On a file system without locks, no one can hold one.
-        (::flock(folder.descriptor(), LOCK_EX | LOCK_NB) == 0 || errno != EWOULDBLOCK) &&
-        ::fstat(folder.descriptor(), &facts) == 0 && identityOf(path) == identityOf(facts);
+    const bool isOurs = folder.descriptor() >= 0 &&
+                        (::flock(folder.descriptor(), LOCK_EX | LOCK_NB) == 0 ||
+                         (errno != EWOULDBLOCK && otherwise == WithoutLocks::isOurs)) &&
+                        ::fstat(folder.descriptor(), &facts) == 0 &&
+                        identityOf(path) == identityOf(facts);
     return isOurs ? std::move(folder) : FileHandle(-1);
+}
+
+fs::path temporaryName(const fs::path& parent) {
+    return joinAsText(parent, std::string(prefix) + randomUuid());
 }
 
 void removeQuietly(const fs::path& path) noexcept {
@@ -51,9 +58,9 @@ StagedFolder::StagedFolder(fs::path destination) : destination_(std::move(destin
     // Another program may take it for abandoned before it is locked.
     constexpr int attempts = 10;
     for (int attempt = 0; attempt < attempts && folder_.descriptor() < 0; ++attempt) {
-        path_ = joinAsText(parent, std::string(prefix) + randomUuid());
+        path_ = temporaryName(parent);
         createPrivateFolder(path_);
-        folder_ = lockedFolder(path_);
+        folder_ = lockedFolder(path_, WithoutLocks::isOurs);
     }
     if (folder_.descriptor() < 0) {
         removeQuietly(path_);
@@ -92,9 +99,18 @@ void StagedFolder::publish() {
 void StagedFolder::withdraw() noexcept {
     struct stat facts {};
     if (::fstat(folder_.descriptor(), &facts) == 0 && identityOf(path_) == identityOf(facts)) {
-        removeQuietly(path_);
+        discard(path_);
     }
     path_.clear();
+}
+
+void StagedFolder::discard(const fs::path& folder) noexcept {
+    try {
+        const fs::path hidden = temporaryName(folder.parent_path());
+        removeQuietly(::rename(folder.c_str(), hidden.c_str()) == 0 ? hidden : folder);
+    } catch (const std::exception&) {
+        return; // it stays as it is
+    }
 }
 
 void StagedFolder::removeAbandoned(const fs::path& parent) noexcept {
@@ -102,7 +118,8 @@ void StagedFolder::removeAbandoned(const fs::path& parent) noexcept {
         const auto names = directoryEntries(parent);
         for (const std::string& name : names ? *names : std::vector<std::string>()) {
             const fs::path path = joinAsText(parent, name);
-            if (name.starts_with(prefix) && lockedFolder(path).descriptor() >= 0) {
+            if (name.starts_with(prefix) &&
+                lockedFolder(path, WithoutLocks::mayBeInUse).descriptor() >= 0) {
                 removeQuietly(path);
             }
         }

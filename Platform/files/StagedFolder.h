@@ -33,8 +33,11 @@ public:
     /// Removes it from its destination again.
     void withdraw() noexcept;
 
-    /// Removes what interrupted programs left in that folder. What is in use, or can't be removed,
-    /// stays. Never fails.
+    /// Removes a folder. What an interruption leaves of it, `removeAbandoned` finds. Never fails.
+    static void discard(const std::filesystem::path& folder) noexcept;
+
+    /// Removes what interrupted programs left in that folder. What may be in use, or can't be
+    /// removed, stays. Never fails.
     static void removeAbandoned(const std::filesystem::path& parent) noexcept;
 
 private:

@@ -4,6 +4,7 @@
 #include "LaunchKit/InstanceConfig.h"
 #include "LaunchKit/InstanceRecord.h"
 #include "LaunchKit/InstanceRegistry.h"
+#include "Platform/files/StagedChange.h"
 #include "tests/support/AppBundles.h"
 #include "tests/support/TemporaryHome.h"
 
@@ -31,10 +32,12 @@ protected:
     }
 
     // As a program would leave it that was killed then.
-    void leaveUnfinished() const {
+    void leaveUnfinishedFor(const fs::path& clone) const {
+        fs::create_directories(clone.parent_path());
         CopiedData data = copy();
-        data.publish(wrapper());
+        data.publish(clone);
     }
+    void leaveUnfinished() const { leaveUnfinishedFor(wrapper()); }
 
     void settle() const { CopiedData::removeUnfinished(place().parent_path()); }
 
@@ -75,6 +78,40 @@ TEST_F(CopiedDataTest, WithACloneItStaysAndLosesItsMark) {
     fs::remove_all(wrapper());
     settle();
     EXPECT_TRUE(fs::exists(place() / "deep/file")) << "kept by the user";
+}
+
+TEST_F(CopiedDataTest, DataOfACloneThatWasRenamedStays) {
+    leaveUnfinished();
+    makeWrapper(home_ / "Applications/Renamed.app", "Work");
+    settle();
+    EXPECT_TRUE(fs::exists(place() / "deep/file"));
+}
+
+TEST_F(CopiedDataTest, DataOfACloneThatWasMovedAmongTheOthersStays) {
+    leaveUnfinishedFor(home_ / "Elsewhere/Work.app");
+    makeWrapper(wrapper(), "Work");
+    settle();
+    EXPECT_TRUE(fs::exists(place() / "deep/file"));
+}
+
+TEST_F(CopiedDataTest, WhileItCantBeToldWhoseItIsItStays) {
+    leaveUnfinished();
+    fs::rename(home_ / "Applications", home_ / "not-mounted");
+    settle();
+    EXPECT_TRUE(fs::exists(mark()));
+    fs::rename(home_ / "not-mounted", home_ / "Applications");
+    {
+        const auto lock = FileLock::tryTakeFolder(home_ / "Applications");
+        settle();
+        EXPECT_TRUE(fs::exists(mark())) << "a clone is being made or changed there";
+    }
+    {
+        const StagedChange change(home_ / "Applications");
+        settle();
+        EXPECT_TRUE(fs::exists(mark())) << "the clone may be in the hidden folder";
+    }
+    settle();
+    EXPECT_FALSE(fs::exists(place()));
 }
 
 TEST_F(CopiedDataTest, ACloneWithOtherDataDoesNotCount) {
