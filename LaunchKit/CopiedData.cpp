@@ -22,9 +22,12 @@ namespace quorvel {
 namespace fs = std::filesystem;
 namespace {
 
-void requireUnused(const fs::path& folder) {
-    if (const auto lock = lockInUse(folder)) {
-        throw DataCopyError("The data in " + folder.string() + " is in use: “" + *lock +
+void requireUnused(const DataPart& part) {
+    if (part.requireUnused) {
+        part.requireUnused();
+    }
+    if (const auto lock = lockInUse(part.from)) {
+        throw DataCopyError("The data in " + part.from.string() + " is in use: “" + *lock +
                             "” belongs to a program that is running. Close it first.");
     }
 }
@@ -101,11 +104,11 @@ CopiedData::CopiedData(const fs::path& home, const std::vector<DataPart>& parts,
     FolderCopyOptions complete = options;
     complete.leavesOut = staysBehind;
     for (const DataPart& part : parts) {
-        requireUnused(part.from);
+        requireUnused(part);
         const FileHandle to =
             part.to.empty() ? FileHandle(::dup(folder_.descriptor())) : folderIn(folder_, part.to);
         report_ += FolderCopy(part.from, complete).copyInto(to.descriptor());
-        requireUnused(part.from);
+        requireUnused(part);
     }
 }
 

@@ -5,6 +5,7 @@
 #include "Platform/files/StagedFolder.h"
 
 #include <filesystem>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -20,6 +21,9 @@ public:
 struct DataPart {
     std::filesystem::path from{};
     std::string to{}; ///< relative to the clone's data folder; empty for the folder itself
+    /// If set, called before and after the copy; throws `DataCopyError` if a program uses the
+    /// folder that no lock in it tells of.
+    std::function<void()> requireUnused{};
 };
 
 /// The data folder of a clone that is yet to be made, with copies in it. The folder gets its place
