@@ -171,7 +171,7 @@ TEST_F(DataSeedTest, TheOriginalMustNotRunEvenWithoutALock) {
     write(apps_.at("opt/chat/resources/app/package.json"), R"({"name": "Chat"})");
     const std::map<std::string, WrapperFactory::Request> requests{
         {"chat/chat", chat},
-        {"chromium", appWith("chromium", chromiumMarks)},
+        {"chromium", appWith("chromium", chromiumMarks, "chromium")},
         {"firefox/firefox", firefox()}};
     for (const auto& [program, request] : requests) {
         EXPECT_EQ(errorOf(request), "no error") << program;
