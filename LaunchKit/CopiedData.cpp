@@ -10,6 +10,7 @@
 #include "Platform/files/FileReading.h"
 #include "Platform/files/FileSystem.h"
 #include "Platform/files/FileWriting.h"
+#include "Platform/files/ItemIdentity.h"
 #include "Platform/files/PlatformError.h"
 #include "Platform/files/StagedChange.h"
 
@@ -30,6 +31,23 @@ void requireUnused(const DataPart& part) {
         throw DataCopyError("The data in " + part.from.string() + " is in use: “" + *lock +
                             "” belongs to a program that is running. Close it first.");
     }
+}
+
+// A copy inside its original would copy itself.
+void requireApart(const fs::path& from, const fs::path& home) {
+    if (Place(from).relationTo(home) != Relation::unrelated ||
+        Place(home).relationTo(from) != Relation::unrelated) {
+        throw DataCopyError("The data in " + from.string() + " can’t be copied to " +
+                            home.string() + ", since one would be inside the other.");
+    }
+}
+
+const fs::path& checkedPlace(const fs::path& home, const std::vector<DataPart>& parts) {
+    CopiedData::requireFree(home);
+    for (const DataPart& part : parts) {
+        requireApart(part.from, home);
+    }
+    return home;
 }
 
 FileHandle folderIn(const StagedFolder& folder, const std::string& below) {
@@ -100,7 +118,7 @@ void settleQuietly(const fs::path& folder) noexcept {
 
 CopiedData::CopiedData(const fs::path& home, const std::vector<DataPart>& parts,
                        const FolderCopyOptions& options)
-    : folder_((requireFree(home), home)) {
+    : folder_(checkedPlace(home, parts)) {
     FolderCopyOptions complete = options;
     complete.leavesOut = staysBehind;
     for (const DataPart& part : parts) {

@@ -32,7 +32,8 @@ struct DataPart {
 class CopiedData {
 public:
     /// Copies the parts, beside `home`. Throws `DataCopyError` if something is at `home` other than
-    /// an empty folder, or if a part is in use; and what `FolderCopy` throws.
+    /// an empty folder, if a part is in use, or if it contains `home` or is in it; and what
+    /// `FolderCopy` throws.
     CopiedData(const std::filesystem::path& home, const std::vector<DataPart>& parts,
                const FolderCopyOptions& options);
 

@@ -177,6 +177,14 @@ TEST_F(CloneDuplicationTest, TheUsersHomeIsNotCopied) {
     EXPECT_THROW(duplicate(original, "Second"), DataCopyError);
 }
 
+TEST_F(CloneDuplicationTest, TheFolderOfAllDataIsNotCopiedIntoItself) {
+    InstanceRecord original = makeWithData();
+    original.config.instanceHome = "~/QuorvelInstances";
+    EXPECT_THROW(duplicate(original, "Second"), DataCopyError);
+    EXPECT_FALSE(fs::exists(data("Second")));
+    EXPECT_FALSE(fs::exists(home_ / "Applications/Second.app"));
+}
+
 TEST_F(CloneDuplicationTest, ACancelledCopyLeavesNothing) {
     const InstanceRecord original = makeWithData();
     const std::atomic<bool> cancelled{true};

@@ -146,6 +146,18 @@ TEST_F(CopiedDataTest, DeletingACloneKeepsItsDataForGood) {
     EXPECT_TRUE(fs::exists(place() / "deep/file"));
 }
 
+TEST_F(CopiedDataTest, NothingIsCopiedIntoItselfOrAroundItself) {
+    fs::create_directory_symlink(home_ / "original", home_ / "link");
+    const auto before = treeOf(home_.path());
+    const auto copyTo = [&](const fs::path& to) {
+        const CopiedData data(to, {{.from = home_ / "original"}}, {});
+    };
+    EXPECT_THROW(copyTo(home_ / "original/deep/copy"), DataCopyError);
+    EXPECT_THROW(copyTo(home_ / "link/copy"), DataCopyError);
+    EXPECT_EQ(treeOf(home_.path()), before);
+    EXPECT_NO_THROW(copyTo(home_ / "original-2"));
+}
+
 TEST_F(CopiedDataTest, NothingIsReplaced) {
     write(place() / "file", "");
     EXPECT_THROW((void)copy(), DataCopyError);
