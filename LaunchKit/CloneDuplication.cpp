@@ -95,6 +95,7 @@ DuplicatedClone duplicateClone(const WrapperFactory& factory, const InstanceRegi
         return duplicateWithData(factory, original, request, options);
     }
     validateRequest(request, factory.runnerBinary);
+    clearPlaceFor(request);
     CopiedData::requireFree(dataFolderFor(request));
     return {.clone = createClone(factory, request, {}, options.warn)};
 }

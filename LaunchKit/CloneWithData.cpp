@@ -1,7 +1,6 @@
 #include "LaunchKit/CloneWithData.h"
 
 #include "LaunchKit/AppBundle.h"
-#include "LaunchKit/DataFolderGuard.h"
 #include "LaunchKit/RunnerLocator.h"
 
 namespace quorvel {
@@ -23,10 +22,7 @@ void requireParts(const WrapperFactory& factory, const WrapperFactory::Request& 
 } // namespace
 
 fs::path dataFolderFor(const WrapperFactory::Request& request) {
-    InstanceConfig config;
-    config.instanceHome = request.instanceHome.value_or(
-        WrapperFactory::defaultInstanceHome(validatedCloneName(request.displayName)));
-    const DataFolder folder = dataFolderOf(config);
+    const DataFolder folder = dataFolderOf(request);
     if (folder.isNone || folder.isBehindLink) {
         throw DataCopyError("The new clone has no data folder of its own to copy data to.");
     }
@@ -41,7 +37,7 @@ createCloneWithData(const WrapperFactory& factory, const WrapperFactory::Request
     validateRequest(request, factory.runnerBinary, permissions);
     requireParts(factory, request);
     const fs::path home = dataFolderFor(request);
-    CopiedData::removeUnfinished(home.parent_path());
+    clearPlaceFor(request);
     CopiedData data(home, parts, options);
     CloneWithData made;
     try {

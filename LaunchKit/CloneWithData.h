@@ -17,8 +17,8 @@ struct CloneWithData {
 [[nodiscard]] std::filesystem::path dataFolderFor(const WrapperFactory::Request& request);
 
 /// Makes a clone as `createClone` does, with copies of these folders as its data. At any moment
-/// there is either nothing of it or all, except for what `CopiedData::removeUnfinished` removes,
-/// which this calls first. Throws what `createClone` and `CopiedData` throw, and `DataCopyError` if
+/// there is either nothing of it or all, except for what `CopiedData::removeUnfinished` removes.
+/// Throws what `createClone` and `CopiedData` throw, and `DataCopyError` if
 /// the clone would have no folder of its own; nothing is made then.
 [[nodiscard]] CloneWithData
 createCloneWithData(const WrapperFactory& factory, const WrapperFactory::Request& request,

@@ -1,5 +1,6 @@
 #include "LaunchKit/CloneDuplication.h"
 
+#include "LaunchKit/ChangeRecovery.h"
 #include "LaunchKit/HomeLock.h"
 #include "LaunchKit/WrapperLayout.h"
 #include "Platform/files/PropertyListFile.h"
@@ -224,6 +225,27 @@ TEST_F(CloneDuplicationTest, IfTheWrapperCantBeWrittenTheDataGoesToo) {
     EXPECT_EQ(dataFolders(), std::set<std::string>{"Work"});
 }
 
+TEST_F(CloneDuplicationTest, DataOfAnInterruptedOneIsNotAdopted) {
+    const InstanceRecord original = makeWithData();
+    const auto leaveUnfinished = [&](const fs::path& home) {
+        CopiedData copied(home, {{.from = data("Work")}}, {});
+        copied.publish(home_ / "Applications" / home.filename().replace_extension(".app"));
+    };
+    leaveUnfinished(data("Second"));
+    WrapperFactory::Request request;
+    request.displayName = "Second";
+    (void)make(request);
+    EXPECT_FALSE(fs::exists(data("Second") / "deep/file"));
+    leaveUnfinished(data("Third"));
+    (void)duplicate(original, "Third", false);
+    EXPECT_FALSE(fs::exists(data("Third") / "deep/file"));
+    leaveUnfinished(home_ / "Elsewhere/Fourth");
+    request.displayName = "Fourth";
+    request.instanceHome = home_ / "Elsewhere/Fourth";
+    (void)make(request);
+    EXPECT_FALSE(fs::exists(home_ / "Elsewhere/Fourth/deep/file"));
+}
+
 // Every so many system calls; all of them take too long.
 TEST_F(CloneDuplicationTest, KilledAnywhereItLeavesNothingOrAClone) {
     const InstanceRecord original = makeWithData();
@@ -236,7 +258,7 @@ TEST_F(CloneDuplicationTest, KilledAnywhereItLeavesNothingOrAClone) {
         if (kill == Kill::notPermitted) {
             GTEST_SKIP() << "this system does not permit tracing";
         }
-        CopiedData::removeUnfinished(home_ / "QuorvelInstances");
+        finishInterruptedChanges(registry_.searchDirs());
         const auto record = registry_.record(home_ / "Applications/Second.app");
         if (record) {
             EXPECT_EQ(read(data("Second") / "deep/file"), "data") << step;
