@@ -1,14 +1,11 @@
 #include "LaunchKit/CloneDuplication.h"
 
-#include "Base/BundleLayout.h"
 #include "LaunchKit/CloneStop.h"
 #include "LaunchKit/CloneWithData.h"
 #include "LaunchKit/DataFolderGuard.h"
 #include "LaunchKit/HomeLock.h"
-#include "LaunchKit/WrapperLayout.h"
-#include "Platform/files/FileRemoval.h"
 #include "Platform/files/FileSystem.h"
-#include "Platform/files/PropertyListFile.h"
+#include "Platform/files/ResolvedPath.h"
 
 #include <algorithm>
 
@@ -30,12 +27,6 @@ std::string freeIdentifier(const InstanceRegistry& registry, const std::string& 
         identifier = first + "-" + std::to_string(number);
     }
     return identifier;
-}
-
-bool hidesIcon(const fs::path& wrapper) {
-    const auto list = readPropertyList(infoPlistOf(wrapper.string()), {"LSUIElement"});
-    const auto entry = list ? list->find("LSUIElement") : PropertyListDictionary::const_iterator();
-    return list && entry != list->end() && entry->second.boolean().value_or(false);
 }
 
 // Returns the data to copy; none if the clone has none yet.
@@ -81,9 +72,7 @@ WrapperFactory::Request duplicateRequest(const InstanceRegistry& registry,
     request.outputDir = original.bundleURL.parent_path();
     request.bundleId = freeIdentifier(registry, request.displayName);
     request.infoPlistOverrides.erase("CFBundleIdentifier");
-    request.customIcon = original.iconURL();
-    request.iconHasLabel = true;
-    request.hideWrapperIcon = hidesIcon(original.bundleURL);
+    request.original = resolvedPath(original.bundleURL).value_or(original.bundleURL);
     request.extraArgs = config.extraArgs;
     return request;
 }

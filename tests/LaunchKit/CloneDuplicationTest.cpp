@@ -1,6 +1,7 @@
 #include "LaunchKit/CloneDuplication.h"
 
 #include "LaunchKit/ChangeRecovery.h"
+#include "LaunchKit/CloneChange.h"
 #include "LaunchKit/HomeLock.h"
 #include "LaunchKit/WrapperLayout.h"
 #include "Platform/files/PropertyListFile.h"
@@ -100,6 +101,51 @@ TEST_F(CloneDuplicationTest, ThePictureIsTheSameAndItsLabelIsNotDrawnTwice) {
     EXPECT_NE(read(*original.iconURL()), read(home_ / "icon.icns")) << "it has a label";
     EXPECT_EQ(read(*copy.iconURL()), read(*original.iconURL()));
     EXPECT_EQ(copy.config.iconLabel, request.iconLabel);
+}
+
+TEST_F(CloneDuplicationTest, WhatIsKnownAboutTheWrapperIsKnownAboutTheCopy) {
+    QImage picture(128, 128, QImage::Format_ARGB32);
+    picture.fill(Qt::blue);
+    WrapperFactory::Request request;
+    write(home_ / "icon.icns", icnsOf({icnsEntry("ic07", pngOf(picture))}));
+    request.customIcon = home_ / "icon.icns";
+    request.iconLabel = IconLabel{.text = "W", .colorHex = "#FFFFFF"};
+    request.hideWrapperIcon = true;
+    const InstanceRecord original = make(request);
+    const auto copy = duplicate(original, "Second", false).clone.record.value();
+    const auto notes = WrapperNotes::read(copy.bundleURL);
+    ASSERT_TRUE(notes);
+    EXPECT_EQ(notes->icon, IconSource::chosen);
+    EXPECT_TRUE(notes->hidesIcon);
+    // Without its label, the icon is the chosen one again.
+    const ChangedClone changed = editClone(
+        copy.bundleURL, [](CloneSettings& settings) { settings.config.iconLabel.reset(); });
+    EXPECT_TRUE(changed.kept.empty());
+    EXPECT_EQ(read(copy.iconURL().value()), read(home_ / "icon.icns"));
+}
+
+TEST_F(CloneDuplicationTest, ArgumentsOfTheEngineAreKnownAsSuch) {
+    WrapperFactory::Request request;
+    request.displayName = "Work";
+    request.targetApp = makeAppBundle(home_ / "Chat.app");
+    const InstanceRecord original = createClone(factory_, request, {}).record.value();
+    const auto copy = duplicate(original, "Second", false).clone.record.value();
+    EXPECT_EQ(WrapperNotes::read(copy.bundleURL).value().arguments, ArgumentSource::engine);
+}
+
+TEST_F(CloneDuplicationTest, WhatTheUserPutIntoTheWrapperIsInTheCopy) {
+    const InstanceRecord original = make({});
+    const fs::path list = original.bundleURL / "Contents/Info.plist";
+    std::string text = read(list);
+    const std::string end = "</dict>";
+    text.insert(text.rfind(end), "<key>Mine</key><string>kept</string>");
+    write(list, text);
+    write(original.bundleURL / "Contents/Resources/mine.txt", "kept");
+    const auto copy = duplicate(original, "Second", false).clone.record.value();
+    const auto entries = readPropertyList(copy.bundleURL / "Contents/Info.plist").value();
+    EXPECT_EQ(entries.at("Mine"), PropertyListValue("kept"));
+    EXPECT_EQ(entries.at("CFBundleName"), PropertyListValue("Second"));
+    EXPECT_EQ(read(copy.bundleURL / "Contents/Resources/mine.txt"), "kept");
 }
 
 TEST_F(CloneDuplicationTest, IdentifiersAreNeverSharedWithAnotherClone) {
