@@ -43,19 +43,17 @@ std::vector<DataPart> partsOf(const InstanceRecord& original) {
 DuplicatedClone duplicateWithData(const WrapperFactory& factory, const InstanceRecord& original,
                                   const WrapperFactory::Request& request,
                                   const DuplicationOptions& options) {
-    const std::vector<DataPart> parts = partsOf(original);
+    const InitialData initial{
+        .parts = partsOf(original), .copy = options.copy, .found = options.found};
     if (isCloneRunning(original)) {
         throw HomeInUse(original.config.displayName);
     }
     // Held until the copy is complete, so that the clone can't be started meanwhile.
-    const std::optional<FileLock> lock = parts.empty() ? std::nullopt : lockHome(original.config);
-    CloneWithData made =
-        createCloneWithData(factory, request, {}, parts, options.copy, options.warn);
-    DuplicatedClone duplicate{.clone = std::move(made.clone), .data = made.data};
-    if (!parts.empty()) {
-        duplicate.findings = findingsIn(dataFolderFor(request), {parts.front().from});
-    }
-    return duplicate;
+    const std::optional<FileLock> lock =
+        initial.parts.empty() ? std::nullopt : lockHome(original.config);
+    CloneWithData made = createCloneWithData(factory, request, {}, initial, options.warn);
+    return {
+        .clone = std::move(made.clone), .data = made.data, .findings = std::move(made.findings)};
 }
 
 } // namespace

@@ -6,6 +6,7 @@
 #include "LaunchKit/InstanceRecord.h"
 #include "LaunchKit/InstanceRegistry.h"
 
+#include <functional>
 #include <optional>
 #include <string>
 
@@ -16,6 +17,7 @@ struct DuplicationOptions {
     std::string name{};
     bool withData = false;
     FolderCopyOptions copy{};
+    std::function<void(const CopyFindings&)> found{}; ///< as of `InitialData`
     WrapperFactory::Warning warn{};
 };
 

@@ -3,6 +3,9 @@
 #include "LaunchKit/AppBundle.h"
 #include "LaunchKit/RunnerLocator.h"
 
+#include <algorithm>
+#include <iterator>
+
 namespace quorvel {
 namespace fs = std::filesystem;
 
@@ -19,6 +22,13 @@ void requireParts(const WrapperFactory& factory, const WrapperFactory::Request& 
     }
 }
 
+std::vector<fs::path> foldersOf(const std::vector<DataPart>& parts) {
+    std::vector<fs::path> folders;
+    std::transform(parts.begin(), parts.end(), std::back_inserter(folders),
+                   [](const DataPart& part) { return part.from; });
+    return folders;
+}
+
 } // namespace
 
 fs::path dataFolderFor(const WrapperFactory::Request& request) {
@@ -29,26 +39,29 @@ fs::path dataFolderFor(const WrapperFactory::Request& request) {
     return folder.path;
 }
 
-CloneWithData
-createCloneWithData(const WrapperFactory& factory, const WrapperFactory::Request& request,
-                    const RequestPermissions& permissions, const std::vector<DataPart>& parts,
-                    const FolderCopyOptions& options, const WrapperFactory::Warning& warn) {
+CloneWithData createCloneWithData(const WrapperFactory& factory,
+                                  const WrapperFactory::Request& request,
+                                  const RequestPermissions& permissions, const InitialData& initial,
+                                  const WrapperFactory::Warning& warn) {
     // Checked before and after the copy, which may take long and must not keep others waiting.
     validateRequest(request, factory.runnerBinary, permissions);
     requireParts(factory, request);
-    const fs::path home = dataFolderFor(request);
     clearPlaceFor(request);
-    CopiedData data(home, parts, options);
-    CloneWithData made;
+    CopiedData data(dataFolderFor(request), initial.parts, initial.copy);
+    CloneWithData made{.data = data.report(),
+                       .findings = findingsIn(data.path(), foldersOf(initial.parts))};
+    if (initial.found) {
+        initial.found(made.findings);
+    }
+    data.complete(WrapperFactory::wrapperURL(request));
     try {
         made.clone = createClone(factory, request, permissions, warn,
-                                 [&](const fs::path& wrapper) { data.publish(wrapper); });
+                                 [&](const fs::path& /*wrapper*/) { data.publish(); });
     } catch (...) {
         data.withdraw();
         throw;
     }
     data.finish();
-    made.data = data.report();
     return made;
 }
 

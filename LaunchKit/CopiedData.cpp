@@ -118,7 +118,8 @@ void settleQuietly(const fs::path& folder) noexcept {
 
 CopiedData::CopiedData(const fs::path& home, const std::vector<DataPart>& parts,
                        const FolderCopyOptions& options)
-    : folder_(checkedPlace(home, parts)) {
+    : folder_(checkedPlace(home, parts)),
+      cancelled_(options.cancelled) {
     FolderCopyOptions complete = options;
     complete.leavesOut = staysBehind;
     for (const DataPart& part : parts) {
@@ -138,9 +139,16 @@ void CopiedData::requireFree(const fs::path& home) {
     }
 }
 
-void CopiedData::publish(const fs::path& wrapper) {
+void CopiedData::complete(const fs::path& wrapper) const {
     writeWholeFile(joinAsText(folder_.path(), copiedMarkName),
                    markFor(folder_.descriptor(), wrapper));
+    folder_.flush();
+    if (cancelled_ != nullptr && *cancelled_) {
+        throw CopyCancelled();
+    }
+}
+
+void CopiedData::publish() {
     folder_.publish();
 }
 

@@ -4,6 +4,7 @@
 #include "Platform/files/FolderCopy.h"
 #include "Platform/files/StagedFolder.h"
 
+#include <atomic>
 #include <filesystem>
 #include <functional>
 #include <string>
@@ -39,8 +40,15 @@ public:
 
     [[nodiscard]] const FolderCopyReport& report() const { return report_; }
 
-    /// Moves everything to `home`, for the clone at `wrapper`. Throws `PlatformError`.
-    void publish(const std::filesystem::path& wrapper);
+    /// Returns where it is now.
+    [[nodiscard]] const std::filesystem::path& path() const { return folder_.path(); }
+
+    /// Notes for which clone it is, and flushes everything to disk, which may take long. Throws
+    /// `CopyCancelled` and `PlatformError`.
+    void complete(const std::filesystem::path& wrapper) const;
+
+    /// Moves everything to `home`, once it is complete. Throws `PlatformError`.
+    void publish();
 
     /// Records that the clone is there.
     void finish() noexcept;
@@ -58,6 +66,7 @@ public:
 private:
     StagedFolder folder_;
     FolderCopyReport report_{};
+    const std::atomic<bool>* cancelled_;
 };
 
 } // namespace quorvel

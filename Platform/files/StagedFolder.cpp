@@ -74,10 +74,13 @@ StagedFolder::~StagedFolder() {
     }
 }
 
-void StagedFolder::publish() {
+void StagedFolder::flush() const {
     if (!VolumeTransfer::flushFileSystem(folder_.descriptor())) {
         throw PlatformError::fromErrno(destination_, "flushed");
     }
+}
+
+void StagedFolder::publish() {
     (void)::rmdir(destination_.c_str()); // succeeds only if it is empty
     int result = renameExclusively(path_, destination_);
     if (result != 0 && (errno == EINVAL || errno == ENOSYS || errno == ENOTSUP)) {

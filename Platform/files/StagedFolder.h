@@ -26,8 +26,11 @@ public:
     /// Returns where it is now.
     [[nodiscard]] const std::filesystem::path& path() const { return path_; }
 
-    /// Flushes everything to disk and moves the folder to its destination, in place of an empty
-    /// folder at most. Throws `PlatformError`, also if something else is there.
+    /// Flushes everything to disk, which may take long. Throws `PlatformError`.
+    void flush() const;
+
+    /// Moves the folder to its destination, in place of an empty folder at most. To be flushed
+    /// before. Throws `PlatformError`, also if something else is there.
     void publish();
 
     /// Removes it from its destination again.

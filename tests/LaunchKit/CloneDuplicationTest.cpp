@@ -243,6 +243,35 @@ TEST_F(CloneDuplicationTest, ACancelledCopyLeavesNothing) {
     EXPECT_EQ(registry_.list().size(), 1U);
 }
 
+// Flushing takes its time, too.
+TEST_F(CloneDuplicationTest, ItCanBeCancelledAfterTheLastFile) {
+    const InstanceRecord original = makeWithData();
+    std::atomic<bool> cancelled{false};
+    const FolderCopyOptions options{
+        .progress = [&](const CopyProgress& at) { cancelled = at.items == at.allItems; },
+        .cancelled = &cancelled};
+    EXPECT_THROW((void)duplicateClone(factory_, registry_, original,
+                                      {.name = "Second", .withData = true, .copy = options}),
+                 CopyCancelled);
+    EXPECT_EQ(dataFolders(), std::set<std::string>{"Work"});
+    EXPECT_EQ(registry_.list().size(), 1U);
+}
+
+TEST_F(CloneDuplicationTest, WhatShouldBeKnownIsSaidBeforeTheCloneIsThere) {
+    const InstanceRecord original = makeWithData();
+    write(data("Work") / "names", data("Work").string());
+    std::vector<std::string> said;
+    const auto found = [&](const CopyFindings& findings) {
+        said = findings.namingOriginal;
+        EXPECT_FALSE(fs::exists(data("Second")));
+        EXPECT_FALSE(fs::exists(home_ / "Applications/Second.app"));
+    };
+    const DuplicatedClone copy = duplicateClone(
+        factory_, registry_, original, {.name = "Second", .withData = true, .found = found});
+    EXPECT_EQ(said, std::vector<std::string>{"names"});
+    EXPECT_EQ(copy.findings.namingOriginal, said);
+}
+
 TEST_F(CloneDuplicationTest, ATargetThatIsGoneIsFoundBeforeAnythingIsCopied) {
     InstanceRecord original = makeWithData();
     original.config.kind = ShortcutKind::app;
@@ -275,7 +304,8 @@ TEST_F(CloneDuplicationTest, DataOfAnInterruptedOneIsNotAdopted) {
     const InstanceRecord original = makeWithData();
     const auto leaveUnfinished = [&](const fs::path& home) {
         CopiedData copied(home, {{.from = data("Work")}}, {});
-        copied.publish(home_ / "Applications" / home.filename().replace_extension(".app"));
+        copied.complete(home_ / "Applications" / home.filename().replace_extension(".app"));
+        copied.publish();
     };
     leaveUnfinished(data("Second"));
     WrapperFactory::Request request;

@@ -35,7 +35,8 @@ protected:
     void leaveUnfinishedFor(const fs::path& clone) const {
         fs::create_directories(clone.parent_path());
         CopiedData data = copy();
-        data.publish(clone);
+        data.complete(clone);
+        data.publish();
     }
     void leaveUnfinished() const { leaveUnfinishedFor(wrapper()); }
 
@@ -47,7 +48,8 @@ protected:
 TEST_F(CopiedDataTest, TheMarkIsThereUntilTheCloneIs) {
     CopiedData data = copy();
     EXPECT_FALSE(fs::exists(place()));
-    data.publish(wrapper());
+    data.complete(wrapper());
+    data.publish();
     EXPECT_TRUE(fs::exists(mark()));
     settle();
     EXPECT_TRUE(fs::exists(mark())) << "the clone is still being made";
@@ -59,7 +61,8 @@ TEST_F(CopiedDataTest, TheMarkIsThereUntilTheCloneIs) {
 
 TEST_F(CopiedDataTest, PartsGetTheirPlaces) {
     CopiedData data = copy("a/b");
-    data.publish(wrapper());
+    data.complete(wrapper());
+    data.publish();
     EXPECT_EQ(read(place() / "a/b/deep/file"), "data");
 }
 

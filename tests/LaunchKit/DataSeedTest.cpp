@@ -194,9 +194,9 @@ TEST_F(DataSeedTest, AnOriginalThatIsStartedMeanwhileIsNoticed) {
             EXPECT_TRUE(waitUntil([&] { return errorOf(request) != "no error"; }));
         }
     }};
-    EXPECT_THROW(
-        (void)createCloneWithData(WrapperFactory(runnerProgram()), request, {}, parts, options),
-        DataCopyError);
+    EXPECT_THROW((void)createCloneWithData(WrapperFactory(runnerProgram()), request, {},
+                                           {.parts = parts, .copy = options}),
+                 DataCopyError);
     EXPECT_FALSE(fs::exists(home_ / "QuorvelInstances/Second"));
     ASSERT_TRUE(original);
     end(*original);
@@ -218,8 +218,8 @@ TEST_F(DataSeedTest, ACloneIsMadeWithACopyAndTheOriginalStaysAsItIs) {
     write(original / "Default/Preferences", "{}");
     fs::create_symlink("host-1", original / "SingletonLock");
     const auto before = treeOf(original);
-    const CloneWithData made =
-        createCloneWithData(WrapperFactory(runnerProgram()), request, {}, seedFor(request, {}), {});
+    const CloneWithData made = createCloneWithData(WrapperFactory(runnerProgram()), request, {},
+                                                   {.parts = seedFor(request, {})});
     const fs::path data = home_ / "QuorvelInstances/Second";
     auto expected = before;
     expected.erase("SingletonLock");
