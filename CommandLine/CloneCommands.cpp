@@ -166,8 +166,11 @@ void listCommand(const CommandContext& context, const ListOptions& options, bool
     const InstanceRegistry registry =
         folders.empty() ? context.registry : InstanceRegistry(std::move(folders));
     if (options.stale) {
-        listStaleCommand(context, registry, json);
+        listStaleCommand(context, registry, options.runner, json);
         return;
+    }
+    if (options.runner) {
+        throw UsageError("--runner is for --stale");
     }
     const std::vector<InstanceRecord> records = registry.list();
     const RunningApplications running = context.workspace.runningApplications();
