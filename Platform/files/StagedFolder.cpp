@@ -7,6 +7,7 @@
 #include "Platform/files/FileSystem.h"
 #include "Platform/files/ItemIdentity.h"
 #include "Platform/files/PlatformError.h"
+#include "Platform/files/UnsupportedOperation.h"
 #include "Platform/files/VolumeTransfer.h"
 
 #include <cerrno>
@@ -83,7 +84,7 @@ void StagedFolder::flush() const {
 void StagedFolder::publish() {
     (void)::rmdir(destination_.c_str()); // succeeds only if it is empty
     int result = renameExclusively(path_, destination_);
-    if (result != 0 && (errno == EINVAL || errno == ENOSYS || errno == ENOTSUP)) {
+    if (result != 0 && meansNoSuchRename(errno)) {
         // Network file systems have no exclusive rename; checking first has to do.
         errno = EEXIST;
         result =
