@@ -128,8 +128,9 @@ void refreshCommand(const CommandContext& context, const RefreshOptions& options
     }
 }
 
-void listStaleCommand(const CommandContext& context, const InstanceRegistry& registry, bool json) {
-    const CloneRefresh refresh;
+void listStaleCommand(const CommandContext& context, const InstanceRegistry& registry,
+                      const std::optional<std::filesystem::path>& runner, bool json) {
+    const CloneRefresh refresh(runner);
     const RunningApplications running = context.workspace.runningApplications();
     nlohmann::json forms = nlohmann::json::array();
     for (const InstanceRecord& record : registry.list()) {

@@ -36,6 +36,7 @@ struct RefreshOptions {
 void refreshCommand(const CommandContext& context, const RefreshOptions& options, bool json);
 
 /// Prints the clones that `refresh` would change, and what of them.
-void listStaleCommand(const CommandContext& context, const InstanceRegistry& registry, bool json);
+void listStaleCommand(const CommandContext& context, const InstanceRegistry& registry,
+                      const std::optional<std::filesystem::path>& runner, bool json);
 
 } // namespace quorvel

@@ -62,17 +62,30 @@ struct Creation {
     WrapperFactory factory{};
     WrapperFactory::Request request{};
     std::optional<std::vector<DataPart>> seed{};
+    CopyBar* bar = nullptr; ///< for the seed
 };
 
-MadeClone madeWithSeed(const CommandContext& context, const Creation& creation,
-                       const RequestPermissions& permissions, const WrapperFactory::Warning& warn) {
-    CopyBar bar(context);
-    try {
-        CloneWithData made = createCloneWithData(creation.factory, creation.request, permissions,
-                                                 *creation.seed, bar.options(), warn);
+// What was made; without a seed, nothing is known about the data.
+struct Created {
+    MadeClone clone{};
+    std::optional<FolderCopyReport> data{};
+    CopyFindings findings{};
+};
+
+Created madeWithSeed(const CommandContext& context, const Creation& creation,
+                     const RequestPermissions& permissions, const WrapperFactory::Warning& warn) {
+    CopyBar& bar = *creation.bar;
+    const auto found = [&](const CopyFindings& findings) {
         bar.erase();
-        context.errors << copyLine(made.data) << std::flush;
-        return std::move(made.clone);
+        context.errors << keyringLine(findings) << std::flush;
+    };
+    try {
+        CloneWithData made = createCloneWithData(
+            creation.factory, creation.request, permissions,
+            {.parts = *creation.seed, .copy = bar.options(), .found = found}, warn);
+        bar.erase();
+        context.errors << copyLine(made.data) << findingLines(made.findings) << std::flush;
+        return {std::move(made.clone), made.data, std::move(made.findings)};
     } catch (const CopyCancelled&) {
         bar.erase();
         bar.deliverInterrupt();
@@ -81,14 +94,16 @@ MadeClone madeWithSeed(const CommandContext& context, const Creation& creation,
 }
 
 // Refusals say which option allows what was asked for.
-MadeClone madeClone(const CommandContext& context, const Creation& creation,
-                    const RequestPermissions& permissions) {
+Created madeClone(const CommandContext& context, const Creation& creation,
+                  const RequestPermissions& permissions) {
     const auto warn = [&](const std::string& warning) {
         context.errors << terminalText(warning) << "\n" << std::flush;
     };
     try {
-        return creation.seed ? madeWithSeed(context, creation, permissions, warn)
-                             : createClone(creation.factory, creation.request, permissions, warn);
+        if (creation.seed) {
+            return madeWithSeed(context, creation, permissions, warn);
+        }
+        return {.clone = createClone(creation.factory, creation.request, permissions, warn)};
     } catch (const SharedHome& refused) {
         throw withHint(refused, "With --shared-home, it is used anyway.");
     } catch (const CloneExists& refused) {
@@ -115,8 +130,8 @@ void considerTarget(WrapperFactory::Request& request, bool addsEnvironment) {
 }
 
 // Asks before replacing a clone that can't be read, if the input is a terminal.
-MadeClone madeCloneAfterQuestion(const CommandContext& context, const Creation& creation,
-                                 RequestPermissions permissions) {
+Created madeCloneAfterQuestion(const CommandContext& context, const Creation& creation,
+                               RequestPermissions permissions) {
     try {
         return madeClone(context, creation, permissions);
     } catch (const DamagedClone& refused) {
@@ -151,8 +166,11 @@ void listCommand(const CommandContext& context, const ListOptions& options, bool
     const InstanceRegistry registry =
         folders.empty() ? context.registry : InstanceRegistry(std::move(folders));
     if (options.stale) {
-        listStaleCommand(context, registry, json);
+        listStaleCommand(context, registry, options.runner, json);
         return;
+    }
+    if (options.runner) {
+        throw UsageError("--runner is for --stale");
     }
     const std::vector<InstanceRecord> records = registry.list();
     const RunningApplications running = context.workspace.runningApplications();
@@ -192,13 +210,16 @@ void createCommand(const CommandContext& context, const CreateOptions& options, 
     }
     considerTarget(request, !options.noDefaultEnvironment);
     Creation creation{.factory = WrapperFactory(options.runner), .request = request};
+    std::optional<CopyBar> bar;
     if (options.seed) {
         creation.seed = seedFor(request);
+        creation.bar = &bar.emplace(context);
     }
-    const auto [wrapper, record] = madeCloneAfterQuestion(context, creation,
-                                                          {.sharedHome = options.sharedHome,
-                                                           .existingClone = options.replace,
-                                                           .damagedClone = options.replace});
+    const Created made = madeCloneAfterQuestion(context, creation,
+                                                {.sharedHome = options.sharedHome,
+                                                 .existingClone = options.replace,
+                                                 .damagedClone = options.replace});
+    const auto& [wrapper, record] = made.clone;
     repairMenu(context.registry.list());
     if (!record) {
         throw CommandError("The clone at " + wrapper.string() + " can’t be read back.");
@@ -210,7 +231,14 @@ void createCommand(const CommandContext& context, const CreateOptions& options, 
         openWrapper(context, *record);
     }
     if (json) {
-        context.output << document(jsonForm(*record, context.workspace.runningApplications()));
+        nlohmann::json form = jsonForm(*record, context.workspace.runningApplications());
+        if (made.data) {
+            form["data"] = jsonForm(*made.data, made.findings);
+        }
+        context.output << document(form) << std::flush;
+    }
+    if (bar) {
+        bar->deliverInterrupt(); // one that came too late to cancel the copy
     }
 }
 

@@ -3,6 +3,8 @@
 #include "CommandLine/CommandContext.h"
 #include "CommandLine/CreateOptions.h"
 
+#include <filesystem>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -15,8 +17,9 @@ void inspectCommand(const CommandContext& context, const std::string& app, bool 
 
 /// The options of `quorvelctl list`.
 struct ListOptions {
-    std::vector<std::string> searchDirs{}; ///< empty: ~/Applications
-    bool stale = false;                    ///< only those that `refresh` would change
+    std::vector<std::string> searchDirs{};         ///< empty: ~/Applications
+    bool stale = false;                            ///< only those that `refresh` would change
+    std::optional<std::filesystem::path> runner{}; ///< that `refresh` would use
 };
 
 /// Prints the clones in the folders.

@@ -110,16 +110,19 @@ void addAppCommands(CLI::App& program, Words& words, Command& chosen,
         ->type_name("");
 }
 
+void addRefreshedRunner(CLI::App& command, std::optional<std::filesystem::path>& runner,
+                        const std::string& text) {
+    command
+        .add_option_function<std::string>(
+            "--runner", [&runner](const std::string& value) { runner = absoluteFile(value); }, text)
+        ->type_name("FILE");
+}
+
 void addRefreshOptions(CLI::App& refresh, RefreshOptions& options) {
     refresh.add_option("CLONE", options.clones, "Paths to wrappers, or names of listed clones")
         ->type_name("");
     refresh.add_flag("--all", options.all, "Every listed clone");
-    refresh
-        .add_option_function<std::string>(
-            "--runner",
-            [&options](const std::string& value) { options.runner = absoluteFile(value); },
-            "The runner to put into the clones")
-        ->type_name("FILE");
+    addRefreshedRunner(refresh, options.runner, "The runner to put into the clones");
 }
 
 // The commands that change clones that exist.
@@ -152,6 +155,7 @@ void addCloneCommands(CLI::App& program, Words& words, Command& chosen,
                   words.list.searchDirs);
     list.add_flag("--stale", words.list.stale,
                   "Only those that refresh would change, and what of them");
+    addRefreshedRunner(list, words.list.runner, "With --stale: the runner that refresh would use");
     addCloneOperand(addCommand(program, "show", "Show one clone", words, chosen,
                                [&] { showCommand(context, words.operand, words.json); }),
                     words);
@@ -219,8 +223,8 @@ std::string usage(const CLI::App& program) {
 
 // These begin with putting right what an interrupted one left.
 bool changesClones(const CLI::App& program) {
-    const std::set<std::string> commands{"create", "edit",    "rename",
-                                         "delete", "migrate", "refresh"};
+    const std::set<std::string> commands{"create", "duplicate", "edit",   "rename",
+                                         "delete", "migrate",   "refresh"};
     const auto given = program.get_subcommands();
     return !given.empty() && commands.contains(given.front()->get_name());
 }

@@ -24,19 +24,6 @@ std::string counted(std::size_t count, const std::string& noun) {
     return std::to_string(count) + " " + noun + (count == 1 ? "" : "s");
 }
 
-std::string lockedLine(const CopyFindings& findings) {
-    std::string what;
-    if (findings.lockedCookies > 0) {
-        what = counted(findings.lockedCookies, "cookie");
-    }
-    if (findings.lockedPasswords > 0) {
-        what += (what.empty() ? "" : " and ") + counted(findings.lockedPasswords, "password");
-    }
-    return what.empty() ? what
-                        : what + " can only be decrypted with the keyring of this session. Opened "
-                                 "without it, the clone loses them for good.\n";
-}
-
 } // namespace
 
 FolderCopyOptions CopyBar::options() {
@@ -72,15 +59,27 @@ std::string copyLine(const FolderCopyReport& report) {
            sizeText(report.bytesTaken) + ".\n";
 }
 
+std::string keyringLine(const CopyFindings& findings) {
+    std::string what;
+    if (findings.lockedCookies > 0) {
+        what = counted(findings.lockedCookies, "cookie");
+    }
+    if (findings.lockedPasswords > 0) {
+        what += (what.empty() ? "" : " and ") + counted(findings.lockedPasswords, "password");
+    }
+    return what.empty() ? what
+                        : what + " can only be decrypted with the keyring of this session. Opened "
+                                 "without it, the clone loses them for good.\n";
+}
+
 std::string findingLines(const CopyFindings& findings) {
     constexpr std::size_t most = 10;
-    std::string lines = lockedLine(findings);
     const std::size_t count = findings.namingOriginal.size();
     if (count == 0) {
-        return lines;
+        return {};
     }
-    lines += counted(count, "file") + " of the copy " + (count == 1 ? "names" : "name") +
-             " the original’s data folder and may lead there:\n";
+    std::string lines = counted(count, "file") + " of the copy " + (count == 1 ? "names" : "name") +
+                        " the original’s data folder and may lead there:\n";
     for (std::size_t index = 0; index < std::min(most, count); ++index) {
         lines += "  " + terminalText(findings.namingOriginal[index]) + "\n";
     }

@@ -38,7 +38,11 @@ private:
 /// Returns how the data was copied and how many bytes that took, as a line.
 [[nodiscard]] std::string copyLine(const FolderCopyReport& report);
 
-/// Returns what the user should know, as lines; empty if there is nothing.
+/// Returns what the user should know before anything is started with the copy, as a line; empty if
+/// there is nothing.
+[[nodiscard]] std::string keyringLine(const CopyFindings& findings);
+
+/// Returns what of the copy may lead to the original, as lines; empty if there is nothing.
 [[nodiscard]] std::string findingLines(const CopyFindings& findings);
 
 /// Returns both for scripts.

@@ -14,20 +14,22 @@
 namespace quorvel {
 namespace {
 
-DuplicatedClone duplicated(const CommandContext& context, const InstanceRecord& original,
-                           const DuplicateOptions& options) {
+DuplicatedClone duplicated(const CommandContext& context, CopyBar& bar,
+                           const InstanceRecord& original, const DuplicateOptions& options) {
     const WrapperFactory factory(
         options.runner.empty() ? std::nullopt : std::optional(absoluteFile(options.runner)));
-    CopyBar bar(context);
+    const auto say = [&](const std::string& line) {
+        bar.erase();
+        context.errors << line << std::flush;
+    };
     try {
-        return duplicateClone(factory, context.registry, original,
-                              {.name = options.name,
-                               .withData = options.withData,
-                               .copy = bar.options(),
-                               .warn = [&](const std::string& warning) {
-                                   bar.erase();
-                                   context.errors << terminalText(warning) << "\n" << std::flush;
-                               }});
+        return duplicateClone(
+            factory, context.registry, original,
+            {.name = options.name,
+             .withData = options.withData,
+             .copy = bar.options(),
+             .found = [&](const CopyFindings& found) { say(keyringLine(found)); },
+             .warn = [&](const std::string& warning) { say(terminalText(warning) + "\n"); }});
     } catch (const CopyCancelled&) {
         bar.erase();
         bar.deliverInterrupt();
@@ -40,7 +42,9 @@ DuplicatedClone duplicated(const CommandContext& context, const InstanceRecord& 
 void duplicateCommand(const CommandContext& context, const std::string& clone,
                       const DuplicateOptions& options, bool json) {
     const InstanceRecord original = findClone(context.registry, clone);
-    const DuplicatedClone made = duplicated(context, original, options);
+    CopyBar bar(context);
+    const DuplicatedClone made = duplicated(context, bar, original, options);
+    bar.erase();
     repairMenu(context.registry.list());
     if (!made.clone.record) {
         throw CommandError("The clone at " + made.clone.wrapper.string() + " can’t be read back.");
@@ -50,14 +54,15 @@ void duplicateCommand(const CommandContext& context, const std::string& clone,
         if (made.data) {
             form["data"] = jsonForm(*made.data, made.findings);
         }
-        context.output << document(form);
-        return;
+        context.output << document(form) << std::flush;
+    } else {
+        context.output << shownPath(context, made.clone.wrapper) << "\n" << std::flush;
+        if (made.data) {
+            context.errors << copyLine(*made.data) << findingLines(made.findings) << std::flush;
+        }
     }
-    const std::string path = made.clone.wrapper.string();
-    context.output << (context.outputIsTerminal ? terminalText(path) : path) << "\n" << std::flush;
-    if (made.data) {
-        context.errors << copyLine(*made.data) << findingLines(made.findings);
-    }
+    // One that came too late to cancel the copy.
+    bar.deliverInterrupt();
 }
 
 } // namespace quorvel

@@ -35,8 +35,9 @@ const char* rawOutcome(StoppedClone::Case outcome) {
         return "forced";
     case StoppedClone::Case::running:
         return "running";
-    case StoppedClone::Case::notRunning:
     case StoppedClone::Case::elsewhere:
+        return "elsewhere";
+    case StoppedClone::Case::notRunning:
         break;
     }
     return "notRunning";

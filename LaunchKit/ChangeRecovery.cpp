@@ -4,12 +4,15 @@
 #include "Base/BundleName.h"
 #include "Base/PathText.h"
 #include "LaunchKit/ChangeJournal.h"
+#include "LaunchKit/CopiedData.h"
 #include "LaunchKit/HomeMove.h"
+#include "LaunchKit/WrapperFactory.h"
 #include "Platform/files/FileLock.h"
 #include "Platform/files/FileSystem.h"
 #include "Platform/files/FileWriting.h"
 #include "Platform/files/ItemIdentity.h"
 #include "Platform/files/StagedChange.h"
+#include "Platform/files/UserPaths.h"
 
 #include <algorithm>
 #include <exception>
@@ -98,6 +101,9 @@ void finishInterruptedChanges(const std::vector<fs::path>& folders) noexcept {
             continue;
         }
     }
+    // Now that every clone is at its place.
+    CopiedData::removeUnfinished(
+        withoutTrailingSlashes(UserPaths::expandTilde(WrapperFactory::defaultInstanceHome(""))));
 }
 
 } // namespace quorvel

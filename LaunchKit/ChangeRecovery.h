@@ -12,7 +12,8 @@ void finishInterruptedChanges(const std::filesystem::path& folder) noexcept;
 
 /// Does that in several folders, each while no other change is made in it; leaves out those in
 /// which one is. Also removes configurations that were not written completely, if older than a
-/// minute. Quick where there is nothing to do. Never throws.
+/// minute, and copied data in ~/QuorvelInstances whose clone was not made. Quick where there is
+/// nothing to do. Never throws.
 void finishInterruptedChanges(const std::vector<std::filesystem::path>& folders) noexcept;
 
 } // namespace quorvel

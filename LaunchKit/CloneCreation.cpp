@@ -1,6 +1,7 @@
 #include "LaunchKit/CloneCreation.h"
 
 #include "LaunchKit/ClonesLock.h"
+#include "LaunchKit/CopiedData.h"
 #include "LaunchKit/InstanceRegistry.h"
 #include "Platform/files/FileLock.h"
 #include "Platform/files/FileSystem.h"
@@ -33,9 +34,20 @@ std::optional<FileLock> lockAndValidate(const fs::path& folder,
 
 } // namespace
 
+void clearPlaceFor(const WrapperFactory::Request& request) {
+    const DataFolder data = dataFolderOf(request);
+    if (data.isNone || data.isBehindLink) {
+        return;
+    }
+    // An interrupted change may hide the clone whose data it is.
+    (void)lockClones(WrapperFactory::wrapperURL(request).parent_path());
+    CopiedData::removeUnfinished(data.path.parent_path());
+}
+
 MadeClone createClone(const WrapperFactory& factory, const WrapperFactory::Request& request,
                       const RequestPermissions& permissions, const WrapperFactory::Warning& warn,
                       const WrapperFactory::BeforeWriting& beforeWriting) {
+    clearPlaceFor(request);
     const fs::path folder = WrapperFactory::wrapperURL(request).parent_path();
     std::optional<FileLock> lock = lockAndValidate(
         folder, [&] { validateRequest(request, factory.runnerBinary, permissions); });

@@ -15,10 +15,15 @@ struct MadeClone {
     std::optional<InstanceRecord> record{}; ///< std::nullopt if it can't be read back
 };
 
-/// Validates the request and makes the clone. Creations in one folder wait for each other, and each
-/// checks what is at the clone's path when its turn comes: of two that are not allowed to replace a
-/// clone, one fails. The result is read back before the next creation begins. Calls `warn` as
-/// `create` does, and `beforeWriting` last before anything is changed. Throws what
+/// Puts right what interrupted creations and changes left where the clone and its data would be, so
+/// that it does not get another one's data. Throws `InvalidRequest` for an invalid name, or if
+/// another creation takes too long.
+void clearPlaceFor(const WrapperFactory::Request& request);
+
+/// Validates the request, clears the place and makes the clone. Creations in one folder wait for
+/// each other, and each checks what is at the clone's path when its turn comes: of two that are not
+/// allowed to replace a clone, one fails. The result is read back before the next creation begins.
+/// Calls `warn` as `create` does, and `beforeWriting` last before anything is changed. Throws what
 /// `validateRequest` and `WrapperFactory::create` throw, and `InvalidRequest` if another creation
 /// takes too long. Any thread.
 [[nodiscard]] MadeClone createClone(const WrapperFactory& factory,

@@ -1,14 +1,11 @@
 #include "LaunchKit/CloneDuplication.h"
 
-#include "Base/BundleLayout.h"
 #include "LaunchKit/CloneStop.h"
 #include "LaunchKit/CloneWithData.h"
 #include "LaunchKit/DataFolderGuard.h"
 #include "LaunchKit/HomeLock.h"
-#include "LaunchKit/WrapperLayout.h"
-#include "Platform/files/FileRemoval.h"
 #include "Platform/files/FileSystem.h"
-#include "Platform/files/PropertyListFile.h"
+#include "Platform/files/ResolvedPath.h"
 
 #include <algorithm>
 
@@ -32,12 +29,6 @@ std::string freeIdentifier(const InstanceRegistry& registry, const std::string& 
     return identifier;
 }
 
-bool hidesIcon(const fs::path& wrapper) {
-    const auto list = readPropertyList(infoPlistOf(wrapper.string()), {"LSUIElement"});
-    const auto entry = list ? list->find("LSUIElement") : PropertyListDictionary::const_iterator();
-    return list && entry != list->end() && entry->second.boolean().value_or(false);
-}
-
 // Returns the data to copy; none if the clone has none yet.
 std::vector<DataPart> partsOf(const InstanceRecord& original) {
     const DataFolder data = dataFolderOf(original.config);
@@ -52,19 +43,17 @@ std::vector<DataPart> partsOf(const InstanceRecord& original) {
 DuplicatedClone duplicateWithData(const WrapperFactory& factory, const InstanceRecord& original,
                                   const WrapperFactory::Request& request,
                                   const DuplicationOptions& options) {
-    const std::vector<DataPart> parts = partsOf(original);
+    const InitialData initial{
+        .parts = partsOf(original), .copy = options.copy, .found = options.found};
     if (isCloneRunning(original)) {
         throw HomeInUse(original.config.displayName);
     }
     // Held until the copy is complete, so that the clone can't be started meanwhile.
-    const std::optional<FileLock> lock = parts.empty() ? std::nullopt : lockHome(original.config);
-    CloneWithData made =
-        createCloneWithData(factory, request, {}, parts, options.copy, options.warn);
-    DuplicatedClone duplicate{.clone = std::move(made.clone), .data = made.data};
-    if (!parts.empty()) {
-        duplicate.findings = findingsIn(dataFolderFor(request), {parts.front().from});
-    }
-    return duplicate;
+    const std::optional<FileLock> lock =
+        initial.parts.empty() ? std::nullopt : lockHome(original.config);
+    CloneWithData made = createCloneWithData(factory, request, {}, initial, options.warn);
+    return {
+        .clone = std::move(made.clone), .data = made.data, .findings = std::move(made.findings)};
 }
 
 } // namespace
@@ -81,9 +70,7 @@ WrapperFactory::Request duplicateRequest(const InstanceRegistry& registry,
     request.outputDir = original.bundleURL.parent_path();
     request.bundleId = freeIdentifier(registry, request.displayName);
     request.infoPlistOverrides.erase("CFBundleIdentifier");
-    request.customIcon = original.iconURL();
-    request.iconHasLabel = true;
-    request.hideWrapperIcon = hidesIcon(original.bundleURL);
+    request.original = resolvedPath(original.bundleURL).value_or(original.bundleURL);
     request.extraArgs = config.extraArgs;
     return request;
 }
@@ -95,6 +82,7 @@ DuplicatedClone duplicateClone(const WrapperFactory& factory, const InstanceRegi
         return duplicateWithData(factory, original, request, options);
     }
     validateRequest(request, factory.runnerBinary);
+    clearPlaceFor(request);
     CopiedData::requireFree(dataFolderFor(request));
     return {.clone = createClone(factory, request, {}, options.warn)};
 }

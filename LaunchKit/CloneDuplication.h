@@ -6,6 +6,7 @@
 #include "LaunchKit/InstanceRecord.h"
 #include "LaunchKit/InstanceRegistry.h"
 
+#include <functional>
 #include <optional>
 #include <string>
 
@@ -16,6 +17,7 @@ struct DuplicationOptions {
     std::string name{};
     bool withData = false;
     FolderCopyOptions copy{};
+    std::function<void(const CopyFindings&)> found{}; ///< as of `InitialData`
     WrapperFactory::Warning warn{};
 };
 
@@ -26,8 +28,9 @@ struct DuplicatedClone {
     CopyFindings findings{};
 };
 
-/// Returns what to ask for to get another clone with the options, the icon and the place of this
-/// one, but with an identifier and a data folder of its own.
+/// Returns what to ask for to get another clone with the options, the icon, the place and whatever
+/// else the user put into the wrapper of this one, but with an identifier and a data folder of its
+/// own.
 [[nodiscard]] WrapperFactory::Request duplicateRequest(const InstanceRegistry& registry,
                                                        const InstanceRecord& original,
                                                        const std::string& name);

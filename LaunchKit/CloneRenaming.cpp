@@ -188,6 +188,7 @@ ChangedClone renameClone(const fs::path& wrapper, const CloneRenaming& renaming)
     if (old.displayName == wanted.name && place == clone.wrapper() && !wanted.movesData) {
         return {.record = {clone.wrapper(), old}};
     }
+    keepCopiedData(old);
     const std::string identity = cloneIdentity(clone.wrapper());
     std::vector<std::string> kept = Renaming(clone, wanted).run();
     ChangedClone changed = published(place, std::move(kept));

@@ -1,8 +1,10 @@
 #include "LaunchKit/CloneWithData.h"
 
 #include "LaunchKit/AppBundle.h"
-#include "LaunchKit/DataFolderGuard.h"
 #include "LaunchKit/RunnerLocator.h"
+
+#include <algorithm>
+#include <iterator>
 
 namespace quorvel {
 namespace fs = std::filesystem;
@@ -20,39 +22,46 @@ void requireParts(const WrapperFactory& factory, const WrapperFactory::Request& 
     }
 }
 
+std::vector<fs::path> foldersOf(const std::vector<DataPart>& parts) {
+    std::vector<fs::path> folders;
+    std::transform(parts.begin(), parts.end(), std::back_inserter(folders),
+                   [](const DataPart& part) { return part.from; });
+    return folders;
+}
+
 } // namespace
 
 fs::path dataFolderFor(const WrapperFactory::Request& request) {
-    InstanceConfig config;
-    config.instanceHome = request.instanceHome.value_or(
-        WrapperFactory::defaultInstanceHome(validatedCloneName(request.displayName)));
-    const DataFolder folder = dataFolderOf(config);
+    const DataFolder folder = dataFolderOf(request);
     if (folder.isNone || folder.isBehindLink) {
         throw DataCopyError("The new clone has no data folder of its own to copy data to.");
     }
     return folder.path;
 }
 
-CloneWithData
-createCloneWithData(const WrapperFactory& factory, const WrapperFactory::Request& request,
-                    const RequestPermissions& permissions, const std::vector<DataPart>& parts,
-                    const FolderCopyOptions& options, const WrapperFactory::Warning& warn) {
+CloneWithData createCloneWithData(const WrapperFactory& factory,
+                                  const WrapperFactory::Request& request,
+                                  const RequestPermissions& permissions, const InitialData& initial,
+                                  const WrapperFactory::Warning& warn) {
     // Checked before and after the copy, which may take long and must not keep others waiting.
     validateRequest(request, factory.runnerBinary, permissions);
     requireParts(factory, request);
-    const fs::path home = dataFolderFor(request);
-    CopiedData::removeUnfinished(home.parent_path());
-    CopiedData data(home, parts, options);
-    CloneWithData made;
+    clearPlaceFor(request);
+    CopiedData data(dataFolderFor(request), initial.parts, initial.copy);
+    CloneWithData made{.data = data.report(),
+                       .findings = findingsIn(data.path(), foldersOf(initial.parts))};
+    if (initial.found) {
+        initial.found(made.findings);
+    }
+    data.complete(WrapperFactory::wrapperURL(request));
     try {
         made.clone = createClone(factory, request, permissions, warn,
-                                 [&](const fs::path& wrapper) { data.publish(wrapper); });
+                                 [&](const fs::path& /*wrapper*/) { data.publish(); });
     } catch (...) {
         data.withdraw();
         throw;
     }
     data.finish();
-    made.data = data.report();
     return made;
 }
 

@@ -4,13 +4,15 @@
 #include "Base/PathText.h"
 #include "LaunchKit/DataCopyRules.h"
 #include "LaunchKit/DataFolderGuard.h"
+#include "LaunchKit/InstanceRecord.h"
 #include "LaunchKit/InstanceRegistry.h"
 #include "Platform/files/FileLock.h"
 #include "Platform/files/FileReading.h"
-#include "Platform/files/FileRemoval.h"
 #include "Platform/files/FileSystem.h"
 #include "Platform/files/FileWriting.h"
+#include "Platform/files/ItemIdentity.h"
 #include "Platform/files/PlatformError.h"
+#include "Platform/files/StagedChange.h"
 
 #include <algorithm>
 #include <fcntl.h>
@@ -21,11 +23,31 @@ namespace quorvel {
 namespace fs = std::filesystem;
 namespace {
 
-void requireUnused(const fs::path& folder) {
-    if (const auto lock = lockInUse(folder)) {
-        throw DataCopyError("The data in " + folder.string() + " is in use: “" + *lock +
+void requireUnused(const DataPart& part) {
+    if (part.requireUnused) {
+        part.requireUnused();
+    }
+    if (const auto lock = lockInUse(part.from)) {
+        throw DataCopyError("The data in " + part.from.string() + " is in use: “" + *lock +
                             "” belongs to a program that is running. Close it first.");
     }
+}
+
+// A copy inside its original would copy itself.
+void requireApart(const fs::path& from, const fs::path& home) {
+    if (Place(from).relationTo(home) != Relation::unrelated ||
+        Place(home).relationTo(from) != Relation::unrelated) {
+        throw DataCopyError("The data in " + from.string() + " can’t be copied to " +
+                            home.string() + ", since one would be inside the other.");
+    }
+}
+
+const fs::path& checkedPlace(const fs::path& home, const std::vector<DataPart>& parts) {
+    CopiedData::requireFree(home);
+    for (const DataPart& part : parts) {
+        requireApart(part.from, home);
+    }
+    return home;
 }
 
 FileHandle folderIn(const StagedFolder& folder, const std::string& below) {
@@ -45,26 +67,50 @@ std::string markFor(int folder, const fs::path& wrapper) {
     return std::to_string(facts.st_ino) + " " + wrapper.string();
 }
 
-bool isDataOf(const fs::path& wrapper, const fs::path& folder) {
-    const auto record = InstanceRegistry().record(wrapper);
-    return record && isSameItem(dataFolderOf(record->config).path, folder);
+// Returns whether the folder is the data of a clone, which may have got another name or place since
+// it was made. Returns std::nullopt if that can't be told: the folder of the clone that was to be
+// made is missing, as on a disk that is not mounted, or a clone there is being changed.
+std::optional<bool> isDataOfAClone(const fs::path& folder, const fs::path& wrapper) {
+    const fs::path beside = wrapper.parent_path();
+    const auto names = directoryEntries(beside);
+    const auto lock = names ? FileLock::tryTakeFolder(beside) : std::nullopt;
+    if (!lock || std::any_of(names->begin(), names->end(), StagedChange::isHiddenFolder)) {
+        return std::nullopt;
+    }
+    std::vector<fs::path> folders = InstanceRegistry::defaultSearchDirs();
+    folders.push_back(beside);
+    const std::vector<InstanceRecord> clones = InstanceRegistry(std::move(folders)).list();
+    return std::any_of(clones.begin(), clones.end(), [&](const InstanceRecord& clone) {
+        return isSameItem(dataFolderOf(clone.config).path, folder);
+    });
 }
 
 void settle(const fs::path& folder) {
     constexpr std::size_t limit = 65536;
     const fs::path mark = joinAsText(folder, copiedMarkName);
-    const auto text =
-        isSymbolicLink(folder) || isSymbolicLink(mark) ? std::nullopt : readFile(mark, limit);
+    const auto text = !itemExists(mark) || isSymbolicLink(folder) || isSymbolicLink(mark)
+                          ? std::nullopt
+                          : readFile(mark, limit);
     // Locked by the program that is still making the clone.
     const auto lock = text ? FileLock::tryTakeFolder(folder) : std::nullopt;
-    if (!lock || !itemOrLinkExists(mark)) {
+    if (!lock || !itemExists(mark)) {
         return;
     }
     const std::string wrapper = text->substr(std::min(text->find(' ') + 1, text->size()));
-    if (isDataOf(wrapper, folder)) {
+    const auto isUsed = isDataOfAClone(folder, wrapper);
+    if (isUsed == true) {
         (void)::unlink(mark.c_str());
-    } else if (*text == markFor(lock->descriptor(), wrapper)) {
-        removeItem(folder);
+    } else if (isUsed == false && *text == markFor(lock->descriptor(), wrapper)) {
+        StagedFolder::discard(folder);
+    }
+}
+
+// One folder that can't be looked at does not keep the others from it.
+void settleQuietly(const fs::path& folder) noexcept {
+    try {
+        settle(folder);
+    } catch (const std::exception&) {
+        return; // the next one tries again
     }
 }
 
@@ -72,15 +118,16 @@ void settle(const fs::path& folder) {
 
 CopiedData::CopiedData(const fs::path& home, const std::vector<DataPart>& parts,
                        const FolderCopyOptions& options)
-    : folder_((requireFree(home), home)) {
+    : folder_(checkedPlace(home, parts)),
+      cancelled_(options.cancelled) {
     FolderCopyOptions complete = options;
     complete.leavesOut = staysBehind;
     for (const DataPart& part : parts) {
-        requireUnused(part.from);
+        requireUnused(part);
         const FileHandle to =
             part.to.empty() ? FileHandle(::dup(folder_.descriptor())) : folderIn(folder_, part.to);
         report_ += FolderCopy(part.from, complete).copyInto(to.descriptor());
-        requireUnused(part.from);
+        requireUnused(part);
     }
 }
 
@@ -92,9 +139,16 @@ void CopiedData::requireFree(const fs::path& home) {
     }
 }
 
-void CopiedData::publish(const fs::path& wrapper) {
+void CopiedData::complete(const fs::path& wrapper) const {
     writeWholeFile(joinAsText(folder_.path(), copiedMarkName),
                    markFor(folder_.descriptor(), wrapper));
+    folder_.flush();
+    if (cancelled_ != nullptr && *cancelled_) {
+        throw CopyCancelled();
+    }
+}
+
+void CopiedData::publish() {
     folder_.publish();
 }
 
@@ -107,7 +161,7 @@ void CopiedData::removeUnfinished(const fs::path& parent) noexcept {
     try {
         const auto names = directoryEntries(parent);
         for (const std::string& name : names ? *names : std::vector<std::string>()) {
-            settle(joinAsText(parent, name));
+            settleQuietly(joinAsText(parent, name));
         }
     } catch (const std::exception&) {
         return; // the next one tries again

@@ -4,7 +4,9 @@
 #include "Platform/files/FolderCopy.h"
 #include "Platform/files/StagedFolder.h"
 
+#include <atomic>
 #include <filesystem>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -20,6 +22,9 @@ public:
 struct DataPart {
     std::filesystem::path from{};
     std::string to{}; ///< relative to the clone's data folder; empty for the folder itself
+    /// If set, called before and after the copy; throws `DataCopyError` if a program uses the
+    /// folder that no lock in it tells of.
+    std::function<void()> requireUnused{};
 };
 
 /// The data folder of a clone that is yet to be made, with copies in it. The folder gets its place
@@ -28,14 +33,22 @@ struct DataPart {
 class CopiedData {
 public:
     /// Copies the parts, beside `home`. Throws `DataCopyError` if something is at `home` other than
-    /// an empty folder, or if a part is in use; and what `FolderCopy` throws.
+    /// an empty folder, if a part is in use, or if it contains `home` or is in it; and what
+    /// `FolderCopy` throws.
     CopiedData(const std::filesystem::path& home, const std::vector<DataPart>& parts,
                const FolderCopyOptions& options);
 
     [[nodiscard]] const FolderCopyReport& report() const { return report_; }
 
-    /// Moves everything to `home`, for the clone at `wrapper`. Throws `PlatformError`.
-    void publish(const std::filesystem::path& wrapper);
+    /// Returns where it is now.
+    [[nodiscard]] const std::filesystem::path& path() const { return folder_.path(); }
+
+    /// Notes for which clone it is, and flushes everything to disk, which may take long. Throws
+    /// `CopyCancelled` and `PlatformError`.
+    void complete(const std::filesystem::path& wrapper) const;
+
+    /// Moves everything to `home`, once it is complete. Throws `PlatformError`.
+    void publish();
 
     /// Records that the clone is there.
     void finish() noexcept;
@@ -44,7 +57,7 @@ public:
     void withdraw() noexcept { folder_.withdraw(); }
 
     /// Removes what interrupted copies left in that folder, and their marks from the data of clones
-    /// that are there. Never fails.
+    /// that are there, under whatever name. What may be a clone's stays. Never fails.
     static void removeUnfinished(const std::filesystem::path& parent) noexcept;
 
     /// Throws `DataCopyError` if something is at `home` other than an empty folder.
@@ -53,6 +66,7 @@ public:
 private:
     StagedFolder folder_;
     FolderCopyReport report_{};
+    const std::atomic<bool>* cancelled_;
 };
 
 } // namespace quorvel

@@ -147,7 +147,7 @@ std::vector<DataPart> electronSeed(const AppBundle& app, const UserFoldersOfSess
     return {{.from = folders.resolved(".config/" + *name), .to = "QuorvelData"}};
 }
 
-// Of such an application, no lock says whether it is running.
+// Not every application has locks, and not every lock tells of every instance.
 void requireNotRunning(const AppBundle& app) {
     const ResolvedProgram& program = app.desktop->program;
     auto running = program.interpreter.empty() ? processesOf(program.executable)
@@ -167,7 +167,6 @@ std::vector<DataPart> knownSeed(const AppBundle& app, const UserFoldersOfSession
     if (!profile || !profile->dataFolders || profile->dataFolders->empty()) {
         throw unknownPlace(app);
     }
-    requireNotRunning(app);
     std::vector<DataPart> parts;
     for (const std::string& folder : *profile->dataFolders) {
         if (isFolder(folders.resolved(folder))) {
@@ -214,11 +213,13 @@ std::vector<DataPart> seedFor(const WrapperFactory::Request& request, const Envi
     }
     const UserFoldersOfSession folders(session);
     std::vector<DataPart> parts = partsFor(*app, folders);
-    for (const DataPart& part : parts) {
+    for (DataPart& part : parts) {
         if (!isFolder(part.from)) {
             throw noData(*app, part.from);
         }
+        part.requireUnused = [app] { requireNotRunning(*app); };
     }
+    requireNotRunning(*app);
     return parts;
 }
 

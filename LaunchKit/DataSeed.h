@@ -13,8 +13,8 @@ namespace quorvel {
 /// and Electron the whole folder of user data, of others those that are known. Of an application
 /// that is not described by a desktop entry or an AppImage, nothing is known. Throws
 /// `DataCopyError` if it is not known where the original keeps its data or where the clone would
-/// look for it, if there is no data, or if the original is running. `session` is the environment of
-/// the session.
+/// look for it, if there is no data, or if the original is running; the parts throw that too, when
+/// they are copied. `session` is the environment of the session.
 [[nodiscard]] std::vector<DataPart> seedFor(const WrapperFactory::Request& request,
                                             const Environment& session = currentEnvironment());
 

@@ -63,13 +63,19 @@ HomeInUse::HomeInUse(const std::string& displayName)
             "” is still running, or a clone that shares its data folder is, or a "
             "program that it started") {}
 
+void keepCopiedData(const InstanceConfig& config) {
+    const std::string home = config.resolvedHome();
+    if (home.starts_with('/')) {
+        (void)::unlink(joinAsText(home, copiedMarkName).c_str());
+    }
+}
+
 std::optional<FileLock> lockHome(const InstanceConfig& config) {
     const std::string home = config.resolvedHome();
     createDirectories(home);
     try {
         if (std::optional<FileLock> lock = lockFileOrFolder(home)) {
-            // It is in use, so it is some clone's.
-            (void)::unlink(joinAsText(home, copiedMarkName).c_str());
+            keepCopiedData(config);
             return lock;
         }
     } catch (const PlatformError& error) {

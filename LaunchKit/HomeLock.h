@@ -29,6 +29,10 @@ public:
 /// occupied by something else.
 [[nodiscard]] std::optional<FileLock> lockHome(const InstanceConfig& config);
 
+/// Records that the clone's data is its own for good. Without that, data that was copied for a
+/// clone is removed if the clone is not found.
+void keepCopiedData(const InstanceConfig& config);
+
 /// A claim on a home in which another target is still running. A target that inherits the
 /// descriptor shares the claim once it is taken.
 class PendingHomeLock {

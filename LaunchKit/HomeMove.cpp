@@ -6,6 +6,7 @@
 #include "Platform/files/MountBoundary.h"
 #include "Platform/files/PlatformError.h"
 #include "Platform/files/TreeFlush.h"
+#include "Platform/files/UnsupportedOperation.h"
 
 #include <cerrno>
 #include <fcntl.h>
@@ -47,7 +48,7 @@ int takePlaceOfLink(const fs::path& home, const fs::path& newHome) {
     if (exchangeItems(AT_FDCWD, home.c_str(), AT_FDCWD, newHome.c_str()) == 0) {
         return 0;
     }
-    if (errno != EINVAL && errno != ENOSYS && errno != ENOTSUP) {
+    if (!meansNoSuchRename(errno)) {
         return -1;
     }
     return ::unlink(newHome.c_str()) == 0 ? ::rename(home.c_str(), newHome.c_str()) : -1;

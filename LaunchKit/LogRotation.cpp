@@ -5,6 +5,7 @@
 #include "Platform/files/FileHandle.h"
 #include "Platform/files/ItemIdentity.h"
 
+#include <cerrno>
 #include <cstdio>
 #include <fcntl.h>
 #include <sys/file.h>
@@ -30,7 +31,11 @@ void shift(const std::string& log) {
         }
     }
     for (int number = logsSetAside; number > 0; --number) {
-        (void)std::rename(numbered(log, number - 1).c_str(), numbered(log, number).c_str());
+        // The next one would take the place of what couldn't be moved.
+        if (std::rename(numbered(log, number - 1).c_str(), numbered(log, number).c_str()) != 0 &&
+            errno != ENOENT) {
+            return;
+        }
     }
 }
 

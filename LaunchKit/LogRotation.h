@@ -11,7 +11,8 @@ inline constexpr std::uintmax_t largestLog = std::uintmax_t{10} << 20U;
 /// Renames the log in a clone's data folder, which must be expanded, if it is larger than
 /// `largestLog`: to NAME.1, what had that name to NAME.2, and so on; the oldest of three is
 /// replaced. What still writes into a log goes on writing into the same file, wherever that is.
-/// Leaves alone what is not a plain file. Never fails. To be called before a run opens the log.
+/// Leaves alone what is not a plain file, and every newer one if one can't be renamed. Never fails.
+/// To be called before a run opens the log.
 void setAsideLargeLog(const std::string& home) noexcept;
 
 } // namespace quorvel

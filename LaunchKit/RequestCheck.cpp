@@ -2,7 +2,6 @@
 
 #include "Base/Text.h"
 #include "Base/Utf8.h"
-#include "LaunchKit/DataFolderGuard.h"
 #include "LaunchKit/InstanceRecord.h"
 #include "LaunchKit/InstanceRegistry.h"
 #include "LaunchKit/WrapperLayout.h"
@@ -23,10 +22,7 @@ bool containsControlCharacters(const std::string& text) {
 // Two clones with one data folder are not isolated, and deleting one would delete the other's data.
 void refuseToShareData(const WrapperFactory::Request& request, const fs::path& wrapper,
                        const RequestPermissions& permissions) {
-    InstanceConfig config;
-    config.instanceHome = request.instanceHome.value_or(
-        WrapperFactory::defaultInstanceHome(validatedCloneName(request.displayName)));
-    const DataFolder data = dataFolderOf(config);
+    const DataFolder data = dataFolderOf(request);
     if (data.isNone) {
         return;
     }
@@ -67,6 +63,13 @@ std::string validatedCloneName(const std::string& name) {
         throw InvalidRequest("The name “" + trimmed + "” contains control characters.");
     }
     return trimmed;
+}
+
+DataFolder dataFolderOf(const WrapperFactory::Request& request) {
+    InstanceConfig config;
+    config.instanceHome = request.instanceHome.value_or(
+        WrapperFactory::defaultInstanceHome(validatedCloneName(request.displayName)));
+    return dataFolderOf(config);
 }
 
 void requireReplaceable(const fs::path& wrapper, const RequestPermissions& permissions) {

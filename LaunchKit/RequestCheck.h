@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Base/Error.h"
+#include "LaunchKit/DataFolderGuard.h"
 #include "LaunchKit/WrapperFactory.h"
 
 #include <filesystem>
@@ -46,6 +47,10 @@ struct RequestPermissions {
 /// Returns the name without surrounding white space. Throws `InvalidRequest` for a name that would
 /// lead out of the folder of clones, is not valid UTF-8 or contains control characters.
 [[nodiscard]] std::string validatedCloneName(const std::string& name);
+
+/// Resolves the data folder that a clone made from the request would have. Throws `InvalidRequest`
+/// for an invalid name.
+[[nodiscard]] DataFolder dataFolderOf(const WrapperFactory::Request& request);
 
 /// Throws `InvalidRequest` if something other than a clone is at the path of a new wrapper. Throws
 /// `CloneExists` and `DamagedClone` for a clone unless `permissions` allow these cases. What a

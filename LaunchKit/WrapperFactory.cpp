@@ -46,7 +46,8 @@ InstanceConfig configuration(const WrapperFactory::Request& request, const std::
 
 // Returns the drawing that shows the same as the clone's icon, if there is one.
 std::optional<fs::path> drawingFor(const WrapperFactory::Request& request) {
-    if (request.kind != ShortcutKind::app || request.iconLabel || request.customIcon) {
+    if (request.kind != ShortcutKind::app || request.iconLabel || request.customIcon ||
+        request.original) {
         return std::nullopt;
     }
     auto icon = appIconFile(*request.targetApp);
@@ -116,15 +117,12 @@ fs::path WrapperFactory::create(const Request& request, const BeforeWriting& bef
     if (!runner) {
         throw FactoryError::runnerNotFound();
     }
-    // A picture that has the label already says nothing about the icon before.
-    const auto arguments =
-        request.iconHasLabel ? std::nullopt : std::optional(sourceOfArguments(request));
     const WrapperGenerator::Options options{.config = configuration(request, name),
                                             .runnerBinary = *runner,
                                             .customIcon = request.customIcon,
                                             .hideWrapperIcon = request.hideWrapperIcon,
-                                            .iconHasLabel = request.iconHasLabel,
-                                            .arguments = arguments,
+                                            .original = request.original,
+                                            .arguments = sourceOfArguments(request),
                                             .beforeWriting = beforeWriting};
     fs::path wrapper = WrapperGenerator().generate(folderOf(request), options);
     publish(request, {wrapper, options.config}, warn);

@@ -26,8 +26,10 @@ public:
         std::optional<std::filesystem::path> outputDir{}; ///< `defaultOutputDir()`
         std::optional<std::string> bundleId{};            ///< `defaultBundleId(name)`
         std::optional<std::filesystem::path> customIcon{};
-        bool iconHasLabel = false; ///< `customIcon` is drawn already
         bool hideWrapperIcon = false;
+        /// A wrapper of which a changed copy is made. The icon, whether it is hidden, the source of
+        /// the arguments and what the user put into the wrapper are its.
+        std::optional<std::filesystem::path> original{};
         std::optional<std::vector<std::string>>
             extraArgs{}; ///< those that the target's engine needs
     };

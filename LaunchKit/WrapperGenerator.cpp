@@ -3,6 +3,7 @@
 #include "Base/PathText.h"
 #include "LaunchKit/WrapperLayout.h"
 #include "LaunchKit/WrapperPropertyList.h"
+#include "LaunchKit/WrapperRevision.h"
 #include "LaunchKit/WrapperWriting.h"
 #include "Platform/files/FileSystem.h"
 #include "Platform/files/ItemIdentity.h"
@@ -44,12 +45,21 @@ WrapperContents contentsFor(const WrapperGenerator::Options& options,
         contents.webHost = webHostBeside(options.runnerBinary);
     }
     contents.config = options.config.json();
-    contents.label = options.iconHasLabel ? std::nullopt : options.config.iconLabel;
+    contents.label = options.config.iconLabel;
     contents.icon = wrapperIcon(chosenIcon(options, wrapper), target, contents.label);
     contents.list = PropertyList::xml(WrapperPropertyList::infoPlist(
         options, contents.icon ? std::optional<std::string>(wrapperIconName) : std::nullopt));
     contents.notes = notesFor(options, contents.icon);
     return contents;
+}
+
+void stageCopy(const StagedChange& change, const std::string& name,
+               const WrapperGenerator::Options& options) {
+    const WrapperRevision original(*options.original);
+    WrapperRevision::Changes changes{.settings = original.settings()};
+    changes.settings.config = options.config;
+    changes.settings.runner = options.runnerBinary;
+    (void)original.stage(change, name, changes); // nothing of the user's is lost
 }
 
 // What is replaced is removed afterwards, so that must be possible.
@@ -103,7 +113,11 @@ fs::path WrapperGenerator::generate(const fs::path& directory, const Options& op
     createFolderFor(wrapper);
     StagedChange change(wrapper.parent_path());
     const std::string name = wrapper.filename();
-    writeWrapper(joinAsText(change.path(), name), contentsFor(options, target, wrapper));
+    if (options.original) {
+        stageCopy(change, name, options);
+    } else {
+        writeWrapper(joinAsText(change.path(), name), contentsFor(options, target, wrapper));
+    }
     change.publish(name, name);
     return wrapper;
 }

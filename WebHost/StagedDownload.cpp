@@ -4,6 +4,7 @@
 #include "Platform/files/ExclusiveRename.h"
 #include "Platform/files/FileSystem.h"
 #include "Platform/files/PlatformError.h"
+#include "Platform/files/UnsupportedOperation.h"
 #include "WebHost/DownloadName.h"
 
 #include <cerrno>
@@ -29,10 +30,6 @@ int renameByLink(const fs::path& source, const fs::path& destination) {
     }
     fs::remove(source, code);
     return 0;
-}
-
-bool isUnsupported(int error) {
-    return error == EINVAL || error == ENOSYS || error == ENOTSUP;
 }
 
 } // namespace
@@ -74,7 +71,7 @@ fs::path StagedDownload::publish() {
     for (int number = 1; number < mostCopies; ++number) {
         const fs::path target = downloads_ / numberedName(name_, number);
         int result = renameExclusively(file(), target);
-        if (result != 0 && isUnsupported(errno)) {
+        if (result != 0 && meansNoSuchRename(errno)) {
             result = renameByLink(file(), target);
         }
         if (result == 0) {

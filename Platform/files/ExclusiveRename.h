@@ -5,7 +5,7 @@
 namespace quorvel {
 
 /// Renames an item atomically, failing if anything is at `destination`. Returns 0, or -1 with
-/// `errno`, which is EINVAL, ENOSYS or ENOTSUP if the file system does not support this.
+/// `errno`, for which `meansNoSuchRename` is true if the file system does not support this.
 [[nodiscard]] int renameExclusively(const std::filesystem::path& source,
                                     const std::filesystem::path& destination);
 

@@ -7,6 +7,7 @@
 #include "Platform/files/FileSystem.h"
 #include "Platform/files/PlatformError.h"
 #include "Platform/files/TreeComparison.h"
+#include "Platform/files/UnsupportedOperation.h"
 #include "Platform/files/VolumeTransfer.h"
 
 #include <cerrno>
@@ -113,7 +114,7 @@ ItemMover::ItemMover(ExclusiveRename exclusively) : exclusively_(std::move(exclu
 
 int ItemMover::renameWhereFree(const fs::path& source, const fs::path& destination) const {
     const int result = exclusively_(source, destination);
-    if (result == 0 || (errno != EINVAL && errno != ENOSYS && errno != ENOTSUP)) {
+    if (result == 0 || !meansNoSuchRename(errno)) {
         return result;
     }
     // Network file systems have no exclusive rename; checking first has to do.

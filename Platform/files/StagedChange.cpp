@@ -10,6 +10,7 @@
 #include "Platform/files/MountBoundary.h"
 #include "Platform/files/PlatformError.h"
 #include "Platform/files/TreeFlush.h"
+#include "Platform/files/UnsupportedOperation.h"
 
 #include <cerrno>
 #include <cstdio>
@@ -27,10 +28,6 @@ namespace {
 constexpr const char* displaced = "displaced";
 constexpr const char* displacedFrom = "displaced-from";
 
-bool isUnsupported(int error) {
-    return error == EINVAL || error == ENOSYS || error == ENOTSUP;
-}
-
 bool isThere(int folder, const char* name) {
     struct stat status {};
     return ::fstatat(folder, name, &status, AT_SYMLINK_NOFOLLOW) == 0;
@@ -43,7 +40,7 @@ bool lock(int folder) {
 
 int renameWhereFree(int from, const char* name, int to, const char* newName) {
     const int result = renameExclusivelyAt(from, name, to, newName);
-    if (result == 0 || !isUnsupported(errno)) {
+    if (result == 0 || !meansNoSuchRename(errno)) {
         return result;
     }
     // Network file systems have no exclusive rename; checking first has to do.
@@ -145,7 +142,7 @@ int StagedChange::moveTo(const char* staged, const char* name) const {
         return -1;
     }
     const int result = exchange_(hidden, staged, parent, name);
-    return result == 0 || !isUnsupported(errno) ? result : replaceInTwoSteps(staged, name);
+    return result == 0 || !meansNoSuchRename(errno) ? result : replaceInTwoSteps(staged, name);
 }
 
 void StagedChange::publish(const std::string& staged, const std::string& name) {

@@ -7,9 +7,11 @@
 #include "Platform/files/FileSystem.h"
 #include "Platform/files/ItemIdentity.h"
 #include "Platform/files/PlatformError.h"
+#include "Platform/files/UnsupportedOperation.h"
 #include "Platform/files/VolumeTransfer.h"
 
 #include <cerrno>
+#include <cstdio>
 #include <fcntl.h>
 #include <string_view>
 #include <sys/file.h>
@@ -23,16 +25,22 @@ namespace {
 
 constexpr std::string_view prefix = ".quorvel-copying-";
 
+enum class WithoutLocks { isOurs, mayBeInUse };
+
 // Returns a handle that is not open if the folder is another program's, or gone.
-FileHandle lockedFolder(const fs::path& path) {
+FileHandle lockedFolder(const fs::path& path, WithoutLocks otherwise) {
     FileHandle folder(::open(path.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
     struct stat facts {};
-    const bool isOurs =
-        folder.descriptor() >= 0 &&
-        // On a file system without locks, no one can hold one.
-        (::flock(folder.descriptor(), LOCK_EX | LOCK_NB) == 0 || errno != EWOULDBLOCK) &&
-        ::fstat(folder.descriptor(), &facts) == 0 && identityOf(path) == identityOf(facts);
+    const bool isOurs = folder.descriptor() >= 0 &&
+                        (::flock(folder.descriptor(), LOCK_EX | LOCK_NB) == 0 ||
+                         (errno != EWOULDBLOCK && otherwise == WithoutLocks::isOurs)) &&
+                        ::fstat(folder.descriptor(), &facts) == 0 &&
+                        identityOf(path) == identityOf(facts);
     return isOurs ? std::move(folder) : FileHandle(-1);
+}
+
+fs::path temporaryName(const fs::path& parent) {
+    return joinAsText(parent, std::string(prefix) + randomUuid());
 }
 
 void removeQuietly(const fs::path& path) noexcept {
@@ -51,9 +59,9 @@ StagedFolder::StagedFolder(fs::path destination) : destination_(std::move(destin
     // Another program may take it for abandoned before it is locked.
     constexpr int attempts = 10;
     for (int attempt = 0; attempt < attempts && folder_.descriptor() < 0; ++attempt) {
-        path_ = joinAsText(parent, std::string(prefix) + randomUuid());
+        path_ = temporaryName(parent);
         createPrivateFolder(path_);
-        folder_ = lockedFolder(path_);
+        folder_ = lockedFolder(path_, WithoutLocks::isOurs);
     }
     if (folder_.descriptor() < 0) {
         removeQuietly(path_);
@@ -67,13 +75,16 @@ StagedFolder::~StagedFolder() {
     }
 }
 
-void StagedFolder::publish() {
+void StagedFolder::flush() const {
     if (!VolumeTransfer::flushFileSystem(folder_.descriptor())) {
         throw PlatformError::fromErrno(destination_, "flushed");
     }
+}
+
+void StagedFolder::publish() {
     (void)::rmdir(destination_.c_str()); // succeeds only if it is empty
     int result = renameExclusively(path_, destination_);
-    if (result != 0 && (errno == EINVAL || errno == ENOSYS || errno == ENOTSUP)) {
+    if (result != 0 && meansNoSuchRename(errno)) {
         // Network file systems have no exclusive rename; checking first has to do.
         errno = EEXIST;
         result =
@@ -92,9 +103,18 @@ void StagedFolder::publish() {
 void StagedFolder::withdraw() noexcept {
     struct stat facts {};
     if (::fstat(folder_.descriptor(), &facts) == 0 && identityOf(path_) == identityOf(facts)) {
-        removeQuietly(path_);
+        discard(path_);
     }
     path_.clear();
+}
+
+void StagedFolder::discard(const fs::path& folder) noexcept {
+    try {
+        const fs::path hidden = temporaryName(folder.parent_path());
+        removeQuietly(::rename(folder.c_str(), hidden.c_str()) == 0 ? hidden : folder);
+    } catch (const std::exception&) {
+        return; // it stays as it is
+    }
 }
 
 void StagedFolder::removeAbandoned(const fs::path& parent) noexcept {
@@ -102,7 +122,8 @@ void StagedFolder::removeAbandoned(const fs::path& parent) noexcept {
         const auto names = directoryEntries(parent);
         for (const std::string& name : names ? *names : std::vector<std::string>()) {
             const fs::path path = joinAsText(parent, name);
-            if (name.starts_with(prefix) && lockedFolder(path).descriptor() >= 0) {
+            if (name.starts_with(prefix) &&
+                lockedFolder(path, WithoutLocks::mayBeInUse).descriptor() >= 0) {
                 removeQuietly(path);
             }
         }

@@ -26,15 +26,21 @@ public:
     /// Returns where it is now.
     [[nodiscard]] const std::filesystem::path& path() const { return path_; }
 
-    /// Flushes everything to disk and moves the folder to its destination, in place of an empty
-    /// folder at most. Throws `PlatformError`, also if something else is there.
+    /// Flushes everything to disk, which may take long. Throws `PlatformError`.
+    void flush() const;
+
+    /// Moves the folder to its destination, in place of an empty folder at most. To be flushed
+    /// before. Throws `PlatformError`, also if something else is there.
     void publish();
 
     /// Removes it from its destination again.
     void withdraw() noexcept;
 
-    /// Removes what interrupted programs left in that folder. What is in use, or can't be removed,
-    /// stays. Never fails.
+    /// Removes a folder. What an interruption leaves of it, `removeAbandoned` finds. Never fails.
+    static void discard(const std::filesystem::path& folder) noexcept;
+
+    /// Removes what interrupted programs left in that folder. What may be in use, or can't be
+    /// removed, stays. Never fails.
     static void removeAbandoned(const std::filesystem::path& parent) noexcept;
 
 private:

@@ -3,6 +3,7 @@
 #include "Platform/files/FileHandle.h"
 #include "Platform/files/FolderWalk.h"
 #include "Platform/files/MountBoundary.h"
+#include "Platform/files/UnsupportedOperation.h"
 
 #include <cerrno>
 #include <fcntl.h>
@@ -15,7 +16,7 @@ namespace {
 constexpr int reading = O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC | O_NOCTTY;
 
 bool flushDescriptor(int descriptor) {
-    return ::fsync(descriptor) == 0 || errno == EINVAL || errno == ENOTSUP || errno == EROFS;
+    return ::fsync(descriptor) == 0 || errno == EINVAL || errno == EROFS || meansUnsupported(errno);
 }
 
 // What may not be read can't be flushed by its name.

@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <ctime>
 #include <filesystem>
+#include <functional>
 #include <string>
 #include <sys/types.h>
 #include <vector>
@@ -18,19 +19,20 @@ struct ProcessIdentity {
     auto operator<=>(const ProcessIdentity&) const = default;
 };
 
-/// Returns the running processes below that one: its children, their children, and so on.
-[[nodiscard]] std::vector<ProcessIdentity> descendantsOf(pid_t root);
+/// Returns the running processes below that one: its children, their children, and so on; without
+/// those for which `isApart` returns true, and what is below them.
+[[nodiscard]] std::vector<ProcessIdentity>
+descendantsOf(pid_t root, const std::function<bool(pid_t process)>& isApart = {});
 
 /// Returns the running children of that process.
 [[nodiscard]] std::vector<ProcessIdentity> childrenOf(pid_t parent);
 
-/// Returns whether a child of `runner`, a clone's, is the user's and not the clone's: it has the
-/// runner's own HOME and a session of its own, like the browser that a link was opened in. False if
-/// that can't be told, and on macOS.
-[[nodiscard]] bool hasLeftClone(pid_t child, pid_t runner);
+/// Returns whether a process below `runner`, a clone's, is the user's and not the clone's: it has
+/// the runner's own HOME, which what started it had not if that still runs, and a session of its
+/// own, like the browser that a link was opened in. False if that can't be told, and on macOS.
+[[nodiscard]] bool hasLeftClone(pid_t process, pid_t runner);
 
-/// Returns the descendants of a clone's runner, without the children that have left the clone and
-/// theirs.
+/// Returns the descendants of a clone's runner, without those that have left the clone and theirs.
 [[nodiscard]] std::vector<ProcessIdentity> cloneProcesses(pid_t runner);
 
 /// Returns the running processes of this user that were started with this value of HOME. Returns

@@ -53,7 +53,7 @@ std::optional<std::string> homeOf(pid_t pid) {
 
 } // namespace
 
-std::vector<ProcessIdentity> descendantsOf(pid_t root) {
+std::vector<ProcessIdentity> descendantsOf(pid_t root, const std::function<bool(pid_t)>& isApart) {
     std::map<pid_t, ProcessStat> table;
     std::multimap<pid_t, pid_t> children;
     for (const pid_t pid : allProcesses()) {
@@ -69,6 +69,9 @@ std::vector<ProcessIdentity> descendantsOf(pid_t root) {
         above.pop_back();
         for (auto child = first; child != last; ++child) {
             const ProcessStat& stat = table.at(child->second);
+            if (isApart && isApart(child->second)) {
+                continue;
+            }
             above.push_back(child->second);
             if (!hasEnded(stat)) {
                 found.push_back({child->second, stat.started});
@@ -91,24 +94,19 @@ std::vector<ProcessIdentity> childrenOf(pid_t parent) {
     return found;
 }
 
-bool hasLeftClone(pid_t child, pid_t runner) {
-    if (::getsid(child) == ::getsid(runner)) {
-        return false; // without reading anything, as for nearly every child
+bool hasLeftClone(pid_t process, pid_t runner) {
+    if (::getsid(process) == ::getsid(runner)) {
+        return false; // without reading anything, as for nearly every process
     }
     const auto home = homeOf(runner);
-    return home && homeOf(child) == home;
+    const auto stat = processStat(process);
+    // Not every clone changes HOME, and then whatever it starts has the runner's.
+    return home && stat && homeOf(process) == home &&
+           (stat->parent == runner || homeOf(stat->parent) != home);
 }
 
 std::vector<ProcessIdentity> cloneProcesses(pid_t runner) {
-    std::vector<ProcessIdentity> found;
-    for (const ProcessIdentity& child : childrenOf(runner)) {
-        if (!hasLeftClone(child.pid, runner)) {
-            found.push_back(child);
-            const auto below = descendantsOf(child.pid);
-            found.insert(found.end(), below.begin(), below.end());
-        }
-    }
-    return found;
+    return descendantsOf(runner, [&](pid_t process) { return hasLeftClone(process, runner); });
 }
 
 std::vector<ProcessIdentity> processesWithHome(const std::string& home) {

@@ -34,17 +34,20 @@ std::vector<ProcessIdentity> childrenOf(pid_t parent) {
     return found;
 }
 
-std::vector<ProcessIdentity> descendantsOf(pid_t root) {
+std::vector<ProcessIdentity> descendantsOf(pid_t root, const std::function<bool(pid_t)>& isApart) {
     constexpr std::size_t most = 4096;
     std::vector<ProcessIdentity> found;
     for (std::size_t next = 0; next <= found.size() && found.size() < most; ++next) {
-        const auto children = childrenOf(next == 0 ? root : found[next - 1].pid);
-        found.insert(found.end(), children.begin(), children.end());
+        for (const ProcessIdentity& child : childrenOf(next == 0 ? root : found[next - 1].pid)) {
+            if (!isApart || !isApart(child.pid)) {
+                found.push_back(child);
+            }
+        }
     }
     return found;
 }
 
-bool hasLeftClone(pid_t /*child*/, pid_t /*runner*/) {
+bool hasLeftClone(pid_t /*process*/, pid_t /*runner*/) {
     return false;
 }
 

@@ -15,6 +15,12 @@ using Clock = std::chrono::steady_clock;
 
 constexpr std::chrono::milliseconds nap{20};
 
+// Without a runner to compare with, what has this program's own HOME is the user's, unless that is
+// the clone's, too.
+bool hasLeftOrphan(pid_t process, pid_t orphan) {
+    return hasLeftClone(process, ownPid()) && !hasLeftClone(orphan, ownPid());
+}
+
 // Its number may belong to another process by now.
 void send(int signal, const ProcessIdentity& process) {
     if (isRunning(process)) {
@@ -42,7 +48,8 @@ void TreeShutdown::lookAround() {
     }
     for (const ProcessIdentity& other : others_) {
         if (isRunning(other)) {
-            const auto below = descendantsOf(other.pid);
+            const auto below = descendantsOf(
+                other.pid, [&](pid_t process) { return hasLeftOrphan(process, other.pid); });
             known_.insert(below.begin(), below.end());
         }
     }

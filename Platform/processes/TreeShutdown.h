@@ -13,7 +13,8 @@ namespace quorvel {
 class TreeShutdown {
 public:
     /// `runners` are clones' runners, which pass a request to end on to what they started and go on
-    /// until that has ended. `others` are further processes, with their descendants.
+    /// until that has ended. `others` are processes of clones whose runners are gone. What the user
+    /// runs below either, such as the browser in which a link was opened, is left alone.
     TreeShutdown(std::vector<ProcessIdentity> runners, std::vector<ProcessIdentity> others);
 
     /// Returns those of all that are still running; what they started since is added.

@@ -208,7 +208,7 @@ _quorvelctl() {
     apps) options="--help --json --search-dir" ;;
     probe) options="--help --json --settle-a --settle-b --real-library" ;;
     running) options="--help --json" ;;
-    list) options="--help --json --search-dir --stale" ;;
+    list) options="--help --json --search-dir --stale --runner" ;;
     show) options="--help --json" ;;
     create) options="--help --json --kind --name --target --url --open --command --arg --workdir --home --shared-home --output --replace --seed --bundle-id --strategy --icon --hide-icon --extra-arg --no-extra-args --env --no-default-env --plist --browser --open-with --label --label-color --label-position --menu-bar-icon --menu-bar-template --isolate-folders --links --runner --launch" ;;
     edit) options="--help --json --url --open --command --no-args --arg --workdir --strategy --icon --hide-icon --no-hide-icon --label --label-color --label-position --extra-arg --no-extra-args --default-extra-args --env --unset-env --plist --unset-plist --browser --no-browser --open-with --no-open-with --menu-bar-icon --no-menu-bar-icon --menu-bar-template --no-menu-bar-template --isolate-folders --no-isolate-folders --links --runner" ;;

@@ -168,6 +168,9 @@ TEST_F(ChangeCommandsTest, StaleClonesAreListedWithTheReasons) {
     const auto json = harness.run({"list", "--stale", "--json"}).json();
     ASSERT_EQ(json.size(), 1U);
     EXPECT_EQ(json[0]["stale"], (nlohmann::json{"runner"}));
+    const std::string own = wrapper() / "Contents/MacOS/runner";
+    EXPECT_EQ(harness.run({"list", "--stale", "--runner", own}).output, "");
+    EXPECT_EQ(harness.run({"list", "--runner", own}).status, 2);
 }
 
 TEST_F(ChangeCommandsTest, ChangingCommandsPutRightWhatWasInterrupted) {
@@ -175,7 +178,8 @@ TEST_F(ChangeCommandsTest, ChangingCommandsPutRightWhatWasInterrupted) {
         harness.home / "Applications/.quorvel-change-0F2504E0-4F89-41D3-9A0C-0305E82C3301";
     for (const Words& words :
          {Words{"edit", "Work"}, Words{"refresh", "None"}, Words{"delete", "None", "--yes"},
-          Words{"migrate", "None"}, Words{"rename", "None", "x"}, Words{"create"}}) {
+          Words{"migrate", "None"}, Words{"rename", "None", "x"}, Words{"create"},
+          Words{"duplicate", "None", "x"}}) {
         write(left / "Gone.app/file", "x");
         (void)harness.run({"list"});
         EXPECT_TRUE(fs::exists(left)) << "listing changes nothing";

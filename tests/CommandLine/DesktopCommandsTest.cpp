@@ -4,6 +4,7 @@
 
 #include <gmock/gmock.h>
 #include <nlohmann/json.hpp>
+#include <sqlite3.h>
 
 namespace quorvel {
 namespace {
@@ -11,6 +12,7 @@ namespace {
 using namespace testing;
 using ::testing::HasSubstr;
 using ::testing::Not;
+using ::testing::StartsWith;
 namespace fs = std::filesystem;
 
 class DesktopCommandsTest : public ::testing::Test {
@@ -132,6 +134,33 @@ TEST_F(DesktopCommandsTest, ASnapIsRefusedAndInspectSaysHowToInstallItTwice) {
     const auto refused = harness.run({"create", "--name", "Work", "--target", entry});
     EXPECT_EQ(refused.status, 1);
     EXPECT_THAT(refused.errors, HasSubstr("It is a Snap"));
+}
+
+TEST_F(DesktopCommandsTest, OfASeedItIsSaidWhatNeedsTheKeyringAndWhatNamesTheOriginal) {
+    apps.addProgram("chromium", helperProgram());
+    for (const char* name : {"icudtl.dat", "resources.pak", "chrome_100_percent.pak"}) {
+        write(apps.at("bin") / name, "");
+    }
+    apps.addEntry("chromium", "chromium %U");
+    const fs::path original = harness.home / ".config/chromium";
+    write(original / "Local State", "{\"path\": \"" + original.string() + "/Default\"}");
+    fs::create_directory(original / "Default");
+    sqlite3* database = nullptr;
+    ASSERT_EQ(sqlite3_open((original / "Default/Cookies").c_str(), &database), SQLITE_OK);
+    ASSERT_EQ(sqlite3_exec(database,
+                           "create table cookies(name, encrypted_value blob);"
+                           "insert into cookies values('a', x'763131aa'), ('b', x'763130aa');",
+                           nullptr, nullptr, nullptr),
+              SQLITE_OK);
+    sqlite3_close(database);
+    const CommandResult result =
+        harness.run({"create", "--target", "chromium", "--name", "Seeded", "--seed", "--json",
+                     "--runner", apps.at("runner").string()});
+    ASSERT_EQ(result.status, 0) << result.errors;
+    EXPECT_THAT(result.errors, StartsWith("1 cookie can only be decrypted with the keyring "));
+    EXPECT_THAT(result.errors, HasSubstr("1 file of the copy names the original’s data folder and "
+                                         "may lead there:\n  QuorvelData/Local State\n"));
+    EXPECT_EQ(result.json()["data"]["lockedCookies"], 1);
 }
 
 } // namespace

@@ -1,3 +1,4 @@
+#include "LaunchKit/HomeLock.h"
 #include "LaunchKit/InstanceConfig.h"
 #include "Platform/processes/Process.h"
 #include "tests/CommandLine/CommandLineHarness.h"
@@ -52,6 +53,15 @@ TEST_F(StopCommandTest, NothingRunningIsSaidAndNoError) {
     EXPECT_EQ(result.status, 0);
     EXPECT_EQ(result.output, "“Work” is not running.\n");
     EXPECT_EQ(harness_.run({"stop", "Work", "--json"}).json()["outcome"], "notRunning");
+}
+
+TEST_F(StopCommandTest, WhatMayBeAnotherClonesIsAnErrorAndSaidSo) {
+    makeWrapper(harness_.home / "Applications/Work.app", "Work");
+    const auto lock = lockHome(minimalConfig());
+    const CommandResult result = harness_.run({"stop", "Work", "--json"});
+    EXPECT_EQ(result.status, 1);
+    EXPECT_EQ(result.json()["outcome"], "elsewhere");
+    EXPECT_THAT(result.errors, HasSubstr("may be another clone’s"));
 }
 
 TEST_F(StopCommandTest, WhatEndsWhenAskedIsCounted) {

@@ -1,5 +1,7 @@
 #include "LaunchKit/CloneDuplication.h"
 
+#include "LaunchKit/ChangeRecovery.h"
+#include "LaunchKit/CloneChange.h"
 #include "LaunchKit/HomeLock.h"
 #include "LaunchKit/WrapperLayout.h"
 #include "Platform/files/PropertyListFile.h"
@@ -100,6 +102,51 @@ TEST_F(CloneDuplicationTest, ThePictureIsTheSameAndItsLabelIsNotDrawnTwice) {
     EXPECT_EQ(copy.config.iconLabel, request.iconLabel);
 }
 
+TEST_F(CloneDuplicationTest, WhatIsKnownAboutTheWrapperIsKnownAboutTheCopy) {
+    QImage picture(128, 128, QImage::Format_ARGB32);
+    picture.fill(Qt::blue);
+    WrapperFactory::Request request;
+    write(home_ / "icon.icns", icnsOf({icnsEntry("ic07", pngOf(picture))}));
+    request.customIcon = home_ / "icon.icns";
+    request.iconLabel = IconLabel{.text = "W", .colorHex = "#FFFFFF"};
+    request.hideWrapperIcon = true;
+    const InstanceRecord original = make(request);
+    const auto copy = duplicate(original, "Second", false).clone.record.value();
+    const auto notes = WrapperNotes::read(copy.bundleURL);
+    ASSERT_TRUE(notes);
+    EXPECT_EQ(notes->icon, IconSource::chosen);
+    EXPECT_TRUE(notes->hidesIcon);
+    // Without its label, the icon is the chosen one again.
+    const ChangedClone changed = editClone(
+        copy.bundleURL, [](CloneSettings& settings) { settings.config.iconLabel.reset(); });
+    EXPECT_TRUE(changed.kept.empty());
+    EXPECT_EQ(read(copy.iconURL().value()), read(home_ / "icon.icns"));
+}
+
+TEST_F(CloneDuplicationTest, ArgumentsOfTheEngineAreKnownAsSuch) {
+    WrapperFactory::Request request;
+    request.displayName = "Work";
+    request.targetApp = makeAppBundle(home_ / "Chat.app");
+    const InstanceRecord original = createClone(factory_, request, {}).record.value();
+    const auto copy = duplicate(original, "Second", false).clone.record.value();
+    EXPECT_EQ(WrapperNotes::read(copy.bundleURL).value().arguments, ArgumentSource::engine);
+}
+
+TEST_F(CloneDuplicationTest, WhatTheUserPutIntoTheWrapperIsInTheCopy) {
+    const InstanceRecord original = make({});
+    const fs::path list = original.bundleURL / "Contents/Info.plist";
+    std::string text = read(list);
+    const std::string end = "</dict>";
+    text.insert(text.rfind(end), "<key>Mine</key><string>kept</string>");
+    write(list, text);
+    write(original.bundleURL / "Contents/Resources/mine.txt", "kept");
+    const auto copy = duplicate(original, "Second", false).clone.record.value();
+    const auto entries = readPropertyList(copy.bundleURL / "Contents/Info.plist").value();
+    EXPECT_EQ(entries.at("Mine"), PropertyListValue("kept"));
+    EXPECT_EQ(entries.at("CFBundleName"), PropertyListValue("Second"));
+    EXPECT_EQ(read(copy.bundleURL / "Contents/Resources/mine.txt"), "kept");
+}
+
 TEST_F(CloneDuplicationTest, IdentifiersAreNeverSharedWithAnotherClone) {
     const InstanceRecord original = make({});
     EXPECT_EQ(duplicate(original, "Tool A", false).clone.record->config.bundleId,
@@ -176,6 +223,14 @@ TEST_F(CloneDuplicationTest, TheUsersHomeIsNotCopied) {
     EXPECT_THROW(duplicate(original, "Second"), DataCopyError);
 }
 
+TEST_F(CloneDuplicationTest, TheFolderOfAllDataIsNotCopiedIntoItself) {
+    InstanceRecord original = makeWithData();
+    original.config.instanceHome = "~/QuorvelInstances";
+    EXPECT_THROW(duplicate(original, "Second"), DataCopyError);
+    EXPECT_FALSE(fs::exists(data("Second")));
+    EXPECT_FALSE(fs::exists(home_ / "Applications/Second.app"));
+}
+
 TEST_F(CloneDuplicationTest, ACancelledCopyLeavesNothing) {
     const InstanceRecord original = makeWithData();
     const std::atomic<bool> cancelled{true};
@@ -185,6 +240,35 @@ TEST_F(CloneDuplicationTest, ACancelledCopyLeavesNothing) {
                  CopyCancelled);
     EXPECT_EQ(dataFolders(), std::set<std::string>{"Work"});
     EXPECT_EQ(registry_.list().size(), 1U);
+}
+
+// Flushing takes its time, too.
+TEST_F(CloneDuplicationTest, ItCanBeCancelledAfterTheLastFile) {
+    const InstanceRecord original = makeWithData();
+    std::atomic<bool> cancelled{false};
+    const FolderCopyOptions options{
+        .progress = [&](const CopyProgress& at) { cancelled = at.items == at.allItems; },
+        .cancelled = &cancelled};
+    EXPECT_THROW((void)duplicateClone(factory_, registry_, original,
+                                      {.name = "Second", .withData = true, .copy = options}),
+                 CopyCancelled);
+    EXPECT_EQ(dataFolders(), std::set<std::string>{"Work"});
+    EXPECT_EQ(registry_.list().size(), 1U);
+}
+
+TEST_F(CloneDuplicationTest, WhatShouldBeKnownIsSaidBeforeTheCloneIsThere) {
+    const InstanceRecord original = makeWithData();
+    write(data("Work") / "names", data("Work").string());
+    std::vector<std::string> said;
+    const auto found = [&](const CopyFindings& findings) {
+        said = findings.namingOriginal;
+        EXPECT_FALSE(fs::exists(data("Second")));
+        EXPECT_FALSE(fs::exists(home_ / "Applications/Second.app"));
+    };
+    const DuplicatedClone copy = duplicateClone(
+        factory_, registry_, original, {.name = "Second", .withData = true, .found = found});
+    EXPECT_EQ(said, std::vector<std::string>{"names"});
+    EXPECT_EQ(copy.findings.namingOriginal, said);
 }
 
 TEST_F(CloneDuplicationTest, ATargetThatIsGoneIsFoundBeforeAnythingIsCopied) {
@@ -211,6 +295,28 @@ TEST_F(CloneDuplicationTest, IfTheWrapperCantBeWrittenTheDataGoesToo) {
     EXPECT_EQ(registry_.list().size(), 1U);
 }
 
+TEST_F(CloneDuplicationTest, DataOfAnInterruptedOneIsNotAdopted) {
+    const InstanceRecord original = makeWithData();
+    const auto leaveUnfinished = [&](const fs::path& home) {
+        CopiedData copied(home, {{.from = data("Work")}}, {});
+        copied.complete(home_ / "Applications" / home.filename().replace_extension(".app"));
+        copied.publish();
+    };
+    leaveUnfinished(data("Second"));
+    WrapperFactory::Request request;
+    request.displayName = "Second";
+    (void)make(request);
+    EXPECT_FALSE(fs::exists(data("Second") / "deep/file"));
+    leaveUnfinished(data("Third"));
+    (void)duplicate(original, "Third", false);
+    EXPECT_FALSE(fs::exists(data("Third") / "deep/file"));
+    leaveUnfinished(home_ / "Elsewhere/Fourth");
+    request.displayName = "Fourth";
+    request.instanceHome = home_ / "Elsewhere/Fourth";
+    (void)make(request);
+    EXPECT_FALSE(fs::exists(home_ / "Elsewhere/Fourth/deep/file"));
+}
+
 // Every so many system calls; all of them take too long.
 TEST_F(CloneDuplicationTest, KilledAnywhereItLeavesNothingOrAClone) {
     const InstanceRecord original = makeWithData();
@@ -223,7 +329,7 @@ TEST_F(CloneDuplicationTest, KilledAnywhereItLeavesNothingOrAClone) {
         if (kill == Kill::notPermitted) {
             GTEST_SKIP() << "this system does not permit tracing";
         }
-        CopiedData::removeUnfinished(home_ / "QuorvelInstances");
+        finishInterruptedChanges(registry_.searchDirs());
         const auto record = registry_.record(home_ / "Applications/Second.app");
         if (record) {
             EXPECT_EQ(read(data("Second") / "deep/file"), "data") << step;

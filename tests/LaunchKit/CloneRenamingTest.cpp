@@ -82,6 +82,15 @@ TEST_F(CloneRenamingTest, ACloneWithoutDataIsRenamedAlone) {
     EXPECT_FALSE(fs::exists(data("Office")));
 }
 
+// The mark would be followed to the old name.
+TEST_F(CloneRenamingTest, DataThatAnInterruptedCopyMarkedIsKept) {
+    const fs::path wrapper = make(webRequest());
+    write(data("Work") / ".quorvel-copied", "");
+    (void)renameClone(wrapper, {.name = "Office"});
+    EXPECT_FALSE(fs::exists(data("Work") / ".quorvel-copied"));
+    EXPECT_TRUE(fs::exists(data("Work")));
+}
+
 TEST_F(CloneRenamingTest, DataInUseDoesNotMove) {
     const fs::path wrapper = make(webRequest());
     const auto lock = lockHome(InstanceRegistry().record(wrapper)->config);

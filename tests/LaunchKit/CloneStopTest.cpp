@@ -136,5 +136,48 @@ TEST_F(CloneStopTest, WhatIsTheUsersGoesOn) {
     EXPECT_FALSE(isGone(numberIn(at("child"))));
 }
 
+// What started it may still be there.
+TEST_F(CloneStopTest, WhatIsTheUsersBelowTheTargetGoesOn) {
+    const std::string ofTheUser = std::string("HOME='") + std::getenv("HOME") + "' ";
+    const std::string child = "echo $$ > " + at("child").string() + "; exec sleep 600";
+    const fs::path bundle =
+        wrapper(scripted(ofTheUser + "setsid sh -c '" + child + "' 30>&- & echo $$ > " +
+                         at("pid").string() + "; while :; do sleep 0.02; done"));
+    for (const bool isOrphan : {false, true}) {
+        Process runner = start(bundle);
+        ASSERT_TRUE(targetRuns());
+        ASSERT_TRUE(childRuns());
+        if (isOrphan) {
+            runner.sendSignal(SIGKILL);
+            runner.waitUntilExit();
+        }
+        EXPECT_EQ(stop(bundle, {.patience = shortly, .mayForce = force}).outcome, Case::ended);
+        runner.waitUntilExit();
+        const pid_t users = numberIn(at("child"));
+        EXPECT_FALSE(isGone(users)) << isOrphan;
+        ::kill(users, SIGKILL);
+        EXPECT_TRUE(waitUntil([&] { return isGone(users); }));
+        fs::remove(at("child"));
+        fs::remove(at("pid"));
+    }
+}
+
+// A command's HOME is the user's.
+TEST_F(CloneStopTest, WhatHasTheSameHomeAsWhatStartedItEnds) {
+    InstanceConfig config = configOf(ShortcutKind::command);
+    config.commandPath = "/bin/sh";
+    config.commandArgs = {"-c", "setsid sh -c 'echo $$ > " + at("child").string() +
+                                    "; exec sleep 600' & echo $$ > " + at("pid").string() +
+                                    "; while :; do sleep 0.02; done"};
+    const fs::path bundle = wrapper(config);
+    Process runner = start(bundle);
+    ASSERT_TRUE(targetRuns());
+    ASSERT_TRUE(childRuns());
+    const pid_t child = numberIn(at("child"));
+    (void)stop(bundle, {.patience = shortly, .mayForce = force});
+    runner.waitUntilExit();
+    EXPECT_TRUE(isGone(child));
+}
+
 } // namespace
 } // namespace quorvel

@@ -4,6 +4,7 @@
 #include "LaunchKit/InstanceConfig.h"
 #include "LaunchKit/InstanceRecord.h"
 #include "LaunchKit/InstanceRegistry.h"
+#include "Platform/files/StagedChange.h"
 #include "tests/support/AppBundles.h"
 #include "tests/support/TemporaryHome.h"
 
@@ -31,10 +32,13 @@ protected:
     }
 
     // As a program would leave it that was killed then.
-    void leaveUnfinished() const {
+    void leaveUnfinishedFor(const fs::path& clone) const {
+        fs::create_directories(clone.parent_path());
         CopiedData data = copy();
-        data.publish(wrapper());
+        data.complete(clone);
+        data.publish();
     }
+    void leaveUnfinished() const { leaveUnfinishedFor(wrapper()); }
 
     void settle() const { CopiedData::removeUnfinished(place().parent_path()); }
 
@@ -44,7 +48,8 @@ protected:
 TEST_F(CopiedDataTest, TheMarkIsThereUntilTheCloneIs) {
     CopiedData data = copy();
     EXPECT_FALSE(fs::exists(place()));
-    data.publish(wrapper());
+    data.complete(wrapper());
+    data.publish();
     EXPECT_TRUE(fs::exists(mark()));
     settle();
     EXPECT_TRUE(fs::exists(mark())) << "the clone is still being made";
@@ -56,7 +61,8 @@ TEST_F(CopiedDataTest, TheMarkIsThereUntilTheCloneIs) {
 
 TEST_F(CopiedDataTest, PartsGetTheirPlaces) {
     CopiedData data = copy("a/b");
-    data.publish(wrapper());
+    data.complete(wrapper());
+    data.publish();
     EXPECT_EQ(read(place() / "a/b/deep/file"), "data");
 }
 
@@ -75,6 +81,40 @@ TEST_F(CopiedDataTest, WithACloneItStaysAndLosesItsMark) {
     fs::remove_all(wrapper());
     settle();
     EXPECT_TRUE(fs::exists(place() / "deep/file")) << "kept by the user";
+}
+
+TEST_F(CopiedDataTest, DataOfACloneThatWasRenamedStays) {
+    leaveUnfinished();
+    makeWrapper(home_ / "Applications/Renamed.app", "Work");
+    settle();
+    EXPECT_TRUE(fs::exists(place() / "deep/file"));
+}
+
+TEST_F(CopiedDataTest, DataOfACloneThatWasMovedAmongTheOthersStays) {
+    leaveUnfinishedFor(home_ / "Elsewhere/Work.app");
+    makeWrapper(wrapper(), "Work");
+    settle();
+    EXPECT_TRUE(fs::exists(place() / "deep/file"));
+}
+
+TEST_F(CopiedDataTest, WhileItCantBeToldWhoseItIsItStays) {
+    leaveUnfinished();
+    fs::rename(home_ / "Applications", home_ / "not-mounted");
+    settle();
+    EXPECT_TRUE(fs::exists(mark()));
+    fs::rename(home_ / "not-mounted", home_ / "Applications");
+    {
+        const auto lock = FileLock::tryTakeFolder(home_ / "Applications");
+        settle();
+        EXPECT_TRUE(fs::exists(mark())) << "a clone is being made or changed there";
+    }
+    {
+        const StagedChange change(home_ / "Applications");
+        settle();
+        EXPECT_TRUE(fs::exists(mark())) << "the clone may be in the hidden folder";
+    }
+    settle();
+    EXPECT_FALSE(fs::exists(place()));
 }
 
 TEST_F(CopiedDataTest, ACloneWithOtherDataDoesNotCount) {
@@ -107,6 +147,18 @@ TEST_F(CopiedDataTest, DeletingACloneKeepsItsDataForGood) {
     (void)registry.remove(registry.record(wrapper()).value(), false);
     settle();
     EXPECT_TRUE(fs::exists(place() / "deep/file"));
+}
+
+TEST_F(CopiedDataTest, NothingIsCopiedIntoItselfOrAroundItself) {
+    fs::create_directory_symlink(home_ / "original", home_ / "link");
+    const auto before = treeOf(home_.path());
+    const auto copyTo = [&](const fs::path& to) {
+        const CopiedData data(to, {{.from = home_ / "original"}}, {});
+    };
+    EXPECT_THROW(copyTo(home_ / "original/deep/copy"), DataCopyError);
+    EXPECT_THROW(copyTo(home_ / "link/copy"), DataCopyError);
+    EXPECT_EQ(treeOf(home_.path()), before);
+    EXPECT_NO_THROW(copyTo(home_ / "original-2"));
 }
 
 TEST_F(CopiedDataTest, NothingIsReplaced) {

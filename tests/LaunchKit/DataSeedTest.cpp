@@ -53,6 +53,20 @@ protected:
         }
     }
 
+    // Starts an installed program that goes on until it is ended.
+    [[nodiscard]] Process start(const std::string& program, const fs::path& home) const {
+        Environment environment = currentEnvironment();
+        environment["HOME"] = home;
+        return Process::run({.executable = apps_.at("opt/" + program),
+                             .arguments = {"wait"},
+                             .environment = environment});
+    }
+
+    static void end(Process& process) {
+        process.sendSignal(SIGKILL);
+        process.waitUntilExit();
+    }
+
     // Returns the only part of a seed.
     static void expectPart(const WrapperFactory::Request& request, const fs::path& from,
                            const std::string& to, const Environment& session = {}) {
@@ -135,25 +149,57 @@ TEST_F(DataSeedTest, OfOthersItIsWhatIsKnown) {
 TEST_F(DataSeedTest, TheOriginalMustNotRun) {
     const auto request = appWith("vlc", {}, "vlc");
     write(home_ / ".config/vlc/vlcrc", "");
-    Environment environment = currentEnvironment();
-    environment["HOME"] = home_.path();
-    const auto start = [&](const fs::path& home) {
-        environment["HOME"] = home;
-        return Process::run(
-            {.executable = apps_.at("opt/vlc"), .arguments = {"wait"}, .environment = environment});
-    };
-    Process ofAClone = start(home_ / "QuorvelInstances/Other");
+    Process ofAClone = start("vlc", home_ / "QuorvelInstances/Other");
     EXPECT_EQ(errorOf(request), "no error");
-    Process original = start(home_.path());
+    Process original = start("vlc", home_.path());
     EXPECT_TRUE(waitUntil([&] {
         return errorOf(request) ==
                "“vlc” is running. Close it first, so that its data can be copied.";
     }));
-    for (Process* process : {&ofAClone, &original}) {
-        process->sendSignal(SIGKILL);
-        process->waitUntilExit();
-    }
+    end(ofAClone);
+    end(original);
     EXPECT_EQ(errorOf(request), "no error");
+}
+
+// Electron has one only if the application asks for it.
+TEST_F(DataSeedTest, TheOriginalMustNotRunEvenWithoutALock) {
+    write(home_ / ".config/Chat/Preferences", "{}");
+    write(home_ / ".config/chromium/Local State", "{}");
+    write(home_ / ".mozilla/firefox/profiles.ini", "[Profile0]\nPath=p\nIsRelative=1\n");
+    fs::create_directory(home_ / ".mozilla/firefox/p");
+    const auto chat = appWith("chat/chat", chromiumMarks, "chat");
+    write(apps_.at("opt/chat/resources/app/package.json"), R"({"name": "Chat"})");
+    const std::map<std::string, WrapperFactory::Request> requests{
+        {"chat/chat", chat},
+        {"chromium", appWith("chromium", chromiumMarks, "chromium")},
+        {"firefox/firefox", firefox()}};
+    for (const auto& [program, request] : requests) {
+        EXPECT_EQ(errorOf(request), "no error") << program;
+        Process original = start(program, home_.path());
+        EXPECT_TRUE(waitUntil([&, &wanted = request] {
+            return errorOf(wanted).find(" is running. Close it first") != std::string::npos;
+        })) << program;
+        end(original);
+    }
+}
+
+TEST_F(DataSeedTest, AnOriginalThatIsStartedMeanwhileIsNoticed) {
+    const auto request = appWith("vlc", {}, "vlc");
+    write(home_ / ".config/vlc/vlcrc", "");
+    const std::vector<DataPart> parts = seedFor(request, {});
+    std::optional<Process> original;
+    const FolderCopyOptions options{.progress = [&](const CopyProgress& /*progress*/) {
+        if (!original) {
+            original = start("vlc", home_.path());
+            EXPECT_TRUE(waitUntil([&] { return errorOf(request) != "no error"; }));
+        }
+    }};
+    EXPECT_THROW((void)createCloneWithData(WrapperFactory(runnerProgram()), request, {},
+                                           {.parts = parts, .copy = options}),
+                 DataCopyError);
+    EXPECT_FALSE(fs::exists(home_ / "QuorvelInstances/Second"));
+    ASSERT_TRUE(original);
+    end(*original);
 }
 
 TEST_F(DataSeedTest, WhereTheCloneLooksForItsDataMustBeKnown) {
@@ -172,8 +218,8 @@ TEST_F(DataSeedTest, ACloneIsMadeWithACopyAndTheOriginalStaysAsItIs) {
     write(original / "Default/Preferences", "{}");
     fs::create_symlink("host-1", original / "SingletonLock");
     const auto before = treeOf(original);
-    const CloneWithData made =
-        createCloneWithData(WrapperFactory(runnerProgram()), request, {}, seedFor(request, {}), {});
+    const CloneWithData made = createCloneWithData(WrapperFactory(runnerProgram()), request, {},
+                                                   {.parts = seedFor(request, {})});
     const fs::path data = home_ / "QuorvelInstances/Second";
     auto expected = before;
     expected.erase("SingletonLock");

@@ -1,6 +1,7 @@
 #include "LaunchKit/LogRotation.h"
 
 #include "tests/Runner/RunnerFixture.h"
+#include "tests/support/ImmutableFile.h"
 
 #include <gmock/gmock.h>
 
@@ -62,6 +63,20 @@ TEST_F(LogRotationTest, WhatIsNotAPlainFileStays) {
     EXPECT_EQ(startOf(""), "first");
     EXPECT_EQ(read(logNamed(".2") / "kept"), "kept");
     EXPECT_FALSE(fs::exists(logNamed(".1"))) << "nor is a part of the others moved";
+}
+
+TEST_F(LogRotationTest, IfOneCantBeMovedNoneIsReplaced) {
+    makeLog("first", largestLog + 1);
+    write(logNamed(".1"), "one  ");
+    write(logNamed(".2"), "two  ");
+    const ImmutableFile immutable(logNamed(".2"));
+    if (!immutable.isSet()) {
+        GTEST_SKIP() << "this file system or user can't make files immutable";
+    }
+    setAsideLargeLog(cloneHome());
+    EXPECT_EQ(startOf(""), "first");
+    EXPECT_EQ(startOf(".1"), "one  ");
+    EXPECT_EQ(startOf(".2"), "two  ");
 }
 
 TEST_F(LogRotationTest, TheRunnerSetsALargeLogAsideAndBeginsANewOne) {

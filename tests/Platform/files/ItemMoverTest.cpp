@@ -77,7 +77,7 @@ TEST_P(ItemMoverTestWithoutExclusiveRenaming, ReplacesNothingNotEvenADanglingLin
 }
 
 INSTANTIATE_TEST_SUITE_P(ItemMoverTest, ItemMoverTestWithoutExclusiveRenaming,
-                         ::testing::Values(EINVAL, ENOSYS, ENOTSUP));
+                         ::testing::Values(EINVAL, ENOSYS, ENOTSUP, EOPNOTSUPP));
 
 TEST_F(ItemMoverTest, OtherErrorsOfTheRenameAreNotWorkedAround) {
     write(at("a"), "x");
