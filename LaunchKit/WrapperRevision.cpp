@@ -7,13 +7,13 @@
 #include "LaunchKit/WrapperLayout.h"
 #include "LaunchKit/WrapperPropertyList.h"
 #include "LaunchKit/WrapperWriting.h"
-#include "Platform/files/FileHandle.h"
 #include "Platform/files/FileSystem.h"
+#include "Platform/files/Folder.h"
+#include "Platform/files/FolderCopy.h"
 #include "Platform/files/ItemIdentity.h"
-#include "Platform/files/MountBoundary.h"
+#include "Platform/files/ItemRemoval.h"
 #include "Platform/files/PlatformError.h"
 #include "Platform/files/PropertyListFile.h"
-#include "Platform/files/TreeCopy.h"
 #include "Platform/processes/LoadedModule.h"
 
 #include <utility>
@@ -39,18 +39,42 @@ PropertyListDictionary listFor(const CloneSettings& settings, bool hasIcon) {
         options, hasIcon ? std::optional<std::string>(wrapperIconName) : std::nullopt);
 }
 
-void copyWrapper(const fs::path& wrapper, const StagedChange& change, const std::string& name) {
-    const FileHandle from(openFolderForNames(wrapper.parent_path()));
-    const FileHandle to(openFolderForNames(change.path()));
-    const std::string oldName = wrapper.filename();
-    TreeCopy().copy(from.descriptor(), to.descriptor(), oldName, wrapper);
-    if (name != oldName) {
-        std::error_code code;
-        fs::rename(change.path() / oldName, change.path() / name, code);
-        if (code) {
-            throw PlatformError(code, wrapper, "renamed");
+// What is replaced is removed afterwards, so that must be possible.
+void requireRemovable(const fs::path& wrapper) {
+    try {
+        if (const auto old = ItemRemoval::of(wrapper)) {
+            old->refuseMounts();
+            old->refuseClosedFolders();
+        }
+    } catch (const PlatformError& error) {
+        throw Error("The clone can’t be changed, because its old wrapper couldn’t be removed "
+                    "afterwards: " +
+                    error.description());
+    }
+}
+
+// What is written into the copy must not end up where a link leads.
+void refuseLinks(const fs::path& copy) {
+    for (const std::string& item :
+         {contentsOf(""), executablesOf(""), resourcesOf(""), frameworksOf(""), configOf(""),
+          infoPlistOf(""), contentsOf("") + "/" + std::string(BundleItem::pkgInfo), notesOf("")}) {
+        if (isSymbolicLink(copy.string() + item)) {
+            throw Error("“" + item.substr(1) +
+                        "” in the clone is a symbolic link, so the clone can’t be changed. "
+                        "Replace the link with what it leads to first.");
         }
     }
+}
+
+void copyWrapper(const fs::path& wrapper, const fs::path& copy) {
+    requireRemovable(wrapper);
+    createPrivateFolder(copy);
+    const auto folder = Folder::open(copy);
+    if (!folder) {
+        throw PlatformError::fromErrno(wrapper, "copied");
+    }
+    (void)FolderCopy(wrapper).copyInto(folder->descriptor());
+    refuseLinks(copy);
 }
 
 std::string textOf(const std::optional<IconLabel>& label) {
@@ -207,7 +231,7 @@ std::vector<std::string> WrapperRevision::stage(const StagedChange& change, cons
     contents.list = propertyList(changes.settings, hasIcon, entries);
     contents.hasUsersEntries = !entries.empty();
     kept.insert(kept.end(), entries.begin(), entries.end());
-    copyWrapper(wrapper_, change, name);
+    copyWrapper(wrapper_, change.path() / name);
     writeWrapper(change.path() / name, contents);
     return kept;
 }
