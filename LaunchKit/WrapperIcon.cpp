@@ -41,6 +41,11 @@ std::string labelledIcon(const WrapperIcon& icon, const std::optional<IconLabel>
 
 } // namespace
 
+std::string targetIconState(const AppBundle& target) {
+    const auto file = appIconFile(target);
+    return file ? fileState(*file) : std::string();
+}
+
 bool isVisible(const std::optional<IconLabel>& label) {
     return label && !Text::trimmingWhitespace(label->text).empty();
 }
