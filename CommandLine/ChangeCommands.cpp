@@ -78,6 +78,14 @@ std::string reasonTexts(const std::vector<StaleReason>& reasons) {
     return joined(texts, ", ");
 }
 
+// Each failure was reported already.
+void requireNoFailures(std::size_t failures, std::size_t clones, const char* action) {
+    if (failures > 0) {
+        throw CommandError(std::to_string(failures) + " of " + std::to_string(clones) +
+                           " clones couldn’t be " + action + ".");
+    }
+}
+
 } // namespace
 
 void editCommand(const CommandContext& context, const std::string& clone,
@@ -122,10 +130,7 @@ void refreshCommand(const CommandContext& context, const RefreshOptions& options
     if (json) {
         context.output << document(forms);
     }
-    if (failures > 0) {
-        throw CommandError(std::to_string(failures) + " of " + std::to_string(records.size()) +
-                           " clones couldn’t be refreshed.");
-    }
+    requireNoFailures(failures, records.size(), "refreshed");
 }
 
 void listStaleCommand(const CommandContext& context, const InstanceRegistry& registry,
@@ -133,8 +138,16 @@ void listStaleCommand(const CommandContext& context, const InstanceRegistry& reg
     const CloneRefresh refresh(runner);
     const RunningApplications running = context.workspace.runningApplications();
     nlohmann::json forms = nlohmann::json::array();
-    for (const InstanceRecord& record : registry.list()) {
-        const std::vector<StaleReason> reasons = refresh.reasonsFor(record);
+    const std::vector<InstanceRecord> records = registry.list();
+    std::size_t failures = 0;
+    for (const InstanceRecord& record : records) {
+        std::vector<StaleReason> reasons;
+        try {
+            reasons = refresh.reasonsFor(record);
+        } catch (const std::exception& error) {
+            ++failures;
+            context.errors << terminalText(error.what()) << "\n";
+        }
         if (reasons.empty()) {
             continue;
         }
@@ -150,6 +163,7 @@ void listStaleCommand(const CommandContext& context, const InstanceRegistry& reg
     if (json) {
         context.output << document(forms);
     }
+    requireNoFailures(failures, records.size(), "checked");
 }
 
 } // namespace quorvel

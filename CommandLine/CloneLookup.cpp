@@ -2,6 +2,7 @@
 
 #include "Base/PathText.h"
 #include "CommandLine/CommandContext.h"
+#include "LaunchKit/ChangeRecovery.h"
 #include "LaunchKit/InstanceRecord.h"
 #include "LaunchKit/WrapperLayout.h"
 #include "Platform/files/FileSystem.h"
@@ -25,7 +26,13 @@ std::vector<InstanceRecord> clonesNamed(const InstanceRegistry& registry, const 
 
 InstanceRecord cloneAt(const InstanceRegistry& registry, const std::string& path) {
     const fs::path bundle = absoluteFile(path);
-    if (auto record = registry.record(bundle)) {
+    auto record = registry.record(bundle);
+    if (!record && !itemOrLinkExists(bundle)) {
+        // Only the folders that are searched are put right at every start.
+        finishInterruptedChanges(std::vector<fs::path>{bundle.parent_path()});
+        record = registry.record(bundle);
+    }
+    if (record) {
         return std::move(*record);
     }
     throw CommandError(itemExists(bundle) ? "Not a clone: " + bundle.string()

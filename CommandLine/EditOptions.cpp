@@ -125,6 +125,7 @@ void addArgumentOptions(const EditBinding& add) {
              [](CloneSettings& s) {
                  requireKind(s, ShortcutKind::app, "--default-extra-args");
                  s.arguments = ArgumentSource::engine;
+                 s.restoresArguments = true;
              });
     add.text("--env", "Set an environment variable (repeatable)", "K=V",
              [](CloneSettings& s, const std::string& value) {

@@ -15,17 +15,22 @@ struct RecordTable<ChangeJournal> {
         Row<ChangeJournal>::required<&ChangeJournal::number>("number"),
         Row<ChangeJournal>::required<&ChangeJournal::home>("home"),
         Row<ChangeJournal>::required<&ChangeJournal::newHome>("newHome"),
+        Row<ChangeJournal>::of<&ChangeJournal::device>("device"),
     });
 };
 
 namespace {
 
 constexpr const char* journalName = "journal.json";
+constexpr const char* trashName = "data-in";
 
 } // namespace
 
 std::optional<ChangeJournal> ChangeJournal::of(const StagedChange& change) {
     std::optional<std::string> bytes = change.noted(journalName);
+    if (!bytes && change.holds(journalName)) {
+        throw PlatformError::fromErrno(change.path() / journalName, "read");
+    }
     std::optional<ChangeJournal> journal;
     if (bytes && !readRecord(*bytes, journal.emplace()).empty()) {
         journal.reset(); // cut off while it was written, so nothing else was done
@@ -44,6 +49,15 @@ void ChangeJournal::keepWith(StagedChange& change) const {
 
 void ChangeJournal::forget(const StagedChange& change) {
     change.forget(journalName);
+}
+
+void ChangeJournal::noteTrash(StagedChange& change, const StagedChange& trash) {
+    change.note(trashName, trash.path().filename().string());
+}
+
+std::optional<std::string> ChangeJournal::trashOf(const StagedChange& change) {
+    const auto name = change.noted(trashName);
+    return name && StagedChange::isHiddenFolder(*name) ? name : std::nullopt; // or cut off
 }
 
 } // namespace quorvel

@@ -7,16 +7,20 @@
 #include "LaunchKit/CopiedData.h"
 #include "LaunchKit/HomeMove.h"
 #include "LaunchKit/WrapperFactory.h"
+#include "Platform/files/FileHandle.h"
 #include "Platform/files/FileLock.h"
 #include "Platform/files/FileSystem.h"
 #include "Platform/files/FileWriting.h"
-#include "Platform/files/ItemIdentity.h"
+#include "Platform/files/MountBoundary.h"
 #include "Platform/files/StagedChange.h"
 #include "Platform/files/UserPaths.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <exception>
+#include <fcntl.h>
 #include <string>
+#include <sys/stat.h>
 
 namespace quorvel {
 namespace fs = std::filesystem;
@@ -44,15 +48,64 @@ void finishRenaming(StagedChange& change, const ChangeJournal& journal) {
     }
 }
 
+enum class DataPlace { home, trash, none, unknown };
+
+// Not being able to see the data proves nothing: its drive may not be mounted.
+DataPlace placeOfData(const ChangeJournal& journal, const fs::path& trash) {
+    const fs::path home = journal.home;
+    if (!trash.empty() && itemOrLinkExists(joinAsText(trash, home.filename().string()))) {
+        return DataPlace::trash;
+    }
+    const FileHandle above(openFolderForNames(home.parent_path()));
+    struct stat status {};
+    if (above.descriptor() < 0 || ::fstat(above.descriptor(), &status) != 0) {
+        return DataPlace::unknown;
+    }
+    const std::string device = std::to_string(status.st_dev);
+    if (::fstatat(above.descriptor(), home.filename().c_str(), &status, AT_SYMLINK_NOFOLLOW) == 0) {
+        return DataPlace::home;
+    }
+    return errno == ENOENT && device == journal.device ? DataPlace::none : DataPlace::unknown;
+}
+
+// Removes that hidden folder, from which the data is put back first if it is to stay, and empty
+// ones, which a deletion may have left before it noted them. Others may hold what is not ours.
+void removeTrash(const fs::path& home, const fs::path& trash, bool putsDataBack) {
+    for (StagedChange& other : StagedChange::interruptedIn(home.parent_path())) {
+        const auto entries = directoryEntries(other.path());
+        if (other.path() == trash) {
+            other.keep();
+            if (putsDataBack) {
+                other.restore(home.filename(), home.filename());
+            }
+            other.keep(false);
+        } else if (!entries || !entries->empty()) {
+            other.keep();
+        }
+    }
+}
+
 // The clone is deleted as soon as its data has left its place.
 void finishDeletion(StagedChange& change, const ChangeJournal& journal) {
-    const auto home = identityOf(fs::path(journal.home));
-    const bool isDataThere = home && std::to_string(home->inode) == journal.number;
-    if (isDataThere && change.holds(journal.wrapper)) {
+    const fs::path home = journal.home;
+    const auto noted = ChangeJournal::trashOf(change);
+    const fs::path trash = noted ? joinAsText(home.parent_path(), *noted) : fs::path();
+    const DataPlace data = placeOfData(journal, trash);
+    const bool isAway = change.holds(journal.wrapper);
+    if (isAway && (data == DataPlace::home || data == DataPlace::unknown)) {
         change.restore(journal.wrapper, journal.wrapper);
     }
+    if (data == DataPlace::unknown) {
+        change.keep(); // leads to what is beside the data, or to the data itself
+        return;
+    }
+    removeTrash(home, trash, data == DataPlace::trash && !isAway);
+    // In the folder of clones itself, it is removed like any other hidden folder.
+    if (noted && itemOrLinkExists(trash) && !isSameItem(home.parent_path(), change.folder())) {
+        change.keep(); // leads to the rest of the data
+        return;
+    }
     ChangeJournal::forget(change);
-    (void)StagedChange::interruptedIn(fs::path(journal.home).parent_path());
 }
 
 // What was written when a configuration was to be replaced.

@@ -53,13 +53,10 @@ bool isAnother(const std::optional<InstanceRecord>& now, const InstanceRecord& l
            !isUnfinishedWrapper(listed.bundleURL);
 }
 
-// Another clone or an app may have replaced this one since it was listed.
-void refuseAnother(const InstanceRegistry& registry, const InstanceRecord& record) {
-    if (isAnother(registry.record(record.bundleURL), record)) {
-        throw RefusedDeletion("The clone at " + record.bundleURL.string() +
-                              " is no longer the one that was listed, so nothing was deleted. "
-                              "List the clones again and check it first.");
-    }
+[[noreturn]] void refuseAnother(const fs::path& wrapper) {
+    throw RefusedDeletion("The clone at " + wrapper.string() +
+                          " is no longer the one that was listed, so nothing was deleted. "
+                          "List the clones again and check it first.");
 }
 
 [[noreturn]] void refuse(const fs::path& folder, const std::string& reason) {
@@ -142,70 +139,123 @@ void removeRest(const ItemRemoval& wrapper, DeletedData& data) {
     }
 }
 
-// Removes the data from the hidden folder. What can't be removed is put back where it was.
-void removeMovedData(DataStep& step, StagedChange& trash, const std::string& name) {
-    step.removal = ItemRemoval::of(joinAsText(trash.path(), name));
-    removeData(step);
-    if (!trash.holds(name)) {
-        return;
-    }
+// Puts back what can't be removed, unless another clone could take it for its own by now.
+bool putBack(const InstanceRegistry& registry, const fs::path& bundle, const fs::path& folder,
+             StagedChange& trash) {
+    const std::string name = folder.filename();
     try {
+        const std::optional<FileLock> lock = lockClones(bundle.parent_path());
+        if (itemOrLinkExists(bundle) ||
+            DataFolderGuard(registry, bundle).objection(Place(folder))) {
+            return false;
+        }
         trash.restore(name, name);
-    } catch (const PlatformError&) {
-        trash.keep();
+        return true;
+    } catch (const Error&) {
+        return false;
     }
 }
 
-// Moves the wrapper away, and the data if `trash` is for it. Returns false, with everything in its
-// place, if that is not possible. Throws `PlatformError` if it is not either; the next start puts
-// it there.
-bool moveAway(StagedChange& change, StagedChange* trash, const std::string& wrapper,
-              const std::string& data) {
-    try {
-        change.withdraw(wrapper, wrapper);
-    } catch (const PlatformError&) {
-        return false;
+// Removes the data from the hidden folder. What can't be removed is put back where it was, or stays
+// there if that is not possible.
+void removeMovedData(const InstanceRegistry& registry, const fs::path& bundle, DataStep& step,
+                     StagedChange& trash) {
+    const fs::path moved = joinAsText(trash.path(), step.data.folder.filename().string());
+    step.removal = ItemRemoval::of(moved);
+    removeData(step);
+    if (!itemOrLinkExists(moved) || putBack(registry, bundle, step.data.folder, trash)) {
+        return;
     }
+    trash.keep();
+    step.data.folder = moved;
+}
+
+// A wrapper and its data, on their way out.
+struct Departure {
+    StagedChange& change;
+    std::optional<StagedChange>& trash; ///< for the data, if it is to be removed
+    const ItemRemoval& wrapper;
+    const DataStep& data;
+};
+
+// Moves the wrapper away, and the data with it. Returns false, with everything in its place, if
+// that is not possible. Throws `RefusedDeletion`, with everything in its place, if either was
+// replaced meanwhile, and `PlatformError` if something can't be put back; the next start does that.
+bool moveAway(const Departure& leaving) {
+    const std::string wrapper = leaving.wrapper.path().filename();
+    const fs::path& folder = leaving.data.data.folder;
     try {
-        if (trash != nullptr) {
-            trash->withdraw(data, data);
+        if (!leaving.change.withdraw(wrapper, wrapper, leaving.wrapper.identity())) {
+            refuseAnother(leaving.wrapper.path());
         }
-        return true;
     } catch (const PlatformError&) {
-        change.keep();
-        change.restore(wrapper, wrapper);
         return false;
     }
+    bool isReplaced = false;
+    try {
+        const std::string name = folder.filename();
+        isReplaced =
+            leaving.trash && !leaving.trash->withdraw(name, name, leaving.data.removal->identity());
+        if (!isReplaced) {
+            return true;
+        }
+    } catch (const PlatformError&) {
+        isReplaced = false; // the wrapper goes back
+    }
+    try {
+        leaving.change.restore(wrapper, wrapper);
+    } catch (const PlatformError&) {
+        leaving.change.keep();
+        throw;
+    }
+    if (isReplaced) {
+        refuse(folder, "was replaced meanwhile");
+    }
+    return false;
+}
+
+// Makes the hidden folders, the second one for the data, to which the first one leads.
+void prepare(std::optional<StagedChange>& change, std::optional<StagedChange>& trash,
+             const ItemRemoval& wrapper, const DataStep& step) {
+    change.emplace(wrapper.path().parent_path());
+    if (!step.removal) {
+        return;
+    }
+    const fs::path folder = step.data.folder.parent_path();
+    const auto above = identityOfTarget(folder);
+    ChangeJournal{.wrapper = wrapper.path().filename(),
+                  .home = step.data.folder,
+                  .device = std::to_string(above ? above->device : 0)}
+        .keepWith(*change);
+    trash.emplace(folder);
+    ChangeJournal::noteTrash(*change, *trash);
 }
 
 // Moves the wrapper and the data out of their places, each in one step, and removes them then. If
 // that is interrupted before the data has moved, the next start puts the wrapper back; afterwards,
 // it removes the rest. Returns false, with everything in its place, if there is no room for that.
-bool removeAtOnce(const fs::path& bundle, DataStep& step, std::optional<FileLock>& lock) {
-    const std::string name = bundle.filename();
-    const std::string dataName = step.data.folder.filename();
+bool removeAtOnce(const InstanceRegistry& registry, const ItemRemoval& wrapper, DataStep& step,
+                  std::optional<FileLock>& lock) {
     std::optional<StagedChange> change;
     std::optional<StagedChange> trash;
     try {
-        change.emplace(bundle.parent_path());
-        if (step.removal) {
-            ChangeJournal{.wrapper = name,
-                          .number = std::to_string(step.removal->identity().inode),
-                          .home = step.data.folder}
-                .keepWith(*change);
-            trash.emplace(step.data.folder.parent_path()); // which the journal leads to
-        }
+        prepare(change, trash, wrapper, step);
     } catch (const PlatformError&) {
         return false;
     }
-    if (!moveAway(*change, trash ? &*trash : nullptr, name, dataName)) {
+    if (!moveAway({*change, trash, wrapper, step})) {
         return false;
     }
     lock.reset(); // what remains to do concerns no one else
     if (trash) {
-        removeMovedData(step, *trash, dataName);
+        const fs::path place = trash->path();
+        removeMovedData(registry, wrapper.path(), step, *trash);
         trash.reset();
-        ChangeJournal::forget(*change);
+        if (itemOrLinkExists(place)) {
+            change->keep(); // its journal leads there
+        } else {
+            ChangeJournal::forget(*change);
+        }
     }
     return true;
 }
@@ -253,13 +303,16 @@ DeletedData deleteClone(const InstanceRegistry& registry, const InstanceRecord& 
         wrapper->refuseUnchangeable(relativeConfig());
         wrapper->refuseClosedFolders();
     }
-    refuseAnother(registry, record);
+    // Another clone or an app may have replaced this one since it was listed.
+    if (isAnother(registry.record(record.bundleURL), record)) {
+        refuseAnother(record.bundleURL);
+    }
     // Data that is kept must not be taken for what an interrupted copy left.
     (void)::unlink(joinAsText(record.config.resolvedHome(), copiedMarkName).c_str());
     const std::string identity = cloneIdentity(record.bundleURL);
     const bool isIdle = leavesTemporaryFolder(record.config);
     DataStep data = includingData ? dataStep(registry, record) : DataStep();
-    if (!wrapper || !removeAtOnce(withoutTrailingSlashes(record.bundleURL), data, lock)) {
+    if (!wrapper || !removeAtOnce(registry, *wrapper, data, lock)) {
         removeInPlace(wrapper, data);
     }
     if (later) {

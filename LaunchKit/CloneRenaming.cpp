@@ -15,6 +15,7 @@
 #include "Platform/files/FileSystem.h"
 #include "Platform/files/ItemIdentity.h"
 #include "Platform/files/PlatformError.h"
+#include "Platform/files/UserPaths.h"
 
 #include <utility>
 
@@ -55,9 +56,12 @@ std::optional<HomeRename> homeRename(const CloneRevision& clone, const CloneRena
     return HomeRename{data.path, std::move(to), lockHome(config)};
 }
 
-// Keeps the spelling of the folder that contains it, such as "~/QuorvelInstances".
-std::string renamedHome(const std::string& home, const std::string& name) {
-    return joinAsText(fs::path(withoutTrailingSlashes(home)).parent_path().string(), name);
+// Keeps the spelling of the folder that contains it, such as "~/QuorvelInstances", if it has one.
+std::string renamedHome(const std::string& home, const fs::path& to) {
+    const std::string above = fs::path(withoutTrailingSlashes(home)).parent_path().string();
+    return isSameItem(UserPaths::expandTilde(above), to.parent_path())
+               ? joinAsText(above, to.filename().string())
+               : to.string();
 }
 
 // Warns of the clones that find this one by its old path.
@@ -94,7 +98,7 @@ public:
         InstanceConfig& config = changes_.settings.config;
         config.displayName = renaming.name;
         if (home_) {
-            config.instanceHome = renamedHome(config.instanceHome, renaming.name);
+            config.instanceHome = renamedHome(config.instanceHome, home_->to);
         }
     }
 

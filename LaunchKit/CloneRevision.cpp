@@ -47,8 +47,14 @@ CloneSettings completedSettings(const WrapperRevision& wrapper, CloneSettings se
     config.kind = old.kind;
     config.targetAppPath = old.targetAppPath;
     config.instanceHome = old.instanceHome;
-    if (settings.arguments == ArgumentSource::engine && wrapper.target()) {
-        config.extraArgs = dataDirArgs(detectEngine(*wrapper.target()));
+    if (settings.arguments == ArgumentSource::engine && wrapper.target() &&
+        (settings.restoresArguments || !wrapper.hasUsersArguments())) {
+        // An application that is being updated may not show its engine. Without its arguments, the
+        // clone would open an empty profile.
+        auto arguments = dataDirArgs(detectEngine(*wrapper.target()));
+        if (!arguments.empty() || settings.restoresArguments) {
+            config.extraArgs = std::move(arguments);
+        }
     }
     return settings;
 }

@@ -31,7 +31,8 @@ private:
 };
 
 /// Returns the settings with what editing leaves as it is: the identifier, the data folder, the
-/// kind, the target and the name; with the engine's arguments, if that is where they come from.
+/// kind, the target and the name; with the engine's arguments, if that is where they come from and
+/// the user has not changed them.
 [[nodiscard]] CloneSettings completedSettings(const WrapperRevision& old, CloneSettings settings);
 
 /// Returns the clone after a change, published in the menu under its own picture.

@@ -3,6 +3,7 @@
 #include "Base/BundleName.h"
 #include "Base/PathText.h"
 #include "LaunchKit/CloneDeletion.h"
+#include "LaunchKit/ClonesLock.h"
 #include "LaunchKit/InstanceRecord.h"
 #include "LaunchKit/NameOrder.h"
 #include "LaunchKit/WrapperLayout.h"
@@ -73,10 +74,13 @@ DeletedData InstanceRegistry::remove(const InstanceRecord& record, bool includin
 
 void InstanceRegistry::update(const InstanceRecord& record,
                               const std::function<void(InstanceConfig&)>& change) const {
-    InstanceConfig config = record.config;
-    change(config);
     try {
-        writeFile(configOf(record.bundleURL), config.json());
+        const auto lock = lockClones(record.bundleURL.parent_path());
+        // Another program may have changed the clone since it was listed.
+        if (auto now = this->record(record.bundleURL)) {
+            change(now->config);
+            writeFile(configOf(now->bundleURL), now->config.json());
+        }
     } catch (const std::runtime_error&) {
         // The next listing shows what was saved.
     }
@@ -86,12 +90,10 @@ void InstanceRegistry::shareUserFolders(const InstanceRecord& record) const {
     const auto shares = [](const std::optional<InstanceRecord>& clone) {
         return clone && clone->config.shareUserFolders;
     };
-    // Another program may have changed the clone since it was listed.
-    const auto now = this->record(record.bundleURL);
-    if (now && !shares(now)) {
-        update(*now, [](InstanceConfig& config) { config.shareUserFolders = true; });
+    if (!shares(this->record(record.bundleURL))) {
+        update(record, [](InstanceConfig& config) { config.shareUserFolders = true; });
     }
-    if (!shares(now) && !shares(this->record(record.bundleURL))) {
+    if (!shares(this->record(record.bundleURL))) {
         throw Error("The clone at " + record.bundleURL.string() +
                     " couldn’t be changed, so folder sharing is still off.");
     }

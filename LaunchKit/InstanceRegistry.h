@@ -48,8 +48,8 @@ public:
     DeletedData remove(const InstanceRecord& record, bool includingData,
                        const Deferral& later = {}) const;
 
-    /// Applies `change` to the wrapper's configuration and saves it. Failures are silent; list
-    /// again to see the outcome.
+    /// Applies `change` to what the wrapper's configuration now is and saves it. Waits for other
+    /// changes beside the wrapper. Failures are silent; list again to see the outcome.
     void update(const InstanceRecord& record,
                 const std::function<void(InstanceConfig&)>& change) const;
 

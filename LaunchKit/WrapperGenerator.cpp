@@ -24,6 +24,7 @@ std::optional<fs::path> chosenIcon(const WrapperGenerator::Options& options,
 }
 
 std::optional<WrapperNotes> notesFor(const WrapperGenerator::Options& options,
+                                     const std::optional<AppBundle>& target,
                                      const std::optional<WrapperIcon>& icon) {
     if (!options.arguments) {
         return std::nullopt;
@@ -33,7 +34,10 @@ std::optional<WrapperNotes> notesFor(const WrapperGenerator::Options& options,
     notes.arguments = *options.arguments;
     notes.hidesIcon = options.hideWrapperIcon;
     notes.icon = icon ? icon->source : IconSource::target;
-    notes.targetIcon = icon && icon->source == IconSource::target ? fileState(icon->file) : "";
+    // Also if it couldn't be drawn.
+    notes.targetIcon =
+        notes.icon == IconSource::target && target ? targetIconState(*target) : std::string();
+    notes.writtenArguments = argumentsHash(options.config.extraArgs);
     return notes;
 }
 
@@ -49,7 +53,7 @@ WrapperContents contentsFor(const WrapperGenerator::Options& options,
     contents.icon = wrapperIcon(chosenIcon(options, wrapper), target, contents.label);
     contents.list = PropertyList::xml(WrapperPropertyList::infoPlist(
         options, contents.icon ? std::optional<std::string>(wrapperIconName) : std::nullopt));
-    contents.notes = notesFor(options, contents.icon);
+    contents.notes = notesFor(options, target, contents.icon);
     return contents;
 }
 

@@ -48,6 +48,11 @@ bool isWritten(const fs::path& file, const std::string& bytes) {
 
 } // namespace
 
+std::string targetIconState(const AppBundle& target) {
+    const auto file = appIconFile(target);
+    return file ? fileState(*file) : std::string();
+}
+
 bool isVisible(const std::optional<IconLabel>& label) {
     return label && !Text::trimmingWhitespace(label->text).empty();
 }

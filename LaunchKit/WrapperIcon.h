@@ -22,6 +22,9 @@ struct WrapperIcon {
 wrapperIcon(const std::optional<std::filesystem::path>& chosen,
             const std::optional<AppBundle>& target, const std::optional<IconLabel>& label);
 
+/// Returns the state of the target's icon file, as `fileState` does; empty if it has none.
+[[nodiscard]] std::string targetIconState(const AppBundle& target);
+
 /// Returns whether there is anything of the label to draw.
 [[nodiscard]] bool isVisible(const std::optional<IconLabel>& label);
 

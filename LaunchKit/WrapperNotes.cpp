@@ -22,6 +22,7 @@ struct RecordTable<WrapperNotes> {
         Row<WrapperNotes>::required<&WrapperNotes::hidesIcon>("hidesIcon"),
         Row<WrapperNotes>::required<&WrapperNotes::icon>("icon"),
         Row<WrapperNotes>::of<&WrapperNotes::targetIcon>("targetIcon"),
+        Row<WrapperNotes>::of<&WrapperNotes::writtenArguments>("writtenArguments"),
         Row<WrapperNotes>::of<&WrapperNotes::writtenIcon>("writtenIcon"),
         Row<WrapperNotes>::of<&WrapperNotes::writtenList>("writtenList"),
     });
@@ -52,6 +53,14 @@ std::string fileState(const std::string& file) {
         std::filesystem::last_write_time(file, code).time_since_epoch());
     std::string state = file + " " + std::to_string(size);
     return stableHash(state.append(" ").append(std::to_string(std::int64_t{written.count()})));
+}
+
+std::string argumentsHash(const std::vector<std::string>& arguments) {
+    std::string all;
+    for (const std::string& argument : arguments) {
+        all.append(argument).push_back('\0');
+    }
+    return stableHash(all);
 }
 
 std::string fileHash(const std::string& file) {

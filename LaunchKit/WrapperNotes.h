@@ -4,6 +4,7 @@
 
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace quorvel {
 
@@ -33,9 +34,10 @@ struct WrapperNotes {
     bool hidesIcon = false;
     IconSource icon = IconSource::target; ///< `target` also if there is no icon
     std::string targetIcon{}; ///< the state of the target's icon file, as `fileState` returns it
-    /// The hashes of the icon and the property list as they were written; the user may have changed
-    /// them since. Empty for no icon.
+    /// The hashes of the icon, the property list and the arguments as they were written; the user
+    /// may have changed them since. Empty for no icon.
     std::string writtenIcon{};
+    std::string writtenArguments{};
     std::string writtenList{};
 
     /// Returns the notes of a wrapper; std::nullopt if they are missing or unreadable.
@@ -47,6 +49,9 @@ struct WrapperNotes {
 
 /// Returns a text that changes when the file does, without reading it; empty if there is no file.
 [[nodiscard]] std::string fileState(const std::string& file);
+
+/// Returns the hash of arguments, by which changed ones are recognised.
+[[nodiscard]] std::string argumentsHash(const std::vector<std::string>& arguments);
 
 /// Returns the hash of a file's bytes; empty if it can't be read.
 [[nodiscard]] std::string fileHash(const std::string& file);

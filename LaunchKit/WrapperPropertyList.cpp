@@ -48,6 +48,15 @@ void requireWritableText(const std::string& text, const std::string& what) {
     }
 }
 
+bool isEdited(const std::string& key, const PropertyListDictionary& wanted,
+              const PropertyListDictionary& written) {
+    const auto now = wanted.find(key);
+    const auto before = written.find(key);
+    return now == wanted.end() || before == written.end()
+               ? (now == wanted.end()) != (before == written.end())
+               : !(now->second == before->second);
+}
+
 } // namespace
 
 PropertyListValue WrapperPropertyList::coercePlistValue(std::string_view text) {
@@ -113,7 +122,7 @@ PropertyListDictionary WrapperPropertyList::withUsersChanges(PropertyListDiction
                                                              std::vector<std::string>& kept) {
     for (const auto& [key, value] : found) {
         const auto old = written.find(key);
-        if (old != written.end() && old->second == value) {
+        if ((old != written.end() && old->second == value) || isEdited(key, wanted, written)) {
             continue;
         }
         try {
@@ -126,7 +135,7 @@ PropertyListDictionary WrapperPropertyList::withUsersChanges(PropertyListDiction
         wanted[key] = value;
     }
     for (const auto& [key, value] : written) {
-        if (!found.contains(key)) {
+        if (!found.contains(key) && !isEdited(key, wanted, written)) {
             kept.push_back("“" + key + "” in Info.plist");
             wanted.erase(key);
         }

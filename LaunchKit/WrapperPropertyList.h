@@ -19,8 +19,8 @@ namespace quorvel::WrapperPropertyList {
 void requireWritableTexts(const InstanceConfig& config);
 
 /// Returns `wanted` with the user's changes of an older list: where `found` differs from what was
-/// `written`. Appends the names of the entries to `kept`, as "KEY in Info.plist". Throws `Error` if
-/// such an entry can't be written again.
+/// `written`, unless `wanted` differs from that, too. Appends the names of the entries to `kept`,
+/// as "KEY in Info.plist". Throws `Error` if such an entry can't be written again.
 [[nodiscard]] PropertyListDictionary withUsersChanges(PropertyListDictionary wanted,
                                                       const PropertyListDictionary& written,
                                                       const PropertyListDictionary& found,

@@ -7,13 +7,13 @@
 #include "LaunchKit/WrapperLayout.h"
 #include "LaunchKit/WrapperPropertyList.h"
 #include "LaunchKit/WrapperWriting.h"
-#include "Platform/files/FileHandle.h"
 #include "Platform/files/FileSystem.h"
+#include "Platform/files/Folder.h"
+#include "Platform/files/FolderCopy.h"
 #include "Platform/files/ItemIdentity.h"
-#include "Platform/files/MountBoundary.h"
+#include "Platform/files/ItemRemoval.h"
 #include "Platform/files/PlatformError.h"
 #include "Platform/files/PropertyListFile.h"
-#include "Platform/files/TreeCopy.h"
 #include "Platform/processes/LoadedModule.h"
 
 #include <utility>
@@ -39,18 +39,42 @@ PropertyListDictionary listFor(const CloneSettings& settings, bool hasIcon) {
         options, hasIcon ? std::optional<std::string>(wrapperIconName) : std::nullopt);
 }
 
-void copyWrapper(const fs::path& wrapper, const StagedChange& change, const std::string& name) {
-    const FileHandle from(openFolderForNames(wrapper.parent_path()));
-    const FileHandle to(openFolderForNames(change.path()));
-    const std::string oldName = wrapper.filename();
-    TreeCopy().copy(from.descriptor(), to.descriptor(), oldName, wrapper);
-    if (name != oldName) {
-        std::error_code code;
-        fs::rename(change.path() / oldName, change.path() / name, code);
-        if (code) {
-            throw PlatformError(code, wrapper, "renamed");
+// What is replaced is removed afterwards, so that must be possible.
+void requireRemovable(const fs::path& wrapper) {
+    try {
+        if (const auto old = ItemRemoval::of(wrapper)) {
+            old->refuseMounts();
+            old->refuseClosedFolders();
+        }
+    } catch (const PlatformError& error) {
+        throw Error("The clone can’t be changed, because its old wrapper couldn’t be removed "
+                    "afterwards: " +
+                    error.description());
+    }
+}
+
+// What is written into the copy must not end up where a link leads.
+void refuseLinks(const fs::path& copy) {
+    for (const std::string& item :
+         {contentsOf(""), executablesOf(""), resourcesOf(""), frameworksOf(""), configOf(""),
+          infoPlistOf(""), contentsOf("") + "/" + std::string(BundleItem::pkgInfo), notesOf("")}) {
+        if (isSymbolicLink(copy.string() + item)) {
+            throw Error("“" + item.substr(1) +
+                        "” in the clone is a symbolic link, so the clone can’t be changed. "
+                        "Replace the link with what it leads to first.");
         }
     }
+}
+
+void copyWrapper(const fs::path& wrapper, const fs::path& copy) {
+    requireRemovable(wrapper);
+    createPrivateFolder(copy);
+    const auto folder = Folder::open(copy);
+    if (!folder) {
+        throw PlatformError::fromErrno(wrapper, "copied");
+    }
+    (void)FolderCopy(wrapper).copyInto(folder->descriptor());
+    refuseLinks(copy);
 }
 
 std::string textOf(const std::optional<IconLabel>& label) {
@@ -65,6 +89,7 @@ struct WrapperRevision::IconPlan {
     bool keeps = true;
     std::optional<WrapperIcon> icon{};
     IconSource source = IconSource::chosen;
+    bool looked = false; ///< at the target's icon
 };
 
 WrapperRevision::WrapperRevision(fs::path wrapper) : wrapper_(std::move(wrapper)) {
@@ -95,8 +120,18 @@ bool WrapperRevision::hasOldTargetIcon() const {
     if (!notes_ || notes_->icon != IconSource::target || !target_ || isUsersIcon()) {
         return false;
     }
-    const auto file = appIconFile(*target_);
-    return file && fileState(*file) != notes_->targetIcon;
+    const std::string state = targetIconState(*target_);
+    return !state.empty() && state != notes_->targetIcon;
+}
+
+bool WrapperRevision::hasUsersArguments() const {
+    return notes_ && notes_->arguments == ArgumentSource::engine &&
+           notes_->writtenArguments != argumentsHash(settings_.config.extraArgs);
+}
+
+bool WrapperRevision::keepsUsersArguments(const CloneSettings& settings) const {
+    return hasUsersArguments() && settings.arguments == ArgumentSource::engine &&
+           !settings.restoresArguments;
 }
 
 // Whether the icon is what the target's gives with the clone's label.
@@ -123,7 +158,7 @@ WrapperRevision::IconPlan WrapperRevision::iconPlan(const StagedChange& change,
         return {false, WrapperIcon{wanted.iconFile, IconSource::chosen}, IconSource::chosen};
     case IconChoice::target:
         return {false, wrapperIcon(std::nullopt, target_, wanted.config.iconLabel),
-                IconSource::target};
+                IconSource::target, true};
     case IconChoice::keep:
         break;
     }
@@ -137,7 +172,7 @@ WrapperRevision::IconPlan WrapperRevision::keptIconPlan(const StagedChange& chan
     const bool relabels = textOf(label) != textOf(settings_.config.iconLabel);
     const bool fromTarget =
         notes_ ? notes_->icon == IconSource::target : !hasIcon || isTargetsIcon(change);
-    const IconPlan keeping{true, {}, fromTarget ? IconSource::target : IconSource::chosen};
+    IconPlan keeping{true, {}, fromTarget ? IconSource::target : IconSource::chosen};
     if (!relabels && !(changes.refreshesIcon && hasOldTargetIcon())) {
         return keeping;
     }
@@ -154,7 +189,8 @@ WrapperRevision::IconPlan WrapperRevision::keptIconPlan(const StagedChange& chan
     }
     auto icon = wrapperIcon(std::nullopt, target_, label);
     // If the target is gone, its icon is not.
-    return icon || !hasIcon ? IconPlan{false, std::move(icon), IconSource::target} : keeping;
+    keeping.looked = true;
+    return icon || !hasIcon ? IconPlan{false, std::move(icon), IconSource::target, true} : keeping;
 }
 
 std::string WrapperRevision::propertyList(const CloneSettings& settings, bool hasIcon,
@@ -174,14 +210,22 @@ WrapperNotes WrapperRevision::newNotes(const CloneSettings& settings, const Icon
     notes.arguments = settings.arguments;
     notes.hidesIcon = settings.hidesIcon;
     notes.icon = plan.source;
+    if (!keepsUsersArguments(settings)) {
+        notes.writtenArguments = argumentsHash(settings.config.extraArgs);
+    }
+    // Also if it can't be drawn, or each refresh would try that again.
+    if (plan.looked || !notes_) {
+        const bool isTargets = plan.source == IconSource::target;
+        notes.targetIcon = isTargets && target_ ? targetIconState(*target_) : "";
+    }
     if (plan.keeps && notes_) {
         return notes;
     }
-    const bool isTargets = plan.source == IconSource::target;
-    const auto file = isTargets && target_ ? appIconFile(*target_) : std::nullopt;
-    notes.targetIcon = file ? fileState(*file) : "";
+    if (plan.source == IconSource::chosen) {
+        notes.targetIcon.clear();
+    }
     // Without its hash, an icon is never drawn again: a label may be on it already.
-    const bool isDrawn = !isTargets && isVisible(settings_.config.iconLabel);
+    const bool isDrawn = plan.source == IconSource::chosen && isVisible(settings_.config.iconLabel);
     notes.writtenIcon = isDrawn ? "unknown" : fileHash(iconOf(wrapper_));
     return notes;
 }
@@ -206,8 +250,11 @@ std::vector<std::string> WrapperRevision::stage(const StagedChange& change, cons
     Kept entries;
     contents.list = propertyList(changes.settings, hasIcon, entries);
     contents.hasUsersEntries = !entries.empty();
+    if (keepsUsersArguments(changes.settings)) {
+        kept.emplace_back("the arguments for the app");
+    }
     kept.insert(kept.end(), entries.begin(), entries.end());
-    copyWrapper(wrapper_, change, name);
+    copyWrapper(wrapper_, change.path() / name);
     writeWrapper(change.path() / name, contents);
     return kept;
 }
@@ -217,6 +264,7 @@ bool WrapperRevision::isChangedBy(const Changes& changes) const {
     return wanted.runner || wanted.icon != IconChoice::keep ||
            wanted.hidesIcon != settings_.hidesIcon || wanted.arguments != settings_.arguments ||
            wanted.config.json() != settings_.config.json() ||
+           (wanted.restoresArguments && hasUsersArguments()) ||
            (changes.refreshesIcon && hasOldTargetIcon());
 }
 

@@ -32,6 +32,9 @@ public:
     /// Returns whether the clone has its target's icon, and that has changed since.
     [[nodiscard]] bool hasOldTargetIcon() const;
 
+    /// Returns whether the arguments were the engine's, and the user has changed them since.
+    [[nodiscard]] bool hasUsersArguments() const;
+
     /// What a copy changes.
     struct Changes {
         CloneSettings settings{};
@@ -57,6 +60,7 @@ private:
                                         Kept& kept) const;
     [[nodiscard]] bool isTargetsIcon(const StagedChange& change) const;
     [[nodiscard]] bool isUsersIcon() const;
+    [[nodiscard]] bool keepsUsersArguments(const CloneSettings& settings) const;
     [[nodiscard]] std::string propertyList(const CloneSettings& settings, bool hasIcon,
                                            Kept& kept) const;
     [[nodiscard]] WrapperNotes newNotes(const CloneSettings& settings, const IconPlan& plan) const;

@@ -28,9 +28,15 @@ namespace {
 constexpr const char* displaced = "displaced";
 constexpr const char* displacedFrom = "displaced-from";
 
-bool isThere(int folder, const char* name) {
+std::optional<ItemIdentity> identityIn(int folder, const std::string& name) {
     struct stat status {};
-    return ::fstatat(folder, name, &status, AT_SYMLINK_NOFOLLOW) == 0;
+    return ::fstatat(folder, name.c_str(), &status, AT_SYMLINK_NOFOLLOW) == 0
+               ? std::optional(identityOf(status))
+               : std::nullopt;
+}
+
+bool isThere(int folder, const char* name) {
+    return identityIn(folder, name).has_value();
 }
 
 // On a file system without locks, no one can hold one.
@@ -129,6 +135,7 @@ int StagedChange::replaceInTwoSteps(const char* staged, const char* name) const 
         return -1;
     }
     (void)::renameat(hidden, displaced, hidden, staged);
+    (void)::unlinkat(hidden, displacedFrom, 0);
     return 0;
 }
 
@@ -178,8 +185,24 @@ void StagedChange::moveDurably(const Move& move) const {
     throw PlatformError::fromErrno(joinAsText(folder_, shown), action);
 }
 
-void StagedChange::withdraw(const std::string& name, const std::string& staged) {
+bool StagedChange::withdraw(const std::string& name, const std::string& staged,
+                            const ItemIdentity& item) {
+    const auto found = identityIn(parent_.descriptor(), name);
+    if (found != item) {
+        return false;
+    }
     moveDurably({parent_.descriptor(), name, hidden_.descriptor(), staged, "removed"});
+    if (identityIn(hidden_.descriptor(), staged) == item) {
+        return true;
+    }
+    // Swapped in between. It must not be removed with the hidden folder.
+    try {
+        restore(staged, name);
+    } catch (const PlatformError&) {
+        keep();
+        throw;
+    }
+    return false;
 }
 
 void StagedChange::restore(const std::string& staged, const std::string& name) {
@@ -213,10 +236,8 @@ bool StagedChange::holds(const std::string& name) const {
 }
 
 std::optional<std::uint64_t> StagedChange::numberOf(const std::string& name) const {
-    struct stat status {};
-    return ::fstatat(parent_.descriptor(), name.c_str(), &status, AT_SYMLINK_NOFOLLOW) == 0
-               ? std::optional<std::uint64_t>(status.st_ino)
-               : std::nullopt;
+    const auto identity = identityIn(parent_.descriptor(), name);
+    return identity ? std::optional<std::uint64_t>(identity->inode) : std::nullopt;
 }
 
 void StagedChange::putBackDisplaced() const {

@@ -14,6 +14,8 @@
 
 namespace quorvel {
 
+struct ItemIdentity;
+
 /// A change of items in one folder that is prepared in a hidden folder beside them and then made by
 /// renaming. Interrupted at any moment, it leaves the old item or the new one, whole, and the
 /// hidden folder, which `interruptedIn` finds. The hidden folder is locked while the object exists.
@@ -47,8 +49,10 @@ public:
     void publish(const std::string& staged, const std::string& name);
 
     /// Moves an item of the folder into the hidden folder under the name `staged`, which must be
-    /// free. Throws `PlatformError`.
-    void withdraw(const std::string& name, const std::string& staged);
+    /// free. Returns false, with everything in its place, if something else than `item` has that
+    /// name. Throws `PlatformError`.
+    [[nodiscard]] bool withdraw(const std::string& name, const std::string& staged,
+                                const ItemIdentity& item);
 
     /// Moves an item of the hidden folder to `name`, which must be free. Throws `PlatformError`.
     void restore(const std::string& staged, const std::string& name);
@@ -73,7 +77,7 @@ public:
     [[nodiscard]] bool holds(const std::string& name) const;
 
     /// Leaves the hidden folder as it is, for a later attempt.
-    void keep() { kept_ = true; }
+    void keep(bool isKept = true) { kept_ = isKept; }
 
     /// Returns the interrupted changes in a folder, locked, without those whose program still runs.
     /// An item that was between two renames is at its place again.

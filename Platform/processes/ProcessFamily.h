@@ -39,8 +39,9 @@ descendantsOf(pid_t root, const std::function<bool(pid_t process)>& isApart = {}
 /// none on macOS, which has no reliable way to find them.
 [[nodiscard]] std::vector<ProcessIdentity> processesWithHome(const std::string& home);
 
-/// Returns the running processes whose program is that file, also if it was removed since. Skips
-/// those of other users.
+/// Returns the running processes whose program is that file, also if it was removed since. If it is
+/// the program of a bundle, also those started before a `StagedChange` replaced the bundle, but not
+/// on macOS. Skips those of other users.
 [[nodiscard]] std::vector<ProcessIdentity> processesOf(const std::filesystem::path& program);
 
 /// Returns the running processes whose first or second argument is that script, which interpreters

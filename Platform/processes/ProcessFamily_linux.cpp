@@ -1,5 +1,6 @@
 #include "Platform/processes/ProcessFamily.h"
 
+#include "Base/BundleLayout.h"
 #include "Platform/files/FileReading.h"
 #include "Platform/files/ItemIdentity.h"
 #include "Platform/processes/Process.h"
@@ -114,11 +115,20 @@ std::vector<ProcessIdentity> processesWithHome(const std::string& home) {
 }
 
 std::vector<ProcessIdentity> processesOf(const std::filesystem::path& program) {
+    const std::string bundle = bundleOfExecutable(program.native());
     return processesWhere([&](pid_t pid) {
         char file[4096];
         const ssize_t length = ::readlink(placeInProc(pid, "exe").c_str(), file, sizeof file);
-        const std::string_view path(file, length < 0 ? 0 : static_cast<std::size_t>(length));
-        return path == program.native() || path == program.native() + " (deleted)";
+        std::string_view path(file, length < 0 ? 0 : static_cast<std::size_t>(length));
+        constexpr std::string_view removed = " (deleted)";
+        if (path == program.native()) {
+            return true;
+        }
+        path.remove_suffix(path.ends_with(removed) ? removed.size() : 0);
+        // A replaced bundle is, or was, in a hidden folder.
+        return path == program.native() ||
+               (!bundle.empty() && path.ends_with("/" + program.filename().native()) &&
+                bundleOfExecutable(path) == bundle);
     });
 }
 

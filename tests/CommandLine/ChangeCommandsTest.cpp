@@ -1,7 +1,9 @@
 #include "tests/CommandLine/CommandLineHarness.h"
 
+#include "LaunchKit/ChangeJournal.h"
 #include "LaunchKit/HomeLock.h"
 #include "LaunchKit/InstanceConfig.h"
+#include "Platform/files/ItemIdentity.h"
 #include "tests/support/AppBundles.h"
 
 #include <gmock/gmock.h>
@@ -171,6 +173,37 @@ TEST_F(ChangeCommandsTest, StaleClonesAreListedWithTheReasons) {
     const std::string own = wrapper() / "Contents/MacOS/runner";
     EXPECT_EQ(harness.run({"list", "--stale", "--runner", own}).output, "");
     EXPECT_EQ(harness.run({"list", "--runner", own}).status, 2);
+}
+
+TEST_F(ChangeCommandsTest, AStaleListGoesOnAfterAFailure) {
+    (void)make({"--kind", "web", "--name", "Broken", "--url", "https://a.test"});
+    InstanceConfig config = minimalConfig("Broken");
+    config.instanceHome = wrapper("Broken") / "data";
+    write(wrapper("Broken") / "Contents/Resources/instance.json", config.json());
+    write(wrapper() / "Contents/MacOS/runner", "an older one");
+    const CommandResult result = harness.run({"list", "--stale"});
+    EXPECT_EQ(result.status, 1);
+    EXPECT_EQ(result.output, "Work: runner\n");
+    EXPECT_THAT(result.errors, HasSubstr("The data folder of “Broken” is inside the clone"));
+    EXPECT_THAT(result.errors, HasSubstr("1 of 2 clones couldn’t be checked."));
+    EXPECT_EQ(harness.run({"list", "--stale", "--json"}).json().size(), 1U);
+}
+
+TEST_F(ChangeCommandsTest, ACloneElsewhereThatAnInterruptedDeletionHidesIsFoundByItsPath) {
+    const fs::path folder = harness.home / "elsewhere";
+    for (const char* command : {"show", "edit"}) {
+        const fs::path clone = makeWrapper(folder / "Away.app", minimalConfig("Away"));
+        write(harness.home / "QuorvelInstances/Work/file", "data");
+        {
+            StagedChange change(folder);
+            ChangeJournal{.wrapper = "Away.app", .home = harness.home / "QuorvelInstances/Work"}
+                .keepWith(change);
+            ASSERT_TRUE(change.withdraw("Away.app", "Away.app", *identityOf(clone)));
+            change.keep();
+        }
+        EXPECT_EQ(harness.run({command, clone.string()}).status, 0) << command;
+        EXPECT_TRUE(fs::exists(clone));
+    }
 }
 
 TEST_F(ChangeCommandsTest, ChangingCommandsPutRightWhatWasInterrupted) {

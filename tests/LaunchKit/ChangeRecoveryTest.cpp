@@ -1,10 +1,13 @@
 // Changes that are cut off at every system call, and what the next start makes of them.
 #include "LaunchKit/ChangeRecovery.h"
 
+#include "LaunchKit/ChangeJournal.h"
 #include "LaunchKit/CloneRenaming.h"
 #include "Platform/files/FileSystem.h"
+#include "Platform/files/ItemIdentity.h"
 #include "tests/LaunchKit/ChangedClones.h"
 #include "tests/support/EveryStep.h"
+#include "tests/support/ImmutableFile.h"
 
 #include <cerrno>
 #include <gmock/gmock.h>
@@ -123,6 +126,121 @@ TEST_F(ChangeRecoveryTest, ADeletionIsCompletedOrTakenBackWhereverItIsCutOff) {
         }
     }
     EXPECT_TRUE(wasKept);
+}
+
+// Like a drive that is not mounted at the next start, but later.
+TEST_F(ChangeRecoveryTest, DataThatCantBeSeenIsNotTakenForDeleted) {
+    const fs::path homes = home / "QuorvelInstances";
+    int restored = 0;
+    for (int step = 0;; ++step) {
+        const fs::path wrapper = makeSmall();
+        const auto record = InstanceRegistry().record(wrapper);
+        const FaultOutcome outcome =
+            withFault(step, {}, [&] { InstanceRegistry().remove(*record, true); });
+        if (outcome.kill == Kill::notPermitted) {
+            GTEST_SKIP() << "the kernel forbids tracing";
+        }
+        const bool hasData = fs::exists(homes / "Work/file");
+        const bool wasAway = outcome.kill == Kill::done && !fs::exists(wrapper);
+        fs::rename(homes, home / "unmounted");
+        finishInterruptedChanges(InstanceRegistry().searchDirs());
+        restored += wasAway && fs::exists(wrapper) ? 1 : 0;
+        fs::rename(home / "unmounted", homes);
+        finishInterruptedChanges(InstanceRegistry().searchDirs());
+        if (hasData) {
+            EXPECT_EQ(onlyClone(step).bundleURL, wrapper);
+        }
+        if (!fs::exists(wrapper)) {
+            EXPECT_THAT(namesIn("QuorvelInstances"), ::testing::IsEmpty()) << step;
+        }
+        EXPECT_THAT(namesIn("QuorvelInstances"), ::testing::Each("Work")) << step;
+        EXPECT_THAT(namesIn("Applications"), ::testing::Each("Work.app")) << step;
+        if (outcome.kill == Kill::ended) {
+            break;
+        }
+    }
+    EXPECT_GT(restored, 0);
+}
+
+TEST_F(ChangeRecoveryTest, DataThatCantBeRemovedNowIsRemovedOrPutBackLater) {
+    for (int step = 0;; ++step) {
+        const fs::path wrapper = makeSmall();
+        const auto record = InstanceRegistry().record(wrapper);
+        FaultOutcome outcome;
+        DeletedData data;
+        {
+            const ImmutableFile immutable(home / "QuorvelInstances/Work/file");
+            if (!immutable.isSet()) {
+                GTEST_SKIP() << "no file can be made immutable here";
+            }
+            outcome = withFault(step, {EIO}, [&] { InstanceRegistry().remove(*record, true); });
+            finishInterruptedChanges(InstanceRegistry().searchDirs());
+        }
+        if (outcome.kill == Kill::notPermitted) {
+            GTEST_SKIP() << "the kernel forbids tracing";
+        }
+        finishInterruptedChanges(InstanceRegistry().searchDirs());
+        EXPECT_THAT(namesIn("QuorvelInstances"), ::testing::Each("Work")) << step;
+        EXPECT_THAT(namesIn("Applications"), ::testing::Each("Work.app")) << step;
+        if (outcome.kill == Kill::ended) {
+            break;
+        }
+    }
+}
+
+TEST_F(ChangeRecoveryTest, OtherHiddenFoldersBesideTheDataAreLeftAlone) {
+    const fs::path wrapper = makeSmall();
+    const auto identity = [](const fs::path& item) { return *identityOf(item); };
+    const fs::path homes = home / "QuorvelInstances";
+    makeWrapper(homes / "Other.app", minimalConfig("Other"));
+    write(homes / "Data/file", "other");
+    {
+        StagedChange change(homes);
+        ChangeJournal{.wrapper = "Other.app", .home = homes / "Data"}.keepWith(change);
+        ASSERT_TRUE(change.withdraw("Other.app", "Other.app", identity(homes / "Other.app")));
+        change.keep();
+        StagedChange deletion(wrapper.parent_path());
+        ChangeJournal{.wrapper = "Work.app", .home = homes / "Work"}.keepWith(deletion);
+        deletion.keep();
+    }
+    finishInterruptedChanges(InstanceRegistry().searchDirs());
+    EXPECT_THAT(namesIn("Applications"), ::testing::ElementsAre("Work.app"));
+    EXPECT_EQ(namesIn("QuorvelInstances").size(), 3U);
+    finishInterruptedChanges(homes);
+    EXPECT_TRUE(InstanceRegistry().record(homes / "Other.app"));
+    EXPECT_EQ(namesIn("QuorvelInstances").size(), 3U);
+}
+
+TEST_F(ChangeRecoveryTest, WhatTakesAPlaceDuringADeletionIsNotDeleted) {
+    for (const char* name : {"Applications/Work.app", "QuorvelInstances/Work"}) {
+        int refused = 0;
+        // What is there before the first call is what is to be deleted.
+        for (int step = 1;; ++step) {
+            fs::remove_all(home / "aside");
+            const auto record = InstanceRegistry().record(makeSmall());
+            const fs::path place = home / name;
+            const auto swap = [&] {
+                if (fs::exists(place)) {
+                    fs::rename(place, home / "aside");
+                    write(place / "file", "mine");
+                }
+            };
+            const FaultOutcome outcome = withFault(
+                step, {.meanwhile = swap}, [&] { InstanceRegistry().remove(*record, true); });
+            if (outcome.kill == Kill::notPermitted) {
+                GTEST_SKIP() << "the kernel forbids tracing";
+            }
+            if (outcome.kill == Kill::ended) {
+                break;
+            }
+            finishInterruptedChanges(InstanceRegistry().searchDirs());
+            if (fs::exists(home / "aside")) {
+                EXPECT_EQ(read(place / "file"), "mine") << name << " at " << step;
+                refused += outcome.status;
+            }
+        }
+        EXPECT_GT(refused, 0) << name;
+    }
 }
 
 } // namespace

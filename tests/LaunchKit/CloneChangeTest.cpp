@@ -6,13 +6,16 @@
 #include "Platform/files/FileSystem.h"
 #include "Platform/files/PropertyListFile.h"
 #include "tests/LaunchKit/ChangedClones.h"
+#include "tests/support/UnprivilegedUser.h"
 
 #include <gmock/gmock.h>
+#include <sys/mman.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <sys/xattr.h>
 #include <unistd.h>
 
+#include <atomic>
 #include <future>
 
 namespace quorvel {
@@ -23,6 +26,23 @@ using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
 namespace fs = std::filesystem;
+
+// What several processes count, by kind.
+class SharedCounts {
+public:
+    SharedCounts()
+        : counts_(static_cast<std::atomic<int>*>(
+              ::mmap(nullptr, size, PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0))) {}
+    SharedCounts(const SharedCounts&) = delete;
+    SharedCounts& operator=(const SharedCounts&) = delete;
+    ~SharedCounts() { ::munmap(counts_, size); }
+
+    std::atomic<int>& operator[](int kind) const { return counts_[kind]; }
+
+private:
+    static constexpr std::size_t size = 4096;
+    std::atomic<int>* counts_;
+};
 
 class CloneChangeTest : public ::testing::Test, protected ChangedClones {};
 
@@ -162,6 +182,77 @@ TEST_F(CloneChangeTest, FilesThatTheUserPutIntoTheWrapperStay) {
     EXPECT_EQ(fs::status(wrapper).permissions(), fs::perms{0700});
 }
 
+TEST_F(CloneChangeTest, NothingIsWrittenThroughALinkInTheWrapper) {
+    const fs::path wrapper = make(webRequest());
+    const auto edit = [](CloneSettings& s) {
+        s.config.url = "https://new.test";
+        s.hidesIcon = true;
+    };
+    for (const char* name : {"Resources/instance.json", "Resources/wrapper.json", "Info.plist",
+                             "PkgInfo", "Resources", "MacOS", "Frameworks"}) {
+        const fs::path item = wrapper / "Contents" / name;
+        if (!fs::exists(item)) {
+            fs::create_directory(item);
+        }
+        fs::rename(item, home / "linked");
+        for (const fs::path& target :
+             {home / "linked", fs::relative(home / "linked", item.parent_path())}) {
+            fs::create_symlink(target, item);
+            const auto before = treeOf(home.path());
+            try {
+                (void)editClone(wrapper, edit);
+                ADD_FAILURE() << name;
+            } catch (const Error& error) {
+                EXPECT_THAT(error.what(), HasSubstr("symbolic link")) << name;
+            }
+            EXPECT_TRUE(treeOf(home.path()) == before) << name;
+            fs::remove(item);
+        }
+        fs::rename(home / "linked", item);
+    }
+    fs::remove(wrapper / "Contents/PkgInfo");
+    fs::create_symlink(home / "missing", wrapper / "Contents/PkgInfo");
+    EXPECT_THROW((void)editClone(wrapper, edit), Error);
+    EXPECT_FALSE(fs::exists(home / "missing"));
+}
+
+TEST_F(CloneChangeTest, AWrapperThatCouldNotBeRemovedIsNamedAsSuch) {
+    const TemporaryFolder folder;
+    EXPECT_TRUE(asUnprivilegedUser(folder.path(), [&] {
+        const fs::path wrapper = makeWrapper(folder / "Work.app", minimalConfig());
+        write(wrapper / "Contents/mine/file", "x");
+        fs::permissions(wrapper / "Contents/mine", fs::perms{0500});
+        try {
+            (void)editClone(wrapper, [](CloneSettings& s) { s.config.url = "https://new.test"; });
+        } catch (const Error& error) {
+            fs::permissions(wrapper / "Contents/mine", fs::perms{0700});
+            return std::string(error.what()).find("removed afterwards") != std::string::npos;
+        }
+        return false;
+    }));
+}
+
+TEST_F(CloneChangeTest, AnEditWinsOverAnOlderChangeOfThePropertyList) {
+    const fs::path wrapper = make(webRequest());
+    PropertyListDictionary list = *readPropertyList(wrapper / "Contents/Info.plist");
+    list["LSMinimumSystemVersion"] = "12.0";
+    list["LSUIElement"] = false;
+    list["UsersKey"] = "mine";
+    list.erase("CFBundleVersion");
+    testing::write(wrapper / "Contents/Info.plist", PropertyList::xml(list));
+    const ChangedClone changed = editClone(wrapper, [](CloneSettings& s) {
+        s.hidesIcon = true;
+        s.config.infoPlistOverrides["LSMinimumSystemVersion"] = "a 14";
+        s.config.infoPlistOverrides["CFBundleVersion"] = "b 2";
+    });
+    EXPECT_THAT(changed.kept, ElementsAre("“UsersKey” in Info.plist"));
+    const auto found = *readPropertyList(wrapper / "Contents/Info.plist");
+    EXPECT_EQ(found.at("LSUIElement"), PropertyListValue(true));
+    EXPECT_EQ(found.at("LSMinimumSystemVersion"), PropertyListValue("a 14"));
+    EXPECT_EQ(found.at("CFBundleVersion"), PropertyListValue("b 2"));
+    EXPECT_EQ(found.at("UsersKey"), PropertyListValue("mine"));
+}
+
 TEST_F(CloneChangeTest, AWrapperWithoutNotesKeepsItsPictureItsHidingAndItsArguments) {
     WrapperFactory::Request request = appRequest();
     request.customIcon = writePicture("chosen.png", 200, 0xFF30A030U);
@@ -222,6 +313,7 @@ TEST_F(CloneChangeTest, ManyProcessesThatMakeEditAndDeleteOneCloneLeaveItWholeOr
     constexpr int processes = 20;
     constexpr int rounds = 5;
     const WrapperFactory factory(runnerProgram());
+    const SharedCounts made;
     const auto tryOne = [&](int kind) {
         const fs::path wrapper = home / "Applications/Work.app";
         try {
@@ -234,7 +326,10 @@ TEST_F(CloneChangeTest, ManyProcessesThatMakeEditAndDeleteOneCloneLeaveItWholeOr
                 });
             } else if (const auto record = InstanceRegistry().record(wrapper)) {
                 InstanceRegistry().remove(*record, false);
+            } else {
+                return; // nothing to delete
             }
+            ++made[kind];
         } catch (const Error&) {
             return; // another one was first
         }
@@ -254,6 +349,9 @@ TEST_F(CloneChangeTest, ManyProcessesThatMakeEditAndDeleteOneCloneLeaveItWholeOr
         ASSERT_EQ(::waitpid(child, &status, 0), child);
         EXPECT_EQ(status, 0);
     }
+    EXPECT_GT(made[0], 0) << "made";
+    EXPECT_GT(made[1], 0) << "edited";
+    EXPECT_GT(made[2], 0) << "deleted";
     const auto clones = InstanceRegistry().list();
     const auto items = directoryEntries(home / "Applications").value();
     EXPECT_EQ(items.size(), clones.size()) << "nothing half is left";

@@ -1,6 +1,7 @@
 #include "LaunchKit/CloneRefresh.h"
 
 #include "tests/LaunchKit/ChangedClones.h"
+#include "tests/support/DesktopApps.h"
 
 #include <gmock/gmock.h>
 
@@ -98,6 +99,73 @@ TEST_F(CloneRefreshTest, TheEnginesArgumentsAreTakenUnlessOthersWereTyped) {
                     ElementsAre(typed ? "--mine" : "--user-data-dir={{instanceHome}}/QuorvelData"));
         fs::remove_all(home / "Thing.app/Contents/Frameworks");
     }
+}
+
+TEST_F(CloneRefreshTest, AnUpdateInProgressTakesNoArgumentsAway) {
+    const WrapperFactory::Request request = appRequest();
+    const fs::path engine = home / "Thing.app/Contents/Frameworks/Electron Framework.framework";
+    fs::create_directories(engine);
+    const fs::path wrapper = make(request);
+    const auto arguments = [&] { return InstanceRegistry().record(wrapper)->config.extraArgs; };
+    const auto before = arguments();
+    ASSERT_EQ(before.size(), 1U);
+    fs::remove_all(engine);
+    EXPECT_THAT(reasons(wrapper), IsEmpty());
+    EXPECT_FALSE(refresh.refresh(wrapper).isChanged);
+    (void)editClone(wrapper, [](CloneSettings& s) { s.config.environment["A"] = "1"; });
+    EXPECT_EQ(arguments(), before);
+    (void)editClone(wrapper, [](CloneSettings& s) { s.restoresArguments = true; });
+    EXPECT_THAT(arguments(), IsEmpty()) << "that was asked for";
+}
+
+TEST_F(CloneRefreshTest, ArgumentsThatTheUserChangedStayAndAreNamed) {
+    const WrapperFactory::Request request = appRequest();
+    fs::create_directories(home / "Thing.app/Contents/Frameworks/Electron Framework.framework");
+    const fs::path wrapper = make(request);
+    InstanceConfig config = InstanceRegistry().record(wrapper)->config;
+    const auto engines = config.extraArgs;
+    config.extraArgs = {"--mine"};
+    write(wrapper / "Contents/Resources/instance.json", config.json());
+    EXPECT_THAT(reasons(wrapper), IsEmpty());
+    write(wrapper / "Contents/MacOS/runner", "an older one");
+    const auto arguments = [&] { return InstanceRegistry().record(wrapper)->config.extraArgs; };
+    for (const char* value : {"1", "2"}) {
+        (void)refresh.refresh(wrapper);
+        const ChangedClone changed =
+            editClone(wrapper, [&](CloneSettings& s) { s.config.environment["A"] = value; });
+        EXPECT_THAT(changed.kept, ElementsAre("the arguments for the app"));
+        EXPECT_THAT(arguments(), ElementsAre("--mine"));
+    }
+    const ChangedClone restored = editClone(wrapper, [](CloneSettings& s) {
+        s.arguments = ArgumentSource::engine;
+        s.restoresArguments = true;
+    });
+    EXPECT_THAT(restored.kept, IsEmpty());
+    EXPECT_EQ(arguments(), engines);
+    EXPECT_THAT(setLabel(wrapper, "A").kept, IsEmpty()) << "they are the engine's again";
+}
+
+TEST_F(CloneRefreshTest, AnIconThatCantBeDrawnIsTriedOnce) {
+    const DesktopApps apps;
+    apps.addProgram("app", helperProgram());
+    fs::rename(writePicture("icon.png", 48), home / "good.png");
+    const fs::path icon = apps.addIcon("48x48", "app.png", read(home / "good.png"));
+    WrapperFactory::Request request;
+    request.displayName = "Work";
+    request.targetApp = apps.addEntry("app", "app", "Icon=app\n");
+    const fs::path wrapper = make(request);
+    const std::string old = iconIn(wrapper);
+    EXPECT_NE(old, "");
+    write(icon, "no picture");
+    EXPECT_THAT(reasons(wrapper), ElementsAre(StaleReason::icon));
+    (void)refresh.refresh(wrapper);
+    EXPECT_EQ(iconIn(wrapper), old);
+    EXPECT_THAT(reasons(wrapper), IsEmpty());
+    WrapperFactory::Request another = request;
+    another.displayName = "Later";
+    EXPECT_THAT(reasons(make(another)), IsEmpty());
+    write(icon, read(home / "good.png"));
+    EXPECT_THAT(reasons(wrapper), ElementsAre(StaleReason::icon)) << "it can be drawn again";
 }
 
 TEST_F(CloneRefreshTest, ACloneWhoseTargetIsGoneGetsTheRunnerAndKeepsTheRest) {

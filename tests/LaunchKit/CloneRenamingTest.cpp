@@ -75,6 +75,29 @@ TEST_F(CloneRenamingTest, TheDataMovesIfAsked) {
     EXPECT_FALSE(fs::exists(fs::symlink_status(data("Work"))));
 }
 
+TEST_F(CloneRenamingTest, TheConfigurationLeadsToTheDataHoweverItWasWritten) {
+    const std::string folder = (home / "D").string();
+    fs::create_directory(home / "D");
+    fs::create_directory_symlink("D", home / "link");
+    const std::pair<std::string, std::string> homes[] = {
+        {"~/D/Work", "~/D/Office"},         {"~/D/Work/", "~/D/Office"},
+        {"~/D/Work/.", folder + "/Office"}, {"~/D/x/../Work", "~/D/x/../Office"},
+        {"~/link/Work", "~/link/Office"},   {folder + "/Work", folder + "/Office"},
+    };
+    fs::create_directory(home / "D/x");
+    for (const auto& [before, after] : homes) {
+        InstanceConfig config = minimalConfig();
+        config.instanceHome = before;
+        const fs::path wrapper = makeWrapper(home / "Applications/Work.app", config);
+        write(home / "D/Work/file", before);
+        const ChangedClone changed = renameClone(wrapper, {.name = "Office", .movesData = true});
+        EXPECT_EQ(changed.record.config.instanceHome, after) << before;
+        EXPECT_EQ(read(fs::path(changed.record.config.resolvedHome()) / "file"), before);
+        fs::remove_all(home / "D/Office");
+        fs::remove_all(home / "Applications");
+    }
+}
+
 TEST_F(CloneRenamingTest, ACloneWithoutDataIsRenamedAlone) {
     const ChangedClone changed =
         renameClone(make(webRequest()), {.name = "Office", .movesData = true});

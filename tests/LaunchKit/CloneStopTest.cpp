@@ -1,5 +1,7 @@
 #include "LaunchKit/CloneStop.h"
 
+#include "LaunchKit/CloneChange.h"
+#include "LaunchKit/CloneRenaming.h"
 #include "tests/Runner/RunnerFixture.h"
 
 #include <cstdlib>
@@ -52,6 +54,25 @@ TEST_F(CloneStopTest, AskingIsEnoughForATargetThatEndsWell) {
     EXPECT_EQ(stopped.left, 0U);
     EXPECT_EQ(read(at("answer")), "asked\n");
     EXPECT_EQ(runner.waitUntilExit(), 0);
+}
+
+TEST_F(CloneStopTest, ACloneThatWasChangedWhileItRunsIsStopped) {
+    for (const bool renames : {false, true}) {
+        fs::path bundle = wrapper(lasting());
+        Process runner = start(bundle);
+        ASSERT_TRUE(targetRuns());
+        if (renames) {
+            bundle = renameClone(bundle, {.name = "Office"}).record.bundleURL;
+        } else {
+            (void)editClone(bundle, [](CloneSettings& s) { s.config.environment["A"] = "1"; });
+        }
+        const StoppedClone stopped = stop(bundle);
+        EXPECT_EQ(stopped.outcome, Case::ended);
+        EXPECT_EQ(stopped.ended, 2U) << "the runner and its target";
+        EXPECT_TRUE(isGone(numberIn(at("pid"))));
+        EXPECT_EQ(runner.waitUntilExit(), 128 + SIGTERM);
+        fs::remove(at("pid"));
+    }
 }
 
 TEST_F(CloneStopTest, WithoutPermissionATargetThatDoesNotListenGoesOn) {

@@ -2,6 +2,7 @@
 
 #include "LaunchKit/InstanceConfig.h"
 #include "LaunchKit/InstanceRecord.h"
+#include "Platform/files/FileLock.h"
 #include "Platform/files/PlatformError.h"
 #include "tests/support/AppBundles.h"
 #include "tests/support/TemporaryHome.h"
@@ -10,6 +11,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
+
+#include <future>
 
 namespace quorvel {
 namespace {
@@ -218,6 +221,23 @@ TEST_F(InstanceRegistryTest, SharingKeepsWhatAnotherProgramChangedMeanwhile) {
     EXPECT_TRUE(now->config.shareUserFolders);
     EXPECT_EQ(now->config.displayName, "Renamed");
     registry.shareUserFolders(listed);
+}
+
+TEST_F(InstanceRegistryTest, SharingWaitsForAChangeThatIsGoingOn) {
+    InstanceConfig config = minimalConfig();
+    config.shareUserFolders = false;
+    const InstanceRecord listed{makeWrapper(at("Work.app"), config), config};
+    auto lock = FileLock::tryTakeFolder(folder_.path());
+    auto sharing =
+        std::async(std::launch::async, [&] { InstanceRegistry().shareUserFolders(listed); });
+    EXPECT_EQ(sharing.wait_for(std::chrono::milliseconds(100)), std::future_status::timeout);
+    config.displayName = "Renamed";
+    makeWrapper(at("Work.app"), config);
+    lock.reset();
+    sharing.get();
+    const auto now = InstanceRegistry().record(listed.bundleURL);
+    EXPECT_TRUE(now->config.shareUserFolders);
+    EXPECT_EQ(now->config.displayName, "Renamed");
 }
 
 TEST_F(InstanceRegistryTest, SharingFailsForACloneThatIsGoneOrCantBeChanged) {

@@ -20,6 +20,8 @@ enum class Kill {
 /// What happens to a system call that changes something on disk.
 struct Fault {
     int error = 0; ///< the call fails with this, once, without effect; 0: the process is killed
+    /// If set, this is done right before the call instead, which then is made.
+    std::function<void()> meanwhile{};
 };
 
 /// The outcome of `withFault`.

@@ -7,6 +7,7 @@
 #include <elf.h>
 #include <fcntl.h>
 #include <linux/filter.h>
+#include <linux/fs.h>
 #include <linux/seccomp.h>
 #include <stdexcept>
 #include <string>
@@ -75,8 +76,8 @@ Kill endedWith(int status) {
 constexpr std::array changingCalls {
     SYS_write, SYS_pwrite64, SYS_writev, SYS_renameat, SYS_renameat2, SYS_mkdirat, SYS_unlinkat,
         SYS_symlinkat, SYS_linkat, SYS_fchmod, SYS_fchmodat, SYS_fchown, SYS_fchownat, SYS_fsync,
-        SYS_fdatasync, SYS_syncfs, SYS_ftruncate, SYS_utimensat, SYS_fsetxattr, SYS_sendfile,
-        SYS_copy_file_range,
+        SYS_fdatasync, SYS_syncfs, SYS_ftruncate, SYS_fallocate, SYS_utimensat, SYS_setxattr,
+        SYS_lsetxattr, SYS_fsetxattr, SYS_sendfile, SYS_copy_file_range,
 #if defined(__x86_64__)
         SYS_rename, SYS_mkdir, SYS_unlink, SYS_rmdir, SYS_symlink, SYS_link, SYS_chmod,
 #endif
@@ -91,6 +92,12 @@ bool stopAtChangingCalls() {
         program.push_back(BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, static_cast<unsigned>(call), 0, 1));
         program.push_back(BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_TRACE));
     }
+    // Cloning a file is one of the many things that this call does.
+    program.push_back(BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, SYS_ioctl, 0, 3));
+    program.push_back(BPF_STMT(BPF_LD | BPF_W | BPF_ABS, offsetof(seccomp_data, args[1])));
+    program.push_back(BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, FICLONE, 0, 1));
+    program.push_back(BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_TRACE));
+    program.push_back(BPF_STMT(BPF_LD | BPF_W | BPF_ABS, offsetof(seccomp_data, nr)));
     program.push_back(BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, SYS_openat, 0, 3));
     program.push_back(BPF_STMT(BPF_LD | BPF_W | BPF_ABS, offsetof(seccomp_data, args[2])));
     program.push_back(BPF_JUMP(BPF_JMP | BPF_JSET | BPF_K, O_CREAT, 0, 1));
@@ -142,11 +149,14 @@ FaultOutcome withFault(int step, const Fault& fault, const std::function<void()>
     for (int calls = 0; WIFSTOPPED(status); status = nextStop(child)) {
         if (isAtChangingCall(status) && calls++ == step) {
             outcome = Kill::done;
-            if (fault.error == 0) {
+            if (fault.meanwhile) {
+                fault.meanwhile();
+            } else if (fault.error == 0) {
                 kill(child);
                 return {outcome};
+            } else {
+                skipCall(child, -fault.error);
             }
-            skipCall(child, -fault.error);
         }
         ::ptrace(PTRACE_CONT, child, nullptr, nullptr);
     }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Platform/files/FileHandle.h"
+
 #include <filesystem>
 
 namespace quorvel::testing {
@@ -7,7 +9,7 @@ namespace quorvel::testing {
 /// Makes a file immutable, as `chattr +i` does, while the object lives.
 class ImmutableFile {
 public:
-    explicit ImmutableFile(std::filesystem::path file);
+    explicit ImmutableFile(const std::filesystem::path& file);
     ImmutableFile(const ImmutableFile&) = delete;
     ImmutableFile& operator=(const ImmutableFile&) = delete;
     ~ImmutableFile();
@@ -16,7 +18,7 @@ public:
     [[nodiscard]] bool isSet() const { return isSet_; }
 
 private:
-    std::filesystem::path file_;
+    FileHandle file_; ///< open, since it may be moved
     bool isSet_;
 };
 

@@ -9,20 +9,19 @@
 namespace quorvel::testing {
 namespace {
 
-bool setImmutable(const std::filesystem::path& file, bool immutable) {
-    const FileHandle handle(::open(file.c_str(), O_RDONLY | O_CLOEXEC));
+bool setImmutable(const FileHandle& file, bool immutable) {
     int flags = 0;
-    if (::ioctl(handle.descriptor(), FS_IOC_GETFLAGS, &flags) != 0) {
+    if (::ioctl(file.descriptor(), FS_IOC_GETFLAGS, &flags) != 0) {
         return false;
     }
     flags = immutable ? flags | FS_IMMUTABLE_FL : flags & ~FS_IMMUTABLE_FL;
-    return ::ioctl(handle.descriptor(), FS_IOC_SETFLAGS, &flags) == 0;
+    return ::ioctl(file.descriptor(), FS_IOC_SETFLAGS, &flags) == 0;
 }
 
 } // namespace
 
-ImmutableFile::ImmutableFile(std::filesystem::path file)
-    : file_(std::move(file)),
+ImmutableFile::ImmutableFile(const std::filesystem::path& file)
+    : file_(::open(file.c_str(), O_RDONLY | O_CLOEXEC)),
       isSet_(setImmutable(file_, true)) {}
 
 ImmutableFile::~ImmutableFile() {

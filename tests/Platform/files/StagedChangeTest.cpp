@@ -1,6 +1,7 @@
 #include "Platform/files/StagedChange.h"
 
 #include "Platform/files/FileSystem.h"
+#include "Platform/files/ItemIdentity.h"
 #include "Platform/files/PlatformError.h"
 #include "tests/support/EveryStep.h"
 #include "tests/support/TemporaryHome.h"
@@ -160,13 +161,25 @@ TEST_F(StagedChangeTest, NothingIsReplacedByWhatOnlyMoves) {
     write(at("other"), "mine");
     StagedChange change(folder_.path());
     EXPECT_THROW(change.rename("item", "other"), PlatformError);
-    change.withdraw("item", "away");
+    ASSERT_TRUE(change.withdraw("item", "away", *identityOf(at("item"))));
     write(at("item"), "came meanwhile");
     EXPECT_THROW(change.restore("away", "item"), PlatformError);
     change.restore("away", "back");
     EXPECT_EQ(read(at("item")), "came meanwhile");
     EXPECT_EQ(read(at("other")), "mine");
     EXPECT_EQ(read(at("back/b")), "old");
+}
+
+TEST_F(StagedChangeTest, OnlyTheItemThatIsMeantIsWithdrawn) {
+    makeOld();
+    const auto meant = *identityOf(at("item"));
+    fs::rename(at("item"), at("elsewhere"));
+    StagedChange change(folder_.path());
+    EXPECT_FALSE(change.withdraw("item", "item", meant)) << "it is gone";
+    write(at("item"), "another");
+    EXPECT_FALSE(change.withdraw("item", "item", meant));
+    EXPECT_EQ(read(at("item")), "another");
+    EXPECT_FALSE(change.holds("item"));
 }
 
 TEST_F(StagedChangeTest, NotesOutliveAnInterruption) {
