@@ -55,7 +55,7 @@ TEST_F(CreatingTest, OfTwoAtOnceOneFailsAndNamesTheClone) {
             }
         }
         EXPECT_EQ(winners, 1);
-        EXPECT_EQ(treeOf(wrapper_).size(), 7U) << "a whole wrapper, and nothing of another one";
+        EXPECT_EQ(treeOf(wrapper_).size(), 8U) << "a whole wrapper, and nothing of another one";
     }
 }
 

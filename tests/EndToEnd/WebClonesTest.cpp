@@ -87,7 +87,9 @@ TEST_F(WebClonesTest, TwoClonesOfOneSiteShareNothingAndLoseNothing) {
     }
     EXPECT_EQ(pagesProcesses().size(), 2U);
     const std::string shown = window("Storage.* — Forum");
+    const std::size_t beforeResizing = read(requests()).size();
     session->run({"/usr/bin/xdotool", "windowsize", "--sync", shown, "900", "650"});
+    request("/resized", beforeResizing); // until then, the host may not know
     const std::string size = sizeOf(shown);
     for (int restart = 1; restart <= 2; ++restart) {
         for (const std::string& name : names) {

@@ -82,6 +82,7 @@ style='position:fixed;inset:0;width:100%;height:100%;font:100px serif'>Wrod Wrod
 Wrod Wrod Wrod Wrod Wrod Wrod Wrod Wrod Wrod Wrod Wrod Wrod Wrod Wrod</textarea>""",
     # Reads what each kind of storage has of an earlier visit, then leaves its number in all of them.
     '/storage': """<title>Storage</title><script>
+onresize = () => fetch('/resized');
 const done = request => new Promise(then => { request.onsuccess = () => then(request.result); });
 (async () => {
   const open = indexedDB.open('kept', 1);

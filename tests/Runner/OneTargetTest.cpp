@@ -2,6 +2,7 @@
 #include "LaunchKit/HomeLock.h"
 #include "LaunchKit/InstanceConfig.h"
 #include "Platform/files/FileSystem.h"
+#include "Platform/processes/ProcessFamily.h"
 #include "tests/Runner/RunnerFixture.h"
 #include "tests/support/SmallDisk.h"
 #include "tests/support/UnprivilegedUser.h"
@@ -147,7 +148,9 @@ TEST_F(OneTargetTest, WhatDetachedItselfIsStoppedAfterTheTarget) {
     const fs::path bundle = wrapper(scripted(detached("sleep 600")));
     Process runner = start(bundle);
     ASSERT_TRUE(childRuns());
-    ASSERT_TRUE(isAdoptedBy(runner)) << "the target has ended";
+    ASSERT_TRUE(isAdoptedBy(runner));
+    ASSERT_TRUE(waitUntil([&] { return cloneProcesses(runner.identifier()).size() == 1; }))
+        << "the target has ended";
     runner.sendSignal(SIGHUP);
     EXPECT_EQ(runner.waitUntilExit(), 0);
     EXPECT_FALSE(fs::exists("/proc/" + std::to_string(numberIn(at("child"))) + "/exe"));

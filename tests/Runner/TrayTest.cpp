@@ -1,4 +1,5 @@
 // The icon in the tray, which the runner has a program show while the clone runs.
+#include "tests/Runner/Tray.h"
 #include "LaunchKit/InstanceRecord.h"
 #include "LaunchKit/MenuEntries.h"
 #include "LaunchKit/WindowWord.h"
@@ -7,7 +8,6 @@
 #include "Platform/desktop/X11Windows_linux.h"
 #include "Platform/processes/ProcessFamily.h"
 #include "tests/Runner/RunnerFixture.h"
-#include "tests/Runner/Tray.h"
 #include "tests/support/SessionBus.h"
 #include "tests/support/XServer.h"
 
@@ -24,7 +24,7 @@ using ::testing::HasSubstr;
 using ::testing::Not;
 namespace fs = std::filesystem;
 
-class StatusItemTest : public RunnerFixture {
+class TrayTest : public RunnerFixture {
 protected:
     void SetUp() override {
         if (!SessionBus::isAvailable()) {
@@ -57,7 +57,7 @@ protected:
     std::optional<SessionBus> bus_{};
 };
 
-TEST_F(StatusItemTest, ShowsTheClonesNameIconAndMenuWhileItRuns) {
+TEST_F(TrayTest, ShowsTheClonesNameIconAndMenuWhileItRuns) {
     Tray tray;
     const fs::path bundle = clone();
     Process runner = start(bundle);
@@ -78,7 +78,7 @@ TEST_F(StatusItemTest, ShowsTheClonesNameIconAndMenuWhileItRuns) {
     EXPECT_TRUE(waitUntil([&] { return !tray.has(item); }));
 }
 
-TEST_F(StatusItemTest, WithoutAMenuEntryItHasAPlainNameAndAUsualIcon) {
+TEST_F(TrayTest, WithoutAMenuEntryItHasAPlainNameAndAUsualIcon) {
     Tray tray;
     const fs::path bundle = clone(true);
     const fs::path moved = bundle.parent_path() / "A\u202eB\n\xff.app";
@@ -91,7 +91,7 @@ TEST_F(StatusItemTest, WithoutAMenuEntryItHasAPlainNameAndAUsualIcon) {
     runner.waitUntilExit();
 }
 
-TEST_F(StatusItemTest, QuitEndsTheClone) {
+TEST_F(TrayTest, QuitEndsTheClone) {
     Tray tray;
     Process runner = start(clone());
     const std::string item = tray.item();
@@ -107,7 +107,7 @@ TEST_F(StatusItemTest, QuitEndsTheClone) {
     EXPECT_EQ(runner.waitUntilExit(), 128 + SIGTERM);
 }
 
-TEST_F(StatusItemTest, ATrayThatStartsLaterOrAgainShowsIt) {
+TEST_F(TrayTest, ATrayThatStartsLaterOrAgainShowsIt) {
     Process runner = start(clone(true));
     for (int round = 0; round < 2; ++round) {
         Tray tray;
@@ -119,7 +119,7 @@ TEST_F(StatusItemTest, ATrayThatStartsLaterOrAgainShowsIt) {
     runner.waitUntilExit();
 }
 
-TEST_F(StatusItemTest, ItEndsWithARunnerThatIsKilled) {
+TEST_F(TrayTest, ItEndsWithARunnerThatIsKilled) {
     Tray tray;
     Process runner = start(clone());
     const std::string item = tray.item();
@@ -135,7 +135,7 @@ TEST_F(StatusItemTest, ItEndsWithARunnerThatIsKilled) {
     }
 }
 
-TEST_F(StatusItemTest, AnyOtherCloneHasNone) {
+TEST_F(TrayTest, AnyOtherCloneHasNone) {
     replaceProgram("trap '' TERM; touch " + at("shown").string());
     for (const bool isWanted : {true, false}) {
         fs::remove(at("shown"));
@@ -153,7 +153,7 @@ TEST_F(StatusItemTest, AnyOtherCloneHasNone) {
     }
 }
 
-TEST_F(StatusItemTest, ItDoesNotKnowTheTokenOfTheClonesStart) {
+TEST_F(TrayTest, ItDoesNotKnowTheTokenOfTheClonesStart) {
     replaceProgram("env > " + at("part").string() + "; mv " + at("part").string() + " " +
                    at("environment").string());
     const ScopedEnvironment token("XDG_ACTIVATION_TOKEN", "stale-1");
@@ -167,7 +167,7 @@ TEST_F(StatusItemTest, ItDoesNotKnowTheTokenOfTheClonesStart) {
     runner.waitUntilExit();
 }
 
-TEST_F(StatusItemTest, WithoutABusTheCloneRunsAllTheSame) {
+TEST_F(TrayTest, WithoutABusTheCloneRunsAllTheSame) {
     const ScopedEnvironment address("DBUS_SESSION_BUS_ADDRESS", "unix:path=/nonexistent/bus");
     replaceProgram(QUORVEL_STATUS_ITEM_PROGRAM " \"$@\"; echo $? > " + at("status").string());
     Process runner = start(clone());
@@ -178,7 +178,7 @@ TEST_F(StatusItemTest, WithoutABusTheCloneRunsAllTheSame) {
     EXPECT_EQ(runner.waitUntilExit(), 128 + SIGTERM);
 }
 
-TEST_F(StatusItemTest, AClickBringsTheClonesWindowToTheFront) {
+TEST_F(TrayTest, AClickBringsTheClonesWindowToTheFront) {
     if (const auto missing = XServer::missingPrograms(); !missing.empty()) {
         GTEST_SKIP() << missing.front() << " is not installed";
     }

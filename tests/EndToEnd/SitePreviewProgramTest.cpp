@@ -1,6 +1,6 @@
 // Asking sites for their icon and title, with the real program and a site of the tests' own.
-#include "LaunchKit/SitePreview.h"
 #include "LaunchKit/IconCheck.h"
+#include "LaunchKit/SitePreview.h"
 #include "tests/support/TemporaryHome.h"
 #include "tests/support/Waiting.h"
 
@@ -18,7 +18,7 @@ using ::testing::HasSubstr;
 using ::testing::Not;
 namespace fs = std::filesystem;
 
-class SitePreviewTest : public ::testing::Test {
+class SitePreviewProgramTest : public ::testing::Test {
 protected:
     void SetUp() override {
         if (!fs::exists("/usr/bin/python3")) {
@@ -57,7 +57,7 @@ protected:
     std::optional<Process> server_{};
 };
 
-TEST_F(SitePreviewTest, ASiteOffersItsTitleAndItsIcon) {
+TEST_F(SitePreviewProgramTest, ASiteOffersItsTitleAndItsIcon) {
     const SitePreview found = preview("/mail/");
     EXPECT_EQ(found.title, "Mail & more");
     ASSERT_TRUE(found.icon);
@@ -66,7 +66,7 @@ TEST_F(SitePreviewTest, ASiteOffersItsTitleAndItsIcon) {
     EXPECT_THAT(read(folder_ / "log"), Not(HasSubstr("id=1"))) << "no cookie is sent back";
 }
 
-TEST_F(SitePreviewTest, WhatAHostileSiteOffersIsHarmless) {
+TEST_F(SitePreviewProgramTest, WhatAHostileSiteOffersIsHarmless) {
     const SitePreview hostile = preview("/hostile");
     EXPECT_EQ(hostile.title, "evil [31m");
     EXPECT_TRUE(hostile.icon) << "the one that is a file of the web";
@@ -77,7 +77,7 @@ TEST_F(SitePreviewTest, WhatAHostileSiteOffersIsHarmless) {
     EXPECT_LE(fs::file_size(folder_ / "own/title"), 1000U);
 }
 
-TEST_F(SitePreviewTest, ASiteThatDoesNotAnswerIsReported) {
+TEST_F(SitePreviewProgramTest, ASiteThatDoesNotAnswerIsReported) {
     EXPECT_EQ(failure("/nothing-there"), "the server answers 404");
     EXPECT_EQ(failure("/round/1"), "it leads from one address to the next");
     EXPECT_NE(failure("/to-file"), "it does not");
@@ -94,7 +94,7 @@ TEST_F(SitePreviewTest, ASiteThatDoesNotAnswerIsReported) {
     EXPECT_EQ(failure("/never", 300ms), "the site takes too long");
 }
 
-TEST_F(SitePreviewTest, AProgramThatFailsIsNoSlowSite) {
+TEST_F(SitePreviewProgramTest, AProgramThatFailsIsNoSlowSite) {
     const auto failureOf = [&](const std::string& script) {
         write(folder_ / "stand-in", "#!/bin/sh\n" + script + "\n");
         fs::permissions(folder_ / "stand-in", fs::perms::owner_all);
