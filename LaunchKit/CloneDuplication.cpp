@@ -4,6 +4,7 @@
 #include "LaunchKit/CloneWithData.h"
 #include "LaunchKit/DataFolderGuard.h"
 #include "LaunchKit/HomeLock.h"
+#include "Platform/files/FileRemoval.h"
 #include "Platform/files/FileSystem.h"
 #include "Platform/files/ResolvedPath.h"
 

@@ -6,6 +6,7 @@
 #include "Platform/processes/Process.h"
 #include "Platform/processes/ProcessStat_linux.h"
 
+#include <cstdlib>
 #include <map>
 #include <optional>
 #include <string_view>
@@ -38,8 +39,12 @@ std::vector<ProcessIdentity> processesWhere(const Predicate& matches) {
     return found;
 }
 
-// Returns the HOME that the process was started with.
+// Returns the HOME that the process was started with; of this one, which it has now.
 std::optional<std::string> homeOf(pid_t pid) {
+    if (pid == ownPid()) {
+        const char* home = std::getenv("HOME");
+        return home == nullptr ? std::nullopt : std::optional<std::string>(home);
+    }
     constexpr std::size_t limit = std::size_t{8} << 20U;
     const auto environment = readFile(placeInProc(pid, "environ"), limit);
     const std::string text = '\0' + environment.value_or(std::string()) + '\0';

@@ -160,9 +160,9 @@ TEST_F(CloneStopTest, WhatIsTheUsersGoesOn) {
 // What started it may still be there.
 TEST_F(CloneStopTest, WhatIsTheUsersBelowTheTargetGoesOn) {
     const std::string ofTheUser = std::string("HOME='") + std::getenv("HOME") + "' ";
-    const std::string child = "echo $$ > " + at("child").string() + "; exec sleep 600";
+    const std::string child = "exec 30>&-; echo $$ > " + at("child").string() + "; exec sleep 600";
     const fs::path bundle =
-        wrapper(scripted(ofTheUser + "setsid sh -c '" + child + "' 30>&- & echo $$ > " +
+        wrapper(scripted(ofTheUser + "setsid bash -c '" + child + "' & echo $$ > " +
                          at("pid").string() + "; while :; do sleep 0.02; done"));
     for (const bool isOrphan : {false, true}) {
         Process runner = start(bundle);
