@@ -251,8 +251,7 @@ gboolean HostPage::loadFailed(WebKitWebView* /*view*/, WebKitLoadEvent /*event*/
     of(self).awaited_.clear();
     // A download interrupts its page, and a link that is opened elsewhere does, too.
     if (error->domain == WEBKIT_POLICY_ERROR ||
-        g_error_matches(error, WEBKIT_NETWORK_ERROR, WEBKIT_NETWORK_ERROR_CANCELLED) == TRUE ||
-        g_error_matches(error, G_IO_ERROR, G_IO_ERROR_CANCELLED) == TRUE) {
+        g_error_matches(error, WEBKIT_NETWORK_ERROR, WEBKIT_NETWORK_ERROR_CANCELLED) == TRUE) {
         return FALSE;
     }
     of(self).showStatus(offlinePage(textOf(address), textOf(error->message) + "."),

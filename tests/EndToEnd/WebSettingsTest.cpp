@@ -226,7 +226,7 @@ TEST_F(WebSettingsTest, ABadCertificateIsAcceptedForItsHostAlone) {
     request("/facts-seen", before);
     before = read(requests()).size();
     ASSERT_EQ(handOverAddress(secure("self") + "facts"), 0);
-    EXPECT_TRUE(isShown("Open Anyway…")) << controls();
+    EXPECT_TRUE(isShown("Open Anyway…"));
     EXPECT_THAT(read(requests()).substr(before), Not(HasSubstr("/facts")));
 }
 

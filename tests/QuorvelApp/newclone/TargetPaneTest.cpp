@@ -179,7 +179,7 @@ TEST_F(TargetPaneTest, WithoutATemporaryFolderNoSiteIsAsked) {
     button(u"Web App"_s)->click();
     QTest::keyClicks(field(u"Website URL"_s), u"mail.test"_s);
     {
-        const ScopedEnvironment folder("TMPDIR", "/nonexistent");
+        const ScopedEnvironment temporary("TMPDIR", "/proc");
         button(u"Get Icon and Title"_s)->click();
     }
     EXPECT_EQ(stubs.model().lastError(),
