@@ -254,9 +254,23 @@ gboolean HostPage::loadFailed(WebKitWebView* /*view*/, WebKitLoadEvent /*event*/
         g_error_matches(error, WEBKIT_NETWORK_ERROR, WEBKIT_NETWORK_ERROR_CANCELLED) == TRUE) {
         return FALSE;
     }
+    if (of(self).loadsAgain(textOf(address), *error)) {
+        return TRUE;
+    }
     of(self).showStatus(offlinePage(textOf(address), textOf(error->message) + "."),
                         textOf(address));
     return TRUE;
+}
+
+// The engine sometimes cancels a connection whose certificate it refuses, and then does not say
+// that it was the certificate. When asked again, it does.
+bool HostPage::loadsAgain(const std::string& address, const GError& error) {
+    if (g_error_matches(&error, G_IO_ERROR, G_IO_ERROR_CANCELLED) == FALSE ||
+        !address.starts_with("https:") || std::exchange(cancelled_, address) == address) {
+        return false;
+    }
+    load(address);
+    return true;
 }
 
 void HostPage::crashed(WebKitWebView* view, WebKitWebProcessTerminationReason /*reason*/,
@@ -277,6 +291,7 @@ void HostPage::crashed(WebKitWebView* view, WebKitWebProcessTerminationReason /*
 void HostPage::committed() {
     shown_.committed(textOf(webkit_web_view_get_uri(view_)));
     awaited_.clear();
+    cancelled_.clear();
     closeGuard_.reacted();
     if (visit_.begins(hostOf(address()), window_.gestures())) {
         dialogs_.reset();

@@ -79,6 +79,7 @@ private:
                                   gpointer self);
     static gboolean loadFailed(WebKitWebView* view, WebKitLoadEvent event, char* address,
                                GError* error, gpointer self);
+    [[nodiscard]] bool loadsAgain(const std::string& address, const GError& error);
     static void crashed(WebKitWebView* view, WebKitWebProcessTerminationReason reason,
                         gpointer self);
     static void loadChanged(WebKitWebView* view, WebKitLoadEvent event, gpointer self);
@@ -107,7 +108,8 @@ private:
     PagePasswords passwords_;
     PageMenu menu_;
     RateCap reloads_ = reloadCap();
-    std::string awaited_{}; ///< the address of a page that is on its way
+    std::string awaited_{};   ///< the address of a page that is on its way
+    std::string cancelled_{}; ///< the last address whose connection was cancelled
 };
 
 } // namespace quorvel
