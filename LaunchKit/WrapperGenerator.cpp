@@ -74,10 +74,11 @@ void requireRemovable(const fs::path& wrapper) {
     }
 }
 
-// Creates the folder of wrappers if it is missing.
-void createFolderFor(const fs::path& wrapper) {
+// Begins in the folder of wrappers, which is created if it is missing.
+StagedChange changeFor(const fs::path& wrapper) {
     try {
         createDirectories(wrapper.parent_path());
+        return StagedChange(wrapper.parent_path());
     } catch (const PlatformError& error) {
         throw PlatformError(error.code(), wrapper, "created");
     }
@@ -114,8 +115,7 @@ fs::path WrapperGenerator::generate(const fs::path& directory, const Options& op
         options.beforeWriting(wrapper);
     }
     requireRemovable(wrapper);
-    createFolderFor(wrapper);
-    StagedChange change(wrapper.parent_path());
+    StagedChange change = changeFor(wrapper);
     const std::string name = wrapper.filename();
     if (options.original) {
         stageCopy(change, name, options);
