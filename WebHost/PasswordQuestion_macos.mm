@@ -100,7 +100,8 @@ std::shared_ptr<PasswordQuestions> newPasswordQuestions(QuorvelWindow* window) {
                 [kept = self->lock(), answered](const std::optional<Login>& login) {
                     answered(login);
                 });
-        });
+        },
+        [] {}); // the system never takes a question back
     *self = questions;
     return questions;
 }
