@@ -181,7 +181,7 @@ private:
     void startNext() const {
         const auto before = fs::file_time_type::clock::now() - std::chrono::minutes(2);
         for (const auto& item : fs::recursive_directory_iterator(harness_.home.path())) {
-            if (item.is_regular_file() &&
+            if (item.symlink_status().type() == fs::file_type::regular &&
                 item.path().filename().string().starts_with(".quorvel-")) {
                 fs::last_write_time(item.path(), before);
             }
