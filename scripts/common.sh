@@ -21,7 +21,7 @@ debian_test=(libgtest-dev libgmock-dev xdg-utils libplist-utils
   fonts-dejavu-core fonts-noto-color-emoji fonts-wqy-microhei qt6-image-formats-plugins
   clang-16 lld-16 llvm-16 libc++-16-dev zsh desktop-file-utils qt6-l10n-tools flatpak strace
   libglib2.0-bin dconf-gsettings-backend evince gnome-shell xwayland python3-gi iproute2
-  thunar)
+  thunar openssl btrfs-progs xfsprogs)
 # The applications that tests clone. Some distributions lack some; their tests are skipped there.
 debian_apps=(firefox-esr chromium gedit gnome-calculator kcalc keepassxc meld transmission-gtk)
 # The C library headers for the other processor of Macs.
