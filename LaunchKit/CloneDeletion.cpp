@@ -1,6 +1,5 @@
 #include "LaunchKit/CloneDeletion.h"
 
-#include "Base/CloneLayout.h"
 #include "Base/PathText.h"
 #include "LaunchKit/ChangeJournal.h"
 #include "LaunchKit/ClonesLock.h"
@@ -20,7 +19,6 @@
 #include <optional>
 #include <string_view>
 #include <tuple>
-#include <unistd.h>
 
 namespace quorvel {
 namespace fs = std::filesystem;
@@ -308,7 +306,7 @@ DeletedData deleteClone(const InstanceRegistry& registry, const InstanceRecord& 
         refuseAnother(record.bundleURL);
     }
     // Data that is kept must not be taken for what an interrupted copy left.
-    (void)::unlink(joinAsText(record.config.resolvedHome(), copiedMarkName).c_str());
+    keepCopiedData(record.config);
     const std::string identity = cloneIdentity(record.bundleURL);
     const bool isIdle = leavesTemporaryFolder(record.config);
     DataStep data = includingData ? dataStep(registry, record) : DataStep();

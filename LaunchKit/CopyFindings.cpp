@@ -2,6 +2,7 @@
 
 #include "Platform/files/DatabaseCount.h"
 #include "Platform/files/FileHandle.h"
+#include "Platform/files/FileReading.h"
 #include "Platform/files/FileSystem.h"
 #include "Platform/files/FolderWalk.h"
 #include "Platform/files/PlatformError.h"
@@ -9,7 +10,6 @@
 #include "Platform/files/StagedFolder.h"
 
 #include <algorithm>
-#include <array>
 #include <cctype>
 #include <cerrno>
 #include <fcntl.h>
@@ -90,12 +90,6 @@ std::string readText(int folder, const char* name) {
     return bytes;
 }
 
-std::string linkTarget(int folder, const char* name) {
-    std::array<char, 4096> target{};
-    const ssize_t length = ::readlinkat(folder, name, target.data(), target.size());
-    return {target.data(), length < 0 ? 0 : static_cast<std::size_t>(length)};
-}
-
 // The first bytes of Chromium's encrypted values say whose key it is: "v11" is the keyring's.
 void countLocked(const fs::path& file, const fs::path& scratch, CopyFindings& findings) {
     const fs::path name = file.filename();
@@ -141,7 +135,7 @@ CopyFindings findingsIn(const fs::path& copy, const std::vector<fs::path>& origi
         if (step->kind != FolderWalk::Kind::item) {
             continue;
         }
-        if (names(linkTarget(step->folder, step->name), spellings) ||
+        if (names(linkTargetIn(step->folder, step->name).value_or(""), spellings) ||
             names(readText(step->folder, step->name), spellings)) {
             findings.namingOriginal.push_back(walk.path());
         }

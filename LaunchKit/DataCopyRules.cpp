@@ -3,6 +3,7 @@
 #include "Base/CloneLayout.h"
 #include "Base/WebCloneLayout.h"
 #include "LaunchKit/HomeLock.h"
+#include "Platform/files/FileReading.h"
 #include "Platform/files/FolderWalk.h"
 #include "Platform/files/RegularFile.h"
 #include "Platform/files/VolumeTransfer.h"
@@ -35,12 +36,6 @@ constexpr std::string_view electronSocket = "SS";
 template<std::size_t count>
 bool contains(const std::array<std::string_view, count>& names, std::string_view name) {
     return std::find(names.begin(), names.end(), name) != names.end();
-}
-
-std::string linkTarget(int folder, const char* name) {
-    std::array<char, 4096> target{};
-    const ssize_t length = ::readlinkat(folder, name, target.data(), target.size());
-    return {target.data(), length < 0 ? 0 : static_cast<std::size_t>(length)};
 }
 
 // The process that a lock names: "HOST-PID" of Chromium, "ADDRESS:+PID" of Firefox.
@@ -89,7 +84,7 @@ bool isSharedMemory(const CopiedItem& item) {
 }
 
 bool isHeldHere(int folder, const char* name, char separator) {
-    const auto holder = holderIn(linkTarget(folder, name), separator);
+    const auto holder = holderIn(linkTargetIn(folder, name).value_or(""), separator);
     struct stat facts {};
     if (!holder || ::fstatat(folder, name, &facts, AT_SYMLINK_NOFOLLOW) != 0) {
         return false;
@@ -131,7 +126,7 @@ bool staysBehind(const CopiedItem& item) {
     // Other programs have files of that name.
     return item.name == electronSocket ||
            (item.name == firefoxLink &&
-            holderIn(linkTarget(item.folder, item.name.c_str()), ':').has_value());
+            holderIn(linkTargetIn(item.folder, item.name.c_str()).value_or(""), ':').has_value());
 }
 
 std::optional<std::string> lockInUse(const fs::path& folder) {

@@ -3,7 +3,9 @@
 #include "Platform/files/RegularFile.h"
 
 #include <algorithm>
+#include <array>
 #include <cerrno>
+#include <fcntl.h>
 #include <unistd.h>
 
 namespace quorvel {
@@ -46,6 +48,13 @@ bool readWhole(const RegularFile& file, std::size_t limit, std::string& bytes) {
 
 bool readFileIn(int folder, const std::string& path, std::size_t limit, std::string& bytes) {
     return readWhole(openRegularFile(path, O_RDONLY, 0, folder), limit, bytes);
+}
+
+std::optional<std::string> linkTargetIn(int folder, const char* name) {
+    std::array<char, 4096> target{};
+    const ssize_t length = ::readlinkat(folder, name, target.data(), target.size());
+    return length < 0 ? std::nullopt
+                      : std::optional(std::string(target.data(), static_cast<std::size_t>(length)));
 }
 
 std::optional<std::string> readFile(const std::string& path, std::size_t limit) {

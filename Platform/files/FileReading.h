@@ -16,4 +16,8 @@ namespace quorvel {
 [[nodiscard]] bool readFileIn(int folder, const std::string& path, std::size_t limit,
                               std::string& bytes);
 
+/// Returns what the symbolic link `name` in the open folder `folder` leads to, as it is spelled;
+/// std::nullopt, with `errno`, if it is none.
+[[nodiscard]] std::optional<std::string> linkTargetIn(int folder, const char* name);
+
 } // namespace quorvel

@@ -3,6 +3,7 @@
 #include "Base/PathText.h"
 #include "Platform/files/ByteCopy.h"
 #include "Platform/files/FileCloning.h"
+#include "Platform/files/FileReading.h"
 #include "Platform/files/Folder.h"
 #include "Platform/files/FolderWalk.h"
 #include "Platform/files/ItemAttributes.h"
@@ -270,13 +271,11 @@ void FolderCopy::copyFile(const Place& place, const std::string& name, const str
 }
 
 void FolderCopy::copyLink(const Place& place, const std::string& name, const struct stat& facts) {
-    std::string target(static_cast<std::size_t>(facts.st_size) + 1, '\0');
-    const ssize_t length = ::readlinkat(place.from, name.c_str(), target.data(), target.size());
-    if (length < 0) {
+    const auto target = linkTargetIn(place.from, name.c_str());
+    if (!target) {
         fail(place.path + name, errno);
     }
-    target.resize(static_cast<std::size_t>(length));
-    if (::symlinkat(target.c_str(), place.to, name.c_str()) != 0 ||
+    if (::symlinkat(target->c_str(), place.to, name.c_str()) != 0 ||
         ::utimensat(place.to, name.c_str(), VolumeTransfer::datesIn(facts).data(),
                     AT_SYMLINK_NOFOLLOW) != 0) {
         fail(place.path + name, errno);

@@ -2,12 +2,12 @@
 
 #include "Base/PathText.h"
 #include "Base/RandomUuid.h"
+#include "Platform/files/CheckedRename.h"
 #include "Platform/files/FileHandle.h"
 #include "Platform/files/FileRemoval.h"
 #include "Platform/files/FileSystem.h"
 #include "Platform/files/PlatformError.h"
 #include "Platform/files/TreeComparison.h"
-#include "Platform/files/UnsupportedOperation.h"
 #include "Platform/files/VolumeTransfer.h"
 
 #include <cerrno>
@@ -113,16 +113,8 @@ void removeOriginal(const fs::path& beside, const fs::path& staging, const fs::p
 ItemMover::ItemMover(ExclusiveRename exclusively) : exclusively_(std::move(exclusively)) {}
 
 int ItemMover::renameWhereFree(const fs::path& source, const fs::path& destination) const {
-    const int result = exclusively_(source, destination);
-    if (result == 0 || !meansNoSuchRename(errno)) {
-        return result;
-    }
-    // Network file systems have no exclusive rename; checking first has to do.
-    if (itemOrLinkExists(destination)) {
-        errno = EEXIST;
-        return -1;
-    }
-    return ::rename(source.c_str(), destination.c_str());
+    return orRenameChecked(exclusively_(source, destination), AT_FDCWD, source.c_str(), AT_FDCWD,
+                           destination.c_str());
 }
 
 void ItemMover::move(const fs::path& source, const fs::path& destination) {

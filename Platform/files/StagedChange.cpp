@@ -3,6 +3,7 @@
 #include "Base/BundleLayout.h"
 #include "Base/PathText.h"
 #include "Base/RandomUuid.h"
+#include "Platform/files/CheckedRename.h"
 #include "Platform/files/FileReading.h"
 #include "Platform/files/FileSystem.h"
 #include "Platform/files/ItemIdentity.h"
@@ -45,16 +46,7 @@ bool lock(int folder) {
 }
 
 int renameWhereFree(int from, const char* name, int to, const char* newName) {
-    const int result = renameExclusivelyAt(from, name, to, newName);
-    if (result == 0 || !meansNoSuchRename(errno)) {
-        return result;
-    }
-    // Network file systems have no exclusive rename; checking first has to do.
-    if (isThere(to, newName)) {
-        errno = EEXIST;
-        return -1;
-    }
-    return ::renameat(from, name, to, newName);
+    return orRenameChecked(renameExclusivelyAt(from, name, to, newName), from, name, to, newName);
 }
 
 } // namespace

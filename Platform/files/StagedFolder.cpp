@@ -2,16 +2,17 @@
 
 #include "Base/PathText.h"
 #include "Base/RandomUuid.h"
+#include "Platform/files/CheckedRename.h"
 #include "Platform/files/ExclusiveRename.h"
 #include "Platform/files/FileRemoval.h"
 #include "Platform/files/FileSystem.h"
 #include "Platform/files/ItemIdentity.h"
+#include "Platform/files/MountBoundary.h"
 #include "Platform/files/PlatformError.h"
-#include "Platform/files/UnsupportedOperation.h"
+#include "Platform/files/TreeFlush.h"
 #include "Platform/files/VolumeTransfer.h"
 
 #include <cerrno>
-#include <cstdio>
 #include <fcntl.h>
 #include <string_view>
 #include <sys/file.h>
@@ -83,21 +84,14 @@ void StagedFolder::flush() const {
 
 void StagedFolder::publish() {
     (void)::rmdir(destination_.c_str()); // succeeds only if it is empty
-    int result = renameExclusively(path_, destination_);
-    if (result != 0 && meansNoSuchRename(errno)) {
-        // Network file systems have no exclusive rename; checking first has to do.
-        errno = EEXIST;
-        result =
-            itemOrLinkExists(destination_) ? -1 : ::rename(path_.c_str(), destination_.c_str());
-    }
-    if (result != 0) {
+    if (orRenameChecked(renameExclusively(path_, destination_), AT_FDCWD, path_.c_str(), AT_FDCWD,
+                        destination_.c_str()) != 0) {
         throw PlatformError::fromErrno(destination_, "created");
     }
     path_ = destination_;
     isPublished_ = true;
-    const FileHandle parent(
-        ::open(destination_.parent_path().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-    (void)::fsync(parent.descriptor());
+    const FileHandle parent(openFolderForNames(destination_.parent_path()));
+    (void)flushFolder(parent.descriptor());
 }
 
 void StagedFolder::withdraw() noexcept {

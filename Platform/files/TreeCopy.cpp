@@ -2,6 +2,7 @@
 
 #include "Platform/files/ByteCopy.h"
 #include "Platform/files/FileHandle.h"
+#include "Platform/files/FileReading.h"
 #include "Platform/files/Folder.h"
 #include "Platform/files/ItemAttributes.h"
 #include "Platform/files/PlatformError.h"
@@ -144,14 +145,11 @@ void TreeCopy::copyFile(const Place& place, const struct stat& facts) {
 }
 
 void TreeCopy::copyLink(const Place& place, const struct stat& facts) {
-    std::string target(static_cast<std::size_t>(facts.st_size) + 1, '\0');
-    const ssize_t length =
-        ::readlinkat(place.from, place.name.c_str(), target.data(), target.size());
-    if (length < 0) {
+    const auto target = linkTargetIn(place.from, place.name.c_str());
+    if (!target) {
         fail(place, errno);
     }
-    target.resize(static_cast<std::size_t>(length));
-    if (::symlinkat(target.c_str(), place.to, place.name.c_str()) != 0 ||
+    if (::symlinkat(target->c_str(), place.to, place.name.c_str()) != 0 ||
         ::utimensat(place.to, place.name.c_str(), VolumeTransfer::datesIn(facts).data(),
                     AT_SYMLINK_NOFOLLOW) != 0) {
         fail(place, errno);
