@@ -29,7 +29,7 @@ InstanceRecord cloneAt(const InstanceRegistry& registry, const std::string& path
     auto record = registry.record(bundle);
     if (!record && !itemOrLinkExists(bundle)) {
         // Only the folders that are searched are put right at every start.
-        finishInterruptedChanges(std::vector<fs::path>{bundle.parent_path()});
+        restoreClones({bundle.parent_path()});
         record = registry.record(bundle);
     }
     if (record) {

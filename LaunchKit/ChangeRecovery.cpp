@@ -108,9 +108,13 @@ void finishDeletion(StagedChange& change, const ChangeJournal& journal) {
     ChangeJournal::forget(change);
 }
 
+std::vector<std::string> namesIn(const fs::path& folder) {
+    return directoryEntries(folder).value_or(std::vector<std::string>());
+}
+
 // What was written when a configuration was to be replaced.
-void removeUnfinishedConfigurations(const fs::path& folder, const std::vector<std::string>& names) {
-    for (const std::string& name : names) {
+void removeUnfinishedConfigurations(const fs::path& folder) {
+    for (const std::string& name : namesIn(folder)) {
         if (isAppBundleName(name)) {
             removeUnfinishedFiles(resourcesOf(joinAsText(folder, name)));
         }
@@ -118,13 +122,24 @@ void removeUnfinishedConfigurations(const fs::path& folder, const std::vector<st
 }
 
 void finishIn(const fs::path& folder) {
-    const auto names = directoryEntries(folder).value_or(std::vector<std::string>());
+    const std::vector<std::string> names = namesIn(folder);
     if (std::any_of(names.begin(), names.end(), StagedChange::isHiddenFolder)) {
         if (const auto lock = FileLock::tryTakeFolder(folder)) {
             finishInterruptedChanges(folder);
         }
     }
-    removeUnfinishedConfigurations(folder, names);
+}
+
+// A folder that can't be looked at does not keep the others from it.
+template<typename Work>
+void inEach(const std::vector<fs::path>& folders, const Work& work) noexcept {
+    for (const fs::path& folder : folders) {
+        try {
+            work(folder);
+        } catch (const std::exception&) {
+            continue;
+        }
+    }
 }
 
 } // namespace
@@ -146,17 +161,19 @@ void finishInterruptedChanges(const fs::path& folder) noexcept {
     }
 }
 
-void finishInterruptedChanges(const std::vector<fs::path>& folders) noexcept {
-    for (const fs::path& folder : folders) {
-        try {
-            finishIn(folder);
-        } catch (const std::exception&) {
-            continue;
-        }
-    }
-    // Now that every clone is at its place.
+void restoreClones(const std::vector<fs::path>& folders) noexcept {
+    inEach(folders, finishIn);
+}
+
+void removeLeftovers(const std::vector<fs::path>& folders) noexcept {
+    inEach(folders, removeUnfinishedConfigurations);
     CopiedData::removeUnfinished(
         withoutTrailingSlashes(UserPaths::expandTilde(WrapperFactory::defaultInstanceHome(""))));
+}
+
+void finishInterruptedChanges(const std::vector<fs::path>& folders) noexcept {
+    restoreClones(folders);
+    removeLeftovers(folders);
 }
 
 } // namespace quorvel

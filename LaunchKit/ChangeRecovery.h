@@ -11,9 +11,15 @@ namespace quorvel {
 void finishInterruptedChanges(const std::filesystem::path& folder) noexcept;
 
 /// Does that in several folders, each while no other change is made in it; leaves out those in
-/// which one is. Also removes configurations that were not written completely, if older than a
-/// minute, and copied data in ~/QuorvelInstances whose clone was not made. Quick where there is
-/// nothing to do. Never throws.
+/// which one is. Where there is nothing to do, it costs no more than listing them. Never throws.
+void restoreClones(const std::vector<std::filesystem::path>& folders) noexcept;
+
+/// Removes what takes room and is nobody's, after `restoreClones`: configurations in these folders
+/// that were not written completely, if older than a minute, and copied data in ~/QuorvelInstances
+/// whose clone was not made. Looks into every wrapper and every data folder. Never throws.
+void removeLeftovers(const std::vector<std::filesystem::path>& folders) noexcept;
+
+/// Does both.
 void finishInterruptedChanges(const std::vector<std::filesystem::path>& folders) noexcept;
 
 } // namespace quorvel

@@ -13,6 +13,18 @@
 #include <cstdio>
 #include <string_view>
 
+namespace {
+
+// What interrupted changes left: clones before they are listed, the rest meanwhile.
+void putRight(quorvel::BackgroundTasks& tasks) {
+    const std::vector<std::filesystem::path> folders =
+        quorvel::InstanceRegistry::defaultSearchDirs();
+    quorvel::restoreClones(folders);
+    tasks.start(quorvel::TaskPriority::utility, [folders] { quorvel::removeLeftovers(folders); });
+}
+
+} // namespace
+
 int main(int argc, char** argv) {
     // Answered without a display.
     if (argc == 2 && std::string_view(argv[1]) == "--version") {
@@ -34,10 +46,10 @@ int main(int argc, char** argv) {
     quorvel::SystemTranslator words;
     QApplication::installTranslator(&words);
     const quorvel::Appearance appearance;
-    quorvel::finishInterruptedChanges(quorvel::InstanceRegistry::defaultSearchDirs());
     const quorvel::ActivationTokens tokens;
-    quorvel::QuorvelApp quorvel(quorvel::AppServices::system([&] { return tokens.take(); }),
-                                quorvel::makeSystemUpdateService());
+    quorvel::AppServices services = quorvel::AppServices::system([&] { return tokens.take(); });
+    putRight(*services.tasks);
+    quorvel::QuorvelApp quorvel(std::move(services), quorvel::makeSystemUpdateService());
     quorvel.start();
     return QApplication::exec();
 }
