@@ -32,6 +32,22 @@ struct AppFacts {
     std::map<std::string, std::string> environment{};
 };
 
+// What came of moving a clone's folders, and of sharing the user's afterwards.
+struct SharedFolders {
+    InstanceLauncher::Migration migration{};
+    std::string failure{}; // of sharing them
+};
+
+// Waits for other changes of clones.
+std::string failureOfSharing(const InstanceRegistry& registry, const InstanceRecord& record) {
+    try {
+        registry.shareUserFolders(record);
+        return {};
+    } catch (const std::exception& error) {
+        return error.what();
+    }
+}
+
 SandboxInfo proposal(const InstalledApp& app, const AppFacts& facts) {
     if (!facts.sandboxed) {
         return {.sandboxed = false,
@@ -352,13 +368,20 @@ void AppModel::remove(const InstanceRecord& record, bool includingData) {
 
 QFuture<void> AppModel::migrateSharedFolders(const InstanceRecord& record) {
     return services_.tasks->detached(
-        TaskPriority::userInitiated, this, capturingErrors([config = record.config] {
-            requireUnusedHome(config);
-            return InstanceLauncher::migrateSharedUserFolders(config.resolvedHome());
+        TaskPriority::userInitiated, this, capturingErrors([record, registry = services_.registry] {
+            requireUnusedHome(record.config);
+            SharedFolders shared{
+                InstanceLauncher::migrateSharedUserFolders(record.config.resolvedHome())};
+            if (shared.migration.unmoved.empty() && !record.config.shareUserFolders) {
+                shared.failure = failureOfSharing(registry, record);
+            }
+            return shared;
         }),
-        [this, record](const Outcome<InstanceLauncher::Migration>& outcome) {
+        [this, record](const Outcome<SharedFolders>& outcome) {
             if (outcome.result) {
-                migrated(record, *outcome.result);
+                const auto& [migration, failure] = *outcome.result;
+                migrated(record, migration,
+                         failure.empty() ? unmovedItems(migration, translated) : failure);
             } else {
                 reload();
                 setLastError(sentence(tr("Couldn't move the files: %1"), {outcome.failure}));
@@ -366,16 +389,8 @@ QFuture<void> AppModel::migrateSharedFolders(const InstanceRecord& record) {
         });
 }
 
-void AppModel::migrated(const InstanceRecord& record,
-                        const InstanceLauncher::Migration& migration) {
-    std::string failure = unmovedItems(migration, translated);
-    if (!record.config.shareUserFolders && failure.empty()) {
-        try {
-            services_.registry.shareUserFolders(record);
-        } catch (const std::exception& error) {
-            failure = error.what();
-        }
-    }
+void AppModel::migrated(const InstanceRecord& record, const InstanceLauncher::Migration& migration,
+                        const std::string& failure) {
     reload();
     if (failure.empty()) {
         setStatusMessage(sharingMessage(record.config.displayName, migration, translated));

@@ -129,7 +129,8 @@ private:
     void opened(const std::optional<PlatformError>& error);
     [[nodiscard]] InstanceRecord created(const std::filesystem::path& wrapper,
                                          const WrapperFactory::Request& request, bool launchAfter);
-    void migrated(const InstanceRecord& record, const InstanceLauncher::Migration& migration);
+    void migrated(const InstanceRecord& record, const InstanceLauncher::Migration& migration,
+                  const std::string& failure);
 
     AppServices services_;
     std::vector<InstanceRecord> clones_;
