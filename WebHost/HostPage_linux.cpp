@@ -150,15 +150,7 @@ void HostPage::permissionsTaken(const std::vector<PermissionStore::Answer>& take
 }
 
 void HostPage::openOther(const std::string& address) {
-    const std::string scheme = schemeOf(address);
-    const std::string origin = originOf(this->address());
-    questions_.decide(origin.empty() ? "other" : origin, linkPermissionKind(scheme),
-                      otherProgramQuestion(hostOf(this->address()), scheme),
-                      [this, address](bool isAllowed) {
-                          if (isAllowed) {
-                              openOutside(address);
-                          }
-                      });
+    questions_.decideLink(this->address(), address, [this, address] { openOutside(address); });
 }
 
 void HostPage::openOutside(const std::string& address) {
@@ -190,19 +182,9 @@ bool HostPage::routes(WebKitNavigationAction* action, bool isNewWindow) {
                               .isPopup = isPopup(),
                               .staysInside = services_.keepsLinks,
                               .rule = ruleFor(services_.settings->settings(), hostOf(address))};
-    switch (routeOf(request, services_.siteOf)) {
-    case LinkDecision::here:
-        return true;
-    case LinkDecision::outside:
-        openOutside(address);
-        return false;
-    case LinkDecision::ask:
-        openOther(address);
-        return false;
-    case LinkDecision::refuse:
-        break;
-    }
-    return false;
+    return follow(
+        routeOf(request, services_.siteOf), [&] { openOutside(address); },
+        [&] { openOther(address); });
 }
 
 bool HostPage::takesResponse(WebKitResponsePolicyDecision* decision) const {

@@ -61,4 +61,21 @@ LinkDecision routeOf(const LinkRequest& request, const SiteOf& siteOf) {
     return isOtherPrograms && request.isGesture ? LinkDecision::ask : LinkDecision::refuse;
 }
 
+bool follow(LinkDecision decision, const std::function<void()>& openOutside,
+            const std::function<void()>& ask) {
+    switch (decision) {
+    case LinkDecision::here:
+        return true;
+    case LinkDecision::outside:
+        openOutside();
+        break;
+    case LinkDecision::ask:
+        ask();
+        break;
+    case LinkDecision::refuse:
+        break;
+    }
+    return false;
+}
+
 } // namespace quorvel

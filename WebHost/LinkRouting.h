@@ -46,4 +46,8 @@ using SiteOf = std::function<std::string(const std::string& host)>;
 /// a frame within a page.
 [[nodiscard]] LinkDecision routeOf(const LinkRequest& request, const SiteOf& siteOf);
 
+/// Opens the link outside, or asks about it, if that was decided. Returns whether it stays here.
+[[nodiscard]] bool follow(LinkDecision decision, const std::function<void()>& openOutside,
+                          const std::function<void()>& ask);
+
 } // namespace quorvel

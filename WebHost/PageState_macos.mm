@@ -89,19 +89,9 @@ bool PageState::routes(WKNavigationAction* action, bool isNewWindow) {
         request.isMainFrame = false; // a frame must not open other programs in the page's name
         request.isNewWindow = false;
     }
-    switch (routeOf(request, services_.siteOf)) {
-    case LinkDecision::here:
-        return true;
-    case LinkDecision::outside:
-        openOutside(target);
-        return false;
-    case LinkDecision::ask:
-        openOther(target);
-        return false;
-    case LinkDecision::refuse:
-        break;
-    }
-    return false;
+    return follow(
+        routeOf(request, services_.siteOf), [&] { openOutside(target); },
+        [&] { openOther(target); });
 }
 
 void PageState::openOutside(const std::string& address) {
@@ -111,15 +101,7 @@ void PageState::openOutside(const std::string& address) {
 }
 
 void PageState::openOther(const std::string& address) {
-    const std::string scheme = schemeOf(address);
-    const std::string origin = originOf(this->address());
-    questions_.decide(origin.empty() ? "other" : origin, linkPermissionKind(scheme),
-                      otherProgramQuestion(hostOf(this->address()), scheme),
-                      [this, address](bool isAllowed) {
-                          if (isAllowed) {
-                              openOutside(address);
-                          }
-                      });
+    questions_.decideLink(this->address(), address, [this, address] { openOutside(address); });
 }
 
 } // namespace quorvel

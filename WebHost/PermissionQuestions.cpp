@@ -1,6 +1,7 @@
 #include "WebHost/PermissionQuestions.h"
 
 #include "Base/TerminalText.h"
+#include "WebHost/WebAddress.h"
 
 #include <algorithm>
 #include <array>
@@ -89,6 +90,18 @@ void PermissionQuestions::decide(const std::string& origin, const std::string& k
     if (!isAsked) {
         finish(key, false);
     }
+}
+
+void PermissionQuestions::decideLink(const std::string& page, const std::string& address,
+                                     std::function<void()> open) {
+    const std::string scheme = schemeOf(address);
+    const std::string origin = originOf(page);
+    decide(origin.empty() ? "other" : origin, linkPermissionKind(scheme),
+           otherProgramQuestion(hostOf(page), scheme), [open = std::move(open)](bool isAllowed) {
+               if (isAllowed) {
+                   open();
+               }
+           });
 }
 
 void PermissionQuestions::finish(const std::string& key, bool isAllowed) {

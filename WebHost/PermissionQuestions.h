@@ -28,6 +28,10 @@ public:
     void decide(const std::string& origin, const std::string& kind, const std::string& text,
                 std::function<void(bool)> done);
 
+    /// Calls `open` if a page at `page` may open that address with another program.
+    void decideLink(const std::string& page, const std::string& address,
+                    std::function<void()> open);
+
     [[nodiscard]] const PermissionStore& store() const { return store_; }
 
 private:

@@ -3,6 +3,7 @@
 // here, except for the page's head.
 #include "Base/Error.h"
 #include "Base/TerminalText.h"
+#include "Platform/desktop/GObjects_linux.h"
 #include "WebHost/SiteHead.h"
 #include "WebHost/WebAddress.h"
 
@@ -12,7 +13,6 @@
 #include <array>
 #include <cstdio>
 #include <fstream>
-#include <memory>
 #include <optional>
 #include <string>
 #include <sys/resource.h>
@@ -26,12 +26,6 @@ constexpr std::size_t largestIcon = std::size_t{1} << 20U;
 constexpr std::size_t mostIcons = 3;
 constexpr unsigned mostSeconds = 15;
 constexpr guint mostRedirects = 5;
-
-struct Releaser {
-    void operator()(gpointer object) const { g_object_unref(object); }
-};
-template<typename Type>
-using Object = std::unique_ptr<Type, Releaser>;
 
 // Why a site can't be asked.
 class PreviewError : public Error {
@@ -81,17 +75,17 @@ void countRedirect(SoupMessage* message, gpointer count) {
 
 // Returns what is at the address; throws the reason if it is not there.
 Answer fetch(SoupSession* session, const std::string& address, std::size_t limit) {
-    const Object<SoupMessage> message(
+    const ObjectRef<SoupMessage> message(
         isWebAddress(address) ? soup_message_new("GET", address.c_str()) : nullptr);
     if (!message) {
         throw PreviewError("it is not a web address");
     }
-    const Object<GCancellable> cancellable(g_cancellable_new());
+    const ObjectRef<GCancellable> cancellable(g_cancellable_new());
     guint redirects = 0;
     g_object_set_data(G_OBJECT(message.get()), "cancellable", cancellable.get());
     g_signal_connect(message.get(), "restarted", G_CALLBACK(countRedirect), &redirects);
     GError* error = nullptr;
-    const Object<GInputStream> stream(
+    const ObjectRef<GInputStream> stream(
         soup_session_send(session, message.get(), cancellable.get(), &error));
     if (!stream) {
         const std::string reason =
@@ -104,19 +98,14 @@ Answer fetch(SoupSession* session, const std::string& address, std::size_t limit
                                                        soup_message_get_status(message.get()))));
     }
     Answer answer;
-    char* const last = g_uri_to_string(soup_message_get_uri(message.get()));
-    answer.address = last;
-    g_free(last);
+    answer.address = takeText(g_uri_to_string(soup_message_get_uri(message.get())));
     answer.bytes = readUpTo(stream.get(), limit, answer.isWhole);
     return answer;
 }
 
 std::string resolved(const std::string& base, const std::string& reference) {
-    char* const address = g_uri_resolve_relative(
-        base.c_str(), reference.c_str(), static_cast<GUriFlags>(SOUP_HTTP_URI_FLAGS), nullptr);
-    std::string result = address == nullptr ? "" : address;
-    g_free(address);
-    return result;
+    return takeText(g_uri_resolve_relative(base.c_str(), reference.c_str(),
+                                           static_cast<GUriFlags>(SOUP_HTTP_URI_FLAGS), nullptr));
 }
 
 std::optional<std::string> fetchIcon(SoupSession* session, const Answer& page,
@@ -151,7 +140,7 @@ void write(const std::string& file, const std::string& bytes) {
 
 void preview(const std::string& address, const std::string& folder) {
     constexpr guint idleSeconds = 5;
-    const Object<SoupSession> session(soup_session_new_with_options(
+    const ObjectRef<SoupSession> session(soup_session_new_with_options(
         "timeout", idleSeconds, "idle-timeout", idleSeconds, "user-agent",
         "Mozilla/5.0 (X11; Linux x86_64) AppleWebKit/605.1.15 (KHTML, like Gecko) "
         "Version/60.5 Safari/605.1.15",
