@@ -1,5 +1,7 @@
 #include "Base/Text.h"
 
+#include "Base/AsciiCase.h"
+
 #include <unicode/casemap.h>
 #include <unicode/coll.h>
 #include <unicode/normalizer2.h>
@@ -105,10 +107,6 @@ void appendCollationKey(const icu::Collator* collator, std::string_view text, st
         }
         size = needed;
     }
-}
-
-char asciiLower(char letter) {
-    return letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter - 'A' + 'a') : letter;
 }
 
 bool isAscii(std::string_view text) {

@@ -102,22 +102,24 @@ bool isFolder(const fs::path& path) {
 std::vector<DataPart> firefoxSeed(const AppBundle& app, const UserFoldersOfSession& folders) {
     const ResolvedProgram& program = app.desktop->program;
     std::optional<fs::path> place;
+    bool hasProfiles = false;
     for (const KnownFolder& known : firefoxFolders) {
         if (program.remotingName.starts_with(known.program) ||
             program.launcher.filename().native().starts_with(known.program)) {
-            const fs::path folder = folders.resolved(known.folder);
-            if (!place || itemExists(joinAsText(folder, "profiles.ini"))) {
-                place = folder;
+            fs::path folder = folders.resolved(known.folder);
+            hasProfiles = itemExists(joinAsText(folder, "profiles.ini"));
+            if (hasProfiles || !place) {
+                place = std::move(folder);
             }
-            if (itemExists(joinAsText(folder, "profiles.ini"))) {
-                break;
-            }
+        }
+        if (hasProfiles) {
+            break;
         }
     }
     if (!place) {
         throw unknownPlace(app);
     }
-    if (!itemExists(joinAsText(*place, "profiles.ini"))) {
+    if (!hasProfiles) {
         throw noData(app, *place);
     }
     const auto profile = defaultFirefoxProfile(*place);

@@ -1,6 +1,7 @@
 #include "LaunchKit/FirefoxProfiles.h"
 
 #include "Base/PathText.h"
+#include "Base/SplitText.h"
 #include "Platform/files/FileReading.h"
 
 #include <algorithm>
@@ -27,9 +28,7 @@ struct Group {
 std::vector<Group> groupsIn(std::string_view text) {
     std::vector<Group> groups;
     while (!text.empty()) {
-        const std::size_t end = std::min(text.find('\n'), text.size());
-        std::string_view line = text.substr(0, end);
-        text.remove_prefix(std::min(end + 1, text.size()));
+        std::string_view line = takePart(text, '\n');
         if (line.ends_with('\r')) {
             line.remove_suffix(1);
         }

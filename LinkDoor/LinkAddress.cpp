@@ -1,5 +1,6 @@
 #include "LinkDoor/LinkAddress.h"
 
+#include "Base/AsciiCase.h"
 #include "Base/Utf8.h"
 
 #include <algorithm>
@@ -11,14 +12,9 @@ namespace {
 
 constexpr std::array<std::string_view, 3> linkSchemes{"http", "https", "mailto"};
 
-char lowerCased(char letter) {
-    return letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter - 'A' + 'a') : letter;
-}
-
 // What comes before the first colon, if it is a scheme that is handed on.
 std::optional<std::string> linkSchemeOf(std::string_view text) {
-    std::string scheme(text.substr(0, std::min(text.find(':'), std::size_t{8})));
-    std::transform(scheme.begin(), scheme.end(), scheme.begin(), lowerCased);
+    const std::string scheme = asciiLower(text.substr(0, std::min(text.find(':'), std::size_t{8})));
     const bool isKnown =
         std::find(linkSchemes.begin(), linkSchemes.end(), scheme) != linkSchemes.end();
     return isKnown && scheme.size() < text.size() ? std::optional(scheme) : std::nullopt;

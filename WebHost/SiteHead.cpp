@@ -1,5 +1,7 @@
 #include "WebHost/SiteHead.h"
 
+#include "Base/AsciiCase.h"
+
 #include <algorithm>
 #include <array>
 #include <charconv>
@@ -13,17 +15,6 @@ constexpr std::size_t mostIcons = 50;
 constexpr std::size_t longestAddress = 2000;
 constexpr std::size_t longestTitle = 1000;
 constexpr std::string_view blanks = " \t\r\n\f";
-
-char lowered(char byte) {
-    return byte >= 'A' && byte <= 'Z' ? static_cast<char>(byte - 'A' + 'a') : byte;
-}
-
-std::string lowered(std::string_view text) {
-    std::string result(text);
-    std::transform(result.begin(), result.end(), result.begin(),
-                   [](char byte) { return lowered(byte); });
-    return result;
-}
 
 bool isBlank(char byte) {
     return blanks.find(byte) != std::string_view::npos;
@@ -77,7 +68,7 @@ public:
             return std::nullopt;
         }
         Attribute attribute{
-            lowered(take([](char byte) { return isBlank(byte) || byte == '=' || byte == '/'; })),
+            asciiLower(take([](char byte) { return isBlank(byte) || byte == '=' || byte == '/'; })),
             {}};
         skip(isBlank);
         if (rest_.starts_with('=')) {
@@ -138,7 +129,7 @@ struct Icon {
 int sideIn(std::string_view sizes) {
     constexpr int ofDrawings = 1024;
     constexpr int largest = 4096;
-    int widest = lowered(sizes) == "any" ? ofDrawings : 0;
+    int widest = asciiLower(sizes) == "any" ? ofDrawings : 0;
     for (std::size_t at = 0; at < sizes.size(); ++at) {
         int side = 0;
         const auto result = std::from_chars(sizes.data() + at, sizes.data() + sizes.size(), side);
@@ -158,7 +149,7 @@ std::optional<Icon> iconIn(std::string_view tag) {
     Icon icon;
     while (const auto attribute = attributes.next()) {
         if (attribute->name == "rel") {
-            relation = " " + lowered(attribute->value) + " ";
+            relation = " " + asciiLower(attribute->value) + " ";
         } else if (attribute->name == "href") {
             icon.address = attribute->value;
         } else if (attribute->name == "sizes") {
@@ -183,7 +174,7 @@ std::string textBefore(std::string_view end, std::string_view html) {
 }
 
 bool isTag(std::string_view rest, std::string_view name) {
-    return rest.size() > name.size() && lowered(rest.substr(0, name.size())) == name &&
+    return rest.size() > name.size() && asciiLower(rest.substr(0, name.size())) == name &&
            (isBlank(rest[name.size()]) || rest[name.size()] == '>' || rest[name.size()] == '/');
 }
 

@@ -1,5 +1,6 @@
 #include "WebHost/SiteSettings.h"
 
+#include "Base/AsciiCase.h"
 #include "WebHost/WebAddress.h"
 
 #include <algorithm>
@@ -32,11 +33,7 @@ bool isHost(std::string_view text) {
 std::map<std::string, std::string> inSmallLetters(const std::map<std::string, std::string>& links) {
     std::map<std::string, std::string> result;
     for (const auto& [host, place] : links) {
-        std::string small = host;
-        std::transform(small.begin(), small.end(), small.begin(), [](char byte) {
-            return byte >= 'A' && byte <= 'Z' ? static_cast<char>(byte - 'A' + 'a') : byte;
-        });
-        result.emplace(std::move(small), place);
+        result.emplace(asciiLower(host), place);
     }
     return result;
 }

@@ -1,5 +1,6 @@
 #include "WebHost/WebAddress.h"
 
+#include "Base/AsciiCase.h"
 #include "LinkDoor/LinkAddress.h"
 
 #include <algorithm>
@@ -15,14 +16,6 @@ bool isLetter(char byte) {
 
 bool isDigit(char byte) {
     return byte >= '0' && byte <= '9';
-}
-
-std::string lowerCased(std::string_view text) {
-    std::string result(text);
-    std::transform(result.begin(), result.end(), result.begin(), [](char byte) {
-        return byte >= 'A' && byte <= 'Z' ? static_cast<char>(byte - 'A' + 'a') : byte;
-    });
-    return result;
 }
 
 std::string_view trimmed(std::string_view text) {
@@ -71,7 +64,7 @@ std::string schemeOf(std::string_view address) {
         std::all_of(scheme.begin(), scheme.end(), [](char byte) {
             return isLetter(byte) || isDigit(byte) || byte == '+' || byte == '-' || byte == '.';
         });
-    return isOne ? lowerCased(scheme) : std::string();
+    return isOne ? asciiLower(scheme) : std::string();
 }
 
 std::string hostOf(std::string_view address) {
@@ -80,7 +73,7 @@ std::string hostOf(std::string_view address) {
     if (host.size() > 2 && host.front() == '[' && host.back() == ']') {
         host = host.substr(1, host.size() - 2);
     }
-    return lowerCased(host);
+    return asciiLower(host);
 }
 
 std::string originOf(std::string_view address) {
@@ -88,7 +81,7 @@ std::string originOf(std::string_view address) {
         return {};
     }
     const std::string scheme = schemeOf(address);
-    std::string place = lowerCased(placeOf(address));
+    std::string place = asciiLower(placeOf(address));
     const std::string usual = scheme == "http" ? ":80" : ":443";
     if (place.substr(endOfHost(place)) == usual) {
         place.resize(endOfHost(place));

@@ -1,5 +1,6 @@
 #include "Platform/desktop/MimeAppsList.h"
 
+#include "Base/AsciiCase.h"
 #include "Base/SplitText.h"
 
 #include <algorithm>
@@ -84,10 +85,7 @@ void endLine(std::string& text) {
 std::vector<std::string> mimeAppsListNames(std::string_view currentDesktops) {
     std::vector<std::string> names;
     while (!currentDesktops.empty()) {
-        std::string desktop(takePart(currentDesktops, ':'));
-        std::transform(desktop.begin(), desktop.end(), desktop.begin(), [](char letter) {
-            return letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter - 'A' + 'a') : letter;
-        });
+        std::string desktop = asciiLower(takePart(currentDesktops, ':'));
         if (!desktop.empty() && desktop.find('/') == std::string::npos) {
             names.push_back(desktop.append("-").append(commonMimeAppsList));
         }
