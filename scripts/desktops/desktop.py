@@ -76,6 +76,11 @@ class Desktop:
         """Whether the desktop has read a menu entry, as far as it can be asked."""
         return True
 
+    def badges(self):
+        """The numbers that the desktop shows with menu entries, also when their windows are gone; None where it
+        shows no numbers."""
+        return None
+
     def screenshot(self, path):
         raise NotImplementedError
 

@@ -14,6 +14,11 @@ from desktop import SIZE, Desktop, OnXServer, wait_for, window
 HERE = os.path.dirname(os.path.abspath(__file__))
 
 
+def entry_in(launcher):
+    """The identifier of the entry that the taskbar found, which it says by its path or its identifier."""
+    return re.split("[/:]", launcher)[-1] or None
+
+
 class Plasma(Desktop):
     name = "plasma"
     title = "Plasma, Wayland"
@@ -76,17 +81,22 @@ class Plasma(Desktop):
             reader.stdin.close()
             reader.stdout.close()
 
-    def windows(self):
+    def state(self):
         self.reader.stdin.write("\n")
         self.reader.stdin.flush()
+        return json.loads(self.reader.stdout.readline())
+
+    def windows(self):
         found = []
-        for task in json.loads(self.reader.stdout.readline()):
+        for task in self.state()["windows"]:
             icon = re.search(r'QIcon\("([^"]*)"', task["icon"])
-            # The path or the identifier of the entry that the taskbar found.
-            entry = re.split("[/:]", task["launcher"])[-1] or None
+            entry = entry_in(task["launcher"])
             found.append(window(id=task["id"], title=task["title"], app_id=task["appId"], focused=task["active"],
                                 entry=entry, name=task["name"], icon=icon[1] if icon else None))
         return found
+
+    def badges(self):
+        return {entry_in(launcher): count for launcher, count in self.state()["badges"].items()}
 
     def knows(self, entry):
         time.sleep(3)  # Plasma says nothing about what it has read

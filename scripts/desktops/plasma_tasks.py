@@ -18,8 +18,8 @@ def answer():
     if not sys.stdin.readline():
         application.quit()
         return
-    windows = QMetaObject.invokeMethod(tasks, "windows", Qt.DirectConnection, Q_RETURN_ARG("QVariant"))
-    print(windows, flush=True)
+    state = QMetaObject.invokeMethod(tasks, "state", Qt.DirectConnection, Q_RETURN_ARG("QVariant"))
+    print(state, flush=True)
 
 
 questions = QSocketNotifier(sys.stdin.fileno(), QSocketNotifier.Read)

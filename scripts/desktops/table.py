@@ -37,6 +37,15 @@ def focus(facts):
     return "no, but reported" if any(one["reported"] and not one["done"] for one in tried) else "no, and says so"
 
 
+def badge(facts):
+    found = facts.get("badge")
+    if found is None:
+        return "-"
+    if not found["shown"]:
+        return "none"
+    return "own" if found["withdrawn"] else "own, and stays"
+
+
 def main():
     rows = {}
     for line in sys.stdin:
@@ -44,11 +53,12 @@ def main():
         entry = verdict(facts, "entry")
         if not facts["original"]:
             entry += "; the original is not under its own"
-        cells = (facts["application"], entry, verdict(facts, "name"), verdict(facts, "icon"), focus(facts))
+        cells = (facts["application"], entry, verdict(facts, "name"), verdict(facts, "icon"), focus(facts),
+                 badge(facts))
         rows.setdefault(cells, []).append(facts["desktop"])
     order = list(dict.fromkeys(cells[0] for cells in rows))
-    print("| application | desktop | entry | name | icon | focus |")
-    print("|---|---|---|---|---|---|")
+    print("| application | desktop | entry | name | icon | focus | badge |")
+    print("|---|---|---|---|---|---|---|")
     for cells, desktops in sorted(rows.items(), key=lambda row: order.index(row[0][0])):
         print("| " + " | ".join([cells[0], "; ".join(desktops), *cells[1:]]) + " |")
 

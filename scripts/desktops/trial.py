@@ -33,8 +33,9 @@ APPS = {
     "kcalc-x11": ("KCalc, `QT_QPA_PLATFORM=xcb`", "org.kde.kcalc", ["--env", "QT_QPA_PLATFORM=xcb"]),
     "firefox": ("Firefox", "firefox-esr", []),
     "chromium": ("Chromium", "chromium", []),
-    "web": ("a web clone", None, ["--kind", "web", "--url", "http://127.0.0.1:8123/"]),
+    "web": ("a web clone", None, ["--kind", "web"]),
 }
+COUNTS = {"Work": 3, "Home": 5}  # of what is unread in a web clone
 LONGEST_START = 60
 JUST_STARTED = 11  # seconds in which "open" reports success for a clone, since its window is coming
 
@@ -66,15 +67,25 @@ def picture_of(session, colour):
     return picture
 
 
+def serve_pages(session):
+    """A page for each web clone that says in its title how much is unread."""
+    folder = session.base + "/out/site"
+    os.mkdir(folder)
+    for word, count in COUNTS.items():
+        with open(f"{folder}/{word}.html", "w") as page:
+            page.write(f"<!doctype html><title>({count}) Mail</title><p>Mail of {word}")
+    session.start(["python3", "-m", "http.server", "8123", "-d", folder], log="site")
+
+
 def create(desktop, app):
     _, entry, options = APPS[app]
     if entry is None:
-        desktop.session.start(["python3", "-m", "http.server", "8123", "-d", desktop.session.runtime], log="site")
+        serve_pages(desktop.session)
     clones = []
     for word, colour in (("Work", "#FF00FF"), ("Home", "#00FF00")):
         name = f"{app} {word}"  # unique, since desktops reread entries only now and then
         looks = ["--target", entry + ".desktop", "--label", word[0], "--label-color", colour] if entry else \
-            ["--icon", picture_of(desktop.session, colour)]
+            ["--icon", picture_of(desktop.session, colour), "--url", f"http://127.0.0.1:8123/{word}.html"]
         command = ["quorvelctl", "create", "--name", name, *looks, "--replace", "--json", *options]
         record = json.loads(desktop.session.output_of(command))
         if entry == "chromium" and desktop.session.run(["unshare", "--user", "true"]).returncode != 0:
@@ -136,6 +147,19 @@ def match(desktop, clone, window):
             "icon": window.icon == clone.icon and desktop.has_colour(clone.entry, clone.colour)}
 
 
+def badges(desktop, clones):
+    """Whether each clone's own number is shown, and gone when the clone has ended; None where none is shown."""
+    if desktop.badges() is None:
+        return None
+
+    def shown():
+        return [desktop.badges().get(clone.entry) for clone in clones]
+    own = bool(wait_for(lambda: shown() == list(COUNTS.values()), 20))
+    for clone in clones:
+        desktop.session.output_of(["quorvelctl", "stop", clone.name])
+    return {"shown": own, "withdrawn": bool(wait_for(lambda: not any(shown()), 20))}
+
+
 def focus(desktop, clone, window):
     """Whether opening a running clone brings its window to the front, and whether that is what is reported."""
     if window is None:
@@ -192,6 +216,8 @@ def try_app(desktop, app, with_focus=True):
             for facts, result in zip(report["focus"], focus_by_button(desktop, clones)):
                 if facts and result:
                     facts.update(done=True, button=True, new=result == "new")
+    if APPS[app][1] is None:
+        report["badge"] = badges(desktop, clones)
     for clone in clones:
         desktop.session.run(["quorvelctl", "delete", clone.name, "--including-data", "--yes"])
     end_all(desktop, others)
