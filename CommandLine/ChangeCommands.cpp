@@ -72,6 +72,7 @@ nlohmann::json reasonNames(const std::vector<StaleReason>& reasons) {
 
 std::string reasonTexts(const std::vector<StaleReason>& reasons) {
     std::vector<std::string> texts;
+    texts.reserve(reasons.size());
     for (const StaleReason reason : reasons) {
         texts.push_back(reasonText(reason, inSystemWords));
     }
