@@ -52,8 +52,8 @@ endif()
 if(QUORVEL_SANITIZE)
   target_compile_options(quorvel_options INTERFACE
     -fsanitize=${QUORVEL_SANITIZE} -fno-omit-frame-pointer
-    # GCC takes the sanitizers' own checks for uses of what is not set.
-    $<$<CXX_COMPILER_ID:GNU>:-Wno-maybe-uninitialized>)
+    # GCC takes the sanitizers' own checks for uses of what is not set, or is outside.
+    $<$<CXX_COMPILER_ID:GNU>:-Wno-maybe-uninitialized;-Wno-array-bounds>)
   if(QUORVEL_SANITIZE MATCHES undefined)
     target_compile_options(quorvel_options INTERFACE -fno-sanitize-recover=undefined)
   endif()
