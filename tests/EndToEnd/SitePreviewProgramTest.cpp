@@ -1,5 +1,6 @@
 // Asking sites for their icon and title, with the real program and a site of the tests' own.
 #include "LaunchKit/IconCheck.h"
+#include "LaunchKit/Icons/SimplePng.h"
 #include "LaunchKit/SitePreview.h"
 #include "tests/support/TemporaryHome.h"
 #include "tests/support/Waiting.h"
@@ -66,6 +67,15 @@ TEST_F(SitePreviewProgramTest, ASiteOffersItsTitleAndItsIcon) {
     EXPECT_THAT(read(folder_ / "log"), Not(HasSubstr("id=1"))) << "no cookie is sent back";
 }
 
+TEST_F(SitePreviewProgramTest, APictureIsHandedOverAsASmallPng) {
+    for (const char* page : {"/mail/", "/large-icon", "/drawn-icon", "/second-icon"}) {
+        EXPECT_TRUE(preview(page).icon) << page;
+        EXPECT_TRUE(isSimplePng(read(folder_ / "own/icon"), 512)) << page;
+    }
+    // Its file is small.
+    EXPECT_EQ(preview("/wide-icon").icon, std::nullopt);
+}
+
 TEST_F(SitePreviewProgramTest, WhatAHostileSiteOffersIsHarmless) {
     const SitePreview hostile = preview("/hostile");
     EXPECT_EQ(hostile.title, "evil [31m");
@@ -108,6 +118,10 @@ TEST_F(SitePreviewProgramTest, AProgramThatFailsIsNoSlowSite) {
     EXPECT_EQ(failureOf("exit 3"), "the program that asks it has failed, with status 3");
     EXPECT_EQ(failureOf("kill -ALRM $$"), "the site takes too long");
     EXPECT_EQ(failureOf("echo because; exit 3"), "because");
+    // Another picture than it should hand over is not decoded.
+    write(folder_ / "drawing", "<svg xmlns='http://www.w3.org/2000/svg' width='9' height='9'/>");
+    write(folder_ / "stand-in", "#!/bin/sh\ncp \"$2/drawing\" \"$2/icon\"\n");
+    EXPECT_EQ(fetchSitePreview(folder_ / "stand-in", site(), folder_.path()).icon, std::nullopt);
     fs::create_directory(folder_ / "own");
     fs::create_directory(folder_ / "own/title");
     EXPECT_THROW((void)fetchSitePreview(QUORVEL_SITE_PREVIEW, site() + "/mail/", folder_ / "own"),

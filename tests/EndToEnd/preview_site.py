@@ -33,6 +33,15 @@ PAGES = {
     '/bomb-icon': page('Bomb', ['/bomb.png']),
     '/bomb.png': png(1, 32000),
     '/huge-icon': page('Huge', ['/endless']),
+    '/drawn-icon': page('Drawn', ['/drawn.svg']),
+    '/drawn.svg': b'<svg xmlns="http://www.w3.org/2000/svg" width="700" height="350">'
+                  b'<rect width="700" height="350" fill="red"/></svg>',
+    '/large-icon': page('Large', ['/large.png']),
+    '/large.png': png(600),
+    # A second one is tried if the first one is nothing.
+    '/second-icon': page('Second', ['/bad.png', '/mail/icon.png']),
+    # Small as a file.
+    '/wide-icon': page('Wide', ['/wide.png']),
     '/moved/4': page('Moved', []),
 }
 
@@ -61,7 +70,7 @@ class Site(http.server.BaseHTTPRequestHandler):
             self.send_header('Location', 'file:///etc/passwd')
             self.end_headers()
             return
-        body = PAGES.get(self.path)
+        body = png(4100) if self.path == '/wide.png' else PAGES.get(self.path)
         self.send_response(200 if body is not None else 404)
         self.send_header('Set-Cookie', 'id=1')
         self.end_headers()
