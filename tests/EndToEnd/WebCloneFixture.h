@@ -40,8 +40,6 @@ protected:
         }
         session->environment["QUORVEL_WEB_HOST"] = QUORVEL_WEB_HOST;
         session->environment["QUORVEL_LINK_DOOR"] = QUORVEL_LINK_DOOR;
-        // Compiling shaders without a graphics card takes seconds.
-        session->environment["GSK_RENDERER"] = "cairo";
         session->write(session->home / "site.py", read(QUORVEL_SITE));
         ASSERT_TRUE(startSite("port", {}));
     }
