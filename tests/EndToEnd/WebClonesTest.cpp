@@ -91,6 +91,9 @@ TEST_F(WebClonesTest, TwoClonesOfOneSiteShareNothingAndLoseNothing) {
         }
     }
     EXPECT_EQ(pagesProcesses().size(), 2U);
+    EXPECT_THAT(read("/proc/" + std::to_string(process("Portal")) + "/maps"),
+                Not(HasSubstr("enchant_")))
+        << "no dictionary is loaded unless spelling is checked";
     const std::string shown = window("Storage.* — Forum");
     const std::size_t beforeResizing = read(requests()).size();
     session->run({"/usr/bin/xdotool", "windowsize", "--sync", shown, "900", "650"});
