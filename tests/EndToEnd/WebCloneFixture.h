@@ -233,6 +233,16 @@ protected:
         return waitUntil([&] { return busText().find(text) != std::string::npos; }, longestWait);
     }
 
+    [[nodiscard]] long countOnBus(const std::string& text) const {
+        const std::string all = busText();
+        long count = 0;
+        for (std::size_t at = all.find(text); at != std::string::npos;
+             at = all.find(text, at + 1)) {
+            ++count;
+        }
+        return count;
+    }
+
     // Returns the properties of the one item in the tray.
     [[nodiscard]] std::string statusItem() {
         const auto call = [&](const std::string& name, const std::string& path,

@@ -137,7 +137,7 @@ onclick = () => {
   many(() => navigator.geolocation.getCurrentPosition(() => {}, () => {
     if (++refused === 1000) fetch('/all-refused'); }));
   many(count => setTimeout(() => { const link = document.createElement('a');
-    link.href = '/named?' + count; link.download = ''; link.click(); }, 2 * count));
+    link.href = '/named?' + count; link.download = 'named-' + count; link.click(); }, 2 * count));
   fetch('/flooded?' + open);
 };</script>""",
     '/dialogs': """<title>Dialogs</title><script>setTimeout(() => {
