@@ -72,8 +72,6 @@ Environment webEnvironment(const std::string& home, const Environment& session,
     std::erase_if(environment, [](const auto& entry) { return !isForPages(entry.first); });
     // In the user's own home nothing is replaced, but the engine opens the cache to pages.
     environment.insert_or_assign("XDG_CACHE_HOME", WebHome{home}.folder + "/pages");
-    // The engine would write down in the user's home where each file was downloaded from.
-    environment.insert_or_assign("GIO_USE_VFS", "local");
     for (const auto& [name, value] : isolatedEnvironment(home, session)) {
         environment.insert_or_assign(name, value);
     }

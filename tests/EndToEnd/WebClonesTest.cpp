@@ -233,8 +233,6 @@ TEST_F(WebClonesTest, ADownloadReplacesNothing) {
     struct stat facts {};
     EXPECT_EQ(::stat(saved.c_str(), &facts), 0);
     EXPECT_EQ(facts.st_mode & 0777U, 0600U);
-    EXPECT_FALSE(fs::exists(session->home / ".local/share/gvfs-metadata"))
-        << "where it came from is not written down for the user's other programs";
 }
 
 TEST_F(WebClonesTest, ClicksLeadWhereTheyShould) {

@@ -18,7 +18,6 @@ TEST(WebFoldersTest, EveryFolderOfTheSessionIsReplaced) {
         {{"HOME", "/x"}, {"XDG_CACHE_HOME", "/x"}, {"XDG_DATA_HOME", "/x"}, {"LANG", "de_DE"}}, {});
     EXPECT_EQ(environment.at("HOME"), home);
     EXPECT_EQ(environment.at("XDG_CACHE_HOME"), home + "/.cache");
-    EXPECT_EQ(environment.at("GIO_USE_VFS"), "local");
     EXPECT_EQ(environment.at("XDG_CONFIG_HOME"), home + "/.config");
     EXPECT_EQ(environment.at("XDG_DATA_HOME"), home + "/.local/share");
     EXPECT_EQ(environment.at("LANG"), "de_DE");
