@@ -121,8 +121,9 @@ std::vector<Row> runningRows(WebSession& session) {
         back.push_back(session.crash() * milliseconds);
     }
     std::vector<double> flooded;
+    std::vector<double> nothingThen;
     session.flood();
-    openAgain(session, flooded, nothing);
+    openAgain(session, flooded, nothingThen);
     const double quiet = median(again);
     const double busy = median(flooded);
     (void)session.end(SIGTERM);
