@@ -7,13 +7,13 @@ import threading
 import zlib
 
 
-def png(side, claimed=0):
-    """Returns a red square, whose head may claim another size."""
+def png(side, claimed=0, height=0):
+    """Returns a red square or another rectangle, whose head may claim another size."""
     def part(kind, data):
         return (struct.pack('>I', len(data)) + kind + data +
                 struct.pack('>I', zlib.crc32(kind + data)))
-    head = struct.pack('>IIBBBBB', claimed or side, claimed or side, 8, 2, 0, 0, 0)
-    rows = (b'\0' + b'\xff\0\0' * side) * side
+    head = struct.pack('>IIBBBBB', claimed or side, claimed or height or side, 8, 2, 0, 0, 0)
+    rows = (b'\0' + b'\xff\0\0' * side) * (height or side)
     return (b'\x89PNG\r\n\x1a\n' + part(b'IHDR', head) + part(b'IDAT', zlib.compress(rows)) + part(b'IEND', b''))
 
 
@@ -40,8 +40,8 @@ PAGES = {
     '/large.png': png(600),
     # A second one is tried if the first one is nothing.
     '/second-icon': page('Second', ['/bad.png', '/mail/icon.png']),
-    # Small as a file.
     '/wide-icon': page('Wide', ['/wide.png']),
+    '/wide.png': png(4100, height=400),
     '/moved/4': page('Moved', []),
 }
 
@@ -70,7 +70,7 @@ class Site(http.server.BaseHTTPRequestHandler):
             self.send_header('Location', 'file:///etc/passwd')
             self.end_headers()
             return
-        body = png(4100) if self.path == '/wide.png' else PAGES.get(self.path)
+        body = PAGES.get(self.path)
         self.send_response(200 if body is not None else 404)
         self.send_header('Set-Cookie', 'id=1')
         self.end_headers()
