@@ -3,6 +3,7 @@
 #include "Base/TerminalText.h"
 #include "LaunchKit/HelperProgram.h"
 #include "LaunchKit/IconComposer.h"
+#include "LaunchKit/Icons/SimplePng.h"
 #include "Platform/files/FileHandle.h"
 #include "Platform/files/FileReading.h"
 #include "Platform/files/FileWriting.h"
@@ -17,6 +18,8 @@ namespace {
 
 constexpr std::size_t longestName = 40;
 constexpr std::size_t largestTitle = 4096;
+constexpr std::size_t largestIcon = std::size_t{2} << 20U;
+constexpr unsigned largestSide = 512;
 
 std::string withoutLineEnd(std::string text) {
     while (text.ends_with('\n')) {
@@ -61,6 +64,20 @@ std::optional<std::string> failureOf(const std::filesystem::path& program,
                : reason;
 }
 
+// Writes the icon beside the picture, if the program has left one as it should.
+std::optional<std::filesystem::path> writtenIcon(const std::filesystem::path& folder) {
+    const auto picture = readFile(folder / "icon", largestIcon);
+    if (!picture || !isSimplePng(*picture, largestSide)) {
+        return std::nullopt; // a site without an icon is better than none
+    }
+    try {
+        writeFile(folder / "site.icns", IconComposer::converted(folder / "icon", std::nullopt));
+        return folder / "site.icns";
+    } catch (const IconComposer::ComposeError&) {
+        return std::nullopt;
+    }
+}
+
 } // namespace
 
 std::optional<std::filesystem::path> sitePreviewProgram(const Environment& session) {
@@ -91,16 +108,8 @@ SitePreview fetchSitePreview(const std::filesystem::path& program, const std::st
         if (const auto failure = failureOf(program, whole, folder, patience)) {
             throw SitePreviewError(*failure);
         }
-        SitePreview preview{
-            nameFromTitle(readFile(folder / "title", largestTitle).value_or(std::string())), {}};
-        try {
-            const std::string icon = IconComposer::converted(folder / "icon", std::nullopt);
-            writeFile(folder / "site.icns", icon);
-            preview.icon = folder / "site.icns";
-        } catch (const IconComposer::ComposeError&) {
-            // A site without an icon is better than none.
-        }
-        return preview;
+        return {nameFromTitle(readFile(folder / "title", largestTitle).value_or(std::string())),
+                writtenIcon(folder)};
     } catch (const PlatformError& error) {
         throw SitePreviewError(error.description());
     }

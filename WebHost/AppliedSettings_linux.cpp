@@ -57,9 +57,12 @@ void applyProxy(WebKitNetworkSession* session, const SiteSettings& settings) {
 void applySiteSettings(const SettingsTarget& target, const SiteSettings& settings) {
     webkit_settings_set_user_agent(
         target.settings, settings.userAgent.empty() ? nullptr : settings.userAgent.c_str());
-    const std::vector<std::string> languages =
-        settings.spellingLanguages.empty() ? userLanguages() : settings.spellingLanguages;
-    webkit_web_context_set_spell_checking_languages(target.context, listOf(languages).data());
+    // Naming the languages loads their dictionaries.
+    if (settings.checksSpelling) {
+        const std::vector<std::string> languages =
+            settings.spellingLanguages.empty() ? userLanguages() : settings.spellingLanguages;
+        webkit_web_context_set_spell_checking_languages(target.context, listOf(languages).data());
+    }
     webkit_web_context_set_spell_checking_enabled(target.context,
                                                   settings.checksSpelling ? TRUE : FALSE);
     applyProxy(target.session, settings);

@@ -1,9 +1,10 @@
 // quorvel-site-preview ADDRESS FOLDER: writes a site's title and icon into the folder, as the files
-// "title" and "icon". Knows no user: no cookies, no passwords. What it reads is not looked into
-// here, except for the page's head.
+// "title" and "icon", a PNG file. Knows no user: no cookies, no passwords. What the site sends is
+// decoded here, where a fault harms nothing else.
 #include "Base/Error.h"
 #include "Base/TerminalText.h"
 #include "Platform/desktop/GObjects_linux.h"
+#include "WebHost/IconPicture_linux.h"
 #include "WebHost/SiteHead.h"
 #include "WebHost/WebAddress.h"
 
@@ -23,6 +24,7 @@ namespace {
 
 constexpr std::size_t largestPage = std::size_t{512} << 10U;
 constexpr std::size_t largestIcon = std::size_t{1} << 20U;
+constexpr int largestSide = 512; // of the icon that is handed over
 constexpr std::size_t mostIcons = 3;
 constexpr unsigned mostSeconds = 15;
 constexpr guint mostRedirects = 5;
@@ -118,9 +120,9 @@ std::optional<std::string> fetchIcon(SoupSession* session, const Answer& page,
     icons.push_back(resolved(page.address, "/favicon.ico"));
     for (const std::string& icon : icons) {
         try {
-            Answer answer = fetch(session, icon, largestIcon);
-            if (answer.isWhole && !answer.bytes.empty()) {
-                return std::move(answer.bytes);
+            const Answer answer = fetch(session, icon, largestIcon);
+            if (auto png = answer.isWhole ? pngOf(answer.bytes, largestSide) : std::nullopt) {
+                return png;
             }
         } catch (const PreviewError&) {
             continue; // perhaps the next one

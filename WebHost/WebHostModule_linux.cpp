@@ -9,6 +9,8 @@
 #include "Platform/files/UserPaths.h"
 #include "Platform/processes/FileMask.h"
 #include "Platform/processes/ProcessReplacement.h"
+#include "WebHost/DrawingChoice.h"
+#include "WebHost/OpenGLName_linux.h"
 #include "WebHost/WebAddress.h"
 #include "WebHost/WebHost_linux.h"
 
@@ -68,6 +70,18 @@ void requireDisplay(const InstanceConfig& config, const std::string& word) {
     }
 }
 
+// Returns why, or an empty text. The first window has not been made yet.
+std::string avoidSlowOpenGL(const Environment& environment) {
+    if (environment.contains(rendererVariable)) {
+        return "";
+    }
+    std::string reason = reasonAgainst(openGLName());
+    if (!reason.empty()) {
+        g_setenv(rendererVariable, softwareRenderer, TRUE);
+    }
+    return reason;
+}
+
 void show(const QuorvelWebHostRequest& request) {
     const auto config = InstanceConfig::read(request.configFile);
     if (!config) {
@@ -91,14 +105,21 @@ void show(const QuorvelWebHostRequest& request) {
     const mode_t userMask = setFileMask(077);
     options.home.create();
     const Environment session = currentEnvironment();
-    const Environment environment =
+    Environment environment =
         webEnvironment(options.home.home, session, config->resolvedEnvironment());
     const OutsideLinks links(options.home.home, config->links, session, environment, userMask);
     options.links = &links;
+    options.againstOpenGL = reasonAgainstOpenGL(environment);
+    if (!options.againstOpenGL.empty()) {
+        environment[rendererVariable] = softwareRenderer;
+    }
     replaceEnvironment(environment);
     const ObjectRef<GDBusConnection> bus = requireBus(*config);
     options.bus = bus.get();
     requireDisplay(*config, textOf(request.windowWord));
+    if (options.againstOpenGL.empty()) {
+        options.againstOpenGL = avoidSlowOpenGL(environment);
+    }
     printToLog(options.home.home);
     options.started = [&request] { request.started(request.context); };
     WebHost(std::move(options)).run();

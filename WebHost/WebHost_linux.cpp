@@ -73,6 +73,9 @@ WebHost::~WebHost() {
 }
 
 void WebHost::reportProblems() const {
+    if (!options_.againstOpenGL.empty()) {
+        log("draws without OpenGL: " + options_.againstOpenGL);
+    }
     for (const auto& [file, problem] :
          {std::pair(options_.home.permissions, permissions_.problem()),
           std::pair(options_.home.settings, siteSettings_.problem()),
@@ -113,6 +116,10 @@ void WebHost::openSession() {
         this);
     settings_.reset(webkit_settings_new());
     restrictPages(settings_.get());
+    if (!options_.againstOpenGL.empty()) {
+        webkit_settings_set_hardware_acceleration_policy(
+            settings_.get(), WEBKIT_HARDWARE_ACCELERATION_POLICY_NEVER);
+    }
     content_.reset(webkit_user_content_manager_new());
     applySettings();
 }

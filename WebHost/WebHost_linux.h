@@ -39,6 +39,7 @@ struct WebHostOptions {
     int listener = -1;                       ///< for handovers
     GDBusConnection* bus = nullptr;
     const OutsideLinks* links = nullptr;
+    std::string againstOpenGL{}; ///< why OpenGL does not draw; empty if it does
     std::function<void()> started{};
 };
 

@@ -1,6 +1,6 @@
 #!/usr/bin/python3
 """Takes the pictures of real desktops that the documents show.
-Usage: pictures.py BUILD FOLDER [grid] [gnome] [plasma]"""
+Usage: pictures.py BUILD FOLDER [grid] [gnome] [plasma] [web]"""
 import json
 import os
 import signal
@@ -12,8 +12,10 @@ import time
 from gi.repository import Gio, GLib
 
 sys.dont_write_bytecode = True
+from desktop import Desktop, OnXServer  # noqa: E402
 from gnome import Gnome, GnomeX11  # noqa: E402
 from plasma import PlasmaX11  # noqa: E402
+from session import wait_for  # noqa: E402
 from trial import end, install, new_window, start_original  # noqa: E402
 
 SETTINGS = """<node><interface name="org.freedesktop.portal.Settings">
@@ -127,14 +129,52 @@ def take_plasma(build, path):
         desktop.stop()
 
 
+class WindowManager(OnXServer, Desktop):
+    """No desktop, so that nothing is beside the window."""
+    def boot(self):
+        self.start_x_server()
+        self.session.start(["openbox", "--sm-disable"])
+
+    def windows(self):
+        return self.x_windows()
+
+
+def take_web(build, path, dark):
+    """The window of a web clone, with a page that lies beside this program."""
+    folder = os.path.dirname(os.path.abspath(__file__))
+    desktop = WindowManager()
+    try:
+        desktop.start()
+        session = desktop.session
+        session.environment.update(PATH=f"{build}/bin:" + session.environment["PATH"],
+                                   QUORVEL_WEB_HOST=f"{build}/bin/quorvel-web-host.so")
+        session.start(["python3", "-m", "http.server", "8123", "-d", folder], log="site")
+        session.output_of(["quorvelctl", "create", "--kind", "web", "--name", "Meadow Mail",
+                           "--url", "http://localhost:8123/mail.html"])
+        data = "QuorvelInstances/Meadow Mail/.local/share/quorvel/web"
+        session.write(f"{data}/settings.json", json.dumps({"colors": "dark" if dark else "light"}))
+        session.give_to_user()
+        session.output_of(["quorvelctl", "open", "Meadow Mail"])
+        found = wait_for(lambda: [one for one in desktop.windows() if "Inbox" in one.title], 60)
+        if not found:
+            raise RuntimeError("no window: " + session.log_text("site"))
+        session.output_of(["xdotool", "windowsize", "--sync", found[0].id, "900", "480",
+                           "windowmove", "--sync", found[0].id, "0", "0"])
+        time.sleep(3)  # until the page is drawn again
+        save(desktop, path, (0, 0, 900, 480))
+    finally:
+        desktop.stop()
+
+
 def main(build, folder, *names):
     signal.signal(signal.SIGTERM, end)
     os.makedirs(folder, exist_ok=True)
-    for name in names or ("grid", "gnome", "plasma"):
+    for name in names or ("grid", "gnome", "plasma", "web"):
         if name == "plasma":
             take_plasma(build, f"{folder}/plasma.png")
             continue
-        take, file = {"grid": (take_grid, "grid"), "gnome": (take_gnome, "side-by-side")}[name]
+        take, file = {"grid": (take_grid, "grid"), "gnome": (take_gnome, "side-by-side"),
+                      "web": (take_web, "web-clone")}[name]
         for look in ("light", "dark"):
             take(build, f"{folder}/{file}-{look}.png", look == "dark")
 

@@ -1,5 +1,6 @@
 // Asking sites for their icon and title, with the real program and a site of the tests' own.
 #include "LaunchKit/IconCheck.h"
+#include "LaunchKit/Icons/SimplePng.h"
 #include "LaunchKit/SitePreview.h"
 #include "tests/support/TemporaryHome.h"
 #include "tests/support/Waiting.h"
@@ -66,6 +67,14 @@ TEST_F(SitePreviewProgramTest, ASiteOffersItsTitleAndItsIcon) {
     EXPECT_THAT(read(folder_ / "log"), Not(HasSubstr("id=1"))) << "no cookie is sent back";
 }
 
+TEST_F(SitePreviewProgramTest, APictureIsHandedOverAsASmallPng) {
+    for (const char* page : {"/mail/", "/large-icon", "/drawn-icon", "/second-icon"}) {
+        EXPECT_TRUE(preview(page).icon) << page;
+        EXPECT_TRUE(isSimplePng(read(folder_ / "own/icon"), 512)) << page;
+    }
+    EXPECT_EQ(preview("/wide-icon").icon, std::nullopt) << "it is too wide to be one";
+}
+
 TEST_F(SitePreviewProgramTest, WhatAHostileSiteOffersIsHarmless) {
     const SitePreview hostile = preview("/hostile");
     EXPECT_EQ(hostile.title, "evil [31m");
@@ -92,6 +101,20 @@ TEST_F(SitePreviewProgramTest, ASiteThatDoesNotAnswerIsReported) {
     EXPECT_THROW((void)fetchSitePreview("/nonexistent", site() + "/mail/", folder_.path()),
                  SitePreviewError);
     EXPECT_EQ(failure("/never", 300ms), "the site takes too long");
+}
+
+TEST_F(SitePreviewProgramTest, OnlyASimplePngIsDecodedHere) {
+    const std::string black =
+        "iVBORw0KGgoAAAANSUhEUgAAAEAAAABACAIAAAAlC+"
+        "aJAAAAIklEQVR42u3BAQ0AAADCoPdPbQ8HFAAAAAAAAAAAAAAA8G4wQAAB7OHIlwAAAABJRU5ErkJggg==";
+    const auto iconAfter = [&](const std::string& more) {
+        write(folder_ / "stand-in",
+              "#!/bin/sh\n{ echo " + black + " | base64 -d; " + more + "; } >\"$2/icon\"\n");
+        fs::permissions(folder_ / "stand-in", fs::perms::owner_all);
+        return fetchSitePreview(folder_ / "stand-in", site(), folder_.path()).icon;
+    };
+    EXPECT_TRUE(iconAfter("true"));
+    EXPECT_EQ(iconAfter("echo more"), std::nullopt);
 }
 
 TEST_F(SitePreviewProgramTest, AProgramThatFailsIsNoSlowSite) {

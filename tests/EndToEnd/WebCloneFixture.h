@@ -40,8 +40,6 @@ protected:
         }
         session->environment["QUORVEL_WEB_HOST"] = QUORVEL_WEB_HOST;
         session->environment["QUORVEL_LINK_DOOR"] = QUORVEL_LINK_DOOR;
-        // Compiling shaders without a graphics card takes seconds.
-        session->environment["GSK_RENDERER"] = "cairo";
         session->write(session->home / "site.py", read(QUORVEL_SITE));
         ASSERT_TRUE(startSite("port", {}));
     }
@@ -233,6 +231,16 @@ protected:
     }
     [[nodiscard]] bool isOnBus(const std::string& text) const {
         return waitUntil([&] { return busText().find(text) != std::string::npos; }, longestWait);
+    }
+
+    [[nodiscard]] long countOnBus(const std::string& text) const {
+        const std::string all = busText();
+        long count = 0;
+        for (std::size_t at = all.find(text); at != std::string::npos;
+             at = all.find(text, at + 1)) {
+            ++count;
+        }
+        return count;
     }
 
     // Returns the properties of the one item in the tray.

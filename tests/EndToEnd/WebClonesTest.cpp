@@ -1,5 +1,6 @@
 // Web clones with the real engine, in a session of an ordinary user.
 #include "LaunchKit/WindowWord.h"
+#include "WebHost/DrawingChoice.h"
 #include "tests/EndToEnd/WebCloneFixture.h"
 
 #include <gmock/gmock.h>
@@ -84,8 +85,15 @@ TEST_F(WebClonesTest, TwoClonesOfOneSiteShareNothingAndLoseNothing) {
         const std::string status = read("/proc/" + std::to_string(pid) + "/status");
         EXPECT_THAT(status, HasSubstr("\nSeccomp:\t2\n"));
         EXPECT_THAT(status, ContainsRegex("\nNSpid:\t[0-9]+\t[0-9]+")) << "a namespace of its own";
+        if (!reasonAgainstOpenGL({}).empty()) {
+            EXPECT_THAT(read("/proc/" + std::to_string(pid) + "/environ"),
+                        HasSubstr("GSK_RENDERER=cairo"));
+        }
     }
     EXPECT_EQ(pagesProcesses().size(), 2U);
+    EXPECT_THAT(read("/proc/" + std::to_string(process("Portal")) + "/maps"),
+                Not(HasSubstr("enchant_")))
+        << "no dictionary is loaded unless spelling is checked";
     const std::string shown = window("Storage.* — Forum");
     const std::size_t beforeResizing = read(requests()).size();
     session->run({"/usr/bin/xdotool", "windowsize", "--sync", shown, "900", "650"});
@@ -96,6 +104,7 @@ TEST_F(WebClonesTest, TwoClonesOfOneSiteShareNothingAndLoseNothing) {
             EXPECT_LE(end(name), 10s);
             EXPECT_THAT(openToOthers(data(name)), IsEmpty());
             EXPECT_THAT(log(name), Not(HasSubstr("sandbox")));
+            EXPECT_THAT(log(name), HasSubstr(reasonAgainstOpenGL({})));
         }
         EXPECT_TRUE(waitUntil([&] { return pagesProcesses().empty(); })) << "nothing is left";
         for (std::size_t clone = 0; clone < names.size(); ++clone) {

@@ -7,13 +7,13 @@ import threading
 import zlib
 
 
-def png(side, claimed=0):
-    """Returns a red square, whose head may claim another size."""
+def png(side, claimed=0, height=0):
+    """Returns a red square or another rectangle, whose head may claim another size."""
     def part(kind, data):
         return (struct.pack('>I', len(data)) + kind + data +
                 struct.pack('>I', zlib.crc32(kind + data)))
-    head = struct.pack('>IIBBBBB', claimed or side, claimed or side, 8, 2, 0, 0, 0)
-    rows = (b'\0' + b'\xff\0\0' * side) * side
+    head = struct.pack('>IIBBBBB', claimed or side, claimed or height or side, 8, 2, 0, 0, 0)
+    rows = (b'\0' + b'\xff\0\0' * side) * (height or side)
     return (b'\x89PNG\r\n\x1a\n' + part(b'IHDR', head) + part(b'IDAT', zlib.compress(rows)) + part(b'IEND', b''))
 
 
@@ -33,6 +33,15 @@ PAGES = {
     '/bomb-icon': page('Bomb', ['/bomb.png']),
     '/bomb.png': png(1, 32000),
     '/huge-icon': page('Huge', ['/endless']),
+    '/drawn-icon': page('Drawn', ['/drawn.svg']),
+    '/drawn.svg': b'<svg xmlns="http://www.w3.org/2000/svg" width="700" height="350">'
+                  b'<rect width="700" height="350" fill="red"/></svg>',
+    '/large-icon': page('Large', ['/large.png']),
+    '/large.png': png(600),
+    # A second one is tried if the first one is nothing.
+    '/second-icon': page('Second', ['/bad.png', '/mail/icon.png']),
+    '/wide-icon': page('Wide', ['/wide.png']),
+    '/wide.png': png(4100, height=400),
     '/moved/4': page('Moved', []),
 }
 

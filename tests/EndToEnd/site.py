@@ -1,7 +1,11 @@
 """The web site of the tests: site.py PORT_FILE LOG_FILE [TLS_FOLDER]. Logs every request as a line.
 
 With a folder, the site is also on three ports whose certificates are bad, which are made there: the
-folder then contains the files "expired", "other" and "self" with their ports."""
+folder then contains the files "expired", "other" and "self" with their ports, "trusted" with that of
+a fourth one for site.localhost, and "authority.cert", which proves that one.
+
+Also answers as a proxy would, for any host. A request with download=N gets a file with N in it, by the
+name in line N of the file "names" beside the log; named by the address if N has a sign."""
 import base64
 import http.server
 import os
@@ -10,6 +14,7 @@ import subprocess
 import sys
 import threading
 import time
+import urllib.parse
 
 # A visitor is known by what the browser keeps of the first visit.
 HOME = """<title>(3) Inbox</title><h1>Site</h1><script>
@@ -71,11 +76,14 @@ const timer = setInterval(() => {
   if (count === 200) { clearInterval(timer); document.title = 'Done'; }
 }, 10);
 </script>""",
+    '/painted': """<title>Painted</title><body style='margin:0;background:#1e7f3c'>""",
     '/facts': """<title>Facts</title><script>
 fetch('/facts-seen?dark=' + matchMedia('(prefers-color-scheme: dark)').matches +
       '&wide=' + (innerWidth > 900) + '&agent=' + navigator.userAgent);</script>""",
     '/menu': "<title>Menu</title><a href='http://localhost:PORT/file' "
              "style='position:fixed;inset:0;background:#ccc'>Link</a>",
+    '/strict': "<title>Strict</title><script>fetch('/strict-seen')</script>",
+    '/later': "<title>Later</title><script>fetch('/later-seen?' + location.protocol)</script>",
     '/members': "<title>Members</title><script>fetch('/member')</script>",
     '/misspelt': """<title>Misspelt</title><textarea autofocus
 style='position:fixed;inset:0;width:100%;height:100%;font:100px serif'>Wrod Wrod Wrod Wrod Wrod Wrod
@@ -129,7 +137,7 @@ onclick = () => {
   many(() => navigator.geolocation.getCurrentPosition(() => {}, () => {
     if (++refused === 1000) fetch('/all-refused'); }));
   many(count => setTimeout(() => { const link = document.createElement('a');
-    link.href = '/named?' + count; link.download = ''; link.click(); }, 2 * count));
+    link.href = '/named?' + count; link.download = 'named-' + count; link.click(); }, 2 * count));
   fetch('/flooded?' + open);
 };</script>""",
     '/dialogs': """<title>Dialogs</title><script>setTimeout(() => {
@@ -172,7 +180,11 @@ REDIRECTS = {'/redirect': '/elsewhere', '/redirect-to-slow': '/never-answers'}
 
 class Site(http.server.BaseHTTPRequestHandler):
     def do_GET(self):
-        path = self.path.split('?')[0]
+        address = urllib.parse.urlsplit(self.path)
+        path = address.path
+        if address.query.startswith('download='):
+            self.send_named(address.query.partition('=')[2])
+            return
         if path in REDIRECTS:
             self.log_message()
             self.send_response_only(302)
@@ -205,10 +217,29 @@ class Site(http.server.BaseHTTPRequestHandler):
         self.send_header('Content-Type', kinds.get(path, 'text/html;charset=utf-8'))
         if path == '/file':
             self.send_header('Content-Disposition', 'attachment; filename="../../precious.txt"')
+        if path == '/strict':
+            self.send_header('Strict-Transport-Security', 'max-age=9999')
         self.send_header('Cache-Control', 'no-store')
         self.send_header('Content-Length', str(len(page)))
         self.end_headers()
         self.wfile.write(page)
+
+    def send_named(self, number):
+        self.send_response(200)
+        disposition = 'attachment'
+        if not number.startswith('-'):
+            with open(os.path.join(os.path.dirname(sys.argv[2]), 'names'), encoding='ascii') as names:
+                name = names.read().split('\n')[int(number)]
+            plain = urllib.parse.unquote(name)
+            if plain.isascii() and plain.isprintable():
+                quoted = plain.replace('\\', '\\\\').replace('"', '\\"')
+                disposition += f'; filename="{quoted}"'
+            else:
+                disposition += "; filename*=UTF-8''" + name
+        self.send_header('Content-Disposition', disposition)
+        self.send_header('Content-Length', str(len(number)))
+        self.end_headers()
+        self.wfile.write(number.encode())
 
     def send_slowly(self):
         """Sends half of a file, and the rest once there is a file "release" beside the log."""
@@ -246,7 +277,7 @@ distinguished_name=d
 
 
 def add_tls(folder):
-    """Serves the site with certificates that prove nothing."""
+    """Serves the site with certificates that prove nothing, and with one that does."""
     os.makedirs(folder)
 
     def write(name, text):
@@ -256,18 +287,18 @@ def add_tls(folder):
     def openssl(*arguments):
         subprocess.run(['openssl', *arguments], cwd=folder, check=True, capture_output=True)
 
-    write('ca.cnf', CA)
-    write('serial', '01')
-    for name, host, end in (('expired', 'IP:127.0.0.1', '2021'), ('self', 'IP:127.0.0.1', '2048'),
-                            ('other', 'DNS:other.test', '2048')):
+    def certify(name, extensions, end, *authority):
         write('index', '')
-        write('ext', 'subjectAltName=' + host)
+        write('ext', extensions)
         openssl('req', '-new', '-newkey', 'ec', '-pkeyopt', 'ec_paramgen_curve:P-256', '-nodes',
                 '-keyout', name + '.key', '-subj', '/CN=' + name, '-config', 'ca.cnf',
                 '-out', 'request')
-        openssl('ca', '-batch', '-notext', '-selfsign', '-config', 'ca.cnf', '-extfile', 'ext',
-                '-keyfile', name + '.key', '-in', 'request', '-startdate', '20200101000000Z',
-                '-enddate', end + '0101000000Z', '-out', name + '.cert')
+        openssl('ca', '-batch', '-notext', '-config', 'ca.cnf', '-extfile', 'ext', '-in', 'request',
+                *(authority or ('-selfsign', '-keyfile', name + '.key')),
+                '-startdate', '20200101000000Z', '-enddate', end + '0101000000Z',
+                '-out', name + '.cert')
+
+    def serve(name):
         context = ssl.SSLContext(ssl.PROTOCOL_TLS_SERVER)
         context.load_cert_chain(f'{folder}/{name}.cert', f'{folder}/{name}.key')
         secured = http.server.ThreadingHTTPServer(('127.0.0.1', 0), Site)
@@ -275,6 +306,17 @@ def add_tls(folder):
                                              do_handshake_on_connect=False)
         threading.Thread(target=secured.serve_forever, daemon=True).start()
         write(name, str(secured.server_port))
+
+    write('ca.cnf', CA)
+    write('serial', '01')
+    for name, host, end in (('expired', 'IP:127.0.0.1', '2021'), ('self', 'IP:127.0.0.1', '2048'),
+                            ('other', 'DNS:other.test', '2048')):
+        certify(name, 'subjectAltName=' + host, end)
+        serve(name)
+    certify('authority', 'basicConstraints=critical,CA:true', '2048')
+    certify('trusted', 'subjectAltName=DNS:site.localhost', '2048',
+            '-cert', 'authority.cert', '-keyfile', 'authority.key')
+    serve('trusted')
 
 
 log = open(sys.argv[2], 'a', buffering=1, encoding='utf-8')
