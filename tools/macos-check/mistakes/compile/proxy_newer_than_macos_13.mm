@@ -1,4 +1,4 @@
-// expected: 'proxyConfigurations' is only available on macOS 14.0 or newer
+// expected: 'setProxyConfigurations:' is only available on macOS 14.0 or newer
 #import <WebKit/WebKit.h>
 
 void dropProxies(WKWebsiteDataStore* store) { store.proxyConfigurations = @[]; }
