@@ -1,18 +1,16 @@
 // quorvel-status-item CLONE PID full|symbolic: shows the clone at that path, whose runner is PID,
 // its parent, in the menu bar. Ends with its parent.
 #include "Platform/desktop/StatusItem_macos.h"
+#include "Platform/processes/ProcessFamily.h"
 
 #include <dispatch/dispatch.h>
 
-#include <array>
-#include <cerrno>
 #include <csignal>
+#include <cstdint>
 #include <cstdlib>
 #include <filesystem>
-#include <libproc.h>
 #include <string_view>
 #include <unistd.h>
-#include <vector>
 
 namespace {
 
@@ -23,28 +21,14 @@ NSString* textOf(const fs::path& text) {
     return made == nil ? @"" : made;
 }
 
-std::vector<pid_t> childrenOf(pid_t parent) {
-    std::array<pid_t, 256> children{};
-    const int count = ::proc_listchildpids(parent, children.data(), sizeof children);
-    return count <= 0 ? std::vector<pid_t>()
-                      : std::vector<pid_t>(children.begin(), children.begin() + count);
-}
-
-// The first application that the runner started, or that one of those did.
-NSRunningApplication* applicationOf(pid_t parent, int depth) {
-    constexpr int deepest = 4;
-    for (const pid_t child : childrenOf(parent)) {
-        if (child == ::getpid()) {
-            continue;
-        }
+// The first application among what the runner started; its windows are the clone's.
+NSRunningApplication* applicationOf(pid_t runner) {
+    for (const quorvel::ProcessIdentity& process : quorvel::cloneProcesses(runner)) {
         NSRunningApplication* const found =
-            [NSRunningApplication runningApplicationWithProcessIdentifier:child];
+            [NSRunningApplication runningApplicationWithProcessIdentifier:process.pid];
+        // This program is another kind.
         if (found != nil && found.activationPolicy == NSApplicationActivationPolicyRegular) {
             return found;
-        }
-        NSRunningApplication* const below = depth < deepest ? applicationOf(child, depth + 1) : nil;
-        if (below != nil) {
-            return below;
         }
     }
     return nil;
@@ -64,7 +48,7 @@ void activate(NSRunningApplication* application) {
 }
 
 void showClone(NSURL* clone, pid_t runner) {
-    NSRunningApplication* const application = applicationOf(runner, 1);
+    NSRunningApplication* const application = applicationOf(runner);
     if (application != nil) {
         activate(application);
     } else {
