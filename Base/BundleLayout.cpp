@@ -66,6 +66,10 @@ std::string frameworksOf(const std::string& bundle) {
     return joined(bundle, {BundleItem::contents, BundleItem::frameworks});
 }
 
+std::string helpersOf(const std::string& bundle) {
+    return joined(bundle, {BundleItem::contents, BundleItem::helpers});
+}
+
 std::string bundleOfExecutable(std::string_view executable) {
     static const std::string inside = executableOf(".app", "");
     const std::size_t at = executable.rfind(inside);

@@ -14,6 +14,7 @@ inline constexpr std::string_view contents = "Contents";
 inline constexpr std::string_view executables = "MacOS";
 inline constexpr std::string_view resources = "Resources";
 inline constexpr std::string_view frameworks = "Frameworks";
+inline constexpr std::string_view helpers = "Helpers";
 inline constexpr std::string_view infoPlist = "Info.plist";
 inline constexpr std::string_view pkgInfo = "PkgInfo";
 
@@ -39,6 +40,10 @@ inline constexpr std::string_view pkgInfo = "PkgInfo";
 
 /// Returns `bundle`/Contents/Frameworks.
 [[nodiscard]] std::string frameworksOf(const std::string& bundle);
+
+/// Returns `bundle`/Contents/Helpers. A program in it is not the bundle's: it has no name,
+/// identifier or icon of that.
+[[nodiscard]] std::string helpersOf(const std::string& bundle);
 
 /// How the names of the hidden folders begin in which bundles are while they are replaced. An
 /// identifier follows.

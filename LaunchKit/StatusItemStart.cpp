@@ -2,15 +2,36 @@
 
 #include "LaunchKit/HelperProgram.h"
 #include "LaunchKit/InstanceConfig.h"
+#include "LaunchKit/WrapperLayout.h"
+#include "Platform/files/FileSystem.h"
+#include "Platform/processes/LoadedModule.h"
 
 namespace quorvel {
+namespace {
+
+// The program of the clone itself, where it has to be a part of that, or the one that is installed.
+std::optional<std::filesystem::path> programFor(const std::string& identity,
+                                                const Environment& session) {
+    constexpr const char* variable = "QUORVEL_STATUS_ITEM";
+    if (!modulesBelongToBundles() || session.contains(variable)) {
+        return helperProgram(std::string(statusItemProgram), variable, session);
+    }
+    const std::filesystem::path own = statusItemOf(identity);
+    return isExecutableFile(own) ? std::optional(own) : std::nullopt;
+}
+
+} // namespace
+
+bool needsStatusItem(const InstanceConfig& config) {
+    return config.menuBarIcon &&
+           (config.kind == ShortcutKind::app || config.kind == ShortcutKind::command);
+}
 
 std::optional<Process> startStatusItem(const InstanceConfig& config, const std::string& identity) {
-    if (!config.menuBarIcon) {
+    if (!needsStatusItem(config)) {
         return std::nullopt;
     }
-    const auto program =
-        helperProgram("quorvel-status-item", "QUORVEL_STATUS_ITEM", currentEnvironment());
+    const auto program = programFor(identity, currentEnvironment());
     if (!program) {
         return std::nullopt;
     }

@@ -9,9 +9,13 @@ namespace quorvel {
 
 struct InstanceConfig;
 
-/// Starts a program that shows the clone with this `cloneIdentity` in the tray, if its
-/// configuration asks for that. It ends when this process does. Returns `std::nullopt` if none is
-/// needed, or none is installed. Never throws.
+/// Returns whether a program of its own shows the clone in the tray or the menu bar: a web clone
+/// does that itself, and what a file clone opens lasts longer than anything of the clone's.
+[[nodiscard]] bool needsStatusItem(const InstanceConfig& config);
+
+/// Starts a program that shows the clone with this `cloneIdentity` in the tray or the menu bar, if
+/// its configuration asks for that. It ends when this process does. Returns `std::nullopt` if none
+/// is needed, or there is none. Never throws.
 [[nodiscard]] std::optional<Process> startStatusItem(const InstanceConfig& config,
                                                      const std::string& identity);
 

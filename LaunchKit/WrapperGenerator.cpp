@@ -45,8 +45,8 @@ WrapperContents contentsFor(const WrapperGenerator::Options& options,
                             const std::optional<AppBundle>& target, const fs::path& wrapper) {
     WrapperContents contents;
     contents.runner = options.runnerBinary;
-    if (options.config.kind == ShortcutKind::web && options.containsWebHost) {
-        contents.webHost = webHostBeside(options.runnerBinary);
+    if (options.isSelfContained) {
+        addParts(contents, options.config, options.runnerBinary);
     }
     contents.config = options.config.json();
     contents.label = options.config.iconLabel;
@@ -63,6 +63,7 @@ void stageCopy(const StagedChange& change, const std::string& name,
     WrapperRevision::Changes changes{.settings = original.settings()};
     changes.settings.config = options.config;
     changes.settings.runner = options.runnerBinary;
+    changes.isSelfContained = options.isSelfContained;
     (void)original.stage(change, name, changes); // nothing of the user's is lost
 }
 

@@ -30,9 +30,8 @@ public:
         /// If set, called with the wrapper's path before anything is changed. What it throws is
         /// passed on.
         std::function<void(const std::filesystem::path& wrapper)> beforeWriting{};
-        /// Whether the wrapper of a web clone contains the module that shows it, from beside the
-        /// runner.
-        bool containsWebHost = modulesBelongToBundles();
+        /// Whether the wrapper contains all that the clone runs, from beside the runner.
+        bool isSelfContained = modulesBelongToBundles();
     };
 
     class GenError : public Error {

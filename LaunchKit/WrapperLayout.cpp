@@ -45,7 +45,8 @@ bool holdsAtMostWrapperFiles(const fs::path& wrapper) {
     return holdsAtMostFiles(executablesOf(wrapper), {wrapperExecutableName}) &&
            holdsAtMostFiles(resourcesOf(wrapper),
                             {configName, iconFileName, notesName, chosenIconName}) &&
-           holdsAtMostFiles(frameworksOf(wrapper), {webHostModule});
+           holdsAtMostFiles(frameworksOf(wrapper), {webHostModule}) &&
+           holdsAtMostFiles(helpersOf(wrapper), {statusItemProgram});
 }
 
 } // namespace
@@ -74,6 +75,10 @@ std::string webHostOf(const std::string& wrapper) {
     return joinAsText(frameworksOf(wrapper), webHostModule);
 }
 
+std::string statusItemOf(const std::string& wrapper) {
+    return joinAsText(helpersOf(wrapper), statusItemProgram);
+}
+
 fs::path wrapperPath(const fs::path& directory, std::string_view displayName) {
     return joinAsText(directory, std::string(displayName) + ".app");
 }
@@ -85,8 +90,8 @@ fs::path userApplicationsFolder() {
 bool isUnfinishedWrapper(const fs::path& wrapper) {
     // The runner is written first; resources without it belong to someone else.
     return holdsAtMost(wrapper, {BundleItem::contents}) &&
-           holdsAtMost(contentsOf(wrapper),
-                       {BundleItem::executables, BundleItem::resources, BundleItem::frameworks}) &&
+           holdsAtMost(contentsOf(wrapper), {BundleItem::executables, BundleItem::resources,
+                                             BundleItem::frameworks, BundleItem::helpers}) &&
            holdsAtMostWrapperFiles(wrapper) &&
            (itemExists(runnerOf(wrapper)) || holdsAtMost(resourcesOf(wrapper), {}));
 }
@@ -100,7 +105,7 @@ bool isDamagedWrapper(const fs::path& wrapper) {
            holdsAtMost(wrapper, {BundleItem::contents}) &&
            holdsAtMost(contentsOf(wrapper),
                        {BundleItem::executables, BundleItem::resources, BundleItem::frameworks,
-                        BundleItem::infoPlist, BundleItem::pkgInfo}) &&
+                        BundleItem::helpers, BundleItem::infoPlist, BundleItem::pkgInfo}) &&
            holdsAtMostWrapperFiles(wrapper);
 }
 

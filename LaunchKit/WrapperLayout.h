@@ -17,6 +17,10 @@ inline constexpr std::string_view wrapperExecutableName = "runner";
 /// The file name of the module that shows web clones, installed or in a wrapper.
 inline constexpr std::string_view webHostModule = "quorvel-web-host.so";
 
+/// The file name of the program that shows clones in the tray or the menu bar, installed or in a
+/// wrapper.
+inline constexpr std::string_view statusItemProgram = "quorvel-status-item";
+
 /// What a wrapper's executable is told to start one of its target's actions with: this and an id.
 inline constexpr std::string_view actionOption = "--action=";
 
@@ -38,6 +42,9 @@ inline constexpr std::string_view actionOption = "--action=";
 
 /// Returns the path of the module in a wrapper that contains it.
 [[nodiscard]] std::string webHostOf(const std::string& wrapper);
+
+/// Returns the path of the program in a wrapper that contains the one for the menu bar.
+[[nodiscard]] std::string statusItemOf(const std::string& wrapper);
 
 /// Returns the path of the wrapper of a clone with that name: `directory`/`displayName`.app.
 [[nodiscard]] std::filesystem::path wrapperPath(const std::filesystem::path& directory,

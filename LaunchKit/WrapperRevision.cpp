@@ -3,6 +3,8 @@
 #include "Base/BundleLayout.h"
 #include "Base/PathText.h"
 #include "LaunchKit/AppIcon.h"
+#include "LaunchKit/RunnerLocator.h"
+#include "LaunchKit/StatusItemStart.h"
 #include "LaunchKit/WrapperGenerator.h"
 #include "LaunchKit/WrapperLayout.h"
 #include "LaunchKit/WrapperPropertyList.h"
@@ -14,7 +16,6 @@
 #include "Platform/files/ItemRemoval.h"
 #include "Platform/files/PlatformError.h"
 #include "Platform/files/PropertyListFile.h"
-#include "Platform/processes/LoadedModule.h"
 
 #include <utility>
 
@@ -56,8 +57,9 @@ void requireRemovable(const fs::path& wrapper) {
 // What is written into the copy must not end up where a link leads.
 void refuseLinks(const fs::path& copy) {
     for (const std::string& item :
-         {contentsOf(""), executablesOf(""), resourcesOf(""), frameworksOf(""), configOf(""),
-          infoPlistOf(""), contentsOf("") + "/" + std::string(BundleItem::pkgInfo), notesOf("")}) {
+         {contentsOf(""), executablesOf(""), resourcesOf(""), frameworksOf(""), helpersOf(""),
+          configOf(""), infoPlistOf(""), contentsOf("") + "/" + std::string(BundleItem::pkgInfo),
+          notesOf("")}) {
         if (isSymbolicLink(copy.string() + item)) {
             throw Error("“" + item.substr(1) +
                         "” in the clone is a symbolic link, so the clone can’t be changed. "
@@ -75,6 +77,18 @@ void copyWrapper(const fs::path& wrapper, const fs::path& copy) {
     }
     (void)FolderCopy(wrapper).copyInto(folder->descriptor());
     refuseLinks(copy);
+}
+
+// Returns the runner beside which is what the wrapper has to contain now; std::nullopt if it has to
+// contain nothing new. A clone that keeps its own runner may lack the program for the menu bar.
+std::optional<fs::path> runnerWithParts(const fs::path& wrapper,
+                                        const WrapperRevision::Changes& changes) {
+    if (!changes.isSelfContained || changes.settings.runner) {
+        return changes.isSelfContained ? changes.settings.runner : std::nullopt;
+    }
+    return needsStatusItem(changes.settings.config) && !itemExists(statusItemOf(wrapper))
+               ? RunnerLocator::locate(ApplicationFolders::current())
+               : std::nullopt;
 }
 
 std::string textOf(const std::optional<IconLabel>& label) {
@@ -238,9 +252,8 @@ std::vector<std::string> WrapperRevision::stage(const StagedChange& change, cons
     contents.config = changes.settings.config.json();
     WrapperPropertyList::requireWritableTexts(changes.settings.config);
     contents.runner = changes.settings.runner;
-    if (contents.runner && changes.settings.config.kind == ShortcutKind::web &&
-        modulesBelongToBundles()) {
-        contents.webHost = webHostBeside(*contents.runner);
+    if (const auto runner = runnerWithParts(wrapper_, changes)) {
+        addParts(contents, changes.settings.config, *runner);
     }
     contents.keepsIcon = plan.keeps;
     contents.icon = plan.icon;

@@ -6,6 +6,7 @@
 #include "LaunchKit/WrapperIcon.h"
 #include "LaunchKit/WrapperNotes.h"
 #include "Platform/files/StagedChange.h"
+#include "Platform/processes/LoadedModule.h"
 
 #include <filesystem>
 #include <optional>
@@ -39,6 +40,7 @@ public:
     struct Changes {
         CloneSettings settings{};
         bool refreshesIcon = false; ///< takes the target's current icon, if it had its icon before
+        bool isSelfContained = modulesBelongToBundles(); ///< see `WrapperGenerator::Options`
     };
 
     /// Writes the copy into the hidden folder of `change` under the name `name`. Returns what the

@@ -3,6 +3,8 @@
 #include "Base/BundleLayout.h"
 #include "Base/PathText.h"
 #include "Base/StableHash.h"
+#include "LaunchKit/InstanceConfig.h"
+#include "LaunchKit/StatusItemStart.h"
 #include "LaunchKit/WrapperLayout.h"
 #include "Platform/files/FileCopy.h"
 #include "Platform/files/FileSystem.h"
@@ -23,9 +25,9 @@ void removeOldFile(const fs::path& file) {
     }
 }
 
-void replaceRunner(const fs::path& runner, const fs::path& destination) {
+void replaceProgram(const fs::path& program, const fs::path& destination) {
     removeOldFile(destination);
-    copyFile(runner, destination);
+    copyFile(program, destination);
     std::error_code code;
     fs::permissions(destination, fs::perms{0755}, code);
     if (code) {
@@ -67,9 +69,16 @@ void writeNotes(const WrapperContents& contents, const fs::path& wrapper) {
 
 } // namespace
 
-std::optional<fs::path> webHostBeside(const fs::path& runner) {
-    fs::path module = runner.parent_path() / webHostModule;
-    return itemExists(module) ? std::optional(std::move(module)) : std::nullopt;
+void addParts(WrapperContents& contents, const InstanceConfig& config, const fs::path& runner) {
+    const auto beside = [&](std::string_view name) {
+        fs::path part = runner.parent_path() / name;
+        return itemExists(part) ? std::optional(std::move(part)) : std::nullopt;
+    };
+    if (config.kind == ShortcutKind::web) {
+        contents.webHost = beside(webHostModule);
+    } else if (needsStatusItem(config)) {
+        contents.statusItem = beside(statusItemProgram);
+    }
 }
 
 void writeWrapper(const fs::path& wrapper, const WrapperContents& contents) {
@@ -77,10 +86,14 @@ void writeWrapper(const fs::path& wrapper, const WrapperContents& contents) {
     createDirectories(executablesOf(wrapper));
     createDirectories(resourcesOf(wrapper));
     if (contents.runner) {
-        replaceRunner(*contents.runner, runnerOf(wrapper));
+        replaceProgram(*contents.runner, runnerOf(wrapper));
     }
     if (contents.webHost) {
         replaceWebHost(*contents.webHost, wrapper);
+    }
+    if (contents.statusItem) {
+        createDirectories(helpersOf(wrapper));
+        replaceProgram(*contents.statusItem, statusItemOf(wrapper));
     }
     writeFile(configOf(wrapper), contents.config);
     if (!contents.keepsIcon) {

@@ -57,6 +57,10 @@ public:
 
     [[nodiscard]] const std::string& problem() const { return file_.problem(); }
 
+    /// Returns whether a certificate was accepted for that host.
+    [[nodiscard]] bool hasException(const std::string& host) const {
+        return exceptions_.contains(host);
+    }
     /// Returns whether exactly this certificate was accepted for that host.
     [[nodiscard]] bool accepts(const std::string& host, std::string_view fingerprint) const;
 

@@ -1,6 +1,5 @@
 #include "WebHost/CertificateGuard_linux.h"
 
-#include "WebHost/StatusPages.h"
 #include "WebHost/WebAddress.h"
 
 #include <array>
@@ -50,16 +49,12 @@ CertificateDetails detailsOf(GTlsCertificate* certificate) {
 
 } // namespace
 
-std::string CertificateGuard::Refused::key() const {
-    return hostOf(address) + " " + fingerprint;
-}
-
 CertificateGuard::CertificateGuard(WebKitWebView* view, HostWindow& window,
                                    CertificateExceptions& exceptions, ShowPage showPage)
     : view_(view),
       window_(window),
       exceptions_(exceptions),
-      showPage_(std::move(showPage)) {
+      offer_(exceptions, actions(std::move(showPage))) {
     onSignal(view, "load-failed-with-tls-errors", failed, this);
 }
 
@@ -68,51 +63,44 @@ CertificateGuard::~CertificateGuard() {
     closeDialog();
 }
 
+CertificateOffer::Actions CertificateGuard::actions(ShowPage showPage) {
+    return {
+        .showPage = std::move(showPage),
+        .showBar =
+            [this](const std::string& text, const std::string& button,
+                   std::function<void()> chosen) {
+                window_.showOffer(text, button, std::move(chosen));
+            },
+        .hideBar = [this] { window_.hideOffer(); },
+        .ask = [this](const std::string& heading, const std::string& text) { ask(heading, text); },
+        .closeQuestion = [this] { closeDialog(); },
+        .showMessage = [this](const std::string& text) { window_.showMessage(text); },
+        .open = [this](const CertificateOffer::Refused& opened) { open(opened); }};
+}
+
 gboolean CertificateGuard::failed(WebKitWebView* /*view*/, char* address, GTlsCertificate* found,
                                   GTlsCertificateFlags flags, gpointer self) {
     CertificateGuard& guard = of(self);
     const CertificateFaults faults = faultsIn(flags);
-    const CertificateDetails details = detailsOf(found);
-    Refused refused{textOf(address), keep(found), {}, details.fingerprint};
-    const std::string host = hostOf(refused.address);
+    CertificateOffer::Refused refused{textOf(address), certificateReasons(faults), faults,
+                                      detailsOf(found)};
+    guard.certificate_ = keep(found);
     // One that fails although it was accepted must not be tried again and again.
-    if (guard.exceptions_.accepts(host, details.fingerprint) && canBeExcepted(faults) &&
-        guard.used_.insert(refused.key()).second) {
-        guard.withdraw();
-        guard.refused_ = std::move(refused);
-        guard.open();
+    if (guard.exceptions_.accepts(hostOf(refused.address), refused.details.fingerprint) &&
+        canBeExcepted(faults) && !guard.used_.contains(refused.key())) {
+        guard.offer_.withdraw();
+        guard.open(refused);
     } else {
-        guard.refuse(std::move(refused), faults, details);
+        guard.isPageComing_ = true;
+        guard.offer_.refuse(std::move(refused));
     }
     return TRUE;
 }
 
-void CertificateGuard::refuse(Refused refused, const CertificateFaults& faults,
-                              const CertificateDetails& details) {
-    const std::string reasons = certificateReasons(faults);
-    const std::string facts = certificateText(details);
-    const std::string address = refused.address;
-    refused.text = reasons + "\n\n" + facts;
-    withdraw();
-    isPageComing_ = true;
-    showPage_(certificatePage(address, reasons, facts), address);
-    if (canBeExcepted(faults)) {
-        refused_ = std::move(refused);
-        window_.showOffer("The connection to " + hostOf(address) + " is not secure.",
-                          "Open Anyway…", [this] { confirm(); });
-    }
-}
-
 void CertificateGuard::loadStarted() {
     if (!std::exchange(isPageComing_, false)) {
-        withdraw();
+        offer_.withdraw();
     }
-}
-
-void CertificateGuard::withdraw() {
-    refused_.reset();
-    window_.hideOffer();
-    closeDialog();
 }
 
 void CertificateGuard::closeDialog() {
@@ -122,52 +110,33 @@ void CertificateGuard::closeDialog() {
     }
 }
 
-void CertificateGuard::confirm() {
-    if (!refused_ || dialog_ != nullptr) {
-        return;
-    }
-    const std::string host = hostOf(refused_->address);
-    const std::string heading = "Open " + host + " although it is not secure?";
-    asked_ = refused_->key();
+void CertificateGuard::ask(const std::string& heading, const std::string& text) {
     GtkWidget* const dialog = gtk_message_dialog_new(
         window_.widget(),
         static_cast<GtkDialogFlags>(GTK_DIALOG_MODAL | GTK_DIALOG_DESTROY_WITH_PARENT),
         GTK_MESSAGE_WARNING, GTK_BUTTONS_NONE, "%s", heading.c_str());
     gtk_window_set_title(GTK_WINDOW(dialog), heading.c_str());
-    const std::string text =
-        refused_->text +
-        "\n\nPasswords may reach someone else. This certificate is remembered for " + host +
-        "; Site Settings can remove it.";
     gtk_message_dialog_format_secondary_text(GTK_MESSAGE_DIALOG(dialog), "%s", text.c_str());
     gtk_dialog_add_button(GTK_DIALOG(dialog), "_Don’t Open", GTK_RESPONSE_CANCEL);
     gtk_dialog_add_button(GTK_DIALOG(dialog), "Open _Anyway", GTK_RESPONSE_OK);
     gtk_dialog_set_default_response(GTK_DIALOG(dialog), GTK_RESPONSE_CANCEL);
     onSignal(
         dialog, "response",
-        [](GtkDialog*, int response, gpointer self) { of(self).answered(response); }, this);
+        [](GtkDialog*, int response, gpointer self) {
+            of(self).closeDialog();
+            of(self).offer_.answered(response == GTK_RESPONSE_OK);
+        },
+        this);
     g_set_weak_pointer(&dialog_, dialog);
     gtk_window_present(GTK_WINDOW(dialog));
 }
 
-void CertificateGuard::answered(int response) {
-    closeDialog();
-    // The user has agreed to what the dialog said, and to nothing that came after it.
-    if (response != GTK_RESPONSE_OK || !refused_ || refused_->key() != asked_) {
-        return;
-    }
-    used_.insert(asked_);
-    if (!exceptions_.add(hostOf(refused_->address), refused_->fingerprint)) {
-        window_.showMessage("The certificate can’t be remembered");
-    }
-    open();
-}
-
-void CertificateGuard::open() {
-    const Refused opened = std::move(*std::exchange(refused_, std::nullopt));
+void CertificateGuard::open(const CertificateOffer::Refused& opened) {
     const std::string host = hostOf(opened.address);
+    used_.insert(opened.key());
     exceptions_.engineAccepts(host);
     webkit_network_session_allow_tls_certificate_for_host(
-        webkit_web_view_get_network_session(view_), opened.certificate.get(), host.c_str());
+        webkit_web_view_get_network_session(view_), certificate_.get(), host.c_str());
     webkit_web_view_load_uri(view_, opened.address.c_str());
 }
 

@@ -1,13 +1,12 @@
 #pragma once
 
-#include "WebHost/CertificateExceptions.h"
+#include "WebHost/CertificateOffer.h"
 #include "WebHost/GtkTypes_linux.h"
 #include "WebHost/HostWindow_linux.h"
 
 #include <webkit/webkit.h>
 
 #include <functional>
-#include <optional>
 #include <set>
 #include <string>
 
@@ -30,35 +29,20 @@ public:
     void loadStarted();
 
 private:
-    struct Refused {
-        std::string address{};
-        ObjectRef<GTlsCertificate> certificate{};
-        std::string text{}; ///< the reasons, and what the certificate says
-        std::string fingerprint{};
-
-        /// Returns the host and the certificate.
-        [[nodiscard]] std::string key() const;
-    };
-
     static gboolean failed(WebKitWebView* view, char* address, GTlsCertificate* found,
                            GTlsCertificateFlags flags, gpointer self);
 
-    void refuse(Refused refused, const CertificateFaults& faults,
-                const CertificateDetails& details);
-    /// What was offered holds no more.
-    void withdraw();
-    void confirm();
-    void answered(int response);
+    [[nodiscard]] CertificateOffer::Actions actions(ShowPage showPage);
+    void ask(const std::string& heading, const std::string& text);
     void closeDialog();
-    void open();
+    void open(const CertificateOffer::Refused& opened);
 
     WebKitWebView* view_;
     HostWindow& window_;
     CertificateExceptions& exceptions_;
-    ShowPage showPage_;
-    std::optional<Refused> refused_{};
-    GtkWidget* dialog_ = nullptr; ///< asks about `asked_`
-    std::string asked_{};         ///< the host and the certificate
+    CertificateOffer offer_;
+    ObjectRef<GTlsCertificate> certificate_{}; ///< that was refused last
+    GtkWidget* dialog_ = nullptr;
     bool isPageComing_ = false;
     std::set<std::string> used_{}; ///< exceptions that the engine knows
 };

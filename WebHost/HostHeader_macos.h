@@ -13,8 +13,8 @@
                              hasHome:(BOOL)hasHome;
 @property(nonatomic, readonly, nonnull) NSView* view;
 - (void)showTitle:(const std::string&)title;
-/// Shows the host of the page at that address.
-- (void)showAddress:(const std::string&)address;
+/// Shows a `shownHost`.
+- (void)showHost:(const std::string&)host;
 /// Enables the buttons that do something now.
 - (void)update;
 @end

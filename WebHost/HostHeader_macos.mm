@@ -2,7 +2,6 @@
 
 #include "WebHost/HostMenu_macos.h"
 #include "WebHost/NSText_macos.h"
-#include "WebHost/PageTitle.h"
 #include "WebHost/WindowBars_macos.h"
 
 @implementation QuorvelHostHeader {
@@ -49,8 +48,8 @@
     _title.stringValue = quorvel::nsText(title);
 }
 
-- (void)showAddress:(const std::string&)address {
-    _host.stringValue = quorvel::nsText(quorvel::shownHost(address, false));
+- (void)showHost:(const std::string&)host {
+    _host.stringValue = quorvel::nsText(host);
 }
 
 - (void)update {

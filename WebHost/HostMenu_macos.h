@@ -18,8 +18,7 @@
 @end
 
 @protocol QuorvelCloneCommands
-- (void)forgetPermissions:(nullable id)sender;
-- (void)clearWebsiteData:(nullable id)sender;
+- (void)showSiteSettings:(nullable id)sender;
 @end
 
 namespace quorvel {

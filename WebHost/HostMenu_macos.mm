@@ -34,12 +34,16 @@ NSMenu* newMenu(NSString* title, std::initializer_list<Entry> entries) {
     return menu;
 }
 
+void addSubmenu(NSMenu* menu, NSMenu* submenu) {
+    NSMenuItem* const item = [menu addItemWithTitle:submenu.title action:nullptr keyEquivalent:@""];
+    item.submenu = submenu;
+}
+
 NSMenu* newCloneMenu(NSString* name) {
     return newMenu(
         name, {{[@"About " stringByAppendingString:name], @selector(orderFrontStandardAboutPanel:)},
                {nil},
-               {@"Ask for Permissions Again", @selector(forgetPermissions:)},
-               {@"Clear Website Data…", @selector(clearWebsiteData:)},
+               {@"Site Settings…", @selector(showSiteSettings:), @","},
                {nil},
                {[@"Hide " stringByAppendingString:name], @selector(hide:), @"h"},
                {@"Hide Others", @selector(hideOtherApplications:), @"h", withOption},
@@ -49,18 +53,27 @@ NSMenu* newCloneMenu(NSString* name) {
 }
 
 NSMenu* newEditMenu() {
-    return newMenu(@"Edit", {{@"Undo", @selector(undo:), @"z"},
-                             {@"Redo", @selector(redo:), @"z", withShift},
-                             {nil},
-                             {@"Cut", @selector(cut:), @"x"},
-                             {@"Copy", @selector(copy:), @"c"},
-                             {@"Paste", @selector(paste:), @"v"},
-                             {@"Select All", @selector(selectAll:), @"a"},
-                             {@"Copy Link to Page", @selector(copyLink:), @"c", withShift},
-                             {nil},
-                             {@"Find…", @selector(showFindBar:), @"f"},
-                             {@"Find Next", @selector(findNext:), @"g"},
-                             {@"Find Previous", @selector(findPrevious:), @"g", withShift}});
+    NSMenu* const menu =
+        newMenu(@"Edit", {{@"Undo", @selector(undo:), @"z"},
+                          {@"Redo", @selector(redo:), @"z", withShift},
+                          {nil},
+                          {@"Cut", @selector(cut:), @"x"},
+                          {@"Copy", @selector(copy:), @"c"},
+                          {@"Paste", @selector(paste:), @"v"},
+                          {@"Select All", @selector(selectAll:), @"a"},
+                          {@"Copy Link to Page", @selector(copyLink:), @"c", withShift},
+                          {nil},
+                          {@"Find…", @selector(showFindBar:), @"f"},
+                          {@"Find Next", @selector(findNext:), @"g"},
+                          {@"Find Previous", @selector(findPrevious:), @"g", withShift},
+                          {nil}});
+    NSMenu* const spelling = newMenu(
+        @"Spelling", {{@"Show Spelling and Grammar", @selector(showGuessPanel:), @":"},
+                      {@"Check Document Now", @selector(checkSpelling:), @";"},
+                      {nil},
+                      {@"Check Spelling While Typing", @selector(toggleContinuousSpellChecking:)}});
+    addSubmenu(menu, spelling);
+    return menu;
 }
 
 NSMenu* newViewMenu() {
@@ -81,10 +94,7 @@ NSMenu* newViewMenu() {
 
 NSMenu* newMenuBar(NSString* name) {
     NSMenu* const bar = [[NSMenu alloc] initWithTitle:@""];
-    const auto add = [bar](NSMenu* menu) {
-        NSMenuItem* const item = [bar addItemWithTitle:menu.title action:nullptr keyEquivalent:@""];
-        item.submenu = menu;
-    };
+    const auto add = [bar](NSMenu* menu) { addSubmenu(bar, menu); };
     add(newCloneMenu(name));
     add(newMenu(@"File", {{@"Print…", @selector(printPage:), @"p"},
                           {nil},

@@ -7,8 +7,6 @@
 
 #include <libsoup/soup.h>
 
-#include <algorithm>
-
 namespace quorvel {
 namespace {
 
@@ -135,11 +133,7 @@ void HostPage::notificationWanted(WebKitNotification* notification) {
 
 void HostPage::permissionsTaken(const std::vector<PermissionStore::Answer>& taken) {
     questions_.reset();
-    const bool isUsed = std::any_of(taken.begin(), taken.end(), [&](const auto& answer) {
-        return answer.isAllowed && answer.origin == originOf(address()) &&
-               lastsUntilReload(answer.kind);
-    });
-    if (isUsed) {
+    if (isHeldUntilReload(taken, originOf(address()))) {
         for (const auto set : {webkit_web_view_set_camera_capture_state,
                                webkit_web_view_set_microphone_capture_state,
                                webkit_web_view_set_display_capture_state}) {

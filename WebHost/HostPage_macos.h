@@ -16,8 +16,8 @@
 @property(nonatomic, readonly, nonnull) WKWebView* view;
 @property(nonatomic, readonly, nonnull) QuorvelWindow* window;
 - (void)load:(const std::string&)address;
-/// What the user has not answered may be asked again.
-- (void)forgetQuestions;
+/// The user took these answers back.
+- (void)permissionsTaken:(const std::vector<quorvel::PermissionStore::Answer>&)taken;
 /// Has `done` called with the user's answer, now or later.
 - (void)decide:(const std::string&)kind
           text:(const std::string&)text

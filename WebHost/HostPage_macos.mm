@@ -1,5 +1,6 @@
 #include "WebHost/HostPage_macos.h"
 
+#include "WebHost/AppliedSettings_macos.h"
 #include "WebHost/NSText_macos.h"
 #include "WebHost/PageNavigation_macos.h"
 #include "WebHost/PageRequests_macos.h"
@@ -41,6 +42,7 @@ NSArray<NSString*>* observedKeys() {
         _requests = [[QuorvelPageRequests alloc] initWithState:_state];
         view.navigationDelegate = _navigation;
         view.UIDelegate = _requests;
+        quorvel::applyUserAgent(view, services.settings->settings());
         for (NSString* key in observedKeys()) {
             [view addObserver:self
                    forKeyPath:key
@@ -59,8 +61,8 @@ NSArray<NSString*>* observedKeys() {
     _state->load(address);
 }
 
-- (void)forgetQuestions {
-    _state->questions().reset();
+- (void)permissionsTaken:(const std::vector<quorvel::PermissionStore::Answer>&)taken {
+    _state->permissionsTaken(taken);
 }
 
 - (void)decide:(const std::string&)kind

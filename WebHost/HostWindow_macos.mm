@@ -6,6 +6,7 @@
 #include "WebHost/HostMenu_macos.h"
 #include "WebHost/MessagePanel_macos.h"
 #include "WebHost/NSText_macos.h"
+#include "WebHost/OfferBar_macos.h"
 #include "WebHost/PageTitle.h"
 #include "WebHost/WindowBars_macos.h"
 
@@ -47,6 +48,7 @@ NSWindow* newWindow(const quorvel::WindowState& state) {
     QuorvelHostHeader* _header;
     QuorvelFindBar* _findBar;
     QuorvelQuestionBar* _questions;
+    QuorvelOfferBar* _offer;
     QuorvelDownloadBar* _downloads;
     QuorvelMessagePanel* _message;
 }
@@ -77,12 +79,13 @@ NSWindow* newWindow(const quorvel::WindowState& state) {
 - (void)buildContent {
     const BOOL isMain = _actions.home ? YES : NO;
     _questions = [[QuorvelQuestionBar alloc] init];
+    _offer = [[QuorvelOfferBar alloc] init];
     _downloads = [[QuorvelDownloadBar alloc] init];
     _findBar = [[QuorvelFindBar alloc] initWithPage:_page];
     _header = [[QuorvelHostHeader alloc] initWithPage:_page target:self hasHome:isMain];
     _header.view.hidden = isMain && _state.hidesHeader; // a pop-up always shows its host
     NSStackView* const rows = [NSStackView stackViewWithViews:@[
-        _header.view, _questions.view, _findBar.view, _page, _downloads.view
+        _header.view, _questions.view, _offer.view, _findBar.view, _page, _downloads.view
     ]];
     rows.orientation = NSUserInterfaceLayoutOrientationVertical;
     rows.alignment = NSLayoutAttributeWidth;
@@ -116,15 +119,26 @@ NSWindow* newWindow(const quorvel::WindowState& state) {
     [_header showTitle:pageTitle];
 }
 
-- (void)updateLocation:(const std::string&)address {
+- (void)updateLocation:(const std::string&)address isExcepted:(BOOL)isExcepted {
     _address = address;
-    _window.subtitle = quorvel::nsText(quorvel::shownHost(address, false));
-    [_header showAddress:address];
+    const std::string host = quorvel::shownHost(address, isExcepted == YES);
+    _window.subtitle = quorvel::nsText(host);
+    [_header showHost:host];
     [_header update];
 }
 
 - (BOOL)ask:(quorvel::HostQuestion)question {
     return [_questions ask:std::move(question)];
+}
+
+- (void)showOffer:(const std::string&)text
+           button:(const std::string&)button
+           chosen:(std::function<void()>)chosen {
+    [_offer showText:text button:button chosen:std::move(chosen)];
+}
+
+- (void)hideOffer {
+    [_offer hide];
 }
 
 - (void)showDownloads:(const std::string&)text cancelled:(std::function<void()>)cancelled {

@@ -11,8 +11,7 @@ void LoadGate::load(const std::string& address) {
     }
     address_ = address;
     if (!std::exchange(isAsked_, true)) {
-        actions_.ask({.text = "The file of the Site Settings can’t be used. A proxy that it names "
-                              "is not in use.",
+        actions_.ask({.text = reason_,
                       .yes = "Load Without It",
                       .no = "Site Settings…",
                       .answered = [this](std::optional<bool> isMeant) { answered(isMeant); },

@@ -8,17 +8,24 @@
 
 namespace quorvel {
 
-/// Keeps addresses from being loaded while the file of the settings can't be used: whoever set a
-/// proxy there may not want to be seen without it. The user decides.
+/// Keeps addresses from being loaded while the settings can't be used: whoever set a proxy there
+/// may not want to be seen without it. The user decides.
 class LoadGate {
 public:
+    static constexpr const char* unreadableFile =
+        "The file of the Site Settings can’t be used. A proxy that it names is not in use.";
+
     struct Actions {
         std::function<void(const std::string& address)> load{};
         std::function<void(HostQuestion)> ask{};
         std::function<void()> showSettings{};
     };
 
-    LoadGate(bool isClosed, Actions actions) : isClosed_(isClosed), actions_(std::move(actions)) {}
+    /// `reason` is what the user is told.
+    LoadGate(bool isClosed, Actions actions, std::string reason = unreadableFile)
+        : isClosed_(isClosed),
+          actions_(std::move(actions)),
+          reason_(std::move(reason)) {}
 
     [[nodiscard]] bool isClosed() const { return isClosed_; }
     /// Loads the address, or asks the user and keeps it in place of an earlier one.
@@ -31,6 +38,7 @@ private:
 
     bool isClosed_;
     Actions actions_;
+    std::string reason_;
     bool isAsked_ = false;
     std::string address_{}; ///< the one that waits
 };

@@ -2,9 +2,9 @@
 
 #include "WebHost/AnswerOnce_macos.h"
 #include "WebHost/BadgeScript.h"
+#include "WebHost/CertificateGuard_macos.h"
 #include "WebHost/LoadFailure_macos.h"
 #include "WebHost/NSText_macos.h"
-#include "WebHost/PasswordQuestion_macos.h"
 #include "WebHost/StatusPages.h"
 #include "WebHost/WebAddress.h"
 
@@ -25,6 +25,7 @@ bool isAttachment(NSURLResponse* response) {
 
 @implementation QuorvelPageNavigation {
     std::shared_ptr<quorvel::PageState> _state;
+    std::shared_ptr<quorvel::CertificateGuard> _guard;
     std::optional<quorvel::RateCap> _reloads;
 }
 
@@ -32,6 +33,7 @@ bool isAttachment(NSURLResponse* response) {
     self = [super init];
     if (self != nil) {
         _state = std::move(state);
+        _guard = std::make_shared<quorvel::CertificateGuard>(*_state);
         _reloads = quorvel::reloadCap();
     }
     return self;
@@ -77,7 +79,9 @@ bool isAttachment(NSURLResponse* response) {
 }
 
 - (void)webView:(WKWebView*)view didStartProvisionalNavigation:(WKNavigation*)navigation {
-    (void)navigation;
+    if (!_state->isStatus(navigation)) {
+        _guard->loadStarted();
+    }
     _state->awaits(quorvel::textOfURL(view.URL));
 }
 
@@ -120,7 +124,7 @@ bool isAttachment(NSURLResponse* response) {
         _state->showStatus(quorvel::offlinePage(address, failure.reason), address);
         return;
     case quorvel::LoadFailure::Case::certificate:
-        _state->showStatus(quorvel::certificatePage(address, failure.reason, {}), address);
+        _guard->failed(address, failure.reason);
         return;
     }
 }
@@ -153,6 +157,10 @@ bool isAttachment(NSURLResponse* response) {
     const quorvel::PasswordAnswer answer = quorvel::answerOnce(
         completionHandler, NSURLSessionAuthChallengeCancelAuthenticationChallenge, nil);
     (void)view;
+    if (quorvel::CertificateGuard::isAbout(challenge.protectionSpace)) {
+        _guard->judge(challenge.protectionSpace, answer);
+        return;
+    }
     const std::weak_ptr<quorvel::PageState> state = _state;
     quorvel::answerChallenge(
         challenge, _state->passwords(), quorvel::hostOf(_state->address()),

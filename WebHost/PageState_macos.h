@@ -1,5 +1,6 @@
 #pragma once
 
+#include "WebHost/CertificateExceptions.h"
 #include "WebHost/FloodCaps.h"
 #include "WebHost/HostWindow_macos.h"
 #include "WebHost/LinkRouting.h"
@@ -23,6 +24,8 @@ struct PageServices {
     bool keepsLinks = false;   ///< links to other sites open in the clone
     SiteOf siteOf{};
     PermissionStore* _Nullable permissions = nullptr;
+    CertificateExceptions* _Nullable certificates = nullptr;
+    const SiteSettingsStore* _Nullable settings = nullptr;
     const OutsideOpener* _Nullable links = nullptr;
     id<WKDownloadDelegate> _Nullable downloads = nil;
     /// Returns the view of a new pop-up, which must have that configuration; nil if there are too
@@ -60,6 +63,12 @@ public:
     void load(const std::string& address);
     /// Shows a page of the host's own in place of the one at that address.
     void showStatus(const std::string& html, const std::string& address);
+    /// Returns whether that is what `showStatus` began.
+    [[nodiscard]] bool isStatus(WKNavigation* _Nullable navigation) const {
+        return navigation != nil && navigation == status_;
+    }
+    /// The user took these answers back.
+    void permissionsTaken(const std::vector<PermissionStore::Answer>& taken);
 
     /// The engine begins to load a page, or is sent elsewhere meanwhile.
     void awaits(const std::string& address);
@@ -81,6 +90,7 @@ public:
 private:
     [[nodiscard]] LinkRequest requestOf(WKNavigationAction* _Nonnull action,
                                         bool isNewWindow) const;
+    void updateLocation();
     void openOutside(const std::string& address);
     void openOther(const std::string& address);
 
@@ -93,6 +103,7 @@ private:
     DialogCap dialogs_{};
     ShownAddress shown_{};
     PageVisit visit_{};
+    WKNavigation* _Nullable status_ = nil;
     std::string awaited_{};
     std::uint64_t awaitedGesture_ = 0; ///< the last one when that began
 };

@@ -30,11 +30,25 @@ void PageState::load(const std::string& address) {
 void PageState::showStatus(const std::string& html, const std::string& address) {
     NSURL* const failed = [NSURL URLWithString:nsText(address)];
     if (failed == nil || !isWebAddress(address)) {
-        [view_ loadHTMLString:nsText(html) baseURL:nil];
+        status_ = [view_ loadHTMLString:nsText(html) baseURL:nil];
     } else {
-        [view_ loadSimulatedRequest:[NSURLRequest requestWithURL:failed]
-                 responseHTMLString:nsText(html)];
+        status_ = [view_ loadSimulatedRequest:[NSURLRequest requestWithURL:failed]
+                           responseHTMLString:nsText(html)];
     }
+}
+
+void PageState::permissionsTaken(const std::vector<PermissionStore::Answer>& taken) {
+    questions_.reset();
+    if (isHeldUntilReload(taken, originOf(address()))) {
+        [view_ setCameraCaptureState:WKMediaCaptureStateNone completionHandler:nil];
+        [view_ setMicrophoneCaptureState:WKMediaCaptureStateNone completionHandler:nil];
+        [view_ reload];
+    }
+}
+
+void PageState::updateLocation() {
+    [window_ updateLocation:address()
+                 isExcepted:services_.certificates->isAcceptedByEngine(hostOf(address()))];
 }
 
 void PageState::awaits(const std::string& address) {
@@ -50,13 +64,13 @@ void PageState::committed() {
         questions_.reset();
         passwords_->reset();
     }
-    [window_ updateLocation:address()];
+    updateLocation();
     callbacks_.titleChanged();
 }
 
 void PageState::reported(const std::string& address) {
     shown_.reported(address);
-    [window_ updateLocation:this->address()];
+    updateLocation();
     callbacks_.titleChanged();
 }
 
@@ -85,6 +99,7 @@ bool PageState::routes(WKNavigationAction* action, bool isNewWindow) {
     const std::string target = asked.empty() ? "about:blank" : asked;
     LinkRequest request = requestOf(action, isNewWindow);
     request.address = target;
+    request.rule = ruleFor(services_.settings->settings(), hostOf(target));
     if (!isWebAddress(target) && action.sourceFrame.mainFrame != YES) {
         request.isMainFrame = false; // a frame must not open other programs in the page's name
         request.isNewWindow = false;

@@ -16,9 +16,9 @@ using PasswordAnswer = OneAnswer<NSURLSessionAuthChallengeDisposition, NSURLCred
 /// Returns questions that are shown as sheets of that window; once it has ended, they are refused.
 [[nodiscard]] std::shared_ptr<PasswordQuestions> newPasswordQuestions(QuorvelWindow* window);
 
-/// Answers what a server wants: a name and password are the user's to give, and last as long as the
-/// process. Certificates and tickets of the user are not given to servers, since the keychain is
-/// shared by all clones. `refused` is called if the user gives no password.
+/// Answers what a server wants of the user: a name and password are the user's to give, and last as
+/// long as the process. Certificates and tickets of the user are not given to servers, since the
+/// keychain is shared by all clones. `refused` is called if the user gives no password.
 void answerChallenge(NSURLAuthenticationChallenge* challenge, PasswordQuestions& questions,
                      const std::string& pageHost, const std::function<void()>& refused,
                      const PasswordAnswer& answer);

@@ -13,10 +13,6 @@ bool wantsPassword(NSURLProtectionSpace* space) {
     return [methods containsObject:space.authenticationMethod] == YES;
 }
 
-bool wantsProofOfServer(NSURLProtectionSpace* space) {
-    return [space.authenticationMethod isEqualToString:NSURLAuthenticationMethodServerTrust] == YES;
-}
-
 PasswordAsker askerOf(NSURLProtectionSpace* space, const std::string& pageHost) {
     return {.host = textOf(space.host),
             .port = space.port > 0 ? static_cast<unsigned>(space.port) : 0,
@@ -110,10 +106,6 @@ void answerChallenge(NSURLAuthenticationChallenge* challenge, PasswordQuestions&
                      const std::string& pageHost, const std::function<void()>& refused,
                      const PasswordAnswer& answer) {
     NSURLProtectionSpace* const space = challenge.protectionSpace;
-    if (wantsProofOfServer(space)) {
-        answer(NSURLSessionAuthChallengePerformDefaultHandling, nil);
-        return;
-    }
     if (!wantsPassword(space)) {
         // The server may do without.
         answer(NSURLSessionAuthChallengeRejectProtectionSpace, nil);

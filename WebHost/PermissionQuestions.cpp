@@ -50,6 +50,13 @@ bool lastsUntilReload(const std::string& kind) {
     return std::find(kinds.begin(), kinds.end(), kind) != kinds.end();
 }
 
+bool isHeldUntilReload(const std::vector<PermissionStore::Answer>& taken,
+                       const std::string& origin) {
+    return std::any_of(taken.begin(), taken.end(), [&](const PermissionStore::Answer& answer) {
+        return answer.isAllowed && answer.origin == origin && lastsUntilReload(answer.kind);
+    });
+}
+
 std::string linkPermissionKind(const std::string& scheme) {
     return std::string(linkKind) + scheme;
 }

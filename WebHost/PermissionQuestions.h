@@ -50,6 +50,11 @@ private:
 /// Returns whether a page goes on with what it was allowed of this kind until it is loaded again.
 [[nodiscard]] bool lastsUntilReload(const std::string& kind);
 
+/// Returns whether the page of that origin still has what was taken back, and has to be loaded
+/// again to lose it.
+[[nodiscard]] bool isHeldUntilReload(const std::vector<PermissionStore::Answer>& taken,
+                                     const std::string& origin);
+
 /// Returns the kind of the permission to open links of that scheme with another program.
 [[nodiscard]] std::string linkPermissionKind(const std::string& scheme);
 

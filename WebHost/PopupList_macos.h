@@ -12,7 +12,9 @@
 /// `gestures` were those in the clone's own window.
 - (nullable WKWebView*)open:(nonnull WKWebViewConfiguration*)configuration
               afterGestures:(std::uint64_t)gestures;
-/// What the user has not answered may be asked again.
-- (void)forgetQuestions;
+/// The user took these answers back.
+- (void)permissionsTaken:(const std::vector<quorvel::PermissionStore::Answer>&)taken;
+/// Has all tell pages the chosen user agent.
+- (void)applyUserAgent;
 - (void)endAll;
 @end

@@ -1,5 +1,6 @@
 #include "WebHost/PopupList_macos.h"
 
+#include "WebHost/AppliedSettings_macos.h"
 #include "WebHost/PageTitle.h"
 
 #include <dispatch/dispatch.h>
@@ -89,9 +90,15 @@
     }
 }
 
-- (void)forgetQuestions {
+- (void)permissionsTaken:(const std::vector<quorvel::PermissionStore::Answer>&)taken {
     for (QuorvelPage* page in _pages) {
-        [page forgetQuestions];
+        [page permissionsTaken:taken];
+    }
+}
+
+- (void)applyUserAgent {
+    for (QuorvelPage* page in _pages) {
+        quorvel::applyUserAgent(page.view, _services->settings->settings());
     }
 }
 

@@ -1,7 +1,5 @@
 #include "WebHost/SettingsPanel_linux.h"
 
-#include "Base/TerminalText.h"
-#include "WebHost/PermissionQuestions.h"
 #include "WebHost/SettingsRows_linux.h"
 #include "WebHost/WindowState.h"
 
@@ -37,11 +35,11 @@ void closeWithEscape(GtkWindow* window) {
 
 SettingsPanel::SettingsPanel(GtkWindow* parent, Services services, GtkWidget* data)
     : window_(GTK_WINDOW(gtk_window_new())),
-      services_(std::move(services)) {
+      editor_(std::move(services)) {
     constexpr int width = 560;
     constexpr int height = 700;
     constexpr int margin = 18;
-    gtk_window_set_title(window_, ("Site Settings — " + withoutUnsafe(services_.name)).c_str());
+    gtk_window_set_title(window_, SettingsText::title(editor_.services().name).c_str());
     gtk_window_set_default_size(window_, width, height);
     gtk_window_set_transient_for(window_, parent);
     gtk_window_set_hide_on_close(window_, TRUE);
@@ -79,7 +77,7 @@ void SettingsPanel::addPages(GtkWidget* page) {
                        gtk_spin_button_new_with_range(smallestZoom, largestZoom, step));
     onEvent(zoom_, "value-changed", [this] {
         if (!isUpdating_) {
-            services_.zoomTo(gtk_spin_button_get_value_as_int(GTK_SPIN_BUTTON(zoom_)));
+            editor_.services().zoomTo(gtk_spin_button_get_value_as_int(GTK_SPIN_BUTTON(zoom_)));
         }
     });
     colors_ = addSetting(
@@ -101,8 +99,7 @@ void SettingsPanel::addPages(GtkWidget* page) {
         addSetting(section, "_User agent", newField("The usual one", [this] {
                        change([this](SiteSettings& all) { all.userAgent = textIn(userAgent_); });
                    }));
-    addHint(section, "The user agent is what sites are told about the browser; some refuse those "
-                     "they don’t know. It holds for pages that are loaded from now on.");
+    addHint(section, SettingsText::userAgent);
 }
 
 void SettingsPanel::addConnection(GtkWidget* page) {
@@ -121,7 +118,7 @@ void SettingsPanel::addConnection(GtkWidget* page) {
 void SettingsPanel::addLinks(GtkWidget* page) {
     static constexpr const char* places[] = {"Open in this window", "Open in the browser", nullptr};
     GtkWidget* const section = addSection(page, "Links");
-    addHint(section, "Links to these sites open as you say, whichever site they are on.");
+    addHint(section, SettingsText::links);
     links_ = addList(section);
     ruleHost_ = addSetting(section, "_Host", gtk_entry_new());
     gtk_entry_set_placeholder_text(GTK_ENTRY(ruleHost_), "example.com");
@@ -135,52 +132,37 @@ void SettingsPanel::addLinks(GtkWidget* page) {
 
 void SettingsPanel::addLists(GtkWidget* page) {
     GtkWidget* const answers = addSection(page, "Permissions");
-    addHint(answers, "A page that has lost a permission to see, hear or locate you is loaded "
-                     "again.");
+    addHint(answers, SettingsText::permissions);
     permissions_ = addList(answers);
     GtkWidget* const forget = gtk_button_new_with_mnemonic("Remove All _Permissions");
     gtk_widget_set_halign(forget, GTK_ALIGN_END);
     onEvent(forget, "clicked", [this] {
-        const auto taken = services_.permissions->list();
-        showProblem(services_.permissions->forgetAll() ? "" : "The permissions can’t be written.");
-        services_.permissionsTaken(taken);
-        listPermissions();
+        showProblem(editor_.removePermissions());
+        fillLists();
     });
     gtk_box_append(GTK_BOX(answers), forget);
     GtkWidget* const certificates = addSection(page, "Accepted Certificates");
-    addHint(certificates,
-            "A certificate that you remove is refused from the next start of this window on.");
+    addHint(certificates, SettingsText::certificates);
     certificates_ = addList(certificates);
 }
 
 void SettingsPanel::change(const std::function<void(SiteSettings&)>& edit) {
-    if (isUpdating_) {
-        return;
+    if (!isUpdating_) {
+        showProblem(editor_.change(edit));
     }
-    SiteSettings next = services_.settings->settings();
-    edit(next);
-    if (next == services_.settings->settings()) {
-        showProblem("");
-        return;
-    }
-    showProblem(services_.settings->change(std::move(next)));
-    services_.settingsChanged();
 }
 
 void SettingsPanel::addRule() {
-    const std::string host = ruleHost(textIn(ruleHost_));
-    if (host.empty()) {
-        showProblem("A rule for links must name a host such as “example.com”.");
-        return;
+    const std::string problem = editor_.addRule(textIn(ruleHost_), chosenIn<LinkPlace>(rulePlace_));
+    if (problem.empty()) {
+        setText(ruleHost_, "");
     }
-    change(
-        [&](SiteSettings& all) { all.links[host] = rawString(chosenIn<LinkPlace>(rulePlace_)); });
-    setText(ruleHost_, "");
-    listLinks();
+    showProblem(problem);
+    fillLists();
 }
 
 SiteSettings SettingsPanel::entered() const {
-    SiteSettings all = services_.settings->settings();
+    SiteSettings all = editor_.settings();
     all.spellingLanguages = languagesIn(textIn(languages_));
     all.userAgent = textIn(userAgent_);
     all.proxy = chosenIn<ProxyUse>(proxy_);
@@ -200,56 +182,20 @@ void SettingsPanel::setText(GtkWidget* field, const std::string& text) {
     gtk_editable_set_text(GTK_EDITABLE(field), text.c_str());
 }
 
-void SettingsPanel::listLinks() {
-    std::vector<RemovableRow> rows;
-    for (const auto& [host, place] : services_.settings->settings().links) {
-        const bool isInside = caseNamed<LinkPlace>(place) == LinkPlace::inside;
-        rows.push_back({host + (isInside ? ": in this window" : ": in the browser"),
-                        "Remove the rule for " + host, [this, host = host] {
-                            change([&](SiteSettings& all) { all.links.erase(host); });
-                            listLinks();
-                        }});
-    }
-    fillList(links_, rows, "There are no rules.");
-}
-
-void SettingsPanel::listPermissions() {
-    std::vector<RemovableRow> rows;
-    for (const PermissionStore::Answer& answer : services_.permissions->list()) {
-        const std::string what = withoutUnsafe(answer.origin) +
-                                 (answer.isAllowed ? " may " : " may not ") +
-                                 permissionWords(answer.kind);
-        rows.push_back({what, "Remove: " + what, [this, answer] {
-                            const bool isKept =
-                                services_.permissions->forget(answer.origin, answer.kind);
-                            showProblem(isKept ? "" : "The permissions can’t be written.");
-                            services_.permissionsTaken({answer});
-                            listPermissions();
-                        }});
-    }
-    fillList(permissions_, rows, "No site has asked for anything.");
-}
-
-void SettingsPanel::listCertificates() {
-    constexpr std::size_t shownDigits = 16;
-    std::vector<RemovableRow> rows;
-    for (const CertificateExceptions::Exception& one : services_.certificates->list()) {
-        const std::string host = withoutUnsafe(one.host);
-        rows.push_back({host + " (SHA-256 " + one.fingerprint.substr(0, shownDigits) + "…)",
-                        "Remove the certificate of " + host, [this, kept = one.host] {
-                            showProblem(services_.certificates->remove(kept)
-                                            ? ""
-                                            : "The certificates can’t be written.");
-                            listCertificates();
-                        }});
-    }
-    fillList(certificates_, rows, "No certificate was accepted.");
+void SettingsPanel::fillLists() {
+    const auto removed = [this](const std::string& problem) {
+        showProblem(problem);
+        fillLists();
+    };
+    fillList(links_, editor_.links(removed), SettingsText::noLinks);
+    fillList(permissions_, editor_.permissions(removed), SettingsText::noPermissions);
+    fillList(certificates_, editor_.certificates(removed), SettingsText::noCertificates);
 }
 
 void SettingsPanel::update() {
     isUpdating_ = true;
-    const SiteSettings& now = services_.settings->settings();
-    gtk_spin_button_set_value(GTK_SPIN_BUTTON(zoom_), services_.zoom());
+    const SiteSettings& now = editor_.settings();
+    gtk_spin_button_set_value(GTK_SPIN_BUTTON(zoom_), editor_.services().zoom());
     gtk_drop_down_set_selected(GTK_DROP_DOWN(colors_), static_cast<guint>(now.colors));
     gtk_switch_set_active(GTK_SWITCH(spelling_), now.checksSpelling ? TRUE : FALSE);
     std::string languages;
@@ -261,19 +207,8 @@ void SettingsPanel::update() {
     gtk_drop_down_set_selected(GTK_DROP_DOWN(proxy_), static_cast<guint>(now.proxy));
     setText(proxyAddress_, now.proxyAddress);
     isUpdating_ = false;
-    listLinks();
-    listPermissions();
-    listCertificates();
-    std::string problem;
-    for (const std::string& one : {services_.settings->problem(), services_.permissions->problem(),
-                                   services_.certificates->problem()}) {
-        if (!one.empty()) {
-            problem = "A file of these settings can’t be used, and is kept under another name "
-                      "as soon as you change something: " +
-                      one;
-        }
-    }
-    showProblem(problem);
+    fillLists();
+    showProblem(editor_.fileProblem());
 }
 
 void SettingsPanel::show() {

@@ -1,9 +1,7 @@
 #pragma once
 
-#include "WebHost/CertificateExceptions.h"
 #include "WebHost/GtkTypes_linux.h"
-#include "WebHost/PermissionStore.h"
-#include "WebHost/SiteSettings.h"
+#include "WebHost/SettingsEditor.h"
 
 #include <gtk/gtk.h>
 
@@ -15,17 +13,7 @@ namespace quorvel {
 /// The window with a clone's Site Settings. Whatever is chosen there holds at once.
 class SettingsPanel {
 public:
-    struct Services {
-        std::string name{}; ///< the clone's
-        SiteSettingsStore* settings = nullptr;
-        PermissionStore* permissions = nullptr;
-        CertificateExceptions* certificates = nullptr;
-        std::function<void()> settingsChanged{};
-        /// These answers were taken back.
-        std::function<void(const std::vector<PermissionStore::Answer>&)> permissionsTaken{};
-        std::function<int()> zoom{}; ///< in percent
-        std::function<void(int)> zoomTo{};
-    };
+    using Services = SettingsServices;
 
     /// `data` is shown as the last section, and is this window's from now on.
     SettingsPanel(GtkWindow* parent, Services services, GtkWidget* data);
@@ -42,9 +30,7 @@ private:
     void addLinks(GtkWidget* page);
     void addLists(GtkWidget* page);
     void update();
-    void listLinks();
-    void listPermissions();
-    void listCertificates();
+    void fillLists();
     void addRule();
     void setText(GtkWidget* field, const std::string& text);
     /// Changes the settings, unless this is only about showing them.
@@ -55,7 +41,7 @@ private:
     void showProblem(std::string problem);
 
     GtkWindow* window_;
-    Services services_;
+    SettingsEditor editor_;
     bool isUpdating_ = false;
     GtkWidget* problem_ = nullptr;
     GtkWidget* zoom_ = nullptr;

@@ -1,9 +1,10 @@
 #pragma once
 
+#include "WebHost/SettingsEditor.h"
+
 #include <gtk/gtk.h>
 
 #include <functional>
-#include <string>
 #include <vector>
 
 /// What a panel of settings is made of.
@@ -27,13 +28,6 @@ GtkWidget* addHint(GtkWidget* section, const char* text);
 /// Returns a choice of texts; the last one is null. `chosen` is called with each choice.
 [[nodiscard]] GtkWidget* newChoice(const char* const* texts, unsigned first,
                                    std::function<void()> chosen);
-
-/// One line of a list that the user can remove.
-struct RemovableRow {
-    std::string text{};
-    std::string removes{}; ///< what the button does, for those who can't see the line
-    std::function<void()> remove{};
-};
 
 /// Makes the rows all that is in the list, or this text if there are none.
 void fillList(GtkWidget* list, const std::vector<RemovableRow>& rows, const char* ifEmpty);

@@ -1,6 +1,7 @@
 #include "WebHost/SiteDataList_linux.h"
 
 #include "Base/TerminalText.h"
+#include "WebHost/SettingsEditor.h"
 #include "WebHost/SettingsRows_linux.h"
 
 #include <memory>
@@ -35,7 +36,7 @@ SiteDataList::SiteDataList(WebKitNetworkSession* session, std::string cloneName,
       cleared_(std::move(cleared)),
       section_(gtk_box_new(GTK_ORIENTATION_VERTICAL, 0)) {
     GtkWidget* const section = addSection(section_, "Data");
-    addHint(section, "What sites keep in this clone: logins, settings, offline data.");
+    addHint(section, SettingsText::data);
     list_ = gtk_box_new(GTK_ORIENTATION_VERTICAL, 4);
     gtk_box_append(GTK_BOX(section), list_);
     state_ = addHint(section, "");
@@ -74,7 +75,7 @@ void SiteDataList::found(GObject* manager, GAsyncResult* result, gpointer self) 
     g_list_free_full(sites, [](gpointer data) {
         webkit_website_data_unref(static_cast<WebKitWebsiteData*>(data));
     });
-    fillList(of(self).list_, rows, "No site has stored anything.");
+    fillList(of(self).list_, rows, SettingsText::noData);
 }
 
 void SiteDataList::remove(WebKitWebsiteData* data) {
@@ -105,7 +106,7 @@ void SiteDataList::allCleared(GObject* manager, GAsyncResult* result, gpointer s
 
 void SiteDataList::report(bool isDone, GError* error) {
     gtk_label_set_text(GTK_LABEL(state_),
-                       isDone ? "The data is cleared."
+                       isDone ? SettingsText::dataCleared
                               : ("The data can’t be cleared: " +
                                  textOf(error == nullptr ? nullptr : error->message))
                                     .c_str());
@@ -120,13 +121,10 @@ void SiteDataList::confirm() {
     GtkWidget* const dialog = gtk_message_dialog_new(
         GTK_WINDOW(root),
         static_cast<GtkDialogFlags>(GTK_DIALOG_MODAL | GTK_DIALOG_DESTROY_WITH_PARENT),
-        GTK_MESSAGE_WARNING, GTK_BUTTONS_NONE, "Clear all data of “%s”?",
-        withoutUnsafe(name_).c_str());
+        GTK_MESSAGE_WARNING, GTK_BUTTONS_NONE, "%s", SettingsText::clearsData(name_).c_str());
     gtk_window_set_title(GTK_WINDOW(dialog), "Clear all data?");
-    gtk_message_dialog_format_secondary_text(
-        GTK_MESSAGE_DIALOG(dialog),
-        "You will be logged out of all sites in this clone. Other clones "
-        "keep their data.");
+    gtk_message_dialog_format_secondary_text(GTK_MESSAGE_DIALOG(dialog), "%s",
+                                             SettingsText::clearing);
     gtk_dialog_add_button(GTK_DIALOG(dialog), "_Keep", GTK_RESPONSE_CANCEL);
     gtk_dialog_add_button(GTK_DIALOG(dialog), "_Clear", GTK_RESPONSE_OK);
     gtk_dialog_set_default_response(GTK_DIALOG(dialog), GTK_RESPONSE_CANCEL);

@@ -119,6 +119,14 @@ std::string problemIn(const SiteSettings& settings) {
     return {};
 }
 
+std::optional<ProxyServer> proxyServer(const SiteSettings& settings) {
+    const std::string& address = settings.proxyAddress;
+    if (settings.proxy != ProxyUse::address || !proxyProblem(address).empty()) {
+        return std::nullopt;
+    }
+    return ProxyServer{schemeOf(address), hostOf(address), address.substr(address.rfind(':') + 1)};
+}
+
 std::vector<std::string> languagesIn(std::string_view list) {
     std::vector<std::string> languages;
     std::string word;

@@ -53,6 +53,19 @@ struct SiteSettings {
 /// Returns why a setting can't be used, as a sentence; empty if all can.
 [[nodiscard]] std::string problemIn(const SiteSettings& settings);
 
+/// A proxy's address in parts.
+struct ProxyServer {
+    std::string scheme{}; ///< "http", "https", "socks", "socks4" or "socks5"
+    std::string host{};
+    std::string port{};
+
+    bool operator==(const ProxyServer&) const = default;
+};
+
+/// Returns the proxy that the settings name; std::nullopt if they name none, or none that can be
+/// used.
+[[nodiscard]] std::optional<ProxyServer> proxyServer(const SiteSettings& settings);
+
 /// Returns the languages in a list such as "en_US, de-DE", each as "en_US".
 [[nodiscard]] std::vector<std::string> languagesIn(std::string_view list);
 

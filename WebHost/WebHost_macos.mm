@@ -3,6 +3,8 @@
 #include "Base/StableHash.h"
 #include "Base/TerminalText.h"
 #include "LaunchKit/WebBadge.h"
+#include "Platform/desktop/StatusItem_macos.h"
+#include "WebHost/AppliedSettings_macos.h"
 #include "WebHost/BadgeScript.h"
 #include "WebHost/DockBadge_macos.h"
 #include "WebHost/DownloadList_macos.h"
@@ -10,13 +12,14 @@
 #include "WebHost/HostMenu_macos.h"
 #include "WebHost/HostPage_macos.h"
 #include "WebHost/HostSignals_macos.h"
+#include "WebHost/LoadGate.h"
 #include "WebHost/NSText_macos.h"
 #include "WebHost/PageNotices_macos.h"
 #include "WebHost/PageTitle.h"
 #include "WebHost/PopupList_macos.h"
 #include "WebHost/ScriptForwarder_macos.h"
+#include "WebHost/SettingsPanel_macos.h"
 #include "WebHost/SiteGuess.h"
-#include "WebHost/StatusItem_macos.h"
 #include "WebHost/ViewConfiguration_macos.h"
 #include "WebHost/WebAddress.h"
 #include "WebHost/WebStore_macos.h"
@@ -41,6 +44,9 @@ void log(const std::string& message) {
 @implementation QuorvelHost {
     quorvel::WebHostOptions _options;
     std::unique_ptr<quorvel::PermissionStore> _permissions;
+    std::unique_ptr<quorvel::SiteSettingsStore> _siteSettings;
+    std::unique_ptr<quorvel::CertificateExceptions> _certificates;
+    std::unique_ptr<quorvel::LoadGate> _gate;
     quorvel::PageServices _services;
     quorvel::DockBadge _dock;
     quorvel::WebBadgeState _badge;
@@ -48,6 +54,7 @@ void log(const std::string& message) {
     QuorvelDownloadList* _downloads;
     QuorvelPageNotices* _notices;
     QuorvelStatusItem* _statusItem;
+    QuorvelSettingsPanel* _settingsPanel;
     QuorvelPopupList* _popups;
     QuorvelPage* _main;
     NSTimer* _titleTimer;
@@ -60,17 +67,44 @@ void log(const std::string& message) {
     self = [super init];
     if (self != nil) {
         _options = std::move(options);
-        _permissions = std::make_unique<quorvel::PermissionStore>(_options.home.home,
-                                                                  _options.home.permissions);
-        if (!_permissions->problem().empty()) {
-            log(_options.home.permissions + ": " + _permissions->problem());
-        }
+        [self openRecords];
+        [self addGate];
         [self addDownloads];
         [self addServices];
         [self addNotices];
         [self openMainWindow];
     }
     return self;
+}
+
+- (void)openRecords {
+    const quorvel::WebHome& home = _options.home;
+    _permissions = std::make_unique<quorvel::PermissionStore>(home.home, home.permissions);
+    _siteSettings = std::make_unique<quorvel::SiteSettingsStore>(home.home, home.settings);
+    _certificates = std::make_unique<quorvel::CertificateExceptions>(home.home, home.certificates);
+    for (const auto& [file, problem] : {std::pair(home.permissions, _permissions->problem()),
+                                        std::pair(home.settings, _siteSettings->problem()),
+                                        std::pair(home.certificates, _certificates->problem())}) {
+        if (!problem.empty()) {
+            log(file + ": " + problem);
+        }
+    }
+    quorvel::applySiteSettings(_options.store, _siteSettings->settings());
+}
+
+- (void)addGate {
+    __weak QuorvelHost* const weakSelf = self;
+    const bool isReadable = _siteSettings->problem().empty();
+    _gate = std::make_unique<quorvel::LoadGate>(
+        !isReadable || quorvel::lacksItsProxy(_siteSettings->settings()),
+        quorvel::LoadGate::Actions{
+            [weakSelf](const std::string& address) { [[weakSelf main] load:address]; },
+            [weakSelf](quorvel::HostQuestion question) {
+                [[weakSelf main].window ask:std::move(question)];
+            },
+            [weakSelf] { [weakSelf showSiteSettings:nil]; }},
+        isReadable ? quorvel::unusableHere(_siteSettings->settings())
+                   : quorvel::LoadGate::unreadableFile);
 }
 
 - (void)addDownloads {
@@ -111,6 +145,8 @@ void log(const std::string& message) {
     _services.keepsLinks = _options.keepsLinks;
     _services.siteOf = quorvel::guessedSite;
     _services.permissions = _permissions.get();
+    _services.certificates = _certificates.get();
+    _services.settings = _siteSettings.get();
     _services.links = _options.links.get();
     _services.downloads = _downloads;
     _services.openPopup = [weakSelf](WKWebViewConfiguration* configuration) {
@@ -181,11 +217,11 @@ void log(const std::string& message) {
                                     callbacks:std::move(callbacks)
                                         state:quorvel::readWindowState(_options.home.windowState)];
     [self showTitle];
-    [_main load:[self firstAddress]];
+    _gate->load([self firstAddress]);
 }
 
 - (void)goToHomeAddress {
-    [_main load:_options.homeAddress];
+    _gate->load(_options.homeAddress);
 }
 
 - (std::string)firstAddress {
@@ -235,11 +271,12 @@ void log(const std::string& message) {
     [_main.window setTitle:quorvel::windowTitle(title, _options.name, label)
                  pageTitle:title.empty() ? _options.name : quorvel::pageTitle(title)];
     _dock.setLabel(label);
-    [_statusItem showLabel:label];
+    [_statusItem showLabel:quorvel::nsText(label.value_or(""))];
 }
 
 - (void)saveState {
-    if (_main == nil) {
+    // While nothing is loaded, the last page is still the one before.
+    if (_main == nil || _gate->isClosed()) {
         return;
     }
     if (!quorvel::writeWindowState(_options.home.home, _options.home.windowState,
@@ -250,7 +287,7 @@ void log(const std::string& message) {
 
 - (void)openAddress:(const std::string&)address {
     if (!address.empty()) {
-        [_main load:address];
+        _gate->load(address);
     }
     [_main.window present];
 }
@@ -259,11 +296,12 @@ void log(const std::string& message) {
     (void)notification;
     __weak QuorvelHost* const weakSelf = self;
     if (_options.hasStatusItem) {
-        _statusItem = [[QuorvelStatusItem alloc]
-            initWithName:quorvel::nsText(_options.name)
-                template:_options.isStatusItemTemplate
-                 clicked:[weakSelf] { [[weakSelf main].window present]; }];
-        [_statusItem showLabel:_badge.label()];
+        _statusItem = [[QuorvelStatusItem alloc] initWithName:quorvel::nsText(_options.name)
+            icon:NSApp.applicationIconImage
+            template:_options.isStatusItemTemplate
+            show:[weakSelf] { [[weakSelf main].window present]; }
+            quit:[] { [NSApp terminate:nil]; }];
+        [_statusItem showLabel:quorvel::nsText(_badge.label().value_or(""))];
     }
     quorvel::onRequestToEnd([weakSelf] { [weakSelf quitAtOnce]; });
     _handovers = std::make_unique<quorvel::HandoverService>(
@@ -345,33 +383,51 @@ void log(const std::string& message) {
     [_main end];
 }
 
-- (void)forgetPermissions:(id)sender {
+- (void)showSiteSettings:(id)sender {
     (void)sender;
-    if (!_permissions->forgetAll()) {
-        log("the permissions can’t be written");
+    if (_settingsPanel == nil) {
+        __weak QuorvelHost* const weakSelf = self;
+        _settingsPanel = [[QuorvelSettingsPanel alloc]
+            initWithServices:[self settingsServices]
+                       store:_options.store
+                 dataCleared:[weakSelf] { [[weakSelf main].view reload]; }];
     }
-    [_main forgetQuestions];
-    [_popups forgetQuestions];
+    [_settingsPanel show];
+}
+
+- (quorvel::SettingsServices)settingsServices {
+    __weak QuorvelHost* const weakSelf = self;
+    return {.name = _options.name,
+            .settings = _siteSettings.get(),
+            .permissions = _permissions.get(),
+            .certificates = _certificates.get(),
+            .settingsChanged = [weakSelf] { [weakSelf settingsChanged]; },
+            .permissionsTaken =
+                [weakSelf](const std::vector<quorvel::PermissionStore::Answer>& taken) {
+                    [weakSelf permissionsTaken:taken];
+                },
+            .zoom =
+                [weakSelf] {
+                    QuorvelPage* const page = [weakSelf main];
+                    return page == nil ? 0 : [page.window state].zoom;
+                },
+            .zoomTo = [weakSelf](int zoom) { [[weakSelf main].window zoomTo:zoom]; }};
+}
+
+- (void)settingsChanged {
+    const quorvel::SiteSettings& settings = _siteSettings->settings();
+    quorvel::applySiteSettings(_options.store, settings);
+    quorvel::applyUserAgent(_main.view, settings);
+    [_popups applyUserAgent];
+    if (_siteSettings->problem().empty() && !quorvel::lacksItsProxy(settings)) {
+        _gate->open();
+    }
+}
+
+- (void)permissionsTaken:(const std::vector<quorvel::PermissionStore::Answer>&)taken {
+    [_main permissionsTaken:taken];
+    [_popups permissionsTaken:taken];
     [_notices tellPermission];
-    [_main.window showMessage:"Pages have to ask for permissions again"];
-}
-
-- (void)clearWebsiteData:(id)sender {
-    (void)sender;
-    __weak QuorvelHost* const weakSelf = self;
-    [_main.window ask:{"Everything that pages have stored is removed, and you are signed out.",
-                       "Remove", "Keep", [weakSelf](std::optional<bool> isMeant) {
-                           if (isMeant == true) {
-                               [weakSelf clearStore];
-                           }
-                       }}];
-}
-
-- (void)clearStore {
-    __weak QuorvelHost* const weakSelf = self;
-    quorvel::clearWebStore(_options.store, ^{
-      [weakSelf goToHomeAddress];
-    });
 }
 
 @end

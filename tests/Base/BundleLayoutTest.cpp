@@ -13,6 +13,7 @@ TEST(BundleLayoutTest, EveryPartIsBelowContents) {
     EXPECT_EQ(resourcesOf("/A/B.app"), "/A/B.app/Contents/Resources");
     EXPECT_EQ(resourceOf("/A/B.app", "x.icns"), "/A/B.app/Contents/Resources/x.icns");
     EXPECT_EQ(frameworksOf("/A/B.app"), "/A/B.app/Contents/Frameworks");
+    EXPECT_EQ(helpersOf("/A/B.app"), "/A/B.app/Contents/Helpers");
 }
 
 TEST(BundleLayoutTest, NamesAreJoinedAsText) {

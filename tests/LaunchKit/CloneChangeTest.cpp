@@ -1,7 +1,10 @@
 #include "LaunchKit/CloneChange.h"
 
 #include "LaunchKit/CloneCreation.h"
+#include "LaunchKit/CloneRevision.h"
 #include "LaunchKit/HomeLock.h"
+#include "LaunchKit/RunnerLocator.h"
+#include "LaunchKit/WrapperLayout.h"
 #include "LaunchKit/WrapperNotes.h"
 #include "Platform/files/FileSystem.h"
 #include "Platform/files/PropertyListFile.h"
@@ -58,6 +61,36 @@ TEST_F(CloneChangeTest, AnEditChangesWhatItSaysAndNothingElse) {
     after["Contents/Resources/instance.json"] = before.at("Contents/Resources/instance.json");
     EXPECT_TRUE(after == before);
     EXPECT_EQ(std::distance(fs::directory_iterator(home / "Applications"), {}), 1);
+}
+
+TEST_F(CloneChangeTest, ACloneThatContainsWhatItRunsGetsTheProgramForTheMenuBar) {
+    const fs::path wrapper = make(appRequest());
+    const auto change = [&](bool isSelfContained, bool hasIcon, std::optional<fs::path> runner) {
+        const CloneRevision clone(wrapper);
+        WrapperRevision::Changes changes{.settings = clone.old().settings(),
+                                         .isSelfContained = isSelfContained};
+        changes.settings.config.menuBarIcon = hasIcon;
+        changes.settings.runner = std::move(runner);
+        return clone.replace(changes);
+    };
+    const fs::path program = statusItemOf(wrapper);
+    (void)change(false, true, std::nullopt);
+    EXPECT_FALSE(fs::exists(program));
+    (void)change(true, false, std::nullopt);
+    EXPECT_FALSE(fs::exists(program));
+    (void)change(true, true, std::nullopt);
+    const auto installed = RunnerLocator::locate(ApplicationFolders::current());
+    ASSERT_TRUE(installed);
+    EXPECT_TRUE(read(program) == read(installed->parent_path() / statusItemProgram));
+
+    write(home / "new/runner", "runner");
+    write(home / "new/quorvel-status-item", "program");
+    (void)change(true, true, home / "new/runner");
+    EXPECT_EQ(read(program), "program");
+    EXPECT_EQ(fs::status(program).permissions(), fs::perms{0755});
+    (void)change(true, false, std::nullopt);
+    (void)change(true, true, std::nullopt);
+    EXPECT_EQ(read(program), "program") << "it is there already";
 }
 
 TEST_F(CloneChangeTest, WhatIsNotForEditingStays) {

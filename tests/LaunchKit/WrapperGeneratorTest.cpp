@@ -86,14 +86,31 @@ TEST_F(WrapperGeneratorTest, WritesExactlyTheBundlesFiles) {
 TEST_F(WrapperGeneratorTest, OnlyAWebCloneContainsTheWebHostFromBesideTheRunner) {
     write(at("quorvel-web-host.so"), "module");
     WrapperGenerator::Options web = webOptions();
-    web.containsWebHost = true;
+    web.isSelfContained = true;
     WrapperGenerator::Options app = appOptions("none");
-    app.containsWebHost = true;
+    app.isSelfContained = true;
     const char* const module = "Contents/Frameworks/quorvel-web-host.so";
     EXPECT_FALSE(fs::exists(generate(app) / "Contents/Frameworks"));
     EXPECT_EQ(read(generate(web) / module), "module");
     fs::remove(at("quorvel-web-host.so"));
     EXPECT_FALSE(fs::exists(generate(web) / "Contents/Frameworks"));
+}
+
+TEST_F(WrapperGeneratorTest, OnlyACloneWithAnIconInTheMenuBarContainsItsProgram) {
+    write(at("quorvel-status-item"), "program");
+    WrapperGenerator::Options app = appOptions("none");
+    app.isSelfContained = true;
+    EXPECT_FALSE(fs::exists(generate(app) / "Contents/Helpers"));
+    app.config.menuBarIcon = true;
+    const fs::path program = generate(app) / "Contents/Helpers/quorvel-status-item";
+    EXPECT_EQ(read(program), "program");
+    EXPECT_EQ(fs::status(program).permissions(), fs::perms{0755});
+    WrapperGenerator::Options web = webOptions();
+    web.isSelfContained = true;
+    web.config.menuBarIcon = true;
+    EXPECT_FALSE(fs::exists(generate(web) / "Contents/Helpers")) << "its window shows the icon";
+    app.isSelfContained = false;
+    EXPECT_FALSE(fs::exists(generate(app) / "Contents/Helpers")) << "it is installed";
 }
 
 TEST_F(WrapperGeneratorTest, TheRunnerIsExecutableForAnyModeOfTheSource) {

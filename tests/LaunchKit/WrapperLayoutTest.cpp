@@ -58,6 +58,19 @@ TEST_F(WrapperLayoutTest, TheWebHostIsAPartOfAWrapper) {
     EXPECT_FALSE(isDamagedWrapper(wrapper_));
 }
 
+TEST_F(WrapperLayoutTest, TheProgramForTheMenuBarIsAPartOfAWrapper) {
+    damage();
+    write(statusItemOf(wrapper_), "program");
+    EXPECT_EQ(statusItemOf(wrapper_), wrapper_ / "Contents/Helpers/quorvel-status-item");
+    EXPECT_TRUE(isDamagedWrapper(wrapper_));
+    for (const char* part : {"Info.plist", "PkgInfo", "Resources"}) {
+        fs::remove_all(wrapper_ / "Contents" / part);
+    }
+    EXPECT_TRUE(isUnfinishedWrapper(wrapper_));
+    write(wrapper_ / "Contents/Helpers/other", "mine");
+    EXPECT_FALSE(isUnfinishedWrapper(wrapper_));
+}
+
 TEST_F(WrapperLayoutTest, AWholeCloneThatLostItsConfigurationAloneIsDamaged) {
     fs::remove(wrapper_ / "Contents/Resources/instance.json");
     EXPECT_TRUE(isDamagedWrapper(wrapper_));

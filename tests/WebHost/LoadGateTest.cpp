@@ -37,12 +37,24 @@ TEST_F(LoadGateTest, NothingIsLoadedBeforeTheUserAgrees) {
     closed.load("a");
     closed.load("b");
     ASSERT_EQ(questions_.size(), 1U);
+    EXPECT_EQ(questions_.front().text, LoadGate::unreadableFile);
     EXPECT_THAT(loaded_, IsEmpty());
     questions_.front().answered(true);
     EXPECT_THAT(loaded_, ElementsAre("b")) << "the last one";
     closed.load("c");
     EXPECT_THAT(loaded_, ElementsAre("b", "c"));
     EXPECT_EQ(questions_.size(), 1U);
+}
+
+TEST_F(LoadGateTest, TheUserIsToldAnotherReason) {
+    LoadGate closed(true,
+                    {[](const std::string&) {},
+                     [this](HostQuestion question) { questions_.push_back(std::move(question)); },
+                     [] {}},
+                    "No proxy here.");
+    closed.load("a");
+    ASSERT_EQ(questions_.size(), 1U);
+    EXPECT_EQ(questions_.front().text, "No proxy here.");
 }
 
 TEST_F(LoadGateTest, AnotherAnswerKeepsItClosed) {

@@ -115,6 +115,16 @@ TEST_F(PermissionQuestionsTest, WhatIsLiveEndsWithThePage) {
     EXPECT_FALSE(lastsUntilReload(linkPermissionKind("mailto")));
 }
 
+TEST_F(PermissionQuestionsTest, APageHoldsOnlyItsOwnPermissions) {
+    EXPECT_TRUE(
+        isHeldUntilReload({{"https://b.test", "camera", true}, {"https://a.test", "camera", true}},
+                          "https://a.test"));
+    EXPECT_FALSE(isHeldUntilReload({{"https://b.test", "camera", true},
+                                    {"https://a.test", "camera", false},
+                                    {"https://a.test", "notifications", true}},
+                                   "https://a.test"));
+}
+
 TEST_F(PermissionQuestionsTest, EveryKindHasWords) {
     EXPECT_EQ(permissionWords("camera+microphone"), "use the camera and the microphone");
     EXPECT_EQ(permissionWords(linkPermissionKind("mailto")),

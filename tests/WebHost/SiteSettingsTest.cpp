@@ -140,5 +140,18 @@ TEST_F(SiteSettingsTest, WhatTheUserTypesIsUnderstood) {
     EXPECT_THAT(languagesIn(" , "), IsEmpty());
 }
 
+TEST(ProxyServerTest, AnAddressHasParts) {
+    EXPECT_EQ(proxyServer(everyValue()), (ProxyServer{"socks5", "::1", "1080"}));
+    SiteSettings settings;
+    settings.proxy = ProxyUse::address;
+    settings.proxyAddress = "HTTP://Proxy.test:8080";
+    EXPECT_EQ(proxyServer(settings), (ProxyServer{"http", "proxy.test", "8080"}));
+    settings.proxyAddress = "http://proxy.test";
+    EXPECT_EQ(proxyServer(settings), std::nullopt);
+    settings.proxyAddress = "http://proxy.test:8080";
+    settings.proxy = ProxyUse::system;
+    EXPECT_EQ(proxyServer(settings), std::nullopt) << "it is not in use";
+}
+
 } // namespace
 } // namespace quorvel

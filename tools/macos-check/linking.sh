@@ -9,7 +9,8 @@ link_failed() { failed "$1"; head -20 "$out/link.log" | sed 's/^/    /' >>"$out/
 link_for() {
   local arch=$1 output=$2 framework frameworks=()
   shift 2
-  for framework in AppKit CoreFoundation CoreServices Foundation UserNotifications WebKit; do
+  for framework in AppKit CoreFoundation CoreServices Foundation Network Security UserNotifications \
+    WebKit; do
     frameworks+=(-framework "$framework")
   done
   "$linker" -arch "$arch" -platform_version macos 13.0 13.0 -syslibroot "$here/libraries" \
@@ -51,13 +52,28 @@ check_runner() {
     failed "the runner looks for libraries beside itself"
 }
 
+# check_status_item ARCHITECTURE ARCHIVE: links the program that shows clones in the menu bar. It is
+# copied into clones, too.
+check_status_item() {
+  local arch=$1 item=$out/quorvel-status-item.$1 outside
+  if ! link_for "$arch" "$item" \
+    "$(result_of object "$arch" Platform/desktop/CloneStatusItem_macos.mm)" "$2"; then
+    link_failed "the program for the menu bar does not link for $arch"
+    return
+  fi
+  outside=$(outside_libraries "$item")
+  [ -z "$outside" ] || failed "the program for the menu bar needs what is not the system's: $outside"
+  ! "llvm-objdump-$version" --macho --dylibs-used "$item" | grep -q WebKit ||
+    failed "the program for the menu bar needs the web engine"
+}
+
 # linked_files ARCHITECTURE FILES...: those whose objects became a part of what was linked for it.
 linked_files() {
   local arch=$1 file name
   shift
   for file in "$@"; do
     name=$(result_of object "$arch" "$file")
-    ! grep -qF "${name##*/}" "$out"/{quorvel-runner,platform,quorvel-web-host}."$arch.map" ||
+    ! grep -qF "${name##*/}" "$out"/{quorvel-runner,quorvel-status-item,platform,quorvel-web-host}."$arch.map" ||
       echo "$file"
   done
 }

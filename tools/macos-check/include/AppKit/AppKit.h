@@ -11,6 +11,13 @@ NS_ASSUME_NONNULL_BEGIN
 @property(nullable, readonly, copy) NSString* bundleIdentifier;
 @property(nullable, readonly, copy) NSURL* bundleURL;
 @property(readonly) int processIdentifier;
+@property(class, readonly, strong) NSRunningApplication* currentApplication;
+@property(readonly) NSApplicationActivationPolicy activationPolicy;
++ (nullable instancetype)runningApplicationWithProcessIdentifier:(int)process SINCE_MACOS(10.6);
+- (BOOL)unhide;
+- (BOOL)activateWithOptions:(NSApplicationActivationOptions)options;
+- (BOOL)activateFromApplication:(NSRunningApplication*)application
+                        options:(NSApplicationActivationOptions)options SINCE_MACOS(14.0);
 @end
 
 @interface NSWorkspaceOpenConfiguration : NSObject
@@ -28,6 +35,7 @@ NS_ASSUME_NONNULL_BEGIN
                                                 NSError* _Nullable error))handler
     SINCE_MACOS(10.15);
 - (BOOL)openURL:(NSURL*)url;
+- (NSImage*)iconForFile:(NSString*)path;
 - (void)openURLs:(NSArray<NSURL*>*)urls
     withApplicationAtURL:(NSURL*)application
            configuration:(NSWorkspaceOpenConfiguration*)configuration

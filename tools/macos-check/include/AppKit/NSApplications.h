@@ -18,6 +18,8 @@ enum : NSUInteger {
 @interface NSMenuItem : NSObject
 + (NSMenuItem*)separatorItem;
 @property(nullable) SEL action;
+@property(nullable, weak) id target;
+@property(getter=isEnabled) BOOL enabled;
 @property(nullable, strong) NSMenu* submenu;
 @property NSEventModifierFlags keyEquivalentModifierMask;
 @property NSControlStateValue state;
@@ -61,6 +63,19 @@ typedef enum NSApplicationTerminateReply : NSUInteger {
 - (void)applicationWillTerminate:(NSNotification*)notification;
 @end
 
+typedef enum NSApplicationActivationPolicy : NSInteger {
+    NSApplicationActivationPolicyRegular,
+    NSApplicationActivationPolicyAccessory,
+    NSApplicationActivationPolicyProhibited
+} NSApplicationActivationPolicy;
+// In C++ an option set is a plain integer, so that `a | b` is one as well.
+typedef NSUInteger NSApplicationActivationOptions;
+enum : NSUInteger {
+    NSApplicationActivateAllWindows = 1 << 0,
+    NSApplicationActivateIgnoringOtherApps = 1 << 1
+};
+
+@class NSRunningApplication;
 // Its delegate is not retained.
 @interface NSApplication : NSResponder
 @property(class, readonly, strong) __kindof NSApplication* sharedApplication;
@@ -69,6 +84,9 @@ typedef enum NSApplicationTerminateReply : NSUInteger {
 @property(nullable, strong) NSMenu* windowsMenu;
 @property(null_resettable, strong) NSImage* applicationIconImage;
 @property(readonly, strong) NSDockTile* dockTile SINCE_MACOS(10.5);
+@property(nullable, strong) NSAppearance* appearance SINCE_MACOS(10.14);
+- (BOOL)setActivationPolicy:(NSApplicationActivationPolicy)policy SINCE_MACOS(10.6);
+- (void)yieldActivationToApplication:(NSRunningApplication*)application SINCE_MACOS(14.0);
 - (void)run;
 - (void)activate SINCE_MACOS(14.0);
 - (void)activateIgnoringOtherApps:(BOOL)isForced;
@@ -86,6 +104,7 @@ extern __kindof NSApplication* _Null_unspecified NSApp;
 
 @interface NSStatusItem : NSObject
 @property(nullable, readonly, strong) NSStatusBarButton* button SINCE_MACOS(10.10);
+@property(nullable, strong) NSMenu* menu;
 @end
 
 static const CGFloat NSVariableStatusItemLength = -1;

@@ -8,7 +8,20 @@ NS_ASSUME_NONNULL_BEGIN
 
 @interface NSColor : NSObject
 @property(class, readonly, strong) NSColor* secondaryLabelColor SINCE_MACOS(10.10);
+@property(class, readonly, strong) NSColor* systemRedColor SINCE_MACOS(10.10);
 @property(class, readonly, strong) NSColor* windowBackgroundColor;
+@end
+
+@interface NSFont : NSObject
++ (NSFont*)boldSystemFontOfSize:(CGFloat)size;
+@end
+
+typedef NSString* NSAppearanceName;
+extern NSAppearanceName const NSAppearanceNameAqua SINCE_MACOS(10.9);
+extern NSAppearanceName const NSAppearanceNameDarkAqua SINCE_MACOS(10.14);
+SINCE_MACOS(10.9)
+@interface NSAppearance : NSObject
++ (nullable NSAppearance*)appearanceNamed:(NSAppearanceName)name;
 @end
 
 @interface NSImage : NSObject
@@ -26,8 +39,14 @@ typedef NSInteger NSControlStateValue;
 static const NSControlStateValue NSControlStateValueOff = 0;
 static const NSControlStateValue NSControlStateValueOn = 1;
 
+@interface NSCell : NSObject
+@property BOOL sendsActionOnEndEditing;
+@end
+
 // Its target is not retained.
 @interface NSControl : NSView
+@property(nullable, strong) __kindof NSCell* cell;
+@property(nullable, strong) NSFont* font;
 @property(nullable, weak) id target;
 @property(nullable) SEL action;
 @property(getter=isEnabled) BOOL enabled;
@@ -49,6 +68,22 @@ static const NSControlStateValue NSControlStateValueOn = 1;
 @property NSControlStateValue state;
 @end
 
+@interface NSPopUpButton : NSButton
+- (instancetype)initWithFrame:(NSRect)frame pullsDown:(BOOL)pullsDown;
+@property BOOL autoenablesItems;
+@property(readonly) NSInteger indexOfSelectedItem;
+- (void)addItemWithTitle:(NSString*)title;
+- (nullable NSMenuItem*)itemAtIndex:(NSInteger)index;
+- (void)selectItemAtIndex:(NSInteger)index;
+@end
+
+@interface NSStepper : NSControl
+@property double minValue;
+@property double maxValue;
+@property double increment;
+@property BOOL valueWraps;
+@end
+
 @interface NSImageView : NSControl
 @property(nullable, strong) NSImage* image;
 @end
@@ -57,6 +92,8 @@ typedef enum NSLineBreakMode : NSUInteger { NSLineBreakByTruncatingTail = 4 } NS
 
 @interface NSTextField : NSControl
 + (instancetype)labelWithString:(NSString*)text SINCE_MACOS(10.12);
++ (instancetype)wrappingLabelWithString:(NSString*)text SINCE_MACOS(10.12);
++ (instancetype)textFieldWithString:(NSString*)text SINCE_MACOS(10.12);
 @property(nullable, copy) NSString* placeholderString SINCE_MACOS(10.10);
 @property(nullable, copy) NSColor* textColor;
 @property NSLineBreakMode lineBreakMode SINCE_MACOS(10.10);
@@ -104,11 +141,21 @@ typedef enum NSProgressIndicatorStyle : NSUInteger {
 - (void)paste:(nullable id)sender;
 - (void)selectAll:(nullable id)sender;
 - (void)cancelOperation:(nullable id)sender;
+- (void)showGuessPanel:(nullable id)sender;
+- (void)checkSpelling:(nullable id)sender;
+- (void)toggleContinuousSpellChecking:(nullable id)sender;
 @end
+
+typedef enum NSAlertStyle : NSUInteger {
+    NSAlertStyleWarning,
+    NSAlertStyleInformational,
+    NSAlertStyleCritical
+} NSAlertStyle;
 
 @interface NSAlert : NSObject
 @property(copy) NSString* messageText;
 @property(copy) NSString* informativeText;
+@property NSAlertStyle alertStyle;
 @property(nullable, strong) NSView* accessoryView SINCE_MACOS(10.5);
 @property(readonly, strong) NSWindow* window;
 @property BOOL showsSuppressionButton SINCE_MACOS(10.5);

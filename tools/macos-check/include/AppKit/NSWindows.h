@@ -6,12 +6,14 @@
 
 NS_ASSUME_NONNULL_BEGIN
 
-@class NSMenu, NSWindow;
+@class NSAppearance, NSImage, NSLayoutDimension, NSLayoutXAxisAnchor, NSLayoutYAxisAnchor, NSMenu,
+    NSMenuItem, NSWindow;
 
 typedef NSInteger NSModalResponse;
 static const NSModalResponse NSModalResponseOK = 1;
 static const NSModalResponse NSModalResponseAbort = -1001;
 static const NSModalResponse NSAlertFirstButtonReturn = 1000;
+static const NSModalResponse NSAlertSecondButtonReturn = 1001;
 
 typedef enum NSLayoutConstraintOrientation : NSInteger {
     NSLayoutConstraintOrientationHorizontal,
@@ -22,6 +24,27 @@ typedef float NSLayoutPriority;
 @interface NSResponder : NSObject
 @end
 
+@interface NSLayoutConstraint : NSObject
+@property(getter=isActive) BOOL active SINCE_MACOS(10.10);
+@end
+
+// Where an edge of a view is, or how long one is.
+SINCE_MACOS(10.11)
+@interface NSLayoutAnchor<AnchorType> : NSObject
+- (NSLayoutConstraint*)constraintEqualToAnchor:(NSLayoutAnchor<AnchorType>*)anchor
+                                      constant:(CGFloat)constant;
+@end
+SINCE_MACOS(10.11)
+@interface NSLayoutXAxisAnchor : NSLayoutAnchor <NSLayoutXAxisAnchor*>
+@end
+SINCE_MACOS(10.11)
+@interface NSLayoutYAxisAnchor : NSLayoutAnchor <NSLayoutYAxisAnchor*>
+@end
+SINCE_MACOS(10.11)
+@interface NSLayoutDimension : NSLayoutAnchor <NSLayoutDimension*>
+- (NSLayoutConstraint*)constraintEqualToConstant:(CGFloat)constant;
+@end
+
 @interface NSView : NSResponder
 - (instancetype)initWithFrame:(NSRect)frame;
 @property(nullable, readonly, unsafe_unretained) NSWindow* window;
@@ -29,7 +52,15 @@ typedef float NSLayoutPriority;
 @property NSRect bounds;
 @property(getter=isHidden) BOOL hidden;
 @property(nullable, copy) NSString* toolTip;
+@property(nullable, copy) NSString* accessibilityLabel SINCE_MACOS(10.10);
+@property BOOL translatesAutoresizingMaskIntoConstraints SINCE_MACOS(10.7);
+@property(readonly, getter=isFlipped) BOOL flipped;
+@property(readonly, strong) NSLayoutXAxisAnchor* leadingAnchor SINCE_MACOS(10.11);
+@property(readonly, strong) NSLayoutXAxisAnchor* trailingAnchor SINCE_MACOS(10.11);
+@property(readonly, strong) NSLayoutYAxisAnchor* topAnchor SINCE_MACOS(10.11);
+@property(readonly, strong) NSLayoutDimension* widthAnchor SINCE_MACOS(10.11);
 - (void)addSubview:(NSView*)view;
+- (void)removeFromSuperview;
 - (void)setContentHuggingPriority:(NSLayoutPriority)priority
                    forOrientation:(NSLayoutConstraintOrientation)orientation SINCE_MACOS(10.7);
 - (void)setContentCompressionResistancePriority:(NSLayoutPriority)priority
@@ -63,6 +94,19 @@ typedef struct NSEdgeInsets {
 @property NSStackViewDistribution distribution SINCE_MACOS(10.11);
 @property CGFloat spacing;
 @property NSEdgeInsets edgeInsets;
+@property(readonly, copy) NSArray<__kindof NSView*>* arrangedSubviews SINCE_MACOS(10.11);
+- (void)addArrangedSubview:(NSView*)view SINCE_MACOS(10.11);
+@end
+
+@interface NSClipView : NSView
+@property BOOL drawsBackground;
+@end
+
+@interface NSScrollView : NSView
+@property(strong) NSClipView* contentView;
+@property(nullable, strong) __kindof NSView* documentView;
+@property BOOL hasVerticalScroller;
+@property BOOL drawsBackground;
 @end
 
 typedef NSUInteger NSWindowStyleMask;
@@ -116,6 +160,7 @@ static const NSWindowLevel NSStatusWindowLevel = 25;
 @property BOOL ignoresMouseEvents;
 @property(null_resettable, copy) NSColor* backgroundColor;
 @property(readonly, copy) NSArray<__kindof NSWindow*>* sheets SINCE_MACOS(10.9);
+@property(nullable, readonly, strong) NSWindow* sheetParent SINCE_MACOS(10.9);
 - (void)center;
 - (void)close;
 - (void)zoom:(nullable id)sender;

@@ -39,6 +39,9 @@ typedef struct CGRect {
 typedef const void* CFTypeRef;
 typedef const struct BRIDGED_TO(NSString) __CFString* CFStringRef;
 typedef const struct BRIDGED_TO(NSArray) __CFArray* CFArrayRef;
+typedef const struct BRIDGED_TO(NSData) __CFData* CFDataRef;
+typedef const struct BRIDGED_TO(NSDictionary) __CFDictionary* CFDictionaryRef;
+typedef struct BRIDGED_TO(NSError) __CFError* CFErrorRef;
 typedef struct BRIDGED_TO(NSMutableArray) __CFArray* CFMutableArrayRef;
 typedef const struct __CFAllocator* CFAllocatorRef;
 typedef struct __CFRunLoop* CFRunLoopRef;

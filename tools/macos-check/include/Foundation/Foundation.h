@@ -37,6 +37,8 @@ static const NSInteger NSNotFound = __LONG_MAX__;
 
 @class NSSet<Element>;
 @interface NSData : NSObject
+@property(readonly) NSUInteger length;
+@property(readonly) const void* bytes;
 @end
 
 @interface NSDate : NSObject
@@ -61,6 +63,7 @@ typedef NSString* NSKeyValueChangeKey;
 + (instancetype)arrayWithObjects:(const Element _Nonnull[_Nullable])objects count:(NSUInteger)count;
 @property(readonly) NSUInteger count;
 - (BOOL)containsObject:(Element)object;
+- (Element)objectAtIndexedSubscript:(NSUInteger)index;
 - (NSUInteger)countByEnumeratingWithState:(void*)state
                                   objects:(id _Nullable __unsafe_unretained[_Nonnull])buffer
                                     count:(NSUInteger)count;

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <Security/Security.h>
+
 // What Foundation.h includes about requests, their answers and their failures.
 
 NS_ASSUME_NONNULL_BEGIN
@@ -42,6 +44,7 @@ extern NSString* const NSURLProtectionSpaceHTTPS;
 @property(readonly) NSInteger port;
 @property(nullable, readonly, copy) NSString* realm;
 @property(nullable, readonly, copy) NSString* protocol;
+@property(nullable, readonly) SecTrustRef serverTrust SINCE_MACOS(10.6);
 - (BOOL)isProxy;
 @end
 
@@ -53,6 +56,7 @@ typedef enum NSURLCredentialPersistence : NSUInteger {
 + (NSURLCredential*)credentialWithUser:(NSString*)user
                               password:(NSString*)password
                            persistence:(NSURLCredentialPersistence)persistence;
++ (NSURLCredential*)credentialForTrust:(SecTrustRef)trust SINCE_MACOS(10.6);
 @end
 
 @interface NSURLAuthenticationChallenge : NSObject

@@ -2,11 +2,18 @@
 
 #include <AppKit/AppKit.h>
 
+#include <Network/Network.h>
 #include <WebKit/WebKitScripts.h>
 
 NS_ASSUME_NONNULL_BEGIN
 
 @class WKWebView;
+
+SINCE_MACOS(10.11)
+@interface WKWebsiteDataRecord : NSObject
+@property(nonatomic, readonly, copy) NSString* displayName;
+@property(nonatomic, readonly, copy) NSSet<NSString*>* dataTypes;
+@end
 
 SINCE_MACOS(10.11)
 @interface WKWebsiteDataStore : NSObject
@@ -18,6 +25,13 @@ SINCE_MACOS(10.11)
                    completionHandler:(void (^)(NSError* _Nullable error))completionHandler
     SINCE_MACOS(14.0);
 + (NSSet<NSString*>*)allWebsiteDataTypes;
+@property(nullable, nonatomic, copy)
+    NSArray<nw_proxy_config_t>* proxyConfigurations SINCE_MACOS(14.0);
+- (void)fetchDataRecordsOfTypes:(NSSet<NSString*>*)types
+              completionHandler:(void (^)(NSArray<WKWebsiteDataRecord*>* records))handler;
+- (void)removeDataOfTypes:(NSSet<NSString*>*)types
+           forDataRecords:(NSArray<WKWebsiteDataRecord*>*)records
+        completionHandler:(void (^)(void))handler;
 - (void)removeDataOfTypes:(NSSet<NSString*>*)types
             modifiedSince:(NSDate*)date
         completionHandler:(void (^)(void))handler;
@@ -80,6 +94,12 @@ typedef enum WKFullscreenState : NSInteger {
     WKFullscreenStateExitingFullscreen
 } WKFullscreenState SINCE_MACOS(13.0);
 
+typedef enum WKMediaCaptureState : NSInteger {
+    WKMediaCaptureStateNone,
+    WKMediaCaptureStateActive,
+    WKMediaCaptureStateMuted
+} WKMediaCaptureState SINCE_MACOS(12.0);
+
 @protocol WKNavigationDelegate;
 @protocol WKUIDelegate;
 
@@ -96,6 +116,11 @@ typedef enum WKFullscreenState : NSInteger {
 @property(nonatomic) BOOL allowsBackForwardNavigationGestures;
 @property(nonatomic) BOOL allowsMagnification;
 @property(nonatomic) CGFloat pageZoom SINCE_MACOS(11.0);
+@property(nullable, nonatomic, copy) NSString* customUserAgent SINCE_MACOS(10.11);
+- (void)setCameraCaptureState:(WKMediaCaptureState)state
+            completionHandler:(void (^_Nullable)(void))handler SINCE_MACOS(12.0);
+- (void)setMicrophoneCaptureState:(WKMediaCaptureState)state
+                completionHandler:(void (^_Nullable)(void))handler SINCE_MACOS(12.0);
 @property(nonatomic, readonly) WKFullscreenState fullscreenState SINCE_MACOS(13.0);
 - (nullable WKNavigation*)loadRequest:(NSURLRequest*)request;
 - (nullable WKNavigation*)loadHTMLString:(NSString*)html baseURL:(nullable NSURL*)base;

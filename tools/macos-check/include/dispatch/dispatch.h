@@ -43,8 +43,11 @@ void dispatch_sync_f(dispatch_queue_t queue, void* context, dispatch_function_t 
 
 struct dispatch_source_type_s;
 typedef const struct dispatch_source_type_s* dispatch_source_type_t;
+extern const struct dispatch_source_type_s _dispatch_source_type_proc;
 extern const struct dispatch_source_type_s _dispatch_source_type_read;
 extern const struct dispatch_source_type_s _dispatch_source_type_signal;
+#define DISPATCH_SOURCE_TYPE_PROC (&_dispatch_source_type_proc)
+#define DISPATCH_PROC_EXIT 0x80000000U
 #define DISPATCH_SOURCE_TYPE_READ (&_dispatch_source_type_read)
 #define DISPATCH_SOURCE_TYPE_SIGNAL (&_dispatch_source_type_signal)
 dispatch_source_t dispatch_source_create(dispatch_source_type_t type, uintptr_t handle,
