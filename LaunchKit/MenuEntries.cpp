@@ -261,8 +261,10 @@ MenuRepair repairMenu(const std::vector<InstanceRecord>& records) {
         return repair;
     }
     removeMenuLeftovers();
+    std::vector<PublishedEntry> entries = publishedMenuEntries();
+    removeOldMenuPictures(entries);
     Published published;
-    for (PublishedEntry& entry : publishedMenuEntries()) {
+    for (PublishedEntry& entry : entries) {
         std::string identity = entry.entry.cloneId;
         published.emplace(std::move(identity), std::move(entry));
     }

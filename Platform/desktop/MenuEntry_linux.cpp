@@ -11,8 +11,10 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <chrono>
 #include <ctime>
 #include <fcntl.h>
+#include <map>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -133,6 +135,23 @@ void removeEntriesBut(const std::vector<PublishedEntry>& entries, const std::str
     }
 }
 
+// What can't be removed does no harm, and the next repair tries again.
+void removeOlder(const std::vector<PublishedEntry>& older, const MenuEntry& entry) noexcept {
+    try {
+        removeEntriesBut(older, entry.fileName);
+        removePictures(entry.word, entry.entry.icon);
+    } catch (const std::exception&) {
+        return;
+    }
+}
+
+// A younger one may belong to an entry that is about to be written.
+bool isOlderThanAMinute(const fs::path& file) {
+    std::error_code code;
+    const auto written = fs::last_write_time(file, code);
+    return !code && written < fs::file_time_type::clock::now() - std::chrono::minutes(1);
+}
+
 } // namespace
 
 bool hasMenu() noexcept {
@@ -152,8 +171,7 @@ void publishMenuEntry(const MenuEntry& entry, const std::vector<MenuPicture>& pi
     writePictures(entry.entry.icon, pictures);
     createDirectories(entryFolder());
     writeWholeFile(file, text);
-    removeEntriesBut(older, entry.fileName);
-    removePictures(entry.word, entry.entry.icon);
+    removeOlder(older, entry);
     if (hadTypes(older) || !entry.entry.mimeTypes.empty()) {
         updateMimeDatabase(entryFolder());
     }
@@ -173,6 +191,30 @@ void removeMenuLeftovers() {
     removeUnfinishedFiles(entryFolder());
     for (const int side : pictureSides) {
         removeUnfinishedFiles(pictureFolder(side));
+    }
+}
+
+void removeOldMenuPictures(const std::vector<PublishedEntry>& published) {
+    std::map<std::string, std::string> icons; // by what the pictures' names begin with
+    for (const PublishedEntry& each : published) {
+        const std::string beginning = each.entry.startupWmClass + "-";
+        if (each.entry.icon.starts_with(beginning)) {
+            icons[beginning] = each.entry.icon;
+        }
+    }
+    for (const int side : pictureSides) {
+        const fs::path folder = pictureFolder(side);
+        for (const std::string& name :
+             directoryEntries(folder).value_or(std::vector<std::string>{})) {
+            auto icon = icons.upper_bound(name);
+            if (icon == icons.begin() || !name.starts_with((--icon)->first) ||
+                name == pictureName(icon->second, side)) {
+                continue;
+            }
+            if (const fs::path file = joinAsText(folder, name); isOlderThanAMinute(file)) {
+                (void)::unlink(file.c_str());
+            }
+        }
     }
 }
 

@@ -12,6 +12,8 @@ void withdrawMenuEntry(const std::string& /*cloneId*/, const std::string& /*word
 
 void removeMenuLeftovers() {}
 
+void removeOldMenuPictures(const std::vector<PublishedEntry>& /*published*/) {}
+
 std::vector<PublishedEntry> publishedMenuEntries() {
     return {};
 }
