@@ -29,7 +29,8 @@ struct WrapperContents {
 [[nodiscard]] std::optional<std::filesystem::path>
 webHostBeside(const std::filesystem::path& runner);
 
-/// Writes a new wrapper, or over the files of an old one. Throws `PlatformError`.
+/// Writes a new wrapper, or over the files of an old one. Nothing is flushed. Throws
+/// `PlatformError`.
 void writeWrapper(const std::filesystem::path& wrapper, const WrapperContents& contents);
 
 } // namespace quorvel

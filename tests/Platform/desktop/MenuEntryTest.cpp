@@ -160,7 +160,7 @@ TEST_F(MenuEntryTest, PicturesThatNoEntryNamesAreRemovedOnceTheyAreOld) {
     for (const fs::path& file : {old, others, folder / (word + "-2.png")}) {
         fs::last_write_time(file, fs::file_time_type::clock::now() - std::chrono::hours(1));
     }
-    removeOldMenuPictures(publishedMenuEntries());
+    removeOldMenuPictures({{"/apps/Work.app", publishedMenuEntries().front()}});
     EXPECT_FALSE(fs::exists(old));
     EXPECT_TRUE(fs::exists(young)) << "its entry may be about to be written";
     EXPECT_TRUE(fs::exists(others)) << "whose entry is not known";
@@ -169,7 +169,7 @@ TEST_F(MenuEntryTest, PicturesThatNoEntryNamesAreRemovedOnceTheyAreOld) {
     MenuEntry chosen = menuEntry(word + "-2");
     chosen.entry.icon = "the-users-own";
     write(applications() / chosen.fileName, desktopEntryText(chosen.entry));
-    removeOldMenuPictures(publishedMenuEntries());
+    removeOldMenuPictures({{"/apps/Work.app", publishedMenuEntries().front()}});
     EXPECT_TRUE(hasMenuPicture(word + "-2", 48));
 }
 
