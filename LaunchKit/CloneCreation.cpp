@@ -72,6 +72,14 @@ MadeClone createClone(const WrapperFactory& factory, const WrapperFactory::Reque
                       const RequestPermissions& permissions, const WrapperFactory::Warning& warn,
                       const WrapperFactory::BeforeWriting& beforeWriting) {
     clearPlaceFor(request);
+    return createCloneInClearPlace(factory, request, permissions, warn, beforeWriting);
+}
+
+MadeClone createCloneInClearPlace(const WrapperFactory& factory,
+                                  const WrapperFactory::Request& request,
+                                  const RequestPermissions& permissions,
+                                  const WrapperFactory::Warning& warn,
+                                  const WrapperFactory::BeforeWriting& beforeWriting) {
     const fs::path folder = WrapperFactory::wrapperURL(request).parent_path();
     std::optional<FileLock> lock = lockAndValidate(
         folder, [&] { validateRequest(request, factory.runnerBinary, permissions); });

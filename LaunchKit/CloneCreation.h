@@ -33,4 +33,11 @@ void clearPlaceFor(const WrapperFactory::Request& request);
                                     const WrapperFactory::Warning& warn = {},
                                     const WrapperFactory::BeforeWriting& beforeWriting = {});
 
+/// The same for a caller that has cleared the place.
+[[nodiscard]] MadeClone createCloneInClearPlace(const WrapperFactory& factory,
+                                                const WrapperFactory::Request& request,
+                                                const RequestPermissions& permissions,
+                                                const WrapperFactory::Warning& warn,
+                                                const WrapperFactory::BeforeWriting& beforeWriting);
+
 } // namespace quorvel
