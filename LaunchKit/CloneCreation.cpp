@@ -5,9 +5,13 @@
 #include "LaunchKit/InstanceRegistry.h"
 #include "Platform/files/FileLock.h"
 #include "Platform/files/FileSystem.h"
+#include "Platform/files/ItemIdentity.h"
 
+#include <algorithm>
 #include <functional>
 #include <optional>
+#include <utility>
+#include <vector>
 
 namespace quorvel {
 namespace fs = std::filesystem;
@@ -32,6 +36,26 @@ std::optional<FileLock> lockAndValidate(const fs::path& folder,
     return lock;
 }
 
+// By the identifier, the system tells running clones apart.
+void warnOfSameIdentifier(const InstanceRecord& made, const WrapperFactory::Warning& warn) {
+    std::vector<fs::path> folders = InstanceRegistry::defaultSearchDirs();
+    const fs::path beside = made.bundleURL.parent_path();
+    if (std::none_of(folders.begin(), folders.end(),
+                     [&](const fs::path& folder) { return isSameItem(folder, beside); })) {
+        folders.push_back(beside);
+    }
+    for (const InstanceRecord& other : InstanceRegistry(std::move(folders)).list()) {
+        if (other.config.bundleId == made.config.bundleId &&
+            !isSameItem(other.bundleURL, made.bundleURL)) {
+            warn("“" + made.config.displayName + "” has the same bundle identifier as “" +
+                 other.config.displayName + "”, " + made.config.bundleId +
+                 ". While one of them runs, both are shown as running. To keep them apart, make "
+                 "it again under another name or with an identifier of its own.");
+            return;
+        }
+    }
+}
+
 } // namespace
 
 void clearPlaceFor(const WrapperFactory::Request& request) {
@@ -48,6 +72,14 @@ MadeClone createClone(const WrapperFactory& factory, const WrapperFactory::Reque
                       const RequestPermissions& permissions, const WrapperFactory::Warning& warn,
                       const WrapperFactory::BeforeWriting& beforeWriting) {
     clearPlaceFor(request);
+    return createCloneInClearPlace(factory, request, permissions, warn, beforeWriting);
+}
+
+MadeClone createCloneInClearPlace(const WrapperFactory& factory,
+                                  const WrapperFactory::Request& request,
+                                  const RequestPermissions& permissions,
+                                  const WrapperFactory::Warning& warn,
+                                  const WrapperFactory::BeforeWriting& beforeWriting) {
     const fs::path folder = WrapperFactory::wrapperURL(request).parent_path();
     std::optional<FileLock> lock = lockAndValidate(
         folder, [&] { validateRequest(request, factory.runnerBinary, permissions); });
@@ -65,6 +97,9 @@ MadeClone createClone(const WrapperFactory& factory, const WrapperFactory::Reque
     };
     MadeClone made{.wrapper = factory.create(request, lockLate, warn)};
     made.record = InstanceRegistry().record(made.wrapper);
+    if (made.record && warn) {
+        warnOfSameIdentifier(*made.record, warn);
+    }
     return made;
 }
 

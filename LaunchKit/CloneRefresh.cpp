@@ -1,6 +1,8 @@
 #include "LaunchKit/CloneRefresh.h"
 
 #include "LaunchKit/CloneRevision.h"
+#include "LaunchKit/ClonesLock.h"
+#include "LaunchKit/RequestCheck.h"
 #include "LaunchKit/RunnerLocator.h"
 #include "LaunchKit/WrapperFactory.h"
 #include "LaunchKit/WrapperLayout.h"
@@ -32,7 +34,21 @@ CloneRefresh::CloneRefresh(const std::optional<std::filesystem::path>& runner)
 }
 
 bool CloneRefresh::hasOldRunner(const std::filesystem::path& wrapper) const {
-    return readFile(runnerOf(wrapper), largestRunner) != bytes_;
+    return !hasContents(runnerOf(wrapper), bytes_);
+}
+
+// Tidying up looks at every name in the folder, so it is done once for all clones there.
+CloneRevision CloneRefresh::revisionOf(const std::filesystem::path& wrapper) const {
+    if (tidied_.insert(wrapper.parent_path()).second) {
+        return CloneRevision(wrapper);
+    }
+    try {
+        return CloneRevision(wrapper, lockTidyClones);
+    } catch (const InvalidRequest&) {
+        throw;
+    } catch (const Error&) {
+        return CloneRevision(wrapper); // another change may have been interrupted since
+    }
 }
 
 std::vector<StaleReason> CloneRefresh::reasonsFor(const InstanceRecord& record) const {
@@ -52,14 +68,17 @@ std::vector<StaleReason> CloneRefresh::reasonsFor(const InstanceRecord& record) 
 }
 
 ChangedClone CloneRefresh::refresh(const std::filesystem::path& wrapper) const {
-    const CloneRevision clone(wrapper);
+    const CloneRevision clone = revisionOf(wrapper);
     WrapperRevision::Changes changes;
     changes.settings = completedSettings(clone.old(), clone.old().settings());
     changes.refreshesIcon = true;
     if (hasOldRunner(clone.wrapper())) {
         changes.settings.runner = runner_;
     }
-    return clone.replace(changes);
+    if (!menu_) {
+        menu_.emplace();
+    }
+    return clone.replace(changes, *menu_);
 }
 
 } // namespace quorvel

@@ -1,14 +1,18 @@
 #pragma once
 
 #include "LaunchKit/CloneChange.h"
+#include "LaunchKit/MenuEntries.h"
 #include "LaunchKit/Records/EnumNames.h"
 
 #include <filesystem>
 #include <optional>
+#include <set>
 #include <string>
 #include <vector>
 
 namespace quorvel {
+
+class CloneRevision;
 
 /// Why a clone should be refreshed.
 enum class StaleReason { runner, arguments, icon };
@@ -20,7 +24,8 @@ inline constexpr auto enumNames<StaleReason> = namesOfAllCases<StaleReason>({
     {StaleReason::icon, "icon"},
 });
 
-/// Brings clones up to date with Quorvel and with their targets. Reads the runner once.
+/// Brings clones up to date with Quorvel and with their targets: many of them by one object, which
+/// reads the runner and the menu once. Any thread, but one at a time.
 class CloneRefresh {
 public:
     /// Without `runner`, it is located. Throws `WrapperFactory::FactoryError` if it isn't found,
@@ -38,9 +43,12 @@ public:
 
 private:
     [[nodiscard]] bool hasOldRunner(const std::filesystem::path& wrapper) const;
+    [[nodiscard]] CloneRevision revisionOf(const std::filesystem::path& wrapper) const;
 
     std::filesystem::path runner_;
     std::string bytes_{};
+    mutable std::optional<PublishedMenu> menu_{};
+    mutable std::set<std::filesystem::path> tidied_{}; ///< folders of clones
 };
 
 } // namespace quorvel

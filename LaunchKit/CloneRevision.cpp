@@ -34,9 +34,11 @@ std::optional<fs::path> drawingFor(const InstanceRecord& record) {
 
 } // namespace
 
-CloneRevision::CloneRevision(const fs::path& wrapper)
+CloneRevision::CloneRevision(const fs::path& wrapper) : CloneRevision(wrapper, lockClones) {}
+
+CloneRevision::CloneRevision(const fs::path& wrapper, const Lock& lock)
     : wrapper_(realWrapper(wrapper)),
-      lock_(lockClones(wrapper_.parent_path())),
+      lock_(lock(wrapper_.parent_path())),
       old_(wrapper_) {}
 
 CloneSettings completedSettings(const WrapperRevision& wrapper, CloneSettings settings) {
@@ -59,18 +61,32 @@ CloneSettings completedSettings(const WrapperRevision& wrapper, CloneSettings se
     return settings;
 }
 
-ChangedClone CloneRevision::replace(const WrapperRevision::Changes& changes) const {
-    if (!old_.isChangedBy(changes)) {
-        return {.record = {wrapper_, old_.settings().config}};
-    }
+std::vector<std::string>
+CloneRevision::replaceWrapper(const WrapperRevision::Changes& changes) const {
     StagedChange change(wrapper_.parent_path());
     const std::string name = wrapper_.filename();
     std::vector<std::string> kept = old_.stage(change, name, changes);
     change.publish(name, name);
-    return published(wrapper_, std::move(kept));
+    return kept;
 }
 
-ChangedClone published(const fs::path& wrapper, std::vector<std::string> kept) {
+ChangedClone CloneRevision::replace(const WrapperRevision::Changes& changes) const {
+    if (!old_.isChangedBy(changes)) {
+        return {.record = {wrapper_, old_.settings().config}};
+    }
+    return published(wrapper_, replaceWrapper(changes));
+}
+
+ChangedClone CloneRevision::replace(const WrapperRevision::Changes& changes,
+                                    const PublishedMenu& menu) const {
+    if (!old_.isChangedBy(changes)) {
+        return {.record = {wrapper_, old_.settings().config}};
+    }
+    return published(wrapper_, replaceWrapper(changes), menu);
+}
+
+ChangedClone published(const fs::path& wrapper, std::vector<std::string> kept,
+                       const PublishedMenu& menu) {
     ChangedClone changed{.isChanged = true, .kept = std::move(kept)};
     auto record = InstanceRegistry().record(wrapper);
     if (!record) {
@@ -79,7 +95,7 @@ ChangedClone published(const fs::path& wrapper, std::vector<std::string> kept) {
     changed.record = std::move(*record);
     changed.isRunning = isHomeInUse(changed.record.config);
     try {
-        publishInMenu(changed.record, drawingFor(changed.record));
+        publishInMenu(changed.record, drawingFor(changed.record), menu);
     } catch (const std::exception& error) {
         changed.warnings.push_back(
             "“" + changed.record.config.displayName +

@@ -1,12 +1,16 @@
 #pragma once
 
 #include "LaunchKit/CloneChange.h"
+#include "LaunchKit/MenuEntries.h"
 #include "LaunchKit/WrapperRevision.h"
 #include "Platform/files/FileLock.h"
 #include "Platform/files/StagedChange.h"
 
 #include <filesystem>
+#include <functional>
 #include <optional>
+#include <string>
+#include <vector>
 
 namespace quorvel {
 
@@ -16,6 +20,10 @@ public:
     /// Waits for other changes beside the wrapper. Throws `Error` if it is not a clone.
     explicit CloneRevision(const std::filesystem::path& wrapper);
 
+    /// The same with a function that takes the lock on the folder.
+    using Lock = std::function<std::optional<FileLock>(const std::filesystem::path& folder)>;
+    CloneRevision(const std::filesystem::path& wrapper, const Lock& lock);
+
     /// Returns the wrapper's path without links.
     [[nodiscard]] const std::filesystem::path& wrapper() const { return wrapper_; }
     [[nodiscard]] const WrapperRevision& old() const { return old_; }
@@ -24,7 +32,14 @@ public:
     /// Throws `Error`.
     [[nodiscard]] ChangedClone replace(const WrapperRevision::Changes& changes) const;
 
+    /// The same for a caller that has read the menu already.
+    [[nodiscard]] ChangedClone replace(const WrapperRevision::Changes& changes,
+                                       const PublishedMenu& menu) const;
+
 private:
+    [[nodiscard]] std::vector<std::string>
+    replaceWrapper(const WrapperRevision::Changes& changes) const;
+
     std::filesystem::path wrapper_;
     std::optional<FileLock> lock_;
     WrapperRevision old_;
@@ -37,6 +52,7 @@ private:
 
 /// Returns the clone after a change, published in the menu under its own picture.
 [[nodiscard]] ChangedClone published(const std::filesystem::path& wrapper,
-                                     std::vector<std::string> kept);
+                                     std::vector<std::string> kept,
+                                     const PublishedMenu& menu = PublishedMenu());
 
 } // namespace quorvel

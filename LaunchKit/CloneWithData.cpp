@@ -3,9 +3,6 @@
 #include "LaunchKit/AppBundle.h"
 #include "LaunchKit/RunnerLocator.h"
 
-#include <algorithm>
-#include <iterator>
-
 namespace quorvel {
 namespace fs = std::filesystem;
 
@@ -20,13 +17,6 @@ void requireParts(const WrapperFactory& factory, const WrapperFactory::Request& 
         (!request.targetApp || !AppBundle::read(*request.targetApp, noEntitlements))) {
         throw WrapperFactory::FactoryError::badTarget(request.targetApp.value_or("/"));
     }
-}
-
-std::vector<fs::path> foldersOf(const std::vector<DataPart>& parts) {
-    std::vector<fs::path> folders;
-    std::transform(parts.begin(), parts.end(), std::back_inserter(folders),
-                   [](const DataPart& part) { return part.from; });
-    return folders;
 }
 
 } // namespace
@@ -48,15 +38,14 @@ CloneWithData createCloneWithData(const WrapperFactory& factory,
     requireParts(factory, request);
     clearPlaceFor(request);
     CopiedData data(dataFolderFor(request), initial.parts, initial.copy);
-    CloneWithData made{.data = data.report(),
-                       .findings = findingsIn(data.path(), foldersOf(initial.parts))};
+    CloneWithData made{.data = data.report(), .findings = data.findings()};
     if (initial.found) {
         initial.found(made.findings);
     }
     data.complete(WrapperFactory::wrapperURL(request));
     try {
-        made.clone = createClone(factory, request, permissions, warn,
-                                 [&](const fs::path& /*wrapper*/) { data.publish(); });
+        made.clone = createCloneInClearPlace(factory, request, permissions, warn,
+                                             [&](const fs::path& /*wrapper*/) { data.publish(); });
     } catch (...) {
         data.withdraw();
         throw;

@@ -7,9 +7,8 @@
 #include <chrono>
 
 namespace quorvel {
-namespace {
 
-std::optional<FileLock> waitForLock(const std::filesystem::path& folder) {
+std::optional<FileLock> lockTidyClones(const std::filesystem::path& folder) {
     constexpr std::chrono::seconds patience{30};
     try {
         if (std::optional<FileLock> lock = FileLock::takeFolder(folder, patience)) {
@@ -22,10 +21,8 @@ std::optional<FileLock> waitForLock(const std::filesystem::path& folder) {
                          "; try again once that is done.");
 }
 
-} // namespace
-
 std::optional<FileLock> lockClones(const std::filesystem::path& folder) {
-    std::optional<FileLock> lock = waitForLock(folder);
+    std::optional<FileLock> lock = lockTidyClones(folder);
     finishInterruptedChanges(folder);
     return lock;
 }

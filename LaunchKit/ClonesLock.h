@@ -12,4 +12,7 @@ namespace quorvel {
 /// not every file system has locks. Throws `InvalidRequest` if another change takes too long.
 [[nodiscard]] std::optional<FileLock> lockClones(const std::filesystem::path& folder);
 
+/// The same without putting anything right, for a caller that did so in the folder shortly before.
+[[nodiscard]] std::optional<FileLock> lockTidyClones(const std::filesystem::path& folder);
+
 } // namespace quorvel

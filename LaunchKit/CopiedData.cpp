@@ -16,6 +16,7 @@
 
 #include <algorithm>
 #include <fcntl.h>
+#include <iterator>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -48,6 +49,13 @@ const fs::path& checkedPlace(const fs::path& home, const std::vector<DataPart>& 
         requireApart(part.from, home);
     }
     return home;
+}
+
+std::vector<fs::path> foldersOf(const std::vector<DataPart>& parts) {
+    std::vector<fs::path> folders;
+    std::transform(parts.begin(), parts.end(), std::back_inserter(folders),
+                   [](const DataPart& part) { return part.from; });
+    return folders;
 }
 
 FileHandle folderIn(const StagedFolder& folder, const std::string& below) {
@@ -119,10 +127,13 @@ void settleQuietly(const fs::path& folder) noexcept {
 CopiedData::CopiedData(const fs::path& home, const std::vector<DataPart>& parts,
                        const FolderCopyOptions& options)
     : folder_(checkedPlace(home, parts)),
+      search_(foldersOf(parts)),
       cancelled_(options.cancelled) {
     FolderCopyOptions complete = options;
     complete.leavesOut = staysBehind;
     for (const DataPart& part : parts) {
+        const std::string below = part.to.empty() ? "" : part.to + "/";
+        complete.copied = [&](const CopiedContent& item) { search_.lookAt(item, below); };
         requireUnused(part);
         const FileHandle to =
             part.to.empty() ? FileHandle(::dup(folder_.descriptor())) : folderIn(folder_, part.to);

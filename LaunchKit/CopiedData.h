@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Base/Error.h"
+#include "LaunchKit/CopyFindings.h"
 #include "Platform/files/FolderCopy.h"
 #include "Platform/files/StagedFolder.h"
 
@@ -40,6 +41,9 @@ public:
 
     [[nodiscard]] const FolderCopyReport& report() const { return report_; }
 
+    /// Returns what the user should know about the copy.
+    [[nodiscard]] CopyFindings findings() const { return search_.findings(folder_.path()); }
+
     /// Returns where it is now.
     [[nodiscard]] const std::filesystem::path& path() const { return folder_.path(); }
 
@@ -65,6 +69,7 @@ public:
 
 private:
     StagedFolder folder_;
+    CopySearch search_;
     FolderCopyReport report_{};
     const std::atomic<bool>* cancelled_;
 };

@@ -1,18 +1,11 @@
 #include "LaunchKit/CopyFindings.h"
 
 #include "Platform/files/DatabaseCount.h"
-#include "Platform/files/FileHandle.h"
-#include "Platform/files/FileReading.h"
-#include "Platform/files/FileSystem.h"
-#include "Platform/files/FolderWalk.h"
 #include "Platform/files/PlatformError.h"
-#include "Platform/files/RegularFile.h"
 #include "Platform/files/StagedFolder.h"
 
 #include <algorithm>
 #include <cctype>
-#include <cerrno>
-#include <fcntl.h>
 #include <memory>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -20,6 +13,10 @@
 namespace quorvel {
 namespace fs = std::filesystem;
 namespace {
+
+// Chromium's databases.
+constexpr const char* cookies = "Cookies";
+constexpr const char* passwords = "Login Data";
 
 constexpr std::size_t largestText = std::size_t{1} << 20U;
 
@@ -71,17 +68,18 @@ bool names(std::string_view text, const std::vector<std::string>& spellings) {
     });
 }
 
-std::string readText(int folder, const char* name) {
-    const RegularFile file = openRegularFile(name, O_RDONLY | O_NOFOLLOW, 0, folder);
-    if (!file.isOpen() || file.size > largestText) {
+std::string readText(int file) {
+    struct stat facts {};
+    if (::fstat(file, &facts) != 0 || static_cast<std::size_t>(facts.st_size) > largestText) {
         return {};
     }
     // The beginning of most files that are no text says so, and the rest need not be read.
     constexpr std::size_t head = 4096;
+    const auto whole = static_cast<std::size_t>(facts.st_size);
     std::string bytes;
-    for (const std::size_t size : {std::min(head, file.size), file.size}) {
+    for (const std::size_t size : {std::min(head, whole), whole}) {
         bytes.resize(size);
-        const ssize_t count = ::pread(file.descriptor(), bytes.data(), bytes.size(), 0);
+        const ssize_t count = ::pread(file, bytes.data(), bytes.size(), 0);
         bytes.resize(count < 0 ? 0 : static_cast<std::size_t>(count));
         if (bytes.find('\0') != std::string::npos) {
             return {};
@@ -90,18 +88,20 @@ std::string readText(int folder, const char* name) {
     return bytes;
 }
 
+bool mayBeDatabase(const fs::path& path) {
+    const fs::path name = path.filename();
+    return name == cookies || name == passwords;
+}
+
 // The first bytes of Chromium's encrypted values say whose key it is: "v11" is the keyring's.
 void countLocked(const fs::path& file, const fs::path& scratch, CopyFindings& findings) {
     const fs::path name = file.filename();
-    if (isSymbolicLink(file)) {
-        return; // it may lead to the original
-    }
-    if (name == "Cookies") {
+    if (name == cookies) {
         findings.lockedCookies += countInDatabase(file, scratch,
                                                   "SELECT count(*) FROM cookies "
                                                   "WHERE substr(encrypted_value, 1, 3) = x'763131'")
                                       .value_or(0);
-    } else if (name == "Login Data") {
+    } else if (name == passwords) {
         findings.lockedPasswords +=
             countInDatabase(file, scratch,
                             "SELECT count(*) FROM logins "
@@ -121,29 +121,29 @@ std::unique_ptr<StagedFolder> scratchBeside(const fs::path& copy) {
 
 } // namespace
 
-CopyFindings findingsIn(const fs::path& copy, const std::vector<fs::path>& originals) {
-    CopyFindings findings;
-    const FileHandle root(::open(copy.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
-    const auto mount = root.descriptor() < 0 ? std::nullopt : mountOf(root.descriptor());
-    if (!mount) {
-        return findings;
+CopySearch::CopySearch(const std::vector<fs::path>& originals)
+    : spellings_(spellingsOf(originals)) {}
+
+void CopySearch::lookAt(const CopiedContent& item, const std::string& below) {
+    const bool isLink = item.file < 0;
+    if (names(isLink ? item.target : readText(item.file), spellings_)) {
+        naming_.push_back(below + item.path);
     }
-    const std::vector<std::string> spellings = spellingsOf(originals);
-    const std::unique_ptr<StagedFolder> scratch = scratchBeside(copy);
-    FolderWalk walk(root.descriptor(), *mount);
-    while (const auto step = walk.next()) {
-        if (step->kind != FolderWalk::Kind::item) {
-            continue;
-        }
-        if (names(linkTargetIn(step->folder, step->name).value_or(""), spellings) ||
-            names(readText(step->folder, step->name), spellings)) {
-            findings.namingOriginal.push_back(walk.path());
-        }
-        if (scratch) {
-            countLocked(copy / walk.path(), scratch->path(), findings);
-        }
+    // A link may lead to the original.
+    if (!isLink && mayBeDatabase(item.path)) {
+        databases_.push_back(below + item.path);
     }
+}
+
+CopyFindings CopySearch::findings(const fs::path& copy) const {
+    CopyFindings findings{.namingOriginal = naming_};
     std::sort(findings.namingOriginal.begin(), findings.namingOriginal.end());
+    const auto scratch = databases_.empty() ? nullptr : scratchBeside(copy);
+    for (const std::string& database : databases_) {
+        if (scratch) {
+            countLocked(copy / database, scratch->path(), findings);
+        }
+    }
     return findings;
 }
 

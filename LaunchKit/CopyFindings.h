@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Platform/files/FolderCopy.h"
+
 #include <cstddef>
 #include <filesystem>
 #include <string>
@@ -16,9 +18,24 @@ struct CopyFindings {
     std::size_t lockedPasswords = 0;
 };
 
-/// Looks through the copy of these folders, not into the folders themselves. What can't be read is
+/// Looks through data while it is copied, when its bytes are in memory. What can't be read is
 /// skipped.
-[[nodiscard]] CopyFindings findingsIn(const std::filesystem::path& copy,
-                                      const std::vector<std::filesystem::path>& originals);
+class CopySearch {
+public:
+    /// Looks for the names of these folders.
+    explicit CopySearch(const std::vector<std::filesystem::path>& originals);
+
+    /// Looks at one item. `below` is where its folder's copy is in the whole copy; empty, or with a
+    /// slash at its end.
+    void lookAt(const CopiedContent& item, const std::string& below);
+
+    /// Returns what was found, once everything is copied. Databases are looked at in `copy`.
+    [[nodiscard]] CopyFindings findings(const std::filesystem::path& copy) const;
+
+private:
+    std::vector<std::string> spellings_;
+    std::vector<std::string> naming_{};
+    std::vector<std::string> databases_{};
+};
 
 } // namespace quorvel

@@ -7,7 +7,7 @@
 #include "LaunchKit/ShippedProfiles.h"
 #include "Platform/files/FileSystem.h"
 #include "Platform/files/UserPaths.h"
-#include "Platform/processes/FolderVariable.h"
+#include "Platform/processes/DataFolders.h"
 #include "Platform/processes/ProcessFamily.h"
 
 #include <algorithm>
@@ -74,17 +74,11 @@ public:
 
     // Returns where a path that begins with the usual XDG folder really is.
     [[nodiscard]] fs::path resolved(std::string_view path) const {
-        constexpr std::array<std::array<std::string_view, 2>, 4> places{{
-            {".config", "XDG_CONFIG_HOME"},
-            {".local/share", "XDG_DATA_HOME"},
-            {".local/state", "XDG_STATE_HOME"},
-            {".cache", "XDG_CACHE_HOME"},
-        }};
         const std::string home = UserPaths::expandTilde("~");
-        for (const auto& [usual, variable] : places) {
-            if (isAtOrBelow(path, usual)) {
-                return folderVariable(session_, variable.data(), joinAsText(home, usual)) +
-                       std::string(path.substr(usual.size()));
+        for (const UserDataFolder& folder : userDataFolders) {
+            if (isAtOrBelow(path, folder.usual)) {
+                return folder.in(session_, home) +
+                       std::string(path.substr(std::string_view(folder.usual).size()));
             }
         }
         return joinAsText(home, path);

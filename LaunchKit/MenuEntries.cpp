@@ -19,7 +19,7 @@
 #include <algorithm>
 #include <chrono>
 #include <cstdint>
-#include <map>
+#include <iterator>
 
 namespace quorvel {
 namespace fs = std::filesystem;
@@ -138,15 +138,20 @@ bool needsSymbolicPicture(const InstanceConfig& config) {
     return config.menuBarIcon && config.menuBarIconTemplate;
 }
 
+// The name says which picture it is, so that those that are there are the right ones.
+bool hasPictures(const std::string& icon, const InstanceConfig& config, bool withDrawing) {
+    return std::all_of(menuPictureSides.begin(), menuPictureSides.end(),
+                       [&](int side) { return hasMenuPicture(icon, side); }) &&
+           (!needsSymbolicPicture(config) || hasMenuPicture(icon, MenuPicture::symbolic)) &&
+           (!withDrawing || hasMenuPicture(icon, 0));
+}
+
 // Whether the published icon is one that the user chose, or the right one.
 bool showsRight(const DesktopEntry& published, const MenuEntry& wanted,
                 const InstanceConfig& config) {
     const std::string& icon = published.icon;
     return !icon.starts_with(wanted.word + "-") ||
-           (icon == wanted.entry.icon &&
-            std::all_of(menuPictureSides.begin(), menuPictureSides.end(),
-                        [&](int side) { return hasMenuPicture(icon, side); }) &&
-            (!needsSymbolicPicture(config) || hasMenuPicture(icon, MenuPicture::symbolic)));
+           (icon == wanted.entry.icon && hasPictures(icon, config, false));
 }
 
 // Whether the clone was made again after its entry was published.
@@ -171,26 +176,14 @@ bool isGone(const std::string& identity) {
            !itemOrLinkExists(runnerOf(identity));
 }
 
-using Published = std::multimap<std::string, PublishedEntry>;
-
-void withdrawOrphans(const Published& published, MenuRepair& repair) {
-    for (auto entry = published.begin(); entry != published.end();
-         entry = published.upper_bound(entry->first)) {
+void withdrawOrphans(const PublishedMenu& published, MenuRepair& repair) {
+    const PublishedMenu::Entries& entries = published.entries();
+    for (auto entry = entries.begin(); entry != entries.end();
+         entry = entries.upper_bound(entry->first)) {
         if (isGone(entry->first)) {
             withdrawFromMenu(entry->first);
             ++repair.withdrawn;
         }
-    }
-}
-
-void publishUnlessRight(const InstanceRecord& record, const Published& published,
-                        MenuRepair& repair) {
-    const MenuEntry wanted = menuEntryOf(record);
-    const auto [first, last] = published.equal_range(wanted.entry.cloneId);
-    // Nothing is drawn unless something is wrong.
-    if (std::distance(first, last) != 1 || !isRight(first->second, wanted, record.config)) {
-        publishInMenu(record);
-        ++repair.published;
     }
 }
 
@@ -213,6 +206,17 @@ std::optional<fs::path> drawingOf(const InstanceRecord& record) {
     }
 }
 
+void publishUnlessRight(const InstanceRecord& record, const PublishedMenu& menu,
+                        MenuRepair& repair) {
+    const MenuEntry wanted = menuEntryOf(record);
+    const std::vector<PublishedEntry> published = menu.of(wanted.entry.cloneId);
+    // Nothing is drawn unless something is wrong.
+    if (published.size() != 1 || !isRight(published.front(), wanted, record.config)) {
+        publishInMenu(record, drawingOf(record), menu);
+        ++repair.published;
+    }
+}
+
 template<typename Work>
 void collectingProblems(MenuRepair& repair, const Work& work) {
     try {
@@ -230,11 +234,38 @@ MenuEntry menuEntryOf(const InstanceRecord& record) {
     return {windowWord(identity), fileName(target, identity), entryFor(record, target, identity)};
 }
 
+PublishedMenu::PublishedMenu() {
+    for (PublishedEntry& entry : publishedMenuEntries()) {
+        std::string identity = entry.entry.cloneId;
+        entries_.emplace(std::move(identity), std::move(entry));
+    }
+}
+
+std::vector<PublishedEntry> PublishedMenu::of(const std::string& identity) const {
+    std::vector<PublishedEntry> found;
+    const auto [first, last] = entries_.equal_range(identity);
+    std::transform(first, last, std::back_inserter(found),
+                   [](const Entries::value_type& entry) { return entry.second; });
+    return found;
+}
+
 void publishInMenu(const InstanceRecord& record, const std::optional<fs::path>& drawing) {
+    if (hasMenu()) {
+        publishInMenu(record, drawing, PublishedMenu());
+    }
+}
+
+void publishInMenu(const InstanceRecord& record, const std::optional<fs::path>& drawing,
+                   const PublishedMenu& published) {
     if (!hasMenu()) {
         return;
     }
     MenuEntry entry = menuEntryOf(record);
+    const std::vector<PublishedEntry> older = published.of(entry.entry.cloneId);
+    if (hasPictures(entry.entry.icon, record.config, drawing.has_value())) {
+        publishMenuEntry(entry, {}, older);
+        return;
+    }
     std::vector<MenuPicture> pictures =
         menuPictures(iconOf(entry.entry.cloneId), needsSymbolicPicture(record.config));
     if (pictures.empty()) {
@@ -244,7 +275,7 @@ void publishInMenu(const InstanceRecord& record, const std::optional<fs::path>& 
             pictures.push_back({0, std::move(*bytes)});
         }
     }
-    publishMenuEntry(entry, pictures);
+    publishMenuEntry(entry, pictures, older);
 }
 
 void publishInMenu(const InstanceRecord& record) {
@@ -261,11 +292,8 @@ MenuRepair repairMenu(const std::vector<InstanceRecord>& records) {
         return repair;
     }
     removeMenuLeftovers();
-    Published published;
-    for (PublishedEntry& entry : publishedMenuEntries()) {
-        std::string identity = entry.entry.cloneId;
-        published.emplace(std::move(identity), std::move(entry));
-    }
+    const PublishedMenu published;
+    removeOldMenuPictures(published.entries());
     collectingProblems(repair, [&] { withdrawOrphans(published, repair); });
     for (const InstanceRecord& record : records) {
         collectingProblems(repair, [&] { publishUnlessRight(record, published, repair); });

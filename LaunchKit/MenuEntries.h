@@ -1,7 +1,10 @@
 #pragma once
 
+#include "Platform/desktop/MenuEntry.h"
+
 #include <cstddef>
 #include <filesystem>
+#include <map>
 #include <optional>
 #include <string>
 #include <vector>
@@ -10,7 +13,24 @@
 namespace quorvel {
 
 struct InstanceRecord;
-struct MenuEntry;
+
+/// The entries that are published for clones, as they were when this was made. To read them costs
+/// more the more clones there are, so that a caller that changes many reads them once.
+class PublishedMenu {
+public:
+    PublishedMenu();
+
+    using Entries = std::multimap<std::string, PublishedEntry>;
+
+    /// By the clones' `cloneIdentity`.
+    [[nodiscard]] const Entries& entries() const { return entries_; }
+
+    /// Returns the entries of one clone; there should be one.
+    [[nodiscard]] std::vector<PublishedEntry> of(const std::string& identity) const;
+
+private:
+    Entries entries_{};
+};
 
 /// Returns the clone's entry. Throws `Error` if it can't be started from a menu, such as from a
 /// path with a line break.
@@ -20,6 +40,11 @@ struct MenuEntry;
 /// shows the same as the clone's icon. Throws `Error`, whose text says why not.
 void publishInMenu(const InstanceRecord& record,
                    const std::optional<std::filesystem::path>& drawing);
+
+/// The same for a caller that has read the menu already.
+void publishInMenu(const InstanceRecord& record,
+                   const std::optional<std::filesystem::path>& drawing,
+                   const PublishedMenu& published);
 
 /// The same with the drawing of the application, if the clone's icon is still made from it.
 void publishInMenu(const InstanceRecord& record);

@@ -40,7 +40,7 @@ std::optional<WrapperNotes> WrapperNotes::read(const std::string& wrapper) {
 
 void WrapperNotes::write(const std::string& wrapper) const {
     // Nothing in it is the user's text, so it can always be written.
-    writeFile(notesOf(wrapper), writeRecord(*this).value_or(""));
+    writeFile(notesOf(wrapper), writeRecord(*this).value_or(""), Flush::later);
 }
 
 std::string fileState(const std::string& file) {

@@ -43,7 +43,7 @@ struct WrapperNotes {
     /// Returns the notes of a wrapper; std::nullopt if they are missing or unreadable.
     [[nodiscard]] static std::optional<WrapperNotes> read(const std::string& wrapper);
 
-    /// Writes them into a wrapper. Throws `PlatformError`.
+    /// Writes them into a wrapper that is flushed afterwards. Throws `PlatformError`.
     void write(const std::string& wrapper) const;
 };
 

@@ -68,14 +68,19 @@ void refuseLinks(const fs::path& copy) {
     }
 }
 
-void copyWrapper(const fs::path& wrapper, const fs::path& copy) {
+void copyWrapper(const fs::path& wrapper, const fs::path& copy, bool leavesRunnerOut) {
     requireRemovable(wrapper);
     createPrivateFolder(copy);
     const auto folder = Folder::open(copy);
     if (!folder) {
         throw PlatformError::fromErrno(wrapper, "copied");
     }
-    (void)FolderCopy(wrapper).copyInto(folder->descriptor());
+    FolderCopyOptions options;
+    if (leavesRunnerOut) {
+        const std::string runner = runnerOf("").substr(1);
+        options.leavesOut = [runner](const CopiedItem& item) { return item.path == runner; };
+    }
+    (void)FolderCopy(wrapper, std::move(options)).copyInto(folder->descriptor());
     refuseLinks(copy);
 }
 
@@ -126,8 +131,12 @@ WrapperRevision::WrapperRevision(fs::path wrapper) : wrapper_(std::move(wrapper)
     }
 }
 
+const std::string& WrapperRevision::iconHash() const {
+    return iconHash_ ? *iconHash_ : iconHash_.emplace(fileHash(iconOf(wrapper_)));
+}
+
 bool WrapperRevision::isUsersIcon() const {
-    return notes_ && notes_->writtenIcon != fileHash(iconOf(wrapper_));
+    return notes_ && notes_->writtenIcon != iconHash();
 }
 
 bool WrapperRevision::hasOldTargetIcon() const {
@@ -157,7 +166,7 @@ bool WrapperRevision::isTargetsIcon(const StagedChange& change) const {
     }
     const fs::path drawn = change.path() / "compared-icon";
     installIcon(*icon, label, drawn);
-    return fileHash(drawn) == fileHash(iconOf(wrapper_));
+    return fileHash(drawn) == iconHash();
 }
 
 WrapperRevision::IconPlan WrapperRevision::iconPlan(const StagedChange& change,
@@ -240,7 +249,7 @@ WrapperNotes WrapperRevision::newNotes(const CloneSettings& settings, const Icon
     }
     // Without its hash, an icon is never drawn again: a label may be on it already.
     const bool isDrawn = plan.source == IconSource::chosen && isVisible(settings_.config.iconLabel);
-    notes.writtenIcon = isDrawn ? "unknown" : fileHash(iconOf(wrapper_));
+    notes.writtenIcon = isDrawn ? "unknown" : iconHash();
     return notes;
 }
 
@@ -267,7 +276,7 @@ std::vector<std::string> WrapperRevision::stage(const StagedChange& change, cons
         kept.emplace_back("the arguments for the app");
     }
     kept.insert(kept.end(), entries.begin(), entries.end());
-    copyWrapper(wrapper_, change.path() / name);
+    copyWrapper(wrapper_, change.path() / name, contents.runner.has_value());
     writeWrapper(change.path() / name, contents);
     return kept;
 }

@@ -61,6 +61,7 @@ private:
     [[nodiscard]] IconPlan keptIconPlan(const StagedChange& change, const Changes& changes,
                                         Kept& kept) const;
     [[nodiscard]] bool isTargetsIcon(const StagedChange& change) const;
+    [[nodiscard]] const std::string& iconHash() const;
     [[nodiscard]] bool isUsersIcon() const;
     [[nodiscard]] bool keepsUsersArguments(const CloneSettings& settings) const;
     [[nodiscard]] std::string propertyList(const CloneSettings& settings, bool hasIcon,
@@ -72,6 +73,7 @@ private:
     std::optional<WrapperNotes> notes_{};
     std::optional<AppBundle> target_{};
     std::optional<PropertyListDictionary> list_{};
+    mutable std::optional<std::string> iconHash_{}; ///< once it was asked for
 };
 
 } // namespace quorvel

@@ -95,12 +95,12 @@ void writeWrapper(const fs::path& wrapper, const WrapperContents& contents) {
         createDirectories(helpersOf(wrapper));
         replaceProgram(*contents.statusItem, statusItemOf(wrapper));
     }
-    writeFile(configOf(wrapper), contents.config);
+    writeFile(configOf(wrapper), contents.config, Flush::later);
     if (!contents.keepsIcon) {
         replaceIcon(contents, wrapper);
     }
-    writeFile(infoPlistOf(wrapper), contents.list);
-    writeFile(joinAsText(contentsOf(wrapper), BundleItem::pkgInfo), "APPL????");
+    writeFile(infoPlistOf(wrapper), contents.list, Flush::later);
+    writeFile(joinAsText(contentsOf(wrapper), BundleItem::pkgInfo), "APPL????", Flush::later);
     writeNotes(contents, wrapper);
 }
 

@@ -33,7 +33,8 @@ struct WrapperContents {
 void addParts(WrapperContents& contents, const InstanceConfig& config,
               const std::filesystem::path& runner);
 
-/// Writes a new wrapper, or over the files of an old one. Throws `PlatformError`.
+/// Writes a new wrapper, or over the files of an old one. Nothing is flushed. Throws
+/// `PlatformError`.
 void writeWrapper(const std::filesystem::path& wrapper, const WrapperContents& contents);
 
 } // namespace quorvel

@@ -17,6 +17,7 @@ using Benchmark = std::vector<Row> (*)(const std::filesystem::path& folder);
 [[nodiscard]] std::vector<Row> entriesRows(const std::filesystem::path& folder);
 [[nodiscard]] std::vector<Row> menuRows(const std::filesystem::path& folder);
 [[nodiscard]] std::vector<Row> recorderRows(const std::filesystem::path& folder);
+[[nodiscard]] std::vector<Row> refreshRows(const std::filesystem::path& folder);
 [[nodiscard]] std::vector<Row> copyRows(const std::filesystem::path& folder);
 [[nodiscard]] std::vector<Row> iconRows(const std::filesystem::path& folder);
 

@@ -23,6 +23,7 @@ int main(int count, char** arguments) {
         {"catalog", catalogRows},   {"recorder", recorderRows},
         {"icons", iconRows},        {"entries", entriesRows},
         {"menu", menuRows},         {"copy", copyRows},
+        {"refresh", refreshRows},
     };
     const std::vector<std::string> wanted(arguments + 1, arguments + count);
     for (const auto& [name, benchmark] : benchmarks) {

@@ -3,6 +3,7 @@
 #include "Platform/desktop/DesktopEntry.h"
 
 #include <filesystem>
+#include <map>
 #include <optional>
 #include <string>
 #include <vector>
@@ -42,10 +43,15 @@ struct PublishedEntry {
 
 /// Publishes the entry in place of the clone's older one: first the pictures, so that no desktop
 /// looks for one that isn't there yet. A concurrent reader finds the old entry or the new one.
-/// Pictures that are no longer named are removed. Throws `PlatformError`, also if the file's name
-/// belongs to an entry that is not the clone's, and `DesktopEntryError`; the older entry then
-/// remains.
+/// Pictures that are no longer named are removed, as far as possible. Throws `PlatformError`, also
+/// if the file's name belongs to an entry that is not the clone's, and `DesktopEntryError`; the
+/// older entry then remains.
 void publishMenuEntry(const MenuEntry& entry, const std::vector<MenuPicture>& pictures);
+
+/// The same for a caller that knows the clone's older entries. Without pictures, those that are
+/// there already stay.
+void publishMenuEntry(const MenuEntry& entry, const std::vector<MenuPicture>& pictures,
+                      const std::vector<PublishedEntry>& older);
 
 /// Removes the clone's entries, also under other file names, and its pictures. Does nothing if
 /// there are none. Throws `PlatformError`.
@@ -53,6 +59,11 @@ void withdrawMenuEntry(const std::string& cloneId, const std::string& word);
 
 /// Removes the temporary files that interrupted publications left.
 void removeMenuLeftovers();
+
+/// Removes the pictures of these clones (entries by `cloneId`) that their entries don't name, if
+/// older than a minute: an interrupted publication leaves them. Those of an entry that names
+/// another icon stay.
+void removeOldMenuPictures(const std::multimap<std::string, PublishedEntry>& published);
 
 /// Returns all entries that were published for clones. Those that can't be read are left out.
 [[nodiscard]] std::vector<PublishedEntry> publishedMenuEntries();

@@ -11,8 +11,10 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <chrono>
 #include <ctime>
 #include <fcntl.h>
+#include <map>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -66,13 +68,13 @@ void removeFile(const fs::path& file) {
     }
 }
 
-// Removes the clone's pictures except those of the icon `kept`.
-void removePictures(const std::string& word, const std::string& kept) {
+// Removes the clone's pictures.
+void removePictures(const std::string& word) {
     for (const int side : pictureSides) {
         const fs::path folder = pictureFolder(side);
         for (const std::string& name :
              directoryEntries(folder).value_or(std::vector<std::string>{})) {
-            if (name.starts_with(word + "-") && name != pictureName(kept, side)) {
+            if (name.starts_with(word + "-")) {
                 removeFile(joinAsText(folder, name));
             }
         }
@@ -133,6 +135,30 @@ void removeEntriesBut(const std::vector<PublishedEntry>& entries, const std::str
     }
 }
 
+// What can't be removed does no harm, and the next repair tries again.
+void removeOlder(const std::vector<PublishedEntry>& older, const MenuEntry& entry) noexcept {
+    try {
+        removeEntriesBut(older, entry.fileName);
+        for (const PublishedEntry& each : older) {
+            const std::string& icon = each.entry.icon;
+            for (const int side : pictureSides) {
+                if (icon.starts_with(entry.word + "-") && icon != entry.entry.icon) {
+                    removeFile(joinAsText(pictureFolder(side), pictureName(icon, side)));
+                }
+            }
+        }
+    } catch (const std::exception&) {
+        return;
+    }
+}
+
+// A younger one may belong to an entry that is about to be written.
+bool isOlderThanAMinute(const fs::path& file) {
+    std::error_code code;
+    const auto written = fs::last_write_time(file, code);
+    return !code && written < fs::file_time_type::clock::now() - std::chrono::minutes(1);
+}
+
 } // namespace
 
 bool hasMenu() noexcept {
@@ -140,6 +166,11 @@ bool hasMenu() noexcept {
 }
 
 void publishMenuEntry(const MenuEntry& entry, const std::vector<MenuPicture>& pictures) {
+    publishMenuEntry(entry, pictures, entriesOf(entry.entry.cloneId));
+}
+
+void publishMenuEntry(const MenuEntry& entry, const std::vector<MenuPicture>& pictures,
+                      const std::vector<PublishedEntry>& older) {
     for (const std::string& name : {entry.fileName, entry.entry.icon}) {
         if (name.find('/') != std::string::npos) {
             throw DesktopEntryError("“" + name + "” is not a file name");
@@ -148,12 +179,10 @@ void publishMenuEntry(const MenuEntry& entry, const std::vector<MenuPicture>& pi
     const fs::path file = joinAsText(entryFolder(), entry.fileName);
     const std::string text = desktopEntryText(entry.entry);
     requireOwn(file, entry.entry.cloneId);
-    const std::vector<PublishedEntry> older = entriesOf(entry.entry.cloneId);
     writePictures(entry.entry.icon, pictures);
     createDirectories(entryFolder());
     writeWholeFile(file, text);
-    removeEntriesBut(older, entry.fileName);
-    removePictures(entry.word, entry.entry.icon);
+    removeOlder(older, entry);
     if (hadTypes(older) || !entry.entry.mimeTypes.empty()) {
         updateMimeDatabase(entryFolder());
     }
@@ -162,7 +191,7 @@ void publishMenuEntry(const MenuEntry& entry, const std::vector<MenuPicture>& pi
 void withdrawMenuEntry(const std::string& cloneId, const std::string& word) {
     const std::vector<PublishedEntry> entries = entriesOf(cloneId);
     // The entries last: while one is there, an interrupted withdrawal can be finished.
-    removePictures(word, "");
+    removePictures(word);
     removeEntriesBut(entries, "");
     if (hadTypes(entries)) {
         updateMimeDatabase(entryFolder());
@@ -173,6 +202,30 @@ void removeMenuLeftovers() {
     removeUnfinishedFiles(entryFolder());
     for (const int side : pictureSides) {
         removeUnfinishedFiles(pictureFolder(side));
+    }
+}
+
+void removeOldMenuPictures(const std::multimap<std::string, PublishedEntry>& published) {
+    std::map<std::string, std::string> icons; // by what the pictures' names begin with
+    for (const auto& [id, each] : published) {
+        const std::string beginning = each.entry.startupWmClass + "-";
+        if (each.entry.icon.starts_with(beginning)) {
+            icons[beginning] = each.entry.icon;
+        }
+    }
+    for (const int side : pictureSides) {
+        const fs::path folder = pictureFolder(side);
+        for (const std::string& name :
+             directoryEntries(folder).value_or(std::vector<std::string>{})) {
+            auto icon = icons.upper_bound(name);
+            if (icon == icons.begin() || !name.starts_with((--icon)->first) ||
+                name == pictureName(icon->second, side)) {
+                continue;
+            }
+            if (const fs::path file = joinAsText(folder, name); isOlderThanAMinute(file)) {
+                (void)::unlink(file.c_str());
+            }
+        }
     }
 }
 

@@ -8,9 +8,14 @@ bool hasMenu() noexcept {
 
 void publishMenuEntry(const MenuEntry& /*entry*/, const std::vector<MenuPicture>& /*pictures*/) {}
 
+void publishMenuEntry(const MenuEntry& /*entry*/, const std::vector<MenuPicture>& /*pictures*/,
+                      const std::vector<PublishedEntry>& /*older*/) {}
+
 void withdrawMenuEntry(const std::string& /*cloneId*/, const std::string& /*word*/) {}
 
 void removeMenuLeftovers() {}
+
+void removeOldMenuPictures(const std::multimap<std::string, PublishedEntry>& /*published*/) {}
 
 std::vector<PublishedEntry> publishedMenuEntries() {
     return {};

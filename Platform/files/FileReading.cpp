@@ -57,6 +57,28 @@ std::optional<std::string> linkTargetIn(int folder, const char* name) {
                       : std::optional(std::string(target.data(), static_cast<std::size_t>(length)));
 }
 
+bool hasContents(const std::string& path, std::string_view bytes) {
+    const RegularFile file = openRegularFile(path, O_RDONLY);
+    if (!file.isOpen() || file.size != bytes.size()) {
+        return false;
+    }
+    std::array<char, 65536> block{};
+    while (true) {
+        const ssize_t count = ::read(file.descriptor(), block.data(), block.size());
+        if (count < 0 && errno == EINTR) {
+            continue;
+        }
+        if (count <= 0) {
+            return count == 0 && bytes.empty();
+        }
+        const std::string_view read(block.data(), static_cast<std::size_t>(count));
+        if (!bytes.starts_with(read)) {
+            return false;
+        }
+        bytes.remove_prefix(read.size());
+    }
+}
+
 std::optional<std::string> readFile(const std::string& path, std::size_t limit) {
     std::optional<std::string> bytes(std::in_place);
     if (!readFileIn(AT_FDCWD, path, limit, *bytes)) {

@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <optional>
 #include <string>
+#include <string_view>
 
 namespace quorvel {
 
@@ -10,6 +11,10 @@ namespace quorvel {
 /// not a regular file, or has more than `limit` bytes. Never blocks on a FIFO or a device. Takes
 /// the path as text, because parsing thousands of paths would cost more than reading the files.
 [[nodiscard]] std::optional<std::string> readFile(const std::string& path, std::size_t limit);
+
+/// Returns whether the regular file at `path` (links followed) has exactly these bytes. Reads no
+/// further than the first difference, and nothing if the sizes differ.
+[[nodiscard]] bool hasContents(const std::string& path, std::string_view bytes);
 
 /// Reads the file at `path`, relative to the open folder `folder`, into `bytes`. Returns false
 /// where `readFile` returns std::nullopt; `bytes` is unspecified then.

@@ -62,7 +62,7 @@ bool writeNew(const FileHandle& file, const fs::path& path, std::string_view byt
 
 // `path` must not be a link, which renaming would replace.
 bool replace(const fs::path& path, const FileHandle& old, const struct stat& facts,
-             std::string_view bytes) {
+             std::string_view bytes, Flush flush) {
     const fs::path beside = temporaryBeside(path);
     const FileHandle file(::open(beside.c_str(), creating, 0600));
     if (file.descriptor() < 0) {
@@ -70,7 +70,8 @@ bool replace(const fs::path& path, const FileHandle& old, const struct stat& fac
     }
     UnfinishedFile unfinished(beside);
     if (!file.write(bytes) || !copyAttributes(old.descriptor(), file.descriptor(), facts) ||
-        ::fsync(file.descriptor()) != 0 || ::rename(beside.c_str(), path.c_str()) != 0) {
+        (flush == Flush::now && ::fsync(file.descriptor()) != 0) ||
+        ::rename(beside.c_str(), path.c_str()) != 0) {
         return false;
     }
     unfinished.keep();
@@ -78,7 +79,7 @@ bool replace(const fs::path& path, const FileHandle& old, const struct stat& fac
 }
 
 // The old file is not written to, but must be a regular one that the user may write.
-bool replaceExisting(const fs::path& path, std::string_view bytes) {
+bool replaceExisting(const fs::path& path, std::string_view bytes, Flush flush) {
     const FileHandle old(::open(path.c_str(), writing));
     struct stat facts {};
     if (old.descriptor() < 0 || ::fstat(old.descriptor(), &facts) != 0) {
@@ -94,7 +95,7 @@ bool replaceExisting(const fs::path& path, std::string_view bytes) {
         errno = code.value();
         return false;
     }
-    return replace(resolved, old, facts, bytes);
+    return replace(resolved, old, facts, bytes, flush);
 }
 
 std::optional<fs::path> targetOfDanglingLink(const fs::path& path) {
@@ -109,7 +110,7 @@ std::optional<fs::path> targetOfDanglingLink(const fs::path& path) {
 
 } // namespace
 
-void writeFile(const fs::path& path, std::string_view bytes) {
+void writeFile(const fs::path& path, std::string_view bytes, Flush flush) {
     if (hasNul(path)) {
         throw PlatformError(std::make_error_code(std::errc::invalid_argument), path, "written");
     }
@@ -119,9 +120,9 @@ void writeFile(const fs::path& path, std::string_view bytes) {
         written = writeNew(file, path, bytes);
     } else if (errno == EEXIST) {
         if (const auto missing = targetOfDanglingLink(path)) {
-            return writeFile(*missing, bytes);
+            return writeFile(*missing, bytes, flush);
         }
-        written = replaceExisting(path, bytes);
+        written = replaceExisting(path, bytes, flush);
     }
     if (!written) {
         throw PlatformError::fromErrno(path, "written");

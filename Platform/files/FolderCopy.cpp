@@ -3,10 +3,9 @@
 #include "Base/PathText.h"
 #include "Platform/files/ByteCopy.h"
 #include "Platform/files/FileCloning.h"
-#include "Platform/files/FileReading.h"
 #include "Platform/files/Folder.h"
 #include "Platform/files/FolderWalk.h"
-#include "Platform/files/ItemAttributes.h"
+#include "Platform/files/ItemCopy.h"
 #include "Platform/files/PlatformError.h"
 #include "Platform/files/VolumeTransfer.h"
 
@@ -14,7 +13,6 @@
 #include <cerrno>
 #include <fcntl.h>
 #include <optional>
-#include <tuple>
 #include <unistd.h>
 #include <utility>
 
@@ -23,10 +21,6 @@ namespace fs = std::filesystem;
 namespace {
 
 constexpr int folderFlags = O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC;
-
-bool isSame(const timespec& one, const timespec& other) {
-    return one.tv_sec == other.tv_sec && one.tv_nsec == other.tv_nsec;
-}
 
 // File systems may reserve more until a file is closed.
 std::uintmax_t bytesOnDisk(int file) {
@@ -165,8 +159,7 @@ void FolderCopy::copyFolder(const Place& place, const struct stat& facts) {
     for (const std::string& name : names) {
         copyItem(place, name, names);
     }
-    if (!copyAttributes(place.from, place.to, facts) ||
-        ::futimens(place.to, VolumeTransfer::datesIn(facts).data()) != 0) {
+    if (!copyAttributesAndDates(place.from, place.to, facts)) {
         fail(place.path, errno);
     }
 }
@@ -198,6 +191,8 @@ void FolderCopy::copyItem(const Place& place, const std::string& name,
         } else {
             copyLink(place, name, facts);
         }
+    } else {
+        showLinkedFile(place, name, facts);
     }
     ++report_.items;
     report(0, true);
@@ -241,7 +236,7 @@ FileHandle FolderCopy::copyOf(const FileHandle& from, const Place& place, const 
         }
         triesCloning_ = !meansNoCloning(errno);
     }
-    FileHandle to(::openat(place.to, name.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600));
+    FileHandle to = createFileIn(place.to, name.c_str());
     if (to.descriptor() < 0 ||
         !copyBytes(from, to, [&](std::size_t count) { report(count, false); })) {
         fail(place.path + name, errno);
@@ -261,29 +256,36 @@ void FolderCopy::copyFile(const Place& place, const std::string& name, const str
         fail(place.path + name, EBUSY);
     }
     const FileHandle to = copyOf(from, place, name, facts);
-    if (!copyAttributes(from.descriptor(), to.descriptor(), facts) ||
-        ::futimens(to.descriptor(), VolumeTransfer::datesIn(facts).data()) != 0) {
+    if (!copyAttributesAndDates(from.descriptor(), to.descriptor(), facts)) {
         fail(place.path + name, errno);
     }
     if (facts.st_nlink > 1) {
         linked_.emplace(identityOf(facts), place.path + name);
+    }
+    if (options_.copied) {
+        options_.copied({.path = place.path + name, .file = from.descriptor(), .target = {}});
+    }
+}
+
+// Each of its names may be of interest.
+void FolderCopy::showLinkedFile(const Place& place, const std::string& name,
+                                const struct stat& facts) {
+    if (options_.copied && S_ISREG(facts.st_mode)) {
+        const FileHandle file(openFileOnMount(place.from, name.c_str(), mount_));
+        options_.copied({.path = place.path + name, .file = file.descriptor(), .target = {}});
     }
 }
 
 void FolderCopy::copyLink(const Place& place, const std::string& name, const struct stat& facts) {
-    const auto target = linkTargetIn(place.from, name.c_str());
+    const auto target = copyLinkIn(place.from, place.to, name.c_str(), facts);
     if (!target) {
         fail(place.path + name, errno);
     }
-    if (::symlinkat(target->c_str(), place.to, name.c_str()) != 0 ||
-        ::utimensat(place.to, name.c_str(), VolumeTransfer::datesIn(facts).data(),
-                    AT_SYMLINK_NOFOLLOW) != 0) {
-        fail(place.path + name, errno);
-    }
-    std::ignore =
-        ::fchownat(place.to, name.c_str(), facts.st_uid, facts.st_gid, AT_SYMLINK_NOFOLLOW);
     if (facts.st_nlink > 1) {
         linked_.emplace(identityOf(facts), place.path + name);
+    }
+    if (options_.copied) {
+        options_.copied({.path = place.path + name, .target = *target});
     }
 }
 
@@ -300,8 +302,8 @@ bool FolderCopy::isUnchanged(const struct stat& now) const {
     }
     const State& then = state->second;
     return !then.isCopied || ((S_ISDIR(now.st_mode) || then.size == now.st_size) &&
-                              isSame(then.modified, VolumeTransfer::datesIn(now)[1]) &&
-                              isSame(then.changed, VolumeTransfer::changeIn(now)));
+                              isSameDate(then.modified, VolumeTransfer::datesIn(now)[1]) &&
+                              isSameDate(then.changed, VolumeTransfer::changeIn(now)));
 }
 
 bool FolderCopy::isLeftOut(const std::string& path) const {

@@ -43,9 +43,18 @@ struct CopyProgress {
     std::uintmax_t allBytes = 0;
 };
 
+/// A file or a link that was copied.
+struct CopiedContent {
+    const std::string& path;   ///< relative to the folder
+    int file = -1;             ///< the original, open for reading; -1 for a link
+    const std::string& target; ///< what a link leads to
+};
+
 struct FolderCopyOptions {
     /// Returns whether an item is not to be copied. Sockets, FIFOs and devices never are.
     std::function<bool(const CopiedItem&)> leavesOut{};
+    /// Called for each file and link once it is copied, while its bytes are in memory.
+    std::function<void(const CopiedContent&)> copied{};
     /// Called now and then, on the thread that copies.
     std::function<void(const CopyProgress&)> progress{};
     /// Cancels the copy once it is true. Null: can't be cancelled.
@@ -108,6 +117,7 @@ private:
     void copyLink(const Place& place, const std::string& name, const struct stat& facts);
     [[nodiscard]] bool linkToCopy(const Place& place, const std::string& name,
                                   const struct stat& facts);
+    void showLinkedFile(const Place& place, const std::string& name, const struct stat& facts);
     void remember(const struct stat& facts, bool isCopied);
     void requireUnchanged() const;
     [[nodiscard]] bool isUnchanged(const struct stat& now) const;

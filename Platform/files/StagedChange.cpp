@@ -6,6 +6,7 @@
 #include "Platform/files/CheckedRename.h"
 #include "Platform/files/FileReading.h"
 #include "Platform/files/FileSystem.h"
+#include "Platform/files/FolderLock.h"
 #include "Platform/files/ItemIdentity.h"
 #include "Platform/files/ItemRemoval.h"
 #include "Platform/files/MountBoundary.h"
@@ -16,7 +17,6 @@
 #include <cerrno>
 #include <cstdio>
 #include <fcntl.h>
-#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 #include <utility>
@@ -38,11 +38,6 @@ std::optional<ItemIdentity> identityIn(int folder, const std::string& name) {
 
 bool isThere(int folder, const char* name) {
     return identityIn(folder, name).has_value();
-}
-
-// On a file system without locks, no one can hold one.
-bool lock(int folder) {
-    return ::flock(folder, LOCK_EX | LOCK_NB) == 0 || errno != EWOULDBLOCK;
 }
 
 int renameWhereFree(int from, const char* name, int to, const char* newName) {
@@ -87,17 +82,11 @@ StagedChange::~StagedChange() {
 
 // Returns whether the hidden folder is open and locked.
 bool StagedChange::open(const std::string& hidden) {
-    FileHandle opened(::openat(parent_.descriptor(), hidden.c_str(),
-                               O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
-    struct stat status {};
-    struct stat named {};
-    if (opened.descriptor() < 0 || !lock(opened.descriptor()) ||
-        ::fstat(opened.descriptor(), &status) != 0 ||
-        ::fstatat(parent_.descriptor(), hidden.c_str(), &named, AT_SYMLINK_NOFOLLOW) != 0 ||
-        identityOf(status) != identityOf(named)) {
+    // On a file system without locks, no one can hold one.
+    hidden_ = lockedFolder(parent_.descriptor(), hidden.c_str(), WithoutLocks::isOurs);
+    if (hidden_.descriptor() < 0) {
         return false;
     }
-    hidden_ = std::move(opened);
     path_ = joinAsText(folder_, hidden);
     return true;
 }

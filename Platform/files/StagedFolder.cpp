@@ -6,6 +6,7 @@
 #include "Platform/files/ExclusiveRename.h"
 #include "Platform/files/FileRemoval.h"
 #include "Platform/files/FileSystem.h"
+#include "Platform/files/FolderLock.h"
 #include "Platform/files/ItemIdentity.h"
 #include "Platform/files/MountBoundary.h"
 #include "Platform/files/PlatformError.h"
@@ -15,7 +16,6 @@
 #include <cerrno>
 #include <fcntl.h>
 #include <string_view>
-#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 #include <utility>
@@ -25,20 +25,6 @@ namespace fs = std::filesystem;
 namespace {
 
 constexpr std::string_view prefix = ".quorvel-copying-";
-
-enum class WithoutLocks { isOurs, mayBeInUse };
-
-// Returns a handle that is not open if the folder is another program's, or gone.
-FileHandle lockedFolder(const fs::path& path, WithoutLocks otherwise) {
-    FileHandle folder(::open(path.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
-    struct stat facts {};
-    const bool isOurs = folder.descriptor() >= 0 &&
-                        (::flock(folder.descriptor(), LOCK_EX | LOCK_NB) == 0 ||
-                         (errno != EWOULDBLOCK && otherwise == WithoutLocks::isOurs)) &&
-                        ::fstat(folder.descriptor(), &facts) == 0 &&
-                        identityOf(path) == identityOf(facts);
-    return isOurs ? std::move(folder) : FileHandle(-1);
-}
 
 fs::path temporaryName(const fs::path& parent) {
     return joinAsText(parent, std::string(prefix) + randomUuid());
@@ -62,7 +48,7 @@ StagedFolder::StagedFolder(fs::path destination) : destination_(std::move(destin
     for (int attempt = 0; attempt < attempts && folder_.descriptor() < 0; ++attempt) {
         path_ = temporaryName(parent);
         createPrivateFolder(path_);
-        folder_ = lockedFolder(path_, WithoutLocks::isOurs);
+        folder_ = lockedFolder(AT_FDCWD, path_.c_str(), WithoutLocks::isOurs);
     }
     if (folder_.descriptor() < 0) {
         removeQuietly(path_);
@@ -117,7 +103,7 @@ void StagedFolder::removeAbandoned(const fs::path& parent) noexcept {
         for (const std::string& name : names ? *names : std::vector<std::string>()) {
             const fs::path path = joinAsText(parent, name);
             if (name.starts_with(prefix) &&
-                lockedFolder(path, WithoutLocks::mayBeInUse).descriptor() >= 0) {
+                lockedFolder(AT_FDCWD, path.c_str(), WithoutLocks::mayBeInUse).descriptor() >= 0) {
                 removeQuietly(path);
             }
         }

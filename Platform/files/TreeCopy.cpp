@@ -2,16 +2,15 @@
 
 #include "Platform/files/ByteCopy.h"
 #include "Platform/files/FileHandle.h"
-#include "Platform/files/FileReading.h"
 #include "Platform/files/Folder.h"
 #include "Platform/files/ItemAttributes.h"
+#include "Platform/files/ItemCopy.h"
 #include "Platform/files/PlatformError.h"
 #include "Platform/files/TreeComparison.h"
 #include "Platform/files/VolumeTransfer.h"
 
 #include <cerrno>
 #include <fcntl.h>
-#include <tuple>
 #include <unistd.h>
 
 namespace quorvel {
@@ -30,13 +29,7 @@ bool isUnchanged(int descriptor, const struct stat& before) {
     const auto date = VolumeTransfer::datesIn(now)[1];
     errno = EBUSY;
     return now.st_dev == before.st_dev && now.st_ino == before.st_ino &&
-           now.st_size == before.st_size && date.tv_sec == then.tv_sec &&
-           date.tv_nsec == then.tv_nsec;
-}
-
-bool setAttributes(int original, int copy, const struct stat& facts) {
-    return copyAttributes(original, copy, facts) &&
-           ::futimens(copy, VolumeTransfer::datesIn(facts).data()) == 0;
+           now.st_size == before.st_size && isSameDate(date, then);
 }
 
 } // namespace
@@ -125,7 +118,7 @@ void TreeCopy::copyFolder(const Place& place, const struct stat& facts) {
     const bool emptied =
         names.empty() || ::faccessat(from->descriptor(), ".", W_OK | X_OK, AT_EACCESS) == 0;
     if (!emptied || !isUnchanged(from->descriptor(), facts) ||
-        !setAttributes(from->descriptor(), to.descriptor(), facts)) {
+        !copyAttributesAndDates(from->descriptor(), to.descriptor(), facts)) {
         fail(place, errno);
     }
 }
@@ -135,27 +128,18 @@ void TreeCopy::copyFile(const Place& place, const struct stat& facts) {
     if (from.descriptor() < 0 || !isUnchanged(from.descriptor(), facts)) {
         fail(place, errno);
     }
-    const FileHandle to(
-        ::openat(place.to, place.name.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600));
+    const FileHandle to = createFileIn(place.to, place.name.c_str());
     if (to.descriptor() < 0 || !copyBytes(from, to) || !isUnchanged(from.descriptor(), facts) ||
-        !setAttributes(from.descriptor(), to.descriptor(), facts)) {
+        !copyAttributesAndDates(from.descriptor(), to.descriptor(), facts)) {
         fail(place, errno);
     }
     remember(place, facts, to.descriptor());
 }
 
 void TreeCopy::copyLink(const Place& place, const struct stat& facts) {
-    const auto target = linkTargetIn(place.from, place.name.c_str());
-    if (!target) {
+    if (!copyLinkIn(place.from, place.to, place.name.c_str(), facts)) {
         fail(place, errno);
     }
-    if (::symlinkat(target->c_str(), place.to, place.name.c_str()) != 0 ||
-        ::utimensat(place.to, place.name.c_str(), VolumeTransfer::datesIn(facts).data(),
-                    AT_SYMLINK_NOFOLLOW) != 0) {
-        fail(place, errno);
-    }
-    std::ignore =
-        ::fchownat(place.to, place.name.c_str(), facts.st_uid, facts.st_gid, AT_SYMLINK_NOFOLLOW);
 }
 
 void TreeCopy::copyNode(const Place& place, const struct stat& facts) {
@@ -185,8 +169,7 @@ bool TreeCopy::linkToCopy(const Place& place, const struct stat& facts) {
     const int folder = here != linked_.end() ? root_ : AT_FDCWD;
     struct stat copy {};
     const auto date = VolumeTransfer::datesIn(facts)[1];
-    if (file.missing == 0 || file.size != facts.st_size || file.dates[1].tv_sec != date.tv_sec ||
-        file.dates[1].tv_nsec != date.tv_nsec ||
+    if (file.missing == 0 || file.size != facts.st_size || !isSameDate(file.dates[1], date) ||
         ::fstatat(folder, file.copy.c_str(), &copy, AT_SYMLINK_NOFOLLOW) != 0 ||
         file.copied != Identity{copy.st_dev, copy.st_ino} ||
         ::linkat(folder, file.copy.c_str(), place.to, place.name.c_str(), 0) != 0) {

@@ -11,6 +11,7 @@
 #include "Platform/files/UserPaths.h"
 #include "Platform/files/XdgFolders_linux.h"
 #include "Platform/files/XdgUserDirs_linux.h"
+#include "Platform/processes/DataFolders.h"
 #include "Platform/processes/FolderVariable.h"
 
 #include <algorithm>
@@ -165,13 +166,12 @@ Environment isolatedEnvironment(const std::string& home, const Environment& sess
         return {}; // the clone is configured to use the user's own data
     }
     Environment set{
-        {"XDG_CONFIG_HOME", home + "/.config"},
-        {"XDG_DATA_HOME", home + "/.local/share"},
-        {"XDG_STATE_HOME", home + "/.local/state"},
-        {"XDG_CACHE_HOME", home + "/.cache"},
         // Settings written through dconf's service would land in the real home.
         {"GSETTINGS_BACKEND", "keyfile"},
     };
+    for (const UserDataFolder& folder : userDataFolders) {
+        set[folder.variable] = home + "/" + folder.usual;
+    }
     const auto authority = session.find("XAUTHORITY");
     if ((authority == session.end() || authority->second.empty()) &&
         itemExists(realHome + "/.Xauthority")) {

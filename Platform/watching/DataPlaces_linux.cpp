@@ -3,7 +3,7 @@
 #include "Base/PathText.h"
 #include "Platform/files/FileReading.h"
 #include "Platform/files/FileSystem.h"
-#include "Platform/processes/FolderVariable.h"
+#include "Platform/processes/DataFolders.h"
 #include "Platform/watching/DconfDatabase_linux.h"
 
 namespace quorvel {
@@ -21,18 +21,18 @@ std::optional<Settings> sharedSettings(const DataPlace& place) {
 std::vector<DataPlace> dataPlaces(const std::string& home, const Environment& session) {
     using enum DataPlace::Kind;
     const auto inHome = [&](const char* name) { return joinAsText(home, name); };
-    const std::string config = folderVariable(session, "XDG_CONFIG_HOME", inHome(".config"));
-    return {
+    const std::string config = userDataFolders.front().in(session, home);
+    std::vector<DataPlace> places{
         {.folder = joinAsText(config, "dconf"), .kind = settings, .isShared = true},
         {.folder = inHome(".var/app"), .kind = containers},
         {.folder = inHome("snap"), .kind = containers},
-        {.folder = config},
-        {.folder = folderVariable(session, "XDG_DATA_HOME", inHome(".local/share"))},
-        {.folder = folderVariable(session, "XDG_STATE_HOME", inHome(".local/state"))},
-        {.folder = folderVariable(session, "XDG_CACHE_HOME", inHome(".cache"))},
-        // Applications' own folders lie one level deeper than in the others: ".mozilla/firefox".
-        {.folder = home, .levels = 2, .hiddenOnly = true},
     };
+    for (const UserDataFolder& folder : userDataFolders) {
+        places.push_back({.folder = folder.in(session, home)});
+    }
+    // Applications' own folders lie one level deeper than in the others: ".mozilla/firefox".
+    places.push_back({.folder = home, .levels = 2, .hiddenOnly = true});
+    return places;
 }
 
 } // namespace quorvel

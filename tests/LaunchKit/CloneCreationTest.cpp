@@ -54,6 +54,25 @@ TEST_F(CloneCreationTest, LeavesNoFolderWhenTheRequestCantBeCarriedOut) {
     EXPECT_FALSE(fs::exists(home / "Applications"));
 }
 
+TEST_F(CloneCreationTest, WarnsOfTwoNamesThatBecomeOneIdentifier) {
+    std::vector<std::string> warnings;
+    const auto make = [&](const std::string& name) {
+        WrapperFactory::Request named = request();
+        named.displayName = name;
+        const MadeClone made =
+            createClone(factory, named, {.existingClone = true},
+                        [&](const std::string& warning) { warnings.push_back(warning); });
+        EXPECT_EQ(made.record->config.bundleId, "app.quorvel.instance.work-1");
+    };
+    make("Work 1");
+    make("Work 1");
+    EXPECT_THAT(warnings, ::testing::IsEmpty()) << "one that is made again is the same one";
+    make("work-1");
+    EXPECT_THAT(warnings, ::testing::ElementsAre(::testing::StartsWith(
+                              "“work-1” has the same bundle identifier as “Work 1”, "
+                              "app.quorvel.instance.work-1. ")));
+}
+
 TEST_F(CloneCreationTest, WaitsForAnotherCreationAndThenSeesItsClone) {
     fs::create_directories(home / "Applications");
     for (const bool mayReplace : {false, true}) {

@@ -1,5 +1,9 @@
 #include "LaunchKit/CloneRefresh.h"
 
+#include "LaunchKit/ChangeJournal.h"
+#include "Platform/desktop/MenuEntry.h"
+#include "Platform/files/ItemIdentity.h"
+#include "Platform/files/StagedChange.h"
 #include "tests/LaunchKit/ChangedClones.h"
 #include "tests/support/DesktopApps.h"
 
@@ -44,6 +48,64 @@ TEST_F(CloneRefreshTest, AnOldRunnerIsReplacedAndNothingElse) {
     EXPECT_TRUE(treeOf(wrapper) == before);
     EXPECT_EQ(fs::status(wrapper / "Contents/MacOS/runner").permissions(), fs::perms{0755});
     EXPECT_THAT(reasons(wrapper), IsEmpty());
+}
+
+TEST_F(CloneRefreshTest, ARunnerOfTheSameSizeIsCompared) {
+    const fs::path wrapper = make(webRequest());
+    const fs::path runner = wrapper / "Contents/MacOS/runner";
+    std::string bytes = read(runner);
+    for (const std::size_t place : {std::size_t{0}, bytes.size() - 1}) {
+        bytes[place] = static_cast<char>(bytes[place] ^ 1);
+        write(runner, bytes);
+        EXPECT_THAT(reasons(wrapper), ElementsAre(StaleReason::runner)) << place;
+        bytes[place] = static_cast<char>(bytes[place] ^ 1);
+    }
+    write(runner, bytes);
+    EXPECT_THAT(reasons(wrapper), IsEmpty());
+}
+
+TEST_F(CloneRefreshTest, AChangeThatWasCutOffMeanwhileIsPutRight) {
+    WrapperFactory::Request second = webRequest();
+    second.displayName = "Second";
+    for (const fs::path& wrapper : {make(webRequest()), make(second)}) {
+        write(wrapper / "Contents/MacOS/runner", "an older one");
+    }
+    EXPECT_TRUE(refresh.refresh(home / "Applications/Work.app").isChanged);
+    // A deletion that hides the wrapper, while its data is still there.
+    write(home / "QuorvelInstances/Second/file", "data");
+    {
+        StagedChange change(home / "Applications");
+        ChangeJournal{.wrapper = "Second.app",
+                      .home = home / "QuorvelInstances/Second",
+                      .device = std::to_string(identityOf(home.path())->device)}
+            .keepWith(change);
+        ASSERT_TRUE(change.withdraw("Second.app", "Second.app",
+                                    *identityOf(home / "Applications/Second.app")));
+        change.keep();
+    }
+    EXPECT_TRUE(refresh.refresh(home / "Applications/Second.app").isChanged);
+}
+
+TEST_F(CloneRefreshTest, TheMenuIsKeptUpForEachClone) {
+    WrapperFactory::Request second = webRequest();
+    second.displayName = "Second";
+    second.customIcon = writePicture("chosen.png", 64);
+    const fs::path wrapper = make(second);
+    (void)make(webRequest());
+    const auto pictureOf = [&] {
+        return home / ".local/share/icons/hicolor/48x48/apps" /
+               (publishedEntryOf(wrapper.string())->entry.icon + ".png");
+    };
+    write(pictureOf(), "not drawn again");
+    for (const char* name : {"Work", "Second"}) {
+        const fs::path clone = home / "Applications" / (std::string(name) + ".app");
+        write(clone / "Contents/MacOS/runner", "an older one");
+        const auto before = publishedEntryOf(clone.string())->written;
+        EXPECT_TRUE(refresh.refresh(clone).isChanged);
+        EXPECT_GT(publishedEntryOf(clone.string())->written, before);
+    }
+    EXPECT_EQ(publishedMenuEntries().size(), 2U);
+    EXPECT_EQ(read(pictureOf()), "not drawn again") << "the icon is the same";
 }
 
 TEST_F(CloneRefreshTest, TheTargetsNewIconIsTakenWithTheClonesLabel) {

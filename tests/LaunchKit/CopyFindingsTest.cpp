@@ -2,6 +2,7 @@
 
 #include "tests/support/TemporaryHome.h"
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sqlite3.h>
 
@@ -17,7 +18,19 @@ const fs::path original = "/home/me/QuorvelInstances/My Work";
 
 class CopyFindingsTest : public ::testing::Test {
 protected:
-    [[nodiscard]] CopyFindings findings() const { return findingsIn(folder_.path(), {original}); }
+    // Copies everything, and returns what was found meanwhile.
+    [[nodiscard]] static CopyFindings findingsIn(const fs::path& folder) {
+        const TemporaryFolder copies;
+        const fs::path copy = copies / "copy";
+        fs::create_directory(copy);
+        CopySearch search({original});
+        const FileHandle to(::open(copy.c_str(), O_RDONLY | O_DIRECTORY));
+        FolderCopyOptions options;
+        options.copied = [&](const CopiedContent& item) { search.lookAt(item, ""); };
+        (void)FolderCopy(folder, std::move(options)).copyInto(to.descriptor());
+        return search.findings(copy);
+    }
+    [[nodiscard]] CopyFindings findings() const { return findingsIn(folder_.path()); }
 
     // Opens a database in the copy and runs these statements.
     void run(const std::string& name, const std::string& statements) {
@@ -44,6 +57,12 @@ TEST_F(CopyFindingsTest, TextFilesAndLinksThatNameTheOriginalAreFound) {
     fs::create_symlink(original / "target", folder_ / "link");
     EXPECT_EQ(findings().namingOriginal,
               (std::vector<std::string>{"at-the-end", "config/app.ini", "link", "recent.xbel"}));
+}
+
+TEST_F(CopyFindingsTest, EveryNameOfAFileIsFound) {
+    write(folder_ / "one", original.string());
+    fs::create_hard_link(folder_ / "one", folder_ / "other");
+    EXPECT_EQ(findings().namingOriginal, (std::vector<std::string>{"one", "other"}));
 }
 
 TEST_F(CopyFindingsTest, OtherFilesAreNotFound) {
@@ -79,7 +98,7 @@ TEST_F(CopyFindingsTest, WhatIsOnlyInTheJournalCountsAndTheCopyStaysAsItIs) {
     write(copy / "Default/Cookies", read(folder_ / "Default/Cookies"));
     write(copy / "Default/Cookies-wal", read(folder_ / "Default/Cookies-wal"));
     const auto before = treeOf(copy.path());
-    EXPECT_EQ(findingsIn(copy.path(), {original}).lockedCookies, 1U);
+    EXPECT_EQ(findingsIn(copy.path()).lockedCookies, 1U);
     EXPECT_EQ(treeOf(copy.path()), before);
 }
 

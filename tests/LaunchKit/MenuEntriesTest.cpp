@@ -9,8 +9,8 @@
 #include "Platform/desktop/MenuEntry.h"
 #include "Platform/files/FileSystem.h"
 #include "Platform/processes/Process.h"
+#include "tests/LaunchKit/MenuEntriesFixture.h"
 #include "tests/support/AppBundles.h"
-#include "tests/support/EveryStep.h"
 #include "tests/support/IcnsBuilder.h"
 #include "tests/support/IconArtwork.h"
 #include "tests/support/TemporaryHome.h"
@@ -19,93 +19,17 @@
 #include <gmock/gmock.h>
 
 #include <QImage>
-#include <QPainter>
-#include <QSvgRenderer>
 
 namespace quorvel::testing {
 namespace {
 
 namespace fs = std::filesystem;
-using ::testing::Contains;
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
 using ::testing::SizeIs;
 
-const std::string targetEntry = "[Desktop Entry]\n"
-                                "Type=Application\n"
-                                "Name=Reader\n"
-                                "Exec=/bin/true --new %u\n"
-                                "Categories=Office;Viewer;\n"
-                                "Keywords=book;\n"
-                                "MimeType=application/pdf;image/png;\n"
-                                "StartupNotify=false\n"
-                                "StartupWMClass=reader\n"
-                                "DBusActivatable=true\n";
-
-class MenuEntriesTest : public ::testing::Test {
-protected:
-    MenuEntriesTest() { write(target(), targetEntry); }
-
-    [[nodiscard]] fs::path target() const { return home_ / "reader.desktop"; }
-    [[nodiscard]] fs::path clones() const { return home_ / "Applications"; }
-    [[nodiscard]] fs::path entries() const { return home_ / ".local/share/applications"; }
-    [[nodiscard]] fs::path pictures(const std::string& size) const {
-        return home_ / ".local/share/icons/hicolor" / size / "apps";
-    }
-
-    [[nodiscard]] static InstanceConfig command(const std::string& name) {
-        InstanceConfig config = minimalConfig(name);
-        config.kind = ShortcutKind::command;
-        config.commandPath = "/bin/true";
-        return config;
-    }
-
-    // An app clone's configuration, whose target is a desktop entry.
-    [[nodiscard]] InstanceConfig reader(const std::string& name = "Work") const {
-        InstanceConfig config = minimalConfig(name);
-        config.targetAppPath = target().string();
-        return config;
-    }
-
-    // A wrapper as the generator writes it.
-    [[nodiscard]] InstanceRecord made(const InstanceConfig& config) const {
-        const fs::path wrapper = makeWrapper(clones() / (config.displayName + ".app"), config);
-        write(wrapper / "Contents/MacOS/runner", "#!/bin/sh\n");
-        makeExecutable(wrapper / "Contents/MacOS/runner");
-        write(wrapper / "Contents/Info.plist", "<plist/>");
-        return {wrapper, config};
-    }
-
-    static void addIcon(const InstanceRecord& record, const std::string& bytes) {
-        write(record.bundleURL / "Contents/Resources/AppIcon.icns", bytes);
-    }
-
-    [[nodiscard]] static DesktopEntry entryOf(const InstanceRecord& record) {
-        return menuEntryOf(record).entry;
-    }
-
-    [[nodiscard]] fs::path published(const InstanceRecord& record) const {
-        return entries() / menuEntryOf(record).fileName;
-    }
-
-    [[nodiscard]] std::map<std::string, std::string> menu() const {
-        return treeOf(home_ / ".local/share");
-    }
-
-    [[nodiscard]] static QImage pictureIn(const fs::path& file) {
-        return QImage::fromData(QByteArray::fromStdString(read(file)));
-    }
-
-    // What the desktops' own checker objects to.
-    [[nodiscard]] static std::string objections(const fs::path& file) {
-        return Process::capture({.executable = "/usr/bin/desktop-file-validate",
-                                 .arguments = {"--no-hints", file.string()}},
-                                4096);
-    }
-
-    TemporaryHome home_{};
-};
+class MenuEntriesTest : public MenuEntriesFixture {};
 
 TEST_F(MenuEntriesTest, AnEntryStartsTheWrappersRunnerAndIsHiddenWithoutIt) {
     const InstanceRecord record = made(command("Work"));
@@ -130,101 +54,6 @@ TEST_F(MenuEntriesTest, AnEntryStartsTheWrappersRunnerAndIsHiddenWithoutIt) {
     g_object_unref(info);
     fs::remove(runner);
     EXPECT_EQ(g_desktop_app_info_new_from_filename(published(record).c_str()), nullptr);
-}
-
-TEST_F(MenuEntriesTest, ACloneOfAnEntryIsFiledWhereItsTargetIs) {
-    const DesktopEntry entry = entryOf(made(reader()));
-    EXPECT_EQ(entry.comment, "Clone of Reader");
-    EXPECT_THAT(entry.categories, ElementsAre("Office", "Viewer"));
-    EXPECT_THAT(entry.keywords, ElementsAre("book", "Reader"));
-    EXPECT_EQ(entry.startupNotify, false);
-    EXPECT_NE(entry.startupWmClass, "reader");
-    EXPECT_FALSE(entry.dbusActivatable);
-    EXPECT_THAT(entry.mimeTypes, IsEmpty()) << "it was not asked to open anything";
-    EXPECT_THAT(entry.exec, ::testing::EndsWith("runner"));
-}
-
-TEST_F(MenuEntriesTest, ACloneThatOpensDocumentsTakesWhatItsTargetTakes) {
-    InstanceConfig config = reader();
-    config.openWithPassthrough = true;
-    const InstanceRecord record = made(config);
-    EXPECT_THAT(entryOf(record).exec, ::testing::EndsWith("runner %U"));
-    EXPECT_THAT(entryOf(record).mimeTypes, ElementsAre("application/pdf", "image/png"));
-    publishInMenu(record);
-    EXPECT_EQ(objections(published(record)), "");
-    EXPECT_THAT(read(entries() / "mimeinfo.cache"),
-                HasSubstr("application/pdf=" + published(record).filename().string() + ";"));
-
-    config.openWithPassthrough = false;
-    config.registerAsBrowser = true;
-    config.targetAppPath = "/missing.desktop";
-    const DesktopEntry browser = entryOf(made(config));
-    EXPECT_THAT(browser.exec, ::testing::EndsWith("runner %U"));
-    EXPECT_THAT(browser.mimeTypes, Contains("x-scheme-handler/https"));
-    EXPECT_THAT(browser.categories, ElementsAre("Network", "WebBrowser"));
-}
-
-TEST_F(MenuEntriesTest, TheTargetsActionsAreOfferedAsFarAsTheCloneCanStartThem) {
-    write(target(), targetEntry + "Actions=private;other;broken;\n"
-                                  "[Desktop Action private]\nName=New \u202EPrivate Window\n"
-                                  "Exec=/bin/true --private %u\n"
-                                  "[Desktop Action other]\nName=Settings\nExec=settings\n"
-                                  "[Desktop Action broken]\nName=Broken\nExec=/bin/true \"a\n");
-    const InstanceRecord record = made(reader());
-    publishInMenu(record);
-    EXPECT_EQ(objections(published(record)), "");
-    const DesktopEntry entry = readDesktopEntry(published(record));
-    ASSERT_THAT(entry.actions, SizeIs(1));
-    EXPECT_EQ(entry.actions[0].id, "private");
-    EXPECT_EQ(entry.actions[0].name, "New Private Window");
-    EXPECT_EQ(entry.actions[0].exec, entry.exec + " --action=private");
-}
-
-TEST_F(MenuEntriesTest, AFlatpaksEntryBeginsWithItsId) {
-    write(target(), targetEntry + "X-Flatpak=org.example.Reader\n");
-    const MenuEntry entry = menuEntryOf(made(reader()));
-    EXPECT_THAT(entry.fileName, ::testing::StartsWith("org.example.Reader.quorvel-"));
-    EXPECT_THAT(entry.fileName, ::testing::EndsWith(".desktop"));
-    EXPECT_EQ(entry.entry.startupWmClass, entry.word);
-}
-
-TEST_F(MenuEntriesTest, AnIdThatLeadsOutOfTheMenuIsNotUsed) {
-    for (const char* id : {"../../../evil", "a/b", ".hidden", "a b", "ä"}) {
-        write(target(), targetEntry + "X-Flatpak=" + id + "\n");
-        const InstanceRecord record = made(reader());
-        EXPECT_THAT(menuEntryOf(record).fileName, ::testing::StartsWith("Quorvel-")) << id;
-        publishInMenu(record);
-        EXPECT_FALSE(fs::exists(home_ / "evil.quorvel"));
-        fs::remove_all(record.bundleURL);
-    }
-    EXPECT_THAT(treeOf(entries()), SizeIs(1));
-    MenuEntry outside = menuEntryOf(made(reader()));
-    outside.fileName = "../outside.desktop";
-    EXPECT_THROW(publishMenuEntry(outside, {}), DesktopEntryError);
-    EXPECT_FALSE(fs::exists(entries().parent_path() / "outside.desktop"));
-}
-
-TEST_F(MenuEntriesTest, OddActionsAndKeywordsAreLeftOut) {
-    write(target(), targetEntry + "Actions=unseen;odd;\n"
-                                  "[Desktop Action unseen]\nName=\u202E\nExec=/bin/true\n"
-                                  "[Desktop Action odd]\nName=Odd\nIcon=a\\nb\nExec=/bin/true\n");
-    const InstanceRecord record = made(reader());
-    const DesktopEntry entry = entryOf(record);
-    ASSERT_THAT(entry.actions, SizeIs(1));
-    EXPECT_EQ(entry.actions[0].name, "Odd");
-    EXPECT_EQ(entry.actions[0].icon, "");
-    publishInMenu(record);
-    EXPECT_TRUE(fs::exists(published(record)));
-}
-
-TEST_F(MenuEntriesTest, ABrowserIsGivenAddresses) {
-    write(target(), "[Desktop Entry]\nType=Application\nName=Reader\nExec=/bin/true %F\n");
-    InstanceConfig config = reader();
-    config.registerAsBrowser = true;
-    EXPECT_TRUE(entryOf(made(config)).exec.ends_with(" %U"));
-    config.registerAsBrowser = false;
-    config.openWithPassthrough = true;
-    EXPECT_TRUE(entryOf(made(config)).exec.ends_with(" %F"));
 }
 
 TEST_F(MenuEntriesTest, DeletingALinkToACloneLeavesItsEntry) {
@@ -342,48 +171,6 @@ TEST_F(MenuEntriesTest, ADrawingIsPublishedBesideThePictures) {
     EXPECT_TRUE(fs::exists(pictures("256x256") / (icon + ".png")));
 }
 
-// A picture with a dark half, a light half, and a gap between.
-QImage halves() {
-    QImage image(48, 48, QImage::Format_ARGB32);
-    image.fill(Qt::transparent);
-    for (int y = 0; y < 48; ++y) {
-        for (int x = 0; x < 48; ++x) {
-            if (x < 20 || x >= 28) {
-                image.setPixelColor(x, y, x < 20 ? QColor(10, 0, 0) : QColor(255, 255, 200));
-            }
-        }
-    }
-    return image;
-}
-
-TEST_F(MenuEntriesTest, AMonochromeTrayIconIsPublishedAndRepaired) {
-    InstanceConfig config = command("Work");
-    config.menuBarIconTemplate = true; // alone, it says nothing
-    addIcon(made(config), pngOf(halves()));
-    publishInMenu(made(config));
-    EXPECT_FALSE(fs::exists(pictures("symbolic")));
-    config.menuBarIcon = true;
-    const InstanceRecord record = made(config);
-    EXPECT_EQ(repairMenu({record}).published, 1U);
-    const fs::path drawing =
-        pictures("symbolic") / (readDesktopEntry(published(record)).icon + "-symbolic.svg");
-    QImage drawn(48, 48, QImage::Format_ARGB32);
-    drawn.fill(Qt::transparent);
-    QPainter painter(&drawn);
-    QSvgRenderer(QString::fromStdString(drawing.string())).render(&painter);
-    painter.end();
-    EXPECT_EQ(drawn.pixelColor(10, 24).alpha(), 255) << "dark";
-    EXPECT_EQ(drawn.pixelColor(24, 24).alpha(), 0) << "the gap";
-    EXPECT_NEAR(drawn.pixelColor(38, 24).alpha(), 64, 2) << "light";
-    EXPECT_NEAR(drawn.pixelColor(10, 24).blue(), drawn.pixelColor(38, 24).blue(), 2) << "one color";
-    EXPECT_EQ(repairMenu({record}).published, 0U);
-    fs::remove(drawing);
-    EXPECT_EQ(repairMenu({record}).published, 1U);
-    EXPECT_TRUE(fs::exists(drawing));
-    withdrawFromMenu(record.bundleURL);
-    EXPECT_FALSE(fs::exists(drawing));
-}
-
 TEST_F(MenuEntriesTest, APictureThatIsNoneLeavesAGenericOne) {
     const InstanceRecord record = made(command("Work"));
     addIcon(record, "not a picture");
@@ -434,135 +221,6 @@ TEST_F(MenuEntriesTest, ACloneThatCannotBePublishedIsMadeAndTheCallerIsTold) {
     EXPECT_TRUE(InstanceRegistry().record(wrapper));
     EXPECT_THAT(warnings, ElementsAre(HasSubstr("“Work” was made, but")));
     EXPECT_NO_THROW((void)WrapperFactory(runnerProgram()).create(request));
-}
-
-TEST_F(MenuEntriesTest, RepairsWhatAKilledPublicationLeaves) {
-    InstanceConfig config = reader();
-    config.openWithPassthrough = true;
-    const InstanceRecord record = made(config);
-    addIcon(record, pngOf(chatIcon(48)));
-    publishInMenu(record);
-    const auto complete = menu();
-    MenuEntry entry = menuEntryOf(record);
-    int steps = 0;
-    for (Kill kill = Kill::done; kill == Kill::done; ++steps) {
-        withdrawFromMenu(record.bundleURL);
-        kill = killedBefore(steps, [&] { publishMenuEntry(entry, {{48, "x"}, {256, "y"}}); });
-        if (kill == Kill::notPermitted) {
-            GTEST_SKIP() << "the kernel forbids tracing";
-        }
-        EXPECT_THAT(repairMenu({record}).problems, IsEmpty());
-        ASSERT_TRUE(fs::exists(published(record))) << steps;
-        ASSERT_TRUE(hasMenuPicture(readDesktopEntry(published(record)).icon, 128)) << steps;
-        EXPECT_EQ(repairMenu({record}).published, 0U) << "nothing is left to repair";
-    }
-    EXPECT_GT(steps, 20);
-}
-
-TEST_F(MenuEntriesTest, TheApplicationsDrawingIsRepairedAsLongAsTheIconIsMadeOfIt) {
-    const std::string red = R"(<svg xmlns="http://www.w3.org/2000/svg" width="48" height="48">)"
-                            R"(<rect width="48" height="48" fill="red"/></svg>)";
-    write(home_ / "reader.svg", red);
-    write(target(), targetEntry + "Icon=" + (home_ / "reader.svg").string() + "\n");
-    WrapperFactory::Request request;
-    request.targetApp = target();
-    request.displayName = "Work";
-    request.outputDir = clones();
-    const fs::path wrapper = WrapperFactory(runnerProgram()).create(request);
-    const InstanceRecord record = InstanceRegistry().record(wrapper).value();
-    const auto drawing = [&] {
-        return pictures("scalable") / (readDesktopEntry(published(record)).icon + ".svg");
-    };
-    ASSERT_EQ(read(drawing()), red);
-    fs::remove_all(home_ / ".local/share/icons");
-    EXPECT_EQ(repairMenu({record}).published, 1U);
-    EXPECT_EQ(read(drawing()), red);
-    addIcon(record, pngOf(chatIcon(64)));
-    EXPECT_EQ(repairMenu({record}).published, 1U) << "another icon";
-    EXPECT_FALSE(fs::exists(drawing()));
-    EXPECT_TRUE(fs::exists(pictures("48x48") / drawing().filename().replace_extension("png")));
-    EXPECT_EQ(repairMenu({record}).published, 0U);
-}
-
-TEST_F(MenuEntriesTest, RepairsWhatAKilledWithdrawalLeaves) {
-    const InstanceRecord record = made(command("Work"));
-    addIcon(record, pngOf(chatIcon(48)));
-    int steps = 0;
-    for (Kill kill = Kill::done; kill == Kill::done; ++steps) {
-        publishInMenu(record);
-        const std::string identity = cloneIdentity(record.bundleURL);
-        fs::remove_all(record.bundleURL);
-        kill = killedBefore(steps, [&] { withdrawFromMenu(identity); });
-        if (kill == Kill::notPermitted) {
-            GTEST_SKIP() << "the kernel forbids tracing";
-        }
-        repairMenu({});
-        for (const auto& [name, content] : menu()) {
-            ASSERT_TRUE(content == "<folder>") << name << " at step " << steps;
-        }
-        (void)made(record.config);
-        addIcon(record, pngOf(chatIcon(48)));
-    }
-    EXPECT_GT(steps, 5);
-}
-
-TEST_F(MenuEntriesTest, AnEntryOfAReplacedCloneIsRepaired) {
-    const InstanceRecord record = made(command("Work"));
-    publishInMenu(record);
-    EXPECT_EQ(repairMenu({record}).published, 0U);
-    fs::last_write_time(published(record),
-                        fs::file_time_type::clock::now() - std::chrono::hours(1));
-    EXPECT_EQ(repairMenu({record}).published, 1U) << "the wrapper is newer";
-    addIcon(record, pngOf(chatIcon(48)));
-    write(record.bundleURL / "Contents/Info.plist", "<plist/>");
-    fs::last_write_time(record.bundleURL / "Contents/Info.plist",
-                        fs::file_time_type::clock::now() + std::chrono::seconds(1));
-    EXPECT_EQ(repairMenu({record}).published, 1U);
-    EXPECT_THAT(readDesktopEntry(published(record)).icon, ::testing::StartsWith("Quorvel-"));
-}
-
-TEST_F(MenuEntriesTest, WhatTheUserChangedInTheMenuStays) {
-    const InstanceRecord record = made(command("Work"));
-    publishInMenu(record);
-    DesktopEntry edited = readDesktopEntry(published(record));
-    edited.name = "My own name";
-    edited.icon = "face-smile";
-    edited.noDisplay = true;
-    const std::string text = desktopEntryText(edited);
-    write(published(record), text);
-    EXPECT_EQ(repairMenu({record}).published, 0U);
-    EXPECT_EQ(read(published(record)), text);
-    edited.exec = "/bin/false";
-    write(published(record), desktopEntryText(edited));
-    EXPECT_EQ(repairMenu({record}).published, 1U) << "it no longer starts the clone";
-}
-
-TEST_F(MenuEntriesTest, OnlyEntriesOfClonesThatAreGoneAreWithdrawn) {
-    const InstanceRecord listed = made(command("Listed"));
-    const InstanceRecord elsewhere = made(command("Elsewhere"));
-    const InstanceRecord gone = made(command("Gone"));
-    const InstanceRecord onADisk{home_ / "disk/Work.app", command("Work")};
-    makeWrapper(onADisk.bundleURL, onADisk.config);
-    for (const InstanceRecord& record : {listed, elsewhere, gone, onADisk}) {
-        publishInMenu(record);
-    }
-    fs::remove_all(gone.bundleURL);
-    fs::remove_all(home_ / "disk");
-    const MenuRepair repair = repairMenu({listed});
-    EXPECT_EQ(repair.withdrawn, 1U);
-    EXPECT_EQ(repair.published, 0U);
-    EXPECT_FALSE(fs::exists(published(gone)));
-    for (const InstanceRecord& record : {listed, elsewhere, onADisk}) {
-        EXPECT_TRUE(fs::exists(published(record))) << record.bundleURL;
-    }
-}
-
-TEST_F(MenuEntriesTest, OneCloneThatCannotBePublishedDoesNotKeepOthersFromIt) {
-    const InstanceRecord impossible = made(command("two\nlines"));
-    const InstanceRecord record = made(command("Work"));
-    const MenuRepair repair = repairMenu({impossible, record});
-    EXPECT_THAT(repair.problems, SizeIs(1));
-    EXPECT_TRUE(fs::exists(published(record)));
 }
 
 } // namespace

@@ -32,6 +32,7 @@ protected:
         entry.entry.exec = "/bin/true";
         entry.entry.icon = icon;
         entry.entry.cloneId = "/apps/Work.app";
+        entry.entry.startupWmClass = word;
         return entry;
     }
 
@@ -145,6 +146,31 @@ TEST_F(MenuEntryTest, APictureIsThereBeforeTheEntryThatNamesIt) {
     removeMenuLeftovers();
     EXPECT_THAT(directoryEntries(applications()).value(),
                 ::testing::UnorderedElementsAre(word + ".desktop", ".quorvel-mine"));
+}
+
+TEST_F(MenuEntryTest, PicturesThatNoEntryNamesAreRemovedOnceTheyAreOld) {
+    publish(menuEntry(word + "-2"));
+    const fs::path folder = theme() / "48x48/apps";
+    const fs::path old = folder / (word + "-1.png");
+    const fs::path young = folder / (word + "-3.png");
+    const fs::path others = folder / "Quorvel-fedcba9876543210-1.png";
+    for (const fs::path& file : {old, young, others}) {
+        write(file, "picture");
+    }
+    for (const fs::path& file : {old, others, folder / (word + "-2.png")}) {
+        fs::last_write_time(file, fs::file_time_type::clock::now() - std::chrono::hours(1));
+    }
+    removeOldMenuPictures({{"/apps/Work.app", publishedMenuEntries().front()}});
+    EXPECT_FALSE(fs::exists(old));
+    EXPECT_TRUE(fs::exists(young)) << "its entry may be about to be written";
+    EXPECT_TRUE(fs::exists(others)) << "whose entry is not known";
+    EXPECT_TRUE(hasMenuPicture(word + "-2", 48));
+
+    MenuEntry chosen = menuEntry(word + "-2");
+    chosen.entry.icon = "the-users-own";
+    write(applications() / chosen.fileName, desktopEntryText(chosen.entry));
+    removeOldMenuPictures({{"/apps/Work.app", publishedMenuEntries().front()}});
+    EXPECT_TRUE(hasMenuPicture(word + "-2", 48));
 }
 
 TEST_F(MenuEntryTest, WithdrawingRemovesWhatWasPublished) {
