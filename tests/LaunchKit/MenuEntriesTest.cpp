@@ -338,8 +338,11 @@ TEST_F(MenuEntriesTest, ADrawingIsPublishedBesideThePictures) {
     publishInMenu(record, home_ / "drawing.svg");
     const std::string icon = readDesktopEntry(published(record)).icon;
     EXPECT_EQ(read(pictures("scalable") / (icon + ".svg")), "<svg/>");
-    publishInMenu(record, home_ / "missing.svg");
     EXPECT_TRUE(fs::exists(pictures("256x256") / (icon + ".png")));
+    publishInMenu(record, home_ / "missing.svg");
+    const std::string plain = readDesktopEntry(published(record)).icon;
+    EXPECT_TRUE(fs::exists(pictures("256x256") / (plain + ".png")));
+    EXPECT_TRUE(fs::is_empty(pictures("scalable")));
 }
 
 // A picture with a dark half, a light half, and a gap between.
@@ -477,6 +480,10 @@ TEST_F(MenuEntriesTest, TheApplicationsDrawingIsRepairedAsLongAsTheIconIsMadeOfI
     fs::remove_all(home_ / ".local/share/icons");
     EXPECT_EQ(repairMenu({record}).published, 1U);
     EXPECT_EQ(read(drawing()), red);
+    fs::remove(drawing()); // alone
+    EXPECT_EQ(repairMenu({record}).published, 1U);
+    EXPECT_EQ(read(drawing()), red);
+    EXPECT_EQ(repairMenu({record}).published, 0U);
     addIcon(record, pngOf(chatIcon(64)));
     EXPECT_EQ(repairMenu({record}).published, 1U) << "another icon";
     EXPECT_FALSE(fs::exists(drawing()));
