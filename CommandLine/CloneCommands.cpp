@@ -120,8 +120,7 @@ void considerTarget(WrapperFactory::Request& request, bool addsEnvironment) {
     if (!app) {
         return;
     }
-    const auto reason = snapReason(*app);
-    if (reason && request.strategy != Strategy::unsupported) {
+    if (const auto reason = snapReason(*app)) {
         throw CommandError(*reason);
     }
     if (addsEnvironment) {

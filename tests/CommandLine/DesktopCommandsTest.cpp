@@ -134,6 +134,10 @@ TEST_F(DesktopCommandsTest, ASnapIsRefusedAndInspectSaysHowToInstallItTwice) {
     const auto refused = harness.run({"create", "--name", "Work", "--target", entry});
     EXPECT_EQ(refused.status, 1);
     EXPECT_THAT(refused.errors, HasSubstr("It is a Snap"));
+    const auto forced =
+        harness.run({"create", "--name", "Work", "--target", entry, "--strategy", "unsupported"});
+    EXPECT_EQ(forced.status, 1);
+    EXPECT_EQ(forced.errors, refused.errors) << "no clone of it could ever be opened";
 }
 
 TEST_F(DesktopCommandsTest, OfASeedItIsSaidWhatNeedsTheKeyringAndWhatNamesTheOriginal) {
