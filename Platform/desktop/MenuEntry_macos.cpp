@@ -6,6 +6,10 @@ bool hasMenu() noexcept {
     return false;
 }
 
+bool noticesEntriesLate() {
+    return false;
+}
+
 void publishMenuEntry(const MenuEntry& /*entry*/, const std::vector<MenuPicture>& /*pictures*/) {}
 
 void withdrawMenuEntry(const std::string& /*cloneId*/, const std::string& /*word*/) {}
