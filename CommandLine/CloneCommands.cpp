@@ -13,9 +13,11 @@
 #include "LaunchKit/InstanceLauncher.h"
 #include "LaunchKit/InstanceRecord.h"
 #include "LaunchKit/MenuEntries.h"
+#include "LaunchKit/NoSessionBus.h"
 #include "LaunchKit/ShippedProfiles.h"
 #include "LaunchKit/WindowIdentity.h"
 #include "Platform/desktop/ActivationError.h"
+#include "Platform/desktop/MenuEntry.h"
 #include "Presentation/AppTexts.h"
 
 #include <nlohmann/json.hpp>
@@ -42,6 +44,16 @@ void openWrapper(const CommandContext& context, const InstanceRecord& record) {
         context.errors << terminalText(error->description()) << "\n"; // but it is open
     } else if (error) {
         throw *error;
+    }
+}
+
+// Says what a clone that was opened as soon as it was made may look like.
+void noteLateEntry(const CommandContext& context, const InstanceConfig& config) {
+    // Without the bus, a window is nobody's until the entry is noticed.
+    if (config.kind == ShortcutKind::app && !takeBusAway(config.environment) &&
+        noticesEntriesLate()) {
+        context.errors << "This desktop notices new menu entries only after some seconds, so it "
+                          "may show the clone’s first window under the original.\n";
     }
 }
 
@@ -120,8 +132,7 @@ void considerTarget(WrapperFactory::Request& request, bool addsEnvironment) {
     if (!app) {
         return;
     }
-    const auto reason = snapReason(*app);
-    if (reason && request.strategy != Strategy::unsupported) {
+    if (const auto reason = snapReason(*app)) {
         throw CommandError(*reason);
     }
     if (addsEnvironment) {
@@ -229,6 +240,7 @@ void createCommand(const CommandContext& context, const CreateOptions& options, 
     }
     if (options.launch) {
         openWrapper(context, *record);
+        noteLateEntry(context, record->config);
     }
     if (json) {
         nlohmann::json form = jsonForm(*record, context.workspace.runningApplications());

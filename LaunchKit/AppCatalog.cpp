@@ -71,11 +71,18 @@ FoundApps bundlesIn(const std::vector<fs::path>& dirs, const EntitlementReader& 
 }
 
 void addInstalledApplications(FoundApps& found) {
-    IconTheme icons(IconTheme::chosenTheme());
-    for (InstalledApplication& installed : installedApplications()) {
-        auto icon = icons.find(installed.entry.icon);
-        found.emplace_back(InstalledApp{std::move(installed.file), std::move(installed.entry.name),
-                                        std::move(installed.id), std::move(icon)});
+    std::vector<InstalledApplication> installed = installedApplications();
+    std::vector<std::string> names;
+    names.reserve(installed.size());
+    for (const InstalledApplication& application : installed) {
+        names.push_back(application.entry.icon);
+    }
+    auto icons = IconTheme(IconTheme::chosenTheme()).findAll(names);
+    for (std::size_t index = 0; index < installed.size(); ++index) {
+        InstalledApplication& application = installed[index];
+        found.emplace_back(InstalledApp{std::move(application.file),
+                                        std::move(application.entry.name),
+                                        std::move(application.id), std::move(icons[index])});
     }
 }
 

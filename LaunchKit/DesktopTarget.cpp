@@ -75,6 +75,9 @@ std::optional<std::string> DesktopTarget::obstacle() const {
     if (entry.terminal) {
         return "it runs in a terminal";
     }
+    if (program.packaging == ResolvedProgram::Packaging::snap) {
+        return "it is a Snap, whose data stays in the user’s own home";
+    }
     if (!program.portableFolders.empty()) {
         return "it would use “" + program.portableFolders.front().string() +
                "” instead of the clone’s own folder; rename or remove that first";

@@ -138,20 +138,34 @@ bool needsSymbolicPicture(const InstanceConfig& config) {
     return config.menuBarIcon && config.menuBarIconTemplate;
 }
 
+<<<<<<< HEAD
 // The name says which picture it is, so that those that are there are the right ones.
 bool hasPictures(const std::string& icon, const InstanceConfig& config, bool withDrawing) {
     return std::all_of(menuPictureSides.begin(), menuPictureSides.end(),
                        [&](int side) { return hasMenuPicture(icon, side); }) &&
            (!needsSymbolicPicture(config) || hasMenuPicture(icon, MenuPicture::symbolic)) &&
            (!withDrawing || hasMenuPicture(icon, 0));
+=======
+// The name says that there is a drawing, too, so that one that is missing is noticed.
+std::string drawnIconName(const std::string& icon) {
+    return icon + "-drawn";
+>>>>>>> fixa
 }
 
 // Whether the published icon is one that the user chose, or the right one.
 bool showsRight(const DesktopEntry& published, const MenuEntry& wanted,
                 const InstanceConfig& config) {
     const std::string& icon = published.icon;
+    const bool isDrawn = icon == drawnIconName(wanted.entry.icon);
     return !icon.starts_with(wanted.word + "-") ||
+<<<<<<< HEAD
            (icon == wanted.entry.icon && hasPictures(icon, config, false));
+=======
+           ((isDrawn ? hasMenuPicture(icon, 0) : icon == wanted.entry.icon) &&
+            std::all_of(menuPictureSides.begin(), menuPictureSides.end(),
+                        [&](int side) { return hasMenuPicture(icon, side); }) &&
+            (!needsSymbolicPicture(config) || hasMenuPicture(icon, MenuPicture::symbolic)));
+>>>>>>> fixa
 }
 
 // Whether the clone was made again after its entry was published.
@@ -273,6 +287,7 @@ void publishInMenu(const InstanceRecord& record, const std::optional<fs::path>& 
     } else if (drawing) {
         if (auto bytes = readFile(drawing->native(), largestDrawing)) {
             pictures.push_back({0, std::move(*bytes)});
+            entry.entry.icon = drawnIconName(entry.entry.icon);
         }
     }
     publishMenuEntry(entry, pictures, older);

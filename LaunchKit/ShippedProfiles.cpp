@@ -1,6 +1,7 @@
 #include "LaunchKit/ShippedProfiles.h"
 
 #include "LaunchKit/AppBundle.h"
+#include "LaunchKit/NoSessionBus.h"
 #include "Platform/files/FileReading.h"
 
 namespace quorvel::ShippedProfiles {
@@ -57,9 +58,14 @@ std::optional<AppProfile> find(const std::string& bundleId, const std::vector<fs
 }
 
 std::map<std::string, std::string> suggestedEnvironment(const AppBundle& app) {
-    const auto profile = find(app.bundleId);
-    return profile ? profile->environment.value_or(std::map<std::string, std::string>{})
-                   : std::map<std::string, std::string>{};
+    if (const auto profile = find(app.bundleId)) {
+        return profile->environment.value_or(std::map<std::string, std::string>{});
+    }
+    // What the bus can start has a name there, by which a second start finds the first.
+    if (app.desktop && app.desktop->entry.dbusActivatable) {
+        return {{sessionBusVariable, noSessionBus}};
+    }
+    return {};
 }
 
 } // namespace quorvel::ShippedProfiles

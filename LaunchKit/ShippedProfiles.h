@@ -27,8 +27,8 @@ namespace ShippedProfiles {
 find(const std::string& bundleId,
      const std::vector<std::filesystem::path>& places = folders(ApplicationFolders::current()));
 
-/// Returns the variables to propose for a clone of the application: those of its profile. A Flatpak
-/// needs the session's bus to start, so none are proposed for it.
+/// Returns the variables to propose for a clone of the application: those of its profile. Without
+/// one, an application that the session's bus can start is assumed to need a clone without the bus.
 [[nodiscard]] std::map<std::string, std::string> suggestedEnvironment(const AppBundle& app);
 
 } // namespace ShippedProfiles

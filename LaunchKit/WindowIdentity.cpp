@@ -2,6 +2,7 @@
 
 #include "LaunchKit/AppBundle.h"
 #include "LaunchKit/InstanceConfig.h"
+#include "LaunchKit/NoSessionBus.h"
 #include "Platform/files/FileSystem.h"
 
 #include <algorithm>
@@ -39,11 +40,6 @@ bool namesOneAlready(const WindowIdentity& identity, const std::vector<std::stri
                            const std::string option = argument.substr(0, argument.find('='));
                            return option.starts_with('-') && names(arguments, option);
                        });
-}
-
-bool hasNoBus(const Environment& environment) {
-    const auto address = environment.find("DBUS_SESSION_BUS_ADDRESS");
-    return address != environment.end() && address->second == "disabled:";
 }
 
 } // namespace
@@ -86,23 +82,30 @@ WindowGrouping windowGrouping(const ResolvedProgram& program, const Environment&
     if (!identity.arguments.empty() && !takesGtkName(program)) {
         return WindowGrouping::own;
     }
-    if (identity == WindowIdentity{}) {
+    if (program.packaging == Packaging::flatpak) {
         return WindowGrouping::shared;
     }
-    switch (program.toolkit) {
-    case Toolkit::qt5:
-    case Toolkit::qt6:
+    // X11 windows get the word from outside, whatever the program understands.
+    if (program.toolkit == Toolkit::gtk2) {
+        return WindowGrouping::own; // it has no others
+    }
+    if (!identity.programName) {
         return WindowGrouping::ownOnX11;
-    case Toolkit::gtk4:
-        // With a bus, it takes its identity from the application's id.
-        return hasNoBus(environment) ? WindowGrouping::own : WindowGrouping::ownOnX11;
-    case Toolkit::gtk2:
+    }
+    switch (program.toolkit) {
     case Toolkit::gtk3:
     case Toolkit::wx:
+        return WindowGrouping::own;
+    case Toolkit::gtk4:
+        // With a bus, it takes its identity from the application's id.
+        return takeBusAway(environment) ? WindowGrouping::own : WindowGrouping::ownOnX11;
+    case Toolkit::gtk2:
+    case Toolkit::qt5:
+    case Toolkit::qt6:
     case Toolkit::unknown:
         break;
     }
-    return takesGtkName(program) ? WindowGrouping::ownOnX11 : WindowGrouping::own;
+    return WindowGrouping::ownOnX11;
 }
 
 WindowGrouping windowGroupingOf(const InstanceConfig& config) {

@@ -25,6 +25,7 @@ bool isSet(const Environment& environment, const char* name) {
 bool hasX11Windows(const ResolvedProgram& program, const Environment& environment) {
     return !isSet(environment, "WAYLAND_DISPLAY") ||
            program.engine == ResolvedProgram::Engine::java ||
+           program.toolkit == ResolvedProgram::Toolkit::gtk2 ||
            prefers(environment, "GDK_BACKEND", "x11") ||
            prefers(environment, "QT_QPA_PLATFORM", "xcb");
 }

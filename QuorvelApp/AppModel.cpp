@@ -65,7 +65,7 @@ SandboxInfo proposal(const InstalledApp& app, const AppFacts& facts) {
                               "isolate the data."),
                  {app.name});
     return {.sandboxed = true,
-            .strategy = Strategy::containerRedirect,
+            .strategy = facts.snapReason ? Strategy::unsupported : Strategy::containerRedirect,
             .reason = facts.snapReason.value_or(reason),
             .environment = facts.environment};
 }

@@ -7,10 +7,16 @@ class ActivationCategory final : public std::error_category {
 public:
     [[nodiscard]] const char* name() const noexcept override { return "activation"; }
     [[nodiscard]] std::string message(int failure) const override {
-        return static_cast<ActivationFailure>(failure) == ActivationFailure::noWindow
-                   ? "it is running, but has no window"
-                   : "it is running, but this desktop lets only you do that. Click its icon in "
-                     "the dock or taskbar";
+        switch (static_cast<ActivationFailure>(failure)) {
+        case ActivationFailure::noWindow:
+            return "it is running, but has no window";
+        case ActivationFailure::noDisplay:
+            return "it is running, but there is no display here to show it on";
+        case ActivationFailure::notAllowed:
+            break;
+        }
+        return "it is running, but this desktop lets only you do that. Click its icon in the dock "
+               "or taskbar";
     }
 };
 

@@ -10,6 +10,7 @@ namespace quorvel {
 enum class ActivationFailure {
     noWindow = 1, ///< it has none, or none yet
     notAllowed,   ///< the desktop lets only the user do it
+    noDisplay,    ///< there is none, as in a remote shell
 };
 
 /// Returns the error about the application in `bundle`.

@@ -1,4 +1,5 @@
 #include "Base/PathText.h"
+#include "Platform/desktop/BoundedLookup_linux.h"
 #include "Platform/desktop/IconTheme.h"
 #include "Platform/desktop/IconThemeFolder_linux.h"
 #include "Platform/desktop/KeyFile_linux.h"
@@ -9,6 +10,7 @@
 #include <algorithm>
 #include <array>
 #include <cstdlib>
+#include <set>
 #include <span>
 
 namespace quorvel {
@@ -26,8 +28,16 @@ bool isFile(const fs::path& path) {
     return !hasNul(path) && fs::is_regular_file(path, error);
 }
 
-bool isImage(const fs::path& path) {
-    return (path.extension() == ".png" || path.extension() == ".svg") && isFile(path);
+// Those of the icons that are paths of images, all of which are looked for at once.
+std::set<std::string> imagesAmong(const std::vector<std::string>& icons) {
+    std::set<std::string> paths;
+    for (const std::string& icon : icons) {
+        const fs::path ending = fs::path(icon).extension();
+        if (icon.starts_with('/') && (ending == ".png" || ending == ".svg")) {
+            paths.insert(icon);
+        }
+    }
+    return presentAmong(paths, [](const std::string& path) { return isFile(path); });
 }
 
 // Many entries name a file where the format wants an icon's name.
@@ -48,6 +58,18 @@ public:
         addThemes(name);
     }
 
+    // For a name that may end like a file's.
+    std::optional<fs::path> findAny(const std::string& icon) {
+        const std::string name = withoutEnding(icon);
+        if (name.empty() || icon.find('/') != std::string::npos) {
+            return std::nullopt;
+        }
+        auto file = find(name);
+        // An icon may be called "org.example.png" by its name, too.
+        return file || name == icon ? file : find(icon);
+    }
+
+private:
     std::optional<fs::path> find(const std::string& icon) {
         for (IconThemeFolder& theme : themes_) {
             if (auto file = theme.find(icon)) {
@@ -65,7 +87,6 @@ public:
         return findInDesktopThemes(icon);
     }
 
-private:
     // Most icons are found before, so these are opened only when they are needed.
     std::optional<fs::path> findInDesktopThemes(const std::string& icon) {
         if (desktopThemes_.empty()) {
@@ -113,16 +134,17 @@ IconTheme& IconTheme::operator=(IconTheme&&) noexcept = default;
 IconTheme::~IconTheme() = default;
 
 std::optional<fs::path> IconTheme::find(const std::string& icon) {
-    if (icon.starts_with('/')) {
-        return isImage(icon) ? std::optional<fs::path>(icon) : std::nullopt;
+    return std::move(findAll({icon}).front());
+}
+
+std::vector<std::optional<fs::path>> IconTheme::findAll(const std::vector<std::string>& icons) {
+    const std::set<std::string> images = imagesAmong(icons);
+    std::vector<std::optional<fs::path>> files;
+    files.reserve(icons.size());
+    for (const std::string& icon : icons) {
+        files.push_back(images.contains(icon) ? fs::path(icon) : lookup_->findAny(icon));
     }
-    const std::string name = withoutEnding(icon);
-    if (name.empty() || icon.find('/') != std::string::npos) {
-        return std::nullopt;
-    }
-    auto file = lookup_->find(name);
-    // An icon may be called "org.example.png" by its name, too.
-    return file || name == icon ? file : lookup_->find(icon);
+    return files;
 }
 
 std::string IconTheme::chosenTheme() {

@@ -14,6 +14,10 @@ std::optional<fs::path> IconTheme::find(const std::string&) {
     return std::nullopt;
 }
 
+std::vector<std::optional<fs::path>> IconTheme::findAll(const std::vector<std::string>& icons) {
+    return std::vector<std::optional<fs::path>>(icons.size());
+}
+
 std::string IconTheme::chosenTheme() {
     return {};
 }

@@ -1,5 +1,6 @@
 #include "Base/PathText.h"
-#include "Base/SplitText.h"
+#include "Platform/desktop/BoundedLookup_linux.h"
+#include "Platform/desktop/CurrentDesktops_linux.h"
 #include "Platform/desktop/ExecLine.h"
 #include "Platform/desktop/InstalledApplications.h"
 #include "Platform/desktop/ProgramResolution.h"
@@ -7,16 +8,8 @@
 #include "Platform/files/Folder.h"
 #include "Platform/processes/ParallelLoop.h"
 
-#include <algorithm>
-#include <chrono>
-#include <condition_variable>
-#include <cstdlib>
-#include <map>
-#include <memory>
-#include <mutex>
 #include <set>
 #include <sys/stat.h>
-#include <thread>
 #include <unordered_set>
 
 namespace quorvel {
@@ -25,15 +18,6 @@ namespace {
 
 constexpr std::string_view ending = ".desktop";
 constexpr std::string_view ownId = "app.quorvel.Quorvel.desktop";
-
-std::vector<std::string> currentDesktops() {
-    const char* variable = std::getenv("XDG_CURRENT_DESKTOP");
-    std::vector<std::string> desktops;
-    for (std::string_view rest = variable == nullptr ? "" : variable; !rest.empty();) {
-        desktops.emplace_back(takePart(rest, ':'));
-    }
-    return desktops;
-}
 
 struct EntryFile {
     std::string id{};
@@ -122,60 +106,6 @@ std::optional<Candidate> candidateIn(const EntryFile& file,
     }
 }
 
-// Looks for programs in several folders at a time: one that doesn't answer, such as that of a
-// server that is gone, delays no other, and its programs count as missing.
-class ProgramLookup {
-public:
-    explicit ProgramLookup(const std::set<std::string>& programs) {
-        std::map<fs::path, std::vector<std::string>> folders; // none for what is in `PATH`
-        for (const std::string& program : programs) {
-            folders[fs::path(program).parent_path()].push_back(program);
-        }
-        std::vector<std::vector<std::string>> shares(std::min(folders.size(), maxThreads));
-        std::size_t next = 0;
-        for (auto& [folder, names] : folders) {
-            auto& share = shares[next++ % shares.size()];
-            share.insert(share.end(), names.begin(), names.end());
-        }
-        answers_->waitingFor = shares.size();
-        for (std::vector<std::string>& share : shares) {
-            std::thread(look, answers_, std::move(share)).detach();
-        }
-        std::unique_lock lock(answers_->guard);
-        (void)answers_->changed.wait_for(lock, patience, [&] { return answers_->waitingFor == 0; });
-        present_ = answers_->present;
-    }
-
-    [[nodiscard]] bool has(const std::string& program) const { return present_.contains(program); }
-
-private:
-    static constexpr std::size_t maxThreads = 32;
-    static constexpr std::chrono::seconds patience{2};
-
-    struct Answers {
-        std::mutex guard{};
-        std::condition_variable changed{};
-        std::set<std::string> present{};
-        std::size_t waitingFor = 0;
-    };
-
-    static void look(const std::shared_ptr<Answers>& answers,
-                     const std::vector<std::string>& programs) {
-        for (const std::string& program : programs) {
-            if (findProgram(program)) {
-                const std::lock_guard lock(answers->guard);
-                answers->present.insert(program);
-            }
-        }
-        const std::lock_guard lock(answers->guard);
-        --answers->waitingFor;
-        answers->changed.notify_one();
-    }
-
-    std::shared_ptr<Answers> answers_ = std::make_shared<Answers>(); // outlives what still waits
-    std::set<std::string> present_{};
-};
-
 std::set<std::string> programsOf(const std::vector<std::optional<Candidate>>& candidates) {
     std::set<std::string> programs;
     for (const auto& candidate : candidates) {
@@ -205,11 +135,13 @@ std::vector<InstalledApplication> installedApplications(const std::vector<fs::pa
     });
     std::vector<InstalledApplication> found;
     found.reserve(candidates.size());
-    const ProgramLookup programs(programsOf(candidates));
+    const std::set<std::string> programs =
+        presentAmong(programsOf(candidates),
+                     [](const std::string& program) { return findProgram(program).has_value(); });
     for (std::size_t index = 0; index < candidates.size(); ++index) {
         auto& candidate = candidates[index];
-        if (candidate && programs.has(candidate->program) &&
-            (candidate->entry.tryExec.empty() || programs.has(candidate->entry.tryExec))) {
+        if (candidate && programs.contains(candidate->program) &&
+            (candidate->entry.tryExec.empty() || programs.contains(candidate->entry.tryExec))) {
             const EntryFile& file = files.files()[index];
             found.push_back({file.id, file.path, std::move(candidate->entry)});
         }

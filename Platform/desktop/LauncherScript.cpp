@@ -157,6 +157,11 @@ bool LauncherScript::mentionsJava() const {
                        [](const std::string& word) { return baseName(word) == "java"; });
 }
 
+bool LauncherScript::namesJar() const {
+    return std::any_of(words.begin(), words.end(),
+                       [](const std::string& word) { return word.ends_with(".jar"); });
+}
+
 bool LauncherScript::startsElectron() const {
     const auto isElectron = [](std::string_view word) {
         constexpr std::string_view name = "electron";

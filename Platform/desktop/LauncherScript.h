@@ -20,6 +20,9 @@ struct LauncherScript {
     /// Whether a word is Java's launcher, or seems to hold its path.
     [[nodiscard]] bool mentionsJava() const;
 
+    /// Whether a word is the path of a Java archive.
+    [[nodiscard]] bool namesJar() const;
+
     /// Whether it starts an Electron that is installed apart, with an application's archive.
     [[nodiscard]] bool startsElectron() const;
 };

@@ -41,6 +41,10 @@ struct PublishedEntry {
 /// Returns whether there is a menu to publish in.
 [[nodiscard]] bool hasMenu() noexcept;
 
+/// Returns whether this desktop notices a new entry only after some seconds, so that it takes an
+/// application that is started before for another.
+[[nodiscard]] bool noticesEntriesLate();
+
 /// Publishes the entry in place of the clone's older one: first the pictures, so that no desktop
 /// looks for one that isn't there yet. A concurrent reader finds the old entry or the new one.
 /// Pictures that are no longer named are removed, as far as possible. Throws `PlatformError`, also

@@ -1,6 +1,7 @@
 #include "Platform/desktop/MenuEntry.h"
 
 #include "Base/PathText.h"
+#include "Platform/desktop/CurrentDesktops_linux.h"
 #include "Platform/desktop/MimeDatabase_linux.h"
 #include "Platform/files/FileReading.h"
 #include "Platform/files/FileSystem.h"
@@ -163,6 +164,11 @@ bool isOlderThanAMinute(const fs::path& file) {
 
 bool hasMenu() noexcept {
     return true;
+}
+
+bool noticesEntriesLate() {
+    const std::vector<std::string> desktops = currentDesktops();
+    return std::find(desktops.begin(), desktops.end(), "GNOME") != desktops.end();
 }
 
 void publishMenuEntry(const MenuEntry& entry, const std::vector<MenuPicture>& pictures) {

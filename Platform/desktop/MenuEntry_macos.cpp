@@ -6,6 +6,10 @@ bool hasMenu() noexcept {
     return false;
 }
 
+bool noticesEntriesLate() {
+    return false;
+}
+
 void publishMenuEntry(const MenuEntry& /*entry*/, const std::vector<MenuPicture>& /*pictures*/) {}
 
 void publishMenuEntry(const MenuEntry& /*entry*/, const std::vector<MenuPicture>& /*pictures*/,

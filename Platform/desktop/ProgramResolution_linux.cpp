@@ -70,6 +70,24 @@ bool takeFirstWithMarks(const std::vector<fs::path>& programs, ResolvedProgram& 
     return false;
 }
 
+constexpr const char* snapFolders[] = {"/snap/bin/", "/var/lib/snapd/snap/bin/"};
+
+// Some packages install a script that starts the Snap of their name, which may be longer than the
+// Snap's: "chromium-browser".
+bool startsSnapOfItsName(const LauncherScript& script, const std::string& name) {
+    return std::any_of(script.words.begin(), script.words.end(), [&](const std::string& word) {
+        return std::any_of(
+            std::begin(snapFolders), std::end(snapFolders), [&](const std::string& folder) {
+                const std::string snap = word.starts_with(folder) ? word.substr(folder.size()) : "";
+                return !snap.empty() && (name == snap || name.starts_with(snap + "-"));
+            });
+    });
+}
+
+bool startsJava(const LauncherScript& script, const fs::path& folder) {
+    return script.mentionsJava() && (script.namesJar() || hasJar(folder));
+}
+
 void lookThroughScript(const ProgramFile& file, const std::vector<fs::path>& roots,
                        ResolvedProgram& result) {
     const LauncherScript script = LauncherScript::parse(file.bytesAt(0, maxScript));
@@ -77,16 +95,20 @@ void lookThroughScript(const ProgramFile& file, const std::vector<fs::path>& roo
     if (script.interpreter.empty() || takeFirstWithMarks({result.executable}, result)) {
         return;
     }
+    if (startsSnapOfItsName(script, result.launcher.filename().native())) {
+        result.packaging = Packaging::snap;
+        return;
+    }
     if (script.startsElectron()) {
         result.engine = Engine::electron;
         return;
     }
-    if (script.mentionsJava() && hasJar(result.executable.parent_path())) {
-        result.engine = Engine::java;
-        return;
-    }
     const std::vector<fs::path> named = programsIn(script);
     if (takeFirstWithMarks(named, result)) {
+        return;
+    }
+    if (startsJava(script, result.executable.parent_path())) {
+        result.engine = Engine::java;
         return;
     }
     if (!named.empty()) {
@@ -119,8 +141,9 @@ std::vector<fs::path> portableFoldersBeside(const ResolvedProgram& program) {
 }
 
 bool isSnap(const ResolvedProgram& program) {
-    const std::string folder = program.launcher.parent_path().native();
-    return folder == "/snap/bin" || folder == "/var/lib/snapd/snap/bin" ||
+    const std::string folder = program.launcher.parent_path().native() + "/";
+    return std::find(std::begin(snapFolders), std::end(snapFolders), folder) !=
+               std::end(snapFolders) ||
            (program.executable.filename() == "snap" && program.launcher.filename() != "snap");
 }
 
@@ -187,7 +210,8 @@ std::optional<ResolvedProgram> resolveProgram(std::string_view program,
         return result;
     }
     if (file->isElf()) {
-        result.engine = engineBeside(result.executable);
+        result.engine =
+            result.executable.filename() == "java" ? Engine::java : engineBeside(result.executable);
     } else {
         const fs::path script = result.executable;
         lookThroughScript(*file, roots, result);

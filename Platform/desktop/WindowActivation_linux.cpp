@@ -99,7 +99,7 @@ std::optional<ActivationFailure> bringToFront(const WindowOwner& owner) {
     if (isSet("DISPLAY")) {
         outcome = activateOnX11(owner);
     } else if (!wayland) {
-        return std::nullopt;
+        return ActivationFailure::noDisplay;
     }
     if (outcome == Outcome::noWindow && wayland && activateInPlasma(owner)) {
         outcome = Outcome::done;

@@ -136,14 +136,27 @@ def refreshed(desktop, windows):
     return [one and now.get(one.id) for one in windows]
 
 
+def is_taken_for(desktop, clone, window):
+    """Whether the desktop shows the window under the clone's entry, or would if it looked for entries."""
+    if not desktop.matches_entries:
+        names = (clone.word, clone.entry.removesuffix(".desktop"))
+        return window.app_id in names or window.instance in names
+    return window.entry == clone.entry
+
+
+def is_nobodys_clone(desktop, clones, window):
+    """Whether there is such a window, and none of the clones has taken it over."""
+    return window is not None and not any(is_taken_for(desktop, clone, window) for clone in clones)
+
+
 def match(desktop, clone, window):
     """How the desktop sees a clone's window: facts that are true, false, or None if it has none."""
     if window is None:
         return {"window": False}
+    entry = is_taken_for(desktop, clone, window)
     if not desktop.matches_entries:
-        names = (clone.word, clone.entry.removesuffix(".desktop"))
-        return {"window": True, "entry": window.app_id in names or window.instance in names, "name": None, "icon": None}
-    return {"window": True, "entry": window.entry == clone.entry, "name": window.name == clone.name,
+        return {"window": True, "entry": entry, "name": None, "icon": None}
+    return {"window": True, "entry": entry, "name": window.name == clone.name,
             "icon": window.icon == clone.icon and desktop.has_colour(clone.entry, clone.colour)}
 
 
@@ -206,8 +219,7 @@ def try_app(desktop, app, with_focus=True):
     original = windows[-1]
     report = {"desktop": desktop.title, "application": APPS[app][0],
               "clones": [match(desktop, clone, one) for clone, one in zip(clones, windows)],
-              "original": APPS[app][1] is None or
-              original is not None and original.entry not in [clone.entry for clone in clones],
+              "original": APPS[app][1] is None or is_nobodys_clone(desktop, clones, original),
               "windows": [vars(one) if one else None for one in windows]}
     if with_focus:
         time.sleep(JUST_STARTED if desktop.wayland else 2)

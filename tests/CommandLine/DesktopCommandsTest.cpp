@@ -122,6 +122,27 @@ TEST_F(DesktopCommandsTest, ShowSaysWhatTheVariablesCost) {
     EXPECT_THAT(harness.run({"show", "Work"}).output, Not(HasSubstr("Without the session bus")));
 }
 
+TEST_F(DesktopCommandsTest, WhereEntriesAreNoticedLateALaunchSaysSo) {
+    apps.addEntry("plain", "app");
+    const auto errors = [&](const char* desktop, const std::vector<std::string>& more) {
+        const ScopedEnvironment current("XDG_CURRENT_DESKTOP", desktop);
+        std::vector<std::string> command{"create", "--name", "Work", "--replace"};
+        command.insert(command.end(), more.begin(), more.end());
+        const CommandResult result = harness.run(command);
+        EXPECT_EQ(result.status, 0);
+        return result.errors;
+    };
+    const std::vector<std::string> launch{"--target", "plain", "--launch"};
+    EXPECT_THAT(errors("ubuntu:GNOME", launch), HasSubstr("first window under the original"));
+    EXPECT_EQ(errors("KDE", launch), "");
+    EXPECT_EQ(errors("ubuntu:GNOME", {"--target", "plain"}), "");
+    EXPECT_EQ(errors("ubuntu:GNOME", {"--kind", "command", "--command", "/bin/true", "--launch"}),
+              "");
+    EXPECT_EQ(errors("ubuntu:GNOME", {"--target", "plain", "--launch", "--env",
+                                      "DBUS_SESSION_BUS_ADDRESS=disabled:"}),
+              "");
+}
+
 // The entry is as snapd 2.57 writes it, but for the program's folder.
 TEST_F(DesktopCommandsTest, ASnapIsRefusedAndInspectSaysHowToInstallItTwice) {
     const fs::path entry = apps.at("thing_thing.desktop");
@@ -134,6 +155,10 @@ TEST_F(DesktopCommandsTest, ASnapIsRefusedAndInspectSaysHowToInstallItTwice) {
     const auto refused = harness.run({"create", "--name", "Work", "--target", entry});
     EXPECT_EQ(refused.status, 1);
     EXPECT_THAT(refused.errors, HasSubstr("It is a Snap"));
+    const auto forced =
+        harness.run({"create", "--name", "Work", "--target", entry, "--strategy", "unsupported"});
+    EXPECT_EQ(forced.status, 1);
+    EXPECT_EQ(forced.errors, refused.errors) << "no clone of it could ever be opened";
 }
 
 TEST_F(DesktopCommandsTest, OfASeedItIsSaidWhatNeedsTheKeyringAndWhatNamesTheOriginal) {

@@ -37,13 +37,15 @@ protected:
         return found;
     }
 
-    [[nodiscard]] std::vector<std::string> ids() const {
+    [[nodiscard]] static std::vector<std::string> idsOf(const std::vector<InstalledApp>& found) {
         std::vector<std::string> result;
-        for (const InstalledApp& app : scan()) {
+        for (const InstalledApp& app : found) {
             result.push_back(app.bundleId);
         }
         return result;
     }
+
+    [[nodiscard]] std::vector<std::string> ids() const { return idsOf(scan()); }
 
     TemporaryHome home;
     DesktopApps apps;
@@ -108,14 +110,21 @@ TEST_F(DesktopCatalogTest, HostileEntriesAreSkipped) {
     write(folder / "groupless.desktop", "Type=Application\nName=Bad\nExec=app\n");
     write(folder / "quote.desktop", head + "Exec=app \"never\n");
     write(folder / "nul.desktop", head + "Exec=app\n" + std::string("X=\0\n", 4));
-    write(folder / "line.desktop", head + "Exec=/bin/a\\npp\n");
     fs::create_symlink("loop.desktop", folder / "loop.desktop");
     ASSERT_EQ(::mkfifo((folder / "fifo.desktop").c_str(), 0600), 0);
     fs::create_directory_symlink(".", folder / "again");
     EXPECT_THAT(ids(), ElementsAre("good.desktop"));
 }
 
-TEST_F(DesktopCatalogTest, HundredThousandActionsTakeNoTime) {
+TEST_F(DesktopCatalogTest, ALineBreakInACommandOnlyEndsAWord) {
+    const fs::path entry = apps.addEntry("line", "app\\npp");
+    EXPECT_THAT(ids(), ElementsAre("line.desktop"));
+    const AppBundle app = AppBundle::read(entry, noEntitlements).value();
+    EXPECT_EQ(app.executableURL(), apps.at("bin/app"));
+    EXPECT_THAT(app.desktop->arguments({}, {}), ElementsAre("pp"));
+}
+
+TEST_F(DesktopCatalogTest, ThirtyThousandActionsTakeNoTime) {
     std::string list = "Actions=";
     std::string groups;
     for (int number = 0; number < 30000; ++number) { // as many as 1 MiB holds
@@ -142,20 +151,28 @@ TEST_F(DesktopCatalogTest, AFolderThatDoesNotAnswerDelaysTheOthersLittle) {
     const fs::path slow = apps.at("slow");
     fs::create_directory(slow);
     apps.addEntry("good", "app");
-    apps.addEntry("absolute", apps.at("bin/app").string());
+    const std::string icon = apps.addIcon("48x48", "picture.png", "x").string();
+    apps.addEntry("absolute", apps.at("bin/app").string(), "Icon=" + icon + "\n");
+    std::vector<std::string> expected{"absolute.desktop", "good.desktop"};
     for (int number = 0; number < 50; ++number) {
         apps.addEntry("slow" + std::to_string(number), "app",
                       "TryExec=" + (slow / std::to_string(number)).string() + "\n");
+        const std::string id = "picture" + std::to_string(100 + number); // in the order of names
+        apps.addEntry(id, "app", "Icon=" + (slow / id / "large.png").string() + "\n");
+        expected.push_back(id + ".desktop");
     }
     const auto problem = inPrivateMounts([&]() -> std::string {
         if (!mountWithoutAnswers(slow)) {
             return "skip";
         }
         const auto start = std::chrono::steady_clock::now();
-        const std::vector<std::string> found = ids();
+        const std::vector<InstalledApp> found = scan();
         const auto passed = std::chrono::steady_clock::now() - start;
-        if (found != std::vector<std::string>{"absolute.desktop", "good.desktop"}) {
+        if (idsOf(found) != expected) {
             return "found " + std::to_string(found.size());
+        }
+        if (found.front().themeIcon != icon || found.back().themeIcon) {
+            return "an icon is not the right one";
         }
         return passed < std::chrono::seconds(10) ? "" : "it took too long";
     });

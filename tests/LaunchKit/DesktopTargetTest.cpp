@@ -157,6 +157,12 @@ TEST_F(DesktopTargetTest, ATerminalIsAnObstacle) {
     EXPECT_EQ(AppBundle::read(file, noEntitlements).value().obstacle(), "it runs in a terminal");
 }
 
+TEST_F(DesktopTargetTest, ASnapIsAnObstacle) {
+    const fs::path file = apps.addEntry("s", "app", "X-SnapInstanceName=s\n");
+    EXPECT_EQ(AppBundle::read(file, noEntitlements).value().obstacle(),
+              "it is a Snap, whose data stays in the user’s own home");
+}
+
 TEST_F(DesktopTargetTest, TheEngineIsThatOfTheRealProgram) {
     const fs::path browser = apps.at("lib/browser/browser");
     write(browser, read(helperProgram()));

@@ -167,8 +167,11 @@ TEST_F(MenuEntriesTest, ADrawingIsPublishedBesideThePictures) {
     publishInMenu(record, home_ / "drawing.svg");
     const std::string icon = readDesktopEntry(published(record)).icon;
     EXPECT_EQ(read(pictures("scalable") / (icon + ".svg")), "<svg/>");
-    publishInMenu(record, home_ / "missing.svg");
     EXPECT_TRUE(fs::exists(pictures("256x256") / (icon + ".png")));
+    publishInMenu(record, home_ / "missing.svg");
+    const std::string plain = readDesktopEntry(published(record)).icon;
+    EXPECT_TRUE(fs::exists(pictures("256x256") / (plain + ".png")));
+    EXPECT_TRUE(fs::is_empty(pictures("scalable")));
 }
 
 TEST_F(MenuEntriesTest, APictureThatIsNoneLeavesAGenericOne) {

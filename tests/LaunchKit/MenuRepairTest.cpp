@@ -115,6 +115,10 @@ TEST_F(MenuRepairTest, TheApplicationsDrawingIsRepairedAsLongAsTheIconIsMadeOfIt
     fs::remove_all(home_ / ".local/share/icons");
     EXPECT_EQ(repairMenu({record}).published, 1U);
     EXPECT_EQ(read(drawing()), red);
+    fs::remove(drawing()); // alone
+    EXPECT_EQ(repairMenu({record}).published, 1U);
+    EXPECT_EQ(read(drawing()), red);
+    EXPECT_EQ(repairMenu({record}).published, 0U);
     addIcon(record, pngOf(chatIcon(64)));
     EXPECT_EQ(repairMenu({record}).published, 1U) << "another icon";
     EXPECT_FALSE(fs::exists(drawing()));

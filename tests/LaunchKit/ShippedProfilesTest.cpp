@@ -70,5 +70,20 @@ TEST(ShippedProfilesTest, VariablesAreSuggestedForAFlatpakToo) {
     EXPECT_THAT(suggested(apps.addEntry("org.example.Other", "app")), IsEmpty());
 }
 
+TEST(ShippedProfilesTest, AnAppThatTheBusCanStartDoesWithoutItUnlessItsProfileSaysOtherwise) {
+    const TemporaryHome home;
+    const DesktopApps apps;
+    apps.addProgram("app", helperProgram());
+    const auto suggested = [&](const std::string& id, const std::string& keys) {
+        return ShippedProfiles::suggestedEnvironment(
+            AppBundle::read(apps.addEntry(id, "app", keys), noEntitlements).value());
+    };
+    EXPECT_THAT(suggested("org.example.Other", "DBusActivatable=true\n"),
+                ElementsAre(Pair("DBUS_SESSION_BUS_ADDRESS", disabledBus)));
+    EXPECT_THAT(suggested("org.example.Other", "DBusActivatable=false\n"), IsEmpty());
+    EXPECT_THAT(ShippedProfiles::suggestedEnvironment({.bundleId = "com.example.Bundle"}),
+                IsEmpty());
+}
+
 } // namespace
 } // namespace quorvel

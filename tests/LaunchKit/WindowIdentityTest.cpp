@@ -54,14 +54,16 @@ TEST(WindowIdentityTest, AProgramGetsAnotherNameAndNoOptionThatItCouldRefuse) {
 TEST(WindowIdentityTest, NothingIsTriedWhereItDoesNotReach) {
     for (const Engine kind : {Engine::java, Engine::libreOffice, Engine::eclipse}) {
         EXPECT_EQ(windowIdentity(engine(kind), "X"), WindowIdentity{});
-        EXPECT_EQ(windowGrouping(engine(kind), {}), WindowGrouping::shared);
+        EXPECT_EQ(windowGrouping(engine(kind), {}), WindowGrouping::ownOnX11);
     }
-    ResolvedProgram flatpak = engine(Engine::other);
+    ResolvedProgram flatpak = toolkit(Toolkit::gtk2);
     flatpak.packaging = ResolvedProgram::Packaging::flatpak;
     EXPECT_EQ(windowIdentity(flatpak, "X"), WindowIdentity{});
+    EXPECT_EQ(windowGrouping(flatpak, {}), WindowGrouping::shared);
     ResolvedProgram script = engine(Engine::other);
     script.interpreter = "python3";
     EXPECT_EQ(windowIdentity(script, "X"), WindowIdentity{});
+    EXPECT_EQ(windowGrouping(script, {}), WindowGrouping::ownOnX11);
     ResolvedProgram behindAScript = engine(Engine::other);
     behindAScript.executable = "/usr/bin/env";
     EXPECT_EQ(windowIdentity(behindAScript, "X"), WindowIdentity{});
@@ -88,9 +90,18 @@ TEST(WindowIdentityTest, AScriptKnownToTakeTheOptionGetsIt) {
 TEST(WindowIdentityTest, OnWaylandSomeToolkitsKeepTheirNames) {
     const Environment noBus{{"DBUS_SESSION_BUS_ADDRESS", "disabled:"}};
     EXPECT_EQ(windowGrouping(toolkit(Toolkit::gtk3), {}), WindowGrouping::own);
+    EXPECT_EQ(windowGrouping(toolkit(Toolkit::wx), {}), WindowGrouping::own);
+    EXPECT_EQ(windowGrouping(toolkit(Toolkit::unknown), noBus), WindowGrouping::ownOnX11);
     EXPECT_EQ(windowGrouping(toolkit(Toolkit::qt5), noBus), WindowGrouping::ownOnX11);
     EXPECT_EQ(windowGrouping(toolkit(Toolkit::gtk4), {}), WindowGrouping::ownOnX11);
     EXPECT_EQ(windowGrouping(toolkit(Toolkit::gtk4), noBus), WindowGrouping::own);
+}
+
+TEST(WindowIdentityTest, AToolkitWithoutWaylandIsNamedFromOutsideWhateverStartsIt) {
+    EXPECT_EQ(windowGrouping(toolkit(Toolkit::gtk2), {}), WindowGrouping::own);
+    ResolvedProgram behindAScript = toolkit(Toolkit::gtk2);
+    behindAScript.executable = "/usr/bin/env";
+    EXPECT_EQ(windowGrouping(behindAScript, {}), WindowGrouping::own);
 }
 
 TEST(WindowIdentityTest, OptionsComeDirectlyAfterTheProgramAndNeverTwice) {

@@ -101,6 +101,62 @@ TEST_F(ScriptsTestMutations, LeavesASourceOfNoLayerAlone) {
     EXPECT_EQ(read(source_), before);
 }
 
+// The script with stand-ins for what it starts: the desktop "plasma" fails.
+TEST(ScriptsTest, TheTrialOfDesktopsFailsAfterItsTableIfADesktopDid) {
+    const TemporaryFolder folder;
+    const std::filesystem::path scripts = folder / "scripts";
+    std::filesystem::create_directories(scripts / "desktops");
+    std::filesystem::copy_file(QUORVEL_SOURCE "/scripts/test-desktops", scripts / "test-desktops");
+    write(scripts / "common.sh", "set -euo pipefail\ncd \"" + folder.path().string() +
+                                     "\"\ndebian_apps=()\ninstall_packages() { :; }\n"
+                                     "install_available() { :; }\nbuild_preset() { :; }\n"
+                                     "as_root() { \"$@\"; }\n");
+    write(scripts / "desktops/trial.py", "import sys\nprint(sys.argv[2], flush=True)\n"
+                                         "sys.exit(1 if sys.argv[2] == 'plasma' else 0)\n");
+    write(scripts / "desktops/table.py",
+          "import sys\nprint('table of', sys.stdin.read().split())\n");
+    const auto tried = [&](const std::string& desktop) {
+        return outcomeOf({"/usr/bin/env", "bash", scripts / "test-desktops", desktop, "sway"});
+    };
+    const Outcome failed = tried("plasma");
+    EXPECT_NE(failed.status, 0);
+    EXPECT_THAT(failed.output, ::testing::HasSubstr("table of ['plasma', 'plasma-x11', 'sway']\n"));
+    const Outcome succeeded = tried("xfce");
+    EXPECT_EQ(succeeded.status, 0);
+    EXPECT_EQ(succeeded.output, "table of ['xfce', 'sway']\n");
+}
+
+// Such desktops name no entry, so that the name of the original's window has to be looked at.
+TEST(ScriptsTest, TheTrialOfDesktopsSeesAnOriginalThatCarriesAClonesName) {
+    const Outcome outcome = outcomeOf({"/usr/bin/python3", "-c", R"(
+import sys
+from types import SimpleNamespace as Fake
+sys.dont_write_bytecode = True
+sys.path.insert(0, sys.argv[1])
+try:
+    import trial
+except ModuleNotFoundError as error:
+    print("missing", error.name)
+    sys.exit()
+clones = [Fake(word="Quorvel-1", entry="Quorvel-1.desktop"), Fake(word="Quorvel-2", entry="app.quorvel-2.desktop")]
+def ask(matches, app_id, instance, entry):
+    window = Fake(app_id=app_id, instance=instance, entry=entry)
+    print(trial.is_nobodys_clone(Fake(matches_entries=matches), clones, window))
+ask(False, "gedit", None, None)
+ask(False, "Quorvel-1", None, None)
+ask(False, "gedit", "Quorvel-2", None)
+ask(False, "app.quorvel-2", None, None)
+ask(True, "gedit", None, "org.gnome.gedit.desktop")
+ask(True, "gedit", None, "Quorvel-1.desktop")
+print(trial.is_nobodys_clone(Fake(matches_entries=True), clones, None))
+)",
+                                       QUORVEL_SOURCE "/scripts/desktops"});
+    if (outcome.output.starts_with("missing")) {
+        GTEST_SKIP() << outcome.output;
+    }
+    EXPECT_EQ(outcome.output, "True\nFalse\nFalse\nFalse\nTrue\nFalse\nFalse\n");
+}
+
 TEST(ScriptsTest, TestSummaryListsSkippedTestsWithReasonsAndEndsWithTheCounts) {
     const TemporaryFolder folder;
     write(folder / "CMakeLists.txt", R"(cmake_minimum_required(VERSION 3.20)

@@ -21,8 +21,8 @@ class CloneDetailTest : public WindowTest {};
 
 TEST_F(CloneDetailTest, SaysWhereAClonesWindowsCantBeToldFromTheOriginals) {
     const DesktopApps apps;
-    const auto sentence =
-        u"The dock may show the clone’s windows together with those of the original."_s;
+    const auto sentence = u"On Wayland, the dock may show the clone’s windows together with those "
+                          "of the original."_s;
     InstanceConfig config;
     config.displayName = "Scripted";
     config.bundleId = "app.quorvel.instance.scripted";

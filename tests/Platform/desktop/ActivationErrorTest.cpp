@@ -11,6 +11,9 @@ TEST(ActivationErrorTest, SaysWhatToDoInstead) {
     EXPECT_EQ(activationError(ActivationFailure::notAllowed, "/A/Work.app").description(),
               "“Work.app” couldn’t be brought to the front: it is running, but this desktop lets "
               "only you do that. Click its icon in the dock or taskbar");
+    EXPECT_EQ(activationError(ActivationFailure::noDisplay, "/A/Work.app").description(),
+              "“Work.app” couldn’t be brought to the front: it is running, but there is no display "
+              "here to show it on");
 }
 
 TEST(ActivationErrorTest, IsToldFromOtherErrors) {

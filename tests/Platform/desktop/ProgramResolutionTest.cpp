@@ -169,6 +169,40 @@ TEST_F(ProgramResolutionTest, KnowsJavaByArchivesBesideTheScript) {
     EXPECT_EQ(engine("plane"), Engine::other) << "nor does the archive";
 }
 
+TEST_F(ProgramResolutionTest, KnowsJavaByAnArchiveThatTheScriptNames) {
+    script("bin/tool", "exec java -jar /usr/share/tool/tool.jar \"$@\"\n");
+    EXPECT_EQ(engine("tool"), Engine::java);
+    script("bin/tool", "exec unzip /usr/share/tool/tool.jar\n");
+    EXPECT_EQ(engine("tool"), Engine::other);
+    elf("lib/ide/ide");
+    files("lib/ide", {"ide.ini", "plugins/org.eclipse.equinox.launcher_1.6.jar"});
+    script("bin/tool", "exec " + (folder_ / "lib/ide/ide").string() +
+                           " -vm /usr/bin/java -startup /usr/share/ide/launcher.jar\n");
+    EXPECT_EQ(engine("tool"), Engine::eclipse) << "a program with marks comes first";
+}
+
+TEST_F(ProgramResolutionTest, KnowsJavaItself) {
+    elf("lib/jvm/bin/java");
+    link("bin/java", "../lib/jvm/bin/java");
+    EXPECT_EQ(engine("java"), Engine::java);
+    link("bin/javaws", "../lib/jvm/bin/javaws");
+    elf("lib/jvm/bin/javaws");
+    EXPECT_EQ(engine("javaws"), Engine::other);
+}
+
+TEST_F(ProgramResolutionTest, KnowsAScriptInFrontOfASnap) {
+    const auto packaging = [&](const std::string& name, const std::string& lines) {
+        script("bin/" + name, lines);
+        return resolve(name).value().packaging;
+    };
+    EXPECT_EQ(packaging("fox", "[ -x /snap/bin/fox ] || exit 1\nexec /snap/bin/fox \"$@\"\n"),
+              Packaging::snap);
+    EXPECT_EQ(packaging("fox", "exec /var/lib/snapd/snap/bin/fox\n"), Packaging::snap);
+    EXPECT_EQ(packaging("fox-browser", "exec /snap/bin/fox\n"), Packaging::snap);
+    EXPECT_EQ(packaging("foxes", "exec /snap/bin/fox\n"), Packaging::none);
+    EXPECT_EQ(packaging("fox", "PATH=/snap/bin:/usr/bin\nexec /snap/bin/\n"), Packaging::none);
+}
+
 TEST_F(ProgramResolutionTest, KnowsTheOffice) {
     script("lib/office/program/soffice", "exec java\n");
     files("lib/office/program", {"soffice.bin", "unoil.jar"});

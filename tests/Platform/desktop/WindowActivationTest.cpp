@@ -306,11 +306,11 @@ TEST_F(WindowActivationTestSway, BringsTheWindowOfThatProcessToTheFront) {
     EXPECT_EQ(focused(), second);
 }
 
-TEST(WindowActivationTestWithoutADesktop, NothingIsDoneAndNothingIsWrong) {
+TEST(WindowActivationTestWithoutADesktop, SaysThatThereIsNoDisplay) {
     const ScopedEnvironment display("DISPLAY", "");
     const ScopedEnvironment wayland("WAYLAND_DISPLAY", "");
     const ScopedEnvironment sway("SWAYSOCK", "");
-    EXPECT_EQ(bringToFront({.processes = {::getpid()}}), std::nullopt);
+    EXPECT_EQ(bringToFront({.processes = {::getpid()}}), ActivationFailure::noDisplay);
 }
 
 } // namespace
