@@ -138,18 +138,17 @@ bool needsSymbolicPicture(const InstanceConfig& config) {
     return config.menuBarIcon && config.menuBarIconTemplate;
 }
 
-<<<<<<< HEAD
-// The name says which picture it is, so that those that are there are the right ones.
-bool hasPictures(const std::string& icon, const InstanceConfig& config, bool withDrawing) {
-    return std::all_of(menuPictureSides.begin(), menuPictureSides.end(),
-                       [&](int side) { return hasMenuPicture(icon, side); }) &&
-           (!needsSymbolicPicture(config) || hasMenuPicture(icon, MenuPicture::symbolic)) &&
-           (!withDrawing || hasMenuPicture(icon, 0));
-=======
 // The name says that there is a drawing, too, so that one that is missing is noticed.
 std::string drawnIconName(const std::string& icon) {
     return icon + "-drawn";
->>>>>>> fixa
+}
+
+// The name says which pictures they are, so that those that are there are the right ones.
+bool hasPictures(const std::string& icon, const InstanceConfig& config, bool isDrawn) {
+    return std::all_of(menuPictureSides.begin(), menuPictureSides.end(),
+                       [&](int side) { return hasMenuPicture(icon, side); }) &&
+           (!needsSymbolicPicture(config) || hasMenuPicture(icon, MenuPicture::symbolic)) &&
+           (!isDrawn || hasMenuPicture(icon, 0));
 }
 
 // Whether the published icon is one that the user chose, or the right one.
@@ -158,14 +157,7 @@ bool showsRight(const DesktopEntry& published, const MenuEntry& wanted,
     const std::string& icon = published.icon;
     const bool isDrawn = icon == drawnIconName(wanted.entry.icon);
     return !icon.starts_with(wanted.word + "-") ||
-<<<<<<< HEAD
-           (icon == wanted.entry.icon && hasPictures(icon, config, false));
-=======
-           ((isDrawn ? hasMenuPicture(icon, 0) : icon == wanted.entry.icon) &&
-            std::all_of(menuPictureSides.begin(), menuPictureSides.end(),
-                        [&](int side) { return hasMenuPicture(icon, side); }) &&
-            (!needsSymbolicPicture(config) || hasMenuPicture(icon, MenuPicture::symbolic)));
->>>>>>> fixa
+           ((isDrawn || icon == wanted.entry.icon) && hasPictures(icon, config, isDrawn));
 }
 
 // Whether the clone was made again after its entry was published.
@@ -276,7 +268,12 @@ void publishInMenu(const InstanceRecord& record, const std::optional<fs::path>& 
     }
     MenuEntry entry = menuEntryOf(record);
     const std::vector<PublishedEntry> older = published.of(entry.entry.cloneId);
-    if (hasPictures(entry.entry.icon, record.config, drawing.has_value())) {
+    std::optional<std::string> drawn =
+        drawing ? readFile(drawing->native(), largestDrawing) : std::nullopt;
+    if (drawn) {
+        entry.entry.icon = drawnIconName(entry.entry.icon);
+    }
+    if (hasPictures(entry.entry.icon, record.config, drawn.has_value())) {
         publishMenuEntry(entry, {}, older);
         return;
     }
@@ -284,11 +281,8 @@ void publishInMenu(const InstanceRecord& record, const std::optional<fs::path>& 
         menuPictures(iconOf(entry.entry.cloneId), needsSymbolicPicture(record.config));
     if (pictures.empty()) {
         entry.entry.icon = genericIcon(record.config.kind);
-    } else if (drawing) {
-        if (auto bytes = readFile(drawing->native(), largestDrawing)) {
-            pictures.push_back({0, std::move(*bytes)});
-            entry.entry.icon = drawnIconName(entry.entry.icon);
-        }
+    } else if (drawn) {
+        pictures.push_back({0, std::move(*drawn)});
     }
     publishMenuEntry(entry, pictures, older);
 }
