@@ -1,6 +1,7 @@
 #pragma once
 
 #include "QuorvelApp/AppModel.h"
+#include "QuorvelApp/model/CloneChanges.h"
 #include "QuorvelApp/widgets/IconLoader.h"
 #include "QuorvelApp/widgets/SystemFilePanels.h"
 
@@ -14,6 +15,7 @@ namespace quorvel {
 
 class CloneCommands;
 class CloneDetailView;
+class CloneSheets;
 class ModelAlert;
 class Sheet;
 class Sidebar;
@@ -44,13 +46,17 @@ private:
     [[nodiscard]] QWidget* makePlaceholder(QWidget* parent);
     CloneDetailView& detail();
     void connectCommands();
+    void connectChanges();
+    void blockCommands();
     void showSelection();
     void takeRequest();
 
     AppModel& model_;
     IconLoader& icons_;
     FilePanels panels_;
+    CloneChanges changes_;
     CloneCommands* commands_;
+    CloneSheets* sheets_;
     Sidebar* sidebar_ = nullptr;
     QStackedLayout* detailStates_ = nullptr;
     QLabel* placeholderText_ = nullptr;
