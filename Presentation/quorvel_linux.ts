@@ -121,8 +121,8 @@
 <context>
     <name>quorvel::LogPanel</name>
     <message>
-        <source>&amp;Reveal in Finder</source>
-        <translation>&amp;Reveal in File Manager</translation>
+        <source>Reveal in Finder</source>
+        <translation>Reveal in File Manager</translation>
     </message>
 </context>
 <context>

@@ -36,6 +36,8 @@ public:
     [[nodiscard]] Sidebar& sidebar() const { return *sidebar_; }
     /// The commands on the selected clone.
     [[nodiscard]] CloneCommands& commands() const { return *commands_; }
+    /// The changes that they make in the background.
+    [[nodiscard]] CloneChanges& changes() { return changes_; }
 
 protected:
     bool event(QEvent* event) override;

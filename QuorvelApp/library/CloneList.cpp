@@ -8,6 +8,12 @@
 
 namespace quorvel {
 
+CloneList::~CloneList() {
+    if (editor_) {
+        editor_->disconnect(this); // it goes after what listens
+    }
+}
+
 void CloneList::editName() {
     const QModelIndex row = currentIndex();
     if (!row.isValid() || state() == EditingState) {
@@ -15,15 +21,22 @@ void CloneList::editName() {
     }
     scrollTo(row);
     edit(row);
-    if (auto* editor = findChild<QLineEdit*>(CloneRow::editorName, Qt::FindChildrenRecursively);
-        editor != nullptr && state() == EditingState) {
-        ++editors_;
-        connect(editor, &QObject::destroyed, this, [this] {
-            --editors_;
-            Q_EMIT editingChanged();
-        });
-        Q_EMIT editingChanged();
+    for (QLineEdit* editor : findChildren<QLineEdit*>(CloneRow::editorName)) {
+        if (!editor->isHidden()) { // as the last one may be, which lives a little longer
+            editor_ = editor;
+            connect(editor, &QObject::destroyed, this, [this, editor] {
+                if (editor_ == editor) {
+                    editor_.clear();
+                }
+                Q_EMIT editingChanged();
+            });
+        }
     }
+    Q_EMIT editingChanged();
+}
+
+bool CloneList::isEditing() const {
+    return !editor_.isNull();
 }
 
 void CloneList::contextMenuEvent(QContextMenuEvent* event) {

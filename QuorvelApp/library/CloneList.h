@@ -3,6 +3,9 @@
 #include "QuorvelApp/widgets/ItemList.h"
 
 #include <QPoint>
+#include <QPointer>
+
+class QLineEdit;
 
 namespace quorvel {
 
@@ -12,11 +15,12 @@ class CloneList : public ItemList {
 
 public:
     using ItemList::ItemList;
+    ~CloneList() override;
 
     /// Lets the user edit the current row's name where it is.
     void editName();
     /// Returns whether the user is doing so.
-    [[nodiscard]] bool isEditing() const { return editors_ > 0; }
+    [[nodiscard]] bool isEditing() const;
 
 Q_SIGNALS:
     /// By a double click or Return.
@@ -32,7 +36,7 @@ protected:
     void mouseDoubleClickEvent(QMouseEvent* event) override;
 
 private:
-    int editors_ = 0; ///< an old one lives a little longer than its row
+    QPointer<QLineEdit> editor_{};
 };
 
 } // namespace quorvel

@@ -41,6 +41,7 @@ LogPanel::LogPanel(AppModel& model, const InstanceRecord& clone)
     text_->setFont(monospacedFont());
     text_->setMaximumBlockCount(mostLines);
     text_->setPlaceholderText(tr("There is no log yet. What the clone prints appears here."));
+    text_->setFocus(); // for the keys that scroll
     note_->hide();
     auto* column = new QVBoxLayout(this);
     column->setContentsMargins(22, 18, 22, 18);
@@ -61,8 +62,8 @@ LogPanel::LogPanel(AppModel& model, const InstanceRecord& clone)
 
 QWidget* LogPanel::makeButtons(AppModel& model) {
     auto* buttons = new QWidget;
-    auto* copyAll = makeButton(tr("&Copy"), ButtonLook::standard);
-    auto* reveal = makeButton(tr("&Reveal in Finder"), ButtonLook::standard, u"folder"_s);
+    auto* copyAll = makeButton(tr("Cop&y"), ButtonLook::standard);
+    auto* reveal = makeButton(tr("Reveal in Finder"), ButtonLook::standard, u"folder"_s);
     auto* close = makeButton(tr("Close"), ButtonLook::prominent);
     connect(copyAll, &QPushButton::clicked, this, &LogPanel::copy);
     connect(reveal, &QPushButton::clicked, this,

@@ -19,7 +19,7 @@ class LogPanel : public QDialog {
 public:
     static constexpr QSize idealSize{820, 560};
     /// The oldest lines go, so that no log takes up the memory.
-    static constexpr int mostLines = 10000;
+    static constexpr int mostLines = LogFollower::mostLines;
 
     /// `model` must outlive it.
     LogPanel(AppModel& model, const InstanceRecord& clone);

@@ -39,6 +39,21 @@ private:
     int length_ = 0;
 };
 
+// Returns where this many lines end, or the text does.
+qsizetype endOfLines(const QString& text, qsizetype lines) {
+    qsizetype end = 0;
+    while (lines-- > 0 && end < text.size()) {
+        const qsizetype found = text.indexOf(u'\n', end);
+        end = found < 0 ? text.size() : found + 1;
+    }
+    return end;
+}
+
+QString lastLines(const QString& text, qsizetype lines) {
+    const qsizetype surplus = text.count(u'\n') - lines;
+    return surplus > 0 ? text.sliced(endOfLines(text, surplus)) : text;
+}
+
 } // namespace
 
 struct LogFollower::Piece {
@@ -64,7 +79,7 @@ public:
             const std::size_t end = bytes.find('\n');
             bytes.erase(0, end == std::string::npos ? 0 : end + 1);
         }
-        piece.text = breaker_(qtText(safe_(bytes)));
+        piece.text = lastLines(breaker_(qtText(safe_(bytes))), mostLines);
         return piece;
     }
 
@@ -107,12 +122,22 @@ void LogFollower::take(const Piece& piece) {
     if (piece.skipped > 0) {
         Q_EMIT skipped(piece.skipped);
     }
-    if (!piece.text.isEmpty()) {
-        Q_EMIT read(piece.text);
+    if (piece.isEnd) {
+        QTimer::singleShot(pauseAtTheEnd, this, &LogFollower::readOn);
+    } else {
+        waiting_ = piece.text;
+        handOut();
     }
-    // Between two pieces, the window handles what else there is.
-    QTimer::singleShot(piece.isEnd ? pauseAtTheEnd : std::chrono::milliseconds(0), this,
-                       &LogFollower::readOn);
+}
+
+// Between two pieces, the window handles what else there is.
+void LogFollower::handOut() {
+    const qsizetype end = endOfLines(waiting_, linesAtOnce);
+    if (end > 0) {
+        Q_EMIT read(waiting_.first(end));
+        waiting_ = waiting_.sliced(end);
+    }
+    QTimer::singleShot(0, this, waiting_.isEmpty() ? &LogFollower::readOn : &LogFollower::handOut);
 }
 
 } // namespace quorvel

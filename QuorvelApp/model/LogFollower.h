@@ -22,6 +22,10 @@ public:
     static constexpr std::uintmax_t most = std::uintmax_t{1} << 20U;
     /// A longer line becomes several, since laying it out would block the window.
     static constexpr int longestLine = 1000;
+    /// Of more lines at once, only the last ones are read.
+    static constexpr int mostLines = 10000;
+    /// No piece has more lines.
+    static constexpr int linesAtOnce = 500;
 
     /// For the clone with this data folder, which must be expanded.
     LogFollower(std::shared_ptr<BackgroundTasks> tasks, const std::string& home,
@@ -42,10 +46,12 @@ private:
 
     void readOn();
     void take(const Piece& piece);
+    void handOut();
 
     std::shared_ptr<BackgroundTasks> tasks_;
     std::shared_ptr<Source> source_; ///< used by one thread at a time
     std::filesystem::path path_;
+    QString waiting_{}; ///< what was read, but not handed out
 };
 
 } // namespace quorvel
