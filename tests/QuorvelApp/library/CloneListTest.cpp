@@ -5,6 +5,7 @@
 #include "tests/QuorvelApp/RealClones.h"
 #include "tests/QuorvelApp/WindowFixture.h"
 
+#include <QMenuBar>
 #include <QTest>
 
 #include <gmock/gmock.h>
@@ -129,11 +130,15 @@ TEST_F(CloneListTest, AMenuOrAnotherWindowInFrontDoesNotEndTheEditing) {
     openWith(makeWebClone("Work"));
     noteTasks();
     type(u"Pl"_s);
-    for (const Qt::FocusReason reason :
-         {Qt::MenuBarFocusReason, Qt::PopupFocusReason, Qt::ActiveWindowFocusReason}) {
-        QFocusEvent out(QEvent::FocusOut, reason);
-        QApplication::sendEvent(editor(), &out);
-    }
+    window->menuBar()->setFocus(Qt::MenuBarFocusReason);
+    EXPECT_TRUE(staysSo("Work|"));
+    EXPECT_TRUE(list()->isEditing());
+    editor()->setFocus();
+    QWidget other;
+    other.show();
+    other.activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&other));
+    EXPECT_FALSE(editor()->isActiveWindow());
     EXPECT_TRUE(list()->isEditing());
     EXPECT_TRUE(staysSo("Work|"));
     press(Qt::Key_Escape);
