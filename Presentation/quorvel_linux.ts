@@ -87,6 +87,13 @@
     </message>
 </context>
 <context>
+    <name>quorvel::CloneCommands</name>
+    <message>
+        <source>&amp;Reveal in Finder</source>
+        <translation>&amp;Reveal in File Manager</translation>
+    </message>
+</context>
+<context>
     <name>quorvel::CloneDetailView</name>
     <message>
         <source>&amp;Reveal in Finder</source>
@@ -109,6 +116,13 @@
     <message>
         <source>Creates a Dock item that opens this file or folder with its default app.</source>
         <translation>Creates a launcher that opens this file or folder with its default app.</translation>
+    </message>
+</context>
+<context>
+    <name>quorvel::LogPanel</name>
+    <message>
+        <source>Reveal in Finder</source>
+        <translation>Reveal in File Manager</translation>
     </message>
 </context>
 <context>

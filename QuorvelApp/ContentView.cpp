@@ -4,6 +4,8 @@
 #include "QuorvelApp/Components.h"
 #include "QuorvelApp/NewCloneView.h"
 #include "QuorvelApp/app/ModelAlert.h"
+#include "QuorvelApp/library/CloneCommands.h"
+#include "QuorvelApp/library/CloneSheets.h"
 #include "QuorvelApp/library/Sidebar.h"
 #include "QuorvelApp/widgets/Sheet.h"
 
@@ -20,7 +22,10 @@ ContentView::ContentView(AppModel& model, IconLoader& icons, FilePanels panels, 
     : QWidget(parent),
       model_(model),
       icons_(icons),
-      panels_(std::move(panels)) {
+      panels_(std::move(panels)),
+      changes_(model),
+      commands_(new CloneCommands(model, changes_, this)),
+      sheets_(new CloneSheets(model, changes_, this)) {
     auto* column = new QVBoxLayout(this);
     column->setContentsMargins(0, 0, 0, 0);
     column->setSpacing(0);
@@ -33,7 +38,43 @@ ContentView::ContentView(AppModel& model, IconLoader& icons, FilePanels panels, 
     connect(&model_, &AppModel::startNewCloneRequestedChanged, this, &ContentView::takeRequest);
     connect(sidebar_, &Sidebar::selectionChanged, this, &ContentView::showSelection);
     connect(sidebar_, &Sidebar::newCloneRequested, this, &ContentView::showNewClone);
+    connectCommands();
+    connectChanges();
     showSelection();
+}
+
+void ContentView::connectCommands() {
+    connect(commands_, &CloneCommands::openRequested, this, [this] { detail().launch(); });
+    connect(commands_, &CloneCommands::deletionRequested, this,
+            [this] { detail().confirmDelete(); });
+    connect(commands_, &CloneCommands::renameRequested, this, [this] { sidebar_->editName(); });
+    connect(commands_, &CloneCommands::logRequested, sheets_, &CloneSheets::showLog);
+    connect(commands_, &CloneCommands::refreshRequested, this,
+            [this](const InstanceRecord& clone) { sheets_->refresh({clone}); });
+    connect(commands_, &CloneCommands::refreshAllRequested, this,
+            [this] { sheets_->refresh(model_.clones()); });
+    connect(commands_, &CloneCommands::stopRequested, this,
+            [this](const InstanceRecord& clone) { changes_.stop(clone); });
+}
+
+void ContentView::connectChanges() {
+    connect(sidebar_, &Sidebar::editingChanged, this, &ContentView::blockCommands);
+    connect(sidebar_, &Sidebar::nameEntered, this,
+            [this](const InstanceRecord& clone, const std::string& name) {
+                changes_.rename(clone, name);
+            });
+    connect(&changes_, &CloneChanges::renamed, sidebar_, &Sidebar::follow);
+}
+
+void ContentView::blockCommands() {
+    commands_->setBlocked(Sheet::isShownOver(this) || sidebar_->isEditing());
+}
+
+bool ContentView::event(QEvent* event) {
+    if (event->type() == Sheet::changeEvent()) {
+        blockCommands();
+    }
+    return QWidget::event(event);
 }
 
 QWidget* ContentView::makeToolbar() {
@@ -56,7 +97,7 @@ QWidget* ContentView::makeColumns() {
     auto* columns = new QSplitter(Qt::Horizontal, this);
     columns->setHandleWidth(1);
     columns->setChildrenCollapsible(false);
-    sidebar_ = new Sidebar(model_, icons_, columns);
+    sidebar_ = new Sidebar(model_, icons_, *commands_, columns);
     auto* detailColumn = new QWidget(columns);
     detailColumn->setObjectName(u"detailColumn"_s);
     detailColumn->setAttribute(Qt::WA_StyledBackground);
@@ -81,6 +122,7 @@ QWidget* ContentView::makePlaceholder(QWidget* parent) {
 
 void ContentView::showSelection() {
     const auto& selection = sidebar_->selection();
+    commands_->setClone(selection);
     const InstanceRecord* clone = selection ? model_.clone(*selection) : nullptr;
     if (clone != nullptr) {
         detail().setClone(*clone);

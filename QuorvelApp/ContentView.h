@@ -1,6 +1,7 @@
 #pragma once
 
 #include "QuorvelApp/AppModel.h"
+#include "QuorvelApp/model/CloneChanges.h"
 #include "QuorvelApp/widgets/IconLoader.h"
 #include "QuorvelApp/widgets/SystemFilePanels.h"
 
@@ -12,7 +13,9 @@ class QLabel;
 
 namespace quorvel {
 
+class CloneCommands;
 class CloneDetailView;
+class CloneSheets;
 class ModelAlert;
 class Sheet;
 class Sidebar;
@@ -31,18 +34,31 @@ public:
     void showNewClone();
     [[nodiscard]] bool showingNewClone() const { return !newClone_.isNull(); }
     [[nodiscard]] Sidebar& sidebar() const { return *sidebar_; }
+    /// The commands on the selected clone.
+    [[nodiscard]] CloneCommands& commands() const { return *commands_; }
+    /// The changes that they make in the background.
+    [[nodiscard]] CloneChanges& changes() { return changes_; }
+
+protected:
+    bool event(QEvent* event) override;
 
 private:
     [[nodiscard]] QWidget* makeToolbar();
     [[nodiscard]] QWidget* makeColumns();
     [[nodiscard]] QWidget* makePlaceholder(QWidget* parent);
     CloneDetailView& detail();
+    void connectCommands();
+    void connectChanges();
+    void blockCommands();
     void showSelection();
     void takeRequest();
 
     AppModel& model_;
     IconLoader& icons_;
     FilePanels panels_;
+    CloneChanges changes_;
+    CloneCommands* commands_;
+    CloneSheets* sheets_;
     Sidebar* sidebar_ = nullptr;
     QStackedLayout* detailStates_ = nullptr;
     QLabel* placeholderText_ = nullptr;

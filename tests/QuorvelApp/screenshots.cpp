@@ -1,5 +1,6 @@
 // Shows every state of the windows in a throw-away home and saves a picture of each.
 // Usage: app_screenshots FOLDER
+#include "LaunchKit/ClonesLock.h"
 #include "LaunchKit/IconComposer.h"
 #include "LaunchKit/Icons/IcnsWriter.h"
 #include "LaunchKit/InstanceConfig.h"
@@ -7,6 +8,7 @@
 #include "QuorvelApp/library/Sidebar.h"
 #include "QuorvelApp/model/SystemTranslator.h"
 #include "QuorvelApp/theme/Appearance.h"
+#include "QuorvelApp/widgets/ProgressSheet.h"
 #include "tests/QuorvelApp/StubServices.h"
 #include "tests/QuorvelApp/WidgetLookup.h"
 #include "tests/support/AppBundles.h"
@@ -16,11 +18,14 @@
 #include <QDir>
 #include <QFontDatabase>
 #include <QLineEdit>
+#include <QMenu>
+#include <QMenuBar>
 #include <QPainter>
 #include <QPushButton>
 #include <QScrollArea>
 #include <QScrollBar>
 #include <QStandardPaths>
+#include <QTimer>
 
 #include <array>
 #include <cstdio>
@@ -106,18 +111,44 @@ public:
         content().sidebar().select((home_ / "Applications" / (name + ".app")).string());
     }
 
+    /// The menu's command with these words.
+    QAction& command(const QString& words) {
+        for (QAction* action : cloneMenu().actions()) {
+            if (QString(action->text()).remove(u'&') == words) {
+                return *action;
+            }
+        }
+        std::fprintf(stderr, "no command %s\n", qPrintable(words));
+        std::exit(1);
+    }
+
+    QMenu& cloneMenu() { return *window_.menuBar()->actions().at(3)->menu(); }
+    QMenu& contextMenu() { return *content().sidebar().findChild<QMenu*>(); }
+
+    /// Where a clone keeps its log.
+    [[nodiscard]] fs::path logOf(const std::string& name) const {
+        return home_ / ("QuorvelInstances/" + name + "/quorvel-instance.log");
+    }
+    [[nodiscard]] fs::path clones() const { return home_ / "Applications"; }
+
     void chooseApp(const std::string& name) {
         const auto* grid = window_.findChild<AppGrid*>();
         (void)eventually([&] { return grid->model()->rowCount() > 0; });
         testing::chooseApp(&window_, QString::fromStdString(name));
     }
 
-    void save(const QString& name) {
+    // With a menu that is open over the window.
+    void save(const QString& name, QMenu* menu = nullptr) {
         // Icons and sandbox states come from other threads; a picture is taken once all is calm.
         (void)eventually([] { return false; }, std::chrono::milliseconds(250));
+        QPixmap picture = window_.grab();
+        if (menu != nullptr) {
+            QPainter(&picture).drawPixmap(window_.mapFromGlobal(menu->pos()), menu->grab());
+            menu->close();
+        }
         const QString file = folder + u'/' + name +
                              (dark ? QStringLiteral("-dark.png") : QStringLiteral("-light.png"));
-        if (!window_.grab().save(file)) {
+        if (!picture.save(file)) {
             std::fprintf(stderr, "could not write %s\n", qPrintable(file));
             std::exit(1);
         }
@@ -209,6 +240,61 @@ void showMainWindow() {
     scene.save(QStringLiteral("main-command"));
 }
 
+void showMenus() {
+    Scene scene(true);
+    scene.select("Chat (Work)");
+    QMenuBar* bar = scene.window().menuBar();
+    const QPoint below = bar->actionGeometry(scene.cloneMenu().menuAction()).bottomLeft();
+    scene.cloneMenu().popup(bar->mapToGlobal(below));
+    scene.save(QStringLiteral("menu-clone"), &scene.cloneMenu());
+    scene.contextMenu().popup(scene.content().sidebar().mapToGlobal(QPoint(120, 60)));
+    scene.contextMenu().setActiveAction(&scene.command(QStringLiteral("Rename…")));
+    scene.save(QStringLiteral("menu-context"), &scene.contextMenu());
+    scene.command(QStringLiteral("Rename…")).trigger();
+    scene.save(QStringLiteral("clone-rename"));
+}
+
+void showChanges() {
+    Scene scene(true);
+    scene.select("Chat (Work)");
+    std::string log;
+    for (int number = 0; number < 60; ++number) {
+        log += "[" + std::to_string(4100 + number) + "] connection to chat.example.org:443 " +
+               (number % 9 == 4 ? "failed: \x1b[31mtimed out\x1b[0m, trying again in 5 s; what was "
+                                  "not sent is kept until then\n"
+                                : "is up\n");
+    }
+    write(scene.logOf("Chat (Work)"), log);
+    scene.command(QStringLiteral("Show Log")).trigger();
+    scene.save(QStringLiteral("clone-log"));
+    scene.button(QStringLiteral("Close")).click();
+    scene.select("Tax 2026");
+    scene.select("Nightly build");
+    scene.command(QStringLiteral("Show Log")).trigger();
+    scene.save(QStringLiteral("clone-log-empty"));
+    scene.button(QStringLiteral("Close")).click();
+    auto lock = lockClones(scene.clones());
+    scene.command(QStringLiteral("Refresh Wrappers")).trigger();
+    (void)eventually([&] { return scene.window().findChild<ProgressSheet*>() != nullptr; });
+    auto* progress = scene.window().findChild<ProgressSheet*>();
+    progress->findChild<QTimer*>()->stop();
+    progress->setProgress(2, 6);
+    progress->setText(QStringLiteral("2 of 6"));
+    scene.save(QStringLiteral("clone-refresh"));
+    lock.reset();
+    (void)eventually([&] { return scene.stubs().model().lastError().has_value(); });
+    scene.save(QStringLiteral("clone-refreshed"));
+    scene.button(QStringLiteral("OK")).click();
+}
+
+void showForceQuestion() {
+    Scene scene(true);
+    scene.select("Chat (Work)");
+    const InstanceRecord clone = scene.stubs().model().clones().at(1);
+    Q_EMIT scene.content().changes().stillRunning(clone, 3);
+    scene.save(QStringLiteral("dialog-force"));
+}
+
 void showEmptyState() {
     Scene scene(false);
     scene.save(QStringLiteral("main-empty"));
@@ -266,6 +352,9 @@ int run(int argc, char** argv) {
         Scene::dark = dark;
         Appearance::apply(dark ? ColorScheme::dark : ColorScheme::light);
         showMainWindow();
+        showMenus();
+        showChanges();
+        showForceQuestion();
         showEmptyState();
         showNewClone();
         showOtherKinds();

@@ -63,6 +63,7 @@ TEST_F(MainWindowTest, ShowsTheSelectedCloneAndFallsBackWhenItIsDeleted) {
                       u"~/QuorvelInstances/Work. “…and Its Data” also erases that folder — "
                       u"accounts and settings for this clone are gone for good."_s));
     button(u"Delete Clone Only"_s)->click();
+    EXPECT_TRUE(eventually([&] { return cloneCount() == 1; }));
     EXPECT_TRUE(shown(u"Select a clone to manage it."_s));
     EXPECT_EQ(window->content().sidebar().selection(), work.id()) << "the selection stays";
     EXPECT_FALSE(fs::exists(work.bundleURL));
@@ -108,6 +109,8 @@ TEST_F(MainWindowTest, HasTheMenusOfEveryProgramAndItsOwnCommands) {
               "File|New Clone… Ctrl+N|Close Ctrl+W|Quit Ctrl+Q|Edit|Undo Ctrl+Z|Redo " +
                   redo.toStdString() +
                   "|Cut Ctrl+X|Copy Ctrl+C|Paste Ctrl+V|Select All Ctrl+A|View|Refresh Ctrl+R|"
+                  "Clone|Open |Edit… Ctrl+E|Rename… F2|Duplicate… Ctrl+D|Refresh Wrapper |Show "
+                  "Log |Reveal in Finder |Stop |Delete… Del|Refresh Wrappers |"
                   "Help|Check for Updates… |About Quorvel ");
 }
 
