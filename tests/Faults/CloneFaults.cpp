@@ -42,8 +42,8 @@ std::vector<Operation> operations(const FaultHome& home) {
         {"duplicate with data", {"duplicate", "Work", "Second", "--with-data", "--runner", runner}},
         {"refresh", {"refresh", "Work", "--runner", runner}},
         {"migrate", {"migrate", "Work"}, true},
-        {"delete", {"delete", "Work", "--yes"}, true},
-        {"delete with data", {"delete", "Work", "--including-data", "--yes"}, true},
+        {"delete", {"delete", "Work", "--yes"}},
+        {"delete with data", {"delete", "Work", "--including-data", "--yes"}},
     };
 }
 

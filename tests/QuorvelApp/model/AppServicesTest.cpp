@@ -3,6 +3,9 @@
 #include "LaunchKit/InstanceRecord.h"
 #include "LaunchKit/RequestCheck.h"
 #include "LaunchKit/RunnerLocator.h"
+#include "LaunchKit/WrapperNotes.h"
+#include "Platform/files/FileSystem.h"
+#include "Platform/files/PropertyListFile.h"
 #include "QuorvelApp/AppModel.h"
 #include "tests/QuorvelApp/StubServices.h"
 #include "tests/support/AppBundles.h"
@@ -12,7 +15,11 @@
 #include <QCoreApplication>
 #include <QProcess>
 
+#include <algorithm>
+#include <array>
 #include <gmock/gmock.h>
+#include <memory>
+#include <vector>
 
 namespace quorvel::testing {
 namespace {
@@ -20,6 +27,7 @@ namespace {
 namespace fs = std::filesystem;
 using namespace Qt::StringLiterals;
 using ::testing::EndsWith;
+using ::testing::HasSubstr;
 
 /// The real services in a throw-away home.
 class AppServicesTest : public ::testing::Test {
@@ -93,6 +101,70 @@ TEST_F(AppServicesTest, LaunchingACloneThatIsGoneIsAnError) {
     EXPECT_TRUE(eventually([&] { return model.lastError().has_value(); }));
     EXPECT_EQ(model.lastError(),
               "Couldn't launch: “Work.app” couldn’t be opened: no such file or directory");
+}
+
+// The commands that 20 programs run on one clone, each at once.
+std::vector<std::unique_ptr<QProcess>> startOtherPrograms() {
+    const std::array<QStringList, 3> commands{
+        QStringList{u"create"_s, u"--kind"_s, u"web"_s, u"--name"_s, u"Work"_s, u"--url"_s,
+                    u"https://other.test"_s, u"--replace"_s},
+        QStringList{u"edit"_s, u"Work"_s, u"--url"_s, u"https://edited.test"_s, u"--hide-icon"_s},
+        QStringList{u"delete"_s, u"Work"_s, u"--yes"_s}};
+    std::vector<std::unique_ptr<QProcess>> programs;
+    for (std::size_t number = 0; number < 20; ++number) {
+        programs.push_back(std::make_unique<QProcess>());
+        programs.back()->start(QStringLiteral(QUORVEL_CTL), commands.at(number % commands.size()));
+    }
+    return programs;
+}
+
+TEST_F(AppServicesTest, BesideProgramsThatChangeTheSameCloneNothingHalfIsLeft) {
+    AppModel model(AppServices::system());
+    const auto programs = startOtherPrograms();
+    const auto areAtWork = [&] {
+        return std::any_of(programs.begin(), programs.end(), [](const auto& program) {
+            return program->state() != QProcess::NotRunning;
+        });
+    };
+    int made = 0;
+    int removals = 0;
+    for (int round = 0; round < 4 || areAtWork(); ++round) {
+        try {
+            (void)resultOf(model.createClone(request(), false));
+            ++made;
+        } catch (const Error&) {
+            // another program was first
+        }
+        model.reload();
+        EXPECT_LE(model.clones().size(), 1U);
+        if (!model.clones().empty() && round % 2 == 0) {
+            model.setLastError(std::nullopt);
+            model.remove(model.clones().front(), false);
+            EXPECT_THAT(model.lastError().value_or("no longer the one that was listed"),
+                        HasSubstr("no longer the one that was listed"));
+            ++removals;
+        }
+        QCoreApplication::processEvents();
+    }
+    EXPECT_GT(made, 0);
+    EXPECT_GT(removals, 0);
+    for (const auto& program : programs) {
+        EXPECT_EQ(program->exitStatus(), QProcess::NormalExit);
+        const QByteArray errors = program->readAllStandardError();
+        EXPECT_TRUE(program->exitCode() == 0 || !errors.isEmpty());
+    }
+    model.reload();
+    const auto clones = InstanceRegistry().list();
+    EXPECT_EQ(directoryEntries(home / "Applications")->size(), clones.size());
+    ASSERT_EQ(model.clones().size(), clones.size());
+    for (const InstanceRecord& clone : clones) {
+        EXPECT_EQ(clone.bundleURL, wrapper);
+        const auto notes = WrapperNotes::read(clone.bundleURL);
+        const auto list = readPropertyList(clone.bundleURL / "Contents/Info.plist");
+        ASSERT_TRUE(notes && list);
+        EXPECT_EQ(list->contains("LSUIElement"), notes->hidesIcon);
+        EXPECT_EQ(clone.config.url == "https://edited.test", notes->hidesIcon) << "of one edit";
+    }
 }
 
 // Runs only within the test below it, whose full disk it needs.
