@@ -32,14 +32,22 @@ TEST(HomeTest, ClonesAreMadeWhereTheHomeVariableSays) {
 
 TEST(HomeTest, InACloneItsOwnHomeCounts) {
     const TemporaryFolder folder;
-    fs::create_directories(folder / "clone");
-    Environment environment = homeVariable(folder / "clone");
-    environment["CFFIXED_USER_HOME"] = folder / "clone";
-    const Outcome made = outcomeOf(
-        {QUORVEL_CTL, "create", "--kind", "command", "--name", "Inner", "--command", "/bin/true"},
-        environment);
-    EXPECT_EQ(made.status, 0) << made.output;
-    EXPECT_TRUE(fs::exists(folder / "clone/Applications/Inner.app"));
+    const fs::path program = folder / "maker";
+    write(program, "#!/bin/sh\nexec \"" QUORVEL_CTL
+                   "\" create --kind command --name Inner --command /bin/true\n");
+    makeExecutable(program);
+    const fs::path entry = folder / "maker.desktop";
+    write(entry, "[Desktop Entry]\nType=Application\nName=Maker\nExec=" + program.string() + "\n");
+    const Environment outer = homeVariable(folder.path());
+    const Outcome made =
+        outcomeOf({QUORVEL_CTL, "create", "--target", entry.string(), "--name", "Outer"}, outer);
+    ASSERT_EQ(made.status, 0) << made.output;
+    const fs::path clones = folder / "Applications";
+    const Outcome ran = outcomeOf({clones / "Outer.app/Contents/MacOS/runner"}, outer);
+    EXPECT_EQ(ran.status, 0) << ran.output;
+    const fs::path home = folder / "QuorvelInstances/Outer";
+    EXPECT_TRUE(fs::exists(home / "Applications/Inner.app")) << read(home / "quorvel-instance.log");
+    EXPECT_FALSE(fs::exists(clones / "Inner.app"));
 }
 
 TEST(HomeTest, AnAccountWithoutAnEntryInTheUserDatabaseCanMakeClones) {

@@ -28,6 +28,14 @@ std::vector<std::string> browserTracesIn(const fs::path& home) {
     return found;
 }
 
+int occurrences(const std::string& text, const std::string& part) {
+    int count = 0;
+    for (std::size_t at = text.find(part); at != std::string::npos; at = text.find(part, at + 1)) {
+        ++count;
+    }
+    return count;
+}
+
 // A user whose default browser is a Firefox that asks a server of this test for everything, and a
 // clone that runs what a test tells it to.
 class LinksTest : public ::testing::Test {
@@ -177,7 +185,7 @@ TEST_F(LinksTest, HostileAddressesReachNoBrowser) {
         const fs::path file = session->home / "hostile" / std::to_string(count++);
         session->write(file, each.text + "x"); // "x" keeps line breaks at the end
         script += "a=$(cat " + file.string() +
-                  "); quorvel=${a%x}; \"$BROWSER\" \"$quorvel\" && "
+                  "); quorvel=${a%x}; \"$BROWSER\" \"$quorvel\" 2>/dev/null && "
                   "echo \"OPENED " +
                   std::to_string(count) + "\"\n";
     }
@@ -185,6 +193,7 @@ TEST_F(LinksTest, HostileAddressesReachNoBrowser) {
     (void)runInClone(script);
     const std::string log = read(cloneHome() / "quorvel-instance.log");
     EXPECT_EQ(log.find("OPENED"), std::string::npos) << log;
+    EXPECT_EQ(occurrences(log, "quorvel-link-door: a link was not opened: "), count) << log;
     EXPECT_FALSE(fs::exists(session->home / "profile/places.sqlite")) << "no browser was started";
     EXPECT_THAT(browserTracesIn(cloneHome()), IsEmpty());
 }

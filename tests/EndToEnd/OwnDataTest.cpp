@@ -1,6 +1,7 @@
 #include "LaunchKit/InstanceRecord.h"
 #include "Platform/processes/Process.h"
 #include "tests/EndToEnd/Programs.h"
+#include "tests/support/AppBundles.h"
 #include "tests/support/SessionBus.h"
 #include "tests/support/Waiting.h"
 #include "tests/support/XServer.h"
@@ -90,7 +91,6 @@ TEST(OwnDataTest, AnEditorUsesTheUsersFontsButNotTheUsersData) {
     const fs::path data = quorvelctl.home / ".local/share";
     write(data / "fonts/marker.ttf", anyFont());
     write(data / "gtksourceview-4/language-specs/marker.lang", "marker");
-    write(data / "katepart5/syntax/marker.xml", "marker");
     const SessionBus bus;
     const XServer server;
     quorvelctl.run({"create", "--target", "/usr/share/applications/org.gnome.gedit.desktop",
@@ -114,7 +114,35 @@ TEST(OwnDataTest, AnEditorUsesTheUsersFontsButNotTheUsersData) {
     ASSERT_TRUE(isUp) << seen.substr(seen.size() - std::min<std::size_t>(seen.size(), 2000));
     EXPECT_THAT(openedIn(seen, "marker.ttf").front(), HasSubstr("session-data/fonts"));
     EXPECT_THAT(openedIn(seen, "marker.lang"), IsEmpty());
-    EXPECT_THAT(openedIn(seen, "katepart5"), IsEmpty());
+}
+
+TEST(OwnDataTest, OfTheUsersDataOnlyWhatAllCopiesShareIsFound) {
+    QuorvelctlInAHome quorvelctl;
+    const fs::path data = quorvelctl.home / ".local/share";
+    const std::vector<std::string> names{"fonts/marker.ttf", "katepart5/syntax/marker.xml",
+                                         "themes/marker/index.theme", "marker/settings"};
+    std::string words;
+    for (const std::string& name : names) {
+        write(data / name, "marker");
+        words += " " + name;
+    }
+    // Looks where applications look for data.
+    const fs::path program = quorvelctl.home / "bin/seeker";
+    write(program, "#!/bin/sh\nIFS=:\nfor folder in $XDG_DATA_HOME $XDG_DATA_DIRS; do\n  IFS=' '\n"
+                   "  for name in" +
+                       words +
+                       "; do\n    [ ! -e \"$folder/$name\" ] || echo \"$name\"\n  done\n"
+                       "done > \"$HOME/found\"\n");
+    makeExecutable(program);
+    const fs::path entry = quorvelctl.home / "seeker.desktop";
+    write(entry, "[Desktop Entry]\nType=Application\nName=Seeker\nExec=" + program.string() + "\n");
+    quorvelctl.run({"create", "--target", entry, "--name", "Seeker"});
+    Process::Options options;
+    options.executable = quorvelctl.home / "Applications/Seeker.app/Contents/MacOS/runner";
+    options.environment = quorvelctl.environment;
+    ASSERT_EQ(Process::run(options).waitUntilExit(), 0) << quorvelctl.log("Seeker");
+    EXPECT_EQ(read(quorvelctl.data("Seeker") / "found"),
+              "fonts/marker.ttf\nthemes/marker/index.theme\n");
 }
 
 } // namespace
