@@ -11,6 +11,7 @@
 #include "LaunchKit/MenuEntries.h"
 #include "Platform/files/FileRemoval.h"
 #include "Platform/files/FileSystem.h"
+#include "Platform/files/ItemIdentity.h"
 #include "Presentation/DeletionWarning.h"
 #include "Presentation/SystemWords.h"
 
@@ -77,10 +78,11 @@ void deleteDamagedClone(const CommandContext& context, const fs::path& wrapper,
                            " can’t be read, so its data folder is not known. Delete the clone "
                            "without --including-data.");
     }
+    const auto asked = identityOf(wrapper);
     confirm(context, options,
             "The configuration of " + wrapper.string() +
                 " can’t be read, so its data folder is not known and stays. Delete the clone?");
-    removeWrapper(wrapper);
+    removeDamagedWrapper(wrapper, asked.value_or(ItemIdentity{}));
     repairMenu(context.registry.list());
     if (json) {
         context.output << document({{"bundleURL", wrapper.string()}, {"deletedData", false}});

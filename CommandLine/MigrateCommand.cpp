@@ -3,7 +3,7 @@
 #include "Base/TerminalText.h"
 #include "CommandLine/CloneLookup.h"
 #include "CommandLine/CloneTexts.h"
-#include "LaunchKit/HomeLock.h"
+#include "LaunchKit/FolderSharing.h"
 #include "LaunchKit/InstanceLauncher.h"
 #include "LaunchKit/InstanceRecord.h"
 #include "Presentation/MigrationSummary.h"
@@ -39,15 +39,12 @@ std::string movedLines(const InstanceLauncher::Migration& migration) {
 
 void migrateCommand(const CommandContext& context, const std::string& clone, bool json) {
     const InstanceRecord record = findClone(context.registry, clone);
-    requireUnusedHome(record.config);
-    const InstanceLauncher::Migration migration =
-        InstanceLauncher::migrateSharedUserFolders(record.config.resolvedHome());
-    const bool complete = migration.unmoved.empty();
-    if (complete) {
-        context.registry.shareUserFolders(record);
+    const auto [migration, failure] = moveToSharedFolders(context.registry, record);
+    if (!failure.empty()) {
+        throw CommandError(failure);
     }
     context.output << (json ? document(jsonForm(migration)) : movedLines(migration)) << std::flush;
-    if (!complete) {
+    if (!migration.unmoved.empty()) {
         for (const InstanceLauncher::UnmovedItem& item : migration.unmoved) {
             context.errors << terminalText(item.reason) << "\n";
         }

@@ -8,7 +8,8 @@ namespace quorvel {
 
 /// Moves the contents of a clone's own Downloads, Documents and Desktop into the user's, and makes
 /// the clone share those if everything could be moved. Prints what was moved, then throws
-/// `CommandError` if something could not be, or the registry's error.
+/// `CommandError` if something could not be. Throws it at once if the clone can't be changed, and
+/// the errors of `moveToSharedFolders`.
 void migrateCommand(const CommandContext& context, const std::string& clone, bool json);
 
 } // namespace quorvel

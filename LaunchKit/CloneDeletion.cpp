@@ -137,7 +137,7 @@ void removeRest(const ItemRemoval& wrapper, DeletedData& data) {
     }
 }
 
-// Puts back what can't be removed, unless another clone could take it for its own by now.
+// Puts back what can't be removed, unless another clone could take it for its own meanwhile.
 bool putBack(const InstanceRegistry& registry, const fs::path& bundle, const fs::path& folder,
              StagedChange& trash) {
     const std::string name = folder.filename();
@@ -324,11 +324,15 @@ DeletedData deleteClone(const InstanceRegistry& registry, const InstanceRecord& 
     return data.data;
 }
 
-void removeWrapper(const fs::path& path) {
+void removeDamagedWrapper(const fs::path& path, const ItemIdentity& identity) {
+    const std::optional<FileLock> lock = lockClones(path.parent_path());
     const std::optional<ItemRemoval> wrapper = ItemRemoval::of(path);
     if (!wrapper) {
         throw PlatformError(std::make_error_code(std::errc::no_such_file_or_directory), path,
                             "removed");
+    }
+    if (wrapper->identity() != identity || !isDamagedWrapper(path)) {
+        refuseAnother(path);
     }
     wrapper->refuseMounts();
     throwFailure(wrapper->removeAllBut(relativeConfig()));

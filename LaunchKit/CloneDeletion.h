@@ -2,6 +2,7 @@
 
 #include "LaunchKit/DeletedData.h"
 #include "LaunchKit/InstanceRegistry.h"
+#include "Platform/files/ItemIdentity.h"
 
 namespace quorvel {
 
@@ -17,9 +18,11 @@ namespace quorvel {
 DeletedData deleteClone(const InstanceRegistry& registry, const InstanceRecord& record,
                         bool includingData, const InstanceRegistry::Deferral& later = {});
 
-/// Removes a wrapper without checking its contents. Its configuration is removed last, so that an
-/// interrupted removal leaves what is still recognised as a clone. Throws `PlatformError`, also if
-/// nothing exists there.
-void removeWrapper(const std::filesystem::path& path);
+/// Removes a wrapper whose configuration can't be read, if it is still the one with that identity.
+/// Its configuration is removed last, so that an interrupted removal leaves what is still
+/// recognised as a clone. Waits for other changes beside it. Throws `RefusedDeletion` if something
+/// else has taken its place, `InvalidRequest` if another change takes too long, and
+/// `PlatformError`, also if nothing exists there.
+void removeDamagedWrapper(const std::filesystem::path& path, const ItemIdentity& identity);
 
 } // namespace quorvel

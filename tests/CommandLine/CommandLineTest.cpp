@@ -305,6 +305,17 @@ TEST(CommandLineTest, DeleteNeverRemovesTheUsersHome) {
     EXPECT_TRUE(std::filesystem::exists(harness.home / "Documents"));
 }
 
+TEST(CommandLineTest, ShowPrintsTheSizeOfTheLog) {
+    CommandLineHarness harness;
+    addClone(harness, "Work");
+    EXPECT_FALSE(harness.run({"show", "Work", "--json"}).json().contains("logSize"));
+    EXPECT_THAT(harness.run({"show", "Work"}).output, ::testing::Not(HasSubstr("Log")));
+    write(harness.home / "QuorvelInstances/Work/quorvel-instance.log", std::string(1'534, 'x'));
+    EXPECT_EQ(harness.run({"show", "Work", "--json"}).json()["logSize"], 1534);
+    EXPECT_THAT(harness.run({"show", "Work"}).output, ::testing::ContainsRegex("Log +1\\.5 kB\n"));
+    EXPECT_FALSE(harness.run({"list", "--json"}).json()[0].contains("logSize"));
+}
+
 TEST(CommandLineTest, MigrateMovesTheFilesAndThenShares) {
     CommandLineHarness harness;
     InstanceConfig config = minimalConfig("Work");

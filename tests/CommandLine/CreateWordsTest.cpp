@@ -7,6 +7,9 @@
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
+#include <array>
+#include <utility>
+
 namespace quorvel {
 namespace {
 
@@ -30,6 +33,30 @@ TEST(CreateWordsTest, EachSwitchSetsItsOwnFieldAlone) {
         for (const CloneSwitch& each : cloneSwitches) {
             EXPECT_EQ(json["config"][std::string(each.key)], each.defaultValue() != (&each == &set))
                 << set.flag << " " << each.key;
+        }
+    }
+}
+
+// Not read from `cloneSwitches`, in which two rows could have each other's flag.
+TEST(CreateWordsTest, EachFlagSetsTheKeyThatItIsDocumentedFor) {
+    CommandLineHarness harness;
+    constexpr std::array switches{
+        std::pair("--browser", "registerAsBrowser"),
+        std::pair("--open-with", "openWithPassthrough"),
+        std::pair("--menu-bar-icon", "menuBarIcon"),
+        std::pair("--menu-bar-template", "menuBarIconTemplate"),
+        std::pair("--isolate-folders", "shareUserFolders"),
+    };
+    ASSERT_EQ(switches.size(), cloneSwitches.size());
+    for (const auto& [flag, set] : switches) {
+        const auto config =
+            harness
+                .run({"create", "--kind", "web", "--url", "https://a.test", "--name", "W",
+                      "--replace", "--runner", runnerProgram().string(), "--json", flag})
+                .json()["config"];
+        for (const auto& [unused, key] : switches) {
+            const bool byDefault = std::string_view(key) == "shareUserFolders";
+            EXPECT_EQ(config[key], byDefault != (key == set)) << flag << " " << key;
         }
     }
 }

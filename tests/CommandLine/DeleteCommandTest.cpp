@@ -1,3 +1,4 @@
+#include "LaunchKit/ClonesLock.h"
 #include "LaunchKit/HomeLock.h"
 #include "LaunchKit/InstanceConfig.h"
 #include "LaunchKit/InstanceRecord.h"
@@ -5,9 +6,11 @@
 #include "tests/CommandLine/CommandLineHarness.h"
 #include "tests/support/AppBundles.h"
 #include "tests/support/UnprivilegedUser.h"
+#include "tests/support/Waiting.h"
 
 #include <gmock/gmock.h>
 #include <nlohmann/json.hpp>
+#include <thread>
 
 namespace quorvel {
 namespace {
@@ -211,6 +214,54 @@ TEST_F(DeleteCommandTest, ADamagedCloneIsDeletedByItsPathAfterAQuestion) {
     EXPECT_TRUE(fs::exists(data / "file"));
 }
 
+TEST_F(DeleteCommandTest, ACloneThatReplacesADamagedOneWhileTheQuestionIsOpenStays) {
+    const fs::path wrapper = addDamagedClone();
+    harness.inputIsTerminal = true;
+    harness.typed = "y\n";
+    harness.whileAsked = [&] {
+        const auto made =
+            harness.run({"create", "--kind", "web", "--url", "https://new.test", "--name", "Work",
+                         "--runner", runnerProgram().string(), "--replace"});
+        EXPECT_EQ(made.status, 0) << made.errors;
+    };
+    const auto refused = harness.run({"delete", wrapper.string()});
+    EXPECT_EQ(refused.status, 1);
+    EXPECT_THAT(refused.errors, HasSubstr("is no longer the one that was listed"));
+    const auto clone = InstanceRegistry().record(wrapper);
+    ASSERT_TRUE(clone);
+    EXPECT_EQ(clone->config.url, "https://new.test");
+}
+
+TEST_F(DeleteCommandTest, ADamagedCloneThatTookThePlaceOfAnotherWhileTheQuestionIsOpenStays) {
+    const fs::path wrapper = addDamagedClone();
+    harness.inputIsTerminal = true;
+    harness.typed = "y\n";
+    harness.whileAsked = [&] {
+        fs::rename(wrapper, harness.home / "before");
+        fs::copy(harness.home / "before", wrapper, fs::copy_options::recursive);
+    };
+    EXPECT_THAT(harness.run({"delete", wrapper.string()}).errors,
+                HasSubstr("is no longer the one that was listed"));
+    EXPECT_TRUE(fs::exists(wrapper / "Contents/MacOS/runner"));
+}
+
+TEST_F(DeleteCommandTest, DeletingADamagedCloneWaitsForAnotherChangeInItsFolder) {
+    const fs::path wrapper = addDamagedClone();
+    harness.inputIsTerminal = true;
+    harness.typed = "y\n";
+    std::thread change;
+    harness.whileAsked = [&] {
+        change = std::thread([&, lock = lockClones(wrapper.parent_path())]() mutable {
+            EXPECT_FALSE(
+                waitUntil([&] { return !fs::exists(wrapper); }, std::chrono::milliseconds(100)));
+            lock.reset();
+        });
+    };
+    EXPECT_EQ(harness.run({"delete", wrapper.string()}).status, 0);
+    change.join();
+    EXPECT_FALSE(fs::exists(wrapper));
+}
+
 TEST_F(DeleteCommandTest, TheDataOfADamagedCloneIsNotGuessed) {
     const fs::path wrapper = addDamagedClone();
     const auto result = harness.run({"delete", wrapper.string(), "--including-data", "--yes"});
@@ -274,16 +325,6 @@ TEST_F(DeleteCommandTest, CreateAcceptsASharedHomeOnlyWhenAsked) {
     EXPECT_FALSE(fs::exists(harness.home / "Applications/Other.app"));
     EXPECT_EQ(create({"--shared-home"}).status, 0);
     EXPECT_TRUE(fs::exists(harness.home / "Applications/Other.app"));
-}
-
-TEST_F(DeleteCommandTest, ShowPrintsTheSizeOfTheLog) {
-    addClone();
-    EXPECT_FALSE(harness.run({"show", "Work", "--json"}).json().contains("logSize"));
-    EXPECT_THAT(harness.run({"show", "Work"}).output, Not(HasSubstr("Log")));
-    write(data / "quorvel-instance.log", std::string(1'534, 'x'));
-    EXPECT_EQ(harness.run({"show", "Work", "--json"}).json()["logSize"], 1534);
-    EXPECT_THAT(harness.run({"show", "Work"}).output, ::testing::ContainsRegex("Log +1\\.5 kB\n"));
-    EXPECT_FALSE(harness.run({"list", "--json"}).json()[0].contains("logSize"));
 }
 
 } // namespace

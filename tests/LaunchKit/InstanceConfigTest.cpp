@@ -6,11 +6,15 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <array>
+#include <utility>
+
 namespace quorvel {
 namespace {
 
 using namespace testing;
 using ::testing::ElementsAre;
+using ::testing::HasSubstr;
 
 const std::string minimal = R"({"displayName":"N","bundleId":"b","instanceHome":"~/I"})";
 
@@ -204,6 +208,31 @@ TEST(InstanceConfigTest, TheTargetsPathIsNotExpanded) {
     InstanceConfig config = minimalConfig();
     config.targetAppPath = "~/A.app";
     EXPECT_EQ(config.targetAppURL(), "~/A.app");
+}
+
+// Not read from `cloneSwitches`, in which two rows could have each other's key.
+TEST(InstanceConfigTest, EachKeyIsThatOfItsOwnSwitch) {
+    constexpr std::array switches{
+        std::pair("registerAsBrowser", &CloneOptions::registerAsBrowser),
+        std::pair("openWithPassthrough", &CloneOptions::openWithPassthrough),
+        std::pair("menuBarIcon", &CloneOptions::menuBarIcon),
+        std::pair("menuBarIconTemplate", &CloneOptions::menuBarIconTemplate),
+        std::pair("shareUserFolders", &CloneOptions::shareUserFolders),
+    };
+    ASSERT_EQ(switches.size(), cloneSwitches.size());
+    for (const auto& [set, member] : switches) {
+        std::string json = minimal.substr(0, minimal.size() - 1);
+        for (const auto& [key, unused] : switches) {
+            json.append(",\"").append(key).append(key == set ? "\":true" : "\":false");
+        }
+        const InstanceConfig config = InstanceConfig::fromJson(json + "}");
+        const std::string written = config.json();
+        for (const auto& [key, other] : switches) {
+            EXPECT_EQ(config.*other, other == member) << set << " " << key;
+            EXPECT_THAT(written, HasSubstr(std::string(key) +
+                                           "\": " + (other == member ? "true" : "false")));
+        }
+    }
 }
 
 TEST(InstanceConfigTest, EachSwitchHasAKeyOfItsOwn) {
