@@ -273,34 +273,22 @@ InstanceRecord AppModel::created(const std::filesystem::path& wrapper,
     return record;
 }
 
-QFuture<bool> AppModel::remove(const InstanceRecord& record, bool includingData) {
-    return services_.tasks->detached(
-        TaskPriority::userInitiated, this,
-        capturingErrors([registry = services_.registry, record, includingData] {
-            Deletion deletion;
-            deletion.data = registry.remove(record, includingData, [&](std::function<void()> work) {
-                deletion.later = std::move(work);
-            });
-            return deletion;
-        }),
-        [this](Outcome<Deletion> outcome) {
-            if (!outcome.result) {
-                setLastError(sentence(tr("Couldn't delete: %1"), {outcome.failure}));
-                return false;
-            }
-            return deleted(std::move(*outcome.result));
+bool AppModel::remove(const InstanceRecord& record, bool includingData) {
+    DeletedData data;
+    try {
+        // A desktop's list of applications may take seconds to be made again.
+        data = services_.registry.remove(record, includingData, [this](std::function<void()> work) {
+            services_.tasks->start(TaskPriority::userInitiated, std::move(work));
         });
-}
-
-bool AppModel::deleted(Deletion deletion) {
-    if (deletion.later) {
-        services_.tasks->start(TaskPriority::userInitiated, std::move(deletion.later));
+    } catch (const std::exception& failure) {
+        setLastError(sentence(tr("Couldn't delete: %1"), {failure.what()}));
+        return false;
     }
     reload();
-    if (deletion.data.isFailure()) {
-        setLastError(sentence(tr("Couldn't delete: %1"), {deletion.data.description()}));
+    if (data.isFailure()) {
+        setLastError(sentence(tr("Couldn't delete: %1"), {data.description()}));
     }
-    return !deletion.data.isFailure();
+    return !data.isFailure();
 }
 
 QFuture<void> AppModel::migrateSharedFolders(const InstanceRecord& record) {

@@ -1,7 +1,6 @@
 #pragma once
 
 #include "LaunchKit/AppProfile.h"
-#include "LaunchKit/DeletedData.h"
 #include "LaunchKit/InstanceLauncher.h"
 #include "LaunchKit/WindowIdentity.h"
 #include "QuorvelApp/model/AppServices.h"
@@ -95,9 +94,9 @@ public:
     /// Creates a clone and returns its record, synthesised from the request if the registry does
     /// not list it. Fails with the factory's error, without having changed anything.
     QFuture<InstanceRecord> createClone(const WrapperFactory::Request& request, bool launchAfter);
-    /// Deletes the clone. A failure becomes `lastError`, as does data that could not be removed.
-    /// Returns whether everything was deleted.
-    QFuture<bool> remove(const InstanceRecord& record, bool includingData);
+    /// Deletes the clone before it returns. A failure becomes `lastError`, as does data that could
+    /// not be removed. Returns whether everything was deleted.
+    bool remove(const InstanceRecord& record, bool includingData);
     /// Moves the contents of the clone's own folders into the user's, and makes the clone share
     /// those. The outcome becomes `statusMessage`, or `lastError` if the clone can't be changed or
     /// something could not be moved; in that case the clone does not share the folders.
@@ -131,14 +130,6 @@ Q_SIGNALS:
     void startNewCloneRequestedChanged();
 
 private:
-    // What came of deleting a clone.
-    struct Deletion {
-        DeletedData data{};
-        /// What a desktop may take seconds for, since it makes its list of applications again.
-        std::function<void()> later{};
-    };
-
-    [[nodiscard]] bool deleted(Deletion deletion);
     void openWrapper(const std::filesystem::path& wrapper);
     void opened(const std::optional<PlatformError>& error);
     [[nodiscard]] InstanceRecord created(const std::filesystem::path& wrapper,
