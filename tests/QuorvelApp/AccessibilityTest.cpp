@@ -1,3 +1,5 @@
+#include "LaunchKit/InstanceRecord.h"
+#include "QuorvelApp/library/LogPanel.h"
 #include "QuorvelApp/widgets/MessageSheet.h"
 #include "tests/QuorvelApp/WindowFixture.h"
 
@@ -65,6 +67,18 @@ TEST_F(AccessibilityTest, EveryControlOfTheSheetHasANameAndARole) {
     }
     EXPECT_EQ(QAccessible::queryAccessibleInterface(window->findChild<NewCloneView*>())->role(),
               QAccessible::Dialog);
+}
+
+TEST_F(AccessibilityTest, EveryControlOfTheLogHasANameAndARole) {
+    const InstanceRecord& work = addClone("Work");
+    open();
+    select(work);
+    const int before = checkedControls(window.get());
+    command(u"Show Log"_s)->trigger();
+    EXPECT_GE(checkedControls(window.get()), before + 4) << "the text and three buttons";
+    auto* log = QAccessible::queryAccessibleInterface(window->findChild<LogPanel*>());
+    EXPECT_EQ(log->role(), QAccessible::Dialog);
+    EXPECT_EQ(log->text(QAccessible::Name), u"Log of “Work”"_s);
 }
 
 TEST_F(AccessibilityTest, AMessageIsADialogNamedByItsTitleAndText) {
