@@ -1,5 +1,6 @@
 #include "QuorvelApp/AppModel.h"
 
+#include "LaunchKit/DataSeed.h"
 #include "LaunchKit/HomeLock.h"
 #include "LaunchKit/IconCheck.h"
 #include "LaunchKit/InstanceLauncher.h"
@@ -11,6 +12,7 @@
 #include "Presentation/CloneNaming.h"
 #include "Presentation/MigrationSummary.h"
 #include "ProbeKit/ProfileGenerator.h"
+#include "QuorvelApp/model/Outcome.h"
 #include "QuorvelApp/model/Translated.h"
 
 #include <QPointer>
@@ -30,6 +32,7 @@ struct AppFacts {
     bool sandboxed = false;
     std::optional<std::string> snapReason{};
     std::map<std::string, std::string> environment{};
+    bool hasSeed = false;
 };
 
 // What came of moving a clone's folders, and of sharing the user's afterwards.
@@ -55,7 +58,8 @@ SandboxInfo proposal(const InstalledApp& app, const AppFacts& facts) {
                 .reason = sentence(AppModel::tr("“%1” isn’t sandboxed → Home override (A), the "
                                                 "reliable path most apps use."),
                                    {app.name}),
-                .environment = facts.environment};
+                .environment = facts.environment,
+                .hasSeed = facts.hasSeed};
     }
     const std::string reason =
         sentence(AppModel::tr("“%1” is sandboxed. macOS confines it to a shared, "
@@ -67,7 +71,8 @@ SandboxInfo proposal(const InstalledApp& app, const AppFacts& facts) {
     return {.sandboxed = true,
             .strategy = Strategy::containerRedirect,
             .reason = facts.snapReason.value_or(reason),
-            .environment = facts.environment};
+            .environment = facts.environment,
+            .hasSeed = facts.hasSeed};
 }
 
 // Returns a function that answers a question about the app's bundle, for one that can't be read
@@ -96,26 +101,9 @@ auto factsCheck(const AppServices& services, const InstalledApp& app) {
                        [suggest = services.suggestEnvironment](const AppBundle& bundle) {
                            return AppFacts{.sandboxed = bundle.sandboxed,
                                            .snapReason = snapReason(bundle, translated),
-                                           .environment = suggest(bundle)};
+                                           .environment = suggest(bundle),
+                                           .hasSeed = hasSeed(bundle)};
                        });
-}
-
-template<typename Result>
-struct Outcome {
-    std::optional<Result> result{};
-    std::string failure{}; ///< for the user, if there is no result
-};
-
-// For work whose failure the model itself reports, since the future may never be read.
-template<typename Work>
-auto capturingErrors(Work work) {
-    return [work = std::move(work)]() -> Outcome<std::invoke_result_t<Work>> {
-        try {
-            return {.result = work()};
-        } catch (const std::exception& failure) {
-            return {.failure = failure.what()};
-        }
-    };
 }
 
 // Holds none of the services that own the thread it runs on: the last owner of those must not be
@@ -321,10 +309,11 @@ void AppModel::opened(const std::optional<PlatformError>& error) {
 }
 
 QFuture<InstanceRecord> AppModel::createClone(const WrapperFactory::Request& request,
-                                              bool launchAfter) {
+                                              bool launchAfter,
+                                              const AppServices::WrapperMaker& make) {
     return services_.tasks->detached(
         TaskPriority::userInitiated, this,
-        [create = services_.createWrapper, request] {
+        [create = make ? make : services_.createWrapper, request] {
             CreatedWrapper made;
             made.path = create(request, [&](const std::string& text) { made.warning = text; });
             return made;

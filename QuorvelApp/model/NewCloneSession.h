@@ -1,6 +1,7 @@
 #pragma once
 
 #include "QuorvelApp/AppModel.h"
+#include "QuorvelApp/model/BackgroundCopy.h"
 #include "QuorvelApp/model/FilePanels.h"
 #include "QuorvelApp/model/NewCloneForm.h"
 
@@ -44,6 +45,10 @@ public:
     void select(const InstalledApp& app);
     /// Creates the clone. Ends with `created`, or with the model's `lastError`.
     void create();
+    /// Returns the copy of the original's data under way; null if there is none.
+    [[nodiscard]] const BackgroundCopy* copy() const { return copy_.get(); }
+    /// Cancels that copy, and the creation with it, which leaves nothing behind.
+    void cancelCopy();
     /// Detects the selected app's strategy.
     void detect();
     /// Asks the web clone's site for its title and icon, and enters them.
@@ -53,10 +58,15 @@ Q_SIGNALS:
     void changed();
     void created();
 
+protected:
+    /// Returns what keeps the icons of sites that were asked.
+    [[nodiscard]] std::shared_ptr<QTemporaryDir> siteFolders() const { return siteFolders_; }
+
 private:
     void enterIcon(const std::filesystem::path& icon);
     void forgetIcons();
     [[nodiscard]] std::optional<std::filesystem::path> newSiteFolder();
+    void creationEnded(bool isCreated);
     void siteAnswered(const std::string& address, const SitePreview& preview);
 
     AppModel& model_;
@@ -65,6 +75,7 @@ private:
     /// Contains a folder for each site that was asked: an icon of an earlier one may be chosen.
     std::shared_ptr<QTemporaryDir> siteFolders_{};
     int sitesAsked_ = 0;
+    std::unique_ptr<BackgroundCopy> copy_{};
     int iconChoices_ = 0; ///< the number made; answers about earlier ones are ignored
     std::optional<std::filesystem::path> checkedIcon_{}; ///< the last one known to be an icon file
 };
