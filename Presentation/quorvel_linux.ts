@@ -87,6 +87,13 @@
     </message>
 </context>
 <context>
+    <name>quorvel::CloneCommands</name>
+    <message>
+        <source>&amp;Reveal in Finder</source>
+        <translation>&amp;Reveal in File Manager</translation>
+    </message>
+</context>
+<context>
     <name>quorvel::CloneDetailView</name>
     <message>
         <source>&amp;Reveal in Finder</source>

@@ -32,14 +32,16 @@ public:
     void setClone(const InstanceRecord& clone);
     /// Updates whether the clone is running, and whether its home offers a migration.
     void refreshRunning();
+    /// Opens the clone, or brings it to the front.
+    void launch();
+    /// Asks whether to delete the clone.
+    void confirmDelete();
 
 private:
     [[nodiscard]] QWidget* makeHeader(IconLoader& icons);
     [[nodiscard]] QWidget* makeActions();
-    void launch();
     void showCallout();
     void setRows(const std::vector<Fact>& rows);
-    void confirmDelete();
     /// Refreshes which clones run, since there is no signal for those started or ended elsewhere.
     [[nodiscard]] bool isRunningNow(const InstanceRecord& clone);
     /// Says what happens to the clone if it is running.

@@ -4,6 +4,7 @@
 #include "QuorvelApp/Components.h"
 #include "QuorvelApp/NewCloneView.h"
 #include "QuorvelApp/app/ModelAlert.h"
+#include "QuorvelApp/library/CloneCommands.h"
 #include "QuorvelApp/library/Sidebar.h"
 #include "QuorvelApp/widgets/Sheet.h"
 
@@ -20,7 +21,8 @@ ContentView::ContentView(AppModel& model, IconLoader& icons, FilePanels panels, 
     : QWidget(parent),
       model_(model),
       icons_(icons),
-      panels_(std::move(panels)) {
+      panels_(std::move(panels)),
+      commands_(new CloneCommands(model, this)) {
     auto* column = new QVBoxLayout(this);
     column->setContentsMargins(0, 0, 0, 0);
     column->setSpacing(0);
@@ -33,7 +35,21 @@ ContentView::ContentView(AppModel& model, IconLoader& icons, FilePanels panels, 
     connect(&model_, &AppModel::startNewCloneRequestedChanged, this, &ContentView::takeRequest);
     connect(sidebar_, &Sidebar::selectionChanged, this, &ContentView::showSelection);
     connect(sidebar_, &Sidebar::newCloneRequested, this, &ContentView::showNewClone);
+    connectCommands();
     showSelection();
+}
+
+void ContentView::connectCommands() {
+    connect(commands_, &CloneCommands::openRequested, this, [this] { detail().launch(); });
+    connect(commands_, &CloneCommands::deletionRequested, this,
+            [this] { detail().confirmDelete(); });
+}
+
+bool ContentView::event(QEvent* event) {
+    if (event->type() == Sheet::changeEvent()) {
+        commands_->setBlocked(Sheet::isShownOver(this));
+    }
+    return QWidget::event(event);
 }
 
 QWidget* ContentView::makeToolbar() {
@@ -81,6 +97,7 @@ QWidget* ContentView::makePlaceholder(QWidget* parent) {
 
 void ContentView::showSelection() {
     const auto& selection = sidebar_->selection();
+    commands_->setClone(selection);
     const InstanceRecord* clone = selection ? model_.clone(*selection) : nullptr;
     if (clone != nullptr) {
         detail().setClone(*clone);

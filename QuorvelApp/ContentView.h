@@ -12,6 +12,7 @@ class QLabel;
 
 namespace quorvel {
 
+class CloneCommands;
 class CloneDetailView;
 class ModelAlert;
 class Sheet;
@@ -31,18 +32,25 @@ public:
     void showNewClone();
     [[nodiscard]] bool showingNewClone() const { return !newClone_.isNull(); }
     [[nodiscard]] Sidebar& sidebar() const { return *sidebar_; }
+    /// The commands on the selected clone.
+    [[nodiscard]] CloneCommands& commands() const { return *commands_; }
+
+protected:
+    bool event(QEvent* event) override;
 
 private:
     [[nodiscard]] QWidget* makeToolbar();
     [[nodiscard]] QWidget* makeColumns();
     [[nodiscard]] QWidget* makePlaceholder(QWidget* parent);
     CloneDetailView& detail();
+    void connectCommands();
     void showSelection();
     void takeRequest();
 
     AppModel& model_;
     IconLoader& icons_;
     FilePanels panels_;
+    CloneCommands* commands_;
     Sidebar* sidebar_ = nullptr;
     QStackedLayout* detailStates_ = nullptr;
     QLabel* placeholderText_ = nullptr;

@@ -1,6 +1,7 @@
 #include "QuorvelApp/app/MainWindow.h"
 
 #include "QuorvelApp/app/EditMenu.h"
+#include "QuorvelApp/library/CloneCommands.h"
 #include "QuorvelApp/widgets/MessageSheet.h"
 #include "QuorvelApp/widgets/Sheet.h"
 
@@ -34,6 +35,7 @@ void MainWindow::addCommands(UpdaterController& updater) {
     refresh->setMenuRole(QAction::NoRole);
     refresh->setShortcut(Qt::CTRL | Qt::Key_R);
     connect(refresh, &QAction::triggered, &model_, &AppModel::reload);
+    addCloneMenu();
 
     QMenu* help = menuBar()->addMenu(tr("&Help"));
     QAction* check = help->addAction(tr("&Check for Updates…"));
@@ -61,6 +63,12 @@ void MainWindow::addFileMenu() {
     quit->setMenuRole(QAction::QuitRole);
     quit->setShortcut(Qt::CTRL | Qt::Key_Q);
     connect(quit, &QAction::triggered, qApp, &QApplication::quit);
+}
+
+void MainWindow::addCloneMenu() {
+    QMenu* menu = menuBar()->addMenu(tr("&Clone"));
+    content_->commands().addTo(*menu);
+    content_->commands().addGeneralTo(*menu);
 }
 
 void MainWindow::showAbout() {

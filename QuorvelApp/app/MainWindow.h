@@ -30,6 +30,7 @@ protected:
 private:
     void addCommands(UpdaterController& updater);
     void addFileMenu();
+    void addCloneMenu();
     void showAbout();
 
     AppModel& model_;

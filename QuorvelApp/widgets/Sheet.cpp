@@ -16,6 +16,18 @@ using namespace Qt::StringLiterals;
 
 constexpr int margin = 24;
 
+// A widget's children are in the order in which they are stacked.
+QList<Sheet*> sheetsOver(const QWidget* window) {
+    QList<Sheet*> sheets = window->findChildren<Sheet*>(Qt::FindDirectChildrenOnly);
+    sheets.removeIf([](const Sheet* sheet) { return sheet->isHidden(); });
+    return sheets;
+}
+
+void sayThatSheetsChanged(QWidget* window) {
+    QEvent event(Sheet::changeEvent());
+    QCoreApplication::sendEvent(window, &event);
+}
+
 } // namespace
 
 Sheet::Sheet(QDialog* dialog, QWidget* window, Place place, QSize ideal)
@@ -37,6 +49,16 @@ Sheet::Sheet(QDialog* dialog, QWidget* window, Place place, QSize ideal)
     takePlace();
     dialog_->show();
     shownSheets().constLast()->takeFocus();
+    sayThatSheetsChanged(window);
+}
+
+bool Sheet::isShownOver(const QWidget* window) {
+    return !sheetsOver(window).isEmpty();
+}
+
+QEvent::Type Sheet::changeEvent() {
+    static const int type = QEvent::registerEventType();
+    return static_cast<QEvent::Type>(type);
 }
 
 void Sheet::takePlace() {
@@ -62,10 +84,7 @@ void Sheet::takeFocus() {
 }
 
 QList<Sheet*> Sheet::shownSheets() const {
-    // A widget's children are in the order in which they are stacked.
-    QList<Sheet*> sheets = parentWidget()->findChildren<Sheet*>(Qt::FindDirectChildrenOnly);
-    sheets.removeIf([](const Sheet* sheet) { return sheet->isHidden(); });
-    return sheets;
+    return sheetsOver(parentWidget());
 }
 
 bool Sheet::eventFilter(QObject* watched, QEvent* event) {
@@ -128,6 +147,7 @@ void Sheet::end() {
     } else if (focusBefore_) {
         focusBefore_->setFocus();
     }
+    sayThatSheetsChanged(parentWidget());
     deleteLater();
 }
 

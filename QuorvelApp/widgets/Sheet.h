@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QDialog>
+#include <QEvent>
 #include <QPointer>
 #include <QWidget>
 
@@ -22,6 +23,11 @@ public:
     Sheet(QDialog* dialog, QWidget* window, Place place, QSize ideal = {});
 
     [[nodiscard]] QDialog* dialog() const { return dialog_; }
+
+    /// Returns whether a sheet shows over `window`.
+    [[nodiscard]] static bool isShownOver(const QWidget* window);
+    /// The type of the event that a window gets when a sheet over it appears or ends.
+    [[nodiscard]] static QEvent::Type changeEvent();
 
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override;

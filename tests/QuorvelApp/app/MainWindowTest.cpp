@@ -108,6 +108,8 @@ TEST_F(MainWindowTest, HasTheMenusOfEveryProgramAndItsOwnCommands) {
               "File|New Clone… Ctrl+N|Close Ctrl+W|Quit Ctrl+Q|Edit|Undo Ctrl+Z|Redo " +
                   redo.toStdString() +
                   "|Cut Ctrl+X|Copy Ctrl+C|Paste Ctrl+V|Select All Ctrl+A|View|Refresh Ctrl+R|"
+                  "Clone|Open |Edit… Ctrl+E|Rename… F2|Duplicate… Ctrl+D|Refresh Wrapper |Show "
+                  "Log |Reveal in Finder |Stop |Delete… Del|Refresh Wrappers |"
                   "Help|Check for Updates… |About Quorvel ");
 }
 

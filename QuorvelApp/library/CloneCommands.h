@@ -1,0 +1,72 @@
+#pragma once
+
+#include "QuorvelApp/AppModel.h"
+
+#include <QAction>
+#include <QList>
+#include <QObject>
+
+#include <optional>
+#include <string>
+
+class QMenu;
+
+namespace quorvel {
+
+struct InstanceRecord;
+
+/// The commands on the selected clone, shared by the menu bar, the context menu of the list and the
+/// keys. They are enabled as long as they can do something.
+class CloneCommands : public QObject {
+    Q_OBJECT
+
+public:
+    /// `model` must outlive it.
+    explicit CloneCommands(AppModel& model, QObject* parent = nullptr);
+
+    /// Sets the clone that the commands act on, by its identity.
+    void setClone(const std::optional<std::string>& id);
+    /// Disables everything, as while a sheet is shown.
+    void setBlocked(bool blocked);
+
+    /// Adds the commands on one clone to a menu, which then keeps them up to date.
+    void addTo(QMenu& menu);
+    /// Adds those that are for all clones.
+    void addGeneralTo(QMenu& menu);
+
+    [[nodiscard]] QAction& deletion() { return remove_; }
+
+Q_SIGNALS:
+    void openRequested(const quorvel::InstanceRecord& clone);
+    void editRequested(const quorvel::InstanceRecord& clone);
+    void renameRequested(const quorvel::InstanceRecord& clone);
+    void duplicateRequested(const quorvel::InstanceRecord& clone);
+    void refreshRequested(const quorvel::InstanceRecord& clone);
+    void refreshAllRequested();
+    void logRequested(const quorvel::InstanceRecord& clone);
+    void stopRequested(const quorvel::InstanceRecord& clone);
+    void deletionRequested(const quorvel::InstanceRecord& clone);
+
+private:
+    using Request = void (CloneCommands::*)(const InstanceRecord&);
+
+    void prepare(QAction& action, Request request);
+    void prepareReveal();
+    void refresh();
+
+    AppModel& model_;
+    std::optional<std::string> id_{};
+    bool blocked_ = false;
+    QAction open_;
+    QAction edit_;
+    QAction rename_;
+    QAction duplicate_;
+    QAction refreshWrapper_;
+    QAction log_;
+    QAction reveal_;
+    QAction stop_;
+    QAction remove_;
+    QAction refreshAll_;
+};
+
+} // namespace quorvel
