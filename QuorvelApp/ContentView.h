@@ -14,6 +14,7 @@ namespace quorvel {
 
 class CloneCommands;
 class CloneDetailView;
+class ClonePanels;
 class ModelAlert;
 class Sheet;
 class Sidebar;
@@ -55,6 +56,7 @@ private:
     QStackedLayout* detailStates_ = nullptr;
     QLabel* placeholderText_ = nullptr;
     CloneDetailView* detail_ = nullptr;
+    ClonePanels* clonePanels_;
     QPointer<Sheet> newClone_{};
 };
 

@@ -26,7 +26,6 @@ BackgroundCopy::~BackgroundCopy() {
 
 void BackgroundCopy::cancel() {
     control_->cancelled_ = true;
-    Q_EMIT changed();
 }
 
 } // namespace quorvel

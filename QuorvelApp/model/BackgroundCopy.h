@@ -37,13 +37,12 @@ public:
     [[nodiscard]] std::shared_ptr<const Control> control() const { return control_; }
     /// Returns how far it is; std::nullopt until that is known.
     [[nodiscard]] const std::optional<CopyProgress>& progress() const { return progress_; }
-    [[nodiscard]] bool isCancelled() const { return control_->cancelled(); }
 
     /// Makes the copy stop soon.
     void cancel();
 
 Q_SIGNALS:
-    void changed();
+    void changed(); ///< the progress
 
 private:
     std::shared_ptr<Control> control_ = std::make_shared<Control>();

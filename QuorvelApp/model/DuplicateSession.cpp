@@ -61,7 +61,7 @@ void DuplicateSession::findSize() {
 }
 
 bool DuplicateSession::canDuplicate() const {
-    return phase_ == Phase::asking && !Text::trimmingWhitespace(name_).empty();
+    return !isWorking_ && !Text::trimmingWhitespace(name_).empty();
 }
 
 void DuplicateSession::setName(const std::string& name) {
@@ -78,11 +78,14 @@ void DuplicateSession::duplicate() {
     if (!canDuplicate()) {
         return;
     }
-    phase_ = Phase::working;
-    copy_ = std::make_unique<BackgroundCopy>();
-    connect(copy_.get(), &BackgroundCopy::changed, this, &DuplicateSession::changed);
+    isWorking_ = true;
+    auto control = std::make_shared<const BackgroundCopy::Control>();
+    if (withData_) {
+        copy_ = std::make_unique<BackgroundCopy>();
+        control = copy_->control();
+    }
     const auto work = [wrapper = original_.bundleURL, name = name_, withData = withData_,
-                       registry = model_.registry(), control = copy_->control()] {
+                       registry = model_.registry(), control] {
         const auto original = registry.record(wrapper); // as it is now
         if (!original) {
             throw Error("The clone at " + wrapper.string() + " is not there any more.");
@@ -101,40 +104,44 @@ void DuplicateSession::duplicate() {
         return made;
     };
     // The outcome is reported even if the panel is gone, unless that has cancelled the copy.
-    model_.services().tasks->detached(TaskPriority::userInitiated, &model_, capturingErrors(work),
-                                      [self = QPointer(this), &model = model_,
-                                       control = copy_->control()](const Outcome<Made>& outcome) {
-                                          if (outcome.result || !control->cancelled()) {
-                                              model.reload();
-                                          }
-                                          if (!outcome.result && !control->cancelled()) {
-                                              model.setLastError(outcome.failure);
-                                          } else if (outcome.result &&
-                                                     !outcome.result->warnings.empty()) {
-                                              model.setLastError(outcome.result->warnings.front());
-                                          }
-                                          if (self) {
-                                              self->ended(outcome);
-                                          }
-                                      });
+    model_.services().tasks->detached(
+        TaskPriority::userInitiated, &model_, capturingErrors(work),
+        [self = QPointer(this), &model = model_, control](const Outcome<Made>& outcome) {
+            report(model, outcome, control->cancelled());
+            if (self) {
+                self->ended(outcome);
+            }
+        });
     Q_EMIT changed();
+    if (copy_) {
+        Q_EMIT copyBegan(copy_.get());
+    }
+}
+
+void DuplicateSession::report(AppModel& model, const Outcome<Made>& outcome, bool isCancelled) {
+    if (!outcome.result) {
+        if (!isCancelled) {
+            model.reload();
+            model.setLastError(outcome.failure);
+        }
+        return;
+    }
+    model.reload();
+    const auto& [made, warnings] = *outcome.result;
+    if (made.data) {
+        model.setStatusMessage(copyResult(*made.data, made.findings));
+    }
+    if (!warnings.empty()) {
+        model.setLastError(warnings.front());
+    }
 }
 
 void DuplicateSession::ended(const Outcome<Made>& outcome) {
     copy_.reset();
-    phase_ = outcome.result ? Phase::done : Phase::asking;
-    if (outcome.result && outcome.result->clone.data) {
-        result_ = copyResult(*outcome.result->clone.data, outcome.result->clone.findings);
-    }
+    isWorking_ = false;
     Q_EMIT changed();
     if (outcome.result) {
         Q_EMIT duplicated(outcome.result->clone.clone.wrapper.string());
-    }
-}
-
-void DuplicateSession::cancel() {
-    if (copy_) {
-        copy_->cancel();
     }
 }
 

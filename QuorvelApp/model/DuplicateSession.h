@@ -20,15 +20,14 @@ class DuplicateSession : public QObject {
     Q_OBJECT
 
 public:
-    enum class Phase { asking, working, done };
-
     /// `model` must outlive the session.
     DuplicateSession(AppModel& model, InstanceRecord original, QObject* parent = nullptr);
     /// Cancels a copy under way, which leaves nothing behind.
     ~DuplicateSession() override;
 
     [[nodiscard]] const InstanceRecord& original() const { return original_; }
-    [[nodiscard]] Phase phase() const { return phase_; }
+    /// Returns whether the duplicate is being made.
+    [[nodiscard]] bool isWorking() const { return isWorking_; }
     /// The new clone's name; at first the next one that is free.
     [[nodiscard]] const std::string& name() const { return name_; }
     [[nodiscard]] bool withData() const { return withData_; }
@@ -36,24 +35,21 @@ public:
     [[nodiscard]] const std::optional<std::uintmax_t>& dataSize() const { return dataSize_; }
     /// Returns whether there is a name, and nothing is under way.
     [[nodiscard]] bool canDuplicate() const;
-    /// Returns the copy under way; null if there is none.
-    [[nodiscard]] const BackgroundCopy* copy() const { return copy_.get(); }
-    /// Returns what came of the copy, in sentences on lines of their own.
-    [[nodiscard]] const std::string& result() const { return result_; }
 
     void setName(const std::string& name);
     void setWithData(bool withData);
 
-    /// Makes the duplicate. Ends with `duplicated`, or with the model's `lastError` and another
-    /// `asking`.
+    /// Makes the duplicate. Ends with `duplicated`, or with the model's `lastError`; or with
+    /// neither if the copy of the data is cancelled. What came of the copy becomes the model's
+    /// `statusMessage`.
     void duplicate();
-    /// Cancels the copy under way, which goes back to `asking` as soon as all of it is removed.
-    void cancel();
 
 Q_SIGNALS:
     void changed();
-    /// The clone at `wrapper` was made. There is a `result` if data was copied.
-    void duplicated(const std::string& wrapper);
+    /// Data is being copied, until `copy` is destroyed.
+    void copyBegan(quorvel::BackgroundCopy* copy);
+    /// The clone with this identity was made.
+    void duplicated(const std::string& id);
 
 private:
     struct Made {
@@ -61,18 +57,18 @@ private:
         std::vector<std::string> warnings{};
     };
 
+    static void report(AppModel& model, const Outcome<Made>& outcome, bool isCancelled);
     void findSize();
     void ended(const Outcome<Made>& outcome);
 
     AppModel& model_;
     InstanceRecord original_;
-    Phase phase_ = Phase::asking;
+    bool isWorking_ = false;
     std::string name_;
     bool withData_ = false;
     std::optional<std::uintmax_t> dataSize_{};
     std::shared_ptr<std::atomic<bool>> gone_ = std::make_shared<std::atomic<bool>>(false);
     std::unique_ptr<BackgroundCopy> copy_{};
-    std::string result_{};
 };
 
 } // namespace quorvel

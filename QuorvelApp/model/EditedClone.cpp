@@ -203,7 +203,8 @@ NewCloneForm EditedClone::form() const {
         form.iconLabelPosition = config.iconLabel->position;
     }
     form.edited =
-        EditedCloneFacts{.place = shortPath(wrapper.string()),
+        EditedCloneFacts{.wrapper = wrapper,
+                         .place = shortPath(wrapper.string()),
                          .ownIcon = ownIcon,
                          .hidesVariables = !isWhole(config.environment, form.envText),
                          .hidesEntries = !isWhole(config.infoPlistOverrides, form.plistText)};

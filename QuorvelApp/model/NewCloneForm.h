@@ -39,6 +39,7 @@ struct AppSettings : CloneOptions {
 
 /// What a form shows of the clone that it edits, besides the values of its fields.
 struct EditedCloneFacts {
+    std::filesystem::path wrapper{};
     std::string place{}; ///< of the wrapper; begins with "~" if it is in the user's home
     /// The wrapper's icon; absent if that is the target's, or is to be.
     std::optional<std::filesystem::path> ownIcon{};

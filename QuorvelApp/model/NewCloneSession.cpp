@@ -92,7 +92,6 @@ void NewCloneSession::create() {
     std::shared_ptr<CopiedSeed> seed;
     if (form_.startsWithSeed()) {
         copy_ = std::make_unique<BackgroundCopy>();
-        connect(copy_.get(), &BackgroundCopy::changed, this, &NewCloneSession::changed);
         seed = std::make_shared<CopiedSeed>();
         make = seededMaker(copy_->control(), seed);
     }
@@ -118,6 +117,9 @@ void NewCloneSession::create() {
                       self->creationEnded(!failure);
                   }
               });
+    if (copy_) {
+        Q_EMIT copyBegan(copy_.get());
+    }
 }
 
 void NewCloneSession::creationEnded(bool isCreated) {
@@ -126,12 +128,6 @@ void NewCloneSession::creationEnded(bool isCreated) {
         Q_EMIT created();
     }
     edit([](NewCloneForm& form) { form.creating = false; });
-}
-
-void NewCloneSession::cancelCopy() {
-    if (copy_) {
-        copy_->cancel();
-    }
 }
 
 std::optional<std::filesystem::path> NewCloneSession::newSiteFolder() {

@@ -45,10 +45,6 @@ public:
     void select(const InstalledApp& app);
     /// Creates the clone. Ends with `created`, or with the model's `lastError`.
     void create();
-    /// Returns the copy of the original's data under way; null if there is none.
-    [[nodiscard]] const BackgroundCopy* copy() const { return copy_.get(); }
-    /// Cancels that copy, and the creation with it, which leaves nothing behind.
-    void cancelCopy();
     /// Detects the selected app's strategy.
     void detect();
     /// Asks the web clone's site for its title and icon, and enters them.
@@ -57,6 +53,9 @@ public:
 Q_SIGNALS:
     void changed();
     void created();
+    /// The original's data is being copied, until `copy` is destroyed. Cancelling that cancels the
+    /// creation, which leaves nothing behind.
+    void copyBegan(quorvel::BackgroundCopy* copy);
 
 protected:
     /// Returns what keeps the icons of sites that were asked.

@@ -16,6 +16,11 @@ namespace quorvel {
 
 using FormAction = void (NewCloneForm::*)();
 
+/// Makes a field read-only that can't be changed in a clone that is edited.
+inline void fixIfEdited(NewCloneSession& session, QLineEdit* control) {
+    control->setReadOnly(session.form().edited.has_value());
+}
+
 /// Binds a line of text to a field. `edited`, if not null, is called after each edit by the user.
 inline void bindField(NewCloneSession& session, QLineEdit* control,
                       std::string NewCloneForm::*field, FormAction edited = nullptr) {
@@ -25,6 +30,9 @@ inline void bindField(NewCloneSession& session, QLineEdit* control,
         if (control->text() != text) {
             const QSignalBlocker quiet(control);
             control->setText(text);
+            if (control->text() != text) {
+                control->setReadOnly(true); // it can't take the whole text
+            }
         }
     };
     QObject::connect(control, &QLineEdit::textChanged, &session,
