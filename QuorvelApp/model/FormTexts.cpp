@@ -30,8 +30,13 @@ QStringList pieces(const QString& text, Separates separates) {
     return result;
 }
 
-// Text editors take some characters for the ends of blocks, and one for a picture.
+// Text editors take some characters for the ends of blocks, and one for a picture. Laying out a
+// very long line would block the window.
 bool survivesEditor(const std::string& text) {
+    constexpr std::size_t longest = 10'000;
+    if (text.size() > longest) {
+        return false;
+    }
     const QString whole = qtText(text);
     return std::none_of(whole.begin(), whole.end(), [](QChar each) {
         const char16_t unit = each.unicode();
@@ -153,8 +158,9 @@ std::map<std::string, std::string> parseKeyValues(std::string_view text) {
 std::string keyValueText(const std::map<std::string, std::string>& entries) {
     std::string text;
     for (const auto& [key, value] : entries) {
+        constexpr std::size_t most = 200'000;
         const std::string line = key + "=" + value;
-        if (survivesEditor(line) &&
+        if (survivesEditor(line) && text.size() + line.size() < most &&
             parseKeyValues(line) == std::map<std::string, std::string>{{key, value}}) {
             text += (text.empty() ? "" : "\n") + line;
         }

@@ -14,7 +14,7 @@ namespace quorvel {
 [[nodiscard]] std::map<std::string, std::string> parseKeyValues(std::string_view text);
 
 /// Returns one KEY=VALUE line for each of the entries that `parseKeyValues` reads back unchanged,
-/// also from a text editor. The others are left out.
+/// also from a text editor. The others are left out, as is what is too long to be edited.
 [[nodiscard]] std::string keyValueText(const std::map<std::string, std::string>& entries);
 
 /// Returns the pieces between white space of every kind.

@@ -49,7 +49,7 @@ AdvancedOptions::AdvancedOptions(NewCloneSession& session, IconLoader& icons, QW
              makeEditor(tr("Environment variables"), &NewCloneForm::envText),
              tr("One KEY=VALUE per line. {{instanceHome}} expands to the data location."));
     if (isEdited && session_.form().edited->hidesVariables) {
-        addNote(tr("Variables that don't fit on one line are not shown, and stay."));
+        addNote(tr("Some variables are not shown here; they stay as they are."));
     }
     addEnvironmentCost();
     addBlock(tr("Info.plist overrides"),
@@ -57,7 +57,7 @@ AdvancedOptions::AdvancedOptions(NewCloneSession& session, IconLoader& icons, QW
              tr("One KEY=VALUE per line, e.g. LSUIElement=true. Merged into the wrapper's "
                 "Info.plist."));
     if (isEdited && session_.form().edited->hidesEntries) {
-        addNote(tr("Entries that don't fit on one line are not shown, and stay."));
+        addNote(tr("Some entries are not shown here; they stay as they are."));
     }
     addMenuBarBoxes();
     addCheckBox(column_, tr("Hide this clone's Dock icon (menu-bar/background app)"),

@@ -35,8 +35,7 @@ void CustomIconRow::refresh() {
     const auto own = form.edited ? form.edited->ownIcon : std::nullopt;
     const auto& icon = form.customIcon ? form.customIcon : own;
     preview_->setPath(icon.value_or(std::filesystem::path()));
-    path_->setFullText(form.customIcon ? displayLine(form.customIcon->native())
-                                       : tr("Has an icon of its own"));
+    path_->setFullText(form.customIcon ? displayLine(form.customIcon->native()) : tr("Its own"));
     preview_->setVisible(icon.has_value());
     path_->setVisible(icon.has_value());
     clear_->setVisible(icon.has_value());

@@ -122,6 +122,13 @@ public:
         stubs_.model().reload();
     }
 
+    void addData(const std::string& clone) {
+        for (int file = 0; file < 40; ++file) {
+            write(home_ / "QuorvelInstances" / clone / "Profile" / std::to_string(file),
+                  std::string(std::size_t{1} << 17U, 'x'));
+        }
+    }
+
     void trigger(const QString& command) {
         for (const QAction* menu : window_.menuBar()->actions()) {
             for (QAction* action : menu->menu()->actions()) {
@@ -321,6 +328,8 @@ void showEditing() {
 
 void showDuplicating() {
     Scene scene(true);
+    scene.retarget("Chat (Work)", "Chat");
+    scene.addData("Chat (Work)");
     scene.select("Chat (Work)");
     scene.trigger(QStringLiteral("Duplicate…"));
     scene.save(QStringLiteral("duplicate"));

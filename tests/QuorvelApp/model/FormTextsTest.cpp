@@ -44,5 +44,14 @@ TEST(FormTextsTest, EntriesThatALineCantHoldAreLeftOut) {
     EXPECT_EQ(keyValueText(entries), "A=1\nB= x = y \nH=\nI=tab\tand\u00A0");
 }
 
+TEST(FormTextsTest, WhatIsTooLongForAnEditorIsLeftOut) {
+    std::map<std::string, std::string> entries{{"A", "1"}, {"B", std::string(1'000'000, 'x')}};
+    EXPECT_EQ(keyValueText(entries), "A=1");
+    for (int number = 0; number < 100; ++number) {
+        entries["C" + std::to_string(number)] = std::string(9'000, 'x');
+    }
+    EXPECT_LT(keyValueText(entries).size(), 200'000U);
+}
+
 } // namespace
 } // namespace quorvel
