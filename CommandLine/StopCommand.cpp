@@ -5,6 +5,8 @@
 #include "CommandLine/CloneTexts.h"
 #include "CommandLine/Confirmation.h"
 #include "LaunchKit/CloneStop.h"
+#include "Presentation/StopTexts.h"
+#include "Presentation/SystemWords.h"
 
 #include <nlohmann/json.hpp>
 
@@ -23,8 +25,7 @@ std::string quoted(const InstanceRecord& record) {
 }
 
 std::string stillRunning(const InstanceRecord& record, std::size_t left) {
-    return quoted(record) + " was asked to end, but " + processes(left) +
-           (left == 1 ? " is" : " are") + " still running.";
+    return stillRunningText(record.config.displayName, left, inSystemWords);
 }
 
 const char* rawOutcome(StoppedClone::Case outcome) {
@@ -64,10 +65,10 @@ void stopCommand(const CommandContext& context, const std::string& clone,
     using Case = StoppedClone::Case;
     const InstanceRecord record = findClone(context.registry, clone);
     const auto mayForce = [&](std::size_t left) {
-        return options.force || (context.inputIsTerminal &&
-                                 confirmed(context, stillRunning(record, left) +
-                                                        " End it by force? What is not saved is "
-                                                        "lost."));
+        return options.force ||
+               (context.inputIsTerminal &&
+                confirmed(context, stillRunning(record, left) + " End it by force? " +
+                                       lossText(inSystemWords)));
     };
     const std::chrono::duration<double> wait(options.wait);
     const StoppedClone stopped =
@@ -85,8 +86,7 @@ void stopCommand(const CommandContext& context, const std::string& clone,
                            (options.force ? "" : " With --force, it is ended by force."));
     }
     if (stopped.outcome == Case::elsewhere) {
-        throw CommandError(quoted(record) + " is not running, but a program that may be another "
-                                            "clone’s uses its data folder.");
+        throw CommandError(usedElsewhereText(record.config.displayName, inSystemWords));
     }
     if (!json) {
         context.output << terminalText(sentence(record, stopped)) << "\n";

@@ -1,5 +1,8 @@
 #include "Presentation/JoinedText.h"
 
+#include <algorithm>
+#include <cstddef>
+
 namespace quorvel {
 
 std::string joined(const std::vector<std::string>& parts, std::string_view separator) {
@@ -9,6 +12,18 @@ std::string joined(const std::vector<std::string>& parts, std::string_view separ
         result += parts[index];
     }
     return result;
+}
+
+std::string shortList(const std::vector<std::string>& items, const Translate& translate) {
+    constexpr std::size_t longest = 5;
+    std::vector<std::string> lines(
+        items.begin(),
+        items.begin() + static_cast<std::ptrdiff_t>(std::min(items.size(), longest)));
+    if (items.size() > longest) {
+        lines.push_back(
+            filledIn(translate("List", "… and %1 more"), {std::to_string(items.size() - longest)}));
+    }
+    return joined(lines, "\n");
 }
 
 } // namespace quorvel

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Presentation/Translation.h"
+
 #include <string>
 #include <string_view>
 #include <vector>
@@ -8,5 +10,10 @@ namespace quorvel {
 
 /// Returns the parts in their order, with `separator` between them.
 [[nodiscard]] std::string joined(const std::vector<std::string>& parts, std::string_view separator);
+
+/// Returns the items, one per line, and after the first few the number of others: an alert has
+/// space for only a few.
+[[nodiscard]] std::string shortList(const std::vector<std::string>& items,
+                                    const Translate& translate = inEnglish);
 
 } // namespace quorvel

@@ -2,13 +2,8 @@
 
 #include "Presentation/JoinedText.h"
 
-#include <algorithm>
-
 namespace quorvel {
 namespace {
-
-// An alert has space for only a few.
-constexpr std::size_t longestList = 5;
 
 // Empty if nothing was moved.
 std::string movedSentence(const InstanceLauncher::Migration& migration,
@@ -53,20 +48,16 @@ std::string failureMessage(const InstanceLauncher::Migration& migration, const s
 }
 
 std::string unmovedItems(const InstanceLauncher::Migration& migration, const Translate& translate) {
-    const auto& items = migration.unmoved;
-    if (items.empty()) {
+    if (migration.unmoved.empty()) {
         return {};
     }
-    std::string text = translate(
-        "Migration", "Not everything could be moved, so the clone still has folders of its own:");
-    const std::size_t shown = std::min(items.size(), longestList);
-    for (std::size_t index = 0; index < shown; ++index) {
-        text += "\n" + items[index].reason;
+    std::vector<std::string> reasons;
+    for (const auto& item : migration.unmoved) {
+        reasons.push_back(item.reason);
     }
-    return shown == items.size() ? text
-                                 : text + "\n" +
-                                       filledIn(translate("Migration", "… and %1 more"),
-                                                {std::to_string(items.size() - shown)});
+    return translate("Migration",
+                     "Not everything could be moved, so the clone still has folders of its own:") +
+           "\n" + shortList(reasons, translate);
 }
 
 } // namespace quorvel

@@ -119,6 +119,13 @@
     </message>
 </context>
 <context>
+    <name>quorvel::LogPanel</name>
+    <message>
+        <source>&amp;Reveal in Finder</source>
+        <translation>&amp;Reveal in File Manager</translation>
+    </message>
+</context>
+<context>
     <name>quorvel::MigrationCallout</name>
     <message>
         <source>Files it saves are tucked inside its data folder. Move them into your Mac's shared folders and share them from now on — accounts and settings stay isolated.</source>

@@ -1,6 +1,5 @@
 #include "QuorvelApp/AppModel.h"
 
-#include "LaunchKit/DataSeed.h"
 #include "LaunchKit/HomeLock.h"
 #include "LaunchKit/IconCheck.h"
 #include "LaunchKit/InstanceLauncher.h"
@@ -8,11 +7,11 @@
 #include "Platform/desktop/ActivationError.h"
 #include "Platform/files/FileSystem.h"
 #include "Platform/files/PlatformError.h"
-#include "Presentation/AppTexts.h"
 #include "Presentation/CloneNaming.h"
 #include "Presentation/MigrationSummary.h"
 #include "ProbeKit/ProfileGenerator.h"
 #include "QuorvelApp/model/Outcome.h"
+#include "QuorvelApp/model/SandboxCheck.h"
 #include "QuorvelApp/model/Translated.h"
 
 #include <QPointer>
@@ -26,14 +25,6 @@ using namespace std::chrono_literals;
 
 // It takes a moment for a wrapper to appear among the running applications.
 constexpr auto launchSettleTime = 800ms;
-
-// What is to be known about an app before it is cloned.
-struct AppFacts {
-    bool sandboxed = false;
-    std::optional<std::string> snapReason{};
-    std::map<std::string, std::string> environment{};
-    bool hasSeed = false;
-};
 
 // What came of moving a clone's folders, and of sharing the user's afterwards.
 struct SharedFolders {
@@ -49,61 +40,6 @@ std::string failureOfSharing(const InstanceRegistry& registry, const InstanceRec
     } catch (const std::exception& error) {
         return error.what();
     }
-}
-
-SandboxInfo proposal(const InstalledApp& app, const AppFacts& facts) {
-    if (!facts.sandboxed) {
-        return {.sandboxed = false,
-                .strategy = Strategy::homeOverride,
-                .reason = sentence(AppModel::tr("“%1” isn’t sandboxed → Home override (A), the "
-                                                "reliable path most apps use."),
-                                   {app.name}),
-                .environment = facts.environment,
-                .hasSeed = facts.hasSeed};
-    }
-    const std::string reason =
-        sentence(AppModel::tr("“%1” is sandboxed. macOS confines it to a shared, "
-                              "protected container that can't be redirected, so two "
-                              "copies would share the same data and account. Quorvel "
-                              "can still make a separate Dock launcher, but it won't "
-                              "isolate the data."),
-                 {app.name});
-    return {.sandboxed = true,
-            .strategy = Strategy::containerRedirect,
-            .reason = facts.snapReason.value_or(reason),
-            .environment = facts.environment,
-            .hasSeed = facts.hasSeed};
-}
-
-// Returns a function that answers a question about the app's bundle, for one that can't be read
-// with a default.
-template<typename Question>
-auto aboutBundle(const AppServices& services, const InstalledApp& app, Question question) {
-    using Answer = std::invoke_result_t<Question, const AppBundle&>;
-    return [read = services.readBundle, url = app.url, question = std::move(question)]() -> Answer {
-        try {
-            if (const auto bundle = read(url)) {
-                return question(*bundle);
-            }
-        } catch (const std::exception&) {
-            // Like any app that can't be read.
-        }
-        return {};
-    };
-}
-
-auto sandboxCheck(const AppServices& services, const InstalledApp& app) {
-    return aboutBundle(services, app, [](const AppBundle& bundle) { return bundle.sandboxed; });
-}
-
-auto factsCheck(const AppServices& services, const InstalledApp& app) {
-    return aboutBundle(services, app,
-                       [suggest = services.suggestEnvironment](const AppBundle& bundle) {
-                           return AppFacts{.sandboxed = bundle.sandboxed,
-                                           .snapReason = snapReason(bundle, translated),
-                                           .environment = suggest(bundle),
-                                           .hasSeed = hasSeed(bundle)};
-                       });
 }
 
 // Holds none of the services that own the thread it runs on: the last owner of those must not be
@@ -134,12 +70,12 @@ struct CreatedWrapper {
 };
 
 // For a missing item, file managers show its folder or nothing.
-void revealExisting(Workspace& workspace, const std::filesystem::path& bundle) {
-    if (!itemOrLinkExists(bundle)) {
-        throw PlatformError(std::make_error_code(std::errc::no_such_file_or_directory), bundle,
+void revealExisting(Workspace& workspace, const std::filesystem::path& item) {
+    if (!itemOrLinkExists(item)) {
+        throw PlatformError(std::make_error_code(std::errc::no_such_file_or_directory), item,
                             "shown");
     }
-    workspace.reveal(bundle);
+    workspace.reveal(item);
 }
 
 // Returns the record of a clone that the registry does not list, as far as its request
@@ -338,21 +274,34 @@ InstanceRecord AppModel::created(const std::filesystem::path& wrapper,
     return record;
 }
 
-void AppModel::remove(const InstanceRecord& record, bool includingData) {
-    DeletedData data;
-    try {
-        // A desktop's list of applications may take seconds to be made again.
-        data = services_.registry.remove(record, includingData, [this](std::function<void()> work) {
-            services_.tasks->start(TaskPriority::userInitiated, std::move(work));
+QFuture<bool> AppModel::remove(const InstanceRecord& record, bool includingData) {
+    return services_.tasks->detached(
+        TaskPriority::userInitiated, this,
+        capturingErrors([registry = services_.registry, record, includingData] {
+            Deletion deletion;
+            deletion.data = registry.remove(record, includingData, [&](std::function<void()> work) {
+                deletion.later = std::move(work);
+            });
+            return deletion;
+        }),
+        [this](Outcome<Deletion> outcome) {
+            if (!outcome.result) {
+                setLastError(sentence(tr("Couldn't delete: %1"), {outcome.failure}));
+                return false;
+            }
+            return deleted(std::move(*outcome.result));
         });
-    } catch (const std::exception& failure) {
-        setLastError(sentence(tr("Couldn't delete: %1"), {failure.what()}));
-        return;
+}
+
+bool AppModel::deleted(Deletion deletion) {
+    if (deletion.later) {
+        services_.tasks->start(TaskPriority::userInitiated, std::move(deletion.later));
     }
     reload();
-    if (data.isFailure()) {
-        setLastError(sentence(tr("Couldn't delete: %1"), {data.description()}));
+    if (deletion.data.isFailure()) {
+        setLastError(sentence(tr("Couldn't delete: %1"), {deletion.data.description()}));
     }
+    return !deletion.data.isFailure();
 }
 
 QFuture<void> AppModel::migrateSharedFolders(const InstanceRecord& record) {
@@ -389,17 +338,20 @@ void AppModel::migrated(const InstanceRecord& record, const InstanceLauncher::Mi
 }
 
 QFuture<void> AppModel::reveal(const InstanceRecord& record) {
-    return services_.tasks->detached(
-        TaskPriority::userInitiated, this,
-        capturingErrors([workspace = services_.workspace, bundle = record.bundleURL] {
-            revealExisting(*workspace, bundle);
-            return true;
-        }),
-        [this](const Outcome<bool>& outcome) {
-            if (!outcome.result) {
-                setLastError(outcome.failure);
-            }
-        });
+    return revealItem(record.bundleURL);
+}
+
+QFuture<void> AppModel::revealItem(const std::filesystem::path& item) {
+    return services_.tasks->detached(TaskPriority::userInitiated, this,
+                                     capturingErrors([workspace = services_.workspace, item] {
+                                         revealExisting(*workspace, item);
+                                         return true;
+                                     }),
+                                     [this](const Outcome<bool>& outcome) {
+                                         if (!outcome.result) {
+                                             setLastError(outcome.failure);
+                                         }
+                                     });
 }
 
 QFuture<WindowGrouping> AppModel::windowGrouping(const InstanceRecord& record) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "LaunchKit/AppProfile.h"
+#include "LaunchKit/DeletedData.h"
 #include "LaunchKit/InstanceLauncher.h"
 #include "LaunchKit/WindowIdentity.h"
 #include "QuorvelApp/model/AppServices.h"
@@ -51,7 +52,7 @@ public:
     [[nodiscard]] const std::optional<std::string>& statusMessage() const { return status_; }
     [[nodiscard]] bool startNewCloneRequested() const { return newCloneRequested_; }
     [[nodiscard]] const InstanceRegistry& registry() const { return services_.registry; }
-    /// What the classes around the model share with it.
+    /// For the model's other classes.
     [[nodiscard]] const AppServices& services() const { return services_; }
 
     /// Returns the clone with that identity, or null. Valid until the list changes.
@@ -98,13 +99,16 @@ public:
     QFuture<InstanceRecord> createClone(const WrapperFactory::Request& request, bool launchAfter,
                                         const AppServices::WrapperMaker& make = {});
     /// Deletes the clone. A failure becomes `lastError`, as does data that could not be removed.
-    void remove(const InstanceRecord& record, bool includingData);
+    /// Returns whether everything was deleted.
+    QFuture<bool> remove(const InstanceRecord& record, bool includingData);
     /// Moves the contents of the clone's own folders into the user's, and makes the clone share
     /// those. The outcome becomes `statusMessage`, or `lastError` if the clone can't be changed or
     /// something could not be moved; in that case the clone does not share the folders.
     QFuture<void> migrateSharedFolders(const InstanceRecord& record);
     /// Shows the clone's wrapper in the file manager. A failure becomes `lastError`.
     QFuture<void> reveal(const InstanceRecord& record);
+    /// Shows any item there. A failure becomes `lastError`.
+    QFuture<void> revealItem(const std::filesystem::path& item);
 
     /// Returns where the dock shows the clone's windows under the clone's own name.
     [[nodiscard]] QFuture<WindowGrouping> windowGrouping(const InstanceRecord& record);
@@ -130,6 +134,14 @@ Q_SIGNALS:
     void startNewCloneRequestedChanged();
 
 private:
+    // What came of deleting a clone.
+    struct Deletion {
+        DeletedData data{};
+        /// What a desktop may take seconds for, since it makes its list of applications again.
+        std::function<void()> later{};
+    };
+
+    [[nodiscard]] bool deleted(Deletion deletion);
     void openWrapper(const std::filesystem::path& wrapper);
     void opened(const std::optional<PlatformError>& error);
     [[nodiscard]] InstanceRecord created(const std::filesystem::path& wrapper,

@@ -190,12 +190,13 @@ bool CloneDetailView::isRunningNow(const InstanceRecord& clone) {
 
 void CloneDetailView::removeWithoutData(const InstanceRecord& clone) {
     const bool runs = isRunningNow(clone);
-    model_.remove(clone, false);
-    if (runs && !model_.lastError()) {
-        const DeletionWarning note =
-            deletionWarning(displayLine(clone.config.displayName).toStdString(), false, translated);
-        model_.setStatusMessage(note.title + ". " + note.text);
-    }
+    model_.remove(clone, false).then(this, [this, clone, runs](bool isDeleted) {
+        if (runs && isDeleted) {
+            const DeletionWarning note = deletionWarning(
+                displayLine(clone.config.displayName).toStdString(), false, translated);
+            model_.setStatusMessage(note.title + ". " + note.text);
+        }
+    });
 }
 
 void CloneDetailView::removeWithData(const InstanceRecord& clone) {

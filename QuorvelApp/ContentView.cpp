@@ -5,6 +5,7 @@
 #include "QuorvelApp/NewCloneView.h"
 #include "QuorvelApp/app/ModelAlert.h"
 #include "QuorvelApp/library/CloneCommands.h"
+#include "QuorvelApp/library/CloneSheets.h"
 #include "QuorvelApp/library/Sidebar.h"
 #include "QuorvelApp/panels/ClonePanels.h"
 #include "QuorvelApp/panels/CopySheet.h"
@@ -24,7 +25,9 @@ ContentView::ContentView(AppModel& model, IconLoader& icons, FilePanels panels, 
       model_(model),
       icons_(icons),
       panels_(std::move(panels)),
-      commands_(new CloneCommands(model, this)),
+      changes_(model),
+      commands_(new CloneCommands(model, changes_, this)),
+      sheets_(new CloneSheets(model, changes_, this)),
       clonePanels_(new ClonePanels(model, icons, panels_, this)) {
     auto* column = new QVBoxLayout(this);
     column->setContentsMargins(0, 0, 0, 0);
@@ -39,6 +42,7 @@ ContentView::ContentView(AppModel& model, IconLoader& icons, FilePanels panels, 
     connect(sidebar_, &Sidebar::selectionChanged, this, &ContentView::showSelection);
     connect(sidebar_, &Sidebar::newCloneRequested, this, &ContentView::showNewClone);
     connectCommands();
+    connectChanges();
     showSelection();
 }
 
@@ -49,11 +53,32 @@ void ContentView::connectCommands() {
     connect(commands_, &CloneCommands::openRequested, this, [this] { detail().launch(); });
     connect(commands_, &CloneCommands::deletionRequested, this,
             [this] { detail().confirmDelete(); });
+    connect(commands_, &CloneCommands::renameRequested, this, [this] { sidebar_->editName(); });
+    connect(commands_, &CloneCommands::logRequested, sheets_, &CloneSheets::showLog);
+    connect(commands_, &CloneCommands::refreshRequested, this,
+            [this](const InstanceRecord& clone) { sheets_->refresh({clone}); });
+    connect(commands_, &CloneCommands::refreshAllRequested, this,
+            [this] { sheets_->refresh(model_.clones()); });
+    connect(commands_, &CloneCommands::stopRequested, this,
+            [this](const InstanceRecord& clone) { changes_.stop(clone); });
+}
+
+void ContentView::connectChanges() {
+    connect(sidebar_, &Sidebar::editingChanged, this, &ContentView::blockCommands);
+    connect(sidebar_, &Sidebar::nameEntered, this,
+            [this](const InstanceRecord& clone, const std::string& name) {
+                changes_.rename(clone, name);
+            });
+    connect(&changes_, &CloneChanges::renamed, sidebar_, &Sidebar::follow);
+}
+
+void ContentView::blockCommands() {
+    commands_->setBlocked(Sheet::isShownOver(this) || sidebar_->isEditing());
 }
 
 bool ContentView::event(QEvent* event) {
     if (event->type() == Sheet::changeEvent()) {
-        commands_->setBlocked(Sheet::isShownOver(this));
+        blockCommands();
     }
     return QWidget::event(event);
 }
@@ -78,7 +103,7 @@ QWidget* ContentView::makeColumns() {
     auto* columns = new QSplitter(Qt::Horizontal, this);
     columns->setHandleWidth(1);
     columns->setChildrenCollapsible(false);
-    sidebar_ = new Sidebar(model_, icons_, columns);
+    sidebar_ = new Sidebar(model_, icons_, *commands_, columns);
     auto* detailColumn = new QWidget(columns);
     detailColumn->setObjectName(u"detailColumn"_s);
     detailColumn->setAttribute(Qt::WA_StyledBackground);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "QuorvelApp/AppModel.h"
+#include "QuorvelApp/model/CloneChanges.h"
 #include "QuorvelApp/widgets/IconLoader.h"
 #include "QuorvelApp/widgets/SystemFilePanels.h"
 
@@ -15,6 +16,7 @@ namespace quorvel {
 class CloneCommands;
 class CloneDetailView;
 class ClonePanels;
+class CloneSheets;
 class ModelAlert;
 class Sheet;
 class Sidebar;
@@ -45,13 +47,17 @@ private:
     [[nodiscard]] QWidget* makePlaceholder(QWidget* parent);
     CloneDetailView& detail();
     void connectCommands();
+    void connectChanges();
+    void blockCommands();
     void showSelection();
     void takeRequest();
 
     AppModel& model_;
     IconLoader& icons_;
     FilePanels panels_;
+    CloneChanges changes_;
     CloneCommands* commands_;
+    CloneSheets* sheets_;
     Sidebar* sidebar_ = nullptr;
     QStackedLayout* detailStates_ = nullptr;
     QLabel* placeholderText_ = nullptr;

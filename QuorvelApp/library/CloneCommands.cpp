@@ -1,15 +1,16 @@
 #include "QuorvelApp/library/CloneCommands.h"
 
 #include "LaunchKit/HomeLock.h"
-#include "LaunchKit/InstanceRecord.h"
+#include "QuorvelApp/AppModel.h"
 
 #include <QMenu>
 
 namespace quorvel {
 
-CloneCommands::CloneCommands(AppModel& model, QObject* parent)
+CloneCommands::CloneCommands(AppModel& model, CloneChanges& changes, QObject* parent)
     : QObject(parent),
       model_(model),
+      changes_(changes),
       open_(tr("&Open")),
       edit_(tr("&Edit…")),
       rename_(tr("Re&name…")),
@@ -38,6 +39,7 @@ CloneCommands::CloneCommands(AppModel& model, QObject* parent)
     connect(&refreshAll_, &QAction::triggered, this, &CloneCommands::refreshAllRequested);
     connect(&model_, &AppModel::clonesChanged, this, &CloneCommands::refresh);
     connect(&model_, &AppModel::runningBundleIdsChanged, this, &CloneCommands::refresh);
+    connect(&changes_, &CloneChanges::activityChanged, this, &CloneCommands::refresh);
     refresh();
 }
 
@@ -85,14 +87,16 @@ void CloneCommands::addGeneralTo(QMenu& menu) {
 }
 
 void CloneCommands::refresh() {
-    const InstanceRecord* clone = id_ && !blocked_ ? model_.clone(*id_) : nullptr;
+    const bool isFree = !blocked_ && !changes_.isRefreshing();
+    const InstanceRecord* clone = id_ && isFree ? model_.clone(*id_) : nullptr;
     for (QAction* action :
          {&open_, &edit_, &rename_, &duplicate_, &refreshWrapper_, &reveal_, &remove_}) {
         action->setEnabled(clone != nullptr);
     }
     log_.setEnabled(clone != nullptr && clone->config.kind != ShortcutKind::file);
-    stop_.setEnabled(clone != nullptr && (model_.isRunning(*clone) || isHomeInUse(clone->config)));
-    refreshAll_.setEnabled(!blocked_ && !model_.clones().empty());
+    stop_.setEnabled(clone != nullptr && !changes_.isStopping(*clone) &&
+                     (model_.isRunning(*clone) || isHomeInUse(clone->config)));
+    refreshAll_.setEnabled(isFree && !model_.clones().empty());
 }
 
 } // namespace quorvel

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "QuorvelApp/AppModel.h"
+#include "QuorvelApp/model/CloneChanges.h"
 
 #include <QAction>
 #include <QList>
@@ -13,7 +13,7 @@ class QMenu;
 
 namespace quorvel {
 
-struct InstanceRecord;
+class AppModel;
 
 /// The commands on the selected clone, shared by the menu bar, the context menu of the list and the
 /// keys. They are enabled as long as they can do something.
@@ -21,12 +21,12 @@ class CloneCommands : public QObject {
     Q_OBJECT
 
 public:
-    /// `model` must outlive it.
-    explicit CloneCommands(AppModel& model, QObject* parent = nullptr);
+    /// Both must outlive it.
+    CloneCommands(AppModel& model, CloneChanges& changes, QObject* parent = nullptr);
 
     /// Sets the clone that the commands act on, by its identity.
     void setClone(const std::optional<std::string>& id);
-    /// Disables everything, as while a sheet is shown.
+    /// Disables everything, as while a sheet is shown or a name edited.
     void setBlocked(bool blocked);
 
     /// Adds the commands on one clone to a menu, which then keeps them up to date.
@@ -34,6 +34,8 @@ public:
     /// Adds those that are for all clones.
     void addGeneralTo(QMenu& menu);
 
+    /// For the keys of the list.
+    [[nodiscard]] QAction& opening() { return open_; }
     [[nodiscard]] QAction& deletion() { return remove_; }
 
 Q_SIGNALS:
@@ -55,6 +57,7 @@ private:
     void refresh();
 
     AppModel& model_;
+    CloneChanges& changes_;
     std::optional<std::string> id_{};
     bool blocked_ = false;
     QAction open_;

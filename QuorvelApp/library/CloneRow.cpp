@@ -9,6 +9,8 @@
 #include <QAbstractItemView>
 #include <QFontMetrics>
 #include <QHelpEvent>
+#include <QKeyEvent>
+#include <QLineEdit>
 #include <QPainter>
 #include <QToolTip>
 
@@ -28,6 +30,12 @@ void drawText(QPainter* painter, const QRect& rect, const QString& text, TextSty
     painter->drawText(rect,
                       int(QStyle::visualAlignment(direction, Qt::AlignLeft | Qt::AlignVCenter)),
                       QFontMetrics(font).elidedText(text, Qt::ElideRight, rect.width()));
+}
+
+// The focus that comes back when a menu closes or the window is in front again.
+bool isTemporary(const QFocusEvent& event) {
+    return event.reason() == Qt::ActiveWindowFocusReason ||
+           event.reason() == Qt::PopupFocusReason || event.reason() == Qt::MenuBarFocusReason;
 }
 
 bool isElided(const QString& text, TextStyle style, int width) {
@@ -116,6 +124,55 @@ bool CloneRow::helpEvent(QHelpEvent* event, QAbstractItemView* view,
     }
     QToolTip::showText(event->globalPos(), text, view);
     return true;
+}
+
+QWidget* CloneRow::createEditor(QWidget* parent, const QStyleOptionViewItem&,
+                                const QModelIndex&) const {
+    auto* editor = new QLineEdit(parent);
+    editor->setObjectName(editorName);
+    editor->setAccessibleName(tr("Name"));
+    editor->setFont(fontFor(TextStyle::body));
+    return editor;
+}
+
+void CloneRow::setEditorData(QWidget* editor, const QModelIndex& index) const {
+    auto* field = static_cast<QLineEdit*>(editor);
+    // The list may change meanwhile, which must not undo what was typed.
+    if (!field->isModified()) {
+        field->setText(index.data(CloneListModel::NameRole).toString());
+        field->selectAll();
+    }
+}
+
+void CloneRow::setModelData(QWidget* editor, QAbstractItemModel*, const QModelIndex& index) const {
+    const QString name = static_cast<QLineEdit*>(editor)->text();
+    if (!name.trimmed().isEmpty() && name != index.data(CloneListModel::NameRole).toString()) {
+        Q_EMIT nameEntered(index.data(CloneListModel::IdRole).toString(), name);
+    }
+}
+
+void CloneRow::updateEditorGeometry(QWidget* editor, const QStyleOptionViewItem& option,
+                                    const QModelIndex&) const {
+    const QRect name = places(option).name;
+    const int height = editor->sizeHint().height();
+    editor->setGeometry(name.left() - 5, name.center().y() - height / 2, name.width() + 10, height);
+}
+
+bool CloneRow::eventFilter(QObject* watched, QEvent* event) {
+    auto* editor = qobject_cast<QLineEdit*>(watched);
+    if (editor != nullptr && event->type() == QEvent::FocusOut &&
+        isTemporary(*static_cast<QFocusEvent*>(event))) {
+        return false;
+    }
+    if (editor != nullptr && event->type() == QEvent::KeyPress) {
+        const int key = static_cast<QKeyEvent*>(event)->key();
+        if (key == Qt::Key_Tab || key == Qt::Key_Backtab) {
+            Q_EMIT commitData(editor); // and not on to the next clone's name
+            Q_EMIT closeEditor(editor);
+            return true;
+        }
+    }
+    return QStyledItemDelegate::eventFilter(watched, event);
 }
 
 } // namespace quorvel

@@ -2,9 +2,11 @@
 
 #include "LaunchKit/InstanceRecord.h"
 #include "QuorvelApp/Components.h"
+#include "QuorvelApp/library/CloneCommands.h"
+#include "QuorvelApp/library/CloneList.h"
 #include "QuorvelApp/library/CloneRow.h"
-#include "QuorvelApp/widgets/ItemList.h"
 
+#include <QMenu>
 #include <QStackedLayout>
 #include <QVBoxLayout>
 
@@ -12,21 +14,37 @@ namespace quorvel {
 
 using namespace Qt::StringLiterals;
 
-Sidebar::Sidebar(AppModel& model, IconLoader& icons, QWidget* parent)
+Sidebar::Sidebar(AppModel& model, IconLoader& icons, CloneCommands& commands, QWidget* parent)
     : QWidget(parent),
       model_(model),
-      states_(new QStackedLayout(this)) {
+      states_(new QStackedLayout(this)),
+      menu_(new QMenu(this)) {
     setObjectName(u"sidebar"_s);
     setAttribute(Qt::WA_StyledBackground);
     setMinimumWidth(minimumColumnWidth);
     states_->addWidget(makeEmptyState());
-    states_->addWidget(makeList(icons));
+    states_->addWidget(makeList());
+    connectList(icons, commands);
     connect(&model_, &AppModel::clonesChanged, this, &Sidebar::updateRows);
     connect(&model_, &AppModel::runningBundleIdsChanged, this,
             [this] { rows_.setRunning(model_.runningBundleIds()); });
+    updateRows();
+}
+
+void Sidebar::connectList(IconLoader& icons, CloneCommands& commands) {
+    auto* row = new CloneRow(icons, list_);
+    list_->setItemDelegate(row);
+    list_->addAction(&commands.deletion());
+    commands.addTo(*menu_);
     connect(&icons, &IconLoader::loaded, list_->viewport(),
             [this] { list_->viewport()->update(); });
-    updateRows();
+    connect(list_->selectionModel(), &QItemSelectionModel::selectionChanged, this,
+            &Sidebar::rowSelected);
+    connect(list_, &CloneList::openRequested, &commands.opening(), &QAction::trigger);
+    connect(list_, &CloneList::menuRequested, menu_, [this](QPoint place) { menu_->popup(place); });
+    connect(list_, &CloneList::editingChanged, this, &Sidebar::editingChanged);
+    connect(row, &CloneRow::nameEntered, this,
+            [this](const QString& id, const QString& name) { takeName(id.toStdString(), name); });
 }
 
 QWidget* Sidebar::makeEmptyState() {
@@ -51,26 +69,23 @@ QWidget* Sidebar::makeEmptyState() {
     return page;
 }
 
-QWidget* Sidebar::makeList(IconLoader& icons) {
+QWidget* Sidebar::makeList() {
     auto* page = new QWidget(this);
     auto* column = new QVBoxLayout(page);
     column->setContentsMargins(0, Spacing::group, 0, 0);
     column->setSpacing(Spacing::close);
     QLabel* heading = makeLabel(tr("Clones"), TextStyle::captionMedium, Ink::secondary);
     heading->setContentsMargins(Spacing::section, 0, Spacing::section, 0);
-    list_ = new ItemList;
+    list_ = new CloneList;
     list_->setObjectName(u"clones"_s);
     list_->setAccessibleName(tr("Clones"));
     list_->setModel(&rows_);
-    list_->setItemDelegate(new CloneRow(icons, list_));
     list_->setUniformItemSizes(true);
     list_->setMouseTracking(true);
     list_->setVerticalScrollMode(QAbstractItemView::ScrollPerPixel);
     list_->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     list_->setEditTriggers(QAbstractItemView::NoEditTriggers);
     heading->setBuddy(list_);
-    connect(list_->selectionModel(), &QItemSelectionModel::selectionChanged, this,
-            &Sidebar::rowSelected);
     column->addWidget(heading);
     column->addWidget(list_, 1);
     return page;
@@ -97,6 +112,26 @@ void Sidebar::select(const std::string& id) {
     const int row = rows_.rowOf(id);
     if (row >= 0) {
         list_->setCurrentIndex(rows_.index(row));
+    }
+}
+
+void Sidebar::follow(const std::string& from, const std::string& to) {
+    if (selection_ == from) {
+        select(to);
+    }
+}
+
+void Sidebar::editName() {
+    list_->editName();
+}
+
+bool Sidebar::isEditing() const {
+    return list_->isEditing();
+}
+
+void Sidebar::takeName(const std::string& id, const QString& name) {
+    if (const InstanceRecord* clone = model_.clone(id)) {
+        Q_EMIT nameEntered(InstanceRecord(*clone), name.toStdString());
     }
 }
 

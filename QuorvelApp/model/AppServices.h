@@ -55,6 +55,8 @@ struct AppServices {
     std::function<SitePreview(const std::string& address, const std::filesystem::path& folder)>
         previewSite{};
     Delay after{};
+    /// How long clones may take that are asked to end.
+    std::chrono::milliseconds stopPatience{std::chrono::seconds(10)};
     /// Set when the application quits, which cancels a running probe. Never null in `system()`.
     std::shared_ptr<std::atomic<bool>> quitting{};
 

@@ -124,6 +124,10 @@ int CloneListModel::rowOf(const std::string& id) const {
     return found == clones_.end() ? -1 : static_cast<int>(found - clones_.begin());
 }
 
+Qt::ItemFlags CloneListModel::flags(const QModelIndex& index) const {
+    return QAbstractListModel::flags(index) | Qt::ItemIsEditable;
+}
+
 int CloneListModel::rowCount(const QModelIndex& parent) const {
     return parent.isValid() ? 0 : static_cast<int>(clones_.size());
 }

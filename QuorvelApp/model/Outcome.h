@@ -8,18 +8,18 @@
 
 namespace quorvel {
 
-/// The result of work that may have failed.
+/// What came of background work whose failure the model itself reports, since the future may never
+/// be read.
 template<typename Result>
 struct Outcome {
     std::optional<Result> result{};
     std::string failure{}; ///< for the user, if there is no result
 };
 
-/// Returns `work` so that it returns an outcome instead of throwing: for background work whose
-/// failure is reported by the one who started it, since its future may never be read.
+/// Returns work that never throws, and has an `Outcome`.
 template<typename Work>
 auto capturingErrors(Work work) {
-    return [work = std::move(work)]() -> Outcome<std::invoke_result_t<const Work&>> {
+    return [work = std::move(work)]() -> Outcome<std::invoke_result_t<Work>> {
         try {
             return {.result = work()};
         } catch (const std::exception& failure) {

@@ -1,3 +1,4 @@
+#include "LaunchKit/ClonesLock.h"
 #include "LaunchKit/WindowWord.h"
 #include "Platform/desktop/MenuEntry.h"
 #include "tests/QuorvelApp/AppModelFixture.h"
@@ -22,7 +23,7 @@ TEST_F(AppModelDeletionTest, DeletingRemovesTheWrapperAndListsAgain) {
     const InstanceRecord record = addClone("Work");
     write(home / "QuorvelInstances/Work/data", "x");
     model().reload();
-    model().remove(record, false);
+    (void)resultOf(model().remove(record, false));
     EXPECT_THAT(names(), ElementsAre("Home"));
     EXPECT_TRUE(fs::exists(home / "QuorvelInstances/Work/data"));
 }
@@ -37,19 +38,32 @@ TEST_F(AppModelDeletionTest, DeletingWithdrawsFromTheMenuInTheBackground) {
     entry.cloneId = identity;
     const std::string word = windowWord(identity);
     publishMenuEntry({.word = word, .fileName = word + ".desktop", .entry = entry}, {});
+    const QFuture<bool> deletion = model().remove(record, false);
     stubbed.tasks->holding = true;
-    model().remove(record, false);
+    EXPECT_TRUE(resultOf(deletion));
     EXPECT_FALSE(fs::exists(record.bundleURL));
     EXPECT_EQ(publishedMenuEntries().size(), 1U);
     stubbed.tasks->release();
     EXPECT_TRUE(eventually([] { return publishedMenuEntries().empty(); }));
 }
 
+TEST_F(AppModelDeletionTest, DeletingWaitsForAnotherChangeInTheBackground) {
+    const InstanceRecord record = addClone("Work");
+    model().reload();
+    auto lock = lockClones(folder);
+    const QFuture<bool> deletion = model().remove(record, false);
+    EXPECT_FALSE(eventually([&] { return deletion.isFinished(); }, std::chrono::milliseconds(100)));
+    EXPECT_THAT(names(), ElementsAre("Work"));
+    lock.reset();
+    EXPECT_TRUE(resultOf(deletion));
+    EXPECT_THAT(model().clones(), IsEmpty());
+}
+
 TEST_F(AppModelDeletionTest, DeletingWithDataRemovesBoth) {
     const InstanceRecord record = addClone("Work");
     write(home / "QuorvelInstances/Work/data", "x");
     model().reload();
-    model().remove(record, true);
+    (void)resultOf(model().remove(record, true));
     EXPECT_THAT(model().clones(), IsEmpty());
     EXPECT_FALSE(fs::exists(home / "QuorvelInstances/Work"));
 }
@@ -60,7 +74,7 @@ TEST_F(AppModelDeletionTest, AFailedDeletionIsReportedAndKeepsTheList) {
     InstanceRecord record = model().clones().front();
     // A wrapper whose removal is refused, for every user: it contains the user's home.
     record.bundleURL = home.path();
-    model().remove(record, true);
+    (void)resultOf(model().remove(record, true));
     EXPECT_THAT(*model().lastError(), StartsWith("Couldn't delete: "));
     EXPECT_THAT(names(), ElementsAre("Work"));
 }
@@ -75,7 +89,7 @@ TEST_F(AppModelDeletionTest, DataThatStaysIsReportedAndTheListIsNew) {
         write(place / "data/file", "x");
         fs::permissions(place / "data/closed", fs::perms{0555});
         QSignalSpy listed(&model(), &AppModel::clonesChanged);
-        model().remove(record, true);
+        (void)resultOf(model().remove(record, true));
         const std::string error = model().lastError().value_or("");
         return listed.count() == 1 && error.starts_with("Couldn't delete: ") &&
                error.find("1 item removed, 3 items left") != std::string::npos &&
@@ -90,7 +104,7 @@ TEST_F(AppModelDeletionTest, AStaleRecordDeletesNothing) {
     newer.instanceHome = "~/QuorvelInstances/Newer";
     makeWrapper(record.bundleURL, newer);
     write(home / "QuorvelInstances/Work/data", "x");
-    model().remove(record, true);
+    (void)resultOf(model().remove(record, true));
     EXPECT_THAT(model().lastError().value_or(""), StartsWith("Couldn't delete: "));
     EXPECT_TRUE(fs::exists(record.bundleURL));
     EXPECT_TRUE(fs::exists(home / "QuorvelInstances/Work/data"));
@@ -101,7 +115,7 @@ TEST_F(AppModelDeletionTest, DeletingWhatIsGoneAlreadyListsAgain) {
     write(home / "QuorvelInstances/Work/data", "x");
     model().reload();
     fs::remove_all(record.bundleURL);
-    model().remove(record, true);
+    (void)resultOf(model().remove(record, true));
     EXPECT_FALSE(model().lastError());
     EXPECT_THAT(model().clones(), IsEmpty());
     EXPECT_FALSE(fs::exists(home / "QuorvelInstances/Work"));

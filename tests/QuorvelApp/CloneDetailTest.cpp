@@ -46,6 +46,7 @@ TEST_F(CloneDetailTest, DeletesTheDataOnlyWhenAsked) {
         select(work);
         button(u"Delete"_s)->click();
         button(withData ? u"Delete Clone and Its Data"_s : u"Delete Clone Only"_s)->click();
+        EXPECT_TRUE(eventually([&] { return cloneCount() == 0; }));
         EXPECT_FALSE(fs::exists(work.bundleURL));
         EXPECT_EQ(fs::exists(home / "QuorvelInstances/Work/data"), !withData);
     }
@@ -73,6 +74,7 @@ TEST_F(CloneDetailTest, AsksOnceMoreBeforeItDeletesTheDataOfACloneThatRuns) {
     EXPECT_TRUE(fs::exists(work.bundleURL));
     EXPECT_TRUE(fs::exists(home / "QuorvelInstances/Work/data"));
     delayed(u"Delete Anyway"_s);
+    EXPECT_TRUE(eventually([&] { return cloneCount() == 0; }));
     EXPECT_FALSE(fs::exists(work.bundleURL));
     EXPECT_FALSE(fs::exists(home / "QuorvelInstances/Work"));
 }
@@ -104,6 +106,7 @@ TEST_F(CloneDetailTest, DoesNotAskOnceMoreWhereTheDataStaysButSaysWhatGoesOn) {
         button(u"Delete"_s)->click();
         button(u"Delete Clone Only"_s)->click();
         EXPECT_FALSE(shown(u"“Work” is running"_s));
+        EXPECT_TRUE(eventually([&] { return cloneCount() == 0; }));
         EXPECT_FALSE(fs::exists(work.bundleURL));
         EXPECT_EQ(stubs.model().statusMessage().value_or("nothing"),
                   runs ? "“Work” is running. It goes on until you quit it, perhaps under the "

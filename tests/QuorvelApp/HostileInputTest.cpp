@@ -200,9 +200,9 @@ TEST_F(HostileInputTest, TwoProgramsOnOneFolderDoNotDisturbEachOther) {
     MainWindow second(other.model(), updater, icons, panels);
     second.show();
     second.content().sidebar().select(work.id());
-    stubs.model().remove(work, false);
+    (void)resultOf(stubs.model().remove(work, false));
     EXPECT_EQ(other.model().clones().size(), 2U) << "it has not looked yet";
-    other.model().remove(work, false);
+    (void)resultOf(other.model().remove(work, false));
     EXPECT_FALSE(other.model().lastError()) << "it is gone, as was asked";
     EXPECT_EQ(other.model().clones().size(), 1U);
     EXPECT_TRUE(shows(&second, u"Select a clone to manage it."_s));

@@ -355,7 +355,7 @@ TEST_F(KeyboardTest, ReturnPressesTheButtonThatHasTheRing) {
     button(u"Delete"_s)->click();
     button(u"Delete Clone Only"_s)->setFocus();
     press(Qt::Key_Return);
-    EXPECT_FALSE(fs::exists(work.bundleURL));
+    EXPECT_TRUE(eventually([&] { return !fs::exists(work.bundleURL); }));
 }
 
 TEST_F(KeyboardTest, TheDefaultButtonStaysSoOnceTheFocusHasLeftIt) {

@@ -63,6 +63,7 @@ TEST_F(MainWindowTest, ShowsTheSelectedCloneAndFallsBackWhenItIsDeleted) {
                       u"~/QuorvelInstances/Work. “…and Its Data” also erases that folder — "
                       u"accounts and settings for this clone are gone for good."_s));
     button(u"Delete Clone Only"_s)->click();
+    EXPECT_TRUE(eventually([&] { return cloneCount() == 1; }));
     EXPECT_TRUE(shown(u"Select a clone to manage it."_s));
     EXPECT_EQ(window->content().sidebar().selection(), work.id()) << "the selection stays";
     EXPECT_FALSE(fs::exists(work.bundleURL));

@@ -1,0 +1,59 @@
+#include "QuorvelApp/library/CloneList.h"
+
+#include "QuorvelApp/library/CloneRow.h"
+
+#include <QContextMenuEvent>
+#include <QKeyEvent>
+#include <QLineEdit>
+
+namespace quorvel {
+
+void CloneList::editName() {
+    const QModelIndex row = currentIndex();
+    if (!row.isValid() || state() == EditingState) {
+        return;
+    }
+    scrollTo(row);
+    edit(row);
+    if (auto* editor = findChild<QLineEdit*>(CloneRow::editorName, Qt::FindChildrenRecursively);
+        editor != nullptr && state() == EditingState) {
+        ++editors_;
+        connect(editor, &QObject::destroyed, this, [this] {
+            --editors_;
+            Q_EMIT editingChanged();
+        });
+        Q_EMIT editingChanged();
+    }
+}
+
+void CloneList::contextMenuEvent(QContextMenuEvent* event) {
+    const bool byMouse = event->reason() == QContextMenuEvent::Mouse;
+    const QModelIndex row = byMouse ? indexAt(event->pos()) : currentIndex();
+    if (row.isValid()) {
+        setCurrentIndex(row);
+        scrollTo(row);
+        Q_EMIT menuRequested(byMouse ? event->globalPos()
+                                     : viewport()->mapToGlobal(visualRect(row).center()));
+    }
+}
+
+void CloneList::keyPressEvent(QKeyEvent* event) {
+    if (state() == EditingState) {
+        event->ignore(); // what the editor had no use for
+    } else if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) {
+        if (currentIndex().isValid() && !event->isAutoRepeat()) {
+            Q_EMIT openRequested();
+        }
+    } else {
+        ItemList::keyPressEvent(event);
+    }
+}
+
+void CloneList::mouseDoubleClickEvent(QMouseEvent* event) {
+    ItemList::mouseDoubleClickEvent(event);
+    if (event->button() == Qt::LeftButton && indexAt(event->position().toPoint()).isValid()) {
+        Q_EMIT openRequested();
+    }
+}
+
+} // namespace quorvel

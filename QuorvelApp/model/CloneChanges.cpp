@@ -1,0 +1,157 @@
+#include "QuorvelApp/model/CloneChanges.h"
+
+#include "LaunchKit/CloneRefresh.h"
+#include "LaunchKit/CloneRenaming.h"
+#include "Presentation/ChangeTexts.h"
+#include "Presentation/JoinedText.h"
+#include "Presentation/StopTexts.h"
+#include "QuorvelApp/AppModel.h"
+#include "QuorvelApp/model/Translated.h"
+
+#include <algorithm>
+#include <functional>
+
+namespace quorvel {
+namespace {
+
+// What a worker thread needs to bring the menu into line afterwards.
+struct MenuUpdate {
+    explicit MenuUpdate(const AppServices& services)
+        : registry(services.registry),
+          repair(services.repairMenu) {}
+
+    void operator()() const { repair(registry.list()); }
+
+    InstanceRegistry registry;
+    std::function<void(const std::vector<InstanceRecord>&)> repair;
+};
+
+void refreshOne(const CloneRefresh& refresh, const InstanceRecord& clone, RefreshSummary& summary) {
+    try {
+        const ChangedClone changed = refresh.refresh(clone.bundleURL);
+        ++(changed.isChanged ? summary.refreshed : summary.current);
+        const auto notes = changeNotes(changed, changed.isRunning, translated);
+        summary.notes.insert(summary.notes.end(), notes.begin(), notes.end());
+    } catch (const std::exception& error) {
+        summary.failures.emplace_back(error.what());
+    }
+}
+
+RefreshSummary refreshAll(const std::vector<InstanceRecord>& clones, ChangeProgress& progress) {
+    RefreshSummary summary;
+    const CloneRefresh refresh;
+    for (const InstanceRecord& clone : clones) {
+        if (progress.isCancelled) {
+            ++summary.skipped;
+        } else {
+            refreshOne(refresh, clone, summary);
+            ++progress.done;
+        }
+    }
+    return summary;
+}
+
+// The path by which the model lists a clone in the same folder.
+std::string identityAfter(const InstanceRecord& old, const InstanceRecord& now) {
+    return (old.bundleURL.parent_path() / now.bundleURL.filename()).string();
+}
+
+} // namespace
+
+CloneChanges::CloneChanges(AppModel& model, QObject* parent) : QObject(parent), model_(model) {}
+
+QFuture<void> CloneChanges::rename(const InstanceRecord& clone, const std::string& name) {
+    return model_.services().tasks->detached(
+        TaskPriority::userInitiated, this,
+        capturingErrors([clone, name, updateMenu = MenuUpdate(model_.services())] {
+            ChangedClone changed = renameClone(clone.bundleURL, {.name = name});
+            updateMenu();
+            return changed;
+        }),
+        [this, clone](const Outcome<ChangedClone>& outcome) { renameDone(clone, outcome); });
+}
+
+void CloneChanges::renameDone(const InstanceRecord& clone, const Outcome<ChangedClone>& outcome) {
+    model_.reload();
+    if (!outcome.result) {
+        model_.setLastError(sentence(tr("Couldn't rename: %1"), {outcome.failure}));
+        return;
+    }
+    const ChangedClone& changed = *outcome.result;
+    Q_EMIT renamed(clone.id(), identityAfter(clone, changed.record));
+    const bool isRunning = changed.isRunning || model_.isRunning(changed.record);
+    const auto notes = changeNotes(changed, isRunning, translated);
+    if (!notes.empty()) {
+        model_.setStatusMessage(joined(notes, "\n"));
+    }
+}
+
+QFuture<void> CloneChanges::refresh(const std::vector<InstanceRecord>& clones,
+                                    const std::shared_ptr<ChangeProgress>& progress) {
+    ++refreshing_;
+    Q_EMIT activityChanged();
+    return model_.services().tasks->detached(
+        TaskPriority::userInitiated, this,
+        capturingErrors([clones, progress, updateMenu = MenuUpdate(model_.services())] {
+            RefreshSummary summary = refreshAll(clones, *progress);
+            updateMenu();
+            return summary;
+        }),
+        [this](const Outcome<RefreshSummary>& outcome) { refreshDone(outcome); });
+}
+
+void CloneChanges::refreshDone(const Outcome<RefreshSummary>& outcome) {
+    --refreshing_;
+    Q_EMIT activityChanged();
+    model_.reload();
+    if (!outcome.result) {
+        model_.setLastError(sentence(tr("Couldn't refresh: %1"), {outcome.failure}));
+    } else if (outcome.result->failures.empty()) {
+        model_.setStatusMessage(refreshMessage(*outcome.result, translated));
+    } else {
+        model_.setLastError(refreshMessage(*outcome.result, translated));
+    }
+}
+
+QFuture<void> CloneChanges::stop(const InstanceRecord& clone, Force force) {
+    stopping_.insert(clone.id());
+    Q_EMIT activityChanged();
+    const AppServices& services = model_.services();
+    StopOptions options{.patience = services.stopPatience};
+    if (force == Force::afterAsking) {
+        // It was asked before, and had its time.
+        options = {.patience = std::chrono::milliseconds(0),
+                   .mayForce = [](std::size_t) { return true; }};
+    }
+    return services.tasks->detached(TaskPriority::userInitiated, this,
+                                    capturingErrors([clone, options, registry = services.registry] {
+                                        return stopClone(registry, clone, options);
+                                    }),
+                                    [this, clone, force](const Outcome<StoppedClone>& outcome) {
+                                        stopDone(clone, force, outcome);
+                                    });
+}
+
+void CloneChanges::stopDone(const InstanceRecord& clone, Force force,
+                            const Outcome<StoppedClone>& outcome) {
+    using Case = StoppedClone::Case;
+    stopping_.erase(clone.id());
+    model_.refreshRunningState();
+    Q_EMIT activityChanged();
+    const std::string& name = clone.config.displayName;
+    if (!outcome.result) {
+        model_.setLastError(sentence(tr("Couldn't stop: %1"), {outcome.failure}));
+    } else if (outcome.result->outcome == Case::elsewhere) {
+        model_.setLastError(usedElsewhereText(name, translated));
+    } else if (outcome.result->outcome == Case::running && force == Force::never) {
+        Q_EMIT stillRunning(clone, outcome.result->left);
+    } else if (outcome.result->outcome == Case::running) {
+        model_.setLastError(stillRunningText(name, outcome.result->left, translated));
+    }
+}
+
+bool CloneChanges::isStopping(const InstanceRecord& clone) const {
+    return stopping_.contains(clone.id());
+}
+
+} // namespace quorvel

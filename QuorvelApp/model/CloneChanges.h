@@ -1,0 +1,74 @@
+#pragma once
+
+#include "LaunchKit/CloneStop.h"
+#include "LaunchKit/InstanceRecord.h"
+#include "Presentation/RefreshSummary.h"
+#include "QuorvelApp/model/Outcome.h"
+
+#include <QFuture>
+#include <QObject>
+
+#include <atomic>
+#include <cstddef>
+#include <memory>
+#include <set>
+#include <string>
+#include <vector>
+
+namespace quorvel {
+
+class AppModel;
+struct ChangedClone;
+
+/// How far a change of several clones is. Any thread.
+struct ChangeProgress {
+    std::atomic<int> done = 0;
+    std::atomic<bool> isCancelled = false;
+};
+
+/// Changes and stops clones that exist, in the background, and lists them again afterwards. What
+/// the user should know becomes the model's `lastError` or `statusMessage`. Main thread only.
+class CloneChanges : public QObject {
+    Q_OBJECT
+
+public:
+    /// `model` must outlive it.
+    explicit CloneChanges(AppModel& model, QObject* parent = nullptr);
+
+    /// Gives the clone another name; its data stays where it is.
+    QFuture<void> rename(const InstanceRecord& clone, const std::string& name);
+
+    /// Brings these clones up to date, one after the other, until `progress` is cancelled. A
+    /// failure of one does not keep it from the others.
+    QFuture<void> refresh(const std::vector<InstanceRecord>& clones,
+                          const std::shared_ptr<ChangeProgress>& progress);
+    /// Returns whether a refresh is under way.
+    [[nodiscard]] bool isRefreshing() const { return refreshing_ > 0; }
+
+    /// How a clone is asked to end.
+    enum class Force { never, afterAsking };
+    /// Ends everything that the clone runs. Asks first, and for as long as `AppServices` say, or
+    /// with force not for long.
+    QFuture<void> stop(const InstanceRecord& clone, Force force = Force::never);
+    /// Returns whether the clone is being stopped.
+    [[nodiscard]] bool isStopping(const InstanceRecord& clone) const;
+
+Q_SIGNALS:
+    /// A clone has got another identity, and the model lists it.
+    void renamed(const std::string& from, const std::string& to);
+    /// That many processes of a clone go on although they were asked to end.
+    void stillRunning(const quorvel::InstanceRecord& clone, std::size_t left);
+    /// `isRefreshing` or `isStopping` has changed.
+    void activityChanged();
+
+private:
+    void renameDone(const InstanceRecord& clone, const Outcome<ChangedClone>& outcome);
+    void refreshDone(const Outcome<RefreshSummary>& outcome);
+    void stopDone(const InstanceRecord& clone, Force force, const Outcome<StoppedClone>& outcome);
+
+    AppModel& model_;
+    int refreshing_ = 0;
+    std::set<std::string> stopping_{}; ///< identities
+};
+
+} // namespace quorvel

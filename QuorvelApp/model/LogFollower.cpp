@@ -1,0 +1,118 @@
+#include "QuorvelApp/model/LogFollower.h"
+
+#include "LaunchKit/LogReader.h"
+#include "Presentation/SafeLog.h"
+#include "QuorvelApp/model/QtText.h"
+
+#include <QTimer>
+
+#include <chrono>
+#include <utility>
+
+namespace quorvel {
+namespace {
+
+constexpr std::chrono::milliseconds pauseAtTheEnd{250};
+
+// Breaks lines that are too long, wherever the pieces begin.
+class LineBreaker {
+public:
+    explicit LineBreaker(int longest) : longest_(longest) {}
+
+    QString operator()(const QString& text) {
+        QString result;
+        result.reserve(text.size());
+        for (const QChar unit : text) {
+            if (unit == u'\n') {
+                length_ = 0;
+            } else if (++length_ > longest_ && !unit.isLowSurrogate()) {
+                result += u'\n';
+                length_ = 1;
+            }
+            result += unit;
+        }
+        return result;
+    }
+
+private:
+    int longest_;
+    int length_ = 0;
+};
+
+} // namespace
+
+struct LogFollower::Piece {
+    QString text{};
+    std::uintmax_t skipped = 0;
+    bool isEnd = true; ///< for now
+};
+
+class LogFollower::Source {
+public:
+    explicit Source(const std::string& home) : reader_(home) {}
+
+    [[nodiscard]] const std::filesystem::path& path() const { return reader_.path(); }
+
+    Piece next() {
+        Piece piece;
+        if (std::exchange(isFirst_, false)) {
+            piece.skipped = skipToTheEnd();
+        }
+        std::string bytes = reader_.next();
+        piece.isEnd = bytes.empty();
+        if (std::exchange(beginsInLine_, false)) {
+            const std::size_t end = bytes.find('\n');
+            bytes.erase(0, end == std::string::npos ? 0 : end + 1);
+        }
+        piece.text = breaker_(qtText(safe_(bytes)));
+        return piece;
+    }
+
+private:
+    std::uintmax_t skipToTheEnd() {
+        const std::uintmax_t size = reader_.size();
+        if (size <= most) {
+            return 0;
+        }
+        reader_.skipTo(size - most);
+        beginsInLine_ = true;
+        return size - most;
+    }
+
+    LogReader reader_;
+    SafeLog safe_{};
+    LineBreaker breaker_{longestLine};
+    bool isFirst_ = true;
+    bool beginsInLine_ = false; ///< whose beginning was left out
+};
+
+LogFollower::LogFollower(std::shared_ptr<BackgroundTasks> tasks, const std::string& home,
+                         QObject* parent)
+    : QObject(parent),
+      tasks_(std::move(tasks)),
+      source_(std::make_shared<Source>(home)),
+      path_(source_->path()) {
+    readOn();
+}
+
+LogFollower::~LogFollower() = default;
+
+void LogFollower::readOn() {
+    tasks_->detached(
+        TaskPriority::userInitiated, this, [source = source_] { return source->next(); },
+        [this](const Piece& piece) { take(piece); });
+}
+
+void LogFollower::take(const Piece& piece) {
+    if (piece.skipped > 0) {
+        Q_EMIT skipped(piece.skipped);
+    }
+    if (!piece.text.isEmpty()) {
+        Q_EMIT read(piece.text);
+    }
+    // Between two pieces, the window handles what else there is.
+    QTimer::singleShot(piece.isEnd ? pauseAtTheEnd : std::chrono::milliseconds(0), this,
+                       &LogFollower::readOn);
+}
+
+} // namespace quorvel
