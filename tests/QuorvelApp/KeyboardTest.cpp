@@ -76,8 +76,8 @@ TEST_F(KeyboardTest, TheSheetsForACloneOpenByKeyAndGoThroughTheirFieldsInOrder) 
     EXPECT_EQ(window->focusWidget()->accessibleName(), u"Website URL"_s);
     window->findChild<EditCloneView*>()->session().edit(
         [](NewCloneForm& form) { form.hideDockIcon = true; }); // so that it can be saved
-    EXPECT_THAT(tabOrder(), ElementsAre(u"Website URL"_s, u"Name"_s, u"Advanced options"_s,
-                                        u"Cancel"_s, u"Save"_s));
+    EXPECT_THAT(tabOrder(), ElementsAre(u"Website URL"_s, u"Get Icon"_s, u"Name"_s,
+                                        u"Advanced options"_s, u"Cancel"_s, u"Save"_s));
     press(Qt::Key_Escape);
     ASSERT_TRUE(eventually([&] { return window->findChild<EditCloneView*>() == nullptr; }));
     press(Qt::Key_D, Qt::ControlModifier);

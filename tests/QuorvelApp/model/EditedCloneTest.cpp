@@ -4,7 +4,6 @@
 #include "LaunchKit/InstanceRecord.h"
 #include "LaunchKit/InstanceRegistry.h"
 #include "tests/QuorvelApp/UnusualClones.h"
-#include "tests/support/DesktopApps.h"
 #include "tests/support/IcnsBuilder.h"
 #include "tests/support/SmallDisk.h"
 #include "tests/support/TemporaryHome.h"
@@ -27,7 +26,7 @@ protected:
     [[nodiscard]] InstanceRecord make(ShortcutKind kind) {
         WrapperFactory::Request request = unusualRequest(kind);
         if (kind == ShortcutKind::app) {
-            request.targetApp = apps_.addEntry("org.example.App", helperProgram().string());
+            request.targetApp = makeAppBundle(home_ / "Thing.app");
         }
         return makeClone(request);
     }
@@ -49,7 +48,6 @@ protected:
     }
 
     TemporaryHome home_{};
-    DesktopApps apps_{};
 };
 
 TEST_F(EditedCloneTest, SavingWithoutAChangeChangesNoByte) {
@@ -160,14 +158,11 @@ TEST_F(EditedCloneTest, AChosenIconIsGivenUpBeforeTheClonesOwn) {
 }
 
 TEST_F(EditedCloneTest, BlankArgumentsOfAnAppAreTheEnginesAgain) {
-    write(apps_.at("opt/chromium"), read(helperProgram()));
-    makeExecutable(apps_.at("opt/chromium"));
-    for (const char* mark : {"icudtl.dat", "resources.pak", "chrome_100_percent.pak"}) {
-        write(apps_.at("opt") / mark, "");
-    }
+    const fs::path app = makeAppBundle(home_ / "Thing.app");
+    fs::create_directories(app / "Contents/Frameworks/Electron Framework.framework");
     WrapperFactory::Request request;
     request.displayName = "Work";
-    request.targetApp = apps_.addEntry("org.example.App", apps_.at("opt/chromium").string());
+    request.targetApp = app;
     const InstanceRecord record = makeClone(request);
     const std::vector<std::string> engines = record.config.extraArgs;
     ASSERT_THAT(engines, SizeIs(1));

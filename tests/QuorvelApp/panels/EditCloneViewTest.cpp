@@ -4,7 +4,6 @@
 #include "LaunchKit/InstanceRecord.h"
 #include "tests/QuorvelApp/UnusualClones.h"
 #include "tests/QuorvelApp/WindowFixture.h"
-#include "tests/support/DesktopApps.h"
 
 #include <QComboBox>
 #include <QPlainTextEdit>
@@ -61,8 +60,6 @@ protected:
         EXPECT_EQ(field(u"Website URL"_s)->text(), u"b.test"_s);
         EXPECT_TRUE(button(u"Save"_s)->isEnabled());
     }
-
-    DesktopApps apps{};
 };
 
 TEST_F(EditCloneViewTest, OpenedAndClosedItChangesNoByteOfAnUnusualClone) {
@@ -70,7 +67,7 @@ TEST_F(EditCloneViewTest, OpenedAndClosedItChangesNoByteOfAnUnusualClone) {
         const std::string name(rawString(kind));
         WrapperFactory::Request request = unusualRequest(kind);
         if (kind == ShortcutKind::app) {
-            request.targetApp = apps.addEntry("org.example.App", helperProgram().string());
+            request.targetApp = makeAppBundle(home / "Thing.app");
         }
         const InstanceRecord record = makeClone(request);
         const auto before = treeOf(record.bundleURL);
@@ -130,11 +127,11 @@ TEST_F(EditCloneViewTest, EachControlChangesWhatItStandsForAndNothingElse) {
 TEST_F(EditCloneViewTest, KindTargetNameAndDataFolderAreShownOnly) {
     WrapperFactory::Request request;
     request.displayName = "Work";
-    request.targetApp = apps.addEntry("org.example.App", helperProgram().string());
+    request.targetApp = makeAppBundle(home / "Thing.app");
     EditCloneView& view = editNew(request);
     button(u"Advanced options"_s)->click();
     EXPECT_TRUE(shown(u"Edit “Work”"_s));
-    EXPECT_TRUE(shown(u"org.example.App"_s)) << "the app's name";
+    EXPECT_TRUE(shown(u"Thing"_s)) << "the app's name";
     EXPECT_TRUE(shown(u"Saved to ~/Applications/Work.app"_s));
     EXPECT_EQ(view.findChild<AppGrid*>(), nullptr);
     EXPECT_TRUE(field(u"Name"_s)->isReadOnly());
