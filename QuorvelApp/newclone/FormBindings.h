@@ -27,12 +27,11 @@ inline void bindField(NewCloneSession& session, QLineEdit* control,
     const auto show = [&session, control, field] {
         const QString text = qtText(session.form().*field);
         // Setting the text would move the cursor while the user types.
-        if (control->text() != text) {
+        const bool isCut = text.size() > control->maxLength();
+        if (control->text() != text && !(isCut && control->isReadOnly())) {
             const QSignalBlocker quiet(control);
             control->setText(text);
-            if (control->text() != text) {
-                control->setReadOnly(true); // it can't take the whole text
-            }
+            control->setReadOnly(isCut || control->isReadOnly()); // or the rest would be lost
         }
     };
     QObject::connect(control, &QLineEdit::textChanged, &session,
