@@ -190,7 +190,36 @@ std::vector<DataPart> partsFor(const AppBundle& app, const UserFoldersOfSession&
     return knownSeed(app, folders);
 }
 
+void requireKnownPackaging(const AppBundle& app) {
+    using Packaging = ResolvedProgram::Packaging;
+    if (!app.desktop || app.desktop->program.packaging == Packaging::flatpak ||
+        app.desktop->program.packaging == Packaging::snap) {
+        throw unknownPlace(app);
+    }
+}
+
+// Returns the folders that are there, whether the original runs or not.
+std::vector<DataPart> foldersOf(const AppBundle& app, const Environment& session) {
+    const UserFoldersOfSession folders(session);
+    std::vector<DataPart> parts = partsFor(app, folders);
+    for (const DataPart& part : parts) {
+        if (!isFolder(part.from)) {
+            throw noData(app, part.from);
+        }
+    }
+    return parts;
+}
+
 } // namespace
+
+bool hasSeed(const AppBundle& app, const Environment& session) {
+    try {
+        requireKnownPackaging(app);
+        return !foldersOf(app, session).empty();
+    } catch (const DataCopyError&) {
+        return false;
+    }
+}
 
 std::vector<DataPart> seedFor(const WrapperFactory::Request& request, const Environment& session) {
     const auto app = request.kind == ShortcutKind::app && request.targetApp
@@ -199,20 +228,13 @@ std::vector<DataPart> seedFor(const WrapperFactory::Request& request, const Envi
     if (!app) {
         throw DataCopyError("Only a clone of an application can start with the original’s data.");
     }
-    if (!app->desktop || app->desktop->program.packaging == ResolvedProgram::Packaging::flatpak ||
-        app->desktop->program.packaging == ResolvedProgram::Packaging::snap) {
-        throw unknownPlace(*app);
-    }
+    requireKnownPackaging(*app);
     if (request.extraArgs && detectEngine(*app) != AppEngine::other) {
         throw DataCopyError("With arguments of its own, it is not known where the clone keeps its "
                             "data, so it can’t start with the original’s.");
     }
-    const UserFoldersOfSession folders(session);
-    std::vector<DataPart> parts = partsFor(*app, folders);
+    std::vector<DataPart> parts = foldersOf(*app, session);
     for (DataPart& part : parts) {
-        if (!isFolder(part.from)) {
-            throw noData(*app, part.from);
-        }
         part.requireUnused = [app] { requireNotRunning(*app); };
     }
     requireNotRunning(*app);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "LaunchKit/AppBundle.h"
 #include "LaunchKit/CopiedData.h"
 #include "LaunchKit/WrapperFactory.h"
 #include "Platform/processes/Process.h"
@@ -17,5 +18,9 @@ namespace quorvel {
 /// they are copied. `session` is the environment of the session.
 [[nodiscard]] std::vector<DataPart> seedFor(const WrapperFactory::Request& request,
                                             const Environment& session = currentEnvironment());
+
+/// Returns whether `seedFor` knows the data of that application and finds it, so that a clone with
+/// the engine's own arguments can start with it once the original is not running.
+[[nodiscard]] bool hasSeed(const AppBundle& app, const Environment& session = currentEnvironment());
 
 } // namespace quorvel

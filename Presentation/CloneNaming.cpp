@@ -101,6 +101,22 @@ std::string suggestedName(const std::string& appName, const std::set<std::string
     return numbered(number);
 }
 
+std::string nextFreeName(const std::string& name,
+                         const std::function<bool(const std::string& name)>& isTaken) {
+    const std::size_t open = name.rfind(" (");
+    const std::string digits = "0123456789";
+    const bool isNumbered = open != std::string::npos && open > 0 && name.ends_with(')') &&
+                            open + 3 < name.size() &&
+                            name.find_first_not_of(digits, open + 2) == name.size() - 1;
+    const std::string base = isNumbered ? name.substr(0, open) : name;
+    int number = 2;
+    const auto numbered = [&] { return base + " (" + std::to_string(number) + ")"; };
+    while (isTaken(numbered())) {
+        ++number;
+    }
+    return numbered();
+}
+
 std::optional<std::string> nameForWebAddress(std::string_view address) {
     std::optional<std::string> host = hostOf(address);
     if (!host || host->empty()) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <optional>
 #include <set>
 #include <string>
@@ -13,6 +14,11 @@ namespace quorvel {
 /// without looking for it.
 [[nodiscard]] std::string suggestedName(const std::string& appName,
                                         const std::set<std::string>& taken);
+
+/// Returns the first name for another clone like `name` that is not taken: followed by a number in
+/// parentheses, from " (2)" on, which replaces one that it ends with.
+[[nodiscard]] std::string nextFreeName(const std::string& name,
+                                       const std::function<bool(const std::string& name)>& isTaken);
 
 /// Returns the host of a web address, with or without a scheme: percent-encoding decoded, "www."
 /// removed, words capitalised. The host is what RFC 3986 allows, or has unencoded letters of other

@@ -245,10 +245,11 @@ void AppModel::opened(const std::optional<PlatformError>& error) {
 }
 
 QFuture<InstanceRecord> AppModel::createClone(const WrapperFactory::Request& request,
-                                              bool launchAfter) {
+                                              bool launchAfter,
+                                              const AppServices::WrapperMaker& make) {
     return services_.tasks->detached(
         TaskPriority::userInitiated, this,
-        [create = services_.createWrapper, request] {
+        [create = make ? make : services_.createWrapper, request] {
             CreatedWrapper made;
             made.path = create(request, [&](const std::string& text) { made.warning = text; });
             return made;

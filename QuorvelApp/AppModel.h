@@ -25,6 +25,7 @@ struct SandboxInfo {
     Strategy strategy = Strategy::homeOverride;
     std::string reason{};                             ///< a sentence for the user
     std::map<std::string, std::string> environment{}; ///< the variables that the app needs
+    bool hasSeed = false; ///< the app has data that a clone could start with
 };
 
 /// The application's only model: the state that views show, and every action that changes something
@@ -92,8 +93,10 @@ public:
     /// Opens the clone, or brings it to the front. A failure becomes `lastError`.
     void launch(const InstanceRecord& record);
     /// Creates a clone and returns its record, synthesised from the request if the registry does
-    /// not list it. Fails with the factory's error, without having changed anything.
-    QFuture<InstanceRecord> createClone(const WrapperFactory::Request& request, bool launchAfter);
+    /// not list it. Fails with the factory's error, or that of `make`, which makes the clone
+    /// instead if it is set; nothing has changed then.
+    QFuture<InstanceRecord> createClone(const WrapperFactory::Request& request, bool launchAfter,
+                                        const AppServices::WrapperMaker& make = {});
     /// Deletes the clone before it returns. A failure becomes `lastError`, as does data that could
     /// not be removed. Returns whether everything was deleted.
     bool remove(const InstanceRecord& record, bool includingData);

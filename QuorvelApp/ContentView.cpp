@@ -7,6 +7,8 @@
 #include "QuorvelApp/library/CloneCommands.h"
 #include "QuorvelApp/library/CloneSheets.h"
 #include "QuorvelApp/library/Sidebar.h"
+#include "QuorvelApp/panels/ClonePanels.h"
+#include "QuorvelApp/panels/CopySheet.h"
 #include "QuorvelApp/widgets/Sheet.h"
 
 #include <QHBoxLayout>
@@ -25,7 +27,8 @@ ContentView::ContentView(AppModel& model, IconLoader& icons, FilePanels panels, 
       panels_(std::move(panels)),
       changes_(model),
       commands_(new CloneCommands(model, changes_, this)),
-      sheets_(new CloneSheets(model, changes_, this)) {
+      sheets_(new CloneSheets(model, changes_, this)),
+      clonePanels_(new ClonePanels(model, icons, panels_, this)) {
     auto* column = new QVBoxLayout(this);
     column->setContentsMargins(0, 0, 0, 0);
     column->setSpacing(0);
@@ -44,6 +47,9 @@ ContentView::ContentView(AppModel& model, IconLoader& icons, FilePanels panels, 
 }
 
 void ContentView::connectCommands() {
+    connect(commands_, &CloneCommands::editRequested, clonePanels_, &ClonePanels::edit);
+    connect(commands_, &CloneCommands::duplicateRequested, clonePanels_, &ClonePanels::duplicate);
+    connect(clonePanels_, &ClonePanels::duplicated, sidebar_, &Sidebar::select);
     connect(commands_, &CloneCommands::openRequested, this, [this] { detail().launch(); });
     connect(commands_, &CloneCommands::deletionRequested, this,
             [this] { detail().confirmDelete(); });
@@ -144,9 +150,11 @@ CloneDetailView& ContentView::detail() {
 }
 
 void ContentView::showNewClone() {
-    if (newClone_.isNull()) {
-        newClone_ = new Sheet(new NewCloneView(model_, icons_, panels_), this, Sheet::Place::top,
-                              NewCloneView::idealSize);
+    if (newClone_.isNull() && !clonePanels_->isOpen()) {
+        auto* view = new NewCloneView(model_, icons_, panels_);
+        connect(&view->session(), &NewCloneSession::copyBegan, this,
+                [this](BackgroundCopy* copy) { showCopySheet(*copy, this); });
+        newClone_ = new Sheet(view, this, Sheet::Place::top, NewCloneView::idealSize);
         connect(newClone_->dialog(), &QDialog::finished, this, [this] { newClone_.clear(); });
     }
 }

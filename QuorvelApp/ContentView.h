@@ -15,6 +15,7 @@ namespace quorvel {
 
 class CloneCommands;
 class CloneDetailView;
+class ClonePanels;
 class CloneSheets;
 class ModelAlert;
 class Sheet;
@@ -63,6 +64,7 @@ private:
     QStackedLayout* detailStates_ = nullptr;
     QLabel* placeholderText_ = nullptr;
     CloneDetailView* detail_ = nullptr;
+    ClonePanels* clonePanels_;
     QPointer<Sheet> newClone_{};
 };
 

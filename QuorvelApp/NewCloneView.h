@@ -5,11 +5,9 @@
 
 #include <QDialog>
 
-class QPushButton;
-
 namespace quorvel {
 
-class Spinner;
+class SheetFooter;
 
 /// The sheet in which a clone is made: header, target pane, configuration pane and footer.
 class NewCloneView : public QDialog {
@@ -26,15 +24,11 @@ public:
 
 private:
     [[nodiscard]] QWidget* makeHeader();
-    [[nodiscard]] QWidget* makePanes(IconLoader& icons);
-    [[nodiscard]] QWidget* makeFooter();
     void refresh();
-    void placeSpinner();
 
     NewCloneSession session_;
     QWidget* searchField_ = nullptr;
-    QPushButton* create_ = nullptr;
-    Spinner* creating_ = nullptr;
+    SheetFooter* footer_ = nullptr;
 };
 
 } // namespace quorvel

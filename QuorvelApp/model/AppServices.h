@@ -32,6 +32,10 @@ struct AppServices {
     using Delay = std::function<void(std::chrono::milliseconds time, QObject* context,
                                      std::function<void()> then)>;
 
+    /// Makes a clone, calls `warn` about what went wrong besides, and returns the wrapper.
+    using WrapperMaker = std::function<std::filesystem::path(const WrapperFactory::Request& request,
+                                                             const WrapperFactory::Warning& warn)>;
+
     InstanceRegistry registry{};
     std::shared_ptr<Workspace> workspace{};
     std::shared_ptr<BackgroundTasks> tasks{};
@@ -41,9 +45,7 @@ struct AppServices {
     std::function<std::map<std::string, std::string>(const AppBundle&)> suggestEnvironment{};
     /// Returns the new wrapper. Throws what the factory throws, and `InvalidRequest` rather than
     /// replace something that is not a clone.
-    std::function<std::filesystem::path(const WrapperFactory::Request&,
-                                        const WrapperFactory::Warning&)>
-        createWrapper{};
+    WrapperMaker createWrapper{};
     /// Brings the user's menu into line with the clones. Never throws.
     std::function<void(const std::vector<InstanceRecord>&)> repairMenu{};
     /// Returns std::nullopt if the bundle can't be probed at all; throws if the probe fails.

@@ -7,10 +7,8 @@
 #include "Presentation/AppTexts.h"
 #include "Presentation/CloneNaming.h"
 #include "Presentation/StrategyTexts.h"
-#include "QuorvelApp/model/QtText.h"
+#include "QuorvelApp/model/FormTexts.h"
 #include "QuorvelApp/model/Translated.h"
-
-#include <QString>
 
 #include <algorithm>
 #include <iterator>
@@ -26,34 +24,6 @@ bool isBlank(std::string_view text) {
 
 std::optional<std::string> nothingIfEmpty(std::string text) {
     return text.empty() ? std::nullopt : std::optional(std::move(text));
-}
-
-bool isNewline(QChar character) {
-    const char16_t unit = character.unicode();
-    return (unit >= 0x0A && unit <= 0x0D) || unit == 0x85 || unit == 0x2028 || unit == 0x2029;
-}
-
-template<typename Separates>
-QStringList pieces(const QString& text, Separates separates) {
-    QStringList result;
-    for (auto start = text.begin(); start != text.end();) {
-        const auto end = std::find_if(start, text.end(), separates);
-        if (end != start) {
-            result.append(QString(start, std::distance(start, end)));
-        }
-        start = end == text.end() ? end : std::next(end);
-    }
-    return result;
-}
-
-std::optional<IconLabel> labelOf(const NewCloneForm& form) {
-    std::string text = trimmingWhitespace(form.iconLabelText);
-    if (text.empty()) {
-        return std::nullopt;
-    }
-    return IconLabel{.text = std::move(text),
-                     .colorHex = form.iconLabelColor,
-                     .position = IconLabel::Position::bottom};
 }
 
 void fillTarget(WrapperFactory::Request& request, const NewCloneForm& form) {
@@ -101,10 +71,16 @@ std::string NewCloneForm::cloneNameOrPlaceholder() const {
 }
 
 std::string NewCloneForm::savedToText() const {
+    if (edited) {
+        return sentence(tr("Saved to %1"), {edited->place});
+    }
     return sentence(tr("Saved to ~/Applications/%1.app"), {cloneNameOrPlaceholder()});
 }
 
 std::string NewCloneForm::replacementText(const std::vector<InstanceRecord>& clones) const {
+    if (edited) {
+        return {};
+    }
     const std::filesystem::path place = WrapperFactory::wrapperURL(makeRequest());
     const auto replaced = std::find_if(clones.begin(), clones.end(),
                                        [&](const auto& clone) { return clone.bundleURL == place; });
@@ -116,8 +92,21 @@ std::string NewCloneForm::replacementText(const std::vector<InstanceRecord>& clo
                      {replaced->config.displayName});
 }
 
+std::optional<IconLabel> NewCloneForm::label() const {
+    std::string text = trimmingWhitespace(iconLabelText);
+    if (text.empty()) {
+        return std::nullopt;
+    }
+    return IconLabel{
+        .text = std::move(text), .colorHex = iconLabelColor, .position = iconLabelPosition};
+}
+
 std::string NewCloneForm::strategyCaption() const {
     return detectNote.value_or(strategyReason);
+}
+
+bool NewCloneForm::startsWithSeed() const {
+    return shortcutType == ShortcutKind::app && canSeed && seed;
 }
 
 WrapperFactory::Request NewCloneForm::makeRequest() const {
@@ -133,7 +122,7 @@ WrapperFactory::Request NewCloneForm::makeRequest() const {
     }
     request.environment = parseKeyValues(envText);
     request.infoPlistOverrides = parseKeyValues(plistText);
-    request.iconLabel = labelOf(*this);
+    request.iconLabel = label();
     return request;
 }
 
@@ -177,6 +166,9 @@ std::string NewCloneForm::environmentCostText() const {
 }
 
 void NewCloneForm::autoNameIfNeeded() {
+    if (edited) {
+        return;
+    }
     const bool automatic = !automaticName.empty() && cloneName == automaticName;
     if (!automatic && !isBlank(cloneName)) {
         return;
@@ -195,10 +187,17 @@ void NewCloneForm::autoNameIfNeeded() {
 
 void NewCloneForm::siteNamed(const std::string& title) {
     const bool automatic = !automaticName.empty() && cloneName == automaticName;
-    if (!title.empty() && (automatic || isBlank(cloneName))) {
+    if (!title.empty() && !edited && (automatic || isBlank(cloneName))) {
         cloneName = title;
         automaticName = title;
     }
+}
+
+void NewCloneForm::clearIcon() {
+    if (edited && !customIcon) {
+        edited->ownIcon.reset();
+    }
+    customIcon.reset();
 }
 
 void NewCloneForm::nameEdited() {
@@ -207,7 +206,7 @@ void NewCloneForm::nameEdited() {
 
 void NewCloneForm::chooseFile(const std::filesystem::path& file) {
     filePath = file.string();
-    if (isBlank(cloneName)) {
+    if (isBlank(cloneName) && !edited) {
         cloneName = file.stem().string();
         automaticName.clear();
     }
@@ -258,31 +257,6 @@ void NewCloneForm::addEnvironment(const std::map<std::string, std::string>& vari
 void NewCloneForm::detectionFailed(std::string_view description) {
     detectNote = sentence(tr("Couldn't detect: %1"), {description});
     detecting = false;
-}
-
-std::map<std::string, std::string> parseKeyValues(std::string_view text) {
-    std::map<std::string, std::string> result;
-    for (const QString& line : pieces(qtText(text), isNewline)) {
-        const std::string entry = line.toStdString();
-        const std::size_t equals = entry.find('=');
-        if (equals == std::string::npos) {
-            continue;
-        }
-        std::string key = trimmingWhitespace(std::string_view(entry).substr(0, equals));
-        if (!key.empty()) {
-            result[std::move(key)] = entry.substr(equals + 1);
-        }
-    }
-    return result;
-}
-
-std::vector<std::string> splitIntoWords(std::string_view text) {
-    std::vector<std::string> words;
-    for (const QString& word :
-         pieces(qtText(text), [](QChar character) { return character.isSpace(); })) {
-        words.push_back(word.toStdString());
-    }
-    return words;
 }
 
 } // namespace quorvel

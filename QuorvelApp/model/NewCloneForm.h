@@ -30,8 +30,21 @@ struct AppSettings : CloneOptions {
     bool hideDockIcon = false;
     std::string iconLabelText{};
     std::string iconLabelColor = "#FFFFFF"; ///< as `hexRGB` writes it
+    IconLabel::Position iconLabelPosition = IconLabel::Position::bottom;
     std::optional<std::string> detectNote{};
     bool selectedSandboxed = false;
+    bool canSeed = false; ///< the original has data that the clone could start with
+    bool seed = false;    ///< it shall
+};
+
+/// What a form shows of the clone that it edits, besides the values of its fields.
+struct EditedCloneFacts {
+    std::filesystem::path wrapper{};
+    std::string place{}; ///< of the wrapper; begins with "~" if it is in the user's home
+    /// The wrapper's icon; absent if that is the target's, or is to be.
+    std::optional<std::filesystem::path> ownIcon{};
+    bool hidesVariables = false; ///< the text of the environment leaves some out, which stay
+    bool hidesEntries = false;   ///< the same of the property list
 };
 
 /// The state of the new-clone sheet and what follows from it: a value without any widget. A new
@@ -56,6 +69,9 @@ public:
     bool showAdvanced = false;
     std::string strategyReason{};
     bool detecting = false; ///< a detection is under way
+    /// Set if the form edits a clone. Its kind, target application, name and data folder are shown
+    /// only; arguments are written as `quotedWords` does.
+    std::optional<EditedCloneFacts> edited{};
 
     /// Returns whether a target is chosen or entered.
     [[nodiscard]] bool hasTarget() const;
@@ -63,13 +79,17 @@ public:
     [[nodiscard]] bool canCreate() const;
     /// Returns the trimmed name; "Name" while there is none.
     [[nodiscard]] std::string cloneNameOrPlaceholder() const;
-    /// Returns "Saved to ~/Applications/NAME.app".
+    /// Returns "Saved to ~/Applications/NAME.app", or where the edited clone is.
     [[nodiscard]] std::string savedToText() const;
     /// Returns the warning that the clone replaces one of these; empty if it does not.
     [[nodiscard]] std::string replacementText(const std::vector<InstanceRecord>& clones) const;
+    /// Returns the label for the icon; std::nullopt if there is no text for it.
+    [[nodiscard]] std::optional<IconLabel> label() const;
     /// Returns the caption of the strategy: the detection's outcome, else the reason for the
     /// proposal.
     [[nodiscard]] std::string strategyCaption() const;
+    /// Returns whether the clone is to start with the original's data.
+    [[nodiscard]] bool startsWithSeed() const;
     /// Returns the request that the form describes. Can't fail; the factory validates it.
     [[nodiscard]] WrapperFactory::Request makeRequest() const;
 
@@ -91,6 +111,8 @@ public:
     void autoNameIfNeeded();
     /// Names the clone after the title of its site, unless it has a name of its own.
     void siteNamed(const std::string& title);
+    /// Returns to the icon before the chosen one: the edited clone's own, else the target's.
+    void clearIcon();
     /// Records that the user edited the name.
     void nameEdited();
     /// Makes `file` the target, and names the clone after it if it has no name.
@@ -110,13 +132,6 @@ public:
     /// Records that the detection failed with this error.
     void detectionFailed(std::string_view description);
 };
-
-/// Returns one entry for each line with "=" and a key before it. The key is trimmed, the value is
-/// not; the last line of a key counts.
-[[nodiscard]] std::map<std::string, std::string> parseKeyValues(std::string_view text);
-
-/// Returns the pieces between white space of every kind.
-[[nodiscard]] std::vector<std::string> splitIntoWords(std::string_view text);
 
 /// The strategies that can be chosen, in the order shown.
 inline constexpr std::array selectableStrategies{

@@ -1,6 +1,8 @@
 #include "QuorvelApp/model/NewCloneSession.h"
 
 #include "LaunchKit/InstanceRecord.h"
+#include "QuorvelApp/model/CopyResult.h"
+#include "QuorvelApp/model/SeededCreation.h"
 #include "QuorvelApp/model/Translated.h"
 
 #include <QDir>
@@ -61,7 +63,7 @@ void NewCloneSession::forgetIcons() {
 
 void NewCloneSession::clearIcon() {
     forgetIcons();
-    edit([](NewCloneForm& form) { form.customIcon.reset(); });
+    edit([](NewCloneForm& form) { form.clearIcon(); });
 }
 
 void NewCloneSession::select(const InstalledApp& app) {
@@ -77,6 +79,7 @@ void NewCloneSession::select(const InstalledApp& app) {
             form.strategyReason = info.reason;
             form.selectedSandboxed = info.sandboxed;
             form.suggestEnvironment(info.environment);
+            form.canSeed = info.hasSeed;
         });
     });
 }
@@ -85,26 +88,46 @@ void NewCloneSession::create() {
     if (!form_.hasTarget()) {
         return;
     }
+    AppServices::WrapperMaker make;
+    std::shared_ptr<CopiedSeed> seed;
+    if (form_.startsWithSeed()) {
+        copy_ = std::make_unique<BackgroundCopy>();
+        seed = std::make_shared<CopiedSeed>();
+        make = seededMaker(copy_->control(), seed);
+    }
     edit([](NewCloneForm& form) { form.creating = true; });
-    // The outcome is reported even if the sheet has been closed meanwhile.
-    model_.createClone(form_.makeRequest(), form_.launchAfter)
-        .then(&model_, [&model = model_, self = QPointer(this),
-                        icons = siteFolders_](const QFuture<InstanceRecord>& outcome) {
-            std::optional<std::string> failure;
-            try {
-                (void)outcome.result();
-            } catch (const std::exception& error) {
-                failure = error.what();
-            }
-            if (failure) {
-                model.setLastError(failure);
-            } else if (self) {
-                Q_EMIT self->created();
-            }
-            if (self) {
-                self->edit([](NewCloneForm& form) { form.creating = false; });
-            }
-        });
+    // The outcome is reported even if the sheet has been closed meanwhile, unless that has
+    // cancelled the copy.
+    model_.createClone(form_.makeRequest(), form_.launchAfter, make)
+        .then(&model_,
+              [&model = model_, self = QPointer(this), icons = siteFolders_, seed,
+               copy = copy_ ? copy_->control() : nullptr](const QFuture<InstanceRecord>& outcome) {
+                  std::optional<std::string> failure;
+                  try {
+                      (void)outcome.result();
+                  } catch (const std::exception& error) {
+                      failure = error.what();
+                  }
+                  if (failure && !(copy && copy->cancelled())) {
+                      model.setLastError(failure);
+                  } else if (!failure && seed) {
+                      model.setStatusMessage(copyResult(seed->data, seed->findings));
+                  }
+                  if (self) {
+                      self->creationEnded(!failure);
+                  }
+              });
+    if (copy_) {
+        Q_EMIT copyBegan(copy_.get());
+    }
+}
+
+void NewCloneSession::creationEnded(bool isCreated) {
+    copy_.reset();
+    if (isCreated) {
+        Q_EMIT created();
+    }
+    edit([](NewCloneForm& form) { form.creating = false; });
 }
 
 std::optional<std::filesystem::path> NewCloneSession::newSiteFolder() {

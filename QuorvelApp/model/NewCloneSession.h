@@ -1,6 +1,7 @@
 #pragma once
 
 #include "QuorvelApp/AppModel.h"
+#include "QuorvelApp/model/BackgroundCopy.h"
 #include "QuorvelApp/model/FilePanels.h"
 #include "QuorvelApp/model/NewCloneForm.h"
 
@@ -52,11 +53,19 @@ public:
 Q_SIGNALS:
     void changed();
     void created();
+    /// The original's data is being copied, until `copy` is destroyed. Cancelling that cancels the
+    /// creation, which leaves nothing behind.
+    void copyBegan(quorvel::BackgroundCopy* copy);
+
+protected:
+    /// Returns what keeps the icons of sites that were asked.
+    [[nodiscard]] std::shared_ptr<QTemporaryDir> siteFolders() const { return siteFolders_; }
 
 private:
     void enterIcon(const std::filesystem::path& icon);
     void forgetIcons();
     [[nodiscard]] std::optional<std::filesystem::path> newSiteFolder();
+    void creationEnded(bool isCreated);
     void siteAnswered(const std::string& address, const SitePreview& preview);
 
     AppModel& model_;
@@ -65,6 +74,7 @@ private:
     /// Contains a folder for each site that was asked: an icon of an earlier one may be chosen.
     std::shared_ptr<QTemporaryDir> siteFolders_{};
     int sitesAsked_ = 0;
+    std::unique_ptr<BackgroundCopy> copy_{};
     int iconChoices_ = 0; ///< the number made; answers about earlier ones are ignored
     std::optional<std::filesystem::path> checkedIcon_{}; ///< the last one known to be an icon file
 };

@@ -1,5 +1,6 @@
 #include "QuorvelApp/model/SandboxCheck.h"
 
+#include "LaunchKit/DataSeed.h"
 #include "Presentation/AppTexts.h"
 #include "QuorvelApp/model/Translated.h"
 
@@ -36,7 +37,8 @@ std::function<AppFacts()> factsCheck(const AppServices& services, const Installe
                        [suggest = services.suggestEnvironment](const AppBundle& bundle) {
                            return AppFacts{.sandboxed = bundle.sandboxed,
                                            .snapReason = snapReason(bundle, translated),
-                                           .environment = suggest(bundle)};
+                                           .environment = suggest(bundle),
+                                           .hasSeed = hasSeed(bundle)};
                        });
 }
 
@@ -47,7 +49,8 @@ SandboxInfo proposal(const InstalledApp& app, const AppFacts& facts) {
                 .reason = sentence(AppModel::tr("“%1” isn’t sandboxed → Home override (A), the "
                                                 "reliable path most apps use."),
                                    {app.name}),
-                .environment = facts.environment};
+                .environment = facts.environment,
+                .hasSeed = facts.hasSeed};
     }
     const std::string reason =
         sentence(AppModel::tr("“%1” is sandboxed. macOS confines it to a shared, "
@@ -59,7 +62,8 @@ SandboxInfo proposal(const InstalledApp& app, const AppFacts& facts) {
     return {.sandboxed = true,
             .strategy = facts.snapReason ? Strategy::unsupported : Strategy::containerRedirect,
             .reason = facts.snapReason.value_or(reason),
-            .environment = facts.environment};
+            .environment = facts.environment,
+            .hasSeed = facts.hasSeed};
 }
 
 } // namespace quorvel

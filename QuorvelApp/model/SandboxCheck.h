@@ -16,6 +16,7 @@ struct AppFacts {
     bool sandboxed = false;
     std::optional<std::string> snapReason{};
     std::map<std::string, std::string> environment{};
+    bool hasSeed = false;
 };
 
 /// Returns a function that finds out whether the app is sandboxed.

@@ -8,6 +8,7 @@
 #include "QuorvelApp/widgets/ColorWell.h"
 
 #include <QHBoxLayout>
+#include <QStyledItemDelegate>
 #include <QVBoxLayout>
 
 namespace quorvel {
@@ -34,24 +35,30 @@ AdvancedOptions::AdvancedOptions(NewCloneSession& session, IconLoader& icons, QW
       column_(new QVBoxLayout(this)) {
     column_->setContentsMargins(0, 0, 0, 0);
     column_->setSpacing(12);
+    const bool isEdited = session_.form().edited.has_value();
     addBlock(tr("Data location"), makeDataLocation(),
-             tr("Where this clone's isolated data is stored. Put it on an external or cloud drive "
-                "if you like."));
+             isEdited ? tr("Where this clone's isolated data is stored.")
+                      : tr("Where this clone's isolated data is stored. Put it on an external or "
+                           "cloud drive if you like."));
+    addSeed();
     addBlock(tr("Icon"), new CustomIconRow(session, icons), {});
     addBlock(tr("Icon label"), makeIconLabel(),
              tr("Draws a short text badge on the Dock icon to tell clones apart."));
-    addBlock(tr("Launch arguments"), makeArguments(),
-             tr("Passed to the app on launch. Leave blank for the auto-detected default — Electron "
-                "& Chromium browsers get --user-data-dir, Firefox gets -profile, Eclipse gets "
-                "-data, automatically."));
+    addBlock(tr("Launch arguments"), makeArguments(), argumentsHelp());
     addBlock(tr("Environment variables"),
              makeEditor(tr("Environment variables"), &NewCloneForm::envText),
              tr("One KEY=VALUE per line. {{instanceHome}} expands to the data location."));
+    if (isEdited && session_.form().edited->hidesVariables) {
+        addNote(tr("Some variables are not shown here; they stay as they are."));
+    }
     addEnvironmentCost();
     addBlock(tr("Info.plist overrides"),
              makeEditor(tr("Info.plist overrides"), &NewCloneForm::plistText),
              tr("One KEY=VALUE per line, e.g. LSUIElement=true. Merged into the wrapper's "
                 "Info.plist."));
+    if (isEdited && session_.form().edited->hidesEntries) {
+        addNote(tr("Some entries are not shown here; they stay as they are."));
+    }
     addMenuBarBoxes();
     addCheckBox(column_, tr("Hide this clone's Dock icon (menu-bar/background app)"),
                 &NewCloneForm::hideDockIcon);
@@ -76,6 +83,20 @@ void AdvancedOptions::addBlock(const QString& label, QWidget* control, const QSt
     column_->addLayout(block);
 }
 
+void AdvancedOptions::addNote(const QString& text) {
+    column_->addWidget(makeWrappingLabel(text, TextStyle::caption, Ink::secondary));
+}
+
+QString AdvancedOptions::argumentsHelp() const {
+    const QString help =
+        tr("Passed to the app on launch. Leave blank for the auto-detected default — Electron & "
+           "Chromium browsers get --user-data-dir, Firefox gets -profile, Eclipse gets -data, "
+           "automatically.");
+    return session_.form().edited
+               ? help + QLatin1Char(' ') + tr("An argument with spaces stands in double quotes.")
+               : help;
+}
+
 QCheckBox* AdvancedOptions::addCheckBox(QVBoxLayout* column, const QString& label,
                                         bool NewCloneForm::*field, bool whenChecked) {
     auto* box = new WrappingCheckBox(label);
@@ -88,6 +109,7 @@ QWidget* AdvancedOptions::makeDataLocation() {
     auto* widget = new QWidget;
     auto* field = new QLineEdit;
     field->setAccessibleName(tr("Data location"));
+    fixIfEdited(session_, field);
     bindField(session_, field, &NewCloneForm::dataPath);
     const auto showPlaceholder = [this, field] {
         field->setPlaceholderText(QStringLiteral("~/QuorvelInstances/") +
@@ -105,8 +127,22 @@ QWidget* AdvancedOptions::makeDataLocation() {
     auto* row = makeRow(widget);
     row->addWidget(field, 1);
     row->addWidget(choose);
+    choose->setVisible(!session_.form().edited);
     widget->setFocusProxy(field);
     return widget;
+}
+
+// Only where it is known what of the original's data a clone could start with.
+void AdvancedOptions::addSeed() {
+    auto* box = new WrappingCheckBox(tr("Start with the original’s data"));
+    bindField(session_, box->box(), &NewCloneForm::seed);
+    const auto show = [this, box] {
+        box->setVisible(session_.form().canSeed &&
+                        session_.form().shortcutType == ShortcutKind::app);
+    };
+    connect(&session_, &NewCloneSession::changed, box, show);
+    column_->addWidget(box); // before it is shown, or it would be a top-level window
+    show();
 }
 
 QWidget* AdvancedOptions::makeIconLabel() {
@@ -126,9 +162,30 @@ QWidget* AdvancedOptions::makeIconLabel() {
     showColor();
     auto* row = makeRow(widget);
     row->addWidget(field, 1);
+    if (session_.form().edited) {
+        row->addWidget(makeLabelPosition());
+    }
     row->addWidget(well);
     widget->setFocusProxy(field);
     return widget;
+}
+
+// A new label is at the bottom; that of a clone may be anywhere.
+QWidget* AdvancedOptions::makeLabelPosition() {
+    using Position = IconLabel::Position;
+    auto* choices = new PaneComboBox;
+    choices->setAccessibleName(tr("Position of the label"));
+    choices->setItemDelegate(new QStyledItemDelegate(choices)); // so that the style sheet applies
+    choices->addItem(tr("Bottom"), static_cast<int>(Position::bottom));
+    choices->addItem(tr("Center"), static_cast<int>(Position::center));
+    choices->addItem(tr("Top"), static_cast<int>(Position::top));
+    choices->setCurrentIndex(
+        choices->findData(static_cast<int>(session_.form().iconLabelPosition)));
+    connect(choices, &QComboBox::currentIndexChanged, &session_, [this, choices](int index) {
+        const auto position = static_cast<Position>(choices->itemData(index).toInt());
+        session_.edit([&](NewCloneForm& form) { form.iconLabelPosition = position; });
+    });
+    return choices;
 }
 
 QWidget* AdvancedOptions::makeArguments() {

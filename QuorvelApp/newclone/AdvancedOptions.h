@@ -23,12 +23,16 @@ public:
 
 private:
     void addBlock(const QString& label, QWidget* control, const QString& help);
+    void addNote(const QString& text);
+    [[nodiscard]] QString argumentsHelp() const;
     QCheckBox* addCheckBox(QVBoxLayout* column, const QString& label, bool NewCloneForm::*field,
                            bool whenChecked = true);
     [[nodiscard]] QWidget* makeDataLocation();
     [[nodiscard]] QWidget* makeIconLabel();
+    [[nodiscard]] QWidget* makeLabelPosition();
     [[nodiscard]] QWidget* makeArguments();
     [[nodiscard]] QWidget* makeEditor(const QString& name, std::string NewCloneForm::*field);
+    void addSeed();
     void addEnvironmentCost();
     void addLinks();
     void addMenuBarBoxes();

@@ -96,8 +96,6 @@ QWidget* ConfigurationPane::makeSettings(IconLoader& icons) {
            "Dock icon, but not isolated data."));
     warning_ = makeWarning(sandboxed);
     strategy_ = new StrategySection(session_);
-    auto* launch = new QCheckBox(tr("La&unch after creating"));
-    bindField(session_, launch, &NewCloneForm::launchAfter);
     column->addWidget(new ConfigurationHeader(session_, icons));
     column->addWidget(warning_);
     column->addWidget(makeNameSection());
@@ -108,7 +106,11 @@ QWidget* ConfigurationPane::makeSettings(IconLoader& icons) {
         session_.edit([&](NewCloneForm& form) { form.showAdvanced = expanded; });
     });
     column->addWidget(advanced);
-    column->addWidget(launch);
+    if (!session_.form().edited) {
+        auto* launch = new QCheckBox(tr("La&unch after creating"));
+        bindField(session_, launch, &NewCloneForm::launchAfter);
+        column->addWidget(launch);
+    }
     column->addStretch();
     scroll->setWidget(page);
     scroll->setWidgetResizable(true);
@@ -124,6 +126,7 @@ QWidget* ConfigurationPane::makeNameSection() {
     field->setPlaceholderText(tr("Name"));
     field->setAccessibleName(tr("Name"));
     label->setBuddy(field);
+    fixIfEdited(session_, field);
     bindField(session_, field, &NewCloneForm::cloneName, &NewCloneForm::nameEdited);
     savedTo_ = new WrappingText(TextStyle::caption, Ink::secondary);
     auto* column = new QVBoxLayout(section);

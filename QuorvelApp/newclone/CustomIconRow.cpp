@@ -31,9 +31,11 @@ CustomIconRow::CustomIconRow(NewCloneSession& session, IconLoader& icons)
 }
 
 void CustomIconRow::refresh() {
-    const auto& icon = session_.form().customIcon;
+    const NewCloneForm& form = session_.form();
+    const auto own = form.edited ? form.edited->ownIcon : std::nullopt;
+    const auto& icon = form.customIcon ? form.customIcon : own;
     preview_->setPath(icon.value_or(std::filesystem::path()));
-    path_->setFullText(displayLine(icon.value_or(std::filesystem::path()).native()));
+    path_->setFullText(form.customIcon ? displayLine(form.customIcon->native()) : tr("Its own"));
     preview_->setVisible(icon.has_value());
     path_->setVisible(icon.has_value());
     clear_->setVisible(icon.has_value());

@@ -16,15 +16,22 @@ namespace quorvel {
 
 using FormAction = void (NewCloneForm::*)();
 
+/// Makes a field read-only that can't be changed in a clone that is edited.
+inline void fixIfEdited(NewCloneSession& session, QLineEdit* control) {
+    control->setReadOnly(session.form().edited.has_value());
+}
+
 /// Binds a line of text to a field. `edited`, if not null, is called after each edit by the user.
 inline void bindField(NewCloneSession& session, QLineEdit* control,
                       std::string NewCloneForm::*field, FormAction edited = nullptr) {
     const auto show = [&session, control, field] {
         const QString text = qtText(session.form().*field);
         // Setting the text would move the cursor while the user types.
-        if (control->text() != text) {
+        const bool isCut = text.size() > control->maxLength();
+        if (control->text() != text && !(isCut && control->isReadOnly())) {
             const QSignalBlocker quiet(control);
             control->setText(text);
+            control->setReadOnly(isCut || control->isReadOnly()); // or the rest would be lost
         }
     };
     QObject::connect(control, &QLineEdit::textChanged, &session,

@@ -25,12 +25,7 @@ LinksRow::LinksRow(NewCloneSession& session, QWidget* parent)
     }
     choices_->addItem(tr("The default browser"), QString());
     choices_->addItem(tr("This clone"), qtText(linksInside));
-    for (const InstanceRecord& clone : session_.model().clones()) {
-        if (clone.config.kind == ShortcutKind::app) {
-            choices_->addItem(displayLine(clone.config.displayName),
-                              qtText(clone.bundleURL.string()));
-        }
-    }
+    addClones();
     connect(choices_, &QComboBox::currentIndexChanged, this, [this](int index) {
         const std::string links = choices_->itemData(index).toString().toStdString();
         session_.edit([&](NewCloneForm& form) {
@@ -43,6 +38,23 @@ LinksRow::LinksRow(NewCloneSession& session, QWidget* parent)
     setFocusProxy(choices_);
     connect(&session_, &NewCloneSession::changed, this, &LinksRow::refresh);
     refresh();
+}
+
+// An edited clone may name another one by its identifier, or one that is gone.
+void LinksRow::addClones() {
+    const NewCloneForm& form = session_.form();
+    const std::string links = form.links.value_or("");
+    for (const InstanceRecord& clone : session_.model().clones()) {
+        const bool isEdited = form.edited && form.edited->wrapper == clone.bundleURL;
+        if (clone.config.kind == ShortcutKind::app && !isEdited) {
+            choices_->addItem(
+                displayLine(clone.config.displayName),
+                qtText(clone.config.bundleId == links ? links : clone.bundleURL.string()));
+        }
+    }
+    if (links != linksDefault && choices_->findData(qtText(links)) < 0) {
+        choices_->addItem(displayLine(links), qtText(links));
+    }
 }
 
 void LinksRow::refresh() {

@@ -8,8 +8,8 @@ namespace quorvel {
 
 class PaneComboBox;
 
-/// The choice of what opens the links that are clicked in the new clone: the user's default
-/// browser, the clone itself, or one of the existing clones.
+/// The choice of what opens the links that are clicked in the clone: the user's default
+/// browser, the clone itself, or one of the other clones.
 class LinksRow : public QWidget {
     Q_OBJECT
 
@@ -17,6 +17,7 @@ public:
     LinksRow(NewCloneSession& session, QWidget* parent);
 
 private:
+    void addClones();
     void refresh();
 
     NewCloneSession& session_;

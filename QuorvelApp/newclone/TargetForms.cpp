@@ -47,6 +47,10 @@ QLineEdit* TargetForm::addField(const QString& placeholder, const QString& acces
     return field;
 }
 
+void TargetForm::addRow(QWidget* row) {
+    column_->addWidget(row);
+}
+
 void TargetForm::addCaption(const QString& text) {
     column_->addWidget(makeWrappingLabel(text, TextStyle::caption, Ink::secondary));
     column_->addStretch();
@@ -68,7 +72,9 @@ void WebForm::refresh() {
     const NewCloneForm& form = session().form();
     ask_->setVisible(session().model().canPreviewSites());
     ask_->setEnabled(form.hasTarget() && !form.askingSite);
-    ask_->setText(form.askingSite ? tr("Asking the site…") : tr("&Get Icon and Title"));
+    ask_->setText(form.askingSite ? tr("Asking the site…")
+                  : form.edited   ? tr("&Get Icon")
+                                  : tr("&Get Icon and Title"));
 }
 
 FileForm::FileForm(NewCloneSession& session)
@@ -99,8 +105,12 @@ CommandForm::CommandForm(NewCloneSession& session)
               &NewCloneForm::workdir);
     connect(command, &QPushButton::clicked, this, &CommandForm::chooseCommand);
     connect(folder, &QPushButton::clicked, this, &CommandForm::chooseWorkdir);
-    addCaption(tr("Runs any executable/script with arguments, a working directory, and the "
-                  "environment variables below."));
+    const QString caption =
+        tr("Runs any executable/script with arguments, a working directory, and the "
+           "environment variables below.");
+    addCaption(session.form().edited
+                   ? caption + u' ' + tr("An argument with spaces stands in double quotes.")
+                   : caption);
 }
 
 void CommandForm::chooseCommand() {

@@ -22,6 +22,7 @@ protected:
     QLineEdit* addField(const QString& placeholder, const QString& accessibleName);
     QLineEdit* addField(const QString& placeholder, const QString& accessibleName,
                         QPushButton* button);
+    void addRow(QWidget* row);
     void addCaption(const QString& text);
     [[nodiscard]] NewCloneSession& session() const { return session_; }
 

@@ -146,6 +146,20 @@ TEST_F(DataSeedTest, OfOthersItIsWhatIsKnown) {
     EXPECT_THAT(errorOf(appWith("unknown", {})), HasSubstr("It is not known where "));
 }
 
+TEST_F(DataSeedTest, WhetherThereIsDataIsKnownEvenWhileTheOriginalRuns) {
+    const auto has = [](const WrapperFactory::Request& request) {
+        return hasSeed(AppBundle::read(*request.targetApp, noEntitlements).value(), {});
+    };
+    const auto vlc = appWith("vlc", {}, "vlc");
+    EXPECT_FALSE(has(vlc)) << "no data";
+    write(home_ / ".config/vlc/vlcrc", "");
+    Process original = start("vlc", home_.path());
+    EXPECT_TRUE(has(vlc));
+    end(original);
+    EXPECT_FALSE(has(appWith("unknown", {})));
+    EXPECT_FALSE(hasSeed(AppBundle::read(makeAppBundle(home_ / "A.app")).value(), {}));
+}
+
 TEST_F(DataSeedTest, TheOriginalMustNotRun) {
     const auto request = appWith("vlc", {}, "vlc");
     write(home_ / ".config/vlc/vlcrc", "");

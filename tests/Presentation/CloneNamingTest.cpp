@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <set>
+
 namespace quorvel {
 namespace {
 
@@ -49,6 +51,19 @@ TEST(CloneNamingTest, TheRootNamesNothing) {
 TEST(CloneNamingTest, TheFirstNumberIsSuggestedUncheckedWhileTheNameItselfIsFree) {
     EXPECT_EQ(suggestedName("Notes", {}), "Notes (2)");
     EXPECT_EQ(suggestedName("Notes", {"Notes (2)", "Mail"}), "Notes (2)");
+}
+
+TEST(CloneNamingTest, AnotherCloneIsNamedWithTheNextFreeNumber) {
+    const auto next = [](const std::string& name, const std::set<std::string>& taken) {
+        return nextFreeName(name, [&](const std::string& each) { return taken.contains(each); });
+    };
+    EXPECT_EQ(next("Work", {}), "Work (2)");
+    EXPECT_EQ(next("Work", {"Work (2)", "Work (3)"}), "Work (4)");
+    EXPECT_EQ(next("Work (2)", {"Work (2)"}), "Work (3)");
+    EXPECT_EQ(next("Work (17)", {}), "Work (2)");
+    EXPECT_EQ(next("Chat (Work)", {}), "Chat (Work) (2)");
+    EXPECT_EQ(next("Chat ()", {}), "Chat () (2)");
+    EXPECT_EQ(next(" (2)", {}), " (2) (2)") << "nothing would be left";
 }
 
 TEST(CloneNamingTest, TheFirstFreeNumberIsSuggestedOnceTheNameIsTaken) {

@@ -1,5 +1,7 @@
 #include "LaunchKit/InstanceRecord.h"
 #include "QuorvelApp/library/LogPanel.h"
+#include "QuorvelApp/panels/DuplicateView.h"
+#include "QuorvelApp/panels/EditCloneView.h"
 #include "QuorvelApp/widgets/MessageSheet.h"
 #include "tests/QuorvelApp/WindowFixture.h"
 
@@ -79,6 +81,25 @@ TEST_F(AccessibilityTest, EveryControlOfTheLogHasANameAndARole) {
     auto* log = QAccessible::queryAccessibleInterface(window->findChild<LogPanel*>());
     EXPECT_EQ(log->role(), QAccessible::Dialog);
     EXPECT_EQ(log->text(QAccessible::Name), u"Log of “Work”"_s);
+}
+
+TEST_F(AccessibilityTest, EveryControlOfTheSheetsForACloneHasANameAndARole) {
+    const InstanceRecord& work = addClone("Work");
+    open();
+    select(work);
+    command(u"Edit…"_s)->trigger();
+    ASSERT_TRUE(eventually([&] { return window->findChild<EditCloneView*>() != nullptr; }));
+    button(u"Advanced options"_s)->click();
+    EXPECT_GT(checkedControls(window.get()), 20);
+    const auto* sheet = QAccessible::queryAccessibleInterface(window->findChild<EditCloneView*>());
+    EXPECT_EQ(sheet->role(), QAccessible::Dialog);
+    EXPECT_EQ(sheet->text(QAccessible::Name), u"Edit “Work”"_s);
+    button(u"Cancel"_s)->click();
+    command(u"Duplicate…"_s)->trigger();
+    EXPECT_GT(checkedControls(window.get()), 4);
+    const auto* panel = QAccessible::queryAccessibleInterface(window->findChild<DuplicateView*>());
+    EXPECT_EQ(panel->role(), QAccessible::Dialog);
+    EXPECT_EQ(panel->text(QAccessible::Name), u"Duplicate “Work”"_s);
 }
 
 TEST_F(AccessibilityTest, AMessageIsADialogNamedByItsTitleAndText) {

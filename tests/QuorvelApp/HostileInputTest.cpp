@@ -3,6 +3,7 @@
 #include "QuorvelApp/model/CloneListModel.h"
 #include "QuorvelApp/model/DisplayText.h"
 #include "QuorvelApp/model/QtText.h"
+#include "QuorvelApp/panels/EditCloneView.h"
 #include "tests/QuorvelApp/WindowFixture.h"
 
 #include <QLabel>
@@ -90,6 +91,45 @@ TEST_F(HostileInputTest, NoWidgetIsGivenAMegabyte) {
     for (const int role : {int(CloneListModel::NameRole), int(CloneListModel::SummaryRole),
                            int(Qt::AccessibleTextRole), int(Qt::AccessibleDescriptionRole)}) {
         EXPECT_EQ(row.data(role).toString().size(), longestDisplayLine + 1);
+    }
+}
+
+TEST_F(HostileInputTest, ACloneOfAMegabyteIsEditedWithoutLosingAnyOfIt) {
+    const std::string megabyte(1000000, 'W');
+    InstanceConfig config = minimalConfig("x");
+    config.kind = ShortcutKind::web;
+    config.url = megabyte;
+    config.environment = {{"KEY", megabyte}};
+    config.extraArgs = {megabyte};
+    const InstanceRecord clone = addClone("x", config);
+    open();
+    select(clone);
+    command(u"Edit…"_s)->trigger();
+    ASSERT_TRUE(eventually([&] { return window->findChild<EditCloneView*>() != nullptr; }));
+    button(u"Advanced options"_s)->click();
+    (void)window->grab();
+    EXPECT_TRUE(shown(u"Some variables are not shown here; they stay as they are."_s));
+    EXPECT_TRUE(field(u"Website URL"_s)->isReadOnly()) << "it can't take the whole text";
+    EXPECT_TRUE(field(u"Launch arguments"_s)->isReadOnly());
+    field(u"Icon label"_s)->setText(u"X"_s);
+    button(u"Save"_s)->click();
+    ASSERT_TRUE(eventually([&] { return window->findChild<EditCloneView*>() == nullptr; }));
+    EXPECT_FALSE(stubs.model().lastError());
+    config.iconLabel = IconLabel{.text = "X", .colorHex = "#FFFFFF"};
+    EXPECT_EQ(stubs.model().clone(clone.id())->config.json(), config.json());
+}
+
+TEST_F(HostileInputTest, TheSheetsShowAHostileNameAsItsCharacters) {
+    const InstanceRecord clone = addClone("x", minimalConfig("<b>\u202ea"));
+    open();
+    select(clone);
+    command(u"Edit…"_s)->trigger();
+    ASSERT_TRUE(eventually([&] { return shown(u"Edit “<b>\uFFFDa”"_s); }));
+    button(u"Cancel"_s)->click();
+    command(u"Duplicate…"_s)->trigger();
+    EXPECT_TRUE(shown(u"Duplicate “<b>\uFFFDa”"_s));
+    for (const QLabel* label : window->findChildren<QLabel*>()) {
+        EXPECT_EQ(label->textFormat(), Qt::PlainText) << label->text().toStdString();
     }
 }
 

@@ -1,4 +1,7 @@
+#include "LaunchKit/InstanceConfig.h"
 #include "LaunchKit/InstanceRecord.h"
+#include "QuorvelApp/panels/DuplicateView.h"
+#include "QuorvelApp/panels/EditCloneView.h"
 #include "QuorvelApp/widgets/MessageSheet.h"
 #include "tests/QuorvelApp/WindowFixture.h"
 
@@ -59,6 +62,28 @@ TEST_F(KeyboardTest, TheSheetBeginsInTheSearchFieldAndGoesThroughItsPanesInOrder
                 ElementsAre(u"Search apps"_s, u"App"_s, u"Apps"_s, u"Name"_s, u"Auto-detect"_s,
                             u"Isolation strategy"_s, u"Advanced options"_s,
                             u"Launch after creating"_s, u"Cancel"_s, u"Create Shortcut"_s));
+}
+
+TEST_F(KeyboardTest, TheSheetsForACloneOpenByKeyAndGoThroughTheirFieldsInOrder) {
+    InstanceConfig config = minimalConfig("Work");
+    config.kind = ShortcutKind::web;
+    config.url = "a.test";
+    const InstanceRecord& work = addClone("Work", config);
+    open();
+    select(work);
+    press(Qt::Key_E, Qt::ControlModifier);
+    ASSERT_TRUE(eventually([&] { return window->findChild<EditCloneView*>() != nullptr; }));
+    EXPECT_EQ(window->focusWidget()->accessibleName(), u"Website URL"_s);
+    window->findChild<EditCloneView*>()->session().edit(
+        [](NewCloneForm& form) { form.hideDockIcon = true; }); // so that it can be saved
+    EXPECT_THAT(tabOrder(), ElementsAre(u"Website URL"_s, u"Get Icon"_s, u"Name"_s,
+                                        u"Advanced options"_s, u"Cancel"_s, u"Save"_s));
+    press(Qt::Key_Escape);
+    ASSERT_TRUE(eventually([&] { return window->findChild<EditCloneView*>() == nullptr; }));
+    press(Qt::Key_D, Qt::ControlModifier);
+    ASSERT_NE(window->findChild<DuplicateView*>(), nullptr);
+    EXPECT_THAT(tabOrder(),
+                ElementsAre(u"Name"_s, u"Copy the data"_s, u"Cancel"_s, u"Duplicate"_s));
 }
 
 TEST_F(KeyboardTest, TheAdvancedOptionsComeInTheirOwnOrder) {

@@ -86,6 +86,9 @@ std::optional<AppBundle> StubbedModel::bundleAt(const std::filesystem::path& url
     if (unreadable.contains(url.string())) {
         return std::nullopt;
     }
+    if (readsBundles) {
+        return AppBundle::read(url, noEntitlements);
+    }
     return AppBundle{.url = url,
                      .bundleId = "com.example." + url.stem().string(),
                      .executableName = url.stem().string(),

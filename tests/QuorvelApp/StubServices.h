@@ -54,6 +54,7 @@ public:
     std::set<std::string> sandboxed{}; ///< paths
     std::set<std::string> unreadable{};
     std::filesystem::path poisoned{}; ///< reading this app throws
+    bool readsBundles = false;        ///< apps are what they are on disk
     std::atomic<int> bundlesRead = 0;
     /// The variables that apps need, by path.
     std::map<std::filesystem::path, std::map<std::string, std::string>> suggested{};

@@ -3,10 +3,13 @@
 #include "LaunchKit/ClonesLock.h"
 #include "LaunchKit/IconComposer.h"
 #include "LaunchKit/Icons/IcnsWriter.h"
-#include "LaunchKit/InstanceConfig.h"
+#include "LaunchKit/InstanceRecord.h"
+#include "QuorvelApp/NewCloneView.h"
 #include "QuorvelApp/app/MainWindow.h"
 #include "QuorvelApp/library/Sidebar.h"
 #include "QuorvelApp/model/SystemTranslator.h"
+#include "QuorvelApp/panels/DuplicateView.h"
+#include "QuorvelApp/panels/EditCloneView.h"
 #include "QuorvelApp/theme/Appearance.h"
 #include "QuorvelApp/widgets/ProgressSheet.h"
 #include "tests/QuorvelApp/StubServices.h"
@@ -22,6 +25,7 @@
 #include <QMenuBar>
 #include <QPainter>
 #include <QPushButton>
+#include <QRegularExpression>
 #include <QScrollArea>
 #include <QScrollBar>
 #include <QStandardPaths>
@@ -130,6 +134,33 @@ public:
         return home_ / ("QuorvelInstances/" + name + "/quorvel-instance.log");
     }
     [[nodiscard]] fs::path clones() const { return home_ / "Applications"; }
+
+    // Lets a clone be of one of the apps that are there.
+    void retarget(const std::string& clone, const std::string& app) {
+        const fs::path wrapper = home_ / "Applications" / (clone + ".app");
+        InstanceConfig config = InstanceRegistry().record(wrapper)->config;
+        config.targetAppPath = (apps_ / (app + ".app")).string();
+        makeWrapper(wrapper, config);
+        stubs_.model().reload();
+    }
+
+    void addData(const std::string& clone) {
+        for (int file = 0; file < 40; ++file) {
+            write(home_ / "QuorvelInstances" / clone / "Profile" / std::to_string(file),
+                  std::string(std::size_t{1} << 17U, 'x'));
+        }
+    }
+
+    void edit(const std::string& name) {
+        select(name);
+        command(QStringLiteral("Edit…")).trigger();
+        (void)eventually([&] { return window_.findChild<EditCloneView*>() != nullptr; });
+    }
+
+    void scrollToEnd() {
+        auto* settings = window_.findChild<ConfigurationPane*>()->findChild<QScrollArea*>();
+        settings->verticalScrollBar()->setValue(settings->verticalScrollBar()->maximum());
+    }
 
     void chooseApp(const std::string& name) {
         const auto* grid = window_.findChild<AppGrid*>();
@@ -319,8 +350,7 @@ void showNewClone() {
     scene.save(QStringLiteral("new-app-sandboxed"));
     scene.button(QStringLiteral("Advanced options")).click();
     scene.save(QStringLiteral("new-app-advanced"));
-    auto* settings = scene.window().findChild<ConfigurationPane*>()->findChild<QScrollArea*>();
-    settings->verticalScrollBar()->setValue(settings->verticalScrollBar()->maximum());
+    scene.scrollToEnd();
     scene.save(QStringLiteral("new-app-advanced-scrolled"));
     scene.stubs().tasks->holding = true;
     scene.button(QStringLiteral("Create Shortcut")).click();
@@ -341,6 +371,69 @@ void showOtherKinds() {
     scene.save(QStringLiteral("new-command"));
 }
 
+void showEditing() {
+    Scene scene(true);
+    scene.retarget("Chat (Work)", "Chat");
+    for (const std::string name :
+         {"Chat (Work)", "Mail.Example.Org", "Tax 2026", "Nightly build"}) {
+        const QString picture =
+            QStringLiteral("edit-") + QString::fromStdString(name)
+                                          .section(QRegularExpression(QStringLiteral("\\W")), 0, 0)
+                                          .toLower();
+        scene.edit(name);
+        scene.save(picture);
+        scene.button(QStringLiteral("Advanced options")).click();
+        scene.save(picture + QStringLiteral("-advanced"));
+        if (name == "Chat (Work)") {
+            scene.scrollToEnd();
+            scene.save(picture + QStringLiteral("-scrolled"));
+            const QSize usual = scene.window().size();
+            scene.window().resize(720, 460);
+            scene.save(picture + QStringLiteral("-small"));
+            scene.window().resize(1100, 960);
+            scene.save(picture + QStringLiteral("-tall"));
+            scene.window().resize(usual);
+        }
+        scene.button(QStringLiteral("Cancel")).click();
+        (void)eventually([&] { return scene.window().findChild<EditCloneView*>() == nullptr; });
+    }
+}
+
+void showDuplicating() {
+    Scene scene(true);
+    scene.retarget("Chat (Work)", "Chat");
+    scene.addData("Chat (Work)");
+    scene.select("Chat (Work)");
+    scene.command(QStringLiteral("Duplicate…")).trigger();
+    scene.save(QStringLiteral("duplicate"));
+    const QSize usual = scene.window().size();
+    scene.window().resize(640, 420);
+    scene.save(QStringLiteral("duplicate-small"));
+    scene.window().resize(usual);
+    scene.window().findChild<DuplicateView*>()->findChild<QCheckBox*>()->setChecked(true);
+    scene.stubs().tasks->holding = true;
+    scene.button(QStringLiteral("Duplicate")).click();
+    scene.save(QStringLiteral("duplicate-starting"));
+    auto* progress = scene.window().findChild<ProgressSheet*>();
+    progress->setProgress(412, 1000);
+    progress->setText(QStringLiteral("8231 of 20012 items, 512.3 MB of 1.2 GB"));
+    scene.save(QStringLiteral("duplicate-progress"));
+    scene.stubs().tasks->release();
+    (void)eventually([&] { return scene.stubs().model().statusMessage().has_value(); });
+    scene.save(QStringLiteral("duplicate-result"));
+}
+
+void showSeed() {
+    Scene scene(true);
+    scene.content().showNewClone();
+    scene.chooseApp("Chat");
+    scene.button(QStringLiteral("Advanced options")).click();
+    (void)eventually([] { return false; }, std::chrono::milliseconds(100));
+    scene.window().findChild<NewCloneView*>()->session().edit(
+        [](NewCloneForm& form) { form.canSeed = true; });
+    scene.save(QStringLiteral("new-app-seed"));
+}
+
 int run(int argc, char** argv) {
     if (argc != 2) {
         std::fprintf(stderr, "Usage: %s FOLDER\n", argv[0]);
@@ -358,6 +451,9 @@ int run(int argc, char** argv) {
         showEmptyState();
         showNewClone();
         showOtherKinds();
+        showEditing();
+        showDuplicating();
+        showSeed();
     }
     return 0;
 }

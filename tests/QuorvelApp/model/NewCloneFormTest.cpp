@@ -1,6 +1,8 @@
 #include "QuorvelApp/model/NewCloneForm.h"
 
 #include "Presentation/AppTexts.h"
+#include "QuorvelApp/model/FormTexts.h"
+
 #include <gmock/gmock.h>
 
 namespace quorvel::testing {

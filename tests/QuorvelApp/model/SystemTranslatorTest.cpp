@@ -2,6 +2,7 @@
 
 #include "LaunchKit/InstanceRecord.h"
 #include "Presentation/SystemWords.h"
+#include "QuorvelApp/panels/EditCloneView.h"
 #include "tests/QuorvelApp/WindowFixture.h"
 
 #include <QFile>
@@ -114,6 +115,16 @@ TEST_F(SystemTranslatorTest, TheSheetIsShownInThisSystemsWords) {
         button(kind)->click();
         expectNoForeignWords(&sheet);
     }
+}
+
+TEST_F(SystemTranslatorTest, TheSheetThatEditsIsShownInThisSystemsWords) {
+    const InstanceRecord clone = addClone("Work");
+    open();
+    select(clone);
+    command(u"Edit…"_s)->trigger();
+    ASSERT_TRUE(eventually([&] { return window->findChild<EditCloneView*>() != nullptr; }));
+    button(u"Advanced options"_s)->click();
+    expectNoForeignWords(window.get());
 }
 
 TEST_F(SystemTranslatorTest, TheMenusAreInThisSystemsWords) {

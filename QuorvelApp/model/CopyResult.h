@@ -1,0 +1,13 @@
+#pragma once
+
+#include "LaunchKit/CopyFindings.h"
+#include "Platform/files/FolderCopy.h"
+
+#include <string>
+
+namespace quorvel {
+
+/// Returns what the window says about data that was copied, in sentences on lines of their own.
+[[nodiscard]] std::string copyResult(const FolderCopyReport& report, const CopyFindings& findings);
+
+} // namespace quorvel

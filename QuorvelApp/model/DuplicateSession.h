@@ -1,0 +1,74 @@
+#pragma once
+
+#include "LaunchKit/CloneDuplication.h"
+#include "QuorvelApp/AppModel.h"
+#include "QuorvelApp/model/BackgroundCopy.h"
+#include "QuorvelApp/model/Outcome.h"
+
+#include <QObject>
+
+#include <atomic>
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+
+namespace quorvel {
+
+/// The state of one duplicate panel: what to make of a clone, how far that is, and what came of it.
+class DuplicateSession : public QObject {
+    Q_OBJECT
+
+public:
+    /// `model` must outlive the session.
+    DuplicateSession(AppModel& model, InstanceRecord original, QObject* parent = nullptr);
+    /// Cancels a copy under way, which leaves nothing behind.
+    ~DuplicateSession() override;
+
+    [[nodiscard]] const InstanceRecord& original() const { return original_; }
+    /// Returns whether the duplicate is being made.
+    [[nodiscard]] bool isWorking() const { return isWorking_; }
+    /// The new clone's name; at first the next one that is free.
+    [[nodiscard]] const std::string& name() const { return name_; }
+    [[nodiscard]] bool withData() const { return withData_; }
+    /// Returns the size of the data in bytes; std::nullopt if it is not known, or not yet.
+    [[nodiscard]] const std::optional<std::uintmax_t>& dataSize() const { return dataSize_; }
+    /// Returns whether there is a name, and nothing is under way.
+    [[nodiscard]] bool canDuplicate() const;
+
+    void setName(const std::string& name);
+    void setWithData(bool withData);
+
+    /// Makes the duplicate. Ends with `duplicated`, or with the model's `lastError`; or with
+    /// neither if the copy of the data is cancelled. What came of the copy becomes the model's
+    /// `statusMessage`.
+    void duplicate();
+
+Q_SIGNALS:
+    void changed();
+    /// Data is being copied, until `copy` is destroyed.
+    void copyBegan(quorvel::BackgroundCopy* copy);
+    /// The clone with this identity was made.
+    void duplicated(const std::string& id);
+
+private:
+    struct Made {
+        DuplicatedClone clone{};
+        std::vector<std::string> warnings{};
+    };
+
+    static void report(AppModel& model, const Outcome<Made>& outcome, bool isCancelled);
+    void findSize();
+    void ended(const Outcome<Made>& outcome);
+
+    AppModel& model_;
+    InstanceRecord original_;
+    bool isWorking_ = false;
+    std::string name_;
+    bool withData_ = false;
+    std::optional<std::uintmax_t> dataSize_{};
+    std::shared_ptr<std::atomic<bool>> gone_ = std::make_shared<std::atomic<bool>>(false);
+    std::unique_ptr<BackgroundCopy> copy_{};
+};
+
+} // namespace quorvel

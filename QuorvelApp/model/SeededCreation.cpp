@@ -1,0 +1,23 @@
+#include "QuorvelApp/model/SeededCreation.h"
+
+#include "LaunchKit/CloneWithData.h"
+#include "LaunchKit/DataSeed.h"
+
+#include <utility>
+
+namespace quorvel {
+
+AppServices::WrapperMaker seededMaker(std::shared_ptr<const BackgroundCopy::Control> control,
+                                      std::shared_ptr<CopiedSeed> seed) {
+    return [control = std::move(control), seed = std::move(seed)](
+               const WrapperFactory::Request& request, const WrapperFactory::Warning& warn) {
+        // The form has warned that a clone of that name is replaced.
+        CloneWithData made =
+            createCloneWithData(WrapperFactory(), request, {.existingClone = true},
+                                {.parts = seedFor(request), .copy = control->options()}, warn);
+        *seed = {made.data, std::move(made.findings)};
+        return made.clone.wrapper;
+    };
+}
+
+} // namespace quorvel

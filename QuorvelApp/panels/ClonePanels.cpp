@@ -1,0 +1,61 @@
+#include "QuorvelApp/panels/ClonePanels.h"
+
+#include "LaunchKit/InstanceRecord.h"
+#include "QuorvelApp/NewCloneView.h"
+#include "QuorvelApp/model/Outcome.h"
+#include "QuorvelApp/panels/CopySheet.h"
+#include "QuorvelApp/panels/DuplicateView.h"
+#include "QuorvelApp/panels/EditCloneView.h"
+#include "QuorvelApp/widgets/Sheet.h"
+
+#include <utility>
+
+namespace quorvel {
+
+ClonePanels::ClonePanels(AppModel& model, IconLoader& icons, FilePanels panels, QWidget* window)
+    : QObject(window),
+      model_(model),
+      icons_(icons),
+      panels_(std::move(panels)),
+      window_(window) {}
+
+void ClonePanels::edit(const InstanceRecord& clone) {
+    if (isOpen()) {
+        return;
+    }
+    isReading_ = true;
+    model_.services().tasks->detached(
+        TaskPriority::userInitiated, this,
+        capturingErrors([wrapper = clone.bundleURL] { return EditedClone::read(wrapper); }),
+        [this](const Outcome<EditedClone>& outcome) {
+            isReading_ = false;
+            if (outcome.result) {
+                showEditor(*outcome.result);
+            } else {
+                model_.reload();
+                model_.setLastError(outcome.failure);
+            }
+        });
+}
+
+void ClonePanels::showEditor(EditedClone clone) {
+    show(new EditCloneView(model_, icons_, panels_, std::move(clone)), NewCloneView::idealSize);
+}
+
+void ClonePanels::duplicate(const InstanceRecord& clone) {
+    if (isOpen()) {
+        return;
+    }
+    auto* panel = new DuplicateView(model_, icons_, clone);
+    connect(&panel->session(), &DuplicateSession::copyBegan, this,
+            [this](BackgroundCopy* copy) { showCopySheet(*copy, window_); });
+    connect(&panel->session(), &DuplicateSession::duplicated, this, &ClonePanels::duplicated);
+    show(panel, {});
+}
+
+void ClonePanels::show(QDialog* dialog, QSize ideal) {
+    sheet_ = new Sheet(dialog, window_, Sheet::Place::top, ideal);
+    connect(dialog, &QDialog::finished, this, [this] { sheet_.clear(); });
+}
+
+} // namespace quorvel
