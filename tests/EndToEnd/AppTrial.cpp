@@ -97,11 +97,7 @@ AppTrialReport AppTrial::run(const std::vector<std::string>& arguments) {
         open(secondName, report_.second);
 
         report_.settingsChanged = settings() != settingsBefore;
-        for (const std::string& file : newFiles(created)) {
-            if (!belongsToAClone(file)) {
-                report_.writtenOutside.push_back(file);
-            }
-        }
+        noteWritesSince(created);
         for (const std::string& file : session_.sharedFiles()) {
             if (!sharedBefore.contains(file)) {
                 report_.shared.push_back(file);
@@ -109,13 +105,16 @@ AppTrialReport AppTrial::run(const std::vector<std::string>& arguments) {
         }
         openOriginal();
         lookAround();
-        remove(firstName, report_.first);
-        remove(secondName, report_.second);
-        for (const auto& [file, state] : created) {
-            if (!before.contains(file) && isFile(session_.folder() / "user" / file)) {
-                report_.left.push_back(file);
-            }
+        // Programs write when they end, too, and what the original writes is not the clones'.
+        endOriginal();
+        const FileStates withoutOriginal = settledFiles();
+        end(firstName, report_.first);
+        end(secondName, report_.second);
+        noteWritesSince(withoutOriginal);
+        for (const char* name : {firstName, secondName}) {
+            succeed({"delete", name, "--including-data", "--yes"});
         }
+        noteLeftovers(before, created);
     } catch (const std::runtime_error& error) {
         report_.error = error.what();
     }
@@ -179,13 +178,13 @@ void AppTrial::openOriginal() {
 // A copy that handed its work to another has ended, or has lost its window.
 void AppTrial::lookAround() {
     const std::map<pid_t, SessionProcess> processes = session_.processes();
+    const auto program = [&](const CopyReport& one) {
+        return one.window && processes.contains(one.window->process)
+                   ? processes.at(one.window->process).executable
+                   : std::string();
+    };
     for (CopyReport* copy : {&report_.first, &report_.second, &report_.original}) {
         copy->window = windowOf(copy->home);
-        const auto program = [&](const CopyReport& one) {
-            return one.window && processes.contains(one.window->process)
-                       ? processes.at(one.window->process).executable
-                       : std::string();
-        };
         copy->runs = std::any_of(processes.begin(), processes.end(), [&](const auto& process) {
             // The session's own programs run in the original's home too.
             return homeOf(process.first, processes) == copy->home &&
@@ -193,6 +192,7 @@ void AppTrial::lookAround() {
                     process.second.executable == program(report_.first));
         });
     }
+    originalProgram_ = program(report_.original);
     for (CopyReport* copy : {&report_.first, &report_.second}) {
         for (const auto& item : fs::recursive_directory_iterator(copy->home)) {
             copy->data.insert(item.path().lexically_relative(copy->home));
@@ -200,7 +200,62 @@ void AppTrial::lookAround() {
     }
 }
 
-void AppTrial::remove(const std::string& name, const CopyReport& copy) {
+void AppTrial::endOriginal() {
+    const auto originals = [&] {
+        std::vector<std::string> numbers;
+        const std::map<pid_t, SessionProcess> processes = session_.processes();
+        for (const auto& [number, process] : processes) {
+            if (report_.original.window && process.executable == originalProgram_ &&
+                homeOf(number, processes) == report_.original.home) {
+                numbers.push_back(std::to_string(number));
+            }
+        }
+        return numbers;
+    };
+    for (const char* signal : {"TERM", "KILL"}) {
+        std::vector<std::string> command{"/bin/kill", "-s", signal};
+        const std::vector<std::string> numbers = originals();
+        command.insert(command.end(), numbers.begin(), numbers.end());
+        static_cast<void>(session_.run(command));
+        if (waitUntil([&] { return originals().empty(); }, longestEnd)) {
+            return;
+        }
+    }
+}
+
+// Services that the original used may write a little later.
+FileStates AppTrial::settledFiles() const {
+    FileStates files = session_.userFiles();
+    const auto settled = [&] {
+        std::this_thread::sleep_for(std::chrono::milliseconds(300));
+        return std::exchange(files, session_.userFiles()) == files;
+    };
+    static_cast<void>(waitUntil(settled, longestEnd));
+    return files;
+}
+
+void AppTrial::noteWritesSince(const FileStates& states) {
+    for (const std::string& file : newFiles(states)) {
+        if (!belongsToAClone(file)) {
+            report_.writtenOutside.push_back(file);
+        }
+    }
+}
+
+// Where the original may write, only what was there before it started counts.
+void AppTrial::noteLeftovers(const FileStates& before, const FileStates& created) {
+    const fs::path user = session_.folder() / "user";
+    const std::string data = session_.dataHome().lexically_relative(user);
+    for (const std::string& file : newFiles(before)) {
+        const bool isOurs = belongsToAClone(file) || file.starts_with(data + "/applications") ||
+                            file.starts_with(data + "/icons") || created.contains(file);
+        if (isOurs && isFile(user / file)) {
+            report_.left.push_back(file);
+        }
+    }
+}
+
+void AppTrial::end(const std::string& name, const CopyReport& copy) {
     for (const auto& [number, process] : session_.processes()) {
         if (process.executable == copy.runner) {
             static_cast<void>(session_.run({"/bin/kill", std::to_string(number)}));
@@ -215,7 +270,6 @@ void AppTrial::remove(const std::string& name, const CopyReport& copy) {
     if (!waitUntil(ended, longestEnd)) {
         report_.left.push_back("a process of " + name);
     }
-    succeed({"delete", name, "--including-data", "--yes"});
 }
 
 // A program that overwrites its environment, as Chromium does, has the home of its parent.

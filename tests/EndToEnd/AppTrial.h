@@ -30,7 +30,8 @@ struct AppTrialReport {
     CopyReport first{};
     CopyReport second{};
     CopyReport original{};
-    /// The user's files that were new or changed before the original started, apart from clones.
+    /// The user's files that were new or changed before the original started, or after it ended and
+    /// while the clones did, apart from clones.
     std::vector<std::string> writtenOutside{};
     /// New files in the folders that all users share, as long as the clones ran.
     std::vector<std::string> shared{};
@@ -61,7 +62,11 @@ private:
     void openOriginal();
     void awaitWindow(CopyReport& copy) const;
     void lookAround();
-    void remove(const std::string& name, const CopyReport& copy);
+    void endOriginal();
+    [[nodiscard]] FileStates settledFiles() const;
+    void end(const std::string& name, const CopyReport& copy);
+    void noteWritesSince(const FileStates& states);
+    void noteLeftovers(const FileStates& before, const FileStates& created);
     [[nodiscard]] std::optional<SessionWindow> windowOf(const std::string& home) const;
     [[nodiscard]] std::string homeOf(pid_t number,
                                      const std::map<pid_t, SessionProcess>& processes) const;
@@ -72,6 +77,7 @@ private:
     std::string entry_;
     std::vector<std::string> arguments_{};
     std::filesystem::path entryFile_{};
+    std::string originalProgram_{}; ///< the file that runs; empty if it has no window
     AppTrialReport report_{};
 };
 

@@ -98,6 +98,26 @@ TEST_F(NamedWindowsTest, AWindowOfTheRightClassIsTheClonesOwnForKdeToo) {
     runner.waitUntilExit();
 }
 
+// GTK 2 draws for X11 only, so its windows are there under Wayland, too.
+TEST_F(NamedWindowsTest, AWindowOfAToolkitWithoutWaylandIsNamedUnderWayland) {
+    const ScopedEnvironment wayland("WAYLAND_DISPLAY", "wayland-none");
+    std::string program = read(QUORVEL_X11_WINDOW);
+    const std::string library = "libstdc++.so.6";
+    ASSERT_NE(program.find(library), std::string::npos);
+    program.replace(program.find(library), library.size(), "libgtk-x11-2.0");
+    write(at("lib/original"), program);
+    makeExecutable(at("lib/original"));
+    const fs::path bundle = clone();
+    const std::string word = windowWord(cloneIdentity(bundle));
+    apps_->addScript("original", "real=" + at("lib/original").string() +
+                                     "\nexec " QUORVEL_X11_WINDOW " " + at("window").string() +
+                                     " Original\n");
+    Process runner = start(bundle);
+    EXPECT_TRUE(waitUntil([&] { return shownClass() == word + " " + word; })) << shownClass();
+    runner.terminate();
+    runner.waitUntilExit();
+}
+
 TEST_F(NamedWindowsTest, WhatNamesWindowsEndsWithItsRunner) {
     const fs::path bundle = clone();
     Process runner = start(bundle);

@@ -11,6 +11,7 @@
 #include "QuorvelApp/AppModel.h"
 #include "tests/QuorvelApp/StubServices.h"
 #include "tests/support/AppBundles.h"
+#include "tests/support/DesktopApps.h"
 #include "tests/support/TemporaryHome.h"
 #include "tests/support/UnprivilegedUser.h"
 
@@ -96,6 +97,32 @@ TEST_F(AppServicesTest, MakesACloneAgain) {
     makeWrapper(wrapper, minimalConfig());
     EXPECT_EQ(failure(), "");
     EXPECT_EQ(InstanceRegistry().record(wrapper)->config.url, "https://example.com");
+}
+
+TEST_F(AppServicesTest, ASnapIsProposedAsUnsupportedAndNotCloned) {
+    const DesktopApps apps;
+    apps.addProgram("thing", helperProgram());
+    const InstalledApp snap{.url = apps.addEntry("s", "thing", "X-SnapInstanceName=thing\n"),
+                            .name = "Thing",
+                            .bundleId = "s.desktop"};
+    AppModel model(AppServices::system());
+    const SandboxInfo info = resultOf(model.sandboxInfo(snap));
+    EXPECT_TRUE(info.sandboxed);
+    EXPECT_EQ(info.strategy, Strategy::unsupported);
+    EXPECT_THAT(info.reason, HasSubstr("“sudo snap install thing_2”"));
+    WrapperFactory::Request request;
+    request.targetApp = snap.url;
+    request.displayName = "Work";
+    try {
+        (void)AppServices::system().createWrapper(request, {});
+        FAIL() << "it was cloned";
+    } catch (const PlatformError& error) {
+        EXPECT_EQ(
+            error.description(),
+            "“s.desktop” couldn’t be cloned: it is a Snap, whose data stays in the user’s own "
+            "home");
+    }
+    EXPECT_FALSE(fs::exists(wrapper));
 }
 
 TEST_F(AppServicesTest, LaunchingACloneThatIsGoneIsAnError) {
