@@ -76,7 +76,7 @@ std::string readText(int folder, const char* name) {
     if (!file.isOpen() || file.size > largestText) {
         return {};
     }
-    // The beginning of most files that are no text says so, and the rest need not be read.
+    // The beginning of most files that are not text says so, and the rest need not be read.
     constexpr std::size_t head = 4096;
     std::string bytes;
     for (const std::size_t size : {std::min(head, file.size), file.size}) {
