@@ -26,7 +26,7 @@ namespace quorvel {
 namespace {
 
 // Everything that one command line may set.
-struct Words {
+struct ParsedOptions {
     std::string operand{};
     std::vector<std::string> searchDirs{};
     ListOptions list{};
@@ -47,14 +47,14 @@ struct Words {
 using Command = std::function<void()>;
 
 CLI::App& addCommand(CLI::App& program, const std::string& name, const std::string& help,
-                     Words& words, Command& chosen, Command run) {
+                     ParsedOptions& words, Command& chosen, Command run) {
     CLI::App* command = program.add_subcommand(name, help);
     command->add_flag("--json", words.json, "Print JSON");
     command->callback([&chosen, run = std::move(run)] { chosen = run; });
     return *command;
 }
 
-void addCloneOperand(CLI::App& command, Words& words) {
+void addCloneOperand(CLI::App& command, ParsedOptions& words) {
     command
         .add_option("CLONE", words.operand, "A path to a wrapper, or the name of a listed clone")
         ->required()
@@ -70,7 +70,7 @@ void addIconOptions(CLI::App& icon, IconOptions& o) {
     icon.add_option("--output", o.output, "The icon to write")->type_name("FILE");
 }
 
-void addAppOperand(CLI::App& command, Words& words) {
+void addAppOperand(CLI::App& command, ParsedOptions& words) {
     command
         .add_option("APP", words.operand,
                     "A path to an application, or the id or name of an installed one")
@@ -90,7 +90,7 @@ void addProbeOptions(CLI::App& probe, ProbeOptions& o) {
 }
 
 // The commands about installed applications.
-void addAppCommands(CLI::App& program, Words& words, Command& chosen,
+void addAppCommands(CLI::App& program, ParsedOptions& words, Command& chosen,
                     const CommandContext& context) {
     addAppOperand(addCommand(program, "inspect", "Show the facts about an application", words,
                              chosen, [&] { inspectCommand(context, words.operand, words.json); }),
@@ -126,7 +126,7 @@ void addRefreshOptions(CLI::App& refresh, RefreshOptions& options) {
 }
 
 // The commands that change clones that exist.
-void addChangeCommands(CLI::App& program, Words& words, Command& chosen,
+void addChangeCommands(CLI::App& program, ParsedOptions& words, Command& chosen,
                        const CommandContext& context) {
     CLI::App& edit =
         addCommand(program, "edit", "Change a clone; what is not given stays", words, chosen,
@@ -146,7 +146,7 @@ void addChangeCommands(CLI::App& program, Words& words, Command& chosen,
         words.refresh);
 }
 
-void addCloneCommands(CLI::App& program, Words& words, Command& chosen,
+void addCloneCommands(CLI::App& program, ParsedOptions& words, Command& chosen,
                       const CommandContext& context) {
     CLI::App& list = addCommand(program, "list", "List the clones", words, chosen,
                                 [&] { listCommand(context, words.list, words.json); });
@@ -183,7 +183,7 @@ void addCloneCommands(CLI::App& program, Words& words, Command& chosen,
                    words.icon);
 }
 
-void addDuplicateCommand(CLI::App& program, Words& words, Command& chosen,
+void addDuplicateCommand(CLI::App& program, ParsedOptions& words, Command& chosen,
                          const CommandContext& context) {
     CLI::App& duplicate =
         addCommand(program, "duplicate", "Make a second clone like the first", words, chosen,
@@ -198,7 +198,7 @@ void addDuplicateCommand(CLI::App& program, Words& words, Command& chosen,
 }
 
 // The commands about a clone's run.
-void addRunCommands(CLI::App& program, Words& words, Command& chosen,
+void addRunCommands(CLI::App& program, ParsedOptions& words, Command& chosen,
                     const CommandContext& context) {
     CLI::App& stop =
         addCommand(program, "stop", "End everything that a clone runs", words, chosen,
@@ -277,7 +277,7 @@ int runCommandLine(const std::vector<std::string>& arguments, const CommandConte
     CLI::App program("Makes isolated copies of applications, and shortcuts.", "quorvelctl");
     program.set_version_flag("--version", "quorvelctl " QUORVEL_VERSION);
     program.require_subcommand(1);
-    Words words;
+    ParsedOptions words;
     Command chosen;
     addAppCommands(program, words, chosen, context);
     addCloneCommands(program, words, chosen, context);

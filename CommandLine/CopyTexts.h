@@ -24,6 +24,7 @@ public:
     /// Returns the options for the copy; valid as long as this is.
     [[nodiscard]] FolderCopyOptions options();
 
+    /// Removes the bar from the terminal, if it is shown.
     void erase();
 
     /// Ends this program as the interrupt would have, if there was one.

@@ -75,7 +75,7 @@ struct AppProfile {
     /// is not valid UTF-8.
     [[nodiscard]] std::string encodedJSON() const;
 
-    /// Returns the profile whose JSON form this is. Unknown keys are ignored, whatever their
+    /// Returns the profile whose JSON form this is. Unknown keys are ignored, with any
     /// values, and of a key that appears several times the first counts. Throws a `ProfileError`
     /// that lists every fault: malformed JSON, missing keys, values of the wrong type, unknown
     /// enumeration strings.

@@ -28,9 +28,9 @@ struct DuplicatedClone {
     CopyFindings findings{};
 };
 
-/// Returns what to ask for to get another clone with the options, the icon, the place and whatever
-/// else the user put into the wrapper of this one, but with an identifier and a data folder of its
-/// own.
+/// Returns what to ask for to get another clone with the options, the icon, the place and
+/// everything else that the user put into the wrapper of this one, but with an identifier and a
+/// data folder of its own.
 [[nodiscard]] WrapperFactory::Request duplicateRequest(const InstanceRegistry& registry,
                                                        const InstanceRecord& original,
                                                        const std::string& name);

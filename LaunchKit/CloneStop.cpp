@@ -17,7 +17,7 @@ std::vector<ProcessIdentity> runnersOf(const InstanceRecord& record) {
 }
 
 // Returns what holds the clone's home without a runner. In a home that several clones share, nobody
-// can tell whose it is.
+// can know whose it is.
 std::vector<ProcessIdentity> orphansOf(const InstanceRegistry& registry,
                                        const InstanceRecord& record) {
     const DataFolder data = dataFolderOf(record.config);

@@ -24,7 +24,7 @@ struct DataPart {
     std::filesystem::path from{};
     std::string to{}; ///< relative to the clone's data folder; empty for the folder itself
     /// If set, called before and after the copy; throws `DataCopyError` if a program uses the
-    /// folder that no lock in it tells of.
+    /// folder and no lock in it shows that.
     std::function<void()> requireUnused{};
 };
 
@@ -61,7 +61,7 @@ public:
     void withdraw() noexcept { folder_.withdraw(); }
 
     /// Removes what interrupted copies left in that folder, and their marks from the data of clones
-    /// that are there, under whatever name. What may be a clone's stays. Never fails.
+    /// that are there, under any name. What may be a clone's stays. Never fails.
     static void removeUnfinished(const std::filesystem::path& parent) noexcept;
 
     /// Throws `DataCopyError` if something is at `home` other than an empty folder.

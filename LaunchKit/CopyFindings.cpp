@@ -73,7 +73,7 @@ std::string readText(int file) {
     if (::fstat(file, &facts) != 0 || static_cast<std::size_t>(facts.st_size) > largestText) {
         return {};
     }
-    // The beginning of most files that are no text says so, and the rest need not be read.
+    // The beginning of most files that are not text says so, and the rest need not be read.
     constexpr std::size_t head = 4096;
     const auto whole = static_cast<std::size_t>(facts.st_size);
     std::string bytes;

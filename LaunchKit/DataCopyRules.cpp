@@ -24,7 +24,7 @@ constexpr std::string_view firefoxLink = "lock";
 constexpr std::string_view firefoxFile = ".parentlock";
 constexpr std::string_view chromiumLink = "SingletonLock";
 
-// Anywhere in a data folder, whatever they are.
+// Anywhere in a data folder, of any type.
 constexpr std::array<std::string_view, 4> alwaysLocks{chromiumLink, "SingletonSocket",
                                                       "SingletonCookie", "DevToolsActivePort"};
 // Only as files.

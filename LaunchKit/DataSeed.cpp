@@ -143,7 +143,7 @@ std::vector<DataPart> electronSeed(const AppBundle& app, const UserFoldersOfSess
     return {{.from = folders.resolved(".config/" + *name), .to = "QuorvelData"}};
 }
 
-// Not every application has locks, and not every lock tells of every instance.
+// Not every application has locks, and not every instance has a lock.
 void requireNotRunning(const AppBundle& app) {
     const ResolvedProgram& program = app.desktop->program;
     auto running = program.interpreter.empty() ? processesOf(program.executable)

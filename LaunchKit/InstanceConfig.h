@@ -31,7 +31,7 @@ struct InstanceConfig : CloneTarget, CloneOptions {
     static constexpr std::size_t maximumFileSize = std::size_t{4} << 20U;
 
     /// Returns the configuration whose JSON form this is, all or nothing; a byte-order mark may
-    /// lead it. Unknown keys are ignored, whatever their values, and of a key that appears several
+    /// lead it. Unknown keys are ignored, with any values, and of a key that appears several
     /// times the first counts. Throws a `ConfigError` that lists every fault: malformed JSON,
     /// missing required keys, values of the wrong type, unknown enumeration strings.
     [[nodiscard]] static InstanceConfig fromJson(std::string json);

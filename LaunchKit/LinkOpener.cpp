@@ -1,5 +1,6 @@
 #include "LaunchKit/LinkOpener.h"
 
+#include "Base/BundleName.h"
 #include "Base/PathText.h"
 #include "LaunchKit/CloneOptions.h"
 #include "LaunchKit/InstanceConfig.h"
@@ -17,7 +18,7 @@ std::string runnerOfCloneWithId(const std::string& id) {
     for (const std::string& name : names.value_or(std::vector<std::string>{})) {
         const std::string wrapper = joinAsText(folder, name).string();
         const auto config =
-            name.ends_with(".app") ? InstanceConfig::read(configOf(wrapper)) : std::nullopt;
+            isAppBundleName(name) ? InstanceConfig::read(configOf(wrapper)) : std::nullopt;
         if (config && config->bundleId == id) {
             return runnerOf(wrapper);
         }

@@ -22,7 +22,7 @@ public:
         std::optional<std::filesystem::path> customIcon{}; ///< replaces the target's own icon
         bool hideWrapperIcon = false;                      ///< no Dock icon
         /// A wrapper, without links at its path's end, of which a copy gets `config` and the
-        /// runner; its icon, notes and whatever else is in it stay.
+        /// runner; its icon, notes and everything else in it stay.
         std::optional<std::filesystem::path> original{};
         /// Where the arguments for the target come from. If set, the wrapper gets notes of what its
         /// configuration can't hold.

@@ -146,7 +146,7 @@ int openAsXdgOpen(const std::vector<std::string>& arguments) {
     }
     const auto program = realXdgOpen();
     if (!program) {
-        std::fputs("xdg-open: the program that this one stands in for is not installed\n", stderr);
+        std::fputs("xdg-open: the program that this one replaces is not installed\n", stderr);
         return linkUnavailable;
     }
     try {

@@ -1,6 +1,6 @@
 #include "QuorvelApp/AppModel.h"
 
-#include "LaunchKit/HomeLock.h"
+#include "LaunchKit/FolderSharing.h"
 #include "LaunchKit/IconCheck.h"
 #include "LaunchKit/InstanceLauncher.h"
 #include "LaunchKit/InstanceRecord.h"
@@ -25,22 +25,6 @@ using namespace std::chrono_literals;
 
 // It takes a moment for a wrapper to appear among the running applications.
 constexpr auto launchSettleTime = 800ms;
-
-// What came of moving a clone's folders, and of sharing the user's afterwards.
-struct SharedFolders {
-    InstanceLauncher::Migration migration{};
-    std::string failure{}; // of sharing them
-};
-
-// Waits for other changes of clones.
-std::string failureOfSharing(const InstanceRegistry& registry, const InstanceRecord& record) {
-    try {
-        registry.shareUserFolders(record);
-        return {};
-    } catch (const std::exception& error) {
-        return error.what();
-    }
-}
 
 // Holds none of the services that own the thread it runs on: the last owner of those must not be
 // the worker thread.
@@ -295,15 +279,9 @@ bool AppModel::remove(const InstanceRecord& record, bool includingData) {
 QFuture<void> AppModel::migrateSharedFolders(const InstanceRecord& record) {
     return services_.tasks->detached(
         TaskPriority::userInitiated, this, capturingErrors([record, registry = services_.registry] {
-            requireUnusedHome(record.config);
-            SharedFolders shared{
-                InstanceLauncher::migrateSharedUserFolders(record.config.resolvedHome())};
-            if (shared.migration.unmoved.empty() && !record.config.shareUserFolders) {
-                shared.failure = failureOfSharing(registry, record);
-            }
-            return shared;
+            return moveToSharedFolders(registry, record);
         }),
-        [this, record](const Outcome<SharedFolders>& outcome) {
+        [this, record](const Outcome<FolderSharing>& outcome) {
             if (outcome.result) {
                 const auto& [migration, failure] = *outcome.result;
                 migrated(record, migration,

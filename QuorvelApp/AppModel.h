@@ -87,7 +87,8 @@ public:
     /// error.
     [[nodiscard]] QFuture<AppProfile> detectStrategy(const InstalledApp& app);
 
-    /// Returns the app's name followed by the first free number.
+    /// Returns the app's name followed by " (2)" if no clone has that name, even if one has the
+    /// result; otherwise followed by the first free number from 2 on.
     [[nodiscard]] std::string suggestedName(const InstalledApp& app) const;
 
     /// Opens the clone, or brings it to the front. A failure becomes `lastError`.

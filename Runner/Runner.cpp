@@ -171,7 +171,7 @@ int runClone(const fs::path& executable, const std::vector<std::string>& argumen
     const std::vector<std::string> documents =
         passesDocuments ? arguments : std::vector<std::string>{};
     if (config->kind == ShortcutKind::web) {
-        // The host replaces the home that "~" stands for.
+        // The host replaces the home that "~" means.
         InstanceConfig resolved = *config;
         resolved.instanceHome = config->resolvedHome();
         return runWebClone({resolved, file, details.windowWord, documents}, report, signals);

@@ -160,7 +160,7 @@ int showOnce(const WebCloneStart& start, const std::filesystem::path& module,
         try {
             const std::optional<FileLock> lock = lockHome(start.config);
             setAsideLargeLog(start.config.resolvedHome());
-            // Without locks, only its answer tells that there is another one.
+            // Without locks, only its answer shows that there is another one.
             return !lock && handedOver(start, report, patience)
                        ? 0
                        : show(start, module, report, signals);

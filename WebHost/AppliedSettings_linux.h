@@ -16,8 +16,8 @@ struct SettingsTarget {
 /// Has the engine do as the settings say, from the next page on.
 void applySiteSettings(const SettingsTarget& target, const SiteSettings& settings);
 
-/// Switches off what would let a page read files, other sites or the inspector, whatever the
-/// engine's defaults are.
+/// Switches off what would let a page read files, other sites or the inspector, with any
+/// defaults of the engine.
 void restrictPages(WebKitSettings* settings);
 
 /// Tells pages the user's languages.

@@ -67,6 +67,7 @@ public:
     /// Keeps an exception, in place of another one for the host. Returns false if the file can't be
     /// written; it then holds for this process only.
     bool add(const std::string& host, const std::string& fingerprint);
+    /// Removes the exception for the host. Returns false if the file can't be written.
     bool remove(const std::string& host);
 
     /// The engine was told to accept a certificate of the host, which it can't be made to forget.

@@ -33,6 +33,7 @@ public:
     /// Cancels what runs; nothing is left of it.
     ~DownloadList();
 
+    /// Cancels what runs; nothing is left of it.
     void cancelAll();
     [[nodiscard]] bool isRunning() const { return running() > 0; }
 

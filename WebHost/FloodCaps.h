@@ -32,6 +32,7 @@ inline constexpr std::size_t mostDownloadsAtOnce = 4;
 inline constexpr std::size_t mostWaitingQuestions = 5;
 inline constexpr std::size_t longestDialogText = 2000;
 
+/// How many notifications a page may show.
 [[nodiscard]] inline RateCap notificationCap() {
     return {5, std::chrono::minutes(1)};
 }
@@ -59,12 +60,12 @@ private:
     std::uint64_t last_ = 0;
 };
 
-/// Decides when a page may ask and show things anew: not by loading itself again.
+/// Decides when a page may ask and show things again: not by loading itself again.
 class PageVisit {
 public:
     /// The page has shown something that is limited, after that many gestures of the user.
     void used(std::uint64_t gesture) { used_ = gesture; }
-    /// A page of that host is there. Returns whether its limits start anew: it is another host's,
+    /// A page of that host is there. Returns whether its limits are reset: it is another host's,
     /// or the user has done something since.
     [[nodiscard]] bool begins(const std::string& host, std::uint64_t gesture);
 
@@ -80,6 +81,7 @@ public:
     [[nodiscard]] bool admits();
     /// Returns whether the dialog just admitted should offer to stop further ones.
     [[nodiscard]] bool offersToStop() const { return shown_ > 2; }
+    /// Admits none from now on, until `reset`.
     void stop() { isStopped_ = true; }
     /// See `PageVisit`.
     void reset() { *this = DialogCap(); }

@@ -3,7 +3,7 @@
 #import <AppKit/AppKit.h>
 
 /// The commands of the menus that windows carry out, and of those that the whole clone does. They
-/// go to whatever object in the key window's chain knows them.
+/// go to the object in the key window's chain that knows them.
 @protocol QuorvelWindowCommands
 - (void)goHome:(nullable id)sender;
 - (void)showFindBar:(nullable id)sender;

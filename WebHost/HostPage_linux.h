@@ -59,12 +59,14 @@ public:
     HostPage& operator=(const HostPage&) = delete;
     ~HostPage();
 
+    /// Loads the page at the address, or says that the clone has none if it is empty.
     void load(const std::string& address);
     /// The user closes it. The page may ask whether to leave it; one that hangs can't, and is
     /// closed at the second attempt.
     void close();
     /// The user has taken these answers back. What was asked for may be asked for again.
     void permissionsTaken(const std::vector<PermissionStore::Answer>& taken);
+    /// Returns the window that shows the page.
     [[nodiscard]] HostWindow& window() { return window_; }
     [[nodiscard]] WebKitWebView* view() const { return view_; }
     [[nodiscard]] bool isPopup() const { return !callbacks_.home; }

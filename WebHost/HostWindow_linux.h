@@ -30,9 +30,11 @@ public:
     HostWindow& operator=(const HostWindow&) = delete;
     ~HostWindow();
 
+    /// Shows the window.
     void show();
     /// Brings the window to the front, as far as the desktop allows it with that token.
     void present(const std::string& token);
+    /// Sets the title of the window in the desktop's lists, and the page's in its header.
     void setTitle(const std::string& windowTitle, const std::string& pageTitle);
     /// Shows the host of the page at that address, and whether it can be navigated. `isExcepted` as
     /// in `shownHost`.
@@ -44,12 +46,14 @@ public:
                    std::function<void()> chosen) {
         offer_.show(text, button, std::move(chosen));
     }
+    /// Hides what `showOffer` showed.
     void hideOffer() { offer_.hide(); }
     /// Shows what is being downloaded; `cancelled` may be empty. An empty text hides the bar.
     void showDownloads(const std::string& text, std::function<void()> cancelled);
     /// Shows a message for a few seconds.
     void showMessage(const std::string& text);
 
+    /// Zooms the page, at most as far as the host's limits.
     void zoomTo(int percent);
     /// Returns the state, with the page's address.
     [[nodiscard]] WindowState state() const;

@@ -14,6 +14,7 @@ struct LoadFailure {
     std::string reason{};   ///< a sentence
 };
 
+/// Returns what an error of the engine means.
 [[nodiscard]] LoadFailure loadFailureOf(NSError* _Nonnull error);
 
 } // namespace quorvel

@@ -8,7 +8,7 @@
 
 namespace quorvel {
 
-/// Keeps addresses from being loaded while the settings can't be used: whoever set a proxy there
+/// Keeps addresses from being loaded while the settings can't be used: a user who set a proxy there
 /// may not want to be seen without it. The user decides.
 class LoadGate {
 public:

@@ -12,6 +12,7 @@ struct MediaWish {
     std::string problem{}; ///< why it can't be granted, as a message; or empty
 };
 
+/// Returns what a page that asks to record this wants.
 [[nodiscard]] MediaWish mediaWishOf(WKMediaCaptureType type);
 
 /// Returns the origin in the form of `originOf`.

@@ -7,7 +7,7 @@
 
 namespace quorvel {
 
-/// A function that has to be called exactly once, whatever happens: later calls do nothing, and
+/// A function that has to be called exactly once in any case: later calls do nothing, and
 /// when all copies are gone without a call, it is called with the values that mean a refusal.
 template<typename... Values>
 class OneAnswer {

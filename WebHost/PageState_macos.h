@@ -53,13 +53,17 @@ public:
     [[nodiscard]] QuorvelWindow* _Nullable window() const { return window_; }
     [[nodiscard]] const PageServices& services() const { return services_; }
     [[nodiscard]] const PageCallbacks& callbacks() const { return callbacks_; }
+    /// Returns what asks the user for permissions.
     [[nodiscard]] PermissionQuestions& questions() { return questions_; }
+    /// Returns what asks the user for names and passwords.
     [[nodiscard]] PasswordQuestions& passwords() { return *passwords_; }
+    /// Returns the limit of the page's dialogs.
     [[nodiscard]] DialogCap& dialogs() { return dialogs_; }
     [[nodiscard]] bool isPopup() const { return !callbacks_.home; }
     /// Returns the address of the page that is shown, and not of one that is on its way.
     [[nodiscard]] const std::string& address() const { return shown_.text(); }
 
+    /// Loads the page at the address.
     void load(const std::string& address);
     /// Shows a page of the host's own in place of the one at that address.
     void showStatus(const std::string& html, const std::string& address);

@@ -15,7 +15,7 @@ namespace quorvel {
 struct PasswordAsker {
     std::string host{};
     unsigned port = 0;
-    std::string realm{}; ///< whatever the server likes
+    std::string realm{}; ///< any text, chosen by the server
     bool isProxy = false;
     bool isEncrypted = false;
     std::string pageHost{}; ///< of the page that is shown; empty for none

@@ -39,6 +39,7 @@ public:
 
     /// Takes an answer back, so that the user is asked again. Returns false as above.
     bool forget(const std::string& origin, const std::string& kind);
+    /// Takes all answers back. Returns false as above.
     bool forgetAll();
 
     /// Returns all answers, sorted by origin and kind.

@@ -42,7 +42,9 @@ public:
     OfferBar& operator=(const OfferBar&) = delete;
 
     [[nodiscard]] GtkWidget* widget() const { return bar_; }
+    /// Shows an offer, in place of another one. `chosen` is called when its button is clicked.
     void show(const std::string& text, const std::string& button, std::function<void()> chosen);
+    /// Hides the offer.
     void hide();
 
 private:

@@ -41,7 +41,7 @@ struct Answer {
     bool isWhole = false;
 };
 
-// The limits hold whatever the network library does with what it gets.
+// The limits hold even if a site makes the network library misbehave.
 void limitThisProcess() {
     constexpr rlim_t memory = rlim_t{2} << 30U;
     constexpr rlim_t seconds = 10;

@@ -18,7 +18,7 @@ using StoreOwner = std::function<std::string(const std::string& store)>;
 [[nodiscard]] std::string storeIdentifier(const std::filesystem::path& home,
                                           const StoreOwner& ownerOf);
 
-/// Returns those of the stores whose data folder is removed, or has another store by now. What is
+/// Returns those of the stores whose data folder is removed, or now has another store. What is
 /// not known for certain is not among them: a folder on a disk that is not connected, say.
 [[nodiscard]] std::vector<std::string> abandonedStores(const std::vector<std::string>& stores,
                                                        const StoreOwner& ownerOf);

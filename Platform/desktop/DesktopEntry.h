@@ -64,8 +64,8 @@ struct DesktopEntry {
 /// The languages that texts are looked for in: those of the user's messages, the best first.
 [[nodiscard]] std::vector<std::string> desktopEntryLanguages();
 
-/// Throws `DesktopEntryError` if the text is no desktop entry. A value that is not UTF-8 counts as
-/// missing. On macOS there are no entries, and it always throws.
+/// Throws `DesktopEntryError` if the text is not a desktop entry. A value that is not UTF-8 counts
+/// as missing. On macOS there are no entries, and it always throws.
 [[nodiscard]] DesktopEntry parseDesktopEntry(std::string_view text,
                                              const std::vector<std::string>& languages);
 

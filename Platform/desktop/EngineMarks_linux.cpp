@@ -76,7 +76,7 @@ std::string remotingNameIn(const fs::path& folder) {
 }
 
 Toolkit toolkitOf(const std::vector<std::string>& libraries) {
-    // wxWidgets comes first, since it stands on GTK.
+    // wxWidgets comes first, since it uses GTK.
     constexpr std::pair<const char*, Toolkit> marks[] = {
         {"libwx_", Toolkit::wx},           {"libgtk-4", Toolkit::gtk4}, {"libgtk-3", Toolkit::gtk3},
         {"libgtk-x11-2.0", Toolkit::gtk2}, {"libQt6Gui", Toolkit::qt6}, {"libQt5Gui", Toolkit::qt5},

@@ -13,7 +13,7 @@ std::string_view baseName(std::string_view path) {
     return path.substr(path.rfind('/') + 1);
 }
 
-// Makes one start's arguments out of the words. A code that stands for several texts begins a new
+// Makes one start's arguments out of the words. A code that means several texts begins a new
 // argument between them.
 class Expansion {
 public:
@@ -86,7 +86,7 @@ private:
         }
     }
 
-    // Local files are passed as paths even where a URL may stand, as most desktops do.
+    // Local files are passed as paths even where a URL is allowed, as most desktops do.
     void addItem(const std::string& item, bool mayBeUrl) {
         const auto path = pathOfFileUrl(item);
         if (path || mayBeUrl || item.starts_with('/')) {
@@ -129,7 +129,7 @@ bool isEnv(const ExecLine::Word& word) {
     return baseName(text) == "env";
 }
 
-// Takes the options and assignments of an "env"; returns the index of the word behind them.
+// Takes the options and assignments of an "env"; returns the index of the word after them.
 std::size_t takeEnv(const std::vector<ExecLine::Word>& words, std::size_t index, ExecLine& line) {
     constexpr std::string_view longUnset = "--unset=";
     bool mayBeOption = true;

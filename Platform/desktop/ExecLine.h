@@ -18,7 +18,7 @@ public:
 
 /// The command line in a desktop entry's `Exec` key, taken apart by the rules of that format.
 struct ExecLine {
-    /// One word of the line, without its quotes. Field codes ("%U") still stand in it.
+    /// One word of the line, without its quotes. Field codes ("%U") are still in it.
     struct Word {
         std::string text{};
         bool quoted = false; ///< so that it counts even if it is empty
@@ -26,7 +26,7 @@ struct ExecLine {
         bool operator==(const Word&) const = default;
     };
 
-    /// What takes the place of field codes that are no files.
+    /// What takes the place of field codes that are not files.
     struct Fields {
         std::string icon{}; ///< the entry's `Icon`, for %i
         std::string name{}; ///< the entry's name in the user's language, for %c
@@ -61,8 +61,8 @@ struct ExecLine {
     /// Returns this line with codes that take all items where a word takes one.
     [[nodiscard]] ExecLine takingSeveral() const;
 
-    /// Where an engine's own arguments belong among `arguments`: directly behind the program, since
-    /// what follows "--" is a file; for Flatpak's "run" behind the application's id.
+    /// Where an engine's own arguments belong among `arguments`: directly after the program, since
+    /// what follows "--" is a file; for Flatpak's "run" after the application's id.
     [[nodiscard]] std::size_t engineArgumentsIndex(const std::vector<std::string>& arguments) const;
 
     /// The text that `parse` takes apart into this command: a program, and arguments in which "%"

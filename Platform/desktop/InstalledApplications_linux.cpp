@@ -102,7 +102,7 @@ std::optional<Candidate> candidateIn(const EntryFile& file,
         candidate.program = ExecLine::parse(candidate.entry.exec).program;
         return candidate;
     } catch (const Error&) {
-        return std::nullopt; // one that can't be read or started is no application
+        return std::nullopt; // one that can't be read or started is not an application
     }
 }
 

@@ -87,7 +87,7 @@ bool isOwnedBy(const WindowOwner& owner, const QString& id) {
            owner.hasClass(fact("resourceName"));
 }
 
-// KWin tells its scripts the process of every window, and older ones tell nobody else.
+// KWin lets its scripts see the process of every window; older ones offer it nowhere else.
 bool activateByScript(const WindowOwner& owner) {
     QStringList processes;
     for (const pid_t process : owner.processes) {

@@ -23,7 +23,7 @@ public:
     /// Whether it is a program in machine code.
     [[nodiscard]] bool isElf() const;
 
-    /// Whether it is a program with a file system image behind it.
+    /// Whether it is a program with a file system image appended to it.
     [[nodiscard]] bool isAppImage() const;
 
     /// The libraries that an ELF program asks for, such as "libgtk-3.so.0", `maxLibraries` at most.

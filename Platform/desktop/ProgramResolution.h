@@ -11,7 +11,7 @@
 
 namespace quorvel {
 
-/// What an installed application is made of, as far as its files tell.
+/// What an installed application is made of, as far as its files show it.
 struct ResolvedProgram {
     enum class Packaging { none, flatpak, snap, appImage };
     enum class Engine { other, chromium, electron, firefox, eclipse, java, libreOffice };

@@ -45,7 +45,7 @@ bool writeAll(const FileHandle& to, const char* bytes, std::size_t count, off_t 
     return true;
 }
 
-// Copies as much as the system does itself, and moves the range's start behind that.
+// Copies as much as the system does itself, and moves the range's start past that.
 void copyInSystem(const FileHandle& from, const FileHandle& to, Range& range,
                   const Observer& copied) {
     constexpr std::size_t most = std::size_t{8} << 20U;

@@ -10,7 +10,7 @@ namespace fs = std::filesystem;
 namespace {
 
 // Resolves links, "." and ".." as far as the path exists.
-fs::path resolvedPath(const fs::path& path) {
+fs::path withLinksResolved(const fs::path& path) {
     std::error_code code;
     fs::path resolved = fs::weakly_canonical(path, code);
     return withoutTrailingSlashes(code ? path : resolved);
@@ -41,7 +41,7 @@ Place::Place(fs::path path) : path_(std::move(path)) {
         }
     }
     if (identities_.empty()) {
-        resolved_ = resolvedPath(path_);
+        resolved_ = withLinksResolved(path_);
     }
 }
 
@@ -90,13 +90,13 @@ Relation Place::relationTo(const fs::path& target) const {
     const fs::path name = plain.filename();
     const bool plainName = name != "." && name != ".." && plain.has_parent_path();
     if (!plainName || isSymbolicLink(plain)) {
-        return relationAlong(resolvedPath(plain));
+        return relationAlong(withLinksResolved(plain));
     }
     // Cached: thousands of targets are in a few folders.
     const fs::path folder = plain.parent_path();
     const auto known = resolvedFolders_.try_emplace(folder.native(), fs::path()).first;
     if (known->second.empty()) {
-        known->second = resolvedPath(folder);
+        known->second = withLinksResolved(folder);
     }
     return relationAlong(known->second / name);
 }

@@ -13,8 +13,8 @@ namespace quorvel::LocalSocket {
 /// listens on it. Replaces a socket that is there, and nothing else. Nothing is open if that fails.
 [[nodiscard]] FileHandle listenIn(const std::filesystem::path& folder, const std::string& name);
 
-/// Sends a text to whoever listens on that socket, and returns the short answer; empty if nobody
-/// does, or nobody answers within `patience`.
+/// Sends a text to the process that listens on that socket, and returns the short answer; empty if
+/// nobody does, or nobody answers within `patience`.
 [[nodiscard]] std::string ask(const std::filesystem::path& folder, const std::string& name,
                               const std::string& text, std::chrono::milliseconds patience);
 

@@ -106,7 +106,7 @@ bool hasLeftClone(pid_t process, pid_t runner) {
     }
     const auto home = homeOf(runner);
     const auto stat = processStat(process);
-    // Not every clone changes HOME, and then whatever it starts has the runner's.
+    // Not every clone changes HOME, and then what it starts has the runner's.
     return home && stat && homeOf(process) == home &&
            (stat->parent == runner || homeOf(stat->parent) != home);
 }

@@ -21,7 +21,7 @@ bool hasLeftOrphan(pid_t process, pid_t orphan) {
     return hasLeftClone(process, ownPid()) && !hasLeftClone(orphan, ownPid());
 }
 
-// Its number may belong to another process by now.
+// Its number may meanwhile belong to another process.
 void send(int signal, const ProcessIdentity& process) {
     if (isRunning(process)) {
         ::kill(process.pid, signal);

@@ -1,5 +1,6 @@
 #include "QuorvelApp/widgets/IconLoader.h"
 
+#include "Base/BundleName.h"
 #include "QuorvelApp/model/QtText.h"
 #include "QuorvelApp/theme/Symbols.h"
 #include "QuorvelApp/widgets/IconImage.h"
@@ -33,8 +34,9 @@ QString keyFor(const std::filesystem::path& path, int pixels, const QString& var
 
 // Whether it is an app, or the icon of one.
 bool isOfApp(const std::filesystem::path& path) {
-    static constexpr std::array endings{".app", ".icns", ".desktop", ".AppImage", ".png", ".svg"};
-    return std::find(endings.begin(), endings.end(), path.extension()) != endings.end();
+    static constexpr std::array endings{".icns", ".desktop", ".AppImage", ".png", ".svg"};
+    return isAppBundleName(path.filename().string()) ||
+           std::find(endings.begin(), endings.end(), path.extension()) != endings.end();
 }
 
 QString symbolFor(const std::filesystem::path& path) {

@@ -84,18 +84,18 @@ class Desktop:
     def screenshot(self, path):
         raise NotImplementedError
 
-    def has_colour(self, entry, colour):
-        """Whether the icon that the desktop draws for an entry has this colour somewhere. True where the
+    def has_color(self, entry, color):
+        """Whether the icon that the desktop draws for an entry has this color somewhere. True where the
         desktop draws none by itself: the icon's name has to do there."""
         if not hasattr(self, "picture_of_icon"):
             return True
-        return bool(wait_for(lambda: self.count_in_icon(entry, colour) > 10, 5))  # it may be loaded late
+        return bool(wait_for(lambda: self.count_in_icon(entry, color) > 10, 5))  # it may be loaded late
 
-    def count_in_icon(self, entry, colour):
+    def count_in_icon(self, entry, color):
         picture = self.session.base + "/out/own-icon.png"
         self.picture_of_icon(entry, picture)
-        count = subprocess.run(["convert", picture, "-fuzz", "12%", "-fill", "black", "+opaque", colour,
-                                "-fill", "white", "-opaque", colour, "-format", "%[fx:mean*w*h]", "info:"],
+        count = subprocess.run(["convert", picture, "-fuzz", "12%", "-fill", "black", "+opaque", color,
+                                "-fill", "white", "-opaque", color, "-format", "%[fx:mean*w*h]", "info:"],
                                check=True, capture_output=True, text=True).stdout
         return float(count)
 

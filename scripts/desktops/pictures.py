@@ -40,9 +40,9 @@ def announce_dark(desktop):
     threading.Thread(target=GLib.MainLoop().run, daemon=True).start()
 
 
-def create(desktop, name, label, colour, *options):
+def create(desktop, name, label, color, *options):
     record = json.loads(desktop.session.output_of(["quorvelctl", "create", "--name", name, "--label", label,
-                                                   "--label-color", colour, "--json", *options]))
+                                                   "--label-color", color, "--json", *options]))
     return record["bundleURL"]
 
 

@@ -41,9 +41,9 @@ JUST_STARTED = 11  # seconds in which "open" reports success for a clone, since 
 
 
 class Clone:
-    def __init__(self, session, name, colour, record):
+    def __init__(self, session, name, color, record):
         self.name = name
-        self.colour = colour
+        self.color = color
         self.bundle = record["bundleURL"]
         folder = session.home + "/.local/share/applications/"
         for file in os.listdir(folder):
@@ -60,10 +60,10 @@ def install(build, session):
                    stdout=subprocess.DEVNULL)
 
 
-def picture_of(session, colour):
+def picture_of(session, color):
     """An icon for clones whose targets have none."""
-    picture = f"{session.base}/out/{colour[1:]}.png"
-    subprocess.run(["convert", "-size", "64x64", "xc:" + colour, picture], check=True)
+    picture = f"{session.base}/out/{color[1:]}.png"
+    subprocess.run(["convert", "-size", "64x64", "xc:" + color, picture], check=True)
     return picture
 
 
@@ -82,16 +82,16 @@ def create(desktop, app):
     if entry is None:
         serve_pages(desktop.session)
     clones = []
-    for word, colour in (("Work", "#FF00FF"), ("Home", "#00FF00")):
+    for word, color in (("Work", "#FF00FF"), ("Home", "#00FF00")):
         name = f"{app} {word}"  # unique, since desktops reread entries only now and then
-        looks = ["--target", entry + ".desktop", "--label", word[0], "--label-color", colour] if entry else \
-            ["--icon", picture_of(desktop.session, colour), "--url", f"http://127.0.0.1:8123/{word}.html"]
+        looks = ["--target", entry + ".desktop", "--label", word[0], "--label-color", color] if entry else \
+            ["--icon", picture_of(desktop.session, color), "--url", f"http://127.0.0.1:8123/{word}.html"]
         command = ["quorvelctl", "create", "--name", name, *looks, "--replace", "--json", *options]
         record = json.loads(desktop.session.output_of(command))
         if entry == "chromium" and desktop.session.run(["unshare", "--user", "true"]).returncode != 0:
             arguments = [*record["config"]["extraArgs"], "--no-sandbox"]  # containers may forbid it
             record = json.loads(desktop.session.output_of(command + ["--extra-arg=" + one for one in arguments]))
-        clones.append(Clone(desktop.session, name, colour, record))
+        clones.append(Clone(desktop.session, name, color, record))
     if not wait_for(lambda: all(desktop.knows(clone.entry) for clone in clones), 60):
         raise RuntimeError(f"{desktop.title} does not know the entries of the clones")
     return clones
@@ -157,7 +157,7 @@ def match(desktop, clone, window):
     if not desktop.matches_entries:
         return {"window": True, "entry": entry, "name": None, "icon": None}
     return {"window": True, "entry": entry, "name": window.name == clone.name,
-            "icon": window.icon == clone.icon and desktop.has_colour(clone.entry, clone.colour)}
+            "icon": window.icon == clone.icon and desktop.has_color(clone.entry, clone.color)}
 
 
 def badges(desktop, clones):
@@ -239,7 +239,7 @@ def try_app(desktop, app, with_focus=True):
 
 class Own:
     """What Quorvel's own menu entry says."""
-    name, entry, icon, word, colour = "Quorvel", "app.quorvel.Quorvel.desktop", "app.quorvel.Quorvel", "quorvel", "#FFFFFF"
+    name, entry, icon, word, color = "Quorvel", "app.quorvel.Quorvel.desktop", "app.quorvel.Quorvel", "quorvel", "#FFFFFF"
 
 
 def try_quorvel(desktop):

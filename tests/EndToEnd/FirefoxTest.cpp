@@ -63,7 +63,7 @@ ask(1, 'WebDriver:NewSession', {})
 print(ask(2, 'Marionette:Quit', {'flags': ['eForceQuit', 'eRestart']})[3]['cause'])
 )";
 
-// Firefox drops its arguments when it restarts, so that only its home tells whose it is.
+// Firefox drops its arguments when it restarts, so that only its home shows whose it is.
 class ProcessesWithHome {
 public:
     explicit ProcessesWithHome(std::string home) : home_(std::move(home)) {}

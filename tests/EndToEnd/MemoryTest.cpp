@@ -112,7 +112,7 @@ std::size_t peakOf(const TemporaryFolder& folder, std::vector<std::string> argum
                                                {"PATH", "/usr/bin:/bin"}});
 }
 
-// Of a process that reads the list on so many threads at once.
+// Of a process that reads the list on that many threads at once.
 std::size_t peakOfReading(const std::string& list, std::size_t threads) {
     const pid_t child = ::fork();
     if (child == 0) {

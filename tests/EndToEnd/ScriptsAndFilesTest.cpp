@@ -14,15 +14,15 @@ TEST(ScriptsAndFilesTest, CommandCloneRunsAScriptWithItsArgumentsFolderAndEnviro
     QuorvelctlInAHome quorvelctl;
     const fs::path script = quorvelctl.home / "bin/report";
     write(script, "#!/bin/sh\necho \"in $(pwd) with $# arguments: $*\"\n"
-                  "echo \"colour $COLOUR\" >&2\necho \"cache $CACHE\"\n");
+                  "echo \"color $COLOR\" >&2\necho \"cache $CACHE\"\n");
     makeExecutable(script);
     fs::create_directories(quorvelctl.home / "a folder");
     quorvelctl.run({"create", "--kind", "command", "--name", "Report", "--command", script.string(),
                     "--arg=--all", "--arg", "two words", "--workdir",
-                    (quorvelctl.home / "a folder").string(), "--env", "COLOUR=blue", "--env",
+                    (quorvelctl.home / "a folder").string(), "--env", "COLOR=blue", "--env",
                     "CACHE={{instanceHome}}/cache", "--launch"});
     const std::string expected = "in " + (quorvelctl.home / "a folder").string() +
-                                 " with 2 arguments: --all two words\ncolour blue\ncache " +
+                                 " with 2 arguments: --all two words\ncolor blue\ncache " +
                                  quorvelctl.data("Report").string() + "/cache\n";
     EXPECT_TRUE(waitUntil([&] { return quorvelctl.log("Report") == expected; }))
         << quorvelctl.log("Report");

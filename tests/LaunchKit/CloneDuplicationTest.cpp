@@ -317,7 +317,7 @@ TEST_F(CloneDuplicationTest, DataOfAnInterruptedOneIsNotAdopted) {
     EXPECT_FALSE(fs::exists(home_ / "Elsewhere/Fourth/deep/file"));
 }
 
-// Every so many system calls; all of them take too long.
+// Only some of the system calls; all of them take too long.
 TEST_F(CloneDuplicationTest, KilledAnywhereItLeavesNothingOrAClone) {
     const InstanceRecord original = makeWithData();
     const auto before = treeOf(data("Work"));

@@ -128,7 +128,7 @@ TEST_F(CloneStopTest, WhatAKilledRunnerLeftBehindEnds) {
     EXPECT_TRUE(isGone(numberIn(at("pid"))));
 }
 
-// Nobody can tell whose target it was.
+// Nobody can know whose target it was.
 TEST_F(CloneStopTest, WhatIsLeftInASharedHomeGoesOn) {
     InstanceConfig config = lasting();
     const fs::path bundle = wrapper(config);

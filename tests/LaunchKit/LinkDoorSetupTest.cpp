@@ -251,7 +251,7 @@ TEST_F(LinkDoorSetupTestInAClone, KeepsItsLinksInsideIfThatIsItsOwnSetting) {
     fs::remove(linkSessionFile(home));
     EXPECT_THAT(setUpInside(first), Not(Contains(Key("BROWSER"))));
     first["BROWSER"] = "another";
-    EXPECT_THAT(setUpInside(first), Contains(Pair("BROWSER", "another"))) << "no door of ours";
+    EXPECT_THAT(setUpInside(first), Contains(Pair("BROWSER", "another"))) << "not our door";
 }
 
 // Desktops that read the cache find the first one's door without asking for a default.

@@ -111,14 +111,48 @@ TEST_F(FiguresTest, ListIncludesOfAHigherLayerAndOfAnotherFrontEnd) {
     EXPECT_EQ(figure("includes that go up"), "2");
 }
 
+TEST_F(FiguresTest, ListIncludesOfALayerThatIsNotBelow) {
+    source("Presentation/A.h", "#include \"ProbeKit/B.h\"\n#include \"WebHost/C.h\"\n"
+                               "#include \"LaunchKit/D.h\"\n");
+    source("QuorvelApp/E.h", "#include \"WebHost/C.h\"\n#include \"Presentation/A.h\"\n");
+    source("Runner/F.h", "#include \"WebHost/C.h\"\n#include \"ProbeKit/B.h\"\n");
+    EXPECT_THAT(places("upward"),
+                ElementsAre("Presentation/A.h: includes ProbeKit/",
+                            "Presentation/A.h: includes WebHost/",
+                            "QuorvelApp/E.h: includes WebHost/", "Runner/F.h: includes ProbeKit/"));
+}
+
+TEST_F(FiguresTest, ListLongFilesOfSourcesAndOfTests) {
+    std::string text;
+    for (int line = 0; line < 450; ++line) {
+        text += "\n";
+    }
+    source("Platform/Long.cpp", text);
+    source("tests/Platform/TooLongTest.cpp", text + "\n");
+    EXPECT_THAT(places("files"), ElementsAre("tests/Platform/TooLongTest.cpp: 451"));
+}
+
+TEST_F(FiguresTest, ReadFunctionsBesideAnObjectiveCInterface) {
+    source("WebHost/A_macos.h", "@class Other;\n@protocol Later;\n"
+                                "@interface Thing : NSObject\n"
+                                "@property(nonatomic, readonly) BOOL isRunning;\n"
+                                "- (void)stop;\n@end\n\n"
+                                "namespace q {\nint bare(int a);\n}\n");
+    source("WebHost/A_macos.mm", "");
+    EXPECT_THAT(places("undocumented"), ElementsAre("WebHost/A_macos.h:9: bare"));
+}
+
 TEST_F(FiguresTest, ListOperatingSystemCodeOutsidePlatform) {
     source("Platform/A.cpp", "#include <unistd.h>\n");
     source("Runner/View_linux.cpp", "#include <unistd.h>\n");
     source("LaunchKit/B.cpp", "#include <sys/stat.h>\n#include <string>\n");
-    source("LaunchKit/C.cpp", "#if defined(__APPLE__)\n#endif\n");
+    source("LaunchKit/C.cpp", "#if defined(__APPLE__)\n#endif\n#include <sys/inotify.h>\n");
+    source("ProbeKit/D.cpp", "#include <sys/stat.h>\n#include <mach/mach.h>\n");
     EXPECT_THAT(places("system"),
-                ElementsAre("LaunchKit/B.cpp: includes <sys/stat.h>",
-                            "LaunchKit/C.cpp: asks for the operating system while compiling"));
+                ElementsAre("LaunchKit/C.cpp: asks for the operating system while compiling",
+                            "LaunchKit/C.cpp: includes <sys/inotify.h>",
+                            "ProbeKit/D.cpp: includes <sys/stat.h>",
+                            "ProbeKit/D.cpp: includes <mach/mach.h>"));
 }
 
 TEST_F(FiguresTest, ListHeadersThatAreImplementedInASourceOfAnotherName) {
@@ -193,6 +227,22 @@ TEST_F(FiguresTest, CountRawNewAndDeleteButNotDeletedFunctions) {
     EXPECT_EQ(figure("raw new in QuorvelApp"), "1");
     EXPECT_EQ(figure("raw new in the other layers"), "1");
     EXPECT_EQ(figure("raw delete"), "1");
+}
+
+// What the rules in CONTRIBUTING.md forbid, in this tree itself.
+TEST_F(FiguresTest, FindNothingForbiddenInThisTree) {
+    const Outcome found = outcomeOf({QUORVEL_SOURCE "/scripts/figures", "--list", "long", "upward",
+                                     "system", "elsewhere", "sourceless", "undocumented"});
+    EXPECT_EQ(found.status, 0);
+    // There the web host does without ICU, which is a hundred times as large.
+    EXPECT_EQ(found.output, "Base/Text.h: firstCapture is in WebHost/FirstCapture_macos.mm\n");
+}
+
+TEST_F(FiguresTest, ListThePlacesOfSeveralRows) {
+    source("Platform/A.h", "#include \"LaunchKit/B.h\"\nint bare(int a);\n");
+    EXPECT_THAT(figures({"--list", "upward", "undocumented"}).output,
+                HasSubstr("Platform/A.h: includes LaunchKit/\nPlatform/A.h:2: bare\n"));
+    EXPECT_THAT(figures({"--list", "upward", "beauty"}).output, HasSubstr("not beauty"));
 }
 
 TEST_F(FiguresTest, AcceptAnEmptyTree) {

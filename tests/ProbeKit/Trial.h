@@ -7,9 +7,11 @@
 #include "tests/support/Waiting.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <fstream>
 #include <functional>
 #include <string>
+#include <sys/wait.h>
 #include <unistd.h>
 #include <utility>
 #include <vector>
@@ -96,5 +98,18 @@ public:
         (void)hasReported(++sleeps);
     };
 };
+
+/// Returns whether this process has no children.
+[[nodiscard]] inline bool hasNoChildren() {
+    int status = 0;
+    return ::waitpid(-1, &status, WNOHANG) == -1 && errno == ECHILD;
+}
+
+/// Returns the paths that a result has in a bucket.
+[[nodiscard]] inline std::vector<std::string> bucketPaths(const ProbeResult& result,
+                                                          LeakBucket bucket) {
+    const auto paths = result.buckets.find(bucket);
+    return paths == result.buckets.end() ? std::vector<std::string>{} : paths->second;
+}
 
 } // namespace quorvel::testing

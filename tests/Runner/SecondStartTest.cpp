@@ -21,7 +21,7 @@ namespace fs = std::filesystem;
 class SecondStartTest : public RunnerFixture {
 protected:
     ~SecondStartTest() override {
-        // By their home, since a number may belong to another process by now.
+        // By their home, since a number may meanwhile belong to another process.
         for (const ProcessIdentity& process : processesWithHome(cloneHome().string())) {
             ::kill(process.pid, SIGKILL);
         }
@@ -158,7 +158,7 @@ TEST_F(SecondStartTest, AnyOtherApplicationIsNotStartedTwiceToComeToTheFront) {
     first.waitUntilExit();
 }
 
-// It locks no home that would tell that it runs.
+// It locks no home that would show that it runs.
 TEST_F(SecondStartTest, ACommandIsNotRunTwiceToComeToTheFront) {
     InstanceConfig config = configOf(ShortcutKind::command);
     write(at("once"),

@@ -51,7 +51,7 @@ TEST_F(CertificateExceptionsTest, AnExceptionCanBeReplacedAndRemoved) {
 TEST_F(CertificateExceptionsTest, WhatTheEngineAcceptsIsKnownUntilTheEnd) {
     CertificateExceptions first = store();
     first.add("a.b", one);
-    EXPECT_FALSE(first.isAcceptedByEngine("a.b")) << "the host may have a better one by now";
+    EXPECT_FALSE(first.isAcceptedByEngine("a.b")) << "the host may have a better one meanwhile";
     first.engineAccepts("a.b");
     first.remove("a.b");
     EXPECT_TRUE(first.isAcceptedByEngine("a.b")) << "it forgets none";
@@ -67,7 +67,8 @@ TEST_F(CertificateExceptionsTest, ADamagedFileExceptsNothingAndIsKept) {
     EXPECT_TRUE(damaged.add("a.b", one));
     EXPECT_EQ(read(file() + ".damaged-1"), "{\"certificates\":[]}");
     write(file(), R"({"certificates":{"a.b":"","c.d":")" + one + R"(","e.f":"ABC"}})");
-    EXPECT_THAT(store().list(), ElementsAre(Exception{"c.d", one})) << "others are no fingerprints";
+    EXPECT_THAT(store().list(), ElementsAre(Exception{"c.d", one}))
+        << "others are not fingerprints";
 }
 
 TEST_F(CertificateExceptionsTest, EachFaultIsNamed) {

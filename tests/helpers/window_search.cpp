@@ -66,7 +66,7 @@ public:
             return connection.send(message.createReply(7));
         }
         if (message.member() == QStringLiteral("run")) {
-            // A window of process 815, which no search tells; a script that fails is unloaded.
+            // A window of process 815, which no search reports; a script that fails is unloaded.
             loaded_ = script_.contains(QRegularExpression(QStringLiteral("\\[(.*,)?815(,.*)?\\]")));
             say("run " + std::string(loaded_ ? "found" : "failed"));
             return connection.send(message.createReply());

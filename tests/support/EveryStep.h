@@ -26,7 +26,7 @@ struct Fault {
 
 /// The outcome of `withFault`.
 struct FaultOutcome {
-    Kill kill = Kill::done; ///< `ended` if there are not as many calls, whatever the status
+    Kill kill = Kill::done; ///< `ended` if there are not as many calls, with any status
     int status = 0;         ///< the exit status, if not killed; 1 if `work` threw
 };
 

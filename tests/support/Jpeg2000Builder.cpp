@@ -72,7 +72,7 @@ int sample(QRgb pixel, Jpeg2000Form form, OPJ_UINT32 component) {
     return std::array{qRed(pixel), qGreen(pixel), qBlue(pixel), qAlpha(pixel)}.at(component);
 }
 
-OPJ_COLOR_SPACE colourSpaceOf(Jpeg2000Form form) {
+OPJ_COLOR_SPACE colorSpaceOf(Jpeg2000Form form) {
     return form == Jpeg2000Form::ycc ? OPJ_CLRSPC_SYCC
            : componentsOf(form) < 3  ? OPJ_CLRSPC_GRAY
                                      : OPJ_CLRSPC_SRGB;
@@ -86,7 +86,7 @@ opj_image_t* imageOf(const QImage& source, Jpeg2000Form form) {
     component.h = static_cast<OPJ_UINT32>(source.height());
     component.prec = 8;
     std::array<opj_image_cmptparm_t, 4> all{component, component, component, component};
-    opj_image_t* image = opj_image_create(count, all.data(), colourSpaceOf(form));
+    opj_image_t* image = opj_image_create(count, all.data(), colorSpaceOf(form));
     image->x1 = component.w;
     image->y1 = component.h;
     for (OPJ_UINT32 index = 0; index < count; ++index) {

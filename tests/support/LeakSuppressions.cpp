@@ -7,7 +7,7 @@ extern "C" const char* __lsan_default_suppressions() {
     return "leak:libfontconfig\n";
 }
 
-// What it let pass would stand between a program's own lines.
+// A list of what it ignored would appear among a program's own lines.
 extern "C" const char* __lsan_default_options() {
     return "print_suppressions=0";
 }

@@ -230,7 +230,7 @@ TEST(NewCloneFormTest, NoArgumentsMeansTheDefaultArguments) {
     EXPECT_TRUE(form.makeRequest().extraArgs) << "for every kind";
 }
 
-TEST(NewCloneFormTest, MakesAnIconLabelOfTextAndColour) {
+TEST(NewCloneFormTest, MakesAnIconLabelOfTextAndColor) {
     NewCloneForm form;
     form.iconLabelText = "  ";
     EXPECT_FALSE(form.makeRequest().iconLabel);

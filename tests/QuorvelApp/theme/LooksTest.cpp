@@ -66,7 +66,7 @@ TEST_F(LooksTest, TheDisabledControlsOfTheSheetAreShownSo) {
     EXPECT_NE(monochrome->grab().toImage(), grey);
 }
 
-TEST_F(LooksTest, TheColourWellShowsItsWholeFrame) {
+TEST_F(LooksTest, TheColorWellShowsItsWholeFrame) {
     openSheetWith(u"Notes"_s);
     button(u"Advanced options"_s)->click();
     QCoreApplication::processEvents();

@@ -16,7 +16,7 @@ TEST(HexColorTest, RoundsToTheNearestStep) {
     EXPECT_EQ(hexRGB(QColor::fromRgbF(0.5F, 0.0019F, 0.0021F)), "#800001");
 }
 
-TEST(HexColorTest, StaysInRangeForColoursBeyondSRGB) {
+TEST(HexColorTest, StaysInRangeForColorsBeyondSRGB) {
     EXPECT_EQ(hexRGB(QColor::fromRgbF(1.7F, -0.4F, 0.0F)), "#FF0000");
 }
 

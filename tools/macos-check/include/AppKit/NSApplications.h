@@ -14,7 +14,7 @@ enum : NSUInteger {
     NSEventModifierFlagCommand = 1 << 20
 };
 
-// Without a target, its action goes to whatever knows it in the key window.
+// Without a target, its action goes to the object that knows it in the key window.
 @interface NSMenuItem : NSObject
 + (NSMenuItem*)separatorItem;
 @property(nullable) SEL action;

@@ -132,7 +132,7 @@ typedef enum NSProgressIndicatorStyle : NSUInteger {
 @property double maxValue;
 @end
 
-// What is done with a selection of text, by whatever has it.
+// What is done with a selection of text, by the object that has it.
 @protocol NSStandardTextCommands
 - (void)undo:(nullable id)sender;
 - (void)redo:(nullable id)sender;
