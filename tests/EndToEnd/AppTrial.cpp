@@ -228,7 +228,8 @@ FileStates AppTrial::settledFiles() const {
     FileStates files = session_.userFiles();
     const auto settled = [&] {
         std::this_thread::sleep_for(std::chrono::milliseconds(300));
-        return std::exchange(files, session_.userFiles()) == files;
+        const FileStates last = std::exchange(files, session_.userFiles());
+        return last == files;
     };
     static_cast<void>(waitUntil(settled, longestEnd));
     return files;
