@@ -8,8 +8,8 @@
 
 namespace quorvel {
 
-/// Keeps addresses from being loaded while the file of the settings can't be used: a user who
-/// set a proxy there may not want to be seen without it. The user decides.
+/// Keeps addresses from being loaded while the file of the settings can't be used: whoever set a
+/// proxy there may not want to be seen without it. The user decides.
 class LoadGate {
 public:
     struct Actions {
