@@ -189,7 +189,7 @@ TEST_F(ConfigurationPaneTest, TheAdvancedOptionsExplainThemselves) {
     EXPECT_EQ(field(u"Launch arguments"_s)->placeholderText(), u"--flag value"_s);
 }
 
-TEST_F(ConfigurationPaneTest, TheColourWellColoursTheLabel) {
+TEST_F(ConfigurationPaneTest, TheColorWellColorsTheLabel) {
     NewCloneView& sheet = openSheetWith(u"Notes"_s);
     button(u"Advanced options"_s)->click();
     field(u"Icon label"_s)->setText(u"WORK"_s);
@@ -250,6 +250,32 @@ TEST_F(ConfigurationPaneTest, ADetectionOfAnAppThatIsSelectedNoMoreIsDropped) {
         EXPECT_TRUE(button(u"Auto-detect"_s)->isEnabled());
         EXPECT_TRUE(shown(u"“Mail” isn’t sandboxed → Home override (A), the reliable path most "
                           u"apps use."_s));
+    }
+}
+
+TEST_F(ConfigurationPaneTest, EachBoxChangesItsOwnMemberOfTheRequestAlone) {
+    using Request = WrapperFactory::Request;
+    struct Box {
+        QString label;
+        bool Request::*member;
+    };
+    NewCloneView& sheet = openSheetWith(u"Notes"_s);
+    button(u"Advanced options"_s)->click();
+    const std::vector<Box> boxes{
+        {u"Show a menu-bar icon while running"_s, &Request::menuBarIcon},
+        {u"Menu-bar icon as monochrome (template)"_s, &Request::menuBarIconTemplate},
+        {u"Hide this clone's Dock icon (menu-bar/background app)"_s, &Request::hideWrapperIcon},
+        {u"Register as a browser / URL handler"_s, &Request::registerAsBrowser},
+        {u"Show in Finder's “Open With”"_s, &Request::openWithPassthrough},
+        {u"Isolate this clone's Downloads, Documents & Desktop"_s, &Request::shareUserFolders}};
+    for (const Box& clicked : boxes) {
+        const Request before = sheet.session().form().makeRequest();
+        checkBox(window.get(), clicked.label)->click();
+        const Request after = sheet.session().form().makeRequest();
+        for (const Box& each : boxes) {
+            EXPECT_EQ(before.*each.member != after.*each.member, each.member == clicked.member)
+                << clicked.label.toStdString() << " / " << each.label.toStdString();
+        }
     }
 }
 
