@@ -23,6 +23,7 @@ public:
 
     /// Returns whether a server has to prove who it is; then `judge` answers.
     [[nodiscard]] static bool isAbout(NSURLProtectionSpace* _Nonnull space);
+    /// Judges the server's certificate off the main thread, and answers exactly once.
     void judge(NSURLProtectionSpace* _Nonnull space, const PasswordAnswer& answer);
 
     /// The page at that address was not opened because of its server's certificate, for this

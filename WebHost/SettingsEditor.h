@@ -75,13 +75,20 @@ public:
     [[nodiscard]] const SettingsServices& services() const { return services_; }
     [[nodiscard]] const SiteSettings& settings() const { return services_.settings->settings(); }
 
+    // What changes something returns why that failed, as a sentence; empty if it did not.
+
+    /// Applies the edit and writes the settings.
     std::string change(const std::function<void(SiteSettings&)>& edit);
     /// Adds a rule for the host in what the user typed.
     std::string addRule(std::string_view typed, LinkPlace place);
+    /// Forgets all remembered permissions.
     std::string removePermissions();
 
+    /// Returns a row for each rule for links.
     [[nodiscard]] Rows links(const Removed& removed);
+    /// Returns a row for each remembered permission.
     [[nodiscard]] Rows permissions(const Removed& removed);
+    /// Returns a row for each accepted certificate.
     [[nodiscard]] Rows certificates(const Removed& removed);
 
     /// Returns which file can't be used, as a sentence; empty if all can.

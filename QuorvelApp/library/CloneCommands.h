@@ -34,8 +34,9 @@ public:
     /// Adds those that are for all clones.
     void addGeneralTo(QMenu& menu);
 
-    /// For the keys of the list.
+    /// Returns the command that opens the clone, for the keys of the list.
     [[nodiscard]] QAction& opening() { return open_; }
+    /// Returns the command that deletes it, for the same.
     [[nodiscard]] QAction& deletion() { return remove_; }
 
 Q_SIGNALS:

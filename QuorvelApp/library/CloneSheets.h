@@ -24,6 +24,7 @@ public:
     /// Shows over `window`, which owns it. The others must outlive it.
     CloneSheets(AppModel& model, CloneChanges& changes, QWidget* window);
 
+    /// Shows the clone's log until the user closes it.
     void showLog(const InstanceRecord& clone);
     /// Shows how far it is unless it is done at once.
     void refresh(const std::vector<InstanceRecord>& clones);

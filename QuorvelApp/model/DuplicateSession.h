@@ -36,7 +36,9 @@ public:
     /// Returns whether there is a name, and nothing is under way.
     [[nodiscard]] bool canDuplicate() const;
 
+    /// Sets the new clone's name, which may be one that can't be used yet.
     void setName(const std::string& name);
+    /// Sets whether the duplicate gets a copy of the data.
     void setWithData(bool withData);
 
     /// Makes the duplicate. Ends with `duplicated`, or with the model's `lastError`; or with

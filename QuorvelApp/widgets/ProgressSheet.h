@@ -20,6 +20,7 @@ public:
     /// `text` says below the title what is being done; it may change.
     explicit ProgressSheet(const QString& title, const QString& text = {});
 
+    /// Replaces what is said below the title.
     void setText(const QString& text);
     /// Shows that `done` parts of `total` are done; a total of 0 means that nobody knows.
     void setProgress(int done, int total);
