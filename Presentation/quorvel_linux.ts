@@ -17,7 +17,7 @@
     <name>CreateOptions</name>
     <message>
         <source>Show no Dock icon</source>
-        <translation>Show no icon in the taskbar (on macOS only)</translation>
+        <translation>Show no icon in the taskbar (no effect on this system)</translation>
     </message>
 </context>
 <context>
@@ -53,7 +53,7 @@
     </message>
     <message>
         <source>Hide this clone's Dock icon (menu-bar/background app)</source>
-        <translation>Hide this clone's taskbar icon (on macOS only)</translation>
+        <translation>Hide this clone's taskbar icon (no effect on this system)</translation>
     </message>
     <message>
         <source>Show in Finder's “Open With”</source>

@@ -12,7 +12,7 @@ using ::testing::StrEq;
 TEST(SystemWordsTest, ATextThatNamesAnotherSystemIsSaidInThisOnesWords) {
     EXPECT_EQ(inSystemWords("CloneSwitch", "Menu bar icon"), "Tray icon");
     EXPECT_THAT(systemWords("CreateOptions", "Show no Dock icon"),
-                StrEq("Show no icon in the taskbar (on macOS only)"));
+                StrEq("Show no icon in the taskbar (no effect on this system)"));
     EXPECT_EQ(inSystemWords("ProbeTexts", "into your Application Support"),
               "into your own application data");
     EXPECT_EQ(inSystemWords("ProbeTexts", "into your Preferences"), "into your own settings");
