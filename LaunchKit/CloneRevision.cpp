@@ -14,12 +14,6 @@ namespace quorvel {
 namespace fs = std::filesystem;
 namespace {
 
-// The clone is changed where it is, not the link that leads to it.
-fs::path realWrapper(const fs::path& wrapper) {
-    const auto path = resolvedPath(wrapper);
-    return path ? fs::path(*path) : wrapper;
-}
-
 // Returns the drawing that shows the same as the clone's icon, if there is one.
 std::optional<fs::path> drawingFor(const InstanceRecord& record) {
     const auto notes = WrapperNotes::read(record.bundleURL);
@@ -34,6 +28,12 @@ std::optional<fs::path> drawingFor(const InstanceRecord& record) {
 
 } // namespace
 
+fs::path realWrapper(const fs::path& wrapper) {
+    const auto path = resolvedPath(wrapper);
+    return path ? fs::path(*path) : wrapper;
+}
+
+// The clone is changed where it is, not the link that leads to it.
 CloneRevision::CloneRevision(const fs::path& wrapper) : CloneRevision(wrapper, lockClones) {}
 
 CloneRevision::CloneRevision(const fs::path& wrapper, const Lock& lock)

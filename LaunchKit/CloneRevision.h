@@ -14,6 +14,9 @@
 
 namespace quorvel {
 
+/// Returns the path of the clone itself if a link leads to it.
+[[nodiscard]] std::filesystem::path realWrapper(const std::filesystem::path& wrapper);
+
 /// A clone that is being changed: locked, and read as it is.
 class CloneRevision {
 public:
