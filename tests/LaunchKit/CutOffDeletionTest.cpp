@@ -145,7 +145,9 @@ TEST_F(CutOffDeletionTest, NothingOfADamagedCloneIsRemovedIfAFolderInItIsClosed)
     const TemporaryFolder folder;
     EXPECT_TRUE(asUnprivilegedUser(folder.path(), [&] {
         const fs::path wrapper = makeWrapper(folder / "Work.app", minimalConfig());
-        write(wrapper / "Contents/MacOS/runner", "x");
+        for (const char* file : {"MacOS/runner", "Info.plist", "PkgInfo"}) {
+            write(wrapper / "Contents" / file, "x");
+        }
         write(wrapper / "Contents/Resources/instance.json", "{");
         const auto whole = treeOf(folder.path());
         fs::permissions(wrapper / "Contents/MacOS", fs::perms{0555});
