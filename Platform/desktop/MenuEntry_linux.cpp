@@ -104,9 +104,7 @@ void writePictures(const std::string& icon, const std::vector<MenuPicture>& pict
         writeWholeFile(joinAsText(folder, pictureName(icon, picture.side)), picture.bytes,
                        Flush::now);
     }
-    if (!pictures.empty()) {
-        touchTheme();
-    }
+    touchTheme();
 }
 
 // Makes pictures that stay look new, so that nobody takes them for what an interrupted publication
@@ -200,8 +198,11 @@ void publishMenuEntry(const MenuEntry& entry, const std::vector<MenuPicture>& pi
     const fs::path file = joinAsText(entryFolder(), entry.fileName);
     const std::string text = desktopEntryText(entry.entry);
     requireOwn(file, entry.entry.cloneId);
-    touchPictures(entry);
-    writePictures(entry.entry.icon, pictures);
+    if (pictures.empty()) {
+        touchPictures(entry);
+    } else {
+        writePictures(entry.entry.icon, pictures);
+    }
     createDirectories(entryFolder());
     writeWholeFile(file, text);
     removeOlder(older, entry);
