@@ -40,10 +40,10 @@ std::string movedLines(const InstanceLauncher::Migration& migration) {
 void migrateCommand(const CommandContext& context, const std::string& clone, bool json) {
     const InstanceRecord record = findClone(context.registry, clone);
     const auto [migration, failure] = moveToSharedFolders(context.registry, record);
+    context.output << (json ? document(jsonForm(migration)) : movedLines(migration)) << std::flush;
     if (!failure.empty()) {
         throw CommandError(failure);
     }
-    context.output << (json ? document(jsonForm(migration)) : movedLines(migration)) << std::flush;
     if (!migration.unmoved.empty()) {
         for (const InstanceLauncher::UnmovedItem& item : migration.unmoved) {
             context.errors << terminalText(item.reason) << "\n";

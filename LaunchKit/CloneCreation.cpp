@@ -56,6 +56,15 @@ void warnOfSameIdentifier(const InstanceRecord& made, const WrapperFactory::Warn
     }
 }
 
+// The clone is made, with or without a warning.
+void warnIfPossible(const InstanceRecord& made, const WrapperFactory::Warning& warn) noexcept {
+    try {
+        warnOfSameIdentifier(made, warn);
+    } catch (...) {
+        return;
+    }
+}
+
 } // namespace
 
 void clearPlaceFor(const WrapperFactory::Request& request) {
@@ -97,8 +106,9 @@ MadeClone createCloneInClearPlace(const WrapperFactory& factory,
     };
     MadeClone made{.wrapper = factory.create(request, lockLate, warn)};
     made.record = InstanceRegistry().record(made.wrapper);
+    lock.reset(); // the search concerns no one else
     if (made.record && warn) {
-        warnOfSameIdentifier(*made.record, warn);
+        warnIfPossible(*made.record, warn);
     }
     return made;
 }

@@ -23,10 +23,10 @@ void clearPlaceFor(const WrapperFactory::Request& request);
 /// Validates the request, clears the place and makes the clone. Creations in one folder wait for
 /// each other, and each checks what is at the clone's path when its turn comes: of two that are not
 /// allowed to replace a clone, one fails. The result is read back before the next creation begins.
-/// Calls `warn` as `create` does, and if another clone has the same identifier; calls
-/// `beforeWriting` last before anything is changed. Throws what `validateRequest` and
-/// `WrapperFactory::create` throw, and `InvalidRequest` if another creation takes too long. Any
-/// thread.
+/// Calls `warn` as `create` does, and, once other creations may go on, if another clone has the
+/// same identifier; what it throws then is ignored. Calls `beforeWriting` last before anything is
+/// changed. Throws what `validateRequest` and `WrapperFactory::create` throw, and `InvalidRequest`
+/// if another creation takes too long. Any thread.
 [[nodiscard]] MadeClone createClone(const WrapperFactory& factory,
                                     const WrapperFactory::Request& request,
                                     const RequestPermissions& permissions,

@@ -282,6 +282,13 @@ void removeInPlace(const std::optional<ItemRemoval>& wrapper, DataStep& data) {
     }
 }
 
+// Before anything is changed.
+void requireRemovable(const ItemRemoval& wrapper) {
+    wrapper.refuseMounts();
+    wrapper.refuseUnchangeable(relativeConfig());
+    wrapper.refuseClosedFolders();
+}
+
 // A running application has sockets in it.
 bool leavesTemporaryFolder(const InstanceConfig& config) {
     return config.kind == ShortcutKind::app && config.resolvedHome().starts_with('/') &&
@@ -297,9 +304,7 @@ DeletedData deleteClone(const InstanceRegistry& registry, const InstanceRecord& 
     // read.
     const std::optional<ItemRemoval> wrapper = ItemRemoval::of(record.bundleURL);
     if (wrapper) {
-        wrapper->refuseMounts();
-        wrapper->refuseUnchangeable(relativeConfig());
-        wrapper->refuseClosedFolders();
+        requireRemovable(*wrapper);
     }
     // Another clone or an app may have replaced this one since it was listed.
     if (isAnother(registry.record(record.bundleURL), record)) {
@@ -325,7 +330,7 @@ DeletedData deleteClone(const InstanceRegistry& registry, const InstanceRecord& 
 }
 
 void removeDamagedWrapper(const fs::path& path, const ItemIdentity& identity) {
-    const std::optional<FileLock> lock = lockClones(path.parent_path());
+    std::optional<FileLock> lock = lockClones(path.parent_path());
     const std::optional<ItemRemoval> wrapper = ItemRemoval::of(path);
     if (!wrapper) {
         throw PlatformError(std::make_error_code(std::errc::no_such_file_or_directory), path,
@@ -334,9 +339,11 @@ void removeDamagedWrapper(const fs::path& path, const ItemIdentity& identity) {
     if (wrapper->identity() != identity || !isDamagedWrapper(path)) {
         refuseAnother(path);
     }
-    wrapper->refuseMounts();
-    throwFailure(wrapper->removeAllBut(relativeConfig()));
-    throwFailure(wrapper->remove());
+    requireRemovable(*wrapper);
+    DataStep none;
+    if (!removeAtOnce(InstanceRegistry(), *wrapper, none, lock)) {
+        removeInPlace(wrapper, none);
+    }
 }
 
 } // namespace quorvel

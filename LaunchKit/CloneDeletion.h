@@ -19,9 +19,10 @@ DeletedData deleteClone(const InstanceRegistry& registry, const InstanceRecord& 
                         bool includingData, const InstanceRegistry::Deferral& later = {});
 
 /// Removes a wrapper whose configuration can't be read, if it is still the one with that identity.
-/// Its configuration is removed last, so that an interrupted removal leaves what is still
-/// recognised as a clone. Waits for other changes beside it. Throws `RefusedDeletion` if something
-/// else has taken its place, `InvalidRequest` if another change takes too long, and
+/// It leaves its place in one step, as with `deleteClone`; where there is no room for that, it is
+/// removed where it is, and an interruption may leave a part of it that is no clone. Its data and
+/// its entry in the menu stay. Waits for other changes beside it. Throws `RefusedDeletion` if
+/// something else has taken its place, `InvalidRequest` if another change takes too long, and
 /// `PlatformError`, also if nothing exists there.
 void removeDamagedWrapper(const std::filesystem::path& path, const ItemIdentity& identity);
 

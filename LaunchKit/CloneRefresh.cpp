@@ -39,8 +39,10 @@ bool CloneRefresh::hasOldRunner(const std::filesystem::path& wrapper) const {
 
 // Tidying up looks at every name in the folder, so it is done once for all clones there.
 CloneRevision CloneRefresh::revisionOf(const std::filesystem::path& wrapper) const {
-    if (tidied_.insert(wrapper.parent_path()).second) {
-        return CloneRevision(wrapper);
+    if (!tidied_.contains(realWrapper(wrapper).parent_path())) {
+        CloneRevision revision(wrapper);
+        tidied_.insert(revision.wrapper().parent_path());
+        return revision;
     }
     try {
         return CloneRevision(wrapper, lockTidyClones);

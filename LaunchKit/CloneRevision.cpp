@@ -14,12 +14,6 @@ namespace quorvel {
 namespace fs = std::filesystem;
 namespace {
 
-// The clone is changed where it is, not the link that leads to it.
-fs::path realWrapper(const fs::path& wrapper) {
-    const auto path = resolvedPath(wrapper);
-    return path ? fs::path(*path) : wrapper;
-}
-
 // Returns the drawing that shows the same as the clone's icon, if there is one.
 std::optional<fs::path> drawingFor(const InstanceRecord& record) {
     const auto notes = WrapperNotes::read(record.bundleURL);
@@ -34,6 +28,12 @@ std::optional<fs::path> drawingFor(const InstanceRecord& record) {
 
 } // namespace
 
+fs::path realWrapper(const fs::path& wrapper) {
+    const auto path = resolvedPath(wrapper);
+    return path ? fs::path(*path) : wrapper;
+}
+
+// The clone is changed where it is, not the link that leads to it.
 CloneRevision::CloneRevision(const fs::path& wrapper) : CloneRevision(wrapper, lockClones) {}
 
 CloneRevision::CloneRevision(const fs::path& wrapper, const Lock& lock)
@@ -82,11 +82,11 @@ ChangedClone CloneRevision::replace(const WrapperRevision::Changes& changes,
     if (!old_.isChangedBy(changes)) {
         return {.record = {wrapper_, old_.settings().config}};
     }
-    return published(wrapper_, replaceWrapper(changes), menu);
+    return published(wrapper_, replaceWrapper(changes), &menu);
 }
 
 ChangedClone published(const fs::path& wrapper, std::vector<std::string> kept,
-                       const PublishedMenu& menu) {
+                       const PublishedMenu* menu) {
     ChangedClone changed{.isChanged = true, .kept = std::move(kept)};
     auto record = InstanceRegistry().record(wrapper);
     if (!record) {
@@ -95,7 +95,9 @@ ChangedClone published(const fs::path& wrapper, std::vector<std::string> kept,
     changed.record = std::move(*record);
     changed.isRunning = isHomeInUse(changed.record.config);
     try {
-        publishInMenu(changed.record, drawingFor(changed.record), menu);
+        const auto drawing = drawingFor(changed.record);
+        menu == nullptr ? publishInMenu(changed.record, drawing)
+                        : publishInMenu(changed.record, drawing, *menu);
     } catch (const std::exception& error) {
         changed.warnings.push_back(
             "“" + changed.record.config.displayName +

@@ -14,6 +14,9 @@
 
 namespace quorvel {
 
+/// Returns the path of the clone itself if a link leads to it.
+[[nodiscard]] std::filesystem::path realWrapper(const std::filesystem::path& wrapper);
+
 /// A clone that is being changed: locked, and read as it is.
 class CloneRevision {
 public:
@@ -50,9 +53,10 @@ private:
 /// the user has not changed them.
 [[nodiscard]] CloneSettings completedSettings(const WrapperRevision& old, CloneSettings settings);
 
-/// Returns the clone after a change, published in the menu under its own picture.
+/// Returns the clone after a change, published in the menu under its own picture. Reads the menu
+/// unless the caller has. A failure to do so or to publish is a warning.
 [[nodiscard]] ChangedClone published(const std::filesystem::path& wrapper,
                                      std::vector<std::string> kept,
-                                     const PublishedMenu& menu = PublishedMenu());
+                                     const PublishedMenu* menu = nullptr);
 
 } // namespace quorvel

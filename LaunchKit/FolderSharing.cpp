@@ -5,6 +5,7 @@
 #include "LaunchKit/InstanceRegistry.h"
 #include "Platform/files/FileSystem.h"
 
+#include <exception>
 #include <optional>
 
 namespace quorvel {
@@ -30,8 +31,8 @@ FolderSharing moveToSharedFolders(const InstanceRegistry& registry, const Instan
     }
     try {
         registry.shareUserFolders(record);
-    } catch (const Error& error) {
-        result.failure = error.description();
+    } catch (const std::exception& error) {
+        result.failure = error.what();
     }
     return result;
 }

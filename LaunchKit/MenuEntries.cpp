@@ -223,6 +223,15 @@ void publishUnlessRight(const InstanceRecord& record, const PublishedMenu& menu,
     }
 }
 
+// The words are made from the identities, since the user may have edited everything else.
+std::map<std::string, std::string> iconsByWord(const PublishedMenu& published) {
+    std::map<std::string, std::string> icons;
+    for (const auto& [identity, each] : published.entries()) {
+        icons.insert_or_assign(windowWord(identity), each.entry.icon);
+    }
+    return icons;
+}
+
 template<typename Work>
 void collectingProblems(MenuRepair& repair, const Work& work) {
     try {
@@ -302,7 +311,7 @@ MenuRepair repairMenu(const std::vector<InstanceRecord>& records) {
     }
     removeMenuLeftovers();
     const PublishedMenu published;
-    removeOldMenuPictures(published.entries());
+    removeOldMenuPictures(iconsByWord(published));
     collectingProblems(repair, [&] { withdrawOrphans(published, repair); });
     for (const InstanceRecord& record : records) {
         collectingProblems(repair, [&] { publishUnlessRight(record, published, repair); });

@@ -53,7 +53,7 @@ struct PublishedEntry {
 void publishMenuEntry(const MenuEntry& entry, const std::vector<MenuPicture>& pictures);
 
 /// The same for a caller that knows the clone's older entries. Without pictures, those that are
-/// there already stay.
+/// there already stay, and their dates become new.
 void publishMenuEntry(const MenuEntry& entry, const std::vector<MenuPicture>& pictures,
                       const std::vector<PublishedEntry>& older);
 
@@ -64,10 +64,10 @@ void withdrawMenuEntry(const std::string& cloneId, const std::string& word);
 /// Removes the temporary files that interrupted publications left.
 void removeMenuLeftovers();
 
-/// Removes the pictures of these clones (entries by `cloneId`) that their entries don't name, if
-/// older than a minute: an interrupted publication leaves them. Those of an entry that names
-/// another icon stay.
-void removeOldMenuPictures(const std::multimap<std::string, PublishedEntry>& published);
+/// Removes the pictures of these clones (the icons that their entries name, by the clones' words)
+/// that no entry names, if older than a minute: an interrupted publication leaves them. Those of a
+/// clone whose entry names another icon than its own stay.
+void removeOldMenuPictures(const std::map<std::string, std::string>& named);
 
 /// Returns all entries that were published for clones. Those that can't be read are left out.
 [[nodiscard]] std::vector<PublishedEntry> publishedMenuEntries();
@@ -75,7 +75,8 @@ void removeOldMenuPictures(const std::multimap<std::string, PublishedEntry>& pub
 /// Returns the entry that was published for the clone, if there is one.
 [[nodiscard]] std::optional<PublishedEntry> publishedEntryOf(const std::string& cloneId);
 
-/// Returns whether there is a picture of this name of that `MenuPicture::side`.
+/// Returns whether there is a picture of this name of that `MenuPicture::side`; an empty file is
+/// none.
 [[nodiscard]] bool hasMenuPicture(const std::string& icon, int side);
 
 /// Returns the name of the icon's picture in one color, which desktops draw in the color of their

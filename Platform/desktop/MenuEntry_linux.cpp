@@ -100,10 +100,23 @@ void writePictures(const std::string& icon, const std::vector<MenuPicture>& pict
     for (const MenuPicture& picture : pictures) {
         const fs::path folder = pictureFolder(picture.side);
         createDirectories(folder);
-        writeWholeFile(joinAsText(folder, pictureName(icon, picture.side)), picture.bytes);
+        // After a power cut, an entry must not name a picture that is empty.
+        writeWholeFile(joinAsText(folder, pictureName(icon, picture.side)), picture.bytes,
+                       Flush::now);
     }
-    if (!pictures.empty()) {
-        touchTheme();
+    touchTheme();
+}
+
+// Makes pictures that stay look new, so that nobody takes them for what an interrupted publication
+// left.
+void touchPictures(const MenuEntry& entry) {
+    if (!entry.entry.icon.starts_with(entry.word + "-")) {
+        return;
+    }
+    for (const int side : pictureSides) {
+        const fs::path picture =
+            joinAsText(pictureFolder(side), pictureName(entry.entry.icon, side));
+        (void)::utimensat(AT_FDCWD, picture.c_str(), nullptr, AT_SYMLINK_NOFOLLOW);
     }
 }
 
@@ -185,7 +198,11 @@ void publishMenuEntry(const MenuEntry& entry, const std::vector<MenuPicture>& pi
     const fs::path file = joinAsText(entryFolder(), entry.fileName);
     const std::string text = desktopEntryText(entry.entry);
     requireOwn(file, entry.entry.cloneId);
-    writePictures(entry.entry.icon, pictures);
+    if (pictures.empty()) {
+        touchPictures(entry);
+    } else {
+        writePictures(entry.entry.icon, pictures);
+    }
     createDirectories(entryFolder());
     writeWholeFile(file, text);
     removeOlder(older, entry);
@@ -211,12 +228,11 @@ void removeMenuLeftovers() {
     }
 }
 
-void removeOldMenuPictures(const std::multimap<std::string, PublishedEntry>& published) {
+void removeOldMenuPictures(const std::map<std::string, std::string>& named) {
     std::map<std::string, std::string> icons; // by what the pictures' names begin with
-    for (const auto& [id, each] : published) {
-        const std::string beginning = each.entry.startupWmClass + "-";
-        if (each.entry.icon.starts_with(beginning)) {
-            icons[beginning] = each.entry.icon;
+    for (const auto& [word, icon] : named) {
+        if (icon.starts_with(word + "-")) {
+            icons[word + "-"] = icon;
         }
     }
     for (const int side : pictureSides) {
@@ -258,7 +274,9 @@ std::optional<PublishedEntry> publishedEntryOf(const std::string& cloneId) {
 }
 
 bool hasMenuPicture(const std::string& icon, int side) {
-    return itemExists(joinAsText(pictureFolder(side), pictureName(icon, side)));
+    const fs::path file = joinAsText(pictureFolder(side), pictureName(icon, side));
+    struct stat status {};
+    return ::stat(file.c_str(), &status) == 0 && S_ISREG(status.st_mode) && status.st_size > 0;
 }
 
 } // namespace quorvel

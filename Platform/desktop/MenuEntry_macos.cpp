@@ -19,7 +19,7 @@ void withdrawMenuEntry(const std::string& /*cloneId*/, const std::string& /*word
 
 void removeMenuLeftovers() {}
 
-void removeOldMenuPictures(const std::multimap<std::string, PublishedEntry>& /*published*/) {}
+void removeOldMenuPictures(const std::map<std::string, std::string>& /*named*/) {}
 
 std::vector<PublishedEntry> publishedMenuEntries() {
     return {};

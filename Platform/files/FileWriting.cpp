@@ -129,7 +129,7 @@ void writeFile(const fs::path& path, std::string_view bytes, Flush flush) {
     }
 }
 
-void writeWholeFile(const fs::path& path, std::string_view bytes) {
+void writeWholeFile(const fs::path& path, std::string_view bytes, Flush flush) {
     if (hasNul(path)) {
         throw PlatformError(std::make_error_code(std::errc::invalid_argument), path, "written");
     }
@@ -139,7 +139,8 @@ void writeWholeFile(const fs::path& path, std::string_view bytes) {
         throw PlatformError::fromErrno(path, "written");
     }
     UnfinishedFile unfinished(beside);
-    if (!file.write(bytes) || ::rename(beside.c_str(), path.c_str()) != 0) {
+    if (!file.write(bytes) || (flush == Flush::now && ::fsync(file.descriptor()) != 0) ||
+        ::rename(beside.c_str(), path.c_str()) != 0) {
         throw PlatformError::fromErrno(path, "written");
     }
     unfinished.keep();

@@ -395,7 +395,9 @@ TEST(CommandLineTest, MigrateSaysWhenSharingCantBeSwitchedOn) {
                                      std::filesystem::perms{0444});
         const CommandResult result = harness.run({"migrate", "Work", "--json"});
         const auto now = InstanceRegistry().record(wrapper);
-        return result.status == 1 && result.output.empty() &&
+        return result.status == 1 &&
+               nlohmann::json::parse(result.output) ==
+                   nlohmann::json({{"moved", {{"Downloads", 1}}}}) &&
                result.errors == "The clone at " + wrapper.string() +
                                     " couldn’t be changed, so folder sharing is still off.\n" &&
                now && !now->config.shareUserFolders && read(home / "Downloads/a") == "1";

@@ -2,6 +2,7 @@
 
 #include "tests/support/AppBundles.h"
 
+#include <functional>
 #include <memory>
 #include <stdexcept>
 
@@ -15,6 +16,7 @@ struct Operation {
     FaultHome::Words words{};
     bool isResumable =
         false; ///< may stop half-way, as long as it says so and goes on when repeated
+    std::function<void()> prepare{}; ///< if set, called in a home that was restored
 };
 
 // The state that a command begins with and the one that it makes.
@@ -44,6 +46,12 @@ std::vector<Operation> operations(const FaultHome& home) {
         {"migrate", {"migrate", "Work"}, true},
         {"delete", {"delete", "Work", "--yes"}},
         {"delete with data", {"delete", "Work", "--including-data", "--yes"}},
+        {.name = "delete a damaged clone",
+         .words = {"delete", home.at("Applications/Work.app").string(), "--yes"},
+         .prepare =
+             [config = home.at("Applications/Work.app/Contents/Resources/instance.json")] {
+                 write(config, "{");
+             }},
     };
 }
 
@@ -83,9 +91,16 @@ std::string judge(FaultHome& home, const Operation& operation, const Ends& ends,
                : "it is neither old nor new: " + FaultHome::difference(ends.before, now);
 }
 
+void prepare(const FaultHome& home, const Operation& operation) {
+    home.restore();
+    if (operation.prepare) {
+        operation.prepare();
+    }
+}
+
 Ends endsOf(FaultHome& home, const Operation& operation) {
     Ends ends;
-    home.restore();
+    prepare(home, operation);
     ends.before = home.clones();
     if (FaultHome::apart([&] { return home.perform(operation.words); }) != 0) {
         throw std::runtime_error(operation.name + " fails by itself: " + home.message());
@@ -106,7 +121,7 @@ std::vector<FaultCase> cloneFaults(FaultHome& home) {
                                  if (ends->after.empty()) {
                                      *ends = endsOf(home, operation);
                                  }
-                                 home.restore();
+                                 prepare(home, operation);
                              },
                          .change = [&home, operation] { return home.perform(operation.words); },
                          .judge =

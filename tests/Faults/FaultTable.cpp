@@ -40,13 +40,17 @@ void FaultTable::addRow(const FaultCase& tried, const char* name, const Fault& f
     }
     std::cout << "| " << tried.name << " | " << name << " | " << points << " | " << held << " |\n"
               << std::flush;
+    if (points == 0) {
+        std::cerr << tried.name << ", " << name << ": nothing was tried\n";
+        hasEmptyRow_ = true;
+    }
     tried_ += points;
     held_ += held;
 }
 
 bool FaultTable::finish() const {
     std::cout << "| all | | " << tried_ << " | " << held_ << " |\n";
-    return tried_ == held_;
+    return tried_ > 0 && tried_ == held_ && !hasEmptyRow_;
 }
 
 } // namespace quorvel::testing

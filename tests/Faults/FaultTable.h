@@ -27,7 +27,7 @@ public:
     /// Kills the process at each call, and lets each call fail with ENOSPC, EIO and EACCES.
     void add(const FaultCase& tried);
 
-    /// Prints the last row. Returns whether every point held.
+    /// Prints the last row. Returns whether something was tried in each row, and every point held.
     [[nodiscard]] bool finish() const;
 
 private:
@@ -36,6 +36,7 @@ private:
     int stride_;
     std::size_t tried_ = 0;
     std::size_t held_ = 0;
+    bool hasEmptyRow_ = false;
 };
 
 } // namespace quorvel::testing

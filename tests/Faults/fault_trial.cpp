@@ -1,6 +1,7 @@
 // Interrupts each command that changes clones at every system call that changes the disk, lets each
 // of these calls fail once, and prints what became of the clones: fault_trial [STRIDE [OPERATION]].
-// With a stride, only every so many of the calls. Exits with 1 if a point did not hold.
+// With a stride, only every so many of the calls. Exits with 1 if a point did not hold or none was
+// tried.
 #include "tests/Faults/CloneFaults.h"
 #include "tests/Faults/MenuFaults.h"
 
@@ -16,9 +17,16 @@ int main(int argc, char** argv) {
         FaultHome home;
         std::vector<FaultCase> cases = cloneFaults(home);
         std::ranges::move(menuFaults(home), std::back_inserter(cases));
+        const auto isMeant = [&](const FaultCase& tried) {
+            return only.empty() || only == tried.name;
+        };
+        if (std::ranges::none_of(cases, isMeant)) {
+            std::cerr << "No operation is called “" << only << "”.\n";
+            return 2;
+        }
         FaultTable table(stride);
         for (const FaultCase& tried : cases) {
-            if (only.empty() || only == tried.name) {
+            if (isMeant(tried)) {
                 table.add(tried);
             }
         }

@@ -1,5 +1,6 @@
 #include "LaunchKit/CloneCreation.h"
 
+#include "LaunchKit/CloneWithData.h"
 #include "LaunchKit/InstanceRecord.h"
 #include "LaunchKit/InstanceRegistry.h"
 #include "LaunchKit/WrapperGenerator.h"
@@ -10,6 +11,7 @@
 #include <gmock/gmock.h>
 
 #include <future>
+#include <stdexcept>
 
 namespace quorvel {
 namespace {
@@ -71,6 +73,25 @@ TEST_F(CloneCreationTest, WarnsOfTwoNamesThatBecomeOneIdentifier) {
     EXPECT_THAT(warnings, ::testing::ElementsAre(::testing::StartsWith(
                               "“work-1” has the same bundle identifier as “Work 1”, "
                               "app.quorvel.instance.work-1. ")));
+}
+
+TEST_F(CloneCreationTest, AWarningKeepsNobodyWaitingAndTakesNothingBack) {
+    (void)createClone(factory, request(), {});
+    WrapperFactory::Request second = request();
+    second.displayName = "work";
+    write(home / "original/file", "data");
+    int warnings = 0;
+    const auto warn = [&](const std::string& /*text*/) {
+        ++warnings;
+        EXPECT_FALSE(FileLock::isHeld(home / "Applications"));
+        throw std::runtime_error("the terminal is gone");
+    };
+    const CloneWithData made =
+        createCloneWithData(factory, second, {}, {.parts = {{home / "original", ""}}}, warn);
+    EXPECT_EQ(warnings, 1);
+    EXPECT_TRUE(made.clone.record);
+    EXPECT_EQ(read(home / "QuorvelInstances/work/file"), "data");
+    EXPECT_TRUE(fs::exists(home / "Applications/work.app"));
 }
 
 TEST_F(CloneCreationTest, WaitsForAnotherCreationAndThenSeesItsClone) {

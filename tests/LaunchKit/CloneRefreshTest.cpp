@@ -86,6 +86,23 @@ TEST_F(CloneRefreshTest, AChangeThatWasCutOffMeanwhileIsPutRight) {
     EXPECT_TRUE(refresh.refresh(home / "Applications/Second.app").isChanged);
 }
 
+TEST_F(CloneRefreshTest, TheFolderOfALinkIsStillToBePutRight) {
+    WrapperFactory::Request second = webRequest();
+    second.displayName = "Second";
+    second.outputDir = home / "Elsewhere";
+    fs::create_directory(home / "Elsewhere");
+    (void)make(webRequest());
+    fs::create_directory_symlink(make(second), home / "Applications/Link.app");
+    {
+        StagedChange change(home / "Applications");
+        change.keep();
+    }
+    ASSERT_EQ(std::distance(fs::directory_iterator(home / "Applications"), {}), 3);
+    (void)refresh.refresh(home / "Applications/Link.app");
+    (void)refresh.refresh(home / "Applications/Work.app");
+    EXPECT_EQ(std::distance(fs::directory_iterator(home / "Applications"), {}), 2);
+}
+
 TEST_F(CloneRefreshTest, TheMenuIsKeptUpForEachClone) {
     WrapperFactory::Request second = webRequest();
     second.displayName = "Second";

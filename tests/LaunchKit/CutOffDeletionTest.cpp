@@ -1,11 +1,16 @@
 // Deletions that are cut off, at every system call that removes something.
+#include "LaunchKit/ChangeRecovery.h"
+#include "LaunchKit/CloneDeletion.h"
 #include "LaunchKit/InstanceConfig.h"
 #include "LaunchKit/InstanceRecord.h"
 #include "LaunchKit/InstanceRegistry.h"
 #include "LaunchKit/RequestCheck.h"
 #include "LaunchKit/WrapperGenerator.h"
+#include "Platform/files/ItemIdentity.h"
+#include "Platform/files/PlatformError.h"
 #include "tests/support/AppBundles.h"
 #include "tests/support/TemporaryHome.h"
+#include "tests/support/UnprivilegedUser.h"
 
 #include <csignal>
 #include <gtest/gtest.h>
@@ -114,6 +119,45 @@ TEST_F(CutOffDeletionTest, LeavesACloneThatCanBeDeletedAgainInTheMidstOfAThousan
         }
         EXPECT_EQ(end, End::killed) << before;
     }
+}
+
+TEST_F(CutOffDeletionTest, ADamagedCloneIsWholeOrGoneWhereverItIsCutOff) {
+    const fs::path folder = home_ / "Applications";
+    int before = 1;
+    for (End end = End::killed; end == End::killed; ++before) {
+        const fs::path wrapper = makeClone(0).bundleURL;
+        write(wrapper / "Contents/Resources/instance.json", "{");
+        const auto whole = treeOf(folder);
+        end = killedBeforeRemoval(
+            before, [&] { removeDamagedWrapper(wrapper, identityOf(wrapper).value()); });
+        if (end == End::notPermitted) {
+            GTEST_SKIP() << "the kernel forbids tracing";
+        }
+        finishInterruptedChanges(folder);
+        const auto left = treeOf(folder);
+        EXPECT_TRUE(left.empty() || left == whole) << before;
+        fs::remove_all(wrapper);
+    }
+    EXPECT_GT(before, 5);
+}
+
+TEST_F(CutOffDeletionTest, NothingOfADamagedCloneIsRemovedIfAFolderInItIsClosed) {
+    const TemporaryFolder folder;
+    EXPECT_TRUE(asUnprivilegedUser(folder.path(), [&] {
+        const fs::path wrapper = makeWrapper(folder / "Work.app", minimalConfig());
+        for (const char* file : {"MacOS/runner", "Info.plist", "PkgInfo"}) {
+            write(wrapper / "Contents" / file, "x");
+        }
+        write(wrapper / "Contents/Resources/instance.json", "{");
+        const auto whole = treeOf(folder.path());
+        fs::permissions(wrapper / "Contents/MacOS", fs::perms{0555});
+        try {
+            removeDamagedWrapper(wrapper, identityOf(wrapper).value());
+        } catch (const PlatformError&) {
+            return treeOf(folder.path()) == whole;
+        }
+        return false;
+    }));
 }
 
 TEST_F(CutOffDeletionTest, AReplacementLeavesWhatCanBeReplacedWhereverItIsCutOff) {

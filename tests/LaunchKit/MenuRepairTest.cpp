@@ -179,6 +179,33 @@ TEST_F(MenuRepairTest, WhatTheUserChangedInTheMenuStays) {
     EXPECT_EQ(repairMenu({record}).published, 1U) << "it no longer starts the clone";
 }
 
+TEST_F(MenuRepairTest, APictureThatAPowerCutEmptiedIsDrawnAgain) {
+    const InstanceRecord record = made(command("Work"));
+    addIcon(record, pngOf(chatIcon(48)));
+    publishInMenu(record);
+    const auto complete = menu();
+    const fs::path picture =
+        pictures("48x48") / (readDesktopEntry(published(record)).icon + ".png");
+    fs::resize_file(picture, 0);
+    EXPECT_EQ(repairMenu({record}).published, 1U);
+    EXPECT_TRUE(menu() == complete);
+    EXPECT_EQ(repairMenu({record}).published, 0U);
+}
+
+TEST_F(MenuRepairTest, AnEntrysOwnWindowClassGivesNobodyElsesPicturesAway) {
+    const InstanceRecord record = made(command("Work"));
+    publishInMenu(record);
+    DesktopEntry edited = readDesktopEntry(published(record));
+    edited.startupWmClass = "drawing";
+    edited.icon = "drawing-red";
+    write(published(record), desktopEntryText(edited));
+    const fs::path others = pictures("48x48") / "drawing-blue.png";
+    write(others, "somebody else's");
+    fs::last_write_time(others, fs::file_time_type::clock::now() - std::chrono::hours(1));
+    EXPECT_THAT(repairMenu({record}).problems, IsEmpty());
+    EXPECT_TRUE(fs::exists(others));
+}
+
 TEST_F(MenuRepairTest, OnlyEntriesOfClonesThatAreGoneAreWithdrawn) {
     const InstanceRecord listed = made(command("Listed"));
     const InstanceRecord elsewhere = made(command("Elsewhere"));

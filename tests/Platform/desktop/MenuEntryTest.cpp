@@ -160,7 +160,7 @@ TEST_F(MenuEntryTest, PicturesThatNoEntryNamesAreRemovedOnceTheyAreOld) {
     for (const fs::path& file : {old, others, folder / (word + "-2.png")}) {
         fs::last_write_time(file, fs::file_time_type::clock::now() - std::chrono::hours(1));
     }
-    removeOldMenuPictures({{"/apps/Work.app", publishedMenuEntries().front()}});
+    removeOldMenuPictures({{word, publishedMenuEntries().front().entry.icon}});
     EXPECT_FALSE(fs::exists(old));
     EXPECT_TRUE(fs::exists(young)) << "its entry may be about to be written";
     EXPECT_TRUE(fs::exists(others)) << "whose entry is not known";
@@ -169,8 +169,32 @@ TEST_F(MenuEntryTest, PicturesThatNoEntryNamesAreRemovedOnceTheyAreOld) {
     MenuEntry chosen = menuEntry(word + "-2");
     chosen.entry.icon = "the-users-own";
     write(applications() / chosen.fileName, desktopEntryText(chosen.entry));
-    removeOldMenuPictures({{"/apps/Work.app", publishedMenuEntries().front()}});
+    removeOldMenuPictures({{word, publishedMenuEntries().front().entry.icon}});
     EXPECT_TRUE(hasMenuPicture(word + "-2", 48));
+}
+
+TEST_F(MenuEntryTest, PicturesThatAnEntryTakesUpAgainLookNew) {
+    publish();
+    const auto now = fs::file_time_type::clock::now();
+    const fs::path own = theme() / "256x256/apps" / (word + "-1.png");
+    const fs::path others = theme() / "256x256/apps/web-browser.png";
+    write(others, "picture");
+    for (const fs::path& file : {own, others}) {
+        fs::last_write_time(file, now - std::chrono::hours(1));
+    }
+    publishMenuEntry(menuEntry(), {});
+    EXPECT_GT(fs::last_write_time(own), now - std::chrono::minutes(1));
+    publishMenuEntry(menuEntry("web-browser"), {});
+    EXPECT_EQ(fs::last_write_time(others), now - std::chrono::hours(1));
+}
+
+TEST_F(MenuEntryTest, AnEmptyPictureIsNone) {
+    publish();
+    write(theme() / "48x48/apps" / (word + "-1.png"), "");
+    EXPECT_FALSE(hasMenuPicture(word + "-1", 48));
+    fs::create_directories(theme() / "128x128/apps" / (word + "-1.png"));
+    EXPECT_FALSE(hasMenuPicture(word + "-1", 128)) << "nor is a folder";
+    EXPECT_TRUE(hasMenuPicture(word + "-1", 256));
 }
 
 TEST_F(MenuEntryTest, WithdrawingRemovesWhatWasPublished) {
