@@ -24,8 +24,9 @@ std::filesystem::path runnerOrLocated(const std::optional<std::filesystem::path>
 
 } // namespace
 
-CloneRefresh::CloneRefresh(const std::optional<std::filesystem::path>& runner)
-    : runner_(runnerOrLocated(runner)) {
+CloneRefresh::CloneRefresh(const std::optional<std::filesystem::path>& runner, bool isSelfContained)
+    : runner_(runnerOrLocated(runner)),
+      isSelfContained_(isSelfContained) {
     auto bytes = readFile(runner_, largestRunner);
     if (!bytes) {
         throw PlatformError::fromErrno(runner_, "read");
@@ -53,12 +54,16 @@ CloneRevision CloneRefresh::revisionOf(const std::filesystem::path& wrapper) con
     }
 }
 
+bool CloneRefresh::hasOldPrograms(const WrapperRevision& wrapper) const {
+    return hasOldRunner(wrapper.wrapper()) || (isSelfContained_ && wrapper.hasOldParts(runner_));
+}
+
 std::vector<StaleReason> CloneRefresh::reasonsFor(const InstanceRecord& record) const {
     std::vector<StaleReason> reasons;
-    if (hasOldRunner(record.bundleURL)) {
+    const WrapperRevision wrapper(record.bundleURL);
+    if (hasOldPrograms(wrapper)) {
         reasons.push_back(StaleReason::runner);
     }
-    const WrapperRevision wrapper(record.bundleURL);
     const CloneSettings& settings = wrapper.settings();
     if (completedSettings(wrapper, settings).config.extraArgs != settings.config.extraArgs) {
         reasons.push_back(StaleReason::arguments);
@@ -74,7 +79,8 @@ ChangedClone CloneRefresh::refresh(const std::filesystem::path& wrapper) const {
     WrapperRevision::Changes changes;
     changes.settings = completedSettings(clone.old(), clone.old().settings());
     changes.refreshesIcon = true;
-    if (hasOldRunner(clone.wrapper())) {
+    changes.isSelfContained = isSelfContained_;
+    if (hasOldPrograms(clone.old())) {
         changes.settings.runner = runner_;
     }
     if (!menu_) {

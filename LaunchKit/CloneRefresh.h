@@ -3,6 +3,7 @@
 #include "LaunchKit/CloneChange.h"
 #include "LaunchKit/MenuEntries.h"
 #include "LaunchKit/Records/EnumNames.h"
+#include "Platform/processes/LoadedModule.h"
 
 #include <filesystem>
 #include <optional>
@@ -13,6 +14,7 @@
 namespace quorvel {
 
 class CloneRevision;
+class WrapperRevision;
 
 /// Why a clone should be refreshed.
 enum class StaleReason { runner, arguments, icon };
@@ -28,9 +30,11 @@ inline constexpr auto enumNames<StaleReason> = namesOfAllCases<StaleReason>({
 /// reads the runner and the menu once. Any thread, but one at a time.
 class CloneRefresh {
 public:
-    /// Without `runner`, it is located. Throws `WrapperFactory::FactoryError` if it isn't found,
-    /// and `PlatformError` if it can't be read.
-    explicit CloneRefresh(const std::optional<std::filesystem::path>& runner = std::nullopt);
+    /// Without `runner`, it is located. `isSelfContained` as in `WrapperGenerator::Options`. Throws
+    /// `WrapperFactory::FactoryError` if the runner isn't found, and `PlatformError` if it can't be
+    /// read.
+    explicit CloneRefresh(const std::optional<std::filesystem::path>& runner = std::nullopt,
+                          bool isSelfContained = modulesBelongToBundles());
 
     /// Returns what of a clone would be different if it were made now; empty if nothing. Throws
     /// `Error` if it is not a clone any more.
@@ -43,9 +47,12 @@ public:
 
 private:
     [[nodiscard]] bool hasOldRunner(const std::filesystem::path& wrapper) const;
+    /// Whether the runner is old, or what a self-contained wrapper contains beside it.
+    [[nodiscard]] bool hasOldPrograms(const WrapperRevision& wrapper) const;
     [[nodiscard]] CloneRevision revisionOf(const std::filesystem::path& wrapper) const;
 
     std::filesystem::path runner_;
+    bool isSelfContained_;
     std::string bytes_{};
     mutable std::optional<PublishedMenu> menu_{};
     mutable std::set<std::filesystem::path> tidied_{}; ///< folders of clones

@@ -61,8 +61,10 @@ std::map<std::string, std::string> suggestedEnvironment(const AppBundle& app) {
     if (const auto profile = find(app.bundleId)) {
         return profile->environment.value_or(std::map<std::string, std::string>{});
     }
-    // What the bus can start has a name there, by which a second start finds the first.
-    if (app.desktop && app.desktop->entry.dbusActivatable) {
+    // What the bus can start has a name there, by which a second start finds the first. A Flatpak
+    // would lose its portals, and with them its dialogs for files.
+    if (app.desktop && app.desktop->entry.dbusActivatable &&
+        app.desktop->program.packaging != ResolvedProgram::Packaging::flatpak) {
         return {{sessionBusVariable, noSessionBus}};
     }
     return {};

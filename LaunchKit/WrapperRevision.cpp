@@ -9,6 +9,7 @@
 #include "LaunchKit/WrapperLayout.h"
 #include "LaunchKit/WrapperPropertyList.h"
 #include "LaunchKit/WrapperWriting.h"
+#include "Platform/files/FileReading.h"
 #include "Platform/files/FileSystem.h"
 #include "Platform/files/Folder.h"
 #include "Platform/files/FolderCopy.h"
@@ -96,6 +97,12 @@ std::optional<fs::path> runnerWithParts(const fs::path& wrapper,
                : std::nullopt;
 }
 
+bool isOtherThan(const std::optional<fs::path>& current, const std::string& file) {
+    constexpr std::size_t largest = std::size_t{256} << 20U;
+    const auto bytes = current ? readFile(*current, largest) : std::nullopt;
+    return bytes && !hasContents(file, *bytes);
+}
+
 std::string textOf(const std::optional<IconLabel>& label) {
     return isVisible(label) ? label->text + "\n" + label->colorHex + "\n" +
                                   std::string(rawString(label->position))
@@ -145,6 +152,13 @@ bool WrapperRevision::hasOldTargetIcon() const {
     }
     const std::string state = targetIconState(*target_);
     return !state.empty() && state != notes_->targetIcon;
+}
+
+bool WrapperRevision::hasOldParts(const fs::path& runner) const {
+    WrapperContents current;
+    addParts(current, settings_.config, runner);
+    return isOtherThan(current.webHost, webHostOf(wrapper_)) ||
+           isOtherThan(current.statusItem, statusItemOf(wrapper_));
 }
 
 bool WrapperRevision::hasUsersArguments() const {

@@ -22,6 +22,8 @@ public:
     /// not a clone, or if its data is inside it.
     explicit WrapperRevision(std::filesystem::path wrapper);
 
+    [[nodiscard]] const std::filesystem::path& wrapper() const { return wrapper_; }
+
     /// Returns the settings that the clone has.
     [[nodiscard]] const CloneSettings& settings() const { return settings_; }
 
@@ -32,6 +34,10 @@ public:
 
     /// Returns whether the clone has its target's icon, and that has changed since.
     [[nodiscard]] bool hasOldTargetIcon() const;
+
+    /// Returns whether a program or module that a self-contained clone runs is missing from the
+    /// wrapper, or other than the one beside `runner`.
+    [[nodiscard]] bool hasOldParts(const std::filesystem::path& runner) const;
 
     /// Returns whether the arguments were the engine's, and the user has changed them since.
     [[nodiscard]] bool hasUsersArguments() const;

@@ -17,8 +17,8 @@ namespace quorvel {
 /// Returns whether the settings name a proxy that can't be used on this system.
 [[nodiscard]] bool lacksItsProxy(const SiteSettings& settings);
 
-/// Has the application's colors and the connections of its store be as the settings say. What of
-/// them can't be used on this system is left out.
+/// Has the application's colors and the connections of its store be as the settings say. A proxy
+/// that can't be used on this system leaves the connections as they were.
 void applySiteSettings(WKWebsiteDataStore* _Nonnull store, const SiteSettings& settings);
 
 /// Has a view tell pages the chosen user agent from the next one on.

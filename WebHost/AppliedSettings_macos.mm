@@ -71,7 +71,10 @@ bool lacksItsProxy(const SiteSettings& settings) {
 
 void applySiteSettings(WKWebsiteDataStore* store, const SiteSettings& settings) {
     NSApp.appearance = appearanceFor(settings.colors);
-    applyProxy(store, lacksItsProxy(settings) ? std::nullopt : proxyServer(settings));
+    // Pages that are open must not go on without the proxy that they had.
+    if (!lacksItsProxy(settings)) {
+        applyProxy(store, proxyServer(settings));
+    }
 }
 
 void applyUserAgent(WKWebView* view, const SiteSettings& settings) {

@@ -7,7 +7,9 @@
 #include <map>
 #include <memory>
 #include <mutex>
+#include <system_error>
 #include <thread>
+#include <utility>
 #include <vector>
 
 namespace quorvel {
@@ -40,6 +42,16 @@ void look(const std::shared_ptr<Answers>& answers, const Files& files) {
     answers->changed.notify_one();
 }
 
+// What the other threads find is not lost because the system refuses one.
+void startLooking(const std::shared_ptr<Answers>& answers, Files files) {
+    try {
+        std::thread(look, answers, std::move(files)).detach();
+    } catch (const std::system_error&) {
+        const std::lock_guard lock(answers->guard);
+        --answers->waitingFor;
+    }
+}
+
 // The files of one folder stay together.
 std::vector<Files> sharesOf(const std::set<std::string>& files) {
     std::map<fs::path, Files> folders;
@@ -64,7 +76,7 @@ std::set<std::string> presentAmong(const std::set<std::string>& files,
     answers->isPresent = isPresent;
     answers->waitingFor = shares.size();
     for (Files& share : shares) {
-        std::thread(look, answers, std::move(share)).detach();
+        startLooking(answers, std::move(share));
     }
     std::unique_lock lock(answers->guard);
     (void)answers->changed.wait_for(lock, patience, [&] { return answers->waitingFor == 0; });

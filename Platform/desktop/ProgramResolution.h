@@ -50,10 +50,12 @@ findProgram(std::string_view program,
 [[nodiscard]] bool isAppImage(const std::filesystem::path& file);
 
 /// Follows the program through links and wrapper scripts to the real file, and looks at what lies
-/// beside it. Nothing is run. std::nullopt if the program isn't found; on macOS always.
+/// beside it. Snaps are looked for below `snapRoot`. Nothing is run. std::nullopt if the program
+/// isn't found; on macOS always.
 [[nodiscard]] std::optional<ResolvedProgram>
 resolveProgram(std::string_view program,
-               const std::vector<std::filesystem::path>& roots = applicationRoots());
+               const std::vector<std::filesystem::path>& roots = applicationRoots(),
+               const std::filesystem::path& snapRoot = "/");
 
 /// The same for the program that an entry starts, where the entry may say how it is packaged.
 [[nodiscard]] std::optional<ResolvedProgram>

@@ -72,15 +72,22 @@ bool takeFirstWithMarks(const std::vector<fs::path>& programs, ResolvedProgram& 
 
 constexpr const char* snapFolders[] = {"/snap/bin/", "/var/lib/snapd/snap/bin/"};
 
-// Some packages install a script that starts the Snap of their name, which may be longer than the
-// Snap's: "chromium-browser".
-bool startsSnapOfItsName(const LauncherScript& script, const std::string& name) {
+// Whether the word is the path of a Snap of that name, which may be longer than the Snap's:
+// "chromium-browser".
+bool namesSnapOf(const std::string& word, const std::string& name) {
+    return std::any_of(std::begin(snapFolders), std::end(snapFolders), [&](const auto& folder) {
+        const std::string snap =
+            word.starts_with(folder) ? word.substr(std::string_view(folder).size()) : "";
+        return !snap.empty() && (name == snap || name.starts_with(snap + "-"));
+    });
+}
+
+// Some packages install a script that starts the Snap of their name. Others only look whether there
+// is one.
+bool startsSnapOfItsName(const LauncherScript& script, const std::string& name,
+                         const fs::path& root) {
     return std::any_of(script.words.begin(), script.words.end(), [&](const std::string& word) {
-        return std::any_of(
-            std::begin(snapFolders), std::end(snapFolders), [&](const std::string& folder) {
-                const std::string snap = word.starts_with(folder) ? word.substr(folder.size()) : "";
-                return !snap.empty() && (name == snap || name.starts_with(snap + "-"));
-            });
+        return namesSnapOf(word, name) && itemOrLinkExists(root / word.substr(1));
     });
 }
 
@@ -89,13 +96,13 @@ bool startsJava(const LauncherScript& script, const fs::path& folder) {
 }
 
 void lookThroughScript(const ProgramFile& file, const std::vector<fs::path>& roots,
-                       ResolvedProgram& result) {
+                       const fs::path& snapRoot, ResolvedProgram& result) {
     const LauncherScript script = LauncherScript::parse(file.bytesAt(0, maxScript));
     result.interpreter = script.interpreter;
     if (script.interpreter.empty() || takeFirstWithMarks({result.executable}, result)) {
         return;
     }
-    if (startsSnapOfItsName(script, result.launcher.filename().native())) {
+    if (startsSnapOfItsName(script, result.launcher.filename().native(), snapRoot)) {
         result.packaging = Packaging::snap;
         return;
     }
@@ -184,7 +191,8 @@ bool isAppImage(const fs::path& file) {
 }
 
 std::optional<ResolvedProgram> resolveProgram(std::string_view program,
-                                              const std::vector<fs::path>& roots) {
+                                              const std::vector<fs::path>& roots,
+                                              const fs::path& snapRoot) {
     ResolvedProgram result;
     const auto launcher = findProgram(program);
     if (!launcher) {
@@ -214,7 +222,7 @@ std::optional<ResolvedProgram> resolveProgram(std::string_view program,
             result.executable.filename() == "java" ? Engine::java : engineBeside(result.executable);
     } else {
         const fs::path script = result.executable;
-        lookThroughScript(*file, roots, result);
+        lookThroughScript(*file, roots, snapRoot, result);
         result.interpreter = result.executable == script ? result.interpreter : std::string();
     }
     if (result.engine == Engine::firefox) {

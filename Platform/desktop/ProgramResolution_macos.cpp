@@ -16,7 +16,8 @@ bool isAppImage(const fs::path&) {
     return false;
 }
 
-std::optional<ResolvedProgram> resolveProgram(std::string_view, const std::vector<fs::path>&) {
+std::optional<ResolvedProgram> resolveProgram(std::string_view, const std::vector<fs::path>&,
+                                              const fs::path&) {
     return std::nullopt;
 }
 

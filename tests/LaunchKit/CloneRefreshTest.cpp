@@ -1,6 +1,7 @@
 #include "LaunchKit/CloneRefresh.h"
 
 #include "LaunchKit/ChangeJournal.h"
+#include "LaunchKit/WrapperLayout.h"
 #include "Platform/desktop/MenuEntry.h"
 #include "Platform/files/ItemIdentity.h"
 #include "Platform/files/StagedChange.h"
@@ -48,6 +49,38 @@ TEST_F(CloneRefreshTest, AnOldRunnerIsReplacedAndNothingElse) {
     EXPECT_TRUE(treeOf(wrapper) == before);
     EXPECT_EQ(fs::status(wrapper / "Contents/MacOS/runner").permissions(), fs::perms{0755});
     EXPECT_THAT(reasons(wrapper), IsEmpty());
+}
+
+TEST_F(CloneRefreshTest, WhatASelfContainedCloneRunsBesideItsRunnerIsKeptUp) {
+    const fs::path installed = home / "installed/quorvel-runner";
+    write(installed, read(runnerProgram()));
+    write(home / "installed" / webHostModule, "module");
+    write(home / "installed" / statusItemProgram, "program");
+    const CloneRefresh contained(installed, true);
+    WrapperFactory::Request app = appRequest();
+    app.displayName = "App";
+    app.menuBarIcon = true;
+    const fs::path web = make(webRequest());
+    const fs::path clone = make(app);
+    for (const auto& [wrapper, part, bytes] :
+         {std::tuple(web, fs::path(webHostOf(web)), "module"),
+          std::tuple(clone, fs::path(statusItemOf(clone)), "program")}) {
+        const auto found = [&, wrapper = wrapper] {
+            return contained.reasonsFor(*InstanceRegistry().record(wrapper));
+        };
+        for (const char* old : {"", "other!", "OTHERS!"}) {
+            fs::remove(part);
+            if (*old != '\0') {
+                write(part, old);
+            }
+            EXPECT_THAT(found(), ElementsAre(StaleReason::runner)) << part << old;
+            EXPECT_THAT(reasons(wrapper), IsEmpty()) << "it need not contain it";
+            EXPECT_TRUE(contained.refresh(wrapper).isChanged);
+            EXPECT_EQ(read(part), bytes);
+            EXPECT_THAT(found(), IsEmpty());
+            EXPECT_FALSE(contained.refresh(wrapper).isChanged);
+        }
+    }
 }
 
 TEST_F(CloneRefreshTest, ARunnerOfTheSameSizeIsCompared) {

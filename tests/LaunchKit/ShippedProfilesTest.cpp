@@ -81,6 +81,10 @@ TEST(ShippedProfilesTest, AnAppThatTheBusCanStartDoesWithoutItUnlessItsProfileSa
     EXPECT_THAT(suggested("org.example.Other", "DBusActivatable=true\n"),
                 ElementsAre(Pair("DBUS_SESSION_BUS_ADDRESS", disabledBus)));
     EXPECT_THAT(suggested("org.example.Other", "DBusActivatable=false\n"), IsEmpty());
+    EXPECT_THAT(
+        suggested("org.example.Other", "DBusActivatable=true\nX-Flatpak=org.example.Other\n"),
+        IsEmpty())
+        << "it would lose its dialogs for files";
     EXPECT_THAT(ShippedProfiles::suggestedEnvironment({.bundleId = "com.example.Bundle"}),
                 IsEmpty());
 }

@@ -44,7 +44,8 @@ protected:
     }
 
     [[nodiscard]] std::optional<ResolvedProgram> resolve(const std::string& program) const {
-        return resolveProgram(program, {folder_ / "lib", folder_ / "share", folder_ / "opt"});
+        return resolveProgram(program, {folder_ / "lib", folder_ / "share", folder_ / "opt"},
+                              folder_.path());
     }
 
     [[nodiscard]] Engine engine(const std::string& program) const {
@@ -195,12 +196,28 @@ TEST_F(ProgramResolutionTest, KnowsAScriptInFrontOfASnap) {
         script("bin/" + name, lines);
         return resolve(name).value().packaging;
     };
+    // Each leads to the program that starts all Snaps, which may not be there.
+    link("snap/bin/fox", "/usr/bin/snap");
+    link("var/lib/snapd/snap/bin/fox", "/usr/bin/snap");
     EXPECT_EQ(packaging("fox", "[ -x /snap/bin/fox ] || exit 1\nexec /snap/bin/fox \"$@\"\n"),
               Packaging::snap);
     EXPECT_EQ(packaging("fox", "exec /var/lib/snapd/snap/bin/fox\n"), Packaging::snap);
     EXPECT_EQ(packaging("fox-browser", "exec /snap/bin/fox\n"), Packaging::snap);
     EXPECT_EQ(packaging("foxes", "exec /snap/bin/fox\n"), Packaging::none);
     EXPECT_EQ(packaging("fox", "PATH=/snap/bin:/usr/bin\nexec /snap/bin/\n"), Packaging::none);
+}
+
+TEST_F(ProgramResolutionTest, GoesOnInAScriptThatStartsASnapOnlyIfItIsThere) {
+    elf("opt/fox/fox");
+    files("opt/fox", chromiumMarks_);
+    script("bin/fox", "[ -x /snap/bin/fox ] && exec /snap/bin/fox\n"
+                      "exec " +
+                          (folder_ / "opt/fox/fox").string() + "\n");
+    EXPECT_EQ(resolve("fox").value().packaging, Packaging::none);
+    EXPECT_EQ(engine("fox"), Engine::chromium);
+    EXPECT_EQ(executable("fox"), "opt/fox/fox");
+    link("snap/bin/fox", "/usr/bin/snap");
+    EXPECT_EQ(resolve("fox").value().packaging, Packaging::snap);
 }
 
 TEST_F(ProgramResolutionTest, KnowsTheOffice) {
