@@ -1,8 +1,10 @@
 #include "QuorvelApp/model/NewCloneForm.h"
 
 #include "Base/PathText.h"
+#include "Base/SplitText.h"
 #include "Base/Text.h"
 #include "LaunchKit/InstanceRecord.h"
+#include "LaunchKit/NoSessionBus.h"
 #include "Platform/desktop/UserLocale.h"
 #include "Presentation/AppTexts.h"
 #include "Presentation/CloneNaming.h"
@@ -156,9 +158,27 @@ void NewCloneForm::suggestEnvironment(const std::map<std::string, std::string>& 
     if (!envText.empty()) {
         return;
     }
+    suggestedEnvironment = variables;
     for (const auto& [name, value] : variables) {
         envText += (envText.empty() ? "" : "\n") + name + "=" + value;
     }
+}
+
+void NewCloneForm::withdrawSuggestedBus() {
+    if (!takeBusAway(suggestedEnvironment) || !takeBusAway(parseKeyValues(envText))) {
+        return;
+    }
+    suggestedEnvironment.erase(sessionBusVariable);
+    const std::map<std::string, std::string> withdrawn{{sessionBusVariable, noSessionBus}};
+    std::string rest;
+    std::string_view lines = envText;
+    while (!lines.empty()) {
+        const std::string_view line = takePart(lines, '\n');
+        if (parseKeyValues(line) != withdrawn) {
+            rest.append(rest.empty() ? "" : "\n").append(line);
+        }
+    }
+    envText = std::move(rest);
 }
 
 std::string NewCloneForm::environmentCostText() const {

@@ -24,7 +24,9 @@ struct InstanceRecord;
 struct AppSettings : CloneOptions {
     std::string dataPath{};
     std::string argsText{};
-    std::string envText{};   ///< one KEY=VALUE per line
+    std::string envText{}; ///< one KEY=VALUE per line
+    /// What `suggestEnvironment` entered into it, and the user may have changed since.
+    std::map<std::string, std::string> suggestedEnvironment{};
     std::string plistText{}; ///< one KEY=VALUE per line
     std::optional<std::filesystem::path> customIcon{};
     bool hideDockIcon = false;
@@ -103,6 +105,8 @@ public:
     void select(const InstalledApp& app, std::string suggestedName);
     /// Enters variables that the app needs, unless the user has entered some.
     void suggestEnvironment(const std::map<std::string, std::string>& variables);
+    /// Removes the variable that takes the session bus away if it was suggested and is unchanged.
+    void withdrawSuggestedBus();
     /// Returns what the clone gives up for the variables entered, in one sentence; empty if
     /// nothing.
     [[nodiscard]] std::string environmentCostText() const;

@@ -193,6 +193,8 @@ void NewCloneSession::detect() {
                     form.detected(profile.strategy);
                     if (profile.environment) {
                         form.addEnvironment(*profile.environment);
+                    } else if (profile.singleton == SingletonTier::none) {
+                        form.withdrawSuggestedBus();
                     }
                 } catch (const std::exception& error) {
                     form.detectionFailed(error.what());

@@ -1,6 +1,5 @@
 #include "QuorvelApp/model/NewCloneForm.h"
 
-#include "Presentation/AppTexts.h"
 #include "QuorvelApp/model/FormTexts.h"
 
 #include <gmock/gmock.h>
@@ -421,26 +420,6 @@ TEST(NewCloneFormTest, DetectionShowsAFailure) {
     form.detectionFailed("Not a readable .app: /x");
     EXPECT_EQ(form.strategyCaption(), "Couldn't detect: Not a readable .app: /x");
     EXPECT_FALSE(form.detecting);
-}
-
-TEST(NewCloneFormTest, SuggestedVariablesReplaceNoneOfTheUsers) {
-    NewCloneForm form;
-    form.suggestEnvironment({{"B", "2"}, {"A", "1"}});
-    EXPECT_EQ(form.envText, "A=1\nB=2");
-    EXPECT_EQ(form.makeRequest().environment,
-              (std::map<std::string, std::string>{{"A", "1"}, {"B", "2"}}));
-    form.envText = "MINE=1";
-    form.suggestEnvironment({{"A", "1"}});
-    EXPECT_EQ(form.envText, "MINE=1");
-}
-
-TEST(NewCloneFormTest, SaysWhatTheEnteredVariablesCost) {
-    NewCloneForm form;
-    EXPECT_EQ(form.environmentCostText(), "");
-    form.envText = "A=1\nDBUS_SESSION_BUS_ADDRESS=disabled:";
-    EXPECT_EQ(form.environmentCostText(),
-              environmentCost({{"DBUS_SESSION_BUS_ADDRESS", "disabled:"}}));
-    EXPECT_NE(form.environmentCostText(), "");
 }
 
 } // namespace

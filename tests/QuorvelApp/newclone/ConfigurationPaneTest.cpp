@@ -165,6 +165,21 @@ TEST_F(ConfigurationPaneTest, TheVariablesThatAnAppNeedsAreShownWithTheirCostAnd
     EXPECT_EQ(editor->toPlainText(), QString()) << "of an app that needs none";
 }
 
+TEST_F(ConfigurationPaneTest, DetectionReturnsTheBusToAnAppWhoseCopiesRunSideBySide) {
+    stubs.suggested = {{"/Applications/Notes.app", {{"DBUS_SESSION_BUS_ADDRESS", "disabled:"}}}};
+    NewCloneView& sheet = openSheetWith(u"Notes"_s);
+    const auto text = [&] { return sheet.session().form().envText; };
+    for (const SingletonTier tier : {SingletonTier::unknown, SingletonTier::none}) {
+        ASSERT_TRUE(eventually([&] { return text() == "DBUS_SESSION_BUS_ADDRESS=disabled:"; }));
+        stubs.probe = [tier] {
+            return ProbeResult{.singleton = tier, .recommendedStrategy = Strategy::homeOverride};
+        };
+        button(u"Auto-detect"_s)->click();
+        ASSERT_TRUE(eventually([&] { return !sheet.session().form().detecting; }));
+    }
+    EXPECT_EQ(text(), "");
+}
+
 TEST_F(ConfigurationPaneTest, TheAdvancedOptionsExplainThemselves) {
     openSheetWith(u"Notes"_s);
     button(u"Advanced options"_s)->click();
