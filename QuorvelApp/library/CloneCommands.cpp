@@ -2,6 +2,7 @@
 
 #include "LaunchKit/HomeLock.h"
 #include "QuorvelApp/AppModel.h"
+#include "QuorvelApp/theme/Shortcuts.h"
 
 #include <QMenu>
 
@@ -24,7 +25,7 @@ CloneCommands::CloneCommands(AppModel& model, CloneChanges& changes, QObject* pa
     edit_.setShortcut(Qt::CTRL | Qt::Key_E);
     rename_.setShortcut(Qt::Key_F2);
     duplicate_.setShortcut(Qt::CTRL | Qt::Key_D);
-    remove_.setShortcut(QKeySequence::Delete);
+    remove_.setShortcuts(deletionKeys());
     remove_.setShortcutContext(Qt::WidgetShortcut); // elsewhere, the key may mean something else
     prepare(open_, &CloneCommands::openRequested);
     prepare(edit_, &CloneCommands::editRequested);

@@ -3,6 +3,9 @@
 #include "LaunchKit/HomeLock.h"
 #include "LaunchKit/InstanceConfig.h"
 #include "QuorvelApp/library/CloneList.h"
+#include "QuorvelApp/panels/DuplicateView.h"
+#include "QuorvelApp/panels/EditCloneView.h"
+#include "QuorvelApp/theme/Shortcuts.h"
 #include "QuorvelApp/widgets/MessageSheet.h"
 #include "tests/QuorvelApp/WindowFixture.h"
 
@@ -167,6 +170,15 @@ TEST_F(CloneCommandsTest, DeleteAsksInTheListAndNowhereElse) {
     EXPECT_TRUE(shown(u"Delete “Work”?"_s));
     button(u"Cancel"_s)->click();
     EXPECT_TRUE(list()->hasFocus());
+}
+
+TEST_F(CloneCommandsTest, DeleteHasTheKeysOfItsSystem) {
+    open();
+    EXPECT_EQ(command(u"Delete…"_s)->shortcuts(), deletionKeys());
+    EXPECT_THAT(deletionKeys(QOperatingSystemVersion::Unknown),
+                ElementsAre(QKeySequence(Qt::Key_Delete)));
+    EXPECT_THAT(deletionKeys(QOperatingSystemVersion::MacOS),
+                ElementsAre(QKeySequence(Qt::Key_Delete), QKeySequence(Qt::Key_Backspace)));
 }
 
 TEST_F(CloneCommandsTest, ADoubleClickAndReturnOpenTheClone) {
