@@ -70,6 +70,7 @@ void ContentView::connectChanges() {
                 changes_.rename(clone, name);
             });
     connect(&changes_, &CloneChanges::renamed, sidebar_, &Sidebar::follow);
+    connect(&changes_, &CloneChanges::activityChanged, this, &ContentView::showActivity);
 }
 
 void ContentView::blockCommands() {
@@ -132,12 +133,23 @@ void ContentView::showSelection() {
     const InstanceRecord* clone = selection ? model_.clone(*selection) : nullptr;
     if (clone != nullptr) {
         detail().setClone(*clone);
+        showActivity();
     } else {
         placeholderText_->setText(model_.clones().empty()
                                       ? tr("Create your first clone to get started.")
                                       : tr("Select a clone to manage it."));
     }
     detailStates_->setCurrentIndex(clone != nullptr ? 1 : 0);
+}
+
+void ContentView::showActivity() {
+    using Activity = CloneDetailView::Activity;
+    const auto& selection = sidebar_->selection();
+    if (const InstanceRecord* clone = selection ? model_.clone(*selection) : nullptr) {
+        detail().setActivity(changes_.isRenaming(*clone)   ? Activity::renaming
+                             : changes_.isStopping(*clone) ? Activity::stopping
+                                                           : Activity::none);
+    }
 }
 
 // Created at the first selection, so that the window opens sooner.

@@ -52,6 +52,7 @@ private:
     void connectChanges();
     void blockCommands();
     void showSelection();
+    void showActivity();
     void takeRequest();
 
     AppModel& model_;

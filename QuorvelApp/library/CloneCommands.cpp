@@ -90,6 +90,9 @@ void CloneCommands::addGeneralTo(QMenu& menu) {
 void CloneCommands::refresh() {
     const bool isFree = !blocked_ && !changes_.isRefreshing();
     const InstanceRecord* clone = id_ && isFree ? model_.clone(*id_) : nullptr;
+    if (clone != nullptr && changes_.isRenaming(*clone)) {
+        clone = nullptr; // until it has its new identity
+    }
     for (QAction* action :
          {&open_, &edit_, &rename_, &duplicate_, &refreshWrapper_, &reveal_, &remove_}) {
         action->setEnabled(clone != nullptr);

@@ -61,6 +61,8 @@ std::string identityAfter(const InstanceRecord& old, const InstanceRecord& now) 
 CloneChanges::CloneChanges(AppModel& model, QObject* parent) : QObject(parent), model_(model) {}
 
 QFuture<void> CloneChanges::rename(const InstanceRecord& clone, const std::string& name) {
+    renaming_.insert(clone.id());
+    Q_EMIT activityChanged();
     return model_.services().tasks->detached(
         TaskPriority::userInitiated, this,
         capturingErrors([clone, name, updateMenu = MenuUpdate(model_.services())] {
@@ -72,7 +74,9 @@ QFuture<void> CloneChanges::rename(const InstanceRecord& clone, const std::strin
 }
 
 void CloneChanges::renameDone(const InstanceRecord& clone, const Outcome<ChangedClone>& outcome) {
+    renaming_.erase(clone.id());
     model_.reload();
+    Q_EMIT activityChanged();
     if (!outcome.result) {
         model_.setLastError(sentence(tr("Couldn't rename: %1"), {outcome.failure}));
         return;
@@ -148,6 +152,10 @@ void CloneChanges::stopDone(const InstanceRecord& clone, Force force,
     } else if (outcome.result->outcome == Case::running) {
         model_.setLastError(stillRunningText(name, outcome.result->left, translated));
     }
+}
+
+bool CloneChanges::isRenaming(const InstanceRecord& clone) const {
+    return renaming_.contains(clone.id());
 }
 
 bool CloneChanges::isStopping(const InstanceRecord& clone) const {

@@ -37,6 +37,8 @@ public:
 
     /// Gives the clone another name; its data stays where it is.
     QFuture<void> rename(const InstanceRecord& clone, const std::string& name);
+    /// Returns whether the clone is being renamed.
+    [[nodiscard]] bool isRenaming(const InstanceRecord& clone) const;
 
     /// Brings these clones up to date, one after the other, until `progress` is cancelled. A
     /// failure of one does not keep it from the others.
@@ -58,7 +60,7 @@ Q_SIGNALS:
     void renamed(const std::string& from, const std::string& to);
     /// That many processes of a clone go on although they were asked to end.
     void stillRunning(const quorvel::InstanceRecord& clone, std::size_t left);
-    /// `isRefreshing` or `isStopping` has changed.
+    /// `isRefreshing`, `isRenaming` or `isStopping` has changed.
     void activityChanged();
 
 private:
@@ -68,6 +70,7 @@ private:
 
     AppModel& model_;
     int refreshing_ = 0;
+    std::set<std::string> renaming_{}; ///< identities
     std::set<std::string> stopping_{}; ///< identities
 };
 

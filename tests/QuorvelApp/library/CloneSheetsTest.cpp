@@ -23,7 +23,9 @@ protected:
         select(work.clone());
         command(u"Stop"_s)->trigger();
         EXPECT_FALSE(command(u"Stop"_s)->isEnabled()) << "once is enough";
+        EXPECT_TRUE(shown(u"Stopping…"_s));
         ASSERT_TRUE(eventually([&] { return shown(u"End “Work” by force?"_s); }));
+        EXPECT_FALSE(shown(u"Stopping…"_s));
     }
     QString text() { return window->findChildren<MessageSheet*>().constLast()->text(); }
     ProgressSheet* progress() { return window->findChild<ProgressSheet*>(); }

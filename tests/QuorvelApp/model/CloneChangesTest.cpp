@@ -57,6 +57,7 @@ TEST_F(CloneChangesTest, ANameThatCantBeUsedChangesNothing) {
         EXPECT_THAT(model().lastError().value_or(""), StartsWith("Couldn't rename: ")) << name;
         EXPECT_TRUE(treeOf(folder) == before) << name;
         EXPECT_THAT(names(), ElementsAre("Play", "Work"));
+        EXPECT_FALSE(changes.isRenaming(work));
     }
 }
 
@@ -83,9 +84,11 @@ TEST_F(CloneChangesTest, RenamingWaitsForAnotherChangeInTheBackground) {
     const InstanceRecord work = makeWebClone("Work");
     auto lock = lockClones(folder);
     const QFuture<void> renaming = changes.rename(work, "Play");
+    EXPECT_TRUE(changes.isRenaming(work));
     EXPECT_FALSE(eventually([&] { return renaming.isFinished(); }, 100ms));
     lock.reset();
     resultOf(renaming);
+    EXPECT_FALSE(changes.isRenaming(work));
     EXPECT_THAT(names(), ElementsAre("Play"));
 }
 
