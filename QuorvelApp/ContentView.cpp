@@ -50,6 +50,12 @@ void ContentView::connectCommands() {
     connect(commands_, &CloneCommands::editRequested, clonePanels_, &ClonePanels::edit);
     connect(commands_, &CloneCommands::duplicateRequested, clonePanels_, &ClonePanels::duplicate);
     connect(clonePanels_, &ClonePanels::duplicated, sidebar_, &Sidebar::select);
+    connect(clonePanels_, &ClonePanels::openChanged, this, [this] {
+        blockCommands();
+        if (!clonePanels_->isOpen()) {
+            takeRequest();
+        }
+    });
     connect(commands_, &CloneCommands::openRequested, this, [this] { detail().launch(); });
     connect(commands_, &CloneCommands::deletionRequested, this,
             [this] { detail().confirmDelete(); });
@@ -74,7 +80,8 @@ void ContentView::connectChanges() {
 }
 
 void ContentView::blockCommands() {
-    commands_->setBlocked(Sheet::isShownOver(this) || sidebar_->isEditing());
+    commands_->setBlocked(Sheet::isShownOver(this) || sidebar_->isEditing() ||
+                          clonePanels_->isOpen());
 }
 
 bool ContentView::event(QEvent* event) {
@@ -162,7 +169,7 @@ CloneDetailView& ContentView::detail() {
 }
 
 void ContentView::showNewClone() {
-    if (newClone_.isNull() && !clonePanels_->isOpen()) {
+    if (!clonePanels_->isOpen() && !Sheet::isShownOver(this, Sheet::Place::top)) {
         auto* view = new NewCloneView(model_, icons_, panels_);
         connect(&view->session(), &NewCloneSession::copyBegan, this,
                 [this](BackgroundCopy* copy) { showCopySheet(*copy, this); });
@@ -172,7 +179,8 @@ void ContentView::showNewClone() {
 }
 
 void ContentView::takeRequest() {
-    if (model_.startNewCloneRequested()) {
+    // While a clone is read, its sheet comes first.
+    if (model_.startNewCloneRequested() && !clonePanels_->isReading()) {
         showNewClone();
         model_.setStartNewCloneRequested(false);
     }

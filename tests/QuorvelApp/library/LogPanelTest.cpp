@@ -63,9 +63,13 @@ TEST_F(LogPanelTest, ShowsTheLogLiveUntilEscapeClosesIt) {
     EXPECT_TRUE(says(u"started\n<b>still</b> \\u{1b}[1m\n"_s)) << "as plain text";
     EXPECT_TRUE(text->isReadOnly());
     EXPECT_FALSE(command(u"Show Log"_s)->isEnabled());
+    command(u"New Clone…"_s)->trigger();
+    EXPECT_FALSE(window->content().showingNewClone());
     QTest::keyClick(text, Qt::Key_Escape);
     EXPECT_TRUE(eventually([&] { return window->findChild<LogPanel*>() == nullptr; }));
     EXPECT_TRUE(command(u"Show Log"_s)->isEnabled());
+    command(u"New Clone…"_s)->trigger();
+    EXPECT_TRUE(window->content().showingNewClone());
 }
 
 TEST_F(LogPanelTest, SaysThatThereIsNoneYet) {

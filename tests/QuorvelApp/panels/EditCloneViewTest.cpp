@@ -233,6 +233,26 @@ TEST_F(EditCloneViewTest, ACloneThatIsGoneBeforeItIsReadIsAnError) {
     EXPECT_EQ(sheet(), nullptr);
 }
 
+TEST_F(EditCloneViewTest, NothingElseIsDoneWhileTheCloneIsRead) {
+    const InstanceRecord record = makeClone(web());
+    open();
+    select(record);
+    stubs.tasks->holding = true;
+    command(u"Edit…"_s)->trigger();
+    EXPECT_FALSE(command(u"Rename…"_s)->isEnabled());
+    EXPECT_FALSE(command(u"Delete…"_s)->isEnabled());
+    command(u"New Clone…"_s)->trigger();
+    EXPECT_FALSE(window->content().showingNewClone());
+    stubs.tasks->release();
+    ASSERT_TRUE(eventually([&] { return sheet() != nullptr; }));
+    EXPECT_FALSE(window->content().showingNewClone());
+    button(u"Cancel"_s)->click();
+    EXPECT_TRUE(window->content().showingNewClone()) << "asked for before the sheet showed";
+    ASSERT_TRUE(isGone());
+    button(u"Cancel"_s)->click();
+    EXPECT_TRUE(command(u"Rename…"_s)->isEnabled());
+}
+
 TEST_F(EditCloneViewTest, OpensOnceAndNotOverTheNewCloneSheet) {
     const InstanceRecord record = makeClone(web());
     edit(record);
