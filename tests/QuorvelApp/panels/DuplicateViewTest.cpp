@@ -273,6 +273,9 @@ TEST_F(DuplicateViewTest, WaitsForAnotherChangeWithoutBlockingTheWindow) {
     button(u"Duplicate"_s)->click();
     EXPECT_FALSE(eventually([&] { return panel() == nullptr; }, std::chrono::milliseconds(100)));
     EXPECT_FALSE(button(u"Duplicating…"_s)->isEnabled());
+    EXPECT_FALSE(button(u"Cancel"_s)->isEnabled());
+    QTest::keyClick(panel(), Qt::Key_Escape);
+    EXPECT_TRUE(panel()->isVisible()) << "it can't be cancelled any more";
     lock.reset();
     EXPECT_TRUE(isGone());
     EXPECT_TRUE(fs::exists(folder / "Work (2).app"));

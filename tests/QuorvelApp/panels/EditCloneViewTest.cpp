@@ -169,12 +169,14 @@ TEST_F(EditCloneViewTest, SavesInTheBackgroundOnReturn) {
     stubs.tasks->holding = true;
     QTest::keyClick(window->focusWidget(), Qt::Key_Return);
     EXPECT_FALSE(button(u"Saving…"_s)->isEnabled());
+    EXPECT_FALSE(button(u"Cancel"_s)->isEnabled());
+    QTest::keyClick(&view, Qt::Key_Escape);
+    EXPECT_TRUE(view.isVisible()) << "it can't be cancelled any more";
     EXPECT_EQ(configOf("Work").url, "a.test");
     stubs.tasks->release();
     ASSERT_TRUE(isGone());
     EXPECT_EQ(configOf("Work").url, "a.test/x");
     EXPECT_FALSE(stubs.model().statusMessage()) << "nothing needs to be said";
-    (void)view;
 }
 
 TEST_F(EditCloneViewTest, SaysThatARunningCloneChangesAtItsNextStart) {
