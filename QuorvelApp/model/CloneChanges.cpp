@@ -9,10 +9,17 @@
 #include "QuorvelApp/model/Translated.h"
 
 #include <algorithm>
+#include <chrono>
 #include <functional>
 
 namespace quorvel {
+
+using namespace std::chrono_literals;
+
 namespace {
+
+// Before force is used. The user has seen that asking politely takes long.
+constexpr std::chrono::milliseconds lastPatience = 2s;
 
 // What a worker thread needs to bring the menu into line afterwards.
 struct MenuUpdate {
@@ -123,8 +130,8 @@ QFuture<void> CloneChanges::stop(const InstanceRecord& clone, Force force) {
     const AppServices& services = model_.services();
     StopOptions options{.patience = services.stopPatience};
     if (force == Force::afterAsking) {
-        // It was asked before, and had its time.
-        options = {.patience = std::chrono::milliseconds(0),
+        // What runs by now may not have been asked yet.
+        options = {.patience = std::min(services.stopPatience, lastPatience),
                    .mayForce = [](std::size_t) { return true; }};
     }
     return services.tasks->detached(TaskPriority::userInitiated, this,

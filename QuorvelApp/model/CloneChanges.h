@@ -26,8 +26,9 @@ struct ChangeProgress {
     std::atomic<bool> isCancelled = false;
 };
 
-/// Changes and stops clones that exist, in the background, and lists them again afterwards. What
-/// the user should know becomes the model's `lastError` or `statusMessage`. Main thread only.
+/// Changes and stops clones that exist, in the background, and lists them again after a change.
+/// What the user should know becomes the model's `lastError` or `statusMessage`; whether to use
+/// force is asked by `stillRunning`. Main thread only.
 class CloneChanges : public QObject {
     Q_OBJECT
 
@@ -49,8 +50,8 @@ public:
 
     /// How a clone is asked to end.
     enum class Force { never, afterAsking };
-    /// Ends everything that the clone runs. Asks first, and for as long as `AppServices` say, or
-    /// with force not for long.
+    /// Ends everything that the clone runs: asks it to, then waits for as long as `AppServices`
+    /// say. With force it waits a shorter time, then kills what is left.
     QFuture<void> stop(const InstanceRecord& clone, Force force = Force::never);
     /// Returns whether the clone is being stopped.
     [[nodiscard]] bool isStopping(const InstanceRecord& clone) const;

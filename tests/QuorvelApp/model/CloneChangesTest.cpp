@@ -162,6 +162,19 @@ TEST_F(CloneChangesTest, WhatDoesNotEndIsSaidAndEndedOnlyByForce) {
     EXPECT_FALSE(model().lastError());
 }
 
+TEST_F(CloneChangesTest, WhatEndsWhenAskedOnceMoreIsNotKilled) {
+    const fs::path ready = home / "mayEnd";
+    const fs::path ended = home / "ended";
+    RunningClone work("trap '[ -e " + ready.string() + " ] && sleep 0.1 && > " + ended.string() +
+                      " && exit' TERM");
+    resultOf(changes.stop(work.clone()));
+    ASSERT_TRUE(work.isRunning());
+    write(ready, "");
+    resultOf(changes.stop(work.clone(), CloneChanges::Force::afterAsking));
+    EXPECT_FALSE(work.isRunning());
+    EXPECT_TRUE(fs::exists(ended));
+}
+
 TEST_F(CloneChangesTest, WhatMayBeAnotherClonesIsLeftAloneAndSaid) {
     const InstanceRecord work = makeWebClone("Work");
     const auto used = lockHome(work.config);
