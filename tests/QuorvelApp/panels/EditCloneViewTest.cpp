@@ -196,8 +196,8 @@ TEST_F(EditCloneViewTest, ACloneThatIsGoneIsAnErrorAndNothingIsLost) {
     field(u"Website URL"_s)->setText(u"b.test"_s);
     fs::remove_all(record.bundleURL);
     button(u"Save"_s)->click();
-    expectFailure(
-        u"The clone at %1 is not there any more."_s.arg(QString::fromStdString(record.id())));
+    expectFailure(u"Couldn't save: The clone at %1 is not there any more."_s.arg(
+        QString::fromStdString(record.id())));
     EXPECT_EQ(cloneCount(), 0U) << "the list says so, too";
 }
 
@@ -207,8 +207,9 @@ TEST_F(EditCloneViewTest, ACloneThatWasChangedMeanwhileIsAnErrorAndNothingIsLost
     field(u"Website URL"_s)->setText(u"b.test"_s);
     (void)editClone(record.bundleURL, [](CloneSettings& s) { s.config.url = "c.test"; });
     button(u"Save"_s)->click();
-    expectFailure(u"“Work” has been changed meanwhile. Close this sheet and edit the clone again; "
-                  u"nothing was saved."_s);
+    expectFailure(
+        u"Couldn't save: “Work” has been changed meanwhile. Close this sheet and edit the "
+        u"clone again; nothing was saved."_s);
     EXPECT_EQ(configOf("Work").url, "c.test");
 }
 
@@ -219,8 +220,9 @@ TEST_F(EditCloneViewTest, ACloneThatCantBeWrittenKeepsTheSheet) {
     edit(record);
     field(u"Website URL"_s)->setText(u"b.test"_s);
     button(u"Save"_s)->click();
-    expectFailure(u"“Contents/Resources” in the clone is a symbolic link, so the clone can’t be "
-                  u"changed. Replace the link with what it leads to first."_s);
+    expectFailure(
+        u"Couldn't save: “Contents/Resources” in the clone is a symbolic link, so the clone "
+        u"can’t be changed. Replace the link with what it leads to first."_s);
     EXPECT_EQ(configOf("Work").url, "a.test");
 }
 
