@@ -19,6 +19,7 @@
 #include "Platform/desktop/ActivationError.h"
 #include "Platform/desktop/MenuEntry.h"
 #include "Presentation/AppTexts.h"
+#include "Presentation/ChangeTexts.h"
 
 #include <nlohmann/json.hpp>
 
@@ -233,7 +234,7 @@ void createCommand(const CommandContext& context, const CreateOptions& options, 
     const auto& [wrapper, record] = made.clone;
     repairMenu(context.registry.list());
     if (!record) {
-        throw CommandError("The clone at " + wrapper.string() + " can’t be read back.");
+        throw CommandError(unreadableText(wrapper));
     }
     if (!json) {
         context.output << shownPath(context, wrapper) << "\n" << std::flush;

@@ -6,6 +6,7 @@
 #include "CommandLine/CopyTexts.h"
 #include "LaunchKit/CloneDuplication.h"
 #include "LaunchKit/MenuEntries.h"
+#include "Presentation/ChangeTexts.h"
 
 #include <nlohmann/json.hpp>
 
@@ -47,7 +48,7 @@ void duplicateCommand(const CommandContext& context, const std::string& clone,
     bar.erase();
     repairMenu(context.registry.list());
     if (!made.clone.record) {
-        throw CommandError("The clone at " + made.clone.wrapper.string() + " can’t be read back.");
+        throw CommandError(unreadableText(made.clone.wrapper));
     }
     if (json) {
         nlohmann::json form = jsonForm(*made.clone.record, context.workspace.runningApplications());

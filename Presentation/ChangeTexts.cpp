@@ -21,6 +21,10 @@ std::vector<std::string> changeNotes(const ChangedClone& changed, bool isRunning
     return notes;
 }
 
+std::string unreadableText(const std::filesystem::path& clone, const Translate& translate) {
+    return filledIn(translate("Change", "The clone at %1 can’t be read back."), {clone.string()});
+}
+
 std::string reasonText(StaleReason reason, const Translate& translate) {
     switch (reason) {
     case StaleReason::runner:

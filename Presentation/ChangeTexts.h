@@ -4,6 +4,7 @@
 #include "LaunchKit/CloneRefresh.h"
 #include "Presentation/Translation.h"
 
+#include <filesystem>
 #include <string>
 #include <vector>
 
@@ -15,6 +16,10 @@ namespace quorvel {
 /// clone runs.
 [[nodiscard]] std::vector<std::string> changeNotes(const ChangedClone& changed, bool isRunning,
                                                    const Translate& translate = inEnglish);
+
+/// Returns the sentence that says that a new clone was made, but can't be read.
+[[nodiscard]] std::string unreadableText(const std::filesystem::path& clone,
+                                         const Translate& translate = inEnglish);
 
 /// Returns what a clone's refresh would bring, in words: "runner".
 [[nodiscard]] std::string reasonText(StaleReason reason, const Translate& translate = inEnglish);

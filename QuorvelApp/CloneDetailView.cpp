@@ -95,21 +95,21 @@ QWidget* CloneDetailView::makeHeader(IconLoader& icons) {
 }
 
 QWidget* CloneDetailView::makeActions() {
-    auto* actions = makeBand();
+    actions_ = makeBand();
     launch_ = makeButton(tr("&Launch"), ButtonLook::prominent, u"play.fill"_s);
     auto* reveal = makeButton(tr("&Reveal in Finder"), ButtonLook::standard, u"folder"_s);
     auto* remove = makeButton(tr("&Delete"), ButtonLook::standard, u"trash"_s);
     connect(launch_, &QPushButton::clicked, this, &CloneDetailView::launch);
     connect(reveal, &QPushButton::clicked, this, [this] { model_.reveal(*clone_); });
     connect(remove, &QPushButton::clicked, this, &CloneDetailView::confirmDelete);
-    auto* row = new QHBoxLayout(actions);
+    auto* row = new QHBoxLayout(actions_);
     row->setContentsMargins(0, 0, 0, 0);
     row->setSpacing(Spacing::normal);
     row->addWidget(launch_);
     row->addWidget(reveal);
     row->addStretch();
     row->addWidget(remove);
-    return actions;
+    return actions_;
 }
 
 void CloneDetailView::setClone(const InstanceRecord& clone) {
@@ -130,6 +130,28 @@ void CloneDetailView::setClone(const InstanceRecord& clone) {
                                       });
 }
 
+void CloneDetailView::setActivity(Activity activity) {
+    activity_ = activity;
+    setActionsEnabled(activity != Activity::renaming);
+    refreshRunning();
+}
+
+// What is disabled loses the focus, and gets it back unless something else has it by then.
+void CloneDetailView::setActionsEnabled(bool enabled) {
+    callout_->setEnabled(enabled);
+    if (enabled == actions_->isEnabled()) {
+        return;
+    }
+    QWidget* const focused = window()->focusWidget();
+    if (!enabled) {
+        focusBefore_ = actions_->isAncestorOf(focused) ? focused : nullptr;
+    }
+    actions_->setEnabled(enabled);
+    if (enabled && focusBefore_ && focused == nullptr) {
+        focusBefore_->setFocus();
+    }
+}
+
 void CloneDetailView::launch() {
     model_.launch(*clone_);
     showCallout();
@@ -145,7 +167,9 @@ void CloneDetailView::refreshRunning() {
     showCallout();
     const bool running = model_.isRunning(*clone_);
     dot_->setRunning(running);
-    status_->setText(running ? tr("Running") : tr("Not running"));
+    status_->setText(activity_ == Activity::stopping ? tr("Stopping…")
+                     : running                       ? tr("Running")
+                                                     : tr("Not running"));
     launch_->setText(running ? tr("Foc&us") : tr("&Launch"));
 }
 

@@ -3,6 +3,7 @@
 #include "QuorvelApp/AppModel.h"
 #include "QuorvelApp/Components.h"
 
+#include <QPointer>
 #include <QWidget>
 
 #include <memory>
@@ -30,6 +31,10 @@ public:
 
     /// Shows another clone, or another state of the same.
     void setClone(const InstanceRecord& clone);
+    /// What is being done with the clone.
+    enum class Activity { none, renaming, stopping };
+    /// Shows what is being done with the clone. While it is renamed, its actions are disabled.
+    void setActivity(Activity activity);
     /// Updates whether the clone is running, and whether its home offers a migration.
     void refreshRunning();
     /// Opens the clone, or brings it to the front.
@@ -40,6 +45,7 @@ public:
 private:
     [[nodiscard]] QWidget* makeHeader(IconLoader& icons);
     [[nodiscard]] QWidget* makeActions();
+    void setActionsEnabled(bool enabled);
     void showCallout();
     void setRows(const std::vector<Fact>& rows);
     /// Refreshes which clones run, since there is no signal for those started or ended elsewhere.
@@ -59,7 +65,10 @@ private:
     ElidedLabel* name_ = nullptr;
     StatusDot* dot_ = nullptr;
     QLabel* status_ = nullptr;
+    QWidget* actions_ = nullptr;
     QPushButton* launch_ = nullptr;
+    QPointer<QWidget> focusBefore_{}; ///< the action that was focused when they were disabled
+    Activity activity_ = Activity::none;
     MigrationCallout* callout_ = nullptr;
     QVBoxLayout* details_ = nullptr;
 };

@@ -50,6 +50,12 @@ void ContentView::connectCommands() {
     connect(commands_, &CloneCommands::editRequested, clonePanels_, &ClonePanels::edit);
     connect(commands_, &CloneCommands::duplicateRequested, clonePanels_, &ClonePanels::duplicate);
     connect(clonePanels_, &ClonePanels::duplicated, sidebar_, &Sidebar::select);
+    connect(clonePanels_, &ClonePanels::openChanged, this, [this] {
+        blockCommands();
+        if (!clonePanels_->isOpen()) {
+            takeRequest();
+        }
+    });
     connect(commands_, &CloneCommands::openRequested, this, [this] { detail().launch(); });
     connect(commands_, &CloneCommands::deletionRequested, this,
             [this] { detail().confirmDelete(); });
@@ -70,10 +76,12 @@ void ContentView::connectChanges() {
                 changes_.rename(clone, name);
             });
     connect(&changes_, &CloneChanges::renamed, sidebar_, &Sidebar::follow);
+    connect(&changes_, &CloneChanges::activityChanged, this, &ContentView::showActivity);
 }
 
 void ContentView::blockCommands() {
-    commands_->setBlocked(Sheet::isShownOver(this) || sidebar_->isEditing());
+    commands_->setBlocked(Sheet::isShownOver(this) || sidebar_->isEditing() ||
+                          clonePanels_->isOpen());
 }
 
 bool ContentView::event(QEvent* event) {
@@ -132,12 +140,23 @@ void ContentView::showSelection() {
     const InstanceRecord* clone = selection ? model_.clone(*selection) : nullptr;
     if (clone != nullptr) {
         detail().setClone(*clone);
+        showActivity();
     } else {
         placeholderText_->setText(model_.clones().empty()
                                       ? tr("Create your first clone to get started.")
                                       : tr("Select a clone to manage it."));
     }
     detailStates_->setCurrentIndex(clone != nullptr ? 1 : 0);
+}
+
+void ContentView::showActivity() {
+    using Activity = CloneDetailView::Activity;
+    const auto& selection = sidebar_->selection();
+    if (const InstanceRecord* clone = selection ? model_.clone(*selection) : nullptr) {
+        detail().setActivity(changes_.isRenaming(*clone)   ? Activity::renaming
+                             : changes_.isStopping(*clone) ? Activity::stopping
+                                                           : Activity::none);
+    }
 }
 
 // Created at the first selection, so that the window opens sooner.
@@ -150,7 +169,7 @@ CloneDetailView& ContentView::detail() {
 }
 
 void ContentView::showNewClone() {
-    if (newClone_.isNull() && !clonePanels_->isOpen()) {
+    if (!clonePanels_->isOpen() && !Sheet::isShownOver(this, Sheet::Place::top)) {
         auto* view = new NewCloneView(model_, icons_, panels_);
         connect(&view->session(), &NewCloneSession::copyBegan, this,
                 [this](BackgroundCopy* copy) { showCopySheet(*copy, this); });
@@ -160,7 +179,8 @@ void ContentView::showNewClone() {
 }
 
 void ContentView::takeRequest() {
-    if (model_.startNewCloneRequested()) {
+    // While a clone is read, its sheet comes first.
+    if (model_.startNewCloneRequested() && !clonePanels_->isReading()) {
         showNewClone();
         model_.setStartNewCloneRequested(false);
     }

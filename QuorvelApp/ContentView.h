@@ -31,7 +31,7 @@ public:
     ContentView(AppModel& model, IconLoader& icons, FilePanels panels = systemFilePanels(),
                 QWidget* parent = nullptr);
 
-    /// Opens the new-clone sheet, unless it is open.
+    /// Opens the new-clone sheet, unless it or another one at the top is open.
     void showNewClone();
     [[nodiscard]] bool showingNewClone() const { return !newClone_.isNull(); }
     [[nodiscard]] Sidebar& sidebar() const { return *sidebar_; }
@@ -52,6 +52,7 @@ private:
     void connectChanges();
     void blockCommands();
     void showSelection();
+    void showActivity();
     void takeRequest();
 
     AppModel& model_;

@@ -2,6 +2,7 @@
 
 #include "LaunchKit/HomeLock.h"
 #include "QuorvelApp/AppModel.h"
+#include "QuorvelApp/theme/Shortcuts.h"
 
 #include <QMenu>
 
@@ -24,7 +25,7 @@ CloneCommands::CloneCommands(AppModel& model, CloneChanges& changes, QObject* pa
     edit_.setShortcut(Qt::CTRL | Qt::Key_E);
     rename_.setShortcut(Qt::Key_F2);
     duplicate_.setShortcut(Qt::CTRL | Qt::Key_D);
-    remove_.setShortcut(QKeySequence::Delete);
+    remove_.setShortcuts(deletionKeys());
     remove_.setShortcutContext(Qt::WidgetShortcut); // elsewhere, the key may mean something else
     prepare(open_, &CloneCommands::openRequested);
     prepare(edit_, &CloneCommands::editRequested);
@@ -89,6 +90,9 @@ void CloneCommands::addGeneralTo(QMenu& menu) {
 void CloneCommands::refresh() {
     const bool isFree = !blocked_ && !changes_.isRefreshing();
     const InstanceRecord* clone = id_ && isFree ? model_.clone(*id_) : nullptr;
+    if (clone != nullptr && changes_.isRenaming(*clone)) {
+        clone = nullptr; // until it has its new identity
+    }
     for (QAction* action :
          {&open_, &edit_, &rename_, &duplicate_, &refreshWrapper_, &reveal_, &remove_}) {
         action->setEnabled(clone != nullptr);

@@ -5,6 +5,7 @@
 #include "QuorvelApp/model/DisplayText.h"
 #include "QuorvelApp/theme/Theme.h"
 #include "QuorvelApp/widgets/CrispPixmap.h"
+#include "QuorvelApp/widgets/Sheet.h"
 
 #include <QAbstractItemView>
 #include <QFontMetrics>
@@ -36,6 +37,15 @@ void drawText(QPainter* painter, const QRect& rect, const QString& text, TextSty
 bool isTemporary(const QFocusEvent& event) {
     return event.reason() == Qt::ActiveWindowFocusReason ||
            event.reason() == Qt::PopupFocusReason || event.reason() == Qt::MenuBarFocusReason;
+}
+
+// A sheet gives the focus back when it ends.
+bool isBelowSheet(const QWidget* widget) {
+    const QWidget* parent = widget->parentWidget();
+    while (parent != nullptr && !Sheet::isShownOver(parent)) {
+        parent = parent->parentWidget();
+    }
+    return parent != nullptr;
 }
 
 bool isElided(const QString& text, TextStyle style, int width) {
@@ -139,14 +149,14 @@ void CloneRow::setEditorData(QWidget* editor, const QModelIndex& index) const {
     auto* field = static_cast<QLineEdit*>(editor);
     // The list may change meanwhile, which must not undo what was typed.
     if (!field->isModified()) {
-        field->setText(index.data(CloneListModel::NameRole).toString());
+        field->setText(index.data(Qt::EditRole).toString());
         field->selectAll();
     }
 }
 
 void CloneRow::setModelData(QWidget* editor, QAbstractItemModel*, const QModelIndex& index) const {
     const QString name = static_cast<QLineEdit*>(editor)->text();
-    if (!name.trimmed().isEmpty() && name != index.data(CloneListModel::NameRole).toString()) {
+    if (!name.trimmed().isEmpty() && name != index.data(Qt::EditRole).toString()) {
         Q_EMIT nameEntered(index.data(CloneListModel::IdRole).toString(), name);
     }
 }
@@ -161,7 +171,7 @@ void CloneRow::updateEditorGeometry(QWidget* editor, const QStyleOptionViewItem&
 bool CloneRow::eventFilter(QObject* watched, QEvent* event) {
     auto* editor = qobject_cast<QLineEdit*>(watched);
     if (editor != nullptr && event->type() == QEvent::FocusOut &&
-        isTemporary(*static_cast<QFocusEvent*>(event))) {
+        (isTemporary(*static_cast<QFocusEvent*>(event)) || isBelowSheet(editor))) {
         return false;
     }
     if (editor != nullptr && event->type() == QEvent::KeyPress) {

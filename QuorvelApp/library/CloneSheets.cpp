@@ -38,15 +38,22 @@ CloneSheets::CloneSheets(AppModel& model, CloneChanges& changes, QWidget* window
     });
 }
 
+CloneSheets::~CloneSheets() {
+    if (const auto progress = refresh_.lock()) {
+        progress->isCancelled = true;
+    }
+}
+
 void CloneSheets::showLog(const InstanceRecord& clone) {
     new Sheet(new LogPanel(model_, clone), window_, Sheet::Place::top, LogPanel::idealSize);
 }
 
 void CloneSheets::refresh(const std::vector<InstanceRecord>& clones) {
     auto progress = std::make_shared<ChangeProgress>();
+    refresh_ = progress;
     changes_.refresh(clones, progress);
     QTimer::singleShot(noticeable, this, [this, total = static_cast<int>(clones.size()), progress] {
-        if (changes_.isRefreshing() && !progress_) {
+        if (changes_.isRefreshing() && refresh_.lock() == progress && !progress_) {
             showProgress(total, progress);
         }
     });

@@ -23,6 +23,8 @@ class CloneSheets : public QObject {
 public:
     /// Shows over `window`, which owns it. The others must outlive it.
     CloneSheets(AppModel& model, CloneChanges& changes, QWidget* window);
+    /// Cancels a refresh under way after the clone at hand.
+    ~CloneSheets() override;
 
     /// Shows the clone's log until the user closes it.
     void showLog(const InstanceRecord& clone);
@@ -36,6 +38,7 @@ private:
     AppModel& model_;
     CloneChanges& changes_;
     QWidget* window_;
+    std::weak_ptr<ChangeProgress> refresh_{}; ///< the latest one
     QPointer<ProgressSheet> progress_{};
 };
 

@@ -81,6 +81,10 @@ QWidget* LogPanel::makeButtons(AppModel& model) {
 }
 
 void LogPanel::append(const QString& text) {
+    if (text_->blockCount() + text.count(u'\n') > mostLines) {
+        note_->setText(tr("The oldest lines are left out."));
+        note_->show();
+    }
     QScrollBar* bar = text_->verticalScrollBar();
     const bool atEnd = bar->value() == bar->maximum();
     // Stays with its line even if lines before it go.

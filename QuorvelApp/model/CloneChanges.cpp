@@ -9,10 +9,17 @@
 #include "QuorvelApp/model/Translated.h"
 
 #include <algorithm>
+#include <chrono>
 #include <functional>
 
 namespace quorvel {
+
+using namespace std::chrono_literals;
+
 namespace {
+
+// Before force is used. The user has seen that asking politely takes long.
+constexpr std::chrono::milliseconds lastPatience = 2s;
 
 // What a worker thread needs to bring the menu into line afterwards.
 struct MenuUpdate {
@@ -61,6 +68,8 @@ std::string identityAfter(const InstanceRecord& old, const InstanceRecord& now) 
 CloneChanges::CloneChanges(AppModel& model, QObject* parent) : QObject(parent), model_(model) {}
 
 QFuture<void> CloneChanges::rename(const InstanceRecord& clone, const std::string& name) {
+    renaming_.insert(clone.id());
+    Q_EMIT activityChanged();
     return model_.services().tasks->detached(
         TaskPriority::userInitiated, this,
         capturingErrors([clone, name, updateMenu = MenuUpdate(model_.services())] {
@@ -72,7 +81,9 @@ QFuture<void> CloneChanges::rename(const InstanceRecord& clone, const std::strin
 }
 
 void CloneChanges::renameDone(const InstanceRecord& clone, const Outcome<ChangedClone>& outcome) {
+    renaming_.erase(clone.id());
     model_.reload();
+    Q_EMIT activityChanged();
     if (!outcome.result) {
         model_.setLastError(sentence(tr("Couldn't rename: %1"), {outcome.failure}));
         return;
@@ -119,8 +130,8 @@ QFuture<void> CloneChanges::stop(const InstanceRecord& clone, Force force) {
     const AppServices& services = model_.services();
     StopOptions options{.patience = services.stopPatience};
     if (force == Force::afterAsking) {
-        // It was asked before, and had its time.
-        options = {.patience = std::chrono::milliseconds(0),
+        // What runs by now may not have been asked yet.
+        options = {.patience = std::min(services.stopPatience, lastPatience),
                    .mayForce = [](std::size_t) { return true; }};
     }
     return services.tasks->detached(TaskPriority::userInitiated, this,
@@ -148,6 +159,10 @@ void CloneChanges::stopDone(const InstanceRecord& clone, Force force,
     } else if (outcome.result->outcome == Case::running) {
         model_.setLastError(stillRunningText(name, outcome.result->left, translated));
     }
+}
+
+bool CloneChanges::isRenaming(const InstanceRecord& clone) const {
+    return renaming_.contains(clone.id());
 }
 
 bool CloneChanges::isStopping(const InstanceRecord& clone) const {

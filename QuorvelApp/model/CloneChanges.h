@@ -26,8 +26,9 @@ struct ChangeProgress {
     std::atomic<bool> isCancelled = false;
 };
 
-/// Changes and stops clones that exist, in the background, and lists them again afterwards. What
-/// the user should know becomes the model's `lastError` or `statusMessage`. Main thread only.
+/// Changes and stops clones that exist, in the background, and lists them again after a change.
+/// What the user should know becomes the model's `lastError` or `statusMessage`; whether to use
+/// force is asked by `stillRunning`. Main thread only.
 class CloneChanges : public QObject {
     Q_OBJECT
 
@@ -37,6 +38,8 @@ public:
 
     /// Gives the clone another name; its data stays where it is.
     QFuture<void> rename(const InstanceRecord& clone, const std::string& name);
+    /// Returns whether the clone is being renamed.
+    [[nodiscard]] bool isRenaming(const InstanceRecord& clone) const;
 
     /// Brings these clones up to date, one after the other, until `progress` is cancelled. A
     /// failure of one does not keep it from the others.
@@ -47,8 +50,8 @@ public:
 
     /// How a clone is asked to end.
     enum class Force { never, afterAsking };
-    /// Ends everything that the clone runs. Asks first, and for as long as `AppServices` say, or
-    /// with force not for long.
+    /// Ends everything that the clone runs: asks it to, then waits for as long as `AppServices`
+    /// say. With force it waits a shorter time, then kills what is left.
     QFuture<void> stop(const InstanceRecord& clone, Force force = Force::never);
     /// Returns whether the clone is being stopped.
     [[nodiscard]] bool isStopping(const InstanceRecord& clone) const;
@@ -58,7 +61,7 @@ Q_SIGNALS:
     void renamed(const std::string& from, const std::string& to);
     /// That many processes of a clone go on although they were asked to end.
     void stillRunning(const quorvel::InstanceRecord& clone, std::size_t left);
-    /// `isRefreshing` or `isStopping` has changed.
+    /// `isRefreshing`, `isRenaming` or `isStopping` has changed.
     void activityChanged();
 
 private:
@@ -68,6 +71,7 @@ private:
 
     AppModel& model_;
     int refreshing_ = 0;
+    std::set<std::string> renaming_{}; ///< identities
     std::set<std::string> stopping_{}; ///< identities
 };
 

@@ -138,6 +138,8 @@ QVariant CloneListModel::data(const QModelIndex& index, int role) const {
     switch (role) {
     case NameRole:
         return displayLine(record.config.displayName);
+    case Qt::EditRole: // as it is, since what is shown differently must not be written back
+        return qtText(record.config.displayName);
     case SummaryRole:
         return displayLine(sourceSummary(record.config));
     case RunningRole:

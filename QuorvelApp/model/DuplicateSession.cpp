@@ -5,8 +5,9 @@
 #include "LaunchKit/DataSize.h"
 #include "Platform/files/FileSystem.h"
 #include "Platform/files/UserPaths.h"
+#include "Presentation/ChangeTexts.h"
 #include "Presentation/CloneNaming.h"
-#include "Presentation/CopyTexts.h"
+#include "Presentation/JoinedText.h"
 #include "QuorvelApp/model/CopyResult.h"
 #include "QuorvelApp/model/Translated.h"
 
@@ -86,28 +87,14 @@ void DuplicateSession::duplicate() {
     }
     const auto work = [wrapper = original_.bundleURL, name = name_, withData = withData_,
                        registry = model_.registry(), control] {
-        const auto original = registry.record(wrapper); // as it is now
-        if (!original) {
-            throw Error("The clone at " + wrapper.string() + " is not there any more.");
-        }
-        Made made;
-        made.clone = duplicateClone(
-            WrapperFactory(), registry, *original,
-            {.name = name,
-             .withData = withData,
-             .copy = control->options(),
-             .warn = [&](const std::string& text) { made.warnings.push_back(text); }});
-        if (!made.clone.clone.record) {
-            throw Error("The clone at " + made.clone.clone.wrapper.string() +
-                        " can’t be read back.");
-        }
-        return made;
+        return make(registry, wrapper,
+                    {.name = name, .withData = withData, .copy = control->options()});
     };
     // The outcome is reported even if the panel is gone, unless that has cancelled the copy.
     model_.services().tasks->detached(
         TaskPriority::userInitiated, &model_, capturingErrors(work),
-        [self = QPointer(this), &model = model_, control](const Outcome<Made>& outcome) {
-            report(model, outcome, control->cancelled());
+        [self = QPointer(this), &model = model_](const Outcome<Made>& outcome) {
+            report(model, outcome);
             if (self) {
                 self->ended(outcome);
             }
@@ -118,21 +105,39 @@ void DuplicateSession::duplicate() {
     }
 }
 
-void DuplicateSession::report(AppModel& model, const Outcome<Made>& outcome, bool isCancelled) {
+DuplicateSession::Made DuplicateSession::make(const InstanceRegistry& registry,
+                                              const std::filesystem::path& wrapper,
+                                              DuplicationOptions options) {
+    const auto original = registry.record(wrapper);
+    if (!original) {
+        throw Error(sentence(tr("The clone at %1 is not there any more."), {wrapper.string()}));
+    }
+    Made made;
+    options.warn = [&](const std::string& text) { made.warnings.push_back(text); };
+    try {
+        made.clone = duplicateClone(WrapperFactory(), registry, *original, options);
+    } catch (const CopyCancelled&) {
+        made.isCancelled = true;
+        return made;
+    }
+    if (!made.clone.clone.record) {
+        throw Error(unreadableText(made.clone.clone.wrapper, translated));
+    }
+    return made;
+}
+
+void DuplicateSession::report(AppModel& model, const Outcome<Made>& outcome) {
+    model.reload();
     if (!outcome.result) {
-        if (!isCancelled) {
-            model.reload();
-            model.setLastError(outcome.failure);
-        }
+        model.setLastError(sentence(tr("Couldn't duplicate: %1"), {outcome.failure}));
         return;
     }
-    model.reload();
-    const auto& [made, warnings] = *outcome.result;
+    const auto& [made, warnings, isCancelled] = *outcome.result;
     if (made.data) {
         model.setStatusMessage(copyResult(*made.data, made.findings));
     }
-    if (!warnings.empty()) {
-        model.setLastError(warnings.front());
+    if (!warnings.empty() && !isCancelled) {
+        model.setLastError(joined(warnings, "\n"));
     }
 }
 
@@ -140,7 +145,7 @@ void DuplicateSession::ended(const Outcome<Made>& outcome) {
     copy_.reset();
     isWorking_ = false;
     Q_EMIT changed();
-    if (outcome.result) {
+    if (outcome.result && !outcome.result->isCancelled) {
         Q_EMIT duplicated(outcome.result->clone.clone.wrapper.string());
     }
 }

@@ -57,9 +57,13 @@ private:
     struct Made {
         DuplicatedClone clone{};
         std::vector<std::string> warnings{};
+        bool isCancelled = false; ///< nothing was made
     };
 
-    static void report(AppModel& model, const Outcome<Made>& outcome, bool isCancelled);
+    /// Makes the duplicate of the clone in `wrapper`, as it is now. Any thread.
+    static Made make(const InstanceRegistry& registry, const std::filesystem::path& wrapper,
+                     DuplicationOptions options);
+    static void report(AppModel& model, const Outcome<Made>& outcome);
     void findSize();
     void ended(const Outcome<Made>& outcome);
 

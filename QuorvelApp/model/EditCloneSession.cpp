@@ -15,7 +15,7 @@ namespace {
 void report(AppModel& model, const Outcome<ChangedClone>& outcome) {
     model.reload();
     if (!outcome.result) {
-        model.setLastError(outcome.failure);
+        model.setLastError(sentence(EditCloneSession::tr("Couldn't save: %1"), {outcome.failure}));
         return;
     }
     const ChangedClone& changed = *outcome.result;

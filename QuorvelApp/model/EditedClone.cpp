@@ -8,6 +8,8 @@
 #include "QuorvelApp/model/FormTexts.h"
 #include "QuorvelApp/model/Translated.h"
 
+#include <QCoreApplication>
+
 #include <utility>
 
 namespace quorvel {
@@ -225,10 +227,10 @@ ChangedClone EditedClone::save(const std::vector<CloneEdit>& edits) const {
     return editClone(wrapper, [&](CloneSettings& now) {
         if (now.config.json() != settings.config.json() || now.hidesIcon != settings.hidesIcon ||
             now.arguments != settings.arguments) {
-            throw Error(filledIn(
-                translated("EditedClone",
-                           "“%1” has been changed meanwhile. Close this sheet and edit the clone "
-                           "again; nothing was saved."),
+            throw Error(sentence(
+                QCoreApplication::translate("EditedClone",
+                                            "“%1” has been changed meanwhile. Close this sheet and "
+                                            "edit the clone again; nothing was saved."),
                 {settings.config.displayName}));
         }
         for (const CloneEdit& edit : edits) {

@@ -1,6 +1,7 @@
 #include "QuorvelApp/model/NewCloneSession.h"
 
 #include "LaunchKit/InstanceRecord.h"
+#include "Presentation/CopyTexts.h"
 #include "QuorvelApp/model/CopyResult.h"
 #include "QuorvelApp/model/SeededCreation.h"
 #include "QuorvelApp/model/Translated.h"
@@ -9,6 +10,33 @@
 #include <QPointer>
 
 namespace quorvel {
+namespace {
+
+// Returns whether the clone was created. With data that only the keyring decrypts it is not
+// launched, since it may lose that.
+bool report(AppModel& model, const QFuture<InstanceRecord>& outcome, const CopiedSeed* seed,
+            bool launchAfter) {
+    std::optional<InstanceRecord> clone;
+    std::optional<std::string> failure;
+    try {
+        clone = outcome.result();
+    } catch (const CopyCancelled&) {
+        return false; // as the user knows
+    } catch (const std::exception& error) {
+        failure = error.what();
+    }
+    if (failure) {
+        model.setLastError(failure);
+    } else if (seed != nullptr) {
+        model.setStatusMessage(copyResult(seed->data, seed->findings));
+        if (launchAfter && keyringSentence(seed->findings).empty()) {
+            model.launch(*clone);
+        }
+    }
+    return !failure;
+}
+
+} // namespace
 
 NewCloneSession::NewCloneSession(AppModel& model, FilePanels panels, QObject* parent)
     : QObject(parent),
@@ -98,25 +126,15 @@ void NewCloneSession::create() {
     edit([](NewCloneForm& form) { form.creating = true; });
     // The outcome is reported even if the sheet has been closed meanwhile, unless that has
     // cancelled the copy.
-    model_.createClone(form_.makeRequest(), form_.launchAfter, make)
-        .then(&model_,
-              [&model = model_, self = QPointer(this), icons = siteFolders_, seed,
-               copy = copy_ ? copy_->control() : nullptr](const QFuture<InstanceRecord>& outcome) {
-                  std::optional<std::string> failure;
-                  try {
-                      (void)outcome.result();
-                  } catch (const std::exception& error) {
-                      failure = error.what();
-                  }
-                  if (failure && !(copy && copy->cancelled())) {
-                      model.setLastError(failure);
-                  } else if (!failure && seed) {
-                      model.setStatusMessage(copyResult(seed->data, seed->findings));
-                  }
-                  if (self) {
-                      self->creationEnded(!failure);
-                  }
-              });
+    const bool launchAfter = form_.launchAfter;
+    model_.createClone(form_.makeRequest(), launchAfter && !seed, make)
+        .then(&model_, [&model = model_, self = QPointer(this), icons = siteFolders_, seed,
+                        launchAfter](const QFuture<InstanceRecord>& outcome) {
+            const bool isCreated = report(model, outcome, seed.get(), launchAfter);
+            if (self) {
+                self->creationEnded(isCreated);
+            }
+        });
     if (copy_) {
         Q_EMIT copyBegan(copy_.get());
     }

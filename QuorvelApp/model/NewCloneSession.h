@@ -43,7 +43,9 @@ public:
     void clearIcon();
     /// Makes the app the target, and requests the proposal for it.
     void select(const InstalledApp& app);
-    /// Creates the clone. Ends with `created`, or with the model's `lastError`.
+    /// Creates the clone. Ends with `created`, or with the model's `lastError`; or with neither if
+    /// the copy of the original's data is cancelled. What came of the copy becomes the model's
+    /// `statusMessage`.
     void create();
     /// Detects the selected app's strategy.
     void detect();

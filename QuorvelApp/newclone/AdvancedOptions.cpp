@@ -134,7 +134,7 @@ QWidget* AdvancedOptions::makeDataLocation() {
 
 // Only where it is known what of the original's data a clone could start with.
 void AdvancedOptions::addSeed() {
-    auto* box = new WrappingCheckBox(tr("Start with the original’s data"));
+    auto* box = new WrappingCheckBox(tr("Start with the original's data"));
     bindField(session_, box->box(), &NewCloneForm::seed);
     const auto show = [this, box] {
         box->setVisible(session_.form().canSeed &&

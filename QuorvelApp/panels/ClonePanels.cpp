@@ -24,6 +24,7 @@ void ClonePanels::edit(const InstanceRecord& clone) {
         return;
     }
     isReading_ = true;
+    Q_EMIT openChanged();
     model_.services().tasks->detached(
         TaskPriority::userInitiated, this,
         capturingErrors([wrapper = clone.bundleURL] { return EditedClone::read(wrapper); }),
@@ -32,6 +33,7 @@ void ClonePanels::edit(const InstanceRecord& clone) {
             if (outcome.result) {
                 showEditor(*outcome.result);
             } else {
+                Q_EMIT openChanged();
                 model_.reload();
                 model_.setLastError(outcome.failure);
             }
@@ -55,7 +57,10 @@ void ClonePanels::duplicate(const InstanceRecord& clone) {
 
 void ClonePanels::show(QDialog* dialog, QSize ideal) {
     sheet_ = new Sheet(dialog, window_, Sheet::Place::top, ideal);
-    connect(dialog, &QDialog::finished, this, [this] { sheet_.clear(); });
+    connect(dialog, &QDialog::finished, this, [this] {
+        sheet_.clear();
+        Q_EMIT openChanged();
+    });
 }
 
 } // namespace quorvel

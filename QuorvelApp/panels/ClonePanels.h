@@ -25,6 +25,8 @@ public:
 
     /// Returns whether one of the sheets shows, or is about to.
     [[nodiscard]] bool isOpen() const { return isReading_ || !sheet_.isNull(); }
+    /// Returns whether a clone is being read, whose sheet then shows.
+    [[nodiscard]] bool isReading() const { return isReading_; }
 
     /// Opens the sheet that edits the clone, once that is read. A failure becomes the model's
     /// `lastError`.
@@ -33,6 +35,8 @@ public:
     void duplicate(const InstanceRecord& clone);
 
 Q_SIGNALS:
+    /// `isOpen` may have changed.
+    void openChanged();
     /// A duplicate was made, which has this identity.
     void duplicated(const std::string& id);
 

@@ -32,11 +32,12 @@ DuplicateView::DuplicateView(AppModel& model, IconLoader& icons, const InstanceR
     column->addWidget(makeDataBox());
     column->addStretch();
     column->addWidget(footer);
-    connect(footer, &SheetFooter::cancelled, this, &QDialog::reject);
+    connect(footer, &SheetFooter::cancelled, this, &DuplicateView::reject);
     connect(footer, &SheetFooter::confirmed, &session_, &DuplicateSession::duplicate);
     connect(&session_, &DuplicateSession::duplicated, this, &QDialog::accept);
     const auto refresh = [this, footer] {
         footer->setState(session_.canDuplicate(), session_.isWorking());
+        footer->setCancellable(!session_.isWorking());
     };
     connect(&session_, &DuplicateSession::changed, footer, refresh);
     refresh();
@@ -105,6 +106,12 @@ QWidget* DuplicateView::makeDataBox() {
                              "Otherwise the duplicate starts with an empty data folder."),
                           TextStyle::caption, Ink::secondary));
     return section;
+}
+
+void DuplicateView::reject() {
+    if (!session_.isWorking()) {
+        QDialog::reject();
+    }
 }
 
 void DuplicateView::showEvent(QShowEvent* event) {

@@ -20,6 +20,9 @@ public:
     /// Returns the panel's session, which lives as long as the panel.
     [[nodiscard]] DuplicateSession& session() { return session_; }
 
+    /// Does nothing while the duplicate is being made; a copy of data has a panel that cancels it.
+    void reject() override;
+
 protected:
     /// Focuses the name and selects it.
     void showEvent(QShowEvent* event) override;

@@ -34,11 +34,12 @@ EditCloneView::EditCloneView(AppModel& model, IconLoader& icons, FilePanels pane
     column->addWidget(new SheetPanes(session_, icons, this), 1);
     column->addWidget(makeDivider(Qt::Horizontal));
     column->addWidget(footer);
-    connect(footer, &SheetFooter::cancelled, this, &QDialog::reject);
+    connect(footer, &SheetFooter::cancelled, this, &EditCloneView::reject);
     connect(footer, &SheetFooter::confirmed, &session_, &EditCloneSession::save);
     connect(&session_, &EditCloneSession::saved, this, &QDialog::accept);
     const auto refresh = [this, footer] {
         footer->setState(session_.canSave(), session_.form().creating);
+        footer->setCancellable(!session_.form().creating);
     };
     connect(&session_, &NewCloneSession::changed, footer, refresh);
     refresh();
@@ -60,6 +61,12 @@ QWidget* EditCloneView::makeHeader() {
     column->addWidget(makeLabel(tr("Its data, its accounts and what it was allowed to do stay."),
                                 TextStyle::callout, Ink::secondary));
     return header;
+}
+
+void EditCloneView::reject() {
+    if (!session_.form().creating) {
+        QDialog::reject();
+    }
 }
 
 void EditCloneView::showEvent(QShowEvent* event) {

@@ -18,6 +18,9 @@ public:
     /// Returns the sheet's session, which lives as long as the sheet.
     [[nodiscard]] EditCloneSession& session() { return session_; }
 
+    /// Does nothing while the clone is being saved, which can't be cancelled.
+    void reject() override;
+
 protected:
     /// Focuses the first field that can be edited.
     void showEvent(QShowEvent* event) override;

@@ -56,6 +56,12 @@ bool Sheet::isShownOver(const QWidget* window) {
     return !sheetsOver(window).isEmpty();
 }
 
+bool Sheet::isShownOver(const QWidget* window, Place place) {
+    const QList<Sheet*> sheets = sheetsOver(window);
+    return std::any_of(sheets.begin(), sheets.end(),
+                       [place](const Sheet* sheet) { return sheet->place_ == place; });
+}
+
 QEvent::Type Sheet::changeEvent() {
     static const int type = QEvent::registerEventType();
     return static_cast<QEvent::Type>(type);

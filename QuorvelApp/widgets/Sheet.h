@@ -26,6 +26,8 @@ public:
 
     /// Returns whether a sheet shows over `window`.
     [[nodiscard]] static bool isShownOver(const QWidget* window);
+    /// Returns whether a sheet shows at that place over `window`.
+    [[nodiscard]] static bool isShownOver(const QWidget* window, Place place);
     /// The type of the event that a window gets when a sheet over it appears or ends.
     [[nodiscard]] static QEvent::Type changeEvent();
 

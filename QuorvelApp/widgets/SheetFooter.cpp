@@ -12,10 +12,10 @@ namespace quorvel {
 SheetFooter::SheetFooter(const QString& action, const QString& working)
     : action_(action),
       working_(working),
+      cancel_(makeButton(tr("Cancel"), ButtonLook::standard)),
       button_(makeButton(working, ButtonLook::prominent)),
       spinner_(new Spinner(14, Ink::secondary, button_)) {
-    auto* cancel = makeButton(tr("Cancel"), ButtonLook::standard);
-    connect(cancel, &QPushButton::clicked, this, &SheetFooter::cancelled);
+    connect(cancel_, &QPushButton::clicked, this, &SheetFooter::cancelled);
     makeDefault(button_);
     connect(button_, &QPushButton::clicked, this, &SheetFooter::confirmed);
     // For either of its texts, the longer one with the spinner before it.
@@ -28,7 +28,7 @@ SheetFooter::SheetFooter(const QString& action, const QString& working)
     row->setContentsMargins(20, 14, 20, 14);
     row->setSpacing(8);
     row->addStretch();
-    row->addWidget(cancel);
+    row->addWidget(cancel_);
     row->addWidget(button_);
 }
 
@@ -37,6 +37,10 @@ void SheetFooter::setState(bool isEnabled, bool isWorking) {
     button_->setEnabled(isEnabled);
     spinner_->setVisible(isWorking);
     placeSpinner();
+}
+
+void SheetFooter::setCancellable(bool isCancellable) {
+    cancel_->setEnabled(isCancellable);
 }
 
 // Places it beside the text, which is centred in the button.

@@ -20,6 +20,8 @@ public:
 
     /// Shows whether the action is possible now, and whether it is under way.
     void setState(bool isEnabled, bool isWorking);
+    /// Enables or disables "Cancel", which is enabled at first.
+    void setCancellable(bool isCancellable);
 
 Q_SIGNALS:
     void cancelled();
@@ -30,6 +32,7 @@ private:
 
     QString action_;
     QString working_;
+    QPushButton* cancel_;
     QPushButton* button_;
     Spinner* spinner_;
 };

@@ -3,6 +3,9 @@
 #include "LaunchKit/HomeLock.h"
 #include "LaunchKit/InstanceConfig.h"
 #include "QuorvelApp/library/CloneList.h"
+#include "QuorvelApp/panels/DuplicateView.h"
+#include "QuorvelApp/panels/EditCloneView.h"
+#include "QuorvelApp/theme/Shortcuts.h"
 #include "QuorvelApp/widgets/MessageSheet.h"
 #include "tests/QuorvelApp/WindowFixture.h"
 
@@ -52,6 +55,15 @@ protected:
         QObject::connect(&commands, &CloneCommands::editRequested, window.get(), note("edit"));
         QObject::connect(&commands, &CloneCommands::duplicateRequested, window.get(),
                          note("duplicate"));
+    }
+
+    // Closes that panel once it is there.
+    template<typename Panel>
+    void closePanel() {
+        const auto panel = [this] { return window->findChild<Panel*>(); };
+        ASSERT_TRUE(eventually([&] { return panel() != nullptr; }));
+        QTest::keyClick(panel(), Qt::Key_Escape);
+        ASSERT_TRUE(eventually([&] { return panel() == nullptr; }));
     }
 
     void openMenuBy(QContextMenuEvent::Reason reason, QPoint place) {
@@ -135,7 +147,9 @@ TEST_F(CloneCommandsTest, HaveTheirKeysInTheWholeWindowButNotInFields) {
         asked.clear();
         place->setFocus();
         QTest::keyClick(place, Qt::Key_E, Qt::ControlModifier);
+        closePanel<EditCloneView>();
         QTest::keyClick(place, Qt::Key_D, Qt::ControlModifier);
+        closePanel<DuplicateView>();
         EXPECT_THAT(asked, ElementsAre("edit Work", "duplicate Work"));
     }
     asked.clear();
@@ -169,6 +183,15 @@ TEST_F(CloneCommandsTest, DeleteAsksInTheListAndNowhereElse) {
     EXPECT_TRUE(list()->hasFocus());
 }
 
+TEST_F(CloneCommandsTest, DeleteHasTheKeysOfItsSystem) {
+    open();
+    EXPECT_EQ(command(u"Delete…"_s)->shortcuts(), deletionKeys());
+    EXPECT_THAT(deletionKeys(QOperatingSystemVersion::Unknown),
+                ElementsAre(QKeySequence(Qt::Key_Delete)));
+    EXPECT_THAT(deletionKeys(QOperatingSystemVersion::MacOS),
+                ElementsAre(QKeySequence(Qt::Key_Delete), QKeySequence(Qt::Key_Backspace)));
+}
+
 TEST_F(CloneCommandsTest, ADoubleClickAndReturnOpenTheClone) {
     const InstanceRecord work = addClone("Work");
     open();
@@ -197,14 +220,14 @@ TEST_F(CloneCommandsTest, TheContextMenuActsOnTheRowBelowTheMouse) {
     openMenuBy(QContextMenuEvent::Mouse, middleOf(u"Work"_s));
     EXPECT_TRUE(contextMenu()->isVisible());
     EXPECT_EQ(window->content().sidebar().selection(), work.id());
-    command(u"Edit…"_s)->trigger();
-    EXPECT_THAT(asked, ElementsAre("edit Work"));
     command(u"Reveal in Finder"_s)->trigger();
     EXPECT_TRUE(eventually([&] { return !stubs.workspace->revealed.empty(); }));
     EXPECT_THAT(stubs.workspace->revealed, ElementsAre(work.bundleURL));
     contextMenu()->close();
     openMenuBy(QContextMenuEvent::Mouse, list()->viewport()->rect().bottomRight() - QPoint(5, 5));
     EXPECT_FALSE(contextMenu()->isVisible()) << "there is no row";
+    command(u"Edit…"_s)->trigger();
+    EXPECT_THAT(asked, ElementsAre("edit Work"));
 }
 
 TEST_F(CloneCommandsTest, TheMenuKeyOpensTheContextMenuAtTheCurrentRow) {

@@ -1,11 +1,13 @@
 #include "QuorvelApp/library/CloneList.h"
 
+#include "LaunchKit/ClonesLock.h"
 #include "LaunchKit/InstanceConfig.h"
 #include "QuorvelApp/library/CloneRow.h"
 #include "tests/QuorvelApp/RealClones.h"
 #include "tests/QuorvelApp/WindowFixture.h"
 
 #include <QMenuBar>
+#include <QSignalSpy>
 #include <QTest>
 
 #include <gmock/gmock.h>
@@ -144,6 +146,40 @@ TEST_F(CloneListTest, AMenuOrAnotherWindowInFrontDoesNotEndTheEditing) {
     press(Qt::Key_Escape);
 }
 
+TEST_F(CloneListTest, ASheetThatAppearsMeanwhileDoesNotEndTheEditing) {
+    openWith(makeWebClone("Work"));
+    noteTasks();
+    type(u"Pl"_s);
+    stubs.model().setLastError("no");
+    ASSERT_EQ(window->focusWidget(), button(u"OK"_s));
+    EXPECT_TRUE(staysSo("Work|"));
+    EXPECT_TRUE(list()->isEditing());
+    button(u"OK"_s)->click();
+    ASSERT_NE(editor(), nullptr);
+    EXPECT_TRUE(editor()->hasFocus());
+    EXPECT_EQ(editor()->text(), u"Pl"_s);
+    press(Qt::Key_Return);
+    EXPECT_TRUE(lists("Pl|"));
+}
+
+TEST_F(CloneListTest, NothingElseIsDoneWithACloneThatIsBeingRenamed) {
+    openWith(makeWebClone("Work"));
+    type(u"Play"_s);
+    auto lock = lockClones(folder);
+    QPushButton* remove = button(u"Delete"_s);
+    QTest::mouseClick(remove, Qt::LeftButton);
+    EXPECT_FALSE(shown(u"Delete “Work”?"_s)) << "the click has entered the name";
+    EXPECT_FALSE(remove->isEnabled());
+    for (const QString& words : {u"Open"_s, u"Edit…"_s, u"Delete…"_s}) {
+        EXPECT_FALSE(command(words)->isEnabled()) << words.toStdString();
+    }
+    lock.reset();
+    EXPECT_TRUE(lists("Play|"));
+    EXPECT_TRUE(remove->isEnabled());
+    EXPECT_EQ(window->focusWidget(), remove);
+    EXPECT_TRUE(command(u"Delete…"_s)->isEnabled());
+}
+
 TEST_F(CloneListTest, AnEmptyOrUnchangedNameChangesNothing) {
     openWith(makeWebClone("Work"));
     noteTasks();
@@ -176,11 +212,13 @@ TEST_F(CloneListTest, ACloneThatIsDeletedMeanwhileTakesItsFieldWithIt) {
     const InstanceRecord work = makeWebClone("Work");
     openWith(work);
     type(u"Play"_s);
+    noteTasks();
     fs::remove_all(work.bundleURL);
     stubs.model().reload();
     EXPECT_TRUE(editingEnds());
     EXPECT_FALSE(command(u"Rename…"_s)->isEnabled());
-    EXPECT_FALSE(fs::exists(folder / "Play.app"));
+    EXPECT_TRUE(staysSo("")) << "no renaming was started";
+    EXPECT_FALSE(stubs.model().lastError());
 }
 
 TEST_F(CloneListTest, AListThatIsReadAgainKeepsWhatWasTyped) {
@@ -195,19 +233,27 @@ TEST_F(CloneListTest, AListThatIsReadAgainKeepsWhatWasTyped) {
     EXPECT_TRUE(lists("Another|Pl|"));
 }
 
-TEST_F(CloneListTest, ANameWithHiddenCharactersIsShownHarmlesslyAndKeptIfItIsNotChanged) {
-    InstanceConfig config = minimalConfig("A\xe2\x80\xae"
-                                          "B");
+TEST_F(CloneListTest, ANameWithHiddenCharactersIsShownHarmlesslyAndEditedAsItIs) {
+    const QString name = u"A\u202e\tB"_s;
+    InstanceConfig config = minimalConfig(name.toStdString());
     const InstanceRecord& clone = addClone("AB", config);
     openWith(clone);
     noteTasks();
     QTest::keyClick(list(), Qt::Key_F2);
     ASSERT_NE(editor(), nullptr);
-    EXPECT_EQ(editor()->text(), u"A\uFFFDB"_s);
+    EXPECT_EQ(editor()->text(), name);
     press(Qt::Key_Return);
     EXPECT_TRUE(editingEnds());
-    EXPECT_TRUE(staysSo("A\xef\xbf\xbd"
-                        "B|"));
+    EXPECT_TRUE(staysSo(u"A\uFFFD B|"_s.toStdString()));
+    const QSignalSpy entered(static_cast<CloneRow*>(list()->itemDelegate()),
+                             &CloneRow::nameEntered);
+    QTest::keyClick(list(), Qt::Key_F2);
+    press(Qt::Key_End);
+    QTest::keyClicks(editor(), u"C"_s);
+    press(Qt::Key_Return);
+    EXPECT_TRUE(editingEnds());
+    ASSERT_EQ(entered.size(), 1);
+    EXPECT_EQ(entered.at(0).at(1).toString(), name + u'C');
 }
 
 } // namespace

@@ -23,7 +23,9 @@ protected:
         select(work.clone());
         command(u"Stop"_s)->trigger();
         EXPECT_FALSE(command(u"Stop"_s)->isEnabled()) << "once is enough";
+        EXPECT_TRUE(shown(u"Stopping…"_s));
         ASSERT_TRUE(eventually([&] { return shown(u"End “Work” by force?"_s); }));
+        EXPECT_FALSE(shown(u"Stopping…"_s));
     }
     QString text() { return window->findChildren<MessageSheet*>().constLast()->text(); }
     ProgressSheet* progress() { return window->findChild<ProgressSheet*>(); }
@@ -103,6 +105,37 @@ TEST_F(CloneSheetsTest, ARefreshThatTakesTimeShowsItsProgressAndCanBeCancelled) 
     EXPECT_TRUE(eventually([&] { return progress() == nullptr; }));
     EXPECT_TRUE(hasNewRunner(home_));
     EXPECT_FALSE(hasNewRunner(work));
+}
+
+TEST_F(CloneSheetsTest, AWindowThatClosesEndsTheRefreshAfterTheCloneAtHand) {
+    const InstanceRecord home_ = makeWebClone("Home");
+    const InstanceRecord work = makeWebClone("Work");
+    ageRunner(home_);
+    ageRunner(work);
+    open();
+    auto lock = lockClones(folder);
+    command(u"Refresh Wrappers"_s)->trigger();
+    window.reset();
+    stubs.dropModel();
+    lock.reset();
+    stubs.tasks.reset(); // waits
+    EXPECT_FALSE(hasNewRunner(work));
+}
+
+TEST_F(CloneSheetsTest, TheProgressIsTheOneOfTheLatestRefresh) {
+    const InstanceRecord home_ = makeWebClone("Home");
+    const InstanceRecord work = makeWebClone("Work");
+    open();
+    select(work);
+    command(u"Refresh Wrapper"_s)->trigger();
+    ASSERT_TRUE(eventually([&] { return shown(u"The wrapper is up to date."_s); }));
+    button(u"OK"_s)->click();
+    auto lock = lockClones(folder);
+    command(u"Refresh Wrappers"_s)->trigger();
+    ASSERT_TRUE(eventually([&] { return progress() != nullptr; }));
+    EXPECT_TRUE(shown(u"Refreshing wrappers…"_s));
+    lock.reset();
+    EXPECT_TRUE(eventually([&] { return shown(u"All wrappers are up to date."_s); }));
 }
 
 TEST_F(CloneSheetsTest, TheRefreshOfOneCloneHasNoParts) {

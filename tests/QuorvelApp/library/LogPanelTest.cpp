@@ -63,9 +63,13 @@ TEST_F(LogPanelTest, ShowsTheLogLiveUntilEscapeClosesIt) {
     EXPECT_TRUE(says(u"started\n<b>still</b> \\u{1b}[1m\n"_s)) << "as plain text";
     EXPECT_TRUE(text->isReadOnly());
     EXPECT_FALSE(command(u"Show Log"_s)->isEnabled());
+    command(u"New Clone…"_s)->trigger();
+    EXPECT_FALSE(window->content().showingNewClone());
     QTest::keyClick(text, Qt::Key_Escape);
     EXPECT_TRUE(eventually([&] { return window->findChild<LogPanel*>() == nullptr; }));
     EXPECT_TRUE(command(u"Show Log"_s)->isEnabled());
+    command(u"New Clone…"_s)->trigger();
+    EXPECT_TRUE(window->content().showingNewClone());
 }
 
 TEST_F(LogPanelTest, SaysThatThereIsNoneYet) {
@@ -98,12 +102,21 @@ TEST_F(LogPanelTest, FollowsTheEndUnlessItWasScrolledUp) {
 TEST_F(LogPanelTest, KeepsOnlyTheNewestLinesAndStaysWithTheOnesInView) {
     openLog(lines(0, LogPanel::mostLines - 10));
     ASSERT_TRUE(says(u"line 9989\n"_s));
+    EXPECT_FALSE(shown(u"The oldest lines are left out."_s));
     text->verticalScrollBar()->setValue(5000);
     const QString before = firstShownLine();
     add(lines(LogPanel::mostLines - 10, LogPanel::mostLines + 2000));
     ASSERT_TRUE(says(u"line 11999\n"_s));
     EXPECT_EQ(text->blockCount(), LogPanel::mostLines);
+    EXPECT_TRUE(shown(u"The oldest lines are left out."_s));
     EXPECT_EQ(firstShownLine(), before);
+}
+
+TEST_F(LogPanelTest, SaysThatTheFirstLinesOfALongLogAreLeftOut) {
+    openLog(lines(0, LogPanel::mostLines));
+    EXPECT_TRUE(says(u"line 9999\n"_s));
+    EXPECT_TRUE(shown(u"The oldest lines are left out."_s));
+    EXPECT_TRUE(text->toPlainText().startsWith(u"line 1\n"_s));
 }
 
 TEST_F(LogPanelTest, SaysHowMuchOfALargeLogIsLeftOut) {

@@ -57,6 +57,7 @@ TEST_F(CloneChangesTest, ANameThatCantBeUsedChangesNothing) {
         EXPECT_THAT(model().lastError().value_or(""), StartsWith("Couldn't rename: ")) << name;
         EXPECT_TRUE(treeOf(folder) == before) << name;
         EXPECT_THAT(names(), ElementsAre("Play", "Work"));
+        EXPECT_FALSE(changes.isRenaming(work));
     }
 }
 
@@ -83,9 +84,11 @@ TEST_F(CloneChangesTest, RenamingWaitsForAnotherChangeInTheBackground) {
     const InstanceRecord work = makeWebClone("Work");
     auto lock = lockClones(folder);
     const QFuture<void> renaming = changes.rename(work, "Play");
+    EXPECT_TRUE(changes.isRenaming(work));
     EXPECT_FALSE(eventually([&] { return renaming.isFinished(); }, 100ms));
     lock.reset();
     resultOf(renaming);
+    EXPECT_FALSE(changes.isRenaming(work));
     EXPECT_THAT(names(), ElementsAre("Play"));
 }
 
@@ -157,6 +160,19 @@ TEST_F(CloneChangesTest, WhatDoesNotEndIsSaidAndEndedOnlyByForce) {
     EXPECT_EQ(left.size(), 1U);
     EXPECT_FALSE(work.isRunning());
     EXPECT_FALSE(model().lastError());
+}
+
+TEST_F(CloneChangesTest, WhatEndsWhenAskedOnceMoreIsNotKilled) {
+    const fs::path ready = home / "mayEnd";
+    const fs::path ended = home / "ended";
+    RunningClone work("trap '[ -e " + ready.string() + " ] && sleep 0.1 && > " + ended.string() +
+                      " && exit' TERM");
+    resultOf(changes.stop(work.clone()));
+    ASSERT_TRUE(work.isRunning());
+    write(ready, "");
+    resultOf(changes.stop(work.clone(), CloneChanges::Force::afterAsking));
+    EXPECT_FALSE(work.isRunning());
+    EXPECT_TRUE(fs::exists(ended));
 }
 
 TEST_F(CloneChangesTest, WhatMayBeAnotherClonesIsLeftAloneAndSaid) {

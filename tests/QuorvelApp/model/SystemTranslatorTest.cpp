@@ -22,12 +22,15 @@ namespace quorvel::testing {
 namespace {
 
 using namespace Qt::StringLiterals;
+using ::testing::_;
 using ::testing::Contains;
 using ::testing::ContainsRegex;
 using ::testing::Each;
 using ::testing::IsSupersetOf;
 using ::testing::Not;
+using ::testing::Pair;
 using ::testing::SizeIs;
+using ::testing::StartsWith;
 
 // What only macOS has.
 constexpr auto foreignWords = "Finder|\\bMacs?\\b|macOS|\\bDock\\b|[Mm]enu.[Bb]ar|⌘|"
@@ -156,6 +159,9 @@ TEST_F(SystemTranslatorTest, TheCatalogueHasEveryTextOfTheSourcesThatNamesMacOSA
         textsOf(QStringLiteral(QUORVEL_SOURCE_DIR "/Presentation/quorvel_linux.ts"));
     EXPECT_THAT(sources, SizeIs(::testing::Gt(150)));
     EXPECT_THAT(sources, IsSupersetOf(catalogue)) << "what the sources no longer say";
+    EXPECT_THAT(sources, Contains(Pair("EditedClone", StartsWith("“%1” has been changed"))));
+    EXPECT_THAT(sources, Contains(Pair(_, "The clone at %1 is not there any more.")));
+    EXPECT_THAT(sources, Contains(Pair(_, "The clone at %1 can’t be read back.")));
     for (const auto& [context, text] : sources) {
         EXPECT_THAT(inSystemWords(context.c_str(), text.c_str()), Not(ContainsRegex(foreignWords)))
             << context;

@@ -7,12 +7,14 @@
 
 #include <csignal>
 #include <gmock/gmock.h>
+#include <sqlite3.h>
 
 namespace quorvel::testing {
 namespace {
 
 namespace fs = std::filesystem;
 using namespace Qt::StringLiterals;
+using ::testing::HasSubstr;
 using ::testing::StartsWith;
 
 class SeedBoxTest : public WindowTest {
@@ -47,7 +49,7 @@ protected:
             [&] { return session.form().strategyReason.find(" → ") != std::string::npos; }));
     }
 
-    QCheckBox* box() { return checkBox(window.get(), u"Start with the original’s data"_s); }
+    QCheckBox* box() { return checkBox(window.get(), u"Start with the original's data"_s); }
     NewCloneView* sheet() { return window->findChild<NewCloneView*>(); }
     [[nodiscard]] fs::path copyOf(const std::string& name) const {
         return home / "QuorvelInstances" / name / ".config/vlc/vlcrc";
@@ -93,6 +95,24 @@ TEST_F(SeedBoxTest, TickedTheCloneStartsWithACopy) {
     EXPECT_EQ(read(home / ".config/vlc/vlcrc"), "12345") << "never moved";
     EXPECT_THAT(stubs.model().statusMessage().value_or(""), StartsWith("1 file with 5 bytes was "));
     EXPECT_EQ(stubs.workspace->opened.size(), 1U) << "launched, as the box says";
+}
+
+TEST_F(SeedBoxTest, IsNotLaunchedBeforeTheUserKnowsWhatOnlyTheKeyringDecrypts) {
+    sqlite3* database = nullptr;
+    ASSERT_EQ(sqlite3_open((home / ".config/vlc/Cookies").c_str(), &database), SQLITE_OK);
+    ASSERT_EQ(sqlite3_exec(database,
+                           "create table cookies(name, encrypted_value blob);"
+                           "insert into cookies values('a', x'763131aa');",
+                           nullptr, nullptr, nullptr),
+              SQLITE_OK);
+    sqlite3_close(database);
+    openWith(u"vlc"_s);
+    box()->setChecked(true);
+    button(u"Create Shortcut"_s)->click();
+    ASSERT_TRUE(eventually([&] { return sheet() == nullptr; }));
+    EXPECT_THAT(stubs.model().statusMessage().value_or(""),
+                HasSubstr("1 cookie can only be decrypted with the keyring "));
+    EXPECT_TRUE(stubs.workspace->opened.empty());
 }
 
 TEST_F(SeedBoxTest, UntickedNothingIsCopied) {
@@ -143,6 +163,17 @@ TEST_F(SeedBoxTest, CancellingTheCopyLeavesNothingBehindAndKeepsTheSheet) {
     ASSERT_NE(sheet(), nullptr);
     EXPECT_TRUE(button(u"Create Shortcut"_s)->isEnabled());
     expectNothingMade();
+}
+
+TEST_F(SeedBoxTest, AnErrorThatComesBeforeTheCancellationIsStillSaid) {
+    openWith(u"vlc"_s);
+    box()->setChecked(true);
+    stubs.tasks->holding = true;
+    button(u"Create Shortcut"_s)->click();
+    button(u"Cancel"_s)->click();
+    fs::remove_all(home / ".config/vlc");
+    stubs.tasks->release();
+    EXPECT_TRUE(eventually([&] { return shown(u"Something went wrong"_s); }));
 }
 
 } // namespace

@@ -195,6 +195,16 @@ TEST_F(DuplicateViewTest, CancellingLeavesNothingBehindAndAsksAgain) {
     EXPECT_EQ(read(data("Second") / "deep/file"), "12345");
 }
 
+TEST_F(DuplicateViewTest, AnErrorThatComesBeforeTheCancellationIsStillSaid) {
+    askWithData();
+    field(u"Name"_s)->setText(u"Work"_s);
+    stubs.tasks->holding = true;
+    button(u"Duplicate"_s)->click();
+    QTest::keyClick(window->findChild<ProgressSheet*>(), Qt::Key_Escape);
+    stubs.tasks->release();
+    expectFailure("Couldn't duplicate: “Work” already exists at ");
+}
+
 TEST_F(DuplicateViewTest, AWindowThatClosesCancelsTheCopy) {
     askWithData();
     stubs.tasks->holding = true;
@@ -233,7 +243,8 @@ TEST_F(DuplicateViewTest, DataThatIsInThePlaceAlreadyIsAnErrorAndStays) {
     field(u"Name"_s)->setText(u"Second"_s);
     button(u"Duplicate"_s)->click();
     ASSERT_TRUE(eventually([&] { return stubs.model().lastError().has_value(); }));
-    EXPECT_EQ(stubs.model().lastError(), "There is something at " + data("Second").string() +
+    EXPECT_EQ(stubs.model().lastError(), "Couldn't duplicate: There is something at " +
+                                             data("Second").string() +
                                              " already, where the new clone’s data would be.");
     EXPECT_EQ(read(data("Second") / "mine"), "1");
     EXPECT_FALSE(fs::exists(folder / "Second.app"));
@@ -245,7 +256,7 @@ TEST_F(DuplicateViewTest, AnOriginalThatIsGoneIsAnError) {
     button(u"Duplicate"_s)->click();
     ASSERT_TRUE(eventually([&] { return stubs.model().lastError().has_value(); }));
     EXPECT_EQ(stubs.model().lastError(),
-              "The clone at " + original.id() + " is not there any more.");
+              "Couldn't duplicate: The clone at " + original.id() + " is not there any more.");
     EXPECT_EQ(cloneCount(), 0U);
 }
 
@@ -273,6 +284,9 @@ TEST_F(DuplicateViewTest, WaitsForAnotherChangeWithoutBlockingTheWindow) {
     button(u"Duplicate"_s)->click();
     EXPECT_FALSE(eventually([&] { return panel() == nullptr; }, std::chrono::milliseconds(100)));
     EXPECT_FALSE(button(u"Duplicating…"_s)->isEnabled());
+    EXPECT_FALSE(button(u"Cancel"_s)->isEnabled());
+    QTest::keyClick(panel(), Qt::Key_Escape);
+    EXPECT_TRUE(panel()->isVisible()) << "it can't be cancelled any more";
     lock.reset();
     EXPECT_TRUE(isGone());
     EXPECT_TRUE(fs::exists(folder / "Work (2).app"));

@@ -169,12 +169,14 @@ TEST_F(EditCloneViewTest, SavesInTheBackgroundOnReturn) {
     stubs.tasks->holding = true;
     QTest::keyClick(window->focusWidget(), Qt::Key_Return);
     EXPECT_FALSE(button(u"Saving…"_s)->isEnabled());
+    EXPECT_FALSE(button(u"Cancel"_s)->isEnabled());
+    QTest::keyClick(&view, Qt::Key_Escape);
+    EXPECT_TRUE(view.isVisible()) << "it can't be cancelled any more";
     EXPECT_EQ(configOf("Work").url, "a.test");
     stubs.tasks->release();
     ASSERT_TRUE(isGone());
     EXPECT_EQ(configOf("Work").url, "a.test/x");
     EXPECT_FALSE(stubs.model().statusMessage()) << "nothing needs to be said";
-    (void)view;
 }
 
 TEST_F(EditCloneViewTest, SaysThatARunningCloneChangesAtItsNextStart) {
@@ -194,8 +196,8 @@ TEST_F(EditCloneViewTest, ACloneThatIsGoneIsAnErrorAndNothingIsLost) {
     field(u"Website URL"_s)->setText(u"b.test"_s);
     fs::remove_all(record.bundleURL);
     button(u"Save"_s)->click();
-    expectFailure(
-        u"The clone at %1 is not there any more."_s.arg(QString::fromStdString(record.id())));
+    expectFailure(u"Couldn't save: The clone at %1 is not there any more."_s.arg(
+        QString::fromStdString(record.id())));
     EXPECT_EQ(cloneCount(), 0U) << "the list says so, too";
 }
 
@@ -205,8 +207,9 @@ TEST_F(EditCloneViewTest, ACloneThatWasChangedMeanwhileIsAnErrorAndNothingIsLost
     field(u"Website URL"_s)->setText(u"b.test"_s);
     (void)editClone(record.bundleURL, [](CloneSettings& s) { s.config.url = "c.test"; });
     button(u"Save"_s)->click();
-    expectFailure(u"“Work” has been changed meanwhile. Close this sheet and edit the clone again; "
-                  u"nothing was saved."_s);
+    expectFailure(
+        u"Couldn't save: “Work” has been changed meanwhile. Close this sheet and edit the "
+        u"clone again; nothing was saved."_s);
     EXPECT_EQ(configOf("Work").url, "c.test");
 }
 
@@ -217,8 +220,9 @@ TEST_F(EditCloneViewTest, ACloneThatCantBeWrittenKeepsTheSheet) {
     edit(record);
     field(u"Website URL"_s)->setText(u"b.test"_s);
     button(u"Save"_s)->click();
-    expectFailure(u"“Contents/Resources” in the clone is a symbolic link, so the clone can’t be "
-                  u"changed. Replace the link with what it leads to first."_s);
+    expectFailure(
+        u"Couldn't save: “Contents/Resources” in the clone is a symbolic link, so the clone "
+        u"can’t be changed. Replace the link with what it leads to first."_s);
     EXPECT_EQ(configOf("Work").url, "a.test");
 }
 
@@ -231,6 +235,26 @@ TEST_F(EditCloneViewTest, ACloneThatIsGoneBeforeItIsReadIsAnError) {
     ASSERT_TRUE(eventually([&] { return shown(u"Something went wrong"_s); }));
     EXPECT_THAT(stubs.model().lastError().value_or(""), HasSubstr(" is not there any more."));
     EXPECT_EQ(sheet(), nullptr);
+}
+
+TEST_F(EditCloneViewTest, NothingElseIsDoneWhileTheCloneIsRead) {
+    const InstanceRecord record = makeClone(web());
+    open();
+    select(record);
+    stubs.tasks->holding = true;
+    command(u"Edit…"_s)->trigger();
+    EXPECT_FALSE(command(u"Rename…"_s)->isEnabled());
+    EXPECT_FALSE(command(u"Delete…"_s)->isEnabled());
+    command(u"New Clone…"_s)->trigger();
+    EXPECT_FALSE(window->content().showingNewClone());
+    stubs.tasks->release();
+    ASSERT_TRUE(eventually([&] { return sheet() != nullptr; }));
+    EXPECT_FALSE(window->content().showingNewClone());
+    button(u"Cancel"_s)->click();
+    EXPECT_TRUE(window->content().showingNewClone()) << "asked for before the sheet showed";
+    ASSERT_TRUE(isGone());
+    button(u"Cancel"_s)->click();
+    EXPECT_TRUE(command(u"Rename…"_s)->isEnabled());
 }
 
 TEST_F(EditCloneViewTest, OpensOnceAndNotOverTheNewCloneSheet) {
