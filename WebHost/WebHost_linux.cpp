@@ -117,8 +117,8 @@ void WebHost::openSession() {
     settings_.reset(webkit_settings_new());
     restrictPages(settings_.get());
     if (!options_.againstOpenGL.empty()) {
-        webkit_settings_set_hardware_acceleration_policy(
-            settings_.get(), WEBKIT_HARDWARE_ACCELERATION_POLICY_NEVER);
+        webkit_settings_set_hardware_acceleration_policy(settings_.get(),
+                                                         WEBKIT_HARDWARE_ACCELERATION_POLICY_NEVER);
     }
     content_.reset(webkit_user_content_manager_new());
     applySettings();

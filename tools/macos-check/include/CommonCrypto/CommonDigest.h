@@ -9,8 +9,7 @@ typedef uint32_t CC_LONG;
 #ifdef __cplusplus
 extern "C" {
 #endif
-unsigned char* CC_SHA256(const void* data, CC_LONG length, unsigned char* digest)
-    SINCE_MACOS(10.4);
+unsigned char* CC_SHA256(const void* data, CC_LONG length, unsigned char* digest) SINCE_MACOS(10.4);
 #ifdef __cplusplus
 }
 #endif

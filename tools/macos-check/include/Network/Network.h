@@ -18,8 +18,9 @@ typedef NSObject<OS_nw_proxy_config>* nw_proxy_config_t;
 extern "C" {
 #endif
 #define NW_RETURNS_RETAINED __attribute__((ns_returns_retained))
-nw_endpoint_t _Nonnull nw_endpoint_create_host(const char* _Nonnull host, const char* _Nonnull port)
-    NW_RETURNS_RETAINED SINCE_MACOS(10.14);
+nw_endpoint_t _Nonnull nw_endpoint_create_host(const char* _Nonnull host,
+                                               const char* _Nonnull port) NW_RETURNS_RETAINED
+    SINCE_MACOS(10.14);
 nw_protocol_options_t _Nonnull nw_tls_create_options(void) NW_RETURNS_RETAINED SINCE_MACOS(10.14);
 nw_proxy_config_t _Nonnull nw_proxy_config_create_http_connect(
     nw_endpoint_t _Nonnull proxy, nw_protocol_options_t _Nullable encryption) NW_RETURNS_RETAINED

@@ -26,8 +26,7 @@ typedef struct BRIDGED_TO(id) __SecCertificate* SecCertificateRef;
 typedef void (^SecTrustWithErrorCallback)(SecTrustRef _Nonnull trust, bool isTrusted,
                                           CFErrorRef _Nullable error);
 // To be called on that queue, on which the result arrives.
-OSStatus SecTrustEvaluateAsyncWithError(SecTrustRef _Nonnull trust,
-                                        dispatch_queue_t _Nonnull queue,
+OSStatus SecTrustEvaluateAsyncWithError(SecTrustRef _Nonnull trust, dispatch_queue_t _Nonnull queue,
                                         SecTrustWithErrorCallback _Nonnull result)
     SINCE_MACOS(10.15);
 // The server's own certificate comes first.
@@ -38,10 +37,9 @@ CFDataRef _Nonnull SecCertificateCopyData(SecCertificateRef _Nonnull certificate
     CF_RETURNS_RETAINED SINCE_MACOS(10.3);
 CFStringRef _Nullable SecCertificateCopySubjectSummary(SecCertificateRef _Nonnull certificate)
     CF_RETURNS_RETAINED SINCE_MACOS(10.6);
-CFDictionaryRef _Nullable SecCertificateCopyValues(SecCertificateRef _Nonnull certificate,
-                                                   CFArrayRef _Nullable keys,
-                                                   CFErrorRef _Nullable* _Nullable error)
-    CF_RETURNS_RETAINED SINCE_MACOS(10.7);
+CFDictionaryRef _Nullable SecCertificateCopyValues(
+    SecCertificateRef _Nonnull certificate, CFArrayRef _Nullable keys,
+    CFErrorRef _Nullable* _Nullable error) CF_RETURNS_RETAINED SINCE_MACOS(10.7);
 extern const CFStringRef _Nonnull kSecOIDX509V1IssuerName SINCE_MACOS(10.7);
 extern const CFStringRef _Nonnull kSecOIDX509V1ValidityNotAfter SINCE_MACOS(10.7);
 extern const CFStringRef _Nonnull kSecOIDX509V1ValidityNotBefore SINCE_MACOS(10.7);
