@@ -140,7 +140,7 @@ TEST_F(SiteSettingsTest, WhatTheUserTypesIsUnderstood) {
     EXPECT_THAT(languagesIn(" , "), IsEmpty());
 }
 
-TEST(SiteSettingsTest, TheAddressOfAProxyHasParts) {
+TEST_F(SiteSettingsTest, TheAddressOfAProxyHasParts) {
     EXPECT_EQ(proxyServer(everyValue()), (ProxyServer{"socks5", "::1", "1080"}));
     SiteSettings settings;
     settings.proxy = ProxyUse::address;
