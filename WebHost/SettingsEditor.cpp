@@ -22,6 +22,7 @@ std::string SettingsText::clearsData(const std::string& cloneName) {
     return "Clear all data of “" + withoutUnsafe(cloneName) + "”?";
 }
 
+// NOLINTNEXTLINE(readability-make-member-function-const): it changes what the services keep.
 std::string SettingsEditor::change(const std::function<void(SiteSettings&)>& edit) {
     SiteSettings next = settings();
     edit(next);
@@ -41,6 +42,7 @@ std::string SettingsEditor::addRule(std::string_view typed, LinkPlace place) {
     return change([&](SiteSettings& all) { all.links[host] = rawString(place); });
 }
 
+// NOLINTNEXTLINE(readability-make-member-function-const): it changes what the services keep.
 std::string SettingsEditor::removePermissions() {
     const auto taken = services_.permissions->list();
     std::string problem = unlessKept(services_.permissions->forgetAll(), "The permissions");

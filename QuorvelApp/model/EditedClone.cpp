@@ -185,7 +185,7 @@ bool EditedClone::hasEngineArguments() const {
 NewCloneForm EditedClone::form() const {
     const InstanceConfig& config = settings.config;
     NewCloneForm form;
-    static_cast<CloneOptions&>(form) = config;
+    static_cast<CloneOptions&>(form) = static_cast<const CloneOptions&>(config);
     form.shortcutType = config.kind;
     form.selected = target;
     form.webURL = config.url.value_or("");

@@ -162,7 +162,7 @@ std::string keyValueText(const std::map<std::string, std::string>& entries) {
         const std::string line = key + "=" + value;
         if (survivesEditor(line) && text.size() + line.size() < most &&
             parseKeyValues(line) == std::map<std::string, std::string>{{key, value}}) {
-            text += (text.empty() ? "" : "\n") + line;
+            text.append(text.empty() ? "" : "\n").append(line);
         }
     }
     return text;
