@@ -86,7 +86,7 @@ ChangedClone CloneRefresh::refresh(const std::filesystem::path& wrapper) const {
     if (!menu_) {
         menu_.emplace();
     }
-    return clone.replace(changes, *menu_);
+    return clone.replace(changes, &*menu_);
 }
 
 } // namespace quorvel

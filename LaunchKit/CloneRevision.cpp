@@ -61,28 +61,16 @@ CloneSettings completedSettings(const WrapperRevision& wrapper, CloneSettings se
     return settings;
 }
 
-std::vector<std::string>
-CloneRevision::replaceWrapper(const WrapperRevision::Changes& changes) const {
+ChangedClone CloneRevision::replace(const WrapperRevision::Changes& changes,
+                                    const PublishedMenu* menu) const {
+    if (!old_.isChangedBy(changes)) {
+        return {.record = {wrapper_, old_.settings().config}};
+    }
     StagedChange change(wrapper_.parent_path());
     const std::string name = wrapper_.filename();
     std::vector<std::string> kept = old_.stage(change, name, changes);
     change.publish(name, name);
-    return kept;
-}
-
-ChangedClone CloneRevision::replace(const WrapperRevision::Changes& changes) const {
-    if (!old_.isChangedBy(changes)) {
-        return {.record = {wrapper_, old_.settings().config}};
-    }
-    return published(wrapper_, replaceWrapper(changes));
-}
-
-ChangedClone CloneRevision::replace(const WrapperRevision::Changes& changes,
-                                    const PublishedMenu& menu) const {
-    if (!old_.isChangedBy(changes)) {
-        return {.record = {wrapper_, old_.settings().config}};
-    }
-    return published(wrapper_, replaceWrapper(changes), &menu);
+    return published(wrapper_, std::move(kept), menu);
 }
 
 ChangedClone published(const fs::path& wrapper, std::vector<std::string> kept,

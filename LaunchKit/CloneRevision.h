@@ -31,18 +31,12 @@ public:
     [[nodiscard]] const std::filesystem::path& wrapper() const { return wrapper_; }
     [[nodiscard]] const WrapperRevision& old() const { return old_; }
 
-    /// Replaces the wrapper at once if anything changes, and publishes the clone in the menu.
-    /// Throws `Error`.
-    [[nodiscard]] ChangedClone replace(const WrapperRevision::Changes& changes) const;
-
-    /// The same for a caller that has read the menu already.
+    /// Replaces the wrapper at once if anything changes, and publishes the clone in the menu, which
+    /// it reads unless the caller has. Throws `Error`.
     [[nodiscard]] ChangedClone replace(const WrapperRevision::Changes& changes,
-                                       const PublishedMenu& menu) const;
+                                       const PublishedMenu* menu = nullptr) const;
 
 private:
-    [[nodiscard]] std::vector<std::string>
-    replaceWrapper(const WrapperRevision::Changes& changes) const;
-
     std::filesystem::path wrapper_;
     std::optional<FileLock> lock_;
     WrapperRevision old_;
