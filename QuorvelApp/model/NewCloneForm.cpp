@@ -185,12 +185,16 @@ std::string NewCloneForm::environmentCostText() const {
     return environmentCost(parseKeyValues(envText), translated).value_or("");
 }
 
+bool NewCloneForm::hasAutomaticName() const {
+    return !automaticName.empty() && cloneName == automaticName;
+}
+
+bool NewCloneForm::mayNameItself() const {
+    return !edited && (isBlank(cloneName) || hasAutomaticName());
+}
+
 void NewCloneForm::autoNameIfNeeded() {
-    if (edited) {
-        return;
-    }
-    const bool automatic = !automaticName.empty() && cloneName == automaticName;
-    if (!automatic && !isBlank(cloneName)) {
+    if (!mayNameItself()) {
         return;
     }
     std::optional<std::string> name;
@@ -199,15 +203,14 @@ void NewCloneForm::autoNameIfNeeded() {
     } else if (shortcutType == ShortcutKind::command) {
         name = nameForCommand(commandPathText);
     }
-    if (name || automatic) {
+    if (name || hasAutomaticName()) {
         cloneName = name.value_or("");
     }
     automaticName = name.value_or("");
 }
 
 void NewCloneForm::siteNamed(const std::string& title) {
-    const bool automatic = !automaticName.empty() && cloneName == automaticName;
-    if (!title.empty() && !edited && (automatic || isBlank(cloneName))) {
+    if (!title.empty() && mayNameItself()) {
         cloneName = title;
         automaticName = title;
     }

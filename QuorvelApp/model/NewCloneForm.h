@@ -135,6 +135,12 @@ public:
     void addEnvironment(const std::map<std::string, std::string>& variables);
     /// Records that the detection failed with this error.
     void detectionFailed(std::string_view description);
+
+private:
+    /// Whether the name is the one that naming put there last.
+    [[nodiscard]] bool hasAutomaticName() const;
+    /// Whether a name may be put in the place of this one.
+    [[nodiscard]] bool mayNameItself() const;
 };
 
 /// The strategies that can be chosen, in the order shown.
