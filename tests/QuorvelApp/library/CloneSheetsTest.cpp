@@ -27,6 +27,15 @@ protected:
         ASSERT_TRUE(eventually([&] { return shown(u"End “Work” by force?"_s); }));
         EXPECT_FALSE(shown(u"Stopping…"_s));
     }
+    // The window shows both.
+    std::pair<InstanceRecord, InstanceRecord> openOldClones() {
+        std::pair<InstanceRecord, InstanceRecord> clones{makeWebClone("Home"),
+                                                         makeWebClone("Work")};
+        ageRunner(clones.first);
+        ageRunner(clones.second);
+        open();
+        return clones;
+    }
     QString text() { return window->findChildren<MessageSheet*>().constLast()->text(); }
     ProgressSheet* progress() { return window->findChild<ProgressSheet*>(); }
 };
@@ -63,11 +72,7 @@ TEST_F(CloneSheetsTest, ForceEndsWhatIsStillRunning) {
 }
 
 TEST_F(CloneSheetsTest, RefreshesTheSelectedCloneOrAll) {
-    const InstanceRecord home_ = makeWebClone("Home");
-    const InstanceRecord work = makeWebClone("Work");
-    ageRunner(home_);
-    ageRunner(work);
-    open();
+    const auto [home_, work] = openOldClones();
     select(work);
     command(u"Refresh Wrapper"_s)->trigger();
     ASSERT_TRUE(eventually([&] { return shown(u"1 wrapper was refreshed."_s); }));
@@ -84,11 +89,7 @@ TEST_F(CloneSheetsTest, RefreshesTheSelectedCloneOrAll) {
 }
 
 TEST_F(CloneSheetsTest, ARefreshThatTakesTimeShowsItsProgressAndCanBeCancelled) {
-    const InstanceRecord home_ = makeWebClone("Home");
-    const InstanceRecord work = makeWebClone("Work");
-    ageRunner(home_);
-    ageRunner(work);
-    open();
+    const auto [home_, work] = openOldClones();
     auto lock = lockClones(folder);
     command(u"Refresh Wrappers"_s)->trigger();
     ASSERT_TRUE(eventually([&] { return progress() != nullptr; }));
@@ -108,11 +109,7 @@ TEST_F(CloneSheetsTest, ARefreshThatTakesTimeShowsItsProgressAndCanBeCancelled) 
 }
 
 TEST_F(CloneSheetsTest, AWindowThatClosesEndsTheRefreshAfterTheCloneAtHand) {
-    const InstanceRecord home_ = makeWebClone("Home");
-    const InstanceRecord work = makeWebClone("Work");
-    ageRunner(home_);
-    ageRunner(work);
-    open();
+    const auto [home_, work] = openOldClones();
     auto lock = lockClones(folder);
     command(u"Refresh Wrappers"_s)->trigger();
     window.reset();
