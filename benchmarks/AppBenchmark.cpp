@@ -1,6 +1,6 @@
 // How fast the window is, beside an empty Qt window in the same run.
-//   app_benchmarks [NAME]...  runs everything, or what is named (start, sheet, grid, holds), and
-//                             prints a table
+//   app_benchmarks [NAME]...  runs everything, or what is named (start, sheet, grid, holds,
+//                             refresh), and prints a table
 // Draws on the display if there is one, otherwise offscreen. Works in a throw-away home.
 #include "LaunchKit/Icons/IcnsWriter.h"
 #include "LaunchKit/InstanceConfig.h"
@@ -12,6 +12,7 @@
 #include "QuorvelApp/theme/Appearance.h"
 #include "benchmarks/AppMeasuring.h"
 #include "benchmarks/Comparison.h"
+#include "benchmarks/RefreshingBenchmark.h"
 #include "benchmarks/SheetBenchmark.h"
 #include "tests/support/AppBundles.h"
 #include "tests/support/TemporaryHome.h"
@@ -315,7 +316,8 @@ int main(int argc, char** argv) {
     }
     const QStringList wanted = application.arguments().mid(1);
     const QStringList known{QStringLiteral("start"), QStringLiteral("sheet"),
-                            QStringLiteral("grid"), QStringLiteral("holds")};
+                            QStringLiteral("grid"), QStringLiteral("holds"),
+                            QStringLiteral("refresh")};
     for (const QString& name : wanted) {
         if (!known.contains(name)) {
             qCritical("There is no measurement named %s", qUtf8Printable(name));
@@ -337,6 +339,9 @@ int main(int argc, char** argv) {
     }
     if (isWanted(QLatin1String("holds"))) {
         quorvel::measureHolds(application);
+    }
+    if (isWanted(QLatin1String("refresh"))) {
+        quorvel::benchmarks::measureRefreshing(application);
     }
     return 0;
 }

@@ -1,16 +1,14 @@
 #include "benchmarks/Benchmarks.h"
+#include "benchmarks/StaleClones.h"
 
 #include "Base/RandomUuid.h"
 #include "LaunchKit/CloneRefresh.h"
 #include "LaunchKit/InstanceRecord.h"
 #include "LaunchKit/InstanceRegistry.h"
 #include "LaunchKit/MenuEntries.h"
-#include "LaunchKit/WrapperGenerator.h"
 #include "Platform/files/ExclusiveRename.h"
 #include "Platform/files/FileReading.h"
 #include "tests/support/AppBundles.h"
-#include "tests/support/IcnsBuilder.h"
-#include "tests/support/IconArtwork.h"
 #include "tests/support/TemporaryHome.h"
 
 #include <algorithm>
@@ -34,37 +32,6 @@ using Files = std::map<std::string, std::string>;
 
 constexpr std::array<const char*, 4> folders{"", "/Contents", "/Contents/MacOS",
                                              "/Contents/Resources"};
-
-void makeClones(const fs::path& folder) {
-    const fs::path picture = folder / "picture.png";
-    testing::write(picture, testing::pngOf(testing::chatIcon(128)));
-    for (int number = 0; number < clones; ++number) {
-        WrapperGenerator::Options options;
-        options.config = testing::minimalConfig("Clone " + std::to_string(number));
-        options.config.bundleId = "app.quorvel.instance.clone" + std::to_string(number);
-        options.config.kind = ShortcutKind::web;
-        options.config.url = "https://example.test";
-        options.config.instanceHome = (folder / "data" / options.config.displayName).string();
-        options.runnerBinary = QUORVEL_RUNNER;
-        options.customIcon = picture;
-        options.arguments = ArgumentSource::engine;
-        (void)WrapperGenerator().generate(InstanceRegistry::defaultSearchDirs().front(), options);
-    }
-    const MenuRepair repair = repairMenu(InstanceRegistry().list());
-    if (repair.published != std::size_t{clones} || !repair.problems.empty()) {
-        throw std::runtime_error("not every clone is in the menu");
-    }
-}
-
-// As an update leaves them: with a runner of another version, of the same size.
-void makeStale() {
-    std::string runner = testing::read(QUORVEL_RUNNER);
-    runner[runner.size() / 2] ^= 1;
-    for (const InstanceRecord& clone : InstanceRegistry().list()) {
-        testing::write(clone.bundleURL / "Contents/MacOS/runner", runner);
-    }
-    ::sync();
-}
 
 Files filesOf(const fs::path& wrapper) {
     Files files;
@@ -222,7 +189,7 @@ Row listingRow(double goal) {
 
 std::vector<Row> refreshRows(const fs::path& folder) {
     const testing::TemporaryHome home;
-    makeClones(folder);
+    makeClones(folder, clones);
     constexpr double goal = 1.5;
     return {refreshRow(folder, goal), listingRow(goal)};
 }

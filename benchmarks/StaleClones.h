@@ -1,0 +1,14 @@
+#pragma once
+
+#include <filesystem>
+
+namespace quorvel::benchmarks {
+
+/// Makes that many web clones with an icon in the folder of clones, whose data is in `folder`, and
+/// publishes them in the menu. Throws if that fails.
+void makeClones(const std::filesystem::path& folder, int count);
+
+/// Leaves all clones as an update does: with a runner of another version, of the same size.
+void makeStale();
+
+} // namespace quorvel::benchmarks
