@@ -16,8 +16,8 @@
 #include "LaunchKit/NoSessionBus.h"
 #include "LaunchKit/ShippedProfiles.h"
 #include "LaunchKit/WindowIdentity.h"
-#include "Platform/desktop/ActivationError.h"
-#include "Platform/desktop/MenuEntry.h"
+#include "Platform/entries/MenuEntry.h"
+#include "Platform/windows/ActivationError.h"
 #include "Presentation/AppTexts.h"
 #include "Presentation/ChangeTexts.h"
 

@@ -2,7 +2,7 @@
 
 #include "CommandLine/CommandContext.h"
 #include "LaunchKit/CopyFindings.h"
-#include "Platform/files/FolderCopy.h"
+#include "Platform/copying/FolderCopy.h"
 #include "Platform/processes/InterruptFlag.h"
 
 #include <nlohmann/json_fwd.hpp>

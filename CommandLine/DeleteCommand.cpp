@@ -9,9 +9,9 @@
 #include "LaunchKit/HomeLock.h"
 #include "LaunchKit/InstanceRecord.h"
 #include "LaunchKit/MenuEntries.h"
-#include "Platform/files/FileRemoval.h"
 #include "Platform/files/FileSystem.h"
 #include "Platform/files/ItemIdentity.h"
+#include "Platform/removal/FileRemoval.h"
 #include "Presentation/DeletionWarning.h"
 #include "Presentation/SystemWords.h"
 

@@ -1,6 +1,6 @@
 #include "LaunchKit/AppIcon.h"
 
-#include "Platform/desktop/IconTheme.h"
+#include "Platform/entries/IconTheme.h"
 
 namespace quorvel {
 namespace fs = std::filesystem;

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Platform/files/StagedChange.h"
+#include "Platform/staging/StagedChange.h"
 
 #include <optional>
 #include <string>

@@ -9,12 +9,12 @@
 #include "LaunchKit/MenuEntries.h"
 #include "LaunchKit/WindowWord.h"
 #include "LaunchKit/WrapperLayout.h"
-#include "Platform/files/FileRemoval.h"
 #include "Platform/files/FileSystem.h"
-#include "Platform/files/ItemRemoval.h"
 #include "Platform/files/PlatformError.h"
-#include "Platform/files/StagedChange.h"
-#include "Platform/processes/IsolatedEnvironment.h"
+#include "Platform/homes/IsolatedEnvironment.h"
+#include "Platform/removal/FileRemoval.h"
+#include "Platform/removal/ItemRemoval.h"
+#include "Platform/staging/StagedChange.h"
 
 #include <optional>
 #include <string_view>

@@ -4,9 +4,9 @@
 #include "LaunchKit/CloneWithData.h"
 #include "LaunchKit/DataFolderGuard.h"
 #include "LaunchKit/HomeLock.h"
-#include "Platform/files/FileRemoval.h"
 #include "Platform/files/FileSystem.h"
 #include "Platform/files/ResolvedPath.h"
+#include "Platform/removal/FileRemoval.h"
 
 #include <algorithm>
 

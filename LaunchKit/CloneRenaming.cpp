@@ -15,7 +15,7 @@
 #include "Platform/files/FileSystem.h"
 #include "Platform/files/ItemIdentity.h"
 #include "Platform/files/PlatformError.h"
-#include "Platform/files/UserPaths.h"
+#include "Platform/homes/UserPaths.h"
 
 #include <utility>
 

@@ -4,7 +4,7 @@
 #include "LaunchKit/MenuEntries.h"
 #include "LaunchKit/WrapperRevision.h"
 #include "Platform/files/FileLock.h"
-#include "Platform/files/StagedChange.h"
+#include "Platform/staging/StagedChange.h"
 
 #include <filesystem>
 #include <functional>

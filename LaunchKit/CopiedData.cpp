@@ -12,7 +12,7 @@
 #include "Platform/files/FileWriting.h"
 #include "Platform/files/ItemIdentity.h"
 #include "Platform/files/PlatformError.h"
-#include "Platform/files/StagedChange.h"
+#include "Platform/staging/StagedChange.h"
 
 #include <algorithm>
 #include <fcntl.h>

@@ -2,8 +2,8 @@
 
 #include "Base/Error.h"
 #include "LaunchKit/CopyFindings.h"
-#include "Platform/files/FolderCopy.h"
-#include "Platform/files/StagedFolder.h"
+#include "Platform/copying/FolderCopy.h"
+#include "Platform/staging/StagedFolder.h"
 
 #include <atomic>
 #include <filesystem>

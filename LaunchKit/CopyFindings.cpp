@@ -2,7 +2,7 @@
 
 #include "Platform/files/DatabaseCount.h"
 #include "Platform/files/PlatformError.h"
-#include "Platform/files/StagedFolder.h"
+#include "Platform/staging/StagedFolder.h"
 
 #include <algorithm>
 #include <cctype>

@@ -4,8 +4,8 @@
 #include "LaunchKit/WrapperFactory.h"
 #include "LaunchKit/WrapperLayout.h"
 #include "Platform/files/FileSystem.h"
-#include "Platform/files/UserFolders.h"
-#include "Platform/files/UserPaths.h"
+#include "Platform/homes/UserFolders.h"
+#include "Platform/homes/UserPaths.h"
 
 #include <algorithm>
 

@@ -6,8 +6,8 @@
 #include "LaunchKit/FirefoxProfiles.h"
 #include "LaunchKit/ShippedProfiles.h"
 #include "Platform/files/FileSystem.h"
-#include "Platform/files/UserPaths.h"
-#include "Platform/processes/DataFolders.h"
+#include "Platform/homes/DataFolders.h"
+#include "Platform/homes/UserPaths.h"
 #include "Platform/processes/ProcessFamily.h"
 
 #include <algorithm>

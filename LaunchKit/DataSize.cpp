@@ -1,7 +1,7 @@
 #include "LaunchKit/DataSize.h"
 
 #include "LaunchKit/DataFolderGuard.h"
-#include "Platform/files/FolderWalk.h"
+#include "Platform/removal/FolderWalk.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>

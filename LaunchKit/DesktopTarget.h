@@ -1,9 +1,9 @@
 #pragma once
 
-#include "Platform/desktop/DesktopEntry.h"
-#include "Platform/desktop/ExecLine.h"
-#include "Platform/desktop/ProgramResolution.h"
+#include "Platform/entries/DesktopEntry.h"
+#include "Platform/entries/ExecLine.h"
 #include "Platform/processes/Process.h"
+#include "Platform/programs/ProgramResolution.h"
 
 #include <filesystem>
 #include <optional>

@@ -1,12 +1,12 @@
 #include "LaunchKit/HomeMove.h"
 
-#include "Platform/files/ExclusiveRename.h"
 #include "Platform/files/FileHandle.h"
 #include "Platform/files/FileSystem.h"
-#include "Platform/files/MountBoundary.h"
 #include "Platform/files/PlatformError.h"
-#include "Platform/files/TreeFlush.h"
 #include "Platform/files/UnsupportedOperation.h"
+#include "Platform/removal/MountBoundary.h"
+#include "Platform/staging/ExclusiveRename.h"
+#include "Platform/staging/TreeFlush.h"
 
 #include <cerrno>
 #include <fcntl.h>

@@ -9,8 +9,8 @@
 #include "Platform/files/FileHandle.h"
 #include "Platform/files/FileSystem.h"
 #include "Platform/files/PlatformError.h"
-#include "Platform/files/UserPaths.h"
-#include "Platform/processes/IsolatedEnvironment.h"
+#include "Platform/homes/IsolatedEnvironment.h"
+#include "Platform/homes/UserPaths.h"
 
 namespace quorvel {
 namespace {

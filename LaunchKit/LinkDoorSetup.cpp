@@ -7,13 +7,13 @@
 #include "LaunchKit/HelperProgram.h"
 #include "LaunchKit/LinkOpener.h"
 #include "LinkDoor/LinkSession.h"
-#include "Platform/desktop/DefaultApplication.h"
-#include "Platform/desktop/MimeAppsList.h"
+#include "Platform/entries/DefaultApplication.h"
+#include "Platform/entries/MimeAppsList.h"
 #include "Platform/files/ContainedFolder.h"
 #include "Platform/files/FileReading.h"
 #include "Platform/files/FileSystem.h"
-#include "Platform/files/UserPaths.h"
-#include "Platform/processes/FolderVariable.h"
+#include "Platform/homes/FolderVariable.h"
+#include "Platform/homes/UserPaths.h"
 
 #include <algorithm>
 #include <array>

@@ -6,7 +6,7 @@
 #include "LaunchKit/InstanceConfig.h"
 #include "LaunchKit/WrapperLayout.h"
 #include "Platform/files/FileSystem.h"
-#include "Platform/files/UserPaths.h"
+#include "Platform/homes/UserPaths.h"
 
 namespace quorvel {
 namespace {

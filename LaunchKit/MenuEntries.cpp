@@ -11,8 +11,8 @@
 #include "LaunchKit/MenuTarget.h"
 #include "LaunchKit/WindowWord.h"
 #include "LaunchKit/WrapperLayout.h"
-#include "Platform/desktop/ExecLine.h"
-#include "Platform/desktop/MenuEntry.h"
+#include "Platform/entries/ExecLine.h"
+#include "Platform/entries/MenuEntry.h"
 #include "Platform/files/FileReading.h"
 #include "Platform/files/FileSystem.h"
 

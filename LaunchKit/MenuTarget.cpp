@@ -3,8 +3,8 @@
 #include "Base/BundleName.h"
 #include "LaunchKit/DesktopTarget.h"
 #include "LaunchKit/InstanceConfig.h"
-#include "Platform/desktop/DesktopEntry.h"
-#include "Platform/desktop/ExecLine.h"
+#include "Platform/entries/DesktopEntry.h"
+#include "Platform/entries/ExecLine.h"
 #include "Platform/files/PlatformError.h"
 
 #include <algorithm>

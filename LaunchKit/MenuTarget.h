@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Platform/desktop/DesktopEntry.h"
+#include "Platform/entries/DesktopEntry.h"
 
 #include <string>
 #include <vector>

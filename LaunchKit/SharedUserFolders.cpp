@@ -1,12 +1,12 @@
 #include "LaunchKit/SharedUserFolders.h"
 
 #include "Base/PathText.h"
-#include "Platform/files/FileRemoval.h"
+#include "Platform/copying/ItemMover.h"
 #include "Platform/files/FileSystem.h"
-#include "Platform/files/ItemMover.h"
 #include "Platform/files/PlatformError.h"
-#include "Platform/files/UserFolders.h"
-#include "Platform/files/UserPaths.h"
+#include "Platform/homes/UserFolders.h"
+#include "Platform/homes/UserPaths.h"
+#include "Platform/removal/FileRemoval.h"
 
 namespace quorvel {
 namespace fs = std::filesystem;

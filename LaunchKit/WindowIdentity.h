@@ -1,7 +1,7 @@
 #pragma once
 
-#include "Platform/desktop/ProgramResolution.h"
 #include "Platform/processes/Process.h"
+#include "Platform/programs/ProgramResolution.h"
 
 #include <optional>
 #include <string>

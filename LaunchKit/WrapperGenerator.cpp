@@ -7,9 +7,9 @@
 #include "LaunchKit/WrapperWriting.h"
 #include "Platform/files/FileSystem.h"
 #include "Platform/files/ItemIdentity.h"
-#include "Platform/files/ItemRemoval.h"
 #include "Platform/files/PlatformError.h"
-#include "Platform/files/StagedChange.h"
+#include "Platform/removal/ItemRemoval.h"
+#include "Platform/staging/StagedChange.h"
 
 namespace quorvel {
 namespace fs = std::filesystem;

@@ -3,7 +3,7 @@
 #include "Base/Text.h"
 #include "LaunchKit/AppIcon.h"
 #include "LaunchKit/IconComposer.h"
-#include "Platform/files/FileCopy.h"
+#include "Platform/copying/FileCopy.h"
 #include "Platform/files/FileSystem.h"
 #include "Platform/files/FileWriting.h"
 #include "Platform/files/PlatformError.h"

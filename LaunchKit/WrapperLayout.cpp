@@ -4,7 +4,7 @@
 #include "Base/PathText.h"
 #include "LaunchKit/InstanceConfig.h"
 #include "Platform/files/FileSystem.h"
-#include "Platform/files/UserPaths.h"
+#include "Platform/homes/UserPaths.h"
 
 #include <algorithm>
 #include <initializer_list>

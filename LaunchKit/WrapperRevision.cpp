@@ -9,14 +9,14 @@
 #include "LaunchKit/WrapperLayout.h"
 #include "LaunchKit/WrapperPropertyList.h"
 #include "LaunchKit/WrapperWriting.h"
+#include "Platform/copying/FolderCopy.h"
 #include "Platform/files/FileReading.h"
 #include "Platform/files/FileSystem.h"
 #include "Platform/files/Folder.h"
-#include "Platform/files/FolderCopy.h"
 #include "Platform/files/ItemIdentity.h"
-#include "Platform/files/ItemRemoval.h"
 #include "Platform/files/PlatformError.h"
 #include "Platform/files/PropertyListFile.h"
+#include "Platform/removal/ItemRemoval.h"
 
 #include <utility>
 

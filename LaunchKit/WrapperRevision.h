@@ -5,8 +5,8 @@
 #include "LaunchKit/CloneSettings.h"
 #include "LaunchKit/WrapperIcon.h"
 #include "LaunchKit/WrapperNotes.h"
-#include "Platform/files/StagedChange.h"
 #include "Platform/processes/LoadedModule.h"
+#include "Platform/staging/StagedChange.h"
 
 #include <filesystem>
 #include <optional>

@@ -6,7 +6,7 @@
 #include "LaunchKit/InstanceConfig.h"
 #include "LaunchKit/StatusItemStart.h"
 #include "LaunchKit/WrapperLayout.h"
-#include "Platform/files/FileCopy.h"
+#include "Platform/copying/FileCopy.h"
 #include "Platform/files/FileSystem.h"
 #include "Platform/files/FileWriting.h"
 #include "Platform/files/PlatformError.h"

@@ -1,6 +1,6 @@
 #include "WebHost/Handover.h"
 
-#include "Platform/processes/LocalSocket.h"
+#include "Platform/sockets/LocalSocket.h"
 #include "WebHost/WebAddress.h"
 
 namespace quorvel {

@@ -1,6 +1,6 @@
 #include "WebHost/IconPicture_linux.h"
 
-#include "Platform/desktop/GObjects_linux.h"
+#include "Platform/statusitem/GObjects_linux.h"
 
 #include <gdk-pixbuf/gdk-pixbuf.h>
 

@@ -1,6 +1,6 @@
 #include "WebHost/OpenGLName_linux.h"
 
-#include "Platform/desktop/GObjects_linux.h"
+#include "Platform/statusitem/GObjects_linux.h"
 
 #include <epoxy/gl.h>
 #include <gtk/gtk.h>

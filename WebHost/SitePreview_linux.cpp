@@ -3,7 +3,7 @@
 // decoded here, where a fault harms nothing else.
 #include "Base/Error.h"
 #include "Base/TerminalText.h"
-#include "Platform/desktop/GObjects_linux.h"
+#include "Platform/statusitem/GObjects_linux.h"
 #include "WebHost/IconPicture_linux.h"
 #include "WebHost/SiteHead.h"
 #include "WebHost/WebAddress.h"

@@ -1,10 +1,10 @@
 #include "WebHost/StagedDownload.h"
 
 #include "Base/RandomUuid.h"
-#include "Platform/files/ExclusiveRename.h"
 #include "Platform/files/FileSystem.h"
 #include "Platform/files/PlatformError.h"
 #include "Platform/files/UnsupportedOperation.h"
+#include "Platform/staging/ExclusiveRename.h"
 #include "WebHost/DownloadName.h"
 
 #include <cerrno>

@@ -3,7 +3,7 @@
 #include "Platform/files/ContainedFolder.h"
 #include "Platform/files/FileSystem.h"
 #include "Platform/files/PlatformError.h"
-#include "Platform/processes/IsolatedEnvironment.h"
+#include "Platform/homes/IsolatedEnvironment.h"
 
 #include <algorithm>
 #include <array>

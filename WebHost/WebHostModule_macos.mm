@@ -2,8 +2,8 @@
 
 #include "LaunchKit/InstanceConfig.h"
 #include "LaunchKit/InstanceLauncher.h"
-#include "Platform/files/UserFolders.h"
-#include "Platform/files/UserPaths.h"
+#include "Platform/homes/UserFolders.h"
+#include "Platform/homes/UserPaths.h"
 #include "Platform/processes/FileMask.h"
 #include "Platform/processes/ProcessReplacement.h"
 #include "WebHost/WebAddress.h"

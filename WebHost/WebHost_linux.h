@@ -1,7 +1,7 @@
 #pragma once
 
 #include "LaunchKit/WebBadge.h"
-#include "Platform/desktop/StatusItem_linux.h"
+#include "Platform/statusitem/StatusItem_linux.h"
 #include "WebHost/AppliedSettings_linux.h"
 #include "WebHost/CertificateExceptions.h"
 #include "WebHost/ColorSchemeFollower_linux.h"

@@ -3,7 +3,7 @@
 #include "Base/StableHash.h"
 #include "Base/TerminalText.h"
 #include "LaunchKit/WebBadge.h"
-#include "Platform/desktop/StatusItem_macos.h"
+#include "Platform/statusitem/StatusItem_macos.h"
 #include "WebHost/AppliedSettings_macos.h"
 #include "WebHost/BadgeScript.h"
 #include "WebHost/DockBadge_macos.h"

@@ -1,6 +1,6 @@
 #include "WebHost/WebRecords.h"
 
-#include "Platform/files/ExclusiveRename.h"
+#include "Platform/staging/ExclusiveRename.h"
 
 #include <cerrno>
 

@@ -4,7 +4,7 @@
 #include "Base/Text.h"
 #include "LaunchKit/DataSize.h"
 #include "Platform/files/FileSystem.h"
-#include "Platform/files/UserPaths.h"
+#include "Platform/homes/UserPaths.h"
 #include "Presentation/ChangeTexts.h"
 #include "Presentation/CloneNaming.h"
 #include "Presentation/JoinedText.h"

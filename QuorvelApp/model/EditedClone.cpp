@@ -3,7 +3,7 @@
 #include "Base/Text.h"
 #include "LaunchKit/CloneRevision.h"
 #include "LaunchKit/InstanceRecord.h"
-#include "Platform/files/UserPaths.h"
+#include "Platform/homes/UserPaths.h"
 #include "Presentation/CloneFacts.h"
 #include "QuorvelApp/model/FormTexts.h"
 #include "QuorvelApp/model/Translated.h"

@@ -1,7 +1,7 @@
 #include "LaunchKit/HomeLock.h"
 #include "LaunchKit/InstanceConfig.h"
 #include "LaunchKit/InstanceRecord.h"
-#include "Platform/desktop/ActivationError.h"
+#include "Platform/windows/ActivationError.h"
 #include "tests/CommandLine/CommandLineHarness.h"
 #include "tests/support/AppBundles.h"
 #include "tests/support/UnprivilegedUser.h"

@@ -4,7 +4,7 @@
 #include "LaunchKit/InstanceRecord.h"
 #include "LaunchKit/MenuEntries.h"
 #include "LaunchKit/WrapperLayout.h"
-#include "Platform/desktop/MenuEntry.h"
+#include "Platform/entries/MenuEntry.h"
 #include "tests/support/AppBundles.h"
 #include "tests/support/EveryStep.h"
 

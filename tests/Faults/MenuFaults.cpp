@@ -3,7 +3,7 @@
 #include "LaunchKit/InstanceRecord.h"
 #include "LaunchKit/MenuEntries.h"
 #include "LaunchKit/WindowWord.h"
-#include "Platform/desktop/MenuEntry.h"
+#include "Platform/entries/MenuEntry.h"
 
 #include <chrono>
 #include <memory>

@@ -2,9 +2,9 @@
 
 #include "LaunchKit/ChangeJournal.h"
 #include "LaunchKit/WrapperLayout.h"
-#include "Platform/desktop/MenuEntry.h"
+#include "Platform/entries/MenuEntry.h"
 #include "Platform/files/ItemIdentity.h"
-#include "Platform/files/StagedChange.h"
+#include "Platform/staging/StagedChange.h"
 #include "tests/LaunchKit/ChangedClones.h"
 #include "tests/support/DesktopApps.h"
 

@@ -2,7 +2,7 @@
 
 #include "LaunchKit/HomeLock.h"
 #include "LaunchKit/RequestCheck.h"
-#include "Platform/desktop/MenuEntry.h"
+#include "Platform/entries/MenuEntry.h"
 #include "Platform/files/PropertyListFile.h"
 #include "tests/LaunchKit/ChangedClones.h"
 

@@ -4,7 +4,7 @@
 #include "LaunchKit/InstanceConfig.h"
 #include "LaunchKit/InstanceRecord.h"
 #include "LaunchKit/InstanceRegistry.h"
-#include "Platform/files/StagedChange.h"
+#include "Platform/staging/StagedChange.h"
 #include "tests/support/AppBundles.h"
 #include "tests/support/TemporaryHome.h"
 

@@ -7,7 +7,7 @@
 #include "LaunchKit/WindowWord.h"
 #include "LaunchKit/WrapperFactory.h"
 #include "LaunchKit/WrapperGenerator.h"
-#include "Platform/desktop/MenuEntry.h"
+#include "Platform/entries/MenuEntry.h"
 #include "Platform/files/FileSystem.h"
 #include "Platform/processes/Process.h"
 #include "tests/LaunchKit/MenuEntriesFixture.h"

@@ -2,7 +2,7 @@
 
 #include "LaunchKit/CloneCreation.h"
 #include "LaunchKit/CloneStop.h"
-#include "Platform/files/UserPaths.h"
+#include "Platform/homes/UserPaths.h"
 #include "tests/support/AppBundles.h"
 #include "tests/support/TemporaryHome.h"
 #include "tests/support/Waiting.h"
