@@ -2,9 +2,9 @@
 
 #include "Base/PathText.h"
 #include "CommandLine/CommandContext.h"
-#include "LaunchKit/ChangeRecovery.h"
+#include "LaunchKit/Changes/ChangeRecovery.h"
 #include "LaunchKit/InstanceRecord.h"
-#include "LaunchKit/WrapperLayout.h"
+#include "LaunchKit/Wrappers/WrapperLayout.h"
 #include "Platform/files/FileSystem.h"
 #include "Platform/homes/UserPaths.h"
 

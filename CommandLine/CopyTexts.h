@@ -1,7 +1,7 @@
 #pragma once
 
 #include "CommandLine/CommandContext.h"
-#include "LaunchKit/CopyFindings.h"
+#include "LaunchKit/Copying/CopyFindings.h"
 #include "Platform/copying/FolderCopy.h"
 #include "Platform/processes/InterruptFlag.h"
 

@@ -1,9 +1,9 @@
 #include "LaunchKit/AppCatalog.h"
 
 #include "Base/BundleName.h"
-#include "LaunchKit/AppIcon.h"
 #include "LaunchKit/NameOrder.h"
-#include "LaunchKit/WrapperLayout.h"
+#include "LaunchKit/Targets/AppIcon.h"
+#include "LaunchKit/Wrappers/WrapperLayout.h"
 #include "Platform/entries/IconTheme.h"
 #include "Platform/entries/InstalledApplications.h"
 #include "Platform/files/FileSystem.h"

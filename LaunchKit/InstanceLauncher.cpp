@@ -2,9 +2,9 @@
 
 #include "Base/PathText.h"
 #include "LaunchKit/InstanceConfig.h"
-#include "LaunchKit/LinkDoorSetup.h"
-#include "LaunchKit/NoSessionBus.h"
-#include "LaunchKit/WindowIdentity.h"
+#include "LaunchKit/Launching/LinkDoorSetup.h"
+#include "LaunchKit/Launching/WindowIdentity.h"
+#include "LaunchKit/Targets/NoSessionBus.h"
 #include "Platform/files/ContainedFolder.h"
 #include "Platform/files/FileHandle.h"
 #include "Platform/files/FileSystem.h"

@@ -2,7 +2,7 @@
 
 #include "Base/PathText.h"
 #include "Base/RandomUuid.h"
-#include "LaunchKit/AppEngine.h"
+#include "LaunchKit/Targets/AppEngine.h"
 #include "Platform/files/FileSystem.h"
 #include "Platform/homes/IsolatedEnvironment.h"
 #include "Platform/homes/UserPaths.h"

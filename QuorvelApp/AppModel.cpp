@@ -1,6 +1,6 @@
 #include "QuorvelApp/AppModel.h"
 
-#include "LaunchKit/FolderSharing.h"
+#include "LaunchKit/Homes/FolderSharing.h"
 #include "LaunchKit/IconCheck.h"
 #include "LaunchKit/InstanceLauncher.h"
 #include "LaunchKit/InstanceRecord.h"

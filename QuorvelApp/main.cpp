@@ -1,4 +1,4 @@
-#include "LaunchKit/ChangeRecovery.h"
+#include "LaunchKit/Changes/ChangeRecovery.h"
 #include "LaunchKit/InstanceRegistry.h"
 #include "Platform/windows/ActivationTokens.h"
 #include "QuorvelApp/QuorvelApp.h"

@@ -1,7 +1,7 @@
 #include "WebHost/OutsideLinks.h"
 
-#include "LaunchKit/LinkDoorSetup.h"
-#include "LaunchKit/LinkOpener.h"
+#include "LaunchKit/Launching/LinkDoorSetup.h"
+#include "LaunchKit/Launching/LinkOpener.h"
 #include "LinkDoor/DefaultBrowser.h"
 #include "LinkDoor/LinkAddress.h"
 #include "LinkDoor/LinkSession.h"

@@ -1,7 +1,7 @@
 #include "WebHost/OutsideOpener_macos.h"
 
 #include "Base/BundleLayout.h"
-#include "LaunchKit/LinkOpener.h"
+#include "LaunchKit/Launching/LinkOpener.h"
 #include "LinkDoor/LinkAddress.h"
 #include "WebHost/NSText_macos.h"
 #include "WebHost/WebAddress.h"

@@ -2,7 +2,7 @@
 
 #include "LaunchKit/InstanceConfig.h"
 #include "LaunchKit/InstanceLauncher.h"
-#include "LaunchKit/WindowWord.h"
+#include "LaunchKit/Launching/WindowWord.h"
 #include "Platform/entries/MenuEntry.h"
 #include "Platform/homes/UserFolders.h"
 #include "Platform/homes/UserPaths.h"

@@ -1,10 +1,10 @@
 #include "benchmarks/Benchmarks.h"
 
 #include "Base/RandomUuid.h"
-#include "LaunchKit/CloneRefresh.h"
+#include "LaunchKit/Changes/CloneRefresh.h"
 #include "LaunchKit/InstanceRecord.h"
 #include "LaunchKit/InstanceRegistry.h"
-#include "LaunchKit/MenuEntries.h"
+#include "LaunchKit/Menu/MenuEntries.h"
 #include "LaunchKit/WrapperGenerator.h"
 #include "Platform/files/FileReading.h"
 #include "Platform/staging/ExclusiveRename.h"

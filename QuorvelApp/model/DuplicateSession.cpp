@@ -2,7 +2,7 @@
 
 #include "Base/Error.h"
 #include "Base/Text.h"
-#include "LaunchKit/DataSize.h"
+#include "LaunchKit/Copying/DataSize.h"
 #include "Platform/files/FileSystem.h"
 #include "Platform/homes/UserPaths.h"
 #include "Presentation/ChangeTexts.h"

@@ -1,7 +1,7 @@
 #include "QuorvelApp/model/EditedClone.h"
 
 #include "Base/Text.h"
-#include "LaunchKit/CloneRevision.h"
+#include "LaunchKit/Changes/CloneRevision.h"
 #include "LaunchKit/InstanceRecord.h"
 #include "Platform/homes/UserPaths.h"
 #include "Presentation/CloneFacts.h"

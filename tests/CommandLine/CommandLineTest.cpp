@@ -1,4 +1,4 @@
-#include "LaunchKit/HomeLock.h"
+#include "LaunchKit/Homes/HomeLock.h"
 #include "LaunchKit/InstanceConfig.h"
 #include "LaunchKit/InstanceRecord.h"
 #include "Platform/windows/ActivationError.h"

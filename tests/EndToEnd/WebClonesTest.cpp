@@ -1,5 +1,5 @@
 // Web clones with the real engine, in a session of an ordinary user.
-#include "LaunchKit/WindowWord.h"
+#include "LaunchKit/Launching/WindowWord.h"
 #include "WebHost/DrawingChoice.h"
 #include "tests/EndToEnd/WebCloneFixture.h"
 

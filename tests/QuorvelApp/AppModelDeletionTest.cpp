@@ -1,4 +1,4 @@
-#include "LaunchKit/WindowWord.h"
+#include "LaunchKit/Launching/WindowWord.h"
 #include "Platform/entries/MenuEntry.h"
 #include "tests/QuorvelApp/AppModelFixture.h"
 #include "tests/support/UnprivilegedUser.h"

@@ -1,7 +1,7 @@
 #include "tests/QuorvelApp/RealClones.h"
 
-#include "LaunchKit/CloneCreation.h"
-#include "LaunchKit/CloneStop.h"
+#include "LaunchKit/Changes/CloneCreation.h"
+#include "LaunchKit/Changes/CloneStop.h"
 #include "Platform/homes/UserPaths.h"
 #include "tests/support/AppBundles.h"
 #include "tests/support/TemporaryHome.h"

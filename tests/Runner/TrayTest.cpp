@@ -1,8 +1,8 @@
 // The icon in the tray, which the runner has a program show while the clone runs.
 #include "tests/Runner/Tray.h"
 #include "LaunchKit/InstanceRecord.h"
-#include "LaunchKit/MenuEntries.h"
-#include "LaunchKit/WindowWord.h"
+#include "LaunchKit/Launching/WindowWord.h"
+#include "LaunchKit/Menu/MenuEntries.h"
 #include "Platform/entries/DesktopEntry.h"
 #include "Platform/entries/MenuEntry.h"
 #include "Platform/processes/ProcessFamily.h"
