@@ -10,8 +10,8 @@
 #include "Platform/processes/LoadedModule.h"
 #include "Runner/RunnerMessages.h"
 #include "WebHost/Handover.h"
-#include "WebHost/WebAddress.h"
-#include "WebHost/WebHome.h"
+#include "WebHost/Links/WebAddress.h"
+#include "WebHost/Storage/WebHome.h"
 #include "WebHost/WebHostModule.h"
 
 #include <algorithm>

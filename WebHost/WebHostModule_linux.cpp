@@ -9,10 +9,10 @@
 #include "Platform/processes/FileMask.h"
 #include "Platform/processes/ProcessReplacement.h"
 #include "Platform/statusitem/SessionBus_linux.h"
-#include "WebHost/DrawingChoice.h"
-#include "WebHost/OpenGLName_linux.h"
-#include "WebHost/WebAddress.h"
+#include "WebHost/Links/WebAddress.h"
 #include "WebHost/WebHost_linux.h"
+#include "WebHost/Window/DrawingChoice.h"
+#include "WebHost/Window/OpenGLName_linux.h"
 
 #include <gtk/gtk.h>
 

@@ -6,9 +6,9 @@
 #include "Platform/homes/UserPaths.h"
 #include "Platform/processes/FileMask.h"
 #include "Platform/processes/ProcessReplacement.h"
-#include "WebHost/WebAddress.h"
+#include "WebHost/Links/WebAddress.h"
+#include "WebHost/Storage/WebStore_macos.h"
 #include "WebHost/WebHost_macos.h"
-#include "WebHost/WebStore_macos.h"
 
 #include <unistd.h>
 
