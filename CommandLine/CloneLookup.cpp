@@ -2,11 +2,11 @@
 
 #include "Base/PathText.h"
 #include "CommandLine/CommandContext.h"
-#include "LaunchKit/ChangeRecovery.h"
+#include "LaunchKit/Changes/ChangeRecovery.h"
 #include "LaunchKit/InstanceRecord.h"
-#include "LaunchKit/WrapperLayout.h"
+#include "LaunchKit/Wrappers/WrapperLayout.h"
 #include "Platform/files/FileSystem.h"
-#include "Platform/files/UserPaths.h"
+#include "Platform/homes/UserPaths.h"
 
 #include <algorithm>
 

@@ -1,8 +1,8 @@
 #include "CommandLine/CloneTexts.h"
 
 #include "Base/TerminalText.h"
-#include "LaunchKit/AppEngine.h"
 #include "LaunchKit/InstanceRecord.h"
+#include "LaunchKit/Targets/AppEngine.h"
 #include "Presentation/AppTexts.h"
 #include "Presentation/JoinedText.h"
 #include "Presentation/SystemWords.h"

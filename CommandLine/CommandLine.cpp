@@ -12,7 +12,7 @@
 #include "CommandLine/OptionBinding.h"
 #include "CommandLine/ProbeCommands.h"
 #include "CommandLine/StopCommand.h"
-#include "LaunchKit/ChangeRecovery.h"
+#include "LaunchKit/Changes/ChangeRecovery.h"
 
 #include <CLI/CLI.hpp>
 

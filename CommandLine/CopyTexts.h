@@ -1,8 +1,8 @@
 #pragma once
 
 #include "CommandLine/CommandContext.h"
-#include "LaunchKit/CopyFindings.h"
-#include "Platform/files/FolderCopy.h"
+#include "LaunchKit/Copying/CopyFindings.h"
+#include "Platform/copying/FolderCopy.h"
 #include "Platform/processes/InterruptFlag.h"
 
 #include <nlohmann/json_fwd.hpp>

@@ -3,7 +3,7 @@
 #include "CommandLine/CloneLookup.h"
 #include "CommandLine/CommandContext.h"
 #include "CommandLine/OptionBinding.h"
-#include "LaunchKit/RequestCheck.h"
+#include "LaunchKit/Changes/RequestCheck.h"
 #include "Presentation/SystemWords.h"
 
 #include <CLI/CLI.hpp>

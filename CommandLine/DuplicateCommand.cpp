@@ -4,8 +4,8 @@
 #include "CommandLine/CloneLookup.h"
 #include "CommandLine/CloneTexts.h"
 #include "CommandLine/CopyTexts.h"
-#include "LaunchKit/CloneDuplication.h"
-#include "LaunchKit/MenuEntries.h"
+#include "LaunchKit/Copying/CloneDuplication.h"
+#include "LaunchKit/Menu/MenuEntries.h"
 #include "Presentation/ChangeTexts.h"
 
 #include <nlohmann/json.hpp>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "LaunchKit/CloneChange.h"
+#include "LaunchKit/Changes/CloneChange.h"
 #include "LaunchKit/InstanceRegistry.h"
 
 #include <optional>

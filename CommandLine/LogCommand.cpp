@@ -3,7 +3,7 @@
 #include "CommandLine/CloneLookup.h"
 #include "CommandLine/CloneTexts.h"
 #include "LaunchKit/InstanceRecord.h"
-#include "LaunchKit/LogReader.h"
+#include "LaunchKit/Launching/LogReader.h"
 #include "Presentation/SafeLog.h"
 
 #include <nlohmann/json.hpp>

@@ -3,7 +3,7 @@
 #include "Base/TerminalText.h"
 #include "CommandLine/CloneLookup.h"
 #include "CommandLine/CloneTexts.h"
-#include "LaunchKit/FolderSharing.h"
+#include "LaunchKit/Homes/FolderSharing.h"
 #include "LaunchKit/InstanceLauncher.h"
 #include "LaunchKit/InstanceRecord.h"
 #include "Presentation/MigrationSummary.h"

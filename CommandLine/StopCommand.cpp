@@ -4,7 +4,7 @@
 #include "CommandLine/CloneLookup.h"
 #include "CommandLine/CloneTexts.h"
 #include "CommandLine/Confirmation.h"
-#include "LaunchKit/CloneStop.h"
+#include "LaunchKit/Changes/CloneStop.h"
 #include "Presentation/StopTexts.h"
 #include "Presentation/SystemWords.h"
 

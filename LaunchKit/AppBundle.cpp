@@ -3,7 +3,7 @@
 #include "Base/BundleLayout.h"
 #include "Base/BundleName.h"
 #include "Base/Utf8.h"
-#include "Platform/desktop/EntryFolders.h"
+#include "Platform/entries/EntryFolders.h"
 #include "Platform/files/FileSystem.h"
 #include "Platform/files/PlatformError.h"
 #include "Platform/files/PropertyListFile.h"

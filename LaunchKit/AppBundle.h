@@ -1,7 +1,7 @@
 #pragma once
 
-#include "LaunchKit/DesktopTarget.h"
 #include "LaunchKit/Records/EnumNames.h"
+#include "LaunchKit/Targets/DesktopTarget.h"
 
 #include <filesystem>
 #include <functional>

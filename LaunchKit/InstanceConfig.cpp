@@ -3,7 +3,7 @@
 #include "LaunchKit/Records/RecordReader.h"
 #include "LaunchKit/Records/RecordWriter.h"
 #include "Platform/files/FileReading.h"
-#include "Platform/files/UserPaths.h"
+#include "Platform/homes/UserPaths.h"
 
 #include <utility>
 

@@ -2,15 +2,15 @@
 
 #include "Base/PathText.h"
 #include "LaunchKit/InstanceConfig.h"
-#include "LaunchKit/LinkDoorSetup.h"
-#include "LaunchKit/NoSessionBus.h"
-#include "LaunchKit/WindowIdentity.h"
+#include "LaunchKit/Launching/LinkDoorSetup.h"
+#include "LaunchKit/Launching/WindowIdentity.h"
+#include "LaunchKit/Targets/NoSessionBus.h"
 #include "Platform/files/ContainedFolder.h"
 #include "Platform/files/FileHandle.h"
 #include "Platform/files/FileSystem.h"
 #include "Platform/files/PlatformError.h"
-#include "Platform/files/UserPaths.h"
-#include "Platform/processes/IsolatedEnvironment.h"
+#include "Platform/homes/IsolatedEnvironment.h"
+#include "Platform/homes/UserPaths.h"
 
 namespace quorvel {
 namespace {

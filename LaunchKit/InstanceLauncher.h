@@ -4,7 +4,7 @@
 #include "Base/Error.h"
 #include "LaunchKit/AppBundle.h"
 #include "LaunchKit/CloneOptions.h"
-#include "LaunchKit/SharedUserFolders.h"
+#include "LaunchKit/Homes/SharedUserFolders.h"
 #include "Platform/files/FileHandle.h"
 #include "Platform/processes/Process.h"
 

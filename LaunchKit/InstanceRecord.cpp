@@ -1,6 +1,6 @@
 #include "LaunchKit/InstanceRecord.h"
 
-#include "LaunchKit/WrapperLayout.h"
+#include "LaunchKit/Wrappers/WrapperLayout.h"
 #include "Platform/files/FileSystem.h"
 
 namespace quorvel {

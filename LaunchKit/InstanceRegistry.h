@@ -1,6 +1,6 @@
 #pragma once
 
-#include "LaunchKit/DeletedData.h"
+#include "LaunchKit/Changes/DeletedData.h"
 
 #include <filesystem>
 #include <functional>

@@ -2,12 +2,12 @@
 
 #include "Base/PathText.h"
 #include "Base/Text.h"
-#include "LaunchKit/AppIcon.h"
 #include "LaunchKit/InstanceRecord.h"
-#include "LaunchKit/MenuEntries.h"
+#include "LaunchKit/Menu/MenuEntries.h"
 #include "LaunchKit/RunnerLocator.h"
+#include "LaunchKit/Targets/AppIcon.h"
 #include "LaunchKit/WrapperGenerator.h"
-#include "LaunchKit/WrapperLayout.h"
+#include "LaunchKit/Wrappers/WrapperLayout.h"
 #include "Platform/files/PlatformError.h"
 
 namespace quorvel {

@@ -2,8 +2,8 @@
 
 #include "Base/Error.h"
 #include "LaunchKit/AppBundle.h"
-#include "LaunchKit/AppEngine.h"
 #include "LaunchKit/CloneOptions.h"
+#include "LaunchKit/Targets/AppEngine.h"
 
 #include <filesystem>
 #include <functional>

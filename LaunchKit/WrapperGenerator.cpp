@@ -1,15 +1,15 @@
 #include "LaunchKit/WrapperGenerator.h"
 
 #include "Base/PathText.h"
-#include "LaunchKit/WrapperLayout.h"
-#include "LaunchKit/WrapperPropertyList.h"
-#include "LaunchKit/WrapperRevision.h"
-#include "LaunchKit/WrapperWriting.h"
+#include "LaunchKit/Wrappers/WrapperLayout.h"
+#include "LaunchKit/Wrappers/WrapperPropertyList.h"
+#include "LaunchKit/Wrappers/WrapperRevision.h"
+#include "LaunchKit/Wrappers/WrapperWriting.h"
 #include "Platform/files/FileSystem.h"
 #include "Platform/files/ItemIdentity.h"
-#include "Platform/files/ItemRemoval.h"
 #include "Platform/files/PlatformError.h"
-#include "Platform/files/StagedChange.h"
+#include "Platform/removal/ItemRemoval.h"
+#include "Platform/staging/StagedChange.h"
 
 namespace quorvel {
 namespace fs = std::filesystem;

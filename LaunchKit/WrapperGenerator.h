@@ -3,7 +3,7 @@
 #include "Base/Error.h"
 #include "LaunchKit/AppBundle.h"
 #include "LaunchKit/InstanceConfig.h"
-#include "LaunchKit/WrapperNotes.h"
+#include "LaunchKit/Wrappers/WrapperNotes.h"
 #include "Platform/processes/LoadedModule.h"
 
 #include <filesystem>

@@ -2,12 +2,12 @@
 
 #include "Base/PathText.h"
 #include "LinkDoor/LinkSession.h"
-#include "Platform/desktop/DefaultApplication.h"
-#include "Platform/desktop/ExecLine.h"
-#include "Platform/desktop/ProgramResolution.h"
+#include "Platform/entries/DefaultApplication.h"
+#include "Platform/entries/ExecLine.h"
 #include "Platform/files/FileSystem.h"
-#include "Platform/files/UserPaths.h"
+#include "Platform/homes/UserPaths.h"
 #include "Platform/processes/MainExecutable.h"
+#include "Platform/programs/ProgramResolution.h"
 
 #include <algorithm>
 

@@ -5,8 +5,8 @@
 #include "Base/SplitText.h"
 #include "Platform/files/FileSystem.h"
 #include "Platform/files/PrivateFile.h"
-#include "Platform/files/UserPaths.h"
-#include "Platform/processes/FolderVariable.h"
+#include "Platform/homes/FolderVariable.h"
+#include "Platform/homes/UserPaths.h"
 
 #include <algorithm>
 #include <array>

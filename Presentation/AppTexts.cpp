@@ -1,7 +1,7 @@
 #include "Presentation/AppTexts.h"
 
 #include "LaunchKit/AppBundle.h"
-#include "LaunchKit/NoSessionBus.h"
+#include "LaunchKit/Targets/NoSessionBus.h"
 
 namespace quorvel {
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "LaunchKit/WindowIdentity.h"
+#include "LaunchKit/Launching/WindowIdentity.h"
 #include "Presentation/Translation.h"
 
 #include <map>

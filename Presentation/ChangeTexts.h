@@ -1,7 +1,7 @@
 #pragma once
 
-#include "LaunchKit/CloneChange.h"
-#include "LaunchKit/CloneRefresh.h"
+#include "LaunchKit/Changes/CloneChange.h"
+#include "LaunchKit/Changes/CloneRefresh.h"
 #include "Presentation/Translation.h"
 
 #include <filesystem>

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "LaunchKit/CopyFindings.h"
-#include "Platform/files/FolderCopy.h"
+#include "LaunchKit/Copying/CopyFindings.h"
+#include "Platform/copying/FolderCopy.h"
 #include "Presentation/Translation.h"
 
 #include <functional>

@@ -2,10 +2,10 @@
 
 #include "Base/PathText.h"
 #include "Base/RandomUuid.h"
-#include "LaunchKit/AppEngine.h"
+#include "LaunchKit/Targets/AppEngine.h"
 #include "Platform/files/FileSystem.h"
-#include "Platform/files/UserPaths.h"
-#include "Platform/processes/IsolatedEnvironment.h"
+#include "Platform/homes/IsolatedEnvironment.h"
+#include "Platform/homes/UserPaths.h"
 #include "Platform/processes/ProcessActivity.h"
 #include "ProbeKit/CopyTrial.h"
 #include "ProbeKit/FSEventProbe.h"

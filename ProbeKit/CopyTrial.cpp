@@ -1,7 +1,7 @@
 #include "ProbeKit/CopyTrial.h"
 
 #include "LaunchKit/AppBundle.h"
-#include "LaunchKit/NoSessionBus.h"
+#include "LaunchKit/Targets/NoSessionBus.h"
 
 #include <utility>
 

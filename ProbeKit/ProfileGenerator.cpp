@@ -1,7 +1,7 @@
 #include "ProbeKit/ProfileGenerator.h"
 
 #include "Base/BundleName.h"
-#include "LaunchKit/AppEngine.h"
+#include "LaunchKit/Targets/AppEngine.h"
 
 namespace quorvel {
 namespace {

@@ -2,7 +2,7 @@
 
 #include "LaunchKit/AppProfile.h"
 #include "LaunchKit/InstanceLauncher.h"
-#include "LaunchKit/WindowIdentity.h"
+#include "LaunchKit/Launching/WindowIdentity.h"
 #include "QuorvelApp/model/AppServices.h"
 
 #include <QFuture>

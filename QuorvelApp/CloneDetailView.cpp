@@ -1,6 +1,6 @@
 #include "QuorvelApp/CloneDetailView.h"
 
-#include "LaunchKit/HomeLock.h"
+#include "LaunchKit/Homes/HomeLock.h"
 #include "LaunchKit/InstanceLauncher.h"
 #include "LaunchKit/InstanceRecord.h"
 #include "Presentation/DeletionWarning.h"

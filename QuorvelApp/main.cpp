@@ -1,6 +1,6 @@
-#include "LaunchKit/ChangeRecovery.h"
+#include "LaunchKit/Changes/ChangeRecovery.h"
 #include "LaunchKit/InstanceRegistry.h"
-#include "Platform/desktop/ActivationTokens.h"
+#include "Platform/windows/ActivationTokens.h"
 #include "QuorvelApp/QuorvelApp.h"
 #include "QuorvelApp/model/SystemTranslator.h"
 #include "QuorvelApp/theme/Appearance.h"

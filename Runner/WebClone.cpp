@@ -1,17 +1,17 @@
 #include "Runner/WebClone.h"
 
-#include "LaunchKit/HelperProgram.h"
-#include "LaunchKit/HomeLock.h"
+#include "LaunchKit/Homes/HomeLock.h"
 #include "LaunchKit/InstanceConfig.h"
-#include "LaunchKit/LogRotation.h"
-#include "LaunchKit/WrapperLayout.h"
+#include "LaunchKit/Launching/HelperProgram.h"
+#include "LaunchKit/Launching/LogRotation.h"
+#include "LaunchKit/Wrappers/WrapperLayout.h"
 #include "Platform/files/FileSystem.h"
 #include "Platform/files/PlatformError.h"
 #include "Platform/processes/LoadedModule.h"
 #include "Runner/RunnerMessages.h"
 #include "WebHost/Handover.h"
-#include "WebHost/WebAddress.h"
-#include "WebHost/WebHome.h"
+#include "WebHost/Links/WebAddress.h"
+#include "WebHost/Storage/WebHome.h"
 #include "WebHost/WebHostModule.h"
 
 #include <algorithm>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Platform/desktop/GObjects_linux.h"
+#include "Platform/statusitem/GObjects_linux.h"
 
 #include <functional>
 #include <utility>

@@ -1,7 +1,7 @@
 #include "WebHost/Handover.h"
 
-#include "Platform/processes/LocalSocket.h"
-#include "WebHost/WebAddress.h"
+#include "Platform/sockets/LocalSocket.h"
+#include "WebHost/Links/WebAddress.h"
 
 namespace quorvel {
 namespace {

@@ -2,17 +2,17 @@
 
 #include "LaunchKit/InstanceConfig.h"
 #include "LaunchKit/InstanceLauncher.h"
-#include "LaunchKit/WindowWord.h"
-#include "Platform/desktop/MenuEntry.h"
-#include "Platform/desktop/SessionBus_linux.h"
-#include "Platform/files/UserFolders.h"
-#include "Platform/files/UserPaths.h"
+#include "LaunchKit/Launching/WindowWord.h"
+#include "Platform/entries/MenuEntry.h"
+#include "Platform/homes/UserFolders.h"
+#include "Platform/homes/UserPaths.h"
 #include "Platform/processes/FileMask.h"
 #include "Platform/processes/ProcessReplacement.h"
-#include "WebHost/DrawingChoice.h"
-#include "WebHost/OpenGLName_linux.h"
-#include "WebHost/WebAddress.h"
+#include "Platform/statusitem/SessionBus_linux.h"
+#include "WebHost/Links/WebAddress.h"
 #include "WebHost/WebHost_linux.h"
+#include "WebHost/Window/DrawingChoice.h"
+#include "WebHost/Window/OpenGLName_linux.h"
 
 #include <gtk/gtk.h>
 

@@ -2,13 +2,13 @@
 
 #include "LaunchKit/InstanceConfig.h"
 #include "LaunchKit/InstanceLauncher.h"
-#include "Platform/files/UserFolders.h"
-#include "Platform/files/UserPaths.h"
+#include "Platform/homes/UserFolders.h"
+#include "Platform/homes/UserPaths.h"
 #include "Platform/processes/FileMask.h"
 #include "Platform/processes/ProcessReplacement.h"
-#include "WebHost/WebAddress.h"
+#include "WebHost/Links/WebAddress.h"
+#include "WebHost/Storage/WebStore_macos.h"
 #include "WebHost/WebHost_macos.h"
-#include "WebHost/WebStore_macos.h"
 
 #include <unistd.h>
 

@@ -2,11 +2,11 @@
 
 #include "Base/StableHash.h"
 #include "Base/TerminalText.h"
-#include "WebHost/BadgeScript.h"
 #include "WebHost/HandoverService_linux.h"
-#include "WebHost/PageTitle.h"
-#include "WebHost/SandboxCheck_linux.h"
-#include "WebHost/WebAddress.h"
+#include "WebHost/Links/WebAddress.h"
+#include "WebHost/Notifications/BadgeScript.h"
+#include "WebHost/Pages/PageTitle.h"
+#include "WebHost/Pages/SandboxCheck_linux.h"
 
 #include <glib-unix.h>
 #include <libsoup/soup.h>

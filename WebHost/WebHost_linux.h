@@ -1,20 +1,20 @@
 #pragma once
 
 #include "LaunchKit/WebBadge.h"
-#include "Platform/desktop/StatusItem_linux.h"
-#include "WebHost/AppliedSettings_linux.h"
-#include "WebHost/CertificateExceptions.h"
-#include "WebHost/ColorSchemeFollower_linux.h"
-#include "WebHost/DockBadge_linux.h"
-#include "WebHost/DownloadList_linux.h"
+#include "Platform/statusitem/StatusItem_linux.h"
+#include "WebHost/Certificates/CertificateExceptions.h"
+#include "WebHost/Downloads/DownloadList_linux.h"
 #include "WebHost/Handover.h"
-#include "WebHost/HostPage_linux.h"
-#include "WebHost/LoadGate.h"
-#include "WebHost/PageNotices_linux.h"
-#include "WebHost/SettingsPanel_linux.h"
-#include "WebHost/SiteDataList_linux.h"
-#include "WebHost/SiteSettings.h"
-#include "WebHost/WebHome.h"
+#include "WebHost/Notifications/DockBadge_linux.h"
+#include "WebHost/Notifications/PageNotices_linux.h"
+#include "WebHost/Pages/HostPage_linux.h"
+#include "WebHost/Pages/LoadGate.h"
+#include "WebHost/Settings/AppliedSettings_linux.h"
+#include "WebHost/Settings/SettingsPanel_linux.h"
+#include "WebHost/Settings/SiteDataList_linux.h"
+#include "WebHost/Settings/SiteSettings.h"
+#include "WebHost/Storage/WebHome.h"
+#include "WebHost/Window/ColorSchemeFollower_linux.h"
 
 #include <filesystem>
 #include <functional>

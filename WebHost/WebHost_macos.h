@@ -1,7 +1,7 @@
 #pragma once
 
-#include "WebHost/OutsideOpener_macos.h"
-#include "WebHost/WebHome.h"
+#include "WebHost/Links/OutsideOpener_macos.h"
+#include "WebHost/Storage/WebHome.h"
 
 #import <WebKit/WebKit.h>
 

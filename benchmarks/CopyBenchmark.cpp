@@ -1,8 +1,8 @@
 #include "benchmarks/Benchmarks.h"
 
-#include "Platform/files/FolderCopy.h"
-#include "Platform/files/StagedFolder.h"
+#include "Platform/copying/FolderCopy.h"
 #include "Platform/processes/Process.h"
+#include "Platform/staging/StagedFolder.h"
 
 #include <fstream>
 #include <random>

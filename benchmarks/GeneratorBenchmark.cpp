@@ -1,6 +1,6 @@
 #include "benchmarks/Benchmarks.h"
 
-#include "LaunchKit/WrapperPropertyList.h"
+#include "LaunchKit/Wrappers/WrapperPropertyList.h"
 
 #include <fcntl.h>
 #include <sys/sendfile.h>

@@ -1,7 +1,7 @@
 #include "benchmarks/Benchmarks.h"
 
 #include "LaunchKit/InstanceRecord.h"
-#include "LaunchKit/MenuEntries.h"
+#include "LaunchKit/Menu/MenuEntries.h"
 #include "tests/support/AppBundles.h"
 #include "tests/support/IcnsBuilder.h"
 #include "tests/support/IconArtwork.h"

@@ -2,12 +2,12 @@
 #include "benchmarks/StaleClones.h"
 
 #include "Base/RandomUuid.h"
-#include "LaunchKit/CloneRefresh.h"
+#include "LaunchKit/Changes/CloneRefresh.h"
 #include "LaunchKit/InstanceRecord.h"
 #include "LaunchKit/InstanceRegistry.h"
-#include "LaunchKit/MenuEntries.h"
-#include "Platform/files/ExclusiveRename.h"
+#include "LaunchKit/Menu/MenuEntries.h"
 #include "Platform/files/FileReading.h"
+#include "Platform/staging/ExclusiveRename.h"
 #include "tests/support/AppBundles.h"
 #include "tests/support/TemporaryHome.h"
 

@@ -1,4 +1,4 @@
-#include "Platform/files/FileCopy.h"
+#include "Platform/copying/FileCopy.h"
 #include "Platform/files/FileWriting.h"
 #include "benchmarks/Benchmarks.h"
 

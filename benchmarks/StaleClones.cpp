@@ -2,7 +2,7 @@
 
 #include "LaunchKit/InstanceRecord.h"
 #include "LaunchKit/InstanceRegistry.h"
-#include "LaunchKit/MenuEntries.h"
+#include "LaunchKit/Menu/MenuEntries.h"
 #include "LaunchKit/WrapperGenerator.h"
 #include "tests/support/AppBundles.h"
 #include "tests/support/IcnsBuilder.h"

@@ -1,6 +1,6 @@
 #include "benchmarks/WebSession.h"
 
-#include "WebHost/DrawingChoice.h"
+#include "WebHost/Window/DrawingChoice.h"
 #include "benchmarks/Comparison.h"
 #include "tests/EndToEnd/Programs.h"
 

@@ -1,8 +1,8 @@
 // Feeds a desktop entry through everything that reads one, and its command, and a script that it
 // may start.
-#include "Platform/desktop/DesktopEntry.h"
-#include "Platform/desktop/ExecLine.h"
-#include "Platform/desktop/LauncherScript.h"
+#include "Platform/entries/DesktopEntry.h"
+#include "Platform/entries/ExecLine.h"
+#include "Platform/programs/LauncherScript.h"
 
 #include <cstdint>
 #include <cstdlib>

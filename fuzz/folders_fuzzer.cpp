@@ -1,6 +1,6 @@
 // Feeds text to the readers of the user's folders and of the system's name.
 #include "Platform/desktop/OsRelease_linux.h"
-#include "Platform/files/XdgUserDirs_linux.h"
+#include "Platform/homes/XdgUserDirs_linux.h"
 
 #include <cstdint>
 #include <cstdlib>

@@ -2,7 +2,7 @@
 // contains about links.
 #include "LinkDoor/LinkAddress.h"
 #include "LinkDoor/LinkSession.h"
-#include "Platform/desktop/MimeAppsList.h"
+#include "Platform/entries/MimeAppsList.h"
 
 #include <algorithm>
 #include <array>

@@ -1,5 +1,5 @@
 // Feeds bytes to the reader of programs' files.
-#include "Platform/desktop/ProgramFile_linux.h"
+#include "Platform/programs/ProgramFile_linux.h"
 
 #include <cstdint>
 #include <cstdlib>

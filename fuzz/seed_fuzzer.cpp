@@ -1,6 +1,6 @@
 // Reads what says where an application keeps its data: a list of profiles, and a package.
-#include "LaunchKit/ElectronName.h"
-#include "LaunchKit/FirefoxProfiles.h"
+#include "LaunchKit/Copying/ElectronName.h"
+#include "LaunchKit/Copying/FirefoxProfiles.h"
 
 #include <cstdint>
 #include <cstdlib>

@@ -1,5 +1,5 @@
 // Feeds a page to the reader of what it says about itself.
-#include "WebHost/SiteHead.h"
+#include "WebHost/Preview/SiteHead.h"
 
 #include <cstdint>
 #include <cstdlib>

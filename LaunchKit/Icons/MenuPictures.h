@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Platform/desktop/MenuEntry.h"
+#include "Platform/entries/MenuEntry.h"
 
 #include <array>
 #include <filesystem>

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "Platform/desktop/ActivationTokens.h"
 #include "Platform/desktop/RunningApplications.h"
 #include "Platform/files/PlatformError.h"
+#include "Platform/windows/ActivationTokens.h"
 
 #include <filesystem>
 #include <functional>

@@ -3,11 +3,10 @@
 #include "Base/BundleLayout.h"
 #include "Base/BundleName.h"
 #include "Platform/desktop/FileManager_linux.h"
-#include "Platform/desktop/MenuEntry.h"
 #include "Platform/desktop/OsRelease_linux.h"
 #include "Platform/desktop/ProcessTable_linux.h"
 #include "Platform/desktop/StartWatch_linux.h"
-#include "Platform/desktop/WindowActivation_linux.h"
+#include "Platform/entries/MenuEntry.h"
 #include "Platform/files/FileHandle.h"
 #include "Platform/files/PlatformError.h"
 #include "Platform/files/PropertyListFile.h"
@@ -15,6 +14,7 @@
 #include "Platform/processes/Process.h"
 #include "Platform/processes/ProcessFamily.h"
 #include "Platform/processes/ProcessStat_linux.h"
+#include "Platform/windows/WindowActivation_linux.h"
 
 #include <cerrno>
 #include <cstdio>

@@ -1,6 +1,6 @@
 #include "Platform/files/DatabaseCount.h"
 
-#include "Platform/files/FileCopy.h"
+#include "Platform/copying/FileCopy.h"
 #include "Platform/files/FileSystem.h"
 
 #include <array>

@@ -1,6 +1,6 @@
 #include "Platform/processes/ProcessShutdown.h"
 
-#include "Platform/processes/IsolatedEnvironment.h"
+#include "Platform/homes/IsolatedEnvironment.h"
 
 #include <algorithm>
 #include <csignal>

@@ -3,7 +3,7 @@
 #include "Base/PathText.h"
 #include "Platform/files/FileReading.h"
 #include "Platform/files/FileSystem.h"
-#include "Platform/processes/DataFolders.h"
+#include "Platform/homes/DataFolders.h"
 #include "Platform/watching/DconfDatabase_linux.h"
 
 namespace quorvel {

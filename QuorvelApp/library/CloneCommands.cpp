@@ -1,6 +1,6 @@
 #include "QuorvelApp/library/CloneCommands.h"
 
-#include "LaunchKit/HomeLock.h"
+#include "LaunchKit/Homes/HomeLock.h"
 #include "QuorvelApp/AppModel.h"
 #include "QuorvelApp/theme/Shortcuts.h"
 

@@ -1,9 +1,9 @@
 #include "QuorvelApp/model/AppServices.h"
 
-#include "LaunchKit/CloneCreation.h"
+#include "LaunchKit/Changes/CloneCreation.h"
 #include "LaunchKit/InstanceRecord.h"
-#include "LaunchKit/MenuEntries.h"
-#include "LaunchKit/ShippedProfiles.h"
+#include "LaunchKit/Menu/MenuEntries.h"
+#include "LaunchKit/Targets/ShippedProfiles.h"
 #include "ProbeKit/AppProber.h"
 
 #include <QTimer>

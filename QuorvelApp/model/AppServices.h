@@ -3,7 +3,7 @@
 #include "LaunchKit/AppBundle.h"
 #include "LaunchKit/AppCatalog.h"
 #include "LaunchKit/InstanceRegistry.h"
-#include "LaunchKit/SitePreview.h"
+#include "LaunchKit/Targets/SitePreview.h"
 #include "LaunchKit/WrapperFactory.h"
 #include "Platform/desktop/Workspace.h"
 #include "ProbeKit/Models.h"

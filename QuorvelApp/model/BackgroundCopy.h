@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Platform/files/FolderCopy.h"
+#include "Platform/copying/FolderCopy.h"
 
 #include <QObject>
 

@@ -1,7 +1,7 @@
 #include "QuorvelApp/model/CloneChanges.h"
 
-#include "LaunchKit/CloneRefresh.h"
-#include "LaunchKit/CloneRenaming.h"
+#include "LaunchKit/Changes/CloneRefresh.h"
+#include "LaunchKit/Changes/CloneRenaming.h"
 #include "Presentation/ChangeTexts.h"
 #include "Presentation/JoinedText.h"
 #include "Presentation/StopTexts.h"

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "LaunchKit/CloneStop.h"
+#include "LaunchKit/Changes/CloneStop.h"
 #include "LaunchKit/InstanceRecord.h"
 #include "Presentation/RefreshSummary.h"
 #include "QuorvelApp/model/Outcome.h"

@@ -1,7 +1,7 @@
 #include "QuorvelApp/model/CloneListModel.h"
 
 #include "LaunchKit/InstanceRecord.h"
-#include "LaunchKit/WrapperLayout.h"
+#include "LaunchKit/Wrappers/WrapperLayout.h"
 #include "Presentation/CloneFacts.h"
 #include "QuorvelApp/model/DisplayText.h"
 #include "QuorvelApp/model/QtText.h"

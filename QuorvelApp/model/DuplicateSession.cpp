@@ -2,9 +2,9 @@
 
 #include "Base/Error.h"
 #include "Base/Text.h"
-#include "LaunchKit/DataSize.h"
+#include "LaunchKit/Copying/DataSize.h"
 #include "Platform/files/FileSystem.h"
-#include "Platform/files/UserPaths.h"
+#include "Platform/homes/UserPaths.h"
 #include "Presentation/ChangeTexts.h"
 #include "Presentation/CloneNaming.h"
 #include "Presentation/JoinedText.h"

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "LaunchKit/CloneDuplication.h"
+#include "LaunchKit/Copying/CloneDuplication.h"
 #include "QuorvelApp/AppModel.h"
 #include "QuorvelApp/model/BackgroundCopy.h"
 #include "QuorvelApp/model/Outcome.h"

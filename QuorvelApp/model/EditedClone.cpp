@@ -1,9 +1,9 @@
 #include "QuorvelApp/model/EditedClone.h"
 
 #include "Base/Text.h"
-#include "LaunchKit/CloneRevision.h"
+#include "LaunchKit/Changes/CloneRevision.h"
 #include "LaunchKit/InstanceRecord.h"
-#include "Platform/files/UserPaths.h"
+#include "Platform/homes/UserPaths.h"
 #include "Presentation/CloneFacts.h"
 #include "QuorvelApp/model/FormTexts.h"
 #include "QuorvelApp/model/Translated.h"

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "LaunchKit/AppCatalog.h"
-#include "LaunchKit/CloneChange.h"
+#include "LaunchKit/Changes/CloneChange.h"
 #include "QuorvelApp/model/NewCloneForm.h"
 
 #include <filesystem>

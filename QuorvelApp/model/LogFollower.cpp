@@ -1,6 +1,6 @@
 #include "QuorvelApp/model/LogFollower.h"
 
-#include "LaunchKit/LogReader.h"
+#include "LaunchKit/Launching/LogReader.h"
 #include "Presentation/SafeLog.h"
 #include "QuorvelApp/model/QtText.h"
 

@@ -4,7 +4,7 @@
 #include "Base/SplitText.h"
 #include "Base/Text.h"
 #include "LaunchKit/InstanceRecord.h"
-#include "LaunchKit/NoSessionBus.h"
+#include "LaunchKit/Targets/NoSessionBus.h"
 #include "Platform/desktop/UserLocale.h"
 #include "Presentation/AppTexts.h"
 #include "Presentation/CloneNaming.h"

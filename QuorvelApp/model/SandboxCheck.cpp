@@ -1,6 +1,6 @@
 #include "QuorvelApp/model/SandboxCheck.h"
 
-#include "LaunchKit/DataSeed.h"
+#include "LaunchKit/Copying/DataSeed.h"
 #include "Presentation/AppTexts.h"
 #include "QuorvelApp/model/Translated.h"
 

@@ -1,7 +1,7 @@
 #include "QuorvelApp/model/SeededCreation.h"
 
-#include "LaunchKit/CloneWithData.h"
-#include "LaunchKit/DataSeed.h"
+#include "LaunchKit/Copying/CloneWithData.h"
+#include "LaunchKit/Copying/DataSeed.h"
 
 #include <utility>
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "LaunchKit/CopyFindings.h"
+#include "LaunchKit/Copying/CopyFindings.h"
 #include "QuorvelApp/model/AppServices.h"
 #include "QuorvelApp/model/BackgroundCopy.h"
 

@@ -1,6 +1,6 @@
 #include "QuorvelApp/newclone/AdvancedOptions.h"
 
-#include "Platform/desktop/DefaultApplication.h"
+#include "Platform/entries/DefaultApplication.h"
 #include "QuorvelApp/Components.h"
 #include "QuorvelApp/newclone/CustomIconRow.h"
 #include "QuorvelApp/newclone/FormBindings.h"

@@ -1,7 +1,7 @@
 #include "tests/CommandLine/CommandLineHarness.h"
 
-#include "LaunchKit/ChangeJournal.h"
-#include "LaunchKit/HomeLock.h"
+#include "LaunchKit/Changes/ChangeJournal.h"
+#include "LaunchKit/Homes/HomeLock.h"
 #include "LaunchKit/InstanceConfig.h"
 #include "Platform/files/ItemIdentity.h"
 #include "tests/support/AppBundles.h"

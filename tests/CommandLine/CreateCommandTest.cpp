@@ -1,6 +1,6 @@
 #include "tests/CommandLine/CommandLineHarness.h"
 
-#include "Platform/desktop/MenuEntry.h"
+#include "Platform/entries/MenuEntry.h"
 #include "Platform/files/PropertyListFile.h"
 #include "tests/support/AppBundles.h"
 

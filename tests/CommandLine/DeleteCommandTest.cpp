@@ -1,5 +1,5 @@
-#include "LaunchKit/ClonesLock.h"
-#include "LaunchKit/HomeLock.h"
+#include "LaunchKit/Changes/ClonesLock.h"
+#include "LaunchKit/Homes/HomeLock.h"
 #include "LaunchKit/InstanceConfig.h"
 #include "LaunchKit/InstanceRecord.h"
 #include "Presentation/SystemWords.h"

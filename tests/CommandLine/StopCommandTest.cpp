@@ -1,4 +1,4 @@
-#include "LaunchKit/HomeLock.h"
+#include "LaunchKit/Homes/HomeLock.h"
 #include "LaunchKit/InstanceConfig.h"
 #include "Platform/processes/Process.h"
 #include "tests/CommandLine/CommandLineHarness.h"

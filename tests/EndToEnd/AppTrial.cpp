@@ -1,6 +1,6 @@
 #include "tests/EndToEnd/AppTrial.h"
 
-#include "LaunchKit/DesktopTarget.h"
+#include "LaunchKit/Targets/DesktopTarget.h"
 #include "tests/support/AppBundles.h"
 #include "tests/support/Waiting.h"
 

@@ -1,7 +1,7 @@
 // Asking sites for their icon and title, with the real program and a site of the tests' own.
 #include "LaunchKit/IconCheck.h"
 #include "LaunchKit/Icons/SimplePng.h"
-#include "LaunchKit/SitePreview.h"
+#include "LaunchKit/Targets/SitePreview.h"
 #include "tests/support/TemporaryHome.h"
 #include "tests/support/Waiting.h"
 

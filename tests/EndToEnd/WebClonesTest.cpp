@@ -1,6 +1,6 @@
 // Web clones with the real engine, in a session of an ordinary user.
-#include "LaunchKit/WindowWord.h"
-#include "WebHost/DrawingChoice.h"
+#include "LaunchKit/Launching/WindowWord.h"
+#include "WebHost/Window/DrawingChoice.h"
 #include "tests/EndToEnd/WebCloneFixture.h"
 
 #include <gmock/gmock.h>

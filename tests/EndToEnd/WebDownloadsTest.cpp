@@ -1,9 +1,9 @@
 // Files that web clones download, with the real engine.
 #include "Base/StableHash.h"
 #include "Base/Utf8.h"
-#include "WebHost/DownloadName.h"
+#include "WebHost/Downloads/DownloadName.h"
 #include "tests/EndToEnd/WebCloneFixture.h"
-#include "tests/WebHost/HostileNames.h"
+#include "tests/WebHost/Downloads/HostileNames.h"
 
 #include <gmock/gmock.h>
 #include <sys/stat.h>

@@ -1,5 +1,5 @@
 // Pages that want too much, or what is not theirs, with the real engine.
-#include "WebHost/FloodCaps.h"
+#include "WebHost/Pages/FloodCaps.h"
 #include "tests/EndToEnd/WebCloneFixture.h"
 
 #include <gmock/gmock.h>

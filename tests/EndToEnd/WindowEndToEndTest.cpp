@@ -1,5 +1,5 @@
 #include "LaunchKit/Icons/IcnsWriter.h"
-#include "Platform/desktop/X11Windows_linux.h"
+#include "Platform/windows/X11Windows_linux.h"
 #include "tests/EndToEnd/Desktop.h"
 #include "tests/EndToEnd/Programs.h"
 #include "tests/EndToEnd/UiDriver.h"

@@ -1,6 +1,6 @@
 // download_files FOLDER: downloads the addresses in its standard input into the folder, one after
 // the other, as a web clone whose user wants all of them.
-#include "WebHost/DownloadList_linux.h"
+#include "WebHost/Downloads/DownloadList_linux.h"
 
 #include <iostream>
 #include <string>

@@ -1,10 +1,10 @@
 #include "tests/Faults/FaultHome.h"
 
-#include "LaunchKit/ChangeRecovery.h"
+#include "LaunchKit/Changes/ChangeRecovery.h"
 #include "LaunchKit/InstanceRecord.h"
-#include "LaunchKit/MenuEntries.h"
-#include "LaunchKit/WrapperLayout.h"
-#include "Platform/desktop/MenuEntry.h"
+#include "LaunchKit/Menu/MenuEntries.h"
+#include "LaunchKit/Wrappers/WrapperLayout.h"
+#include "Platform/entries/MenuEntry.h"
 #include "tests/support/AppBundles.h"
 #include "tests/support/EveryStep.h"
 

@@ -1,9 +1,9 @@
 #include "tests/Faults/MenuFaults.h"
 
 #include "LaunchKit/InstanceRecord.h"
-#include "LaunchKit/MenuEntries.h"
-#include "LaunchKit/WindowWord.h"
-#include "Platform/desktop/MenuEntry.h"
+#include "LaunchKit/Launching/WindowWord.h"
+#include "LaunchKit/Menu/MenuEntries.h"
+#include "Platform/entries/MenuEntry.h"
 
 #include <chrono>
 #include <memory>

@@ -1,7 +1,7 @@
 #include "LaunchKit/WrapperGenerator.h"
 
 #include "LaunchKit/InstanceConfig.h"
-#include "LaunchKit/WrapperPropertyList.h"
+#include "LaunchKit/Wrappers/WrapperPropertyList.h"
 #include "Platform/files/PlatformError.h"
 #include "Platform/files/PropertyListFile.h"
 #include "tests/support/AppBundles.h"

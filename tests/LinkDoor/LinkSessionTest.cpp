@@ -1,6 +1,6 @@
 #include "LinkDoor/LinkSession.h"
 
-#include "Platform/files/UserPaths.h"
+#include "Platform/homes/UserPaths.h"
 #include "tests/support/TemporaryHome.h"
 
 #include <filesystem>

@@ -2,13 +2,20 @@
 #include "Platform/files/FileSystem.h"
 #include "tests/support/TemporaryHome.h"
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
+#include <map>
 #include <regex>
 #include <sstream>
 
 namespace quorvel::testing {
 namespace {
+
+using ::testing::_;
+using ::testing::Each;
+using ::testing::Le;
+using ::testing::Pair;
+using ::testing::UnorderedElementsAreArray;
 
 const std::string sourceFolder = QUORVEL_SOURCE;
 
@@ -60,6 +67,39 @@ TEST(DocumentsTest, LinkOnlyToFilesThatAreThere) {
             EXPECT_TRUE(itemExists(sourceFolder + "/" + target)) << document << ": " << target;
         }
     }
+}
+
+// How many sources each folder inside of the layers has.
+std::map<std::string, int> sizesOfFolders() {
+    std::map<std::string, int> sizes;
+    for (const std::string& layer :
+         matchesIn(read(sourceFolder + "/docs/architecture.md"), "^\\| `([A-Z]\\w+)/` \\|")) {
+        for (const auto& item :
+             std::filesystem::recursive_directory_iterator(sourceFolder + "/" + layer)) {
+            const std::string ending = item.path().extension().string();
+            if (ending == ".h" || ending == ".cpp" || ending == ".mm") {
+                ++sizes[item.path().parent_path().lexically_relative(sourceFolder).string()];
+            }
+        }
+    }
+    return sizes;
+}
+
+TEST(DocumentsTest, ArchitectureDescribesEveryFolderAndNoOther) {
+    std::vector<std::string> folders;
+    for (const auto& [folder, size] : sizesOfFolders()) {
+        if (folder.find('/') != std::string::npos) {
+            folders.push_back(folder);
+        }
+    }
+    EXPECT_GE(folders.size(), 30U);
+    EXPECT_THAT(matchesIn(read(sourceFolder + "/docs/architecture.md"), "^\\| `(\\w+/\\w+)/` \\|"),
+                UnorderedElementsAreArray(folders));
+}
+
+// In more than these, nobody finds a file by looking.
+TEST(DocumentsTest, NoFolderIsCrowded) {
+    EXPECT_THAT(sizesOfFolders(), Each(Pair(_, Le(48))));
 }
 
 } // namespace

@@ -236,7 +236,8 @@ TEST_F(FiguresTest, FindNothingForbiddenInThisTree) {
                    "elsewhere", "sourceless", "undocumented"});
     EXPECT_EQ(found.status, 0);
     // There the web host does without ICU, which is a hundred times as large.
-    EXPECT_EQ(found.output, "Base/Text.h: firstCapture is in WebHost/FirstCapture_macos.mm\n");
+    EXPECT_EQ(found.output,
+              "Base/Text.h: firstCapture is in WebHost/Notifications/FirstCapture_macos.mm\n");
 }
 
 TEST_F(FiguresTest, ListThePlacesOfSeveralRows) {

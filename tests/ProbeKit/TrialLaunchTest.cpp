@@ -1,4 +1,4 @@
-#include "Platform/processes/IsolatedEnvironment.h"
+#include "Platform/homes/IsolatedEnvironment.h"
 #include "tests/ProbeKit/Trial.h"
 
 #include <csignal>

@@ -1,5 +1,5 @@
-#include "LaunchKit/WindowWord.h"
-#include "Platform/desktop/MenuEntry.h"
+#include "LaunchKit/Launching/WindowWord.h"
+#include "Platform/entries/MenuEntry.h"
 #include "tests/QuorvelApp/AppModelFixture.h"
 #include "tests/support/UnprivilegedUser.h"
 

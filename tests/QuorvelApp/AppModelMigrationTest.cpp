@@ -1,4 +1,4 @@
-#include "LaunchKit/HomeLock.h"
+#include "LaunchKit/Homes/HomeLock.h"
 #include "tests/QuorvelApp/AppModelFixture.h"
 
 #include <gmock/gmock.h>

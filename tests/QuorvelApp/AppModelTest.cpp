@@ -1,5 +1,5 @@
 #include "LaunchKit/InstanceLauncher.h"
-#include "Platform/desktop/ActivationError.h"
+#include "Platform/windows/ActivationError.h"
 #include "tests/QuorvelApp/AppModelFixture.h"
 
 #include <QCoreApplication>

@@ -1,8 +1,8 @@
 #include "tests/QuorvelApp/RealClones.h"
 
-#include "LaunchKit/CloneCreation.h"
-#include "LaunchKit/CloneStop.h"
-#include "Platform/files/UserPaths.h"
+#include "LaunchKit/Changes/CloneCreation.h"
+#include "LaunchKit/Changes/CloneStop.h"
+#include "Platform/homes/UserPaths.h"
 #include "tests/support/AppBundles.h"
 #include "tests/support/TemporaryHome.h"
 #include "tests/support/Waiting.h"

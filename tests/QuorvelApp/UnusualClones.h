@@ -1,6 +1,6 @@
 #pragma once
 
-#include "LaunchKit/CloneCreation.h"
+#include "LaunchKit/Changes/CloneCreation.h"
 #include "tests/support/AppBundles.h"
 
 #include <string>

@@ -1,6 +1,6 @@
 // Shows every state of the windows in a throw-away home and saves a picture of each.
 // Usage: app_screenshots FOLDER
-#include "LaunchKit/ClonesLock.h"
+#include "LaunchKit/Changes/ClonesLock.h"
 #include "LaunchKit/InstanceRecord.h"
 #include "QuorvelApp/NewCloneView.h"
 #include "QuorvelApp/model/SystemTranslator.h"

@@ -1,7 +1,7 @@
 // Windows of applications that can't be told what to call them.
-#include "LaunchKit/WindowWord.h"
-#include "Platform/desktop/X11Windows_linux.h"
+#include "LaunchKit/Launching/WindowWord.h"
 #include "Platform/processes/ProcessFamily.h"
+#include "Platform/windows/X11Windows_linux.h"
 #include "tests/Runner/RunnerFixture.h"
 #include "tests/support/DesktopApps.h"
 #include "tests/support/Waiting.h"

@@ -1,5 +1,5 @@
 // One target per instance home, even if the runner is killed.
-#include "LaunchKit/HomeLock.h"
+#include "LaunchKit/Homes/HomeLock.h"
 #include "LaunchKit/InstanceConfig.h"
 #include "Platform/files/FileSystem.h"
 #include "Platform/processes/ProcessFamily.h"

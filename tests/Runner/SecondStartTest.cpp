@@ -1,5 +1,5 @@
 // What is opened in a clone that runs already.
-#include "LaunchKit/HomeLock.h"
+#include "LaunchKit/Homes/HomeLock.h"
 #include "Platform/processes/ProcessFamily.h"
 #include "tests/Runner/RunnerFixture.h"
 #include "tests/support/DesktopApps.h"

@@ -57,7 +57,7 @@ check_runner() {
 check_status_item() {
   local arch=$1 item=$out/quorvel-status-item.$1 outside
   if ! link_for "$arch" "$item" \
-    "$(result_of object "$arch" Platform/desktop/CloneStatusItem_macos.mm)" "$2"; then
+    "$(result_of object "$arch" Platform/statusitem/CloneStatusItem_macos.mm)" "$2"; then
     link_failed "the program for the menu bar does not link for $arch"
     return
   fi

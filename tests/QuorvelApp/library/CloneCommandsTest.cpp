@@ -1,6 +1,6 @@
 #include "QuorvelApp/library/CloneCommands.h"
 
-#include "LaunchKit/HomeLock.h"
+#include "LaunchKit/Homes/HomeLock.h"
 #include "LaunchKit/InstanceConfig.h"
 #include "QuorvelApp/library/CloneList.h"
 #include "QuorvelApp/panels/DuplicateView.h"

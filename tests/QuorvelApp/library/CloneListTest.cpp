@@ -1,6 +1,6 @@
 #include "QuorvelApp/library/CloneList.h"
 
-#include "LaunchKit/ClonesLock.h"
+#include "LaunchKit/Changes/ClonesLock.h"
 #include "LaunchKit/InstanceConfig.h"
 #include "QuorvelApp/library/CloneRow.h"
 #include "tests/QuorvelApp/RealClones.h"

@@ -1,6 +1,6 @@
 #include "QuorvelApp/library/CloneSheets.h"
 
-#include "LaunchKit/ClonesLock.h"
+#include "LaunchKit/Changes/ClonesLock.h"
 #include "QuorvelApp/widgets/MessageSheet.h"
 #include "QuorvelApp/widgets/ProgressSheet.h"
 #include "tests/QuorvelApp/RealClones.h"

@@ -1,7 +1,7 @@
 #include "QuorvelApp/model/CloneChanges.h"
 
-#include "LaunchKit/ClonesLock.h"
-#include "LaunchKit/HomeLock.h"
+#include "LaunchKit/Changes/ClonesLock.h"
+#include "LaunchKit/Homes/HomeLock.h"
 #include "tests/QuorvelApp/AppModelFixture.h"
 #include "tests/QuorvelApp/RealClones.h"
 

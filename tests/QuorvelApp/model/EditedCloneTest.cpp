@@ -1,8 +1,8 @@
 #include "QuorvelApp/model/EditedClone.h"
 
-#include "LaunchKit/AppEngine.h"
 #include "LaunchKit/InstanceRecord.h"
 #include "LaunchKit/InstanceRegistry.h"
+#include "LaunchKit/Targets/AppEngine.h"
 #include "tests/QuorvelApp/UnusualClones.h"
 #include "tests/support/IcnsBuilder.h"
 #include "tests/support/SmallDisk.h"

@@ -1,8 +1,8 @@
 #include "QuorvelApp/panels/DuplicateView.h"
 
-#include "LaunchKit/CloneChange.h"
-#include "LaunchKit/ClonesLock.h"
-#include "LaunchKit/HomeLock.h"
+#include "LaunchKit/Changes/CloneChange.h"
+#include "LaunchKit/Changes/ClonesLock.h"
+#include "LaunchKit/Homes/HomeLock.h"
 #include "LaunchKit/InstanceRecord.h"
 #include "QuorvelApp/widgets/ProgressSheet.h"
 #include "tests/QuorvelApp/UnusualClones.h"

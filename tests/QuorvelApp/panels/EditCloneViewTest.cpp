@@ -1,6 +1,6 @@
 #include "QuorvelApp/panels/EditCloneView.h"
 
-#include "LaunchKit/HomeLock.h"
+#include "LaunchKit/Homes/HomeLock.h"
 #include "LaunchKit/InstanceRecord.h"
 #include "tests/QuorvelApp/UnusualClones.h"
 #include "tests/QuorvelApp/WindowFixture.h"

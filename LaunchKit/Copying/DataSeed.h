@@ -1,0 +1,26 @@
+#pragma once
+
+#include "LaunchKit/AppBundle.h"
+#include "LaunchKit/Copying/CopiedData.h"
+#include "LaunchKit/WrapperFactory.h"
+#include "Platform/processes/Process.h"
+
+#include <vector>
+
+namespace quorvel {
+
+/// Returns which of the user's folders a clone made from the request would begin with as its data,
+/// and where it would look for them: of Firefox and its relatives the default profile, of Chromium
+/// and Electron the whole folder of user data, of others those that are known. Of an application
+/// that is not described by a desktop entry or an AppImage, nothing is known. Throws
+/// `DataCopyError` if it is not known where the original keeps its data or where the clone would
+/// look for it, if there is no data, or if the original is running; the parts throw that too, when
+/// they are copied. `session` is the environment of the session.
+[[nodiscard]] std::vector<DataPart> seedFor(const WrapperFactory::Request& request,
+                                            const Environment& session = currentEnvironment());
+
+/// Returns whether `seedFor` knows the data of that application and finds it, so that a clone with
+/// the engine's own arguments can start with it once the original is not running.
+[[nodiscard]] bool hasSeed(const AppBundle& app, const Environment& session = currentEnvironment());
+
+} // namespace quorvel

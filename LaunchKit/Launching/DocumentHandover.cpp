@@ -1,0 +1,81 @@
+#include "LaunchKit/Launching/DocumentHandover.h"
+
+#include "LaunchKit/InstanceConfig.h"
+
+#include <chrono>
+
+namespace quorvel {
+namespace {
+
+constexpr std::chrono::seconds longest{15};
+// While the home is free, another start could take it.
+constexpr std::chrono::milliseconds period{5};
+
+// Any other second start would be a second application in one home.
+bool passesOnWhatItIsGiven(const AppBundle& app) {
+    return app.desktop && isBrowserEngine(app.desktop->program.engine);
+}
+
+// What one start is given: everything, or one document each time where that is all it takes.
+std::vector<std::vector<std::string>> partsOf(const std::vector<std::string>& documents,
+                                              const DesktopTarget& target) {
+    if (target.documentsLeftOut(documents.size()) == 0) {
+        return {documents};
+    }
+    std::vector<std::vector<std::string>> parts;
+    parts.reserve(documents.size());
+    for (const std::string& document : documents) {
+        parts.push_back({document});
+    }
+    return parts;
+}
+
+// Those that are sure not to run twice in one home, and that show a new window for a second start.
+bool comesToFront(const AppBundle& app) {
+    using Engine = ResolvedProgram::Engine;
+    return app.desktop && (app.desktop->program.engine == Engine::chromium ||
+                           app.desktop->program.engine == Engine::firefox);
+}
+
+Handover handOverPart(const AppBundle& app, const InstanceConfig& config,
+                      const std::vector<std::string>& documents, const StartDetails& details) {
+    std::optional<PendingHomeLock> claim = PendingHomeLock::of(config);
+    StartDetails start = details;
+    start.kept = claim ? claim->descriptor() : -1;
+    Process second = InstanceLauncher().launch(app, config, documents, start);
+    const auto end = std::chrono::steady_clock::now() + longest;
+    while (std::chrono::steady_clock::now() < end) {
+        if (const auto status = second.waitUntilExit(period)) {
+            return {.isTaken = status == 0};
+        }
+        // The first one was ending when the second was started.
+        if (claim && claim->tryTake()) {
+            return {.successor = std::move(second), .claim = std::move(claim)};
+        }
+    }
+    second.terminate();
+    return {};
+}
+
+} // namespace
+
+Handover handOver(const InstanceConfig& config, const std::vector<std::string>& documents,
+                  const StartDetails& details) {
+    const bool isEmpty = documents.empty() && details.action.empty() && !details.onlyFocuses;
+    if (config.kind != ShortcutKind::app || isEmpty) {
+        return {};
+    }
+    const AppBundle app = InstanceLauncher::targetOf(config);
+    if (details.onlyFocuses ? !comesToFront(app) : !passesOnWhatItIsGiven(app)) {
+        return {};
+    }
+    const auto parts = partsOf(documents, *app.desktop);
+    Handover handover{.isTaken = true};
+    for (std::size_t part = 0; part < parts.size() && handover.isTaken; ++part) {
+        handover = handOverPart(app, config, parts[part], details);
+        handover.leftOut = parts.size() - part - 1;
+    }
+    return handover;
+}
+
+} // namespace quorvel

@@ -1,0 +1,118 @@
+#include "LaunchKit/Targets/SitePreview.h"
+
+#include "Base/TerminalText.h"
+#include "LaunchKit/IconComposer.h"
+#include "LaunchKit/Icons/SimplePng.h"
+#include "LaunchKit/Launching/HelperProgram.h"
+#include "Platform/files/FileHandle.h"
+#include "Platform/files/FileReading.h"
+#include "Platform/files/FileWriting.h"
+
+#include <algorithm>
+#include <chrono>
+#include <csignal>
+#include <fcntl.h>
+
+namespace quorvel {
+namespace {
+
+constexpr std::size_t longestName = 40;
+constexpr std::size_t largestTitle = 4096;
+constexpr std::size_t largestIcon = std::size_t{2} << 20U;
+constexpr unsigned largestSide = 512;
+
+std::string withoutLineEnd(std::string text) {
+    while (text.ends_with('\n')) {
+        text.pop_back();
+    }
+    return text;
+}
+
+// Returns what the program printed if it failed.
+std::optional<std::string> failureOf(const std::filesystem::path& program,
+                                     const std::string& address,
+                                     const std::filesystem::path& folder,
+                                     std::chrono::milliseconds patience) {
+    const std::string reasonFile = folder / "reason";
+    const FileHandle output(
+        ::open(reasonFile.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600));
+    if (output.descriptor() < 0) {
+        throw PlatformError::fromErrno(reasonFile, "written");
+    }
+    Process::Options options;
+    options.executable = program;
+    options.arguments = {address, folder};
+    options.standardOutput = Process::ToFile{output.descriptor()};
+    options.standardError = Process::Discard{};
+    Process process = Process::run(options);
+    const auto status = process.waitUntilExit(patience);
+    if (status == 0) {
+        return std::nullopt;
+    }
+    if (!status) {
+        process.sendSignal(SIGKILL);
+        (void)process.waitUntilExit();
+    }
+    // It sets itself a time, too.
+    if (!status || *status == 128 + SIGALRM) {
+        return "the site takes too long";
+    }
+    const std::string reason =
+        withoutLineEnd(readFile(reasonFile, largestTitle).value_or(std::string()));
+    return reason.empty()
+               ? "the program that asks it has failed, with status " + std::to_string(*status)
+               : reason;
+}
+
+// Writes the icon beside the picture, if the program has left one as it should.
+std::optional<std::filesystem::path> writtenIcon(const std::filesystem::path& folder) {
+    const auto picture = readFile(folder / "icon", largestIcon);
+    if (!picture || !isSimplePng(*picture, largestSide)) {
+        return std::nullopt; // a site without an icon is better than none
+    }
+    try {
+        writeFile(folder / "site.icns", IconComposer::converted(folder / "icon", std::nullopt));
+        return folder / "site.icns";
+    } catch (const IconComposer::ComposeError&) {
+        return std::nullopt;
+    }
+}
+
+} // namespace
+
+std::optional<std::filesystem::path> sitePreviewProgram(const Environment& session) {
+    return helperProgram("quorvel-site-preview", "QUORVEL_SITE_PREVIEW", session);
+}
+
+std::string nameFromTitle(const std::string& title) {
+    std::string name = withoutUnsafe(title, longestName);
+    for (char& byte : name) {
+        byte = byte == '/' || byte == ':' || byte == '\\' ? ' ' : byte;
+    }
+    const std::size_t first = name.find_first_not_of(" .");
+    name.erase(0, std::min(first, name.size()));
+    name.erase(name.find_last_not_of(' ') + 1);
+    return name;
+}
+
+SitePreview fetchSitePreview(const std::filesystem::path& program, const std::string& address,
+                             const std::filesystem::path& folder,
+                             std::chrono::milliseconds patience) {
+    if (!folder.is_absolute()) {
+        throw SitePreviewError("there is no folder for what it sends");
+    }
+    try {
+        // The same as the clone will do with it.
+        const std::string whole =
+            address.find("://") == std::string::npos ? "https://" + address : address;
+        if (const auto failure = failureOf(program, whole, folder, patience)) {
+            throw SitePreviewError(*failure);
+        }
+        return {nameFromTitle(readFile(folder / "title", largestTitle).value_or(std::string())),
+                writtenIcon(folder)};
+    } catch (const PlatformError& error) {
+        throw SitePreviewError(error.description());
+    }
+}
+
+} // namespace quorvel

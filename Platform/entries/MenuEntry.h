@@ -1,0 +1,88 @@
+#pragma once
+
+#include "Platform/entries/DesktopEntry.h"
+
+#include <filesystem>
+#include <map>
+#include <optional>
+#include <string>
+#include <vector>
+
+/// What the user's own menu shows of a clone: a desktop entry, and pictures in the theme that every
+/// other theme falls back to. An entry is recognised by its `cloneId`, the pictures by their name,
+/// which begins with the clone's own word. On macOS there is no such menu: nothing is written.
+namespace quorvel {
+
+/// One size of an icon.
+struct MenuPicture {
+    int side = 0;        ///< of a PNG, in pixels; 0: an SVG; `symbolic`: an SVG in one color
+    std::string bytes{}; ///< the file
+
+    static constexpr int symbolic = -1;
+
+    bool operator==(const MenuPicture&) const = default;
+};
+
+struct MenuEntry {
+    std::string word{};     ///< the clone's own: letters, digits and "-"
+    std::string fileName{}; ///< "WORD.desktop", or with a prefix
+    /// `cloneId` is not empty. `icon` is empty, or the pictures' name: "WORD-…", another for each
+    /// new picture, since desktops keep the picture that they know by a name.
+    DesktopEntry entry{};
+};
+
+/// An entry that was published for some clone.
+struct PublishedEntry {
+    std::string fileName{};
+    DesktopEntry entry{}; ///< without translations
+    std::filesystem::file_time_type written{};
+};
+
+/// Returns whether there is a menu to publish in.
+[[nodiscard]] bool hasMenu() noexcept;
+
+/// Returns whether this desktop notices a new entry only after some seconds, so that it takes an
+/// application that is started before for another.
+[[nodiscard]] bool noticesEntriesLate();
+
+/// Publishes the entry in place of the clone's older one: first the pictures, so that no desktop
+/// looks for one that isn't there yet. A concurrent reader finds the old entry or the new one.
+/// Pictures that are no longer named are removed, as far as possible. Throws `PlatformError`, also
+/// if the file's name belongs to an entry that is not the clone's, and `DesktopEntryError`; the
+/// older entry then remains.
+void publishMenuEntry(const MenuEntry& entry, const std::vector<MenuPicture>& pictures);
+
+/// The same for a caller that knows the clone's older entries. Without pictures, those that are
+/// there already stay, and their dates become new.
+void publishMenuEntry(const MenuEntry& entry, const std::vector<MenuPicture>& pictures,
+                      const std::vector<PublishedEntry>& older);
+
+/// Removes the clone's entries, also under other file names, and its pictures. Does nothing if
+/// there are none. Throws `PlatformError`.
+void withdrawMenuEntry(const std::string& cloneId, const std::string& word);
+
+/// Removes the temporary files that interrupted publications left.
+void removeMenuLeftovers();
+
+/// Removes the pictures of these clones (the icons that their entries name, by the clones' words)
+/// that no entry names, if older than a minute: an interrupted publication leaves them. Those of a
+/// clone whose entry names another icon than its own stay.
+void removeOldMenuPictures(const std::map<std::string, std::string>& named);
+
+/// Returns all entries that were published for clones. Those that can't be read are left out.
+[[nodiscard]] std::vector<PublishedEntry> publishedMenuEntries();
+
+/// Returns the entry that was published for the clone, if there is one.
+[[nodiscard]] std::optional<PublishedEntry> publishedEntryOf(const std::string& cloneId);
+
+/// Returns whether there is a picture of this name of that `MenuPicture::side`; an empty file is
+/// none.
+[[nodiscard]] bool hasMenuPicture(const std::string& icon, int side);
+
+/// Returns the name of the icon's picture in one color, which desktops draw in the color of their
+/// texts.
+[[nodiscard]] inline std::string symbolicIconName(const std::string& icon) {
+    return icon + "-symbolic";
+}
+
+} // namespace quorvel

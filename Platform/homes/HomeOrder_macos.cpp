@@ -1,0 +1,9 @@
+#include "Platform/homes/HomeOrder.h"
+
+namespace quorvel {
+
+bool homeVariableComesFirst() {
+    return false;
+}
+
+} // namespace quorvel

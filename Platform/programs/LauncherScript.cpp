@@ -1,0 +1,177 @@
+#include "Platform/programs/LauncherScript.h"
+
+#include <algorithm>
+#include <cctype>
+#include <map>
+#include <optional>
+#include <set>
+
+namespace quorvel {
+namespace {
+
+bool isNameCharacter(char character) {
+    return std::isalnum(static_cast<unsigned char>(character)) != 0 || character == '_';
+}
+
+std::string_view baseName(std::string_view path) {
+    return path.substr(path.rfind('/') + 1);
+}
+
+// "#!/usr/bin/env python3 -I" is run by "python3".
+std::string interpreterIn(std::string_view text) {
+    if (!text.starts_with("#!")) {
+        return {};
+    }
+    std::string_view line = text.substr(2, text.find('\n') - 2);
+    std::string_view name;
+    while (name.empty() || name == "env" || name.starts_with('-')) {
+        const std::size_t start = line.find_first_not_of(" \t\r");
+        if (start == std::string_view::npos) {
+            return {};
+        }
+        line.remove_prefix(start);
+        const std::size_t end = std::min(line.find_first_of(" \t\r"), line.size());
+        name = baseName(line.substr(0, end));
+        line.remove_prefix(end);
+    }
+    return std::string(name);
+}
+
+class ShellWords {
+public:
+    explicit ShellWords(std::string_view text) : text_(text) {}
+
+    std::vector<std::string> split() {
+        while (position_ < text_.size()) {
+            take(text_[position_]);
+        }
+        finishWord();
+        return std::move(words_);
+    }
+
+private:
+    void take(char character) {
+        constexpr std::string_view separators = " \t\r\n;|&()<>";
+        ++position_;
+        if (quote_ == '\0' && separators.find(character) != std::string_view::npos) {
+            finishWord();
+        } else if (quote_ == '\0' && character == '#' && !isInWord_) {
+            position_ = std::min(text_.find('\n', position_), text_.size());
+        } else if (quote_ != '\'' && character == '\\') {
+            takeEscaped();
+        } else if (quote_ == '\0' && (character == '"' || character == '\'')) {
+            quote_ = character;
+            isInWord_ = true;
+        } else if (character == quote_) {
+            quote_ = '\0';
+        } else if (quote_ != '\'' && character == '$') {
+            takeVariable();
+        } else {
+            isKnown_ = isKnown_ && (quote_ == '\'' || character != '`');
+            append(character);
+        }
+    }
+
+    void append(char character) {
+        constexpr std::size_t maxLength = 4096;
+        isInWord_ = true;
+        isKnown_ = isKnown_ && word_.size() < maxLength;
+        if (isKnown_) {
+            word_.push_back(character);
+        }
+    }
+
+    void takeEscaped() {
+        const char escaped = position_ < text_.size() ? text_[position_++] : '\n';
+        if (escaped != '\n') {
+            append(escaped);
+        }
+    }
+
+    void takeVariable() {
+        isInWord_ = true;
+        const bool braced = position_ < text_.size() && text_[position_] == '{';
+        const std::size_t start = position_ + (braced ? 1 : 0);
+        std::size_t end = start;
+        while (end < text_.size() && isNameCharacter(text_[end])) {
+            ++end;
+        }
+        const auto value = values_.find(std::string(text_.substr(start, end - start)));
+        const bool closed = !braced || (end < text_.size() && text_[end] == '}');
+        if (value == values_.end() || !closed) {
+            isKnown_ = false;
+            return;
+        }
+        position_ = end + (braced ? 1 : 0);
+        for (const char character : value->second) {
+            append(character);
+        }
+    }
+
+    void finishWord() {
+        const std::size_t equals = word_.find('=');
+        if (isInWord_ && equals != std::string::npos && equals > 0 &&
+            std::all_of(word_.begin(), word_.begin() + static_cast<std::ptrdiff_t>(equals),
+                        isNameCharacter)) {
+            assign(word_.substr(0, equals), word_.substr(equals + 1));
+        } else if (isKnown_ && !word_.empty()) {
+            words_.push_back(word_);
+        }
+        word_.clear();
+        isInWord_ = false;
+        isKnown_ = true;
+    }
+
+    void assign(const std::string& name, const std::string& value) {
+        if (isKnown_) {
+            values_[name] = value;
+            words_.push_back(value);
+        } else {
+            values_.erase(name);
+        }
+    }
+
+    std::string_view text_;
+    std::size_t position_ = 0;
+    char quote_ = '\0';
+    std::string word_{};
+    bool isInWord_ = false;
+    bool isKnown_ = true; ///< nothing in the word has to be found out by running the script
+    std::map<std::string, std::string> values_{};
+    std::vector<std::string> words_{};
+};
+
+} // namespace
+
+LauncherScript LauncherScript::parse(std::string_view text) {
+    static const std::set<std::string> shells{"sh", "bash", "dash", "ksh", "zsh", "busybox"};
+    LauncherScript script{interpreterIn(text)};
+    if (shells.contains(script.interpreter)) {
+        script.words = ShellWords(text).split();
+    }
+    return script;
+}
+
+bool LauncherScript::mentionsJava() const {
+    return std::any_of(words.begin(), words.end(),
+                       [](const std::string& word) { return baseName(word) == "java"; });
+}
+
+bool LauncherScript::namesJar() const {
+    return std::any_of(words.begin(), words.end(),
+                       [](const std::string& word) { return word.ends_with(".jar"); });
+}
+
+bool LauncherScript::startsElectron() const {
+    const auto isElectron = [](std::string_view word) {
+        constexpr std::string_view name = "electron";
+        const std::string_view file = baseName(word);
+        return file.starts_with(name) &&
+               file.find_first_not_of("0123456789", name.size()) == std::string_view::npos;
+    };
+    return std::any_of(words.begin(), words.end(), isElectron) &&
+           std::any_of(words.begin(), words.end(),
+                       [](const std::string& word) { return word.ends_with(".asar"); });
+}
+
+} // namespace quorvel

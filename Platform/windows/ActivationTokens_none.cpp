@@ -1,0 +1,15 @@
+#include "Platform/windows/ActivationTokens.h"
+
+namespace quorvel {
+
+class ActivationTokens::Clicks {};
+
+ActivationTokens::ActivationTokens() = default;
+
+ActivationTokens::~ActivationTokens() = default;
+
+std::string ActivationTokens::take() const {
+    return {};
+}
+
+} // namespace quorvel

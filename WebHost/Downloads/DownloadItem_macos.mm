@@ -1,0 +1,43 @@
+#include "WebHost/Downloads/DownloadItem_macos.h"
+
+#include "Platform/files/PlatformError.h"
+#include "WebHost/NSText_macos.h"
+
+#include <CoreServices/CoreServices.h>
+
+namespace quorvel {
+namespace {
+
+// Only then the system checks a program before it is started.
+bool quarantine(NSURL* file, NSURL* source) {
+    NSMutableDictionary<NSString*, id>* const properties = [NSMutableDictionary dictionary];
+    properties[(__bridge NSString*)kLSQuarantineTypeKey] =
+        (__bridge NSString*)kLSQuarantineTypeWebDownload;
+    if (source != nil) {
+        properties[(__bridge NSString*)kLSQuarantineDataURLKey] = source;
+    }
+    return [file setResourceValue:properties forKey:NSURLQuarantinePropertiesKey error:nil] == YES;
+}
+
+} // namespace
+
+NSURL* DownloadItem::file() const {
+    return [NSURL fileURLWithFileSystemRepresentation:staged.file().c_str()
+                                          isDirectory:NO
+                                        relativeToURL:nil];
+}
+
+std::string DownloadItem::publish() {
+    if (!quarantine(file(), download.originalRequest.URL)) {
+        return "“" + staged.name() + "” can’t be marked as a download, and was not kept";
+    }
+    try {
+        const std::filesystem::path saved = staged.publish();
+        return "Saved “" + saved.filename().string() + "” in “" +
+               saved.parent_path().filename().string() + "”";
+    } catch (const PlatformError& error) {
+        return error.description();
+    }
+}
+
+} // namespace quorvel

@@ -1,0 +1,155 @@
+#include "WebHost/Downloads/DownloadList_macos.h"
+
+#include "Platform/files/PlatformError.h"
+#include "WebHost/AnswerOnce_macos.h"
+#include "WebHost/Downloads/DownloadItem_macos.h"
+#include "WebHost/Downloads/DownloadName.h"
+#include "WebHost/NSText_macos.h"
+#include "WebHost/Pages/FloodCaps.h"
+
+#include <memory>
+#include <utility>
+#include <vector>
+
+@implementation QuorvelDownloadList {
+    std::filesystem::path _folder;
+    std::string _mark;
+    quorvel::DownloadCallbacks _callbacks;
+    std::optional<quorvel::RateCap> _cap;
+    std::vector<std::shared_ptr<quorvel::DownloadItem>> _items;
+    NSTimer* _reports;
+}
+
+- (instancetype)initWithFolder:(std::filesystem::path)folder
+                          mark:(std::string)mark
+                     callbacks:(quorvel::DownloadCallbacks)callbacks {
+    self = [super init];
+    if (self != nil) {
+        _folder = std::move(folder);
+        _mark = std::move(mark);
+        _callbacks = std::move(callbacks);
+        _cap = quorvel::unaskedDownloadCap();
+        quorvel::StagedDownload::removeLeftovers(_folder, _mark);
+    }
+    return self;
+}
+
+- (BOOL)isRunning {
+    return !_items.empty();
+}
+
+- (void)cancelAll {
+    for (const auto& item : std::exchange(_items, {})) {
+        [item->download cancel:nil];
+    }
+    [self report];
+}
+
+- (void)download:(WKDownload*)download
+    decideDestinationUsingResponse:(NSURLResponse*)response
+                 suggestedFilename:(NSString*)suggested
+                 completionHandler:(void (^)(NSURL* _Nullable))completionHandler {
+    const auto answer = quorvel::answerOnce(completionHandler, nil);
+    (void)response;
+    const std::string name = quorvel::textOf(suggested);
+    if (_items.size() >= quorvel::mostDownloadsAtOnce) {
+        return;
+    }
+    if (_cap->admits(quorvel::FloodClock::now())) {
+        answer([self begin:download name:name]);
+        return;
+    }
+    __weak QuorvelDownloadList* const weakSelf = self;
+    (void)_callbacks.ask(quorvel::safeDownloadName(name), [=](bool isWanted) {
+        answer(isWanted ? [weakSelf begin:download name:name] : nil);
+    });
+}
+
+// Returns where to write the file, or nil if that can't be done.
+- (NSURL*)begin:(WKDownload*)download name:(const std::string&)name {
+    if (_items.size() >= quorvel::mostDownloadsAtOnce) {
+        return nil;
+    }
+    try {
+        auto item = std::make_shared<quorvel::DownloadItem>(
+            download, quorvel::StagedDownload(_folder, _mark, name));
+        NSURL* const file = item->file();
+        _items.push_back(std::move(item));
+        [self startReports];
+        return file;
+    } catch (const quorvel::PlatformError& error) {
+        _callbacks.changed(error.description(), std::nullopt);
+        return nil;
+    }
+}
+
+// Takes the download off the list; null if it is not on it any more.
+- (std::shared_ptr<quorvel::DownloadItem>)take:(WKDownload*)download {
+    for (auto each = _items.begin(); each != _items.end(); ++each) {
+        if ((*each)->download == download) {
+            auto item = *each;
+            _items.erase(each);
+            return item;
+        }
+    }
+    return nullptr;
+}
+
+- (void)downloadDidFinish:(WKDownload*)download {
+    if (const auto item = [self take:download]) {
+        [self ended:item->publish()];
+    }
+}
+
+- (void)download:(WKDownload*)download
+    didFailWithError:(NSError*)error
+          resumeData:(NSData*)resumeData {
+    (void)resumeData;
+    if (const auto item = [self take:download]) {
+        [self ended:"“" + item->staged.name() +
+                    "” can’t be downloaded: " + quorvel::textOf(error.localizedDescription)];
+    }
+}
+
+- (void)ended:(const std::string&)text {
+    [self report];
+    if (_items.empty()) {
+        _callbacks.changed(text, std::nullopt);
+    }
+}
+
+- (void)startReports {
+    constexpr NSTimeInterval seconds = 0.25;
+    [self report];
+    if (_reports != nil) {
+        return;
+    }
+    __weak QuorvelDownloadList* const weakSelf = self;
+    _reports = [NSTimer scheduledTimerWithTimeInterval:seconds
+                                               repeats:YES
+                                                 block:^(NSTimer* timer) {
+                                                   (void)timer;
+                                                   [weakSelf report];
+                                                 }];
+}
+
+- (void)report {
+    if (_items.empty()) {
+        [_reports invalidate];
+        _reports = nil;
+        _callbacks.changed("", std::nullopt);
+        return;
+    }
+    constexpr int whole = 100;
+    double progress = 0;
+    for (const auto& item : _items) {
+        progress += item->download.progress.fractionCompleted;
+    }
+    const int percent = static_cast<int>(progress / static_cast<double>(_items.size()) * whole);
+    const std::string what = _items.size() == 1 ? "“" + _items.front()->staged.name() + "”"
+                                                : std::to_string(_items.size()) + " files";
+    _callbacks.changed("Downloading " + what + ": " + std::to_string(percent) + " %",
+                       percent / static_cast<double>(whole));
+}
+
+@end

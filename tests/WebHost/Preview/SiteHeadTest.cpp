@@ -1,0 +1,50 @@
+#include "WebHost/Preview/SiteHead.h"
+
+#include <gmock/gmock.h>
+
+namespace quorvel {
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+
+TEST(SiteHeadTest, TheTitleAndTheLargestIconComeFirst) {
+    const SiteHead head = siteHead(R"(<!DOCTYPE html><HTML><head><meta charset=utf-8>
+<TITLE lang="en"> Mail &amp;
+ more </TITLE>
+<link rel=stylesheet href=style.css>
+<link rel="shortcut icon" href="/favicon.ico">
+<LINK REL='icon' sizes="16x16 192x192" href='a.png?x=1&amp;y=2'/>
+<link href="touch.png" rel="apple-touch-icon">
+<link rel="icon" type="image/svg+xml" sizes="any" href="b.svg">
+</head><body><title>No</title><link rel=icon sizes=512x512 href=late.png>)");
+    EXPECT_EQ(head.title, "Mail &  more");
+    EXPECT_THAT(head.icons, ElementsAre("b.svg", "a.png?x=1&y=2", "touch.png", "/favicon.ico"));
+}
+
+TEST(SiteHeadTest, AQuotationMayContainTheEndOfATag) {
+    EXPECT_THAT(siteHead("<link title='a>b' rel=icon href='c>d'>").icons, ElementsAre("c>d"));
+    EXPECT_THAT(siteHead("<linker rel=icon href=a><link relation=icon href=a>").icons, IsEmpty());
+    EXPECT_THAT(siteHead("<link rel=\"mask-icon\" href=a><link rel=icon>").icons, IsEmpty());
+}
+
+TEST(SiteHeadTest, WhatIsCutOffOrTooMuchIsNoTrouble) {
+    EXPECT_EQ(siteHead("<title>Half").title, "Half");
+    EXPECT_EQ(siteHead("<title lang='>'>Whole</title>").title, "Whole");
+    for (const char* html :
+         {"", "<", "<title", "<title>", "<title ", "<title lang='x", "<link", "<link rel",
+          "<link rel=", "<link rel='", "<link rel='icon' href='", "<link / = >", "&", "<&"}) {
+        EXPECT_EQ(siteHead(html).title, "") << html;
+        EXPECT_THAT(siteHead(html).icons, IsEmpty()) << html;
+    }
+    std::string many;
+    for (int count = 0; count < 10'000; ++count) {
+        many += "<link rel=icon href=a sizes=99999999999999999999x1>";
+    }
+    EXPECT_EQ(siteHead(many).icons.size(), 50U);
+    EXPECT_LE(siteHead("<title>" + std::string(1'000'000, 'x')).title.size(), 1000U);
+    EXPECT_THAT(siteHead("<link rel=icon href=" + std::string(5000, 'x') + ">").icons, IsEmpty());
+}
+
+} // namespace
+} // namespace quorvel
