@@ -53,7 +53,7 @@ if(QUORVEL_SANITIZE)
   target_compile_options(quorvel_options INTERFACE
     -fsanitize=${QUORVEL_SANITIZE} -fno-omit-frame-pointer
     # GCC takes the sanitizers' own checks for uses of what is not set, or is outside.
-    $<$<CXX_COMPILER_ID:GNU>:-Wno-maybe-uninitialized;-Wno-array-bounds>)
+    $<$<CXX_COMPILER_ID:GNU>:-Wno-maybe-uninitialized;-Wno-array-bounds;-Wno-stringop-overflow>)
   if(QUORVEL_SANITIZE MATCHES undefined)
     target_compile_options(quorvel_options INTERFACE -fno-sanitize-recover=undefined)
   endif()
