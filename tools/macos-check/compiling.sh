@@ -25,7 +25,7 @@ rule one
   deps = gcc
   description = \$kind \$in
 rule prefix
-  command = $compiler @\$flags -MD -MF \$out.d -MT \$out -x c++-header \$in -o \$out
+  command = $compiler @\$flags \$language -MD -MF \$out.d -MT \$out \$in -o \$out
   depfile = \$out.d
   deps = gcc
 NINJA
@@ -35,18 +35,29 @@ NINJA
 jobs_for() {
   local kind=$1 arch=$2 file needs
   shift 2
-  needs="$out/$arch.flags $here/compile-one"
-  [ "$kind" != window ] || needs+=" $out/prefix.pch"
+  needs="$out/$arch.flags $here/compile-one $here/include/poison.h"
+  case $kind.$arch in
+    window.*) needs+=" $out/window.$arch.pch" ;;
+    analysis.* | analyse.* | object."$second") needs+=" $out/cpp.$arch.pch $out/mm.$arch.pch" ;;
+  esac
   for file in "$@"; do
     printf 'build %s: one %s | %s\n  kind = %s\n  arch = %s\n' \
       "$(result_of "$kind" "$arch" "$file")" "$file" "$needs" "$kind" "$arch"
   done
 }
 
-# The header that the files of the windows have in common.
+# prefix_job ARCHITECTURE NAME HEADER LANGUAGE...: makes NAME.ARCHITECTURE.pch.
 prefix_job() {
-  printf 'build %s: prefix %s | %s\n  flags = %s\n' \
-    "$out/prefix.pch" "$here/include/prefix.h" "$out/$1.flags" "$out/$1.flags"
+  local arch=$1 name=$2 header=$3
+  shift 3
+  printf 'build %s: prefix %s | %s\n  flags = %s\n  language = %s\n' \
+    "$out/$name.$arch.pch" "$here/include/$header" "$out/$arch.flags" "$out/$arch.flags" "$*"
+}
+
+# The headers that most files read; those of Objective-C++ need their own.
+standard_prefix_jobs() {
+  prefix_job "$1" cpp standard.h -x c++-header
+  prefix_job "$1" mm standard.h -x objective-c++-header -fobjc-arc
 }
 
 # run_jobs NAME: false when one fails. All are tried.
