@@ -69,6 +69,9 @@ HostPage::HostPage(WebKitWebView* view, const PageServices& services, Callbacks 
 }
 
 HostPage::~HostPage() {
+    if (repetition_ != 0) {
+        g_source_remove(repetition_);
+    }
     g_signal_handlers_disconnect_by_data(view_, this);
 }
 
@@ -104,9 +107,12 @@ void HostPage::connect() {
 
 void HostPage::load(const std::string& address) {
     if (address.empty()) {
+        requested_.withdraw();
         webkit_web_view_load_html(view_, noAddressPage(services_.name).c_str(), nullptr);
     } else {
         webkit_web_view_load_uri(view_, address.c_str());
+        // As the engine spells it.
+        requested_.requested(textOf(webkit_web_view_get_uri(view_)));
     }
 }
 
@@ -202,6 +208,10 @@ gboolean HostPage::policyWanted(WebKitWebView* /*view*/, WebKitPolicyDecision* d
     WebKitNavigationAction* const action = webkit_navigation_policy_decision_get_navigation_action(
         WEBKIT_NAVIGATION_POLICY_DECISION(decision));
     const bool isNewWindow = type == WEBKIT_POLICY_DECISION_TYPE_NEW_WINDOW_ACTION;
+    if (!isNewWindow) {
+        page.requested_.decided(addressOf(action),
+                                webkit_navigation_action_is_user_gesture(action) == TRUE);
+    }
     if (page.routes(action, isNewWindow)) {
         return FALSE;
     }
@@ -225,6 +235,7 @@ void HostPage::showStatus(const std::string& html, const std::string& address) {
 gboolean HostPage::loadFailed(WebKitWebView* /*view*/, WebKitLoadEvent /*event*/, char* address,
                               GError* error, gpointer self) {
     of(self).awaited_.clear();
+    of(self).requested_.failed(textOf(address));
     // A download interrupts its page, and a link that is opened elsewhere does, too.
     if (error->domain == WEBKIT_POLICY_ERROR ||
         g_error_matches(error, WEBKIT_NETWORK_ERROR, WEBKIT_NETWORK_ERROR_CANCELLED) == TRUE) {
@@ -254,10 +265,12 @@ void HostPage::crashed(WebKitWebView* view, WebKitWebProcessTerminationReason /*
     HostPage& page = of(self);
     if (page.reloads_.admits(FloodClock::now())) {
         // A reload would show the page before the one that is still on its way.
-        if (page.awaited_.empty()) {
+        const std::string next =
+            page.requested_.isWaiting() ? page.requested_.address() : page.awaited_;
+        if (next.empty()) {
             webkit_web_view_reload(view);
         } else {
-            page.load(std::string(page.awaited_));
+            page.load(next);
         }
     } else {
         page.showStatus(crashPage(page.address()), page.address());
@@ -265,7 +278,12 @@ void HostPage::crashed(WebKitWebView* view, WebKitWebProcessTerminationReason /*
 }
 
 void HostPage::committed() {
-    shown_.committed(textOf(webkit_web_view_get_uri(view_)));
+    // As long as a load is requested, the engine says that the view's address is that one's.
+    WebKitWebResource* const resource = webkit_web_view_get_main_resource(view_);
+    shown_.committed(textOf(requested_.isWaiting() && resource != nullptr
+                                ? webkit_web_resource_get_uri(resource)
+                                : webkit_web_view_get_uri(view_)));
+    repeatIfDropped();
     awaited_.clear();
     cancelled_.clear();
     closeGuard_.reacted();
@@ -281,11 +299,30 @@ void HostPage::committed() {
     callbacks_.titleChanged();
 }
 
+// Asks for a page once more if the engine does not begin with it, now that another one is there.
+void HostPage::repeatIfDropped() {
+    if (!requested_.isWaiting() || repetition_ != 0) {
+        return;
+    }
+    repetition_ = g_timeout_add(
+        RequestedLoad::longestDelay,
+        [](gpointer self) -> gboolean {
+            HostPage& page = of(self);
+            page.repetition_ = 0;
+            if (page.requested_.isToBeRepeated()) {
+                page.load(std::string(page.requested_.address()));
+            }
+            return G_SOURCE_REMOVE;
+        },
+        this);
+}
+
 void HostPage::loadChanged(WebKitWebView* view, WebKitLoadEvent event, gpointer self) {
     HostPage& page = of(self);
     if (event == WEBKIT_LOAD_STARTED || event == WEBKIT_LOAD_REDIRECTED) {
         page.awaited_ = textOf(webkit_web_view_get_uri(view));
         if (event == WEBKIT_LOAD_STARTED) {
+            page.requested_.started();
             page.certificates_.loadStarted();
         }
     } else if (event == WEBKIT_LOAD_COMMITTED) {

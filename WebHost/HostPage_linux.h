@@ -11,6 +11,7 @@
 #include "WebHost/PagePasswords_linux.h"
 #include "WebHost/PagePermissions_linux.h"
 #include "WebHost/PermissionQuestions.h"
+#include "WebHost/RequestedLoad.h"
 #include "WebHost/ShownAddress.h"
 #include "WebHost/SiteSettings.h"
 
@@ -88,6 +89,7 @@ private:
 
     void connect();
     void committed();
+    void repeatIfDropped();
     void notificationWanted(WebKitNotification* notification);
     void openOther(const std::string& address);
     void openOutside(const std::string& address);
@@ -110,6 +112,8 @@ private:
     PagePasswords passwords_;
     PageMenu menu_;
     RateCap reloads_ = reloadCap();
+    RequestedLoad requested_{};
+    guint repetition_ = 0;    ///< the timer of a load that the engine has perhaps dropped
     std::string awaited_{};   ///< the address of a page that is on its way
     std::string cancelled_{}; ///< the last address whose connection was cancelled
 };

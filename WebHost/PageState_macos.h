@@ -7,6 +7,7 @@
 #include "WebHost/OutsideOpener_macos.h"
 #include "WebHost/PasswordQuestions.h"
 #include "WebHost/PermissionQuestions.h"
+#include "WebHost/RequestedLoad.h"
 #include "WebHost/ShownAddress.h"
 
 #import <WebKit/WebKit.h>
@@ -78,6 +79,10 @@ public:
     void awaits(const std::string& address);
     /// Returns the address of the page that is on its way; empty if none is.
     [[nodiscard]] const std::string& awaited() const { return awaited_; }
+    /// Returns the load that `load` asked the engine for.
+    [[nodiscard]] RequestedLoad& requested() { return requested_; }
+    /// The engine begins with a navigation.
+    void begins(WKNavigation* _Nullable navigation);
     /// Nothing is on its way any more.
     void awaitsNothing() { awaited_.clear(); }
     /// A page has replaced the one before.
@@ -108,6 +113,8 @@ private:
     ShownAddress shown_{};
     PageVisit visit_{};
     WKNavigation* _Nullable status_ = nil;
+    WKNavigation* _Nullable requestedNavigation_ = nil;
+    RequestedLoad requested_{};
     std::string awaited_{};
     std::uint64_t awaitedGesture_ = 0; ///< the last one when that began
 };

@@ -57,6 +57,18 @@ onclick = () => { let open = 0;
 location = '/redirect-to-slow';
 setTimeout(() => { document.title = 'Still here'; setTimeout(() => alert('I'), 0); }, 1000);
 </script>""",
+    '/answers-late': "<title>Late</title>",
+    # Hangs once it is left for a page elsewhere.
+    '/hangs': """<title>Hangs</title><body style='position:fixed;inset:0;background:#ccc'><script>
+onclick = () => {
+  onclick = null;
+  location = 'http://localhost:PORT/answers-late';
+  setTimeout(() => {
+    const request = new XMLHttpRequest();
+    request.open('GET', '/hanging', false);
+    request.send();
+  }, 500);
+};</script>""",
     '/redirecting': "<title>Redirecting</title><a href='/redirect' "
                     "style='position:fixed;inset:0;background:#ccc'>Sign in</a>",
     '/noopener': """<title>Noopener</title><body style='position:fixed;inset:0;background:#ccc'>
@@ -175,6 +187,8 @@ onclick = () => { onclick = null; document.body.requestFullscreen(); };
     '/sign-in': "<title>Sign in</title><script>opener.postMessage('as-me', '*');"
                 "fetch('/asked?badge=' + typeof navigator.setAppBadge)</script>",
 }
+# Answered once there is such a file beside the log.
+WAITING = {'/answers-late': 'answer', '/hanging': 'hang-no-more'}
 REDIRECTS = {'/redirect': '/elsewhere', '/redirect-to-slow': '/never-answers'}
 
 
@@ -204,6 +218,9 @@ class Site(http.server.BaseHTTPRequestHandler):
         if path == '/never-answers':
             self.log_message()
             threading.Event().wait()
+        if path in WAITING:
+            self.log_message()
+            self.wait_for(WAITING[path])
         page = PAGES.get(path, '').replace('PORT', str(self.server.server_port)).encode()
         if path == '/file':
             page = b'downloaded'
@@ -250,9 +267,13 @@ class Site(http.server.BaseHTTPRequestHandler):
         self.end_headers()
         self.wfile.write(b'x' * 100000)
         self.wfile.flush()
-        while not os.path.exists(os.path.join(os.path.dirname(sys.argv[2]), 'release')):
-            time.sleep(0.05)
+        self.wait_for('release')
         self.wfile.write(b'x' * 100000)
+
+    @staticmethod
+    def wait_for(name):
+        while not os.path.exists(os.path.join(os.path.dirname(sys.argv[2]), name)):
+            time.sleep(0.005)
 
     do_POST = do_GET
 
