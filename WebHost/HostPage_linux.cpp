@@ -110,9 +110,10 @@ void HostPage::load(const std::string& address) {
         requested_.withdraw();
         webkit_web_view_load_html(view_, noAddressPage(services_.name).c_str(), nullptr);
     } else {
-        webkit_web_view_load_uri(view_, address.c_str());
+        const ObjectRef<WebKitURIRequest> request(webkit_uri_request_new(address.c_str()));
         // As the engine spells it.
-        requested_.requested(textOf(webkit_web_view_get_uri(view_)));
+        requested_.requested(textOf(webkit_uri_request_get_uri(request.get())));
+        webkit_web_view_load_request(view_, request.get());
     }
 }
 
@@ -229,6 +230,7 @@ WebKitWebView* HostPage::created(WebKitWebView* /*view*/, WebKitNavigationAction
 }
 
 void HostPage::showStatus(const std::string& html, const std::string& address) {
+    requested_.failed(address);
     webkit_web_view_load_alternate_html(view_, html.c_str(), address.c_str(), nullptr);
 }
 
