@@ -39,6 +39,7 @@ HostPage::HostPage(WebKitWebView* view, const PageServices& services, Callbacks 
     : view_(view),
       services_(services),
       callbacks_(std::move(callbacks)),
+      life_(g_cancellable_new()),
       window_(view,
               {.home = callbacks_.home,
                .settings = callbacks_.settings,
@@ -53,7 +54,8 @@ HostPage::HostPage(WebKitWebView* view, const PageServices& services, Callbacks 
                    }},
               state, services.iconName),
       dialogs_(view, window_.widget(), shown_,
-               {[this] { visit_.used(window_.gestures()); }, [this] { closeGuard_.reacted(); }}),
+               {[this] { visit_.used(window_.gestures()); }, [this] { closeGuard_.asksUser(); },
+                [this](bool leaves) { leavingAnswered(leaves); }}),
       questions_(
           *services.permissions,
           [this](HostQuestion question) { return window_.ask(std::move(question)); },
@@ -72,6 +74,7 @@ HostPage::~HostPage() {
     if (repetition_ != 0) {
         g_source_remove(repetition_);
     }
+    g_cancellable_cancel(life_.get());
     g_signal_handlers_disconnect_by_data(view_, this);
 }
 
@@ -102,7 +105,7 @@ void HostPage::connect() {
         },
         this);
     onSignal(
-        view_, "close", [](WebKitWebView*, gpointer self) { of(self).callbacks_.closed(); }, this);
+        view_, "close", [](WebKitWebView*, gpointer self) { of(self).closedByEngine(); }, this);
 }
 
 void HostPage::load(const std::string& address) {
@@ -127,6 +130,50 @@ void HostPage::close() {
     } else {
         webkit_web_view_try_close(view_);
     }
+}
+
+void HostPage::closedByEngine() {
+    switch (closeGuard_.endingByEngine()) {
+    case CloseGuard::Ending::close:
+        callbacks_.closed();
+        break;
+    case CloseGuard::Ending::askAgain:
+        afterReaction([this] {
+            if (closeGuard_.closesAfterAll()) {
+                callbacks_.closed();
+            }
+        });
+        break;
+    case CloseGuard::Ending::stay:
+        break;
+    }
+}
+
+void HostPage::leavingAnswered(bool leaves) {
+    if (closeGuard_.answered(leaves)) {
+        afterReaction([this] { callbacks_.closed(); });
+    } else {
+        afterReaction([this] { closeGuard_.settled(); });
+    }
+}
+
+void HostPage::afterReaction(std::function<void()> act) {
+    webkit_web_view_evaluate_javascript(
+        view_, "0", -1, badgeWorld, nullptr, life_.get(),
+        [](GObject* view, GAsyncResult* result, gpointer data) {
+            const std::unique_ptr<std::function<void()>> then(
+                static_cast<std::function<void()>*>(data));
+            GError* error = nullptr;
+            JSCValue* value =
+                webkit_web_view_evaluate_javascript_finish(WEBKIT_WEB_VIEW(view), result, &error);
+            const bool isOver = g_error_matches(error, G_IO_ERROR, G_IO_ERROR_CANCELLED) == TRUE;
+            g_clear_object(&value);
+            g_clear_error(&error);
+            if (!isOver) {
+                (*then)();
+            }
+        },
+        new std::function<void()>(std::move(act)));
 }
 
 // The engine remembers permissions for as long as it runs, but the user may have taken it back.
@@ -288,7 +335,7 @@ void HostPage::committed() {
     repeatIfDropped();
     awaited_.clear();
     cancelled_.clear();
-    closeGuard_.reacted();
+    closeGuard_.replaced();
     if (visit_.begins(hostOf(address()), window_.gestures())) {
         dialogs_.reset();
         questions_.reset();

@@ -90,6 +90,10 @@ private:
     void connect();
     void committed();
     void repeatIfDropped();
+    /// Calls this once the page has reacted to everything so far, unless it is destroyed before.
+    void afterReaction(std::function<void()> act);
+    void closedByEngine();
+    void leavingAnswered(bool leaves);
     void notificationWanted(WebKitNotification* notification);
     void openOther(const std::string& address);
     void openOutside(const std::string& address);
@@ -104,6 +108,7 @@ private:
     ShownAddress shown_{};
     PageVisit visit_{};
     CloseGuard closeGuard_{};
+    ObjectRef<GCancellable> life_; ///< cancelled at the end
     HostWindow window_;
     PageDialogs dialogs_;
     PermissionQuestions questions_;

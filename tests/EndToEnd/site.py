@@ -57,6 +57,7 @@ onclick = () => { let open = 0;
 location = '/redirect-to-slow';
 setTimeout(() => { document.title = 'Still here'; setTimeout(() => alert('I'), 0); }, 1000);
 </script>""",
+    '/elsewhere': "<title>Elsewhere</title>",
     '/answers-late': "<title>Late</title>",
     # Hangs once it is left for a page elsewhere.
     '/hangs': """<title>Hangs</title><body style='position:fixed;inset:0;background:#ccc'><script>
@@ -75,11 +76,15 @@ onclick = () => {
 <script>onclick = () => { window.open('/by-itself', '', 'noopener'); };</script>""",
     '/by-itself': "<title>Alone</title><script>navigator.setAppBadge?.(66);"
                   "fetch('/alone?opener=' + window.opener)</script>",
+    # Takes longer to ask than the engine waits for it.
     '/draft': """<title>Draft</title><body style='position:fixed;inset:0;background:#ccc'><script>
 let count = 0;
 onclick = () => fetch('/typed');
-onbeforeunload = event => { navigator.sendBeacon('/leaving?' + ++count); event.preventDefault();
-                            return 'wait'; };
+onbeforeunload = event => {
+  navigator.sendBeacon('/leaving?' + ++count);
+  for (const begin = Date.now(); Date.now() < begin + 300;);
+  event.preventDefault();
+  return 'wait'; };
 </script>""",
     '/flashing': """<title>Flashing</title><script>
 let count = 0;
