@@ -66,10 +66,9 @@ TEST_F(WebPagesTest, APageThatWasNotLeftAsksAgain) {
     clickUntil(shown, "/typed");
     const pid_t host = process("Portal");
     for (const char* time : {"1", "2"}) {
-        press("ctrl+w");
+        pressIn(shown, "ctrl+w");
         request(std::string("/leaving\\?") + time);
-        const std::string dialog = window("^Leave this page");
-        press("Escape");
+        pressIn(window("^Leave this page"), "Escape");
         EXPECT_TRUE(isGone("^Leave this page"));
     }
     EXPECT_EQ(process("Portal"), host);
