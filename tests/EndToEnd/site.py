@@ -163,6 +163,16 @@ fetch('/dialogs-over'); }, 0)</script>""",
     '/slow-downloads': """<title>Many</title><body><script>
 for (let count = 1; count <= 5; ++count) { const frame = document.createElement('iframe');
   frame.src = '/slow-file?' + count; document.body.append(frame); }</script>""",
+    # "?FIRST,END,STEP": a key downloads the next five files of those numbers.
+    '/names': """<title>Names</title><body style='position:fixed;inset:0;background:#ccc'><script>
+let [next, end, step] = location.search.slice(1).split(',').map(Number);
+onkeydown = () => {
+  for (let count = 0; count < 5 && next < end; ++count, next += step) {
+    const frame = document.createElement('iframe');
+    frame.src = '/file?download=' + next;
+    document.body.append(frame);
+  }
+};</script>""",
     # What a page of the web must not get.
     '/hostile': """<title>Hostile \u202e\u2066 — Bank</title>
 <body style='position:fixed;inset:0;background:#ccc'><script>
