@@ -185,13 +185,10 @@ void WebHost::addStatusItem() {
 DownloadList::Callbacks WebHost::downloadCallbacks() {
     DownloadList::Callbacks callbacks;
     callbacks.ask = [this](const std::string& name, const std::function<void(bool)>& answered) {
-        const bool isAsked = main_->window().ask(
+        return main_->window().ask(
             {"This page wants to download another file, “" + name + "”.", "Download",
              "Don’t Download",
              [answered](std::optional<bool> isWanted) { answered(isWanted.value_or(false)); }});
-        if (!isAsked) {
-            answered(false);
-        }
     };
     callbacks.changed = [this](const std::string& text, std::optional<double> progress) {
         main_->window().showDownloads(text, progress ? [this] { downloads_->cancelAll(); }

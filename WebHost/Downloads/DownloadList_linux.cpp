@@ -41,6 +41,7 @@ void DownloadList::cancelAll() {
         webkit_download_cancel(download);
         items_.erase(download);
     }
+    refused_.reset();
     report();
 }
 
@@ -61,27 +62,46 @@ gboolean DownloadList::nameWanted(WebKitDownload* download, char* suggested, gpo
     }
     found->second.suggested = textOf(suggested);
     if (list.running() >= mostDownloadsAtOnce) {
-        webkit_download_cancel(download);
+        list.refuse(download);
     } else if (list.cap_.admits(FloodClock::now())) {
         list.begin(download);
     } else {
-        list.callbacks_.ask(safeDownloadName(found->second.suggested),
-                            [&list, download](bool isWanted) {
-                                // It may be gone by the time that the user answers.
-                                if (!list.items_.contains(download)) {
-                                    return;
-                                }
-                                if (isWanted && list.running() < mostDownloadsAtOnce) {
-                                    list.begin(download);
-                                } else {
-                                    webkit_download_cancel(download);
-                                }
-                            });
+        list.ask(download);
     }
     return TRUE;
 }
 
+void DownloadList::ask(WebKitDownload* download) {
+    const auto answered = [this, download](bool isWanted) {
+        // It may be gone by the time that the user answers.
+        if (!items_.contains(download)) {
+            return;
+        }
+        if (!isWanted) {
+            webkit_download_cancel(download);
+        } else if (running() < mostDownloadsAtOnce) {
+            begin(download);
+        } else {
+            refuse(download);
+        }
+    };
+    if (!callbacks_.ask(safeDownloadName(items_.at(download).suggested), answered)) {
+        refuse(download);
+    }
+}
+
+void DownloadList::refuse(WebKitDownload* download) {
+    refused_.add(safeDownloadName(items_.at(download).suggested));
+    g_signal_handlers_disconnect_by_data(download, this);
+    webkit_download_cancel(download);
+    items_.erase(download);
+    report();
+}
+
 void DownloadList::begin(WebKitDownload* download) {
+    if (!isRunning()) {
+        refused_.reset();
+    }
     Item& item = items_.at(download);
     try {
         item.stage.emplace(folder_, mark_, item.suggested);
@@ -135,7 +155,7 @@ void DownloadList::end(WebKitDownload* download, const std::string& text) {
     items_.erase(download);
     report();
     if (callbacks_.changed && running() == 0) {
-        callbacks_.changed(text, std::nullopt);
+        callbacks_.changed(refused_.appendedTo(text), std::nullopt);
     }
 }
 
@@ -159,14 +179,15 @@ void DownloadList::report() const {
     }
     const std::size_t count = running();
     if (count == 0) {
-        callbacks_.changed("", std::nullopt);
+        callbacks_.changed(refused_.appendedTo(""), std::nullopt);
         return;
     }
     constexpr int whole = 100;
     progress /= static_cast<double>(count);
     const std::string what = count == 1 ? name : std::to_string(count) + " files";
-    callbacks_.changed("Downloading " + what + ": " +
-                           std::to_string(static_cast<int>(progress * whole)) + " %",
+    const std::string text =
+        "Downloading " + what + ": " + std::to_string(static_cast<int>(progress * whole)) + " %";
+    callbacks_.changed(refused_.appendedTo(text),
                        static_cast<int>(progress * whole) / static_cast<double>(whole));
 }
 

@@ -1,8 +1,8 @@
 #pragma once
 
+#include "WebHost/Downloads/RefusedDownloads.h"
 #include "WebHost/Downloads/StagedDownload.h"
 #include "WebHost/GtkTypes_linux.h"
-#include "WebHost/Pages/FloodCaps.h"
 
 #include <webkit/webkit.h>
 
@@ -18,8 +18,8 @@ namespace quorvel {
 class DownloadList {
 public:
     struct Callbacks {
-        /// Asks whether a download that nobody waits for may start.
-        std::function<void(const std::string& name, std::function<void(bool)> answered)> ask{};
+        /// Asks whether a download that nobody waits for may start. Returns false if it can't ask.
+        std::function<bool(const std::string& name, std::function<void(bool)> answered)> ask{};
         /// How all running downloads together are getting on: from 0 to 1, or std::nullopt if none
         /// runs. The text is for the user.
         std::function<void(const std::string& text, std::optional<double> progress)> changed{};
@@ -51,6 +51,9 @@ private:
     static void finished(WebKitDownload* download, gpointer self);
 
     void begin(WebKitDownload* download);
+    void ask(WebKitDownload* download);
+    /// Cancels a download that is one too many.
+    void refuse(WebKitDownload* download);
     /// Forgets the download and says this about it.
     void end(WebKitDownload* download, const std::string& text);
     void report() const;
@@ -62,6 +65,7 @@ private:
     Callbacks callbacks_;
     RateCap cap_ = unaskedDownloadCap();
     std::map<WebKitDownload*, Item> items_{};
+    RefusedDownloads refused_{};
 };
 
 } // namespace quorvel

@@ -4,8 +4,8 @@
 #include "WebHost/AnswerOnce_macos.h"
 #include "WebHost/Downloads/DownloadItem_macos.h"
 #include "WebHost/Downloads/DownloadName.h"
+#include "WebHost/Downloads/RefusedDownloads.h"
 #include "WebHost/NSText_macos.h"
-#include "WebHost/Pages/FloodCaps.h"
 
 #include <memory>
 #include <utility>
@@ -17,6 +17,7 @@
     quorvel::DownloadCallbacks _callbacks;
     std::optional<quorvel::RateCap> _cap;
     std::vector<std::shared_ptr<quorvel::DownloadItem>> _items;
+    quorvel::RefusedDownloads _refused;
     NSTimer* _reports;
 }
 
@@ -42,6 +43,7 @@
     for (const auto& item : std::exchange(_items, {})) {
         [item->download cancel:nil];
     }
+    _refused.reset();
     [self report];
 }
 
@@ -53,6 +55,7 @@
     (void)response;
     const std::string name = quorvel::textOf(suggested);
     if (_items.size() >= quorvel::mostDownloadsAtOnce) {
+        [self refuse:name];
         return;
     }
     if (_cap->admits(quorvel::FloodClock::now())) {
@@ -60,15 +63,28 @@
         return;
     }
     __weak QuorvelDownloadList* const weakSelf = self;
-    (void)_callbacks.ask(quorvel::safeDownloadName(name), [=](bool isWanted) {
+    const bool isAsked = _callbacks.ask(quorvel::safeDownloadName(name), [=](bool isWanted) {
         answer(isWanted ? [weakSelf begin:download name:name] : nil);
     });
+    if (!isAsked) {
+        [self refuse:name];
+    }
+}
+
+// Tells the user that a download is one too many.
+- (void)refuse:(const std::string&)name {
+    _refused.add(quorvel::safeDownloadName(name));
+    [self report];
 }
 
 // Returns where to write the file, or nil if that can't be done.
 - (NSURL*)begin:(WKDownload*)download name:(const std::string&)name {
     if (_items.size() >= quorvel::mostDownloadsAtOnce) {
+        [self refuse:name];
         return nil;
+    }
+    if (_items.empty()) {
+        _refused.reset();
     }
     try {
         auto item = std::make_shared<quorvel::DownloadItem>(
@@ -114,7 +130,7 @@
 - (void)ended:(const std::string&)text {
     [self report];
     if (_items.empty()) {
-        _callbacks.changed(text, std::nullopt);
+        _callbacks.changed(_refused.appendedTo(text), std::nullopt);
     }
 }
 
@@ -137,7 +153,7 @@
     if (_items.empty()) {
         [_reports invalidate];
         _reports = nil;
-        _callbacks.changed("", std::nullopt);
+        _callbacks.changed(_refused.appendedTo(""), std::nullopt);
         return;
     }
     constexpr int whole = 100;
@@ -148,8 +164,8 @@
     const int percent = static_cast<int>(progress / static_cast<double>(_items.size()) * whole);
     const std::string what = _items.size() == 1 ? "“" + _items.front()->staged.name() + "”"
                                                 : std::to_string(_items.size()) + " files";
-    _callbacks.changed("Downloading " + what + ": " + std::to_string(percent) + " %",
-                       percent / static_cast<double>(whole));
+    const std::string text = "Downloading " + what + ": " + std::to_string(percent) + " %";
+    _callbacks.changed(_refused.appendedTo(text), percent / static_cast<double>(whole));
 }
 
 @end

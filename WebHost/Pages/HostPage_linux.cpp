@@ -39,6 +39,7 @@ HostPage::HostPage(WebKitWebView* view, const PageServices& services, Callbacks 
     : view_(view),
       services_(services),
       callbacks_(std::move(callbacks)),
+      life_(g_cancellable_new()),
       window_(view,
               {.home = callbacks_.home,
                .settings = callbacks_.settings,
@@ -53,7 +54,8 @@ HostPage::HostPage(WebKitWebView* view, const PageServices& services, Callbacks 
                    }},
               state, services.iconName),
       dialogs_(view, window_.widget(), shown_,
-               {[this] { visit_.used(window_.gestures()); }, [this] { closeGuard_.reacted(); }}),
+               {[this] { visit_.used(window_.gestures()); }, [this] { closeGuard_.asksUser(); },
+                [this](bool leaves) { leavingAnswered(leaves); }}),
       questions_(
           *services.permissions,
           [this](HostQuestion question) { return window_.ask(std::move(question)); },
@@ -69,6 +71,10 @@ HostPage::HostPage(WebKitWebView* view, const PageServices& services, Callbacks 
 }
 
 HostPage::~HostPage() {
+    if (repetition_ != 0) {
+        g_source_remove(repetition_);
+    }
+    g_cancellable_cancel(life_.get());
     g_signal_handlers_disconnect_by_data(view_, this);
 }
 
@@ -99,14 +105,18 @@ void HostPage::connect() {
         },
         this);
     onSignal(
-        view_, "close", [](WebKitWebView*, gpointer self) { of(self).callbacks_.closed(); }, this);
+        view_, "close", [](WebKitWebView*, gpointer self) { of(self).closedByEngine(); }, this);
 }
 
 void HostPage::load(const std::string& address) {
     if (address.empty()) {
+        requested_.withdraw();
         webkit_web_view_load_html(view_, noAddressPage(services_.name).c_str(), nullptr);
     } else {
-        webkit_web_view_load_uri(view_, address.c_str());
+        const ObjectRef<WebKitURIRequest> request(webkit_uri_request_new(address.c_str()));
+        // As the engine spells it.
+        requested_.requested(textOf(webkit_uri_request_get_uri(request.get())));
+        webkit_web_view_load_request(view_, request.get());
     }
 }
 
@@ -120,6 +130,50 @@ void HostPage::close() {
     } else {
         webkit_web_view_try_close(view_);
     }
+}
+
+void HostPage::closedByEngine() {
+    switch (closeGuard_.endingByEngine()) {
+    case CloseGuard::Ending::close:
+        callbacks_.closed();
+        break;
+    case CloseGuard::Ending::askAgain:
+        afterReaction([this] {
+            if (closeGuard_.closesAfterAll()) {
+                callbacks_.closed();
+            }
+        });
+        break;
+    case CloseGuard::Ending::stay:
+        break;
+    }
+}
+
+void HostPage::leavingAnswered(bool leaves) {
+    if (closeGuard_.answered(leaves)) {
+        afterReaction([this] { callbacks_.closed(); });
+    } else {
+        afterReaction([this] { closeGuard_.settled(); });
+    }
+}
+
+void HostPage::afterReaction(std::function<void()> act) {
+    webkit_web_view_evaluate_javascript(
+        view_, "0", -1, badgeWorld, nullptr, life_.get(),
+        [](GObject* view, GAsyncResult* result, gpointer data) {
+            const std::unique_ptr<std::function<void()>> then(
+                static_cast<std::function<void()>*>(data));
+            GError* error = nullptr;
+            JSCValue* value =
+                webkit_web_view_evaluate_javascript_finish(WEBKIT_WEB_VIEW(view), result, &error);
+            const bool isOver = g_error_matches(error, G_IO_ERROR, G_IO_ERROR_CANCELLED) == TRUE;
+            g_clear_object(&value);
+            g_clear_error(&error);
+            if (!isOver) {
+                (*then)();
+            }
+        },
+        new std::function<void()>(std::move(act)));
 }
 
 // The engine remembers permissions for as long as it runs, but the user may have taken it back.
@@ -202,6 +256,10 @@ gboolean HostPage::policyWanted(WebKitWebView* /*view*/, WebKitPolicyDecision* d
     WebKitNavigationAction* const action = webkit_navigation_policy_decision_get_navigation_action(
         WEBKIT_NAVIGATION_POLICY_DECISION(decision));
     const bool isNewWindow = type == WEBKIT_POLICY_DECISION_TYPE_NEW_WINDOW_ACTION;
+    if (!isNewWindow) {
+        page.requested_.decided(addressOf(action),
+                                webkit_navigation_action_is_user_gesture(action) == TRUE);
+    }
     if (page.routes(action, isNewWindow)) {
         return FALSE;
     }
@@ -219,12 +277,14 @@ WebKitWebView* HostPage::created(WebKitWebView* /*view*/, WebKitNavigationAction
 }
 
 void HostPage::showStatus(const std::string& html, const std::string& address) {
+    requested_.failed(address);
     webkit_web_view_load_alternate_html(view_, html.c_str(), address.c_str(), nullptr);
 }
 
 gboolean HostPage::loadFailed(WebKitWebView* /*view*/, WebKitLoadEvent /*event*/, char* address,
                               GError* error, gpointer self) {
     of(self).awaited_.clear();
+    of(self).requested_.failed(textOf(address));
     // A download interrupts its page, and a link that is opened elsewhere does, too.
     if (error->domain == WEBKIT_POLICY_ERROR ||
         g_error_matches(error, WEBKIT_NETWORK_ERROR, WEBKIT_NETWORK_ERROR_CANCELLED) == TRUE) {
@@ -254,10 +314,12 @@ void HostPage::crashed(WebKitWebView* view, WebKitWebProcessTerminationReason /*
     HostPage& page = of(self);
     if (page.reloads_.admits(FloodClock::now())) {
         // A reload would show the page before the one that is still on its way.
-        if (page.awaited_.empty()) {
+        const std::string next =
+            page.requested_.isWaiting() ? page.requested_.address() : page.awaited_;
+        if (next.empty()) {
             webkit_web_view_reload(view);
         } else {
-            page.load(std::string(page.awaited_));
+            page.load(next);
         }
     } else {
         page.showStatus(crashPage(page.address()), page.address());
@@ -265,10 +327,15 @@ void HostPage::crashed(WebKitWebView* view, WebKitWebProcessTerminationReason /*
 }
 
 void HostPage::committed() {
-    shown_.committed(textOf(webkit_web_view_get_uri(view_)));
+    // As long as a load is requested, the engine says that the view's address is that one's.
+    WebKitWebResource* const resource = webkit_web_view_get_main_resource(view_);
+    shown_.committed(textOf(requested_.isWaiting() && resource != nullptr
+                                ? webkit_web_resource_get_uri(resource)
+                                : webkit_web_view_get_uri(view_)));
+    repeatIfDropped();
     awaited_.clear();
     cancelled_.clear();
-    closeGuard_.reacted();
+    closeGuard_.replaced();
     if (visit_.begins(hostOf(address()), window_.gestures())) {
         dialogs_.reset();
         questions_.reset();
@@ -281,11 +348,30 @@ void HostPage::committed() {
     callbacks_.titleChanged();
 }
 
+// Asks for a page once more if the engine does not begin with it, now that another one is there.
+void HostPage::repeatIfDropped() {
+    if (!requested_.isWaiting() || repetition_ != 0) {
+        return;
+    }
+    repetition_ = g_timeout_add(
+        RequestedLoad::longestDelay,
+        [](gpointer self) -> gboolean {
+            HostPage& page = of(self);
+            page.repetition_ = 0;
+            if (page.requested_.isToBeRepeated()) {
+                page.load(std::string(page.requested_.address()));
+            }
+            return G_SOURCE_REMOVE;
+        },
+        this);
+}
+
 void HostPage::loadChanged(WebKitWebView* view, WebKitLoadEvent event, gpointer self) {
     HostPage& page = of(self);
     if (event == WEBKIT_LOAD_STARTED || event == WEBKIT_LOAD_REDIRECTED) {
         page.awaited_ = textOf(webkit_web_view_get_uri(view));
         if (event == WEBKIT_LOAD_STARTED) {
+            page.requested_.started();
             page.certificates_.loadStarted();
         }
     } else if (event == WEBKIT_LOAD_COMMITTED) {

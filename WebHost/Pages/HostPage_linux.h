@@ -7,6 +7,7 @@
 #include "WebHost/Pages/FloodCaps.h"
 #include "WebHost/Pages/PageDialogs_linux.h"
 #include "WebHost/Pages/PageMenu_linux.h"
+#include "WebHost/Pages/RequestedLoad.h"
 #include "WebHost/Pages/ShownAddress.h"
 #include "WebHost/Questions/PagePasswords_linux.h"
 #include "WebHost/Questions/PagePermissions_linux.h"
@@ -88,6 +89,11 @@ private:
 
     void connect();
     void committed();
+    void repeatIfDropped();
+    /// Calls this once the page has reacted to everything so far, unless it is destroyed before.
+    void afterReaction(std::function<void()> act);
+    void closedByEngine();
+    void leavingAnswered(bool leaves);
     void notificationWanted(WebKitNotification* notification);
     void openOther(const std::string& address);
     void openOutside(const std::string& address);
@@ -102,6 +108,7 @@ private:
     ShownAddress shown_{};
     PageVisit visit_{};
     CloseGuard closeGuard_{};
+    ObjectRef<GCancellable> life_; ///< cancelled at the end
     HostWindow window_;
     PageDialogs dialogs_;
     PermissionQuestions questions_;
@@ -110,6 +117,8 @@ private:
     PagePasswords passwords_;
     PageMenu menu_;
     RateCap reloads_ = reloadCap();
+    RequestedLoad requested_{};
+    guint repetition_ = 0;    ///< the timer of a load that the engine has perhaps dropped
     std::string awaited_{};   ///< the address of a page that is on its way
     std::string cancelled_{}; ///< the last address whose connection was cancelled
 };

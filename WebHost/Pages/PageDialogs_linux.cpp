@@ -17,7 +17,7 @@ struct Open {
     WebKitScriptDialog* dialog;
     GtkWidget* entry; ///< null unless a text is asked for
     DialogCap* cap;
-    std::function<void()> answered;
+    std::function<void(bool agreed)> answered;
 };
 
 bool isLeaving(WebKitScriptDialog* dialog) {
@@ -71,7 +71,7 @@ void answered(GtkDialog* widget, int response, gpointer data) {
     if (response == stopping) {
         open->cap->stop();
     }
-    open->answered();
+    open->answered(agreed);
     webkit_script_dialog_close(open->dialog);
     webkit_script_dialog_unref(open->dialog);
     gtk_window_destroy(GTK_WINDOW(widget));
@@ -127,7 +127,7 @@ void PageDialogs::show(WebKitScriptDialog* dialog) {
                                  : nullptr;
     onSignal(widget, "response", answered,
              new Open{webkit_script_dialog_ref(dialog), entry, &cap_,
-                      isLeaving(dialog) ? callbacks_.leavingAsked : std::function<void()>([] {})});
+                      isLeaving(dialog) ? callbacks_.leavingAnswered : [](bool) {}});
     gtk_window_present(GTK_WINDOW(widget));
 }
 

@@ -15,9 +15,9 @@ namespace quorvel {
 class PageDialogs {
 public:
     struct Callbacks {
-        std::function<void()> shown{}; ///< a dialog was shown
-        std::function<void()>
-            leavingAsked{}; ///< the page asks whether to leave it; and the answer is there
+        std::function<void()> shown{};        ///< a dialog was shown
+        std::function<void()> leavingAsked{}; ///< the page asks whether to leave it
+        std::function<void(bool leaves)> leavingAnswered{};
     };
 
     PageDialogs(WebKitWebView* view, GtkWindow* window, const ShownAddress& shown,

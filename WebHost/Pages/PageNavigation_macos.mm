@@ -82,6 +82,7 @@ bool isAttachment(NSURLResponse* response) {
     if (!_state->isStatus(navigation)) {
         _guard->loadStarted();
     }
+    _state->begins(navigation);
     _state->awaits(quorvel::textOfURL(view.URL));
 }
 
@@ -94,12 +95,31 @@ bool isAttachment(NSURLResponse* response) {
 - (void)webView:(WKWebView*)view didCommitNavigation:(WKNavigation*)navigation {
     (void)navigation;
     _state->committed();
+    [self repeatIfDropped];
     if (!_state->isPopup()) {
         [view evaluateJavaScript:quorvel::nsText(quorvel::badgeMainScript)
                          inFrame:nil
                   inContentWorld:[WKContentWorld worldWithName:@(quorvel::badgeWorld)]
                completionHandler:nil];
     }
+}
+
+// Asks for a page once more if the engine does not begin with it, now that another one is there.
+- (void)repeatIfDropped {
+    if (!_state->requested().isWaiting()) {
+        return;
+    }
+    const std::weak_ptr<quorvel::PageState> state = _state;
+    constexpr NSTimeInterval seconds = quorvel::RequestedLoad::longestDelay / 1000.0;
+    [NSTimer scheduledTimerWithTimeInterval:seconds
+                                    repeats:NO
+                                      block:^(NSTimer* timer) {
+                                        (void)timer;
+                                        const auto page = state.lock();
+                                        if (page && page->requested().isToBeRepeated()) {
+                                            page->load(std::string(page->requested().address()));
+                                        }
+                                      }];
 }
 
 - (void)webView:(WKWebView*)view didFinishNavigation:(WKNavigation*)navigation {

@@ -4,6 +4,7 @@
 #include "WebHost/Links/LinkRouting.h"
 #include "WebHost/Links/OutsideOpener_macos.h"
 #include "WebHost/Pages/FloodCaps.h"
+#include "WebHost/Pages/RequestedLoad.h"
 #include "WebHost/Pages/ShownAddress.h"
 #include "WebHost/Questions/PasswordQuestions.h"
 #include "WebHost/Questions/PermissionQuestions.h"
@@ -78,6 +79,10 @@ public:
     void awaits(const std::string& address);
     /// Returns the address of the page that is on its way; empty if none is.
     [[nodiscard]] const std::string& awaited() const { return awaited_; }
+    /// Returns the load that `load` asked the engine for.
+    [[nodiscard]] RequestedLoad& requested() { return requested_; }
+    /// The engine begins with a navigation.
+    void begins(WKNavigation* _Nullable navigation);
     /// Nothing is on its way any more.
     void awaitsNothing() { awaited_.clear(); }
     /// A page has replaced the one before.
@@ -108,6 +113,8 @@ private:
     ShownAddress shown_{};
     PageVisit visit_{};
     WKNavigation* _Nullable status_ = nil;
+    WKNavigation* _Nullable requestedNavigation_ = nil;
+    RequestedLoad requested_{};
     std::string awaited_{};
     std::uint64_t awaitedGesture_ = 0; ///< the last one when that began
 };

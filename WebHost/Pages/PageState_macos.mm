@@ -21,9 +21,17 @@ PageState::PageState(WKWebView* view, QuorvelWindow* window, const PageServices&
 void PageState::load(const std::string& address) {
     NSURL* const target = [NSURL URLWithString:nsText(address)];
     if (target == nil || address.empty()) {
+        requested_.withdraw();
         [view_ loadHTMLString:nsText(noAddressPage(services_.name)) baseURL:nil];
     } else {
-        [view_ loadRequest:[NSURLRequest requestWithURL:target]];
+        requested_.requested(textOfURL(target));
+        requestedNavigation_ = [view_ loadRequest:[NSURLRequest requestWithURL:target]];
+    }
+}
+
+void PageState::begins(WKNavigation* navigation) {
+    if (navigation != nil && navigation == requestedNavigation_) {
+        requested_.withdraw();
     }
 }
 
@@ -57,7 +65,8 @@ void PageState::awaits(const std::string& address) {
 }
 
 void PageState::committed() {
-    shown_.committed(textOfURL(view_.URL));
+    // As long as a load is requested, the engine says that the view's address is that one's.
+    shown_.committed(requested_.isWaiting() ? "" : textOfURL(view_.URL));
     awaited_.clear();
     if (visit_.begins(hostOf(address()), window_.gestures)) {
         dialogs_.reset();
@@ -103,6 +112,9 @@ bool PageState::routes(WKNavigationAction* action, bool isNewWindow) {
     if (!isWebAddress(target) && action.sourceFrame.mainFrame != YES) {
         request.isMainFrame = false; // a frame must not open other programs in the page's name
         request.isNewWindow = false;
+    }
+    if (request.isMainFrame && !isNewWindow) {
+        requested_.decided(target, request.isLinkClick);
     }
     return follow(
         routeOf(request, services_.siteOf), [&] { openOutside(target); },

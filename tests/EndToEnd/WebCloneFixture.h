@@ -190,6 +190,20 @@ protected:
         session->run({"/usr/bin/xdotool", "key", keys});
     }
 
+    // Waits until that window takes the keys.
+    [[nodiscard]] bool isActive(const std::string& window) const {
+        return waitUntil(
+            [&] {
+                return session->outputOf({"/usr/bin/xdotool", "getactivewindow"}) == window + "\n";
+            },
+            longestWait);
+    }
+    // Presses keys in a window, which may not be there yet.
+    void pressIn(const std::string& window, const std::string& keys) {
+        EXPECT_TRUE(isActive(window));
+        press(keys);
+    }
+
     // Clicks until the site gets such a request.
     void clickUntil(const std::string& window, const std::string& text) {
         EXPECT_TRUE(waitUntil(

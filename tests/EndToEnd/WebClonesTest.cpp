@@ -131,13 +131,6 @@ TEST_F(WebClonesTest, ASecondOpeningReachesTheFirst) {
     create("Forum");
     ASSERT_EQ(open("Forum"), 0) << session->log();
     const std::string other = window("Inbox.* — Forum");
-    const auto isActive = [&](const std::string& window) {
-        return waitUntil(
-            [&] {
-                return session->outputOf({"/usr/bin/xdotool", "getactivewindow"}) == window + "\n";
-            },
-            longestWait);
-    };
     EXPECT_TRUE(isActive(other));
     const std::string word = windowWord(cloneIdentity(wrapper("Portal")));
     EXPECT_THAT(session->outputOf({"/usr/bin/xprop", "-id", shown, "WM_CLASS"}),

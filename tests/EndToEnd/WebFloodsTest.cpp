@@ -13,6 +13,7 @@ namespace {
 using namespace testing;
 using namespace std::chrono_literals;
 using ::testing::AllOf;
+using ::testing::ContainsRegex;
 using ::testing::HasSubstr;
 using ::testing::Not;
 namespace fs = std::filesystem;
@@ -88,7 +89,7 @@ TEST_F(WebFloodsTest, AThousandOfAnythingIsBounded) {
     const auto begin = std::chrono::steady_clock::now();
     clickUntil(shown, "/flooded");
     EXPECT_EQ(request("/flooded"), "/flooded?1") << "one window per click";
-    EXPECT_EQ(windows(), 2);
+    EXPECT_TRUE(waitUntil([&] { return windows() == 2; }, longestWait));
     EXPECT_EQ(session->run({runner("Portal")}), 0) << "the window answers";
     // One question about a thousand positions; the answer is for all.
     EXPECT_TRUE(isShown("127.0.0.1 wants to know where you are."));
@@ -104,10 +105,12 @@ TEST_F(WebFloodsTest, AThousandOfAnythingIsBounded) {
     EXPECT_TRUE(waitUntil([&] { return downloads().size() == 1; }, longestWait));
     request("/named\\?1000");
     waitUntilQuiet();
+    EXPECT_THAT(controls(), ContainsRegex("[0-9]+ files were not downloaded: too many at once"));
     const std::set<std::string> questions = refusedDownloads();
     EXPECT_GE(questions.size(), 1U);
     EXPECT_LE(questions.size(), mostWaitingQuestions);
     EXPECT_EQ(downloads().size(), 1U);
+    EXPECT_EQ(windows(), 2);
     // Titles and badges were shown at a rate, however many there were.
     window("\\(1000\\) Flood.* — Portal");
     const auto seconds =
@@ -119,22 +122,27 @@ TEST_F(WebFloodsTest, AThousandOfAnythingIsBounded) {
 }
 
 TEST_F(WebFloodsTest, SeveralDownloadsRunAtOnceAndTheDialogsOfAPageEnd) {
-    openPage("slow-downloads", "Many");
-    for (std::ptrdiff_t running = 1; running <= 4; ++running) {
-        EXPECT_TRUE(waitUntil([&] { return staged() == running; }, longestWait)) << running;
-        if (running < 4) {
-            EXPECT_TRUE(waitUntil(
-                [&] {
-                    session->run({QUORVEL_ACCESSIBLE, "press", "Download"});
-                    return waitUntil([&] { return staged() > running; }, 1s);
-                },
-                longestWait));
-        }
-    }
+    const std::string shown = openPage("slow-downloads", "Many");
+    EXPECT_TRUE(waitUntil([&] { return staged() == 1; }, longestWait));
+    EXPECT_TRUE(waitUntil(
+        [&] {
+            session->run({QUORVEL_ACCESSIBLE, "press", "Download"});
+            return waitUntil([&] { return staged() == 4; }, 1s);
+        },
+        longestWait))
+        << controls();
     EXPECT_TRUE(isShown("Downloading 4 files: "));
-    press("ctrl+q");
+    pressIn(shown, "ctrl+q");
     EXPECT_TRUE(isShown("Files are being downloaded.")) << "before the question about the fifth";
     activate("Keep Downloading");
+    EXPECT_TRUE(waitUntil(
+        [&] {
+            session->run({QUORVEL_ACCESSIBLE, "press", "Download"});
+            return controls().find(" %; “slow.bin” was not downloaded: too many at once") !=
+                   std::string::npos;
+        },
+        longestWait))
+        << controls();
     EXPECT_EQ(staged(), 4) << "and nothing has its name yet";
     EXPECT_EQ(downloads().size(), 4U);
     session->write(session->home / "release", "");
@@ -143,11 +151,13 @@ TEST_F(WebFloodsTest, SeveralDownloadsRunAtOnceAndTheDialogsOfAPageEnd) {
         EXPECT_EQ(read(session->home / "Downloads" / name), std::string(200'000, 'x')) << name;
     }
 
+    EXPECT_TRUE(isShown("” in “Downloads”; “slow.bin” was not downloaded: too many at once"));
+
     // A thousand dialogs: the third one offers an end.
     ASSERT_EQ(handOver("Portal", "dialogs"), 0);
     for (const char* text : {"Dialog 1", "Dialog 2"}) {
         EXPECT_TRUE(isShown(std::string("\t") + text + "\n"));
-        press("Return");
+        pressIn(window("^127\\.0\\.0\\.1 says"), "Return");
     }
     EXPECT_TRUE(isShown("\tDialog 3\n"));
     activate("Stop Dialogs from This Page");

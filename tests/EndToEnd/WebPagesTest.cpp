@@ -37,6 +37,21 @@ TEST_F(WebPagesTest, LinksStayInsideWhereTheCloneSaysSo) {
     EXPECT_FALSE(fs::exists(browsed())) << read(browsed());
 }
 
+TEST_F(WebPagesTest, AnAddressHandedOverIsNotLostWhenAnotherPageArrives) {
+    const std::string shown = openPage("hangs", "Hangs", {"--open-with"});
+    clickUntil(shown, "/hanging");
+    request("/answers-late");
+    ASSERT_EQ(handOver("Portal", ""), 0);
+    session->write(session->home / "answer", "");
+    window("Late.* — Portal");
+#ifdef QUORVEL_ACCESSIBLE
+    EXPECT_TRUE(isShown("\tlocalhost\n")) << "it does not go by the other page's name";
+#endif
+    session->write(session->home / "hang-no-more", "");
+    request("/seen");
+    window("Inbox.* — Portal");
+}
+
 TEST_F(WebPagesTest, AWindowWithoutAnOpenerHasNoBadge) {
     recordBus("interface='com.canonical.Unity.LauncherEntry'");
     clickUntil(openPage("noopener", "Noopener", {"--open-with"}), "/alone");
@@ -51,10 +66,9 @@ TEST_F(WebPagesTest, APageThatWasNotLeftAsksAgain) {
     clickUntil(shown, "/typed");
     const pid_t host = process("Portal");
     for (const char* time : {"1", "2"}) {
-        press("ctrl+w");
+        pressIn(shown, "ctrl+w");
         request(std::string("/leaving\\?") + time);
-        const std::string dialog = window("^Leave this page");
-        press("Escape");
+        pressIn(window("^Leave this page"), "Escape");
         EXPECT_TRUE(isGone("^Leave this page"));
     }
     EXPECT_EQ(process("Portal"), host);

@@ -23,6 +23,12 @@ protected:
                          longestWait);
     }
 
+    // Opens the panel from the clone's window.
+    void openSettings(const std::string& from) {
+        pressIn(from, "ctrl+comma");
+        EXPECT_TRUE(isActive(window("^Site Settings — Portal")));
+    }
+
     // Focuses what has that mnemonic, and replaces its text.
     void enter(const std::string& mnemonic, const std::string& text) {
         press("alt+" + mnemonic);
@@ -62,8 +68,7 @@ TEST_F(WebSettingsTest, WhatIsChosenInThePanelHoldsAndIsKept) {
     ASSERT_EQ(open("Portal"), 0) << session->log();
     EXPECT_THAT(request("/facts-seen"), HasSubstr("dark=false&wide=true&agent=Mozilla"));
     const std::string shown = window("Facts.* — Portal");
-    press("ctrl+comma");
-    window("^Site Settings — Portal");
+    openSettings(shown);
     EXPECT_TRUE(isShown("Remove the data of 127.0.0.1"));
     const std::string names = controls();
     for (const char* name : {"Zoom in percent", "Colors", "Check spelling", "Spelling languages",
@@ -110,6 +115,7 @@ TEST_F(WebSettingsTest, WhatIsChosenInThePanelHoldsAndIsKept) {
     reloadUntil("link", "/link");
     window("Link.* — Portal");
     clickUntil(shown, "/elsewhere");
+    window("Elsewhere.* — Portal");
     EXPECT_FALSE(fs::exists(browsed())) << "the rule keeps the link inside";
     EXPECT_EQ(read(kept("certificates.json")), "{damaged");
 
@@ -125,12 +131,11 @@ TEST_F(WebSettingsTest, WhatIsChosenInThePanelHoldsAndIsKept) {
                    request("/seen", before).find("cookie=none") == std::string::npos;
         },
         longestWait));
-    press("ctrl+comma");
-    window("^Site Settings — Portal");
+    openSettings(shown);
     press("alt+d");
-    window("^Clear all data");
+    const std::string question = window("^Clear all data");
     before = read(requests()).size();
-    press("alt+c");
+    pressIn(question, "alt+c");
     EXPECT_THAT(request("/seen", before), HasSubstr("cookie=none&kept=none")) << "loaded again";
 
     // It is all the same after a restart.
@@ -168,10 +173,11 @@ TEST_F(WebSettingsTest, ABadCertificateIsAcceptedForItsHostAlone) {
     create("Portal", "", {"--open-with"});
     ASSERT_EQ(open("Portal"), 0) << session->log();
     request("/seen");
+    const std::string shown = window("Inbox.* — Portal");
     const std::string dialog = "^Open 127.0.0.1 although it is not secure";
     const auto ask = [&] {
         activate("Open Anyway…");
-        window(dialog);
+        EXPECT_TRUE(isActive(window(dialog)));
     };
     for (const auto& [which, reason] : {std::pair("other", "belongs to another site"),
                                         std::pair("self", "not issued by a trusted authority"),
@@ -211,11 +217,10 @@ TEST_F(WebSettingsTest, ABadCertificateIsAcceptedForItsHostAlone) {
 
     // Without it, the engine accepts the certificate until it ends.
     const std::string accepted = read(kept("certificates.json"));
-    press("ctrl+comma");
-    window("^Site Settings — Portal");
+    openSettings(shown);
     activate("Remove the certificate of 127.0.0.1");
     EXPECT_TRUE(isShown("No certificate was accepted."));
-    press("Escape");
+    pressIn(window("^Site Settings — Portal"), "Escape");
     EXPECT_TRUE(isGone("^Site Settings"));
     before = read(requests()).size();
     ASSERT_EQ(handOverAddress(secure("expired") + "facts"), 0);
@@ -243,7 +248,7 @@ TEST_F(WebSettingsTest, APasswordIsAskedForInTheHostsName) {
     const std::string place = address("").substr(7, address("").size() - 8);
     const std::string dialog = "^" + place + " wants a password";
     ASSERT_EQ(handOver("Portal", "members"), 0);
-    window(dialog);
+    EXPECT_TRUE(isActive(window(dialog)));
     EXPECT_THAT(controls(), AllOf(HasSubstr("It calls itself “Members. Safe, says your bank”."),
                                   HasSubstr("User name"), HasSubstr("without encryption")));
     type("me");
@@ -252,6 +257,7 @@ TEST_F(WebSettingsTest, APasswordIsAskedForInTheHostsName) {
     press("Return");
     EXPECT_TRUE(
         waitUntil([&] { return controls().find("was wrong") != std::string::npos; }, longestWait));
+    EXPECT_TRUE(isActive(window(dialog)));
     type("me");
     press("Tab");
     type("secret");
@@ -269,8 +275,7 @@ TEST_F(WebSettingsTest, APasswordIsAskedForInTheHostsName) {
     ASSERT_EQ(handOver("Portal", "facts"), 0);
     EXPECT_TRUE(isGone(dialog)) << "nobody waits for the answer any more";
     ASSERT_EQ(handOver("Portal", "members"), 0);
-    window(dialog);
-    press("Escape");
+    pressIn(window(dialog), "Escape");
     EXPECT_TRUE(isGone(dialog));
     for (const auto& entry : fs::recursive_directory_iterator(data("Portal"))) {
         if (entry.is_regular_file()) {

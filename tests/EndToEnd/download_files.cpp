@@ -24,7 +24,11 @@ public:
 
 private:
     DownloadList::Callbacks callbacks() {
-        return {.ask = [](const std::string&, const auto& answered) { answered(true); },
+        return {.ask =
+                    [](const std::string&, const auto& answered) {
+                        answered(true);
+                        return true;
+                    },
                 .changed =
                     [this](const std::string& text, std::optional<double> progress) {
                         if (!progress && !text.empty()) {

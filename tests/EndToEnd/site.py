@@ -57,17 +57,34 @@ onclick = () => { let open = 0;
 location = '/redirect-to-slow';
 setTimeout(() => { document.title = 'Still here'; setTimeout(() => alert('I'), 0); }, 1000);
 </script>""",
+    '/elsewhere': "<title>Elsewhere</title>",
+    '/answers-late': "<title>Late</title>",
+    # Hangs once it is left for a page elsewhere.
+    '/hangs': """<title>Hangs</title><body style='position:fixed;inset:0;background:#ccc'><script>
+onclick = () => {
+  onclick = null;
+  location = 'http://localhost:PORT/answers-late';
+  setTimeout(() => {
+    const request = new XMLHttpRequest();
+    request.open('GET', '/hanging', false);
+    request.send();
+  }, 500);
+};</script>""",
     '/redirecting': "<title>Redirecting</title><a href='/redirect' "
                     "style='position:fixed;inset:0;background:#ccc'>Sign in</a>",
     '/noopener': """<title>Noopener</title><body style='position:fixed;inset:0;background:#ccc'>
 <script>onclick = () => { window.open('/by-itself', '', 'noopener'); };</script>""",
     '/by-itself': "<title>Alone</title><script>navigator.setAppBadge?.(66);"
                   "fetch('/alone?opener=' + window.opener)</script>",
+    # Takes longer to ask than the engine waits for it.
     '/draft': """<title>Draft</title><body style='position:fixed;inset:0;background:#ccc'><script>
 let count = 0;
 onclick = () => fetch('/typed');
-onbeforeunload = event => { navigator.sendBeacon('/leaving?' + ++count); event.preventDefault();
-                            return 'wait'; };
+onbeforeunload = event => {
+  navigator.sendBeacon('/leaving?' + ++count);
+  for (const begin = Date.now(); Date.now() < begin + 300;);
+  event.preventDefault();
+  return 'wait'; };
 </script>""",
     '/flashing': """<title>Flashing</title><script>
 let count = 0;
@@ -146,6 +163,16 @@ fetch('/dialogs-over'); }, 0)</script>""",
     '/slow-downloads': """<title>Many</title><body><script>
 for (let count = 1; count <= 5; ++count) { const frame = document.createElement('iframe');
   frame.src = '/slow-file?' + count; document.body.append(frame); }</script>""",
+    # "?FIRST,END,STEP": a key downloads the next five files of those numbers.
+    '/names': """<title>Names</title><body style='position:fixed;inset:0;background:#ccc'><script>
+let [next, end, step] = location.search.slice(1).split(',').map(Number);
+onkeydown = () => {
+  for (let count = 0; count < 5 && next < end; ++count, next += step) {
+    const frame = document.createElement('iframe');
+    frame.src = '/file?download=' + next;
+    document.body.append(frame);
+  }
+};</script>""",
     # What a page of the web must not get.
     '/hostile': """<title>Hostile \u202e\u2066 — Bank</title>
 <body style='position:fixed;inset:0;background:#ccc'><script>
@@ -175,6 +202,8 @@ onclick = () => { onclick = null; document.body.requestFullscreen(); };
     '/sign-in': "<title>Sign in</title><script>opener.postMessage('as-me', '*');"
                 "fetch('/asked?badge=' + typeof navigator.setAppBadge)</script>",
 }
+# Answered once there is such a file beside the log.
+WAITING = {'/answers-late': 'answer', '/hanging': 'hang-no-more'}
 REDIRECTS = {'/redirect': '/elsewhere', '/redirect-to-slow': '/never-answers'}
 
 
@@ -204,6 +233,9 @@ class Site(http.server.BaseHTTPRequestHandler):
         if path == '/never-answers':
             self.log_message()
             threading.Event().wait()
+        if path in WAITING:
+            self.log_message()
+            self.wait_for(WAITING[path])
         page = PAGES.get(path, '').replace('PORT', str(self.server.server_port)).encode()
         if path == '/file':
             page = b'downloaded'
@@ -250,9 +282,13 @@ class Site(http.server.BaseHTTPRequestHandler):
         self.end_headers()
         self.wfile.write(b'x' * 100000)
         self.wfile.flush()
-        while not os.path.exists(os.path.join(os.path.dirname(sys.argv[2]), 'release')):
-            time.sleep(0.05)
+        self.wait_for('release')
         self.wfile.write(b'x' * 100000)
+
+    @staticmethod
+    def wait_for(name):
+        while not os.path.exists(os.path.join(os.path.dirname(sys.argv[2]), name)):
+            time.sleep(0.005)
 
     do_POST = do_GET
 
