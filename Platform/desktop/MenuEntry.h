@@ -49,7 +49,7 @@ struct PublishedEntry {
 /// looks for one that isn't there yet. A concurrent reader finds the old entry or the new one.
 /// Pictures that are no longer named are removed, as far as possible. Throws `PlatformError`, also
 /// if the file's name belongs to an entry that is not the clone's, and `DesktopEntryError`; the
-/// older entry then remains.
+/// older entry then remains. An empty file of that name is one that a power cut emptied.
 void publishMenuEntry(const MenuEntry& entry, const std::vector<MenuPicture>& pictures);
 
 /// The same for a caller that knows the clone's older entries. Without pictures, those that are

@@ -120,9 +120,17 @@ void touchPictures(const MenuEntry& entry) {
     }
 }
 
+// A power cut may have left an entry without its contents, and with them without the mark. No other
+// program makes an empty file under a clone's own name.
+bool isEmptied(const fs::path& file) {
+    struct stat status {};
+    return ::lstat(file.c_str(), &status) == 0 && S_ISREG(status.st_mode) && status.st_size == 0 &&
+           status.st_uid == ::geteuid() && status.st_nlink == 1;
+}
+
 void requireOwn(const fs::path& file, const std::string& cloneId) {
     const auto old = cloneEntryIn(file);
-    if (itemOrLinkExists(file) && (!old || old->cloneId != cloneId)) {
+    if (itemOrLinkExists(file) && (old ? old->cloneId != cloneId : !isEmptied(file))) {
         throw PlatformError::because("it belongs to something else", file, "replaced");
     }
 }
@@ -204,7 +212,8 @@ void publishMenuEntry(const MenuEntry& entry, const std::vector<MenuPicture>& pi
         writePictures(entry.entry.icon, pictures);
     }
     createDirectories(entryFolder());
-    writeWholeFile(file, text);
+    // One that a power cut emptied would be nobody's.
+    writeWholeFile(file, text, Flush::now);
     removeOlder(older, entry);
     if (hadTypes(older) || !entry.entry.mimeTypes.empty()) {
         updateMimeDatabase(entryFolder());
@@ -216,6 +225,9 @@ void withdrawMenuEntry(const std::string& cloneId, const std::string& word) {
     // The entries last: while one is there, an interrupted withdrawal can be finished.
     removePictures(word);
     removeEntriesBut(entries, "");
+    if (const fs::path file = joinAsText(entryFolder(), word + ".desktop"); isEmptied(file)) {
+        removeFile(file);
+    }
     if (hadTypes(entries)) {
         updateMimeDatabase(entryFolder());
     }
