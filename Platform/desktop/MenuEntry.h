@@ -53,9 +53,14 @@ struct PublishedEntry {
 void publishMenuEntry(const MenuEntry& entry, const std::vector<MenuPicture>& pictures);
 
 /// The same for a caller that knows the clone's older entries. Without pictures, those that are
-/// there already stay, and their dates become new.
-void publishMenuEntry(const MenuEntry& entry, const std::vector<MenuPicture>& pictures,
-                      const std::vector<PublishedEntry>& older);
+/// there already stay, and their dates become new. Returns whether `updateMenuTypes` must follow,
+/// which takes as long for many entries as for one.
+[[nodiscard]] bool publishMenuEntry(const MenuEntry& entry,
+                                    const std::vector<MenuPicture>& pictures,
+                                    const std::vector<PublishedEntry>& older);
+
+/// Has desktops know what the published entries open. Fails silently.
+void updateMenuTypes();
 
 /// Removes the clone's entries, also under other file names, and its pictures. Does nothing if
 /// there are none. Throws `PlatformError`.

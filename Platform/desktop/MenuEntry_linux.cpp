@@ -193,10 +193,12 @@ bool noticesEntriesLate() {
 }
 
 void publishMenuEntry(const MenuEntry& entry, const std::vector<MenuPicture>& pictures) {
-    publishMenuEntry(entry, pictures, entriesOf(entry.entry.cloneId));
+    if (publishMenuEntry(entry, pictures, entriesOf(entry.entry.cloneId))) {
+        updateMenuTypes();
+    }
 }
 
-void publishMenuEntry(const MenuEntry& entry, const std::vector<MenuPicture>& pictures,
+bool publishMenuEntry(const MenuEntry& entry, const std::vector<MenuPicture>& pictures,
                       const std::vector<PublishedEntry>& older) {
     for (const std::string& name : {entry.fileName, entry.entry.icon}) {
         if (name.find('/') != std::string::npos) {
@@ -215,9 +217,11 @@ void publishMenuEntry(const MenuEntry& entry, const std::vector<MenuPicture>& pi
     // One that a power cut emptied would be nobody's.
     writeWholeFile(file, text, Flush::now);
     removeOlder(older, entry);
-    if (hadTypes(older) || !entry.entry.mimeTypes.empty()) {
-        updateMimeDatabase(entryFolder());
-    }
+    return hadTypes(older) || !entry.entry.mimeTypes.empty();
+}
+
+void updateMenuTypes() {
+    updateMimeDatabase(entryFolder());
 }
 
 void withdrawMenuEntry(const std::string& cloneId, const std::string& word) {
@@ -229,7 +233,7 @@ void withdrawMenuEntry(const std::string& cloneId, const std::string& word) {
         removeFile(file);
     }
     if (hadTypes(entries)) {
-        updateMimeDatabase(entryFolder());
+        updateMenuTypes();
     }
 }
 
