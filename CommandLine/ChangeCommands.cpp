@@ -7,6 +7,7 @@
 #include "LaunchKit/Changes/CloneRenaming.h"
 #include "LaunchKit/InstanceRecord.h"
 #include "LaunchKit/Menu/MenuEntries.h"
+#include "Platform/processes/InterruptFlag.h"
 #include "Presentation/ChangeTexts.h"
 #include "Presentation/JoinedText.h"
 #include "Presentation/SystemWords.h"
@@ -79,6 +80,30 @@ std::string reasonTexts(const std::vector<StaleReason>& reasons) {
     return joined(texts, ", ");
 }
 
+// Returns how many failed. An interrupt ends it after the clone that it is at.
+std::size_t refreshEach(const CommandContext& context, const std::vector<InstanceRecord>& records,
+                        const CloneRefresh& refresh, nlohmann::json* forms,
+                        const InterruptFlag& interruption) {
+    const RunningApplications running = context.workspace.runningApplications();
+    std::size_t failures = 0;
+    for (auto record = records.begin(); record != records.end() && !interruption.flag(); ++record) {
+        try {
+            const ChangedClone changed = refresh.refresh(record->bundleURL);
+            if (forms != nullptr) {
+                forms->push_back(changeForm(changed, running));
+            } else if (changed.isChanged) {
+                context.output << shownPath(context, changed.record.bundleURL) << "\n"
+                               << std::flush;
+                printNotes(context, changed, running);
+            }
+        } catch (const std::exception& error) {
+            ++failures;
+            context.errors << terminalText(error.what()) << "\n";
+        }
+    }
+    return failures;
+}
+
 // Each failure was reported already.
 void requireNoFailures(std::size_t failures, std::size_t clones, const char* action) {
     if (failures > 0) {
@@ -108,29 +133,15 @@ void renameCommand(const CommandContext& context, const std::string& clone,
 
 void refreshCommand(const CommandContext& context, const RefreshOptions& options, bool json) {
     const std::vector<InstanceRecord> records = clonesToRefresh(context, options);
-    const CloneRefresh refresh(options.runner);
-    const RunningApplications running = context.workspace.runningApplications();
+    InterruptFlag interruption;
     nlohmann::json forms = nlohmann::json::array();
-    std::size_t failures = 0;
-    for (const InstanceRecord& record : records) {
-        try {
-            const ChangedClone changed = refresh.refresh(record.bundleURL);
-            if (json) {
-                forms.push_back(changeForm(changed, running));
-            } else if (changed.isChanged) {
-                context.output << shownPath(context, changed.record.bundleURL) << "\n"
-                               << std::flush;
-                printNotes(context, changed, running);
-            }
-        } catch (const std::exception& error) {
-            ++failures;
-            context.errors << terminalText(error.what()) << "\n";
-        }
-    }
+    const std::size_t failures = refreshEach(context, records, CloneRefresh(options.runner),
+                                             json ? &forms : nullptr, interruption);
     repairMenu(context.registry.list());
     if (json) {
-        context.output << document(forms);
+        context.output << document(forms) << std::flush;
     }
+    interruption.deliver();
     requireNoFailures(failures, records.size(), "refreshed");
 }
 

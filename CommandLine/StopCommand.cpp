@@ -5,6 +5,7 @@
 #include "CommandLine/CloneTexts.h"
 #include "CommandLine/Confirmation.h"
 #include "LaunchKit/Changes/CloneStop.h"
+#include "Platform/processes/InterruptFlag.h"
 #include "Presentation/StopTexts.h"
 #include "Presentation/SystemWords.h"
 
@@ -64,7 +65,9 @@ void stopCommand(const CommandContext& context, const std::string& clone,
                  const StopCommandOptions& options, bool json) {
     using Case = StoppedClone::Case;
     const InstanceRecord record = findClone(context.registry, clone);
+    InterruptFlag interruption;
     const auto mayForce = [&](std::size_t left) {
+        interruption.deliver(); // the question and force are quickly interrupted by themselves
         return options.force ||
                (context.inputIsTerminal &&
                 confirmed(context, stillRunning(record, left) + " End it by force? " +
@@ -74,7 +77,14 @@ void stopCommand(const CommandContext& context, const std::string& clone,
     const StoppedClone stopped =
         stopClone(context.registry, record,
                   {.patience = std::chrono::duration_cast<std::chrono::milliseconds>(wait),
-                   .mayForce = mayForce});
+                   .mayForce = mayForce,
+                   .cancelled = &interruption.flag()});
+    if (stopped.outcome == Case::running && interruption.flag()) {
+        context.errors << terminalText(quoted(record)) +
+                              " was asked to end, and may still be doing so.\n"
+                       << std::flush;
+        interruption.deliver();
+    }
     if (json) {
         context.output << document({{"bundleURL", record.bundleURL.string()},
                                     {"outcome", rawOutcome(stopped.outcome)},

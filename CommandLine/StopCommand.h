@@ -13,7 +13,7 @@ struct StopCommandOptions {
 };
 
 /// Ends everything that a clone runs; by force only with the option or after a question. Throws
-/// `CommandError` if something goes on running.
+/// `CommandError` if something goes on running. An interrupt ends the waiting, and this program.
 void stopCommand(const CommandContext& context, const std::string& clone,
                  const StopCommandOptions& options, bool json);
 

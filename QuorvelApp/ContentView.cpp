@@ -67,6 +67,7 @@ void ContentView::connectCommands() {
             [this] { sheets_->refresh(model_.clones()); });
     connect(commands_, &CloneCommands::stopRequested, this,
             [this](const InstanceRecord& clone) { changes_.stop(clone); });
+    connect(commands_, &CloneCommands::stopCancelled, &changes_, &CloneChanges::cancelStop);
 }
 
 void ContentView::connectChanges() {

@@ -11,6 +11,7 @@
 #include "LaunchKit/Wrappers/WrapperLayout.h"
 #include "LinkDoor/LinkAddress.h"
 #include "LinkDoor/LinkSession.h"
+#include "Platform/files/FileSystem.h"
 #include "Platform/files/PlatformError.h"
 #include "Platform/processes/FocusRequest.h"
 #include "Platform/processes/ProcessAdoption.h"
@@ -176,8 +177,13 @@ int runClone(const fs::path& executable, const std::vector<std::string>& argumen
         resolved.instanceHome = config->resolvedHome();
         return runWebClone({resolved, file, details.windowWord, documents}, report, signals);
     }
-    return details.onlyFocuses ? focus(*config, details, report, signals)
-                               : launchAndSupervise(*config, documents, details, report, signals);
+    const int status = details.onlyFocuses
+                           ? focus(*config, details, report, signals)
+                           : launchAndSupervise(*config, documents, details, report, signals);
+    if (!itemOrLinkExists(identity)) {
+        removeUnusedTemporaryFolder(*config); // the clone was deleted or renamed while it ran
+    }
+    return status;
 }
 
 } // namespace quorvel

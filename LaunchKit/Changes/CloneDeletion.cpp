@@ -289,12 +289,6 @@ void requireRemovable(const ItemRemoval& wrapper) {
     wrapper.refuseClosedFolders();
 }
 
-// A running application has sockets in it.
-bool leavesTemporaryFolder(const InstanceConfig& config) {
-    return config.kind == ShortcutKind::app && config.resolvedHome().starts_with('/') &&
-           !isHomeInUse(config);
-}
-
 } // namespace
 
 DeletedData deleteClone(const InstanceRegistry& registry, const InstanceRecord& record,
@@ -313,7 +307,7 @@ DeletedData deleteClone(const InstanceRegistry& registry, const InstanceRecord& 
     // Data that is kept must not be taken for what an interrupted copy left.
     keepCopiedData(record.config);
     const std::string identity = cloneIdentity(record.bundleURL);
-    const bool isIdle = leavesTemporaryFolder(record.config);
+    const bool isIdle = !isHomeInUse(record.config);
     DataStep data = includingData ? dataStep(registry, record) : DataStep();
     if (!wrapper || !removeAtOnce(registry, *wrapper, data, lock)) {
         removeInPlace(wrapper, data);
@@ -323,8 +317,8 @@ DeletedData deleteClone(const InstanceRegistry& registry, const InstanceRecord& 
     } else {
         withdrawIfGone(identity);
     }
-    if (isIdle && leavesTemporaryFolder(record.config)) {
-        removeTemporaryFolder(record.config.resolvedHome(), currentEnvironment());
+    if (isIdle) {
+        removeUnusedTemporaryFolder(record.config); // otherwise, its runner does when it ends
     }
     return data.data;
 }

@@ -27,7 +27,8 @@ inline constexpr auto enumNames<StaleReason> = namesOfAllCases<StaleReason>({
 });
 
 /// Brings clones up to date with Quorvel and with their targets: many of them by one object, which
-/// reads the runner and the menu once. Any thread, but one at a time.
+/// reads the runner and the menu once. Desktops learn when it is destroyed what the clones open.
+/// Any thread, but one at a time.
 class CloneRefresh {
 public:
     /// Without `runner`, it is located. `isSelfContained` as in `WrapperGenerator::Options`. Throws

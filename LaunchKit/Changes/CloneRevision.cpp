@@ -62,7 +62,7 @@ CloneSettings completedSettings(const WrapperRevision& wrapper, CloneSettings se
 }
 
 ChangedClone CloneRevision::replace(const WrapperRevision::Changes& changes,
-                                    const PublishedMenu* menu) const {
+                                    PublishedMenu* menu) const {
     if (!old_.isChangedBy(changes)) {
         return {.record = {wrapper_, old_.settings().config}};
     }
@@ -74,7 +74,7 @@ ChangedClone CloneRevision::replace(const WrapperRevision::Changes& changes,
 }
 
 ChangedClone published(const fs::path& wrapper, std::vector<std::string> kept,
-                       const PublishedMenu* menu) {
+                       PublishedMenu* menu) {
     ChangedClone changed{.isChanged = true, .kept = std::move(kept)};
     auto record = InstanceRegistry().record(wrapper);
     if (!record) {

@@ -34,7 +34,7 @@ public:
     /// Replaces the wrapper at once if anything changes, and publishes the clone in the menu, which
     /// it reads unless the caller has. Throws `Error`.
     [[nodiscard]] ChangedClone replace(const WrapperRevision::Changes& changes,
-                                       const PublishedMenu* menu = nullptr) const;
+                                       PublishedMenu* menu = nullptr) const;
 
 private:
     std::filesystem::path wrapper_;
@@ -50,7 +50,6 @@ private:
 /// Returns the clone after a change, published in the menu under its own picture. Reads the menu
 /// unless the caller has. A failure to do so or to publish is a warning.
 [[nodiscard]] ChangedClone published(const std::filesystem::path& wrapper,
-                                     std::vector<std::string> kept,
-                                     const PublishedMenu* menu = nullptr);
+                                     std::vector<std::string> kept, PublishedMenu* menu = nullptr);
 
 } // namespace quorvel

@@ -47,10 +47,11 @@ StoppedClone stopClone(const InstanceRegistry& registry, const InstanceRecord& r
     if (shutdown.seen() == 0) {
         return {.outcome = isHeld ? Case::elsewhere : Case::notRunning};
     }
-    shutdown.askToEnd(options.patience);
+    shutdown.askToEnd(options.patience, options.cancelled);
     Case outcome = Case::ended;
     auto left = shutdown.running();
-    if (!left.empty() && options.mayForce && options.mayForce(left.size())) {
+    const bool isCancelled = options.cancelled != nullptr && *options.cancelled;
+    if (!left.empty() && !isCancelled && options.mayForce && options.mayForce(left.size())) {
         shutdown.kill();
         outcome = Case::forced;
         left = shutdown.running();

@@ -3,6 +3,7 @@
 #include "LaunchKit/InstanceRecord.h"
 #include "LaunchKit/InstanceRegistry.h"
 
+#include <atomic>
 #include <chrono>
 #include <cstddef>
 #include <functional>
@@ -16,6 +17,9 @@ struct StopOptions {
     /// Called if that many processes are still running then; if it returns true, they are killed.
     /// Empty: they are left alone.
     std::function<bool(std::size_t left)> mayForce{};
+    /// Ends the waiting once it is true; what was asked to end is then left alone. Null: can't be
+    /// cancelled.
+    const std::atomic<bool>* cancelled = nullptr;
 };
 
 /// The result of stopping a clone.

@@ -5,6 +5,7 @@
 #include "LaunchKit/InstanceConfig.h"
 #include "Platform/files/FileSystem.h"
 #include "Platform/files/PlatformError.h"
+#include "Platform/homes/IsolatedEnvironment.h"
 
 #include <cerrno>
 #include <unistd.h>
@@ -121,6 +122,13 @@ bool isHomeInUse(const InstanceConfig& config) {
 void requireUnusedHome(const InstanceConfig& config) {
     if (isHomeInUse(config)) {
         throw HomeInUse(config.displayName);
+    }
+}
+
+void removeUnusedTemporaryFolder(const InstanceConfig& config) {
+    const std::string home = config.resolvedHome();
+    if (config.kind == ShortcutKind::app && home.starts_with('/') && !isHomeInUse(config)) {
+        removeTemporaryFolder(home, currentEnvironment());
     }
 }
 

@@ -61,4 +61,8 @@ private:
 /// Throws `HomeInUse` if a target runs in the clone's instance home.
 void requireUnusedHome(const InstanceConfig& config);
 
+/// Removes the folder for temporary files of an app clone that was deleted, as far as possible.
+/// Does nothing while a target runs in its home, which may have sockets there.
+void removeUnusedTemporaryFolder(const InstanceConfig& config);
+
 } // namespace quorvel

@@ -212,8 +212,7 @@ std::optional<fs::path> drawingOf(const InstanceRecord& record) {
     }
 }
 
-void publishUnlessRight(const InstanceRecord& record, const PublishedMenu& menu,
-                        MenuRepair& repair) {
+void publishUnlessRight(const InstanceRecord& record, PublishedMenu& menu, MenuRepair& repair) {
     const MenuEntry wanted = menuEntryOf(record);
     const std::vector<PublishedEntry> published = menu.of(wanted.entry.cloneId);
     // Nothing is drawn unless something is wrong.
@@ -256,6 +255,12 @@ PublishedMenu::PublishedMenu() {
     }
 }
 
+PublishedMenu::~PublishedMenu() {
+    if (haveTypesChanged_) {
+        updateMenuTypes();
+    }
+}
+
 std::vector<PublishedEntry> PublishedMenu::of(const std::string& identity) const {
     std::vector<PublishedEntry> found;
     const auto [first, last] = entries_.equal_range(identity);
@@ -264,26 +269,32 @@ std::vector<PublishedEntry> PublishedMenu::of(const std::string& identity) const
     return found;
 }
 
+void PublishedMenu::publish(const MenuEntry& entry, const std::vector<MenuPicture>& pictures) {
+    if (publishMenuEntry(entry, pictures, of(entry.entry.cloneId))) {
+        haveTypesChanged_ = true;
+    }
+}
+
 void publishInMenu(const InstanceRecord& record, const std::optional<fs::path>& drawing) {
     if (hasMenu()) {
-        publishInMenu(record, drawing, PublishedMenu());
+        PublishedMenu published;
+        publishInMenu(record, drawing, published);
     }
 }
 
 void publishInMenu(const InstanceRecord& record, const std::optional<fs::path>& drawing,
-                   const PublishedMenu& published) {
+                   PublishedMenu& published) {
     if (!hasMenu()) {
         return;
     }
     MenuEntry entry = menuEntryOf(record);
-    const std::vector<PublishedEntry> older = published.of(entry.entry.cloneId);
     std::optional<std::string> drawn =
         drawing ? readFile(drawing->native(), largestDrawing) : std::nullopt;
     if (drawn) {
         entry.entry.icon = drawnIconName(entry.entry.icon);
     }
     if (hasPictures(entry.entry.icon, record.config, drawn.has_value())) {
-        publishMenuEntry(entry, {}, older);
+        published.publish(entry, {});
         return;
     }
     std::vector<MenuPicture> pictures =
@@ -293,7 +304,7 @@ void publishInMenu(const InstanceRecord& record, const std::optional<fs::path>& 
     } else if (drawn) {
         pictures.push_back({0, std::move(*drawn)});
     }
-    publishMenuEntry(entry, pictures, older);
+    published.publish(entry, pictures);
 }
 
 void publishInMenu(const InstanceRecord& record) {
@@ -310,7 +321,7 @@ MenuRepair repairMenu(const std::vector<InstanceRecord>& records) {
         return repair;
     }
     removeMenuLeftovers();
-    const PublishedMenu published;
+    PublishedMenu published;
     removeOldMenuPictures(iconsByWord(published));
     collectingProblems(repair, [&] { withdrawOrphans(published, repair); });
     for (const InstanceRecord& record : records) {

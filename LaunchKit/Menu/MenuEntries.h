@@ -15,10 +15,14 @@ namespace quorvel {
 struct InstanceRecord;
 
 /// The entries that are published for clones, as they were when this was made. To read them costs
-/// more the more clones there are, so that a caller that changes many reads them once.
+/// more the more clones there are, so that a caller that changes many reads them once. Desktops
+/// learn when it is destroyed what the entries open that were published with it.
 class PublishedMenu {
 public:
     PublishedMenu();
+    PublishedMenu(const PublishedMenu&) = delete;
+    PublishedMenu& operator=(const PublishedMenu&) = delete;
+    ~PublishedMenu();
 
     using Entries = std::multimap<std::string, PublishedEntry>;
 
@@ -28,8 +32,12 @@ public:
     /// Returns the entries of one clone; there should be one.
     [[nodiscard]] std::vector<PublishedEntry> of(const std::string& identity) const;
 
+    /// Publishes in place of the clone's entries. Throws as `publishMenuEntry` does.
+    void publish(const MenuEntry& entry, const std::vector<MenuPicture>& pictures);
+
 private:
     Entries entries_{};
+    bool haveTypesChanged_ = false;
 };
 
 /// Returns the clone's entry. Throws `Error` if it can't be started from a menu, such as from a
@@ -43,8 +51,7 @@ void publishInMenu(const InstanceRecord& record,
 
 /// The same for a caller that has read the menu already.
 void publishInMenu(const InstanceRecord& record,
-                   const std::optional<std::filesystem::path>& drawing,
-                   const PublishedMenu& published);
+                   const std::optional<std::filesystem::path>& drawing, PublishedMenu& published);
 
 /// The same with the drawing of the application, if the clone's icon is still made from it.
 void publishInMenu(const InstanceRecord& record);

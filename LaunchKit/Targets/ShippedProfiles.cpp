@@ -2,6 +2,7 @@
 
 #include "LaunchKit/AppBundle.h"
 #include "LaunchKit/Targets/NoSessionBus.h"
+#include "Platform/entries/EntryFolders.h"
 #include "Platform/files/FileReading.h"
 
 namespace quorvel::ShippedProfiles {
@@ -10,13 +11,24 @@ namespace {
 
 constexpr std::size_t maximumFileSize = std::size_t{64} << 10U;
 
+constexpr std::string_view entryEnding = ".desktop";
+
+std::string withoutEnding(std::string id) {
+    if (id.ends_with(entryEnding)) {
+        id.resize(id.size() - entryEnding.size());
+    }
+    return id;
+}
+
+// What the bus can start has a name there, by which a second start finds the first.
+bool isStartedByBus(const AppBundle& app) {
+    return app.desktop->entry.dbusActivatable ||
+           (app.bundleId.ends_with(entryEnding) && hasBusService(withoutEnding(app.bundleId)));
+}
+
 // An identifier comes from a file's name or a bundle, so it may be anything.
 std::optional<std::string> fileNameFor(const std::string& bundleId) {
-    constexpr std::string_view ending = ".desktop";
-    std::string name = bundleId;
-    if (name.ends_with(ending)) {
-        name.resize(name.size() - ending.size());
-    }
+    const std::string name = withoutEnding(bundleId);
     if (name.empty() || name.find('/') != std::string::npos ||
         name.find('\0') != std::string::npos) {
         return std::nullopt;
@@ -61,10 +73,9 @@ std::map<std::string, std::string> suggestedEnvironment(const AppBundle& app) {
     if (const auto profile = find(app.bundleId)) {
         return profile->environment.value_or(std::map<std::string, std::string>{});
     }
-    // What the bus can start has a name there, by which a second start finds the first. A Flatpak
-    // would lose its portals, and with them its dialogs for files.
-    if (app.desktop && app.desktop->entry.dbusActivatable &&
-        app.desktop->program.packaging != ResolvedProgram::Packaging::flatpak) {
+    // A Flatpak would lose its portals, and with them its dialogs for files.
+    if (app.desktop && app.desktop->program.packaging != ResolvedProgram::Packaging::flatpak &&
+        isStartedByBus(app)) {
         return {{sessionBusVariable, noSessionBus}};
     }
     return {};

@@ -17,7 +17,6 @@ namespace fs = std::filesystem;
 namespace {
 
 constexpr std::size_t maxThreads = 32;
-constexpr std::chrono::seconds patience{2};
 
 using Files = std::vector<std::string>;
 
@@ -27,13 +26,16 @@ struct Answers {
     std::mutex guard{};
     std::condition_variable changed{};
     std::set<std::string> present{};
-    std::size_t waitingFor = 0;
+    std::size_t given = 0;
+    std::size_t waitingFor = 0; ///< threads
 };
 
 void look(const std::shared_ptr<Answers>& answers, const Files& files) {
     for (const std::string& file : files) {
-        if (answers->isPresent(file)) {
-            const std::lock_guard lock(answers->guard);
+        const bool isPresent = answers->isPresent(file);
+        const std::lock_guard lock(answers->guard);
+        ++answers->given;
+        if (isPresent) {
             answers->present.insert(file);
         }
     }
@@ -67,19 +69,41 @@ std::vector<Files> sharesOf(const std::set<std::string>& files) {
     return shares;
 }
 
-} // namespace
-
-std::set<std::string> presentAmong(const std::set<std::string>& files,
-                                   const std::function<bool(const std::string&)>& isPresent) {
-    std::vector<Files> shares = sharesOf(files);
-    const auto answers = std::make_shared<Answers>();
+std::shared_ptr<Answers> startLookingAt(std::vector<Files> shares, const PresenceCheck& isPresent) {
+    auto answers = std::make_shared<Answers>();
     answers->isPresent = isPresent;
     answers->waitingFor = shares.size();
     for (Files& share : shares) {
         startLooking(answers, std::move(share));
     }
+    return answers;
+}
+
+// Returns whether all have answered.
+bool isDoneWithin(std::chrono::milliseconds patience, Answers& answers,
+                  std::unique_lock<std::mutex>& lock) {
+    return answers.changed.wait_for(lock, patience, [&] { return answers.waitingFor == 0; });
+}
+
+} // namespace
+
+std::set<std::string> presentAmong(const std::set<std::string>& files,
+                                   const PresenceCheck& isPresent) {
+    const auto answers = startLookingAt(sharesOf(files), isPresent);
     std::unique_lock lock(answers->guard);
-    (void)answers->changed.wait_for(lock, patience, [&] { return answers->waitingFor == 0; });
+    (void)isDoneWithin(std::chrono::seconds(2), *answers, lock);
+    return answers->present;
+}
+
+std::set<std::string> presentInLists(std::vector<std::vector<std::string>> lists,
+                                     const PresenceCheck& isPresent,
+                                     std::chrono::milliseconds patience) {
+    const auto answers = startLookingAt(std::move(lists), isPresent);
+    std::unique_lock lock(answers->guard);
+    std::size_t before = 0;
+    do {
+        before = answers->given;
+    } while (!isDoneWithin(patience, *answers, lock) && answers->given != before);
     return answers->present;
 }
 

@@ -12,4 +12,8 @@ std::string desktopFileId(const std::filesystem::path& file) {
     return lastPathComponent(file);
 }
 
+bool hasBusService(const std::string& /*name*/) {
+    return false;
+}
+
 } // namespace quorvel

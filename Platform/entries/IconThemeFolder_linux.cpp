@@ -1,6 +1,7 @@
 #include "Platform/entries/IconThemeFolder_linux.h"
 
 #include "Base/PathText.h"
+#include "Platform/entries/BoundedLookup_linux.h"
 #include "Platform/entries/IconTheme.h"
 #include "Platform/entries/KeyFile_linux.h"
 #include "Platform/files/FileReading.h"
@@ -22,16 +23,54 @@ bool leadsOut(const std::string& path) {
            std::find(relative.begin(), relative.end(), "..") != relative.end();
 }
 
+using Names = std::vector<std::string>;
+
+constexpr std::string_view png = ".png";
+constexpr std::string_view svg = ".svg";
+
+// A part of a theme, with its index if it has one.
+struct Part {
+    std::optional<std::string> index{};
+};
+
+std::optional<Part> partIn(const std::string& folder) {
+    return itemExists(folder)
+               ? std::optional(Part{
+                     .index = readFile(folder + "/index.theme", IconThemeFolder::maxIndexSize)})
+               : std::nullopt;
+}
+
+std::optional<Names> picturesIn(const std::string& folder) {
+    auto opened = Folder::open(folder);
+    if (!opened) {
+        return std::nullopt;
+    }
+    Names names = opened->entries();
+    std::erase_if(names, [](const std::string& name) {
+        return !name.ends_with(png) && !name.ends_with(svg);
+    });
+    return names;
+}
+
 } // namespace
 
 IconThemeFolder::IconThemeFolder(const std::string& name, const std::vector<fs::path>& folders) {
-    bool isDescribed = false;
+    std::vector<Names> lists;
+    lists.reserve(folders.size());
     for (const fs::path& folder : folders) {
-        parts_.push_back(joinAsText(folder, name));
-        if (!isDescribed) {
-            const auto index = readFile(parts_.back().native() + "/index.theme", maxIndexSize);
-            isDescribed = index.has_value();
-            readIndex(index.value_or(""));
+        lists.push_back({joinAsText(folder, name)});
+    }
+    const auto parts = contentsOf<Part>(lists, partIn);
+    bool isDescribed = false;
+    for (const Names& list : lists) {
+        const auto part = parts.find(list.front());
+        if (part == parts.end()) {
+            continue;
+        }
+        parts_.emplace_back(part->first);
+        if (!isDescribed && part->second.index) {
+            isDescribed = true;
+            readIndex(*part->second.index);
         }
     }
 }
@@ -65,21 +104,14 @@ int IconThemeFolder::rank(const Found& found) const {
     return pixels >= IconTheme::smallest ? pixels + 1 : pixels - 1;
 }
 
-void IconThemeFolder::listFolder(std::size_t part, std::size_t folder) {
-    constexpr std::string_view png = ".png";
-    constexpr std::string_view svg = ".svg";
-    auto opened = Folder::open(joinAsText(parts_[part], folders_[folder].path));
-    if (!opened) {
-        return;
-    }
-    for (std::string& name : opened->entries()) {
-        const bool isSvg = name.ends_with(svg);
-        if ((!isSvg && !name.ends_with(png)) || icons_.size() == maxIcons) {
-            continue;
+void IconThemeFolder::add(const Names& names, std::size_t part, std::size_t folder) {
+    for (const std::string& name : names) {
+        if (icons_.size() == maxIcons) {
+            return;
         }
-        name.resize(name.size() - png.size());
-        const Found found{part, folder, isSvg};
-        const auto [known, isNew] = icons_.try_emplace(std::move(name), found);
+        const Found found{part, folder, name.ends_with(svg)};
+        const auto [known, isNew] =
+            icons_.try_emplace(name.substr(0, name.size() - png.size()), found);
         if (!isNew && rank(known->second) < rank(found)) {
             known->second = found;
         }
@@ -87,12 +119,20 @@ void IconThemeFolder::listFolder(std::size_t part, std::size_t folder) {
 }
 
 void IconThemeFolder::listFolders() {
-    for (std::size_t part = 0; part < parts_.size(); ++part) {
-        if (!itemExists(parts_[part])) {
-            continue;
+    std::vector<Names> lists;
+    lists.reserve(parts_.size());
+    for (const fs::path& part : parts_) {
+        Names& folders = lists.emplace_back();
+        for (const SizeFolder& folder : folders_) {
+            folders.push_back(joinAsText(part, folder.path));
         }
+    }
+    const auto pictures = contentsOf<Names>(lists, picturesIn);
+    for (std::size_t part = 0; part < lists.size(); ++part) {
         for (std::size_t folder = 0; folder < folders_.size(); ++folder) {
-            listFolder(part, folder);
+            if (const auto names = pictures.find(lists[part][folder]); names != pictures.end()) {
+                add(names->second, part, folder);
+            }
         }
     }
     isListed_ = true;

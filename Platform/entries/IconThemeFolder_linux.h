@@ -8,7 +8,8 @@
 
 namespace quorvel {
 
-/// One icon theme, in all the folders that hold a part of it.
+/// One icon theme, in all the folders that hold a part of it. A part whose folders don't answer, as
+/// those of a server that is gone, is left out.
 class IconThemeFolder {
 public:
     /// `folders` are those that may hold the theme `name`. The first that has an index describes
@@ -39,10 +40,10 @@ private:
 
     void readIndex(const std::string& index);
     void listFolders();
-    void listFolder(std::size_t part, std::size_t folder);
+    void add(const std::vector<std::string>& names, std::size_t part, std::size_t folder);
     [[nodiscard]] int rank(const Found& found) const;
 
-    std::vector<std::filesystem::path> parts_{};
+    std::vector<std::filesystem::path> parts_{}; ///< those that are there
     std::vector<SizeFolder> folders_{};
     std::vector<std::string> parents_{};
     std::unordered_map<std::string, Found> icons_{};

@@ -4,6 +4,7 @@
 #include "Platform/entries/IconThemeFolder_linux.h"
 #include "Platform/entries/KeyFile_linux.h"
 #include "Platform/files/FileReading.h"
+#include "Platform/files/FileSystem.h"
 #include "Platform/homes/UserPaths.h"
 #include "Platform/homes/XdgFolders_linux.h"
 
@@ -12,6 +13,7 @@
 #include <cstdlib>
 #include <set>
 #include <span>
+#include <unordered_set>
 
 namespace quorvel {
 namespace fs = std::filesystem;
@@ -37,7 +39,13 @@ std::set<std::string> imagesAmong(const std::vector<std::string>& icons) {
             paths.insert(icon);
         }
     }
-    return presentAmong(paths, [](const std::string& path) { return isFile(path); });
+    return presentAmong(paths, isFile);
+}
+
+std::optional<std::vector<std::string>> namesIn(const std::string& folder) {
+    auto names = directoryEntries(folder);
+    // One that can't be listed may still contain themes.
+    return names || !itemExists(folder) ? names : std::vector<std::string>();
 }
 
 // Many entries name a file where the format wants an icon's name.
@@ -55,6 +63,7 @@ std::string withoutEnding(const std::string& icon) {
 class IconTheme::Lookup {
 public:
     Lookup(const std::string& name, std::vector<fs::path> folders) : folders_(std::move(folders)) {
+        listFolders();
         addThemes(name);
     }
 
@@ -79,12 +88,29 @@ private:
         for (const fs::path& folder : folders_) {
             for (const char* ending : {".png", ".svg"}) {
                 fs::path file = joinAsText(folder, icon + ending);
-                if (isFile(file)) {
+                if (beside_.contains(file.native()) && !presentAmong({file}, isFile).empty()) {
                     return file;
                 }
             }
         }
         return findInDesktopThemes(icon);
+    }
+
+    // Those that don't answer are asked once only, not for each theme.
+    void listFolders() {
+        std::vector<std::vector<std::string>> lists;
+        lists.reserve(folders_.size());
+        for (const fs::path& folder : folders_) {
+            lists.push_back({folder.native()});
+        }
+        const auto listed = contentsOf<std::vector<std::string>>(lists, namesIn);
+        std::erase_if(folders_,
+                      [&](const fs::path& folder) { return !listed.contains(folder.native()); });
+        for (const auto& [folder, names] : listed) {
+            for (const std::string& name : names) {
+                beside_.insert(joinAsText(folder, name));
+            }
+        }
     }
 
     // Most icons are found before, so these are opened only when they are needed.
@@ -122,7 +148,8 @@ private:
         themes_.emplace_back(fallbackTheme, folders_);
     }
 
-    std::vector<fs::path> folders_;
+    std::vector<fs::path> folders_;            ///< those that are there
+    std::unordered_set<std::string> beside_{}; ///< files beside the themes, and these
     std::vector<IconThemeFolder> themes_{};
     std::vector<IconThemeFolder> desktopThemes_{};
 };

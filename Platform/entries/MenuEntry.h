@@ -49,13 +49,18 @@ struct PublishedEntry {
 /// looks for one that isn't there yet. A concurrent reader finds the old entry or the new one.
 /// Pictures that are no longer named are removed, as far as possible. Throws `PlatformError`, also
 /// if the file's name belongs to an entry that is not the clone's, and `DesktopEntryError`; the
-/// older entry then remains.
+/// older entry then remains. An empty file of that name is one that a power cut emptied.
 void publishMenuEntry(const MenuEntry& entry, const std::vector<MenuPicture>& pictures);
 
 /// The same for a caller that knows the clone's older entries. Without pictures, those that are
-/// there already stay, and their dates become new.
-void publishMenuEntry(const MenuEntry& entry, const std::vector<MenuPicture>& pictures,
-                      const std::vector<PublishedEntry>& older);
+/// there already stay, and their dates become new. Returns whether `updateMenuTypes` must follow,
+/// which takes as long for many entries as for one.
+[[nodiscard]] bool publishMenuEntry(const MenuEntry& entry,
+                                    const std::vector<MenuPicture>& pictures,
+                                    const std::vector<PublishedEntry>& older);
+
+/// Has desktops know what the published entries open. Fails silently.
+void updateMenuTypes();
 
 /// Removes the clone's entries, also under other file names, and its pictures. Does nothing if
 /// there are none. Throws `PlatformError`.

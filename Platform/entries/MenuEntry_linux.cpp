@@ -120,9 +120,17 @@ void touchPictures(const MenuEntry& entry) {
     }
 }
 
+// A power cut may have left an entry without its contents, and with them without the mark. No other
+// program makes an empty file under a clone's own name.
+bool isEmptied(const fs::path& file) {
+    struct stat status {};
+    return ::lstat(file.c_str(), &status) == 0 && S_ISREG(status.st_mode) && status.st_size == 0 &&
+           status.st_uid == ::geteuid() && status.st_nlink == 1;
+}
+
 void requireOwn(const fs::path& file, const std::string& cloneId) {
     const auto old = cloneEntryIn(file);
-    if (itemOrLinkExists(file) && (!old || old->cloneId != cloneId)) {
+    if (itemOrLinkExists(file) && (old ? old->cloneId != cloneId : !isEmptied(file))) {
         throw PlatformError::because("it belongs to something else", file, "replaced");
     }
 }
@@ -185,10 +193,12 @@ bool noticesEntriesLate() {
 }
 
 void publishMenuEntry(const MenuEntry& entry, const std::vector<MenuPicture>& pictures) {
-    publishMenuEntry(entry, pictures, entriesOf(entry.entry.cloneId));
+    if (publishMenuEntry(entry, pictures, entriesOf(entry.entry.cloneId))) {
+        updateMenuTypes();
+    }
 }
 
-void publishMenuEntry(const MenuEntry& entry, const std::vector<MenuPicture>& pictures,
+bool publishMenuEntry(const MenuEntry& entry, const std::vector<MenuPicture>& pictures,
                       const std::vector<PublishedEntry>& older) {
     for (const std::string& name : {entry.fileName, entry.entry.icon}) {
         if (name.find('/') != std::string::npos) {
@@ -204,11 +214,14 @@ void publishMenuEntry(const MenuEntry& entry, const std::vector<MenuPicture>& pi
         writePictures(entry.entry.icon, pictures);
     }
     createDirectories(entryFolder());
-    writeWholeFile(file, text);
+    // One that a power cut emptied would be nobody's.
+    writeWholeFile(file, text, Flush::now);
     removeOlder(older, entry);
-    if (hadTypes(older) || !entry.entry.mimeTypes.empty()) {
-        updateMimeDatabase(entryFolder());
-    }
+    return hadTypes(older) || !entry.entry.mimeTypes.empty();
+}
+
+void updateMenuTypes() {
+    updateMimeDatabase(entryFolder());
 }
 
 void withdrawMenuEntry(const std::string& cloneId, const std::string& word) {
@@ -216,8 +229,11 @@ void withdrawMenuEntry(const std::string& cloneId, const std::string& word) {
     // The entries last: while one is there, an interrupted withdrawal can be finished.
     removePictures(word);
     removeEntriesBut(entries, "");
+    if (const fs::path file = joinAsText(entryFolder(), word + ".desktop"); isEmptied(file)) {
+        removeFile(file);
+    }
     if (hadTypes(entries)) {
-        updateMimeDatabase(entryFolder());
+        updateMenuTypes();
     }
 }
 

@@ -12,8 +12,12 @@ bool noticesEntriesLate() {
 
 void publishMenuEntry(const MenuEntry& /*entry*/, const std::vector<MenuPicture>& /*pictures*/) {}
 
-void publishMenuEntry(const MenuEntry& /*entry*/, const std::vector<MenuPicture>& /*pictures*/,
-                      const std::vector<PublishedEntry>& /*older*/) {}
+bool publishMenuEntry(const MenuEntry& /*entry*/, const std::vector<MenuPicture>& /*pictures*/,
+                      const std::vector<PublishedEntry>& /*older*/) {
+    return false;
+}
+
+void updateMenuTypes() {}
 
 void withdrawMenuEntry(const std::string& /*cloneId*/, const std::string& /*word*/) {}
 

@@ -71,7 +71,8 @@ bool TreeShutdown::anyMainRuns() const {
            std::any_of(others_.begin(), others_.end(), isRunning);
 }
 
-void TreeShutdown::askToEnd(std::chrono::milliseconds patience) {
+void TreeShutdown::askToEnd(std::chrono::milliseconds patience,
+                            const std::atomic<bool>* cancelled) {
     const auto end = Clock::now() + patience;
     std::set<ProcessIdentity> asked;
     const auto ask = [&](const ProcessIdentity& process) {
@@ -81,7 +82,8 @@ void TreeShutdown::askToEnd(std::chrono::milliseconds patience) {
     };
     std::for_each(runners_.begin(), runners_.end(), ask);
     std::for_each(others_.begin(), others_.end(), ask);
-    for (auto left = running(); !left.empty() && Clock::now() < end; left = running()) {
+    const auto isOver = [&] { return Clock::now() >= end || (cancelled != nullptr && *cancelled); };
+    for (auto left = running(); !left.empty() && !isOver(); left = running()) {
         // A browser's helpers end by themselves, and better so.
         if (!anyMainRuns()) {
             std::for_each(left.begin(), left.end(), ask);

@@ -2,6 +2,7 @@
 
 #include "Platform/processes/ProcessFamily.h"
 
+#include <atomic>
 #include <chrono>
 #include <cstddef>
 #include <set>
@@ -21,8 +22,8 @@ public:
     [[nodiscard]] std::vector<ProcessIdentity> running();
 
     /// Sends SIGTERM to the main processes, and to what they leave behind. Returns as soon as
-    /// nothing is running, or after `patience`.
-    void askToEnd(std::chrono::milliseconds patience);
+    /// nothing is running, after `patience`, or once `cancelled` is true.
+    void askToEnd(std::chrono::milliseconds patience, const std::atomic<bool>* cancelled = nullptr);
 
     /// Kills everything that is still running. Returns when that is done, or after a second.
     void kill();

@@ -20,6 +20,7 @@ CloneCommands::CloneCommands(AppModel& model, CloneChanges& changes, QObject* pa
       log_(tr("Show &Log")),
       reveal_(tr("&Reveal in Finder")),
       stop_(tr("&Stop")),
+      cancelStop_(tr("&Cancel Stopping")),
       remove_(tr("&Delete…")),
       refreshAll_(tr("Refresh &Wrappers")) {
     edit_.setShortcut(Qt::CTRL | Qt::Key_E);
@@ -34,6 +35,7 @@ CloneCommands::CloneCommands(AppModel& model, CloneChanges& changes, QObject* pa
     prepare(refreshWrapper_, &CloneCommands::refreshRequested);
     prepare(log_, &CloneCommands::logRequested);
     prepare(stop_, &CloneCommands::stopRequested);
+    prepare(cancelStop_, &CloneCommands::stopCancelled);
     prepare(remove_, &CloneCommands::deletionRequested);
     prepareReveal();
     refreshAll_.setMenuRole(QAction::NoRole);
@@ -75,7 +77,7 @@ void CloneCommands::setBlocked(bool blocked) {
 void CloneCommands::addTo(QMenu& menu) {
     menu.addActions({&open_, &edit_, &rename_, &duplicate_});
     menu.addSeparator();
-    menu.addActions({&refreshWrapper_, &log_, &reveal_, &stop_});
+    menu.addActions({&refreshWrapper_, &log_, &reveal_, &stop_, &cancelStop_});
     menu.addSeparator();
     menu.addAction(&remove_);
     // Nothing says when a clone ends that was started elsewhere.
@@ -98,7 +100,9 @@ void CloneCommands::refresh() {
         action->setEnabled(clone != nullptr);
     }
     log_.setEnabled(clone != nullptr && clone->config.kind != ShortcutKind::file);
-    stop_.setEnabled(clone != nullptr && !changes_.isStopping(*clone) &&
+    const bool isStopping = clone != nullptr && changes_.isStopping(*clone);
+    cancelStop_.setVisible(isStopping);
+    stop_.setEnabled(clone != nullptr && !isStopping &&
                      (model_.isRunning(*clone) || isHomeInUse(clone->config)));
     refreshAll_.setEnabled(isFree && !model_.clones().empty());
 }

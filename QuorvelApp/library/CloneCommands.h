@@ -48,6 +48,7 @@ Q_SIGNALS:
     void refreshAllRequested();
     void logRequested(const quorvel::InstanceRecord& clone);
     void stopRequested(const quorvel::InstanceRecord& clone);
+    void stopCancelled(const quorvel::InstanceRecord& clone);
     void deletionRequested(const quorvel::InstanceRecord& clone);
 
 private:
@@ -69,6 +70,7 @@ private:
     QAction log_;
     QAction reveal_;
     QAction stop_;
+    QAction cancelStop_; ///< only shown while the clone is being stopped
     QAction remove_;
     QAction refreshAll_;
 };

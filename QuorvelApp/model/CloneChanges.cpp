@@ -125,7 +125,8 @@ void CloneChanges::refreshDone(const Outcome<RefreshSummary>& outcome) {
 }
 
 QFuture<void> CloneChanges::stop(const InstanceRecord& clone, Force force) {
-    stopping_.insert(clone.id());
+    const auto cancelled = std::make_shared<std::atomic<bool>>(false);
+    stopping_.insert_or_assign(clone.id(), cancelled);
     Q_EMIT activityChanged();
     const AppServices& services = model_.services();
     StopOptions options{.patience = services.stopPatience};
@@ -134,19 +135,28 @@ QFuture<void> CloneChanges::stop(const InstanceRecord& clone, Force force) {
         options = {.patience = std::min(services.stopPatience, lastPatience),
                    .mayForce = [](std::size_t) { return true; }};
     }
-    return services.tasks->detached(TaskPriority::userInitiated, this,
-                                    capturingErrors([clone, options, registry = services.registry] {
-                                        return stopClone(registry, clone, options);
-                                    }),
-                                    [this, clone, force](const Outcome<StoppedClone>& outcome) {
-                                        stopDone(clone, force, outcome);
-                                    });
+    options.cancelled = cancelled.get();
+    return services.tasks->detached(
+        TaskPriority::userInitiated, this,
+        capturingErrors([clone, options, cancelled, registry = services.registry] {
+            return stopClone(registry, clone, options);
+        }),
+        [this, clone, force](const Outcome<StoppedClone>& outcome) {
+            stopDone(clone, force, outcome);
+        });
+}
+
+void CloneChanges::cancelStop(const InstanceRecord& clone) {
+    if (const auto stop = stopping_.find(clone.id()); stop != stopping_.end()) {
+        *stop->second = true;
+    }
 }
 
 void CloneChanges::stopDone(const InstanceRecord& clone, Force force,
                             const Outcome<StoppedClone>& outcome) {
     using Case = StoppedClone::Case;
-    stopping_.erase(clone.id());
+    const auto stop = stopping_.extract(clone.id());
+    const bool isCancelled = !stop.empty() && *stop.mapped();
     model_.refreshRunningState();
     Q_EMIT activityChanged();
     const std::string& name = clone.config.displayName;
@@ -154,6 +164,8 @@ void CloneChanges::stopDone(const InstanceRecord& clone, Force force,
         model_.setLastError(sentence(tr("Couldn't stop: %1"), {outcome.failure}));
     } else if (outcome.result->outcome == Case::elsewhere) {
         model_.setLastError(usedElsewhereText(name, translated));
+    } else if (outcome.result->outcome == Case::running && isCancelled) {
+        return; // the user knows
     } else if (outcome.result->outcome == Case::running && force == Force::never) {
         Q_EMIT stillRunning(clone, outcome.result->left);
     } else if (outcome.result->outcome == Case::running) {

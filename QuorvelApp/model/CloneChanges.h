@@ -10,6 +10,7 @@
 
 #include <atomic>
 #include <cstddef>
+#include <map>
 #include <memory>
 #include <set>
 #include <string>
@@ -53,6 +54,8 @@ public:
     /// Ends everything that the clone runs: asks it to, then waits for as long as `AppServices`
     /// say. With force it waits a shorter time, then kills what is left.
     QFuture<void> stop(const InstanceRecord& clone, Force force = Force::never);
+    /// Waits for the clone no longer, which may go on. It was asked to end, and may do so yet.
+    void cancelStop(const InstanceRecord& clone);
     /// Returns whether the clone is being stopped.
     [[nodiscard]] bool isStopping(const InstanceRecord& clone) const;
 
@@ -69,10 +72,12 @@ private:
     void refreshDone(const Outcome<RefreshSummary>& outcome);
     void stopDone(const InstanceRecord& clone, Force force, const Outcome<StoppedClone>& outcome);
 
+    using Cancellation = std::shared_ptr<std::atomic<bool>>;
+
     AppModel& model_;
     int refreshing_ = 0;
-    std::set<std::string> renaming_{}; ///< identities
-    std::set<std::string> stopping_{}; ///< identities
+    std::set<std::string> renaming_{};               ///< identities
+    std::map<std::string, Cancellation> stopping_{}; ///< by identities
 };
 
 } // namespace quorvel

@@ -5,9 +5,14 @@
 #include "LaunchKit/InstanceConfig.h"
 #include "Platform/files/ItemIdentity.h"
 #include "tests/support/AppBundles.h"
+#include "tests/support/DesktopApps.h"
 
 #include <gmock/gmock.h>
 #include <nlohmann/json.hpp>
+
+#include <csignal>
+#include <sys/wait.h>
+#include <unistd.h>
 
 namespace quorvel {
 namespace {
@@ -161,6 +166,40 @@ TEST_F(ChangeCommandsTest, RefreshPrintsWhatChangedAndGoesOnAfterAFailure) {
     EXPECT_EQ(result.output, wrapper().string() + "\n");
     EXPECT_THAT(result.errors, HasSubstr("1 of 2 clones couldn’t be refreshed."));
     EXPECT_TRUE(read(wrapper() / "Contents/MacOS/runner") == read(runnerProgram()));
+}
+
+// Output during which the user presses Ctrl-C.
+class InterruptedOutput : public std::stringbuf {
+    int sync() override { return std::raise(SIGINT); }
+};
+
+TEST_F(ChangeCommandsTest, AnInterruptedRefreshEndsAfterACloneAndTellsDesktopsOnce) {
+    const DesktopApps apps;
+    apps.addProgram("app", helperProgram());
+    const fs::path entry = apps.addEntry("app", "app", "MimeType=text/x-quorvel;\n");
+    for (const char* name : {"A", "B", "C"}) {
+        EXPECT_EQ(make({"--target", entry.string(), "--name", name, "--open-with"}).status, 0);
+        write(wrapper(name) / "Contents/MacOS/runner", "an older one");
+    }
+    apps.addScript("update-desktop-database",
+                   "echo run >> '" + (harness.home / "runs").string() + "'");
+    const pid_t command = ::fork();
+    if (command == 0) {
+        InterruptedOutput interrupted;
+        std::ostream output(&interrupted);
+        std::istringstream input;
+        std::ostringstream errors;
+        const CommandContext context{
+            input, output, errors, false, false, harness.workspace, InstanceRegistry()};
+        ::_exit(runCommandLine({"refresh", "A", "B", "C", "--runner", runnerProgram().string()},
+                               context));
+    }
+    int status = 0;
+    ::waitpid(command, &status, 0);
+    EXPECT_TRUE(WIFSIGNALED(status) && WTERMSIG(status) == SIGINT) << status;
+    EXPECT_TRUE(read(wrapper("A") / "Contents/MacOS/runner") == read(runnerProgram()));
+    EXPECT_EQ(read(wrapper("B") / "Contents/MacOS/runner"), "an older one");
+    EXPECT_EQ(read(harness.home / "runs"), "run\n");
 }
 
 TEST_F(ChangeCommandsTest, StaleClonesAreListedWithTheReasons) {

@@ -9,6 +9,9 @@
 #include <nlohmann/json.hpp>
 
 #include <csignal>
+#include <fstream>
+#include <sys/wait.h>
+#include <unistd.h>
 
 namespace quorvel {
 namespace {
@@ -85,6 +88,28 @@ TEST_F(StopCommandTest, ForceIsOnlyUsedIfItIsAskedFor) {
     EXPECT_EQ(forced.status, 0);
     EXPECT_THAT(forced.output, StartsWith("“Work” was ended by force: "));
     EXPECT_FALSE(runner_->isRunning());
+}
+
+TEST_F(StopCommandTest, AnInterruptEndsTheWaitingAtOnceAndSaysWhatWasDone) {
+    const std::filesystem::path asked = harness_.home / "asked";
+    const std::filesystem::path said = harness_.home / "said";
+    start("trap '> " + asked.string() + "' TERM");
+    const pid_t command = ::fork();
+    if (command == 0) {
+        std::istringstream input;
+        std::ostringstream output;
+        std::ofstream errors(said);
+        const CommandContext context{
+            input, output, errors, false, false, harness_.workspace, InstanceRegistry()};
+        ::_exit(runCommandLine({"stop", "Work", "--wait", "60", "--force"}, context));
+    }
+    EXPECT_TRUE(waitUntil([&] { return std::filesystem::exists(asked); }));
+    ::kill(command, SIGINT);
+    int status = 0;
+    EXPECT_TRUE(waitUntil([&] { return ::waitpid(command, &status, WNOHANG) == command; }));
+    EXPECT_TRUE(WIFSIGNALED(status) && WTERMSIG(status) == SIGINT) << status;
+    EXPECT_EQ(read(said), "“Work” was asked to end, and may still be doing so.\n");
+    EXPECT_TRUE(runner_->isRunning()) << "it is not ended by force";
 }
 
 TEST_F(StopCommandTest, OnATerminalForceIsAQuestion) {

@@ -138,15 +138,6 @@ TEST_F(DesktopCatalogTest, ThirtyThousandActionsTakeNoTime) {
     EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(5));
 }
 
-// A file system whose server never answers.
-bool mountWithoutAnswers(const fs::path& at) {
-    const int device = ::open("/dev/fuse", O_RDWR | O_CLOEXEC);
-    const std::string options = "fd=" + std::to_string(device) +
-                                ",rootmode=40000,user_id=" + std::to_string(::getuid()) +
-                                ",group_id=" + std::to_string(::getgid());
-    return device >= 0 && ::mount("none", at.c_str(), "fuse", 0, options.c_str()) == 0;
-}
-
 TEST_F(DesktopCatalogTest, AFolderThatDoesNotAnswerDelaysTheOthersLittle) {
     const fs::path slow = apps.at("slow");
     fs::create_directory(slow);

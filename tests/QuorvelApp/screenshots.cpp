@@ -1,7 +1,9 @@
 // Shows every state of the windows in a throw-away home and saves a picture of each.
 // Usage: app_screenshots FOLDER
+#include "Base/Error.h"
 #include "LaunchKit/Changes/ClonesLock.h"
 #include "LaunchKit/InstanceRecord.h"
+#include "LaunchKit/RunnerLocator.h"
 #include "QuorvelApp/NewCloneView.h"
 #include "QuorvelApp/model/SystemTranslator.h"
 #include "QuorvelApp/panels/DuplicateView.h"
@@ -214,6 +216,11 @@ int run(int argc, char** argv) {
         std::fprintf(stderr, "Usage: %s FOLDER\n", argv[0]);
         return 2;
     }
+    // The window makes clones as it does for the user.
+    if (!RunnerLocator::locate(ApplicationFolders::current())) {
+        throw Error("There is no " + std::string(RunnerLocator::runnerName) +
+                    " beside this program. Build it first.");
+    }
     ScreenshotScene::folder = QString::fromLocal8Bit(argv[1]);
     QDir().mkpath(ScreenshotScene::folder);
     for (const bool dark : {false, true}) {
@@ -246,5 +253,10 @@ int main(int argc, char** argv) {
     quorvel::SystemTranslator words;
     QApplication::installTranslator(&words);
     const quorvel::Appearance appearance;
-    return quorvel::testing::run(argc, argv);
+    try {
+        return quorvel::testing::run(argc, argv);
+    } catch (const std::exception& error) {
+        std::fprintf(stderr, "%s\n", error.what());
+        return 1;
+    }
 }

@@ -1,6 +1,8 @@
 // One target per instance home, even if the runner is killed.
 #include "LaunchKit/Homes/HomeLock.h"
 #include "LaunchKit/InstanceConfig.h"
+#include "LaunchKit/InstanceRecord.h"
+#include "LaunchKit/InstanceRegistry.h"
 #include "Platform/files/FileSystem.h"
 #include "Platform/processes/ProcessFamily.h"
 #include "tests/Runner/RunnerFixture.h"
@@ -51,6 +53,29 @@ protected:
         return waitUntil([&] { return !fs::exists("/proc/" + std::to_string(pid) + "/exe"); });
     }
 };
+
+TEST_F(OneTargetTest, ACloneThatIsDeletedWhileItRunsLeavesNoTemporaryFolder) {
+    for (const bool isDeleted : {false, true}) {
+        const fs::path bundle = wrapper(scripted("echo \"$TMPDIR\" > " + at("temporary").string() +
+                                                 "; > \"$TMPDIR/file\"; echo $$ > " +
+                                                 at("pid").string() + "; exec sleep 600"));
+        Process runner = start(bundle);
+        ASSERT_TRUE(targetRuns());
+        const std::string line = read(at("temporary"));
+        const fs::path temporary = line.substr(0, line.size() - 1);
+        if (temporary.empty()) {
+            GTEST_SKIP() << "this system has none";
+        }
+        if (isDeleted) {
+            InstanceRegistry().remove(InstanceRegistry().record(bundle).value(), true);
+            EXPECT_TRUE(fs::exists(temporary / "file")) << "it is in use";
+        }
+        runner.terminate();
+        runner.waitUntilExit();
+        EXPECT_EQ(fs::exists(temporary), !isDeleted);
+        fs::remove(at("pid"));
+    }
+}
 
 TEST_F(OneTargetTest, ATargetWhoseRunnerWasKilledKeepsItsHome) {
     const fs::path bundle = wrapper(lasting());

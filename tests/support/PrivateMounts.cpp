@@ -83,4 +83,12 @@ void bindMount(const std::filesystem::path& source, const std::filesystem::path&
     }
 }
 
+bool mountWithoutAnswers(const std::filesystem::path& at) {
+    const int device = ::open("/dev/fuse", O_RDWR | O_CLOEXEC);
+    const std::string options = "fd=" + std::to_string(device) +
+                                ",rootmode=40000,user_id=" + std::to_string(::getuid()) +
+                                ",group_id=" + std::to_string(::getgid());
+    return device >= 0 && ::mount("none", at.c_str(), "fuse", 0, options.c_str()) == 0;
+}
+
 } // namespace quorvel::testing

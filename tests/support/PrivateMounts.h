@@ -19,4 +19,8 @@ namespace quorvel::testing {
 /// Bind-mounts the folder or file `source` at `at`. Throws if that fails.
 void bindMount(const std::filesystem::path& source, const std::filesystem::path& at);
 
+/// Mounts a file system there whose server never answers, until this process ends. Returns false if
+/// the kernel forbids it.
+[[nodiscard]] bool mountWithoutAnswers(const std::filesystem::path& at);
+
 } // namespace quorvel::testing

@@ -158,6 +158,36 @@ TEST_F(CloneRefreshTest, TheMenuIsKeptUpForEachClone) {
     EXPECT_EQ(read(pictureOf()), "not drawn again") << "the icon is the same";
 }
 
+TEST_F(CloneRefreshTest, DesktopsLearnOnceWhatAllClonesOpenAlsoIfOneFails) {
+    const DesktopApps apps;
+    apps.addProgram("app", helperProgram());
+    apps.addScript("update-desktop-database", "echo \"$1\" >> '" + (home / "runs").string() + "'");
+    const auto runs = [&] {
+        const std::string lines = read(home / "runs");
+        return std::count(lines.begin(), lines.end(), '\n');
+    };
+    WrapperFactory::Request request;
+    request.targetApp = apps.addEntry("app", "app", "MimeType=text/x-quorvel;\n");
+    request.openWithPassthrough = true;
+    for (const char* name : {"A", "B", "C"}) {
+        request.displayName = name;
+        write(make(request) / "Contents/MacOS/runner", "an older one");
+    }
+    ASSERT_EQ(runs(), 3) << "one for each that is made";
+    {
+        const CloneRefresh each(runnerProgram());
+        EXPECT_TRUE(each.refresh(home / "Applications/A.app").isChanged);
+        EXPECT_THROW((void)each.refresh(home / "Applications/None.app"), Error);
+        EXPECT_TRUE(each.refresh(home / "Applications/B.app").isChanged);
+        EXPECT_TRUE(each.refresh(home / "Applications/C.app").isChanged);
+        EXPECT_EQ(runs(), 3);
+    }
+    EXPECT_EQ(runs(), 4);
+    EXPECT_EQ(read(home / "runs").find(apps.at("share/applications").string()), 0U);
+    (void)CloneRefresh(runnerProgram()).refresh(home / "Applications/A.app");
+    EXPECT_EQ(runs(), 4) << "nothing has changed";
+}
+
 TEST_F(CloneRefreshTest, TheTargetsNewIconIsTakenWithTheClonesLabel) {
     const fs::path wrapper = make(appRequest());
     setLabel(wrapper, "A");

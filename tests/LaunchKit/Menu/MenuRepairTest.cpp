@@ -192,6 +192,18 @@ TEST_F(MenuRepairTest, APictureThatAPowerCutEmptiedIsDrawnAgain) {
     EXPECT_EQ(repairMenu({record}).published, 0U);
 }
 
+TEST_F(MenuRepairTest, AnEntryThatAPowerCutEmptiedIsPublishedAgain) {
+    const InstanceRecord record = made(command("Work"));
+    addIcon(record, pngOf(chatIcon(48)));
+    publishInMenu(record);
+    const auto complete = menu();
+    fs::resize_file(published(record), 0);
+    const MenuRepair repair = repairMenu({record});
+    EXPECT_THAT(repair.problems, IsEmpty());
+    EXPECT_EQ(repair.published, 1U);
+    EXPECT_TRUE(menu() == complete);
+}
+
 TEST_F(MenuRepairTest, AnEntrysOwnWindowClassGivesNobodyElsesPicturesAway) {
     const InstanceRecord record = made(command("Work"));
     publishInMenu(record);

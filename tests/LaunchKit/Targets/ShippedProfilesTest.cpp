@@ -1,6 +1,7 @@
 #include "LaunchKit/Targets/ShippedProfiles.h"
 
 #include "LaunchKit/AppBundle.h"
+#include "Platform/entries/EntryFolders.h"
 #include "tests/support/AppBundles.h"
 #include "tests/support/DesktopApps.h"
 
@@ -87,6 +88,50 @@ TEST(ShippedProfilesTest, AnAppThatTheBusCanStartDoesWithoutItUnlessItsProfileSa
         << "it would lose its dialogs for files";
     EXPECT_THAT(ShippedProfiles::suggestedEnvironment({.bundleId = "com.example.Bundle"}),
                 IsEmpty());
+}
+
+TEST(ShippedProfilesTest, ABusServiceCountsLikeAnEntryThatTheBusCanStart) {
+    const TemporaryHome home;
+    const DesktopApps apps;
+    apps.addProgram("app", helperProgram());
+    const auto serve = [&](const std::string& file, const std::string& name) {
+        write(apps.at(file),
+              "[D-BUS Service]\nName=" + name + "\nExec=/usr/bin/app --gapplication-service\n");
+    };
+    serve("share/dbus-1/services/org.example.Own.service", "org.example.Own");
+    serve("none/dbus-1/services/org.example.Installed.service", "org.example.Installed");
+    serve("share/dbus-1/services/org.example.Misnamed.service", "org.example.Other");
+    write(apps.at("share/dbus-1/services/org.example.Broken.service"), "Name=org.example.Broken\n");
+    const auto suggested = [&](const std::string& id, const std::string& keys = "") {
+        return ShippedProfiles::suggestedEnvironment(
+            AppBundle::read(apps.addEntry(id, "app", keys), noEntitlements).value());
+    };
+    for (const char* id : {"org.example.Own", "org.example.Installed"}) {
+        EXPECT_THAT(suggested(id), ElementsAre(Pair("DBUS_SESSION_BUS_ADDRESS", disabledBus)))
+            << id;
+    }
+    for (const char* id :
+         {"org.example.Misnamed", "org.example.Other", "org.example.Broken", "org.example.None"}) {
+        EXPECT_THAT(suggested(id), IsEmpty()) << id;
+    }
+    EXPECT_THAT(suggested("org.example.Own", "X-Flatpak=org.example.Own\n"), IsEmpty());
+}
+
+// The files that packages bring.
+TEST(ShippedProfilesTest, InstalledBusServicesAreRead) {
+    if (!fs::exists("/usr/share/dbus-1/services/org.gnome.TextEditor.service")) {
+        GTEST_SKIP() << "the editor is not installed";
+    }
+    const TemporaryHome home;
+    const DesktopApps apps;
+    const ScopedEnvironment installed("XDG_DATA_DIRS", "/usr/share");
+    apps.addProgram("app", helperProgram());
+    // Another name than the one that has a profile.
+    write(apps.at("share/dbus-1/services/org.example.Editor.service"),
+          "[D-BUS Service]\nName=org.gnome.TextEditor\n");
+    EXPECT_TRUE(hasBusService("org.gnome.TextEditor"));
+    EXPECT_FALSE(hasBusService("org.example.Editor"));
+    EXPECT_FALSE(hasBusService("../services/org.gnome.TextEditor"));
 }
 
 } // namespace

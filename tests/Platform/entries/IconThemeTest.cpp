@@ -1,6 +1,7 @@
 #include "Platform/entries/IconTheme.h"
 
 #include "Platform/entries/IconThemeFolder_linux.h"
+#include "tests/support/PrivateMounts.h"
 #include "tests/support/TemporaryHome.h"
 
 #include <gmock/gmock.h>
@@ -211,6 +212,33 @@ TEST_F(IconThemeTest, FoldersComeFromTheSession) {
                             "/data/flatpak/exports/share/icons",
                             "/var/lib/flatpak/exports/share/icons", "/var/lib/snapd/desktop/icons",
                             "/usr/share/pixmaps"));
+}
+
+TEST_F(IconThemeTest, FoldersAndThemesOnADeadMountAreLeftOut) {
+    theme("own/hicolor");
+    icons({"own/hicolor/48/apps/a.png", "own/beside.png"});
+    const auto problem = inPrivateMounts([&]() -> std::string {
+        for (const char* folder : {"dead", "own/mine"}) {
+            fs::create_directories(folder_ / folder);
+            if (!mountWithoutAnswers(folder_ / folder)) {
+                return "skip";
+            }
+        }
+        const auto start = std::chrono::steady_clock::now();
+        IconTheme icons("mine", {folder_ / "dead", folder_ / "own"});
+        const auto files = icons.findAll({"a", "beside", "missing", "others"});
+        // Two seconds for each mount, however many themes are looked for in it.
+        if (std::chrono::steady_clock::now() - start > std::chrono::seconds(7)) {
+            return "it took too long";
+        }
+        const bool isRight = files[0] == folder_ / "own/hicolor/48/apps/a.png" &&
+                             files[1] == folder_ / "own/beside.png" && !files[2] && !files[3];
+        return isRight ? "" : "not found";
+    });
+    if (!problem || *problem == "skip") {
+        GTEST_SKIP() << "nothing can be mounted here";
+    }
+    EXPECT_EQ(*problem, "");
 }
 
 TEST(IconThemeTestInstalled, AreFoundInTheSystemsTheme) {

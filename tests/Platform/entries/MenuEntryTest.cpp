@@ -9,8 +9,10 @@
 #include <gio/gdesktopappinfo.h>
 #include <gmock/gmock.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <sys/stat.h>
+#include <sys/syscall.h>
 
 namespace quorvel::testing {
 namespace {
@@ -230,6 +232,65 @@ TEST_F(MenuEntryTest, SomebodyElsesEntryIsNotReplaced) {
     fs::create_symlink("/nowhere", applications() / (word + ".desktop"));
     EXPECT_THROW(publish(), PlatformError);
     EXPECT_THAT(files(), ElementsAre("applications/" + word + ".desktop")) << "no pictures";
+}
+
+TEST_F(MenuEntryTest, TheEntryIsFlushedBeforeItGetsItsName) {
+    const std::vector<long> calls = systemCallsOf([] { publish(menuEntry("web-browser")); });
+    if (calls.empty()) {
+        GTEST_SKIP() << "processes may not be traced here";
+    }
+    const auto isRename = [](long call) {
+#if defined(SYS_rename)
+        return call == SYS_rename || call == SYS_renameat;
+#else
+        return call == SYS_renameat;
+#endif
+    };
+    // Three pictures and the entry, each flushed before its own renaming.
+    auto from = calls.begin();
+    for (int file = 0; file < 4; ++file) {
+        const auto rename = std::find_if(from, calls.end(), isRename);
+        ASSERT_NE(rename, calls.end()) << file;
+        EXPECT_EQ(std::count(from, rename, SYS_fsync), 1) << file;
+        from = std::next(rename);
+    }
+    EXPECT_EQ(std::find_if(from, calls.end(), isRename), calls.end());
+}
+
+TEST_F(MenuEntryTest, AnEntryThatAPowerCutEmptiedIsPublishedAgainOrRemoved) {
+    const fs::path entry = applications() / (word + ".desktop");
+    const fs::path others = applications() / "Quorvel-fedcba9876543210.desktop";
+    write(others, "");
+    publish();
+    fs::resize_file(entry, 0);
+    publish();
+    EXPECT_EQ(readDesktopEntry(entry), menuEntry().entry);
+    fs::resize_file(entry, 0);
+    withdraw();
+    EXPECT_THAT(files(), ElementsAre("applications/" + others.filename().string()));
+}
+
+TEST_F(MenuEntryTest, AnEmptyFileThatMayBeSomebodyElsesIsNotReplaced) {
+    const fs::path entry = applications() / (word + ".desktop");
+    write(home_ / "empty", "");
+    fs::create_directories(applications());
+    fs::create_symlink(home_ / "empty", entry);
+    EXPECT_THROW(publish(), PlatformError) << "a link";
+    fs::remove(entry);
+    fs::create_hard_link(home_ / "empty", entry);
+    EXPECT_THROW(publish(), PlatformError) << "it has another name, too";
+    withdraw();
+    EXPECT_TRUE(fs::exists(entry));
+    fs::remove(entry);
+    ::mkfifo(entry.c_str(), 0600);
+    EXPECT_THROW(publish(), PlatformError) << "a pipe";
+    fs::remove(entry);
+    write(entry, "\n");
+    EXPECT_THROW(publish(), PlatformError) << "it isn't empty";
+    fs::resize_file(entry, 0);
+    if (::geteuid() == 0 && ::chown(entry.c_str(), 4242, 4242) == 0) {
+        EXPECT_THROW(publish(), PlatformError) << "another user's";
+    }
 }
 
 TEST_F(MenuEntryTest, ALinkIsReplacedAndNotWhatItLeadsTo) {

@@ -51,6 +51,22 @@ TEST_F(CloneSheetsTest, StopsWhatEndsWithoutAQuestion) {
     EXPECT_TRUE(window->findChildren<MessageSheet*>().isEmpty());
 }
 
+TEST_F(CloneSheetsTest, AStopThatIsCancelledEndsInNoQuestion) {
+    RunningClone work("trap '' TERM");
+    stubs.workspace->setRunning({work.clone().config.bundleId});
+    open();
+    select(work.clone());
+    EXPECT_FALSE(command(u"Cancel Stopping"_s)->isVisible());
+    command(u"Stop"_s)->trigger();
+    ASSERT_TRUE(command(u"Cancel Stopping"_s)->isVisible());
+    command(u"Cancel Stopping"_s)->trigger();
+    EXPECT_TRUE(eventually([&] { return shown(u"Running"_s); }));
+    EXPECT_FALSE(command(u"Cancel Stopping"_s)->isVisible());
+    EXPECT_TRUE(command(u"Stop"_s)->isEnabled());
+    EXPECT_TRUE(window->findChildren<MessageSheet*>().isEmpty());
+    EXPECT_TRUE(work.isRunning());
+}
+
 TEST_F(CloneSheetsTest, ForceIsAQuestionWhoseDefaultIsCancel) {
     RunningClone work("trap '' TERM");
     openStubborn(work);

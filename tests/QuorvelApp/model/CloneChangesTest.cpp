@@ -162,6 +162,21 @@ TEST_F(CloneChangesTest, WhatDoesNotEndIsSaidAndEndedOnlyByForce) {
     EXPECT_FALSE(model().lastError());
 }
 
+TEST_F(CloneChangesTest, ACancelledStopNoLongerWaitsAndAsksNothing) {
+    RunningClone work("trap '' TERM");
+    QObject::connect(&changes, &CloneChanges::stillRunning, &model(),
+                     [](const auto&, std::size_t) { ADD_FAILURE() << "the user has decided"; });
+    for (const auto force : {CloneChanges::Force::never, CloneChanges::Force::afterAsking}) {
+        const QFuture<void> stopping = changes.stop(work.clone(), force);
+        changes.cancelStop(work.clone());
+        resultOf(stopping);
+        EXPECT_FALSE(changes.isStopping(work.clone()));
+        EXPECT_TRUE(work.isRunning());
+        EXPECT_FALSE(model().lastError());
+    }
+    changes.cancelStop(work.clone()); // too late
+}
+
 TEST_F(CloneChangesTest, WhatEndsWhenAskedOnceMoreIsNotKilled) {
     const fs::path ready = home / "mayEnd";
     const fs::path ended = home / "ended";
