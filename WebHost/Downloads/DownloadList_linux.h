@@ -3,6 +3,7 @@
 #include "WebHost/Downloads/RefusedDownloads.h"
 #include "WebHost/Downloads/StagedDownload.h"
 #include "WebHost/GtkTypes_linux.h"
+#include "WebHost/Pages/FloodCaps.h"
 
 #include <webkit/webkit.h>
 

@@ -6,6 +6,7 @@
 #include "WebHost/Downloads/DownloadName.h"
 #include "WebHost/Downloads/RefusedDownloads.h"
 #include "WebHost/NSText_macos.h"
+#include "WebHost/Pages/FloodCaps.h"
 
 #include <memory>
 #include <utility>
