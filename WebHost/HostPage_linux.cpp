@@ -71,8 +71,10 @@ HostPage::HostPage(WebKitWebView* view, const PageServices& services, Callbacks 
 }
 
 HostPage::~HostPage() {
-    if (repetition_ != 0) {
-        g_source_remove(repetition_);
+    for (const guint timer : {repetition_, hint_}) {
+        if (timer != 0) {
+            g_source_remove(timer);
+        }
     }
     g_cancellable_cancel(life_.get());
     g_signal_handlers_disconnect_by_data(view_, this);
@@ -143,9 +145,28 @@ void HostPage::closedByEngine() {
                 callbacks_.closed();
             }
         });
+        hintIfItHangs();
         break;
     case CloseGuard::Ending::stay:
         break;
+    }
+}
+
+void HostPage::hintIfItHangs() {
+    constexpr guint seconds = 2;
+    if (hint_ == 0) {
+        hint_ = g_timeout_add_seconds(
+            seconds,
+            [](gpointer self) -> gboolean {
+                HostPage& page = of(self);
+                page.hint_ = 0;
+                if (page.closeGuard_.closesAfterAll()) {
+                    page.window_.showMessage(
+                        "This page does not react. Close it again to leave it.");
+                }
+                return G_SOURCE_REMOVE;
+            },
+            this);
     }
 }
 
