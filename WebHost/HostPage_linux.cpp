@@ -179,6 +179,7 @@ void HostPage::leavingAnswered(bool leaves) {
 }
 
 void HostPage::afterReaction(std::function<void()> act) {
+    auto kept = std::make_unique<std::function<void()>>(std::move(act));
     webkit_web_view_evaluate_javascript(
         view_, "0", -1, badgeWorld, nullptr, life_.get(),
         [](GObject* view, GAsyncResult* result, gpointer data) {
@@ -194,7 +195,7 @@ void HostPage::afterReaction(std::function<void()> act) {
                 (*then)();
             }
         },
-        new std::function<void()>(std::move(act)));
+        kept.release());
 }
 
 // The engine remembers permissions for as long as it runs, but the user may have taken it back.

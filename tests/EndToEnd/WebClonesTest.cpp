@@ -23,6 +23,16 @@ namespace fs = std::filesystem;
 
 class WebClonesTest : public WebCloneFixture {
 protected:
+    // Writes an image of one pixel; returns its path.
+    std::string addIcon() {
+        const std::string icon = (session->home / "icon.png").string();
+        session->run({"/usr/bin/python3", "-c",
+                      "import base64, sys; open(sys.argv[1], 'wb').write(base64.b64decode('"
+                      "iVBORw0KGgoAAAANSUhEUgAAAAEAAAABCAIAAACQd1PeAAAADElEQVR4nGM4ISIHAAKiAPs+r7/7"
+                      "AAAAAElFTkSuQmCC'))",
+                      icon});
+        return icon;
+    }
     [[nodiscard]] std::string sizeOf(const std::string& window) const {
         const std::string all =
             session->outputOf({"/usr/bin/xdotool", "getwindowgeometry", "--shell", window});
@@ -213,13 +223,7 @@ TEST_F(WebClonesTest, PagesReachTheDesktopAsTheClone) {
 }
 
 TEST_F(WebClonesTest, WhatWasChosenForTheCloneHolds) {
-    const std::string icon = (session->home / "icon.png").string();
-    // One pixel.
-    session->run({"/usr/bin/python3", "-c",
-                  "import base64, sys; open(sys.argv[1], 'wb').write(base64.b64decode('"
-                  "iVBORw0KGgoAAAANSUhEUgAAAAEAAAABCAIAAACQd1PeAAAADElEQVR4nGM4ISIHAAKiAPs+r7/7AAAA"
-                  "AElFTkSuQmCC'))",
-                  icon});
+    const std::string icon = addIcon();
     create("Portal", "facts",
            {"--browser", "--icon", icon, "--env", "QUORVEL_TRIAL={{instanceHome}}/x",
             "--menu-bar-icon", "--menu-bar-template"});
