@@ -71,8 +71,10 @@ HostPage::HostPage(WebKitWebView* view, const PageServices& services, Callbacks 
 }
 
 HostPage::~HostPage() {
-    if (repetition_ != 0) {
-        g_source_remove(repetition_);
+    for (const guint timer : {repetition_, hint_}) {
+        if (timer != 0) {
+            g_source_remove(timer);
+        }
     }
     g_cancellable_cancel(life_.get());
     g_signal_handlers_disconnect_by_data(view_, this);
@@ -143,9 +145,28 @@ void HostPage::closedByEngine() {
                 callbacks_.closed();
             }
         });
+        hintIfItHangs();
         break;
     case CloseGuard::Ending::stay:
         break;
+    }
+}
+
+void HostPage::hintIfItHangs() {
+    constexpr guint seconds = 2;
+    if (hint_ == 0) {
+        hint_ = g_timeout_add_seconds(
+            seconds,
+            [](gpointer self) -> gboolean {
+                HostPage& page = of(self);
+                page.hint_ = 0;
+                if (page.closeGuard_.closesAfterAll()) {
+                    page.window_.showMessage(
+                        "This page does not react. Close it again to leave it.");
+                }
+                return G_SOURCE_REMOVE;
+            },
+            this);
     }
 }
 
@@ -158,6 +179,7 @@ void HostPage::leavingAnswered(bool leaves) {
 }
 
 void HostPage::afterReaction(std::function<void()> act) {
+    auto kept = std::make_unique<std::function<void()>>(std::move(act));
     webkit_web_view_evaluate_javascript(
         view_, "0", -1, badgeWorld, nullptr, life_.get(),
         [](GObject* view, GAsyncResult* result, gpointer data) {
@@ -173,7 +195,7 @@ void HostPage::afterReaction(std::function<void()> act) {
                 (*then)();
             }
         },
-        new std::function<void()>(std::move(act)));
+        kept.release());
 }
 
 // The engine remembers permissions for as long as it runs, but the user may have taken it back.

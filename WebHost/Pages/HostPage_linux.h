@@ -93,6 +93,7 @@ private:
     /// Calls this once the page has reacted to everything so far, unless it is destroyed before.
     void afterReaction(std::function<void()> act);
     void closedByEngine();
+    void hintIfItHangs();
     void leavingAnswered(bool leaves);
     void notificationWanted(WebKitNotification* notification);
     void openOther(const std::string& address);
@@ -109,6 +110,7 @@ private:
     PageVisit visit_{};
     CloseGuard closeGuard_{};
     ObjectRef<GCancellable> life_; ///< cancelled at the end
+    guint hint_ = 0;               ///< the timer that tells the user how to close a page that hangs
     HostWindow window_;
     PageDialogs dialogs_;
     PermissionQuestions questions_;

@@ -23,6 +23,16 @@ namespace fs = std::filesystem;
 
 class WebClonesTest : public WebCloneFixture {
 protected:
+    // Writes an image of one pixel; returns its path.
+    std::string addIcon() {
+        const std::string icon = (session->home / "icon.png").string();
+        session->run({"/usr/bin/python3", "-c",
+                      "import base64, sys; open(sys.argv[1], 'wb').write(base64.b64decode('"
+                      "iVBORw0KGgoAAAANSUhEUgAAAAEAAAABCAIAAACQd1PeAAAADElEQVR4nGM4ISIHAAKiAPs+r7/7"
+                      "AAAAAElFTkSuQmCC'))",
+                      icon});
+        return icon;
+    }
     [[nodiscard]] std::string sizeOf(const std::string& window) const {
         const std::string all =
             session->outputOf({"/usr/bin/xdotool", "getwindowgeometry", "--shell", window});
@@ -210,6 +220,53 @@ TEST_F(WebClonesTest, PagesReachTheDesktopAsTheClone) {
     EXPECT_TRUE(waitUntil(
         [&] { return busText().rfind(isHidden) + 1 > busText().rfind(isShown) + 1; }, longestWait))
         << "the badge is taken back";
+}
+
+TEST_F(WebClonesTest, WhatWasChosenForTheCloneHolds) {
+    const std::string icon = addIcon();
+    create("Portal", "facts",
+           {"--browser", "--icon", icon, "--env", "QUORVEL_TRIAL={{instanceHome}}/x",
+            "--menu-bar-icon", "--menu-bar-template"});
+    create("Quiet", "facts");
+    session->environment["SECRET_OF_THE_SESSION"] = "x";
+    for (const char* name : {"Portal", "Quiet"}) {
+        ASSERT_EQ(open(name), 0) << session->log();
+    }
+    const std::string shown = window("Facts.* — Portal");
+    const std::string quiet = window("Facts.* — Quiet");
+    const std::string word = windowWord(cloneIdentity(wrapper("Portal")));
+    EXPECT_TRUE(waitUntil(
+        [&] {
+            return session
+                       ->outputOf(
+                           {"/usr/bin/xprop", "-id", shown, "-notype", "32c", "_NET_WM_ICON"})
+                       .find(std::to_string(0xFFC8141EU)) != std::string::npos;
+        },
+        longestWait))
+        << "the pixel";
+    EXPECT_THAT(statusItem(), ContainsRegex("'IconName': <'" + word + "-[0-9a-f]+-symbolic'>"));
+    std::ptrdiff_t found = 0;
+    for (const pid_t pid : pagesProcesses()) {
+        const std::string environment = read("/proc/" + std::to_string(pid) + "/environ");
+        EXPECT_THAT(environment, Not(HasSubstr("SECRET_OF_THE_SESSION")));
+        found +=
+            environment.find("QUORVEL_TRIAL=" + data("Portal").string() + "/x") != std::string::npos
+                ? 1
+                : 0;
+    }
+    EXPECT_EQ(found, 1) << "a variable is for its own clone";
+
+    // The desktop opens addresses in it, and the other one takes none.
+    session->write(session->home / ".config/mimeapps.list",
+                   "[Default Applications]\nx-scheme-handler/http=" + word + ".desktop\n");
+    EXPECT_EQ(session->run({"/usr/bin/gio", "open", address("by-the-desktop")}), 0);
+    request("/by-the-desktop");
+    EXPECT_TRUE(isActive(shown));
+    EXPECT_EQ(handOver("Quiet", "not-taken"), 0);
+    const std::size_t before = read(requests()).size();
+    pressIn(quiet, "F5");
+    request("/facts-seen", before);
+    EXPECT_THAT(read(requests()), Not(HasSubstr("/not-taken")));
 }
 
 TEST_F(WebClonesTest, ADownloadReplacesNothing) {

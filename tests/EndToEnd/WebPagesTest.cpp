@@ -74,6 +74,18 @@ TEST_F(WebPagesTest, APageThatWasNotLeftAsksAgain) {
     EXPECT_EQ(process("Portal"), host);
 }
 
+#ifdef QUORVEL_ACCESSIBLE
+TEST_F(WebPagesTest, APageThatHangsIsClosedAtTheSecondAttempt) {
+    clickUntil(openPage("hangs", "Hangs"), "/hanging");
+    const pid_t host = process("Portal");
+    activate("Close");
+    EXPECT_TRUE(isShown("This page does not react. Close it again to leave it."));
+    EXPECT_EQ(process("Portal"), host);
+    activate("Close");
+    EXPECT_TRUE(waitUntil([&] { return process("Portal") != host; }, longestWait));
+}
+#endif
+
 TEST_F(WebPagesTest, ATitleThatFlashesDoesNotFloodTheDock) {
     recordBus("interface='com.canonical.Unity.LauncherEntry'");
     const auto begin = std::chrono::steady_clock::now();
