@@ -3,6 +3,7 @@
 #include "Base/BundleLayout.h"
 #include "Base/PathText.h"
 #include "Base/StableHash.h"
+#include "LaunchKit/HelperProgram.h"
 #include "LaunchKit/InstanceConfig.h"
 #include "LaunchKit/StatusItemStart.h"
 #include "LaunchKit/WrapperLayout.h"
@@ -60,6 +61,9 @@ void writeNotes(const WrapperContents& contents, const fs::path& wrapper) {
         return;
     }
     WrapperNotes notes = *contents.notes;
+    if (contents.runner) {
+        notes.helpers = unusualHelperFolder(*contents.runner);
+    }
     notes.writtenList = contents.hasUsersEntries ? "" : stableHash(contents.list);
     if (!contents.keepsIcon) {
         notes.writtenIcon = fileHash(iconOf(wrapper));

@@ -2,6 +2,7 @@
 
 #include "LaunchKit/ChangeJournal.h"
 #include "LaunchKit/WrapperLayout.h"
+#include "LaunchKit/WrapperNotes.h"
 #include "Platform/desktop/MenuEntry.h"
 #include "Platform/files/ItemIdentity.h"
 #include "Platform/files/StagedChange.h"
@@ -80,6 +81,35 @@ TEST_F(CloneRefreshTest, WhatASelfContainedCloneRunsBesideItsRunnerIsKeptUp) {
             EXPECT_THAT(found(), IsEmpty());
             EXPECT_FALSE(contained.refresh(wrapper).isChanged);
         }
+    }
+}
+
+TEST_F(CloneRefreshTest, WhereItsProgramsAreIsNotedIfItIsAnUnusualPlace) {
+    const auto installedIn = [&](const std::string& folder) {
+        write(home / (folder + "/quorvel-runner"), read(runnerProgram()));
+        return CloneRefresh(home / (folder + "/quorvel-runner"));
+    };
+    const auto noted = [](const fs::path& wrapper) {
+        return WrapperNotes::read(wrapper)->helpers.value_or("none");
+    };
+    const fs::path wrapper = make(webRequest());
+    EXPECT_EQ(noted(wrapper), "none");
+    EXPECT_EQ(read(wrapper / "Contents/Resources/wrapper.json").find("helpers"), std::string::npos);
+    for (const std::string folder : {"one/libexec/quorvel", "other/libexec/quorvel"}) {
+        const CloneRefresh moved = installedIn(folder);
+        EXPECT_THAT(moved.reasonsFor(*InstanceRegistry().record(wrapper)),
+                    ElementsAre(StaleReason::runner));
+        EXPECT_TRUE(moved.refresh(wrapper).isChanged);
+        EXPECT_EQ(noted(wrapper), home / folder);
+        EXPECT_FALSE(moved.refresh(wrapper).isChanged);
+    }
+    (void)editClone(wrapper, [](CloneSettings& s) { s.config.url = "https://b.test"; });
+    EXPECT_EQ(noted(wrapper), home / "other/libexec/quorvel") << "it has the same runner";
+    // Names that can't be noted, and folders that are none of an installation.
+    for (const std::string folder : {"a\xff/libexec/quorvel", "build/bin"}) {
+        EXPECT_TRUE(installedIn(folder).refresh(wrapper).isChanged);
+        EXPECT_EQ(noted(wrapper), "none");
+        (void)installedIn("one/libexec/quorvel").refresh(wrapper);
     }
 }
 
