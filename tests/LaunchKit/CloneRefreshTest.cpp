@@ -189,6 +189,9 @@ TEST_F(CloneRefreshTest, TheMenuIsKeptUpForEachClone) {
 }
 
 TEST_F(CloneRefreshTest, DesktopsLearnOnceWhatAllClonesOpenAlsoIfOneFails) {
+    if (!hasMenu()) {
+        GTEST_SKIP() << "this system has no menu";
+    }
     const DesktopApps apps;
     apps.addProgram("app", helperProgram());
     apps.addScript("update-desktop-database", "echo \"$1\" >> '" + (home / "runs").string() + "'");
