@@ -55,7 +55,8 @@ CloneRevision CloneRefresh::revisionOf(const std::filesystem::path& wrapper) con
 }
 
 bool CloneRefresh::hasOldPrograms(const WrapperRevision& wrapper) const {
-    return hasOldRunner(wrapper.wrapper()) || (isSelfContained_ && wrapper.hasOldParts(runner_));
+    return hasOldRunner(wrapper.wrapper()) || wrapper.hasOldHelpers(runner_) ||
+           (isSelfContained_ && wrapper.hasOldParts(runner_));
 }
 
 std::vector<StaleReason> CloneRefresh::reasonsFor(const InstanceRecord& record) const {

@@ -48,7 +48,8 @@ public:
 
 private:
     [[nodiscard]] bool hasOldRunner(const std::filesystem::path& wrapper) const;
-    /// Whether the runner is old, or what a self-contained wrapper contains beside it.
+    /// Whether the runner is old, or what a self-contained wrapper contains beside it, or where the
+    /// rest is looked for.
     [[nodiscard]] bool hasOldPrograms(const WrapperRevision& wrapper) const;
     [[nodiscard]] CloneRevision revisionOf(const std::filesystem::path& wrapper) const;
 

@@ -19,6 +19,7 @@ struct RecordTable<WrapperNotes> {
     static constexpr auto fields = sortedByKey(std::array{
         Row<WrapperNotes>::required<&WrapperNotes::version>("version"),
         Row<WrapperNotes>::required<&WrapperNotes::arguments>("arguments"),
+        Row<WrapperNotes>::of<&WrapperNotes::helpers>("helpers"),
         Row<WrapperNotes>::required<&WrapperNotes::hidesIcon>("hidesIcon"),
         Row<WrapperNotes>::required<&WrapperNotes::icon>("icon"),
         Row<WrapperNotes>::of<&WrapperNotes::targetIcon>("targetIcon"),
@@ -39,7 +40,7 @@ std::optional<WrapperNotes> WrapperNotes::read(const std::string& wrapper) {
 }
 
 void WrapperNotes::write(const std::string& wrapper) const {
-    // Nothing in it is the user's text, so it can always be written.
+    // Nothing in it is anything but valid UTF-8, so it can always be written.
     writeFile(notesOf(wrapper), writeRecord(*this).value_or(""), Flush::later);
 }
 

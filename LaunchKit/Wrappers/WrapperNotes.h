@@ -39,6 +39,8 @@ struct WrapperNotes {
     std::string writtenIcon{};
     std::string writtenArguments{};
     std::string writtenList{};
+    /// The folder of the runner's programs, if it is an unusual one.
+    std::optional<std::string> helpers{};
 
     /// Returns the notes of a wrapper; std::nullopt if they are missing or unreadable.
     [[nodiscard]] static std::optional<WrapperNotes> read(const std::string& wrapper);

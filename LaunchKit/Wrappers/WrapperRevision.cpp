@@ -2,6 +2,7 @@
 
 #include "Base/BundleLayout.h"
 #include "Base/PathText.h"
+#include "LaunchKit/Launching/HelperProgram.h"
 #include "LaunchKit/Launching/StatusItemStart.h"
 #include "LaunchKit/RunnerLocator.h"
 #include "LaunchKit/Targets/AppIcon.h"
@@ -159,6 +160,10 @@ bool WrapperRevision::hasOldParts(const fs::path& runner) const {
     addParts(current, settings_.config, runner);
     return isOtherThan(current.webHost, webHostOf(wrapper_)) ||
            isOtherThan(current.statusItem, statusItemOf(wrapper_));
+}
+
+bool WrapperRevision::hasOldHelpers(const fs::path& runner) const {
+    return notes_ && notes_->helpers != unusualHelperFolder(runner);
 }
 
 bool WrapperRevision::hasUsersArguments() const {

@@ -39,6 +39,9 @@ public:
     /// wrapper, or other than the one beside `runner`.
     [[nodiscard]] bool hasOldParts(const std::filesystem::path& runner) const;
 
+    /// Returns whether the clone looks elsewhere for the programs that are installed with `runner`.
+    [[nodiscard]] bool hasOldHelpers(const std::filesystem::path& runner) const;
+
     /// Returns whether the arguments were the engine's, and the user has changed them since.
     [[nodiscard]] bool hasUsersArguments() const;
 

@@ -4,6 +4,7 @@
 #include "Base/PathText.h"
 #include "Base/StableHash.h"
 #include "LaunchKit/InstanceConfig.h"
+#include "LaunchKit/Launching/HelperProgram.h"
 #include "LaunchKit/Launching/StatusItemStart.h"
 #include "LaunchKit/Wrappers/WrapperLayout.h"
 #include "Platform/copying/FileCopy.h"
@@ -60,6 +61,9 @@ void writeNotes(const WrapperContents& contents, const fs::path& wrapper) {
         return;
     }
     WrapperNotes notes = *contents.notes;
+    if (contents.runner) {
+        notes.helpers = unusualHelperFolder(*contents.runner);
+    }
     notes.writtenList = contents.hasUsersEntries ? "" : stableHash(contents.list);
     if (!contents.keepsIcon) {
         notes.writtenIcon = fileHash(iconOf(wrapper));

@@ -23,7 +23,7 @@ struct WrapperContents {
     std::optional<WrapperIcon> icon{};
     std::optional<IconLabel> label{};
     bool hasUsersEntries = false; ///< some of the property list are the user's
-    /// Absent: none are written. `writtenIcon` and `writtenList` are filled in.
+    /// Absent: none are written. `writtenIcon`, `writtenList` and `helpers` are filled in.
     std::optional<WrapperNotes> notes{};
 };
 

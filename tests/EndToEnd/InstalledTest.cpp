@@ -71,5 +71,32 @@ TEST(InstalledTest, MakesClonesThatRunWithoutIt) {
     EXPECT_EQ(quorvelctl.log("Greet"), "hello");
 }
 
+// The build was made for another place.
+TEST(InstalledTest, ClonesFindThePrograms) {
+    QuorvelctlInAHome quorvelctl;
+    const TemporaryFolder folder;
+    installTo(folder.path());
+    quorvelctl.program = folder / "bin/quorvelctl";
+    quorvelctl.environment.erase("QUORVEL_LINK_DOOR");
+    const fs::path app = quorvelctl.home / "thing.desktop";
+    write(app, "[Desktop Entry]\nType=Application\nName=Thing\nExec=/bin/true\n");
+    quorvelctl.run({"create", "--name", "Thing", "--target", app.string()});
+    const fs::path wrapper = quorvelctl.home / "Applications/Thing.app";
+    const fs::path door = quorvelctl.data("Thing") / ".local/share/quorvel/links/bin/xdg-open";
+    const auto doorAfterAStart = [&] {
+        Process::Options options;
+        options.executable = wrapper / "Contents/MacOS/runner";
+        options.environment = quorvelctl.environment;
+        EXPECT_EQ(Process::run(options).waitUntilExit(), 0);
+        return fs::read_symlink(door);
+    };
+    EXPECT_EQ(doorAfterAStart(), folder / "libexec/quorvel/quorvel-link-door");
+    // What lies beside the runner itself, as beside other programs, comes first.
+    const fs::path own = wrapper / "Contents/libexec/quorvel/quorvel-link-door";
+    write(own, "#!/bin/sh\n");
+    fs::permissions(own, fs::perms{0755});
+    EXPECT_EQ(doorAfterAStart(), own);
+}
+
 } // namespace
 } // namespace quorvel

@@ -2,6 +2,7 @@
 
 #include "LaunchKit/Changes/ChangeJournal.h"
 #include "LaunchKit/Wrappers/WrapperLayout.h"
+#include "LaunchKit/Wrappers/WrapperNotes.h"
 #include "Platform/entries/MenuEntry.h"
 #include "Platform/files/ItemIdentity.h"
 #include "Platform/staging/StagedChange.h"
@@ -83,6 +84,35 @@ TEST_F(CloneRefreshTest, WhatASelfContainedCloneRunsBesideItsRunnerIsKeptUp) {
     }
 }
 
+TEST_F(CloneRefreshTest, WhereItsProgramsAreIsNotedIfItIsAnUnusualPlace) {
+    const auto installedIn = [&](const std::string& folder) {
+        write(home / (folder + "/quorvel-runner"), read(runnerProgram()));
+        return CloneRefresh(home / (folder + "/quorvel-runner"));
+    };
+    const auto noted = [](const fs::path& wrapper) {
+        return WrapperNotes::read(wrapper)->helpers.value_or("none");
+    };
+    const fs::path wrapper = make(webRequest());
+    EXPECT_EQ(noted(wrapper), "none");
+    EXPECT_EQ(read(wrapper / "Contents/Resources/wrapper.json").find("helpers"), std::string::npos);
+    for (const std::string folder : {"one/libexec/quorvel", "other/libexec/quorvel"}) {
+        const CloneRefresh moved = installedIn(folder);
+        EXPECT_THAT(moved.reasonsFor(*InstanceRegistry().record(wrapper)),
+                    ElementsAre(StaleReason::runner));
+        EXPECT_TRUE(moved.refresh(wrapper).isChanged);
+        EXPECT_EQ(noted(wrapper), home / folder);
+        EXPECT_FALSE(moved.refresh(wrapper).isChanged);
+    }
+    (void)editClone(wrapper, [](CloneSettings& s) { s.config.url = "https://b.test"; });
+    EXPECT_EQ(noted(wrapper), home / "other/libexec/quorvel") << "it has the same runner";
+    // Names that can't be noted, and folders that are none of an installation.
+    for (const std::string folder : {"a\xff/libexec/quorvel", "build/bin"}) {
+        EXPECT_TRUE(installedIn(folder).refresh(wrapper).isChanged);
+        EXPECT_EQ(noted(wrapper), "none");
+        (void)installedIn("one/libexec/quorvel").refresh(wrapper);
+    }
+}
+
 TEST_F(CloneRefreshTest, ARunnerOfTheSameSizeIsCompared) {
     const fs::path wrapper = make(webRequest());
     const fs::path runner = wrapper / "Contents/MacOS/runner";
@@ -159,6 +189,9 @@ TEST_F(CloneRefreshTest, TheMenuIsKeptUpForEachClone) {
 }
 
 TEST_F(CloneRefreshTest, DesktopsLearnOnceWhatAllClonesOpenAlsoIfOneFails) {
+    if (!hasMenu()) {
+        GTEST_SKIP() << "this system has no menu";
+    }
     const DesktopApps apps;
     apps.addProgram("app", helperProgram());
     apps.addScript("update-desktop-database", "echo \"$1\" >> '" + (home / "runs").string() + "'");
