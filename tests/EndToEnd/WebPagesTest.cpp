@@ -92,8 +92,8 @@ TEST_F(WebPagesTest, ATitleThatFlashesDoesNotFloodTheDock) {
     openPage("flashing", "Done");
     const auto seconds =
         std::chrono::ceil<std::chrono::seconds>(std::chrono::steady_clock::now() - begin);
+    EXPECT_TRUE(isOnBus("int64 1 "));
     end("Portal");
-    EXPECT_GE(countOnBus("member=Update"), 1);
     EXPECT_LE(countOnBus("member=Update"), 4 * seconds.count() + 4);
     EXPECT_LE(countOnBus("\"urgent\" variant boolean true"), seconds.count() / 10 + 1);
 }

@@ -90,7 +90,7 @@ onbeforeunload = event => {
 let count = 0;
 const timer = setInterval(() => {
   document.title = ++count % 2 ? '(1) Flashing' : 'Flashing';
-  if (count === 200) { clearInterval(timer); document.title = 'Done'; }
+  if (count === 200) { clearInterval(timer); document.title = '(1) Done'; }
 }, 10);
 </script>""",
     '/painted': """<title>Painted</title><body style='margin:0;background:#1e7f3c'>""",
