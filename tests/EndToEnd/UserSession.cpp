@@ -3,6 +3,8 @@
 #include "tests/EndToEnd/Programs.h"
 #include "tests/support/Waiting.h"
 
+#include <algorithm>
+#include <chrono>
 #include <csignal>
 #include <fcntl.h>
 #include <stdexcept>
@@ -14,6 +16,7 @@ namespace {
 
 constexpr uid_t nobody = 65534;
 constexpr auto longestStart = std::chrono::seconds(60);
+constexpr auto longestRun = std::chrono::minutes(2);
 
 // The environment and the command line of what belongs to the session name its folder.
 bool isOf(const std::string& folder, pid_t pid) {
@@ -109,6 +112,20 @@ Process UserSession::start(const std::vector<std::string>& command, const Enviro
     options.standardOutput = Process::ToFile{log.descriptor()};
     options.standardError = Process::ToFile{log.descriptor()};
     return Process::run(options);
+}
+
+int UserSession::run(const std::vector<std::string>& command, const Environment& more) const {
+    Process process = start(command, more);
+    if (const auto status = process.waitUntilExit(longestRun)) {
+        return *status;
+    }
+    std::string running;
+    for (const pid_t pid : processesWith(folder_.path().string())) {
+        std::string line = read("/proc/" + std::to_string(pid) + "/cmdline");
+        std::replace(line.begin(), line.end(), '\0', ' ');
+        running += std::to_string(pid) + " " + line + "\n";
+    }
+    throw std::runtime_error(command.front() + " hangs. These run:\n" + running + log());
 }
 
 std::string UserSession::outputOf(const std::vector<std::string>& command) const {

@@ -28,10 +28,9 @@ public:
     /// must be readable for everyone, or made by `write`.
     [[nodiscard]] Process start(const std::vector<std::string>& command,
                                 const Environment& more = {}) const;
-    /// Runs a program and returns its exit status.
-    int run(const std::vector<std::string>& command, const Environment& more = {}) const {
-        return start(command, more).waitUntilExit();
-    }
+    /// Runs a program and returns its exit status. Throws if it takes longer than two minutes, and
+    /// says what runs then.
+    int run(const std::vector<std::string>& command, const Environment& more = {}) const;
     /// Runs a program and returns its standard output.
     [[nodiscard]] std::string outputOf(const std::vector<std::string>& command) const;
 

@@ -73,7 +73,7 @@ StubbedModel::StubbedModel(const std::filesystem::path& folder) {
         delays.push_back(time);
         delayed.push_back(std::move(then));
     };
-    services.stopPatience = std::chrono::milliseconds(300);
+    services.stopPatience = std::chrono::milliseconds(1000); // a busy machine takes long
     model_ = std::make_unique<AppModel>(std::move(services));
 }
 

@@ -111,7 +111,9 @@ TEST_F(CloneStopTest, WhatDetachedItselfAndDoesNotListenIsEndedByForce) {
         wrapper(scripted(detached("sh " + at("deaf").string()) + "; exec sleep 600"));
     Process runner = start(bundle);
     ASSERT_TRUE(childRuns());
-    EXPECT_EQ(stop(bundle, {.patience = shortly, .mayForce = force}).outcome, Case::forced);
+    constexpr milliseconds untilTheTargetHasListened{2000};
+    EXPECT_EQ(stop(bundle, {.patience = untilTheTargetHasListened, .mayForce = force}).outcome,
+              Case::forced);
     EXPECT_TRUE(isGone(numberIn(at("child"))));
     EXPECT_EQ(runner.waitUntilExit(), 128 + SIGTERM) << "of its target, which had listened";
 }
