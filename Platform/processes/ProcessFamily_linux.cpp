@@ -6,11 +6,13 @@
 #include "Platform/processes/Process.h"
 #include "Platform/processes/ProcessStat_linux.h"
 
+#include <chrono>
 #include <cstdlib>
 #include <map>
 #include <optional>
 #include <string_view>
 #include <sys/stat.h>
+#include <thread>
 #include <unistd.h>
 
 namespace quorvel {
@@ -39,15 +41,30 @@ std::vector<ProcessIdentity> processesWhere(const Predicate& matches) {
     return found;
 }
 
+std::string environmentOf(pid_t pid) {
+    constexpr std::size_t limit = std::size_t{8} << 20U;
+    return readFile(placeInProc(pid, "environ"), limit).value_or(std::string());
+}
+
+// A process has no environment while it becomes another program.
+void waitForProgram(pid_t pid) {
+    constexpr int naps = 10;
+    for (int count = 0; count < naps && environmentOf(pid).empty(); ++count) {
+        const auto stat = processStat(pid);
+        if (!stat || hasEnded(*stat)) {
+            return;
+        }
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
+}
+
 // Returns the HOME that the process was started with; of this one, which it has now.
 std::optional<std::string> homeOf(pid_t pid) {
     if (pid == ownPid()) {
         const char* home = std::getenv("HOME");
         return home == nullptr ? std::nullopt : std::optional<std::string>(home);
     }
-    constexpr std::size_t limit = std::size_t{8} << 20U;
-    const auto environment = readFile(placeInProc(pid, "environ"), limit);
-    const std::string text = '\0' + environment.value_or(std::string()) + '\0';
+    const std::string text = '\0' + environmentOf(pid) + '\0';
     const std::string name("\0HOME=", 6);
     const std::size_t start = text.find(name);
     if (start == std::string::npos) {
@@ -104,6 +121,7 @@ bool hasLeftClone(pid_t process, pid_t runner) {
     if (::getsid(process) == ::getsid(runner)) {
         return false; // without reading anything, as for nearly every process
     }
+    waitForProgram(process);
     const auto home = homeOf(runner);
     const auto stat = processStat(process);
     // Not every clone changes HOME, and then what it starts has the runner's.

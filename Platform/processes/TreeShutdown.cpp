@@ -44,6 +44,10 @@ void TreeShutdown::lookAround() {
         if (isRunning(runner)) {
             const auto below = cloneProcesses(runner.pid);
             known_.insert(below.begin(), below.end());
+            // What opened a link is the user's browser by now.
+            std::erase_if(known_, [&](const ProcessIdentity& process) {
+                return hasLeftClone(process.pid, runner.pid);
+            });
         }
     }
     for (const ProcessIdentity& other : others_) {

@@ -159,6 +159,21 @@ TEST_F(CloneStopTest, WhatIsTheUsersGoesOn) {
     EXPECT_FALSE(isGone(numberIn(at("child"))));
 }
 
+TEST_F(CloneStopTest, WhatBecomesTheUsersMeanwhileGoesOn) {
+    const std::string user = std::string("HOME='") + std::getenv("HOME") + "'";
+    write(at("link"), "exec 30>&-; echo $$ > " + at("child").string() + "; sleep 0.2; export " +
+                          user + "; exec sleep 600");
+    const fs::path bundle = wrapper(scripted("setsid bash " + at("link").string() +
+                                             " & echo $$ > " + at("pid").string() + "; " + deaf));
+    Process runner = start(bundle);
+    ASSERT_TRUE(targetRuns());
+    ASSERT_TRUE(childRuns());
+    constexpr milliseconds untilItHasLeft{1000};
+    EXPECT_EQ(stop(bundle, {.patience = untilItHasLeft, .mayForce = force}).outcome, Case::forced);
+    runner.waitUntilExit();
+    EXPECT_FALSE(isGone(numberIn(at("child"))));
+}
+
 // What started it may still be there.
 TEST_F(CloneStopTest, WhatIsTheUsersBelowTheTargetGoesOn) {
     const std::string ofTheUser = std::string("HOME='") + std::getenv("HOME") + "' ";
