@@ -4,6 +4,7 @@
 #include "tests/EndToEnd/PeakMemory.h"
 #include "tests/support/BinaryList.h"
 #include "tests/support/IcnsBuilder.h"
+#include "tests/support/Sanitizer.h"
 #include "tests/support/TemporaryHome.h"
 
 #include <QImage>
@@ -139,9 +140,9 @@ std::size_t peakOfReading(const std::string& list, std::size_t threads) {
 class MemoryTest : public ::testing::Test {
 protected:
     void SetUp() override {
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-        GTEST_SKIP() << "a sanitizer is watching the memory";
-#endif
+        if (isSanitized) {
+            GTEST_SKIP() << "a sanitizer is watching the memory";
+        }
     }
 };
 

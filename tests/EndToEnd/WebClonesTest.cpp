@@ -25,7 +25,7 @@ class WebClonesTest : public WebCloneFixture {
 protected:
     // Writes an image of one pixel; returns its path.
     std::string addIcon() {
-        const std::string icon = (session->home / "icon.png").string();
+        std::string icon = (session->home / "icon.png").string();
         session->run({"/usr/bin/python3", "-c",
                       "import base64, sys; open(sys.argv[1], 'wb').write(base64.b64decode('"
                       "iVBORw0KGgoAAAANSUhEUgAAAAEAAAABCAIAAACQd1PeAAAADElEQVR4nGM4ISIHAAKiAPs+r7/7"

@@ -143,6 +143,7 @@ TEST_F(WebDownloadsTest, HostileNamesThatTheUserAgreesToAreHarmless) {
         ASSERT_EQ(open(names[index]), 0) << session->log();
     }
     std::vector<std::string> windows;
+    windows.reserve(names.size());
     for (const std::string& name : names) {
         windows.push_back(window("Names.* — " + name));
     }

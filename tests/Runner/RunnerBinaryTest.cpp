@@ -2,6 +2,7 @@
 #include "Platform/files/FileSystem.h"
 #include "Platform/processes/Process.h"
 #include "tests/support/AppBundles.h"
+#include "tests/support/Sanitizer.h"
 #include "tests/support/TemporaryHome.h"
 
 #include <gtest/gtest.h>
@@ -13,22 +14,10 @@ namespace {
 using namespace testing;
 namespace fs = std::filesystem;
 
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-constexpr bool sanitized = true;
-#elif defined(__has_feature)
-#if __has_feature(address_sanitizer) || __has_feature(thread_sanitizer)
-constexpr bool sanitized = true;
-#else
-constexpr bool sanitized = false;
-#endif
-#else
-constexpr bool sanitized = false;
-#endif
-
 class RunnerBinaryTest : public ::testing::Test {
 protected:
     void SetUp() override {
-        if (sanitized) {
+        if (isSanitized) {
             GTEST_SKIP() << "a sanitizer brings libraries and size of its own";
         }
     }
