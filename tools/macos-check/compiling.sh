@@ -36,10 +36,9 @@ jobs_for() {
   local kind=$1 arch=$2 file needs
   shift 2
   needs="$out/$arch.flags $here/compile-one $here/include/poison.h"
-  case $kind.$arch in
-    window.*) needs+=" $out/window.$arch.pch" ;;
-    analysis.* | analyse.* | object."$second") needs+=" $out/cpp.$arch.pch $out/mm.$arch.pch" ;;
-  esac
+  # As compile-one chooses them; each is there before anything that may need it.
+  [ "$arch" != "$first" ] || needs+=" $out/window.$arch.pch"
+  needs+=" $out/cpp.$arch.pch $out/mm.$arch.pch"
   for file in "$@"; do
     printf 'build %s: one %s | %s\n  kind = %s\n  arch = %s\n' \
       "$(result_of "$kind" "$arch" "$file")" "$file" "$needs" "$kind" "$arch"

@@ -1,4 +1,4 @@
-// Precompiled for what is compiled a second time: for the analyser, and for another processor.
+// Precompiled for most of what is compiled; not for the runner's sources, when they are read first.
 
 #include "poison.h"
 
