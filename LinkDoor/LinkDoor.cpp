@@ -7,6 +7,7 @@
 #include "LinkDoor/LinkAddress.h"
 #include "LinkDoor/LinkSession.h"
 #include "Platform/files/FileSystem.h"
+#include "Platform/homes/FolderVariable.h"
 #include "Platform/processes/ProcessReplacement.h"
 #include "Platform/processes/ReportedStart.h"
 #include "Platform/processes/StartReport.h"
@@ -17,11 +18,6 @@
 
 namespace quorvel {
 namespace {
-
-std::string valueOf(const Environment& environment, const char* name) {
-    const auto found = environment.find(name);
-    return found == environment.end() ? std::string() : found->second;
-}
 
 std::string homeOfClone(const Environment& environment) {
     const std::string home = valueOf(environment, cloneHomeVariable);

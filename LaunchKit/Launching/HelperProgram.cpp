@@ -7,6 +7,7 @@
 #include "LaunchKit/Wrappers/WrapperLayout.h"
 #include "Platform/files/FileReading.h"
 #include "Platform/files/FileSystem.h"
+#include "Platform/homes/FolderVariable.h"
 #include "Platform/processes/MainExecutable.h"
 
 #include <algorithm>
@@ -59,11 +60,6 @@ std::vector<std::string> helperFolders() {
     folders.insert(folders.end(), usualFolders.begin(), usualFolders.end());
     std::erase(folders, "");
     return folders;
-}
-
-std::string valueOf(const Environment& session, const std::string& variable) {
-    const auto found = session.find(variable);
-    return found == session.end() ? std::string() : found->second;
 }
 
 } // namespace

@@ -29,11 +29,6 @@ constexpr std::string_view doorEntryId = "quorvel-links.desktop";
 constexpr std::array<std::string_view, 3> linkTypes{
     "x-scheme-handler/http", "x-scheme-handler/https", "x-scheme-handler/mailto"};
 
-std::string valueOf(const Environment& environment, const char* name) {
-    const auto found = environment.find(name);
-    return found == environment.end() ? std::string() : found->second;
-}
-
 std::string folderOf(const Environment& clone, const char* variable, std::string_view otherwise) {
     return folderVariable(clone, variable, joinAsText(valueOf(clone, "HOME"), otherwise));
 }

@@ -3,6 +3,7 @@
 #include "LaunchKit/AppBundle.h"
 #include "LaunchKit/InstanceConfig.h"
 #include "LaunchKit/Launching/HelperProgram.h"
+#include "Platform/homes/FolderVariable.h"
 #include "Platform/processes/Process.h"
 
 #include <string_view>
@@ -12,18 +13,12 @@ namespace {
 
 // The values are lists, of which the first that works is taken.
 bool prefers(const Environment& environment, const char* name, std::string_view value) {
-    const auto found = environment.find(name);
-    return found != environment.end() && found->second.starts_with(value);
-}
-
-bool isSet(const Environment& environment, const char* name) {
-    const auto found = environment.find(name);
-    return found != environment.end() && !found->second.empty();
+    return valueOf(environment, name).starts_with(value);
 }
 
 // Under Wayland, connecting to the X server could start it for nothing.
 bool hasX11Windows(const ResolvedProgram& program, const Environment& environment) {
-    return !isSet(environment, "WAYLAND_DISPLAY") ||
+    return valueOf(environment, "WAYLAND_DISPLAY").empty() ||
            program.engine == ResolvedProgram::Engine::java ||
            program.toolkit == ResolvedProgram::Toolkit::gtk2 ||
            prefers(environment, "GDK_BACKEND", "x11") ||
@@ -43,7 +38,7 @@ std::optional<Process> startWindowNaming(const AppBundle& target, const Instance
         environment.insert_or_assign(name, value);
     }
     const auto program = helperProgram("quorvel-window-names", "QUORVEL_WINDOW_NAMES", environment);
-    if (!program || !isSet(environment, "DISPLAY") ||
+    if (!program || valueOf(environment, "DISPLAY").empty() ||
         !hasX11Windows(target.desktop->program, environment)) {
         return std::nullopt;
     }

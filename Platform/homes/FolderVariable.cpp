@@ -4,12 +4,15 @@
 
 namespace quorvel {
 
+std::string valueOf(const Environment& environment, const std::string& name) {
+    const auto found = environment.find(name);
+    return found == environment.end() ? std::string() : found->second;
+}
+
 std::string folderVariable(const Environment& session, const char* name,
                            const std::string& otherwise) {
-    const auto found = session.find(name);
-    return found != session.end() && found->second.starts_with('/')
-               ? withoutTrailingSlashes(found->second)
-               : otherwise;
+    const std::string value = valueOf(session, name);
+    return value.starts_with('/') ? withoutTrailingSlashes(value) : otherwise;
 }
 
 } // namespace quorvel
