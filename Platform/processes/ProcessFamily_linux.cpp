@@ -47,24 +47,28 @@ std::string environmentOf(pid_t pid) {
 }
 
 // A process has no environment while it becomes another program.
-void waitForProgram(pid_t pid) {
+std::string settledEnvironmentOf(pid_t pid) {
     constexpr int naps = 10;
-    for (int count = 0; count < naps && environmentOf(pid).empty(); ++count) {
+    std::string environment = environmentOf(pid);
+    for (int count = 0; count < naps && environment.empty(); ++count) {
         const auto stat = processStat(pid);
         if (!stat || hasEnded(*stat)) {
-            return;
+            break;
         }
         std::this_thread::sleep_for(std::chrono::milliseconds(1));
+        environment = environmentOf(pid);
     }
+    return environment;
 }
 
 // Returns the HOME that the process was started with; of this one, which it has now.
-std::optional<std::string> homeOf(pid_t pid) {
+std::optional<std::string> homeOf(pid_t pid,
+                                  std::string (*readEnvironment)(pid_t) = environmentOf) {
     if (pid == ownPid()) {
         const char* home = std::getenv("HOME");
         return home == nullptr ? std::nullopt : std::optional<std::string>(home);
     }
-    const std::string text = '\0' + environmentOf(pid) + '\0';
+    const std::string text = '\0' + readEnvironment(pid) + '\0';
     const std::string name("\0HOME=", 6);
     const std::size_t start = text.find(name);
     if (start == std::string::npos) {
@@ -121,11 +125,11 @@ bool hasLeftClone(pid_t process, pid_t runner) {
     if (::getsid(process) == ::getsid(runner)) {
         return false; // without reading anything, as for nearly every process
     }
-    waitForProgram(process);
     const auto home = homeOf(runner);
+    const auto homeOfProcess = homeOf(process, settledEnvironmentOf);
     const auto stat = processStat(process);
     // Not every clone changes HOME, and then what it starts has the runner's.
-    return home && stat && homeOf(process) == home &&
+    return home && stat && homeOfProcess == home &&
            (stat->parent == runner || homeOf(stat->parent) != home);
 }
 

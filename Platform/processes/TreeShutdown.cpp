@@ -42,12 +42,13 @@ TreeShutdown::TreeShutdown(std::vector<ProcessIdentity> runners,
 void TreeShutdown::lookAround() {
     for (const ProcessIdentity& runner : runners_) {
         if (isRunning(runner)) {
-            const auto below = cloneProcesses(runner.pid);
-            known_.insert(below.begin(), below.end());
+            const auto found = cloneProcesses(runner.pid);
+            const std::set<ProcessIdentity> below(found.begin(), found.end());
             // What opened a link is the user's browser by now.
             std::erase_if(known_, [&](const ProcessIdentity& process) {
-                return hasLeftClone(process.pid, runner.pid);
+                return !below.contains(process) && hasLeftClone(process.pid, runner.pid);
             });
+            known_.insert(below.begin(), below.end());
         }
     }
     for (const ProcessIdentity& other : others_) {
