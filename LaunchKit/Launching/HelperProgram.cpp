@@ -46,8 +46,7 @@ std::string notedFolder(const std::string& wrapper) {
     return isRead && note.helpers && note.helpers->starts_with('/') ? *note.helpers : "";
 }
 
-// The best first.
-std::vector<std::string> helperFolders() {
+std::vector<std::string> foundFolders() {
     std::vector<std::string> folders;
     const fs::path own = mainExecutable().parent_path();
     const fs::path bundle = own.parent_path().parent_path();
@@ -59,6 +58,12 @@ std::vector<std::string> helperFolders() {
     }
     folders.insert(folders.end(), usualFolders.begin(), usualFolders.end());
     std::erase(folders, "");
+    return folders;
+}
+
+// The best first. A start looks for several programs, but reads its wrapper's notes once.
+const std::vector<std::string>& helperFolders() {
+    static const std::vector<std::string> folders = foundFolders();
     return folders;
 }
 
