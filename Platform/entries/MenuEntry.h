@@ -70,8 +70,8 @@ void withdrawMenuEntry(const std::string& cloneId, const std::string& word);
 void removeMenuLeftovers();
 
 /// Removes the pictures of these clones (the icons that their entries name, by the clones' words)
-/// that no entry names, if older than a minute: an interrupted publication leaves them. Those of a
-/// clone whose entry names another icon than its own stay.
+/// that no entry names, if older than a minute: an interrupted publication leaves them. If an entry
+/// names another icon than one of the clone's own, that is all of them.
 void removeOldMenuPictures(const std::map<std::string, std::string>& named);
 
 /// Returns all entries that were published for clones. Those that can't be read are left out.

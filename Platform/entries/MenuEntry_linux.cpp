@@ -247,9 +247,7 @@ void removeMenuLeftovers() {
 void removeOldMenuPictures(const std::map<std::string, std::string>& named) {
     std::map<std::string, std::string> icons; // by what the pictures' names begin with
     for (const auto& [word, icon] : named) {
-        if (icon.starts_with(word + "-")) {
-            icons[word + "-"] = icon;
-        }
+        icons[word + "-"] = icon;
     }
     for (const int side : pictureSides) {
         const fs::path folder = pictureFolder(side);

@@ -167,12 +167,20 @@ TEST_F(MenuEntryTest, PicturesThatNoEntryNamesAreRemovedOnceTheyAreOld) {
     EXPECT_TRUE(fs::exists(young)) << "its entry may be about to be written";
     EXPECT_TRUE(fs::exists(others)) << "whose entry is not known";
     EXPECT_TRUE(hasMenuPicture(word + "-2", 48));
+}
 
-    MenuEntry chosen = menuEntry(word + "-2");
-    chosen.entry.icon = "the-users-own";
-    write(applications() / chosen.fileName, desktopEntryText(chosen.entry));
-    removeOldMenuPictures({{word, publishedMenuEntries().front().entry.icon}});
-    EXPECT_TRUE(hasMenuPicture(word + "-2", 48));
+TEST_F(MenuEntryTest, OldPicturesAreRemovedThoughTheEntryNamesAThemesIcon) {
+    publish(menuEntry(word + "-2"));
+    const fs::path folder = theme() / "48x48/apps";
+    const fs::path themes = folder / "web-browser.png";
+    write(themes, "picture");
+    for (const fs::path& file : {themes, folder / (word + "-2.png")}) {
+        fs::last_write_time(file, fs::file_time_type::clock::now() - std::chrono::hours(1));
+    }
+    removeOldMenuPictures({{word, "web-browser"}});
+    EXPECT_FALSE(hasMenuPicture(word + "-2", 48));
+    EXPECT_TRUE(hasMenuPicture(word + "-2", 256)) << "which is young";
+    EXPECT_TRUE(fs::exists(themes));
 }
 
 TEST_F(MenuEntryTest, PicturesThatAnEntryTakesUpAgainLookNew) {
