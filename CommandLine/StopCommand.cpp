@@ -5,6 +5,7 @@
 #include "CommandLine/CloneTexts.h"
 #include "CommandLine/Confirmation.h"
 #include "LaunchKit/Changes/CloneStop.h"
+#include "LaunchKit/InstanceRecord.h"
 #include "Platform/processes/InterruptFlag.h"
 #include "Presentation/StopTexts.h"
 #include "Presentation/SystemWords.h"

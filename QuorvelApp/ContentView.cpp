@@ -1,5 +1,6 @@
 #include "QuorvelApp/ContentView.h"
 
+#include "LaunchKit/InstanceRecord.h"
 #include "QuorvelApp/CloneDetailView.h"
 #include "QuorvelApp/Components.h"
 #include "QuorvelApp/NewCloneView.h"

@@ -1,5 +1,6 @@
 #include "benchmarks/RefreshingBenchmark.h"
 
+#include "LaunchKit/InstanceRecord.h"
 #include "QuorvelApp/QuorvelApp.h"
 #include "benchmarks/StaleClones.h"
 #include "tests/support/TemporaryHome.h"

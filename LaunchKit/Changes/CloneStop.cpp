@@ -3,6 +3,8 @@
 #include "Base/PathText.h"
 #include "LaunchKit/Homes/DataFolderGuard.h"
 #include "LaunchKit/Homes/HomeLock.h"
+#include "LaunchKit/InstanceRecord.h"
+#include "LaunchKit/InstanceRegistry.h"
 #include "LaunchKit/Wrappers/WrapperLayout.h"
 #include "Platform/processes/TreeShutdown.h"
 

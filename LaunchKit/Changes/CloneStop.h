@@ -1,14 +1,14 @@
 #pragma once
 
-#include "LaunchKit/InstanceRecord.h"
-#include "LaunchKit/InstanceRegistry.h"
-
 #include <atomic>
 #include <chrono>
 #include <cstddef>
 #include <functional>
 
 namespace quorvel {
+
+class InstanceRegistry;
+struct InstanceRecord;
 
 /// How a clone is stopped.
 struct StopOptions {

@@ -1,6 +1,8 @@
 #include "LaunchKit/Homes/DataFolderGuard.h"
 
 #include "Base/PathText.h"
+#include "LaunchKit/InstanceRecord.h"
+#include "LaunchKit/InstanceRegistry.h"
 #include "LaunchKit/WrapperFactory.h"
 #include "LaunchKit/Wrappers/WrapperLayout.h"
 #include "Platform/files/FileSystem.h"
@@ -98,6 +100,8 @@ DataFolderGuard::DataFolderGuard(const InstanceRegistry& registry, const fs::pat
 bool DataFolderGuard::isInWrapper(const Place& folder) const {
     return Place(wrapper_).relationTo(folder.path()) != Relation::unrelated;
 }
+
+DataFolderGuard::~DataFolderGuard() = default;
 
 std::optional<std::string> DataFolderGuard::objection(const Place& folder) const {
     for (const std::string& home : UserPaths::allHomes()) {

@@ -1,7 +1,5 @@
 #pragma once
 
-#include "LaunchKit/InstanceRecord.h"
-#include "LaunchKit/InstanceRegistry.h"
 #include "Platform/files/ItemIdentity.h"
 
 #include <filesystem>
@@ -11,6 +9,10 @@
 
 namespace quorvel {
 
+class InstanceRegistry;
+struct InstanceConfig;
+struct InstanceRecord;
+
 /// Knows the folders that must not be deleted as one clone's data: the user's folders, other
 /// clones' data and similar ones. Used both to create and to delete clones. Any thread.
 class DataFolderGuard {
@@ -18,6 +20,9 @@ public:
     /// For the clone at `wrapper`, which need not exist yet. The other clones are those that the
     /// registry lists, and those beside the wrapper.
     DataFolderGuard(const InstanceRegistry& registry, const std::filesystem::path& wrapper);
+    DataFolderGuard(const DataFolderGuard&) = delete;
+    DataFolderGuard& operator=(const DataFolderGuard&) = delete;
+    ~DataFolderGuard();
 
     /// Returns why the folder is not the clone's alone, to be read after "The data folder …";
     /// `std::nullopt` if it is. `folder` is compared as an item on disk.

@@ -1,6 +1,7 @@
 #include "QuorvelApp/library/CloneCommands.h"
 
 #include "LaunchKit/Homes/HomeLock.h"
+#include "LaunchKit/InstanceRecord.h"
 #include "QuorvelApp/AppModel.h"
 #include "QuorvelApp/theme/Shortcuts.h"
 

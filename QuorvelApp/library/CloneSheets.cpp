@@ -1,5 +1,6 @@
 #include "QuorvelApp/library/CloneSheets.h"
 
+#include "LaunchKit/InstanceRecord.h"
 #include "Presentation/StopTexts.h"
 #include "QuorvelApp/AppModel.h"
 #include "QuorvelApp/library/LogPanel.h"

@@ -1,7 +1,6 @@
 #pragma once
 
 #include "LaunchKit/Changes/CloneStop.h"
-#include "LaunchKit/InstanceRecord.h"
 #include "Presentation/RefreshSummary.h"
 #include "QuorvelApp/model/Outcome.h"
 
@@ -20,6 +19,7 @@ namespace quorvel {
 
 class AppModel;
 struct ChangedClone;
+struct InstanceRecord;
 
 /// How far a change of several clones is. Any thread.
 struct ChangeProgress {

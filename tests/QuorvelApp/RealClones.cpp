@@ -2,6 +2,7 @@
 
 #include "LaunchKit/Changes/CloneCreation.h"
 #include "LaunchKit/Changes/CloneStop.h"
+#include "LaunchKit/InstanceRegistry.h"
 #include "Platform/homes/UserPaths.h"
 #include "tests/support/AppBundles.h"
 #include "tests/support/TemporaryHome.h"

@@ -2,6 +2,8 @@
 
 #include "LaunchKit/Changes/CloneChange.h"
 #include "LaunchKit/Changes/CloneRenaming.h"
+#include "LaunchKit/InstanceRecord.h"
+#include "LaunchKit/InstanceRegistry.h"
 #include "tests/Runner/RunnerFixture.h"
 
 #include <cstdlib>

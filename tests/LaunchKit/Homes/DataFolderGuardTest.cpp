@@ -4,6 +4,7 @@
 #include "LaunchKit/Changes/RequestCheck.h"
 #include "LaunchKit/InstanceConfig.h"
 #include "LaunchKit/InstanceRecord.h"
+#include "LaunchKit/InstanceRegistry.h"
 #include "Platform/files/PlatformError.h"
 #include "tests/support/AppBundles.h"
 #include "tests/support/PrivateMounts.h"
