@@ -37,12 +37,13 @@ std::optional<std::string> homeFromDatabase(const Lookup& lookup) {
     return withoutTrailingSlashes(std::string(found->pw_dir));
 }
 
-// Cached: the answer does not change, and may come from a remote server.
+// Cached: the answer does not change, and may come from a remote server. Never destroyed, since
+// threads that outlive `main` ask, too.
 const std::optional<std::string>& currentUsersHome() {
-    static const std::optional<std::string> listed =
+    static const auto& listed = *new std::optional<std::string>(
         homeFromDatabase([](passwd* entry, char* buffer, std::size_t size, passwd** found) {
             return getpwuid_r(getuid(), entry, buffer, size, found);
-        });
+        }));
     return listed;
 }
 

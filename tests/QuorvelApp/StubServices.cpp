@@ -14,19 +14,33 @@ void StubUpdates::observe(std::function<void(bool)> changed) {
     canCheckChanged(true);
 }
 
+// The thread sanitizer can't see that Qt's pool waits for its threads, but that a number is read.
+RecordingTasks::~RecordingTasks() {
+    pool_.reset();
+    (void)ended_.load();
+}
+
+void RecordingTasks::run(TaskPriority priority, std::function<void()> work) {
+    pool_->start(priority, [this, work = std::move(work)]() mutable {
+        work();
+        work = nullptr;
+        ++ended_;
+    });
+}
+
 void RecordingTasks::start(TaskPriority priority, std::function<void()> work) {
     priorities.push_back(priority);
     if (holding) {
         held_.push_back(std::move(work));
     } else {
-        pool_.start(priority, std::move(work));
+        run(priority, std::move(work));
     }
 }
 
 void RecordingTasks::release() {
     holding = false;
     for (auto& work : held_) {
-        pool_.start(TaskPriority::userInitiated, std::move(work));
+        run(TaskPriority::userInitiated, std::move(work));
     }
     held_.clear();
 }

@@ -11,7 +11,9 @@
 #include <functional>
 #include <map>
 #include <mutex>
+#include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace quorvel::testing {
@@ -29,6 +31,8 @@ public:
 /// Runs work on real threads, and remembers at which priority each piece was started.
 class RecordingTasks final : public BackgroundTasks {
 public:
+    ~RecordingTasks() override;
+
     void start(TaskPriority priority, std::function<void()> work) override;
 
     std::vector<TaskPriority> priorities{};
@@ -37,8 +41,11 @@ public:
     void release();
 
 private:
+    void run(TaskPriority priority, std::function<void()> work);
+
     std::vector<std::function<void()>> held_{};
-    ThreadPoolTasks pool_{};
+    std::atomic<int> ended_ = 0;
+    std::optional<ThreadPoolTasks> pool_{std::in_place};
 };
 
 /// A model whose services are stubs, which the test may change at any time.

@@ -15,4 +15,17 @@ inline constexpr bool isSanitized = false;
 inline constexpr bool isSanitized = false;
 #endif
 
+/// Whether that is the thread sanitizer.
+#if defined(__SANITIZE_THREAD__)
+inline constexpr bool isThreadSanitized = true;
+#elif defined(__has_feature)
+#if __has_feature(thread_sanitizer)
+inline constexpr bool isThreadSanitized = true;
+#else
+inline constexpr bool isThreadSanitized = false;
+#endif
+#else
+inline constexpr bool isThreadSanitized = false;
+#endif
+
 } // namespace quorvel::testing

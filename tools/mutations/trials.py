@@ -7,10 +7,11 @@ from dataclasses import dataclass
 # Which programs test a layer, and which of their tests count.
 LAYERS = {
     "Base": {"base_tests": "*"},
-    "Platform": {"platform_tests": "*"},
+    "Platform": {"platform_tests": "*", "platform_entries_tests": "*"},
     "LinkDoor": {"link_door_tests": "*"},
     "LaunchKit": {"launchkit_tests": "*", "icon_tests": "WrapperIconTest.*"},
     "LaunchKit's icons": {"icon_tests": "*", "launchkit_tests": "IconComposerTest.*"},
+    "WebHost": {"web_host_tests": "*"},
     "ProbeKit": {"probe_tests": "*"},
     "Presentation": {"presentation_tests": "*"},
     "Runner": {"runner_tests": "*"},

@@ -198,7 +198,8 @@ TEST_F(EditedCloneTest, WhatWasChangedMeanwhileIsNotOverwritten) {
 
 TEST_F(EditedCloneTest, OnAFullDiskTheCloneStaysAsItWas) {
     fs::create_directories(home_ / "Applications");
-    const auto problem = onSmallDisk(home_ / "Applications", "size=900k", [&]() -> std::string {
+    const auto size = "size=" + std::to_string(fs::file_size(runnerProgram()) + 200'000);
+    const auto problem = onSmallDisk(home_ / "Applications", size, [&]() -> std::string {
         WrapperFactory::Request request = unusualRequest(ShortcutKind::web);
         const fs::path wrapper = makeClone(request).bundleURL;
         const auto before = treeOf(wrapper);

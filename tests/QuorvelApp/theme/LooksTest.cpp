@@ -8,7 +8,7 @@
 #include "tests/QuorvelApp/WindowFixture.h"
 
 #include <QApplication>
-#include <QFontInfo>
+#include <QFontMetricsF>
 #include <QListView>
 #include <QMenu>
 #include <QPlainTextEdit>
@@ -89,6 +89,12 @@ TEST_F(LooksTest, ARowIsFourPointsHigherThanItsContentAtEachEnd) {
               std::max(CloneRow::iconSize, texts) + 2 * 4);
 }
 
+// Measured, since some monospaced fonts don't say that they are.
+bool isMonospaced(const QFont& font) {
+    const QFontMetricsF metrics(font);
+    return metrics.horizontalAdvance(u"iiii"_s) == metrics.horizontalAdvance(u"WWWW"_s);
+}
+
 TEST_F(LooksTest, OnlyWhatIsMeantToBeIsMonospaced) {
     InstanceConfig config = minimalConfig("Work");
     config.targetAppPath = "/Applications/Notes.app";
@@ -100,12 +106,12 @@ TEST_F(LooksTest, OnlyWhatIsMeantToBeIsMonospaced) {
     std::vector<QString> monospaced;
     for (const auto* row : window->findChildren<InfoRow*>()) {
         const QFont font = row->findChild<WrappingText*>()->font();
-        if (QFontInfo(font).fixedPitch()) {
+        if (isMonospaced(font)) {
             EXPECT_EQ(font.family(), monospacedFont().family());
             EXPECT_EQ(font.pointSizeF(), monospacedFont().pointSizeF());
             monospaced.push_back(row->label());
         }
-        EXPECT_FALSE(QFontInfo(row->findChild<QLabel*>()->font()).fixedPitch()) << "the label";
+        EXPECT_FALSE(isMonospaced(row->findChild<QLabel*>()->font())) << "the label";
     }
     EXPECT_THAT(monospaced, ElementsAre(u"Arguments"_s, u"Environment"_s, u"Data home"_s,
                                         u"Bundle id"_s, u"Location"_s));
