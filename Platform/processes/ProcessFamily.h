@@ -32,6 +32,9 @@ descendantsOf(pid_t root, const std::function<bool(pid_t process)>& isApart = {}
 /// own, like the browser that a link was opened in. False if that can't be told, and on macOS.
 [[nodiscard]] bool hasLeftClone(pid_t process, pid_t runner);
 
+/// Returns whether both processes have the same HOME. False if that can't be told, and on macOS.
+[[nodiscard]] bool haveSameHome(pid_t process, pid_t other);
+
 /// Returns the descendants of a clone's runner, without those that have left the clone and theirs.
 [[nodiscard]] std::vector<ProcessIdentity> cloneProcesses(pid_t runner);
 

@@ -133,6 +133,11 @@ bool hasLeftClone(pid_t process, pid_t runner) {
            (stat->parent == runner || homeOf(stat->parent) != home);
 }
 
+bool haveSameHome(pid_t process, pid_t other) {
+    const auto home = homeOf(process, settledEnvironmentOf);
+    return home && home == homeOf(other);
+}
+
 std::vector<ProcessIdentity> cloneProcesses(pid_t runner) {
     return descendantsOf(runner, [&](pid_t process) { return hasLeftClone(process, runner); });
 }

@@ -51,6 +51,10 @@ bool hasLeftClone(pid_t /*process*/, pid_t /*runner*/) {
     return false;
 }
 
+bool haveSameHome(pid_t /*process*/, pid_t /*other*/) {
+    return false;
+}
+
 std::vector<ProcessIdentity> cloneProcesses(pid_t runner) {
     return descendantsOf(runner);
 }

@@ -39,16 +39,26 @@ TreeShutdown::TreeShutdown(std::vector<ProcessIdentity> runners,
     lookAround();
 }
 
+void TreeShutdown::lookBelow(const ProcessIdentity& runner) {
+    const auto found = cloneProcesses(runner.pid);
+    const std::set<ProcessIdentity> below(found.begin(), found.end());
+    // What opened a link is the user's browser by now. What the runner adopts looks the same if it
+    // has always had the runner's HOME, but is the clone's.
+    std::erase_if(known_, [&](const ProcessIdentity& process) {
+        return !below.contains(process) && !withRunnersHome_.contains(process) &&
+               hasLeftClone(process.pid, runner.pid);
+    });
+    for (const ProcessIdentity& process : below) {
+        if (known_.insert(process).second && haveSameHome(process.pid, runner.pid)) {
+            withRunnersHome_.insert(process);
+        }
+    }
+}
+
 void TreeShutdown::lookAround() {
     for (const ProcessIdentity& runner : runners_) {
         if (isRunning(runner)) {
-            const auto found = cloneProcesses(runner.pid);
-            const std::set<ProcessIdentity> below(found.begin(), found.end());
-            // What opened a link is the user's browser by now.
-            std::erase_if(known_, [&](const ProcessIdentity& process) {
-                return !below.contains(process) && hasLeftClone(process.pid, runner.pid);
-            });
-            known_.insert(below.begin(), below.end());
+            lookBelow(runner);
         }
     }
     for (const ProcessIdentity& other : others_) {

@@ -33,11 +33,13 @@ public:
 
 private:
     void lookAround();
+    void lookBelow(const ProcessIdentity& runner);
     [[nodiscard]] bool anyMainRuns() const;
 
     std::vector<ProcessIdentity> runners_;
     std::vector<ProcessIdentity> others_;
     std::set<ProcessIdentity> known_{};
+    std::set<ProcessIdentity> withRunnersHome_{}; ///< when they were first seen
 };
 
 } // namespace quorvel
