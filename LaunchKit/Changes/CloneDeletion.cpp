@@ -198,7 +198,7 @@ bool moveAway(const Departure& leaving) {
             return true;
         }
     } catch (const PlatformError&) {
-        isReplaced = false; // the wrapper goes back
+        // The data can't be moved, but perhaps be removed where it is. The wrapper goes back.
     }
     try {
         leaving.change.restore(wrapper, wrapper);

@@ -24,8 +24,8 @@ void CloneList::editName() {
     for (QLineEdit* editor : findChildren<QLineEdit*>(CloneRow::editorName)) {
         if (!editor->isHidden()) { // as the last one may be, which lives a little longer
             editor_ = editor;
-            connect(editor, &QObject::destroyed, this, [this, editor] {
-                if (editor_ == editor) {
+            connect(editor, &QObject::destroyed, this, [this](const QObject* gone) {
+                if (editor_ == gone) {
                     editor_.clear();
                 }
                 Q_EMIT editingChanged();

@@ -5,8 +5,6 @@
 #include <QPoint>
 #include <QPointer>
 
-class QLineEdit;
-
 namespace quorvel {
 
 /// The list of clones, as a view: mouse and keys ask for what can be done with the current row.
@@ -36,7 +34,7 @@ protected:
     void mouseDoubleClickEvent(QMouseEvent* event) override;
 
 private:
-    QPointer<QLineEdit> editor_{};
+    QPointer<QObject> editor_{}; ///< a field; no longer one once its `destroyed` is emitted
 };
 
 } // namespace quorvel

@@ -34,6 +34,7 @@ extern "C" const char* __tsan_default_suppressions() {
            "race:libglib-2.0.so\n"
            "race:libharfbuzz.so\n"
            "race:std::runtime_error::~runtime_error\n"
-           "mutex:libatspi.so\n";
+           "mutex:libatspi.so\n"
+           "mutex:libgobject-2.0.so\n";
 }
 // NOLINTEND(bugprone-reserved-identifier)

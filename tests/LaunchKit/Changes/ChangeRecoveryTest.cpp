@@ -192,6 +192,28 @@ TEST_F(ChangeRecoveryTest, DataThatCantBeRemovedNowIsRemovedOrPutBackLater) {
     }
 }
 
+TEST_F(ChangeRecoveryTest, ACallThatFailsIsNotTakenForDataThatWasReplaced) {
+    constexpr int refused = 7;
+    for (int step = 0;; ++step) {
+        const auto record = InstanceRegistry().record(makeSmall());
+        const FaultOutcome outcome = withFault(step, {EIO}, [&] {
+            try {
+                InstanceRegistry().remove(*record, true);
+            } catch (const RefusedDeletion&) {
+                std::_Exit(refused);
+            }
+        });
+        if (outcome.kill == Kill::notPermitted) {
+            GTEST_SKIP() << "the kernel forbids tracing";
+        }
+        EXPECT_NE(outcome.status, refused) << step;
+        finishInterruptedChanges(InstanceRegistry().searchDirs());
+        if (outcome.kill == Kill::ended) {
+            break;
+        }
+    }
+}
+
 TEST_F(ChangeRecoveryTest, OtherHiddenFoldersBesideTheDataAreLeftAlone) {
     const fs::path wrapper = makeSmall();
     const auto identity = [](const fs::path& item) { return *identityOf(item); };

@@ -61,6 +61,18 @@ TEST_F(ImmutableCloneTest, IsRefusedBeforeAnythingGoes) {
     EXPECT_EQ(treeOf(home_.path()), before);
 }
 
+TEST_F(ImmutableCloneTest, DataThatCantBeRemovedStaysAndIsReported) {
+    const ImmutableFile immutable(data_);
+    if (!immutable.isSet()) {
+        GTEST_SKIP() << "no folder can be made immutable here";
+    }
+    const DeletedData data = InstanceRegistry().remove({wrapper_, minimalConfig()}, true);
+    EXPECT_TRUE(data.isFailure());
+    EXPECT_THAT(data.description(), HasSubstr("not permitted"));
+    EXPECT_TRUE(fs::exists(data_ / "0"));
+    EXPECT_FALSE(fs::exists(wrapper_));
+}
+
 // On a full disk, a clone is deleted where it is.
 TEST_F(ImmutableCloneTest, ThatStaysThoughItsDataIsGoneIsTold) {
     const auto problem = onSmallDisk(home_ / "Applications", "nr_inodes=20", [&]() -> std::string {
