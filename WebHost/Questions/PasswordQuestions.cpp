@@ -112,10 +112,10 @@ void PasswordQuestions::finish(const std::string& key, const std::optional<Login
     }
     const auto answered = waiting_.extract(key);
     order_.erase(order_.begin());
+    showNext(); // before the answers, which may lead to another question at once
     for (const auto& [number, done] : answered.mapped().done) {
         done(login);
     }
-    showNext();
 }
 
 } // namespace quorvel

@@ -48,6 +48,8 @@ TEST(LinkAddressTest, OtherAddressesAreAcceptedWithTheirScheme) {
     EXPECT_EQ(checkedLinkScheme("HTTP://a"), "http");
     EXPECT_EQ(checkedLinkScheme("https://a"), "https");
     EXPECT_EQ(checkedLinkScheme("MailTo:a@b"), "mailto");
+    EXPECT_EQ(checkedLinkScheme("https://me@[::1]:80/"), "https");
+    EXPECT_THROW((void)checkedLinkScheme("https://me@[::1"), LinkAddressError);
 }
 
 TEST(LinkAddressTest, OnlyWebAndMailSchemesAreRecognised) {

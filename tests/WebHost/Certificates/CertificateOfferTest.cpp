@@ -97,6 +97,21 @@ TEST_F(CertificateOfferTest, WhatComesAfterTheQuestionIsNotAgreedTo) {
     EXPECT_THAT(exceptions_.list(), IsEmpty());
 }
 
+// Whoever shows a certificate can choose everything in it but the fingerprint.
+TEST_F(CertificateOfferTest, TheKeyTellsHostsAndCertificatesApart) {
+    const CertificateOffer::Refused one{
+        "https://a.test/", "", {}, {.subject = "CN=a", .fingerprint = "1"}};
+    CertificateOffer::Refused other = one;
+    other.address = "https://a.test/page";
+    other.details.subject = "CN=b";
+    EXPECT_EQ(other.key(), one.key());
+    other.details = {.subject = "CN=a", .fingerprint = "2"};
+    EXPECT_NE(other.key(), one.key());
+    other = one;
+    other.address = "https://b.test/";
+    EXPECT_NE(other.key(), one.key());
+}
+
 TEST_F(CertificateOfferTest, NothingIsOfferedOnceAnotherPageIsOnItsWay) {
     refuse("a.test", 'a');
     offer_.withdraw();

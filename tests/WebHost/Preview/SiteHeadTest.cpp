@@ -22,6 +22,11 @@ TEST(SiteHeadTest, TheTitleAndTheLargestIconComeFirst) {
     EXPECT_THAT(head.icons, ElementsAre("b.svg", "a.png?x=1&y=2", "touch.png", "/favicon.ico"));
 }
 
+TEST(SiteHeadTest, TheMostCommonReferencesAreResolved) {
+    EXPECT_EQ(siteHead("<title>&lt;&gt;&quot;&apos;&#39;&amp;a&nbsp;b&copy;</title>").title,
+              "<>\"''&a b&copy;");
+}
+
 TEST(SiteHeadTest, AQuotationMayContainTheEndOfATag) {
     EXPECT_THAT(siteHead("<link title='a>b' rel=icon href='c>d'>").icons, ElementsAre("c>d"));
     EXPECT_THAT(siteHead("<linker rel=icon href=a><link relation=icon href=a>").icons, IsEmpty());
@@ -43,7 +48,11 @@ TEST(SiteHeadTest, WhatIsCutOffOrTooMuchIsNoTrouble) {
     }
     EXPECT_EQ(siteHead(many).icons.size(), 50U);
     EXPECT_LE(siteHead("<title>" + std::string(1'000'000, 'x')).title.size(), 1000U);
-    EXPECT_THAT(siteHead("<link rel=icon href=" + std::string(5000, 'x') + ">").icons, IsEmpty());
+    const auto icons = [](std::size_t length) {
+        return siteHead("<link rel=icon href=" + std::string(length, 'x') + ">").icons;
+    };
+    EXPECT_EQ(icons(2000).size(), 1U);
+    EXPECT_THAT(icons(2001), IsEmpty());
 }
 
 } // namespace

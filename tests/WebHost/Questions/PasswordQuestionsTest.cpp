@@ -94,6 +94,15 @@ TEST_F(PasswordQuestionsTest, OneIsShownAfterTheOther) {
     EXPECT_EQ(answers_, (std::vector<std::string>{"none", "me:x"}));
 }
 
+TEST_F(PasswordQuestionsTest, AnAnswerThatLeadsToTheSameQuestionAtOnceShowsItOnce) {
+    questions_.decide(asker(), false,
+                      [this](const std::optional<Login>&) { decide(asker(), true); });
+    answer(Login{"me", "wrong"});
+    EXPECT_EQ(texts_.size(), 2U);
+    answer(Login{"me", "right"});
+    EXPECT_EQ(answers_, std::vector<std::string>{"me:right"});
+}
+
 TEST_F(PasswordQuestionsTest, AQuestionGoesWithTheLastWhoWaitsForItsAnswer) {
     const std::size_t first = decide(asker("one"));
     const std::size_t second = decide(asker("one"));
