@@ -6,6 +6,7 @@
 #include "Presentation/DeletionWarning.h"
 #include "QuorvelApp/library/MigrationCallout.h"
 #include "QuorvelApp/model/CloneListModel.h"
+#include "QuorvelApp/model/Continuation.h"
 #include "QuorvelApp/model/DisplayText.h"
 #include "QuorvelApp/model/QtText.h"
 #include "QuorvelApp/model/Translated.h"
@@ -121,13 +122,13 @@ void CloneDetailView::setClone(const InstanceRecord& clone) {
     name_->setFullText(displayLine(clone.config.displayName));
     setRows(cloneDetails(clone, translated, grouping_));
     refreshRunning();
-    model_.windowGrouping(clone).then(this,
-                                      [this, wrapper = clone.bundleURL](WindowGrouping grouping) {
-                                          if (wrapper == clone_->bundleURL) {
-                                              grouping_ = grouping;
-                                              setRows(cloneDetails(*clone_, translated, grouping_));
-                                          }
-                                      });
+    continued(model_.windowGrouping(clone), this,
+              [this, wrapper = clone.bundleURL](WindowGrouping grouping) {
+                  if (wrapper == clone_->bundleURL) {
+                      grouping_ = grouping;
+                      setRows(cloneDetails(*clone_, translated, grouping_));
+                  }
+              });
 }
 
 void CloneDetailView::setActivity(Activity activity) {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "QuorvelApp/model/Continuation.h"
+
 #include <QCoreApplication>
 #include <QFuture>
 #include <QObject>
@@ -37,7 +39,7 @@ public:
     auto detached(TaskPriority priority, QObject* context, Work work, Then then) {
         using Result = std::invoke_result_t<Work>;
         auto promise = std::make_shared<QPromise<Result>>();
-        auto outcome = promise->future().then(context, std::move(then));
+        auto outcome = continued(promise->future(), context, std::move(then));
         promise->start();
         start(priority, [promise = std::move(promise), work = std::move(work)]() mutable {
             deliver(std::move(promise), attempted(work));

@@ -2,6 +2,7 @@
 
 #include "Presentation/ChangeTexts.h"
 #include "Presentation/JoinedText.h"
+#include "QuorvelApp/model/Continuation.h"
 #include "QuorvelApp/model/Outcome.h"
 #include "QuorvelApp/model/Translated.h"
 
@@ -36,7 +37,7 @@ EditCloneSession::EditCloneSession(AppModel& model, FilePanels panels, EditedClo
       clone_(std::move(clone)) {
     edit([this](NewCloneForm& form) { form = clone_.form(); });
     if (clone_.target) {
-        model.sandboxInfo(*clone_.target).then(this, [this](const SandboxInfo& info) {
+        continued(model.sandboxInfo(*clone_.target), this, [this](const SandboxInfo& info) {
             edit([&](NewCloneForm& form) {
                 form.strategyReason = info.reason;
                 form.selectedSandboxed = info.sandboxed;

@@ -2,6 +2,7 @@
 
 #include "LaunchKit/InstanceRecord.h"
 #include "Presentation/CopyTexts.h"
+#include "QuorvelApp/model/Continuation.h"
 #include "QuorvelApp/model/CopyResult.h"
 #include "QuorvelApp/model/SeededCreation.h"
 #include "QuorvelApp/model/Translated.h"
@@ -70,7 +71,7 @@ void NewCloneSession::enterIcon(const std::filesystem::path& icon) {
     const int choice = ++iconChoices_;
     // Entered at once: the clone may be created before the answer.
     edit([&](NewCloneForm& form) { form.customIcon = icon; });
-    model_.isIconFile(icon).then(this, [this, icon, choice](bool isIcon) {
+    continued(model_.isIconFile(icon), this, [this, icon, choice](bool isIcon) {
         if (choice != iconChoices_) {
             return;
         }
@@ -97,7 +98,7 @@ void NewCloneSession::clearIcon() {
 void NewCloneSession::select(const InstalledApp& app) {
     forgetIcons();
     edit([&](NewCloneForm& form) { form.select(app, model_.suggestedName(app)); });
-    model_.sandboxInfo(app).then(this, [this, app](const SandboxInfo& info) {
+    continued(model_.sandboxInfo(app), this, [this, app](const SandboxInfo& info) {
         // Ignore an answer about an app that is no longer selected.
         if (form_.selected != app) {
             return;
@@ -127,14 +128,14 @@ void NewCloneSession::create() {
     // The outcome is reported even if the sheet has been closed meanwhile, unless that has
     // cancelled the copy.
     const bool launchAfter = form_.launchAfter;
-    model_.createClone(form_.makeRequest(), launchAfter && !seed, make)
-        .then(&model_, [&model = model_, self = QPointer(this), icons = siteFolders_, seed,
-                        launchAfter](const QFuture<InstanceRecord>& outcome) {
-            const bool isCreated = report(model, outcome, seed.get(), launchAfter);
-            if (self) {
-                self->creationEnded(isCreated);
-            }
-        });
+    continued(model_.createClone(form_.makeRequest(), launchAfter && !seed, make), &model_,
+              [&model = model_, self = QPointer(this), icons = siteFolders_, seed,
+               launchAfter](const QFuture<InstanceRecord>& outcome) {
+                  const bool isCreated = report(model, outcome, seed.get(), launchAfter);
+                  if (self) {
+                      self->creationEnded(isCreated);
+                  }
+              });
     if (copy_) {
         Q_EMIT copyBegan(copy_.get());
     }
@@ -169,19 +170,19 @@ void NewCloneSession::askSite() {
         return;
     }
     edit([](NewCloneForm& form) { form.askingSite = true; });
-    model_.previewSite(address, *folder)
-        .then(this, [this, address, kept = siteFolders_](const QFuture<SitePreview>& outcome) {
-            std::optional<std::string> failure;
-            edit([](NewCloneForm& form) { form.askingSite = false; });
-            try {
-                siteAnswered(address, outcome.result());
-            } catch (const std::exception& error) {
-                failure = error.what();
-            }
-            if (failure) {
-                model_.setLastError(sentence(tr("Couldn't ask the site: %1"), {*failure}));
-            }
-        });
+    continued(model_.previewSite(address, *folder), this,
+              [this, address, kept = siteFolders_](const QFuture<SitePreview>& outcome) {
+                  std::optional<std::string> failure;
+                  edit([](NewCloneForm& form) { form.askingSite = false; });
+                  try {
+                      siteAnswered(address, outcome.result());
+                  } catch (const std::exception& error) {
+                      failure = error.what();
+                  }
+                  if (failure) {
+                      model_.setLastError(sentence(tr("Couldn't ask the site: %1"), {*failure}));
+                  }
+              });
 }
 
 void NewCloneSession::siteAnswered(const std::string& address, const SitePreview& preview) {
@@ -199,26 +200,26 @@ void NewCloneSession::detect() {
         return;
     }
     edit([](NewCloneForm& form) { form.beginDetecting(); });
-    model_.detectStrategy(*form_.selected)
-        .then(this, [this, app = *form_.selected](const QFuture<AppProfile>& outcome) {
-            edit([&](NewCloneForm& form) {
-                form.detecting = false;
-                if (form.selected != app) {
-                    return; // the result is about another app than the one selected now
-                }
-                try {
-                    const AppProfile profile = outcome.result();
-                    form.detected(profile.strategy);
-                    if (profile.environment) {
-                        form.addEnvironment(*profile.environment);
-                    } else if (profile.singleton == SingletonTier::none) {
-                        form.withdrawSuggestedBus();
-                    }
-                } catch (const std::exception& error) {
-                    form.detectionFailed(error.what());
-                }
-            });
-        });
+    continued(model_.detectStrategy(*form_.selected), this,
+              [this, app = *form_.selected](const QFuture<AppProfile>& outcome) {
+                  edit([&](NewCloneForm& form) {
+                      form.detecting = false;
+                      if (form.selected != app) {
+                          return; // the result is about another app than the one selected now
+                      }
+                      try {
+                          const AppProfile profile = outcome.result();
+                          form.detected(profile.strategy);
+                          if (profile.environment) {
+                              form.addEnvironment(*profile.environment);
+                          } else if (profile.singleton == SingletonTier::none) {
+                              form.withdrawSuggestedBus();
+                          }
+                      } catch (const std::exception& error) {
+                          form.detectionFailed(error.what());
+                      }
+                  });
+              });
 }
 
 } // namespace quorvel
