@@ -240,7 +240,10 @@ TEST_F(InstalledAppsTest, AnAppThatAsksTheUserDatabaseForTheHomeLeaks) {
         (void)probe(folder_ / "org.example.Notes.desktop");
         return "";
     });
-    ASSERT_EQ(problem, "");
+    if (!problem) {
+        GTEST_SKIP() << "no private mounts here";
+    }
+    ASSERT_EQ(*problem, "");
     const Findings found = findings();
     EXPECT_THAT(found.leaks(), Contains(home + "/.notes/db"));
     EXPECT_THAT(found.buckets.at("captured"), Contains(HasSubstr("/.notes/db")));

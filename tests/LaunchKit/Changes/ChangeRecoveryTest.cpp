@@ -43,7 +43,7 @@ protected:
         (void)onlyClone(step);
         finishInterruptedChanges(InstanceRegistry().searchDirs());
         const InstanceRecord clone = onlyClone(step);
-        const std::string name = clone.config.displayName;
+        std::string name = clone.config.displayName;
         EXPECT_EQ(clone.bundleURL.filename(), name + ".app") << step;
         EXPECT_THAT(namesIn("Applications"), ::testing::ElementsAre(name + ".app")) << step;
         EXPECT_THAT(namesIn("QuorvelInstances"), ::testing::ElementsAre(name)) << step;

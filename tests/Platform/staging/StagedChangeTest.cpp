@@ -17,7 +17,6 @@ namespace {
 using namespace testing;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
-using ::testing::UnorderedElementsAre;
 namespace fs = std::filesystem;
 
 int withoutExchange(int /*folder*/, const char* /*name*/, int /*other*/,
