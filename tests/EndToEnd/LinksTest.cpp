@@ -1,6 +1,7 @@
 #include "tests/EndToEnd/Programs.h"
 #include "tests/EndToEnd/UserSession.h"
 #include "tests/LinkDoor/LinkAddresses.h"
+#include "tests/support/AppBundles.h"
 #include "tests/support/Waiting.h"
 
 #include <csignal>
@@ -51,7 +52,7 @@ protected:
             GTEST_SKIP() << missing.front() << " is not installed";
         }
         session.emplace();
-        session->environment["QUORVEL_LINK_DOOR"] = QUORVEL_LINK_DOOR;
+        installPrograms();
         startServer();
         chooseBrowser();
         session->writeProgram(session->home / "bin/opener",
@@ -60,6 +61,18 @@ protected:
                        "[Desktop Entry]\nType=Application\nName=Opener\nExec=" +
                            (session->home / "bin/opener").string() + " %u\n");
     }
+
+    // Where that user can reach them, wherever the build is.
+    void installPrograms() {
+        fs::create_directories(installed());
+        for (const fs::path& program : {fs::path(QUORVEL_CTL), runnerProgram(),
+                                        fs::path(QUORVEL_LINK_DOOR), fs::path(QUORVEL_OPEN_URL)}) {
+            fs::copy_file(program, installed() / program.filename());
+        }
+        session->environment["QUORVEL_LINK_DOOR"] = installed() / "quorvel-link-door";
+    }
+    [[nodiscard]] fs::path installed() const { return session->home / "quorvel"; }
+    [[nodiscard]] std::string quorvelctl() const { return installed() / "quorvelctl"; }
 
     void startServer() {
         session
@@ -106,9 +119,9 @@ protected:
 
     void makeClone(const std::vector<std::string>& more = {}) {
         std::vector<std::string> command{
-            QUORVEL_CTL, "create",
-            "--target",  (session->home / ".local/share/applications/opener.desktop").string(),
-            "--name",    "Clone"};
+            quorvelctl(), "create",
+            "--target",   (session->home / ".local/share/applications/opener.desktop").string(),
+            "--name",     "Clone"};
         command.insert(command.end(), more.begin(), more.end());
         ASSERT_EQ(session->run(command), 0) << session->log();
     }
@@ -160,7 +173,7 @@ TEST_F(LinksTest, EveryWayLeadsToTheUsersBrowserWhetherItRunsOrNot) {
     const std::vector<std::pair<std::string, std::string>> ways{
         {"xdg-open", "xdg-open"},
         {"gio", "gio open"},
-        {"qt", std::string(QUORVEL_OPEN_URL)},
+        {"qt", installed() / "open_url"},
         {"browser", "\"$BROWSER\""},
         {"nobus-xdg-open", "DBUS_SESSION_BUS_ADDRESS=disabled: xdg-open"},
         {"nobus-gio", "DBUS_SESSION_BUS_ADDRESS=disabled: gio open"},
@@ -199,7 +212,7 @@ TEST_F(LinksTest, HostileAddressesReachNoBrowser) {
 }
 
 TEST_F(LinksTest, ACloneOfABrowserTakesThemRunningOrNot) {
-    ASSERT_EQ(session->run({QUORVEL_CTL, "create", "--target", "firefox-esr.desktop", "--name",
+    ASSERT_EQ(session->run({quorvelctl(), "create", "--target", "firefox-esr.desktop", "--name",
                             "Fox", "--no-default-env"}),
               0)
         << session->log();
@@ -223,7 +236,7 @@ protected:
     // asked: windows take a while before they listen.
     void clickIn(const std::string& application, const std::vector<std::string>& document,
                  const std::string& actions, const std::string& asked) {
-        ASSERT_EQ(session->run({QUORVEL_CTL, "create", "--target", application + ".desktop",
+        ASSERT_EQ(session->run({quorvelctl(), "create", "--target", application + ".desktop",
                                 "--name", "Clone", "--open-with"}),
                   0)
             << session->log();
