@@ -35,6 +35,7 @@ std::vector<MenuPicture> picturesIn(const std::filesystem::path& icon, bool isSy
         return {};
     }
     std::vector<MenuPicture> pictures;
+    pictures.reserve(menuPictureSides.size() + 1);
     for (const int side : menuPictureSides) {
         pictures.push_back({side, pngBytes(fitted(image, side))});
     }

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 
 namespace quorvel {
 namespace {
@@ -43,7 +44,7 @@ int stepOf(QRgb pixel, const Range& range) {
             std::clamp(static_cast<double>(range.lightest - qGray(pixel)) / contrast, 0.0, 1.0);
         opacity *= leastOpacity + (1 - leastOpacity) * darkness;
     }
-    return static_cast<int>(opacity * steps + 0.5);
+    return static_cast<int>(std::lround(opacity * steps));
 }
 
 // Returns the rows of what is at least that opaque as one path, so that it has no seams.

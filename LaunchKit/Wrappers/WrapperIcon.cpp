@@ -78,8 +78,9 @@ void installIcon(const WrapperIcon& icon, const std::optional<IconLabel>& label,
     }
     const std::string labelled = labelledIcon(icon, label);
     // A failure that passes is not one; where the drawn icon has no room, the plain one may have.
-    if (labelled.empty() ||
-        (!isWritten(destination, labelled) && !isWritten(destination, labelled))) {
+    bool isDone = !labelled.empty() && isWritten(destination, labelled);
+    isDone = isDone || (!labelled.empty() && isWritten(destination, labelled));
+    if (!isDone) {
         copyFile(icon.file, destination);
     }
 }

@@ -14,7 +14,7 @@ constexpr const char* addressVariable = "DBUS_SESSION_BUS_ADDRESS";
 
 // Without the variable, libraries would start a bus that stays behind.
 std::string busAddress() {
-    const std::string named = textOf(std::getenv(addressVariable));
+    std::string named = textOf(std::getenv(addressVariable));
     if (!named.empty()) {
         return named;
     }

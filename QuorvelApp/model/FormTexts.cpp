@@ -159,7 +159,8 @@ std::string keyValueText(const std::map<std::string, std::string>& entries) {
     std::string text;
     for (const auto& [key, value] : entries) {
         constexpr std::size_t most = 200'000;
-        const std::string line = key + "=" + value;
+        std::string line = key;
+        line.append("=").append(value);
         if (survivesEditor(line) && text.size() + line.size() < most &&
             parseKeyValues(line) == std::map<std::string, std::string>{{key, value}}) {
             text.append(text.empty() ? "" : "\n").append(line);

@@ -160,7 +160,7 @@ void NewCloneForm::suggestEnvironment(const std::map<std::string, std::string>& 
     }
     suggestedEnvironment = variables;
     for (const auto& [name, value] : variables) {
-        envText += (envText.empty() ? "" : "\n") + name + "=" + value;
+        envText.append(envText.empty() ? "" : "\n").append(name).append("=").append(value);
     }
 }
 
