@@ -77,12 +77,14 @@ void installIcon(const WrapperIcon& icon, const std::optional<IconLabel>& label,
         return;
     }
     const std::string labelled = labelledIcon(icon, label);
-    // A failure that passes is not one; where the drawn icon has no room, the plain one may have.
-    bool isDone = !labelled.empty() && isWritten(destination, labelled);
-    isDone = isDone || (!labelled.empty() && isWritten(destination, labelled));
-    if (!isDone) {
-        copyFile(icon.file, destination);
+    constexpr int tries = 2; // a failure that passes is not one
+    for (int count = 0; count < tries && !labelled.empty(); ++count) {
+        if (isWritten(destination, labelled)) {
+            return;
+        }
     }
+    // Where the drawn icon has no room, the plain one may have.
+    copyFile(icon.file, destination);
 }
 
 } // namespace quorvel

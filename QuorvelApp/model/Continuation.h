@@ -29,9 +29,6 @@ auto continued(QFuture<Result> future, const QObject* context, Then then) {
         }
         if constexpr (std::is_invocable_v<Then, QFuture<Result>>) {
             return then(done);
-        } else if constexpr (std::is_void_v<Result>) {
-            done.waitForFinished(); // throws a failure
-            return then();
         } else {
             return then(done.result());
         }

@@ -2,30 +2,20 @@
 
 namespace quorvel::testing {
 
-/// Whether the tests were built with a sanitizer that takes memory and makes system calls itself.
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-inline constexpr bool isSanitized = true;
-#elif defined(__has_feature)
-#if __has_feature(address_sanitizer) || __has_feature(thread_sanitizer)
-inline constexpr bool isSanitized = true;
-#else
-inline constexpr bool isSanitized = false;
-#endif
-#else
-inline constexpr bool isSanitized = false;
-#endif
-
-/// Whether that is the thread sanitizer.
-#if defined(__SANITIZE_THREAD__)
+// `isSanitized`: the tests were built with a sanitizer that takes memory and makes system calls
+// itself. `isThreadSanitized`: that is the thread sanitizer.
+#if defined(__has_feature)
+inline constexpr bool isThreadSanitized = __has_feature(thread_sanitizer);
+inline constexpr bool isSanitized = isThreadSanitized || __has_feature(address_sanitizer);
+#elif defined(__SANITIZE_THREAD__)
 inline constexpr bool isThreadSanitized = true;
-#elif defined(__has_feature)
-#if __has_feature(thread_sanitizer)
-inline constexpr bool isThreadSanitized = true;
+inline constexpr bool isSanitized = true;
+#elif defined(__SANITIZE_ADDRESS__)
+inline constexpr bool isThreadSanitized = false;
+inline constexpr bool isSanitized = true;
 #else
 inline constexpr bool isThreadSanitized = false;
-#endif
-#else
-inline constexpr bool isThreadSanitized = false;
+inline constexpr bool isSanitized = false;
 #endif
 
 } // namespace quorvel::testing
