@@ -7,6 +7,7 @@
 #include "Platform/files/FileSystem.h"
 #include "Platform/homes/UserPaths.h"
 #include "Platform/processes/MainExecutable.h"
+#include "Platform/programs/LauncherScript.h"
 #include "Platform/programs/ProgramResolution.h"
 
 #include <algorithm>
@@ -15,26 +16,57 @@ namespace quorvel {
 namespace fs = std::filesystem;
 namespace {
 
+bool isShellName(const fs::path& name) {
+    return isPosixShell(name.native()) || name == "csh" || name == "tcsh" || name == "fish";
+}
+
 // Takes a command line apart once more, unlike any browser.
 bool isShell(const fs::path& program) {
     std::error_code code;
-    const fs::path resolved = fs::canonical(program, code);
-    for (const fs::path& name : {program.filename(), resolved.filename()}) {
-        if (name == "sh" || name == "bash" || name == "dash" || name == "ksh" || name == "zsh") {
-            return true;
+    return isShellName(program.filename()) || isShellName(fs::canonical(program, code).filename());
+}
+
+// Whether an argument is a command line that contains the address, which a shell or a terminal
+// would take apart: "w3m ADDRESS".
+bool isCommandLine(std::string argument, const std::string& address) {
+    for (std::size_t at = argument.find(address); at != std::string::npos;
+         at = argument.find(address)) {
+        argument.erase(at, address.size());
+    }
+    return argument.find_first_of(" \t\n\"'`;&|$(") != std::string::npos;
+}
+
+// "-c", or several options with "c" as the last.
+bool takesCommand(std::string_view option) {
+    return option.starts_with('-') && !option.starts_with("--") && option.ends_with('c');
+}
+
+// Whether a shell would read the address, be it the program or started by it.
+bool isReadByShell(const fs::path& program, const std::vector<std::string>& arguments,
+                   const std::string& address) {
+    bool hasShell = isShell(program);
+    std::string_view before;
+    for (const std::string& argument : arguments) {
+        if (argument == address) {
+            if (hasShell && takesCommand(before)) {
+                return true;
+            }
+        } else if (argument.find(address) != std::string::npos) {
+            if (hasShell || isCommandLine(argument, address)) {
+                return true;
+            }
+        } else {
+            hasShell = hasShell || isShellName(fs::path(argument).filename());
         }
+        before = argument;
     }
     return false;
 }
 
-bool isPartOf(const std::vector<std::string>& arguments, const std::string& address) {
+bool contain(const std::vector<std::string>& arguments, const std::string& address) {
     return std::any_of(arguments.begin(), arguments.end(), [&](const std::string& argument) {
-        return argument != address && argument.find(address) != std::string::npos;
+        return argument.find(address) != std::string::npos;
     });
-}
-
-bool isAmong(const std::vector<std::string>& arguments, const std::string& address) {
-    return std::find(arguments.begin(), arguments.end(), address) != arguments.end();
 }
 
 // Distributions start browsers through scripts. A user's own script may choose among several.
@@ -75,12 +107,11 @@ Outcome startApplication(const InstalledApplication& application, const std::str
     }
     std::vector<std::string> arguments = line.toArguments(
         {address}, {application.entry.icon, application.entry.name, application.file.string()});
-    const bool isEmbedded = isPartOf(arguments, address);
-    if (isEmbedded && isShell(*program)) {
-        return Outcome::refused;
-    }
-    if (!isEmbedded && !isAmong(arguments, address)) {
+    if (!contain(arguments, address)) {
         arguments.push_back(address); // an entry without a code for addresses
+    }
+    if (isReadByShell(*program, arguments, address)) {
+        return Outcome::refused;
     }
     Environment environment = currentEnvironment();
     line.applyTo(environment);

@@ -1,6 +1,7 @@
 #include "Platform/programs/LauncherScript.h"
 
 #include <algorithm>
+#include <array>
 #include <cctype>
 #include <map>
 #include <optional>
@@ -51,23 +52,39 @@ public:
 
 private:
     void take(char character) {
-        constexpr std::string_view separators = " \t\r\n;|&()<>";
         ++position_;
-        if (quote_ == '\0' && separators.find(character) != std::string_view::npos) {
+        if (!quote_) {
+            takeUnquoted(character);
+        } else if (character == *quote_) {
+            quote_.reset();
+        } else if (quote_ == '"') {
+            takeExpanded(character);
+        } else {
+            append(character);
+        }
+    }
+
+    void takeUnquoted(char character) {
+        constexpr std::string_view separators = " \t\r\n;|&()<>";
+        if (separators.find(character) != std::string_view::npos) {
             finishWord();
-        } else if (quote_ == '\0' && character == '#' && !isInWord_) {
+        } else if (character == '#' && !isInWord_) {
             position_ = std::min(text_.find('\n', position_), text_.size());
-        } else if (quote_ != '\'' && character == '\\') {
-            takeEscaped();
-        } else if (quote_ == '\0' && (character == '"' || character == '\'')) {
+        } else if (character == '"' || character == '\'') {
             quote_ = character;
             isInWord_ = true;
-        } else if (character == quote_) {
-            quote_ = '\0';
-        } else if (quote_ != '\'' && character == '$') {
+        } else {
+            takeExpanded(character);
+        }
+    }
+
+    void takeExpanded(char character) {
+        if (character == '\\') {
+            takeEscaped();
+        } else if (character == '$') {
             takeVariable();
         } else {
-            isKnown_ = isKnown_ && (quote_ == '\'' || character != '`');
+            isKnown_ = isKnown_ && character != '`';
             append(character);
         }
     }
@@ -133,7 +150,7 @@ private:
 
     std::string_view text_;
     std::size_t position_ = 0;
-    char quote_ = '\0';
+    std::optional<char> quote_{}; ///< of the quotation that is open
     std::string word_{};
     bool isInWord_ = false;
     bool isKnown_ = true; ///< nothing in the word has to be found out by running the script
@@ -143,10 +160,15 @@ private:
 
 } // namespace
 
+bool isPosixShell(std::string_view name) {
+    constexpr std::array<std::string_view, 8> shells{"sh",   "ash", "bash", "busybox",
+                                                     "dash", "ksh", "mksh", "zsh"};
+    return std::find(shells.begin(), shells.end(), name) != shells.end();
+}
+
 LauncherScript LauncherScript::parse(std::string_view text) {
-    static const std::set<std::string> shells{"sh", "bash", "dash", "ksh", "zsh", "busybox"};
     LauncherScript script{interpreterIn(text)};
-    if (shells.contains(script.interpreter)) {
+    if (isPosixShell(script.interpreter)) {
         script.words = ShellWords(text).split();
     }
     return script;

@@ -6,6 +6,9 @@
 
 namespace quorvel {
 
+/// Returns whether a program of this name, without a folder, understands the shell's language.
+[[nodiscard]] bool isPosixShell(std::string_view name);
+
 /// What a script that starts a program reveals without being run.
 struct LauncherScript {
     /// The name of the program that runs it, such as "sh" or "python3".

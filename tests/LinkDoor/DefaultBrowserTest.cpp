@@ -74,6 +74,28 @@ TEST_F(DefaultBrowserTest, NoShellEverReadsTheAddress) {
         << "as an argument of its own it is not read";
 }
 
+TEST_F(DefaultBrowserTest, NoShellThatAnotherProgramStartsReadsTheAddress) {
+    fs::create_symlink("/usr/bin/setsid", folder / "bin/setsid");
+    write(folder / "bin/terminal", "#!/bin/sh\nshift\nexec /bin/sh -c \"$*\"\n");
+    write(folder / "bin/busybox", "#!/bin/sh\nshift\nexec /bin/sh \"$@\"\n");
+    for (const char* program : {"bin/terminal", "bin/busybox"}) {
+        fs::permissions(folder / program, fs::perms{0755});
+    }
+    EXPECT_EQ(opened("setsid sh -c \"PROGRAM %u\""), "nothing");
+    EXPECT_EQ(opened("busybox sh -c \"PROGRAM %u\""), "nothing");
+    EXPECT_EQ(opened("terminal -e \"PROGRAM %u\""), "nothing");
+    EXPECT_EQ(opened("setsid PROGRAM %u"), address + "\nbefore\n");
+    EXPECT_EQ(opened("setsid PROGRAM --app=%u"), "--app=" + address + "\nbefore\n");
+}
+
+TEST_F(DefaultBrowserTest, AnAddressThatIsTheWholeCommandOfAShellIsNotOpened) {
+    for (const char* exec : {"sh -c %u", "sh -ec %u PROGRAM", "env sh -c %u"}) {
+        write(home / ".local/share/applications/it.desktop",
+              std::string("[Desktop Entry]\nType=Application\nName=It\nExec=") + exec + "\n");
+        EXPECT_FALSE(openWithDefault("https", address)) << exec;
+    }
+}
+
 TEST_F(DefaultBrowserTest, ABrowserForTheTerminalIsNotOpenedWithoutOne) {
     EXPECT_EQ(opened("PROGRAM %u", "Terminal=true\n"), "nothing");
     fs::create_symlink(folder / "program", folder / "bin/xdg-open");
