@@ -65,8 +65,11 @@ Texts categoriesFor(const InstanceConfig& config, const std::optional<DesktopEnt
 Texts mimeTypesFor(const InstanceConfig& config, const std::optional<DesktopEntry>& entry) {
     Texts types;
     if (config.registerAsBrowser) {
-        types = {"x-scheme-handler/http", "x-scheme-handler/https", "text/html",
-                 "application/xhtml+xml"};
+        types = {"x-scheme-handler/http", "x-scheme-handler/https"};
+        // The window of a site opens no local files.
+        if (config.kind != ShortcutKind::web) {
+            types.insert(types.end(), {"text/html", "application/xhtml+xml"});
+        }
     }
     if (config.openWithPassthrough && entry) {
         for (const std::string& type : entry->mimeTypes) {

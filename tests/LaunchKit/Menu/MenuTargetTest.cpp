@@ -101,6 +101,19 @@ TEST_F(MenuTargetTest, OddActionsAndKeywordsAreLeftOut) {
     EXPECT_TRUE(fs::exists(published(record)));
 }
 
+TEST_F(MenuTargetTest, TheWindowOfASiteIsABrowserForAddressesOnly) {
+    InstanceConfig config;
+    config.displayName = "Portal";
+    config.kind = ShortcutKind::web;
+    config.url = "https://portal.test";
+    config.registerAsBrowser = true;
+    EXPECT_THAT(entryOf(made(config)).mimeTypes,
+                ElementsAre("x-scheme-handler/http", "x-scheme-handler/https"));
+    config = reader();
+    config.registerAsBrowser = true;
+    EXPECT_THAT(entryOf(made(config)).mimeTypes, Contains("text/html"));
+}
+
 TEST_F(MenuTargetTest, ABrowserIsGivenAddresses) {
     write(target(), "[Desktop Entry]\nType=Application\nName=Reader\nExec=/bin/true %F\n");
     InstanceConfig config = reader();
