@@ -140,14 +140,24 @@ void X11Windows::setIdentity(std::uint32_t window, const std::string& word) cons
     xcb_flush(connection_.get());
 }
 
+bool X11Windows::takeEvents() const {
+    using Event = std::unique_ptr<xcb_generic_event_t, Free>;
+    bool hasTaken = false;
+    while (Event(xcb_poll_for_event(connection_.get()))) {
+        hasTaken = true;
+    }
+    return hasTaken;
+}
+
 bool X11Windows::waitForChanges(std::chrono::milliseconds limit) const {
     const std::uint32_t wanted = XCB_EVENT_MASK_PROPERTY_CHANGE;
     xcb_change_window_attributes(connection_.get(), root_, XCB_CW_EVENT_MASK, &wanted);
     xcb_flush(connection_.get());
-    pollfd waiting{xcb_get_file_descriptor(connection_.get()), POLLIN, 0};
-    (void)::poll(&waiting, 1, static_cast<int>(limit.count()));
-    using Event = std::unique_ptr<xcb_generic_event_t, Free>;
-    while (Event(xcb_poll_for_event(connection_.get()))) {
+    // Events that arrived together with a reply are no longer in the socket.
+    if (!takeEvents()) {
+        pollfd waiting{xcb_get_file_descriptor(connection_.get()), POLLIN, 0};
+        (void)::poll(&waiting, 1, static_cast<int>(limit.count()));
+        (void)takeEvents();
     }
     return xcb_connection_has_error(connection_.get()) == 0;
 }

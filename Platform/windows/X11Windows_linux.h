@@ -57,6 +57,7 @@ private:
     [[nodiscard]] std::string text(std::uint32_t window, std::uint32_t property) const;
     [[nodiscard]] X11Window describe(std::uint32_t window) const;
     [[nodiscard]] bool isOfDesktop(std::uint32_t window) const;
+    [[nodiscard]] bool takeEvents() const;
 
     std::unique_ptr<xcb_connection_t, Disconnect> connection_;
     std::uint32_t root_;

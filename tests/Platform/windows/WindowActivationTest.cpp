@@ -103,6 +103,17 @@ TEST_P(WindowActivationTest, BringsTheWindowOfThatProcessToTheFront) {
     EXPECT_TRUE(isInFront("Second"));
 }
 
+TEST_P(WindowActivationTest, ChangesThatArriveBetweenTwoWaitsEndTheSecondAtOnce) {
+    using namespace std::chrono_literals;
+    ASSERT_TRUE(screen_->waitForChanges(0ms));
+    openWindow("First");
+    // Each answer of the server takes the changes before it out of the socket.
+    (void)waitUntil([&] { return screen_->active() == 0; }, 1s);
+    const auto start = std::chrono::steady_clock::now();
+    EXPECT_TRUE(screen_->waitForChanges(60s));
+    EXPECT_LT(std::chrono::steady_clock::now() - start, 30s);
+}
+
 TEST_P(WindowActivationTest, BringsBackAMinimizedWindow) {
     const pid_t first = openWindow("First").pid();
     minimize("First");
