@@ -28,6 +28,7 @@
 #include <ctime>
 #include <future>
 #include <mutex>
+#include <system_error>
 #include <thread>
 #include <vector>
 
@@ -141,7 +142,7 @@ public:
             const FileHandle lock = lockBundle(bundle);
             const std::optional<pid_t> running = runningProcess(bundle);
             if (running && activates) {
-                activate({*running, bundle, token}, std::move(completion));
+                activate({*running, bundle, token}, completion);
                 return;
             }
             if (!running) {
@@ -190,15 +191,20 @@ private:
     }
 
     // In the background: a window manager takes its time.
-    void activate(const Activation& activation, Completion completion) {
-        const std::lock_guard guard(mutex_);
-        std::erase_if(activations_, [](const std::future<void>& earlier) {
-            return earlier.wait_for(std::chrono::seconds(0)) == std::future_status::ready;
-        });
-        activations_.push_back(
-            std::async(std::launch::async, [activation, completion = std::move(completion)] {
+    void activate(const Activation& activation, const Completion& completion) {
+        try {
+            const std::lock_guard guard(mutex_);
+            std::erase_if(activations_, [](const std::future<void>& earlier) {
+                return earlier.wait_for(std::chrono::seconds(0)) == std::future_status::ready;
+            });
+            activations_.push_back(std::async(std::launch::async, [activation, completion] {
                 completion(failureOf(activation));
             }));
+            return;
+        } catch (const std::system_error&) {
+            // Without a thread, the caller has to wait.
+        }
+        completion(failureOf(activation));
     }
 
     ActivationTokenSource tokens_;

@@ -3,6 +3,7 @@
 #include "Platform/processes/Process.h"
 #include "tests/support/AppBundles.h"
 #include "tests/support/TemporaryHome.h"
+#include "tests/support/UnprivilegedUser.h"
 #include "tests/support/Waiting.h"
 
 #include <atomic>
@@ -12,6 +13,7 @@
 #include <future>
 #include <gtest/gtest.h>
 #include <sys/file.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <thread>
 #include <unistd.h>
@@ -349,6 +351,22 @@ TEST_F(WorkspaceTest, TheSystemHasAVersion) {
     EXPECT_NE(name.find(version.distribution.substr(0, version.distribution.find(' '))),
               std::string::npos);
     EXPECT_FALSE(version.distribution.empty());
+}
+
+// Activating may take a while, so it has a thread of its own where it can.
+TEST_F(WorkspaceTest, ReportsAnActivationForWhichThereIsNoThread) {
+    const fs::path bundle = makeAppBundle(at("Thing.app"));
+    EXPECT_TRUE(asUnprivilegedUser(folder_.path(), [&] {
+        const Started program(bundle / "Contents/MacOS/Thing", {"wait"});
+        const rlimit limit{1, 1};
+        if (::setrlimit(RLIMIT_NPROC, &limit) != 0) {
+            return false;
+        }
+        bool isReported = false;
+        workspace_->openApplication(bundle, true,
+                                    [&](const auto& /*error*/) { isReported = true; });
+        return isReported;
+    }));
 }
 
 } // namespace
