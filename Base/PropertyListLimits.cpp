@@ -63,13 +63,17 @@ private:
         if (tag.starts_with("<?")) {
             return depth_ == 0 && tag.ends_with('?');
         }
+        count(tag);
+        return true;
+    }
+
+    void count(std::string_view tag) {
         values_ += tag.starts_with("</") ? 0U : 1U;
         if (isContainer(tag.substr(1))) {
             depth_ += tag.ends_with('/') ? 0U : 1U;
         } else if (tag.starts_with("</") && isContainer(tag.substr(2)) && depth_ > 0) {
             --depth_;
         }
-        return true;
     }
 
     bool skipPast(std::string_view end) {
@@ -138,23 +142,13 @@ private:
             return false;
         }
         while (!stack.empty()) {
-            Visit& visit = stack.back();
-            if (visit.next < visit.references) {
-                const std::uint64_t index = visit.next++;
-                const std::optional<std::uint64_t> child = reference(visit, index);
-                if (!child || (index < visit.keys && !isSoundKey(*child))) {
-                    return false;
-                }
-                if (expanded_[*child] != 0) {
-                    if (!add(visit, expanded_[*child])) {
-                        return false;
-                    }
-                } else if (open[*child] || !enter(*child, stack, open)) {
+            if (stack.back().next < stack.back().references) {
+                if (!followNext(stack, open)) {
                     return false;
                 }
                 continue;
             }
-            const Visit done = visit;
+            const Visit done = stack.back();
             stack.pop_back();
             open[done.object] = false;
             expanded_[done.object] = done.expanded;
@@ -163,6 +157,20 @@ private:
             }
         }
         return true;
+    }
+
+    // Adds what the object at the top of the stack references next, or enters it.
+    bool followNext(std::vector<Visit>& stack, std::vector<bool>& open) {
+        Visit& visit = stack.back();
+        const std::uint64_t index = visit.next++;
+        const std::optional<std::uint64_t> child = reference(visit, index);
+        if (!child || (index < visit.keys && !isSoundKey(*child))) {
+            return false;
+        }
+        if (expanded_[*child] != 0) {
+            return add(visit, expanded_[*child]);
+        }
+        return !open[*child] && enter(*child, stack, open);
     }
 
     static bool add(Visit& visit, std::uint64_t bytes) {

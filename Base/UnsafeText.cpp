@@ -111,25 +111,42 @@ bool startsFlagTags(char32_t scalar, std::u32string_view following) {
     });
 }
 
-// Whether an invisible character changes how its neighbors look.
-bool hasVisibleEffect(char32_t before, char32_t scalar, std::u32string_view following) {
-    const char32_t next = following.empty() ? 0 : following.front();
+// Whether a joiner or non-joiner changes the characters around it.
+bool changesJoining(char32_t before, char32_t scalar, char32_t next) {
     if (scalar == joiner && (isIn(emoji, before) || before == emojiSelector)) {
         return isIn(emoji, next);
     }
     // A joiner at the end of a word changes the form of the last letter.
-    if (scalar == joiner || scalar == nonJoiner) {
-        return isIn(joining, before) && !isIn(invisible, before) &&
-               (scalar == joiner || isIn(joining, next));
-    }
-    if (isBetween(scalar, 0xFE0E, emojiSelector)) {
+    return isIn(joining, before) && !isIn(invisible, before) &&
+           (scalar == joiner || isIn(joining, next));
+}
+
+bool isMongolianSelector(char32_t scalar) {
+    return isBetween(scalar, 0x180B, 0x180F);
+}
+
+bool isSelector(char32_t scalar) {
+    return isBetween(scalar, 0xFE00, emojiSelector) || isBetween(scalar, 0xE0100, 0xE01EF) ||
+           isMongolianSelector(scalar);
+}
+
+// Whether the character before a variation selector has the form that it selects.
+bool hasSelectedForm(char32_t before, char32_t selector, char32_t next) {
+    if (isBetween(selector, 0xFE0E, emojiSelector)) {
         return hasEmojiForm(before, next);
     }
-    if (isBetween(scalar, 0xFE00, 0xFE0D) || isBetween(scalar, 0xE0100, 0xE01EF)) {
-        return isIn(ideographs, before);
+    return isMongolianSelector(selector) ? isBetween(before, 0x1820, 0x18AA)
+                                         : isIn(ideographs, before);
+}
+
+// Whether an invisible character changes how its neighbors look.
+bool hasVisibleEffect(char32_t before, char32_t scalar, std::u32string_view following) {
+    const char32_t next = following.empty() ? 0 : following.front();
+    if (scalar == joiner || scalar == nonJoiner) {
+        return changesJoining(before, scalar, next);
     }
-    if (isBetween(scalar, 0x180B, 0x180F)) {
-        return isBetween(before, 0x1820, 0x18AA);
+    if (isSelector(scalar)) {
+        return hasSelectedForm(before, scalar, next);
     }
     // The first tag was accepted only if the whole sequence is known.
     return before == blackFlag ? startsFlagTags(scalar, following)

@@ -83,21 +83,32 @@ std::optional<LinkSession> LinkSession::parse(std::string_view text) {
     }
     LinkSession session;
     for (text.remove_prefix(header.size() + 1); !text.empty();) {
-        const std::string_view line = takePart(text, '\0');
-        const std::string_view rest = line.substr(line.empty() ? 0 : 1);
-        const std::size_t equals = rest.find('=');
-        const char mark = line.empty() ? '\0' : line.front();
-        if (mark == openerMark) {
-            session.opener = rest;
-        } else if (mark == unsetMark && !rest.empty() && equals == std::string_view::npos) {
-            session.variables[std::string(rest)] = std::nullopt;
-        } else if (mark == setMark && equals != std::string_view::npos && equals > 0) {
-            session.variables[std::string(rest.substr(0, equals))] = rest.substr(equals + 1);
-        } else {
+        if (!session.take(takePart(text, '\0'))) {
             return std::nullopt;
         }
     }
     return session;
+}
+
+// Returns whether the record is valid.
+bool LinkSession::take(std::string_view record) {
+    const char mark = record.empty() ? '\0' : record.front();
+    const std::string_view rest = record.substr(record.empty() ? 0 : 1);
+    const std::size_t equals = rest.find('=');
+    const bool isAssignment = equals != std::string_view::npos;
+    if (mark == openerMark) {
+        opener = rest;
+        return true;
+    }
+    if (mark == unsetMark && !rest.empty() && !isAssignment) {
+        variables[std::string(rest)] = std::nullopt;
+        return true;
+    }
+    if (mark == setMark && isAssignment && equals > 0) {
+        variables[std::string(rest.substr(0, equals))] = rest.substr(equals + 1);
+        return true;
+    }
+    return false;
 }
 
 std::string LinkSession::text() const {

@@ -43,6 +43,9 @@ struct LinkSession {
     /// session's values and without our variables. What only concerns the click that is passed on
     /// (the display, the activation token) is kept.
     [[nodiscard]] Environment outside(const Environment& clone) const;
+
+private:
+    [[nodiscard]] bool take(std::string_view record);
 };
 
 /// Returns the path of the session file of the clone with this home.

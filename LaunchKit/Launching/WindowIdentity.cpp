@@ -28,6 +28,13 @@ bool takesProgramName(const ResolvedProgram& program) {
            isSameItem(program.launcher, program.executable);
 }
 
+// Whether windows on Wayland are grouped by the program's name, too.
+bool followsProgramName(Toolkit toolkit, const Environment& environment) {
+    // With a bus, GTK 4 takes its identity from the application's id.
+    return toolkit == Toolkit::gtk3 || toolkit == Toolkit::wx ||
+           (toolkit == Toolkit::gtk4 && takeBusAway(environment));
+}
+
 bool names(const std::vector<std::string>& arguments, std::string_view option) {
     return std::any_of(arguments.begin(), arguments.end(), [&](const std::string& argument) {
         return argument == option || argument.starts_with(std::string(option) + "=");
@@ -86,26 +93,9 @@ WindowGrouping windowGrouping(const ResolvedProgram& program, const Environment&
         return WindowGrouping::shared;
     }
     // X11 windows get the word from outside, whatever the program understands.
-    if (program.toolkit == Toolkit::gtk2) {
-        return WindowGrouping::own; // it has no others
-    }
-    if (!identity.programName) {
-        return WindowGrouping::ownOnX11;
-    }
-    switch (program.toolkit) {
-    case Toolkit::gtk3:
-    case Toolkit::wx:
-        return WindowGrouping::own;
-    case Toolkit::gtk4:
-        // With a bus, it takes its identity from the application's id.
-        return takeBusAway(environment) ? WindowGrouping::own : WindowGrouping::ownOnX11;
-    case Toolkit::gtk2:
-    case Toolkit::qt5:
-    case Toolkit::qt6:
-    case Toolkit::unknown:
-        break;
-    }
-    return WindowGrouping::ownOnX11;
+    const bool onlyOnX11 = program.toolkit == Toolkit::gtk2;
+    const bool takesWord = identity.programName && followsProgramName(program.toolkit, environment);
+    return onlyOnX11 || takesWord ? WindowGrouping::own : WindowGrouping::ownOnX11;
 }
 
 WindowGrouping windowGroupingOf(const InstanceConfig& config) {

@@ -176,6 +176,13 @@ bool WrapperRevision::keepsUsersArguments(const CloneSettings& settings) const {
            !settings.restoresArguments;
 }
 
+bool WrapperRevision::isIconOfTarget(const StagedChange& change) const {
+    if (notes_) {
+        return notes_->icon == IconSource::target;
+    }
+    return !itemExists(iconOf(wrapper_)) || isTargetsIcon(change);
+}
+
 // Whether the icon is what the target's gives with the clone's label.
 bool WrapperRevision::isTargetsIcon(const StagedChange& change) const {
     const auto& label = settings_.config.iconLabel;
@@ -210,16 +217,12 @@ WrapperRevision::IconPlan WrapperRevision::iconPlan(const StagedChange& change,
 WrapperRevision::IconPlan WrapperRevision::keptIconPlan(const StagedChange& change,
                                                         const Changes& changes, Kept& kept) const {
     const auto& label = changes.settings.config.iconLabel;
-    const bool hasIcon = itemExists(iconOf(wrapper_));
     const bool relabels = textOf(label) != textOf(settings_.config.iconLabel);
-    const bool fromTarget =
-        notes_ ? notes_->icon == IconSource::target : !hasIcon || isTargetsIcon(change);
+    const bool fromTarget = isIconOfTarget(change);
     IconPlan keeping{true, {}, fromTarget ? IconSource::target : IconSource::chosen};
     if (!relabels && !(changes.refreshesIcon && hasOldTargetIcon())) {
         return keeping;
     }
-    const fs::path chosen =
-        itemExists(chosenIconOf(wrapper_)) ? chosenIconOf(wrapper_) : iconOf(wrapper_);
     // The picture below a label is known only where it was kept.
     const bool isLost = !notes_ && !fromTarget && isVisible(settings_.config.iconLabel);
     if (isUsersIcon() || isLost) {
@@ -227,12 +230,16 @@ WrapperRevision::IconPlan WrapperRevision::keptIconPlan(const StagedChange& chan
         return keeping;
     }
     if (!fromTarget) {
+        const fs::path chosen =
+            itemExists(chosenIconOf(wrapper_)) ? chosenIconOf(wrapper_) : iconOf(wrapper_);
         return {false, WrapperIcon{chosen, IconSource::chosen}, IconSource::chosen};
     }
     auto icon = wrapperIcon(std::nullopt, target_, label);
     // If the target is gone, its icon is not.
     keeping.looked = true;
-    return icon || !hasIcon ? IconPlan{false, std::move(icon), IconSource::target, true} : keeping;
+    return icon || !itemExists(iconOf(wrapper_))
+               ? IconPlan{false, std::move(icon), IconSource::target, true}
+               : keeping;
 }
 
 std::string WrapperRevision::propertyList(const CloneSettings& settings, bool hasIcon,

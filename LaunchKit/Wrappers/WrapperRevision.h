@@ -69,6 +69,7 @@ private:
                                     Kept& kept) const;
     [[nodiscard]] IconPlan keptIconPlan(const StagedChange& change, const Changes& changes,
                                         Kept& kept) const;
+    [[nodiscard]] bool isIconOfTarget(const StagedChange& change) const;
     [[nodiscard]] bool isTargetsIcon(const StagedChange& change) const;
     [[nodiscard]] const std::string& iconHash() const;
     [[nodiscard]] bool isUsersIcon() const;

@@ -129,30 +129,41 @@ bool isEnv(const ExecLine::Word& word) {
     return baseName(text) == "env";
 }
 
-// Takes the options and assignments of an "env"; returns the index of the word after them.
-std::size_t takeEnv(const std::vector<ExecLine::Word>& words, std::size_t index, ExecLine& line) {
+// Takes the options of an "env"; returns the index of the word after them.
+std::size_t takeEnvOptions(const std::vector<ExecLine::Word>& words, std::size_t index,
+                           ExecLine& line) {
     constexpr std::string_view longUnset = "--unset=";
-    bool mayBeOption = true;
     for (; index < words.size(); ++index) {
         const std::string word = withoutCodes(words[index]);
-        if (mayBeOption && word == "--") {
-            mayBeOption = false;
-        } else if (mayBeOption && (word == "-u" || word == "--unset")) {
+        if (word == "--") {
+            return index + 1;
+        }
+        if (!word.starts_with('-')) {
+            return index;
+        }
+        if (word == "-u" || word == "--unset") {
             if (++index < words.size()) {
                 line.unset.push_back(withoutCodes(words[index]));
             }
-        } else if (mayBeOption && word.starts_with(longUnset)) {
+        } else if (word.starts_with(longUnset)) {
             line.unset.push_back(word.substr(longUnset.size()));
-        } else if (mayBeOption && word.starts_with("-u")) {
+        } else if (word.starts_with("-u")) {
             line.unset.push_back(word.substr(2));
-        } else if (mayBeOption && word.starts_with('-')) {
-            throw ExecLineError("“env” is given an option that can’t be followed: " + word);
-        } else if (word.find('=') != std::string::npos) {
-            mayBeOption = false;
-            line.environment.push_back(word);
         } else {
+            throw ExecLineError("“env” is given an option that can’t be followed: " + word);
+        }
+    }
+    return index;
+}
+
+// Takes the options and assignments of an "env"; returns the index of the word after them.
+std::size_t takeEnv(const std::vector<ExecLine::Word>& words, std::size_t index, ExecLine& line) {
+    for (index = takeEnvOptions(words, index, line); index < words.size(); ++index) {
+        const std::string word = withoutCodes(words[index]);
+        if (word.find('=') == std::string::npos) {
             break;
         }
+        line.environment.push_back(word);
     }
     return index;
 }

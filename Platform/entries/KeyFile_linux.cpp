@@ -9,23 +9,25 @@ namespace {
 using OwnedText = std::unique_ptr<char, decltype(&g_free)>;
 using OwnedTexts = std::unique_ptr<char*, decltype(&g_strfreev)>;
 
+bool isKeyCharacter(char character) {
+    return g_ascii_isalnum(character) || character == '-';
+}
+
+bool endsLanguage(char character) {
+    return character == ']' || character == '[' || character == '=';
+}
+
 // The language of a line KEY[LANGUAGE]=VALUE; empty for any other.
 std::string_view languageOf(std::string_view line) {
-    const char* at = line.data();
-    const char* const end = at + line.size();
-    while (at != end && (g_ascii_isalnum(*at) || *at == '-')) {
-        ++at;
-    }
-    if (at == line.data() || at == end || *at != '[') {
+    const auto* const bracket = std::find_if_not(line.begin(), line.end(), isKeyCharacter);
+    if (bracket == line.begin() || bracket == line.end() || *bracket != '[') {
         return {};
     }
-    const char* const start = ++at;
-    while (at != end && *at != ']' && *at != '[' && *at != '=') {
-        ++at;
-    }
-    const bool isClosed = end - at >= 2 && at[0] == ']' && at[1] == '=';
-    return isClosed ? std::string_view(start, static_cast<std::size_t>(at - start))
-                    : std::string_view{};
+    const auto* const start = std::next(bracket);
+    const auto* const end = std::find_if(start, line.end(), endsLanguage);
+    const std::string_view language(start, static_cast<std::size_t>(end - start));
+    const std::string_view rest(end, static_cast<std::size_t>(line.end() - end));
+    return rest.starts_with("]=") ? language : std::string_view{};
 }
 
 // Most lines of an ordinary entry are translations that nobody will read. To leave them out first

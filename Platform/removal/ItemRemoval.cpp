@@ -38,6 +38,17 @@ bool canChange(int folder) {
     return ::faccessat(folder, ".", W_OK | X_OK, AT_EACCESS) == 0;
 }
 
+// Whether the folder is sticky, in which only owners may remove items, and the user owns neither
+// the folder nor the item.
+bool isKeptBySticky(int folder, const char* name) {
+    struct stat above {};
+    struct stat item {};
+    const uid_t user = ::geteuid();
+    return user != 0 && ::fstat(folder, &above) == 0 && (above.st_mode & S_ISVTX) != 0 &&
+           ::fstatat(folder, name, &item, AT_SYMLINK_NOFOLLOW) == 0 && user != above.st_uid &&
+           user != item.st_uid;
+}
+
 } // namespace
 
 // One attempt at everything.
@@ -74,36 +85,48 @@ std::optional<ItemRemoval> ItemRemoval::of(const fs::path& path) {
     if (item.name_.empty() || item.name_ == "." || item.name_ == "..") {
         throw PlatformError(systemError(EINVAL), item.path_, "removed");
     }
-    const fs::path above = item.path_.parent_path();
-    item.parent_ = FileHandle(openFolderForNames(above.empty() ? "." : above));
-    struct stat status {};
-    if (item.parent_.descriptor() < 0 || ::fstatat(item.parent_.descriptor(), item.name_.c_str(),
-                                                   &status, AT_SYMLINK_NOFOLLOW) != 0) {
-        if (isMissing(errno)) {
-            return std::nullopt;
-        }
-        throw PlatformError::fromErrno(item.path_, "removed");
+    if (!item.findInParent()) {
+        return std::nullopt;
     }
-    const std::optional<Mount> mount = mountOf(item.parent_.descriptor());
-    if (!mount) {
-        throw PlatformError::fromErrno(item.path_, "removed");
-    }
-    item.mount_ = *mount;
-    item.identity_ = identityOf(status);
-    item.isFolder_ = S_ISDIR(status.st_mode);
-    item.isMountPoint_ = mountOf(item.parent_.descriptor(), item.name_.c_str()) != mount;
     if (item.isFolder_ && !item.isMountPoint_) {
-        item.folder_ = FileHandle(
-            openFolderOnMount(item.parent_.descriptor(), item.name_.c_str(), item.mount_));
-        // An empty folder can be removed without permission to read it.
-        if (item.folder_.descriptor() < 0 && errno != EACCES) {
-            throw PlatformError::fromErrno(item.path_, "removed");
-        }
-        if (item.folder_.descriptor() >= 0 && ::fstat(item.folder_.descriptor(), &status) == 0) {
-            item.identity_ = identityOf(status);
-        }
+        item.openFolder();
     }
     return item;
+}
+
+// Returns whether the item exists.
+bool ItemRemoval::findInParent() {
+    const fs::path above = path_.parent_path();
+    parent_ = FileHandle(openFolderForNames(above.empty() ? "." : above));
+    struct stat status {};
+    if (parent_.descriptor() < 0 ||
+        ::fstatat(parent_.descriptor(), name_.c_str(), &status, AT_SYMLINK_NOFOLLOW) != 0) {
+        if (isMissing(errno)) {
+            return false;
+        }
+        throw PlatformError::fromErrno(path_, "removed");
+    }
+    const std::optional<Mount> mount = mountOf(parent_.descriptor());
+    if (!mount) {
+        throw PlatformError::fromErrno(path_, "removed");
+    }
+    mount_ = *mount;
+    identity_ = identityOf(status);
+    isFolder_ = S_ISDIR(status.st_mode);
+    isMountPoint_ = mountOf(parent_.descriptor(), name_.c_str()) != mount;
+    return true;
+}
+
+void ItemRemoval::openFolder() {
+    folder_ = FileHandle(openFolderOnMount(parent_.descriptor(), name_.c_str(), mount_));
+    // An empty folder can be removed without permission to read it.
+    if (folder_.descriptor() < 0 && errno != EACCES) {
+        throw PlatformError::fromErrno(path_, "removed");
+    }
+    struct stat status {};
+    if (folder_.descriptor() >= 0 && ::fstat(folder_.descriptor(), &status) == 0) {
+        identity_ = identityOf(status);
+    }
 }
 
 void ItemRemoval::refuseMountAt(const std::string& below) const {
@@ -141,23 +164,20 @@ void ItemRemoval::refuseProtected(int folder, const char* name, const fs::path& 
 }
 
 void ItemRemoval::refuseUnchangeable(std::string_view kept) const {
-    struct stat above {};
-    struct stat itself {};
     if (!canChange(parent_.descriptor())) {
         throw PlatformError::fromErrno(path_, "removed");
     }
     refuseProtected(parent_.descriptor(), ".", {});
     refuseProtected(parent_.descriptor(), name_.c_str(), {});
-    const uid_t user = ::geteuid();
-    // In a sticky folder, only owners may remove items.
-    if (::fstat(parent_.descriptor(), &above) == 0 && (above.st_mode & S_ISVTX) != 0 &&
-        ::fstatat(parent_.descriptor(), name_.c_str(), &itself, AT_SYMLINK_NOFOLLOW) == 0 &&
-        user != 0 && user != above.st_uid && user != itself.st_uid) {
+    if (isKeptBySticky(parent_.descriptor(), name_.c_str())) {
         throw PlatformError(systemError(EPERM), path_, "removed");
     }
-    if (!isFolder_ || kept.empty()) {
-        return;
+    if (isFolder_ && !kept.empty()) {
+        refuseClosedWayTo(kept);
     }
+}
+
+void ItemRemoval::refuseClosedWayTo(std::string_view kept) const {
     FileHandle folder(openFolderOnMount(parent_.descriptor(), name_.c_str(), mount_));
     fs::path below;
     for (const fs::path& part : fs::path(kept)) {

@@ -61,6 +61,9 @@ public:
 private:
     explicit ItemRemoval(std::filesystem::path path) : path_(std::move(path)) {}
 
+    [[nodiscard]] bool findInParent();
+    void openFolder();
+    void refuseClosedWayTo(std::string_view kept) const;
     struct Pass;
     [[nodiscard]] RemovalReport inPasses(std::string_view kept, bool withItself) const;
     void removeContents(std::string_view kept, Pass& pass) const;

@@ -136,13 +136,8 @@ void WatchTree::handleInside(Node& folder, const InotifyEvent& event, std::strin
         report_(std::move(path), FSEventFlag::itemRemoved | dirFlag(isDir));
     } else if ((event.mask & IN_CREATE) != 0) {
         report_(path, FSEventFlag::itemCreated | dirFlag(isDir));
-        if (!isDir || !passes(path)) {
-            return;
-        }
-        bool isNew = false;
-        Node* child = watchFolder(&folder, event.name, path, isNew);
-        if (isNew || (child == nullptr && limitReached_)) {
-            visit({child, std::move(path), Arrival::created});
+        if (isDir && passes(path)) {
+            watchCreated(folder, event.name, std::move(path));
         }
     } else if ((event.mask & (IN_MOVED_FROM | IN_MOVED_TO)) != 0) {
         report_(path, FSEventFlag::itemRenamed | dirFlag(isDir));
@@ -151,6 +146,14 @@ void WatchTree::handleInside(Node& folder, const InotifyEvent& event, std::strin
         } else if (isDir && passes(path)) {
             arrive(folder, event, path);
         }
+    }
+}
+
+void WatchTree::watchCreated(Node& folder, const std::string& name, std::string path) {
+    bool isNew = false;
+    Node* child = watchFolder(&folder, name, path, isNew);
+    if (isNew || (child == nullptr && limitReached_)) {
+        visit({child, std::move(path), Arrival::created});
     }
 }
 

@@ -88,6 +88,7 @@ private:
     [[nodiscard]] bool passes(const std::string& folder) const;
     void handle(const InotifyEvent& event);
     void handleInside(Node& folder, const InotifyEvent& event, std::string path);
+    void watchCreated(Node& folder, const std::string& name, std::string path);
     void depart(Node& folder, const InotifyEvent& event);
     void arrive(Node& folder, const InotifyEvent& event, const std::string& path);
     void reportContent(const std::string& path, std::uint32_t mask);

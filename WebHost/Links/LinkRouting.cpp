@@ -32,6 +32,30 @@ bool leavesTheSite(const LinkRequest& request, const SiteOf& siteOf) {
            !isSameSite(request.address, request.page, siteOf);
 }
 
+LinkDecision routeInFrame(std::string_view address) {
+    const std::string scheme = schemeOf(address);
+    return isWebAddress(address) || isAmong(innerSchemes, scheme) || scheme == "data"
+               ? LinkDecision::here
+               : LinkDecision::refuse;
+}
+
+LinkDecision routeToSite(const LinkRequest& request, const SiteOf& siteOf) {
+    const bool isFollowed = request.isLinkClick && request.isGesture && !request.isRedirect;
+    const bool mayLeave = isFollowed && (request.isNewWindow || !request.isPopup);
+    const bool leaves = request.rule ? *request.rule == LinkPlace::outside
+                                     : !request.staysInside && leavesTheSite(request, siteOf);
+    return mayLeave && leaves ? LinkDecision::outside : LinkDecision::here;
+}
+
+LinkDecision routeToProgram(const LinkRequest& request) {
+    const std::string scheme = schemeOf(request.address);
+    if (isAmong(innerSchemes, scheme)) {
+        return LinkDecision::here;
+    }
+    const bool isOtherPrograms = !scheme.empty() && !isAmong(refusedSchemes, scheme);
+    return isOtherPrograms && request.isGesture ? LinkDecision::ask : LinkDecision::refuse;
+}
+
 } // namespace
 
 bool isSameSite(std::string_view a, std::string_view b, const SiteOf& siteOf) {
@@ -41,24 +65,9 @@ bool isSameSite(std::string_view a, std::string_view b, const SiteOf& siteOf) {
 
 LinkDecision routeOf(const LinkRequest& request, const SiteOf& siteOf) {
     if (!request.isMainFrame && !request.isNewWindow) {
-        const std::string scheme = schemeOf(request.address);
-        return isWebAddress(request.address) || isAmong(innerSchemes, scheme) || scheme == "data"
-                   ? LinkDecision::here
-                   : LinkDecision::refuse;
+        return routeInFrame(request.address);
     }
-    if (isWebAddress(request.address)) {
-        const bool isFollowed = request.isLinkClick && request.isGesture && !request.isRedirect;
-        const bool mayLeave = isFollowed && (request.isNewWindow || !request.isPopup);
-        const bool leaves = request.rule ? *request.rule == LinkPlace::outside
-                                         : !request.staysInside && leavesTheSite(request, siteOf);
-        return mayLeave && leaves ? LinkDecision::outside : LinkDecision::here;
-    }
-    const std::string scheme = schemeOf(request.address);
-    if (isAmong(innerSchemes, scheme)) {
-        return LinkDecision::here;
-    }
-    const bool isOtherPrograms = !scheme.empty() && !isAmong(refusedSchemes, scheme);
-    return isOtherPrograms && request.isGesture ? LinkDecision::ask : LinkDecision::refuse;
+    return isWebAddress(request.address) ? routeToSite(request, siteOf) : routeToProgram(request);
 }
 
 bool follow(LinkDecision decision, const std::function<void()>& openOutside,
