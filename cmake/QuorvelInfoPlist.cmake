@@ -1,4 +1,4 @@
-# The application's Info.plist. As a script it writes one for settings of its own:
+# The application's Info.plist. Run as a script, it writes one for the given settings:
 #   cmake -DQUORVEL_VERSION=1.2 -DQUORVEL_BUILD_NUMBER=7 [-DQUORVEL_UPDATE_FEED=ADDRESS]
 #         [-DQUORVEL_UPDATE_KEY=KEY] -DOUTPUT=FILE -P cmake/QuorvelInfoPlist.cmake
 
@@ -17,7 +17,7 @@ function(quorvel_build_number variable)
   set(${variable} "${number}" PARENT_SCOPE)
 endfunction()
 
-# One entry of text, when there is a text.
+# Appends an entry to the variable unless the text is empty.
 function(quorvel_plist_entry variable key text)
   if(NOT text STREQUAL "")
     string(REPLACE "&" "&amp;" text "${text}")

@@ -33,11 +33,11 @@ target_compile_options(quorvel_options INTERFACE
 target_compile_definitions(quorvel_options INTERFACE
   QT_NO_CAST_FROM_ASCII QT_NO_CAST_TO_ASCII QT_NO_CAST_FROM_BYTEARRAY QT_NO_CONTEXTLESS_CONNECT
   QT_NO_URL_CAST_FROM_STRING QT_NO_NARROWING_CONVERSIONS_IN_CONNECT QT_NO_KEYWORDS)
-# What distributions build their programs with. Sanitizers check more, and so replace it.
+# The hardening that distributions use. Sanitizers check more, and so replace it.
 if(NOT APPLE AND NOT QUORVEL_SANITIZE)
   set(hardening -fstack-protector-strong -fstack-clash-protection
     -U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=2)
-  # Each processor has its own way to check where jumps lead.
+  # Each processor has its own way to check the targets of jumps.
   foreach(flag -fcf-protection -mbranch-protection=standard)
     string(MAKE_C_IDENTIFIER "QUORVEL_HAS${flag}" known)
     check_cxx_compiler_flag(${flag} ${known})
@@ -52,7 +52,7 @@ endif()
 if(QUORVEL_SANITIZE)
   target_compile_options(quorvel_options INTERFACE
     -fsanitize=${QUORVEL_SANITIZE} -fno-omit-frame-pointer
-    # GCC takes the sanitizers' own checks for uses of what is not set, or is outside.
+    # GCC mistakes the sanitizers' own checks for uses of uninitialised or out-of-bounds memory.
     $<$<CXX_COMPILER_ID:GNU>:-Wno-maybe-uninitialized;-Wno-array-bounds;-Wno-stringop-overflow>)
   if(QUORVEL_SANITIZE MATCHES undefined)
     target_compile_options(quorvel_options INTERFACE -fno-sanitize-recover=undefined)

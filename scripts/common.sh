@@ -4,7 +4,7 @@
 set -euo pipefail
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 cd "$root"
-# Without it, a compiler cache takes nothing that has a precompiled header.
+# Without it, ccache caches nothing that is compiled with a precompiled header.
 export CCACHE_SLOPPINESS=${CCACHE_SLOPPINESS-pch_defines,time_macros}
 
 say() { printf '\n==> %s\n' "$*"; }
@@ -29,9 +29,9 @@ case "$(uname -m)" in
   x86_64) debian_test+=(libc6-dev-arm64-cross) ;;
   aarch64) debian_test+=(libc6-dev-amd64-cross) ;;
 esac
-# What packing needs on top of what it takes to build; the tests try it.
+# What packing needs on top of building; the tests use it, too.
 debian_package=(dpkg-dev file gzip lintian)
-# What the fuzzers need on top of what it takes to build. Clang only recommends its own runtime.
+# What the fuzzers need on top of building. Clang only recommends its own runtime.
 debian_fuzz=(clang-16 libclang-rt-16-dev)
 homebrew_build=(cmake ninja pkg-config nlohmann-json rapidjson libplist icu4c cli11 qt openjpeg)
 homebrew_test=(googletest)

@@ -1,4 +1,4 @@
-# Run by CPack before it packs: Debian has manual pages and changelogs compressed.
+# Run by CPack before it packs: Debian requires manual pages and changelogs to be compressed.
 set(root "${CPACK_TEMPORARY_DIRECTORY}")
 file(GLOB_RECURSE pages "${root}/usr/share/man/*.[1-9]")
 file(GLOB changelogs "${root}/usr/share/doc/*/changelog" "${root}/usr/share/doc/*/changelog.Debian")

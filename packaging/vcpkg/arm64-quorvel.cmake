@@ -1,4 +1,4 @@
-# How the libraries of a package for macOS are built: static, and for the oldest macOS we run on.
+# Builds the libraries of a package for macOS: static, and for the oldest macOS that Quorvel supports.
 set(VCPKG_TARGET_ARCHITECTURE arm64)
 set(VCPKG_CRT_LINKAGE dynamic)
 set(VCPKG_LIBRARY_LINKAGE static)

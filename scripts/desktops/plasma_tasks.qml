@@ -1,4 +1,4 @@
-// The model behind Plasma's taskbar, one row per window, and the numbers on its buttons.
+// The model of Plasma's taskbar, one row per window, and the numbers on its buttons.
 import QtQuick 2.15
 import org.kde.plasma.private.taskmanager 0.1 as Taskbar
 import org.kde.taskmanager 0.1

@@ -34,7 +34,7 @@ def focus(facts):
         if any(one.get("new") for one in tried):
             return "by the button, as a new window"
         return "by the button" if any(one.get("button") for one in tried) else "yes"
-    return "no, but reported" if any(one["reported"] and not one["done"] for one in tried) else "no, and says so"
+    return "no, but reports success" if any(one["reported"] and not one["done"] for one in tried) else "no, and says so"
 
 
 def badge(facts):

@@ -259,7 +259,7 @@ TEST_F(CreateCommandTest, ReplacesACloneWhenAskedAndKeepsItsData) {
     EXPECT_EQ(read(harness.home / "QuorvelInstances/Work/file"), "mine");
 }
 
-TEST_F(CreateCommandTest, ReplaceIsNoErrorWhereNothingIs) {
+TEST_F(CreateCommandTest, ReplaceIsNotAnErrorIfNothingIsThere) {
     EXPECT_EQ(create(commandWords({"--replace"})).status, 0);
 }
 

@@ -35,7 +35,7 @@ TEST_F(HostileTextTest, OneNameWithoutEndDoesNotFillTheList) {
     EXPECT_THAT(output, HasSubstr(std::string(60, 'x') + "…"));
 }
 
-TEST_F(HostileTextTest, WithoutEndAreCutInEveryTextForPeople) {
+TEST_F(HostileTextTest, ArgumentsAndVariablesWithoutEndAreCutExceptInJson) {
     const std::string endless(1'000'000, 'x');
     addClone("long", endless);
     InstanceConfig config = minimalConfig("args");

@@ -64,7 +64,7 @@ TEST_F(AppBundleTest, AnIdentifierThatIsNotAStringCountsAsMissing) {
     EXPECT_EQ(bundle->executableName, "Foo");
 }
 
-TEST_F(AppBundleTest, AnEmptyIdentifierIsOneAllTheSame) {
+TEST_F(AppBundleTest, AnEmptyIdentifierIsStillAnIdentifier) {
     const auto bundle =
         AppBundle::read(bundleWith({{"CFBundleIdentifier", ""}, {"CFBundleExecutable", ""}}));
     ASSERT_TRUE(bundle);

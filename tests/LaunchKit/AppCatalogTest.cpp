@@ -174,7 +174,7 @@ TEST(AppCatalogTest, FollowsALinkToAnApp) {
                                                                   "Linked", "com.example.Real"}));
 }
 
-TEST(AppCatalogTest, BearsNamesOfAnyBytes) {
+TEST(AppCatalogTest, ListsNamesOfAnyBytes) {
     const TemporaryFolder folder;
     makeBundle(folder / "line\nbreak <b>\x1b[31m.app", {{"CFBundleIdentifier", "1"}});
     makeBundle(folder / "\xff\xfe.app", {{"CFBundleIdentifier", "2"}});

@@ -80,7 +80,7 @@ TEST_F(RunnerLocatorTest, AFolderOfThatNameIsNotChosen) {
     EXPECT_EQ(found(), std::nullopt);
 }
 
-TEST_F(RunnerLocatorTest, ALinkToOneWillDo) {
+TEST_F(RunnerLocatorTest, ALinkToOneIsAccepted) {
     const fs::path real = runner("elsewhere");
     fs::create_directories(at("Contents/Resources"));
     fs::create_symlink(real, at("Contents/Resources/quorvel-runner"));

@@ -34,7 +34,7 @@ TEST(WebBadgeTest, OnlyTheFirstOfEachKindCounts) {
     EXPECT_EQ(count("(x) (5)"), 5);
 }
 
-TEST(WebBadgeTest, RoundBracketsWinWhereverTheyStand) {
+TEST(WebBadgeTest, RoundBracketsComeFirstWhereverTheyAre) {
     EXPECT_EQ(count("[9] Chat (4)"), 4);
 }
 
@@ -55,7 +55,7 @@ TEST(WebBadgeTest, AHugeTitleIsHandled) {
     EXPECT_EQ(count("(" + std::string(1'000'000, '1')), 0);
 }
 
-TEST(WebBadgeTest, StartsWithoutAnything) {
+TEST(WebBadgeTest, StartsWithoutACount) {
     const WebBadgeState state;
     EXPECT_EQ(state.apiBadge, std::nullopt);
     EXPECT_EQ(state.titleBadge, 0);

@@ -385,7 +385,7 @@ TEST_F(WrapperGeneratorTest, TextThatAPropertyListCantHoldLeavesTheOldWrapperAlo
     }
 }
 
-TEST_F(WrapperGeneratorTest, NamesArePassedThroughAsTheyStand) {
+TEST_F(WrapperGeneratorTest, NamesArePassedThroughUnchanged) {
     EXPECT_EQ(generate(webOptions("a/b")), at("out/a/b.app"));
     EXPECT_TRUE(fs::exists(at("out/a/b.app/Contents/PkgInfo")));
     EXPECT_TRUE(fs::exists(generate(webOptions("/etc")) / "Contents/PkgInfo"));

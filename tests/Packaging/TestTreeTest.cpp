@@ -94,7 +94,7 @@ std::vector<std::string> faultsOf(const fs::path& root) {
     return faults;
 }
 
-TEST(TestTreeTest, EverySuiteIsNamedAsItsFileAndEveryFileLiesAsItsSource) {
+TEST(TestTreeTest, EverySuiteIsNamedAfterItsFileWhichIsInTheFolderOfItsSource) {
     EXPECT_THAT(faultsOf(QUORVEL_SOURCE), IsEmpty());
 }
 

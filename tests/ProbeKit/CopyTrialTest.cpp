@@ -173,7 +173,7 @@ TEST_F(CopyTrialTest, ASecondCopyThatFailsIsNotTriedAgain) {
     EXPECT_EQ(starts(), 2);
 }
 
-TEST_F(CopyTrialTest, AnAppThatEndsByItselfTellsNothing) {
+TEST_F(CopyTrialTest, AnAppThatEndsByItselfShowsNothing) {
     const ProbeResult result = probe(entry("exit 0"));
     EXPECT_EQ(result.singleton, SingletonTier::unknown);
     EXPECT_THAT(result.environment, IsEmpty());

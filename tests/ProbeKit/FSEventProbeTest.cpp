@@ -19,7 +19,7 @@ TEST(FSEventProbeTest, NeverStartedItHasNothing) {
     EXPECT_TRUE(probe.isComplete());
 }
 
-TEST(FSEventProbeTest, StoppedTwiceItGivesTheSameTwice) {
+TEST(FSEventProbeTest, StoppedTwiceItReturnsTheSameTwice) {
     const TemporaryFolder folder;
     FSEventProbe probe({folder.path()});
     probe.start();

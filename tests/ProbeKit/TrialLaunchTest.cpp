@@ -320,7 +320,7 @@ TEST(TrialLaunchTest, ReportsItsProgress) {
     EXPECT_DOUBLE_EQ(fractions.back(), 1.0);
 }
 
-TEST(TrialLaunchTest, AnAppInTheUsersRealTimeTakesNineSeconds) {
+TEST(TrialLaunchTest, ATrialWithRealWaitsTakesNineSeconds) {
     Trial trial;
     trial.plan("write ~/file\n" + trial.reportStep() + "\nwait\n");
     AppProber::Dependencies with = trial.dependencies();

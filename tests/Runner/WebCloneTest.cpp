@@ -46,7 +46,7 @@ TEST_F(WebCloneTest, AHomeThatItMakesIsClosedToOthers) {
 }
 
 // While the first ends, nobody answers on its socket any more.
-TEST_F(WebCloneTest, OpeningWhileTheFirstEndsShowsItAnew) {
+TEST_F(WebCloneTest, OpeningWhileTheFirstEndsShowsItAgain) {
     const ScopedEnvironment stub("STUB", at("").string());
     const fs::path bundle = wrapper(configOf(ShortcutKind::web));
     Process first = start(bundle);

@@ -1,4 +1,4 @@
-# Looks for what breaks the system's rules about handlers and delegates, which the compiler can't see.
+# Finds breaches of the system's rules about handlers and delegates, which the compiler can't see.
 # The variables are those of tools/macos-check/check.
 # shellcheck shell=bash disable=SC2154
 

@@ -149,7 +149,7 @@ TEST_F(CloneRefreshTest, AChangeThatWasCutOffMeanwhileIsPutRight) {
     EXPECT_TRUE(refresh.refresh(home / "Applications/Second.app").isChanged);
 }
 
-TEST_F(CloneRefreshTest, TheFolderOfALinkIsStillToBePutRight) {
+TEST_F(CloneRefreshTest, ARefreshThroughALinkLeavesItsFolderToBePutRightLater) {
     WrapperFactory::Request second = webRequest();
     second.displayName = "Second";
     second.outputDir = home / "Elsewhere";

@@ -151,7 +151,7 @@ TEST_F(CloneStopTest, WhatIsLeftInASharedHomeGoesOn) {
 }
 
 // Such as the browser in which a link was opened.
-TEST_F(CloneStopTest, WhatIsTheUsersGoesOn) {
+TEST_F(CloneStopTest, ADetachedProcessWithTheUsersHomeGoesOn) {
     const std::string ofTheUser = std::string("HOME='") + std::getenv("HOME") + "'; export HOME; ";
     const fs::path bundle = wrapper(scripted("(" + ofTheUser + detached("sleep 600 30>&-") +
                                              "); echo $$ > " + at("pid").string() + "; " + deaf));
@@ -163,7 +163,7 @@ TEST_F(CloneStopTest, WhatIsTheUsersGoesOn) {
     EXPECT_FALSE(isGone(numberIn(at("child"))));
 }
 
-TEST_F(CloneStopTest, WhatBecomesTheUsersMeanwhileGoesOn) {
+TEST_F(CloneStopTest, AProcessThatGetsTheUsersHomeMeanwhileGoesOn) {
     const std::string user = std::string("HOME='") + std::getenv("HOME") + "'";
     write(at("link"), "exec 30>&-; echo $$ > " + at("child").string() + "; sleep 0.2; export " +
                           user + "; exec sleep 600");
@@ -179,7 +179,7 @@ TEST_F(CloneStopTest, WhatBecomesTheUsersMeanwhileGoesOn) {
 }
 
 // What started it may still be there.
-TEST_F(CloneStopTest, WhatIsTheUsersBelowTheTargetGoesOn) {
+TEST_F(CloneStopTest, AProcessOfTheTargetWithTheUsersHomeGoesOn) {
     const std::string ofTheUser = std::string("HOME='") + std::getenv("HOME") + "' ";
     const std::string child = "exec 30>&-; echo $$ > " + at("child").string() + "; exec sleep 600";
     const fs::path bundle =

@@ -74,7 +74,7 @@ TEST_F(ImmutableCloneTest, DataThatCantBeRemovedStaysAndIsReported) {
 }
 
 // On a full disk, a clone is deleted where it is.
-TEST_F(ImmutableCloneTest, ThatStaysThoughItsDataIsGoneIsTold) {
+TEST_F(ImmutableCloneTest, ThatStaysThoughItsDataIsGoneIsReported) {
     const auto problem = onSmallDisk(home_ / "Applications", "nr_inodes=20", [&]() -> std::string {
         makeWrapper(wrapper_, minimalConfig());
         write(wrapper_ / "Contents/MacOS/runner", "x");

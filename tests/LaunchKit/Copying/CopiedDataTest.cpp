@@ -97,7 +97,7 @@ TEST_F(CopiedDataTest, DataOfACloneThatWasMovedAmongTheOthersStays) {
     EXPECT_TRUE(fs::exists(place() / "deep/file"));
 }
 
-TEST_F(CopiedDataTest, WhileItCantBeToldWhoseItIsItStays) {
+TEST_F(CopiedDataTest, DataWhoseOwnerIsUnknownStays) {
     leaveUnfinished();
     fs::rename(home_ / "Applications", home_ / "not-mounted");
     settle();
@@ -126,7 +126,7 @@ TEST_F(CopiedDataTest, ACloneWithOtherDataDoesNotCount) {
     EXPECT_FALSE(fs::exists(place()));
 }
 
-TEST_F(CopiedDataTest, AMarkThatWasCopiedSaysNothing) {
+TEST_F(CopiedDataTest, ACopiedMarkIsIgnored) {
     leaveUnfinished();
     fs::copy(place(), home_ / "QuorvelInstances/Backup", fs::copy_options::recursive);
     settle();

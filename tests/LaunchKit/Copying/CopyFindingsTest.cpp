@@ -102,7 +102,7 @@ TEST_F(CopyFindingsTest, WhatIsOnlyInTheJournalCountsAndTheCopyStaysAsItIs) {
     EXPECT_EQ(treeOf(copy.path()), before);
 }
 
-TEST_F(CopyFindingsTest, WhatIsNoDatabaseIsSkipped) {
+TEST_F(CopyFindingsTest, WhatIsNotADatabaseIsSkipped) {
     write(folder_ / "Default/Cookies", "not a database");
     run("Other/Cookies", "create table something(other);");
     fs::create_symlink("/etc/passwd", folder_ / "Login Data");

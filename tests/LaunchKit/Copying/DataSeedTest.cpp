@@ -80,7 +80,7 @@ protected:
     DesktopApps apps_{};
 };
 
-TEST_F(DataSeedTest, OfFirefoxItIsTheDefaultProfile) {
+TEST_F(DataSeedTest, ForFirefoxItIsTheDefaultProfile) {
     write(home_ / ".mozilla/firefox/profiles.ini",
           "[Profile0]\nPath=one.default\nIsRelative=1\nDefault=1\n"
           "[Profile1]\nPath=two.esr\nIsRelative=1\n[Install1234]\nDefault=two.esr\n");
@@ -96,7 +96,7 @@ TEST_F(DataSeedTest, AFirefoxOfTheConfigurationFolderIsFoundToo) {
                {{"XDG_CONFIG_HOME", (home_ / "elsewhere").string()}});
 }
 
-TEST_F(DataSeedTest, AProfileThatCantBeToldIsAnError) {
+TEST_F(DataSeedTest, AnAmbiguousProfileIsAnError) {
     EXPECT_THAT(errorOf(firefox()), HasSubstr(" has no data at "));
     write(home_ / ".mozilla/firefox/profiles.ini",
           "[Profile0]\nPath=a\nIsRelative=1\n[Profile1]\nPath=b\nIsRelative=1\n");
@@ -104,7 +104,7 @@ TEST_F(DataSeedTest, AProfileThatCantBeToldIsAnError) {
     EXPECT_THAT(errorOf(firefox()), HasSubstr("It can’t be told which profile in "));
 }
 
-TEST_F(DataSeedTest, OfChromiumItIsTheWholeFolder) {
+TEST_F(DataSeedTest, ForChromiumItIsTheWholeFolder) {
     const auto request = appWith("chromium", chromiumMarks);
     EXPECT_THAT(errorOf(request), HasSubstr("“org.example.App” has no data at "));
     write(home_ / ".config/chromium/Local State", "{}");
@@ -118,7 +118,7 @@ TEST_F(DataSeedTest, AnUnknownBrowserIsAnError) {
                                 "clone can’t start with it.");
 }
 
-TEST_F(DataSeedTest, OfElectronItIsTheFolderNamedAsThePackageSays) {
+TEST_F(DataSeedTest, ForElectronItIsTheFolderNamedAsThePackageSays) {
     auto files = chromiumMarks;
     const auto request = appWith("chat/chat", files);
     write(apps_.at("opt/chat/resources/app/package.json"),
@@ -130,7 +130,7 @@ TEST_F(DataSeedTest, OfElectronItIsTheFolderNamedAsThePackageSays) {
     EXPECT_THAT(errorOf(request), HasSubstr("It is not known where "));
 }
 
-TEST_F(DataSeedTest, OfOthersItIsWhatIsKnown) {
+TEST_F(DataSeedTest, ForOthersItIsWhatIsKnown) {
     const auto request = appWith("vlc", {}, "vlc");
     EXPECT_THAT(errorOf(request), HasSubstr(" has no data at "));
     write(home_ / ".config/vlc/vlcrc", "");

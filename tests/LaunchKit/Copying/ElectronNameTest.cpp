@@ -62,7 +62,7 @@ TEST_F(ElectronNameTest, DamagedArchivesHaveNone) {
     }
 }
 
-TEST_F(ElectronNameTest, ANameThatLeadsElsewhereIsNone) {
+TEST_F(ElectronNameTest, ANameThatLeadsElsewhereIsNotUsed) {
     for (const char* name : {"", ".", "..", "a/b", "/etc"}) {
         write(folder_ / "resources/app/package.json",
               std::string(R"({"productName": ")") + name + "\"}");

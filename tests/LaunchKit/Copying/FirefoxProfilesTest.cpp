@@ -36,7 +36,7 @@ TEST_F(FirefoxProfilesTest, TheInstallationsChoiceCountsBeforeTheMark) {
     EXPECT_EQ(defaultOf("[Profile0]\r\nIsRelative=1\r\nPath=a\r\n"), folder_ / "a");
 }
 
-TEST_F(FirefoxProfilesTest, SeveralChoicesAreNone) {
+TEST_F(FirefoxProfilesTest, ContradictoryChoicesCountAsNone) {
     EXPECT_EQ(defaultOf(three + "[InstallA]\nDefault=c\n[InstallB]\nDefault=a\n"), std::nullopt);
     EXPECT_EQ(defaultOf(three + "[InstallA]\nDefault=c\n[InstallB]\nDefault=c\n"), folder_ / "c");
     EXPECT_EQ(defaultOf(three + "[Profile3]\nIsRelative=1\nPath=d\nDefault=1\n"), std::nullopt);
@@ -50,7 +50,7 @@ TEST_F(FirefoxProfilesTest, APathMayBeAbsolute) {
     EXPECT_EQ(defaultOf("[Profile0]\nIsRelative=0\nPath=c\n"), std::nullopt);
 }
 
-TEST_F(FirefoxProfilesTest, WhatIsMissingIsNone) {
+TEST_F(FirefoxProfilesTest, AMissingProfileIsNotTheDefault) {
     EXPECT_EQ(defaultFirefoxProfile(folder_.path()), std::nullopt);
     EXPECT_EQ(defaultOf(""), std::nullopt);
     EXPECT_EQ(defaultOf("Path=a\n=\n[\n[]\n"), std::nullopt);

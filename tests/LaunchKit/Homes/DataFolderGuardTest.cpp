@@ -293,7 +293,7 @@ TEST_F(DataFolderGuardTest, AMountInTheDataOrInTheWrapperIsRefusedAndNothingChan
     }
 }
 
-TEST_F(DataFolderGuardTest, ResolvesTheFolderButForALinkAtItsEnd) {
+TEST_F(DataFolderGuardTest, ResolvesTheFolderExceptForALinkAtItsEnd) {
     fs::create_directories(home_ / "real/Work");
     fs::create_directory_symlink(home_ / "real", home_ / "way");
     fs::create_directory_symlink(home_ / "real/Work", home_ / "link");

@@ -61,7 +61,7 @@ std::vector<int> sizesWithin(std::size_t bytes, const fs::path& folder) {
     return sizes;
 }
 
-TEST(IconMemoryTest, BringsOutTheSizesThatFitIntoIt) {
+TEST(IconMemoryTest, IsEnoughForTheSizesThatFitIntoIt) {
     if (isSanitized) {
         GTEST_SKIP() << "sanitizers take memory without bound";
     }

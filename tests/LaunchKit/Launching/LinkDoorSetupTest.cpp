@@ -171,7 +171,7 @@ TEST_F(LinkDoorSetupTestHome, ASecondStartChangesNothing) {
     EXPECT_EQ(fs::last_write_time(home + "/.config/mimeapps.list"), date);
 }
 
-TEST_F(LinkDoorSetupTestHome, LinksThatStayInsideNeedNothingOfIt) {
+TEST_F(LinkDoorSetupTestHome, ForLinksThatStayInsideNothingIsSetUp) {
     options.links = "inside";
     const Environment clone = setUp();
     EXPECT_TRUE(fs::is_empty(home));
@@ -363,7 +363,7 @@ TEST_F(LinkDoorSetupTestHome, OddFilesNeitherHangNorAreLost) {
     EXPECT_THAT(list(), HasSubstr(std::string("\0\xFF=\xFE\n", 5)));
 }
 
-TEST_F(LinkDoorSetupTestHome, AHomeThatCanNotBeWrittenIsNoObstacle) {
+TEST_F(LinkDoorSetupTestHome, AHomeThatCannotBeWrittenIsNotAnObstacle) {
     fs::permissions(home, fs::perms{0555});
     EXPECT_TRUE(asUnprivilegedUser(folder.path(),
                                    [&] { return setUp()["HOME"] == home && fs::is_empty(home); }));
@@ -372,7 +372,7 @@ TEST_F(LinkDoorSetupTestHome, AHomeThatCanNotBeWrittenIsNoObstacle) {
     EXPECT_THAT(setUp(), Contains(Pair("HOME", home))) << "a missing one neither";
 }
 
-TEST_F(LinkDoorSetupTestHome, APathThatEnvironmentsCanNotHoldIsLeftOut) {
+TEST_F(LinkDoorSetupTestHome, APathThatEnvironmentsCannotHoldIsLeftOut) {
     const fs::path odd = folder / "a door: %s";
     fs::rename(door, odd);
     session["QUORVEL_LINK_DOOR"] = odd.string();

@@ -64,13 +64,13 @@ TEST_F(LogReaderTest, ALogThatWasEmptiedIsReadFromItsBeginning) {
     EXPECT_EQ(reader_.next(), "new\n");
 }
 
-TEST_F(LogReaderTest, ReadingBeginsWhereItIsTold) {
+TEST_F(LogReaderTest, ReadingBeginsAtTheGivenPosition) {
     append("0123456789");
     reader_.skipTo(6);
     EXPECT_EQ(reader_.next(), "6789");
 }
 
-TEST_F(LogReaderTest, WhatIsNotAFileIsNoLog) {
+TEST_F(LogReaderTest, WhatIsNotAFileIsNotALog) {
     fs::create_symlink("/dev/null", log());
     EXPECT_FALSE(reader_.hasLog());
     EXPECT_EQ(reader_.size(), 0U);

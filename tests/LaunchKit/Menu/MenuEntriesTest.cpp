@@ -174,7 +174,7 @@ TEST_F(MenuEntriesTest, ADrawingIsPublishedBesideThePictures) {
     EXPECT_TRUE(fs::is_empty(pictures("scalable")));
 }
 
-TEST_F(MenuEntriesTest, APictureThatIsNoneLeavesAGenericOne) {
+TEST_F(MenuEntriesTest, AnInvalidPictureLeavesAGenericOne) {
     const InstanceRecord record = made(command("Work"));
     addIcon(record, "not a picture");
     publishInMenu(record);

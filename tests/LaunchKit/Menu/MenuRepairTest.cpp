@@ -204,7 +204,7 @@ TEST_F(MenuRepairTest, AnEntryThatAPowerCutEmptiedIsPublishedAgain) {
     EXPECT_TRUE(menu() == complete);
 }
 
-TEST_F(MenuRepairTest, AnEntrysOwnWindowClassGivesNobodyElsesPicturesAway) {
+TEST_F(MenuRepairTest, PicturesOfOthersStayThoughAnEntryHasTheirWindowClass) {
     const InstanceRecord record = made(command("Work"));
     publishInMenu(record);
     DesktopEntry edited = readDesktopEntry(published(record));

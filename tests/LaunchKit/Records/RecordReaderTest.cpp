@@ -94,7 +94,7 @@ TEST(RecordReaderTest, SharingIsOffOnlyWhenTheFileSaysSo) {
     EXPECT_TRUE(decoded(with(R"("shareUserFolders":true)"))->shareUserFolders);
 }
 
-TEST(RecordReaderTest, CompletenessForAKindIsNotItsBusiness) {
+TEST(RecordReaderTest, WhatAKindNeedsIsNotChecked) {
     const auto config = decoded(with(R"("kind":"command")"));
     ASSERT_TRUE(config);
     EXPECT_EQ(config->kind, ShortcutKind::command);

@@ -181,7 +181,7 @@ TEST_F(DesktopTargetTest, TheEngineIsThatOfTheRealProgram) {
     EXPECT_EQ(detectEngine(boxed), AppEngine::other);
 }
 
-TEST_F(DesktopTargetTest, WhatTakesOneDocumentIsABrowserOrLeavesTheOthersOut) {
+TEST_F(DesktopTargetTest, AnAppThatTakesOneDocumentIsABrowserOrLeavesTheOthersOut) {
     const std::vector<std::string> documents{"/a", "https://b", "/c"};
     const auto target = [&](const std::string& exec) {
         return DesktopTarget::readEntry(apps.addEntry("x", exec));

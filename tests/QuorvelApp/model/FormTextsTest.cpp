@@ -31,7 +31,7 @@ TEST(FormTextsTest, QuotesKeepWhiteSpaceTogetherAnywhereInAWord) {
                 Optional(ElementsAre("a", "--x=b cd", "", "\\\"", "\\n", "\\d\\u12")));
 }
 
-TEST(FormTextsTest, AnOpenQuoteIsNoLine) {
+TEST(FormTextsTest, AnOpenQuoteIsNotAValidLine) {
     EXPECT_EQ(splitOutsideQuotes("a \"b"), std::nullopt);
     EXPECT_EQ(splitOutsideQuotes("a \"b\\\""), std::nullopt);
 }

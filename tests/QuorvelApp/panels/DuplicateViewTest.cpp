@@ -195,7 +195,7 @@ TEST_F(DuplicateViewTest, CancellingLeavesNothingBehindAndAsksAgain) {
     EXPECT_EQ(read(data("Second") / "deep/file"), "12345");
 }
 
-TEST_F(DuplicateViewTest, AnErrorThatComesBeforeTheCancellationIsStillSaid) {
+TEST_F(DuplicateViewTest, AnErrorThatComesBeforeTheCancellationIsStillReported) {
     askWithData();
     field(u"Name"_s)->setText(u"Work"_s);
     stubs.tasks->holding = true;

@@ -122,7 +122,7 @@ TEST_F(CertificateOfferTest, NothingIsOfferedOnceAnotherPageIsOnItsWay) {
     EXPECT_THAT(opened_, IsEmpty());
 }
 
-TEST_F(CertificateOfferTest, ARevokedCertificateCanNotBeAccepted) {
+TEST_F(CertificateOfferTest, ARevokedCertificateCannotBeAccepted) {
     refuse("a.test", 'a', true);
     EXPECT_EQ(pages_.size(), 1U);
     EXPECT_EQ(bar_, "");
@@ -130,7 +130,7 @@ TEST_F(CertificateOfferTest, ARevokedCertificateCanNotBeAccepted) {
     EXPECT_THAT(opened_, IsEmpty());
 }
 
-TEST_F(CertificateOfferTest, AnExceptionThatCanNotBeKeptHoldsForThisTime) {
+TEST_F(CertificateOfferTest, AnExceptionThatCannotBeKeptHoldsForThisTime) {
     std::filesystem::create_directories(home_ / "web/certificates.json/in the way");
     refuse("a.test", 'a');
     agree();

@@ -26,7 +26,7 @@ TEST(WebAddressTest, WebAddressesStayAsTheyAre) {
     }
 }
 
-TEST(WebAddressTest, AnAbsentOrBlankAddressIsNone) {
+TEST(WebAddressTest, AnAbsentOrBlankAddressIsNotAnAddress) {
     EXPECT_EQ(startAddress(std::nullopt).kind, Case::none);
     EXPECT_EQ(startAddress("").kind, Case::none);
     EXPECT_EQ(startAddress(" \t\r\n").kind, Case::none);

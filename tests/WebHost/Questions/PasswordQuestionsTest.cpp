@@ -103,7 +103,7 @@ TEST_F(PasswordQuestionsTest, AnAnswerThatLeadsToTheSameQuestionAtOnceShowsItOnc
     EXPECT_EQ(answers_, std::vector<std::string>{"me:right"});
 }
 
-TEST_F(PasswordQuestionsTest, AQuestionGoesWithTheLastWhoWaitsForItsAnswer) {
+TEST_F(PasswordQuestionsTest, AQuestionEndsWithTheLastRequestThatWaitsForItsAnswer) {
     const std::size_t first = decide(asker("one"));
     const std::size_t second = decide(asker("one"));
     const std::size_t hidden = decide(asker("two"));

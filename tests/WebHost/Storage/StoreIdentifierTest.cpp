@@ -94,7 +94,7 @@ TEST_F(StoreIdentifierTest, OnlyStoresWhoseFolderIsCertainlyGoneAreAbandoned) {
     EXPECT_THAT(abandoned(), ElementsAre(removed));
 }
 
-TEST_F(StoreIdentifierTest, WhatIsNoUuidIsSetAsideAndReplaced) {
+TEST_F(StoreIdentifierTest, WhatIsNotAUuidIsSetAsideAndReplaced) {
     (void)start("Work");
     for (const char* damaged : {"{\"identifier\": \"../../x\"}", "{", "{}"}) {
         write(file("Work"), damaged);

@@ -1,4 +1,4 @@
-// Stands in for the static library of property lists, which the runner holds on macOS.
+// Replaces libplist's static library, which the runner links on macOS.
 
 #define STANDS_IN(name) \
     void name(void) {}

@@ -28,7 +28,7 @@ NS_ASSUME_NONNULL_BEGIN
 @interface NSWorkspace : NSObject
 @property(class, readonly, strong) NSWorkspace* sharedWorkspace;
 @property(readonly, copy) NSArray<NSRunningApplication*>* runningApplications SINCE_MACOS(10.6);
-// The handler is called on a queue of the system's.
+// The handler is called on a system queue.
 - (void)openApplicationAtURL:(NSURL*)url
                configuration:(NSWorkspaceOpenConfiguration*)configuration
            completionHandler:(void (^_Nullable)(NSRunningApplication* _Nullable application,

@@ -2,7 +2,7 @@
 
 #include <objc/objc.h>
 
-// Proxies of one's own. All are objects, in Objective-C.
+// Proxies that a program chooses itself. All are Objective-C objects.
 
 @protocol OS_nw_endpoint <NSObject>
 @end

@@ -54,7 +54,7 @@ enum : NSUInteger {
              withCompletionHandler:(void (^)(void))completionHandler SINCE_MACOS(10.14);
 @end
 
-// The handlers are called on queues of the system's.
+// The handlers are called on system queues.
 SINCE_MACOS(10.14)
 @interface UNUserNotificationCenter : NSObject
 + (UNUserNotificationCenter*)currentNotificationCenter;

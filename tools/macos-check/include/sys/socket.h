@@ -2,6 +2,6 @@
 
 #include_next <sys/socket.h>
 
-// What takes the place of a flag of each sending.
+// An option of a socket, instead of Linux's flag for each send().
 #define SO_NOSIGPIPE 0x1022
 #undef MSG_NOSIGNAL

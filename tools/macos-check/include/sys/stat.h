@@ -2,7 +2,7 @@
 
 #include_next <sys/stat.h>
 
-// What macOS calls the dates to the nanosecond.
+// The names that macOS has for the dates to the nanosecond.
 #define st_atimespec st_atim
 #define st_ctimespec st_ctim
 #define st_mtimespec st_mtim
