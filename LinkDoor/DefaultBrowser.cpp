@@ -15,7 +15,7 @@ namespace quorvel {
 namespace fs = std::filesystem;
 namespace {
 
-// Takes a command line apart once more, unlike any browser.
+// A shell would interpret the address as a part of its command line; no browser does.
 bool isShell(const fs::path& program) {
     std::error_code code;
     const fs::path resolved = fs::canonical(program, code);
@@ -85,7 +85,7 @@ Outcome startApplication(const InstalledApplication& application, const std::str
     Environment environment = currentEnvironment();
     line.applyTo(environment);
     if (isLastStop(application, line)) {
-        // It would count for all links that are clicked in it later.
+        // Otherwise these hops would count for all links that are clicked in it later.
         environment.erase(linkHopsVariable);
     }
     startDetached(*program, arguments, environment);
