@@ -4,15 +4,15 @@
 #include <string>
 #include <string_view>
 
-/// The case of ASCII letters, in every locale. All other bytes stay as they are.
+/// Lower case of ASCII letters, independent of the locale. All other bytes stay as they are.
 namespace quorvel {
 
-/// Returns the small letter of a capital one.
+/// Returns the letter in lower case.
 [[nodiscard]] constexpr char asciiLower(char letter) noexcept {
     return letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter - 'A' + 'a') : letter;
 }
 
-/// Returns the text in small letters.
+/// Returns the text in lower case.
 [[nodiscard]] inline std::string asciiLower(std::string_view text) {
     std::string lower(text);
     std::transform(lower.begin(), lower.end(), lower.begin(),

@@ -41,17 +41,18 @@ inline constexpr std::string_view pkgInfo = "PkgInfo";
 /// Returns `bundle`/Contents/Frameworks.
 [[nodiscard]] std::string frameworksOf(const std::string& bundle);
 
-/// Returns `bundle`/Contents/Helpers. A program in it is not the bundle's: it has no name,
-/// identifier or icon of that.
+/// Returns `bundle`/Contents/Helpers. The system does not take a program there for the bundle's
+/// own: it gets neither the bundle's name nor its identifier or icon.
 [[nodiscard]] std::string helpersOf(const std::string& bundle);
 
-/// How the names of the hidden folders begin in which bundles are while they are replaced. An
+/// The beginning of the names of hidden folders, in which bundles are while they are replaced. An
 /// identifier follows.
 inline constexpr std::string_view changeFolderPrefix = ".quorvel-change-";
 
 /// Returns the application bundle in whose Contents/MacOS the executable is, "/A/B.app" for
 /// "/A/B.app/Contents/MacOS/x"; empty for any other path. An executable that was replaced while it
-/// ran is in such a hidden folder, and belongs to the bundle that took its place beside it.
+/// ran is in a folder with `changeFolderPrefix`, and belongs to the bundle that took its place
+/// beside that folder.
 [[nodiscard]] std::string bundleOfExecutable(std::string_view executable);
 
 } // namespace quorvel

@@ -23,7 +23,8 @@ namespace quorvel {
 /// Returns whether `path` is `folder`, which has no slash at its end, or lies in it.
 [[nodiscard]] bool isAtOrBelow(std::string_view path, std::string_view folder) noexcept;
 
-/// Returns a list of folders like that of PATH without those that are `folder` or lie in it.
+/// Returns a list of folders, separated by ":" as in `PATH`, without those that are `folder` or lie
+/// in it.
 [[nodiscard]] std::string withoutFoldersBelow(std::string_view list, std::string_view folder);
 
 /// Returns whether the text contains a NUL byte, at which system calls would cut it off.

@@ -21,8 +21,8 @@ bool isDigit(char byte) {
     return byte >= '0' && byte <= '9';
 }
 
-// Reads one piece after the other. Its functions return false if there is something else, and may
-// have read a part of it then.
+// Reads piece by piece. Its functions return false if something else follows, and may have read a
+// part of that.
 class Reader {
 public:
     explicit Reader(std::string_view document) : rest_(document) {}
@@ -68,7 +68,7 @@ public:
     // A value with all that it contains. Nested containers are followed without recursion.
     bool skipValue() {
         constexpr std::size_t deepest = 32;
-        std::vector<bool> dictionaries; // of the open containers, which are dictionaries
+        std::vector<bool> dictionaries; // which of the open containers are dictionaries
         do {
             skipBlanks();
             if (!dictionaries.empty() && skip(dictionaries.back() ? "</dict>" : "</array>")) {

@@ -9,9 +9,9 @@
 /// that nobody asked for.
 namespace quorvel::PropertyListPruning {
 
-/// Returns the XML document without the top-level values of other keys, as far as these are
-/// written plainly: any parser reads them as valid and passes over them. From the first that is
-/// not, everything stays as it is.
+/// Returns the XML document without the top-level values of other keys. Leaves out only values that
+/// are written so plainly that any parser accepts them; from the first other one on, everything
+/// stays as it is.
 [[nodiscard]] std::string pruned(std::string_view document, PropertyList::Keys keys);
 
 } // namespace quorvel::PropertyListPruning

@@ -7,7 +7,7 @@
 namespace quorvel {
 namespace {
 
-// Not taken from ICU, which the runner, which displays text too, must not link.
+// Not taken from ICU: the runner displays text too, and must not link it.
 struct Range {
     char32_t first;
     char32_t last;

@@ -20,7 +20,7 @@ bool isShellName(const fs::path& name) {
     return isPosixShell(name.native()) || name == "csh" || name == "tcsh" || name == "fish";
 }
 
-// Takes a command line apart once more, unlike any browser.
+// A shell would interpret the address as a part of its command line; no browser does.
 bool isShell(const fs::path& program) {
     std::error_code code;
     return isShellName(program.filename()) || isShellName(fs::canonical(program, code).filename());
@@ -116,7 +116,7 @@ Outcome startApplication(const InstalledApplication& application, const std::str
     Environment environment = currentEnvironment();
     line.applyTo(environment);
     if (isLastStop(application, line)) {
-        // It would count for all links that are clicked in it later.
+        // Otherwise these hops would count for all links that are clicked in it later.
         environment.erase(linkHopsVariable);
     }
     startDetached(*program, arguments, environment);

@@ -20,8 +20,8 @@ std::optional<std::string> linkSchemeOf(std::string_view text) {
     return isKnown && scheme.size() < text.size() ? std::optional(scheme) : std::nullopt;
 }
 
-// Of valid UTF-8. Beside the control characters proper, those that end lines or turn the direction
-// of text, so that an address would look like another one.
+// Expects valid UTF-8. Besides the control characters proper, finds those that end lines or change
+// the direction of text, which make an address look like another one.
 bool containsControlCharacters(std::string_view text) {
     constexpr std::array<std::string_view, 14> others{
         "\u061c", "\u200e", "\u200f", "\u2028", "\u2029", "\u202a", "\u202b",

@@ -24,7 +24,8 @@ constexpr char openerMark = '@';
 constexpr std::array<std::string_view, 4> keptVariables{"DESKTOP_STARTUP_ID", "DISPLAY",
                                                         "WAYLAND_DISPLAY", "XDG_ACTIVATION_TOKEN"};
 
-// What a browser can't do without: programs in the clone may change these for themselves.
+// Recorded even if they don't differ: programs in the clone may change them, and a browser can't do
+// without the session's.
 constexpr std::array<const char*, 3> essentialVariables{"DBUS_SESSION_BUS_ADDRESS", "HOME", "PATH"};
 
 bool isKept(std::string_view name) {

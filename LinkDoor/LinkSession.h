@@ -7,8 +7,8 @@
 #include <string>
 #include <string_view>
 
-/// What the program that opens a clone's links outside of the clone must know about the session
-/// that the clone was started in.
+/// The session that a clone was started in, as far as the program that opens the clone's links
+/// there must know it.
 namespace quorvel {
 
 /// In a clone's environment, the clone's home. Other programs may change `HOME`.
@@ -17,7 +17,7 @@ inline constexpr const char* cloneHomeVariable = "QUORVEL_CLONE_HOME";
 /// How many times one address was handed from clone to clone.
 inline constexpr const char* linkHopsVariable = "QUORVEL_LINK_HOPS";
 
-/// What all our variables begin with. None of them leaves a clone.
+/// The beginning of the names of Quorvel's own variables. None of them leaves a clone.
 inline constexpr std::string_view ownVariablePrefix = "QUORVEL_";
 
 /// What a clone's session file contains.
@@ -30,7 +30,8 @@ struct LinkSession {
 
     bool operator==(const LinkSession&) const = default;
 
-    /// Returns the session of a clone that is given the environment `clone` in that of `session`.
+    /// Returns the record for a clone that is started with the environment `clone` in a session
+    /// with the environment `session`.
     [[nodiscard]] static LinkSession between(const Environment& session, const Environment& clone);
 
     /// Returns the session that the text describes; std::nullopt if it is not in that form.

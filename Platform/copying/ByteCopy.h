@@ -8,8 +8,9 @@
 namespace quorvel {
 
 /// Copies the bytes of an open regular file into an empty one. Holes are kept where the file
-/// systems support them. Calls `copied` now and then with the number of bytes that were copied
-/// since; what it throws is passed on. Returns false if the copy fails (`errno` says why).
+/// systems support them. Calls `copied` repeatedly, with the number of bytes copied since the last
+/// call; what it throws ends the copy and is passed on. Returns false if the copy fails (`errno`
+/// says why).
 [[nodiscard]] bool copyBytes(const FileHandle& from, const FileHandle& to,
                              const std::function<void(std::size_t)>& copied = {});
 

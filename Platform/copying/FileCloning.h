@@ -14,7 +14,8 @@ namespace quorvel {
 /// `name` then.
 [[nodiscard]] FileHandle cloneFile(int from, int folder, const char* name);
 
-/// Returns whether such a failure means that no other file can be cloned to there either.
+/// Returns whether this `errno` of `cloneFile` means that no other file can be cloned to that
+/// folder either.
 [[nodiscard]] bool meansNoCloning(int error);
 
 /// Copies up to that many bytes to the same place in another open file, without passing them

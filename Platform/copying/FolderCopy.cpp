@@ -103,7 +103,7 @@ void FolderCopy::fail(const std::string& path, int error) const {
     }
 }
 
-// What can't be copied as a whole is found before anything is.
+// Finds what makes a complete copy impossible before anything is copied.
 void FolderCopy::count() {
     FolderWalk walk(root_.descriptor(), mount_);
     while (const auto step = walk.next()) {
@@ -267,7 +267,7 @@ void FolderCopy::copyFile(const Place& place, const std::string& name, const str
     }
 }
 
-// Each of its names may be of interest.
+// The caller may be interested in each of its names.
 void FolderCopy::showLinkedFile(const Place& place, const std::string& name,
                                 const struct stat& facts) {
     if (options_.copied && S_ISREG(facts.st_mode)) {

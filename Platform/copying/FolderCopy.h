@@ -35,7 +35,7 @@ struct CopiedItem {
     const std::vector<std::string>& besides; ///< the names in its own folder
 };
 
-/// How far a copy is.
+/// The progress of a copy.
 struct CopyProgress {
     std::size_t items = 0;
     std::size_t allItems = 0;
@@ -55,9 +55,9 @@ struct FolderCopyOptions {
     std::function<bool(const CopiedItem&)> leavesOut{};
     /// Called for each file and link once it is copied, while its bytes are in memory.
     std::function<void(const CopiedContent&)> copied{};
-    /// Called now and then, on the thread that copies.
+    /// Called on the thread that copies, every 100 ms at most and once at the end.
     std::function<void(const CopyProgress&)> progress{};
-    /// Cancels the copy once it is true. Null: can't be cancelled.
+    /// Cancels the copy once it is true. If null, the copy can't be cancelled.
     const std::atomic<bool>* cancelled = nullptr;
 };
 
@@ -65,9 +65,9 @@ struct FolderCopyOptions {
 struct FolderCopyReport {
     std::size_t items = 0;         ///< files, links and folders
     std::size_t clonedFiles = 0;   ///< files that share their blocks with the originals
-    std::size_t copiedFiles = 0;   ///< others
+    std::size_t copiedFiles = 0;   ///< other files
     std::uintmax_t bytes = 0;      ///< the sizes of both
-    std::uintmax_t bytesTaken = 0; ///< on disk, by the others
+    std::uintmax_t bytesTaken = 0; ///< on disk, by `copiedFiles`
 
     FolderCopyReport& operator+=(const FolderCopyReport& other);
 };
@@ -75,7 +75,7 @@ struct FolderCopyReport {
 /// Copies what a folder contains into another one: by cloning files where the file system can do
 /// that, otherwise bytes and holes. Keeps modes, owners where that is allowed, dates, extended
 /// attributes, links as links and hard links between the items. Never follows a link and never
-/// leaves the mount of the folder. For one use.
+/// leaves the mount of the folder. Can be used once.
 class FolderCopy {
 public:
     /// Opens the folder `source`, which must not be a link. Throws `PlatformError`.

@@ -90,7 +90,8 @@ void flush(const fs::path& folder) {
     }
 }
 
-// Removes the original, in `beside`, whose name first records that the copy is complete.
+// Removes the original, which is in `beside`, after renaming that folder to record that the copy is
+// complete.
 void removeOriginal(const fs::path& beside, const fs::path& staging, const fs::path& item) {
     const std::string id = idOf(beside.filename().string()).value();
     const fs::path moved = beside.parent_path() / std::string(movedPrefix).append(id);

@@ -13,10 +13,10 @@ namespace quorvel {
 using ExclusiveRename = std::function<int(const std::filesystem::path& source,
                                           const std::filesystem::path& destination)>;
 
-/// Moves items, across file systems too. There an item is copied under a temporary name beside its
-/// destination, flushed to disk and renamed; only then is the original removed. A folder beside the
-/// original records the progress, so that an interrupted move can be finished without losing or
-/// duplicating anything.
+/// Moves items, also to another file system. For that, an item is copied under a temporary name
+/// beside its destination, flushed to disk and renamed; only then is the original removed. A folder
+/// beside the original records the progress, so that an interrupted move can be finished without
+/// losing or duplicating anything.
 class ItemMover {
 public:
     /// If `exclusively` reports that the file system does not support it, the destination is
@@ -26,8 +26,8 @@ public:
     /// Moves an item. Throws `PlatformError`, also if anything is at `destination`; then the item
     /// is still complete at `source`, including what was written into it meanwhile, or the error
     /// says that it was copied but part of the original can't be removed. Keeps hard links between
-    /// the items that one mover moves. Another one, after an interruption, doesn't know them: of
-    /// the items that share a file, those that it moves share a second one.
+    /// the items that one mover moves. Another mover, after an interruption, doesn't know them: the
+    /// items that it moves share a second copy of the file.
     void move(const std::filesystem::path& source, const std::filesystem::path& destination);
 
     /// Returns whether an interrupted move leaves a folder of that name beside its original.

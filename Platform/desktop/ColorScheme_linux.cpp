@@ -33,7 +33,7 @@ std::optional<ColorScheme> schemeFrom(const QVariant& value) {
     return number == 1 ? ColorScheme::dark : ColorScheme::light;
 }
 
-// Looked for as libdbus does, which would start a bus of its own if there is none.
+// Looks where libdbus does, which would start a new bus if there is none.
 bool hasSessionBus() {
     const QByteArray runtime = qgetenv("XDG_RUNTIME_DIR");
     return !qEnvironmentVariableIsEmpty("DBUS_SESSION_BUS_ADDRESS") ||

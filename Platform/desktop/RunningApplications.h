@@ -22,7 +22,7 @@ public:
     RunningApplications() = default;
     explicit RunningApplications(std::vector<RunningApplication> applications);
 
-    /// All of them, ordered by process number.
+    /// Returns all of them, ordered by process number.
     [[nodiscard]] const std::vector<RunningApplication>& all() const { return all_; }
 
     /// Returns those with exactly this identifier, ordered by process number.

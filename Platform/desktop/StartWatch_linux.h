@@ -22,8 +22,7 @@ using StartedProgram = ReportedStart;
                                           const Environment& variables = {});
 
 /// Starts a clone's runner in the same way, and waits for its report. Returns whether it reports
-/// that it has done what it was told; false for the executable of any other bundle, which is not
-/// started.
+/// success. Returns false, and starts nothing, for the executable of any other bundle.
 [[nodiscard]] bool startAndWait(const std::filesystem::path& executable,
                                 const Environment& variables);
 

@@ -105,7 +105,8 @@ Environment variablesWith(const std::string& token) {
                : Environment{{"XDG_ACTIVATION_TOKEN", token}, {"DESKTOP_STARTUP_ID", token}};
 }
 
-// The clone itself may know how to use the token: one that runs is told by a second start.
+// The clone itself may know how to use the token. A second start passes it on to one that is
+// running.
 bool bringsItselfToFront(const Activation& activation) {
     if (activation.token.empty()) {
         return false;

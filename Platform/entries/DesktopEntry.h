@@ -17,7 +17,7 @@ public:
     using Error::Error;
 };
 
-/// One of the other things that an application's menu offers, such as "New Private Window".
+/// One of the further actions in an application's menu, such as "New Private Window".
 struct DesktopAction {
     std::string id{}; ///< letters, digits and "-"
     std::string name{};
@@ -57,25 +57,28 @@ struct DesktopEntry {
 
     bool operator==(const DesktopEntry&) const = default;
 
-    /// Whether a desktop of these names (`XDG_CURRENT_DESKTOP`) may show it.
+    /// Returns whether a desktop of these names (`XDG_CURRENT_DESKTOP`) may show it.
     [[nodiscard]] bool isShownIn(const std::vector<std::string>& desktops) const;
 };
 
-/// The languages that texts are looked for in: those of the user's messages, the best first.
+/// Returns the languages in which texts are looked for: those of the user's messages, the best
+/// first. Empty on macOS.
 [[nodiscard]] std::vector<std::string> desktopEntryLanguages();
 
+/// Returns the entry in a text. Translated texts are in the first of the languages that they have.
 /// Throws `DesktopEntryError` if the text is not a desktop entry. A value that is not UTF-8 counts
 /// as missing. On macOS there are no entries, and it always throws.
 [[nodiscard]] DesktopEntry parseDesktopEntry(std::string_view text,
                                              const std::vector<std::string>& languages);
 
-/// Reads a regular file (links followed) of at most `maxDesktopEntrySize`, without blocking, in the
-/// user's languages. Throws `PlatformError`.
+/// Reads an entry from a regular file (links followed) of at most `maxDesktopEntrySize`, without
+/// blocking, in the user's languages. Throws `PlatformError`.
 [[nodiscard]] DesktopEntry readDesktopEntry(const std::filesystem::path& file);
 constexpr std::size_t maxDesktopEntrySize = std::size_t{1} << 20U;
 
-/// The text of a file from which exactly this entry is read. Throws `DesktopEntryError` for what
-/// can't be written: a NUL byte, bytes that are not UTF-8, a line break in a path or command.
+/// Returns the text of a file from which exactly this entry is read. Throws `DesktopEntryError` for
+/// what can't be written, such as a NUL byte, bytes that are not UTF-8, or a line break in a path
+/// or command; on macOS always.
 [[nodiscard]] std::string desktopEntryText(const DesktopEntry& entry);
 
 } // namespace quorvel

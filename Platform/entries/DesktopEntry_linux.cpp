@@ -195,7 +195,7 @@ std::string desktopEntryText(const DesktopEntry& entry) {
     }
     writeActions(file, entry.actions);
     std::string text = file.text();
-    // Such as white space before a text, of a kind that nobody keeps.
+    // The form loses some texts, such as those that begin with unusual white space.
     if (parseDesktopEntry(text, {}) != entry) {
         throw DesktopEntryError("not all of it can be written down");
     }

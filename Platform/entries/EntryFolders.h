@@ -6,7 +6,8 @@
 
 namespace quorvel {
 
-/// The folders in which desktop entries are installed, the most important first.
+/// Returns the folders in which desktop entries are installed, the most important first. Empty on
+/// macOS.
 [[nodiscard]] std::vector<std::filesystem::path> applicationEntryFolders();
 
 /// Returns the id of the entry in that file: in a folder of applications its path from there, with

@@ -34,40 +34,40 @@ struct ExecLine {
     };
 
     std::vector<std::string> environment{}; ///< "NAME=value", from an "env" before the program
-    std::vector<std::string> unset{};       ///< names of variables that such an "env" takes away
+    std::vector<std::string> unset{};       ///< names of variables that an "env" removes
     std::string program{};                  ///< a name to look up in `PATH`, or a path
     std::vector<Word> words{};              ///< what follows the program
 
-    /// Throws `ExecLineError` for a quote that is never closed, a line without a program, or an
-    /// "env" whose options can't be followed.
+    /// Takes the line apart. Throws `ExecLineError` for a quote that is never closed, a line
+    /// without a program, or an "env" whose options can't be followed.
     [[nodiscard]] static ExecLine parse(std::string_view exec);
 
-    /// The program's arguments for one start with these items: absolute paths or URLs. Files are
-    /// passed as paths. URLs of other schemes reach only codes for URLs. A line that has no code
-    /// for either gets the first item at its end, if it is a file. Codes that are deprecated or
-    /// unknown disappear.
+    /// Returns the program's arguments for one start with these items: absolute paths or URLs.
+    /// Files are passed as paths. URLs of other schemes reach only codes for URLs. A line that has
+    /// no code for either gets the first item at its end, if it is a file. Codes that are
+    /// deprecated or unknown disappear.
     [[nodiscard]] std::vector<std::string> toArguments(const std::vector<std::string>& items,
                                                        const Fields& fields) const;
 
-    /// Whether a start takes items, one at least.
+    /// Returns whether the line has a code for items, so that a start takes at least one.
     [[nodiscard]] bool takesItems() const;
 
     /// Changes the variables that the "env" before the program changes.
     void applyTo(Environment& variables) const;
 
-    /// Whether one start takes all items. Otherwise it takes only the first.
+    /// Returns whether one start takes all items. Otherwise it takes only the first.
     [[nodiscard]] bool takesSeveral() const;
 
     /// Returns this line with codes that take all items where a word takes one.
     [[nodiscard]] ExecLine takingSeveral() const;
 
-    /// Where an engine's own arguments belong among `arguments`: directly after the program, since
-    /// what follows "--" is a file; for Flatpak's "run" after the application's id.
+    /// Returns the index in `arguments` at which an engine's own belong: directly after the
+    /// program, since what follows "--" is a file; for Flatpak's "run", after the application's id.
     [[nodiscard]] std::size_t engineArgumentsIndex(const std::vector<std::string>& arguments) const;
 
-    /// The text that `parse` takes apart into this command: a program, and arguments in which "%"
-    /// has no meaning. `codes` follow as they are, such as "%U". Throws `ExecLineError` for what
-    /// the format can't hold: a line break, a NUL byte, an equals sign in the program.
+    /// Returns the text that `parse` takes apart into this command: a program, and arguments in
+    /// which "%" has no meaning. `codes` follow as they are, such as "%U". Throws `ExecLineError`
+    /// for what the format can't hold: a line break, a NUL byte, an equals sign in the program.
     [[nodiscard]] static std::string text(const std::vector<std::string>& command,
                                           std::string_view codes = {});
 };

@@ -6,7 +6,8 @@
 
 namespace quorvel {
 
-/// The absolute path that a "file" URL of this machine names; std::nullopt for any other URL.
+/// Returns the absolute path that a "file" URL of this machine names; std::nullopt for any other
+/// URL.
 [[nodiscard]] std::optional<std::string> pathOfFileUrl(std::string_view url);
 
 } // namespace quorvel

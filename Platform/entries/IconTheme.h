@@ -8,8 +8,8 @@
 
 namespace quorvel {
 
-/// Finds the files of icons by their names, as the format of icon themes lays them out. Folders are
-/// listed when they are first needed, and kept: an object is for one round of look-ups.
+/// Finds the files of icons by the icons' names, in folders laid out as icon themes. Keeps the
+/// contents of the folders that it has listed, so an object is for one round of look-ups.
 class IconTheme {
 public:
     /// PNG images smaller than this come after a scalable icon.
@@ -24,11 +24,12 @@ public:
     ~IconTheme();
 
     /// Returns the icon's file: of the first theme that has the icon, the largest PNG, else the
-    /// scalable SVG. An absolute path is the answer itself, if a PNG or SVG file is there and its
-    /// folder answers within two seconds. std::nullopt if there is none.
+    /// scalable SVG. An absolute path is returned as it is, if a PNG or SVG file is there and its
+    /// folder answers within two seconds. Returns std::nullopt if there is none.
     [[nodiscard]] std::optional<std::filesystem::path> find(const std::string& icon);
 
-    /// Returns the same for several icons, in their order. Absolute paths take two seconds in all.
+    /// Returns the same for several icons, in their order. All absolute paths together are waited
+    /// for two seconds at most.
     [[nodiscard]] std::vector<std::optional<std::filesystem::path>>
     findAll(const std::vector<std::string>& icons);
 
@@ -36,7 +37,7 @@ public:
     /// "hicolor".
     [[nodiscard]] static std::string chosenTheme();
 
-    /// The folders that hold themes, the most important first.
+    /// Returns the folders that may contain themes, the most important first.
     [[nodiscard]] static std::vector<std::filesystem::path> iconFolders();
 
 private:

@@ -8,18 +8,18 @@
 
 namespace quorvel {
 
-/// One icon theme, in all the folders that hold a part of it. A part whose folders don't answer, as
-/// those of a server that is gone, is left out.
+/// One icon theme, in all the folders that hold a part of it. A part whose folders don't answer,
+/// such as those of a server that is gone, is left out.
 class IconThemeFolder {
 public:
     /// `folders` are those that may hold the theme `name`. The first that has an index describes
     /// it; without an index it has no icons.
     IconThemeFolder(const std::string& name, const std::vector<std::filesystem::path>& folders);
 
-    /// The names of the themes to look in next.
+    /// Returns the names of the themes to look in next.
     [[nodiscard]] const std::vector<std::string>& parents() const { return parents_; }
 
-    /// The best of the theme's files for an icon.
+    /// Returns the best of the theme's files for an icon; std::nullopt if it has none.
     [[nodiscard]] std::optional<std::filesystem::path> find(const std::string& icon);
 
     static constexpr std::size_t maxFolders = 2000;

@@ -148,8 +148,8 @@ private:
         themes_.emplace_back(fallbackTheme, folders_);
     }
 
-    std::vector<fs::path> folders_;            ///< those that are there
-    std::unordered_set<std::string> beside_{}; ///< files beside the themes, and these
+    std::vector<fs::path> folders_;            ///< those that exist and answered
+    std::unordered_set<std::string> beside_{}; ///< paths of all that is in `folders_`
     std::vector<IconThemeFolder> themes_{};
     std::vector<IconThemeFolder> desktopThemes_{};
 };

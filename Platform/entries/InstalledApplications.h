@@ -16,12 +16,12 @@ struct InstalledApplication {
     DesktopEntry entry{};
 };
 
-/// The applications whose entries lie in these folders and the folders inside them, in no
+/// Returns the applications whose entries lie in these folders and the folders inside them, in no
 /// particular order. Of several entries with one id the first counts, even if it can't be read.
-/// Left out are entries that are hidden, not to be shown on this desktop, for a terminal, no
-/// applications, or whose program is missing, and Quorvel and its clones. Of a folder tree at most
-/// `maxEntryFiles` files, `maxEntryDepth` folders deep, are looked at. Programs in a folder that
-/// does not answer within two seconds count as missing. On macOS, none.
+/// Leaves out entries that are hidden, not shown on this desktop, for a terminal, or not of an
+/// application, those whose program is missing, and Quorvel and its clones. Looks at no more than
+/// `maxEntryFiles` files of a folder tree, and no deeper than `maxEntryDepth` folders. Programs in
+/// a folder that does not answer within two seconds count as missing. Returns none on macOS.
 [[nodiscard]] std::vector<InstalledApplication> installedApplications(
     const std::vector<std::filesystem::path>& folders = applicationEntryFolders());
 constexpr std::size_t maxEntryFiles = 20000;

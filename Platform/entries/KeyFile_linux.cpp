@@ -30,8 +30,9 @@ std::string_view languageOf(std::string_view line) {
     return rest.starts_with("]=") ? language : std::string_view{};
 }
 
-// Most lines of an ordinary entry are translations that nobody will read. To leave them out first
-// makes reading one several times faster. `present` becomes those of the languages that remain.
+// Most lines of an ordinary entry are translations that nobody will read. Leaving them out first
+// makes reading the entry several times faster. `present` becomes those of the languages that
+// remain.
 std::string withoutForeignTranslations(std::string_view text,
                                        const std::vector<std::string>& languages,
                                        std::vector<std::string>& present) {
@@ -79,7 +80,7 @@ std::optional<KeyFile> KeyFile::parse(std::string_view text,
     KeyFile result;
     const std::string kept = withoutForeignTranslations(text, languages, result.languages_);
     g_key_file_set_list_separator(result.file_.get(), separator);
-    // Of an empty text GLib says that it is none; it lacks groups, and nothing else.
+    // GLib rejects an empty text, which is merely one without groups.
     if (!kept.empty() && !g_key_file_load_from_data(result.file_.get(), kept.data(), kept.size(),
                                                     G_KEY_FILE_KEEP_TRANSLATIONS, nullptr)) {
         return std::nullopt;
@@ -109,7 +110,7 @@ bool KeyFile::hasGroup(const std::string& group) const {
     return g_key_file_has_group(file_.get(), group.c_str()) != FALSE;
 }
 
-// Asked first everywhere, since GLib words an error for every key that is missing.
+// Always asked first, since GLib composes an error text for every missing key.
 bool KeyFile::has(const std::string& group, const char* key) const {
     return g_key_file_has_key(file_.get(), group.c_str(), key, nullptr) != FALSE;
 }
@@ -118,7 +119,7 @@ std::optional<std::string> KeyFile::find(const std::string& group, const char* k
     if (!has(group, key)) {
         return std::nullopt;
     }
-    // An escape that means nothing is an error, but the value is there all the same.
+    // An unknown escape is an error, but the value is returned nevertheless.
     const OwnedText value(g_key_file_get_string(file_.get(), group.c_str(), key, nullptr), g_free);
     return value ? std::optional<std::string>(value.get()) : std::nullopt;
 }

@@ -61,8 +61,8 @@ private:
     std::vector<std::string> languages_{}; ///< those that it has translations into
 };
 
-/// The languages of the user's texts, the best first ("de_DE.UTF-8", "de_DE", "de"), as gettext
-/// takes them from `LANGUAGE`, `LC_ALL`, `LC_MESSAGES` and `LANG`.
+/// Returns the languages of the user's texts, the best first ("de_DE.UTF-8", "de_DE", "de"), as
+/// gettext takes them from `LANGUAGE`, `LC_ALL`, `LC_MESSAGES` and `LANG`.
 [[nodiscard]] std::vector<std::string> userLanguages();
 
 } // namespace quorvel

@@ -107,8 +107,8 @@ void writePictures(const std::string& icon, const std::vector<MenuPicture>& pict
     touchTheme();
 }
 
-// Makes pictures that stay look new, so that nobody takes them for what an interrupted publication
-// left.
+// Gives pictures that stay a new date, so that they are not taken for those that an interrupted
+// publication left.
 void touchPictures(const MenuEntry& entry) {
     if (!entry.entry.icon.starts_with(entry.word + "-")) {
         return;
@@ -214,7 +214,7 @@ bool publishMenuEntry(const MenuEntry& entry, const std::vector<MenuPicture>& pi
         writePictures(entry.entry.icon, pictures);
     }
     createDirectories(entryFolder());
-    // One that a power cut emptied would be nobody's.
+    // A power cut must not leave an empty entry, which would no longer say whose it is.
     writeWholeFile(file, text, Flush::now);
     removeOlder(older, entry);
     return hadTypes(older) || !entry.entry.mimeTypes.empty();

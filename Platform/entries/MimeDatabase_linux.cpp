@@ -23,7 +23,7 @@ void updateMimeDatabase(const std::filesystem::path& entryFolder) {
             process.detach();
         }
     } catch (const PlatformError&) {
-        // The entry is in the menu all the same.
+        // The entry is in the menu nevertheless.
     }
 }
 

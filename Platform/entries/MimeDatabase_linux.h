@@ -4,8 +4,9 @@
 
 namespace quorvel {
 
-/// Rebuilds the list of which entry in the folder opens what, which desktops read instead of the
-/// entries. Does nothing if the tool that does so is missing. Waits for it, but not for long.
+/// Rebuilds the folder's list of which entry opens what, which desktops read instead of the
+/// entries. Does nothing if the tool for that is missing. Waits for the tool for two seconds at
+/// most.
 void updateMimeDatabase(const std::filesystem::path& entryFolder);
 
 } // namespace quorvel

@@ -22,7 +22,7 @@ namespace quorvel {
                               std::string& bytes);
 
 /// Returns what the symbolic link `name` in the open folder `folder` leads to, as it is spelled;
-/// std::nullopt, with `errno`, if it is none.
+/// std::nullopt, with `errno`, if it is not a link.
 [[nodiscard]] std::optional<std::string> linkTargetIn(int folder, const char* name);
 
 } // namespace quorvel

@@ -5,8 +5,8 @@
 
 namespace quorvel {
 
-/// Returns whether this `errno` says that a file system does not support an operation. Its two
-/// names are one number on Linux only.
+/// Returns whether this `errno` says that a file system does not support an operation. ENOTSUP and
+/// EOPNOTSUPP are the same number on Linux only.
 [[nodiscard]] inline bool meansUnsupported(int error) {
     const std::error_code code(error, std::generic_category());
     return code == std::errc::not_supported || code == std::errc::operation_not_supported;

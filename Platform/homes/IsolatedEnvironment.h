@@ -6,7 +6,7 @@
 
 namespace quorvel {
 
-/// What an application's environment depends on beside its home.
+/// What an application's environment depends on besides its home.
 struct IsolationOptions {
     /// Downloads, Documents and Desktop are the user's own.
     bool sharesUserFolders = true;
@@ -16,11 +16,11 @@ struct IsolationOptions {
     bool usesFlatpak = false;
 };
 
-/// Returns the variables, beside `HOME`, that keep the data of an application below `home`
-/// (absolute and existing) where the system would let the session's environment lead it elsewhere.
-/// They replace those of the same name in `session`, the environment that the application would
-/// have otherwise. Creates what they point to, and renews it at each call; a variable whose folder
-/// can't be created is left out. Empty on macOS, where the home alone decides. Never throws.
+/// Returns the variables, besides `HOME`, that keep the data of an application below `home`
+/// (absolute and existing) where the session's environment would lead it elsewhere. They replace
+/// those of the same name in `session`, the environment that the application would have otherwise.
+/// Creates what they point to, and updates it at each call; a variable whose folder can't be
+/// created is left out. Empty on macOS, where the home alone decides. Never throws.
 [[nodiscard]] Environment isolatedEnvironment(const std::string& home, const Environment& session,
                                               const IsolationOptions& options = {});
 

@@ -23,7 +23,7 @@ namespace quorvel {
 namespace fs = std::filesystem;
 namespace {
 
-// What is written into a home says so, and what doesn't say so is not replaced.
+// The beginning of a file that is written here. A file without it is not replaced.
 constexpr std::string_view userDirsMark =
     "# Written by Quorvel at each start. Without this line, it is left as it is.\n";
 
@@ -45,9 +45,9 @@ struct TemporaryPlace {
     }
 };
 
-// Returns where such a folder may be, the best place first. Sockets are made in it whose whole path
-// may have 107 bytes: Telegram's names take 72, so a folder inside the home would often be too
-// long.
+// Returns where such a folder may be, the best place first. Applications make sockets in it, whose
+// whole path may have 107 bytes at most: Telegram's names take 72, so a folder inside the home
+// would often be too long.
 std::vector<TemporaryPlace> temporaryPlaces(const std::string& home, const Environment& session) {
     constexpr std::size_t longest = 35;
     // The same at each start, short, and without characters that a path can't have.

@@ -16,7 +16,7 @@ public:
     InterruptFlag& operator=(const InterruptFlag&) = delete;
     ~InterruptFlag();
 
-    /// Whether a signal has arrived.
+    /// Returns the flag, which is true once a signal has arrived.
     [[nodiscard]] const std::atomic<bool>& flag() const;
 
     /// Restores the previous handling and raises the signal that arrived, if any.

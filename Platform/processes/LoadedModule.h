@@ -11,8 +11,8 @@ struct LoadedModule {
     std::string problem{};    ///< then, why: for the log
 };
 
-/// Loads the module at that path, all of it at once and visible to nobody else, and finds the
-/// function. A path that is not absolute is refused.
+/// Loads the module at that path, resolves all of its symbols at once and shows its own to no other
+/// module, and returns its function of that name. A path that is not absolute is refused.
 [[nodiscard]] LoadedModule loadModule(const std::filesystem::path& module, const char* function);
 
 /// Returns whether a module has to be a part of the bundle of the program that loads it: on macOS

@@ -14,7 +14,8 @@ struct ProcessActivity {
     bool waitsForLock = false;           ///< one of them waits for a lock on a file
 };
 
-/// Returns nothing but zeros for a process that has ended, and on macOS.
+/// Returns the activity of a process and its descendants. All zeros for a process that has ended,
+/// and on macOS.
 [[nodiscard]] ProcessActivity activityOf(pid_t process);
 
 /// Returns whether this user runs this executable file with this value of HOME. On macOS always

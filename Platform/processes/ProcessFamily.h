@@ -27,12 +27,14 @@ descendantsOf(pid_t root, const std::function<bool(pid_t process)>& isApart = {}
 /// Returns the running children of that process.
 [[nodiscard]] std::vector<ProcessIdentity> childrenOf(pid_t parent);
 
-/// Returns whether a process below `runner`, a clone's, is the user's and not the clone's: it has
-/// the runner's own HOME, which what started it had not if that still runs, and a session of its
-/// own, like the browser that a link was opened in. False if that can't be told, and on macOS.
+/// Returns whether a process below `runner`, a clone's runner, belongs to the user and no longer to
+/// the clone, like the browser in which a link was opened: its session is not the runner's, but its
+/// HOME is, and its parent is the runner or does not have that HOME. Returns false if that can't be
+/// determined, and on macOS.
 [[nodiscard]] bool hasLeftClone(pid_t process, pid_t runner);
 
-/// Returns whether both processes have the same HOME. False if that can't be told, and on macOS.
+/// Returns whether both processes have the same HOME. Returns false if that can't be determined,
+/// and on macOS.
 [[nodiscard]] bool haveSameHome(pid_t process, pid_t other);
 
 /// Returns the descendants of a clone's runner, without those that have left the clone and theirs.
@@ -47,8 +49,8 @@ descendantsOf(pid_t root, const std::function<bool(pid_t process)>& isApart = {}
 /// on macOS. Skips those of other users.
 [[nodiscard]] std::vector<ProcessIdentity> processesOf(const std::filesystem::path& program);
 
-/// Returns the running processes whose first or second argument is that script, which interpreters
-/// get there. Returns none on macOS.
+/// Returns the running processes whose first or second argument is that script: interpreters get it
+/// there. Returns none on macOS.
 [[nodiscard]] std::vector<ProcessIdentity> processesOfScript(const std::filesystem::path& script);
 
 /// Returns the running processes that inherited that file or folder as `Process::keptDescriptor`.
@@ -56,7 +58,7 @@ descendantsOf(pid_t root, const std::function<bool(pid_t process)>& isApart = {}
 [[nodiscard]] std::vector<ProcessIdentity> processesKeeping(const std::filesystem::path& item);
 
 /// Returns whether a process of this number is running that was started before that date, in
-/// seconds since 1970. One that was started later has got another one's number.
+/// seconds since 1970. One that was started later has reused the number of another.
 [[nodiscard]] bool isRunningSince(pid_t pid, std::time_t date);
 
 /// Returns whether the process is still running. A zombie is not.

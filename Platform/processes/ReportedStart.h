@@ -10,8 +10,8 @@ struct ReportedStart {
     FileHandle reports; ///< for `readStartReport`
 };
 
-/// Starts a program detached from this process and without output, and has it make a `StartReport`.
-/// `options.kept` is not used. Throws `PlatformError`.
+/// Starts a program detached from this process and without output, and passes it the pipe for its
+/// `StartReport`. `options.kept` is not used. Throws `PlatformError`.
 [[nodiscard]] ReportedStart startReporting(Process::Options options);
 
 } // namespace quorvel

@@ -30,7 +30,7 @@ void reapOthersThan(const Process& process) {
     }
 }
 
-// Returns the children but for the companions, after reaping those that have ended.
+// Returns the children except the companions, after reaping those that have ended.
 std::vector<pid_t> othersThan(std::vector<Process>& companions) {
     reap(companions);
     pid_t ended = 1;
@@ -38,7 +38,7 @@ std::vector<pid_t> othersThan(std::vector<Process>& companions) {
         ended = ::waitpid(-1, nullptr, WNOHANG);
     }
     if (ended < 0) {
-        return {}; // Without children, all of the system's processes need not be searched for them.
+        return {}; // without children, there is no need to search all processes for them
     }
     std::vector<pid_t> children = runningChildren();
     for (const Process& companion : companions) {

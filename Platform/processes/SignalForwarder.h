@@ -21,8 +21,8 @@ public:
     /// for, but ended after them. Call it in the thread that constructed this.
     [[nodiscard]] int waitUntilExit(Process& process, std::vector<Process> companions = {}) const;
 
-    /// Ends that: these signals have their default effect again in the calling thread, and in what
-    /// it starts. For a process that goes on without a child.
+    /// Undoes what the constructor did: the signals have their default effect again in the calling
+    /// thread, and in what it starts. For a process that goes on without a child.
     void stop() const;
 
 private:

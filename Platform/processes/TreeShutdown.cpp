@@ -15,8 +15,8 @@ using Clock = std::chrono::steady_clock;
 
 constexpr std::chrono::milliseconds nap{20};
 
-// Without a runner to compare with, what has this program's own HOME is the user's, unless that is
-// the clone's, too.
+// Without a runner to compare with, a process with this program's HOME is the user's, unless the
+// clone has that HOME, too.
 bool hasLeftOrphan(pid_t process, pid_t orphan) {
     return hasLeftClone(process, ownPid()) && !hasLeftClone(orphan, ownPid());
 }
@@ -42,8 +42,8 @@ TreeShutdown::TreeShutdown(std::vector<ProcessIdentity> runners,
 void TreeShutdown::lookBelow(const ProcessIdentity& runner) {
     const auto found = cloneProcesses(runner.pid);
     const std::set<ProcessIdentity> below(found.begin(), found.end());
-    // What opened a link is the user's browser by now. What the runner adopts looks the same if it
-    // has always had the runner's HOME, but is the clone's.
+    // A process that opened a link may have become the user's browser. One that the runner has
+    // adopted looks the same if it has always had the runner's HOME, but is the clone's.
     std::erase_if(known_, [&](const ProcessIdentity& process) {
         return !below.contains(process) && !withRunnersHome_.contains(process) &&
                hasLeftClone(process.pid, runner.pid);
@@ -73,7 +73,7 @@ void TreeShutdown::lookAround() {
 std::vector<ProcessIdentity> TreeShutdown::running() {
     lookAround();
     std::vector<ProcessIdentity> found;
-    // A terminal that runs in the clone must not take the program along that stops it.
+    // This program may run in a terminal of the clone, and must not end itself.
     std::copy_if(known_.begin(), known_.end(), std::back_inserter(found),
                  [](const ProcessIdentity& process) {
                      return process.pid != ownPid() && isRunning(process);

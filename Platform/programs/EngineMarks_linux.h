@@ -12,10 +12,11 @@ namespace quorvel {
 /// Returns whether the folder contains a Java archive.
 [[nodiscard]] bool hasJar(const std::filesystem::path& folder);
 
-/// The name of the Firefox family's program in a folder, by which its windows are known.
+/// Returns the name by which the windows of the Firefox family's program in a folder are known;
+/// empty if there is none.
 [[nodiscard]] std::string remotingNameIn(const std::filesystem::path& folder);
 
-/// By the libraries that a program asks for.
+/// Returns the toolkit that is indicated by the libraries that a program asks for.
 [[nodiscard]] ResolvedProgram::Toolkit toolkitOf(const std::vector<std::string>& libraries);
 
 } // namespace quorvel

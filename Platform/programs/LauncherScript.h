@@ -17,16 +17,16 @@ struct LauncherScript {
     /// them before. Words with any other expansion are left out.
     std::vector<std::string> words{};
 
-    /// `text` is the script, or its beginning. The interpreter is empty if it is none.
+    /// Reads a script, or its beginning. The interpreter is empty if the text is not a script.
     [[nodiscard]] static LauncherScript parse(std::string_view text);
 
-    /// Whether a word is Java's launcher, or seems to hold its path.
+    /// Returns whether a word is Java's launcher or a path that ends with it.
     [[nodiscard]] bool mentionsJava() const;
 
-    /// Whether a word is the path of a Java archive.
+    /// Returns whether a word is the path of a Java archive.
     [[nodiscard]] bool namesJar() const;
 
-    /// Whether it starts an Electron that is installed apart, with an application's archive.
+    /// Returns whether it starts a separately installed Electron with an application's archive.
     [[nodiscard]] bool startsElectron() const;
 };
 

@@ -20,14 +20,14 @@ public:
     /// Returns the bytes at `offset`: `length` of them, or fewer at the end of the file.
     [[nodiscard]] std::string bytesAt(std::uint64_t offset, std::size_t length) const;
 
-    /// Whether it is a program in machine code.
+    /// Returns whether it is a program in machine code.
     [[nodiscard]] bool isElf() const;
 
-    /// Whether it is a program with a file system image appended to it.
+    /// Returns whether it is a program with a file system image appended to it.
     [[nodiscard]] bool isAppImage() const;
 
-    /// The libraries that an ELF program asks for, such as "libgtk-3.so.0", `maxLibraries` at most.
-    /// Empty for one of another byte order, and for one whose tables can't be right.
+    /// Returns the libraries that an ELF program asks for, such as "libgtk-3.so.0", `maxLibraries`
+    /// at most. Empty for one of another byte order, and for one whose tables can't be right.
     [[nodiscard]] std::vector<std::string> neededLibraries() const;
     static constexpr std::size_t maxLibraries = 1000;
 

@@ -28,19 +28,20 @@ struct ResolvedProgram {
     std::vector<std::filesystem::path> portableFolders{};
 };
 
-/// Returns whether the engine is a browser's: such a program takes the words for its windows as
-/// arguments, and passes on to the running one what a second start is given.
+/// Returns whether the engine is a browser's: such a program takes its windows' class as an
+/// argument, and passes the arguments of a second start on to the one that is running.
 [[nodiscard]] constexpr bool isBrowserEngine(ResolvedProgram::Engine engine) noexcept {
     using Engine = ResolvedProgram::Engine;
     return engine == Engine::chromium || engine == Engine::electron || engine == Engine::firefox;
 }
 
-/// Where the parts of applications are installed whose launcher doesn't say it: a folder named
-/// after the launcher in one of these.
+/// Returns the folders in which to look for the parts of an application if its launcher doesn't say
+/// where they are: they may be in a folder named after the launcher in one of these.
 [[nodiscard]] const std::vector<std::filesystem::path>& applicationRoots();
 
 /// Returns the executable file that `program` names: an absolute path, or a name to look up in
-/// `PATH`. std::nullopt if there is none. In `PATH`, a file that is `except` is passed over.
+/// `PATH`. Returns std::nullopt if there is none. In `PATH`, a file that is `except` is passed
+/// over.
 [[nodiscard]] std::optional<std::filesystem::path>
 findProgram(std::string_view program,
             const std::optional<std::filesystem::path>& except = std::nullopt);
@@ -49,15 +50,15 @@ findProgram(std::string_view program,
 /// there are none.
 [[nodiscard]] bool isAppImage(const std::filesystem::path& file);
 
-/// Follows the program through links and wrapper scripts to the real file, and looks at what lies
-/// beside it. Snaps are looked for below `snapRoot`. Nothing is run. std::nullopt if the program
-/// isn't found; on macOS always.
+/// Follows the program through links and wrapper scripts to the real file, looks at what lies
+/// beside it, and returns what it finds. Snaps are looked for below `snapRoot`. Nothing is run.
+/// Returns std::nullopt if the program isn't found; on macOS always.
 [[nodiscard]] std::optional<ResolvedProgram>
 resolveProgram(std::string_view program,
                const std::vector<std::filesystem::path>& roots = applicationRoots(),
                const std::filesystem::path& snapRoot = "/");
 
-/// The same for the program that an entry starts, where the entry may say how it is packaged.
+/// Does the same for the program that an entry starts; the entry may say how it is packaged.
 [[nodiscard]] std::optional<ResolvedProgram>
 resolveProgram(const DesktopEntry& entry, const ExecLine& line,
                const std::vector<std::filesystem::path>& roots = applicationRoots());

@@ -7,7 +7,7 @@
 #include <string>
 #include <sys/un.h>
 
-/// What `LocalSocket` is made of and systems do differently.
+/// The system-specific parts of `LocalSocket`.
 namespace quorvel::LocalSocket {
 
 /// A socket's name in a folder, which is open.
@@ -20,10 +20,10 @@ struct Place {
 [[nodiscard]] std::optional<Place> placeOf(const std::filesystem::path& folder,
                                            const std::string& name);
 
-/// Returns a socket that does not block and is not inherited. Nothing is open if that fails.
+/// Returns a socket that does not block and is not inherited. The result is not open if that fails.
 [[nodiscard]] FileHandle newSocket();
 
-/// The flags with which one sends, so that no signal comes when nobody listens.
+/// The flags for sending without getting SIGPIPE when nobody listens.
 extern const int sendingFlags;
 
 } // namespace quorvel::LocalSocket

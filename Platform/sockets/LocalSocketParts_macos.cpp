@@ -7,7 +7,7 @@
 
 namespace quorvel::LocalSocket {
 
-const int sendingFlags = 0; // the socket itself has been told
+const int sendingFlags = 0; // `newSocket` sets SO_NOSIGPIPE instead
 
 std::optional<Place> placeOf(const std::filesystem::path& folder, const std::string& name) {
     constexpr std::size_t longest = 103; // bytes of a path

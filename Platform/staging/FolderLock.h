@@ -4,12 +4,12 @@
 
 namespace quorvel {
 
-/// Whether a temporary folder on a file system without locks is taken for one's own.
+/// How a temporary folder on a file system without locks is treated.
 enum class WithoutLocks { isOurs, mayBeInUse };
 
 /// Opens and locks the folder `name` in the open folder `parent`, which need not be open for
 /// reading. The result is not open if another program holds the lock, or if that name is gone or
-/// another folder's by now. The lock lasts as long as the descriptor.
+/// has become another folder's. The lock lasts as long as the descriptor.
 [[nodiscard]] FileHandle lockedFolder(int parent, const char* name, WithoutLocks otherwise);
 
 } // namespace quorvel

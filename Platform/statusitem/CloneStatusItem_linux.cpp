@@ -24,7 +24,7 @@ std::filesystem::path commandLine() {
     return std::filesystem::exists(installed, code) ? installed : folder / "quorvelctl";
 }
 
-// It knows how each desktop brings a window to the front.
+// `quorvelctl` knows how each desktop brings a window to the front.
 void showWindow(const std::string& identity, const std::string& token) {
     Environment environment = currentEnvironment();
     if (!token.empty()) {
@@ -70,7 +70,7 @@ int run(const std::string& identity, pid_t parent, bool isSymbolic) {
     (void)::prctl(PR_SET_PDEATHSIG, static_cast<unsigned long>(SIGTERM));
     {
         const StatusItem item(bus.get(), std::move(options));
-        if (::getppid() == parent) { // which may have ended before the request to be told
+        if (::getppid() == parent) { // it may have ended before the request above
             g_main_loop_run(loop);
         }
     }

@@ -84,7 +84,7 @@ void run(const fs::path& clone, pid_t runner, bool isTemplate) {
             template:isTemplate ? YES : NO
             show:[wrapper, runner] { showClone(wrapper, runner); }
             quit:[runner] { (void)::kill(runner, SIGTERM); }];
-    if (::getppid() == runner) { // which may have ended before the request to be told
+    if (::getppid() == runner) { // it may have ended before the request above
         [application run];
     }
 }

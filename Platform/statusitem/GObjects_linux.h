@@ -5,7 +5,7 @@
 #include <memory>
 #include <string>
 
-/// What every user of GLib's objects needs.
+/// Ownership of GLib's objects and texts.
 namespace quorvel {
 
 struct ObjectReleaser {

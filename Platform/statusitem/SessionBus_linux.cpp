@@ -12,7 +12,7 @@ namespace {
 
 constexpr const char* addressVariable = "DBUS_SESSION_BUS_ADDRESS";
 
-// Without the variable, libraries would start a bus that stays behind.
+// Without the variable, libraries would start a bus that outlives this program.
 std::string busAddress() {
     std::string named = textOf(std::getenv(addressVariable));
     if (!named.empty()) {

@@ -8,8 +8,8 @@
 
 namespace quorvel {
 
-/// Connects to the session bus within two seconds. Sets the variable that names the bus if that is
-/// only where it is expected. Returns null if there is none that answers; no bus is started. Call
+/// Connects to the session bus within two seconds. Sets the variable that names the bus if it is
+/// missing and the bus is in its usual place. Returns null if no bus answers; none is started. Call
 /// it before anything else starts a thread.
 [[nodiscard]] ObjectRef<GDBusConnection> connectToSessionBus();
 

@@ -20,12 +20,12 @@ struct StatusItemOptions {
     std::function<void()> quit{};
 };
 
-/// Returns the name in the icon theme for a clone whose menu entry has that icon, which is empty if
-/// it has none.
+/// Returns the name in the icon theme for a clone whose menu entry has the icon `entryIcon`; empty
+/// for none.
 [[nodiscard]] std::string statusIconName(const std::string& entryIcon, bool isSymbolic);
 
-/// An icon in the tray, with a menu, as `org.kde.StatusNotifierItem` has it, while the object
-/// lives. Appears as soon as there is a tray, also one that starts later or again.
+/// An icon in the tray, with a menu, as `org.kde.StatusNotifierItem` defines it, while the object
+/// exists. Appears as soon as there is a tray, even one that starts later or restarts.
 class StatusItem {
 public:
     StatusItem(GDBusConnection* bus, StatusItemOptions options);

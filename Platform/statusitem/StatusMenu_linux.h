@@ -8,7 +8,7 @@
 
 namespace quorvel {
 
-/// The menu of a status item, as `com.canonical.dbusmenu` has it: one list that never changes.
+/// The menu of a status item, as `com.canonical.dbusmenu` defines it: one list that never changes.
 /// Without it, some trays don't show the item.
 class StatusMenu {
 public:
@@ -19,7 +19,7 @@ public:
 
     static constexpr const char* path = "/StatusNotifierItem/Menu";
 
-    /// Exports the menu on that bus while the object lives.
+    /// Exports the menu on that bus while the object exists.
     StatusMenu(GDBusConnection* bus, std::vector<Item> items);
     StatusMenu(const StatusMenu&) = delete;
     StatusMenu& operator=(const StatusMenu&) = delete;

@@ -53,7 +53,7 @@ public:
             }
             std::string path = pathOf(item);
             const std::string_view value = part(item.value);
-            // What is stored several times could unfold to any size.
+            // Values that many items share could expand to any size.
             used += path.size() + value.size();
             if (used > maxUnfolded * bytes_.size()) {
                 throw Malformed();

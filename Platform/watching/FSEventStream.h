@@ -40,7 +40,7 @@ public:
 
     struct Options {
         std::vector<std::string> paths{}; ///< absolute, of folders
-        /// Says of a folder below `paths` whether what happens inside it is of interest. Events in
+        /// Returns whether what happens inside a folder below `paths` is of interest. Events in
         /// other folders may be left out, which saves time if there are many. Empty: all are.
         /// Called on any thread.
         std::function<bool(const std::string& folder)> isOfInterest{};

@@ -17,7 +17,7 @@ enum class ActivationFailure {
 [[nodiscard]] PlatformError activationError(ActivationFailure failure,
                                             const std::filesystem::path& bundle);
 
-/// Returns whether the error is one of these: the application is running all the same.
+/// Returns whether the error is one of these: the application is running nevertheless.
 [[nodiscard]] bool isActivationError(const PlatformError& error);
 
 } // namespace quorvel

@@ -14,13 +14,14 @@ using ActivationTokenSource = std::function<std::string()>;
 /// windows. Only Wayland has them, and only a build with Qt's private headers can ask for them.
 class ActivationTokens {
 public:
-    /// After the `QGuiApplication`, before its windows.
+    /// To be constructed after the `QGuiApplication` and before its windows.
     ActivationTokens();
     ActivationTokens(const ActivationTokens&) = delete;
     ActivationTokens& operator=(const ActivationTokens&) = delete;
     ~ActivationTokens();
 
-    /// Waits for the compositor's answer, at most for a quarter of a second. Main thread only.
+    /// Returns a token; empty if there is none. Waits for the compositor's answer for a quarter of
+    /// a second at most. Main thread only.
     [[nodiscard]] std::string take() const;
 
 private:

@@ -54,7 +54,7 @@ void releaseWrapper(wl_display* wrapper) {
     wl_proxy_wrapper_destroy(wrapper);
 }
 
-// What is asked of the compositor on a queue of its own, so that none of Qt's events is handled.
+// Asks the compositor on a separate queue, so that none of Qt's events are handled meanwhile.
 class TokenRequest {
 public:
     TokenRequest(wl_display* display, wl_seat* seat, wl_surface* surface, std::uint32_t serial)
@@ -144,7 +144,7 @@ Type* resource(QPlatformNativeInterface* native, const char* name) {
 } // namespace
 
 ActivationTokens::ActivationTokens() {
-    // What is private may be another in another version.
+    // Private functions may differ between versions.
     if (QGuiApplication::platformName().startsWith(QLatin1String("wayland")) &&
         std::string_view(qVersion()) == QT_VERSION_STR) {
         clicks_ = std::make_unique<Clicks>();

@@ -28,7 +28,7 @@ void nameWindows(const X11Windows& windows, pid_t parent, const std::string& wor
 
 int run(const std::string& word, const std::string& runner) {
     constexpr std::chrono::milliseconds longest{5000};
-    // Not asked for here: the runner may have ended already.
+    // Given as an argument: if the runner has ended already, `getppid` returns another process.
     const auto parent = static_cast<pid_t>(std::strtol(runner.c_str(), nullptr, 10));
     (void)::prctl(PR_SET_PDEATHSIG, static_cast<unsigned long>(SIGTERM));
     const auto windows = X11Windows::connect();

@@ -13,9 +13,9 @@ struct WindowOwner {
     /// The window's class or instance, for windows whose process can't be found out. May be empty.
     std::string windowClass{};
 
-    /// Whether a window of that process is one of them; 0 means an unknown process.
+    /// Returns whether a window of that process is one of them; 0 means an unknown process.
     [[nodiscard]] bool hasProcess(pid_t process) const { return processes.contains(process); }
-    /// Whether a window of that class is one of them.
+    /// Returns whether a window of that class is one of them.
     [[nodiscard]] bool hasClass(std::string_view name) const {
         return !windowClass.empty() && name == windowClass;
     }

@@ -34,7 +34,7 @@ TEST(PathTextTest, TheLastComponentIgnoresTrailingSlashes) {
     EXPECT_EQ(lastPathComponent(""), "");
 }
 
-TEST(PathTextTest, AFolderWhoseNameOnlyBeginsAlikeIsNotBelow) {
+TEST(PathTextTest, AFolderWhoseNameOnlyBeginsTheSameIsNotBelow) {
     EXPECT_TRUE(isAtOrBelow("/a/b", "/a/b"));
     EXPECT_TRUE(isAtOrBelow("/a/b/c", "/a/b"));
     EXPECT_FALSE(isAtOrBelow("/a/bc", "/a/b"));

@@ -52,7 +52,7 @@ TEST(LinkAddressTest, OtherAddressesAreAcceptedWithTheirScheme) {
     EXPECT_THROW((void)checkedLinkScheme("https://me@[::1"), LinkAddressError);
 }
 
-TEST(LinkAddressTest, OnlyWebAndMailSchemesAreRecognised) {
+TEST(LinkAddressTest, OnlyWebAndMailSchemesAreRecognized) {
     EXPECT_TRUE(hasLinkScheme("http:"));
     EXPECT_TRUE(hasLinkScheme("HTTPS:\n"));
     for (const char* other : {"", "http", "httpx:", "xhttp:", " http:", "file:", "tel:1",

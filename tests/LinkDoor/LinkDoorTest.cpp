@@ -255,7 +255,7 @@ TEST_F(LinkDoorTest, ABrowserThatOpensTheAddressItselfDoesNotInheritTheCounter) 
     EXPECT_EQ(counterInBrowser(), one) << "a user's script may choose between browsers and clones";
 }
 
-TEST_F(LinkDoorTest, ACounterThatIsNoNumberCountsAsALoop) {
+TEST_F(LinkDoorTest, ACounterThatIsNotANumberCountsAsALoop) {
     for (const char* text : {"3", "4", "-1", "many", "1x", "99999999999999999999"}) {
         clone[linkHopsVariable] = text;
         EXPECT_EQ(open({"https://good.test/"}), linkLoops) << text;

@@ -85,7 +85,7 @@ TEST(LinkSessionTest, IsReadAsItWasWritten) {
     EXPECT_EQ(LinkSession::parse(LinkSession{}.text()), LinkSession{});
 }
 
-TEST(LinkSessionTest, OtherTextsAreNoSession) {
+TEST(LinkSessionTest, OtherTextsAreNotASession) {
     const std::string whole = LinkSession::between(session, clone).text();
     const std::string header = LinkSession{}.text();
     for (std::size_t length = 0; length < whole.size(); ++length) {

@@ -290,7 +290,7 @@ TEST_P(FolderCopyTestOnLoopDisks, FilesAreClonedAndTakeNearlyNothing) {
         if (treeOf(disk / "from") != treeOf(disk / "to")) {
             return "the copies differ";
         }
-        // The clone is a file of its own.
+        // The clone is a separate file.
         write(disk / "to/1", "changed");
         if (read(disk / "from/1").size() != size) {
             return "the original has changed";

@@ -1,4 +1,4 @@
-// What opening a clone finds out from its runner.
+// What opening a clone learns from its runner.
 #include "Platform/desktop/StartWatch_linux.h"
 #include "Platform/desktop/Workspace.h"
 #include "Platform/processes/StartReport.h"
@@ -127,7 +127,7 @@ TEST_F(StartWatchTest, TheDesktopsTokenReachesWhatIsOpened) {
     EXPECT_EQ(read(folder_ / "told"), "token-1 token-1");
 }
 
-TEST_F(StartWatchTest, ARunnerThatIsToldSomethingIsWaitedFor) {
+TEST_F(StartWatchTest, ARunnerThatIsSentARequestIsWaitedFor) {
     const auto told = [&](const std::string& script) {
         const std::filesystem::path program = bundle(script) / "Contents/MacOS/runner";
         return startAndWait(program, {{"QUORVEL_FOCUS", "1"}});

@@ -165,22 +165,22 @@ TEST_F(WorkspaceTest, AScriptInABundleCountsByItsInterpretersProcess) {
     EXPECT_TRUE(waitUntil([&] { return running("com.example.Script").size() == 1; }));
 }
 
-TEST_F(WorkspaceTest, AScriptCountsWhoseFirstLineHasOptions) {
+TEST_F(WorkspaceTest, AScriptWhoseFirstLineHasOptionsCounts) {
     const Started program(waitingApp("Script", "#! /bin/sh -u"), {});
     EXPECT_TRUE(waitUntil([&] { return running("com.example.Script").size() == 1; }));
 }
 
-TEST_F(WorkspaceTest, AScriptCountsWhoseInterpreterEnvFinds) {
+TEST_F(WorkspaceTest, AScriptWhoseInterpreterEnvFindsCounts) {
     const Started program(waitingApp("Script", "#!/usr/bin/env sh"), {});
     EXPECT_TRUE(waitUntil([&] { return running("com.example.Script").size() == 1; }));
 }
 
-TEST_F(WorkspaceTest, AScriptCountsWhoseInterpreterEnvFindsWithOptions) {
+TEST_F(WorkspaceTest, AScriptWhoseInterpreterEnvFindsWithOptionsCounts) {
     const Started program(waitingApp("Script", "#!/usr/bin/env -S LANG=C bash -u"), {});
     EXPECT_TRUE(waitUntil([&] { return running("com.example.Script").size() == 1; }));
 }
 
-TEST_F(WorkspaceTest, AScriptCountsThatWasPassedToItsInterpreter) {
+TEST_F(WorkspaceTest, AScriptThatWasPassedToItsInterpreterCounts) {
     const Started program("/bin/sh", {waitingApp("Script").string()});
     EXPECT_TRUE(waitUntil([&] { return running("com.example.Script").size() == 1; }));
 }

@@ -65,7 +65,7 @@ DesktopEntry completeEntry() {
     return entry;
 }
 
-TEST(DesktopEntryTest, TellsWhatTheKeysSay) {
+TEST(DesktopEntryTest, ReadsWhatTheKeysSay) {
     const DesktopEntry entry = entryOf("Type=Application\n"
                                        "Name=Editor\n"
                                        "Comment=Edits\n"
@@ -176,7 +176,7 @@ TEST(DesktopEntryTest, ReadsActionsThatHaveAGroupAndAName) {
     EXPECT_EQ(entry.actions, expected);
 }
 
-TEST(DesktopEntryTest, HundredThousandActionsTakeNoTime) {
+TEST(DesktopEntryTest, AHundredThousandActionsTakeNoTime) {
     std::string text = "Actions=";
     std::string groups;
     for (int number = 0; number < 100000; ++number) {
@@ -191,7 +191,7 @@ TEST(DesktopEntryTest, HundredThousandActionsTakeNoTime) {
     EXPECT_EQ(entry.actions.back().name, "a99");
 }
 
-TEST(DesktopEntryTest, RefusesATextThatIsNoEntry) {
+TEST(DesktopEntryTest, RefusesATextThatIsNotAnEntry) {
     const auto why = [](std::string_view text) {
         try {
             (void)parseDesktopEntry(text, {});
@@ -309,7 +309,7 @@ TEST(DesktopEntryTest, RefusesWhatCanNotBeWritten) {
     EXPECT_EQ(whyNotWritten(completeEntry()), "it was written");
 }
 
-// What a program prints, and whether it ends well.
+// What a program prints, and whether it succeeds.
 struct Outcome {
     int status = -1;
     std::string output{};

@@ -1,4 +1,4 @@
-// Commands are taken apart as GIO, which most desktops start programs with, takes them apart.
+// Commands are taken apart in the same way as by GIO, with which most desktops start programs.
 #include "Platform/entries/DesktopEntry.h"
 #include "Platform/entries/ExecLine.h"
 #include "Platform/entries/ExecWords.h"
@@ -42,7 +42,7 @@ std::optional<Words> ourWords(const std::string& line) {
     } catch (const ExecLineError&) {
         return std::nullopt;
     }
-    // An empty line is an error to the one, and no words to the other.
+    // An empty line is an error to GIO, and no words here.
     return result.empty() ? std::nullopt : std::optional(result);
 }
 
@@ -115,7 +115,7 @@ void compareStarts(Recorder& recorder, const DesktopEntry& entry) {
     }
 }
 
-TEST(ExecLineAgainstGioTest, OddLinesAreTakenApartAlike) {
+TEST(ExecLineAgainstGioTest, OddLinesAreTakenApartTheSameWay) {
     for (const std::string line : {"a",
                                    "a b",
                                    " a  b ",
@@ -156,7 +156,7 @@ TEST(ExecLineAgainstGioTest, OddLinesAreTakenApartAlike) {
     }
 }
 
-TEST(ExecLineAgainstGioTest, RandomLinesAreTakenApartAlike) {
+TEST(ExecLineAgainstGioTest, RandomLinesAreTakenApartTheSameWay) {
     constexpr std::string_view characters = " \t\n'\"\\$`%ab";
     std::mt19937 random(12);
     int parsed = 0;
@@ -172,7 +172,7 @@ TEST(ExecLineAgainstGioTest, RandomLinesAreTakenApartAlike) {
     EXPECT_GT(parsed, 2000);
 }
 
-TEST(ExecLineAgainstGioTest, OddLinesAreStartedAlike) {
+TEST(ExecLineAgainstGioTest, OddLinesAreStartedTheSameWay) {
     Recorder recorder;
     for (const char* arguments :
          {"",      "%f",           "%F",        "%u",       "%U",         "-a %U b", "--open=%u",
@@ -203,7 +203,7 @@ TEST(ExecLineAgainstGioTest, WrittenCommandsAreStartedAsGiven) {
     EXPECT_EQ(recorder.launch(desktopEntryText(entry), {"https://example.org"}), expected);
 }
 
-TEST(ExecLineAgainstGioTest, InstalledEntriesAreStartedAlike) {
+TEST(ExecLineAgainstGioTest, InstalledEntriesAreStartedTheSameWay) {
     Recorder recorder;
     std::error_code none;
     int compared = 0;

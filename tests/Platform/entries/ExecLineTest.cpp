@@ -55,7 +55,7 @@ TEST(ExecLineTest, RefusesWhatCanNotBeRun) {
     EXPECT_EQ(whyNotParsed(std::string((1U << 20U) + 1, '"')), "a quote is never closed");
 }
 
-TEST(ExecLineTest, GivesEachCodeItsItems) {
+TEST(ExecLineTest, ReplacesEachCodeByItsItems) {
     const Words items{"/tmp/a b", "https://example.org/%20?x"};
     EXPECT_THAT(argumentsOf("x %f y", items), ElementsAre("/tmp/a b", "y"));
     EXPECT_THAT(argumentsOf("x %F y", items), ElementsAre("/tmp/a b", "y"));
@@ -96,7 +96,7 @@ TEST(ExecLineTest, FillsInTheOtherCodes) {
     EXPECT_EQ(ExecLine::parse("/opt/100%%/x").program, "/opt/100%/x");
 }
 
-TEST(ExecLineTest, TellsWhetherOneStartTakesSeveral) {
+TEST(ExecLineTest, KnowsWhetherOneStartTakesSeveral) {
     EXPECT_TRUE(ExecLine::parse("x %F").takesSeveral());
     EXPECT_TRUE(ExecLine::parse("x %%%U").takesSeveral());
     EXPECT_FALSE(ExecLine::parse("x %u").takesSeveral());
@@ -127,7 +127,7 @@ TEST(ExecLineTest, TakesAnEnvOffTheFront) {
     EXPECT_EQ(ExecLine::parse("env%u A=b c").program, "c") << "its name without the code";
 }
 
-TEST(ExecLineTest, EngineArgumentsStandDirectlyBehindTheProgram) {
+TEST(ExecLineTest, EngineArgumentsComeDirectlyAfterTheProgram) {
     const auto index = [](const std::string& exec) {
         const ExecLine line = ExecLine::parse(exec);
         return line.engineArgumentsIndex(line.toArguments({}, {}));

@@ -55,7 +55,7 @@ protected:
     ScopedEnvironment desktop_{"XDG_CURRENT_DESKTOP", "ubuntu:GNOME"};
 };
 
-TEST_F(InstalledApplicationsTest, TellsWhereEachIsAndWhatItSays) {
+TEST_F(InstalledApplicationsTest, ReportsWhereEachIsAndWhatItSays) {
     entry("a/one.desktop", "Icon=one\n");
     const auto found = scan({"a"});
     ASSERT_EQ(found.size(), 1U);
@@ -245,7 +245,7 @@ TEST_F(InstalledApplicationsTestAgainstGio, OddEntriesAreTheSame) {
     write(folder / "y/applications/link.desktop", "[Desktop Entry]\nType=Link\nName=l\nExec=sh\n");
     const auto expected = theirs();
     EXPECT_GE(expected.size(), 6U);
-    // The one without a name that can be read is "Unnamed" there, and left out here.
+    // The one without a name that can be read is "Unnamed" in GIO, and left out here.
     std::vector<std::string> named;
     std::copy_if(expected.begin(), expected.end(), std::back_inserter(named),
                  [](const std::string& line) { return !line.starts_with("latin.desktop"); });

@@ -198,7 +198,7 @@ TEST_F(MenuEntryTest, PicturesThatAnEntryTakesUpAgainLookNew) {
     EXPECT_EQ(fs::last_write_time(others), now - std::chrono::hours(1));
 }
 
-TEST_F(MenuEntryTest, AnEmptyPictureIsNone) {
+TEST_F(MenuEntryTest, AnEmptyPictureDoesNotCount) {
     publish();
     write(theme() / "48x48/apps" / (word + "-1.png"), "");
     EXPECT_FALSE(hasMenuPicture(word + "-1", 48));
@@ -231,7 +231,7 @@ TEST_F(MenuEntryTest, AnEntryIsFoundByItsMarkAndNotByItsName) {
                                      "icons/hicolor/48x48/apps/quorvel.png"));
 }
 
-TEST_F(MenuEntryTest, SomebodyElsesEntryIsNotReplaced) {
+TEST_F(MenuEntryTest, AnotherProgramsEntryIsNotReplaced) {
     const std::string theirs = "[Desktop Entry]\nType=Application\nName=Mine\nExec=/bin/true\n";
     write(applications() / (word + ".desktop"), theirs);
     EXPECT_THROW(publish(), PlatformError);
@@ -278,7 +278,7 @@ TEST_F(MenuEntryTest, AnEntryThatAPowerCutEmptiedIsPublishedAgainOrRemoved) {
     EXPECT_THAT(files(), ElementsAre("applications/" + others.filename().string()));
 }
 
-TEST_F(MenuEntryTest, AnEmptyFileThatMayBeSomebodyElsesIsNotReplaced) {
+TEST_F(MenuEntryTest, AnEmptyFileThatMayBelongToSomethingElseIsNotReplaced) {
     const fs::path entry = applications() / (word + ".desktop");
     write(home_ / "empty", "");
     fs::create_directories(applications());

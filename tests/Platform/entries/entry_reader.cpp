@@ -1,5 +1,5 @@
-// entry_reader FILE: prints the command of a desktop entry, a word a line. It links what reads
-// entries and nothing else, so it shows what that needs.
+// entry_reader FILE: prints the command of a desktop entry, one word per line. It links only what
+// reads entries, and so shows what that needs.
 #include "Platform/entries/DesktopEntry.h"
 #include "Platform/entries/ExecLine.h"
 

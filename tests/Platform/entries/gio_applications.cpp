@@ -1,5 +1,5 @@
-// gio_applications: prints the applications that GIO would show, a line each: id, name, command,
-// icon. A program of its own, since GIO asks for the folders only once.
+// gio_applications: prints the applications that GIO would show, one per line: id, name, command,
+// icon. A separate program, since GIO asks for the folders only once.
 #include <gio/gdesktopappinfo.h>
 #include <iostream>
 

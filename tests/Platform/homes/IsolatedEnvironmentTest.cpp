@@ -44,7 +44,7 @@ protected:
     Environment session{{"XDG_RUNTIME_DIR", runtime.string()}};
 };
 
-// Stands in for a runtime folder, whose path is short.
+// Serves as a runtime folder, whose path is short.
 class ShortFolder {
 public:
     ShortFolder() {

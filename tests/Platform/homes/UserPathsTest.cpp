@@ -17,14 +17,14 @@ TEST(UserPathsTest, TheFixedHomeComesBeforeTheUserDatabase) {
     EXPECT_EQ(UserPaths::home(), home.path());
 }
 
-TEST(UserPathsTest, TheHomeVariableComesBeforeTheUserDatabaseWhereShellsBelieveIt) {
+TEST(UserPathsTest, TheHomeVariableComesBeforeTheUserDatabaseWhereTheSystemFollowsIt) {
     const ScopedEnvironment fixed("CFFIXED_USER_HOME", "");
     const ScopedEnvironment variable("HOME", "/somewhere/else/");
     EXPECT_EQ(UserPaths::home(),
               homeVariableComesFirst() ? "/somewhere/else" : getpwuid(getuid())->pw_dir);
 }
 
-TEST(UserPathsTest, ARelativeOrEmptyHomeVariableIsNotBelieved) {
+TEST(UserPathsTest, ARelativeOrEmptyHomeVariableIsIgnored) {
     const ScopedEnvironment fixed("CFFIXED_USER_HOME", "");
     for (const char* odd : {"", "relative", "~"}) {
         const ScopedEnvironment variable("HOME", odd);

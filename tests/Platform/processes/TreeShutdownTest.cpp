@@ -27,7 +27,7 @@ pid_t numberIn(const std::filesystem::path& file) {
 }
 
 // This process is the runner. In a home that a clone does not change, what the runner has adopted
-// looks like the user's own, but for that it was seen below the target before.
+// looks like the user's own, except that it was seen below the target before.
 TEST(TreeShutdownTest, WhatWasSeenBelowTheTargetIsTheClonesOnceTheRunnerHasAdoptedIt) {
     const TemporaryFolder folder;
     const std::string file = (folder / "child").string();

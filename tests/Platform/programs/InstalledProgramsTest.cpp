@@ -1,4 +1,4 @@
-// Real programs are seen through to what they are made of, where they are installed.
+// Real programs, where they are installed, are recognized by what they are made of.
 #include "Platform/programs/ProgramResolution.h"
 
 #include <gtest/gtest.h>
@@ -32,7 +32,7 @@ std::string nameOf(const ::testing::TestParamInfo<Expectation>& test) {
 
 class InstalledProgramsTest : public ::testing::TestWithParam<Expectation> {};
 
-TEST_P(InstalledProgramsTest, AreSeenThrough) {
+TEST_P(InstalledProgramsTest, AreRecognizedByTheirFiles) {
     const Expectation& expected = GetParam();
     const auto program = resolveProgram(expected.program);
     if (!program) {

@@ -38,7 +38,7 @@ TEST(LauncherScriptTest, FillsInWhatWasAssigned) {
     EXPECT_THAT(wordsOf("#a /b\n/c#d"), ElementsAre("/c#d"));
 }
 
-TEST(LauncherScriptTest, LeavesOutWhatOnlyRunningItTells) {
+TEST(LauncherScriptTest, LeavesOutWhatOnlyRunningItReveals) {
     EXPECT_THAT(wordsOf("/a$UNKNOWN/b"), IsEmpty());
     EXPECT_THAT(wordsOf("/a`id`/b"), IsEmpty());
     EXPECT_THAT(wordsOf("\"/a/${HOME:-/b}\""), IsEmpty());

@@ -69,14 +69,14 @@ protected:
     TemporaryFolder folder_{};
 };
 
-TEST_F(ProgramFileTest, TellsWhichLibrariesAProgramAsksFor) {
+TEST_F(ProgramFileTest, ReportsWhichLibrariesAProgramAsksFor) {
     EXPECT_THAT(fileOf(Image64(ELFCLASS64).bytes()).neededLibraries(),
                 ElementsAre("libgtk-3.so.0", "libc.so.6"));
     EXPECT_THAT(fileOf(Image32(ELFCLASS32).bytes()).neededLibraries(),
                 ElementsAre("libgtk-3.so.0", "libc.so.6"));
 }
 
-TEST_F(ProgramFileTest, TellsTheSameOfARealProgram) {
+TEST_F(ProgramFileTest, ReadsARealProgram) {
     const auto file = ProgramFile::open("/proc/self/exe");
     ASSERT_TRUE(file);
     EXPECT_TRUE(file->isElf());
@@ -85,7 +85,7 @@ TEST_F(ProgramFileTest, TellsTheSameOfARealProgram) {
     EXPECT_THAT(file->neededLibraries(), ::testing::Contains("libglib-2.0.so.0"));
 }
 
-TEST_F(ProgramFileTest, BelievesNoTable) {
+TEST_F(ProgramFileTest, TrustsNoTable) {
     const auto librariesOf = [&](const auto& change) {
         Image64 image(ELFCLASS64);
         change(image);

@@ -16,7 +16,7 @@ using Packaging = ResolvedProgram::Packaging;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
-// A system of its own: programs in "bin", what they belong to in "lib", "share" and "opt".
+// A separate system: programs in "bin", what they belong to in "lib", "share" and "opt".
 class ProgramResolutionTest : public ::testing::Test {
 protected:
     void script(const std::string& path, const std::string& lines) const {
@@ -220,7 +220,7 @@ TEST_F(ProgramResolutionTest, GoesOnInAScriptThatStartsASnapOnlyIfItIsThere) {
     EXPECT_EQ(resolve("fox").value().packaging, Packaging::snap);
 }
 
-TEST_F(ProgramResolutionTest, KnowsTheOffice) {
+TEST_F(ProgramResolutionTest, KnowsLibreOffice) {
     script("lib/office/program/soffice", "exec java\n");
     files("lib/office/program", {"soffice.bin", "unoil.jar"});
     link("bin/office", "../lib/office/program/soffice");
@@ -238,7 +238,7 @@ TEST_F(ProgramResolutionTest, KnowsEclipseByItsLauncherAndSettings) {
     EXPECT_EQ(engine(program), Engine::other);
 }
 
-TEST_F(ProgramResolutionTest, NamesAnAppImagesTraps) {
+TEST_F(ProgramResolutionTest, NamesThePortableFoldersOfAnAppImage) {
     elf("apps/Tool.AppImage", std::string("AI\x02"));
     const std::string file = (folder_ / "apps/Tool.AppImage").string();
     EXPECT_EQ(resolve(file)->packaging, Packaging::appImage);
@@ -253,7 +253,7 @@ TEST_F(ProgramResolutionTest, NamesAnAppImagesTraps) {
     EXPECT_EQ(resolve("tool")->portableFolders.size(), 5U) << "beside the link too";
 }
 
-TEST_F(ProgramResolutionTest, KnowsPackagesThatComeWithTheirOwnWalls) {
+TEST_F(ProgramResolutionTest, KnowsPackagesThatAreSandboxed) {
     elf("bin/flatpak");
     elf("bin/snap");
     elf("bin/plain");

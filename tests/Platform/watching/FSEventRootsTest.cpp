@@ -11,7 +11,7 @@ using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 namespace fs = std::filesystem;
 
-TEST(FSEventRootsTest, ThatIsMissingIsRecordedOnceItComes) {
+TEST(FSEventRootsTest, ThatIsMissingIsRecordedOnceItAppears) {
     const TemporaryFolder folder;
     Recording recording(folder / "Library");
     write(folder / "Library/Preferences/x.plist", "text");
@@ -21,7 +21,7 @@ TEST(FSEventRootsTest, ThatIsMissingIsRecordedOnceItComes) {
     EXPECT_TRUE(recording.isComplete());
 }
 
-TEST(FSEventRootsTest, WhoseParentsAreMissingIsRecordedOnceItComes) {
+TEST(FSEventRootsTest, WhoseParentsAreMissingIsRecordedOnceItAppears) {
     const TemporaryFolder folder;
     Recording recording(folder / "a/b/Library");
     write(folder / "a/b/Library/file", "text");
@@ -30,7 +30,7 @@ TEST(FSEventRootsTest, WhoseParentsAreMissingIsRecordedOnceItComes) {
     EXPECT_FALSE(recording.has(folder / "a"));
 }
 
-TEST(FSEventRootsTest, ThatNeverComesIsACompleteRecordOfNothing) {
+TEST(FSEventRootsTest, ThatNeverAppearsIsACompleteRecordOfNothing) {
     const TemporaryFolder folder;
     Recording recording(folder / "Library");
     EXPECT_THAT(recording.stop(), IsEmpty());
@@ -60,7 +60,7 @@ TEST(FSEventRootsTest, ThatIsRemovedManyTimesIsRecordedEveryTime) {
     EXPECT_TRUE(recording.has(folder / "Library/sub/file"));
 }
 
-TEST(FSEventRootsTest, ThatIsMovedAwayIsRecordedNoMore) {
+TEST(FSEventRootsTest, ThatIsMovedAwayIsNoLongerRecorded) {
     const TemporaryFolder folder;
     write(folder / "Library/sub/file", "text");
     Recording recording(folder / "Library");

@@ -211,7 +211,7 @@ TEST(FSEventStreamTest, FoldersMadeAndRenamedAtOnceLoseNothing) {
     }
 }
 
-TEST(FSEventStreamTest, AFolderThatIsMovedOutIsRecordedNoMore) {
+TEST(FSEventStreamTest, AFolderThatIsMovedOutIsNoLongerRecorded) {
     const TemporaryFolder folder;
     const TemporaryFolder elsewhere;
     write(folder / "dir/sub/file", "text");

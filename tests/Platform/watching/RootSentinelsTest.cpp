@@ -65,7 +65,7 @@ TEST_F(RootSentinelsTest, IgnoresOtherNamesAndWhatHappensInsideARoot) {
     EXPECT_THAT(sentinels.takeChanged(), IsEmpty());
 }
 
-TEST_F(RootSentinelsTest, ReportsThatTheSystemGivesNoQueue) {
+TEST_F(RootSentinelsTest, ReportsThatTheSystemHasNoQueueLeft) {
     if (!holdsInChild([] { return limitInotify(InotifyLimit::instances, 0); })) {
         GTEST_SKIP() << "the system gives no limits of one's own";
     }

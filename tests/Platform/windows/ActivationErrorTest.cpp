@@ -16,7 +16,7 @@ TEST(ActivationErrorTest, SaysWhatToDoInstead) {
               "here to show it on");
 }
 
-TEST(ActivationErrorTest, IsToldFromOtherErrors) {
+TEST(ActivationErrorTest, IsDistinguishedFromOtherErrors) {
     EXPECT_TRUE(isActivationError(activationError(ActivationFailure::noWindow, "/A/Work.app")));
     EXPECT_FALSE(isActivationError(
         PlatformError(std::make_error_code(std::errc::permission_denied), "/A", "opened")));

@@ -139,7 +139,7 @@ TEST_P(WindowActivationTest, PrefersTheTopmostOfSeveralWindows) {
     EXPECT_TRUE(isInFront("Second"));
 }
 
-TEST_P(WindowActivationTest, IsOfNoUseForAProcessWithoutAWindow) {
+TEST_P(WindowActivationTest, FailsForAProcessWithoutAWindow) {
     openWindow("First");
     EXPECT_EQ(bringToFront({.processes = {::getpid()}}), ActivationFailure::noWindow);
     EXPECT_TRUE(isInFront("First"));
