@@ -139,7 +139,7 @@ TEST_F(CreateCommandTest, CarriesEveryOptionIntoTheConfiguration) {
     EXPECT_EQ(json["shareUserFolders"], false);
 }
 
-TEST_F(CreateCommandTest, ValuesOfAnyLookComeThroughWhole) {
+TEST_F(CreateCommandTest, AnyValueReachesTheConfigurationUnchanged) {
     const auto json = configOf(commandWords({"--arg=", "--arg=--flag", "--arg", "{}", "--arg",
                                              "[a,b]", "--arg=a=b", "--arg", "line\nbreak"}));
     EXPECT_EQ(json["commandArgs"],
@@ -259,7 +259,7 @@ TEST_F(CreateCommandTest, ReplacesACloneWhenAskedAndKeepsItsData) {
     EXPECT_EQ(read(harness.home / "QuorvelInstances/Work/file"), "mine");
 }
 
-TEST_F(CreateCommandTest, ReplaceIsNoErrorWhereNothingIs) {
+TEST_F(CreateCommandTest, ReplaceIsNotAnErrorWhereNothingIs) {
     EXPECT_EQ(create(commandWords({"--replace"})).status, 0);
 }
 

@@ -35,7 +35,7 @@ protected:
     DesktopApps apps;
 };
 
-TEST_F(DesktopCommandsTest, InspectTellsWhatAnEntrySays) {
+TEST_F(DesktopCommandsTest, InspectShowsWhatAnEntrySays) {
     const fs::path entry = apps.addEntry("org.a.Thing", "app --own %U");
     const nlohmann::json json = harness.run({"inspect", entry, "--json"}).json();
     EXPECT_EQ(json["format"], "desktop-entry");
@@ -64,7 +64,7 @@ TEST_F(DesktopCommandsTest, AFileComesBeforeAnInstalledApplicationOfThatName) {
     fs::current_path(old);
 }
 
-TEST_F(DesktopCommandsTest, OfSeveralApplicationsWithOneNameThePathsAreListed) {
+TEST_F(DesktopCommandsTest, ThePathsOfSeveralApplicationsWithOneNameAreListed) {
     const fs::path one = apps.addEntry("one", "app");
     const fs::path two = apps.addEntry("two", "app");
     for (const fs::path& entry : {one, two}) {
@@ -161,7 +161,7 @@ TEST_F(DesktopCommandsTest, ASnapIsRefusedAndInspectSaysHowToInstallItTwice) {
     EXPECT_EQ(forced.errors, refused.errors) << "no clone of it could ever be opened";
 }
 
-TEST_F(DesktopCommandsTest, OfASeedItIsSaidWhatNeedsTheKeyringAndWhatNamesTheOriginal) {
+TEST_F(DesktopCommandsTest, SaysWhatOfASeedNeedsTheKeyringAndWhatNamesTheOriginal) {
     apps.addProgram("chromium", helperProgram());
     for (const char* name : {"icudtl.dat", "resources.pak", "chrome_100_percent.pak"}) {
         write(apps.at("bin") / name, "");

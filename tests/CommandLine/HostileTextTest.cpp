@@ -24,7 +24,7 @@ protected:
     CommandLineHarness harness;
 };
 
-TEST_F(HostileTextTest, OneNameWithoutEndDoesNotFillTheList) {
+TEST_F(HostileTextTest, OneEndlessNameDoesNotFillTheList) {
     addClone("long", std::string(1'000'000, 'x'));
     for (int number = 0; number < 78; ++number) {
         addClone(std::to_string(number), "clone " + std::to_string(number));
@@ -35,7 +35,7 @@ TEST_F(HostileTextTest, OneNameWithoutEndDoesNotFillTheList) {
     EXPECT_THAT(output, HasSubstr(std::string(60, 'x') + "…"));
 }
 
-TEST_F(HostileTextTest, WithoutEndAreCutInEveryTextForPeople) {
+TEST_F(HostileTextTest, AreCutInEveryTextForUsers) {
     const std::string endless(1'000'000, 'x');
     addClone("long", endless);
     InstanceConfig config = minimalConfig("args");

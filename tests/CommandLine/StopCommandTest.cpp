@@ -50,7 +50,7 @@ protected:
     std::optional<Process> runner_{};
 };
 
-TEST_F(StopCommandTest, NothingRunningIsSaidAndNoError) {
+TEST_F(StopCommandTest, NothingRunningIsReportedAndIsNotAnError) {
     makeWrapper(harness_.home / "Applications/Work.app", "Work");
     const CommandResult result = harness_.run({"stop", "Work"});
     EXPECT_EQ(result.status, 0);
@@ -58,7 +58,7 @@ TEST_F(StopCommandTest, NothingRunningIsSaidAndNoError) {
     EXPECT_EQ(harness_.run({"stop", "Work", "--json"}).json()["outcome"], "notRunning");
 }
 
-TEST_F(StopCommandTest, WhatMayBeAnotherClonesIsAnErrorAndSaidSo) {
+TEST_F(StopCommandTest, WhatMayBeAnotherClonesIsAnError) {
     makeWrapper(harness_.home / "Applications/Work.app", "Work");
     const auto lock = lockHome(minimalConfig());
     const CommandResult result = harness_.run({"stop", "Work", "--json"});

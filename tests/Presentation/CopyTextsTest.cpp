@@ -5,7 +5,7 @@
 namespace quorvel {
 namespace {
 
-TEST(CopyTextsTest, ItemsAndBytesCountAlike) {
+TEST(CopyTextsTest, ItemsAndBytesCountEqually) {
     EXPECT_DOUBLE_EQ(shareDone({}), 1.0) << "nothing to do";
     EXPECT_DOUBLE_EQ(shareDone({.items = 1, .allItems = 2, .bytes = 0, .allBytes = 100}), 0.25);
     EXPECT_DOUBLE_EQ(shareDone({.items = 5, .allItems = 2, .bytes = 100, .allBytes = 100}), 1.0);

@@ -112,7 +112,7 @@ TEST_F(KeyboardTest, TheAdvancedOptionsComeInTheirOwnOrder) {
                 ElementsAreArray(expected));
 }
 
-TEST_F(KeyboardTest, TheTabulatorGoesBackwardsToo) {
+TEST_F(KeyboardTest, TabGoesBackwardsToo) {
     openSheetWith(u"Notes"_s);
     press(Qt::Key_Backtab, Qt::ShiftModifier);
     EXPECT_EQ(window->focusWidget(), button(u"Create Shortcut"_s));

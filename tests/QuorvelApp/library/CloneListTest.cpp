@@ -117,7 +117,7 @@ TEST_F(CloneListTest, LeavingTheFieldEntersTheName) {
     EXPECT_EQ(window->focusWidget(), button(u"Launch"_s));
 }
 
-TEST_F(CloneListTest, TheTabulatorEntersTheNameAndDoesNotGoOnToTheNextOne) {
+TEST_F(CloneListTest, TabEntersTheNameAndDoesNotGoOnToTheNextOne) {
     const InstanceRecord home_ = makeWebClone("Home");
     (void)makeWebClone("Work");
     openWith(home_);

@@ -155,7 +155,7 @@ TEST_F(LogPanelTest, ShowsTheFileInTheFileManager) {
     EXPECT_TRUE(eventually([&] { return shown(u"Something went wrong"_s); }));
 }
 
-TEST_F(LogPanelTest, TheTabulatorGoesThroughItsControls) {
+TEST_F(LogPanelTest, TabGoesThroughItsControls) {
     openLog("x\n");
     EXPECT_EQ(text->accessibleName(), u"Log"_s);
     EXPECT_EQ(window->focusWidget(), text) << "where keys scroll";

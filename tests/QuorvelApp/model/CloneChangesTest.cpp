@@ -29,7 +29,7 @@ protected:
     std::shared_ptr<ChangeProgress> progress = std::make_shared<ChangeProgress>();
 };
 
-TEST_F(CloneChangesTest, ARenamedCloneIsListedAndItsNewIdentitySaid) {
+TEST_F(CloneChangesTest, ARenamedCloneIsListedAndItsNewIdentityReported) {
     const InstanceRecord work = makeWebClone("Work");
     model().reload();
     std::vector<std::string> said;
@@ -144,7 +144,7 @@ TEST_F(CloneChangesTest, StopsWhatEndsWhenAsked) {
     EXPECT_FALSE(model().statusMessage());
 }
 
-TEST_F(CloneChangesTest, WhatDoesNotEndIsSaidAndEndedOnlyByForce) {
+TEST_F(CloneChangesTest, WhatDoesNotEndIsReportedAndEndedOnlyByForce) {
     RunningClone work("trap '' TERM");
     std::vector<std::size_t> left;
     QObject::connect(&changes, &CloneChanges::stillRunning, &model(),
@@ -190,7 +190,7 @@ TEST_F(CloneChangesTest, WhatEndsWhenAskedOnceMoreIsNotKilled) {
     EXPECT_TRUE(fs::exists(ended));
 }
 
-TEST_F(CloneChangesTest, WhatMayBeAnotherClonesIsLeftAloneAndSaid) {
+TEST_F(CloneChangesTest, WhatMayBeAnotherClonesIsLeftAloneAndReported) {
     const InstanceRecord work = makeWebClone("Work");
     const auto used = lockHome(work.config);
     resultOf(changes.stop(work));

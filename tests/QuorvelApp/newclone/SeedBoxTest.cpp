@@ -165,7 +165,7 @@ TEST_F(SeedBoxTest, CancellingTheCopyLeavesNothingBehindAndKeepsTheSheet) {
     expectNothingMade();
 }
 
-TEST_F(SeedBoxTest, AnErrorThatComesBeforeTheCancellationIsStillSaid) {
+TEST_F(SeedBoxTest, AnErrorThatComesBeforeTheCancellationIsStillReported) {
     openWith(u"vlc"_s);
     box()->setChecked(true);
     stubs.tasks->holding = true;

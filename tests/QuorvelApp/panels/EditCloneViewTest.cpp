@@ -88,7 +88,7 @@ TEST_F(EditCloneViewTest, OpenedAndClosedItChangesNoByteOfAnUnusualClone) {
     }
 }
 
-TEST_F(EditCloneViewTest, EachControlChangesWhatItStandsForAndNothingElse) {
+TEST_F(EditCloneViewTest, EachControlChangesItsSettingAndNothingElse) {
     WrapperFactory::Request request = unusualRequest(ShortcutKind::command);
     const InstanceRecord record = makeClone(request);
     InstanceConfig expected = record.config;
