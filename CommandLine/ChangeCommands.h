@@ -6,8 +6,8 @@
 #include <string>
 #include <vector>
 
-/// The commands of `quorvelctl` that change clones that exist. Each prints the paths of the clones
-/// that it changed, and what the user should know besides on the error stream. Each throws
+/// The commands of `quorvelctl` that change existing clones. Each prints the paths of the clones
+/// that it changed and, on the error stream, what else the user should know. Each throws
 /// `CommandError`, `UsageError` or an error of the layers below if it fails.
 namespace quorvel {
 
@@ -35,7 +35,7 @@ struct RefreshOptions {
 /// Brings clones up to date; goes on with the others if one fails.
 void refreshCommand(const CommandContext& context, const RefreshOptions& options, bool json);
 
-/// Prints the clones that `refresh` would change, and what of them.
+/// Prints the clones that `refresh` would change, and what is out of date in each.
 void listStaleCommand(const CommandContext& context, const InstanceRegistry& registry,
                       const std::optional<std::filesystem::path>& runner, bool json);
 

@@ -48,9 +48,9 @@ void openWrapper(const CommandContext& context, const InstanceRecord& record) {
     }
 }
 
-// Says what a clone that was opened as soon as it was made may look like.
+// Warns that the first window of a clone that was just made may appear under the original.
 void noteLateEntry(const CommandContext& context, const InstanceConfig& config) {
-    // Without the bus, a window is nobody's until the entry is noticed.
+    // Without the bus, the window belongs to no application until the entry is noticed.
     if (config.kind == ShortcutKind::app && !takeBusAway(config.environment) &&
         noticesEntriesLate()) {
         context.errors << "This desktop notices new menu entries only after some seconds, so it "
@@ -70,7 +70,7 @@ CommandError withHint(const InvalidRequest& refused, const char* hint) {
     return CommandError(refused.what() + std::string(" ") + hint);
 }
 
-// What to make, and what to begin with; absent: an empty data folder.
+// What to make. Without a seed, the clone starts with an empty data folder.
 struct Creation {
     WrapperFactory factory{};
     WrapperFactory::Request request{};

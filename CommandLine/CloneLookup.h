@@ -12,9 +12,9 @@ namespace quorvel {
 /// `CommandError` if there is none, or if several have the name; its text then lists their paths.
 [[nodiscard]] InstanceRecord findClone(const InstanceRegistry& registry, const std::string& words);
 
-/// Returns the value of `CloneOptions::links` for the words of `--links`; std::nullopt for the
-/// default browser. Another clone is kept by its path: its name may be taken by a second one later.
-/// Throws as `findClone` does.
+/// Returns the value of `CloneOptions::links` for the words of `--links`: `std::nullopt` for the
+/// default browser. For another clone, named by its identifier or as for `findClone`, it is the
+/// path, since a second clone may take the name later. Throws as `findClone` does.
 [[nodiscard]] std::optional<std::string> linksChoice(const InstanceRegistry& registry,
                                                      const std::optional<std::string>& words);
 
@@ -22,14 +22,14 @@ namespace quorvel {
 [[nodiscard]] bool isPath(const std::string& words);
 
 /// Returns the wrapper at that path if its configuration can't be read, so that `findClone` does
-/// not find it; otherwise std::nullopt.
+/// not find it; otherwise `std::nullopt`.
 [[nodiscard]] std::optional<std::filesystem::path> findDamagedClone(const std::string& words);
 
 /// Returns `path` unchanged if it begins with "~" or is empty; otherwise made absolute, without "."
 /// and ".." and without a trailing slash. ".." is resolved as the system does, following links.
 [[nodiscard]] std::filesystem::path absolutePath(const std::string& path);
 
-/// Returns the same path with "~" expanded.
+/// Returns the `absolutePath` with "~" expanded.
 [[nodiscard]] std::filesystem::path absoluteFile(const std::string& path);
 
 } // namespace quorvel

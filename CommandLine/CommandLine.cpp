@@ -125,7 +125,7 @@ void addRefreshOptions(CLI::App& refresh, RefreshOptions& options) {
     addRefreshedRunner(refresh, options.runner, "The runner to put into the clones");
 }
 
-// The commands that change clones that exist.
+// The commands that change existing clones.
 void addChangeCommands(CLI::App& program, ParsedOptions& words, Command& chosen,
                        const CommandContext& context) {
     CLI::App& edit =
@@ -221,7 +221,7 @@ std::string usage(const CLI::App& program) {
     return chosen.empty() ? program.help() : chosen.front()->help(program.get_name());
 }
 
-// These begin with putting right what an interrupted one left.
+// Before such a command runs, what an interrupted change left is put right.
 bool changesClones(const CLI::App& program) {
     const std::set<std::string> commands{"create", "duplicate", "edit",   "rename",
                                          "delete", "migrate",   "refresh"};

@@ -39,14 +39,13 @@ private:
 /// Returns how the data was copied and how many bytes that took, as a line.
 [[nodiscard]] std::string copyLine(const FolderCopyReport& report);
 
-/// Returns what the user should know before anything is started with the copy, as a line; empty if
-/// there is nothing.
+/// Returns the `keyringSentence` as a line; empty if there is nothing to warn of.
 [[nodiscard]] std::string keyringLine(const CopyFindings& findings);
 
-/// Returns what of the copy may lead to the original, as lines; empty if there is nothing.
+/// Returns which copied files name the original's data folder, as lines; empty if none does.
 [[nodiscard]] std::string findingLines(const CopyFindings& findings);
 
-/// Returns both for scripts.
+/// Returns the report and the findings for scripts.
 [[nodiscard]] nlohmann::json jsonForm(const FolderCopyReport& report, const CopyFindings& findings);
 
 } // namespace quorvel

@@ -70,7 +70,7 @@ nlohmann::json deletedDataForm(const DeletedData& data) {
     return data.outcome == DeletedData::Case::removed;
 }
 
-// The location of such a clone's data is unknown.
+// The configuration can't be read, so the location of the data is unknown.
 void deleteDamagedClone(const CommandContext& context, const fs::path& wrapper,
                         const DeleteOptions& options, bool json) {
     if (options.includingData) {

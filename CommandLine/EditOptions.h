@@ -20,15 +20,16 @@ struct EditOptions {
     std::vector<std::string> extraArgs{};
     std::optional<std::string> labelColor{};
     std::optional<IconLabel::Position> labelPosition{};
-    std::optional<std::string> links{}; ///< in words
+    std::optional<std::string> links{}; ///< as `linksChoice` takes it
 };
 
 /// Adds the options of `edit`, which set `options`; both must outlive the parsing. Paths become
 /// absolute, as those of `create`.
 void addEditOptions(CLI::App& command, EditOptions& options);
 
-/// Returns the edit that all options make together. It throws `UsageError` for options that the
-/// clone's kind does not have or that need another one. Throws as `linksChoice` does.
+/// Returns one edit that makes the edits of all options. The edit throws `UsageError` for options
+/// that the clone's kind does not have or that need another one; `editFrom` itself throws as
+/// `linksChoice` does.
 [[nodiscard]] CloneEdit editFrom(const EditOptions& options, const InstanceRegistry& registry);
 
 } // namespace quorvel

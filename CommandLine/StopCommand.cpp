@@ -68,7 +68,7 @@ void stopCommand(const CommandContext& context, const std::string& clone,
     const InstanceRecord record = findClone(context.registry, clone);
     InterruptFlag interruption;
     const auto mayForce = [&](std::size_t left) {
-        interruption.deliver(); // the question and force are quickly interrupted by themselves
+        interruption.deliver(); // from here on, an interrupt ends the program at once
         return options.force ||
                (context.inputIsTerminal &&
                 confirmed(context, stillRunning(record, left) + " End it by force? " +

@@ -6,7 +6,7 @@
 #include <string>
 
 int main(int argc, char** argv) {
-    // Such as a tray sets, or a desktop for what it starts.
+    // A desktop or a tray sets this token for the programs that it starts.
     const std::unique_ptr<quorvel::Workspace> workspace = quorvel::makeSystemWorkspace([] {
         const char* const token =
             std::getenv("XDG_ACTIVATION_TOKEN"); // NOLINT(concurrency-mt-unsafe)

@@ -12,7 +12,7 @@
 namespace quorvel {
 
 /// Returns what the user should know about a change that was made, each a sentence: that it takes
-/// effect later, what was kept as it is, and what went wrong besides. `isRunning` says whether the
+/// effect later, what was kept as it is, and what else went wrong. `isRunning` says whether the
 /// clone runs.
 [[nodiscard]] std::vector<std::string> changeNotes(const ChangedClone& changed, bool isRunning,
                                                    const Translate& translate = inEnglish);
@@ -21,7 +21,7 @@ namespace quorvel {
 [[nodiscard]] std::string unreadableText(const std::filesystem::path& clone,
                                          const Translate& translate = inEnglish);
 
-/// Returns what a clone's refresh would bring, in words: "runner".
+/// Returns what is out of date in a clone, as a word: "runner".
 [[nodiscard]] std::string reasonText(StaleReason reason, const Translate& translate = inEnglish);
 
 } // namespace quorvel

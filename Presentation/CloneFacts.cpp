@@ -96,7 +96,7 @@ std::optional<std::string> textIf(bool condition, std::string text) {
     return condition ? std::optional(std::move(text)) : std::nullopt;
 }
 
-// What opens the links that are clicked in the clone; std::nullopt if that is nothing special.
+// What opens the links that are clicked in an app's clone; std::nullopt if nothing was chosen.
 std::optional<std::string> linksText(const InstanceConfig& config, bool full,
                                      const Translate& translate) {
     const std::string links = config.links.value_or("");

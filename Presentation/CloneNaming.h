@@ -9,9 +9,8 @@
 /// Names that are proposed for new clones.
 namespace quorvel {
 
-/// Returns `appName` followed by the first number in parentheses, from " (2)" on, that makes a name
-/// missing in `taken`. While `appName` itself is not in `taken`, returns the one with " (2)"
-/// without looking for it.
+/// Returns `appName` followed by a number in parentheses: " (2)" if `appName` is not in `taken`,
+/// without checking the result; otherwise the first from " (2)" on whose name is not in `taken`.
 [[nodiscard]] std::string suggestedName(const std::string& appName,
                                         const std::set<std::string>& taken);
 
@@ -22,11 +21,11 @@ namespace quorvel {
 
 /// Returns the host of a web address, with or without a scheme: percent-encoding decoded, "www."
 /// removed, words capitalised. The host is what RFC 3986 allows, or has unencoded letters of other
-/// scripts. Returns std::nullopt if there is none.
+/// scripts. Returns `std::nullopt` if there is none.
 [[nodiscard]] std::optional<std::string> nameForWebAddress(std::string_view address);
 
-/// Returns a path's last component, words capitalised, or std::nullopt if there is none, as at the
-/// root.
+/// Returns a path's last component, words capitalised, or `std::nullopt` if there is none, as at
+/// the root.
 [[nodiscard]] std::optional<std::string> nameForCommand(std::string_view path);
 
 } // namespace quorvel

@@ -6,7 +6,7 @@
 
 namespace quorvel {
 
-/// What to know before a running clone is deleted.
+/// What the user should know before a running clone is deleted.
 struct DeletionWarning {
     std::string title{}; ///< without a full stop
     std::string text{};

@@ -4,12 +4,12 @@
 
 namespace quorvel {
 
-/// Makes a log harmless to show, piece by piece, wherever the pieces begin: what `terminalText`
-/// escapes is escaped. Line breaks and tabs stay.
+/// Makes a log safe to display, piece by piece; a piece may begin anywhere. Escapes what
+/// `terminalText` escapes, but keeps line breaks and tabs.
 class SafeLog {
 public:
-    /// Returns what can be shown once these bytes have followed the earlier ones, as UTF-8. The
-    /// beginning of a character is kept for the next call.
+    /// Returns the safe text of the next bytes of the log, as UTF-8. An incomplete character at
+    /// their end is kept for the next call.
     [[nodiscard]] std::string operator()(const std::string& bytes);
 
 private:

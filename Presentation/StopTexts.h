@@ -8,14 +8,16 @@
 /// What the front ends say when a clone can't simply be stopped.
 namespace quorvel {
 
-/// Returns that this many processes of the clone `name` go on although they were asked to end.
+/// Returns the message that `left` processes of the clone `name` are still running although they
+/// were asked to end.
 [[nodiscard]] std::string stillRunningText(const std::string& name, std::size_t left,
                                            const Translate& translate = inEnglish);
 
-/// Returns what ending by force costs.
+/// Returns the warning that a clone ended by force loses what it has not saved.
 [[nodiscard]] std::string lossText(const Translate& translate = inEnglish);
 
-/// Returns that something that can't be told to be the clone's uses its data folder.
+/// Returns the message that the clone is not running, but its data folder is in use by a program
+/// that may be another clone's.
 [[nodiscard]] std::string usedElsewhereText(const std::string& name,
                                             const Translate& translate = inEnglish);
 

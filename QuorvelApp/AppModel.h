@@ -51,7 +51,7 @@ public:
     [[nodiscard]] const std::optional<std::string>& statusMessage() const { return status_; }
     [[nodiscard]] bool startNewCloneRequested() const { return newCloneRequested_; }
     [[nodiscard]] const InstanceRegistry& registry() const { return services_.registry; }
-    /// For the model's other classes.
+    /// For the other classes of the model layer.
     [[nodiscard]] const AppServices& services() const { return services_; }
 
     /// Returns the clone with that identity, or null. Valid until the list changes.
@@ -94,8 +94,8 @@ public:
     /// Opens the clone, or brings it to the front. A failure becomes `lastError`.
     void launch(const InstanceRecord& record);
     /// Creates a clone and returns its record, synthesised from the request if the registry does
-    /// not list it. Fails with the factory's error, or that of `make`, which makes the clone
-    /// instead if it is set; nothing has changed then.
+    /// not list it. If `make` is set, it makes the clone instead of `AppServices::createWrapper`.
+    /// Fails with the error of either; nothing has changed then.
     QFuture<InstanceRecord> createClone(const WrapperFactory::Request& request, bool launchAfter,
                                         const AppServices::WrapperMaker& make = {});
     /// Deletes the clone before it returns. A failure becomes `lastError`, as does data that could
@@ -107,14 +107,14 @@ public:
     QFuture<void> migrateSharedFolders(const InstanceRecord& record);
     /// Shows the clone's wrapper in the file manager. A failure becomes `lastError`.
     QFuture<void> reveal(const InstanceRecord& record);
-    /// Shows any item there. A failure becomes `lastError`.
+    /// Shows any item in the file manager. A failure becomes `lastError`.
     QFuture<void> revealItem(const std::filesystem::path& item);
 
     /// Returns where the dock shows the clone's windows under the clone's own name.
     [[nodiscard]] QFuture<WindowGrouping> windowGrouping(const InstanceRecord& record);
     /// Returns whether sites can be asked for their title and icon.
     [[nodiscard]] bool canPreviewSites() const { return static_cast<bool>(services_.previewSite); }
-    /// Asks a site for them; the icon becomes a file in `folder`. Fails with an `Error`.
+    /// Asks a site for its title and icon, which becomes a file in `folder`. Fails with an `Error`.
     [[nodiscard]] QFuture<SitePreview> previewSite(const std::string& address,
                                                    const std::filesystem::path& folder);
     /// Returns whether the file is an icon container (".icns") with an image that can be decoded.

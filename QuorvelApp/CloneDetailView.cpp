@@ -115,7 +115,7 @@ QWidget* CloneDetailView::makeActions() {
 
 void CloneDetailView::setClone(const InstanceRecord& clone) {
     if (clone.bundleURL != clone_->bundleURL) {
-        grouping_ = WindowGrouping::own; // until it is found out
+        grouping_ = WindowGrouping::own; // until it is known
     }
     *clone_ = clone;
     icon_->setPath(iconPathOf(clone));
@@ -137,7 +137,7 @@ void CloneDetailView::setActivity(Activity activity) {
     refreshRunning();
 }
 
-// What is disabled loses the focus, and gets it back unless something else has it by then.
+// A disabled button loses the focus, and gets it back unless another widget has it then.
 void CloneDetailView::setActionsEnabled(bool enabled) {
     callout_->setEnabled(enabled);
     if (enabled == actions_->isEnabled()) {
@@ -158,7 +158,7 @@ void CloneDetailView::launch() {
     showCallout();
 }
 
-// A launch links empty folders.
+// Also after a launch, which links empty folders: there may be nothing to migrate any more.
 void CloneDetailView::showCallout() {
     callout_->setVisible(
         InstanceLauncher::needsSharedFolderMigration(clone_->config.resolvedHome()));

@@ -50,7 +50,7 @@ private:
     void setRows(const std::vector<Fact>& rows);
     /// Refreshes which clones run, since there is no signal for those started or ended elsewhere.
     [[nodiscard]] bool isRunningNow(const InstanceRecord& clone);
-    /// Says what happens to the clone if it is running.
+    /// If the clone is running, tells the user what happens to it.
     void removeWithoutData(const InstanceRecord& clone);
     /// Asks again if the clone is running.
     void removeWithData(const InstanceRecord& clone);

@@ -27,7 +27,7 @@ class ContentView : public QWidget {
     Q_OBJECT
 
 public:
-    /// Both must outlive the widget.
+    /// `model` and `icons` must outlive the widget.
     ContentView(AppModel& model, IconLoader& icons, FilePanels panels = systemFilePanels(),
                 QWidget* parent = nullptr);
 
@@ -37,7 +37,7 @@ public:
     [[nodiscard]] Sidebar& sidebar() const { return *sidebar_; }
     /// The commands on the selected clone.
     [[nodiscard]] CloneCommands& commands() const { return *commands_; }
-    /// The changes that they make in the background.
+    /// The changes that those commands make in the background.
     [[nodiscard]] CloneChanges& changes() { return changes_; }
 
 protected:

@@ -16,7 +16,7 @@ class NewCloneView : public QDialog {
 public:
     static constexpr QSize idealSize{880, 590};
 
-    /// Both must outlive the sheet.
+    /// `model` and `icons` must outlive the sheet.
     NewCloneView(AppModel& model, IconLoader& icons, FilePanels panels);
 
     /// Returns the sheet's session, which lives as long as the sheet.

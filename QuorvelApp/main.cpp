@@ -15,7 +15,7 @@
 
 namespace {
 
-// What interrupted changes left: clones before they are listed, the rest meanwhile.
+// Restores clones after interrupted changes before they are listed; the leftovers can wait.
 void putRight(quorvel::BackgroundTasks& tasks) {
     const std::vector<std::filesystem::path> folders =
         quorvel::InstanceRegistry::defaultSearchDirs();

@@ -25,8 +25,8 @@ MainWindow::MainWindow(AppModel& model, UpdaterController& updater, IconLoader& 
     addCommands(updater);
 }
 
-// Without roles, macOS would guess from a command's text which menu it belongs in. Its own menu
-// takes those of the application from wherever they are.
+// Without roles, macOS would guess from a command's text which menu it belongs in. It moves those
+// of the application into its own menu, wherever they are.
 void MainWindow::addCommands(UpdaterController& updater) {
     addFileMenu();
     menuBar()->addMenu(new EditMenu(this));

@@ -16,7 +16,7 @@ namespace quorvel {
 class AppModel;
 
 /// The commands on the selected clone, shared by the menu bar, the context menu of the list and the
-/// keys. They are enabled as long as they can do something.
+/// keys. Each is enabled while it can do something.
 class CloneCommands : public QObject {
     Q_OBJECT
 
@@ -26,7 +26,7 @@ public:
 
     /// Sets the clone that the commands act on, by its identity.
     void setClone(const std::optional<std::string>& id);
-    /// Disables everything, as while a sheet is shown or a name edited.
+    /// Disables all commands while `blocked`, as while a sheet shows or a name is edited.
     void setBlocked(bool blocked);
 
     /// Adds the commands on one clone to a menu, which then keeps them up to date.
@@ -36,7 +36,7 @@ public:
 
     /// Returns the command that opens the clone, for the keys of the list.
     [[nodiscard]] QAction& opening() { return open_; }
-    /// Returns the command that deletes it, for the same.
+    /// Returns the command that deletes the clone, for the keys of the list.
     [[nodiscard]] QAction& deletion() { return remove_; }
 
 Q_SIGNALS:

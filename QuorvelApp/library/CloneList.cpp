@@ -10,7 +10,7 @@ namespace quorvel {
 
 CloneList::~CloneList() {
     if (editor_) {
-        editor_->disconnect(this); // it goes after what listens
+        editor_->disconnect(this); // it is destroyed later, when nothing may listen any more
     }
 }
 
@@ -22,7 +22,7 @@ void CloneList::editName() {
     scrollTo(row);
     edit(row);
     for (QLineEdit* editor : findChildren<QLineEdit*>(CloneRow::editorName)) {
-        if (!editor->isHidden()) { // as the last one may be, which lives a little longer
+        if (!editor->isHidden()) { // the previous one is hidden, and deleted a little later
             editor_ = editor;
             connect(editor, &QObject::destroyed, this, [this](const QObject* gone) {
                 if (editor_ == gone) {

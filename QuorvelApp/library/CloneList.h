@@ -17,7 +17,7 @@ public:
 
     /// Lets the user edit the current row's name where it is.
     void editName();
-    /// Returns whether the user is doing so.
+    /// Returns whether the user is editing a name.
     [[nodiscard]] bool isEditing() const;
 
 Q_SIGNALS:

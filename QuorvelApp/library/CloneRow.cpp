@@ -33,7 +33,7 @@ void drawText(QPainter* painter, const QRect& rect, const QString& text, TextSty
                       QFontMetrics(font).elidedText(text, Qt::ElideRight, rect.width()));
 }
 
-// The focus that comes back when a menu closes or the window is in front again.
+// Whether the focus comes back by itself, once a menu closes or the window is active again.
 bool isTemporary(const QFocusEvent& event) {
     return event.reason() == Qt::ActiveWindowFocusReason ||
            event.reason() == Qt::PopupFocusReason || event.reason() == Qt::MenuBarFocusReason;

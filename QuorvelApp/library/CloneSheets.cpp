@@ -20,7 +20,7 @@ using namespace std::chrono_literals;
 
 namespace {
 
-// What is done sooner needs no panel.
+// A refresh that ends sooner needs no panel.
 constexpr auto noticeable = 300ms;
 constexpr auto progressStep = 100ms;
 

@@ -28,7 +28,7 @@ public:
 
     /// Shows the clone's log until the user closes it.
     void showLog(const InstanceRecord& clone);
-    /// Shows how far it is unless it is done at once.
+    /// Refreshes the clones, and shows the progress unless that is done at once.
     void refresh(const std::vector<InstanceRecord>& clones);
 
 private:

@@ -18,7 +18,7 @@ class LogPanel : public QDialog {
 
 public:
     static constexpr QSize idealSize{820, 560};
-    /// The oldest lines go, so that no log takes up the memory.
+    /// The most lines kept; the oldest are dropped, since a log may be larger than the memory.
     static constexpr int mostLines = LogFollower::mostLines;
 
     /// `model` must outlive it.

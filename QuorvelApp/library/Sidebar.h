@@ -33,11 +33,11 @@ public:
     [[nodiscard]] const std::optional<std::string>& selection() const { return selection_; }
     /// Selects the clone with that identity, if it is listed.
     void select(const std::string& id);
-    /// Selects the clone with the second identity if the one with the first is selected.
+    /// Selects the clone with the identity `to` if that with `from` is selected.
     void follow(const std::string& from, const std::string& to);
     /// Lets the user edit the selected clone's name in the list.
     void editName();
-    /// Returns whether the user is doing so.
+    /// Returns whether the user is editing a name.
     [[nodiscard]] bool isEditing() const;
 
     [[nodiscard]] QSize sizeHint() const override;

@@ -10,13 +10,13 @@
 
 namespace quorvel {
 
-/// A copy of data on another thread, as the main thread sees it: how far it is, and whether it is
-/// to stop. Destroying it cancels the copy.
+/// A copy of data on another thread, as the main thread sees it: its progress and its cancellation.
+/// Destroying it cancels the copy.
 class BackgroundCopy : public QObject {
     Q_OBJECT
 
 public:
-    /// What the thread that copies needs; it may outlive the copy's object.
+    /// What the thread that copies needs; it may outlive the `BackgroundCopy`.
     class Control {
     public:
         [[nodiscard]] const std::atomic<bool>& cancelled() const { return cancelled_; }
@@ -35,7 +35,7 @@ public:
     ~BackgroundCopy() override;
 
     [[nodiscard]] std::shared_ptr<const Control> control() const { return control_; }
-    /// Returns how far it is; std::nullopt until that is known.
+    /// Returns how far it is; `std::nullopt` until that is known.
     [[nodiscard]] const std::optional<CopyProgress>& progress() const { return progress_; }
 
     /// Makes the copy stop soon.

@@ -18,10 +18,10 @@ using namespace std::chrono_literals;
 
 namespace {
 
-// Before force is used. The user has seen that asking politely takes long.
+// Before force is used. It is short, since the user has waited for the clone before.
 constexpr std::chrono::milliseconds lastPatience = 2s;
 
-// What a worker thread needs to bring the menu into line afterwards.
+// Repairs the menu on a worker thread, after a change.
 struct MenuUpdate {
     explicit MenuUpdate(const AppServices& services)
         : registry(services.registry),
@@ -131,7 +131,7 @@ QFuture<void> CloneChanges::stop(const InstanceRecord& clone, Force force) {
     const AppServices& services = model_.services();
     StopOptions options{.patience = services.stopPatience};
     if (force == Force::afterAsking) {
-        // What runs by now may not have been asked yet.
+        // Processes that were started meanwhile have not been asked yet.
         options = {.patience = std::min(services.stopPatience, lastPatience),
                    .mayForce = [](std::size_t) { return true; }};
     }

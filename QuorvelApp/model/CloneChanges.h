@@ -21,13 +21,13 @@ class AppModel;
 struct ChangedClone;
 struct InstanceRecord;
 
-/// How far a change of several clones is. Any thread.
+/// The progress of a change of several clones. Any thread.
 struct ChangeProgress {
     std::atomic<int> done = 0;
     std::atomic<bool> isCancelled = false;
 };
 
-/// Changes and stops clones that exist, in the background, and lists them again after a change.
+/// Changes and stops existing clones in the background, and lists them again after a change.
 /// What the user should know becomes the model's `lastError` or `statusMessage`; whether to use
 /// force is asked by `stillRunning`. Main thread only.
 class CloneChanges : public QObject {
@@ -49,20 +49,20 @@ public:
     /// Returns whether a refresh is under way.
     [[nodiscard]] bool isRefreshing() const { return refreshing_ > 0; }
 
-    /// How a clone is asked to end.
+    /// Whether what does not end when asked is killed.
     enum class Force { never, afterAsking };
-    /// Ends everything that the clone runs: asks it to, then waits for as long as `AppServices`
-    /// say. With force it waits a shorter time, then kills what is left.
+    /// Ends everything that the clone runs: asks it to, then waits for the `stopPatience` of
+    /// `AppServices`. With force it waits a shorter time, then kills what is left.
     QFuture<void> stop(const InstanceRecord& clone, Force force = Force::never);
-    /// Waits for the clone no longer, which may go on. It was asked to end, and may do so yet.
+    /// Stops waiting for the clone to end. It was asked to, so it may still do so.
     void cancelStop(const InstanceRecord& clone);
     /// Returns whether the clone is being stopped.
     [[nodiscard]] bool isStopping(const InstanceRecord& clone) const;
 
 Q_SIGNALS:
-    /// A clone has got another identity, and the model lists it.
+    /// A clone has a new identity, by which the model now lists it.
     void renamed(const std::string& from, const std::string& to);
-    /// That many processes of a clone go on although they were asked to end.
+    /// `left` processes of a clone are still running although they were asked to end.
     void stillRunning(const quorvel::InstanceRecord& clone, std::size_t left);
     /// `isRefreshing`, `isRenaming` or `isStopping` has changed.
     void activityChanged();

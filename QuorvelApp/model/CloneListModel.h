@@ -42,7 +42,7 @@ public:
     /// Returns the row of the clone with that identity, or -1.
     [[nodiscard]] int rowOf(const std::string& id) const;
 
-    /// Names are for editing; a view asks for the change itself.
+    /// Names can be edited, though not by `setData`: the delegate requests the change.
     [[nodiscard]] Qt::ItemFlags flags(const QModelIndex& index) const override;
     [[nodiscard]] int rowCount(const QModelIndex& parent = {}) const override;
     [[nodiscard]] QVariant data(const QModelIndex& index, int role) const override;

@@ -10,16 +10,17 @@
 
 namespace quorvel {
 
-/// The failure of a future whose work was given up, since who wanted it no longer exists.
+/// The failure of a future whose context no longer exists.
 class Abandoned : public std::exception {
 public:
     [[nodiscard]] const char* what() const noexcept override { return "no longer wanted"; }
 };
 
-/// Calls `then` with the result, or with the future if it takes one, where the future finishes: on
-/// the main thread, as all of the models' do. Not if `context` no longer exists by then; the future
-/// that is returned fails with `Abandoned`. Some versions of `QFuture::then` with a context take it
-/// for granted that it exists. As by that, a future that was cancelled cancels what follows.
+/// Calls `then` with the result, or with the future if it takes one, on the thread that finishes
+/// the future: the main thread for all futures of the models. If `context` no longer exists at that
+/// time, the returned future fails with `Abandoned` instead. Some versions of `QFuture::then` with
+/// a context assume that the context exists. As with that function, cancelling `future` cancels
+/// what follows.
 template<typename Result, typename Then>
 auto continued(QFuture<Result> future, const QObject* context, Then then) {
     return future.then([context = QPointer<const QObject>(context),

@@ -7,7 +7,8 @@
 
 namespace quorvel {
 
-/// Returns what the window says about data that was copied, in sentences on lines of their own.
+/// Returns the window's message about copied data: how it was copied, then what the user should
+/// know about it, each on its own line.
 [[nodiscard]] std::string copyResult(const FolderCopyReport& report, const CopyFindings& findings);
 
 } // namespace quorvel

@@ -19,7 +19,7 @@
 namespace quorvel {
 namespace {
 
-// Takes a fraction of a second to look at.
+// Counting that many takes a fraction of a second.
 constexpr std::size_t mostItemsToCount = 50'000;
 
 std::string freeName(const AppModel& model, const InstanceRecord& original) {

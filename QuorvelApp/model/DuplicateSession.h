@@ -15,7 +15,7 @@
 
 namespace quorvel {
 
-/// The state of one duplicate panel: what to make of a clone, how far that is, and what came of it.
+/// The state of one duplicate panel: what to make of a clone, its progress and its outcome.
 class DuplicateSession : public QObject {
     Q_OBJECT
 
@@ -31,7 +31,7 @@ public:
     /// The new clone's name; at first the next one that is free.
     [[nodiscard]] const std::string& name() const { return name_; }
     [[nodiscard]] bool withData() const { return withData_; }
-    /// Returns the size of the data in bytes; std::nullopt if it is not known, or not yet.
+    /// Returns the size of the data in bytes; `std::nullopt` if it is not known, or not yet.
     [[nodiscard]] const std::optional<std::uintmax_t>& dataSize() const { return dataSize_; }
     /// Returns whether there is a name, and nothing is under way.
     [[nodiscard]] bool canDuplicate() const;
@@ -42,7 +42,7 @@ public:
     void setWithData(bool withData);
 
     /// Makes the duplicate. Ends with `duplicated`, or with the model's `lastError`; or with
-    /// neither if the copy of the data is cancelled. What came of the copy becomes the model's
+    /// neither if the copy of the data is cancelled. The outcome of the copy becomes the model's
     /// `statusMessage`.
     void duplicate();
 

@@ -141,7 +141,7 @@ public:
             });
     }
 
-    // Blank ones are the engine's, as in a new clone.
+    // Blank arguments mean the engine's, as in a new clone.
     void addArguments(bool hadEngines) {
         const auto words = splitOutsideQuotes(after_.argsText);
         if (!words || words == splitOutsideQuotes(before_.argsText) ||

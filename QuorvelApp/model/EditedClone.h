@@ -22,7 +22,7 @@ struct EditedClone {
     /// thread.
     [[nodiscard]] static EditedClone read(const std::filesystem::path& wrapper);
 
-    /// Returns whether blank arguments are what the clone has: those of its target's engine.
+    /// Returns whether the clone has the arguments of its target's engine, as if none were entered.
     [[nodiscard]] bool hasEngineArguments() const;
 
     /// Returns the form that shows the clone.

@@ -10,8 +10,8 @@ namespace quorvel {
 
 /// The panels in which the user chooses files, passed in so that tests can answer instead.
 struct FilePanels {
-    /// Shows itself over `window`, which is a widget, until it is closed. Returns std::nullopt if
-    /// it was cancelled.
+    /// Shows the panel over `window`, which is a widget, until it is closed. Returns `std::nullopt`
+    /// if it was cancelled.
     using Panel = std::function<std::optional<std::filesystem::path>(QObject* window)>;
 
     Panel fileOrFolder{};

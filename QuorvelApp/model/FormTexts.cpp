@@ -103,7 +103,7 @@ public:
     }
 
 private:
-    // Ends at the last character of the sequence. What stands for nothing is a backslash.
+    // Ends at the last character of the sequence. A backslash that begins no sequence is itself.
     QChar escaped() {
         const QChar next = at_ + 1 < line_.size() ? line_[at_ + 1] : QChar(u' ');
         constexpr int digits = 4;

@@ -6,7 +6,7 @@
 #include <string_view>
 #include <vector>
 
-/// What the texts in a form's fields stand for, and the texts for values that exist.
+/// Converts between the texts in a form's fields and the values that they represent.
 namespace quorvel {
 
 /// Returns one entry for each line with "=" and a key before it. The key is trimmed, the value is
@@ -21,13 +21,13 @@ namespace quorvel {
 [[nodiscard]] std::vector<std::string> splitIntoWords(std::string_view text);
 
 /// Returns the pieces between white space, except for white space in double quotes, which belongs
-/// to its piece. Only in quotes, "\"" and "\\" stand for the second character, "\n", "\r" and "\t"
-/// for line breaks and a tab, and "\u" with four digits for what Unicode has at that place. Returns
-/// std::nullopt if a quote isn't closed.
+/// to its piece. Only in quotes, "\"" and "\\" represent the second character, "\n", "\r" and "\t"
+/// line breaks and a tab, and "\u" with four hexadecimal digits a UTF-16 unit. Returns
+/// `std::nullopt` if a quote isn't closed.
 [[nodiscard]] std::optional<std::vector<std::string>> splitOutsideQuotes(std::string_view text);
 
-/// Returns a line that `splitOutsideQuotes` reads back as these words, in quotes only where it
-/// takes them.
+/// Returns a line that `splitOutsideQuotes` reads back as these words; only words that need quotes
+/// are quoted.
 [[nodiscard]] std::string quotedWords(const std::vector<std::string>& words);
 
 } // namespace quorvel

@@ -130,7 +130,7 @@ void LogFollower::take(const Piece& piece) {
     }
 }
 
-// Between two pieces, the window handles what else there is.
+// Between two pieces, the window handles other events.
 void LogFollower::handOut() {
     const qsizetype end = endOfLines(waiting_, linesAtOnce);
     if (end > 0) {

@@ -12,22 +12,22 @@
 
 namespace quorvel {
 
-/// Reads a clone's log in the background, as long as it lives: what is there, but no more than its
-/// end, then what is added. Main thread only.
+/// Follows a clone's log in the background as long as it lives: reads the end of what is there,
+/// then what is added. Main thread only.
 class LogFollower : public QObject {
     Q_OBJECT
 
 public:
-    /// No more is read of what is there.
+    /// The most bytes that are read of what is there.
     static constexpr std::uintmax_t most = std::uintmax_t{1} << 20U;
-    /// A longer line becomes several, since laying it out would block the window.
+    /// A line of more UTF-16 units becomes several, since laying it out would block the window.
     static constexpr int longestLine = 1000;
-    /// Of more lines at once, only the last ones are read.
+    /// If more lines come at once, only the last ones are kept.
     static constexpr int mostLines = 10000;
-    /// No piece has more lines.
+    /// The most lines that one `read` has.
     static constexpr int linesAtOnce = 500;
 
-    /// For the clone with this data folder, which must be expanded.
+    /// `home` is the clone's data folder, with "~" expanded.
     LogFollower(std::shared_ptr<BackgroundTasks> tasks, const std::string& home,
                 QObject* parent = nullptr);
     ~LogFollower() override;
@@ -35,7 +35,7 @@ public:
     [[nodiscard]] const std::filesystem::path& path() const { return path_; }
 
 Q_SIGNALS:
-    /// The next piece of the log, harmless to show.
+    /// The next piece of the log, safe to display.
     void read(const QString& text);
     /// That many bytes at the beginning are left out. Comes before the first piece, if at all.
     void skipped(std::uintmax_t bytes);

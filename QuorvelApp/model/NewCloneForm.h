@@ -36,7 +36,7 @@ struct AppSettings : CloneOptions {
     std::optional<std::string> detectNote{};
     bool selectedSandboxed = false;
     bool canSeed = false; ///< the original has data that the clone could start with
-    bool seed = false;    ///< it shall
+    bool seed = false;    ///< the user wants it to
 };
 
 /// What a form shows of the clone that it edits, besides the values of its fields.
@@ -65,14 +65,14 @@ public:
     std::string commandArgsText{};
     std::string workdir{};
     std::string cloneName{};
-    std::string automaticName{}; ///< from the last `autoNameIfNeeded`; empty once it was edited
+    std::string automaticName{}; ///< the last one; empty once the name was edited
     bool launchAfter = true;
     bool creating = false; ///< a creation is under way
     bool showAdvanced = false;
     std::string strategyReason{};
     bool detecting = false; ///< a detection is under way
-    /// Set if the form edits a clone. Its kind, target application, name and data folder are shown
-    /// only; arguments are written as `quotedWords` does.
+    /// Set if the form edits a clone. Its kind, target application, name and data folder are
+    /// read-only; arguments are written as `quotedWords` does.
     std::optional<EditedCloneFacts> edited{};
 
     /// Returns whether a target is chosen or entered.
@@ -137,9 +137,9 @@ public:
     void detectionFailed(std::string_view description);
 
 private:
-    /// Whether the name is the one that naming put there last.
+    /// Returns whether the name is still the automatic one.
     [[nodiscard]] bool hasAutomaticName() const;
-    /// Whether a name may be put in the place of this one.
+    /// Returns whether an automatic name may replace this one.
     [[nodiscard]] bool mayNameItself() const;
 };
 

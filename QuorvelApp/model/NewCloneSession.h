@@ -44,7 +44,7 @@ public:
     /// Makes the app the target, and requests the proposal for it.
     void select(const InstalledApp& app);
     /// Creates the clone. Ends with `created`, or with the model's `lastError`; or with neither if
-    /// the copy of the original's data is cancelled. What came of the copy becomes the model's
+    /// the copy of the original's data is cancelled. The outcome of the copy becomes the model's
     /// `statusMessage`.
     void create();
     /// Detects the selected app's strategy.
@@ -60,7 +60,8 @@ Q_SIGNALS:
     void copyBegan(quorvel::BackgroundCopy* copy);
 
 protected:
-    /// Returns what keeps the icons of sites that were asked.
+    /// Returns the temporary folder with the icons of sites, which exists as long as it is held;
+    /// null if there is none.
     [[nodiscard]] std::shared_ptr<QTemporaryDir> siteFolders() const { return siteFolders_; }
 
 private:

@@ -8,7 +8,7 @@
 
 namespace quorvel {
 
-/// What came of copying the original's data into a new clone.
+/// The outcome of copying the original's data into a new clone.
 struct CopiedSeed {
     FolderCopyReport data{};
     CopyFindings findings{};
@@ -16,7 +16,7 @@ struct CopiedSeed {
 
 /// Returns a function that makes clones which start with their original's data. It throws what
 /// `seedFor` and `createCloneWithData` throw, and fills in `seed`, which must not be used before
-/// its end.
+/// it returns.
 [[nodiscard]] AppServices::WrapperMaker
 seededMaker(std::shared_ptr<const BackgroundCopy::Control> control,
             std::shared_ptr<CopiedSeed> seed);

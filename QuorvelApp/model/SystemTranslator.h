@@ -4,8 +4,8 @@
 
 namespace quorvel {
 
-/// Says the window's texts in the words of this system, as `inSystemWords` does. The application
-/// installs it before any catalogue of another language, which takes precedence.
+/// Translates the window's texts into the words of this system, as `inSystemWords` does. The
+/// application installs it before any catalogue of another language, which takes precedence.
 class SystemTranslator final : public QTranslator {
 public:
     [[nodiscard]] bool isEmpty() const override { return false; }

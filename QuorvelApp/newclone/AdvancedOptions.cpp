@@ -132,7 +132,7 @@ QWidget* AdvancedOptions::makeDataLocation() {
     return widget;
 }
 
-// Only where it is known what of the original's data a clone could start with.
+// Shown only if the original has data that a clone could start with.
 void AdvancedOptions::addSeed() {
     auto* box = new WrappingCheckBox(tr("Start with the original's data"));
     bindField(session_, box->box(), &NewCloneForm::seed);
@@ -170,7 +170,7 @@ QWidget* AdvancedOptions::makeIconLabel() {
     return widget;
 }
 
-// A new label is at the bottom; that of a clone may be anywhere.
+// A new clone's label is at the bottom; that of an edited clone may be anywhere.
 QWidget* AdvancedOptions::makeLabelPosition() {
     using Position = IconLabel::Position;
     auto* choices = new PaneComboBox;

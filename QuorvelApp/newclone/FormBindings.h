@@ -16,7 +16,7 @@ namespace quorvel {
 
 using FormAction = void (NewCloneForm::*)();
 
-/// Makes a field read-only that can't be changed in a clone that is edited.
+/// Makes a field read-only if the form edits a clone.
 inline void fixIfEdited(NewCloneSession& session, QLineEdit* control) {
     control->setReadOnly(session.form().edited.has_value());
 }

@@ -33,7 +33,7 @@ StrategySection::StrategySection(NewCloneSession& session)
     for (const Strategy strategy : selectableStrategies) {
         choices_->addItem(qtText(strategyLabel(rawString(strategy), translated)));
     }
-    // Not to be chosen, but a clone may have it.
+    // It can't be chosen, but an edited clone may have it.
     choices_->setPlaceholderText(
         qtText(strategyLabel(rawString(Strategy::unsupported), translated)));
     connect(choices_, &QComboBox::currentIndexChanged, this, [this](int index) {

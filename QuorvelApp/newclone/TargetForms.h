@@ -10,7 +10,7 @@ class QVBoxLayout;
 
 namespace quorvel {
 
-/// The base of the three forms: a heading with a symbol, rows, and a caption below.
+/// The base of the forms: a heading with a symbol, rows, and a caption below.
 class TargetForm : public QWidget {
     Q_OBJECT
 

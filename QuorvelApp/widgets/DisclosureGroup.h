@@ -14,7 +14,8 @@ public:
     /// "&" in `title` marks its mnemonic.
     DisclosureGroup(const QString& title, QWidget* parent);
 
-    /// Sets what is shown below the title, once. Best given this group as its parent.
+    /// Sets what is shown below the title; to be called once. `content` should have this group as
+    /// its parent already, since reparenting restyles it.
     void setContent(QWidget* content);
 
 Q_SIGNALS:

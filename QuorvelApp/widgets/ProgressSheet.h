@@ -11,8 +11,9 @@ namespace quorvel {
 
 class WrappingText;
 
-/// A dialog that shows how far something is that takes time, with a button that cancels it. Escape
-/// presses the button. Does not close by itself, since cancelling may take time, too: `done` does.
+/// A dialog that shows the progress of something that takes time, with a button that cancels it.
+/// Escape presses the button. Does not close by itself, since cancelling may take time, too: `done`
+/// closes it.
 class ProgressSheet : public QDialog {
     Q_OBJECT
 
@@ -22,7 +23,7 @@ public:
 
     /// Replaces what is said below the title.
     void setText(const QString& text);
-    /// Shows that `done` parts of `total` are done; a total of 0 means that nobody knows.
+    /// Shows that `done` parts of `total` are done; a total of 0 means that it is unknown.
     void setProgress(int done, int total);
 
     void reject() override;

@@ -28,7 +28,7 @@ public:
     [[nodiscard]] static bool isShownOver(const QWidget* window);
     /// Returns whether a sheet shows at that place over `window`.
     [[nodiscard]] static bool isShownOver(const QWidget* window, Place place);
-    /// The type of the event that a window gets when a sheet over it appears or ends.
+    /// Returns the type of the event that a window gets when a sheet over it appears or ends.
     [[nodiscard]] static QEvent::Type changeEvent();
 
 protected:
@@ -37,7 +37,7 @@ protected:
     void paintEvent(QPaintEvent* event) override;
 
 private:
-    /// Returns whether it is a widget of the window below the sheet.
+    /// Returns whether `watched` is a button of the window below this sheet, which is the topmost.
     [[nodiscard]] bool covers(const QObject* watched) const;
     /// Returns the visible sheets of the same window, this one included, bottom to top.
     [[nodiscard]] QList<Sheet*> shownSheets() const;

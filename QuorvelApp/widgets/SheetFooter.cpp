@@ -43,7 +43,7 @@ void SheetFooter::setCancellable(bool isCancellable) {
     cancel_->setEnabled(isCancellable);
 }
 
-// Places it beside the text, which is centred in the button.
+// Places it beside the text, which is centered in the button.
 void SheetFooter::placeSpinner() {
     const QRect all = button_->rect();
     const int text = button_->fontMetrics().horizontalAdvance(button_->text());

@@ -134,7 +134,7 @@ FilePanels::Panel panel(QFileDialog::FileMode mode, bool mayCreate, const QStrin
 } // namespace
 
 void keepNoDialogState() {
-    // Folders can only be created inside a folder.
+    // No file can be created below one that is not a folder.
     QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, u"/dev/null"_s);
 }
 

@@ -139,7 +139,7 @@ TEST_F(CreateCommandTest, CarriesEveryOptionIntoTheConfiguration) {
     EXPECT_EQ(json["shareUserFolders"], false);
 }
 
-TEST_F(CreateCommandTest, ValuesOfAnyLookComeThroughWhole) {
+TEST_F(CreateCommandTest, AnyValueReachesTheConfigurationUnchanged) {
     const auto json = configOf(commandWords({"--arg=", "--arg=--flag", "--arg", "{}", "--arg",
                                              "[a,b]", "--arg=a=b", "--arg", "line\nbreak"}));
     EXPECT_EQ(json["commandArgs"],

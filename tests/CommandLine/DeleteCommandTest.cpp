@@ -34,7 +34,7 @@ protected:
         return makeWrapper(harness.home / "Applications/Work.app", config);
     }
 
-    // A whole clone, made by the command, whose configuration is then spoilt.
+    // A whole clone, made by the command, whose configuration is then damaged.
     fs::path addDamagedClone() {
         const auto made = harness.run({"create", "--kind", "web", "--url", "https://a.test",
                                        "--name", "Work", "--runner", runnerProgram().string()});

@@ -64,7 +64,7 @@ TEST_F(DesktopCommandsTest, AFileComesBeforeAnInstalledApplicationOfThatName) {
     fs::current_path(old);
 }
 
-TEST_F(DesktopCommandsTest, OfSeveralApplicationsWithOneNameThePathsAreListed) {
+TEST_F(DesktopCommandsTest, ThePathsOfSeveralApplicationsWithOneNameAreListed) {
     const fs::path one = apps.addEntry("one", "app");
     const fs::path two = apps.addEntry("two", "app");
     for (const fs::path& entry : {one, two}) {

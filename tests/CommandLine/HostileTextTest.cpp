@@ -24,7 +24,7 @@ protected:
     CommandLineHarness harness;
 };
 
-TEST_F(HostileTextTest, OneNameWithoutEndDoesNotFillTheList) {
+TEST_F(HostileTextTest, OneEndlessNameDoesNotFillTheList) {
     addClone("long", std::string(1'000'000, 'x'));
     for (int number = 0; number < 78; ++number) {
         addClone(std::to_string(number), "clone " + std::to_string(number));

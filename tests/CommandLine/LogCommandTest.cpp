@@ -61,7 +61,7 @@ TEST_F(LogCommandTest, JsonHasTheEndOfALargeLog) {
     EXPECT_THAT(form["path"].get<std::string>(), EndsWith("quorvel-instance.log"));
 }
 
-TEST_F(LogCommandTest, FollowingHasNoEndThatJsonCouldHave) {
+TEST_F(LogCommandTest, FollowingAndJsonCantBeCombined) {
     EXPECT_EQ(harness_.run({"log", "Work", "--json", "--follow"}).status, 2);
 }
 

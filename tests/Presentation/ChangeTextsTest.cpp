@@ -14,7 +14,7 @@ ChangedClone changedClone() {
     return changed;
 }
 
-TEST(ChangeTextsTest, AChangeThatNeedsNoWordsHasNone) {
+TEST(ChangeTextsTest, AChangeWithNothingToKnowHasNoNotes) {
     EXPECT_THAT(changeNotes(changedClone(), false), IsEmpty());
     ChangedClone unchanged = changedClone();
     unchanged.isChanged = false;

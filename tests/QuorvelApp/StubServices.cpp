@@ -14,7 +14,7 @@ void StubUpdates::observe(std::function<void(bool)> changed) {
     canCheckChanged(true);
 }
 
-// The thread sanitizer can't see that Qt's pool waits for its threads, but that a number is read.
+// The thread sanitizer can't see that Qt's pool waits for its threads; it sees an atomic read.
 RecordingTasks::~RecordingTasks() {
     pool_.reset();
     (void)ended_.load();

@@ -14,8 +14,8 @@ using namespace Qt::StringLiterals;
 
 class MenuTest : public WindowTest {};
 
-// Left to itself, macOS would guess from the words which command belongs into its own menu.
-TEST_F(MenuTest, SayOfEveryCommandWhereMacOSIsToPutIt) {
+// Left to itself, macOS would guess from the words which command belongs in its own menu.
+TEST_F(MenuTest, SayWhereMacOSPutsEachCommand) {
     open();
     EXPECT_EQ(command(u"Check for Updates…"_s)->menuRole(), QAction::ApplicationSpecificRole);
     EXPECT_EQ(command(u"New Clone…"_s)->menuRole(), QAction::NoRole);

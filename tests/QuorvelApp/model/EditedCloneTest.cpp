@@ -110,7 +110,7 @@ TEST_F(EditedCloneTest, EntriesThatTheFormCantShowStayWhenOthersChange) {
               expected.json());
 }
 
-TEST_F(EditedCloneTest, OfTheLabelOnlyWhatIsChangedIsSaved) {
+TEST_F(EditedCloneTest, OnlyTheChangedPartsOfTheLabelAreSaved) {
     const fs::path wrapper = make(ShortcutKind::file).bundleURL;
     using Position = IconLabel::Position;
     EXPECT_EQ(

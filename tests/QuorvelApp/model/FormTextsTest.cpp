@@ -20,7 +20,7 @@ TEST(FormTextsTest, EveryWordComesBackFromItsLine) {
     EXPECT_THAT(splitOutsideQuotes(quotedWords({})), Optional(Words{}));
 }
 
-TEST(FormTextsTest, OnlyWhatTakesQuotesGetsThem) {
+TEST(FormTextsTest, OnlyWordsThatNeedQuotesGetThem) {
     EXPECT_EQ(quotedWords({"--flag", "C:\\new", "it's", "{{instanceHome}}/x", "two words", "a\n"}),
               R"(--flag C:\new it's {{instanceHome}}/x "two words" "a\n")");
     EXPECT_EQ(quotedWords({"\u202E"}), R"("\u202e")") << "it would turn the line around";

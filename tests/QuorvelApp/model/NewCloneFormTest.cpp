@@ -75,7 +75,7 @@ TEST(NewCloneFormTest, SaysWhereTheCloneIsSaved) {
     EXPECT_EQ(form.savedToText(), "Saved to ~/Applications/Work.app");
 }
 
-TEST(NewCloneFormTest, SelectingAnAppNamesItAndSetsTheAdvancedOptionsBack) {
+TEST(NewCloneFormTest, SelectingAnAppNamesTheCloneAndResetsTheAdvancedOptions) {
     NewCloneForm form;
     form.cloneName = "typed by hand";
     form.strategy = Strategy::wrapperIdentity;
@@ -115,7 +115,7 @@ TEST(NewCloneFormTest, SelectingAnAppNamesItAndSetsTheAdvancedOptionsBack) {
     EXPECT_EQ(form.webURL, "kept");
 }
 
-TEST(NewCloneFormTest, SelectingAnAppSetsEverySwitchBack) {
+TEST(NewCloneFormTest, SelectingAnAppResetsEverySwitch) {
     for (const CloneSwitch& each : cloneSwitches) {
         NewCloneForm form;
         form.*each.member = !each.defaultValue();
@@ -125,7 +125,7 @@ TEST(NewCloneFormTest, SelectingAnAppSetsEverySwitchBack) {
     }
 }
 
-TEST(NewCloneFormTest, LinksAreRequestedAndSetBackWithTheRest) {
+TEST(NewCloneFormTest, LinksAreRequestedAndResetWithTheRest) {
     NewCloneForm form;
     EXPECT_EQ(form.makeRequest().links, std::nullopt);
     form.links = "inside";
@@ -141,7 +141,7 @@ TEST(NewCloneFormTest, ShowsTheWholeCatalogForABlankSearch) {
     EXPECT_THAT(form.filtered({notes, zoom}), ElementsAre(notes, zoom));
 }
 
-TEST(NewCloneFormTest, SearchesNamesWhateverTheirCase) {
+TEST(NewCloneFormTest, SearchesNamesIgnoringTheirCase) {
     NewCloneForm form;
     form.search = " NOTES ";
     EXPECT_THAT(form.filtered({notes, zoom}), ElementsAre(notes));
@@ -209,7 +209,7 @@ TEST(NewCloneFormTest, PassesAWorkingDirectoryOnUntrimmed) {
     EXPECT_FALSE(form.makeRequest().workingDirectory);
 }
 
-TEST(NewCloneFormTest, TakesBlankAsNoDataLocation) {
+TEST(NewCloneFormTest, ABlankDataLocationCountsAsNone) {
     NewCloneForm form;
     form.dataPath = "   ";
     EXPECT_FALSE(form.makeRequest().instanceHome);

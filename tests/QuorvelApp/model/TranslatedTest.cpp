@@ -68,7 +68,7 @@ TEST_F(TranslatedTest, ATextOfALowerLayerIsLookedUp) {
     EXPECT_EQ(sentence(u"%2 of %1"_s, {"a", "%1"}), "%1 of a");
 }
 
-TEST_F(TranslatedTest, ThatOfTheEmptyWindow) {
+TEST_F(TranslatedTest, TheEmptyWindowIsTranslated) {
     open();
     EXPECT_THAT(untranslated(window.get()), IsEmpty());
     EXPECT_TRUE(shown(u"«No clones yet»"_s));
@@ -82,7 +82,7 @@ TEST_F(TranslatedTest, ThatOfTheEmptyWindow) {
     }
 }
 
-TEST_F(TranslatedTest, ThatOfACloneAndItsDetails) {
+TEST_F(TranslatedTest, ACloneAndItsDetailsAreTranslated) {
     const InstanceRecord clone = addClone("Work");
     write(home / "QuorvelInstances/Work/Downloads/a", "a");
     stubs.workspace->setRunning({clone.config.bundleId});
@@ -104,7 +104,7 @@ TEST_F(TranslatedTest, ThatOfACloneAndItsDetails) {
     EXPECT_EQ(row.data(Qt::AccessibleTextRole), u"«Work, Running»"_s);
 }
 
-TEST_F(TranslatedTest, ThatOfTheQuestionsAboutAClone) {
+TEST_F(TranslatedTest, TheQuestionsAboutACloneAreTranslated) {
     const InstanceRecord clone = addClone("Work");
     write(home / "QuorvelInstances/Work/Downloads/a", "a");
     stubs.workspace->setRunning({clone.config.bundleId});
@@ -121,7 +121,7 @@ TEST_F(TranslatedTest, ThatOfTheQuestionsAboutAClone) {
     EXPECT_THAT(untranslated(message()), IsEmpty());
 }
 
-TEST_F(TranslatedTest, ThatOfAlertsAndTheirMessages) {
+TEST_F(TranslatedTest, AlertsAndTheirMessagesAreTranslated) {
     const InstanceRecord clone = addClone("Work");
     write(home / "QuorvelInstances/Work/Downloads/a", "a");
     open();
@@ -137,14 +137,14 @@ TEST_F(TranslatedTest, ThatOfAlertsAndTheirMessages) {
     EXPECT_EQ(message()->windowTitle(), u"«Something went wrong»"_s);
 }
 
-TEST_F(TranslatedTest, ThatOfTheAboutPanel) {
+TEST_F(TranslatedTest, TheAboutPanelIsTranslated) {
     open();
     command(u"«About Quorvel»"_s)->trigger();
     EXPECT_EQ(message()->windowTitle(), u"«About Quorvel»"_s);
     EXPECT_THAT(untranslated(message()), IsEmpty());
 }
 
-TEST_F(TranslatedTest, ThatOfTheNewCloneSheetForEachKind) {
+TEST_F(TranslatedTest, TheNewCloneSheetIsTranslatedForEachKind) {
     stubs.sandboxed = {"/Applications/Notes.app"};
     addClone("Notes (2)");
     NewCloneView& sheet = openSheetWith(u"Notes"_s);
@@ -166,7 +166,7 @@ TEST_F(TranslatedTest, ThatOfTheNewCloneSheetForEachKind) {
     }
 }
 
-TEST_F(TranslatedTest, ThatOfTheAppPickersStates) {
+TEST_F(TranslatedTest, TheAppPickersStatesAreTranslated) {
     open();
     NewCloneView& sheet = openSheet();
     EXPECT_TRUE(shown(u"«No apps found.»"_s));
@@ -176,7 +176,7 @@ TEST_F(TranslatedTest, ThatOfTheAppPickersStates) {
     EXPECT_EQ(sheet.session().form().detectNote, "«Detected: «Wrapper identity (C)».»");
 }
 
-TEST_F(TranslatedTest, ThatOfTheFilePanels) {
+TEST_F(TranslatedTest, TheFilePanelsAreTranslated) {
     bool looked = false;
     QTimer::singleShot(0, qApp, [&] {
         auto* dialog = qobject_cast<QFileDialog*>(QApplication::activeModalWidget());

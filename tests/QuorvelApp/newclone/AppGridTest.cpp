@@ -35,7 +35,7 @@ protected:
         ASSERT_EQ(grid->verticalScrollBar()->value(), scrolledTo);
     }
 
-    /// The first tile that shows whole.
+    /// The first tile that is wholly in view.
     [[nodiscard]] QModelIndex firstInSight() const {
         for (int row = 0; row < grid->model()->rowCount(); ++row) {
             const QModelIndex index = grid->model()->index(row, 0);

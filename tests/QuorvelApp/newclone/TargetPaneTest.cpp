@@ -136,7 +136,7 @@ TEST_F(TargetPaneTest, ASiteIsAskedForItsIconAndTitleOnlyAtTheButton) {
     EXPECT_EQ(sheet.session().form().customIcon, std::nullopt);
     stubs.model().setLastError(std::nullopt);
 
-    // A name of the user's own stays, and a failure is said.
+    // A name that the user edited stays, and a failure is reported.
     QTest::keyClicks(field(u"Name"_s), u"!"_s);
     QTest::keyClicks(field(u"Website URL"_s), u"x"_s);
     button(ask)->click();

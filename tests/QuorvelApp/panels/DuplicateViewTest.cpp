@@ -25,7 +25,7 @@ using ::testing::AnyOf;
 using ::testing::HasSubstr;
 using ::testing::StartsWith;
 
-// Every file that this process writes may have at most so many bytes.
+// Limits the size of every file that this process writes.
 class FileSizeLimit {
 public:
     explicit FileSizeLimit(rlim_t bytes) : handler_(std::signal(SIGXFSZ, SIG_IGN)) {
@@ -270,7 +270,7 @@ TEST_F(DuplicateViewTest, TheOriginalIsDuplicatedAsItIsNow) {
               "/bin/false");
 }
 
-TEST_F(DuplicateViewTest, ADiskThatTakesNoMoreIsAnErrorAndNothingIsLeft) {
+TEST_F(DuplicateViewTest, AFullDiskIsAnErrorAndNothingIsLeft) {
     write(data("Work") / "large", std::string(2U << 20U, 'x'));
     askWithData();
     const FileSizeLimit limit(1U << 20U);

@@ -84,7 +84,7 @@ protected:
     FilePanels panels = systemFilePanels();
 };
 
-TEST_F(SystemFilePanelsTest, HaveTheirTextsWhateverIsSelected) {
+TEST_F(SystemFilePanelsTest, KeepTheirTextsForAnySelection) {
     struct Case {
         const FilePanels::Panel& panel;
         QString prompt;
