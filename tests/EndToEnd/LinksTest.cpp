@@ -257,7 +257,7 @@ protected:
     }
 };
 
-TEST_F(LinksTestClicks, ALinkInADocumentThatEvinceShows) {
+TEST_F(LinksTestClicks, ALinkThatEvinceShowsOpensInTheBrowser) {
     if (!fs::exists("/usr/bin/evince")) {
         GTEST_SKIP() << "evince is not installed";
     }
@@ -277,7 +277,7 @@ TEST_F(LinksTestClicks, ALinkInADocumentThatEvinceShows) {
             "GET /evince ");
 }
 
-TEST_F(LinksTestClicks, AnEntryOfTheMenuOfKCalc) {
+TEST_F(LinksTestClicks, AMenuItemOfKCalcOpensTheBrowser) {
     if (!fs::exists("/usr/bin/kcalc")) {
         GTEST_SKIP() << "kcalc is not installed";
     }

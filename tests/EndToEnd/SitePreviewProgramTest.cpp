@@ -43,7 +43,7 @@ protected:
         fs::create_directory(folder_ / "own");
         return fetchSitePreview(QUORVEL_SITE_PREVIEW, site() + page, folder_ / "own", patience);
     }
-    // Why it fails.
+    // Returns why it fails.
     std::string failure(const std::string& page, std::chrono::milliseconds patience = 20s) {
         try {
             (void)preview(page, patience);
@@ -117,7 +117,7 @@ TEST_F(SitePreviewProgramTest, OnlyASimplePngIsDecodedHere) {
     EXPECT_EQ(iconAfter("echo more"), std::nullopt);
 }
 
-TEST_F(SitePreviewProgramTest, AProgramThatFailsIsNoSlowSite) {
+TEST_F(SitePreviewProgramTest, AFailingProgramIsNotReportedAsASlowSite) {
     const auto failureOf = [&](const std::string& script) {
         write(folder_ / "stand-in", "#!/bin/sh\n" + script + "\n");
         fs::permissions(folder_ / "stand-in", fs::perms::owner_all);

@@ -83,7 +83,7 @@ TEST_F(OutsideLinksTest, TheBrowserMakesFilesAsTheSessionDoes) {
     EXPECT_EQ(setFileMask(077), 077U) << "ours stays";
 }
 
-TEST_F(OutsideLinksTest, WhatIsNoAddressStartsNothing) {
+TEST_F(OutsideLinksTest, SomethingThatIsNotAnAddressStartsNothing) {
     EXPECT_FALSE(links().open("--help"));
     EXPECT_FALSE(links().open("/etc/passwd"));
     EXPECT_FALSE(links().open("tel:" + std::string(40'000, '1')));

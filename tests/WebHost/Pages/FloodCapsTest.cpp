@@ -70,7 +70,7 @@ TEST(FloodCapsTest, DialogsCanBeStoppedFromTheThirdOn) {
     EXPECT_FALSE(cap.offersToStop());
 }
 
-TEST(FloodCapsTest, APageDoesNotStartAnewByLoadingItself) {
+TEST(FloodCapsTest, APageThatLoadsItselfAgainKeepsItsLimits) {
     PageVisit visit;
     EXPECT_TRUE(visit.begins("a.example", 0));
     visit.used(2);

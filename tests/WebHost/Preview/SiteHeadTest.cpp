@@ -33,7 +33,7 @@ TEST(SiteHeadTest, AQuotationMayContainTheEndOfATag) {
     EXPECT_THAT(siteHead("<link rel=\"mask-icon\" href=a><link rel=icon>").icons, IsEmpty());
 }
 
-TEST(SiteHeadTest, WhatIsCutOffOrTooMuchIsNoTrouble) {
+TEST(SiteHeadTest, TruncatedAndExcessiveInputIsHarmless) {
     EXPECT_EQ(siteHead("<title>Half").title, "Half");
     EXPECT_EQ(siteHead("<title lang='>'>Whole</title>").title, "Whole");
     for (const char* html :

@@ -103,7 +103,7 @@ TEST_F(PasswordQuestionsTest, AnAnswerThatLeadsToTheSameQuestionAtOnceShowsItOnc
     EXPECT_EQ(answers_, std::vector<std::string>{"me:right"});
 }
 
-TEST_F(PasswordQuestionsTest, AQuestionGoesWithTheLastWhoWaitsForItsAnswer) {
+TEST_F(PasswordQuestionsTest, AQuestionDisappearsOnceNobodyWaitsForItsAnswer) {
     const std::size_t first = decide(asker("one"));
     const std::size_t second = decide(asker("one"));
     const std::size_t hidden = decide(asker("two"));
@@ -125,7 +125,7 @@ TEST_F(PasswordQuestionsTest, AQuestionGoesWithTheLastWhoWaitsForItsAnswer) {
     EXPECT_TRUE(shown_);
 }
 
-TEST_F(PasswordQuestionsTest, WhatIsTakenBackAgainAndAgainIsNotAskedWithoutEnd) {
+TEST_F(PasswordQuestionsTest, AQuestionThatIsWithdrawnAgainAndAgainIsAskedThreeTimes) {
     for (int attempt = 0; attempt < 10; ++attempt) {
         questions_.withdraw(decide(asker()));
     }

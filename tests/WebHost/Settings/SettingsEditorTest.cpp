@@ -51,7 +51,7 @@ protected:
              [this](const std::vector<PermissionStore::Answer>& taken) { taken_ = taken; }}};
 };
 
-TEST_F(SettingsEditorTest, OnlyAChangeIsWrittenAndTold) {
+TEST_F(SettingsEditorTest, OnlyAChangeIsWrittenAndReported) {
     EXPECT_EQ(editor_.change([](SiteSettings& all) { all.userAgent = ""; }), "");
     EXPECT_EQ(changes_, 0);
     EXPECT_EQ(editor_.change([](SiteSettings& all) { all.userAgent = "Test/1"; }), "");
@@ -98,14 +98,14 @@ TEST_F(SettingsEditorTest, CertificatesAreListedAndRemoved) {
     EXPECT_FALSE(certificates_.hasException("a.test"));
 }
 
-TEST_F(SettingsEditorTest, WhatCanNotBeWrittenIsSaid) {
+TEST_F(SettingsEditorTest, AFailureToWriteIsReported) {
     ASSERT_TRUE(certificates_.add("a.test", std::string(64, 'c')));
     std::filesystem::remove(file("certificates.json"));
     std::filesystem::create_directories(file("certificates.json") + "/in the way");
     EXPECT_EQ(removeFirst(&SettingsEditor::certificates), "The certificates can’t be written.");
 }
 
-TEST_F(SettingsEditorTest, AFileThatCanNotBeUsedIsNamed) {
+TEST_F(SettingsEditorTest, AFileThatCanNotBeUsedIsReported) {
     EXPECT_EQ(editor_.fileProblem(), "");
     write(file("settings.json"), "{");
     settings_ = SiteSettingsStore(home_.path(), file("settings.json"));

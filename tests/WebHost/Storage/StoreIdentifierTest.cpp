@@ -48,7 +48,7 @@ protected:
     };
 };
 
-TEST_F(StoreIdentifierTest, EachFolderKeepsAUuidOfItsOwn) {
+TEST_F(StoreIdentifierTest, EachFolderKeepsItsOwnUuid) {
     const std::string store = start("Work");
     EXPECT_THAT(store, MatchesRegex("[0-9A-F]{8}-[0-9A-F]{4}-4[0-9A-F]{3}-[0-9A-F]{4}-.{12}"));
     EXPECT_EQ(start("Work"), store);
@@ -94,7 +94,7 @@ TEST_F(StoreIdentifierTest, OnlyStoresWhoseFolderIsCertainlyGoneAreAbandoned) {
     EXPECT_THAT(abandoned(), ElementsAre(removed));
 }
 
-TEST_F(StoreIdentifierTest, WhatIsNoUuidIsSetAsideAndReplaced) {
+TEST_F(StoreIdentifierTest, AnInvalidUuidIsSetAsideAndReplaced) {
     (void)start("Work");
     for (const char* damaged : {"{\"identifier\": \"../../x\"}", "{", "{}"}) {
         write(file("Work"), damaged);

@@ -23,7 +23,7 @@ TEST(DrawingChoiceTest, WithoutACardOpenGLIsNotTried) {
     }
 }
 
-TEST(DrawingChoiceTest, WhoeverSetsTheRendererHasChosen) {
+TEST(DrawingChoiceTest, ARendererThatIsSetIsKept) {
     const testing::TemporaryFolder devices;
     EXPECT_EQ(reasonAgainstOpenGL({{"GSK_RENDERER", "gl"}}, devices.path()), "");
     EXPECT_NE(reasonAgainstOpenGL({{"GDK_BACKEND", "x11"}}, devices.path()), "");
