@@ -9,7 +9,7 @@
 namespace quorvel {
 
 /// Wraps a handler that the system wants to have called exactly once; it raises an exception
-/// otherwise. The values are those for the case that no answer ever comes.
+/// otherwise. The handler gets the values of `otherwise` if no answer is ever given.
 template <typename... Values>
 [[nodiscard]] OneAnswer<Values...> answerOnce(void (^_Nonnull handler)(Values...),
                                               std::type_identity_t<Values>... otherwise) {

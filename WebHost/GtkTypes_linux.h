@@ -5,7 +5,7 @@
 #include <functional>
 #include <utility>
 
-/// What the toolkit's interface needs everywhere in the host.
+/// Connecting functions to the toolkit's signals.
 namespace quorvel {
 
 /// Connects a function without captures to a signal.

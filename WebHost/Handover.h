@@ -29,11 +29,11 @@ struct WebHandover {
 inline constexpr std::size_t longestHandover = std::size_t{64} << 10U;
 
 /// Returns a socket that waits for handovers in the data folder, for which the caller holds the
-/// lock. Nothing is open if none can be made.
+/// lock; an empty handle if it can't be made.
 [[nodiscard]] FileHandle listenForHandovers(const std::string& home);
 
-/// Passes it to the clone that runs in the data folder. Returns whether that has taken it within
-/// `patience`.
+/// Passes it to the clone that runs in the data folder. Returns whether that clone has accepted it
+/// within `patience`.
 [[nodiscard]] bool sendHandover(const std::string& home, const WebHandover& handover,
                                 std::chrono::milliseconds patience);
 

@@ -10,12 +10,12 @@ extern "C" {
 struct QuorvelWebHostRequest {
     std::uint32_t abi;              ///< `webHostAbi` of the runner; always the first member
     const char* configFile;         ///< the clone's configuration
-    const char* windowWord;         ///< what its windows are to be known by
+    const char* windowWord;         ///< by which the desktop recognizes its windows
     const char* address;            ///< to open instead of the clone's own; null for none
     int listener;                   ///< the socket on which addresses are handed over; -1 for none
-    void* context;                  ///< for the functions
-    void (*started)(void* context); ///< the window is there
-    /// The window can't be shown, for this reason (a sentence).
+    void* context;                  ///< passed to the functions below
+    void (*started)(void* context); ///< called once the window is shown
+    /// Called if the window can't be shown, with the reason as a sentence.
     void (*failed)(void* context, const char* sentence);
 };
 
@@ -25,10 +25,11 @@ using QuorvelWebHostRun = int (*)(const QuorvelWebHostRequest* request);
 
 namespace quorvel {
 
-/// Changes with every change of the request.
+/// Changes whenever `QuorvelWebHostRequest` does.
 inline constexpr std::uint32_t webHostAbi = 1;
+/// The name of the module's `QuorvelWebHostRun`.
 inline constexpr const char* webHostFunction = "quorvel_web_host_run";
-/// In the session's environment, the path of another module.
+/// The variable of the session's environment that contains the path of another module.
 inline constexpr const char* webHostVariable = "QUORVEL_WEB_HOST";
 
 } // namespace quorvel

@@ -33,7 +33,7 @@ std::string quoted(const InstanceConfig& config) {
     return "“" + config.displayName + "”";
 }
 
-// What the menu shows of the clone, which can't be found from the clone's own folders.
+// Finds the clone's menu entry, which is in the user's folders and not in the clone's.
 void findMenuEntry(const QuorvelWebHostRequest& request, WebHostOptions& options) {
     options.desktopId = textOf(request.windowWord) + ".desktop";
     const auto wrapper =
@@ -45,7 +45,7 @@ void findMenuEntry(const QuorvelWebHostRequest& request, WebHostOptions& options
     }
 }
 
-// What the engine and its processes print belongs in the log.
+// Sends what the engine and its processes print to the clone's log.
 void printToLog(const std::string& home) {
     if (const auto log = InstanceLauncher::instanceLogHandle(home)) {
         (void)::dup2(log->descriptor(), STDOUT_FILENO);
@@ -70,7 +70,7 @@ void requireDisplay(const InstanceConfig& config, const std::string& word) {
     }
 }
 
-// Returns why, or an empty text. The first window has not been made yet.
+// Returns why OpenGL does not draw, or an empty text. Comes before the first window.
 std::string avoidSlowOpenGL(const Environment& environment) {
     if (environment.contains(rendererVariable)) {
         return "";

@@ -25,7 +25,7 @@ class HostError : public Error {
 
 std::string textOrNone(const char* text) { return text == nullptr ? "" : text; }
 
-// What the engine and its processes print belongs in the log.
+// Sends what the engine and its processes print to the clone's log.
 void printToLog(const std::string& home) {
     if (const auto log = InstanceLauncher::instanceLogHandle(home)) {
         (void)::dup2(log->descriptor(), STDOUT_FILENO);

@@ -26,7 +26,7 @@ void log(const std::string& message) {
     std::fprintf(stderr, "quorvel-web-host: %s\n", terminalText(message).c_str());
 }
 
-// By the list of public suffixes that the network library has.
+// Uses the network library's list of public suffixes.
 std::string siteOfHost(const std::string& host) {
     return textOf(soup_tld_get_base_domain(host.c_str(), nullptr));
 }
@@ -254,7 +254,7 @@ WebKitWebView* WebHost::openPopup(HostPage& opener) {
     if (!popupCap_.admits(gestures(), popups_.size())) {
         return nullptr;
     }
-    // It would not inherit the settings.
+    // A related view does not inherit the settings.
     auto* const view = WEBKIT_WEB_VIEW(g_object_new(
         WEBKIT_TYPE_WEB_VIEW, "related-view", opener.view(), "settings", settings_.get(), nullptr));
     WindowState state;
@@ -285,7 +285,7 @@ void WebHost::showPopupTitle(WebKitWebView* view) {
     }
 }
 
-// Not at once: it is one of its own signals that says so.
+// Not deleted at once, since one of its own signals is being handled.
 void WebHost::closePopup(WebKitWebView* view) {
     if (const auto found = popupWith(view); found != popups_.end()) {
         closedGestures_ += (*found)->window().gestures();

@@ -36,7 +36,7 @@ struct WebHostOptions {
     std::string desktopId{};                 ///< its menu entry's file name
     std::string icon{};                      ///< the entry's
     std::optional<std::string> statusIcon{}; ///< the icon for the tray; absent: not there
-    int listener = -1;                       ///< for handovers
+    int listener = -1;                       ///< the socket for handovers; -1 for none
     GDBusConnection* bus = nullptr;
     const OutsideLinks* links = nullptr;
     std::string againstOpenGL{}; ///< why OpenGL does not draw; empty if it does
@@ -73,7 +73,7 @@ private:
     void closePopup(WebKitWebView* view);
     /// Returns the number of clicks and key presses in all windows.
     [[nodiscard]] std::uint64_t gestures() const;
-    /// The title or the badge is another one. Shows it at once, but not too often.
+    /// The title or the badge has changed. Shows it at once, but at most four times a second.
     void titleChanged();
     void showTitle();
     void checkSandbox();

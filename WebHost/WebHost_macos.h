@@ -22,7 +22,7 @@ struct WebHostOptions {
     bool keepsLinks = false; ///< links to other sites open in the clone
     bool hasStatusItem = false;
     bool isStatusItemTemplate = false;
-    int listener = -1; ///< for handovers
+    int listener = -1; ///< the socket for handovers; -1 for none
     WKWebsiteDataStore* store = nil;
     std::shared_ptr<OutsideOpener> links{};
     std::function<void()> started{};

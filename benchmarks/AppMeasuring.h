@@ -24,7 +24,7 @@ public:
 
     bool notify(QObject* receiver, QEvent* event) override;
 
-    /// In milliseconds, since the last call.
+    /// Returns that time since the last call, in milliseconds.
     double takeLongest();
 
 private:

@@ -22,19 +22,19 @@ struct Row {
 [[nodiscard]] Row compareTimes(const std::string& what, const std::function<void()>& figure,
                                const std::function<void()>& floor, double goal, int rounds);
 
-/// Seconds that one call takes.
+/// Returns the seconds that one call takes.
 [[nodiscard]] double secondsOf(const std::function<void()>& call);
 
-/// The value below which `share` (0 to 1) of the values lie.
+/// Returns the value that `share` (0 to 1) of the values do not exceed; there must be a value.
 [[nodiscard]] double percentile(std::vector<double> values, double share);
 
-/// "1.32 x" and the like, with two decimals.
+/// Returns a text such as "1.32 x", with two decimals.
 [[nodiscard]] std::string decimals(double value, const std::string& unit);
 
-/// One line, in the table's columns.
+/// Prints one line, in the table's columns.
 void print(const Row& row);
 
-/// The table, with its heading.
+/// Prints the table, with its heading.
 void print(const std::vector<Row>& rows);
 
 } // namespace quorvel::benchmarks

@@ -15,7 +15,7 @@ public:
     /// Throws if the display can't be opened.
     explicit Screen(const std::string& display);
 
-    /// Returns the color there as 0xRRGGBB.
+    /// Returns the color there as 0xRRGGBB; std::nullopt if it can't be read.
     [[nodiscard]] std::optional<std::uint32_t> colorAt(std::int16_t x, std::int16_t y) const;
 
 private:

@@ -10,21 +10,21 @@
 
 namespace quorvel::benchmarks {
 
-/// A web clone of a site of the benchmark's own, and the programs that it is compared with, in the
+/// A web clone of the benchmark's own site, and the programs that it is compared with, in the
 /// session of an ordinary user. One of them runs at a time. Throws if something takes too long;
 /// everything ends with this object.
 class WebSession {
 public:
     WebSession();
 
-    /// The commands that show the site's coloured page.
+    /// Return the commands that show the site's colored page.
     [[nodiscard]] std::vector<std::string> clone() const;
     [[nodiscard]] std::vector<std::string> bare() const;
     [[nodiscard]] std::vector<std::string> chromium() const;
 
     /// Returns the seconds from the start of the program until its page is on the screen.
     double show(const std::vector<std::string>& command);
-    /// Returns the seconds that a program takes which ends by itself, with status 0.
+    /// Runs a program that ends by itself with status 0. Returns the seconds that it took.
     double run(const std::vector<std::string>& command);
     /// Sends a signal to the program alone. Returns the seconds until all its processes are gone,
     /// which are killed if that takes too long.

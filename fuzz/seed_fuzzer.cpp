@@ -9,7 +9,7 @@
 
 namespace {
 
-// Both are files in a folder.
+// Both readers are given the folder that contains the file.
 class Folder {
 public:
     Folder() {

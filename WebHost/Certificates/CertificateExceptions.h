@@ -13,7 +13,7 @@ namespace quorvel {
 
 /// What is wrong with a server's certificate.
 struct CertificateFaults {
-    bool isUntrusted = false; ///< nobody who is trusted has signed it
+    bool isUntrusted = false; ///< no trusted authority has signed it
     bool isOfOtherHost = false;
     bool isNotYetValid = false;
     bool isExpired = false;
@@ -29,7 +29,7 @@ struct CertificateFaults {
 /// Returns whether the user may open the page nevertheless.
 [[nodiscard]] bool canBeExcepted(const CertificateFaults& faults);
 
-/// Who a certificate says that it belongs to. Anybody can write anything there.
+/// Whom a certificate claims to belong to. Anybody can write anything there.
 struct CertificateDetails {
     std::string subject{};
     std::string issuer{};
@@ -38,11 +38,11 @@ struct CertificateDetails {
     std::string fingerprint{}; ///< SHA-256 of the certificate, 64 hexadecimal digits
 };
 
-/// Returns the details as lines of text, for a place that shows them as they are.
+/// Returns the details as lines of text, for a place that shows plain text.
 [[nodiscard]] std::string certificateText(const CertificateDetails& details);
 
-/// The certificates that the user accepted for a web clone: one per host, each for itself alone.
-/// Kept in a file below the clone's home.
+/// The certificates that the user accepted for a web clone: one per host, for this host alone. Kept
+/// in a file below the clone's home.
 class CertificateExceptions {
 public:
     struct Exception {
@@ -70,9 +70,11 @@ public:
     /// Removes the exception for the host. Returns false if the file can't be written.
     bool remove(const std::string& host);
 
-    /// The engine was told to accept a certificate of the host, which it can't be made to forget.
+    /// Notes that the engine was told to accept a certificate of the host, which it can't be made
+    /// to forget.
     void engineAccepts(const std::string& host) { acceptedByEngine_.insert(host); }
-    /// Returns whether it was, since this process started: the host need not prove who it is.
+    /// Returns whether the engine was told so since this process started: then the host need not
+    /// prove who it is.
     [[nodiscard]] bool isAcceptedByEngine(const std::string& host) const {
         return acceptedByEngine_.contains(host);
     }

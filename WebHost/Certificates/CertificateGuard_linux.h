@@ -25,7 +25,7 @@ public:
     CertificateGuard& operator=(const CertificateGuard&) = delete;
     ~CertificateGuard();
 
-    /// A page is on its way; what was offered for the last one is so no more.
+    /// A page is on its way; withdraws what was offered for the last one.
     void loadStarted();
 
 private:
@@ -41,7 +41,7 @@ private:
     HostWindow& window_;
     CertificateExceptions& exceptions_;
     CertificateOffer offer_;
-    ObjectRef<GTlsCertificate> certificate_{}; ///< that was refused last
+    ObjectRef<GTlsCertificate> certificate_{}; ///< the last one that was refused
     GtkWidget* dialog_ = nullptr;
     bool isPageComing_ = false;
     std::set<std::string> used_{}; ///< exceptions that the engine knows

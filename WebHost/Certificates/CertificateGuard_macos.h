@@ -29,7 +29,7 @@ public:
     /// The page at that address was not opened because of its server's certificate, for this
     /// reason (a sentence).
     void failed(const std::string& address, const std::string& reason);
-    /// A page is on its way; what was offered for the last one is so no more.
+    /// A page is on its way; withdraws what was offered for the last one.
     void loadStarted();
 
 private:

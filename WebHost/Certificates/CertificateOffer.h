@@ -8,7 +8,7 @@
 
 namespace quorvel {
 
-/// What becomes of a page whose server can't prove who it is: the user sees why, and may open it
+/// Handles a page whose server can't prove who it is: the user sees why, and may open it
 /// nevertheless, after having agreed to exactly this certificate for the host.
 class CertificateOffer {
 public:
@@ -44,7 +44,7 @@ public:
 
     /// Shows why the page is not opened, and offers to open it if the user may do that.
     void refuse(Refused refused);
-    /// What was offered holds no more.
+    /// Takes back the offer and the question, if there are any.
     void withdraw();
     /// The user has answered the question.
     void answered(bool isMeant);

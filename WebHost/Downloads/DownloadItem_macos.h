@@ -8,7 +8,7 @@
 
 namespace quorvel {
 
-/// One download that runs.
+/// A running download.
 struct DownloadItem {
     DownloadItem(WKDownload* running, StagedDownload stage)
         : download(running), staged(std::move(stage)) {}

@@ -8,7 +8,7 @@
 namespace quorvel {
 namespace {
 
-// Only then the system checks a program before it is started.
+// The system checks a program before its start only if it is marked like this.
 bool quarantine(NSURL* file, NSURL* source) {
     NSMutableDictionary<NSString*, id>* const properties = [NSMutableDictionary dictionary];
     properties[(__bridge NSString*)kLSQuarantineTypeKey] =

@@ -19,10 +19,11 @@ namespace quorvel {
 class DownloadList {
 public:
     struct Callbacks {
-        /// Asks whether a download that nobody waits for may start. Returns false if it can't ask.
+        /// Asks whether a download that soon follows another may start. Returns false if it can't
+        /// ask.
         std::function<bool(const std::string& name, std::function<void(bool)> answered)> ask{};
-        /// How all running downloads together are getting on: from 0 to 1, or std::nullopt if none
-        /// runs. The text is for the user.
+        /// Reports the progress of all running downloads together, from 0 to 1, or std::nullopt if
+        /// none runs. The text is for the user.
         std::function<void(const std::string& text, std::optional<double> progress)> changed{};
     };
 
@@ -31,10 +32,10 @@ public:
                  Callbacks callbacks);
     DownloadList(const DownloadList&) = delete;
     DownloadList& operator=(const DownloadList&) = delete;
-    /// Cancels what runs; nothing is left of it.
+    /// Does as `cancelAll`.
     ~DownloadList();
 
-    /// Cancels what runs; nothing is left of it.
+    /// Cancels the running downloads and removes their files.
     void cancelAll();
     [[nodiscard]] bool isRunning() const { return running() > 0; }
 
@@ -55,7 +56,7 @@ private:
     void ask(WebKitDownload* download);
     /// Cancels a download that is one too many.
     void refuse(WebKitDownload* download);
-    /// Forgets the download and says this about it.
+    /// Takes the download off the list and reports this text about it.
     void end(WebKitDownload* download, const std::string& text);
     void report() const;
     [[nodiscard]] std::size_t running() const;

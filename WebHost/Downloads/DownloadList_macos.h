@@ -10,10 +10,10 @@
 namespace quorvel {
 
 struct DownloadCallbacks {
-    /// Asks whether a download that nobody waits for may start. Returns false if it can't ask.
+    /// Asks whether a download that soon follows another may start. Returns false if it can't ask.
     std::function<bool(const std::string& name, std::function<void(bool)> answered)> ask{};
-    /// How all running downloads together are getting on: from 0 to 1, or std::nullopt if none
-    /// runs. The text is for the user.
+    /// Reports the progress of all running downloads together, from 0 to 1, or std::nullopt if
+    /// none runs. The text is for the user.
     std::function<void(const std::string& text, std::optional<double> progress)> changed{};
 };
 
@@ -25,6 +25,6 @@ struct DownloadCallbacks {
                                   mark:(std::string)mark
                              callbacks:(quorvel::DownloadCallbacks)callbacks;
 @property(nonatomic, readonly) BOOL isRunning;
-/// Cancels what runs; nothing is left of it.
+/// Cancels the running downloads and removes their files.
 - (void)cancelAll;
 @end

@@ -10,8 +10,8 @@ namespace quorvel {
 /// The longest name of a download, in bytes. Leaves room for a number before the system's limit.
 inline constexpr std::size_t longestDownloadName = 240;
 
-/// Returns a safe file name that is most like the one that a page suggests: no folder, not hidden,
-/// not an option of a command, without unsafe characters, and not too long. Its extension is kept.
+/// Returns a safe file name close to the one that a page suggests: no folder, not hidden, not an
+/// option of a command, without unsafe characters, and not too long. Its extension is kept.
 [[nodiscard]] std::string safeDownloadName(std::string_view suggested);
 
 /// Returns the name for the copy of that number: "a (2).txt" for "a.txt"; 1 changes nothing.

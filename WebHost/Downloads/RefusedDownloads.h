@@ -10,7 +10,7 @@ class RefusedDownloads {
 public:
     /// `name` is the file's safe name.
     void add(const std::string& name);
-    /// The user has had the chance to read about them.
+    /// Forgets them, once the user has had the chance to read about them.
     void reset() { *this = RefusedDownloads(); }
 
     /// Returns what to tell the user about the downloads, with what was refused at the end.

@@ -20,7 +20,7 @@ std::string prefixOf(const std::string& mark) {
     return ".quorvel-" + mark + "-";
 }
 
-// Some file systems can't rename exclusively; a second name is never given to what exists.
+// For file systems that can't rename exclusively: a hard link never replaces anything.
 int renameByLink(const fs::path& source, const fs::path& destination) {
     std::error_code code;
     fs::create_hard_link(source, destination, code);

@@ -7,7 +7,7 @@
 #include <string>
 #include <string_view>
 
-/// Where links lead that are followed in a web clone.
+/// Where links that are followed in a web clone lead.
 namespace quorvel {
 
 enum class LinkDecision {
@@ -23,8 +23,8 @@ struct LinkRequest {
     std::string_view page{};    ///< the address of the page that asks
     std::string_view home{};    ///< the clone's own address; empty if it has none
     bool isGesture = false;     ///< the user clicked or pressed a key
-    bool isLinkClick = false;   ///< and not a form's or a script's doing
-    bool isRedirect = false;    ///< by a server, of what was asked for before
+    bool isLinkClick = false;   ///< it follows a link, not a form or a script
+    bool isRedirect = false;    ///< a server redirects what was asked for before
     bool isMainFrame = true;
     bool isNewWindow = false;        ///< a window is asked for
     bool isPopup = false;            ///< it is asked for in a pop-up window
@@ -33,11 +33,11 @@ struct LinkRequest {
 };
 
 /// Returns the part of a host that all hosts of its site share: "example.co.uk" for
-/// "mail.example.co.uk". What it is, the system's list of public suffixes knows.
+/// "mail.example.co.uk". It comes from the system's list of public suffixes, or is guessed.
 using SiteOf = std::function<std::string(const std::string& host)>;
 
-/// Returns whether both are web addresses of one site. An address with an unknown site is only on
-/// its own host.
+/// Returns whether both are web addresses of one site. If the site of an address is unknown, its
+/// host counts.
 [[nodiscard]] bool isSameSite(std::string_view a, std::string_view b, const SiteOf& siteOf);
 
 /// Decides where a link leads. A click on a link that leaves the site goes outside, unless the user

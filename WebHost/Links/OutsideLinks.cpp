@@ -20,7 +20,7 @@ OutsideLinks::OutsideLinks(std::string home, const std::optional<std::string>& l
     LinkSession record = LinkSession::between(session, host);
     outside_ = record.outside(host);
     record.opener = linkOpenerProgram(links);
-    // The program that needs it has only the home to go by.
+    // The program that reads the record knows nothing but the home.
     if (!replaceFileBelow(home, linkSessionFile(home), record.text())) {
         door_.reset();
     }

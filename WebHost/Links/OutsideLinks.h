@@ -11,9 +11,9 @@ namespace quorvel {
 /// Opens addresses outside of a web clone: in the session that it was started in.
 class OutsideLinks {
 public:
-    /// Writes the session down for the program that opens links, which is looked for in `session`.
-    /// `host` is the clone's own environment, and `links` its setting (`CloneOptions::links`).
-    /// `fileMask` is the session's mask for new files: the browser's are not the clone's.
+    /// Records the session for the program that opens links, which is looked for as `session`, its
+    /// environment, says. `host` is the clone's own environment, and `links` its setting
+    /// (`CloneOptions::links`). `fileMask` is the session's mask for new files, for what is opened.
     OutsideLinks(std::string home, const std::optional<std::string>& links,
                  const Environment& session, const Environment& host, mode_t fileMask);
 

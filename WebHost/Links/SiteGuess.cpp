@@ -7,7 +7,7 @@
 namespace quorvel {
 namespace {
 
-// Under a country's ending, these are rarely the name of a site of their own.
+// Below a country's top-level domain, these are rarely sites themselves.
 constexpr std::array<std::string_view, 12> sharedNames{"ac",  "co",   "com", "edu", "go", "gob",
                                                        "gov", "govt", "ne",  "net", "or", "org"};
 

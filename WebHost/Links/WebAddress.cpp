@@ -48,7 +48,7 @@ std::string_view placeOf(std::string_view address) {
     return authority;
 }
 
-// The host ends here, and its port begins.
+// Returns where the host ends and its port, if any, begins.
 std::size_t endOfHost(std::string_view place) {
     const std::size_t bracket = place.starts_with('[') ? place.find(']') : 0;
     return bracket == std::string_view::npos ? place.size()

@@ -4,9 +4,9 @@
 
 namespace quorvel {
 
-// Windows that pages open get the same scripts, but have no badge: they may be anybody's. What
-// listens waits until it is told that its window is the clone's own, since not every opener shows.
-// Without a number it is a flag, for which 1 is shown.
+// Pop-ups get the same scripts, but have no badge: their pages may be anybody's. Not each of them
+// has a `window.opener`, so the listener waits until it is told that its window is the clone's own.
+// A badge without a number is a flag, for which 1 is shown.
 const char* const badgePageScript = R"((() => {
   if (window.opener) return;
   const dispatch = document.dispatchEvent.bind(document), Message = CustomEvent;

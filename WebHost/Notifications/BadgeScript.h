@@ -15,7 +15,7 @@ inline constexpr const char* badgeHandler = "badge";
 extern const char* const badgePageScript;
 /// The script for `badgeWorld`, which passes counts on.
 extern const char* const badgeListenerScript;
-/// Run in the isolated world of each page of the clone's own window: its badge counts.
+/// The script to run in `badgeWorld` of each page in the clone's own window: its badge counts.
 extern const char* const badgeMainScript;
 
 /// Returns the count in a message from the page; std::nullopt if it is not a whole number from 0 to

@@ -10,7 +10,7 @@ namespace quorvel {
 /// The count and the progress on the clone's icon in the Dock. They last as long as the process.
 class DockBadge {
 public:
-    /// Shows a count; std::nullopt for none.
+    /// Shows a label; std::nullopt for none.
     void setLabel(const std::optional<std::string>& label);
     /// Shows a progress from 0 to 1; std::nullopt for none.
     void setProgress(std::optional<double> progress);

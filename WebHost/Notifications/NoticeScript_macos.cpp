@@ -2,7 +2,7 @@
 
 namespace quorvel {
 
-// What a page makes up about events, it tells only itself: the host keeps its own answers.
+// Events that a page makes up deceive only the page itself: the host keeps its own answers.
 const char* const noticePageScript = R"((() => {
   if (window.Notification || window.opener || !window.isSecureContext) return;
   const Message = CustomEvent, {parse, stringify} = JSON;
@@ -72,7 +72,7 @@ const char* const noticePageScript = R"((() => {
 })();)";
 
 // Each document counts its notifications from 1, so that the system knows them by a name that
-// begins with the document's own. Pages can't see it, and have none but their own.
+// begins with the document's own. Pages can't see it, and can't use another document's.
 const char* const noticeListenerScript = R"((() => {
   const own = [...crypto.getRandomValues(new Uint32Array(3))].join('.');
   globalThis.quorvelNoticeDocument = own;

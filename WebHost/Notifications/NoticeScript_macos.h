@@ -10,10 +10,10 @@ inline constexpr const char* noticeHandler = "notice";
 /// The script that adds `Notification` to the page.
 extern const char* const noticePageScript;
 /// The script for `badgeWorld`, which passes on what the page does, with the "name" of the
-/// notification: digits and dots, as no other document or run of the clone has it.
+/// notification: digits and dots, different in each document and each run of the clone.
 extern const char* const noticeListenerScript;
 /// The body of a function for `badgeWorld`, with the parameter `answer`, a JSON text for the page.
-/// What is about a notification has its "name"; documents that it is not of don't get it.
+/// An answer about a notification contains its "name"; only the document that showed it gets it.
 extern const char* const noticeAnswerScript;
 
 } // namespace quorvel

@@ -141,7 +141,7 @@ UNMutableNotificationContent* contentOf(NSDictionary* notice) {
             }];
 }
 
-// The user allows the clone once, and each site besides.
+// The system asks the user once for the clone; each site has its own answer besides.
 - (void)askSystem {
     [_center requestAuthorizationWithOptions:UNAuthorizationOptionAlert | UNAuthorizationOptionSound
                            completionHandler:^(BOOL isGranted, NSError* error) {

@@ -10,7 +10,7 @@ class CloseGuard {
 public:
     enum class Ending {
         close,
-        askAgain, ///< once the page has reacted, by `closesAfterAll`
+        askAgain, ///< when the page has reacted, `closesAfterAll` decides
         stay,
     };
 
@@ -40,11 +40,11 @@ public:
         }
         return isAsked_ ? Ending::askAgain : Ending::close;
     }
-    /// Returns whether a page that has reacted since is closed: not if it asks the user.
+    /// Returns whether the page is closed once it has reacted: not if it asks the user.
     [[nodiscard]] bool closesAfterAll() const { return isAsked_; }
 
 private:
-    bool isAsked_ = false;   ///< and has not reacted
+    bool isAsked_ = false;   ///< to close, and has not reacted
     bool isClosing_ = false; ///< the user wants to close it
     bool isStaying_ = false; ///< the page may not know the answer yet
 };

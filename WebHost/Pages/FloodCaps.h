@@ -6,7 +6,7 @@
 #include <deque>
 #include <string>
 
-/// How much of something a page may do.
+/// Limits to what a page may do.
 namespace quorvel {
 
 using FloodClock = std::chrono::steady_clock;

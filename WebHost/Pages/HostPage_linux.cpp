@@ -198,7 +198,7 @@ void HostPage::afterReaction(std::function<void()> act) {
         kept.release());
 }
 
-// The engine remembers permissions for as long as it runs, but the user may have taken it back.
+// The engine remembers permissions as long as it runs, but the user may have taken one back.
 void HostPage::notificationWanted(WebKitNotification* notification) {
     if (services_.permissions->answer(originOf(address()), notificationKind) == true) {
         services_.notify(notification);
@@ -292,7 +292,7 @@ gboolean HostPage::policyWanted(WebKitWebView* /*view*/, WebKitPolicyDecision* d
 WebKitWebView* HostPage::created(WebKitWebView* /*view*/, WebKitNavigationAction* action,
                                  gpointer self) {
     HostPage& page = of(self);
-    // Links were routed when the decision about them was wanted; scripts get here alone.
+    // Links have been routed by the decision about their policy; scripts come here directly.
     const bool isAllowed =
         webkit_navigation_action_is_user_gesture(action) == TRUE && page.routes(action, true);
     return isAllowed ? page.services_.openPopup(page) : nullptr;
@@ -349,7 +349,7 @@ void HostPage::crashed(WebKitWebView* view, WebKitWebProcessTerminationReason /*
 }
 
 void HostPage::committed() {
-    // As long as a load is requested, the engine says that the view's address is that one's.
+    // While a load is requested, the engine already reports its address as the view's.
     WebKitWebResource* const resource = webkit_web_view_get_main_resource(view_);
     shown_.committed(textOf(requested_.isWaiting() && resource != nullptr
                                 ? webkit_web_resource_get_uri(resource)

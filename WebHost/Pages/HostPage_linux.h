@@ -36,10 +36,10 @@ struct PageServices {
     CertificateExceptions* certificates = nullptr;
     const SiteSettingsStore* settings = nullptr;
     const OutsideLinks* links = nullptr;
-    /// Opens a window for a page that asks for one; null if it may not.
+    /// Opens a window for a page that asks for one. Returns its view; null if it may not.
     std::function<WebKitWebView*(class HostPage& opener)> openPopup{};
     std::function<void(WebKitNotification*)> notify{};
-    std::function<void()> loaded{}; ///< a page is there
+    std::function<void()> loaded{}; ///< a page has finished loading
     std::function<void()> quit{};   ///< the user wants to end the clone
 };
 

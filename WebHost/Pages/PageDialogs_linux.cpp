@@ -38,7 +38,7 @@ PageDialogText textFor(WebKitScriptDialog* dialog, const std::string& host) {
             pageText(textOf(webkit_script_dialog_get_message(dialog)), longestDialogText)};
 }
 
-// Adds what the user can enter a text in.
+// Adds the field for the text that the user is asked for.
 GtkWidget* addEntry(GtkMessageDialog* widget, WebKitScriptDialog* dialog) {
     GtkWidget* const entry = gtk_entry_new();
     gtk_editable_set_text(

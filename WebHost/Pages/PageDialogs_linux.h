@@ -10,8 +10,8 @@
 
 namespace quorvel {
 
-/// Shows the dialogs that a page's scripts open: as text, with the page's host, and not without
-/// end.
+/// Shows the dialogs that a page's scripts open: as plain text, with the page's host, and only so
+/// often.
 class PageDialogs {
 public:
     struct Callbacks {
@@ -26,7 +26,7 @@ public:
     PageDialogs& operator=(const PageDialogs&) = delete;
     ~PageDialogs();
 
-    /// Dialogs may be shown again.
+    /// Allows dialogs to be shown again.
     void reset() { cap_.reset(); }
 
 private:

@@ -20,7 +20,7 @@ struct PageDialog {
     std::function<void(bool isAgreed, NSString* _Nullable entered)> answered{};
 };
 
-/// Shows the dialog on the page's window: as text, with the page's host, and not without end.
+/// Shows the dialog on the page's window: as plain text, with the page's host, and only so often.
 void showPageDialog(const std::shared_ptr<PageState>& state, const PageDialog& dialog);
 
 } // namespace quorvel

@@ -10,7 +10,7 @@
 namespace quorvel {
 namespace {
 
-// None of them opens a window, leaves the clone or looks into the page. Downloads are saved as any.
+// None of them opens a window, leaves the clone or looks into the page. Downloads go where all do.
 constexpr std::array<WebKitContextMenuAction, 29> kept{
     WEBKIT_CONTEXT_MENU_ACTION_COPY,
     WEBKIT_CONTEXT_MENU_ACTION_COPY_AUDIO_LINK_TO_CLIPBOARD,

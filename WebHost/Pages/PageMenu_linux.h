@@ -7,7 +7,7 @@
 
 namespace quorvel {
 
-/// The menu of a page, what the secondary button shows: of the engine's only what does no harm.
+/// The context menu of a page: those of the engine's items that do no harm, and one for links.
 class PageMenu {
 public:
     /// `openOutside` opens an address of the web outside of the clone.

@@ -26,7 +26,7 @@
                     windowFeatures:(WKWindowFeatures*)features {
     (void)view;
     (void)features;
-    // Links were routed when the decision about them was wanted; scripts get here alone.
+    // Links have been routed by the decision about their policy; scripts come here directly.
     return _state->routes(action, true) ? _state->services().openPopup(configuration) : nil;
 }
 

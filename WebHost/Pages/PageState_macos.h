@@ -32,7 +32,7 @@ struct PageServices {
     /// Returns the view of a new pop-up, which must have that configuration; nil if there are too
     /// many.
     std::function<WKWebView* _Nullable(WKWebViewConfiguration* _Nonnull)> openPopup{};
-    std::function<void()> loaded{}; ///< a page is there
+    std::function<void()> loaded{}; ///< a page has finished loading
 };
 
 /// What a page's owner does.

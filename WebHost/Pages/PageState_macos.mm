@@ -65,7 +65,7 @@ void PageState::awaits(const std::string& address) {
 }
 
 void PageState::committed() {
-    // As long as a load is requested, the engine says that the view's address is that one's.
+    // While a load is requested, the engine already reports its address as the view's.
     shown_.committed(requested_.isWaiting() ? "" : textOfURL(view_.URL));
     awaited_.clear();
     if (visit_.begins(hostOf(address()), window_.gestures)) {

@@ -11,8 +11,8 @@ namespace quorvel {
 /// long.
 [[nodiscard]] std::string pageTitle(std::string_view raw);
 
-/// Returns the window's title, "(7) Inbox — NAME": the page's title, so isolated that its direction
-/// can't change what follows, always followed by the clone's name, and led by the badge unless the
+/// Returns the window's title, "(7) Inbox — NAME": the page's title, isolated so that its direction
+/// can't change what follows, then always the clone's name. The badge comes first, unless the
 /// page's title itself begins with it.
 [[nodiscard]] std::string windowTitle(std::string_view rawTitle, std::string_view cloneName,
                                       const std::optional<std::string>& badge);
@@ -22,7 +22,7 @@ namespace quorvel {
                                      std::string_view cloneName);
 
 /// Returns what a header says about where the page is from: its host, and why that is not certain.
-/// `isExcepted` if a certificate of the host is accepted that proves nothing.
+/// `isExcepted` says that an invalid certificate of the host was accepted.
 [[nodiscard]] std::string shownHost(std::string_view address, bool isExcepted);
 
 } // namespace quorvel

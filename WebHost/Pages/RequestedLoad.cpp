@@ -18,7 +18,7 @@ void RequestedLoad::decided(const std::string& address, bool isGesture) {
     }
 }
 
-// Before the decision, it is another page's beginning.
+// Before the decision, it is another page that begins.
 void RequestedLoad::started() {
     if (state_ == State::decided) {
         withdraw();

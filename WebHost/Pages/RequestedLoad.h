@@ -4,8 +4,8 @@
 
 namespace quorvel {
 
-/// The page that the engine was asked to load. The engine drops the request without a word if
-/// another page, which comes from another process, arrives meanwhile.
+/// The page that the engine was asked to load. The engine silently drops the request if another
+/// page, which comes from another process, arrives meanwhile.
 class RequestedLoad {
 public:
     /// How long the engine may take to begin after another page has arrived.
@@ -25,8 +25,7 @@ public:
     /// Returns whether the engine has yet to begin with it.
     [[nodiscard]] bool isWaiting() const { return state_ != State::none; }
     [[nodiscard]] const std::string& address() const { return address_; }
-    /// Returns whether the engine is to be asked once more, and counts it: after several times it
-    /// is not.
+    /// Returns whether the engine is to be asked once more, and counts that: three times at most.
     [[nodiscard]] bool isToBeRepeated();
 
 private:

@@ -26,7 +26,7 @@ std::string_view valuesIn(std::string_view status, const std::string& name) {
     return rest.substr(0, rest.find('\n'));
 }
 
-// How many namespaces for process numbers contain it, from the reader's on.
+// How many namespaces for process numbers the process is in, counted from the reader's.
 std::ptrdiff_t depthIn(std::string_view status) {
     const std::string_view numbers = valuesIn(status, "NSpid");
     return std::count(numbers.begin(), numbers.end(), '\t');

@@ -2,8 +2,8 @@
 
 #import <WebKit/WebKit.h>
 
-/// Passes messages of scripts on to a handler that it doesn't keep. A content controller keeps what
-/// it is given, and its views, so that a handler that owns them would never go.
+/// Passes messages of scripts on to a handler that it doesn't keep. A content controller keeps its
+/// handlers, and its view keeps it: a handler that owns the view would never be released.
 @interface QuorvelScriptForwarder : NSObject <WKScriptMessageHandler>
 - (nonnull instancetype)initWithHandler:(nonnull id<WKScriptMessageHandler>)handler;
 @end

@@ -30,7 +30,7 @@ void limitSize(GdkPixbufLoader* loader, int width, int height, gpointer data) {
     gdk_pixbuf_loader_set_size(loader, scaled(width), scaled(height));
 }
 
-// In small parts, so that nothing follows a size that is too large.
+// In small parts, so that decoding stops where the size proves to be too large.
 bool feed(GdkPixbufLoader* loader, std::string_view picture, const Size& size) {
     constexpr std::size_t part = 512;
     bool isRead = true;

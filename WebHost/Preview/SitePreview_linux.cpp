@@ -75,7 +75,7 @@ void countRedirect(SoupMessage* message, gpointer count) {
     }
 }
 
-// Returns what is at the address; throws the reason if it is not there.
+// Returns what is at the address. Throws `PreviewError` if it can't be fetched.
 Answer fetch(SoupSession* session, const std::string& address, std::size_t limit) {
     const ObjectRef<SoupMessage> message(
         isWebAddress(address) ? soup_message_new("GET", address.c_str()) : nullptr);

@@ -43,7 +43,7 @@ std::string kindOf(WebKitPermissionRequest* request) {
     return {};
 }
 
-// Kinds by the names that pages query them by.
+// Returns the kind that pages query by this name.
 std::string kindOfQuery(const std::string& name) {
     return name == "geolocation" ? "location" : name == "clipboard-read" ? "clipboard" : name;
 }

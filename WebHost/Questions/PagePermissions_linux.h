@@ -7,7 +7,7 @@
 
 namespace quorvel {
 
-/// Answers the view's requests.
+/// Answers a view's requests for permissions.
 class PagePermissions {
 public:
     PagePermissions(WebKitWebView* view, const ShownAddress& shown, PermissionQuestions& questions);

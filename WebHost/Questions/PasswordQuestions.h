@@ -20,7 +20,7 @@ struct PasswordAsker {
     bool isEncrypted = false;
     std::string pageHost{}; ///< of the page that is shown; empty for none
 
-    /// Returns what is equal for questions with one answer.
+    /// Returns a text that is the same for questions that share an answer.
     [[nodiscard]] std::string key() const;
 };
 
@@ -45,7 +45,7 @@ public:
     using Answered = std::function<void(std::optional<Login>)>;
     /// Shows a question; the answer comes later.
     using Ask = std::function<void(const PasswordText&, Answered)>;
-    /// Takes away the question that is shown, which is not answered then.
+    /// Hides the question that is shown, which is then not answered.
     using Hide = std::function<void()>;
 
     PasswordQuestions(Ask ask, Hide hide) : ask_(std::move(ask)), hide_(std::move(hide)) {}
@@ -56,7 +56,7 @@ public:
     /// Nobody waits for that answer any more: `done` is not called. A question that all have
     /// withdrawn is not asked, but counts as one of the three. Does nothing after the answer.
     void withdraw(std::size_t number);
-    /// The server has taken an answer.
+    /// The server has accepted an answer.
     void accepted(const PasswordAsker& asker) { tries_.erase(asker.key()); }
     /// The user may be asked again.
     void reset();

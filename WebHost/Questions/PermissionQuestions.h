@@ -44,10 +44,10 @@ private:
     std::map<std::string, std::vector<std::function<void(bool)>>> waiting_{};
 };
 
-/// Returns what a page may do that was allowed this kind, as it continues "NAME may ".
+/// Returns what this kind allows a page to do, in words that continue "NAME may ".
 [[nodiscard]] std::string permissionWords(const std::string& kind);
 
-/// Returns whether a page goes on with what it was allowed of this kind until it is loaded again.
+/// Returns whether a page keeps what it was allowed of this kind until it is loaded again.
 [[nodiscard]] bool lastsUntilReload(const std::string& kind);
 
 /// Returns whether the page of that origin still has what was taken back, and has to be loaded
@@ -61,8 +61,8 @@ private:
 /// Returns the kind of the permission of another site to use its cookies in this one's pages.
 [[nodiscard]] std::string dataPermissionKind(const std::string& domain);
 
-/// Returns what the user is asked when a page of that host has a link for another program. Both may
-/// be what the page likes.
+/// Returns what the user is asked when a page of that host has a link for another program. Pages
+/// choose the scheme.
 [[nodiscard]] std::string otherProgramQuestion(const std::string& host, const std::string& scheme);
 
 } // namespace quorvel

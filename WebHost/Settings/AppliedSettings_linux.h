@@ -6,18 +6,18 @@
 
 namespace quorvel {
 
-/// What of the engine a clone's settings change.
+/// The parts of the engine that a clone's settings change.
 struct SettingsTarget {
     WebKitWebContext* context;
     WebKitNetworkSession* session;
     WebKitSettings* settings; ///< of the pages
 };
 
-/// Has the engine do as the settings say, from the next page on.
+/// Applies the settings, from the next page on.
 void applySiteSettings(const SettingsTarget& target, const SiteSettings& settings);
 
-/// Switches off what would let a page read files, other sites or the inspector, with any
-/// defaults of the engine.
+/// Switches off what would let a page read files, other sites or the inspector, regardless of the
+/// engine's defaults.
 void restrictPages(WebKitSettings* settings);
 
 /// Tells pages the user's languages.

@@ -17,11 +17,11 @@ namespace quorvel {
 /// Returns whether the settings name a proxy that can't be used on this system.
 [[nodiscard]] bool lacksItsProxy(const SiteSettings& settings);
 
-/// Has the application's colors and the connections of its store be as the settings say. A proxy
+/// Applies the settings to the application's colors and to the connections of its store. A proxy
 /// that can't be used on this system leaves the connections as they were.
 void applySiteSettings(WKWebsiteDataStore* _Nonnull store, const SiteSettings& settings);
 
-/// Has a view tell pages the chosen user agent from the next one on.
+/// Applies the chosen user agent to a view, from the next page on.
 void applyUserAgent(WKWebView* _Nonnull view, const SiteSettings& settings);
 
 } // namespace quorvel

@@ -35,7 +35,7 @@ void applyProxy(WKWebsiteDataStore* store, const std::optional<ProxyServer>& pro
             isSocks(*proxy) ? nw_proxy_config_create_socksv5(place)
                             : nw_proxy_config_create_http_connect(
                                   place, proxy->scheme == "https" ? nw_tls_create_options() : nil);
-        // Whoever sets a proxy may not want to be seen without it.
+        // A user who sets a proxy may not want to be seen without it.
         nw_proxy_config_set_failover_allowed(used, false);
         store.proxyConfigurations = @[ used ];
     }

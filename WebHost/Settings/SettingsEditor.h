@@ -9,7 +9,7 @@
 #include <string_view>
 #include <vector>
 
-/// A clone's Site Settings, whatever shows them.
+/// A clone's Site Settings, independent of the toolkit that shows them.
 namespace quorvel {
 
 /// What the window with the settings reads and changes.
@@ -57,7 +57,7 @@ inline constexpr const char* clearing =
 /// One line of a list that the user can remove.
 struct RemovableRow {
     std::string text{};
-    std::string removes{}; ///< what the button does, for those who can't see the line
+    std::string removes{}; ///< what the button does, for assistive technology
     std::function<void()> remove{};
 };
 
@@ -66,7 +66,7 @@ struct RemovableRow {
 class SettingsEditor {
 public:
     using Rows = std::vector<RemovableRow>;
-    /// Called when a row was removed, with why that failed.
+    /// Called after a row's removal, with why it failed; empty if it didn't.
     using Removed = std::function<void(const std::string& problem)>;
 
     /// Must outlive its rows.
@@ -74,8 +74,6 @@ public:
 
     [[nodiscard]] const SettingsServices& services() const { return services_; }
     [[nodiscard]] const SiteSettings& settings() const { return services_.settings->settings(); }
-
-    // What changes something returns why that failed, as a sentence; empty if it did not.
 
     /// Applies the edit and writes the settings.
     std::string change(const std::function<void(SiteSettings&)>& edit);
@@ -91,7 +89,7 @@ public:
     /// Returns a row for each accepted certificate.
     [[nodiscard]] Rows certificates(const Removed& removed);
 
-    /// Returns which file can't be used, as a sentence; empty if all can.
+    /// Returns why a file of the settings can't be used, as a sentence; empty if all can.
     [[nodiscard]] std::string fileProblem() const;
 
 private:

@@ -10,7 +10,7 @@
 
 namespace quorvel {
 
-/// The window with a clone's Site Settings. Whatever is chosen there holds at once.
+/// The window with a clone's Site Settings. Every choice takes effect at once.
 class SettingsPanel {
 public:
     using Services = SettingsServices;
@@ -21,7 +21,7 @@ public:
     SettingsPanel& operator=(const SettingsPanel&) = delete;
     ~SettingsPanel();
 
-    /// Shows the window with what holds now.
+    /// Shows the window with the current settings.
     void show();
 
 private:

@@ -10,7 +10,7 @@
 /// What a panel of settings is made of.
 namespace quorvel {
 
-/// Gives a control without a text a name for those who can't see it.
+/// Names a control without a text, for assistive technology.
 void nameControl(GtkWidget* control, const char* name);
 
 /// Adds a section with that heading to the box, and returns it.
@@ -29,7 +29,7 @@ GtkWidget* addHint(GtkWidget* section, const char* text);
 [[nodiscard]] GtkWidget* newChoice(const char* const* texts, unsigned first,
                                    std::function<void()> chosen);
 
-/// Makes the rows all that is in the list, or this text if there are none.
+/// Replaces what is in the list by the rows, or by the text `ifEmpty` if there are none.
 void fillList(GtkWidget* list, const std::vector<RemovableRow>& rows, const char* ifEmpty);
 
 } // namespace quorvel

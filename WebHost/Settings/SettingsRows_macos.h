@@ -37,7 +37,7 @@ void addSetting(NSStackView* _Nonnull section, NSString* _Nonnull name, NSView* 
 /// Returns a button; `clicked` is called with each click.
 [[nodiscard]] NSButton* _Nonnull newButton(NSString* _Nonnull title, std::function<void()> clicked);
 
-/// Makes the rows all that is in the list, or this text if there are none.
+/// Replaces what is in the list by the rows, or by the text `ifEmpty` if there are none.
 void fillList(NSStackView* _Nonnull list, const std::vector<RemovableRow>& rows,
               const char* _Nonnull ifEmpty);
 

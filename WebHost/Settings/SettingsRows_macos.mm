@@ -33,7 +33,7 @@
 
 @end
 
-/// Begins at the top, and not at the bottom.
+/// Shows its document from the top, and not from the bottom.
 @interface QuorvelTopView : NSClipView
 @end
 

@@ -22,7 +22,7 @@ struct ErrorReleaser {
 };
 using ErrorPointer = std::unique_ptr<GError, ErrorReleaser>;
 
-// The list is gone, too.
+// Only the destructor of the list cancels.
 bool isCancelled(GError* error) {
     return g_error_matches(error, G_IO_ERROR, G_IO_ERROR_CANCELLED) == TRUE;
 }

@@ -13,7 +13,7 @@ namespace quorvel {
 /// The data that sites have stored in a clone: shown by site, to be cleared by site or all at once.
 class SiteDataList {
 public:
-    /// `cleared` is called when data is gone.
+    /// `cleared` is called when data was removed.
     SiteDataList(WebKitNetworkSession* session, std::string cloneName,
                  std::function<void()> cleared);
     SiteDataList(const SiteDataList&) = delete;
@@ -21,7 +21,7 @@ public:
     ~SiteDataList();
 
     [[nodiscard]] GtkWidget* widget() const { return section_; }
-    /// Looks at the data again.
+    /// Lists the data again.
     void refresh();
 
 private:

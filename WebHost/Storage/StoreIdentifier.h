@@ -18,8 +18,9 @@ using StoreOwner = std::function<std::string(const std::string& store)>;
 [[nodiscard]] std::string storeIdentifier(const std::filesystem::path& home,
                                           const StoreOwner& ownerOf);
 
-/// Returns those of the stores whose data folder is removed, or now has another store. What is
-/// not known for certain is not among them: a folder on a disk that is not connected, say.
+/// Returns those of the stores whose data folder was removed, or now has another store. Stores
+/// about which this is uncertain are left out, such as one whose folder is on a disk that is not
+/// connected.
 [[nodiscard]] std::vector<std::string> abandonedStores(const std::vector<std::string>& stores,
                                                        const StoreOwner& ownerOf);
 

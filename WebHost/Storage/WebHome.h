@@ -8,7 +8,7 @@
 /// The data folder of a web clone.
 namespace quorvel {
 
-/// Where the host keeps what is its own below a clone's home. The cache is there as well, since web
+/// Where the host keeps its files below a clone's home. The cache is there as well, since web
 /// applications keep data in it that they can't do without.
 struct WebHome {
     std::string home;

@@ -59,7 +59,7 @@ public:
         problem_.clear();
         return true;
     }
-    /// What was read makes no sense, for this reason.
+    /// Declares what was read unusable, for this reason.
     void refuse(std::string problem) { problem_ = std::move(problem); }
 
     /// Returns why the file's contents don't count, as a sentence; empty if they do.

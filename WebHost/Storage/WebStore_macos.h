@@ -17,7 +17,7 @@ struct WebStore {
 /// `PlatformError`.
 [[nodiscard]] WebStore openWebStore(const std::string& home, const std::string& name);
 
-/// Has the stores removed whose clones are deleted, as far as they had this bundle identifier.
+/// Has the stores of deleted clones removed, as far as these had this bundle identifier.
 void removeAbandonedStores();
 
 /// Removes everything that pages have stored, and then calls `done`.

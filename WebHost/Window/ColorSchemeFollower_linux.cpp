@@ -47,7 +47,7 @@ void ColorSchemeFollower::setColors(PageColors colors) {
     apply();
 }
 
-// The value may be in several wrappings: 1 is dark, 2 light, 0 has no preference.
+// The value may be wrapped in several variants: 1 is dark, 2 light, 0 no preference.
 void ColorSchemeFollower::desktopSays(GVariant* value) {
     constexpr guint32 dark = 1;
     GVariant* inner = g_variant_ref(value);
@@ -71,7 +71,7 @@ void ColorSchemeFollower::apply() const {
     }
 }
 
-// Without an answer, this object may be gone.
+// If there is no answer, the destructor may have cancelled the call.
 void ColorSchemeFollower::answered(GObject* source, GAsyncResult* result, gpointer self) {
     GVariant* const answer =
         g_dbus_connection_call_finish(G_DBUS_CONNECTION(source), result, nullptr);

@@ -7,7 +7,7 @@
 
 namespace quorvel {
 
-/// Makes the windows, and by them the pages, light or dark as the desktop's setting says.
+/// Makes the windows, and with them the pages, light or dark as the desktop's setting says.
 class ColorSchemeFollower {
 public:
     explicit ColorSchemeFollower(GDBusConnection* bus);
@@ -15,7 +15,7 @@ public:
     ColorSchemeFollower& operator=(const ColorSchemeFollower&) = delete;
     ~ColorSchemeFollower();
 
-    /// Has them always light or dark, or as the desktop's setting says.
+    /// Makes them always light, always dark, or as the desktop's setting says.
     void setColors(PageColors colors);
 
 private:

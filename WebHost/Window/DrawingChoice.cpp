@@ -8,10 +8,10 @@
 namespace quorvel {
 namespace {
 
-// What drivers call themselves that compute on the processor.
+// Names of drivers that compute on the processor.
 constexpr std::array<std::string_view, 6> softwareDrivers{
     "llvmpipe", "softpipe", "Software Rasterizer", "SwiftShader", "swrast", "lavapipe"};
-// The kernel's own, NVIDIA's, Windows' for its Linux guests, and ARM's.
+// Cards without an entry in "dri": NVIDIA's, that of Windows for its Linux guests, and ARM's.
 constexpr std::array<const char*, 4> otherCards{"nvidia0", "nvidiactl", "dxg", "mali0"};
 
 bool mayHaveCard(const std::filesystem::path& devices) {

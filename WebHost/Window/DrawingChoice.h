@@ -10,7 +10,7 @@
 /// drawing without it, and is not faster.
 namespace quorvel {
 
-/// The variable that GTK reads. Who sets it has chosen.
+/// The variable that names GTK's renderer. If it is set, nothing else decides.
 inline constexpr const char* rendererVariable = "GSK_RENDERER";
 inline constexpr const char* softwareRenderer = "cairo";
 

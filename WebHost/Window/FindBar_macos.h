@@ -9,6 +9,6 @@
 @property(nonatomic, readonly, nonnull) NSView* view;
 - (void)show;
 - (void)hide;
-/// Finds what was entered once more.
+/// Finds the next place of the entered text.
 - (void)findForward:(BOOL)isForward;
 @end

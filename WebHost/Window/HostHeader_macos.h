@@ -13,7 +13,7 @@
                              hasHome:(BOOL)hasHome;
 @property(nonatomic, readonly, nonnull) NSView* view;
 - (void)showTitle:(const std::string&)title;
-/// Shows a `shownHost`.
+/// Shows a text of `shownHost`.
 - (void)showHost:(const std::string&)host;
 /// Enables the buttons that do something now.
 - (void)update;

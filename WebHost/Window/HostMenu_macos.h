@@ -2,8 +2,8 @@
 
 #import <AppKit/AppKit.h>
 
-/// The commands of the menus that windows carry out, and of those that the whole clone does. They
-/// go to the object in the key window's chain that knows them.
+/// The menus' commands that windows carry out, and below those of the whole clone. They go to the
+/// first object in the key window's responder chain that has them.
 @protocol QuorvelWindowCommands
 - (void)goHome:(nullable id)sender;
 - (void)showFindBar:(nullable id)sender;

@@ -35,7 +35,7 @@ HostWindow::HostWindow(WebKitWebView* view, Actions actions, const WindowState& 
       view_(view),
       actions_(std::move(actions)),
       state_(state) {
-    // The dialogs of its page must not hold up the other windows.
+    // The modal dialogs of its page must not block other windows.
     GtkWindowGroup* const group = gtk_window_group_new();
     gtk_window_group_add_window(group, window_);
     g_object_unref(group);
@@ -280,7 +280,7 @@ void HostWindow::present(const std::string& token) {
     }
     GdkSurface* const surface = gtk_native_get_surface(GTK_NATIVE(window_));
     if (surface != nullptr && GDK_IS_X11_SURFACE(surface)) {
-        // Window managers keep windows back that can't say when the user wanted them.
+        // Window managers hold back windows that don't say when the user asked for them.
         gtk_window_present_with_time(window_, gdk_x11_get_server_time(surface));
     } else {
         gtk_window_present(window_);

@@ -13,7 +13,7 @@
 namespace quorvel {
 
 /// One window with a page: its header, its bars and its shortcuts. Knows nothing of the clone. The
-/// widgets are the toolkit's; this object must live as long as the window does.
+/// toolkit owns the widgets; the window is destroyed with this object.
 class HostWindow {
 public:
     /// What the window can't do by itself.
@@ -21,7 +21,7 @@ public:
         std::function<void()> home{};     ///< absent in pop-ups
         std::function<void()> settings{}; ///< absent in pop-ups
         std::function<void()> quit{};
-        std::function<void()> closeRequested{}; ///< by the user; has to end in `destroy`
+        std::function<void()> closeRequested{}; ///< by the user; the window stays
     };
 
     HostWindow(WebKitWebView* view, Actions actions, const WindowState& state,
@@ -36,10 +36,10 @@ public:
     void present(const std::string& token);
     /// Sets the title of the window in the desktop's lists, and the page's in its header.
     void setTitle(const std::string& windowTitle, const std::string& pageTitle);
-    /// Shows the host of the page at that address, and whether it can be navigated. `isExcepted` as
-    /// in `shownHost`.
+    /// Shows the host of that address, and updates the buttons for back and forward. `isExcepted`
+    /// as in `shownHost`.
     void updateLocation(const std::string& address, bool isExcepted);
-    /// Returns false if too many questions wait.
+    /// Returns false if too many questions wait, and this one is not urgent.
     [[nodiscard]] bool ask(HostQuestion question) { return questions_.ask(std::move(question)); }
     /// Offers something about the page, until `hideOffer`.
     void showOffer(const std::string& text, const std::string& button,
@@ -53,7 +53,7 @@ public:
     /// Shows a message for a few seconds.
     void showMessage(const std::string& text);
 
-    /// Zooms the page, at most as far as the host's limits.
+    /// Zooms the page to that percentage, within `smallestZoom` and `largestZoom`.
     void zoomTo(int percent);
     /// Returns the state, with the page's address.
     [[nodiscard]] WindowState state() const;

@@ -15,7 +15,7 @@ namespace quorvel {
 /// What a window can't do by itself.
 struct WindowActions {
     std::function<void()> home{};           ///< absent in pop-ups
-    std::function<void()> closeRequested{}; ///< by the user; has to end in `end`
+    std::function<void()> closeRequested{}; ///< by the user; the window stays until `end`
 };
 
 } // namespace quorvel
@@ -34,7 +34,7 @@ struct WindowActions {
 /// Shows the window and brings it to the front, as far as the system allows it.
 - (void)present;
 - (void)setTitle:(const std::string&)windowTitle pageTitle:(const std::string&)pageTitle;
-/// Shows the host of the page at that address, and whether it can be navigated. `isExcepted` as in
+/// Shows the host of that address, and updates the buttons of the header. `isExcepted` as in
 /// `shownHost`.
 - (void)updateLocation:(const std::string&)address isExcepted:(BOOL)isExcepted;
 /// Returns NO if too many questions wait, and this one is not urgent.

@@ -52,7 +52,7 @@
     __weak WKWebView* const weakView = view;
     quorvel::PageCallbacks callbacks;
     callbacks.titleChanged = [weakSelf, weakView] { [weakSelf showTitleOf:weakView]; };
-    // Not at once: it is one of its own calls that says so.
+    // Not at once, since one of the page's own calls is being handled.
     callbacks.closed = [weakSelf, weakView] {
         dispatch_async(dispatch_get_main_queue(), ^{
           [weakSelf close:weakView];

@@ -108,7 +108,7 @@ OfferBar::OfferBar() : bar_(newHostBar(text_)), button_(gtk_button_new()) {
     onSignal(
         button_, "clicked",
         [](GtkButton*, gpointer self) {
-            // It may hide the bar, and with it itself.
+            // The call may hide the bar, which clears `chosen_`.
             if (const auto chosen = static_cast<OfferBar*>(self)->chosen_) {
                 chosen();
             }

@@ -18,7 +18,8 @@ public:
     ~QuestionBar();
 
     [[nodiscard]] GtkWidget* widget() const { return bar_; }
-    /// Asks, after the questions that wait already. Returns false if those are too many.
+    /// Asks after the questions that already wait, or at once if it is urgent. Returns false if too
+    /// many wait and it is not urgent.
     [[nodiscard]] bool ask(HostQuestion question);
 
 private:

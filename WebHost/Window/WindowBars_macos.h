@@ -13,7 +13,7 @@ namespace quorvel {
 [[nodiscard]] NSStackView* _Nonnull newBar(NSArray<NSView*>* _Nonnull views, BOOL isHidden);
 /// Returns a label that shows one line of a text as it is.
 [[nodiscard]] NSTextField* _Nonnull newBarLabel();
-/// Returns a button with a picture of the system's, or with its words if there is no such picture.
+/// Returns a button with one of the system's symbols, or with its words if there is no such symbol.
 [[nodiscard]] NSButton* _Nonnull newBarButton(NSString* _Nonnull symbol, NSString* _Nonnull words,
                                               id _Nullable target, SEL _Nonnull action);
 
@@ -22,14 +22,14 @@ namespace quorvel {
 /// Shows one question after the other.
 @interface QuorvelQuestionBar : NSObject
 @property(nonatomic, readonly, nonnull) NSView* view;
-/// Asks, after the questions that wait already, unless it is urgent. Returns NO if those are too
-/// many.
+/// Asks after the questions that already wait, or at once if it is urgent. Returns NO if too many
+/// wait and it is not urgent.
 - (BOOL)ask:(quorvel::HostQuestion)question;
 /// Answers all questions as if the user had closed them.
 - (void)closeAll;
 @end
 
-/// Shows how downloads are getting on.
+/// Shows the progress of downloads.
 @interface QuorvelDownloadBar : NSObject
 @property(nonatomic, readonly, nonnull) NSView* view;
 /// An empty text hides the bar. `cancelled` may be empty.

@@ -9,7 +9,7 @@
 
 namespace quorvel::testing {
 
-/// What one of several copies of an application came to.
+/// What became of one of several copies of an application.
 struct CopyReport {
     std::string home{};
     std::string runner{};                  ///< of a clone

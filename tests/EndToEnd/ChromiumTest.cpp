@@ -65,7 +65,7 @@ void expectRunning(QuorvelctlInAHome& quorvelctl, const std::string& name) {
         << quorvelctl.log(name);
 }
 
-TEST(ChromiumTest, TwoClonesRunSideBySideEachWithDataOfItsOwn) {
+TEST(ChromiumTest, TwoClonesRunSideBySideEachWithItsOwnData) {
     if (!fs::exists("/usr/bin/chromium")) {
         GTEST_SKIP() << "the package chromium is not installed";
     }

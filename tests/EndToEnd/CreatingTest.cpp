@@ -17,7 +17,7 @@ namespace fs = std::filesystem;
 
 class CreatingTest : public ::testing::Test {
 protected:
-    // What each of the creations printed that are started at once.
+    // Starts the creations at once. Returns what each of them printed.
     std::vector<std::string> createAtOnce(int count, const std::vector<std::string>& more) {
         std::vector<std::future<std::string>> creations;
         for (int number = 0; number < count; ++number) {

@@ -15,7 +15,7 @@ namespace quorvel::testing {
 /// lives.
 class Desktop {
 public:
-    /// The programs it needs that are not installed.
+    /// Returns the programs it needs that are not installed.
     [[nodiscard]] static std::vector<std::string> missingPrograms();
 
     /// Throws if something does not come up, and leaves nothing running then.

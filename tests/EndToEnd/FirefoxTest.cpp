@@ -92,7 +92,7 @@ std::vector<pid_t> browsersOf(pid_t runner) {
     return found;
 }
 
-TEST(FirefoxTest, ACloneRunsOnInTheProcessInWhichFirefoxStartsItselfAgain) {
+TEST(FirefoxTest, ACloneKeepsRunningWhenFirefoxRestartsItself) {
     for (const char* program : {"/usr/bin/firefox-esr", "/usr/bin/python3"}) {
         if (!fs::exists(program)) {
             GTEST_SKIP() << program << " is not installed";

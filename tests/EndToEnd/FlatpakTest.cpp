@@ -91,7 +91,7 @@ protected:
     QuorvelctlInAHome quorvelctl{};
 };
 
-TEST_F(FlatpakTest, TwoClonesRunEachWithDataOfItsOwn) {
+TEST_F(FlatpakTest, TwoClonesRunEachWithTheirOwnData) {
     if (!fs::exists("/usr/bin/flatpak")) {
         GTEST_SKIP() << "the package flatpak is not installed";
     }

@@ -94,7 +94,7 @@ std::string largestRead(const Maker& make) {
     return make(read);
 }
 
-// Made in a process of its own: what this one has counts as what the program has.
+// Made in a process of its own, since the memory of this one would count as the program's.
 void writeLargestRead(const std::string& app, const Maker& make) {
     const pid_t child = ::fork();
     if (child == 0) {

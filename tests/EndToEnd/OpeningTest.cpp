@@ -16,7 +16,7 @@ namespace fs = std::filesystem;
 
 class OpeningTest : public ::testing::Test {
 protected:
-    // What a command that must fail printed, with its status.
+    // Returns what a command that must fail printed, with its status.
     std::string failureOf(const std::vector<std::string>& arguments) {
         try {
             return "worked: " + quorvelctl_.run(arguments);

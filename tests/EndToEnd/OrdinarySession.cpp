@@ -16,10 +16,10 @@ namespace quorvel::testing {
 namespace fs = std::filesystem;
 namespace {
 
-constexpr auto longestStart = std::chrono::seconds(60); // of a machine that is busy
+constexpr auto longestStart = std::chrono::seconds(60); // on a machine that is busy
 constexpr auto userName = "tester";
 constexpr auto nobodysHome = "/nonexistent";
-// Any: it protects nothing.
+// Any value will do: it protects nothing.
 constexpr auto cookie = "0123456789abcdef0123456789abcdef";
 
 // The new mounts: an account with a home for programs that ask the user database, and temporary

@@ -116,7 +116,7 @@ TEST(OwnDataTest, AnEditorUsesTheUsersFontsButNotTheUsersData) {
     EXPECT_THAT(openedIn(seen, "marker.lang"), IsEmpty());
 }
 
-TEST(OwnDataTest, OfTheUsersDataOnlyWhatAllCopiesShareIsFound) {
+TEST(OwnDataTest, ACloneFindsOnlyTheUserDataThatAllCopiesShare) {
     QuorvelctlInAHome quorvelctl;
     const fs::path data = quorvelctl.home / ".local/share";
     const std::vector<std::string> names{"fonts/marker.ttf", "katepart5/syntax/marker.xml",

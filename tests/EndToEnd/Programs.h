@@ -27,12 +27,12 @@ public:
     /// Runs it with `--json` and returns what it printed. Throws if the exit status is not 0.
     nlohmann::json json(std::vector<std::string> arguments);
 
-    /// Whether `list` shows the clone of that name as running.
+    /// Returns whether `list` shows the clone of that name as running.
     bool isListedAsRunning(const std::string& name);
 
-    /// The path of the clone's data folder.
+    /// Returns the path of the clone's data folder.
     [[nodiscard]] std::filesystem::path data(const std::string& name) const;
-    /// The content of the clone's log.
+    /// Returns the content of the clone's log.
     [[nodiscard]] std::string log(const std::string& name) const;
 
     TemporaryHome home{};
@@ -40,12 +40,11 @@ public:
     std::filesystem::path program = QUORVEL_CTL; ///< the one that was built, or another
 };
 
-/// The processes whose command line satisfies `matches` (arguments separated by NUL).
+/// Returns the processes whose command line satisfies `matches` (arguments separated by NUL).
 [[nodiscard]] std::vector<pid_t>
 processesWhose(const std::function<bool(const std::string&)>& matches);
 
-/// The process number of the runner inside that wrapper. Returns `std::nullopt` if it does not
-/// run.
+/// Returns the process number of the runner inside that wrapper; `std::nullopt` if it does not run.
 [[nodiscard]] std::optional<pid_t> runnerOf(const std::filesystem::path& wrapper);
 
 } // namespace quorvel::testing

@@ -43,7 +43,7 @@ protected:
         fs::create_directory(folder_ / "own");
         return fetchSitePreview(QUORVEL_SITE_PREVIEW, site() + page, folder_ / "own", patience);
     }
-    // Why it fails.
+    // Returns why it fails.
     std::string failure(const std::string& page, std::chrono::milliseconds patience = 20s) {
         try {
             (void)preview(page, patience);

@@ -33,7 +33,7 @@ public:
     /// `application` is the name under which it offers itself to assistive technology.
     explicit UiDriver(std::string application);
 
-    /// The first element of that kind and name that is currently shown. Returns `std::nullopt` if
+    /// Returns the first element of that kind and name that is currently shown; `std::nullopt` if
     /// there is none.
     [[nodiscard]] std::optional<Element> find(Control control, std::string_view name) const;
     /// Waits for such an element and returns it.
@@ -44,13 +44,13 @@ public:
     void click(Control control, std::string_view name) const;
     /// Turns the wheel over the element named `over` until the one looked for is above `bottom`.
     void scrollTo(Control control, std::string_view name, const Element& over, int bottom) const;
-    /// Replaces what a field holds.
+    /// Replaces a field's text.
     void fill(std::string_view field, const std::string& text) const;
     void type(const std::string& text) const;
     /// Presses a key with modifiers, such as "ctrl+n" or "Return".
     static void press(const std::string& keys);
 
-    /// Whether a pixel of exactly that color ("#30C057") is within the element's bounds.
+    /// Returns whether a pixel of exactly that color ("#30C057") is within the element's bounds.
     [[nodiscard]] static bool hasColor(const Element& element, const std::string& color);
 
 private:

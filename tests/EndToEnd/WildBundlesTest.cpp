@@ -38,7 +38,7 @@ TEST(WildBundlesTest, APropertyListInBinaryFormIsReadLikeAnyOther) {
     })) << quorvelctl.log("Work");
 }
 
-TEST(WildBundlesTest, WithoutIdentifierAndExecutableTheFolderNameServes) {
+TEST(WildBundlesTest, WithoutIdentifierAndExecutableTheFolderNameIsUsed) {
     QuorvelctlInAHome quorvelctl;
     const fs::path app = quorvelctl.home / "Old Tool.app";
     write(app / "Contents/Info.plist", xmlList(""));

@@ -53,7 +53,7 @@ TEST(HandoverTest, AnythingElseIsRefused) {
     EXPECT_EQ(WebHandover::parse("\n" + std::string(longestHandover, 'x') + "\n"), std::nullopt);
 }
 
-TEST(HandoverTest, ReachesWhoListensInAHomeWithAnyPath) {
+TEST(HandoverTest, ReachesAListenerInAHomeWithAnyPath) {
     const TemporaryFolder folder;
     const fs::path home = folder / std::string(200, 'h');
     fs::create_directory(home);

@@ -12,10 +12,10 @@ struct InstanceConfig;
 
 namespace quorvel::testing {
 
-/// The helper program, see tests/helpers.
+/// Returns the path of the helper program, see tests/helpers.
 [[nodiscard]] std::filesystem::path helperProgram();
 
-/// The freshly built runner.
+/// Returns the path of the runner that was built.
 [[nodiscard]] std::filesystem::path runnerProgram();
 
 /// Makes an application bundle at `bundle` with this property list (and, if it names none, an
@@ -37,7 +37,7 @@ std::filesystem::path makeWrapper(const std::filesystem::path& bundle,
 /// The same with `minimalConfig(name)`.
 std::filesystem::path makeWrapper(const std::filesystem::path& bundle, const std::string& name);
 
-/// A configuration with the three required fields.
+/// Returns a configuration with the three required fields.
 [[nodiscard]] InstanceConfig minimalConfig(std::string name = "Work");
 
 /// Makes the file executable.

@@ -35,8 +35,8 @@ struct FaultOutcome {
 [[nodiscard]] FaultOutcome withFault(int step, const Fault& fault,
                                      const std::function<void()>& work);
 
-/// The numbers of the system calls that `work` makes in a child process, in order. Empty if this
-/// system does not permit tracing.
+/// Returns the numbers of the system calls that `work` makes in a child process, in order; none if
+/// this system does not permit tracing.
 [[nodiscard]] std::vector<long> systemCallsOf(const std::function<void()>& work);
 
 } // namespace quorvel::testing

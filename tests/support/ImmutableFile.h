@@ -14,7 +14,7 @@ public:
     ImmutableFile& operator=(const ImmutableFile&) = delete;
     ~ImmutableFile();
 
-    /// False if the file system or the user's permissions don't allow it.
+    /// Returns false if the file system or the user's permissions don't allow it.
     [[nodiscard]] bool isSet() const { return isSet_; }
 
 private:

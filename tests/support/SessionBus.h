@@ -17,11 +17,11 @@ public:
         Chosen     ///< Xfce's settings, without which its window manager does not start
     };
 
-    /// Whether the daemon is installed.
+    /// Returns whether the daemon is installed.
     [[nodiscard]] static bool isAvailable();
 
-    /// The one bus of a test program, which starts only `Services::Chosen` and lives as long as
-    /// the program.
+    /// Returns the one bus of a test program, which starts only `Services::Chosen` and lives as
+    /// long as the program.
     [[nodiscard]] static SessionBus& shared();
 
     /// Throws `std::runtime_error` if the bus does not start.

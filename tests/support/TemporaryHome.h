@@ -63,11 +63,11 @@ private:
 /// Writes a file and creates its missing parent folders.
 void write(const std::filesystem::path& file, std::string_view bytes);
 
-/// The bytes of a file; empty if it can't be read.
+/// Returns the bytes of a file; empty if it can't be read.
 [[nodiscard]] std::string read(const std::filesystem::path& file);
 
-/// Every item below a folder, as relative path and content ("<folder>", "-> target" for a link):
-/// two equal maps mean that nothing changed.
+/// Returns every item below a folder, as relative path and content ("<folder>", "-> target" for a
+/// link): two equal maps mean that nothing changed.
 [[nodiscard]] std::map<std::string, std::string> treeOf(const std::filesystem::path& folder);
 
 } // namespace quorvel::testing

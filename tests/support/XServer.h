@@ -29,7 +29,7 @@ private:
 /// while the object lives.
 class XServer {
 public:
-    /// The programs it needs that are not installed.
+    /// Returns the programs it needs that are not installed.
     [[nodiscard]] static std::vector<std::string>
     missingPrograms(const std::string& windowManager = "openbox");
 

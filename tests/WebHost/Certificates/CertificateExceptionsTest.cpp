@@ -26,7 +26,7 @@ protected:
     TemporaryFolder home_;
 };
 
-TEST_F(CertificateExceptionsTest, OneHostAndOneCertificateAreExcepted) {
+TEST_F(CertificateExceptionsTest, AnExceptionIsForOneHostAndOneCertificate) {
     CertificateExceptions first = store();
     EXPECT_FALSE(first.accepts("a.b", one));
     EXPECT_TRUE(first.add("a.b", one));
@@ -59,7 +59,7 @@ TEST_F(CertificateExceptionsTest, WhatTheEngineAcceptsIsKnownUntilTheEnd) {
     EXPECT_FALSE(store().isAcceptedByEngine("a.b"));
 }
 
-TEST_F(CertificateExceptionsTest, ADamagedFileExceptsNothingAndIsKept) {
+TEST_F(CertificateExceptionsTest, ADamagedFileHasNoExceptionsAndIsKept) {
     write(file(), "{\"certificates\":[]}");
     CertificateExceptions damaged = store();
     EXPECT_NE(damaged.problem(), "");

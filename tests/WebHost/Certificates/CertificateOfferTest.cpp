@@ -97,8 +97,8 @@ TEST_F(CertificateOfferTest, WhatComesAfterTheQuestionIsNotAgreedTo) {
     EXPECT_THAT(exceptions_.list(), IsEmpty());
 }
 
-// Whoever shows a certificate can choose everything in it but the fingerprint.
-TEST_F(CertificateOfferTest, TheKeyTellsHostsAndCertificatesApart) {
+// A server can choose everything in its certificate but the fingerprint.
+TEST_F(CertificateOfferTest, TheKeyDistinguishesHostsAndCertificates) {
     const CertificateOffer::Refused one{
         "https://a.test/", "", {}, {.subject = "CN=a", .fingerprint = "1"}};
     CertificateOffer::Refused other = one;

@@ -102,7 +102,7 @@ TEST(LinkRoutingTest, LinksStayInsideWhereTheCloneSaysSo) {
     EXPECT_EQ(decide(request), LinkDecision::ask) << "which the clone can't show";
 }
 
-TEST(LinkRoutingTest, WithoutAnAddressOfItsOwnNothingLeaves) {
+TEST(LinkRoutingTest, InACloneWithoutAnAddressAllLinksStay) {
     LinkRequest request = click(elsewhere, "https://example.com/");
     request.home = "";
     EXPECT_EQ(decide(request), LinkDecision::here);

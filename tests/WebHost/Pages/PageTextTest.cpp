@@ -10,7 +10,7 @@ TEST(PageTextTest, LinesStayLines) {
     EXPECT_EQ(pageText("", 100), "");
 }
 
-TEST(PageTextTest, UnsafeCharactersGo) {
+TEST(PageTextTest, UnsafeCharactersAreRemoved) {
     EXPECT_EQ(pageText("a\u202eb\x1b[31m\nc\u2066d", 100), "ab[31m\ncd");
 }
 

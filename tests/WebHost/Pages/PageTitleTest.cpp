@@ -42,7 +42,7 @@ TEST(PageTitleTest, APopupShowsItsHostFirst) {
     EXPECT_EQ(popupTitle("about:blank", "", "Work"), "about:blank — Work");
 }
 
-TEST(PageTitleTest, AHostThatIsNotCertainIsMarked) {
+TEST(PageTitleTest, AHostThatIsNotVerifiedIsMarked) {
     EXPECT_EQ(shownHost("https://a.b/x", false), "a.b");
     EXPECT_EQ(shownHost("https://a.b/x", true), "a.b — not verified");
     EXPECT_EQ(shownHost("http://a.b/x", false), "a.b — not encrypted");

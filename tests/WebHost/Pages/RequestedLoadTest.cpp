@@ -19,7 +19,7 @@ TEST(RequestedLoadTest, ItWaitsUntilTheEngineBegins) {
     EXPECT_FALSE(load.isToBeRepeated());
 }
 
-TEST(RequestedLoadTest, TheBeginningOfAnotherPageIsNotIts) {
+TEST(RequestedLoadTest, TheBeginningOfAnotherPageDoesNotCount) {
     RequestedLoad load;
     load.requested("http://a/");
     load.started();
@@ -45,7 +45,7 @@ TEST(RequestedLoadTest, WhatTheUserDoesSinceCounts) {
     EXPECT_FALSE(load.isWaiting());
 }
 
-TEST(RequestedLoadTest, OneThatFailsIsOver) {
+TEST(RequestedLoadTest, AFailedLoadIsOver) {
     RequestedLoad load;
     load.requested("http://a/");
     load.failed("http://a/");

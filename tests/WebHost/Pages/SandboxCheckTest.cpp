@@ -18,7 +18,7 @@ std::string status(const std::string& filter, const std::string& numbers) {
            "\nSeccomp_filters:\t1\n";
 }
 
-TEST(SandboxCheckTest, ASandboxHasAFilterAndNumbersOfItsOwn) {
+TEST(SandboxCheckTest, ASandboxHasAFilterAndItsOwnProcessNumbers) {
     EXPECT_TRUE(isSandboxed(status("2", "812\t3"), status("0", "800")));
     EXPECT_TRUE(isSandboxed(status("2", "9\t8\t2"), status("2", "5\t4")));
     EXPECT_FALSE(isSandboxed(status("0", "812\t3"), status("0", "800")));

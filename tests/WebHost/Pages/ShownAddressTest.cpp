@@ -21,7 +21,7 @@ TEST(ShownAddressTest, APageThatIsOnItsWayIsNotShown) {
     EXPECT_EQ(shown.text(), "https://bank.example/");
 }
 
-TEST(ShownAddressTest, APageMayNameItsOwnPlaces) {
+TEST(ShownAddressTest, APageMayChangeTheAddressWithinItsOrigin) {
     ShownAddress shown;
     shown.committed("https://page.example/a");
     shown.reported("https://page.example/b#c");

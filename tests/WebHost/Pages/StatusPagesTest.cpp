@@ -30,7 +30,7 @@ TEST(StatusPagesTest, ThePageCanBeTriedAgain) {
     EXPECT_THAT(offlinePage(address, "No answer."), HasSubstr("No answer."));
     EXPECT_THAT(certificatePage(address, "It is too old.", "Of: <b>\nBy: you"),
                 AllOf(HasSubstr("It is too old."), HasSubstr("Of: &lt;b&gt;\nBy: you")));
-    // Where nobody says whose certificate it is, there is no room for it.
+    // Without details of the certificate, nothing follows the sentences.
     EXPECT_THAT(certificatePage(address, "It is too old.", ""), HasSubstr("was not opened.</p>"));
 }
 

@@ -125,7 +125,7 @@ TEST_F(PasswordQuestionsTest, AQuestionEndsWithTheLastRequestThatWaitsForItsAnsw
     EXPECT_TRUE(shown_);
 }
 
-TEST_F(PasswordQuestionsTest, WhatIsTakenBackAgainAndAgainIsNotAskedWithoutEnd) {
+TEST_F(PasswordQuestionsTest, AQuestionThatIsWithdrawnAgainAndAgainIsAskedThreeTimes) {
     for (int attempt = 0; attempt < 10; ++attempt) {
         questions_.withdraw(decide(asker()));
     }

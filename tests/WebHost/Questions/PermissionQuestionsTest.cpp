@@ -107,7 +107,7 @@ TEST_F(PermissionQuestionsTest, TheTextsOfPagesAreCut) {
                                                                    "…” link with another program.");
 }
 
-TEST_F(PermissionQuestionsTest, WhatIsLiveEndsWithThePage) {
+TEST_F(PermissionQuestionsTest, CapturingAndLocatingLastUntilThePageIsReloaded) {
     for (const char* kind : {"camera", "camera+microphone", "microphone", "screen", "location"}) {
         EXPECT_TRUE(lastsUntilReload(kind)) << kind;
     }

@@ -113,7 +113,7 @@ TEST_F(SiteSettingsTest, ADamagedFileIsReportedAndNeverOverwritten) {
     EXPECT_TRUE(fs::is_directory(file()));
 }
 
-TEST_F(SiteSettingsTest, ARuleIsForAHostAndThoseBelow) {
+TEST_F(SiteSettingsTest, ARuleAppliesToAHostAndThoseBelowIt) {
     SiteSettings settings;
     settings.links = {{"example.com", "outside"}, {"mail.example.com", "inside"}, {"b.c", "x"}};
     EXPECT_EQ(ruleFor(settings, "example.com"), LinkPlace::outside);

@@ -48,7 +48,7 @@ protected:
     };
 };
 
-TEST_F(StoreIdentifierTest, EachFolderKeepsAUuidOfItsOwn) {
+TEST_F(StoreIdentifierTest, EachFolderKeepsItsOwnUuid) {
     const std::string store = start("Work");
     EXPECT_THAT(store, MatchesRegex("[0-9A-F]{8}-[0-9A-F]{4}-4[0-9A-F]{3}-[0-9A-F]{4}-.{12}"));
     EXPECT_EQ(start("Work"), store);

@@ -26,7 +26,7 @@ TEST(WindowStateTest, IsReadAsItWasWritten) {
     EXPECT_EQ(readWindowState(file), usual);
 }
 
-TEST(WindowStateTest, WhatMakesNoSenseIsAsUsual) {
+TEST(WindowStateTest, InvalidValuesBecomeTheDefaults) {
     const TemporaryFolder home;
     const std::string file = (home / "window.json").string();
     const WindowState usual;
