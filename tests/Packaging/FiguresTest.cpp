@@ -240,6 +240,12 @@ TEST_F(FiguresTest, FindNothingForbiddenInThisTree) {
               "Base/Text.h: firstCapture is in WebHost/Notifications/FirstCapture_macos.mm\n");
 }
 
+TEST_F(FiguresTest, KnowNoFolderThatIsNotALayer) {
+    source("QuorvelApp/A.cpp", "#include \"Extras/B.h\"\n#include \"Base/C.h\"\n");
+    source("Extras/B.h", "#include \"QuorvelApp/A.h\"\n");
+    EXPECT_THAT(places("upward"), ElementsAre("QuorvelApp/A.cpp: includes Extras/"));
+}
+
 TEST_F(FiguresTest, ListThePlacesOfSeveralRows) {
     source("Platform/A.h", "#include \"LaunchKit/B.h\"\nint bare(int a);\n");
     EXPECT_THAT(figures({"--list", "upward", "undocumented"}).output,
