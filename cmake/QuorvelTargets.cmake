@@ -92,3 +92,10 @@ function(quorvel_executable name)
     target_sources(${name} PRIVATE "${PROJECT_SOURCE_DIR}/tests/support/SanitizerSuppressions.cpp")
   endif()
 endfunction()
+
+# quorvel_version(SOURCES...): defines QUORVEL_VERSION in these alone, since a new version compiles
+# them again.
+function(quorvel_version)
+  set_property(SOURCE ${ARGN} APPEND PROPERTY COMPILE_DEFINITIONS
+    QUORVEL_VERSION="${PROJECT_VERSION}")
+endfunction()
