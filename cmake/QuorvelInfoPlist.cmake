@@ -1,6 +1,8 @@
 # The application's Info.plist. Run as a script, it writes one for the given settings:
 #   cmake -DQUORVEL_VERSION=1.2 -DQUORVEL_BUILD_NUMBER=7 [-DQUORVEL_UPDATE_FEED=ADDRESS]
-#         [-DQUORVEL_UPDATE_KEY=KEY] -DOUTPUT=FILE -P cmake/QuorvelInfoPlist.cmake
+#         [-DQUORVEL_UPDATE_KEY=KEY] [-DCMAKE_OSX_DEPLOYMENT_TARGET=13.0] -DOUTPUT=FILE
+#         -P cmake/QuorvelInfoPlist.cmake
+include("${CMAKE_CURRENT_LIST_DIR}/QuorvelMinimumMacOS.cmake")
 
 # quorvel_build_number(VARIABLE): increases with every commit. It distinguishes updates.
 function(quorvel_build_number variable)
@@ -39,7 +41,7 @@ function(quorvel_write_info_plist file)
   set(QUORVEL_UPDATE_ENTRIES "")
   quorvel_plist_entry(QUORVEL_UPDATE_ENTRIES SUFeedURL "${QUORVEL_UPDATE_FEED}")
   quorvel_plist_entry(QUORVEL_UPDATE_ENTRIES SUPublicEDKey "${QUORVEL_UPDATE_KEY}")
-  set(QUORVEL_MINIMUM_MACOS 13.0)
+  set(QUORVEL_MINIMUM_MACOS "${CMAKE_OSX_DEPLOYMENT_TARGET}")
   configure_file("${CMAKE_CURRENT_FUNCTION_LIST_DIR}/../packaging/Info.plist.in" "${file}" @ONLY)
 endfunction()
 

@@ -183,6 +183,13 @@ TEST_F(BundleTestInfoPlist, NamesTheFeedOfUpdatesWhenThereIsOne) {
     EXPECT_EQ(entry("CFBundleShortVersionString"), "1.2");
 }
 
+TEST_F(BundleTestInfoPlist, NamesTheOldestSystemThatTheBuildIsFor) {
+    ASSERT_EQ(made({"-DQUORVEL_BUILD_NUMBER=7"}).status, 0);
+    EXPECT_EQ(entry("LSMinimumSystemVersion"), "13.0");
+    ASSERT_EQ(made({"-DQUORVEL_BUILD_NUMBER=7", "-DCMAKE_OSX_DEPLOYMENT_TARGET=14.2"}).status, 0);
+    EXPECT_EQ(entry("LSMinimumSystemVersion"), "14.2");
+}
+
 TEST_F(BundleTestInfoPlist, NamesNoFeedByDefault) {
     ASSERT_EQ(made({"-DQUORVEL_BUILD_NUMBER=7"}).status, 0);
     EXPECT_EQ(entry("SUFeedURL"), "none");
