@@ -97,15 +97,18 @@ install_packages() {
   fi
 }
 
-# build_preset PRESET [CMAKE OPTIONS...]
-build_preset() {
-  local preset=$1
+# configure_preset PRESET [CMAKE OPTIONS...]: shows what CMake says only if it fails.
+configure_preset() {
+  local preset=$1 output
   shift
   say "Building ($preset)"
-  cmake --preset "$preset" "$@" >"/tmp/quorvel-configure.$$" 2>&1 ||
-    { cat "/tmp/quorvel-configure.$$" >&2; rm -f "/tmp/quorvel-configure.$$"; exit 1; }
-  rm -f "/tmp/quorvel-configure.$$"
-  cmake --build --preset "$preset"
+  output=$(cmake --preset "$preset" "$@" 2>&1) || fail "$output"
+}
+
+# build_preset PRESET [CMAKE OPTIONS...]
+build_preset() {
+  configure_preset "$@"
+  cmake --build --preset "$1"
 }
 
 # Where the build puts the program with the window.
