@@ -10,6 +10,7 @@ namespace quorvel {
 namespace {
 
 constexpr std::size_t mostTries = 3;
+constexpr std::size_t mostRefusals = 3;
 constexpr std::size_t longestRealm = 80;
 constexpr std::size_t longestHost = 253;
 
@@ -50,6 +51,14 @@ PasswordText passwordText(const PasswordAsker& asker, bool wasWrong) {
     return result;
 }
 
+// A server can choose another realm for each question, which is then not equal to any before.
+bool PasswordQuestions::mayAsk(const std::string& key) const {
+    const auto tries = tries_.find(key);
+    return !refused_.contains(key) && refused_.size() < mostRefusals &&
+           (tries == tries_.end() || tries->second < mostTries) &&
+           order_.size() < mostWaitingQuestions;
+}
+
 std::size_t PasswordQuestions::decide(const PasswordAsker& asker, bool wasWrong, Answered done) {
     const std::string key = asker.key();
     const std::size_t number = ++last_;
@@ -57,8 +66,7 @@ std::size_t PasswordQuestions::decide(const PasswordAsker& asker, bool wasWrong,
         found->second.done.emplace(number, std::move(done));
         return number;
     }
-    if (refused_.contains(key) || tries_[key] >= mostTries ||
-        order_.size() >= mostWaitingQuestions) {
+    if (!mayAsk(key)) {
         done(std::nullopt);
         return number;
     }

@@ -39,7 +39,8 @@ struct Login {
 };
 
 /// Answers servers that want a password, by asking the user: one question after the other, one for
-/// all that are equal, and no more after three wrong answers or a refusal until `reset`.
+/// all that are equal. No more of these follow three wrong answers or a refusal, and no more at all
+/// follow three refusals, until `reset`.
 class PasswordQuestions {
 public:
     using Answered = std::function<void(std::optional<Login>)>;
@@ -67,6 +68,7 @@ private:
         std::map<std::size_t, Answered> done{}; ///< by their numbers
     };
 
+    [[nodiscard]] bool mayAsk(const std::string& key) const;
     void showNext();
     void finish(const std::string& key, const std::optional<Login>& login);
 

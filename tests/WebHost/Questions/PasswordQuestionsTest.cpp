@@ -142,6 +142,19 @@ TEST_F(PasswordQuestionsTest, ARefusalHoldsUntilTheReset) {
     EXPECT_TRUE(shown_);
 }
 
+TEST_F(PasswordQuestionsTest, AfterThreeRefusalsNoNewRealmAsksUntilTheReset) {
+    for (const char* realm : {"1", "2", "3"}) {
+        decide(asker(realm));
+        answer(std::nullopt);
+    }
+    decide(asker("4"));
+    EXPECT_FALSE(shown_);
+    EXPECT_EQ(answers_, std::vector<std::string>(4, "none"));
+    questions_.reset();
+    decide(asker("4"));
+    EXPECT_TRUE(shown_);
+}
+
 TEST_F(PasswordQuestionsTest, ThreeWrongAnswersAreEnough) {
     for (int attempt = 0; attempt < 3; ++attempt) {
         decide(asker(), attempt > 0);
