@@ -130,13 +130,15 @@ int sideIn(std::string_view sizes) {
     constexpr int ofDrawings = 1024;
     constexpr int largest = 4096;
     int widest = asciiLower(sizes) == "any" ? ofDrawings : 0;
-    for (std::size_t at = 0; at < sizes.size(); ++at) {
+    const char* const end = sizes.data() + sizes.size();
+    for (const char* at = sizes.data(); at < end; ++at) {
         int side = 0;
-        const auto result = std::from_chars(sizes.data() + at, sizes.data() + sizes.size(), side);
+        // Also a number that is too large is passed over as a whole.
+        const auto result = std::from_chars(at, end, side);
         if (result.ec == std::errc{} && side > 0 && side <= largest) {
             widest = std::max(widest, side);
         }
-        at = result.ec == std::errc{} ? static_cast<std::size_t>(result.ptr - sizes.data()) : at;
+        at = std::min(result.ptr, end - 1);
     }
     return widest;
 }

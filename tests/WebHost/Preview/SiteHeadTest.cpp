@@ -22,6 +22,21 @@ TEST(SiteHeadTest, TheTitleAndTheLargestIconComeFirst) {
     EXPECT_THAT(head.icons, ElementsAre("b.svg", "a.png?x=1&y=2", "touch.png", "/favicon.ico"));
 }
 
+TEST(SiteHeadTest, ANumberThatIsTooLargeIsNoSize) {
+    const std::string digits(500'000, '9');
+    for (const std::string& huge : {digits, digits + "512", std::string("99512x99512")}) {
+        EXPECT_THAT(siteHead("<link rel=icon href=huge sizes=" + huge +
+                             "><link rel=icon href=small sizes=33x33>")
+                        .icons,
+                    ElementsAre("small", "huge"))
+            << huge.size();
+    }
+    EXPECT_THAT(siteHead("<link rel=icon href=a sizes='99999999999x1 48x48'>"
+                         "<link rel=icon href=b sizes=47x47>")
+                    .icons,
+                ElementsAre("a", "b"));
+}
+
 TEST(SiteHeadTest, TheMostCommonReferencesAreResolved) {
     EXPECT_EQ(siteHead("<title>&lt;&gt;&quot;&apos;&#39;&amp;a&nbsp;b&copy;</title>").title,
               "<>\"''&a b&copy;");
