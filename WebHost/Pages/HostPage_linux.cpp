@@ -1,5 +1,6 @@
 #include "WebHost/Pages/HostPage_linux.h"
 
+#include "Base/AsciiCase.h"
 #include "WebHost/GtkTypes_linux.h"
 #include "WebHost/Links/WebAddress.h"
 #include "WebHost/Notifications/BadgeScript.h"
@@ -29,7 +30,7 @@ bool isAttachment(WebKitURIResponse* response) {
         return false;
     }
     g_hash_table_unref(parameters);
-    return takeText(disposition) == "attachment";
+    return asciiLower(takeText(disposition)) == "attachment";
 }
 
 } // namespace

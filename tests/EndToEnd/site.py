@@ -248,7 +248,7 @@ class Site(http.server.BaseHTTPRequestHandler):
         kinds = {'/file': 'text/plain', '/named': 'text/plain', '/worker.js': 'text/javascript'}
         self.send_header('Content-Type', kinds.get(path, 'text/html;charset=utf-8'))
         if path == '/file':
-            self.send_header('Content-Disposition', 'attachment; filename="../../precious.txt"')
+            self.send_header('Content-Disposition', 'Attachment; filename="../../precious.txt"')
         if path == '/strict':
             self.send_header('Strict-Transport-Security', 'max-age=9999')
         self.send_header('Cache-Control', 'no-store')
