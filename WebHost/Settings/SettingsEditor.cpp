@@ -3,6 +3,7 @@
 #include "Base/TerminalText.h"
 #include "WebHost/Questions/PermissionQuestions.h"
 
+#include <array>
 #include <utility>
 
 namespace quorvel {
@@ -93,16 +94,21 @@ SettingsEditor::Rows SettingsEditor::certificates(const Removed& removed) {
 }
 
 std::string SettingsEditor::fileProblem() const {
-    std::string problem;
-    for (const std::string& one : {services_.settings->problem(), services_.permissions->problem(),
-                                   services_.certificates->problem()}) {
-        if (!one.empty()) {
-            problem = "A file of these settings can’t be used, and is kept under another name "
-                      "as soon as you change something: " +
-                      one;
+    const std::array<std::pair<const char*, std::string>, 3> files{{
+        {"The settings", services_.settings->problem()},
+        {"The permissions", services_.permissions->problem()},
+        {"The certificates", services_.certificates->problem()},
+    }};
+    std::string text;
+    for (const auto& [what, problem] : files) {
+        if (!problem.empty()) {
+            text += std::string(text.empty() ? "" : "\n") + what +
+                    " can’t be used, and are kept under another name as soon as you change "
+                    "something: " +
+                    problem;
         }
     }
-    return problem;
+    return text;
 }
 
 } // namespace quorvel

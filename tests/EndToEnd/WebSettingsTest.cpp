@@ -74,7 +74,7 @@ TEST_F(WebSettingsTest, WhatIsChosenInThePanelHoldsAndIsKept) {
     for (const char* name : {"Zoom in percent", "Colors", "Check spelling", "Spelling languages",
                              "User agent", "Proxy", "Proxy address", "Host", "Links to it",
                              "Remove: https://a.b may not open “mailto” links with another program",
-                             "can’t be used, and is kept under another name"}) {
+                             "The certificates can’t be used, and are kept under another name"}) {
         EXPECT_THAT(names, HasSubstr(name));
     }
     std::size_t before = read(requests()).size();

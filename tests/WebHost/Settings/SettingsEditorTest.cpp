@@ -8,10 +8,12 @@ namespace quorvel {
 namespace {
 
 using namespace testing;
+using ::testing::AllOf;
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
 using ::testing::Pair;
+using ::testing::StartsWith;
 
 class SettingsEditorTest : public ::testing::Test {
 protected:
@@ -105,12 +107,17 @@ TEST_F(SettingsEditorTest, WhatCannotBeWrittenIsReported) {
     EXPECT_EQ(removeFirst(&SettingsEditor::certificates), "The certificates can’t be written.");
 }
 
-TEST_F(SettingsEditorTest, AFileThatCannotBeUsedIsNamed) {
+TEST_F(SettingsEditorTest, EveryFileThatCannotBeUsedIsNamed) {
     EXPECT_EQ(editor_.fileProblem(), "");
     write(file("settings.json"), "{");
     settings_ = SiteSettingsStore(home_.path(), file("settings.json"));
-    EXPECT_THAT(editor_.fileProblem(), HasSubstr("kept under another name"));
-    EXPECT_THAT(editor_.fileProblem(), HasSubstr(settings_.problem()));
+    EXPECT_THAT(editor_.fileProblem(),
+                AllOf(StartsWith("The settings can’t be used"),
+                      HasSubstr("kept under another name"), HasSubstr(settings_.problem())));
+    write(file("certificates.json"), "{");
+    certificates_ = CertificateExceptions(home_.path(), file("certificates.json"));
+    EXPECT_THAT(editor_.fileProblem(), AllOf(StartsWith("The settings can’t be used"),
+                                             HasSubstr("\nThe certificates can’t be used")));
 }
 
 } // namespace
