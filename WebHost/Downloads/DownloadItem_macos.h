@@ -4,7 +4,7 @@
 
 #import <WebKit/WebKit.h>
 
-#include <string>
+#include <filesystem>
 
 namespace quorvel {
 
@@ -15,8 +15,9 @@ struct DownloadItem {
 
     /// Returns where the engine is to write the file.
     [[nodiscard]] NSURL* file() const;
-    /// Gives the complete file its name, marked as one from the web. Returns what to tell the user.
-    [[nodiscard]] std::string publish();
+    /// Gives the complete file its name, marked as one from the web. Returns its path. Throws
+    /// `Error` if it can't be marked, and `PlatformError` if it can't be renamed.
+    [[nodiscard]] std::filesystem::path publish();
 
     WKDownload* download;
     StagedDownload staged;

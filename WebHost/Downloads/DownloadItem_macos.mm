@@ -27,17 +27,11 @@ NSURL* DownloadItem::file() const {
                                         relativeToURL:nil];
 }
 
-std::string DownloadItem::publish() {
+std::filesystem::path DownloadItem::publish() {
     if (!quarantine(file(), download.originalRequest.URL)) {
-        return "“" + staged.name() + "” can’t be marked as a download, and was not kept";
+        throw Error("“" + staged.name() + "” can’t be marked as a download, and was not kept");
     }
-    try {
-        const std::filesystem::path saved = staged.publish();
-        return "Saved “" + saved.filename().string() + "” in “" +
-               saved.parent_path().filename().string() + "”";
-    } catch (const PlatformError& error) {
-        return error.description();
-    }
+    return staged.publish();
 }
 
 } // namespace quorvel

@@ -2,6 +2,7 @@
 
 #include "Platform/files/PlatformError.h"
 #include "WebHost/Downloads/DownloadName.h"
+#include "WebHost/Downloads/DownloadTexts.h"
 
 #include <algorithm>
 #include <vector>
@@ -41,7 +42,7 @@ void DownloadList::cancelAll() {
         webkit_download_cancel(download);
         items_.erase(download);
     }
-    refused_.reset();
+    lost_.reset();
     report();
 }
 
@@ -91,7 +92,7 @@ void DownloadList::ask(WebKitDownload* download) {
 }
 
 void DownloadList::refuse(WebKitDownload* download) {
-    refused_.add(safeDownloadName(items_.at(download).suggested));
+    lost_.refuse(safeDownloadName(items_.at(download).suggested));
     g_signal_handlers_disconnect_by_data(download, this);
     webkit_download_cancel(download);
     items_.erase(download);
@@ -100,7 +101,7 @@ void DownloadList::refuse(WebKitDownload* download) {
 
 void DownloadList::begin(WebKitDownload* download) {
     if (!isRunning()) {
-        refused_.reset();
+        lost_.reset();
     }
     Item& item = items_.at(download);
     try {
@@ -111,7 +112,7 @@ void DownloadList::begin(WebKitDownload* download) {
         const std::string reason = error.description();
         g_signal_handlers_disconnect_by_data(download, this);
         webkit_download_cancel(download);
-        end(download, reason);
+        fail(download, reason);
     }
 }
 
@@ -130,8 +131,11 @@ void DownloadList::failed(WebKitDownload* download, GError* error, gpointer self
                                              WEBKIT_DOWNLOAD_ERROR_CANCELLED_BY_USER) == TRUE;
     const std::string name = safeDownloadName(found->second.suggested);
     g_signal_handlers_disconnect_by_data(download, self);
-    list.end(download, isCancelled ? "“" + name + "” was not downloaded"
-                                   : "“" + name + "” can’t be downloaded: " + error->message);
+    if (isCancelled) {
+        list.end(download, "“" + name + "” was not downloaded");
+    } else {
+        list.fail(download, failedText(name, error->message));
+    }
 }
 
 void DownloadList::finished(WebKitDownload* download, gpointer self) {
@@ -140,22 +144,23 @@ void DownloadList::finished(WebKitDownload* download, gpointer self) {
     if (found == list.items_.end() || !found->second.stage) {
         return;
     }
-    std::string text;
     try {
-        const std::filesystem::path file = found->second.stage->publish();
-        text = "Saved “" + file.filename().string() + "” in “" +
-               file.parent_path().filename().string() + "”";
+        list.end(download, savedText(found->second.stage->publish()));
     } catch (const PlatformError& error) {
-        text = error.description();
+        list.fail(download, error.description());
     }
-    list.end(download, text);
+}
+
+void DownloadList::fail(WebKitDownload* download, const std::string& text) {
+    lost_.fail(text);
+    end(download, "");
 }
 
 void DownloadList::end(WebKitDownload* download, const std::string& text) {
     items_.erase(download);
     report();
     if (callbacks_.changed && running() == 0) {
-        callbacks_.changed(refused_.appendedTo(text), std::nullopt);
+        callbacks_.changed(lost_.appendedTo(text), std::nullopt);
     }
 }
 
@@ -169,26 +174,20 @@ void DownloadList::report() const {
     if (!callbacks_.changed) {
         return;
     }
-    double progress = 0;
-    std::string name;
+    DownloadProgress progress;
     for (const auto& [download, item] : items_) {
         if (item.stage) {
-            progress += webkit_download_get_estimated_progress(download);
-            name = "“" + item.stage->name() + "”";
+            ++progress.count;
+            progress.sum += webkit_download_get_estimated_progress(download);
+            progress.name = item.stage->name();
         }
     }
-    const std::size_t count = running();
-    if (count == 0) {
-        callbacks_.changed(refused_.appendedTo(""), std::nullopt);
+    if (progress.count == 0) {
+        callbacks_.changed(lost_.appendedTo(""), std::nullopt);
         return;
     }
-    constexpr int whole = 100;
-    progress /= static_cast<double>(count);
-    const std::string what = count == 1 ? name : std::to_string(count) + " files";
-    const std::string text =
-        "Downloading " + what + ": " + std::to_string(static_cast<int>(progress * whole)) + " %";
-    callbacks_.changed(refused_.appendedTo(text),
-                       static_cast<int>(progress * whole) / static_cast<double>(whole));
+    constexpr double whole = 100;
+    callbacks_.changed(lost_.appendedTo(progress.text()), progress.percent() / whole);
 }
 
 } // namespace quorvel

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "WebHost/Downloads/RefusedDownloads.h"
+#include "WebHost/Downloads/LostDownloads.h"
 #include "WebHost/Downloads/StagedDownload.h"
 #include "WebHost/GtkTypes_linux.h"
 #include "WebHost/Pages/FloodCaps.h"
@@ -58,6 +58,8 @@ private:
     void refuse(WebKitDownload* download);
     /// Takes the download off the list and reports this text about it.
     void end(WebKitDownload* download, const std::string& text);
+    /// Forgets a download that failed; others that run don't replace what is said of it.
+    void fail(WebKitDownload* download, const std::string& text);
     void report() const;
     [[nodiscard]] std::size_t running() const;
 
@@ -67,7 +69,7 @@ private:
     Callbacks callbacks_;
     RateCap cap_ = unaskedDownloadCap();
     std::map<WebKitDownload*, Item> items_{};
-    RefusedDownloads refused_{};
+    LostDownloads lost_{};
 };
 
 } // namespace quorvel

@@ -4,7 +4,8 @@
 #include "WebHost/AnswerOnce_macos.h"
 #include "WebHost/Downloads/DownloadItem_macos.h"
 #include "WebHost/Downloads/DownloadName.h"
-#include "WebHost/Downloads/RefusedDownloads.h"
+#include "WebHost/Downloads/DownloadTexts.h"
+#include "WebHost/Downloads/LostDownloads.h"
 #include "WebHost/NSText_macos.h"
 #include "WebHost/Pages/FloodCaps.h"
 
@@ -18,7 +19,7 @@
     quorvel::DownloadCallbacks _callbacks;
     std::optional<quorvel::RateCap> _cap;
     std::vector<std::shared_ptr<quorvel::DownloadItem>> _items;
-    quorvel::RefusedDownloads _refused;
+    quorvel::LostDownloads _lost;
     NSTimer* _reports;
 }
 
@@ -44,7 +45,7 @@
     for (const auto& item : std::exchange(_items, {})) {
         [item->download cancel:nil];
     }
-    _refused.reset();
+    _lost.reset();
     [self report];
 }
 
@@ -74,7 +75,7 @@
 
 // Tells the user that a download is one too many.
 - (void)refuse:(const std::string&)name {
-    _refused.add(quorvel::safeDownloadName(name));
+    _lost.refuse(quorvel::safeDownloadName(name));
     [self report];
 }
 
@@ -85,7 +86,7 @@
         return nil;
     }
     if (_items.empty()) {
-        _refused.reset();
+        _lost.reset();
     }
     try {
         auto item = std::make_shared<quorvel::DownloadItem>(
@@ -95,7 +96,7 @@
         [self startReports];
         return file;
     } catch (const quorvel::PlatformError& error) {
-        _callbacks.changed(error.description(), std::nullopt);
+        [self failed:error.description()];
         return nil;
     }
 }
@@ -114,7 +115,11 @@
 
 - (void)downloadDidFinish:(WKDownload*)download {
     if (const auto item = [self take:download]) {
-        [self ended:item->publish()];
+        try {
+            [self ended:quorvel::savedText(item->publish())];
+        } catch (const quorvel::Error& error) {
+            [self failed:error.description()];
+        }
     }
 }
 
@@ -123,15 +128,21 @@
           resumeData:(NSData*)resumeData {
     (void)resumeData;
     if (const auto item = [self take:download]) {
-        [self ended:"“" + item->staged.name() +
-                    "” can’t be downloaded: " + quorvel::textOf(error.localizedDescription)];
+        [self failed:quorvel::failedText(item->staged.name(),
+                                         quorvel::textOf(error.localizedDescription))];
     }
+}
+
+// Others that run don't replace what is said of it.
+- (void)failed:(const std::string&)text {
+    _lost.fail(text);
+    [self ended:""];
 }
 
 - (void)ended:(const std::string&)text {
     [self report];
     if (_items.empty()) {
-        _callbacks.changed(_refused.appendedTo(text), std::nullopt);
+        _callbacks.changed(_lost.appendedTo(text), std::nullopt);
     }
 }
 
@@ -154,19 +165,17 @@
     if (_items.empty()) {
         [_reports invalidate];
         _reports = nil;
-        _callbacks.changed(_refused.appendedTo(""), std::nullopt);
+        _callbacks.changed(_lost.appendedTo(""), std::nullopt);
         return;
     }
-    constexpr int whole = 100;
-    double progress = 0;
+    quorvel::DownloadProgress progress;
     for (const auto& item : _items) {
-        progress += item->download.progress.fractionCompleted;
+        ++progress.count;
+        progress.sum += item->download.progress.fractionCompleted;
+        progress.name = item->staged.name();
     }
-    const int percent = static_cast<int>(progress / static_cast<double>(_items.size()) * whole);
-    const std::string what = _items.size() == 1 ? "“" + _items.front()->staged.name() + "”"
-                                                : std::to_string(_items.size()) + " files";
-    const std::string text = "Downloading " + what + ": " + std::to_string(percent) + " %";
-    _callbacks.changed(_refused.appendedTo(text), percent / static_cast<double>(whole));
+    constexpr double whole = 100;
+    _callbacks.changed(_lost.appendedTo(progress.text()), progress.percent() / whole);
 }
 
 @end

@@ -1,19 +1,37 @@
-#include "WebHost/Downloads/RefusedDownloads.h"
+#include "WebHost/Downloads/LostDownloads.h"
 
 namespace quorvel {
+namespace {
 
-void RefusedDownloads::add(const std::string& name) {
-    ++count_;
-    last_ = name;
+void append(std::string& text, const std::string& sentence) {
+    text += (text.empty() ? "" : "; ") + sentence;
 }
 
-std::string RefusedDownloads::appendedTo(const std::string& text) const {
-    if (count_ == 0) {
-        return text;
+} // namespace
+
+void LostDownloads::refuse(const std::string& name) {
+    ++refusals_;
+    lastRefused_ = name;
+}
+
+void LostDownloads::fail(const std::string& text) {
+    ++failures_;
+    lastFailure_ = text;
+}
+
+std::string LostDownloads::appendedTo(const std::string& text) const {
+    std::string all = text;
+    if (failures_ > 1) {
+        append(all, std::to_string(failures_) + " downloads failed, the last: " + lastFailure_);
+    } else if (failures_ == 1) {
+        append(all, lastFailure_);
     }
-    const std::string what =
-        count_ == 1 ? "“" + last_ + "” was" : std::to_string(count_) + " files were";
-    return text + (text.empty() ? "" : "; ") + what + " not downloaded: too many at once";
+    if (refusals_ > 0) {
+        const std::string what = refusals_ == 1 ? "“" + lastRefused_ + "” was"
+                                                : std::to_string(refusals_) + " files were";
+        append(all, what + " not downloaded: too many at once");
+    }
+    return all;
 }
 
 } // namespace quorvel

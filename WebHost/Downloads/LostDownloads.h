@@ -5,20 +5,25 @@
 
 namespace quorvel {
 
-/// The downloads that were refused because too many run or wait for an answer.
-class RefusedDownloads {
+/// The downloads that failed, or were refused because too many run or wait for an answer. What is
+/// said of them stays until the next ones begin: others that run would replace it at once.
+class LostDownloads {
 public:
     /// `name` is the file's safe name.
-    void add(const std::string& name);
-    /// Forgets them, once the user has had the chance to read about them.
-    void reset() { *this = RefusedDownloads(); }
+    void refuse(const std::string& name);
+    /// `text` says which file failed and why.
+    void fail(const std::string& text);
+    /// The user has had the chance to read about them.
+    void reset() { *this = LostDownloads(); }
 
-    /// Returns what to tell the user about the downloads, with what was refused at the end.
+    /// Returns what to tell the user about the downloads, with what was lost at the end.
     [[nodiscard]] std::string appendedTo(const std::string& text) const;
 
 private:
-    std::size_t count_ = 0;
-    std::string last_{};
+    std::size_t failures_ = 0;
+    std::string lastFailure_{};
+    std::size_t refusals_ = 0;
+    std::string lastRefused_{};
 };
 
 } // namespace quorvel
