@@ -10,6 +10,7 @@
 #include "Platform/processes/ProcessReplacement.h"
 #include "Platform/statusitem/SessionBus_linux.h"
 #include "WebHost/Links/WebAddress.h"
+#include "WebHost/Storage/WebEnvironment_linux.h"
 #include "WebHost/WebHost_linux.h"
 #include "WebHost/Window/DrawingChoice.h"
 #include "WebHost/Window/OpenGLName_linux.h"

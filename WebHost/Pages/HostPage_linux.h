@@ -2,7 +2,7 @@
 
 #include "WebHost/Certificates/CertificateGuard_linux.h"
 #include "WebHost/Links/LinkRouting.h"
-#include "WebHost/Links/OutsideLinks.h"
+#include "WebHost/Links/OutsideLinks_linux.h"
 #include "WebHost/Pages/CloseGuard.h"
 #include "WebHost/Pages/FloodCaps.h"
 #include "WebHost/Pages/PageDialogs_linux.h"

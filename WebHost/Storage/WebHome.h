@@ -1,8 +1,5 @@
 #pragma once
 
-#include "Platform/processes/Process.h"
-
-#include <map>
 #include <string>
 
 /// The data folder of a web clone.
@@ -26,11 +23,5 @@ struct WebHome {
     /// Makes the home and the folders, which are closed to other users. Throws `PlatformError`.
     void create() const;
 };
-
-/// Returns the environment of a web clone's host, which its web processes inherit: `session`'s with
-/// all data folders below `home`, and of the rest only what a window needs; then `own`, the
-/// clone's. Makes the folders that the variables name.
-[[nodiscard]] Environment webEnvironment(const std::string& home, const Environment& session,
-                                         const std::map<std::string, std::string>& own);
 
 } // namespace quorvel

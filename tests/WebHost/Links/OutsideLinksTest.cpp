@@ -1,4 +1,4 @@
-#include "WebHost/Links/OutsideLinks.h"
+#include "WebHost/Links/OutsideLinks_linux.h"
 
 #include "LinkDoor/LinkSession.h"
 #include "Platform/processes/FileMask.h"

@@ -1,4 +1,4 @@
-#include "WebHost/Links/OutsideLinks.h"
+#include "WebHost/Links/OutsideLinks_linux.h"
 
 #include "LaunchKit/Launching/LinkDoorSetup.h"
 #include "LaunchKit/Launching/LinkOpener.h"
