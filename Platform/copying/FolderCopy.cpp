@@ -4,10 +4,10 @@
 #include "Platform/copying/ByteCopy.h"
 #include "Platform/copying/FileCloning.h"
 #include "Platform/copying/ItemCopy.h"
-#include "Platform/copying/VolumeTransfer.h"
 #include "Platform/files/Folder.h"
+#include "Platform/files/FolderWalk.h"
 #include "Platform/files/PlatformError.h"
-#include "Platform/removal/FolderWalk.h"
+#include "Platform/files/VolumeTransfer.h"
 
 #include <algorithm>
 #include <cerrno>

@@ -1,8 +1,8 @@
 #include "Platform/copying/ItemCopy.h"
 
-#include "Platform/copying/ItemAttributes.h"
-#include "Platform/copying/VolumeTransfer.h"
 #include "Platform/files/FileReading.h"
+#include "Platform/files/ItemAttributes.h"
+#include "Platform/files/VolumeTransfer.h"
 
 #include <fcntl.h>
 #include <tuple>

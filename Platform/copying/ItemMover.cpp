@@ -3,10 +3,10 @@
 #include "Base/PathText.h"
 #include "Base/RandomUuid.h"
 #include "Platform/copying/TreeComparison.h"
-#include "Platform/copying/VolumeTransfer.h"
 #include "Platform/files/FileHandle.h"
 #include "Platform/files/FileSystem.h"
 #include "Platform/files/PlatformError.h"
+#include "Platform/files/VolumeTransfer.h"
 #include "Platform/removal/FileRemoval.h"
 #include "Platform/staging/CheckedRename.h"
 

@@ -1,7 +1,7 @@
 #include "Platform/copying/TreeComparison.h"
 
-#include "Platform/copying/VolumeTransfer.h"
 #include "Platform/files/Folder.h"
+#include "Platform/files/VolumeTransfer.h"
 
 #include <algorithm>
 #include <array>

@@ -1,13 +1,13 @@
 #include "Platform/copying/TreeCopy.h"
 
 #include "Platform/copying/ByteCopy.h"
-#include "Platform/copying/ItemAttributes.h"
 #include "Platform/copying/ItemCopy.h"
 #include "Platform/copying/TreeComparison.h"
-#include "Platform/copying/VolumeTransfer.h"
 #include "Platform/files/FileHandle.h"
 #include "Platform/files/Folder.h"
+#include "Platform/files/ItemAttributes.h"
 #include "Platform/files/PlatformError.h"
+#include "Platform/files/VolumeTransfer.h"
 
 #include <cerrno>
 #include <fcntl.h>

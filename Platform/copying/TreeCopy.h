@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Platform/removal/MountBoundary.h"
+#include "Platform/files/MountBoundary.h"
 
 #include <array>
 #include <ctime>

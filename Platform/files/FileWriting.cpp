@@ -2,9 +2,9 @@
 
 #include "Base/PathText.h"
 #include "Base/RandomUuid.h"
-#include "Platform/copying/ItemAttributes.h"
 #include "Platform/files/FileHandle.h"
 #include "Platform/files/FileSystem.h"
+#include "Platform/files/ItemAttributes.h"
 #include "Platform/files/PlatformError.h"
 
 #include <cerrno>
