@@ -7,7 +7,7 @@
 #include "LinkDoor/LinkAddress.h"
 #include "LinkDoor/LinkSession.h"
 #include "Platform/files/FileSystem.h"
-#include "Platform/homes/FolderVariable.h"
+#include "Platform/processes/Environment.h"
 #include "Platform/processes/ProcessReplacement.h"
 #include "Platform/processes/ReportedStart.h"
 #include "Platform/processes/StartReport.h"

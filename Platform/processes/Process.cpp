@@ -137,18 +137,6 @@ int waitFor(pid_t pid) {
 
 } // namespace
 
-Environment currentEnvironment() {
-    Environment result;
-    for (char** entry = ProcessSpawning::environmentBlock(); *entry != nullptr; ++entry) {
-        const std::string_view text = *entry;
-        const std::size_t equals = text.find('=');
-        if (equals != std::string_view::npos) {
-            result.emplace(text.substr(0, equals), text.substr(equals + 1));
-        }
-    }
-    return result;
-}
-
 pid_t ownPid() {
     return ::getpid();
 }
