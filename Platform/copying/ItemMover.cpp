@@ -9,11 +9,11 @@
 #include "Platform/files/VolumeTransfer.h"
 #include "Platform/removal/FileRemoval.h"
 #include "Platform/staging/CheckedRename.h"
+#include "Platform/staging/FolderLock.h"
 
 #include <cerrno>
 #include <cstdio>
 #include <fcntl.h>
-#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -34,11 +34,6 @@ void makeFolder(const fs::path& folder, const fs::path& source) {
 
 FileHandle openFolder(const fs::path& folder) {
     return FileHandle(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
-}
-
-// Locks the folder until it is closed. On a file system without locks, no one can hold one.
-bool lock(const FileHandle& folder) {
-    return ::flock(folder.descriptor(), LOCK_EX | LOCK_NB) == 0 || errno != EWOULDBLOCK;
 }
 
 void removeIfThere(const fs::path& item) {
@@ -141,7 +136,7 @@ void ItemMover::moveAcross(const fs::path& source, const fs::path& destination) 
     const fs::path staging = destination.parent_path() / beside.filename();
     makeFolder(beside, source);
     const FileHandle held = openFolder(beside);
-    (void)lock(held);
+    (void)lockFolder(held, WithoutLocks::isOurs);
     try {
         makeFolder(staging, source);
         const FileHandle from = openFolder(source.parent_path());
@@ -194,7 +189,7 @@ bool ItemMover::finish(const fs::path& leftover, const fs::path& destination,
     if (!id || held.descriptor() < 0) {
         throw PlatformError::fromErrno(leftover, "moved");
     }
-    if (!lock(held)) {
+    if (!lockFolder(held, WithoutLocks::isOurs)) {
         throw PlatformError::because("another program is moving it", leftover, "moved");
     }
     const fs::path staging = destination / std::string(movingPrefix).append(*id);
