@@ -2,6 +2,7 @@
 
 #include "Base/PathText.h"
 #include "Base/RandomUuid.h"
+#include "Platform/copying/ItemCopy.h"
 #include "Platform/copying/TreeComparison.h"
 #include "Platform/files/FileHandle.h"
 #include "Platform/files/FileSystem.h"
@@ -161,7 +162,7 @@ void ItemMover::moveAcross(const fs::path& source, const fs::path& destination) 
     };
     // The original can no longer be reached by its path, so it does not change any more.
     if (const auto changed = changeInside(beside, staging, name)) {
-        giveUp(changedWhileCopied(*changed, source));
+        giveUp(copyFailure(EBUSY, changed->lexically_relative(name), source, "moved"));
     }
     if (renameWhereFree(staging / name, destination) != 0) {
         giveUp(PlatformError::fromErrno(source, "moved"));

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <compare>
 #include <filesystem>
 #include <optional>
 #include <sys/stat.h>
@@ -11,7 +12,7 @@ struct ItemIdentity {
     dev_t device = 0;
     ino_t inode = 0;
 
-    bool operator==(const ItemIdentity&) const = default;
+    auto operator<=>(const ItemIdentity&) const = default;
 };
 
 /// Returns the identity of the item with this status.
