@@ -1,5 +1,6 @@
 #include "Platform/copying/ItemMover.h"
 
+#include "Base/HiddenNames.h"
 #include "Base/PathText.h"
 #include "Base/RandomUuid.h"
 #include "Platform/copying/ItemCopy.h"
@@ -21,11 +22,6 @@
 namespace quorvel {
 namespace fs = std::filesystem;
 namespace {
-
-// The names of the folders that a move across file systems creates: beside the copy and beside the
-// original while it is running, and beside the original once the copy is complete.
-constexpr std::string_view movingPrefix = ".quorvel-moving-";
-constexpr std::string_view movedPrefix = ".quorvel-moved-";
 
 void makeFolder(const fs::path& folder, const fs::path& source) {
     if (::mkdir(folder.c_str(), 0700) != 0) {
@@ -63,9 +59,8 @@ std::string onlyEntry(const fs::path& folder) {
 
 // Returns the identifier in such a folder's name.
 std::optional<std::string> idOf(std::string_view name) {
-    constexpr std::size_t length = 36;
     for (const std::string_view prefix : {movingPrefix, movedPrefix}) {
-        if (name.starts_with(prefix) && name.size() == prefix.size() + length) {
+        if (isHiddenName(name, prefix)) {
             return std::string(name.substr(prefix.size()));
         }
     }
