@@ -18,11 +18,9 @@
 
 #include <cstdio>
 #include <sys/utsname.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <chrono>
-#include <ctime>
 #include <future>
 #include <mutex>
 #include <system_error>
@@ -53,16 +51,11 @@ std::optional<FileLock> lockBundle(const std::filesystem::path& bundle) {
 }
 
 // The window of an application that was started this recently comes to the front by itself.
-constexpr double startsWithin = 10; // seconds
+constexpr std::chrono::seconds startsWithin{10};
 
 bool hasJustStarted(pid_t process) {
-    timespec now{};
     const auto stat = processStat(process);
-    ::clock_gettime(CLOCK_BOOTTIME, &now);
-    return stat &&
-           static_cast<double>(now.tv_sec) - static_cast<double>(stat->started) /
-                                                 static_cast<double>(::sysconf(_SC_CLK_TCK)) <
-               startsWithin;
+    return stat && ageOf(*stat) < startsWithin;
 }
 
 // Returns the class by which the desktop matches a clone's windows to its menu entry; empty for any
