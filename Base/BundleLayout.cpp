@@ -1,5 +1,7 @@
 #include "Base/BundleLayout.h"
 
+#include "Base/HiddenNames.h"
+
 #include <initializer_list>
 
 namespace quorvel {

@@ -45,10 +45,6 @@ inline constexpr std::string_view pkgInfo = "PkgInfo";
 /// own: it gets neither the bundle's name nor its identifier or icon.
 [[nodiscard]] std::string helpersOf(const std::string& bundle);
 
-/// The beginning of the names of hidden folders, in which bundles are while they are replaced. An
-/// identifier follows.
-inline constexpr std::string_view changeFolderPrefix = ".quorvel-change-";
-
 /// Returns the application bundle in whose Contents/MacOS the executable is, "/A/B.app" for
 /// "/A/B.app/Contents/MacOS/x"; empty for any other path. An executable that was replaced while it
 /// ran is in a folder with `changeFolderPrefix`, and belongs to the bundle that took its place

@@ -2,8 +2,12 @@
 
 #include <string_view>
 
-/// Quorvel's own files in a clone's data folder, as relative paths.
+/// What all layers know of a clone: its executable, and Quorvel's own files in its data folder, as
+/// relative paths.
 namespace quorvel {
+
+/// The name of a wrapper's executable, the runner.
+inline constexpr std::string_view wrapperExecutableName = "runner";
 
 /// The clone's log.
 inline constexpr std::string_view instanceLogName = "quorvel-instance.log";

@@ -6,7 +6,7 @@
 #include "LaunchKit/Wrappers/WrapperRevision.h"
 #include "LaunchKit/Wrappers/WrapperWriting.h"
 #include "Platform/files/FileSystem.h"
-#include "Platform/files/ItemIdentity.h"
+#include "Platform/files/ItemRelation.h"
 #include "Platform/files/PlatformError.h"
 #include "Platform/removal/ItemRemoval.h"
 #include "Platform/staging/StagedChange.h"
@@ -18,8 +18,9 @@ namespace {
 // An icon inside the older wrapper is gone with it.
 std::optional<fs::path> chosenIcon(const WrapperGenerator::Options& options,
                                    const fs::path& wrapper) {
+    const ComparedItem older(wrapper);
     const bool isLost =
-        options.customIcon && Place(wrapper).relationTo(*options.customIcon) != Relation::unrelated;
+        options.customIcon && older.relationTo(*options.customIcon) != Relation::unrelated;
     return isLost ? std::nullopt : options.customIcon;
 }
 

@@ -7,6 +7,7 @@
 #include "Platform/files/FileSystem.h"
 #include "Platform/homes/UserPaths.h"
 #include "Platform/processes/MainExecutable.h"
+#include "Platform/processes/Process.h"
 #include "Platform/programs/LauncherScript.h"
 #include "Platform/programs/ProgramResolution.h"
 

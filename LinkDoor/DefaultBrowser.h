@@ -1,7 +1,7 @@
 #pragma once
 
 #include "Platform/files/PlatformError.h"
-#include "Platform/processes/Process.h"
+#include "Platform/processes/Environment.h"
 
 #include <filesystem>
 #include <optional>

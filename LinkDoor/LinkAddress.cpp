@@ -1,16 +1,14 @@
 #include "LinkDoor/LinkAddress.h"
 
 #include "Base/AsciiCase.h"
+#include "Base/TerminalText.h"
 #include "Base/Utf8.h"
 
 #include <algorithm>
-#include <array>
 #include <optional>
 
 namespace quorvel {
 namespace {
-
-constexpr std::array<std::string_view, 3> linkSchemes{"http", "https", "mailto"};
 
 // What comes before the first colon, if it is a scheme that is handed on.
 std::optional<std::string> linkSchemeOf(std::string_view text) {
@@ -18,28 +16,6 @@ std::optional<std::string> linkSchemeOf(std::string_view text) {
     const bool isKnown =
         std::find(linkSchemes.begin(), linkSchemes.end(), scheme) != linkSchemes.end();
     return isKnown && scheme.size() < text.size() ? std::optional(scheme) : std::nullopt;
-}
-
-// Expects valid UTF-8. Besides the control characters proper, finds those that end lines or change
-// the direction of text, which make an address look like another one.
-bool containsControlCharacters(std::string_view text) {
-    constexpr std::array<std::string_view, 14> others{
-        "\u061c", "\u200e", "\u200f", "\u2028", "\u2029", "\u202a", "\u202b",
-        "\u202c", "\u202d", "\u202e", "\u2066", "\u2067", "\u2068", "\u2069"};
-    for (std::size_t index = 0; index < text.size(); ++index) {
-        const auto byte = static_cast<unsigned char>(text[index]);
-        const std::string_view rest = text.substr(index);
-        if (byte < 0x20 || byte == 0x7F ||
-            (byte == 0xC2 && static_cast<unsigned char>(rest[1]) < 0xA0)) {
-            return true;
-        }
-        if (byte >= 0xD8 && std::any_of(others.begin(), others.end(), [&](std::string_view other) {
-                return rest.starts_with(other);
-            })) {
-            return true;
-        }
-    }
-    return false;
 }
 
 // The host in "user@host:port", or in "[host]:port".
@@ -80,7 +56,7 @@ std::string checkedLinkScheme(std::string_view address) {
     if (!isUtf8(address)) {
         throw LinkAddressError("the address is not valid UTF-8");
     }
-    if (containsControlCharacters(address)) {
+    if (withoutControls(address) != address) {
         throw LinkAddressError("the address contains control characters");
     }
     const std::optional<std::string> scheme = linkSchemeOf(address);

@@ -2,6 +2,7 @@
 
 #include "Base/Error.h"
 
+#include <array>
 #include <cstddef>
 #include <string>
 #include <string_view>
@@ -13,6 +14,9 @@ class LinkAddressError : public Error {
 public:
     using Error::Error;
 };
+
+/// The schemes of the addresses that are handed on, in lower case.
+inline constexpr std::array<std::string_view, 3> linkSchemes{"http", "https", "mailto"};
 
 /// The longest address that is handed on, in bytes.
 inline constexpr std::size_t longestLinkAddress = std::size_t{32} << 10U;

@@ -7,13 +7,11 @@
 #include "LinkDoor/LinkAddress.h"
 #include "LinkDoor/LinkSession.h"
 #include "Platform/files/FileSystem.h"
-#include "Platform/homes/FolderVariable.h"
+#include "Platform/processes/Environment.h"
 #include "Platform/processes/ProcessReplacement.h"
 #include "Platform/processes/ReportedStart.h"
-#include "Platform/processes/StartReport.h"
 
 #include <charconv>
-#include <chrono>
 #include <cstdio>
 
 namespace quorvel {
@@ -64,16 +62,12 @@ LinkSession sessionOf(const std::string& home, const Environment& clone, const R
 
 // Returns why the clone's runner did not open the address; empty if it did.
 std::string failureOf(const std::string& runner, const std::string& address) {
-    constexpr std::chrono::seconds silence{1}; // of a runner too old to report
-    constexpr std::chrono::seconds longest{30};
     Process::Options options;
     options.executable = runner;
     options.arguments = {address};
     options.directory = "/"; // as a desktop does
     try {
-        const ReportedStart start = startReporting(options);
-        const StartOutcome outcome =
-            readStartReport(start.reports.descriptor(), -1, silence, longest);
+        const StartOutcome outcome = outcomeOf(startReporting(options));
         switch (outcome.kind) {
         case StartOutcome::Case::failed:
             return outcome.sentence;

@@ -3,9 +3,8 @@
 #include "Base/CloneLayout.h"
 #include "Base/PathText.h"
 #include "Base/SplitText.h"
-#include "Platform/files/FileSystem.h"
 #include "Platform/files/PrivateFile.h"
-#include "Platform/homes/FolderVariable.h"
+#include "Platform/homes/SessionBusAddress.h"
 #include "Platform/homes/UserPaths.h"
 
 #include <algorithm>
@@ -26,7 +25,7 @@ constexpr std::array<std::string_view, 4> keptVariables{"DESKTOP_STARTUP_ID", "D
 
 // Recorded even if they don't differ: programs in the clone may change them, and a browser can't do
 // without the session's.
-constexpr std::array<const char*, 3> essentialVariables{"DBUS_SESSION_BUS_ADDRESS", "HOME", "PATH"};
+constexpr std::array<const char*, 3> essentialVariables{sessionBusVariable, "HOME", "PATH"};
 
 bool isKept(std::string_view name) {
     return std::find(keptVariables.begin(), keptVariables.end(), name) != keptVariables.end();
@@ -42,13 +41,6 @@ std::string record(char mark, std::string_view text) {
 
 std::optional<std::string> nothingIfEmpty(std::string text) {
     return text.empty() ? std::nullopt : std::optional(std::move(text));
-}
-
-// The bus of a login session; std::nullopt leaves it to the program to look for one.
-std::optional<std::string> usualSessionBus(const Environment& clone) {
-    const std::string runtime = folderVariable(clone, "XDG_RUNTIME_DIR", "");
-    const std::string bus = joinAsText(runtime, "bus");
-    return !runtime.empty() && itemExists(bus) ? std::optional("unix:path=" + bus) : std::nullopt;
 }
 
 } // namespace
@@ -154,7 +146,9 @@ LinkSession guessedLinkSession(const std::string& cloneHome, const Environment& 
         session.variables[name] = std::nullopt;
     }
     session.variables["HOME"] = UserPaths::listedHome();
-    session.variables["DBUS_SESSION_BUS_ADDRESS"] = usualSessionBus(clone);
+    Environment login = clone;
+    login.erase(sessionBusVariable); // the clone's own need not be the session's
+    session.variables[sessionBusVariable] = sessionBusAddress(login);
     for (const char* name : {"PATH", "XDG_DATA_DIRS", "XDG_CONFIG_DIRS"}) {
         if (const auto list = clone.find(name); list != clone.end()) {
             session.variables[name] = nothingIfEmpty(withoutFoldersBelow(list->second, cloneHome));

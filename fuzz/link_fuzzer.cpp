@@ -42,14 +42,14 @@ void checkAddress(std::string_view address) {
 }
 
 void checkList(std::string_view list) {
-    constexpr std::array<std::string_view, 2> types{"x-scheme-handler/http", "text/html"};
+    const std::array<std::string, 2> types{"x-scheme-handler/http", "text/html"};
     const std::string preferred = preferringHandler(list, types, "ours.desktop");
-    for (const std::string_view type : types) {
+    for (const std::string& type : types) {
         require(defaultHandlersIn(preferred, type).front() == "ours.desktop");
     }
     require(preferringHandler(preferred, types, "ours.desktop") == preferred);
     const std::string without = withoutHandler(preferred, "ours.desktop");
-    for (const std::string_view type : types) {
+    for (const std::string& type : types) {
         std::vector<std::string> before = defaultHandlersIn(list, type);
         std::erase(before, "ours.desktop");
         require(defaultHandlersIn(without, type) == before);

@@ -11,8 +11,8 @@
 #include "Platform/files/FileLock.h"
 #include "Platform/files/FileSystem.h"
 #include "Platform/files/FileWriting.h"
+#include "Platform/files/MountBoundary.h"
 #include "Platform/homes/UserPaths.h"
-#include "Platform/removal/MountBoundary.h"
 #include "Platform/staging/StagedChange.h"
 
 #include <algorithm>

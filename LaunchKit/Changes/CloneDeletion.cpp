@@ -89,7 +89,7 @@ DataStep dataStep(const InstanceRegistry& registry, const InstanceRecord& record
         return step;
     }
     const DataFolderGuard guard(registry, record.bundleURL);
-    const Place place(folder.path, step.removal->identity());
+    const ComparedItem place(folder.path, step.removal->identity());
     if (guard.isInWrapper(place)) {
         refuse(folder.path, "is inside the clone itself");
     }
@@ -144,7 +144,7 @@ bool putBack(const InstanceRegistry& registry, const fs::path& bundle, const fs:
     try {
         const std::optional<FileLock> lock = lockClones(bundle.parent_path());
         if (itemOrLinkExists(bundle) ||
-            DataFolderGuard(registry, bundle).objection(Place(folder))) {
+            DataFolderGuard(registry, bundle).objection(ComparedItem(folder))) {
             return false;
         }
         trash.restore(name, name);

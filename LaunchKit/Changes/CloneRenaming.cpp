@@ -14,6 +14,7 @@
 #include "LaunchKit/Wrappers/WrapperLayout.h"
 #include "Platform/files/FileSystem.h"
 #include "Platform/files/ItemIdentity.h"
+#include "Platform/files/ItemRelation.h"
 #include "Platform/files/PlatformError.h"
 #include "Platform/homes/UserPaths.h"
 
@@ -42,7 +43,7 @@ std::optional<HomeRename> homeRename(const CloneRevision& clone, const CloneRena
         throw Error(subject + "is behind a symbolic link, so it can’t be moved.");
     }
     const DataFolderGuard guard(InstanceRegistry(), clone.wrapper());
-    if (const auto reason = guard.objection(Place(data.path))) {
+    if (const auto reason = guard.objection(ComparedItem(data.path))) {
         throw Error(subject + *reason + ", so it can’t be moved.");
     }
     fs::path to = joinAsText(data.path.parent_path(), renaming.name);

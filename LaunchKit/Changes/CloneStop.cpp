@@ -23,8 +23,9 @@ std::vector<ProcessIdentity> runnersOf(const InstanceRecord& record) {
 std::vector<ProcessIdentity> orphansOf(const InstanceRegistry& registry,
                                        const InstanceRecord& record) {
     const DataFolder data = dataFolderOf(record.config);
-    if (data.isNone ||
-        DataFolderGuard(registry, record.bundleURL).objection(Place(data.path)).has_value()) {
+    if (data.isNone || DataFolderGuard(registry, record.bundleURL)
+                           .objection(ComparedItem(data.path))
+                           .has_value()) {
         return {};
     }
     std::vector<ProcessIdentity> found = processesKeeping(joinAsText(data.path, homeLockName));

@@ -27,7 +27,7 @@ void refuseToShareData(const WrapperFactory::Request& request, const fs::path& w
         return;
     }
     const DataFolderGuard guard(InstanceRegistry(), wrapper);
-    const Place place(data.path);
+    const ComparedItem place(data.path);
     const std::string subject = "The data folder " + data.path.string() + " ";
     if (guard.isInWrapper(place)) {
         throw InvalidRequest(subject + "is inside the clone itself; choose another one.");

@@ -10,7 +10,7 @@
 #include "Platform/files/FileReading.h"
 #include "Platform/files/FileSystem.h"
 #include "Platform/files/FileWriting.h"
-#include "Platform/files/ItemIdentity.h"
+#include "Platform/files/ItemRelation.h"
 #include "Platform/files/PlatformError.h"
 #include "Platform/staging/StagedChange.h"
 
@@ -36,8 +36,8 @@ void requireUnused(const DataPart& part) {
 
 // A copy inside its original would copy itself.
 void requireApart(const fs::path& from, const fs::path& home) {
-    if (Place(from).relationTo(home) != Relation::unrelated ||
-        Place(home).relationTo(from) != Relation::unrelated) {
+    if (ComparedItem(from).relationTo(home) != Relation::unrelated ||
+        ComparedItem(home).relationTo(from) != Relation::unrelated) {
         throw DataCopyError("The data in " + from.string() + " can’t be copied to " +
                             home.string() + ", since one would be inside the other.");
     }

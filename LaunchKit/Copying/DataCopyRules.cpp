@@ -3,11 +3,11 @@
 #include "Base/CloneLayout.h"
 #include "Base/WebCloneLayout.h"
 #include "LaunchKit/Homes/HomeLock.h"
-#include "Platform/copying/VolumeTransfer.h"
 #include "Platform/files/FileReading.h"
+#include "Platform/files/FolderWalk.h"
 #include "Platform/files/RegularFile.h"
+#include "Platform/files/VolumeTransfer.h"
 #include "Platform/processes/ProcessFamily.h"
-#include "Platform/removal/FolderWalk.h"
 
 #include <algorithm>
 #include <array>

@@ -3,7 +3,7 @@
 #include "LaunchKit/AppBundle.h"
 #include "LaunchKit/Copying/CopiedData.h"
 #include "LaunchKit/WrapperFactory.h"
-#include "Platform/processes/Process.h"
+#include "Platform/processes/Environment.h"
 
 #include <vector>
 

@@ -1,7 +1,7 @@
 #include "LaunchKit/Copying/DataSize.h"
 
 #include "LaunchKit/Homes/DataFolderGuard.h"
-#include "Platform/removal/FolderWalk.h"
+#include "Platform/files/FolderWalk.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>

@@ -37,7 +37,7 @@ std::string quoted(const std::string& name) {
 }
 
 // Returns "is WHAT" or "contains WHAT", if either is true.
-std::optional<std::string> isOrContains(const Place& folder, const fs::path& target,
+std::optional<std::string> isOrContains(const ComparedItem& folder, const fs::path& target,
                                         const std::string& what) {
     switch (folder.relationTo(target)) {
     case Relation::same:
@@ -60,7 +60,7 @@ std::vector<fs::path> foldersToSpare() {
 
 // Returns whether the folder is or contains a home of the user's or one of the folders to spare:
 // then it is not one clone's alone, even if a configuration names it.
-bool holdsUsersOwn(const Place& folder) {
+bool holdsUsersOwn(const ComparedItem& folder) {
     std::vector<fs::path> owned = foldersToSpare();
     for (const std::string& home : UserPaths::allHomes()) {
         owned.emplace_back(home);
@@ -70,20 +70,20 @@ bool holdsUsersOwn(const Place& folder) {
     });
 }
 
-bool isInAHomeOfTheUsers(const Place& folder) {
+bool isInAHomeOfTheUsers(const ComparedItem& folder) {
     const std::vector<std::string> homes = UserPaths::allHomes();
     return std::any_of(homes.begin(), homes.end(), [&](const std::string& home) {
-        return Place(home).relationTo(folder.path()) == Relation::ancestor;
+        return ComparedItem(home).relationTo(folder.path()) == Relation::ancestor;
     });
 }
 
 // Asking the user database may be slow, and most data folders are in the user's own home.
-std::optional<std::string> ownerOfHomeAround(const Place& folder) {
+std::optional<std::string> ownerOfHomeAround(const ComparedItem& folder) {
     if (isInAHomeOfTheUsers(folder)) {
         return std::nullopt;
     }
     for (const UserPaths::OtherHome& other : UserPaths::otherUsersHomes()) {
-        if (Place(other.home).relationTo(folder.path()) != Relation::unrelated ||
+        if (ComparedItem(other.home).relationTo(folder.path()) != Relation::unrelated ||
             folder.relationTo(other.home) != Relation::unrelated) {
             return other.user;
         }
@@ -97,13 +97,13 @@ DataFolderGuard::DataFolderGuard(const InstanceRegistry& registry, const fs::pat
     : wrapper_(withoutTrailingSlashes(wrapper)),
       others_(clonesBeside(registry, wrapper_)) {}
 
-bool DataFolderGuard::isInWrapper(const Place& folder) const {
-    return Place(wrapper_).relationTo(folder.path()) != Relation::unrelated;
+bool DataFolderGuard::isInWrapper(const ComparedItem& folder) const {
+    return ComparedItem(wrapper_).relationTo(folder.path()) != Relation::unrelated;
 }
 
 DataFolderGuard::~DataFolderGuard() = default;
 
-std::optional<std::string> DataFolderGuard::objection(const Place& folder) const {
+std::optional<std::string> DataFolderGuard::objection(const ComparedItem& folder) const {
     for (const std::string& home : UserPaths::allHomes()) {
         if (auto reason = isOrContains(folder, home, "your home")) {
             return reason;
@@ -124,7 +124,7 @@ std::optional<std::string> DataFolderGuard::objection(const Place& folder) const
         if (auto reason = isOrContains(folder, data.path, what)) {
             return reason;
         }
-        const Place others(data.path);
+        const ComparedItem others(data.path);
         if (others.relationTo(folder.path()) == Relation::ancestor && !holdsUsersOwn(others)) {
             return "is inside " + what;
         }

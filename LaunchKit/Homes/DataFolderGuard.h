@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Platform/files/ItemIdentity.h"
+#include "Platform/files/ItemRelation.h"
 
 #include <filesystem>
 #include <optional>
@@ -26,10 +26,10 @@ public:
 
     /// Returns why the folder is not the clone's alone, to be read after "The data folder …";
     /// `std::nullopt` if it is. `folder` is compared as an item on disk.
-    [[nodiscard]] std::optional<std::string> objection(const Place& folder) const;
+    [[nodiscard]] std::optional<std::string> objection(const ComparedItem& folder) const;
 
     /// Returns whether the folder is the wrapper, which is removed as a whole, or inside it.
-    [[nodiscard]] bool isInWrapper(const Place& folder) const;
+    [[nodiscard]] bool isInWrapper(const ComparedItem& folder) const;
 
 private:
     std::filesystem::path wrapper_;

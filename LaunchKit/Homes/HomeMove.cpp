@@ -2,9 +2,9 @@
 
 #include "Platform/files/FileHandle.h"
 #include "Platform/files/FileSystem.h"
+#include "Platform/files/MountBoundary.h"
 #include "Platform/files/PlatformError.h"
 #include "Platform/files/UnsupportedOperation.h"
-#include "Platform/removal/MountBoundary.h"
 #include "Platform/staging/ExclusiveRename.h"
 #include "Platform/staging/TreeFlush.h"
 

@@ -7,7 +7,7 @@
 #include "LaunchKit/Wrappers/WrapperLayout.h"
 #include "Platform/files/FileReading.h"
 #include "Platform/files/FileSystem.h"
-#include "Platform/homes/FolderVariable.h"
+#include "Platform/processes/Environment.h"
 #include "Platform/processes/MainExecutable.h"
 
 #include <algorithm>

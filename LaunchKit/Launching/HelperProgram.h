@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Platform/processes/Process.h"
+#include "Platform/processes/Environment.h"
 
 #include <filesystem>
 #include <optional>

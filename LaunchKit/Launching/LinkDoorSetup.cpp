@@ -6,6 +6,7 @@
 #include "LaunchKit/CloneOptions.h"
 #include "LaunchKit/Launching/HelperProgram.h"
 #include "LaunchKit/Launching/LinkOpener.h"
+#include "LinkDoor/LinkAddress.h"
 #include "LinkDoor/LinkSession.h"
 #include "Platform/entries/DefaultApplication.h"
 #include "Platform/entries/MimeAppsList.h"
@@ -16,7 +17,6 @@
 #include "Platform/homes/UserPaths.h"
 
 #include <algorithm>
-#include <array>
 
 namespace quorvel {
 namespace fs = std::filesystem;
@@ -25,9 +25,16 @@ namespace {
 constexpr const char* linkDoorName = "quorvel-link-door";
 constexpr std::string_view doorEntryId = "quorvel-links.desktop";
 
+std::string typeOf(std::string_view scheme) {
+    return std::string("x-scheme-handler/").append(scheme);
+}
+
 // Pages in files are not among them: what a clone wrote is opened inside it.
-constexpr std::array<std::string_view, 3> linkTypes{
-    "x-scheme-handler/http", "x-scheme-handler/https", "x-scheme-handler/mailto"};
+std::vector<std::string> linkTypes() {
+    std::vector<std::string> types;
+    std::transform(linkSchemes.begin(), linkSchemes.end(), std::back_inserter(types), typeOf);
+    return types;
+}
 
 std::string folderOf(const Environment& clone, const char* variable, std::string_view otherwise) {
     return folderVariable(clone, variable, joinAsText(valueOf(clone, "HOME"), otherwise));
@@ -59,7 +66,7 @@ public:
         if (const std::string entry = entryText(door); !entry.empty()) {
             replaceIfOther(entry_, entry);
             editLists([](const std::string& list) {
-                return preferringHandler(list, linkTypes, doorEntryId);
+                return preferringHandler(list, linkTypes(), doorEntryId);
             });
         }
     }
@@ -114,7 +121,7 @@ private:
         entry.name = "Links";
         entry.comment = "Opens links outside of this clone";
         entry.noDisplay = true;
-        entry.mimeTypes.assign(linkTypes.begin(), linkTypes.end());
+        entry.mimeTypes = linkTypes();
         try {
             entry.tryExec = door.string();
             entry.exec = ExecLine::text({door.string()}, "%u");
@@ -195,7 +202,7 @@ bool isWebBrowser(const AppBundle& app) {
     const std::vector<std::string>& types = app.desktop->entry.mimeTypes;
     return (engine == ResolvedProgram::Engine::firefox ||
             engine == ResolvedProgram::Engine::chromium) &&
-           std::find(types.begin(), types.end(), linkTypes.front()) != types.end();
+           std::find(types.begin(), types.end(), typeOf(linkSchemes.front())) != types.end();
 }
 
 LinkRoute linkRouteOf(const AppBundle& app, const CloneOptions& options, bool systemOpensOutside) {

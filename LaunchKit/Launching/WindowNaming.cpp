@@ -3,7 +3,7 @@
 #include "LaunchKit/AppBundle.h"
 #include "LaunchKit/InstanceConfig.h"
 #include "LaunchKit/Launching/HelperProgram.h"
-#include "Platform/homes/FolderVariable.h"
+#include "Platform/processes/Environment.h"
 #include "Platform/processes/Process.h"
 
 #include <string_view>

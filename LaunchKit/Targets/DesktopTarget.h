@@ -2,7 +2,6 @@
 
 #include "Platform/entries/DesktopEntry.h"
 #include "Platform/entries/ExecLine.h"
-#include "Platform/processes/Process.h"
 #include "Platform/programs/ProgramResolution.h"
 
 #include <filesystem>

@@ -1,14 +1,14 @@
 #pragma once
 
+#include "Platform/homes/SessionBusAddress.h"
+
 #include <map>
 #include <string>
 
 /// Applications that find a running copy by a name on the session's bus don't find it without one.
 namespace quorvel {
 
-/// The variable that says where the session's bus is.
-inline constexpr const char* sessionBusVariable = "DBUS_SESSION_BUS_ADDRESS";
-/// Its value for an application that is to do without.
+/// The value of `sessionBusVariable` for an application that is to do without.
 inline constexpr const char* noSessionBus = "disabled:";
 
 /// Returns whether these variables of a clone take the session's bus away.

@@ -7,6 +7,8 @@
 #include "Platform/files/FileHandle.h"
 #include "Platform/files/FileReading.h"
 #include "Platform/files/FileWriting.h"
+#include "Platform/files/PlatformError.h"
+#include "Platform/processes/Process.h"
 
 #include <algorithm>
 #include <chrono>

@@ -1,6 +1,7 @@
 #include "LaunchKit/Wrappers/WrapperLayout.h"
 
 #include "Base/BundleLayout.h"
+#include "Base/CloneLayout.h"
 #include "Base/PathText.h"
 #include "LaunchKit/InstanceConfig.h"
 #include "Platform/files/FileSystem.h"

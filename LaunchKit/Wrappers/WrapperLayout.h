@@ -11,9 +11,6 @@ namespace quorvel {
 /// The name of a wrapper's icon, without its extension.
 inline constexpr std::string_view wrapperIconName = "AppIcon";
 
-/// The name of a wrapper's executable.
-inline constexpr std::string_view wrapperExecutableName = "runner";
-
 /// The file name of the module that shows web clones, installed or in a wrapper.
 inline constexpr std::string_view webHostModule = "quorvel-web-host.so";
 

@@ -1,5 +1,6 @@
 #include "LaunchKit/Wrappers/WrapperPropertyList.h"
 
+#include "Base/CloneLayout.h"
 #include "Base/Text.h"
 #include "LaunchKit/Wrappers/WrapperLayout.h"
 

@@ -14,7 +14,7 @@
 #include "Platform/files/FileReading.h"
 #include "Platform/files/FileSystem.h"
 #include "Platform/files/Folder.h"
-#include "Platform/files/ItemIdentity.h"
+#include "Platform/files/ItemRelation.h"
 #include "Platform/files/PlatformError.h"
 #include "Platform/files/PropertyListFile.h"
 #include "Platform/removal/ItemRemoval.h"
@@ -124,7 +124,7 @@ WrapperRevision::WrapperRevision(fs::path wrapper) : wrapper_(std::move(wrapper)
     if (!config) {
         throw Error("The clone at " + wrapper_.string() + " is not there any more.");
     }
-    if (Place(wrapper_).relationTo(config->resolvedHome()) != Relation::unrelated) {
+    if (ComparedItem(wrapper_).relationTo(config->resolvedHome()) != Relation::unrelated) {
         throw Error("The data folder of “" + config->displayName +
                     "” is inside the clone itself, so the clone can’t be changed.");
     }

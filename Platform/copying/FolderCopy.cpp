@@ -4,10 +4,10 @@
 #include "Platform/copying/ByteCopy.h"
 #include "Platform/copying/FileCloning.h"
 #include "Platform/copying/ItemCopy.h"
-#include "Platform/copying/VolumeTransfer.h"
 #include "Platform/files/Folder.h"
+#include "Platform/files/FolderWalk.h"
 #include "Platform/files/PlatformError.h"
-#include "Platform/removal/FolderWalk.h"
+#include "Platform/files/VolumeTransfer.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -88,19 +88,10 @@ FolderCopyReport FolderCopy::copyInto(int destination) {
 }
 
 void FolderCopy::fail(const std::string& path, int error) const {
-    const fs::path inside = path.ends_with('/') ? path.substr(0, path.size() - 1) : path;
-    const std::string where = inside.empty() ? "" : "“" + inside.string() + "” ";
-    switch (error) {
-    case EXDEV:
-        throw PlatformError::because(where + "is another file system", source_, "copied");
-    case EBUSY:
-        throw PlatformError::because(where + "changed while it was copied", source_, "copied");
-    case ECANCELED:
+    if (error == ECANCELED) {
         throw CopyCancelled();
-    default:
-        throw PlatformError::inside(std::error_code(error, std::generic_category()), inside,
-                                    source_, "copied");
     }
+    throw copyFailure(error, withoutTrailingSlashes(path), source_, "copied");
 }
 
 // Finds what makes a complete copy impossible before anything is copied.

@@ -3,7 +3,7 @@
 #include "Base/Error.h"
 #include "Platform/files/FileHandle.h"
 #include "Platform/files/ItemIdentity.h"
-#include "Platform/removal/MountBoundary.h"
+#include "Platform/files/MountBoundary.h"
 
 #include <atomic>
 #include <chrono>

@@ -1,10 +1,12 @@
 #include "Platform/copying/ItemCopy.h"
 
-#include "Platform/copying/ItemAttributes.h"
-#include "Platform/copying/VolumeTransfer.h"
 #include "Platform/files/FileReading.h"
+#include "Platform/files/ItemAttributes.h"
+#include "Platform/files/VolumeTransfer.h"
 
+#include <cerrno>
 #include <fcntl.h>
+#include <system_error>
 #include <tuple>
 #include <unistd.h>
 
@@ -32,6 +34,21 @@ std::optional<std::string> copyLinkIn(int from, int to, const char* name,
 
 bool isSameDate(const timespec& one, const timespec& other) {
     return one.tv_sec == other.tv_sec && one.tv_nsec == other.tv_nsec;
+}
+
+PlatformError copyFailure(int error, const std::filesystem::path& inside,
+                          const std::filesystem::path& item, const std::string& action) {
+    const std::filesystem::path below = inside == "." ? std::filesystem::path() : inside;
+    const std::string where = below.empty() ? "" : "“" + below.string() + "” ";
+    // The system's messages for these two would be misleading.
+    if (error == EXDEV) {
+        return PlatformError::because(where + "is another file system", item, action);
+    }
+    if (error == EBUSY) {
+        return PlatformError::because(where + "changed while it was copied", item, action);
+    }
+    return PlatformError::inside(std::error_code(error, std::generic_category()), below, item,
+                                 action);
 }
 
 } // namespace quorvel

@@ -1,8 +1,10 @@
 #pragma once
 
 #include "Platform/files/FileHandle.h"
+#include "Platform/files/PlatformError.h"
 
 #include <ctime>
+#include <filesystem>
 #include <optional>
 #include <string>
 #include <sys/stat.h>
@@ -26,5 +28,12 @@ namespace quorvel {
 
 /// Returns whether two dates are the same to the nanosecond.
 [[nodiscard]] bool isSameDate(const timespec& one, const timespec& other);
+
+/// Returns the error of copying `item` that failed with `error` at `inside`: a path relative to
+/// `item`, "." or empty for `item` itself. `action` is what `item` couldn't be, "copied" or
+/// "moved".
+[[nodiscard]] PlatformError copyFailure(int error, const std::filesystem::path& inside,
+                                        const std::filesystem::path& item,
+                                        const std::string& action);
 
 } // namespace quorvel

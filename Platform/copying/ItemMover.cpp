@@ -1,30 +1,27 @@
 #include "Platform/copying/ItemMover.h"
 
+#include "Base/HiddenNames.h"
 #include "Base/PathText.h"
 #include "Base/RandomUuid.h"
+#include "Platform/copying/ItemCopy.h"
 #include "Platform/copying/TreeComparison.h"
-#include "Platform/copying/VolumeTransfer.h"
 #include "Platform/files/FileHandle.h"
 #include "Platform/files/FileSystem.h"
 #include "Platform/files/PlatformError.h"
+#include "Platform/files/VolumeTransfer.h"
 #include "Platform/removal/FileRemoval.h"
 #include "Platform/staging/CheckedRename.h"
+#include "Platform/staging/FolderLock.h"
 
 #include <cerrno>
 #include <cstdio>
 #include <fcntl.h>
-#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 namespace quorvel {
 namespace fs = std::filesystem;
 namespace {
-
-// The names of the folders that a move across file systems creates: beside the copy and beside the
-// original while it is running, and beside the original once the copy is complete.
-constexpr std::string_view movingPrefix = ".quorvel-moving-";
-constexpr std::string_view movedPrefix = ".quorvel-moved-";
 
 void makeFolder(const fs::path& folder, const fs::path& source) {
     if (::mkdir(folder.c_str(), 0700) != 0) {
@@ -34,11 +31,6 @@ void makeFolder(const fs::path& folder, const fs::path& source) {
 
 FileHandle openFolder(const fs::path& folder) {
     return FileHandle(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
-}
-
-// Locks the folder until it is closed. On a file system without locks, no one can hold one.
-bool lock(const FileHandle& folder) {
-    return ::flock(folder.descriptor(), LOCK_EX | LOCK_NB) == 0 || errno != EWOULDBLOCK;
 }
 
 void removeIfThere(const fs::path& item) {
@@ -67,9 +59,8 @@ std::string onlyEntry(const fs::path& folder) {
 
 // Returns the identifier in such a folder's name.
 std::optional<std::string> idOf(std::string_view name) {
-    constexpr std::size_t length = 36;
     for (const std::string_view prefix : {movingPrefix, movedPrefix}) {
-        if (name.starts_with(prefix) && name.size() == prefix.size() + length) {
+        if (isHiddenName(name, prefix)) {
             return std::string(name.substr(prefix.size()));
         }
     }
@@ -141,7 +132,7 @@ void ItemMover::moveAcross(const fs::path& source, const fs::path& destination) 
     const fs::path staging = destination.parent_path() / beside.filename();
     makeFolder(beside, source);
     const FileHandle held = openFolder(beside);
-    (void)lock(held);
+    (void)lockFolder(held, WithoutLocks::isOurs);
     try {
         makeFolder(staging, source);
         const FileHandle from = openFolder(source.parent_path());
@@ -166,7 +157,7 @@ void ItemMover::moveAcross(const fs::path& source, const fs::path& destination) 
     };
     // The original can no longer be reached by its path, so it does not change any more.
     if (const auto changed = changeInside(beside, staging, name)) {
-        giveUp(changedWhileCopied(*changed, source));
+        giveUp(copyFailure(EBUSY, changed->lexically_relative(name), source, "moved"));
     }
     if (renameWhereFree(staging / name, destination) != 0) {
         giveUp(PlatformError::fromErrno(source, "moved"));
@@ -194,7 +185,7 @@ bool ItemMover::finish(const fs::path& leftover, const fs::path& destination,
     if (!id || held.descriptor() < 0) {
         throw PlatformError::fromErrno(leftover, "moved");
     }
-    if (!lock(held)) {
+    if (!lockFolder(held, WithoutLocks::isOurs)) {
         throw PlatformError::because("another program is moving it", leftover, "moved");
     }
     const fs::path staging = destination / std::string(movingPrefix).append(*id);

@@ -1,7 +1,7 @@
 #include "Platform/copying/TreeComparison.h"
 
-#include "Platform/copying/VolumeTransfer.h"
 #include "Platform/files/Folder.h"
+#include "Platform/files/VolumeTransfer.h"
 
 #include <algorithm>
 #include <array>
@@ -14,7 +14,7 @@ namespace fs = std::filesystem;
 namespace {
 
 // File systems round dates down, some to two seconds.
-bool isSameDate(const timespec& original, const timespec& copy) {
+bool isDateOfCopy(const timespec& copy, const timespec& original) {
     constexpr std::int64_t second = 1'000'000'000;
     constexpr std::array<std::int64_t, 7> steps{1,          100,    1000,      1'000'000,
                                                 10'000'000, second, 2 * second};
@@ -27,7 +27,7 @@ bool isSameDate(const timespec& original, const timespec& copy) {
 bool isSame(const struct stat& original, const struct stat& copy) {
     return (original.st_mode & S_IFMT) == (copy.st_mode & S_IFMT) &&
            (S_ISDIR(original.st_mode) || original.st_size == copy.st_size) &&
-           isSameDate(VolumeTransfer::datesIn(original)[1], VolumeTransfer::datesIn(copy)[1]);
+           isDateOfCopy(VolumeTransfer::datesIn(copy)[1], VolumeTransfer::datesIn(original)[1]);
 }
 
 std::optional<Folder> openFolder(int folder, const std::string& name) {
@@ -62,12 +62,6 @@ std::optional<fs::path> change(int originals, int copies, const std::string& nam
 
 std::optional<fs::path> changeSinceCopy(int originals, int copies, const std::string& name) {
     return change(originals, copies, name, name);
-}
-
-PlatformError changedWhileCopied(const fs::path& changed, const fs::path& item) {
-    const fs::path inside = changed.lexically_relative(*changed.begin());
-    const std::string where = inside == "." ? "" : "“" + inside.string() + "” ";
-    return PlatformError::because(where + "changed while it was copied", item, "moved");
 }
 
 } // namespace quorvel

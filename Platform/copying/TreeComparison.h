@@ -1,7 +1,5 @@
 #pragma once
 
-#include "Platform/files/PlatformError.h"
-
 #include <filesystem>
 #include <optional>
 #include <string>
@@ -13,10 +11,5 @@ namespace quorvel {
 /// first item that differs or can't be compared, or std::nullopt if there is none.
 [[nodiscard]] std::optional<std::filesystem::path> changeSinceCopy(int originals, int copies,
                                                                    const std::string& name);
-
-/// Returns the error for such a change in `item`. `changed` is relative to the folder that contains
-/// `item`.
-[[nodiscard]] PlatformError changedWhileCopied(const std::filesystem::path& changed,
-                                               const std::filesystem::path& item);
 
 } // namespace quorvel

@@ -1,13 +1,11 @@
 #include "Platform/copying/TreeCopy.h"
 
 #include "Platform/copying/ByteCopy.h"
-#include "Platform/copying/ItemAttributes.h"
 #include "Platform/copying/ItemCopy.h"
-#include "Platform/copying/TreeComparison.h"
-#include "Platform/copying/VolumeTransfer.h"
 #include "Platform/files/FileHandle.h"
 #include "Platform/files/Folder.h"
-#include "Platform/files/PlatformError.h"
+#include "Platform/files/ItemAttributes.h"
+#include "Platform/files/VolumeTransfer.h"
 
 #include <cerrno>
 #include <fcntl.h>
@@ -28,8 +26,8 @@ bool isUnchanged(int descriptor, const struct stat& before) {
     const auto then = VolumeTransfer::datesIn(before)[1];
     const auto date = VolumeTransfer::datesIn(now)[1];
     errno = EBUSY;
-    return now.st_dev == before.st_dev && now.st_ino == before.st_ino &&
-           now.st_size == before.st_size && isSameDate(date, then);
+    return identityOf(now) == identityOf(before) && now.st_size == before.st_size &&
+           isSameDate(date, then);
 }
 
 } // namespace
@@ -59,20 +57,8 @@ void TreeCopy::movedTo(const fs::path& path) {
 }
 
 void TreeCopy::fail(const Place& place, int error) const {
-    fs::path inside = place.inside.lexically_relative(*place.inside.begin());
-    if (inside == ".") {
-        inside.clear();
-    }
-    const std::string where = inside.empty() ? "" : "“" + inside.string() + "” ";
-    // The system's messages for these two would be misleading.
-    if (error == EXDEV) {
-        throw PlatformError::because(where + "is another file system", item_, "moved");
-    }
-    if (error == EBUSY) {
-        throw changedWhileCopied(place.inside, item_);
-    }
-    throw PlatformError::inside(std::error_code(error, std::generic_category()), inside, item_,
-                                "moved");
+    throw copyFailure(error, place.inside.lexically_relative(*place.inside.begin()), item_,
+                      "moved");
 }
 
 void TreeCopy::copyItem(const Place& place) {
@@ -159,7 +145,7 @@ void TreeCopy::copyNode(const Place& place, const struct stat& facts) {
 
 // The inode number alone is not enough: it may have been reused after the file was removed.
 bool TreeCopy::linkToCopy(const Place& place, const struct stat& facts) {
-    const Identity identity{facts.st_dev, facts.st_ino};
+    const ItemIdentity identity = identityOf(facts);
     const auto here = linked_.find(identity);
     const auto before = earlier_.find(identity);
     if (here == linked_.end() && before == earlier_.end()) {
@@ -171,7 +157,7 @@ bool TreeCopy::linkToCopy(const Place& place, const struct stat& facts) {
     const auto date = VolumeTransfer::datesIn(facts)[1];
     if (file.missing == 0 || file.size != facts.st_size || !isSameDate(file.dates[1], date) ||
         ::fstatat(folder, file.copy.c_str(), &copy, AT_SYMLINK_NOFOLLOW) != 0 ||
-        file.copied != Identity{copy.st_dev, copy.st_ino} ||
+        file.copied != identityOf(copy) ||
         ::linkat(folder, file.copy.c_str(), place.to, place.name.c_str(), 0) != 0) {
         return false;
     }
@@ -184,11 +170,11 @@ void TreeCopy::remember(const Place& place, const struct stat& facts, int copy) 
     if (facts.st_nlink < 2 || ::fstat(copy, &now) != 0) {
         return;
     }
-    linked_[{facts.st_dev, facts.st_ino}] = {.copy = place.inside,
-                                             .copied = {now.st_dev, now.st_ino},
-                                             .dates = VolumeTransfer::datesIn(facts),
-                                             .size = facts.st_size,
-                                             .missing = facts.st_nlink - 1};
+    linked_[identityOf(facts)] = {.copy = place.inside,
+                                  .copied = identityOf(now),
+                                  .dates = VolumeTransfer::datesIn(facts),
+                                  .size = facts.st_size,
+                                  .missing = facts.st_nlink - 1};
 }
 
 } // namespace quorvel

@@ -1,6 +1,7 @@
 #pragma once
 
-#include "Platform/removal/MountBoundary.h"
+#include "Platform/files/ItemIdentity.h"
+#include "Platform/files/MountBoundary.h"
 
 #include <array>
 #include <ctime>
@@ -8,7 +9,6 @@
 #include <map>
 #include <string>
 #include <sys/stat.h>
-#include <utility>
 
 namespace quorvel {
 
@@ -27,12 +27,10 @@ public:
     void movedTo(const std::filesystem::path& path);
 
 private:
-    using Identity = std::pair<dev_t, ino_t>;
-
     // A copied file that has, or had, further names.
     struct LinkedFile {
         std::filesystem::path copy{}; ///< below `to` until the copy is moved
-        Identity copied{};
+        ItemIdentity copied{};
         std::array<timespec, 2> dates{};
         off_t size = 0;
         nlink_t missing = 0; ///< names that have not been found yet
@@ -58,8 +56,8 @@ private:
     std::filesystem::path item_{};
     int root_ = -1;
     Mount mount_{};
-    std::map<Identity, LinkedFile> linked_{};  ///< of the copy being made
-    std::map<Identity, LinkedFile> earlier_{}; ///< of copies that were moved
+    std::map<ItemIdentity, LinkedFile> linked_{};  ///< of the copy being made
+    std::map<ItemIdentity, LinkedFile> earlier_{}; ///< of copies that were moved
 };
 
 } // namespace quorvel

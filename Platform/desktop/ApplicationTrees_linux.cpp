@@ -1,10 +1,9 @@
 #include "Platform/desktop/ApplicationTrees_linux.h"
 
-#include "Platform/files/FileReading.h"
+#include "Platform/processes/LockWaiters_linux.h"
 #include "Platform/processes/ProcessStat_linux.h"
 
 #include <algorithm>
-#include <charconv>
 #include <map>
 
 namespace quorvel {
@@ -58,26 +57,6 @@ void keep(std::vector<RunningApplication>& processes, const Bundles& kept) {
 
 } // namespace
 
-std::set<pid_t> lockWaiters(std::string_view locks) {
-    std::set<pid_t> waiters;
-    while (!locks.empty()) {
-        const std::size_t end = std::min(locks.find('\n'), locks.size());
-        const std::string_view line = locks.substr(0, end);
-        locks.remove_prefix(std::min(end + 1, locks.size()));
-        // 7: -> FLOCK  ADVISORY  WRITE 4711 fe:01:1234 0 EOF
-        std::size_t at = line.find("-> ");
-        for (int word = 0; word < 4 && at != std::string_view::npos; ++word) {
-            at = line.find_first_not_of(' ', line.find(' ', at));
-        }
-        pid_t pid = 0;
-        if (at != std::string_view::npos &&
-            std::from_chars(line.data() + at, line.data() + line.size(), pid).ec == std::errc{}) {
-            waiters.insert(pid);
-        }
-    }
-    return waiters;
-}
-
 std::vector<RunningApplication> onePerApplication(std::vector<RunningApplication> processes) {
     Bundles bundles = bundlesWithSeveral(processes);
     Parents parents;
@@ -88,10 +67,8 @@ std::vector<RunningApplication> onePerApplication(std::vector<RunningApplication
     keep(processes, bundles);
 
     bundles = bundlesWithSeveral(processes);
-    constexpr std::size_t limit = std::size_t{16} << 20U;
-    const auto locks = bundles.empty() ? std::nullopt : readFile("/proc/locks", limit);
-    if (locks) {
-        const std::set<pid_t> waiters = lockWaiters(*locks);
+    if (!bundles.empty()) {
+        const std::set<pid_t> waiters = processesWaitingForLocks();
         for (auto& [bundle, members] : bundles) {
             const pid_t first = *members.begin();
             std::erase_if(members, [&](pid_t pid) { return waiters.contains(pid); });

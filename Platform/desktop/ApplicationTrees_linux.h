@@ -2,8 +2,6 @@
 
 #include "Platform/desktop/RunningApplications.h"
 
-#include <set>
-#include <string_view>
 #include <vector>
 
 namespace quorvel {
@@ -13,8 +11,5 @@ namespace quorvel {
 /// they have not started up. At least one process of each bundle is kept.
 [[nodiscard]] std::vector<RunningApplication>
 onePerApplication(std::vector<RunningApplication> processes);
-
-/// Returns the processes that wait for a lock according to `locks`, the contents of /proc/locks.
-[[nodiscard]] std::set<pid_t> lockWaiters(std::string_view locks);
 
 } // namespace quorvel

@@ -1,10 +1,10 @@
 #include "Platform/desktop/ColorScheme.h"
 
 #include "Platform/desktop/ColorScheme_linux.h"
+#include "Platform/homes/SessionBusAddress.h"
 
 #include <QDBusConnection>
 #include <QDBusMessage>
-#include <QFile>
 
 namespace quorvel {
 namespace {
@@ -33,17 +33,10 @@ std::optional<ColorScheme> schemeFrom(const QVariant& value) {
     return number == 1 ? ColorScheme::dark : ColorScheme::light;
 }
 
-// Looks where libdbus does, which would start a new bus if there is none.
-bool hasSessionBus() {
-    const QByteArray runtime = qgetenv("XDG_RUNTIME_DIR");
-    return !qEnvironmentVariableIsEmpty("DBUS_SESSION_BUS_ADDRESS") ||
-           (!runtime.isEmpty() && QFile::exists(QFile::decodeName(runtime + "/bus")));
-}
-
 } // namespace
 
 PortalColorScheme::PortalColorScheme(std::function<void()> changed) : changed_(std::move(changed)) {
-    if (!hasSessionBus()) {
+    if (!sessionBusAddress(currentEnvironment())) {
         return;
     }
     QDBusConnection bus = QDBusConnection::sessionBus();

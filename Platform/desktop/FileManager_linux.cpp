@@ -1,6 +1,7 @@
 #include "Platform/desktop/FileManager_linux.h"
 
 #include "Platform/files/PlatformError.h"
+#include "Platform/homes/SessionBusAddress.h"
 
 #include <QtCore/QByteArray>
 #include <QtCore/QStringList>
@@ -19,18 +20,25 @@ QString fileAddress(const std::filesystem::path& item) {
     return QStringLiteral("file://") + QString::fromLatin1(path.toPercentEncoding("/"));
 }
 
-} // namespace
-
-void showInFileManager(const std::filesystem::path& item) {
+// Returns whether a file manager replied.
+bool isShown(const std::filesystem::path& item) {
+    if (!sessionBusAddress(currentEnvironment())) {
+        return false;
+    }
     QDBusMessage call = QDBusMessage::createMethodCall(
         QStringLiteral("org.freedesktop.FileManager1"),
         QStringLiteral("/org/freedesktop/FileManager1"),
         QStringLiteral("org.freedesktop.FileManager1"), QStringLiteral("ShowItems"));
     call << QStringList{fileAddress(item)} << QString();
     constexpr int timeoutMilliseconds = 5000;
-    const QDBusMessage reply =
-        QDBusConnection::sessionBus().call(call, QDBus::Block, timeoutMilliseconds);
-    if (reply.type() != QDBusMessage::ReplyMessage) {
+    return QDBusConnection::sessionBus().call(call, QDBus::Block, timeoutMilliseconds).type() ==
+           QDBusMessage::ReplyMessage;
+}
+
+} // namespace
+
+void showInFileManager(const std::filesystem::path& item) {
+    if (!isShown(item)) {
         throw PlatformError(std::make_error_code(std::errc::not_supported), item,
                             "shown in the file manager");
     }

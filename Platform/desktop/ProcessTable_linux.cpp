@@ -6,9 +6,9 @@
 #include "Platform/files/FileHandle.h"
 #include "Platform/files/PropertyListFile.h"
 #include "Platform/processes/ProcessStat_linux.h"
+#include "Platform/programs/LauncherScript.h"
 
 #include <algorithm>
-#include <cctype>
 #include <chrono>
 #include <fcntl.h>
 #include <optional>
@@ -50,17 +50,6 @@ std::optional<std::string> scriptArgument(const std::string& commandLine) {
     return std::nullopt;
 }
 
-std::string nextWord(std::string_view& line) {
-    const auto isSpace = [](char c) { return c == ' ' || c == '\t'; };
-    line.remove_prefix(std::min(
-        line.size(), static_cast<std::size_t>(std::distance(
-                         line.begin(), std::find_if_not(line.begin(), line.end(), isSpace)))));
-    const auto end = std::find_if(line.begin(), line.end(), isSpace);
-    std::string word(line.begin(), end);
-    line.remove_prefix(word.size());
-    return word;
-}
-
 // Whether the script's first line names the executable. A program that only has the script's path
 // as an argument, such as an editor, does not run it.
 bool isInterpreterOf(const fs::path& script, const std::string& executable,
@@ -69,18 +58,7 @@ bool isInterpreterOf(const fs::path& script, const std::string& executable,
     if (!fs::is_regular_file(script, ignored)) {
         return false;
     }
-    const std::string head = readStart(script);
-    std::string_view line = head;
-    if (!line.starts_with("#!")) {
-        return false;
-    }
-    line = line.substr(2, line.find('\n') - 2);
-    std::string interpreter = nextWord(line);
-    if (fs::path(interpreter).filename() == "env") {
-        do {
-            interpreter = nextWord(line);
-        } while (interpreter.starts_with('-') || interpreter.find('=') != std::string::npos);
-    }
+    const std::string interpreter = interpreterOf(readStart(script));
     if (interpreter.find('/') != std::string::npos) {
         return fs::canonical(interpreter, ignored).native() == executable;
     }
@@ -113,8 +91,8 @@ std::string bundleOfScript(const std::string& process, const std::string& execut
 void awaitCommandLine(pid_t pid) {
     constexpr int patience = 1000;
     const std::string process = "/proc/" + std::to_string(pid);
-    for (int waited = 0; waited < patience && !readLink(process + "/exe").empty() &&
-                         readStart(process + "/cmdline").empty();
+    for (int waited = 0;
+         waited < patience && !programOf(pid).empty() && readStart(process + "/cmdline").empty();
          ++waited) {
         std::this_thread::sleep_for(std::chrono::milliseconds(1));
     }
@@ -145,7 +123,7 @@ std::vector<RunningApplication> ProcessTable::applications() {
     std::vector<RunningApplication> found;
     for (const pid_t pid : allProcesses()) {
         const std::string process = "/proc/" + std::to_string(pid);
-        const std::string executable = readLink(process + "/exe");
+        const std::string executable = programOf(pid);
         if (executable.empty()) {
             continue;
         }

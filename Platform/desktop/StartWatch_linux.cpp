@@ -1,6 +1,6 @@
 #include "Platform/desktop/StartWatch_linux.h"
 
-#include "Platform/processes/StartReport.h"
+#include "Base/CloneLayout.h"
 
 #include <cerrno>
 #include <csignal>
@@ -11,16 +11,8 @@
 namespace quorvel {
 namespace {
 
-using std::chrono::milliseconds;
-
-// The name of the runner in every clone's wrapper.
-constexpr std::string_view runnerName = "runner";
-
-constexpr milliseconds oldRunnerTimeout{1000};
-constexpr milliseconds timeout{30'000};
-
 // A process closes its files slightly before it can be waited for.
-constexpr milliseconds exitTimeout{1000};
+constexpr std::chrono::seconds exitTimeout{1};
 
 // Whether that status indicates a crash or a program that could not be run.
 bool indicatesFailure(int status) {
@@ -62,8 +54,7 @@ std::optional<PlatformError> failureAtEnd(Process& process, bool announced,
 
 std::optional<PlatformError> failureOf(StartedProgram& program, int wake,
                                        const std::filesystem::path& bundle) {
-    const StartOutcome outcome =
-        readStartReport(program.reports.descriptor(), wake, oldRunnerTimeout, timeout);
+    const StartOutcome outcome = outcomeOf(program, wake);
     switch (outcome.kind) {
     case StartOutcome::Case::failed:
         return PlatformError::withDescription(outcome.sentence, bundle);
@@ -84,7 +75,7 @@ StartedProgram startProgram(const std::filesystem::path& executable, const Envir
     options.environment = variables;
     options.environment->merge(currentEnvironment());
     options.directory = "/"; // as a desktop does; our folder may be removed
-    if (executable.filename() == runnerName) {
+    if (executable.filename() == wrapperExecutableName) {
         return startReporting(options);
     }
     options.standardOutput = Process::Discard{};
@@ -94,13 +85,11 @@ StartedProgram startProgram(const std::filesystem::path& executable, const Envir
 }
 
 bool startAndWait(const std::filesystem::path& executable, const Environment& variables) {
-    constexpr int neverWoken = -1;
-    if (executable.filename() != runnerName) {
+    if (executable.filename() != wrapperExecutableName) {
         return false;
     }
     StartedProgram program = startProgram(executable, variables);
-    const StartOutcome outcome =
-        readStartReport(program.reports.descriptor(), neverWoken, oldRunnerTimeout, timeout);
+    const StartOutcome outcome = outcomeOf(program);
     program.process.detach();
     return outcome.kind == StartOutcome::Case::started;
 }

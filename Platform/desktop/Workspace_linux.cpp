@@ -7,7 +7,7 @@
 #include "Platform/desktop/ProcessTable_linux.h"
 #include "Platform/desktop/StartWatch_linux.h"
 #include "Platform/entries/MenuEntry.h"
-#include "Platform/files/FileHandle.h"
+#include "Platform/files/FileLock.h"
 #include "Platform/files/PlatformError.h"
 #include "Platform/files/PropertyListFile.h"
 #include "Platform/processes/FocusRequest.h"
@@ -16,20 +16,14 @@
 #include "Platform/processes/ProcessStat_linux.h"
 #include "Platform/windows/WindowActivation_linux.h"
 
-#include <cerrno>
 #include <cstdio>
-#include <fcntl.h>
-#include <sys/file.h>
 #include <sys/utsname.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <chrono>
-#include <ctime>
 #include <future>
 #include <mutex>
 #include <system_error>
-#include <thread>
 #include <vector>
 
 namespace quorvel {
@@ -47,30 +41,21 @@ std::filesystem::path executableIn(const std::filesystem::path& bundle) {
 
 // Serializes concurrent opens of a bundle, also by other programs, so that only one of them starts
 // it. No open takes longer than the limit: a lock that is held longer is not an open in progress.
-FileHandle lockBundle(const std::filesystem::path& bundle) {
-    constexpr std::chrono::milliseconds limit{2000};
-    constexpr std::chrono::milliseconds nap{5};
-    FileHandle folder(::open(bundle.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-    const auto deadline = std::chrono::steady_clock::now() + limit;
-    while (::flock(folder.descriptor(), LOCK_EX | LOCK_NB) != 0 &&
-           (errno == EWOULDBLOCK || errno == EINTR) &&
-           std::chrono::steady_clock::now() < deadline) {
-        std::this_thread::sleep_for(nap);
+std::optional<FileLock> lockBundle(const std::filesystem::path& bundle) {
+    constexpr std::chrono::seconds limit{2};
+    try {
+        return FileLock::takeFolder(bundle, limit);
+    } catch (const PlatformError&) {
+        return std::nullopt; // the file system has no locks, or what is opened next says why
     }
-    return folder;
 }
 
 // The window of an application that was started this recently comes to the front by itself.
-constexpr double startsWithin = 10; // seconds
+constexpr std::chrono::seconds startsWithin{10};
 
 bool hasJustStarted(pid_t process) {
-    timespec now{};
     const auto stat = processStat(process);
-    ::clock_gettime(CLOCK_BOOTTIME, &now);
-    return stat &&
-           static_cast<double>(now.tv_sec) - static_cast<double>(stat->started) /
-                                                 static_cast<double>(::sysconf(_SC_CLK_TCK)) <
-               startsWithin;
+    return stat && ageOf(*stat) < startsWithin;
 }
 
 // Returns the class by which the desktop matches a clone's windows to its menu entry; empty for any
@@ -140,7 +125,7 @@ public:
         std::optional<PlatformError> error;
         try {
             const std::string token = activates && tokens_ ? tokens_() : std::string();
-            const FileHandle lock = lockBundle(bundle);
+            const std::optional<FileLock> lock = lockBundle(bundle);
             const std::optional<pid_t> running = runningProcess(bundle);
             if (running && activates) {
                 activate({*running, bundle, token}, completion);

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "Base/Error.h"
-#include "Platform/processes/Process.h"
+#include "Platform/processes/Environment.h"
 
 #include <string>
 #include <string_view>

@@ -98,11 +98,11 @@ std::vector<std::string> defaultHandlersIn(std::string_view list, std::string_vi
     return handlersIn(linesOf(list), mimeType);
 }
 
-std::string preferringHandler(std::string_view list, std::span<const std::string_view> mimeTypes,
+std::string preferringHandler(std::string_view list, std::span<const std::string> mimeTypes,
                               std::string_view id) {
     const std::vector<Line> lines = linesOf(list);
     std::string ours;
-    for (const std::string_view type : mimeTypes) {
+    for (const std::string& type : mimeTypes) {
         std::vector<std::string> ids{std::string(id)};
         for (const std::string& other : handlersIn(lines, type)) {
             addIds(other, ids);

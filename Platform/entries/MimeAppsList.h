@@ -23,7 +23,7 @@ inline constexpr std::string_view commonMimeAppsList = "mimeapps.list";
 /// Returns the list with `id` in front of the default applications of these types. Other lines stay
 /// as they are, byte for byte.
 [[nodiscard]] std::string preferringHandler(std::string_view list,
-                                            std::span<const std::string_view> mimeTypes,
+                                            std::span<const std::string> mimeTypes,
                                             std::string_view id);
 
 /// Returns the list without `id` among the default applications of any type. Other lines stay as

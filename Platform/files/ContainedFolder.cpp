@@ -1,7 +1,7 @@
 #include "Platform/files/ContainedFolder.h"
 
+#include "Base/HiddenNames.h"
 #include "Base/PathText.h"
-#include "Base/RandomUuid.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -57,7 +57,7 @@ bool replaceBelow(const std::filesystem::path& base, std::string_view path, cons
     }
     // A slash at its end makes the base itself a folder below it.
     const FileHandle folder = openFolderBelow(base, path.substr(0, slash + 1));
-    const std::string beside = ".quorvel-" + randomUuid();
+    const std::string beside = newHiddenName(unfinishedPrefix);
     if (folder.descriptor() < 0 || !make(folder.descriptor(), beside.c_str())) {
         return false;
     }

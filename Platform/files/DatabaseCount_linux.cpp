@@ -12,25 +12,27 @@ namespace quorvel {
 namespace fs = std::filesystem;
 namespace {
 
-// The files of a database, which SQLite may add to.
-constexpr std::array<const char*, 4> parts{"", "-wal", "-journal", "-shm"};
+constexpr std::array<const char*, 3> copiedParts{"", "-wal", "-journal"};
+constexpr std::array<const char*, 4> allParts{"", "-wal", "-journal", "-shm"};
 
-// A copy of a database, with its journals.
+// A copy of a database, with its journals. All its files are removed with the object.
 class DatabaseCopy {
 public:
-    DatabaseCopy(const fs::path& database, const fs::path& scratch) : file_(scratch / "database") {
-        for (const char* end : {"", "-wal", "-journal"}) {
+    explicit DatabaseCopy(const fs::path& scratch) : file_(scratch / "database") {}
+    DatabaseCopy(const DatabaseCopy&) = delete;
+    DatabaseCopy& operator=(const DatabaseCopy&) = delete;
+    ~DatabaseCopy() {
+        for (const char* end : allParts) {
+            (void)::unlink((file_.native() + end).c_str());
+        }
+    }
+
+    void fillFrom(const fs::path& database) const {
+        for (const char* end : copiedParts) {
             const fs::path part = database.native() + end;
             if (*end == '\0' || itemExists(part)) {
                 copyFile(part, file_.native() + end);
             }
-        }
-    }
-    DatabaseCopy(const DatabaseCopy&) = delete;
-    DatabaseCopy& operator=(const DatabaseCopy&) = delete;
-    ~DatabaseCopy() {
-        for (const char* end : parts) {
-            (void)::unlink((file_.native() + end).c_str());
         }
     }
 
@@ -39,6 +41,20 @@ public:
 private:
     fs::path file_;
 };
+
+// Returns 0 if there is no database.
+std::uintmax_t bytesOf(const fs::path& database) {
+    std::uintmax_t total = 0;
+    for (const char* end : copiedParts) {
+        std::error_code code;
+        const std::uintmax_t size = fs::file_size(database.native() + end, code);
+        if (*end == '\0' && code) {
+            return 0;
+        }
+        total += code ? 0 : size;
+    }
+    return total;
+}
 
 std::optional<std::size_t> answer(sqlite3* database, const char* query) {
     sqlite3_stmt* prepared = nullptr;
@@ -57,13 +73,13 @@ std::optional<std::size_t> answer(sqlite3* database, const char* query) {
 std::optional<std::size_t> countInDatabase(const fs::path& database, const fs::path& scratch,
                                            const char* query) {
     constexpr std::uintmax_t largest = std::uintmax_t{256} << 20U;
-    std::error_code code;
-    const std::uintmax_t size = fs::file_size(database, code);
-    if (code || size == 0 || size > largest) {
+    const std::uintmax_t size = bytesOf(database);
+    if (size == 0 || size > largest) {
         return std::nullopt;
     }
     try {
-        const DatabaseCopy copy(database, scratch);
+        const DatabaseCopy copy(scratch);
+        copy.fillFrom(database);
         sqlite3* opened = nullptr;
         const int status =
             sqlite3_open_v2(copy.file().c_str(), &opened, SQLITE_OPEN_READWRITE, nullptr);

@@ -1,10 +1,10 @@
 #include "Platform/files/FileWriting.h"
 
+#include "Base/HiddenNames.h"
 #include "Base/PathText.h"
-#include "Base/RandomUuid.h"
-#include "Platform/copying/ItemAttributes.h"
 #include "Platform/files/FileHandle.h"
 #include "Platform/files/FileSystem.h"
+#include "Platform/files/ItemAttributes.h"
 #include "Platform/files/PlatformError.h"
 
 #include <cerrno>
@@ -45,10 +45,8 @@ private:
     bool kept_ = false;
 };
 
-constexpr std::string_view temporaryPrefix = ".quorvel-";
-
 fs::path temporaryBeside(const fs::path& path) {
-    return path.parent_path() / (std::string(temporaryPrefix) + randomUuid());
+    return path.parent_path() / newHiddenName(unfinishedPrefix);
 }
 
 bool writeNew(const FileHandle& file, const fs::path& path, std::string_view bytes) {
@@ -148,15 +146,13 @@ void writeWholeFile(const fs::path& path, std::string_view bytes, Flush flush) {
 
 void removeUnfinishedFiles(const fs::path& folder) {
     const auto before = fs::file_time_type::clock::now() - std::chrono::minutes(1);
-    const std::size_t length = temporaryPrefix.size() + randomUuid().size();
     for (const std::string& name : directoryEntries(folder).value_or(std::vector<std::string>())) {
         const fs::path file = folder / name;
         struct stat facts {};
         std::error_code code;
         // A younger one may be another program's, which is about to rename it.
-        if (name.starts_with(temporaryPrefix) && name.size() == length &&
-            ::lstat(file.c_str(), &facts) == 0 && S_ISREG(facts.st_mode) &&
-            fs::last_write_time(file, code) < before && !code) {
+        if (isHiddenName(name, unfinishedPrefix) && ::lstat(file.c_str(), &facts) == 0 &&
+            S_ISREG(facts.st_mode) && fs::last_write_time(file, code) < before && !code) {
             (void)::unlink(file.c_str());
         }
     }

@@ -151,8 +151,8 @@ std::string javaOption(std::string_view name, const std::string& value) {
 
 std::string javaOptions(const Environment& session, const std::string& home,
                         const std::string& temporary) {
-    const auto present = session.find("JAVA_TOOL_OPTIONS");
-    std::string options = present == session.end() ? "" : present->second + " ";
+    const std::string present = valueOf(session, "JAVA_TOOL_OPTIONS");
+    std::string options = present.empty() ? "" : present + " ";
     options += javaOption("user.home", home);
     return temporary.empty() ? options : options + " " + javaOption("java.io.tmpdir", temporary);
 }
@@ -172,9 +172,7 @@ Environment isolatedEnvironment(const std::string& home, const Environment& sess
     for (const UserDataFolder& folder : userDataFolders) {
         set[folder.variable] = home + "/" + folder.usual;
     }
-    const auto authority = session.find("XAUTHORITY");
-    if ((authority == session.end() || authority->second.empty()) &&
-        itemExists(realHome + "/.Xauthority")) {
+    if (valueOf(session, "XAUTHORITY").empty() && itemExists(realHome + "/.Xauthority")) {
         // X clients look for it in HOME otherwise.
         set["XAUTHORITY"] = realHome + "/.Xauthority";
     }
@@ -185,10 +183,9 @@ Environment isolatedEnvironment(const std::string& home, const Environment& sess
     const std::string sessionData = xdgDataHome();
     const std::string data = sessionDataFolder(home, sessionData);
     if (!data.empty()) {
-        const auto folders = session.find("XDG_DATA_DIRS");
-        const bool given = folders != session.end() && !folders->second.empty();
+        const std::string folders = valueOf(session, "XDG_DATA_DIRS");
         set["XDG_DATA_DIRS"] =
-            data + ":" + (given ? folders->second : std::string(defaultXdgDataDirs));
+            data + ":" + (folders.empty() ? std::string(defaultXdgDataDirs) : folders);
     }
     writeUserDirs(home, realHome, options);
     if (options.usesFlatpak) {

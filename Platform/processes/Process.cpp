@@ -1,6 +1,7 @@
 #include "Platform/processes/Process.h"
 
 #include "Base/PathText.h"
+#include "Platform/processes/Pipe.h"
 #include "Platform/processes/ProcessSpawning.h"
 
 #include <algorithm>
@@ -137,18 +138,6 @@ int waitFor(pid_t pid) {
 
 } // namespace
 
-Environment currentEnvironment() {
-    Environment result;
-    for (char** entry = ProcessSpawning::environmentBlock(); *entry != nullptr; ++entry) {
-        const std::string_view text = *entry;
-        const std::size_t equals = text.find('=');
-        if (equals != std::string_view::npos) {
-            result.emplace(text.substr(0, equals), text.substr(equals + 1));
-        }
-    }
-    return result;
-}
-
 pid_t ownPid() {
     return ::getpid();
 }
@@ -205,24 +194,17 @@ Process Process::run(const Options& options) {
 }
 
 std::string Process::capture(Options options, std::size_t limit) {
-    int ends[2];
-    if (::pipe(ends) != 0) {
-        throw PlatformError::fromErrno(options.executable, "started");
-    }
-    const FileHandle reading(ends[0]);
-    std::optional<FileHandle> writing(std::in_place, ends[1]);
-    ::fcntl(ends[0], F_SETFD, FD_CLOEXEC);
-    ::fcntl(ends[1], F_SETFD, FD_CLOEXEC);
-    options.standardOutput = ToFile{ends[1]};
+    Pipe pipe = openPipe(options.executable, "started");
+    options.standardOutput = ToFile{pipe.writing.descriptor()};
     options.standardError = Discard{};
     Process process = run(options);
-    writing.reset();
+    pipe.writing = FileHandle(-1); // only the child's is left
 
     // Read while it runs: otherwise a full pipe would block it.
     std::string output;
     char chunk[4096];
     while (true) {
-        const ssize_t count = ::read(reading.descriptor(), chunk, sizeof chunk);
+        const ssize_t count = ::read(pipe.reading.descriptor(), chunk, sizeof chunk);
         if (count < 0 && errno == EINTR) {
             continue;
         }

@@ -2,10 +2,10 @@
 
 #include "Platform/files/FileHandle.h"
 #include "Platform/files/PlatformError.h"
+#include "Platform/processes/Environment.h"
 
 #include <chrono>
 #include <filesystem>
-#include <map>
 #include <optional>
 #include <string>
 #include <sys/types.h>
@@ -13,11 +13,6 @@
 #include <vector>
 
 namespace quorvel {
-
-using Environment = std::map<std::string, std::string>;
-
-/// Returns the current environment of this process.
-[[nodiscard]] Environment currentEnvironment();
 
 /// Returns the number of this process.
 [[nodiscard]] pid_t ownPid();

@@ -149,9 +149,8 @@ std::vector<ProcessIdentity> processesWithHome(const std::string& home) {
 std::vector<ProcessIdentity> processesOf(const std::filesystem::path& program) {
     const std::string bundle = bundleOfExecutable(program.native());
     return processesWhere([&](pid_t pid) {
-        char file[4096];
-        const ssize_t length = ::readlink(placeInProc(pid, "exe").c_str(), file, sizeof file);
-        std::string_view path(file, length < 0 ? 0 : static_cast<std::size_t>(length));
+        const std::string file = programOf(pid);
+        std::string_view path = file;
         constexpr std::string_view removed = " (deleted)";
         if (path == program.native()) {
             return true;
@@ -191,17 +190,11 @@ std::vector<ProcessIdentity> processesKeeping(const std::filesystem::path& item)
 }
 
 bool isRunningSince(pid_t pid, std::time_t date) {
-    constexpr std::time_t inaccuracy = 2;
+    constexpr std::chrono::seconds inaccuracy{2};
     const auto stat = processStat(pid);
-    timespec sinceStart{};
-    timespec now{};
-    if (!stat || hasEnded(*stat) || ::clock_gettime(CLOCK_BOOTTIME, &sinceStart) != 0 ||
-        ::clock_gettime(CLOCK_REALTIME, &now) != 0) {
-        return false;
-    }
-    const auto ticks = static_cast<std::uint64_t>(::sysconf(_SC_CLK_TCK));
-    const auto started = static_cast<std::time_t>(stat->started / ticks);
-    return now.tv_sec - sinceStart.tv_sec + started <= date + inaccuracy;
+    return stat && !hasEnded(*stat) &&
+           std::chrono::system_clock::now() - ageOf(*stat) <=
+               std::chrono::system_clock::from_time_t(date) + inaccuracy;
 }
 
 bool isRunning(const ProcessIdentity& process) {

@@ -1,18 +1,10 @@
 #include "Platform/processes/ProcessReplacement.h"
 
-#include <cstdlib>
+#include "Platform/files/PlatformError.h"
+
 #include <unistd.h>
 
 namespace quorvel {
-
-void replaceEnvironment(const Environment& environment) {
-    for (const auto& [name, value] : currentEnvironment()) {
-        ::unsetenv(name.c_str());
-    }
-    for (const auto& [name, value] : environment) {
-        ::setenv(name.c_str(), value.c_str(), 1);
-    }
-}
 
 void replaceProcess(const std::filesystem::path& program,
                     const std::vector<std::string>& arguments) {

@@ -4,9 +4,11 @@
 
 #include <algorithm>
 #include <charconv>
+#include <ctime>
 #include <dirent.h>
 #include <memory>
 #include <string_view>
+#include <unistd.h>
 
 namespace quorvel {
 namespace {
@@ -28,6 +30,11 @@ template<typename Number>
 bool readNumber(std::string_view word, Number& number) {
     const auto result = std::from_chars(word.data(), word.data() + word.size(), number);
     return result.ec == std::errc{} && result.ptr == word.data() + word.size();
+}
+
+std::chrono::milliseconds fromTicks(std::uint64_t ticks) {
+    const auto perSecond = static_cast<std::uint64_t>(::sysconf(_SC_CLK_TCK));
+    return std::chrono::milliseconds(ticks * 1000 / perSecond);
 }
 
 } // namespace
@@ -52,11 +59,26 @@ std::optional<ProcessStat> processStat(pid_t pid) {
     std::uint64_t inSystem = 0;
     const bool hasTimes =
         readNumber(nextWord(rest), inUser) && readNumber(nextWord(rest), inSystem);
-    stat.cpuTime = inUser + inSystem;
+    stat.cpuTime = fromTicks(inUser + inSystem);
     skipWords(rest, betweenTimesAndStart);
     const bool hasStart = readNumber(nextWord(rest), stat.started);
     stat.state = state.empty() ? '\0' : state.front();
     return hasParent && hasTimes && hasStart ? std::optional(stat) : std::nullopt;
+}
+
+std::chrono::milliseconds ageOf(const ProcessStat& stat) {
+    timespec now{};
+    ::clock_gettime(CLOCK_BOOTTIME, &now);
+    return std::chrono::duration_cast<std::chrono::milliseconds>(
+               std::chrono::seconds(now.tv_sec) + std::chrono::nanoseconds(now.tv_nsec)) -
+           fromTicks(stat.started);
+}
+
+std::string programOf(pid_t pid) {
+    char path[4096];
+    const std::string link = "/proc/" + std::to_string(pid) + "/exe";
+    const ssize_t length = ::readlink(link.c_str(), path, sizeof path);
+    return {path, length < 0 ? 0 : static_cast<std::size_t>(length)};
 }
 
 std::vector<pid_t> allProcesses() {

@@ -18,26 +18,6 @@ std::string_view baseName(std::string_view path) {
     return path.substr(path.rfind('/') + 1);
 }
 
-// "#!/usr/bin/env python3 -I" is run by "python3".
-std::string interpreterIn(std::string_view text) {
-    if (!text.starts_with("#!")) {
-        return {};
-    }
-    std::string_view line = text.substr(2, text.find('\n') - 2);
-    std::string_view name;
-    while (name.empty() || name == "env" || name.starts_with('-')) {
-        const std::size_t start = line.find_first_not_of(" \t\r");
-        if (start == std::string_view::npos) {
-            return {};
-        }
-        line.remove_prefix(start);
-        const std::size_t end = std::min(line.find_first_of(" \t\r"), line.size());
-        name = baseName(line.substr(0, end));
-        line.remove_prefix(end);
-    }
-    return std::string(name);
-}
-
 class ShellWords {
 public:
     explicit ShellWords(std::string_view text) : text_(text) {}
@@ -160,6 +140,26 @@ private:
 
 } // namespace
 
+std::string interpreterOf(std::string_view text) {
+    if (!text.starts_with("#!")) {
+        return {};
+    }
+    std::string_view line = text.substr(2, text.find('\n') - 2);
+    bool isNamedByEnv = false;
+    while (true) {
+        line.remove_prefix(std::min(line.find_first_not_of(" \t\r"), line.size()));
+        const std::string_view word = line.substr(0, line.find_first_of(" \t\r"));
+        line.remove_prefix(word.size());
+        const bool isForEnv =
+            isNamedByEnv && (word.starts_with('-') || word.find('=') != std::string_view::npos);
+        if (!word.empty() && baseName(word) == "env") {
+            isNamedByEnv = true;
+        } else if (!isForEnv) {
+            return std::string(word);
+        }
+    }
+}
+
 bool isPosixShell(std::string_view name) {
     constexpr std::array<std::string_view, 8> shells{"sh",   "ash", "bash", "busybox",
                                                      "dash", "ksh", "mksh", "zsh"};
@@ -167,7 +167,7 @@ bool isPosixShell(std::string_view name) {
 }
 
 LauncherScript LauncherScript::parse(std::string_view text) {
-    LauncherScript script{interpreterIn(text)};
+    LauncherScript script{std::string(baseName(interpreterOf(text)))};
     if (isPosixShell(script.interpreter)) {
         script.words = ShellWords(text).split();
     }

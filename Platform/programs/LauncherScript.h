@@ -6,6 +6,10 @@
 
 namespace quorvel {
 
+/// Returns the program that runs a script, as the first line names it: a path, or what `env` is
+/// told to look for, whose options and variables are skipped. Empty if the text is not a script.
+[[nodiscard]] std::string interpreterOf(std::string_view text);
+
 /// Returns whether a program of this name, without a folder, understands the shell's language.
 [[nodiscard]] bool isPosixShell(std::string_view name);
 

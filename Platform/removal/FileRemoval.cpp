@@ -1,6 +1,6 @@
 #include "Platform/removal/FileRemoval.h"
 
-#include "Platform/files/ItemIdentity.h"
+#include "Platform/files/ItemRelation.h"
 #include "Platform/files/PlatformError.h"
 #include "Platform/homes/UserPaths.h"
 #include "Platform/removal/ItemRemoval.h"
@@ -11,7 +11,7 @@ namespace quorvel {
 namespace fs = std::filesystem;
 
 bool holdsUserHome(const fs::path& path) {
-    const Place place(path);
+    const ComparedItem place(path);
     const std::vector<std::string> homes = UserPaths::allHomes();
     return std::any_of(homes.begin(), homes.end(), [&](const std::string& home) {
         return place.relationTo(home) != Relation::unrelated;

@@ -1,10 +1,10 @@
 #pragma once
 
 #include "Platform/files/FileHandle.h"
+#include "Platform/files/FolderWalk.h"
 #include "Platform/files/ItemIdentity.h"
+#include "Platform/files/MountBoundary.h"
 #include "Platform/files/PlatformError.h"
-#include "Platform/removal/FolderWalk.h"
-#include "Platform/removal/MountBoundary.h"
 
 #include <cstddef>
 #include <filesystem>

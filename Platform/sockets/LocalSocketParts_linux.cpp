@@ -1,6 +1,5 @@
 #include "Platform/sockets/LocalSocketParts.h"
 
-#include <algorithm>
 #include <cstring>
 #include <fcntl.h>
 #include <sys/socket.h>
@@ -12,14 +11,13 @@ const int sendingFlags = MSG_NOSIGNAL;
 // A socket's path has at most 107 bytes, and a home's may be longer.
 std::optional<Place> placeOf(const std::filesystem::path& folder, const std::string& name) {
     Place place{FileHandle(::open(folder.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC)), {}};
-    if (place.folder.descriptor() < 0) {
-        return std::nullopt;
-    }
-    sockaddr_un& address = place.address;
-    address.sun_family = AF_UNIX;
     const std::string path =
         "/proc/self/fd/" + std::to_string(place.folder.descriptor()) + "/" + name;
-    std::memcpy(address.sun_path, path.data(), std::min(path.size(), sizeof address.sun_path - 1));
+    if (place.folder.descriptor() < 0 || path.size() >= sizeof place.address.sun_path) {
+        return std::nullopt;
+    }
+    place.address.sun_family = AF_UNIX;
+    std::memcpy(place.address.sun_path, path.data(), path.size());
     return place;
 }
 

@@ -10,13 +10,16 @@
 
 namespace quorvel {
 
+bool lockFolder(const FileHandle& folder, WithoutLocks otherwise) noexcept {
+    return ::flock(folder.descriptor(), LOCK_EX | LOCK_NB) == 0 ||
+           (errno != EWOULDBLOCK && otherwise == WithoutLocks::isOurs);
+}
+
 FileHandle lockedFolder(int parent, const char* name, WithoutLocks otherwise) {
     FileHandle folder(::openat(parent, name, O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
     struct stat opened {};
     struct stat named {};
-    const bool isOurs = folder.descriptor() >= 0 &&
-                        (::flock(folder.descriptor(), LOCK_EX | LOCK_NB) == 0 ||
-                         (errno != EWOULDBLOCK && otherwise == WithoutLocks::isOurs)) &&
+    const bool isOurs = folder.descriptor() >= 0 && lockFolder(folder, otherwise) &&
                         ::fstat(folder.descriptor(), &opened) == 0 &&
                         ::fstatat(parent, name, &named, AT_SYMLINK_NOFOLLOW) == 0 &&
                         identityOf(opened) == identityOf(named);

@@ -1,15 +1,14 @@
 #include "Platform/staging/StagedChange.h"
 
-#include "Base/BundleLayout.h"
+#include "Base/HiddenNames.h"
 #include "Base/PathText.h"
-#include "Base/RandomUuid.h"
 #include "Platform/files/FileReading.h"
 #include "Platform/files/FileSystem.h"
 #include "Platform/files/ItemIdentity.h"
+#include "Platform/files/MountBoundary.h"
 #include "Platform/files/PlatformError.h"
 #include "Platform/files/UnsupportedOperation.h"
 #include "Platform/removal/ItemRemoval.h"
-#include "Platform/removal/MountBoundary.h"
 #include "Platform/staging/CheckedRename.h"
 #include "Platform/staging/FolderLock.h"
 #include "Platform/staging/TreeFlush.h"
@@ -56,7 +55,7 @@ StagedChange::StagedChange(const fs::path& folder, Exchange exchange)
     // A cleanup may take the new folder for an abandoned one until it is locked.
     constexpr int attempts = 10;
     for (int attempt = 0; attempt < attempts; ++attempt) {
-        const std::string name = std::string(changeFolderPrefix) + randomUuid();
+        const std::string name = newHiddenName(changeFolderPrefix);
         if (::mkdirat(parent_.descriptor(), name.c_str(), 0700) != 0) {
             throw PlatformError::fromErrno(folder, "changed");
         }
@@ -228,9 +227,7 @@ void StagedChange::putBackDisplaced() const {
 }
 
 bool StagedChange::isHiddenFolder(std::string_view name) {
-    constexpr std::size_t uuidLength = 36;
-    return name.starts_with(changeFolderPrefix) &&
-           name.size() == changeFolderPrefix.size() + uuidLength;
+    return isHiddenName(name, changeFolderPrefix);
 }
 
 std::vector<StagedChange> StagedChange::interruptedIn(const fs::path& folder) {

@@ -1,13 +1,13 @@
 #include "Platform/staging/StagedFolder.h"
 
+#include "Base/HiddenNames.h"
 #include "Base/PathText.h"
-#include "Base/RandomUuid.h"
-#include "Platform/copying/VolumeTransfer.h"
 #include "Platform/files/FileSystem.h"
 #include "Platform/files/ItemIdentity.h"
+#include "Platform/files/MountBoundary.h"
 #include "Platform/files/PlatformError.h"
+#include "Platform/files/VolumeTransfer.h"
 #include "Platform/removal/FileRemoval.h"
-#include "Platform/removal/MountBoundary.h"
 #include "Platform/staging/CheckedRename.h"
 #include "Platform/staging/ExclusiveRename.h"
 #include "Platform/staging/FolderLock.h"
@@ -24,10 +24,8 @@ namespace quorvel {
 namespace fs = std::filesystem;
 namespace {
 
-constexpr std::string_view prefix = ".quorvel-copying-";
-
 fs::path temporaryName(const fs::path& parent) {
-    return joinAsText(parent, std::string(prefix) + randomUuid());
+    return joinAsText(parent, newHiddenName(copyingPrefix));
 }
 
 void removeQuietly(const fs::path& path) noexcept {
@@ -102,7 +100,7 @@ void StagedFolder::removeAbandoned(const fs::path& parent) noexcept {
         const auto names = directoryEntries(parent);
         for (const std::string& name : names ? *names : std::vector<std::string>()) {
             const fs::path path = joinAsText(parent, name);
-            if (name.starts_with(prefix) &&
+            if (isHiddenName(name, copyingPrefix) &&
                 lockedFolder(AT_FDCWD, path.c_str(), WithoutLocks::mayBeInUse).descriptor() >= 0) {
                 removeQuietly(path);
             }

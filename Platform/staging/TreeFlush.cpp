@@ -1,9 +1,9 @@
 #include "Platform/staging/TreeFlush.h"
 
 #include "Platform/files/FileHandle.h"
+#include "Platform/files/FolderWalk.h"
+#include "Platform/files/MountBoundary.h"
 #include "Platform/files/UnsupportedOperation.h"
-#include "Platform/removal/FolderWalk.h"
-#include "Platform/removal/MountBoundary.h"
 
 #include <cerrno>
 #include <fcntl.h>

@@ -1,6 +1,6 @@
 #include "Platform/statusitem/SessionBus_linux.h"
 
-#include "Platform/files/FileSystem.h"
+#include "Platform/homes/SessionBusAddress.h"
 
 #include <condition_variable>
 #include <cstdlib>
@@ -9,18 +9,6 @@
 
 namespace quorvel {
 namespace {
-
-constexpr const char* addressVariable = "DBUS_SESSION_BUS_ADDRESS";
-
-// Without the variable, libraries would start a bus that outlives this program.
-std::string busAddress() {
-    std::string named = textOf(std::getenv(addressVariable));
-    if (!named.empty()) {
-        return named;
-    }
-    const std::string usual = textOf(std::getenv("XDG_RUNTIME_DIR")) + "/bus";
-    return usual.starts_with('/') && itemExists(usual) ? "unix:path=" + usual : std::string();
-}
 
 // Cancels a connection that takes too long.
 class Deadline {
@@ -57,14 +45,14 @@ private:
 } // namespace
 
 ObjectRef<GDBusConnection> connectToSessionBus() {
-    const std::string address = busAddress();
-    if (address.empty()) {
+    const std::optional<std::string> address = sessionBusAddress(currentEnvironment());
+    if (!address) {
         return nullptr;
     }
-    ::setenv(addressVariable, address.c_str(), 1);
+    ::setenv(sessionBusVariable, address->c_str(), 1);
     const Deadline deadline;
     return ObjectRef<GDBusConnection>(g_dbus_connection_new_for_address_sync(
-        address.c_str(),
+        address->c_str(),
         static_cast<GDBusConnectionFlags>(G_DBUS_CONNECTION_FLAGS_AUTHENTICATION_CLIENT |
                                           G_DBUS_CONNECTION_FLAGS_MESSAGE_BUS_CONNECTION),
         nullptr, deadline.cancellable(), nullptr));

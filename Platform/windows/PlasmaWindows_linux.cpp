@@ -1,5 +1,7 @@
 #include "Platform/windows/PlasmaWindows_linux.h"
 
+#include "Platform/homes/SessionBusAddress.h"
+
 #include <QtCore/QCoreApplication>
 #include <QtCore/QDir>
 #include <QtCore/QStringList>
@@ -121,6 +123,9 @@ bool activateByScript(const WindowOwner& owner) {
 } // namespace
 
 bool activateInPlasma(const WindowOwner& owner) {
+    if (!sessionBusAddress(currentEnvironment())) {
+        return false;
+    }
     const QDBusConnection bus = QDBusConnection::sessionBus();
     if (!bus.isConnected() || !bus.interface()->isServiceRegistered(service)) {
         return false;

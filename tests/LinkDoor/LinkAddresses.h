@@ -56,6 +56,8 @@ inline std::vector<HostileAddress> hostileAddresses() {
         {start + "\u2028", "control characters"},
         {start + "\u202Egpj.exe", "control characters"},
         {start + "\u2066", "control characters"},
+        {start + "\u061C", "control characters"},
+        {start + "a\u200Fb", "control characters"},
         {start + "\xFF", "UTF-8"},
         {start + "\xED\xA0\x80", "UTF-8"},
         {"\u202Ehttp://good.test/", "control characters"},

@@ -2,6 +2,7 @@
 
 #include "LinkDoor/LinkSession.h"
 #include "Platform/files/FileSystem.h"
+#include "Platform/processes/Process.h"
 #include "tests/LinkDoor/LinkAddresses.h"
 #include "tests/support/TemporaryHome.h"
 #include "tests/support/UnprivilegedUser.h"

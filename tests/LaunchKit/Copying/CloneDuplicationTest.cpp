@@ -4,6 +4,7 @@
 #include "LaunchKit/Changes/CloneChange.h"
 #include "LaunchKit/Homes/HomeLock.h"
 #include "LaunchKit/Wrappers/WrapperLayout.h"
+#include "Platform/files/PlatformError.h"
 #include "Platform/files/PropertyListFile.h"
 #include "tests/support/AppBundles.h"
 #include "tests/support/EveryStep.h"

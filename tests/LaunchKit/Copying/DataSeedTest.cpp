@@ -1,6 +1,7 @@
 #include "LaunchKit/Copying/DataSeed.h"
 
 #include "LaunchKit/Copying/CloneWithData.h"
+#include "Platform/processes/Process.h"
 #include "tests/support/AppBundles.h"
 #include "tests/support/DesktopApps.h"
 #include "tests/support/Waiting.h"

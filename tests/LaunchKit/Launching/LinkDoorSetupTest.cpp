@@ -5,6 +5,7 @@
 #include "LinkDoor/LinkSession.h"
 #include "Platform/entries/DesktopEntry.h"
 #include "Platform/entries/MimeAppsList.h"
+#include "Platform/processes/Process.h"
 #include "tests/support/AppBundles.h"
 #include "tests/support/TemporaryHome.h"
 #include "tests/support/UnprivilegedUser.h"

@@ -2,6 +2,7 @@
 #include "Platform/desktop/ApplicationTrees_linux.h"
 
 #include "Platform/desktop/Workspace.h"
+#include "Platform/processes/LockWaiters_linux.h"
 #include "Platform/processes/Process.h"
 #include "Platform/processes/ProcessFamily.h"
 #include "tests/support/AppBundles.h"
@@ -17,8 +18,6 @@ namespace quorvel {
 namespace {
 
 using namespace testing;
-using ::testing::ElementsAre;
-using ::testing::IsEmpty;
 using ::testing::SizeIs;
 namespace fs = std::filesystem;
 
@@ -70,17 +69,6 @@ protected:
     std::vector<Process> started_{};
 };
 
-TEST_F(ApplicationTreesTest, LockWaitersAreMarkedByAnArrow) {
-    EXPECT_THAT(lockWaiters("1: POSIX  ADVISORY  READ  101 fe:01:8000 128 128\n"
-                            "2: FLOCK  ADVISORY  WRITE 102 00:19:77 0 EOF\n"
-                            "2: -> FLOCK  ADVISORY  WRITE 103 00:19:77 0 EOF\n"
-                            "2: -> POSIX  ADVISORY  READ  104 00:19:77 0 EOF\n"
-                            "2:  -> FLOCK  ADVISORY  WRITE 105 00:19:77 0 EOF"),
-                ElementsAre(103, 104, 105));
-    EXPECT_THAT(lockWaiters(""), IsEmpty());
-    EXPECT_THAT(lockWaiters("-> FLOCK\n-> \n->\n2: -> a b c d e\n\n"), IsEmpty());
-}
-
 TEST_F(ApplicationTreesTest, AnApplicationWithSeveralProcessesCountsOnceByItsTopmost) {
     const pid_t top = start(appWithHelper());
     ASSERT_TRUE(hasReported(2));
@@ -113,7 +101,7 @@ TEST_F(ApplicationTreesTest, AProcessThatWaitsForALockDoesNotCountIfAnotherHolds
     const pid_t holder = startLocking();
     ASSERT_TRUE(waitUntil([&] { return !descendantsOf(holder).empty(); }));
     const pid_t waiter = startLocking();
-    ASSERT_TRUE(waitUntil([&] { return lockWaiters(read("/proc/locks")).contains(waiter); }));
+    ASSERT_TRUE(waitUntil([&] { return processesWaitingForLocks().contains(waiter); }));
     auto found = ours();
     ASSERT_THAT(found, SizeIs(1));
     EXPECT_EQ(found[0].pid, holder);

@@ -89,5 +89,29 @@ TEST_F(FileManagerTest, IsAnErrorIfNoFileManagerReplies) {
     }
 }
 
+// Run by the test below, in a process that has no session bus.
+TEST(FileManagerTestAlone, DISABLED_NothingIsShownWithoutABus) {
+    EXPECT_THROW(makeSystemWorkspace()->reveal("/A/Work.app"), PlatformError);
+}
+
+TEST(FileManagerTestAlone, StartsNoBus) {
+    const TemporaryFolder folder;
+    const fs::path launcher = folder / "dbus-launch"; // by which libdbus starts one
+    write(launcher, "#!/bin/sh\n: >'" + (folder / "launched").string() + "'\nexit 1\n");
+    fs::permissions(launcher, fs::perms::owner_all);
+    Process::Options options;
+    options.executable = fs::read_symlink("/proc/self/exe");
+    options.arguments = {"--gtest_also_run_disabled_tests",
+                         "--gtest_filter=FileManagerTestAlone.DISABLED_*"};
+    options.environment = currentEnvironment();
+    options.environment->erase("DBUS_SESSION_BUS_ADDRESS");
+    (*options.environment)["XDG_RUNTIME_DIR"] = folder.path().string();
+    (*options.environment)["DISPLAY"] = ":4711";
+    (*options.environment)["PATH"] = folder.path().string();
+    options.standardOutput = Process::Discard{};
+    EXPECT_EQ(Process::run(options).waitUntilExit(), 0);
+    EXPECT_FALSE(fs::exists(folder / "launched"));
+}
+
 } // namespace
 } // namespace quorvel

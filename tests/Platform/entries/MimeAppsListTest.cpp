@@ -9,7 +9,7 @@ namespace {
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
-constexpr std::array<std::string_view, 2> types{"x-scheme-handler/http", "text/html"};
+const std::array<std::string, 2> types{"x-scheme-handler/http", "text/html"};
 const std::string ours = "x-scheme-handler/http=us.desktop;\ntext/html=us.desktop;\n";
 
 TEST(MimeAppsListTest, TheDefaultsOfATypeAreReadInTheirOrder) {

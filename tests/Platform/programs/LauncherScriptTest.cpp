@@ -18,6 +18,7 @@ TEST(LauncherScriptTest, KnowsWhatRunsIt) {
     EXPECT_EQ(LauncherScript::parse("#!/bin/sh\n").interpreter, "sh");
     EXPECT_EQ(LauncherScript::parse("#! /usr/bin/python3 -I\n").interpreter, "python3");
     EXPECT_EQ(LauncherScript::parse("#!/usr/bin/env -S python3 -I\n").interpreter, "python3");
+    EXPECT_EQ(LauncherScript::parse("#!/usr/bin/env -S A=b sh\n").interpreter, "sh");
     EXPECT_EQ(LauncherScript::parse("#!/bin/bash").interpreter, "bash");
     EXPECT_EQ(LauncherScript::parse("#!\n").interpreter, "");
     EXPECT_EQ(LauncherScript::parse("#!/usr/bin/env\n").interpreter, "");

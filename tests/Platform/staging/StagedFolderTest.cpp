@@ -82,10 +82,11 @@ TEST_F(StagedFolderTest, OnlyWhatIsAbandonedIsRemoved) {
         place().parent_path() / ".quorvel-copying-01234567-89ab-cdef-0123-456789abcdef";
     write(abandoned / "file", "");
     write(place().parent_path() / "other/file", "");
+    write(place().parent_path() / ".quorvel-copying-machines/file", "");
     StagedFolder::removeAbandoned(place().parent_path());
     EXPECT_TRUE(fs::exists(used.path()));
     EXPECT_FALSE(fs::exists(abandoned));
-    EXPECT_EQ(items(), 2U);
+    EXPECT_EQ(items(), 3U);
 }
 
 } // namespace

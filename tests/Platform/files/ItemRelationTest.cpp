@@ -1,4 +1,4 @@
-#include "Platform/files/ItemIdentity.h"
+#include "Platform/files/ItemRelation.h"
 
 #include "tests/support/TemporaryHome.h"
 
@@ -10,9 +10,9 @@ namespace {
 using namespace testing;
 namespace fs = std::filesystem;
 
-class ItemIdentityTest : public ::testing::Test {
+class ItemRelationTest : public ::testing::Test {
 protected:
-    ItemIdentityTest() {
+    ItemRelationTest() {
         fs::create_directories(at("a/b/c"));
         fs::create_directories(at("ab"));
     }
@@ -21,49 +21,49 @@ protected:
     TemporaryFolder folder_;
 };
 
-TEST_F(ItemIdentityTest, IsTheSameInEverySpelling) {
-    const Place place(at("a/b"));
+TEST_F(ItemRelationTest, IsTheSameInEverySpelling) {
+    const ComparedItem place(at("a/b"));
     for (const char* path : {"a/b", "a/b/", "a/./b", "a/b/.", "a/b/c/..", "ab/../a/b"}) {
         EXPECT_EQ(place.relationTo(at(path)), Relation::same) << path;
     }
 }
 
-TEST_F(ItemIdentityTest, IsAnAncestorOfItsContentsExistingOrNot) {
-    const Place place(at("a"));
+TEST_F(ItemRelationTest, IsAnAncestorOfItsContentsExistingOrNot) {
+    const ComparedItem place(at("a"));
     for (const char* path : {"a/b", "a/b/c/", "a/none", "a/none/deeper", "ab/../a/b"}) {
         EXPECT_EQ(place.relationTo(at(path)), Relation::ancestor) << path;
     }
 }
 
-TEST_F(ItemIdentityTest, IsUnrelatedToSiblingsAndParents) {
-    const Place place(at("a/b"));
+TEST_F(ItemRelationTest, IsUnrelatedToSiblingsAndParents) {
+    const ComparedItem place(at("a/b"));
     for (const char* path : {"a", "ab", "ab/b", "none", "a/bc", "", "/"}) {
         EXPECT_EQ(place.relationTo(at(path)), Relation::unrelated) << path;
     }
     EXPECT_EQ(place.relationTo(""), Relation::unrelated);
 }
 
-TEST_F(ItemIdentityTest, ResolvesLinksAtTheEndAndOnTheWay) {
+TEST_F(ItemRelationTest, ResolvesLinksAtTheEndAndOnTheWay) {
     fs::create_directory_symlink(at("a/b"), at("link"));
-    const Place place(at("a"));
+    const ComparedItem place(at("a"));
     EXPECT_EQ(place.relationTo(at("link")), Relation::ancestor);
     EXPECT_EQ(place.relationTo(at("link/c")), Relation::ancestor);
     EXPECT_EQ(place.relationTo(at("link/none")), Relation::ancestor);
-    EXPECT_EQ(Place(at("a/b")).relationTo(at("link")), Relation::same);
-    EXPECT_EQ(Place(at("link")).relationTo(at("a/b/c")), Relation::ancestor);
+    EXPECT_EQ(ComparedItem(at("a/b")).relationTo(at("link")), Relation::same);
+    EXPECT_EQ(ComparedItem(at("link")).relationTo(at("a/b/c")), Relation::ancestor);
 }
 
-TEST_F(ItemIdentityTest, AnIdentityIsThatOfTheLinkNotOfItsTarget) {
+TEST_F(ItemRelationTest, AnIdentityIsThatOfTheLinkNotOfItsTarget) {
     fs::create_directory_symlink(at("a/b"), at("link"));
-    const Place place(at("link"), *identityOf(at("link")));
+    const ComparedItem place(at("link"), *identityOf(at("link")));
     EXPECT_EQ(place.relationTo(at("a/b")), Relation::unrelated);
     EXPECT_EQ(place.relationTo(at("link")), Relation::same);
     EXPECT_EQ(place.relationTo(at("link/c")), Relation::ancestor);
 }
 
-TEST_F(ItemIdentityTest, APlaceThatDoesNotExistIsComparedByItsPath) {
+TEST_F(ItemRelationTest, APlaceThatDoesNotExistIsComparedByItsPath) {
     fs::create_directory_symlink(at("a"), at("link"));
-    const Place place(at("link/new/x/.."));
+    const ComparedItem place(at("link/new/x/.."));
     EXPECT_EQ(place.relationTo(at("a/new")), Relation::same);
     EXPECT_EQ(place.relationTo(at("a/new/deeper")), Relation::ancestor);
     EXPECT_EQ(place.relationTo(at("a/newer")), Relation::unrelated);

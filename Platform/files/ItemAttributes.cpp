@@ -1,6 +1,6 @@
-#include "Platform/copying/ItemAttributes.h"
+#include "Platform/files/ItemAttributes.h"
 
-#include "Platform/copying/VolumeTransfer.h"
+#include "Platform/files/VolumeTransfer.h"
 
 #include <tuple>
 #include <unistd.h>

@@ -1,4 +1,4 @@
-#include "Platform/copying/VolumeTransfer.h"
+#include "Platform/files/VolumeTransfer.h"
 
 #include <cerrno>
 #include <optional>

@@ -1,4 +1,4 @@
-#include "Platform/removal/FolderWalk.h"
+#include "Platform/files/FolderWalk.h"
 
 #include <cerrno>
 #include <dirent.h>

@@ -1,4 +1,4 @@
-#include "Platform/removal/MountBoundary.h"
+#include "Platform/files/MountBoundary.h"
 
 #include "Platform/files/FileHandle.h"
 

@@ -2,7 +2,7 @@
 
 #include "Platform/files/FileHandle.h"
 #include "Platform/files/ItemIdentity.h"
-#include "Platform/removal/MountBoundary.h"
+#include "Platform/files/MountBoundary.h"
 
 #include <cstddef>
 #include <optional>
