@@ -50,9 +50,10 @@ AppServices AppServices::system(ActivationTokenSource tokens) {
         return probeApp(app, workspace, *quitting);
     };
     if (const auto program = sitePreviewProgram(currentEnvironment())) {
-        services.previewSite = [program = *program](const std::string& address,
-                                                    const std::filesystem::path& folder) {
-            return fetchSitePreview(program, address, folder);
+        services.previewSite = [program = *program,
+                                quitting = services.quitting](const std::string& address,
+                                                              const std::filesystem::path& folder) {
+            return fetchSitePreview(program, address, folder, sitePatience, quitting.get());
         };
     }
     services.after = [](std::chrono::milliseconds time, QObject* context,

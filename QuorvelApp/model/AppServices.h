@@ -57,7 +57,8 @@ struct AppServices {
     Delay after{};
     /// How long clones may take that are asked to end.
     std::chrono::milliseconds stopPatience{std::chrono::seconds(10)};
-    /// Set when the application quits, which cancels a running probe. Never null in `system()`.
+    /// Set when the application quits, which cancels a probe and the question to a site. Never null
+    /// in `system()`.
     std::shared_ptr<std::atomic<bool>> quitting{};
 
     /// Returns the services of this computer.

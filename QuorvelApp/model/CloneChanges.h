@@ -36,6 +36,10 @@ class CloneChanges : public QObject {
 public:
     /// `model` must outlive it.
     explicit CloneChanges(AppModel& model, QObject* parent = nullptr);
+    CloneChanges(const CloneChanges&) = delete;
+    CloneChanges& operator=(const CloneChanges&) = delete;
+    /// Stops waiting for clones to end.
+    ~CloneChanges() override;
 
     /// Gives the clone another name; its data stays where it is.
     QFuture<void> rename(const InstanceRecord& clone, const std::string& name);

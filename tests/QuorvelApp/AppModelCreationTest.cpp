@@ -88,7 +88,7 @@ TEST_F(AppModelCreationTest, AFailedCreationChangesNothingAndReachesTheCaller) {
 
 TEST_F(AppModelCreationTest, ACloneThatIsNotInTheMenuIsMadeAllTheSameAndTheUserIsTold) {
     stubbed.create = [&](const auto& request) { return addClone(request.displayName).bundleURL; };
-    stubbed.creationWarning = "It is not in the menu.";
+    stubbed.creationWarnings = {"It is not in the menu."};
     WrapperFactory::Request request;
     request.displayName = "Work";
     EXPECT_EQ(resultOf(model().createClone(request, false)).bundleURL, folder / "Work.app");

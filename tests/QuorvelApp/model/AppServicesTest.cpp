@@ -14,6 +14,7 @@
 #include "tests/support/DesktopApps.h"
 #include "tests/support/TemporaryHome.h"
 #include "tests/support/UnprivilegedUser.h"
+#include "tests/support/Waiting.h"
 
 #include <QCoreApplication>
 #include <QProcess>
@@ -21,6 +22,8 @@
 
 #include <algorithm>
 #include <array>
+#include <chrono>
+#include <future>
 #include <gmock/gmock.h>
 #include <memory>
 #include <vector>
@@ -131,6 +134,20 @@ TEST_F(AppServicesTest, LaunchingACloneThatIsGoneIsAnError) {
     EXPECT_TRUE(eventually([&] { return model.lastError().has_value(); }));
     EXPECT_EQ(model.lastError(),
               "Couldn't launch: “Work.app” couldn’t be opened: no such file or directory");
+}
+
+TEST_F(AppServicesTest, QuittingEndsTheQuestionToASite) {
+    const fs::path program = home / "stand-in";
+    write(program, "#!/bin/sh\n> \"$2/asked\"\nexec sleep 60\n");
+    fs::permissions(program, fs::perms::owner_all);
+    const ScopedEnvironment standIn("QUORVEL_SITE_PREVIEW", program.string());
+    const AppServices services = AppServices::system();
+    ASSERT_TRUE(services.previewSite);
+    const auto asking =
+        std::async(std::launch::async, [&] { return services.previewSite("a.test", home.path()); });
+    EXPECT_TRUE(waitUntil([&] { return fs::exists(home / "asked"); }));
+    *services.quitting = true;
+    EXPECT_EQ(asking.wait_for(std::chrono::seconds(10)), std::future_status::ready);
 }
 
 // The commands that 20 programs run on one clone, each at once.
