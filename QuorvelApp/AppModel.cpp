@@ -8,6 +8,7 @@
 #include "Platform/files/PlatformError.h"
 #include "Platform/windows/ActivationError.h"
 #include "Presentation/CloneNaming.h"
+#include "Presentation/JoinedText.h"
 #include "Presentation/MigrationSummary.h"
 #include "ProbeKit/ProfileGenerator.h"
 #include "QuorvelApp/model/Outcome.h"
@@ -50,7 +51,7 @@ AppProfile detect(const Detection& services) {
 
 struct CreatedWrapper {
     std::filesystem::path path{};
-    std::optional<std::string> warning{}; ///< for the user
+    std::vector<std::string> warnings{}; ///< for the user
 };
 
 // For a missing item, file managers show its folder or nothing.
@@ -235,13 +236,14 @@ QFuture<InstanceRecord> AppModel::createClone(const WrapperFactory::Request& req
         TaskPriority::userInitiated, this,
         [create = make ? make : services_.createWrapper, request] {
             CreatedWrapper made;
-            made.path = create(request, [&](const std::string& text) { made.warning = text; });
+            made.path =
+                create(request, [&](const std::string& text) { made.warnings.push_back(text); });
             return made;
         },
         [this, request, launchAfter](const CreatedWrapper& made) {
             InstanceRecord record = created(made.path, request, launchAfter);
-            if (made.warning) {
-                setLastError(made.warning);
+            if (!made.warnings.empty()) {
+                setLastError(joined(made.warnings, "\n"));
             }
             return record;
         });
