@@ -231,13 +231,14 @@ void AppModel::opened(const std::optional<PlatformError>& error) {
 
 QFuture<InstanceRecord> AppModel::createClone(const WrapperFactory::Request& request,
                                               bool launchAfter,
+                                              const RequestPermissions& permissions,
                                               const AppServices::WrapperMaker& make) {
     return services_.tasks->detached(
         TaskPriority::userInitiated, this,
-        [create = make ? make : services_.createWrapper, request] {
+        [create = make ? make : services_.createWrapper, request, permissions] {
             CreatedWrapper made;
-            made.path =
-                create(request, [&](const std::string& text) { made.warnings.push_back(text); });
+            made.path = create(request, permissions,
+                               [&](const std::string& text) { made.warnings.push_back(text); });
             return made;
         },
         [this, request, launchAfter](const CreatedWrapper& made) {

@@ -97,6 +97,7 @@ public:
     /// not list it. If `make` is set, it makes the clone instead of `AppServices::createWrapper`.
     /// Fails with the error of either; nothing has changed then.
     QFuture<InstanceRecord> createClone(const WrapperFactory::Request& request, bool launchAfter,
+                                        const RequestPermissions& permissions = {},
                                         const AppServices::WrapperMaker& make = {});
     /// Deletes the clone before it returns. A failure becomes `lastError`, as does data that could
     /// not be removed. Returns whether everything was deleted.

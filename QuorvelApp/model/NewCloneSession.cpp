@@ -23,6 +23,9 @@ bool report(AppModel& model, const QFuture<InstanceRecord>& outcome, const Copie
         clone = outcome.result();
     } catch (const CopyCancelled&) {
         return false; // as the user knows
+    } catch (const CloneExists& error) {
+        model.reload(); // the form warns of it from now on
+        failure = error.what();
     } catch (const std::exception& error) {
         failure = error.what();
     }
@@ -124,11 +127,15 @@ void NewCloneSession::create() {
         seed = std::make_shared<CopiedSeed>();
         make = seededMaker(copy_->control(), seed);
     }
+    // Only what the form has warned of is replaced.
+    const RequestPermissions permissions{.existingClone =
+                                             !form_.replacementText(model_.clones()).empty()};
     edit([](NewCloneForm& form) { form.creating = true; });
     // The outcome is reported even if the sheet has been closed meanwhile, unless that has
     // cancelled the copy.
     const bool launchAfter = form_.launchAfter;
-    continued(model_.createClone(form_.makeRequest(), launchAfter && !seed, make), &model_,
+    continued(model_.createClone(form_.makeRequest(), launchAfter && !seed, permissions, make),
+              &model_,
               [&model = model_, self = QPointer(this), icons = siteFolders_, seed,
                launchAfter](const QFuture<InstanceRecord>& outcome) {
                   const bool isCreated = report(model, outcome, seed.get(), launchAfter);

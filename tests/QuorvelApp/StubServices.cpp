@@ -67,8 +67,10 @@ StubbedModel::StubbedModel(const std::filesystem::path& folder,
                                            : std::map<std::string, std::string>{};
     };
     services.createWrapper = [this](const WrapperFactory::Request& request,
+                                    const RequestPermissions& permissions,
                                     const WrapperFactory::Warning& warn) {
         worked();
+        requireReplaceable(WrapperFactory::wrapperURL(request), permissions);
         std::for_each(creationWarnings.begin(), creationWarnings.end(), warn);
         return create(request);
     };

@@ -47,9 +47,9 @@ protected:
         return request;
     }
     // The error's text; empty if creating succeeds.
-    static std::string failure() {
+    static std::string failure(const RequestPermissions& permissions = {}) {
         try {
-            (void)AppServices::system().createWrapper(request(), {});
+            (void)AppServices::system().createWrapper(request(), permissions, {});
             return {};
         } catch (const std::exception& error) {
             return error.what();
@@ -96,9 +96,10 @@ TEST_F(AppServicesTest, LeavesAnApplicationThatIsNotACloneAlone) {
     EXPECT_EQ(treeOf(wrapper), before);
 }
 
-TEST_F(AppServicesTest, MakesACloneAgain) {
+TEST_F(AppServicesTest, MakesACloneAgainOnlyWithPermission) {
     makeWrapper(wrapper, minimalConfig());
-    EXPECT_EQ(failure(), "");
+    EXPECT_THAT(failure(), HasSubstr("already exists at "));
+    EXPECT_EQ(failure({.existingClone = true}), "");
     EXPECT_EQ(InstanceRegistry().record(wrapper)->config.url, "https://example.com");
 }
 
@@ -117,7 +118,7 @@ TEST_F(AppServicesTest, ASnapIsProposedAsUnsupportedAndNotCloned) {
     request.targetApp = snap.url;
     request.displayName = "Work";
     try {
-        (void)AppServices::system().createWrapper(request, {});
+        (void)AppServices::system().createWrapper(request, {}, {});
         FAIL() << "it was cloned";
     } catch (const PlatformError& error) {
         EXPECT_EQ(
@@ -196,7 +197,7 @@ TEST_F(AppServicesTest, BesideProgramsThatChangeTheSameCloneNothingHalfIsSeenOrL
     int removals = 0;
     for (int round = 0; round < 4 || areAtWork(); ++round) {
         try {
-            (void)resultOf(model.createClone(request(), false));
+            (void)resultOf(model.createClone(request(), false, {.existingClone = true}));
             ++made;
         } catch (const Error&) {
             // another program was first
@@ -239,7 +240,7 @@ TEST(AppServicesTestFullDisk, DISABLED_Within) {
     request.kind = ShortcutKind::web;
     request.displayName = "Work";
     try {
-        (void)AppServices::system().createWrapper(request, {});
+        (void)AppServices::system().createWrapper(request, {}, {});
         FAIL() << "the disk was not full";
     } catch (const PlatformError& error) {
         EXPECT_EQ(error.code(), std::errc::no_space_on_device);
