@@ -75,12 +75,16 @@ void addTargetOptions(const EditBinding& add) {
                  s.config.commandPath = absolutePath(required(value, "--command")).string();
              });
     add.flag("--no-args", "No arguments for the command",
-             [](CloneSettings& s) { s.config.commandArgs.clear(); });
+             [](CloneSettings& s) {
+                 requireKind(s, ShortcutKind::command, "--no-args");
+                 s.config.commandArgs.clear();
+             });
     addRepeatable(add.command, "--arg",
                   "An argument of the command, instead of all that it had (repeatable)", "A",
                   add.options.arguments);
     add.text("--workdir", "The command's working directory; empty for none", "DIR",
              [](CloneSettings& s, const std::string& value) {
+                 requireKind(s, ShortcutKind::command, "--workdir");
                  s.config.workingDirectory = orNone(absolutePath(value).string());
              });
 }

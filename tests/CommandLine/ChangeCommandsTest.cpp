@@ -124,6 +124,16 @@ TEST_F(ChangeCommandsTest, EditRefusesWhatIsNotForThisCloneOrNotForEditing) {
     }
     EXPECT_EQ(harness.run({"edit", "None", "--arg", "x"}).status, 1);
     EXPECT_TRUE(treeOf(wrapper()) == before);
+    (void)make({"--kind", "web", "--name", "Web", "--url", "https://a.test"});
+    const auto site = treeOf(wrapper("Web"));
+    for (const Words& words :
+         {Words{"--command", "/bin/true"}, Words{"--arg", "x"}, Words{"--no-args"},
+          Words{"--workdir", "/tmp"}, Words{"--workdir", ""}}) {
+        Words all{"edit", "Web"};
+        all.insert(all.end(), words.begin(), words.end());
+        EXPECT_EQ(harness.run(all).status, 2) << words.front();
+    }
+    EXPECT_TRUE(treeOf(wrapper("Web")) == site);
 }
 
 TEST_F(ChangeCommandsTest, ChangesOfARunningCloneSayWhenTheyTakeEffect) {
