@@ -69,9 +69,10 @@ fs::path absoluteFile(const std::string& path) {
     return UserPaths::expandTilde(absolutePath(path).string());
 }
 
-std::optional<fs::path> findDamagedClone(const std::string& words) {
+std::optional<fs::path> findDamagedClone(const InstanceRegistry& registry,
+                                         const std::string& words) {
     // If the working folder was removed, no relative path can be resolved.
-    if (!isPath(words)) {
+    if (!isPath(words) && (!itemExists(words) || !clonesNamed(registry, words).empty())) {
         return std::nullopt;
     }
     fs::path bundle = absoluteFile(words);
