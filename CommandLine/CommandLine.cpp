@@ -3,7 +3,6 @@
 #include "Base/TerminalText.h"
 #include "CommandLine/ChangeCommands.h"
 #include "CommandLine/CloneCommands.h"
-#include "CommandLine/CloneLookup.h"
 #include "CommandLine/DeleteCommand.h"
 #include "CommandLine/DuplicateCommand.h"
 #include "CommandLine/IconCommand.h"
@@ -110,19 +109,11 @@ void addAppCommands(CLI::App& program, ParsedOptions& words, Command& chosen,
         ->type_name("");
 }
 
-void addRefreshedRunner(CLI::App& command, std::optional<std::filesystem::path>& runner,
-                        const std::string& text) {
-    command
-        .add_option_function<std::string>(
-            "--runner", [&runner](const std::string& value) { runner = absoluteFile(value); }, text)
-        ->type_name("FILE");
-}
-
 void addRefreshOptions(CLI::App& refresh, RefreshOptions& options) {
     refresh.add_option("CLONE", options.clones, "Paths to wrappers, or names of listed clones")
         ->type_name("");
     refresh.add_flag("--all", options.all, "Every listed clone");
-    addRefreshedRunner(refresh, options.runner, "The runner to put into the clones");
+    addFile(refresh, "--runner", "The runner to put into the clones", options.runner);
 }
 
 // The commands that change existing clones.
@@ -155,7 +146,7 @@ void addCloneCommands(CLI::App& program, ParsedOptions& words, Command& chosen,
                   words.list.searchDirs);
     list.add_flag("--stale", words.list.stale,
                   "Only those that refresh would change, and what of them");
-    addRefreshedRunner(list, words.list.runner, "With --stale: the runner that refresh would use");
+    addFile(list, "--runner", "With --stale: the runner that refresh would use", words.list.runner);
     addCloneOperand(addCommand(program, "show", "Show one clone", words, chosen,
                                [&] { showCommand(context, words.operand, words.json); }),
                     words);
@@ -193,8 +184,7 @@ void addDuplicateCommand(CLI::App& program, ParsedOptions& words, Command& chose
         ->required()
         ->type_name("");
     duplicate.add_flag("--with-data", words.duplicate.withData, "Copy the data folder, too");
-    duplicate.add_option("--runner", words.duplicate.runner, "The runner to put into the clone")
-        ->type_name("FILE");
+    addFile(duplicate, "--runner", "The runner to put into the clone", words.duplicate.runner);
 }
 
 // The commands about a clone's run.

@@ -17,8 +17,7 @@ namespace {
 
 DuplicatedClone duplicated(const CommandContext& context, CopyBar& bar,
                            const InstanceRecord& original, const DuplicateOptions& options) {
-    const WrapperFactory factory(
-        options.runner.empty() ? std::nullopt : std::optional(absoluteFile(options.runner)));
+    const WrapperFactory factory(options.runner);
     const auto say = [&](const std::string& line) {
         bar.erase();
         context.errors << line << std::flush;

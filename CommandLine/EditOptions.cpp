@@ -74,11 +74,10 @@ void addTargetOptions(const EditBinding& add) {
                  requireKind(s, ShortcutKind::command, "--command");
                  s.config.commandPath = absolutePath(required(value, "--command")).string();
              });
-    add.flag("--no-args", "No arguments for the command",
-             [](CloneSettings& s) {
-                 requireKind(s, ShortcutKind::command, "--no-args");
-                 s.config.commandArgs.clear();
-             });
+    add.flag("--no-args", "No arguments for the command", [](CloneSettings& s) {
+        requireKind(s, ShortcutKind::command, "--no-args");
+        s.config.commandArgs.clear();
+    });
     addRepeatable(add.command, "--arg",
                   "An argument of the command, instead of all that it had (repeatable)", "A",
                   add.options.arguments);
@@ -190,10 +189,7 @@ void addEditOptions(CLI::App& command, EditOptions& options) {
             "--links", [&options](const std::string& value) { options.links = value; },
             "What opens its links: default (the default browser), inside, or another clone")
         ->type_name("default|inside|CLONE");
-    add.text("--runner", "The runner to put into the clone", "FILE",
-             [](CloneSettings& s, const std::string& value) {
-                 s.runner = absoluteFile(required(value, "--runner"));
-             });
+    addFile(command, "--runner", "The runner to put into the clone", options.runner);
 }
 
 CloneEdit editFrom(const EditOptions& options, const InstanceRegistry& registry) {
@@ -213,6 +209,9 @@ CloneEdit editFrom(const EditOptions& options, const InstanceRegistry& registry)
         }
         if (links) {
             settings.config.links = *links;
+        }
+        if (options.runner) {
+            settings.runner = options.runner;
         }
         editLabel(options, settings);
     };

@@ -136,6 +136,21 @@ TEST_F(ChangeCommandsTest, EditRefusesWhatIsNotForThisCloneOrNotForEditing) {
     EXPECT_TRUE(treeOf(wrapper("Web")) == site);
 }
 
+TEST_F(ChangeCommandsTest, AnEmptyRunnerIsNotTakenForAFile) {
+    const auto before = treeOf(harness.home.path());
+    for (const Words& words :
+         {Words{"create", "--kind", "web", "--name", "Web", "--url", "https://a.test"},
+          Words{"duplicate", "Work", "Play"}, Words{"edit", "Work"}, Words{"refresh", "--all"},
+          Words{"list", "--stale"}}) {
+        Words all = words;
+        all.insert(all.end(), {"--runner", ""});
+        const CommandResult refused = harness.run(all);
+        EXPECT_EQ(refused.status, 2) << words.front();
+        EXPECT_THAT(refused.errors, HasSubstr("--runner must not be empty")) << words.front();
+    }
+    EXPECT_TRUE(treeOf(harness.home.path()) == before);
+}
+
 TEST_F(ChangeCommandsTest, ChangesOfARunningCloneSayWhenTheyTakeEffect) {
     const auto lock =
         lockHome(*InstanceConfig::read((wrapper() / "Contents/Resources/instance.json").string()));
