@@ -20,6 +20,7 @@
 #include "Platform/windows/ActivationError.h"
 #include "Presentation/AppTexts.h"
 #include "Presentation/ChangeTexts.h"
+#include "Presentation/SystemWords.h"
 
 #include <nlohmann/json.hpp>
 
@@ -133,7 +134,7 @@ void considerTarget(WrapperFactory::Request& request, bool addsEnvironment) {
     if (!app) {
         return;
     }
-    if (const auto reason = snapReason(*app)) {
+    if (const auto reason = snapReason(*app, inSystemWords)) {
         throw CommandError(*reason);
     }
     if (addsEnvironment) {
@@ -234,7 +235,7 @@ void createCommand(const CommandContext& context, const CreateOptions& options, 
     const auto& [wrapper, record] = made.clone;
     repairMenu(context.registry.list());
     if (!record) {
-        throw CommandError(unreadableText(wrapper));
+        throw CommandError(unreadableText(wrapper, inSystemWords));
     }
     if (!json) {
         context.output << shownPath(context, wrapper) << "\n" << std::flush;

@@ -3,6 +3,7 @@
 #include "Base/TerminalText.h"
 #include "CommandLine/ProbeTexts.h"
 #include "Presentation/CopyTexts.h"
+#include "Presentation/SystemWords.h"
 
 #include <nlohmann/json.hpp>
 
@@ -29,17 +30,17 @@ void CopyBar::erase() {
 }
 
 std::string copyLine(const FolderCopyReport& report) {
-    return copySentence(report) + "\n";
+    return copySentence(report, inSystemWords) + "\n";
 }
 
 std::string keyringLine(const CopyFindings& findings) {
-    const std::string sentence = keyringSentence(findings);
+    const std::string sentence = keyringSentence(findings, inSystemWords);
     return sentence.empty() ? sentence : sentence + "\n";
 }
 
 std::string findingLines(const CopyFindings& findings) {
-    const std::string lines =
-        findingLines(findings, [](const std::string& name) { return terminalText(name); });
+    const std::string lines = findingLines(
+        findings, [](const std::string& name) { return terminalText(name); }, inSystemWords);
     return lines.empty() ? lines : lines + "\n";
 }
 

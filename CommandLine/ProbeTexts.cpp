@@ -158,7 +158,7 @@ std::string description(const AppProfile& profile, const ProbeResult& result,
     for (const auto& [key, value] : environment) {
         text += line("Variable", terminalText(std::string(key).append("=").append(value)));
     }
-    if (const auto cost = environmentCost(environment)) {
+    if (const auto cost = environmentCost(environment, translate)) {
         text += *cost + "\n";
     }
     text += writes(result, translate);

@@ -14,6 +14,6 @@ namespace quorvel {
 /// Returns the items, one per line, and after the first few the number of others: an alert has
 /// space for only a few.
 [[nodiscard]] std::string shortList(const std::vector<std::string>& items,
-                                    const Translate& translate = inEnglish);
+                                    const Translate& translate);
 
 } // namespace quorvel

@@ -1,7 +1,6 @@
 #include "QuorvelApp/model/NewCloneSession.h"
 
 #include "LaunchKit/InstanceRecord.h"
-#include "Presentation/CopyTexts.h"
 #include "QuorvelApp/model/Continuation.h"
 #include "QuorvelApp/model/CopyResult.h"
 #include "QuorvelApp/model/SeededCreation.h"
@@ -33,7 +32,7 @@ bool report(AppModel& model, const QFuture<InstanceRecord>& outcome, const Copie
         model.setLastError(failure);
     } else if (seed != nullptr) {
         model.setStatusMessage(copyResult(seed->data, seed->findings));
-        if (launchAfter && keyringSentence(seed->findings).empty()) {
+        if (launchAfter && !seed->findings.needsKeyring()) {
             model.launch(*clone);
         }
     }
