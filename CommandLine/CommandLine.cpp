@@ -3,6 +3,7 @@
 #include "Base/TerminalText.h"
 #include "CommandLine/ChangeCommands.h"
 #include "CommandLine/CloneCommands.h"
+#include "CommandLine/CreateCommand.h"
 #include "CommandLine/DeleteCommand.h"
 #include "CommandLine/DuplicateCommand.h"
 #include "CommandLine/IconCommand.h"

@@ -1,8 +1,8 @@
 #include "CommandLine/CreateOptions.h"
 
-#include "CommandLine/CloneLookup.h"
 #include "CommandLine/CommandContext.h"
 #include "CommandLine/OptionBinding.h"
+#include "CommandLine/PathWords.h"
 #include "LaunchKit/Changes/RequestCheck.h"
 #include "Presentation/SystemWords.h"
 

@@ -3,6 +3,7 @@
 #include "CommandLine/CloneLookup.h"
 #include "CommandLine/CommandContext.h"
 #include "CommandLine/OptionBinding.h"
+#include "CommandLine/PathWords.h"
 #include "Presentation/SystemWords.h"
 
 #include <CLI/CLI.hpp>

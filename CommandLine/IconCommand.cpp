@@ -1,8 +1,8 @@
 #include "CommandLine/IconCommand.h"
 
 #include "Base/TerminalText.h"
-#include "CommandLine/CloneLookup.h"
 #include "CommandLine/CloneTexts.h"
+#include "CommandLine/PathWords.h"
 #include "LaunchKit/IconComposer.h"
 
 #include <nlohmann/json.hpp>

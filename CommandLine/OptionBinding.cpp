@@ -1,7 +1,7 @@
 #include "CommandLine/OptionBinding.h"
 
-#include "CommandLine/CloneLookup.h"
 #include "CommandLine/CommandContext.h"
+#include "CommandLine/PathWords.h"
 
 #include <CLI/CLI.hpp>
 

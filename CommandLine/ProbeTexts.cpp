@@ -8,13 +8,11 @@
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
-#include <cmath>
 
 namespace quorvel {
 namespace {
 
 constexpr std::size_t examples = 3;
-constexpr int barWidth = 40;
 
 std::string inWords(SingletonTier tier) {
     switch (tier) {
@@ -169,19 +167,6 @@ std::string description(const AppProfile& profile, const ProbeResult& result,
                 ? "The record is complete.\n"
                 : "The record may be incomplete: the system could not report every write.\n";
     return text;
-}
-
-std::string progressBar(double fraction) {
-    const int full = static_cast<int>(std::lround(std::clamp(fraction, 0.0, 1.0) * barWidth));
-    std::string bar = "\r[";
-    for (int column = 0; column < barWidth; ++column) {
-        bar += column < full ? '#' : ' ';
-    }
-    return bar + "]";
-}
-
-std::string noProgressBar() {
-    return "\r" + std::string(barWidth + 2, ' ') + "\r";
 }
 
 } // namespace quorvel
