@@ -1,8 +1,8 @@
 #include "CommandLine/AppLookup.h"
 
 #include "Base/Text.h"
-#include "CommandLine/CloneLookup.h"
 #include "CommandLine/CommandContext.h"
+#include "CommandLine/PathWords.h"
 #include "LaunchKit/AppCatalog.h"
 #include "Platform/files/FileSystem.h"
 

@@ -1,7 +1,6 @@
 #pragma once
 
 #include "CommandLine/CommandContext.h"
-#include "CommandLine/CreateOptions.h"
 
 #include <filesystem>
 #include <optional>
@@ -11,6 +10,8 @@
 /// The commands of `quorvelctl` about clones. Each prints its result, and throws `CommandError`,
 /// `UsageError` or an error of the layers below if it fails.
 namespace quorvel {
+
+struct InstanceRecord;
 
 /// Prints the facts about an application bundle.
 void inspectCommand(const CommandContext& context, const std::string& app, bool json);
@@ -26,9 +27,10 @@ struct ListOptions {
 void listCommand(const CommandContext& context, const ListOptions& options, bool json);
 /// Prints one clone's facts.
 void showCommand(const CommandContext& context, const std::string& clone, bool json);
-/// Makes a clone, prints its path and opens it if the options say so.
-void createCommand(const CommandContext& context, const CreateOptions& options, bool json);
 /// Opens a clone.
 void openCommand(const CommandContext& context, const std::string& clone, bool json);
+
+/// Opens a clone, and says so on the error stream if it stays in the background.
+void openClone(const CommandContext& context, const InstanceRecord& clone);
 
 } // namespace quorvel

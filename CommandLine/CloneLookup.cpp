@@ -1,14 +1,13 @@
 #include "CommandLine/CloneLookup.h"
 
-#include "Base/PathText.h"
 #include "CommandLine/CommandContext.h"
+#include "CommandLine/PathWords.h"
 #include "LaunchKit/Changes/ChangeRecovery.h"
 #include "LaunchKit/InstanceRecord.h"
 #include "LaunchKit/Wrappers/WrapperLayout.h"
 #include "Platform/files/FileSystem.h"
-#include "Platform/homes/UserPaths.h"
 
-#include <algorithm>
+#include <utility>
 
 namespace quorvel {
 namespace fs = std::filesystem;
@@ -41,37 +40,10 @@ InstanceRecord cloneAt(const InstanceRegistry& registry, const std::string& path
 
 } // namespace
 
-// A clone whose name looks like a path must not be mistaken for that path.
-bool isPath(const std::string& words) {
-    const auto starts = {"/", "~", "./", "../"};
-    return std::any_of(starts.begin(), starts.end(),
-                       [&](const char* start) { return words.starts_with(start); });
-}
-
-fs::path absolutePath(const std::string& path) {
-    if (path.empty() || path.front() == '~') {
-        return path;
-    }
-    const fs::path whole = withoutTrailingSlashes(fs::absolute(path));
-    if (std::find(whole.begin(), whole.end(), "..") == whole.end()) {
-        return withoutTrailingSlashes(whole.lexically_normal());
-    }
-    // A link before ".." is resolved first; a link at the end is kept.
-    const fs::path name = whole.filename();
-    std::error_code code;
-    const fs::path resolved = name == "." || name == ".."
-                                  ? fs::weakly_canonical(whole, code)
-                                  : fs::weakly_canonical(whole.parent_path(), code) / name;
-    return code ? whole : withoutTrailingSlashes(resolved);
-}
-
-fs::path absoluteFile(const std::string& path) {
-    return UserPaths::expandTilde(absolutePath(path).string());
-}
-
-std::optional<fs::path> findDamagedClone(const std::string& words) {
+std::optional<fs::path> findDamagedClone(const InstanceRegistry& registry,
+                                         const std::string& words) {
     // If the working folder was removed, no relative path can be resolved.
-    if (!isPath(words)) {
+    if (!isPath(words) && (!itemExists(words) || !clonesNamed(registry, words).empty())) {
         return std::nullopt;
     }
     fs::path bundle = absoluteFile(words);

@@ -18,18 +18,9 @@ namespace quorvel {
 [[nodiscard]] std::optional<std::string> linksChoice(const InstanceRegistry& registry,
                                                      const std::optional<std::string>& words);
 
-/// Returns whether the words are a path, existing or not: they begin with "/", "~", "./" or "../".
-[[nodiscard]] bool isPath(const std::string& words);
-
 /// Returns the wrapper at that path if its configuration can't be read, so that `findClone` does
-/// not find it; otherwise `std::nullopt`.
-[[nodiscard]] std::optional<std::filesystem::path> findDamagedClone(const std::string& words);
-
-/// Returns `path` unchanged if it begins with "~" or is empty; otherwise made absolute, without "."
-/// and ".." and without a trailing slash. ".." is resolved as the system does, following links.
-[[nodiscard]] std::filesystem::path absolutePath(const std::string& path);
-
-/// Returns the `absolutePath` with "~" expanded.
-[[nodiscard]] std::filesystem::path absoluteFile(const std::string& path);
+/// not find it; otherwise `std::nullopt`, also if a listed clone has these words as its name.
+[[nodiscard]] std::optional<std::filesystem::path>
+findDamagedClone(const InstanceRegistry& registry, const std::string& words);
 
 } // namespace quorvel

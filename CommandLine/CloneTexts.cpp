@@ -140,7 +140,7 @@ std::string description(const AppBundle& bundle) {
     };
     addArguments("Own arguments", bundle.arguments);
     addArguments("Default arguments", dataDirArgs(engine));
-    if (auto reason = snapReason(bundle)) {
+    if (auto reason = snapReason(bundle, inSystemWords)) {
         facts.push_back({"Note", {std::move(*reason)}});
     }
     return factLines(facts);

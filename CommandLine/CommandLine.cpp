@@ -3,7 +3,7 @@
 #include "Base/TerminalText.h"
 #include "CommandLine/ChangeCommands.h"
 #include "CommandLine/CloneCommands.h"
-#include "CommandLine/CloneLookup.h"
+#include "CommandLine/CreateCommand.h"
 #include "CommandLine/DeleteCommand.h"
 #include "CommandLine/DuplicateCommand.h"
 #include "CommandLine/IconCommand.h"
@@ -44,19 +44,34 @@ struct ParsedOptions {
     bool json = false;
 };
 
-using Command = std::function<void()>;
+// Before a command that changes clones, what an interrupted change left is put right.
+enum class Effect { none, changesClones };
 
-CLI::App& addCommand(CLI::App& program, const std::string& name, const std::string& help,
-                     ParsedOptions& words, Command& chosen, Command run) {
-    CLI::App* command = program.add_subcommand(name, help);
-    command->add_flag("--json", words.json, "Print JSON");
-    command->callback([&chosen, run = std::move(run)] { chosen = run; });
-    return *command;
-}
+struct Command {
+    std::function<void()> run{};
+    Effect effect = Effect::none;
+};
 
-void addCloneOperand(CLI::App& command, ParsedOptions& words) {
+// Adds commands to the program. The one that is given becomes `chosen`.
+struct Commands {
+    CLI::App& program;
+    ParsedOptions& options;
+    const CommandContext& context;
+    Command& chosen;
+
+    CLI::App& add(const std::string& name, const std::string& help, Effect effect,
+                  std::function<void()> run) const {
+        CLI::App* command = program.add_subcommand(name, help);
+        command->add_flag("--json", options.json, "Print JSON");
+        command->callback(
+            [&to = chosen, command = Command{std::move(run), effect}] { to = command; });
+        return *command;
+    }
+};
+
+void addCloneOperand(CLI::App& command, ParsedOptions& options) {
     command
-        .add_option("CLONE", words.operand, "A path to a wrapper, or the name of a listed clone")
+        .add_option("CLONE", options.operand, "A path to a wrapper, or the name of a listed clone")
         ->required()
         ->type_name("");
 }
@@ -70,9 +85,9 @@ void addIconOptions(CLI::App& icon, IconOptions& o) {
     icon.add_option("--output", o.output, "The icon to write")->type_name("FILE");
 }
 
-void addAppOperand(CLI::App& command, ParsedOptions& words) {
+void addAppOperand(CLI::App& command, ParsedOptions& options) {
     command
-        .add_option("APP", words.operand,
+        .add_option("APP", options.operand,
                     "A path to an application, or the id or name of an installed one")
         ->required()
         ->type_name("");
@@ -90,143 +105,137 @@ void addProbeOptions(CLI::App& probe, ProbeOptions& o) {
 }
 
 // The commands about installed applications.
-void addAppCommands(CLI::App& program, ParsedOptions& words, Command& chosen,
-                    const CommandContext& context) {
-    addAppOperand(addCommand(program, "inspect", "Show the facts about an application", words,
-                             chosen, [&] { inspectCommand(context, words.operand, words.json); }),
-                  words);
-    addRepeatable(addCommand(program, "apps", "List the installed applications", words, chosen,
-                             [&] { appsCommand(context, words.searchDirs, words.json); }),
+void addAppCommands(const Commands& commands) {
+    ParsedOptions& options = commands.options;
+    const CommandContext& context = commands.context;
+    addAppOperand(commands.add("inspect", "Show the facts about an application", Effect::none,
+                               [&] { inspectCommand(context, options.operand, options.json); }),
+                  options);
+    addRepeatable(commands.add("apps", "List the installed applications", Effect::none,
+                               [&] { appsCommand(context, options.searchDirs, options.json); }),
                   "--search-dir", "A folder to look in instead of the usual ones (repeatable)",
-                  "DIR", words.searchDirs);
-    CLI::App& probe = addCommand(
-        program, "probe", "Try an application out, and recommend how to isolate it", words, chosen,
-        [&] { probeCommand(context, words.operand, words.probe, words.json); });
-    addAppOperand(probe, words);
-    addProbeOptions(probe, words.probe);
-    addCommand(program, "running", "List the running applications", words, chosen,
-               [&] { runningCommand(context, words.bundleId, words.json); })
-        .add_option("BUNDLE-ID", words.bundleId, "Only those with this identifier")
+                  "DIR", options.searchDirs);
+    CLI::App& probe = commands.add(
+        "probe", "Try an application out, and recommend how to isolate it", Effect::none,
+        [&] { probeCommand(context, options.operand, options.probe, options.json); });
+    addAppOperand(probe, options);
+    addProbeOptions(probe, options.probe);
+    commands
+        .add("running", "List the running applications", Effect::none,
+             [&] { runningCommand(context, options.bundleId, options.json); })
+        .add_option("BUNDLE-ID", options.bundleId, "Only those with this identifier")
         ->type_name("");
-}
-
-void addRefreshedRunner(CLI::App& command, std::optional<std::filesystem::path>& runner,
-                        const std::string& text) {
-    command
-        .add_option_function<std::string>(
-            "--runner", [&runner](const std::string& value) { runner = absoluteFile(value); }, text)
-        ->type_name("FILE");
 }
 
 void addRefreshOptions(CLI::App& refresh, RefreshOptions& options) {
     refresh.add_option("CLONE", options.clones, "Paths to wrappers, or names of listed clones")
         ->type_name("");
     refresh.add_flag("--all", options.all, "Every listed clone");
-    addRefreshedRunner(refresh, options.runner, "The runner to put into the clones");
+    addFile(refresh, "--runner", "The runner to put into the clones", options.runner);
 }
 
 // The commands that change existing clones.
-void addChangeCommands(CLI::App& program, ParsedOptions& words, Command& chosen,
-                       const CommandContext& context) {
+void addChangeCommands(const Commands& commands) {
+    ParsedOptions& options = commands.options;
+    const CommandContext& context = commands.context;
     CLI::App& edit =
-        addCommand(program, "edit", "Change a clone; what is not given stays", words, chosen,
-                   [&] { editCommand(context, words.operand, words.edit, words.json); });
-    addCloneOperand(edit, words);
-    addEditOptions(edit, words.edit);
+        commands.add("edit", "Change a clone; what is not given stays", Effect::changesClones,
+                     [&] { editCommand(context, options.operand, options.edit, options.json); });
+    addCloneOperand(edit, options);
+    addEditOptions(edit, options.edit);
     CLI::App& rename =
-        addCommand(program, "rename", "Give a clone another name", words, chosen,
-                   [&] { renameCommand(context, words.operand, words.rename, words.json); });
-    addCloneOperand(rename, words);
-    rename.add_option("NAME", words.rename.name, "Its new name")->required()->type_name("");
-    rename.add_flag("--move-data", words.rename.moveData,
+        commands.add("rename", "Give a clone another name", Effect::changesClones, [&] {
+            renameCommand(context, options.operand, options.rename, options.json);
+        });
+    addCloneOperand(rename, options);
+    rename.add_option("NAME", options.rename.name, "Its new name")->required()->type_name("");
+    rename.add_flag("--move-data", options.rename.moveData,
                     "Give its data folder that name, too; the clone must not run");
-    addRefreshOptions(
-        addCommand(program, "refresh", "Bring clones up to date with Quorvel and their targets",
-                   words, chosen, [&] { refreshCommand(context, words.refresh, words.json); }),
-        words.refresh);
+    addRefreshOptions(commands.add("refresh",
+                                   "Bring clones up to date with Quorvel and their targets",
+                                   Effect::changesClones,
+                                   [&] { refreshCommand(context, options.refresh, options.json); }),
+                      options.refresh);
 }
 
-void addCloneCommands(CLI::App& program, ParsedOptions& words, Command& chosen,
-                      const CommandContext& context) {
-    CLI::App& list = addCommand(program, "list", "List the clones", words, chosen,
-                                [&] { listCommand(context, words.list, words.json); });
+void addCloneCommands(const Commands& commands) {
+    ParsedOptions& options = commands.options;
+    const CommandContext& context = commands.context;
+    CLI::App& list = commands.add("list", "List the clones", Effect::none,
+                                  [&] { listCommand(context, options.list, options.json); });
     addRepeatable(list, "--search-dir",
                   "A folder to look in instead of ~/Applications (repeatable)", "DIR",
-                  words.list.searchDirs);
-    list.add_flag("--stale", words.list.stale,
+                  options.list.searchDirs);
+    list.add_flag("--stale", options.list.stale,
                   "Only those that refresh would change, and what of them");
-    addRefreshedRunner(list, words.list.runner, "With --stale: the runner that refresh would use");
-    addCloneOperand(addCommand(program, "show", "Show one clone", words, chosen,
-                               [&] { showCommand(context, words.operand, words.json); }),
-                    words);
-    addCreateOptions(addCommand(program, "create", "Make a clone and print its path", words, chosen,
-                                [&] { createCommand(context, words.create, words.json); }),
-                     words.create);
-    addCloneOperand(addCommand(program, "open", "Open a clone", words, chosen,
-                               [&] { openCommand(context, words.operand, words.json); }),
-                    words);
-    CLI::App& remove = addCommand(program, "delete", "Delete a clone", words, chosen, [&] {
-        deleteCommand(context, words.operand, words.remove, words.json);
+    addFile(list, "--runner", "With --stale: the runner that refresh would use",
+            options.list.runner);
+    addCloneOperand(commands.add("show", "Show one clone", Effect::none,
+                                 [&] { showCommand(context, options.operand, options.json); }),
+                    options);
+    addCreateOptions(commands.add("create", "Make a clone and print its path",
+                                  Effect::changesClones,
+                                  [&] { createCommand(context, options.create, options.json); }),
+                     options.create);
+    addCloneOperand(commands.add("open", "Open a clone", Effect::none,
+                                 [&] { openCommand(context, options.operand, options.json); }),
+                    options);
+    CLI::App& remove = commands.add("delete", "Delete a clone", Effect::changesClones, [&] {
+        deleteCommand(context, options.operand, options.remove, options.json);
     });
-    addCloneOperand(remove, words);
-    remove.add_flag("--including-data", words.remove.includingData, "Delete its data folder too");
-    remove.add_flag("--yes", words.remove.yes, "Don't ask");
-    addChangeCommands(program, words, chosen, context);
-    addCloneOperand(addCommand(program, "migrate",
-                               "Move a clone's own Downloads, Documents and Desktop files into "
-                               "the user's folders, and share these from now on",
-                               words, chosen,
-                               [&] { migrateCommand(context, words.operand, words.json); }),
-                    words);
-    addIconOptions(addCommand(program, "icon", "Draw a text onto an icon", words, chosen,
-                              [&] { iconCommand(context, words.icon, words.json); }),
-                   words.icon);
+    addCloneOperand(remove, options);
+    remove.add_flag("--including-data", options.remove.includingData, "Delete its data folder too");
+    remove.add_flag("--yes", options.remove.yes, "Don't ask");
+    addChangeCommands(commands);
+    addCloneOperand(commands.add("migrate",
+                                 "Move a clone's own Downloads, Documents and Desktop files into "
+                                 "the user's folders, and share these from now on",
+                                 Effect::changesClones,
+                                 [&] { migrateCommand(context, options.operand, options.json); }),
+                    options);
+    addIconOptions(commands.add("icon", "Draw a text onto an icon", Effect::none,
+                                [&] { iconCommand(context, options.icon, options.json); }),
+                   options.icon);
 }
 
-void addDuplicateCommand(CLI::App& program, ParsedOptions& words, Command& chosen,
-                         const CommandContext& context) {
+void addDuplicateCommand(const Commands& commands) {
+    ParsedOptions& options = commands.options;
+    const CommandContext& context = commands.context;
     CLI::App& duplicate =
-        addCommand(program, "duplicate", "Make a second clone like the first", words, chosen,
-                   [&] { duplicateCommand(context, words.operand, words.duplicate, words.json); });
-    addCloneOperand(duplicate, words);
-    duplicate.add_option("NAME", words.duplicate.name, "The name of the new one")
+        commands.add("duplicate", "Make a second clone like the first", Effect::changesClones, [&] {
+            duplicateCommand(context, options.operand, options.duplicate, options.json);
+        });
+    addCloneOperand(duplicate, options);
+    duplicate.add_option("NAME", options.duplicate.name, "The name of the new one")
         ->required()
         ->type_name("");
-    duplicate.add_flag("--with-data", words.duplicate.withData, "Copy the data folder, too");
-    duplicate.add_option("--runner", words.duplicate.runner, "The runner to put into the clone")
-        ->type_name("FILE");
+    duplicate.add_flag("--with-data", options.duplicate.withData, "Copy the data folder, too");
+    addFile(duplicate, "--runner", "The runner to put into the clone", options.duplicate.runner);
 }
 
 // The commands about a clone's run.
-void addRunCommands(CLI::App& program, ParsedOptions& words, Command& chosen,
-                    const CommandContext& context) {
-    CLI::App& stop =
-        addCommand(program, "stop", "End everything that a clone runs", words, chosen,
-                   [&] { stopCommand(context, words.operand, words.stop, words.json); });
-    addCloneOperand(stop, words);
-    stop.add_flag("--force", words.stop.force, "Kill what does not end when asked to");
-    stop.add_option("--wait", words.stop.wait, "Seconds to wait before that (default: 10)")
+void addRunCommands(const Commands& commands) {
+    ParsedOptions& options = commands.options;
+    const CommandContext& context = commands.context;
+    CLI::App& stop = commands.add("stop", "End everything that a clone runs", Effect::none, [&] {
+        stopCommand(context, options.operand, options.stop, options.json);
+    });
+    addCloneOperand(stop, options);
+    stop.add_flag("--force", options.stop.force, "Kill what does not end when asked to");
+    stop.add_option("--wait", options.stop.wait, "Seconds to wait before that (default: 10)")
         ->type_name("S")
         ->check(CLI::Range(0.0, 3600.0).description(""));
-    CLI::App& log = addCommand(program, "log", "Print a clone's log", words, chosen, [&] {
-        logCommand(context, words.operand, words.follow, words.json);
+    CLI::App& log = commands.add("log", "Print a clone's log", Effect::none, [&] {
+        logCommand(context, options.operand, options.follow, options.json);
     });
-    addCloneOperand(log, words);
-    log.add_flag("--follow", words.follow, "Go on with what is added, until interrupted");
+    addCloneOperand(log, options);
+    log.add_flag("--follow", options.follow, "Go on with what is added, until interrupted");
 }
 
 // Returns the usage of the command given, or of the whole program if none was.
 std::string usage(const CLI::App& program) {
     const auto chosen = program.get_subcommands();
     return chosen.empty() ? program.help() : chosen.front()->help(program.get_name());
-}
-
-// Before such a command runs, what an interrupted change left is put right.
-bool changesClones(const CLI::App& program) {
-    const std::set<std::string> commands{"create", "duplicate", "edit",   "rename",
-                                         "delete", "migrate",   "refresh"};
-    const auto given = program.get_subcommands();
-    return !given.empty() && commands.contains(given.front()->get_name());
 }
 
 int showUsage(const CLI::App& program, const CommandContext& context, const std::string& message) {
@@ -277,20 +286,21 @@ int runCommandLine(const std::vector<std::string>& arguments, const CommandConte
     CLI::App program("Makes isolated copies of applications, and shortcuts.", "quorvelctl");
     program.set_version_flag("--version", "quorvelctl " QUORVEL_VERSION);
     program.require_subcommand(1);
-    ParsedOptions words;
+    ParsedOptions options;
     Command chosen;
-    addAppCommands(program, words, chosen, context);
-    addCloneCommands(program, words, chosen, context);
-    addDuplicateCommand(program, words, chosen, context);
-    addRunCommands(program, words, chosen, context);
+    const Commands commands{program, options, context, chosen};
+    addAppCommands(commands);
+    addCloneCommands(commands);
+    addDuplicateCommand(commands);
+    addRunCommands(commands);
     try {
         std::vector<std::string> reversed = withEmptyValues(program, arguments);
         std::reverse(reversed.begin(), reversed.end());
         program.parse(std::move(reversed));
-        if (changesClones(program)) {
+        if (chosen.effect == Effect::changesClones) {
             finishInterruptedChanges(context.registry.searchDirs());
         }
-        chosen();
+        chosen.run();
         return 0;
     } catch (const CLI::CallForHelp&) {
         context.output << usage(program);

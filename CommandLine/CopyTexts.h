@@ -1,6 +1,6 @@
 #pragma once
 
-#include "CommandLine/CommandContext.h"
+#include "CommandLine/ProgressBar.h"
 #include "LaunchKit/Copying/CopyFindings.h"
 #include "Platform/copying/FolderCopy.h"
 #include "Platform/processes/InterruptFlag.h"
@@ -12,28 +12,23 @@
 /// How commands show the copying of data.
 namespace quorvel {
 
-/// Shows a bar on the error stream while data is copied, if the output is a terminal, and lets an
-/// interrupt cancel the copy. The destructor erases the bar.
+/// Shows a `ProgressBar` while data is copied, and lets an interrupt cancel the copy.
 class CopyBar {
 public:
-    explicit CopyBar(const CommandContext& context) : context_(context) {}
-    CopyBar(const CopyBar&) = delete;
-    CopyBar& operator=(const CopyBar&) = delete;
-    ~CopyBar() { erase(); }
+    explicit CopyBar(const CommandContext& context) : bar_(context) {}
 
     /// Returns the options for the copy; valid as long as this is.
     [[nodiscard]] FolderCopyOptions options();
 
     /// Removes the bar from the terminal, if it is shown.
-    void erase();
+    void erase() { bar_.erase(); }
 
     /// Ends this program as the interrupt would have, if there was one.
     void deliverInterrupt() { interrupt_.deliver(); }
 
 private:
-    const CommandContext& context_;
+    ProgressBar bar_;
     InterruptFlag interrupt_{};
-    bool isShown_ = false;
 };
 
 /// Returns how the data was copied and how many bytes that took, as a line.

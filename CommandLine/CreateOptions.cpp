@@ -1,8 +1,8 @@
 #include "CommandLine/CreateOptions.h"
 
-#include "CommandLine/CloneLookup.h"
 #include "CommandLine/CommandContext.h"
 #include "CommandLine/OptionBinding.h"
+#include "CommandLine/PathWords.h"
 #include "LaunchKit/Changes/RequestCheck.h"
 #include "Presentation/SystemWords.h"
 
@@ -144,7 +144,7 @@ void addCreateOptions(CLI::App& create, CreateOptions& options) {
     add.text("--links", request.links,
              "What opens its links: default (the default browser), inside, or another clone",
              "default|inside|CLONE");
-    add.file("--runner", options.runner, "The runner to put into the clone", "FILE");
+    addFile(create, "--runner", "The runner to put into the clone", options.runner);
     create.add_flag("--launch", options.launch, "Open the clone at once");
 }
 

@@ -31,8 +31,8 @@ struct CreateOptions {
 };
 
 /// Adds the options of `create`, which set `options`; both must outlive the parsing. An empty text
-/// counts as an absent option. Paths become absolute; those that the configuration keeps may begin
-/// with "~".
+/// counts as an absent option, except for the runner. Paths become absolute; those that the
+/// configuration keeps may begin with "~".
 void addCreateOptions(CLI::App& create, CreateOptions& options);
 
 /// Returns the complete request. Throws `UsageError` for missing or conflicting options and for

@@ -93,7 +93,7 @@ void deleteDamagedClone(const CommandContext& context, const fs::path& wrapper,
 
 void deleteCommand(const CommandContext& context, const std::string& clone,
                    const DeleteOptions& options, bool json) {
-    if (const auto damaged = findDamagedClone(clone)) {
+    if (const auto damaged = findDamagedClone(context.registry, clone)) {
         deleteDamagedClone(context, *damaged, options, json);
         return;
     }

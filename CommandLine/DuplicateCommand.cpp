@@ -7,6 +7,7 @@
 #include "LaunchKit/Copying/CloneDuplication.h"
 #include "LaunchKit/Menu/MenuEntries.h"
 #include "Presentation/ChangeTexts.h"
+#include "Presentation/SystemWords.h"
 
 #include <nlohmann/json.hpp>
 
@@ -17,8 +18,7 @@ namespace {
 
 DuplicatedClone duplicated(const CommandContext& context, CopyBar& bar,
                            const InstanceRecord& original, const DuplicateOptions& options) {
-    const WrapperFactory factory(
-        options.runner.empty() ? std::nullopt : std::optional(absoluteFile(options.runner)));
+    const WrapperFactory factory(options.runner);
     const auto say = [&](const std::string& line) {
         bar.erase();
         context.errors << line << std::flush;
@@ -48,7 +48,7 @@ void duplicateCommand(const CommandContext& context, const std::string& clone,
     bar.erase();
     repairMenu(context.registry.list());
     if (!made.clone.record) {
-        throw CommandError(unreadableText(made.clone.wrapper));
+        throw CommandError(unreadableText(made.clone.wrapper, inSystemWords));
     }
     if (json) {
         nlohmann::json form = jsonForm(*made.clone.record, context.workspace.runningApplications());

@@ -2,6 +2,8 @@
 
 #include "CommandLine/CommandContext.h"
 
+#include <filesystem>
+#include <optional>
 #include <string>
 
 namespace quorvel {
@@ -9,7 +11,7 @@ namespace quorvel {
 /// What the arguments of `quorvelctl duplicate` set.
 struct DuplicateOptions {
     std::string name{};
-    std::string runner{}; ///< empty: the one that is found
+    std::optional<std::filesystem::path> runner{}; ///< absent: the one that is found
     bool withData = false;
 };
 

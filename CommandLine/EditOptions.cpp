@@ -1,8 +1,10 @@
 #include "CommandLine/EditOptions.h"
 
+#include "Base/OptionalText.h"
 #include "CommandLine/CloneLookup.h"
 #include "CommandLine/CommandContext.h"
 #include "CommandLine/OptionBinding.h"
+#include "CommandLine/PathWords.h"
 #include "Presentation/SystemWords.h"
 
 #include <CLI/CLI.hpp>
@@ -54,10 +56,6 @@ std::string required(const std::string& value, const char* option) {
     return value;
 }
 
-OptionalText orNone(const std::string& value) {
-    return value.empty() ? std::nullopt : OptionalText(value);
-}
-
 void addTargetOptions(const EditBinding& add) {
     add.text("--url", "The address that a web clone opens", "URL",
              [](CloneSettings& s, const std::string& value) {
@@ -74,14 +72,17 @@ void addTargetOptions(const EditBinding& add) {
                  requireKind(s, ShortcutKind::command, "--command");
                  s.config.commandPath = absolutePath(required(value, "--command")).string();
              });
-    add.flag("--no-args", "No arguments for the command",
-             [](CloneSettings& s) { s.config.commandArgs.clear(); });
+    add.flag("--no-args", "No arguments for the command", [](CloneSettings& s) {
+        requireKind(s, ShortcutKind::command, "--no-args");
+        s.config.commandArgs.clear();
+    });
     addRepeatable(add.command, "--arg",
                   "An argument of the command, instead of all that it had (repeatable)", "A",
                   add.options.arguments);
     add.text("--workdir", "The command's working directory; empty for none", "DIR",
              [](CloneSettings& s, const std::string& value) {
-                 s.config.workingDirectory = orNone(absolutePath(value).string());
+                 requireKind(s, ShortcutKind::command, "--workdir");
+                 s.config.workingDirectory = nothingIfEmpty(absolutePath(value).string());
              });
 }
 
@@ -93,7 +94,8 @@ void addIconOptions(const EditBinding& add) {
              });
     add.flag("--hide-icon", inSystemWords("CreateOptions", "Show no Dock icon"),
              [](CloneSettings& s) { s.hidesIcon = true; });
-    add.flag("--no-hide-icon", "Undo that", [](CloneSettings& s) { s.hidesIcon = false; });
+    add.flag("--no-hide-icon", "Show the icon again",
+             [](CloneSettings& s) { s.hidesIcon = false; });
     add.text("--label", "A short text on the icon; empty for none", "TEXT",
              [](CloneSettings& s, const std::string& value) {
                  IconLabel label = s.config.iconLabel.value_or(IconLabel{.colorHex = "#FFFFFF"});
@@ -150,8 +152,8 @@ void addSwitches(const EditBinding& add) {
             return [member, value](CloneSettings& s) { s.config.*member = value; };
         };
         add.flag(each.flag, inSystemWords(switchContext, each.help), setTo(!each.defaultValue()));
-        add.flag("--no-" + std::string(each.flag).substr(2), "Undo that",
-                 setTo(each.defaultValue()));
+        const std::string flag = each.flag;
+        add.flag("--no-" + flag.substr(2), "Turn " + flag + " off", setTo(each.defaultValue()));
     }
 }
 
@@ -186,10 +188,7 @@ void addEditOptions(CLI::App& command, EditOptions& options) {
             "--links", [&options](const std::string& value) { options.links = value; },
             "What opens its links: default (the default browser), inside, or another clone")
         ->type_name("default|inside|CLONE");
-    add.text("--runner", "The runner to put into the clone", "FILE",
-             [](CloneSettings& s, const std::string& value) {
-                 s.runner = absoluteFile(required(value, "--runner"));
-             });
+    addFile(command, "--runner", "The runner to put into the clone", options.runner);
 }
 
 CloneEdit editFrom(const EditOptions& options, const InstanceRegistry& registry) {
@@ -209,6 +208,9 @@ CloneEdit editFrom(const EditOptions& options, const InstanceRegistry& registry)
         }
         if (links) {
             settings.config.links = *links;
+        }
+        if (options.runner) {
+            settings.runner = options.runner;
         }
         editLabel(options, settings);
     };

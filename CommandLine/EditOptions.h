@@ -3,6 +3,7 @@
 #include "LaunchKit/Changes/CloneChange.h"
 #include "LaunchKit/InstanceRegistry.h"
 
+#include <filesystem>
 #include <optional>
 #include <string>
 #include <vector>
@@ -21,6 +22,7 @@ struct EditOptions {
     std::optional<std::string> labelColor{};
     std::optional<IconLabel::Position> labelPosition{};
     std::optional<std::string> links{}; ///< as `linksChoice` takes it
+    std::optional<std::filesystem::path> runner{};
 };
 
 /// Adds the options of `edit`, which set `options`; both must outlive the parsing. Paths become

@@ -1,6 +1,7 @@
 #include "CommandLine/OptionBinding.h"
 
 #include "CommandLine/CommandContext.h"
+#include "CommandLine/PathWords.h"
 
 #include <CLI/CLI.hpp>
 
@@ -27,6 +28,21 @@ void addRepeatable(CLI::App& command, const std::string& name, const std::string
         ->trigger_on_parse()
         ->multi_option_policy(CLI::MultiOptionPolicy::TakeLast)
         ->type_name(placeholder);
+}
+
+void addFile(CLI::App& command, const std::string& name, const std::string& help,
+             std::optional<std::filesystem::path>& file) {
+    command
+        .add_option_function<std::string>(
+            name,
+            [&file, name](const std::string& value) {
+                if (value.empty()) {
+                    throw UsageError(name + " must not be empty");
+                }
+                file = absoluteFile(value);
+            },
+            help)
+        ->type_name("FILE");
 }
 
 void setPair(std::map<std::string, std::string>& pairs, const std::string& text,

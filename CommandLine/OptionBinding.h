@@ -2,8 +2,10 @@
 
 #include "LaunchKit/Records/EnumNames.h"
 
+#include <filesystem>
 #include <functional>
 #include <map>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -18,6 +20,10 @@ namespace quorvel {
 /// like an option. The values are appended to `values`.
 void addRepeatable(CLI::App& command, const std::string& name, const std::string& help,
                    const std::string& placeholder, std::vector<std::string>& values);
+
+/// Adds an option that names a file, which is made absolute. An empty value is a `UsageError`.
+void addFile(CLI::App& command, const std::string& name, const std::string& help,
+             std::optional<std::filesystem::path>& file);
 
 /// Sets an entry from the text "KEY=VALUE" that was given to `option`, in place of one of the same
 /// key. Throws `UsageError` for a text without a key.

@@ -1,9 +1,10 @@
 #include "CommandLine/ProbeCommands.h"
 
 #include "CommandLine/AppLookup.h"
-#include "CommandLine/CloneLookup.h"
 #include "CommandLine/CloneTexts.h"
+#include "CommandLine/PathWords.h"
 #include "CommandLine/ProbeTexts.h"
+#include "CommandLine/ProgressBar.h"
 #include "LaunchKit/AppCatalog.h"
 #include "Platform/processes/InterruptFlag.h"
 #include "ProbeKit/AppProber.h"
@@ -74,25 +75,9 @@ ProbeResult runWithBar(const CommandContext& context, const AppProber& prober,
     TrialProcesses processes;
     options.cancelled = &interruption.flag();
     options.release = [&](TrialProcess trial) { processes.take(std::move(trial)); };
-    const bool hasBar = context.outputIsTerminal;
-    if (hasBar) {
-        options.progress = [&](double fraction) {
-            context.errors << progressBar(fraction) << std::flush;
-        };
-    }
-    const auto removeBar = [&] {
-        if (hasBar) {
-            context.errors << noProgressBar() << std::flush;
-        }
-    };
-    try {
-        ProbeResult result = prober.run(options);
-        removeBar();
-        return result;
-    } catch (const std::runtime_error&) {
-        removeBar();
-        throw;
-    }
+    ProgressBar bar(context);
+    options.progress = [&](double fraction) { bar.show(fraction); };
+    return prober.run(options);
 }
 
 } // namespace

@@ -3,18 +3,17 @@
 #include "Base/TerminalText.h"
 #include "Base/Utf8.h"
 #include "Presentation/AppTexts.h"
+#include "Presentation/JoinedText.h"
 #include "Presentation/StrategyTexts.h"
 
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
-#include <cmath>
 
 namespace quorvel {
 namespace {
 
 constexpr std::size_t examples = 3;
-constexpr int barWidth = 40;
 
 std::string inWords(SingletonTier tier) {
     switch (tier) {
@@ -156,9 +155,9 @@ std::string description(const AppProfile& profile, const ProbeResult& result,
     }
     const auto environment = profile.environment.value_or(std::map<std::string, std::string>{});
     for (const auto& [key, value] : environment) {
-        text += line("Variable", terminalText(std::string(key).append("=").append(value)));
+        text += line("Variable", terminalText(keyValueLine(key, value)));
     }
-    if (const auto cost = environmentCost(environment)) {
+    if (const auto cost = environmentCost(environment, translate)) {
         text += *cost + "\n";
     }
     text += writes(result, translate);
@@ -169,19 +168,6 @@ std::string description(const AppProfile& profile, const ProbeResult& result,
                 ? "The record is complete.\n"
                 : "The record may be incomplete: the system could not report every write.\n";
     return text;
-}
-
-std::string progressBar(double fraction) {
-    const int full = static_cast<int>(std::lround(std::clamp(fraction, 0.0, 1.0) * barWidth));
-    std::string bar = "\r[";
-    for (int column = 0; column < barWidth; ++column) {
-        bar += column < full ? '#' : ' ';
-    }
-    return bar + "]";
-}
-
-std::string noProgressBar() {
-    return "\r" + std::string(barWidth + 2, ' ') + "\r";
 }
 
 } // namespace quorvel

@@ -31,9 +31,4 @@ namespace quorvel {
 [[nodiscard]] std::string description(const AppProfile& profile, const ProbeResult& result,
                                       const Translate& translate = inSystemWords);
 
-/// Returns a bar of fixed width, filled to `fraction` (0 to 1), that overwrites the current line.
-[[nodiscard]] std::string progressBar(double fraction);
-/// Returns the text that erases such a bar.
-[[nodiscard]] std::string noProgressBar();
-
 } // namespace quorvel

@@ -15,13 +15,13 @@ namespace quorvel {
 /// effect later, what was kept as it is, and what else went wrong. `isRunning` says whether the
 /// clone runs.
 [[nodiscard]] std::vector<std::string> changeNotes(const ChangedClone& changed, bool isRunning,
-                                                   const Translate& translate = inEnglish);
+                                                   const Translate& translate);
 
 /// Returns the sentence that says that a new clone was made, but can't be read.
 [[nodiscard]] std::string unreadableText(const std::filesystem::path& clone,
-                                         const Translate& translate = inEnglish);
+                                         const Translate& translate);
 
 /// Returns what is out of date in a clone, as a word: "runner".
-[[nodiscard]] std::string reasonText(StaleReason reason, const Translate& translate = inEnglish);
+[[nodiscard]] std::string reasonText(StaleReason reason, const Translate& translate);
 
 } // namespace quorvel

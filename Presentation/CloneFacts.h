@@ -36,7 +36,7 @@ struct Fact {
 
 /// Returns the rows of a clone's details, top to bottom.
 [[nodiscard]] std::vector<Fact> cloneDetails(const InstanceRecord& clone,
-                                             const Translate& translate = inEnglish,
+                                             const Translate& translate,
                                              WindowGrouping grouping = WindowGrouping::own);
 
 /// What is known about a clone besides its configuration.
@@ -49,6 +49,6 @@ struct CloneState {
 /// Returns everything known about a clone: the rows of `cloneDetails`, with paths unabbreviated,
 /// and others between them.
 [[nodiscard]] std::vector<Fact> cloneReport(const InstanceRecord& clone, const CloneState& state,
-                                            const Translate& translate = inEnglish);
+                                            const Translate& translate);
 
 } // namespace quorvel

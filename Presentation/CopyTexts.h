@@ -15,26 +15,23 @@ namespace quorvel {
 [[nodiscard]] double shareDone(const CopyProgress& progress);
 
 /// Returns how far a copy is, in items and bytes.
-[[nodiscard]] std::string progressText(const CopyProgress& progress,
-                                       const Translate& translate = inEnglish);
+[[nodiscard]] std::string progressText(const CopyProgress& progress, const Translate& translate);
 
 /// Returns how the files were copied, as scripts read it: "cloned" if all share their blocks with
 /// the originals, "copied" if none does, otherwise "partly cloned".
 [[nodiscard]] const char* copyMethod(const FolderCopyReport& report);
 
 /// Returns the sentence that says how the data was copied, and how many bytes that took.
-[[nodiscard]] std::string copySentence(const FolderCopyReport& report,
-                                       const Translate& translate = inEnglish);
+[[nodiscard]] std::string copySentence(const FolderCopyReport& report, const Translate& translate);
 
 /// Returns the warning about cookies and passwords that only this session's keyring can decrypt;
 /// empty if there are none.
-[[nodiscard]] std::string keyringSentence(const CopyFindings& findings,
-                                          const Translate& translate = inEnglish);
+[[nodiscard]] std::string keyringSentence(const CopyFindings& findings, const Translate& translate);
 
 /// Returns which copied files name the original's data folder: a sentence, then a line for each of
 /// the first ones. Empty if none does. `shown` makes a file's name safe to display.
 [[nodiscard]] std::string findingLines(const CopyFindings& findings,
                                        const std::function<std::string(const std::string&)>& shown,
-                                       const Translate& translate = inEnglish);
+                                       const Translate& translate);
 
 } // namespace quorvel

@@ -15,6 +15,6 @@ struct DeletionWarning {
 /// Returns the warning about the running clone `name`, whose data is deleted, too, if
 /// `includingData`.
 [[nodiscard]] DeletionWarning deletionWarning(const std::string& name, bool includingData,
-                                              const Translate& translate = inEnglish);
+                                              const Translate& translate);
 
 } // namespace quorvel

@@ -19,7 +19,6 @@ struct RefreshSummary {
 };
 
 /// Returns the message about a refresh: how many clones were refreshed, how many not and why.
-[[nodiscard]] std::string refreshMessage(const RefreshSummary& summary,
-                                         const Translate& translate = inEnglish);
+[[nodiscard]] std::string refreshMessage(const RefreshSummary& summary, const Translate& translate);
 
 } // namespace quorvel

@@ -8,10 +8,11 @@
 #include "Platform/files/PlatformError.h"
 #include "Platform/windows/ActivationError.h"
 #include "Presentation/CloneNaming.h"
+#include "Presentation/JoinedText.h"
 #include "Presentation/MigrationSummary.h"
 #include "ProbeKit/ProfileGenerator.h"
+#include "QuorvelApp/model/EditedClone.h"
 #include "QuorvelApp/model/Outcome.h"
-#include "QuorvelApp/model/SandboxCheck.h"
 #include "QuorvelApp/model/Translated.h"
 
 #include <QPointer>
@@ -50,7 +51,7 @@ AppProfile detect(const Detection& services) {
 
 struct CreatedWrapper {
     std::filesystem::path path{};
-    std::optional<std::string> warning{}; ///< for the user
+    std::vector<std::string> warnings{}; ///< for the user
 };
 
 // For a missing item, file managers show its folder or nothing.
@@ -230,18 +231,20 @@ void AppModel::opened(const std::optional<PlatformError>& error) {
 
 QFuture<InstanceRecord> AppModel::createClone(const WrapperFactory::Request& request,
                                               bool launchAfter,
+                                              const RequestPermissions& permissions,
                                               const AppServices::WrapperMaker& make) {
     return services_.tasks->detached(
         TaskPriority::userInitiated, this,
-        [create = make ? make : services_.createWrapper, request] {
+        [create = make ? make : services_.createWrapper, request, permissions] {
             CreatedWrapper made;
-            made.path = create(request, [&](const std::string& text) { made.warning = text; });
+            made.path = create(request, permissions,
+                               [&](const std::string& text) { made.warnings.push_back(text); });
             return made;
         },
         [this, request, launchAfter](const CreatedWrapper& made) {
             InstanceRecord record = created(made.path, request, launchAfter);
-            if (made.warning) {
-                setLastError(made.warning);
+            if (!made.warnings.empty()) {
+                setLastError(joined(made.warnings, "\n"));
             }
             return record;
         });
@@ -318,6 +321,13 @@ QFuture<void> AppModel::revealItem(const std::filesystem::path& item) {
                                              setLastError(outcome.failure);
                                          }
                                      });
+}
+
+QFuture<EditedClone> AppModel::readForEditing(const InstanceRecord& record) {
+    return services_.tasks->detached(
+        TaskPriority::userInitiated, this,
+        [wrapper = record.bundleURL] { return EditedClone::read(wrapper); },
+        [](const EditedClone& clone) { return clone; });
 }
 
 QFuture<WindowGrouping> AppModel::windowGrouping(const InstanceRecord& record) {

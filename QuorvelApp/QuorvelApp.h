@@ -18,7 +18,7 @@ public:
                         std::unique_ptr<UpdateService> updates = nullptr);
     QuorvelApp(const QuorvelApp&) = delete;
     QuorvelApp& operator=(const QuorvelApp&) = delete;
-    /// Cancels a probe under way.
+    /// Cancels a probe, a question to a site, and the waiting for a clone to end.
     ~QuorvelApp();
 
     /// Shows the window and brings it to the front.

@@ -16,6 +16,9 @@ struct CopyFindings {
     /// Cookies and passwords in the copy that only the session's keyring can decrypt.
     std::size_t lockedCookies = 0;
     std::size_t lockedPasswords = 0;
+
+    /// Returns whether there are any of those.
+    [[nodiscard]] bool needsKeyring() const { return lockedCookies > 0 || lockedPasswords > 0; }
 };
 
 /// Looks through data while it is copied, when its bytes are in memory. What can't be read is

@@ -22,6 +22,8 @@ constexpr std::size_t longestName = 40;
 constexpr std::size_t largestTitle = 4096;
 constexpr std::size_t largestIcon = std::size_t{2} << 20U;
 constexpr unsigned largestSide = 512;
+// Short enough that cancelling feels immediate.
+constexpr std::chrono::milliseconds nap{100};
 
 std::string withoutLineEnd(std::string text) {
     while (text.ends_with('\n')) {
@@ -30,11 +32,30 @@ std::string withoutLineEnd(std::string text) {
     return text;
 }
 
+// Returns the status; std::nullopt if the program was killed because it took too long.
+std::optional<int> statusOf(Process& process, std::chrono::milliseconds patience,
+                            const std::atomic<bool>* cancelled) {
+    const auto isCancelled = [&] { return cancelled != nullptr && *cancelled; };
+    std::optional<int> status;
+    for (auto left = patience; !status && left.count() > 0 && !isCancelled(); left -= nap) {
+        status = process.waitUntilExit(std::min(left, nap));
+    }
+    if (!status) {
+        process.sendSignal(SIGKILL);
+        (void)process.waitUntilExit();
+        if (isCancelled()) {
+            throw SitePreviewError("the question was cancelled");
+        }
+    }
+    return status;
+}
+
 // Returns what the program printed if it failed.
 std::optional<std::string> failureOf(const std::filesystem::path& program,
                                      const std::string& address,
                                      const std::filesystem::path& folder,
-                                     std::chrono::milliseconds patience) {
+                                     std::chrono::milliseconds patience,
+                                     const std::atomic<bool>* cancelled) {
     const std::string reasonFile = folder / "reason";
     const FileHandle output(
         ::open(reasonFile.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600));
@@ -47,13 +68,9 @@ std::optional<std::string> failureOf(const std::filesystem::path& program,
     options.standardOutput = Process::ToFile{output.descriptor()};
     options.standardError = Process::Discard{};
     Process process = Process::run(options);
-    const auto status = process.waitUntilExit(patience);
+    const auto status = statusOf(process, patience, cancelled);
     if (status == 0) {
         return std::nullopt;
-    }
-    if (!status) {
-        process.sendSignal(SIGKILL);
-        (void)process.waitUntilExit();
     }
     // It sets itself a time, too.
     if (!status || *status == 128 + SIGALRM) {
@@ -99,7 +116,8 @@ std::string nameFromTitle(const std::string& title) {
 
 SitePreview fetchSitePreview(const std::filesystem::path& program, const std::string& address,
                              const std::filesystem::path& folder,
-                             std::chrono::milliseconds patience) {
+                             std::chrono::milliseconds patience,
+                             const std::atomic<bool>* cancelled) {
     if (!folder.is_absolute()) {
         throw SitePreviewError("there is no folder for what it sends");
     }
@@ -107,7 +125,7 @@ SitePreview fetchSitePreview(const std::filesystem::path& program, const std::st
         // The same as the clone will do with it.
         const std::string whole =
             address.find("://") == std::string::npos ? "https://" + address : address;
-        if (const auto failure = failureOf(program, whole, folder, patience)) {
+        if (const auto failure = failureOf(program, whole, folder, patience, cancelled)) {
             throw SitePreviewError(*failure);
         }
         return {nameFromTitle(readFile(folder / "title", largestTitle).value_or(std::string())),

@@ -38,9 +38,9 @@ AppServices AppServices::system(ActivationTokenSource tokens) {
         return ShippedProfiles::suggestedEnvironment(app);
     };
     services.createWrapper = [](const WrapperFactory::Request& request,
+                                const RequestPermissions& permissions,
                                 const WrapperFactory::Warning& warn) {
-        // The form has warned that a clone of that name is replaced.
-        return createClone(WrapperFactory(), request, {.existingClone = true}, warn).wrapper;
+        return createClone(WrapperFactory(), request, permissions, warn).wrapper;
     };
     services.repairMenu = [](const std::vector<InstanceRecord>& clones) {
         (void)quorvel::repairMenu(clones);
@@ -50,9 +50,10 @@ AppServices AppServices::system(ActivationTokenSource tokens) {
         return probeApp(app, workspace, *quitting);
     };
     if (const auto program = sitePreviewProgram(currentEnvironment())) {
-        services.previewSite = [program = *program](const std::string& address,
-                                                    const std::filesystem::path& folder) {
-            return fetchSitePreview(program, address, folder);
+        services.previewSite = [program = *program,
+                                quitting = services.quitting](const std::string& address,
+                                                              const std::filesystem::path& folder) {
+            return fetchSitePreview(program, address, folder, sitePatience, quitting.get());
         };
     }
     services.after = [](std::chrono::milliseconds time, QObject* context,

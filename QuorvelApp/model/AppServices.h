@@ -2,6 +2,7 @@
 
 #include "LaunchKit/AppBundle.h"
 #include "LaunchKit/AppCatalog.h"
+#include "LaunchKit/Changes/RequestCheck.h"
 #include "LaunchKit/InstanceRegistry.h"
 #include "LaunchKit/Targets/SitePreview.h"
 #include "LaunchKit/WrapperFactory.h"
@@ -34,6 +35,7 @@ struct AppServices {
 
     /// Makes a clone, calls `warn` about what went wrong besides, and returns the wrapper.
     using WrapperMaker = std::function<std::filesystem::path(const WrapperFactory::Request& request,
+                                                             const RequestPermissions& permissions,
                                                              const WrapperFactory::Warning& warn)>;
 
     InstanceRegistry registry{};
@@ -44,7 +46,7 @@ struct AppServices {
     /// Returns the variables to propose for a clone of the app.
     std::function<std::map<std::string, std::string>(const AppBundle&)> suggestEnvironment{};
     /// Returns the new wrapper. Throws what the factory throws, and `InvalidRequest` rather than
-    /// replace something that is not a clone.
+    /// replace something that is not a clone, or a clone without permission.
     WrapperMaker createWrapper{};
     /// Brings the user's menu into line with the clones. Never throws.
     std::function<void(const std::vector<InstanceRecord>&)> repairMenu{};
@@ -57,7 +59,8 @@ struct AppServices {
     Delay after{};
     /// How long clones may take that are asked to end.
     std::chrono::milliseconds stopPatience{std::chrono::seconds(10)};
-    /// Set when the application quits, which cancels a running probe. Never null in `system()`.
+    /// Set when the application quits, which cancels a probe and the question to a site. Never null
+    /// in `system()`.
     std::shared_ptr<std::atomic<bool>> quitting{};
 
     /// Returns the services of this computer.

@@ -67,6 +67,12 @@ std::string identityAfter(const InstanceRecord& old, const InstanceRecord& now) 
 
 CloneChanges::CloneChanges(AppModel& model, QObject* parent) : QObject(parent), model_(model) {}
 
+CloneChanges::~CloneChanges() {
+    for (const auto& [id, cancelled] : stopping_) {
+        *cancelled = true;
+    }
+}
+
 QFuture<void> CloneChanges::rename(const InstanceRecord& clone, const std::string& name) {
     renaming_.insert(clone.id());
     Q_EMIT activityChanged();

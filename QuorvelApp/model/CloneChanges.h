@@ -36,6 +36,10 @@ class CloneChanges : public QObject {
 public:
     /// `model` must outlive it.
     explicit CloneChanges(AppModel& model, QObject* parent = nullptr);
+    CloneChanges(const CloneChanges&) = delete;
+    CloneChanges& operator=(const CloneChanges&) = delete;
+    /// Stops waiting for clones to end.
+    ~CloneChanges() override;
 
     /// Gives the clone another name; its data stays where it is.
     QFuture<void> rename(const InstanceRecord& clone, const std::string& name);
@@ -48,6 +52,11 @@ public:
                           const std::shared_ptr<ChangeProgress>& progress);
     /// Returns whether a refresh is under way.
     [[nodiscard]] bool isRefreshing() const { return refreshing_ > 0; }
+    /// Returns whether the clone is being changed, so that nothing else may be done with it. A
+    /// clone that is being renamed has a new identity afterwards.
+    [[nodiscard]] bool isChanging(const InstanceRecord& clone) const {
+        return isRefreshing() || isRenaming(clone);
+    }
 
     /// Whether what does not end when asked is killed.
     enum class Force { never, afterAsking };

@@ -1,7 +1,6 @@
 #include "QuorvelApp/model/NewCloneSession.h"
 
 #include "LaunchKit/InstanceRecord.h"
-#include "Presentation/CopyTexts.h"
 #include "QuorvelApp/model/Continuation.h"
 #include "QuorvelApp/model/CopyResult.h"
 #include "QuorvelApp/model/SeededCreation.h"
@@ -23,6 +22,9 @@ bool report(AppModel& model, const QFuture<InstanceRecord>& outcome, const Copie
         clone = outcome.result();
     } catch (const CopyCancelled&) {
         return false; // as the user knows
+    } catch (const CloneExists& error) {
+        model.reload(); // the form warns of it from now on
+        failure = error.what();
     } catch (const std::exception& error) {
         failure = error.what();
     }
@@ -30,7 +32,7 @@ bool report(AppModel& model, const QFuture<InstanceRecord>& outcome, const Copie
         model.setLastError(failure);
     } else if (seed != nullptr) {
         model.setStatusMessage(copyResult(seed->data, seed->findings));
-        if (launchAfter && keyringSentence(seed->findings).empty()) {
+        if (launchAfter && !seed->findings.needsKeyring()) {
             model.launch(*clone);
         }
     }
@@ -124,11 +126,15 @@ void NewCloneSession::create() {
         seed = std::make_shared<CopiedSeed>();
         make = seededMaker(copy_->control(), seed);
     }
+    // Only what the form has warned of is replaced.
+    const RequestPermissions permissions{.existingClone =
+                                             !form_.replacementText(model_.clones()).empty()};
     edit([](NewCloneForm& form) { form.creating = true; });
     // The outcome is reported even if the sheet has been closed meanwhile, unless that has
     // cancelled the copy.
     const bool launchAfter = form_.launchAfter;
-    continued(model_.createClone(form_.makeRequest(), launchAfter && !seed, make), &model_,
+    continued(model_.createClone(form_.makeRequest(), launchAfter && !seed, permissions, make),
+              &model_,
               [&model = model_, self = QPointer(this), icons = siteFolders_, seed,
                launchAfter](const QFuture<InstanceRecord>& outcome) {
                   const bool isCreated = report(model, outcome, seed.get(), launchAfter);
@@ -203,8 +209,8 @@ void NewCloneSession::detect() {
     continued(model_.detectStrategy(*form_.selected), this,
               [this, app = *form_.selected](const QFuture<AppProfile>& outcome) {
                   edit([&](NewCloneForm& form) {
-                      form.detecting = false;
                       if (form.selected != app) {
+                          form.detecting = false;
                           return; // the result is about another app than the one selected now
                       }
                       try {

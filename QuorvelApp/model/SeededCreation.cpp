@@ -10,10 +10,10 @@ namespace quorvel {
 AppServices::WrapperMaker seededMaker(std::shared_ptr<const BackgroundCopy::Control> control,
                                       std::shared_ptr<CopiedSeed> seed) {
     return [control = std::move(control), seed = std::move(seed)](
-               const WrapperFactory::Request& request, const WrapperFactory::Warning& warn) {
-        // The form has warned that a clone of that name is replaced.
+               const WrapperFactory::Request& request, const RequestPermissions& permissions,
+               const WrapperFactory::Warning& warn) {
         CloneWithData made =
-            createCloneWithData(WrapperFactory(), request, {.existingClone = true},
+            createCloneWithData(WrapperFactory(), request, permissions,
                                 {.parts = seedFor(request), .copy = control->options()}, warn);
         *seed = {made.data, std::move(made.findings)};
         return made.clone.wrapper;

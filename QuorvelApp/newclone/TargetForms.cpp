@@ -2,6 +2,7 @@
 
 #include "QuorvelApp/Components.h"
 #include "QuorvelApp/newclone/FormBindings.h"
+#include "QuorvelApp/newclone/KindLook.h"
 
 #include <QHBoxLayout>
 #include <QLineEdit>
@@ -11,7 +12,7 @@ namespace quorvel {
 
 using namespace Qt::StringLiterals;
 
-TargetForm::TargetForm(NewCloneSession& session, const QString& symbol, const QString& heading,
+TargetForm::TargetForm(NewCloneSession& session, ShortcutKind kind, const QString& heading,
                        QWidget* parent)
     : QWidget(parent),
       session_(session),
@@ -20,18 +21,10 @@ TargetForm::TargetForm(NewCloneSession& session, const QString& symbol, const QS
     column_->setSpacing(10);
     auto* row = new QHBoxLayout;
     row->setSpacing(8);
-    row->addWidget(new SymbolView(symbol, Ink::text, 17));
+    row->addWidget(new SymbolView(KindLook::of(kind).symbol, Ink::text, 17));
     row->addWidget(makeLabel(heading, TextStyle::headline));
     row->addStretch();
     column_->addLayout(row);
-}
-
-QLineEdit* TargetForm::addField(const QString& placeholder, const QString& accessibleName) {
-    auto* field = new QLineEdit;
-    field->setPlaceholderText(placeholder);
-    field->setAccessibleName(accessibleName);
-    column_->addWidget(field);
-    return field;
 }
 
 QLineEdit* TargetForm::addField(const QString& placeholder, const QString& accessibleName,
@@ -42,13 +35,11 @@ QLineEdit* TargetForm::addField(const QString& placeholder, const QString& acces
     auto* row = new QHBoxLayout;
     row->setSpacing(8);
     row->addWidget(field, 1);
-    row->addWidget(button);
+    if (button != nullptr) {
+        row->addWidget(button);
+    }
     column_->addLayout(row);
     return field;
-}
-
-void TargetForm::addRow(QWidget* row) {
-    column_->addWidget(row);
 }
 
 void TargetForm::addCaption(const QString& text) {
@@ -57,7 +48,7 @@ void TargetForm::addCaption(const QString& text) {
 }
 
 WebForm::WebForm(NewCloneSession& session)
-    : TargetForm(session, u"globe"_s, tr("Website URL")),
+    : TargetForm(session, ShortcutKind::web, tr("Website URL")),
       ask_(makeButton(tr("&Get Icon and Title"), ButtonLook::standard)) {
     bindField(session, addField(u"example.com"_s, tr("Website URL"), ask_), &NewCloneForm::webURL,
               &NewCloneForm::autoNameIfNeeded);
@@ -78,7 +69,7 @@ void WebForm::refresh() {
 }
 
 FileForm::FileForm(NewCloneSession& session)
-    : TargetForm(session, u"folder"_s, tr("File or Folder")) {
+    : TargetForm(session, ShortcutKind::file, tr("File or Folder")) {
     QPushButton* browse = makeButton(tr("&Browse…"), ButtonLook::standard);
     bindField(session, addField(tr("No item selected"), tr("File or Folder"), browse),
               &NewCloneForm::filePath);
@@ -92,7 +83,7 @@ void FileForm::chooseFile() {
 }
 
 CommandForm::CommandForm(NewCloneSession& session)
-    : TargetForm(session, u"terminal"_s, tr("Command")) {
+    : TargetForm(session, ShortcutKind::command, tr("Command")) {
     QPushButton* command = makeButton(tr("C&hoose…"), ButtonLook::standard);
     QPushButton* folder = makeButton(tr("Ch&oose…"), ButtonLook::standard);
     folder->setAccessibleName(tr("Choose the working directory…"));
@@ -109,7 +100,7 @@ CommandForm::CommandForm(NewCloneSession& session)
         tr("Runs any executable/script with arguments, a working directory, and the "
            "environment variables below.");
     addCaption(session.form().edited
-                   ? caption + u' ' + tr("An argument with spaces stands in double quotes.")
+                   ? caption + u' ' + tr("Put an argument with spaces in double quotes.")
                    : caption);
 }
 

@@ -15,14 +15,13 @@ class TargetForm : public QWidget {
     Q_OBJECT
 
 public:
-    TargetForm(NewCloneSession& session, const QString& symbol, const QString& heading,
+    /// Has the symbol of that kind.
+    TargetForm(NewCloneSession& session, ShortcutKind kind, const QString& heading,
                QWidget* parent = nullptr);
 
 protected:
-    QLineEdit* addField(const QString& placeholder, const QString& accessibleName);
     QLineEdit* addField(const QString& placeholder, const QString& accessibleName,
-                        QPushButton* button);
-    void addRow(QWidget* row);
+                        QPushButton* button = nullptr);
     void addCaption(const QString& text);
     [[nodiscard]] NewCloneSession& session() const { return session_; }
 

@@ -124,6 +124,31 @@ TEST_F(ChangeCommandsTest, EditRefusesWhatIsNotForThisCloneOrNotForEditing) {
     }
     EXPECT_EQ(harness.run({"edit", "None", "--arg", "x"}).status, 1);
     EXPECT_TRUE(treeOf(wrapper()) == before);
+    (void)make({"--kind", "web", "--name", "Web", "--url", "https://a.test"});
+    const auto site = treeOf(wrapper("Web"));
+    for (const Words& words :
+         {Words{"--command", "/bin/true"}, Words{"--arg", "x"}, Words{"--no-args"},
+          Words{"--workdir", "/tmp"}, Words{"--workdir", ""}}) {
+        Words all{"edit", "Web"};
+        all.insert(all.end(), words.begin(), words.end());
+        EXPECT_EQ(harness.run(all).status, 2) << words.front();
+    }
+    EXPECT_TRUE(treeOf(wrapper("Web")) == site);
+}
+
+TEST_F(ChangeCommandsTest, AnEmptyRunnerIsNotTakenForAFile) {
+    const auto before = treeOf(harness.home.path());
+    for (const Words& words :
+         {Words{"create", "--kind", "web", "--name", "Web", "--url", "https://a.test"},
+          Words{"duplicate", "Work", "Play"}, Words{"edit", "Work"}, Words{"refresh", "--all"},
+          Words{"list", "--stale"}}) {
+        Words all = words;
+        all.insert(all.end(), {"--runner", ""});
+        const CommandResult refused = harness.run(all);
+        EXPECT_EQ(refused.status, 2) << words.front();
+        EXPECT_THAT(refused.errors, HasSubstr("--runner must not be empty")) << words.front();
+    }
+    EXPECT_TRUE(treeOf(harness.home.path()) == before);
 }
 
 TEST_F(ChangeCommandsTest, ChangesOfARunningCloneSayWhenTheyTakeEffect) {

@@ -214,6 +214,21 @@ TEST_F(DeleteCommandTest, ADamagedCloneIsDeletedByItsPathAfterAQuestion) {
     EXPECT_TRUE(fs::exists(data / "file"));
 }
 
+TEST_F(DeleteCommandTest, ADamagedCloneIsFoundByItsNameInTheWorkingFolder) {
+    const fs::path wrapper = addDamagedClone();
+    InstanceConfig config = minimalConfig("Work.app");
+    const fs::path named = makeWrapper(harness.home / "Applications/Other.app", config);
+    const fs::path before = fs::current_path();
+    fs::current_path(wrapper.parent_path());
+    EXPECT_EQ(harness.run({"delete", "Work.app", "--yes"}).status, 0);
+    EXPECT_FALSE(fs::exists(named)) << "a name comes first";
+    EXPECT_TRUE(fs::exists(wrapper));
+    const auto deleted = harness.run({"delete", "Work.app", "--yes"});
+    fs::current_path(before);
+    EXPECT_EQ(deleted.status, 0) << deleted.errors;
+    EXPECT_FALSE(fs::exists(wrapper));
+}
+
 TEST_F(DeleteCommandTest, ACloneThatReplacesADamagedOneWhileTheQuestionIsOpenStays) {
     const fs::path wrapper = addDamagedClone();
     harness.inputIsTerminal = true;

@@ -122,7 +122,8 @@ TEST(ProbeCommandsTest, ProbeCommandDrawsABarOnATerminalAndErasesIt) {
     trial.plan("wait\n");
     Session session(*trial.workspace, true);
     probeCommand(session.context, trial.app, quickly(trial), false, noEntitlements);
-    EXPECT_THAT(session.errors.str(), AllOf(HasSubstr("[####"), EndsWith(noProgressBar())));
+    EXPECT_THAT(session.errors.str(),
+                AllOf(HasSubstr("[####"), EndsWith("\r" + std::string(42, ' ') + "\r")));
     EXPECT_THAT(session.output.str(), HasSubstr("Recommendation"));
 }
 

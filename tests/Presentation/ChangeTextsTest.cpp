@@ -15,10 +15,10 @@ ChangedClone changedClone() {
 }
 
 TEST(ChangeTextsTest, AChangeWithNothingToKnowHasNoNotes) {
-    EXPECT_THAT(changeNotes(changedClone(), false), IsEmpty());
+    EXPECT_THAT(changeNotes(changedClone(), false, inEnglish), IsEmpty());
     ChangedClone unchanged = changedClone();
     unchanged.isChanged = false;
-    EXPECT_THAT(changeNotes(unchanged, true), IsEmpty());
+    EXPECT_THAT(changeNotes(unchanged, true, inEnglish), IsEmpty());
 }
 
 TEST(ChangeTextsTest, WhatTheUserShouldKnowIsSaidInOrder) {
@@ -26,7 +26,7 @@ TEST(ChangeTextsTest, WhatTheUserShouldKnowIsSaidInOrder) {
     changed.kept = {"the icon", "“K” in Info.plist"};
     changed.warnings = {"Something went wrong."};
     EXPECT_THAT(
-        changeNotes(changed, true),
+        changeNotes(changed, true, inEnglish),
         ElementsAre(
             "“Work” is running. The change takes effect at its next start.",
             "Changed in “Work” by other means, so kept as it is: the icon, “K” in Info.plist",
@@ -34,9 +34,9 @@ TEST(ChangeTextsTest, WhatTheUserShouldKnowIsSaidInOrder) {
 }
 
 TEST(ChangeTextsTest, EveryReasonHasAWord) {
-    EXPECT_EQ(reasonText(StaleReason::runner), "runner");
-    EXPECT_EQ(reasonText(StaleReason::arguments), "arguments");
-    EXPECT_EQ(reasonText(StaleReason::icon), "icon");
+    EXPECT_EQ(reasonText(StaleReason::runner, inEnglish), "runner");
+    EXPECT_EQ(reasonText(StaleReason::arguments, inEnglish), "arguments");
+    EXPECT_EQ(reasonText(StaleReason::icon, inEnglish), "icon");
 }
 
 } // namespace

@@ -50,8 +50,8 @@ TEST(CloneFactsTest, TheSourceOfAnAppIsItsNameOrItsWholePath) {
 TEST(CloneFactsTest, WhatOpensLinksIsShownIfItIsNotTheDefaultBrowser) {
     InstanceRecord clone = cloneOf(ShortcutKind::app);
     const std::string label = "Links open in";
-    const auto detail = [&] { return valueOf(cloneDetails(clone), label); };
-    const auto report = [&] { return valueOf(cloneReport(clone, {}), label); };
+    const auto detail = [&] { return valueOf(cloneDetails(clone, inEnglish), label); };
+    const auto report = [&] { return valueOf(cloneReport(clone, {}, inEnglish), label); };
     EXPECT_EQ(detail(), "no such row");
     clone.config.links = "default";
     EXPECT_EQ(report(), "no such row");
@@ -90,7 +90,7 @@ TEST(CloneFactsTest, TheSourceOfACommandIsItsLine) {
 
 TEST(CloneFactsTest, APlainAppCloneHasSixDetails) {
     EXPECT_THAT(
-        labelsOf(cloneDetails(cloneOf(ShortcutKind::app))),
+        labelsOf(cloneDetails(cloneOf(ShortcutKind::app), inEnglish)),
         ElementsAre("Kind", "Source app", "Strategy", "Data home", "Bundle id", "Location"));
 }
 
@@ -99,7 +99,7 @@ TEST(CloneFactsTest, ArgumentsAndEnvironmentAreDetailsWhereThereAreSome) {
     clone.config.targetAppPath = "/Applications/Chat.app";
     clone.config.extraArgs = {"--a", "b c"};
     clone.config.environment = {{"B", "2"}, {"A", "1"}, {"a", "3"}};
-    EXPECT_THAT(cloneDetails(clone),
+    EXPECT_THAT(cloneDetails(clone, inEnglish),
                 ElementsAre(Fact{"Kind", {"App"}}, Fact{"Source app", {"Chat"}},
                             Fact{"Strategy", {"Home override (A)"}},
                             Fact{"Arguments", {"--a b c"}, true},
@@ -107,7 +107,7 @@ TEST(CloneFactsTest, ArgumentsAndEnvironmentAreDetailsWhereThereAreSome) {
                             Fact{"Data home", {"~/QuorvelInstances/Work"}, true},
                             Fact{"Bundle id", {"app.quorvel.instance.test"}, true},
                             Fact{"Location", {"/x/Work.app"}, true}));
-    EXPECT_EQ(valueOf(cloneDetails(clone), "Environment"), "A=1\nB=2\na=3");
+    EXPECT_EQ(valueOf(cloneDetails(clone, inEnglish), "Environment"), "A=1\nB=2\na=3");
 }
 
 TEST(CloneFactsTest, DetailsSayWhatTheDockCantTellApart) {
@@ -120,15 +120,15 @@ TEST(CloneFactsTest, DetailsSayWhatTheDockCantTellApart) {
 }
 
 TEST(CloneFactsTest, TheOtherKindsHaveNoStrategy) {
-    EXPECT_THAT(labelsOf(cloneDetails(cloneOf(ShortcutKind::web))),
+    EXPECT_THAT(labelsOf(cloneDetails(cloneOf(ShortcutKind::web), inEnglish)),
                 ElementsAre("Kind", "URL", "Data home", "Bundle id", "Location"));
-    EXPECT_THAT(labelsOf(cloneDetails(cloneOf(ShortcutKind::file))),
+    EXPECT_THAT(labelsOf(cloneDetails(cloneOf(ShortcutKind::file), inEnglish)),
                 ElementsAre("Kind", "Opens", "Data home", "Bundle id", "Location"));
-    EXPECT_THAT(labelsOf(cloneDetails(cloneOf(ShortcutKind::command))),
+    EXPECT_THAT(labelsOf(cloneDetails(cloneOf(ShortcutKind::command), inEnglish)),
                 ElementsAre("Kind", "Command", "Data home", "Bundle id", "Location"));
-    EXPECT_EQ(valueOf(cloneDetails(cloneOf(ShortcutKind::web)), "Kind"), "Web App");
-    EXPECT_EQ(valueOf(cloneDetails(cloneOf(ShortcutKind::file)), "Kind"), "File");
-    EXPECT_EQ(cloneDetails(cloneOf(ShortcutKind::command)).front().value(), "Command");
+    EXPECT_EQ(valueOf(cloneDetails(cloneOf(ShortcutKind::web), inEnglish), "Kind"), "Web App");
+    EXPECT_EQ(valueOf(cloneDetails(cloneOf(ShortcutKind::file), inEnglish), "Kind"), "File");
+    EXPECT_EQ(cloneDetails(cloneOf(ShortcutKind::command), inEnglish).front().value(), "Command");
 }
 
 TEST(CloneFactsTest, TheReportHasEveryDetailAndMore) {
@@ -138,7 +138,7 @@ TEST(CloneFactsTest, TheReportHasEveryDetailAndMore) {
     clone.config.instanceHome = "/data/Work";
     clone.config.shareUserFolders = false;
     clone.config.iconLabel = IconLabel{.text = "W", .colorHex = "#FFFFFF"};
-    EXPECT_THAT(cloneReport(clone, {.running = true, .logSize = 1534}),
+    EXPECT_THAT(cloneReport(clone, {.running = true, .logSize = 1534}, inEnglish),
                 ElementsAre(Fact{"Name", {"Work"}}, Fact{"Running", {"yes"}}, Fact{"Kind", {"App"}},
                             Fact{"Source app", {"/Applications/Chat.app"}},
                             Fact{"Strategy", {"Home override (A)"}}, Fact{"Shares folders", {"no"}},
@@ -146,20 +146,21 @@ TEST(CloneFactsTest, TheReportHasEveryDetailAndMore) {
                             Fact{"Log", {"1.5 kB"}},
                             Fact{"Bundle id", {"app.quorvel.instance.test"}, true},
                             Fact{"Location", {"/x/Work.app"}, true}));
-    const auto details = labelsOf(cloneDetails(clone));
-    EXPECT_THAT(labelsOf(cloneReport(clone, {})), ::testing::IsSupersetOf(details));
+    const auto details = labelsOf(cloneDetails(clone, inEnglish));
+    EXPECT_THAT(labelsOf(cloneReport(clone, {}, inEnglish)), ::testing::IsSupersetOf(details));
 }
 
 TEST(CloneFactsTest, TheReportOfACommandNamesItsWorkingDirectory) {
     InstanceRecord clone = cloneOf(ShortcutKind::command);
-    EXPECT_EQ(valueOf(cloneReport(clone, {}), "Windows"), "no such row");
-    EXPECT_EQ(valueOf(cloneReport(clone, {.grouping = WindowGrouping::shared}), "Windows"),
-              groupingNote(WindowGrouping::shared));
-    EXPECT_EQ(valueOf(cloneReport(clone, {}), "Working directory"), "no such row");
+    EXPECT_EQ(valueOf(cloneReport(clone, {}, inEnglish), "Windows"), "no such row");
+    EXPECT_EQ(
+        valueOf(cloneReport(clone, {.grouping = WindowGrouping::shared}, inEnglish), "Windows"),
+        groupingNote(WindowGrouping::shared, inEnglish));
+    EXPECT_EQ(valueOf(cloneReport(clone, {}, inEnglish), "Working directory"), "no such row");
     clone.config.workingDirectory = "/tmp";
-    EXPECT_EQ(valueOf(cloneReport(clone, {}), "Working directory"), "/tmp");
-    EXPECT_EQ(valueOf(cloneReport(clone, {}), "Shares folders"), "no such row");
-    EXPECT_EQ(valueOf(cloneReport(clone, {}), "Running"), "no");
+    EXPECT_EQ(valueOf(cloneReport(clone, {}, inEnglish), "Working directory"), "/tmp");
+    EXPECT_EQ(valueOf(cloneReport(clone, {}, inEnglish), "Shares folders"), "no such row");
+    EXPECT_EQ(valueOf(cloneReport(clone, {}, inEnglish), "Running"), "no");
 }
 
 TEST(CloneFactsTest, LabelsAndWordsAreTranslatedAndDataIsNot) {

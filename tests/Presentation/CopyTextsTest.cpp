@@ -9,13 +9,14 @@ TEST(CopyTextsTest, ItemsAndBytesCountEqually) {
     EXPECT_DOUBLE_EQ(shareDone({}), 1.0) << "nothing to do";
     EXPECT_DOUBLE_EQ(shareDone({.items = 1, .allItems = 2, .bytes = 0, .allBytes = 100}), 0.25);
     EXPECT_DOUBLE_EQ(shareDone({.items = 5, .allItems = 2, .bytes = 100, .allBytes = 100}), 1.0);
-    EXPECT_EQ(progressText({.items = 1, .allItems = 2, .bytes = 0, .allBytes = 1500}),
+    EXPECT_EQ(progressText({.items = 1, .allItems = 2, .bytes = 0, .allBytes = 1500}, inEnglish),
               "1 of 2 items, 0 bytes of 1.5 kB");
 }
 
 TEST(CopyTextsTest, SaysHowFilesGotThereAndWhatThatTook) {
     const auto sentence = [](std::size_t cloned, std::size_t copied) {
-        return copySentence({.clonedFiles = cloned, .copiedFiles = copied, .bytes = 1500});
+        return copySentence({.clonedFiles = cloned, .copiedFiles = copied, .bytes = 1500},
+                            inEnglish);
     };
     EXPECT_EQ(sentence(0, 1), "1 file with 1.5 kB was copied; that took 0 bytes.");
     EXPECT_EQ(sentence(0, 2), "2 files with 1.5 kB were copied; that took 0 bytes.");
@@ -26,7 +27,7 @@ TEST(CopyTextsTest, SaysHowFilesGotThereAndWhatThatTook) {
 
 TEST(CopyTextsTest, WarnsOfWhatOnlyTheKeyringCanDecrypt) {
     const auto sentence = [](std::size_t cookies, std::size_t passwords) {
-        return keyringSentence({.lockedCookies = cookies, .lockedPasswords = passwords});
+        return keyringSentence({.lockedCookies = cookies, .lockedPasswords = passwords}, inEnglish);
     };
     const std::string end = " can only be decrypted with the keyring of this session. Opened "
                             "without it, the clone loses them for good.";
@@ -38,8 +39,9 @@ TEST(CopyTextsTest, WarnsOfWhatOnlyTheKeyringCanDecrypt) {
 
 TEST(CopyTextsTest, ListsTheFirstFilesThatNameTheOriginal) {
     const auto lines = [](const std::vector<std::string>& names) {
-        return findingLines({.namingOriginal = names},
-                            [](const std::string& name) { return "<" + name + ">"; });
+        return findingLines(
+            {.namingOriginal = names}, [](const std::string& name) { return "<" + name + ">"; },
+            inEnglish);
     };
     EXPECT_EQ(lines({}), "");
     EXPECT_EQ(lines({"a"}), "1 file of the copy names the original’s data folder and may lead "

@@ -6,13 +6,13 @@ namespace quorvel {
 namespace {
 
 TEST(DeletionWarningTest, NamesTheCloneAndWhatIsLost) {
-    const DeletionWarning warning = deletionWarning("%1 & Co", true);
+    const DeletionWarning warning = deletionWarning("%1 & Co", true, inEnglish);
     EXPECT_EQ(warning.title, "“%1 & Co” is running");
     EXPECT_EQ(warning.text, "It would lose what it has open, and might write to its data again.");
 }
 
 TEST(DeletionWarningTest, SaysWhatTheDesktopShowsWhereTheDataStays) {
-    const DeletionWarning note = deletionWarning("Work", false);
+    const DeletionWarning note = deletionWarning("Work", false, inEnglish);
     EXPECT_EQ(note.title, "“Work” is running");
     EXPECT_EQ(note.text,
               "It goes on until you quit it, perhaps under the original’s icon in the Dock.");

@@ -88,11 +88,11 @@ TEST_F(AppModelCreationTest, AFailedCreationChangesNothingAndReachesTheCaller) {
 
 TEST_F(AppModelCreationTest, ACloneThatIsNotInTheMenuIsMadeAllTheSameAndTheUserIsTold) {
     stubbed.create = [&](const auto& request) { return addClone(request.displayName).bundleURL; };
-    stubbed.creationWarning = "It is not in the menu.";
+    stubbed.creationWarnings = {"It is not in the menu.", "Another has its identifier."};
     WrapperFactory::Request request;
     request.displayName = "Work";
     EXPECT_EQ(resultOf(model().createClone(request, false)).bundleURL, folder / "Work.app");
-    EXPECT_EQ(model().lastError(), "It is not in the menu.");
+    EXPECT_EQ(model().lastError(), "It is not in the menu.\nAnother has its identifier.");
 }
 
 } // namespace

@@ -5,6 +5,7 @@
 
 #include <QCoreApplication>
 
+#include <algorithm>
 #include <thread>
 
 namespace quorvel::testing {
@@ -45,7 +46,8 @@ void RecordingTasks::release() {
     held_.clear();
 }
 
-StubbedModel::StubbedModel(const std::filesystem::path& folder) {
+StubbedModel::StubbedModel(const std::filesystem::path& folder,
+                           std::chrono::milliseconds stopPatience) {
     AppServices services;
     services.registry = InstanceRegistry({folder});
     services.workspace = workspace;
@@ -65,11 +67,11 @@ StubbedModel::StubbedModel(const std::filesystem::path& folder) {
                                            : std::map<std::string, std::string>{};
     };
     services.createWrapper = [this](const WrapperFactory::Request& request,
+                                    const RequestPermissions& permissions,
                                     const WrapperFactory::Warning& warn) {
         worked();
-        if (creationWarning) {
-            warn(*creationWarning);
-        }
+        requireReplaceable(WrapperFactory::wrapperURL(request), permissions);
+        std::for_each(creationWarnings.begin(), creationWarnings.end(), warn);
         return create(request);
     };
     services.repairMenu = [this](const std::vector<InstanceRecord>& clones) {
@@ -87,7 +89,7 @@ StubbedModel::StubbedModel(const std::filesystem::path& folder) {
         delays.push_back(time);
         delayed.push_back(std::move(then));
     };
-    services.stopPatience = std::chrono::milliseconds(1000); // a busy machine takes long
+    services.stopPatience = stopPatience;
     model_ = std::make_unique<AppModel>(std::move(services));
 }
 

@@ -51,8 +51,9 @@ private:
 /// A model whose services are stubs, which the test may change at any time.
 class StubbedModel {
 public:
-    /// Clones are looked for in `folder`.
-    explicit StubbedModel(const std::filesystem::path& folder);
+    /// Clones are looked for in `folder`. A busy machine takes long to end one.
+    explicit StubbedModel(const std::filesystem::path& folder,
+                          std::chrono::milliseconds stopPatience = std::chrono::seconds(1));
 
     std::shared_ptr<StubWorkspace> workspace = std::make_shared<StubWorkspace>();
     std::vector<InstalledApp> installed{};
@@ -66,7 +67,7 @@ public:
     /// The variables that apps need, by path.
     std::map<std::filesystem::path, std::map<std::string, std::string>> suggested{};
     std::function<std::filesystem::path(const WrapperFactory::Request&)> create{};
-    std::optional<std::string> creationWarning{};
+    std::vector<std::string> creationWarnings{};
     std::atomic<int> clonesInMenu = -1; ///< those that the menu was repaired for
     std::function<std::optional<ProbeResult>()> probe{};
     std::function<SitePreview(const std::string& address, const std::filesystem::path& folder)>

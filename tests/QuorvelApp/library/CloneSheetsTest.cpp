@@ -71,7 +71,7 @@ TEST_F(CloneSheetsTest, ForceIsAQuestionWhoseDefaultIsCancel) {
     RunningClone work("trap '' TERM");
     openStubborn(work);
     EXPECT_TRUE(text().startsWith(u"“Work” was asked to end, but "_s));
-    EXPECT_TRUE(text().endsWith(u" are still running. What is not saved is lost."_s));
+    EXPECT_TRUE(text().endsWith(u" are still running. Unsaved work is lost."_s));
     EXPECT_EQ(window->focusWidget(), button(u"Cancel"_s));
     QTest::keyClick(window->focusWidget(), Qt::Key_Return);
     EXPECT_FALSE(shown(u"End “Work” by force?"_s));
@@ -99,9 +99,11 @@ TEST_F(CloneSheetsTest, RefreshesTheSelectedCloneOrAll) {
     command(u"Refresh Wrappers"_s)->trigger();
     EXPECT_FALSE(command(u"Refresh Wrappers"_s)->isEnabled());
     EXPECT_FALSE(command(u"Edit…"_s)->isEnabled());
+    EXPECT_FALSE(button(u"Launch"_s)->isEnabled()) << "as the command";
     ASSERT_TRUE(eventually([&] { return shown(u"2 wrappers were refreshed."_s); }));
     button(u"OK"_s)->click();
     EXPECT_TRUE(command(u"Refresh Wrappers"_s)->isEnabled());
+    EXPECT_TRUE(button(u"Launch"_s)->isEnabled());
 }
 
 TEST_F(CloneSheetsTest, ARefreshThatTakesTimeShowsItsProgressAndCanBeCancelled) {

@@ -14,6 +14,7 @@
 #include "tests/support/DesktopApps.h"
 #include "tests/support/TemporaryHome.h"
 #include "tests/support/UnprivilegedUser.h"
+#include "tests/support/Waiting.h"
 
 #include <QCoreApplication>
 #include <QProcess>
@@ -21,6 +22,8 @@
 
 #include <algorithm>
 #include <array>
+#include <chrono>
+#include <future>
 #include <gmock/gmock.h>
 #include <memory>
 #include <vector>
@@ -44,9 +47,9 @@ protected:
         return request;
     }
     // The error's text; empty if creating succeeds.
-    static std::string failure() {
+    static std::string failure(const RequestPermissions& permissions = {}) {
         try {
-            (void)AppServices::system().createWrapper(request(), {});
+            (void)AppServices::system().createWrapper(request(), permissions, {});
             return {};
         } catch (const std::exception& error) {
             return error.what();
@@ -93,9 +96,10 @@ TEST_F(AppServicesTest, LeavesAnApplicationThatIsNotACloneAlone) {
     EXPECT_EQ(treeOf(wrapper), before);
 }
 
-TEST_F(AppServicesTest, MakesACloneAgain) {
+TEST_F(AppServicesTest, MakesACloneAgainOnlyWithPermission) {
     makeWrapper(wrapper, minimalConfig());
-    EXPECT_EQ(failure(), "");
+    EXPECT_THAT(failure(), HasSubstr("already exists at "));
+    EXPECT_EQ(failure({.existingClone = true}), "");
     EXPECT_EQ(InstanceRegistry().record(wrapper)->config.url, "https://example.com");
 }
 
@@ -114,7 +118,7 @@ TEST_F(AppServicesTest, ASnapIsProposedAsUnsupportedAndNotCloned) {
     request.targetApp = snap.url;
     request.displayName = "Work";
     try {
-        (void)AppServices::system().createWrapper(request, {});
+        (void)AppServices::system().createWrapper(request, {}, {});
         FAIL() << "it was cloned";
     } catch (const PlatformError& error) {
         EXPECT_EQ(
@@ -131,6 +135,20 @@ TEST_F(AppServicesTest, LaunchingACloneThatIsGoneIsAnError) {
     EXPECT_TRUE(eventually([&] { return model.lastError().has_value(); }));
     EXPECT_EQ(model.lastError(),
               "Couldn't launch: “Work.app” couldn’t be opened: no such file or directory");
+}
+
+TEST_F(AppServicesTest, QuittingEndsTheQuestionToASite) {
+    const fs::path program = home / "stand-in";
+    write(program, "#!/bin/sh\n> \"$2/asked\"\nexec sleep 60\n");
+    fs::permissions(program, fs::perms::owner_all);
+    const ScopedEnvironment standIn("QUORVEL_SITE_PREVIEW", program.string());
+    const AppServices services = AppServices::system();
+    ASSERT_TRUE(services.previewSite);
+    const auto asking =
+        std::async(std::launch::async, [&] { return services.previewSite("a.test", home.path()); });
+    EXPECT_TRUE(waitUntil([&] { return fs::exists(home / "asked"); }));
+    *services.quitting = true;
+    EXPECT_EQ(asking.wait_for(std::chrono::seconds(10)), std::future_status::ready);
 }
 
 // The commands that 20 programs run on one clone, each at once.
@@ -179,7 +197,7 @@ TEST_F(AppServicesTest, BesideProgramsThatChangeTheSameCloneNothingHalfIsSeenOrL
     int removals = 0;
     for (int round = 0; round < 4 || areAtWork(); ++round) {
         try {
-            (void)resultOf(model.createClone(request(), false));
+            (void)resultOf(model.createClone(request(), false, {.existingClone = true}));
             ++made;
         } catch (const Error&) {
             // another program was first
@@ -222,7 +240,7 @@ TEST(AppServicesTestFullDisk, DISABLED_Within) {
     request.kind = ShortcutKind::web;
     request.displayName = "Work";
     try {
-        (void)AppServices::system().createWrapper(request, {});
+        (void)AppServices::system().createWrapper(request, {}, {});
         FAIL() << "the disk was not full";
     } catch (const PlatformError& error) {
         EXPECT_EQ(error.code(), std::errc::no_space_on_device);

@@ -209,5 +209,19 @@ TEST_F(CloneChangesTest, StoppingWhatDoesNotRunOnlyLooksAgain) {
     EXPECT_FALSE(model().lastError());
 }
 
+TEST_F(CloneChangesTest, WhatIsStoppedIsNoLongerWaitedForOnceNobodyWantsToKnow) {
+    RunningClone work("trap '' TERM");
+    StubbedModel patient(folder, 60s);
+    const auto begin = std::chrono::steady_clock::now();
+    {
+        CloneChanges quitting(patient.model());
+        quitting.stop(work.clone());
+    }
+    patient.dropModel();
+    patient.tasks.reset(); // waits
+    EXPECT_LT(std::chrono::steady_clock::now() - begin, 30s);
+    EXPECT_TRUE(work.isRunning());
+}
+
 } // namespace
 } // namespace quorvel::testing

@@ -45,7 +45,7 @@ TEST(SuggestedEnvironmentTest, SaysWhatTheEnteredVariablesCost) {
     EXPECT_EQ(form.environmentCostText(), "");
     form.envText = "A=1\nDBUS_SESSION_BUS_ADDRESS=disabled:";
     EXPECT_EQ(form.environmentCostText(),
-              environmentCost({{"DBUS_SESSION_BUS_ADDRESS", "disabled:"}}));
+              environmentCost({{"DBUS_SESSION_BUS_ADDRESS", "disabled:"}}, inEnglish));
     EXPECT_NE(form.environmentCostText(), "");
 }
 

@@ -157,7 +157,7 @@ TEST_F(NewCloneSheetTest, SaysThatWhatIsInThePlaceIsNotAClone) {
     const fs::path mine = makeAppBundle(folder / "Mine.app");
     const auto before = treeOf(mine);
     stubs.create = [](const WrapperFactory::Request& request) {
-        return AppServices::system().createWrapper(request, {});
+        return AppServices::system().createWrapper(request, {}, {});
     };
     open();
     openSheet();
@@ -174,6 +174,30 @@ TEST_F(NewCloneSheetTest, SaysThatWhatIsInThePlaceIsNotAClone) {
     button(u"Create Shortcut"_s)->click();
     ASSERT_TRUE(eventually([&] { return !window->content().showingNewClone(); }));
     EXPECT_TRUE(stubs.model().registry().record(folder / "Mine too.app"));
+}
+
+TEST_F(NewCloneSheetTest, ACloneThatWasMadeSinceIsReplacedOnlyAfterTheWarning) {
+    int made = 0;
+    stubs.create = [&](const auto& request) {
+        ++made;
+        return addWrapper(request.displayName);
+    };
+    openSheetWith(u"Notes"_s);
+    field(u"Name"_s)->setText(u"Work"_s);
+    const fs::path wrapper = addWrapper("Work");
+    const auto before = treeOf(wrapper);
+    button(u"Create Shortcut"_s)->click();
+    ASSERT_TRUE(eventually([&] { return shown(u"Something went wrong"_s); }));
+    EXPECT_EQ(stubs.model().lastError(),
+              "“Work” already exists at " + wrapper.string() + "; choose another name or folder.");
+    EXPECT_EQ(made, 0);
+    EXPECT_EQ(treeOf(wrapper), before);
+    button(u"OK"_s)->click();
+    EXPECT_TRUE(shown(u"“Work” already exists. Creating this clone will replace it; its data is "
+                      u"kept."_s));
+    button(u"Create Shortcut"_s)->click();
+    ASSERT_TRUE(eventually([&] { return !window->content().showingNewClone(); }));
+    EXPECT_EQ(made, 1);
 }
 
 } // namespace

@@ -176,5 +176,17 @@ TEST_F(SeedBoxTest, AnErrorThatComesBeforeTheCancellationIsStillReported) {
     EXPECT_TRUE(eventually([&] { return shown(u"Something went wrong"_s); }));
 }
 
+TEST_F(SeedBoxTest, ACloneThatWasMadeSinceIsNotReplaced) {
+    openWith(u"vlc"_s);
+    box()->setChecked(true);
+    const fs::path wrapper = addWrapper("vlc (2)");
+    const auto before = treeOf(wrapper);
+    button(u"Create Shortcut"_s)->click();
+    ASSERT_TRUE(eventually([&] { return shown(u"Something went wrong"_s); }));
+    EXPECT_THAT(stubs.model().lastError().value_or(""), HasSubstr("“vlc (2)” already exists at "));
+    EXPECT_EQ(treeOf(wrapper), before);
+    EXPECT_FALSE(fs::exists(copyOf("vlc (2)")));
+}
+
 } // namespace
 } // namespace quorvel::testing
