@@ -1,6 +1,7 @@
 #include "QuorvelApp/NewCloneView.h"
 
 #include "QuorvelApp/Components.h"
+#include "QuorvelApp/newclone/KindLook.h"
 #include "QuorvelApp/newclone/SheetPanes.h"
 #include "QuorvelApp/widgets/SearchField.h"
 #include "QuorvelApp/widgets/SegmentedControl.h"
@@ -44,11 +45,14 @@ QWidget* NewCloneView::makeHeader() {
     row->addLayout(titles);
     row->addStretch();
     row->addWidget(searchField_);
-    auto* kinds = new SegmentedControl(
-        tr("Kind"), {tr("App"), tr("Web App"), tr("File / Folder"), tr("Command")});
+    QStringList labels;
+    for (const ShortcutKind kind : allCases<ShortcutKind>()) {
+        labels.append(KindLook::of(kind).label);
+    }
+    auto* kinds = new SegmentedControl(tr("Kind"), labels);
     connect(kinds, &SegmentedControl::chosen, this, [this](int index) {
-        session_.edit(
-            [&](NewCloneForm& form) { form.shortcutType = static_cast<ShortcutKind>(index); });
+        const ShortcutKind kind = allCases<ShortcutKind>().at(static_cast<std::size_t>(index));
+        session_.edit([&](NewCloneForm& form) { form.shortcutType = kind; });
     });
     auto* column = new QVBoxLayout(header);
     column->setContentsMargins(20, 16, 20, 16);

@@ -3,6 +3,7 @@
 #include "QuorvelApp/Components.h"
 #include "QuorvelApp/model/AppGridModel.h"
 #include "QuorvelApp/model/DisplayText.h"
+#include "QuorvelApp/newclone/KindLook.h"
 #include "QuorvelApp/widgets/CopyableLabel.h"
 
 #include <QHBoxLayout>
@@ -11,29 +12,26 @@
 namespace quorvel {
 namespace {
 
-using namespace Qt::StringLiterals;
-
 struct Summary {
-    QString symbol;
     QString title;
     QString subtitle;
 };
 
 Summary summaryOf(const NewCloneForm& form) {
+    const QString label = KindLook::of(form.shortcutType).label;
     switch (form.shortcutType) {
     case ShortcutKind::web:
-        return {u"globe"_s, ConfigurationHeader::tr("Web App"), displayLine(form.webURL)};
+        return {label, displayLine(form.webURL)};
     case ShortcutKind::file:
-        return {u"folder"_s, ConfigurationHeader::tr("File / Folder"), displayLine(form.filePath)};
+        return {label, displayLine(form.filePath)};
     case ShortcutKind::command:
-        return {u"terminal"_s, ConfigurationHeader::tr("Command"),
-                displayLine(form.commandPathText)};
+        return {label, displayLine(form.commandPathText)};
     case ShortcutKind::app:
         break;
     }
-    return form.selected ? Summary{u"app"_s, displayLine(form.selected->name),
-                                   displayLine(form.selected->url.native())}
-                         : Summary{u"app"_s, {}, {}};
+    return form.selected
+               ? Summary{displayLine(form.selected->name), displayLine(form.selected->url.native())}
+               : Summary{};
 }
 
 } // namespace
@@ -70,7 +68,7 @@ void ConfigurationHeader::refresh() {
     if (isApp && form.selected) {
         icon_->setPath(iconSource(*form.selected));
     }
-    symbol_->setSymbol(summary.symbol);
+    symbol_->setSymbol(KindLook::of(form.shortcutType).symbol);
     title_->setFullText(summary.title);
     subtitle_->setFullText(summary.subtitle);
 }

@@ -5,6 +5,7 @@
 #include "QuorvelApp/newclone/AdvancedOptions.h"
 #include "QuorvelApp/newclone/ConfigurationHeader.h"
 #include "QuorvelApp/newclone/FormBindings.h"
+#include "QuorvelApp/newclone/KindLook.h"
 #include "QuorvelApp/newclone/StrategySection.h"
 #include "QuorvelApp/widgets/CopyableLabel.h"
 #include "QuorvelApp/widgets/DisclosureGroup.h"
@@ -18,25 +19,6 @@ namespace quorvel {
 namespace {
 
 using namespace Qt::StringLiterals;
-
-struct Prompt {
-    QString symbol;
-    QString text;
-};
-
-Prompt promptFor(ShortcutKind kind) {
-    switch (kind) {
-    case ShortcutKind::web:
-        return {u"globe"_s, ConfigurationPane::tr("Enter a website URL")};
-    case ShortcutKind::file:
-        return {u"folder"_s, ConfigurationPane::tr("Choose a file or folder")};
-    case ShortcutKind::command:
-        return {u"terminal"_s, ConfigurationPane::tr("Choose a command to run")};
-    case ShortcutKind::app:
-        break;
-    }
-    return {u"hand.point.left"_s, ConfigurationPane::tr("Select an app")};
-}
 
 QFrame* makeWarning(WrappingText* text) {
     auto* frame = new QFrame;
@@ -144,9 +126,9 @@ QWidget* ConfigurationPane::makeNameSection() {
 void ConfigurationPane::refresh() {
     const NewCloneForm& form = session_.form();
     const bool isApp = form.shortcutType == ShortcutKind::app;
-    const Prompt prompt = promptFor(form.shortcutType);
-    promptSymbol_->setSymbol(prompt.symbol);
-    promptText_->setText(prompt.text);
+    const KindLook look = KindLook::of(form.shortcutType);
+    promptSymbol_->setSymbol(look.promptSymbol);
+    promptText_->setText(look.prompt);
     warning_->setVisible(isApp && form.selectedSandboxed);
     strategy_->setVisible(isApp && form.selected.has_value());
     savedTo_->setFullText(displayLine(form.savedToText()));

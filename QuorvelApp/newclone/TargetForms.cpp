@@ -2,6 +2,7 @@
 
 #include "QuorvelApp/Components.h"
 #include "QuorvelApp/newclone/FormBindings.h"
+#include "QuorvelApp/newclone/KindLook.h"
 
 #include <QHBoxLayout>
 #include <QLineEdit>
@@ -11,7 +12,7 @@ namespace quorvel {
 
 using namespace Qt::StringLiterals;
 
-TargetForm::TargetForm(NewCloneSession& session, const QString& symbol, const QString& heading,
+TargetForm::TargetForm(NewCloneSession& session, ShortcutKind kind, const QString& heading,
                        QWidget* parent)
     : QWidget(parent),
       session_(session),
@@ -20,7 +21,7 @@ TargetForm::TargetForm(NewCloneSession& session, const QString& symbol, const QS
     column_->setSpacing(10);
     auto* row = new QHBoxLayout;
     row->setSpacing(8);
-    row->addWidget(new SymbolView(symbol, Ink::text, 17));
+    row->addWidget(new SymbolView(KindLook::of(kind).symbol, Ink::text, 17));
     row->addWidget(makeLabel(heading, TextStyle::headline));
     row->addStretch();
     column_->addLayout(row);
@@ -57,7 +58,7 @@ void TargetForm::addCaption(const QString& text) {
 }
 
 WebForm::WebForm(NewCloneSession& session)
-    : TargetForm(session, u"globe"_s, tr("Website URL")),
+    : TargetForm(session, ShortcutKind::web, tr("Website URL")),
       ask_(makeButton(tr("&Get Icon and Title"), ButtonLook::standard)) {
     bindField(session, addField(u"example.com"_s, tr("Website URL"), ask_), &NewCloneForm::webURL,
               &NewCloneForm::autoNameIfNeeded);
@@ -78,7 +79,7 @@ void WebForm::refresh() {
 }
 
 FileForm::FileForm(NewCloneSession& session)
-    : TargetForm(session, u"folder"_s, tr("File or Folder")) {
+    : TargetForm(session, ShortcutKind::file, tr("File or Folder")) {
     QPushButton* browse = makeButton(tr("&Browse…"), ButtonLook::standard);
     bindField(session, addField(tr("No item selected"), tr("File or Folder"), browse),
               &NewCloneForm::filePath);
@@ -92,7 +93,7 @@ void FileForm::chooseFile() {
 }
 
 CommandForm::CommandForm(NewCloneSession& session)
-    : TargetForm(session, u"terminal"_s, tr("Command")) {
+    : TargetForm(session, ShortcutKind::command, tr("Command")) {
     QPushButton* command = makeButton(tr("C&hoose…"), ButtonLook::standard);
     QPushButton* folder = makeButton(tr("Ch&oose…"), ButtonLook::standard);
     folder->setAccessibleName(tr("Choose the working directory…"));

@@ -15,7 +15,8 @@ class TargetForm : public QWidget {
     Q_OBJECT
 
 public:
-    TargetForm(NewCloneSession& session, const QString& symbol, const QString& heading,
+    /// Has the symbol of that kind.
+    TargetForm(NewCloneSession& session, ShortcutKind kind, const QString& heading,
                QWidget* parent = nullptr);
 
 protected:

@@ -6,20 +6,41 @@
 
 #include <QStackedLayout>
 
+#include <map>
+
 namespace quorvel {
+
+namespace {
+
+QWidget* makePage(ShortcutKind kind, NewCloneSession& session, IconLoader& icons, QWidget* parent) {
+    switch (kind) {
+    case ShortcutKind::web:
+        return new WebForm(session);
+    case ShortcutKind::file:
+        return new FileForm(session);
+    case ShortcutKind::command:
+        return new CommandForm(session);
+    case ShortcutKind::app:
+        break;
+    }
+    if (session.form().edited) {
+        return new EditedApp(session, icons, parent);
+    }
+    return new AppPicker(session, icons, parent);
+}
+
+} // namespace
 
 TargetPane::TargetPane(NewCloneSession& session, IconLoader& icons, QWidget* parent)
     : QWidget(parent) {
-    // In the order of the kinds.
     auto* pages = new QStackedLayout(this);
-    pages->addWidget(session.form().edited
-                         ? static_cast<QWidget*>(new EditedApp(session, icons, this))
-                         : new AppPicker(session, icons, this));
-    pages->addWidget(new WebForm(session));
-    pages->addWidget(new FileForm(session));
-    pages->addWidget(new CommandForm(session));
-    const auto show = [pages, &session] {
-        pages->setCurrentIndex(static_cast<int>(session.form().shortcutType));
+    std::map<ShortcutKind, QWidget*> pageOf;
+    for (const ShortcutKind kind : allCases<ShortcutKind>()) {
+        pageOf[kind] = makePage(kind, session, icons, this);
+        pages->addWidget(pageOf[kind]);
+    }
+    const auto show = [pages, pageOf, &session] {
+        pages->setCurrentWidget(pageOf.at(session.form().shortcutType));
     };
     connect(&session, &NewCloneSession::changed, this, show);
     show();
