@@ -1,6 +1,5 @@
 #include "CommandLine/IconCommand.h"
 
-#include "Base/TerminalText.h"
 #include "CommandLine/CloneTexts.h"
 #include "CommandLine/PathWords.h"
 #include "LaunchKit/IconComposer.h"
@@ -39,9 +38,8 @@ void composeIcon(const CommandContext& context, const IconOptions& options, bool
     const std::filesystem::path output = absoluteFile(options.output);
     IconComposer::compose(absoluteFile(options.source),
                           {options.label, options.color, options.position}, output);
-    const std::string path = output.string();
-    context.output << (json ? document({{"icon", path}})
-                            : (context.outputIsTerminal ? terminalText(path) : path) + "\n");
+    context.output << (json ? document({{"icon", output.string()}})
+                            : shownPath(context, output) + "\n");
 }
 
 } // namespace

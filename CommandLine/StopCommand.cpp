@@ -30,22 +30,6 @@ std::string stillRunning(const InstanceRecord& record, std::size_t left) {
     return stillRunningText(record.config.displayName, left, inSystemWords);
 }
 
-const char* rawOutcome(StoppedClone::Case outcome) {
-    switch (outcome) {
-    case StoppedClone::Case::ended:
-        return "ended";
-    case StoppedClone::Case::forced:
-        return "forced";
-    case StoppedClone::Case::running:
-        return "running";
-    case StoppedClone::Case::elsewhere:
-        return "elsewhere";
-    case StoppedClone::Case::notRunning:
-        break;
-    }
-    return "notRunning";
-}
-
 std::string sentence(const InstanceRecord& record, const StoppedClone& stopped) {
     switch (stopped.outcome) {
     case StoppedClone::Case::ended:
@@ -88,7 +72,7 @@ void stopCommand(const CommandContext& context, const std::string& clone,
     }
     if (json) {
         context.output << document({{"bundleURL", record.bundleURL.string()},
-                                    {"outcome", rawOutcome(stopped.outcome)},
+                                    {"outcome", rawString(stopped.outcome)},
                                     {"ended", stopped.ended},
                                     {"left", stopped.left}});
     }

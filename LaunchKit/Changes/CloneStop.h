@@ -1,5 +1,7 @@
 #pragma once
 
+#include "LaunchKit/Records/EnumNames.h"
+
 #include <atomic>
 #include <chrono>
 #include <cstddef>
@@ -36,6 +38,15 @@ struct StoppedClone {
     std::size_t ended = 0; ///< processes
     std::size_t left = 0;  ///< processes
 };
+
+template<>
+inline constexpr auto enumNames<StoppedClone::Case> = namesOfAllCases<StoppedClone::Case>({
+    {StoppedClone::Case::notRunning, "notRunning"},
+    {StoppedClone::Case::elsewhere, "elsewhere"},
+    {StoppedClone::Case::ended, "ended"},
+    {StoppedClone::Case::forced, "forced"},
+    {StoppedClone::Case::running, "running"},
+});
 
 /// Returns whether anything of the clone runs, or anything else uses its data folder.
 [[nodiscard]] bool isCloneRunning(const InstanceRecord& record);
