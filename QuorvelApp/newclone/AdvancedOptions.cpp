@@ -8,7 +8,6 @@
 #include "QuorvelApp/widgets/ColorWell.h"
 
 #include <QHBoxLayout>
-#include <QStyledItemDelegate>
 #include <QVBoxLayout>
 
 namespace quorvel {
@@ -25,6 +24,18 @@ QVBoxLayout* makeColumn(int spacing) {
     auto* column = new QVBoxLayout;
     column->setSpacing(spacing);
     return column;
+}
+
+QVBoxLayout* makeBlock(const QString& label, QWidget* control, const QString& help) {
+    QVBoxLayout* block = makeColumn(4);
+    QLabel* heading = makeLabel(label, TextStyle::captionMedium);
+    heading->setBuddy(control);
+    block->addWidget(heading);
+    block->addWidget(control);
+    if (!help.isEmpty()) {
+        block->addWidget(makeWrappingLabel(help, TextStyle::caption, Ink::secondary));
+    }
+    return block;
 }
 
 } // namespace
@@ -72,15 +83,7 @@ AdvancedOptions::AdvancedOptions(NewCloneSession& session, IconLoader& icons, QW
 }
 
 void AdvancedOptions::addBlock(const QString& label, QWidget* control, const QString& help) {
-    QVBoxLayout* block = makeColumn(4);
-    QLabel* heading = makeLabel(label, TextStyle::captionMedium);
-    heading->setBuddy(control);
-    block->addWidget(heading);
-    block->addWidget(control);
-    if (!help.isEmpty()) {
-        block->addWidget(makeWrappingLabel(help, TextStyle::caption, Ink::secondary));
-    }
-    column_->addLayout(block);
+    column_->addLayout(makeBlock(label, control, help));
 }
 
 void AdvancedOptions::addNote(const QString& text) {
@@ -175,7 +178,6 @@ QWidget* AdvancedOptions::makeLabelPosition() {
     using Position = IconLabel::Position;
     auto* choices = new PaneComboBox;
     choices->setAccessibleName(tr("Position of the label"));
-    choices->setItemDelegate(new QStyledItemDelegate(choices)); // so that the style sheet applies
     choices->addItem(tr("Bottom"), static_cast<int>(Position::bottom));
     choices->addItem(tr("Center"), static_cast<int>(Position::center));
     choices->addItem(tr("Top"), static_cast<int>(Position::top));
@@ -254,16 +256,10 @@ void AdvancedOptions::addIsolation() {
 
 void AdvancedOptions::addLinks() {
     auto* widget = new QWidget(this);
-    auto* column = new QVBoxLayout(widget);
-    column->setContentsMargins(0, 0, 0, 0);
-    column->setSpacing(4);
-    auto* links = new LinksRow(session_, widget);
-    QLabel* heading = makeLabel(tr("Links"), TextStyle::captionMedium);
-    heading->setBuddy(links);
-    column->addWidget(heading);
-    column->addWidget(links);
-    column->addWidget(makeWrappingLabel(tr("What opens the links that you click in this clone."),
-                                        TextStyle::caption, Ink::secondary));
+    QVBoxLayout* block = makeBlock(tr("Links"), new LinksRow(session_, widget),
+                                   tr("What opens the links that you click in this clone."));
+    block->setContentsMargins(0, 0, 0, 0);
+    widget->setLayout(block);
     addForAppsOnly(widget);
 }
 

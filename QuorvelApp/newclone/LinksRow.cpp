@@ -7,7 +7,6 @@
 
 #include <QListView>
 #include <QSignalBlocker>
-#include <QStyledItemDelegate>
 #include <QVBoxLayout>
 
 #include <algorithm>
@@ -19,7 +18,6 @@ LinksRow::LinksRow(NewCloneSession& session, QWidget* parent)
       session_(session),
       choices_(new PaneComboBox(this)) {
     choices_->setAccessibleName(tr("Links"));
-    choices_->setItemDelegate(new QStyledItemDelegate(choices_)); // so that the style sheet applies
     if (auto* list = qobject_cast<QListView*>(choices_->view())) {
         list->setUniformItemSizes(true); // or each clone is measured whenever the sheet changes
     }

@@ -7,7 +7,6 @@
 #include "QuorvelApp/widgets/CopyableLabel.h"
 
 #include <QHBoxLayout>
-#include <QStyledItemDelegate>
 #include <QVBoxLayout>
 
 #include <algorithm>
@@ -29,7 +28,6 @@ StrategySection::StrategySection(NewCloneSession& session)
     connect(detect_, &QPushButton::clicked, &session_, &NewCloneSession::detect);
 
     choices_->setAccessibleName(tr("Isolation strategy"));
-    choices_->setItemDelegate(new QStyledItemDelegate(choices_)); // so that the style sheet applies
     for (const Strategy strategy : selectableStrategies) {
         choices_->addItem(qtText(strategyLabel(rawString(strategy), translated)));
     }

@@ -27,14 +27,6 @@ TargetForm::TargetForm(NewCloneSession& session, ShortcutKind kind, const QStrin
     column_->addLayout(row);
 }
 
-QLineEdit* TargetForm::addField(const QString& placeholder, const QString& accessibleName) {
-    auto* field = new QLineEdit;
-    field->setPlaceholderText(placeholder);
-    field->setAccessibleName(accessibleName);
-    column_->addWidget(field);
-    return field;
-}
-
 QLineEdit* TargetForm::addField(const QString& placeholder, const QString& accessibleName,
                                 QPushButton* button) {
     auto* field = new QLineEdit;
@@ -43,7 +35,9 @@ QLineEdit* TargetForm::addField(const QString& placeholder, const QString& acces
     auto* row = new QHBoxLayout;
     row->setSpacing(8);
     row->addWidget(field, 1);
-    row->addWidget(button);
+    if (button != nullptr) {
+        row->addWidget(button);
+    }
     column_->addLayout(row);
     return field;
 }

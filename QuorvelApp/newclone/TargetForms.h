@@ -20,9 +20,8 @@ public:
                QWidget* parent = nullptr);
 
 protected:
-    QLineEdit* addField(const QString& placeholder, const QString& accessibleName);
     QLineEdit* addField(const QString& placeholder, const QString& accessibleName,
-                        QPushButton* button);
+                        QPushButton* button = nullptr);
     void addRow(QWidget* row);
     void addCaption(const QString& text);
     [[nodiscard]] NewCloneSession& session() const { return session_; }

@@ -4,12 +4,13 @@
 
 namespace quorvel {
 
-/// A combo box that leaves the wheel to the pane that contains it.
+/// A combo box whose list has the style sheet, and that leaves the wheel to the pane that contains
+/// it.
 class PaneComboBox : public QComboBox {
     Q_OBJECT
 
 public:
-    using QComboBox::QComboBox;
+    explicit PaneComboBox(QWidget* parent = nullptr);
 
 protected:
     void wheelEvent(QWheelEvent* event) override;
