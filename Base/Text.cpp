@@ -1,6 +1,7 @@
 #include "Base/Text.h"
 
 #include "Base/AsciiCase.h"
+#include "Base/LineBreak.h"
 
 #include <unicode/casemap.h>
 #include <unicode/coll.h>
@@ -82,8 +83,7 @@ bool isBlank(UChar32 scalar) {
 }
 
 bool isBlankOrNewline(UChar32 scalar) {
-    return isBlank(scalar) || (scalar >= 0x0A && scalar <= 0x0D) || scalar == 0x85 ||
-           scalar == 0x2028 || scalar == 0x2029;
+    return isBlank(scalar) || isLineBreak(static_cast<char32_t>(scalar));
 }
 
 // Appends a key whose byte order is the order of names. Equal keys mean equal names.

@@ -1,5 +1,6 @@
 #include "CommandLine/EditOptions.h"
 
+#include "Base/OptionalText.h"
 #include "CommandLine/CloneLookup.h"
 #include "CommandLine/CommandContext.h"
 #include "CommandLine/OptionBinding.h"
@@ -55,10 +56,6 @@ std::string required(const std::string& value, const char* option) {
     return value;
 }
 
-OptionalText orNone(const std::string& value) {
-    return value.empty() ? std::nullopt : OptionalText(value);
-}
-
 void addTargetOptions(const EditBinding& add) {
     add.text("--url", "The address that a web clone opens", "URL",
              [](CloneSettings& s, const std::string& value) {
@@ -85,7 +82,7 @@ void addTargetOptions(const EditBinding& add) {
     add.text("--workdir", "The command's working directory; empty for none", "DIR",
              [](CloneSettings& s, const std::string& value) {
                  requireKind(s, ShortcutKind::command, "--workdir");
-                 s.config.workingDirectory = orNone(absolutePath(value).string());
+                 s.config.workingDirectory = nothingIfEmpty(absolutePath(value).string());
              });
 }
 

@@ -3,6 +3,7 @@
 #include "Base/TerminalText.h"
 #include "Base/Utf8.h"
 #include "Presentation/AppTexts.h"
+#include "Presentation/JoinedText.h"
 #include "Presentation/StrategyTexts.h"
 
 #include <nlohmann/json.hpp>
@@ -154,7 +155,7 @@ std::string description(const AppProfile& profile, const ProbeResult& result,
     }
     const auto environment = profile.environment.value_or(std::map<std::string, std::string>{});
     for (const auto& [key, value] : environment) {
-        text += line("Variable", terminalText(std::string(key).append("=").append(value)));
+        text += line("Variable", terminalText(keyValueLine(key, value)));
     }
     if (const auto cost = environmentCost(environment, translate)) {
         text += *cost + "\n";

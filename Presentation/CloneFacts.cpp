@@ -49,9 +49,7 @@ std::vector<std::string> environmentLines(const std::map<std::string, std::strin
     std::vector<std::string> lines;
     lines.reserve(environment.size());
     for (const auto& [key, value] : environment) {
-        std::string& line = lines.emplace_back(key);
-        line += '=';
-        line += value;
+        lines.push_back(keyValueLine(key, value));
     }
     return lines;
 }

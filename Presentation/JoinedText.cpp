@@ -14,6 +14,10 @@ std::string joined(const std::vector<std::string>& parts, std::string_view separ
     return result;
 }
 
+std::string keyValueLine(const std::string& key, const std::string& value) {
+    return std::string(key).append("=").append(value);
+}
+
 std::string shortList(const std::vector<std::string>& items, const Translate& translate) {
     constexpr std::size_t longest = 5;
     std::vector<std::string> lines(

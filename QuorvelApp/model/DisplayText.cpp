@@ -1,5 +1,6 @@
 #include "QuorvelApp/model/DisplayText.h"
 
+#include "Base/LineBreak.h"
 #include "Base/UnsafeText.h"
 #include "QuorvelApp/model/QtText.h"
 
@@ -15,11 +16,6 @@ using namespace Qt::StringLiterals;
 
 // A word of this length fits into the narrowest label.
 constexpr int longestWord = 24;
-
-bool isLineBreak(char32_t scalar) {
-    return (scalar >= 0x0A && scalar <= 0x0D) || scalar == 0x85 || scalar == 0x2028 ||
-           scalar == 0x2029;
-}
 
 // Returns the beginning of `text`, at most `limit` UTF-16 units, followed by "…".
 QString beginning(std::string_view text, qsizetype limit) {

@@ -1,5 +1,6 @@
 #include "QuorvelApp/model/EditedClone.h"
 
+#include "Base/OptionalText.h"
 #include "Base/Text.h"
 #include "LaunchKit/Changes/CloneRevision.h"
 #include "LaunchKit/InstanceRecord.h"
@@ -43,10 +44,6 @@ std::string shortPath(const std::string& path) {
 
 bool isWhole(const Pairs& pairs, const std::string& text) {
     return parseKeyValues(text).size() == pairs.size();
-}
-
-std::optional<std::string> noneIfEmpty(const std::string& text) {
-    return text.empty() ? std::nullopt : std::optional(text);
 }
 
 // Collects the edits between two states of a form.
@@ -98,7 +95,7 @@ public:
                 s.config.commandArgs = words.value_or(s.config.commandArgs);
             });
         add(before_.workdir, after_.workdir, [](CloneSettings& s, const std::string& folder) {
-            s.config.workingDirectory = noneIfEmpty(folder);
+            s.config.workingDirectory = nothingIfEmpty(folder);
         });
     }
 

@@ -1,6 +1,8 @@
 #include "QuorvelApp/model/FormTexts.h"
 
+#include "Base/LineBreak.h"
 #include "Base/Text.h"
+#include "Presentation/JoinedText.h"
 #include "QuorvelApp/model/QtText.h"
 
 #include <QString>
@@ -13,8 +15,7 @@ namespace quorvel {
 namespace {
 
 bool isNewline(QChar character) {
-    const char16_t unit = character.unicode();
-    return (unit >= 0x0A && unit <= 0x0D) || unit == 0x85 || unit == 0x2028 || unit == 0x2029;
+    return isLineBreak(character.unicode());
 }
 
 template<typename Separates>
@@ -159,8 +160,7 @@ std::string keyValueText(const std::map<std::string, std::string>& entries) {
     std::string text;
     for (const auto& [key, value] : entries) {
         constexpr std::size_t most = 200'000;
-        std::string line = key;
-        line.append("=").append(value);
+        const std::string line = keyValueLine(key, value);
         if (survivesEditor(line) && text.size() + line.size() < most &&
             parseKeyValues(line) == std::map<std::string, std::string>{{key, value}}) {
             text.append(text.empty() ? "" : "\n").append(line);

@@ -1,5 +1,6 @@
 #include "QuorvelApp/model/NewCloneForm.h"
 
+#include "Base/OptionalText.h"
 #include "Base/PathText.h"
 #include "Base/SplitText.h"
 #include "Base/Text.h"
@@ -8,6 +9,7 @@
 #include "Platform/desktop/UserLocale.h"
 #include "Presentation/AppTexts.h"
 #include "Presentation/CloneNaming.h"
+#include "Presentation/JoinedText.h"
 #include "Presentation/StrategyTexts.h"
 #include "QuorvelApp/model/FormTexts.h"
 #include "QuorvelApp/model/Translated.h"
@@ -22,10 +24,6 @@ using Text::trimmingWhitespace;
 
 bool isBlank(std::string_view text) {
     return trimmingWhitespace(text).empty();
-}
-
-std::optional<std::string> nothingIfEmpty(std::string text) {
-    return text.empty() ? std::nullopt : std::optional(std::move(text));
 }
 
 void fillTarget(WrapperFactory::Request& request, const NewCloneForm& form) {
@@ -160,7 +158,7 @@ void NewCloneForm::suggestEnvironment(const std::map<std::string, std::string>& 
     }
     suggestedEnvironment = variables;
     for (const auto& [name, value] : variables) {
-        envText.append(envText.empty() ? "" : "\n").append(name).append("=").append(value);
+        envText.append(envText.empty() ? "" : "\n").append(keyValueLine(name, value));
     }
 }
 
@@ -273,7 +271,7 @@ void NewCloneForm::addEnvironment(const std::map<std::string, std::string>& vari
         if (!envText.empty() && !envText.ends_with('\n')) {
             envText += '\n';
         }
-        envText.append(key).append("=").append(value);
+        envText.append(keyValueLine(key, value));
     }
 }
 
