@@ -209,8 +209,8 @@ void NewCloneSession::detect() {
     continued(model_.detectStrategy(*form_.selected), this,
               [this, app = *form_.selected](const QFuture<AppProfile>& outcome) {
                   edit([&](NewCloneForm& form) {
-                      form.detecting = false;
                       if (form.selected != app) {
+                          form.detecting = false;
                           return; // the result is about another app than the one selected now
                       }
                       try {
