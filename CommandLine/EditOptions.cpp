@@ -94,7 +94,8 @@ void addIconOptions(const EditBinding& add) {
              });
     add.flag("--hide-icon", inSystemWords("CreateOptions", "Show no Dock icon"),
              [](CloneSettings& s) { s.hidesIcon = true; });
-    add.flag("--no-hide-icon", "Undo that", [](CloneSettings& s) { s.hidesIcon = false; });
+    add.flag("--no-hide-icon", "Show the icon again",
+             [](CloneSettings& s) { s.hidesIcon = false; });
     add.text("--label", "A short text on the icon; empty for none", "TEXT",
              [](CloneSettings& s, const std::string& value) {
                  IconLabel label = s.config.iconLabel.value_or(IconLabel{.colorHex = "#FFFFFF"});
@@ -151,8 +152,8 @@ void addSwitches(const EditBinding& add) {
             return [member, value](CloneSettings& s) { s.config.*member = value; };
         };
         add.flag(each.flag, inSystemWords(switchContext, each.help), setTo(!each.defaultValue()));
-        add.flag("--no-" + std::string(each.flag).substr(2), "Undo that",
-                 setTo(each.defaultValue()));
+        const std::string flag = each.flag;
+        add.flag("--no-" + flag.substr(2), "Turn " + flag + " off", setTo(each.defaultValue()));
     }
 }
 

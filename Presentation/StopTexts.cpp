@@ -13,7 +13,7 @@ std::string stillRunningText(const std::string& name, std::size_t left,
 }
 
 std::string lossText(const Translate& translate) {
-    return translate("Stop", "What is not saved is lost.");
+    return translate("Stop", "Unsaved work is lost.");
 }
 
 std::string usedElsewhereText(const std::string& name, const Translate& translate) {

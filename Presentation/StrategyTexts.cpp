@@ -23,7 +23,7 @@ std::string strategyLabel(std::string_view rawValue, const Translate& translate)
 std::string strategyReason(Strategy strategy, const Translate& translate) {
     switch (strategy) {
     case Strategy::homeOverride:
-        return translate("Strategy", "a home folder of its own keeps the clone's data apart");
+        return translate("Strategy", "a home folder of its own keeps the clone’s data apart");
     case Strategy::containerRedirect:
         return translate("Strategy",
                          "it writes data outside its home folder, which has to be redirected");
@@ -33,7 +33,7 @@ std::string strategyReason(Strategy strategy, const Translate& translate) {
     case Strategy::unsupported:
         break;
     }
-    return translate("Strategy", "it can't be isolated");
+    return translate("Strategy", "it can’t be isolated");
 }
 
 } // namespace quorvel

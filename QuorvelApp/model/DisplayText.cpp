@@ -34,7 +34,7 @@ QString beginning(std::string_view text, qsizetype limit) {
     return start.left(end) + u'…';
 }
 
-QString harmless(const QString& text, char16_t lineBreak) {
+QString safeForDisplay(const QString& text, char16_t lineBreak) {
     QString result;
     bool afterReturn = false;
     UnsafeText unsafe;
@@ -77,11 +77,11 @@ QString brokenWord(const QString& word) {
 } // namespace
 
 QString displayText(std::string_view text) {
-    return harmless(beginning(text, longestDisplayText), u'\n');
+    return safeForDisplay(beginning(text, longestDisplayText), u'\n');
 }
 
 QString displayLine(std::string_view text) {
-    return harmless(beginning(text, longestDisplayLine), u' ');
+    return safeForDisplay(beginning(text, longestDisplayLine), u' ');
 }
 
 QString breakable(const QString& text) {

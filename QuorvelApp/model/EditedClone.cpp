@@ -224,11 +224,11 @@ ChangedClone EditedClone::save(const std::vector<CloneEdit>& edits) const {
     return editClone(wrapper, [&](CloneSettings& now) {
         if (now.config.json() != settings.config.json() || now.hidesIcon != settings.hidesIcon ||
             now.arguments != settings.arguments) {
-            throw Error(sentence(
-                QCoreApplication::translate("EditedClone",
-                                            "“%1” has been changed meanwhile. Close this sheet and "
-                                            "edit the clone again; nothing was saved."),
-                {settings.config.displayName}));
+            throw Error(sentence(QCoreApplication::translate(
+                                     "EditedClone",
+                                     "“%1” has been changed in the meantime. Close this sheet and "
+                                     "edit the clone again; nothing was saved."),
+                                 {settings.config.displayName}));
         }
         for (const CloneEdit& edit : edits) {
             edit(now);

@@ -96,7 +96,7 @@ QString AdvancedOptions::argumentsHelp() const {
            "Chromium browsers get --user-data-dir, Firefox gets -profile, Eclipse gets -data, "
            "automatically.");
     return session_.form().edited
-               ? help + QLatin1Char(' ') + tr("An argument with spaces stands in double quotes.")
+               ? help + QLatin1Char(' ') + tr("Put an argument with spaces in double quotes.")
                : help;
 }
 

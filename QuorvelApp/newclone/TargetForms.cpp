@@ -104,7 +104,7 @@ CommandForm::CommandForm(NewCloneSession& session)
         tr("Runs any executable/script with arguments, a working directory, and the "
            "environment variables below.");
     addCaption(session.form().edited
-                   ? caption + u' ' + tr("An argument with spaces stands in double quotes.")
+                   ? caption + u' ' + tr("Put an argument with spaces in double quotes.")
                    : caption);
 }
 

@@ -118,7 +118,7 @@ TEST_F(StopCommandTest, OnATerminalForceIsAQuestion) {
     harness_.typed = "n\n";
     const CommandResult refused = harness_.run({"stop", "Work", "--wait", "0.2"});
     EXPECT_EQ(refused.status, 1);
-    EXPECT_THAT(refused.errors, HasSubstr("End it by force? What is not saved is lost. [y/N] "));
+    EXPECT_THAT(refused.errors, HasSubstr("End it by force? Unsaved work is lost. [y/N] "));
     EXPECT_TRUE(runner_->isRunning());
     harness_.typed = "y\n";
     EXPECT_EQ(harness_.run({"stop", "Work", "--wait", "0.2"}).status, 0);

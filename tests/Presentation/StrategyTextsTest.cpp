@@ -31,7 +31,7 @@ TEST(StrategyTextsTest, AreTranslatedButNotAnUnknownRawValue) {
     };
     EXPECT_EQ(strategyLabel("home-override", shouting), "!Home override (A)");
     EXPECT_EQ(strategyLabel("other", shouting), "other");
-    EXPECT_EQ(strategyReason(Strategy::unsupported, shouting), "!it can't be isolated");
+    EXPECT_EQ(strategyReason(Strategy::unsupported, shouting), "!it can’t be isolated");
 }
 
 } // namespace

@@ -71,7 +71,7 @@ TEST_F(CloneSheetsTest, ForceIsAQuestionWhoseDefaultIsCancel) {
     RunningClone work("trap '' TERM");
     openStubborn(work);
     EXPECT_TRUE(text().startsWith(u"“Work” was asked to end, but "_s));
-    EXPECT_TRUE(text().endsWith(u" are still running. What is not saved is lost."_s));
+    EXPECT_TRUE(text().endsWith(u" are still running. Unsaved work is lost."_s));
     EXPECT_EQ(window->focusWidget(), button(u"Cancel"_s));
     QTest::keyClick(window->focusWidget(), Qt::Key_Return);
     EXPECT_FALSE(shown(u"End “Work” by force?"_s));

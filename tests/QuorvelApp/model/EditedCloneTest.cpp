@@ -191,7 +191,7 @@ TEST_F(EditedCloneTest, WhatWasChangedMeanwhileIsNotOverwritten) {
         (void)clone.save(clone.edits(form));
         FAIL() << "saved";
     } catch (const Error& error) {
-        EXPECT_THAT(error.what(), HasSubstr("“Odd” has been changed meanwhile."));
+        EXPECT_THAT(error.what(), HasSubstr("“Odd” has been changed in the meantime."));
     }
     EXPECT_EQ(treeOf(wrapper), before);
 }

@@ -208,7 +208,7 @@ TEST_F(EditCloneViewTest, ACloneThatWasChangedMeanwhileIsAnErrorAndNothingIsLost
     (void)editClone(record.bundleURL, [](CloneSettings& s) { s.config.url = "c.test"; });
     button(u"Save"_s)->click();
     expectFailure(
-        u"Couldn't save: “Work” has been changed meanwhile. Close this sheet and edit the "
+        u"Couldn't save: “Work” has been changed in the meantime. Close this sheet and edit the "
         u"clone again; nothing was saved."_s);
     EXPECT_EQ(configOf("Work").url, "c.test");
 }
