@@ -131,9 +131,9 @@ void CloneDetailView::setClone(const InstanceRecord& clone) {
               });
 }
 
-void CloneDetailView::setActivity(Activity activity) {
+void CloneDetailView::setActivity(const Activity& activity) {
     activity_ = activity;
-    setActionsEnabled(activity != Activity::renaming);
+    setActionsEnabled(!activity.isChanging);
     refreshRunning();
 }
 
@@ -168,9 +168,9 @@ void CloneDetailView::refreshRunning() {
     showCallout();
     const bool running = model_.isRunning(*clone_);
     dot_->setRunning(running);
-    status_->setText(activity_ == Activity::stopping ? tr("Stopping…")
-                     : running                       ? tr("Running")
-                                                     : tr("Not running"));
+    status_->setText(activity_.isStopping ? tr("Stopping…")
+                     : running            ? tr("Running")
+                                          : tr("Not running"));
     launch_->setText(running ? tr("Foc&us") : tr("&Launch"));
 }
 

@@ -32,9 +32,12 @@ public:
     /// Shows another clone, or another state of the same.
     void setClone(const InstanceRecord& clone);
     /// What is being done with the clone.
-    enum class Activity { none, renaming, stopping };
-    /// Shows what is being done with the clone. While it is renamed, its actions are disabled.
-    void setActivity(Activity activity);
+    struct Activity {
+        bool isChanging = false;
+        bool isStopping = false;
+    };
+    /// Shows what is being done with the clone. While it is changed, its actions are disabled.
+    void setActivity(const Activity& activity);
     /// Updates whether the clone is running, and whether its home offers a migration.
     void refreshRunning();
     /// Opens the clone, or brings it to the front.
@@ -68,7 +71,7 @@ private:
     QWidget* actions_ = nullptr;
     QPushButton* launch_ = nullptr;
     QPointer<QWidget> focusBefore_{}; ///< the action that was focused when they were disabled
-    Activity activity_ = Activity::none;
+    Activity activity_{};
     MigrationCallout* callout_ = nullptr;
     QVBoxLayout* details_ = nullptr;
 };

@@ -61,6 +61,7 @@ void ContentView::connectCommands() {
     connect(commands_, &CloneCommands::deletionRequested, this,
             [this] { detail().confirmDelete(); });
     connect(commands_, &CloneCommands::renameRequested, this, [this] { sidebar_->editName(); });
+    connect(commands_, &CloneCommands::revealRequested, &model_, &AppModel::reveal);
     connect(commands_, &CloneCommands::logRequested, sheets_, &CloneSheets::showLog);
     connect(commands_, &CloneCommands::refreshRequested, this,
             [this](const InstanceRecord& clone) { sheets_->refresh({clone}); });
@@ -152,12 +153,10 @@ void ContentView::showSelection() {
 }
 
 void ContentView::showActivity() {
-    using Activity = CloneDetailView::Activity;
     const auto& selection = sidebar_->selection();
     if (const InstanceRecord* clone = selection ? model_.clone(*selection) : nullptr) {
-        detail().setActivity(changes_.isRenaming(*clone)   ? Activity::renaming
-                             : changes_.isStopping(*clone) ? Activity::stopping
-                                                           : Activity::none);
+        detail().setActivity(
+            {.isChanging = changes_.isChanging(*clone), .isStopping = changes_.isStopping(*clone)});
     }
 }
 

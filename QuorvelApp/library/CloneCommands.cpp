@@ -35,10 +35,10 @@ CloneCommands::CloneCommands(AppModel& model, CloneChanges& changes, QObject* pa
     prepare(duplicate_, &CloneCommands::duplicateRequested);
     prepare(refreshWrapper_, &CloneCommands::refreshRequested);
     prepare(log_, &CloneCommands::logRequested);
+    prepare(reveal_, &CloneCommands::revealRequested);
     prepare(stop_, &CloneCommands::stopRequested);
     prepare(cancelStop_, &CloneCommands::stopCancelled);
     prepare(remove_, &CloneCommands::deletionRequested);
-    prepareReveal();
     refreshAll_.setMenuRole(QAction::NoRole);
     connect(&refreshAll_, &QAction::triggered, this, &CloneCommands::refreshAllRequested);
     connect(&model_, &AppModel::clonesChanged, this, &CloneCommands::refresh);
@@ -52,15 +52,6 @@ void CloneCommands::prepare(QAction& action, Request request) {
     connect(&action, &QAction::triggered, this, [this, request] {
         if (const InstanceRecord* clone = id_ ? model_.clone(*id_) : nullptr) {
             Q_EMIT(this->*request)(InstanceRecord(*clone)); // the list may change meanwhile
-        }
-    });
-}
-
-void CloneCommands::prepareReveal() {
-    reveal_.setMenuRole(QAction::NoRole);
-    connect(&reveal_, &QAction::triggered, this, [this] {
-        if (const InstanceRecord* clone = id_ ? model_.clone(*id_) : nullptr) {
-            model_.reveal(*clone);
         }
     });
 }
@@ -91,10 +82,9 @@ void CloneCommands::addGeneralTo(QMenu& menu) {
 }
 
 void CloneCommands::refresh() {
-    const bool isFree = !blocked_ && !changes_.isRefreshing();
-    const InstanceRecord* clone = id_ && isFree ? model_.clone(*id_) : nullptr;
-    if (clone != nullptr && changes_.isRenaming(*clone)) {
-        clone = nullptr; // until it has its new identity
+    const InstanceRecord* clone = id_ && !blocked_ ? model_.clone(*id_) : nullptr;
+    if (clone != nullptr && changes_.isChanging(*clone)) {
+        clone = nullptr;
     }
     for (QAction* action :
          {&open_, &edit_, &rename_, &duplicate_, &refreshWrapper_, &reveal_, &remove_}) {
@@ -105,7 +95,7 @@ void CloneCommands::refresh() {
     cancelStop_.setVisible(isStopping);
     stop_.setEnabled(clone != nullptr && !isStopping &&
                      (model_.isRunning(*clone) || isHomeInUse(clone->config)));
-    refreshAll_.setEnabled(isFree && !model_.clones().empty());
+    refreshAll_.setEnabled(!blocked_ && !changes_.isRefreshing() && !model_.clones().empty());
 }
 
 } // namespace quorvel

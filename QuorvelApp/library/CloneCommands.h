@@ -47,6 +47,7 @@ Q_SIGNALS:
     void refreshRequested(const quorvel::InstanceRecord& clone);
     void refreshAllRequested();
     void logRequested(const quorvel::InstanceRecord& clone);
+    void revealRequested(const quorvel::InstanceRecord& clone);
     void stopRequested(const quorvel::InstanceRecord& clone);
     void stopCancelled(const quorvel::InstanceRecord& clone);
     void deletionRequested(const quorvel::InstanceRecord& clone);
@@ -55,7 +56,6 @@ private:
     using Request = void (CloneCommands::*)(const InstanceRecord&);
 
     void prepare(QAction& action, Request request);
-    void prepareReveal();
     void refresh();
 
     AppModel& model_;

@@ -52,6 +52,11 @@ public:
                           const std::shared_ptr<ChangeProgress>& progress);
     /// Returns whether a refresh is under way.
     [[nodiscard]] bool isRefreshing() const { return refreshing_ > 0; }
+    /// Returns whether the clone is being changed, so that nothing else may be done with it. A
+    /// clone that is being renamed has a new identity afterwards.
+    [[nodiscard]] bool isChanging(const InstanceRecord& clone) const {
+        return isRefreshing() || isRenaming(clone);
+    }
 
     /// Whether what does not end when asked is killed.
     enum class Force { never, afterAsking };

@@ -99,9 +99,11 @@ TEST_F(CloneSheetsTest, RefreshesTheSelectedCloneOrAll) {
     command(u"Refresh Wrappers"_s)->trigger();
     EXPECT_FALSE(command(u"Refresh Wrappers"_s)->isEnabled());
     EXPECT_FALSE(command(u"Edit…"_s)->isEnabled());
+    EXPECT_FALSE(button(u"Launch"_s)->isEnabled()) << "as the command";
     ASSERT_TRUE(eventually([&] { return shown(u"2 wrappers were refreshed."_s); }));
     button(u"OK"_s)->click();
     EXPECT_TRUE(command(u"Refresh Wrappers"_s)->isEnabled());
+    EXPECT_TRUE(button(u"Launch"_s)->isEnabled());
 }
 
 TEST_F(CloneSheetsTest, ARefreshThatTakesTimeShowsItsProgressAndCanBeCancelled) {
