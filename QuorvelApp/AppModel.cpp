@@ -11,8 +11,8 @@
 #include "Presentation/JoinedText.h"
 #include "Presentation/MigrationSummary.h"
 #include "ProbeKit/ProfileGenerator.h"
+#include "QuorvelApp/model/EditedClone.h"
 #include "QuorvelApp/model/Outcome.h"
-#include "QuorvelApp/model/SandboxCheck.h"
 #include "QuorvelApp/model/Translated.h"
 
 #include <QPointer>
@@ -321,6 +321,13 @@ QFuture<void> AppModel::revealItem(const std::filesystem::path& item) {
                                              setLastError(outcome.failure);
                                          }
                                      });
+}
+
+QFuture<EditedClone> AppModel::readForEditing(const InstanceRecord& record) {
+    return services_.tasks->detached(
+        TaskPriority::userInitiated, this,
+        [wrapper = record.bundleURL] { return EditedClone::read(wrapper); },
+        [](const EditedClone& clone) { return clone; });
 }
 
 QFuture<WindowGrouping> AppModel::windowGrouping(const InstanceRecord& record) {

@@ -3,6 +3,7 @@
 #include "LaunchKit/AppProfile.h"
 #include "LaunchKit/InstanceLauncher.h"
 #include "LaunchKit/Launching/WindowIdentity.h"
+#include "QuorvelApp/model/AppFacts.h"
 #include "QuorvelApp/model/AppServices.h"
 
 #include <QFuture>
@@ -17,16 +18,8 @@
 namespace quorvel {
 
 class PlatformError;
+struct EditedClone;
 struct InstanceRecord;
-
-/// What `AppModel::sandboxInfo` proposes for an app.
-struct SandboxInfo {
-    bool sandboxed = false;
-    Strategy strategy = Strategy::homeOverride;
-    std::string reason{};                             ///< a sentence for the user
-    std::map<std::string, std::string> environment{}; ///< the variables that the app needs
-    bool hasSeed = false; ///< the app has data that a clone could start with
-};
 
 /// The application's only model: the state that views show, and every action that changes something
 /// outside the application. Main thread only. Blocking work runs in the background and finishes on
@@ -111,6 +104,8 @@ public:
     /// Shows any item in the file manager. A failure becomes `lastError`.
     QFuture<void> revealItem(const std::filesystem::path& item);
 
+    /// Reads the clone for its editor. Fails with an `Error`.
+    [[nodiscard]] QFuture<EditedClone> readForEditing(const InstanceRecord& record);
     /// Returns where the dock shows the clone's windows under the clone's own name.
     [[nodiscard]] QFuture<WindowGrouping> windowGrouping(const InstanceRecord& record);
     /// Returns whether sites can be asked for their title and icon.

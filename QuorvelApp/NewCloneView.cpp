@@ -2,8 +2,8 @@
 
 #include "QuorvelApp/Components.h"
 #include "QuorvelApp/newclone/KindLook.h"
+#include "QuorvelApp/newclone/SearchField.h"
 #include "QuorvelApp/newclone/SheetPanes.h"
-#include "QuorvelApp/widgets/SearchField.h"
 #include "QuorvelApp/widgets/SegmentedControl.h"
 #include "QuorvelApp/widgets/SheetFooter.h"
 

@@ -2,7 +2,8 @@
 
 #include "LaunchKit/InstanceRecord.h"
 #include "QuorvelApp/NewCloneView.h"
-#include "QuorvelApp/model/Outcome.h"
+#include "QuorvelApp/model/Continuation.h"
+#include "QuorvelApp/model/EditedClone.h"
 #include "QuorvelApp/panels/CopySheet.h"
 #include "QuorvelApp/panels/DuplicateView.h"
 #include "QuorvelApp/panels/EditCloneView.h"
@@ -25,19 +26,20 @@ void ClonePanels::edit(const InstanceRecord& clone) {
     }
     isReading_ = true;
     Q_EMIT openChanged();
-    model_.services().tasks->detached(
-        TaskPriority::userInitiated, this,
-        capturingErrors([wrapper = clone.bundleURL] { return EditedClone::read(wrapper); }),
-        [this](const Outcome<EditedClone>& outcome) {
-            isReading_ = false;
-            if (outcome.result) {
-                showEditor(*outcome.result);
-            } else {
-                Q_EMIT openChanged();
-                model_.reload();
-                model_.setLastError(outcome.failure);
-            }
-        });
+    continued(model_.readForEditing(clone), this, [this](const QFuture<EditedClone>& outcome) {
+        isReading_ = false;
+        std::optional<std::string> failure;
+        try {
+            showEditor(outcome.result());
+        } catch (const std::exception& error) {
+            failure = error.what();
+        }
+        if (failure) {
+            Q_EMIT openChanged();
+            model_.reload();
+            model_.setLastError(failure);
+        }
+    });
 }
 
 void ClonePanels::showEditor(EditedClone clone) {

@@ -1,6 +1,7 @@
 #pragma once
 
-#include "QuorvelApp/AppModel.h"
+#include "LaunchKit/Strategy.h"
+#include "QuorvelApp/model/AppServices.h"
 
 #include <functional>
 #include <map>
@@ -17,6 +18,15 @@ struct AppFacts {
     std::optional<std::string> snapReason{};
     std::map<std::string, std::string> environment{};
     bool hasSeed = false;
+};
+
+/// What `AppModel::sandboxInfo` proposes for an app.
+struct SandboxInfo {
+    bool sandboxed = false;
+    Strategy strategy = Strategy::homeOverride;
+    std::string reason{};                             ///< a sentence for the user
+    std::map<std::string, std::string> environment{}; ///< the variables that the app needs
+    bool hasSeed = false; ///< the app has data that a clone could start with
 };
 
 /// Returns a function that finds out whether the app is sandboxed.

@@ -1,7 +1,8 @@
-#include "QuorvelApp/model/SandboxCheck.h"
+#include "QuorvelApp/model/AppFacts.h"
 
 #include "LaunchKit/Copying/DataSeed.h"
 #include "Presentation/AppTexts.h"
+#include "QuorvelApp/AppModel.h"
 #include "QuorvelApp/model/Translated.h"
 
 #include <type_traits>

@@ -1,4 +1,4 @@
-#include "QuorvelApp/widgets/SearchField.h"
+#include "QuorvelApp/newclone/SearchField.h"
 
 #include "QuorvelApp/Components.h"
 
