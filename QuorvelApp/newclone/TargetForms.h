@@ -22,6 +22,7 @@ public:
 protected:
     QLineEdit* addField(const QString& placeholder, const QString& accessibleName,
                         QPushButton* button = nullptr);
+    void addRow(QWidget* row);
     void addCaption(const QString& text);
     [[nodiscard]] NewCloneSession& session() const { return session_; }
 
