@@ -248,7 +248,7 @@ std::string ExecLine::text(const std::vector<std::string>& command, std::string_
         throw ExecLineError("no program is named");
     }
     if (command.front().find('=') != std::string::npos) {
-        throw ExecLineError("the program’s path holds an equals sign");
+        throw ExecLineError("the program’s path contains an equals sign");
     }
     std::string line;
     for (const std::string& word : command) {

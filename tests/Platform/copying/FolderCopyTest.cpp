@@ -258,7 +258,7 @@ TEST_F(FolderCopyTest, NothingIsCopiedAcrossAMount) {
     const auto problem = inPrivateMounts([&]() -> std::string {
         bindMount(folder_ / "elsewhere", from("sub/mounted"));
         const std::string error = errorOf(from(), to());
-        if (error != "“from” couldn’t be copied: “sub/mounted” is another file system") {
+        if (error != "“from” couldn’t be copied: “sub/mounted” is on another file system") {
             return "a folder: " + error;
         }
         return treeOf(to()).empty() ? "" : "something was copied before";
@@ -266,7 +266,7 @@ TEST_F(FolderCopyTest, NothingIsCopiedAcrossAMount) {
     const auto ofAFile = inPrivateMounts([&]() -> std::string {
         bindMount(folder_ / "elsewhere/file", from("sub/file"));
         const std::string error = errorOf(from(), to());
-        return error == "“from” couldn’t be copied: “sub/file” is another file system"
+        return error == "“from” couldn’t be copied: “sub/file” is on another file system"
                    ? ""
                    : "a file: " + error;
     });
