@@ -16,6 +16,11 @@ namespace quorvel {
 [[nodiscard]] std::string withoutTrailingSlashes(std::string path);
 [[nodiscard]] std::filesystem::path withoutTrailingSlashes(const std::filesystem::path& path);
 
+/// Returns what follows the last slash: an empty text if that is at the end.
+[[nodiscard]] constexpr std::string_view baseName(std::string_view path) noexcept {
+    return path.substr(path.rfind('/') + 1); // npos + 1 is 0
+}
+
 /// Returns what follows the last slash, ignoring slashes at the end: "b" for "/a/b//". Returns "/"
 /// for a path that consists of slashes, and an empty text for an empty path.
 [[nodiscard]] std::string lastPathComponent(const std::filesystem::path& path);

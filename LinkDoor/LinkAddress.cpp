@@ -35,7 +35,7 @@ void requireHost(std::string_view afterScheme) {
     afterScheme.remove_prefix(2);
     const std::string_view authority = afterScheme.substr(0, afterScheme.find_first_of("/?#"));
     if (authority.find(' ') != std::string_view::npos) {
-        throw LinkAddressError("the address has a blank in its host");
+        throw LinkAddressError("the address has a space in its host");
     }
     const std::string_view host = hostIn(authority);
     if (host.empty() || host.find(']') != std::string_view::npos) {

@@ -28,7 +28,7 @@ inline constexpr std::size_t longestLinkAddress = std::size_t{32} << 10U;
 /// Returns the scheme of an address that may be handed to another program as one argument, in lower
 /// case: "http", "https" or "mailto". Throws `LinkAddressError` for an address that is too long,
 /// contains control characters or is not UTF-8, has another scheme or no host, or that programs
-/// read in different ways: with a backslash before the first "?" or "#", or a blank in its host.
+/// read in different ways: with a backslash before the first "?" or "#", or a space in its host.
 [[nodiscard]] std::string checkedLinkScheme(std::string_view address);
 
 } // namespace quorvel

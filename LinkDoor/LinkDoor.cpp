@@ -56,7 +56,7 @@ LinkSession sessionOf(const std::string& home, const Environment& clone, const R
         return std::move(*session);
     }
     reporter.say("there is no usable session file at " + linkSessionFile(home) +
-                 "; the link is opened in the session as it most likely is");
+                 "; the link is opened in a guess at the session");
     return guessedLinkSession(home, clone);
 }
 
@@ -90,7 +90,7 @@ bool startSomething(const LinkSession& session, const std::string& scheme,
         if (failure.empty()) {
             return true;
         }
-        reporter.say("the clone that is chosen for links can’t open one, " + failure +
+        reporter.say("the clone chosen for links couldn’t open it: " + failure +
                      "; the default browser is used");
     }
     return openWithDefault(scheme, address);
@@ -116,7 +116,8 @@ int openLinkOutside(const std::vector<std::string>& arguments) {
     }
     const int hops = hopsIn(clone);
     if (hops >= maxLinkHops) {
-        reporter.say("a link was not opened: it was handed on too often");
+        reporter.say("a link was not opened: it was passed from clone to clone too "
+                     "often");
         return linkLoops;
     }
     const LinkSession session = sessionOf(home, clone, reporter);

@@ -130,7 +130,7 @@ CopiedData::CopiedData(const fs::path& home, const std::vector<DataPart>& parts,
       search_(foldersOf(parts)),
       cancelled_(options.cancelled) {
     FolderCopyOptions complete = options;
-    complete.leavesOut = staysBehind;
+    complete.excludes = staysBehind;
     for (const DataPart& part : parts) {
         const std::string below = part.to.empty() ? "" : part.to + "/";
         complete.copied = [&](const CopiedContent& item) { search_.lookAt(item, below); };

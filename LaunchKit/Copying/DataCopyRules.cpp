@@ -79,8 +79,8 @@ bool isLog(const std::string& path) {
 bool isSharedMemory(const CopiedItem& item) {
     constexpr std::string_view end = "-shm";
     return item.name.size() > end.size() && item.name.ends_with(end) &&
-           std::find(item.besides.begin(), item.besides.end(),
-                     item.name.substr(0, item.name.size() - end.size())) != item.besides.end();
+           std::find(item.siblings.begin(), item.siblings.end(),
+                     item.name.substr(0, item.name.size() - end.size())) != item.siblings.end();
 }
 
 bool isHeldHere(int folder, const char* name, char separator) {

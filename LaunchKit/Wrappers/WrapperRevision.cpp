@@ -80,7 +80,7 @@ void copyWrapper(const fs::path& wrapper, const fs::path& copy, bool leavesRunne
     FolderCopyOptions options;
     if (leavesRunnerOut) {
         const std::string runner = runnerOf("").substr(1);
-        options.leavesOut = [runner](const CopiedItem& item) { return item.path == runner; };
+        options.excludes = [runner](const CopiedItem& item) { return item.path == runner; };
     }
     (void)FolderCopy(wrapper, std::move(options)).copyInto(folder->descriptor());
     refuseLinks(copy);

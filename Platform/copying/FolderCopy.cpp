@@ -4,6 +4,7 @@
 #include "Platform/copying/ByteCopy.h"
 #include "Platform/copying/FileCloning.h"
 #include "Platform/copying/ItemCopy.h"
+#include "Platform/files/FileReading.h"
 #include "Platform/files/Folder.h"
 #include "Platform/files/FolderWalk.h"
 #include "Platform/files/PlatformError.h"
@@ -156,17 +157,17 @@ void FolderCopy::copyFolder(const Place& place, const struct stat& facts) {
 }
 
 void FolderCopy::copyItem(const Place& place, const std::string& name,
-                          const std::vector<std::string>& besides) {
+                          const std::vector<std::string>& siblings) {
     struct stat facts {};
     const std::string path = place.path + name;
     if (::fstatat(place.from, name.c_str(), &facts, AT_SYMLINK_NOFOLLOW) != 0) {
         fail(path, errno == ENOENT ? EBUSY : errno);
     }
-    if (!isCopyable(facts) || (options_.leavesOut && options_.leavesOut({.path = path,
-                                                                         .name = name,
-                                                                         .facts = facts,
-                                                                         .folder = place.from,
-                                                                         .besides = besides}))) {
+    if (!isCopyable(facts) || (options_.excludes && options_.excludes({.path = path,
+                                                                       .name = name,
+                                                                       .facts = facts,
+                                                                       .folder = place.from,
+                                                                       .siblings = siblings}))) {
         remember(facts, false);
         if (S_ISDIR(facts.st_mode)) {
             leftOut_.push_back(path);
@@ -183,7 +184,7 @@ void FolderCopy::copyItem(const Place& place, const std::string& name,
             copyLink(place, name, facts);
         }
     } else {
-        showLinkedFile(place, name, facts);
+        showLinkedItem(place, name, facts);
     }
     ++report_.items;
     report(0, true);
@@ -259,11 +260,14 @@ void FolderCopy::copyFile(const Place& place, const std::string& name, const str
 }
 
 // The caller may be interested in each of its names.
-void FolderCopy::showLinkedFile(const Place& place, const std::string& name,
+void FolderCopy::showLinkedItem(const Place& place, const std::string& name,
                                 const struct stat& facts) {
     if (options_.copied && S_ISREG(facts.st_mode)) {
         const FileHandle file(openFileOnMount(place.from, name.c_str(), mount_));
         options_.copied({.path = place.path + name, .file = file.descriptor(), .target = {}});
+    } else if (options_.copied) {
+        const std::string target = linkTargetIn(place.from, name.c_str()).value_or("");
+        options_.copied({.path = place.path + name, .target = target});
     }
 }
 

@@ -28,11 +28,11 @@ public:
 
 /// An item of a folder that is being copied.
 struct CopiedItem {
-    const std::string& path;                 ///< relative to the folder
-    const std::string& name;                 ///< in its own folder
-    const struct stat& facts;                ///< not following a link
-    int folder;                              ///< its own folder, open
-    const std::vector<std::string>& besides; ///< the names in its own folder
+    const std::string& path;                  ///< relative to the folder
+    const std::string& name;                  ///< in its own folder
+    const struct stat& facts;                 ///< not following a link
+    int folder;                               ///< its own folder, open
+    const std::vector<std::string>& siblings; ///< the names in its own folder
 };
 
 /// The progress of a copy.
@@ -52,7 +52,7 @@ struct CopiedContent {
 
 struct FolderCopyOptions {
     /// Returns whether an item is not to be copied. Sockets, FIFOs and devices never are.
-    std::function<bool(const CopiedItem&)> leavesOut{};
+    std::function<bool(const CopiedItem&)> excludes{};
     /// Called for each file and link once it is copied, while its bytes are in memory.
     std::function<void(const CopiedContent&)> copied{};
     /// Called on the thread that copies, every 100 ms at most and once at the end.
@@ -109,7 +109,7 @@ private:
     void count();
     void copyFolder(const Place& place, const struct stat& facts);
     void copyItem(const Place& place, const std::string& name,
-                  const std::vector<std::string>& besides);
+                  const std::vector<std::string>& siblings);
     void copySubfolder(const Place& place, const std::string& name, const struct stat& facts);
     void copyFile(const Place& place, const std::string& name, const struct stat& facts);
     [[nodiscard]] FileHandle copyOf(const FileHandle& from, const Place& place,
@@ -117,7 +117,7 @@ private:
     void copyLink(const Place& place, const std::string& name, const struct stat& facts);
     [[nodiscard]] bool linkToCopy(const Place& place, const std::string& name,
                                   const struct stat& facts);
-    void showLinkedFile(const Place& place, const std::string& name, const struct stat& facts);
+    void showLinkedItem(const Place& place, const std::string& name, const struct stat& facts);
     void remember(const struct stat& facts, bool isCopied);
     void requireUnchanged() const;
     [[nodiscard]] bool isUnchanged(const struct stat& now) const;

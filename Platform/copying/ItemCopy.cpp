@@ -42,7 +42,7 @@ PlatformError copyFailure(int error, const std::filesystem::path& inside,
     const std::string where = below.empty() ? "" : "“" + below.string() + "” ";
     // The system's messages for these two would be misleading.
     if (error == EXDEV) {
-        return PlatformError::because(where + "is another file system", item, action);
+        return PlatformError::because(where + "is on another file system", item, action);
     }
     if (error == EBUSY) {
         return PlatformError::because(where + "changed while it was copied", item, action);

@@ -1,5 +1,6 @@
 #include "Platform/desktop/OsRelease_linux.h"
 
+#include "Base/SplitText.h"
 #include "Base/Utf8.h"
 #include "Platform/files/FileReading.h"
 
@@ -41,9 +42,7 @@ bool isPlain(std::string_view text) {
 std::string valueOf(std::string_view key, std::string_view text) {
     std::string value;
     while (!text.empty()) {
-        const std::size_t end = std::min(text.find('\n'), text.size());
-        std::string_view line = text.substr(0, end);
-        text.remove_prefix(std::min(end + 1, text.size()));
+        std::string_view line = takePart(text, '\n');
         if (line.starts_with(key) && line.substr(key.size()).starts_with('=')) {
             line.remove_prefix(key.size() + 1);
             value = unquoted(line);

@@ -34,9 +34,9 @@ presentInLists(std::vector<std::vector<std::string>> lists, const PresenceCheck&
 /// std::nullopt. Lists, threads and patience are those of `presentInLists`.
 template<typename Content>
 [[nodiscard]] std::map<std::string, Content>
-contentsOf(const std::vector<std::vector<std::string>>& lists,
-           const std::function<std::optional<Content>(const std::string&)>& read,
-           std::chrono::milliseconds patience = std::chrono::seconds(2)) {
+readInLists(const std::vector<std::vector<std::string>>& lists,
+            const std::function<std::optional<Content>(const std::string&)>& read,
+            std::chrono::milliseconds patience = std::chrono::seconds(2)) {
     // No thread adds or removes any, and each writes only those of its own list.
     const auto contents = std::make_shared<std::map<std::string, Content>>();
     for (const auto& list : lists) {

@@ -21,7 +21,7 @@ bool contains(const std::vector<std::string>& names, const std::string& name) {
 PlatformError whyUnreadable(const fs::path& file) {
     struct stat status {};
     if (hasNul(file)) {
-        return PlatformError::because("its path holds a NUL byte", file, "read");
+        return PlatformError::because("its path contains a NUL byte", file, "read");
     }
     if (::stat(file.c_str(), &status) != 0 ||
         (S_ISREG(status.st_mode) && ::access(file.c_str(), R_OK) != 0)) {

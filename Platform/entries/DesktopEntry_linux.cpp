@@ -104,13 +104,13 @@ std::vector<DesktopAction> actionsIn(const KeyFile& file) {
 
 void check(const std::string& key, const std::string& value, bool isPath) {
     if (value.find('\0') != std::string::npos) {
-        throw DesktopEntryError("its “" + key + "” holds a NUL byte");
+        throw DesktopEntryError("its “" + key + "” contains a NUL byte");
     }
     if (!isUtf8(value)) {
         throw DesktopEntryError("its “" + key + "” is not UTF-8");
     }
     if (isPath && value.find_first_of("\r\n") != std::string::npos) {
-        throw DesktopEntryError("its “" + key + "” holds a line break");
+        throw DesktopEntryError("its “" + key + "” contains a line break");
     }
 }
 
@@ -139,7 +139,8 @@ void writeActions(KeyFile& file, const std::vector<DesktopAction>& actions) {
     std::vector<std::string> ids;
     for (const DesktopAction& action : actions) {
         if (!isActionId(action.id)) {
-            throw DesktopEntryError("an action’s name is not made of letters, digits and hyphens");
+            throw DesktopEntryError("an action’s id contains other characters than letters, "
+                                    "digits and hyphens");
         }
         ids.push_back(action.id);
     }
@@ -197,7 +198,7 @@ std::string desktopEntryText(const DesktopEntry& entry) {
     std::string text = file.text();
     // The form loses some texts, such as those that begin with unusual white space.
     if (parseDesktopEntry(text, {}) != entry) {
-        throw DesktopEntryError("not all of it can be written down");
+        throw DesktopEntryError("not all of it can be written");
     }
     return text;
 }

@@ -1,5 +1,6 @@
 #include "Platform/entries/ExecLine.h"
 
+#include "Base/PathText.h"
 #include "Platform/entries/ExecWords.h"
 #include "Platform/entries/FileUrl.h"
 
@@ -8,10 +9,6 @@
 
 namespace quorvel {
 namespace {
-
-std::string_view baseName(std::string_view path) {
-    return path.substr(path.rfind('/') + 1);
-}
 
 // Makes one start's arguments out of the words. A code that means several texts begins a new
 // argument between them.
@@ -251,7 +248,7 @@ std::string ExecLine::text(const std::vector<std::string>& command, std::string_
         throw ExecLineError("no program is named");
     }
     if (command.front().find('=') != std::string::npos) {
-        throw ExecLineError("the program’s path holds an equals sign");
+        throw ExecLineError("the program’s path contains an equals sign");
     }
     std::string line;
     for (const std::string& word : command) {

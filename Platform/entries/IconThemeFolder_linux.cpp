@@ -60,7 +60,7 @@ IconThemeFolder::IconThemeFolder(const std::string& name, const std::vector<fs::
     for (const fs::path& folder : folders) {
         lists.push_back({joinAsText(folder, name)});
     }
-    const auto parts = contentsOf<Part>(lists, partIn);
+    const auto parts = readInLists<Part>(lists, partIn);
     bool isDescribed = false;
     for (const Names& list : lists) {
         const auto part = parts.find(list.front());
@@ -127,7 +127,7 @@ void IconThemeFolder::listFolders() {
             folders.push_back(joinAsText(part, folder.path));
         }
     }
-    const auto pictures = contentsOf<Names>(lists, picturesIn);
+    const auto pictures = readInLists<Names>(lists, picturesIn);
     for (std::size_t part = 0; part < lists.size(); ++part) {
         for (std::size_t folder = 0; folder < folders_.size(); ++folder) {
             if (const auto names = pictures.find(lists[part][folder]); names != pictures.end()) {

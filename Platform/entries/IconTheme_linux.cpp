@@ -1,5 +1,6 @@
 #include "Base/PathText.h"
 #include "Platform/entries/BoundedLookup_linux.h"
+#include "Platform/entries/CurrentDesktops_linux.h"
 #include "Platform/entries/IconTheme.h"
 #include "Platform/entries/IconThemeFolder_linux.h"
 #include "Platform/entries/KeyFile_linux.h"
@@ -10,7 +11,6 @@
 
 #include <algorithm>
 #include <array>
-#include <cstdlib>
 #include <set>
 #include <span>
 #include <unordered_set>
@@ -103,7 +103,7 @@ private:
         for (const fs::path& folder : folders_) {
             lists.push_back({folder.native()});
         }
-        const auto listed = contentsOf<std::vector<std::string>>(lists, namesIn);
+        const auto listed = readInLists<std::vector<std::string>>(lists, namesIn);
         std::erase_if(folders_,
                       [&](const fs::path& folder) { return !listed.contains(folder.native()); });
         for (const auto& [folder, names] : listed) {
@@ -184,8 +184,8 @@ std::string IconTheme::chosenTheme() {
                                     {"gtk-4.0/settings.ini", "Settings", "gtk-icon-theme-name"},
                                     {"gtk-3.0/settings.ini", "Settings", "gtk-icon-theme-name"}};
     // KDE's programs write that file on other desktops, too.
-    const char* desktop = std::getenv("XDG_CURRENT_DESKTOP");
-    const bool isKde = desktop != nullptr && std::string_view(desktop) == "KDE";
+    const std::vector<std::string> desktops = currentDesktops();
+    const bool isKde = std::find(desktops.begin(), desktops.end(), "KDE") != desktops.end();
     constexpr std::size_t limit = 65536;
     for (const auto& [name, group, key] : std::span(settings).subspan(isKde ? 0 : 1)) {
         const auto text = readFile(joinAsText(xdgConfigHome(), name), limit);

@@ -91,7 +91,7 @@ std::optional<FileLock> FileLock::tryTake(const std::filesystem::path& path) {
             return FileLock(std::move(file.file_));
         }
     }
-    throw PlatformError::because("it is being replaced constantly", path, "locked");
+    throw PlatformError::because("another program keeps replacing it", path, "locked");
 }
 
 std::optional<FileLock> FileLock::tryTakeFolder(const std::filesystem::path& path) {

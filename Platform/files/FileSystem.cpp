@@ -2,6 +2,7 @@
 
 #include "Base/PathText.h"
 #include "Platform/files/Folder.h"
+#include "Platform/files/ItemIdentity.h"
 #include "Platform/files/PlatformError.h"
 #include "Platform/files/RegularFile.h"
 
@@ -49,11 +50,8 @@ bool isSymbolicLink(const fs::path& path) noexcept {
 }
 
 bool isSameItem(const fs::path& a, const fs::path& b) noexcept {
-    struct stat first {};
-    struct stat second {};
-    return !hasNul(a) && !hasNul(b) && ::stat(a.c_str(), &first) == 0 &&
-           ::stat(b.c_str(), &second) == 0 && first.st_dev == second.st_dev &&
-           first.st_ino == second.st_ino;
+    const auto first = identityOfTarget(a);
+    return first && first == identityOfTarget(b);
 }
 
 bool isExecutableFile(const fs::path& path) noexcept {

@@ -1,5 +1,6 @@
 #include "Platform/homes/XdgUserDirs_linux.h"
 
+#include "Base/SplitText.h"
 #include "Platform/files/FileReading.h"
 
 #include <algorithm>
@@ -44,10 +45,8 @@ bool isBelowHome(std::string_view folder) {
 
 std::vector<XdgUserDir> parseXdgUserDirs(const std::string& text) {
     std::vector<XdgUserDir> folders;
-    for (std::size_t at = 0; at < text.size();) {
-        const std::size_t lineEnd = std::min(text.find('\n', at), text.size());
-        const std::string line = text.substr(at, lineEnd - at);
-        at = lineEnd + 1;
+    for (std::string_view rest = text; !rest.empty();) {
+        const std::string line(takePart(rest, '\n'));
         const std::size_t name = line.find_first_not_of(" \t");
         const std::size_t value = line.find(middle);
         const std::size_t end = line.rfind('"');

@@ -36,10 +36,10 @@ TreeShutdown::TreeShutdown(std::vector<ProcessIdentity> runners,
       others_(std::move(others)) {
     known_.insert(runners_.begin(), runners_.end());
     known_.insert(others_.begin(), others_.end());
-    lookAround();
+    refresh();
 }
 
-void TreeShutdown::lookBelow(const ProcessIdentity& runner) {
+void TreeShutdown::refreshBelow(const ProcessIdentity& runner) {
     const auto found = cloneProcesses(runner.pid);
     const std::set<ProcessIdentity> below(found.begin(), found.end());
     // A process that opened a link may have become the user's browser. One that the runner has
@@ -55,10 +55,10 @@ void TreeShutdown::lookBelow(const ProcessIdentity& runner) {
     }
 }
 
-void TreeShutdown::lookAround() {
+void TreeShutdown::refresh() {
     for (const ProcessIdentity& runner : runners_) {
         if (isRunning(runner)) {
-            lookBelow(runner);
+            refreshBelow(runner);
         }
     }
     for (const ProcessIdentity& other : others_) {
@@ -71,7 +71,7 @@ void TreeShutdown::lookAround() {
 }
 
 std::vector<ProcessIdentity> TreeShutdown::running() {
-    lookAround();
+    refresh();
     std::vector<ProcessIdentity> found;
     // This program may run in a terminal of the clone, and must not end itself.
     std::copy_if(known_.begin(), known_.end(), std::back_inserter(found),

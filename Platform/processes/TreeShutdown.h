@@ -32,8 +32,8 @@ public:
     [[nodiscard]] std::size_t seen() const { return known_.size(); }
 
 private:
-    void lookAround();
-    void lookBelow(const ProcessIdentity& runner);
+    void refresh();
+    void refreshBelow(const ProcessIdentity& runner);
     [[nodiscard]] bool anyMainRuns() const;
 
     std::vector<ProcessIdentity> runners_;

@@ -1,5 +1,7 @@
 #include "Platform/programs/LauncherScript.h"
 
+#include "Base/PathText.h"
+
 #include <algorithm>
 #include <array>
 #include <cctype>
@@ -12,10 +14,6 @@ namespace {
 
 bool isNameCharacter(char character) {
     return std::isalnum(static_cast<unsigned char>(character)) != 0 || character == '_';
-}
-
-std::string_view baseName(std::string_view path) {
-    return path.substr(path.rfind('/') + 1);
 }
 
 class ShellWords {

@@ -29,11 +29,6 @@ bool isNotEmpty(int error) {
     return error == ENOTEMPTY || error == EEXIST;
 }
 
-// Whether `below` is `kept` or one of its parents.
-bool leadsTo(std::string_view kept, const std::string& below) {
-    return kept.starts_with(below) && (kept.size() == below.size() || kept[below.size()] == '/');
-}
-
 bool canChange(int folder) {
     return ::faccessat(folder, ".", W_OK | X_OK, AT_EACCESS) == 0;
 }
@@ -216,7 +211,7 @@ void ItemRemoval::refuseClosedFolders() const {
 void ItemRemoval::removeContents(std::string_view kept, Pass& pass) const {
     FolderWalk walk(folder_.descriptor(), mount_);
     while (const auto step = walk.next()) {
-        if (!kept.empty() && leadsTo(kept, walk.path())) {
+        if (!kept.empty() && isAtOrBelow(kept, walk.path())) {
             continue;
         }
         if (step->folder < 0 || step->kind == FolderWalk::Kind::anotherMount) {

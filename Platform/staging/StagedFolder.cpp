@@ -50,7 +50,7 @@ StagedFolder::StagedFolder(fs::path destination) : destination_(std::move(destin
     }
     if (folder_.descriptor() < 0) {
         removeQuietly(path_);
-        throw PlatformError::because("it is being removed constantly", path_, "opened");
+        throw PlatformError::because("another program keeps removing it", path_, "opened");
     }
 }
 

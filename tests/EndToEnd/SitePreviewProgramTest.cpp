@@ -2,6 +2,7 @@
 #include "LaunchKit/IconCheck.h"
 #include "LaunchKit/Icons/SimplePng.h"
 #include "LaunchKit/Targets/SitePreview.h"
+#include "Platform/processes/Process.h"
 #include "tests/support/TemporaryHome.h"
 #include "tests/support/Waiting.h"
 

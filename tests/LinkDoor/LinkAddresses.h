@@ -40,7 +40,7 @@ inline std::vector<HostileAddress> hostileAddresses() {
         {"http://user@good.test@/", "no host"},
         {"http://[]/", "no host"},
         {"http://[::1/", "no host"},
-        {"http://good.test evil.test/", "blank"},
+        {"http://good.test evil.test/", "space"},
         {"http://good.test\\@evil.test/", "backslash"},
         {"https:\\\\evil.test\\", "backslash"},
         {"http://good.test/a\\b?c", "backslash"},

@@ -215,7 +215,9 @@ TEST_F(LinkDoorTest, ALoopEndsAtTheThirdHop) {
                                "QUORVEL_CLONE_HOME=" +
                                cloneHome.string() + " exec " + QUORVEL_LINK_DOOR + " \"$1\"\n");
     EXPECT_EQ(open({"https://good.test/"}), 0);
-    EXPECT_TRUE(waitUntil([&] { return log().find("too often") != std::string::npos; }));
+    EXPECT_TRUE(waitUntil([&] {
+        return log().find("it was passed from clone to clone too often") != std::string::npos;
+    }));
     EXPECT_EQ(read(folder / "hops"), "x\nx\nx\n");
 }
 

@@ -31,7 +31,7 @@ protected:
     [[nodiscard]] std::set<std::string> kept() const {
         fs::create_directory(folder_ / "to");
         const FileHandle to(::open((folder_ / "to").c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-        (void)FolderCopy(folder_ / "from", {.leavesOut = staysBehind}).copyInto(to.descriptor());
+        (void)FolderCopy(folder_ / "from", {.excludes = staysBehind}).copyInto(to.descriptor());
         std::set<std::string> names;
         for (const auto& [path, text] : treeOf(folder_ / "to")) {
             if (text != "<folder>") {

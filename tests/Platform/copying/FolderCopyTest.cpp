@@ -10,6 +10,7 @@
 #include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <set>
 #include <sys/socket.h>
 #include <sys/statvfs.h>
 #include <sys/un.h>
@@ -106,6 +107,21 @@ TEST_F(FolderCopyTest, HardLinksStayTogetherAndApartFromTheOriginals) {
     EXPECT_EQ(fs::hard_link_count(to("one")), 2U);
 }
 
+TEST_F(FolderCopyTest, EveryNameOfAFileOrALinkIsShown) {
+    write(from("file"), "shared");
+    fs::create_symlink("elsewhere", from("link"));
+    fs::create_hard_link(from("file"), from("file 2"));
+    ASSERT_EQ(::link(from("link").c_str(), from("link 2").c_str()), 0);
+    std::set<std::string> shown;
+    FolderCopyOptions options;
+    options.copied = [&](const CopiedContent& item) {
+        shown.insert(item.path + (item.file >= 0 ? ":" : " -> ") + item.target);
+    };
+    (void)copied(from(), to(), options);
+    EXPECT_EQ(shown, (std::set<std::string>{"file:", "file 2:", "link -> elsewhere",
+                                            "link 2 -> elsewhere"}));
+}
+
 TEST_F(FolderCopyTest, HolesAreKept) {
     constexpr std::uintmax_t size = std::uintmax_t{64} << 20U;
     write(from("sparse"), "begin");
@@ -136,7 +152,7 @@ TEST_F(FolderCopyTest, WhatTheCallerLeavesOutStaysBehindWithAllThatIsInIt) {
     write(from("lock/file"), "");
     write(from("lock/deep/file"), "");
     const auto report = copied(
-        from(), to(), {.leavesOut = [](const CopiedItem& item) { return item.path == "lock"; }});
+        from(), to(), {.excludes = [](const CopiedItem& item) { return item.path == "lock"; }});
     EXPECT_TRUE(fs::exists(to("kept/lock")));
     EXPECT_FALSE(fs::exists(to("lock")));
     EXPECT_EQ(report.items, 2U);
@@ -179,7 +195,7 @@ TEST_F(FolderCopyTest, AChangeMeanwhileIsAnError) {
         write(from("b"), "");
         int items = 0;
         const std::string error =
-            errorOf(from(), to(), {.leavesOut = [&](const CopiedItem& /*item*/) {
+            errorOf(from(), to(), {.excludes = [&](const CopiedItem& /*item*/) {
                         constexpr int all = 3;
                         if (++items == all) {
                             // File systems date changes by the ticks of a clock.
@@ -197,7 +213,7 @@ TEST_F(FolderCopyTest, WhatStaysBehindMayChange) {
     write(from("lock"), "");
     write(from("file"), "");
     EXPECT_EQ(errorOf(from(), to(),
-                      {.leavesOut =
+                      {.excludes =
                            [&](const CopiedItem& item) {
                                if (item.path == "file") {
                                    write(from("lock"), "changed");
@@ -242,7 +258,7 @@ TEST_F(FolderCopyTest, NothingIsCopiedAcrossAMount) {
     const auto problem = inPrivateMounts([&]() -> std::string {
         bindMount(folder_ / "elsewhere", from("sub/mounted"));
         const std::string error = errorOf(from(), to());
-        if (error != "“from” couldn’t be copied: “sub/mounted” is another file system") {
+        if (error != "“from” couldn’t be copied: “sub/mounted” is on another file system") {
             return "a folder: " + error;
         }
         return treeOf(to()).empty() ? "" : "something was copied before";
@@ -250,7 +266,7 @@ TEST_F(FolderCopyTest, NothingIsCopiedAcrossAMount) {
     const auto ofAFile = inPrivateMounts([&]() -> std::string {
         bindMount(folder_ / "elsewhere/file", from("sub/file"));
         const std::string error = errorOf(from(), to());
-        return error == "“from” couldn’t be copied: “sub/file” is another file system"
+        return error == "“from” couldn’t be copied: “sub/file” is on another file system"
                    ? ""
                    : "a file: " + error;
     });

@@ -410,8 +410,8 @@ TEST_P(ItemMoverVolumesTest, AnItemThatContainsAMountStays) {
     if (!problem) {
         GTEST_SKIP() << "no file system may be mounted here";
     }
-    EXPECT_EQ(*problem, "“a” couldn’t be moved: “folder” is another file system\n"
-                        "“b” couldn’t be moved: “file” is another file system");
+    EXPECT_EQ(*problem, "“a” couldn’t be moved: “folder” is on another file system\n"
+                        "“b” couldn’t be moved: “file” is on another file system");
     EXPECT_EQ(read(from("kept/foreign")), "y");
     EXPECT_EQ(read(from("kept file")), "z");
     EXPECT_THAT(namesBesideBoth(), ::testing::UnorderedElementsAre("kept", "kept file", "a", "b"));
@@ -423,7 +423,7 @@ TEST_P(ItemMoverVolumesTest, AnItemThatContainsAnotherFileSystemStays) {
     const auto result = onSmallDisk(from("a/disk"), "size=64k", [&]() -> std::string {
         write(from("a/disk/foreign"), "y");
         std::string failure = failureOf([&] { ItemMover().move(from("a"), to("a")); });
-        if (failure != "“a” couldn’t be moved: “disk” is another file system") {
+        if (failure != "“a” couldn’t be moved: “disk” is on another file system") {
             return failure;
         }
         return read(from("a/disk/foreign")) == "y" && !itemOrLinkExists(to("a")) ? "" : "it moved";

@@ -61,7 +61,7 @@ TEST(BoundedLookupTest, ListsAreWaitedForAsLongAsTheyAnswer) {
     const std::vector<std::vector<std::string>> lists{
         {"/slow/1", "/slow/2", "/slow/3", "/slow/4", "/slow/5"}, {"/fast", "/dead", "/after"}};
     const auto start = std::chrono::steady_clock::now();
-    const auto found = contentsOf<std::size_t>(lists, read, 400ms);
+    const auto found = readInLists<std::size_t>(lists, read, 400ms);
     EXPECT_LT(std::chrono::steady_clock::now() - start, 4s);
     EXPECT_THAT(found, ElementsAre(std::pair("/fast", 5U), std::pair("/slow/1", 7U),
                                    std::pair("/slow/3", 7U), std::pair("/slow/4", 7U),

@@ -289,23 +289,24 @@ TEST(DesktopEntryTest, RefusesWhatCanNotBeWritten) {
         entry.*field = value;
         return whyNotWritten(entry);
     };
-    EXPECT_EQ(why(&DesktopEntry::exec, "/a\nb"), "its “Exec” holds a line break");
-    EXPECT_EQ(why(&DesktopEntry::tryExec, "/a\rb"), "its “TryExec” holds a line break");
-    EXPECT_EQ(why(&DesktopEntry::icon, "/a\nb"), "its “Icon” holds a line break");
-    EXPECT_EQ(why(&DesktopEntry::path, "/a\nb"), "its “Path” holds a line break");
-    EXPECT_EQ(why(&DesktopEntry::name, std::string("a\0b", 3)), "its “Name” holds a NUL byte");
+    EXPECT_EQ(why(&DesktopEntry::exec, "/a\nb"), "its “Exec” contains a line break");
+    EXPECT_EQ(why(&DesktopEntry::tryExec, "/a\rb"), "its “TryExec” contains a line break");
+    EXPECT_EQ(why(&DesktopEntry::icon, "/a\nb"), "its “Icon” contains a line break");
+    EXPECT_EQ(why(&DesktopEntry::path, "/a\nb"), "its “Path” contains a line break");
+    EXPECT_EQ(why(&DesktopEntry::name, std::string("a\0b", 3)), "its “Name” contains a NUL byte");
     EXPECT_EQ(why(&DesktopEntry::comment, "caf\xe9"), "its “Comment” is not UTF-8");
-    EXPECT_EQ(why(&DesktopEntry::name, "\fpage"), "not all of it can be written down");
+    EXPECT_EQ(why(&DesktopEntry::name, "\fpage"), "not all of it can be written");
 
     DesktopEntry entry = completeEntry();
     entry.keywords.emplace_back("\xff");
     EXPECT_EQ(whyNotWritten(entry), "its “Keywords” is not UTF-8");
     entry = completeEntry();
     entry.actions.front().id = "new]\n[Desktop Entry";
-    EXPECT_THAT(whyNotWritten(entry), HasSubstr("letters, digits and hyphens"));
+    EXPECT_THAT(whyNotWritten(entry),
+                HasSubstr("id contains other characters than letters, digits and hyphens"));
     entry = completeEntry();
     entry.actions.front().exec = "a\nb";
-    EXPECT_EQ(whyNotWritten(entry), "its “Exec” holds a line break");
+    EXPECT_EQ(whyNotWritten(entry), "its “Exec” contains a line break");
     EXPECT_EQ(whyNotWritten(completeEntry()), "it was written");
 }
 

@@ -176,7 +176,7 @@ TEST(ExecLineTest, RefusesToWriteWhatTheFormatCanNotHold) {
     EXPECT_EQ(whyNotWritten({"/a", "b\r"}), "a line break can’t be written into a menu entry");
     EXPECT_EQ(whyNotWritten({"/a", std::string("b\0", 2)}),
               "a NUL byte can’t be written into a menu entry");
-    EXPECT_EQ(whyNotWritten({"/a=b/c"}), "the program’s path holds an equals sign");
+    EXPECT_EQ(whyNotWritten({"/a=b/c"}), "the program’s path contains an equals sign");
     EXPECT_EQ(whyNotWritten({}), "no program is named");
     EXPECT_EQ(whyNotWritten({""}), "no program is named");
 }

@@ -188,8 +188,10 @@ TEST_F(IconThemeTest, TheChosenThemeIsThatOfTheDesktopsSettings) {
     EXPECT_EQ(IconTheme::chosenTheme(), "hicolor");
     write(home / "settings/gtk-3.0/settings.ini", "[Settings]\ngtk-icon-theme-name=Papirus\n");
     EXPECT_EQ(IconTheme::chosenTheme(), "Papirus");
-    const ScopedEnvironment kde("XDG_CURRENT_DESKTOP", "KDE");
-    EXPECT_EQ(IconTheme::chosenTheme(), "breeze-dark");
+    for (const char* kde : {"KDE", "X:KDE"}) {
+        const ScopedEnvironment plasma("XDG_CURRENT_DESKTOP", kde);
+        EXPECT_EQ(IconTheme::chosenTheme(), "breeze-dark") << kde;
+    }
 }
 
 TEST_F(IconThemeTest, TheThemesOfDesktopsComeLast) {
