@@ -42,6 +42,10 @@ QLineEdit* TargetForm::addField(const QString& placeholder, const QString& acces
     return field;
 }
 
+void TargetForm::addRow(QWidget* row) {
+    column_->addWidget(row);
+}
+
 void TargetForm::addCaption(const QString& text) {
     column_->addWidget(makeWrappingLabel(text, TextStyle::caption, Ink::secondary));
     column_->addStretch();
