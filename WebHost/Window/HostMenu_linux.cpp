@@ -3,6 +3,7 @@
 #include "WebHost/Settings/SettingsRows_linux.h"
 
 #include <array>
+#include <span>
 
 namespace quorvel {
 namespace {
@@ -31,6 +32,23 @@ GMenuModel* menuModel(bool isMain) {
     return G_MENU_MODEL(menu);
 }
 
+using Shortcut = std::array<const char*, 2>; // its keys and its action
+
+void addShortcuts(GtkWidget* window, std::span<const Shortcut> shortcuts,
+                  GtkPropagationPhase phase) {
+    GtkEventController* const controller = gtk_shortcut_controller_new();
+    gtk_shortcut_controller_set_scope(GTK_SHORTCUT_CONTROLLER(controller),
+                                      GTK_SHORTCUT_SCOPE_MANAGED);
+    for (const auto& [keys, action] : shortcuts) {
+        gtk_shortcut_controller_add_shortcut(
+            GTK_SHORTCUT_CONTROLLER(controller),
+            gtk_shortcut_new(gtk_shortcut_trigger_parse_string(keys),
+                             gtk_named_action_new(action)));
+    }
+    gtk_event_controller_set_propagation_phase(controller, phase);
+    gtk_widget_add_controller(window, controller);
+}
+
 } // namespace
 
 GtkWidget* newHostMenuButton(bool isMainWindow) {
@@ -45,7 +63,7 @@ GtkWidget* newHostMenuButton(bool isMainWindow) {
 }
 
 void addHostShortcuts(GtkWidget* window) {
-    static constexpr std::array<std::array<const char*, 2>, 23> shortcuts{{
+    static constexpr std::array<Shortcut, 21> shortcuts{{
         {"<Alt>Left", "win.back"},
         {"<Alt>Right", "win.forward"},
         {"<Control>r", "win.reload"},
@@ -67,19 +85,12 @@ void addHostShortcuts(GtkWidget* window) {
         {"<Control>m", "win.mute"},
         {"<Control><Shift>h", "win.header"},
         {"<Control>comma", "win.settings"},
-        {"<Control>w", "win.close"},
-        {"<Control>q", "win.quit"},
     }};
-    GtkEventController* const controller = gtk_shortcut_controller_new();
-    gtk_shortcut_controller_set_scope(GTK_SHORTCUT_CONTROLLER(controller),
-                                      GTK_SHORTCUT_SCOPE_MANAGED);
-    for (const auto& [keys, action] : shortcuts) {
-        gtk_shortcut_controller_add_shortcut(
-            GTK_SHORTCUT_CONTROLLER(controller),
-            gtk_shortcut_new(gtk_shortcut_trigger_parse_string(keys),
-                             gtk_named_action_new(action)));
-    }
-    gtk_widget_add_controller(window, controller);
+    // A page that hangs never returns the keys that it is given first.
+    static constexpr std::array<Shortcut, 2> closing{
+        {{"<Control>w", "win.close"}, {"<Control>q", "win.quit"}}};
+    addShortcuts(window, shortcuts, GTK_PHASE_BUBBLE);
+    addShortcuts(window, closing, GTK_PHASE_CAPTURE);
 }
 
 GtkWidget* newHostButton(const char* icon, const char* tooltip, const char* action) {

@@ -74,6 +74,15 @@ TEST_F(WebPagesTest, APageThatWasNotLeftAsksAgain) {
     EXPECT_EQ(process("Portal"), host);
 }
 
+TEST_F(WebPagesTest, APageThatHangsIsClosedByTheKeyboard) {
+    const std::string shown = openPage("loops", "Loops");
+    clickUntil(shown, "/looping");
+    const pid_t host = process("Portal");
+    pressIn(shown, "ctrl+w");
+    pressIn(shown, "ctrl+w");
+    EXPECT_TRUE(waitUntil([&] { return process("Portal") != host; }, longestWait));
+}
+
 #ifdef QUORVEL_ACCESSIBLE
 TEST_F(WebPagesTest, APageThatHangsIsClosedAtTheSecondAttempt) {
     clickUntil(openPage("hangs", "Hangs"), "/hanging");

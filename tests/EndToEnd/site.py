@@ -70,6 +70,14 @@ onclick = () => {
     request.send();
   }, 500);
 };</script>""",
+    # Never reacts to anything after a click.
+    '/loops': """<title>Loops</title><body style='position:fixed;inset:0;background:#ccc'><script>
+onclick = () => {
+  const request = new XMLHttpRequest();
+  request.open('GET', '/looping', false);
+  request.send();
+  for (;;) {}
+};</script>""",
     '/redirecting': "<title>Redirecting</title><a href='/redirect' "
                     "style='position:fixed;inset:0;background:#ccc'>Sign in</a>",
     '/noopener': """<title>Noopener</title><body style='position:fixed;inset:0;background:#ccc'>
