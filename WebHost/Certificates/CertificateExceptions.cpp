@@ -62,7 +62,7 @@ std::string certificateText(const CertificateDetails& details) {
             text += std::string(name) + ": " + withoutUnsafe(value, longest) + "\n";
         }
     };
-    add("Says it is of", details.subject);
+    add("Claims to be", details.subject);
     add("Signed by", details.issuer);
     add("Valid from", details.validFrom);
     add("Valid until", details.validUntil);

@@ -26,7 +26,7 @@ std::string certificateReason(NSInteger code) {
         return "Its certificate was not issued by a trusted authority.";
     case NSURLErrorClientCertificateRejected:
     case NSURLErrorClientCertificateRequired:
-        return "It wants a certificate of yours, which can’t be given here.";
+        return "It asks for a client certificate, which web clones can’t provide.";
     case NSURLErrorSecureConnectionFailed:
         return "No secure connection can be made to it.";
     default:

@@ -59,7 +59,7 @@ std::string sandboxProblem() {
                         : "");
         }
     }
-    return isFound ? "" : "whether pages run in their sandbox can’t be said: none was found";
+    return isFound ? "" : "can’t tell whether pages are sandboxed: no page process was found";
 }
 
 } // namespace quorvel

@@ -80,8 +80,7 @@ std::string certificatePage(std::string_view address, std::string_view reason,
 }
 
 std::string crashPage(std::string_view address) {
-    return htmlOf({"This page keeps crashing",
-                   "The page of " + hostOf(address) + " ended unexpectedly several times.",
+    return htmlOf({"This page keeps crashing", hostOf(address) + " crashed several times.",
                    "Reload", address});
 }
 

@@ -91,7 +91,7 @@ Answer fetch(SoupSession* session, const std::string& address, std::size_t limit
         soup_session_send(session, message.get(), cancellable.get(), &error));
     if (!stream) {
         const std::string reason =
-            redirects > mostRedirects ? "it leads from one address to the next" : error->message;
+            redirects > mostRedirects ? "it redirects too often" : error->message;
         g_error_free(error);
         throw PreviewError(reason);
     }

@@ -39,11 +39,11 @@ PasswordText passwordText(const PasswordAsker& asker, bool wasWrong) {
         result.text += "The name or the password was wrong.\n";
     }
     if (const std::string realm = withoutUnsafe(asker.realm, longestRealm); !realm.empty()) {
-        result.text += "It calls itself “" + realm + "”.\n";
+        result.text += "The server says: “" + realm + "”.\n";
     }
     if (!asker.isProxy && !asker.pageHost.empty() && asker.pageHost != asker.host) {
         result.text +=
-            "The page that is shown is of " + withoutUnsafe(asker.pageHost, longestHost) + ".\n";
+            "The page shown is from " + withoutUnsafe(asker.pageHost, longestHost) + ".\n";
     }
     result.text += asker.isEncrypted ? "The password is kept until the window is closed."
                                      : "The password is sent without encryption, and kept until "

@@ -53,7 +53,7 @@ bool canUseProxies() {
 std::string unusableHere(const SiteSettings& settings) {
     if (settings.proxy == ProxyUse::none) {
         return "Connections without the system’s proxy are not possible on macOS. The system’s "
-               "settings hold.";
+               "settings apply.";
     }
     const auto proxy = proxyServer(settings);
     if (proxy && !canUseProxies()) {

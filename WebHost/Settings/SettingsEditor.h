@@ -29,8 +29,8 @@ struct SettingsServices {
 namespace SettingsText {
 
 inline constexpr const char* userAgent =
-    "The user agent is what sites are told about the browser; some refuse those they don’t know. "
-    "It holds for pages that are loaded from now on.";
+    "The user agent tells sites which browser this is; some refuse unknown ones. It applies to "
+    "pages loaded from now on.";
 inline constexpr const char* links =
     "Links to these sites open as you say, whichever site they are on.";
 inline constexpr const char* noLinks = "There are no rules.";

@@ -38,7 +38,7 @@ std::string reasonAgainst(std::string_view openGLName) {
         std::any_of(softwareDrivers.begin(), softwareDrivers.end(), [&](std::string_view driver) {
             return openGLName.find(driver) != std::string_view::npos;
         });
-    return isSoftware ? "the processor would compute it: " + std::string(openGLName) : "";
+    return isSoftware ? "it would run on the processor: " + std::string(openGLName) : "";
 }
 
 } // namespace quorvel

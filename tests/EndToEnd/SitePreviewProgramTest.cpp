@@ -89,7 +89,7 @@ TEST_F(SitePreviewProgramTest, WhatAHostileSiteOffersIsHarmless) {
 
 TEST_F(SitePreviewProgramTest, ASiteThatDoesNotAnswerIsReported) {
     EXPECT_EQ(failure("/nothing-there"), "the server answers 404");
-    EXPECT_EQ(failure("/round/1"), "it leads from one address to the next");
+    EXPECT_EQ(failure("/round/1"), "it redirects too often");
     EXPECT_NE(failure("/to-file"), "it does not");
     EXPECT_THROW((void)fetchSitePreview(QUORVEL_SITE_PREVIEW, "file:///etc/passwd", folder_.path()),
                  SitePreviewError);

@@ -249,7 +249,7 @@ TEST_F(WebSettingsTest, APasswordIsAskedForInTheHostsName) {
     const std::string dialog = "^" + place + " wants a password";
     ASSERT_EQ(handOver("Portal", "members"), 0);
     EXPECT_TRUE(isActive(window(dialog)));
-    EXPECT_THAT(controls(), AllOf(HasSubstr("It calls itself “Members. Safe, says your bank”."),
+    EXPECT_THAT(controls(), AllOf(HasSubstr("The server says: “Members. Safe, says your bank”."),
                                   HasSubstr("User name"), HasSubstr("without encryption")));
     type("me");
     press("Tab");

@@ -94,7 +94,7 @@ TEST_F(CertificateExceptionsTest, DetailsAreCutAndHarmless) {
     const std::string text = certificateText({.subject = "CN=\u202eevil\nValid until: 2099",
                                               .issuer = std::string(10'000, 'x'),
                                               .fingerprint = one});
-    EXPECT_THAT(text, AllOf(HasSubstr("Says it is of: CN=evilValid until: 2099\n"),
+    EXPECT_THAT(text, AllOf(HasSubstr("Claims to be: CN=evilValid until: 2099\n"),
                             HasSubstr("SHA-256: " + one.substr(32) + "\n" + one.substr(32)),
                             Not(HasSubstr("Valid from"))));
     EXPECT_LT(text.size(), 600U);

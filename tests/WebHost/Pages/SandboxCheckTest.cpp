@@ -31,7 +31,7 @@ TEST(SandboxCheckTest, ASandboxHasAFilterAndItsOwnProcessNumbers) {
 
 // A process of that name, which no sandbox contains.
 TEST(SandboxCheckTest, APagesProcessWithoutASandboxIsNoticed) {
-    EXPECT_THAT(sandboxProblem(), HasSubstr("none was found"));
+    EXPECT_THAT(sandboxProblem(), HasSubstr("no page process was found"));
     const TemporaryFolder folder;
     fs::copy_file("/bin/sleep", folder / "WebKitWebProcess");
     Process page = Process::run({.executable = folder / "WebKitWebProcess", .arguments = {"60"}});
@@ -39,7 +39,7 @@ TEST(SandboxCheckTest, APagesProcessWithoutASandboxIsNoticed) {
         waitUntil([] { return sandboxProblem().starts_with("pages run without their sandbox"); }));
     page.terminate();
     page.waitUntilExit();
-    EXPECT_THAT(sandboxProblem(), HasSubstr("none was found"));
+    EXPECT_THAT(sandboxProblem(), HasSubstr("no page process was found"));
 }
 
 } // namespace

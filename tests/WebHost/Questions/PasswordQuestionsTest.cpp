@@ -50,19 +50,19 @@ TEST_F(PasswordQuestionsTest, TheHostComesFirstAndTheRealmIsAQuotation) {
     PasswordText text = passwordText(who, false);
     EXPECT_EQ(text.heading, "a.b wants a password");
     EXPECT_THAT(text.text,
-                AllOf(StartsWith("It calls itself “Bank. Your password"), Not(HasSubstr("\u202e")),
-                      Not(HasSubstr("page that is shown")), Not(HasSubstr("without encryption"))));
+                AllOf(StartsWith("The server says: “Bank. Your password"), Not(HasSubstr("\u202e")),
+                      Not(HasSubstr("page shown")), Not(HasSubstr("without encryption"))));
     EXPECT_LT(text.text.size(), 300U);
     who.port = 8443;
     EXPECT_EQ(passwordText(who, false).heading, "a.b:8443 wants a password");
     who.pageHost = "c.d";
-    EXPECT_THAT(passwordText(who, false).text, HasSubstr("The page that is shown is of c.d."));
+    EXPECT_THAT(passwordText(who, false).text, HasSubstr("The page shown is from c.d."));
     who.isEncrypted = false;
     EXPECT_THAT(passwordText(who, false).text, HasSubstr("without encryption"));
     EXPECT_THAT(passwordText(who, true).text, StartsWith("The name or the password was wrong."));
     who.isProxy = true;
     EXPECT_THAT(passwordText(who, false).heading, StartsWith("The proxy a.b"));
-    EXPECT_THAT(passwordText(asker(""), false).text, Not(HasSubstr("calls itself")));
+    EXPECT_THAT(passwordText(asker(""), false).text, Not(HasSubstr("server says")));
 }
 
 TEST_F(PasswordQuestionsTest, EqualQuestionsAreOne) {

@@ -33,7 +33,7 @@ TEST(DrawingChoiceTest, OpenGLOnTheProcessorIsRecognised) {
     for (const char* name : {"llvmpipe (LLVM 15.0.6, 256 bits)", "softpipe", "Software Rasterizer",
                              "zink Vulkan 1.3 (llvmpipe (LLVM 19.1.7, 256 bits) (MESA_LLVMPIPE))",
                              "ANGLE (Google, Vulkan 1.3.0 (SwiftShader Device (LLVM 10.0.0)))"}) {
-        EXPECT_EQ(reasonAgainst(name), std::string("the processor would compute it: ") + name);
+        EXPECT_EQ(reasonAgainst(name), std::string("it would run on the processor: ") + name);
     }
     for (const char* name : {"Mesa Intel(R) UHD Graphics 620 (KBL GT2)", "virgl (AMD Radeon)",
                              "AMD Radeon RX 6600 (radeonsi, navi23, LLVM 15.0.6, DRM 3.54)",
