@@ -95,7 +95,7 @@ std::vector<Row> entriesRows(const fs::path& folder) {
     const ScopedEnvironment own("XDG_DATA_HOME", folder.string());
     const ScopedEnvironment others("XDG_DATA_DIRS", (folder / "none").string());
     return {compareTimes(
-        "catalogue of 500 desktop entries with icons, against reading files and folders",
+        "catalog of 500 desktop entries with icons, against reading files and folders",
         [&] { listAll(folder); }, [&] { readAll(folder); }, 2, 25)};
 }
 

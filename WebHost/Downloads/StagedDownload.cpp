@@ -1,6 +1,6 @@
 #include "WebHost/Downloads/StagedDownload.h"
 
-#include "Base/RandomUuid.h"
+#include "Base/HiddenNames.h"
 #include "Platform/files/FileSystem.h"
 #include "Platform/files/PlatformError.h"
 #include "Platform/files/UnsupportedOperation.h"
@@ -17,7 +17,7 @@ namespace fs = std::filesystem;
 namespace {
 
 std::string prefixOf(const std::string& mark) {
-    return ".quorvel-" + mark + "-";
+    return std::string(unfinishedPrefix) + mark + "-";
 }
 
 // For file systems that can't rename exclusively: a hard link never replaces anything.
@@ -39,7 +39,7 @@ StagedDownload::StagedDownload(const fs::path& downloads, const std::string& mar
     : downloads_(downloads),
       name_(safeDownloadName(suggested)) {
     createDirectories(downloads);
-    const fs::path folder = downloads / (prefixOf(mark) + randomUuid());
+    const fs::path folder = downloads / newHiddenName(prefixOf(mark));
     createPrivateFolder(folder);
     stage_ = folder;
 }
@@ -87,10 +87,9 @@ fs::path StagedDownload::publish() {
 
 void StagedDownload::removeLeftovers(const fs::path& downloads, const std::string& mark) {
     const std::string prefix = prefixOf(mark);
-    const std::size_t length = randomUuid().size();
     for (const std::string& name :
          directoryEntries(downloads).value_or(std::vector<std::string>())) {
-        if (name.starts_with(prefix) && name.size() == prefix.size() + length) {
+        if (isHiddenName(name, prefix)) {
             std::error_code ignored;
             if (fs::is_directory(fs::symlink_status(downloads / name, ignored))) {
                 fs::remove(downloads / name, ignored); // fails if there is a file in it
