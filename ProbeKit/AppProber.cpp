@@ -6,7 +6,7 @@
 #include "Platform/files/FileSystem.h"
 #include "Platform/homes/IsolatedEnvironment.h"
 #include "Platform/homes/UserPaths.h"
-#include "Platform/processes/ProcessActivity.h"
+#include "Platform/shutdown/ProcessActivity.h"
 #include "ProbeKit/CopyTrial.h"
 #include "ProbeKit/FSEventProbe.h"
 

@@ -4,7 +4,7 @@
 #include "LaunchKit/AppBundle.h"
 #include "LaunchKit/InstanceLauncher.h"
 #include "Platform/desktop/Workspace.h"
-#include "Platform/processes/ProcessShutdown.h"
+#include "Platform/shutdown/ProcessShutdown.h"
 #include "ProbeKit/LeakRules.h"
 #include "ProbeKit/Models.h"
 

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "LaunchKit/AppProfile.h"
-#include "Platform/processes/ProcessActivity.h"
-#include "Platform/processes/ProcessShutdown.h"
+#include "Platform/shutdown/ProcessActivity.h"
+#include "Platform/shutdown/ProcessShutdown.h"
 
 #include <chrono>
 #include <cstddef>

@@ -14,9 +14,9 @@
 #include "Platform/files/FileSystem.h"
 #include "Platform/files/PlatformError.h"
 #include "Platform/processes/FocusRequest.h"
-#include "Platform/processes/ProcessAdoption.h"
-#include "Platform/processes/SignalForwarder.h"
 #include "Platform/processes/StartReport.h"
+#include "Platform/shutdown/ProcessAdoption.h"
+#include "Platform/shutdown/SignalForwarder.h"
 #include "Runner/RunnerMessages.h"
 #include "Runner/WebClone.h"
 

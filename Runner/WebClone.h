@@ -1,7 +1,7 @@
 #pragma once
 
-#include "Platform/processes/SignalForwarder.h"
 #include "Platform/processes/StartReport.h"
+#include "Platform/shutdown/SignalForwarder.h"
 
 #include <string>
 #include <vector>

@@ -6,7 +6,7 @@
 #include "LaunchKit/InstanceRecord.h"
 #include "LaunchKit/InstanceRegistry.h"
 #include "LaunchKit/Wrappers/WrapperLayout.h"
-#include "Platform/processes/TreeShutdown.h"
+#include "Platform/shutdown/TreeShutdown.h"
 
 namespace quorvel {
 namespace fs = std::filesystem;

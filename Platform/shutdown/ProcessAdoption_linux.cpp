@@ -1,4 +1,4 @@
-#include "Platform/processes/ProcessAdoption.h"
+#include "Platform/shutdown/ProcessAdoption.h"
 
 #include "Platform/processes/Process.h"
 #include "Platform/processes/ProcessFamily.h"

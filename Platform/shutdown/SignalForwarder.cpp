@@ -1,6 +1,6 @@
-#include "Platform/processes/SignalForwarder.h"
+#include "Platform/shutdown/SignalForwarder.h"
 
-#include "Platform/processes/ProcessAdoption.h"
+#include "Platform/shutdown/ProcessAdoption.h"
 
 #include <cerrno>
 #include <chrono>

@@ -1,4 +1,4 @@
-#include "Platform/processes/ProcessShutdown.h"
+#include "Platform/shutdown/ProcessShutdown.h"
 
 #include "Platform/homes/IsolatedEnvironment.h"
 #include "tests/support/TemporaryHome.h"

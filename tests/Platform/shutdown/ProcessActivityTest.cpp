@@ -1,4 +1,4 @@
-#include "Platform/processes/ProcessActivity.h"
+#include "Platform/shutdown/ProcessActivity.h"
 
 #include "Platform/processes/Process.h"
 #include "Platform/processes/ProcessFamily.h"

@@ -1,4 +1,4 @@
-#include "Platform/processes/TreeShutdown.h"
+#include "Platform/shutdown/TreeShutdown.h"
 
 #include "Platform/processes/Process.h"
 
