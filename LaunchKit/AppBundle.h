@@ -22,7 +22,7 @@ using EntitlementReader = std::function<std::string(const std::filesystem::path&
 /// callers that don't need the sandbox flag.
 [[nodiscard]] std::string noEntitlements(const std::filesystem::path& bundle);
 
-/// What an application is described by.
+/// The form that an application has on disk.
 enum class AppFormat { bundle, desktopEntry, appImage };
 
 template<>
@@ -37,15 +37,16 @@ struct AppBundle {
     std::filesystem::path url{}; ///< as given
     std::string bundleId{};      ///< of a desktop entry, its id: "org.example.App.desktop"
     std::string executableName{};
-    bool sandboxed = false; ///< so that its data can't be kept apart; for a Snap, too
+    bool sandboxed = false; ///< its data can't be kept apart; also true for a Snap
     bool prohibitsMultipleInstances = false;
     AppFormat format = AppFormat::bundle;
     std::vector<std::string> arguments{};   ///< a desktop entry's own, with their field codes
     std::optional<DesktopTarget> desktop{}; ///< absent for a bundle
 
-    /// Returns `std::nullopt` if `Info.plist` can't be read as a dictionary; the tool is not run
-    /// then. Blocks until the tool has exited. A file named *.desktop is read as a desktop entry,
-    /// any other that is an AppImage as that; both only on Linux, and only if they can be started.
+    /// Reads the bundle, and waits for the tool, which prints its entitlements. What has no
+    /// readable `Info.plist` is read without the tool: as a desktop entry if it is a file named
+    /// *.desktop, or as an AppImage; both only on Linux, and only if they can be started. Returns
+    /// `std::nullopt` for anything else.
     [[nodiscard]] static std::optional<AppBundle>
     read(const std::filesystem::path& appURL,
          const EntitlementReader& entitlements = codeSigningTool());

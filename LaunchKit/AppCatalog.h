@@ -20,8 +20,8 @@ struct InstalledApp {
     std::optional<std::filesystem::path> themeIcon{};
 
     [[nodiscard]] std::string id() const { return url.string(); }
-    /// Returns the app's icon file, an icon container or what `themeIcon` is; `std::nullopt` if the
-    /// app names none that exists.
+    /// Returns the app's icon file: an icon container, or for a desktop entry a PNG or SVG file;
+    /// `std::nullopt` if the app names none that exists.
     [[nodiscard]] std::optional<std::filesystem::path> iconURL() const;
 
     bool operator==(const InstalledApp& other) const {

@@ -91,7 +91,7 @@ std::string badgedIcon(const QImage& source, const IconLabel& label, std::size_t
     }
 }
 
-// The smallest that loses nothing of an image of this width.
+// Returns the index of the smallest side that loses nothing of an image of this width.
 std::size_t largestFor(int width) {
     std::size_t index = 0;
     while (index + 1 < sides.size() && sides[index + 1] >= width) {

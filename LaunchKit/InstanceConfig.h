@@ -30,17 +30,17 @@ struct InstanceConfig : CloneTarget, CloneOptions {
     /// The largest file that is read, in bytes.
     static constexpr std::size_t maximumFileSize = std::size_t{4} << 20U;
 
-    /// Returns the configuration whose JSON form this is, all or nothing; a byte-order mark may
-    /// lead it. Unknown keys are ignored, with any values, and of a key that appears several
-    /// times the first counts. Throws a `ConfigError` that lists every fault: malformed JSON,
-    /// missing required keys, values of the wrong type, unknown enumeration strings.
+    /// Returns the configuration that `json` encodes; the text may begin with a byte-order mark.
+    /// Unknown keys are ignored, with any values, and of a key that appears several times the first
+    /// counts. Throws a `ConfigError` that lists every fault: malformed JSON, missing required
+    /// keys, values of the wrong type, unknown enumeration strings.
     [[nodiscard]] static InstanceConfig fromJson(std::string json);
 
-    /// Decodes into a default-constructed `config`, using `json` as its working memory, for bulk
-    /// readers. `config` is unspecified if it throws `ConfigError`.
+    /// Decodes `json`, which is overwritten, into a default-constructed `config`, for callers that
+    /// read many. Throws `ConfigError`; `config` is unspecified then.
     static void decode(std::string& json, InstanceConfig& config);
 
-    /// Reads a file. Returns std::nullopt if it can't be read or decoded, is too large or not a
+    /// Reads a file. Returns `std::nullopt` if it can't be read or decoded, is too large or not a
     /// regular file.
     [[nodiscard]] static std::optional<InstanceConfig> read(const std::string& file);
 

@@ -19,15 +19,15 @@ namespace quorvel {
 
 struct InstanceConfig;
 
-/// What is particular to one start of an app.
+/// The details of one start of an app.
 struct StartDetails {
     /// A descriptor that the app inherits and keeps open while it runs, see `Process`; -1: none.
     int kept = -1;
     std::string identity{}; ///< the clone's `cloneIdentity`
     /// The following are for apps that are started by a desktop entry.
-    std::string windowWord{}; ///< what its windows are to be known by, if not empty
-    std::string action{};     ///< of the entry, in place of its own command, if not empty
-    bool onlyFocuses = false; ///< if the app runs already, it is only to come to the front
+    std::string windowWord{}; ///< see `windowWord`; empty: its windows have none
+    std::string action{};     ///< the id of an action to start; empty: the entry's own command
+    bool onlyFocuses = false; ///< the running app is only brought to the front
 };
 
 /// Starts a clone's target with its isolation applied, and prepares its data folder. Stateless; any
@@ -65,8 +65,8 @@ public:
                                  const std::vector<std::string>& documents = {},
                                  const StartDetails& details = {}) const;
 
-    /// Reads the app of an `app` clone, once the folders are shared that the clone is to share.
-    /// Throws `LaunchError::badBundle` if it can't be read.
+    /// Sets up the folders that an `app` clone shares, then returns its app. Throws
+    /// `LaunchError::badBundle` if that can't be read.
     [[nodiscard]] static AppBundle targetOf(const InstanceConfig& config);
 
     /// Launches that app for the clone, as above.
@@ -84,7 +84,7 @@ public:
                                  const std::vector<std::string>& documents = {},
                                  const StartDetails& details = {}) const;
 
-    /// The same with only these options, for a home that shares no folders.
+    /// The same with only these options: the home shares no folders, and links open inside it.
     [[nodiscard]] Process launch(const AppBundle& app, const std::string& home, Strategy strategy,
                                  const std::vector<std::string>& extraArgs,
                                  const std::map<std::string, std::string>& environment) const;

@@ -16,7 +16,7 @@ struct InstanceRecord {
     InstanceConfig config{};
 
     [[nodiscard]] std::string id() const { return bundleURL.string(); }
-    /// Returns the wrapper's icon, std::nullopt if it has none.
+    /// Returns the wrapper's icon; `std::nullopt` if it has none.
     [[nodiscard]] std::optional<std::filesystem::path> iconURL() const;
 
     bool operator==(const InstanceRecord& other) const { return bundleURL == other.bundleURL; }

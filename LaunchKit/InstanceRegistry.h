@@ -35,20 +35,20 @@ public:
     [[nodiscard]] std::optional<InstanceRecord>
     record(const std::filesystem::path& bundleURL) const;
 
-    /// Runs work that need not be done when its caller goes on; at once if empty. The work never
-    /// throws.
+    /// Runs work that its caller need not wait for. If empty, the work is done before the call
+    /// returns. The work never throws.
     using Deferral = std::function<void(std::function<void()> work)>;
 
     /// Removes the wrapper and, if `includingData`, the data folder; a user's home is never
     /// removed. Throws `PlatformError` if the wrapper can't be removed or something is mounted
     /// inside what would be, and `RefusedDeletion` if the data folder is not the clone's alone or
     /// the record's path now belongs to another clone; the data is untouched then. A data folder
-    /// that can't be removed is reported in the result instead. `later` gets what a desktop may
-    /// take its time for: the withdrawal from the menu.
+    /// that can't be removed is reported in the result instead. `later` runs the withdrawal from
+    /// the menu, which may be slow.
     DeletedData remove(const InstanceRecord& record, bool includingData,
                        const Deferral& later = {}) const;
 
-    /// Applies `change` to what the wrapper's configuration now is and saves it. Waits for other
+    /// Applies `change` to the wrapper's current configuration and saves it. Waits for other
     /// changes beside the wrapper. Failures are silent; list again to see the outcome.
     void update(const InstanceRecord& record,
                 const std::function<void(InstanceConfig&)>& change) const;

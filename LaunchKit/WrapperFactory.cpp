@@ -54,7 +54,7 @@ std::optional<fs::path> drawingFor(const WrapperFactory::Request& request) {
     return icon && icon->extension() == ".svg" ? icon : std::nullopt;
 }
 
-// A clone that is not in the menu is a clone all the same.
+// A clone works without its entry in the menu.
 void publish(const WrapperFactory::Request& request, const InstanceRecord& record,
              const WrapperFactory::Warning& warn) {
     try {

@@ -27,8 +27,8 @@ public:
         std::optional<std::string> bundleId{};            ///< `defaultBundleId(name)`
         std::optional<std::filesystem::path> customIcon{};
         bool hideWrapperIcon = false;
-        /// A wrapper of which a changed copy is made. The icon, whether it is hidden, the source of
-        /// the arguments and what the user put into the wrapper are its.
+        /// A wrapper to copy with changes. The copy keeps its icon, whether that is hidden, the
+        /// source of its arguments, and what the user put into it.
         std::optional<std::filesystem::path> original{};
         std::optional<std::vector<std::string>>
             extraArgs{}; ///< those that the target's engine needs

@@ -15,7 +15,7 @@ namespace quorvel {
 namespace fs = std::filesystem;
 namespace {
 
-// An icon inside the older wrapper is gone with it.
+// An icon inside the wrapper that is being replaced is gone with it.
 std::optional<fs::path> chosenIcon(const WrapperGenerator::Options& options,
                                    const fs::path& wrapper) {
     const ComparedItem older(wrapper);
@@ -65,10 +65,10 @@ void stageCopy(const StagedChange& change, const std::string& name,
     changes.settings.config = options.config;
     changes.settings.runner = options.runnerBinary;
     changes.isSelfContained = options.isSelfContained;
-    (void)original.stage(change, name, changes); // nothing of the user's is lost
+    (void)original.stage(change, name, changes); // the copy has all of the user's changes
 }
 
-// What is replaced is removed afterwards, so that must be possible.
+// The replaced wrapper is removed afterwards, so that must be possible.
 void requireRemovable(const fs::path& wrapper) {
     if (const auto old = ItemRemoval::of(wrapper)) {
         old->refuseMounts();

@@ -30,7 +30,7 @@ public:
         /// If set, called with the wrapper's path before anything is changed. What it throws is
         /// passed on.
         std::function<void(const std::filesystem::path& wrapper)> beforeWriting{};
-        /// Whether the wrapper contains all that the clone runs, from beside the runner.
+        /// Whether the wrapper gets copies of all that the clone runs, from beside the runner.
         bool isSelfContained = modulesBelongToBundles();
     };
 
@@ -56,8 +56,8 @@ public:
         std::filesystem::path url_;
     };
 
-    /// Writes `directory`/NAME.app, replacing an existing one, and returns its path. What is there
-    /// is the old wrapper or the new one at any moment. Throws `GenError`, `ConfigError` (a text
+    /// Writes `directory`/NAME.app, replacing an existing one, and returns its path. At any moment,
+    /// either the old wrapper or the new one is there. Throws `GenError`, `ConfigError` (a text
     /// that is not valid UTF-8), `std::invalid_argument` (a text that a property list can't
     /// contain) or `PlatformError`; nothing has changed then.
     [[nodiscard]] std::filesystem::path generate(const std::filesystem::path& directory,

@@ -7,7 +7,7 @@
 
 namespace quorvel {
 
-/// What a change of several steps is about, kept in its hidden folder until it is complete.
+/// The record of a change of several steps, kept in its hidden folder until it is complete.
 struct ChangeJournal {
     std::string wrapper{};    ///< its name in the folder, and in the hidden folder if deleted
     std::string newWrapper{}; ///< the name that it gets; empty for a deletion

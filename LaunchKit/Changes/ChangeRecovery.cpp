@@ -130,7 +130,7 @@ void finishIn(const fs::path& folder) {
     }
 }
 
-// A folder that can't be looked at does not keep the others from it.
+// A folder that can't be read must not stop the others.
 template<typename Work>
 void inEach(const std::vector<fs::path>& folders, const Work& work) noexcept {
     for (const fs::path& folder : folders) {

@@ -10,11 +10,11 @@ namespace quorvel {
 /// alone. What fails is left to the next call. Never throws.
 void finishInterruptedChanges(const std::filesystem::path& folder) noexcept;
 
-/// Does that in several folders, each while no other change is made in it; leaves out those in
-/// which one is. Where there is nothing to do, it costs no more than listing them. Never throws.
+/// Does that in several folders, locking each; skips those in which another change is being made.
+/// Where there is nothing to do, it costs no more than listing them. Never throws.
 void restoreClones(const std::vector<std::filesystem::path>& folders) noexcept;
 
-/// Removes what takes room and is nobody's, after `restoreClones`: configurations in these folders
+/// Removes leftovers that only take space, after `restoreClones`: configurations in these folders
 /// that were not written completely, if older than a minute, and copied data in ~/QuorvelInstances
 /// whose clone was not made. Looks into every wrapper and every data folder. Never throws.
 void removeLeftovers(const std::vector<std::filesystem::path>& folders) noexcept;

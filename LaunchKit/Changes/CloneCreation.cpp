@@ -36,7 +36,7 @@ std::optional<FileLock> lockAndValidate(const fs::path& folder,
     return lock;
 }
 
-// By the identifier, the system tells running clones apart.
+// The system distinguishes running clones by their identifiers.
 void warnOfSameIdentifier(const InstanceRecord& made, const WrapperFactory::Warning& warn) {
     std::vector<fs::path> folders = InstanceRegistry::defaultSearchDirs();
     const fs::path beside = made.bundleURL.parent_path();
@@ -106,7 +106,7 @@ MadeClone createCloneInClearPlace(const WrapperFactory& factory,
     };
     MadeClone made{.wrapper = factory.create(request, lockLate, warn)};
     made.record = InstanceRegistry().record(made.wrapper);
-    lock.reset(); // the search concerns no one else
+    lock.reset(); // the search needs no lock
     if (made.record && warn) {
         warnIfPossible(*made.record, warn);
     }

@@ -168,7 +168,7 @@ void removeMovedData(const InstanceRegistry& registry, const fs::path& bundle, D
     step.data.folder = moved;
 }
 
-// A wrapper and its data, on their way out.
+// A wrapper and its data while they are being deleted.
 struct Departure {
     StagedChange& change;
     std::optional<StagedChange>& trash; ///< for the data, if it is to be removed
@@ -244,7 +244,7 @@ bool removeAtOnce(const InstanceRegistry& registry, const ItemRemoval& wrapper, 
     if (!moveAway({*change, trash, wrapper, step})) {
         return false;
     }
-    lock.reset(); // what remains to do concerns no one else
+    lock.reset(); // the rest affects no other change
     if (trash) {
         const fs::path place = trash->path();
         removeMovedData(registry, wrapper.path(), step, *trash);

@@ -26,9 +26,9 @@ inline constexpr auto enumNames<StaleReason> = namesOfAllCases<StaleReason>({
     {StaleReason::icon, "icon"},
 });
 
-/// Brings clones up to date with Quorvel and with their targets: many of them by one object, which
-/// reads the runner and the menu once. Desktops learn when it is destroyed what the clones open.
-/// Any thread, but one at a time.
+/// Brings clones up to date with Quorvel and with their targets. One object refreshes many clones
+/// and reads the runner and the menu once. When it is destroyed, desktops are told what the clones
+/// open. Any thread, but one at a time.
 class CloneRefresh {
 public:
     /// Without `runner`, it is located. `isSelfContained` as in `WrapperGenerator::Options`. Throws
@@ -37,8 +37,8 @@ public:
     explicit CloneRefresh(const std::optional<std::filesystem::path>& runner = std::nullopt,
                           bool isSelfContained = modulesBelongToBundles());
 
-    /// Returns what of a clone would be different if it were made now; empty if nothing. Throws
-    /// `Error` if it is not a clone any more.
+    /// Returns which parts of a clone would be different if it were made now. Throws `Error` if it
+    /// is no longer a clone.
     [[nodiscard]] std::vector<StaleReason> reasonsFor(const InstanceRecord& record) const;
 
     /// Gives the clone at `wrapper` the current runner, its engine's arguments unless others were

@@ -14,8 +14,8 @@ struct CloneRenaming {
 };
 
 /// Gives the clone at `wrapper` another name: its wrapper, its entry in the menu, and with
-/// `movesData` its data folder, beside which the new one must be free. Throws `Error`, such as
-/// `HomeInUse` if the data can't be moved because the clone runs; the clone is as it was then.
+/// `movesData` its data folder, whose new place must be free. Throws `Error`, such as `HomeInUse`
+/// if the data can't be moved because the clone runs; the clone is as it was then.
 [[nodiscard]] ChangedClone renameClone(const std::filesystem::path& wrapper,
                                        const CloneRenaming& renaming);
 

@@ -14,7 +14,7 @@
 
 namespace quorvel {
 
-/// Returns the path of the clone itself if a link leads to it.
+/// Returns the wrapper's path without links, or `wrapper` if it can't be resolved.
 [[nodiscard]] std::filesystem::path realWrapper(const std::filesystem::path& wrapper);
 
 /// A clone that is being changed: locked, and read as it is.

@@ -21,7 +21,7 @@ struct CloneSettings {
     /// for editing; changes of them are ignored.
     InstanceConfig config{};
     ArgumentSource arguments = ArgumentSource::typed; ///< `engine` replaces those of `config`
-    bool restoresArguments = false; ///< `engine` also replaces what the user has made of them
+    bool restoresArguments = false; ///< `engine` also replaces what the user has changed
     bool hidesIcon = false;
     IconChoice icon = IconChoice::keep;
     std::filesystem::path iconFile{};              ///< for `IconChoice::file`

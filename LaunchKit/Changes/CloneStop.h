@@ -14,7 +14,7 @@ struct InstanceRecord;
 
 /// How a clone is stopped.
 struct StopOptions {
-    /// How long to wait after asking politely.
+    /// How long to wait after asking the processes to end.
     std::chrono::milliseconds patience{std::chrono::seconds(10)};
     /// Called if that many processes are still running then; if it returns true, they are killed.
     /// Empty: they are left alone.
@@ -28,7 +28,7 @@ struct StopOptions {
 struct StoppedClone {
     enum class Case {
         notRunning, ///< nothing of it was running
-        elsewhere,  ///< the same, but what can't be told to be the clone's uses its data folder
+        elsewhere,  ///< the same, but something that may not be the clone's uses its data folder
         ended,      ///< everything has ended by itself
         forced,     ///< everything has ended, some of it by force
         running     ///< something is still running

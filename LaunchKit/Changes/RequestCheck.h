@@ -45,7 +45,8 @@ struct RequestPermissions {
 };
 
 /// Returns the name without surrounding white space. Throws `InvalidRequest` for a name that would
-/// lead out of the folder of clones, is not valid UTF-8 or contains control characters.
+/// lead out of the folder of clones, is not valid UTF-8, or contains control characters other than
+/// line feeds and tabs.
 [[nodiscard]] std::string validatedCloneName(const std::string& name);
 
 /// Resolves the data folder that a clone made from the request would have. Throws `InvalidRequest`

@@ -17,7 +17,7 @@ struct DuplicationOptions {
     std::string name{};
     bool withData = false;
     FolderCopyOptions copy{};
-    std::function<void(const CopyFindings&)> found{}; ///< as of `InitialData`
+    std::function<void(const CopyFindings&)> found{}; ///< see `InitialData`
     WrapperFactory::Warning warn{};
 };
 
@@ -28,14 +28,14 @@ struct DuplicatedClone {
     CopyFindings findings{};
 };
 
-/// Returns what to ask for to get another clone with the options, the icon, the place and
-/// everything else that the user put into the wrapper of this one, but with an identifier and a
-/// data folder of its own.
+/// Returns the request for a duplicate, which has the options, the icon and the folder of the
+/// original, and what the user put into its wrapper, but its own identifier and data folder. Throws
+/// `InvalidRequest` for an invalid name.
 [[nodiscard]] WrapperFactory::Request duplicateRequest(const InstanceRegistry& registry,
                                                        const InstanceRecord& original,
                                                        const std::string& name);
 
-/// Makes a second clone like the first, with a copy of its data or an empty data folder. Never
+/// Makes a second clone like `original`, with a copy of its data or an empty data folder. Never
 /// replaces a clone. Throws what `createCloneWithData` throws, and `HomeInUse` if the data is to be
 /// copied while something of the clone runs. Blocks. Any thread.
 [[nodiscard]] DuplicatedClone duplicateClone(const WrapperFactory& factory,

@@ -8,7 +8,7 @@ namespace fs = std::filesystem;
 
 namespace {
 
-// What the factory itself would find missing only after the copy.
+// The factory itself would notice only after the copy.
 void requireParts(const WrapperFactory& factory, const WrapperFactory::Request& request) {
     if (!factory.runnerBinary && !RunnerLocator::locate(ApplicationFolders::current())) {
         throw WrapperFactory::FactoryError::runnerNotFound();

@@ -24,13 +24,13 @@ struct CloneWithData {
     CopyFindings findings{};
 };
 
-/// Returns the data folder that a clone made from the request would have.
+/// Returns the data folder that a clone made from the request would have. Throws `DataCopyError` if
+/// it would have none, and `InvalidRequest` for an invalid name.
 [[nodiscard]] std::filesystem::path dataFolderFor(const WrapperFactory::Request& request);
 
 /// Makes a clone as `createClone` does, with copies of these folders as its data. At any moment
 /// there is either nothing of it or all, except for what `CopiedData::removeUnfinished` removes.
-/// Throws what `createClone` and `CopiedData` throw, and `DataCopyError` if
-/// the clone would have no folder of its own; nothing is made then.
+/// Throws what `createClone`, `dataFolderFor` and `CopiedData` throw; nothing is made then.
 [[nodiscard]] CloneWithData createCloneWithData(const WrapperFactory& factory,
                                                 const WrapperFactory::Request& request,
                                                 const RequestPermissions& permissions,

@@ -68,16 +68,16 @@ FileHandle folderIn(const StagedFolder& folder, const std::string& below) {
     return opened;
 }
 
-// A copy of the folder has another number, so that its mark says nothing about it.
+// The inode distinguishes the folder from a copy of it, in which the mark means nothing.
 std::string markFor(int folder, const fs::path& wrapper) {
     struct stat facts {};
     (void)::fstat(folder, &facts);
     return std::to_string(facts.st_ino) + " " + wrapper.string();
 }
 
-// Returns whether the folder is the data of a clone, which may have got another name or place since
-// it was made. Returns std::nullopt if that can't be told: the folder of the clone that was to be
-// made is missing, as on a disk that is not mounted, or a clone there is being changed.
+// Returns whether the folder is the data of a clone, which may have been renamed or moved since it
+// was made. Returns std::nullopt if that is unknown: the folder of the clone that was to be made is
+// missing, as on a disk that is not mounted, or a clone there is being changed.
 std::optional<bool> isDataOfAClone(const fs::path& folder, const fs::path& wrapper) {
     const fs::path beside = wrapper.parent_path();
     const auto names = directoryEntries(beside);
@@ -113,7 +113,7 @@ void settle(const fs::path& folder) {
     }
 }
 
-// One folder that can't be looked at does not keep the others from it.
+// A folder that can't be read must not stop the others.
 void settleQuietly(const fs::path& folder) noexcept {
     try {
         settle(folder);

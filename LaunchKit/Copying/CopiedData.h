@@ -28,9 +28,9 @@ struct DataPart {
     std::function<void()> requireUnused{};
 };
 
-/// The data folder of a clone that is yet to be made, with copies in it. The folder gets its place
-/// before the clone does, and a mark until the clone is there: without one, nobody would know whose
-/// it is, and `removeUnfinished` removes it.
+/// The data folder of a clone that is yet to be made, filled with copies. It is put in its place
+/// before the clone is made, and marked until then: `removeUnfinished` removes marked data whose
+/// clone was never made.
 class CopiedData {
 public:
     /// Copies the parts, beside `home`. Throws `DataCopyError` if something is at `home` other than
@@ -44,7 +44,7 @@ public:
     /// Returns what the user should know about the copy.
     [[nodiscard]] CopyFindings findings() const { return search_.findings(folder_.path()); }
 
-    /// Returns where it is now.
+    /// Returns where the folder currently is.
     [[nodiscard]] const std::filesystem::path& path() const { return folder_.path(); }
 
     /// Notes for which clone it is, and flushes everything to disk, which may take long. Throws
@@ -54,14 +54,14 @@ public:
     /// Moves everything to `home`, once it is complete. Throws `PlatformError`.
     void publish();
 
-    /// Records that the clone is there.
+    /// Removes the mark, once the clone is made.
     void finish() noexcept;
 
     /// Removes everything again.
     void withdraw() noexcept { folder_.withdraw(); }
 
-    /// Removes what interrupted copies left in that folder, and their marks from the data of clones
-    /// that are there, under any name. What may be a clone's stays. Never fails.
+    /// Removes what interrupted copies left in that folder, and the marks from the data of clones
+    /// that exist, under any name. What may be a clone's stays. Never fails.
     static void removeUnfinished(const std::filesystem::path& parent) noexcept;
 
     /// Throws `DataCopyError` if something is at `home` other than an empty folder.

@@ -110,7 +110,7 @@ void countLocked(const fs::path& file, const fs::path& scratch, CopyFindings& fi
     }
 }
 
-// What an interruption leaves there, the next copy removes.
+// The next copy removes what an interruption leaves there.
 std::unique_ptr<StagedFolder> scratchBeside(const fs::path& copy) {
     try {
         return std::make_unique<StagedFolder>(copy);

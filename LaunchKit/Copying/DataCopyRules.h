@@ -6,12 +6,12 @@
 #include <optional>
 #include <string>
 
-/// What is particular about copying the data of applications.
+/// Rules for copying the data of applications.
 namespace quorvel {
 
-/// Returns whether an item stays behind when a data folder is copied: what says that an application
-/// is running there, what is written again at each start, and the clone's log. A copied lock would
-/// open its pages in the original, or keep the copy from starting.
+/// Returns whether an item is left out when a data folder is copied: signs that an application is
+/// running there, what each start writes again, and the clone's log. With a copied lock, the copy
+/// would open its pages in the original, or not start.
 [[nodiscard]] bool staysBehind(const CopiedItem& item);
 
 /// Returns the lock in the folder, relative to it, of a browser or mail program that is running;

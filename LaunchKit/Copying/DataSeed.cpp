@@ -24,7 +24,7 @@ struct KnownFolder {
     std::string_view folder;
 };
 
-// Relative to the home. What begins with ".config" is where XDG_CONFIG_HOME says.
+// Relative to the home. Those below ".config" are where XDG_CONFIG_HOME says.
 constexpr std::array<KnownFolder, 7> firefoxFolders{{
     {"firefox", ".mozilla/firefox"},
     {"firefox", ".config/mozilla/firefox"},
@@ -198,7 +198,7 @@ void requireKnownPackaging(const AppBundle& app) {
     }
 }
 
-// Returns the folders that are there, whether the original runs or not.
+// Returns the parts, whether the original runs or not. Throws if a folder is missing.
 std::vector<DataPart> foldersOf(const AppBundle& app, const Environment& session) {
     const UserFoldersOfSession folders(session);
     std::vector<DataPart> parts = partsFor(app, folders);

@@ -9,13 +9,13 @@
 
 namespace quorvel {
 
-/// Returns which of the user's folders a clone made from the request would begin with as its data,
-/// and where it would look for them: of Firefox and its relatives the default profile, of Chromium
-/// and Electron the whole folder of user data, of others those that are known. Of an application
-/// that is not described by a desktop entry or an AppImage, nothing is known. Throws
+/// Returns the user's folders that a clone made from the request can start with as its data, and
+/// where the clone looks for them: for Firefox and its relatives the default profile, for Chromium
+/// and Electron the whole folder of user data, for others the folders in their shipped profile.
+/// Nothing is known about an application that is not a desktop entry or an AppImage. Throws
 /// `DataCopyError` if it is not known where the original keeps its data or where the clone would
-/// look for it, if there is no data, or if the original is running; the parts throw that too, when
-/// they are copied. `session` is the environment of the session.
+/// look for it, if there is no data, or if the original is running, which the parts check again
+/// when they are copied. `session` is the environment of the session.
 [[nodiscard]] std::vector<DataPart> seedFor(const WrapperFactory::Request& request,
                                             const Environment& session = currentEnvironment());
 

@@ -6,8 +6,8 @@
 
 namespace quorvel {
 
-/// Returns the name under which an Electron application keeps its data, which its package says, in
-/// the folder of its program; std::nullopt if there is none that can be read.
+/// Returns the name under which an Electron application keeps its data, according to its package,
+/// which is in the folder of its program; std::nullopt if there is none that can be read.
 [[nodiscard]] std::optional<std::string> electronName(const std::filesystem::path& folder);
 
 } // namespace quorvel

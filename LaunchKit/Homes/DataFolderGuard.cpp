@@ -143,7 +143,7 @@ DataFolder dataFolderOf(const InstanceConfig& config) {
     const fs::path written = withoutTrailingSlashes(home);
     const fs::path plain = withoutTrailingSlashes(written.lexically_normal());
     if (plain != written && identityOf(plain) != identityOf(written)) {
-        // "." and ".." after a link are resolved in its target; the normalised path names another
+        // "." and ".." after a link are resolved in its target; the normalized path names another
         // item.
         return {.path = written, .isBehindLink = true};
     }

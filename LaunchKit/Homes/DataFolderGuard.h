@@ -39,7 +39,7 @@ private:
 /// What a configured data folder is on disk.
 struct DataFolder {
     std::filesystem::path path{}; ///< resolved, except a link at its end; empty if `isNone`
-    bool isNone = false;          ///< not usable: an empty or relative path
+    bool isNone = false;          ///< not usable: empty, relative, or with a NUL
     bool isBehindLink = false;    ///< "link/." and the like: not what the plain path names
 };
 

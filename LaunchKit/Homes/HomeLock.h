@@ -22,15 +22,15 @@ public:
     explicit HomeInUse(const std::string& displayName);
 };
 
-/// Claims the clone's instance home, which is created if missing, for one target. The claim lasts
-/// as long as the lock's descriptor is open in any process. If the lock file can't be made, on a
-/// full disk for example, the home folder itself is locked. Returns `std::nullopt` if that fails
-/// too. Throws `HomeInUse`, or `PlatformError` if the home can't be made or the lock's path is
-/// occupied by something else.
+/// Claims the clone's instance home, which is created if missing, for one target, and calls
+/// `keepCopiedData`. The claim lasts as long as the lock's descriptor is open in any process. If
+/// the lock file can't be made, on a full disk for example, the home folder itself is locked.
+/// Returns `std::nullopt` if that fails too. Throws `HomeInUse`, or `PlatformError` if the home
+/// can't be made or the lock's path is occupied by something else.
 [[nodiscard]] std::optional<FileLock> lockHome(const InstanceConfig& config);
 
-/// Records that the clone's data is its own for good. Without that, data that was copied for a
-/// clone is removed if the clone is not found.
+/// Removes the mark that copied data has until its clone is made (see `CopiedData`), so that the
+/// data is never taken for what an interrupted copy left.
 void keepCopiedData(const InstanceConfig& config);
 
 /// A claim on a home in which another target is still running. A target that inherits the

@@ -43,7 +43,7 @@ void requireMovable(const fs::path& home, const fs::path& newHome) {
     }
 }
 
-// Between the two steps of a file system without an exchange, `newHome` leads nowhere.
+// Without an exchange, `newHome` leads nowhere between the two steps.
 int takePlaceOfLink(const fs::path& home, const fs::path& newHome) {
     if (exchangeItems(AT_FDCWD, home.c_str(), AT_FDCWD, newHome.c_str()) == 0) {
         return 0;

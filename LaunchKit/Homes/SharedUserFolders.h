@@ -13,8 +13,8 @@ struct SharedUserFolders {
     static constexpr std::array<std::string_view, 3> sharedUserFolders{"Downloads", "Documents",
                                                                        "Desktop"};
 
-    /// Makes `link` a symbolic link to `target` if nothing is lost by it: `target` exists, and at
-    /// `link` is nothing, an empty folder or a plain file. Never fails.
+    /// Makes `link` a symbolic link to `target`, if that exists and if there is nothing at `link`
+    /// or only an empty folder or a plain file, which is removed. Never fails.
     static void linkIfSafe(const std::string& link, const std::string& target);
 
     /// Links the user's own folders into `home`. Never fails.

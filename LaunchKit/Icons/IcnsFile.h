@@ -69,7 +69,7 @@ public:
     /// Returns the image to show at `side` pixels: the smallest that is at least that wide, or else
     /// the widest, among those that can be decoded; null if none can.
     [[nodiscard]] QImage nearest(int side) const;
-    /// Returns whether there is one.
+    /// Returns whether `nearest` finds one.
     [[nodiscard]] bool isDecodable(int side) const;
 
 private:

@@ -40,11 +40,10 @@ struct IcnsType {
     IcnsCode bitMask = 0;   ///< the bitmap type whose 1-bit mask it uses; 0 for none
 };
 
-/// Returns null for a type that is not an image of its own.
+/// Returns the image type with that code; null if the code is not that of an image.
 [[nodiscard]] const IcnsType* icnsType(IcnsCode code);
 
-/// Returns whether a type's payload is a family of its own: the icon's selected, hovered or dark
-/// form.
+/// Returns whether a type's payload is a nested family: the icon's selected, hovered or dark form.
 [[nodiscard]] bool isNestedFamily(IcnsCode code);
 
 /// Returns whether a type is an 8-bit mask.

@@ -12,11 +12,11 @@ namespace {
 constexpr std::size_t markSize = 8;
 constexpr std::size_t numberSize = 4;
 
-// Takes the next part of the file off `rest`; std::nullopt if it is cut short.
 struct Part {
     std::string_view kind;
     std::string_view data;
 };
+// Takes the next part of the file off `rest`; std::nullopt if it is cut short.
 std::optional<Part> takePart(std::string_view& rest) {
     constexpr std::size_t around = 3 * numberSize; // length and kind, and the checksum after it
     if (rest.size() < around || bigEndian32(rest) > rest.size() - around) {
@@ -57,7 +57,7 @@ bool isSimplePng(std::string_view bytes, unsigned largestSide) {
         if (part->kind == "IEND") {
             return hasPixels && part->data.empty() && rest.empty();
         }
-        // The other one is the number of bits in use, which some writers add.
+        // Some writers add sBIT, the number of bits in use.
         if (part->kind != "IDAT" && (part->kind != "sBIT" || hasPixels)) {
             return false;
         }

@@ -16,10 +16,10 @@ namespace {
 
 constexpr std::size_t maximumDepth = 200;
 
-// A part of the drawing that other parts can repeat.
 // Far more than drawings have, and they take a few megabytes.
 constexpr std::size_t maximumReferences = 100000;
 
+// A part of the drawing that other parts can repeat.
 struct Part {
     std::size_t elements = 0;
     std::vector<QString> repeated{};
@@ -27,7 +27,7 @@ struct Part {
     bool isCounted = false;
 };
 
-// Pictures in other files are not read, those inside must be of ordinary size.
+// Pictures in other files are not read, and those inside must be of ordinary size.
 bool isHarmlessPicture(const QString& address) {
     const QString base64 = QStringLiteral(";base64,");
     const qsizetype start = address.indexOf(base64);

@@ -6,8 +6,8 @@ class QImage;
 
 namespace quorvel {
 
-/// Returns a drawing (SVG) of the picture in one color, of which dark parts get more than light
-/// ones. Desktops replace the color by that of their texts.
+/// Returns a drawing (SVG) of the picture in one color, more opaque where the picture is darker.
+/// Desktops replace the color by that of their texts.
 [[nodiscard]] std::string symbolicPicture(const QImage& picture);
 
 } // namespace quorvel

@@ -16,7 +16,7 @@ bool passesOnWhatItIsGiven(const AppBundle& app) {
     return app.desktop && isBrowserEngine(app.desktop->program.engine);
 }
 
-// What one start is given: everything, or one document each time where that is all it takes.
+// Returns what each start is given: everything, or one document where it takes no more.
 std::vector<std::vector<std::string>> partsOf(const std::vector<std::string>& documents,
                                               const DesktopTarget& target) {
     if (target.documentsLeftOut(documents.size()) == 0) {
@@ -30,7 +30,7 @@ std::vector<std::vector<std::string>> partsOf(const std::vector<std::string>& do
     return parts;
 }
 
-// Those that are sure not to run twice in one home, and that show a new window for a second start.
+// These never run twice in one home, and show a new window when they are started again.
 bool comesToFront(const AppBundle& app) {
     using Engine = ResolvedProgram::Engine;
     return app.desktop && (app.desktop->program.engine == Engine::chromium ||

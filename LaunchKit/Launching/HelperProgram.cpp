@@ -17,7 +17,7 @@
 
 namespace quorvel {
 
-// What of a wrapper's notes its runner reads.
+// The part of a wrapper's notes that its runner reads.
 struct HelperNote {
     std::optional<std::string> helpers{};
 };
@@ -104,7 +104,7 @@ std::optional<std::string> unusualHelperFolder(const fs::path& runner) {
     const bool isUsual =
         std::find(usualFolders.begin(), usualFolders.end(), folder) != usualFolders.end();
     const bool isInstalled = folder.starts_with('/') && folder.ends_with("/libexec/quorvel");
-    // Nothing else can be noted.
+    // Notes can only contain UTF-8.
     return isInstalled && !isUsual && isUtf8(folder) ? std::optional(std::move(folder))
                                                      : std::nullopt;
 }

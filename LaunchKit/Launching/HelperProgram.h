@@ -8,22 +8,22 @@
 
 namespace quorvel {
 
-/// Returns the program of that name that is installed beside the runner: the one that the
-/// environment variable `variable` names, or else the one of the installation that this program
-/// belongs to, or that made the clone that it is in, or else the one in the usual places;
-/// `std::nullopt` if there is none.
+/// Returns the first program `name` of these: the one that the variable `variable` of `session`
+/// names; that of the installation that this program belongs to; that of the installation that made
+/// the clone that this program is in; one in the usual places. Returns `std::nullopt` if there is
+/// none.
 [[nodiscard]] std::optional<std::filesystem::path>
 helperProgram(const std::string& name, const std::string& variable, const Environment& session);
 
-/// Returns the module of that file name that is installed beside the runner, for this process to
-/// load, from the same places. If the session's environment variable `variable` is set, only the
-/// file that it names counts. Returns `std::nullopt` if there is none.
+/// Returns the module with the file name `name` from the same places, for this process to load. If
+/// `variable` is set in `session`, only the file that it names counts. Returns `std::nullopt` if
+/// there is none.
 [[nodiscard]] std::optional<std::filesystem::path>
 helperModule(const std::string& name, const std::string& variable, const Environment& session);
 
-/// Returns the folder of a runner and its programs if no clone looks for them there by itself, as
-/// after an installation below another prefix than the build was made for. The clone's notes then
-/// say it ("helpers").
+/// Returns the folder of `runner` and its helper programs if clones don't look there by themselves,
+/// such as after an installation under another prefix than the build's: it is then noted in each
+/// clone ("helpers"). Returns `std::nullopt` otherwise.
 [[nodiscard]] std::optional<std::string> unusualHelperFolder(const std::filesystem::path& runner);
 
 } // namespace quorvel

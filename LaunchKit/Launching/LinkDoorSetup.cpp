@@ -75,8 +75,8 @@ public:
         editLists([](const std::string& list) { return withoutHandler(list, doorEntryId); });
     }
 
-    // Hides the entry of the same name that another clone has in its own data folder, which is
-    // among the shared ones of a clone that is started there.
+    // Hides the entry of the same name in the data folder of another clone, which a clone that is
+    // started inside that one searches, too.
     void hideOtherDoor() const {
         replaceIfOther(entry_, "[Desktop Entry]\nType=Application\nName=Links\nHidden=true\n");
     }
@@ -104,7 +104,7 @@ private:
         for (const std::string& name : lists_) {
             const std::string file = joinAsText(config_, name);
             const auto before = readFile(file, limit);
-            // A link is somebody's wish, and what can't be read can't be kept.
+            // A link was made on purpose, and what can't be read would be lost.
             if (isSymbolicLink(file) || (!before && itemExists(file))) {
                 continue;
             }
@@ -138,7 +138,7 @@ private:
     std::vector<std::string> lists_{};
 };
 
-// A browser's name is taken apart at blanks and colons, and "%s" in it has a meaning.
+// Programs split BROWSER at blanks and colons, and "%s" in it has a meaning.
 bool isPlainCommand(std::string_view path) {
     return path.find_first_of(" :%\t\n\"'\\") == std::string_view::npos;
 }
@@ -156,7 +156,7 @@ void changeEnvironment(const LinkHome& links, const fs::path& door, const std::s
     clone[cloneHomeVariable] = home;
 }
 
-// The value that the session outside of a clone had, std::nullopt if it had none or can't be told.
+// Returns a variable's value outside of a clone; std::nullopt if it had none or it is unknown.
 std::optional<std::string> valueOutside(const std::string& cloneHome, const std::string& name) {
     const auto session = readLinkSession(cloneHome);
     if (!session) {
@@ -166,7 +166,7 @@ std::optional<std::string> valueOutside(const std::string& cloneHome, const std:
     return before == session->variables.end() ? std::nullopt : before->second;
 }
 
-// A clone in which this one is started has a door, too, which would lead outside.
+// If this clone is started inside another one, the door of that one would lead outside.
 void leaveOtherClone(const LinkHome& own, const std::optional<fs::path>& door,
                      const CloneOptions& options, Environment& clone) {
     const std::string other = valueOf(clone, cloneHomeVariable);
@@ -238,7 +238,7 @@ void setUpLinks(const AppBundle& app, const std::string& home, const CloneOption
         record.opener = linkOpenerProgram(options.links);
         links.writeSession(record);
     } catch (const std::exception&) {
-        // The application is started without.
+        // The application is started without them.
     }
 }
 

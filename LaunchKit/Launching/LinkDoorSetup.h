@@ -20,8 +20,8 @@ enum class LinkRoute {
 /// Returns whether the application is a web browser, which opens the links in it itself.
 [[nodiscard]] bool isWebBrowser(const AppBundle& app);
 
-/// Returns where the links of a clone go for which something can be done. `systemOpensOutside` is
-/// whether the system does so by itself.
+/// Returns where a clone's links have to be sent. `systemOpensOutside` is whether the system opens
+/// them outside of clones anyway; nothing has to be done then, so the result is `inside`.
 [[nodiscard]] LinkRoute linkRouteOf(const AppBundle& app, const CloneOptions& options,
                                     bool systemOpensOutside);
 

@@ -5,9 +5,9 @@
 
 namespace quorvel {
 
-/// Returns the program to start for links that are to open as `links` says (`CloneOptions::links`):
-/// the runner of the chosen clone, or an empty text if no clone is chosen. If there is no such
-/// clone, that can't be started.
+/// Returns the program that opens links for this value of `CloneOptions::links`: the runner of the
+/// chosen clone, or a text that can't be started if there is no such clone; empty if no clone is
+/// chosen.
 [[nodiscard]] std::string linkOpenerProgram(const std::optional<std::string>& links);
 
 } // namespace quorvel

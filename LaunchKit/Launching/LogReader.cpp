@@ -54,7 +54,7 @@ std::string LogReader::readOn() {
     struct stat status {};
     if (::fstat(file_.descriptor(), &status) == 0 &&
         static_cast<std::uintmax_t>(status.st_size) < offset_) {
-        offset_ = 0; // somebody emptied it
+        offset_ = 0; // it was truncated
     }
     std::string bytes(most, '\0');
     ssize_t count = -1;

@@ -10,8 +10,8 @@
 
 namespace quorvel {
 
-/// Reads a clone's log from its beginning, and goes on with what is added: also after it was set
-/// aside, truncated or created. One thread at a time.
+/// Reads a clone's log from its beginning and follows it, even if it is created later, set aside or
+/// truncated. One thread at a time.
 class LogReader {
 public:
     /// For the clone with this data folder, which must be expanded.
@@ -25,10 +25,10 @@ public:
     /// Returns the log's size in bytes; 0 if there is none.
     [[nodiscard]] std::uintmax_t size() const;
 
-    /// Begins at that byte instead. To be called before anything is read.
+    /// Begins at that byte instead. Call it before anything is read.
     void skipTo(std::uintmax_t offset) { offset_ = offset; }
 
-    /// Returns what follows what was returned before, at most 64 KiB; empty if nothing does yet.
+    /// Returns the next part of the log, at most 64 KiB; empty if nothing was added yet.
     [[nodiscard]] std::string next();
 
 private:

@@ -9,7 +9,7 @@
 namespace quorvel {
 namespace {
 
-// The program of the clone itself, where it has to be a part of that, or the one that is installed.
+// Returns the clone's own copy where the system demands one, otherwise the installed program.
 std::optional<std::filesystem::path> programFor(const std::string& identity,
                                                 const Environment& session) {
     constexpr const char* variable = "QUORVEL_STATUS_ITEM";

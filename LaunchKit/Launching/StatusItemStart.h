@@ -9,8 +9,8 @@ namespace quorvel {
 
 struct InstanceConfig;
 
-/// Returns whether a program of its own shows the clone in the tray or the menu bar: a web clone
-/// does that itself, and what a file clone opens lasts longer than anything of the clone's.
+/// Returns whether a separate program shows the clone in the tray or the menu bar. A web clone does
+/// that itself, and what a file clone opens lasts longer than the clone.
 [[nodiscard]] bool needsStatusItem(const InstanceConfig& config);
 
 /// Starts a program that shows the clone with this `cloneIdentity` in the tray or the menu bar, if

@@ -12,9 +12,8 @@ namespace quorvel {
 struct DesktopTarget;
 struct InstanceConfig;
 
-/// What makes a program's windows known to the desktop by a word of their own, so that the dock
-/// shows them under the menu entry that has this word. All is absent for a program that offers
-/// nothing.
+/// How a program is started so that the desktop knows its windows by a given word, and the dock
+/// shows them under the menu entry with that word. Empty for a program that offers no way.
 struct WindowIdentity {
     std::optional<std::string> programName{}; ///< in place of its path
     std::vector<std::string> arguments{};     ///< directly after the program
@@ -22,7 +21,7 @@ struct WindowIdentity {
     bool operator==(const WindowIdentity&) const = default;
 };
 
-/// Returns what the program understands. A program never gets an option that it could refuse.
+/// Returns what the program understands; never an option that it could refuse.
 [[nodiscard]] WindowIdentity windowIdentity(const ResolvedProgram& program,
                                             const std::string& word);
 
@@ -37,7 +36,7 @@ enum class WindowGrouping {
     shared,   ///< with the original's windows
 };
 
-/// Returns what the program's identity and its environment lead to.
+/// Returns how the windows of the program are grouped when it has this environment.
 [[nodiscard]] WindowGrouping windowGrouping(const ResolvedProgram& program,
                                             const Environment& environment);
 

@@ -29,7 +29,7 @@ bool hasX11Windows(const ResolvedProgram& program, const Environment& environmen
 
 std::optional<Process> startWindowNaming(const AppBundle& target, const InstanceConfig& config,
                                          const std::string& word) {
-    // Not even GTK is enough, whose property for KDE comes from the application's id.
+    // Even with GTK's option it is needed: GTK's property for KDE comes from the application's id.
     if (!target.desktop || isBrowserEngine(target.desktop->program.engine)) {
         return std::nullopt;
     }

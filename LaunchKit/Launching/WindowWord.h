@@ -10,7 +10,7 @@ namespace quorvel {
 [[nodiscard]] std::string cloneIdentity(const std::filesystem::path& wrapper);
 
 /// Returns the one word by which a desktop matches the clone's windows to its menu entry. It begins
-/// with a capital, since toolkits make it so, and no two clones share it.
+/// with a capital, as toolkits would make it anyway, and no two clones share it.
 [[nodiscard]] std::string windowWord(const std::string& identity);
 
 } // namespace quorvel

@@ -27,12 +27,12 @@ namespace {
 
 constexpr std::size_t largestDrawing = std::size_t{4} << 20U;
 
-// Menus show what they are given, so it must not be able to disguise itself.
+// Menus show any text, so control characters must not be able to disguise it.
 std::string shownText(const std::string& text) {
     return Text::trimmingWhitespaceAndNewlines(withoutControls(text));
 }
 
-// Another name for each picture, without reading it.
+// Returns a name that changes with the picture, without reading it.
 std::string pictureName(const std::string& word, const fs::path& icon) {
     std::error_code code;
     const std::uintmax_t size = fs::file_size(icon, code);
@@ -193,7 +193,7 @@ void withdrawOrphans(const PublishedMenu& published, MenuRepair& repair) {
     }
 }
 
-// Returns the application's drawing if the clone's icon is what is made of it.
+// Returns the application's drawing if the clone's icon is made from it.
 std::optional<fs::path> drawingOf(const InstanceRecord& record) {
     const InstanceConfig& config = record.config;
     if (config.kind != ShortcutKind::app || config.iconLabel) {

@@ -14,9 +14,9 @@ namespace quorvel {
 
 struct InstanceRecord;
 
-/// The entries that are published for clones, as they were when this was made. To read them costs
-/// more the more clones there are, so that a caller that changes many reads them once. Desktops
-/// learn when it is destroyed what the entries open that were published with it.
+/// The entries that are published for clones, as they were when this was made. Reading them takes
+/// longer the more clones there are, so a caller that changes many clones reads them once. When it
+/// is destroyed, desktops are told what the entries open that were published with it.
 class PublishedMenu {
 public:
     PublishedMenu();
@@ -32,7 +32,7 @@ public:
     /// Returns the entries of one clone; there should be one.
     [[nodiscard]] std::vector<PublishedEntry> of(const std::string& identity) const;
 
-    /// Publishes in place of the clone's entries. Throws as `publishMenuEntry` does.
+    /// Publishes the entry in place of the clone's older ones. Throws as `publishMenuEntry` does.
     void publish(const MenuEntry& entry, const std::vector<MenuPicture>& pictures);
 
 private:
@@ -45,7 +45,7 @@ private:
 [[nodiscard]] MenuEntry menuEntryOf(const InstanceRecord& record);
 
 /// Publishes the clone's entry and icon, in place of older ones. `drawing` is an SVG file that
-/// shows the same as the clone's icon. Throws `Error`, whose text says why not.
+/// shows the same as the clone's icon, if there is one. Throws `Error`.
 void publishInMenu(const InstanceRecord& record,
                    const std::optional<std::filesystem::path>& drawing);
 

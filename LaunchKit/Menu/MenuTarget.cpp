@@ -21,12 +21,12 @@ std::optional<DesktopEntry> entryOf(const InstanceConfig& config) {
     try {
         return readDesktopEntry(config.targetAppPath);
     } catch (const PlatformError&) {
-        return std::nullopt; // the clone may still be made ready for an app that comes back
+        return std::nullopt; // the app may come back, so the clone gets an entry all the same
     }
 }
 
-// The code for files or addresses that a command contains, of which there is at most one, in its
-// form for several: a desktop would otherwise start the clone several times at once.
+// Returns the code for files or addresses in a command, which has at most one, in the form for
+// several: a desktop would otherwise start the clone several times at once.
 std::string codeIn(const std::string& exec) {
     try {
         for (const ExecLine::Word& word : ExecLine::parse(exec).words) {
@@ -109,7 +109,7 @@ std::vector<DesktopAction> actionsOf(const DesktopEntry& entry) {
     return actions;
 }
 
-// Whether an entry may be named after it: it comes from a file that anybody may have written.
+// Whether the name of an entry's file may contain the id, which comes from an untrusted file.
 bool isFileNamePart(const std::string& id) {
     constexpr std::size_t longest = 200;
     return !id.starts_with('.') && id.size() <= longest &&

@@ -9,10 +9,10 @@ namespace quorvel {
 
 struct InstanceConfig;
 
-/// What a clone's menu entry takes over from what the clone opens.
+/// The parts of a clone's menu entry that come from what the clone opens.
 struct MenuTarget {
     std::string name{};  ///< the application's, if it is one
-    std::string codes{}; ///< what its command takes: "%U", "%f", or nothing
+    std::string codes{}; ///< what its command takes: "%U", "%F", or nothing
     bool notifiesOfStart = false;
     std::string flatpakId{}; ///< if it is a Flatpak
     std::vector<std::string> categories{};

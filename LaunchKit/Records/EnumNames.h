@@ -59,7 +59,7 @@ namesOfAllCases(const EnumName<Case> (&rows)[count]) {
 }
 
 /// The names of an enumeration's cases in files and on the command line, in the order of the cases.
-/// Specialise it beside the enumeration, with `namesOfAllCases`.
+/// Specialize it beside the enumeration, with `namesOfAllCases`.
 template<typename Case>
 inline constexpr std::nullptr_t enumNames{};
 

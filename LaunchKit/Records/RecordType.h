@@ -61,8 +61,8 @@ struct RecordType {
     Reset reset = nullptr; ///< resets every member to its default
 };
 
-/// Specialise for a record with `static constexpr std::string_view name` and `static constexpr
-/// auto fields`, a result of `sortedByKey`.
+/// Specialize for a record with `static constexpr std::string_view name` and `static constexpr auto
+/// fields`, a result of `sortedByKey`.
 template<typename Record>
 struct RecordTable;
 

@@ -13,8 +13,8 @@ namespace quorvel {
 
 struct AppBundle;
 
-/// What was found out about applications before this program was built: profiles in files of its
-/// own, one per application, each named after the application's identifier.
+/// The profiles of applications that are shipped with Quorvel: one file per application, named
+/// after the application's identifier.
 namespace ShippedProfiles {
 
 /// Returns the folders where profiles may be, best first: beside the application's resources, then

@@ -72,7 +72,7 @@ std::optional<std::string> failureOf(const std::filesystem::path& program,
     if (status == 0) {
         return std::nullopt;
     }
-    // It sets itself a time, too.
+    // It also limits its own time.
     if (!status || *status == 128 + SIGALRM) {
         return "the site takes too long";
     }
@@ -122,7 +122,7 @@ SitePreview fetchSitePreview(const std::filesystem::path& program, const std::st
         throw SitePreviewError("there is no folder for what it sends");
     }
     try {
-        // The same as the clone will do with it.
+        // As the clone will complete it.
         const std::string whole =
             address.find("://") == std::string::npos ? "https://" + address : address;
         if (const auto failure = failureOf(program, whole, folder, patience, cancelled)) {

@@ -11,7 +11,7 @@
 
 namespace quorvel {
 
-/// What a site offers for the clone that is made of it.
+/// A site's title and icon, for a clone of it.
 struct SitePreview {
     std::string title{};                         ///< as a name; empty if there is none
     std::optional<std::filesystem::path> icon{}; ///< an icon container

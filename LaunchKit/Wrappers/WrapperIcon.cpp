@@ -77,13 +77,13 @@ void installIcon(const WrapperIcon& icon, const std::optional<IconLabel>& label,
         return;
     }
     const std::string labelled = labelledIcon(icon, label);
-    constexpr int tries = 2; // a failure that passes is not one
+    constexpr int tries = 2; // a temporary failure must not cost the label
     for (int count = 0; count < tries && !labelled.empty(); ++count) {
         if (isWritten(destination, labelled)) {
             return;
         }
     }
-    // Where the drawn icon has no room, the plain one may have.
+    // There may be space for the plain icon, but not for the drawn one.
     copyFile(icon.file, destination);
 }
 

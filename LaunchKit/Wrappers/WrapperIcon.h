@@ -25,7 +25,7 @@ wrapperIcon(const std::optional<std::filesystem::path>& chosen,
 /// Returns the state of the target's icon file, as `fileState` does; empty if it has none.
 [[nodiscard]] std::string targetIconState(const AppBundle& target);
 
-/// Returns whether there is anything of the label to draw.
+/// Returns whether there is a label with anything to draw.
 [[nodiscard]] bool isVisible(const std::optional<IconLabel>& label);
 
 /// Writes the icon to `destination`, with the label if that can be drawn. Throws `PlatformError`.

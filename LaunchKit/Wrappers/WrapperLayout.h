@@ -18,7 +18,8 @@ inline constexpr std::string_view webHostModule = "quorvel-web-host.so";
 /// wrapper.
 inline constexpr std::string_view statusItemProgram = "quorvel-status-item";
 
-/// What a wrapper's executable is told to start one of its target's actions with: this and an id.
+/// The option with which a wrapper's executable starts one of its target's actions; the action's id
+/// follows.
 inline constexpr std::string_view actionOption = "--action=";
 
 /// Returns the path of a wrapper's configuration, "instance.json" in its resources.

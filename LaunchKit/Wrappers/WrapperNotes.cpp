@@ -40,7 +40,7 @@ std::optional<WrapperNotes> WrapperNotes::read(const std::string& wrapper) {
 }
 
 void WrapperNotes::write(const std::string& wrapper) const {
-    // Nothing in it is anything but valid UTF-8, so it can always be written.
+    // All of it is valid UTF-8, so it can always be written.
     writeFile(notesOf(wrapper), writeRecord(*this).value_or(""), Flush::later);
 }
 

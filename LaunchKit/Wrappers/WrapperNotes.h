@@ -52,7 +52,7 @@ struct WrapperNotes {
 /// Returns a text that changes when the file does, without reading it; empty if there is no file.
 [[nodiscard]] std::string fileState(const std::string& file);
 
-/// Returns the hash of arguments, by which changed ones are recognised.
+/// Returns the hash of arguments, by which changed ones are recognized.
 [[nodiscard]] std::string argumentsHash(const std::vector<std::string>& arguments);
 
 /// Returns the hash of a file's bytes; empty if it can't be read.

@@ -42,7 +42,7 @@ PropertyListDictionary listFor(const CloneSettings& settings, bool hasIcon) {
         options, hasIcon ? std::optional<std::string>(wrapperIconName) : std::nullopt);
 }
 
-// What is replaced is removed afterwards, so that must be possible.
+// The replaced wrapper is removed afterwards, so that must be possible.
 void requireRemovable(const fs::path& wrapper) {
     try {
         if (const auto old = ItemRemoval::of(wrapper)) {
@@ -86,8 +86,8 @@ void copyWrapper(const fs::path& wrapper, const fs::path& copy, bool leavesRunne
     refuseLinks(copy);
 }
 
-// Returns the runner beside which is what the wrapper has to contain now; std::nullopt if it has to
-// contain nothing new. A clone that keeps its own runner may lack the program for the menu bar.
+// Returns the runner from beside which the wrapper gets new parts; std::nullopt if it gets none. A
+// clone that keeps its own runner may lack the program for the menu bar.
 std::optional<fs::path> runnerWithParts(const fs::path& wrapper,
                                         const WrapperRevision::Changes& changes) {
     if (!changes.isSelfContained || changes.settings.runner) {
@@ -183,7 +183,7 @@ bool WrapperRevision::isIconOfTarget(const StagedChange& change) const {
     return !itemExists(iconOf(wrapper_)) || isTargetsIcon(change);
 }
 
-// Whether the icon is what the target's gives with the clone's label.
+// Whether the icon is the target's with the clone's label.
 bool WrapperRevision::isTargetsIcon(const StagedChange& change) const {
     const auto& label = settings_.config.iconLabel;
     const auto icon = wrapperIcon(std::nullopt, target_, label);
@@ -235,7 +235,7 @@ WrapperRevision::IconPlan WrapperRevision::keptIconPlan(const StagedChange& chan
         return {false, WrapperIcon{chosen, IconSource::chosen}, IconSource::chosen};
     }
     auto icon = wrapperIcon(std::nullopt, target_, label);
-    // If the target is gone, its icon is not.
+    // If the target is gone, the clone keeps its icon.
     keeping.looked = true;
     return icon || !itemExists(iconOf(wrapper_))
                ? IconPlan{false, std::move(icon), IconSource::target, true}

@@ -32,7 +32,7 @@ public:
 
     [[nodiscard]] const std::optional<WrapperNotes>& notes() const { return notes_; }
 
-    /// Returns whether the clone has its target's icon, and that has changed since.
+    /// Returns whether the clone has its target's icon, and the target's has changed since.
     [[nodiscard]] bool hasOldTargetIcon() const;
 
     /// Returns whether a program or module that a self-contained clone runs is missing from the

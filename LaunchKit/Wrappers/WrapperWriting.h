@@ -7,7 +7,7 @@
 #include <optional>
 #include <string>
 
-/// Writing the files of a wrapper. Callers prepare it where no one looks for clones.
+/// Writing the files of a wrapper. Callers do that where no clones are looked for.
 namespace quorvel {
 
 struct InstanceConfig;
