@@ -64,7 +64,7 @@ void reportLeftOut(const InstanceConfig& config, std::size_t leftOut) {
     }
 }
 
-// What serves the clone while it runs, and ends with it.
+// Starts the programs that serve the clone while it runs, and end with it.
 std::vector<Process> companionsOf(const AppBundle* app, const InstanceConfig& config,
                                   const StartDetails& details) {
     std::vector<Process> companions;
@@ -77,7 +77,7 @@ std::vector<Process> companionsOf(const AppBundle* app, const InstanceConfig& co
     return companions;
 }
 
-// Launches the clone's application in a home that nobody else uses, and waits for its end.
+// Launches the clone's application in a home that no other target uses, and waits for its end.
 int superviseApp(const InstanceConfig& config, const std::vector<std::string>& documents,
                  StartDetails details, const StartReport& report, const SignalForwarder& signals) {
     const std::optional<FileLock> lock = lockHome(config);

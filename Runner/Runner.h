@@ -16,13 +16,13 @@ enum RunnerStatus {
 };
 
 /// Runs the clone whose wrapper contains `executable` (WRAPPER/Contents/MacOS/runner) until its
-/// target ends, and all processes that detached themselves from it, where the system lets them be
-/// adopted: they count as the clone's. Forwards SIGTERM, SIGINT and SIGHUP to them; these stay
+/// target has ended, and all processes that detached themselves from it, where the system lets them
+/// be adopted: they count as the clone's. Forwards SIGTERM, SIGINT and SIGHUP to them; these stay
 /// blocked in the calling thread. `arguments` are documents or addresses to open, or the one
 /// `actionOption` followed by the id of an action of the target's desktop entry. Returns the
 /// target's exit status, 128 + N if signal N ended it, or a `RunnerStatus`, whose reason is written
 /// to standard error, to the clone's log (unless the clone can't be launched at all) and to the
-/// `StartReport`. An app's instance home is locked as long as that.
+/// `StartReport`. An app's instance home is locked meanwhile.
 [[nodiscard]] int runClone(const std::filesystem::path& executable,
                            const std::vector<std::string>& arguments);
 

@@ -24,7 +24,7 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-// What the module's functions are given.
+// The context of the module's callbacks.
 struct Reporting {
     const InstanceConfig& config;
     const StartReport& report;
@@ -53,7 +53,7 @@ std::string activationToken() {
     return token.empty() ? variable("DESKTOP_STARTUP_ID") : token;
 }
 
-// Why the clone can't be shown, and the status that says so.
+// Why the clone can't be shown, and the exit status for that.
 struct Refusal {
     std::string reason;
     RunnerStatus status;
@@ -63,7 +63,7 @@ std::string quoted(const InstanceConfig& config) {
     return "“" + config.displayName + "”";
 }
 
-// The module of the clone itself, where it has to be a part of that, or the one that is installed.
+// Returns the clone's own copy where the system demands one, otherwise the installed module.
 std::optional<std::filesystem::path> moduleFor(const WebCloneStart& start) {
     const Environment session = currentEnvironment();
     if (!modulesBelongToBundles() || session.contains(webHostVariable)) {
@@ -74,7 +74,7 @@ std::optional<std::filesystem::path> moduleFor(const WebCloneStart& start) {
     return itemExists(own) ? std::optional(own) : std::nullopt;
 }
 
-// What to do about a missing module, where it is a package's.
+// Returns what to do about a missing module; `ofPackages` where a package contains it.
 std::string remedy(const std::string& ofPackages) {
     return modulesBelongToBundles() ? "create the clone again" : ofPackages;
 }
@@ -149,8 +149,8 @@ bool handedOver(const WebCloneStart& start, const StartReport& report, Clock::du
     return isTaken;
 }
 
-// Shows the clone here or there. One that holds the folder may just be starting or ending, and then
-// doesn't answer.
+// Shows the clone in this process or in the one that holds its folder. That doesn't answer while it
+// is starting or ending.
 int showOnce(const WebCloneStart& start, const std::filesystem::path& module,
              const StartReport& report, const SignalForwarder& signals) {
     constexpr std::chrono::seconds patience{15};

@@ -10,11 +10,11 @@ namespace quorvel {
 
 struct InstanceConfig;
 
-/// What starting a web clone takes.
+/// A start of a web clone.
 struct WebCloneStart {
     const InstanceConfig& config;
     std::string configFile;               ///< which contains `config`
-    std::string windowWord;               ///< what its windows are to be known by
+    std::string windowWord;               ///< see `windowWord`
     std::vector<std::string> addresses{}; ///< to open; only the first counts
 };
 
