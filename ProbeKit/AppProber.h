@@ -87,7 +87,7 @@ public:
     /// `PlatformError`.
     [[nodiscard]] std::string makeTempHome() const;
 
-    /// Returns the events' paths by the folder they are in; the first matching rule decides.
+    /// Returns the events' paths, sorted into buckets as `LeakRules::bucketOf` says.
     [[nodiscard]] LeakBuckets classify(const std::vector<WriteEvent>& events,
                                        const std::string& fakeHome) const;
 

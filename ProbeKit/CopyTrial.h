@@ -15,8 +15,8 @@ namespace quorvel {
 
 struct AppBundle;
 
-/// Starts two copies of a desktop entry's or an AppImage's application, and finds out by their
-/// processes how they bear each other.
+/// Starts two copies of a desktop entry's or an AppImage's application, and finds out from their
+/// processes whether they run side by side.
 class CopyTrial {
 public:
     using Seconds = std::chrono::duration<double>;

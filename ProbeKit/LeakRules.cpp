@@ -20,7 +20,7 @@ LeakBucket bucketFor(DataPlace::Kind kind) {
     return LeakBucket::dataLeak;
 }
 
-// Returns the path from the folder on, without a leading slash, and std::nullopt if it isn't below.
+// Returns the path relative to the folder; std::nullopt if it isn't below it.
 std::optional<std::string_view> pathBelow(const std::string& folder, const std::string& path) {
     const std::size_t length = folder == "/" ? 0 : folder.size();
     if (path.size() <= length + 1 || !path.starts_with(folder) || path[length] != '/') {
@@ -125,7 +125,7 @@ bool LeakRules::isSharedFile(const std::string& path) const {
     return place != nullptr && place->isShared;
 }
 
-// Whether a setting of the application's in `one` is missing or another one in `other`.
+// Whether a setting of the application's in `one` is missing or different in `other`.
 bool LeakRules::ownSettingsDiffer(const Settings& one, const Settings& other) const {
     return std::any_of(one.begin(), one.end(), [&](const auto& setting) {
         const auto counterpart = other.find(setting.first);

@@ -27,12 +27,12 @@ public:
     /// Returns where a write went; the first matching rule decides.
     [[nodiscard]] LeakBucket bucketOf(const std::string& path, const std::string& fakeHome) const;
 
-    /// The settings that all applications keep in the same files; std::nullopt if some can't be
-    /// read.
+    /// Returns the settings that all applications keep in the same files; std::nullopt if some
+    /// can't be read.
     [[nodiscard]] std::optional<Settings> sharedSettings() const;
 
     /// Moves the writes to those files to the irrelevant ones, unless a setting whose name mentions
-    /// the application differs between the two states. Without both states, that can't be told.
+    /// the application differs between the two states. Without both states, nothing is moved.
     void setOthersSettingsAside(const std::optional<Settings>& before,
                                 const std::optional<Settings>& after, LeakBuckets& buckets) const;
 

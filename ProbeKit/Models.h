@@ -52,7 +52,7 @@ struct ProbeResult {
     Strategy recommendedStrategy = Strategy::unsupported;
     /// False if writes may have been missed. Does not affect the recommendation.
     bool complete = true;
-    /// The user has the application open, whose own writes look like leaks.
+    /// The user has the application open, and what that writes looks like leaks.
     bool isInUse = false;
 
     /// Returns the number of paths in a bucket.
