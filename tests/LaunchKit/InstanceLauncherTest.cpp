@@ -77,7 +77,7 @@ TEST_F(InstanceLauncherTest, AnAppFindsTheCloneHomeAsItsHome) {
     EXPECT_THAT(log(), HasSubstr("CFFIXED_USER_HOME=" + cloneHome().string() + "\n"));
 }
 
-TEST_F(InstanceLauncherTest, AnAppGetsOurEnvironmentBesides) {
+TEST_F(InstanceLauncherTest, AnAppAlsoGetsOurEnvironment) {
     const ScopedEnvironment variable("QUORVEL_TEST_VARIABLE", "ours");
     EXPECT_EQ(run(appConfig({"environment"})), 0);
     EXPECT_THAT(log(), HasSubstr("QUORVEL_TEST_VARIABLE=ours\n"));

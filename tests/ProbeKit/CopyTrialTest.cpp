@@ -305,7 +305,7 @@ std::size_t timesWaited(const AppBundle& app, std::vector<ProcessActivity> seen,
     return waited;
 }
 
-TEST_F(CopyTrialTest, ACopyThatComputesOrIsKeptFromItIsWaitedFor) {
+TEST_F(CopyTrialTest, ACopyThatUsesOrAwaitsTheProcessorIsWaitedFor) {
     using namespace std::chrono_literals;
     const AppBundle app = AppBundle::read(entry(wait)).value();
     const ProcessActivity idle{.cpuTime = 70ms};

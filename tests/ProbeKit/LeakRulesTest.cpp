@@ -90,13 +90,13 @@ TEST(LeakRulesTest, SharedSettingsCountOnlyIfOneOfTheAppsHasChanged) {
     EXPECT_TRUE(leaksAfter(before, std::nullopt));
 }
 
-TEST(LeakRulesTest, OtherLeaksStayLeaksWhateverHasChanged) {
+TEST(LeakRulesTest, OtherLeaksStayLeaksWhetherSettingsChangedOrNot) {
     LeakBuckets buckets{{LeakBucket::prefsLeak, {"/h/notes/.config/notes/settings"}}};
     rulesOfEntry().setOthersSettingsAside(Settings(), Settings(), buckets);
     EXPECT_EQ(buckets[LeakBucket::prefsLeak].size(), 1U);
 }
 
-TEST(LeakRulesTest, PlacesThemselvesAndTheirNeighboursAreIrrelevant) {
+TEST(LeakRulesTest, PlacesThemselvesAndTheirNeighborsAreIrrelevant) {
     EXPECT_EQ(bucketOf("/h/notes/.config/dconf"), LeakBucket::irrelevant);
     EXPECT_EQ(bucketOf("/h/notes2/.notes"), LeakBucket::irrelevant);
     EXPECT_EQ(bucketOf("/h/notes"), LeakBucket::irrelevant);

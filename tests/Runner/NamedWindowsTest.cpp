@@ -32,7 +32,7 @@ protected:
 
     void TearDown() override { screen_.reset(); }
 
-    // A clone of an application behind a script, which shows a window of that class.
+    // A clone of an application that a script starts, and that shows a window of that class.
     [[nodiscard]] fs::path clone() const {
         InstanceConfig config = configOf(ShortcutKind::app);
         setClass("Original");

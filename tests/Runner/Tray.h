@@ -48,7 +48,7 @@ public:
         return items_.empty() ? "" : items_.front();
     }
 
-    // How many items were registered under a name that nobody had yet.
+    // Returns how many items were registered before their name had an owner.
     [[nodiscard]] int tooEarly() const { return tooEarly_; }
 
     [[nodiscard]] bool has(const std::string& name) const {

@@ -45,7 +45,7 @@ TEST_F(WebCloneTest, AHomeThatItMakesIsClosedToOthers) {
     EXPECT_EQ(fs::status(cloneHome()).permissions(), fs::perms{0750});
 }
 
-// While the first ends, nobody answers on its socket any more.
+// While the first ends, its socket no longer answers.
 TEST_F(WebCloneTest, OpeningWhileTheFirstEndsShowsItAgain) {
     const ScopedEnvironment stub("STUB", at("").string());
     const fs::path bundle = wrapper(configOf(ShortcutKind::web));

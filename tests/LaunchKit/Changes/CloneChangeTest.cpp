@@ -305,7 +305,7 @@ TEST_F(CloneChangeTest, AWrapperWithoutNotesKeepsItsPictureItsHidingAndItsArgume
     EXPECT_EQ(iconIn(wrapper), icon);
 }
 
-TEST_F(CloneChangeTest, AWrapperWithoutNotesIsRecognisedByItsTargetsIcon) {
+TEST_F(CloneChangeTest, AWrapperWithoutNotesIsRecognizedByItsTargetsIcon) {
     WrapperFactory::Request request = appRequest();
     request.iconLabel = IconLabel{"Old", "#ff0000", IconLabel::Position::top};
     const fs::path wrapper = make(request);

@@ -75,7 +75,7 @@ TEST_F(CloneCreationTest, WarnsOfTwoNamesThatBecomeOneIdentifier) {
                               "app.quorvel.instance.work-1. ")));
 }
 
-TEST_F(CloneCreationTest, AWarningKeepsNobodyWaitingAndTakesNothingBack) {
+TEST_F(CloneCreationTest, AWarningDelaysNoOtherCreationAndUndoesNothing) {
     (void)createClone(factory, request(), {});
     WrapperFactory::Request second = request();
     second.displayName = "work";

@@ -78,7 +78,7 @@ TEST_F(DataCopyRulesTest, LocksStayBehind) {
     EXPECT_EQ(kept(), std::set<std::string>());
 }
 
-TEST_F(DataCopyRulesTest, WhatOnlyHasSuchANameIsCopied) {
+TEST_F(DataCopyRulesTest, OtherItemsWithTheNamesOfLocksAreCopied) {
     write(from("lock"), "a file of another program");
     link("somewhere", "links/lock");
     write(from("SS"), "");

@@ -25,7 +25,7 @@ TEST(DataSizeTest, IsTheSizeOfAllFilesAndOfNothingElse) {
     EXPECT_EQ(dataSizeOf(work, 10, goesOn), 7U);
 }
 
-TEST(DataSizeTest, IsUnknownIfThereIsTooMuchOrNobodyWaits) {
+TEST(DataSizeTest, IsUnknownForTooManyItemsOrOnceCancelled) {
     const TemporaryHome home;
     const std::atomic<bool> goesOn = false;
     const std::atomic<bool> cancelled = true;

@@ -134,7 +134,7 @@ TEST(IcnsFileTest, ReadsJpeg2000WithAndWithoutAlpha) {
     EXPECT_LE(difference(decodedEntry("ic11", jpeg2000Of(opaque, Jpeg2000Form::ycc)), opaque), 2);
 }
 
-TEST(IcnsFileTest, ReadsGreyJpeg2000) {
+TEST(IcnsFileTest, ReadsGrayJpeg2000) {
     const QImage picture = testPicture(16);
     const QImage plain = decodedEntry("icp4", jpeg2000Of(picture, Jpeg2000Form::gray));
     const QImage clear = decodedEntry("icp4", jpeg2000Of(picture, Jpeg2000Form::grayAlpha));

@@ -237,7 +237,7 @@ TEST(IconGeometryTest, FillsWhereOutlinesOverlap) {
 }
 
 TEST(IconGeometryTest, CoversOverlappingOutlinesOnce) {
-    // The strokes of neighbouring letters meet; where they do, they are not darker.
+    // The strokes of neighboring letters meet; where they do, they are not darker.
     const DrawnIcon icon({"HHH", "#FF0000", Position::center}, 512);
     int darkest = 0;
     for (int x = 0; x < 512; ++x) {

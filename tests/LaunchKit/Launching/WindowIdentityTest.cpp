@@ -51,7 +51,7 @@ TEST(WindowIdentityTest, AProgramGetsAnotherNameAndNoOptionThatItCouldRefuse) {
     }
 }
 
-TEST(WindowIdentityTest, NothingIsTriedWhereItDoesNotReach) {
+TEST(WindowIdentityTest, ProgramsThatOfferNoWayAreStartedUnchanged) {
     for (const Engine kind : {Engine::java, Engine::libreOffice, Engine::eclipse}) {
         EXPECT_EQ(windowIdentity(engine(kind), "X"), WindowIdentity{});
         EXPECT_EQ(windowGrouping(engine(kind), {}), WindowGrouping::ownOnX11);
@@ -97,7 +97,7 @@ TEST(WindowIdentityTest, OnWaylandSomeToolkitsKeepTheirNames) {
     EXPECT_EQ(windowGrouping(toolkit(Toolkit::gtk4), noBus), WindowGrouping::own);
 }
 
-TEST(WindowIdentityTest, AToolkitWithoutWaylandIsNamedFromOutsideWhateverStartsIt) {
+TEST(WindowIdentityTest, AToolkitWithoutWaylandIsNamedFromOutsideHoweverItStarts) {
     EXPECT_EQ(windowGrouping(toolkit(Toolkit::gtk2), {}), WindowGrouping::own);
     ResolvedProgram behindAScript = toolkit(Toolkit::gtk2);
     behindAScript.executable = "/usr/bin/env";

@@ -238,7 +238,7 @@ TEST_F(MenuRepairTest, OnlyEntriesOfClonesThatAreGoneAreWithdrawn) {
     }
 }
 
-TEST_F(MenuRepairTest, OneCloneThatCannotBePublishedDoesNotKeepOthersFromIt) {
+TEST_F(MenuRepairTest, ACloneThatCannotBePublishedDoesNotStopTheOthers) {
     const InstanceRecord impossible = made(command("two\nlines"));
     const InstanceRecord record = made(command("Work"));
     const MenuRepair repair = repairMenu({impossible, record});

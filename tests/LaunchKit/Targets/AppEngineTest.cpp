@@ -150,7 +150,7 @@ TEST_F(AppEngineTest, EveryEngineHasItsRawString) {
     }
 }
 
-TEST_F(AppEngineTest, ABundleWithoutMarkersIsOfAnother) {
+TEST_F(AppEngineTest, ABundleWithoutMarkersIsOther) {
     EXPECT_EQ(engineOf("com.x"), Engine::other);
     EXPECT_EQ(engineOf("com.x", {"Contents/Frameworks"}), Engine::other);
     EXPECT_EQ(WrapperFactory::detectEngine("/no/such.app", std::nullopt), Engine::other);

@@ -109,7 +109,7 @@ TEST_F(WrapperLayoutTest, AFolderWithAnythingElseBelongsToSomeoneElse) {
     EXPECT_FALSE(isDamagedWrapper(wrapper_));
 }
 
-TEST_F(WrapperLayoutTest, ADamagedCloneIsReplacedOnlyWhenThatIsMeant) {
+TEST_F(WrapperLayoutTest, ADamagedCloneIsReplacedOnlyIfThatIsAllowed) {
     damage();
     WrapperFactory::Request request;
     request.kind = ShortcutKind::web;
