@@ -60,20 +60,21 @@ public:
         return !reader.hasError();
     }
 
-    // Counts repetitions; a part that contains itself counts as too many.
-    [[nodiscard]] std::size_t elementsIn(const QString& id) {
+    // Counts repetitions; a part that contains itself counts as too many, and so do parts that
+    // repeat each other so deeply that counting them takes a large stack.
+    [[nodiscard]] std::size_t elementsIn(const QString& id, std::size_t depth = 0) {
         const auto found = parts_.find(id);
         if (found == parts_.end()) {
             return 0;
         }
         Part& part = found->second;
-        if (part.isCounting) {
+        if (part.isCounting || depth == maximumDepth) {
             return maximumSvgElements + 1;
         }
         part.isCounting = !part.isCounted;
         for (const QString& other : std::exchange(part.repeated, {})) {
             if (part.elements <= maximumSvgElements) {
-                part.elements += elementsIn(other);
+                part.elements += elementsIn(other, depth + 1);
             }
         }
         part.isCounting = false;

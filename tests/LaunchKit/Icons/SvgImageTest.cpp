@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 
 #include <chrono>
+#include <pthread.h>
 
 namespace quorvel {
 namespace {
@@ -47,6 +48,29 @@ TEST(SvgImageTest, WhatIsNotADrawingIsNotDrawn) {
     EXPECT_TRUE(svgImage(redSquare, 0).isNull());
     EXPECT_TRUE(svgImage(redSquare, 100000).isNull());
     EXPECT_FALSE(isDrawn(redSquare + std::string(maximumSvgSize, ' ')));
+}
+
+// Counting them once went as deep as the chain is long.
+TEST(SvgImageTest, ALongChainOfPartsNeedsNoLargeStack) {
+    constexpr int parts = 9000;
+    std::string svg = head + "<defs>";
+    for (int part = 0; part < parts; ++part) {
+        svg += "<g id='a" + std::to_string(part) + "'><use xlink:href='#a" +
+               std::to_string(part + 1) + "'/></g>";
+    }
+    svg += "</defs><use xlink:href='#a0'/></svg>";
+    pthread_attr_t attributes;
+    ASSERT_EQ(::pthread_attr_init(&attributes), 0);
+    ASSERT_EQ(::pthread_attr_setstacksize(&attributes, std::size_t{512} << 10U), 0);
+    pthread_t thread{};
+    const auto check = [](void* text) -> void* {
+        return isDrawn(*static_cast<const std::string*>(text)) ? text : nullptr;
+    };
+    ASSERT_EQ(::pthread_create(&thread, &attributes, check, &svg), 0);
+    void* drawn = &svg;
+    ::pthread_join(thread, &drawn);
+    ::pthread_attr_destroy(&attributes);
+    EXPECT_EQ(drawn, nullptr);
 }
 
 TEST(SvgImageTest, PartsThatRepeatOneAnotherAreCounted) {
