@@ -65,10 +65,11 @@ std::string renamedHome(const std::string& home, const fs::path& to) {
                : to.string();
 }
 
-// Warns of the clones that find this one by its old path.
-void warnOfLinks(ChangedClone& changed, const fs::path& old) {
+// Warns of the clones that find this one by its old path, however they spell it.
+void warnOfLinks(ChangedClone& changed, const fs::path& old, const std::string& identity) {
     for (const InstanceRecord& other : InstanceRegistry().list()) {
-        if (other.config.links == old.string()) {
+        const fs::path links = UserPaths::expandTilde(other.config.links.value_or(""));
+        if (links.is_absolute() && cloneIdentity(links) == identity) {
             changed.warnings.push_back("“" + other.config.displayName +
                                        "” opens its links in this clone by its old path " +
                                        old.string() + "; choose it again there.");
@@ -199,7 +200,7 @@ ChangedClone renameClone(const fs::path& wrapper, const CloneRenaming& renaming)
     ChangedClone changed = published(place, std::move(kept));
     if (isElsewhere) {
         withdrawOldEntry(changed, identity);
-        warnOfLinks(changed, clone.wrapper());
+        warnOfLinks(changed, clone.wrapper(), identity);
     }
     return changed;
 }

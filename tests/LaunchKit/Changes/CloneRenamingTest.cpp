@@ -15,6 +15,7 @@ using namespace testing;
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
+using ::testing::UnorderedElementsAre;
 namespace fs = std::filesystem;
 
 class CloneRenamingTest : public ::testing::Test, protected ChangedClones {
@@ -164,6 +165,22 @@ TEST_F(CloneRenamingTest, ClonesThatOpenTheirLinksInItAreNamed) {
     makeWrapper(home / "Applications/Mail.app", other);
     EXPECT_THAT(renameClone(wrapper, {.name = "Office"}).warnings,
                 ElementsAre(HasSubstr("“Mail” opens its links in this clone")));
+}
+
+TEST_F(CloneRenamingTest, ClonesThatSpellItsPathDifferentlyAreNamedToo) {
+    const fs::path wrapper = make(webRequest());
+    fs::create_directory_symlink(home / "Applications", home / "Apps");
+    for (const auto& [name, links] :
+         {std::pair("Mail", (home / "Apps" / wrapper.filename()).string()),
+          std::pair("Chat", "~/Applications/" + wrapper.filename().string()),
+          std::pair("News", (home / "Applications/Another.app").string()),
+          std::pair("Maps", std::string("inside"))}) {
+        InstanceConfig other = minimalConfig(name);
+        other.links = links;
+        makeWrapper(home / "Applications" / (std::string(name) + ".app"), other);
+    }
+    EXPECT_THAT(renameClone(wrapper, {.name = "Office"}).warnings,
+                UnorderedElementsAre(HasSubstr("“Mail” opens"), HasSubstr("“Chat” opens")));
 }
 
 } // namespace
