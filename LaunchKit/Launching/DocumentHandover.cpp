@@ -3,11 +3,14 @@
 #include "LaunchKit/InstanceConfig.h"
 
 #include <chrono>
+#include <csignal>
 
 namespace quorvel {
 namespace {
 
 constexpr std::chrono::seconds longest{15};
+// For one that is asked to end.
+constexpr std::chrono::seconds grace{2};
 // While the home is free, another start could take it.
 constexpr std::chrono::milliseconds period{5};
 
@@ -54,6 +57,10 @@ Handover handOverPart(const AppBundle& app, const InstanceConfig& config,
         }
     }
     second.terminate();
+    if (!second.waitUntilExit(grace)) {
+        second.sendSignal(SIGKILL); // or it would go on in the first one's home
+        second.waitUntilExit();
+    }
     return {};
 }
 

@@ -112,7 +112,7 @@ TEST_F(SecondStartTest, ItsRunnerEndsWithIt) {
 }
 
 TEST_F(SecondStartTest, ASecondStartThatOnlyWaitsIsEnded) {
-    const fs::path clone = cloneOfBrowser("exec /bin/sleep 600");
+    const fs::path clone = cloneOfBrowser("trap '' TERM; exec /bin/sleep 600");
     Process first = start(clone);
     ASSERT_TRUE(runs("first"));
     EXPECT_EQ(open(clone).waitUntilExit(), 75);
