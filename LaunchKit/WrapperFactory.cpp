@@ -14,19 +14,6 @@ namespace quorvel {
 namespace fs = std::filesystem;
 namespace {
 
-// Whether the target is sandboxed changes nothing here, so its signature is not looked at.
-fs::path readableTarget(const WrapperFactory::Request& request) {
-    const auto app =
-        request.targetApp ? AppBundle::read(*request.targetApp, noEntitlements) : std::nullopt;
-    if (!app) {
-        throw WrapperFactory::FactoryError::badTarget(request.targetApp.value_or("/"));
-    }
-    if (const auto obstacle = app->obstacle()) {
-        throw PlatformError::because(*obstacle, *request.targetApp, "cloned");
-    }
-    return withoutTrailingSlashes(*request.targetApp);
-}
-
 InstanceConfig configuration(const WrapperFactory::Request& request, const std::string& name) {
     InstanceConfig config{static_cast<const CloneTarget&>(request),
                           static_cast<const CloneOptions&>(request)};
@@ -35,7 +22,7 @@ InstanceConfig configuration(const WrapperFactory::Request& request, const std::
     config.instanceHome = request.instanceHome.value_or(WrapperFactory::defaultInstanceHome(name));
     config.extraArgs = request.extraArgs.value_or(std::vector<std::string>{});
     if (request.kind == ShortcutKind::app) {
-        const fs::path target = readableTarget(request);
+        const fs::path target = WrapperFactory::cloneableTarget(request);
         config.targetAppPath = target.string();
         if (!request.extraArgs) {
             config.extraArgs = WrapperFactory::autoDataDirArgs(target, std::nullopt);
@@ -81,6 +68,19 @@ fs::path folderOf(const WrapperFactory::Request& request) {
 }
 
 } // namespace
+
+// Whether the target is sandboxed changes nothing here, so its signature is not looked at.
+fs::path WrapperFactory::cloneableTarget(const Request& request) {
+    const auto app =
+        request.targetApp ? AppBundle::read(*request.targetApp, noEntitlements) : std::nullopt;
+    if (!app) {
+        throw FactoryError::badTarget(request.targetApp.value_or("/"));
+    }
+    if (const auto obstacle = app->obstacle()) {
+        throw PlatformError::because(*obstacle, *request.targetApp, "cloned");
+    }
+    return withoutTrailingSlashes(*request.targetApp);
+}
 
 WrapperFactory::FactoryError WrapperFactory::FactoryError::badTarget(const fs::path& target) {
     return {Case::badTarget, unreadableAppText(target, "Not a readable .app: "), target};

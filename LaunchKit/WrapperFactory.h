@@ -75,6 +75,10 @@ public:
     /// Returns "~/QuorvelInstances/" + `name`, not expanded.
     [[nodiscard]] static std::string defaultInstanceHome(std::string_view name);
 
+    /// Returns the request's target, without a trailing slash. Throws what `create` throws for one
+    /// that can't be read or cloned.
+    [[nodiscard]] static std::filesystem::path cloneableTarget(const Request& request);
+
     /// Returns the path at which `create` makes the clone.
     [[nodiscard]] static std::filesystem::path wrapperURL(const Request& request);
 

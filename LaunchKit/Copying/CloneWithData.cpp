@@ -13,9 +13,8 @@ void requireParts(const WrapperFactory& factory, const WrapperFactory::Request& 
     if (!factory.runnerBinary && !RunnerLocator::locate(ApplicationFolders::current())) {
         throw WrapperFactory::FactoryError::runnerNotFound();
     }
-    if (request.kind == ShortcutKind::app &&
-        (!request.targetApp || !AppBundle::read(*request.targetApp, noEntitlements))) {
-        throw WrapperFactory::FactoryError::badTarget(request.targetApp.value_or("/"));
+    if (request.kind == ShortcutKind::app) {
+        (void)WrapperFactory::cloneableTarget(request);
     }
 }
 

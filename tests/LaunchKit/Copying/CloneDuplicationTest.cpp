@@ -272,18 +272,21 @@ TEST_F(CloneDuplicationTest, WhatShouldBeKnownIsSaidBeforeTheCloneIsThere) {
     EXPECT_EQ(copy.findings.namingOriginal, said);
 }
 
-TEST_F(CloneDuplicationTest, ATargetThatIsGoneIsFoundBeforeAnythingIsCopied) {
+TEST_F(CloneDuplicationTest, ATargetThatCantBeClonedIsFoundBeforeAnythingIsCopied) {
+    write(home_ / "top.desktop",
+          "[Desktop Entry]\nType=Application\nName=Top\nExec=/bin/true\nTerminal=true\n");
     InstanceRecord original = makeWithData();
     original.config.kind = ShortcutKind::app;
-    original.config.targetAppPath = home_ / "Gone.app";
-    bool isCopying = false;
-    const DuplicationOptions options{
-        .name = "Second",
-        .withData = true,
-        .copy = {.progress = [&](const CopyProgress& /*progress*/) { isCopying = true; }}};
-    EXPECT_THROW((void)duplicateClone(factory_, registry_, original, options),
-                 WrapperFactory::FactoryError);
-    EXPECT_FALSE(isCopying);
+    for (const char* target : {"Gone.app", "top.desktop"}) {
+        original.config.targetAppPath = home_ / target;
+        bool isCopying = false;
+        const DuplicationOptions options{
+            .name = "Second",
+            .withData = true,
+            .copy = {.progress = [&](const CopyProgress& /*progress*/) { isCopying = true; }}};
+        EXPECT_THROW((void)duplicateClone(factory_, registry_, original, options), Error) << target;
+        EXPECT_FALSE(isCopying) << target;
+    }
 }
 
 TEST_F(CloneDuplicationTest, IfTheWrapperCantBeWrittenTheDataGoesToo) {
