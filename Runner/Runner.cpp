@@ -98,7 +98,10 @@ int handOverOrSupervise(const InstanceConfig& config, const std::vector<std::str
     if (handover.isTaken || handover.successor) {
         report.started();
         reportLeftOut(config, handover.leftOut);
-        return handover.successor ? signals.waitUntilExit(*handover.successor) : 0;
+        // It runs in the first one's place, whose companions have ended with its runner.
+        return handover.successor ? signals.waitUntilExit(*handover.successor,
+                                                          companionsOf(nullptr, config, details))
+                                  : 0;
     }
     if (!details.onlyFocuses) {
         addToLog(config, obstacle.what());

@@ -198,6 +198,9 @@ ChangedClone renameClone(const fs::path& wrapper, const CloneRenaming& renaming)
     const std::string identity = cloneIdentity(clone.wrapper());
     std::vector<std::string> kept = Renaming(clone, wanted).run();
     ChangedClone changed = published(place, std::move(kept));
+    if (changed.record.config.instanceHome != old.instanceHome) {
+        removeUnusedTemporaryFolder(old); // it is named after the home
+    }
     if (isElsewhere) {
         withdrawOldEntry(changed, identity);
         warnOfLinks(changed, clone.wrapper(), identity);

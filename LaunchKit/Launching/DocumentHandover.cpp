@@ -64,6 +64,18 @@ Handover handOverPart(const AppBundle& app, const InstanceConfig& config,
     return {};
 }
 
+// Returns std::nullopt if it was not taken.
+std::optional<Handover> handedOverNext(const AppBundle& app, const InstanceConfig& config,
+                                       const std::vector<std::string>& documents,
+                                       const StartDetails& details) {
+    try {
+        Handover next = handOverPart(app, config, documents, details);
+        return next.isTaken || next.successor ? std::optional(std::move(next)) : std::nullopt;
+    } catch (const Error&) {
+        return std::nullopt;
+    }
+}
+
 } // namespace
 
 Handover handOver(const InstanceConfig& config, const std::vector<std::string>& documents,
@@ -77,10 +89,16 @@ Handover handOver(const InstanceConfig& config, const std::vector<std::string>& 
         return {};
     }
     const auto parts = partsOf(documents, *app.desktop);
-    Handover handover{.isTaken = true};
-    for (std::size_t part = 0; part < parts.size() && handover.isTaken; ++part) {
-        handover = handOverPart(app, config, parts[part], details);
-        handover.leftOut = parts.size() - part - 1;
+    Handover handover = handOverPart(app, config, parts.front(), details);
+    handover.leftOut = parts.size() - 1;
+    while (handover.isTaken && handover.leftOut > 0) {
+        const auto& part = parts[parts.size() - handover.leftOut];
+        auto next = handedOverNext(app, config, part, details);
+        if (!next) {
+            return handover; // what was taken before is not asked for again
+        }
+        next->leftOut = handover.leftOut - 1;
+        handover = std::move(*next);
     }
     return handover;
 }

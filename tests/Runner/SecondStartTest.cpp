@@ -29,7 +29,7 @@ protected:
 
     // Returns a clone of a Firefox that runs until it is ended; with a link, it does what `second`
     // says.
-    [[nodiscard]] fs::path cloneOfBrowser(const std::string& second) const {
+    [[nodiscard]] fs::path cloneOfBrowser(const std::string& second, bool hasIcon = false) const {
         const fs::path program = apps_.at("lib/fox/fox");
         write(program, read(helperProgram()));
         makeExecutable(program);
@@ -42,6 +42,7 @@ protected:
         InstanceConfig config = configOf(ShortcutKind::app);
         config.targetAppPath = apps_.addEntry("fox", "fox %u");
         config.registerAsBrowser = true;
+        config.menuBarIcon = hasIcon;
         return wrapper(config);
     }
 
@@ -99,6 +100,40 @@ TEST_F(SecondStartTest, ASecondStartThatFindsTheFirstEndingBecomesTheClone) {
     EXPECT_TRUE(isHomeLocked()) << "even without its runner";
     ::kill(numberIn("second"), SIGKILL);
     EXPECT_TRUE(waitUntil([&] { return !isHomeLocked(); }));
+}
+
+TEST_F(SecondStartTest, ASecondStartThatBecomesTheCloneHasItsIcon) {
+    write(at("icon"), "#!/bin/sh\necho $2 >> " + at("icons").string() + "\n");
+    makeExecutable(at("icon"));
+    const ScopedEnvironment icon("QUORVEL_STATUS_ITEM", at("icon").string());
+    const fs::path clone = cloneOfBrowser("exec /bin/sleep 600", true);
+    Process second = openWhileItEnds(clone);
+    ASSERT_FALSE(HasFailure());
+    EXPECT_TRUE(waitUntil([&] {
+        return read(at("icons")).find("\n" + std::to_string(second.identifier()) + "\n") !=
+               std::string::npos;
+    })) << read(at("icons"));
+    second.terminate();
+    second.waitUntilExit();
+}
+
+TEST_F(SecondStartTest, ADocumentThatIsNotTakenLeavesWhatWasTakenBefore) {
+    apps_.addScript("note", "if false; then exec electron23 /usr/lib/note/app.asar; fi\n"
+                            "case \"$*\" in *bad*) exit 1 ;;\n*good*) echo taken >> " +
+                                at("second").string() + "; exit 0 ;; esac\necho $$ > " +
+                                at("first").string() + "\nexec /bin/sleep 600\n");
+    InstanceConfig config = configOf(ShortcutKind::app);
+    config.targetAppPath = apps_.addEntry("note", "note %f");
+    config.openWithPassthrough = true;
+    const fs::path clone = wrapper(config);
+    Process first = start(clone);
+    ASSERT_TRUE(runs("first"));
+    EXPECT_EQ(start(clone, {"/good", "/bad", "/good"}).waitUntilExit(), 0);
+    EXPECT_EQ(read(at("second")), "taken\n");
+    EXPECT_THAT(log(), HasSubstr("left out"));
+    EXPECT_EQ(start(clone, {"/bad", "/good"}).waitUntilExit(), 75) << "nothing was taken";
+    first.terminate();
+    first.waitUntilExit();
 }
 
 TEST_F(SecondStartTest, ItsRunnerEndsWithIt) {

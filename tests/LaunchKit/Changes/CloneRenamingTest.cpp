@@ -4,6 +4,7 @@
 #include "LaunchKit/Homes/HomeLock.h"
 #include "Platform/entries/MenuEntry.h"
 #include "Platform/files/PropertyListFile.h"
+#include "Platform/homes/IsolatedEnvironment.h"
 #include "tests/LaunchKit/Changes/ChangedClones.h"
 
 #include <gmock/gmock.h>
@@ -165,6 +166,19 @@ TEST_F(CloneRenamingTest, ClonesThatOpenTheirLinksInItAreNamed) {
     makeWrapper(home / "Applications/Mail.app", other);
     EXPECT_THAT(renameClone(wrapper, {.name = "Office"}).warnings,
                 ElementsAre(HasSubstr("“Mail” opens its links in this clone")));
+}
+
+// It is named after the data folder.
+TEST_F(CloneRenamingTest, TheTemporaryFolderOfTheOldDataGoes) {
+    const fs::path wrapper = make(appRequest());
+    fs::create_directories(data("Work"));
+    const Environment isolated = isolatedEnvironment(data("Work"), currentEnvironment());
+    if (!isolated.contains("TMPDIR")) {
+        GTEST_SKIP() << "this system has none";
+    }
+    ASSERT_TRUE(fs::exists(isolated.at("TMPDIR")));
+    (void)renameClone(wrapper, {.name = "Office", .movesData = true});
+    EXPECT_FALSE(fs::exists(isolated.at("TMPDIR")));
 }
 
 TEST_F(CloneRenamingTest, ClonesThatSpellItsPathDifferentlyAreNamedToo) {
