@@ -12,6 +12,7 @@ struct ItemIdentity {
     dev_t device = 0;
     ino_t inode = 0;
 
+    // NOLINTNEXTLINE(modernize-use-nullptr): clang-tidy 14 takes the comparison's 0 for a pointer.
     auto operator<=>(const ItemIdentity&) const = default;
 };
 
