@@ -69,7 +69,7 @@ fs::path StagedDownload::publish() {
     }
     fs::permissions(file(), fs::perms::owner_read | fs::perms::owner_write, code);
     for (int number = 1; number < mostCopies; ++number) {
-        const fs::path target = downloads_ / numberedName(name_, number);
+        fs::path target = downloads_ / numberedName(name_, number);
         int result = renameExclusively(file(), target);
         if (result != 0 && meansNoSuchRename(errno)) {
             result = renameByLink(file(), target);
