@@ -1,6 +1,5 @@
 #include "LaunchKit/Copying/CloneWithData.h"
 
-#include "LaunchKit/AppBundle.h"
 #include "LaunchKit/RunnerLocator.h"
 
 namespace quorvel {

@@ -7,7 +7,6 @@
 #include <cctype>
 #include <map>
 #include <optional>
-#include <set>
 
 namespace quorvel {
 namespace {
